@@ -1,0 +1,12 @@
+#ifndef ARBORIST_ARBORIST_H
+#define ARBORIST_ARBORIST_H
+
+/// The one header that a host includes: the facade, what goes in, what comes out, the log and the settings.
+
+#include "arborist/frame/detect_info.h"
+#include "arborist/frame/detection_observer.h"
+#include "arborist/frame/fault_tree_result.h"
+#include "arborist/frame/log.h"
+#include "arborist/frame/settings.h"
+
+#endif

@@ -1,0 +1,28 @@
+#ifndef ARBORIST_FRAME_FAULT_TREE_PROP_GLOBAL_H
+#define ARBORIST_FRAME_FAULT_TREE_PROP_GLOBAL_H
+
+#include <map>
+#include <string>
+
+/// The process-wide map behind SetFaultTreeProperty. Created thread-safely on first use, not locked afterwards.
+class FaultTreePropGlobal {
+public:
+    FaultTreePropGlobal(const FaultTreePropGlobal&) = delete;
+    FaultTreePropGlobal& operator=(const FaultTreePropGlobal&) = delete;
+
+    static FaultTreePropGlobal& GetInstance();
+
+    /// The value of `key`, or a copy of `defaultValue` when it was never set.
+    std::string GetFaultTreeProperty(const std::string& key, const std::string& defaultValue) const;
+
+    /// Inserts or assigns and answers true; with `overwrite` false and the key present, false and nothing changes.
+    bool SetFaultTreeProperty(const std::string& key, const std::string& value, bool overwrite);
+
+private:
+    FaultTreePropGlobal() = default;
+    ~FaultTreePropGlobal() = default;
+
+    std::map<std::string, std::string> mProperties;
+};
+
+#endif

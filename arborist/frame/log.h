@@ -1,0 +1,73 @@
+#ifndef ARBORIST_FRAME_LOG_H
+#define ARBORIST_FRAME_LOG_H
+
+#include <cstdarg>
+#include <memory>
+#include <string>
+
+#include "arborist/arborist_export.h"
+
+// Lets the compiler hold arguments against the format; counted from the first parameter, `this` included.
+#if defined(__GNUC__)
+#define ARBORIST_PRINTF_LIKE(formatIndex, firstArgument) \
+    __attribute__((format(printf, formatIndex, firstArgument)))
+#else
+#define ARBORIST_PRINTF_LIKE(formatIndex, firstArgument)
+#endif
+
+namespace FT {
+
+/// Severity of a log line, lowest first.
+enum LogLevel : int {
+    LEVEL_TRACE = 0,
+    LEVEL_DEBUG = 1,
+    LEVEL_INFO = 2,
+    LEVEL_WARN = 3,
+    LEVEL_ERROR = 4,
+    LEVEL_FATAL = 5,
+};
+
+/// Where log lines go. A host derives from it and hands an object to Log::SetUserLogger.
+class ARBORIST_EXPORT ILogger {
+public:
+    virtual ~ILogger() = default;
+
+    /// Takes one message: a LogLevel, a printf format without line end and its arguments. `args` can be walked
+    /// once; copy it with va_copy to walk it again. Called on the thread that logs: the host's own, or one of the
+    /// loader's while the host's waits.
+    virtual void Print(unsigned int level, const std::string& format, va_list args) = 0;
+};
+
+/// Prints every line, whatever its level, to standard output as "[[LEVEL] ]:message".
+class ARBORIST_EXPORT DefaultLogger : public ILogger {
+public:
+    void Print(unsigned int level, const std::string& format, va_list args) override;
+};
+
+/// The one channel for all messages of the library, process-wide.
+///
+/// Nothing is locked: set the logger before the first detection.
+class ARBORIST_EXPORT Log {
+public:
+    Log(const Log&) = delete;
+    Log& operator=(const Log&) = delete;
+
+    static Log& GetInstance();
+
+    /// Hands a message to the current logger. `level` is a LogLevel; `format` and arguments are as for printf. Every
+    /// format of the library begins with "FUNc:%s: " and its first argument is the function's qualified name.
+    void Output(int level, const char* format, ...) ARBORIST_PRINTF_LIKE(3, 4);
+
+    /// Puts `logger` in the place of the current one, which is destroyed. Null answers false and changes nothing.
+    bool SetUserLogger(std::unique_ptr<ILogger> logger);
+
+private:
+    Log();
+    ~Log() = default;
+
+    std::unique_ptr<ILogger> mLogger;
+};
+
+} // namespace FT
+
+#endif

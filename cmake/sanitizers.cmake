@@ -1,0 +1,10 @@
+add_library(arborist_sanitizers INTERFACE)
+if(ARBORIST_SANITIZE)
+    target_compile_options(arborist_sanitizers INTERFACE
+        -fsanitize=${ARBORIST_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(arborist_sanitizers INTERFACE -fsanitize=${ARBORIST_SANITIZE})
+endif()
+if(ARBORIST_COVERAGE)
+    target_compile_options(arborist_sanitizers INTERFACE --coverage)
+    target_link_options(arborist_sanitizers INTERFACE --coverage)
+endif()

@@ -1,0 +1,16 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds everything and runs every test. Say "test.sh asan" for another preset.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+preset=${1:-dev}
+
+scripts/install-dependencies.sh build-essential cmake ninja-build pkg-config ccache python3 \
+    libtinyxml2-dev libsqlite3-dev libjsoncpp-dev libminizip-dev zlib1g-dev libcli11-dev \
+    libgtest-dev libgmock-dev sqlite3
+
+echo "== Building (preset $preset)"
+cmake --preset "$preset"
+cmake --build --preset "$preset" --parallel
+
+echo "== Testing (preset $preset)"
+ctest --preset "$preset"

@@ -1,0 +1,55 @@
+#include "arborist/frame/log.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/case_name.h"
+
+namespace {
+
+struct LevelCase { const char* name; int level; const char* line; };
+void PrintTo(const LevelCase& levelCase, std::ostream* out) { *out << levelCase.name; }
+class DefaultLoggerLevel : public testing::TestWithParam<LevelCase> {};
+
+TEST_P(DefaultLoggerLevel, PrintsDoubledBracketsTagAndText)
+{
+    testing::internal::CaptureStdout();
+    FT::Log::GetInstance().Output(GetParam().level, "FUNc:%s: %d", "Here", 7);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), GetParam().line);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, DefaultLoggerLevel, testing::Values(
+    LevelCase{"Trace", FT::LEVEL_TRACE, "[[TRACE] ]:FUNc:Here: 7\n"},
+    LevelCase{"Debug", FT::LEVEL_DEBUG, "[[DEBUG] ]:FUNc:Here: 7\n"},
+    LevelCase{"Info", FT::LEVEL_INFO, "[[INFO] ]:FUNc:Here: 7\n"},
+    LevelCase{"Warn", FT::LEVEL_WARN, "[[WARN] ]:FUNc:Here: 7\n"},
+    LevelCase{"Error", FT::LEVEL_ERROR, "[[ERROR] ]:FUNc:Here: 7\n"},
+    LevelCase{"Fatal", FT::LEVEL_FATAL, "[[FATAL] ]:FUNc:Here: 7\n"},
+    LevelCase{"UnknownLevelHasNoTag", 9, "[]:FUNc:Here: 7\n"},
+    LevelCase{"NegativeLevelHasNoTag", -1, "[]:FUNc:Here: 7\n"}),
+    CaseName());
+
+class CountingLogger : public FT::ILogger {
+public:
+    CountingLogger(int* prints, bool* destroyed) : mPrints(prints), mDestroyed(destroyed) {}
+    ~CountingLogger() override { *mDestroyed = true; }
+    void Print(unsigned int, const std::string&, va_list) override { ++*mPrints; }
+
+private:
+    int* mPrints;
+    bool* mDestroyed;
+};
+
+TEST(LogTest, NullLoggerIsRefusedAndTheOldOneStays)
+{
+    int prints = 0;
+    bool destroyed = false;
+    ASSERT_TRUE(FT::Log::GetInstance().SetUserLogger(std::make_unique<CountingLogger>(&prints, &destroyed)));
+    EXPECT_FALSE(FT::Log::GetInstance().SetUserLogger(nullptr));
+    FT::Log::GetInstance().Output(FT::LEVEL_INFO, "FUNc:%s: ", "Here");
+    EXPECT_EQ(prints, 1);
+    EXPECT_FALSE(destroyed);
+    EXPECT_TRUE(FT::Log::GetInstance().SetUserLogger(std::make_unique<FT::DefaultLogger>()));
+    EXPECT_TRUE(destroyed);
+}
+
+} // namespace
