@@ -1,0 +1,47 @@
+#ifndef ARBORIST_MODEL_EVENT_RULE_H
+#define ARBORIST_MODEL_EVENT_RULE_H
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+/// One alternative of an event's rules: one rule, or several that must all fire.
+struct OrRuleSingle {
+    /// "singleRule" or "multipleRule".
+    std::string type;
+    /// Of a "singleRule".
+    std::string ruleName;
+    /// Run-time: the alternative held.
+    bool result = false;
+    /// Of a "multipleRule".
+    std::vector<std::string> ruleNameList;
+};
+
+using OrRuleList = std::vector<std::shared_ptr<OrRuleSingle>>;
+
+/// The rules that decide one event.
+class EventRule {
+public:
+    EventRule() = default;
+    virtual ~EventRule() = default;
+
+    void SetEventId(const std::string& id) { eventId = id; }
+    /// Reads the id. The name is part of the interface that rule code was written against.
+    const std::string& SetEventId() const { return eventId; }
+    const OrRuleList& GetRuleList() const { return ruleList; }
+    void SetRuleList(OrRuleList rules) { ruleList = std::move(rules); }
+    bool IsRuleResult() const { return ruleResult; }
+    void SetRuleResult(bool result) { ruleResult = result; }
+
+    /// Whether any alternative holds. Without alternatives false; otherwise a result that was once true stays true:
+    /// this call only ever raises it.
+    bool CheckResult();
+
+private:
+    std::string eventId;
+    bool ruleResult = false; // run-time
+    OrRuleList ruleList;
+};
+
+#endif

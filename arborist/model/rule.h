@@ -1,0 +1,216 @@
+#ifndef ARBORIST_MODEL_RULE_H
+#define ARBORIST_MODEL_RULE_H
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "arborist/model/condition.h"
+
+/// One rule of a rule set: what all families share. Read from the file and shared between the loader's rule map and
+/// whoever evaluates it; the fields marked "run-time" are written by one evaluating thread at a time.
+class Rule {
+public:
+    Rule() = default;
+    virtual ~Rule() = default;
+
+    /// The family's word; empty for the base class itself.
+    virtual std::string GetRuleType() const { return ""; }
+
+    /// Key of the rule map, and what "Rule-name" refers to.
+    std::string name;
+    std::string type;
+    /// The device's platform, product, scene and type are looked for in these texts; see RuleHelper.
+    std::string platform;
+    std::string production;
+    std::string blackProducts;
+    std::string detectScene;
+    std::string deviceType;
+};
+
+/// One time window.
+class TimeSet {
+public:
+    enum TimeType : int { DURATION = 0, DAILY_PEAK = 1, LATEST = 2 };
+
+    TimeSet() = default;
+    virtual ~TimeSet() = default;
+
+    /// "duration", "daily_peak" or "latest".
+    std::string type;
+    /// Length in days; 0 stands for 30.
+    std::int32_t period = 0;
+    /// Count to reach.
+    std::int32_t threshold = 0;
+    /// Run-time: which window of its item this is.
+    TimeType timeType = DURATION;
+};
+
+/// Counts logged events in time windows.
+class AlarmRule : public Rule {
+public:
+    /// One range of event ids with its windows and tests.
+    class AlarmItem {
+    public:
+        static inline const std::string TAG = "AlarmItem";
+        static inline const std::string EMPTY_STRING = "";
+
+        /// The bounds as numbers: 0 for the empty text and for a text that is no number (which logs an error).
+        std::int32_t GetEventIdMin() const { return ParseAlarmIdToInt(Eventid_Min); }
+        std::int32_t GetEventIdMax() const { return ParseAlarmIdToInt(Eventid_Max); }
+
+        /// Only "param_eventid" has a meaning: the tests of `conditionList` apply.
+        std::string type;
+        std::string Eventid_Min;
+        std::string Eventid_Max;
+        std::shared_ptr<TimeSet> duration;
+        std::shared_ptr<TimeSet> daily_peak;
+        std::shared_ptr<TimeSet> latest;
+        ParamMap params;
+        ConditionList conditionList;
+        /// Kept with the record; nothing sets or reads it.
+        bool flag = false;
+        /// From where the windows reach back: "1" reset or update, "2" update, "3" reset, "4" neither.
+        std::string BeginFlag = "1";
+
+    private:
+        static std::int32_t ParseAlarmIdToInt(std::string text);
+    };
+
+    static inline const std::string ALARM_RULE = "AlarmRule";
+
+    std::string GetRuleType() const override { return ALARM_RULE; }
+
+    std::vector<std::shared_ptr<AlarmItem>> alarmItemList;
+};
+
+/// Asks the host's CodeRuleRunner.
+class CodeRule : public Rule {
+public:
+    struct CodeItem {
+        /// The detect code by which the host asks for this rule.
+        std::string id;
+    };
+
+    static inline const std::string CODE_RULE = "CodeRule";
+
+    std::string GetRuleType() const override { return CODE_RULE; }
+
+    CodeItem codeItem;
+    /// Handed to the runner unchanged.
+    std::string userDefinedInfo;
+};
+
+/// Runs SQL over a prepared database and judges the one row that comes back.
+class CommandRule : public Rule {
+public:
+    struct SqlItem {
+        /// "normalization" or "defDBSql".
+        std::string type;
+        std::string sql;
+        TimeSet time;
+        ConditionList conditionList;
+        std::vector<std::string> timeParamList;
+        std::vector<std::string> normalizationParamList;
+        std::string BeginFlag = "1";
+    };
+
+    struct AnalysisMethod {
+        SqlItem sqlItem;
+        /// Only "SQL" is carried out.
+        std::string type;
+    };
+
+    /// The external databases that the query runs on.
+    struct ReferenceDefDb {
+        static inline const std::string TAG = "ReferenceDefDb";
+
+        /// "singleDB": one hit is enough; anything else counts hits against `defDBNum`.
+        std::string type;
+        std::string defDBDomain;
+        /// Name of a DefDbTableBean.
+        std::string defDBName;
+        std::string defDBNum;
+    };
+
+    static inline const std::string COMMAND_RULE = "CommandRule";
+
+    std::string GetRuleType() const override { return COMMAND_RULE; }
+
+    AnalysisMethod analysisMethod;
+    std::string commonPartDomain;
+    /// Name of the ThresholdOrLumbraBean that this rule uses.
+    std::string commonPartName;
+    ParamMap params;
+    /// Null when the rule names none: it then runs on the derived database.
+    std::shared_ptr<ReferenceDefDb> referenceDefDb;
+};
+
+/// Where a node rule reads one value from.
+class NodeInfo {
+public:
+    NodeInfo() = default;
+    virtual ~NodeInfo() = default;
+
+    const std::string& GetParam() const { return param; }
+    void SetParam(const std::string& text) { param = text; }
+    const std::string& GetPath() const { return path; }
+    void SetPath(const std::string& text) { path = text; }
+    const std::string& GetType() const { return type; }
+    void SetType(const std::string& text) { type = text; }
+
+private:
+    std::string param;
+    std::string path;
+    std::string type;
+};
+
+/// Reads node files, works out a formula and compares.
+class NodeRule : public Rule {
+public:
+    class LogicExpression {
+    public:
+        LogicExpression() = default;
+        virtual ~LogicExpression() = default;
+
+        std::string GetExpress() const { return express; }
+        void SetExpress(const std::string& text) { express = text; }
+        std::string GetRet() const { return ret; }
+        void SetRet(const std::string& text) { ret = text; }
+        std::string GetType() const { return type; }
+        void SetType(const std::string& text) { type = text; }
+
+    private:
+        std::string express;
+        std::string ret;
+        std::string type;
+    };
+
+    using NodeInfoList = std::vector<std::shared_ptr<NodeInfo>>;
+
+    std::string GetRuleType() const override { return "NodeRule"; }
+
+    const LogicExpression& GetLogicExpression() const { return logicExpression; }
+    void SetLogicExpression(const LogicExpression& expression);
+    const ParamMap& GetParamMap() const { return paramMap; }
+    void SetParamMap(const ParamMap& params) { paramMap = params; }
+    /// Adds entry by entry; an id that is already there keeps its first entry.
+    void InsertParamMap(const ParamMap& params);
+    const NodeInfoList& GetNodeInfoList() const { return nodeInfoList; }
+    void SetNodeInfoList(const NodeInfoList& nodes) { nodeInfoList = nodes; }
+    void InsertNodeInfoList(const NodeInfoList& nodes);
+    const ConditionList& GetConditionList() const { return conditionList; }
+    void SetConditionList(const ConditionList& conditions) { conditionList = conditions; }
+    void InsertConditionList(const ConditionList& conditions);
+
+private:
+    LogicExpression logicExpression;
+    ParamMap paramMap;
+    NodeInfoList nodeInfoList;
+    ConditionList conditionList;
+};
+
+#endif
