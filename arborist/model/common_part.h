@@ -1,0 +1,238 @@
+#ifndef ARBORIST_MODEL_COMMON_PART_H
+#define ARBORIST_MODEL_COMMON_PART_H
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "arborist/model/condition.h"
+
+/// System parameters, the thresholds that depend on them, and the event data that a derived table is built from.
+///
+/// The `value` of the parameters is run-time: CommonPart::SetThreshold writes it before the first rule runs.
+class ThresholdOrLumbraBean {
+public:
+    /// The value that one threshold gets when its item applies.
+    class Threshold {
+    public:
+        /// Id of a parameter in the bean's threshold map.
+        const std::string& GetId() const { return id; }
+        void SetId(const std::string& text) { id = text; }
+        const std::string& GetValue() const { return value; }
+        void SetValue(const std::string& text) { value = text; }
+
+    private:
+        std::string id;
+        std::string value;
+    };
+
+    /// Thresholds that hold when all the conditions on system parameters hold.
+    class ThresholdItem {
+    public:
+        using LogicList = std::vector<std::shared_ptr<Logic>>;
+        using ThresholdList = std::vector<std::shared_ptr<Threshold>>;
+
+        const std::string& GetType() const { return type; }
+        void SetType(const std::string& text) { type = text; }
+        /// Kept with the record; no parser fills it.
+        void SetConditionType(const std::string& text) { conditionType = text; }
+        const LogicList& GetConditionList() const { return conditionList; }
+        void SetConditionList(const LogicList& conditions) { conditionList = conditions; }
+        const ThresholdList& GetThresholdList() const { return thresholdList; }
+        void SetThresholdList(const ThresholdList& thresholds) { thresholdList = thresholds; }
+
+    private:
+        std::string type;
+        std::string conditionType;
+        LogicList conditionList;
+        ThresholdList thresholdList;
+    };
+
+    /// A range of event ids to fetch. The parameters of a bean's first item name the columns of its table.
+    class LumbraDataItem {
+    public:
+        static inline const std::string TAG = "LumbraDataItem";
+
+        const std::string& GetType() const { return type; }
+        void SetType(const std::string& text) { type = text; }
+        /// The bounds as numbers: 0 for the empty text and for a text that is no number (which logs an error).
+        std::int32_t GetAlarmIdMin() const { return ParseAlarmIdToInt(alarmIdMin); }
+        std::int32_t GetAlarmIdMax() const { return ParseAlarmIdToInt(alarmIdMax); }
+        void SetAlarmIdMin(const std::string& text) { alarmIdMin = text; }
+        void SetAlarmIdMax(const std::string& text) { alarmIdMax = text; }
+        const ParamMap& GetParamMap() const { return paramMap; }
+        void SetParamMap(const ParamMap& params) { paramMap = params; }
+
+    private:
+        static std::int32_t ParseAlarmIdToInt(const std::string& text);
+
+        std::string type;
+        std::string alarmIdMin;
+        std::string alarmIdMax;
+        ParamMap paramMap;
+    };
+
+    using ThresholdItemList = std::vector<std::shared_ptr<ThresholdItem>>;
+    using LumbraDataList = std::vector<std::shared_ptr<LumbraDataItem>>;
+
+    /// What rules refer to, and the name of the derived table.
+    const std::string& GetName() const { return name; }
+    void SetName(const std::string& text) { name = text; }
+    const std::string& GetPlatform() const { return platform; }
+    void SetPlatform(const std::string& text) { platform = text; }
+    /// "lumbraPlusData": the table gets one fixed row and no events.
+    const std::string& GetType() const { return type; }
+    void SetType(const std::string& text) { type = text; }
+    const ParamMap& GetSystemParamMap() const { return systemParamMap; }
+    void SetSystemParaMap(const ParamMap& params) { systemParamMap = params; }
+    const ParamMap& GetThresholdMap() const { return thresholdMap; }
+    void SetThresholdMap(const ParamMap& params) { thresholdMap = params; }
+    const ThresholdItemList& GetThresholdItemList() const { return thresholdItemList; }
+    void SetThresholdItemList(const ThresholdItemList& items) { thresholdItemList = items; }
+    const LumbraDataList& GetLumbraDataList() const { return lumbraDataList; }
+    void SetLumbraDataList(const LumbraDataList& items) { lumbraDataList = items; }
+
+private:
+    std::string name;
+    std::string platform;
+    std::string type;
+    ParamMap systemParamMap;
+    ParamMap thresholdMap;
+    ThresholdItemList thresholdItemList;
+    LumbraDataList lumbraDataList;
+};
+
+/// Database files that come with the device's data, and the SQL to run on their copies.
+class DefDbTableBean {
+public:
+    /// A directory to search.
+    class DbPath {
+    public:
+        DbPath() = default;
+        virtual ~DbPath() = default;
+
+        const std::string& GetPathValue() const { return pathValue; }
+        void SetPathValue(const std::string& text) { pathValue = text; }
+        /// Kept with the record: whether a file is unpacked is decided by its path alone.
+        bool IsDecompress() const { return decompress; }
+        void SetDecompress(bool isDecompress) { decompress = isDecompress; }
+        const std::string& GetType() const { return type; }
+        void SetType(const std::string& text) { type = text; }
+        const std::vector<std::string>& GetDecompressTypeList() const { return decompressTypeList; }
+        void SetDecompressTypeList(const std::vector<std::string>& types) { decompressTypeList = types; }
+
+    private:
+        std::string pathValue;
+        bool decompress = false;
+        std::string type;
+        std::vector<std::string> decompressTypeList;
+    };
+
+    /// Statements, divided by ";", to run on each copy.
+    class CreateTable {
+    public:
+        /// Names the statements in log lines; nothing else reads it.
+        const std::string& GetTableName() const { return tableName; }
+        void SetTableName(const std::string& text) { tableName = text; }
+        const std::string& GetSql() const { return sql; }
+        void SetSql(const std::string& text) { sql = text; }
+
+    private:
+        std::string tableName;
+        std::string sql;
+    };
+
+    using DbPathList = std::vector<std::shared_ptr<DbPath>>;
+    using CreateTableList = std::vector<std::shared_ptr<CreateTable>>;
+
+    const std::string& GetName() const { return name; }
+    void SetName(const std::string& text) { name = text; }
+    const std::string& GetPlatform() const { return platform; }
+    void SetPlatform(const std::string& text) { platform = text; }
+    const std::string& GetType() const { return type; }
+    void SetType(const std::string& text) { type = text; }
+    const DbPathList& GetDbPathList() const { return dbPathList; }
+    void SetDbPathList(const DbPathList& paths) { dbPathList = paths; }
+    /// A regular expression (ECMAScript) that a file's whole lower-case path has to match.
+    const std::string& GetDbName() const { return dbName; }
+    void SetDbName(const std::string& text) { dbName = text; }
+    const CreateTableList& GetCreateTableList() const { return createTableList; }
+    void SetCreateTableList(const CreateTableList& tables) { createTableList = tables; }
+    /// Run-time: paths of the copies that were made; rules read these.
+    const std::vector<std::string>& GetCopyDbFileList() const { return copyDbFileList; }
+    void SetCopyDbFileList(const std::vector<std::string>& files) { copyDbFileList = files; }
+
+private:
+    std::string name;
+    std::string platform;
+    std::string type;
+    DbPathList dbPathList;
+    std::string dbName;
+    CreateTableList createTableList;
+    std::vector<std::string> copyDbFileList;
+};
+
+/// The data that the rules of one tree tag share, and the choice of thresholds by the device's attributes.
+///
+/// Nothing is locked: SetThreshold runs before any rule, afterwards the records are read.
+class CommonPart {
+public:
+    /// All entries of one tree tag, in file order.
+    class CombineCommonPart {
+    public:
+        using ThresholdLumbraList = std::vector<std::shared_ptr<ThresholdOrLumbraBean>>;
+        using DefDbTableCommonList = std::vector<std::shared_ptr<DefDbTableBean>>;
+
+        const ThresholdLumbraList& GetThresholdLumbraList() const { return thresholdLumbraList; }
+        void SetThresholdLumbraList(ThresholdLumbraList beans) { thresholdLumbraList = std::move(beans); }
+        const DefDbTableCommonList& GetDefDbTableCommonList() const { return defDbTableCommonList; }
+        void SetDefDbTableCommonList(DefDbTableCommonList beans) { defDbTableCommonList = std::move(beans); }
+
+    private:
+        ThresholdLumbraList thresholdLumbraList;
+        DefDbTableCommonList defDbTableCommonList;
+    };
+
+    static inline const std::string TAG = "CommonPart";
+    // Keys of the system parameters that the device's attributes fill.
+    static inline const std::string CPU_NAME = "CPU_NAME";
+    static inline const std::string RAM_SIZE = "RAM_SIZE";
+    static inline const std::string RESOLUTION = "RESOLUTION";
+    static inline const std::string BATTERY_DESIGN = "BATTFULL_DESIGN";
+    static inline const std::string LOGIC_TYPE_EQ = "eq";
+    static inline const std::string LOGIC_TYPE_IN = "in";
+    /// What a value lookup answers that finds nothing.
+    static inline const std::string FLAVOR = "";
+
+    std::shared_ptr<CombineCommonPart> GetCombineCommon() const { return mCombineCommon; }
+    void SetCombineCommon(std::shared_ptr<CombineCommonPart> block) { mCombineCommon = std::move(block); }
+
+    /// Whether a threshold bean has this name. The empty name belongs to none.
+    bool IsHasThredCommonPart(const std::string& name) const;
+
+    /// The run-time value of a parameter of the first bean of that name; empty when bean, parameter or value is
+    /// missing.
+    std::string GetSystemValue(const std::string& paramId, const std::string& beanName) const;
+    std::string GetThresholdValue(const std::string& paramId, const std::string& beanName) const;
+
+    /// A copy of the first table bean of that name; nothing for the empty name or one that isn't there.
+    std::optional<DefDbTableBean> GetDefDbCommonPart(const std::string& name) const;
+
+    /// Whether `value` is one of `values`, exactly.
+    bool IsCheckSet(const std::string& value, const std::vector<std::string>& values) const;
+
+    /// Gives the system parameters of every bean their values and then, item by item, the thresholds theirs. Of two
+    /// items that apply the later wins. Does nothing at all when one of the four is empty.
+    void SetThreshold(const std::string& cpuName, const std::string& ramSize, const std::string& resolution,
+        const std::string& batteryCapacity);
+
+private:
+    std::shared_ptr<ThresholdOrLumbraBean> FindThresholdBean(const std::string& name) const;
+
+    std::shared_ptr<CombineCommonPart> mCombineCommon;
+};
+
+#endif
