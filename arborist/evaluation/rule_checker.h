@@ -1,0 +1,78 @@
+#ifndef ARBORIST_EVALUATION_RULE_CHECKER_H
+#define ARBORIST_EVALUATION_RULE_CHECKER_H
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "arborist/frame/detection_observer.h"
+
+class Rule;
+struct Param;
+
+/// Decides the rules of one family.
+///
+/// A checker lives as long as the driver that made it and serves one thread. What it saw on its way it tells the
+/// observer, where there is one; what decided its last answer it notes with NoteReason, observer or not.
+class RuleChecker {
+public:
+    static inline const std::string LOGIC_GT = "gt";
+    static inline const std::string LOGIC_LT = "lt";
+    static inline const std::string LOGIC_LE = "le";
+    static inline const std::string LOGIC_GE = "ge";
+    static inline const std::string LOGIC_EQ = "eq";
+    static inline const std::string LOGIC_NE = "ne";
+    static inline const std::string TYPE_INT = "int";
+    static inline const std::string TYPE_LONG = "long";
+    static inline const std::string TYPE_FLOAT = "float";
+    static inline const std::string TYPE_DOUBLE = "double";
+    static inline const std::string TYPE_STRING = "string";
+    static inline const std::string SINGLE_LOGIC = "single_logic";
+    static inline const std::string MULTIPLE_LOGIC = "multiple_logic";
+
+    RuleChecker() = default;
+    virtual ~RuleChecker() = default;
+    RuleChecker(const RuleChecker&) = delete;
+    RuleChecker& operator=(const RuleChecker&) = delete;
+
+    /// Whether the rule counts as a fault for the event with this id. Anything that a checker can't use (null, a rule
+    /// of another family, missing data) is false.
+    virtual bool IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId) = 0;
+
+    /// Whether the observed value stands to the configured one as `logic` demands: "gt" asks for observed greater than
+    /// configured. `type` says as what they compare. False when a text is empty or a word is not known. A text that is
+    /// no number compares as 0, after an error in the log; the configured text is converted first.
+    bool IsFaultForParam(const std::string& logic, const std::string& type, const std::string& configured,
+                         const std::string& observed) const;
+
+    /// The observer is not owned and outlives the checker or is taken away with null.
+    void SetObserver(DetectionObserver* observer) { mObserver = observer; }
+    /// What decided the last answer of IsFaultHappened.
+    DetectionObserver::Reason GetReason() const { return mReason; }
+
+protected:
+    /// IsFaultForParam for a parameter of the rule, with its type, told to the observer. `source` is where the
+    /// configured value came from ("static", "dynamic", "systemParam"), empty for the rule's own text.
+    bool CompareParam(const Param& param, const std::string& logic, const std::string& configured,
+                      const std::string& observed, std::string_view source = {}) const;
+
+    DetectionObserver* GetObserver() const { return mObserver; }
+    void NoteReason(DetectionObserver::Reason reason) { mReason = reason; }
+    /// Notes the reason and passes the answer on: `return Decide(Reason::NO_NODES, false);`.
+    bool Decide(DetectionObserver::Reason reason, bool answer)
+    {
+        mReason = reason;
+        return answer;
+    }
+
+private:
+    static bool CompareValue(const std::string& logic, std::int32_t configured, std::int32_t observed);
+    static bool CompareValue(const std::string& logic, float configured, float observed);
+    static bool CompareValue(const std::string& logic, double configured, double observed);
+
+    DetectionObserver* mObserver = nullptr;
+    DetectionObserver::Reason mReason = DetectionObserver::Reason::NONE;
+};
+
+#endif

@@ -1,0 +1,91 @@
+#ifndef ARBORIST_EVALUATION_RULE_ENGINE_H
+#define ARBORIST_EVALUATION_RULE_ENGINE_H
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "arborist/evaluation/rule_engine_helper.h"
+#include "arborist/frame/detection_observer.h"
+#include "arborist/model/event_rule.h"
+
+class AlarmRuleEngine;
+class CodeRuleEngine;
+class CommandRuleEngine;
+class CommonPart;
+class DeviceDetails;
+class FaultTree;
+class FaultTreeParser;
+class NodeRuleEngine;
+class Rule;
+class RuleChecker;
+class RuleHelper;
+struct DetectInfo;
+
+/// Carries a detection through its rule stage: prepares what the rules share, then, tree by tree, asks the rules of
+/// each event and writes TRUE into the events whose rules fired. Nothing else writes that status.
+///
+/// Shares ownership of what it is given. Runs on the caller's thread; nothing is locked.
+class RuleEngine {
+public:
+    /// Detect mode of events that are left to the host: their rules are never asked here.
+    static inline const std::string DETECT_INTERACTION_RULE = "2";
+    static inline const std::string EMPTY_STRING = "";
+
+    /// With a null `detectInfo` there is no helper, and running a tree does nothing.
+    RuleEngine(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<FaultTreeParser> faultTreeParser);
+
+    /// Prepares the common part and the derived databases; once for each detection, after the parse.
+    void Init();
+    /// Runs the rules of one tree. Its events stay in the store until the next tree starts. A null tree is ignored.
+    void StartRunRules(const std::shared_ptr<FaultTree>& faultTree);
+
+    void FetchEvent(const std::shared_ptr<Event>& event);
+    RuleEngineHelper::EventList GetAllEventList() const;
+    RuleEngineHelper::EventMap GetEventMap() const;
+    /// Null when the engine was made without a DetectInfo.
+    const std::shared_ptr<RuleHelper>& GetRuleHelper() const { return mRuleHelper; }
+    /// The ids of one kind (RuleHelper::FAULT, SUGGESTION or REPAIR) that a detect code stands for; see
+    /// CodeRuleEngine::GetCodeRuleInfoByType.
+    std::vector<std::string> GetCodeRuleInfoByType(const std::string& type, const std::string& detectCode);
+
+    /// Not owned; outlives the engine or is taken away with null. Reaches helper and checkers.
+    void SetObserver(DetectionObserver* observer);
+
+private:
+    // Where in an event's rules a rule stands, for explanations.
+    struct Place {
+        std::size_t alternative = 0;
+        std::size_t place = 0;
+        bool inGroup = false;
+    };
+
+    void InitCommonPart();
+    void Reset();
+    void MarkObservable();
+    void RunRules();
+    bool IsFaultHappenedForEvent(const std::shared_ptr<Event>& event, const std::shared_ptr<EventRule>& eventRule);
+    bool AskRulesOfEvent(const std::string& eventId, EventRule& eventRule, const std::vector<std::string>& names);
+    bool GetSingleRuleCheckResult(const std::string& ruleName, const std::string& eventId, const Place& place);
+    void DoMultiRulesCheck(const std::string& names, const std::string& eventId,
+                           const std::shared_ptr<OrRuleSingle>& entry, std::size_t alternative);
+    std::shared_ptr<RuleChecker> GetRuleCheckerInstance(const std::shared_ptr<Rule>& rule);
+    const std::shared_ptr<CodeRuleEngine>& GetCodeRuleEngine();
+
+    std::shared_ptr<FaultTreeParser> mFaultTreeParser;
+    std::shared_ptr<RuleHelper> mRuleHelper;
+    std::shared_ptr<CommonPart> mCommonPart;
+    std::shared_ptr<DetectInfo> mDetectInfo;
+    std::shared_ptr<DeviceDetails> mDeviceDetails;
+    std::shared_ptr<FaultTree> mFaultTree;
+    // One of each family, made on first use.
+    std::shared_ptr<AlarmRuleEngine> mAlarmRuleEngine;
+    std::shared_ptr<CommandRuleEngine> mCommandRuleEngine;
+    std::shared_ptr<NodeRuleEngine> mNodeRuleEngine;
+    std::shared_ptr<CodeRuleEngine> mCodeRuleEngine;
+    std::shared_ptr<RuleEngineHelper> mRuleEngineHelper;
+    DetectionObserver* mObserver = nullptr;
+};
+
+#endif

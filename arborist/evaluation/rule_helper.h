@@ -1,0 +1,82 @@
+#ifndef ARBORIST_EVALUATION_RULE_HELPER_H
+#define ARBORIST_EVALUATION_RULE_HELPER_H
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "arborist/evaluation/code_rule_index.h"
+#include "arborist/frame/detection_observer.h"
+#include "arborist/model/event_rule.h"
+#include "arborist/model/rule.h"
+
+class Event;
+class FaultTreeParser;
+struct DetectInfo;
+
+/// The decisions that all checkers share: whether a rule applies to this device and scene, and how the names of rules
+/// stand for the alternatives of an event. Carries the event that the driver is working on.
+///
+/// Shares ownership of what it is given. Used by one thread at a time.
+class RuleHelper {
+public:
+    /// Type words of RuleEngine::GetCodeRuleInfoByType. USER_DEFINED belongs to the family; nothing reads it.
+    static inline const std::string FAULT = "faultDescId";
+    static inline const std::string SUGGESTION = "suggestionId";
+    static inline const std::string REPAIR = "repairId";
+    static inline const std::string USER_DEFINED = "userDefine";
+    static inline const std::string SINGLE_RULE = "singleRule";
+    /// Separates the rule names of one alternative.
+    static inline const std::string TYPE_COMMA = ",";
+    static inline const std::string EMPTY_STRING = "";
+
+    /// `detectInfo` must not be null.
+    RuleHelper(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<FaultTreeParser> faultTreeParser);
+
+    const std::shared_ptr<DetectInfo>& GetDetectInfo() const { return mDetectInfo; }
+    /// The event that the driver is working on; null before the first.
+    const std::shared_ptr<Event>& GetCurrentEvent() const { return mCurrentEvent; }
+    void SetCurrentEvent(const std::shared_ptr<Event>& event) { mCurrentEvent = event; }
+
+    /// Whether the rule applies to this device and scene; false for null. A filter that turns it away is told to the
+    /// observer and kept for GetFilterReason.
+    bool IsSpecifiedRuleItemSupported(const std::shared_ptr<Rule>& rule) const;
+    /// IsSpecifiedRuleItemSupported of the first code rule whose detect code holds `detectCode` anywhere in it; false
+    /// when there is none. The look-up is one pass over the detect codes of the set.
+    bool IsSpecifiedCodeRuleSupported(const std::string& detectCode,
+                                      const std::shared_ptr<FaultTreeParser>& faultTreeParser) const;
+    /// Which filter answered false in the last IsSpecifiedRuleItemSupported; NONE when the rule passed or was null.
+    DetectionObserver::Reason GetFilterReason() const { return mFilterReason; }
+
+    /// The alternative that a name stands for: the first that is the single rule of this name, or that lists every part
+    /// of the name between commas. Null for an empty name or list, and, with an error in the log, when none fits.
+    static std::shared_ptr<OrRuleSingle> GetRuleByName(const std::string& name, const OrRuleList& rules);
+    /// A name for each alternative, in order: of a single rule its own, of any other its list joined by commas.
+    static std::vector<std::string> GetRuleNamesByRuleList(const OrRuleList& rules);
+
+    /// The window of this kind; null when the item is null or has none.
+    static std::shared_ptr<TimeSet> GetTimeSetByRuleType(const std::shared_ptr<AlarmRule::AlarmItem>& item,
+                                                         TimeSet::TimeType timeType);
+
+    /// The observer is not owned and outlives the helper or is taken away with null.
+    void SetObserver(DetectionObserver* observer) { mObserver = observer; }
+    DetectionObserver* GetObserver() const { return mObserver; }
+
+private:
+    bool IsValidProduct(const std::shared_ptr<Rule>& rule) const;
+    bool IsValidDetectScene(const std::shared_ptr<Rule>& rule) const;
+    bool IsValidPlatform(const std::shared_ptr<Rule>& rule) const;
+    bool IsValidDeviceType(const std::shared_ptr<Rule>& rule) const;
+    bool Reject(DetectionObserver::Reason reason, const Rule& rule, const std::string& deviceValue,
+                const std::string& ruleText) const;
+
+    std::shared_ptr<DetectInfo> mDetectInfo;
+    std::shared_ptr<Event> mCurrentEvent;
+    std::shared_ptr<FaultTreeParser> mFaultTreeParser;
+    DetectionObserver* mObserver = nullptr;
+    mutable DetectionObserver::Reason mFilterReason = DetectionObserver::Reason::NONE;
+    mutable CodeRuleIndex mCodeRuleIndex;
+};
+
+#endif

@@ -1,0 +1,77 @@
+#ifndef ARBORIST_FRAME_ARBORIST_H
+#define ARBORIST_FRAME_ARBORIST_H
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "arborist/arborist_export.h"
+#include "arborist/frame/detect_info.h"
+#include "arborist/frame/detection_observer.h"
+#include "arborist/frame/fault_tree_result.h"
+
+class FaultTree;
+class FaultTreeParser;
+class FaultTreeVisitor;
+class RuleEngine;
+
+/// The engine of one device: asked what is wrong with it, answers with the root causes of every fault tree of the
+/// rule set.
+///
+/// Nothing here throws on purpose: what fails logs a line and gives an empty answer. All calls come from one thread at
+/// a time and block until they are done.
+class ARBORIST_EXPORT Arborist {
+public:
+    /// Shares ownership of the input, which is read only. With null every call answers empty. No rule file is read
+    /// yet.
+    explicit Arborist(std::shared_ptr<DetectInfo> detectInfo);
+    ~Arborist();
+    Arborist(const Arborist&) = delete;
+    Arborist& operator=(const Arborist&) = delete;
+
+    /// Reads the rule set anew and runs every tree of the tag. One result for each tree, in file order, fault or not;
+    /// they outlive this object and later calls. Empty when the rule file is missing or there is no tree; a warning
+    /// tells which.
+    std::vector<std::shared_ptr<FaultTreeResult>> StartDetection();
+
+    /// Whether the code rule of a detect code would run on this device and scene. The first code rule of the file whose
+    /// code holds the text `codeRuleId` decides. Reads the rule set if that has not happened yet.
+    bool IsRunRule(const std::string& codeRuleId);
+
+    /// The first fault description, suggestion or repair id of the event that uses the code rule of this detect code;
+    /// empty when there is none. Reads the rule set if that has not happened yet. Before the first detection the events
+    /// of all trees are searched, after it those of the last tree.
+    std::string GetCodeRuleFaultDescId(const std::string& detectCode);
+    std::string GetCodeRuleSuggestionId(const std::string& detectCode);
+    std::string GetCodeRuleRepairId(const std::string& detectCode);
+
+    /// Hands over an object that is told of everything that decides the results of the calls that follow, and shares
+    /// its ownership; null takes it away. Not to be called from within an observer.
+    void SetObserver(std::shared_ptr<DetectionObserver> observer);
+
+private:
+    friend struct ArboristPeer; // tests reach the private steps through it
+
+    struct CodeRuleQuery;
+
+    static const std::string FAULT_TREE_NAME;
+    static const std::string TEMP_NAME;
+    static const std::string SEPARATOR;
+
+    std::vector<std::shared_ptr<FaultTreeResult>> RunFaultTrees(
+        const std::vector<std::shared_ptr<FaultTree>>& faultTrees);
+    std::vector<std::shared_ptr<FaultTreeResult::RootCauseResult>> GetRootCauseResultList(
+        const std::vector<std::shared_ptr<FaultTreeNode>>& nodes) const;
+    std::string GetCodeRuleId(const CodeRuleQuery& query, const std::string& detectCode);
+    bool InitFaultTree();
+
+    std::shared_ptr<FaultTreeParser> mFaultTreeParser;
+    std::shared_ptr<RuleEngine> mRuleEngine;
+    std::shared_ptr<FaultTreeVisitor> mFaultTreeVisitor;
+    std::shared_ptr<DetectInfo> mDetectInfo;
+    // Where the rule archive is unpacked.
+    std::string mUnzipDir;
+    std::shared_ptr<DetectionObserver> mObserver;
+};
+
+#endif
