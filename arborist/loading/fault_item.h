@@ -1,0 +1,30 @@
+#ifndef ARBORIST_LOADING_FAULT_ITEM_H
+#define ARBORIST_LOADING_FAULT_ITEM_H
+
+#include <string>
+#include <vector>
+
+#include "arborist/frame/fault_tree_result.h"
+
+/// One element of a description section of the rule file: what one fault id stands for.
+class FaultItem {
+public:
+    const std::string& GetFaultItemId() const { return mFaultItemId; }
+    /// Ids in file order: of descriptions, suggestions or repairs, after the section that the element stood in.
+    const std::vector<std::string>& GetResolutionSuggestions() const { return mResolutionSuggestions; }
+    const std::vector<FaultTreeResult::RepairInfo>& GetRepairInfo() const { return mRepairInfo; }
+
+    void SetFaultItemId(const std::string& faultItemId) { mFaultItemId = faultItemId; }
+    void SetResolutionSuggestions(const std::vector<std::string>& resolutionSuggestions)
+    {
+        mResolutionSuggestions = resolutionSuggestions;
+    }
+    void SetRepairInfo(const std::vector<FaultTreeResult::RepairInfo>& repairInfo) { mRepairInfo = repairInfo; }
+
+private:
+    std::string mFaultItemId;
+    std::vector<std::string> mResolutionSuggestions;
+    std::vector<FaultTreeResult::RepairInfo> mRepairInfo;
+};
+
+#endif

@@ -1,0 +1,57 @@
+#include "arborist/utilities/device_paths.h"
+
+#include <filesystem>
+
+#include "arborist/frame/fault_tree_prop_global.h"
+#include "arborist/frame/settings.h"
+
+namespace {
+
+#ifdef _WIN32
+constexpr char DEFAULT_ROOT[] = "C:\\ProgramData";
+#else
+constexpr char DEFAULT_ROOT[] = "/var/lib/arborist";
+#endif
+
+std::string Setting(const char* key)
+{
+    return FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(key, "");
+}
+
+std::string BelowRoot(const char* path)
+{
+    const std::string root = Setting(Settings::PROGRAM_DATA_DIR);
+    return (root.empty() ? DEFAULT_ROOT : root) + path;
+}
+
+} // namespace
+
+std::string DevicePaths::EventLog()
+{
+    return BelowRoot("/Comms/Lumbra/workDir/0/log.db");
+}
+
+std::string DevicePaths::DerivedDatabase()
+{
+    return BelowRoot("/Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db");
+}
+
+std::string DevicePaths::RepairDatabase()
+{
+    return BelowRoot("/Comms/Lumbra/zxdetectrepair/databases/repair_record.db");
+}
+
+std::string DevicePaths::OnDevice(const std::string& path)
+{
+    if (path.empty() || path.front() != '/') {
+        return path;
+    }
+    const std::string root = Setting(Settings::DEVICE_ROOT_DIR);
+    if (root.empty()) {
+        return path;
+    }
+    if (path.find("..") == std::string::npos) {
+        return root + path;
+    }
+    return root + std::filesystem::path(path).lexically_normal().string();
+}

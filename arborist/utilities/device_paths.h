@@ -1,0 +1,25 @@
+#ifndef ARBORIST_UTILITIES_DEVICE_PATHS_H
+#define ARBORIST_UTILITIES_DEVICE_PATHS_H
+
+#include <string>
+
+/// The fixed paths of the library, and where an absolute path of the device is found. Settings are read at each call.
+///
+/// The root is Settings::PROGRAM_DATA_DIR; when that is empty, "C:\ProgramData" on Windows and "/var/lib/arborist"
+/// elsewhere.
+namespace DevicePaths {
+
+/// The event log of the monitoring service, which the library only reads.
+std::string EventLog();
+/// The database of derived tables.
+std::string DerivedDatabase();
+/// The database of repair dates, in the folder of DerivedDatabase.
+std::string RepairDatabase();
+
+/// Where a path that a rule file names is looked up: with Settings::DEVICE_ROOT_DIR set, an absolute path below that
+/// root, which ".." elements do not leave; otherwise, and for a relative path, the path as it is.
+std::string OnDevice(const std::string& path);
+
+} // namespace DevicePaths
+
+#endif

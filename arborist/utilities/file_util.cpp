@@ -1,0 +1,333 @@
+#include "arborist/utilities/file_util.h"
+
+#include <algorithm>
+#include <fstream>
+#include <system_error>
+
+#include "arborist/frame/log.h"
+#include "arborist/utilities/platform.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::size_t MAX_FILE_LENGTH = 0x2000000;
+constexpr std::size_t MAX_PATH_LENGTH = 4095;
+constexpr std::uint16_t MAX_FILE_MODE = 0xFFF;
+constexpr std::uint16_t WRITE_BITS = 0222;
+
+// Calls `visit` for each entry below `path` until it answers false. A walk that the file system ends ends quietly.
+template <typename Visit>
+bool Walk(const std::string& path, Visit visit)
+{
+    std::error_code error;
+    fs::recursive_directory_iterator entry(path, fs::directory_options::skip_permission_denied, error);
+    for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+        if (!visit(*entry)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool IsLink(const fs::directory_entry& entry)
+{
+    std::error_code ignored;
+    return entry.is_symlink(ignored);
+}
+
+bool IsFolderNamedWith(const fs::directory_entry& entry, const std::string& prefix)
+{
+    std::error_code ignored;
+    return !IsLink(entry) && entry.is_directory(ignored) && entry.path().filename().string().rfind(prefix, 0) == 0;
+}
+
+// Appends all that `file` holds. False, with an undefined tail in `content`, on an error and past the limit.
+template <typename Content>
+bool AppendToEnd(Platform::InputFile& file, Content& content)
+{
+    char block[16 * 1024];
+    if (file.Size() > sizeof(block)) {
+        content.reserve(content.size() + static_cast<std::size_t>(file.Size()));
+    }
+    for (std::uint64_t total = 0;;) {
+        const std::ptrdiff_t got = file.Read(block, sizeof(block));
+        if (got <= 0) {
+            return got == 0;
+        }
+        content.insert(content.end(), block, block + got);
+        total += static_cast<std::uint64_t>(got);
+        if (content.size() > MAX_FILE_LENGTH) {
+            return false;
+        }
+        // Where the size is the true one, the end needs no second call to be seen.
+        if (total == file.Size()) {
+            return true;
+        }
+    }
+}
+
+bool IsPathLengthAllowed(const std::string& path)
+{
+    return !path.empty() && path.size() <= MAX_PATH_LENGTH;
+}
+
+} // namespace
+
+bool FileUtil::FileExists(const std::string& path)
+{
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (status.type() == fs::file_type::not_found) {
+        return false;
+    }
+    if (error) {
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_ERROR, "FUNc:%s: Failed to access file %s.", "FileUtil::FileExists", path.c_str());
+        return false;
+    }
+    return true;
+}
+
+bool FileUtil::FileExistsA(const std::string& path)
+{
+    return Platform::IsOtherThanDirectory(path);
+}
+
+bool FileUtil::IsDirectory(const std::string& path)
+{
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (error && status.type() != fs::file_type::not_found) {
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_ERROR, "FUNc:%s: Failed to judge directory %s.", "FileUtil::IsDirectory", path.c_str());
+        return false;
+    }
+    return fs::is_directory(status);
+}
+
+std::uint64_t FileUtil::GetFileSize(const std::string& path)
+{
+    std::error_code error;
+    const std::uintmax_t size = fs::file_size(path, error);
+    return error ? 0 : size;
+}
+
+std::string FileUtil::ExtractFileName(const std::string& path)
+{
+    return path.substr(path.rfind('/') + 1);
+}
+
+void FileUtil::FormatPath2UnixStyle(std::string& path)
+{
+    std::replace(path.begin(), path.end(), '\\', '/');
+}
+
+bool FileUtil::PathToRealPath(const std::string& path, std::string& realPath)
+{
+    if (!IsPathLengthAllowed(path)) {
+        return false;
+    }
+    std::error_code error;
+    const fs::path canonical = fs::canonical(path, error);
+    if (error) {
+        return false;
+    }
+    realPath = canonical.generic_string();
+    return true;
+}
+
+bool FileUtil::ForceCreateDirectory(const std::string& path)
+{
+    if (FileExists(path)) {
+        return true;
+    }
+    // Without separators at the end: what stands behind the last one would count as one more directory.
+    const std::size_t end = path.find_last_not_of('/');
+    std::error_code error;
+    const bool created = fs::create_directories(path.substr(0, end + 1), error);
+    if (error) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Failed to create directory %s.",
+            "FileUtil::ForceCreateDirectory", path.c_str());
+        return false;
+    }
+    return created && FileExists(path);
+}
+
+bool FileUtil::ForceCreateDirectory(const std::string& path, std::uint16_t)
+{
+    return ForceCreateDirectory(path);
+}
+
+bool FileUtil::ForceRemoveDirectory(const std::string& path, bool)
+{
+    if (!FileExists(path)) {
+        return true;
+    }
+    std::error_code error;
+    fs::remove_all(path, error);
+    if (error) {
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_ERROR, "FUNc:%s: remove dir failed %s", "FileUtil::ForceRemoveDirectory", path.c_str());
+        return false;
+    }
+    return !FileExists(path);
+}
+
+bool FileUtil::RemoveFile(const std::string& path)
+{
+    if (!FileExists(path)) {
+        return true;
+    }
+    std::error_code error;
+    fs::remove(path, error);
+    if (error) {
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_ERROR, "FUNc:%s: Failed to remove file %s.", "FileUtil::RemoveFile", path.c_str());
+        return false;
+    }
+    return !FileExists(path);
+}
+
+void FileUtil::RemoveFolderBeginWith(const std::string& parent, const std::string& prefix)
+{
+    // First listed, then removed: a walk must not lose the ground that it stands on.
+    std::vector<std::string> folders;
+    Walk(parent, [&folders, &prefix](const fs::directory_entry& entry) {
+        if (IsFolderNamedWith(entry, prefix)) {
+            folders.push_back(entry.path().string());
+        }
+        return true;
+    });
+    for (const std::string& folder : folders) {
+        ForceRemoveDirectory(folder, true);
+    }
+}
+
+bool FileUtil::CopyFileToFolder(const std::string& source, const std::string& target, fs::copy_options options)
+{
+    std::error_code error;
+    fs::copy(source, target, options, error);
+    if (error) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Failed to copy file %s to directory %s.",
+            "FileUtil::CopyFileToFolder", source.c_str(), target.c_str());
+        return false;
+    }
+    return true;
+}
+
+void FileUtil::GetDirFiles(const std::string& path, std::vector<std::string>& files)
+{
+    Walk(path, [&files](const fs::directory_entry& entry) {
+        files.push_back(entry.path().generic_string());
+        FormatPath2UnixStyle(files.back());
+        return true;
+    });
+}
+
+bool FileUtil::ChangeMode(const std::string& path, std::uint16_t mode)
+{
+    if (mode > MAX_FILE_MODE || !FileExists(path)) {
+        return false;
+    }
+    std::error_code error;
+    if ((mode & WRITE_BITS) == 0) {
+        fs::permissions(path, fs::perms{WRITE_BITS}, fs::perm_options::remove, error);
+    } else {
+        fs::permissions(path, fs::perms::owner_write, fs::perm_options::add, error);
+    }
+    if (error) {
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_ERROR, "FUNc:%s: Failed to change file mode %s.", "FileUtil::ChangeMode", path.c_str());
+        return false;
+    }
+    return true;
+}
+
+bool FileUtil::ChangeModeFile(const std::string& path, std::uint16_t mode)
+{
+    return ChangeMode(path, mode);
+}
+
+bool FileUtil::ChangeModeDirectory(const std::string& path, std::uint16_t mode)
+{
+    if (!FileExists(path)) {
+        return false;
+    }
+    const bool changed = Walk(path, [mode](const fs::directory_entry& entry) {
+        // What a link leads to may lie elsewhere.
+        return IsLink(entry) || ChangeMode(entry.path().generic_string(), mode);
+    });
+    return changed && ChangeMode(path, mode);
+}
+
+std::uint16_t FileUtil::Umask(std::uint16_t mode)
+{
+    return mode;
+}
+
+bool FileUtil::LoadBufferFromFile(const std::string& path, std::vector<std::uint8_t>& buffer)
+{
+    if (!IsPathLengthAllowed(path)) {
+        return false;
+    }
+    Platform::InputFile file(path);
+    if (!file.IsOpen() || file.Size() > MAX_FILE_LENGTH) {
+        return false;
+    }
+    buffer.clear();
+    return file.Size() == 0 || AppendToEnd(file, buffer);
+}
+
+bool FileUtil::LoadBufferFromNodeFile(const std::string& path, std::vector<std::uint8_t>& buffer)
+{
+    if (!IsPathLengthAllowed(path)) {
+        return false;
+    }
+    Platform::InputFile file(path);
+    if (!file.IsOpen()) {
+        return false;
+    }
+    if (file.Size() <= MAX_FILE_LENGTH && AppendToEnd(file, buffer)) {
+        return true;
+    }
+    buffer.clear();
+    return false;
+}
+
+bool FileUtil::LoadStringFromFile(const std::string& path, std::string& text)
+{
+    if (!IsPathLengthAllowed(path)) {
+        return false;
+    }
+    // Opened as it is: its canonical form would lead to the same file, at a system call for each directory on the way.
+    Platform::InputFile file(path);
+    if (!file.IsOpen() || file.Size() > MAX_FILE_LENGTH) {
+        return false;
+    }
+    text.clear();
+    if (AppendToEnd(file, text)) {
+        return true;
+    }
+    text.clear();
+    return false;
+}
+
+bool FileUtil::SaveStringToFile(const std::string& path, const std::string& text, bool truncate)
+{
+    if (text.empty()) {
+        return true;
+    }
+    std::string realPath;
+    if (!PathToRealPath(path, realPath)) {
+        return false;
+    }
+    std::ofstream file(realPath, truncate ? std::ios::trunc : std::ios::app);
+    file << text << std::flush;
+    return file.good();
+}
+
+void FileUtil::SetThreadDescription(const std::string& name)
+{
+    Platform::NameThread(name);
+}

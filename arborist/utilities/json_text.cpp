@@ -1,0 +1,39 @@
+#include "arborist/utilities/json_text.h"
+
+#include <memory>
+
+#include <json/reader.h>
+
+namespace {
+
+// One reader for each thread: making one costs more than reading a short text with it.
+Json::CharReader& Reader()
+{
+    thread_local const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+    return *reader;
+}
+
+} // namespace
+
+bool ParseJson(std::string_view text, Json::Value& root, std::string& error)
+{
+    error.clear();
+    try {
+        return Reader().parse(text.data(), text.data() + text.size(), &root, &error) && error.empty();
+    } catch (const Json::Exception& exception) {
+        error = exception.what();
+        return false;
+    }
+}
+
+std::string MemberText(const Json::Value& root, const std::string& key)
+{
+    if (!root.isObject()) {
+        return "";
+    }
+    const Json::Value* const member = root.find(key.data(), key.data() + key.size());
+    if (member == nullptr || member->isObject() || member->isArray()) {
+        return "";
+    }
+    return member->asString();
+}

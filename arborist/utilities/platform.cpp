@@ -1,0 +1,88 @@
+#include "arborist/utilities/platform.h"
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <pthread.h>
+#include <sys/stat.h>
+#ifdef __linux__
+#include <sys/sysmacros.h>
+#endif
+#include <unistd.h>
+
+namespace {
+
+// Opening a device can do something: a watchdog starts to count, a tape winds back. These are known to do nothing.
+bool IsMemoryDevice(const struct stat& status)
+{
+#ifdef __linux__
+    constexpr unsigned int MEMORY_DEVICES = 1;
+    if (!S_ISCHR(status.st_mode) || major(status.st_rdev) != MEMORY_DEVICES) {
+        return false;
+    }
+    switch (minor(status.st_rdev)) {
+    case 3: // null
+    case 5: // zero
+    case 7: // full
+    case 8: // random
+    case 9: // urandom
+        return true;
+    default:
+        return false;
+    }
+#else
+    (void)status;
+    return false;
+#endif
+}
+
+} // namespace
+
+bool Platform::IsOtherThanDirectory(const std::string& path)
+{
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+}
+
+bool Platform::IsRegularFile(const std::string& path)
+{
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+void Platform::NameThread(const std::string& name)
+{
+#ifdef __linux__
+    constexpr std::size_t LONGEST_NAME = 15; // the kernel refuses a longer one
+    pthread_setname_np(pthread_self(), name.substr(0, LONGEST_NAME).c_str());
+#else
+    (void)name;
+#endif
+}
+
+Platform::InputFile::InputFile(const std::string& path)
+{
+    struct stat status;
+    if (stat(path.c_str(), &status) != 0 || !(S_ISREG(status.st_mode) || IsMemoryDevice(status))) {
+        return;
+    }
+    // Without waiting: some files of procfs block as pipes do.
+    mDescriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    mSize = S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size) : 0;
+}
+
+Platform::InputFile::~InputFile()
+{
+    if (IsOpen()) {
+        close(mDescriptor);
+    }
+}
+
+std::ptrdiff_t Platform::InputFile::Read(char* buffer, std::size_t length)
+{
+    std::ptrdiff_t got = 0;
+    do {
+        got = read(mDescriptor, buffer, length);
+    } while (got < 0 && errno == EINTR);
+    return got;
+}
