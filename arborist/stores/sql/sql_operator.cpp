@@ -1,0 +1,119 @@
+#include "arborist/stores/sql/sql_operator.h"
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+#include <sqlite3.h>
+
+#include "arborist/frame/log.h"
+
+namespace FT::sql {
+
+// The two ways to run a statement differ in what they are called in the log.
+struct SqlOperator::Messages {
+    const char* function;
+    const char* operation;
+};
+
+SqlOperator::SqlOperator(const Sqlite3Db& database) : SqlOperator(database, nullptr, nullptr) {}
+
+SqlOperator::SqlOperator(const Sqlite3Db& database, const FieldList* list, const FieldMap* map)
+    : db(database), fieldList(list), fieldMap(map)
+{
+}
+
+SqlOperator::~SqlOperator()
+{
+    Clear();
+}
+
+bool SqlOperator::Execute(const std::string& sql)
+{
+    return Run(sql, &SqlOperator::LoadRecord, {"FT::sql::SqlOperator::Execute", "Execute"});
+}
+
+bool SqlOperator::ExecuteNoCallback(const std::string& sql)
+{
+    return Run(sql, nullptr, {"FT::sql::SqlOperator::ExecuteNoCallback", "ExecuteNoCallback"});
+}
+
+bool SqlOperator::Run(const std::string& sql, RowCallback callback, const Messages& messages)
+{
+    Clear();
+    if (db.connection == nullptr) {
+        Log::GetInstance().Output(
+            LEVEL_ERROR, "FUNc:%s: %s db is null", messages.function, messages.operation);
+        return false;
+    }
+    char* errorText = nullptr;
+    resultCode = sqlite3_exec(db.connection, sql.c_str(), callback, callback == nullptr ? nullptr : this, &errorText);
+    if (IsOk()) {
+        return true;
+    }
+    if (errorText == nullptr) {
+        Log::GetInstance().Output(
+            LEVEL_ERROR, "FUNc:%s: %s error returns null", messages.function, messages.operation);
+        return false;
+    }
+    errorMessage = errorText;
+    sqlite3_free(errorText);
+    if (!errorMessage.empty()) {
+        Log::GetInstance().Output(LEVEL_ERROR, "FUNc:%s: %s sql failed: %s", messages.function, messages.operation,
+            errorMessage.c_str());
+    }
+    return false;
+}
+
+int SqlOperator::LoadRecord(void* context, int columnCount, char** columnTexts, char**)
+{
+    auto* const self = static_cast<SqlOperator*>(context);
+    if (self == nullptr || self->fieldList == nullptr || self->fieldMap == nullptr || columnTexts == nullptr) {
+        return 0;
+    }
+    try {
+        self->KeepRow(columnCount, columnTexts);
+    } catch (const std::bad_alloc&) {
+        return 1; // nothing may be thrown through SQLite; the statement fails instead
+    }
+    return 0;
+}
+
+void SqlOperator::KeepRow(int columnCount, char** columnTexts)
+{
+    SqlRecord& record = records.emplace_back(fieldMap);
+    record.InitColumnCount(static_cast<std::size_t>(columnCount));
+    const std::size_t filled = std::min(static_cast<std::size_t>(columnCount), fieldList->size());
+    for (std::size_t position = 0; position < filled; ++position) {
+        const SqlField* const field = (*fieldList)[position];
+        if (field != nullptr) {
+            const char* const text = columnTexts[position];
+            record.InitColumnValue(position, text == nullptr ? std::string() : std::string(text), field->GetType());
+        }
+    }
+}
+
+const SqlRecord* SqlOperator::GetRecord(std::uint64_t index) const
+{
+    return index < records.size() ? &records[static_cast<std::size_t>(index)] : nullptr;
+}
+
+const SqlRecord* SqlOperator::GetTopRecord() const
+{
+    return IsOk() ? GetRecord(0) : nullptr;
+}
+
+const SqlValue* SqlOperator::GetTopRecordFirstValue() const
+{
+    const SqlRecord* const top = GetTopRecord();
+    return top == nullptr ? nullptr : top->GetValue(std::size_t{0});
+}
+
+void SqlOperator::Clear()
+{
+    errorMessage.clear();
+    resultCode = 1;
+    records.clear();
+}
+
+} // namespace FT::sql

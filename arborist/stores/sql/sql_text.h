@@ -1,0 +1,27 @@
+#ifndef ARBORIST_STORES_SQL_SQL_TEXT_H
+#define ARBORIST_STORES_SQL_SQL_TEXT_H
+
+#include <string>
+
+namespace FT::sql {
+
+/// Decimal text of a number.
+std::string IntToStr(int value);
+std::string IntegerToStr(long long value);
+
+/// A copy with every single quote doubled; no other character is touched and no quotes are put around it.
+std::string QuoteStr(const std::string& text);
+
+/// Remove white space at the left, at the right, at both ends, in place.
+void TrimLeft(std::string& text);
+void TrimRight(std::string& text);
+void Trim(std::string& text);
+/// The same on a copy.
+std::string Trim(const std::string& text);
+
+/// Formats into `buffer`, `size` bytes with the final zero, by SQLite's own format words (%q, %lld). Returns `buffer`.
+char* Sqlite3Snprintf(int size, char* buffer, const char* format, ...);
+
+} // namespace FT::sql
+
+#endif
