@@ -2,6 +2,7 @@
 #define ARBORIST_LOADING_FAULT_ITEM_H
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "arborist/frame/fault_tree_result.h"
@@ -14,12 +15,12 @@ public:
     const std::vector<std::string>& GetResolutionSuggestions() const { return mResolutionSuggestions; }
     const std::vector<FaultTreeResult::RepairInfo>& GetRepairInfo() const { return mRepairInfo; }
 
-    void SetFaultItemId(const std::string& faultItemId) { mFaultItemId = faultItemId; }
-    void SetResolutionSuggestions(const std::vector<std::string>& resolutionSuggestions)
+    void SetFaultItemId(std::string faultItemId) { mFaultItemId = std::move(faultItemId); }
+    void SetResolutionSuggestions(std::vector<std::string> resolutionSuggestions)
     {
-        mResolutionSuggestions = resolutionSuggestions;
+        mResolutionSuggestions = std::move(resolutionSuggestions);
     }
-    void SetRepairInfo(const std::vector<FaultTreeResult::RepairInfo>& repairInfo) { mRepairInfo = repairInfo; }
+    void SetRepairInfo(std::vector<FaultTreeResult::RepairInfo> repairInfo) { mRepairInfo = std::move(repairInfo); }
 
 private:
     std::string mFaultItemId;

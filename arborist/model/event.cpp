@@ -44,14 +44,14 @@ void Event::SetDetectMode(std::string detectMode)
     mDetectMode = std::move(detectMode);
 }
 
-std::shared_ptr<Event> Event::FillEventInfo(const std::string& value, const std::string& id, const std::string& name,
-                                            const std::string& userDefined, const std::string& detectMode)
+std::shared_ptr<Event> Event::FillEventInfo(std::string value, const std::string& id, std::string name,
+                                            std::string userDefined, std::string detectMode)
 {
-    SetValue(value);
+    SetValue(std::move(value));
     SetId(id);
-    SetName(name);
-    SetUserDefined(userDefined);
-    SetDetectMode(detectMode);
+    SetName(std::move(name));
+    SetUserDefined(std::move(userDefined));
+    SetDetectMode(std::move(detectMode));
     return shared_from_this();
 }
 

@@ -59,8 +59,8 @@ public:
 
     /// Sets all texts and returns the event itself. Throws std::bad_weak_ptr, with the texts set, when it is not under
     /// shared ownership.
-    std::shared_ptr<Event> FillEventInfo(const std::string& value, const std::string& id, const std::string& name,
-                                         const std::string& userDefined, const std::string& detectMode);
+    std::shared_ptr<Event> FillEventInfo(std::string value, const std::string& id, std::string name,
+                                         std::string userDefined, std::string detectMode);
 
     /// "mID=...,mName=...,mValue=...,mObservable=true,result=FALSE".
     std::string ToString() const;
