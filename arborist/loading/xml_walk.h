@@ -1,0 +1,82 @@
+#ifndef ARBORIST_LOADING_XML_WALK_H
+#define ARBORIST_LOADING_XML_WALK_H
+
+#include <initializer_list>
+#include <string>
+
+#include <tinyxml2.h>
+
+/// How all parsers of a rule set walk its XML: each level looks at the first child of a name, or at all of them in
+/// order. Names are compared exactly, with case.
+namespace XmlWalk {
+
+/// The children of an element, for a range-based loop: all of them, or those of one name. A null parent has none.
+class Children {
+public:
+    class Iterator {
+    public:
+        Iterator(const tinyxml2::XMLElement* element, const char* name) : mElement(element), mName(name) {}
+        const tinyxml2::XMLElement& operator*() const { return *mElement; }
+        Iterator& operator++()
+        {
+            mElement = mElement->NextSiblingElement(mName);
+            return *this;
+        }
+        bool operator!=(const Iterator& other) const { return mElement != other.mElement; }
+
+    private:
+        const tinyxml2::XMLElement* mElement;
+        const char* mName;
+    };
+
+    explicit Children(const tinyxml2::XMLElement* parent, const char* name = nullptr)
+        : mFirst(parent == nullptr ? nullptr : parent->FirstChildElement(name)), mName(name)
+    {
+    }
+    explicit Children(const tinyxml2::XMLElement& parent, const char* name = nullptr) : Children(&parent, name) {}
+
+    Iterator begin() const { return {mFirst, mName}; }
+    Iterator end() const { return {nullptr, mName}; }
+
+private:
+    const tinyxml2::XMLElement* mFirst;
+    const char* mName;
+};
+
+/// Where FindFirstChildren puts the first child of a name.
+struct ChildSlot {
+    const char* name;
+    const tinyxml2::XMLElement** child;
+};
+
+/// Where ReadAttributes puts the text of an attribute.
+struct AttributeSlot {
+    const char* name;
+    std::string* text;
+};
+
+bool IsNamed(const tinyxml2::XMLElement& element, const char* name);
+
+/// The first element named `tag` in the first `section` of the root; null when a link is missing.
+const tinyxml2::XMLElement* FindTagElement(
+    const tinyxml2::XMLDocument& document, const char* section, const std::string& tag);
+
+/// Finds the first child of each name in one walk, where asking the library name by name would start again each time.
+/// Slots without a child keep their null.
+void FindFirstChildren(const tinyxml2::XMLElement& parent, std::initializer_list<ChildSlot> slots);
+
+/// Assigns each attribute that is there, also one with an empty value. The texts of the others stay.
+void ReadAttributes(const tinyxml2::XMLElement& element, std::initializer_list<AttributeSlot> slots);
+
+/// The text of an element; null for a null element and for one without text. An empty CDATA section is text.
+const char* TextOf(const tinyxml2::XMLElement* element);
+
+/// The text of the first child of this name; null when there is no such child or no text in it.
+const char* ChildText(const tinyxml2::XMLElement& parent, const char* name);
+
+/// Assigns the text of an element; without text `target` stays.
+void AssignText(const tinyxml2::XMLElement* element, std::string& target);
+
+} // namespace XmlWalk
+
+#endif
