@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -112,10 +113,11 @@ private:
     void StartRepairDescriptionParse();
     void StartCommonPartParse();
     void StartRuleParse();
-    void IndexCodeRules();
-    static void IndexItems(const FaultItemList& items, FaultItemIndex& index);
-    static const FaultItem* FindItem(const FaultItemIndex& index, const std::string& eventId);
-    static const std::vector<std::string>& GetListById(const FaultItemIndex& index, const std::string& eventId);
+    CodeRuleIndex IndexCodeRules() const;
+    static const FaultItem* FindItem(
+        const FaultItemList& items, std::optional<FaultItemIndex>& index, const std::string& eventId);
+    static const std::vector<std::string>& GetListById(
+        const FaultItemList& items, std::optional<FaultItemIndex>& index, const std::string& eventId);
 
     std::string mTreeTag;
     std::string mTreeFileVersion;
@@ -134,10 +136,11 @@ private:
 
     RuleSetFileReport mTreeFileReport;
     RuleSetFileReport mRuleFileReport;
-    CodeRuleIndex mCodeRuleByDetectCode;
-    FaultItemIndex mFaultDescById;
-    FaultItemIndex mSuggestionById;
-    FaultItemIndex mRepairById;
+    // Made by the first look-up after a parse: a detection without a fault asks for none of them.
+    mutable std::optional<CodeRuleIndex> mCodeRuleByDetectCode;
+    mutable std::optional<FaultItemIndex> mFaultDescById;
+    mutable std::optional<FaultItemIndex> mSuggestionById;
+    mutable std::optional<FaultItemIndex> mRepairById;
 };
 
 #endif

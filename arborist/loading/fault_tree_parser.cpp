@@ -1,0 +1,294 @@
+#include "arborist/loading/fault_tree_parser.h"
+
+#include <filesystem>
+#include <functional>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include <tinyxml2.h>
+
+#include "arborist/frame/log.h"
+#include "arborist/loading/description_parser.h"
+#include "arborist/loading/event_rule_parser.h"
+#include "arborist/loading/rule_parser.h"
+#include "arborist/loading/tree_parser.h"
+#include "arborist/utilities/file_util.h"
+
+namespace {
+
+using State = RuleSetFileReport::State;
+
+// Loads a file into `document`, logs what is wrong with it and reports either outcome.
+bool LoadDocument(
+    tinyxml2::XMLDocument& document, const std::string& path, const char* function, RuleSetFileReport& report)
+{
+    document.Clear();
+    std::error_code noStatus;
+    // Opening a pipe would wait for somebody to write: what is no plain file counts as one that can't be read.
+    const bool isFile = std::filesystem::is_regular_file(path, noStatus);
+    const tinyxml2::XMLError error = isFile ? document.LoadFile(path.c_str()) : tinyxml2::XML_ERROR_FILE_READ_ERROR;
+    if (error == tinyxml2::XML_SUCCESS) {
+        report = {State::LOADED, path, "", 0, 0};
+        return true;
+    }
+    report = {State::MALFORMED, path, isFile ? document.ErrorStr() : "not a file", document.ErrorLineNum(), 0};
+    FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: load tree rules xml failed %s, errno %d", function,
+        path.c_str(), static_cast<int>(error));
+    return false;
+}
+
+// Runs `job` on a thread of its own and waits for it. Where the system has no thread left the caller's does as well.
+void RunOnThread(const std::function<void()>& job)
+{
+    try {
+        std::thread(job).join();
+    } catch (const std::system_error&) {
+        job();
+    }
+}
+
+} // namespace
+
+/// Owner of the rule file's document.
+class FaultTreeParser::InnerXmlHelper {
+public:
+    InnerXmlHelper() = default;
+    ~InnerXmlHelper() { mDocument.Clear(); }
+    InnerXmlHelper(const InnerXmlHelper&) = delete;
+    InnerXmlHelper& operator=(const InnerXmlHelper&) = delete;
+
+    bool LoadXmlFile(const std::string& path, RuleSetFileReport& report)
+    {
+        return LoadDocument(mDocument, path, "FaultTreeParser::InnerXmlHelper::LoadXmlFile", report);
+    }
+    const tinyxml2::XMLDocument& GetDocument() const { return mDocument; }
+
+private:
+    tinyxml2::XMLDocument mDocument{true, tinyxml2::PRESERVE_WHITESPACE};
+};
+
+FaultTreeParser::FaultTreeParser(std::shared_ptr<DetectInfo> detectInfo)
+    : mDetectInfo(std::move(detectInfo)), mXmlHelper(std::make_unique<InnerXmlHelper>())
+{
+    if (mDetectInfo != nullptr) {
+        mTreeTag = mDetectInfo->mTreeTag;
+    }
+}
+
+FaultTreeParser::~FaultTreeParser() = default;
+
+std::string FaultTreeParser::GetFaultTreePath(const std::string& fileName) const
+{
+    return mDetectInfo->mRuleFileDir + SEPARATOR + fileName;
+}
+
+std::string FaultTreeParser::PrefixedFileName(const std::string& fileName) const
+{
+    return mDetectInfo->mRuleFilePrefix.empty() ? fileName : mDetectInfo->mRuleFilePrefix + "_" + fileName;
+}
+
+void FaultTreeParser::StartParse()
+{
+    if (mDetectInfo == nullptr) {
+        return;
+    }
+    RunOnThread([this] { ParseTreeXml(); });
+    if (mXmlHelper == nullptr) {
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_ERROR, "FUNc:%s: xmlHelper is nullptr.", "FaultTreeParser::StartParse");
+        return;
+    }
+    const std::string path = GetFaultTreePath(PrefixedFileName(FAULT_TREE_RULES_FILE));
+    FT::Log::GetInstance().Output(
+        FT::LEVEL_DEBUG, "FUNc:%s: fault tree rule xml path %s", "FaultTreeParser::StartParse", path.c_str());
+    if (!FileUtil::FileExists(path)) {
+        mRuleFileReport = {State::MISSING, path, "", 0, 0};
+        FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: fault tree rule xml file %s not exist.",
+            "FaultTreeParser::StartParse", path.c_str());
+        return;
+    }
+    RunOnThread([this, &path] { ParseRuleXml(path); });
+    // Done means that the attempt has ended: a malformed file is not worth a second one.
+    mIsParseDone = true;
+}
+
+void FaultTreeParser::ParseTreeXml()
+{
+    StartFaultTreeParse();
+}
+
+void FaultTreeParser::StartFaultTreeParse()
+{
+    const std::string path = GetFaultTreePath(PrefixedFileName(FAULT_TREE_FILE));
+    FT::Log::GetInstance().Output(
+        FT::LEVEL_DEBUG, "FUNc:%s: fault tree xml path %s", "FaultTreeParser::StartFaultTreeParse", path.c_str());
+    if (!FileUtil::FileExists(path)) {
+        mTreeFileReport = {State::MISSING, path, "", 0, 0};
+        FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: fault tree xml file %s not exist.",
+            "FaultTreeParser::StartFaultTreeParse", path.c_str());
+        return;
+    }
+    // Of this call alone: the trees don't refer to it, and it takes many times the memory of the file.
+    tinyxml2::XMLDocument document(true, tinyxml2::PRESERVE_WHITESPACE);
+    if (!LoadDocument(document, path, "FaultTreeParser::StartFaultTreeParse", mTreeFileReport)) {
+        return;
+    }
+    TreeParser parser;
+    mFaultTrees = parser.GetTreeList(document, mTreeTag);
+    mTreeFileVersion = parser.GetTreeFileVersion();
+    mTreeFileReport.count = mFaultTrees.size();
+}
+
+void FaultTreeParser::ParseRuleXml(const std::string& path)
+{
+    if (!mXmlHelper->LoadXmlFile(path, mRuleFileReport)) {
+        return;
+    }
+    ParseOtherInfo();
+    StartRuleParse();
+    mRuleFileReport.count = mRuleMap.size();
+}
+
+void FaultTreeParser::ParseOtherInfo()
+{
+    StartEventRuleParse();
+    StartFaultDescriptionParse();
+    StartSuggestionParse();
+    StartRepairDescriptionParse();
+    StartCommonPartParse();
+}
+
+void FaultTreeParser::StartEventRuleParse()
+{
+    EventRuleParser parser(mTreeTag);
+    parser.Parse(mXmlHelper->GetDocument());
+    mEventRuleMap = parser.TakeEventRuleMap();
+}
+
+void FaultTreeParser::StartFaultDescriptionParse()
+{
+    FaultDescriptionParser parser(mTreeTag);
+    parser.Parse(mXmlHelper->GetDocument());
+    mFaultDescById.reset();
+    mFaultDescList = parser.TakeItemList();
+}
+
+void FaultTreeParser::StartSuggestionParse()
+{
+    SuggestionParser parser(mTreeTag);
+    parser.Parse(mXmlHelper->GetDocument());
+    mSuggestionById.reset();
+    mSuggestionList = parser.TakeItemList();
+}
+
+void FaultTreeParser::StartRepairDescriptionParse()
+{
+    RepairDescriptionParser parser(mTreeTag);
+    parser.Parse(mXmlHelper->GetDocument());
+    mRepairById.reset();
+    mRepairList = parser.TakeItemList();
+}
+
+void FaultTreeParser::StartCommonPartParse()
+{
+    // The parser of the common part comes next; until then there is none.
+}
+
+void FaultTreeParser::StartRuleParse()
+{
+    RuleParser parser;
+    parser.Parse(mXmlHelper->GetDocument(), mTreeTag);
+    mCodeRuleByDetectCode.reset();
+    mRuleMap = parser.TakeRuleMap();
+    mCodeRuleList = parser.TakeCodeRuleList();
+    mCodeRuleNames = parser.TakeCodeRuleNames();
+}
+
+const std::shared_ptr<Rule>& FaultTreeParser::GetRuleByRuleName(const std::string& ruleName) const
+{
+    static const std::shared_ptr<Rule> NONE;
+    const auto entry = mRuleMap.find(ruleName);
+    return entry == mRuleMap.end() ? NONE : entry->second;
+}
+
+const std::shared_ptr<EventRule>& FaultTreeParser::GetEventRuleByEventId(const std::string& eventId) const
+{
+    static const std::shared_ptr<EventRule> NONE;
+    const auto entry = mEventRuleMap.find(eventId);
+    return entry == mEventRuleMap.end() ? NONE : entry->second;
+}
+
+std::string FaultTreeParser::GetCodeRuleNameById(const std::string& detectCode) const
+{
+    if (!mCodeRuleByDetectCode) {
+        mCodeRuleByDetectCode = IndexCodeRules();
+    }
+    const auto entry = mCodeRuleByDetectCode->find(detectCode);
+    return entry == mCodeRuleByDetectCode->end() ? "" : entry->second->name;
+}
+
+FaultTreeParser::CodeRuleIndex FaultTreeParser::IndexCodeRules() const
+{
+    CodeRuleIndex index;
+    index.reserve(mCodeRuleNames.size());
+    for (const std::string& name : mCodeRuleNames) {
+        // What stands under the name may be a later rule of another family, or a code rule with another code.
+        const auto* codeRule = dynamic_cast<const CodeRule*>(GetRuleByRuleName(name).get());
+        if (codeRule != nullptr) {
+            index.emplace(codeRule->codeItem.id, codeRule);
+        }
+    }
+    return index;
+}
+
+const std::vector<std::string>& FaultTreeParser::GetFaultDescListById(const std::string& eventId) const
+{
+    return GetListById(mFaultDescList, mFaultDescById, eventId);
+}
+
+const std::vector<std::string>& FaultTreeParser::GetSuggestionListById(const std::string& eventId) const
+{
+    return GetListById(mSuggestionList, mSuggestionById, eventId);
+}
+
+const std::vector<std::string>& FaultTreeParser::GetListById(
+    const FaultItemList& items, std::optional<FaultItemIndex>& index, const std::string& eventId)
+{
+    static const std::vector<std::string> NONE;
+    const FaultItem* item = FindItem(items, index, eventId);
+    return item == nullptr ? NONE : item->GetResolutionSuggestions();
+}
+
+const FaultTreeParser::RepairInfoList& FaultTreeParser::GetRepairInfoById(const std::string& eventId) const
+{
+    static const RepairInfoList NONE;
+    const FaultItem* item = FindItem(mRepairList, mRepairById, eventId);
+    return item == nullptr ? NONE : item->GetRepairInfo();
+}
+
+const FaultItem* FaultTreeParser::FindItem(
+    const FaultItemList& items, std::optional<FaultItemIndex>& index, const std::string& eventId)
+{
+    if (eventId.empty()) {
+        return nullptr;
+    }
+    if (!index) {
+        index.emplace(items.size());
+        for (const auto& item : items) {
+            (*index)[item->GetFaultItemId()] = item.get();
+        }
+    }
+    const auto entry = index->find(eventId);
+    return entry == index->end() ? nullptr : entry->second;
+}
+
+std::vector<std::string> FaultTreeParser::GetRepairListById(const std::string& eventId) const
+{
+    std::vector<std::string> repairs;
+    for (const auto& repair : GetRepairInfoById(eventId)) {
+        const std::string operation = repair.GetOperation();
+        repairs.push_back(operation.empty() ? repair.mId : repair.mId + "_" + operation);
+    }
+    return repairs;
+}
