@@ -14,17 +14,18 @@ class CodeRule;
 /// Built from a list of rules and rebuilt when asked about another one.
 class CodeRuleIndex {
 public:
-    /// The first rule of `rules`, none of them null, whose detect code holds `text`; null when none does.
+    /// The first rule of `rules` whose detect code holds `text`, which is not empty; null when none does.
     std::shared_ptr<CodeRule> FindFirst(std::string_view text, const std::vector<std::shared_ptr<CodeRule>>& rules);
 
 private:
     bool IsBuiltFrom(const std::vector<std::shared_ptr<CodeRule>>& rules) const;
     void Build(const std::vector<std::shared_ptr<CodeRule>>& rules);
+    std::size_t LengthOfCode(std::size_t rule) const;
 
     // The rules are kept, so that the address of none of them can come to mean another rule.
     std::vector<std::shared_ptr<CodeRule>> mRules;
     std::string mCodes;
-    std::vector<std::size_t> mEnds; // where the code of each rule ends in mCodes
+    std::vector<std::size_t> mBegins; // where the code of each rule begins in mCodes
 };
 
 #endif

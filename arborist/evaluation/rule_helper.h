@@ -11,6 +11,7 @@
 #include "arborist/model/event_rule.h"
 #include "arborist/model/rule.h"
 
+class DeviceDetails;
 class Event;
 class FaultTreeParser;
 struct DetectInfo;
@@ -52,6 +53,8 @@ public:
     /// The alternative that a name stands for: the first that is the single rule of this name, or that lists every part
     /// of the name between commas. Null for an empty name or list, and, with an error in the log, when none fits.
     static std::shared_ptr<OrRuleSingle> GetRuleByName(const std::string& name, const OrRuleList& rules);
+    /// Passes what was looked up on, and logs GetRuleByName's error when it is null.
+    static std::shared_ptr<OrRuleSingle> OrLogMissing(std::shared_ptr<OrRuleSingle> rule);
     /// A name for each alternative, in order: of a single rule its own, of any other its list joined by commas.
     static std::vector<std::string> GetRuleNamesByRuleList(const OrRuleList& rules);
 
@@ -68,6 +71,8 @@ private:
     bool IsValidDetectScene(const std::shared_ptr<Rule>& rule) const;
     bool IsValidPlatform(const std::shared_ptr<Rule>& rule) const;
     bool IsValidDeviceType(const std::shared_ptr<Rule>& rule) const;
+    bool PassesText(DetectionObserver::Reason reason, const Rule& rule, const std::string& ruleText,
+                    std::string (DeviceDetails::*value)() const) const;
     bool Reject(DetectionObserver::Reason reason, const Rule& rule, const std::string& deviceValue,
                 const std::string& ruleText) const;
 

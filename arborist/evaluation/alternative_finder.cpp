@@ -1,0 +1,115 @@
+#include "arborist/evaluation/alternative_finder.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "arborist/evaluation/rule_helper.h"
+#include "arborist/utilities/string_util.h"
+
+namespace {
+
+// Up to here a walk is as fast as a look-up.
+constexpr std::size_t SHORT_LIST = 16;
+
+bool IsSingleOf(const OrRuleSingle& rule, const std::string& name)
+{
+    return rule.type == RuleHelper::SINGLE_RULE && rule.ruleName == name;
+}
+
+// Whether the list holds every part; it may hold more, in any order.
+bool ListsAll(const std::vector<std::string>& list, const std::vector<std::string>& parts)
+{
+    if (parts.empty() || list.empty()) {
+        return false;
+    }
+    if (parts == list) {
+        return true;
+    }
+    if (list.size() <= SHORT_LIST) {
+        return std::all_of(parts.begin(), parts.end(), [&list](const std::string& part) {
+            return std::find(list.begin(), list.end(), part) != list.end();
+        });
+    }
+    const std::unordered_set<std::string_view> names(list.begin(), list.end());
+    return std::all_of(
+        parts.begin(), parts.end(), [&names](const std::string& part) { return names.count(part) != 0; });
+}
+
+} // namespace
+
+AlternativeFinder::AlternativeFinder(const OrRuleList& rules) : mRules(rules)
+{
+    if (rules.size() <= SHORT_LIST) {
+        return;
+    }
+    for (std::size_t place = 0; place < rules.size(); ++place) {
+        if (rules[place] == nullptr) {
+            continue;
+        }
+        if (rules[place]->type == RuleHelper::SINGLE_RULE) {
+            mFirstSingle.emplace(rules[place]->ruleName, place);
+        }
+        for (const auto& name : rules[place]->ruleNameList) {
+            mListing[name].push_back(place);
+        }
+    }
+}
+
+std::shared_ptr<OrRuleSingle> AlternativeFinder::Find(const std::string& name) const
+{
+    return mRules.size() <= SHORT_LIST ? FindByWalk(name) : FindByIndex(name);
+}
+
+std::shared_ptr<OrRuleSingle> AlternativeFinder::FindByWalk(const std::string& name) const
+{
+    std::vector<std::string> parts;
+    for (const auto& rule : mRules) {
+        if (rule == nullptr) {
+            continue;
+        }
+        if (IsSingleOf(*rule, name)) {
+            return rule;
+        }
+        if (parts.empty() && !rule->ruleNameList.empty()) {
+            parts = StringUtil::Split(name, RuleHelper::TYPE_COMMA);
+        }
+        if (ListsAll(rule->ruleNameList, parts)) {
+            return rule;
+        }
+    }
+    return nullptr;
+}
+
+std::shared_ptr<OrRuleSingle> AlternativeFinder::FindByIndex(const std::string& name) const
+{
+    const auto parts = StringUtil::Split(name, RuleHelper::TYPE_COMMA);
+    const auto single = mFirstSingle.find(name);
+    const std::size_t end = single != mFirstSingle.end() ? single->second : mRules.size();
+    if (const Places* places = RarestPart(parts)) {
+        for (const std::size_t place : *places) {
+            if (place >= end) {
+                break;
+            }
+            if (ListsAll(mRules[place]->ruleNameList, parts)) {
+                return mRules[place];
+            }
+        }
+    }
+    return end < mRules.size() ? mRules[end] : nullptr;
+}
+
+// Where the part stands that fewest alternatives list; null when a part stands nowhere.
+const AlternativeFinder::Places* AlternativeFinder::RarestPart(const std::vector<std::string>& parts) const
+{
+    const Places* rarest = nullptr;
+    for (const auto& part : parts) {
+        const auto listing = mListing.find(part);
+        if (listing == mListing.end()) {
+            return nullptr;
+        }
+        if (rarest == nullptr || listing->second.size() < rarest->size()) {
+            rarest = &listing->second;
+        }
+    }
+    return rarest;
+}

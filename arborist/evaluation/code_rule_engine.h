@@ -1,0 +1,58 @@
+#ifndef ARBORIST_EVALUATION_CODE_RULE_ENGINE_H
+#define ARBORIST_EVALUATION_CODE_RULE_ENGINE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "arborist/evaluation/rule_checker.h"
+
+class CodeRule;
+class Event;
+class EventRule;
+class FaultTreeParser;
+class RuleEngineHelper;
+struct DetectInfo;
+struct OrRuleSingle;
+
+/// Decides code rules by asking the host's CodeRuleRunner, and translates a detect code into the ids of the event that
+/// uses its rule, also before any detection.
+///
+/// Shares ownership of what it is given; each may be null, and what needs it then answers false or empty.
+class CodeRuleEngine : public RuleChecker {
+public:
+    CodeRuleEngine(std::shared_ptr<RuleEngineHelper> ruleEngineHelper,
+                   std::shared_ptr<FaultTreeParser> faultTreeParser, std::shared_ptr<DetectInfo> detectInfo);
+
+    /// What the host's runner answers, called here and now; false without a runner. The event id is not used.
+    bool IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId) override;
+
+    /// The ids of one kind (RuleHelper::FAULT, SUGGESTION or REPAIR) of the first event in the store that names the
+    /// code rule of this detect code. An empty store is first filled with the events of all trees. Empty when there is
+    /// no such rule or event, and for another kind.
+    std::vector<std::string> GetCodeRuleInfoByType(const std::string& type, const std::string& detectCode);
+
+private:
+    void FetchAllEvents();
+    std::optional<std::string> GetEventIdByName(const std::string& ruleName);
+    bool IsIndexCurrent() const;
+    void IndexRuleNames();
+    void IndexNamesOf(const OrRuleSingle& single, const std::shared_ptr<Event>& event);
+
+    std::shared_ptr<RuleEngineHelper> mRuleEngineHelper;
+    std::shared_ptr<FaultTreeParser> mFaultTreeParser;
+    std::shared_ptr<DetectInfo> mDetectInfo;
+
+    // The first event of the store that names a rule, and of which store and rule set that holds.
+    std::unordered_map<std::string, std::shared_ptr<Event>> mEventByRuleName;
+    std::uint64_t mIndexedRevision = 0;
+    std::size_t mIndexedEventRules = 0;
+    std::shared_ptr<EventRule> mFirstEventRule;
+    bool mIsIndexed = false;
+};
+
+#endif

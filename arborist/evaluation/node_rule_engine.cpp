@@ -1,0 +1,188 @@
+#include "arborist/evaluation/node_rule_engine.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "arborist/evaluation/formula.h"
+#include "arborist/model/rule.h"
+#include "arborist/utilities/device_paths.h"
+#include "arborist/utilities/file_util.h"
+
+using Reason = DetectionObserver::Reason;
+
+// The parameters of a rule that bear a text in one field, in the order of the map. Several may share a key.
+class NodeRuleEngine::ParamIndex {
+public:
+    using Params = std::vector<Param*>;
+
+    struct Range {
+        Params::const_iterator first;
+        Params::const_iterator last;
+
+        Params::const_iterator begin() const { return first; }
+        Params::const_iterator end() const { return last; }
+        bool IsEmpty() const { return first == last; }
+    };
+
+    ParamIndex(const ParamMap& params, std::string Param::*field) : mField(field)
+    {
+        mParams.reserve(params.size());
+        for (const auto& [id, param] : params) {
+            if (param != nullptr) {
+                mParams.push_back(param.get());
+            }
+        }
+        std::stable_sort(mParams.begin(), mParams.end(),
+                         [field](const Param* left, const Param* right) { return left->*field < right->*field; });
+    }
+
+    Range Find(const std::string& text) const
+    {
+        const auto first = std::lower_bound(
+            mParams.begin(), mParams.end(), text,
+            [this](const Param* param, const std::string& value) { return param->*mField < value; });
+        const auto last = std::upper_bound(
+            first, mParams.end(), text,
+            [this](const std::string& value, const Param* param) { return value < param->*mField; });
+        return {first, last};
+    }
+
+private:
+    std::string Param::*mField;
+    Params mParams;
+};
+
+bool NodeRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId)
+{
+    const auto* nodeRule = dynamic_cast<const NodeRule*>(rule.get());
+    if (nodeRule == nullptr || eventId.empty()) {
+        return Decide(Reason::NONE, false);
+    }
+    if (nodeRule->GetNodeInfoList().empty() || nodeRule->GetParamMap().empty()) {
+        return Decide(Reason::NO_NODES, false);
+    }
+    mIsValueMissing = false;
+    const ParamIndex params(nodeRule->GetParamMap(), &Param::key);
+    const bool allRead = SetParamValue(*nodeRule, params);
+    RunLogicExpression(*nodeRule, params);
+    const bool answer = CheckConditions(*nodeRule);
+    if (GetReason() == Reason::CONDITION_NOT_MET && !allRead) {
+        NoteReason(Reason::NODE_UNREADABLE);
+    } else if (GetReason() == Reason::CONDITION_NOT_MET && mIsValueMissing) {
+        NoteReason(Reason::NO_VALUE);
+    }
+    return answer;
+}
+
+bool NodeRuleEngine::SetParamValue(const NodeRule& rule, const ParamIndex& params)
+{
+    bool allRead = true;
+    for (const auto& node : rule.GetNodeInfoList()) {
+        if (node == nullptr) {
+            continue;
+        }
+        std::string value;
+        const bool readable = FileUtil::LoadStringFromFile(DevicePaths::OnDevice(node->GetPath()), value);
+        allRead = allRead && readable;
+        if (GetObserver() != nullptr) {
+            GetObserver()->OnNodeFile({node->GetParam(), node->GetPath(), readable, value});
+        }
+        SetExpressNodeValue(params, node->GetParam(), value);
+    }
+    return allRead;
+}
+
+void NodeRuleEngine::SetExpressNodeValue(const ParamIndex& params, const std::string& name, const std::string& value)
+{
+    for (Param* param : params.Find(name)) {
+        param->value = value;
+    }
+}
+
+// The first one's value; null when no parameter has this name.
+const std::string* NodeRuleEngine::GetExpressNodeValue(const ParamIndex& params, const std::string& name)
+{
+    const auto found = params.Find(name);
+    return found.IsEmpty() ? nullptr : &(*found.begin())->value;
+}
+
+void NodeRuleEngine::RunLogicExpression(const NodeRule& rule, const ParamIndex& params)
+{
+    const std::string expression = rule.GetLogicExpression().GetExpress();
+    const std::string ret = rule.GetLogicExpression().GetRet();
+    if (rule.GetLogicExpression().GetType().empty() || ret.empty() || expression.empty()) {
+        return;
+    }
+    const Formula formula(
+        expression, [&params](const std::string& name) { return GetExpressNodeValue(params, name); });
+    if (formula.IsEmpty()) {
+        return;
+    }
+    const auto outcome = formula.Calculate(GetObserver() != nullptr);
+    if (GetObserver() != nullptr) {
+        GetObserver()->OnFormula({expression, outcome.grouping, outcome.result, ret});
+    }
+    SetExpressNodeValue(params, ret, outcome.result);
+}
+
+bool NodeRuleEngine::CheckConditions(const NodeRule& rule)
+{
+    NoteReason(Reason::NO_CONDITION);
+    for (const auto& logic : rule.GetConditionList()) {
+        if (logic == nullptr) {
+            return Decide(Reason::NO_CONDITION, false);
+        }
+        // The first of a known kind decides alone, even when it does not hold: rule files order them for that.
+        if (logic->GetType() == SINGLE_LOGIC) {
+            const bool holds = IsFaultForSingleNodeRule(rule.GetParamMap(), *logic);
+            return Decide(holds ? Reason::CONDITION_MET : Reason::CONDITION_NOT_MET, holds);
+        }
+        if (logic->GetType() == MULTIPLE_LOGIC) {
+            const bool holds = IsFaultForMultipleNodeRule(rule.GetParamMap(), *logic);
+            return Decide(holds ? Reason::CONDITION_MET : Reason::CONDITION_NOT_MET, holds);
+        }
+        NoteReason(Reason::UNKNOWN_CONDITION);
+    }
+    return false;
+}
+
+// Any parameter of the rule may hit: the condition's own parameter id is not asked. Rule files see to it that only the
+// meant one has a type that fits.
+bool NodeRuleEngine::IsFaultForSingleNodeRule(const ParamMap& params, const OrLogic& logic)
+{
+    for (const auto& [id, param] : params) {
+        if (param == nullptr) {
+            continue;
+        }
+        if (CompareParam(*param, logic.GetLogic(), logic.GetValue(), param->value)) {
+            return true;
+        }
+        mIsValueMissing = mIsValueMissing || param->value.empty();
+    }
+    return false;
+}
+
+bool NodeRuleEngine::IsFaultForMultipleNodeRule(const ParamMap& params, const OrLogic& logic)
+{
+    const ParamIndex paramsById(params, &Param::id);
+    for (const auto& item : logic.GetLogicItemList()) {
+        if (item != nullptr) {
+            item->SetResult(IsFaultForNodeRuleItem(paramsById, *item));
+        }
+    }
+    return logic.CheckAndListResult();
+}
+
+// Unlike a single condition, an item looks at the parameters with its own id alone.
+bool NodeRuleEngine::IsFaultForNodeRuleItem(const ParamIndex& params, const OrLogic::LogicItem& item)
+{
+    const auto found = params.Find(item.GetParamId());
+    mIsValueMissing = mIsValueMissing || found.IsEmpty();
+    for (const Param* param : found) {
+        if (CompareParam(*param, item.GetLogic(), item.GetValue(), param->value)) {
+            return true;
+        }
+        mIsValueMissing = mIsValueMissing || param->value.empty();
+    }
+    return false;
+}

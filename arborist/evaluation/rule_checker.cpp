@@ -1,0 +1,93 @@
+#include "arborist/evaluation/rule_checker.h"
+
+#include "arborist/model/condition.h"
+#include "arborist/utilities/string_util.h"
+
+namespace {
+
+template <typename Number>
+bool Holds(const std::string& logic, Number configured, Number observed)
+{
+    if (logic == RuleChecker::LOGIC_GT) {
+        return observed > configured;
+    }
+    if (logic == RuleChecker::LOGIC_LT) {
+        return observed < configured;
+    }
+    if (logic == RuleChecker::LOGIC_LE) {
+        return observed <= configured;
+    }
+    if (logic == RuleChecker::LOGIC_GE) {
+        return observed >= configured;
+    }
+    if (logic == RuleChecker::LOGIC_EQ) {
+        return observed == configured;
+    }
+    if (logic == RuleChecker::LOGIC_NE) {
+        return observed != configured;
+    }
+    return false;
+}
+
+bool TextHolds(const std::string& logic, const std::string& configured, const std::string& observed)
+{
+    if (logic == RuleChecker::LOGIC_EQ) {
+        return configured == observed;
+    }
+    return logic == RuleChecker::LOGIC_NE && configured != observed;
+}
+
+} // namespace
+
+bool RuleChecker::IsFaultForParam(const std::string& logic, const std::string& type, const std::string& configured,
+                                  const std::string& observed) const
+{
+    if (logic.empty() || type.empty() || configured.empty() || observed.empty()) {
+        return false;
+    }
+    if (type == TYPE_STRING) {
+        return TextHolds(logic, configured, observed);
+    }
+    // "long" compares as 32-bit numbers, too: rule files are written for that.
+    if (type == TYPE_INT || type == TYPE_LONG) {
+        const std::int32_t limit = StringUtil::StringToInt32Def(configured, 0, 10);
+        const std::int32_t value = StringUtil::StringToInt32Def(observed, 0, 10);
+        return CompareValue(logic, limit, value);
+    }
+    if (type == TYPE_FLOAT) {
+        const float limit = StringUtil::StringToFloatDef(configured, 0);
+        const float value = StringUtil::StringToFloatDef(observed, 0);
+        return CompareValue(logic, limit, value);
+    }
+    if (type == TYPE_DOUBLE) {
+        const double limit = StringUtil::StringToDoubleDef(configured, 0);
+        const double value = StringUtil::StringToDoubleDef(observed, 0);
+        return CompareValue(logic, limit, value);
+    }
+    return false;
+}
+
+bool RuleChecker::CompareParam(const Param& param, const std::string& logic, const std::string& configured,
+                               const std::string& observed, std::string_view source) const
+{
+    const bool holds = IsFaultForParam(logic, param.type, configured, observed);
+    if (mObserver != nullptr) {
+        mObserver->OnComparison({param.id, param.key, param.type, logic, observed, configured, source, holds});
+    }
+    return holds;
+}
+
+bool RuleChecker::CompareValue(const std::string& logic, std::int32_t configured, std::int32_t observed)
+{
+    return Holds(logic, configured, observed);
+}
+
+bool RuleChecker::CompareValue(const std::string& logic, float configured, float observed)
+{
+    return Holds(logic, configured, observed);
+}
+
+bool RuleChecker::CompareValue(const std::string& logic, double configured, double observed)
+{
+    return Holds(logic, configured, observed);
+}
