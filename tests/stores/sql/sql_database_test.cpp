@@ -1,0 +1,109 @@
+#include "arborist/stores/sql/sql_database.h"
+
+#include <gmock/gmock.h>
+
+#include "arborist/frame/log.h"
+#include "arborist/stores/sql/sql_operator.h"
+#include "tests/support/log_capture.h"
+#include "tests/support/temp_dir.h"
+
+namespace FT::sql {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class SqlDatabaseTest : public testing::Test {
+protected:
+    TempDir mDir;
+    LogCapture mLog;
+    SqlDatabase mDatabase;
+};
+
+TEST_F(SqlDatabaseTest, IsClosedUntilItIsOpenedAndAfterClose)
+{
+    EXPECT_FALSE(mDatabase.IsOpen());
+    EXPECT_EQ(mDatabase.GetHandle().connection, nullptr);
+    EXPECT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    EXPECT_TRUE(mDatabase.IsOpen());
+    mDatabase.Close();
+    EXPECT_FALSE(mDatabase.IsOpen());
+    EXPECT_EQ(mDatabase.GetHandle().connection, nullptr);
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
+TEST_F(SqlDatabaseTest, FailedOpenSaysWhyAndKeepsItsConnectionUntilClose)
+{
+    EXPECT_FALSE(mDatabase.Open(mDir.Path("no/such/a.db")));
+    EXPECT_FALSE(mDatabase.IsOpen());
+    EXPECT_NE(mDatabase.GetHandle().connection, nullptr);
+    EXPECT_THAT(mLog.Lines(LEVEL_INFO), ElementsAre("FUNc:FT::sql::SqlDatabase::Open: open db:" +
+        mDir.Path("no/such/a.db") + " failed, error msg is :unable to open database file"));
+    mDatabase.Close();
+    EXPECT_EQ(mDatabase.GetHandle().connection, nullptr);
+    EXPECT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+}
+
+TEST_F(SqlDatabaseTest, FileThatIsNoDatabaseOpensWithTwoComplaints)
+{
+    const std::string path = mDir.Write("text.db", std::string(1000, 'x'));
+    EXPECT_TRUE(mDatabase.Open(path));
+    EXPECT_THAT(mLog.Lines(LEVEL_ERROR), ElementsAre(
+        "FUNc:FT::sql::SqlDatabase::Open: Failed(26) to set cache size by " + path,
+        "FUNc:FT::sql::SqlDatabase::Open: Failed(26) to set synchronous by " + path));
+}
+
+TEST_F(SqlDatabaseTest, OpeningAgainLeavesTheFirstFile)
+{
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    const Sqlite3Db* const handle = &mDatabase.GetHandle();
+    SqlOperator statement(*handle);
+    ASSERT_TRUE(statement.ExecuteNoCallback("create table t (a)"));
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("b.db")));
+    EXPECT_EQ(&mDatabase.GetHandle(), handle);
+    EXPECT_FALSE(statement.ExecuteNoCallback("insert into t values (1)"));
+}
+
+TEST_F(SqlDatabaseTest, CommittedTransactionLastsAndAnOpenOneIsLost)
+{
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    SqlOperator statement(mDatabase.GetHandle());
+    ASSERT_TRUE(mDatabase.BeginTransaction());
+    ASSERT_TRUE(statement.ExecuteNoCallback("create table kept (a)"));
+    ASSERT_TRUE(mDatabase.CommitTransaction());
+    ASSERT_TRUE(mDatabase.BeginTransaction());
+    ASSERT_TRUE(statement.ExecuteNoCallback("create table lost (a)"));
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    EXPECT_TRUE(statement.ExecuteNoCallback("select * from kept"));
+    EXPECT_FALSE(statement.ExecuteNoCallback("select * from lost"));
+}
+
+TEST_F(SqlDatabaseTest, TransactionsFailInTheLog)
+{
+    EXPECT_FALSE(mDatabase.BeginTransaction());
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    EXPECT_FALSE(mDatabase.CommitTransaction());
+    EXPECT_THAT(mLog.Lines(LEVEL_ERROR), ElementsAre(
+        "FUNc:FT::sql::SqlOperator::ExecuteNoCallback: ExecuteNoCallback db is null",
+        "FUNc:FT::sql::SqlOperator::ExecuteNoCallback: ExecuteNoCallback sql failed: "
+        "cannot commit - no transaction is active"));
+}
+
+TEST_F(SqlDatabaseTest, ConnectionHasTheCacheOfASmallDevice)
+{
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    SqlField field("value", TypeInteger);
+    field.SetIndex(0);
+    const FieldList list{&field};
+    const FieldMap map{{"value", &field}};
+    SqlOperator statement(mDatabase.GetHandle(), &list, &map);
+    ASSERT_TRUE(statement.Execute("PRAGMA cache_size"));
+    EXPECT_EQ(statement.GetTopRecordFirstValue()->AsInteger(), 10);
+    ASSERT_TRUE(statement.Execute("PRAGMA synchronous"));
+    EXPECT_EQ(statement.GetTopRecordFirstValue()->AsInteger(), 1);
+    ASSERT_TRUE(statement.Execute("PRAGMA soft_heap_limit"));
+    EXPECT_EQ(statement.GetTopRecordFirstValue()->AsInteger(), 102400);
+}
+
+} // namespace
+} // namespace FT::sql
