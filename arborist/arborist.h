@@ -7,6 +7,7 @@
 #include "arborist/frame/detection_observer.h"
 #include "arborist/frame/fault_tree_result.h"
 #include "arborist/frame/log.h"
+#include "arborist/frame/repair.h"
 #include "arborist/frame/settings.h"
 
 #endif

@@ -1,0 +1,12 @@
+#ifndef ARBORIST_FRAME_REPAIR_H
+#define ARBORIST_FRAME_REPAIR_H
+
+#include <string>
+
+#include "arborist/arborist_export.h"
+
+/// Records that the repair with this id was carried out now. Later detections don't count events from before it for
+/// the faults that the rule set mends with it. Failure shows in the log only, and leaves the former date.
+ARBORIST_EXPORT void UpdateRepairDb(const std::string& repairId);
+
+#endif
