@@ -9,6 +9,7 @@
 #include <tinyxml2.h>
 
 #include "arborist/frame/log.h"
+#include "arborist/loading/common_part_parser.h"
 #include "arborist/loading/description_parser.h"
 #include "arborist/loading/event_rule_parser.h"
 #include "arborist/loading/rule_parser.h"
@@ -192,7 +193,10 @@ void FaultTreeParser::StartRepairDescriptionParse()
 
 void FaultTreeParser::StartCommonPartParse()
 {
-    // The parser of the common part comes next; until then there is none.
+    CommonPartParser parser;
+    if (parser.Parse(mXmlHelper->GetDocument(), mTreeTag)) {
+        mCombineCommonPart = parser.GetCommonPart();
+    }
 }
 
 void FaultTreeParser::StartRuleParse()
