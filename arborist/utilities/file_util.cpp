@@ -91,7 +91,9 @@ bool FileUtil::FileExists(const std::string& path)
 
 bool FileUtil::FileExistsA(const std::string& path)
 {
-    return Platform::IsOtherThanDirectory(path);
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    return fs::exists(status) && !fs::is_directory(status);
 }
 
 bool FileUtil::IsDirectory(const std::string& path)
@@ -104,6 +106,12 @@ bool FileUtil::IsDirectory(const std::string& path)
         return false;
     }
     return fs::is_directory(status);
+}
+
+bool FileUtil::IsPlainFile(const std::string& path)
+{
+    std::error_code error;
+    return fs::is_regular_file(path, error);
 }
 
 std::uint64_t FileUtil::GetFileSize(const std::string& path)

@@ -19,6 +19,8 @@ bool FileExists(const std::string& path);
 bool FileExistsA(const std::string& path);
 /// A missing path is false without a log line; one that can't be told is false with one.
 bool IsDirectory(const std::string& path);
+/// True for a plain file, links followed: what can be opened and read without waiting for anybody. Logs nothing.
+bool IsPlainFile(const std::string& path);
 /// Size in bytes; 0 when the path doesn't exist or has no size.
 std::uint64_t GetFileSize(const std::string& path);
 

@@ -38,18 +38,6 @@ bool IsMemoryDevice(const struct stat& status)
 
 } // namespace
 
-bool Platform::IsOtherThanDirectory(const std::string& path)
-{
-    struct stat status;
-    return stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
-}
-
-bool Platform::IsRegularFile(const std::string& path)
-{
-    struct stat status;
-    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
-}
-
 void Platform::NameThread(const std::string& name)
 {
 #ifdef __linux__

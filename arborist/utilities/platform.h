@@ -8,11 +8,6 @@
 /// What the operating system is asked for directly; all of it below FileUtil and ZipUtil.
 namespace Platform {
 
-/// True for an existing path that is no directory, links followed.
-bool IsOtherThanDirectory(const std::string& path);
-/// True for a plain file, links followed: what can be opened and read without waiting for anybody.
-bool IsRegularFile(const std::string& path);
-
 /// Names the calling thread; the system may keep the first characters only.
 void NameThread(const std::string& name);
 

@@ -1,0 +1,261 @@
+#include "arborist/utilities/zip_util.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <fstream>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include <minizip/unzip.h>
+#include <minizip/zip.h>
+
+#include "arborist/frame/log.h"
+#include "arborist/utilities/file_util.h"
+
+namespace {
+
+constexpr std::size_t READ_BUFFER_LENGTH = 102400;
+constexpr std::size_t WRITE_BUFFER_LENGTH = 1024;
+constexpr std::size_t ENTRY_NAME_LENGTH = 128; // with the terminator
+constexpr unsigned long BEYOND_4_GIB = 0xFFFFFFFF; // stands for a length that 32 bits don't hold
+constexpr std::size_t END_RECORD_LENGTH = 22;
+constexpr std::size_t MAX_COMMENT_LENGTH = 0xFFFF; // what can follow the end record
+constexpr std::size_t MAX_ADDED_NAME_LENGTH = 0xFFFF; // what the format has room for
+constexpr std::uint16_t DIRECTORY_MODE = 0700;
+constexpr int WITH_PARENT = 1;
+
+struct ArchiveCloser {
+    void operator()(void* archive) const { unzClose(archive); }
+};
+using Archive = std::unique_ptr<void, ArchiveCloser>;
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+// The record that ends an archive and tells its number of entries; empty when the file has none or only a part of it.
+std::string EndRecord(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary | std::ios::ate);
+    const auto size = static_cast<std::size_t>(std::max<std::streamoff>(file.tellg(), 0));
+    std::string end(std::min(size, END_RECORD_LENGTH + MAX_COMMENT_LENGTH), '\0');
+    file.seekg(static_cast<std::streamoff>(size - end.size()));
+    file.read(end.data(), static_cast<std::streamsize>(end.size()));
+    const std::size_t begin = end.rfind("PK\5\6");
+    if (!file || begin == std::string::npos || end.size() - begin < END_RECORD_LENGTH) {
+        return "";
+    }
+    return end.substr(begin, END_RECORD_LENGTH);
+}
+
+bool TellsOfNothing(const std::string& endRecord)
+{
+    constexpr std::size_t SIGNATURE_LENGTH = 4;
+    return endRecord.find_first_not_of('\0', SIGNATURE_LENGTH) == std::string::npos;
+}
+
+bool HasParentElement(std::string_view path)
+{
+    constexpr char SEPARATORS[] = "/\\";
+    for (std::size_t begin = 0;;) {
+        const std::size_t end = path.find_first_of(SEPARATORS, begin);
+        if (path.substr(begin, end - begin) == "..") {
+            return true;
+        }
+        if (end == std::string_view::npos) {
+            return false;
+        }
+        begin = end + 1;
+    }
+}
+
+// Tells whether a name, put behind the target as it is, names something outside.
+bool LeadsOut(const std::string& target, std::string_view name)
+{
+    if (HasParentElement(name)) {
+        return true;
+    }
+#ifdef _WIN32
+    if (name.find(':') != std::string_view::npos || name.find_first_of("/\\") == 0) {
+        return true;
+    }
+#endif
+    // An empty target lets an absolute name stand alone, and one that ends in "." makes ".." of "./x".
+    const std::string lastElement = target.substr(target.rfind('/') + 1);
+    return (target.empty() && name.substr(0, 1) == "/") ||
+        (lastElement == "." && name.substr(0, name.find('/')) == ".");
+}
+
+// Copies the entry that is open. A negative number of bytes read is an error in the archive.
+bool CopyEntry(unzFile archive, std::FILE* file)
+{
+    std::array<char, WRITE_BUFFER_LENGTH> buffer;
+    for (;;) {
+        const int got = unzReadCurrentFile(archive, buffer.data(), static_cast<unsigned int>(buffer.size()));
+        if (got <= 0) {
+            return got == 0;
+        }
+        const auto length = static_cast<std::size_t>(got);
+        if (std::fwrite(buffer.data(), 1, length, file) != length) {
+            return false;
+        }
+    }
+}
+
+// Closes the file by itself: what was held back until then can still find the disk full.
+bool CopyEntryTo(unzFile archive, const std::string& path)
+{
+    File file(std::fopen(path.c_str(), "wb"));
+    return file != nullptr && CopyEntry(archive, file.get()) && std::fclose(file.release()) == 0;
+}
+
+bool ExtractFile(unzFile archive, const std::string& path)
+{
+    if (unzOpenCurrentFile(archive) != UNZ_OK) {
+        return false;
+    }
+    const bool copied = CopyEntryTo(archive, path);
+    unzCloseCurrentFile(archive);
+    return copied;
+}
+
+bool ExtractEntry(unzFile archive, const std::string& target)
+{
+    std::array<char, ENTRY_NAME_LENGTH> name{};
+    unz_file_info info{};
+    if (unzGetCurrentFileInfo(archive, &info, name.data(), name.size(), nullptr, 0, nullptr, 0) != UNZ_OK ||
+        info.size_filename >= name.size()) {
+        return false;
+    }
+    if (LeadsOut(target, name.data())) {
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_ERROR, "FUNc:%s: entry %s leads out of the target.", "ZipUtil::UnZipFile", name.data());
+        return false;
+    }
+    const std::string path = target + name.data();
+    if (std::string_view(name.data()).ends_with('/')) {
+        FileUtil::ForceCreateDirectory(path, DIRECTORY_MODE);
+        return true;
+    }
+    // The archive library hands out no more than the length that the archive tells, so that this need not be seen
+    // while the disk fills.
+    return info.uncompressed_size < BEYOND_4_GIB && ExtractFile(archive, path);
+}
+
+bool StartsWith(const std::string& text, std::string_view start)
+{
+    return text.compare(0, start.size(), start) == 0;
+}
+
+std::FILE* OpenByDefault(const std::string& source)
+{
+    // By design: what the vendor keeps there is not for archives.
+    if (StartsWith(source, "/data/vendor/") || StartsWith(source, "data/vendor/")) {
+        return nullptr;
+    }
+    std::string realPath;
+    if (!FileUtil::PathToRealPath(source, realPath) || !FileUtil::IsPlainFile(realPath)) {
+        return nullptr;
+    }
+    return std::fopen(realPath.c_str(), "rb");
+}
+
+std::string NameInArchive(const std::string& source, int mode, const std::string& entryName)
+{
+    std::string path = source;
+    FileUtil::FormatPath2UnixStyle(path);
+    std::string name = source;
+    std::string parent = "/";
+    const std::size_t separator = path.rfind('/');
+    if (separator != std::string::npos && separator + 1 != path.size()) {
+        name = path.substr(separator + 1);
+        parent = FileUtil::ExtractFileName(path.substr(0, separator)) + "/";
+    }
+    if (!entryName.empty()) {
+        name = entryName;
+    }
+    return mode == WITH_PARENT ? parent + name : name;
+}
+
+void CopyInto(zipFile archive, std::FILE* file)
+{
+    std::vector<char> buffer(READ_BUFFER_LENGTH);
+    while (std::feof(file) == 0 && std::ferror(file) == 0) {
+        const std::size_t got = std::fread(buffer.data(), 1, buffer.size(), file);
+        if (zipWriteInFileInZip(archive, buffer.data(), static_cast<unsigned int>(got)) != ZIP_OK) {
+            return;
+        }
+    }
+}
+
+} // namespace
+
+bool ZipUtil::UnZipFile(const std::string& archive, const std::string& target)
+{
+    // Asked first: opening a pipe would wait for somebody to write.
+    if (!FileUtil::IsPlainFile(archive)) {
+        return false;
+    }
+    // An end record that is cut off would pass for one that tells of no entries.
+    const std::string endRecord = EndRecord(archive);
+    if (endRecord.empty()) {
+        return false;
+    }
+    // An archive without entries is its end record and nothing else; the archive library doesn't open it.
+    if (TellsOfNothing(endRecord) && FileUtil::GetFileSize(archive) == END_RECORD_LENGTH) {
+        return true;
+    }
+    const Archive opened(unzOpen(archive.c_str()));
+    if (opened == nullptr) {
+        return false;
+    }
+    unz_global_info content{};
+    if (unzGetGlobalInfo(opened.get(), &content) != UNZ_OK) {
+        return false;
+    }
+    for (unsigned long entry = 0; entry < content.number_entry; ++entry) {
+        if (entry != 0 && unzGoToNextFile(opened.get()) != UNZ_OK) {
+            return false;
+        }
+        if (!ExtractEntry(opened.get(), target)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+ZipUtil::Handle ZipUtil::CreateZipFile(const std::string& path)
+{
+    return zipOpen(path.c_str(), APPEND_STATUS_CREATE);
+}
+
+bool ZipUtil::AddFileInZip(
+    Handle archive, const std::string& source, int mode, const std::string& entryName, const FileOpener& opener)
+{
+    const std::string name = NameInArchive(source, mode, entryName);
+    errno = 0;
+    const File file(opener ? opener(source) : OpenByDefault(source));
+    if (file == nullptr) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: get file %s handle failed by %s, errno is %d.",
+            "ZipUtil::AddFileInZip", source.c_str(), opener ? "customize" : "default", errno);
+        return false;
+    }
+    // From here on nothing is reported: the archive may lack the file, and the answer is true all the same.
+    const zip_fileinfo info{};
+    if (name.size() <= MAX_ADDED_NAME_LENGTH &&
+        zipOpenNewFileInZip(archive, name.c_str(), &info, nullptr, 0, nullptr, 0, nullptr, Z_DEFLATED,
+            Z_DEFAULT_COMPRESSION) == ZIP_OK) {
+        CopyInto(archive, file.get());
+        zipCloseFileInZip(archive);
+    }
+    return true;
+}
+
+void ZipUtil::CloseZipFile(Handle archive)
+{
+    zipClose(archive, nullptr);
+}

@@ -1,0 +1,56 @@
+#include "arborist/utilities/device_paths.h"
+
+#include <gtest/gtest.h>
+
+#include "arborist/frame/settings.h"
+#include "tests/support/settings_guard.h"
+
+namespace {
+
+class DevicePathsTest : public testing::Test {
+protected:
+    SettingsGuard mSettings;
+};
+
+TEST_F(DevicePathsTest, StandBelowTheDefaultRoot)
+{
+    EXPECT_EQ(DevicePaths::EventLog(), "/var/lib/arborist/Comms/Lumbra/workDir/0/log.db");
+    EXPECT_EQ(DevicePaths::DerivedDatabase(),
+        "/var/lib/arborist/Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db");
+    EXPECT_EQ(DevicePaths::RepairDatabase(),
+        "/var/lib/arborist/Comms/Lumbra/zxdetectrepair/databases/repair_record.db");
+}
+
+TEST_F(DevicePathsTest, FollowTheSettingAtEachCall)
+{
+    mSettings.Set(Settings::PROGRAM_DATA_DIR, "programdata");
+    EXPECT_EQ(DevicePaths::EventLog(), "programdata/Comms/Lumbra/workDir/0/log.db");
+    mSettings.Set(Settings::PROGRAM_DATA_DIR, "/other");
+    EXPECT_EQ(DevicePaths::DerivedDatabase(), "/other/Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db");
+    EXPECT_EQ(DevicePaths::RepairDatabase(), "/other/Comms/Lumbra/zxdetectrepair/databases/repair_record.db");
+}
+
+TEST_F(DevicePathsTest, PathOnTheDeviceIsAsItIsWithoutARoot)
+{
+    EXPECT_EQ(DevicePaths::OnDevice("/proc/../x"), "/proc/../x");
+    EXPECT_EQ(DevicePaths::OnDevice("x"), "x");
+    EXPECT_EQ(DevicePaths::OnDevice(""), "");
+}
+
+TEST_F(DevicePathsTest, AbsolutePathStandsBelowTheRootOfTheDevice)
+{
+    mSettings.Set(Settings::DEVICE_ROOT_DIR, "captured/root");
+    EXPECT_EQ(DevicePaths::OnDevice("/proc/loadavg"), "captured/root/proc/loadavg");
+    EXPECT_EQ(DevicePaths::OnDevice("proc/loadavg"), "proc/loadavg");
+    EXPECT_EQ(DevicePaths::OnDevice(""), "");
+}
+
+TEST_F(DevicePathsTest, ParentElementsDoNotLeaveTheRootOfTheDevice)
+{
+    mSettings.Set(Settings::DEVICE_ROOT_DIR, "root");
+    EXPECT_EQ(DevicePaths::OnDevice("/../../etc/hostname"), "root/etc/hostname");
+    EXPECT_EQ(DevicePaths::OnDevice("/a/../../b"), "root/b");
+    EXPECT_EQ(DevicePaths::OnDevice("/a/b..c"), "root/a/b..c");
+}
+
+} // namespace
