@@ -4,7 +4,16 @@
 
 #include "arborist/frame/log.h"
 #include "arborist/model/gate.h"
-#include "arborist/utilities/string_util.h"
+
+namespace {
+
+std::string WithoutSpacesAtEnds(const std::string& text)
+{
+    const std::size_t first = text.find_first_not_of(' ');
+    return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+} // namespace
 
 void Event::Check() {}
 
@@ -12,7 +21,7 @@ void Event::Reset() {}
 
 void Event::SetId(const std::string& id)
 {
-    mId = StringUtil::TrimSP(id);
+    mId = WithoutSpacesAtEnds(id);
 }
 
 void Event::SetValue(std::string value)
