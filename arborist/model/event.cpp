@@ -4,16 +4,7 @@
 
 #include "arborist/frame/log.h"
 #include "arborist/model/gate.h"
-
-namespace {
-
-std::string WithoutSpacesAtEnds(const std::string& text)
-{
-    const std::size_t first = text.find_first_not_of(' ');
-    return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
-} // namespace
+#include "arborist/utilities/string_util.h"
 
 void Event::Check() {}
 
@@ -21,7 +12,7 @@ void Event::Reset() {}
 
 void Event::SetId(const std::string& id)
 {
-    mId = WithoutSpacesAtEnds(id);
+    mId = StringUtil::TrimSP(id);
 }
 
 void Event::SetValue(std::string value)

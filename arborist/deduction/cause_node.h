@@ -1,0 +1,44 @@
+#ifndef ARBORIST_DEDUCTION_CAUSE_NODE_H
+#define ARBORIST_DEDUCTION_CAUSE_NODE_H
+
+#include <memory>
+#include <string>
+#include <vector>
+
+class Event;
+
+/// A node of the mirror that RootCauseLocator makes of a fault tree: an event with its parent and its path.
+///
+/// Lives under shared ownership. A node owns its children; the way back is not owning, so GetParent answers as long as
+/// somebody holds the top node.
+class CauseNode : public std::enable_shared_from_this<CauseNode> {
+public:
+    /// `event` is not null.
+    explicit CauseNode(std::shared_ptr<Event> event);
+
+    /// Appends `child`, makes this node its parent and puts this node's path before the child's. So a node must have
+    /// its parent before it gets children. A null child is ignored.
+    void AddChild(const std::shared_ptr<CauseNode>& child);
+    void SetParent(const std::shared_ptr<CauseNode>& parent);
+
+    /// Null at the top.
+    std::shared_ptr<CauseNode> GetParent() const { return mParent.lock(); }
+    const std::shared_ptr<Event>& GetEvent() const { return mEvent; }
+    /// The ids from the top down to this node, joined by "/".
+    const std::string& GetPath() const { return mXpath; }
+    const std::vector<std::shared_ptr<CauseNode>>& GetChildren() const { return mChildren; }
+    bool IsHasChildren() const { return !mChildren.empty(); }
+    /// The leaves below, or the node itself when it is one, in order.
+    std::vector<std::shared_ptr<CauseNode>> GetAllChildNodes();
+
+private:
+    void SetXpath(const std::shared_ptr<CauseNode>& parent);
+    void GetAllNode(std::vector<std::shared_ptr<CauseNode>>& leaves);
+
+    std::weak_ptr<CauseNode> mParent;
+    std::shared_ptr<Event> mEvent;
+    std::vector<std::shared_ptr<CauseNode>> mChildren;
+    std::string mXpath;
+};
+
+#endif

@@ -1,0 +1,33 @@
+#ifndef ARBORIST_DEDUCTION_ERROR_IDS_H
+#define ARBORIST_DEDUCTION_ERROR_IDS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+class Event;
+
+/// Tells whether the paths of the events below one gate are their own. Keeps its memory from gate to gate.
+class ErrorIds {
+public:
+    using Events = std::vector<std::shared_ptr<Event>>;
+
+    /// Whether no id of `events` holds a "/" or "&", and none of those in error has an id that another one has, too.
+    /// `errorCount` is the number of those in error.
+    bool AreUnambiguous(const Events& events, std::size_t errorCount);
+
+private:
+    bool AreUniqueAmongMany(const Events& events, std::size_t errorCount);
+    bool Add(const std::string& id);
+    bool Holds(const std::string& id) const;
+
+    /// A bit for every id in mIds, so that most others are told apart without looking further.
+    std::vector<bool> mBits;
+    std::unordered_set<std::string_view> mIds;
+};
+
+#endif

@@ -1,0 +1,126 @@
+#include "arborist/deduction/error_walk.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "arborist/model/event.h"
+#include "arborist/model/gate.h"
+
+namespace {
+
+bool IsInError(const std::shared_ptr<Event>& event)
+{
+    return IsError(event->GetResult());
+}
+
+// Whether the plain expansion has no combination for `event`, whatever the statuses.
+bool IsEmpty(const Event& event)
+{
+    const IntermediateEvent* intermediate = event.AsIntermediate();
+    if (intermediate == nullptr) {
+        return false;
+    }
+    const Gate* gate = intermediate->GetGate().get();
+    if (gate == nullptr || gate->GetEvents().empty()) {
+        return true;
+    }
+    const auto& events = gate->GetEvents();
+    if (gate->GetKind() == GateKind::OR) {
+        return std::all_of(events.begin(), events.end(), [](const auto& child) { return IsEmpty(*child); });
+    }
+    // An empty branch empties an AND gate, and what stands behind it starts afresh: the last one decides.
+    return IsEmpty(*events.back());
+}
+
+} // namespace
+
+bool ErrorWalk::Walk(const std::shared_ptr<Event>& top, SurvivingTree& tree)
+{
+    ErrorWalk walk(tree);
+    Index branch = SurvivingTree::NONE;
+    if (walk.Enter(top, SurvivingTree::NONE, branch) == Outcome::ALIVE) {
+        tree.SetTop(branch);
+    }
+    return !walk.mIsAmbiguous;
+}
+
+// `event` is in error, and so is all above it.
+ErrorWalk::Outcome ErrorWalk::Enter(const std::shared_ptr<Event>& event, Index parent, Index& branch)
+{
+    const SurvivingTree::Mark mark = mTree.GetMark();
+    const Index place = mTree.AddPlace(event, parent);
+    const IntermediateEvent* intermediate = event->AsIntermediate();
+    if (intermediate == nullptr) {
+        branch = mTree.AddLeaf(place);
+        return Outcome::ALIVE;
+    }
+    const Gate* gate = intermediate->GetGate().get();
+    const Outcome outcome = gate == nullptr ? Outcome::EMPTY : EnterGate(*gate, place, branch);
+    if (outcome != Outcome::ALIVE) {
+        mTree.Rewind(mark);
+    }
+    return outcome;
+}
+
+ErrorWalk::Outcome ErrorWalk::EnterGate(const Gate& gate, Index place, Index& branch)
+{
+    const auto& events = gate.GetEvents();
+    const auto errorCount = static_cast<std::size_t>(std::count_if(events.begin(), events.end(), IsInError));
+    // With nothing in error below, whatever the ids there lead to is cut as well.
+    if (errorCount != 0 && !mErrorIds.AreUnambiguous(events, errorCount)) {
+        mIsAmbiguous = true;
+        return Outcome::DEAD;
+    }
+    return gate.GetKind() == GateKind::OR ? EnterOr(gate, place, branch) : EnterAnd(gate, place, branch);
+}
+
+ErrorWalk::Outcome ErrorWalk::EnterOr(const Gate& gate, Index place, Index& branch)
+{
+    const auto& events = gate.GetEvents();
+    Index first = SurvivingTree::NONE;
+    bool isEmpty = true;
+    for (auto event = events.rbegin(); event != events.rend() && !mIsAmbiguous; ++event) {
+        if (!IsInError(*event)) {
+            isEmpty = isEmpty && IsEmpty(**event);
+            continue;
+        }
+        Index child = SurvivingTree::NONE;
+        const Outcome outcome = Enter(*event, place, child);
+        isEmpty = isEmpty && outcome == Outcome::EMPTY;
+        if (outcome == Outcome::ALIVE) {
+            mTree.Chain(child, first);
+            first = child;
+        }
+    }
+    if (first == SurvivingTree::NONE) {
+        return isEmpty ? Outcome::EMPTY : Outcome::DEAD;
+    }
+    branch = mTree.AddGate(SurvivingTree::BranchKind::OR, first);
+    return Outcome::ALIVE;
+}
+
+// From the last event backwards: an empty branch ends the combinations of all that stands before it.
+ErrorWalk::Outcome ErrorWalk::EnterAnd(const Gate& gate, Index place, Index& branch)
+{
+    const auto& events = gate.GetEvents();
+    Index first = SurvivingTree::NONE;
+    for (auto event = events.rbegin(); event != events.rend() && !mIsAmbiguous; ++event) {
+        Index child = SurvivingTree::NONE;
+        const Outcome outcome = IsInError(*event) ? Enter(*event, place, child)
+            : IsEmpty(**event)                    ? Outcome::EMPTY
+                                                  : Outcome::DEAD;
+        if (outcome == Outcome::DEAD) {
+            return Outcome::DEAD;
+        }
+        if (outcome == Outcome::EMPTY) {
+            break;
+        }
+        mTree.Chain(child, first);
+        first = child;
+    }
+    if (first == SurvivingTree::NONE) {
+        return Outcome::EMPTY;
+    }
+    branch = mTree.AddGate(SurvivingTree::BranchKind::AND, first);
+    return Outcome::ALIVE;
+}

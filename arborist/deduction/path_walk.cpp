@@ -1,0 +1,154 @@
+#include "arborist/deduction/path_walk.h"
+
+#include <algorithm>
+#include <string>
+
+#include "arborist/model/event.h"
+#include "arborist/model/gate.h"
+#include "arborist/utilities/string_util.h"
+
+namespace {
+
+constexpr char PATH_SEPARATOR[] = "/";
+constexpr char MEMBER_SEPARATOR[] = "&";
+
+// FNV-1a: the hash of a path goes on from that of the path above.
+constexpr std::uint64_t HASH_START = 0xCBF29CE484222325ULL;
+
+std::uint64_t HashOn(std::uint64_t hash, std::string_view text)
+{
+    for (const char letter : text) {
+        hash = (hash ^ static_cast<unsigned char>(letter)) * 0x100000001B3ULL;
+    }
+    return hash;
+}
+
+const Gate* GateOf(const Event& event)
+{
+    const IntermediateEvent* intermediate = event.AsIntermediate();
+    return intermediate == nullptr ? nullptr : intermediate->GetGate().get();
+}
+
+} // namespace
+
+void PathWalk::Walk(const std::shared_ptr<Event>& top, SurvivingTree& tree)
+{
+    PathWalk walk(tree);
+    walk.AddPlaces(top, SurvivingTree::NONE);
+    walk.IndexPaths();
+    Index branch = SurvivingTree::NONE;
+    if (walk.Enter(0, branch) == Outcome::ALIVE) {
+        tree.SetTop(branch);
+    }
+}
+
+void PathWalk::AddPlaces(const std::shared_ptr<Event>& event, Index parent)
+{
+    const std::string& id = event->GetId();
+    Facts facts{HashOn(HASH_START, id), 0, IsError(event->GetResult())};
+    if (parent != SurvivingTree::NONE) {
+        facts.pathHash = HashOn(HashOn(mFacts[parent].pathHash, PATH_SEPARATOR), id);
+        facts.isErrorToTop = facts.isErrorToTop && mFacts[parent].isErrorToTop;
+    }
+    const Index place = mTree.AddPlace(event, parent);
+    mFacts.push_back(facts);
+    if (const Gate* gate = GateOf(*event)) {
+        for (const auto& child : gate->GetEvents()) {
+            AddPlaces(child, place);
+        }
+    }
+    mFacts[place].end = static_cast<Index>(mFacts.size());
+}
+
+// Leaf by leaf, each with its way up: the first one with a path is the one that the path leads to.
+void PathWalk::IndexPaths()
+{
+    std::vector<bool> isIndexed(mFacts.size());
+    for (Index place = 0; place < mFacts.size(); ++place) {
+        if (mFacts[place].end != place + 1) {
+            continue;
+        }
+        for (Index above = place; above != SurvivingTree::NONE && !isIndexed[above];
+             above = mTree.GetPlaces()[above].parent) {
+            isIndexed[above] = true;
+            IndexPath(above);
+        }
+    }
+}
+
+void PathWalk::IndexPath(Index place)
+{
+    const std::uint64_t hash = mFacts[place].pathHash;
+    if (mPlaceOfPath.count(hash) == 0 || Find(mTree.GetPath(place), hash) == SurvivingTree::NONE) {
+        mPlaceOfPath.emplace(hash, place);
+    }
+}
+
+SurvivingTree::Index PathWalk::Find(std::string_view path, std::uint64_t hash) const
+{
+    const auto [begin, end] = mPlaceOfPath.equal_range(hash);
+    const auto found = std::find_if(begin, end, [&](const auto& entry) { return mTree.GetPath(entry.second) == path; });
+    return found == end ? SurvivingTree::NONE : found->second;
+}
+
+PathWalk::Outcome PathWalk::Enter(Index place, Index& branch)
+{
+    const Event& event = **mTree.GetPlaces()[place].event;
+    if (event.GetKind() != EventKind::INTERMEDIATE) {
+        return EnterLeaf(place, branch);
+    }
+    const Gate* gate = GateOf(event);
+    if (gate == nullptr) {
+        return Outcome::EMPTY;
+    }
+    return EnterGate(place,
+                     gate->GetKind() == GateKind::OR ? SurvivingTree::BranchKind::OR : SurvivingTree::BranchKind::AND,
+                     branch);
+}
+
+PathWalk::Outcome PathWalk::EnterLeaf(Index place, Index& branch)
+{
+    std::vector<Index> members;
+    for (const auto& member : StringUtil::Split(mTree.GetPath(place), MEMBER_SEPARATOR)) {
+        const Index found = Find(member, HashOn(HASH_START, member));
+        if (found == SurvivingTree::NONE || !mFacts[found].isErrorToTop) {
+            return Outcome::DEAD;
+        }
+        members.push_back(found);
+    }
+    branch = mTree.AddLeaf(members);
+    return Outcome::ALIVE;
+}
+
+PathWalk::Outcome PathWalk::EnterGate(Index place, SurvivingTree::BranchKind kind, Index& branch)
+{
+    Outcome outcome = Outcome::EMPTY;
+    Index first = SurvivingTree::NONE;
+    Index last = SurvivingTree::NONE;
+    for (Index child = place + 1; child != mFacts[place].end; child = mFacts[child].end) {
+        Index below = SurvivingTree::NONE;
+        const Outcome ofChild = Enter(child, below);
+        if (kind == SurvivingTree::BranchKind::OR) {
+            outcome = std::max(outcome, ofChild);
+        } else if (outcome == Outcome::EMPTY) {
+            // At the start, and behind an empty branch, which empties the result: the combinations start afresh.
+            outcome = ofChild;
+            first = SurvivingTree::NONE;
+        } else {
+            outcome = std::min(outcome, ofChild);
+        }
+        if (below == SurvivingTree::NONE) {
+            continue;
+        }
+        if (first == SurvivingTree::NONE) {
+            first = below;
+        } else {
+            mTree.Chain(last, below);
+        }
+        last = below;
+    }
+    if (outcome == Outcome::ALIVE) {
+        branch = mTree.AddGate(kind, first);
+    }
+    return outcome;
+}

@@ -1,0 +1,31 @@
+#ifndef ARBORIST_DEDUCTION_ROOT_CAUSE_H
+#define ARBORIST_DEDUCTION_ROOT_CAUSE_H
+
+#include <memory>
+#include <string>
+#include <vector>
+
+class Event;
+
+/// One explanation of a fault: the members of a cut set and all events above them, leaf first.
+///
+/// Shares ownership of its events. Events and ids run side by side.
+class RootCause {
+public:
+    virtual ~RootCause() = default;
+
+    void AddEvent(std::shared_ptr<Event> event);
+    void AddPath(std::string id);
+
+    const std::vector<std::shared_ptr<Event>>& GetLeaf() const { return mLeaf; }
+    /// The ids of the events, each once; no paths, whatever the name says.
+    const std::vector<std::string>& GetPaths() const { return mPaths; }
+    void SetLeaf(std::vector<std::shared_ptr<Event>> leaf);
+    void SetPaths(std::vector<std::string> paths);
+
+private:
+    std::vector<std::shared_ptr<Event>> mLeaf;
+    std::vector<std::string> mPaths;
+};
+
+#endif

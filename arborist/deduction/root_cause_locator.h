@@ -1,0 +1,43 @@
+#ifndef ARBORIST_DEDUCTION_ROOT_CAUSE_LOCATOR_H
+#define ARBORIST_DEDUCTION_ROOT_CAUSE_LOCATOR_H
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "arborist/deduction/minimal_cutset_parser.h"
+
+class CauseNode;
+class Event;
+class FaultTree;
+class RootCause;
+
+/// Decides which cut sets explain the fault: those whose members, and all events above them, are in error.
+///
+/// Without state. Looks every member up by its path through all leaves, so its time is cut sets times tree; a
+/// detection takes the way of RootCauseSearch, and this is what its answers are held against.
+class RootCauseLocator {
+public:
+    /// One root cause for each cut set that qualifies, in order. Empty, in silence, for a tree without a top event.
+    std::vector<std::shared_ptr<RootCause>> FindRootCause(const FaultTree& tree, const MinimalCutSet& cutSets);
+
+    /// The mirror of the tree below `event`, which is not null.
+    std::shared_ptr<CauseNode> ParseEvent(const std::shared_ptr<Event>& event);
+
+private:
+    friend class RootCauseLocatorTest;
+    using RootCauses = std::vector<std::shared_ptr<RootCause>>;
+    using DepthOfPath = std::map<std::string, int>;
+
+    std::shared_ptr<CauseNode> ParseEvent(const std::shared_ptr<Event>& event, const std::shared_ptr<CauseNode>& node);
+    std::shared_ptr<CauseNode> GetChildNodeByXpath(const std::shared_ptr<CauseNode>& top, const std::string& path);
+    bool IsRootCause(const std::shared_ptr<CauseNode>& node);
+    int IsParentError(const std::string& path, const std::shared_ptr<CauseNode>& top, DepthOfPath& depths);
+    std::shared_ptr<RootCause> AddEvent(const std::shared_ptr<RootCause>& rootCause,
+                                        const std::shared_ptr<CauseNode>& node);
+    void FindChildRootCause(const std::shared_ptr<CauseNode>& top, RootCauses& result, const DepthOfPath& depths,
+                            std::vector<std::string>& usedPaths, int depth);
+};
+
+#endif

@@ -1,0 +1,220 @@
+#include "arborist/deduction/root_cause_search.h"
+
+#include <cstddef>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+#include "arborist/deduction/error_walk.h"
+#include "arborist/deduction/path_walk.h"
+#include "arborist/deduction/root_cause.h"
+#include "arborist/deduction/surviving_tree.h"
+#include "arborist/model/event.h"
+#include "arborist/model/fault_tree.h"
+
+namespace {
+
+using Index = SurvivingTree::Index;
+
+// Every combination of a surviving tree, in the order of expansion. Combinations share what they have in common: one
+// is a leaf or joins two others.
+class Combinations {
+public:
+    explicit Combinations(const SurvivingTree& tree) : mTree(tree) { Append(tree.GetTop(), mAll); }
+
+    std::size_t Count() const { return mAll.size(); }
+
+    /// The places of all members of one combination, in order.
+    void ListMembers(std::size_t combination, std::vector<Index>& members)
+    {
+        members.clear();
+        mToVisit.assign(1, mAll[combination]);
+        while (!mToVisit.empty()) {
+            const Combination next = mToVisit.back();
+            mToVisit.pop_back();
+            if (IsJoin(next)) {
+                mToVisit.push_back(mJoins[next / 2].second);
+                mToVisit.push_back(mJoins[next / 2].first);
+                continue;
+            }
+            const SurvivingTree::Branch& leaf = mTree.GetBranch(static_cast<Index>(next / 2));
+            for (Index member = 0; member < leaf.memberCount; ++member) {
+                members.push_back(mTree.GetMember(std::size_t{leaf.first} + member));
+            }
+        }
+    }
+
+private:
+    // Twice the index of a leaf's branch, or twice the index of a join and one more.
+    using Combination = std::size_t;
+
+    static bool IsJoin(Combination combination) { return combination % 2 != 0; }
+
+    Combination Join(Combination first, Combination second)
+    {
+        mJoins.emplace_back(first, second);
+        return (mJoins.size() - 1) * 2 + 1;
+    }
+
+    void Append(Index branch, std::vector<Combination>& result)
+    {
+        const SurvivingTree::Branch& head = mTree.GetBranch(branch);
+        if (head.kind == SurvivingTree::BranchKind::LEAF) {
+            result.push_back(std::size_t{branch} * 2);
+        } else if (head.kind == SurvivingTree::BranchKind::OR) {
+            for (Index below = head.first; below != SurvivingTree::NONE; below = mTree.GetBranch(below).next) {
+                Append(below, result);
+            }
+        } else {
+            AppendProduct(head.first, result);
+        }
+    }
+
+    void AppendProduct(Index first, std::vector<Combination>& result)
+    {
+        std::vector<Combination> product;
+        std::vector<Combination> factor;
+        Append(first, product);
+        for (Index below = mTree.GetBranch(first).next; below != SurvivingTree::NONE;
+             below = mTree.GetBranch(below).next) {
+            factor.clear();
+            Append(below, factor);
+            product = Multiply(std::move(product), factor);
+        }
+        result.insert(result.end(), product.begin(), product.end());
+    }
+
+    // The combinations of `left` outermost.
+    std::vector<Combination> Multiply(std::vector<Combination> left, const std::vector<Combination>& right)
+    {
+        if (right.size() == 1) {
+            for (auto& combination : left) {
+                combination = Join(combination, right.front());
+            }
+            return left;
+        }
+        std::vector<Combination> product;
+        product.reserve(left.size() * right.size());
+        for (const Combination first : left) {
+            for (const Combination second : right) {
+                product.push_back(Join(first, second));
+            }
+        }
+        return product;
+    }
+
+    const SurvivingTree& mTree;
+    std::vector<std::pair<Combination, Combination>> mJoins;
+    std::vector<Combination> mAll;
+    std::vector<Combination> mToVisit;
+};
+
+// Collects the members of a cut set with all events above them: each id once, whoever has it.
+class WaysUp {
+public:
+    explicit WaysUp(const SurvivingTree& tree)
+        : mTree(tree), mIdOfPlace(tree.GetPlaces().size(), SurvivingTree::NONE), mRoundOfPlace(mIdOfPlace.size(), 0)
+    {
+    }
+
+    std::shared_ptr<RootCause> Collect(const std::vector<Index>& members)
+    {
+        ++mRound;
+        mWay.clear();
+        for (const Index member : members) {
+            GoUp(member);
+        }
+        std::vector<std::shared_ptr<Event>> events;
+        std::vector<std::string> ids;
+        events.reserve(mWay.size());
+        ids.reserve(mWay.size());
+        for (const Index place : mWay) {
+            events.push_back(*mTree.GetPlaces()[place].event);
+            ids.push_back(mTree.GetId(place));
+        }
+        auto rootCause = std::make_shared<RootCause>();
+        rootCause->SetLeaf(std::move(events));
+        rootCause->SetPaths(std::move(ids));
+        return rootCause;
+    }
+
+private:
+    // Ends at a place where this round has been: it has been above that one, too.
+    void GoUp(Index member)
+    {
+        for (Index place = member; place != SurvivingTree::NONE && mRoundOfPlace[place] != mRound;
+             place = mTree.GetPlaces()[place].parent) {
+            mRoundOfPlace[place] = mRound;
+            std::size_t& roundOfId = mRoundOfId[IdOf(place)];
+            if (roundOfId != mRound) {
+                roundOfId = mRound;
+                mWay.push_back(place);
+            }
+        }
+    }
+
+    // A number for the text of the id.
+    Index IdOf(Index place)
+    {
+        if (mIdOfPlace[place] == SurvivingTree::NONE) {
+            const auto [entry, isNew] =
+                mIds.try_emplace(std::string_view(mTree.GetId(place)), static_cast<Index>(mIds.size()));
+            mIdOfPlace[place] = entry->second;
+            if (isNew) {
+                mRoundOfId.push_back(0);
+            }
+        }
+        return mIdOfPlace[place];
+    }
+
+    const SurvivingTree& mTree;
+    std::vector<Index> mIdOfPlace;
+    std::vector<std::size_t> mRoundOfPlace;
+    std::unordered_map<std::string_view, Index> mIds;
+    std::vector<std::size_t> mRoundOfId;
+    std::size_t mRound = 0;
+    std::vector<Index> mWay;
+};
+
+SurvivingTree CutDown(const std::shared_ptr<Event>& top)
+{
+    SurvivingTree tree;
+    if (!ErrorWalk::Walk(top, tree)) {
+        tree = SurvivingTree();
+        PathWalk::Walk(top, tree);
+    }
+    return tree;
+}
+
+RootCauseSearch::Found CollectAll(const SurvivingTree& tree, bool withCutSets)
+{
+    RootCauseSearch::Found found;
+    Combinations combinations(tree);
+    WaysUp waysUp(tree);
+    std::vector<Index> members;
+    found.rootCauses.reserve(combinations.Count());
+    for (std::size_t combination = 0; combination < combinations.Count(); ++combination) {
+        combinations.ListMembers(combination, members);
+        found.rootCauses.push_back(waysUp.Collect(members));
+        if (withCutSets) {
+            CutSet& cutSet = found.cutSets.emplace_back();
+            for (const Index member : members) {
+                cutSet.push_back(tree.GetPath(member));
+            }
+        }
+    }
+    return found;
+}
+
+} // namespace
+
+RootCauseSearch::Found RootCauseSearch::Find(const FaultTree& tree, bool withCutSets)
+{
+    const std::shared_ptr<Event> top = tree.GetIntermediateEvent();
+    // The top event stands above every member and in every path, where a "&" lets no member be found.
+    if (top == nullptr || !IsError(top->GetResult()) || top->GetId().find('&') != std::string::npos) {
+        return {};
+    }
+    const SurvivingTree survivors = CutDown(top);
+    return survivors.GetTop() == SurvivingTree::NONE ? Found() : CollectAll(survivors, withCutSets);
+}

@@ -1,0 +1,168 @@
+#include "arborist/deduction/root_cause_search.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "arborist/deduction/root_cause.h"
+#include "tests/deduction/cause_text.h"
+#include "tests/support/case_name.h"
+#include "tests/support/log_capture.h"
+#include "tests/support/tree_builder.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::Eq;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+constexpr auto TRUE = EventStatus::TRUE;
+
+RootCauseSearch::Found Search(const std::shared_ptr<FaultTree>& tree)
+{
+    LogCapture log; // keeps what folding says off the output
+    tree->Check();
+    return RootCauseSearch::Find(*tree, true);
+}
+
+std::vector<std::string> CutSetsFound(std::shared_ptr<Gate> gate)
+{
+    return TextOf(Search(TreeOf(Observable("T", TRUE, std::move(gate)))).cutSets);
+}
+
+struct SearchCase {
+    const char* name;
+    std::shared_ptr<Gate> gate;
+    std::vector<std::string> cutSets;
+};
+void PrintTo(const SearchCase& searchCase, std::ostream* out) { *out << searchCase.name; }
+class CutSetsThatQualify : public testing::TestWithParam<SearchCase> {};
+
+TEST_P(CutSetsThatQualify, AreFoundInOrder)
+{
+    EXPECT_THAT(CutSetsFound(GetParam().gate), ElementsAreArray(GetParam().cutSets));
+}
+
+// Healthy leaves have small letters.
+INSTANTIATE_TEST_SUITE_P(Table, CutSetsThatQualify, testing::Values(
+    SearchCase{"NoGate", nullptr, {}},
+    SearchCase{"NoEvents", And({}), {}},
+    SearchCase{"ProductInOrder",
+               And({Inner("G", Or({Leaf("A", TRUE), Leaf("b"), Leaf("C", TRUE)})),
+                    Inner("H", Or({Leaf("D", TRUE), Leaf("E", TRUE)}))}),
+               {"T/G/A & T/H/D", "T/G/A & T/H/E", "T/G/C & T/H/D", "T/G/C & T/H/E"}},
+    SearchCase{"HealthyMemberOfAnAnd", And({Leaf("A", TRUE), Leaf("b")}), {}},
+    SearchCase{"EmptyBranchEndsWhatStandsBeforeIt",
+               And({Leaf("a"), Inner("G", nullptr), Leaf("B", TRUE), Leaf("C", TRUE)}), {"T/B & T/C"}},
+    SearchCase{"EmptyBranchAtTheEnd", And({Leaf("A", TRUE), Inner("G", Or({Inner("H", nullptr)}))}), {}},
+    SearchCase{"HealthyBranchIsNotEmpty",
+               And({Leaf("A", TRUE), Inner("G", Or({Leaf("b")})), Leaf("C", TRUE)}), {}},
+    SearchCase{"EmptyBranchInError", And({Leaf("a"), Observable("G", TRUE, nullptr), Leaf("B", TRUE)}), {"T/B"}},
+    SearchCase{"BranchWithAnEmptyEndIsEmpty",
+               And({Leaf("a"), Inner("G", And({Leaf("B", TRUE), Inner("H", Or({}))})), Leaf("C", TRUE)}), {"T/C"}},
+    SearchCase{"EmptyBranchUnderOr", Or({Inner("G", nullptr), Leaf("A", TRUE)}), {"T/A"}},
+    SearchCase{"EqualIdsBesideEachOtherMeanTheFirst", Or({Leaf("A"), Leaf("A", TRUE)}), {}},
+    SearchCase{"EqualIdsInErrorStandTwice", Or({Leaf("A", TRUE), Leaf("A")}), {"T/A", "T/A"}},
+    SearchCase{"SlashMeansTheFirstWithThePath",
+               Or({Leaf("G/A", TRUE), Inner("G", Or({Leaf("A")}))}), {"T/G/A", "T/G/A"}},
+    SearchCase{"SlashOfAHealthyLeaf", Or({Leaf("G/A"), Inner("G", Or({Leaf("A", TRUE)}))}), {}},
+    SearchCase{"AmpersandMakesMembers", Or({Leaf("A&T/B"), Leaf("A", TRUE), Leaf("B", TRUE)}),
+               {"T/A & T/B", "T/A", "T/B"}},
+    SearchCase{"AmpersandThatLeadsNowhere", Or({Leaf("A&B", TRUE)}), {}},
+    SearchCase{"EmptyIds", Or({Leaf("", TRUE), Inner("G", Or({Leaf("", TRUE)}))}), {"T/", "T/G/"}}),
+    CaseName());
+
+TEST(RootCauseSearchTest, ATopEventWithAnAmpersandIsNeverFound)
+{
+    EXPECT_THAT(Search(TreeOf(Inner("T&U", Or({Leaf("A", TRUE)})))).rootCauses, IsEmpty());
+}
+
+TEST(RootCauseSearchTest, ATopEventWithASlashIsFound)
+{
+    EXPECT_THAT(TextOf(Search(TreeOf(Inner("T/U", Or({Leaf("A", TRUE)})))).rootCauses), ElementsAre("A < T/U"));
+}
+
+TEST(RootCauseSearchTest, CutSetsAreListedOnRequestOnly)
+{
+    const auto tree = TreeOf(Inner("T", Or({Leaf("A", TRUE)})));
+    tree->Check();
+    EXPECT_THAT(RootCauseSearch::Find(*tree).cutSets, IsEmpty());
+    EXPECT_THAT(RootCauseSearch::Find(*tree).rootCauses, SizeIs(1));
+}
+
+TEST(RootCauseSearchTest, AnEventInTwoPlacesHasTwoWaysUp)
+{
+    const auto leaf = Leaf("A", TRUE);
+    const auto tree = TreeOf(Inner("T", Or({Inner("G", Or({leaf})), Inner("H", Or({leaf}))})));
+    EXPECT_THAT(TextOf(Search(tree).rootCauses), ElementsAre("A < G < T", "A < H < T"));
+}
+
+TEST(RootCauseSearchTest, MoreIdsThanAFewAreToldApart)
+{
+    EventList leaves;
+    for (int leaf = 0; leaf < 1000; ++leaf) {
+        leaves.push_back(Leaf("E" + std::to_string(leaf), leaf % 2 == 0 ? TRUE : EventStatus::FALSE));
+    }
+    EXPECT_THAT(Search(TreeOf(Inner("T", Or(leaves)))).rootCauses, SizeIs(500));
+    // A healthy one before the others takes the path of E998 from it.
+    leaves.insert(leaves.begin(), Leaf("E998"));
+    EXPECT_THAT(Search(TreeOf(Inner("T", Or(leaves)))).rootCauses, SizeIs(499));
+}
+
+// An AND over `branches` ORs of `width` leaves each; `isTrue` says which leaves of a branch are in error.
+template <typename IsTrue>
+std::shared_ptr<FaultTree> ProductTree(int branches, int width, IsTrue isTrue)
+{
+    EventList inner;
+    for (int branch = 0; branch < branches; ++branch) {
+        EventList leaves;
+        for (int leaf = 0; leaf < width; ++leaf) {
+            leaves.push_back(Leaf("E" + std::to_string(leaf), isTrue(branch, leaf) ? TRUE : EventStatus::FALSE));
+        }
+        inner.push_back(Inner("G" + std::to_string(branch), Or(leaves)));
+    }
+    return TreeOf(Observable("T", TRUE, And(inner)));
+}
+
+TEST(RootCauseSearchTest, AnExpansionOfTenToTheHundredIsNotExpanded)
+{
+    const auto one = ProductTree(100, 10, [](int, int leaf) { return leaf == 3; });
+    EXPECT_THAT(Search(one).rootCauses, SizeIs(1));
+    const auto none = ProductTree(100, 10, [](int branch, int) { return branch != 50; });
+    EXPECT_THAT(Search(none).rootCauses, IsEmpty());
+    const auto some = ProductTree(100, 10, [](int branch, int leaf) { return leaf == 0 || (branch < 2 && leaf == 9); });
+    EXPECT_THAT(Search(some).rootCauses, SizeIs(4));
+}
+
+TEST(RootCauseSearchTest, OddIdsDoNotExpandEither)
+{
+    const auto tree = ProductTree(100, 10, [](int, int leaf) { return leaf == 3; });
+    const auto& gate = tree->GetIntermediateEvent()->GetGate();
+    gate->AddEvent(Inner("G&", Or({Leaf("A", TRUE)})));
+    EXPECT_THAT(Search(tree).rootCauses, IsEmpty());
+    gate->AddEvent(Inner("empty", nullptr));
+    gate->AddEvent(Leaf("G0/E3"));
+    EXPECT_THAT(TextOf(Search(tree).cutSets), ElementsAre("T/G0/E3"));
+}
+
+std::shared_ptr<FaultTree> DeepTree(int levels, const std::string& leafId)
+{
+    auto event = Inner("E0", Or({Leaf(leafId, TRUE)}));
+    for (int level = 1; level < levels; ++level) {
+        const std::string id = "E" + std::to_string(level);
+        event = level % 2 == 0 ? Inner(id, Or({event, Leaf("L")})) : Inner(id, And({event, Leaf("L", TRUE)}));
+    }
+    return TreeOf(event);
+}
+
+TEST(RootCauseSearchTest, ThousandsOfLevelsAreWalked)
+{
+    const auto found = Search(DeepTree(3000, "A"));
+    ASSERT_THAT(found.rootCauses, SizeIs(1));
+    EXPECT_THAT(found.rootCauses[0]->GetPaths().front(), Eq("A"));
+    EXPECT_THAT(found.rootCauses[0]->GetPaths(), SizeIs(3002));
+    EXPECT_THAT(Search(DeepTree(3000, "A/B")).rootCauses, SizeIs(1));
+}
+
+} // namespace
