@@ -177,7 +177,10 @@ bool NodeRuleEngine::IsFaultForMultipleNodeRule(const ParamMap& params, const Or
 bool NodeRuleEngine::IsFaultForNodeRuleItem(const ParamIndex& params, const OrLogic::LogicItem& item)
 {
     const auto found = params.Find(item.GetParamId());
-    mIsValueMissing = mIsValueMissing || found.IsEmpty();
+    if (found.IsEmpty()) {
+        mIsValueMissing = true;
+        return CompareParam({{}, {}, item.GetParamId(), {}}, item.GetLogic(), item.GetValue(), {}); // tells, fails
+    }
     for (const Param* param : found) {
         if (CompareParam(*param, item.GetLogic(), item.GetValue(), param->value)) {
             return true;
