@@ -10,12 +10,12 @@ namespace {
 
 enum class Conversion { DONE, NOTHING_CONVERTED, OUT_OF_RANGE };
 
-// Calls one of the strto... functions. A base that doesn't exist leaves `end` where it was: nothing converted.
+// Calls one of the strto... functions.
 template <typename Number, typename Function>
 Conversion Convert(const std::string& text, Number& number, std::size_t& used, Function function)
 {
     const char* const begin = text.c_str();
-    char* end = const_cast<char*>(begin);
+    char* end = nullptr;
     errno = 0;
     const Number converted = function(begin, &end);
     if (end == begin) {
@@ -31,7 +31,11 @@ Conversion Convert(const std::string& text, Number& number, std::size_t& used, F
 
 Conversion ConvertWhole(const std::string& text, long long& number, int base, std::size_t& used)
 {
-    return Convert(text, number, used, [base](const char* begin, char** end) { return std::strtoll(begin, end, base); });
+    if (base < 0 || base == 1 || base > 36) {
+        return Conversion::NOTHING_CONVERTED; // where strtoll need not tell the end
+    }
+    const auto inBase = [base](const char* begin, char** end) { return std::strtoll(begin, end, base); };
+    return Convert(text, number, used, inBase);
 }
 
 std::int32_t Low32(std::int64_t number)

@@ -20,7 +20,7 @@ bool StoiS(const std::string& text, std::int32_t& value, int base = 10, std::siz
 /// Answers whether `text` starts with a number of 64 bits, and stores its low 32 bits: a greater number is no failure.
 bool StollS(const std::string& text, std::int32_t& value, int base = 10, std::size_t* endPosition = nullptr);
 
-/// The number, or `defaultValue` on failure and for a number outside -32768 to 32767 (without a log line up to 32 bits).
+/// The number, or `defaultValue` on failure and for a number outside -32768 to 32767; up to 32 bits that isn't logged.
 std::int32_t StringToInt16Def(
     const std::string& text, std::int32_t defaultValue, int base = 10, std::size_t* endPosition = nullptr);
 

@@ -19,9 +19,9 @@ using FileOpener = std::function<std::FILE*(const std::string& source)>;
 ///
 /// Only an entry whose name ends in "/" makes a directory; a file in a directory that isn't there can't be written.
 /// The first entry that fails ends it with false, and what was extracted stays. An entry fails when it can't be
-/// opened, read or written, when its name has more than 127 characters, when it is told to be longer than 4 GiB, and, with a line at
-/// LEVEL_ERROR, when its name leads out of the target. False also for what is no archive; an empty one is true.
-/// Checksums are not looked at.
+/// opened, read or written, when its name has more than 127 characters, when its length is told to be 4 GiB or more,
+/// and, with a line at LEVEL_ERROR, when its name leads out of the target. False also for what is no archive, or an
+/// archive cut off at its end; an empty one is true. Checksums are not looked at.
 bool UnZipFile(const std::string& archive, const std::string& target);
 
 /// Makes an archive at `path`, replacing what is there. The caller ends it with CloseZipFile.

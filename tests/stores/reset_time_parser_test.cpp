@@ -53,7 +53,10 @@ class ResetTimeParserTest : public testing::Test {
 protected:
     void ParseLog(const std::string& content) { mParser.ParseRecoveryLog(mDir.Write("log", content)); }
 
-    std::int64_t ResetLogTime(const std::string& content) { return mParser.GetResetLogTime(mDir.Write("log", content)); }
+    std::int64_t ResetLogTime(const std::string& content)
+    {
+        return mParser.GetResetLogTime(mDir.Write("log", content));
+    }
 
     TimeZone mZone{CENTRAL_EUROPE};
     TempDir mDir;

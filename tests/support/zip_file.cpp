@@ -25,7 +25,8 @@ std::string WriteZip(const std::string& path, const ZipEntries& entries)
         const zip_fileinfo info{};
         Require(zipOpenNewFileInZip(archive, name.c_str(), &info, nullptr, 0, nullptr, 0, nullptr, Z_DEFLATED,
                     Z_DEFAULT_COMPRESSION) == ZIP_OK, path);
-        Require(zipWriteInFileInZip(archive, content.data(), static_cast<unsigned int>(content.size())) == ZIP_OK, path);
+        const auto length = static_cast<unsigned int>(content.size());
+        Require(zipWriteInFileInZip(archive, content.data(), length) == ZIP_OK, path);
         Require(zipCloseFileInZip(archive) == ZIP_OK, path);
     }
     Require(zipClose(archive, nullptr) == ZIP_OK, path);
@@ -40,7 +41,8 @@ ZipEntries ReadZip(const std::string& path)
     for (int found = unzGoToFirstFile(archive); found == UNZ_OK; found = unzGoToNextFile(archive)) {
         std::array<char, 1024> name{};
         unz_file_info info{};
-        Require(unzGetCurrentFileInfo(archive, &info, name.data(), name.size(), nullptr, 0, nullptr, 0) == UNZ_OK, path);
+        Require(unzGetCurrentFileInfo(archive, &info, name.data(), name.size(), nullptr, 0, nullptr, 0) == UNZ_OK,
+            path);
         std::string content(info.uncompressed_size, '\0');
         Require(unzOpenCurrentFile(archive) == UNZ_OK, path);
         Require(unzReadCurrentFile(archive, content.data(), static_cast<unsigned int>(content.size())) ==
