@@ -1,0 +1,60 @@
+"""The pages hang together: links lead somewhere, every page is in the index, XML examples are well-formed."""
+import re
+import sys
+import tempfile
+import unittest
+import xml.etree.ElementTree as ElementTree
+from pathlib import Path
+
+import pages
+
+
+class PagesTest(unittest.TestCase):
+    def test_every_relative_link_leads_somewhere(self):
+        self.assertEqual([broken for page in pages.pages() for broken in pages.broken_links(page)], [])
+
+    def test_the_index_names_every_page(self):
+        index = (pages.DOCS / "README.md").read_text()
+        missing = [page.name for page in sorted(pages.DOCS.glob("*.md"))
+                   if page.name != "README.md" and f"({page.name})" not in index]
+        self.assertEqual(missing, [])
+
+    def test_every_path_in_the_architecture_exists(self):
+        paths = re.findall(r"`((?:arborist|tests|bench|fuzz|tools|examples|scripts|docs)/[^`\s]*\.\w+)`",
+                           (pages.DOCS / "architecture.md").read_text())
+        self.assertGreater(len(paths), 30)
+        self.assertEqual([path for path in paths if not (pages.ROOT / path).exists()], [])
+
+    def test_xml_examples_are_well_formed(self):
+        faults = []
+        for page in pages.pages():
+            for word, content, line in pages.blocks(page.read_text()):
+                if word == "xml":
+                    try:
+                        ElementTree.fromstring(content)
+                    except ElementTree.ParseError as error:
+                        faults.append(f"{page.name}:{line}: {error}")
+        self.assertEqual(faults, [])
+
+
+class ReaderTest(unittest.TestCase):
+    def test_anchors_follow_the_headings(self):
+        text = "# A page\n## `Code`: and, more\n```sh\n# no heading\n```\n## A page\n"
+        self.assertEqual(pages.anchors_of(text), {"a-page", "code-and-more", "a-page-1"})
+
+    def test_a_broken_link_is_found(self):
+        with tempfile.TemporaryDirectory() as name:
+            page = Path(name) / "page.md"
+            page.write_text("# One\n[a](#one) [b](#two) [c](page.md#one) [d](gone.md) `[e](gone.md)` [f](https://x.y/z)\n")
+            self.assertEqual(pages.broken_links(page),
+                             ["page.md: #two: no such heading", "page.md: gone.md: no such file"])
+
+    def test_blocks_tell_their_word_and_line(self):
+        self.assertEqual(pages.blocks("x\n```xml\n<a/>\n```\n"), [("xml", "<a/>\n", 2)])
+
+    def test_a_pipe_in_a_code_span_stays_in_its_cell(self):
+        self.assertEqual(pages.table_rows("| a | `b|c` |\n|---|---|\n"), [["a", "`b|c`"]])
+
+
+if __name__ == "__main__":
+    sys.exit(unittest.main())
