@@ -48,19 +48,14 @@ void FindFirstChildren(const tinyxml2::XMLElement& parent, std::initializer_list
 
 void ReadAttributes(const tinyxml2::XMLElement& element, std::initializer_list<AttributeSlot> slots)
 {
-    // The library lets an attribute stand twice and answers with the first.
-    unsigned int taken = 0;
     for (const tinyxml2::XMLAttribute* attribute = element.FirstAttribute(); attribute != nullptr;
          attribute = attribute->Next()) {
         const char* name = attribute->Name();
-        unsigned int bit = 1;
         for (const AttributeSlot& slot : slots) {
-            if ((taken & bit) == 0 && IsSameName(slot.name, name)) {
+            if (IsSameName(slot.name, name)) {
                 *slot.text = attribute->Value();
-                taken |= bit;
                 break;
             }
-            bit <<= 1;
         }
     }
 }

@@ -65,7 +65,8 @@ const tinyxml2::XMLElement* FindTagElement(
 /// Slots without a child keep their null.
 void FindFirstChildren(const tinyxml2::XMLElement& parent, std::initializer_list<ChildSlot> slots);
 
-/// Assigns each attribute that is there, also one with an empty value. The texts of the others stay.
+/// Assigns each attribute that is there, also one with an empty value; the other texts stay. No attribute stands twice:
+/// the library refuses such a file.
 void ReadAttributes(const tinyxml2::XMLElement& element, std::initializer_list<AttributeSlot> slots);
 
 /// The text of an element; null for a null element and for one without text. An empty CDATA section is text.
