@@ -3,6 +3,7 @@
 
 /// The one header that a host includes: the facade, what goes in, what comes out, the log and the settings.
 
+#include "arborist/frame/arborist.h"
 #include "arborist/frame/detect_info.h"
 #include "arborist/frame/detection_observer.h"
 #include "arborist/frame/fault_tree_result.h"

@@ -58,8 +58,11 @@ private:
     static const std::string TEMP_NAME;
     static const std::string SEPARATOR;
 
+    void Parse();
+    bool IsParsed();
     std::vector<std::shared_ptr<FaultTreeResult>> RunFaultTrees(
         const std::vector<std::shared_ptr<FaultTree>>& faultTrees);
+    std::shared_ptr<FaultTreeResult> RunFaultTree(const std::shared_ptr<FaultTree>& faultTree);
     std::vector<std::shared_ptr<FaultTreeResult::RootCauseResult>> GetRootCauseResultList(
         const std::vector<std::shared_ptr<FaultTreeNode>>& nodes) const;
     std::string GetCodeRuleId(const CodeRuleQuery& query, const std::string& detectCode);

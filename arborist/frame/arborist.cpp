@@ -1,0 +1,221 @@
+#include "arborist/frame/arborist.h"
+
+#include <utility>
+
+#include "arborist/deduction/fault_tree_visitor.h"
+#include "arborist/evaluation/rule_engine.h"
+#include "arborist/evaluation/rule_helper.h"
+#include "arborist/frame/log.h"
+#include "arborist/loading/fault_tree_parser.h"
+#include "arborist/model/fault_tree.h"
+#include "arborist/utilities/file_util.h"
+#include "arborist/utilities/zip_util.h"
+
+namespace {
+
+void TellFile(DetectionObserver& observer, DetectionObserver::RuleSetFile::Kind kind, const RuleSetFileReport& report)
+{
+    if (!report.path.empty()) {
+        observer.OnRuleSetFile({kind, report.state, report.path, report.message, report.line, report.count});
+    }
+}
+
+} // namespace
+
+const std::string Arborist::FAULT_TREE_NAME = "FaultTree.zip";
+const std::string Arborist::TEMP_NAME = "temp_";
+const std::string Arborist::SEPARATOR = "/";
+
+/// What tells the three calls for one id of a detect code apart.
+struct Arborist::CodeRuleQuery {
+    const std::string& type;
+    const char* function;
+    const char* emptyCode;
+    const char* notParsed;
+    const char* found;
+};
+
+Arborist::Arborist(std::shared_ptr<DetectInfo> detectInfo)
+    : mFaultTreeParser(std::make_shared<FaultTreeParser>(detectInfo)),
+      mRuleEngine(std::make_shared<RuleEngine>(detectInfo, mFaultTreeParser)),
+      mFaultTreeVisitor(std::make_shared<FaultTreeVisitor>(mFaultTreeParser)), mDetectInfo(std::move(detectInfo))
+{
+}
+
+Arborist::~Arborist() = default;
+
+std::vector<std::shared_ptr<FaultTreeResult>> Arborist::StartDetection()
+{
+    constexpr char FUNCTION[] = "Arborist::StartDetection";
+    auto& log = FT::Log::GetInstance();
+    Parse();
+    // There is no timer: the words stand for a parse that did not finish, as without a rule file.
+    if (!mFaultTreeParser->IsParseDone()) {
+        log.Output(FT::LEVEL_WARN, "FUNc:%s: startDetection time out", FUNCTION);
+        return {};
+    }
+    log.Output(FT::LEVEL_DEBUG, "FUNc:%s: StartDetection Parse finished", FUNCTION);
+    mRuleEngine->Init();
+    const auto faultTrees = mFaultTreeParser->GetFaultTrees();
+    if (faultTrees.empty()) {
+        log.Output(FT::LEVEL_WARN, "FUNc:%s: StartDetection fault tree is invalid", FUNCTION);
+        return {};
+    }
+    auto results = RunFaultTrees(faultTrees);
+    log.Output(FT::LEVEL_DEBUG, "FUNc:%s: StartDetection Run finished", FUNCTION);
+    return results;
+}
+
+bool Arborist::IsRunRule(const std::string& codeRuleId)
+{
+    constexpr char FUNCTION[] = "Arborist::IsRunRule";
+    if (mDetectInfo == nullptr || codeRuleId.empty()) {
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_WARN, "FUNc:%s: mDetectInfo or codeRuleId is null in isRunRule()", FUNCTION);
+        return false;
+    }
+    if (!IsParsed()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: parse time out in isRunRule", FUNCTION);
+        return false;
+    }
+    return mRuleEngine->GetRuleHelper()->IsSpecifiedCodeRuleSupported(codeRuleId, mFaultTreeParser);
+}
+
+std::string Arborist::GetCodeRuleFaultDescId(const std::string& detectCode)
+{
+    return GetCodeRuleId({RuleHelper::FAULT, "Arborist::GetCodeRuleFaultDescId",
+                          "detectCode is empty in getCodeRuleFaultDescId",
+                          "parse time out in GetCodeRuleFaultDescId",
+                          "get the fault Description id by fault tree"},
+                         detectCode);
+}
+
+std::string Arborist::GetCodeRuleSuggestionId(const std::string& detectCode)
+{
+    return GetCodeRuleId({RuleHelper::SUGGESTION, "Arborist::GetCodeRuleSuggestionId",
+                          "detectCode is empty in GetCodeRuleSuggestionId",
+                          "parse time out in GetCodeRuleSuggestionId", "get the Suggestions id by fault tree"},
+                         detectCode);
+}
+
+std::string Arborist::GetCodeRuleRepairId(const std::string& detectCode)
+{
+    return GetCodeRuleId({RuleHelper::REPAIR, "Arborist::GetCodeRuleRepairId",
+                          "detectCode is empty in GetCodeRuleRepairId", "parse time out in GetCodeRuleRepairId",
+                          "get the Repair id by fault tree"},
+                         detectCode);
+}
+
+void Arborist::SetObserver(std::shared_ptr<DetectionObserver> observer)
+{
+    mRuleEngine->SetObserver(observer.get());
+    mFaultTreeVisitor->SetObserver(observer.get());
+    mObserver = std::move(observer); // the one before is let go when nobody refers to it any more
+}
+
+void Arborist::Parse()
+{
+    mFaultTreeParser->StartParse();
+    if (mObserver != nullptr) {
+        TellFile(*mObserver, DetectionObserver::RuleSetFile::Kind::TREES, mFaultTreeParser->GetTreeFileReport());
+        TellFile(*mObserver, DetectionObserver::RuleSetFile::Kind::RULES, mFaultTreeParser->GetRuleFileReport());
+    }
+}
+
+bool Arborist::IsParsed()
+{
+    if (!mFaultTreeParser->IsParseDone()) {
+        Parse();
+    }
+    return mFaultTreeParser->IsParseDone();
+}
+
+std::vector<std::shared_ptr<FaultTreeResult>> Arborist::RunFaultTrees(
+    const std::vector<std::shared_ptr<FaultTree>>& faultTrees)
+{
+    std::vector<std::shared_ptr<FaultTreeResult>> results;
+    results.reserve(faultTrees.size());
+    for (const auto& faultTree : faultTrees) {
+        if (faultTree != nullptr) {
+            results.push_back(RunFaultTree(faultTree));
+        }
+    }
+    return results;
+}
+
+std::shared_ptr<FaultTreeResult> Arborist::RunFaultTree(const std::shared_ptr<FaultTree>& faultTree)
+{
+    if (mObserver != nullptr) {
+        mObserver->OnTreeStarted({faultTree->GetId(), faultTree->GetVersion(), faultTree->GetType()});
+    }
+    mRuleEngine->StartRunRules(faultTree);
+    mFaultTreeVisitor->DeduceRootCause(faultTree);
+    const auto& nodes = mFaultTreeVisitor->GetRootCauseNodeList();
+
+    auto result = std::make_shared<FaultTreeResult>(faultTree->GetId());
+    result->mVersion = mFaultTreeParser->GetTreeFileVersion();
+    result->mIsFault = mFaultTreeVisitor->IsFault() && !nodes.empty();
+    if (result->mIsFault) {
+        result->mRootCauseResults = GetRootCauseResultList(nodes);
+    }
+    if (mObserver != nullptr) {
+        mObserver->OnTreeFinished({result->mTreeId, result->mIsFault});
+    }
+    return result;
+}
+
+std::vector<std::shared_ptr<FaultTreeResult::RootCauseResult>> Arborist::GetRootCauseResultList(
+    const std::vector<std::shared_ptr<FaultTreeNode>>& nodes) const
+{
+    std::vector<std::shared_ptr<FaultTreeResult::RootCauseResult>> causes;
+    causes.reserve(nodes.size());
+    for (const auto& node : nodes) {
+        if (node == nullptr) {
+            continue;
+        }
+        auto cause = std::make_shared<FaultTreeResult::RootCauseResult>();
+        cause->mNode = node;
+        cause->mSuggestions = mFaultTreeParser->GetSuggestionListById(node->mId);
+        cause->mRepairInfos = mFaultTreeParser->GetRepairInfoById(node->mId);
+        const auto& descriptions = mFaultTreeParser->GetFaultDescListById(node->mId);
+        if (!descriptions.empty()) {
+            cause->mFaultDescription = descriptions.front(); // a cause has one; further ones are dropped
+        }
+        causes.push_back(std::move(cause));
+    }
+    return causes;
+}
+
+std::string Arborist::GetCodeRuleId(const CodeRuleQuery& query, const std::string& detectCode)
+{
+    auto& log = FT::Log::GetInstance();
+    if (detectCode.empty()) {
+        log.Output(FT::LEVEL_WARN, "FUNc:%s: %s", query.function, query.emptyCode);
+        return RuleHelper::EMPTY_STRING;
+    }
+    if (!IsParsed()) {
+        log.Output(FT::LEVEL_WARN, "FUNc:%s: %s", query.function, query.notParsed);
+        return RuleHelper::EMPTY_STRING;
+    }
+    const auto ids = mRuleEngine->GetCodeRuleInfoByType(query.type, detectCode);
+    if (ids.empty()) {
+        log.Output(FT::LEVEL_WARN, "FUNc:%s: resolutionSuggestions is null or empty", query.function);
+        return RuleHelper::EMPTY_STRING;
+    }
+    log.Output(FT::LEVEL_INFO, "FUNc:%s: %s : %s ", query.function, query.found, ids.front().c_str());
+    return ids.front();
+}
+
+// Kept for hosts that deliver the rule set as one archive; a detection reads the unpacked files and doesn't call it.
+bool Arborist::InitFaultTree()
+{
+    if (mDetectInfo == nullptr) {
+        return false;
+    }
+    const std::string archive = mDetectInfo->mRuleFileDir + SEPARATOR + FAULT_TREE_NAME;
+    if (!FileUtil::FileExists(archive)) {
+        return false;
+    }
+    mUnzipDir = mDetectInfo->mRuleFileDir + SEPARATOR + TEMP_NAME + mDetectInfo->mTreeTag + SEPARATOR;
+    return ZipUtil::UnZipFile(archive, mUnzipDir);
+}
