@@ -1,0 +1,99 @@
+#ifndef ARBORIST_STORES_EVENT_LOG_INDEX_H
+#define ARBORIST_STORES_EVENT_LOG_INDEX_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "arborist/stores/sql/sql_database.h"
+
+/// The event log's rows without their texts, grouped by event id: what a query for one id finds, for all ids, by one
+/// reading of the log.
+///
+/// Ten bytes a row. Holds what the log held at the last Refresh; the texts stay in the file. Used by one thread.
+class EventLogIndex {
+public:
+    /// The rows of one event id: positions from `begin` to before `end`, in the order in which SQLite gave them.
+    struct Entry {
+        std::int32_t eventId;
+        std::uint32_t begin;
+        std::uint32_t end;
+        /// Times never fall from row to row.
+        bool isAscending;
+        /// Some row doesn't fit here (a time that is no number or out of range, a row that can't be found again): only
+        /// a query of its own tells the rows of this id.
+        bool needsQuery;
+    };
+
+    /// Which rows of an id count; see FilterFor.
+    struct Filter {
+        /// Seconds since the epoch, inclusive.
+        std::int64_t start;
+        bool byVersion;
+        /// The number of the version that counts beside the unnamed one.
+        std::uint16_t version;
+    };
+
+    /// How the index stands to the log.
+    enum class State {
+        READY, ///< holds all rows
+        BROKEN_OFF, ///< reading failed on the way, with GetError: holds the rows before
+        UNREADABLE ///< the log can't be asked (no such table or column, locked, no database): holds nothing
+    };
+
+    explicit EventLogIndex(const FT::sql::Sqlite3Db& database);
+
+    /// Reads the log if it was changed since the last time, by SQLite's data version, or never read.
+    State Refresh();
+    /// Whether the log is still what was read. Asked inside a transaction it holds for what the transaction sees.
+    bool IsCurrent() const;
+    /// Another number for each time that the log was read: positions don't outlive it.
+    std::uint64_t GetGeneration() const { return mGeneration; }
+    /// SQLite's words for what broke the reading off.
+    const std::string& GetError() const { return mError; }
+
+    /// Ascending by id; ids without rows have no entry. Valid until the next Refresh, like all positions.
+    const std::vector<Entry>& GetEntries() const { return mEntries; }
+    /// Number of all rows.
+    std::size_t GetRowCount() const { return mTimes.size(); }
+
+    /// Rows at or after `start`, of any version.
+    static Filter FilterFor(std::int64_t start) { return {start, false, 0}; }
+    /// Of these the rows of the version with this name, and those whose version has no name.
+    Filter FilterFor(std::int64_t start, const std::string& versionName) const;
+    std::size_t Count(const Entry& entry, const Filter& filter) const;
+    /// Appends the positions of the rows that count.
+    void Select(const Entry& entry, const Filter& filter, std::vector<std::uint32_t>& positions) const;
+
+    std::int64_t GetTime(std::uint32_t position) const { return mTimes[position]; }
+    /// The row's rowid in event_info.
+    std::int64_t GetRowId(std::uint32_t position) const { return mRowIds[position]; }
+
+private:
+    struct Scan;
+
+    static std::int64_t ReadDataVersion(const FT::sql::Sqlite3Db& database);
+    void Clear();
+    State Read();
+    bool ReadVersions(Scan& scan);
+    void ReadRows(Scan& scan);
+    void Group(Scan& scan);
+    std::uint32_t FirstSince(const Entry& entry, std::int64_t start) const;
+
+    const FT::sql::Sqlite3Db& mDb;
+    State mState = State::UNREADABLE;
+    std::int64_t mDataVersion;
+    std::uint64_t mGeneration = 0;
+    std::string mError;
+    std::vector<Entry> mEntries;
+    // The columns of the rows.
+    std::vector<std::uint32_t> mTimes;
+    std::vector<std::uint32_t> mRowIds;
+    std::vector<std::uint16_t> mVersions;
+    // Number of each version name; 0 is the empty name.
+    std::unordered_map<std::string, std::uint16_t> mVersionNumbers;
+};
+
+#endif
