@@ -7,6 +7,7 @@
 #include "arborist/frame/log.h"
 #include "arborist/loading/fault_tree_parser.h"
 #include "arborist/model/event.h"
+#include "arborist/stores/reset_time_parser.h"
 
 namespace {
 
@@ -31,8 +32,11 @@ std::string JoinNames(const std::vector<std::string>& names)
 } // namespace
 
 RuleHelper::RuleHelper(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<FaultTreeParser> faultTreeParser)
-    : mDetectInfo(std::move(detectInfo)), mFaultTreeParser(std::move(faultTreeParser))
+    : mDetectInfo(std::move(detectInfo)),
+      mResetTimeParser(std::make_shared<ResetTimeParser>(mDetectInfo == nullptr ? "" : mDetectInfo->mLogLocation)),
+      mFaultTreeParser(std::move(faultTreeParser))
 {
+    mResetTimeParser->ParseLogService();
 }
 
 bool RuleHelper::IsSpecifiedRuleItemSupported(const std::shared_ptr<Rule>& rule) const

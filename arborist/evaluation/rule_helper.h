@@ -2,6 +2,7 @@
 #define ARBORIST_EVALUATION_RULE_HELPER_H
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -14,10 +15,12 @@
 class DeviceDetails;
 class Event;
 class FaultTreeParser;
+class ResetTimeParser;
 struct DetectInfo;
 
 /// The decisions that all checkers share: whether a rule applies to this device and scene, and how the names of rules
-/// stand for the alternatives of an event. Carries the event that the driver is working on.
+/// stand for the alternatives of an event; and from what moment on a check looks at the log. Carries the event that the
+/// driver is working on.
 ///
 /// Shares ownership of what it is given. Used by one thread at a time.
 class RuleHelper {
@@ -27,6 +30,13 @@ public:
     static inline const std::string SUGGESTION = "suggestionId";
     static inline const std::string REPAIR = "repairId";
     static inline const std::string USER_DEFINED = "userDefine";
+    /// Member of an event's user-defined text that names a repair.
+    static inline const std::string REPAIR_ID = "Repairid";
+    /// Start words: what an item's windows don't reach back beyond.
+    static inline const std::string DETECT_FROM_RESET_OR_UPDATE = "1";
+    static inline const std::string DETECT_FROM_UPDATE = "2";
+    static inline const std::string DETECT_FROM_RESET = "3";
+    static inline const std::string DETECT_ALL = "4";
     static inline const std::string SINGLE_RULE = "singleRule";
     /// Separates the rule names of one alternative.
     static inline const std::string TYPE_COMMA = ",";
@@ -62,11 +72,26 @@ public:
     static std::shared_ptr<TimeSet> GetTimeSetByRuleType(const std::shared_ptr<AlarmRule::AlarmItem>& item,
                                                          TimeSet::TimeType timeType);
 
+    /// The moment from which a check looks at the log, in seconds since the epoch: `days` before now (0 stands for 30),
+    /// or the last reset or update where `word` takes it into account, or the last repair of this event, whichever is
+    /// latest. "1" and every word that isn't known take reset and update. Asks the repair database.
+    std::int64_t GetDetectStartTime(std::int32_t days, const std::string& word, const std::string& eventId) const;
+    /// Whether a check with this start word counts the events of the current version only.
+    static bool IsDetectFromUpdate(const std::string& word);
+
     /// The observer is not owned and outlives the helper or is taken away with null.
     void SetObserver(DetectionObserver* observer) { mObserver = observer; }
     DetectionObserver* GetObserver() const { return mObserver; }
 
 private:
+    struct RepairTime {
+        std::int64_t time = 0;
+        std::string repairId;
+    };
+
+    RepairTime GetRepairTimeByEventId(const std::string& eventId) const;
+    static std::int64_t GetRepairTimeFromDb(const std::string& repairId);
+    std::string GetRepairIdFromCurEvent() const;
     bool IsValidProduct(const std::shared_ptr<Rule>& rule) const;
     bool IsValidDetectScene(const std::shared_ptr<Rule>& rule) const;
     bool IsValidPlatform(const std::shared_ptr<Rule>& rule) const;
@@ -77,6 +102,7 @@ private:
                 const std::string& ruleText) const;
 
     std::shared_ptr<DetectInfo> mDetectInfo;
+    std::shared_ptr<ResetTimeParser> mResetTimeParser;
     std::shared_ptr<Event> mCurrentEvent;
     std::shared_ptr<FaultTreeParser> mFaultTreeParser;
     DetectionObserver* mObserver = nullptr;

@@ -1,0 +1,123 @@
+#include "arborist/evaluation/rule_helper.h"
+
+#include <algorithm>
+
+#include <json/value.h>
+
+#include "arborist/frame/log.h"
+#include "arborist/loading/fault_tree_parser.h"
+#include "arborist/model/event.h"
+#include "arborist/stores/repair_db_util.h"
+#include "arborist/stores/reset_time_parser.h"
+#include "arborist/utilities/json_text.h"
+#include "arborist/utilities/time_util.h"
+
+namespace {
+
+using StartTimeSeen = DetectionObserver::StartTimeSeen;
+
+constexpr std::int32_t DEFAULT_DAYS = 30;
+constexpr std::uint32_t SECONDS_OF_DAY = 86400;
+
+// The product has 32 bits and wraps: some 24,855 days on, the window's length changes its sign.
+std::int64_t DaysBefore(std::int64_t now, std::int32_t days)
+{
+    const auto seconds = static_cast<std::int32_t>(static_cast<std::uint32_t>(days) * SECONDS_OF_DAY);
+    return static_cast<std::int64_t>(
+        static_cast<std::uint64_t>(now) - static_cast<std::uint64_t>(std::int64_t{seconds}));
+}
+
+void Raise(StartTimeSeen& seen, std::int64_t time, StartTimeSeen::Floor floor)
+{
+    if (time > seen.start) {
+        seen.start = time;
+        seen.floor = floor;
+    }
+}
+
+} // namespace
+
+bool RuleHelper::IsDetectFromUpdate(const std::string& word)
+{
+    return word == DETECT_FROM_UPDATE || word == DETECT_FROM_RESET_OR_UPDATE;
+}
+
+std::int64_t RuleHelper::GetDetectStartTime(
+    std::int32_t days, const std::string& word, const std::string& eventId) const
+{
+    const std::int32_t period = days == 0 ? DEFAULT_DAYS : days;
+    StartTimeSeen seen{};
+    seen.periodStart = DaysBefore(TimeUtil::GetTimeOfDay(), period);
+    seen.start = seen.periodStart;
+    seen.floor = StartTimeSeen::Floor::PERIOD;
+    // Any word that isn't known takes both.
+    if (word != DETECT_FROM_UPDATE && word != DETECT_ALL) {
+        seen.resetTime = mResetTimeParser->GetResetTime();
+    }
+    if (word != DETECT_FROM_RESET && word != DETECT_ALL) {
+        seen.updateTime = mResetTimeParser->GetUpdateTime();
+    }
+    if (seen.resetTime != 0) {
+        Raise(seen, seen.resetTime, StartTimeSeen::Floor::RESET);
+    }
+    if (seen.updateTime != 0) {
+        Raise(seen, seen.updateTime, StartTimeSeen::Floor::UPDATE);
+    }
+    const RepairTime repair = GetRepairTimeByEventId(eventId);
+    seen.repairTime = repair.time;
+    Raise(seen, repair.time, StartTimeSeen::Floor::REPAIR);
+    if (mObserver != nullptr) {
+        seen.periodDays = period;
+        seen.beginFlag = word;
+        seen.repairId = repair.repairId;
+        mObserver->OnStartTime(seen);
+    }
+    return seen.start;
+}
+
+RuleHelper::RepairTime RuleHelper::GetRepairTimeByEventId(const std::string& eventId) const
+{
+    RepairTime latest;
+    if (eventId.empty() || mFaultTreeParser == nullptr) {
+        return latest;
+    }
+    const std::vector<std::string> repairIds = mFaultTreeParser->GetRepairListById(eventId);
+    // Without repairs of its own the event's user-defined text isn't asked either.
+    if (repairIds.empty()) {
+        return latest;
+    }
+    const auto consider = [&latest](const std::string& repairId) {
+        const std::int64_t time = GetRepairTimeFromDb(repairId);
+        if (time > latest.time) {
+            latest = {time, repairId};
+        }
+    };
+    std::for_each(repairIds.begin(), repairIds.end(), consider);
+    if (mCurrentEvent != nullptr && mCurrentEvent->GetId() == eventId) {
+        consider(GetRepairIdFromCurEvent());
+    }
+    return latest;
+}
+
+std::int64_t RuleHelper::GetRepairTimeFromDb(const std::string& repairId)
+{
+    if (repairId.empty()) {
+        return 0;
+    }
+    const std::string date = RepairDbUtil().QueryRepairDate(repairId);
+    return date.empty() ? 0 : TimeUtil::StrToTimeStamp(date, "%Y-%m-%d %H:%M:%S");
+}
+
+std::string RuleHelper::GetRepairIdFromCurEvent() const
+{
+    if (mCurrentEvent == nullptr || mCurrentEvent->GetUserDefined().empty()) {
+        return EMPTY_STRING;
+    }
+    Json::Value root;
+    std::string error;
+    if (!ParseJson(mCurrentEvent->GetUserDefined(), root, error)) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: parse userDefinedJson err. %s ",
+            "RuleHelper::GetRepairIdFromCurEvent", error.c_str());
+    }
+    return MemberText(root, REPAIR_ID);
+}
