@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "arborist/evaluation/alarm_rule_engine.h"
 #include "arborist/evaluation/alternative_finder.h"
 #include "arborist/evaluation/code_rule_engine.h"
 #include "arborist/evaluation/node_rule_engine.h"
@@ -86,6 +87,9 @@ void RuleEngine::SetObserver(DetectionObserver* observer)
     mObserver = observer;
     if (mRuleHelper != nullptr) {
         mRuleHelper->SetObserver(observer);
+    }
+    if (mAlarmRuleEngine != nullptr) {
+        mAlarmRuleEngine->SetObserver(observer);
     }
     if (mNodeRuleEngine != nullptr) {
         mNodeRuleEngine->SetObserver(observer);
@@ -223,6 +227,12 @@ bool RuleEngine::GetSingleRuleCheckResult(const std::string& ruleName, const std
 std::shared_ptr<RuleChecker> RuleEngine::GetRuleCheckerInstance(const std::shared_ptr<Rule>& rule)
 {
     switch (FamilyOf(rule.get())) {
+    case Family::ALARM:
+        if (mAlarmRuleEngine == nullptr) {
+            mAlarmRuleEngine = std::make_shared<AlarmRuleEngine>(mRuleHelper);
+            mAlarmRuleEngine->SetObserver(mObserver);
+        }
+        return mAlarmRuleEngine;
     case Family::NODE:
         if (mNodeRuleEngine == nullptr) {
             mNodeRuleEngine = std::make_shared<NodeRuleEngine>();

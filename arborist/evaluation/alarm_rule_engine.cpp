@@ -1,0 +1,329 @@
+#include "arborist/evaluation/alarm_rule_engine.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "arborist/evaluation/detection_customize.h"
+#include "arborist/evaluation/rule_helper.h"
+#include "arborist/frame/log.h"
+#include "arborist/stores/alarm_rule_db_helper.h"
+
+namespace {
+
+using Reason = DetectionObserver::Reason;
+
+constexpr TimeSet::TimeType TIME_TYPES[] = {TimeSet::DURATION, TimeSet::DAILY_PEAK, TimeSet::LATEST};
+constexpr const char* TIME_TYPE_WORDS[] = {"duration", "daily_peak", "latest"};
+constexpr std::int32_t LAST_DAY = 31;
+
+void TakeParam(const std::string& paramId, const ParamMap& params, TestPara& test)
+{
+    // An id that isn't there leaves the test without key and type, and no row passes it.
+    const auto found = params.find(paramId);
+    if (found != params.end() && found->second != nullptr) {
+        test.key = found->second->key;
+        test.type = found->second->type;
+    }
+}
+
+// Adds as a signed 32-bit number does, also past its end.
+void AddWrapping(std::int32_t& sum, std::int32_t summand)
+{
+    sum = static_cast<std::int32_t>(static_cast<std::uint32_t>(sum) + static_cast<std::uint32_t>(summand));
+}
+
+// What is told of an id that reached more than those before it.
+void NoteReached(DetectionObserver::AlarmWindowSeen& seen, const EventRows& rows, std::int64_t reached)
+{
+    if (seen.reachedById == 0 || reached > seen.reached) {
+        seen.reached = reached;
+        seen.reachedById = rows.GetEventId();
+    }
+}
+
+} // namespace
+
+AlarmRuleEngine::AlarmRuleEngine(std::shared_ptr<RuleHelper> ruleHelper)
+    : mEventStore(std::make_shared<AlarmRuleDbHelper>()), mRuleHelper(std::move(ruleHelper))
+{
+}
+
+bool AlarmRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId)
+{
+    const auto alarmRule = std::dynamic_pointer_cast<AlarmRule>(rule);
+    if (alarmRule == nullptr || alarmRule->alarmItemList.empty()) {
+        return Decide(alarmRule == nullptr ? Reason::NONE : Reason::NO_ITEMS, false);
+    }
+    NoteReason(Reason::WINDOW_ABSENT);
+    for (std::size_t number = 0; number < alarmRule->alarmItemList.size(); ++number) {
+        const AlarmItem& item = alarmRule->alarmItemList[number];
+        const std::optional<IdRange> ids = item == nullptr ? std::nullopt : GetAlarmIdList(*item);
+        if (!ids) {
+            return Decide(Reason::NO_IDS, false);
+        }
+        for (const TimeSet::TimeType timeType : TIME_TYPES) {
+            if (IsRuleHitBySettingTime(item, number, eventId, timeType, *ids)) {
+                return Decide(Reason::WINDOW_REACHED, true);
+            }
+        }
+    }
+    return false;
+}
+
+// With only an upper bound the range is that one id; with only a lower bound it is empty.
+std::optional<AlarmRuleEngine::IdRange> AlarmRuleEngine::GetAlarmIdList(const AlarmRule::AlarmItem& item) const
+{
+    const std::int32_t last = item.GetEventIdMax();
+    const std::int32_t lower = item.GetEventIdMin();
+    const std::int32_t first = lower == 0 ? last : lower;
+    if (first == 0 || first > last) {
+        return std::nullopt;
+    }
+    return IdRange{first, last};
+}
+
+bool AlarmRuleEngine::IsRuleHitBySettingTime(const AlarmItem& item, std::size_t itemNumber,
+    const std::string& eventId, TimeSet::TimeType timeType, const IdRange& ids)
+{
+    const std::shared_ptr<TimeSet> timeSet = RuleHelper::GetTimeSetByRuleType(item, timeType);
+    Window window{itemNumber, ids, timeType, 0, 0, false, {}};
+    if (timeSet == nullptr) {
+        return TellWindow(window, Reason::WINDOW_ABSENT, false);
+    }
+    if (timeSet->period == 0 && timeSet->threshold == 0) {
+        return TellWindow(window, Reason::WINDOW_EMPTY, false);
+    }
+    window.threshold = timeSet->threshold;
+    window.seen.periodDays = timeSet->period;
+    window.fromUpdate = mRuleHelper->IsDetectFromUpdate(item->BeginFlag);
+    window.start = mRuleHelper->GetDetectStartTime(timeSet->period, item->BeginFlag, eventId);
+    mIsLogReadable = true;
+    const Measure measure = timeType == TimeSet::DAILY_PEAK ? Measure::DAILY_PEAK : Measure::PERIOD;
+    const bool isHit = item->type == PARAM_EVENT_ID ? IsWithParamTestChecked(*item, *timeSet, window)
+                                                    : IsAnyIdHit(measure, {}, window);
+    const Reason miss = mIsLogReadable ? Reason::WINDOW_SHORT : Reason::LOG_UNAVAILABLE;
+    return TellWindow(window, isHit ? Reason::WINDOW_REACHED : miss, isHit);
+}
+
+bool AlarmRuleEngine::IsWithParamTestChecked(const AlarmRule::AlarmItem& item, TimeSet& timeSet, Window& window)
+{
+    if (item.conditionList.empty() || item.params.empty()) {
+        return false;
+    }
+    timeSet.timeType = window.timeType;
+    for (const std::shared_ptr<OrLogic>& orLogic : item.conditionList) {
+        if (orLogic != nullptr && orLogic->GetType() == SINGLE_LOGIC) {
+            if (IsHitForSingleTypeTestChecked(*orLogic, item, window)) {
+                return true;
+            }
+        } else if (orLogic != nullptr && orLogic->GetType() == MULTIPLE_LOGIC) {
+            if (IsHitForMultipleTypeTestChecked(*orLogic, item, window)) {
+                return true;
+            }
+        } else {
+            FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Undefined Logic type",
+                "AlarmRuleEngine::IsWithParamTestChecked");
+        }
+    }
+    return false;
+}
+
+bool AlarmRuleEngine::IsHitForSingleTypeTestChecked(
+    const OrLogic& orLogic, const AlarmRule::AlarmItem& item, Window& window)
+{
+    const TestList tests{MemberTest(*this, GetOrLogicParamItem(orLogic, item.params))};
+    return IsAnyIdHit(
+        window.timeType == TimeSet::DAILY_PEAK ? Measure::DAILY_PEAK : Measure::PERIOD, tests, window);
+}
+
+// Under "duration" one row must pass all tests. Under the others each test counts its own rows, by the period's count
+// even for the daily peak, and the last id of the range decides it: rule files rely on all of that.
+bool AlarmRuleEngine::IsHitForMultipleTypeTestChecked(
+    const OrLogic& orLogic, const AlarmRule::AlarmItem& item, Window& window)
+{
+    TestList tests;
+    for (const std::shared_ptr<OrLogic::LogicItem>& logicItem : orLogic.GetLogicItemList()) {
+        std::optional<TestPara> para = GetAndLogicParamItem(logicItem, item.params);
+        if (!para) {
+            continue;
+        }
+        tests.emplace_back(*this, std::move(*para));
+        if (window.timeType != TimeSet::DURATION) {
+            logicItem->SetResult(IsLastIdHit(tests.back(), window));
+        }
+    }
+    return window.timeType == TimeSet::DURATION ? IsAnyIdHit(Measure::ALL_TESTS, tests, window)
+                                                : orLogic.CheckAndListResult();
+}
+
+TestPara AlarmRuleEngine::GetOrLogicParamItem(const OrLogic& orLogic, const ParamMap& params)
+{
+    TestPara test;
+    TakeParam(orLogic.GetParamId(), params, test);
+    test.logic = orLogic.GetLogic();
+    test.value = orLogic.GetValue();
+    return test;
+}
+
+std::optional<TestPara> AlarmRuleEngine::GetAndLogicParamItem(
+    const std::shared_ptr<OrLogic::LogicItem>& logicItem, const ParamMap& params)
+{
+    if (logicItem == nullptr) {
+        return std::nullopt;
+    }
+    TestPara test;
+    TakeParam(logicItem->GetParamId(), params, test);
+    test.logic = logicItem->GetLogic();
+    test.value = logicItem->GetValue();
+    return test;
+}
+
+bool AlarmRuleEngine::IsAnyIdHit(Measure measure, const TestList& tests, Window& window)
+{
+    bool isHit = false;
+    VisitIds(tests, window, [&](EventRows& rows) { return isHit = IsHit(measure, rows, tests, window); });
+    return isHit;
+}
+
+bool AlarmRuleEngine::IsLastIdHit(const MemberTest& test, Window& window)
+{
+    // All ids are asked, as each leaves its lines in the log; an id without rows is no hit.
+    bool isHit = false;
+    const TestList tests{test};
+    VisitIds(tests, window, [&](EventRows& rows) {
+        isHit = IsHit(Measure::PERIOD, rows, tests, window) && rows.GetEventId() == window.ids.last;
+        return false;
+    });
+    return isHit;
+}
+
+void AlarmRuleEngine::VisitIds(const TestList& tests, Window& window, const RowsVisitor& visitor)
+{
+    static const std::vector<std::string> countKey{DetectionCustomize::KEY_COUNT};
+    std::vector<std::string> testKeys;
+    for (const MemberTest& test : tests) {
+        testKeys.push_back(test.GetPara().key);
+    }
+    const auto visit = [&](EventRows& rows) {
+        if (!testKeys.empty()) {
+            rows.LoadMembers(testKeys);
+        } else if (DetectionCustomize::IsDmdEvent(rows.GetEventId())) {
+            rows.LoadMembers(countKey);
+        }
+        return visitor(rows);
+    };
+    const bool isReadable =
+        mEventStore->VisitEvents({window.ids.first, window.ids.last, window.start, window.fromUpdate}, visit);
+    mIsLogReadable = mIsLogReadable && isReadable;
+}
+
+bool AlarmRuleEngine::IsHit(Measure measure, EventRows& rows, const TestList& tests, Window& window)
+{
+    window.seen.rowsFound += rows.GetFoundCount();
+    window.seen.rowsOfOtherVersion += rows.GetFoundCount() - std::min(rows.GetFoundCount(), rows.GetCount());
+    if (rows.GetCount() == 0) {
+        return false;
+    }
+    const MemberTest* const test = tests.empty() ? nullptr : &tests.front();
+    switch (measure) {
+    case Measure::DAILY_PEAK:
+        return IsFaultForDaily(rows, test, window);
+    case Measure::ALL_TESTS:
+        return IsFaultForPeriodWithParam(rows, tests, window);
+    default:
+        return IsFaultForPeriod(rows, test, window);
+    }
+}
+
+bool AlarmRuleEngine::IsFaultForPeriod(EventRows& rows, const MemberTest* test, Window& window)
+{
+    std::uint64_t count = 0;
+    if (test == nullptr && !DetectionCustomize::IsDmdEvent(rows.GetEventId())) {
+        count = rows.GetCount();
+    } else {
+        for (std::size_t row = 0; row < rows.GetCount(); ++row) {
+            // A negative weight takes away, and wraps below 0.
+            count += test != nullptr
+                ? static_cast<std::uint64_t>(IsErrorForEventWithParam(rows, row, 0, *test))
+                : static_cast<std::uint64_t>(std::int64_t{DetectionCustomize::CheckDmdEventCount(rows.GetMember(row, 0))});
+        }
+    }
+    if (test != nullptr) {
+        window.seen.rowsFailedTest += rows.GetCount() - count;
+    }
+    NoteReached(window.seen, rows, static_cast<std::int64_t>(count));
+    // Compared without sign: a negative threshold is never reached.
+    return count >= static_cast<std::uint64_t>(std::int64_t{window.threshold});
+}
+
+// Days are told apart by their number in the month alone: the 3rd of two months is one day. Rule files rely on it.
+bool AlarmRuleEngine::IsFaultForDaily(EventRows& rows, const MemberTest* test, Window& window)
+{
+    const bool isDmd = DetectionCustomize::IsDmdEvent(rows.GetEventId());
+    std::array<std::int32_t, LAST_DAY + 1> days{};
+    for (std::size_t row = 0; row < rows.GetCount(); ++row) {
+        const std::int32_t day = rows.GetDayOfMonth(row);
+        if (day < 1 || day > LAST_DAY) {
+            continue;
+        }
+        std::int32_t weight = 1;
+        if (test != nullptr) {
+            weight = IsErrorForEventWithParam(rows, row, 0, *test) ? 1 : 0;
+            window.seen.rowsFailedTest += weight == 0 ? 1U : 0U;
+        } else if (isDmd) {
+            weight = DetectionCustomize::CheckDmdEventCount(rows.GetMember(row, 0));
+        }
+        AddWrapping(days[static_cast<std::size_t>(day)], weight);
+    }
+    const std::int32_t peak = std::max(0, *std::max_element(days.begin(), days.end()));
+    NoteReached(window.seen, rows, peak);
+    return peak >= window.threshold;
+}
+
+bool AlarmRuleEngine::IsFaultForPeriodWithParam(EventRows& rows, const TestList& tests, Window& window)
+{
+    if (tests.empty()) {
+        return false;
+    }
+    std::int32_t count = 0;
+    for (std::size_t row = 0; row < rows.GetCount(); ++row) {
+        std::size_t passed = 0;
+        while (passed < tests.size() && IsErrorForEventWithParam(rows, row, passed, tests[passed])) {
+            ++passed;
+        }
+        const bool isCounted = passed == tests.size();
+        AddWrapping(count, isCounted ? 1 : 0);
+        window.seen.rowsFailedTest += isCounted ? 0U : 1U;
+    }
+    NoteReached(window.seen, rows, count);
+    return count >= window.threshold;
+}
+
+bool AlarmRuleEngine::IsErrorForEventWithParam(
+    const EventRows& rows, std::size_t row, std::size_t keyNumber, const MemberTest& test)
+{
+    return test.Passes(rows.GetMember(row, keyNumber));
+}
+
+// Passes the answer on. The rule's reason is the one of the last window that was there.
+bool AlarmRuleEngine::TellWindow(Window& window, Reason reason, bool isHit)
+{
+    if (reason != Reason::WINDOW_ABSENT) {
+        NoteReason(reason);
+    }
+    if (DetectionObserver* const observer = GetObserver()) {
+        DetectionObserver::AlarmWindowSeen& seen = window.seen;
+        seen.item = window.itemNumber;
+        seen.firstId = window.ids.first;
+        seen.lastId = window.ids.last;
+        seen.window = TIME_TYPE_WORDS[window.timeType];
+        seen.threshold = window.threshold;
+        seen.start = window.start;
+        seen.versionFilter = window.fromUpdate;
+        seen.hit = isHit;
+        seen.reason = reason;
+        observer->OnAlarmWindow(seen);
+    }
+    return isHit;
+}

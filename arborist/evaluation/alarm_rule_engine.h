@@ -1,0 +1,89 @@
+#ifndef ARBORIST_EVALUATION_ALARM_RULE_ENGINE_H
+#define ARBORIST_EVALUATION_ALARM_RULE_ENGINE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "arborist/evaluation/member_test.h"
+#include "arborist/evaluation/rule_checker.h"
+#include "arborist/model/rule.h"
+
+class AlarmRuleDbHelper;
+class EventRows;
+class RuleHelper;
+
+/// Decides alarm rules: counts the events of a range of ids that were logged in a time window, all or those that pass
+/// tests of their parameters.
+///
+/// Keeps the event log open, and what it read of it, for as long as it lives. Writes into the rules that it decides
+/// (TimeSet::timeType, results of logic items), so one rule set is decided by one thread at a time.
+class AlarmRuleEngine : public RuleChecker {
+public:
+    /// Item type under which the tests of the condition list apply.
+    static inline const std::string PARAM_EVENT_ID = "param_eventid";
+
+    /// Opens the event log at once; one that isn't there yet is tried again later.
+    explicit AlarmRuleEngine(std::shared_ptr<RuleHelper> ruleHelper);
+
+    /// Whether any window of any item reaches its threshold. An item without ids ends the rule: those behind it are not
+    /// looked at, on purpose.
+    bool IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId) override;
+
+private:
+    using AlarmItem = std::shared_ptr<AlarmRule::AlarmItem>;
+    using TestList = std::vector<MemberTest>;
+    using RowsVisitor = std::function<bool(EventRows& rows)>;
+
+    // Ids from `first` to `last`.
+    struct IdRange {
+        std::int32_t first;
+        std::int32_t last;
+    };
+
+    // One window of one item, while it is counted, and what is told of it.
+    struct Window {
+        std::size_t itemNumber;
+        IdRange ids;
+        TimeSet::TimeType timeType;
+        std::int32_t threshold;
+        std::int64_t start;
+        bool fromUpdate;
+        DetectionObserver::AlarmWindowSeen seen;
+    };
+
+    // What of the rows of one id is held against the threshold.
+    enum class Measure { PERIOD, DAILY_PEAK, ALL_TESTS };
+
+    std::optional<IdRange> GetAlarmIdList(const AlarmRule::AlarmItem& item) const;
+    bool IsRuleHitBySettingTime(const AlarmItem& item, std::size_t itemNumber, const std::string& eventId,
+        TimeSet::TimeType timeType, const IdRange& ids);
+    bool IsWithParamTestChecked(const AlarmRule::AlarmItem& item, TimeSet& timeSet, Window& window);
+    bool IsHitForSingleTypeTestChecked(const OrLogic& orLogic, const AlarmRule::AlarmItem& item, Window& window);
+    bool IsHitForMultipleTypeTestChecked(
+        const OrLogic& orLogic, const AlarmRule::AlarmItem& item, Window& window);
+    static TestPara GetOrLogicParamItem(const OrLogic& orLogic, const ParamMap& params);
+    static std::optional<TestPara> GetAndLogicParamItem(
+        const std::shared_ptr<OrLogic::LogicItem>& logicItem, const ParamMap& params);
+
+    bool IsAnyIdHit(Measure measure, const TestList& tests, Window& window);
+    bool IsLastIdHit(const MemberTest& test, Window& window);
+    void VisitIds(const TestList& tests, Window& window, const RowsVisitor& visitor);
+    bool IsHit(Measure measure, EventRows& rows, const TestList& tests, Window& window);
+    bool IsFaultForPeriod(EventRows& rows, const MemberTest* test, Window& window);
+    bool IsFaultForDaily(EventRows& rows, const MemberTest* test, Window& window);
+    bool IsFaultForPeriodWithParam(EventRows& rows, const TestList& tests, Window& window);
+    static bool IsErrorForEventWithParam(
+        const EventRows& rows, std::size_t row, std::size_t keyNumber, const MemberTest& test);
+    bool TellWindow(Window& window, DetectionObserver::Reason reason, bool isHit);
+
+    std::shared_ptr<AlarmRuleDbHelper> mEventStore;
+    std::shared_ptr<RuleHelper> mRuleHelper;
+    bool mIsLogReadable = true; // in the window that is being counted
+};
+
+#endif

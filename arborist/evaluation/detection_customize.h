@@ -1,0 +1,27 @@
+#ifndef ARBORIST_EVALUATION_DETECTION_CUSTOMIZE_H
+#define ARBORIST_EVALUATION_DETECTION_CUSTOMIZE_H
+
+#include <cstdint>
+#include <string>
+
+class LogEvent;
+struct EventMember;
+
+/// How single kinds of events count.
+class DetectionCustomize {
+public:
+    static inline const std::string KEY_COUNT = "COUNT";
+
+    DetectionCustomize() = delete;
+
+    /// Whether events of this id are DMD events: one row stands for as many events as its "COUNT" says.
+    static bool IsDmdEvent(std::int32_t eventId);
+
+    /// The weight of a DMD event: low 32 bits of "COUNT" in its extra; 1 when there is none or the extra is no JSON
+    /// object, 0 when the extra is empty or "COUNT" is no number. What can't be read logs an error.
+    static std::int32_t CheckDmdEventCount(const LogEvent& event);
+    /// The same for its member KEY_COUNT.
+    static std::int32_t CheckDmdEventCount(const EventMember& count);
+};
+
+#endif
