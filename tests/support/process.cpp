@@ -1,0 +1,79 @@
+#include "tests/support/process.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <stdexcept>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+// Files instead of pipes: nothing can block, however much is written to either side.
+File TemporaryFile(const std::string& content)
+{
+    File file(std::tmpfile());
+    if (file == nullptr || std::fwrite(content.data(), 1, content.size(), file.get()) != content.size()) {
+        throw std::runtime_error("no temporary file");
+    }
+    std::rewind(file.get());
+    return file;
+}
+
+std::string Content(std::FILE* file)
+{
+    std::string content;
+    char piece[4096];
+    std::rewind(file);
+    for (std::size_t length = 0; (length = std::fread(piece, 1, sizeof piece, file)) > 0;) {
+        content.append(piece, length);
+    }
+    return content;
+}
+
+[[noreturn]] void Become(const std::vector<std::string>& command, const ProcessSetup& setup, int in, int out, int err)
+{
+    dup2(in, STDIN_FILENO);
+    dup2(out, STDOUT_FILENO);
+    dup2(err, STDERR_FILENO);
+    for (const auto& [name, value] : setup.environment) {
+        setenv(name.c_str(), value.c_str(), 1);
+    }
+    std::vector<char*> arguments;
+    for (const std::string& argument : command) {
+        arguments.push_back(const_cast<char*>(argument.c_str()));
+    }
+    arguments.push_back(nullptr);
+    if (setup.directory.empty() || chdir(setup.directory.c_str()) == 0) {
+        execvp(arguments[0], arguments.data());
+    }
+    std::fprintf(stderr, "%s: %s\n", arguments[0], std::strerror(errno));
+    _exit(127);
+}
+
+} // namespace
+
+ProcessResult RunProcess(const std::vector<std::string>& command, const ProcessSetup& setup)
+{
+    const File in = TemporaryFile(setup.input);
+    const File out = TemporaryFile("");
+    const File err = TemporaryFile("");
+    const pid_t child = fork();
+    if (child == 0) {
+        Become(command, setup, fileno(in.get()), fileno(out.get()), fileno(err.get()));
+    }
+    int status = 0;
+    if (child < 0 || waitpid(child, &status, 0) != child) {
+        throw std::runtime_error("can't run " + command[0]);
+    }
+    return {WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status), Content(out.get()), Content(err.get())};
+}

@@ -1,0 +1,28 @@
+#ifndef ARBORIST_TESTS_SUPPORT_PROCESS_H
+#define ARBORIST_TESTS_SUPPORT_PROCESS_H
+
+#include <map>
+#include <string>
+#include <vector>
+
+/// What a program left behind.
+struct ProcessResult {
+    /// The exit status, or 128 and the signal's number when one ended it.
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+/// How a program is run beside its arguments.
+struct ProcessSetup {
+    std::string input = {};
+    /// Added to the environment of the test.
+    std::map<std::string, std::string> environment = {};
+    /// Empty for the current directory.
+    std::string directory = {};
+};
+
+/// Runs a program (a path, or a name in PATH) and waits for its end. Throws std::runtime_error when it can't be run.
+ProcessResult RunProcess(const std::vector<std::string>& command, const ProcessSetup& setup = {});
+
+#endif
