@@ -1,0 +1,46 @@
+#include "tests/tools/command_bundle.h"
+
+#include <iterator>
+
+#include "tests/support/xml_builder.h"
+
+ProcessResult RunArborist(std::vector<std::string> arguments, const ProcessSetup& setup)
+{
+    arguments.insert(arguments.begin(), ARBORIST_COMMAND);
+    return RunProcess(arguments, setup);
+}
+
+std::string BundleJson(const std::string& more)
+{
+    return R"({"detectScene": 1, "treeTag": "Tag")" + more + "}";
+}
+
+void WriteHotBundle(const TempDir& dir, const std::string& name, const std::string& json)
+{
+    const std::string extra = R"({"R1": "{\"operat\u0069on\": \"clean\"}"})";
+    const auto isHot = ConditionXml({SingleLogicXml(TestXml("gt", "t", "70"))});
+    const auto rule = NodeRuleXml("hot",
+        {NodeInfoXml("T", "temperature"), ParamsXml({ParamXml("t", "T", "int")}), isHot});
+    dir.Write(name + "/bundle.json", json);
+    dir.Write(name + "/temperature", "80\n");
+    dir.Write(name + "/rules/FaultTrees.xml",
+        TreeXml("Tag").Version("3").Tree("T", Or({Basic("HOT", {"Too hot", "", "{}", ""})})).Text());
+    dir.Write(name + "/rules/FaultTreeRules.xml", RuleXml("Tag").EventRule("HOT", {Single("hot")}).Rule(rule)
+        .FaultDescription("HOT", {"D1", "D2"}).Solution("HOT", {"S1", "S2"}).Repair("HOT", {{"R1", extra}}).Text());
+}
+
+void WriteCodeBundle(const TempDir& dir, const std::string& name, const std::vector<std::string>& infos,
+    const std::string& json)
+{
+    RuleXml rules("Tag");
+    std::vector<Xml> events;
+    for (std::size_t i = 0; i < infos.size(); ++i) {
+        const std::string id = "C" + std::to_string(i + 1);
+        events.push_back(Basic(id));
+        rules.EventRule(id, {Single("rule" + id)}).Rule(CodeRuleXml("rule" + id, "CODE_" + id, infos[i]));
+        rules.FaultDescription(id, {"D_" + id}).Solution(id, {"S_" + id}).Repair(id, {{"R_" + id, ""}});
+    }
+    dir.Write(name + "/bundle.json", json);
+    dir.Write(name + "/rules/FaultTrees.xml", TreeXml("Tag").Version("1").Tree("T", Or(events)).Text());
+    dir.Write(name + "/rules/FaultTreeRules.xml", rules.Text());
+}

@@ -1,0 +1,41 @@
+#ifndef ARBORIST_TOOLS_CODE_RULES_CODE_ANSWERS_H
+#define ARBORIST_TOOLS_CODE_RULES_CODE_ANSWERS_H
+
+#include <chrono>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "arborist/frame/detect_info.h"
+#include "tools/arborist/problem.h"
+
+namespace command {
+
+/// The program of --code-runner; an empty path for none.
+struct CodeRunner {
+    std::string path;
+    std::chrono::milliseconds timeout = std::chrono::seconds(30);
+};
+
+/// Answers the code rules of a bundle: by the answer that was recorded for the rule's user-defined text, else by
+/// asking the program. A rule that neither answers counts as not present, with a warning.
+class CodeAnswers : public CodeRuleRunner {
+public:
+    CodeAnswers(std::map<std::string, bool> recorded, CodeRunner runner);
+
+    bool RunCodeRule(std::vector<std::string> faultDescriptionIds, std::vector<std::string> suggestionIds,
+        std::vector<std::string> repairIds, const std::string& userDefinedInfo) override;
+
+    const std::vector<Warning>& GetWarnings() const { return mWarnings; }
+
+private:
+    bool Warn(const std::string& code, const std::string& message);
+
+    std::map<std::string, bool> mRecorded;
+    CodeRunner mRunner;
+    std::vector<Warning> mWarnings;
+};
+
+} // namespace command
+
+#endif

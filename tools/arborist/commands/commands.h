@@ -1,0 +1,21 @@
+#ifndef ARBORIST_TOOLS_COMMANDS_COMMANDS_H
+#define ARBORIST_TOOLS_COMMANDS_COMMANDS_H
+
+#include "tools/arborist/exit_status.h"
+
+namespace CLI {
+class App;
+}
+
+namespace command {
+
+/// Each adds one command to `app`. When the command line names it, it runs while the line is parsed and leaves its
+/// answer in `status`, which must outlive the parse.
+void AddDetectCommand(CLI::App& app, ExitStatus& status);
+void AddQueryCommand(CLI::App& app, ExitStatus& status);
+void AddRepairCommand(CLI::App& app, ExitStatus& status);
+void AddLogCommand(CLI::App& app, ExitStatus& status);
+
+} // namespace command
+
+#endif

@@ -1,0 +1,26 @@
+#ifndef ARBORIST_TOOLS_COMMANDS_OUTPUT_H
+#define ARBORIST_TOOLS_COMMANDS_OUTPUT_H
+
+#include <string>
+#include <vector>
+
+#include "tools/arborist/exit_status.h"
+#include "tools/arborist/problem.h"
+
+namespace command {
+
+/// Results go to standard output, and nothing else does. `text` goes out at once: readers follow a long run.
+void PrintResult(const std::string& text);
+
+/// One line on standard error: "arborist: message".
+void PrintError(const std::string& message);
+
+/// What a text result can't carry, on standard error, each with the bundle or file that it is about.
+void PrintProblems(const std::string& about, const std::vector<Warning>& warnings, const Failure* failure);
+
+/// The exit status at the end: INTERNAL, with a message, when results could not be written.
+ExitStatus FinishOutput(ExitStatus status);
+
+} // namespace command
+
+#endif

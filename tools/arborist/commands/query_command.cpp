@@ -1,0 +1,54 @@
+#include <CLI/CLI.hpp>
+
+#include "tools/arborist/commands/commands.h"
+#include "tools/arborist/commands/output.h"
+#include "tools/arborist/commands/shared_options.h"
+#include "tools/arborist/detection/query.h"
+#include "tools/arborist/render/query_report.h"
+
+namespace command {
+
+namespace {
+
+struct QueryOptions {
+    std::string bundle;
+    std::string code;
+    BundleOverrides overrides;
+    LogOptions log;
+    bool asJson = false;
+};
+
+ExitStatus Query(const QueryOptions& options)
+{
+    if (!IsLogOpen(options.log)) {
+        return ExitStatus::WRONG_USE;
+    }
+    const QueryReport report = RunQuery(MakeBundlePath(options.bundle), options.code, options.overrides);
+    if (options.asJson) {
+        PrintResult(QueryJson(report) + "\n");
+    } else {
+        PrintProblems(report.bundle, report.warnings, report.failure ? &*report.failure : nullptr);
+        PrintResult(QueryText(report));
+    }
+    return report.failure ? report.failure->status : ExitStatus::SUCCESS;
+}
+
+} // namespace
+
+void AddQueryCommand(CLI::App& app, ExitStatus& status)
+{
+    auto options = std::make_shared<QueryOptions>();
+    CLI::App* query = app.add_subcommand("query", "Tell about one detection code, without a detection");
+    query->add_option("BUNDLE", options->bundle, "Folder with a bundle.json")->required();
+    query->add_option("CODE", options->code, "Detection code of a code rule")->required()->check([](const auto& code) {
+        return std::string(code.empty() ? "must not be empty" : "");
+    });
+    query->add_flag("--json", options->asJson, "One JSON object");
+    AddOverrides(*query, options->overrides);
+    AddLogOptions(*query, options->log);
+    query->footer("Prints whether the code rule would run on this device, and the description, suggestion and repair\n"
+                  "ids that it stands for.\nExample:\n  arborist query examples/laptop KEYBOARD_TEST");
+    query->callback([options, &status] { status = Query(*options); });
+}
+
+} // namespace command

@@ -1,0 +1,123 @@
+#include <algorithm>
+
+#include <CLI/CLI.hpp>
+
+#include "arborist/frame/repair.h"
+#include "tools/arborist/bundle/bundle_session.h"
+#include "tools/arborist/bundle/moment.h"
+#include "tools/arborist/commands/commands.h"
+#include "tools/arborist/commands/output.h"
+#include "tools/arborist/commands/shared_options.h"
+#include "tools/arborist/render/json_writer.h"
+#include "tools/arborist/repair_db/repair_records.h"
+#include "tools/arborist/text/printable.h"
+
+namespace command {
+
+namespace {
+
+struct RepairOptions {
+    std::string bundle;
+    std::string id;
+    BundleOverrides overrides;
+    LogOptions log;
+    bool asJson = false;
+};
+
+ExitStatus Fail(const RepairOptions& options, const Failure& failure)
+{
+    PrintProblems(options.bundle, {}, &failure);
+    return failure.status;
+}
+
+std::string RecordText(const RepairRecord& record, bool asJson)
+{
+    if (!asJson) {
+        return Printable(record.date) + "  " + Printable(record.id) + "\n";
+    }
+    JsonWriter json;
+    return json.BeginObject().Text("id", record.id).Text("date", record.date).EndObject().Line() + "\n";
+}
+
+// The library answers nothing when it records, so the record is read back: an old one may have stayed.
+std::optional<Failure> Record(const BundleSession& session, const RepairOptions& options)
+{
+    const std::string path = session.ProgramDataPath(REPAIR_RECORDS);
+    const std::string earliest = FormatMoment(session.Now()).value_or("");
+    UpdateRepairDb(options.id);
+    std::vector<RepairRecord> records;
+    if (auto failure = ReadRepairRecords(path, records)) {
+        return failure;
+    }
+    const auto record = std::find_if(records.begin(), records.end(),
+        [&](const RepairRecord& candidate) { return candidate.id == options.id && candidate.date >= earliest; });
+    if (record == records.end()) {
+        return Failure{"repair_not_recorded", path + ": the repair was not recorded; the library's log tells why"};
+    }
+    PrintResult(RecordText(*record, options.asJson));
+    return std::nullopt;
+}
+
+std::optional<Failure> List(const BundleSession& session, const RepairOptions& options)
+{
+    std::vector<RepairRecord> records;
+    if (auto failure = ReadRepairRecords(session.ProgramDataPath(REPAIR_RECORDS), records)) {
+        return failure;
+    }
+    for (const RepairRecord& record : records) {
+        PrintResult(RecordText(record, options.asJson));
+    }
+    return std::nullopt;
+}
+
+using Work = std::optional<Failure> (*)(const BundleSession& session, const RepairOptions& options);
+
+ExitStatus WithRecords(const RepairOptions& options, Work work)
+{
+    if (!IsLogOpen(options.log)) {
+        return ExitStatus::WRONG_USE;
+    }
+    BundleSession session;
+    if (const auto failure = session.Enter(MakeBundlePath(options.bundle), options.overrides)) {
+        return Fail(options, *failure);
+    }
+    PrintProblems(options.bundle, session.GetWarnings(), nullptr);
+    const auto failure = work(session, options);
+    return failure ? Fail(options, *failure) : ExitStatus::SUCCESS;
+}
+
+CLI::App* AddRecordsCommand(CLI::App& repair, const std::string& name, const std::string& description,
+    const std::shared_ptr<RepairOptions>& options)
+{
+    CLI::App* command = repair.add_subcommand(name, description);
+    command->add_option("BUNDLE", options->bundle, "Folder with a bundle.json")->required();
+    command->add_flag("--json", options->asJson, "One JSON object a line for each record");
+    AddLogOptions(*command, options->log);
+    return command;
+}
+
+} // namespace
+
+void AddRepairCommand(CLI::App& app, ExitStatus& status)
+{
+    CLI::App* repair = app.add_subcommand("repair", "Repair records of a bundle: what happened before a repair doesn't "
+        "count any more");
+    repair->require_subcommand(1);
+
+    auto recordOptions = std::make_shared<RepairOptions>();
+    CLI::App* record = AddRecordsCommand(*repair, "record", "Record that a repair was carried out", recordOptions);
+    record->add_option("ID", recordOptions->id, "Repair id")->required()->check([](const std::string& id) {
+        return std::string(id.empty() ? "must not be empty" : "");
+    });
+    AddOverrides(*record, recordOptions->overrides);
+    record->footer("Example:\n  arborist repair record examples/laptop REPAIR_BATTERY --now \"2024-05-01 10:00:00\"");
+    record->callback([recordOptions, &status] { status = WithRecords(*recordOptions, Record); });
+
+    auto listOptions = std::make_shared<RepairOptions>();
+    CLI::App* list = AddRecordsCommand(*repair, "list", "Show the records, in the order of their first making",
+        listOptions);
+    list->footer("Example:\n  arborist repair list examples/laptop");
+    list->callback([listOptions, &status] { status = WithRecords(*listOptions, List); });
+}
+
+} // namespace command

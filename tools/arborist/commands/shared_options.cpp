@@ -1,0 +1,57 @@
+#include "tools/arborist/commands/shared_options.h"
+
+#include <filesystem>
+
+#include <CLI/CLI.hpp>
+
+#include "tools/arborist/bundle/moment.h"
+#include "tools/arborist/commands/output.h"
+
+namespace command {
+
+void AddOverrides(CLI::App& app, BundleOverrides& overrides)
+{
+    app.add_option("--now", overrides.now, "Diagnose as of this moment, \"YYYY-MM-DD HH:MM:SS\" local time or seconds "
+        "since the epoch, instead of \"now\" of the bundle")
+        ->type_name("TIME")
+        ->check([](const std::string& text) {
+            return IsMomentText(text) ? "" : "is neither \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: " + text;
+        });
+    AddTimeZone(app, overrides.tz);
+}
+
+void AddTimeZone(CLI::App& app, std::string& zone)
+{
+    app.add_option("--tz", zone, "Time zone of local times, \"Europe/Berlin\" or a POSIX rule")
+        ->type_name("ZONE")
+        ->check([](const std::string& text) {
+            return IsTimeZone(text) ? "" : "names no time zone that this machine knows: " + text;
+        });
+}
+
+void AddLogOptions(CLI::App& app, LogOptions& options)
+{
+    app.add_option("--log-level", options.level, "Library log on standard error from this level on: trace, debug, "
+        "info, warn, error (the default), fatal or none")
+        ->type_name("LEVEL")
+        ->check([](const std::string& word) { return LogLevelOf(word) ? "" : "is no log level: " + word; });
+    app.add_option("--log-file", options.file, "Whole library log into this file, instead of standard error")
+        ->type_name("FILE");
+}
+
+BundlePath MakeBundlePath(const std::string& given)
+{
+    std::error_code error;
+    return {given, std::filesystem::absolute(given, error).string()};
+}
+
+bool IsLogOpen(const LogOptions& options)
+{
+    const auto problem = OpenLibraryLog(options);
+    if (problem) {
+        PrintError(*problem);
+    }
+    return !problem;
+}
+
+} // namespace command

@@ -1,0 +1,32 @@
+#ifndef ARBORIST_TOOLS_COMMANDS_SHARED_OPTIONS_H
+#define ARBORIST_TOOLS_COMMANDS_SHARED_OPTIONS_H
+
+#include <optional>
+#include <string>
+
+#include "tools/arborist/bundle/bundle_session.h"
+#include "tools/arborist/detection/detection.h"
+#include "tools/arborist/library_log/library_log.h"
+
+namespace CLI {
+class App;
+}
+
+namespace command {
+
+/// --now and --tz.
+void AddOverrides(CLI::App& app, BundleOverrides& overrides);
+/// --tz alone.
+void AddTimeZone(CLI::App& app, std::string& zone);
+/// --log-level and --log-file.
+void AddLogOptions(CLI::App& app, LogOptions& options);
+
+/// The place is worked out before any bundle becomes the working directory.
+BundlePath MakeBundlePath(const std::string& given);
+
+/// Opens the library's log; false after telling why not, which is wrong use.
+bool IsLogOpen(const LogOptions& options);
+
+} // namespace command
+
+#endif

@@ -1,0 +1,17 @@
+#ifndef ARBORIST_TOOLS_DETECTION_BAD_PATTERN_H
+#define ARBORIST_TOOLS_DETECTION_BAD_PATTERN_H
+
+#include <string>
+#include <vector>
+
+#include "tools/arborist/detection/detection_recorder.h"
+
+namespace command {
+
+/// The message for a file name pattern that is no regular expression, which the library lets out of a detection as
+/// an exception without saying which one: names the "defDBTable" entry and the text of each such pattern.
+std::string BadPatternMessage(const std::vector<RecordedFile>& files, const std::string& reason);
+
+} // namespace command
+
+#endif

@@ -1,0 +1,148 @@
+#include "tools/arborist/detection/detection.h"
+
+#include <algorithm>
+#include <exception>
+#include <new>
+#include <regex>
+
+#include "arborist/frame/arborist.h"
+#include "tools/arborist/detection/bad_pattern.h"
+
+namespace command {
+
+namespace {
+
+using File = DetectionObserver::RuleSetFile;
+
+std::string FileTrouble(const RecordedFile& file)
+{
+    if (file.state == File::State::MISSING) {
+        return file.path + ": no such file";
+    }
+    const std::string place = file.line > 0 ? ":" + std::to_string(file.line) : "";
+    return file.path + place + ": " + (file.message.empty() ? "is no XML that can be read" : file.message);
+}
+
+void Append(std::vector<Warning>& warnings, const std::vector<Warning>& more)
+{
+    warnings.insert(warnings.end(), more.begin(), more.end());
+}
+
+// A rule that several events use is asked for each of them; its trouble is told once.
+void RemoveRepeated(std::vector<Warning>& warnings)
+{
+    std::vector<Warning> once;
+    for (const Warning& warning : warnings) {
+        const bool isNew = std::none_of(once.begin(), once.end(),
+            [&warning](const Warning& other) { return other.message == warning.message; });
+        if (isNew) {
+            once.push_back(warning);
+        }
+    }
+    warnings = std::move(once);
+}
+
+/// One detection with what listens to it.
+class Detection {
+public:
+    Detection(const BundleSession& session, const DetectionOptions& options)
+        : mInfo(session.MakeDetectInfo()), mRecorder(std::make_shared<DetectionRecorder>(options.withTrees))
+    {
+        // Without any source of answers the library hears so: a rule then ends with that reason.
+        if (!session.GetBundle().codeAnswers.empty() || !options.codeRunner.path.empty()) {
+            mAnswers = std::make_shared<CodeAnswers>(session.GetBundle().codeAnswers, options.codeRunner);
+            mInfo->mCodeRuleRunner = mAnswers;
+        }
+    }
+
+    void Run(DetectionReport& report)
+    {
+        try {
+            Arborist engine(mInfo);
+            engine.SetObserver(mRecorder);
+            report.results = engine.StartDetection();
+            report.failure = RuleSetFailure(mRecorder->GetFiles(), mInfo->mTreeTag);
+        } catch (...) {
+            report.failure = FailureInFlight(mRecorder->GetFiles());
+        }
+        if (report.failure) {
+            report.results.clear();
+            return;
+        }
+        report.trees = mRecorder->GetTrees();
+        Append(report.warnings, mRecorder->GetWarnings());
+        if (mAnswers != nullptr) {
+            Append(report.warnings, mAnswers->GetWarnings());
+        }
+        RemoveRepeated(report.warnings);
+    }
+
+private:
+    std::shared_ptr<DetectInfo> mInfo;
+    std::shared_ptr<DetectionRecorder> mRecorder;
+    std::shared_ptr<CodeAnswers> mAnswers;
+};
+
+} // namespace
+
+bool DetectionReport::IsFault() const
+{
+    return std::any_of(results.begin(), results.end(),
+        [](const std::shared_ptr<FaultTreeResult>& result) { return result->mIsFault; });
+}
+
+std::optional<Failure> RuleSetFailure(const std::vector<RecordedFile>& files, const std::string& treeTag)
+{
+    std::optional<Failure> failure;
+    std::string treeFile = "the rule set";
+    bool hasTrees = false;
+    for (const RecordedFile& file : files) {
+        if (file.state != File::State::LOADED) {
+            const std::string code = file.state == File::State::MISSING ? "rule_file_missing" : "rule_file_malformed";
+            // Both files may be at fault: the first gives the code, the message names both.
+            failure = failure ? Failure{failure->code, failure->message + "; " + FileTrouble(file), failure->status}
+                              : Failure{code, FileTrouble(file), ExitStatus::RULE_SET};
+        } else if (file.kind == File::Kind::TREES) {
+            treeFile = file.path;
+            hasTrees = file.count > 0;
+        }
+    }
+    if (!failure && !hasTrees) {
+        failure = Failure{"no_tree", treeFile + ": no tree under the tag \"" + treeTag + "\"", ExitStatus::RULE_SET};
+    }
+    return failure;
+}
+
+std::optional<Failure> FailureInFlight(const std::vector<RecordedFile>& files)
+{
+    try {
+        throw;
+    } catch (const std::regex_error& error) {
+        return Failure{"bad_pattern", BadPatternMessage(files, error.what()), ExitStatus::RULE_SET};
+    } catch (const std::bad_alloc&) {
+        return Failure{"out_of_memory", "memory ran out", ExitStatus::INTERNAL};
+    } catch (const std::exception& error) {
+        return Failure{"internal", std::string("internal error: ") + error.what(), ExitStatus::INTERNAL};
+    } catch (...) {
+        return Failure{"internal", "internal error", ExitStatus::INTERNAL};
+    }
+}
+
+DetectionReport RunDetection(const BundlePath& bundle, const DetectionOptions& options)
+{
+    DetectionReport report;
+    report.bundle = bundle.given;
+    try {
+        BundleSession session;
+        report.failure = session.Enter(bundle, options.overrides);
+        report.warnings = session.GetWarnings();
+        if (!report.failure) {
+            Detection(session, options).Run(report);
+        }
+    } catch (...) {
+        report.failure = FailureInFlight({});
+    }
+    return report;
+}
+
+} // namespace command

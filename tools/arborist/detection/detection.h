@@ -1,0 +1,49 @@
+#ifndef ARBORIST_TOOLS_DETECTION_DETECTION_H
+#define ARBORIST_TOOLS_DETECTION_DETECTION_H
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "arborist/frame/fault_tree_result.h"
+#include "tools/arborist/bundle/bundle_session.h"
+#include "tools/arborist/code_rules/code_answers.h"
+#include "tools/arborist/detection/detection_recorder.h"
+#include "tools/arborist/problem.h"
+
+namespace command {
+
+/// What the command line says about every detection.
+struct DetectionOptions {
+    BundleOverrides overrides;
+    CodeRunner codeRunner;
+    bool withTrees = false;
+};
+
+/// Everything that one detection leaves behind; the renderers show it and nothing else.
+struct DetectionReport {
+    std::string bundle;
+    /// Why the bundle could not be run; there are no results then.
+    std::optional<Failure> failure;
+    std::vector<Warning> warnings;
+    std::vector<std::shared_ptr<FaultTreeResult>> results;
+    /// The trees of the results, in the same order; empty unless asked for.
+    std::vector<RecordedTree> trees;
+
+    bool IsFault() const;
+};
+
+/// Runs one detection for a bundle. Whatever goes wrong, exceptions included, is told in the report.
+DetectionReport RunDetection(const BundlePath& bundle, const DetectionOptions& options);
+
+/// Whether the rule set that an engine tried to load can be used: a file is missing or malformed, or no tree stands
+/// under the tag.
+std::optional<Failure> RuleSetFailure(const std::vector<RecordedFile>& files, const std::string& treeTag);
+
+/// The exception in flight as a failure; to be called in a catch block while the bundle is entered.
+std::optional<Failure> FailureInFlight(const std::vector<RecordedFile>& files);
+
+} // namespace command
+
+#endif

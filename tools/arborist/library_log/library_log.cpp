@@ -1,0 +1,94 @@
+#include "tools/arborist/library_log/library_log.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include "arborist/frame/log.h"
+
+namespace command {
+
+namespace {
+
+constexpr const char* LEVEL_WORDS[] = {"trace", "debug", "info", "warn", "error", "fatal", "none"};
+// The tags of the library's own logger, so that a log reads the same wherever it was taken.
+constexpr const char* LEVEL_TAGS[] = {"[TRACE] ", "[DEBUG] ", "[INFO] ", "[WARN] ", "[ERROR] ", "[FATAL] "};
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+class LevelLogger : public FT::ILogger {
+public:
+    LevelLogger(int level, File file) : mLevel(level), mFile(std::move(file)) {}
+
+    void Print(unsigned int level, const std::string& format, va_list args) override
+    {
+        const bool isForScreen = static_cast<int>(level) >= mLevel;
+        if (!isForScreen && mFile == nullptr) {
+            return;
+        }
+        const std::string line = Line(level, format, args);
+        if (isForScreen) {
+            std::fwrite(line.data(), 1, line.size(), stderr);
+        }
+        if (mFile != nullptr) {
+            std::fwrite(line.data(), 1, line.size(), mFile.get());
+        }
+    }
+
+private:
+    static std::string Line(unsigned int level, const std::string& format, va_list args)
+    {
+        std::string line = std::string("[") + (level < std::size(LEVEL_TAGS) ? LEVEL_TAGS[level] : "") + "]:";
+        va_list again;
+        va_copy(again, args);
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral" // checked where the library logs
+        const int length = std::vsnprintf(nullptr, 0, format.c_str(), args);
+        if (length > 0) {
+            std::vector<char> text(static_cast<std::size_t>(length) + 1);
+            std::vsnprintf(text.data(), text.size(), format.c_str(), again);
+            line.append(text.data(), static_cast<std::size_t>(length));
+        }
+#pragma GCC diagnostic pop
+        va_end(again);
+        return line + "\n";
+    }
+
+    int mLevel;
+    File mFile;
+};
+
+} // namespace
+
+std::optional<int> LogLevelOf(const std::string& word)
+{
+    for (std::size_t level = 0; level < std::size(LEVEL_WORDS); ++level) {
+        if (word == LEVEL_WORDS[level]) {
+            return static_cast<int>(level);
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> OpenLibraryLog(const LogOptions& options)
+{
+    File file;
+    if (!options.file.empty()) {
+        file.reset(std::fopen(options.file.c_str(), "we"));
+        if (file == nullptr) {
+            return options.file + ": can't be written: " + std::strerror(errno);
+        }
+    }
+    const std::string word = !options.level.empty() ? options.level : file == nullptr ? "error" : "none";
+    const int level = LogLevelOf(word).value_or(FT::LEVEL_ERROR);
+    FT::Log::GetInstance().SetUserLogger(std::make_unique<LevelLogger>(level, std::move(file)));
+    return std::nullopt;
+}
+
+} // namespace command

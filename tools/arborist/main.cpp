@@ -1,0 +1,6 @@
+#include "tools/arborist/commands/command_line.h"
+
+int main(int argc, char** argv)
+{
+    return static_cast<int>(command::RunCommandLine(argc, argv));
+}

@@ -1,0 +1,22 @@
+#ifndef ARBORIST_TOOLS_RENDER_DETECTION_JSON_H
+#define ARBORIST_TOOLS_RENDER_DETECTION_JSON_H
+
+#include <string>
+
+#include "tools/arborist/detection/detection.h"
+#include "tools/arborist/render/json_writer.h"
+
+namespace command {
+
+/// A report as one line of JSON, schema "arborist.detect.1", without the line end. Members are only ever added.
+std::string DetectionJson(const DetectionReport& report);
+
+/// The members that every report has: "bundle", "ok", "warnings".
+void WriteHead(JsonWriter& json, const std::string& schema, const std::string& bundle, bool isOk,
+    const std::vector<Warning>& warnings);
+/// The member "error".
+void WriteError(JsonWriter& json, const Failure& failure);
+
+} // namespace command
+
+#endif

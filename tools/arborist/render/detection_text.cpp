@@ -1,0 +1,110 @@
+#include "tools/arborist/render/detection_text.h"
+
+#include "tools/arborist/text/printable.h"
+
+namespace command {
+
+namespace {
+
+// Ids and names are the rule author's: an absent one still needs something to see.
+std::string Shown(const std::string& text)
+{
+    return text.empty() ? "(empty)" : Printable(text);
+}
+
+std::string Line(const std::string& label, const std::string& value)
+{
+    static constexpr std::size_t LABEL_WIDTH = 14;
+    return value.empty() ? "" : "       " + label + std::string(LABEL_WIDTH - label.size(), ' ') + value + "\n";
+}
+
+std::string Joined(const std::vector<std::string>& texts)
+{
+    std::string line;
+    for (const std::string& text : texts) {
+        line += (line.empty() ? "" : ", ") + Shown(text);
+    }
+    return line;
+}
+
+std::string RepairText(const FaultTreeResult::RepairInfo& repair)
+{
+    std::string text = Shown(repair.mId);
+    const std::string operation = repair.GetOperation();
+    if (!operation.empty()) {
+        text += ", operation " + Printable(operation);
+    }
+    return repair.mExtra.empty() ? text : text + ", extra " + Printable(repair.mExtra);
+}
+
+std::string RootCauseText(std::size_t number, const FaultTreeResult::RootCauseResult& cause)
+{
+    std::string text = "    " + std::to_string(number) + ". " + Shown(cause.mNode->mId);
+    if (!cause.mNode->mName.empty()) {
+        text += "  " + Printable(cause.mNode->mName);
+    }
+    text += "\n" + Line("description", Printable(cause.mFaultDescription));
+    text += Line("suggestions", Joined(cause.mSuggestions));
+    for (const FaultTreeResult::RepairInfo& repair : cause.mRepairInfos) {
+        text += Line("repair", RepairText(repair));
+    }
+    return text + Line("user defined", Printable(cause.mNode->mUserDefined));
+}
+
+const char* Mark(const RecordedEvent& event)
+{
+    using Folded = DetectionObserver::EventFolded;
+    if (event.kind == Folded::Kind::UNDEVELOPED) {
+        return " (undeveloped)";
+    }
+    if (event.kind == Folded::Kind::BASIC) {
+        return "";
+    }
+    return event.gate == Folded::GateKind::OR ? " OR" : event.gate == Folded::GateKind::AND ? " AND" : " (no gate)";
+}
+
+std::string TreeText(const std::vector<RecordedEvent>& events)
+{
+    static constexpr std::size_t STATUS_WIDTH = 8;
+    std::string text;
+    for (const RecordedEvent& event : events) {
+        std::string status = GetElemTypeName(event.status);
+        status.resize(std::max(status.size(), STATUS_WIDTH), ' ');
+        text += "    " + status + std::string(2 * event.depth, ' ') + Shown(event.id) + Mark(event);
+        text += event.name.empty() ? "\n" : "  " + Printable(event.name) + "\n";
+    }
+    return text;
+}
+
+std::string Verdict(const FaultTreeResult& result)
+{
+    const std::size_t causes = result.mRootCauseResults.size();
+    if (!result.mIsFault) {
+        return "no fault";
+    }
+    return "FAULT, " + std::to_string(causes) + (causes == 1 ? " root cause" : " root causes");
+}
+
+} // namespace
+
+std::string DetectionText(const DetectionReport& report)
+{
+    std::string text = Shown(report.bundle) + "\n";
+    if (report.failure) {
+        return text + "  NOT DIAGNOSED\n";
+    }
+    for (std::size_t i = 0; i < report.results.size(); ++i) {
+        const FaultTreeResult& result = *report.results[i];
+        text += "  " + Shown(result.mTreeId) + " (version " + Shown(result.mVersion) + "): " + Verdict(result) + "\n";
+        std::size_t number = 0;
+        for (const auto& cause : result.mRootCauseResults) {
+            text += RootCauseText(++number, *cause);
+        }
+        if (i < report.trees.size()) {
+            text += TreeText(report.trees[i].events);
+        }
+    }
+    return text;
+}
+
+} // namespace command

@@ -1,0 +1,16 @@
+#ifndef ARBORIST_TOOLS_RENDER_DETECTION_TEXT_H
+#define ARBORIST_TOOLS_RENDER_DETECTION_TEXT_H
+
+#include <string>
+
+#include "tools/arborist/detection/detection.h"
+
+namespace command {
+
+/// A report for people: each tree with its verdict, its root causes with all their ids and, where the report holds
+/// them, the trees with the status of every event. Ends with a line end.
+std::string DetectionText(const DetectionReport& report);
+
+} // namespace command
+
+#endif

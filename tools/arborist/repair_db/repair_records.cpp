@@ -1,0 +1,30 @@
+#include "tools/arborist/repair_db/repair_records.h"
+
+#include <filesystem>
+
+#include "tools/arborist/sqlite/connection.h"
+
+namespace command {
+
+std::optional<Failure> ReadRepairRecords(const std::string& path, std::vector<RepairRecord>& records)
+{
+    std::error_code error;
+    if (!std::filesystem::exists(path, error)) {
+        return std::nullopt;
+    }
+    Connection database;
+    std::optional<Statement> rows;
+    if (!database.Open(path, Connection::Mode::READ_ONLY)
+        || !(rows = database.Prepare("SELECT repair_id, repair_date FROM repair_data ORDER BY _id"))) {
+        return Failure{"bad_repair_records", path + ": " + database.GetError()};
+    }
+    while (rows->Step()) {
+        records.push_back({rows->Text(0), rows->Text(1)});
+    }
+    if (database.HasError()) {
+        return Failure{"bad_repair_records", path + ": " + database.GetError()};
+    }
+    return std::nullopt;
+}
+
+} // namespace command
