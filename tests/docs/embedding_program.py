@@ -1,4 +1,7 @@
-"""Joins the C++ blocks of docs/embedding.md into the program that the page describes. usage: embedding_program.py OUT"""
+"""Joins the C++ blocks of docs/embedding.md into the program that the page describes.
+
+usage: embedding_program.py OUT
+"""
 import sys
 from pathlib import Path
 

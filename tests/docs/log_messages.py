@@ -27,6 +27,10 @@ def messages_of(source):
     return {text[len("FUNc:%s: "):] for text in texts if text.startswith("FUNc:%s: ")}
 
 
+def literals_of(source):
+    return {text_of(literal) for literal in LITERAL.findall(source)}
+
+
 def calls_of(source):
     """(level, message, function) of each call that spells all three out."""
     return {(level, message.replace('\\"', '"'), function) for level, message, function in CALL.findall(source)}
@@ -42,8 +46,19 @@ def rows_of(page):
     return rows
 
 
+def is_composed(source_format):
+    """Whether a format spells nothing out: what it prints stands elsewhere in the source."""
+    return re.search(r"[A-Za-z]", FORMAT.sub("", source_format)) is None
+
+
+def is_spelled(message, formats, literals):
+    """Whether the sources log a message of the page: by a format of theirs, or composed of a text that they hold."""
+    return any(fits(message, text) for text in formats if not is_composed(text)) \
+        or any(message.startswith(text) for text in literals if " " in text.strip())
+
+
 def fits(message, source_format):
-    """Whether a message of the page is this format, with some of its texts perhaps filled in by one word or function name."""
+    """Whether a message of the page is this format, some texts perhaps filled in by a word or function name."""
     if message == source_format:
         return True
     pattern = "".join(r"(?:%s|[\w:]+)" if part == "%s" else re.escape(part)

@@ -45,7 +45,8 @@ class ReaderTest(unittest.TestCase):
     def test_a_broken_link_is_found(self):
         with tempfile.TemporaryDirectory() as name:
             page = Path(name) / "page.md"
-            page.write_text("# One\n[a](#one) [b](#two) [c](page.md#one) [d](gone.md) `[e](gone.md)` [f](https://x.y/z)\n")
+            page.write_text("# One\n[a](#one) [b](#two) [c](page.md#one) [d](gone.md) `[e](gone.md)` "
+                            "[f](https://x.y/z)\n")
             self.assertEqual(pages.broken_links(page),
                              ["page.md: #two: no such heading", "page.md: gone.md: no such file"])
 

@@ -1,0 +1,28 @@
+#ifndef ARBORIST_TESTS_DOCS_EXAMPLE_PAGE_H
+#define ARBORIST_TESTS_DOCS_EXAMPLE_PAGE_H
+
+#include <string>
+#include <utility>
+#include <vector>
+
+/// One fenced block of a page: keys and what stands for them, in order, pieces filled in.
+struct PageExample {
+    /// The heading that it stands under, as an identifier in UpperCamelCase, with a number when it is not the first.
+    std::string name;
+    int line = 0;
+    std::vector<std::pair<std::string, std::string>> entries;
+
+    /// All that stands for a key, in order.
+    std::vector<std::string> All(const std::string& key) const;
+    /// What stands for a key first; `fallback` when the key is missing.
+    std::string First(const std::string& key, const std::string& fallback = "") const;
+    bool Has(const std::string& key) const { return !All(key).empty(); }
+};
+
+/// The examples of a page ("arborist" blocks), with the pieces of its "arborist-pieces" block filled in.
+std::vector<PageExample> ReadExamples(const std::string& page);
+
+/// Third-level headings of a page whose section lacks an example or a line that begins with "Instead:".
+std::vector<std::string> IncompleteSections(const std::string& page);
+
+#endif

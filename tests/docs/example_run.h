@@ -1,0 +1,60 @@
+#ifndef ARBORIST_TESTS_DOCS_EXAMPLE_RUN_H
+#define ARBORIST_TESTS_DOCS_EXAMPLE_RUN_H
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "arborist/arborist.h"
+#include "tests/docs/example_page.h"
+#include "tests/support/log_capture.h"
+#include "tests/support/settings_guard.h"
+#include "tests/support/temp_dir.h"
+
+/// Keeps what the outcomes of examples ask for.
+class ExampleObserver : public DetectionObserver {
+public:
+    void OnFormula(const FormulaSeen& formula) override { formulaResult = formula.result; }
+    void OnQuery(const QuerySeen& query) override { sql = query.sql; }
+    void OnRuleDecided(const RuleDecided& rule) override { reason = ReasonText(rule.reason); }
+    void OnEventFolded(const EventFolded& event) override { statuses[std::string(event.id)] = event.status; }
+
+    std::string formulaResult;
+    std::string sql;
+    std::string reason;
+    /// The last status of each event.
+    std::map<std::string, EventStatus> statuses;
+};
+
+/// Runs one example of a page: writes what it describes into a folder, runs one detection, answers for its outcomes.
+class ExampleRun {
+public:
+    explicit ExampleRun(const PageExample& example);
+
+    /// What is wrong with an outcome; empty when it came about. An outcome of no known form is wrong.
+    std::string FaultOf(const std::string& outcome);
+
+private:
+    void WriteTreeFile() const;
+    void WriteRuleFile() const;
+    void WriteDevice() const;
+    std::shared_ptr<DetectInfo> MakeInfo() const;
+    std::string Query(const std::string& call, const std::string& argument, bool before);
+    std::string RootCauses() const;
+    std::string DescriptionOrOperation(const std::string& what, const std::string& eventId) const;
+
+    const PageExample& mExample;
+    TempDir mDir;
+    SettingsGuard mSettings;
+    LogCapture mLog;
+    std::shared_ptr<DetectInfo> mInfo;
+    std::shared_ptr<ExampleObserver> mObserver = std::make_shared<ExampleObserver>();
+    std::unique_ptr<Arborist> mEngine;
+    std::vector<std::shared_ptr<FaultTreeResult>> mResults;
+};
+
+/// Keys that ExampleRun knows.
+const std::vector<std::string>& KnownKeys();
+
+#endif
