@@ -1,0 +1,377 @@
+#include "arborist/evaluation/alarm_rule_engine.h"
+
+#include <gmock/gmock.h>
+
+#include "arborist/evaluation/rule_helper.h"
+#include "arborist/frame/detect_info.h"
+#include "arborist/frame/log.h"
+#include "arborist/frame/settings.h"
+#include "tests/evaluation/alarm_rules.h"
+#include "tests/support/case_name.h"
+#include "tests/support/event_log_builder.h"
+#include "tests/support/log_capture.h"
+#include "tests/support/recording_observer.h"
+#include "tests/support/settings_guard.h"
+#include "tests/support/temp_dir.h"
+
+namespace {
+
+using testing::Each;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using Reason = DetectionObserver::Reason;
+
+constexpr std::int64_t DAY = 86400;
+constexpr std::int64_t NOW = 1700000000; // 14 November 2023, 23:13:20 in the zone of the tests
+constexpr std::int32_t DMD = 920000001;
+
+class AlarmRuleEngineTest : public testing::Test {
+protected:
+    AlarmRuleEngineTest()
+    {
+        mSettings.Set(Settings::PROGRAM_DATA_DIR, mDir.Path("data"));
+        mSettings.Set(Settings::CURRENT_TIME, std::to_string(NOW));
+        mSettings.Set(Settings::VERSION_NAME, "1");
+    }
+
+    void Log(const std::vector<LoggedRow>& rows) const
+    {
+        EventLogBuilder().Rows(rows).WriteTo(mDir.Path("data/Comms/Lumbra/workDir/0/log.db"));
+    }
+
+    // Rows of one id, a day apart, the newest an hour old.
+    static std::vector<LoggedRow> Days(std::size_t count, std::int64_t event, const std::string& extra = "")
+    {
+        std::vector<LoggedRow> rows;
+        for (std::size_t row = 0; row < count; ++row) {
+            rows.push_back({NOW - 3600 - static_cast<std::int64_t>(row) * DAY, event, "1", extra});
+        }
+        return rows;
+    }
+
+    bool Fires(const std::shared_ptr<Rule>& rule)
+    {
+        const auto helper = std::make_shared<RuleHelper>(std::make_shared<DetectInfo>(), nullptr);
+        helper->SetObserver(&mObserver);
+        AlarmRuleEngine engine(helper);
+        engine.SetObserver(&mObserver);
+        const bool fires = engine.IsFaultHappened(rule, "event");
+        mReason = engine.GetReason();
+        return fires;
+    }
+    bool Fires(const Ids& item) { return Fires(RuleOf({item})); }
+
+    TempDir mDir;
+    SettingsGuard mSettings;
+    LogCapture mLog;
+    RecordingObserver mObserver;
+    Reason mReason = Reason::NONE;
+};
+
+TEST_F(AlarmRuleEngineTest, OtherRulesAreFalse)
+{
+    EXPECT_FALSE(Fires(std::shared_ptr<Rule>()));
+    EXPECT_FALSE(Fires(std::make_shared<NodeRule>()));
+    EXPECT_FALSE(Fires(RuleOf({})));
+    EXPECT_EQ(mReason, Reason::NO_ITEMS);
+}
+
+TEST_F(AlarmRuleEngineTest, CountsTheRowsOfOneIdAgainstTheThreshold)
+{
+    Log(Days(4, 7));
+    EXPECT_TRUE(Fires(Ids("7", "7").Duration(30, 4)));
+    EXPECT_TRUE(Fires(Ids("7", "7").Latest(30, 4)));
+    EXPECT_EQ(mReason, Reason::WINDOW_REACHED);
+    EXPECT_FALSE(Fires(Ids("7", "7").Duration(30, 5)));
+    EXPECT_EQ(mReason, Reason::WINDOW_SHORT);
+}
+
+TEST_F(AlarmRuleEngineTest, IdsAreNotAddedUp)
+{
+    auto rows = Days(2, 7);
+    const auto others = Days(2, 8);
+    rows.insert(rows.end(), others.begin(), others.end());
+    Log(rows);
+    EXPECT_FALSE(Fires(Ids("7", "8").Duration(30, 3)));
+    EXPECT_TRUE(Fires(Ids("7", "8").Duration(30, 2)));
+}
+
+struct RangeCase { const char* name; const char* first; const char* last; bool expected; };
+void PrintTo(const RangeCase& range, std::ostream* out) { *out << range.name; }
+class AlarmRange : public AlarmRuleEngineTest, public testing::WithParamInterface<RangeCase> {};
+
+TEST_P(AlarmRange, HoldsTheIdsFromFirstToLast)
+{
+    Log({{NOW, 7, "1", ""}, {NOW, -2, "1", ""}});
+    EXPECT_EQ(Fires(Ids(GetParam().first, GetParam().last).Duration(1, 1)), GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, AlarmRange, testing::Values(
+    RangeCase{"FirstOfRange", "7", "9", true}, RangeCase{"LastOfRange", "5", "7", true},
+    RangeCase{"BesideTheRange", "8", "9", false}, RangeCase{"OnlyTheUpperBound", "", "7", true},
+    RangeCase{"LowerBoundZeroIsNone", "0", "7", true}, RangeCase{"OnlyTheUpperBoundIsThatId", "", "9", false},
+    RangeCase{"OnlyTheLowerBound", "7", "", false}, RangeCase{"NoBounds", "", "", false},
+    RangeCase{"Reversed", "9", "5", false}, RangeCase{"TextReadsAsZero", "x", "7", true},
+    RangeCase{"NegativeIds", "-5", "-1", true}, RangeCase{"AcrossZero", "-1", "8", true},
+    RangeCase{"AllIds", "-2147483648", "2147483647", true}),
+    CaseName());
+
+TEST_F(AlarmRuleEngineTest, ItemWithoutIdsEndsTheRule)
+{
+    Log(Days(1, 7));
+    EXPECT_FALSE(Fires(RuleOf({Ids("9", "5").Duration(1, 1), Ids("7", "7").Duration(1, 1)})));
+    EXPECT_EQ(mReason, Reason::NO_IDS);
+    EXPECT_TRUE(Fires(RuleOf({Ids("7", "7").Duration(1, 1), Ids("9", "5").Duration(1, 1)})));
+    EXPECT_TRUE(Fires(RuleOf({Ids("1", "2").Duration(1, 1), Ids("7", "7").Duration(1, 1)})));
+}
+
+TEST_F(AlarmRuleEngineTest, BoundsThatAreNoNumbersAreLoggedOnceEach)
+{
+    Log({});
+    Fires(Ids("x", "y").Duration(1, 1).DailyPeak(1, 1));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), SizeIs(2));
+}
+
+TEST_F(AlarmRuleEngineTest, PeriodZeroIsThirtyDays)
+{
+    Log({{NOW - 30 * DAY, 7, "1", ""}, {NOW - 30 * DAY + 1, 7, "1", ""}, {NOW - 30 * DAY - 1, 7, "1", ""}});
+    EXPECT_TRUE(Fires(Ids("7", "7").Latest(0, 2)));
+    EXPECT_FALSE(Fires(Ids("7", "7").Latest(0, 3)));
+    EXPECT_TRUE(Fires(Ids("7", "7").Latest(31, 3)));
+}
+
+TEST_F(AlarmRuleEngineTest, ThresholdZeroNeedsOneRow)
+{
+    Log(Days(1, 7));
+    EXPECT_TRUE(Fires(Ids("7", "7").Duration(7, 0)));
+    EXPECT_FALSE(Fires(Ids("8", "8").Duration(7, 0)));
+}
+
+TEST_F(AlarmRuleEngineTest, WindowOfNothingIsSkippedAndTheOthersCount)
+{
+    Log(Days(1, 7));
+    EXPECT_FALSE(Fires(Ids("7", "7").Duration(0, 0)));
+    EXPECT_EQ(mReason, Reason::WINDOW_EMPTY);
+    EXPECT_TRUE(Fires(Ids("7", "7").Duration(0, 0).Latest(1, 1)));
+    EXPECT_FALSE(Fires(Ids("7", "7")));
+    EXPECT_EQ(mReason, Reason::WINDOW_ABSENT);
+}
+
+TEST_F(AlarmRuleEngineTest, NegativeThresholdIsReachedByPeaksButNotByCounts)
+{
+    Log(Days(3, 7, "{\"a\":1}"));
+    EXPECT_FALSE(Fires(Ids("7", "7").Duration(30, -1)));
+    EXPECT_FALSE(Fires(Ids("7", "7").Latest(30, -1)));
+    EXPECT_TRUE(Fires(Ids("7", "7").DailyPeak(30, -1)));
+    EXPECT_FALSE(Fires(Ids("8", "8").DailyPeak(30, -1)));
+    EXPECT_TRUE(Fires(Ids("7", "7").WithParam("p", "a", "int").Multiple({{"p", "eq", "2"}}).Duration(30, -1)));
+}
+
+TEST_F(AlarmRuleEngineTest, DailyPeakIsTheDayOfTheMonth)
+{
+    // Two rows on 2 November and one on 2 October.
+    Log({{NOW - 12 * DAY, 7, "1", ""}, {NOW - 12 * DAY + 60, 7, "1", ""}, {NOW - 43 * DAY - 7200, 7, "1", ""},
+        {NOW, 8, "1", ""}, {NOW - DAY, 8, "1", ""}, {NOW - 2 * DAY, 8, "1", ""}});
+    EXPECT_TRUE(Fires(Ids("7", "7").DailyPeak(60, 3)));
+    EXPECT_FALSE(Fires(Ids("7", "7").DailyPeak(60, 4)));
+    EXPECT_FALSE(Fires(Ids("7", "7").DailyPeak(30, 3)));
+    EXPECT_FALSE(Fires(Ids("8", "8").DailyPeak(60, 2)));
+    EXPECT_TRUE(Fires(Ids("8", "8").Duration(60, 3)));
+}
+
+TEST_F(AlarmRuleEngineTest, OrdinaryRowsCountOneWhateverTheyCarry)
+{
+    Log(Days(4, 7, "{\"COUNT\":9} no json"));
+    EXPECT_TRUE(Fires(Ids("7", "7").Duration(30, 4)));
+    EXPECT_FALSE(Fires(Ids("7", "7").Duration(30, 5).DailyPeak(30, 2)));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), IsEmpty());
+}
+
+TEST_F(AlarmRuleEngineTest, DmdRowsCountWhatTheySay)
+{
+    Log({{NOW, DMD, "1", "{\"COUNT\":\"5\"}"}, {NOW, DMD, "1", "{}"}, {NOW, DMD, "1", ""}, {NOW, DMD, "1", "{"}});
+    EXPECT_TRUE(Fires(Ids("920000001", "920000001").Duration(1, 7)));
+    EXPECT_FALSE(Fires(Ids("920000001", "920000001").Duration(1, 8)));
+    EXPECT_TRUE(Fires(Ids("920000001", "920000001").DailyPeak(1, 7)));
+    EXPECT_FALSE(Fires(Ids("920000001", "920000001").DailyPeak(1, 8)));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), SizeIs(4));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), Each(HasSubstr("DetectionCustomize::CheckDmdEventCount: parseJson err.")));
+}
+
+TEST_F(AlarmRuleEngineTest, DmdRowsUnderATestCountOne)
+{
+    Log({{NOW, DMD, "1", "{\"COUNT\":5}"}});
+    EXPECT_TRUE(Fires(Ids("920000001", "920000001").WithParam("p", "COUNT", "int").Single("p", "eq", "5")
+        .Duration(1, 1)));
+    EXPECT_FALSE(Fires(Ids("920000001", "920000001").WithParam("p", "COUNT", "int").Single("p", "eq", "5")
+        .Duration(1, 2).DailyPeak(1, 2)));
+}
+
+TEST_F(AlarmRuleEngineTest, NegativeWeightsTakeAwayAndWrap)
+{
+    Log({{NOW, DMD, "1", "{\"COUNT\":-3}"}, {NOW, DMD, "1", "{\"COUNT\":2}"}});
+    const Ids ids("920000001", "920000001");
+    EXPECT_TRUE(Fires(Ids(ids).Duration(1, 2147483647))) << "-1 without sign";
+    EXPECT_TRUE(Fires(Ids("920000001", "920000001").Duration(1, -1)));
+    EXPECT_FALSE(Fires(Ids("920000001", "920000001").DailyPeak(1, 1))) << "a peak is never below 0";
+}
+
+TEST_F(AlarmRuleEngineTest, DailyWeightsWrapAt32Bits)
+{
+    Log({{NOW, DMD, "1", "{\"COUNT\":2147483647}"}, {NOW, DMD, "1", "{\"COUNT\":2}"}});
+    EXPECT_FALSE(Fires(Ids("920000001", "920000001").DailyPeak(1, 1)));
+    EXPECT_TRUE(Fires(Ids("920000001", "920000001").Duration(1, 2147483647)));
+}
+
+TEST_F(AlarmRuleEngineTest, RowsOfOtherVersionsCountOnlyWithoutUpdate)
+{
+    Log({{NOW, 7, "2", ""}, {NOW, 7, "", ""}, {NOW, 7, "1", ""}});
+    for (const char* const word : {"1", "2"}) {
+        EXPECT_TRUE(Fires(Ids("7", "7").Begin(word).Duration(1, 2)));
+        EXPECT_FALSE(Fires(Ids("7", "7").Begin(word).Duration(1, 3)));
+    }
+    for (const char* const word : {"3", "4", ""}) {
+        EXPECT_TRUE(Fires(Ids("7", "7").Begin(word).Duration(1, 3)));
+    }
+}
+
+TEST_F(AlarmRuleEngineTest, SingleTestCountsTheRowsThatPass)
+{
+    Log({{NOW, 7, "1", "{\"a\":5}"}, {NOW, 7, "1", "{\"a\":\"6\"}"}, {NOW, 7, "1", "{\"a\":4}"},
+        {NOW - DAY, 7, "1", "{\"a\":7}"}, {NOW, 7, "1", "{\"b\":7}"}, {NOW, 7, "1", ""}, {NOW, 7, "1", "[5]"}});
+    const auto item = [] { return Ids("7", "7").WithParam("p", "a", "int").Single("p", "ge", "5"); };
+    EXPECT_TRUE(Fires(item().Duration(2, 3)));
+    EXPECT_FALSE(Fires(item().Duration(2, 4)));
+    EXPECT_TRUE(Fires(item().Latest(2, 3)));
+    EXPECT_TRUE(Fires(item().DailyPeak(2, 2)));
+    EXPECT_FALSE(Fires(item().DailyPeak(2, 3)));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), IsEmpty());
+}
+
+TEST_F(AlarmRuleEngineTest, BrokenJsonIsLoggedForEachRowAndTest)
+{
+    Log({{NOW, 7, "1", "{\"a\":"}, {NOW, 7, "1", "{\"a\":5}"}, {NOW, 7, "1", "x"}});
+    EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").Single("p", "ge", "5").Duration(2, 3).Latest(2, 3)));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), SizeIs(4));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR),
+        Each(HasSubstr("AlarmRuleEngine::IsErrorForEventWithParam: parse eventParamJson err. ")));
+}
+
+TEST_F(AlarmRuleEngineTest, ParamThatIsNotThereMatchesNoRow)
+{
+    Log(Days(3, 7, "{\"a\":5,\"\":5}"));
+    EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").Single("q", "ge", "5").Duration(30, 1)));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), IsEmpty());
+}
+
+TEST_F(AlarmRuleEngineTest, TestsWithoutConditionsOrParamsAreFalse)
+{
+    Log(Days(3, 7, "{\"a\":5}"));
+    EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").Duration(30, 1)));
+    EXPECT_FALSE(Fires(Ids("7", "7").Single("p", "eq", "5").Duration(30, 1)));
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
+TEST_F(AlarmRuleEngineTest, ConditionsAreAlternatives)
+{
+    Log(Days(1, 7, "{\"a\":5}"));
+    EXPECT_TRUE(Fires(Ids("7", "7").WithParam("p", "a", "int").Single("p", "eq", "4").Single("p", "eq", "5")
+        .Duration(30, 1)));
+}
+
+TEST_F(AlarmRuleEngineTest, UnknownConditionIsLoggedAndPassedOver)
+{
+    Log(Days(1, 7, "{\"a\":5}"));
+    auto odd = std::make_shared<OrLogic>();
+    odd->SetType("odd_logic");
+    EXPECT_TRUE(Fires(Ids("7", "7").WithParam("p", "a", "int").Condition(odd).Single("p", "eq", "5").Duration(30, 1)));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR),
+        ElementsAre("FUNc:AlarmRuleEngine::IsWithParamTestChecked: Undefined Logic type"));
+}
+
+TEST_F(AlarmRuleEngineTest, UnderDurationOneRowPassesAllTests)
+{
+    Log({{NOW, 7, "1", "{\"a\":1,\"b\":1}"}, {NOW, 7, "1", "{\"a\":1}"}, {NOW, 7, "1", "{\"b\":1}"}});
+    const auto item = [] {
+        return Ids("7", "7").WithParam("p", "a", "int").WithParam("q", "b", "int")
+            .Multiple({{"p", "eq", "1"}, {"q", "eq", "1"}});
+    };
+    EXPECT_TRUE(Fires(item().Duration(1, 1)));
+    EXPECT_FALSE(Fires(item().Duration(1, 2)));
+    EXPECT_TRUE(Fires(item().Latest(1, 2)));
+    EXPECT_TRUE(Fires(item().DailyPeak(1, 2))) << "each test counts for itself, over the period";
+    EXPECT_FALSE(Fires(item().Latest(1, 3)));
+}
+
+TEST_F(AlarmRuleEngineTest, OfSeparateTestsTheLastIdDecides)
+{
+    Log({{NOW, 7, "1", "{\"a\":1}"}, {NOW, 8, "1", "{\"a\":2}"}});
+    const auto item = [](const char* last) {
+        return Ids("7", last).WithParam("p", "a", "int").Multiple({{"p", "eq", "1"}}).Latest(1, 1);
+    };
+    EXPECT_TRUE(Fires(item("7")));
+    EXPECT_FALSE(Fires(item("8")));
+    EXPECT_FALSE(Fires(item("9"))) << "an id without rows";
+}
+
+TEST_F(AlarmRuleEngineTest, MultipleTestsWithoutItemsHoldUnlessUnderDuration)
+{
+    Log({});
+    EXPECT_TRUE(Fires(Ids("7", "7").WithParam("p", "a", "int").Multiple({}).Latest(1, 1)));
+    EXPECT_TRUE(Fires(Ids("7", "7").WithParam("p", "a", "int").Multiple({}).DailyPeak(1, 1)));
+    EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").Multiple({}).Duration(1, 1)));
+}
+
+TEST_F(AlarmRuleEngineTest, NullItemsOfAConditionAreLeftOut)
+{
+    Log(Days(1, 7, "{\"a\":5}"));
+    const Ids ids = Ids("7", "7").WithParam("p", "a", "int").Multiple({{"p", "eq", "5"}}).Duration(30, 1);
+    ids.Item()->conditionList[0]->SetLogicItemList({nullptr, ids.Item()->conditionList[0]->GetLogicItemList()[0]});
+    EXPECT_TRUE(Fires(ids));
+}
+
+TEST_F(AlarmRuleEngineTest, WritesTheKindOfWindowAndTheResultsIntoTheRule)
+{
+    Log(Days(1, 7, "{\"a\":5}"));
+    const Ids ids = Ids("7", "7").WithParam("p", "a", "int").Multiple({{"p", "eq", "5"}, {"p", "eq", "6"}})
+        .Latest(30, 1);
+    EXPECT_FALSE(Fires(ids));
+    EXPECT_EQ(ids.Item()->latest->timeType, TimeSet::LATEST);
+    EXPECT_TRUE(ids.Item()->conditionList[0]->GetLogicItemList()[0]->IsResult());
+    EXPECT_FALSE(ids.Item()->conditionList[0]->GetLogicItemList()[1]->IsResult());
+}
+
+TEST_F(AlarmRuleEngineTest, MissingLogIsToldForEachIdAndWindow)
+{
+    EXPECT_FALSE(Fires(Ids("7", "8").Duration(1, 1).Latest(1, 1)));
+    EXPECT_EQ(mReason, Reason::LOG_UNAVAILABLE);
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_WARN), SizeIs(1 + 2 * 2 * 2));
+}
+
+TEST_F(AlarmRuleEngineTest, LogMayAppearBetweenTwoRules)
+{
+    AlarmRuleEngine engine(std::make_shared<RuleHelper>(std::make_shared<DetectInfo>(), nullptr));
+    const auto rule = RuleOf({Ids("7", "7").Duration(1, 1)});
+    EXPECT_FALSE(engine.IsFaultHappened(rule, ""));
+    Log(Days(1, 7));
+    EXPECT_TRUE(engine.IsFaultHappened(rule, ""));
+}
+
+TEST_F(AlarmRuleEngineTest, ObserverIsToldOfEachWindow)
+{
+    Log({{NOW, 7, "1", "{\"a\":5}"}, {NOW, 7, "2", "{\"a\":5}"}, {NOW, 8, "1", "{\"a\":5}"}, {NOW, 8, "1", ""},
+        {NOW, 8, "1", "{\"a\":7}"}});
+    EXPECT_TRUE(Fires(Ids("7", "8").Begin("2").WithParam("p", "a", "int").Single("p", "ge", "5").Duration(1, 3)
+        .Latest(1, 2)));
+    EXPECT_THAT(mObserver.Lines("window"), ElementsAre(
+        "window item 0 ids 7-8 duration days 1 threshold 3 since 1699913600 by version rows 5 other version 1 failed 1 "
+        "reached 2 by 8 miss [window_short]",
+        testing::StartsWith("window item 0 ids 7-8 daily_peak days 0 threshold 0 since 0"),
+        "window item 0 ids 7-8 latest days 1 threshold 2 since 1699913600 by version rows 5 other version 1 failed 1 "
+        "reached 2 by 8 hit [window_reached]"));
+    EXPECT_THAT(mObserver.Lines("start"), SizeIs(2));
+}
+
+} // namespace
