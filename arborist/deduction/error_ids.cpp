@@ -10,21 +10,51 @@ namespace {
 // Up to so many comparisons are cheaper than a set.
 constexpr std::size_t FEW_COMPARISONS = 64;
 
-bool HoldsSeparator(const std::string& id)
+// The last eight letters at most, as a number.
+std::uint64_t TailOf(std::string_view text)
 {
-    return std::memchr(id.data(), '/', id.size()) != nullptr || std::memchr(id.data(), '&', id.size()) != nullptr;
+    std::uint64_t tail = 0;
+    if (text.size() >= sizeof(tail)) {
+        std::memcpy(&tail, text.data() + text.size() - sizeof(tail), sizeof(tail));
+        return tail;
+    }
+    for (const char letter : text) {
+        tail = tail << 8 | static_cast<unsigned char>(letter);
+    }
+    return tail;
 }
 
-bool AreUniqueAmongFew(const ErrorIds::Events& events)
+// Whether one of the eight bytes of `letters` is `letter`: a byte of the difference is zero there, and borrows.
+bool HoldsLetter(std::uint64_t letters, char letter)
 {
-    for (const auto& event : events) {
-        if (!IsError(event->GetResult())) {
-            continue;
+    constexpr std::uint64_t ONES = 0x0101010101010101ULL;
+    constexpr std::uint64_t TOPS = 0x8080808080808080ULL;
+    const std::uint64_t difference = letters ^ (ONES * static_cast<unsigned char>(letter));
+    return ((difference - ONES) & ~difference & TOPS) != 0;
+}
+
+// Eight letters at a time: this reads every id beside an event in error.
+bool HoldsSeparator(std::string_view id)
+{
+    for (;;) {
+        const std::uint64_t letters = TailOf(id);
+        if (HoldsLetter(letters, '/') || HoldsLetter(letters, '&')) {
+            return true;
         }
-        for (const auto& other : events) {
-            if (&other != &event && other->GetId() == event->GetId()) {
-                return false;
-            }
+        if (id.size() <= sizeof(letters)) {
+            return false;
+        }
+        id.remove_suffix(sizeof(letters));
+    }
+}
+
+bool AreUnambiguousAmongFew(const ErrorIds::Events& events, const ErrorIds::Indexes& inError)
+{
+    for (std::size_t event = 0; event < events.size(); ++event) {
+        const std::string& id = events[event]->GetId();
+        const auto hasSameId = [&](std::size_t other) { return other != event && events[other]->GetId() == id; };
+        if (HoldsSeparator(id) || std::any_of(inError.begin(), inError.end(), hasSameId)) {
+            return false;
         }
     }
     return true;
@@ -33,40 +63,32 @@ bool AreUniqueAmongFew(const ErrorIds::Events& events)
 // Ids of one gate mostly differ in length or at their end.
 std::size_t QuickHash(const std::string& id)
 {
-    std::uint64_t tail = 0;
-    const std::size_t length = std::min(id.size(), sizeof(tail));
-    std::memcpy(&tail, id.data() + id.size() - length, length);
-    return static_cast<std::size_t>(((tail + id.size()) * 0x9E3779B97F4A7C15ULL) >> 32);
+    return static_cast<std::size_t>(((TailOf(id) + id.size()) * 0x9E3779B97F4A7C15ULL) >> 32);
 }
 
 } // namespace
 
-bool ErrorIds::AreUnambiguous(const Events& events, std::size_t errorCount)
+bool ErrorIds::AreUnambiguous(const Events& events, const Indexes& inError)
 {
-    for (const auto& event : events) {
-        if (HoldsSeparator(event->GetId())) {
-            return false;
-        }
-    }
-    return errorCount * events.size() <= FEW_COMPARISONS ? AreUniqueAmongFew(events)
-                                                         : AreUniqueAmongMany(events, errorCount);
+    return inError.size() * events.size() <= FEW_COMPARISONS ? AreUnambiguousAmongFew(events, inError)
+                                                             : AreUnambiguousAmongMany(events, inError);
 }
 
-bool ErrorIds::AreUniqueAmongMany(const Events& events, std::size_t errorCount)
+bool ErrorIds::AreUnambiguousAmongMany(const Events& events, const Indexes& inError)
 {
     mIds.clear();
     std::size_t bits = 64;
-    while (bits < errorCount * 8) {
+    while (bits < inError.size() * 8) {
         bits *= 2;
     }
     mBits.assign(bits, false);
-    for (const auto& event : events) {
-        if (IsError(event->GetResult()) && !Add(event->GetId())) {
+    for (const std::size_t event : inError) {
+        if (!Add(events[event]->GetId())) {
             return false;
         }
     }
     return std::none_of(events.begin(), events.end(), [this](const auto& event) {
-        return !IsError(event->GetResult()) && Holds(event->GetId());
+        return HoldsSeparator(event->GetId()) || (!IsError(event->GetResult()) && Holds(event->GetId()));
     });
 }
 

@@ -15,13 +15,14 @@ class Event;
 class ErrorIds {
 public:
     using Events = std::vector<std::shared_ptr<Event>>;
+    /// Places in such a list.
+    using Indexes = std::vector<std::size_t>;
 
-    /// Whether no id of `events` holds a "/" or "&", and none of those in error has an id that another one has, too.
-    /// `errorCount` is the number of those in error.
-    bool AreUnambiguous(const Events& events, std::size_t errorCount);
+    /// Whether no id of `events` holds a "/" or "&", and none of those `inError` has an id that another one has, too.
+    bool AreUnambiguous(const Events& events, const Indexes& inError);
 
 private:
-    bool AreUniqueAmongMany(const Events& events, std::size_t errorCount);
+    bool AreUnambiguousAmongMany(const Events& events, const Indexes& inError);
     bool Add(const std::string& id);
     bool Holds(const std::string& id) const;
 

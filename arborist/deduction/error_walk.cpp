@@ -13,23 +13,34 @@ bool IsInError(const std::shared_ptr<Event>& event)
     return IsError(event->GetResult());
 }
 
-// Whether the plain expansion has no combination for `event`, whatever the statuses.
-bool IsEmpty(const Event& event)
+bool IsEmpty(const Event& event);
+
+// Whether the plain expansion has no combination for `gate`, whatever the statuses.
+bool IsEmpty(const Gate& gate)
 {
-    const IntermediateEvent* intermediate = event.AsIntermediate();
-    if (intermediate == nullptr) {
-        return false;
-    }
-    const Gate* gate = intermediate->GetGate().get();
-    if (gate == nullptr || gate->GetEvents().empty()) {
-        return true;
-    }
-    const auto& events = gate->GetEvents();
-    if (gate->GetKind() == GateKind::OR) {
+    const auto& events = gate.GetEvents();
+    if (gate.GetKind() == GateKind::OR) {
         return std::all_of(events.begin(), events.end(), [](const auto& child) { return IsEmpty(*child); });
     }
     // An empty branch empties an AND gate, and what stands behind it starts afresh: the last one decides.
-    return IsEmpty(*events.back());
+    return events.empty() || IsEmpty(*events.back());
+}
+
+bool IsEmpty(const Event& event)
+{
+    const IntermediateEvent* intermediate = event.AsIntermediate();
+    return intermediate != nullptr && (intermediate->GetGate() == nullptr || IsEmpty(*intermediate->GetGate()));
+}
+
+ErrorIds::Indexes ListErrors(const ErrorIds::Events& events)
+{
+    ErrorIds::Indexes inError;
+    for (std::size_t event = 0; event < events.size(); ++event) {
+        if (IsInError(events[event])) {
+            inError.push_back(event);
+        }
+    }
+    return inError;
 }
 
 } // namespace
@@ -64,39 +75,39 @@ ErrorWalk::Outcome ErrorWalk::Enter(const std::shared_ptr<Event>& event, Index p
 
 ErrorWalk::Outcome ErrorWalk::EnterGate(const Gate& gate, Index place, Index& branch)
 {
-    const auto& events = gate.GetEvents();
-    const auto errorCount = static_cast<std::size_t>(std::count_if(events.begin(), events.end(), IsInError));
-    // With nothing in error below, whatever the ids there lead to is cut as well.
-    if (errorCount != 0 && !mErrorIds.AreUnambiguous(events, errorCount)) {
+    const ErrorIds::Indexes inError = ListErrors(gate.GetEvents());
+    if (inError.empty()) {
+        // Whatever the ids below lead to is not in error up to the top either.
+        return IsEmpty(gate) ? Outcome::EMPTY : Outcome::DEAD;
+    }
+    if (!mErrorIds.AreUnambiguous(gate.GetEvents(), inError)) {
         mIsAmbiguous = true;
         return Outcome::DEAD;
     }
-    return gate.GetKind() == GateKind::OR ? EnterOr(gate, place, branch) : EnterAnd(gate, place, branch);
+    return gate.GetKind() == GateKind::OR ? EnterOr(gate, inError, place, branch) : EnterAnd(gate, place, branch);
 }
 
-ErrorWalk::Outcome ErrorWalk::EnterOr(const Gate& gate, Index place, Index& branch)
+ErrorWalk::Outcome ErrorWalk::EnterOr(const Gate& gate, const ErrorIds::Indexes& inError, Index place, Index& branch)
 {
     const auto& events = gate.GetEvents();
     Index first = SurvivingTree::NONE;
     bool isEmpty = true;
-    for (auto event = events.rbegin(); event != events.rend() && !mIsAmbiguous; ++event) {
-        if (!IsInError(*event)) {
-            isEmpty = isEmpty && IsEmpty(**event);
-            continue;
-        }
+    for (auto event = inError.rbegin(); event != inError.rend() && !mIsAmbiguous; ++event) {
         Index child = SurvivingTree::NONE;
-        const Outcome outcome = Enter(*event, place, child);
+        const Outcome outcome = Enter(events[*event], place, child);
         isEmpty = isEmpty && outcome == Outcome::EMPTY;
         if (outcome == Outcome::ALIVE) {
             mTree.Chain(child, first);
             first = child;
         }
     }
-    if (first == SurvivingTree::NONE) {
-        return isEmpty ? Outcome::EMPTY : Outcome::DEAD;
+    if (first != SurvivingTree::NONE) {
+        branch = mTree.AddGate(SurvivingTree::BranchKind::OR, first);
+        return Outcome::ALIVE;
     }
-    branch = mTree.AddGate(SurvivingTree::BranchKind::OR, first);
-    return Outcome::ALIVE;
+    isEmpty = isEmpty && std::all_of(events.begin(), events.end(),
+                                     [](const auto& event) { return IsInError(event) || IsEmpty(*event); });
+    return isEmpty ? Outcome::EMPTY : Outcome::DEAD;
 }
 
 // From the last event backwards: an empty branch ends the combinations of all that stands before it.

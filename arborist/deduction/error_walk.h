@@ -32,7 +32,7 @@ private:
 
     Outcome Enter(const std::shared_ptr<Event>& event, Index parent, Index& branch);
     Outcome EnterGate(const Gate& gate, Index place, Index& branch);
-    Outcome EnterOr(const Gate& gate, Index place, Index& branch);
+    Outcome EnterOr(const Gate& gate, const ErrorIds::Indexes& inError, Index place, Index& branch);
     Outcome EnterAnd(const Gate& gate, Index place, Index& branch);
 
     SurvivingTree& mTree;

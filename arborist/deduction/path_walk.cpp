@@ -45,10 +45,11 @@ void PathWalk::Walk(const std::shared_ptr<Event>& top, SurvivingTree& tree)
 void PathWalk::AddPlaces(const std::shared_ptr<Event>& event, Index parent)
 {
     const std::string& id = event->GetId();
-    Facts facts{HashOn(HASH_START, id), 0, IsError(event->GetResult())};
+    Facts facts{HashOn(HASH_START, id), 0, IsError(event->GetResult()), id.find(MEMBER_SEPARATOR) != std::string::npos};
     if (parent != SurvivingTree::NONE) {
         facts.pathHash = HashOn(HashOn(mFacts[parent].pathHash, PATH_SEPARATOR), id);
         facts.isErrorToTop = facts.isErrorToTop && mFacts[parent].isErrorToTop;
+        facts.holdsMemberSeparator = facts.holdsMemberSeparator || mFacts[parent].holdsMemberSeparator;
     }
     const Index place = mTree.AddPlace(event, parent);
     mFacts.push_back(facts);
@@ -64,6 +65,7 @@ void PathWalk::AddPlaces(const std::shared_ptr<Event>& event, Index parent)
 void PathWalk::IndexPaths()
 {
     std::vector<bool> isIndexed(mFacts.size());
+    mPlaceOfPath.reserve(mFacts.size());
     for (Index place = 0; place < mFacts.size(); ++place) {
         if (mFacts[place].end != place + 1) {
             continue;
@@ -78,16 +80,25 @@ void PathWalk::IndexPaths()
 
 void PathWalk::IndexPath(Index place)
 {
-    const std::uint64_t hash = mFacts[place].pathHash;
-    if (mPlaceOfPath.count(hash) == 0 || Find(mTree.GetPath(place), hash) == SurvivingTree::NONE) {
-        mPlaceOfPath.emplace(hash, place);
+    if (!mFacts[place].holdsMemberSeparator && FindOwnPath(place) == SurvivingTree::NONE) {
+        mPlaceOfPath.emplace(mFacts[place].pathHash, place);
     }
 }
 
-SurvivingTree::Index PathWalk::Find(std::string_view path, std::uint64_t hash) const
+SurvivingTree::Index PathWalk::Find(std::string_view path) const
 {
-    const auto [begin, end] = mPlaceOfPath.equal_range(hash);
+    const auto [begin, end] = mPlaceOfPath.equal_range(HashOn(HASH_START, path));
     const auto found = std::find_if(begin, end, [&](const auto& entry) { return mTree.GetPath(entry.second) == path; });
+    return found == end ? SurvivingTree::NONE : found->second;
+}
+
+// As Find by the path of `place`, which is written out only where another place is met.
+SurvivingTree::Index PathWalk::FindOwnPath(Index place) const
+{
+    const auto [begin, end] = mPlaceOfPath.equal_range(mFacts[place].pathHash);
+    const auto found = std::find_if(begin, end, [&](const auto& entry) {
+        return entry.second == place || mTree.GetPath(entry.second) == mTree.GetPath(place);
+    });
     return found == end ? SurvivingTree::NONE : found->second;
 }
 
@@ -106,15 +117,27 @@ PathWalk::Outcome PathWalk::Enter(Index place, Index& branch)
                      branch);
 }
 
+// The places that the path of `leaf` leads to; NONE among them where it leads nowhere.
+std::vector<SurvivingTree::Index> PathWalk::FindMembers(Index leaf) const
+{
+    if (!mFacts[leaf].holdsMemberSeparator) {
+        return {FindOwnPath(leaf)};
+    }
+    std::vector<Index> members;
+    for (const auto& member : StringUtil::Split(mTree.GetPath(leaf), MEMBER_SEPARATOR)) {
+        members.push_back(Find(member));
+    }
+    return members;
+}
+
 PathWalk::Outcome PathWalk::EnterLeaf(Index place, Index& branch)
 {
-    std::vector<Index> members;
-    for (const auto& member : StringUtil::Split(mTree.GetPath(place), MEMBER_SEPARATOR)) {
-        const Index found = Find(member, HashOn(HASH_START, member));
-        if (found == SurvivingTree::NONE || !mFacts[found].isErrorToTop) {
-            return Outcome::DEAD;
-        }
-        members.push_back(found);
+    const std::vector<Index> members = FindMembers(place);
+    const bool qualifies = std::all_of(members.begin(), members.end(), [this](Index member) {
+        return member != SurvivingTree::NONE && mFacts[member].isErrorToTop;
+    });
+    if (!qualifies) {
+        return Outcome::DEAD;
     }
     branch = mTree.AddLeaf(members);
     return Outcome::ALIVE;

@@ -31,7 +31,9 @@ private:
     void AddPlaces(const std::shared_ptr<Event>& event, Index parent);
     void IndexPaths();
     void IndexPath(Index place);
-    Index Find(std::string_view path, std::uint64_t hash) const;
+    Index Find(std::string_view path) const;
+    Index FindOwnPath(Index place) const;
+    std::vector<Index> FindMembers(Index leaf) const;
     Outcome Enter(Index place, Index& branch);
     Outcome EnterLeaf(Index place, Index& branch);
     Outcome EnterGate(Index place, SurvivingTree::BranchKind kind, Index& branch);
@@ -43,6 +45,8 @@ private:
         Index end;
         /// It and all above are in error.
         bool isErrorToTop;
+        /// An id on the way holds a "&": the path is split, and nothing is found by it as a whole.
+        bool holdsMemberSeparator;
     };
 
     SurvivingTree& mTree;
