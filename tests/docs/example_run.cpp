@@ -180,7 +180,9 @@ std::string FilesIn(const std::string& folder)
     std::vector<std::string> names;
     if (std::filesystem::is_directory(folder)) {
         for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-            names.push_back(entry.path().filename().string());
+            if (entry.is_regular_file()) {
+                names.push_back(entry.path().filename().string());
+            }
         }
     }
     std::sort(names.begin(), names.end());

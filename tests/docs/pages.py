@@ -46,6 +46,12 @@ def anchors_of(text):
     return anchors
 
 
+def targets_of(path):
+    """The files that a page links to, itself left out."""
+    links = (link.partition("#")[0] for link in LINK.findall(without_code(path.read_text())))
+    return {(path.parent / link).resolve() for link in links if link and not re.match(r"[a-z]+:", link)} - {path}
+
+
 def broken_links(path):
     """The relative links of a page that lead nowhere."""
     broken = []
