@@ -1,7 +1,6 @@
 #include "arborist/evaluation/code_rule_index.h"
 
 #include <algorithm>
-#include <functional>
 
 #include "arborist/model/rule.h"
 
@@ -11,18 +10,15 @@ std::shared_ptr<CodeRule> CodeRuleIndex::FindFirst(std::string_view text,
     if (!IsBuiltFrom(rules)) {
         Build(rules);
     }
-    const std::boyer_moore_horspool_searcher searcher(text.begin(), text.end());
-    const std::string_view codes = mCodes;
-    auto found = std::search(codes.begin(), codes.end(), searcher);
-    while (found != codes.end()) {
-        const auto first = static_cast<std::size_t>(found - codes.begin());
+    std::size_t first = mCodes.find(text);
+    while (first != std::string::npos) {
         const auto next = std::upper_bound(mBegins.begin(), mBegins.end(), first);
         const auto rule = static_cast<std::size_t>(next - mBegins.begin()) - 1;
         if (first + text.size() <= mBegins[rule] + LengthOfCode(rule)) {
             return mRules[rule];
         }
         // A text with a zero byte can begin in one code and end in another.
-        found = std::search(found + 1, codes.end(), searcher);
+        first = mCodes.find(text, first + 1);
     }
     return nullptr;
 }

@@ -12,6 +12,9 @@ namespace {
 // An operator's place is its priority; the blank keeps the two levels more than one apart.
 constexpr std::string_view PRIORITY = "+- */";
 
+// Words and signs of a formula, room for which is made at once.
+constexpr std::size_t USUAL_LENGTH = 16;
+
 bool IsLegalOperator(char sign)
 {
     return sign == '+' || sign == '-' || sign == '*' || sign == '/';
@@ -105,7 +108,11 @@ private:
 // The two stacks of a calculation. Every step answers whether the calculation can go on.
 class Calculation {
 public:
-    explicit Calculation(Grouping* grouping) : mGrouping(grouping) {}
+    explicit Calculation(Grouping* grouping) : mGrouping(grouping)
+    {
+        mNumbers.reserve(USUAL_LENGTH);
+        mOperators.reserve(USUAL_LENGTH);
+    }
 
     bool Take(const std::string& text, const std::string& name)
     {
@@ -222,11 +229,12 @@ std::string Printed(double number)
 
 Formula::Formula(const std::string& expression, const ValueOf& valueOf)
 {
+    mTokens.reserve(USUAL_LENGTH);
     std::string name;
     for (const char sign : expression) {
         if (sign == '(' || sign == ')' || IsLegalOperator(sign)) {
             CloseName(name, valueOf);
-            mTokens.push_back({std::string(1, sign)});
+            mTokens.push_back({std::string(1, sign), nullptr});
         } else if (sign != ' ') { // two words with a blank between them are one name
             name += sign;
         }

@@ -32,8 +32,11 @@ public:
                 mParams.push_back(param.get());
             }
         }
-        std::stable_sort(mParams.begin(), mParams.end(),
-                         [field](const Param* left, const Param* right) { return left->*field < right->*field; });
+        const auto isBefore = [field](const Param* left, const Param* right) { return left->*field < right->*field; };
+        // Most maps are in order already, and a stable sort would ask for memory first.
+        if (!std::is_sorted(mParams.begin(), mParams.end(), isBefore)) {
+            std::stable_sort(mParams.begin(), mParams.end(), isBefore);
+        }
     }
 
     Range Find(const std::string& text) const

@@ -130,7 +130,7 @@ bool RuleHelper::IsValidDetectScene(const std::shared_ptr<Rule>& rule) const
     }
     const std::string scene = mDetectInfo != nullptr ? std::to_string(mDetectInfo->mDetectScene) : EMPTY_STRING;
     // Unlike the other filters, one that is not set lets nothing through: a rule without scenes is switched off.
-    if (scene.empty() || rule->detectScene.empty() || !Holds(rule->detectScene, scene)) {
+    if (scene.empty() || !Holds(rule->detectScene, scene)) {
         return Reject(Reason::FILTERED_SCENE, *rule, scene, rule->detectScene);
     }
     return true;
