@@ -1,5 +1,8 @@
 #include "arborist/stores/sql/sql_database.h"
 
+#include <filesystem>
+#include <system_error>
+
 #include <sqlite3.h>
 
 #include "arborist/frame/log.h"
@@ -10,6 +13,28 @@ namespace {
 
 constexpr std::int32_t CLOSED = 1;
 constexpr sqlite3_int64 SOFT_HEAP_LIMIT = 102400;
+
+// VACUUM attaches a database without a name for a while.
+int AllowOwnFile(void*, int action, const char* fileName, const char*, const char*, const char*)
+{
+    const bool isOtherFile = action == SQLITE_ATTACH && (fileName == nullptr || *fileName != '\0');
+    return isOtherFile ? SQLITE_DENY : SQLITE_OK;
+}
+
+int AllowReading(void*, int action, const char*, const char*, const char*, const char*)
+{
+    const bool reads = action == SQLITE_SELECT || action == SQLITE_READ || action == SQLITE_FUNCTION ||
+        action == SQLITE_RECURSIVE;
+    return reads ? SQLITE_OK : SQLITE_DENY;
+}
+
+bool HasWaitingChanges(sqlite3* connection)
+{
+    const char* const path = sqlite3_db_filename(connection, "main");
+    std::error_code error;
+    const auto size = std::filesystem::file_size(std::string(path == nullptr ? "" : path) + "-wal", error);
+    return !error && size > 0;
+}
 
 } // namespace
 
@@ -45,6 +70,19 @@ bool SqlDatabase::Open(const std::string& path)
             LEVEL_ERROR, "FUNc:%s: Failed(%d) to set synchronous by %s", NAME, result, path.c_str());
     }
     return true;
+}
+
+void SqlDatabase::Restrict(SqlAccess access)
+{
+    if (!IsOpen()) {
+        return;
+    }
+    const bool isReadOnly = access == SqlAccess::READ_ONLY;
+    sqlite3_set_authorizer(handle->connection, isReadOnly ? AllowReading : AllowOwnFile, nullptr);
+    // The last one to close a database moves the waiting changes into it, unless told not to.
+    if (isReadOnly && HasWaitingChanges(handle->connection)) {
+        sqlite3_db_config(handle->connection, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    }
 }
 
 void SqlDatabase::Close()

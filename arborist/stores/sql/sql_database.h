@@ -14,6 +14,14 @@ struct Sqlite3Db {
     sqlite3* connection = nullptr;
 };
 
+/// What statements on a connection may do.
+enum class SqlAccess {
+    /// All but reaching another file: ATTACH and VACUUM INTO fail with "not authorized".
+    OWN_FILE,
+    /// Only select. The file stays byte for byte as it is, also when changes of others wait in its write-ahead log.
+    READ_ONLY,
+};
+
 /// One SQLite database, sized for a small device: a soft heap limit of 100 KiB for the whole process, ten pages of
 /// cache. Closes itself.
 ///
@@ -31,6 +39,8 @@ public:
     bool Open(const std::string& path);
     void Close();
     bool IsOpen() const { return resultCode == 0; }
+    /// Holds foreign SQL text in bounds until the database is closed. A statement that goes further fails.
+    void Restrict(SqlAccess access);
     const Sqlite3Db& GetHandle() const { return *handle; }
 
     /// There is no rollback: a transaction that isn't committed ends with the connection.

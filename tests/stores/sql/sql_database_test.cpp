@@ -105,5 +105,38 @@ TEST_F(SqlDatabaseTest, ConnectionHasTheCacheOfASmallDevice)
     EXPECT_EQ(statement.GetTopRecordFirstValue()->AsInteger(), 102400);
 }
 
+TEST_F(SqlDatabaseTest, OwnFileIsTheOnlyOneThatItsStatementsReach)
+{
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    mDatabase.Restrict(SqlAccess::OWN_FILE);
+    SqlOperator statement(mDatabase.GetHandle());
+    EXPECT_TRUE(statement.ExecuteNoCallback("create table t(a); insert into t values (1); vacuum"));
+    EXPECT_FALSE(statement.ExecuteNoCallback("attach '" + mDir.Path("b.db") + "' as b"));
+    EXPECT_FALSE(statement.ExecuteNoCallback("attach 'b' || '.db' as b"));
+    EXPECT_FALSE(statement.ExecuteNoCallback("vacuum into '" + mDir.Path("b.db") + "'"));
+    EXPECT_FALSE(mDir.Has("b.db"));
+    mDatabase.Open(mDir.Path("a.db"));
+    EXPECT_TRUE(SqlOperator(mDatabase.GetHandle()).ExecuteNoCallback("attach ':memory:' as b"));
+}
+
+TEST_F(SqlDatabaseTest, ReadOnlyTakesSelectsAlone)
+{
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    SqlOperator statement(mDatabase.GetHandle());
+    ASSERT_TRUE(statement.ExecuteNoCallback("create table t(a)"));
+    mDatabase.Restrict(SqlAccess::READ_ONLY);
+    EXPECT_TRUE(statement.ExecuteNoCallback("select count(*), upper('x') from t where a in (select 1)"));
+    for (const char* sql : {"insert into t values (1)", "delete from t", "drop table t", "create temp table u(a)",
+             "pragma user_version = 1", "pragma query_only", "attach ':memory:' as m", "begin", "vacuum"}) {
+        EXPECT_FALSE(statement.ExecuteNoCallback(sql)) << sql;
+    }
+}
+
+TEST_F(SqlDatabaseTest, RestrictingAClosedDatabaseDoesNothing)
+{
+    mDatabase.Restrict(SqlAccess::READ_ONLY);
+    EXPECT_FALSE(mDatabase.IsOpen());
+}
+
 } // namespace
 } // namespace FT::sql
