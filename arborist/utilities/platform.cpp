@@ -48,6 +48,19 @@ void Platform::NameThread(const std::string& name)
 #endif
 }
 
+Platform::FileIdentity::FileIdentity(const std::string& path)
+{
+    struct stat status;
+    if (stat(path.c_str(), &status) != 0) {
+        return;
+    }
+    mIsSet = true;
+    mMarks = {static_cast<std::int64_t>(status.st_dev), static_cast<std::int64_t>(status.st_ino),
+        static_cast<std::int64_t>(status.st_size), static_cast<std::int64_t>(status.st_mtim.tv_sec),
+        static_cast<std::int64_t>(status.st_mtim.tv_nsec), static_cast<std::int64_t>(status.st_ctim.tv_sec),
+        static_cast<std::int64_t>(status.st_ctim.tv_nsec)};
+}
+
 Platform::InputFile::InputFile(const std::string& path)
 {
     struct stat status;

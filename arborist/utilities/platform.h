@@ -1,6 +1,7 @@
 #ifndef ARBORIST_UTILITIES_PLATFORM_H
 #define ARBORIST_UTILITIES_PLATFORM_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -10,6 +11,21 @@ namespace Platform {
 
 /// Names the calling thread; the system may keep the first characters only.
 void NameThread(const std::string& name);
+
+/// Which file stands at a path, and in which state: two that are equal are the same file, unchanged in between.
+class FileIdentity {
+public:
+    FileIdentity() = default;
+    explicit FileIdentity(const std::string& path);
+
+    /// False when there is no such file.
+    bool IsSet() const { return mIsSet; }
+    bool operator==(const FileIdentity& other) const { return mIsSet == other.mIsSet && mMarks == other.mMarks; }
+
+private:
+    bool mIsSet = false;
+    std::array<std::int64_t, 7> mMarks{}; // device, number, size, and the times of its last changes
+};
 
 /// A file that is read from start to end without ever waiting.
 ///
