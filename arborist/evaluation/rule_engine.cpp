@@ -5,6 +5,7 @@
 #include "arborist/evaluation/alarm_rule_engine.h"
 #include "arborist/evaluation/alternative_finder.h"
 #include "arborist/evaluation/code_rule_engine.h"
+#include "arborist/evaluation/command_rule_engine.h"
 #include "arborist/evaluation/node_rule_engine.h"
 #include "arborist/evaluation/rule_checker.h"
 #include "arborist/evaluation/rule_helper.h"
@@ -90,6 +91,9 @@ void RuleEngine::SetObserver(DetectionObserver* observer)
     }
     if (mAlarmRuleEngine != nullptr) {
         mAlarmRuleEngine->SetObserver(observer);
+    }
+    if (mCommandRuleEngine != nullptr) {
+        mCommandRuleEngine->SetObserver(observer);
     }
     if (mNodeRuleEngine != nullptr) {
         mNodeRuleEngine->SetObserver(observer);
@@ -233,6 +237,13 @@ std::shared_ptr<RuleChecker> RuleEngine::GetRuleCheckerInstance(const std::share
             mAlarmRuleEngine->SetObserver(mObserver);
         }
         return mAlarmRuleEngine;
+    case Family::COMMAND:
+        if (mCommandRuleEngine == nullptr) {
+            // Keeps the common part that is there now, also for later detections.
+            mCommandRuleEngine = std::make_shared<CommandRuleEngine>(mCommonPart, mRuleHelper);
+            mCommandRuleEngine->SetObserver(mObserver);
+        }
+        return mCommandRuleEngine;
     case Family::NODE:
         if (mNodeRuleEngine == nullptr) {
             mNodeRuleEngine = std::make_shared<NodeRuleEngine>();

@@ -1,0 +1,235 @@
+#include "arborist/evaluation/command_rule_engine.h"
+
+#include <cstddef>
+#include <string_view>
+#include <utility>
+
+#include "arborist/evaluation/rule_helper.h"
+#include "arborist/frame/log.h"
+#include "arborist/model/common_part.h"
+#include "arborist/stores/command_rule_db_helper.h"
+#include "arborist/utilities/string_util.h"
+
+namespace {
+
+constexpr char ANALYSIS_SQL[] = "SQL";
+constexpr char NORMALIZATION[] = "normalization";
+constexpr char DEF_DB_SQL[] = "defDBSql";
+constexpr char DYNAMIC_TYPE[] = "dynamic";
+constexpr char SYSTEM_PARAM_TYPE[] = "systemParam";
+constexpr char STATIC_TYPE[] = "static";
+constexpr char SINGLE_DB[] = "singleDB";
+
+bool IsThresholdSource(const std::string& type)
+{
+    return type == DYNAMIC_TYPE || type == SYSTEM_PARAM_TYPE || type == STATIC_TYPE;
+}
+
+} // namespace
+
+CommandRuleEngine::CommandRuleEngine(std::shared_ptr<CommonPart> commonPart, std::shared_ptr<RuleHelper> ruleHelper)
+    : mCommonPart(std::move(commonPart)), mRuleHelper(std::move(ruleHelper)),
+      mDbHelper(std::make_shared<CommandRuleDbHelper>())
+{
+}
+
+CommandRuleEngine::~CommandRuleEngine() = default;
+
+bool CommandRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId)
+{
+    const auto commandRule = std::dynamic_pointer_cast<CommandRule>(rule);
+    if (commandRule == nullptr) {
+        return Decide(Reason::NONE, false);
+    }
+    if (eventId.empty()) {
+        return Decide(Reason::NO_EVENT_ID, false);
+    }
+    const bool hasReference = commandRule->referenceDefDb != nullptr;
+    if (mCommonPart == nullptr ||
+        (!hasReference && !mCommonPart->IsHasThredCommonPart(commandRule->commonPartName))) {
+        return Decide(Reason::NO_COMMON_PART, false);
+    }
+    if (commandRule->analysisMethod.type != ANALYSIS_SQL) {
+        return Decide(Reason::NOT_SQL, false);
+    }
+    mDbHelper->SetObserver(GetObserver());
+    const Query query = QueryOf(*commandRule, eventId);
+    return hasReference ? IsFaultInReference(*commandRule, query) : IsFaultInDatabase(*commandRule, query, "");
+}
+
+CommandRuleEngine::Query CommandRuleEngine::QueryOf(const CommandRule& rule, const std::string& eventId) const
+{
+    const CommandRule::SqlItem& sqlItem = rule.analysisMethod.sqlItem;
+    Query query;
+    query.isNormalization = sqlItem.type == NORMALIZATION;
+    GetTimeParaList(query.params, rule.params, sqlItem.type, sqlItem);
+    GetTimeInterval(query.params, query.isNormalization, query.first, query.second);
+    query.sql = GetSqlScript(sqlItem, eventId, rule.referenceDefDb);
+    return query;
+}
+
+void CommandRuleEngine::GetTimeParaList(ParamList& list, const ParamMap& params, const std::string& analysisType,
+    const CommandRule::SqlItem& sqlItem)
+{
+    list.clear();
+    if (analysisType.empty() || analysisType == DEF_DB_SQL) {
+        for (const auto& [id, param] : params) {
+            list.push_back(param);
+        }
+    }
+    if (analysisType == NORMALIZATION) {
+        for (const std::string& id : sqlItem.timeParamList) {
+            const auto found = params.find(id);
+            if (found != params.end() && found->second != nullptr) {
+                list.push_back(found->second);
+            }
+        }
+    }
+}
+
+void CommandRuleEngine::GetTimeInterval(
+    const ParamList& list, bool isNormalization, std::shared_ptr<Param>& first, std::shared_ptr<Param>& second)
+{
+    first.reset();
+    second.reset();
+    if (list.size() == 2 && isNormalization) {
+        // Both are the first one, on purpose: the interval is no days long, and values count times 30.
+        first = list.front();
+        second = list.front();
+    }
+}
+
+std::string CommandRuleEngine::GetSqlScript(const CommandRule::SqlItem& sqlItem, const std::string& eventId,
+    const std::shared_ptr<CommandRule::ReferenceDefDb>& reference) const
+{
+    const std::int64_t start = mRuleHelper == nullptr
+        ? 0
+        : mRuleHelper->GetDetectStartTime(sqlItem.time.period, sqlItem.BeginFlag, eventId);
+    // A copied database is taken whole, whatever the time.
+    return reference == nullptr ? JoinSqlStrWithTime(sqlItem.sql, start) : sqlItem.sql;
+}
+
+std::string CommandRuleEngine::JoinSqlStrWithTime(const std::string& sql, std::int64_t start)
+{
+    // Five lower-case letters anywhere count, in capitals they don't, and the condition goes to the very end: queries
+    // of rule sets are written for that.
+    const bool hasCondition = sql.find("where") != std::string::npos;
+    return sql + (hasCondition ? " and occurrence_time >" : " where occurrence_time >") + std::to_string(start);
+}
+
+bool CommandRuleEngine::IsFaultInDatabase(const CommandRule& rule, const Query& query, const std::string& path)
+{
+    if (!mDbHelper->IsOpenDbSuccess(path)) {
+        if (GetObserver() != nullptr) {
+            GetObserver()->OnQuery({path, query.sql, false, 0});
+        }
+        // Judged by what the last query left.
+        const bool isFault = IsFaultForSingleSql(rule, query.params);
+        return isFault || Decide(Reason::DATABASE_UNAVAILABLE, false);
+    }
+    const ParamList list =
+        mDbHelper->RunSql(query.sql, query.params, query.isNormalization, query.first, query.second);
+    const bool isFault = IsFaultForSingleSql(rule, list);
+    if (!isFault && mDbHelper->GetRowCount() != 1) {
+        NoteReason(Reason::ROW_COUNT_NOT_ONE);
+    }
+    return isFault;
+}
+
+bool CommandRuleEngine::IsFaultInReference(const CommandRule& rule, const Query& query)
+{
+    const auto bean = mCommonPart->GetDefDbCommonPart(rule.referenceDefDb->defDBName);
+    if (!bean.has_value()) {
+        return Decide(Reason::NO_SUCH_DATABASE, false);
+    }
+    std::int64_t hits = 0;
+    for (const std::string& path : bean->GetCopyDbFileList()) {
+        hits += IsFaultInDatabase(rule, query, path) ? 1 : 0;
+    }
+    std::int64_t neededHits = 1;
+    if (rule.referenceDefDb->type != SINGLE_DB) {
+        // Without a number no hit is needed: then no files are enough, too.
+        const std::string& number = rule.referenceDefDb->defDBNum;
+        neededHits = number.empty() ? 0 : StringUtil::StringToInt32Def(number, 0, 10);
+    }
+    return hits >= neededHits ? Decide(Reason::HITS_REACHED, true) : Decide(Reason::HITS_SHORT, false);
+}
+
+std::shared_ptr<Param> CommandRuleEngine::GetParam(const ParamList& list, const std::string& id)
+{
+    for (const auto& param : list) {
+        if (param != nullptr && param->id == id) {
+            return param;
+        }
+    }
+    return nullptr;
+}
+
+std::string CommandRuleEngine::GetThreshold(const std::shared_ptr<OrLogic>& orLogic, const CommandRule& rule) const
+{
+    if (orLogic == nullptr) {
+        return "";
+    }
+    if (orLogic->GetLogicType() == DYNAMIC_TYPE) {
+        return mCommonPart->GetThresholdValue(orLogic->GetCommonPartParamId(), rule.commonPartName);
+    }
+    if (orLogic->GetLogicType() == SYSTEM_PARAM_TYPE) {
+        return mCommonPart->GetSystemValue(orLogic->GetCommonPartParamId(), rule.commonPartName);
+    }
+    return orLogic->GetLogicType() == STATIC_TYPE ? orLogic->GetValue() : "";
+}
+
+bool CommandRuleEngine::IsFaultForSingleSql(const CommandRule& rule, const ParamList& list)
+{
+    NoteReason(Reason::NO_CONDITION);
+    for (const auto& orLogic : rule.analysisMethod.sqlItem.conditionList) {
+        if (orLogic == nullptr) {
+            continue;
+        }
+        bool isMet = false;
+        if (orLogic->GetType() == SINGLE_LOGIC) {
+            const auto param = GetParam(list, orLogic->GetParamId());
+            if (param == nullptr || param->value.empty()) {
+                // Ends the rule; the conditions behind aren't looked at.
+                return Decide(Reason::NO_VALUE, false);
+            }
+            const std::string& source = orLogic->GetLogicType();
+            isMet = CompareParam(*param, orLogic->GetLogic(), GetThreshold(orLogic, rule), param->value,
+                IsThresholdSource(source) ? std::string_view(source) : std::string_view());
+        } else if (orLogic->GetType() == MULTIPLE_LOGIC) {
+            isMet = IsFaultForSqlMultiLogic(list, orLogic);
+        } else {
+            FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Undefined orLogic type: %s.",
+                "CommandRuleEngine::IsFaultForSingleSql", orLogic->GetType().c_str());
+            return Decide(Reason::UNKNOWN_CONDITION, false);
+        }
+        if (isMet) {
+            return Decide(Reason::CONDITION_MET, true);
+        }
+        NoteReason(Reason::CONDITION_NOT_MET);
+    }
+    return false;
+}
+
+bool CommandRuleEngine::IsFaultForSqlMultiLogic(
+    const ParamList& list, const std::shared_ptr<OrLogic>& orLogic) const
+{
+    if (orLogic == nullptr || list.empty()) {
+        return false;
+    }
+    const OrLogic::LogicItemList& items = orLogic->GetLogicItemList();
+    if (items.empty() || items.front() == nullptr) {
+        return false;
+    }
+    // All items are held against the parameter of the first: that is how a range of one column is written.
+    const auto param = GetParam(list, items.front()->GetParamId());
+    if (param == nullptr || param->value.empty()) {
+        return false;
+    }
+    for (const auto& item : items) {
+        if (item == nullptr || !CompareParam(*param, item->GetLogic(), item->GetValue(), param->value)) {
+            return false;
+        }
+    }
+    return true;
+}

@@ -1,0 +1,64 @@
+#ifndef ARBORIST_EVALUATION_COMMAND_RULE_ENGINE_H
+#define ARBORIST_EVALUATION_COMMAND_RULE_ENGINE_H
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "arborist/evaluation/rule_checker.h"
+#include "arborist/model/rule.h"
+
+class CommandRuleDbHelper;
+class CommonPart;
+class RuleHelper;
+
+/// Decides command rules: runs the rule's SQL on the derived database, or on each copy of an external one, and holds
+/// the values of the one row that comes back against thresholds of the rule or of the common part.
+///
+/// The values are written into the rule's parameters and stay there: a rule whose database can't be opened is judged
+/// by those of its last query.
+class CommandRuleEngine : public RuleChecker {
+public:
+    /// Without a common part every rule answers false.
+    CommandRuleEngine(std::shared_ptr<CommonPart> commonPart, std::shared_ptr<RuleHelper> ruleHelper);
+    ~CommandRuleEngine() override;
+
+    bool IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId) override;
+
+private:
+    friend struct CommandRuleEnginePeer; // tests reach the steps through it
+
+    using ParamList = std::vector<std::shared_ptr<Param>>;
+    using Reason = DetectionObserver::Reason;
+
+    // What is run on each database of a rule.
+    struct Query {
+        std::string sql;
+        ParamList params;
+        bool isNormalization = false;
+        std::shared_ptr<Param> first;
+        std::shared_ptr<Param> second;
+    };
+
+    Query QueryOf(const CommandRule& rule, const std::string& eventId) const;
+    static void GetTimeParaList(ParamList& list, const ParamMap& params, const std::string& analysisType,
+        const CommandRule::SqlItem& sqlItem);
+    static void GetTimeInterval(const ParamList& list, bool isNormalization, std::shared_ptr<Param>& first,
+        std::shared_ptr<Param>& second);
+    std::string GetSqlScript(const CommandRule::SqlItem& sqlItem, const std::string& eventId,
+        const std::shared_ptr<CommandRule::ReferenceDefDb>& reference) const;
+    static std::string JoinSqlStrWithTime(const std::string& sql, std::int64_t start);
+    bool IsFaultInDatabase(const CommandRule& rule, const Query& query, const std::string& path);
+    bool IsFaultInReference(const CommandRule& rule, const Query& query);
+    static std::shared_ptr<Param> GetParam(const ParamList& list, const std::string& id);
+    std::string GetThreshold(const std::shared_ptr<OrLogic>& orLogic, const CommandRule& rule) const;
+    bool IsFaultForSingleSql(const CommandRule& rule, const ParamList& list);
+    bool IsFaultForSqlMultiLogic(const ParamList& list, const std::shared_ptr<OrLogic>& orLogic) const;
+
+    std::shared_ptr<CommonPart> mCommonPart;
+    std::shared_ptr<RuleHelper> mRuleHelper;
+    std::shared_ptr<CommandRuleDbHelper> mDbHelper;
+};
+
+#endif
