@@ -1,5 +1,7 @@
 #include "arborist/loading/fault_tree_parser.h"
 
+#include <filesystem>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -256,6 +258,56 @@ TEST_F(FaultTreeParserTest, EmptyIdFindsNothingEvenWhereAnItemHasIt)
     mParser.StartParse();
     EXPECT_EQ(mParser.GetSuggestionList().size(), 1U);
     EXPECT_THAT(mParser.GetSuggestionListById(""), IsEmpty());
+}
+
+// The look-ups as they are told: walks over the lists.
+std::string CodeRuleNameByWalk(const FaultTreeParser& parser, const std::string& detectCode)
+{
+    for (const auto& listed : parser.GetCodeRuleList()) {
+        const auto entry = parser.GetRuleMap().find(listed->name);
+        const auto current = std::dynamic_pointer_cast<CodeRule>(entry->second);
+        if (current != nullptr && current->codeItem.id == detectCode) {
+            return listed->name;
+        }
+    }
+    return "";
+}
+
+std::vector<std::string> SuggestionsByWalk(const FaultTreeParser& parser, const std::string& eventId)
+{
+    std::vector<std::string> suggestions;
+    for (const auto& item : parser.GetSuggestionList()) {
+        if (item->GetFaultItemId() == eventId) {
+            suggestions = item->GetResolutionSuggestions();
+        }
+    }
+    return suggestions;
+}
+
+TEST_F(FaultTreeParserTest, LookUpsOfRandomRuleSetsAnswerAsWalksWould)
+{
+    const unsigned int seed = std::random_device{}();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random(seed);
+    const auto oneOf = [&random](const char* stem, unsigned int count) {
+        return stem + std::to_string(random() % count);
+    };
+    for (int round = 0; round < 20; ++round) {
+        RuleXml rules("jank");
+        for (int number = 0; number < 30; ++number) {
+            rules.Rule(random() % 3 == 0 ? NodeRuleXml(oneOf("R", 12), {}) : CodeRuleXml(oneOf("R", 12), oneOf("c", 8)));
+            rules.Solution(oneOf("e", 8), {oneOf("s", 99)});
+        }
+        std::filesystem::remove(mDir.Path("FaultTreeRules.xml"));
+        WriteRules(rules);
+        mParser.StartParse();
+        for (int number = 0; number < 9; ++number) {
+            const std::string code = "c" + std::to_string(number);
+            EXPECT_EQ(mParser.GetCodeRuleNameById(code), CodeRuleNameByWalk(mParser, code));
+            const std::string id = "e" + std::to_string(number);
+            EXPECT_EQ(mParser.GetSuggestionListById(id), SuggestionsByWalk(mParser, id));
+        }
+    }
 }
 
 TEST_F(FaultTreeParserTest, RepairWithAnOperationIsIdAndOperation)
