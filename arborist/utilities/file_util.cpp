@@ -215,7 +215,11 @@ void FileUtil::RemoveFolderBeginWith(const std::string& parent, const std::strin
 bool FileUtil::CopyFileToFolder(const std::string& source, const std::string& target, fs::copy_options options)
 {
     std::error_code error;
-    fs::copy(source, target, options, error);
+    try {
+        fs::copy(source, target, options, error);
+    } catch (const fs::filesystem_error& failure) {
+        error = failure.code(); // a folder that breaks off while it is read: its walk throws all the same
+    }
     if (error) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Failed to copy file %s to directory %s.",
             "FileUtil::CopyFileToFolder", source.c_str(), target.c_str());
@@ -327,7 +331,9 @@ bool FileUtil::SaveStringToFile(const std::string& path, const std::string& text
         return true;
     }
     std::string realPath;
-    if (!PathToRealPath(path, realPath)) {
+    std::error_code ignored;
+    // A pipe would wait for its reader.
+    if (!PathToRealPath(path, realPath) || fs::is_fifo(realPath, ignored)) {
         return false;
     }
     std::ofstream file(realPath, truncate ? std::ios::trunc : std::ios::app);

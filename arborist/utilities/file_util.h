@@ -72,7 +72,7 @@ bool LoadBufferFromNodeFile(const std::string& path, std::vector<std::uint8_t>& 
 /// are false at once.
 bool LoadStringFromFile(const std::string& path, std::string& text);
 /// Writes `text` to an existing file, in the place of its content with `truncate`, else behind it. A file that doesn't
-/// exist is not made: false. The empty text is true and writes nothing.
+/// exist is not made: false. So is a pipe, which could block. The empty text is true and writes nothing.
 bool SaveStringToFile(const std::string& path, const std::string& text, bool truncate);
 
 /// Names the calling thread for debuggers; the system may keep the first characters only.

@@ -277,10 +277,12 @@ TEST_F(FileUtilTest, RemoveByPrefixTakesFoldersOnly)
     mDir.Write("parent/temp_file", "");
     mDir.Write("parent/other/file", "");
     mDir.MakeDir("temp_outside");
+    fs::create_directory_symlink("../temp_outside", "parent/temp_link");
     FileUtil::RemoveFolderBeginWith("parent", "temp_");
     EXPECT_FALSE(mDir.Has("parent/temp_a"));
     EXPECT_FALSE(mDir.Has("parent/deep/temp_c"));
     EXPECT_TRUE(mDir.Has("parent/temp_file"));
+    EXPECT_TRUE(mDir.Has("parent/temp_link"));
     EXPECT_TRUE(mDir.Has("parent/other/file"));
     EXPECT_TRUE(mDir.Has("temp_outside"));
     FileUtil::RemoveFolderBeginWith("missing", "temp_");
@@ -571,6 +573,7 @@ TEST_F(FileUtilTest, SaveMakesNoFile)
 TEST_F(FileUtilTest, SaveThatCannotWriteIsFalse)
 {
     EXPECT_FALSE(FileUtil::SaveStringToFile(".", "text", true));
+    EXPECT_FALSE(FileUtil::SaveStringToFile(Pipe("pipe"), "text", false));
     if (fs::exists("/dev/full")) {
         EXPECT_FALSE(FileUtil::SaveStringToFile("/dev/full", "text", false));
     }
