@@ -18,7 +18,7 @@ public:
     const std::string& GetVersion() const { return mVersion; }
     const std::string& GetType() const { return mType; }
     const std::shared_ptr<IntermediateEvent>& GetIntermediateEvent() const { return mIntermediateEvent; }
-    /// Kept for hosts' sake: what a deduction found is told by FaultTreeVisitor.
+    /// Kept with the tree; nothing sets it. What a deduction found is told by FaultTreeVisitor.
     bool IsResult() const { return mResult; }
 
     void SetId(std::string id);
