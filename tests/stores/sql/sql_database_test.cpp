@@ -78,6 +78,18 @@ TEST_F(SqlDatabaseTest, CommittedTransactionLastsAndAnOpenOneIsLost)
     EXPECT_FALSE(statement.ExecuteNoCallback("select * from lost"));
 }
 
+TEST_F(SqlDatabaseTest, ClosingGivesItsLocksBack)
+{
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    ASSERT_TRUE(SqlOperator(mDatabase.GetHandle()).ExecuteNoCallback("BEGIN EXCLUSIVE"));
+    SqlDatabase other;
+    ASSERT_TRUE(other.Open(mDir.Path("a.db")));
+    SqlOperator writer(other.GetHandle());
+    EXPECT_FALSE(writer.ExecuteNoCallback("create table t (a)"));
+    mDatabase.Close();
+    EXPECT_TRUE(writer.ExecuteNoCallback("create table t (a)"));
+}
+
 TEST_F(SqlDatabaseTest, TransactionsFailInTheLog)
 {
     EXPECT_FALSE(mDatabase.BeginTransaction());

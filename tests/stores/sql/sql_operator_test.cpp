@@ -118,6 +118,21 @@ TEST_F(SqlOperatorTest, FailuresNameTheOperationAndTheReason)
         "FUNc:FT::sql::SqlOperator::ExecuteNoCallback: ExecuteNoCallback db is null"));
 }
 
+// What is left of a failed open is no connection to run anything on, and SQLite gives no words for that.
+TEST_F(SqlOperatorTest, FailureWithoutWordsSaysSo)
+{
+    ASSERT_TRUE(mOperator.Execute("select 1"));
+    ASSERT_FALSE(mDatabase.Open(mDir.Path("no/such/a.db")));
+    mLog.Clear();
+    EXPECT_FALSE(mOperator.Execute("select 1"));
+    EXPECT_FALSE(mOperator.IsOk());
+    EXPECT_EQ(mOperator.GetCount(), 0U);
+    EXPECT_FALSE(mOperator.ExecuteNoCallback("select 1"));
+    EXPECT_THAT(mLog.Lines(LEVEL_ERROR),
+        ElementsAre("FUNc:FT::sql::SqlOperator::Execute: Execute error returns null",
+            "FUNc:FT::sql::SqlOperator::ExecuteNoCallback: ExecuteNoCallback error returns null"));
+}
+
 TEST_F(SqlOperatorTest, EveryStatementDropsTheRowsBefore)
 {
     ASSERT_TRUE(mOperator.Execute("select 1"));
