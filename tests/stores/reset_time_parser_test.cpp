@@ -64,6 +64,16 @@ protected:
     ResetTimeParser mParser{mDir.Path("unpacked/")};
 };
 
+TEST(ResetTimeParserNames, AreThoseOfTheDevice)
+{
+    EXPECT_THAT(ResetTimeParser::RECOVERY_PATHS,
+        ElementsAre("/splash2/recovery/", "/splash2/", "/log/", "/log/recovery/"));
+    EXPECT_EQ(ResetTimeParser::SEPARATOR, "\"");
+    EXPECT_EQ(ResetTimeParser::RESET_LOG_NAME, "reset_log");
+    EXPECT_EQ(ResetTimeParser::PRIVATE_PATH, "/data/data/");
+    EXPECT_EQ(ResetTimeParser::BASE_URI_PATH, "content://com.example.repair.provider/records");
+}
+
 TEST_F(ResetTimeParserTest, LogServiceLeavesBothTimesAtZero)
 {
     mDir.Write("unpacked/recovery_log", Begin(9, "UPDATE") + End(10));
