@@ -33,6 +33,7 @@ protected:
 
     bool UnZipBytes(const std::string& bytes)
     {
+        fs::remove("a.zip"); // a file that is written over is flushed to the disk by some file systems
         std::ofstream("a.zip", std::ios::binary) << bytes;
         return UnZipFile("a.zip");
     }
@@ -275,6 +276,21 @@ INSTANTIATE_TEST_SUITE_P(Table, AddedName, testing::Values(
     AddedCase{"CurrentFolderIsAParent", "./c", 1, "", "./c"},
     AddedCase{"BackslashSeparatesInTheName", "back\\slash", 1, "", "back/slash"}),
     CaseName());
+
+std::FILE* OpenContent(const std::string&)
+{
+    return std::fopen("content", "rb");
+}
+
+TEST_F(ZipUtilTest, SourceThatEndsInASeparatorIsANameOfItsOwn)
+{
+    mDir.Write("content", "text");
+    const ZipUtil::Handle archive = ZipUtil::CreateZipFile("a.zip");
+    EXPECT_TRUE(ZipUtil::AddFileInZip(archive, "a/b/", 0, "", OpenContent));
+    EXPECT_TRUE(ZipUtil::AddFileInZip(archive, "a/b/", 1, "c", OpenContent));
+    ZipUtil::CloseZipFile(archive);
+    EXPECT_THAT(ReadZip("a.zip"), ElementsAre(Pair("a/b/", "text"), Pair("/c", "text")));
+}
 
 std::FILE* OpenNothing(const std::string&)
 {
