@@ -12,6 +12,7 @@
 #include "tests/support/log_capture.h"
 #include "tests/support/settings_guard.h"
 #include "tests/support/temp_dir.h"
+#include "tests/support/time_zone.h"
 
 namespace {
 
@@ -23,7 +24,7 @@ class RepairDbUtilTest : public testing::Test {
 protected:
     RepairDbUtilTest() { mSettings.Set(Settings::PROGRAM_DATA_DIR, mDir.Path("data")); }
 
-    // Local time of the tests' zone, one hour ahead of UTC in winter.
+    // Local time is one hour ahead of UTC in winter.
     void SetNow(std::int64_t seconds) const { mSettings.Set(Settings::CURRENT_TIME, std::to_string(seconds)); }
 
     // All rows as "id/repair/date", separated by blanks.
@@ -37,6 +38,7 @@ protected:
         return table.GetTopRecord() == nullptr ? "" : table.GetTopRecord()->GetValue("rows")->AsString();
     }
 
+    TimeZone mZone{CENTRAL_EUROPE};
     TempDir mDir;
     SettingsGuard mSettings;
     LogCapture mLog;
