@@ -1,0 +1,119 @@
+#include <gmock/gmock.h>
+
+#include "arborist/evaluation/rule_engine.h"
+#include "arborist/frame/settings.h"
+#include "tests/evaluation/rule_set.h"
+#include "tests/support/database_rows.h"
+#include "tests/support/event_log_builder.h"
+#include "tests/support/log_capture.h"
+#include "tests/support/settings_guard.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr std::int64_t NOW = 1700000000;
+
+Xml ThresholdsXml(const std::string& name)
+{
+    return Xml("thresholdsOrLumbraData")
+        .Attr("name", name)
+        .Child(Xml("SystemParamTable").Child(ParamsXml({ParamXml("cpu", "CPU_NAME", "string")})))
+        .Child(Xml("retrieveLumbraData")
+                   .Child(Xml("alarmId")
+                              .Attr("Eventid_Min", "7")
+                              .Attr("Eventid_Max", "7")
+                              .Child(ParamsXml({ParamXml("1", "n", "int")}))));
+}
+
+Xml TablesXml(const std::string& directory)
+{
+    return Xml("defDBTable")
+        .Attr("name", "Ext")
+        .Child(Xml("dbPaths").Child(
+            Xml("dbPath").Attr("decompression", "false").Attr("type", "").Attr("value", directory)))
+        .Child(Xml("dbName").Attr("name", ".*\\.db"));
+}
+
+class RuleEngineInit : public testing::Test {
+protected:
+    RuleEngineInit()
+    {
+        mSettings.Set(Settings::PROGRAM_DATA_DIR, mDir.Path("root"));
+        mSettings.Set(Settings::APP_DATABASE_DIR, mDir.Path("copies"));
+        mSettings.Set(Settings::CURRENT_TIME, std::to_string(NOW));
+        EventLogBuilder().Row({NOW - 1, 7, "", R"({"n":3})"}).WriteTo(mDir.Path("root/Comms/Lumbra/workDir/0/log.db"));
+        mDir.MakeDir("device");
+        EventLogBuilder::Run(mDir.Path("device/ext.db"), "create table e(a)");
+    }
+
+    // Prepares a rule set with these entries in its common part; without entries it has none.
+    void Init(const std::vector<Xml>& entries)
+    {
+        const auto detectInfo = DetectInfoFor(mDir, TAG);
+        detectInfo->mDeviceDetails = std::make_shared<DeviceDetails>("", "", "", "i7", "16G", "4K", "5000");
+        RuleXml rules(TAG);
+        if (!entries.empty()) {
+            rules.CommonPart(entries);
+        }
+        mParser = Load(mDir, TreeXml(TAG).Tree("T", Or({Basic("A")})), rules, detectInfo);
+        mLog.Clear();
+        RuleEngine(detectInfo, mParser).Init();
+    }
+
+    std::vector<std::string> DerivedRows() const
+    {
+        return DatabaseRows(mDir.Path("root/Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db"),
+            "select * from Jank");
+    }
+
+    TempDir mDir;
+    SettingsGuard mSettings;
+    LogCapture mLog;
+    std::shared_ptr<FaultTreeParser> mParser;
+};
+
+TEST_F(RuleEngineInit, WithoutACommonPartOnlyTheDirectoryIsMade)
+{
+    Init({});
+    EXPECT_TRUE(mDir.Has("root/Comms/Lumbra/zxdetectrepair/databases"));
+    EXPECT_FALSE(mDir.Has("root/Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db"));
+    EXPECT_FALSE(mDir.Has("copies"));
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
+TEST_F(RuleEngineInit, WithoutAParserOrDetectInfoOnlyTheDirectoryIsMade)
+{
+    RuleEngine(nullptr, nullptr).Init();
+    EXPECT_TRUE(mDir.Has("root/Comms/Lumbra/zxdetectrepair/databases"));
+}
+
+TEST_F(RuleEngineInit, TablesAloneAreCopiedAndNothingIsDerived)
+{
+    Init({TablesXml(mDir.Path("device"))});
+    EXPECT_FALSE(mDir.Has("root/Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db"));
+    EXPECT_THAT(mParser->GetCommonPart()->GetDefDbTableCommonList()[0]->GetCopyDbFileList(),
+        ElementsAre(mDir.Path("copies/ext.db")));
+}
+
+TEST_F(RuleEngineInit, BothKindsArePreparedAndTheDeviceSetsItsParameters)
+{
+    Init({TablesXml(mDir.Path("device")), ThresholdsXml("Jank")});
+    EXPECT_THAT(DerivedRows(), ElementsAre("1|3|1699999999"));
+    EXPECT_TRUE(mDir.Has("copies/ext.db"));
+    EXPECT_EQ(mParser->GetCommonPart()->GetThresholdLumbraList()[0]->GetSystemParamMap().at("cpu")->value, "i7");
+}
+
+TEST_F(RuleEngineInit, SourcesStayByteForByteAsTheyWere)
+{
+    const std::string log = mDir.Read("root/Comms/Lumbra/workDir/0/log.db");
+    const std::string external = mDir.Read("device/ext.db");
+    Init({TablesXml(mDir.Path("device")), ThresholdsXml("Jank")});
+    EXPECT_EQ(mDir.Read("root/Comms/Lumbra/workDir/0/log.db"), log);
+    EXPECT_EQ(mDir.Read("device/ext.db"), external);
+    EXPECT_FALSE(mDir.Has("root/Comms/Lumbra/workDir/0/log.db-wal"));
+    EXPECT_FALSE(mDir.Has("root/Comms/Lumbra/workDir/0/log.db-journal"));
+}
+
+} // namespace
