@@ -24,10 +24,10 @@ public:
 private:
     bool AreUnambiguousAmongMany(const Events& events, const Indexes& inError);
     bool Add(const std::string& id);
-    bool Holds(const std::string& id) const;
+    bool IsMarked(const std::string& id, std::uint64_t tail) const;
 
-    /// A bit for every id in mIds, so that most others are told apart without looking further.
-    std::vector<bool> mBits;
+    /// Marks the quick hash of every id in mIds, so that most others are told apart without looking further.
+    std::vector<unsigned char> mMarks;
     std::unordered_set<std::string_view> mIds;
 };
 

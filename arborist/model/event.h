@@ -84,6 +84,8 @@ class BasicEvent : public Event {
 public:
     BasicEvent() : Event(EventKind::BASIC, EventStatus::FALSE) {}
 
+    /// Does nothing, and final: a gate spares its leaves the call.
+    void Check() final {}
     void Reset() override;
 };
 
@@ -92,6 +94,8 @@ class UndevelopedEvent : public Event {
 public:
     UndevelopedEvent() : Event(EventKind::UNDEVELOPED, EventStatus::UNKNOWN) {}
 
+    /// Does nothing, and final, as for a basic event.
+    void Check() final {}
     void Reset() override;
 };
 

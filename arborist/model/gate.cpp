@@ -50,7 +50,11 @@ void Gate::AddEvent(std::shared_ptr<Event> event)
 void Gate::CheckEvents()
 {
     for (const auto& event : mEvents) {
-        event->Check();
+        // Most events are leaves, and what they would do is known: nothing.
+        const EventKind kind = event->GetKind();
+        if (kind != EventKind::BASIC && kind != EventKind::UNDEVELOPED) {
+            event->Check();
+        }
     }
 }
 
