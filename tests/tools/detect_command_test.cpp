@@ -146,6 +146,27 @@ TEST_F(DetectCommandTest, AMalformedRuleFileIsNamedWithItsLine)
     EXPECT_EQ(result.status, 3);
 }
 
+TEST_F(DetectCommandTest, APatternThatIsNoRegularExpressionIsNamedWithItsEntry)
+{
+    WriteHotBundle(mDir, "bad", BundleJson(R"(, "settings": {"AppDatabaseDir": "databases"})"));
+    WriteHotBundle(mDir, "good");
+    const auto entry = [](const std::string& name, const std::string& pattern) {
+        return Xml("defDBTable").Attr("name", name)
+            .Child(Xml("dbPaths").Child(
+                Xml("dbPath").Attr("decompression", "true").Attr("type", "folder").Attr("value", "found")))
+            .Child(Xml("dbName").Attr("name", pattern));
+    };
+    mDir.Write("bad/found/a.db", "x");
+    mDir.Write("bad/rules/FaultTreeRules.xml",
+        RuleXml("Tag").CommonPart({entry("FINE", ".*\\.db"), entry("BROKEN", "[a<\"")}).Text());
+    const auto result = RunArborist({"detect", "--log-level", "none", "bad", "good"});
+    EXPECT_THAT(result.err, StartsWith("arborist: bad: rules/FaultTreeRules.xml: the dbName pattern \"[a<\"\" of the "
+        "defDBTable \"BROKEN\" is no regular expression: "));
+    EXPECT_THAT(result.err, EndsWith(" [bad_pattern]\n"));
+    EXPECT_THAT(result.out, AllOf(StartsWith("bad\n  NOT DIAGNOSED\ngood\n"), HasSubstr("FAULT")));
+    EXPECT_EQ(result.status, 3);
+}
+
 TEST_F(DetectCommandTest, AFolderThatIsNoneIsNamed)
 {
     mDir.Write("file", "x");

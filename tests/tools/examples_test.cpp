@@ -14,7 +14,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::StartsWith;
 
 const std::string EXAMPLES = std::string(ARBORIST_SOURCE_DIR) + "/examples/";
 
@@ -68,7 +67,8 @@ TEST_F(LaptopTest, HasTheFaultsThatItWasRecordedWith)
     const auto result = Detect();
     EXPECT_THAT(Causes(result), ElementsAre("LAPTOP_POWER: BATTERY_WORN CHARGE_LOST",
         "LAPTOP_STORAGE: FLASH_LIFE_USED STORAGE_HOT READ_RETRIES",
-        StartsWith("LAPTOP_MEMORY: MODULE_B1_BAD"), StartsWith("LAPTOP_DISPLAY: BACKLIGHT_DARK PIXELS_DEAD"), "LAPTOP_INPUT:",
+        "LAPTOP_MEMORY: MODULE_B1_BAD PROGRAMS_KILLED MEMORY_TOO_SMALL SWAPS_OFTEN",
+        "LAPTOP_DISPLAY: BACKLIGHT_DARK PIXELS_DEAD WRONG_RESOLUTION PANEL_UNEVEN PANEL_WORN_OUT", "LAPTOP_INPUT:",
         "LAPTOP_RADIO:"));
     EXPECT_THAT(result.err, IsEmpty());
     EXPECT_EQ(result.status, 0);
@@ -77,7 +77,7 @@ TEST_F(LaptopTest, HasTheFaultsThatItWasRecordedWith)
 TEST_F(LaptopTest, AsOfAnotherMomentTheEventsDontCount)
 {
     EXPECT_THAT(Causes(Detect({"--now", "2025-01-01 00:00:00"})), ElementsAre("LAPTOP_POWER: BATTERY_WORN",
-        "LAPTOP_STORAGE: STORAGE_HOT", "LAPTOP_MEMORY:", StartsWith("LAPTOP_DISPLAY: PIXELS_DEAD"),
+        "LAPTOP_STORAGE: STORAGE_HOT", "LAPTOP_MEMORY:", "LAPTOP_DISPLAY: PIXELS_DEAD PANEL_UNEVEN PANEL_WORN_OUT",
         "LAPTOP_INPUT:", "LAPTOP_RADIO:"));
 }
 
@@ -85,6 +85,15 @@ TEST_F(LaptopTest, TheKeyboardIsFineOnlyBecauseItWasRepaired)
 {
     mDir.Write("laptop/programdata/Comms/Lumbra/zxdetectrepair/databases/repair_record.db", "");
     EXPECT_THAT(Causes(Detect()), testing::Contains("LAPTOP_INPUT: KEYS_BOUNCE"));
+}
+
+TEST_F(LaptopTest, ThresholdsFollowTheMemorySize)
+{
+    auto json = mDir.Read("laptop/bundle.json");
+    json.replace(json.find("\"RamSize\": \"8\""), 14, "\"RamSize\": \"32\"");
+    mDir.Write("laptop/bundle.json", json);
+    EXPECT_THAT(Causes(Detect()),
+        testing::Contains("LAPTOP_MEMORY: MODULE_B1_BAD PROGRAMS_KILLED SWAPS_OFTEN"));
 }
 
 TEST_F(LaptopTest, QueriesKnowItsCodes)
