@@ -12,6 +12,7 @@
 #include "arborist/stores/common_part_db_helper.h"
 #include "arborist/stores/reset_time_parser.h"
 #include "arborist/stores/sql/simple_database_helper.h"
+#include "arborist/stores/sql/sql_cursor.h"
 #include "arborist/stores/sql/sql_database.h"
 #include "arborist/stores/sql/sql_table.h"
 #include "arborist/utilities/file_util.h"
@@ -26,6 +27,9 @@ constexpr char SELECT_EVENTS[] =
 // What a bean gets that names no ids.
 constexpr char DEFAULT_EVENTS[] = "( event_info.event_id >= 902000000 AND event_info.event_id < 902500000 OR "
                                   "event_info.event_id = 902500007 ) ";
+// The places of its columns.
+constexpr int EXTRA_COLUMN = 0;
+constexpr int TIME_COLUMN = 1;
 constexpr std::int64_t SEVEN_DAYS = 604800;
 constexpr std::int64_t THIRTY_DAYS = 2592000;
 
@@ -42,10 +46,15 @@ std::int64_t LatestResetOrUpdate(const std::string& directory)
     return std::max(parser->GetResetTime(), parser->GetUpdateTime());
 }
 
-std::int64_t IntegerOf(const FT::sql::SqlRecord& record, const std::string& column)
+std::int64_t TimeOf(const FT::sql::SqlCursor& cursor)
 {
-    const FT::sql::SqlValue* const value = record.GetValue(column);
-    return value == nullptr ? 0 : value->AsInteger();
+    if (cursor.GetType(TIME_COLUMN) == FT::sql::SqlCursor::ColumnType::INTEGER) {
+        return cursor.GetInteger(TIME_COLUMN);
+    }
+    // The number at the front of whatever stands there; 0 for nothing.
+    FT::sql::SqlValue value;
+    value.SetValue(std::string(cursor.GetText(TIME_COLUMN)), FT::sql::TypeInteger);
+    return value.AsInteger();
 }
 
 // The total of a statistic, which must not be counted as an event.
@@ -113,9 +122,9 @@ std::int64_t CommonPartDbHelper::QueryVersion(const FT::sql::SqlDatabase& databa
     const std::uint64_t count = FT::sql::SimpleDatabaseHelper().GetRecordCountByFullSql(
         table, "select * from event_version where VERSION_NAME = '" + versionName + "' ORDER BY _ID DESC");
     for (std::uint64_t index = 0; index < count; ++index) {
-        const std::int64_t id = IntegerOf(*table.GetRecord(index), "_ID");
-        if (id != 0) {
-            return id;
+        const FT::sql::SqlValue* const id = table.GetRecord(index)->GetValue("_ID");
+        if (id != nullptr && id->AsInteger() != 0) {
+            return id->AsInteger();
         }
     }
     return 0;
@@ -124,32 +133,32 @@ std::int64_t CommonPartDbHelper::QueryVersion(const FT::sql::SqlDatabase& databa
 void CommonPartDbHelper::QueryDataSet(
     const FT::sql::SqlDatabase& database, const std::string& sql, RowList& rows, std::int64_t minTime)
 {
-    // Carries the fields alone: there is no table of that name.
-    FT::sql::SqlField fields[] = {{"extra", FT::sql::TypeText}, {"occurrence_time", FT::sql::TypeInteger},
-        FT::sql::SqlField(FT::sql::FieldUseEnd)};
-    FT::sql::SqlTable table(database.GetHandle(), "event_info_union_table", fields, std::size(fields));
-    const std::uint64_t count = FT::sql::SimpleDatabaseHelper().GetRecordCountByFullSql(table, sql);
-    if (count == 0) {
-        FT::Log::GetInstance().Output(
-            FT::LEVEL_INFO, "FUNc:%s: event_info table record is empty.", "CommonPartDbHelper::QueryDataSet");
-        return;
-    }
-    for (std::uint64_t index = 0; index < count; ++index) {
-        const FT::sql::SqlRecord& record = *table.GetRecord(index);
-        const std::int64_t time = IntegerOf(record, "occurrence_time");
+    // Row by row: what the selection holds need not be there twice, as text and as JSON.
+    FT::sql::SqlCursor cursor(database.GetHandle(), sql);
+    bool isEmpty = true;
+    for (; cursor.Step(); isEmpty = false) {
+        const std::int64_t time = TimeOf(cursor);
         if (time <= minTime) {
             continue;
         }
-        const FT::sql::SqlValue* const extra = record.GetValue("extra");
-        Json::Value row = ExtraStrToJson(extra == nullptr ? std::string() : extra->AsString());
+        Json::Value row = ExtraStrToJson(std::string(cursor.GetText(EXTRA_COLUMN)));
         if (IsStatisticTotal(row)) {
             continue;
         }
         if (!row.isObject()) {
             row = Json::Value(Json::objectValue);
         }
-        row["occurrence_time"] = static_cast<Json::Int64>(time);
+        row[Json::StaticString("occurrence_time")] = static_cast<Json::Int64>(time);
         rows.push_back(std::move(row));
+    }
+    if (!cursor.IsOk()) {
+        // As every statement of the stores tells it. The rows that came before stay.
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Execute sql failed: %s",
+            "FT::sql::SqlOperator::Execute", cursor.GetError().c_str());
+    }
+    if (isEmpty) {
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_INFO, "FUNc:%s: event_info table record is empty.", "CommonPartDbHelper::QueryDataSet");
     }
 }
 

@@ -129,6 +129,25 @@ TEST_F(EventDataExtraction, EventAtTheMinimumTimeIsDropped)
     EXPECT_THAT(Texts(Peer::Query(mPath, all, 100)), ElementsAre("occurrence_time=101"));
 }
 
+TEST_F(EventDataExtraction, TimeIsTheNumberAtTheFrontOfWhateverStandsThere)
+{
+    EventLogBuilder().WriteTo(mPath);
+    const std::string values = "select '', '105 s' union all select '', 106.7 union all select '', 'x' union all "
+                               "select '', null union all select '', 107";
+    EXPECT_THAT(Texts(Peer::Query(mPath, values, 0)),
+        ElementsAre("occurrence_time=105", "occurrence_time=106", "occurrence_time=107"));
+}
+
+TEST_F(EventDataExtraction, RowsBeforeAFailureStay)
+{
+    EventLogBuilder().WriteTo(mPath);
+    EXPECT_THAT(Texts(Peer::Query(mPath,
+                    "select '', 105 union all select '', abs(-9223372036854775808)", 0)),
+        ElementsAre("occurrence_time=105"));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR),
+        ElementsAre("FUNc:FT::sql::SqlOperator::Execute: Execute sql failed: integer overflow"));
+}
+
 TEST_F(EventDataExtraction, RowsPairOnTheEventAndNotOnTheKeys)
 {
     EventLogBuilder()
