@@ -1,7 +1,10 @@
 #include "arborist/evaluation/formula.h"
 
+#include <charconv>
+#include <clocale>
 #include <cstddef>
 #include <cstdio>
+#include <iterator>
 #include <limits>
 #include <string_view>
 
@@ -221,6 +224,9 @@ std::string Printed(double number)
 {
     // The greatest number has max_exponent10 + 1 digits before the point.
     char text[std::numeric_limits<double>::max_exponent10 + 16];
+    if (*std::localeconv()->decimal_point == '.') { // the same text, sooner
+        return {text, std::to_chars(text, std::end(text), number, std::chars_format::fixed, 6).ptr};
+    }
     std::snprintf(text, sizeof(text), "%f", number);
     return text;
 }

@@ -1,7 +1,9 @@
 #include "arborist/utilities/string_util.h"
 
 #include <cerrno>
+#include <clocale>
 #include <cstdlib>
+#include <iterator>
 #include <limits>
 
 #include "arborist/frame/log.h"
@@ -47,6 +49,41 @@ template <typename Number>
 bool Holds(long long number)
 {
     return number >= std::numeric_limits<Number>::min() && number <= std::numeric_limits<Number>::max();
+}
+
+bool IsDigit(char sign)
+{
+    return sign >= '0' && sign <= '9';
+}
+
+// Reads the usual number, few digits with or without a point, as the standard conversion does: both the digits and the
+// power of ten are exact as doubles, so that one division rounds right. False where more than that is to be read.
+bool ReadPlainNumber(const char* text, double& value)
+{
+    static constexpr double POWERS[] = {
+        1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    constexpr std::ptrdiff_t MOST_DIGITS = std::size(POWERS) - 1; // every number of so many digits is a double
+    const char* const point = std::localeconv()->decimal_point;
+    std::int64_t digits = 0;
+    std::ptrdiff_t decimals = 0;
+    const char* end = text;
+    for (; IsDigit(*end) && end - text < MOST_DIGITS; ++end) {
+        digits = digits * 10 + (*end - '0');
+    }
+    if (end == text || (*end == *point && point[1] != '\0')) {
+        return false;
+    }
+    if (*end == *point) {
+        for (++end; IsDigit(*end) && end - text <= MOST_DIGITS; ++end, ++decimals) {
+            digits = digits * 10 + (*end - '0');
+        }
+    }
+    // Of what may follow, only these change what was read: more digits, an exponent, a hexadecimal number.
+    if (IsDigit(*end) || *end == 'e' || *end == 'E' || *end == 'x' || *end == 'X') {
+        return false;
+    }
+    value = static_cast<double>(digits) / POWERS[decimals];
+    return true;
 }
 
 void SetEnd(std::size_t* endPosition, std::size_t used)
@@ -129,6 +166,9 @@ double StringUtil::StringToDoubleDef(const std::string& text, double defaultValu
 {
     double value = defaultValue;
     std::size_t used = 0;
+    if (ReadPlainNumber(text.c_str(), value)) {
+        return value;
+    }
     if (Convert(text, value, used, std::strtod) != Conversion::DONE) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: stod error", "StringUtil::StringToDoubleDef");
     }

@@ -1,6 +1,8 @@
 #include "arborist/utilities/string_util.h"
 
 #include <cstdint>
+#include <cstdlib>
+#include <random>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -191,6 +193,21 @@ TEST(TrimSPTest, RemovesSpacesAtBothEndsOnly)
     EXPECT_EQ(StringUtil::TrimSP("a"), "a");
     EXPECT_EQ(StringUtil::TrimSP("   "), "");
     EXPECT_EQ(StringUtil::TrimSP(""), "");
+}
+
+TEST_F(StringUtilTest, PlainNumbersReadAsTheStandardConversionReadsThem)
+{
+    for (const char* text : {"0", "7", "007", "5.", "5.e1", "75.000000", "0.1", "999999999999999", "9999999999999999",
+             "0.123456789012345", "123456.7890123456", "12.5x", "12.5e1", "1e", "0x", "0x1p3", "1.2.3", "30000\n"}) {
+        EXPECT_EQ(StringUtil::StringToDoubleDef(text, -1), std::strtod(text, nullptr)) << text;
+    }
+    std::mt19937_64 random(20);
+    for (int round = 0; round < 20000; ++round) {
+        std::string text = std::to_string(random() >> (random() % 64));
+        text.insert(random() % (text.size() + 1), 1, "0123456789.,x "[random() % 14]);
+        text.insert(0, 1, '1'); // so that something converts
+        ASSERT_EQ(StringUtil::StringToDoubleDef(text, 0), std::strtod(text.c_str(), nullptr)) << text;
+    }
 }
 
 } // namespace
