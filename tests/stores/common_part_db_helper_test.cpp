@@ -180,6 +180,16 @@ TEST_F(DerivedTables, TextThatIsSqlRunsInItsRowsTransactionAndReachesNoOtherFile
     EXPECT_FALSE(std::filesystem::exists(mDerivedPath + "-wal"));
 }
 
+TEST_F(DerivedTables, TextThatDropsTheTableLosesItForTheRowsBehind)
+{
+    EXPECT_TRUE(BuildFromExtras({R"({"s":"a"})", R"({"s":"b'); drop table T; --"})", R"({"s":"c"})", R"({"s":"d"})"},
+        {ParamOf("s", "string")}));
+    EXPECT_THAT(Schema("T"), IsEmpty());
+    const auto missing = HasSubstr("sql failed: no such table: T");
+    const std::string fail = Line("IsSetedDataToTable: execute sql fail.");
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(missing, fail, missing, fail));
+}
+
 TEST_F(DerivedTables, FileIsLeftWithoutAnyOtherBesideIt)
 {
     EXPECT_TRUE(BuildFromExtras({"{}", "{}", "{}", "{}", "{}", R"({"s":"'(;"})"}, {ParamOf("s", "string")}));
