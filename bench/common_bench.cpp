@@ -135,7 +135,8 @@ void WriteLog(const std::string& path)
 {
     Connection connection(path);
     connection.Run("CREATE TABLE event_version (_ID integer primary key, VERSION_NAME text);"
-                   "CREATE TABLE event_info (_ID integer primary key, event_id integer, extra text, version_id integer);"
+                   "CREATE TABLE event_info (_ID integer primary key, event_id integer, extra text, "
+                   "version_id integer);"
                    "CREATE TABLE event_info_flow (_ID integer primary key, event_pid integer, occurrence_time integer);"
                    "CREATE INDEX flow_of_event ON event_info_flow (event_pid); BEGIN");
     const std::string numbers = "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +
