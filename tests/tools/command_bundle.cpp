@@ -1,6 +1,10 @@
 #include "tests/tools/command_bundle.h"
 
+#include <filesystem>
+#include <fstream>
 #include <iterator>
+
+#include <gtest/gtest.h>
 
 #include "tests/support/xml_builder.h"
 
@@ -43,4 +47,36 @@ void WriteCodeBundle(const TempDir& dir, const std::string& name, const std::vec
     dir.Write(name + "/bundle.json", json);
     dir.Write(name + "/rules/FaultTrees.xml", TreeXml("Tag").Version("1").Tree("T", Or(events)).Text());
     dir.Write(name + "/rules/FaultTreeRules.xml", rules.Text());
+}
+
+void WriteDropsBundle(const TempDir& dir, const std::string& name)
+{
+    const auto rule = AlarmRuleXml("drops", {AlarmIdXml("1001", "1001", {TimeXml("duration", "7", "3")})});
+    dir.Write(name + "/bundle.json", BundleJson(R"(, "now": "2024-05-20 12:00:00", "tz": "UTC")"));
+    dir.Write(name + "/rules/FaultTrees.xml", TreeXml("Tag").Version("1").Tree("T", Or({Basic("DROPS")})).Text());
+    dir.Write(name + "/rules/FaultTreeRules.xml",
+        RuleXml("Tag").EventRule("DROPS", {Single("drops")}).Rule(rule).Repair("DROPS", {{"R", ""}}).Text());
+}
+
+void PrepareLaptop(const std::string& name)
+{
+    const auto script = std::string(ARBORIST_SOURCE_DIR) + "/examples/laptop/prepare.sh";
+    const auto prepared = RunProcess({script, ARBORIST_COMMAND, name});
+    EXPECT_EQ(prepared.status, 0) << prepared.err;
+}
+
+std::map<std::string, std::string> StateOf(const std::string& folder)
+{
+    std::map<std::string, std::string> state;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+        const auto time = entry.last_write_time().time_since_epoch().count();
+        std::string text = std::to_string(static_cast<int>(entry.symlink_status().type())) + " "
+            + std::to_string(time) + " ";
+        if (entry.is_regular_file()) {
+            std::ifstream file(entry.path(), std::ios::binary);
+            text.append(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+        }
+        state[entry.path().string()] = text;
+    }
+    return state;
 }

@@ -1,6 +1,7 @@
 #ifndef ARBORIST_TESTS_TOOLS_COMMAND_BUNDLE_H
 #define ARBORIST_TESTS_TOOLS_COMMAND_BUNDLE_H
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -21,5 +22,18 @@ void WriteHotBundle(const TempDir& dir, const std::string& name, const std::stri
 /// with that user-defined text.
 void WriteCodeBundle(const TempDir& dir, const std::string& name, const std::vector<std::string>& infos,
     const std::string& json = BundleJson());
+
+/// Writes a bundle whose tree "T" has the basic event "DROPS": true when the event log, which the caller adds, has at
+/// least three events 1001 within 7 days before 2024-05-20 12:00:00 in UTC. It has a repair "R".
+void WriteDropsBundle(const TempDir& dir, const std::string& name);
+
+/// Where a bundle keeps its event log.
+inline constexpr char LOG_OF_BUNDLE[] = "/programdata/Comms/Lumbra/workDir/0/log.db";
+
+/// Makes the laptop example, which has rules of all families and external databases, runnable in `name`.
+void PrepareLaptop(const std::string& name);
+
+/// Every path below `folder` with its kind, time of change and content.
+std::map<std::string, std::string> StateOf(const std::string& folder);
 
 #endif

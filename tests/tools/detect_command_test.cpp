@@ -114,7 +114,7 @@ TEST_P(BadBundle, IsNamedWithItsReasonAndTheNextBundleGoesOn)
 
 INSTANTIATE_TEST_SUITE_P(Table, BadBundle, testing::Values(
     BadBundleCase{"NoBundleJson", {{"bad/bundle.json", ""}}, "no_bundle_json",
-        "bad/bundle.json: no such file; a bundle is a folder with a bundle.json", 4},
+        "bad/bundle.json: no such file; a bundle is a folder or a zip with a bundle.json", 4},
     BadBundleCase{"BadJson", {{"bad/bundle.json", "{\"treeTag\": }"}}, "bad_json",
         "bad/bundle.json: line 1, column 13: Syntax error: value, object or array expected.", 4},
     BadBundleCase{"TextBehindTheJson", {{"bad/bundle.json", "{} {}"}}, "bad_json",
@@ -171,8 +171,8 @@ TEST_F(DetectCommandTest, AFolderThatIsNoneIsNamed)
 {
     mDir.Write("file", "x");
     const auto result = RunArborist({"detect", "nowhere", "file"});
-    EXPECT_EQ(result.err, "arborist: nowhere: nowhere: no such folder [no_bundle]\n"
-                          "arborist: file: file: is no folder [no_bundle]\n");
+    EXPECT_EQ(result.err, "arborist: nowhere: nowhere: no such folder or zip [no_bundle]\n"
+                          "arborist: file: file: is neither a folder nor a zip [no_bundle]\n");
     EXPECT_EQ(result.status, 4);
 }
 

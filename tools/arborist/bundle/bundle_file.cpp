@@ -260,13 +260,13 @@ std::optional<Failure> ReadBundleFile(const BundlePath& path, Bundle& bundle, st
     std::error_code error;
     const fs::path folder = path.absolute;
     if (!fs::is_directory(folder, error)) {
-        return Failure{"no_bundle", path.given + (fs::exists(folder, error) ? ": is no folder" : ": no such folder")};
+        return Failure{"no_bundle", path.given + (fs::exists(folder, error) ? ": is neither a folder nor a zip" : ": no such folder or zip")};
     }
     const fs::path file = folder / "bundle.json";
     const std::string name = (fs::path(path.given) / "bundle.json").string();
     // A pipe or device under that name would keep the reader waiting.
     if (!fs::is_regular_file(file, error)) {
-        return Failure{"no_bundle_json", name + ": no such file; a bundle is a folder with a bundle.json"};
+        return Failure{"no_bundle_json", name + ": no such file; a bundle is a folder or a zip with a bundle.json"};
     }
     if (fs::file_size(file, error) > LARGEST_FILE) {
         return Failure{"too_large", name + ": larger than 16 MiB", ExitStatus::INTERNAL};

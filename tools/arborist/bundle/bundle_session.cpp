@@ -1,8 +1,12 @@
 #include "tools/arborist/bundle/bundle_session.h"
 
 #include <filesystem>
+#include <map>
 
+#include "tools/arborist/archive/zip_reader.h"
 #include "tools/arborist/bundle/bundle_file.h"
+#include "tools/arborist/bundle/bundle_overlay.h"
+#include "tools/arborist/library_log/library_log.h"
 
 namespace command {
 
@@ -19,36 +23,103 @@ void EmptySettings()
     }
 }
 
+// Many pack the folder and not what is in it: its one folder is the bundle then.
+std::string FolderWithBundleFile(const fs::path& unpacked)
+{
+    std::error_code error;
+    if (fs::exists(unpacked / "bundle.json", error)) {
+        return unpacked.string();
+    }
+    for (const fs::directory_entry& entry : fs::directory_iterator(unpacked, error)) {
+        if (fs::exists(entry.path() / "bundle.json", error)) {
+            return entry.path().string();
+        }
+    }
+    return unpacked.string();
+}
+
+std::string DataPath(const std::string& folder, const std::map<std::string, std::string>& settings,
+    const std::string& file)
+{
+    const auto root = settings.find(Settings::PROGRAM_DATA_DIR);
+    const bool isSet = root != settings.end() && !root->second.empty();
+    return (fs::path(folder) / (isSet ? root->second : MACHINE_DATA) / file).string();
+}
+
 } // namespace
 
 BundleSession::~BundleSession()
 {
     EmptySettings();
+    ShowPathsInLibraryLog(nullptr);
     if (!mFolderBefore.empty()) {
         std::error_code ignored;
         fs::current_path(mFolderBefore, ignored);
     }
 }
 
-std::optional<Failure> BundleSession::Enter(const BundlePath& path, const BundleOverrides& overrides)
+std::optional<Failure> BundleSession::Enter(const BundlePath& path, const BundleOverrides& overrides, BundleUse use)
+{
+    mIsZip = command::IsZip(path.absolute);
+    if (mIsZip && use == BundleUse::RECORD) {
+        return Failure{"bundle_is_zip", path.given + ": nothing can be recorded in a zip; unpack it first"};
+    }
+    if (mIsZip || use == BundleUse::RUN) {
+        if (auto failure = mScratch.Make()) {
+            return failure;
+        }
+    }
+    if (!mIsZip) {
+        return EnterFolder(path, overrides, use);
+    }
+    if (auto failure = Unpack(path)) {
+        return failure;
+    }
+    return EnterFolder({path.given, mFolder}, overrides, use);
+}
+
+std::optional<Failure> BundleSession::Unpack(const BundlePath& path)
+{
+    const fs::path unpacked = mScratch.Path("bundle");
+    std::error_code error;
+    fs::create_directory(unpacked, error);
+    if (auto failure = UnpackZip(path.absolute, path.given, unpacked.string(), mWarnings)) {
+        return failure;
+    }
+    mFolder = FolderWithBundleFile(unpacked);
+    mNames.Add(mFolder, path.given);
+    mNames.Add(unpacked.string(), path.given);
+    return std::nullopt;
+}
+
+std::optional<Failure> BundleSession::EnterFolder(const BundlePath& path, const BundleOverrides& overrides,
+    BundleUse use)
 {
     if (auto failure = ReadBundleFile(path, mBundle, mWarnings)) {
         return failure;
     }
     mBundle.now = overrides.now.empty() ? mBundle.now : overrides.now;
     mBundle.tz = overrides.tz.empty() ? mBundle.tz : overrides.tz;
+    mBundle.ruleFileDir = overrides.rules.empty() ? mBundle.ruleFileDir : overrides.rules;
     mZone = std::make_unique<TimeZoneGuard>(mBundle.tz);
     if (auto failure = SetMoment()) {
         return failure;
     }
     std::error_code error;
     mFolder = fs::canonical(path.absolute, error).string();
+    mSettings = mBundle.settings;
+    if (use == BundleUse::RUN) {
+        if (auto failure = LayOverlay(mFolder, mScratch, mSettings, mNames)) {
+            return Failure{failure->code, mNames.Shown(failure->message), failure->status};
+        }
+    }
     const std::string before = fs::current_path(error).string();
     fs::current_path(path.absolute, error);
     if (error) {
         return Failure{"no_bundle", path.given + ": can't be entered: " + error.message()};
     }
     mFolderBefore = before;
+    ShowPathsInLibraryLog(&mNames);
     SetSettings();
     return std::nullopt;
 }
@@ -69,7 +140,7 @@ std::optional<Failure> BundleSession::SetMoment()
 void BundleSession::SetSettings() const
 {
     EmptySettings();
-    for (const auto& [key, value] : mBundle.settings) {
+    for (const auto& [key, value] : mSettings) {
         SetFaultTreeProperty(key, value);
     }
     SetFaultTreeProperty(Settings::CURRENT_TIME, mMoment ? std::to_string(*mMoment) : "");
@@ -90,9 +161,12 @@ std::shared_ptr<DetectInfo> BundleSession::MakeDetectInfo() const
 
 std::string BundleSession::ProgramDataPath(const std::string& file) const
 {
-    const auto root = mBundle.settings.find(Settings::PROGRAM_DATA_DIR);
-    const std::string path = root == mBundle.settings.end() || root->second.empty() ? "/var/lib/arborist" : root->second;
-    return (fs::path(mFolder) / path / file).string();
+    return DataPath(mFolder, mSettings, file);
+}
+
+std::string BundleSession::OwnDataPath(const std::string& file) const
+{
+    return DataPath(mFolder, mBundle.settings, file);
 }
 
 } // namespace command

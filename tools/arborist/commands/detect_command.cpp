@@ -68,11 +68,12 @@ void AddDetectCommand(CLI::App& app, ExitStatus& status)
     static constexpr double LONGEST_TIMEOUT = 86400;
     auto options = std::make_shared<DetectOptions>();
     CLI::App* detect = app.add_subcommand("detect", "Diagnose bundles: one detection for each, and its root causes");
-    detect->add_option("BUNDLE", options->bundles, "Folders with a bundle.json")->required();
+    detect->add_option("BUNDLE", options->bundles, "Folders or zips with a bundle.json")->required();
     detect->add_flag("--json", options->asJson, "One JSON object a line for each bundle");
     detect->add_flag("--tree", options->detection.withTrees, "Show the whole trees with the status of each event");
     detect->add_flag("--fail-on-fault", options->failsOnFault, "Exit with 1 when a fault is found");
     AddOverrides(*detect, options->detection.overrides);
+    AddRules(*detect, options->detection.overrides);
     detect->add_option("--code-runner", options->detection.codeRunner.path, "Program that answers code rules: one JSON "
         "object on its standard input, exit status 0 for present, 1 for not present")
         ->type_name("PROGRAM");

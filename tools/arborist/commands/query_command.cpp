@@ -39,12 +39,13 @@ void AddQueryCommand(CLI::App& app, ExitStatus& status)
 {
     auto options = std::make_shared<QueryOptions>();
     CLI::App* query = app.add_subcommand("query", "Tell about one detection code, without a detection");
-    query->add_option("BUNDLE", options->bundle, "Folder with a bundle.json")->required();
+    query->add_option("BUNDLE", options->bundle, "Folder or zip with a bundle.json")->required();
     query->add_option("CODE", options->code, "Detection code of a code rule")->required()->check([](const auto& code) {
         return std::string(code.empty() ? "must not be empty" : "");
     });
     query->add_flag("--json", options->asJson, "One JSON object");
     AddOverrides(*query, options->overrides);
+    AddRules(*query, options->overrides);
     AddLogOptions(*query, options->log);
     query->footer("Prints whether the code rule would run on this device, and the description, suggestion and repair\n"
                   "ids that it stands for.\nExample:\n  arborist query examples/laptop KEYBOARD_TEST");

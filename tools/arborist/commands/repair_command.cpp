@@ -72,17 +72,20 @@ std::optional<Failure> List(const BundleSession& session, const RepairOptions& o
 
 using Work = std::optional<Failure> (*)(const BundleSession& session, const RepairOptions& options);
 
-ExitStatus WithRecords(const RepairOptions& options, Work work)
+ExitStatus WithRecords(const RepairOptions& options, BundleUse use, Work work)
 {
     if (!IsLogOpen(options.log)) {
         return ExitStatus::WRONG_USE;
     }
     BundleSession session;
-    if (const auto failure = session.Enter(MakeBundlePath(options.bundle), options.overrides)) {
+    if (const auto failure = session.Enter(MakeBundlePath(options.bundle), options.overrides, use)) {
         return Fail(options, *failure);
     }
     PrintProblems(options.bundle, session.GetWarnings(), nullptr);
-    const auto failure = work(session, options);
+    auto failure = work(session, options);
+    if (failure) {
+        failure->message = session.Shown(failure->message);
+    }
     return failure ? Fail(options, *failure) : ExitStatus::SUCCESS;
 }
 
@@ -111,13 +114,13 @@ void AddRepairCommand(CLI::App& app, ExitStatus& status)
     });
     AddOverrides(*record, recordOptions->overrides);
     record->footer("Example:\n  arborist repair record examples/laptop REPAIR_BATTERY --now \"2024-05-01 10:00:00\"");
-    record->callback([recordOptions, &status] { status = WithRecords(*recordOptions, Record); });
+    record->callback([recordOptions, &status] { status = WithRecords(*recordOptions, BundleUse::RECORD, Record); });
 
     auto listOptions = std::make_shared<RepairOptions>();
     CLI::App* list = AddRecordsCommand(*repair, "list", "Show the records, in the order of their first making",
         listOptions);
     list->footer("Example:\n  arborist repair list examples/laptop");
-    list->callback([listOptions, &status] { status = WithRecords(*listOptions, List); });
+    list->callback([listOptions, &status] { status = WithRecords(*listOptions, BundleUse::RUN, List); });
 }
 
 } // namespace command

@@ -20,6 +20,17 @@ void AddOverrides(CLI::App& app, BundleOverrides& overrides)
     AddTimeZone(app, overrides.tz);
 }
 
+void AddRules(CLI::App& app, BundleOverrides& overrides)
+{
+    const auto takeOver = [&overrides](const std::string& folder) {
+        std::error_code error;
+        // Meant from here, and not from the bundle that becomes the working directory.
+        overrides.rules = std::filesystem::absolute(folder, error).lexically_normal().string();
+    };
+    app.add_option_function<std::string>("--rules", takeOver, "Folder of a rule set to use instead of the bundle's")
+        ->type_name("DIR");
+}
+
 void AddTimeZone(CLI::App& app, std::string& zone)
 {
     app.add_option("--tz", zone, "Time zone of local times, \"Europe/Berlin\" or a POSIX rule")

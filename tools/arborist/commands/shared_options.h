@@ -16,6 +16,8 @@ namespace command {
 
 /// --now and --tz.
 void AddOverrides(CLI::App& app, BundleOverrides& overrides);
+/// --rules: another rule set than the bundle's.
+void AddRules(CLI::App& app, BundleOverrides& overrides);
 /// --tz alone.
 void AddTimeZone(CLI::App& app, std::string& zone);
 /// --log-level and --log-file.

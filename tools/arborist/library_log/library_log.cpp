@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "arborist/frame/log.h"
+#include "tools/arborist/scratch/path_names.h"
 
 namespace command {
 
@@ -15,6 +16,8 @@ namespace {
 constexpr const char* LEVEL_WORDS[] = {"trace", "debug", "info", "warn", "error", "fatal", "none"};
 // The tags of the library's own logger, so that a log reads the same wherever it was taken.
 constexpr const char* LEVEL_TAGS[] = {"[TRACE] ", "[DEBUG] ", "[INFO] ", "[WARN] ", "[ERROR] ", "[FATAL] "};
+
+const PathNames* pathNames = nullptr;
 
 struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
@@ -57,7 +60,7 @@ private:
         }
 #pragma GCC diagnostic pop
         va_end(again);
-        return line + "\n";
+        return (pathNames == nullptr ? line : pathNames->Shown(line)) + "\n";
     }
 
     int mLevel;
@@ -89,6 +92,11 @@ std::optional<std::string> OpenLibraryLog(const LogOptions& options)
     const int level = LogLevelOf(word).value_or(FT::LEVEL_ERROR);
     FT::Log::GetInstance().SetUserLogger(std::make_unique<LevelLogger>(level, std::move(file)));
     return std::nullopt;
+}
+
+void ShowPathsInLibraryLog(const PathNames* names)
+{
+    pathNames = names;
 }
 
 } // namespace command

@@ -6,6 +6,8 @@
 
 namespace command {
 
+class PathNames;
+
 /// Where the library's log goes: standard output belongs to results, so never there.
 struct LogOptions {
     /// A word of LogLevelOf; lines from this level on go to standard error. Empty: "error", or "none" with a file.
@@ -19,6 +21,9 @@ std::optional<int> LogLevelOf(const std::string& word);
 
 /// Puts the log where `options` say, for the rest of the process. Otherwise answers why not.
 std::optional<std::string> OpenLibraryLog(const LogOptions& options);
+
+/// Lets the log name paths as `names` shows them, which must live until the next call; null for as they are.
+void ShowPathsInLibraryLog(const PathNames* names);
 
 } // namespace command
 

@@ -11,6 +11,7 @@
 
 #include "tools/arborist/bundle/moment.h"
 #include "tools/arborist/render/json_writer.h"
+#include "tools/arborist/sqlite/database_files.h"
 #include "tools/arborist/text/json_text.h"
 
 namespace command {
@@ -197,9 +198,13 @@ std::optional<Failure> ShowEventLog(const std::string& path, bool asSeconds,
     if (!Exists(path)) {
         return Failure{"no_log", path + ": no such file"};
     }
-    Connection database;
-    std::optional<Statement> rows;
-    if (!database.Open(path, Connection::Mode::READ_ONLY) || !(rows = database.Prepare(SELECT_EVENTS))) {
+    ReadOnlyDatabase file;
+    if (auto failure = file.Open(path, "bad_log")) {
+        return failure;
+    }
+    Connection& database = file.Get();
+    std::optional<Statement> rows = database.Prepare(SELECT_EVENTS);
+    if (!rows) {
         return Failure{"bad_log", path + ": " + database.GetError()};
     }
     while (rows->Step()) {

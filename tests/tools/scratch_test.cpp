@@ -1,0 +1,194 @@
+#include "tools/arborist/scratch/scratch.h"
+
+#include <csignal>
+#include <filesystem>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include "tests/support/event_log_builder.h"
+#include "tests/support/temp_dir.h"
+#include "tests/support/xml_builder.h"
+#include "tests/tools/command_bundle.h"
+#include "tools/arborist/scratch/path_names.h"
+
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+namespace fs = std::filesystem;
+
+// 2024-05-19 00:00:00 UTC.
+constexpr std::int64_t A_DAY_BEFORE = 1716076800;
+
+/// Runs the command with a folder for temporary files that can be looked into.
+class ScratchTest : public testing::Test {
+protected:
+    ScratchTest() { mDir.MakeDir("tmp"); }
+
+    ProcessResult Run(const std::vector<std::string>& arguments) const
+    {
+        return RunArborist(arguments, {.environment = {{"TMPDIR", mDir.Path("tmp")}}});
+    }
+
+    bool IsScratchGone() const { return fs::is_empty(mDir.Path("tmp")); }
+
+    static EventLogBuilder ThreeDrops()
+    {
+        return EventLogBuilder().Rows({{A_DAY_BEFORE, 1001, "", ""}, {A_DAY_BEFORE, 1001, "", ""},
+            {A_DAY_BEFORE, 1001, "", ""}});
+    }
+
+    void Script(const std::string& name, const std::string& body) const
+    {
+        fs::permissions(mDir.Write(name, "#!/bin/sh\n" + body + "\n"), fs::perms::owner_all);
+    }
+
+    TempDir mDir;
+};
+
+TEST_F(ScratchTest, RunsLeaveABundleOfAllFamiliesAsItIs)
+{
+    PrepareLaptop("laptop");
+    const auto before = StateOf("laptop");
+    const std::vector<std::string> detect = {"detect", "--json", "--log-level", "none", "--code-runner",
+        std::string(ARBORIST_SOURCE_DIR) + "/examples/laptop/code-runner.sh", "laptop"};
+    const auto first = Run(detect);
+    EXPECT_EQ(first.status, 0);
+    EXPECT_THAT(first.out, HasSubstr("PIXELS_DEAD")); // from a copy of an external database
+    EXPECT_EQ(Run({"query", "laptop", "SPEAKER_TEST"}).status, 0);
+    EXPECT_THAT(Run({"repair", "list", "laptop"}).out, HasSubstr("REPAIR_KEYBOARD"));
+    EXPECT_EQ(StateOf("laptop"), before);
+    EXPECT_EQ(Run(detect).out, first.out);
+    EXPECT_TRUE(IsScratchGone());
+}
+
+TEST_F(ScratchTest, AMissingLogStaysMissing)
+{
+    WriteDropsBundle(mDir, "b");
+    EXPECT_EQ(Run({"detect", "b"}).status, 0);
+    EXPECT_FALSE(mDir.Has("b/programdata"));
+}
+
+TEST_F(ScratchTest, ALogInWalModeIsReadWithItsWaitingRows)
+{
+    WriteDropsBundle(mDir, "b");
+    const std::string log = mDir.Path("b") + LOG_OF_BUNDLE;
+    EventLogBuilder().WriteTo(log);
+    // A connection that stays open keeps the rows in the WAL; the copies are what a pulled log looks like.
+    sqlite3* service = nullptr;
+    ASSERT_EQ(sqlite3_open(log.c_str(), &service), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(service, "PRAGMA journal_mode = WAL; INSERT INTO event_version VALUES (1, '');"
+        "INSERT INTO event_info VALUES (1, 1001, '', 1), (2, 1001, '', 1), (3, 1001, '', 1);"
+        "INSERT INTO event_info_flow VALUES (1, 1, 1716076800), (2, 2, 1716076800), (3, 3, 1716076800)",
+        nullptr, nullptr, nullptr), SQLITE_OK);
+    fs::copy_file(log, "log.db");
+    fs::copy_file(log + "-wal", "log.db-wal");
+    sqlite3_close(service);
+    fs::rename("log.db", log);
+    fs::rename("log.db-wal", log + "-wal");
+
+    const auto before = StateOf("b");
+    const auto result = Run({"detect", "b"});
+    EXPECT_THAT(result.out, HasSubstr("1. DROPS"));
+    EXPECT_THAT(Run({"log", "show", log}).out, HasSubstr("\"event\": 1001"));
+    EXPECT_EQ(StateOf("b"), before);
+    EXPECT_TRUE(IsScratchGone());
+}
+
+TEST_F(ScratchTest, RepairsCountAndOnlyRecordWritesIntoTheBundle)
+{
+    WriteDropsBundle(mDir, "b");
+    ThreeDrops().WriteTo(mDir.Path("b") + LOG_OF_BUNDLE);
+    EXPECT_THAT(Run({"detect", "b"}).out, HasSubstr("1. DROPS"));
+    EXPECT_EQ(Run({"repair", "record", "b", "R"}).status, 0);
+    const auto before = StateOf("b");
+    EXPECT_THAT(Run({"detect", "b"}).out, HasSubstr("no fault"));
+    EXPECT_EQ(StateOf("b"), before);
+}
+
+TEST_F(ScratchTest, IsGoneAfterAFailure)
+{
+    WriteHotBundle(mDir, "b");
+    fs::remove("b/rules/FaultTrees.xml");
+    EXPECT_EQ(Run({"detect", "b"}).status, 3);
+    EXPECT_TRUE(IsScratchGone());
+}
+
+TEST_F(ScratchTest, IsGoneAfterSignalsThatEndTheProcess)
+{
+    WriteCodeBundle(mDir, "b", {"info"});
+    for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
+        Script("runner", "ls \"$TMPDIR\" > " + mDir.Path("seen") + "; kill -" + std::to_string(number) + " $PPID");
+        const auto result = Run({"detect", "--code-timeout", "5", "--code-runner", "./runner", "b"});
+        EXPECT_EQ(result.status, 128 + number);
+        EXPECT_THAT(mDir.Read("seen"), StartsWith("arborist-"));
+        EXPECT_TRUE(IsScratchGone());
+    }
+}
+
+TEST_F(ScratchTest, LogsNameTheBundlesOwnPaths)
+{
+    PrepareLaptop("laptop");
+    mDir.Write("laptop/programdata/Comms/Lumbra/workDir/0/log.db", "this is no database, and long enough to tell");
+    EXPECT_EQ(Run({"detect", "--log-level", "none", "--log-file", "log.txt", "laptop"}).status, 0);
+    EXPECT_THAT(mDir.Read("log.txt"), Not(HasSubstr("arborist-")));
+    EXPECT_EQ(mDir.Read("log.txt").find(mDir.Path("tmp")), std::string::npos);
+}
+
+TEST_F(ScratchTest, ATemporaryFolderThatIsNoneIsTold)
+{
+    WriteHotBundle(mDir, "b");
+    const auto result = RunArborist({"detect", "b"}, {.environment = {{"TMPDIR", mDir.Path("nowhere")}}});
+    EXPECT_THAT(result.err, EndsWith("[no_scratch]\n"));
+    EXPECT_EQ(result.status, 5);
+}
+
+TEST_F(ScratchTest, AnotherRuleSetTakesTheBundlesPlace)
+{
+    WriteHotBundle(mDir, "b");
+    mDir.Write("ours/FaultTrees.xml", TreeXml("Tag").Version("9").Tree("OURS", Or({Basic("X")})).Text());
+    mDir.Write("ours/FaultTreeRules.xml", RuleXml("Tag").Text());
+    EXPECT_THAT(Run({"detect", "--rules", "ours", "b"}).out, HasSubstr("OURS"));
+    const auto missing = Run({"detect", "--rules", "none", "b"});
+    EXPECT_THAT(missing.err, HasSubstr(mDir.Path("none/FaultTrees.xml") + ": no such file"));
+    EXPECT_EQ(missing.status, 3);
+}
+
+TEST(ScratchFolder, IsRemovedWithItsObjectAndLinksAreNotFollowed)
+{
+    TempDir dir;
+    dir.Write("kept/file", "x");
+    std::string path;
+    {
+        command::Scratch scratch;
+        ASSERT_FALSE(scratch.Make().has_value());
+        path = scratch.Path();
+        std::string deep = path;
+        for (int i = 0; i < 40; ++i) {
+            deep += "/folder";
+        }
+        fs::create_directories(deep);
+        fs::create_directory_symlink(dir.Path("kept"), deep + "/link");
+        for (int i = 0; i < 300; ++i) {
+            dir.Write(fs::path(path).lexically_relative(dir.Path()).string() + "/file" + std::to_string(i), "");
+        }
+        EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_all);
+    }
+    EXPECT_FALSE(fs::exists(path));
+    EXPECT_TRUE(dir.Has("kept/file"));
+}
+
+TEST(PathNames, EveryPlaceOfAPathIsNamed)
+{
+    command::PathNames names;
+    names.Add("/tmp/x/databases", "db");
+    EXPECT_EQ(names.Shown("open /tmp/x/databases/a and /tmp/x/databases/b, not /tmp/y"), "open db/a and db/b, not /tmp/y");
+}
+
+} // namespace

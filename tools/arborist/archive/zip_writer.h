@@ -1,0 +1,18 @@
+#ifndef ARBORIST_TOOLS_ARCHIVE_ZIP_WRITER_H
+#define ARBORIST_TOOLS_ARCHIVE_ZIP_WRITER_H
+
+#include <optional>
+#include <string>
+
+#include "tools/arborist/problem.h"
+
+namespace command {
+
+/// Makes the archive `target` of all files and folders below `folder`, in order of their names and without times:
+/// the same content gives the same bytes. Links and what is neither file nor folder are left out. Otherwise answers
+/// why not, naming the archive `shown`.
+std::optional<Failure> PackZip(const std::string& folder, const std::string& target, const std::string& shown);
+
+} // namespace command
+
+#endif

@@ -1,0 +1,35 @@
+#ifndef ARBORIST_TOOLS_SCRATCH_SCRATCH_H
+#define ARBORIST_TOOLS_SCRATCH_SCRATCH_H
+
+#include <optional>
+#include <string>
+
+#include "tools/arborist/problem.h"
+
+namespace command {
+
+/// A private folder below $TMPDIR (or /tmp) for everything that a run writes: inputs stay as they are. It is removed
+/// with the object, and on SIGHUP, SIGINT, SIGPIPE and SIGTERM, which then end the process as they would have without
+/// it. A process that is forked does not remove the folders of its parent.
+class Scratch {
+public:
+    Scratch() = default;
+    ~Scratch();
+    Scratch(const Scratch&) = delete;
+    Scratch& operator=(const Scratch&) = delete;
+
+    /// Makes the folder; once made, it stays. Otherwise answers why not.
+    std::optional<Failure> Make();
+    bool IsMade() const { return !mPath.empty(); }
+    /// Absolute and without links, empty before Make.
+    const std::string& Path() const { return mPath; }
+    std::string Path(const std::string& name) const { return mPath + "/" + name; }
+
+private:
+    std::string mPath;
+    int mSlot = -1;
+};
+
+} // namespace command
+
+#endif
