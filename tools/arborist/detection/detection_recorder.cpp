@@ -12,7 +12,8 @@ void DetectionRecorder::OnRuleSetFile(const RuleSetFile& file)
 
 void DetectionRecorder::OnTreeStarted(const TreeStarted& tree)
 {
-    mTrees.push_back({std::string(tree.treeId), {}});
+    mTrees.push_back({std::string(tree.treeId), {}, {}});
+    mCausePlaces.clear();
 }
 
 void DetectionRecorder::OnEventFolded(const EventFolded& event)
@@ -29,6 +30,20 @@ void DetectionRecorder::OnRuleDecided(const RuleDecided& rule)
         mWarnings.push_back({"no_code_runner", "the code rule \"" + std::string(rule.ruleName)
             + "\" has no recorded answer, and no --code-runner was given: taken as not present"});
     }
+}
+
+void DetectionRecorder::OnRootCause(const RootCauseSeen& rootCause)
+{
+    if (!mKeepsEvents || mTrees.empty()) {
+        return;
+    }
+    std::vector<RecordedCause>& causes = mTrees.back().causes;
+    std::pair<std::string, std::vector<std::string>> key(rootCause.id, rootCause.cutSet);
+    const auto [known, isNew] = mCausePlaces.emplace(std::move(key), causes.size());
+    if (isNew) {
+        causes.push_back({known->first.first, known->first.second, 0});
+    }
+    ++causes[known->second].count;
 }
 
 } // namespace command

@@ -2,7 +2,9 @@
 #define ARBORIST_TOOLS_DETECTION_DETECTION_RECORDER_H
 
 #include <cstddef>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "arborist/frame/detection_observer.h"
@@ -21,10 +23,20 @@ struct RecordedEvent {
     bool observable;
 };
 
-/// One tree with its events in pre-order.
+/// A root cause with one cut set that it stands for.
+struct RecordedCause {
+    std::string id;
+    /// Path of each member, ids from the top down joined by "/".
+    std::vector<std::string> cutSet;
+    /// How often the list of root causes repeats it: a branch that is written out twice gives it twice.
+    std::size_t count;
+};
+
+/// One tree with its events in pre-order, and its root causes without repetition.
 struct RecordedTree {
     std::string id;
     std::vector<RecordedEvent> events;
+    std::vector<RecordedCause> causes;
 };
 
 /// One of the two files of the rule set.
@@ -40,13 +52,14 @@ struct RecordedFile {
 /// Keeps what the command shows of a detection beside its results.
 class DetectionRecorder : public DetectionObserver {
 public:
-    /// Events are kept only with `keepsEvents`: written-out trees can be large.
+    /// Events and root causes are kept only with `keepsEvents`: written-out trees can be large.
     explicit DetectionRecorder(bool keepsEvents) : mKeepsEvents(keepsEvents) {}
 
     void OnRuleSetFile(const RuleSetFile& file) override;
     void OnTreeStarted(const TreeStarted& tree) override;
     void OnEventFolded(const EventFolded& event) override;
     void OnRuleDecided(const RuleDecided& rule) override;
+    void OnRootCause(const RootCauseSeen& rootCause) override;
 
     const std::vector<RecordedFile>& GetFiles() const { return mFiles; }
     /// In the order of the results.
@@ -58,6 +71,8 @@ private:
     bool mKeepsEvents;
     std::vector<RecordedFile> mFiles;
     std::vector<RecordedTree> mTrees;
+    // Place among the causes of the last tree, by id and cut set.
+    std::map<std::pair<std::string, std::vector<std::string>>, std::size_t> mCausePlaces;
     std::vector<Warning> mWarnings;
 };
 

@@ -1,0 +1,107 @@
+#include <CLI/CLI.hpp>
+
+#include "tools/arborist/commands/commands.h"
+#include "tools/arborist/commands/drawing_options.h"
+#include "tools/arborist/commands/output.h"
+#include "tools/arborist/commands/shared_options.h"
+#include "tools/arborist/detection/bare_rules.h"
+#include "tools/arborist/drawing/dot.h"
+#include "tools/arborist/drawing/graphviz.h"
+#include "tools/arborist/drawing/mermaid.h"
+#include "tools/arborist/drawing/open_psa.h"
+#include "tools/arborist/text/near_match.h"
+
+namespace command {
+
+namespace {
+
+struct GraphOptions {
+    DrawingOptions drawing;
+    std::string treeTag;
+    std::string tree;
+    std::string format = "dot";
+    std::string file;
+};
+
+ExitStatus Fail(const std::string& about, const Failure& failure)
+{
+    PrintProblems(about, {}, &failure);
+    return failure.status;
+}
+
+std::optional<Failure> Draw(const std::vector<DrawnTree>& trees, const std::string& format, std::string& drawing)
+{
+    if (format == "svg") {
+        return DrawWithGraphviz(Dot(trees), drawing);
+    }
+    drawing = format == "mermaid" ? Mermaid(trees) : format == "openpsa" ? OpenPsa(trees) : Dot(trees);
+    return std::nullopt;
+}
+
+Failure NoSuchTree(const DetectionReport& report, const std::string& tree)
+{
+    std::vector<std::string> ids;
+    for (const RecordedTree& known : report.trees) {
+        ids.push_back(known.id);
+    }
+    return {"no_such_tree", "no tree with the id \"" + tree + "\"" + DidYouMean(tree, ids), ExitStatus::WRONG_USE};
+}
+
+// What the library misses of a device is no trouble where there is none.
+LogOptions LogOf(const GraphOptions& options, bool isBundle)
+{
+    LogOptions log = options.drawing.log;
+    if (!isBundle && log.level.empty()) {
+        log.level = "none";
+    }
+    return log;
+}
+
+ExitStatus Graph(const GraphOptions& options)
+{
+    const bool isBundle = options.treeTag.empty();
+    if (!IsLogOpen(LogOf(options, isBundle))) {
+        return ExitStatus::WRONG_USE;
+    }
+    const BundlePath path = MakeBundlePath(options.drawing.bundle);
+    const BundlePath target = MakeBundlePath(options.file);
+    const DetectionReport report =
+        isBundle ? RunForDrawing(path, options.drawing) : ReadBareRules(path, options.treeTag);
+    PrintProblems(path.given, report.warnings, report.failure ? &*report.failure : nullptr);
+    if (report.failure) {
+        return report.failure->status;
+    }
+    const std::vector<DrawnTree> trees = DrawTrees(report, isBundle, options.tree);
+    if (trees.empty()) {
+        return Fail(path.given, NoSuchTree(report, options.tree));
+    }
+    std::string drawing;
+    if (const auto failure = Draw(trees, options.format, drawing)) {
+        return Fail(path.given, *failure);
+    }
+    return WriteDrawing(target, drawing);
+}
+
+} // namespace
+
+void AddGraphCommand(CLI::App& app, ExitStatus& status)
+{
+    auto options = std::make_shared<GraphOptions>();
+    CLI::App* graph = app.add_subcommand("graph", "Draw the trees of a bundle after a run, or those of bare rules");
+    AddDrawingOptions(*graph, options->drawing, "Bundle; with --tree-tag a folder of rules");
+    graph->add_option("--tree-tag", options->treeTag, "Draw the trees under this tag of a folder with FaultTrees.xml and "
+        "FaultTreeRules.xml, without a run and so without statuses")
+        ->type_name("TAG");
+    graph->add_option("--tree", options->tree, "The trees with this id alone")->type_name("ID");
+    graph->add_option("--format", options->format, "dot: for Graphviz; svg: drawn by Graphviz's program dot, where it is "
+        "installed; mermaid: for Markdown; openpsa: Open-PSA Model Exchange Format")
+        ->type_name("FORMAT")
+        ->check(CLI::IsMember({"dot", "svg", "mermaid", "openpsa"}))
+        ->capture_default_str();
+    graph->add_option("-o,--output", options->file, "Write into this file instead of standard output")->type_name("FILE");
+    graph->footer("Examples:\n  arborist graph examples/laptop --format svg -o laptop.svg\n"
+                  "  arborist graph examples/laptop/rules --tree-tag Laptop --tree LAPTOP_POWER | dot -Tpdf -o power.pdf");
+    graph->callback([options, &status] { status = Graph(*options); });
+}
+
+} // namespace command

@@ -1,0 +1,39 @@
+#include "tools/arborist/drawing/event_label.h"
+
+#include "tools/arborist/text/markup.h"
+#include "tools/arborist/text/printable.h"
+
+namespace command {
+
+namespace {
+
+constexpr std::size_t WIDTH = 26;
+constexpr std::size_t MOST_LINES = 4;
+
+std::string StatusLine(const DrawnEvent& drawn)
+{
+    const char* role = drawn.isRootCause ? ", ROOT CAUSE" : drawn.isInCutSet ? ", in its cut set" : "";
+    return GetElemTypeName(drawn.event->status) + std::string(role);
+}
+
+} // namespace
+
+std::string ShownId(const std::string& id)
+{
+    return id.empty() ? "(empty)" : Printable(id);
+}
+
+std::vector<std::string> EventLabel(const DrawnTree& tree, std::size_t place)
+{
+    const DrawnEvent& drawn = tree.events[place];
+    std::vector<std::string> lines = Wrapped(ShownId(drawn.event->id), WIDTH, MOST_LINES);
+    for (const std::string& line : Wrapped(drawn.event->name, WIDTH, MOST_LINES)) {
+        lines.push_back(line);
+    }
+    if (tree.hasStatuses) {
+        lines.push_back(StatusLine(drawn));
+    }
+    return lines;
+}
+
+} // namespace command
