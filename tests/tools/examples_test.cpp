@@ -129,7 +129,9 @@ TEST_F(LinuxHostTest, RunsOnThisMachine)
     const auto result = RunArborist({"detect", "--json", "--tree", "--log-level", "none", "host"});
     const Json::Value report = Parsed(result.out);
     EXPECT_TRUE(report["ok"].asBool());
-    EXPECT_THAT(report["warnings"], IsEmpty());
+    for (const Json::Value& warning : report["warnings"]) {
+        EXPECT_EQ(warning["code"], "node_unreadable"); // no machine has all of the files
+    }
     EXPECT_EQ(report["results"].size(), 3U);
     EXPECT_EQ(result.status, 0);
 }

@@ -18,6 +18,7 @@ struct DetectOptions {
     double codeTimeout = 30;
     bool asJson = false;
     bool failsOnFault = false;
+    bool isStrict = false;
 };
 
 void Print(const DetectionReport& report, bool asJson)
@@ -30,12 +31,16 @@ void Print(const DetectionReport& report, bool asJson)
     PrintResult(DetectionText(report));
 }
 
-ExitStatus StatusOf(const DetectionReport& report, bool failsOnFault)
+ExitStatus StatusOf(const DetectionReport& report, const DetectOptions& options)
 {
     if (report.failure) {
         return report.failure->status;
     }
-    return failsOnFault && report.IsFault() ? ExitStatus::FAULT_FOUND : ExitStatus::SUCCESS;
+    ExitStatus status = options.failsOnFault && report.IsFault() ? ExitStatus::FAULT_FOUND : ExitStatus::SUCCESS;
+    for (const Warning& warning : report.warnings) {
+        status = options.isStrict ? MoreSerious(status, StrictStatus(warning)) : status;
+    }
+    return status;
 }
 
 ExitStatus Detect(DetectOptions options)
@@ -56,7 +61,7 @@ ExitStatus Detect(DetectOptions options)
     for (const BundlePath& bundle : bundles) {
         const DetectionReport report = RunDetection(bundle, options.detection);
         Print(report, options.asJson);
-        status = MoreSerious(status, StatusOf(report, options.failsOnFault));
+        status = MoreSerious(status, StatusOf(report, options));
     }
     return status;
 }
@@ -72,6 +77,7 @@ void AddDetectCommand(CLI::App& app, ExitStatus& status)
     detect->add_flag("--json", options->asJson, "One JSON object a line for each bundle");
     detect->add_flag("--tree", options->detection.withTrees, "Show the whole trees with the status of each event");
     detect->add_flag("--fail-on-fault", options->failsOnFault, "Exit with 1 when a fault is found");
+    detect->add_flag("--strict", options->isStrict, "Exit with 3 on a warning about a rule set, with 4 on any other");
     AddOverrides(*detect, options->detection.overrides);
     AddRules(*detect, options->detection.overrides);
     detect->add_option("--code-runner", options->detection.codeRunner.path, "Program that answers code rules: one JSON "

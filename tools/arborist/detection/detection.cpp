@@ -23,30 +23,12 @@ std::string FileTrouble(const RecordedFile& file)
     return file.path + place + ": " + (file.message.empty() ? "is no XML that can be read" : file.message);
 }
 
-void Append(std::vector<Warning>& warnings, const std::vector<Warning>& more)
-{
-    warnings.insert(warnings.end(), more.begin(), more.end());
-}
-
-// A rule that several events use is asked for each of them; its trouble is told once.
-void RemoveRepeated(std::vector<Warning>& warnings)
-{
-    std::vector<Warning> once;
-    for (const Warning& warning : warnings) {
-        const bool isNew = std::none_of(once.begin(), once.end(),
-            [&warning](const Warning& other) { return other.message == warning.message; });
-        if (isNew) {
-            once.push_back(warning);
-        }
-    }
-    warnings = std::move(once);
-}
-
 /// One detection with what listens to it.
 class Detection {
 public:
     Detection(const BundleSession& session, const DetectionOptions& options)
-        : mInfo(session.MakeDetectInfo()), mRecorder(std::make_shared<DetectionRecorder>(options.withTrees))
+        : mSession(session), mInfo(session.MakeDetectInfo()),
+          mRecorder(std::make_shared<DetectionRecorder>(options.withTrees))
     {
         // Without any source of answers the library hears so: a rule then ends with that reason.
         if (!session.GetBundle().codeAnswers.empty() || !options.codeRunner.path.empty()) {
@@ -57,6 +39,8 @@ public:
 
     void Run(DetectionReport& report)
     {
+        DetectionWarnings& warnings = mRecorder->GetWarnings();
+        warnings.LookBefore(mSession);
         try {
             Arborist engine(mInfo);
             engine.SetObserver(mRecorder);
@@ -70,14 +54,18 @@ public:
             return;
         }
         report.trees = mRecorder->GetTrees();
-        Append(report.warnings, mRecorder->GetWarnings());
+        warnings.LookAfter(mSession);
+        WarningList all;
+        all.Add(report.warnings);
+        all.Add(warnings.Told());
         if (mAnswers != nullptr) {
-            Append(report.warnings, mAnswers->GetWarnings());
+            all.Add(mAnswers->GetWarnings());
         }
-        RemoveRepeated(report.warnings);
+        report.warnings = all.Told();
     }
 
 private:
+    const BundleSession& mSession;
     std::shared_ptr<DetectInfo> mInfo;
     std::shared_ptr<DetectionRecorder> mRecorder;
     std::shared_ptr<CodeAnswers> mAnswers;

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "arborist/frame/detection_observer.h"
-#include "tools/arborist/problem.h"
+#include "tools/arborist/detection/detection_warnings.h"
 
 namespace command {
 
@@ -58,14 +58,18 @@ public:
     void OnRuleSetFile(const RuleSetFile& file) override;
     void OnTreeStarted(const TreeStarted& tree) override;
     void OnEventFolded(const EventFolded& event) override;
-    void OnRuleDecided(const RuleDecided& rule) override;
     void OnRootCause(const RootCauseSeen& rootCause) override;
+    void OnRuleAsked(const RuleAsked& rule) override { mWarnings.OnRuleAsked(rule); }
+    void OnAlarmWindow(const AlarmWindowSeen& window) override { mWarnings.OnAlarmWindow(window); }
+    void OnNodeFile(const NodeFileSeen& node) override { mWarnings.OnNodeFile(node); }
+    void OnQuery(const QuerySeen& query) override { mWarnings.OnQuery(query); }
+    void OnRuleDecided(const RuleDecided& rule) override { mWarnings.OnRuleDecided(rule); }
 
     const std::vector<RecordedFile>& GetFiles() const { return mFiles; }
     /// In the order of the results.
     const std::vector<RecordedTree>& GetTrees() const { return mTrees; }
-    /// What makes the result less than it looks: a warning for each kind of trouble stands here once it can be seen.
-    const std::vector<Warning>& GetWarnings() const { return mWarnings; }
+    /// What makes the result less than it looks.
+    DetectionWarnings& GetWarnings() { return mWarnings; }
 
 private:
     bool mKeepsEvents;
@@ -73,7 +77,7 @@ private:
     std::vector<RecordedTree> mTrees;
     // Place among the causes of the last tree, by id and cut set.
     std::map<std::pair<std::string, std::vector<std::string>>, std::size_t> mCausePlaces;
-    std::vector<Warning> mWarnings;
+    DetectionWarnings mWarnings;
 };
 
 } // namespace command

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include "arborist/frame/log.h"
@@ -25,6 +26,20 @@ struct FileCloser {
 
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
+LogListener* listener = nullptr;
+
+// Every line is "FUNc:function: message".
+void Tell(LogListener& to, const std::string& line)
+{
+    static constexpr std::string_view HEAD = "FUNc:";
+    const auto start = line.find(HEAD);
+    const auto end = line.find(": ", start);
+    if (start != std::string::npos && end != std::string::npos) {
+        const auto function = start + HEAD.size();
+        to.OnLine(line.substr(function, end - function), line.substr(end + 2, line.size() - end - 3));
+    }
+}
+
 class LevelLogger : public FT::ILogger {
 public:
     LevelLogger(int level, File file) : mLevel(level), mFile(std::move(file)) {}
@@ -32,10 +47,14 @@ public:
     void Print(unsigned int level, const std::string& format, va_list args) override
     {
         const bool isForScreen = static_cast<int>(level) >= mLevel;
-        if (!isForScreen && mFile == nullptr) {
+        const bool isListenedTo = listener != nullptr && listener->IsWanted(level, format);
+        if (!isForScreen && mFile == nullptr && !isListenedTo) {
             return;
         }
         const std::string line = Line(level, format, args);
+        if (isListenedTo) {
+            Tell(*listener, line);
+        }
         if (isForScreen) {
             std::fwrite(line.data(), 1, line.size(), stderr);
         }
@@ -69,6 +88,16 @@ private:
 
 } // namespace
 
+LogListener::LogListener()
+{
+    listener = this;
+}
+
+LogListener::~LogListener()
+{
+    listener = nullptr;
+}
+
 std::optional<int> LogLevelOf(const std::string& word)
 {
     for (std::size_t level = 0; level < std::size(LEVEL_WORDS); ++level) {
@@ -87,6 +116,8 @@ std::optional<std::string> OpenLibraryLog(const LogOptions& options)
         if (file == nullptr) {
             return options.file + ": can't be written: " + std::strerror(errno);
         }
+        // Line by line: a crash leaves all that was logged, and several processes can share the file.
+        std::setvbuf(file.get(), nullptr, _IOLBF, BUFSIZ);
     }
     const std::string word = !options.level.empty() ? options.level : file == nullptr ? "error" : "none";
     const int level = LogLevelOf(word).value_or(FT::LEVEL_ERROR);

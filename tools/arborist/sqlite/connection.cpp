@@ -86,6 +86,16 @@ std::optional<Statement> Connection::Prepare(const std::string& sql)
     return statement;
 }
 
+void Connection::LimitWork(int steps)
+{
+    sqlite3_progress_handler(mDatabase.get(), steps, [](void*) { return 1; }, nullptr);
+}
+
+bool Connection::IsInterrupted() const
+{
+    return sqlite3_errcode(mDatabase.get()) == SQLITE_INTERRUPT;
+}
+
 bool Connection::HasError() const
 {
     const int code = sqlite3_errcode(mDatabase.get());

@@ -49,7 +49,11 @@ public:
     /// Nothing on failure, which GetError tells.
     std::optional<Statement> Prepare(const std::string& sql);
 
+    /// From now on a statement that takes more than `steps` of SQLite's machine fails as interrupted.
+    void LimitWork(int steps);
+
     bool HasError() const;
+    bool IsInterrupted() const;
     std::string GetError() const;
     std::int64_t LastRowId() const;
     bool Close();
