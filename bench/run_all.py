@@ -18,6 +18,7 @@ HEAD = ("name", "ours", "baseline", "ratio", "goal")
 
 def commands(build, names):
     found = {path.stem.removesuffix("_bench"): [path] for path in sorted((build / "bench").glob("*_bench"))}
+    found["batch"] = [sys.executable, "-B", ROOT / "bench/batch_bench.py", build]
     found["process"] = [sys.executable, "-B", ROOT / "bench/process_bench.py", build]
     return {name: command for name, command in found.items() if not names or name in names}
 

@@ -26,6 +26,15 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+std::atomic<pid_t>* programGroup = nullptr;
+
+void Note(pid_t group)
+{
+    if (programGroup != nullptr) {
+        programGroup->store(group);
+    }
+}
+
 struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
@@ -141,6 +150,11 @@ ProgramOutcome WaitFor(pid_t child, const ChildSignal& signal, std::chrono::mill
 
 } // namespace
 
+void NoteProgramGroup(std::atomic<pid_t>* place)
+{
+    programGroup = place;
+}
+
 std::string FindProgram(const std::string& name)
 {
     std::error_code error;
@@ -175,6 +189,7 @@ ProgramOutcome RunProgram(const std::string& path, const std::string& input, std
         close(report[0]);
         return Trouble(std::string("can't be started: ") + std::strerror(forkReason));
     }
+    Note(child);
     setpgid(child, child); // by both, so that the group exists whoever comes first
     int reason = 0;
     ssize_t length = 0;
@@ -183,6 +198,7 @@ ProgramOutcome RunProgram(const std::string& path, const std::string& input, std
     } while (length < 0 && errno == EINTR);
     close(report[0]);
     const ProgramOutcome outcome = WaitFor(child, signal, timeout);
+    Note(0);
     return length == sizeof reason ? Trouble(std::string("can't be started: ") + std::strerror(reason)) : outcome;
 }
 

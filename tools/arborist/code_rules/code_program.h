@@ -1,8 +1,11 @@
 #ifndef ARBORIST_TOOLS_CODE_RULES_CODE_PROGRAM_H
 #define ARBORIST_TOOLS_CODE_RULES_CODE_PROGRAM_H
 
+#include <atomic>
 #include <chrono>
 #include <string>
+
+#include <sys/types.h>
 
 namespace command {
 
@@ -22,6 +25,10 @@ std::string FindProgram(const std::string& name);
 /// Runs the program at `path`, without a shell and without arguments, with `input` on its standard input. What it
 /// prints goes to standard error. It runs in a process group of its own, which is killed when the time is over.
 ProgramOutcome RunProgram(const std::string& path, const std::string& input, std::chrono::milliseconds timeout);
+
+/// While a program runs, `place` has its process group, else 0: whoever ends this process can end the program, too.
+/// Null for nobody.
+void NoteProgramGroup(std::atomic<pid_t>* place);
 
 } // namespace command
 

@@ -1,5 +1,9 @@
+#include <thread>
+
 #include <CLI/CLI.hpp>
 
+#include "tools/arborist/batch/batch.h"
+#include "tools/arborist/batch/bundle_list.h"
 #include "tools/arborist/code_rules/code_program.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/output.h"
@@ -16,6 +20,11 @@ struct DetectOptions {
     DetectionOptions detection;
     LogOptions log;
     double codeTimeout = 30;
+    /// A file with bundles, or "-"; empty for none.
+    std::string list;
+    bool isListNulEnded = false;
+    BatchOptions batch;
+    double timeout = 300;
     bool asJson = false;
     bool failsOnFault = false;
     bool isStrict = false;
@@ -43,6 +52,60 @@ ExitStatus StatusOf(const DetectionReport& report, const DetectOptions& options)
     return status;
 }
 
+std::vector<BundlePath> BundlePaths(const std::vector<std::string>& given)
+{
+    std::vector<BundlePath> bundles;
+    for (const std::string& bundle : given) {
+        bundles.push_back(MakeBundlePath(bundle));
+    }
+    return bundles;
+}
+
+ExitStatus DetectBatch(DetectOptions& options)
+{
+    if (const auto problem = ReadBundleList(options.list, options.isListNulEnded, options.bundles)) {
+        PrintError(*problem);
+        return ExitStatus::WRONG_USE;
+    }
+    BatchWork work;
+    work.run = [&options](const BundlePath& bundle) {
+        const DetectionReport report = RunDetection(bundle, options.detection);
+        return BundleAnswer{StatusOf(report, options), DetectionJson(report)};
+    };
+    work.fail = [](const BundlePath& bundle, const Failure& failure) {
+        DetectionReport report;
+        report.bundle = bundle.given;
+        report.failure = failure;
+        return BundleAnswer{failure.status, DetectionJson(report)};
+    };
+    options.batch.timeout = std::chrono::milliseconds(static_cast<std::int64_t>(options.timeout * 1000));
+    return RunBatch(BundlePaths(options.bundles), work, options.batch);
+}
+
+void AddBatchOptions(CLI::App& detect, DetectOptions& options)
+{
+    static constexpr double LONGEST_TIMEOUT = 86400;
+    static constexpr std::size_t MOST_JOBS = 1024;
+    options.batch.jobs = std::max(1U, std::thread::hardware_concurrency());
+    CLI::Option* batch = detect.add_option("--batch", options.list, "Diagnose the bundles of this list, one a line; - "
+        "for standard input. Prints one JSON object a line for each, whatever happens to it")
+        ->type_name("LIST")
+        ->check([](const std::string& list) { return std::string(list.empty() ? "must not be empty" : ""); });
+    detect.add_flag("-0,--null", options.isListNulEnded, "The list's entries end in NUL characters, as of find -print0")
+        ->needs(batch);
+    detect.add_option("--jobs,-j", options.batch.jobs, "Worker processes of a batch; as many as there are processors "
+        "unless given")
+        ->type_name("N")
+        ->check(CLI::Range(std::size_t{1}, MOST_JOBS))
+        ->needs(batch);
+    detect.add_flag("--ordered", options.batch.isOrdered, "Lines of a batch in the order of the list")->needs(batch);
+    detect.add_option("--timeout", options.timeout, "Seconds that one bundle of a batch may take; 0 for no limit")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0.0, LONGEST_TIMEOUT))
+        ->needs(batch)
+        ->capture_default_str();
+}
+
 ExitStatus Detect(DetectOptions options)
 {
     if (!IsLogOpen(options.log)) {
@@ -53,10 +116,10 @@ ExitStatus Detect(DetectOptions options)
     if (!runner.path.empty()) {
         runner.path = FindProgram(runner.path);
     }
-    std::vector<BundlePath> bundles;
-    for (const std::string& bundle : options.bundles) {
-        bundles.push_back(MakeBundlePath(bundle));
+    if (!options.list.empty()) {
+        return DetectBatch(options);
     }
+    const std::vector<BundlePath> bundles = BundlePaths(options.bundles);
     ExitStatus status = ExitStatus::SUCCESS;
     for (const BundlePath& bundle : bundles) {
         const DetectionReport report = RunDetection(bundle, options.detection);
@@ -73,7 +136,7 @@ void AddDetectCommand(CLI::App& app, ExitStatus& status)
     static constexpr double LONGEST_TIMEOUT = 86400;
     auto options = std::make_shared<DetectOptions>();
     CLI::App* detect = app.add_subcommand("detect", "Diagnose bundles: one detection for each, and its root causes");
-    detect->add_option("BUNDLE", options->bundles, "Folders or zips with a bundle.json")->required();
+    detect->add_option("BUNDLE", options->bundles, "Folders or zips with a bundle.json");
     detect->add_flag("--json", options->asJson, "One JSON object a line for each bundle");
     detect->add_flag("--tree", options->detection.withTrees, "Show the whole trees with the status of each event");
     detect->add_flag("--fail-on-fault", options->failsOnFault, "Exit with 1 when a fault is found");
@@ -87,10 +150,20 @@ void AddDetectCommand(CLI::App& app, ExitStatus& status)
         ->type_name("SECONDS")
         ->check(CLI::Range(0.001, LONGEST_TIMEOUT))
         ->capture_default_str();
+    AddBatchOptions(*detect, *options);
     AddLogOptions(*detect, options->log);
     detect->footer("Examples:\n  arborist detect examples/laptop\n"
-                   "  arborist detect --json --fail-on-fault devices/* > results.jsonl");
-    detect->callback([options, &status] { status = Detect(*options); });
+                   "  arborist detect --json --fail-on-fault devices/* > results.jsonl\n"
+                   "  find devices -mindepth 1 -maxdepth 1 -print0 | arborist detect --batch - -0 --jobs 8");
+    detect->callback([options, &status] {
+        if (options->bundles.empty() && options->list.empty()) {
+            throw CLI::RequiredError("BUNDLE");
+        }
+        if (!options->bundles.empty() && !options->list.empty()) {
+            throw CLI::ExcludesError("--batch", "BUNDLE");
+        }
+        status = Detect(*options);
+    });
 }
 
 } // namespace command

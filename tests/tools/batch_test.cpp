@@ -1,0 +1,291 @@
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+#include <csignal>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <json/reader.h>
+#include <json/value.h>
+
+#include "tests/support/case_name.h"
+#include "tests/support/temp_dir.h"
+#include "tests/tools/command_bundle.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+using testing::UnorderedElementsAreArray;
+
+std::vector<std::string> Lines(const std::string& text)
+{
+    std::istringstream stream(text);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(stream, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+// "name" for each line, "name: code" where it was not diagnosed.
+std::vector<std::string> Outcomes(const std::string& out)
+{
+    std::vector<std::string> outcomes;
+    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+    for (const std::string& line : Lines(out)) {
+        Json::Value report;
+        EXPECT_TRUE(reader->parse(line.data(), line.data() + line.size(), &report, nullptr)) << line;
+        EXPECT_EQ(report["ok"].asBool(), !report.isMember("error")) << line;
+        outcomes.push_back(report["bundle"].asString()
+            + (report.isMember("error") ? ": " + report["error"]["code"].asString() : ""));
+    }
+    return outcomes;
+}
+
+class BatchTest : public testing::Test {
+protected:
+    // Bundles "b0", "b1" ..., all of one rule set; each twentieth has a bundle.json that is none.
+    std::vector<std::string> WriteBundles(int count)
+    {
+        WriteHotBundle(mDir, "b0");
+        std::vector<std::string> names;
+        for (int i = 0; i < count; ++i) {
+            names.push_back("b" + std::to_string(i));
+            const bool isBroken = i % 20 == 19;
+            mDir.Write(names.back() + "/bundle.json", isBroken ? "{" : BundleJson(R"(, "ruleFileDir": "../b0/rules")"));
+            mDir.Write(names.back() + "/temperature", "80\n");
+        }
+        return names;
+    }
+
+    // The list as the command reads it.
+    static std::string Joined(const std::vector<std::string>& names, char end = '\n')
+    {
+        std::string list;
+        for (const std::string& name : names) {
+            list += name + end;
+        }
+        return list;
+    }
+
+    std::string Script(const std::string& body) const
+    {
+        const auto path = mDir.Write("runner", "#!/bin/sh\n" + body + "\n");
+        std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+        return path;
+    }
+
+    TempDir mDir;
+};
+
+std::vector<std::string> ExpectedOutcomes(std::vector<std::string> names)
+{
+    for (std::size_t i = 19; i < names.size(); i += 20) {
+        names[i] += ": bad_json";
+    }
+    return names;
+}
+
+TEST_F(BatchTest, TwoHundredBundlesWithTenBrokenOnesGiveTwoHundredLines)
+{
+    const auto names = WriteBundles(200);
+    mDir.Write("list", Joined(names));
+    const auto result = RunArborist({"detect", "--batch", "list", "--jobs", "2"});
+    EXPECT_THAT(Outcomes(result.out), UnorderedElementsAreArray(ExpectedOutcomes(names)));
+    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 200);
+    EXPECT_THAT(result.err, IsEmpty());
+    EXPECT_EQ(result.status, 4);
+}
+
+TEST_F(BatchTest, ALineIsTheSameAsThatOfASingleDetection)
+{
+    WriteHotBundle(mDir, "b");
+    EXPECT_EQ(RunArborist({"detect", "--batch", "-", "--tree"}, {.input = "b\n"}).out,
+        RunArborist({"detect", "--json", "--tree", "b"}).out);
+}
+
+TEST_F(BatchTest, OrderedKeepsTheOrderOfTheList)
+{
+    auto names = WriteBundles(60);
+    std::reverse(names.begin(), names.end());
+    const auto result = RunArborist({"detect", "--batch", "-", "--jobs", "3", "--ordered"}, {.input = Joined(names)});
+    auto expected = names;
+    for (std::string& name : expected) {
+        name += name == "b19" || name == "b39" || name == "b59" ? ": bad_json" : "";
+    }
+    EXPECT_THAT(Outcomes(result.out), ElementsAreArray(expected));
+}
+
+TEST_F(BatchTest, NulCharactersEndTheEntriesOfAListWithLineEndsInNames)
+{
+    WriteHotBundle(mDir, "a\nb");
+    WriteHotBundle(mDir, "c");
+    const std::string list = Joined({"a\nb", "", "c"}, '\0');
+    for (const char* option : {"-0", "--null"}) {
+        const auto result = RunArborist({"detect", "--batch", "-", option, "--jobs", "1"}, {.input = list});
+        EXPECT_THAT(Outcomes(result.out), ElementsAre("a\nb", "c"));
+        EXPECT_EQ(result.status, 0);
+    }
+}
+
+TEST_F(BatchTest, AnEmptyListGivesNoLine)
+{
+    const auto result = RunArborist({"detect", "--batch", "-"}, {.input = "\n\n"});
+    EXPECT_THAT(result.out, IsEmpty());
+    EXPECT_EQ(result.status, 0);
+}
+
+TEST_F(BatchTest, ABundleThatIsNoneHasItsLine)
+{
+    const auto result = RunArborist({"detect", "--batch", "-"}, {.input = "nowhere\n"});
+    EXPECT_THAT(Outcomes(result.out), ElementsAre("nowhere: no_bundle"));
+    EXPECT_EQ(result.status, 4);
+}
+
+TEST_F(BatchTest, AWorkerThatCrashesCostsItsBundleOnly)
+{
+    WriteCodeBundle(mDir, "crashing", {"info"});
+    WriteHotBundle(mDir, "good");
+    const auto runner = Script("kill -SEGV $PPID");
+    const auto result = RunArborist({"detect", "--batch", "-", "--jobs", "1", "--code-runner", runner},
+        {.input = "good\ncrashing\ngood\ncrashing\ngood\n"});
+    EXPECT_THAT(Outcomes(result.out), ElementsAre("good", "crashing: crashed", "good", "crashing: crashed", "good"));
+    EXPECT_THAT(result.out, HasSubstr("the worker process was killed by the signal Segmentation fault"));
+    EXPECT_EQ(result.status, 5);
+}
+
+TEST_F(BatchTest, ABundleThatTakesTooLongIsGivenUp)
+{
+    WriteCodeBundle(mDir, "slow", {"info"});
+    WriteHotBundle(mDir, "good");
+    const auto runner = Script("sleep 1000 & wait");
+    const auto result = RunArborist({"detect", "--batch", "-", "--jobs", "1", "--timeout", "0.2", "--code-timeout",
+        "1000", "--code-runner", runner}, {.input = "slow\n"});
+    EXPECT_THAT(Outcomes(result.out), ElementsAre("slow: timeout"));
+    EXPECT_THAT(result.out, HasSubstr("took longer than 0.2 s and was given up"));
+    EXPECT_EQ(result.status, 5);
+}
+
+struct SignalCase { const char* name; int number; };
+void PrintTo(const SignalCase& signalCase, std::ostream* out) { *out << signalCase.name; }
+class BatchSignal : public BatchTest, public testing::WithParamInterface<SignalCase> {};
+
+TEST_P(BatchSignal, EndsTheBatchAndLeavesNothingBehind)
+{
+    WriteCodeBundle(mDir, "slow", {"info"});
+    mDir.MakeDir("tmp");
+    // The parent of the program's parent is the batch.
+    const auto runner = Script("ls ../tmp > ../seen\nkill -" + std::to_string(GetParam().number)
+        + " $(awk '{print $4}' /proc/$PPID/stat)\nsleep 1000 & wait");
+    const auto result = RunArborist({"detect", "--batch", "-", "--code-timeout", "1000", "--code-runner", runner},
+        {.input = "slow\nslow\n", .environment = {{"TMPDIR", mDir.Path("tmp")}}});
+    EXPECT_EQ(result.status, 128 + GetParam().number);
+    EXPECT_THAT(result.out, IsEmpty());
+    EXPECT_THAT(mDir.Read("seen"), StartsWith("arborist-batch-"));
+    EXPECT_TRUE(std::filesystem::is_empty("tmp"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, BatchSignal,
+    testing::Values(SignalCase{"Int", SIGINT}, SignalCase{"Term", SIGTERM}, SignalCase{"Hup", SIGHUP}), CaseName());
+
+TEST_F(BatchTest, TemporaryFilesAreRemovedAtTheEnd)
+{
+    const auto names = WriteBundles(5);
+    mDir.MakeDir("tmp");
+    EXPECT_EQ(RunArborist({"detect", "--batch", "-"},
+        {.input = Joined(names), .environment = {{"TMPDIR", mDir.Path("tmp")}}}).status, 0);
+    EXPECT_TRUE(std::filesystem::is_empty("tmp"));
+}
+
+TEST_F(BatchTest, LinesThatCannotBeWrittenAreAnInternalError)
+{
+    WriteHotBundle(mDir, "b");
+    const auto result = RunProcess({"sh", "-c", "echo b | '" ARBORIST_COMMAND "' detect --batch - > /dev/full"});
+    EXPECT_EQ(result.err, "arborist: standard output could not be written\n");
+    EXPECT_EQ(result.status, 5);
+}
+
+TEST_F(BatchTest, StrictAndFaultsCountTowardsTheStatus)
+{
+    WriteHotBundle(mDir, "b");
+    EXPECT_EQ(RunArborist({"detect", "--batch", "-", "--fail-on-fault"}, {.input = "b\n"}).status, 1);
+    std::filesystem::remove("b/temperature");
+    EXPECT_EQ(RunArborist({"detect", "--batch", "-", "--strict"}, {.input = "b\n"}).status, 4);
+}
+
+TEST_F(BatchTest, AListThatCannotBeReadIsWrongUse)
+{
+    const auto missing = RunArborist({"detect", "--batch", "nowhere"});
+    EXPECT_EQ(missing.err, "arborist: nowhere: can't be read: No such file or directory\n");
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_EQ(RunArborist({"detect", "--batch", "."}).err, "arborist: .: can't be read: is a folder\n");
+}
+
+// ---- docs/batch.md. ----
+
+// The first block of a language.
+std::string Recipe(const std::string& language)
+{
+    std::ifstream file(std::string(ARBORIST_SOURCE_DIR) + "/docs/batch.md", std::ios::binary);
+    const std::string page{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    const std::string fence = "```" + language + "\n";
+    const auto start = page.find(fence) + fence.size();
+    return page.substr(start, page.find("```\n", start) - start);
+}
+
+class BatchRecipeTest : public BatchTest {
+protected:
+    // Forty bundles in "devices", two of them broken, and the command in PATH.
+    void SetUp() override
+    {
+        const auto names = WriteBundles(40);
+        mDir.MakeDir("devices");
+        for (const std::string& name : names) {
+            std::filesystem::rename(name, "devices/" + name);
+            mPaths.push_back(mDir.Path("devices/" + name));
+        }
+        const auto folder = std::filesystem::path(ARBORIST_COMMAND).parent_path().string();
+        mSetup.environment = {{"PATH", folder + ":" + std::getenv("PATH")}, {"HOME", mDir.Path()}};
+    }
+
+    std::vector<std::string> mPaths;
+    ProcessSetup mSetup;
+};
+
+TEST_F(BatchRecipeTest, GnuParallelRunsAllPieces)
+{
+    if (RunProcess({"sh", "-c", "parallel --version | grep -q GNU"}).status != 0) {
+        GTEST_SKIP() << "GNU parallel is not installed";
+    }
+    mDir.Write("machines.txt", ":\n");
+    std::string recipe = Recipe("sh");
+    recipe.replace(recipe.find("--max-args 500"), 14, "--max-args 15");
+    const auto result = RunProcess({"sh", "-c", recipe}, mSetup);
+    EXPECT_THAT(Outcomes(mDir.Read("results.jsonl")), UnorderedElementsAreArray(ExpectedOutcomes(mPaths))) << result.err;
+    EXPECT_EQ(Lines(mDir.Read("pieces.log")).size(), 1U + 3U);
+}
+
+TEST_F(BatchRecipeTest, ASlurmArrayRunsAllTasks)
+{
+    mDir.Write("bundles.txt", Joined(mPaths));
+    mDir.MakeDir("results");
+    mDir.Write("diagnose.sh", Recipe("bash"));
+    for (const char* task : {"0", "1", "2"}) {
+        mSetup.environment["SLURM_ARRAY_TASK_COUNT"] = "3";
+        mSetup.environment["SLURM_ARRAY_TASK_ID"] = task;
+        mSetup.environment["SLURM_CPUS_PER_TASK"] = "2";
+        EXPECT_EQ(RunProcess({"bash", "diagnose.sh"}, mSetup).status, 0);
+    }
+    EXPECT_THAT(Outcomes(mDir.Read("results/0.jsonl") + mDir.Read("results/1.jsonl") + mDir.Read("results/2.jsonl")),
+        UnorderedElementsAreArray(ExpectedOutcomes(mPaths)));
+}
+
+} // namespace

@@ -1,0 +1,343 @@
+#include "tools/arborist/batch/batch.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <new>
+#include <sstream>
+
+#include <poll.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "tools/arborist/batch/worker.h"
+#include "tools/arborist/commands/output.h"
+
+namespace command {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Clock = Worker::Clock;
+
+volatile std::sig_atomic_t caughtSignal = 0;
+
+/// Notes the signals that end a batch instead of ending it at once; they come in only while the batch waits.
+class EndingSignals {
+public:
+    EndingSignals()
+    {
+        caughtSignal = 0;
+        struct sigaction action = {};
+        action.sa_handler = [](int number) { caughtSignal = number; };
+        sigset_t blocked;
+        sigemptyset(&blocked);
+        for (std::size_t i = 0; i < NUMBERS.size(); ++i) {
+            sigaddset(&blocked, NUMBERS[i]);
+            sigaction(NUMBERS[i], nullptr, &mBefore[i]);
+            if (mBefore[i].sa_handler != SIG_IGN) { // nohup stays in force
+                sigaction(NUMBERS[i], &action, nullptr);
+            }
+        }
+        // A reader that goes away shows in the writing.
+        struct sigaction ignore = {};
+        ignore.sa_handler = SIG_IGN;
+        sigaction(SIGPIPE, &ignore, &mPipeBefore);
+        sigprocmask(SIG_BLOCK, &blocked, &mMaskBefore);
+    }
+    ~EndingSignals()
+    {
+        for (std::size_t i = 0; i < NUMBERS.size(); ++i) {
+            sigaction(NUMBERS[i], &mBefore[i], nullptr);
+        }
+        sigaction(SIGPIPE, &mPipeBefore, nullptr);
+        sigprocmask(SIG_SETMASK, &mMaskBefore, nullptr);
+    }
+    EndingSignals(const EndingSignals&) = delete;
+    EndingSignals& operator=(const EndingSignals&) = delete;
+
+    const sigset_t& MaskBefore() const { return mMaskBefore; }
+
+private:
+    static constexpr std::array NUMBERS = {SIGHUP, SIGINT, SIGTERM};
+
+    std::array<struct sigaction, NUMBERS.size()> mBefore = {};
+    struct sigaction mPipeBefore = {};
+    sigset_t mMaskBefore = {};
+};
+
+/// A folder for the temporary files of all workers, so that those of one that was killed are removed, too.
+class BatchFolder {
+public:
+    BatchFolder()
+    {
+        std::error_code error;
+        const std::string root = fs::temp_directory_path(error).string() + "/arborist-batch-"
+            + std::to_string(getpid()) + "-";
+        // No random letters: the library takes "zip" anywhere in a path for an archive.
+        for (int number = 0; mPath.empty(); ++number) {
+            if (mkdir((root + std::to_string(number)).c_str(), 0700) == 0) {
+                mPath = root + std::to_string(number);
+            } else if (errno != EEXIST) {
+                return;
+            }
+        }
+    }
+    ~BatchFolder()
+    {
+        std::error_code ignored;
+        if (!mPath.empty()) {
+            fs::remove_all(mPath, ignored);
+        }
+    }
+    BatchFolder(const BatchFolder&) = delete;
+    BatchFolder& operator=(const BatchFolder&) = delete;
+
+    /// Empty when there is none; errno tells why.
+    const std::string& Path() const { return mPath; }
+
+private:
+    std::string mPath;
+};
+
+/// Process groups of the programs that the workers run, in memory that all processes share.
+class ProgramGroups {
+public:
+    explicit ProgramGroups(std::size_t count) : mSize(count * sizeof(std::atomic<pid_t>))
+    {
+        void* memory = mmap(nullptr, mSize, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+        if (memory == MAP_FAILED) {
+            throw std::bad_alloc();
+        }
+        mGroups = new (memory) std::atomic<pid_t>[count]();
+    }
+    ~ProgramGroups() { munmap(mGroups, mSize); }
+    ProgramGroups(const ProgramGroups&) = delete;
+    ProgramGroups& operator=(const ProgramGroups&) = delete;
+
+    std::atomic<pid_t>& operator[](std::size_t number) { return mGroups[number]; }
+
+private:
+    static_assert(std::atomic<pid_t>::is_always_lock_free);
+    std::atomic<pid_t>* mGroups = nullptr;
+    std::size_t mSize;
+};
+
+/// How far a batch is, on one line of a terminal.
+class Progress {
+public:
+    explicit Progress(std::size_t count) : mIsShown(isatty(STDERR_FILENO) == 1), mCount(count) {}
+
+    void Show(std::size_t done, std::size_t failed)
+    {
+        static constexpr std::chrono::milliseconds PAUSE(200);
+        const auto now = Clock::now();
+        if (mIsShown && now - mLast >= PAUSE) {
+            mLast = now;
+            std::cerr << "\r" << done << " of " << mCount << " bundles, " << failed << " not diagnosed\x1b[K";
+        }
+    }
+    /// Before anything else is written to the terminal.
+    void Clear() const
+    {
+        if (mIsShown) {
+            std::cerr << "\r\x1b[K";
+        }
+    }
+
+private:
+    bool mIsShown;
+    std::size_t mCount;
+    Clock::time_point mLast;
+};
+
+std::string InSeconds(std::chrono::milliseconds time)
+{
+    std::ostringstream text;
+    text << static_cast<double>(time.count()) / 1000 << " s";
+    return text.str();
+}
+
+class Batch {
+public:
+    Batch(const std::vector<BundlePath>& bundles, const BatchWork& work, const BatchOptions& options,
+        const sigset_t& mask, const std::string& folder)
+        : mBundles(bundles), mWork(work), mOptions(options), mSetup{bundles, work, mask},
+          mGroups(std::max<std::size_t>(1, std::min(options.jobs, bundles.size()))), mProgress(bundles.size())
+    {
+        for (std::size_t i = 0; i < std::min(options.jobs, bundles.size()); ++i) {
+            mWorkers.push_back(std::make_unique<Worker>(mSetup, folder + "/" + std::to_string(i), mGroups[i]));
+        }
+    }
+
+    ExitStatus Run()
+    {
+        while (mDone < mBundles.size() && caughtSignal == 0 && std::cout.good()) {
+            HandOut();
+            if (mDone < mBundles.size()) {
+                Wait();
+            }
+            mProgress.Show(mDone, mFailed);
+        }
+        mProgress.Clear();
+        return mStatus;
+    }
+
+private:
+    // Lines that wait for an earlier one take memory: a slow bundle holds the others up at some point.
+    static constexpr std::size_t LARGEST_LEAD = 4096;
+
+    void HandOut()
+    {
+        for (const auto& worker : mWorkers) {
+            const bool isHeldUp = mOptions.isOrdered && mNext - mPrinted >= LARGEST_LEAD;
+            if (mNext >= mBundles.size() || isHeldUp) {
+                return;
+            }
+            if (worker->GetState() == Worker::State::IDLE || worker->GetState() == Worker::State::DEAD) {
+                HandOutTo(*worker);
+            }
+        }
+    }
+
+    void HandOutTo(Worker& worker)
+    {
+        const auto deadline =
+            mOptions.timeout.count() > 0 ? Clock::now() + mOptions.timeout : Clock::time_point::max();
+        const auto number = static_cast<std::uint32_t>(mNext);
+        if (worker.GetState() == Worker::State::IDLE && worker.Send(number, deadline)) {
+            ++mNext;
+            return;
+        }
+        worker.End(); // the first time there is none; one that died idle has cost no bundle
+        if (worker.Start(Sockets()) && worker.Send(number, deadline)) {
+            ++mNext;
+            return;
+        }
+        const std::string reason = std::strerror(errno);
+        worker.End();
+        // The others may come to an end and leave room for this one.
+        if (std::none_of(mWorkers.begin(), mWorkers.end(), IsBusy)) {
+            ++mNext;
+            Fail(number, {"internal", "a worker process can't be started: " + reason, ExitStatus::INTERNAL});
+        }
+    }
+
+    static bool IsBusy(const std::unique_ptr<Worker>& worker) { return worker->GetState() == Worker::State::BUSY; }
+
+    std::vector<int> Sockets() const
+    {
+        std::vector<int> sockets;
+        for (const auto& worker : mWorkers) {
+            if (worker->GetSocket() >= 0) {
+                sockets.push_back(worker->GetSocket());
+            }
+        }
+        return sockets;
+    }
+
+    void Wait()
+    {
+        std::vector<pollfd> sockets;
+        auto end = Clock::now() + std::chrono::hours(1);
+        for (const auto& worker : mWorkers) {
+            sockets.push_back({IsBusy(worker) ? worker->GetSocket() : -1, POLLIN, 0});
+            end = IsBusy(worker) ? std::min(end, worker->GetDeadline()) : end;
+        }
+        const auto left = std::max(Clock::duration::zero(), end - Clock::now());
+        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
+        timespec time = {};
+        time.tv_sec = seconds.count();
+        time.tv_nsec = std::chrono::duration_cast<std::chrono::nanoseconds>(left - seconds).count();
+        const int ready = ppoll(sockets.data(), sockets.size(), &time, &mSetup.mask);
+        for (std::size_t i = 0; i < mWorkers.size(); ++i) {
+            if (ready > 0 && sockets[i].revents != 0) {
+                Receive(*mWorkers[i]);
+            } else if (IsBusy(mWorkers[i]) && Clock::now() >= mWorkers[i]->GetDeadline()) {
+                mWorkers[i]->End();
+                Fail(mWorkers[i]->GetBundle(), {"timeout", "took longer than " + InSeconds(mOptions.timeout)
+                    + " and was given up", ExitStatus::INTERNAL});
+            }
+        }
+    }
+
+    void Receive(Worker& worker)
+    {
+        switch (worker.Receive()) {
+        case Worker::State::ANSWERED:
+            Finish(worker.GetBundle(), worker.TakeAnswer());
+            break;
+        case Worker::State::DEAD:
+            Fail(worker.GetBundle(), {"crashed", "the worker process " + worker.End(), ExitStatus::INTERNAL});
+            break;
+        default:
+            break;
+        }
+    }
+
+    void Fail(std::size_t bundle, const Failure& failure)
+    {
+        Finish(bundle, mWork.fail(mBundles[bundle], failure));
+    }
+
+    void Finish(std::size_t bundle, BundleAnswer answer)
+    {
+        ++mDone;
+        mStatus = MoreSerious(mStatus, answer.status);
+        mFailed += answer.status >= ExitStatus::RULE_SET ? 1 : 0;
+        mProgress.Clear();
+        if (!mOptions.isOrdered) {
+            PrintResult(answer.line + "\n");
+            return;
+        }
+        mWaiting[bundle] = std::move(answer.line);
+        for (auto first = mWaiting.begin(); first != mWaiting.end() && first->first == mPrinted; ++mPrinted) {
+            PrintResult(first->second + "\n");
+            first = mWaiting.erase(first);
+        }
+    }
+
+    const std::vector<BundlePath>& mBundles;
+    const BatchWork& mWork;
+    const BatchOptions& mOptions;
+    WorkerSetup mSetup;
+    ProgramGroups mGroups;
+    std::vector<std::unique_ptr<Worker>> mWorkers;
+    Progress mProgress;
+    std::size_t mNext = 0;
+    std::size_t mDone = 0;
+    std::size_t mFailed = 0;
+    std::size_t mPrinted = 0;
+    std::map<std::size_t, std::string> mWaiting;
+    ExitStatus mStatus = ExitStatus::SUCCESS;
+};
+
+} // namespace
+
+ExitStatus RunBatch(const std::vector<BundlePath>& bundles, const BatchWork& work, const BatchOptions& options)
+{
+    ExitStatus status = ExitStatus::SUCCESS;
+    {
+        const EndingSignals signals;
+        const BatchFolder folder;
+        if (folder.Path().empty()) {
+            PrintError(std::string("no folder for temporary files can be made: ") + std::strerror(errno));
+            return ExitStatus::INTERNAL;
+        }
+        status = Batch(bundles, work, options, signals.MaskBefore(), folder.Path()).Run();
+    }
+    if (caughtSignal != 0) {
+        raise(caughtSignal); // ends as it would have without the tidying up
+    }
+    return status;
+}
+
+} // namespace command

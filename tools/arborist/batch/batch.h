@@ -1,0 +1,48 @@
+#ifndef ARBORIST_TOOLS_BATCH_BATCH_H
+#define ARBORIST_TOOLS_BATCH_BATCH_H
+
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tools/arborist/bundle/bundle.h"
+#include "tools/arborist/exit_status.h"
+#include "tools/arborist/problem.h"
+
+namespace command {
+
+/// What one bundle of a batch comes to: a line of JSON, without the line end, and its part of the exit status.
+struct BundleAnswer {
+    ExitStatus status = ExitStatus::SUCCESS;
+    std::string line;
+};
+
+/// How a batch works on a bundle.
+struct BatchWork {
+    /// Runs a bundle; called in a worker process.
+    std::function<BundleAnswer(const BundlePath& bundle)> run;
+    /// The answer for a bundle that took its worker with it.
+    std::function<BundleAnswer(const BundlePath& bundle, const Failure& failure)> fail;
+};
+
+struct BatchOptions {
+    /// Worker processes, at least one.
+    std::size_t jobs = 1;
+    /// Lines in the order of the list instead of that of their making.
+    bool isOrdered = false;
+    /// For each bundle; zero for no limit.
+    std::chrono::milliseconds timeout = {};
+};
+
+/// Runs all bundles in worker processes and prints exactly one line for each, whatever happens to it: a worker that
+/// crashes or runs past its time costs its own bundle and is replaced. Answers the most serious status.
+///
+/// Call it before the process has a second thread: the workers are forks of it. SIGHUP, SIGINT and SIGTERM end the
+/// workers, remove their temporary files and then the process.
+ExitStatus RunBatch(const std::vector<BundlePath>& bundles, const BatchWork& work, const BatchOptions& options);
+
+} // namespace command
+
+#endif

@@ -1,0 +1,211 @@
+#include "tools/arborist/batch/worker.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#if defined(__linux__)
+#include <sys/prctl.h>
+#endif
+
+#include "tools/arborist/code_rules/code_program.h"
+
+namespace command {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// Stands before each answer on the socket.
+struct AnswerHead {
+    std::int32_t status;
+    std::uint32_t length;
+};
+
+bool ReadAll(int socket, void* target, std::size_t size)
+{
+    auto* at = static_cast<char*>(target);
+    while (size > 0) {
+        const ssize_t length = read(socket, at, size);
+        if (length == 0 || (length < 0 && errno != EINTR)) {
+            return false;
+        }
+        at += std::max<ssize_t>(length, 0);
+        size -= static_cast<std::size_t>(std::max<ssize_t>(length, 0));
+    }
+    return true;
+}
+
+bool WriteAll(int socket, const std::string& bytes)
+{
+    for (std::size_t written = 0; written < bytes.size();) {
+        const ssize_t length = send(socket, bytes.data() + written, bytes.size() - written, MSG_NOSIGNAL);
+        if (length < 0 && errno != EINTR) {
+            return false;
+        }
+        written += static_cast<std::size_t>(std::max<ssize_t>(length, 0));
+    }
+    return true;
+}
+
+std::string Packed(const BundleAnswer& answer)
+{
+    const AnswerHead head{static_cast<std::int32_t>(answer.status), static_cast<std::uint32_t>(answer.line.size())};
+    return std::string(reinterpret_cast<const char*>(&head), sizeof head) + answer.line;
+}
+
+// What the batch listens to is its own affair, and standard input and output are.
+void BecomeWorker(const std::string& folder, const sigset_t& mask)
+{
+    setpgid(0, 0); // a key stroke reaches the batch alone, which then ends its workers
+#if defined(__linux__)
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
+#endif
+    for (const int number : {SIGHUP, SIGINT, SIGTERM, SIGPIPE}) {
+        signal(number, SIG_DFL);
+    }
+    signal(SIGTTOU, SIG_IGN); // it may still write to the terminal
+    sigprocmask(SIG_SETMASK, &mask, nullptr);
+    setenv("TMPDIR", folder.c_str(), 1);
+    const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    dup2(nothing, STDIN_FILENO);
+    dup2(STDERR_FILENO, STDOUT_FILENO);
+    close(nothing);
+}
+
+std::string EndOf(int status)
+{
+    return WIFSIGNALED(status) ? std::string("was killed by the signal ") + strsignal(WTERMSIG(status))
+                               : "left with the exit status " + std::to_string(WEXITSTATUS(status));
+}
+
+} // namespace
+
+Worker::Worker(const WorkerSetup& setup, std::string folder, std::atomic<pid_t>& programGroup)
+    : mSetup(setup), mFolder(std::move(folder)), mProgramGroup(programGroup)
+{
+}
+
+Worker::~Worker()
+{
+    End();
+}
+
+bool Worker::Start(const std::vector<int>& others)
+{
+    int sockets[2];
+    std::error_code error;
+    fs::create_directory(mFolder, error);
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0) {
+        return false;
+    }
+    const pid_t batch = getpid();
+    mProcess = fork();
+    if (mProcess == 0) {
+        close(sockets[0]);
+        BecomeWorker(mFolder, mSetup.mask);
+        if (getppid() != batch) {
+            _exit(1); // it died before it could be watched
+        }
+        Serve(sockets[1], others);
+    }
+    const int reason = errno;
+    close(sockets[1]);
+    if (mProcess < 0) {
+        close(sockets[0]);
+        errno = reason;
+        return false;
+    }
+    fcntl(sockets[0], F_SETFL, O_NONBLOCK);
+    mSocket = sockets[0];
+    mState = State::IDLE;
+    mReceived.clear();
+    return true;
+}
+
+void Worker::Serve(int socket, const std::vector<int>& others) const
+{
+    for (const int other : others) {
+        close(other); // else it would not be seen when the batch is gone
+    }
+    NoteProgramGroup(&mProgramGroup);
+    std::uint32_t bundle = 0;
+    while (ReadAll(socket, &bundle, sizeof bundle)) {
+        if (!WriteAll(socket, Packed(mSetup.work.run(mSetup.bundles[bundle])))) {
+            break;
+        }
+    }
+    std::fflush(nullptr);
+    _exit(0);
+}
+
+bool Worker::Send(std::uint32_t bundle, Clock::time_point deadline)
+{
+    mBundle = bundle;
+    mDeadline = deadline;
+    if (send(mSocket, &bundle, sizeof bundle, MSG_NOSIGNAL) != sizeof bundle) {
+        return false;
+    }
+    mState = State::BUSY;
+    return true;
+}
+
+Worker::State Worker::Receive()
+{
+    char piece[65536];
+    const ssize_t length = read(mSocket, piece, sizeof piece);
+    if (length == 0 || (length < 0 && errno != EAGAIN && errno != EINTR)) {
+        return mState = State::DEAD;
+    }
+    mReceived.append(piece, static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
+    AnswerHead head;
+    if (mReceived.size() >= sizeof head) {
+        std::memcpy(&head, mReceived.data(), sizeof head);
+        mState = mReceived.size() >= sizeof head + head.length ? State::ANSWERED : mState;
+    }
+    return mState;
+}
+
+BundleAnswer Worker::TakeAnswer()
+{
+    AnswerHead head;
+    std::memcpy(&head, mReceived.data(), sizeof head);
+    BundleAnswer answer{static_cast<ExitStatus>(head.status), mReceived.substr(sizeof head)};
+    mReceived.clear();
+    mState = State::IDLE;
+    return answer;
+}
+
+std::string Worker::End()
+{
+    if (mProcess < 0) {
+        return "";
+    }
+    int status = 0;
+    // An end of its own is told as such; the socket closes a moment before the process can be waited for.
+    const bool isOwnEnd = mState == State::DEAD;
+    if (!isOwnEnd) {
+        kill(mProcess, SIGKILL);
+    }
+    while (waitpid(mProcess, &status, 0) < 0 && errno == EINTR) {
+    }
+    if (const pid_t group = mProgramGroup.exchange(0); group > 0) {
+        kill(-group, SIGKILL);
+    }
+    close(mSocket);
+    std::error_code ignored;
+    fs::remove_all(mFolder, ignored);
+    mProcess = -1;
+    mSocket = -1;
+    mState = State::DEAD;
+    return isOwnEnd ? EndOf(status) : "";
+}
+
+} // namespace command

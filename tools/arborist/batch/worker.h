@@ -1,0 +1,71 @@
+#ifndef ARBORIST_TOOLS_BATCH_WORKER_H
+#define ARBORIST_TOOLS_BATCH_WORKER_H
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <csignal>
+#include <sys/types.h>
+
+#include "tools/arborist/batch/batch.h"
+
+namespace command {
+
+/// What every worker of a batch is given at its start.
+struct WorkerSetup {
+    const std::vector<BundlePath>& bundles;
+    const BatchWork& work;
+    /// The signal mask of the process before the batch.
+    sigset_t mask;
+};
+
+/// One worker process, seen from the batch. It takes one bundle after the other over a socket.
+class Worker {
+public:
+    using Clock = std::chrono::steady_clock;
+    enum class State { IDLE, BUSY, ANSWERED, DEAD };
+
+    /// `folder` becomes the worker's place for temporary files. `programGroup`, in memory that both share, has the
+    /// process group of a program that the worker runs, or 0.
+    Worker(const WorkerSetup& setup, std::string folder, std::atomic<pid_t>& programGroup);
+    ~Worker();
+    Worker(const Worker&) = delete;
+    Worker& operator=(const Worker&) = delete;
+
+    /// Starts the process; false when it can't be, with errno. `others` are the sockets of the other workers.
+    bool Start(const std::vector<int>& others);
+    /// Hands over a bundle by its number; false when the process is gone.
+    bool Send(std::uint32_t bundle, Clock::time_point deadline);
+    /// Takes what the worker has written, after the socket became readable.
+    State Receive();
+    /// The answer, once: the worker is idle again.
+    BundleAnswer TakeAnswer();
+    /// Ends the process with all that it started and left behind. Answers how it had ended, where it did by itself.
+    std::string End();
+
+    State GetState() const { return mState; }
+    int GetSocket() const { return mSocket; }
+    std::uint32_t GetBundle() const { return mBundle; }
+    Clock::time_point GetDeadline() const { return mDeadline; }
+
+private:
+    [[noreturn]] void Serve(int socket, const std::vector<int>& others) const;
+
+    const WorkerSetup& mSetup;
+    std::string mFolder;
+    std::atomic<pid_t>& mProgramGroup;
+    pid_t mProcess = -1;
+    int mSocket = -1;
+    State mState = State::DEAD;
+    std::uint32_t mBundle = 0;
+    Clock::time_point mDeadline;
+    std::string mReceived;
+};
+
+} // namespace command
+
+#endif
