@@ -1,6 +1,9 @@
 #include "arborist/stores/sql/sql_database.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <iterator>
+#include <string_view>
 #include <system_error>
 
 #include <sqlite3.h>
@@ -14,18 +17,31 @@ namespace {
 constexpr std::int32_t CLOSED = 1;
 constexpr sqlite3_int64 SOFT_HEAP_LIMIT = 102400;
 
-// VACUUM attaches a database without a name for a while.
-int AllowOwnFile(void*, int action, const char* fileName, const char*, const char*, const char*)
+template <std::size_t COUNT>
+bool IsOneOf(const std::string_view (&names)[COUNT], const char* name)
 {
-    const bool isOtherFile = action == SQLITE_ATTACH && (fileName == nullptr || *fileName != '\0');
-    return isOtherFile ? SQLITE_DENY : SQLITE_OK;
+    return name != nullptr && std::any_of(std::begin(names), std::end(names),
+        [name](std::string_view known) { return sqlite3_stricmp(known.data(), name) == 0; });
 }
 
-int AllowReading(void*, int action, const char*, const char*, const char*, const char*)
+// VACUUM attaches a database without a name for a while.
+int AllowOwnFile(void*, int action, const char* name, const char* value, const char*, const char*)
 {
+    // These hold for every connection of the process, the host's own included.
+    static constexpr std::string_view PROCESS_WIDE[] = {
+        "data_store_directory", "hard_heap_limit", "soft_heap_limit", "temp_store_directory"};
+    const bool isOtherFile = action == SQLITE_ATTACH && (name == nullptr || *name != '\0');
+    const bool isProcessWide = action == SQLITE_PRAGMA && value != nullptr && IsOneOf(PROCESS_WIDE, name);
+    return isOtherFile || isProcessWide ? SQLITE_DENY : SQLITE_OK;
+}
+
+int AllowReading(void*, int action, const char* name, const char* value, const char*, const char*)
+{
+    static constexpr std::string_view FILE_STATES[] = {"data_version", "page_count", "page_size"};
+    const bool asks = action == SQLITE_PRAGMA && value == nullptr && IsOneOf(FILE_STATES, name);
     const bool reads = action == SQLITE_SELECT || action == SQLITE_READ || action == SQLITE_FUNCTION ||
-        action == SQLITE_RECURSIVE;
-    return reads ? SQLITE_OK : SQLITE_DENY;
+        action == SQLITE_RECURSIVE || action == SQLITE_TRANSACTION;
+    return reads || asks ? SQLITE_OK : SQLITE_DENY;
 }
 
 bool HasWaitingChanges(sqlite3* connection)
@@ -72,13 +88,16 @@ bool SqlDatabase::Open(const std::string& path)
     return true;
 }
 
-void SqlDatabase::Restrict(SqlAccess access)
+void SqlDatabase::Restrict(SqlAccess access, const SqlLimits& limits)
 {
     if (!IsOpen()) {
         return;
     }
     const bool isReadOnly = access == SqlAccess::READ_ONLY;
     sqlite3_set_authorizer(handle->connection, isReadOnly ? AllowReading : AllowOwnFile, nullptr);
+    if (!isReadOnly) {
+        handle->limits = limits;
+    }
     // The last one to close a database moves the waiting changes into it, unless told not to.
     if (isReadOnly && HasWaitingChanges(handle->connection)) {
         sqlite3_db_config(handle->connection, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
@@ -92,6 +111,7 @@ void SqlDatabase::Close()
     }
     sqlite3_close(handle->connection);
     handle->connection = nullptr;
+    handle->limits.reset();
     errorMessage.clear();
     resultCode = CLOSED;
 }

@@ -1,24 +1,37 @@
 #ifndef ARBORIST_STORES_SQL_SQL_DATABASE_H
 #define ARBORIST_STORES_SQL_SQL_DATABASE_H
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 struct sqlite3;
 
 namespace FT::sql {
 
+/// How far foreign SQL text may go before it is broken off.
+struct SqlLimits {
+    /// Steps of SQLite's machine for one text, some half a minute of them.
+    std::uint64_t steps = 5'000'000'000;
+    /// Rows that are kept.
+    std::size_t rows = 1'000'000;
+};
+
 /// A connection; null while closed.
 struct Sqlite3Db {
     sqlite3* connection = nullptr;
+    /// Holds for statements that a SqlOperator runs.
+    std::optional<SqlLimits> limits;
 };
 
 /// What statements on a connection may do.
 enum class SqlAccess {
-    /// All but reaching another file: ATTACH and VACUUM INTO fail with "not authorized".
+    /// All but reaching another file or the whole process: ATTACH, VACUUM INTO and setting SQLite's memory limits or
+    /// directories fail with "not authorized". What goes beyond SqlLimits fails with "interrupted" or "query aborted".
     OWN_FILE,
-    /// Only select. The file stays byte for byte as it is, also when changes of others wait in its write-ahead log.
+    /// Only select, transactions, and asking for the state of the file (data_version, page_count, page_size). The file stays byte for byte as it is, also when changes of others wait in its write-ahead log.
     READ_ONLY,
 };
 
@@ -40,7 +53,7 @@ public:
     void Close();
     bool IsOpen() const { return resultCode == 0; }
     /// Holds foreign SQL text in bounds until the database is closed. A statement that goes further fails.
-    void Restrict(SqlAccess access);
+    void Restrict(SqlAccess access, const SqlLimits& limits = {});
     const Sqlite3Db& GetHandle() const { return *handle; }
 
     /// There is no rollback: a transaction that isn't committed ends with the connection.

@@ -10,6 +10,44 @@
 
 namespace FT::sql {
 
+namespace {
+
+// Breaks a statement off that takes too many steps: one that would never end, for instance. Counted and not timed, so
+// that the same text ends in the same place on a busy machine.
+class StepLimit {
+public:
+    explicit StepLimit(const Sqlite3Db& database) : mDb(database)
+    {
+        if (mDb.limits.has_value()) {
+            mStepsLeft = mDb.limits->steps;
+            sqlite3_progress_handler(mDb.connection, STEPS_AT_ONCE, TakeSteps, this);
+        }
+    }
+    ~StepLimit()
+    {
+        if (mDb.limits.has_value()) {
+            sqlite3_progress_handler(mDb.connection, 0, nullptr, nullptr);
+        }
+    }
+    StepLimit(const StepLimit&) = delete;
+    StepLimit& operator=(const StepLimit&) = delete;
+
+private:
+    static constexpr int STEPS_AT_ONCE = 1000;
+
+    static int TakeSteps(void* context)
+    {
+        std::uint64_t& left = static_cast<StepLimit*>(context)->mStepsLeft;
+        left -= std::min<std::uint64_t>(left, STEPS_AT_ONCE);
+        return left == 0 ? 1 : 0;
+    }
+
+    const Sqlite3Db& mDb;
+    std::uint64_t mStepsLeft = 0;
+};
+
+} // namespace
+
 // The two ways to run a statement differ in what they are called in the log.
 struct SqlOperator::Messages {
     const char* function;
@@ -47,6 +85,7 @@ bool SqlOperator::Run(const std::string& sql, RowCallback callback, const Messag
         return false;
     }
     char* errorText = nullptr;
+    const StepLimit limit(db);
     resultCode = sqlite3_exec(db.connection, sql.c_str(), callback, callback == nullptr ? nullptr : this, &errorText);
     if (IsOk()) {
         return true;
@@ -70,6 +109,9 @@ int SqlOperator::LoadRecord(void* context, int columnCount, char** columnTexts, 
     auto* const self = static_cast<SqlOperator*>(context);
     if (self == nullptr || self->fieldList == nullptr || self->fieldMap == nullptr || columnTexts == nullptr) {
         return 0;
+    }
+    if (self->db.limits.has_value() && self->records.size() >= self->db.limits->rows) {
+        return 1;
     }
     try {
         self->KeepRow(columnCount, columnTexts);

@@ -139,9 +139,62 @@ TEST_F(SqlDatabaseTest, ReadOnlyTakesSelectsAlone)
     mDatabase.Restrict(SqlAccess::READ_ONLY);
     EXPECT_TRUE(statement.ExecuteNoCallback("select count(*), upper('x') from t where a in (select 1)"));
     for (const char* sql : {"insert into t values (1)", "delete from t", "drop table t", "create temp table u(a)",
-             "pragma user_version = 1", "pragma query_only", "attach ':memory:' as m", "begin", "vacuum"}) {
+             "pragma user_version = 1", "pragma query_only", "pragma page_size = 512", "pragma wal_checkpoint", "attach ':memory:' as m", "vacuum"}) {
         EXPECT_FALSE(statement.ExecuteNoCallback(sql)) << sql;
     }
+    for (const char* sql : {"begin", "pragma data_version", "pragma PAGE_COUNT", "commit"}) {
+        EXPECT_TRUE(statement.ExecuteNoCallback(sql)) << sql;
+    }
+}
+
+TEST_F(SqlDatabaseTest, ForeignTextSetsNothingForTheWholeProcess)
+{
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    mDatabase.Restrict(SqlAccess::OWN_FILE);
+    SqlOperator statement(mDatabase.GetHandle());
+    for (const char* sql : {"pragma hard_heap_limit = 1", "pragma SOFT_HEAP_LIMIT(1)", "pragma temp_store_directory = '/'",
+             "pragma main.data_store_directory = '/'"}) {
+        EXPECT_FALSE(statement.ExecuteNoCallback(sql)) << sql;
+    }
+    EXPECT_TRUE(statement.ExecuteNoCallback("pragma hard_heap_limit"));
+    EXPECT_TRUE(statement.ExecuteNoCallback("pragma user_version = 7"));
+}
+
+TEST_F(SqlDatabaseTest, ForeignTextThatNeverEndsIsBrokenOff)
+{
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    SqlLimits limits;
+    limits.steps = 100000;
+    mDatabase.Restrict(SqlAccess::OWN_FILE, limits);
+    SqlOperator statement(mDatabase.GetHandle());
+    EXPECT_FALSE(statement.ExecuteNoCallback(
+        "with recursive n(i) as (select 1 union all select i + 1 from n) select max(i) from n"));
+    // Each text has all the steps.
+    for (int text = 0; text < 5; ++text) {
+        EXPECT_TRUE(statement.ExecuteNoCallback(
+            "with recursive n(i) as (select 1 union all select i + 1 from n where i < 4000) select max(i) from n"));
+    }
+    EXPECT_THAT(mLog.Lines(), ElementsAre(
+        "FUNc:FT::sql::SqlOperator::ExecuteNoCallback: ExecuteNoCallback sql failed: interrupted"));
+}
+
+TEST_F(SqlDatabaseTest, ForeignTextWithTooManyRowsIsBrokenOff)
+{
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    SqlLimits limits;
+    limits.rows = 2;
+    mDatabase.Restrict(SqlAccess::OWN_FILE, limits);
+    SqlField field("value", TypeInteger);
+    const FieldList list{&field};
+    const FieldMap map{{"value", &field}};
+    SqlOperator statement(mDatabase.GetHandle(), &list, &map);
+    EXPECT_TRUE(statement.Execute("values (1), (2)"));
+    EXPECT_FALSE(statement.Execute("values (1), (2), (3)"));
+    EXPECT_EQ(statement.GetCount(), 2U);
+    EXPECT_THAT(mLog.Lines(),
+        ElementsAre("FUNc:FT::sql::SqlOperator::Execute: Execute sql failed: query aborted"));
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    EXPECT_TRUE(statement.Execute("values (1), (2), (3)")) << "no longer restricted";
 }
 
 TEST_F(SqlDatabaseTest, RestrictingAClosedDatabaseDoesNothing)
