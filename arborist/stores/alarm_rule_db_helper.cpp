@@ -79,7 +79,12 @@ bool AlarmRuleDbHelper::OpenDatabase()
             FT::LEVEL_WARN, "FUNc:%s: log.db is not exist.", "AlarmRuleDbHelper::OpenDatabase");
         return false;
     }
-    return mDatabase.Open(path);
+    if (!mDatabase.Open(path)) {
+        return false;
+    }
+    // The service's own changes may wait beside the file; closing must not move them in.
+    mDatabase.Restrict(FT::sql::SqlAccess::READ_ONLY);
+    return true;
 }
 
 void AlarmRuleDbHelper::InitEventInfoUnionTable()

@@ -15,14 +15,20 @@ constexpr std::int64_t NO_DATA_VERSION = -1;
 constexpr std::uint16_t UNNAMED_VERSION = 0;
 constexpr std::size_t MOST_VERSIONS = std::numeric_limits<std::uint16_t>::max();
 constexpr std::uint32_t MOST_ROWS = std::numeric_limits<std::uint32_t>::max();
+// Bytes of an event in the file, at least.
+constexpr std::int64_t SHORTEST_ROW = 16;
+// A file with holes may claim any size, so that no more than this is believed.
+constexpr std::int64_t MOST_GUESSED_ROWS = 1 << 24;
 
 // The same join as the query for one id; its columns are the ones that can be had without reading a text.
 constexpr std::string_view JOINED_ROWS =
     " from event_info join event_info_flow on event_info._ID=event_info_flow._ID"
     " join event_version on event_info.version_id=event_version._ID";
 
-// What an index needs of the log beyond the columns of its own statement.
-constexpr char NEEDED_COLUMNS[] = "select event_info.extra, event_version.VERSION_NAME";
+// What the query for one id needs of the log beyond the columns of the index's own statement.
+constexpr std::string_view NEEDED_COLUMNS = "select event_info.extra, event_version.VERSION_NAME";
+// Its names without a table: they fail where a second table has such a column.
+constexpr std::string_view NEEDED_CONDITION = " where event_id = 0 and occurrence_time >= 0";
 
 template <typename Number>
 bool Fits(std::int64_t value)
@@ -42,17 +48,23 @@ private:
     const FT::sql::Sqlite3Db& mDb;
 };
 
+// 0 where there is no whole number.
+std::int64_t NumberOf(const FT::sql::Sqlite3Db& database, const char* sql)
+{
+    Cursor cursor(database, sql);
+    return cursor.Step() && cursor.GetType(0) == Cursor::ColumnType::INTEGER ? cursor.GetInteger(0) : 0;
+}
+
 // Room for the rows: as many as there are row numbers between the first and the last, or fit into the file. A guess
 // that saves growing, which would need the memory twice.
 std::size_t GuessRowCount(const FT::sql::Sqlite3Db& database)
 {
-    Cursor span(database, "select (select max(rowid) from event_info) - (select min(rowid) from event_info) + 1,"
-        " page_count * page_size / 16 from pragma_page_count, pragma_page_size");
-    if (!span.Step() || span.GetType(0) != Cursor::ColumnType::INTEGER) {
-        return 0;
-    }
-    return static_cast<std::size_t>(std::clamp<std::int64_t>(span.GetInteger(0), 0,
-        std::clamp<std::int64_t>(span.GetInteger(1), 0, MOST_ROWS)));
+    const std::int64_t span = NumberOf(
+        database, "select (select max(rowid) from event_info) - (select min(rowid) from event_info) + 1");
+    const std::int64_t fitting =
+        NumberOf(database, "PRAGMA page_count") * NumberOf(database, "PRAGMA page_size") / SHORTEST_ROW;
+    return static_cast<std::size_t>(
+        std::clamp<std::int64_t>(span, 0, std::clamp<std::int64_t>(fitting, 0, MOST_GUESSED_ROWS)));
 }
 
 } // namespace
@@ -133,7 +145,7 @@ void EventLogIndex::Clear()
 EventLogIndex::State EventLogIndex::Read()
 {
     const ReadTransaction transaction(mDb);
-    if (!Cursor(mDb, std::string(NEEDED_COLUMNS).append(JOINED_ROWS)).IsReady()) {
+    if (!Cursor(mDb, std::string(NEEDED_COLUMNS).append(JOINED_ROWS).append(NEEDED_CONDITION)).IsReady()) {
         return State::UNREADABLE;
     }
     Scan scan;

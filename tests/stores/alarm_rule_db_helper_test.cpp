@@ -233,6 +233,45 @@ TEST_F(AlarmRuleDbHelperTest, MissingTableTellsForEachId)
     EXPECT_THAT(mLog.Lines(), ElementsAre(line, line, line));
 }
 
+TEST_F(AlarmRuleDbHelperTest, ColumnNameOfTwoTablesTellsForEachId)
+{
+    for (const char* const column : {"event_version add column event_id", "event_info add column occurrence_time"}) {
+        Write(EventLogBuilder().Row({10, 7, "1.0", ""}).Sql(std::string("alter table ") + column));
+        AlarmRuleDbHelper helper;
+        mLog.Clear();
+        EXPECT_EQ(Visit(helper, {7, 8, 0, false}), "unreadable ");
+        EXPECT_THAT(mLog.Lines(), testing::AllOf(testing::SizeIs(2),
+            testing::Each(testing::HasSubstr("Execute sql failed: ambiguous column name: "))));
+        EXPECT_THAT(helper.GetEventList(7, 0, false), IsEmpty());
+    }
+}
+
+TEST_F(AlarmRuleDbHelperTest, LogOfAServiceThatEndedEarlyStaysAsItIs)
+{
+    Write(EventLogBuilder().Row({10, 7, "1.0", ""}));
+    const std::string left = mDir.Path("left/Comms/Lumbra/workDir/0/log.db");
+    EventLogBuilder::Run(mPath, "pragma journal_mode = wal");
+    {
+        FT::sql::SqlDatabase service; // keeps the others from moving the changes into the file
+        service.Open(mPath);
+        EventLogBuilder::Run(mPath, "insert into event_info values (2, 8, '', 1);"
+            "insert into event_info_flow values (2, 2, 20)");
+        std::filesystem::create_directories(std::filesystem::path(left).parent_path());
+        std::filesystem::copy_file(mPath, left);
+        std::filesystem::copy_file(mPath + "-wal", left + "-wal");
+    }
+    const std::string file = mDir.Read("left/Comms/Lumbra/workDir/0/log.db");
+    const std::string changes = mDir.Read("left/Comms/Lumbra/workDir/0/log.db-wal");
+    ASSERT_FALSE(changes.empty());
+    mSettings.Set(Settings::PROGRAM_DATA_DIR, mDir.Path("left"));
+    {
+        AlarmRuleDbHelper helper;
+        EXPECT_EQ(Visit(helper, {7, 8, 0, false}), "7 1/1, 8 1/1");
+    }
+    EXPECT_EQ(mDir.Read("left/Comms/Lumbra/workDir/0/log.db"), file);
+    EXPECT_EQ(mDir.Read("left/Comms/Lumbra/workDir/0/log.db-wal"), changes);
+}
+
 TEST_F(AlarmRuleDbHelperTest, FileThatIsNoDatabaseTellsForEachId)
 {
     mDir.Write("data/Comms/Lumbra/workDir/0/log.db", std::string(3000, 'x'));
