@@ -44,6 +44,16 @@ bool IsZip(const std::string& path)
     return LowerCase(path).find("zip") != std::string::npos;
 }
 
+// SQLite would work what a broken-off run left beside the target's last copy into the new one.
+void RemoveLeftovers(const std::string& target)
+{
+    for (const char* const suffix : {"-journal", "-wal", "-shm"}) {
+        if (FileUtil::FileExists(target + suffix)) {
+            FileUtil::RemoveFile(target + suffix);
+        }
+    }
+}
+
 bool HoldsTwoDots(const std::string& path)
 {
     return path.find("..") != std::string::npos;
@@ -84,6 +94,12 @@ std::vector<std::string> CommonPartDbHelper::CopyDbFile(const std::string& path,
         FT::Log::GetInstance().Output(
             FT::LEVEL_ERROR, "FUNc:%s: database dir is empty.", "CommonPartDbHelper::CopyDbFile");
         return {};
+    }
+    // Before the first copy: files of these names may be among those that are copied.
+    for (const std::string& candidate : candidates) {
+        if (!IsZip(candidate) && !IsInDirectory(candidate, directory)) {
+            RemoveLeftovers(TargetOf(candidate, directory));
+        }
     }
     PathList copies;
     FileNamePattern pattern(dbName);
@@ -186,6 +202,9 @@ std::vector<std::string> CommonPartDbHelper::UnZipFile(const std::string& zipPat
     }
     PathList unpacked;
     FileUtil::GetDirFiles(workDirectory, unpacked);
+    for (const std::string& file : unpacked) {
+        RemoveLeftovers(TargetOf(file, directory));
+    }
     for (std::string& file : unpacked) {
         if (!CopyFile(file, directory)) {
             FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Copy file fail.", NAME);

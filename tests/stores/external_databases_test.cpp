@@ -7,6 +7,7 @@
 #include "arborist/frame/log.h"
 #include "arborist/frame/settings.h"
 #include "arborist/stores/common_part_db_helper.h"
+#include "arborist/stores/sql/sql_database.h"
 #include "tests/support/common_part_builder.h"
 #include "tests/support/database_rows.h"
 #include "tests/support/event_log_builder.h"
@@ -185,6 +186,44 @@ TEST_F(ExternalDatabases, LinkInTheTargetDirectoryIsReplacedAndNotFollowed)
     EXPECT_THAT(Copy(".*\\.db", {"create table made(b)"}), ElementsAre("copies/a.db"));
     EXPECT_EQ(mDir.Read("device/a.db"), before);
     EXPECT_FALSE(fs::is_symlink(mDir.Path("copies/a.db")));
+}
+
+TEST_F(ExternalDatabases, WhatABrokenOffRunLeftBesideACopyIsNotWorkedIntoTheNew)
+{
+    const std::string db = MakeDb("device/a.db");
+    mDir.MakeDir("zipped");
+    WriteZip(mDir.Path("zipped/b.zip"), {{"b.db", db}});
+    for (const char* const name : {"copies/a.db", "copies/b.db"}) {
+        MakeDb(name, "pragma journal_mode = wal; create table old(a)");
+        {
+            FT::sql::SqlDatabase broken; // keeps the changes beside the file
+            broken.Open(mDir.Path(name));
+            EventLogBuilder::Run(mDir.Path(name), "create table older(a)");
+            fs::copy_file(mDir.Path(name) + "-wal", mDir.Path("wal"), fs::copy_options::overwrite_existing);
+        }
+        fs::copy_file(mDir.Path("wal"), mDir.Path(name) + "-wal");
+    }
+    Copy(".*(zip|db)", {}, {"device", "zipped"});
+    for (const char* const name : {"copies/a.db", "copies/b.db"}) {
+        EXPECT_FALSE(fs::exists(mDir.Path(name) + "-wal"));
+        EXPECT_THAT(DatabaseRows(mDir.Path(name), "select name from sqlite_master"), ElementsAre("t"));
+    }
+}
+
+TEST_F(ExternalDatabases, ChangesThatAreCopiedWithTheirFileStayBesideIt)
+{
+    MakeDb("live/a.db", "pragma journal_mode = wal; create table t(a)");
+    FT::sql::SqlDatabase service;
+    service.Open(mDir.Path("live/a.db"));
+    EventLogBuilder::Run(mDir.Path("live/a.db"), "create table waiting(a)");
+    ASSERT_TRUE(mDir.Has("live/a.db-wal"));
+    for (int run = 0; run < 2; ++run) {
+        EXPECT_THAT(Copy(".*\\.db(-wal)?", {}, {"live"}),
+            testing::UnorderedElementsAre("copies/a.db", "copies/a.db-wal"));
+        EXPECT_TRUE(mDir.Has("copies/a.db-wal"));
+    }
+    EXPECT_THAT(DatabaseRows(mDir.Path("copies/a.db"), "select name from sqlite_master"),
+        ElementsAre("t", "waiting"));
 }
 
 TEST_F(ExternalDatabases, TargetDirectoryThatIsAFileGivesNoCopies)
