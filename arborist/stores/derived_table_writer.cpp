@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
 #include <cstddef>
 #include <iterator>
+#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -11,9 +13,9 @@
 
 #include "arborist/frame/log.h"
 #include "arborist/stores/lower_case.h"
+#include "arborist/stores/sql/sql_cursor.h"
 #include "arborist/stores/sql/sql_database.h"
 #include "arborist/stores/sql/sql_operator.h"
-#include "arborist/stores/sql/sql_table.h"
 
 namespace {
 
@@ -47,6 +49,15 @@ bool MayHoldSql(const Json::Value& row)
     });
 }
 
+// "%f" without the host's locale: a decimal comma would make two values of it.
+std::string FixedText(double number)
+{
+    // Sign, every digit that a double can have before the point, the point and six digits.
+    char text[std::numeric_limits<double>::max_exponent10 + 16];
+    const auto [end, error] = std::to_chars(std::begin(text), std::end(text), number, std::chars_format::fixed, 6);
+    return std::string(text, end);
+}
+
 // Empty for what is neither text nor number. A number without a fraction counts as whole, however it was written.
 std::string LiteralOf(const Json::Value& value)
 {
@@ -57,7 +68,7 @@ std::string LiteralOf(const Json::Value& value)
     if (value.isInt64()) {
         return std::to_string(value.asInt64());
     }
-    return value.isNumeric() ? std::to_string(value.asDouble()) : "";
+    return value.isNumeric() ? FixedText(value.asDouble()) : "";
 }
 
 } // namespace
@@ -175,12 +186,9 @@ void DerivedTableWriter::PublishStage()
     const std::string publish = "insert into main." + mTableName + " select * from temp." + mTableName;
     if (!connection.ExecuteNoCallback(publish)) {
         // Somebody else reads, or the disk is full: what fails then is the single row again.
-        FT::sql::SqlField idField("_ID", FT::sql::TypeInteger);
-        FT::sql::SqlTable ids(mDatabase.GetHandle(), mTableName, &idField, 1);
-        ids.Query("select _ID from temp." + mTableName);
-        for (std::uint64_t index = 0; index < ids.GetRecordCount(); ++index) {
-            const FT::sql::SqlValue* const id = ids.GetRecord(index)->GetValue(0);
-            InsertRow(publish + " where _ID = " + id->AsString());
+        FT::sql::SqlCursor ids(mDatabase.GetHandle(), "select _ID from temp." + mTableName);
+        while (ids.Step()) {
+            InsertRow(publish + " where _ID = " + std::to_string(ids.GetInteger(0)));
         }
     }
     connection.ExecuteNoCallback("drop table temp." + mTableName);
