@@ -136,7 +136,8 @@ CommandRuleDbHelper::ParamList CommandRuleDbHelper::RunSql(const std::string& sq
         result = isNormalization ? UpdateParamListOfNormalization(params, *record, first, second)
                                  : UpdateParamList(params, *record);
     }
-    if (!IsPlainSelect(sql)) {
+    // A file that can't be read says so again when it is opened for the next statement.
+    if (!table.IsOk() || !IsPlainSelect(sql)) {
         mDatabase.Close();
     }
     return result;

@@ -108,6 +108,27 @@ TEST_F(CommandRuleDbHelperTest, FileThatIsMissingComesIntoBeingEmpty)
     EXPECT_EQ(mDir.Read("new.db"), "");
 }
 
+TEST_F(CommandRuleDbHelperTest, FileThatIsNoDatabaseSaysSoForEachStatement)
+{
+    mDir.Write("junk.db", std::string(5000, 'x'));
+    for (int statement = 0; statement < 2; ++statement) {
+        mLog.Clear();
+        EXPECT_TRUE(mHelper.IsOpenDbSuccess(mDir.Path("junk.db")));
+        EXPECT_THAT(mHelper.RunSql("select a from t", {ParamOf("a", "int")}, false, nullptr, nullptr), IsEmpty());
+        EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(HasSubstr("Failed(26) to set cache size by"),
+            HasSubstr("Failed(26) to set synchronous by"), HasSubstr("sql failed: file is not a database")));
+    }
+}
+
+TEST_F(CommandRuleDbHelperTest, StatementWithoutEndIsBrokenOff)
+{
+    const std::string endless =
+        "with recursive n(i) as (select 1 union all select i + 1 from n) select i from n";
+    EXPECT_THAT(Run(endless, {ParamOf("a", "int")}), IsEmpty());
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(HasSubstr("sql failed: query aborted")));
+    EXPECT_EQ(Text(Run("select a from t", {ParamOf("a", "int")})), "a:a:int=5");
+}
+
 TEST_F(CommandRuleDbHelperTest, DirectoryCannotBeOpened)
 {
     EXPECT_FALSE(mHelper.IsOpenDbSuccess(mDir.MakeDir("folder")));

@@ -16,7 +16,7 @@ struct SqlLimits {
     /// Steps of SQLite's machine for one text, some half a minute of them.
     std::uint64_t steps = 5'000'000'000;
     /// Rows that are kept.
-    std::size_t rows = 1'000'000;
+    std::size_t rows = 100'000;
 };
 
 /// A connection; null while closed.

@@ -32,6 +32,9 @@ public:
     /// The first row, whether or not the statement succeeded.
     const SqlRecord* GetTopRecord() const { return GetRecord(0); }
 
+    /// True when the last statement succeeded.
+    bool IsOk() const { return sqlOperator.IsOk(); }
+
     bool Exists();
     /// True also when the table exists, whatever its columns.
     bool Create();
