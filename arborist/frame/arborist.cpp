@@ -26,13 +26,29 @@ const std::string Arborist::FAULT_TREE_NAME = "FaultTree.zip";
 const std::string Arborist::TEMP_NAME = "temp_";
 const std::string Arborist::SEPARATOR = "/";
 
-/// What tells the three calls for one id of a detect code apart.
-struct Arborist::CodeRuleQuery {
-    const std::string& type;
-    const char* function;
-    const char* emptyCode;
-    const char* notParsed;
-    const char* found;
+// What tells the three calls for one id of a detect code apart. A logger sees the formats whole.
+struct Arborist::FaultDescQuery {
+    static constexpr const std::string& TYPE = RuleHelper::FAULT;
+    static constexpr char FUNCTION[] = "Arborist::GetCodeRuleFaultDescId";
+    static constexpr char EMPTY_CODE[] = "FUNc:%s: detectCode is empty in getCodeRuleFaultDescId";
+    static constexpr char NOT_PARSED[] = "FUNc:%s: parse time out in GetCodeRuleFaultDescId";
+    static constexpr char FOUND[] = "FUNc:%s: get the fault Description id by fault tree : %s ";
+};
+
+struct Arborist::SuggestionQuery {
+    static constexpr const std::string& TYPE = RuleHelper::SUGGESTION;
+    static constexpr char FUNCTION[] = "Arborist::GetCodeRuleSuggestionId";
+    static constexpr char EMPTY_CODE[] = "FUNc:%s: detectCode is empty in GetCodeRuleSuggestionId";
+    static constexpr char NOT_PARSED[] = "FUNc:%s: parse time out in GetCodeRuleSuggestionId";
+    static constexpr char FOUND[] = "FUNc:%s: get the Suggestions id by fault tree : %s ";
+};
+
+struct Arborist::RepairQuery {
+    static constexpr const std::string& TYPE = RuleHelper::REPAIR;
+    static constexpr char FUNCTION[] = "Arborist::GetCodeRuleRepairId";
+    static constexpr char EMPTY_CODE[] = "FUNc:%s: detectCode is empty in GetCodeRuleRepairId";
+    static constexpr char NOT_PARSED[] = "FUNc:%s: parse time out in GetCodeRuleRepairId";
+    static constexpr char FOUND[] = "FUNc:%s: get the Repair id by fault tree : %s ";
 };
 
 Arborist::Arborist(std::shared_ptr<DetectInfo> detectInfo)
@@ -81,29 +97,40 @@ bool Arborist::IsRunRule(const std::string& codeRuleId)
     return mRuleEngine->GetRuleHelper()->IsSpecifiedCodeRuleSupported(codeRuleId, mFaultTreeParser);
 }
 
+template <typename Query>
+std::string Arborist::GetCodeRuleId(const std::string& detectCode)
+{
+    auto& log = FT::Log::GetInstance();
+    if (detectCode.empty()) {
+        log.Output(FT::LEVEL_WARN, Query::EMPTY_CODE, Query::FUNCTION);
+        return RuleHelper::EMPTY_STRING;
+    }
+    if (!IsParsed()) {
+        log.Output(FT::LEVEL_WARN, Query::NOT_PARSED, Query::FUNCTION);
+        return RuleHelper::EMPTY_STRING;
+    }
+    const auto ids = mRuleEngine->GetCodeRuleInfoByType(Query::TYPE, detectCode);
+    if (ids.empty()) {
+        log.Output(FT::LEVEL_WARN, "FUNc:%s: resolutionSuggestions is null or empty", Query::FUNCTION);
+        return RuleHelper::EMPTY_STRING;
+    }
+    log.Output(FT::LEVEL_INFO, Query::FOUND, Query::FUNCTION, ids.front().c_str());
+    return ids.front();
+}
+
 std::string Arborist::GetCodeRuleFaultDescId(const std::string& detectCode)
 {
-    return GetCodeRuleId({RuleHelper::FAULT, "Arborist::GetCodeRuleFaultDescId",
-                          "detectCode is empty in getCodeRuleFaultDescId",
-                          "parse time out in GetCodeRuleFaultDescId",
-                          "get the fault Description id by fault tree"},
-                         detectCode);
+    return GetCodeRuleId<FaultDescQuery>(detectCode);
 }
 
 std::string Arborist::GetCodeRuleSuggestionId(const std::string& detectCode)
 {
-    return GetCodeRuleId({RuleHelper::SUGGESTION, "Arborist::GetCodeRuleSuggestionId",
-                          "detectCode is empty in GetCodeRuleSuggestionId",
-                          "parse time out in GetCodeRuleSuggestionId", "get the Suggestions id by fault tree"},
-                         detectCode);
+    return GetCodeRuleId<SuggestionQuery>(detectCode);
 }
 
 std::string Arborist::GetCodeRuleRepairId(const std::string& detectCode)
 {
-    return GetCodeRuleId({RuleHelper::REPAIR, "Arborist::GetCodeRuleRepairId",
-                          "detectCode is empty in GetCodeRuleRepairId", "parse time out in GetCodeRuleRepairId",
-                          "get the Repair id by fault tree"},
-                         detectCode);
+    return GetCodeRuleId<RepairQuery>(detectCode);
 }
 
 void Arborist::SetObserver(std::shared_ptr<DetectionObserver> observer)
@@ -184,26 +211,6 @@ std::vector<std::shared_ptr<FaultTreeResult::RootCauseResult>> Arborist::GetRoot
         causes.push_back(std::move(cause));
     }
     return causes;
-}
-
-std::string Arborist::GetCodeRuleId(const CodeRuleQuery& query, const std::string& detectCode)
-{
-    auto& log = FT::Log::GetInstance();
-    if (detectCode.empty()) {
-        log.Output(FT::LEVEL_WARN, "FUNc:%s: %s", query.function, query.emptyCode);
-        return RuleHelper::EMPTY_STRING;
-    }
-    if (!IsParsed()) {
-        log.Output(FT::LEVEL_WARN, "FUNc:%s: %s", query.function, query.notParsed);
-        return RuleHelper::EMPTY_STRING;
-    }
-    const auto ids = mRuleEngine->GetCodeRuleInfoByType(query.type, detectCode);
-    if (ids.empty()) {
-        log.Output(FT::LEVEL_WARN, "FUNc:%s: resolutionSuggestions is null or empty", query.function);
-        return RuleHelper::EMPTY_STRING;
-    }
-    log.Output(FT::LEVEL_INFO, "FUNc:%s: %s : %s ", query.function, query.found, ids.front().c_str());
-    return ids.front();
 }
 
 // Kept for hosts that deliver the rule set as one archive; a detection reads the unpacked files and doesn't call it.

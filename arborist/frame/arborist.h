@@ -52,7 +52,9 @@ public:
 private:
     friend struct ArboristPeer; // tests reach the private steps through it
 
-    struct CodeRuleQuery;
+    struct FaultDescQuery;
+    struct SuggestionQuery;
+    struct RepairQuery;
 
     static const std::string FAULT_TREE_NAME;
     static const std::string TEMP_NAME;
@@ -65,7 +67,8 @@ private:
     std::shared_ptr<FaultTreeResult> RunFaultTree(const std::shared_ptr<FaultTree>& faultTree);
     std::vector<std::shared_ptr<FaultTreeResult::RootCauseResult>> GetRootCauseResultList(
         const std::vector<std::shared_ptr<FaultTreeNode>>& nodes) const;
-    std::string GetCodeRuleId(const CodeRuleQuery& query, const std::string& detectCode);
+    template <typename Query>
+    std::string GetCodeRuleId(const std::string& detectCode);
     bool InitFaultTree();
 
     std::shared_ptr<FaultTreeParser> mFaultTreeParser;

@@ -8,7 +8,6 @@ PAGE = pages.DOCS / "log-messages.md"
 STRING = r'"(?:[^"\\]|\\.)*"'
 LITERAL = re.compile(rf"{STRING}(?:\s*{STRING})*")
 CALL = re.compile(rf'Output\(\s*(?:FT::)?LEVEL_(\w+),\s*"FUNc:%s: ((?:[^"\\]|\\.)*)"\s*,\s*"([^"]*)"')
-FORMAT = re.compile(r"%[a-z]+")
 
 
 def text_of(literal):
@@ -27,10 +26,6 @@ def messages_of(source):
     return {text[len("FUNc:%s: "):] for text in texts if text.startswith("FUNc:%s: ")}
 
 
-def literals_of(source):
-    return {text_of(literal) for literal in LITERAL.findall(source)}
-
-
 def calls_of(source):
     """(level, message, function) of each call that spells all three out."""
     return {(level, message.replace('\\"', '"'), function) for level, message, function in CALL.findall(source)}
@@ -44,17 +39,6 @@ def rows_of(page):
             message = re.fullmatch(r"`(.*)`", cells[2])[1]
             rows.update((cells[0], message, function) for function in re.findall(r"`([^`]*)`", cells[1]))
     return rows
-
-
-def is_composed(source_format):
-    """Whether a format spells nothing out: what it prints stands elsewhere in the source."""
-    return re.search(r"[A-Za-z]", FORMAT.sub("", source_format)) is None
-
-
-def is_spelled(message, formats, literals):
-    """Whether the sources log a message of the page: by a format of theirs, or composed of a text that they hold."""
-    return any(fits(message, text) for text in formats if not is_composed(text)) \
-        or any(message.startswith(text) for text in literals if " " in text.strip())
 
 
 def fits(message, source_format):

@@ -252,6 +252,22 @@ TEST_P(CodeRuleQueries, GiveTheFirstIdOfTheEventThatUsesTheRule)
     EXPECT_THAT(OwnLines(FT::LEVEL_INFO), ElementsAre(GetParam().found));
 }
 
+TEST_P(CodeRuleQueries, ShowALoggerTheirFormatsWhole)
+{
+    Arborist arborist(mInfo);
+    Ask(arborist, "");
+    Ask(arborist, "C");
+    WriteCodeRule();
+    Ask(arborist, "C");
+    for (const std::string text : {GetParam().emptyCode, GetParam().notParsed}) {
+        EXPECT_THAT(mLog.Formats(), testing::Contains("FUNc:%s" + text.substr(text.find(": "))));
+    }
+    const std::string found = GetParam().found;
+    const auto colon = found.find(": ");
+    EXPECT_THAT(mLog.Formats(),
+                testing::Contains("FUNc:%s" + found.substr(colon, found.rfind(": ") + 2 - colon) + "%s "));
+}
+
 TEST_P(CodeRuleQueries, GiveNothingForACodeThatNoRuleHolds)
 {
     WriteCodeRule();

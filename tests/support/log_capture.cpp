@@ -1,17 +1,13 @@
 #include "tests/support/log_capture.h"
 
 #include <cstdio>
+#include <utility>
 
 #include "arborist/frame/log.h"
 
-namespace {
-
-class CapturingLogger : public FT::ILogger {
+class LogCapture::CapturingLogger : public FT::ILogger {
 public:
-    explicit CapturingLogger(std::shared_ptr<std::vector<std::pair<int, std::string>>> entries)
-        : mEntries(std::move(entries))
-    {
-    }
+    explicit CapturingLogger(std::shared_ptr<Entries> entries) : mEntries(std::move(entries)) {}
 
     void Print(unsigned int level, const std::string& format, va_list args) override
     {
@@ -25,14 +21,12 @@ public:
 #pragma GCC diagnostic pop
         va_end(again);
         line.pop_back();
-        mEntries->emplace_back(static_cast<int>(level), std::move(line));
+        mEntries->push_back({static_cast<int>(level), format, std::move(line)});
     }
 
 private:
-    std::shared_ptr<std::vector<std::pair<int, std::string>>> mEntries;
+    std::shared_ptr<Entries> mEntries;
 };
-
-} // namespace
 
 LogCapture::LogCapture() : mEntries(std::make_shared<Entries>())
 {
@@ -47,8 +41,8 @@ LogCapture::~LogCapture()
 std::vector<std::string> LogCapture::Lines() const
 {
     std::vector<std::string> lines;
-    for (const auto& [level, line] : *mEntries) {
-        lines.push_back(line);
+    for (const Entry& entry : *mEntries) {
+        lines.push_back(entry.line);
     }
     return lines;
 }
@@ -56,12 +50,21 @@ std::vector<std::string> LogCapture::Lines() const
 std::vector<std::string> LogCapture::Lines(int level) const
 {
     std::vector<std::string> lines;
-    for (const auto& [entryLevel, line] : *mEntries) {
-        if (entryLevel == level) {
-            lines.push_back(line);
+    for (const Entry& entry : *mEntries) {
+        if (entry.level == level) {
+            lines.push_back(entry.line);
         }
     }
     return lines;
+}
+
+std::vector<std::string> LogCapture::Formats() const
+{
+    std::vector<std::string> formats;
+    for (const Entry& entry : *mEntries) {
+        formats.push_back(entry.format);
+    }
+    return formats;
 }
 
 void LogCapture::Clear()

@@ -3,7 +3,6 @@
 
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 /// Takes the log channel while the object lives and gives the default logger back at the end.
@@ -18,10 +17,19 @@ public:
     std::vector<std::string> Lines() const;
     /// Those of one FT::LogLevel.
     std::vector<std::string> Lines(int level) const;
+    /// The formats of all messages so far, as a logger sees them ("FUNc:%s: text %d").
+    std::vector<std::string> Formats() const;
     void Clear();
 
 private:
-    using Entries = std::vector<std::pair<int, std::string>>;
+    struct Entry {
+        int level;
+        std::string format;
+        std::string line;
+    };
+    using Entries = std::vector<Entry>;
+    class CapturingLogger;
+
     std::shared_ptr<Entries> mEntries;
 };
 

@@ -17,6 +17,7 @@ TEST(LogCaptureTest, HoldsFormattedLinesByLevelUntilCleared)
     FT::Log::GetInstance().Output(FT::LEVEL_INFO, "FUNc:%s: fine", "Name");
     EXPECT_THAT(log.Lines(), ElementsAre("FUNc:Name: 3 rows", "FUNc:Name: fine"));
     EXPECT_THAT(log.Lines(FT::LEVEL_WARN), ElementsAre("FUNc:Name: 3 rows"));
+    EXPECT_THAT(log.Formats(), ElementsAre("FUNc:%s: %d rows", "FUNc:%s: fine"));
     log.Clear();
     EXPECT_THAT(log.Lines(), IsEmpty());
 }
