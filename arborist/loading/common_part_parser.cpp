@@ -12,17 +12,12 @@
 #include "arborist/loading/xml_walk.h"
 
 using tinyxml2::XMLElement;
+using XmlWalk::Attribute;
 
 namespace {
 
 constexpr char THRESHOLDS_OR_LUMBRA_DATA[] = "thresholdsOrLumbraData";
 constexpr char DEF_DB_TABLE[] = "defDBTable";
-
-std::string Attribute(const XMLElement& element, const char* name)
-{
-    const char* value = element.Attribute(name);
-    return value == nullptr ? "" : value;
-}
 
 // What the "params" blocks of `parent` declare, all in one map; of two with one id the first stays.
 ParamMap ParseParamTable(const XMLElement* parent)

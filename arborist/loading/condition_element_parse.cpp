@@ -118,7 +118,7 @@ bool ConditionElementParse::ParseMultipleLogic(const XMLElement& element, OrLogi
             items.push_back(std::move(item));
         }
     }
-    alternative.InsertLogicItemList(items);
+    alternative.SetLogicItemList(std::move(items));
     return !alternative.GetLogicItemList().empty();
 }
 

@@ -43,13 +43,7 @@ void DescriptionParser::ParseEvent(const XMLElement& element)
 
 void DescriptionParser::ParseEntries(const XMLElement& list, FaultItem& item) const
 {
-    std::vector<std::string> ids;
-    for (const XMLElement& entry : Children(list, mWords.entry)) {
-        if (const char* id = entry.Attribute("id")) {
-            ids.emplace_back(id);
-        }
-    }
-    item.SetResolutionSuggestions(std::move(ids));
+    item.SetResolutionSuggestions(XmlWalk::ChildIds(&list, mWords.entry));
 }
 
 FaultDescriptionParser::FaultDescriptionParser(std::string treeTag)
@@ -69,16 +63,12 @@ RepairDescriptionParser::RepairDescriptionParser(std::string treeTag)
 
 void RepairDescriptionParser::ParseEntries(const XMLElement& list, FaultItem& item) const
 {
-    std::vector<std::string> ids;
+    DescriptionParser::ParseEntries(list, item);
     std::vector<FaultTreeResult::RepairInfo> repairs;
     for (const XMLElement& entry : Children(list, mWords.entry)) {
-        const char* id = entry.Attribute("id");
-        const char* extra = entry.Attribute("extra");
-        if (id != nullptr) {
-            ids.emplace_back(id);
-            repairs.push_back({id, extra == nullptr ? "" : extra});
+        if (const char* id = entry.Attribute("id")) {
+            repairs.push_back({id, XmlWalk::Attribute(entry, "extra")});
         }
     }
-    item.SetResolutionSuggestions(std::move(ids));
     item.SetRepairInfo(std::move(repairs));
 }

@@ -1,8 +1,6 @@
 #include "arborist/loading/rule_element_parse.h"
 
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "arborist/frame/log.h"
 #include "arborist/loading/condition_element_parse.h"
@@ -11,6 +9,8 @@
 
 using tinyxml2::XMLElement;
 using XmlWalk::AssignText;
+using XmlWalk::Attribute;
+using XmlWalk::ChildIds;
 using XmlWalk::Children;
 using XmlWalk::FindFirstChildren;
 using XmlWalk::IsNamed;
@@ -193,15 +193,9 @@ void CommandRuleElementParse::ParseTimeElement(const XMLElement& element, Comman
 
 void CommandRuleElementParse::ParseNormalElement(const XMLElement& element, CommandRule::SqlItem& item)
 {
-    const auto appendIds = [](const XMLElement* parent, const char* name, std::vector<std::string>& ids) {
-        for (const XMLElement& prop : Children(parent, name)) {
-            if (const char* id = prop.Attribute("id")) {
-                ids.emplace_back(id);
-            }
-        }
-    };
-    appendIds(element.FirstChildElement("normalizationParam"), "defineNormalizationProp", item.normalizationParamList);
-    appendIds(element.FirstChildElement("timeParam"), "defineTimeProp", item.timeParamList);
+    item.normalizationParamList =
+        ChildIds(element.FirstChildElement("normalizationParam"), "defineNormalizationProp");
+    item.timeParamList = ChildIds(element.FirstChildElement("timeParam"), "defineTimeProp");
 }
 
 std::shared_ptr<Rule> NodeAlarmElementParse::Parse() const
@@ -215,7 +209,7 @@ std::shared_ptr<Rule> NodeAlarmElementParse::Parse() const
     for (const XMLElement& nodeInfo : Children(mElement, "nodeInfo")) {
         nodes.push_back(ParseNodeInfo(nodeInfo));
     }
-    rule->SetNodeInfoList(nodes);
+    rule->SetNodeInfoList(std::move(nodes));
 
     const XMLElement* paramsElement = nullptr;
     const XMLElement* expression = nullptr;
@@ -224,38 +218,30 @@ std::shared_ptr<Rule> NodeAlarmElementParse::Parse() const
         {"params", &paramsElement}, {"logicExpression", &expression}, {"condition", &condition}});
     ParamMap params;
     ParamsElementParse(paramsElement).Parse(params);
-    rule->SetParamMap(params);
+    rule->SetParamMap(std::move(params));
     if (expression != nullptr) {
         rule->SetLogicExpression(ParseLogicExpression(*expression));
     }
     ConditionList conditions;
     ConditionElementParse(condition).Parse(conditions);
-    rule->SetConditionList(conditions);
+    rule->SetConditionList(std::move(conditions));
     return rule;
 }
 
 std::shared_ptr<NodeInfo> NodeAlarmElementParse::ParseNodeInfo(const XMLElement& element)
 {
-    std::string type;
-    std::string path;
-    std::string param;
-    ReadAttributes(element, {{"type", &type}, {"path", &path}, {"param", &param}});
     auto node = std::make_shared<NodeInfo>();
-    node->SetType(type);
-    node->SetPath(path);
-    node->SetParam(param);
+    node->SetType(Attribute(element, "type"));
+    node->SetPath(Attribute(element, "path"));
+    node->SetParam(Attribute(element, "param"));
     return node;
 }
 
 NodeRule::LogicExpression NodeAlarmElementParse::ParseLogicExpression(const XMLElement& element)
 {
-    std::string type;
-    std::string ret;
-    std::string express;
-    ReadAttributes(element, {{"type", &type}, {"ret", &ret}, {"express", &express}});
     NodeRule::LogicExpression expression;
-    expression.SetType(type);
-    expression.SetRet(ret);
-    expression.SetExpress(express);
+    expression.SetType(Attribute(element, "type"));
+    expression.SetRet(Attribute(element, "ret"));
+    expression.SetExpress(Attribute(element, "express"));
     return expression;
 }

@@ -60,6 +60,23 @@ void ReadAttributes(const tinyxml2::XMLElement& element, std::initializer_list<A
     }
 }
 
+std::string Attribute(const tinyxml2::XMLElement& element, const char* name)
+{
+    const char* value = element.Attribute(name);
+    return value == nullptr ? "" : value;
+}
+
+std::vector<std::string> ChildIds(const tinyxml2::XMLElement* parent, const char* name)
+{
+    std::vector<std::string> ids;
+    for (const tinyxml2::XMLElement& child : Children(parent, name)) {
+        if (const char* id = child.Attribute("id")) {
+            ids.emplace_back(id);
+        }
+    }
+    return ids;
+}
+
 const char* TextOf(const tinyxml2::XMLElement* element)
 {
     return element == nullptr ? nullptr : element->GetText();

@@ -3,6 +3,7 @@
 
 #include <initializer_list>
 #include <string>
+#include <vector>
 
 #include <tinyxml2.h>
 
@@ -68,6 +69,12 @@ void FindFirstChildren(const tinyxml2::XMLElement& parent, std::initializer_list
 /// Assigns each attribute that is there, also one with an empty value; the other texts stay. No attribute stands twice:
 /// the library refuses such a file.
 void ReadAttributes(const tinyxml2::XMLElement& element, std::initializer_list<AttributeSlot> slots);
+
+/// The value of an attribute; empty when it is absent.
+std::string Attribute(const tinyxml2::XMLElement& element, const char* name);
+
+/// The "id" attributes of the children of this name, in order; a child without one is skipped. A null parent has none.
+std::vector<std::string> ChildIds(const tinyxml2::XMLElement* parent, const char* name);
 
 /// The text of an element; null for a null element and for one without text. An empty CDATA section is text.
 const char* TextOf(const tinyxml2::XMLElement* element);

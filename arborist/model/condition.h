@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// One named value that tests refer to.
@@ -68,7 +69,7 @@ public:
     const std::string& GetCommonPartParamId() const { return commonPartParamId; }
     void SetCommonPartParamId(const std::string& text) { commonPartParamId = text; }
     const LogicItemList& GetLogicItemList() const { return logicItemList; }
-    void SetLogicItemList(const LogicItemList& items) { logicItemList = items; }
+    void SetLogicItemList(LogicItemList items) { logicItemList = std::move(items); }
     void InsertLogicItemList(const LogicItemList& items);
 
     /// Whether every item that is there holds; true without items.

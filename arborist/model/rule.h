@@ -196,14 +196,14 @@ public:
     const LogicExpression& GetLogicExpression() const { return logicExpression; }
     void SetLogicExpression(const LogicExpression& expression);
     const ParamMap& GetParamMap() const { return paramMap; }
-    void SetParamMap(const ParamMap& params) { paramMap = params; }
+    void SetParamMap(ParamMap params) { paramMap = std::move(params); }
     /// Adds entry by entry; an id that is already there keeps its first entry.
     void InsertParamMap(const ParamMap& params);
     const NodeInfoList& GetNodeInfoList() const { return nodeInfoList; }
-    void SetNodeInfoList(const NodeInfoList& nodes) { nodeInfoList = nodes; }
+    void SetNodeInfoList(NodeInfoList nodes) { nodeInfoList = std::move(nodes); }
     void InsertNodeInfoList(const NodeInfoList& nodes);
     const ConditionList& GetConditionList() const { return conditionList; }
-    void SetConditionList(const ConditionList& conditions) { conditionList = conditions; }
+    void SetConditionList(ConditionList conditions) { conditionList = std::move(conditions); }
     void InsertConditionList(const ConditionList& conditions);
 
 private:

@@ -66,6 +66,20 @@ TEST(XmlWalkTest, AttributesThatAreThereAreAssignedAlsoWhenEmpty)
     EXPECT_EQ(none, "default");
 }
 
+TEST(XmlWalkTest, AbsentAttributeIsEmpty)
+{
+    const XmlText xml("<r a=\"1\"/>");
+    EXPECT_EQ(XmlWalk::Attribute(xml.Root(), "a"), "1");
+    EXPECT_EQ(XmlWalk::Attribute(xml.Root(), "A"), "");
+}
+
+TEST(XmlWalkTest, IdsAreThoseOfTheChildrenOfOneName)
+{
+    const XmlText xml("<r><a id=\"2\"/><b id=\"3\"/><a/><a id=\"\"/><a id=\"1\"/></r>");
+    EXPECT_THAT(XmlWalk::ChildIds(&xml.Root(), "a"), ElementsAre("2", "", "1"));
+    EXPECT_THAT(XmlWalk::ChildIds(nullptr, "a"), IsEmpty());
+}
+
 TEST(XmlWalkTest, EmptyCdataIsTextAndAnEmptyElementHasNone)
 {
     const XmlText xml("<r><a><![CDATA[]]></a><b></b><c/><d><e/></d></r>");
