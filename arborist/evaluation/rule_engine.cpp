@@ -154,8 +154,8 @@ bool RuleEngine::IsFaultHappenedForEvent(
                                       "RuleEngine::IsFaultHappenedForEvent");
         reason = Reason::INTERACTION_EVENT;
     } else {
-        const auto names = RuleHelper::GetRuleNamesByRuleList(
-            eventRule != nullptr ? eventRule->GetRuleList() : OrRuleList());
+        const auto names = eventRule != nullptr ? RuleHelper::GetRuleNamesByRuleList(eventRule->GetRuleList())
+                                                : std::vector<std::string>();
         reason = names.empty() ? Reason::NO_RULE_NAMES : Reason::NONE;
         fired = !names.empty() && AskRulesOfEvent(id, *eventRule, names);
     }
@@ -239,7 +239,8 @@ std::shared_ptr<RuleChecker> RuleEngine::GetRuleCheckerInstance(const std::share
         return mAlarmRuleEngine;
     case Family::COMMAND:
         if (mCommandRuleEngine == nullptr) {
-            // Keeps the common part that is there now, also for later detections.
+            // Keeps the common part that is there now, on purpose: a later detection of this engine judges command
+            // rules by the thresholds of the first.
             mCommandRuleEngine = std::make_shared<CommandRuleEngine>(mCommonPart, mRuleHelper);
             mCommandRuleEngine->SetObserver(mObserver);
         }

@@ -54,6 +54,8 @@ public:
     void SetObserver(DetectionObserver* observer);
 
 private:
+    friend struct RuleEnginePeer; // lets a test ask for the checker of any rule
+
     // Where in an event's rules a rule stands, for explanations.
     struct Place {
         std::size_t alternative = 0;

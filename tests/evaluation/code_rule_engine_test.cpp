@@ -129,6 +129,23 @@ TEST_F(CodeRuleEngineTest, UnknownAndEmptyCodesHaveNone)
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
+TEST_F(CodeRuleEngineTest, EmptyCodeHasNoneEvenWhereARuleHasIt)
+{
+    LoadSet(TreeXml(TAG).Tree("T", Or({Basic("A")})),
+            RuleXml(TAG).Rule(CodeRuleXml("r", "")).EventRule("A", {Single("r")}).FaultDescription("A", {"F1"}));
+    EXPECT_THAT(FaultIds(""), IsEmpty());
+}
+
+TEST_F(CodeRuleEngineTest, RuleOfAnUnknownCodeIsRunWithEmptyLists)
+{
+    LoadUsual();
+    const auto stranger = std::make_shared<CodeRule>();
+    stranger->codeItem.id = "X";
+    mRunner->answer = true;
+    EXPECT_TRUE(Ask(stranger));
+    EXPECT_THAT(mRunner->calls, ElementsAre("|||"));
+}
+
 TEST_F(CodeRuleEngineTest, FirstCallFillsTheStoreWithTheEventsOfAllTreesAndLaterOnesFindItFull)
 {
     LoadUsual();

@@ -157,6 +157,19 @@ TEST_F(NodeRuleEngineTest, EveryParameterWithTheKeyTakesTheValueAndTheFirstGives
     }
 }
 
+TEST_F(NodeRuleEngineTest, OfTwoNodesForOneParameterTheLaterCountsEvenWhenItCantBeRead)
+{
+    NodeFile("a", "5");
+    const auto param = AddParam("1", "a", "int");
+    mDir.Write("b", "6");
+    Node("a", "b");
+    Ask();
+    EXPECT_EQ(param->value, "6");
+    Node("a", "none");
+    Ask();
+    EXPECT_EQ(param->value, "");
+}
+
 TEST_F(NodeRuleEngineTest, FilesAreReadAnewAtEachCall)
 {
     NodeFile("a", "5");

@@ -141,6 +141,29 @@ TEST_F(RuleHelperTest, FilterThatRejectsIsToldWithBothTexts)
                                               "filter r 'AB' in 'AB,Z' [filtered_black_product]"));
 }
 
+TEST_F(RuleHelperTest, FirstFilterThatFailsIsTheReason)
+{
+    const RuleHelper helper(InfoOf(LAPTOP, 2), nullptr);
+    const auto rule = RuleForScene("1");
+    rule->blackProducts = "AB";
+    rule->production = "X";
+    rule->platform = "arm";
+    rule->deviceType = "Phone";
+    const auto reason = [&] {
+        EXPECT_FALSE(helper.IsSpecifiedRuleItemSupported(rule));
+        return helper.GetFilterReason();
+    };
+    EXPECT_EQ(reason(), Reason::FILTERED_BLACK_PRODUCT);
+    rule->blackProducts = "";
+    EXPECT_EQ(reason(), Reason::FILTERED_PRODUCT);
+    rule->production = "";
+    EXPECT_EQ(reason(), Reason::FILTERED_SCENE);
+    rule->detectScene = "2";
+    EXPECT_EQ(reason(), Reason::FILTERED_PLATFORM);
+    rule->platform = "";
+    EXPECT_EQ(reason(), Reason::FILTERED_DEVICE_TYPE);
+}
+
 TEST_F(RuleHelperTest, CodeRuleIsFoundByAnyPartOfItsDetectCode)
 {
     const auto info = InfoOf(LAPTOP, 2);

@@ -197,6 +197,23 @@ TEST_F(FaultTreeParserTest, SecondParseOverwritesTheLists)
     EXPECT_THAT(mParser.GetSuggestionListById("A"), ElementsAre("s2"));
 }
 
+TEST_F(FaultTreeParserTest, EveryLookUpByIdSeesTheLastParse)
+{
+    WriteRules(RuleXml("jank").FaultDescription("A", {"d1"}).Solution("A", {"s1"}).Repair("A", {{"r1", ""}}));
+    mParser.StartParse();
+    EXPECT_THAT(mParser.GetFaultDescListById("A"), ElementsAre("d1"));
+    EXPECT_THAT(mParser.GetSuggestionListById("A"), ElementsAre("s1"));
+    EXPECT_THAT(mParser.GetRepairListById("A"), ElementsAre("r1"));
+    WriteRules(RuleXml("jank").FaultDescription("B", {"d2"}).Solution("B", {"s2"}).Repair("B", {{"r2", ""}}));
+    mParser.StartParse();
+    EXPECT_THAT(mParser.GetFaultDescListById("A"), IsEmpty());
+    EXPECT_THAT(mParser.GetSuggestionListById("A"), IsEmpty());
+    EXPECT_THAT(mParser.GetRepairListById("A"), IsEmpty());
+    EXPECT_THAT(mParser.GetFaultDescListById("B"), ElementsAre("d2"));
+    EXPECT_THAT(mParser.GetSuggestionListById("B"), ElementsAre("s2"));
+    EXPECT_THAT(mParser.GetRepairListById("B"), ElementsAre("r2"));
+}
+
 TEST_F(FaultTreeParserTest, BadFilesKeepWhatWasReadBefore)
 {
     WriteTrees();
@@ -328,6 +345,21 @@ TEST_F(FaultTreeParserTest, CommonPartIsKeptWhenTheRuleSetHasOne)
     WriteSomeRules();
     mParser.StartParse();
     EXPECT_EQ(mParser.GetCommonPart(), nullptr);
+}
+
+TEST_F(FaultTreeParserTest, RuleFileWithoutARootKeepsTheCommonPartAloneOfWhatWasRead)
+{
+    WriteRules(RuleXml("jank").EventRule("A", {Single("C")}).Rule(CodeRuleXml("C", "850"))
+        .CommonPart({Xml("defDBTable").Attr("name", "d")}));
+    mParser.StartParse();
+    const auto before = mParser.GetCommonPart();
+    mDir.Write("FaultTreeRules.xml", "<?xml version=\"1.0\"?>");
+    mParser.StartParse();
+    ASSERT_NE(mParser.GetCommonPart(), nullptr);
+    EXPECT_EQ(mParser.GetCommonPart(), before);
+    EXPECT_THAT(mParser.GetRuleMap(), IsEmpty());
+    EXPECT_THAT(mParser.GetEventRuleMap(), IsEmpty());
+    EXPECT_EQ(mParser.GetCodeRuleNameById("850"), "");
 }
 
 TEST_F(FaultTreeParserTest, SectionsAreReadInTheirOrderWithTheRulesLast)
