@@ -1,5 +1,7 @@
 #include "arborist/frame/arborist.h"
 
+#include <filesystem>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -166,6 +168,7 @@ TEST_F(ArboristTest, MissingRuleFileGivesNoResults)
     WriteTrees(TreeXml(TAG).Tree("T", Or({Basic("A")})));
     EXPECT_THAT(Arborist(mInfo).StartDetection(), IsEmpty());
     EXPECT_THAT(OwnLines(FT::LEVEL_WARN), ElementsAre("FUNc:Arborist::StartDetection: startDetection time out"));
+    EXPECT_FALSE(mDir.Has("programdata"));
 }
 
 TEST_F(ArboristTest, TreeFileWithoutTreesGivesNoResults)
@@ -175,6 +178,7 @@ TEST_F(ArboristTest, TreeFileWithoutTreesGivesNoResults)
     EXPECT_THAT(Arborist(mInfo).StartDetection(), IsEmpty());
     EXPECT_THAT(OwnLines(FT::LEVEL_WARN),
                 ElementsAre("FUNc:Arborist::StartDetection: StartDetection fault tree is invalid"));
+    EXPECT_TRUE(mDir.Has("programdata/Comms/Lumbra/zxdetectrepair/databases")); // rules were prepared for all the same
 }
 
 TEST_F(ArboristTest, EveryDetectionReadsTheFilesAnewAndEarlierResultsStay)
@@ -194,6 +198,37 @@ TEST_F(ArboristTest, SecondDetectionSeesAHealedDevice)
     EXPECT_TRUE(arborist.StartDetection()[0]->mIsFault);
     WriteNode("count", "3");
     EXPECT_FALSE(arborist.StartDetection()[0]->mIsFault);
+}
+
+// Nothing takes back what was read, and what fired once stays true as long as its records do.
+TEST_F(ArboristTest, WhereTheFilesAreGoneASecondDetectionKeepsTheRuleSetAndWhatFired)
+{
+    WriteBattery();
+    Arborist arborist(mInfo);
+    EXPECT_THAT(arborist.StartDetection(), SizeIs(1));
+    std::filesystem::remove(mDir.Path("FaultTreeRules.xml"));
+    mDir.Write("FaultTrees.xml", "<cut off");
+    WriteNode("count", "3");
+    WriteNode("temp", "57");
+    EXPECT_THAT(Texts(arborist.StartDetection()), ElementsAre("battery v7 fault wear[F1 S1 S2 R1 R2] hot[]"));
+}
+
+// The checker of command rules is made once, with the shared data of that time.
+TEST_F(ArboristTest, CommandRulesKeepTheSharedDataOfTheirFirstDetection)
+{
+    WriteTrees(TreeXml(TAG).Tree("T", Or({Basic("A")})));
+    const Xml countsCopies = CommandRuleXml("c")
+                                 .Child(Xml("referenceDefDB").TextChild("defDBName", "d"))
+                                 .Child(Xml("AnalysisMethod").Attr("type", "SQL").Child(Xml("SQL_Condition")));
+    WriteRules(RuleXml(TAG).Rule(countsCopies).EventRule("A", {Single("c")}));
+    Arborist arborist(mInfo);
+    EXPECT_FALSE(arborist.StartDetection()[0]->mIsFault);
+    WriteRules(RuleXml(TAG)
+                   .Rule(countsCopies)
+                   .EventRule("A", {Single("c")})
+                   .CommonPart({Xml("defDBTable").Attr("name", "d")}));
+    EXPECT_FALSE(arborist.StartDetection()[0]->mIsFault);
+    EXPECT_TRUE(Arborist(mInfo).StartDetection()[0]->mIsFault); // no copies are enough when no number is asked
 }
 
 TEST_F(ArboristTest, WithoutDetectInfoEveryCallAnswersEmptyWithItsMessage)
