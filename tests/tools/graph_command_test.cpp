@@ -243,8 +243,8 @@ INSTANTIATE_TEST_SUITE_P(Table, OpenPsaName, testing::Values(
 
 TEST_F(GraphCommandTest, HostileTextsBreakNoFormat)
 {
-    Trees(TreeXml("Tag").Tree(HOSTILE, Or({Basic(HOSTILE, {HOSTILE, "", "", ""}), Basic("\x01\xFF", {"\x7F", "", "", ""}),
-        Intermediate("", And({Basic(HOSTILE)}))})));
+    Trees(TreeXml("Tag").Tree(HOSTILE, Or({Basic(HOSTILE, {HOSTILE, "", "", ""}),
+        Basic("\x01\xFF", {"\x7F", "", "", ""}), Intermediate("", And({Basic(HOSTILE)}))})));
     const std::string read = "import sys, xml.dom.minidom; xml.dom.minidom.parse(sys.stdin.buffer)";
     const auto xml = RunProcess({"python3", "-c", read}, {Graph({"--format", "openpsa"}), {}, ""});
     EXPECT_EQ(xml.status, 0) << xml.err;

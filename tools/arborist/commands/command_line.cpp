@@ -84,6 +84,7 @@ ExitStatus RunCommandLine(int argc, const char* const* argv)
         AddDetectCommand(app, status);
         AddQueryCommand(app, status);
         AddRepairCommand(app, status);
+        AddReportCommand(app, status);
         AddGraphCommand(app, status);
         AddLogCommand(app, status);
         status = Parse(app, status, argc, argv);

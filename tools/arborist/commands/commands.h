@@ -14,6 +14,7 @@ namespace command {
 void AddDetectCommand(CLI::App& app, ExitStatus& status);
 void AddQueryCommand(CLI::App& app, ExitStatus& status);
 void AddRepairCommand(CLI::App& app, ExitStatus& status);
+void AddReportCommand(CLI::App& app, ExitStatus& status);
 void AddGraphCommand(CLI::App& app, ExitStatus& status);
 void AddLogCommand(CLI::App& app, ExitStatus& status);
 

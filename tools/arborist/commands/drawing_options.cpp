@@ -17,6 +17,7 @@ void AddDrawingOptions(CLI::App& app, DrawingOptions& options, const std::string
     static constexpr double LONGEST_TIMEOUT = 86400;
     app.add_option("BUNDLE", options.bundle, bundleHelp)->required();
     AddOverrides(app, options.detection.overrides);
+    AddRules(app, options.detection.overrides);
     app.add_option("--code-runner", options.detection.codeRunner.path, "Program that answers code rules, as for detect")
         ->type_name("PROGRAM");
     app.add_option("--code-timeout", options.codeTimeout, "Seconds that the program may take for one answer")

@@ -23,7 +23,7 @@ struct DrawingOptions {
     double codeTimeout = 30;
 };
 
-/// The bundle, --now, --tz, --code-runner, --code-timeout, --log-level and --log-file.
+/// The bundle, --now, --tz, --rules, --code-runner, --code-timeout, --log-level and --log-file.
 void AddDrawingOptions(CLI::App& app, DrawingOptions& options, const std::string& bundleHelp);
 
 /// A detection that keeps its trees.

@@ -89,18 +89,19 @@ void AddGraphCommand(CLI::App& app, ExitStatus& status)
     auto options = std::make_shared<GraphOptions>();
     CLI::App* graph = app.add_subcommand("graph", "Draw the trees of a bundle after a run, or those of bare rules");
     AddDrawingOptions(*graph, options->drawing, "Bundle; with --tree-tag a folder of rules");
-    graph->add_option("--tree-tag", options->treeTag, "Draw the trees under this tag of a folder with FaultTrees.xml and "
-        "FaultTreeRules.xml, without a run and so without statuses")
+    graph->add_option("--tree-tag", options->treeTag, "Draw the trees under this tag of a folder with FaultTrees.xml "
+        "and FaultTreeRules.xml, without a run and so without statuses")
         ->type_name("TAG");
     graph->add_option("--tree", options->tree, "The trees with this id alone")->type_name("ID");
-    graph->add_option("--format", options->format, "dot: for Graphviz; svg: drawn by Graphviz's program dot, where it is "
-        "installed; mermaid: for Markdown; openpsa: Open-PSA Model Exchange Format")
+    graph->add_option("--format", options->format, "dot: for Graphviz; svg: drawn by Graphviz's program dot, where it "
+        "is installed; mermaid: for Markdown; openpsa: Open-PSA Model Exchange Format")
         ->type_name("FORMAT")
         ->check(CLI::IsMember({"dot", "svg", "mermaid", "openpsa"}))
         ->capture_default_str();
-    graph->add_option("-o,--output", options->file, "Write into this file instead of standard output")->type_name("FILE");
+    graph->add_option("-o,--output", options->file, "Write into this file instead of standard output")
+        ->type_name("FILE");
     graph->footer("Examples:\n  arborist graph examples/laptop --format svg -o laptop.svg\n"
-                  "  arborist graph examples/laptop/rules --tree-tag Laptop --tree LAPTOP_POWER | dot -Tpdf -o power.pdf");
+                  "  arborist graph examples/laptop/rules --tree-tag Laptop | dot -Tpdf -o laptop.pdf");
     graph->callback([options, &status] { status = Graph(*options); });
 }
 

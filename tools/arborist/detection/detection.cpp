@@ -23,13 +23,30 @@ std::string FileTrouble(const RecordedFile& file)
     return file.path + place + ": " + (file.message.empty() ? "is no XML that can be read" : file.message);
 }
 
+// Facts name files as the bundle does, not where the run kept them.
+void ShowEvidence(const BundleSession& session, std::vector<TreeEvidence>& evidence)
+{
+    for (TreeEvidence& tree : evidence) {
+        for (auto& [id, rules] : tree) {
+            for (RuleEvidence& rule : rules) {
+                for (std::string& fact : rule.facts) {
+                    fact = session.Shown(fact);
+                }
+            }
+        }
+    }
+}
+
 /// One detection with what listens to it.
 class Detection {
 public:
     Detection(const BundleSession& session, const DetectionOptions& options)
-        : mSession(session), mInfo(session.MakeDetectInfo()),
-          mRecorder(std::make_shared<DetectionRecorder>(options.withTrees))
+        : mSession(session), mInfo(session.MakeDetectInfo())
     {
+        if (options.withEvidence) {
+            mEvidence = std::make_shared<EvidenceRecorder>();
+        }
+        mRecorder = mEvidence != nullptr ? mEvidence : std::make_shared<DetectionRecorder>(options.withTrees);
         // Without any source of answers the library hears so: a rule then ends with that reason.
         if (!session.GetBundle().codeAnswers.empty() || !options.codeRunner.path.empty()) {
             mAnswers = std::make_shared<CodeAnswers>(session.GetBundle().codeAnswers, options.codeRunner);
@@ -54,6 +71,7 @@ public:
             return;
         }
         report.trees = mRecorder->GetTrees();
+        report.evidence = mEvidence != nullptr ? mEvidence->GetEvidence() : std::vector<TreeEvidence>();
         warnings.LookAfter(mSession);
         WarningList all;
         all.Add(report.warnings);
@@ -68,6 +86,8 @@ private:
     const BundleSession& mSession;
     std::shared_ptr<DetectInfo> mInfo;
     std::shared_ptr<DetectionRecorder> mRecorder;
+    /// The same when evidence is asked for, otherwise null.
+    std::shared_ptr<EvidenceRecorder> mEvidence;
     std::shared_ptr<CodeAnswers> mAnswers;
 };
 
@@ -125,7 +145,10 @@ DetectionReport RunDetection(const BundlePath& bundle, const DetectionOptions& o
         report.failure = session.Enter(bundle, options.overrides);
         report.warnings = session.GetWarnings();
         if (!report.failure) {
+            report.subject = session.GetBundle();
+            report.moment = FormatMoment(session.Now()).value_or("");
             Detection(session, options).Run(report);
+            ShowEvidence(session, report.evidence);
         }
     } catch (...) {
         report.failure = FailureInFlight({});

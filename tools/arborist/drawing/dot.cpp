@@ -22,7 +22,8 @@ std::string Quoted(const std::vector<std::string>& lines)
     for (const std::string& line : lines) {
         quoted += quoted.size() == 1 ? "" : "\\n";
         for (const char letter : line) {
-            quoted += letter == '"' ? "\\\"" : letter == '\\' ? "\\\\" : letter == '&' ? "&amp;" : std::string(1, letter);
+            quoted += letter == '"' || letter == '\\' ? "\\" : "";
+            quoted += letter == '&' ? "&amp;" : std::string(1, letter);
         }
     }
     return quoted + "\"";

@@ -10,12 +10,6 @@ namespace {
 constexpr std::size_t WIDTH = 26;
 constexpr std::size_t MOST_LINES = 4;
 
-std::string StatusLine(const DrawnEvent& drawn)
-{
-    const char* role = drawn.isRootCause ? ", ROOT CAUSE" : drawn.isInCutSet ? ", in its cut set" : "";
-    return GetElemTypeName(drawn.event->status) + std::string(role);
-}
-
 } // namespace
 
 std::string ShownId(const std::string& id)
@@ -31,9 +25,37 @@ std::vector<std::string> EventLabel(const DrawnTree& tree, std::size_t place)
         lines.push_back(line);
     }
     if (tree.hasStatuses) {
-        lines.push_back(StatusLine(drawn));
+        lines.push_back(StatusWords(tree, place));
     }
     return lines;
+}
+
+std::string StatusWords(const DrawnTree& tree, std::size_t place)
+{
+    const DrawnEvent& drawn = tree.events[place];
+    const char* role = drawn.isRootCause ? ", ROOT CAUSE" : drawn.isInCutSet ? ", in its cut set" : "";
+    return GetElemTypeName(drawn.event->status) + std::string(role);
+}
+
+const char* StatusClass(const DrawnTree& tree, std::size_t place)
+{
+    const EventStatus status = tree.events[place].event->status;
+    if (!tree.hasStatuses) {
+        return "";
+    }
+    return IsError(status) ? "true" : status == EventStatus::UNKNOWN ? "unknown" : "false";
+}
+
+std::string KindWords(const RecordedEvent& event)
+{
+    using Folded = DetectionObserver::EventFolded;
+    if (event.kind != Folded::Kind::INTERMEDIATE) {
+        return event.kind == Folded::Kind::BASIC ? "basic" : "undeveloped";
+    }
+    const std::string gate = event.gate == Folded::GateKind::OR ? "OR gate"
+        : event.gate == Folded::GateKind::AND                   ? "AND gate"
+                                                                : "no gate";
+    return gate + (event.observable ? ", decided by its own rules" : "");
 }
 
 } // namespace command

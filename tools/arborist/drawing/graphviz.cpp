@@ -71,8 +71,9 @@ std::optional<Failure> DrawWithGraphviz(const std::string& graph, std::string& s
     pid_t child = 0;
     const int error = Start(input.get(), output.get(), child);
     if (error == ENOENT) {
-        return Failure{"no_graphviz", "--format svg needs Graphviz's program dot, which is not installed (Debian: apt-get "
-            "install graphviz); --format dot, mermaid and openpsa, and arborist report, do without", ExitStatus::WRONG_USE};
+        return Failure{"no_graphviz", "--format svg needs Graphviz's program dot, which is not installed (Debian: "
+            "apt-get install graphviz); --format dot, mermaid and openpsa, and arborist report, do without",
+            ExitStatus::WRONG_USE};
     }
     if (error != 0) {
         return Trouble(std::strerror(error));

@@ -29,8 +29,8 @@ std::string LabelText(const std::string& indent, const std::string& label)
 
 std::string AttributeText(const std::string& indent, const std::string& name, const std::string& value)
 {
-    return indent + "<attributes>\n" + indent + "  <attribute name=\"" + name + "\" value=\"" + value + "\"/>\n" + indent
-        + "</attributes>\n";
+    return indent + "<attributes>\n" + indent + "  <attribute name=\"" + name + "\" value=\"" + value + "\"/>\n"
+        + indent + "</attributes>\n";
 }
 
 /// Gives each gate and tree a name of its own: the first of an id has it plain, others with "-2", "-3" behind it.
