@@ -7,6 +7,7 @@
 
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/output.h"
+#include "tools/arborist/commands/versions.h"
 #include "tools/arborist/text/near_match.h"
 
 namespace command {
@@ -71,13 +72,20 @@ ExitStatus Parse(CLI::App& app, const ExitStatus& status, int argc, const char* 
     return status;
 }
 
+// The one option that another one changes.
+bool AsksForVersions(int argc, const char* const* argv)
+{
+    return argc == 3 && std::string(argv[1]) == "--version" && std::string(argv[2]) == "--json";
+}
+
 } // namespace
 
 ExitStatus RunCommandLine(int argc, const char* const* argv)
 {
     try {
         CLI::App app(DESCRIPTION, "arborist");
-        app.set_version_flag("--version", "arborist " ARBORIST_VERSION);
+        app.set_version_flag("--version", "arborist " ARBORIST_VERSION,
+            "Show the version; with --json behind it, those of the libraries, too");
         app.footer(EXIT_STATUSES);
         app.require_subcommand(1);
         ExitStatus status = ExitStatus::SUCCESS;
@@ -87,6 +95,11 @@ ExitStatus RunCommandLine(int argc, const char* const* argv)
         AddReportCommand(app, status);
         AddGraphCommand(app, status);
         AddLogCommand(app, status);
+        AddHelpCommand(app, status);
+        if (AsksForVersions(argc, argv)) {
+            PrintResult(VersionsJson() + "\n");
+            return FinishOutput(status);
+        }
         status = Parse(app, status, argc, argv);
         return FinishOutput(status);
     } catch (const std::exception& error) {

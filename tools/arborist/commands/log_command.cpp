@@ -52,6 +52,7 @@ void AddLogCommand(CLI::App& app, ExitStatus& status)
 {
     CLI::App* log = app.add_subcommand("log", "Event logs: from readable text into the database and back");
     log->require_subcommand(1);
+    log->footer("Example:\n  arborist log import events.jsonl --to log.db");
 
     auto importOptions = std::make_shared<LogFileOptions>();
     CLI::App* import = log->add_subcommand("import", "Make an event log of JSON Lines");
@@ -69,6 +70,7 @@ void AddLogCommand(CLI::App& app, ExitStatus& status)
     show->add_option("LOG.DB", showOptions->file, "The event log")->required();
     show->add_flag("--seconds", showOptions->asSeconds, "Times in seconds since the epoch instead of local time");
     AddTimeZone(*show, showOptions->zone);
+    show->footer("Example:\n  arborist log show programdata/Comms/Lumbra/workDir/0/log.db --tz UTC");
     show->callback([showOptions, &status] { status = Show(*showOptions); });
 }
 

@@ -106,6 +106,7 @@ void AddRepairCommand(CLI::App& app, ExitStatus& status)
     CLI::App* repair = app.add_subcommand("repair", "Repair records of a bundle: what happened before a repair doesn't "
         "count any more");
     repair->require_subcommand(1);
+    repair->footer("Example:\n  arborist repair list examples/laptop");
 
     auto recordOptions = std::make_shared<RepairOptions>();
     CLI::App* record = AddRecordsCommand(*repair, "record", "Record that a repair was carried out", recordOptions);

@@ -1,0 +1,195 @@
+#include <random>
+#include <regex>
+#include <set>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/temp_dir.h"
+#include "tests/tools/command_bundle.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Lt;
+using testing::MatchesRegex;
+
+using Words = std::vector<std::string>;
+
+// Every command by its words, as the help pages name those below them.
+std::vector<Words> AllCommands(const Words& words = {})
+{
+    std::vector<Words> commands = {words};
+    Words arguments = words;
+    arguments.emplace_back("--help");
+    const std::string help = RunArborist(arguments).out;
+    const auto list = help.find("\nSubcommands:\n");
+    if (list == std::string::npos) {
+        return commands;
+    }
+    const std::string entries = help.substr(list, help.find("\n\n", list + 1) - list);
+    static const std::regex entry("\n  ([a-z]+) ");
+    for (std::sregex_iterator found(entries.begin(), entries.end(), entry), end; found != end; ++found) {
+        Words below = words;
+        below.push_back((*found)[1]);
+        const auto more = AllCommands(below);
+        commands.insert(commands.end(), more.begin(), more.end());
+    }
+    return commands;
+}
+
+std::string Joined(const Words& words)
+{
+    std::string text;
+    for (const std::string& word : words) {
+        text += (text.empty() ? "" : " ") + word;
+    }
+    return text;
+}
+
+// The long options that a --help lists.
+std::set<std::string> LongOptions(const Words& command)
+{
+    Words arguments = command;
+    arguments.emplace_back("--help");
+    const std::string help = RunArborist(arguments).out;
+    static const std::regex option("\n  (?:-[^ -],)?(--[a-z-]+)");
+    std::set<std::string> options;
+    for (std::sregex_iterator found(help.begin(), help.end(), option), end; found != end; ++found) {
+        options.insert((*found)[1]);
+    }
+    return options;
+}
+
+std::string ManPage(const Words& command)
+{
+    Words arguments = {"help", "--man"};
+    arguments.insert(arguments.end(), command.begin(), command.end());
+    return RunArborist(arguments).out;
+}
+
+TEST(ManualTest, EveryOptionStandsInTheManPageAndInTheCompletions)
+{
+    const auto commands = AllCommands();
+    EXPECT_THAT(commands.size(), testing::Ge(10U));
+    const std::string bash = RunArborist({"completion", "bash"}).out;
+    const std::string zsh = RunArborist({"completion", "zsh"}).out;
+    const std::string fish = RunArborist({"completion", "fish"}).out;
+    for (const Words& command : commands) {
+        const std::string page = std::regex_replace(ManPage(command), std::regex("\\\\-"), "-");
+        const auto options = LongOptions(command);
+        EXPECT_TRUE(options.count("--help") == 1) << Joined(command);
+        const std::string words = command.empty() ? "arborist" : "arborist " + Joined(command);
+        const auto lineOf = [&words](const std::string& script) {
+            const auto at = script.find("'" + words + "') options=");
+            return script.substr(at, script.find('\n', at) - at);
+        };
+        for (const std::string& option : options) {
+            EXPECT_THAT(page, HasSubstr("\\fB" + option + "\\fR")) << words;
+            EXPECT_THAT(lineOf(bash), HasSubstr(option)) << words;
+            EXPECT_THAT(lineOf(zsh), HasSubstr(option)) << words;
+            EXPECT_THAT(fish, HasSubstr(" -l " + option.substr(2) + " ")) << words;
+        }
+    }
+}
+
+TEST(ManualTest, EveryHelpHasAnExample)
+{
+    for (Words command : AllCommands()) {
+        if (!command.empty()) {
+            command.emplace_back("--help");
+            EXPECT_THAT(RunArborist(command).out, HasSubstr("Example")) << Joined(command);
+        }
+    }
+}
+
+TEST(ManualTest, TheFormatterHasNoComplaintAboutAnyPage)
+{
+    if (RunProcess({"sh", "-c", "command -v groff"}).status != 0) {
+        GTEST_SKIP() << "groff is not installed";
+    }
+    const TempDir dir;
+    ASSERT_EQ(RunArborist({"help", "--man-to", "."}).status, 0);
+    EXPECT_TRUE(dir.Has("arborist.1"));
+    EXPECT_TRUE(dir.Has("arborist-log-import.1"));
+    EXPECT_THAT(RunProcess({"sh", "-c", "for page in *.1; do groff -man -ww -Tutf8 $page > /dev/null; done"}).err,
+        IsEmpty());
+}
+
+TEST(ManualTest, TheBashCompletionOffersCommandsAndOptions)
+{
+    const TempDir dir;
+    dir.Write("script", RunArborist({"completion", "bash"}).out
+        + "COMP_WORDS=(arborist log im) COMP_CWORD=2; _arborist; echo \"${COMPREPLY[@]}\"\n"
+          "COMP_WORDS=(arborist detect --orde) COMP_CWORD=2; _arborist; echo \"${COMPREPLY[@]}\"\n");
+    const auto result = RunProcess({"bash", "script"});
+    EXPECT_EQ(result.out, "import\n--ordered\n");
+    EXPECT_THAT(result.err, IsEmpty());
+}
+
+TEST(ManualTest, HelpIsThatOfTheCommand)
+{
+    EXPECT_THAT(RunArborist({"help", "log", "import"}).out, HasSubstr("--to LOG.DB"));
+    const auto mistyped = RunArborist({"help", "log", "improt"});
+    EXPECT_EQ(mistyped.err, "arborist: no such command: arborist log improt; did you mean \"import\"?\n");
+    EXPECT_EQ(mistyped.status, 2);
+    EXPECT_EQ(RunArborist({"completion", "tcsh"}).status, 2);
+    EXPECT_EQ(RunArborist({"help", "--man-to", "no/such/folder"}).status, 2);
+}
+
+TEST(ManualTest, TheVersionsOfTheLibrariesAreOneJsonObject)
+{
+    EXPECT_THAT(RunArborist({"--version", "--json"}).out,
+        MatchesRegex("\\{\"schema\": \"arborist.version.1\", \"arborist\": \"[0-9.]+\", \"libraries\": \\{\"sqlite\": "
+                     "\"[0-9.]+\", \"sqliteLinked\": \"[0-9.]+\", \"tinyxml2\": \"[0-9.]+\", \"jsoncpp\": \"[0-9.]+\", "
+                     "\"zlib\": \"[0-9.]+\", \"minizip\": \"[0-9.]+\"\\}\\}\n"));
+}
+
+// ---- No input ends the command in any other way than by an exit status. ----
+
+TEST(GarbageTest, ArgumentsEndInAnExitStatusOfTheTable)
+{
+    const TempDir dir;
+    WriteHotBundle(dir, "b");
+    const Words pieces = {"detect", "query", "repair", "log", "show", "import", "help", "b", "bundle.json", "-", "--",
+        "-0", "--json", "--batch", "--jobs", "--now", "--tz", "--rules", "-1", "99999999999999999999", "\xff\xfe", "",
+        "--timeout", "nan", "--=", "-x", "--man", "completion", "--version", std::string(5000, 'x'), "%s%n", "b/bundle.json"};
+    const unsigned int seed = std::random_device()();
+    std::mt19937 random(seed);
+    for (int run = 0; run < 60; ++run) {
+        Words arguments;
+        for (std::size_t count = random() % 6; count > 0; --count) {
+            arguments.push_back(pieces[random() % pieces.size()]);
+        }
+        const auto result = RunArborist(arguments);
+        EXPECT_THAT(result.status, Lt(5)) << "seed " << seed << ": " << Joined(arguments) << "\n" << result.err;
+    }
+}
+
+TEST(GarbageTest, FilesEndInAnExitStatusOfTheTable)
+{
+    const TempDir dir;
+    const unsigned int seed = std::random_device()();
+    std::mt19937 random(seed);
+    WriteHotBundle(dir, "b");
+    const Words files = {"b/bundle.json", "b/rules/FaultTrees.xml", "b/rules/FaultTreeRules.xml", "b/temperature",
+        "b/programdata/Comms/Lumbra/workDir/0/log.db"};
+    for (int run = 0; run < 40; ++run) {
+        WriteHotBundle(dir, "b");
+        const std::string& file = files[random() % files.size()];
+        std::string content = random() % 2 == 0 && dir.Has(file) ? dir.Read(file) : std::string(random() % 300, ' ');
+        for (char& byte : content) {
+            byte = random() % 8 == 0 ? static_cast<char>(random() % 256) : byte;
+        }
+        dir.Write(file, content);
+        for (const Words& arguments : {Words{"detect", "b"}, Words{"log", "show", file}, Words{"query", "b", "x"},
+                 Words{"repair", "list", "b"}, Words{"detect", file}}) {
+            const auto result = RunArborist(arguments);
+            EXPECT_THAT(result.status, Lt(5)) << "seed " << seed << ": " << file << ", " << Joined(arguments) << "\n"
+                                              << result.err;
+        }
+    }
+}
+
+} // namespace

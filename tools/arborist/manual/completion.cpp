@@ -1,0 +1,162 @@
+#include <functional>
+
+#include "tools/arborist/manual/reference.h"
+
+namespace command {
+
+namespace {
+
+std::string Names(const std::vector<OptionReference>& options)
+{
+    std::string words;
+    for (const OptionReference& option : options) {
+        for (const std::string& name : option.names) {
+            words += (words.empty() ? "" : " ") + name;
+        }
+    }
+    return words;
+}
+
+std::string LastWord(const std::string& words)
+{
+    return words.substr(words.rfind(' ') + 1);
+}
+
+std::string CommandNames(const CommandReference& command)
+{
+    std::string words;
+    for (const CommandReference& below : command.commands) {
+        words += (words.empty() ? "" : " ") + LastWord(below.words);
+    }
+    return words;
+}
+
+using Visitor = std::function<void(const CommandReference& command)>;
+
+void Visit(const CommandReference& command, const Visitor& visitor)
+{
+    visitor(command);
+    for (const CommandReference& below : command.commands) {
+        Visit(below, visitor);
+    }
+}
+
+// For text between single quotes of a shell.
+std::string Quoted(const std::string& text)
+{
+    std::string quoted = "'";
+    for (const char letter : text) {
+        quoted += letter == '\'' ? "'\\''" : std::string(1, letter == '\n' ? ' ' : letter);
+    }
+    return quoted + "'";
+}
+
+// The words up to the cursor lead to a command; from there on its options, commands and files are offered.
+std::string Bash(const CommandReference& root)
+{
+    std::string lines;
+    Visit(root, [&lines](const CommandReference& command) {
+        lines += "    " + Quoted(command.words) + ") options=" + Quoted(Names(command.options)) + " commands="
+            + Quoted(CommandNames(command)) + " ;;\n";
+    });
+    std::string commands;
+    Visit(root, [&commands](const CommandReference& command) { commands += "|" + Quoted(command.words); });
+    return "# Completion for arborist: made by \"arborist completion bash\".\n"
+           "_arborist() {\n"
+           "    local current=${COMP_WORDS[COMP_CWORD]} words=arborist options= commands= word\n"
+           "    for word in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do\n"
+           "        case \"$words $word\" in\n"
+           "        " + commands.substr(1) + ") words=\"$words $word\" ;;\n"
+           "        esac\n"
+           "    done\n"
+           "    case \"$words\" in\n" + lines + "    esac\n"
+           "    if [[ $current == -* ]]; then\n"
+           "        mapfile -t COMPREPLY < <(compgen -W \"$options\" -- \"$current\")\n"
+           "    elif [[ -n $commands ]]; then\n"
+           "        mapfile -t COMPREPLY < <(compgen -W \"$commands\" -- \"$current\")\n"
+           "    else\n"
+           "        mapfile -t COMPREPLY < <(compgen -f -- \"$current\")\n"
+           "    fi\n"
+           "}\n"
+           "complete -o filenames -F _arborist arborist\n";
+}
+
+std::string Zsh(const CommandReference& root)
+{
+    std::string lines;
+    std::string commands;
+    Visit(root, [&](const CommandReference& command) {
+        commands += "|" + Quoted(command.words);
+        lines += "    " + Quoted(command.words) + ") options=(" + Names(command.options) + ") commands=("
+            + CommandNames(command) + ") ;;\n";
+    });
+    return "#compdef arborist\n"
+           "# Completion for arborist: made by \"arborist completion zsh\".\n"
+           "_arborist() {\n"
+           "    local current=${words[CURRENT]} path_words=arborist word\n"
+           "    local -a options commands\n"
+           "    for word in \"${(@)words[2,CURRENT-1]}\"; do\n"
+           "        case \"$path_words $word\" in\n"
+           "        (" + commands.substr(1) + ") path_words=\"$path_words $word\" ;;\n"
+           "        esac\n"
+           "    done\n"
+           "    case \"$path_words\" in\n" + lines + "    esac\n"
+           "    if [[ $current == -* ]]; then\n"
+           "        compadd -- $options\n"
+           "    elif (( $#commands )); then\n"
+           "        compadd -- $commands\n"
+           "    else\n"
+           "        _files\n"
+           "    fi\n"
+           "}\n"
+           "_arborist \"$@\"\n";
+}
+
+// A command is named when all its words were seen and none of a command below.
+std::string FishCondition(const CommandReference& command)
+{
+    std::string condition;
+    const std::string& words = command.words;
+    for (auto at = words.find(' '); at != std::string::npos; at = words.find(' ', at + 1)) {
+        const std::string word = words.substr(at + 1, words.find(' ', at + 1) - at - 1);
+        condition += (condition.empty() ? "" : "; and ") + ("__fish_seen_subcommand_from " + word);
+    }
+    if (!command.commands.empty()) {
+        condition += (condition.empty() ? "" : "; and ")
+            + ("not __fish_seen_subcommand_from " + CommandNames(command));
+    }
+    return Quoted(condition);
+}
+
+std::string FishOption(const CommandReference& command, const OptionReference& option)
+{
+    std::string line = "complete -c arborist -n " + FishCondition(command);
+    for (const std::string& name : option.names) {
+        line += name.compare(0, 2, "--") == 0 ? " -l " + name.substr(2) : " -s " + name.substr(1);
+    }
+    return line + (option.value.empty() ? "" : " -r") + " -d " + Quoted(option.description) + "\n";
+}
+
+std::string Fish(const CommandReference& root)
+{
+    std::string text = "# Completion for arborist: made by \"arborist completion fish\".\n";
+    Visit(root, [&text](const CommandReference& command) {
+        for (const CommandReference& below : command.commands) {
+            text += "complete -c arborist -f -n " + FishCondition(command) + " -a " + LastWord(below.words) + " -d "
+                + Quoted(below.description) + "\n";
+        }
+        for (const OptionReference& option : command.options) {
+            text += FishOption(command, option);
+        }
+    });
+    return text;
+}
+
+} // namespace
+
+std::string Completion(const CommandReference& root, const std::string& shell)
+{
+    return shell == "bash" ? Bash(root) : shell == "zsh" ? Zsh(root) : Fish(root);
+}
+
+} // namespace command

@@ -1,0 +1,57 @@
+#include "tools/arborist/manual/reference.h"
+
+#include <CLI/CLI.hpp>
+
+namespace command {
+
+namespace {
+
+// Without the types and limits that are checked.
+std::string ValueName(const CLI::Option& option)
+{
+    const std::string type = option.get_type_name();
+    return type.substr(0, type.find(':'));
+}
+
+OptionReference MakeOption(const CLI::Option& option)
+{
+    OptionReference made;
+    for (const std::string& name : option.get_snames()) {
+        made.names.push_back("-" + name);
+    }
+    for (const std::string& name : option.get_lnames()) {
+        made.names.push_back("--" + name);
+    }
+    made.value = option.get_items_expected_max() > 0 ? ValueName(option) : "";
+    made.description = option.get_description();
+    if (!option.get_default_str().empty()) {
+        made.description += " (" + option.get_default_str() + " unless given)";
+    }
+    return made;
+}
+
+OptionReference MakeArgument(const CLI::Option& option)
+{
+    const bool isRepeated = option.get_expected_max() > 1;
+    return {{option.get_name(true) + (isRepeated ? "..." : "")}, "", option.get_description()};
+}
+
+} // namespace
+
+CommandReference MakeReference(const CLI::App& app, const std::string& words)
+{
+    CommandReference made{words, app.get_description(), app.get_footer(), {}, {}, {}};
+    for (const CLI::Option* option : app.get_options()) {
+        if (option->get_positional()) {
+            made.arguments.push_back(MakeArgument(*option));
+        } else {
+            made.options.push_back(MakeOption(*option));
+        }
+    }
+    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+        made.commands.push_back(MakeReference(*command, words + " " + command->get_name()));
+    }
+    return made;
+}
+
+} // namespace command
