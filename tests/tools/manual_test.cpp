@@ -157,7 +157,7 @@ TEST(GarbageTest, ArgumentsEndInAnExitStatusOfTheTable)
         "--timeout", "nan", "--=", "-x", "--man", "completion", "--version", std::string(5000, 'x'), "%s%n", "b/bundle.json"};
     const unsigned int seed = std::random_device()();
     std::mt19937 random(seed);
-    for (int run = 0; run < 60; ++run) {
+    for (int run = 0; run < 40; ++run) {
         Words arguments;
         for (std::size_t count = random() % 6; count > 0; --count) {
             arguments.push_back(pieces[random() % pieces.size()]);
@@ -175,7 +175,7 @@ TEST(GarbageTest, FilesEndInAnExitStatusOfTheTable)
     WriteHotBundle(dir, "b");
     const Words files = {"b/bundle.json", "b/rules/FaultTrees.xml", "b/rules/FaultTreeRules.xml", "b/temperature",
         "b/programdata/Comms/Lumbra/workDir/0/log.db"};
-    for (int run = 0; run < 40; ++run) {
+    for (int run = 0; run < 15; ++run) {
         WriteHotBundle(dir, "b");
         const std::string& file = files[random() % files.size()];
         std::string content = random() % 2 == 0 && dir.Has(file) ? dir.Read(file) : std::string(random() % 300, ' ');
