@@ -343,6 +343,16 @@ TEST_F(AlarmRuleEngineTest, WritesTheKindOfWindowAndTheResultsIntoTheRule)
     EXPECT_FALSE(ids.Item()->conditionList[0]->GetLogicItemList()[1]->IsResult());
 }
 
+TEST_F(AlarmRuleEngineTest, EachWindowUnderATestIsToldItsKind)
+{
+    Log({});
+    const Ids ids = Ids("7", "7").WithParam("p", "a", "int").Single("p", "eq", "5").Duration(30, 1).DailyPeak(30, 1);
+    ids.Item()->duration->timeType = TimeSet::LATEST;
+    EXPECT_FALSE(Fires(ids));
+    EXPECT_EQ(ids.Item()->duration->timeType, TimeSet::DURATION);
+    EXPECT_EQ(ids.Item()->daily_peak->timeType, TimeSet::DAILY_PEAK);
+}
+
 TEST_F(AlarmRuleEngineTest, MissingLogIsToldForEachIdAndWindow)
 {
     EXPECT_FALSE(Fires(Ids("7", "8").Duration(1, 1).Latest(1, 1)));

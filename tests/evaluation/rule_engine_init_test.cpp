@@ -105,6 +105,16 @@ TEST_F(RuleEngineInit, BothKindsArePreparedAndTheDeviceSetsItsParameters)
     EXPECT_EQ(mParser->GetCommonPart()->GetThresholdLumbraList()[0]->GetSystemParamMap().at("cpu")->value, "i7");
 }
 
+TEST_F(RuleEngineInit, TablesAreDerivedBeforeTheCopiesAreMade)
+{
+    mSettings.Set(Settings::APP_DATABASE_DIR, "");
+    Init({TablesXml(mDir.Path("device")), ThresholdsXml("Jank")});
+    const std::vector<std::string> lines = mLog.Lines();
+    ASSERT_FALSE(lines.empty());
+    EXPECT_THAT(lines.front(), testing::HasSubstr("CommonPartDbHelper::GetLumbraDataByFilter"));
+    EXPECT_THAT(lines.back(), testing::HasSubstr("CommonPartDbHelper::CopyDbFile: database dir is empty."));
+}
+
 TEST_F(RuleEngineInit, SourcesStayByteForByteAsTheyWere)
 {
     const std::string log = mDir.Read("root/Comms/Lumbra/workDir/0/log.db");

@@ -311,9 +311,11 @@ TEST_F(DerivedTables, FileThatIsNoDatabaseIsToldByTheBuild)
 TEST_F(DerivedTables, PlusBeanGetsItsOneRowAndReadsNoLog)
 {
     EXPECT_TRUE(Build({BeanOf("P", {EventsOf("7", "7", {ParamOf("ERRCODE", "int"), ParamOf("device_type", "string"),
-        ParamOf("other", "string"), ParamOf("EXTERRINFO", "string")})}, "lumbraPlusData")}));
-    EXPECT_THAT(Rows("select ERRCODE, device_type, other, EXTERRINFO, occurrence_time from P"),
-        ElementsAre("1|tv||false|1700000000"));
+        ParamOf("other", "string"), ParamOf("EXTERRINFO", "string"), ParamOf("SUBERRCODE", "int"),
+        ParamOf("LU_TRACE_ID", "text")})}, "lumbraPlusData")}));
+    EXPECT_THAT(
+        Rows("select ERRCODE, device_type, other, EXTERRINFO, SUBERRCODE, LU_TRACE_ID, occurrence_time from P"),
+        ElementsAre("1|tv||false|2|123456789|1700000000"));
     EXPECT_FALSE(mDir.Has("log.db"));
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
