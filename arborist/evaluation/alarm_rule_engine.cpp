@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <system_error>
 #include <utility>
 
 #include "arborist/evaluation/detection_customize.h"
@@ -27,6 +29,40 @@ void TakeParam(const std::string& paramId, const ParamMap& params, TestPara& tes
     }
 }
 
+// A bound as a number; nothing for a text that would log an error.
+std::optional<std::int32_t> PlainBound(const std::string& text)
+{
+    std::int32_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    return !text.empty() && error == std::errc() && rest == end ? std::optional(number) : std::nullopt;
+}
+
+// The members that the tests of an item look at.
+std::vector<std::string> KeysOf(const AlarmRule::AlarmItem& item)
+{
+    std::vector<std::string> keys;
+    const auto add = [&](const std::string& paramId) {
+        TestPara test;
+        TakeParam(paramId, item.params, test);
+        if (std::find(keys.begin(), keys.end(), test.key) == keys.end()) {
+            keys.push_back(test.key);
+        }
+    };
+    for (const std::shared_ptr<OrLogic>& orLogic : item.conditionList) {
+        if (orLogic == nullptr || item.type != AlarmRuleEngine::PARAM_EVENT_ID || item.params.empty()) {
+            continue;
+        }
+        if (orLogic->GetType() == RuleChecker::SINGLE_LOGIC) {
+            add(orLogic->GetParamId());
+        }
+        for (const std::shared_ptr<OrLogic::LogicItem>& logicItem : orLogic->GetLogicItemList()) {
+            add(logicItem == nullptr ? std::string() : logicItem->GetParamId());
+        }
+    }
+    return keys;
+}
+
 // Adds as a signed 32-bit number does, also past its end.
 void AddWrapping(std::int32_t& sum, std::int32_t summand)
 {
@@ -47,6 +83,21 @@ void NoteReached(DetectionObserver::AlarmWindowSeen& seen, const EventRows& rows
 AlarmRuleEngine::AlarmRuleEngine(std::shared_ptr<RuleHelper> ruleHelper)
     : mEventStore(std::make_shared<AlarmRuleDbHelper>()), mRuleHelper(std::move(ruleHelper))
 {
+}
+
+void AlarmRuleEngine::Foresee(const AlarmRule& rule)
+{
+    for (const AlarmItem& item : rule.alarmItemList) {
+        if (item == nullptr) {
+            continue;
+        }
+        const std::optional<std::int32_t> first = PlainBound(item->Eventid_Min);
+        const std::optional<std::int32_t> last = PlainBound(item->Eventid_Max);
+        const std::vector<std::string> keys = KeysOf(*item);
+        if (last && !keys.empty()) {
+            mEventStore->Foresee(first.value_or(*last), *last, keys);
+        }
+    }
 }
 
 bool AlarmRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId)
@@ -201,6 +252,7 @@ bool AlarmRuleEngine::IsLastIdHit(const MemberTest& test, Window& window)
 void AlarmRuleEngine::VisitIds(const TestList& tests, Window& window, const RowsVisitor& visitor)
 {
     static const std::vector<std::string> countKey{DetectionCustomize::KEY_COUNT};
+    bool withMembers = !tests.empty();
     std::vector<std::string> testKeys;
     for (const MemberTest& test : tests) {
         testKeys.push_back(test.GetPara().key);
@@ -213,8 +265,20 @@ void AlarmRuleEngine::VisitIds(const TestList& tests, Window& window, const Rows
         }
         return visitor(rows);
     };
-    const bool isReadable =
-        mEventStore->VisitEvents({window.ids.first, window.ids.last, window.start, window.fromUpdate}, visit);
+    if (withMembers) {
+        mEventStore->Foresee(window.ids.first, window.ids.last, testKeys);
+    } else {
+        for (const DetectionCustomize::IdRange& dmd : DetectionCustomize::DMD_RANGES) {
+            const std::int32_t first = std::max(window.ids.first, dmd.first);
+            const std::int32_t last = std::min(window.ids.last, dmd.last);
+            if (first <= last) {
+                withMembers = true;
+                mEventStore->Foresee(first, last, countKey);
+            }
+        }
+    }
+    const bool isReadable = mEventStore->VisitEvents(
+        {window.ids.first, window.ids.last, window.start, window.fromUpdate, withMembers}, visit);
     mIsLogReadable = mIsLogReadable && isReadable;
 }
 

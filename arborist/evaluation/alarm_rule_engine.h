@@ -30,6 +30,10 @@ public:
     /// Opens the event log at once; one that isn't there yet is tried again later.
     explicit AlarmRuleEngine(std::shared_ptr<RuleHelper> ruleHelper);
 
+    /// Says that this rule will be asked for, so that what its tests need of the event log is read together with what
+    /// those of others need. Without effect on any answer.
+    void Foresee(const AlarmRule& rule);
+
     /// Whether any window of any item reaches its threshold. An item without ids ends the rule: those behind it are not
     /// looked at, on purpose.
     bool IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId) override;

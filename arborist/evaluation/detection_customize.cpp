@@ -10,9 +10,6 @@
 
 namespace {
 
-struct IdRange { std::int32_t first; std::int32_t last; };
-constexpr IdRange DMD_RANGES[] = {{920000000, 929999999}, {909030000, 909031999}, {912001000, 912001999}};
-
 std::string CountIn(std::string_view extra)
 {
     Json::Value root;

@@ -12,6 +12,14 @@ class DetectionCustomize {
 public:
     static inline const std::string KEY_COUNT = "COUNT";
 
+    /// Event ids from `first` to `last`.
+    struct IdRange {
+        std::int32_t first;
+        std::int32_t last;
+    };
+    /// Where the ids of DMD events lie.
+    static constexpr IdRange DMD_RANGES[] = {{920000000, 929999999}, {909030000, 909031999}, {912001000, 912001999}};
+
     DetectionCustomize() = delete;
 
     /// Whether events of this id are DMD events: one row stands for as many events as its "COUNT" says.

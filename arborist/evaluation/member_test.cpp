@@ -40,6 +40,10 @@ MemberTest::MemberTest(const RuleChecker& checker, TestPara para) : mChecker(che
     mHoldsEqual = logic == RuleChecker::LOGIC_LE || logic == RuleChecker::LOGIC_GE || logic == RuleChecker::LOGIC_EQ;
     mHoldsGreater = logic == RuleChecker::LOGIC_GT || logic == RuleChecker::LOGIC_GE || logic == RuleChecker::LOGIC_NE;
 
+    if (mPara.type == RuleChecker::TYPE_STRING) {
+        mComparison = Comparison::TEXT;
+        return;
+    }
     // Only a whole number of 32 bits takes the short way: any other text may log an error for each row.
     const char* const end = mPara.value.data() + mPara.value.size();
     const auto [rest, error] = std::from_chars(mPara.value.data(), end, mInteger);
@@ -62,12 +66,25 @@ bool MemberTest::Passes(const EventMember& member) const
     if (member.kind == EventMember::Kind::NO_EXTRA) {
         return false;
     }
-    if (member.kind == EventMember::Kind::INTEGER && mComparison != Comparison::AS_TEXT && FitsInt32(member.number)) {
+    if (mComparison == Comparison::TEXT && member.kind == EventMember::Kind::TEXT) {
+        return ComparesText(member.text);
+    }
+    if (member.kind == EventMember::Kind::INTEGER && IsNumeric() && FitsInt32(member.number)) {
         return Compares(member.number);
     }
     const std::string observed =
         member.kind == EventMember::Kind::RAW ? MemberOf(member.text, mPara.key) : member.ToText();
     return !observed.empty() && mChecker.IsFaultForParam(mPara.logic, mPara.type, mPara.value, observed);
+}
+
+// Texts are equal or different, nothing else; and an empty one never passes.
+bool MemberTest::ComparesText(std::string_view observed) const
+{
+    if (observed.empty() || mPara.value.empty()) {
+        return false;
+    }
+    return mPara.logic == RuleChecker::LOGIC_EQ ? observed == mPara.value
+                                                : mPara.logic == RuleChecker::LOGIC_NE && observed != mPara.value;
 }
 
 bool MemberTest::Compares(std::int64_t observed) const

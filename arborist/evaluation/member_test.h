@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 class RuleChecker;
 struct EventMember;
@@ -30,13 +31,15 @@ public:
     bool Passes(const EventMember& member) const;
 
 private:
-    enum class Comparison { AS_TEXT, INTEGER, FLOAT, DOUBLE };
+    enum class Comparison { OTHER, INTEGER, FLOAT, DOUBLE, TEXT };
 
+    bool IsNumeric() const { return mComparison != Comparison::OTHER && mComparison != Comparison::TEXT; }
     bool Compares(std::int64_t observed) const;
+    bool ComparesText(std::string_view observed) const;
 
     const RuleChecker& mChecker;
     TestPara mPara;
-    Comparison mComparison = Comparison::AS_TEXT;
+    Comparison mComparison = Comparison::OTHER;
     // Which outcomes hold.
     bool mHoldsLess = false;
     bool mHoldsEqual = false;

@@ -235,6 +235,7 @@ std::shared_ptr<RuleChecker> RuleEngine::GetRuleCheckerInstance(const std::share
         if (mAlarmRuleEngine == nullptr) {
             mAlarmRuleEngine = std::make_shared<AlarmRuleEngine>(mRuleHelper);
             mAlarmRuleEngine->SetObserver(mObserver);
+            ForeseeAlarmRules();
         }
         return mAlarmRuleEngine;
     case Family::COMMAND:
@@ -257,6 +258,18 @@ std::shared_ptr<RuleChecker> RuleEngine::GetRuleCheckerInstance(const std::share
         FT::Log::GetInstance().Output(
             FT::LEVEL_WARN, "FUNc:%s: undefine rule", "RuleEngine::GetRuleCheckerInstance");
         return nullptr;
+    }
+}
+
+void RuleEngine::ForeseeAlarmRules()
+{
+    if (mFaultTreeParser == nullptr) {
+        return;
+    }
+    for (const auto& [name, rule] : mFaultTreeParser->GetRuleMap()) {
+        if (const auto* const alarmRule = dynamic_cast<const AlarmRule*>(rule.get())) {
+            mAlarmRuleEngine->Foresee(*alarmRule);
+        }
     }
 }
 

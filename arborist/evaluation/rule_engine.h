@@ -72,6 +72,7 @@ private:
     bool GetSingleRuleCheckResult(const std::string& ruleName, const std::string& eventId, const Place& place);
     void DoMultiRulesCheck(const std::string& names, const std::string& eventId,
                            const std::shared_ptr<OrRuleSingle>& entry, std::size_t alternative);
+    void ForeseeAlarmRules();
     std::shared_ptr<RuleChecker> GetRuleCheckerInstance(const std::shared_ptr<Rule>& rule);
     const std::shared_ptr<CodeRuleEngine>& GetCodeRuleEngine();
 

@@ -212,30 +212,40 @@ bool AlarmRuleDbHelper::VisitEntries(std::int64_t firstId, const Visitor& visito
     const std::vector<EventLogIndex::Entry>& entries = mIndex.GetEntries();
     const EventLogIndex::Filter filter = mQuery.fromUpdate ? mIndex.FilterFor(mQuery.startTime, mVersionName)
                                                            : EventLogIndex::FilterFor(mQuery.startTime);
-    const auto first = std::lower_bound(entries.begin(), entries.end(), firstId,
-        [](const EventLogIndex::Entry& entry, std::int64_t id) { return entry.eventId < id; });
-    for (auto number = static_cast<std::size_t>(first - entries.begin());
-         number < entries.size() && entries[number].eventId <= mQuery.lastId; ++number) {
-        if (VisitEntry(number, filter, visitor)) {
+    const auto placeOf = [&entries](std::int64_t id) {
+        const auto found = std::lower_bound(entries.begin(), entries.end(), id,
+            [](const EventLogIndex::Entry& entry, std::int64_t wanted) { return entry.eventId < wanted; });
+        return static_cast<std::size_t>(found - entries.begin());
+    };
+    const std::size_t first = placeOf(firstId);
+    const std::size_t end = placeOf(std::int64_t{mQuery.lastId} + 1);
+    if (mQuery.withMembers) {
+        mMembers.Prepare(first, end, mQuery.startTime);
+    }
+    const EventLogIndex::Counts found = mIndex.CountsFor(EventLogIndex::FilterFor(mQuery.startTime));
+    const EventLogIndex::Counts counts = mIndex.CountsFor(filter);
+    for (std::size_t number = first; number < end; ++number) {
+        if (VisitEntry(number, filter, found, counts, visitor)) {
             return true;
         }
     }
     return false;
 }
 
-bool AlarmRuleDbHelper::VisitEntry(
-    std::size_t entryNumber, const EventLogIndex::Filter& filter, const Visitor& visitor)
+bool AlarmRuleDbHelper::VisitEntry(std::size_t entryNumber, const EventLogIndex::Filter& filter,
+    const EventLogIndex::Counts& found, const EventLogIndex::Counts& counts, const Visitor& visitor)
 {
     const EventLogIndex::Entry& entry = mIndex.GetEntries()[entryNumber];
     if (entry.needsQuery) {
         return VisitByQuery(entry.eventId, visitor);
     }
-    const std::size_t found = mIndex.Count(entry, EventLogIndex::FilterFor(mQuery.startTime));
-    if (found == 0) {
+    if (found.Of(entryNumber) == 0) {
         return false;
     }
     TellVersionName();
-    EventRows rows(*this, mIndex, mMembers, entryNumber, filter, found);
+    mPositions.clear();
+    EventRows rows(*this, {mIndex, mMembers, mPositions, entryNumber, filter}, found.Of(entryNumber),
+        counts.Of(entryNumber));
     return visitor(rows);
 }
 

@@ -33,6 +33,8 @@ public:
         std::int64_t startTime;
         /// Only events of the version in Settings::VERSION_NAME, and those whose version has no name.
         bool fromUpdate;
+        /// The visitor will ask for members of the rows.
+        bool withMembers = false;
     };
 
     /// Is told the rows of one id; true ends the visit.
@@ -54,6 +56,12 @@ public:
     /// LONGEST_UNREADABLE_RANGE ids, the rest of a longer range is left out.
     bool VisitEvents(const Query& query, const Visitor& visitor);
 
+    /// Says that these members of the rows of these ids will be asked for; see EventMemberCache::Foresee.
+    void Foresee(std::int32_t firstId, std::int32_t lastId, const std::vector<std::string>& keys)
+    {
+        mMembers.Foresee(firstId, lastId, keys);
+    }
+
     static constexpr std::int64_t LONGEST_UNREADABLE_RANGE = 100000;
 
 private:
@@ -70,7 +78,8 @@ private:
     EventList QueryRows(std::int32_t eventId) override;
     EventLogIndex::State RefreshIndex();
     bool VisitEntries(std::int64_t firstId, const Visitor& visitor);
-    bool VisitEntry(std::size_t entryNumber, const EventLogIndex::Filter& filter, const Visitor& visitor);
+    bool VisitEntry(std::size_t entryNumber, const EventLogIndex::Filter& filter, const EventLogIndex::Counts& found,
+        const EventLogIndex::Counts& counts, const Visitor& visitor);
     bool VisitByQuery(std::int32_t eventId, const Visitor& visitor);
     bool VisitUnreadable(std::int64_t firstId, const Visitor& visitor);
     void VisitBrokenOff(std::int64_t firstId, const Visitor& visitor);
@@ -80,6 +89,7 @@ private:
     EventLogIndex mIndex;
     EventMemberCache mMembers;
     Query mQuery{}; // that of the visit under way
+    std::vector<std::uint32_t> mPositions; // room for the rows of one id
     std::string mVersionName; // current when the last query began
 };
 

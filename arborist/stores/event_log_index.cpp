@@ -4,6 +4,7 @@
 #include <limits>
 #include <numeric>
 #include <string_view>
+#include <utility>
 
 #include "arborist/stores/sql/sql_cursor.h"
 
@@ -11,8 +12,10 @@ namespace {
 
 using Cursor = FT::sql::SqlCursor;
 
+constexpr std::size_t MOST_COUNTS = 16;
+// Counts may take this many bytes, and one more for every four rows.
+constexpr std::size_t SMALLEST_COUNTS = 65536;
 constexpr std::int64_t NO_DATA_VERSION = -1;
-constexpr std::uint16_t UNNAMED_VERSION = 0;
 constexpr std::size_t MOST_VERSIONS = std::numeric_limits<std::uint16_t>::max();
 constexpr std::uint32_t MOST_ROWS = std::numeric_limits<std::uint32_t>::max();
 // Bytes of an event in the file, at least.
@@ -67,45 +70,90 @@ std::size_t GuessRowCount(const FT::sql::Sqlite3Db& database)
         std::clamp<std::int64_t>(span, 0, std::clamp<std::int64_t>(fitting, 0, MOST_GUESSED_ROWS)));
 }
 
+// Numbers of groups, one for each row: two bytes where that is enough.
+class GroupColumn {
+public:
+    void Reserve(std::size_t count) { mLow.reserve(count); }
+    void Append(std::uint32_t group)
+    {
+        if (group > LOW_BITS && mHigh.empty()) {
+            mHigh.resize(mLow.size());
+        }
+        mLow.push_back(static_cast<std::uint16_t>(group & LOW_BITS));
+        if (group > LOW_BITS || !mHigh.empty()) {
+            mHigh.push_back(static_cast<std::uint16_t>(group >> 16));
+        }
+    }
+
+    std::size_t GetCount() const { return mLow.size(); }
+    std::uint32_t operator[](std::size_t row) const
+    {
+        return mHigh.empty() ? mLow[row] : mLow[row] | static_cast<std::uint32_t>(mHigh[row]) << 16;
+    }
+
+private:
+    static constexpr std::uint32_t LOW_BITS = 0xFFFF;
+
+    std::vector<std::uint16_t> mLow;
+    std::vector<std::uint16_t> mHigh;
+};
+
+// Puts the values of a column, which come in the order of the log, group by group. `next` is where each group begins.
+void GroupValues(std::vector<std::uint16_t>& column, const GroupColumn& groups, std::vector<std::uint32_t> next)
+{
+    std::vector<std::uint16_t> grouped(column.size());
+    for (std::size_t row = 0; row < column.size(); ++row) {
+        grouped[next[groups[row]]++] = column[row];
+    }
+    column.swap(grouped);
+}
+
+// The same in two halves, so that two bytes a row are all the room it takes.
+void GroupValues(std::vector<std::uint32_t>& column, const GroupColumn& groups, const std::vector<std::uint32_t>& begins)
+{
+    std::vector<std::uint16_t> grouped(column.size());
+    for (const unsigned int shift : {0U, 16U}) {
+        std::vector<std::uint32_t> next = begins;
+        for (std::size_t row = 0; row < column.size(); ++row) {
+            grouped[next[groups[row]]++] = static_cast<std::uint16_t>(column[row] >> shift);
+        }
+        const std::uint32_t otherHalf = 0xFFFF0000U >> shift;
+        for (std::size_t row = 0; row < column.size(); ++row) {
+            column[row] = (column[row] & otherHalf) | static_cast<std::uint32_t>(grouped[row]) << shift;
+        }
+    }
+}
+
 } // namespace
 
 // What is known while the log is read.
 struct EventLogIndex::Scan {
     // A version row: the number of its name, or that it can't be told from the row number alone.
     struct Version {
-        std::uint16_t number;
-        bool isUsable;
+        std::uint16_t number = UNNAMED_VERSION;
+        bool isKnown = false;
+        bool isAmbiguous = false;
     };
 
-    std::uint32_t GroupOf(std::int32_t eventId)
+    Version& VersionOf(std::int64_t rowNumber)
     {
-        if (groups.empty() || groups[lastGroup].eventId != eventId) {
-            const auto [found, isNew] = groupOfId.try_emplace(eventId, static_cast<std::uint32_t>(groups.size()));
-            if (isNew) {
-                groups.push_back({eventId, 0, 0, true, false});
-            }
-            lastGroup = found->second;
+        if (rowNumber < 0 || rowNumber >= FLAT_VERSIONS) {
+            return otherVersions[rowNumber];
         }
-        return lastGroup;
+        const auto place = static_cast<std::size_t>(rowNumber);
+        if (place >= versions.size()) {
+            versions.resize(place + 1);
+        }
+        return versions[place];
     }
 
-    const Version* VersionOf(std::int64_t rowNumber)
-    {
-        if (lastVersion == nullptr || lastVersionRow != rowNumber) {
-            const auto found = versionOfRow.find(rowNumber);
-            lastVersion = found == versionOfRow.end() ? nullptr : &found->second;
-            lastVersionRow = rowNumber;
-        }
-        return lastVersion;
-    }
+    static constexpr std::int64_t FLAT_VERSIONS = 65536;
 
     std::vector<Entry> groups; // in order of appearance; `end` counts the rows
-    std::unordered_map<std::int32_t, std::uint32_t> groupOfId;
-    std::uint32_t lastGroup = 0;
-    std::unordered_map<std::int64_t, Version> versionOfRow;
-    const Version* lastVersion = nullptr;
-    std::int64_t lastVersionRow = 0;
-    std::vector<std::uint32_t> groupOfPosition;
+    GroupNumbers groupOfId;
+    GroupColumn groupOfRow;
+    std::vector<Version> versions; // by row number
+    std::unordered_map<std::int64_t, Version> otherVersions;
 };
 
 EventLogIndex::EventLogIndex(const FT::sql::Sqlite3Db& database) : mDb(database), mDataVersion(NO_DATA_VERSION) {}
@@ -139,6 +187,9 @@ void EventLogIndex::Clear()
     mTimes = {};
     mRowIds = {};
     mVersions = {};
+    mEntryOfId = {};
+    mCounts.clear();
+    mAreRowIdsAscending = true;
     mVersionNumbers = {{"", UNNAMED_VERSION}};
 }
 
@@ -163,68 +214,66 @@ EventLogIndex::State EventLogIndex::Read()
 
 bool EventLogIndex::ReadVersions(Scan& scan)
 {
-    Cursor cursor(mDb, "select _ID, VERSION_NAME from event_version");
-    while (cursor.Step()) {
-        const std::string name(cursor.GetText(1));
+    return FT::sql::ScanRows(mDb, "_ID, VERSION_NAME", "from event_version", [&](const FT::sql::ScannedRow& row) {
+        const std::string name(row.GetText(1));
+        const bool isTooMany = mVersionNumbers.size() >= MOST_VERSIONS && mVersionNumbers.count(name) == 0;
         const auto next = static_cast<std::uint16_t>(mVersionNumbers.size());
-        Scan::Version version{UNNAMED_VERSION, true};
-        if (const auto known = mVersionNumbers.find(name); known != mVersionNumbers.end()) {
-            version.number = known->second;
-        } else if (mVersionNumbers.size() < MOST_VERSIONS) {
-            mVersionNumbers.emplace(name, next);
-            version.number = next;
-        } else {
-            version.isUsable = false;
+        const std::uint16_t number = isTooMany ? UNNAMED_VERSION : mVersionNumbers.emplace(name, next).first->second;
+        if (!row.IsInteger(0)) {
+            return; // its rows won't show a number either
         }
-        if (cursor.GetType(0) != Cursor::ColumnType::INTEGER) {
-            continue; // its rows won't show a number either
-        }
-        const auto [row, isNew] = scan.versionOfRow.try_emplace(cursor.GetInteger(0), version);
-        row->second.isUsable = row->second.isUsable && (isNew || row->second.number == version.number);
-    }
-    return cursor.IsOk();
+        Scan::Version& version = scan.VersionOf(row.GetInteger(0));
+        version.isAmbiguous = version.isAmbiguous || isTooMany || (version.isKnown && version.number != number);
+        version.isKnown = true;
+        version.number = number;
+    }, mError);
 }
 
 void EventLogIndex::ReadRows(Scan& scan)
 {
-    const auto statement = [](const char* rowId) {
-        return std::string("select event_info.event_id, event_info_flow.occurrence_time, event_version._ID, ")
-            .append(rowId).append(JOINED_ROWS);
-    };
-    const bool hasRowIds = Cursor(mDb, statement("event_info.rowid")).IsReady();
+    const std::string columns = "event_info.event_id, event_info_flow.occurrence_time, event_version._ID, ";
+    const std::string from(JOINED_ROWS);
+    const bool hasRowIds = Cursor(mDb, "select event_info.rowid" + from).IsReady();
     const std::size_t guess = GuessRowCount(mDb);
     mTimes.reserve(guess);
     mRowIds.reserve(guess);
     mVersions.reserve(guess);
-    scan.groupOfPosition.reserve(guess);
-    Cursor cursor(mDb, statement(hasRowIds ? "event_info.rowid" : "null"));
-    while (cursor.Step()) {
-        // Types first: reading a text as a number may change its type.
-        const Cursor::ColumnType idType = cursor.GetType(0);
-        const Cursor::ColumnType timeType = cursor.GetType(1);
-        const std::int64_t eventId = cursor.GetInteger(0);
-        // No query finds a row without an id or a time, nor one whose id no rule can name.
-        if (idType == Cursor::ColumnType::NONE || timeType == Cursor::ColumnType::NONE || !Fits<std::int32_t>(eventId)) {
-            continue;
-        }
-        const std::uint32_t group = scan.GroupOf(static_cast<std::int32_t>(eventId));
-        const std::int64_t time = cursor.GetInteger(1);
-        const std::int64_t rowId = cursor.GetInteger(3);
-        const Scan::Version* const version =
-            cursor.GetType(2) == Cursor::ColumnType::INTEGER ? scan.VersionOf(cursor.GetInteger(2)) : nullptr;
-        if (idType != Cursor::ColumnType::INTEGER || timeType != Cursor::ColumnType::INTEGER ||
-            !Fits<std::uint32_t>(time) || cursor.GetType(3) != Cursor::ColumnType::INTEGER ||
-            !Fits<std::uint32_t>(rowId) || version == nullptr || !version->isUsable || mTimes.size() == MOST_ROWS) {
-            scan.groups[group].needsQuery = true;
-            continue;
-        }
-        ++scan.groups[group].end;
-        scan.groupOfPosition.push_back(group);
-        mTimes.push_back(static_cast<std::uint32_t>(time));
-        mRowIds.push_back(static_cast<std::uint32_t>(rowId));
-        mVersions.push_back(version->number);
+    scan.groupOfRow.Reserve(guess);
+    FT::sql::ScanRows(mDb, columns + (hasRowIds ? "event_info.rowid" : "null"), from,
+        [&](const FT::sql::ScannedRow& row) { TakeRow(scan, row); }, mError);
+}
+
+void EventLogIndex::TakeRow(Scan& scan, const FT::sql::ScannedRow& row)
+{
+    // Types first: reading a text as a number may change its type.
+    const bool isWhole = row.IsInteger(0) && row.IsInteger(1) && row.IsInteger(2) && row.IsInteger(3);
+    const bool isFound = isWhole || !(row.IsNull(0) || row.IsNull(1));
+    const std::int64_t eventId = row.GetInteger(0);
+    // No query finds a row without an id or a time, nor one whose id no rule can name.
+    if (!isFound || !Fits<std::int32_t>(eventId)) {
+        return;
     }
-    mError = cursor.GetError();
+    const std::uint32_t group = scan.groupOfId.NumberOf(static_cast<std::int32_t>(eventId));
+    if (group == scan.groups.size()) {
+        scan.groups.push_back({static_cast<std::int32_t>(eventId), 0, 0, true, false});
+    }
+    const std::int64_t time = row.GetInteger(1);
+    const std::int64_t rowId = row.GetInteger(3);
+    if (!isWhole || !Fits<std::uint32_t>(time) || !Fits<std::uint32_t>(rowId) || mTimes.size() == MOST_ROWS) {
+        scan.groups[group].needsQuery = true;
+        return;
+    }
+    const Scan::Version version = scan.VersionOf(row.GetInteger(2));
+    if (!version.isKnown || version.isAmbiguous) {
+        scan.groups[group].needsQuery = true;
+        return;
+    }
+    ++scan.groups[group].end;
+    scan.groupOfRow.Append(group);
+    mAreRowIdsAscending = mAreRowIdsAscending && (mRowIds.empty() || mRowIds.back() < rowId);
+    mTimes.push_back(static_cast<std::uint32_t>(time));
+    mRowIds.push_back(static_cast<std::uint32_t>(rowId));
+    mVersions.push_back(version.number);
 }
 
 void EventLogIndex::Group(Scan& scan)
@@ -234,38 +283,34 @@ void EventLogIndex::Group(Scan& scan)
     std::sort(order.begin(), order.end(), [&scan](std::uint32_t left, std::uint32_t right) {
         return scan.groups[left].eventId < scan.groups[right].eventId;
     });
+    std::vector<std::uint32_t> begins(order.size());
     std::uint32_t next = 0;
     for (const std::uint32_t group : order) {
         Entry& entry = scan.groups[group];
+        begins[group] = next;
+        entry.end += next; // held the count
         entry.begin = next;
-        next += entry.end;
-        entry.end = entry.begin; // grows back below
+        next = entry.end;
     }
-    std::vector<std::uint32_t>& target = scan.groupOfPosition;
-    for (std::uint32_t& place : target) {
-        place = scan.groups[place].end++;
-    }
-    // Every row goes where it belongs by swaps along the cycles: beside the rows there is no room for them again.
-    for (std::size_t position = 0; position < target.size(); ++position) {
-        while (target[position] != position) {
-            const std::uint32_t other = target[position];
-            std::swap(mTimes[position], mTimes[other]);
-            std::swap(mRowIds[position], mRowIds[other]);
-            std::swap(mVersions[position], mVersions[other]);
-            std::swap(target[position], target[other]);
-        }
-    }
+    GroupValues(mVersions, scan.groupOfRow, begins);
+    GroupValues(mTimes, scan.groupOfRow, begins);
+    GroupValues(mRowIds, scan.groupOfRow, begins);
     mEntries.reserve(order.size());
+    mEntryOfId = std::move(scan.groupOfId);
     for (const std::uint32_t group : order) {
         Entry& entry = scan.groups[group];
         const auto begin = mTimes.begin() + entry.begin;
         entry.isAscending = std::is_sorted(begin, begin + (entry.end - entry.begin));
+        mEntryOfId.Renumber(entry.eventId, static_cast<std::uint32_t>(mEntries.size()));
         mEntries.push_back(entry);
     }
 }
 
 std::uint32_t EventLogIndex::FirstSince(const Entry& entry, std::int64_t start) const
 {
+    if (!entry.isAscending) {
+        return entry.begin;
+    }
     const auto begin = mTimes.begin() + entry.begin;
     const auto end = mTimes.begin() + entry.end;
     const auto first = std::lower_bound(begin, end, start,
@@ -281,7 +326,7 @@ EventLogIndex::Filter EventLogIndex::FilterFor(std::int64_t start, const std::st
 
 std::size_t EventLogIndex::Count(const Entry& entry, const Filter& filter) const
 {
-    const std::uint32_t begin = entry.isAscending ? FirstSince(entry, filter.start) : entry.begin;
+    const std::uint32_t begin = FirstSince(entry, filter.start);
     if (entry.isAscending && !filter.byVersion) {
         return entry.end - begin;
     }
@@ -306,13 +351,33 @@ std::size_t EventLogIndex::Count(const Entry& entry, const Filter& filter) const
     return count;
 }
 
+EventLogIndex::Counts EventLogIndex::CountsFor(const Filter& filter)
+{
+    const std::size_t bytes = std::max<std::size_t>(mEntries.size(), 1) * sizeof(std::uint32_t);
+    const std::size_t most = std::min(MOST_COUNTS, (SMALLEST_COUNTS + mTimes.size() / 4) / bytes);
+    const auto known = std::find_if(mCounts.begin(), mCounts.end(), [&filter](const CountsOfFilter& counts) {
+        return counts.filter.start == filter.start && counts.filter.byVersion == filter.byVersion &&
+            counts.filter.version == filter.version;
+    });
+    if (known != mCounts.end()) {
+        mCounts.splice(mCounts.end(), mCounts, known);
+        return Counts(*this, filter, known->counts.data());
+    }
+    if (most == 0) {
+        return Counts(*this, filter, nullptr);
+    }
+    // What was asked for longest ago makes room; a Counts in use is one of the last two.
+    if (mCounts.size() >= std::max<std::size_t>(most, 2)) {
+        mCounts.pop_front();
+    }
+    mCounts.push_back({filter, std::vector<std::uint32_t>(mEntries.size(), NOT_COUNTED)});
+    return Counts(*this, filter, mCounts.back().counts.data());
+}
+
 void EventLogIndex::Select(const Entry& entry, const Filter& filter, std::vector<std::uint32_t>& positions) const
 {
-    const std::uint32_t begin = entry.isAscending ? FirstSince(entry, filter.start) : entry.begin;
-    for (std::uint32_t position = begin; position < entry.end; ++position) {
-        const std::uint16_t version = mVersions[position];
-        if (static_cast<std::int64_t>(mTimes[position]) >= filter.start &&
-            (!filter.byVersion || version == UNNAMED_VERSION || version == filter.version)) {
+    for (std::uint32_t position = FirstSince(entry, filter.start); position < entry.end; ++position) {
+        if (Passes(position, filter)) {
             positions.push_back(position);
         }
     }

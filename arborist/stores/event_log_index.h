@@ -3,11 +3,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <list>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
+#include "arborist/stores/group_numbers.h"
 #include "arborist/stores/sql/sql_database.h"
+#include "arborist/stores/sql/sql_scan.h"
 
 /// The event log's rows without their texts, grouped by event id: what a query for one id finds, for all ids, by one
 /// reading of the log.
@@ -43,6 +46,33 @@ public:
         UNREADABLE ///< the log can't be asked (no such table or column, locked, no database): holds nothing
     };
 
+    /// How many rows of each entry count: worked out when first asked for and kept as long as few filters are used.
+    /// Of two filters at a time; valid until the third and the next Refresh.
+    class Counts {
+    public:
+        Counts(const EventLogIndex& index, const Filter& filter, std::uint32_t* counts)
+            : mIndex(index), mFilter(filter), mCounts(counts)
+        {
+        }
+
+        std::size_t Of(std::size_t entryNumber) const
+        {
+            if (mCounts == nullptr) {
+                return mIndex.Count(mIndex.GetEntries()[entryNumber], mFilter);
+            }
+            std::uint32_t& count = mCounts[entryNumber];
+            if (count == NOT_COUNTED) {
+                count = static_cast<std::uint32_t>(mIndex.Count(mIndex.GetEntries()[entryNumber], mFilter));
+            }
+            return count;
+        }
+
+    private:
+        const EventLogIndex& mIndex;
+        Filter mFilter;
+        std::uint32_t* mCounts;
+    };
+
     explicit EventLogIndex(const FT::sql::Sqlite3Db& database);
 
     /// Reads the log if it was changed since the last time, by SQLite's data version, or never read.
@@ -64,23 +94,44 @@ public:
     /// Of these the rows of the version with this name, and those whose version has no name.
     Filter FilterFor(std::int64_t start, const std::string& versionName) const;
     std::size_t Count(const Entry& entry, const Filter& filter) const;
+    Counts CountsFor(const Filter& filter);
+    /// The first row of an ascending entry that lies at or after `start`; the first row of any other.
+    std::uint32_t FirstSince(const Entry& entry, std::int64_t start) const;
+    /// Number of the entry of this id; GroupNumbers::NONE without one.
+    std::uint32_t FindEntry(std::int32_t eventId) const { return mEntryOfId.Find(eventId); }
     /// Appends the positions of the rows that count.
     void Select(const Entry& entry, const Filter& filter, std::vector<std::uint32_t>& positions) const;
 
     std::int64_t GetTime(std::uint32_t position) const { return mTimes[position]; }
     /// The row's rowid in event_info.
     std::int64_t GetRowId(std::uint32_t position) const { return mRowIds[position]; }
+    /// True when the rows of every entry have ascending rowids, as they do unless SQLite chose another order.
+    bool AreRowIdsAscending() const { return mAreRowIdsAscending; }
 
 private:
+    static constexpr std::uint16_t UNNAMED_VERSION = 0;
+    static constexpr std::uint32_t NOT_COUNTED = 0xFFFFFFFFU;
+
     struct Scan;
+    struct CountsOfFilter {
+        Filter filter;
+        std::vector<std::uint32_t> counts;
+    };
+
+    bool Passes(std::uint32_t position, const Filter& filter) const
+    {
+        const std::uint16_t version = mVersions[position];
+        return static_cast<std::int64_t>(mTimes[position]) >= filter.start &&
+            (!filter.byVersion || version == UNNAMED_VERSION || version == filter.version);
+    }
 
     static std::int64_t ReadDataVersion(const FT::sql::Sqlite3Db& database);
     void Clear();
     State Read();
     bool ReadVersions(Scan& scan);
     void ReadRows(Scan& scan);
+    void TakeRow(Scan& scan, const FT::sql::ScannedRow& row);
     void Group(Scan& scan);
-    std::uint32_t FirstSince(const Entry& entry, std::int64_t start) const;
 
     const FT::sql::Sqlite3Db& mDb;
     State mState = State::UNREADABLE;
@@ -88,6 +139,9 @@ private:
     std::uint64_t mGeneration = 0;
     std::string mError;
     std::vector<Entry> mEntries;
+    GroupNumbers mEntryOfId;
+    bool mAreRowIdsAscending = true;
+    std::list<CountsOfFilter> mCounts; // the one asked for last at the end
     // The columns of the rows.
     std::vector<std::uint32_t> mTimes;
     std::vector<std::uint32_t> mRowIds;

@@ -3,15 +3,16 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
-#include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "arborist/stores/event_log_index.h"
+#include "arborist/stores/key_sets.h"
+#include "arborist/stores/member_store.h"
 #include "arborist/stores/sql/sql_cursor.h"
 
 /// What one member of a row's `extra` holds.
@@ -43,50 +44,79 @@ public:
 
     void Clear();
 
+    /// Says that these members of these ids will be asked for, so that one reading can serve more than one test.
+    /// Outlives Clear. Without effect on any answer.
+    void Foresee(std::int32_t firstId, std::int32_t lastId, const std::vector<std::string>& keys);
+
+    /// Reads, in one go and for all that is foreseen, what the entries from `first` to before `end` are short of since
+    /// `start`, if that is much. Without effect on any answer.
+    void Prepare(std::size_t first, std::size_t end, std::int64_t start);
+
     /// Makes the members `keys` of the rows at `positions`, all of the entry with this number, ready for Get. False
     /// when the log was changed since the index read it or can't be read: then nothing is ready.
     bool Load(std::size_t entryNumber, const std::vector<std::uint32_t>& positions,
         const std::vector<std::string>& keys);
     /// The member `keys[keyNumber]` of a row of the last Load. The text lives until the next Load.
-    EventMember Get(std::uint32_t position, std::size_t keyNumber) const;
+    EventMember Get(std::uint32_t position, std::size_t keyNumber) const
+    {
+        const MemberStore::Handle code = mMembers.CodeOf(mHandles[position], mKeySet->size(), mColumnOfKey[keyNumber]);
+        if (MemberStore::IsInteger(code)) {
+            return {EventMember::Kind::INTEGER, MemberStore::IntegerOf(code), {}};
+        }
+        return GetOther(position, code);
+    }
 
     /// Day of the month of the row in local time, 1 to 31. Kept from the first time on, whatever the time zone does.
-    std::int32_t GetDayOfMonth(std::uint32_t position);
+    std::int32_t GetDayOfMonth(std::uint32_t position)
+    {
+        if (mDays.empty()) {
+            mDays.assign(mIndex.GetRowCount(), 0);
+        }
+        return mDays[position] != 0 ? mDays[position] : ReadDayOfMonth(position);
+    }
 
 private:
-    using Handle = std::uint32_t;
-    using KeySet = std::vector<std::string>;
+    struct Interest {
+        std::int32_t firstId;
+        std::int32_t lastId;
+        std::uint32_t keySet;
 
-    void UseKeys(std::size_t entryNumber, const std::vector<std::string>& keys);
-    bool FindColumns(const KeySet& keySet, const std::vector<std::string>& keys);
-    std::uint32_t NumberOf(const KeySet& keySet);
+        auto operator<=>(const Interest&) const = default;
+    };
+
+    void Begin();
+    void Apply(const Interest& interest);
+    void AddKeys(std::size_t entryNumber, std::uint32_t keySet);
+    bool FindColumns(const std::vector<std::string>& keys);
+    std::size_t CountMissing(std::size_t first, std::size_t end, std::int64_t start) const;
+    void ReadAll(std::int64_t start);
     bool ReadMissing(const std::vector<std::uint32_t>& missing);
-    void ReadRow(std::uint32_t position, std::string_view extra);
-    Handle HandleOf(std::string_view extra);
-    Handle Store(const std::vector<std::string_view>& values);
-    Handle Intern(const std::string& tuple);
+    void ReadRow(std::uint32_t position, const KeySets::Keys& keys, std::string_view extra);
+    MemberStore::Handle HandleOf(std::string_view extra, const KeySets::Keys& keys);
+    EventMember GetOther(std::uint32_t position, MemberStore::Handle code) const;
+    std::int32_t ReadDayOfMonth(std::uint32_t position);
 
     const EventLogIndex& mIndex;
     const FT::sql::Sqlite3Db& mDb;
     std::unique_ptr<FT::sql::SqlCursor> mExtraOfRow;
 
-    std::vector<Handle> mHandles; // one for each row, empty until the first Load
-    std::vector<std::uint8_t> mDays; // likewise; 0 while not known
-    std::vector<std::uint32_t> mKeySetOfEntry; // 0 is the empty set
-    std::deque<KeySet> mKeySets;
-    std::map<KeySet, std::uint32_t> mNumberOfKeySet;
+    KeySets mKeySets;
+    std::set<Interest> mInterests;
 
-    // The texts behind the handles, one for each key of the row's set, the same ones once; and a hash table of places
-    // in it.
-    std::string mTuples;
-    std::vector<std::uint32_t> mTupleTable;
-    std::size_t mTupleCount = 0;
+    bool mHasBegun = false; // since the last Clear
+    bool mHasRead = false; // any row since then
+    std::vector<MemberStore::Handle> mHandles; // one for each row
+    std::vector<std::uint8_t> mDays; // likewise, when first asked for; 0 while not known
+    std::vector<std::uint32_t> mKeySetOfEntry;
+    std::vector<std::int64_t> mReadSince; // for each entry: all rows from then on have been read
+    MemberStore mMembers;
 
     // Of the last Load.
+    const KeySets::Keys* mKeySet = nullptr;
     std::vector<std::size_t> mColumnOfKey;
-    const KeySet* mKeySet = nullptr;
-    std::vector<std::string_view> mValues;
     std::unordered_map<std::uint32_t, std::string> mRawExtras;
+
+    std::vector<std::string_view> mValues; // room for one row's
 };
 
 #endif

@@ -11,11 +11,9 @@ constexpr std::size_t DAY_LENGTH = 10;
 
 } // namespace
 
-EventRows::EventRows(Source& source, const EventLogIndex& index, EventMemberCache& cache, std::size_t entryNumber,
-    const EventLogIndex::Filter& filter, std::size_t found)
-    : mSource(source), mIndex(&index), mCache(&cache), mEntryNumber(entryNumber), mFilter(filter),
-      mEventId(index.GetEntries()[entryNumber].eventId), mFound(found),
-      mCount(filter.byVersion ? index.Count(index.GetEntries()[entryNumber], filter) : found)
+EventRows::EventRows(Source& source, const Indexed& rows, std::size_t found, std::size_t count)
+    : mSource(source), mIndexed(rows), mEventId(rows.index.GetEntries()[rows.entryNumber].eventId), mFound(found),
+      mCount(count)
 {
 }
 
@@ -26,45 +24,30 @@ EventRows::EventRows(Source& source, std::int32_t eventId, EventList events, std
 
 void EventRows::LoadMembers(const std::vector<std::string>& keys)
 {
-    if (mIndex == nullptr || mCount == 0) {
+    if (!mIndexed || mCount == 0) {
         return;
     }
     SelectRows();
-    if (!mCache->Load(mEntryNumber, mPositions, keys)) {
+    if (!mIndexed->members.Load(mIndexed->entryNumber, mIndexed->positions, keys)) {
         ReadWhole();
-    }
-}
-
-EventMember EventRows::GetMember(std::size_t row, std::size_t keyNumber) const
-{
-    if (mIndex != nullptr) {
-        return mCache->Get(mPositions[row], keyNumber);
-    }
-    const std::string& extra = mEvents[row]->extra;
-    return {extra.empty() ? EventMember::Kind::NO_EXTRA : EventMember::Kind::RAW, 0, extra};
-}
-
-std::int32_t EventRows::GetDayOfMonth(std::size_t row)
-{
-    if (mIndex != nullptr) {
-        SelectRows();
-        return mCache->GetDayOfMonth(mPositions[row]);
-    }
-    const std::string& time = mEvents[row]->occurrenceTime;
-    return time.size() < DAY_IN_TIME ? 0 : StringUtil::StringToInt32Def(time.substr(DAY_IN_TIME, DAY_LENGTH), 0);
-}
-
-void EventRows::SelectRows()
-{
-    if (mPositions.empty()) {
-        mPositions.reserve(mCount);
-        mIndex->Select(mIndex->GetEntries()[mEntryNumber], mFilter, mPositions);
     }
 }
 
 void EventRows::ReadWhole()
 {
-    mIndex = nullptr;
+    mIndexed.reset();
     mEvents = mSource.QueryRows(mEventId);
     mCount = mEvents.size();
+}
+
+EventMember EventRows::GetWholeMember(std::size_t row) const
+{
+    const std::string& extra = mEvents[row]->extra;
+    return {extra.empty() ? EventMember::Kind::NO_EXTRA : EventMember::Kind::RAW, 0, extra};
+}
+
+std::int32_t EventRows::GetWholeDay(std::size_t row) const
+{
+    const std::string& time = mEvents[row]->occurrenceTime;
+    return time.size() < DAY_IN_TIME ? 0 : StringUtil::StringToInt32Def(time.substr(DAY_IN_TIME, DAY_LENGTH), 0);
 }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,9 +26,18 @@ public:
         ~Source() = default;
     };
 
-    /// Rows of the index. `found` are those since the start, of any version.
-    EventRows(Source& source, const EventLogIndex& index, EventMemberCache& cache, std::size_t entryNumber,
-        const EventLogIndex::Filter& filter, std::size_t found);
+    /// Where the rows of an entry of the index are found.
+    struct Indexed {
+        const EventLogIndex& index;
+        EventMemberCache& members;
+        /// Room for their positions; empty.
+        std::vector<std::uint32_t>& positions;
+        std::size_t entryNumber;
+        EventLogIndex::Filter filter;
+    };
+
+    /// Rows of the index: `found` are those since the start, of any version, and `count` those that count.
+    EventRows(Source& source, const Indexed& rows, std::size_t found, std::size_t count);
     /// Rows that were read whole.
     EventRows(Source& source, std::int32_t eventId, EventList events, std::size_t found);
 
@@ -41,24 +51,35 @@ public:
     /// the log was changed meanwhile, the rows are read again and there may be more or fewer.
     void LoadMembers(const std::vector<std::string>& keys);
     /// The member `keys[keyNumber]` of a row, 0 to GetCount() - 1. The text lives until the next LoadMembers.
-    EventMember GetMember(std::size_t row, std::size_t keyNumber) const;
+    EventMember GetMember(std::size_t row, std::size_t keyNumber) const
+    {
+        return mIndexed ? mIndexed->members.Get(mIndexed->positions[row], keyNumber) : GetWholeMember(row);
+    }
 
     /// Day of the month in local time; 0 when the row has none.
-    std::int32_t GetDayOfMonth(std::size_t row);
+    std::int32_t GetDayOfMonth(std::size_t row)
+    {
+        SelectRows();
+        return mIndexed ? mIndexed->members.GetDayOfMonth(mIndexed->positions[row]) : GetWholeDay(row);
+    }
 
 private:
-    void SelectRows();
+    void SelectRows()
+    {
+        if (mIndexed && mIndexed->positions.empty()) {
+            mIndexed->index.Select(
+                mIndexed->index.GetEntries()[mIndexed->entryNumber], mIndexed->filter, mIndexed->positions);
+        }
+    }
     void ReadWhole();
+    EventMember GetWholeMember(std::size_t row) const;
+    std::int32_t GetWholeDay(std::size_t row) const;
 
     Source& mSource;
-    const EventLogIndex* mIndex = nullptr; // null when the rows were read whole
-    EventMemberCache* mCache = nullptr;
-    std::size_t mEntryNumber = 0;
-    EventLogIndex::Filter mFilter{};
+    std::optional<Indexed> mIndexed; // without, the rows were read whole
     std::int32_t mEventId;
     std::size_t mFound;
     std::size_t mCount;
-    std::vector<std::uint32_t> mPositions;
     EventList mEvents;
 };
 

@@ -93,12 +93,15 @@ TEST_F(MemberTestTest, AgreesWithTheComparisonOfTexts)
         const TestPara para{"k", values[random() % values.size()], types[random() % types.size()],
             logics[random() % logics.size()]};
         const std::int64_t number = numbers[random() % numbers.size()];
+        const bool isNumber = random() % 2 == 0;
+        const std::string text = isNumber ? std::to_string(number) : values[random() % values.size()];
         mLog.Clear();
-        const bool passes = MemberTest(mComparer, para).Passes({EventMember::Kind::INTEGER, number, {}});
+        const bool passes = MemberTest(mComparer, para).Passes(isNumber
+            ? EventMember{EventMember::Kind::INTEGER, number, {}} : EventMember{EventMember::Kind::TEXT, 0, text});
         const std::vector<std::string> lines = mLog.Lines();
         mLog.Clear();
-        ASSERT_EQ(passes, mComparer.IsFaultForParam(para.logic, para.type, para.value, std::to_string(number)))
-            << para.logic << ' ' << para.type << ' ' << para.value << ' ' << number;
+        ASSERT_EQ(passes, mComparer.IsFaultForParam(para.logic, para.type, para.value, text))
+            << para.logic << ' ' << para.type << ' ' << para.value << ' ' << text;
         ASSERT_EQ(lines, mLog.Lines());
     }
 }

@@ -82,6 +82,47 @@ TEST_F(EventLogIndexTest, CountsRowsOutOfOrderOneByOne)
     EXPECT_THAT(positions, testing::ElementsAre(0U, 2U));
 }
 
+TEST_F(EventLogIndexTest, KeptCountsAreThoseOfTheirFilter)
+{
+    ASSERT_EQ(Read(EventLogBuilder().Rows({{10, 7, "1", ""}, {20, 7, "2", ""}, {30, 8, "2", ""}})), State::READY);
+    for (int round = 0; round < 2; ++round) {
+        for (std::int64_t start = 0; start < 40; ++start) {
+            const auto all = mIndex.CountsFor(EventLogIndex::FilterFor(start));
+            const auto ofVersion = mIndex.CountsFor(mIndex.FilterFor(start, "2"));
+            for (std::size_t entry = 0; entry < 2; ++entry) {
+                ASSERT_EQ(all.Of(entry), mIndex.Count(mIndex.GetEntries()[entry], EventLogIndex::FilterFor(start)));
+                ASSERT_EQ(ofVersion.Of(entry), mIndex.Count(mIndex.GetEntries()[entry], mIndex.FilterFor(start, "2")));
+            }
+        }
+    }
+    EXPECT_EQ(mIndex.CountsFor(EventLogIndex::FilterFor(15)).Of(0), 1U);
+}
+
+TEST_F(EventLogIndexTest, FindsTheEntryOfAnId)
+{
+    ASSERT_EQ(Read(EventLogBuilder().Rows({{10, 8, "", ""}, {20, 7, "", ""}})), State::READY);
+    EXPECT_EQ(mIndex.FindEntry(7), 0U);
+    EXPECT_EQ(mIndex.FindEntry(8), 1U);
+    EXPECT_EQ(mIndex.FindEntry(9), GroupNumbers::NONE);
+}
+
+TEST_F(EventLogIndexTest, ManyIdsAreGroupedToo)
+{
+    // More ids than two bytes can number.
+    EventLogBuilder builder;
+    builder.Sql("insert into event_version values (1, '1')").Sql("with recursive n(i) as (select 1 union all select i + 1 "
+        "from n where i < 70000) insert into event_info select i, 70001 - i, '', 1 from n")
+        .Sql("insert into event_info_flow select _ID, _ID, _ID from event_info");
+    ASSERT_EQ(Read(builder), State::READY);
+    ASSERT_EQ(mIndex.GetEntries().size(), 70000U);
+    for (const std::int32_t id : {1, 2, 4000, 65536, 65537, 70000}) {
+        const EventLogIndex::Entry& entry = mIndex.GetEntries()[mIndex.FindEntry(id)];
+        EXPECT_EQ(entry.end - entry.begin, 1U);
+        EXPECT_EQ(mIndex.GetTime(entry.begin), 70001 - id);
+        EXPECT_EQ(mIndex.GetRowId(entry.begin), 70001 - id);
+    }
+}
+
 TEST_F(EventLogIndexTest, RowsWithoutPartnersAreInvisible)
 {
     EXPECT_EQ(Read(EventLogBuilder().Rows({{10, 7, "", ""}, {20, 8, "", ""}, {30, 9, "", ""}})
