@@ -1,7 +1,6 @@
 #include "arborist/evaluation/alarm_rule_engine.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <system_error>
 #include <utility>
@@ -325,17 +324,21 @@ bool AlarmRuleEngine::IsFaultForPeriod(EventRows& rows, const MemberTest* test, 
 bool AlarmRuleEngine::IsFaultForDaily(EventRows& rows, const MemberTest* test, Window& window)
 {
     const bool isDmd = DetectionCustomize::IsDmdEvent(rows.GetEventId());
-    std::array<std::int32_t, LAST_DAY + 1> days{};
-    for (std::size_t row = 0; row < rows.GetCount(); ++row) {
+    EventLogIndex::DayCounts days{};
+    const bool isPlain = test == nullptr && !isDmd;
+    if (isPlain) {
+        rows.CountDays(days);
+    }
+    for (std::size_t row = 0; !isPlain && row < rows.GetCount(); ++row) {
         const std::int32_t day = rows.GetDayOfMonth(row);
         if (day < 1 || day > LAST_DAY) {
             continue;
         }
-        std::int32_t weight = 1;
+        std::int32_t weight = 0;
         if (test != nullptr) {
             weight = IsErrorForEventWithParam(rows, row, 0, *test) ? 1 : 0;
             window.seen.rowsFailedTest += weight == 0 ? 1U : 0U;
-        } else if (isDmd) {
+        } else {
             weight = DetectionCustomize::CheckDmdEventCount(rows.GetMember(row, 0));
         }
         AddWrapping(days[static_cast<std::size_t>(day)], weight);

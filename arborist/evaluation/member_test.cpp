@@ -9,7 +9,6 @@
 
 #include "arborist/evaluation/rule_checker.h"
 #include "arborist/frame/log.h"
-#include "arborist/stores/event_member_cache.h"
 #include "arborist/utilities/json_text.h"
 
 namespace {
@@ -61,7 +60,7 @@ MemberTest::MemberTest(const RuleChecker& checker, TestPara para) : mChecker(che
     }
 }
 
-bool MemberTest::Passes(const EventMember& member) const
+bool MemberTest::PassesOther(const EventMember& member) const
 {
     if (member.kind == EventMember::Kind::NO_EXTRA) {
         return false;

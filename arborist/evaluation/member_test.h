@@ -1,12 +1,14 @@
 #ifndef ARBORIST_EVALUATION_MEMBER_TEST_H
 #define ARBORIST_EVALUATION_MEMBER_TEST_H
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
+#include "arborist/stores/event_member_cache.h"
+
 class RuleChecker;
-struct EventMember;
 
 /// One test of one value inside an event's JSON.
 struct TestPara {
@@ -28,11 +30,36 @@ public:
 
     const TestPara& GetPara() const { return mPara; }
     /// Whether the member, that of GetPara().key, passes; an extra that is no JSON logs an error and fails.
-    bool Passes(const EventMember& member) const;
+    bool Passes(const EventMember& member) const
+    {
+        if (mComparison == Comparison::INTEGER && member.kind == EventMember::Kind::INTEGER &&
+            member.number == static_cast<std::int32_t>(member.number)) {
+            return member.number < mInteger ? mHoldsLess : member.number > mInteger ? mHoldsGreater : mHoldsEqual;
+        }
+        if (mComparison == Comparison::TEXT && member.code != 0) {
+            return PassesText(member);
+        }
+        return PassesOther(member);
+    }
 
 private:
     enum class Comparison { OTHER, INTEGER, FLOAT, DOUBLE, TEXT };
 
+    // What was found for a text, so that it is compared once for many rows.
+    struct Found {
+        std::uint32_t code = 0;
+        bool passes = false;
+    };
+
+    bool PassesText(const EventMember& member) const
+    {
+        Found& found = mFound[member.code * 2654435769U >> 24];
+        if (found.code != member.code) {
+            found = {member.code, ComparesText(member.text)};
+        }
+        return found.passes;
+    }
+    bool PassesOther(const EventMember& member) const;
     bool IsNumeric() const { return mComparison != Comparison::OTHER && mComparison != Comparison::TEXT; }
     bool Compares(std::int64_t observed) const;
     bool ComparesText(std::string_view observed) const;
@@ -47,6 +74,7 @@ private:
     std::int64_t mInteger = 0;
     float mFloat = 0;
     double mDouble = 0;
+    mutable std::array<Found, 256> mFound;
 };
 
 #endif

@@ -1,12 +1,14 @@
 #include "arborist/stores/event_log_index.h"
 
 #include <algorithm>
+#include <charconv>
 #include <limits>
 #include <numeric>
 #include <string_view>
 #include <utility>
 
 #include "arborist/stores/sql/sql_cursor.h"
+#include "arborist/utilities/time_util.h"
 
 namespace {
 
@@ -15,8 +17,9 @@ using Cursor = FT::sql::SqlCursor;
 constexpr std::size_t MOST_COUNTS = 16;
 // Counts may take this many bytes, and one more for every four rows.
 constexpr std::size_t SMALLEST_COUNTS = 65536;
+// Where the day stands in "YYYY-MM-DD HH:MM:SS"; a row's time fits 32 bits, so that its year has four digits.
+constexpr std::size_t DAY_IN_TIME = 8;
 constexpr std::int64_t NO_DATA_VERSION = -1;
-constexpr std::size_t MOST_VERSIONS = std::numeric_limits<std::uint16_t>::max();
 constexpr std::uint32_t MOST_ROWS = std::numeric_limits<std::uint32_t>::max();
 // Bytes of an event in the file, at least.
 constexpr std::int64_t SHORTEST_ROW = 16;
@@ -216,7 +219,7 @@ bool EventLogIndex::ReadVersions(Scan& scan)
 {
     return FT::sql::ScanRows(mDb, "_ID, VERSION_NAME", "from event_version", [&](const FT::sql::ScannedRow& row) {
         const std::string name(row.GetText(1));
-        const bool isTooMany = mVersionNumbers.size() >= MOST_VERSIONS && mVersionNumbers.count(name) == 0;
+        const bool isTooMany = mVersionNumbers.size() > VERSION_MASK && mVersionNumbers.count(name) == 0;
         const auto next = static_cast<std::uint16_t>(mVersionNumbers.size());
         const std::uint16_t number = isTooMany ? UNNAMED_VERSION : mVersionNumbers.emplace(name, next).first->second;
         if (!row.IsInteger(0)) {
@@ -306,6 +309,15 @@ void EventLogIndex::Group(Scan& scan)
     }
 }
 
+std::int32_t EventLogIndex::ReadDayOfMonth(std::uint32_t position)
+{
+    const std::string time = TimeUtil::GetFormatTime(mTimes[position]);
+    int day = 0;
+    std::from_chars(time.data() + DAY_IN_TIME, time.data() + time.size(), day);
+    mVersions[position] = static_cast<std::uint16_t>((mVersions[position] & VERSION_MASK) | day << VERSION_BITS);
+    return day;
+}
+
 std::uint32_t EventLogIndex::FirstSince(const Entry& entry, std::int64_t start) const
 {
     if (!entry.isAscending) {
@@ -338,14 +350,15 @@ std::size_t EventLogIndex::Count(const Entry& entry, const Filter& filter) const
     std::uint32_t count = 0;
     if (entry.isAscending) {
         for (std::uint32_t position = begin; position < entry.end; ++position) {
-            count += static_cast<std::uint32_t>((versions[position] == UNNAMED_VERSION) |
-                (versions[position] == allowed));
+            const int version = versions[position] & VERSION_MASK;
+            count += static_cast<std::uint32_t>((version == UNNAMED_VERSION) | (version == allowed));
         }
         return count;
     }
     const auto start = static_cast<std::uint64_t>(std::max<std::int64_t>(filter.start, 0));
     for (std::uint32_t position = begin; position < entry.end; ++position) {
-        const bool isAllowed = anyVersion | (versions[position] == UNNAMED_VERSION) | (versions[position] == allowed);
+        const int version = versions[position] & VERSION_MASK;
+        const bool isAllowed = anyVersion | (version == UNNAMED_VERSION) | (version == allowed);
         count += static_cast<std::uint32_t>((times[position] >= start) & isAllowed);
     }
     return count;
@@ -376,9 +389,21 @@ EventLogIndex::Counts EventLogIndex::CountsFor(const Filter& filter)
 
 void EventLogIndex::Select(const Entry& entry, const Filter& filter, std::vector<std::uint32_t>& positions) const
 {
+    const std::uint32_t begin = FirstSince(entry, filter.start);
+    positions.resize(entry.end - begin);
+    std::size_t selected = 0;
+    for (std::uint32_t position = begin; position < entry.end; ++position) {
+        // Written always and kept if it passes: cheaper than a branch that can't be foreseen.
+        positions[selected] = position;
+        selected += static_cast<std::size_t>(Passes(position, filter));
+    }
+    positions.resize(selected);
+}
+
+void EventLogIndex::CountDays(const Entry& entry, const Filter& filter, DayCounts& days)
+{
     for (std::uint32_t position = FirstSince(entry, filter.start); position < entry.end; ++position) {
-        if (Passes(position, filter)) {
-            positions.push_back(position);
-        }
+        const auto day = static_cast<std::size_t>(GetDayOfMonth(position));
+        days[day] += static_cast<std::int32_t>(Passes(position, filter));
     }
 }

@@ -1,6 +1,7 @@
 #ifndef ARBORIST_STORES_EVENT_LOG_INDEX_H
 #define ARBORIST_STORES_EVENT_LOG_INDEX_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <list>
@@ -38,6 +39,9 @@ public:
         /// The number of the version that counts beside the unnamed one.
         std::uint16_t version;
     };
+
+    /// One count for each day of the month, from 1.
+    using DayCounts = std::array<std::int32_t, 32>;
 
     /// How the index stands to the log.
     enum class State {
@@ -99,17 +103,28 @@ public:
     std::uint32_t FirstSince(const Entry& entry, std::int64_t start) const;
     /// Number of the entry of this id; GroupNumbers::NONE without one.
     std::uint32_t FindEntry(std::int32_t eventId) const { return mEntryOfId.Find(eventId); }
-    /// Appends the positions of the rows that count.
+    /// The positions of the rows that count.
     void Select(const Entry& entry, const Filter& filter, std::vector<std::uint32_t>& positions) const;
+
+    /// Adds the rows that count to the counts of their days of the month.
+    void CountDays(const Entry& entry, const Filter& filter, DayCounts& days);
 
     std::int64_t GetTime(std::uint32_t position) const { return mTimes[position]; }
     /// The row's rowid in event_info.
     std::int64_t GetRowId(std::uint32_t position) const { return mRowIds[position]; }
+    /// Day of the month of the row in local time, 1 to 31. Kept from the first time on, whatever the time zone does.
+    std::int32_t GetDayOfMonth(std::uint32_t position)
+    {
+        const int day = mVersions[position] >> VERSION_BITS;
+        return day != 0 ? day : ReadDayOfMonth(position);
+    }
     /// True when the rows of every entry have ascending rowids, as they do unless SQLite chose another order.
     bool AreRowIdsAscending() const { return mAreRowIdsAscending; }
 
 private:
     static constexpr std::uint16_t UNNAMED_VERSION = 0;
+    static constexpr int VERSION_BITS = 11;
+    static constexpr std::uint16_t VERSION_MASK = (1 << VERSION_BITS) - 1;
     static constexpr std::uint32_t NOT_COUNTED = 0xFFFFFFFFU;
 
     struct Scan;
@@ -120,11 +135,12 @@ private:
 
     bool Passes(std::uint32_t position, const Filter& filter) const
     {
-        const std::uint16_t version = mVersions[position];
-        return static_cast<std::int64_t>(mTimes[position]) >= filter.start &&
-            (!filter.byVersion || version == UNNAMED_VERSION || version == filter.version);
+        const int version = mVersions[position] & VERSION_MASK;
+        const bool isOfVersion = !filter.byVersion | (version == UNNAMED_VERSION) | (version == filter.version);
+        return isOfVersion & (std::int64_t{mTimes[position]} >= filter.start);
     }
 
+    std::int32_t ReadDayOfMonth(std::uint32_t position);
     static std::int64_t ReadDataVersion(const FT::sql::Sqlite3Db& database);
     void Clear();
     State Read();
@@ -145,7 +161,7 @@ private:
     // The columns of the rows.
     std::vector<std::uint32_t> mTimes;
     std::vector<std::uint32_t> mRowIds;
-    std::vector<std::uint16_t> mVersions;
+    std::vector<std::uint16_t> mVersions; // number of the version, and above it the day of the month, 0 while not known
     // Number of each version name; 0 is the empty name.
     std::unordered_map<std::string, std::uint16_t> mVersionNumbers;
 };

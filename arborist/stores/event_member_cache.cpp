@@ -1,27 +1,25 @@
 #include "arborist/stores/event_member_cache.h"
 
 #include <algorithm>
-#include <charconv>
 #include <limits>
 
 #include <json/value.h>
 
 #include "arborist/stores/json_members.h"
 #include "arborist/utilities/json_text.h"
-#include "arborist/utilities/time_util.h"
 
 namespace {
 
 using FT::sql::SqlCursor;
 using Entry = EventLogIndex::Entry;
 
-// The store may take this many bytes, and one more for every two rows.
+// The store may take this many bytes and one more for every row, but not much more than the rows can fill.
+constexpr std::size_t BASIC_STORE = 1048576;
 constexpr std::size_t SMALLEST_STORE = 65536;
+constexpr std::size_t MOST_FOR_A_ROW = 32;
 // Reading all rows in one go costs as much as reading this part of them one by one.
 constexpr std::size_t WORTH_READING_ALL = 32;
 constexpr std::int64_t NEVER_READ = std::numeric_limits<std::int64_t>::max();
-// Where the day stands in "YYYY-MM-DD HH:MM:SS"; a row's time fits 32 bits, so that its year has four digits.
-constexpr std::size_t DAY_IN_TIME = 8;
 
 } // namespace
 
@@ -35,7 +33,6 @@ void EventMemberCache::Clear()
     mHasBegun = false;
     mExtraOfRow.reset();
     mHandles = {};
-    mDays = {};
     mKeySetOfEntry = {};
     mReadSince = {};
     mMembers.Reset(0);
@@ -52,7 +49,8 @@ void EventMemberCache::Begin()
     mHandles.assign(mIndex.GetRowCount(), MemberStore::UNKNOWN);
     mKeySetOfEntry.assign(mIndex.GetEntries().size(), 0);
     mReadSince.assign(mIndex.GetEntries().size(), NEVER_READ);
-    mMembers.Reset(SMALLEST_STORE + mIndex.GetRowCount() / 2);
+    const std::size_t rows = mIndex.GetRowCount();
+    mMembers.Reset(std::min(BASIC_STORE + rows, SMALLEST_STORE + MOST_FOR_A_ROW * rows));
     for (const Interest& interest : mInterests) {
         Apply(interest);
     }
@@ -142,7 +140,7 @@ void EventMemberCache::ReadAll(std::int64_t start)
             ++position;
         }
         if (position != entries[number].end && mIndex.GetRowId(position) == rowId) {
-            ReadRow(position, mKeySets.Get(mKeySetOfEntry[number]), row.GetText(2));
+            TakeExtra(position, mKeySets.Get(mKeySetOfEntry[number]), row.GetText(2));
         }
     };
     std::string error;
@@ -153,7 +151,6 @@ void EventMemberCache::ReadAll(std::int64_t start)
             mReadSince[number] = std::min(mReadSince[number], start);
         }
     }
-    mRawExtras.clear();
 }
 
 bool EventMemberCache::Load(
@@ -169,7 +166,7 @@ bool EventMemberCache::Load(
     }
     std::vector<std::uint32_t> missing;
     for (const std::uint32_t position : positions) {
-        if (mHandles[position] == MemberStore::UNKNOWN || mHandles[position] == MemberStore::RAW) {
+        if (mHandles[position] <= MemberStore::RAW) { // or not known
             missing.push_back(position);
         }
     }
@@ -208,22 +205,22 @@ bool EventMemberCache::ReadMissing(const std::vector<std::uint32_t>& missing)
         mExtraOfRow->Restart(mIndex.GetRowId(missing[row]));
         isRead = mExtraOfRow->Step();
         if (isRead) {
-            ReadRow(missing[row], *mKeySet, mExtraOfRow->GetText(0));
+            TakeExtra(missing[row], *mKeySet, mExtraOfRow->GetText(0));
+            if (mHandles[missing[row]] == MemberStore::RAW) {
+                mRawExtras.emplace(missing[row], mExtraOfRow->GetText(0));
+            }
         }
     }
     mExtraOfRow->Reset();
     return isRead;
 }
 
-void EventMemberCache::ReadRow(std::uint32_t position, const KeySets::Keys& keys, std::string_view extra)
+void EventMemberCache::TakeExtra(std::uint32_t position, const KeySets::Keys& keys, std::string_view extra)
 {
     mHasRead = true;
     MemberStore::Handle& handle = mHandles[position];
     if (handle == MemberStore::UNKNOWN) {
         handle = extra.empty() ? MemberStore::NO_EXTRA : HandleOf(extra, keys);
-    }
-    if (handle == MemberStore::RAW) {
-        mRawExtras.insert_or_assign(position, std::string(extra));
     }
 }
 
@@ -252,12 +249,5 @@ EventMember EventMemberCache::GetOther(std::uint32_t position, MemberStore::Hand
     if (code == MemberStore::RAW) {
         return {EventMember::Kind::RAW, 0, mRawExtras.at(position)};
     }
-    return {EventMember::Kind::TEXT, 0, mMembers.TextOf(code)};
-}
-
-std::int32_t EventMemberCache::ReadDayOfMonth(std::uint32_t position)
-{
-    const std::string time = TimeUtil::GetFormatTime(mIndex.GetTime(position));
-    std::from_chars(time.data() + DAY_IN_TIME, time.data() + time.size(), mDays[position]);
-    return mDays[position];
+    return {EventMember::Kind::TEXT, 0, mMembers.TextOf(code), code};
 }

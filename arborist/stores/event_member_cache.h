@@ -27,12 +27,14 @@ struct EventMember {
     Kind kind;
     std::int64_t number;
     std::string_view text;
+    /// Of two TEXT members of one log with the same code the texts are equal; 0 says nothing.
+    std::uint32_t code = 0;
 
     /// The text of an INTEGER or TEXT.
     std::string ToText() const { return kind == Kind::INTEGER ? std::to_string(number) : std::string(text); }
 };
 
-/// Members of the rows of an EventLogIndex, read from the log when they are first asked for and kept in five bytes a
+/// Members of the rows of an EventLogIndex, read from the log when they are first asked for and kept in four bytes a
 /// row and a store of texts that is bounded by the size of the log. What doesn't fit, and every extra that is no JSON,
 /// is read again each time.
 ///
@@ -66,15 +68,6 @@ public:
         return GetOther(position, code);
     }
 
-    /// Day of the month of the row in local time, 1 to 31. Kept from the first time on, whatever the time zone does.
-    std::int32_t GetDayOfMonth(std::uint32_t position)
-    {
-        if (mDays.empty()) {
-            mDays.assign(mIndex.GetRowCount(), 0);
-        }
-        return mDays[position] != 0 ? mDays[position] : ReadDayOfMonth(position);
-    }
-
 private:
     struct Interest {
         std::int32_t firstId;
@@ -91,10 +84,9 @@ private:
     std::size_t CountMissing(std::size_t first, std::size_t end, std::int64_t start) const;
     void ReadAll(std::int64_t start);
     bool ReadMissing(const std::vector<std::uint32_t>& missing);
-    void ReadRow(std::uint32_t position, const KeySets::Keys& keys, std::string_view extra);
+    void TakeExtra(std::uint32_t position, const KeySets::Keys& keys, std::string_view extra);
     MemberStore::Handle HandleOf(std::string_view extra, const KeySets::Keys& keys);
     EventMember GetOther(std::uint32_t position, MemberStore::Handle code) const;
-    std::int32_t ReadDayOfMonth(std::uint32_t position);
 
     const EventLogIndex& mIndex;
     const FT::sql::Sqlite3Db& mDb;
@@ -106,7 +98,6 @@ private:
     bool mHasBegun = false; // since the last Clear
     bool mHasRead = false; // any row since then
     std::vector<MemberStore::Handle> mHandles; // one for each row
-    std::vector<std::uint8_t> mDays; // likewise, when first asked for; 0 while not known
     std::vector<std::uint32_t> mKeySetOfEntry;
     std::vector<std::int64_t> mReadSince; // for each entry: all rows from then on have been read
     MemberStore mMembers;

@@ -33,6 +33,20 @@ void EventRows::LoadMembers(const std::vector<std::string>& keys)
     }
 }
 
+void EventRows::CountDays(EventLogIndex::DayCounts& days)
+{
+    if (mIndexed) {
+        mIndexed->index.CountDays(mIndexed->index.GetEntries()[mIndexed->entryNumber], mIndexed->filter, days);
+        return;
+    }
+    for (std::size_t row = 0; row < mCount; ++row) {
+        const std::int32_t day = GetWholeDay(row);
+        if (day > 0 && static_cast<std::size_t>(day) < days.size()) {
+            ++days[static_cast<std::size_t>(day)];
+        }
+    }
+}
+
 void EventRows::ReadWhole()
 {
     mIndexed.reset();

@@ -28,7 +28,7 @@ public:
 
     /// Where the rows of an entry of the index are found.
     struct Indexed {
-        const EventLogIndex& index;
+        EventLogIndex& index;
         EventMemberCache& members;
         /// Room for their positions; empty.
         std::vector<std::uint32_t>& positions;
@@ -60,8 +60,11 @@ public:
     std::int32_t GetDayOfMonth(std::size_t row)
     {
         SelectRows();
-        return mIndexed ? mIndexed->members.GetDayOfMonth(mIndexed->positions[row]) : GetWholeDay(row);
+        return mIndexed ? mIndexed->index.GetDayOfMonth(mIndexed->positions[row]) : GetWholeDay(row);
     }
+
+    /// Adds each row that has a day to the count of that day.
+    void CountDays(EventLogIndex::DayCounts& days);
 
 private:
     void SelectRows()
