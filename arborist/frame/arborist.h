@@ -31,7 +31,8 @@ public:
 
     /// Reads the rule set anew and runs every tree of the tag. One result for each tree, in file order, fault or not;
     /// they outlive this object and later calls. Empty when the rule file is missing or there is no tree; a warning
-    /// tells which.
+    /// tells which. Where an earlier call has read a rule set, a file that is missing or malformed by now leaves what
+    /// that call read, with the events that fired then still true.
     std::vector<std::shared_ptr<FaultTreeResult>> StartDetection();
 
     /// Whether the code rule of a detect code would run on this device and scene. The first code rule of the file whose
