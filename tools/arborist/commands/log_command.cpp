@@ -8,6 +8,8 @@
 #include "tools/arborist/commands/output.h"
 #include "tools/arborist/commands/shared_options.h"
 #include "tools/arborist/log_db/import_log.h"
+#include "tools/arborist/log_db/slice_log.h"
+#include "tools/arborist/render/log_report.h"
 
 namespace command {
 
@@ -46,6 +48,92 @@ ExitStatus Show(const LogFileOptions& options)
     return Finish(failure ? std::vector<Failure>{*failure} : std::vector<Failure>{});
 }
 
+struct InspectOptions {
+    std::string file;
+    std::string zone;
+    bool asJson = false;
+};
+
+ExitStatus Inspect(const InspectOptions& options)
+{
+    const TimeZoneGuard zone(options.zone);
+    LogInspection inspection;
+    if (const auto failure = InspectEventLog(options.file, inspection)) {
+        return Finish({*failure});
+    }
+    PrintResult(options.asJson ? LogJson(options.file, inspection) + "\n" : LogText(options.file, inspection));
+    return ExitStatus::SUCCESS;
+}
+
+struct SliceOptions {
+    std::string file;
+    std::string target;
+    std::string from;
+    std::string until;
+    std::string ids;
+    std::int64_t lastDays = -1;
+    std::string zone;
+};
+
+ExitStatus Slice(const SliceOptions& options)
+{
+    const TimeZoneGuard zone(options.zone);
+    LogSlice slice;
+    for (const auto& [text, moment] : {std::pair(&options.from, &slice.from), std::pair(&options.until, &slice.until)}) {
+        *moment = ParseMoment(*text);
+        if (!text->empty() && !*moment) {
+            PrintError("the moment \"" + *text + "\" does not exist in the time zone");
+            return ExitStatus::WRONG_USE;
+        }
+    }
+    slice.ids = ParseIdRanges(options.ids).value_or(slice.ids);
+    if (options.lastDays >= 0) {
+        slice.lastDays = options.lastDays;
+    }
+    const auto failure = SliceEventLog(options.file, options.target, slice);
+    return Finish(failure ? std::vector<Failure>{*failure} : std::vector<Failure>{});
+}
+
+void AddInspectCommand(CLI::App& log, ExitStatus& status)
+{
+    auto options = std::make_shared<InspectOptions>();
+    CLI::App* inspect = log.add_subcommand("inspect", "Tell what an event log holds, and what in it is not seen");
+    inspect->add_option("LOG.DB", options->file, "The event log")->required();
+    inspect->add_flag("--json", options->asJson, "One JSON object, times in seconds since the epoch");
+    AddTimeZone(*inspect, options->zone);
+    inspect->footer("Example:\n  arborist log inspect log.db");
+    inspect->callback([options, &status] { status = Inspect(*options); });
+}
+
+void AddMomentOption(CLI::App& app, const std::string& name, std::string& moment, const std::string& description)
+{
+    app.add_option(name, moment, description)->type_name("TIME")->check([](const std::string& text) {
+        return IsMomentText(text) ? "" : "is neither \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: " + text;
+    });
+}
+
+void AddSliceCommand(CLI::App& log, ExitStatus& status)
+{
+    static constexpr std::int64_t MOST_DAYS = 1'000'000;
+    auto options = std::make_shared<SliceOptions>();
+    CLI::App* slice = log.add_subcommand("slice", "Make an event log of a part of another");
+    slice->add_option("LOG.DB", options->file, "The event log, which stays as it is")->required();
+    slice->add_option("--to", options->target, "The log.db to make; an old one is replaced")
+        ->type_name("LOG.DB")->required();
+    AddMomentOption(*slice, "--from", options->from, "Events since then, inclusive");
+    AddMomentOption(*slice, "--until", options->until, "Events until then, inclusive");
+    slice->add_option("--last", options->lastDays, "Events of this many days before the latest one")
+        ->type_name("DAYS")->check(CLI::Range(std::int64_t{0}, MOST_DAYS));
+    slice->add_option("--ids", options->ids, "Events of these numbers: 931001001,932000000-932999999")
+        ->type_name("LIST")
+        ->check([](const std::string& text) {
+            return ParseIdRanges(text) ? "" : "is no list of numbers and ranges: " + text;
+        });
+    AddTimeZone(*slice, options->zone);
+    slice->footer("Example:\n  arborist log slice log.db --to last-week.db --last 7 --ids 931001001-931001999");
+    slice->callback([options, &status] { status = Slice(*options); });
+}
+
 } // namespace
 
 void AddLogCommand(CLI::App& app, ExitStatus& status)
@@ -72,6 +160,9 @@ void AddLogCommand(CLI::App& app, ExitStatus& status)
     AddTimeZone(*show, showOptions->zone);
     show->footer("Example:\n  arborist log show programdata/Comms/Lumbra/workDir/0/log.db --tz UTC");
     show->callback([showOptions, &status] { status = Show(*showOptions); });
+
+    AddInspectCommand(*log, status);
+    AddSliceCommand(*log, status);
 }
 
 } // namespace command

@@ -1,13 +1,6 @@
 #include "tools/arborist/log_db/event_log.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <filesystem>
-
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include "tools/arborist/bundle/moment.h"
 #include "tools/arborist/render/json_writer.h"
@@ -83,15 +76,14 @@ bool Exists(const std::string& path)
 
 } // namespace
 
-EventLogWriter::~EventLogWriter()
+std::optional<std::string> CompanionOf(const std::string& path)
 {
-    if (!mTemporary.empty()) {
-        mInfo.reset();
-        mFlow.reset();
-        mVersion.reset();
-        mDatabase.Close();
-        unlink(mTemporary.c_str());
+    for (const char* companion : {"-wal", "-journal"}) {
+        if (Exists(path + companion)) {
+            return path + companion;
+        }
     }
+    return std::nullopt;
 }
 
 Failure EventLogWriter::Fail(const std::string& reason) const
@@ -102,27 +94,14 @@ Failure EventLogWriter::Fail(const std::string& reason) const
 std::optional<Failure> EventLogWriter::Open(const std::string& path)
 {
     mPath = path;
-    if (fs::is_directory(path)) {
-        return Fail("is a folder");
+    if (const auto companion = CompanionOf(path)) {
+        return Fail("is in use: there is " + *companion);
     }
-    // Left over or in use: SQLite would mix them into the new log.
-    for (const char* companion : {"-wal", "-journal"}) {
-        if (Exists(path + companion)) {
-            return Fail("is in use: there is " + path + companion);
-        }
+    if (const auto problem = mFile.Make(path)) {
+        return Fail(*problem);
     }
-    std::string temporary = path + ".XXXXXX";
-    const int file = mkstemp(temporary.data());
-    if (file < 0) {
-        return Fail(std::string("can't be written: ") + std::strerror(errno));
-    }
-    const mode_t mask = umask(0);
-    umask(mask);
-    fchmod(file, 0666 & ~mask);
-    close(file);
-    mTemporary = temporary;
     // Nobody sees the file before it is whole, so that it needs no journal.
-    if (!mDatabase.Open(mTemporary, Connection::Mode::CREATE) || !mDatabase.Execute("PRAGMA journal_mode = OFF")) {
+    if (!mDatabase.Open(mFile.TemporaryPath(), Connection::Mode::CREATE) || !mDatabase.Execute("PRAGMA journal_mode = OFF")) {
         return Fail(mDatabase.GetError());
     }
     return CreateTables();
@@ -185,10 +164,9 @@ std::optional<Failure> EventLogWriter::Finish()
     if (!mDatabase.Close()) {
         return Fail("can't be closed");
     }
-    if (std::rename(mTemporary.c_str(), mPath.c_str()) != 0) {
-        return Fail(std::string("can't be put in place: ") + std::strerror(errno));
+    if (const auto problem = mFile.PutInPlace()) {
+        return Fail(*problem);
     }
-    mTemporary.clear();
     return std::nullopt;
 }
 

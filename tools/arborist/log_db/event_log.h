@@ -7,21 +7,21 @@
 #include <optional>
 #include <string>
 
+#include "tools/arborist/files/new_file.h"
 #include "tools/arborist/log_db/event_line.h"
 #include "tools/arborist/problem.h"
 #include "tools/arborist/sqlite/connection.h"
 
 namespace command {
 
+/// What waits beside the database at `path`, so that another must not take its place: SQLite would mix them. Nothing
+/// when it is free.
+std::optional<std::string> CompanionOf(const std::string& path);
+
 /// Writes an event log in the monitoring service's layout, in one transaction, to a temporary file beside its place.
 /// Only Finish puts it there: what is not finished leaves no trace, and an old log stays as it was.
 class EventLogWriter {
 public:
-    EventLogWriter() = default;
-    ~EventLogWriter();
-    EventLogWriter(const EventLogWriter&) = delete;
-    EventLogWriter& operator=(const EventLogWriter&) = delete;
-
     std::optional<Failure> Open(const std::string& path);
     /// Rows get the key 1, 2, ... in all tables that the readers join.
     std::optional<Failure> Add(const LoggedEvent& event);
@@ -33,7 +33,7 @@ private:
     Failure Fail(const std::string& reason) const;
 
     std::string mPath;
-    std::string mTemporary;
+    NewFile mFile;
     Connection mDatabase;
     std::optional<Statement> mInfo;
     std::optional<Statement> mFlow;

@@ -1,0 +1,126 @@
+#include <filesystem>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/event_log_builder.h"
+#include "tests/support/temp_dir.h"
+#include "tests/tools/command_bundle.h"
+#include "tools/arborist/log_db/slice_log.h"
+#include "tools/arborist/sqlite/connection.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Pair;
+
+constexpr std::int64_t DAY = 86400;
+
+class LogSliceTest : public testing::Test {
+protected:
+    LogSliceTest()
+    {
+        EventLogBuilder().Rows({{10 * DAY, 1001, "4.1", "a"}, {11 * DAY, 1002, "4.1", "b"}, {12 * DAY, 2001, "", "c"},
+            {20 * DAY, 1001, "", "d"}}).WriteTo(mDir.Path("log.db"));
+    }
+
+    // "event keys | keys of moments" of the slice.
+    std::string Slice(const std::vector<std::string>& options) const
+    {
+        std::vector<std::string> arguments = {"log", "slice", "log.db", "--to", "slice.db", "--tz", "UTC"};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        const auto before = mDir.Read("log.db");
+        const auto result = RunArborist(arguments);
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_EQ(mDir.Read("log.db"), before);
+        return Keys("event_info") + "|" + Keys("event_info_flow");
+    }
+
+    std::string Keys(const std::string& table) const
+    {
+        command::Connection database;
+        EXPECT_TRUE(database.Open(mDir.Path("slice.db"), command::Connection::Mode::READ_ONLY));
+        auto rows = database.Prepare("SELECT group_concat(_ID, ' ') FROM (SELECT _ID FROM " + table + " ORDER BY _ID)");
+        return rows && rows->Step() ? rows->Text(0) : "";
+    }
+
+    TempDir mDir;
+};
+
+TEST_F(LogSliceTest, WithoutLimitsIsTheWholeLog)
+{
+    EXPECT_EQ(Slice({}), "1 2 3 4|1 2 3 4");
+    EXPECT_EQ(RunArborist({"log", "show", "slice.db"}).out, RunArborist({"log", "show", "log.db"}).out);
+}
+
+TEST_F(LogSliceTest, MomentsAreInclusive)
+{
+    EXPECT_EQ(Slice({"--from", std::to_string(11 * DAY), "--until", std::to_string(12 * DAY)}), "2 3|2 3");
+    EXPECT_EQ(Slice({"--from", "1970-01-12 00:00:01"}), "3 4|3 4");
+}
+
+TEST_F(LogSliceTest, LastCountsFromTheLatestEvent)
+{
+    EXPECT_EQ(Slice({"--last", "8"}), "3 4|3 4");
+    EXPECT_EQ(Slice({"--last", "0"}), "4|4");
+}
+
+TEST_F(LogSliceTest, IdsAreNumbersAndRanges)
+{
+    EXPECT_EQ(Slice({"--ids", "1001"}), "1 4|1 4");
+    EXPECT_EQ(Slice({"--ids", "1002-1999,2001"}), "2 3|2 3");
+}
+
+TEST_F(LogSliceTest, LimitsAddUp)
+{
+    EXPECT_EQ(Slice({"--ids", "1001", "--until", std::to_string(15 * DAY)}), "1|1");
+}
+
+TEST_F(LogSliceTest, AnEventStaysWithEitherOfItsMoments)
+{
+    // Event 1 is named by a late moment; the moment of its own key is early. Event 4's own moment is named otherwise.
+    EventLogBuilder::Run(mDir.Path("log.db"), "INSERT INTO event_info_flow VALUES (9, 1, 1700000)");
+    EXPECT_EQ(Slice({"--from", std::to_string(15 * DAY)}), "1 4|4 9");
+}
+
+TEST_F(LogSliceTest, AMomentThatIsNoNumberStays)
+{
+    EventLogBuilder::Run(mDir.Path("log.db"), "UPDATE event_info_flow SET occurrence_time = 'soon' WHERE _ID = 2");
+    EXPECT_EQ(Slice({"--from", std::to_string(15 * DAY)}), "2 4|2 4");
+}
+
+TEST_F(LogSliceTest, TablesOfOthersAndTheOldLogStay)
+{
+    EventLogBuilder::Run(mDir.Path("log.db"), "CREATE TABLE other (a); INSERT INTO other VALUES (5)");
+    EXPECT_EQ(Slice({"--last", "0"}), "4|4");
+    EventLogBuilder::Run(mDir.Path("slice.db"), "UPDATE other SET a = 6");
+    mDir.Write("bad.db", "this is no database, and long enough to be seen as none by its header");
+    const auto before = mDir.Read("slice.db");
+    const auto result = RunArborist({"log", "slice", "bad.db", "--to", "slice.db"});
+    EXPECT_EQ(result.err, "arborist: bad.db: file is not a database\n");
+    EXPECT_EQ(result.status, 4);
+    EXPECT_EQ(mDir.Read("slice.db"), before);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator("."), {}), 3);
+}
+
+TEST_F(LogSliceTest, WrongMomentsAndListsAreWrongUse)
+{
+    for (const auto& [option, value] : {std::pair("--from", "soon"), std::pair("--from", "2023-02-29 00:00:00"),
+             std::pair("--ids", "1-"), std::pair("--last", "-1")}) {
+        EXPECT_EQ(RunArborist({"log", "slice", "log.db", "--to", "s.db", option, value}).status, 2) << option << value;
+    }
+    EXPECT_FALSE(mDir.Has("s.db"));
+}
+
+TEST(IdRanges, AreReadStrictly)
+{
+    EXPECT_THAT(*command::ParseIdRanges("7"), ElementsAre(Pair(7, 7)));
+    EXPECT_THAT(*command::ParseIdRanges("-5--3,8-9"), ElementsAre(Pair(-5, -3), Pair(8, 9)));
+    for (const char* text : {"", ",", "7,", "9-8", "7 ", "a", "99999999999999999999"}) {
+        EXPECT_FALSE(command::ParseIdRanges(text).has_value()) << text;
+    }
+}
+
+} // namespace
