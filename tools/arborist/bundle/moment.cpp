@@ -110,6 +110,29 @@ bool IsMomentText(const std::string& text)
     return ParseSeconds(text).has_value() || ParseDate(text).has_value();
 }
 
+std::string ZoneOfThisMachine()
+{
+    constexpr char LOCAL[] = "/etc/localtime";
+    if (const char* zone = std::getenv("TZ")) {
+        const std::string name = *zone == ':' ? zone + 1 : zone;
+        return IsTimeZone(name) ? name : "UTC0";
+    }
+    std::error_code error;
+    const std::string path = std::filesystem::canonical(LOCAL, error).string();
+    constexpr std::string_view FOLDER = "/zoneinfo/";
+    const auto folder = path.find(FOLDER);
+    if (folder != std::string::npos && IsTimeZone(path.substr(folder + FOLDER.size()))) {
+        return path.substr(folder + FOLDER.size());
+    }
+    // A copy instead of a link: its last line is the rule.
+    std::ifstream file(LOCAL, std::ios::binary);
+    std::string rule;
+    for (std::string line; std::getline(file, line);) {
+        rule = line;
+    }
+    return IsTimeZone(rule) ? rule : "UTC0";
+}
+
 std::optional<std::int64_t> ParseMoment(const std::string& text)
 {
     if (const auto seconds = ParseSeconds(text)) {

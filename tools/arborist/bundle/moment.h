@@ -11,6 +11,10 @@ namespace command {
 /// needs no database ("CET-1CEST,M3.5.0,M10.5.0/3"). The C library takes any other text for UTC without a word.
 bool IsTimeZone(const std::string& zone);
 
+/// The zone in force, as a text that IsTimeZone takes: its name where the machine tells one, else the rule that holds
+/// from now on; "UTC0" where there is neither.
+std::string ZoneOfThisMachine();
+
 /// Seconds since the epoch of "YYYY-MM-DD HH:MM:SS", local time of the zone in force, or of a number, which is
 /// seconds already. Nothing for any other text, for a date that the calendar lacks, and for an hour that the clocks
 /// skipped.

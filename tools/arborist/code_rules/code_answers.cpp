@@ -50,7 +50,15 @@ bool CodeAnswers::RunCodeRule(std::vector<std::string> faultDescriptionIds, std:
         return Warn("code_runner", about + "exit status " + std::to_string(outcome.exitStatus)
             + ", neither 0 (present) nor 1 (not present): taken as not present");
     }
-    return outcome.exitStatus == 0;
+    return Keep(userDefinedInfo, outcome.exitStatus == 0);
+}
+
+bool CodeAnswers::Keep(const std::string& userDefinedInfo, bool answer)
+{
+    if (mAnswers.try_emplace(userDefinedInfo, answer).first->second != answer) {
+        Warn("code_runner", mRunner.path + ": two answers about \"" + userDefinedInfo + "\" differ");
+    }
+    return answer;
 }
 
 bool CodeAnswers::Warn(const std::string& code, const std::string& message)

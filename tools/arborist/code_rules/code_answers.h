@@ -27,13 +27,17 @@ public:
         std::vector<std::string> repairIds, const std::string& userDefinedInfo) override;
 
     const std::vector<Warning>& GetWarnings() const { return mWarnings; }
+    /// What the program answered, by the rule's text. Of two answers that differ the first stays, with a warning.
+    const std::map<std::string, bool>& GetAnswers() const { return mAnswers; }
 
 private:
+    bool Keep(const std::string& userDefinedInfo, bool answer);
     bool Warn(const std::string& code, const std::string& message);
 
     std::map<std::string, bool> mRecorded;
     CodeRunner mRunner;
     std::vector<Warning> mWarnings;
+    std::map<std::string, bool> mAnswers;
 };
 
 } // namespace command

@@ -95,6 +95,7 @@ ExitStatus RunCommandLine(int argc, const char* const* argv)
         AddReportCommand(app, status);
         AddGraphCommand(app, status);
         AddLogCommand(app, status);
+        AddBundleCommand(app, status);
         AddHelpCommand(app, status);
         if (AsksForVersions(argc, argv)) {
             PrintResult(VersionsJson() + "\n");

@@ -107,10 +107,11 @@ bool HoldsZip(const std::string& name)
 
 std::optional<Failure> Scratch::Make()
 {
-    if (IsMade()) {
-        return std::nullopt;
-    }
-    const std::string root = TemporaryRoot();
+    return IsMade() ? std::nullopt : MakeIn(TemporaryRoot());
+}
+
+std::optional<Failure> Scratch::MakeIn(const std::string& root)
+{
     for (;;) {
         std::string path = root + "/arborist-XXXXXX";
         if (root.empty() || mkdtemp(path.data()) == nullptr) {

@@ -20,6 +20,8 @@ public:
 
     /// Makes the folder; once made, it stays. Otherwise answers why not.
     std::optional<Failure> Make();
+    /// The same in another folder than that for temporary files.
+    std::optional<Failure> MakeIn(const std::string& folder);
     bool IsMade() const { return !mPath.empty(); }
     /// Absolute and without links, empty before Make.
     const std::string& Path() const { return mPath; }

@@ -1,0 +1,249 @@
+#include <filesystem>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/event_log_builder.h"
+#include "tests/support/temp_dir.h"
+#include "tests/support/xml_builder.h"
+#include "tests/tools/command_bundle.h"
+#include "tools/arborist/capture/captured_files.h"
+#include "tools/arborist/capture/rule_paths.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+namespace fs = std::filesystem;
+
+// 2024-05-20 12:00:00 UTC, the moment of WriteDropsBundle.
+constexpr std::int64_t NOW = 1716206400;
+constexpr std::int64_t DAY = 86400;
+
+const std::string CODE_RUNNER = std::string(ARBORIST_SOURCE_DIR) + "/examples/laptop/code-runner.sh";
+
+class BundleCommandTest : public testing::Test {
+protected:
+    static ProcessResult Pack(std::vector<std::string> arguments)
+    {
+        arguments.insert(arguments.begin(), {"bundle", "pack"});
+        return RunArborist(arguments);
+    }
+
+    // What a detection prints, run in `folder` and in another zone, where the bundle is always named the same.
+    std::string Detect(const std::string& folder, const std::string& bundle, const std::vector<std::string>& more = {}) const
+    {
+        std::vector<std::string> arguments = {"detect", "--json", "--tree", "--log-level", "none", bundle};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return RunArborist(arguments, {.environment = {{"TZ", "Asia/Tokyo"}}, .directory = folder}).out;
+    }
+
+    // A bundle for the machine that it is run on: its rule names an absolute path of `value`.
+    void WriteLiveBundle(const std::string& value) const
+    {
+        const auto path = mDir.Write("machine/sys/temperature", value);
+        const auto isHot = ConditionXml({SingleLogicXml(TestXml("gt", "t", "70"))});
+        const auto rule = NodeRuleXml("hot", {NodeInfoXml("T", path), ParamsXml({ParamXml("t", "T", "int")}), isHot});
+        mDir.Write("live/bundle.json", BundleJson());
+        mDir.Write("live/rules/FaultTrees.xml", TreeXml("Tag").Version("3").Tree("T", Or({Basic("HOT")})).Text());
+        mDir.Write("live/rules/FaultTreeRules.xml", RuleXml("Tag").EventRule("HOT", {Single("hot")}).Rule(rule).Text());
+    }
+
+    TempDir mDir;
+};
+
+TEST_F(BundleCommandTest, APackedBundleReplaysElsewhereByteForByte)
+{
+    PrepareLaptop("here/b");
+    const auto before = StateOf("here");
+    EXPECT_THAT(Pack({"here/b", "-o", "b.zip", "--code-runner", CODE_RUNNER}).out, StartsWith("b.zip: "));
+    EXPECT_THAT(Pack({"b.zip", "-o", "b"}).err, IsEmpty());
+    EXPECT_EQ(StateOf("here"), before);
+    mDir.MakeDir("elsewhere/deep");
+    fs::rename("b", "elsewhere/deep/b");
+
+    const auto original = Detect("here", "b", {"--code-runner", CODE_RUNNER});
+    EXPECT_THAT(original, HasSubstr("PIXELS_DEAD"));
+    EXPECT_EQ(Detect("elsewhere/deep", "b"), original);
+    mDir.MakeDir("packed");
+    fs::rename("b.zip", "packed/b");
+    EXPECT_EQ(Detect("packed", "b"), original);
+}
+
+TEST_F(BundleCommandTest, APackOfTheSameBundleHasTheSameBytes)
+{
+    PrepareLaptop("b");
+    Pack({"b", "-o", "one.zip"});
+    Pack({"b", "-o", "two.zip"});
+    EXPECT_EQ(mDir.Read("one.zip"), mDir.Read("two.zip"));
+    Pack({"one.zip", "-o", "three.zip"});
+    EXPECT_EQ(mDir.Read("three.zip"), mDir.Read("one.zip"));
+}
+
+TEST_F(BundleCommandTest, FilesOfALiveDeviceAreCapturedBelowARoot)
+{
+    WriteLiveBundle("80\n");
+    EXPECT_EQ(Pack({"live", "-o", "packed"}).status, 0);
+    EXPECT_EQ(mDir.Read("packed/device" + mDir.Path("machine/sys/temperature")), "80\n");
+    mDir.Write("machine/sys/temperature", "20\n");
+    EXPECT_THAT(RunArborist({"detect", "packed"}).out, HasSubstr("1. HOT"));
+    EXPECT_THAT(RunArborist({"detect", "live"}).out, HasSubstr("no fault"));
+}
+
+TEST_F(BundleCommandTest, TheMomentAndTheZoneOfThePackingAreRecorded)
+{
+    WriteHotBundle(mDir, "b");
+    const auto packed = RunArborist({"bundle", "pack", "b", "-o", "p"}, {.environment = {{"TZ", "Europe/Berlin"}}});
+    EXPECT_EQ(packed.status, 0);
+    EXPECT_THAT(mDir.Read("p/bundle.json"), HasSubstr("\"tz\": \"Europe/Berlin\""));
+    EXPECT_THAT(mDir.Read("p/bundle.json"), testing::ContainsRegex("\"now\": (\"20|[0-9]{10})"));
+    Pack({"b", "-o", "q", "--now", "2024-05-01 10:00:00", "--tz", "UTC"});
+    EXPECT_THAT(mDir.Read("q/bundle.json"), HasSubstr("\"now\": \"2024-05-01 10:00:00\""));
+    EXPECT_THAT(mDir.Read("q/bundle.json"), HasSubstr("\"tz\": \"UTC\""));
+}
+
+TEST_F(BundleCommandTest, TheWindowLeavesOutWhatNoRuleReaches)
+{
+    WriteDropsBundle(mDir, "b");
+    EventLogBuilder().Rows({{NOW - 8 * DAY, 1001, "", ""}, {NOW - 7 * DAY, 1001, "", ""}, {NOW - DAY, 1001, "", ""},
+        {NOW, 1001, "", ""}}).WriteTo(mDir.Path("b") + LOG_OF_BUNDLE);
+    Pack({"b", "-o", "whole"});
+    Pack({"b", "-o", "part", "--window"});
+    const auto rows = [this](const std::string& bundle) {
+        const auto shown = RunArborist({"log", "show", bundle + LOG_OF_BUNDLE}).out;
+        return std::count(shown.begin(), shown.end(), '\n');
+    };
+    EXPECT_EQ(rows("whole"), 4);
+    EXPECT_EQ(rows("part"), 3);
+    EXPECT_EQ(mDir.Read("whole" + std::string(LOG_OF_BUNDLE)), mDir.Read("b" + std::string(LOG_OF_BUNDLE)));
+    EXPECT_THAT(RunArborist({"detect", "part"}).out, HasSubstr("1. DROPS"));
+}
+
+TEST_F(BundleCommandTest, OtherRulesAreCapturedInTheirPlace)
+{
+    WriteHotBundle(mDir, "b");
+    WriteDropsBundle(mDir, "other");
+    Pack({"b", "--rules", "other/rules", "-o", "packed"});
+    EXPECT_EQ(mDir.Read("packed/rules/FaultTreeRules.xml"), mDir.Read("other/rules/FaultTreeRules.xml"));
+}
+
+TEST_F(BundleCommandTest, WhatCannotBePackedLeavesNothing)
+{
+    WriteHotBundle(mDir, "b");
+    mDir.MakeDir("there");
+    EXPECT_THAT(Pack({"b", "-o", "there"}).err, EndsWith("there: exists already [not_packed]\n"));
+    fs::remove("b/rules/FaultTreeRules.xml");
+    const auto result = Pack({"b", "--log-level", "none", "-o", "packed"});
+    EXPECT_THAT(result.err, EndsWith("[rule_file_missing]\n"));
+    EXPECT_EQ(result.status, 3);
+    EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 2);
+}
+
+TEST_F(BundleCommandTest, InfoTellsWhatIsInABundle)
+{
+    WriteHotBundle(mDir, "b", BundleJson(R"(, "now": 5, "tz": "UTC", "device": {"Product": "P1"})"));
+    fs::remove("b/temperature");
+    EXPECT_EQ(RunArborist({"bundle", "info", "b"}).out,
+        "b (folder)\n"
+        "  rules             1 tree, 1 rule under the tag Tag\n"
+        "  scene             1\n"
+        "  moment            5, zone UTC\n"
+        "  device            Product P1\n"
+        "  settings          ProgramDataDir programdata\n"
+        "  event log         none\n"
+        "  repair records    0\n"
+        "  node files        1 named, 0 there\n"
+        "                    missing: temperature\n"
+        "  searched folders  0 named, 0 there\n"
+        "  code answers      0\n");
+    EXPECT_THAT(RunArborist({"bundle", "info", "--json", "b"}).out,
+        AllOf(StartsWith("{\"schema\": \"arborist.bundle.1\", \"bundle\": \"b\", \"ok\": true, \"warnings\": [], "),
+            EndsWith("\"log\": {\"exists\": false, \"rows\": 0}, \"repairs\": {\"rows\": 0}, "
+                     "\"nodeFiles\": [{\"path\": \"temperature\", \"exists\": false}], \"searchedFolders\": []}\n")));
+    EXPECT_EQ(RunArborist({"bundle", "info", "nowhere"}).status, 4);
+}
+
+TEST_F(BundleCommandTest, VerifyTellsWhatIsSoundMissingAndBroken)
+{
+    WriteDropsBundle(mDir, "b");
+    EXPECT_EQ(RunArborist({"bundle", "verify", "b"}).out,
+        "b\n"
+        "  ok                bundle.json can be used\n"
+        "  ok                the rule set can be used\n"
+        "  missing           the event log is not there [missing_log]\n"
+        "  ok                the repair records can be read\n"
+        "  ok                node file: 0 of 0 are there\n"
+        "  ok                searched folder: 0 of 0 are there\n");
+    EXPECT_EQ(RunArborist({"bundle", "verify", "b"}).status, 0);
+    EXPECT_EQ(RunArborist({"bundle", "verify", "--strict", "b"}).status, 4);
+    EventLogBuilder::Run(mDir.Write("b" + std::string(LOG_OF_BUNDLE), ""), "CREATE TABLE other (a)");
+    const auto noTables = RunArborist({"bundle", "verify", "b"});
+    EXPECT_THAT(noTables.out, HasSubstr("broken            programdata/Comms/Lumbra/workDir/0/log.db: no such table"));
+    EXPECT_EQ(noTables.status, 4);
+    fs::remove("b/rules/FaultTrees.xml");
+    fs::remove("b" + std::string(LOG_OF_BUNDLE));
+    EXPECT_EQ(RunArborist({"bundle", "verify", "--log-level", "none", "b"}).status, 3);
+    mDir.Write("bad.zip", "PK\3\4 and no more");
+    EXPECT_THAT(RunArborist({"bundle", "verify", "--json", "bad.zip"}).out,
+        HasSubstr("\"ok\": false, \"findings\": [{\"state\": \"broken\", \"code\": \"bad_zip\""));
+}
+
+TEST_F(BundleCommandTest, RulePathsAreThoseOfTheTagEachOnce)
+{
+    const auto node = [](const std::string& path) { return NodeRuleXml("r" + path, {NodeInfoXml("T", path)}); };
+    mDir.Write("rules/P_FaultTreeRules.xml", RuleXml("Tag").Rule(node("/sys/b")).Rule(node("a")).Rule(node("/sys/b"))
+        .Rule(AlarmRuleXml("w", {AlarmIdXml("1", "1", {TimeXml("latest", "90", "1"), TimeXml("duration", "0", "1")})}))
+        .Text());
+    command::Bundle bundle;
+    bundle.treeTag = "Tag";
+    bundle.ruleFilePrefix = "P";
+    const auto paths = command::ReadRulePaths(bundle);
+    EXPECT_THAT(paths.nodeFiles, ElementsAre("/sys/b", "a"));
+    EXPECT_EQ(paths.longestWindow, 90);
+    bundle.treeTag = "Other";
+    EXPECT_THAT(command::ReadRulePaths(bundle).nodeFiles, IsEmpty());
+}
+
+TEST_F(BundleCommandTest, WindowsThatWrapAroundHaveNoBound)
+{
+    mDir.Write("rules/FaultTreeRules.xml", RuleXml("Tag").Rule(
+        AlarmRuleXml("w", {AlarmIdXml("1", "1", {TimeXml("latest", "24856", "1")})})).Text());
+    command::Bundle bundle;
+    bundle.treeTag = "Tag";
+    EXPECT_FALSE(command::ReadRulePaths(bundle).longestWindow.has_value());
+}
+
+TEST_F(BundleCommandTest, FoldersAreCapturedWithEmptyOnesAndWithoutEndlessLinks)
+{
+    mDir.Write("source/a/file", "x");
+    mDir.MakeDir("source/empty");
+    fs::create_directory_symlink("..", "source/a/up");
+    fs::create_symlink("file", "source/a/link");
+    command::CapturedFiles files(mDir.MakeDir("target"), {});
+    EXPECT_FALSE(files.AddFolder("source", "device/source").has_value());
+    EXPECT_EQ(mDir.Read("target/device/source/a/link"), "x");
+    EXPECT_TRUE(mDir.Has("target/device/source/empty"));
+    EXPECT_FALSE(mDir.Has("target/device/source/a/up"));
+    EXPECT_EQ(files.Files(), 2U);
+    command::CapturedFiles few(mDir.MakeDir("few"), {.entries = 1});
+    EXPECT_EQ(few.AddFolder("source", "s")->code, "too_large");
+}
+
+TEST_F(BundleCommandTest, APathThatLeadsOutIsLeftOutWithAWarning)
+{
+    WriteHotBundle(mDir, "b");
+    auto rules = mDir.Read("b/rules/FaultTreeRules.xml");
+    rules.replace(rules.find("path=\"temperature\""), 18, "path=\"../secret\"");
+    mDir.Write("b/rules/FaultTreeRules.xml", rules);
+    mDir.Write("secret", "90");
+    const auto result = Pack({"b", "-o", "packed"});
+    EXPECT_THAT(result.err, HasSubstr("warning: ../secret: leads out of the bundle, and is left out"));
+    EXPECT_EQ(result.status, 0);
+}
+
+} // namespace

@@ -1,0 +1,37 @@
+#ifndef ARBORIST_TOOLS_CAPTURE_BUNDLE_CAPTURE_H
+#define ARBORIST_TOOLS_CAPTURE_BUNDLE_CAPTURE_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/arborist/bundle/bundle_session.h"
+#include "tools/arborist/code_rules/code_answers.h"
+#include "tools/arborist/problem.h"
+
+namespace command {
+
+/// What the command line says about a capture.
+struct CaptureOptions {
+    BundleOverrides overrides;
+    /// With a program, a detection is run and its answers are recorded.
+    CodeRunner codeRunner;
+    /// Of the event log only what the longest window of the rules reaches.
+    bool isWindowOnly = false;
+};
+
+struct CaptureReport {
+    std::optional<Failure> failure;
+    std::vector<Warning> warnings;
+    std::uint64_t files = 0;
+    std::uint64_t bytes = 0;
+};
+
+/// Captures a bundle, and what its rules name outside it, into a bundle that stands for itself: a zip when `target`
+/// ends in ".zip", which replaces an old one, else a folder, which must not be there. Either comes into being whole.
+CaptureReport CaptureBundle(const BundlePath& bundle, const std::string& target, const CaptureOptions& options);
+
+} // namespace command
+
+#endif

@@ -1,0 +1,35 @@
+#ifndef ARBORIST_TOOLS_CAPTURE_RULE_PATHS_H
+#define ARBORIST_TOOLS_CAPTURE_RULE_PATHS_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/arborist/bundle/bundle.h"
+
+namespace command {
+
+/// What a rule set looks at on a device, beside the library's own databases.
+struct RulePaths {
+    /// Paths as the rules name them, each once, in file order.
+    std::vector<std::string> nodeFiles;
+    std::vector<std::string> searchedFolders;
+    /// The longest time window of all rules, days; nothing when one has no bound.
+    std::optional<std::int64_t> longestWindow = 0;
+};
+
+/// Path of the rule file of a bundle, from the bundle's folder.
+std::string RuleFilePath(const Bundle& bundle);
+std::string TreeFilePath(const Bundle& bundle);
+
+/// Reads what stands under the bundle's tag in its rule file, whether or not a rule ever asks for it on this device.
+/// A file that can't be read names nothing.
+RulePaths ReadRulePaths(const Bundle& bundle);
+
+/// Where the library looks for a path of a rule on a device whose root is at `root`.
+std::string OnDevice(const std::string& root, const std::string& path);
+
+} // namespace command
+
+#endif

@@ -1,0 +1,129 @@
+#include <chrono>
+
+#include <CLI/CLI.hpp>
+
+#include "tools/arborist/capture/bundle_capture.h"
+#include "tools/arborist/capture/bundle_contents.h"
+#include "tools/arborist/code_rules/code_program.h"
+#include "tools/arborist/commands/commands.h"
+#include "tools/arborist/commands/output.h"
+#include "tools/arborist/commands/shared_options.h"
+#include "tools/arborist/render/bundle_report.h"
+#include "tools/arborist/text/printable.h"
+
+namespace command {
+
+namespace {
+
+struct BundleOptions {
+    std::string bundle;
+    std::string target;
+    CaptureOptions capture;
+    LogOptions log;
+    double codeTimeout = 30;
+    bool asJson = false;
+    bool isStrict = false;
+};
+
+ExitStatus Pack(BundleOptions options)
+{
+    if (!IsLogOpen(options.log)) {
+        return ExitStatus::WRONG_USE;
+    }
+    CodeRunner& runner = options.capture.codeRunner;
+    runner.timeout = std::chrono::milliseconds(static_cast<std::int64_t>(options.codeTimeout * 1000));
+    runner.path = runner.path.empty() ? "" : FindProgram(runner.path);
+    const auto report = CaptureBundle(MakeBundlePath(options.bundle), options.target, options.capture);
+    PrintProblems(options.bundle, report.warnings, report.failure ? &*report.failure : nullptr);
+    if (report.failure) {
+        return report.failure->status;
+    }
+    PrintResult(Printable(options.target) + ": " + std::to_string(report.files) + " files, "
+        + std::to_string(report.bytes) + " bytes\n");
+    return ExitStatus::SUCCESS;
+}
+
+ExitStatus Info(const BundleOptions& options)
+{
+    if (!IsLogOpen(options.log)) {
+        return ExitStatus::WRONG_USE;
+    }
+    const auto contents = LookIntoBundle(MakeBundlePath(options.bundle), options.capture.overrides);
+    if (options.asJson) {
+        PrintResult(BundleJson(contents) + "\n");
+    } else {
+        PrintProblems(options.bundle, contents.warnings, contents.failure ? &*contents.failure : nullptr);
+        PrintResult(BundleText(contents));
+    }
+    return contents.failure ? contents.failure->status : ExitStatus::SUCCESS;
+}
+
+ExitStatus Verify(const BundleOptions& options)
+{
+    if (!IsLogOpen(options.log)) {
+        return ExitStatus::WRONG_USE;
+    }
+    const auto findings = CheckBundle(LookIntoBundle(MakeBundlePath(options.bundle), options.capture.overrides));
+    ExitStatus status = ExitStatus::SUCCESS;
+    for (const BundleFinding& finding : findings) {
+        const bool isMissing = finding.state == BundleFinding::State::MISSING;
+        status = MoreSerious(status, isMissing && options.isStrict ? ExitStatus::INPUT : finding.status);
+    }
+    PrintResult(options.asJson ? CheckJson(options.bundle, status == ExitStatus::SUCCESS, findings) + "\n"
+                               : CheckText(options.bundle, findings));
+    return status;
+}
+
+CLI::App* AddCommand(CLI::App& bundle, const std::string& name, const std::string& description,
+    const std::shared_ptr<BundleOptions>& options)
+{
+    CLI::App* command = bundle.add_subcommand(name, description);
+    command->add_option("BUNDLE", options->bundle, "Folder or zip with a bundle.json")->required();
+    AddOverrides(*command, options->capture.overrides);
+    AddRules(*command, options->capture.overrides);
+    AddLogOptions(*command, options->log);
+    return command;
+}
+
+void AddPackCommand(CLI::App& bundle, ExitStatus& status)
+{
+    static constexpr double LONGEST_TIMEOUT = 86400;
+    auto options = std::make_shared<BundleOptions>();
+    CLI::App* pack = AddCommand(bundle, "pack", "Capture a device: all that a diagnosis looks at, in one bundle", options);
+    pack->add_option("-o,--output", options->target, "Zip to make (the name ends in .zip), or folder")
+        ->type_name("OUT")->required();
+    pack->add_flag("--window", options->capture.isWindowOnly,
+        "Of the event log only what the longest window of the rules reaches");
+    pack->add_option("--code-runner", options->capture.codeRunner.path,
+        "Program that answers code rules; its answers are recorded")->type_name("PROGRAM");
+    pack->add_option("--code-timeout", options->codeTimeout, "Seconds that the program may take for one answer")
+        ->type_name("SECONDS")->check(CLI::Range(0.001, LONGEST_TIMEOUT))->capture_default_str();
+    pack->footer("Examples:\n  arborist bundle pack examples/laptop -o laptop.zip\n"
+                 "  arborist bundle pack . --window --code-runner ./tests.sh -o /tmp/device-7");
+    pack->callback([options, &status] { status = Pack(*options); });
+}
+
+} // namespace
+
+void AddBundleCommand(CLI::App& app, ExitStatus& status)
+{
+    CLI::App* bundle = app.add_subcommand("bundle", "Bundles: capture a device, look into a capture, check it");
+    bundle->require_subcommand(1);
+    bundle->footer("Example:\n  arborist bundle pack examples/laptop -o laptop.zip");
+    AddPackCommand(*bundle, status);
+
+    auto infoOptions = std::make_shared<BundleOptions>();
+    CLI::App* info = AddCommand(*bundle, "info", "Tell what a bundle holds", infoOptions);
+    info->add_flag("--json", infoOptions->asJson, "One JSON object");
+    info->footer("Example:\n  arborist bundle info laptop.zip");
+    info->callback([infoOptions, &status] { status = Info(*infoOptions); });
+
+    auto verifyOptions = std::make_shared<BundleOptions>();
+    CLI::App* verify = AddCommand(*bundle, "verify", "Check whether a bundle can be run", verifyOptions);
+    verify->add_flag("--json", verifyOptions->asJson, "One JSON object");
+    verify->add_flag("--strict", verifyOptions->isStrict, "What is missing counts as an error, too");
+    verify->footer("Example:\n  arborist bundle verify laptop.zip");
+    verify->callback([verifyOptions, &status] { status = Verify(*verifyOptions); });
+}
+
+} // namespace command
