@@ -152,26 +152,30 @@ bool AlarmRuleEngine::IsRuleHitBySettingTime(const AlarmItem& item, std::size_t 
     const Measure measure = timeType == TimeSet::DAILY_PEAK ? Measure::DAILY_PEAK : Measure::PERIOD;
     const bool isHit = item->type == PARAM_EVENT_ID ? IsWithParamTestChecked(*item, *timeSet, window)
                                                     : IsAnyIdHit(measure, {}, window);
-    const Reason miss = mIsLogReadable ? Reason::WINDOW_SHORT : Reason::LOG_UNAVAILABLE;
+    const Reason miss = mIsLogReadable ? window.miss : Reason::LOG_UNAVAILABLE;
     return TellWindow(window, isHit ? Reason::WINDOW_REACHED : miss, isHit);
 }
 
 bool AlarmRuleEngine::IsWithParamTestChecked(const AlarmRule::AlarmItem& item, TimeSet& timeSet, Window& window)
 {
+    window.miss = Reason::NO_CONDITION;
     if (item.conditionList.empty() || item.params.empty()) {
         return false;
     }
     timeSet.timeType = window.timeType;
     for (const std::shared_ptr<OrLogic>& orLogic : item.conditionList) {
         if (orLogic != nullptr && orLogic->GetType() == SINGLE_LOGIC) {
+            window.miss = Reason::WINDOW_SHORT;
             if (IsHitForSingleTypeTestChecked(*orLogic, item, window)) {
                 return true;
             }
         } else if (orLogic != nullptr && orLogic->GetType() == MULTIPLE_LOGIC) {
+            window.miss = Reason::WINDOW_SHORT;
             if (IsHitForMultipleTypeTestChecked(*orLogic, item, window)) {
                 return true;
             }
         } else {
+            window.miss = window.miss == Reason::NO_CONDITION ? Reason::UNKNOWN_CONDITION : window.miss;
             FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Undefined Logic type",
                 "AlarmRuleEngine::IsWithParamTestChecked");
         }
@@ -264,6 +268,8 @@ void AlarmRuleEngine::VisitIds(const TestList& tests, Window& window, const Rows
         }
         return visitor(rows);
     };
+    window.rowsFailed = 0;
+    window.tallies.assign(tests.size(), {});
     if (withMembers) {
         mEventStore->Foresee(window.ids.first, window.ids.last, testKeys);
     } else {
@@ -279,12 +285,27 @@ void AlarmRuleEngine::VisitIds(const TestList& tests, Window& window, const Rows
     const bool isReadable = mEventStore->VisitEvents(
         {window.ids.first, window.ids.last, window.start, window.fromUpdate, withMembers}, visit);
     mIsLogReadable = mIsLogReadable && isReadable;
+    CloseCount(tests, window);
+}
+
+void AlarmRuleEngine::CloseCount(const TestList& tests, Window& window) const
+{
+    std::uint64_t& failed = window.seen.rowsFailedTest;
+    failed = window.counts == 0 ? window.rowsFailed : std::min(failed, window.rowsFailed);
+    ++window.counts;
+    for (std::size_t test = 0; GetObserver() != nullptr && test < tests.size(); ++test) {
+        const TestPara& para = tests[test].GetPara();
+        const Tally& tally = window.tallies[test];
+        GetObserver()->OnAlarmTest({para.key, para.type, para.logic, para.value, tally.tested, tally.passed});
+    }
 }
 
 bool AlarmRuleEngine::IsHit(Measure measure, EventRows& rows, const TestList& tests, Window& window)
 {
-    window.seen.rowsFound += rows.GetFoundCount();
-    window.seen.rowsOfOtherVersion += rows.GetFoundCount() - std::min(rows.GetFoundCount(), rows.GetCount());
+    if (window.counts == 0) { // the next condition's count meets the same rows again
+        window.seen.rowsFound += rows.GetFoundCount();
+        window.seen.rowsOfOtherVersion += rows.GetFoundCount() - std::min(rows.GetFoundCount(), rows.GetCount());
+    }
     if (rows.GetCount() == 0) {
         return false;
     }
@@ -308,12 +329,12 @@ bool AlarmRuleEngine::IsFaultForPeriod(EventRows& rows, const MemberTest* test, 
         for (std::size_t row = 0; row < rows.GetCount(); ++row) {
             // A negative weight takes away, and wraps below 0.
             count += test != nullptr
-                ? static_cast<std::uint64_t>(IsErrorForEventWithParam(rows, row, 0, *test))
+                ? static_cast<std::uint64_t>(IsErrorForEventWithParam(rows, row, 0, *test, window.tallies.front()))
                 : static_cast<std::uint64_t>(std::int64_t{DetectionCustomize::CheckDmdEventCount(rows.GetMember(row, 0))});
         }
     }
     if (test != nullptr) {
-        window.seen.rowsFailedTest += rows.GetCount() - count;
+        window.rowsFailed += rows.GetCount() - count;
     }
     NoteReached(window.seen, rows, static_cast<std::int64_t>(count));
     // Compared without sign: a negative threshold is never reached.
@@ -336,8 +357,8 @@ bool AlarmRuleEngine::IsFaultForDaily(EventRows& rows, const MemberTest* test, W
         }
         std::int32_t weight = 0;
         if (test != nullptr) {
-            weight = IsErrorForEventWithParam(rows, row, 0, *test) ? 1 : 0;
-            window.seen.rowsFailedTest += weight == 0 ? 1U : 0U;
+            weight = IsErrorForEventWithParam(rows, row, 0, *test, window.tallies.front()) ? 1 : 0;
+            window.rowsFailed += weight == 0 ? 1U : 0U;
         } else {
             weight = DetectionCustomize::CheckDmdEventCount(rows.GetMember(row, 0));
         }
@@ -356,21 +377,25 @@ bool AlarmRuleEngine::IsFaultForPeriodWithParam(EventRows& rows, const TestList&
     std::int32_t count = 0;
     for (std::size_t row = 0; row < rows.GetCount(); ++row) {
         std::size_t passed = 0;
-        while (passed < tests.size() && IsErrorForEventWithParam(rows, row, passed, tests[passed])) {
+        while (passed < tests.size()
+            && IsErrorForEventWithParam(rows, row, passed, tests[passed], window.tallies[passed])) {
             ++passed;
         }
         const bool isCounted = passed == tests.size();
         AddWrapping(count, isCounted ? 1 : 0);
-        window.seen.rowsFailedTest += isCounted ? 0U : 1U;
+        window.rowsFailed += isCounted ? 0U : 1U;
     }
     NoteReached(window.seen, rows, count);
     return count >= window.threshold;
 }
 
 bool AlarmRuleEngine::IsErrorForEventWithParam(
-    const EventRows& rows, std::size_t row, std::size_t keyNumber, const MemberTest& test)
+    const EventRows& rows, std::size_t row, std::size_t keyNumber, const MemberTest& test, Tally& tally)
 {
-    return test.Passes(rows.GetMember(row, keyNumber));
+    const bool passes = test.Passes(rows.GetMember(row, keyNumber));
+    ++tally.tested;
+    tally.passed += passes ? 1U : 0U;
+    return passes;
 }
 
 // Passes the answer on. The rule's reason is the one of the last window that was there.

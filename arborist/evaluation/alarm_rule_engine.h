@@ -49,6 +49,12 @@ private:
         std::int32_t last;
     };
 
+    // How one test fared in one count of a window.
+    struct Tally {
+        std::uint64_t tested = 0;
+        std::uint64_t passed = 0;
+    };
+
     // One window of one item, while it is counted, and what is told of it.
     struct Window {
         std::size_t itemNumber;
@@ -58,6 +64,12 @@ private:
         std::int64_t start;
         bool fromUpdate;
         DetectionObserver::AlarmWindowSeen seen;
+        // Why the window was missed, where the log could be read.
+        DetectionObserver::Reason miss = DetectionObserver::Reason::WINDOW_SHORT;
+        // Conditions are counted one after the other: counts so far, and what this one found.
+        std::size_t counts = 0;
+        std::uint64_t rowsFailed = 0;
+        std::vector<Tally> tallies = {};
     };
 
     // What of the rows of one id is held against the threshold.
@@ -77,12 +89,13 @@ private:
     bool IsAnyIdHit(Measure measure, const TestList& tests, Window& window);
     bool IsLastIdHit(const MemberTest& test, Window& window);
     void VisitIds(const TestList& tests, Window& window, const RowsVisitor& visitor);
+    void CloseCount(const TestList& tests, Window& window) const;
     bool IsHit(Measure measure, EventRows& rows, const TestList& tests, Window& window);
     bool IsFaultForPeriod(EventRows& rows, const MemberTest* test, Window& window);
     bool IsFaultForDaily(EventRows& rows, const MemberTest* test, Window& window);
     bool IsFaultForPeriodWithParam(EventRows& rows, const TestList& tests, Window& window);
     static bool IsErrorForEventWithParam(
-        const EventRows& rows, std::size_t row, std::size_t keyNumber, const MemberTest& test);
+        const EventRows& rows, std::size_t row, std::size_t keyNumber, const MemberTest& test, Tally& tally);
     bool TellWindow(Window& window, DetectionObserver::Reason reason, bool isHit);
 
     std::shared_ptr<AlarmRuleDbHelper> mEventStore;

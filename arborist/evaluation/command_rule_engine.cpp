@@ -132,6 +132,8 @@ bool CommandRuleEngine::IsFaultInDatabase(const CommandRule& rule, const Query& 
     const bool isFault = IsFaultForSingleSql(rule, list);
     if (!isFault && mDbHelper->GetRowCount() != 1) {
         NoteReason(Reason::ROW_COUNT_NOT_ONE);
+    } else if (!isFault && mDbHelper->IsIntervalMissing()) {
+        NoteReason(Reason::NO_INTERVAL);
     }
     return isFault;
 }
@@ -188,14 +190,10 @@ bool CommandRuleEngine::IsFaultForSingleSql(const CommandRule& rule, const Param
         }
         bool isMet = false;
         if (orLogic->GetType() == SINGLE_LOGIC) {
-            const auto param = GetParam(list, orLogic->GetParamId());
-            if (param == nullptr || param->value.empty()) {
-                // Ends the rule; the conditions behind aren't looked at.
-                return Decide(Reason::NO_VALUE, false);
+            isMet = IsFaultForSingleLogic(list, orLogic, rule);
+            if (!isMet && GetReason() == Reason::NO_VALUE) {
+                return false; // ends the rule; the conditions behind aren't looked at
             }
-            const std::string& source = orLogic->GetLogicType();
-            isMet = CompareParam(*param, orLogic->GetLogic(), GetThreshold(orLogic, rule), param->value,
-                IsThresholdSource(source) ? std::string_view(source) : std::string_view());
         } else if (orLogic->GetType() == MULTIPLE_LOGIC) {
             isMet = IsFaultForSqlMultiLogic(list, orLogic);
         } else {
@@ -206,25 +204,41 @@ bool CommandRuleEngine::IsFaultForSingleSql(const CommandRule& rule, const Param
         if (isMet) {
             return Decide(Reason::CONDITION_MET, true);
         }
-        NoteReason(Reason::CONDITION_NOT_MET);
     }
     return false;
 }
 
-bool CommandRuleEngine::IsFaultForSqlMultiLogic(
-    const ParamList& list, const std::shared_ptr<OrLogic>& orLogic) const
+bool CommandRuleEngine::IsFaultForSingleLogic(
+    const ParamList& list, const std::shared_ptr<OrLogic>& orLogic, const CommandRule& rule)
 {
-    if (orLogic == nullptr || list.empty()) {
-        return false;
+    const auto param = GetParam(list, orLogic->GetParamId());
+    const std::string& source = orLogic->GetLogicType();
+    const std::string threshold = GetThreshold(orLogic, rule);
+    const std::string_view sourceWord = IsThresholdSource(source) ? std::string_view(source) : std::string_view();
+    const std::string_view sourceId =
+        source == STATIC_TYPE ? std::string_view() : std::string_view(orLogic->GetCommonPartParamId());
+    if (param == nullptr || param->value.empty()) {
+        const Param missing{{}, {}, orLogic->GetParamId(), {}};
+        CompareParam(param != nullptr ? *param : missing, orLogic->GetLogic(), threshold, {}, sourceWord, sourceId);
+        return Decide(Reason::NO_VALUE, false);
     }
+    NoteReason(threshold.empty() ? Reason::NO_THRESHOLD : Reason::CONDITION_NOT_MET);
+    return CompareParam(*param, orLogic->GetLogic(), threshold, param->value, sourceWord, sourceId);
+}
+
+bool CommandRuleEngine::IsFaultForSqlMultiLogic(const ParamList& list, const std::shared_ptr<OrLogic>& orLogic)
+{
+    NoteReason(Reason::CONDITION_NOT_MET);
     const OrLogic::LogicItemList& items = orLogic->GetLogicItemList();
-    if (items.empty() || items.front() == nullptr) {
+    if (list.empty() || items.empty() || items.front() == nullptr) {
         return false;
     }
     // All items are held against the parameter of the first: that is how a range of one column is written.
     const auto param = GetParam(list, items.front()->GetParamId());
     if (param == nullptr || param->value.empty()) {
-        return false;
+        const Param missing{{}, {}, items.front()->GetParamId(), {}};
+        CompareParam(param != nullptr ? *param : missing, items.front()->GetLogic(), items.front()->GetValue(), {});
+        return Decide(Reason::NO_VALUE, false);
     }
     for (const auto& item : items) {
         if (item == nullptr || !CompareParam(*param, item->GetLogic(), item->GetValue(), param->value)) {

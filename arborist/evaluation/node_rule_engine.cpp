@@ -59,7 +59,7 @@ bool NodeRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const st
 {
     const auto* nodeRule = dynamic_cast<const NodeRule*>(rule.get());
     if (nodeRule == nullptr || eventId.empty()) {
-        return Decide(Reason::NONE, false);
+        return Decide(nodeRule == nullptr ? Reason::NONE : Reason::NO_EVENT_ID, false);
     }
     if (nodeRule->GetNodeInfoList().empty() || nodeRule->GetParamMap().empty()) {
         return Decide(Reason::NO_NODES, false);

@@ -68,11 +68,13 @@ bool RuleChecker::IsFaultForParam(const std::string& logic, const std::string& t
 }
 
 bool RuleChecker::CompareParam(const Param& param, const std::string& logic, const std::string& configured,
-                               const std::string& observed, std::string_view source) const
+                               const std::string& observed, std::string_view source,
+                               std::string_view sourceId) const
 {
     const bool holds = IsFaultForParam(logic, param.type, configured, observed);
     if (mObserver != nullptr) {
-        mObserver->OnComparison({param.id, param.key, param.type, logic, observed, configured, source, holds});
+        mObserver->OnComparison(
+            {param.id, param.key, param.type, logic, observed, configured, source, holds, sourceId});
     }
     return holds;
 }

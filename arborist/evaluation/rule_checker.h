@@ -53,9 +53,10 @@ public:
 
 protected:
     /// IsFaultForParam for a parameter of the rule, with its type, told to the observer. `source` is where the
-    /// configured value came from ("static", "dynamic", "systemParam"), empty for the rule's own text.
+    /// configured value came from ("static", "dynamic", "systemParam"), empty for the rule's own text, and `sourceId`
+    /// its name in the common part.
     bool CompareParam(const Param& param, const std::string& logic, const std::string& configured,
-                      const std::string& observed, std::string_view source = {}) const;
+                      const std::string& observed, std::string_view source = {}, std::string_view sourceId = {}) const;
 
     DetectionObserver* GetObserver() const { return mObserver; }
     void NoteReason(DetectionObserver::Reason reason) { mReason = reason; }

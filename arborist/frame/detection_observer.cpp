@@ -9,6 +9,8 @@ const char* DetectionObserver::ReasonText(Reason reason)
         return "";
     case Reason::INTERACTION_EVENT:
         return "interaction_event";
+    case Reason::NO_EVENT_RULE:
+        return "no_event_rule";
     case Reason::NO_RULE_NAMES:
         return "no_rule_names";
     case Reason::NO_SUCH_RULE:
@@ -53,6 +55,10 @@ const char* DetectionObserver::ReasonText(Reason reason)
         return "database_unavailable";
     case Reason::ROW_COUNT_NOT_ONE:
         return "row_count_not_one";
+    case Reason::NO_INTERVAL:
+        return "no_interval";
+    case Reason::NO_THRESHOLD:
+        return "no_threshold";
     case Reason::HITS_SHORT:
         return "hits_short";
     case Reason::HITS_REACHED:
@@ -103,10 +109,12 @@ void DetectionObserver::OnEventAsked(const EventAsked&) {}
 void DetectionObserver::OnRuleAsked(const RuleAsked&) {}
 void DetectionObserver::OnFilter(const FilterSeen&) {}
 void DetectionObserver::OnStartTime(const StartTimeSeen&) {}
+void DetectionObserver::OnAlarmTest(const AlarmTestSeen&) {}
 void DetectionObserver::OnAlarmWindow(const AlarmWindowSeen&) {}
 void DetectionObserver::OnNodeFile(const NodeFileSeen&) {}
 void DetectionObserver::OnFormula(const FormulaSeen&) {}
 void DetectionObserver::OnQuery(const QuerySeen&) {}
+void DetectionObserver::OnInterval(const IntervalSeen&) {}
 void DetectionObserver::OnParameter(const ParameterSeen&) {}
 void DetectionObserver::OnComparison(const ComparisonSeen&) {}
 void DetectionObserver::OnCodeRun(const CodeRunSeen&) {}

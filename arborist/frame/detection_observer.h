@@ -29,6 +29,7 @@ public:
         NONE,
         // Before a checker is asked.
         INTERACTION_EVENT, ///< the event is left to the host (detect mode "2")
+        NO_EVENT_RULE, ///< the event rules have no entry for the event: it is never asked, and no call tells of it
         NO_RULE_NAMES, ///< the event's entry names no rule
         NO_SUCH_RULE, ///< the name stands for no rule of the set
         FILTERED_BLACK_PRODUCT, ///< the product is on the rule's black list
@@ -53,6 +54,8 @@ public:
         NO_SUCH_DATABASE, ///< the referenced "defDBTable" doesn't exist
         DATABASE_UNAVAILABLE, ///< the database can't be opened
         ROW_COUNT_NOT_ONE, ///< the query failed or gave another number of rows than one
+        NO_INTERVAL, ///< the columns between which values are scaled give no time to scale by
+        NO_THRESHOLD, ///< the value to compare with is empty, in the rule or in the common part
         HITS_SHORT, ///< too few of the referenced databases hit
         HITS_REACHED, ///< enough of the referenced databases hit
         // Node rules.
@@ -136,6 +139,17 @@ public:
         std::string_view repairId;
     };
 
+    /// One test of an alarm item's parameters, after one count of a window; the AlarmWindowSeen behind it tells of the
+    /// window. Where several tests must hold for one row, each is held against the rows that passed those before it.
+    struct AlarmTestSeen {
+        std::string_view key;
+        std::string_view type;
+        std::string_view logic;
+        std::string_view value;
+        std::uint64_t rowsTested;
+        std::uint64_t rowsPassed;
+    };
+
     /// One time window of one item of an alarm rule, after it was counted; the StartTimeSeen before it tells its start.
     struct AlarmWindowSeen {
         std::size_t item;
@@ -147,7 +161,8 @@ public:
         std::int64_t threshold;
         std::int64_t start;
         bool versionFilter;
-        /// Rows of the range since the start; those of another version; those that failed a test.
+        /// Rows of the range since the start, up to the id that reached the threshold; those of another version; those
+        /// that failed a test, of the condition under which the fewest did.
         std::uint64_t rowsFound;
         std::uint64_t rowsOfOtherVersion;
         std::uint64_t rowsFailedTest;
@@ -169,6 +184,8 @@ public:
         /// "static", "dynamic", "systemParam", or empty where the rule's own text is the only source.
         std::string_view source;
         bool holds;
+        /// Name of the threshold or system parameter in the common part; empty for a "static" value.
+        std::string_view sourceId = {};
     };
 
     struct NodeFileSeen {
@@ -191,8 +208,23 @@ public:
         std::string_view database;
         std::string_view sql;
         bool opened;
-        /// Rows that came back; a failed statement gives 0.
+        /// Rows that came back, of a statement that failed those before it did.
         std::uint64_t rows;
+        /// What the database says of a statement that failed; empty otherwise.
+        std::string_view error = {};
+    };
+
+    /// The time between two columns of a command rule's row, by which its values are scaled to 30 days.
+    struct IntervalSeen {
+        /// Empty where the rule doesn't name two columns.
+        std::string_view startKey;
+        std::string_view endKey;
+        /// Seconds since the epoch; 0 for a column that isn't there.
+        std::int64_t start;
+        std::int64_t end;
+        std::uint64_t days;
+        /// False when nothing can be scaled: a column is 0, or they are one second apart.
+        bool usable;
     };
 
     /// A column of a command rule's one row, before and after scaling (the same text where nothing is scaled).
@@ -264,10 +296,12 @@ public:
     virtual void OnRuleAsked(const RuleAsked& rule);
     virtual void OnFilter(const FilterSeen& filter);
     virtual void OnStartTime(const StartTimeSeen& startTime);
+    virtual void OnAlarmTest(const AlarmTestSeen& test);
     virtual void OnAlarmWindow(const AlarmWindowSeen& window);
     virtual void OnNodeFile(const NodeFileSeen& node);
     virtual void OnFormula(const FormulaSeen& formula);
     virtual void OnQuery(const QuerySeen& query);
+    virtual void OnInterval(const IntervalSeen& interval);
     virtual void OnParameter(const ParameterSeen& parameter);
     virtual void OnComparison(const ComparisonSeen& comparison);
     virtual void OnCodeRun(const CodeRunSeen& run);

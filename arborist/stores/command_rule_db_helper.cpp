@@ -128,8 +128,9 @@ CommandRuleDbHelper::ParamList CommandRuleDbHelper::RunSql(const std::string& sq
     FT::sql::SqlTable table(mDatabase.GetHandle(), "tmp_table", fields.data(), fields.size());
     mRowCount = FT::sql::SimpleDatabaseHelper().GetRecordCountByFullSql(table, sql);
     if (mObserver != nullptr) {
-        mObserver->OnQuery({mPath, sql, mDatabase.IsOpen(), table.GetRecordCount()});
+        mObserver->OnQuery({mPath, sql, mDatabase.IsOpen(), table.GetRecordCount(), table.GetErrorMessage()});
     }
+    mIsIntervalMissing = false;
     ParamList result;
     const FT::sql::SqlRecord* const record = table.GetTopRecord();
     if (mRowCount == 1 && record != nullptr) {
@@ -158,12 +159,18 @@ CommandRuleDbHelper::ParamList CommandRuleDbHelper::UpdateParamList(
 }
 
 CommandRuleDbHelper::ParamList CommandRuleDbHelper::UpdateParamListOfNormalization(const ParamList& params,
-    const FT::sql::SqlRecord& record, const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second) const
+    const FT::sql::SqlRecord& record, const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second)
 {
     const std::int64_t start = GetRecordInterval(record, first);
     const std::int64_t end = GetRecordInterval(record, second);
     // One second apart is left out on purpose.
-    if (start == 0 || end == 0 || Distance(start, end) == 1) {
+    mIsIntervalMissing = start == 0 || end == 0 || Distance(start, end) == 1;
+    if (mObserver != nullptr) {
+        const std::uint64_t days = Distance(start, end) / static_cast<std::uint64_t>(SECONDS_OF_DAY);
+        mObserver->OnInterval({first == nullptr ? std::string_view() : first->key,
+            second == nullptr ? std::string_view() : second->key, start, end, days, !mIsIntervalMissing});
+    }
+    if (mIsIntervalMissing) {
         return {};
     }
     return GenerateParamListOfNormalization(params, record, start, end);

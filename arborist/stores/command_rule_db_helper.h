@@ -40,11 +40,13 @@ public:
     void SetObserver(DetectionObserver* observer) { mObserver = observer; }
     /// Rows that the last statement gave.
     std::uint64_t GetRowCount() const { return mRowCount; }
+    /// Whether the last RunSql had a row whose values it could not scale.
+    bool IsIntervalMissing() const { return mIsIntervalMissing; }
 
 private:
     ParamList UpdateParamList(const ParamList& params, const FT::sql::SqlRecord& record) const;
     ParamList UpdateParamListOfNormalization(const ParamList& params, const FT::sql::SqlRecord& record,
-        const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second) const;
+        const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second);
     ParamList GenerateParamListOfNormalization(
         const ParamList& params, const FT::sql::SqlRecord& record, std::int64_t start, std::int64_t end) const;
     void TellParameter(const Param& param, const std::string& raw) const;
@@ -55,6 +57,7 @@ private:
     Platform::FileIdentity mIdentity;
     DetectionObserver* mObserver = nullptr;
     std::uint64_t mRowCount = 0;
+    bool mIsIntervalMissing = false;
 };
 
 #endif

@@ -360,7 +360,7 @@ TEST_F(CommandRuleEngineTest, ObserverHearsQueryValuesAndComparisons)
     EXPECT_THAT(mObserver.Lines(), ElementsAre(
         "query " + mDerived + " rows 1: select n, s from Jank where occurrence_time >1697408000",
         "parameter n n int '5' -> '5'", "parameter s s string 'x' -> 'x'",
-        "compare n n int '5' gt '4' from dynamic holds"));
+        "compare n n int '5' gt '4' from dynamic limit holds"));
     mObserver.Clear();
     mSettings.Set(Settings::PROGRAM_DATA_DIR, mDir.Path("nowhere"));
     Fires({Multiple({{"gt", "n", "9"}})});

@@ -142,6 +142,12 @@ void RecordingObserver::OnStartTime(const StartTimeSeen& seen)
                           seen.periodDays, " flag '", seen.beginFlag, "' repair id '", seen.repairId, '\''));
 }
 
+void RecordingObserver::OnAlarmTest(const AlarmTestSeen& test)
+{
+    mLines.push_back(Line("test ", test.key, ' ', test.type, ' ', test.logic, " '", test.value, "' passed ",
+                          test.rowsPassed, " of ", test.rowsTested));
+}
+
 void RecordingObserver::OnAlarmWindow(const AlarmWindowSeen& window)
 {
     mLines.push_back(Line("window item ", window.item, " ids ", window.firstId, '-', window.lastId, ' ', window.window,
@@ -166,7 +172,14 @@ void RecordingObserver::OnFormula(const FormulaSeen& formula)
 void RecordingObserver::OnQuery(const QuerySeen& query)
 {
     mLines.push_back(
-        Line("query ", query.database, query.opened ? "" : " not opened", " rows ", query.rows, ": ", query.sql));
+        Line("query ", query.database, query.opened ? "" : " not opened", " rows ", query.rows, ": ", query.sql,
+             query.error.empty() ? "" : " failed: ", query.error));
+}
+
+void RecordingObserver::OnInterval(const IntervalSeen& interval)
+{
+    mLines.push_back(Line("interval ", interval.startKey, '=', interval.start, " to ", interval.endKey, '=',
+                          interval.end, " days ", interval.days, interval.usable ? "" : " unusable"));
 }
 
 void RecordingObserver::OnParameter(const ParameterSeen& parameter)
@@ -179,7 +192,7 @@ void RecordingObserver::OnComparison(const ComparisonSeen& seen)
 {
     mLines.push_back(Line("compare ", seen.paramId, ' ', seen.key, ' ', seen.type, " '", seen.observed, "' ",
                           seen.logic, " '", seen.configured, '\'', seen.source.empty() ? "" : " from ", seen.source,
-                          seen.holds ? " holds" : " fails"));
+                          seen.sourceId.empty() ? "" : " ", seen.sourceId, seen.holds ? " holds" : " fails"));
 }
 
 void RecordingObserver::OnCodeRun(const CodeRunSeen& run)

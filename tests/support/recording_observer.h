@@ -20,10 +20,12 @@ public:
     void OnRuleAsked(const RuleAsked& rule) override;
     void OnFilter(const FilterSeen& filter) override;
     void OnStartTime(const StartTimeSeen& startTime) override;
+    void OnAlarmTest(const AlarmTestSeen& test) override;
     void OnAlarmWindow(const AlarmWindowSeen& window) override;
     void OnNodeFile(const NodeFileSeen& node) override;
     void OnFormula(const FormulaSeen& formula) override;
     void OnQuery(const QuerySeen& query) override;
+    void OnInterval(const IntervalSeen& interval) override;
     void OnParameter(const ParameterSeen& parameter) override;
     void OnComparison(const ComparisonSeen& comparison) override;
     void OnCodeRun(const CodeRunSeen& run) override;

@@ -32,6 +32,9 @@ public:
     /// True when the last statement succeeded.
     bool IsOk() const { return resultCode == 0; }
 
+    /// What the database says of the last statement; empty when it succeeded, and where there is no database.
+    const std::string& GetErrorMessage() const { return errorMessage; }
+
     std::uint64_t GetCount() const { return records.size(); }
     /// Null when there is no such row; asks nothing else, so the rows of a failed statement are seen.
     const SqlRecord* GetRecord(std::uint64_t index) const;

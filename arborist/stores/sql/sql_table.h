@@ -28,6 +28,8 @@ public:
     /// What a SqlRecord for this table is built from.
     const FieldMap* GetFields() const { return &fieldMap; }
     std::uint64_t GetRecordCount() const { return sqlOperator.GetCount(); }
+    /// What the database says of the last statement, when that failed.
+    const std::string& GetErrorMessage() const { return sqlOperator.GetErrorMessage(); }
     const SqlRecord* GetRecord(std::uint64_t index) const { return sqlOperator.GetRecord(index); }
     /// The first row, whether or not the statement succeeded.
     const SqlRecord* GetTopRecord() const { return GetRecord(0); }
