@@ -90,6 +90,7 @@ ExitStatus RunCommandLine(int argc, const char* const* argv)
         app.require_subcommand(1);
         ExitStatus status = ExitStatus::SUCCESS;
         AddDetectCommand(app, status);
+        AddExplainCommand(app, status);
         AddQueryCommand(app, status);
         AddRepairCommand(app, status);
         AddReportCommand(app, status);

@@ -12,6 +12,7 @@ namespace command {
 /// Each adds one command to `app`. When the command line names it, it runs while the line is parsed and leaves its
 /// answer in `status`, which must outlive the parse.
 void AddDetectCommand(CLI::App& app, ExitStatus& status);
+void AddExplainCommand(CLI::App& app, ExitStatus& status);
 void AddQueryCommand(CLI::App& app, ExitStatus& status);
 void AddRepairCommand(CLI::App& app, ExitStatus& status);
 void AddReportCommand(CLI::App& app, ExitStatus& status);

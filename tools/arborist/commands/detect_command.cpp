@@ -4,12 +4,13 @@
 
 #include "tools/arborist/batch/batch.h"
 #include "tools/arborist/batch/bundle_list.h"
-#include "tools/arborist/code_rules/code_program.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/output.h"
 #include "tools/arborist/commands/shared_options.h"
+#include "tools/arborist/render/colour.h"
 #include "tools/arborist/render/detection_json.h"
 #include "tools/arborist/render/detection_text.h"
+#include "tools/arborist/render/explanation_text.h"
 
 namespace command {
 
@@ -19,7 +20,7 @@ struct DetectOptions {
     std::vector<std::string> bundles;
     DetectionOptions detection;
     LogOptions log;
-    double codeTimeout = 30;
+    CodeRunnerOptions codeRunner;
     /// A file with bundles, or "-"; empty for none.
     std::string list;
     bool isListNulEnded = false;
@@ -38,6 +39,9 @@ void Print(const DetectionReport& report, bool asJson)
     }
     PrintProblems(report.bundle, report.warnings, report.failure ? &*report.failure : nullptr);
     PrintResult(DetectionText(report));
+    if (report.explanation != nullptr) {
+        PrintResult(ExplanationText(report, {}, IsColoured("auto").value_or(false)));
+    }
 }
 
 ExitStatus StatusOf(const DetectionReport& report, const DetectOptions& options)
@@ -111,11 +115,7 @@ ExitStatus Detect(DetectOptions options)
     if (!IsLogOpen(options.log)) {
         return ExitStatus::WRONG_USE;
     }
-    CodeRunner& runner = options.detection.codeRunner;
-    runner.timeout = std::chrono::milliseconds(static_cast<std::int64_t>(options.codeTimeout * 1000));
-    if (!runner.path.empty()) {
-        runner.path = FindProgram(runner.path);
-    }
+    options.detection.codeRunner = MakeCodeRunner(options.codeRunner);
     if (!options.list.empty()) {
         return DetectBatch(options);
     }
@@ -133,23 +133,18 @@ ExitStatus Detect(DetectOptions options)
 
 void AddDetectCommand(CLI::App& app, ExitStatus& status)
 {
-    static constexpr double LONGEST_TIMEOUT = 86400;
     auto options = std::make_shared<DetectOptions>();
     CLI::App* detect = app.add_subcommand("detect", "Diagnose bundles: one detection for each, and its root causes");
     detect->add_option("BUNDLE", options->bundles, "Folders or zips with a bundle.json");
     detect->add_flag("--json", options->asJson, "One JSON object a line for each bundle");
     detect->add_flag("--tree", options->detection.withTrees, "Show the whole trees with the status of each event");
+    detect->add_flag("--explain", options->detection.withExplanation, "Tell why as well: what 'arborist explain' tells, "
+        "of the same run");
     detect->add_flag("--fail-on-fault", options->failsOnFault, "Exit with 1 when a fault is found");
     detect->add_flag("--strict", options->isStrict, "Exit with 3 on a warning about a rule set, with 4 on any other");
     AddOverrides(*detect, options->detection.overrides);
     AddRules(*detect, options->detection.overrides);
-    detect->add_option("--code-runner", options->detection.codeRunner.path, "Program that answers code rules: one JSON "
-        "object on its standard input, exit status 0 for present, 1 for not present")
-        ->type_name("PROGRAM");
-    detect->add_option("--code-timeout", options->codeTimeout, "Seconds that the program may take for one answer")
-        ->type_name("SECONDS")
-        ->check(CLI::Range(0.001, LONGEST_TIMEOUT))
-        ->capture_default_str();
+    AddCodeRunnerOptions(*detect, options->codeRunner);
     AddBatchOptions(*detect, *options);
     AddLogOptions(*detect, options->log);
     detect->footer("Examples:\n  arborist detect examples/laptop\n"

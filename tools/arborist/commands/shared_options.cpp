@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 
 #include "tools/arborist/bundle/moment.h"
+#include "tools/arborist/code_rules/code_program.h"
 #include "tools/arborist/commands/output.h"
 
 namespace command {
@@ -48,6 +49,26 @@ void AddLogOptions(CLI::App& app, LogOptions& options)
         ->check([](const std::string& word) { return LogLevelOf(word) ? "" : "is no log level: " + word; });
     app.add_option("--log-file", options.file, "Whole library log into this file, instead of standard error")
         ->type_name("FILE");
+}
+
+void AddCodeRunnerOptions(CLI::App& app, CodeRunnerOptions& options)
+{
+    static constexpr double LONGEST_TIMEOUT = 86400;
+    app.add_option("--code-runner", options.program, "Program that answers code rules: one JSON object on its standard "
+        "input, exit status 0 for present, 1 for not present")
+        ->type_name("PROGRAM");
+    app.add_option("--code-timeout", options.timeout, "Seconds that the program may take for one answer")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0.001, LONGEST_TIMEOUT))
+        ->capture_default_str();
+}
+
+CodeRunner MakeCodeRunner(const CodeRunnerOptions& options)
+{
+    CodeRunner runner;
+    runner.timeout = std::chrono::milliseconds(static_cast<std::int64_t>(options.timeout * 1000));
+    runner.path = options.program.empty() ? "" : FindProgram(options.program);
+    return runner;
 }
 
 BundlePath MakeBundlePath(const std::string& given)

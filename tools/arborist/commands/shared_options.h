@@ -23,6 +23,17 @@ void AddTimeZone(CLI::App& app, std::string& zone);
 /// --log-level and --log-file.
 void AddLogOptions(CLI::App& app, LogOptions& options);
 
+/// The program of --code-runner as it was given.
+struct CodeRunnerOptions {
+    std::string program;
+    double timeout = 30;
+};
+
+/// --code-runner and --code-timeout.
+void AddCodeRunnerOptions(CLI::App& app, CodeRunnerOptions& options);
+/// Looks for the program: like bundles before any bundle becomes the working directory.
+CodeRunner MakeCodeRunner(const CodeRunnerOptions& options);
+
 /// The place is worked out before any bundle becomes the working directory.
 BundlePath MakeBundlePath(const std::string& given);
 

@@ -7,6 +7,7 @@
 
 #include "arborist/frame/arborist.h"
 #include "tools/arborist/detection/bad_pattern.h"
+#include "tools/arborist/explanation/explanation_recorder.h"
 
 namespace command {
 
@@ -43,10 +44,15 @@ public:
     Detection(const BundleSession& session, const DetectionOptions& options)
         : mSession(session), mInfo(session.MakeDetectInfo())
     {
-        if (options.withEvidence) {
+        if (options.withExplanation) {
+            mExplanation = std::make_shared<ExplanationRecorder>(options.withTrees);
+            mRecorder = mExplanation;
+        } else if (options.withEvidence) {
             mEvidence = std::make_shared<EvidenceRecorder>();
+            mRecorder = mEvidence;
+        } else {
+            mRecorder = std::make_shared<DetectionRecorder>(options.withTrees);
         }
-        mRecorder = mEvidence != nullptr ? mEvidence : std::make_shared<DetectionRecorder>(options.withTrees);
         // Without any source of answers the library hears so: a rule then ends with that reason.
         if (!session.GetBundle().codeAnswers.empty() || !options.codeRunner.path.empty()) {
             mAnswers = std::make_shared<CodeAnswers>(session.GetBundle().codeAnswers, options.codeRunner);
@@ -72,6 +78,7 @@ public:
         }
         report.trees = mRecorder->GetTrees();
         report.evidence = mEvidence != nullptr ? mEvidence->GetEvidence() : std::vector<TreeEvidence>();
+        report.explanation = mExplanation == nullptr ? nullptr : mExplanation->GetExplanation();
         warnings.LookAfter(mSession);
         WarningList all;
         all.Add(report.warnings);
@@ -88,6 +95,7 @@ private:
     std::shared_ptr<DetectionRecorder> mRecorder;
     /// The same when evidence is asked for, otherwise null.
     std::shared_ptr<EvidenceRecorder> mEvidence;
+    std::shared_ptr<ExplanationRecorder> mExplanation;
     std::shared_ptr<CodeAnswers> mAnswers;
 };
 

@@ -11,6 +11,7 @@
 #include "tools/arborist/code_rules/code_answers.h"
 #include "tools/arborist/detection/detection_recorder.h"
 #include "tools/arborist/detection/evidence_recorder.h"
+#include "tools/arborist/explanation/explanation.h"
 #include "tools/arborist/problem.h"
 
 namespace command {
@@ -22,6 +23,7 @@ struct DetectionOptions {
     bool withTrees = false;
     /// Keeps the trees too.
     bool withEvidence = false;
+    bool withExplanation = false;
 };
 
 /// Everything that one detection leaves behind; the renderers show it and nothing else.
@@ -38,6 +40,8 @@ struct DetectionReport {
     /// What was diagnosed, and the moment in force as local time. Set once the bundle is entered.
     Bundle subject;
     std::string moment;
+    /// Null unless asked for.
+    std::shared_ptr<const Explanation> explanation;
 
     bool IsFault() const;
 };

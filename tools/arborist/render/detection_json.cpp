@@ -1,5 +1,7 @@
 #include "tools/arborist/render/detection_json.h"
 
+#include "tools/arborist/render/explanation_json.h"
+
 namespace command {
 
 namespace {
@@ -7,28 +9,8 @@ namespace {
 void WriteRootCause(JsonWriter& json, const FaultTreeResult::RootCauseResult& cause)
 {
     json.BeginObject();
-    json.Text("id", cause.mNode->mId).Text("name", cause.mNode->mName).Text("userDefined", cause.mNode->mUserDefined);
-    json.Text("faultDescription", cause.mFaultDescription);
-    json.Key("suggestions").Texts(cause.mSuggestions);
-    json.Key("repairs").BeginArray();
-    for (const FaultTreeResult::RepairInfo& repair : cause.mRepairInfos) {
-        json.BeginObject().Text("id", repair.mId).Text("extra", repair.mExtra);
-        json.Text("operation", repair.GetOperation()).EndObject();
-    }
-    json.EndArray();
+    WriteRootCauseTexts(json, cause);
     json.EndObject();
-}
-
-const char* KindWord(DetectionObserver::EventFolded::Kind kind)
-{
-    using Kind = DetectionObserver::EventFolded::Kind;
-    return kind == Kind::BASIC ? "basic" : kind == Kind::INTERMEDIATE ? "intermediate" : "undeveloped";
-}
-
-const char* GateWord(DetectionObserver::EventFolded::GateKind gate)
-{
-    using GateKind = DetectionObserver::EventFolded::GateKind;
-    return gate == GateKind::OR ? "or" : gate == GateKind::AND ? "and" : "";
 }
 
 // The events come in pre-order: one that is deeper than the one before is its child.
@@ -67,6 +49,31 @@ void WriteResult(JsonWriter& json, const FaultTreeResult& result, const Recorded
 
 } // namespace
 
+void WriteRootCauseTexts(JsonWriter& json, const FaultTreeResult::RootCauseResult& cause)
+{
+    json.Text("id", cause.mNode->mId).Text("name", cause.mNode->mName).Text("userDefined", cause.mNode->mUserDefined);
+    json.Text("faultDescription", cause.mFaultDescription);
+    json.Key("suggestions").Texts(cause.mSuggestions);
+    json.Key("repairs").BeginArray();
+    for (const FaultTreeResult::RepairInfo& repair : cause.mRepairInfos) {
+        json.BeginObject().Text("id", repair.mId).Text("extra", repair.mExtra);
+        json.Text("operation", repair.GetOperation()).EndObject();
+    }
+    json.EndArray();
+}
+
+const char* KindWord(DetectionObserver::EventFolded::Kind kind)
+{
+    using Kind = DetectionObserver::EventFolded::Kind;
+    return kind == Kind::BASIC ? "basic" : kind == Kind::INTERMEDIATE ? "intermediate" : "undeveloped";
+}
+
+const char* GateWord(DetectionObserver::EventFolded::GateKind gate)
+{
+    using GateKind = DetectionObserver::EventFolded::GateKind;
+    return gate == GateKind::OR ? "or" : gate == GateKind::AND ? "and" : "";
+}
+
 void WriteHead(JsonWriter& json, const std::string& schema, const std::string& bundle, bool isOk,
     const std::vector<Warning>& warnings)
 {
@@ -92,6 +99,10 @@ std::string DetectionJson(const DetectionReport& report)
         WriteResult(json, *report.results[i], i < report.trees.size() ? &report.trees[i] : nullptr);
     }
     json.EndArray();
+    if (report.explanation != nullptr) {
+        json.Key("explanation");
+        WriteExplainedTrees(json, report, {});
+    }
     if (report.failure) {
         WriteError(json, *report.failure);
     }

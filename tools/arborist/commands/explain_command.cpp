@@ -1,0 +1,109 @@
+#include <chrono>
+
+#include <CLI/CLI.hpp>
+
+#include "tools/arborist/code_rules/code_program.h"
+#include "tools/arborist/commands/commands.h"
+#include "tools/arborist/commands/output.h"
+#include "tools/arborist/commands/shared_options.h"
+#include "tools/arborist/explanation/explanation_view.h"
+#include "tools/arborist/render/colour.h"
+#include "tools/arborist/render/explanation_json.h"
+#include "tools/arborist/render/explanation_text.h"
+
+namespace command {
+
+namespace {
+
+struct ExplainOptions {
+    std::vector<std::string> bundles;
+    DetectionOptions detection;
+    ExplanationView view;
+    LogOptions log;
+    CodeRunnerOptions codeRunner;
+    std::string colour = "auto";
+    bool asJson = false;
+};
+
+void Narrow(DetectionReport& report, const ExplanationView& view)
+{
+    if (!report.failure && report.explanation != nullptr) {
+        report.failure = UnknownWord(*report.explanation, view);
+    }
+    if (report.failure) {
+        report.explanation.reset();
+    }
+}
+
+ExitStatus Explain(ExplainOptions options)
+{
+    if (!IsLogOpen(options.log)) {
+        return ExitStatus::WRONG_USE;
+    }
+    options.detection.codeRunner = MakeCodeRunner(options.codeRunner);
+    options.detection.withExplanation = true;
+    std::vector<BundlePath> bundles;
+    for (const std::string& bundle : options.bundles) {
+        bundles.push_back(MakeBundlePath(bundle));
+    }
+    const bool isColoured = IsColoured(options.colour).value_or(false);
+    ExitStatus status = ExitStatus::SUCCESS;
+    for (const BundlePath& bundle : bundles) {
+        DetectionReport report = RunDetection(bundle, options.detection);
+        Narrow(report, options.view);
+        if (options.asJson) {
+            PrintResult(ExplanationJson(report, options.view) + "\n");
+        } else {
+            PrintProblems(report.bundle, report.warnings, report.failure ? &*report.failure : nullptr);
+            PrintResult(ExplanationText(report, options.view, isColoured));
+        }
+        status = MoreSerious(status, report.failure ? report.failure->status : ExitStatus::SUCCESS);
+    }
+    return status;
+}
+
+void AddViewOptions(CLI::App& explain, ExplanationView& view)
+{
+    static constexpr std::size_t MOST_MISSING = 100;
+    static constexpr std::size_t MOST_SHOWN = 100000;
+    explain.add_option("--event", view.event, "Only events with this id, and root causes on whose way they stand")
+        ->type_name("ID");
+    explain.add_option("--rule", view.rule, "Only this rule, and the events that ask it")->type_name("NAME");
+    explain.add_option("--cause", view.cause, "Only root causes with this event in their cut set")->type_name("ID");
+    explain.add_option("--near-misses", view.nearMisses, "Cut sets that are up to N events short of a root cause")
+        ->type_name("N")
+        ->check(CLI::Range(std::size_t{1}, MOST_MISSING));
+    explain.add_option("--limit", view.limit, "Near misses shown of each tree")
+        ->type_name("COUNT")
+        ->check(CLI::Range(std::size_t{1}, MOST_SHOWN))
+        ->capture_default_str();
+    explain.add_flag("--minimal", view.minimal, "The minimal cut sets in evidence, the events by their share of them, "
+        "and a smallest set of repairs");
+    explain.add_flag("--brief", view.brief, "One line a distinct root cause");
+}
+
+} // namespace
+
+void AddExplainCommand(CLI::App& app, ExitStatus& status)
+{
+    auto options = std::make_shared<ExplainOptions>();
+    CLI::App* explain = app.add_subcommand("explain", "Diagnose bundles and tell why: every rule with all that it "
+        "looked at, every root cause with its evidence");
+    explain->add_option("BUNDLE", options->bundles, "Folders or zips with a bundle.json")->required();
+    explain->add_flag("--json", options->asJson, "One JSON object a line for each bundle");
+    AddViewOptions(*explain, options->view);
+    explain->add_option("--color", options->colour, "Colours: auto, always or never")
+        ->type_name("WHEN")
+        ->check([](const std::string& word) { return IsColoured(word) ? "" : "is none of auto, always, never: " + word; })
+        ->capture_default_str();
+    AddOverrides(*explain, options->detection.overrides);
+    AddRules(*explain, options->detection.overrides);
+    AddCodeRunnerOptions(*explain, options->codeRunner);
+    AddLogOptions(*explain, options->log);
+    explain->footer("Examples:\n  arborist explain examples/laptop\n"
+                    "  arborist explain --event BATTERY_WORN examples/laptop\n"
+                    "  arborist explain --near-misses 1 --minimal --json devices/* > explained.jsonl");
+    explain->callback([options, &status] { status = Explain(*options); });
+}
+
+} // namespace command

@@ -1,0 +1,130 @@
+#include "tools/arborist/explanation/explanation_view.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include "tools/arborist/text/near_match.h"
+
+namespace command {
+
+namespace {
+
+bool HasRule(const ExplainedTree& tree, const ExplainedEvent& event, const std::string& name)
+{
+    const ExplainedEvidence* evidence = tree.EvidenceOf(event);
+    return evidence != nullptr
+        && std::any_of(evidence->rules.begin(), evidence->rules.end(),
+            [&name](const ExplainedRule& rule) { return rule.name == name; });
+}
+
+bool IsOnTheWay(const ExplainedTree& tree, const ExplainedCause& cause, const std::string& id)
+{
+    return std::any_of(cause.members.begin(), cause.members.end(), [&](std::size_t member) {
+        for (; member != ExplainedEvent::NONE; member = tree.events[member].parent) {
+            if (tree.events[member].id == id) {
+                return true;
+            }
+        }
+        return false;
+    });
+}
+
+bool IsMember(const DistinctCause& cause, const std::string& id)
+{
+    return std::find(cause.ids.begin(), cause.ids.end(), id) != cause.ids.end();
+}
+
+bool ShowsCause(const ExplainedTree& tree, const DistinctCause& cause, const ExplanationView& view)
+{
+    const ExplainedCause& first = tree.causes[cause.first];
+    if (!view.cause.empty() && !IsMember(cause, view.cause)) {
+        return false;
+    }
+    if (!view.event.empty() && !IsOnTheWay(tree, first, view.event)) {
+        return false;
+    }
+    return view.rule.empty() || std::any_of(first.members.begin(), first.members.end(), [&](std::size_t member) {
+        return member != ExplainedEvent::NONE && HasRule(tree, tree.events[member], view.rule);
+    });
+}
+
+std::optional<Failure> Unless(
+    const std::set<std::string>& known, const std::string& kind, const std::string& code, const std::string& word)
+{
+    if (word.empty() || known.count(word) != 0) {
+        return std::nullopt;
+    }
+    const std::vector<std::string> candidates(known.begin(), known.end());
+    return Failure{code, "no " + kind + " \"" + word + "\" in this detection" + DidYouMean(word, candidates),
+        ExitStatus::WRONG_USE};
+}
+
+} // namespace
+
+std::optional<Failure> UnknownWord(const Explanation& explanation, const ExplanationView& view)
+{
+    std::set<std::string> events;
+    std::set<std::string> rules;
+    std::set<std::string> causes;
+    for (const ExplainedTree& tree : explanation.trees) {
+        for (const ExplainedEvent& event : tree.events) {
+            events.insert(event.id);
+        }
+        for (const ExplainedEvidence& evidence : tree.evidence) {
+            for (const ExplainedRule& rule : evidence.rules) {
+                rules.insert(rule.name);
+            }
+        }
+        for (const ExplainedCause& cause : tree.causes) {
+            for (const std::size_t member : cause.members) {
+                causes.insert(member == ExplainedEvent::NONE ? cause.id : tree.events[member].id);
+            }
+        }
+    }
+    if (auto failure = Unless(events, "event", "unknown_event", view.event)) {
+        return failure;
+    }
+    if (auto failure = Unless(rules, "rule", "unknown_rule", view.rule)) {
+        return failure;
+    }
+    return Unless(causes, "root cause", "unknown_cause", view.cause);
+}
+
+std::vector<std::size_t> ShownEvents(const ExplainedTree& tree, const ExplanationView& view)
+{
+    std::set<std::string> onTheWay;
+    if (!view.cause.empty()) {
+        for (const DistinctCause& cause : DistinctCausesOf(tree)) {
+            if (IsMember(cause, view.cause)) {
+                onTheWay.insert(cause.ids.begin(), cause.ids.end());
+            }
+        }
+    }
+    std::vector<std::size_t> shown;
+    std::set<std::pair<std::string, std::size_t>> known;
+    for (std::size_t place = 0; place < tree.events.size(); ++place) {
+        const ExplainedEvent& event = tree.events[place];
+        const bool isMeant = (view.event.empty() || event.id == view.event)
+            && (view.rule.empty() || HasRule(tree, event, view.rule))
+            && (view.cause.empty() || onTheWay.count(event.id) != 0);
+        if (isMeant && known.emplace(event.id, event.evidence).second) {
+            shown.push_back(place);
+        }
+    }
+    return shown;
+}
+
+bool IsShown(const ExplainedRule& rule, const ExplanationView& view)
+{
+    return view.rule.empty() || rule.name == view.rule;
+}
+
+std::vector<DistinctCause> ShownCauses(const ExplainedTree& tree, const ExplanationView& view)
+{
+    std::vector<DistinctCause> causes = DistinctCausesOf(tree);
+    std::erase_if(causes, [&](const DistinctCause& cause) { return !ShowsCause(tree, cause, view); });
+    return causes;
+}
+
+} // namespace command

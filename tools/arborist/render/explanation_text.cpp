@@ -1,0 +1,393 @@
+#include "tools/arborist/render/explanation_text.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <unordered_set>
+
+#include "tools/arborist/explanation/analysis/minimal_sets.h"
+#include "tools/arborist/explanation/analysis/near_misses.h"
+#include "tools/arborist/explanation/gate_logic.h"
+#include "tools/arborist/render/colour.h"
+#include "tools/arborist/render/rule_text.h"
+#include "tools/arborist/text/printable.h"
+
+namespace command {
+
+namespace {
+
+using Folded = ExplainedEvent::Folded;
+
+constexpr std::size_t STATUS_WIDTH = 9;
+
+std::string Shown(const std::string& text)
+{
+    return text.empty() ? "(empty)" : Printable(text);
+}
+
+std::string Joined(const std::vector<std::string>& texts, const char* separator)
+{
+    std::string joined;
+    for (const std::string& text : texts) {
+        joined += (joined.empty() ? "" : separator) + Shown(text);
+    }
+    return joined;
+}
+
+std::string Number(std::uint64_t number, const std::string& one, const std::string& several)
+{
+    return std::to_string(number) + " " + (number == 1 ? one : several);
+}
+
+/// Writes one tree of an explanation.
+class TreeText {
+public:
+    TreeText(const ExplainedTree& tree, const FaultTreeResult* result, const ExplanationView& view, Colour colour)
+        : mTree(tree), mResult(result), mView(view), mColour(colour)
+    {
+    }
+
+    std::string Text()
+    {
+        WriteHead();
+        if (mView.IsNarrow()) {
+            WriteShownEvents();
+        } else {
+            WriteTree();
+        }
+        WriteCauses();
+        WriteCutOffs();
+        if (mView.nearMisses > 0) {
+            WriteNearMisses();
+        }
+        if (mView.minimal) {
+            WriteMinimalSets();
+        }
+        return mText;
+    }
+
+    std::string BriefText()
+    {
+        for (const DistinctCause& cause : ShownCauses(mTree, mView)) {
+            mText += "  " + mColour.Bold(Shown(mTree.id)) + ": " + mColour.Red(Joined(cause.ids, " + "));
+            const std::string name = NameOf(cause);
+            mText += name.empty() ? "" : "  " + Printable(name);
+            mText += BriefTexts(cause) + Times(cause.times) + "\n";
+        }
+        if (!mTree.isFault) {
+            mText += "  " + mColour.Bold(Shown(mTree.id)) + ": " + mColour.Green("no fault") + "\n";
+        }
+        return mText;
+    }
+
+private:
+    void Line(const std::string& text) { mText += "  " + text + "\n"; }
+
+    std::string Status(EventStatus status) const
+    {
+        std::string word = GetElemTypeName(status);
+        word.resize(std::max(word.size(), STATUS_WIDTH), ' ');
+        return IsError(status) ? mColour.Red(word)
+            : status == EventStatus::UNKNOWN ? mColour.Yellow(word) : mColour.Green(word);
+    }
+
+    std::string Verdict(const ExplainedRule& rule) const
+    {
+        const std::string word = VerdictWord(rule.verdict);
+        switch (rule.verdict) {
+        case DetectionObserver::Verdict::FIRED:
+            return mColour.Red(word);
+        case DetectionObserver::Verdict::NOT_FIRED:
+            return mColour.Green(word);
+        case DetectionObserver::Verdict::SKIPPED:
+            return mColour.Yellow(word);
+        }
+        return word;
+    }
+
+    void WriteHead()
+    {
+        const std::size_t distinct = DistinctCausesOf(mTree).size();
+        const std::string causes = Number(mTree.causes.size(), "root cause", "root causes")
+            + (distinct == mTree.causes.size() ? "" : " (" + std::to_string(distinct) + " distinct)");
+        Line(mColour.Bold(Shown(mTree.id)) + " (version " + Shown(mTree.version) + "): "
+            + (mTree.isFault ? mColour.Red("FAULT") + ", " + causes : mColour.Green("no fault")));
+    }
+
+    std::string GateText(std::size_t place) const
+    {
+        const ExplainedEvent& event = mTree.events[place];
+        if (event.kind == Folded::Kind::UNDEVELOPED) {
+            return " (undeveloped)";
+        }
+        if (event.IsLeaf()) {
+            return "";
+        }
+        return event.gate == Folded::GateKind::OR ? " OR" : event.gate == Folded::GateKind::AND ? " AND" : " (no gate)";
+    }
+
+    // What the gate makes of what is below, and whether the event follows it.
+    std::string LogicText(std::size_t place) const
+    {
+        const ExplainedEvent& event = mTree.events[place];
+        if (event.IsLeaf()) {
+            const Reason reason = ReasonOfEvent(mTree, event);
+            return reason == Reason::NONE ? "" : DetectionObserver::ReasonText(reason);
+        }
+        const GateLogic logic = GateLogicOf(mTree, place);
+        std::string text = std::to_string(logic.inError) + " of " + std::to_string(logic.below) + " in error";
+        if (event.gate == Folded::GateKind::AND && logic.decider != ExplainedEvent::NONE) {
+            text += ", " + Shown(mTree.events[logic.decider].id) + " decides";
+        }
+        if (event.observable) {
+            text += "; decided by its own rules";
+            text += IsError(logic.outcome) == event.IsInError()
+                ? "" : std::string(", its gate says ") + GetElemTypeName(logic.outcome);
+        }
+        return text;
+    }
+
+    std::string EventText(std::size_t place) const
+    {
+        const ExplainedEvent& event = mTree.events[place];
+        std::string text = (event.IsInError() ? mColour.Bold(Shown(event.id)) : Shown(event.id)) + GateText(place);
+        text += event.name.empty() ? "" : "  " + Printable(event.name);
+        const std::string logic = LogicText(place);
+        return logic.empty() ? text : text + "  " + mColour.Faint("[" + logic + "]");
+    }
+
+    void WriteTree()
+    {
+        std::vector<bool> isLastAt;
+        for (std::size_t place = 0; place < mTree.events.size(); ++place) {
+            const ExplainedEvent& event = mTree.events[place];
+            const bool isLast = event.parent == ExplainedEvent::NONE || event.end == mTree.events[event.parent].end;
+            isLastAt.resize(event.depth);
+            std::string bars;
+            for (std::size_t depth = 1; depth < event.depth; ++depth) {
+                bars += isLastAt[depth] ? "   " : "│  ";
+            }
+            mText += "  " + Status(event.status) + mColour.Faint(bars + (event.depth == 0 ? "" : isLast ? "└─ " : "├─ "))
+                + EventText(place) + "\n";
+            isLastAt.push_back(isLast);
+            const std::string below = bars + (event.depth == 0 ? "" : isLast ? "   " : "│  ")
+                + (event.end > place + 1 ? "│  " : "   ");
+            WriteRules(event, std::string(STATUS_WIDTH, ' ') + mColour.Faint(below));
+        }
+    }
+
+    void WriteRules(const ExplainedEvent& event, const std::string& indent)
+    {
+        const ExplainedEvidence* evidence = mTree.EvidenceOf(event);
+        if (evidence == nullptr || evidence->rules.empty()) {
+            return;
+        }
+        if (!mToldEvidence.insert(event.evidence).second) {
+            Line(indent + mColour.Faint("rules as above"));
+            return;
+        }
+        for (const ExplainedRule& rule : evidence->rules) {
+            if (IsShown(rule, mView)) {
+                WriteRule(rule, indent);
+            }
+        }
+    }
+
+    void WriteRule(const ExplainedRule& rule, const std::string& indent)
+    {
+        const std::string family = DetectionObserver::FamilyText(rule.family);
+        const std::string joint = rule.inGroup && rule.place > 0 ? "and " : "";
+        Line(indent + joint + "rule " + Shown(rule.name) + (family.empty() ? "" : " (" + family + ")") + ": "
+            + Verdict(rule) + " " + DetectionObserver::ReasonText(rule.reason));
+        for (const std::string& line : RuleLines(rule)) {
+            Line(indent + "    " + line);
+        }
+    }
+
+    void WriteShownEvents()
+    {
+        for (const std::size_t place : ShownEvents(mTree, mView)) {
+            const ExplainedEvent& event = mTree.events[place];
+            Line(Status(event.status) + EventText(place));
+            const std::string indent(STATUS_WIDTH + 3, ' ');
+            Line(indent + mColour.Faint("path " + Joined(mTree.PathIds(place), " / ")));
+            WriteRules(event, indent);
+        }
+    }
+
+    std::string Times(std::uint64_t times) const
+    {
+        return times == 1 ? "" : "  " + mColour.Faint("(stands " + std::to_string(times) + " times in the list)");
+    }
+
+    const FaultTreeResult::RootCauseResult* ResultOf(const DistinctCause& cause) const
+    {
+        const bool isThere = mResult != nullptr && cause.first < mResult->mRootCauseResults.size();
+        return isThere ? mResult->mRootCauseResults[cause.first].get() : nullptr;
+    }
+
+    std::string NameOf(const DistinctCause& cause) const
+    {
+        const auto* result = ResultOf(cause);
+        return result == nullptr ? "" : result->mNode->mName;
+    }
+
+    std::string BriefTexts(const DistinctCause& cause) const
+    {
+        const auto* result = ResultOf(cause);
+        if (result == nullptr) {
+            return "";
+        }
+        std::string text;
+        text += result->mFaultDescription.empty() ? "" : "  description " + Printable(result->mFaultDescription);
+        text += result->mSuggestions.empty() ? "" : "  suggestions " + Joined(result->mSuggestions, ", ");
+        std::vector<std::string> repairs;
+        for (const auto& repair : result->mRepairInfos) {
+            repairs.push_back(repair.mId);
+        }
+        return repairs.empty() ? text : text + "  repairs " + Joined(repairs, ", ");
+    }
+
+    void WriteCauses()
+    {
+        const std::vector<DistinctCause> causes = ShownCauses(mTree, mView);
+        for (const DistinctCause& cause : causes) {
+            const std::string name = NameOf(cause);
+            Line(mColour.Bold("Root cause ") + mColour.Red(Joined(cause.ids, " + "))
+                + (name.empty() ? "" : "  " + Printable(name)) + BriefTexts(cause) + Times(cause.times));
+            for (const std::size_t member : mTree.causes[cause.first].members) {
+                WriteMember(member);
+            }
+        }
+    }
+
+    void WriteMember(std::size_t member)
+    {
+        if (member == ExplainedEvent::NONE) {
+            return;
+        }
+        const ExplainedEvent& event = mTree.events[member];
+        Line("    " + Joined(mTree.PathIds(member), " / "));
+        const ExplainedEvidence* evidence = mTree.EvidenceOf(event);
+        if (evidence == nullptr) {
+            return;
+        }
+        for (const ExplainedRule& rule : evidence->rules) {
+            if (rule.verdict == DetectionObserver::Verdict::FIRED) {
+                const std::string summary = RuleSummary(rule);
+                Line("      rule " + Shown(rule.name) + ": " + (summary.empty() ? "" : summary + ", ")
+                    + DetectionObserver::ReasonText(rule.reason));
+            }
+        }
+    }
+
+    std::vector<std::string> IdsOf(const std::vector<std::size_t>& places) const
+    {
+        std::vector<std::string> ids;
+        for (const std::size_t place : places) {
+            ids.push_back(mTree.events[place].id);
+        }
+        return ids;
+    }
+
+    void WriteCutOffs()
+    {
+        if (mView.IsNarrow()) {
+            return;
+        }
+        for (const CutOff& cutOff : CutOffsOf(mTree)) {
+            Line(mColour.Bold("Cut off by ") + Shown(mTree.events[cutOff.event].id)
+                + ", which its own rules keep from error: " + Joined(IdsOf(cutOff.leaves), ", "));
+        }
+    }
+
+    void WriteNearMisses()
+    {
+        const NearMisses nearMisses = FindNearMisses(mTree, mView.nearMisses, mView.limit);
+        if (nearMisses.sets.empty()) {
+            Line(mColour.Bold("Near misses") + ": none up to "
+                + Number(mView.nearMisses, "event", "events") + " short"
+                + (nearMisses.isComplete ? "" : " among those that were looked at"));
+        }
+        for (const NearMiss& nearMiss : nearMisses.sets) {
+            std::string text = mColour.Bold("Near miss") + ", " + Number(nearMiss.missing.size(), "event", "events")
+                + " short: " + mColour.Yellow(Joined(IdsOf(nearMiss.missing), " + "));
+            if (!nearMiss.present.empty()) {
+                text += " beside " + Joined(IdsOf(nearMiss.present), " + ");
+            }
+            Line(text);
+            for (const std::size_t place : nearMiss.missing) {
+                WriteMissing(place);
+            }
+        }
+        if (nearMisses.leftOut > 0 || !nearMisses.isComplete) {
+            Line((nearMisses.isComplete ? "" : "at least ") + std::to_string(nearMisses.leftOut) + " more left out");
+        }
+    }
+
+    void WriteMissing(std::size_t place)
+    {
+        const ExplainedEvent& event = mTree.events[place];
+        Line("    " + Joined(mTree.PathIds(place), " / ") + "  " + GetElemTypeName(event.status));
+        const ExplainedEvidence* evidence = mTree.EvidenceOf(event);
+        if (evidence == nullptr || evidence->rules.empty()) {
+            const Reason reason = ReasonOfEvent(mTree, event);
+            if (reason != Reason::NONE) {
+                Line(std::string("      ") + DetectionObserver::ReasonText(reason));
+            }
+            return;
+        }
+        for (const ExplainedRule& rule : evidence->rules) {
+            const std::string summary = RuleSummary(rule);
+            Line("      rule " + Shown(rule.name) + ": " + Verdict(rule) + " "
+                + DetectionObserver::ReasonText(rule.reason) + (summary.empty() ? "" : ", " + summary));
+        }
+    }
+
+    void WriteMinimalSets()
+    {
+        const MinimalSets minimal = FindMinimalSets(mTree);
+        Line(mColour.Bold("Minimal cut sets") + ": " + std::to_string(minimal.sets.size()) + ", of "
+            + Number(minimal.distinct, "distinct set", "distinct sets") + " and "
+            + Number(minimal.listed, "entry", "entries") + " of the list");
+        for (const DistinctCause& set : minimal.sets) {
+            Line("    " + Joined(set.ids, " + ") + Times(set.times));
+        }
+        if (minimal.sets.empty()) {
+            return;
+        }
+        Line(mColour.Bold("Share of the minimal cut sets"));
+        for (const EventShare& share : minimal.shares) {
+            char percent[16];
+            std::snprintf(percent, sizeof percent, "%5.1f%%", share.share * 100);
+            Line("    " + std::string(percent) + "  " + Shown(share.id));
+        }
+        Line(mColour.Bold("Repair ") + Joined(minimal.repairs.ids, ", ") + ": no root cause would remain"
+            + (minimal.repairs.isSmallest ? "" : " (a small set; a smaller one may exist)"));
+    }
+
+    const ExplainedTree& mTree;
+    const FaultTreeResult* mResult;
+    const ExplanationView& mView;
+    Colour mColour;
+    std::string mText;
+    std::unordered_set<std::size_t> mToldEvidence;
+};
+
+} // namespace
+
+std::string ExplanationText(const DetectionReport& report, const ExplanationView& view, bool isColoured)
+{
+    const Colour colour(isColoured);
+    std::string text = colour.Bold(Shown(report.bundle)) + "\n";
+    if (report.failure || report.explanation == nullptr) {
+        return text + "  " + colour.Yellow("NOT DIAGNOSED") + "\n";
+    }
+    for (std::size_t i = 0; i < report.explanation->trees.size(); ++i) {
+        const FaultTreeResult* result = i < report.results.size() ? report.results[i].get() : nullptr;
+        TreeText tree(report.explanation->trees[i], result, view, colour);
+        text += view.brief ? tree.BriefText() : tree.Text();
+    }
+    return text;
+}
+
+} // namespace command

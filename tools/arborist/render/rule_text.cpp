@@ -1,0 +1,295 @@
+#include "tools/arborist/render/rule_text.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "tools/arborist/text/printable.h"
+
+namespace command {
+
+namespace {
+
+constexpr std::size_t LONGEST_VALUE = 60;
+constexpr std::size_t LONGEST_SQL = 400;
+
+std::string Cut(const std::string& text, std::size_t longest)
+{
+    if (text.size() <= longest) {
+        return Printable(text);
+    }
+    std::size_t length = 0;
+    while (length < longest) { // whole characters
+        length += std::max<std::size_t>(1, Utf8Length(std::string_view(text).substr(length)));
+    }
+    return Printable(std::string_view(text).substr(0, length)) + "... (" + std::to_string(text.size()) + " bytes)";
+}
+
+// Node files end with a line end; it says nothing.
+std::string Quoted(const std::string& text)
+{
+    const auto end = text.find_last_not_of(" \t\r\n");
+    return "\"" + Cut(end == std::string::npos ? text : text.substr(0, end + 1), LONGEST_VALUE) + "\"";
+}
+
+std::string Number(std::uint64_t number, const std::string& one, const std::string& several)
+{
+    return std::to_string(number) + " " + (number == 1 ? one : several);
+}
+
+std::string MomentText(const ExplainedMoment& moment)
+{
+    return moment.local.empty() ? std::to_string(moment.seconds) : moment.local;
+}
+
+std::string StartText(const ExplainedStart& start)
+{
+    std::string text = "since " + MomentText(start.start) + " (";
+    switch (start.floor) {
+    case DetectionObserver::StartTimeSeen::Floor::PERIOD:
+        text += "period of " + Number(static_cast<std::uint64_t>(std::max(0, start.periodDays)), "day", "days");
+        break;
+    case DetectionObserver::StartTimeSeen::Floor::REPAIR:
+        text += "repair " + Printable(start.repairId);
+        break;
+    default:
+        text += std::string("last ") + FloorWord(start.floor);
+    }
+    return text + ")";
+}
+
+std::string IdsText(const ExplainedWindow& window)
+{
+    const std::string first = std::to_string(window.firstId);
+    return window.firstId == window.lastId ? "id " + first : "ids " + first + "-" + std::to_string(window.lastId);
+}
+
+std::string CountText(const ExplainedWindow& window)
+{
+    std::string text = Number(window.rowsFound, "row", "rows");
+    if (window.rowsOfOtherVersion > 0) {
+        text += ", " + std::to_string(window.rowsOfOtherVersion) + " of another version";
+    }
+    if (window.rowsFailedTest > 0) {
+        text += ", " + std::to_string(window.rowsFailedTest) + " failed the test";
+    }
+    text += "; reached " + std::to_string(window.reached);
+    if (window.reachedById != 0 && window.firstId != window.lastId) {
+        text += " by id " + std::to_string(window.reachedById);
+    }
+    text += " of " + std::to_string(window.threshold);
+    return window.Missing() == 0 ? text : text + ", " + std::to_string(window.Missing()) + " missing";
+}
+
+std::string WindowText(const ExplainedWindow& window)
+{
+    const std::string head = IdsText(window) + ", " + window.window;
+    if (!window.start) {
+        return head + ": " + DetectionObserver::ReasonText(window.reason);
+    }
+    return head + " " + StartText(*window.start) + (window.versionFilter ? ", this version only" : "") + ": "
+        + (window.reason == Reason::WINDOW_SHORT || window.hit
+                ? CountText(window)
+                : std::string(DetectionObserver::ReasonText(window.reason)));
+}
+
+std::string TestText(const ExplainedTest& test)
+{
+    return "  test " + Cut(test.key, LONGEST_VALUE) + " " + Printable(test.type) + " " + Printable(test.logic) + " "
+        + Quoted(test.value) + ": " + std::to_string(test.rowsPassed) + " of "
+        + Number(test.rowsTested, "row passes", "rows pass");
+}
+
+std::string ComparisonText(const ExplainedComparison& comparison)
+{
+    const std::string& name = comparison.key.empty() ? comparison.paramId : comparison.key;
+    std::string text = Cut(name, LONGEST_VALUE) + " " + Quoted(comparison.observed) + " "
+        + Printable(comparison.logic) + " " + Quoted(comparison.configured);
+    if (!comparison.source.empty()) {
+        text += " (" + Printable(comparison.source)
+            + (comparison.sourceId.empty() ? "" : " " + Cut(comparison.sourceId, LONGEST_VALUE)) + ")";
+    }
+    return text + (comparison.holds ? " holds" : " fails");
+}
+
+std::string ParameterText(const ExplainedParameter& parameter)
+{
+    const std::string text = Cut(parameter.key, LONGEST_VALUE) + " = " + Quoted(parameter.value);
+    return parameter.raw == parameter.value ? text : text + ", scaled from " + Quoted(parameter.raw);
+}
+
+std::string IntervalText(const ExplainedInterval& interval)
+{
+    if (interval.startKey.empty()) {
+        return "values are scaled between two columns, and the rule names no two";
+    }
+    const std::string columns = Cut(interval.startKey, LONGEST_VALUE) + " " + std::to_string(interval.start) + " to "
+        + Cut(interval.endKey, LONGEST_VALUE) + " " + std::to_string(interval.end);
+    return interval.usable ? "scaled from " + Number(interval.days + 1, "day", "days") + " to 30: " + columns
+                           : "no interval to scale by: " + columns;
+}
+
+// On one line: rule files break and indent their statements.
+std::string SqlText(const std::string& sql)
+{
+    std::string line;
+    for (const char letter : sql) {
+        const bool isBlank = letter == ' ' || letter == '\t' || letter == '\r' || letter == '\n';
+        if (!isBlank) {
+            line += letter;
+        } else if (!line.empty() && line.back() != ' ') {
+            line += ' ';
+        }
+    }
+    return Cut(line, LONGEST_SQL);
+}
+
+void AppendQuery(const ExplainedQuery& query, std::vector<std::string>& lines)
+{
+    const std::string outcome = !query.opened    ? "database can't be opened"
+        : !query.error.empty()                   ? "failed: " + Cut(query.error, LONGEST_SQL)
+                                                 : Number(query.rows, "row", "rows");
+    if (!query.sql.empty()) {
+        lines.push_back((query.database.empty() ? "derived database" : Printable(query.database)) + ": " + outcome);
+        lines.push_back("  " + SqlText(query.sql));
+    }
+    if (query.interval) {
+        lines.push_back("  " + IntervalText(*query.interval));
+    }
+    for (const ExplainedParameter& parameter : query.parameters) {
+        lines.push_back("  " + ParameterText(parameter));
+    }
+    for (const ExplainedComparison& comparison : query.comparisons) {
+        lines.push_back("  " + ComparisonText(comparison));
+    }
+}
+
+std::string FilterText(const ExplainedRule& rule)
+{
+    const std::string device = "the device has " + Quoted(rule.filter->deviceValue);
+    return rule.reason == Reason::FILTERED_BLACK_PRODUCT
+        ? device + ", the rule excludes " + Quoted(rule.filter->ruleText)
+        : device + ", the rule asks for " + Quoted(rule.filter->ruleText);
+}
+
+std::string NodeText(const ExplainedNodeFile& node)
+{
+    return Cut(node.param, LONGEST_VALUE) + (node.readable ? " = " + Quoted(node.value) : " can't be read")
+        + " from " + Printable(node.path);
+}
+
+std::string FormulaText(const ExplainedFormula& formula)
+{
+    const std::string grouping = formula.grouping.empty() ? formula.expression : formula.grouping;
+    return Cut(formula.resultKey, LONGEST_VALUE) + " = " + Cut(grouping, LONGEST_SQL) + " = "
+        + (formula.result.empty() ? "ill-formed" : Printable(formula.result));
+}
+
+std::string Joined(const std::vector<std::string>& ids)
+{
+    std::string text;
+    for (const std::string& id : ids) {
+        text += (text.empty() ? "" : ", ") + Printable(id);
+    }
+    return text.empty() ? "none" : text;
+}
+
+void AppendCodeRun(const ExplainedCodeRun& run, std::vector<std::string>& lines)
+{
+    lines.push_back("the host answers for " + Quoted(run.detectCode) + ": "
+        + (run.answer ? "present" : "not present"));
+    lines.push_back("  descriptions " + Joined(run.faultDescriptionIds) + "; suggestions "
+        + Joined(run.suggestionIds) + "; repairs " + Joined(run.repairIds)
+        + (run.userDefinedInfo.empty() ? "" : "; info " + Quoted(run.userDefinedInfo)));
+}
+
+// The window that hit, or the one that was least short of its threshold.
+const ExplainedWindow* ClosestWindow(const ExplainedRule& rule)
+{
+    const ExplainedWindow* closest = nullptr;
+    for (const ExplainedWindow& window : rule.windows) {
+        if (window.hit) {
+            return &window;
+        }
+        if (window.start && (closest == nullptr || window.Missing() < closest->Missing())) {
+            closest = &window;
+        }
+    }
+    return closest;
+}
+
+// The comparisons that hold at the end, where a condition was met; otherwise the last one, which failed.
+std::string Deciding(const std::vector<ExplainedComparison>& comparisons)
+{
+    auto first = comparisons.end();
+    while (first != comparisons.begin() && std::prev(first)->holds) {
+        --first;
+    }
+    if (first == comparisons.end()) {
+        return comparisons.empty() ? "" : ComparisonText(comparisons.back());
+    }
+    std::string text;
+    for (; first != comparisons.end(); ++first) {
+        text += (text.empty() ? "" : " and ") + ComparisonText(*first);
+    }
+    return text;
+}
+
+} // namespace
+
+std::vector<std::string> RuleLines(const ExplainedRule& rule)
+{
+    std::vector<std::string> lines;
+    if (rule.filter) {
+        lines.push_back(FilterText(rule));
+    }
+    const bool hasWindow = ClosestWindow(rule) != nullptr;
+    for (const ExplainedWindow& window : rule.windows) {
+        if (hasWindow && window.reason == Reason::WINDOW_ABSENT) {
+            continue; // most items have one window of the three
+        }
+        lines.push_back(WindowText(window));
+        for (const ExplainedTest& test : window.tests) {
+            lines.push_back(TestText(test));
+        }
+    }
+    if (rule.start) {
+        lines.push_back(StartText(*rule.start));
+    }
+    for (const ExplainedQuery& query : rule.queries) {
+        AppendQuery(query, lines);
+    }
+    for (const ExplainedNodeFile& node : rule.nodeFiles) {
+        lines.push_back(NodeText(node));
+    }
+    if (rule.formula) {
+        lines.push_back(FormulaText(*rule.formula));
+    }
+    for (const ExplainedComparison& comparison : rule.comparisons) {
+        lines.push_back(ComparisonText(comparison));
+    }
+    if (rule.codeRun) {
+        AppendCodeRun(*rule.codeRun, lines);
+    }
+    return lines;
+}
+
+std::string RuleSummary(const ExplainedRule& rule)
+{
+    if (rule.filter) {
+        return FilterText(rule);
+    }
+    if (const ExplainedWindow* window = ClosestWindow(rule)) {
+        return WindowText(*window);
+    }
+    if (rule.codeRun) {
+        return "the host answers " + std::string(rule.codeRun->answer ? "present" : "not present");
+    }
+    for (const ExplainedQuery& query : rule.queries) {
+        if (!query.comparisons.empty()) {
+            return Deciding(query.comparisons);
+        }
+    }
+    return Deciding(rule.comparisons);
+}
+
+} // namespace command
