@@ -247,6 +247,7 @@ struct ExplainedCause {
 
 struct ExplainedTree {
     std::string id;
+    /// The tree's own; results have that of the tree file.
     std::string version;
     bool isFault = false;
     /// In pre-order: the first event below a gate stands right behind it.

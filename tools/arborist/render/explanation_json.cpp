@@ -27,7 +27,9 @@ public:
 
     void Write()
     {
-        mJson.BeginObject().Text("treeId", mTree.id).Text("version", mTree.version).Bool("isFault", mTree.isFault);
+        // As "detect" has it: the version of the tree file, not the tree's own.
+        mJson.BeginObject().Text("treeId", mTree.id);
+        mJson.Text("version", mResult == nullptr ? mTree.version : mResult->mVersion).Bool("isFault", mTree.isFault);
         if (!mView.brief) {
             WriteEvents();
             WriteEvidence();

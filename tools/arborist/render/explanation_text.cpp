@@ -109,7 +109,7 @@ private:
         const std::size_t distinct = DistinctCausesOf(mTree).size();
         const std::string causes = Number(mTree.causes.size(), "root cause", "root causes")
             + (distinct == mTree.causes.size() ? "" : " (" + std::to_string(distinct) + " distinct)");
-        Line(mColour.Bold(Shown(mTree.id)) + " (version " + Shown(mTree.version) + "): "
+        Line(mColour.Bold(Shown(mTree.id)) + " (version " + Shown(mResult == nullptr ? mTree.version : mResult->mVersion) + "): "
             + (mTree.isFault ? mColour.Red("FAULT") + ", " + causes : mColour.Green("no fault")));
     }
 

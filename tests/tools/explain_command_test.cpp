@@ -1,0 +1,215 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/temp_dir.h"
+#include "tests/support/xml_builder.h"
+#include "tests/tools/command_bundle.h"
+
+namespace {
+
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+class ExplainCommandTest : public testing::Test {
+protected:
+    // Nodes "yes" and "no" decide rules of these names; events A and B ask "yes", C and D "no".
+    void WriteTree(const Xml& gate, const std::string& observed = "")
+    {
+        RuleXml rules("Tag");
+        for (const std::string name : {"yes", "no"}) {
+            rules.Rule(NodeRuleXml(name, {NodeInfoXml("V", name), ParamsXml({ParamXml("v", "V", "int")}),
+                ConditionXml({SingleLogicXml(TestXml("eq", "v", "1"))})}));
+            mDir.Write("b/" + name, name == "yes" ? "1" : "0");
+        }
+        for (const std::string id : {"A", "B", "C", "D"}) {
+            rules.EventRule(id, {Single(id < "C" ? "yes" : "no")});
+        }
+        if (!observed.empty()) {
+            rules.EventRule(observed, {Single("no")});
+        }
+        mDir.Write("b/bundle.json", BundleJson());
+        mDir.Write("b/rules/FaultTrees.xml", TreeXml("Tag").Version("3").Tree("T", gate).Text());
+        mDir.Write("b/rules/FaultTreeRules.xml", rules.Text());
+    }
+
+    static std::string Explained(const std::vector<std::string>& more = {})
+    {
+        std::vector<std::string> arguments{"explain", "b"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        const auto result = RunArborist(arguments);
+        EXPECT_EQ(result.status, 0) << result.err;
+        return result.out;
+    }
+
+    TempDir mDir;
+};
+
+TEST_F(ExplainCommandTest, TellsTheTreeItsRulesAndTheRootCause)
+{
+    WriteHotBundle(mDir, "b");
+    EXPECT_EQ(Explained(), "b\n"
+                           "  T (version 3): FAULT, 1 root cause\n"
+                           "  TRUE     T OR  [1 of 1 in error]\n"
+                           "  TRUE     └─ HOT  Too hot\n"
+                           "                 rule hot (node): TRUE condition_met\n"
+                           "                     T = \"80\" from temperature\n"
+                           "                     T \"80\" gt \"70\" holds\n"
+                           "  Root cause HOT  Too hot  description D1  suggestions S1, S2  repairs R1\n"
+                           "      T / HOT\n"
+                           "        rule hot: T \"80\" gt \"70\" holds, condition_met\n");
+}
+
+TEST_F(ExplainCommandTest, JsonHasExactlyTheKeysInTheirOrder)
+{
+    WriteHotBundle(mDir, "b");
+    EXPECT_EQ(Explained({"--json"}),
+        R"({"schema": "arborist.explain.1", "bundle": "b", "ok": true, "warnings": [], "results": [{"treeId": "T", )"
+        R"("version": "3", "isFault": true, "tree": {"id": "T", "name": "", "kind": "intermediate", "gate": "or", )"
+        R"("status": "TRUE", "observable": false, "reason": "", "logic": {"outcome": "TRUE", "below": 1, )"
+        R"("inError": 1, "decidedBy": "HOT"}, "children": [{"id": "HOT", "name": "Too hot", "kind": "basic", )"
+        R"("gate": "", "status": "TRUE", "observable": false, "reason": "", "evidence": 0, "children": []}]}, )"
+        R"("evidence": [{"event": "HOT", "fired": true, "reason": "", "rules": [{"name": "hot", "family": "node", )"
+        R"("verdict": "TRUE", "reason": "condition_met", "alternative": 0, "files": [{"param": "T", )"
+        R"("path": "temperature", "readable": true, "value": "80\n"}], "comparisons": [{"paramId": "t", )"
+        R"("key": "T", "type": "int", "observed": "80\n", "logic": "gt", "threshold": "70", "source": "", )"
+        R"("sourceId": "", "holds": true}]}]}], "rootCauses": [{"id": "HOT", "name": "Too hot", "userDefined": "{}", )"
+        R"("faultDescription": "D1", "suggestions": ["S1", "S2"], "repairs": [{"id": "R1", "extra": )"
+        R"("{\"R1\": \"{\\\"operat\\u0069on\\\": \\\"clean\\\"}\"}", "operation": "clean"}], "times": 1, )"
+        R"("cutSet": [{"id": "HOT", "status": "TRUE", "path": ["T", "HOT"], "evidence": 0}]}], "cutOffs": []}]})"
+        "\n");
+}
+
+TEST_F(ExplainCommandTest, GatesTellWhatDecidedThem)
+{
+    WriteTree(Or({Intermediate("G", And({Basic("A"), Basic("C")})), Basic("X"),
+        Xml("House-Event").TextChild("ID", "U")}));
+    EXPECT_THAT(Explained(), AllOf(HasSubstr("UNKNOWN  T OR  [0 of 3 in error]\n"),
+        HasSubstr("FALSE    ├─ G AND  [1 of 2 in error, C decides]\n"), HasSubstr("FALSE    ├─ X  [no_event_rule]\n"),
+        HasSubstr("UNKNOWN  └─ U (undeveloped)\n")));
+}
+
+TEST_F(ExplainCommandTest, EventsThatAnObservableOneCutsOffAreNamed)
+{
+    WriteTree(Or({Intermediate("G", Or({Basic("A"), Basic("B"), Basic("C")}))}), "G");
+    EXPECT_THAT(Explained(), AllOf(
+        HasSubstr("└─ G OR  [2 of 3 in error; decided by its own rules, its gate says TRUE]\n"),
+        EndsWith("  Cut off by G, which its own rules keep from error: A, B\n")));
+    EXPECT_THAT(Explained({"--near-misses", "1"}), HasSubstr("  Near miss, 1 event short: G beside A\n"
+                                                              "      T / G  FALSE\n"
+                                                              "        rule no: FALSE condition_not_met, V \"0\" eq \"1\" "
+                                                              "fails\n"
+                                                              "  Near miss, 1 event short: G beside B\n"));
+    EXPECT_THAT(Explained({"--json"}), HasSubstr(R"("cutOffs": [{"id": "G", "path": ["T", "G"], "leaves": [{"id": "A")"));
+}
+
+TEST_F(ExplainCommandTest, NearMissesBeyondTheLimitAreCounted)
+{
+    WriteTree(Or({Basic("C"), Basic("D"), Basic("X")}));
+    EXPECT_THAT(Explained({"--near-misses", "1", "--limit", "2"}), EndsWith("  1 more left out\n"));
+    EXPECT_THAT(Explained({"--near-misses", "1", "--limit", "2", "--json"}),
+        HasSubstr(R"("nearMisses": {"leftOut": 1, "complete": true, "sets": [{"missing": [{"id": "C")"));
+}
+
+TEST_F(ExplainCommandTest, ACauseThatTheListRepeatsIsToldOnce)
+{
+    const auto shared = Intermediate("G", And({Basic("A"), Basic("B")}));
+    WriteTree(Or({shared, Intermediate("H", Or({shared})), Basic("C")}));
+    EXPECT_THAT(Explained(), AllOf(HasSubstr("T (version 3): FAULT, 2 root causes (1 distinct)\n"),
+        HasSubstr("  Root cause A + B  (stands 2 times in the list)\n"
+                  "      T / G / A\n"
+                  "        rule yes: V \"1\" eq \"1\" holds, condition_met\n"
+                  "      T / G / B\n"),
+        HasSubstr("rules as above\n")));
+    EXPECT_EQ(Explained({"--brief"}), "b\n  T: A + B  (stands 2 times in the list)\n");
+}
+
+TEST_F(ExplainCommandTest, MinimalSetsHaveSharesAndRepairs)
+{
+    WriteTree(Or({Basic("A"), Intermediate("G", And({Basic("A"), Basic("B")}))}));
+    EXPECT_THAT(Explained({"--minimal"}), EndsWith("  Minimal cut sets: 1, of 2 distinct sets and 2 entries of the list\n"
+                                                   "      A\n"
+                                                   "  Share of the minimal cut sets\n"
+                                                   "      100.0%  A\n"
+                                                   "  Repair A: no root cause would remain\n"));
+    EXPECT_THAT(Explained({"--minimal", "--json"}),
+        HasSubstr(R"("minimal": {"listed": 2, "distinct": 2, "sets": [{"ids": ["A"], "times": 1}], "shares": )"
+                  R"([{"id": "A", "sets": 1, "share": 1.000000}], "repairs": {"ids": ["A"], "smallest": true}})"));
+}
+
+TEST_F(ExplainCommandTest, AnEventCanBeSingledOut)
+{
+    WriteTree(Or({Basic("A"), Intermediate("G", And({Basic("B"), Basic("C")}))}));
+    EXPECT_EQ(Explained({"--event", "C"}), "b\n"
+                                           "  T (version 3): FAULT, 1 root cause\n"
+                                           "  FALSE    C\n"
+                                           "              path T / G / C\n"
+                                           "              rule no (node): FALSE condition_not_met\n"
+                                           "                  V = \"0\" from no\n"
+                                           "                  V \"0\" eq \"1\" fails\n");
+    EXPECT_THAT(Explained({"--event", "A"}), HasSubstr("  Root cause A\n"));
+    EXPECT_THAT(Explained({"--event", "C", "--json"}),
+        AllOf(HasSubstr(R"("events": [{"id": "C")"), HasSubstr(R"("path": ["T", "G", "C"])"), Not(HasSubstr("\"tree\""))));
+}
+
+TEST_F(ExplainCommandTest, ARuleAndACauseCanBeSingledOut)
+{
+    WriteTree(Or({Basic("A"), Basic("B"), Basic("C")}));
+    EXPECT_THAT(Explained({"--rule", "no"}), AllOf(HasSubstr("  FALSE    C\n"), Not(HasSubstr("rule yes")),
+        Not(HasSubstr("Root cause"))));
+    EXPECT_THAT(Explained({"--cause", "B"}), AllOf(HasSubstr("  TRUE     B\n"), HasSubstr("Root cause B\n"),
+        Not(HasSubstr("Root cause A"))));
+}
+
+TEST_F(ExplainCommandTest, AnUnknownWordIsWrongUseWithTheNearest)
+{
+    WriteHotBundle(mDir, "b");
+    const auto event = RunArborist({"explain", "--event", "HOTT", "b"});
+    EXPECT_EQ(event.err,
+        "arborist: b: no event \"HOTT\" in this detection; did you mean \"HOT\"? [unknown_event]\n");
+    EXPECT_EQ(event.out, "b\n  NOT DIAGNOSED\n");
+    EXPECT_EQ(event.status, 2);
+    EXPECT_THAT(RunArborist({"explain", "--rule", "hut", "b"}).err, HasSubstr("did you mean \"hot\"? [unknown_rule]"));
+    const auto cause = RunArborist({"explain", "--json", "--cause", "nothing", "b"});
+    EXPECT_THAT(cause.out, AllOf(HasSubstr(R"("ok": false)"), HasSubstr(R"("error": {"code": "unknown_cause")")));
+}
+
+TEST_F(ExplainCommandTest, ColoursComeWhenAskedForOrOnATerminal)
+{
+    WriteHotBundle(mDir, "b");
+    EXPECT_THAT(Explained(), Not(HasSubstr("\x1b[")));
+    EXPECT_THAT(Explained({"--color=always"}), HasSubstr("\x1b[31;1mFAULT\x1b[0m"));
+    EXPECT_THAT(Explained({"--color", "never"}), Not(HasSubstr("\x1b[")));
+    EXPECT_EQ(RunArborist({"explain", "--color=sometimes", "b"}).status, 2);
+}
+
+TEST_F(ExplainCommandTest, DetectTellsWhyOfTheSameRun)
+{
+    WriteHotBundle(mDir, "b");
+    const std::string plain = RunArborist({"detect", "b"}).out;
+    EXPECT_EQ(RunArborist({"detect", "--explain", "b"}).out, plain + Explained());
+    const std::string json = RunArborist({"detect", "--json", "b"}).out;
+    const std::string both = RunArborist({"detect", "--explain", "--json", "b"}).out;
+    EXPECT_THAT(both, StartsWith(json.substr(0, json.size() - 2)));
+    EXPECT_THAT(both, HasSubstr(R"("explanation": [{"treeId": "T")"));
+}
+
+TEST_F(ExplainCommandTest, ABundleThatCannotBeRunIsToldAndTheNextGoesOn)
+{
+    WriteHotBundle(mDir, "b");
+    const auto result = RunArborist({"explain", "nowhere", "b"});
+    EXPECT_THAT(result.out, StartsWith("nowhere\n  NOT DIAGNOSED\nb\n"));
+    EXPECT_EQ(result.status, 4);
+}
+
+TEST_F(ExplainCommandTest, TextsOfStrangersAreCutAndDoNotSteerTheTerminal)
+{
+    WriteHotBundle(mDir, "b");
+    mDir.Write("b/temperature", "\x1b[31m" + std::string(100, 'x'));
+    EXPECT_THAT(Explained(), AllOf(HasSubstr("T = \"\\x1B[31mxxxx"), HasSubstr("... (105 bytes)"), Not(HasSubstr("\x1b["))));
+}
+
+} // namespace
