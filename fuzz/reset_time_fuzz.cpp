@@ -1,6 +1,6 @@
 // Any bytes as a recovery log, a reset log and a line of either.
 
-#include "arborist/stores/reset_time_parser.h"
+#include "arborist/stores/repairs/reset_time_parser.h"
 #include "fuzz/fuzz_support.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)

@@ -8,7 +8,7 @@
 #include "arborist/evaluation/detection_customize.h"
 #include "arborist/evaluation/rule_helper.h"
 #include "arborist/frame/log.h"
-#include "arborist/stores/alarm_rule_db_helper.h"
+#include "arborist/stores/event_log/alarm_rule_db_helper.h"
 
 namespace {
 

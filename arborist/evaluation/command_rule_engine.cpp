@@ -7,7 +7,7 @@
 #include "arborist/evaluation/rule_helper.h"
 #include "arborist/frame/log.h"
 #include "arborist/model/common_part.h"
-#include "arborist/stores/command_rule_db_helper.h"
+#include "arborist/stores/common_part/command_rule_db_helper.h"
 #include "arborist/utilities/string_util.h"
 
 namespace {

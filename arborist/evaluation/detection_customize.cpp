@@ -3,8 +3,8 @@
 #include <json/value.h>
 
 #include "arborist/frame/log.h"
-#include "arborist/stores/event_member_cache.h"
-#include "arborist/stores/log_event.h"
+#include "arborist/stores/event_log/event_member_cache.h"
+#include "arborist/stores/event_log/log_event.h"
 #include "arborist/utilities/json_text.h"
 #include "arborist/utilities/string_util.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "arborist/stores/event_member_cache.h"
+#include "arborist/stores/event_log/event_member_cache.h"
 
 class RuleChecker;
 

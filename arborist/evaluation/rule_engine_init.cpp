@@ -2,7 +2,7 @@
 #include "arborist/frame/detect_info.h"
 #include "arborist/loading/fault_tree_parser.h"
 #include "arborist/model/common_part.h"
-#include "arborist/stores/common_part_db_helper.h"
+#include "arborist/stores/common_part/common_part_db_helper.h"
 #include "arborist/utilities/device_paths.h"
 
 void RuleEngine::Init()

@@ -7,7 +7,7 @@
 #include "arborist/frame/log.h"
 #include "arborist/loading/fault_tree_parser.h"
 #include "arborist/model/event.h"
-#include "arborist/stores/reset_time_parser.h"
+#include "arborist/stores/repairs/reset_time_parser.h"
 
 namespace {
 

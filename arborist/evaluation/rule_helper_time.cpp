@@ -7,8 +7,8 @@
 #include "arborist/frame/log.h"
 #include "arborist/loading/fault_tree_parser.h"
 #include "arborist/model/event.h"
-#include "arborist/stores/repair_db_util.h"
-#include "arborist/stores/reset_time_parser.h"
+#include "arborist/stores/repairs/repair_db_util.h"
+#include "arborist/stores/repairs/reset_time_parser.h"
 #include "arborist/utilities/json_text.h"
 #include "arborist/utilities/time_util.h"
 

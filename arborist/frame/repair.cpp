@@ -1,6 +1,6 @@
 #include "arborist/frame/repair.h"
 
-#include "arborist/stores/repair_db_util.h"
+#include "arborist/stores/repairs/repair_db_util.h"
 
 void UpdateRepairDb(const std::string& repairId)
 {

@@ -24,18 +24,18 @@ class TreeTest(unittest.TestCase):
 class CheckTest(unittest.TestCase):
     def test_what_points_down_passes(self):
         self.assertEqual(faults("loading/tree_parser.cpp", "arborist/model/gate.h"), [])
-        self.assertEqual(faults("evaluation/rule_engine.cpp", "arborist/stores/log_event.h"), [])
-        self.assertEqual(faults("stores/repair_db_util.cpp", "arborist/stores/sql/sql_table.h"), [])
+        self.assertEqual(faults("evaluation/rule_engine.cpp", "arborist/stores/event_log/log_event.h"), [])
+        self.assertEqual(faults("stores/repairs/repair_db_util.cpp", "arborist/stores/sql/sql_table.h"), [])
         self.assertEqual(faults("frame/arborist.cpp", "arborist/deduction/fault_tree_visitor.h"), [])
 
     def test_upwards_and_sideways_are_faults(self):
         for name, include in [
                 ("model/gate.h", "arborist/loading/tree_parser.h"),
-                ("loading/tree_parser.cpp", "arborist/stores/log_event.h"),
+                ("loading/tree_parser.cpp", "arborist/stores/event_log/log_event.h"),
                 ("evaluation/rule_engine.cpp", "arborist/deduction/cause_node.h"),
                 ("utilities/file_util.cpp", "arborist/model/gate.h"),
                 ("stores/sql/sql_table.h", "arborist/utilities/file_util.h"),
-                ("stores/sql/sql_table.h", "arborist/stores/log_event.h"),
+                ("stores/sql/sql_table.h", "arborist/stores/event_log/log_event.h"),
                 ("evaluation/rule_engine.cpp", "arborist/frame/arborist.h"),
                 ("frame/log.cpp", "arborist/utilities/file_util.h")]:
             self.assertEqual(len(faults(name, include)), 1, (name, include))
@@ -43,7 +43,7 @@ class CheckTest(unittest.TestCase):
     def test_foreign_headers_stay_behind_their_doors(self):
         self.assertEqual(faults("loading/tree_parser.cpp", "tinyxml2.h"), [])
         self.assertEqual(len(faults("model/gate.cpp", "tinyxml2.h")), 1)
-        self.assertEqual(len(faults("stores/repair_db_util.cpp", "sqlite3.h")), 1)
+        self.assertEqual(len(faults("stores/repairs/repair_db_util.cpp", "sqlite3.h")), 1)
 
     def test_public_headers_know_no_private_ones(self):
         self.assertEqual(len(faults("frame/log.h", "arborist/frame/fault_tree_prop_global.h")), 1)

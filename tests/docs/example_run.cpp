@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include "arborist/stores/reset_time_parser.h"
+#include "arborist/stores/repairs/reset_time_parser.h"
 #include "arborist/utilities/device_paths.h"
 #include "arborist/utilities/time_util.h"
 #include "tests/docs/tree_notation.h"

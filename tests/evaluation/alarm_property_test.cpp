@@ -13,7 +13,7 @@
 #include "arborist/frame/detect_info.h"
 #include "arborist/frame/log.h"
 #include "arborist/frame/settings.h"
-#include "arborist/stores/alarm_rule_db_helper.h"
+#include "arborist/stores/event_log/alarm_rule_db_helper.h"
 #include "arborist/stores/sql/simple_database_helper.h"
 #include "arborist/utilities/json_text.h"
 #include "arborist/utilities/string_util.h"

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 
 #include "arborist/frame/log.h"
-#include "arborist/stores/event_member_cache.h"
-#include "arborist/stores/log_event.h"
+#include "arborist/stores/event_log/event_member_cache.h"
+#include "arborist/stores/event_log/log_event.h"
 #include "tests/support/case_name.h"
 #include "tests/support/log_capture.h"
 

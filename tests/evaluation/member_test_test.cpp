@@ -6,7 +6,7 @@
 
 #include "arborist/evaluation/rule_checker.h"
 #include "arborist/frame/log.h"
-#include "arborist/stores/event_member_cache.h"
+#include "arborist/stores/event_log/event_member_cache.h"
 #include "tests/support/log_capture.h"
 
 namespace {

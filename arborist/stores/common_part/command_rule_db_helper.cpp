@@ -1,0 +1,204 @@
+#include "arborist/stores/common_part/command_rule_db_helper.h"
+
+#include <cstdlib>
+#include <string_view>
+#include <utility>
+
+#include "arborist/frame/detection_observer.h"
+#include "arborist/stores/common_part/lower_case.h"
+#include "arborist/stores/sql/simple_database_helper.h"
+#include "arborist/stores/sql/sql_table.h"
+#include "arborist/utilities/device_paths.h"
+#include "arborist/utilities/string_util.h"
+
+namespace {
+
+constexpr std::int64_t SECONDS_OF_DAY = 86400;
+constexpr int NORMAL_DAYS = 30;
+
+FT::sql::FieldType FieldTypeOf(const std::string& type)
+{
+    if (type == "string") {
+        return FT::sql::TypeText;
+    }
+    if (type == "int" || type == "long") {
+        return FT::sql::TypeInteger;
+    }
+    return type == "float" || type == "double" ? FT::sql::TypeReal : FT::sql::TypeNone;
+}
+
+std::vector<FT::sql::SqlField> FieldsOf(const CommandRuleDbHelper::ParamList& params,
+    const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second)
+{
+    std::vector<FT::sql::SqlField> fields;
+    fields.reserve(params.size() + 3);
+    for (const auto& param : params) {
+        if (param != nullptr) {
+            fields.emplace_back(param->key, FieldTypeOf(param->type));
+        }
+    }
+    for (const auto& param : {first, second}) {
+        if (param != nullptr) {
+            fields.emplace_back(param->key, FT::sql::TypeInteger);
+        }
+    }
+    fields.emplace_back(FT::sql::FieldUseEnd);
+    return fields;
+}
+
+std::string GetRecordParamAsStr(const FT::sql::SqlRecord& record, const Param& param)
+{
+    const FT::sql::SqlValue* const value = record.GetValue(param.key);
+    return value == nullptr ? "" : value->AsString();
+}
+
+std::int64_t GetRecordInterval(const FT::sql::SqlRecord& record, const std::shared_ptr<Param>& param)
+{
+    const FT::sql::SqlValue* const value = param == nullptr ? nullptr : record.GetValue(param->key);
+    return value == nullptr ? 0 : value->AsInteger();
+}
+
+std::uint64_t Distance(std::int64_t start, std::int64_t end)
+{
+    const auto low = static_cast<std::uint64_t>(start < end ? start : end);
+    const auto high = static_cast<std::uint64_t>(start < end ? end : start);
+    return high - low;
+}
+
+// All in 32 bits, wrapping: that is how rule sets know it.
+std::int32_t ScaledTo30Days(std::int32_t value, std::uint64_t days)
+{
+    const std::uint32_t product = static_cast<std::uint32_t>(value) * static_cast<std::uint32_t>(NORMAL_DAYS);
+    const auto divisor = static_cast<std::int32_t>(static_cast<std::uint32_t>(days) + 1U);
+    const auto dividend = static_cast<std::int32_t>(product);
+    if (divisor == 0) {
+        return 0;
+    }
+    return static_cast<std::int32_t>(std::int64_t{dividend} / divisor);
+}
+
+// Empty for a type that isn't scaled.
+std::string ScaledText(const std::string& type, const std::string& text, std::uint64_t days)
+{
+    if (type == "int" || type == "long") {
+        return std::to_string(ScaledTo30Days(StringUtil::StringToInt32Def(text, 0, 10), days));
+    }
+    if (type == "float") {
+        const float value = StringUtil::StringToFloatDef(text, 0);
+        return std::to_string(value * static_cast<float>(NORMAL_DAYS) / static_cast<float>(days + 1));
+    }
+    if (type == "double") {
+        const double value = StringUtil::StringToDoubleDef(text, 0);
+        return std::to_string(value * NORMAL_DAYS / static_cast<double>(days + 1));
+    }
+    return "";
+}
+
+// A single select, which leaves no trace on the connection that it ran on.
+bool IsPlainSelect(const std::string& sql)
+{
+    constexpr std::string_view SELECT = "select";
+    const std::size_t start = sql.find_first_not_of(" \t\r\n");
+    return start != std::string::npos && LowerCase(sql.substr(start, SELECT.size())) == SELECT &&
+        sql.find(';') == std::string::npos;
+}
+
+} // namespace
+
+bool CommandRuleDbHelper::IsOpenDbSuccess(const std::string& path)
+{
+    std::string file = path.empty() ? DevicePaths::DerivedDatabase() : path;
+    // Opening costs more than most of the statements, so the connection stays while the file is the same, unchanged.
+    const Platform::FileIdentity identity(file);
+    if (mDatabase.IsOpen() && identity.IsSet() && file == mPath && identity == mIdentity) {
+        return true;
+    }
+    mPath = std::move(file);
+    mIdentity = identity;
+    mDatabase.Open(mPath);
+    mDatabase.Restrict(FT::sql::SqlAccess::OWN_FILE);
+    return mDatabase.IsOpen();
+}
+
+CommandRuleDbHelper::ParamList CommandRuleDbHelper::RunSql(const std::string& sql, const ParamList& params,
+    bool isNormalization, const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second)
+{
+    std::vector<FT::sql::SqlField> fields = FieldsOf(params, first, second);
+    // Carries the fields alone: there is no table of that name.
+    FT::sql::SqlTable table(mDatabase.GetHandle(), "tmp_table", fields.data(), fields.size());
+    mRowCount = FT::sql::SimpleDatabaseHelper().GetRecordCountByFullSql(table, sql);
+    if (mObserver != nullptr) {
+        mObserver->OnQuery({mPath, sql, mDatabase.IsOpen(), table.GetRecordCount(), table.GetErrorMessage()});
+    }
+    mIsIntervalMissing = false;
+    ParamList result;
+    const FT::sql::SqlRecord* const record = table.GetTopRecord();
+    if (mRowCount == 1 && record != nullptr) {
+        result = isNormalization ? UpdateParamListOfNormalization(params, *record, first, second)
+                                 : UpdateParamList(params, *record);
+    }
+    // A file that can't be read says so again when it is opened for the next statement.
+    if (!table.IsOk() || !IsPlainSelect(sql)) {
+        mDatabase.Close();
+    }
+    return result;
+}
+
+CommandRuleDbHelper::ParamList CommandRuleDbHelper::UpdateParamList(
+    const ParamList& params, const FT::sql::SqlRecord& record) const
+{
+    ParamList result;
+    for (const auto& param : params) {
+        if (param != nullptr) {
+            param->value = GetRecordParamAsStr(record, *param);
+            TellParameter(*param, param->value);
+            result.push_back(std::make_shared<Param>(*param));
+        }
+    }
+    return result;
+}
+
+CommandRuleDbHelper::ParamList CommandRuleDbHelper::UpdateParamListOfNormalization(const ParamList& params,
+    const FT::sql::SqlRecord& record, const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second)
+{
+    const std::int64_t start = GetRecordInterval(record, first);
+    const std::int64_t end = GetRecordInterval(record, second);
+    // One second apart is left out on purpose.
+    mIsIntervalMissing = start == 0 || end == 0 || Distance(start, end) == 1;
+    if (mObserver != nullptr) {
+        const std::uint64_t days = Distance(start, end) / static_cast<std::uint64_t>(SECONDS_OF_DAY);
+        mObserver->OnInterval({first == nullptr ? std::string_view() : first->key,
+            second == nullptr ? std::string_view() : second->key, start, end, days, !mIsIntervalMissing});
+    }
+    if (mIsIntervalMissing) {
+        return {};
+    }
+    return GenerateParamListOfNormalization(params, record, start, end);
+}
+
+CommandRuleDbHelper::ParamList CommandRuleDbHelper::GenerateParamListOfNormalization(
+    const ParamList& params, const FT::sql::SqlRecord& record, std::int64_t start, std::int64_t end) const
+{
+    const std::uint64_t days = Distance(start, end) / static_cast<std::uint64_t>(SECONDS_OF_DAY);
+    ParamList result;
+    for (const auto& param : params) {
+        if (param == nullptr || param->type == "string") {
+            continue;
+        }
+        const std::string raw = GetRecordParamAsStr(record, *param);
+        std::string scaled = raw.empty() ? "" : ScaledText(param->type, raw, days);
+        if (!scaled.empty()) {
+            param->value = std::move(scaled);
+        }
+        TellParameter(*param, raw);
+        result.push_back(param);
+    }
+    return result;
+}
+
+void CommandRuleDbHelper::TellParameter(const Param& param, const std::string& raw) const
+{
+    if (mObserver != nullptr) {
+        mObserver->OnParameter({param.id, param.key, param.type, raw, param.value});
+    }
+}

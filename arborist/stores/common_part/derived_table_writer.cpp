@@ -1,0 +1,195 @@
+#include "arborist/stores/common_part/derived_table_writer.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <cstddef>
+#include <iterator>
+#include <limits>
+#include <string_view>
+#include <utility>
+
+#include <json/value.h>
+
+#include "arborist/frame/log.h"
+#include "arborist/stores/common_part/lower_case.h"
+#include "arborist/stores/sql/sql_cursor.h"
+#include "arborist/stores/sql/sql_database.h"
+#include "arborist/stores/sql/sql_operator.h"
+
+namespace {
+
+constexpr std::string_view CREATE_TABLE = "CREATE TABLE ";
+// For fewer rows the way through memory is the longer one.
+constexpr std::size_t FEW_ROWS = 4;
+
+bool IsPlainName(std::string_view name)
+{
+    return !name.empty() && std::all_of(name.begin(), name.end(), [](unsigned char character) {
+        return std::isalnum(character) != 0 || character == '_';
+    });
+}
+
+bool IsPlainType(const std::string& type)
+{
+    static constexpr std::string_view TYPES[] = {"string", "text", "int", "long", "integer", "float", "double"};
+    return std::find(std::begin(TYPES), std::end(TYPES), LowerCase(type)) != std::end(TYPES);
+}
+
+// A text with a quote in it ends its literal, and what follows is SQL: harmless as long as it can't call for more.
+bool MayHoldSql(const std::string& text)
+{
+    return text.find('\'') != std::string::npos && text.find_first_of(";(") != std::string::npos;
+}
+
+bool MayHoldSql(const Json::Value& row)
+{
+    return row.isObject() && std::any_of(row.begin(), row.end(), [](const Json::Value& value) {
+        return value.isString() && MayHoldSql(value.asString());
+    });
+}
+
+// "%f" without the host's locale: a decimal comma would make two values of it.
+std::string FixedText(double number)
+{
+    // Sign, every digit that a double can have before the point, the point and six digits.
+    char text[std::numeric_limits<double>::max_exponent10 + 16];
+    const auto [end, error] = std::to_chars(std::begin(text), std::end(text), number, std::chars_format::fixed, 6);
+    return std::string(text, end);
+}
+
+// Empty for what is neither text nor number. A number without a fraction counts as whole, however it was written.
+std::string LiteralOf(const Json::Value& value)
+{
+    if (value.isString()) {
+        // The quotes inside aren't doubled: rule sets know that such a row is lost.
+        return "'" + value.asString() + "'";
+    }
+    if (value.isInt64()) {
+        return std::to_string(value.asInt64());
+    }
+    return value.isNumeric() ? FixedText(value.asDouble()) : "";
+}
+
+} // namespace
+
+DerivedTableWriter::DerivedTableWriter(
+    FT::sql::SqlDatabase& database, std::string tableName, const ParamList& params, std::string createSql)
+    : mDatabase(database), mTableName(std::move(tableName)), mCreateSql(std::move(createSql))
+{
+    GetColumnNames(params);
+}
+
+void DerivedTableWriter::GetColumnNames(const ParamList& params)
+{
+    // In capitals, which no name in lower case equals: SQLite assigns the key.
+    mColumns.insert("_ID");
+    for (const auto& param : params) {
+        if (param != nullptr && !param->key.empty()) {
+            mColumns.insert(LowerCase(param->key));
+            mHasPlainColumns = mHasPlainColumns && IsPlainName(param->key) && IsPlainType(param->type);
+        }
+    }
+}
+
+void DerivedTableWriter::Write(const std::vector<Json::Value>& rows)
+{
+    if (rows.size() < FEW_ROWS) {
+        InsertAll(rows);
+        return;
+    }
+    if (CanBeStaged(rows) && OpenStage()) {
+        InsertAll(rows);
+        PublishStage();
+        return;
+    }
+    // A log written ahead makes a transaction cheap, and leaves the file whole if the process ends in between.
+    FT::sql::SqlOperator connection(mDatabase.GetHandle());
+    connection.ExecuteNoCallback("PRAGMA locking_mode=EXCLUSIVE");
+    connection.ExecuteNoCallback("PRAGMA journal_mode=WAL");
+    InsertAll(rows);
+    connection.ExecuteNoCallback("PRAGMA journal_mode=DELETE");
+    connection.ExecuteNoCallback("PRAGMA locking_mode=NORMAL");
+}
+
+void DerivedTableWriter::InsertAll(const std::vector<Json::Value>& rows)
+{
+    ValueMap values;
+    for (const Json::Value& row : rows) {
+        UpdateValuesOfSetDataToTable(row, values);
+        if (!values.empty()) {
+            InsertRow(InsertStatement(values));
+            values.clear();
+        }
+    }
+}
+
+void DerivedTableWriter::UpdateValuesOfSetDataToTable(const Json::Value& row, ValueMap& values) const
+{
+    if (!row.isObject()) {
+        return;
+    }
+    for (auto member = row.begin(); member != row.end(); ++member) {
+        std::string column = LowerCase(member.name());
+        if (mColumns.count(column) == 0) {
+            continue;
+        }
+        std::string literal = LiteralOf(*member);
+        if (literal.empty()) {
+            FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: lumbra data type is not conventional",
+                "CommonPartDbHelper::UpdateValuesOfSetDataToTable");
+            continue;
+        }
+        values[std::move(column)] = std::move(literal);
+    }
+}
+
+std::string DerivedTableWriter::InsertStatement(const ValueMap& values) const
+{
+    std::string names;
+    std::string literals;
+    for (const auto& [name, literal] : values) {
+        const char* const separator = names.empty() ? "" : ", ";
+        names.append(separator).append(name);
+        literals.append(separator).append(literal);
+    }
+    return "insert into " + mTableName + " (" + names + ") " + "values (" + literals + ")";
+}
+
+void DerivedTableWriter::InsertRow(const std::string& statement)
+{
+    mDatabase.BeginTransaction();
+    if (!FT::sql::SqlOperator(mDatabase.GetHandle()).ExecuteNoCallback(statement)) {
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_ERROR, "FUNc:%s: execute sql fail.", "CommonPartDbHelper::IsSetedDataToTable");
+    }
+    mDatabase.CommitTransaction();
+}
+
+bool DerivedTableWriter::CanBeStaged(const std::vector<Json::Value>& rows) const
+{
+    return mHasPlainColumns && IsPlainName(mTableName) && mCreateSql.rfind(CREATE_TABLE, 0) == 0 &&
+        std::none_of(rows.begin(), rows.end(), [](const Json::Value& row) { return MayHoldSql(row); });
+}
+
+bool DerivedTableWriter::OpenStage()
+{
+    // A table of the connection's own hides the one of the same name in the file.
+    FT::sql::SqlOperator connection(mDatabase.GetHandle());
+    return connection.ExecuteNoCallback("PRAGMA temp_store=MEMORY") &&
+        connection.ExecuteNoCallback("CREATE TEMP TABLE " + mCreateSql.substr(CREATE_TABLE.size()));
+}
+
+void DerivedTableWriter::PublishStage()
+{
+    FT::sql::SqlOperator connection(mDatabase.GetHandle());
+    const std::string publish = "insert into main." + mTableName + " select * from temp." + mTableName;
+    if (!connection.ExecuteNoCallback(publish)) {
+        // Somebody else reads, or the disk is full: what fails then is the single row again.
+        FT::sql::SqlCursor ids(mDatabase.GetHandle(), "select _ID from temp." + mTableName);
+        while (ids.Step()) {
+            InsertRow(publish + " where _ID = " + std::to_string(ids.GetInteger(0)));
+        }
+    }
+    connection.ExecuteNoCallback("drop table temp." + mTableName);
+}

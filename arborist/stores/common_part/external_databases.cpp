@@ -1,0 +1,269 @@
+// CommonPartDbHelper: copies of databases that other software left on disk.
+#include <filesystem>
+#include <map>
+#include <system_error>
+
+#include "arborist/frame/fault_tree_prop_global.h"
+#include "arborist/frame/log.h"
+#include "arborist/frame/settings.h"
+#include "arborist/stores/common_part/common_part_db_helper.h"
+#include "arborist/stores/common_part/database_search.h"
+#include "arborist/stores/common_part/file_name_pattern.h"
+#include "arborist/stores/common_part/lower_case.h"
+#include "arborist/stores/sql/sql_database.h"
+#include "arborist/stores/sql/sql_operator.h"
+#include "arborist/utilities/device_paths.h"
+#include "arborist/utilities/file_util.h"
+#include "arborist/utilities/string_util.h"
+#include "arborist/utilities/zip_util.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using PathList = std::vector<std::string>;
+
+std::string TargetOf(const std::string& source, const std::string& directory)
+{
+    return directory + "/" + FileUtil::ExtractFileName(source);
+}
+
+// Whether a copy of `source` in `directory` would be the source itself, and not merely a link to it.
+bool IsInDirectory(const std::string& source, const std::string& directory)
+{
+    std::error_code error;
+    const fs::path sourceFolder = fs::canonical(fs::absolute(source, error).parent_path(), error);
+    if (error) {
+        return false;
+    }
+    return fs::equivalent(sourceFolder, directory, error) && !error;
+}
+
+bool IsZip(const std::string& path)
+{
+    return LowerCase(path).find("zip") != std::string::npos;
+}
+
+// SQLite would work what a broken-off run left beside the target's last copy into the new one.
+void RemoveLeftovers(const std::string& target)
+{
+    for (const char* const suffix : {"-journal", "-wal", "-shm"}) {
+        if (FileUtil::FileExists(target + suffix)) {
+            FileUtil::RemoveFile(target + suffix);
+        }
+    }
+}
+
+bool HoldsTwoDots(const std::string& path)
+{
+    return path.find("..") != std::string::npos;
+}
+
+} // namespace
+
+void CommonPartDbHelper::CopyDbAndCreateTable(const std::shared_ptr<CommonPart>& commonPart)
+{
+    if (commonPart == nullptr || commonPart->GetCombineCommon() == nullptr) {
+        return;
+    }
+    for (const auto& bean : commonPart->GetCombineCommon()->GetDefDbTableCommonList()) {
+        if (bean == nullptr) {
+            continue;
+        }
+        for (const auto& dbPath : bean->GetDbPathList()) {
+            const std::string path = dbPath == nullptr ? "" : DevicePaths::OnDevice(dbPath->GetPathValue());
+            if (path.empty() || !FileUtil::FileExists(path)) {
+                continue;
+            }
+            // Of several paths that are there the bean keeps the copies of the last one only.
+            bean->SetCopyDbFileList(CopyDbFile(path, bean->GetDbName()));
+            IsCreateDbByFileComplete(bean->GetCopyDbFileList(), bean->GetCreateTableList());
+        }
+    }
+}
+
+std::vector<std::string> CommonPartDbHelper::CopyDbFile(const std::string& path, const std::string& dbName)
+{
+    const PathList candidates = GetFileList(path, dbName, true);
+    if (candidates.empty()) {
+        return {};
+    }
+    const std::string directory = FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(Settings::APP_DATABASE_DIR,
+        "");
+    if (directory.empty()) {
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_ERROR, "FUNc:%s: database dir is empty.", "CommonPartDbHelper::CopyDbFile");
+        return {};
+    }
+    // Before the first copy: files of these names may be among those that are copied.
+    for (const std::string& candidate : candidates) {
+        if (!IsZip(candidate) && !IsInDirectory(candidate, directory)) {
+            RemoveLeftovers(TargetOf(candidate, directory));
+        }
+    }
+    PathList copies;
+    FileNamePattern pattern(dbName);
+    std::map<std::string, std::string> sourceByTarget; // what stands at a target since its last copy
+    for (const std::string& candidate : candidates) {
+        if (!FileUtil::FileExists(candidate)) {
+            continue;
+        }
+        if (IsZip(candidate)) {
+            sourceByTarget.clear();
+            for (const std::string& file : UnZipFile(candidate, directory)) {
+                if (!file.empty() && pattern.Matches(FileUtil::ExtractFileName(file))) {
+                    copies.push_back(file);
+                }
+            }
+            continue;
+        }
+        // A file that is listed again is a copy again; the same bytes need not be written again for it.
+        std::string& standing = sourceByTarget[TargetOf(candidate, directory)];
+        if (standing == candidate || CopyFile(candidate, directory)) {
+            standing = candidate;
+            copies.push_back(TargetOf(StringUtil::TrimSP(candidate), directory));
+        } else {
+            standing.clear();
+        }
+    }
+    return copies;
+}
+
+std::vector<std::string> CommonPartDbHelper::GetFileList(
+    const std::string& directory, const std::string& pattern, bool recursive)
+{
+    if (directory.empty() || pattern.empty()) {
+        return {};
+    }
+    DatabaseSearch search(pattern);
+    PathList files = search.Find(directory, recursive);
+    if (search.IsCutShort()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: more than %zu files found, the rest is passed over.",
+            "CommonPartDbHelper::GetFileList", DatabaseSearch::MOST_LISTINGS);
+    }
+    return files;
+}
+
+bool CommonPartDbHelper::CheckFileName(const std::string& pattern, const std::string& name)
+{
+    return FileNamePattern(pattern).Matches(name);
+}
+
+bool CommonPartDbHelper::CopyFile(const std::string& source, const std::string& directory)
+{
+    static constexpr char NAME[] = "CommonPartDbHelper::CopyFile";
+    if (source.empty() || directory.empty()) {
+        return false;
+    }
+    if (!FileUtil::FileExists(source)) {
+        FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: file %s not exist.", NAME,
+            FileUtil::ExtractFileName(source).c_str());
+        return false;
+    }
+    if (!FileUtil::FileExists(directory) && !FileUtil::ForceCreateDirectory(directory)) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: create directory fail.", NAME);
+        return false;
+    }
+    if (!FileUtil::IsDirectory(directory)) {
+        return false;
+    }
+    if (IsInDirectory(source, directory)) {
+        return true;
+    }
+    const std::string target = TargetOf(source, directory);
+    FileUtil::RemoveFile(target);
+    if (!FileUtil::CopyFileToFolder(source, directory, fs::copy_options::overwrite_existing)) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: copy file to folder fail.", NAME);
+        return false;
+    }
+    return FileUtil::FileExists(target);
+}
+
+std::vector<std::string> CommonPartDbHelper::UnZipFile(const std::string& zipPath, const std::string& directory)
+{
+    static constexpr char NAME[] = "CommonPartDbHelper::UnZipFile";
+    if (zipPath.empty() || directory.empty()) {
+        return {};
+    }
+    if (!FileUtil::FileExists(zipPath)) {
+        FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: file not exist.", NAME);
+        return {};
+    }
+    if (HoldsTwoDots(directory) || HoldsTwoDots(FileUtil::ExtractFileName(zipPath))) {
+        return {};
+    }
+    FileUtil::ForceCreateDirectory(directory);
+    // Always the same: what an earlier run left in it is copied, too.
+    const std::string workDirectory = directory + "/temp";
+    FileUtil::ForceCreateDirectory(workDirectory);
+    if (!ZipUtil::UnZipFile(zipPath, workDirectory + "/")) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: unZip file fail.", NAME);
+        return {};
+    }
+    PathList unpacked;
+    FileUtil::GetDirFiles(workDirectory, unpacked);
+    for (const std::string& file : unpacked) {
+        RemoveLeftovers(TargetOf(file, directory));
+    }
+    for (std::string& file : unpacked) {
+        if (!CopyFile(file, directory)) {
+            FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Copy file fail.", NAME);
+        }
+        // Listed whether or not the copy was made: an older one may stand there.
+        file = TargetOf(file, directory);
+    }
+    if (!FileUtil::ForceRemoveDirectory(workDirectory, true)) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: remove folder fail.", NAME);
+    }
+    return unpacked;
+}
+
+void CommonPartDbHelper::IsCreateDbByFileComplete(
+    const std::vector<std::string>& files, const DefDbTableBean::CreateTableList& createTables)
+{
+    for (const std::string& file : files) {
+        for (const auto& createTable : createTables) {
+            if (!file.empty() && createTable != nullptr && !CreateTable(file, createTable->GetSql())) {
+                FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: create table %s fail.",
+                    "CommonPartDbHelper::IsCreateDbByFileComplete", createTable->GetTableName().c_str());
+            }
+        }
+    }
+}
+
+bool CommonPartDbHelper::CreateTable(const std::string& dbPath, const std::string& sql)
+{
+    static constexpr char NAME[] = "CommonPartDbHelper::CreateTable";
+    const std::lock_guard<std::mutex> lock(createTableMutex);
+    if (dbPath.empty() || sql.empty()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: createTable input is null.", NAME);
+        return false;
+    }
+    if (!FileUtil::FileExists(dbPath)) {
+        FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: file %s not exist.", NAME,
+            FileUtil::ExtractFileName(dbPath).c_str());
+        return false;
+    }
+    // A semicolon inside a literal cuts the statement, too.
+    const std::vector<std::string> statements = StringUtil::Split(sql, ";");
+    if (statements.empty()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: sql empty.", NAME);
+        return false;
+    }
+    FT::sql::SqlDatabase database;
+    database.Open(dbPath);
+    if (!database.IsOpen()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: open db %s fail.", NAME,
+            FileUtil::ExtractFileName(dbPath).c_str());
+        return false;
+    }
+    database.Restrict(FT::sql::SqlAccess::OWN_FILE);
+    FT::sql::SqlOperator connection(database.GetHandle());
+    for (const std::string& statement : statements) {
+        if (!connection.ExecuteNoCallback(statement)) {
+            FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: execute sql fail.", NAME);
+            return false;
+        }
+    }
+    return true;
+}

@@ -1,0 +1,194 @@
+#include "arborist/stores/repairs/repair_db_util.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <iterator>
+
+#include "arborist/frame/log.h"
+#include "arborist/stores/sql/simple_database_helper.h"
+#include "arborist/utilities/device_paths.h"
+#include "arborist/utilities/file_util.h"
+#include "arborist/utilities/time_util.h"
+
+namespace {
+
+const std::string TABLE_NAME = "repair_data";
+const std::string ID = "_id";
+const std::string REPAIR_ID = "repair_id";
+const std::string REPAIR_DATE = "repair_date";
+
+// The table and, before it, the fields that it refers to.
+struct RepairTable {
+    RepairTable(const FT::sql::SqlDatabase& database, const std::string& name)
+        : fields{FT::sql::SqlField(ID, FT::sql::TypeInteger, FT::sql::FlagPrimaryKey, FT::sql::FlagNotNull),
+              FT::sql::SqlField(REPAIR_ID, FT::sql::TypeText), FT::sql::SqlField(REPAIR_DATE, FT::sql::TypeText),
+              FT::sql::SqlField(FT::sql::FieldUseEnd)},
+          table(database.GetHandle(), name, fields.data(), fields.size())
+    {
+    }
+
+    std::array<FT::sql::SqlField, 4> fields;
+    FT::sql::SqlTable table;
+};
+
+// `operation` is the whole name, which these lines say twice.
+bool IsOpen(const FT::sql::SqlDatabase& database, const char* operation)
+{
+    if (!database.IsOpen()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: %s database not open", operation, operation);
+    }
+    return database.IsOpen();
+}
+
+} // namespace
+
+RepairDbUtil::RepairDbUtil() : mDatabase(std::make_unique<FT::sql::SqlDatabase>())
+{
+    OpenDb();
+}
+
+RepairDbUtil::~RepairDbUtil()
+{
+    CloseDb();
+}
+
+bool RepairDbUtil::OpenDb()
+{
+    static constexpr char NAME[] = "RepairDbUtil::OpenDb";
+    if (mDatabase->IsOpen()) {
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_ERROR, "FUNc:%s: RepairDbUtil::OpenDb open database already open", NAME);
+    }
+    const std::string path = DevicePaths::RepairDatabase();
+    const std::string folder = std::filesystem::path(path).parent_path().string();
+    if (!FileUtil::FileExists(folder) && !FileUtil::ForceCreateDirectory(folder)) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: create dir %s fail.", NAME, folder.c_str());
+        return false;
+    }
+    if (!mDatabase->Open(path)) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR,
+            "FUNc:%s: RepairDbUtil::OpenDb open database fail dbname: %s", NAME, path.c_str());
+        return false;
+    }
+    CreateRepairRecordTable(TABLE_NAME);
+    return mDatabase->IsOpen();
+}
+
+void RepairDbUtil::CloseDb()
+{
+    if (mDatabase != nullptr) {
+        mDatabase->Close();
+    }
+}
+
+bool RepairDbUtil::CreateRepairRecordTable(const std::string& tableName)
+{
+    RepairTable repairs(*mDatabase, tableName);
+    if (repairs.table.Exists()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_DEBUG, "FUNc:%s: table %s already exist.",
+            "RepairDbUtil::CreateRepairRecordTable", tableName.c_str());
+        return true;
+    }
+    return FT::sql::SimpleDatabaseHelper().CreateTable(repairs.table);
+}
+
+void RepairDbUtil::SaveRepairDataToDb(const std::string& repairId)
+{
+    if (!IsOpen(*mDatabase, "RepairDbUtil::SaveRepairDataToDb")) {
+        return;
+    }
+    const std::vector<std::string> knownIds = QueryRepairId();
+    const std::string date = TimeUtil::GetFormatTime(TimeUtil::GetTimeOfDay());
+    if (std::find(knownIds.begin(), knownIds.end(), repairId) != knownIds.end()) {
+        UpDateRepairData(repairId, date);
+    } else {
+        InsertRepairData(repairId, date);
+    }
+}
+
+std::string RepairDbUtil::QueryRepairDate(const std::string& repairId)
+{
+    if (!IsOpen(*mDatabase, "RepairDbUtil::QueryRepairDate")) {
+        return "";
+    }
+    std::int32_t id = 0;
+    std::string date;
+    return GetRepairDataRecord(repairId, id, date) ? date : "";
+}
+
+std::vector<std::string> RepairDbUtil::QueryRepairId()
+{
+    if (!IsOpen(*mDatabase, "RepairDbUtil::QueryRepairId")) {
+        return {};
+    }
+    // The name is only a label: there is no such table.
+    FT::sql::SqlField fields[] = {FT::sql::SqlField(REPAIR_ID, FT::sql::TypeText),
+        FT::sql::SqlField(FT::sql::FieldUseEnd)};
+    FT::sql::SqlTable table(mDatabase->GetHandle(), "query", fields, std::size(fields));
+    const FT::sql::SimpleDatabaseHelper helper;
+    const std::uint64_t count = helper.GetRecordCountByFullSql(table, "select repair_id from repair_data");
+    std::vector<std::string> ids;
+    for (std::uint64_t index = 0; index < count; ++index) {
+        if (const FT::sql::SqlValue* const value = helper.GetFieldValueByIndex(table, index, count, REPAIR_ID)) {
+            ids.push_back(value->AsString());
+        }
+    }
+    return ids;
+}
+
+bool RepairDbUtil::GetRepairDataRecord(const std::string& repairId, std::int32_t& id, std::string& date)
+{
+    if (!IsOpen(*mDatabase, "RepairDbUtil::GetRepairDataRecord")) {
+        return false;
+    }
+    RepairTable repairs(*mDatabase, TABLE_NAME);
+    // The id goes in as it stands: one with a single quote in it makes the statement fail. That is known and kept.
+    FT::sql::SimpleDatabaseHelper().GetRecordCountByFullSql(
+        repairs.table, "select _id,repair_id,repair_date from repair_data where repair_id='" + repairId + "'");
+    const FT::sql::SqlRecord* const record = repairs.table.GetTopRecord();
+    if (record == nullptr) {
+        return false;
+    }
+    if (const FT::sql::SqlValue* const value = record->GetValue(ID)) {
+        id = static_cast<std::int32_t>(value->AsInteger());
+    }
+    if (const FT::sql::SqlValue* const value = record->GetValue(REPAIR_DATE)) {
+        date = value->AsString();
+    }
+    return true;
+}
+
+void RepairDbUtil::InsertRepairData(const std::string& repairId, const std::string& date)
+{
+    if (!IsOpen(*mDatabase, "RepairDbUtil::InsertRepairData")) {
+        return;
+    }
+    RepairTable repairs(*mDatabase, TABLE_NAME);
+    FT::sql::SqlRecord record(repairs.table.GetFields());
+    record.SetString(REPAIR_ID, repairId);
+    record.SetString(REPAIR_DATE, date);
+    mDatabase->BeginTransaction();
+    FT::sql::SimpleDatabaseHelper().AddRecord(repairs.table, record);
+    mDatabase->CommitTransaction();
+}
+
+void RepairDbUtil::UpDateRepairData(const std::string& repairId, const std::string& date)
+{
+    if (!IsOpen(*mDatabase, "RepairDbUtil::UpDateRepairData")) {
+        return;
+    }
+    std::int32_t id = 0;
+    std::string oldDate;
+    if (!GetRepairDataRecord(repairId, id, oldDate)) {
+        return;
+    }
+    RepairTable repairs(*mDatabase, TABLE_NAME);
+    FT::sql::SqlRecord record(repairs.table.GetFields());
+    record.SetInteger(ID, id);
+    record.SetString(REPAIR_ID, repairId);
+    record.SetString(REPAIR_DATE, date);
+    mDatabase->BeginTransaction();
+    FT::sql::SimpleDatabaseHelper().UpdateRecord(repairs.table, record);
+    mDatabase->CommitTransaction();
+}

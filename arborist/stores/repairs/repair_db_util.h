@@ -1,0 +1,43 @@
+#ifndef ARBORIST_STORES_REPAIRS_REPAIR_DB_UTIL_H
+#define ARBORIST_STORES_REPAIRS_REPAIR_DB_UTIL_H
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace FT::sql {
+class SqlDatabase;
+}
+
+/// The dates of repairs: one row for each repair id, in a database of its own that outlives the process.
+///
+/// Open for the life of the object; make one for each use. Not locked: two writers, in one process or in two, meet at
+/// SQLite's file lock, where the second fails. What fails logs its line and leaves the rows as they were.
+class RepairDbUtil {
+public:
+    /// Opens DevicePaths::RepairDatabase, making folder, file and table where they are missing.
+    RepairDbUtil();
+    ~RepairDbUtil();
+    RepairDbUtil(const RepairDbUtil&) = delete;
+    RepairDbUtil& operator=(const RepairDbUtil&) = delete;
+
+    /// Notes that the repair was carried out now.
+    void SaveRepairDataToDb(const std::string& repairId);
+    /// Local time of the latest repair, "%Y-%m-%d %H:%M:%S"; empty when there is none. An id with a single quote in it
+    /// can be saved but not asked for: its query fails.
+    std::string QueryRepairDate(const std::string& repairId);
+
+private:
+    bool OpenDb();
+    void CloseDb();
+    bool CreateRepairRecordTable(const std::string& tableName);
+    bool GetRepairDataRecord(const std::string& repairId, std::int32_t& id, std::string& date);
+    std::vector<std::string> QueryRepairId();
+    void InsertRepairData(const std::string& repairId, const std::string& date);
+    void UpDateRepairData(const std::string& repairId, const std::string& date);
+
+    std::unique_ptr<FT::sql::SqlDatabase> mDatabase;
+};
+
+#endif

@@ -1,0 +1,129 @@
+#include "arborist/stores/common_part/database_search.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+
+#include <gmock/gmock.h>
+
+#include "tests/support/temp_dir.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::UnorderedElementsAre;
+
+class DatabaseSearchTest : public testing::Test {
+protected:
+    // Paths below the test's directory.
+    std::vector<std::string> Find(const std::string& directory, bool recursive = true,
+        const std::string& pattern = ".*\\.db")
+    {
+        std::vector<std::string> files = DatabaseSearch(pattern).Find(mDir.Path(directory), recursive);
+        for (std::string& file : files) {
+            file = file.substr(mDir.Path().size() + 1);
+        }
+        return files;
+    }
+
+    TempDir mDir;
+};
+
+TEST_F(DatabaseSearchTest, FileInTheDirectoryItselfIsListedOnce)
+{
+    mDir.Write("d/a.db", "");
+    mDir.Write("d/a.txt", "");
+    EXPECT_THAT(Find("d"), ElementsAre("d/a.db"));
+}
+
+TEST_F(DatabaseSearchTest, EachLevelDoublesTheListings)
+{
+    mDir.Write("d/1/a.db", "");
+    EXPECT_THAT(Find("d"), ElementsAre("d/1/a.db", "d/1/a.db"));
+    mDir.Write("e/1/2/a.db", "");
+    EXPECT_THAT(Find("e"), SizeIs(4));
+    mDir.Write("f/1/2/3/a.db", "");
+    EXPECT_THAT(Find("f"), SizeIs(8));
+}
+
+TEST_F(DatabaseSearchTest, WithoutRecursionOnlyTheOneWalkCounts)
+{
+    mDir.Write("d/1/2/a.db", "");
+    EXPECT_THAT(Find("d", false), ElementsAre("d/1/2/a.db"));
+}
+
+TEST_F(DatabaseSearchTest, PathAndPatternMeetInLowerCaseAndTheFileKeepsItsSpelling)
+{
+    mDir.Write("D/Game.DB", "");
+    EXPECT_THAT(Find("D", true, ".*/D/GAME\\.db"), ElementsAre("D/Game.DB"));
+}
+
+TEST_F(DatabaseSearchTest, WholePathCountsAndNotTheNameAlone)
+{
+    mDir.Write("d/a.db", "");
+    EXPECT_THAT(Find("d", true, "a\\.db"), IsEmpty());
+}
+
+TEST_F(DatabaseSearchTest, WhatIsNoDirectoryHoldsNothing)
+{
+    mDir.Write("a.db", "");
+    EXPECT_THAT(Find("a.db"), IsEmpty());
+    EXPECT_THAT(Find("missing"), IsEmpty());
+}
+
+TEST_F(DatabaseSearchTest, LinkToADirectoryIsSearchedWhereItLies)
+{
+    mDir.Write("elsewhere/1/a.db", "");
+    mDir.MakeDir("d");
+    std::filesystem::create_directory_symlink(mDir.Path("elsewhere"), mDir.Path("d/link"));
+    EXPECT_THAT(Find("d"), ElementsAre("elsewhere/1/a.db", "elsewhere/1/a.db"));
+}
+
+TEST_F(DatabaseSearchTest, LinksInACircleEnd)
+{
+    mDir.Write("d/1/a.db", "");
+    std::filesystem::create_directory_symlink(mDir.Path("d"), mDir.Path("d/1/back"));
+    std::filesystem::create_directory_symlink(mDir.Path("d/1"), mDir.Path("d/1/self"));
+    EXPECT_THAT(Find("d"), testing::Contains("d/1/a.db"));
+}
+
+TEST_F(DatabaseSearchTest, DeepTreeIsCutShortInsteadOfFillingTheMemory)
+{
+    std::string path = "d";
+    for (int level = 0; level < 40; ++level) {
+        path += "/x";
+    }
+    mDir.Write(path + "/a.db", "");
+    DatabaseSearch search(".*\\.db");
+    EXPECT_THAT(search.Find(mDir.Path("d"), true), SizeIs(DatabaseSearch::MOST_LISTINGS));
+    EXPECT_TRUE(search.IsCutShort());
+}
+
+// The walks as they are told: all below the directory, and again for each directory met.
+void ListPlainly(const std::filesystem::path& directory, std::vector<std::string>& files)
+{
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(directory)) {
+        if (entry.is_directory()) {
+            ListPlainly(entry.path(), files);
+        } else if (entry.path().extension() == ".db") {
+            files.push_back(entry.path().string());
+        }
+    }
+}
+
+TEST_F(DatabaseSearchTest, OneWalkGivesTheOrderOfAllTheWalks)
+{
+    for (const char* file : {"a.db", "m/b.db", "m/c.txt", "m/n/d.db", "m/n/e.db", "m/n/o/f.db", "mm/g.db",
+        "p/q/r/h.db", "z.db"}) {
+        mDir.Write(std::string("d/") + file, "");
+    }
+    mDir.MakeDir("d/empty/too");
+    std::vector<std::string> plain;
+    ListPlainly(mDir.Path("d"), plain);
+    EXPECT_EQ(DatabaseSearch(".*\\.db").Find(mDir.Path("d"), true), plain);
+    EXPECT_THAT(plain, SizeIs(2 + 2 + 2 * 4 + 8 + 2 + 8));
+}
+
+} // namespace

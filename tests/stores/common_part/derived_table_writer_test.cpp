@@ -1,0 +1,91 @@
+#include "arborist/stores/common_part/derived_table_writer.h"
+
+#include <gmock/gmock.h>
+#include <json/value.h>
+
+#include "arborist/frame/log.h"
+#include "arborist/stores/sql/sql_database.h"
+#include "arborist/stores/sql/sql_operator.h"
+#include "tests/support/common_part_builder.h"
+#include "tests/support/database_rows.h"
+#include "tests/support/log_capture.h"
+#include "tests/support/temp_dir.h"
+
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr char CREATE[] = "CREATE TABLE T (_ID integer primary key autoincrement, n int);";
+
+class DerivedTableWriterTest : public testing::Test {
+protected:
+    DerivedTableWriterTest()
+    {
+        mDatabase.Open(mPath);
+        FT::sql::SqlOperator(mDatabase.GetHandle()).ExecuteNoCallback(CREATE);
+    }
+
+    void Write(int count)
+    {
+        std::vector<Json::Value> rows(static_cast<std::size_t>(count));
+        for (int number = 0; number < count; ++number) {
+            rows[static_cast<std::size_t>(number)]["n"] = number;
+        }
+        DerivedTableWriter(mDatabase, "T", {ParamOf("n", "int"), nullptr, ParamOf("", "int")}, CREATE).Write(rows);
+    }
+
+    std::vector<std::string> Rows() const { return DatabaseRows(mPath, "select _ID, n from T"); }
+
+    TempDir mDir;
+    LogCapture mLog;
+    std::string mPath = mDir.Path("a.db");
+    FT::sql::SqlDatabase mDatabase;
+};
+
+TEST_F(DerivedTableWriterTest, FewAndManyRowsAreNumberedAlike)
+{
+    Write(2);
+    EXPECT_THAT(Rows(), ElementsAre("1|0", "2|1"));
+    FT::sql::SqlOperator(mDatabase.GetHandle()).ExecuteNoCallback("drop table T;" + std::string(CREATE));
+    Write(5);
+    EXPECT_THAT(Rows(), ElementsAre("1|0", "2|1", "3|2", "4|3", "5|4"));
+    EXPECT_THAT(DatabaseRows(mPath, "select name, seq from sqlite_sequence"), ElementsAre("T|5"));
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
+TEST_F(DerivedTableWriterTest, NothingOfTheStageIsLeftOnTheConnection)
+{
+    Write(5);
+    FT::sql::SqlOperator statement(mDatabase.GetHandle());
+    EXPECT_FALSE(statement.ExecuteNoCallback("select * from temp.T"));
+    EXPECT_TRUE(statement.ExecuteNoCallback("insert into T (n) values (7)"));
+    EXPECT_THAT(Rows(), Contains("6|7"));
+}
+
+TEST_F(DerivedTableWriterTest, FileThatSomebodyReadsMeanwhileKeepsWhatItHas)
+{
+    FT::sql::SqlDatabase reader;
+    reader.Open(mPath);
+    FT::sql::SqlOperator(reader.GetHandle()).ExecuteNoCallback("begin; select * from T");
+    Write(5);
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), Contains(HasSubstr("sql failed: database is locked")));
+    reader.Close();
+    mDatabase.Close();
+    EXPECT_THAT(Rows(), IsEmpty());
+}
+
+TEST_F(DerivedTableWriterTest, RowsThatTheFileRefusesAreLostOneByOne)
+{
+    // The file's table takes no 2; the stage, made from the other text, does.
+    FT::sql::SqlOperator(mDatabase.GetHandle()).ExecuteNoCallback(
+        "drop table T; create table T (_ID integer primary key autoincrement, n int check (n <> 2))");
+    Write(5);
+    EXPECT_THAT(DatabaseRows(mPath, "select n from T"), ElementsAre("0", "1", "3", "4"));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(HasSubstr("CHECK constraint failed"),
+        HasSubstr("CHECK constraint failed"), "FUNc:CommonPartDbHelper::IsSetedDataToTable: execute sql fail."));
+}
+
+} // namespace

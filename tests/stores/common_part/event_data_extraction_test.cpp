@@ -1,0 +1,340 @@
+#include <gmock/gmock.h>
+#include <json/value.h>
+
+#include "arborist/frame/log.h"
+#include "arborist/frame/settings.h"
+#include "arborist/stores/common_part/common_part_db_helper.h"
+#include "arborist/stores/sql/sql_database.h"
+#include "tests/support/database_rows.h"
+#include "tests/support/event_log_builder.h"
+#include "tests/support/log_capture.h"
+#include "tests/support/settings_guard.h"
+#include "tests/support/temp_dir.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+struct CommonPartDbHelperPeer {
+    static std::vector<Json::Value> Fetch(const EventIdList& ids, const std::string& path)
+    {
+        std::vector<Json::Value> rows;
+        CommonPartDbHelper::GetLumbraDataByFilter(ids, path, rows);
+        return rows;
+    }
+    static std::vector<Json::Value> Query(const std::string& path, const std::string& sql, std::int64_t minTime)
+    {
+        FT::sql::SqlDatabase database;
+        database.Open(path);
+        std::vector<Json::Value> rows;
+        CommonPartDbHelper::QueryDataSet(database, sql, rows, minTime);
+        return rows;
+    }
+    static std::string Sql(const EventIdList& ids) { return CommonPartDbHelper::GenerateSql(ids, "BASE "); }
+    static std::int64_t Version(const std::string& path)
+    {
+        FT::sql::SqlDatabase database;
+        if (!path.empty()) {
+            database.Open(path);
+        }
+        return CommonPartDbHelper::QueryVersion(database);
+    }
+    static Json::Value ToJson(const std::string& extra) { return CommonPartDbHelper::ExtraStrToJson(extra); }
+};
+
+namespace {
+
+using Peer = CommonPartDbHelperPeer;
+
+constexpr std::int64_t NOW = 1700000000;
+constexpr std::int64_t DAY = 86400;
+
+EventIdList Ids(std::initializer_list<std::int32_t> numbers)
+{
+    EventIdList ids;
+    for (const std::int32_t number : numbers) {
+        ids.Append(number, number);
+    }
+    return ids;
+}
+
+class EventDataExtraction : public testing::Test {
+protected:
+    EventDataExtraction() { mSettings.Set(Settings::CURRENT_TIME, std::to_string(NOW)); }
+
+    // The rows as JSON texts.
+    std::vector<std::string> Fetch(const EventIdList& ids) { return Texts(Peer::Fetch(ids, mPath)); }
+
+    static std::vector<std::string> Texts(const std::vector<Json::Value>& rows)
+    {
+        std::vector<std::string> texts;
+        for (const Json::Value& row : rows) {
+            std::string text;
+            for (const std::string& name : row.getMemberNames()) {
+                text += (text.empty() ? "" : " ") + name + "=" + row[name].asString();
+            }
+            texts.push_back(text);
+        }
+        return texts;
+    }
+
+    TempDir mDir;
+    SettingsGuard mSettings;
+    LogCapture mLog;
+    std::string mPath = mDir.Path("log.db");
+};
+
+TEST_F(EventDataExtraction, StatementSpellsTheIdsAndLooksBackThirtyDays)
+{
+    EXPECT_EQ(Peer::Sql(Ids({3, 5})), "BASE  ( event_info.event_id = 3 OR event_info.event_id = 5) AND "
+                                      "event_info_flow.occurrence_time > 1697408000");
+}
+
+TEST_F(EventDataExtraction, StatementWithoutIdsTakesTheDefaultClassOfSevenDays)
+{
+    EXPECT_EQ(Peer::Sql({}), "BASE ( event_info.event_id >= 902000000 AND event_info.event_id < 902500000 OR "
+                             "event_info.event_id = 902500007 )  AND event_info_flow.occurrence_time > 1699395200");
+}
+
+TEST_F(EventDataExtraction, DefaultClassHasItsBounds)
+{
+    EventLogBuilder()
+        .Rows({{NOW - 1, 901999999, "", ""}, {NOW - 2, 902000000, "", ""}, {NOW - 3, 902499999, "", ""},
+            {NOW - 4, 902500000, "", ""}, {NOW - 5, 902500007, "", ""}, {NOW - 8 * DAY, 902000000, "", ""}})
+        .WriteTo(mPath);
+    EXPECT_THAT(Fetch({}), ElementsAre("occurrence_time=1699999998", "occurrence_time=1699999997",
+        "occurrence_time=1699999995"));
+}
+
+TEST_F(EventDataExtraction, EventAtTheFloorIsOutAndOneSecondLaterIn)
+{
+    EventLogBuilder().Rows({{NOW - 30 * DAY, 1, "", ""}, {NOW - 30 * DAY + 1, 1, "", ""}}).WriteTo(mPath);
+    EXPECT_THAT(Fetch(Ids({1})), ElementsAre("occurrence_time=1697408001"));
+}
+
+TEST_F(EventDataExtraction, EventWithoutATimeIsOut)
+{
+    EventLogBuilder().Row({NOW, 1, "", ""}).Sql("insert into event_info values (2, 1, '{}', 1)").WriteTo(mPath);
+    EXPECT_THAT(Fetch(Ids({1})), ElementsAre("occurrence_time=1700000000"));
+    const std::string all = "select extra, occurrence_time from event_info left join event_info_flow on "
+                            "event_pid = event_info._ID";
+    EXPECT_THAT(Texts(Peer::Query(mPath, all, 0)), ElementsAre("occurrence_time=1700000000"));
+}
+
+TEST_F(EventDataExtraction, EventAtTheMinimumTimeIsDropped)
+{
+    EventLogBuilder().Rows({{100, 1, "", ""}, {101, 1, "", ""}}).WriteTo(mPath);
+    const std::string all = "select extra, occurrence_time from event_info join event_info_flow on "
+                            "event_pid = event_info._ID";
+    EXPECT_THAT(Texts(Peer::Query(mPath, all, 100)), ElementsAre("occurrence_time=101"));
+}
+
+TEST_F(EventDataExtraction, TimeIsTheNumberAtTheFrontOfWhateverStandsThere)
+{
+    EventLogBuilder().WriteTo(mPath);
+    const std::string values = "select '', '105 s' union all select '', 106.7 union all select '', 'x' union all "
+                               "select '', null union all select '', 107";
+    EXPECT_THAT(Texts(Peer::Query(mPath, values, 0)),
+        ElementsAre("occurrence_time=105", "occurrence_time=106", "occurrence_time=107"));
+}
+
+TEST_F(EventDataExtraction, RowsBeforeAFailureStay)
+{
+    EventLogBuilder().WriteTo(mPath);
+    EXPECT_THAT(Texts(Peer::Query(mPath,
+                    "select '', 105 union all select '', abs(-9223372036854775808)", 0)),
+        ElementsAre("occurrence_time=105"));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR),
+        ElementsAre("FUNc:FT::sql::SqlOperator::Execute: Execute sql failed: integer overflow"));
+}
+
+TEST_F(EventDataExtraction, RowsPairOnTheEventAndNotOnTheKeys)
+{
+    EventLogBuilder()
+        .Row({NOW, 1, "", R"({"a":1})"})
+        .Sql("insert into event_info_flow values (9, 1, 1699999990)")
+        .WriteTo(mPath);
+    EXPECT_THAT(Fetch(Ids({1})), ElementsAre("a=1 occurrence_time=1700000000", "a=1 occurrence_time=1699999990"));
+}
+
+TEST_F(EventDataExtraction, MemberOfTheTimesNameIsOverwritten)
+{
+    EventLogBuilder().Row({NOW, 1, "", R"({"occurrence_time":"x","a":"b"})"}).WriteTo(mPath);
+    EXPECT_THAT(Fetch(Ids({1})), ElementsAre("a=b occurrence_time=1700000000"));
+}
+
+TEST_F(EventDataExtraction, ExtraThatIsNoObjectLeavesTheTimeAlone)
+{
+    EventLogBuilder log;
+    for (const char* extra : {"", "7", "[1]", "\"text\"", "null", "broken"}) {
+        log.Row({NOW, 1, "", extra});
+    }
+    log.WriteTo(mPath);
+    EXPECT_THAT(Fetch(Ids({1})), testing::AllOf(testing::SizeIs(6), testing::Each("occurrence_time=1700000000")));
+}
+
+TEST_F(EventDataExtraction, TotalOfAStatisticIsDroppedAndItsSinglesAreKept)
+{
+    EventLogBuilder()
+        .Rows({{NOW, 1, "", R"({"CASENAME":"GAME_LAG_RATIO","FIELDNAME":"TotalCount"})"},
+            {NOW, 1, "", R"({"CASENAME":"GAME_LAG_RATIO","FIELDNAME":"Other"})"},
+            {NOW, 1, "", R"({"CASENAME":"GAME_LAG_RATIO"})"}, {NOW, 1, "", R"({"FIELDNAME":"TotalCount"})"}})
+        .WriteTo(mPath);
+    EXPECT_THAT(Fetch(Ids({1})), ElementsAre("CASENAME=GAME_LAG_RATIO FIELDNAME=Other occurrence_time=1700000000",
+        "CASENAME=GAME_LAG_RATIO occurrence_time=1700000000", "FIELDNAME=TotalCount occurrence_time=1700000000"));
+}
+
+TEST_F(EventDataExtraction, MembersOfTheStatisticsTestMayHaveAnyShape)
+{
+    EventLogBuilder()
+        .Rows({{NOW, 1, "", R"({"CASENAME":{},"FIELDNAME":[]})"}, {NOW, 1, "", R"({"CASENAME":1,"FIELDNAME":null})"}})
+        .WriteTo(mPath);
+    EXPECT_EQ(Peer::Fetch(Ids({1}), mPath).size(), 2u);
+}
+
+TEST_F(EventDataExtraction, VersionNarrowsTheSelectionToItsNewestRow)
+{
+    EventLogBuilder()
+        .Rows({{NOW - 1, 1, "v1", ""}, {NOW - 2, 1, "v2", ""}})
+        .Sql("insert into event_version values (7, 'v1')")
+        .Sql("insert into event_info values (3, 1, '', 7)")
+        .Sql("insert into event_info_flow values (3, 3, 1699999997)")
+        .WriteTo(mPath);
+    mSettings.Set(Settings::VERSION_NAME, "v1");
+    EXPECT_EQ(Peer::Version(mPath), 7);
+    EXPECT_THAT(Fetch(Ids({1})), ElementsAre("occurrence_time=1699999997"));
+}
+
+TEST_F(EventDataExtraction, UnknownOrEmptyVersionNarrowsNothing)
+{
+    EventLogBuilder().Rows({{NOW, 1, "v1", ""}, {NOW, 1, "v2", ""}}).WriteTo(mPath);
+    EXPECT_EQ(Peer::Fetch(Ids({1}), mPath).size(), 2u);
+    mSettings.Set(Settings::VERSION_NAME, "v3");
+    EXPECT_EQ(Peer::Fetch(Ids({1}), mPath).size(), 2u);
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_DEBUG),
+        testing::Contains("FUNc:CommonPartDbHelper::QueryVersion: version name: v3"));
+}
+
+TEST_F(EventDataExtraction, VersionOfAClosedDatabaseIsAnError)
+{
+    EXPECT_EQ(Peer::Version(""), 0);
+    EXPECT_THAT(mLog.Lines(), ElementsAre(
+        "FUNc:CommonPartDbHelper::QueryVersion: database was not exist, open database failed."));
+}
+
+TEST_F(EventDataExtraction, MissingVersionTableCountsAsNoVersion)
+{
+    EventLogBuilder().Row({NOW, 1, "v1", ""}).Sql("drop table event_version").WriteTo(mPath);
+    mSettings.Set(Settings::VERSION_NAME, "v1");
+    EXPECT_EQ(Peer::Fetch(Ids({1}), mPath).size(), 1u);
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(HasSubstr("no such table: event_version")));
+}
+
+TEST_F(EventDataExtraction, VersionNameThatIsSqlChangesNothingInTheLog)
+{
+    EventLogBuilder().Row({NOW, 1, "v1", ""}).WriteTo(mPath);
+    const std::string before = mDir.Read("log.db");
+    mSettings.Set(Settings::VERSION_NAME, "x'; delete from event_info; pragma user_version = 3; --");
+    EXPECT_EQ(Peer::Fetch(Ids({1}), mPath).size(), 1u);
+    EXPECT_EQ(mDir.Read("log.db"), before);
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(HasSubstr("sql failed: not authorized")));
+}
+
+TEST_F(EventDataExtraction, MissingLogComesIntoBeingEmptyAndLacksItsTables)
+{
+    EXPECT_THAT(Fetch(Ids({1})), IsEmpty());
+    EXPECT_TRUE(mDir.Has("log.db"));
+    EXPECT_EQ(mDir.Read("log.db"), "");
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_WARN),
+        ElementsAre("FUNc:CommonPartDbHelper::GetLumbraDataByFilter: lumbra db not exist or table event_info not exist "
+                    "or table event_info_flow not exist."));
+}
+
+TEST_F(EventDataExtraction, EitherTableMissingIsTheSame)
+{
+    EventLogBuilder().Row({NOW, 1, "", ""}).Sql("drop table event_info_flow").WriteTo(mPath);
+    EXPECT_THAT(Fetch(Ids({1})), IsEmpty());
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_WARN), testing::SizeIs(1));
+}
+
+TEST_F(EventDataExtraction, LogThatCannotBeOpenedIsNamedByItsLastElement)
+{
+    EXPECT_THAT(Peer::Fetch(Ids({1}), mDir.MakeDir("a/log.db")), IsEmpty());
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR),
+        ElementsAre("FUNc:CommonPartDbHelper::GetLumbraDataByFilter: open db log.db fail."));
+}
+
+TEST_F(EventDataExtraction, FileThatIsNoDatabaseLacksItsTables)
+{
+    mDir.Write("log.db", std::string(4096, 'x'));
+    EXPECT_THAT(Fetch(Ids({1})), IsEmpty());
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_WARN), testing::SizeIs(1));
+    EXPECT_EQ(mDir.Read("log.db"), std::string(4096, 'x'));
+}
+
+TEST_F(EventDataExtraction, MissingColumnCountsAsNoRows)
+{
+    EventLogBuilder().Row({NOW, 1, "", ""}).Sql("alter table event_info rename column extra to other").WriteTo(mPath);
+    EXPECT_THAT(Fetch(Ids({1})), IsEmpty());
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_INFO),
+        ElementsAre("FUNc:CommonPartDbHelper::QueryDataSet: event_info table record is empty."));
+}
+
+TEST_F(EventDataExtraction, DirectoryOfTheApplicationIsLogged)
+{
+    EventLogBuilder().Row({NOW, 1, "", ""}).WriteTo(mPath);
+    mSettings.Set(Settings::APP_FILE_DIR, "/app");
+    Fetch(Ids({1}));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_DEBUG),
+        testing::Contains("FUNc:CommonPartDbHelper::GetLumbraDataByFilter: AppFileDir: /app"));
+}
+
+TEST_F(EventDataExtraction, EmptyExtraIsToldAndNull)
+{
+    EXPECT_TRUE(Peer::ToJson("").isNull());
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_DEBUG), ElementsAre("FUNc:CommonPartDbHelper::ExtraStrToJson: extra is empty."));
+}
+
+TEST_F(EventDataExtraction, BrokenExtraIsToldWithItsTextAndNull)
+{
+    EXPECT_TRUE(Peer::ToJson("{\"a\":").isNull());
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(testing::AllOf(
+        testing::StartsWith("FUNc:CommonPartDbHelper::ExtraStrToJson: jsonStr[{\"a\":] err. * Line 1, Column 6"),
+        testing::EndsWith(" "))));
+    EXPECT_TRUE(Peer::ToJson(std::string(100000, '[')).isNull());
+}
+
+TEST_F(EventDataExtraction, LogOfALiveServiceStaysAsItIs)
+{
+    EventLogBuilder().Row({NOW, 1, "", ""}).WriteTo(mPath);
+    EventLogBuilder::Run(mPath, "pragma journal_mode = wal");
+    // What a service that ended early leaves: changes that aren't in the file yet.
+    {
+        FT::sql::SqlDatabase service;
+        service.Open(mPath);
+        EventLogBuilder::Run(mPath, "insert into event_info values (2, 1, '{\"a\":1}', 1);"
+                                    "insert into event_info_flow values (2, 2, 1699999999)");
+        mDir.MakeDir("left");
+        std::filesystem::copy_file(mPath, mDir.Path("left/log.db"));
+        std::filesystem::copy_file(mPath + "-wal", mDir.Path("left/log.db-wal"));
+    }
+    const std::string log = mDir.Read("left/log.db");
+    const std::string changes = mDir.Read("left/log.db-wal");
+    ASSERT_FALSE(changes.empty());
+    EXPECT_EQ(Peer::Fetch(Ids({1}), mDir.Path("left/log.db")).size(), 2u);
+    EXPECT_EQ(mDir.Read("left/log.db"), log);
+    EXPECT_EQ(mDir.Read("left/log.db-wal"), changes);
+}
+
+TEST_F(EventDataExtraction, LeavesNoFileBesideTheLog)
+{
+    EventLogBuilder().Row({NOW, 1, "", ""}).WriteTo(mPath);
+    EventLogBuilder::Run(mPath, "pragma journal_mode = wal");
+    const std::string before = mDir.Read("log.db");
+    Fetch(Ids({1}));
+    EXPECT_FALSE(mDir.Has("log.db-wal"));
+    EXPECT_FALSE(mDir.Has("log.db-journal"));
+    EXPECT_EQ(mDir.Read("log.db"), before);
+}
+
+} // namespace

@@ -1,0 +1,105 @@
+#include "arborist/stores/common_part/event_id_list.h"
+
+#include <cstdint>
+#include <limits>
+
+#include <gmock/gmock.h>
+
+#include "tests/support/database_rows.h"
+#include "tests/support/event_log_builder.h"
+#include "tests/support/temp_dir.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::StartsWith;
+
+constexpr std::int32_t LOWEST = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t HIGHEST = std::numeric_limits<std::int32_t>::max();
+
+TEST(EventIdListTest, FewIdsAreSpelledOutInTheOrderAddedDoublesIncluded)
+{
+    EventIdList ids;
+    ids.Append(7, 8);
+    ids.Append(-1, -1);
+    ids.Append(8, 8);
+    EXPECT_EQ(ids.ToSql(),
+        " ( event_info.event_id = 7 OR event_info.event_id = 8 OR event_info.event_id = -1 OR "
+        "event_info.event_id = 8)");
+}
+
+TEST(EventIdListTest, RangeFromAGreaterToASmallerIdIsEmpty)
+{
+    EventIdList ids;
+    ids.Append(8, 7);
+    EXPECT_TRUE(ids.IsEmpty());
+}
+
+TEST(EventIdListTest, GreatestIdIsSelectedAndEndsTheRange)
+{
+    EventIdList ids;
+    ids.Append(HIGHEST, HIGHEST);
+    EXPECT_EQ(ids.ToSql(), " ( event_info.event_id = 2147483647)");
+}
+
+TEST(EventIdListTest, ManyIdsAreWrittenAsRanges)
+{
+    EventIdList ids;
+    ids.Append(LOWEST, HIGHEST);
+    EXPECT_THAT(ids.ToSql(), StartsWith(" ( event_info.event_id BETWEEN -2147483648 AND 2147483647 AND "));
+}
+
+class EventIdSelection : public testing::Test {
+protected:
+    EventIdSelection() { EventLogBuilder().WriteTo(mPath); }
+
+    void Log(const std::string& eventIds)
+    {
+        EventLogBuilder::Run(mPath, "insert into event_info (event_id) values " + eventIds);
+    }
+
+    std::vector<std::string> Selected(const EventIdList& ids) const
+    {
+        return DatabaseRows(mPath, "select event_id from event_info where" + ids.ToSql() + " order by event_id");
+    }
+
+    TempDir mDir;
+    std::string mPath = mDir.Path("log.db");
+};
+
+TEST_F(EventIdSelection, OfWideRangesIsTheSame)
+{
+    Log("(1), (2), (2000001), (3000000), (3000001), (-5), (2147483647), (null), (2.5), ('abc'), (x'41')");
+    EventIdList ids;
+    ids.Append(2, 3000000);
+    ids.Append(2147483640, HIGHEST);
+    ids.Append(-5, -5);
+    EXPECT_THAT(Selected(ids), ElementsAre("-5", "2", "2000001", "3000000", "2147483647"));
+}
+
+TEST_F(EventIdSelection, OfThousandsOfSeparateIdsAndRangesIsTheSame)
+{
+    Log("(1), (10), (11), (99990), (99995), (100000), (500010), (500011), (500020), (500031), (899980), (899999)");
+    EventIdList ids;
+    for (std::int32_t id = 10; id < 100000; id += 10) {
+        ids.Append(id, id); // single ids
+    }
+    for (std::int32_t id = 500000; id < 900000; id += 40) {
+        ids.Append(id, id + 20); // ranges
+    }
+    EXPECT_THAT(Selected(ids), ElementsAre("10", "99990", "500010", "500011", "500020", "899980"));
+}
+
+TEST_F(EventIdSelection, OfTheLastNumberThatIsSpelledOutWorksAndSoDoesOneMore)
+{
+    Log("(1), (900), (901), (902)");
+    EventIdList ids;
+    ids.Append(1, 900);
+    EXPECT_THAT(Selected(ids), ElementsAre("1", "900"));
+    EXPECT_THAT(ids.ToSql(), testing::HasSubstr(" OR event_info.event_id = 900)"));
+    ids.Append(901, 901);
+    EXPECT_THAT(Selected(ids), ElementsAre("1", "900", "901"));
+    EXPECT_THAT(ids.ToSql(), StartsWith(" ( event_info.event_id BETWEEN 1 AND 901 "));
+}
+
+} // namespace

@@ -1,0 +1,411 @@
+#include <filesystem>
+#include <regex>
+
+#include <gmock/gmock.h>
+#include <json/value.h>
+
+#include "arborist/frame/log.h"
+#include "arborist/frame/settings.h"
+#include "arborist/stores/common_part/common_part_db_helper.h"
+#include "arborist/stores/sql/sql_database.h"
+#include "tests/support/common_part_builder.h"
+#include "tests/support/database_rows.h"
+#include "tests/support/event_log_builder.h"
+#include "tests/support/log_capture.h"
+#include "tests/support/settings_guard.h"
+#include "tests/support/temp_dir.h"
+#include "tests/support/zip_file.h"
+
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace fs = std::filesystem;
+
+std::string Line(const std::string& text)
+{
+    return "FUNc:CommonPartDbHelper::" + text;
+}
+
+class ExternalDatabases : public testing::Test {
+protected:
+    ExternalDatabases() { mSettings.Set(Settings::APP_DATABASE_DIR, mDir.Path("copies")); }
+
+    static void Run(const std::shared_ptr<DefDbTableBean>& bean)
+    {
+        CommonPartDbHelper::GetInstance().CopyDbAndCreateTable(PartOf({}, {nullptr, bean}));
+    }
+
+    // Copies what matches below "device" and returns the copies' paths below the test's directory.
+    std::vector<std::string> Copy(const std::string& dbName, const std::vector<std::string>& sql = {},
+        const std::vector<std::string>& directories = {"device"})
+    {
+        std::vector<std::string> paths;
+        for (const std::string& directory : directories) {
+            paths.push_back(mDir.Path(directory));
+        }
+        const auto bean = TableBeanOf("B", paths, dbName, sql);
+        Run(bean);
+        return Below(bean->GetCopyDbFileList());
+    }
+
+    std::vector<std::string> Below(std::vector<std::string> paths) const
+    {
+        for (std::string& path : paths) {
+            path = path.substr(mDir.Path().size() + 1);
+        }
+        return paths;
+    }
+
+    std::string MakeDb(const std::string& name, const std::string& sql = "create table t(a); insert into t values (1)")
+    {
+        fs::create_directories(fs::path(mDir.Path(name)).parent_path());
+        EventLogBuilder::Run(mDir.Path(name), sql);
+        return mDir.Read(name);
+    }
+
+    TempDir mDir;
+    SettingsGuard mSettings;
+    LogCapture mLog;
+};
+
+TEST_F(ExternalDatabases, NullPartIsPassedOver)
+{
+    CommonPartDbHelper::GetInstance().CopyDbAndCreateTable(nullptr);
+    CommonPartDbHelper::GetInstance().CopyDbAndCreateTable(std::make_shared<CommonPart>());
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
+TEST_F(ExternalDatabases, FileIsCopiedAndItsSqlRunsOnTheCopyAlone)
+{
+    const std::string before = MakeDb("device/app.db");
+    EXPECT_THAT(Copy(".*/app\\.db", {"create table made(b); insert into made values (2);"}),
+        ElementsAre("copies/app.db"));
+    EXPECT_THAT(DatabaseRows(mDir.Path("copies/app.db"), "select a, b from t, made"), ElementsAre("1|2"));
+    EXPECT_EQ(mDir.Read("device/app.db"), before);
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
+TEST_F(ExternalDatabases, MissingDirectoryIsPassedOverAndLeavesTheList)
+{
+    const auto bean = TableBeanOf("B", {mDir.Path("none"), ""}, ".*");
+    bean->SetCopyDbFileList({"old"});
+    Run(bean);
+    EXPECT_THAT(bean->GetCopyDbFileList(), ElementsAre("old"));
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
+TEST_F(ExternalDatabases, PathThatIsAFileEmptiesTheListWithoutALine)
+{
+    const auto bean = TableBeanOf("B", {mDir.Write("file.db", "")}, ".*");
+    bean->SetCopyDbFileList({"old"});
+    Run(bean);
+    EXPECT_THAT(bean->GetCopyDbFileList(), IsEmpty());
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
+TEST_F(ExternalDatabases, DirectoryIsLookedUpOnTheCapturedDevice)
+{
+    MakeDb("captured/data/app.db");
+    mSettings.Set(Settings::DEVICE_ROOT_DIR, mDir.Path("captured"));
+    const auto bean = TableBeanOf("B", {"/data"}, ".*\\.db");
+    Run(bean);
+    EXPECT_THAT(Below(bean->GetCopyDbFileList()), ElementsAre("copies/app.db"));
+}
+
+TEST_F(ExternalDatabases, OfSeveralDirectoriesTheCopiesOfTheLastAreKept)
+{
+    MakeDb("one/a.db");
+    MakeDb("two/b.db");
+    EXPECT_THAT(Copy(".*\\.db", {"create table made(b)"}, {"one", "two", "none"}), ElementsAre("copies/b.db"));
+    EXPECT_THAT(DatabaseRows(mDir.Path("copies/a.db"), "select count(*) from made"), ElementsAre("0"));
+}
+
+TEST_F(ExternalDatabases, WithoutATargetDirectoryNothingIsCopied)
+{
+    mSettings.Set(Settings::APP_DATABASE_DIR, "");
+    EXPECT_THAT(Copy(".*\\.db"), IsEmpty());
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+    MakeDb("device/a.db");
+    EXPECT_THAT(Copy(".*\\.db"), IsEmpty());
+    EXPECT_THAT(mLog.Lines(), ElementsAre(Line("CopyDbFile: database dir is empty.")));
+}
+
+TEST_F(ExternalDatabases, FileOneLevelDownStandsTwiceAndItsSqlRunsTwice)
+{
+    MakeDb("device/sub/a.db");
+    EXPECT_THAT(Copy(".*\\.db", {"create table made(b)"}), ElementsAre("copies/a.db", "copies/a.db"));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(HasSubstr("sql failed: table made already exists"),
+        Line("CreateTable: execute sql fail."), Line("IsCreateDbByFileComplete: create table made fail.")));
+}
+
+TEST_F(ExternalDatabases, LaterOfTwoFilesWithOneNameReplacesTheCopy)
+{
+    MakeDb("one/a.db", "create table first(a)");
+    MakeDb("two/a.db", "create table second(a)");
+    Copy(".*\\.db", {}, {"one", "two"});
+    EXPECT_THAT(DatabaseRows(mDir.Path("copies/a.db"), "select name from sqlite_master"), ElementsAre("second"));
+}
+
+TEST_F(ExternalDatabases, TwoFilesWithOneNameStandTwiceUnderOneTarget)
+{
+    MakeDb("device/x/a.db");
+    MakeDb("device/y/a.db");
+    EXPECT_THAT(Copy(".*\\.db"), ElementsAre("copies/a.db", "copies/a.db", "copies/a.db", "copies/a.db"));
+}
+
+TEST_F(ExternalDatabases, CapitalsInPathAndPatternMeet)
+{
+    MakeDb("device/App.DB");
+    EXPECT_THAT(Copy(".*/APP\\.db"), ElementsAre("copies/App.DB"));
+}
+
+TEST_F(ExternalDatabases, PatternThatIsNoneRaisesTheLibrarysError)
+{
+    EXPECT_THAT(Copy("("), IsEmpty()); // no directory: no file is ever held against it
+    MakeDb("device/a.db");
+    EXPECT_THROW(Copy("("), std::regex_error);
+}
+
+TEST_F(ExternalDatabases, TargetDirectoryThatIsSearchedKeepsItsFiles)
+{
+    const std::string before = MakeDb("copies/a.db");
+    EXPECT_THAT(Copy(".*\\.db", {}, {"copies"}), ElementsAre("copies/a.db"));
+    EXPECT_EQ(mDir.Read("copies/a.db"), before);
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
+TEST_F(ExternalDatabases, LinkInTheTargetDirectoryIsReplacedAndNotFollowed)
+{
+    const std::string before = MakeDb("device/a.db");
+    mDir.MakeDir("copies");
+    fs::create_symlink(mDir.Path("device/a.db"), mDir.Path("copies/a.db"));
+    EXPECT_THAT(Copy(".*\\.db", {"create table made(b)"}), ElementsAre("copies/a.db"));
+    EXPECT_EQ(mDir.Read("device/a.db"), before);
+    EXPECT_FALSE(fs::is_symlink(mDir.Path("copies/a.db")));
+}
+
+TEST_F(ExternalDatabases, WhatABrokenOffRunLeftBesideACopyIsNotWorkedIntoTheNew)
+{
+    const std::string db = MakeDb("device/a.db");
+    mDir.MakeDir("zipped");
+    WriteZip(mDir.Path("zipped/b.zip"), {{"b.db", db}});
+    for (const char* const name : {"copies/a.db", "copies/b.db"}) {
+        MakeDb(name, "pragma journal_mode = wal; create table old(a)");
+        {
+            FT::sql::SqlDatabase broken; // keeps the changes beside the file
+            broken.Open(mDir.Path(name));
+            EventLogBuilder::Run(mDir.Path(name), "create table older(a)");
+            fs::copy_file(mDir.Path(name) + "-wal", mDir.Path("wal"), fs::copy_options::overwrite_existing);
+        }
+        fs::copy_file(mDir.Path("wal"), mDir.Path(name) + "-wal");
+    }
+    Copy(".*(zip|db)", {}, {"device", "zipped"});
+    for (const char* const name : {"copies/a.db", "copies/b.db"}) {
+        EXPECT_FALSE(fs::exists(mDir.Path(name) + "-wal"));
+        EXPECT_THAT(DatabaseRows(mDir.Path(name), "select name from sqlite_master"), ElementsAre("t"));
+    }
+}
+
+TEST_F(ExternalDatabases, ChangesThatAreCopiedWithTheirFileStayBesideIt)
+{
+    MakeDb("live/a.db", "pragma journal_mode = wal; create table t(a)");
+    FT::sql::SqlDatabase service;
+    service.Open(mDir.Path("live/a.db"));
+    EventLogBuilder::Run(mDir.Path("live/a.db"), "create table waiting(a)");
+    ASSERT_TRUE(mDir.Has("live/a.db-wal"));
+    for (int run = 0; run < 2; ++run) {
+        EXPECT_THAT(Copy(".*\\.db(-wal)?", {}, {"live"}),
+            testing::UnorderedElementsAre("copies/a.db", "copies/a.db-wal"));
+        EXPECT_TRUE(mDir.Has("copies/a.db-wal"));
+    }
+    EXPECT_THAT(DatabaseRows(mDir.Path("copies/a.db"), "select name from sqlite_master"),
+        ElementsAre("t", "waiting"));
+}
+
+TEST_F(ExternalDatabases, TargetDirectoryThatIsAFileGivesNoCopies)
+{
+    MakeDb("device/a.db");
+    mDir.Write("copies", "");
+    EXPECT_THAT(Copy(".*\\.db"), IsEmpty());
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
+TEST_F(ExternalDatabases, TargetDirectoryThatCannotBeMadeIsTold)
+{
+    MakeDb("device/a.db");
+    mDir.Write("file", "");
+    mSettings.Set(Settings::APP_DATABASE_DIR, mDir.Path("file/copies"));
+    EXPECT_THAT(Copy(".*\\.db"), IsEmpty());
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), Contains(Line("CopyFile: create directory fail.")));
+}
+
+TEST_F(ExternalDatabases, TargetThatIsADirectoryFailsToBeCopied)
+{
+    MakeDb("device/a.db");
+    mDir.Write("copies/a.db/inside", "");
+    EXPECT_THAT(Copy(".*\\.db"), IsEmpty());
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), Contains(Line("CopyFile: copy file to folder fail.")));
+}
+
+TEST_F(ExternalDatabases, FileThatIsNoDatabaseIsCopiedAndItsSqlFails)
+{
+    mDir.Write("device/a.db", std::string(2000, 'x'));
+    EXPECT_THAT(Copy(".*\\.db", {"create table made(b)"}), ElementsAre("copies/a.db"));
+    EXPECT_EQ(mDir.Read("copies/a.db"), std::string(2000, 'x'));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), Contains(Line("IsCreateDbByFileComplete: create table made fail.")));
+}
+
+TEST_F(ExternalDatabases, DanglingLinkIsNotListed)
+{
+    mDir.MakeDir("device");
+    fs::create_symlink(mDir.Path("gone"), mDir.Path("device/a.db"));
+    EXPECT_THAT(Copy(".*\\.db"), IsEmpty());
+}
+
+// ---- SQL on the copies. ----
+
+TEST_F(ExternalDatabases, EmptyPiecesOfSqlArePassedOver)
+{
+    MakeDb("device/a.db");
+    Copy(".*\\.db", {";;create table made(b);;insert into made values (1);"});
+    EXPECT_THAT(DatabaseRows(mDir.Path("copies/a.db"), "select * from made"), ElementsAre("1"));
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
+TEST_F(ExternalDatabases, SqlOfSeparatorsAloneOrNoneIsTold)
+{
+    MakeDb("device/a.db");
+    Copy(".*\\.db", {";;", ""});
+    const std::string made = Line("IsCreateDbByFileComplete: create table made fail.");
+    EXPECT_THAT(mLog.Lines(), ElementsAre(Line("CreateTable: sql empty."), made,
+        Line("CreateTable: createTable input is null."), made));
+}
+
+TEST_F(ExternalDatabases, FirstFailingStatementEndsItsTextAndKeepsWhatRan)
+{
+    MakeDb("device/a.db");
+    Copy(".*\\.db", {"create table one(a); no sql; create table two(a)", "create table three(a)"});
+    EXPECT_THAT(DatabaseRows(mDir.Path("copies/a.db"), "select name from sqlite_master order by name"),
+        ElementsAre("one", "t", "three"));
+}
+
+TEST_F(ExternalDatabases, SemicolonInALiteralCutsTheStatement)
+{
+    MakeDb("device/a.db");
+    Copy(".*\\.db", {"insert into t values ('x;y'); insert into t values (7)"});
+    EXPECT_THAT(DatabaseRows(mDir.Path("copies/a.db"), "select * from t"), ElementsAre("1"));
+}
+
+TEST_F(ExternalDatabases, SqlReachesNoOtherFile)
+{
+    const std::string before = MakeDb("device/a.db");
+    const std::string path = mDir.Path("device/a.db");
+    Copy(".*\\.db", {"attach '" + path + "' as x; delete from x.t", "attach '" + path + "' || '' as x",
+        "vacuum into '" + mDir.Path("new.db") + "'", "vacuum", "delete from t"});
+    EXPECT_EQ(mDir.Read("device/a.db"), before);
+    EXPECT_FALSE(mDir.Has("new.db"));
+    const std::string fail = Line("CreateTable: execute sql fail.");
+    const std::string made = Line("IsCreateDbByFileComplete: create table made fail.");
+    const auto denied = testing::AnyOf(HasSubstr("not authorized"), HasSubstr("authorization denied"));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(denied, fail, made, denied, fail, made, denied, fail, made));
+    EXPECT_THAT(DatabaseRows(mDir.Path("copies/a.db"), "select count(*) from t"), ElementsAre("0"));
+}
+
+// ---- Archives. ----
+
+TEST_F(ExternalDatabases, ArchiveIsUnpackedAndItsMatchingFilesAreListed)
+{
+    const std::string db = MakeDb("made.db");
+    mDir.MakeDir("device");
+    WriteZip(mDir.Path("device/a.zip"), {{"app.db", db}, {"readme.txt", "text"}});
+    const std::string before = mDir.Read("device/a.zip");
+    EXPECT_THAT(Copy("(.*/a\\.zip|app\\.db)", {"create table made(b)"}), ElementsAre("copies/app.db"));
+    EXPECT_EQ(mDir.Read("copies/readme.txt"), "text");
+    EXPECT_FALSE(mDir.Has("copies/temp"));
+    EXPECT_EQ(mDir.Read("device/a.zip"), before);
+    EXPECT_THAT(DatabaseRows(mDir.Path("copies/app.db"), "select count(*) from made"), ElementsAre("0"));
+}
+
+TEST_F(ExternalDatabases, UnpackedNamesMeetThePatternWithItsCapitals)
+{
+    mDir.MakeDir("device");
+    WriteZip(mDir.Path("device/App.zip"), {{"App.db", "x"}, {"app.db", "y"}});
+    EXPECT_THAT(Copy(".*App\\.(zip|db)"), ElementsAre("copies/App.db"));
+}
+
+TEST_F(ExternalDatabases, PlainFileInADirectoryOfThatNamePassesForAnArchive)
+{
+    MakeDb("device/myZIPs/a.db");
+    EXPECT_THAT(Copy(".*\\.db"), IsEmpty());
+    const std::string line = Line("UnZipFile: unZip file fail.");
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(line, line));
+}
+
+TEST_F(ExternalDatabases, NameWithTwoDotsIsRefusedInSilence)
+{
+    mDir.MakeDir("device");
+    WriteZip(mDir.Path("device/a..zip"), {{"app.db", "x"}});
+    EXPECT_THAT(Copy(".*(zip|db)"), IsEmpty());
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+    EXPECT_FALSE(mDir.Has("copies"));
+}
+
+TEST_F(ExternalDatabases, TargetDirectoryWithTwoDotsIsRefusedInSilence)
+{
+    mDir.MakeDir("device");
+    WriteZip(mDir.Path("device/a.zip"), {{"app.db", "x"}});
+    mSettings.Set(Settings::APP_DATABASE_DIR, mDir.Path("device/../copies"));
+    EXPECT_THAT(Copy(".*(zip|db)"), IsEmpty());
+    EXPECT_FALSE(mDir.Has("copies"));
+}
+
+TEST_F(ExternalDatabases, WhatAnEarlierRunLeftIsCopiedToo)
+{
+    mDir.Write("copies/temp/old.db", "old");
+    mDir.MakeDir("device");
+    WriteZip(mDir.Path("device/a.zip"), {});
+    EXPECT_THAT(Copy(".*(zip|db)"), ElementsAre("copies/old.db"));
+    EXPECT_EQ(mDir.Read("copies/old.db"), "old");
+    EXPECT_FALSE(mDir.Has("copies/temp"));
+}
+
+TEST_F(ExternalDatabases, DirectoryInAnArchiveFailsToBeCopiedAndIsListedAllTheSame)
+{
+    mDir.MakeDir("device");
+    WriteZip(mDir.Path("device/a.zip"), {{"x.db/", ""}, {"x.db/y.db", "1"}});
+    EXPECT_THAT(Copy(".*(zip|db)"), testing::UnorderedElementsAre("copies/x.db", "copies/y.db"));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(Line("UnZipFile: Copy file fail.")));
+    EXPECT_FALSE(mDir.Has("copies/x.db"));
+}
+
+TEST_F(ExternalDatabases, ListedCopyThatIsNotThereHasNoSqlRunOnIt)
+{
+    mDir.MakeDir("device");
+    WriteZip(mDir.Path("device/a.zip"), {{"x.db/", ""}});
+    Copy(".*(zip|db)", {"create table made(b)"});
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_WARN), ElementsAre(Line("CreateTable: file x.db not exist.")));
+    EXPECT_FALSE(mDir.Has("copies/x.db"));
+}
+
+TEST_F(ExternalDatabases, BrokenArchiveEndsItsUnpackingAndTheNextFileGoesOn)
+{
+    mDir.Write("device/a.zip", "PK no archive");
+    MakeDb("device/b.db");
+    EXPECT_THAT(Copy(".*(zip|db)"), ElementsAre("copies/b.db"));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), Contains(Line("UnZipFile: unZip file fail.")));
+}
+
+TEST_F(ExternalDatabases, ArchiveThatLeadsOutWritesNothingOutside)
+{
+    mDir.MakeDir("device");
+    WriteZip(mDir.Path("device/a.zip"), {{"../../evil.db", "x"}});
+    EXPECT_THAT(Copy(".*(zip|db)"), IsEmpty());
+    EXPECT_FALSE(mDir.Has("evil.db"));
+    EXPECT_FALSE(mDir.Has("copies/evil.db"));
+}
+
+} // namespace
