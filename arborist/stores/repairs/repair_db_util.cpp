@@ -32,11 +32,46 @@ struct RepairTable {
     FT::sql::SqlTable table;
 };
 
-// `operation` is the whole name, which these lines say twice.
-bool IsOpen(const FT::sql::SqlDatabase& database, const char* operation)
+// What each operation says without its database; the lines say the name twice. A logger sees the formats whole.
+namespace Operation {
+
+struct SaveRepairDataToDb {
+    static constexpr char FUNCTION[] = "RepairDbUtil::SaveRepairDataToDb";
+    static constexpr char NOT_OPEN[] = "FUNc:%s: RepairDbUtil::SaveRepairDataToDb database not open";
+};
+
+struct QueryRepairDate {
+    static constexpr char FUNCTION[] = "RepairDbUtil::QueryRepairDate";
+    static constexpr char NOT_OPEN[] = "FUNc:%s: RepairDbUtil::QueryRepairDate database not open";
+};
+
+struct QueryRepairId {
+    static constexpr char FUNCTION[] = "RepairDbUtil::QueryRepairId";
+    static constexpr char NOT_OPEN[] = "FUNc:%s: RepairDbUtil::QueryRepairId database not open";
+};
+
+struct GetRepairDataRecord {
+    static constexpr char FUNCTION[] = "RepairDbUtil::GetRepairDataRecord";
+    static constexpr char NOT_OPEN[] = "FUNc:%s: RepairDbUtil::GetRepairDataRecord database not open";
+};
+
+struct InsertRepairData {
+    static constexpr char FUNCTION[] = "RepairDbUtil::InsertRepairData";
+    static constexpr char NOT_OPEN[] = "FUNc:%s: RepairDbUtil::InsertRepairData database not open";
+};
+
+struct UpDateRepairData {
+    static constexpr char FUNCTION[] = "RepairDbUtil::UpDateRepairData";
+    static constexpr char NOT_OPEN[] = "FUNc:%s: RepairDbUtil::UpDateRepairData database not open";
+};
+
+} // namespace Operation
+
+template <typename Named>
+bool IsOpen(const FT::sql::SqlDatabase& database)
 {
     if (!database.IsOpen()) {
-        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: %s database not open", operation, operation);
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, Named::NOT_OPEN, Named::FUNCTION);
     }
     return database.IsOpen();
 }
@@ -95,7 +130,7 @@ bool RepairDbUtil::CreateRepairRecordTable(const std::string& tableName)
 
 void RepairDbUtil::SaveRepairDataToDb(const std::string& repairId)
 {
-    if (!IsOpen(*mDatabase, "RepairDbUtil::SaveRepairDataToDb")) {
+    if (!IsOpen<Operation::SaveRepairDataToDb>(*mDatabase)) {
         return;
     }
     const std::vector<std::string> knownIds = QueryRepairId();
@@ -109,7 +144,7 @@ void RepairDbUtil::SaveRepairDataToDb(const std::string& repairId)
 
 std::string RepairDbUtil::QueryRepairDate(const std::string& repairId)
 {
-    if (!IsOpen(*mDatabase, "RepairDbUtil::QueryRepairDate")) {
+    if (!IsOpen<Operation::QueryRepairDate>(*mDatabase)) {
         return "";
     }
     std::int32_t id = 0;
@@ -119,7 +154,7 @@ std::string RepairDbUtil::QueryRepairDate(const std::string& repairId)
 
 std::vector<std::string> RepairDbUtil::QueryRepairId()
 {
-    if (!IsOpen(*mDatabase, "RepairDbUtil::QueryRepairId")) {
+    if (!IsOpen<Operation::QueryRepairId>(*mDatabase)) {
         return {};
     }
     // The name is only a label: there is no such table.
@@ -139,7 +174,7 @@ std::vector<std::string> RepairDbUtil::QueryRepairId()
 
 bool RepairDbUtil::GetRepairDataRecord(const std::string& repairId, std::int32_t& id, std::string& date)
 {
-    if (!IsOpen(*mDatabase, "RepairDbUtil::GetRepairDataRecord")) {
+    if (!IsOpen<Operation::GetRepairDataRecord>(*mDatabase)) {
         return false;
     }
     RepairTable repairs(*mDatabase, TABLE_NAME);
@@ -161,7 +196,7 @@ bool RepairDbUtil::GetRepairDataRecord(const std::string& repairId, std::int32_t
 
 void RepairDbUtil::InsertRepairData(const std::string& repairId, const std::string& date)
 {
-    if (!IsOpen(*mDatabase, "RepairDbUtil::InsertRepairData")) {
+    if (!IsOpen<Operation::InsertRepairData>(*mDatabase)) {
         return;
     }
     RepairTable repairs(*mDatabase, TABLE_NAME);
@@ -175,7 +210,7 @@ void RepairDbUtil::InsertRepairData(const std::string& repairId, const std::stri
 
 void RepairDbUtil::UpDateRepairData(const std::string& repairId, const std::string& date)
 {
-    if (!IsOpen(*mDatabase, "RepairDbUtil::UpDateRepairData")) {
+    if (!IsOpen<Operation::UpDateRepairData>(*mDatabase)) {
         return;
     }
     std::int32_t id = 0;

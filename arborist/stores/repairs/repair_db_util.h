@@ -29,6 +29,8 @@ public:
     std::string QueryRepairDate(const std::string& repairId);
 
 private:
+    friend struct RepairDbUtilPeer; // tests reach the private steps through it
+
     bool OpenDb();
     void CloseDb();
     bool CreateRepairRecordTable(const std::string& tableName);

@@ -48,10 +48,19 @@ private:
 
 } // namespace
 
-// The two ways to run a statement differ in what they are called in the log.
-struct SqlOperator::Messages {
-    const char* function;
-    const char* operation;
+// What tells the two ways to run a statement apart in the log. A logger sees the formats whole.
+struct SqlOperator::KeepingRows {
+    static constexpr char FUNCTION[] = "FT::sql::SqlOperator::Execute";
+    static constexpr char NO_DATABASE[] = "FUNc:%s: Execute db is null";
+    static constexpr char NO_WORDS[] = "FUNc:%s: Execute error returns null";
+    static constexpr char FAILED[] = "FUNc:%s: Execute sql failed: %s";
+};
+
+struct SqlOperator::WithoutRows {
+    static constexpr char FUNCTION[] = "FT::sql::SqlOperator::ExecuteNoCallback";
+    static constexpr char NO_DATABASE[] = "FUNc:%s: ExecuteNoCallback db is null";
+    static constexpr char NO_WORDS[] = "FUNc:%s: ExecuteNoCallback error returns null";
+    static constexpr char FAILED[] = "FUNc:%s: ExecuteNoCallback sql failed: %s";
 };
 
 SqlOperator::SqlOperator(const Sqlite3Db& database) : SqlOperator(database, nullptr, nullptr) {}
@@ -68,20 +77,20 @@ SqlOperator::~SqlOperator()
 
 bool SqlOperator::Execute(const std::string& sql)
 {
-    return Run(sql, &SqlOperator::LoadRecord, {"FT::sql::SqlOperator::Execute", "Execute"});
+    return Run<KeepingRows>(sql, &SqlOperator::LoadRecord);
 }
 
 bool SqlOperator::ExecuteNoCallback(const std::string& sql)
 {
-    return Run(sql, nullptr, {"FT::sql::SqlOperator::ExecuteNoCallback", "ExecuteNoCallback"});
+    return Run<WithoutRows>(sql, nullptr);
 }
 
-bool SqlOperator::Run(const std::string& sql, RowCallback callback, const Messages& messages)
+template <typename Way>
+bool SqlOperator::Run(const std::string& sql, RowCallback callback)
 {
     Clear();
     if (db.connection == nullptr) {
-        Log::GetInstance().Output(
-            LEVEL_ERROR, "FUNc:%s: %s db is null", messages.function, messages.operation);
+        Log::GetInstance().Output(LEVEL_ERROR, Way::NO_DATABASE, Way::FUNCTION);
         return false;
     }
     char* errorText = nullptr;
@@ -91,15 +100,13 @@ bool SqlOperator::Run(const std::string& sql, RowCallback callback, const Messag
         return true;
     }
     if (errorText == nullptr) {
-        Log::GetInstance().Output(
-            LEVEL_ERROR, "FUNc:%s: %s error returns null", messages.function, messages.operation);
+        Log::GetInstance().Output(LEVEL_ERROR, Way::NO_WORDS, Way::FUNCTION);
         return false;
     }
     errorMessage = errorText;
     sqlite3_free(errorText);
     if (!errorMessage.empty()) {
-        Log::GetInstance().Output(LEVEL_ERROR, "FUNc:%s: %s sql failed: %s", messages.function, messages.operation,
-            errorMessage.c_str());
+        Log::GetInstance().Output(LEVEL_ERROR, Way::FAILED, Way::FUNCTION, errorMessage.c_str());
     }
     return false;
 }

@@ -45,11 +45,13 @@ public:
 
 private:
     using RowCallback = int (*)(void*, int, char**, char**);
-    struct Messages;
+    struct KeepingRows;
+    struct WithoutRows;
 
     static int LoadRecord(void* context, int columnCount, char** columnTexts, char** columnNames);
     void KeepRow(int columnCount, char** columnTexts);
-    bool Run(const std::string& sql, RowCallback callback, const Messages& messages);
+    template <typename Way>
+    bool Run(const std::string& sql, RowCallback callback);
 
     const Sqlite3Db& db;
     std::string errorMessage;

@@ -14,6 +14,23 @@
 #include "tests/support/temp_dir.h"
 #include "tests/support/time_zone.h"
 
+/// Reaches the private steps of the store.
+struct RepairDbUtilPeer {
+    static bool Open(RepairDbUtil& repairs) { return repairs.OpenDb(); }
+
+    // As if the connection had been lost; then every step by itself.
+    static void RunEachStepClosed(RepairDbUtil& repairs)
+    {
+        repairs.CloseDb();
+        std::int32_t id = 0;
+        std::string date;
+        repairs.QueryRepairId();
+        repairs.GetRepairDataRecord("R", id, date);
+        repairs.InsertRepairData("R", "today");
+        repairs.UpDateRepairData("R", "today");
+    }
+};
+
 namespace {
 
 using testing::ElementsAre;
@@ -127,6 +144,41 @@ TEST_F(RepairDbUtilTest, FolderThatCannotBeMadeClosesTheStore)
     EXPECT_THAT(mLog.Lines(), ElementsAre(
         "FUNc:RepairDbUtil::SaveRepairDataToDb: RepairDbUtil::SaveRepairDataToDb database not open",
         "FUNc:RepairDbUtil::QueryRepairDate: RepairDbUtil::QueryRepairDate database not open"));
+}
+
+TEST_F(RepairDbUtilTest, EveryStepSaysThatTheDatabaseIsNotOpen)
+{
+    RepairDbUtil repairs;
+    RepairDbUtilPeer::RunEachStepClosed(repairs);
+    repairs.SaveRepairDataToDb("R");
+    repairs.QueryRepairDate("R");
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(
+        "FUNc:RepairDbUtil::QueryRepairId: RepairDbUtil::QueryRepairId database not open",
+        "FUNc:RepairDbUtil::GetRepairDataRecord: RepairDbUtil::GetRepairDataRecord database not open",
+        "FUNc:RepairDbUtil::InsertRepairData: RepairDbUtil::InsertRepairData database not open",
+        "FUNc:RepairDbUtil::UpDateRepairData: RepairDbUtil::UpDateRepairData database not open",
+        "FUNc:RepairDbUtil::SaveRepairDataToDb: RepairDbUtil::SaveRepairDataToDb database not open",
+        "FUNc:RepairDbUtil::QueryRepairDate: RepairDbUtil::QueryRepairDate database not open"));
+    EXPECT_THAT(mLog.Formats(), ElementsAre(
+        "FUNc:%s: RepairDbUtil::QueryRepairId database not open",
+        "FUNc:%s: RepairDbUtil::GetRepairDataRecord database not open",
+        "FUNc:%s: RepairDbUtil::InsertRepairData database not open",
+        "FUNc:%s: RepairDbUtil::UpDateRepairData database not open",
+        "FUNc:%s: RepairDbUtil::SaveRepairDataToDb database not open",
+        "FUNc:%s: RepairDbUtil::QueryRepairDate database not open"));
+}
+
+TEST_F(RepairDbUtilTest, SecondOpenSaysSoAndOpensAnew)
+{
+    RepairDbUtil repairs;
+    mLog.Clear();
+    EXPECT_TRUE(RepairDbUtilPeer::Open(repairs));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR),
+        ElementsAre("FUNc:RepairDbUtil::OpenDb: RepairDbUtil::OpenDb open database already open"));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_DEBUG),
+        ElementsAre("FUNc:RepairDbUtil::CreateRepairRecordTable: table repair_data already exist."));
+    repairs.SaveRepairDataToDb("R");
+    EXPECT_NE(repairs.QueryRepairDate("R"), "");
 }
 
 TEST_F(RepairDbUtilTest, DatabaseThatCannotBeOpenedIsNamed)

@@ -116,6 +116,9 @@ TEST_F(SqlOperatorTest, FailuresNameTheOperationAndTheReason)
         "FUNc:FT::sql::SqlOperator::ExecuteNoCallback: ExecuteNoCallback sql failed: near \"from\": syntax error",
         "FUNc:FT::sql::SqlOperator::Execute: Execute db is null",
         "FUNc:FT::sql::SqlOperator::ExecuteNoCallback: ExecuteNoCallback db is null"));
+    EXPECT_THAT(mLog.Formats(), ElementsAre("FUNc:%s: Execute sql failed: %s",
+        "FUNc:%s: ExecuteNoCallback sql failed: %s", "FUNc:%s: Execute db is null",
+        "FUNc:%s: ExecuteNoCallback db is null"));
 }
 
 // What is left of a failed open is no connection to run anything on, and SQLite gives no words for that.
@@ -131,6 +134,8 @@ TEST_F(SqlOperatorTest, FailureWithoutWordsSaysSo)
     EXPECT_THAT(mLog.Lines(LEVEL_ERROR),
         ElementsAre("FUNc:FT::sql::SqlOperator::Execute: Execute error returns null",
             "FUNc:FT::sql::SqlOperator::ExecuteNoCallback: ExecuteNoCallback error returns null"));
+    EXPECT_THAT(mLog.Formats(), ElementsAre(
+        "FUNc:%s: Execute error returns null", "FUNc:%s: ExecuteNoCallback error returns null"));
 }
 
 TEST_F(SqlOperatorTest, EveryStatementDropsTheRowsBefore)
