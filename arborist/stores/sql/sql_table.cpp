@@ -50,12 +50,27 @@ void SqlTable::InitFields(SqlField* fields, std::size_t count)
 
 bool SqlTable::Exists()
 {
+    if (fieldList.empty()) {
+        return ExistsWithoutFields();
+    }
     const std::string sql = "select count(*) from sqlite_master where type = 'table' and name = '" + name + "'";
     if (!sqlOperator.Execute(sql)) {
         return false;
     }
     const SqlValue* const count = sqlOperator.GetTopRecordFirstValue();
     return count != nullptr && count->AsInteger() > 0;
+}
+
+// Rows of a table without fields hold null values, and the count that is asked for would be one of them.
+bool SqlTable::ExistsWithoutFields()
+{
+    SqlField count("count", TypeInteger);
+    InitFields(&count, 1);
+    const bool exists = Exists();
+    sqlOperator.Clear();
+    fieldList.clear();
+    fieldMap.clear();
+    return exists;
 }
 
 bool SqlTable::Create()

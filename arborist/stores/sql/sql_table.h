@@ -63,6 +63,8 @@ public:
     std::string GetUpdateString(const SqlRecord& record) const;
 
 private:
+    bool ExistsWithoutFields();
+
     std::string name;
     SqlOperator sqlOperator;
     FieldList fieldList;

@@ -174,10 +174,24 @@ TEST_F(SqlTableTest, TableWithoutFieldsKeepsRowsOfNullValues)
     ASSERT_TRUE(bare.Query("select * from things"));
     ASSERT_EQ(bare.GetTopRecord()->GetColumnCount(), 3U);
     EXPECT_TRUE(bare.GetTopRecord()->GetValue(std::size_t{1})->IsNull());
-    // So the count that says whether a table exists reads as 0, too: the row of that question is what stays.
+    const SqlRecord* const found = bare.GetRecordByKeyId(1);
+    ASSERT_NE(found, nullptr);
+    EXPECT_EQ(bare.GetRecordCount(), 1U);
+    ASSERT_EQ(found->GetColumnCount(), 3U);
+    for (std::size_t column = 0; column < 3; ++column) {
+        EXPECT_TRUE(found->GetValue(column)->IsNull()) << column;
+    }
+    EXPECT_EQ(bare.GetRecordByKeyId(2), nullptr);
+}
+
+TEST_F(SqlTableTest, TableWithoutFieldsKnowsWhetherItExists)
+{
+    SqlTable bare(mDatabase.GetHandle(), "things", nullptr, 0);
+    EXPECT_FALSE(bare.Exists());
     EXPECT_EQ(bare.GetRecordByKeyId(1), nullptr);
-    ASSERT_EQ(bare.GetRecordCount(), 1U);
-    EXPECT_TRUE(bare.GetTopRecord()->GetValue(std::size_t{0})->IsNull());
+    ASSERT_TRUE(mTable.Create());
+    EXPECT_TRUE(bare.Exists());
+    EXPECT_EQ(bare.GetFieldsString(), "");
 }
 
 TEST_F(SqlTableTest, NameIsNotQuoted)
