@@ -104,12 +104,19 @@ void DerivedTableWriter::Write(const std::vector<Json::Value>& rows)
         return;
     }
     // A log written ahead makes a transaction cheap, and leaves the file whole if the process ends in between.
-    FT::sql::SqlOperator connection(mDatabase.GetHandle());
-    connection.ExecuteNoCallback("PRAGMA locking_mode=EXCLUSIVE");
-    connection.ExecuteNoCallback("PRAGMA journal_mode=WAL");
+    RunQuietly("PRAGMA locking_mode=EXCLUSIVE");
+    RunQuietly("PRAGMA journal_mode=WAL");
     InsertAll(rows);
-    connection.ExecuteNoCallback("PRAGMA journal_mode=DELETE");
-    connection.ExecuteNoCallback("PRAGMA locking_mode=NORMAL");
+    RunQuietly("PRAGMA journal_mode=DELETE");
+    RunQuietly("PRAGMA locking_mode=NORMAL");
+}
+
+bool DerivedTableWriter::RunQuietly(const std::string& statement)
+{
+    FT::sql::SqlCursor cursor(mDatabase.GetHandle(), statement);
+    while (cursor.Step()) {
+    }
+    return cursor.IsOk();
 }
 
 void DerivedTableWriter::InsertAll(const std::vector<Json::Value>& rows)
@@ -175,21 +182,19 @@ bool DerivedTableWriter::CanBeStaged(const std::vector<Json::Value>& rows) const
 bool DerivedTableWriter::OpenStage()
 {
     // A table of the connection's own hides the one of the same name in the file.
-    FT::sql::SqlOperator connection(mDatabase.GetHandle());
-    return connection.ExecuteNoCallback("PRAGMA temp_store=MEMORY") &&
-        connection.ExecuteNoCallback("CREATE TEMP TABLE " + mCreateSql.substr(CREATE_TABLE.size()));
+    return RunQuietly("PRAGMA temp_store=MEMORY") &&
+        RunQuietly("CREATE TEMP TABLE " + mCreateSql.substr(CREATE_TABLE.size()));
 }
 
 void DerivedTableWriter::PublishStage()
 {
-    FT::sql::SqlOperator connection(mDatabase.GetHandle());
     const std::string publish = "insert into main." + mTableName + " select * from temp." + mTableName;
-    if (!connection.ExecuteNoCallback(publish)) {
+    if (!RunQuietly(publish)) {
         // Somebody else reads, or the disk is full: what fails then is the single row again.
         FT::sql::SqlCursor ids(mDatabase.GetHandle(), "select _ID from temp." + mTableName);
         while (ids.Step()) {
             InsertRow(publish + " where _ID = " + std::to_string(ids.GetInteger(0)));
         }
     }
-    connection.ExecuteNoCallback("drop table temp." + mTableName);
+    RunQuietly("drop table temp." + mTableName);
 }

@@ -44,6 +44,8 @@ private:
     void InsertAll(const std::vector<Json::Value>& rows);
     void InsertRow(const std::string& statement);
     std::string InsertStatement(const ValueMap& values) const;
+    // For what this way of writing adds: its failures have no line.
+    bool RunQuietly(const std::string& statement);
     bool CanBeStaged(const std::vector<Json::Value>& rows) const;
     bool OpenStage();
     void PublishStage();

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <iterator>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include <json/value.h>
@@ -55,6 +56,17 @@ std::int64_t TimeOf(const FT::sql::SqlCursor& cursor)
     FT::sql::SqlValue value;
     value.SetValue(std::string(cursor.GetText(TIME_COLUMN)), FT::sql::TypeInteger);
     return value.AsInteger();
+}
+
+// `row` stays null where it doesn't.
+bool HoldsJson(std::string_view extra, Json::Value& row)
+{
+    std::string error;
+    if (!extra.empty() && ParseJson(extra, row, error)) {
+        return true;
+    }
+    row = Json::Value();
+    return false;
 }
 
 // The total of a statistic, which must not be counted as an event.
@@ -135,13 +147,18 @@ void CommonPartDbHelper::QueryDataSet(
 {
     // Row by row: what the selection holds need not be there twice, as text and as JSON.
     FT::sql::SqlCursor cursor(database.GetHandle(), sql);
+    std::vector<std::string> withoutJson; // their lines come behind that of a statement that fails on its way
     bool isEmpty = true;
     for (; cursor.Step(); isEmpty = false) {
         const std::int64_t time = TimeOf(cursor);
         if (time <= minTime) {
             continue;
         }
-        Json::Value row = ExtraStrToJson(std::string(cursor.GetText(EXTRA_COLUMN)));
+        const std::string_view extra = cursor.GetText(EXTRA_COLUMN);
+        Json::Value row;
+        if (!HoldsJson(extra, row)) {
+            withoutJson.emplace_back(extra);
+        }
         if (IsStatisticTotal(row)) {
             continue;
         }
@@ -155,6 +172,9 @@ void CommonPartDbHelper::QueryDataSet(
         // As every statement of the stores tells it. The rows that came before stay.
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Execute sql failed: %s",
             "FT::sql::SqlOperator::Execute", cursor.GetError().c_str());
+    }
+    for (const std::string& extra : withoutJson) {
+        ExtraStrToJson(extra);
     }
     if (isEmpty) {
         FT::Log::GetInstance().Output(

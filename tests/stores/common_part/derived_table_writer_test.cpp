@@ -65,16 +65,47 @@ TEST_F(DerivedTableWriterTest, NothingOfTheStageIsLeftOnTheConnection)
     EXPECT_THAT(Rows(), Contains("6|7"));
 }
 
+// The lines are those of rows that go into the file one by one, whatever came before.
 TEST_F(DerivedTableWriterTest, FileThatSomebodyReadsMeanwhileKeepsWhatItHas)
 {
     FT::sql::SqlDatabase reader;
     reader.Open(mPath);
     FT::sql::SqlOperator(reader.GetHandle()).ExecuteNoCallback("begin; select * from T");
-    Write(5);
-    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), Contains(HasSubstr("sql failed: database is locked")));
+    Write(4);
+    const auto locked = HasSubstr("sql failed: database is locked");
+    const auto open = HasSubstr("sql failed: cannot start a transaction within a transaction");
+    EXPECT_THAT(mLog.Lines(), ElementsAre(locked, open, locked, open, locked, open, locked));
     reader.Close();
     mDatabase.Close();
     EXPECT_THAT(Rows(), IsEmpty());
+}
+
+TEST_F(DerivedTableWriterTest, FileThatSomebodyWritesMeanwhileCostsEachRowItsLines)
+{
+    FT::sql::SqlDatabase writer;
+    writer.Open(mPath);
+    FT::sql::SqlOperator(writer.GetHandle()).ExecuteNoCallback("begin immediate");
+    Write(4);
+    const auto locked = HasSubstr("sql failed: database is locked");
+    const std::string fail = "FUNc:CommonPartDbHelper::IsSetedDataToTable: execute sql fail.";
+    EXPECT_THAT(mLog.Lines(), ElementsAre(locked, fail, locked, fail, locked, fail, locked, fail));
+    writer.Close();
+    EXPECT_THAT(Rows(), IsEmpty());
+}
+
+TEST_F(DerivedTableWriterTest, RowsThatMayHoldSqlCostTheirOwnLinesAlone)
+{
+    FT::sql::SqlDatabase writer;
+    writer.Open(mPath);
+    FT::sql::SqlOperator(writer.GetHandle()).ExecuteNoCallback("begin immediate");
+    std::vector<Json::Value> rows(4);
+    for (Json::Value& row : rows) {
+        row["n"] = "it's (";
+    }
+    DerivedTableWriter(mDatabase, "T", {ParamOf("n", "int")}, CREATE).Write(rows);
+    const auto broken = HasSubstr("sql failed: near \"s\": syntax error");
+    const std::string fail = "FUNc:CommonPartDbHelper::IsSetedDataToTable: execute sql fail.";
+    EXPECT_THAT(mLog.Lines(), ElementsAre(broken, fail, broken, fail, broken, fail, broken, fail));
 }
 
 TEST_F(DerivedTableWriterTest, RowsThatTheFileRefusesAreLostOneByOne)
@@ -85,7 +116,7 @@ TEST_F(DerivedTableWriterTest, RowsThatTheFileRefusesAreLostOneByOne)
     Write(5);
     EXPECT_THAT(DatabaseRows(mPath, "select n from T"), ElementsAre("0", "1", "3", "4"));
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(HasSubstr("CHECK constraint failed"),
-        HasSubstr("CHECK constraint failed"), "FUNc:CommonPartDbHelper::IsSetedDataToTable: execute sql fail."));
+        "FUNc:CommonPartDbHelper::IsSetedDataToTable: execute sql fail."));
 }
 
 } // namespace

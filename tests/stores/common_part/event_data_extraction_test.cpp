@@ -289,6 +289,23 @@ TEST_F(EventDataExtraction, DirectoryOfTheApplicationIsLogged)
         testing::Contains("FUNc:CommonPartDbHelper::GetLumbraDataByFilter: AppFileDir: /app"));
 }
 
+TEST_F(EventDataExtraction, StatementThatBreaksOffSaysSoBeforeItsRowsAreRead)
+{
+    EXPECT_THAT(Texts(Peer::Query(mPath,
+        "select '', 7 union all select '{\"a\":1}', 8 union all select abs(-9223372036854775808), 9", 0)),
+        ElementsAre("occurrence_time=7", "a=1 occurrence_time=8"));
+    EXPECT_THAT(mLog.Lines(), ElementsAre(
+        "FUNc:FT::sql::SqlOperator::Execute: Execute sql failed: integer overflow",
+        "FUNc:CommonPartDbHelper::ExtraStrToJson: extra is empty."));
+}
+
+TEST_F(EventDataExtraction, LinesOfRowsWithoutJsonComeInTheirOrder)
+{
+    Peer::Query(mPath, "select 'broken', 7 union all select '', 8 union all select 'x', 9 union all select 'y', 0", 0);
+    EXPECT_THAT(mLog.Lines(), ElementsAre(HasSubstr("jsonStr[broken] err."), HasSubstr("extra is empty."),
+        HasSubstr("jsonStr[x] err.")));
+}
+
 TEST_F(EventDataExtraction, EmptyExtraIsToldAndNull)
 {
     EXPECT_TRUE(Peer::ToJson("").isNull());
