@@ -6,22 +6,12 @@
 #include "arborist/model/event.h"
 #include "arborist/model/gate.h"
 #include "arborist/utilities/string_util.h"
+#include "arborist/utilities/text_hash.h"
 
 namespace {
 
 constexpr char PATH_SEPARATOR[] = "/";
 constexpr char MEMBER_SEPARATOR[] = "&";
-
-// FNV-1a: the hash of a path goes on from that of the path above.
-constexpr std::uint64_t HASH_START = 0xCBF29CE484222325ULL;
-
-std::uint64_t HashOn(std::uint64_t hash, std::string_view text)
-{
-    for (const char letter : text) {
-        hash = (hash ^ static_cast<unsigned char>(letter)) * 0x100000001B3ULL;
-    }
-    return hash;
-}
 
 const Gate* GateOf(const Event& event)
 {
@@ -45,9 +35,10 @@ void PathWalk::Walk(const std::shared_ptr<Event>& top, SurvivingTree& tree)
 void PathWalk::AddPlaces(const std::shared_ptr<Event>& event, Index parent)
 {
     const std::string& id = event->GetId();
-    Facts facts{HashOn(HASH_START, id), 0, IsError(event->GetResult()), id.find(MEMBER_SEPARATOR) != std::string::npos};
+    Facts facts{TextHash::Continue(TextHash::START, id), 0, IsError(event->GetResult()),
+        id.find(MEMBER_SEPARATOR) != std::string::npos};
     if (parent != SurvivingTree::NONE) {
-        facts.pathHash = HashOn(HashOn(mFacts[parent].pathHash, PATH_SEPARATOR), id);
+        facts.pathHash = TextHash::Continue(TextHash::Continue(mFacts[parent].pathHash, PATH_SEPARATOR), id);
         facts.isErrorToTop = facts.isErrorToTop && mFacts[parent].isErrorToTop;
         facts.holdsMemberSeparator = facts.holdsMemberSeparator || mFacts[parent].holdsMemberSeparator;
     }
@@ -87,7 +78,7 @@ void PathWalk::IndexPath(Index place)
 
 SurvivingTree::Index PathWalk::Find(std::string_view path) const
 {
-    const auto [begin, end] = mPlaceOfPath.equal_range(HashOn(HASH_START, path));
+    const auto [begin, end] = mPlaceOfPath.equal_range(TextHash::Continue(TextHash::START, path));
     const auto found = std::find_if(begin, end, [&](const auto& entry) { return mTree.GetPath(entry.second) == path; });
     return found == end ? SurvivingTree::NONE : found->second;
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "arborist/evaluation/rule_checker.h"
+#include "arborist/utilities/text_hash.h"
 
 class CodeRule;
 class Event;
@@ -48,7 +49,7 @@ private:
     std::shared_ptr<DetectInfo> mDetectInfo;
 
     // The first event of the store that names a rule, and of which store and rule set that holds.
-    std::unordered_map<std::string, std::shared_ptr<Event>> mEventByRuleName;
+    std::unordered_map<std::string, std::shared_ptr<Event>, TextHash> mEventByRuleName;
     std::uint64_t mIndexedRevision = 0;
     std::size_t mIndexedEventRules = 0;
     std::shared_ptr<EventRule> mFirstEventRule;

@@ -18,6 +18,7 @@
 #include "arborist/model/event_rule.h"
 #include "arborist/model/fault_tree.h"
 #include "arborist/model/rule.h"
+#include "arborist/utilities/text_hash.h"
 
 /// How the last attempt to read one file of the rule set ended. Without an attempt: missing, with an empty path.
 struct RuleSetFileReport {
@@ -98,8 +99,8 @@ private:
     class InnerXmlHelper;
 
     // The keys refer to texts of the records in the lists and maps below, the values to the records.
-    using FaultItemIndex = std::unordered_map<std::string_view, const FaultItem*>;
-    using CodeRuleIndex = std::unordered_map<std::string_view, const CodeRule*>;
+    using FaultItemIndex = std::unordered_map<std::string_view, const FaultItem*, TextHash>;
+    using CodeRuleIndex = std::unordered_map<std::string_view, const CodeRule*, TextHash>;
 
     std::string GetFaultTreePath(const std::string& fileName) const;
     std::string PrefixedFileName(const std::string& fileName) const;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "arborist/model/condition.h"
+#include "arborist/utilities/text_hash.h"
 
 namespace FT::sql {
 class SqlDatabase;
@@ -53,7 +54,7 @@ private:
     FT::sql::SqlDatabase& mDatabase;
     std::string mTableName;
     std::string mCreateSql;
-    std::unordered_set<std::string> mColumns;
+    std::unordered_set<std::string, TextHash> mColumns;
     bool mHasPlainColumns = true;
 };
 

@@ -12,6 +12,7 @@
 #include "arborist/stores/event_log/group_numbers.h"
 #include "arborist/stores/sql/sql_database.h"
 #include "arborist/stores/sql/sql_scan.h"
+#include "arborist/utilities/text_hash.h"
 
 /// The event log's rows without their texts, grouped by event id: what a query for one id finds, for all ids, by one
 /// reading of the log.
@@ -163,7 +164,7 @@ private:
     std::vector<std::uint32_t> mRowIds;
     std::vector<std::uint16_t> mVersions; // number of the version, and above it the day of the month, 0 while not known
     // Number of each version name; 0 is the empty name.
-    std::unordered_map<std::string, std::uint16_t> mVersionNumbers;
+    std::unordered_map<std::string, std::uint16_t, TextHash> mVersionNumbers;
 };
 
 #endif
