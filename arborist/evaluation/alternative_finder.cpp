@@ -5,6 +5,7 @@
 
 #include "arborist/evaluation/rule_helper.h"
 #include "arborist/utilities/string_util.h"
+#include "arborist/utilities/text_hash.h"
 
 namespace {
 
@@ -30,7 +31,7 @@ bool ListsAll(const std::vector<std::string>& list, const std::vector<std::strin
             return std::find(list.begin(), list.end(), part) != list.end();
         });
     }
-    const std::unordered_set<std::string_view> names(list.begin(), list.end());
+    const std::unordered_set<std::string_view, TextHash> names(list.begin(), list.end());
     return std::all_of(
         parts.begin(), parts.end(), [&names](const std::string& part) { return names.count(part) != 0; });
 }
@@ -82,15 +83,18 @@ std::shared_ptr<OrRuleSingle> AlternativeFinder::FindByWalk(const std::string& n
 
 std::shared_ptr<OrRuleSingle> AlternativeFinder::FindByIndex(const std::string& name) const
 {
-    const auto parts = StringUtil::Split(name, RuleHelper::TYPE_COMMA);
     const auto single = mFirstSingle.find(name);
     const std::size_t end = single != mFirstSingle.end() ? single->second : mRules.size();
-    if (const Places* places = RarestPart(parts)) {
-        for (const std::size_t place : *places) {
+    const std::vector<const Places*> listings = ListingsOf(name);
+    if (!listings.empty()) {
+        for (const std::size_t place : *listings.front()) {
             if (place >= end) {
                 break;
             }
-            if (ListsAll(mRules[place]->ruleNameList, parts)) {
+            const bool listsAll = std::all_of(listings.begin() + 1, listings.end(), [place](const Places* places) {
+                return std::binary_search(places->begin(), places->end(), place);
+            });
+            if (listsAll) {
                 return mRules[place];
             }
         }
@@ -98,18 +102,21 @@ std::shared_ptr<OrRuleSingle> AlternativeFinder::FindByIndex(const std::string& 
     return end < mRules.size() ? mRules[end] : nullptr;
 }
 
-// Where the part stands that fewest alternatives list; null when a part stands nowhere.
-const AlternativeFinder::Places* AlternativeFinder::RarestPart(const std::vector<std::string>& parts) const
+// Where each part stands, the part that fewest alternatives list first; empty when a part stands nowhere.
+std::vector<const AlternativeFinder::Places*> AlternativeFinder::ListingsOf(const std::string& name) const
 {
-    const Places* rarest = nullptr;
+    std::vector<std::string> parts = StringUtil::Split(name, RuleHelper::TYPE_COMMA);
+    std::sort(parts.begin(), parts.end());
+    parts.erase(std::unique(parts.begin(), parts.end()), parts.end());
+    std::vector<const Places*> listings;
     for (const auto& part : parts) {
         const auto listing = mListing.find(part);
         if (listing == mListing.end()) {
-            return nullptr;
+            return {};
         }
-        if (rarest == nullptr || listing->second.size() < rarest->size()) {
-            rarest = &listing->second;
-        }
+        listings.push_back(&listing->second);
     }
-    return rarest;
+    std::sort(listings.begin(), listings.end(),
+        [](const Places* one, const Places* other) { return one->size() < other->size(); });
+    return listings;
 }

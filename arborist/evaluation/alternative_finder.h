@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "arborist/model/event_rule.h"
+#include "arborist/utilities/text_hash.h"
 
 /// Finds the alternative of an event that a rule name stands for; see RuleHelper::GetRuleByName.
 ///
@@ -26,11 +27,11 @@ private:
 
     std::shared_ptr<OrRuleSingle> FindByWalk(const std::string& name) const;
     std::shared_ptr<OrRuleSingle> FindByIndex(const std::string& name) const;
-    const Places* RarestPart(const std::vector<std::string>& parts) const;
+    std::vector<const Places*> ListingsOf(const std::string& name) const;
 
     const OrRuleList& mRules;
-    std::unordered_map<std::string_view, std::size_t> mFirstSingle; // by rule name
-    std::unordered_map<std::string_view, Places> mListing; // by name in the list, places ascending
+    std::unordered_map<std::string_view, std::size_t, TextHash> mFirstSingle; // by rule name
+    std::unordered_map<std::string_view, Places, TextHash> mListing; // by name in the list, places ascending
 };
 
 #endif

@@ -85,6 +85,19 @@ TEST(AlternativeFinderTest, LongListsOfNamesAreCompared)
     EXPECT_EQ(AlternativeFinder(rules).Find(joined + ",r40"), nullptr);
 }
 
+TEST(AlternativeFinderTest, EveryPartCountsAmongManyAlternatives)
+{
+    OrRuleList rules(20, Alternative("multipleRule", "", {"a", "b", "b"}));
+    rules.push_back(Alternative("multipleRule", "", {"c", "b", "a"}));
+    rules.push_back(Alternative("singleRule", "a,c", {}));
+    const AlternativeFinder finder(rules);
+    EXPECT_EQ(finder.Find("a,a,c,c,b"), rules[20]);
+    EXPECT_EQ(finder.Find("a,c"), rules[20]);
+    EXPECT_EQ(finder.Find("b,a,b"), rules[0]);
+    EXPECT_EQ(finder.Find("a,d"), nullptr);
+    EXPECT_EQ(finder.Find(","), nullptr);
+}
+
 TEST(AlternativeFinderTest, NullEntriesArePassedOver)
 {
     OrRuleList rules{nullptr, Alternative("singleRule", "a", {})};
