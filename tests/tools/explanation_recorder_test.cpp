@@ -87,6 +87,42 @@ TEST_F(ExplanationRecorderTest, MembersAreFoundByTheirPathsAlsoWithSeparatorsInI
     EXPECT_THAT(tree.causes[1].members, ElementsAre(ExplainedEvent::NONE, ExplainedEvent::NONE));
 }
 
+TEST_F(ExplanationRecorderTest, OfSiblingsWithOneIdTheWayThatIsInErrorIsTaken)
+{
+    mRecorder.OnTreeStarted({"T", "1", ""});
+    Fold(0, "T", false);
+    Fold(1, "G", false);
+    Fold(2, "B");
+    mRecorder.OnEventFolded({1, Folded::Kind::INTERMEDIATE, Folded::GateKind::OR, "G", "", "", EventStatus::FALSE, false});
+    Fold(2, "A");
+    Fold(1, "G", false);
+    Fold(2, "A");
+    mRecorder.OnRootCause({"A", {"T/G/A"}, {}});
+    mRecorder.OnRootCause({"B", {"T/G/B"}, {}});
+    const auto& tree = Finish();
+    EXPECT_THAT(tree.causes[0].members, ElementsAre(6));
+    EXPECT_THAT(tree.causes[1].members, ElementsAre(2));
+}
+
+// Each "/" could part two ids or belong to one: trying them all would never end.
+TEST_F(ExplanationRecorderTest, IdsFullOfSeparatorsCostNoMoreThanTheirLength)
+{
+    mRecorder.OnTreeStarted({"T", "1", ""});
+    std::string path;
+    std::size_t depth = 0;
+    for (int level = 0; level < 300; ++level) {
+        for (std::string id = "/"; id.size() <= 3; id += "/") {
+            Fold(depth, id, false);
+        }
+        path += "///";
+        path += level == 299 ? "" : "/";
+        ++depth;
+    }
+    mRecorder.OnRootCause({"A", {path, path + "A"}, {}});
+    const auto& tree = Finish();
+    EXPECT_THAT(tree.causes[0].members, ElementsAre(899, ExplainedEvent::NONE));
+}
+
 TEST_F(ExplanationRecorderTest, RulesBehindTheEndOfTheirGroupStandBehindIt)
 {
     mRecorder.OnTreeStarted({"T", "1", ""});

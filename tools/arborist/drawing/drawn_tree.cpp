@@ -5,32 +5,37 @@
 #include <string_view>
 #include <unordered_set>
 
+#include "tools/arborist/text/running_hash.h"
+
 namespace command {
 
 namespace {
 
-std::uint64_t Extended(std::uint64_t hash, std::string_view text)
-{
-    static constexpr std::uint64_t FNV_PRIME = 0x100000001B3;
-    for (const char byte : text) {
-        hash = (hash ^ static_cast<unsigned char>(byte)) * FNV_PRIME;
-    }
-    return hash;
-}
-
-constexpr std::uint64_t START = 0xCBF29CE484222325;
-
 // A hash of each place's path. Written-out paths of a deep tree would grow with the square of its depth.
-std::vector<std::uint64_t> PathHashes(const DrawnTree& tree)
+std::vector<RunningHash> PathHashes(const DrawnTree& tree)
 {
-    std::vector<std::uint64_t> hashes;
+    std::vector<RunningHash> hashes;
     hashes.reserve(tree.events.size());
     for (std::size_t place = 0; place < tree.events.size(); ++place) {
         const DrawnEvent& drawn = tree.events[place];
-        const std::uint64_t above = place == 0 ? START : Extended(hashes[drawn.parent], "/");
-        hashes.push_back(Extended(above, drawn.event->id));
+        const RunningHash above = place == 0 ? RunningHash() : hashes[drawn.parent].Extended("/");
+        hashes.push_back(above.Extended(drawn.event->id));
     }
     return hashes;
+}
+
+// Ids from the top event down to the place, joined by "/": how a cut set names its members.
+std::string PathOf(const DrawnTree& tree, std::size_t place)
+{
+    std::vector<std::size_t> way = {place};
+    while (tree.events[way.back()].parent != way.back()) {
+        way.push_back(tree.events[way.back()].parent);
+    }
+    std::string path;
+    for (auto step = way.rbegin(); step != way.rend(); ++step) {
+        path += (step == way.rbegin() ? "" : "/") + tree.events[*step].event->id;
+    }
+    return path;
 }
 
 void Connect(DrawnTree& drawn)
@@ -68,25 +73,6 @@ void MarkCauses(DrawnTree& drawn)
 
 } // namespace
 
-std::string PathOf(const DrawnTree& tree, std::size_t place)
-{
-    const std::vector<std::size_t> way = WayUp(tree, place);
-    std::string path;
-    for (auto step = way.rbegin(); step != way.rend(); ++step) {
-        path += (step == way.rbegin() ? "" : "/") + tree.events[*step].event->id;
-    }
-    return path;
-}
-
-std::vector<std::size_t> WayUp(const DrawnTree& tree, std::size_t place)
-{
-    std::vector<std::size_t> way = {place};
-    while (tree.events[way.back()].parent != way.back()) {
-        way.push_back(tree.events[way.back()].parent);
-    }
-    return way;
-}
-
 std::vector<std::size_t> PlacesOf(const DrawnTree& tree, const std::vector<std::string>& members)
 {
     if (members.empty()) {
@@ -95,13 +81,13 @@ std::vector<std::size_t> PlacesOf(const DrawnTree& tree, const std::vector<std::
     const std::unordered_set<std::string_view> paths(members.begin(), members.end());
     std::unordered_set<std::uint64_t> wanted;
     for (const std::string_view path : paths) {
-        wanted.insert(Extended(START, path));
+        wanted.insert(RunningHash().Extended(path).Value());
     }
     std::vector<std::size_t> places;
-    const std::vector<std::uint64_t> hashes = PathHashes(tree);
+    const std::vector<RunningHash> hashes = PathHashes(tree);
     for (std::size_t place = 0; place < hashes.size(); ++place) {
         const bool isInError = IsError(tree.events[place].event->status);
-        if (isInError && wanted.count(hashes[place]) != 0 && paths.count(PathOf(tree, place)) != 0) {
+        if (isInError && wanted.count(hashes[place].Value()) != 0 && paths.count(PathOf(tree, place)) != 0) {
             places.push_back(place);
         }
     }

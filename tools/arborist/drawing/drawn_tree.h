@@ -36,12 +36,6 @@ struct DrawnTree {
 /// The trees of a report that was made with them; those with the id `treeId` alone when it is not empty.
 std::vector<DrawnTree> DrawTrees(const DetectionReport& report, bool hasStatuses, const std::string& treeId);
 
-/// Ids from the top event down to the place, joined by "/": how a cut set names its members.
-std::string PathOf(const DrawnTree& tree, std::size_t place);
-
-/// Places from `place` up to the top event, both included.
-std::vector<std::size_t> WayUp(const DrawnTree& tree, std::size_t place);
-
 /// The places that a member of a cut set names: more than one where siblings share an id.
 std::vector<std::size_t> PlacesOf(const DrawnTree& tree, const std::vector<std::string>& members);
 

@@ -11,11 +11,6 @@ ExplainedMoment Moment(std::int64_t seconds)
     return {seconds, seconds == 0 ? "" : FormatMoment(seconds).value_or("")};
 }
 
-std::string ChildKey(std::size_t event, std::string_view id)
-{
-    return std::to_string(event).append("/").append(id);
-}
-
 } // namespace
 
 void ExplanationRecorder::OnTreeStarted(const TreeStarted& tree)
@@ -26,7 +21,7 @@ void ExplanationRecorder::OnTreeStarted(const TreeStarted& tree)
     mTree.version = tree.version;
     mAsked.clear();
     mOpen.clear();
-    mChildren.clear();
+    mPaths.reset();
 }
 
 void ExplanationRecorder::OnEventAsked(const EventAsked& event)
@@ -203,11 +198,14 @@ void ExplanationRecorder::OnRootCause(const RootCauseSeen& rootCause)
 {
     DetectionRecorder::OnRootCause(rootCause);
     CloseEvents(0);
+    if (!mPaths) {
+        mPaths.emplace(mTree.events);
+    }
     ExplainedCause& cause = mTree.causes.emplace_back();
     cause.id = rootCause.id;
     cause.members.reserve(rootCause.cutSet.size());
     for (const std::string& path : rootCause.cutSet) {
-        cause.members.push_back(Locate(path));
+        cause.members.push_back(mPaths->Find(path));
     }
 }
 
@@ -216,6 +214,7 @@ void ExplanationRecorder::OnTreeFinished(const TreeFinished& tree)
     DetectionRecorder::OnTreeFinished(tree);
     CloseEvents(0);
     mTree.isFault = tree.isFault;
+    mPaths.reset();
     mExplanation->trees.push_back(std::move(mTree));
     mTree = ExplainedTree();
 }
@@ -247,49 +246,6 @@ void ExplanationRecorder::CloseEvents(std::size_t depth)
     while (mOpen.size() > depth) {
         mTree.events[mOpen.back()].end = mTree.events.size();
         mOpen.pop_back();
-    }
-}
-
-std::size_t ExplanationRecorder::Locate(const std::string& path)
-{
-    IndexChildren();
-    const std::string top = mTree.events.empty() ? "" : mTree.events.front().id + "/";
-    if (path.compare(0, top.size(), top) != 0) {
-        return ExplainedEvent::NONE;
-    }
-    return LocateBelow(0, std::string_view(path).substr(top.size()));
-}
-
-// An id may hold a "/" itself, so longer and longer pieces of the path are tried.
-std::size_t ExplanationRecorder::LocateBelow(std::size_t event, std::string_view rest)
-{
-    for (std::size_t slash = rest.find('/');; slash = rest.find('/', slash + 1)) {
-        const auto child = mChildren.find(ChildKey(event, rest.substr(0, slash)));
-        const bool isLast = slash == std::string_view::npos;
-        if (child != mChildren.end()) {
-            const std::size_t found = isLast ? child->second : LocateBelow(child->second, rest.substr(slash + 1));
-            if (found != ExplainedEvent::NONE) {
-                return found;
-            }
-        }
-        if (isLast) {
-            return ExplainedEvent::NONE;
-        }
-    }
-}
-
-void ExplanationRecorder::IndexChildren()
-{
-    if (!mChildren.empty()) {
-        return;
-    }
-    for (std::size_t event = 1; event < mTree.events.size(); ++event) {
-        // Of several with one id the first that is in error: no other is found in a cut set in evidence.
-        const ExplainedEvent& child = mTree.events[event];
-        const auto [entry, isNew] = mChildren.try_emplace(ChildKey(child.parent, child.id), event);
-        if (!isNew && !mTree.events[entry->second].IsInError() && child.IsInError()) {
-            entry->second = event;
-        }
     }
 }
 

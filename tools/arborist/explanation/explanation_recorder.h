@@ -10,6 +10,7 @@
 
 #include "tools/arborist/detection/detection_recorder.h"
 #include "tools/arborist/explanation/explanation.h"
+#include "tools/arborist/explanation/path_index.h"
 
 namespace command {
 
@@ -55,9 +56,6 @@ private:
     ExplainedQuery& LastQuery();
     std::size_t NextEvidence(const std::string& id);
     void CloseEvents(std::size_t depth);
-    std::size_t Locate(const std::string& path);
-    std::size_t LocateBelow(std::size_t event, std::string_view rest);
-    void IndexChildren();
 
     std::shared_ptr<Explanation> mExplanation = std::make_shared<Explanation>();
     ExplainedTree mTree;
@@ -69,8 +67,8 @@ private:
     std::unordered_map<std::string, Asked> mAsked;
     /// Places of the events above the one that is being told.
     std::vector<std::size_t> mOpen;
-    /// The first child of each event with each id, by "place/id"; made when the first root cause asks.
-    std::unordered_map<std::string, std::size_t> mChildren;
+    /// Of the tree that is being told; made when the first root cause asks.
+    std::optional<PathIndex> mPaths;
 };
 
 } // namespace command
