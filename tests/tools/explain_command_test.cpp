@@ -56,11 +56,12 @@ TEST_F(ExplainCommandTest, TellsTheTreeItsRulesAndTheRootCause)
                            "  TRUE     T OR  [1 of 1 in error]\n"
                            "  TRUE     └─ HOT  Too hot\n"
                            "                 rule hot (node): TRUE condition_met\n"
-                           "                     T = \"80\" from temperature\n"
-                           "                     T \"80\" gt \"70\" holds\n"
-                           "  Root cause HOT  Too hot  description D1  suggestions S1, S2  repairs R1\n"
+                           "                     T = 80 from temperature\n"
+                           "                     T 80 > 70 (int): holds\n"
+                           "  Root cause HOT  Too hot\n"
                            "      T / HOT\n"
-                           "        rule hot: T \"80\" gt \"70\" holds, condition_met\n");
+                           "        rule hot: condition_met, T 80 > 70: holds\n"
+                           "      description D1  suggestions S1, S2  repairs R1\n");
 }
 
 TEST_F(ExplainCommandTest, JsonHasExactlyTheKeysInTheirOrder)
@@ -100,8 +101,7 @@ TEST_F(ExplainCommandTest, EventsThatAnObservableOneCutsOffAreNamed)
         EndsWith("  Cut off by G, which its own rules keep from error: A, B\n")));
     EXPECT_THAT(Explained({"--near-misses", "1"}), HasSubstr("  Near miss, 1 event short: G beside A\n"
                                                               "      T / G  FALSE\n"
-                                                              "        rule no: FALSE condition_not_met, V \"0\" eq \"1\" "
-                                                              "fails\n"
+                                                              "        rule no: FALSE condition_not_met, V 0 = 1: fails\n"
                                                               "  Near miss, 1 event short: G beside B\n"));
     EXPECT_THAT(Explained({"--json"}), HasSubstr(R"("cutOffs": [{"id": "G", "path": ["T", "G"], "leaves": [{"id": "A")"));
 }
@@ -121,7 +121,7 @@ TEST_F(ExplainCommandTest, ACauseThatTheListRepeatsIsToldOnce)
     EXPECT_THAT(Explained(), AllOf(HasSubstr("T (version 3): FAULT, 2 root causes (1 distinct)\n"),
         HasSubstr("  Root cause A + B  (stands 2 times in the list)\n"
                   "      T / G / A\n"
-                  "        rule yes: V \"1\" eq \"1\" holds, condition_met\n"
+                  "        rule yes: condition_met, V 1 = 1: holds\n"
                   "      T / G / B\n"),
         HasSubstr("rules as above\n")));
     EXPECT_EQ(Explained({"--brief"}), "b\n  T: A + B  (stands 2 times in the list)\n");
@@ -148,8 +148,8 @@ TEST_F(ExplainCommandTest, AnEventCanBeSingledOut)
                                            "  FALSE    C\n"
                                            "              path T / G / C\n"
                                            "              rule no (node): FALSE condition_not_met\n"
-                                           "                  V = \"0\" from no\n"
-                                           "                  V \"0\" eq \"1\" fails\n");
+                                           "                  V = 0 from no\n"
+                                           "                  V 0 = 1 (int): fails\n");
     EXPECT_THAT(Explained({"--event", "A"}), HasSubstr("  Root cause A\n"));
     EXPECT_THAT(Explained({"--event", "C", "--json"}),
         AllOf(HasSubstr(R"("events": [{"id": "C")"), HasSubstr(R"("path": ["T", "G", "C"])"), Not(HasSubstr("\"tree\""))));

@@ -187,8 +187,8 @@ std::vector<ReasonCase> AlarmCases()
             {"rule r (alarm): TRUE window_reached",
                 "ids 7-8, latest since 2023-11-13 22:13:20 (period of 1 day), this version only: 2 rows, 1 of another "
                 "version; reached 1 by id 7 of 1",
-                "test N int ge \"5\": 1 of 1 row passes",
-                "Root cause E", "T / E", "rule r: ids 7-8, latest since"},
+                "test N >= 5 (int): 1 of 1 row passes",
+                "Root cause E", "T / E", "rule r: window_reached, ids 7-8, latest since"},
             R"(, "settings": {"VersionName": "1", "ProgramDataDir": "programdata"})", WriteLog},
         {"log_unavailable", Alarm({AlarmItem({TimeXml("latest", "1", "3")})}), "FALSE",
             {"FALSE log_unavailable", "ids 7-8, latest since 2023-11-13 22:13:20 (period of 1 day): log_unavailable"}},
@@ -227,7 +227,7 @@ std::vector<ReasonCase> CommandCases()
             "FALSE", {"FALSE no_interval", "values are scaled between two columns, and the rule names no two"}, "",
             WriteLog},
         {"no_threshold", Command("select max(N) from C", {limit}), "FALSE",
-            {"FALSE no_threshold", "n = \"9\"", "n \"9\" gt \"\" (dynamic limit) fails"}, "", WriteLog},
+            {"FALSE no_threshold", "n = 9", "n 9 > \"\" (int, dynamic limit): fails"}, "", WriteLog},
         {"hits_short", Command("select 1", {StaticTest("5")}, "defDBSql", ReferenceDb("D", "1")), "FALSE",
             {"FALSE hits_short"}, "",
             [](const TempDir& dir) {
@@ -253,7 +253,7 @@ std::vector<ReasonCase> NodeCodeAndConditionCases()
     return {
         {"no_nodes", [](RuleXml& rules) { rules.Rule(NodeRuleXml("r", {})); }, "FALSE", {"FALSE no_nodes"}},
         {"node_unreadable", Node("5"), "FALSE",
-            {"FALSE node_unreadable", "V can't be read from node", "V \"\" gt \"5\" fails"}},
+            {"FALSE node_unreadable", "V can't be read from node", "V \"\" > 5 (int): fails"}},
         {"no_runner", [](RuleXml& rules) { rules.Rule(CodeRuleXml("r", "CODE")); }, "FALSE",
             {"rule r (code): FALSE no_runner"}},
         {"runner_answered",
@@ -262,15 +262,15 @@ std::vector<ReasonCase> NodeCodeAndConditionCases()
                     .Repair("E", {{"R1", ""}});
             },
             "TRUE",
-            {"rule r (code): TRUE runner_answered", "the host answers for \"CODE\": present",
+            {"rule r (code): TRUE runner_answered", "the host answers for CODE: present",
                 "descriptions D1; suggestions S1; repairs R1; info \"info\""},
             R"(, "codeAnswers": {"info": true})"},
         {"no_condition",
             [](RuleXml& rules) {
                 rules.Rule(NodeRuleXml("r", {NodeInfoXml("V", "node"), ParamsXml({ParamXml("v", "V", "int")})}));
             },
-            "FALSE", {"FALSE no_condition", "V = \"80\" from node"}, "", node80},
-        {"no_value", Node("5"), "FALSE", {"FALSE no_value", "V = \"\" from node", "V \"\" gt \"5\" fails"}, "",
+            "FALSE", {"FALSE no_condition", "V = 80 from node"}, "", node80},
+        {"no_value", Node("5"), "FALSE", {"FALSE no_value", "V = \"\" from node", "V \"\" > 5 (int): fails"}, "",
             [](const TempDir& dir) { dir.Write("b/node", ""); }},
         {"condition_met",
             [](RuleXml& rules) {
@@ -280,11 +280,11 @@ std::vector<ReasonCase> NodeCodeAndConditionCases()
                     ConditionXml({MultipleLogicXml({TestXml("gt", "w", "85"), TestXml("lt", "w", "95")})})}));
             },
             "TRUE",
-            {"TRUE condition_met", "V = \"80\" from node", "W = V - (10 - 20) = 90.000000",
-                "W \"90.000000\" gt \"85\" holds", "W \"90.000000\" lt \"95\" holds",
-                "rule r: W \"90.000000\" gt \"85\" holds and W \"90.000000\" lt \"95\" holds, condition_met"},
+            {"TRUE condition_met", "V = 80 from node", "W = V - (10 - 20) = 90.000000",
+                "W 90.000000 > 85 (double): holds", "W 90.000000 < 95 (double): holds",
+                "rule r: condition_met, W 90.000000 > 85 and W 90.000000 < 95: holds"},
             "", node80},
-        {"condition_not_met", Node("90"), "FALSE", {"FALSE condition_not_met", "V \"80\" gt \"90\" fails"}, "", node80},
+        {"condition_not_met", Node("90"), "FALSE", {"FALSE condition_not_met", "V 80 > 90 (int): fails"}, "", node80},
     };
 }
 

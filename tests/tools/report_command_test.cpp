@@ -85,8 +85,8 @@ TEST_F(ReportCommandTest, ARootCauseHasACardWithAllItsIds)
 
 TEST_F(ReportCommandTest, EvidenceTellsWhyAnEventFired)
 {
-    EXPECT_THAT(Report(), AllOf(HasSubstr("<span class=\"id\">HOT</span>: node rule "),
-        HasSubstr("<span class=\"id\">hot</span> fired"), HasSubstr("<li>file temperature: 80</li>"), HasSubstr("<li>T is 80, which is greater than 70</li>")));
+    EXPECT_THAT(Report(), HasSubstr("<dt>Why</dt><dd><p><span class=\"id\">HOT</span>: node rule <span class=\"id\">hot"
+        "</span>: TRUE condition_met</p><ul><li>T = 80 from temperature</li><li>T 80 &gt; 70 (int): holds</li></ul>"));
 }
 
 TEST_F(ReportCommandTest, AHealthyTreeSaysSo)
@@ -106,7 +106,8 @@ TEST_F(ReportCommandTest, TheTreeIsDrawnWithTheWayOfTheRootCause)
     EXPECT_THAT(page, HasSubstr("<text x=\"19\" y=\"22\">AND</text>"));
     EXPECT_THAT(page, HasSubstr("class=\"line path\""));
     EXPECT_THAT(page, HasSubstr("<li><span class=\"word true\">TRUE</span><b class=\"id\">HOT</b>  "
-                                "<span class=\"quiet\">(root cause, basic)</span></li>\n"));
+                                "<span class=\"quiet\">(root cause, basic)</span><p class=\"rule\">node rule <span "
+                                "class=\"id\">hot</span>: TRUE condition_met, T 80 &gt; 70: holds</p></li>\n"));
     EXPECT_THAT(page, HasSubstr("<li><span class=\"word unknown\">UNKNOWN</span><span class=\"id\">U</span>  "
                                 "<span class=\"quiet\">(undeveloped)</span></li></ul></li></ul></li></ul>\n"));
 }

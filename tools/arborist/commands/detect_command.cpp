@@ -18,42 +18,34 @@ namespace {
 
 struct DetectOptions {
     std::vector<std::string> bundles;
-    DetectionOptions detection;
-    LogOptions log;
-    CodeRunnerOptions codeRunner;
+    RunOptions run;
     /// A file with bundles, or "-"; empty for none.
     std::string list;
     bool isListNulEnded = false;
     BatchOptions batch;
     double timeout = 300;
+    std::string colour = "auto";
     bool asJson = false;
     bool failsOnFault = false;
-    bool isStrict = false;
 };
 
-void Print(const DetectionReport& report, bool asJson)
+void Print(const DetectionReport& report, const DetectOptions& options)
 {
-    if (asJson) {
+    if (options.asJson) {
         PrintResult(DetectionJson(report) + "\n");
         return;
     }
     PrintProblems(report.bundle, report.warnings, report.failure ? &*report.failure : nullptr);
     PrintResult(DetectionText(report));
     if (report.explanation != nullptr) {
-        PrintResult(ExplanationText(report, {}, IsColoured("auto").value_or(false)));
+        PrintResult(ExplanationText(report, {}, IsColoured(options.colour).value_or(false)));
     }
 }
 
 ExitStatus StatusOf(const DetectionReport& report, const DetectOptions& options)
 {
-    if (report.failure) {
-        return report.failure->status;
-    }
-    ExitStatus status = options.failsOnFault && report.IsFault() ? ExitStatus::FAULT_FOUND : ExitStatus::SUCCESS;
-    for (const Warning& warning : report.warnings) {
-        status = options.isStrict ? MoreSerious(status, StrictStatus(warning)) : status;
-    }
-    return status;
+    const ExitStatus status = StatusOf(report, options.run);
+    return options.failsOnFault && report.IsFault() ? MoreSerious(status, ExitStatus::FAULT_FOUND) : status;
 }
 
 std::vector<BundlePath> BundlePaths(const std::vector<std::string>& given)
@@ -73,7 +65,7 @@ ExitStatus DetectBatch(DetectOptions& options)
     }
     BatchWork work;
     work.run = [&options](const BundlePath& bundle) {
-        const DetectionReport report = RunDetection(bundle, options.detection);
+        const DetectionReport report = RunDetection(bundle, options.run.detection);
         return BundleAnswer{StatusOf(report, options), DetectionJson(report)};
     };
     work.fail = [](const BundlePath& bundle, const Failure& failure) {
@@ -112,18 +104,18 @@ void AddBatchOptions(CLI::App& detect, DetectOptions& options)
 
 ExitStatus Detect(DetectOptions options)
 {
-    if (!IsLogOpen(options.log)) {
+    if (!IsLogOpen(options.run.log)) {
         return ExitStatus::WRONG_USE;
     }
-    options.detection.codeRunner = MakeCodeRunner(options.codeRunner);
+    options.run.detection = MakeDetectionOptions(options.run);
     if (!options.list.empty()) {
         return DetectBatch(options);
     }
     const std::vector<BundlePath> bundles = BundlePaths(options.bundles);
     ExitStatus status = ExitStatus::SUCCESS;
     for (const BundlePath& bundle : bundles) {
-        const DetectionReport report = RunDetection(bundle, options.detection);
-        Print(report, options.asJson);
+        const DetectionReport report = RunDetection(bundle, options.run.detection);
+        Print(report, options);
         status = MoreSerious(status, StatusOf(report, options));
     }
     return status;
@@ -137,16 +129,13 @@ void AddDetectCommand(CLI::App& app, ExitStatus& status)
     CLI::App* detect = app.add_subcommand("detect", "Diagnose bundles: one detection for each, and its root causes");
     detect->add_option("BUNDLE", options->bundles, "Folders or zips with a bundle.json");
     detect->add_flag("--json", options->asJson, "One JSON object a line for each bundle");
-    detect->add_flag("--tree", options->detection.withTrees, "Show the whole trees with the status of each event");
-    detect->add_flag("--explain", options->detection.withExplanation, "Tell why as well: what 'arborist explain' tells, "
+    detect->add_flag("--tree", options->run.detection.withTrees, "Show the whole trees with the status of each event");
+    detect->add_flag("--explain", options->run.detection.withExplanation, "Tell why as well: what 'arborist explain' tells, "
         "of the same run");
     detect->add_flag("--fail-on-fault", options->failsOnFault, "Exit with 1 when a fault is found");
-    detect->add_flag("--strict", options->isStrict, "Exit with 3 on a warning about a rule set, with 4 on any other");
-    AddOverrides(*detect, options->detection.overrides);
-    AddRules(*detect, options->detection.overrides);
-    AddCodeRunnerOptions(*detect, options->codeRunner);
+    AddColour(*detect, options->colour);
+    AddRunOptions(*detect, options->run);
     AddBatchOptions(*detect, *options);
-    AddLogOptions(*detect, options->log);
     detect->footer("Examples:\n  arborist detect examples/laptop\n"
                    "  arborist detect --json --fail-on-fault devices/* > results.jsonl\n"
                    "  find devices -mindepth 1 -maxdepth 1 -print0 | arborist detect --batch - -0 --jobs 8");

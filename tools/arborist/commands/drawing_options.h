@@ -3,10 +3,8 @@
 
 #include <string>
 
-#include "tools/arborist/bundle/bundle_session.h"
-#include "tools/arborist/detection/detection.h"
+#include "tools/arborist/commands/shared_options.h"
 #include "tools/arborist/exit_status.h"
-#include "tools/arborist/library_log/library_log.h"
 
 namespace CLI {
 class App;
@@ -14,16 +12,14 @@ class App;
 
 namespace command {
 
-/// What `graph` and `report` share: a bundle and how it is run.
+/// What `graph` and `report` share: a bundle, how it is run, and where the drawing goes.
 struct DrawingOptions {
     std::string bundle;
-    DetectionOptions detection;
-    LogOptions log;
-    /// Seconds.
-    double codeTimeout = 30;
+    RunOptions run;
+    std::string file;
 };
 
-/// The bundle, --now, --tz, --rules, --code-runner, --code-timeout, --log-level and --log-file.
+/// The bundle, -o and what AddRunOptions adds.
 void AddDrawingOptions(CLI::App& app, DrawingOptions& options, const std::string& bundleHelp);
 
 /// A detection that keeps its trees.

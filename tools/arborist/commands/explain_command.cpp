@@ -1,8 +1,5 @@
-#include <chrono>
-
 #include <CLI/CLI.hpp>
 
-#include "tools/arborist/code_rules/code_program.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/output.h"
 #include "tools/arborist/commands/shared_options.h"
@@ -17,10 +14,8 @@ namespace {
 
 struct ExplainOptions {
     std::vector<std::string> bundles;
-    DetectionOptions detection;
+    RunOptions run;
     ExplanationView view;
-    LogOptions log;
-    CodeRunnerOptions codeRunner;
     std::string colour = "auto";
     bool asJson = false;
 };
@@ -35,13 +30,13 @@ void Narrow(DetectionReport& report, const ExplanationView& view)
     }
 }
 
-ExitStatus Explain(ExplainOptions options)
+ExitStatus Explain(const ExplainOptions& options)
 {
-    if (!IsLogOpen(options.log)) {
+    if (!IsLogOpen(options.run.log)) {
         return ExitStatus::WRONG_USE;
     }
-    options.detection.codeRunner = MakeCodeRunner(options.codeRunner);
-    options.detection.withExplanation = true;
+    DetectionOptions detection = MakeDetectionOptions(options.run);
+    detection.withExplanation = true;
     std::vector<BundlePath> bundles;
     for (const std::string& bundle : options.bundles) {
         bundles.push_back(MakeBundlePath(bundle));
@@ -49,7 +44,7 @@ ExitStatus Explain(ExplainOptions options)
     const bool isColoured = IsColoured(options.colour).value_or(false);
     ExitStatus status = ExitStatus::SUCCESS;
     for (const BundlePath& bundle : bundles) {
-        DetectionReport report = RunDetection(bundle, options.detection);
+        DetectionReport report = RunDetection(bundle, detection);
         Narrow(report, options.view);
         if (options.asJson) {
             PrintResult(ExplanationJson(report, options.view) + "\n");
@@ -57,7 +52,7 @@ ExitStatus Explain(ExplainOptions options)
             PrintProblems(report.bundle, report.warnings, report.failure ? &*report.failure : nullptr);
             PrintResult(ExplanationText(report, options.view, isColoured));
         }
-        status = MoreSerious(status, report.failure ? report.failure->status : ExitStatus::SUCCESS);
+        status = MoreSerious(status, StatusOf(report, options.run));
     }
     return status;
 }
@@ -92,14 +87,8 @@ void AddExplainCommand(CLI::App& app, ExitStatus& status)
     explain->add_option("BUNDLE", options->bundles, "Folders or zips with a bundle.json")->required();
     explain->add_flag("--json", options->asJson, "One JSON object a line for each bundle");
     AddViewOptions(*explain, options->view);
-    explain->add_option("--color", options->colour, "Colours: auto, always or never")
-        ->type_name("WHEN")
-        ->check([](const std::string& word) { return IsColoured(word) ? "" : "is none of auto, always, never: " + word; })
-        ->capture_default_str();
-    AddOverrides(*explain, options->detection.overrides);
-    AddRules(*explain, options->detection.overrides);
-    AddCodeRunnerOptions(*explain, options->codeRunner);
-    AddLogOptions(*explain, options->log);
+    AddColour(*explain, options->colour);
+    AddRunOptions(*explain, options->run);
     explain->footer("Examples:\n  arborist explain examples/laptop\n"
                     "  arborist explain --event BATTERY_WORN examples/laptop\n"
                     "  arborist explain --near-misses 1 --minimal --json devices/* > explained.jsonl");

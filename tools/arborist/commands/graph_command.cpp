@@ -3,7 +3,6 @@
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/drawing_options.h"
 #include "tools/arborist/commands/output.h"
-#include "tools/arborist/commands/shared_options.h"
 #include "tools/arborist/detection/bare_rules.h"
 #include "tools/arborist/drawing/dot.h"
 #include "tools/arborist/drawing/graphviz.h"
@@ -20,7 +19,6 @@ struct GraphOptions {
     std::string treeTag;
     std::string tree;
     std::string format = "dot";
-    std::string file;
 };
 
 ExitStatus Fail(const std::string& about, const Failure& failure)
@@ -50,7 +48,7 @@ Failure NoSuchTree(const DetectionReport& report, const std::string& tree)
 // What the library misses of a device is no trouble where there is none.
 LogOptions LogOf(const GraphOptions& options, bool isBundle)
 {
-    LogOptions log = options.drawing.log;
+    LogOptions log = options.drawing.run.log;
     if (!isBundle && log.level.empty()) {
         log.level = "none";
     }
@@ -64,7 +62,7 @@ ExitStatus Graph(const GraphOptions& options)
         return ExitStatus::WRONG_USE;
     }
     const BundlePath path = MakeBundlePath(options.drawing.bundle);
-    const BundlePath target = MakeBundlePath(options.file);
+    const BundlePath target = MakeBundlePath(options.drawing.file);
     const DetectionReport report =
         isBundle ? RunForDrawing(path, options.drawing) : ReadBareRules(path, options.treeTag);
     PrintProblems(path.given, report.warnings, report.failure ? &*report.failure : nullptr);
@@ -79,7 +77,7 @@ ExitStatus Graph(const GraphOptions& options)
     if (const auto failure = Draw(trees, options.format, drawing)) {
         return Fail(path.given, *failure);
     }
-    return WriteDrawing(target, drawing);
+    return MoreSerious(WriteDrawing(target, drawing), StatusOf(report, options.drawing.run));
 }
 
 } // namespace
@@ -91,15 +89,14 @@ void AddGraphCommand(CLI::App& app, ExitStatus& status)
     AddDrawingOptions(*graph, options->drawing, "Bundle; with --tree-tag a folder of rules");
     graph->add_option("--tree-tag", options->treeTag, "Draw the trees under this tag of a folder with FaultTrees.xml "
         "and FaultTreeRules.xml, without a run and so without statuses")
-        ->type_name("TAG");
+        ->type_name("TAG")
+        ->excludes(graph->get_option("--rules"));
     graph->add_option("--tree", options->tree, "The trees with this id alone")->type_name("ID");
     graph->add_option("--format", options->format, "dot: for Graphviz; svg: drawn by Graphviz's program dot, where it "
         "is installed; mermaid: for Markdown; openpsa: Open-PSA Model Exchange Format")
         ->type_name("FORMAT")
         ->check(CLI::IsMember({"dot", "svg", "mermaid", "openpsa"}))
         ->capture_default_str();
-    graph->add_option("-o,--output", options->file, "Write into this file instead of standard output")
-        ->type_name("FILE");
     graph->footer("Examples:\n  arborist graph examples/laptop --format svg -o laptop.svg\n"
                   "  arborist graph examples/laptop/rules --tree-tag Laptop | dot -Tpdf -o laptop.pdf");
     graph->callback([options, &status] { status = Graph(*options); });

@@ -7,6 +7,7 @@
 #include "tools/arborist/bundle/moment.h"
 #include "tools/arborist/code_rules/code_program.h"
 #include "tools/arborist/commands/output.h"
+#include "tools/arborist/render/colour.h"
 
 namespace command {
 
@@ -69,6 +70,42 @@ CodeRunner MakeCodeRunner(const CodeRunnerOptions& options)
     runner.timeout = std::chrono::milliseconds(static_cast<std::int64_t>(options.timeout * 1000));
     runner.path = options.program.empty() ? "" : FindProgram(options.program);
     return runner;
+}
+
+void AddRunOptions(CLI::App& app, RunOptions& options)
+{
+    app.add_flag("--strict", options.isStrict, "Exit with 3 on a warning about a rule set, with 4 on any other");
+    AddOverrides(app, options.detection.overrides);
+    AddRules(app, options.detection.overrides);
+    AddCodeRunnerOptions(app, options.codeRunner);
+    AddLogOptions(app, options.log);
+}
+
+DetectionOptions MakeDetectionOptions(const RunOptions& options)
+{
+    DetectionOptions detection = options.detection;
+    detection.codeRunner = MakeCodeRunner(options.codeRunner);
+    return detection;
+}
+
+ExitStatus StatusOf(const DetectionReport& report, const RunOptions& options)
+{
+    if (report.failure) {
+        return report.failure->status;
+    }
+    ExitStatus status = ExitStatus::SUCCESS;
+    for (const Warning& warning : report.warnings) {
+        status = options.isStrict ? MoreSerious(status, StrictStatus(warning)) : status;
+    }
+    return status;
+}
+
+void AddColour(CLI::App& app, std::string& when)
+{
+    app.add_option("--color", when, "Colours of explanations: auto, always or never")
+        ->type_name("WHEN")
+        ->check([](const std::string& word) { return IsColoured(word) ? "" : "is none of auto, always, never: " + word; })
+        ->capture_default_str();
 }
 
 BundlePath MakeBundlePath(const std::string& given)

@@ -34,6 +34,24 @@ void AddCodeRunnerOptions(CLI::App& app, CodeRunnerOptions& options);
 /// Looks for the program: like bundles before any bundle becomes the working directory.
 CodeRunner MakeCodeRunner(const CodeRunnerOptions& options);
 
+/// What all commands that run detections take.
+struct RunOptions {
+    DetectionOptions detection;
+    CodeRunnerOptions codeRunner;
+    LogOptions log;
+    bool isStrict = false;
+};
+
+/// --strict, --now, --tz, --rules, --code-runner, --code-timeout, --log-level and --log-file.
+void AddRunOptions(CLI::App& app, RunOptions& options);
+/// How the detections are to be run, with the program of --code-runner found.
+DetectionOptions MakeDetectionOptions(const RunOptions& options);
+/// What a detection makes the process answer: its failure, or under --strict its warnings.
+ExitStatus StatusOf(const DetectionReport& report, const RunOptions& options);
+
+/// --color; `when` is one of the words that IsColoured takes.
+void AddColour(CLI::App& app, std::string& when);
+
 /// The place is worked out before any bundle becomes the working directory.
 BundlePath MakeBundlePath(const std::string& given);
 

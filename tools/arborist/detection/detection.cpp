@@ -24,17 +24,32 @@ std::string FileTrouble(const RecordedFile& file)
     return file.path + place + ": " + (file.message.empty() ? "is no XML that can be read" : file.message);
 }
 
-// Facts name files as the bundle does, not where the run kept them.
-void ShowEvidence(const BundleSession& session, std::vector<TreeEvidence>& evidence)
+// Explanations name files as the bundle does, not where the run kept them.
+void ShowPaths(const BundleSession& session, Explanation& explanation)
 {
-    for (TreeEvidence& tree : evidence) {
-        for (auto& [id, rules] : tree) {
-            for (RuleEvidence& rule : rules) {
-                for (std::string& fact : rule.facts) {
-                    fact = session.Shown(fact);
+    for (ExplainedTree& tree : explanation.trees) {
+        for (ExplainedEvidence& evidence : tree.evidence) {
+            for (ExplainedRule& rule : evidence.rules) {
+                for (ExplainedQuery& query : rule.queries) {
+                    query.database = session.Shown(query.database);
+                    query.error = session.Shown(query.error);
+                }
+                for (ExplainedNodeFile& node : rule.nodeFiles) {
+                    node.path = session.Shown(node.path);
                 }
             }
         }
+    }
+}
+
+// Messages may quote what the library or SQLite says of a file.
+void ShowPaths(const BundleSession& session, DetectionReport& report)
+{
+    for (Warning& warning : report.warnings) {
+        warning.message = session.Shown(warning.message);
+    }
+    if (report.failure) {
+        report.failure->message = session.Shown(report.failure->message);
     }
 }
 
@@ -47,9 +62,6 @@ public:
         if (options.withExplanation) {
             mExplanation = std::make_shared<ExplanationRecorder>(options.withTrees);
             mRecorder = mExplanation;
-        } else if (options.withEvidence) {
-            mEvidence = std::make_shared<EvidenceRecorder>();
-            mRecorder = mEvidence;
         } else {
             mRecorder = std::make_shared<DetectionRecorder>(options.withTrees);
         }
@@ -77,8 +89,10 @@ public:
             return;
         }
         report.trees = mRecorder->GetTrees();
-        report.evidence = mEvidence != nullptr ? mEvidence->GetEvidence() : std::vector<TreeEvidence>();
-        report.explanation = mExplanation == nullptr ? nullptr : mExplanation->GetExplanation();
+        if (mExplanation != nullptr) {
+            ShowPaths(mSession, *mExplanation->GetExplanation());
+            report.explanation = mExplanation->GetExplanation();
+        }
         warnings.LookAfter(mSession);
         WarningList all;
         all.Add(report.warnings);
@@ -93,8 +107,7 @@ private:
     const BundleSession& mSession;
     std::shared_ptr<DetectInfo> mInfo;
     std::shared_ptr<DetectionRecorder> mRecorder;
-    /// The same when evidence is asked for, otherwise null.
-    std::shared_ptr<EvidenceRecorder> mEvidence;
+    /// The same when an explanation is asked for, otherwise null.
     std::shared_ptr<ExplanationRecorder> mExplanation;
     std::shared_ptr<CodeAnswers> mAnswers;
 };
@@ -156,7 +169,7 @@ DetectionReport RunDetection(const BundlePath& bundle, const DetectionOptions& o
             report.subject = session.GetBundle();
             report.moment = FormatMoment(session.Now()).value_or("");
             Detection(session, options).Run(report);
-            ShowEvidence(session, report.evidence);
+            ShowPaths(session, report);
         }
     } catch (...) {
         report.failure = FailureInFlight({});

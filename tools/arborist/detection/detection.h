@@ -10,7 +10,6 @@
 #include "tools/arborist/bundle/bundle_session.h"
 #include "tools/arborist/code_rules/code_answers.h"
 #include "tools/arborist/detection/detection_recorder.h"
-#include "tools/arborist/detection/evidence_recorder.h"
 #include "tools/arborist/explanation/explanation.h"
 #include "tools/arborist/problem.h"
 
@@ -21,8 +20,6 @@ struct DetectionOptions {
     BundleOverrides overrides;
     CodeRunner codeRunner;
     bool withTrees = false;
-    /// Keeps the trees too.
-    bool withEvidence = false;
     bool withExplanation = false;
 };
 
@@ -35,8 +32,6 @@ struct DetectionReport {
     std::vector<std::shared_ptr<FaultTreeResult>> results;
     /// The trees of the results, in the same order; empty unless asked for.
     std::vector<RecordedTree> trees;
-    /// Of the same trees; empty unless asked for.
-    std::vector<TreeEvidence> evidence;
     /// What was diagnosed, and the moment in force as local time. Set once the bundle is entered.
     Bundle subject;
     std::string moment;

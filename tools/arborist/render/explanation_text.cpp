@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <unordered_set>
+#include <utility>
 
 #include "tools/arborist/explanation/analysis/minimal_sets.h"
 #include "tools/arborist/explanation/analysis/near_misses.h"
@@ -70,8 +71,9 @@ public:
         for (const DistinctCause& cause : ShownCauses(mTree, mView)) {
             mText += "  " + mColour.Bold(Shown(mTree.id)) + ": " + mColour.Red(Joined(cause.ids, " + "));
             const std::string name = NameOf(cause);
-            mText += name.empty() ? "" : "  " + Printable(name);
-            mText += BriefTexts(cause) + Times(cause.times) + "\n";
+            const std::string ids = IdsOf(cause);
+            mText += (name.empty() ? "" : "  " + Printable(name)) + (ids.empty() ? "" : "  " + ids);
+            mText += Times(cause.times) + "\n";
         }
         if (!mTree.isFault) {
             mText += "  " + mColour.Bold(Shown(mTree.id)) + ": " + mColour.Green("no fault") + "\n";
@@ -231,31 +233,39 @@ private:
         return result == nullptr ? "" : result->mNode->mName;
     }
 
-    std::string BriefTexts(const DistinctCause& cause) const
+    // Of its description, suggestions and repairs, with two blanks between.
+    std::string IdsOf(const DistinctCause& cause) const
     {
         const auto* result = ResultOf(cause);
         if (result == nullptr) {
             return "";
         }
-        std::string text;
-        text += result->mFaultDescription.empty() ? "" : "  description " + Printable(result->mFaultDescription);
-        text += result->mSuggestions.empty() ? "" : "  suggestions " + Joined(result->mSuggestions, ", ");
         std::vector<std::string> repairs;
         for (const auto& repair : result->mRepairInfos) {
             repairs.push_back(repair.mId);
         }
-        return repairs.empty() ? text : text + "  repairs " + Joined(repairs, ", ");
+        const std::pair<const char*, std::string> all[] = {
+            {"description ", Printable(result->mFaultDescription)},
+            {"suggestions ", Joined(result->mSuggestions, ", ")}, {"repairs ", Joined(repairs, ", ")}};
+        std::string text;
+        for (const auto& [label, ids] : all) {
+            text += ids.empty() ? "" : (text.empty() ? "" : "  ") + (label + ids);
+        }
+        return text;
     }
 
     void WriteCauses()
     {
-        const std::vector<DistinctCause> causes = ShownCauses(mTree, mView);
-        for (const DistinctCause& cause : causes) {
+        for (const DistinctCause& cause : ShownCauses(mTree, mView)) {
             const std::string name = NameOf(cause);
             Line(mColour.Bold("Root cause ") + mColour.Red(Joined(cause.ids, " + "))
-                + (name.empty() ? "" : "  " + Printable(name)) + BriefTexts(cause) + Times(cause.times));
+                + (name.empty() ? "" : "  " + Printable(name)) + Times(cause.times));
             for (const std::size_t member : mTree.causes[cause.first].members) {
                 WriteMember(member);
+            }
+            const std::string ids = IdsOf(cause);
+            if (!ids.empty()) {
+                Line("    " + ids);
             }
         }
     }
@@ -274,13 +284,13 @@ private:
         for (const ExplainedRule& rule : evidence->rules) {
             if (rule.verdict == DetectionObserver::Verdict::FIRED) {
                 const std::string summary = RuleSummary(rule);
-                Line("      rule " + Shown(rule.name) + ": " + (summary.empty() ? "" : summary + ", ")
-                    + DetectionObserver::ReasonText(rule.reason));
+                Line("      rule " + Shown(rule.name) + ": " + DetectionObserver::ReasonText(rule.reason)
+                    + (summary.empty() ? "" : ", " + summary));
             }
         }
     }
 
-    std::vector<std::string> IdsOf(const std::vector<std::size_t>& places) const
+    std::vector<std::string> IdsAt(const std::vector<std::size_t>& places) const
     {
         std::vector<std::string> ids;
         for (const std::size_t place : places) {
@@ -296,7 +306,7 @@ private:
         }
         for (const CutOff& cutOff : CutOffsOf(mTree)) {
             Line(mColour.Bold("Cut off by ") + Shown(mTree.events[cutOff.event].id)
-                + ", which its own rules keep from error: " + Joined(IdsOf(cutOff.leaves), ", "));
+                + ", which its own rules keep from error: " + Joined(IdsAt(cutOff.leaves), ", "));
         }
     }
 
@@ -310,9 +320,9 @@ private:
         }
         for (const NearMiss& nearMiss : nearMisses.sets) {
             std::string text = mColour.Bold("Near miss") + ", " + Number(nearMiss.missing.size(), "event", "events")
-                + " short: " + mColour.Yellow(Joined(IdsOf(nearMiss.missing), " + "));
+                + " short: " + mColour.Yellow(Joined(IdsAt(nearMiss.missing), " + "));
             if (!nearMiss.present.empty()) {
-                text += " beside " + Joined(IdsOf(nearMiss.present), " + ");
+                text += " beside " + Joined(IdsAt(nearMiss.present), " + ");
             }
             Line(text);
             for (const std::size_t place : nearMiss.missing) {
@@ -385,7 +395,7 @@ std::string ExplanationText(const DetectionReport& report, const ExplanationView
     for (std::size_t i = 0; i < report.explanation->trees.size(); ++i) {
         const FaultTreeResult* result = i < report.results.size() ? report.results[i].get() : nullptr;
         TreeText tree(report.explanation->trees[i], result, view, colour);
-        text += view.brief ? tree.BriefText() : tree.Text();
+        text += view.brief ? tree.BriefText() : (i == 0 ? "" : "\n") + tree.Text();
     }
     return text;
 }

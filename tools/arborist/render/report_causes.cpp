@@ -1,11 +1,12 @@
 #include "tools/arborist/render/report_causes.h"
 
-#include <map>
-#include <set>
-#include <string_view>
+#include <unordered_set>
 
 #include "tools/arborist/drawing/event_label.h"
+#include "tools/arborist/explanation/analysis/distinct_causes.h"
+#include "tools/arborist/explanation/gate_logic.h"
 #include "tools/arborist/render/html.h"
+#include "tools/arborist/render/rule_text.h"
 
 namespace command {
 
@@ -15,8 +16,8 @@ using Cause = FaultTreeResult::RootCauseResult;
 
 // What a person still reads; the rest is counted.
 constexpr std::size_t MOST_CAUSES = 200;
-constexpr std::size_t MOST_CUT_SETS = 5;
-constexpr std::size_t MOST_FACTS = 20;
+constexpr std::size_t MOST_MEMBERS = 50;
+constexpr std::size_t MOST_LINES = 20;
 
 std::string Term(const std::string& label, const std::string& markup)
 {
@@ -40,138 +41,145 @@ std::string RepairMarkup(const FaultTreeResult::RepairInfo& repair)
     return markup + (repair.mExtra.empty() ? "" : ", extra " + Html("code", repair.mExtra)) + "<br>";
 }
 
+std::string RuleHead(const ExplainedRule& rule)
+{
+    const std::string family = DetectionObserver::FamilyText(rule.family);
+    return Markup(family + (family.empty() ? "rule " : " rule ")) + Html("span", ShownId(rule.name), "id") + ": "
+        + VerdictWord(rule.verdict) + " " + DetectionObserver::ReasonText(rule.reason);
+}
+
+// Lines that belong to the one before stand further in.
+std::string LookedAt(const ExplainedRule& rule)
+{
+    const std::vector<std::string> lines = RuleLines(rule);
+    std::string markup;
+    for (std::size_t i = 0; i < lines.size() && i < MOST_LINES; ++i) {
+        const auto text = lines[i].find_first_not_of(' ');
+        markup += Html("li", text == std::string::npos ? "" : lines[i].substr(text), text == 0 ? "" : "sub");
+    }
+    markup += lines.size() > MOST_LINES ? "<li>and more</li>" : "";
+    return markup.empty() ? "" : "<ul>" + markup + "</ul>";
+}
+
 /// Writes the cards of one tree.
 class CardWriter {
 public:
-    CardWriter(const DrawnTree& tree, const TreeEvidence& evidence) : mTree(tree), mEvidence(evidence)
-    {
-        for (std::size_t place = 0; place < tree.events.size(); ++place) {
-            if (tree.events[place].isInCutSet) {
-                mPlaces.emplace(PathOf(tree, place), place);
-            }
-        }
-        for (const RecordedCause& cause : tree.tree->causes) {
-            mCutSets[cause.id].push_back(&cause);
-        }
-    }
+    CardWriter(const ExplainedTree& tree, const FaultTreeResult& result) : mTree(tree), mResult(result) {}
 
-    std::string Card(const Cause& cause) const
+    std::string Card(const DistinctCause& distinct) const
     {
-        const FaultTreeNode& node = *cause.mNode;
+        const Cause& cause = *mResult.mRootCauseResults[distinct.first];
         std::string repairs;
         for (const FaultTreeResult::RepairInfo& repair : cause.mRepairInfos) {
             repairs += RepairMarkup(repair);
         }
-        const std::vector<const RecordedCause*> cutSets = CutSetsOf(node.mId);
+        const FaultTreeNode& node = *cause.mNode;
+        const std::vector<std::size_t> members = MembersOf(distinct);
         return "<li class=\"card\">\n" + Html("h4", ShownId(node.mId), "id") + Paragraph(node.mName) + "<dl>\n"
             + Term("Description", cause.mFaultDescription.empty() ? "" : Ids({cause.mFaultDescription}))
             + Term("Suggestions", Ids(cause.mSuggestions)) + Term("Repairs", repairs)
             + Term("User defined", node.mUserDefined.empty() ? "" : Html("code", node.mUserDefined))
-            + Term("Way to the top", Ways(cutSets)) + Term("Why", Why(cutSets)) + "</dl>\n</li>\n";
+            + Term("Way to the top", Ways(members)) + Term("Why", Why(members))
+            + Term("In the list", distinct.times == 1 ? "" : std::to_string(distinct.times) + " times")
+            + "</dl>\n</li>\n";
     }
 
 private:
-    std::vector<const RecordedCause*> CutSetsOf(const std::string& id) const
+    // Those that a path leads to.
+    std::vector<std::size_t> MembersOf(const DistinctCause& distinct) const
     {
-        const auto found = mCutSets.find(id);
-        return found == mCutSets.end() ? std::vector<const RecordedCause*>() : found->second;
+        std::vector<std::size_t> members = mTree.causes[distinct.first].members;
+        std::erase(members, ExplainedEvent::NONE);
+        return members;
     }
 
-    std::string Way(const std::string& path) const
+    std::string Way(std::size_t member) const
     {
-        const auto place = mPlaces.find(path);
-        if (place == mPlaces.end()) {
-            return Html("span", path, "id");
-        }
         std::string markup;
-        for (const std::size_t step : WayUp(mTree, place->second)) {
+        for (; member != ExplainedEvent::NONE; member = mTree.events[member].parent) {
             markup += (markup.empty() ? "" : " <span class=\"arrow\">&rarr;</span> ")
-                + Html(markup.empty() ? "b" : "span", ShownId(mTree.events[step].event->id), "id");
+                + Html(markup.empty() ? "b" : "span", ShownId(mTree.events[member].id), "id");
         }
         return markup;
     }
 
-    std::string Ways(const std::vector<const RecordedCause*>& cutSets) const
+    std::string Ways(const std::vector<std::size_t>& members) const
     {
-        std::string markup;
-        for (std::size_t i = 0; i < cutSets.size() && i < MOST_CUT_SETS; ++i) {
-            const RecordedCause& cutSet = *cutSets[i];
-            markup += cutSet.cutSet.size() > 1 ? Html("p", "Cut set of " + std::to_string(cutSet.cutSet.size())
-                + " events that are present together:") : "";
-            markup += "<ul class=\"way\">";
-            for (const std::string& path : cutSet.cutSet) {
-                markup += "<li>" + Way(path) + "</li>";
-            }
-            markup += "</ul>";
+        std::string markup = members.size() > 1
+            ? Html("p", "Cut set of " + std::to_string(members.size()) + " events that are present together:") : "";
+        markup += members.empty() ? "" : "<ul class=\"way\">";
+        for (std::size_t i = 0; i < members.size() && i < MOST_MEMBERS; ++i) {
+            markup += "<li>" + Way(members[i]) + "</li>";
         }
-        return cutSets.size() <= MOST_CUT_SETS ? markup
-            : markup + Html("p", "and " + std::to_string(cutSets.size() - MOST_CUT_SETS) + " more cut sets", "quiet");
+        markup += members.size() > MOST_MEMBERS
+            ? Html("li", "and " + std::to_string(members.size() - MOST_MEMBERS) + " more", "quiet") : "";
+        return markup + (members.empty() ? "" : "</ul>");
     }
 
-    std::string Why(const std::vector<const RecordedCause*>& cutSets) const
+    std::string Why(const std::vector<std::size_t>& members) const
     {
         std::string markup;
-        std::set<std::string_view> told;
-        for (std::size_t i = 0; i < cutSets.size() && i < MOST_CUT_SETS; ++i) {
-            for (const std::string& path : cutSets[i]->cutSet) {
-                const auto place = mPlaces.find(path);
-                if (place != mPlaces.end() && told.insert(mTree.events[place->second].event->id).second) {
-                    markup += EvidenceOf(mTree.events[place->second].event->id);
+        std::unordered_set<std::size_t> told;
+        for (std::size_t i = 0; i < members.size() && i < MOST_MEMBERS; ++i) {
+            const ExplainedEvent& event = mTree.events[members[i]];
+            const ExplainedEvidence* evidence = mTree.EvidenceOf(event);
+            if (evidence == nullptr || !told.insert(event.evidence).second) {
+                continue;
+            }
+            for (const ExplainedRule& rule : evidence->rules) {
+                if (rule.verdict == DetectionObserver::Verdict::FIRED) {
+                    markup += "<p>" + Html("span", ShownId(event.id), "id") + ": " + RuleHead(rule) + "</p>"
+                        + LookedAt(rule);
                 }
             }
         }
         return markup;
     }
 
-    std::string EvidenceOf(const std::string& id) const
-    {
-        const auto rules = mEvidence.find(id);
-        if (rules == mEvidence.end()) {
-            return "";
-        }
-        std::string markup;
-        for (const RuleEvidence& rule : rules->second) {
-            markup += "<p>" + Html("span", ShownId(id), "id") + ": " + Markup(rule.family) + " rule "
-                + Html("span", ShownId(rule.rule), "id") + " fired</p><ul>";
-            for (std::size_t i = 0; i < rule.facts.size() && i < MOST_FACTS; ++i) {
-                markup += Html("li", rule.facts[i]);
-            }
-            markup += rule.facts.size() > MOST_FACTS ? "<li>and more</li></ul>" : "</ul>";
-        }
-        return markup;
-    }
-
-    const DrawnTree& mTree;
-    const TreeEvidence& mEvidence;
-    std::map<std::string, std::size_t> mPlaces;
-    std::map<std::string, std::vector<const RecordedCause*>> mCutSets;
+    const ExplainedTree& mTree;
+    const FaultTreeResult& mResult;
 };
+
+std::string CutOffLines(const ExplainedTree& tree)
+{
+    const std::vector<CutOff> cutOffs = CutOffsOf(tree);
+    std::string markup;
+    for (std::size_t i = 0; i < cutOffs.size() && i < MOST_CAUSES; ++i) {
+        const std::vector<std::size_t>& places = cutOffs[i].leaves;
+        std::vector<std::string> leaves;
+        for (std::size_t leaf = 0; leaf < places.size() && leaf < MOST_MEMBERS; ++leaf) {
+            leaves.push_back(tree.events[places[leaf]].id);
+        }
+        markup += "<li>" + Ids({tree.events[cutOffs[i].event].id}) + ", which its own rules keep from error, cuts off "
+            + Ids(leaves) + (places.size() > MOST_MEMBERS ? " and more" : "") + "</li>\n";
+    }
+    return markup.empty() ? "" : "<h3>Cut off</h3>\n<ul>\n" + markup + "</ul>\n";
+}
 
 } // namespace
 
-std::vector<const Cause*> DistinctCauses(const FaultTreeResult& result)
+std::string CauseCards(const ExplainedTree& tree, const FaultTreeResult& result)
 {
-    std::vector<const Cause*> causes;
-    std::set<std::string_view> ids;
-    for (const auto& cause : result.mRootCauseResults) {
-        if (ids.insert(cause->mNode->mId).second) {
-            causes.push_back(cause.get());
-        }
+    const std::vector<DistinctCause> causes = DistinctCausesOf(tree);
+    const CardWriter writer(tree, result);
+    std::string cards;
+    for (std::size_t i = 0; i < causes.size() && i < MOST_CAUSES; ++i) {
+        cards += causes[i].first < result.mRootCauseResults.size() ? writer.Card(causes[i]) : "";
     }
-    return causes;
+    std::string markup = causes.empty() ? "" : "<h3>Root causes</h3>\n<ol class=\"causes\">\n" + cards + "</ol>\n";
+    markup += causes.size() <= MOST_CAUSES ? "" : Paragraph("And " + std::to_string(causes.size() - MOST_CAUSES)
+        + " more; \"arborist explain --brief\" lists them all.");
+    return markup + CutOffLines(tree);
 }
 
-std::string CauseCards(const DrawnTree& tree, const FaultTreeResult& result, const TreeEvidence& evidence)
+std::string RuleVerdicts(const ExplainedEvidence& evidence)
 {
-    const std::vector<const Cause*> causes = DistinctCauses(result);
-    const CardWriter writer(tree, evidence);
-    std::string markup = "<h3>Root causes</h3>\n<ol class=\"causes\">\n";
-    for (std::size_t i = 0; i < causes.size() && i < MOST_CAUSES; ++i) {
-        markup += writer.Card(*causes[i]);
+    std::string markup;
+    for (const ExplainedRule& rule : evidence.rules) {
+        const std::string summary = RuleSummary(rule);
+        markup += "<p class=\"rule\">" + RuleHead(rule) + Markup(summary.empty() ? "" : ", " + summary) + "</p>";
     }
-    markup += "</ol>\n";
-    return causes.size() <= MOST_CAUSES ? markup : markup + Paragraph("And "
-        + std::to_string(causes.size() - MOST_CAUSES) + " more; \"arborist detect\" lists them all.");
+    return markup;
 }
 
 } // namespace command

@@ -2,18 +2,18 @@
 #define ARBORIST_TOOLS_RENDER_REPORT_CAUSES_H
 
 #include <string>
-#include <vector>
 
-#include "tools/arborist/detection/evidence_recorder.h"
-#include "tools/arborist/drawing/drawn_tree.h"
+#include "arborist/frame/fault_tree_result.h"
+#include "tools/arborist/explanation/explanation.h"
 
 namespace command {
 
-/// The root causes of a tree without repetition, in the order of deduction.
-std::vector<const FaultTreeResult::RootCauseResult*> DistinctCauses(const FaultTreeResult& result);
+/// A list with a card of HTML for each distinct root cause of a tree: its ids, its cut set with the ways to the top,
+/// and its evidence; behind it, what observable events cut off. `result` is the tree's own.
+std::string CauseCards(const ExplainedTree& tree, const FaultTreeResult& result);
 
-/// A list with a card of HTML for each distinct root cause: its ids, cut sets, ways to the top and evidence.
-std::string CauseCards(const DrawnTree& tree, const FaultTreeResult& result, const TreeEvidence& evidence);
+/// The rules of an event with their verdicts, one line each, as HTML; empty for an event without rules.
+std::string RuleVerdicts(const ExplainedEvidence& evidence);
 
 } // namespace command
 

@@ -1,10 +1,12 @@
 #include "tools/arborist/render/report_page.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "tools/arborist/drawing/drawn_tree.h"
 #include "tools/arborist/drawing/event_label.h"
 #include "tools/arborist/drawing/svg_tree.h"
+#include "tools/arborist/explanation/analysis/distinct_causes.h"
 #include "tools/arborist/render/html.h"
 #include "tools/arborist/render/report_causes.h"
 #include "tools/arborist/render/report_style.h"
@@ -33,12 +35,12 @@ std::string Plural(std::size_t count, const std::string& one, const std::string&
     return std::to_string(count) + " " + (count == 1 ? one : more);
 }
 
-std::string Badge(const FaultTreeResult& result)
+std::string Badge(const ExplainedTree& tree)
 {
-    if (!result.mIsFault) {
+    if (!tree.isFault) {
         return Html("span", "no fault", "badge sound");
     }
-    const std::size_t causes = DistinctCauses(result).size();
+    const std::size_t causes = DistinctCausesOf(tree).size();
     return Html("span", "FAULT, " + Plural(causes, "root cause", "root causes"), "badge fault");
 }
 
@@ -47,14 +49,14 @@ std::string TopName(const DrawnTree& tree)
     return tree.events.empty() ? "" : tree.events.front().event->name;
 }
 
-std::string IndexOfTrees(const DetectionReport& report, const std::vector<DrawnTree>& trees)
+std::string IndexOfTrees(const std::vector<DrawnTree>& trees, const Explanation& explanation)
 {
     std::string items;
-    for (std::size_t i = 0; i < report.results.size(); ++i) {
-        const FaultTreeResult& result = *report.results[i];
-        items += std::string("<li") + (result.mIsFault ? " class=\"fault\"" : "") + "><a class=\"id\" href=\"#tree-"
-            + std::to_string(i + 1) + "\">" + Markup(ShownId(result.mTreeId)) + "</a> " + Badge(result)
-            + Paragraph(i < trees.size() ? TopName(trees[i]) : "") + "</li>\n";
+    for (std::size_t i = 0; i < std::min(trees.size(), explanation.trees.size()); ++i) {
+        const ExplainedTree& tree = explanation.trees[i];
+        items += std::string("<li") + (tree.isFault ? " class=\"fault\"" : "") + "><a class=\"id\" href=\"#tree-"
+            + std::to_string(i + 1) + "\">" + Markup(ShownId(tree.id)) + "</a> " + Badge(tree)
+            + Paragraph(TopName(trees[i])) + "</li>\n";
     }
     return "<section>\n<h2>Trees</h2>\n<ul class=\"index\">\n" + items + "</ul>\n" + LEGEND + "</section>\n";
 }
@@ -84,8 +86,18 @@ bool IsListed(const DrawnTree& tree, std::size_t place)
     return tree.events.size() <= MOST_LISTED || tree.events[place].event->status != EventStatus::FALSE;
 }
 
-std::string EventList(const DrawnTree& tree)
+// What the rules of an event came to; that of events in several places is told once.
+std::string Verdicts(const ExplainedTree& explained, std::size_t place, std::unordered_set<std::size_t>& told)
 {
+    const ExplainedEvidence* evidence =
+        place < explained.events.size() ? explained.EvidenceOf(explained.events[place]) : nullptr;
+    const bool isNew = evidence != nullptr && told.insert(explained.events[place].evidence).second;
+    return isNew ? RuleVerdicts(*evidence) : "";
+}
+
+std::string EventList(const DrawnTree& tree, const ExplainedTree& explained)
+{
+    std::unordered_set<std::size_t> told;
     std::string text = "<ul class=\"tree\">\n";
     std::size_t open = 0; // lists below the outermost
     std::size_t listed = 0;
@@ -100,7 +112,7 @@ std::string EventList(const DrawnTree& tree)
         }
         text += listed == 0 ? "<li>" : depth > open ? "<ul><li>" : "</li>\n<li>";
         open = depth;
-        text += EventItem(tree, place);
+        text += EventItem(tree, place) + Verdicts(explained, place, told);
         ++listed;
     }
     for (; open > 0; --open) {
@@ -112,23 +124,20 @@ std::string EventList(const DrawnTree& tree)
         + " left out here; \"arborist detect --tree\" shows them all.");
 }
 
-std::string TreeSection(const DetectionReport& report, const DrawnTree& tree, std::size_t number)
+std::string TreeSection(
+    const DrawnTree& tree, const ExplainedTree& explained, const FaultTreeResult& result, std::size_t number)
 {
-    const FaultTreeResult& result = *report.results[number];
-    std::string text = "<section id=\"tree-" + std::to_string(number + 1) + "\">\n<h2>"
-        + Html("span", ShownId(result.mTreeId), "id") + " " + Badge(result) + "</h2>\n" + Paragraph(TopName(tree))
-        + Html("p", "Version " + ShownId(result.mVersion), "quiet");
-    if (result.mIsFault) {
-        const TreeEvidence none;
-        text += CauseCards(tree, result, number < report.evidence.size() ? report.evidence[number] : none);
-    }
+    std::string text = "<section id=\"tree-" + std::to_string(number) + "\">\n<h2>"
+        + Html("span", ShownId(result.mTreeId), "id") + " " + Badge(explained) + "</h2>\n" + Paragraph(TopName(tree))
+        + Html("p", "Version " + ShownId(result.mVersion), "quiet") + CauseCards(explained, result);
     const std::string picture = SvgTree(tree);
     text += "<h3>The tree</h3>\n";
     text += picture.empty() ? Paragraph("Too large for a picture; \"arborist graph --format svg\" draws it.")
                             : "<div class=\"scroll\" tabindex=\"0\" role=\"group\" aria-label=\"Picture of the tree\">\n"
             + picture + "</div>\n";
-    return text + (result.mIsFault ? "<details open>" : "<details>") + Html("summary", "All events of the tree") + "\n"
-        + EventList(tree) + "</details>\n</section>\n";
+    return text + (result.mIsFault ? "<details open>" : "<details>")
+        + Html("summary", "All events of the tree and their rules") + "\n" + EventList(tree, explained)
+        + "</details>\n</section>\n";
 }
 
 std::string Fact(const std::string& label, const std::string& value)
@@ -174,11 +183,11 @@ std::string ReportPage(const DetectionReport& report)
         + Html("h1", Verdict(report)) + (report.failure ? "" : Facts(report)) + "</header>\n<main>\n";
     page += report.failure ? FailureSection(*report.failure) : "";
     page += WarningsSection(report.warnings);
-    if (!report.failure) {
+    if (!report.failure && report.explanation != nullptr) {
         const std::vector<DrawnTree> trees = DrawTrees(report, true, "");
-        page += IndexOfTrees(report, trees);
-        for (std::size_t i = 0; i < std::min(trees.size(), report.results.size()); ++i) {
-            page += TreeSection(report, trees[i], i);
+        page += IndexOfTrees(trees, *report.explanation);
+        for (std::size_t i = 0; i < std::min(trees.size(), report.explanation->trees.size()); ++i) {
+            page += TreeSection(trees[i], report.explanation->trees[i], *report.results[i], i + 1);
         }
     }
     page += "</main>\n<footer>" + Html("p", "Made by arborist " ARBORIST_VERSION) + "</footer>\n";

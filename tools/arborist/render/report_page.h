@@ -8,8 +8,8 @@
 namespace command {
 
 /// A report as one HTML page that needs nothing beside itself: no network, no scripts. It shows the verdict of each
-/// tree, its root causes with their ids, ways to the top, cut sets and evidence, its picture, and the warnings. No
-/// text of a bundle becomes markup. The report must have been made with its trees and evidence.
+/// tree, its root causes with their ids, ways to the top, cut sets and evidence, its picture, the verdict of each rule,
+/// and the warnings. No text of a bundle becomes markup. The report must have been made with trees and explanation.
 std::string ReportPage(const DetectionReport& report);
 
 } // namespace command

@@ -41,6 +41,8 @@ dd { margin: 0; }
 .card { padding: .8rem 1rem; border-left: 6px solid var(--fault); }
 .card dl { display: grid; grid-template-columns: 7.5rem 1fr; gap: .2rem .8rem; margin: .5rem 0 0; font-size: .93rem; }
 .card ul { margin: 0; padding-left: 1.1rem; }
+.card li.sub { list-style: none; margin-left: 1.1rem; }
+.rule { color: var(--quiet); font-size: .88rem; margin: 0 0 0 5.2rem; }
 .card .way { list-style: none; padding: 0; }
 .arrow { color: var(--quiet); padding: 0 .1rem; }
 .scroll { overflow-x: auto; padding: .3rem 0; }
@@ -75,6 +77,7 @@ footer { font-size: .85rem; color: var(--quiet); }
   header, main, footer { padding: .6rem; }
   section { padding: .8rem; }
   .facts { gap: .1rem 1.2rem; }
+  .rule { margin-left: 1rem; }
   .card dl { grid-template-columns: 1fr; gap: 0; }
   .card dd { margin-bottom: .4rem; }
 }

@@ -1,11 +1,15 @@
 #include "tools/arborist/render/rule_text.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <iterator>
+#include <utility>
 
 #include "tools/arborist/text/printable.h"
 
 namespace command {
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -29,6 +33,37 @@ std::string Quoted(const std::string& text)
 {
     const auto end = text.find_last_not_of(" \t\r\n");
     return "\"" + Cut(end == std::string::npos ? text : text.substr(0, end + 1), LONGEST_VALUE) + "\"";
+}
+
+// Numbers and words stand as they are, all else in quotes.
+std::string Value(const std::string& text)
+{
+    static constexpr std::string_view PLAIN =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._:/%+-";
+    const std::string quoted = Quoted(text);
+    const std::string_view inside = std::string_view(quoted).substr(1, quoted.size() - 2);
+    const bool isPlain = !inside.empty() && inside.find_first_not_of(PLAIN) == std::string_view::npos;
+    return isPlain ? std::string(inside) : quoted;
+}
+
+// The word of a comparison as people write it; a word that is none stays.
+std::string Sign(const std::string& word)
+{
+    static constexpr std::pair<std::string_view, const char*> SIGNS[] = {
+        {"gt", ">"}, {"lt", "<"}, {"ge", ">="}, {"le", "<="}, {"eq", "="}, {"ne", "!="}};
+    for (const auto& [known, sign] : SIGNS) {
+        if (word == known) {
+            return sign;
+        }
+    }
+    return Printable(word);
+}
+
+// " (one, other)" of those that there are.
+std::string InParentheses(const std::string& one, const std::string& other = "")
+{
+    const std::string both = one + (one.empty() || other.empty() ? "" : ", ") + other;
+    return both.empty() ? "" : " (" + both + ")";
 }
 
 std::string Number(std::uint64_t number, const std::string& one, const std::string& several)
@@ -94,27 +129,35 @@ std::string WindowText(const ExplainedWindow& window)
 
 std::string TestText(const ExplainedTest& test)
 {
-    return "  test " + Cut(test.key, LONGEST_VALUE) + " " + Printable(test.type) + " " + Printable(test.logic) + " "
-        + Quoted(test.value) + ": " + std::to_string(test.rowsPassed) + " of "
+    return "  test " + Cut(test.key, LONGEST_VALUE) + " " + Sign(test.logic) + " " + Value(test.value)
+        + InParentheses(Printable(test.type)) + ": " + std::to_string(test.rowsPassed) + " of "
         + Number(test.rowsTested, "row passes", "rows pass");
+}
+
+// "static", or where in the common part the threshold comes from.
+std::string SourceText(const ExplainedComparison& comparison)
+{
+    return Printable(comparison.source)
+        + (comparison.sourceId.empty() ? "" : " " + Cut(comparison.sourceId, LONGEST_VALUE));
+}
+
+std::string ComparedText(const ExplainedComparison& comparison)
+{
+    const std::string& name = comparison.key.empty() ? comparison.paramId : comparison.key;
+    return Cut(name, LONGEST_VALUE) + " " + Value(comparison.observed) + " " + Sign(comparison.logic) + " "
+        + Value(comparison.configured);
 }
 
 std::string ComparisonText(const ExplainedComparison& comparison)
 {
-    const std::string& name = comparison.key.empty() ? comparison.paramId : comparison.key;
-    std::string text = Cut(name, LONGEST_VALUE) + " " + Quoted(comparison.observed) + " "
-        + Printable(comparison.logic) + " " + Quoted(comparison.configured);
-    if (!comparison.source.empty()) {
-        text += " (" + Printable(comparison.source)
-            + (comparison.sourceId.empty() ? "" : " " + Cut(comparison.sourceId, LONGEST_VALUE)) + ")";
-    }
-    return text + (comparison.holds ? " holds" : " fails");
+    return ComparedText(comparison) + InParentheses(Printable(comparison.type), SourceText(comparison))
+        + (comparison.holds ? ": holds" : ": fails");
 }
 
 std::string ParameterText(const ExplainedParameter& parameter)
 {
-    const std::string text = Cut(parameter.key, LONGEST_VALUE) + " = " + Quoted(parameter.value);
-    return parameter.raw == parameter.value ? text : text + ", scaled from " + Quoted(parameter.raw);
+    const std::string text = Cut(parameter.key, LONGEST_VALUE) + " = " + Value(parameter.value);
+    return parameter.raw == parameter.value ? text : text + ", scaled from " + Value(parameter.raw);
 }
 
 std::string IntervalText(const ExplainedInterval& interval)
@@ -149,7 +192,8 @@ void AppendQuery(const ExplainedQuery& query, std::vector<std::string>& lines)
         : !query.error.empty()                   ? "failed: " + Cut(query.error, LONGEST_SQL)
                                                  : Number(query.rows, "row", "rows");
     if (!query.sql.empty()) {
-        lines.push_back((query.database.empty() ? "derived database" : Printable(query.database)) + ": " + outcome);
+        const std::string file = fs::path(query.database).filename().string();
+        lines.push_back((file.empty() ? "derived database" : Printable(file)) + ": " + outcome);
         lines.push_back("  " + SqlText(query.sql));
     }
     if (query.interval) {
@@ -173,7 +217,7 @@ std::string FilterText(const ExplainedRule& rule)
 
 std::string NodeText(const ExplainedNodeFile& node)
 {
-    return Cut(node.param, LONGEST_VALUE) + (node.readable ? " = " + Quoted(node.value) : " can't be read")
+    return Cut(node.param, LONGEST_VALUE) + (node.readable ? " = " + Value(node.value) : " can't be read")
         + " from " + Printable(node.path);
 }
 
@@ -195,7 +239,7 @@ std::string Joined(const std::vector<std::string>& ids)
 
 void AppendCodeRun(const ExplainedCodeRun& run, std::vector<std::string>& lines)
 {
-    lines.push_back("the host answers for " + Quoted(run.detectCode) + ": "
+    lines.push_back("the host answers for " + Value(run.detectCode) + ": "
         + (run.answer ? "present" : "not present"));
     lines.push_back("  descriptions " + Joined(run.faultDescriptionIds) + "; suggestions "
         + Joined(run.suggestionIds) + "; repairs " + Joined(run.repairIds)
@@ -220,18 +264,19 @@ const ExplainedWindow* ClosestWindow(const ExplainedRule& rule)
 // The comparisons that hold at the end, where a condition was met; otherwise the last one, which failed.
 std::string Deciding(const std::vector<ExplainedComparison>& comparisons)
 {
-    auto first = comparisons.end();
-    while (first != comparisons.begin() && std::prev(first)->holds) {
+    if (comparisons.empty()) {
+        return "";
+    }
+    auto first = comparisons.end() - 1;
+    while (first->holds && first != comparisons.begin() && std::prev(first)->holds) {
         --first;
     }
-    if (first == comparisons.end()) {
-        return comparisons.empty() ? "" : ComparisonText(comparisons.back());
-    }
     std::string text;
-    for (; first != comparisons.end(); ++first) {
-        text += (text.empty() ? "" : " and ") + ComparisonText(*first);
+    for (auto comparison = first; comparison != comparisons.end(); ++comparison) {
+        text += (text.empty() ? "" : " and ") + ComparedText(*comparison)
+            + (comparison->sourceId.empty() ? "" : InParentheses(SourceText(*comparison)));
     }
-    return text;
+    return text + (first->holds ? ": holds" : ": fails");
 }
 
 } // namespace
