@@ -14,8 +14,8 @@ namespace fs = std::filesystem;
 namespace {
 
 // Formats of the library's lines, as docs/log-messages.md lists them.
-constexpr char SQL_FAILED[] = "FUNc:%s: %s sql failed: %s";
-constexpr char EVENT_SQL_FAILED[] = "FUNc:%s: Execute sql failed: %s";
+constexpr char SQL_FAILED[] = "FUNc:%s: Execute sql failed: %s";
+constexpr char SQL_WITHOUT_ROWS_FAILED[] = "FUNc:%s: ExecuteNoCallback sql failed: %s";
 constexpr char NO_DATABASE_FOLDER[] = "FUNc:%s: database dir is empty.";
 constexpr char NO_EVENT_TABLES[] =
     "FUNc:%s: lumbra db not exist or table event_info not exist or table event_info_flow not exist.";
@@ -57,7 +57,7 @@ bool DetectionWarnings::IsWanted(unsigned int level, const std::string& format) 
     if (level == FT::LEVEL_DEBUG) {
         return format == READS_EVENTS;
     }
-    return level >= FT::LEVEL_WARN && (format == SQL_FAILED || format == EVENT_SQL_FAILED
+    return level >= FT::LEVEL_WARN && (format == SQL_FAILED || format == SQL_WITHOUT_ROWS_FAILED
         || format == NO_DATABASE_FOLDER || format == NO_EVENT_TABLES || format == OPEN_FAILED
         || format == BAD_EXTRA || format == BAD_WEIGHT || format == BAD_COLUMNS);
 }
