@@ -143,6 +143,22 @@ TEST(MinimalSetsTest, RandomListsAgreeWithThePlainWay)
             quick.insert({set.ids.begin(), set.ids.end()});
         }
         ASSERT_EQ(quick, minimalPlain);
+        EXPECT_EQ(minimal.listed, causes.size());
+        EXPECT_EQ(minimal.distinct, plain.size());
+        for (const DistinctCause& set : minimal.sets) {
+            const std::set<std::string> ids(set.ids.begin(), set.ids.end());
+            EXPECT_EQ(set.times, static_cast<std::uint64_t>(std::count_if(causes.begin(), causes.end(),
+                [&ids](const auto& cause) { return std::set<std::string>(cause.begin(), cause.end()) == ids; })));
+        }
+        std::size_t before = minimalPlain.size();
+        for (const auto& share : minimal.shares) {
+            const auto standsIn = [&share](const auto& set) { return set.count(share.id) != 0; };
+            EXPECT_EQ(share.sets, static_cast<std::size_t>(
+                std::count_if(minimalPlain.begin(), minimalPlain.end(), standsIn)));
+            EXPECT_DOUBLE_EQ(share.share, static_cast<double>(share.sets) / static_cast<double>(minimalPlain.size()));
+            EXPECT_LE(share.sets, before);
+            before = share.sets;
+        }
 
         std::size_t fewest = 8;
         for (unsigned repaired = 0; repaired < 256; ++repaired) {
@@ -157,6 +173,13 @@ TEST(MinimalSetsTest, RandomListsAgreeWithThePlainWay)
         ASSERT_TRUE(minimal.repairs.isSmallest);
         ASSERT_EQ(minimal.repairs.ids.size(), fewest);
         ASSERT_TRUE(std::all_of(causes.begin(), causes.end(), [&](const auto& ids) { return Meets(chosen, ids); }));
+
+        const auto hasty = command::FindRepairs(minimal.sets, random() % 100);
+        EXPECT_TRUE(!hasty.isSmallest || hasty.ids.size() == fewest);
+        ASSERT_TRUE(std::all_of(causes.begin(), causes.end(), [&](const auto& ids) {
+            return std::any_of(hasty.ids.begin(), hasty.ids.end(),
+                [&ids](const std::string& id) { return std::find(ids.begin(), ids.end(), id) != ids.end(); });
+        }));
     }
 }
 

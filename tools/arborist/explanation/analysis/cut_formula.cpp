@@ -1,7 +1,6 @@
 #include "tools/arborist/explanation/analysis/cut_formula.h"
 
 #include <algorithm>
-#include <unordered_set>
 
 namespace command {
 
@@ -16,8 +15,7 @@ CutFormula::Kind KindOf(const ExplainedEvent& event)
 
 } // namespace
 
-CutFormula::CutFormula(const ExplainedTree& tree, std::size_t mostMissing)
-    : mTree(tree), mMostMissing(static_cast<std::uint32_t>(std::min<std::size_t>(mostMissing, 1000000)))
+CutFormula::CutFormula(const ExplainedTree& tree) : mTree(tree)
 {
     if (tree.events.empty()) {
         return;
@@ -104,44 +102,36 @@ std::uint32_t CutFormula::MakeEvent(std::size_t event)
     const ExplainedEvent& explained = mTree.events[event];
     const bool isMissing = !explained.IsInError();
     const double share = isMissing ? 1.0 / static_cast<double>(mPlacesMissing[explained.id]) : 0.0;
-    const std::uint32_t count = isMissing ? 1 : 0;
-    return Intern((isMissing ? "-" : "+") + explained.id,
-        {Kind::EVENT, event, isMissing, {}, share, count, std::min(count, mMostMissing)});
+    return Intern((isMissing ? "-" : "+") + explained.id, {Kind::EVENT, event, isMissing, {}, share});
 }
 
-std::uint32_t CutFormula::MakeGate(Kind kind, std::vector<std::uint32_t> parts)
+std::uint32_t CutFormula::MakeGate(Kind kind, std::vector<std::uint32_t> branches)
 {
-    // Each part once, where it stands first.
-    std::unordered_set<std::uint32_t> seen;
-    std::erase_if(parts, [&seen](std::uint32_t part) { return !seen.insert(part).second; });
-    if (parts.size() == 1) {
-        return parts.front();
-    }
-    std::vector<std::uint32_t> sorted = parts;
-    std::sort(sorted.begin(), sorted.end());
-    std::string key(kind == Kind::OR ? "|" : "&");
-    key.append(reinterpret_cast<const char*>(sorted.data()), sorted.size() * sizeof(sorted.front()));
-    Node node{kind, ExplainedEvent::NONE, false, std::move(parts), 0.0, 0, 0};
-    const auto childOf = [this](std::uint32_t child) -> const Node& { return mNodes[child]; };
-    if (kind == Kind::OR) {
-        std::stable_sort(node.children.begin(), node.children.end(), [&](std::uint32_t left, std::uint32_t right) {
-            return childOf(left).least < childOf(right).least;
-        });
-        node.leastShare = childOf(node.children.front()).leastShare;
-        node.least = childOf(node.children.front()).least;
-    }
-    for (const std::uint32_t child : node.children) {
-        const Node& part = childOf(child);
-        if (kind == Kind::OR) {
-            node.leastShare = std::min(node.leastShare, part.leastShare);
-            node.most = std::max(node.most, part.most);
-        } else {
-            node.leastShare += part.leastShare;
-            node.least = std::max(node.least, part.least);
-            node.most = std::min(mMostMissing, node.most + part.most);
+    // Taking an event twice is taking it once; so is choosing twice between the same branches of an OR.
+    std::vector<Part> parts;
+    std::unordered_map<std::uint32_t, std::size_t> places;
+    for (const std::uint32_t branch : branches) {
+        const auto [place, isNew] = places.try_emplace(branch, parts.size());
+        if (isNew) {
+            parts.push_back({branch});
+        } else if (kind == Kind::AND && mNodes[branch].kind != Kind::EVENT) {
+            ++parts[place->second].times;
         }
     }
-    return Intern(key, std::move(node));
+    if (parts.size() == 1 && parts.front().times == 1) {
+        return parts.front().node;
+    }
+    std::vector<std::uint32_t> key;
+    double least = kind == Kind::OR ? mNodes[parts.front().node].least : 0.0;
+    for (const Part& part : parts) {
+        const double ofPart = mNodes[part.node].least;
+        least = kind == Kind::OR ? std::min(least, ofPart) : least + part.times * ofPart;
+        key.insert(key.end(), part.times, part.node);
+    }
+    std::sort(key.begin(), key.end());
+    std::string text(kind == Kind::OR ? "|" : "&");
+    text.append(reinterpret_cast<const char*>(key.data()), key.size() * sizeof(key.front()));
+    return Intern(text, {kind, ExplainedEvent::NONE, false, std::move(parts), least});
 }
 
 std::uint32_t CutFormula::Intern(const std::string& key, Node node)

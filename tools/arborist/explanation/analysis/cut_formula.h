@@ -12,7 +12,7 @@
 namespace command {
 
 /// The cut sets of a tree as a formula of OR and AND over events. Branches that come to the same, as those do that a
-/// tree writes out many times, are one node.
+/// tree writes out many times, are one node. The cut sets are those of the library's plain expansion.
 ///
 /// An event counts by its id. An observable intermediate event that is not in error stands beside what is below it:
 /// it has to come to error by itself.
@@ -20,28 +20,32 @@ class CutFormula {
 public:
     enum class Kind : unsigned char { EVENT, OR, AND };
 
+    struct Part {
+        std::uint32_t node;
+        /// How often it is chosen from, each time anew: of an AND the branches that come to the same.
+        std::uint32_t times = 1;
+    };
+
     struct Node {
         Kind kind;
         /// Of an EVENT: a place in ExplainedTree::events, the first with that id and status.
         std::size_t event;
         bool isMissing;
-        /// At least two for a gate; for an OR in ascending order of the least that is missing.
-        std::vector<std::uint32_t> children;
-        /// Lower bounds of the missing events of a choice below: the first one may be added up, as an event that
-        /// stands in n places counts one nth in each; the second may not.
-        double leastShare;
-        std::uint32_t least;
-        /// An upper bound, never above the most that is asked for.
-        std::uint32_t most;
+        /// Of a gate, each once.
+        std::vector<Part> parts;
+        /// A lower bound of the missing events of a choice below, where an event that stands in n places of the tree
+        /// counts one nth in each: bounds of gates that are joined may be added up.
+        double least;
     };
 
     static constexpr std::uint32_t NONE = UINT32_MAX;
 
-    CutFormula(const ExplainedTree& tree, std::size_t mostMissing);
+    explicit CutFormula(const ExplainedTree& tree);
 
     /// NONE for a tree without cut sets.
     std::uint32_t GetTop() const { return mTop; }
-    const Node& GetNode(std::uint32_t node) const { return mNodes[node]; }
+    /// A part stands before the gates that hold it.
+    const std::vector<Node>& GetNodes() const { return mNodes; }
 
 private:
     void FindEmpty();
@@ -50,12 +54,11 @@ private:
     void CollectParts(std::size_t event, Kind kind, std::vector<std::uint32_t>& parts);
     std::vector<std::size_t> BranchesOf(std::size_t event) const;
     std::uint32_t MakeEvent(std::size_t event);
-    std::uint32_t MakeGate(Kind kind, std::vector<std::uint32_t> parts);
+    std::uint32_t MakeGate(Kind kind, std::vector<std::uint32_t> branches);
     std::uint32_t Intern(const std::string& key, Node node);
     bool IsBarred(const ExplainedEvent& event) const { return event.observable && !event.IsInError(); }
 
     const ExplainedTree& mTree;
-    std::uint32_t mMostMissing;
     /// Whether the expansion of an event has no cut set, whatever the statuses.
     std::vector<bool> mIsEmpty;
     std::unordered_map<std::string, std::size_t> mPlacesMissing;

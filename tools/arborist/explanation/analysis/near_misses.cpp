@@ -1,7 +1,11 @@
 #include "tools/arborist/explanation/analysis/near_misses.h"
 
 #include <algorithm>
+#include <iterator>
+#include <map>
+#include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 #include "tools/arborist/explanation/analysis/cut_formula.h"
 
@@ -9,214 +13,244 @@ namespace command {
 
 namespace {
 
-using Node = CutFormula::Node;
+using Number = std::uint32_t;
+/// Nodes of missing events, ascending.
+using Missing = std::vector<Number>;
 
-/// Goes through the choices of a formula that leave exactly so many events missing, one after the other.
-class NearMissSearch {
+/// A set of missing events, and a choice that lacks just these.
+struct Lack {
+    Number set;
+    Number choice;
+};
+
+/// What the choices below a node lack, each set once, the smallest first.
+using Lacks = std::vector<Lack>;
+
+/// Works out what the choices of a formula lack, from the events up. A choice is kept as the two that it joins, until
+/// somebody asks for its events.
+class LackFinder {
 public:
-    NearMissSearch(const CutFormula& formula, std::size_t limit, std::size_t steps, NearMisses& found)
-        : mFormula(formula), mLimit(limit), mSteps(steps), mFound(found)
+    LackFinder(const CutFormula& formula, std::size_t most, std::size_t& steps)
+        : mFormula(formula), mMost(most), mSteps(steps)
     {
     }
 
-    void Search(std::size_t missing)
+    /// Of the whole formula, at most `most` events each.
+    Lacks Find()
     {
-        mWanted = missing;
-        if (mFormula.GetTop() == CutFormula::NONE) {
-            return;
+        std::vector<Lacks> all;
+        for (const CutFormula::Node& node : mFormula.GetNodes()) {
+            all.push_back(node.least > static_cast<double>(mMost) + SLACK ? Lacks() : LacksOf(node, all));
         }
-        Enter(mFormula.GetTop());
-        const Agenda agenda{mFormula.GetTop(), nullptr};
-        Step(&agenda);
-        Leave(mFormula.GetTop());
+        return std::move(all[mFormula.GetTop()]);
+    }
+
+    const Missing& SetOf(const Lack& lack) const { return *mSets[lack.set]; }
+    bool IsComplete() const { return mIsComplete; }
+
+    std::vector<std::size_t> EventsOf(const Missing& set) const
+    {
+        std::vector<std::size_t> events;
+        for (const Number node : set) {
+            events.push_back(mFormula.GetNodes()[node].event);
+        }
+        std::sort(events.begin(), events.end());
+        return events;
+    }
+
+    std::vector<std::size_t> PresentOf(Number choiceOfAll) const
+    {
+        std::unordered_set<Number> seen{NOTHING};
+        std::vector<Number> open{choiceOfAll};
+        std::vector<std::size_t> events;
+        while (!open.empty()) {
+            const Number choice = open.back();
+            open.pop_back();
+            if (!seen.insert(choice).second) {
+                continue;
+            }
+            const auto& [left, right] = mChoices[choice];
+            if (left == EVENT) {
+                events.push_back(mFormula.GetNodes()[right].event);
+            } else {
+                open.insert(open.end(), {left, right});
+            }
+        }
+        std::sort(events.begin(), events.end());
+        events.erase(std::unique(events.begin(), events.end()), events.end());
+        return events;
     }
 
 private:
-    /// What has still to be chosen from.
-    struct Agenda {
-        std::uint32_t node;
-        const Agenda* rest;
-    };
-
-    // The stack ends somewhere; a tree with more gates in one cut set is none that anyone reads.
-    static constexpr std::size_t DEEPEST = 4000;
+    /// The choice without events, and what stands on the left of a choice that is one event.
+    static constexpr Number NOTHING = 0;
+    static constexpr Number EVENT = UINT32_MAX;
     // Sums of shares are not exact.
     static constexpr double SLACK = 1e-6;
+    static constexpr std::size_t LARGEST_FAMILY = 100000;
 
-    const Node& NodeOf(std::uint32_t node) const { return mFormula.GetNode(node); }
-
-    void Enter(std::uint32_t node)
+    Lacks LacksOf(const CutFormula::Node& node, const std::vector<Lacks>& all)
     {
-        mLeastShare += NodeOf(node).leastShare;
-        mMost += NodeOf(node).most;
+        switch (node.kind) {
+        case CutFormula::Kind::EVENT:
+            return {OfEvent(node, static_cast<Number>(all.size()))};
+        case CutFormula::Kind::OR:
+            return OfOr(node, all);
+        case CutFormula::Kind::AND:
+            return OfAnd(node, all);
+        }
+        return {};
     }
 
-    void Leave(std::uint32_t node)
+    Lack OfEvent(const CutFormula::Node& node, Number number)
     {
-        mLeastShare -= NodeOf(node).leastShare;
-        mMost -= NodeOf(node).most;
+        if (node.isMissing) {
+            return {NumberOf({number}), NOTHING};
+        }
+        mChoices.emplace_back(EVENT, number);
+        return {NumberOf({}), static_cast<Number>(mChoices.size() - 1)};
     }
 
-    // Whether what is chosen and what is still open can come to the wanted number at all.
-    bool CanFit() const
+    Lacks OfOr(const CutFormula::Node& node, const std::vector<Lacks>& all)
     {
-        return mMissing <= mWanted && mLeastShare <= static_cast<double>(mWanted) + SLACK
-            && mMissing + mMost >= mWanted;
+        Lacks lacks;
+        std::unordered_set<Number> known;
+        for (const CutFormula::Part& part : node.parts) {
+            for (const Lack& lack : all[part.node]) {
+                if (known.insert(lack.set).second) {
+                    lacks.push_back(lack);
+                }
+                if (!Spend()) {
+                    break; // one of each part
+                }
+            }
+        }
+        return Tidied(std::move(lacks));
     }
 
-    void Step(const Agenda* agenda)
+    Lacks OfAnd(const CutFormula::Node& node, const std::vector<Lacks>& all)
     {
-        if (mSteps == 0 || mDepth == DEEPEST) {
-            mFound.isComplete = false;
+        Lacks lacks{{NumberOf({}), NOTHING}};
+        for (const CutFormula::Part& part : node.parts) {
+            lacks = Joined(lacks, all[part.node]);
+            // Choosing once more adds sets until it adds none.
+            for (Number times = 1; times < part.times; ++times) {
+                Lacks more = Joined(lacks, all[part.node]);
+                if (more.size() == lacks.size()) {
+                    break;
+                }
+                lacks = std::move(more);
+            }
+        }
+        return lacks;
+    }
+
+    Lacks Joined(const Lacks& left, const Lacks& right)
+    {
+        Lacks lacks;
+        std::unordered_set<Number> known;
+        const Index index = IndexOf(right);
+        Spend(right.size());
+        for (const Lack& one : left) {
+            const Missing& set = SetOf(one);
+            // Small ones fit beside whatever the other lacks; larger ones must share an event with it.
+            const std::size_t room = mMost - set.size();
+            std::vector<const Lack*> others;
+            for (const Lack& other : right) {
+                if (SetOf(other).size() > room) {
+                    break;
+                }
+                others.push_back(&other);
+            }
+            for (const Number event : set) {
+                const auto found = index.find(event);
+                if (found != index.end()) {
+                    others.insert(others.end(), found->second.begin(), found->second.end());
+                }
+            }
+            for (const Lack* other : others) {
+                Join(one, *other, known, lacks);
+                if (!Spend()) {
+                    return Tidied(std::move(lacks));
+                }
+            }
+        }
+        return Tidied(std::move(lacks));
+    }
+
+    void Join(const Lack& one, const Lack& other, std::unordered_set<Number>& known, Lacks& lacks)
+    {
+        Missing both;
+        std::set_union(SetOf(one).begin(), SetOf(one).end(), SetOf(other).begin(), SetOf(other).end(),
+            std::back_inserter(both));
+        if (both.size() > mMost) {
             return;
         }
-        --mSteps;
-        if (agenda == nullptr) {
-            Report();
-            return;
+        const Number set = NumberOf(std::move(both));
+        if (known.insert(set).second) {
+            lacks.push_back({set, JoinedChoice(one.choice, other.choice)});
         }
-        ++mDepth;
-        const Node& node = NodeOf(agenda->node);
-        if (node.kind == CutFormula::Kind::EVENT) {
-            mMost -= node.most;
-            ChooseAll({agenda->node}, agenda->rest);
-            mMost += node.most;
-        } else if (node.kind == CutFormula::Kind::OR) {
-            StepOr(node, *agenda);
-        } else {
-            StepAnd(node, *agenda);
-        }
-        --mDepth;
     }
 
-    void StepOr(const Node& node, const Agenda& agenda)
+    Number JoinedChoice(Number one, Number other)
     {
-        Leave(agenda.node);
-        for (const std::uint32_t child : node.children) {
-            if (NodeOf(child).least > mWanted) {
-                break;
-            }
-            if (mSteps == 0) {
-                mFound.isComplete = false;
-                break;
-            }
-            Enter(child);
-            const Agenda next{child, agenda.rest};
-            if (CanFit()) {
-                Step(&next);
-            }
-            Leave(child);
+        if (one == NOTHING || other == NOTHING || one == other) {
+            return std::max(one, other);
         }
-        Enter(agenda.node);
+        mChoices.emplace_back(one, other);
+        return static_cast<Number>(mChoices.size() - 1);
     }
 
-    // Events are taken at once; the gates below are left to be chosen from, in their order.
-    void StepAnd(const Node& node, const Agenda& agenda)
+    using Index = std::unordered_map<Number, std::vector<const Lack*>>;
+
+    Index IndexOf(const Lacks& lacks) const
     {
-        Leave(agenda.node);
-        std::vector<std::uint32_t> events;
-        std::vector<Agenda> gates;
-        gates.reserve(node.children.size());
-        for (const std::uint32_t child : node.children) {
-            Enter(child);
-            if (NodeOf(child).kind == CutFormula::Kind::EVENT) {
-                mMost -= NodeOf(child).most;
-                events.push_back(child);
-            } else {
-                gates.push_back({child, nullptr});
+        Index index;
+        for (const Lack& lack : lacks) {
+            for (const Number event : SetOf(lack)) {
+                index[event].push_back(&lack);
             }
         }
-        const Agenda* rest = agenda.rest;
-        for (auto gate = gates.rbegin(); gate != gates.rend(); ++gate) {
-            gate->rest = rest;
-            rest = &*gate;
-        }
-        ChooseAll(events, rest);
-        for (const std::uint32_t event : events) {
-            mMost += NodeOf(event).most;
-        }
-        for (const std::uint32_t child : node.children) {
-            Leave(child);
-        }
-        Enter(agenda.node);
+        return index;
     }
 
-    void ChooseAll(const std::vector<std::uint32_t>& events, const Agenda* rest)
+    // The smallest first, and no more than can be gone on with.
+    Lacks Tidied(Lacks lacks)
     {
-        std::vector<std::uint32_t> chosen;
-        for (const std::uint32_t event : events) {
-            if (Take(event)) {
-                chosen.push_back(event);
-            }
+        std::stable_sort(lacks.begin(), lacks.end(),
+            [this](const Lack& left, const Lack& right) { return SetOf(left).size() < SetOf(right).size(); });
+        if (lacks.size() > LARGEST_FAMILY) {
+            lacks.resize(LARGEST_FAMILY);
+            mIsComplete = false;
         }
-        if (CanFit()) {
-            Step(rest);
-        }
-        for (auto event = chosen.rbegin(); event != chosen.rend(); ++event) {
-            GiveBack(*event);
-        }
+        return lacks;
     }
 
-    // An event that was taken before adds nothing. The share of what is taken stays in the sum of shares; the most that
-    // is open forgets it.
-    bool Take(std::uint32_t event)
+    // Whether there was enough left.
+    bool Spend(std::size_t steps = 1)
     {
-        if (event >= mIsTaken.size()) {
-            mIsTaken.resize(event + std::size_t{1}, false);
-        }
-        if (mIsTaken[event]) {
-            return false;
-        }
-        mIsTaken[event] = true;
-        mTaken.push_back(event);
-        mMissing += NodeOf(event).isMissing ? 1U : 0U;
-        return true;
+        const bool isEnough = mSteps >= steps;
+        mSteps -= std::min(mSteps, steps);
+        mIsComplete = mIsComplete && isEnough;
+        return isEnough;
     }
 
-    void GiveBack(std::uint32_t event)
+    Number NumberOf(Missing set)
     {
-        mIsTaken[event] = false;
-        mTaken.pop_back();
-        mMissing -= NodeOf(event).isMissing ? 1U : 0U;
-    }
-
-    void Report()
-    {
-        if (mMissing != mWanted || !mKnown.insert(KeyOfTaken()).second) {
-            return;
+        const auto [entry, isNew] = mNumbers.try_emplace(std::move(set), static_cast<Number>(mSets.size()));
+        if (isNew) {
+            mSets.push_back(&entry->first);
         }
-        if (mFound.sets.size() == mLimit) {
-            ++mFound.leftOut;
-            return;
-        }
-        NearMiss& nearMiss = mFound.sets.emplace_back();
-        for (const std::uint32_t taken : mTaken) {
-            const Node& node = NodeOf(taken);
-            (node.isMissing ? nearMiss.missing : nearMiss.present).push_back(node.event);
-        }
-        std::sort(nearMiss.missing.begin(), nearMiss.missing.end());
-        std::sort(nearMiss.present.begin(), nearMiss.present.end());
-    }
-
-    std::string KeyOfTaken() const
-    {
-        std::vector<std::uint32_t> sorted = mTaken;
-        std::sort(sorted.begin(), sorted.end());
-        return {reinterpret_cast<const char*>(sorted.data()), sorted.size() * sizeof(std::uint32_t)};
+        return entry->second;
     }
 
     const CutFormula& mFormula;
-    std::size_t mLimit;
-    std::size_t mSteps;
-    NearMisses& mFound;
-    std::size_t mWanted = 0;
-    std::size_t mDepth = 0;
-    std::size_t mMissing = 0;
-    double mLeastShare = 0;
-    std::uint64_t mMost = 0;
-    std::vector<bool> mIsTaken;
-    std::vector<std::uint32_t> mTaken;
-    std::unordered_set<std::string> mKnown;
+    std::size_t mMost;
+    std::size_t& mSteps;
+    bool mIsComplete = true;
+    std::map<Missing, Number> mNumbers;
+    std::vector<const Missing*> mSets;
+    std::vector<std::pair<Number, Number>> mChoices{{NOTHING, NOTHING}};
 };
 
 } // namespace
@@ -224,10 +258,26 @@ private:
 NearMisses FindNearMisses(const ExplainedTree& tree, std::size_t mostMissing, std::size_t limit, std::size_t steps)
 {
     NearMisses found;
-    const CutFormula formula(tree, mostMissing);
-    NearMissSearch search(formula, limit, steps, found);
-    for (std::size_t missing = 1; missing <= mostMissing && found.isComplete; ++missing) {
-        search.Search(missing);
+    const CutFormula formula(tree);
+    if (formula.GetTop() == CutFormula::NONE) {
+        return found;
+    }
+    // One more missing event at a time: where the steps end, all that lacks less is known.
+    for (std::size_t most = 1; most <= mostMissing && found.isComplete; ++most) {
+        LackFinder finder(formula, most, steps);
+        Lacks lacks = finder.Find();
+        std::erase_if(lacks, [&](const Lack& lack) { return finder.SetOf(lack).size() < most; });
+        std::vector<std::pair<std::vector<std::size_t>, Number>> sets;
+        for (const Lack& lack : lacks) {
+            sets.emplace_back(finder.EventsOf(finder.SetOf(lack)), lack.choice);
+        }
+        std::sort(sets.begin(), sets.end());
+        const std::size_t shown = std::min(sets.size(), limit - found.sets.size());
+        for (std::size_t set = 0; set < shown; ++set) {
+            found.sets.push_back({sets[set].first, finder.PresentOf(sets[set].second)});
+        }
+        found.leftOut += sets.size() - shown;
+        found.isComplete = finder.IsComplete();
     }
     return found;
 }
