@@ -192,7 +192,7 @@ TEST_P(BatchSignal, EndsTheBatchAndLeavesNothingBehind)
         {.input = "slow\nslow\n", .environment = {{"TMPDIR", mDir.Path("tmp")}}});
     EXPECT_EQ(result.status, 128 + GetParam().number);
     EXPECT_THAT(result.out, IsEmpty());
-    EXPECT_THAT(mDir.Read("seen"), StartsWith("arborist-batch-"));
+    EXPECT_THAT(mDir.Read("seen"), StartsWith("arborist-"));
     EXPECT_TRUE(std::filesystem::is_empty("tmp"));
 }
 

@@ -6,11 +6,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
 
 #include "tests/support/event_log_builder.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
+#include "tools/arborist/files/new_file.h"
 #include "tools/arborist/scratch/path_names.h"
 
 namespace {
@@ -132,6 +134,56 @@ TEST_F(ScratchTest, IsGoneAfterSignalsThatEndTheProcess)
     }
 }
 
+TEST_F(ScratchTest, AProgramThatIsRunningEndsWithTheProcess)
+{
+    WriteCodeBundle(mDir, "b", {"info"});
+    // The reader of the pipe comes to an end when nobody of the program's group holds its other side any more.
+    Script("runner", "exec 3> ../pipe\nsleep 600 &\nkill -TERM $PPID\nwait");
+    const auto reader = RunProcess({"sh", "-c", "mkfifo pipe; '" ARBORIST_COMMAND "' detect --code-timeout 600 "
+        "--code-runner ./runner b & timeout 60 cat pipe && wait $!"});
+    EXPECT_EQ(reader.status, 128 + SIGTERM);
+}
+
+TEST_F(ScratchTest, DrawingBareRulesLeavesNothingBehind)
+{
+    WriteHotBundle(mDir, "b");
+    EXPECT_THAT(Run({"graph", "b/rules", "--tree-tag", "Tag"}).out, HasSubstr("HOT"));
+    EXPECT_TRUE(IsScratchGone());
+}
+
+TEST_F(ScratchTest, ALogThatIsBeingMadeIsGoneAfterSignals)
+{
+    std::string lines;
+    for (int i = 0; i < 10000; ++i) {
+        lines += "{\"time\": 5, \"event\": 7}\n";
+    }
+    mDir.Write("lines", lines);
+    mDir.Write("made/log.db", "the old log");
+    for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
+        // When all lines are written, which are more than a pipe takes, the command reads them: its file is there.
+        const auto result = RunProcess({"sh", "-c", "rm -f pipe; mkfifo pipe; env --default-signal '" ARBORIST_COMMAND
+            "' log import - --to made/log.db < pipe & exec 3> pipe; cat lines >&3; ls made; kill -"
+            + std::to_string(number) + " $!; wait $!"});
+        EXPECT_EQ(result.status, 128 + number);
+        EXPECT_THAT(result.out, StartsWith("arborist-"));
+        EXPECT_EQ(StateOf("made").size(), 1U);
+        EXPECT_EQ(mDir.Read("made/log.db"), "the old log");
+    }
+}
+
+TEST_F(ScratchTest, ACaptureIsGoneAfterSignals)
+{
+    WriteCodeBundle(mDir, "b", {"info"});
+    mDir.MakeDir("made");
+    for (const std::string target : {"made/packed", "made/packed.zip"}) {
+        Script("runner", "ls ../made > ../seen; kill -TERM $PPID");
+        const auto result = Run({"bundle", "pack", "b", "--code-timeout", "600", "--code-runner", "./runner", "-o", target});
+        EXPECT_EQ(result.status, 128 + SIGTERM);
+        EXPECT_TRUE(fs::is_empty("made"));
+        EXPECT_TRUE(IsScratchGone());
+    }
+}
+
 TEST_F(ScratchTest, LogsNameTheBundlesOwnPaths)
 {
     PrepareLaptop("laptop");
@@ -182,6 +234,42 @@ TEST(ScratchFolder, IsRemovedWithItsObjectAndLinksAreNotFollowed)
     }
     EXPECT_FALSE(fs::exists(path));
     EXPECT_TRUE(dir.Has("kept/file"));
+}
+
+// ---- A file that comes into being whole. ----
+
+TEST(NewFileDeathTest, IsGoneWhenASignalEndsTheProcess)
+{
+    const TempDir dir;
+    dir.Write("f/old", "old");
+    for (const int number : {SIGHUP, SIGINT, SIGPIPE, SIGTERM}) {
+        EXPECT_EXIT({
+            std::signal(number, SIG_DFL); // a test that runs in the background may have it ignored
+            command::NewFile file;
+            file.Make("f/old");
+            dir.Write("f/" + fs::path(file.TemporaryPath()).lexically_relative("f").string(), "half");
+            std::raise(number);
+        }, testing::KilledBySignal(number), "");
+        EXPECT_EQ(StateOf("f").size(), 1U);
+        EXPECT_EQ(dir.Read("f/old"), "old");
+    }
+}
+
+TEST(NewFile, ReplacesPlainFilesOnly)
+{
+    const TempDir dir;
+    dir.MakeDir("folder");
+    ASSERT_EQ(mkfifo("pipe", 0600), 0);
+    for (const auto& [path, problem] : {std::pair("folder", "is a folder"), std::pair("pipe", "is no plain file"),
+             std::pair("no/file", "can't be written: No such file or directory")}) {
+        command::NewFile file;
+        EXPECT_EQ(file.Make(path), problem);
+    }
+    command::NewFile file;
+    EXPECT_EQ(file.Make("file"), std::nullopt);
+    dir.Write(fs::path(file.TemporaryPath()).lexically_normal().string(), "new");
+    EXPECT_EQ(file.PutInPlace(), std::nullopt);
+    EXPECT_EQ(dir.Read("file"), "new");
 }
 
 TEST(PathNames, EveryPlaceOfAPathIsNamed)

@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -14,15 +13,13 @@
 
 #include <poll.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include "tools/arborist/batch/worker.h"
 #include "tools/arborist/commands/output.h"
+#include "tools/arborist/scratch/scratch.h"
 
 namespace command {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -72,40 +69,6 @@ private:
     std::array<struct sigaction, NUMBERS.size()> mBefore = {};
     struct sigaction mPipeBefore = {};
     sigset_t mMaskBefore = {};
-};
-
-/// A folder for the temporary files of all workers, so that those of one that was killed are removed, too.
-class BatchFolder {
-public:
-    BatchFolder()
-    {
-        std::error_code error;
-        const std::string root = fs::temp_directory_path(error).string() + "/arborist-batch-"
-            + std::to_string(getpid()) + "-";
-        // No random letters: the library takes "zip" anywhere in a path for an archive.
-        for (int number = 0; mPath.empty(); ++number) {
-            if (mkdir((root + std::to_string(number)).c_str(), 0700) == 0) {
-                mPath = root + std::to_string(number);
-            } else if (errno != EEXIST) {
-                return;
-            }
-        }
-    }
-    ~BatchFolder()
-    {
-        std::error_code ignored;
-        if (!mPath.empty()) {
-            fs::remove_all(mPath, ignored);
-        }
-    }
-    BatchFolder(const BatchFolder&) = delete;
-    BatchFolder& operator=(const BatchFolder&) = delete;
-
-    /// Empty when there is none; errno tells why.
-    const std::string& Path() const { return mPath; }
-
-private:
-    std::string mPath;
 };
 
 /// Process groups of the programs that the workers run, in memory that all processes share.
@@ -327,10 +290,10 @@ ExitStatus RunBatch(const std::vector<BundlePath>& bundles, const BatchWork& wor
     ExitStatus status = ExitStatus::SUCCESS;
     {
         const EndingSignals signals;
-        const BatchFolder folder;
-        if (folder.Path().empty()) {
-            PrintError(std::string("no folder for temporary files can be made: ") + std::strerror(errno));
-            return ExitStatus::INTERNAL;
+        Scratch folder; // of all workers, so that the files of one that was killed are removed, too
+        if (const auto failure = folder.Make()) {
+            PrintError(failure->message);
+            return failure->status;
         }
         status = Batch(bundles, work, options, signals.MaskBefore(), folder.Path()).Run();
     }

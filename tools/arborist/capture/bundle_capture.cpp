@@ -308,7 +308,8 @@ Problem MakeStage(Scratch& scratch, const std::string& target)
         return Failure{"not_packed", target + ": exists already"};
     }
     // Beside its place, so that it can be put there in one step.
-    return scratch.MakeIn(fs::path(target).parent_path().string());
+    const auto reason = scratch.MakeIn(fs::path(target).parent_path().string());
+    return reason ? std::optional(Failure{"not_packed", target + ": can't be written: " + *reason}) : std::nullopt;
 }
 
 Problem CaptureInto(const std::string& folder, const BundlePath& bundle, const CaptureOptions& options,

@@ -18,6 +18,8 @@
 #include <sys/prctl.h>
 #endif
 
+#include "tools/arborist/scratch/interruption.h"
+
 namespace command {
 
 namespace fs = std::filesystem;
@@ -90,22 +92,45 @@ private:
     struct sigaction mActionBefore = {};
 };
 
+/// What becomes a program: its file, its standard input, where a failure to start is told, and its signal mask.
+struct Child {
+    const char* path;
+    int input;
+    int report;
+    const sigset_t& mask;
+};
+
 // Between fork and exec: nothing here may take a lock or memory.
-[[noreturn]] void BecomeProgram(const char* path, int input, int report, const sigset_t& mask)
+[[noreturn]] void BecomeProgram(const Child& child)
 {
     setpgid(0, 0);
 #if defined(__linux__)
     prctl(PR_SET_PDEATHSIG, SIGKILL); // outside our group no key stroke reaches it: it must not outlive us
 #endif
     signal(SIGPIPE, SIG_DFL);
-    sigprocmask(SIG_SETMASK, &mask, nullptr);
-    if (dup2(input, STDIN_FILENO) >= 0 && dup2(STDERR_FILENO, STDOUT_FILENO) >= 0) {
-        char* const arguments[] = {const_cast<char*>(path), nullptr};
-        execv(path, arguments);
+    sigprocmask(SIG_SETMASK, &child.mask, nullptr);
+    if (dup2(child.input, STDIN_FILENO) >= 0 && dup2(STDERR_FILENO, STDOUT_FILENO) >= 0) {
+        char* const arguments[] = {const_cast<char*>(child.path), nullptr};
+        execv(child.path, arguments);
     }
     const int reason = errno;
-    [[maybe_unused]] const auto written = write(report, &reason, sizeof reason);
+    [[maybe_unused]] const auto written = write(child.report, &reason, sizeof reason);
     _exit(127);
+}
+
+// The process group of the program, which a signal that ends this process kills, or -1.
+pid_t Start(const Child& start, Interruption& interruption)
+{
+    const SignalsHeldBack heldBack;
+    const pid_t child = fork();
+    if (child == 0) {
+        BecomeProgram(start);
+    }
+    if (child > 0) {
+        setpgid(child, child); // by both, so that the group exists whoever comes first
+        interruption.Kill(child);
+    }
+    return child;
 }
 
 ProgramOutcome Trouble(const std::string& trouble)
@@ -113,6 +138,11 @@ ProgramOutcome Trouble(const std::string& trouble)
     ProgramOutcome outcome;
     outcome.trouble = trouble;
     return outcome;
+}
+
+ProgramOutcome CannotBeStarted(int reason)
+{
+    return Trouble(std::string("can't be started: ") + std::strerror(reason));
 }
 
 ProgramOutcome OutcomeOf(int status)
@@ -176,21 +206,18 @@ ProgramOutcome RunProgram(const std::string& path, const std::string& input, std
     const File file = FileWith(input);
     int report[2];
     if (file == nullptr || pipe2(report, O_CLOEXEC) != 0) {
-        return Trouble(std::string("can't be started: ") + std::strerror(errno));
+        return CannotBeStarted(errno);
     }
     const ChildSignal signal;
-    const pid_t child = fork();
-    if (child == 0) {
-        BecomeProgram(path.c_str(), fileno(file.get()), report[1], signal.MaskBefore());
-    }
+    Interruption interruption;
+    const pid_t child = Start({path.c_str(), fileno(file.get()), report[1], signal.MaskBefore()}, interruption);
     const int forkReason = errno;
     close(report[1]);
     if (child < 0) {
         close(report[0]);
-        return Trouble(std::string("can't be started: ") + std::strerror(forkReason));
+        return CannotBeStarted(forkReason);
     }
     Note(child);
-    setpgid(child, child); // by both, so that the group exists whoever comes first
     int reason = 0;
     ssize_t length = 0;
     do {
@@ -199,7 +226,7 @@ ProgramOutcome RunProgram(const std::string& path, const std::string& input, std
     close(report[0]);
     const ProgramOutcome outcome = WaitFor(child, signal, timeout);
     Note(0);
-    return length == sizeof reason ? Trouble(std::string("can't be started: ") + std::strerror(reason)) : outcome;
+    return length == sizeof reason ? CannotBeStarted(reason) : outcome;
 }
 
 } // namespace command

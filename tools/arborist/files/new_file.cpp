@@ -2,48 +2,36 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 namespace command {
 
-NewFile::~NewFile()
-{
-    if (!mTemporary.empty()) {
-        unlink(mTemporary.c_str());
-    }
-}
+namespace fs = std::filesystem;
 
 std::optional<std::string> NewFile::Make(const std::string& path)
 {
     std::error_code error;
-    if (std::filesystem::is_directory(path, error)) {
+    if (fs::is_directory(path, error)) {
         return "is a folder";
     }
-    std::string temporary = path + ".XXXXXX";
-    const int file = mkstemp(temporary.data());
-    if (file < 0) {
-        return std::string("can't be written: ") + std::strerror(errno);
+    // A device or a pipe would be replaced by the file.
+    if (fs::exists(path, error) && !fs::is_regular_file(path, error)) {
+        return "is no plain file";
     }
-    const mode_t mask = umask(0);
-    umask(mask);
-    fchmod(file, 0666 & ~mask);
-    close(file);
+    const fs::path folder = fs::path(path).parent_path();
+    if (const auto reason = mFolder.MakeIn(folder.empty() ? "." : folder.string())) {
+        return "can't be written: " + *reason;
+    }
     mPath = path;
-    mTemporary = temporary;
     return std::nullopt;
 }
 
 std::optional<std::string> NewFile::PutInPlace()
 {
-    if (std::rename(mTemporary.c_str(), mPath.c_str()) != 0) {
+    if (std::rename(TemporaryPath().c_str(), mPath.c_str()) != 0) {
         return std::string("can't be put in place: ") + std::strerror(errno);
     }
-    mTemporary.clear();
     return std::nullopt;
 }
 

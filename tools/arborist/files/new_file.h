@@ -4,27 +4,24 @@
 #include <optional>
 #include <string>
 
+#include "tools/arborist/scratch/scratch.h"
+
 namespace command {
 
-/// A file that comes into being whole: it is written beside its place under another name, and put there at the end.
-/// What is not put in place leaves no trace, and an old file stays as it was.
+/// A file that comes into being whole: it is written in a private folder beside its place, and put there at the end.
+/// What is not put in place leaves no trace, also on signals, and an old file stays as it was.
 class NewFile {
 public:
-    NewFile() = default;
-    ~NewFile();
-    NewFile(const NewFile&) = delete;
-    NewFile& operator=(const NewFile&) = delete;
-
-    /// Makes the empty file beside `path`. Otherwise answers why not ("is a folder").
+    /// Makes the folder beside `path`. Otherwise answers why not ("is a folder").
     std::optional<std::string> Make(const std::string& path);
-    /// Where to write; empty before Make and after PutInPlace.
-    const std::string& TemporaryPath() const { return mTemporary; }
+    /// Where to make the file.
+    std::string TemporaryPath() const { return mFolder.Path("new"); }
     /// Gives the file its name, replacing an old one. Otherwise answers why not.
     std::optional<std::string> PutInPlace();
 
 private:
     std::string mPath;
-    std::string mTemporary;
+    Scratch mFolder;
 };
 
 } // namespace command

@@ -5,12 +5,12 @@
 #include <string>
 
 #include "tools/arborist/problem.h"
+#include "tools/arborist/scratch/interruption.h"
 
 namespace command {
 
 /// A private folder below $TMPDIR (or /tmp) for everything that a run writes: inputs stay as they are. It is removed
-/// with the object, and on SIGHUP, SIGINT, SIGPIPE and SIGTERM, which then end the process as they would have without
-/// it. A process that is forked does not remove the folders of its parent.
+/// with the object, and on the signals of an Interruption.
 class Scratch {
 public:
     Scratch() = default;
@@ -20,8 +20,8 @@ public:
 
     /// Makes the folder; once made, it stays. Otherwise answers why not.
     std::optional<Failure> Make();
-    /// The same in another folder than that for temporary files.
-    std::optional<Failure> MakeIn(const std::string& folder);
+    /// The same in another folder than that for temporary files. Answers the system's reason when it can't be made.
+    std::optional<std::string> MakeIn(const std::string& folder);
     bool IsMade() const { return !mPath.empty(); }
     /// Absolute and without links, empty before Make.
     const std::string& Path() const { return mPath; }
@@ -29,7 +29,7 @@ public:
 
 private:
     std::string mPath;
-    int mSlot = -1;
+    Interruption mInterruption;
 };
 
 } // namespace command
