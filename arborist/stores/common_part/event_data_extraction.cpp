@@ -148,13 +148,20 @@ void CommonPartDbHelper::QueryDataSet(
     // Row by row: what the selection holds need not be there twice, as text and as JSON.
     FT::sql::SqlCursor cursor(database.GetHandle(), sql);
     std::vector<std::string> withoutJson; // their lines come behind that of a statement that fails on its way
+    std::uint64_t bytes = 0;
+    std::string error;
     bool isEmpty = true;
-    for (; cursor.Step(); isEmpty = false) {
+    for (; error.empty() && cursor.Step(); isEmpty = false) {
         const std::int64_t time = TimeOf(cursor);
         if (time <= minTime) {
             continue;
         }
         const std::string_view extra = cursor.GetText(EXTRA_COLUMN);
+        bytes += extra.size();
+        if (!database.GetHandle().AllowsBytes(bytes)) {
+            error = "query aborted"; // columns that are computed may hold far more than the file
+            continue;
+        }
         Json::Value row;
         if (!HoldsJson(extra, row)) {
             withoutJson.emplace_back(extra);
@@ -169,9 +176,12 @@ void CommonPartDbHelper::QueryDataSet(
         rows.push_back(std::move(row));
     }
     if (!cursor.IsOk()) {
+        error = cursor.GetError();
+    }
+    if (!error.empty()) {
         // As every statement of the stores tells it. The rows that came before stay.
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Execute sql failed: %s",
-            "FT::sql::SqlOperator::Execute", cursor.GetError().c_str());
+            "FT::sql::SqlOperator::Execute", error.c_str());
     }
     for (const std::string& extra : withoutJson) {
         ExtraStrToJson(extra);

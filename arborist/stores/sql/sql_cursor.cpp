@@ -10,6 +10,7 @@ SqlCursor::SqlCursor(const Sqlite3Db& database, const std::string& sql) : mDb(da
         mError = "database is closed";
         return;
     }
+    mDb.StartText();
     if (sqlite3_prepare_v2(mDb.connection, sql.c_str(), static_cast<int>(sql.size()) + 1, &mStatement, nullptr) !=
         SQLITE_OK) {
         Fail();
@@ -40,6 +41,7 @@ bool SqlCursor::Step()
 void SqlCursor::Restart(std::int64_t parameter)
 {
     Reset();
+    mDb.StartText();
     sqlite3_bind_int64(mStatement, 1, parameter);
 }
 

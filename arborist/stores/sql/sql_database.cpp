@@ -1,6 +1,7 @@
 #include "arborist/stores/sql/sql_database.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <iterator>
 #include <string_view>
@@ -16,6 +17,8 @@ namespace {
 
 constexpr std::int32_t CLOSED = 1;
 constexpr sqlite3_int64 SOFT_HEAP_LIMIT = 102400;
+// Where limits hold: a few bytes of a file can ask for a text of a gigabyte.
+constexpr int LONGEST_TEXT = 64 * 1024 * 1024;
 
 template <std::size_t COUNT>
 bool IsOneOf(const std::string_view (&names)[COUNT], const char* name)
@@ -44,15 +47,69 @@ int AllowReading(void*, int action, const char* name, const char* value, const c
     return reads || asks ? SQLITE_OK : SQLITE_DENY;
 }
 
-bool HasWaitingChanges(sqlite3* connection)
+constexpr char WAITING_CHANGES[] = "-wal";
+
+// Of the file or of one beside it; 0 for one that isn't there.
+std::uint64_t SizeOf(sqlite3* connection, const char* suffix)
 {
     const char* const path = sqlite3_db_filename(connection, "main");
     std::error_code error;
-    const auto size = std::filesystem::file_size(std::string(path == nullptr ? "" : path) + "-wal", error);
-    return !error && size > 0;
+    const auto size = std::filesystem::file_size(std::string(path == nullptr ? "" : path) + suffix, error);
+    return error ? 0 : size;
+}
+
+// A row takes dozens of bytes in the file. To join it with its partners and hold it against some hundred ids takes less
+// than the steps for as many bytes.
+SqlLimits LimitsForReading(sqlite3* connection)
+{
+    constexpr std::uint64_t LEAST_STEPS = 20'000'000;
+    constexpr std::uint64_t STEPS_FOR_A_BYTE = 128;
+    constexpr std::uint64_t LEAST_BYTES = 64 * 1024 * 1024;
+    constexpr std::uint64_t BYTES_FOR_A_BYTE = 4;
+    constexpr std::uint64_t MOST_BELIEVED = 1ULL << 36; // a file with holes may claim any size
+    const std::uint64_t size = SizeOf(connection, "") + SizeOf(connection, WAITING_CHANGES);
+    const std::uint64_t believed = std::min(size, MOST_BELIEVED);
+    return {LEAST_STEPS + STEPS_FOR_A_BYTE * believed, SIZE_MAX, LEAST_BYTES + BYTES_FOR_A_BYTE * believed};
+}
+
+constexpr int STEPS_AT_ONCE = 1000;
+
+// Counted and not timed, so that the same text ends in the same place on a busy machine.
+int TakeSteps(void* context)
+{
+    const auto& database = *static_cast<const Sqlite3Db*>(context);
+    database.stepsLeft -= std::min<std::uint64_t>(database.stepsLeft, STEPS_AT_ONCE);
+    if (database.stepsLeft != 0) {
+        return 0;
+    }
+    const std::uint64_t taken = database.limits->steps;
+    if (database.RaiseLimits()) {
+        database.stepsLeft = database.limits->steps - taken;
+        return 0;
+    }
+    if (database.areLimitsOfFile) {
+        database.areLimitsOfFile = false;
+        database.limits->steps = 0; // nor for what comes later: it would ask the same tables
+    }
+    return 1;
 }
 
 } // namespace
+
+bool Sqlite3Db::RaiseLimits() const
+{
+    if (!areLimitsOfFile) {
+        return false;
+    }
+    const SqlLimits before = *limits;
+    limits = LimitsForReading(connection);
+    return limits->steps > before.steps;
+}
+
+bool Sqlite3Db::AllowsBytes(std::uint64_t bytes) const
+{
+    return !limits.has_value() || bytes <= limits->bytes || (RaiseLimits() && bytes <= limits->bytes);
+}
 
 SqlDatabase::SqlDatabase() : handle(std::make_unique<Sqlite3Db>()) {}
 
@@ -94,13 +151,15 @@ void SqlDatabase::Restrict(SqlAccess access, const SqlLimits& limits)
         return;
     }
     const bool isReadOnly = access == SqlAccess::READ_ONLY;
-    sqlite3_set_authorizer(handle->connection, isReadOnly ? AllowReading : AllowOwnFile, nullptr);
-    if (!isReadOnly) {
-        handle->limits = limits;
-    }
+    sqlite3* const connection = handle->connection;
+    sqlite3_set_authorizer(connection, isReadOnly ? AllowReading : AllowOwnFile, nullptr);
+    handle->areLimitsOfFile = isReadOnly;
+    handle->limits = isReadOnly ? LimitsForReading(connection) : limits;
+    sqlite3_progress_handler(connection, STEPS_AT_ONCE, TakeSteps, handle.get());
+    sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, LONGEST_TEXT);
     // The last one to close a database moves the waiting changes into it, unless told not to.
-    if (isReadOnly && HasWaitingChanges(handle->connection)) {
-        sqlite3_db_config(handle->connection, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    if (isReadOnly && SizeOf(connection, WAITING_CHANGES) > 0) {
+        sqlite3_db_config(connection, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     }
 }
 
@@ -112,6 +171,7 @@ void SqlDatabase::Close()
     sqlite3_close(handle->connection);
     handle->connection = nullptr;
     handle->limits.reset();
+    handle->areLimitsOfFile = false;
     errorMessage.clear();
     resultCode = CLOSED;
 }

@@ -11,19 +11,30 @@ struct sqlite3;
 
 namespace FT::sql {
 
-/// How far foreign SQL text may go before it is broken off.
+/// How far statements may go before they are broken off.
 struct SqlLimits {
     /// Steps of SQLite's machine for one text, some half a minute of them.
     std::uint64_t steps = 5'000'000'000;
-    /// Rows that are kept.
+    /// Rows that a SqlOperator keeps, and bytes of all their texts.
     std::size_t rows = 100'000;
+    std::uint64_t bytes = 256 * 1024 * 1024;
 };
 
 /// A connection; null while closed.
 struct Sqlite3Db {
     sqlite3* connection = nullptr;
-    /// Holds for statements that a SqlOperator runs.
-    std::optional<SqlLimits> limits;
+    mutable std::optional<SqlLimits> limits;
+    /// The limits follow from the size of the file.
+    mutable bool areLimitsOfFile = false;
+    /// What the text under way may still take.
+    mutable std::uint64_t stepsLeft = 0;
+
+    /// To be called before each text is run.
+    void StartText() const { stepsLeft = limits.has_value() ? limits->steps : 0; }
+    /// To be called where a text has reached its limits: true when they are higher now, because the file has grown.
+    bool RaiseLimits() const;
+    /// Whether so many bytes of one text's rows may be kept.
+    bool AllowsBytes(std::uint64_t bytes) const;
 };
 
 /// What statements on a connection may do.
@@ -31,7 +42,10 @@ enum class SqlAccess {
     /// All but reaching another file or the whole process: ATTACH, VACUUM INTO and setting SQLite's memory limits or
     /// directories fail with "not authorized". What goes beyond SqlLimits fails with "interrupted" or "query aborted".
     OWN_FILE,
-    /// Only select, transactions, and asking for the state of the file (data_version, page_count, page_size). The file stays byte for byte as it is, also when changes of others wait in its write-ahead log.
+    /// Only select, transactions, and asking for the state of the file (data_version, page_count, page_size). The file
+    /// stays byte for byte as it is, also when changes of others wait in its write-ahead log. What the limits are
+    /// follows from the size of the file: more than a select over all of it needs. A text that goes beyond them, which
+    /// takes tables that aren't tables, leaves next to nothing for the texts that come later.
     READ_ONLY,
 };
 
@@ -52,7 +66,8 @@ public:
     bool Open(const std::string& path);
     void Close();
     bool IsOpen() const { return resultCode == 0; }
-    /// Holds foreign SQL text in bounds until the database is closed. A statement that goes further fails.
+    /// Holds what statements do in bounds until the database is closed, whether their text or the file is foreign. A
+    /// statement that goes further fails. `limits` are those of OWN_FILE.
     void Restrict(SqlAccess access, const SqlLimits& limits = {});
     const Sqlite3Db& GetHandle() const { return *handle; }
 

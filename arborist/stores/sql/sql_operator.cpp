@@ -1,6 +1,7 @@
 #include "arborist/stores/sql/sql_operator.h"
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 #include <utility>
 
@@ -9,44 +10,6 @@
 #include "arborist/frame/log.h"
 
 namespace FT::sql {
-
-namespace {
-
-// Breaks a statement off that takes too many steps: one that would never end, for instance. Counted and not timed, so
-// that the same text ends in the same place on a busy machine.
-class StepLimit {
-public:
-    explicit StepLimit(const Sqlite3Db& database) : mDb(database)
-    {
-        if (mDb.limits.has_value()) {
-            mStepsLeft = mDb.limits->steps;
-            sqlite3_progress_handler(mDb.connection, STEPS_AT_ONCE, TakeSteps, this);
-        }
-    }
-    ~StepLimit()
-    {
-        if (mDb.limits.has_value()) {
-            sqlite3_progress_handler(mDb.connection, 0, nullptr, nullptr);
-        }
-    }
-    StepLimit(const StepLimit&) = delete;
-    StepLimit& operator=(const StepLimit&) = delete;
-
-private:
-    static constexpr int STEPS_AT_ONCE = 1000;
-
-    static int TakeSteps(void* context)
-    {
-        std::uint64_t& left = static_cast<StepLimit*>(context)->mStepsLeft;
-        left -= std::min<std::uint64_t>(left, STEPS_AT_ONCE);
-        return left == 0 ? 1 : 0;
-    }
-
-    const Sqlite3Db& mDb;
-    std::uint64_t mStepsLeft = 0;
-};
-
-} // namespace
 
 // What tells the two ways to run a statement apart in the log. A logger sees the formats whole.
 struct SqlOperator::KeepingRows {
@@ -94,7 +57,7 @@ bool SqlOperator::Run(const std::string& sql, RowCallback callback)
         return false;
     }
     char* errorText = nullptr;
-    const StepLimit limit(db);
+    db.StartText();
     resultCode = sqlite3_exec(db.connection, sql.c_str(), callback, callback == nullptr ? nullptr : this, &errorText);
     if (IsOk()) {
         return true;
@@ -117,7 +80,7 @@ int SqlOperator::LoadRecord(void* context, int columnCount, char** columnTexts, 
     if (self == nullptr || self->fieldList == nullptr || self->fieldMap == nullptr || columnTexts == nullptr) {
         return 0;
     }
-    if (self->db.limits.has_value() && self->records.size() >= self->db.limits->rows) {
+    if (self->IsFull(columnCount, columnTexts)) {
         return 1;
     }
     try {
@@ -126,6 +89,17 @@ int SqlOperator::LoadRecord(void* context, int columnCount, char** columnTexts, 
         return 1; // nothing may be thrown through SQLite; the statement fails instead
     }
     return 0;
+}
+
+bool SqlOperator::IsFull(int columnCount, char** columnTexts)
+{
+    if (!db.limits.has_value()) {
+        return false;
+    }
+    for (int column = 0; column < columnCount; ++column) {
+        keptBytes += columnTexts[column] == nullptr ? 0 : std::strlen(columnTexts[column]);
+    }
+    return records.size() >= db.limits->rows || !db.AllowsBytes(keptBytes);
 }
 
 void SqlOperator::KeepRow(int columnCount, char** columnTexts)
@@ -163,6 +137,7 @@ void SqlOperator::Clear()
     errorMessage.clear();
     resultCode = 1;
     records.clear();
+    keptBytes = 0;
 }
 
 } // namespace FT::sql

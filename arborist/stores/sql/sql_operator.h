@@ -49,6 +49,7 @@ private:
     struct WithoutRows;
 
     static int LoadRecord(void* context, int columnCount, char** columnTexts, char** columnNames);
+    bool IsFull(int columnCount, char** columnTexts);
     void KeepRow(int columnCount, char** columnTexts);
     template <typename Way>
     bool Run(const std::string& sql, RowCallback callback);
@@ -59,6 +60,7 @@ private:
     const FieldList* fieldList;
     const FieldMap* fieldMap;
     std::vector<SqlRecord> records;
+    std::uint64_t keptBytes = 0;
 };
 
 } // namespace FT::sql

@@ -197,6 +197,63 @@ TEST_F(SqlDatabaseTest, ForeignTextWithTooManyRowsIsBrokenOff)
     EXPECT_TRUE(statement.Execute("values (1), (2), (3)")) << "no longer restricted";
 }
 
+TEST_F(SqlDatabaseTest, ForeignTextWithTooLongTextsIsBrokenOff)
+{
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    SqlLimits limits;
+    limits.bytes = 5;
+    mDatabase.Restrict(SqlAccess::OWN_FILE, limits);
+    SqlField field("value", TypeText);
+    const FieldList list{&field};
+    const FieldMap map{{"value", &field}};
+    SqlOperator statement(mDatabase.GetHandle(), &list, &map);
+    for (int text = 0; text < 2; ++text) {
+        EXPECT_TRUE(statement.Execute("values ('abc'), (null), ('de')"));
+        EXPECT_FALSE(statement.Execute("values ('abc'), ('de'), ('f')"));
+        EXPECT_EQ(statement.GetCount(), 2U);
+    }
+    EXPECT_FALSE(statement.Execute("select hex(zeroblob(50000000))"));
+    EXPECT_EQ(mLog.Lines().back(), "FUNc:FT::sql::SqlOperator::Execute: Execute sql failed: string or blob too big");
+}
+
+constexpr char NEVER_ENDING[] = "with recursive n(i) as (select 1 union all select i + 1 from n) select max(i) from n";
+
+TEST_F(SqlDatabaseTest, ReadingThatNeverEndsIsBrokenOffForGood)
+{
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    mDatabase.Restrict(SqlAccess::READ_ONLY);
+    SqlOperator statement(mDatabase.GetHandle());
+    EXPECT_FALSE(statement.ExecuteNoCallback(NEVER_ENDING));
+    EXPECT_TRUE(statement.ExecuteNoCallback("select 1"));
+    EXPECT_FALSE(statement.ExecuteNoCallback(
+        "with recursive n(i) as (select 1 union all select i + 1 from n where i < 4000) select max(i) from n"));
+    EXPECT_THAT(mLog.Lines(), testing::AllOf(testing::SizeIs(2), testing::Each(testing::HasSubstr("interrupted"))));
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    mDatabase.Restrict(SqlAccess::READ_ONLY);
+    EXPECT_TRUE(statement.ExecuteNoCallback(
+        "with recursive n(i) as (select 1 union all select i + 1 from n where i < 4000) select max(i) from n"));
+}
+
+TEST_F(SqlDatabaseTest, FileThatGrowsMayTakeMoreToRead)
+{
+    constexpr char LONG[] =
+        "with recursive n(i) as (select 1 union all select i + 1 from n where i < 2000000) select max(i) from n";
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    mDatabase.Restrict(SqlAccess::READ_ONLY);
+    SqlDatabase writer;
+    ASSERT_TRUE(writer.Open(mDir.Path("a.db")));
+    ASSERT_TRUE(SqlOperator(writer.GetHandle()).ExecuteNoCallback(
+        "create table t(a); insert into t values (zeroblob(200000))"));
+    SqlOperator statement(mDatabase.GetHandle());
+    EXPECT_TRUE(statement.ExecuteNoCallback(LONG));
+    EXPECT_TRUE(statement.ExecuteNoCallback(LONG));
+    EXPECT_FALSE(statement.ExecuteNoCallback(NEVER_ENDING));
+    SqlDatabase small;
+    ASSERT_TRUE(small.Open(mDir.Path("b.db")));
+    small.Restrict(SqlAccess::READ_ONLY);
+    EXPECT_FALSE(SqlOperator(small.GetHandle()).ExecuteNoCallback(LONG)) << "the text has no need of the steps";
+}
+
 TEST_F(SqlDatabaseTest, RestrictingAClosedDatabaseDoesNothing)
 {
     mDatabase.Restrict(SqlAccess::READ_ONLY);
