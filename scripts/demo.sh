@@ -28,9 +28,12 @@ examples/laptop/prepare.sh "$arborist" "$demo/laptop"
 echo "== Diagnosing the recorded laptop (library log: $demo/laptop.log)"
 "$arborist" detect "$demo/laptop" --code-runner examples/laptop/code-runner.sh --log-file "$demo/laptop.log"
 
+echo "== Telling why"
+"$arborist" explain "$demo/laptop" --code-runner examples/laptop/code-runner.sh --log-file "$demo/laptop.log"
+
 echo "== Diagnosing this machine (library log: $demo/linux-host.log)"
 rm -rf "$demo/linux-host"
 cp -r examples/linux-host "$demo/linux-host"
 "$arborist" detect --tree "$demo/linux-host" --log-file "$demo/linux-host.log"
 
-echo "== Done. Try it yourself: $arborist detect --json $demo/laptop"
+echo "== Done. Try it yourself: $arborist explain --near-misses 1 $demo/laptop"

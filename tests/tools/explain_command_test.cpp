@@ -204,6 +204,17 @@ TEST_F(ExplainCommandTest, ABundleThatCannotBeRunIsToldAndTheNextGoesOn)
     EXPECT_EQ(result.status, 4);
 }
 
+// A reader sees why "on" is not "on".
+TEST_F(ExplainCommandTest, TheLineEndOfATextIsShownWhereItCounts)
+{
+    WriteTree(Or({Basic("A")}));
+    mDir.Write("b/yes", "on\n");
+    mDir.Write("b/rules/FaultTreeRules.xml", RuleXml("Tag").EventRule("A", {Single("r")})
+        .Rule(NodeRuleXml("r", {NodeInfoXml("V", "yes"), ParamsXml({ParamXml("v", "V", "string")}),
+            ConditionXml({SingleLogicXml(TestXml("eq", "v", "on"))})})).Text());
+    EXPECT_THAT(Explained(), AllOf(HasSubstr("V = on from yes\n"), HasSubstr("V \"on\\x0A\" = on (string): fails\n")));
+}
+
 TEST_F(ExplainCommandTest, TextsOfStrangersAreCutAndDoNotSteerTheTerminal)
 {
     WriteHotBundle(mDir, "b");

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -22,12 +23,15 @@ std::string Content(const std::string& path)
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-// What stands in the README's first block of a language.
-std::string Block(const std::string& language)
+// What stands in the README's first block of a language, or in one behind it.
+std::string Block(const std::string& language, std::size_t before = 0)
 {
     const std::string readme = Content("README.md");
     const std::string fence = "```" + language + "\n";
-    const auto start = readme.find(fence);
+    auto start = readme.find(fence);
+    for (; before > 0; --before) {
+        start = readme.find(fence, start + 1);
+    }
     EXPECT_NE(start, std::string::npos) << language;
     const auto content = start + fence.size();
     return readme.substr(content, readme.find("```\n", content) - content);
@@ -42,14 +46,47 @@ TEST(ReadmeTest, ItsCommandsAreProgramsOfTheRepository)
     }
 }
 
-TEST(ReadmeTest, ItsOutputIsWhatTheDemoPrints)
+class ReadmeOutputTest : public testing::Test {
+protected:
+    void SetUp() override { PrepareLaptop("build/demo/laptop"); }
+
+    // As scripts/demo.sh runs it.
+    static std::string OutputOf(const std::string& command)
+    {
+        const std::string runner = SOURCE + "examples/laptop/code-runner.sh";
+        return RunArborist({command, "build/demo/laptop", "--code-runner", runner, "--log-file", "log"}).out;
+    }
+
+    TempDir mDir;
+};
+
+TEST_F(ReadmeOutputTest, ItsDetectionIsWhatTheDemoPrints)
 {
-    const TempDir dir;
-    const std::string laptop = SOURCE + "examples/laptop/";
-    ASSERT_EQ(RunProcess({laptop + "prepare.sh", ARBORIST_COMMAND, "build/demo/laptop"}).status, 0);
-    const auto result = RunArborist({"detect", "build/demo/laptop", "--code-runner", laptop + "code-runner.sh",
-        "--log-file", "log"});
-    EXPECT_THAT(result.out, testing::StartsWith(Block("text")));
+    EXPECT_THAT(OutputOf("detect"), testing::StartsWith(Block("text")));
+}
+
+TEST_F(ReadmeOutputTest, ItsExplanationIsWhatTheDemoPrints)
+{
+    const std::string block = Block("text", 1);
+    const std::string gap = "  ...\n";
+    const auto end = block.find(gap);
+    ASSERT_NE(end, std::string::npos);
+    const std::string explanation = OutputOf("explain");
+    EXPECT_THAT(explanation, HasSubstr(block.substr(0, end)));
+    EXPECT_THAT(explanation, HasSubstr(block.substr(end + gap.size())));
+}
+
+// What it is, how to try it, and what comes of it.
+TEST(ReadmeTest, ItsFirstScreenHasTheExplanation)
+{
+    const std::string readme = Content("README.md");
+    const auto explained = readme.substr(0, readme.find("3 missing"));
+    EXPECT_LE(std::count(explained.begin(), explained.end(), '\n'), 45);
+}
+
+TEST(ReadmeTest, TheDemoExplains)
+{
+    EXPECT_THAT(Content("scripts/demo.sh"), HasSubstr("\"$arborist\" explain \"$demo/laptop\""));
 }
 
 TEST(ReadmeTest, ItsCodeIsPartOfTheMinimalHost)

@@ -46,6 +46,13 @@ std::string Value(const std::string& text)
     return isPlain ? std::string(inside) : quoted;
 }
 
+// Of a text compared as text the line end counts.
+std::string ComparedValue(const std::string& value, const std::string& type)
+{
+    const bool hasBlankEnd = !value.empty() && std::string_view(" \t\r\n").find(value.back()) != std::string_view::npos;
+    return type == "string" && hasBlankEnd ? "\"" + Cut(value, LONGEST_VALUE) + "\"" : Value(value);
+}
+
 // The word of a comparison as people write it; a word that is none stays.
 std::string Sign(const std::string& word)
 {
@@ -129,7 +136,8 @@ std::string WindowText(const ExplainedWindow& window)
 
 std::string TestText(const ExplainedTest& test)
 {
-    return "  test " + Cut(test.key, LONGEST_VALUE) + " " + Sign(test.logic) + " " + Value(test.value)
+    return "  test " + Cut(test.key, LONGEST_VALUE) + " " + Sign(test.logic) + " "
+        + ComparedValue(test.value, test.type)
         + InParentheses(Printable(test.type)) + ": " + std::to_string(test.rowsPassed) + " of "
         + Number(test.rowsTested, "row passes", "rows pass");
 }
@@ -144,8 +152,8 @@ std::string SourceText(const ExplainedComparison& comparison)
 std::string ComparedText(const ExplainedComparison& comparison)
 {
     const std::string& name = comparison.key.empty() ? comparison.paramId : comparison.key;
-    return Cut(name, LONGEST_VALUE) + " " + Value(comparison.observed) + " " + Sign(comparison.logic) + " "
-        + Value(comparison.configured);
+    return Cut(name, LONGEST_VALUE) + " " + ComparedValue(comparison.observed, comparison.type) + " "
+        + Sign(comparison.logic) + " " + ComparedValue(comparison.configured, comparison.type);
 }
 
 std::string ComparisonText(const ExplainedComparison& comparison)
