@@ -5,6 +5,32 @@
 #include <utility>
 
 namespace FT {
+namespace {
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral" // checked where Log::Output is called
+#endif
+std::string Formatted(const std::string& format, va_list args)
+{
+    char room[1024];
+    va_list again;
+    va_copy(again, args);
+    const int length = std::vsnprintf(room, sizeof(room), format.c_str(), args);
+    std::string text(length < 0 ? 0 : static_cast<std::size_t>(length), '\0');
+    if (text.size() < sizeof(room)) {
+        text.assign(room, text.size());
+    } else {
+        std::vsnprintf(text.data(), text.size() + 1, format.c_str(), again);
+    }
+    va_end(again);
+    return text;
+}
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
+
+} // namespace
 
 void DefaultLogger::Print(unsigned int level, const std::string& format, va_list args)
 {
@@ -13,17 +39,9 @@ void DefaultLogger::Print(unsigned int level, const std::string& format, va_list
         {LEVEL_WARN, "[WARN] "},   {LEVEL_ERROR, "[ERROR] "}, {LEVEL_FATAL, "[FATAL] "},
     };
     const auto tag = tags.find(level);
-    // The tag brings its own brackets; readers of the log rely on the doubled ones.
-    std::printf("[%s]:", tag == tags.end() ? "" : tag->second);
-#if defined(__GNUC__)
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral" // checked where Log::Output is called
-#endif
-    std::vprintf(format.c_str(), args);
-#if defined(__GNUC__)
-#pragma GCC diagnostic pop
-#endif
-    std::printf("\n");
+    // The tag brings its own brackets; readers of the log rely on the doubled ones. In one call, so that the lines of
+    // several threads stay whole.
+    std::printf("[%s]:%s\n", tag == tags.end() ? "" : tag->second, Formatted(format, args).c_str());
 }
 
 Log::Log() : mLogger(std::make_unique<DefaultLogger>()) {}

@@ -3,6 +3,7 @@
 #include <cerrno>
 
 #include <fcntl.h>
+#include <langinfo.h>
 #include <pthread.h>
 #include <sys/stat.h>
 #ifdef __linux__
@@ -46,6 +47,11 @@ void Platform::NameThread(const std::string& name)
 #else
     (void)name;
 #endif
+}
+
+const char* Platform::DecimalPoint()
+{
+    return nl_langinfo(RADIXCHAR);
 }
 
 Platform::FileIdentity::FileIdentity(const std::string& path)

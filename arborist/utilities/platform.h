@@ -12,6 +12,10 @@ namespace Platform {
 /// Names the calling thread; the system may keep the first characters only.
 void NameThread(const std::string& name);
 
+/// What stands for the point in numbers, in the locale of the calling thread. Unlike the standard library's way, any
+/// thread may ask at any time. Lives until the locale changes.
+const char* DecimalPoint();
+
 /// Which file stands at a path, and in which state: two that are equal are the same file, unchanged in between.
 class FileIdentity {
 public:

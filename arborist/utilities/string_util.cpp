@@ -1,12 +1,12 @@
 #include "arborist/utilities/string_util.h"
 
 #include <cerrno>
-#include <clocale>
 #include <cstdlib>
 #include <iterator>
 #include <limits>
 
 #include "arborist/frame/log.h"
+#include "arborist/utilities/platform.h"
 
 namespace {
 
@@ -63,7 +63,7 @@ bool ReadPlainNumber(const char* text, double& value)
     static constexpr double POWERS[] = {
         1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
     constexpr std::ptrdiff_t MOST_DIGITS = std::size(POWERS) - 1; // every number of so many digits is a double
-    const char* const point = std::localeconv()->decimal_point;
+    const char* const point = Platform::DecimalPoint();
     std::int64_t digits = 0;
     std::ptrdiff_t decimals = 0;
     const char* end = text;

@@ -1,5 +1,8 @@
 #include "arborist/frame/log.h"
 
+#include <sstream>
+#include <thread>
+
 #include <gtest/gtest.h>
 
 #include "tests/support/case_name.h"
@@ -27,6 +30,36 @@ INSTANTIATE_TEST_SUITE_P(Table, DefaultLoggerLevel, testing::Values(
     LevelCase{"UnknownLevelHasNoTag", 9, "[]:FUNc:Here: 7\n"},
     LevelCase{"NegativeLevelHasNoTag", -1, "[]:FUNc:Here: 7\n"}),
     CaseName());
+
+TEST(DefaultLoggerTest, LongLinesAreWhole)
+{
+    for (const std::size_t length : {1000U, 1010U, 1011U, 1012U, 1013U, 1014U, 100000U}) {
+        const std::string text(length, 'x');
+        testing::internal::CaptureStdout();
+        FT::Log::GetInstance().Output(FT::LEVEL_INFO, "FUNc:%s: %s.", "Here", text.c_str());
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), "[[INFO] ]:FUNc:Here: " + text + ".\n") << length;
+    }
+}
+
+TEST(DefaultLoggerTest, LinesOfSeveralThreadsStayWhole)
+{
+    testing::internal::CaptureStdout();
+    const auto print = [] {
+        for (int line = 0; line < 500; ++line) {
+            FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: %d", "Here", 7);
+        }
+    };
+    std::thread first(print);
+    std::thread second(print);
+    first.join();
+    second.join();
+    std::istringstream lines(testing::internal::GetCapturedStdout());
+    int count = 0;
+    for (std::string line; std::getline(lines, line); ++count) {
+        ASSERT_EQ(line, "[[WARN] ]:FUNc:Here: 7") << count;
+    }
+    EXPECT_EQ(count, 1000);
+}
 
 class CountingLogger : public FT::ILogger {
 public:

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <iterator>
+#include <mutex>
 #include <string_view>
 #include <system_error>
 
@@ -45,6 +46,16 @@ int AllowReading(void*, int action, const char* name, const char* value, const c
     const bool reads = action == SQLITE_SELECT || action == SQLITE_READ || action == SQLITE_FUNCTION ||
         action == SQLITE_RECURSIVE || action == SQLITE_TRANSACTION;
     return reads || asks ? SQLITE_OK : SQLITE_DENY;
+}
+
+// Counts only before SQLite's first use in the process; later it is refused, which does no harm. Until that first use
+// nothing in SQLite guards what is set here, so that one thread at a time comes by.
+void Configure()
+{
+    static std::mutex mutex;
+    const std::lock_guard<std::mutex> lock(mutex);
+    sqlite3_config(SQLITE_CONFIG_SMALL_MALLOC, 1);
+    sqlite3_initialize();
 }
 
 constexpr char WAITING_CHANGES[] = "-wal";
@@ -122,8 +133,7 @@ bool SqlDatabase::Open(const std::string& path)
 {
     static constexpr char NAME[] = "FT::sql::SqlDatabase::Open";
     Close();
-    // Counts only before SQLite's first use in the process; later it is refused, which does no harm.
-    sqlite3_config(SQLITE_CONFIG_SMALL_MALLOC, 1);
+    Configure();
     sqlite3_soft_heap_limit64(SOFT_HEAP_LIMIT);
     resultCode = sqlite3_open(path.c_str(), &handle->connection);
     if (!IsOpen()) {
