@@ -18,6 +18,10 @@ const std::string ID = "_id";
 const std::string REPAIR_ID = "repair_id";
 const std::string REPAIR_DATE = "repair_date";
 
+// A row takes some ten steps of a statement over all of them.
+constexpr std::uint64_t MOST_STEPS = 10'000'000;
+constexpr std::size_t MOST_REPAIRS = 250'000;
+
 // The table and, before it, the fields that it refers to.
 struct RepairTable {
     RepairTable(const FT::sql::SqlDatabase& database, const std::string& name)
@@ -106,6 +110,8 @@ bool RepairDbUtil::OpenDb()
             "FUNc:%s: RepairDbUtil::OpenDb open database fail dbname: %s", NAME, path.c_str());
         return false;
     }
+    // The file is ours, but who knows what stands in its table's place by now.
+    mDatabase->Restrict(FT::sql::SqlAccess::OWN_FILE, {.steps = MOST_STEPS, .rows = MOST_REPAIRS});
     CreateRepairRecordTable(TABLE_NAME);
     return mDatabase->IsOpen();
 }
