@@ -8,12 +8,12 @@
 
 #include "arborist/evaluation/rule_engine_helper.h"
 #include "arborist/frame/detection_observer.h"
+#include "arborist/model/common_part.h"
 #include "arborist/model/event_rule.h"
 
 class AlarmRuleEngine;
 class CodeRuleEngine;
 class CommandRuleEngine;
-class CommonPart;
 class DeviceDetails;
 class FaultTree;
 class FaultTreeParser;
@@ -64,6 +64,8 @@ private:
     };
 
     void InitCommonPart();
+    void TellThresholds(const CommonPart::CombineCommonPart& block) const;
+    void TellExternalDatabases(const CommonPart::CombineCommonPart& block) const;
     void Reset();
     void MarkObservable();
     void RunRules();

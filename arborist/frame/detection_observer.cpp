@@ -104,6 +104,8 @@ const char* DetectionObserver::FamilyText(Family family)
 
 // An observer hears only what it overrides.
 void DetectionObserver::OnRuleSetFile(const RuleSetFile&) {}
+void DetectionObserver::OnThresholds(const ThresholdsSeen&) {}
+void DetectionObserver::OnExternalDatabase(const ExternalDatabaseSeen&) {}
 void DetectionObserver::OnTreeStarted(const TreeStarted&) {}
 void DetectionObserver::OnEventAsked(const EventAsked&) {}
 void DetectionObserver::OnRuleAsked(const RuleAsked&) {}

@@ -92,6 +92,23 @@ public:
         std::size_t count;
     };
 
+    /// The thresholds of one entry of the shared data ("thresholdsOrLumbraData"), before any rule is asked.
+    struct ThresholdsSeen {
+        std::string_view commonPart;
+        /// How many attributes of the device the entry asks for, and how many thresholds it has.
+        std::size_t systemParams;
+        std::size_t thresholds;
+        /// False when one of the four attributes is empty (or there is no device): none of them has a value then.
+        bool areSet;
+    };
+
+    /// Databases beside the event log that are about to be looked for and copied ("defDBTable").
+    struct ExternalDatabaseSeen {
+        std::string_view name;
+        /// The regular expression for their paths. One that is none ends the detection with a std::regex_error.
+        std::string_view pattern;
+    };
+
     struct TreeStarted {
         std::string_view treeId;
         std::string_view version;
@@ -291,6 +308,8 @@ public:
     virtual ~DetectionObserver();
 
     virtual void OnRuleSetFile(const RuleSetFile& file);
+    virtual void OnThresholds(const ThresholdsSeen& thresholds);
+    virtual void OnExternalDatabase(const ExternalDatabaseSeen& database);
     virtual void OnTreeStarted(const TreeStarted& tree);
     virtual void OnEventAsked(const EventAsked& event);
     virtual void OnRuleAsked(const RuleAsked& rule);

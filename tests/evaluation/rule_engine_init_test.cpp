@@ -6,6 +6,7 @@
 #include "tests/support/database_rows.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/recording_observer.h"
 #include "tests/support/settings_guard.h"
 
 namespace {
@@ -52,14 +53,16 @@ protected:
     void Init(const std::vector<Xml>& entries)
     {
         const auto detectInfo = DetectInfoFor(mDir, TAG);
-        detectInfo->mDeviceDetails = std::make_shared<DeviceDetails>("", "", "", "i7", "16G", "4K", "5000");
+        detectInfo->mDeviceDetails = mDevice;
         RuleXml rules(TAG);
         if (!entries.empty()) {
             rules.CommonPart(entries);
         }
         mParser = Load(mDir, TreeXml(TAG).Tree("T", Or({Basic("A")})), rules, detectInfo);
         mLog.Clear();
-        RuleEngine(detectInfo, mParser).Init();
+        RuleEngine engine(detectInfo, mParser);
+        engine.SetObserver(&mObserver);
+        engine.Init();
     }
 
     std::vector<std::string> DerivedRows() const
@@ -71,6 +74,9 @@ protected:
     TempDir mDir;
     SettingsGuard mSettings;
     LogCapture mLog;
+    std::shared_ptr<DeviceDetails> mDevice =
+        std::make_shared<DeviceDetails>("", "", "", "i7", "16G", "4K", "5000");
+    RecordingObserver mObserver;
     std::shared_ptr<FaultTreeParser> mParser;
 };
 
@@ -81,6 +87,7 @@ TEST_F(RuleEngineInit, WithoutACommonPartOnlyTheDirectoryIsMade)
     EXPECT_FALSE(mDir.Has("root/Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db"));
     EXPECT_FALSE(mDir.Has("copies"));
     EXPECT_THAT(mLog.Lines(), IsEmpty());
+    EXPECT_THAT(mObserver.Lines(), IsEmpty());
 }
 
 TEST_F(RuleEngineInit, WithoutAParserOrDetectInfoOnlyTheDirectoryIsMade)
@@ -103,6 +110,29 @@ TEST_F(RuleEngineInit, BothKindsArePreparedAndTheDeviceSetsItsParameters)
     EXPECT_THAT(DerivedRows(), ElementsAre("1|3|1699999999"));
     EXPECT_TRUE(mDir.Has("copies/ext.db"));
     EXPECT_EQ(mParser->GetCommonPart()->GetThresholdLumbraList()[0]->GetSystemParamMap().at("cpu")->value, "i7");
+}
+
+TEST_F(RuleEngineInit, TheObserverHearsOfThresholdsAndThenOfDatabases)
+{
+    Init({TablesXml(mDir.Path("device")), ThresholdsXml("Jank"), ThresholdsXml("More")});
+    EXPECT_THAT(mObserver.Lines(),
+        ElementsAre("thresholds Jank 0 by 1 set", "thresholds More 0 by 1 set", "database Ext '.*\\.db'"));
+}
+
+TEST_F(RuleEngineInit, TheObserverHearsThatThresholdsStayUnset)
+{
+    const std::vector<std::shared_ptr<DeviceDetails>> devices{
+        std::make_shared<DeviceDetails>("", "", "", "", "16G", "4K", "5000"),
+        std::make_shared<DeviceDetails>("", "", "", "i7", "", "4K", "5000"),
+        std::make_shared<DeviceDetails>("", "", "", "i7", "16G", "", "5000"),
+        std::make_shared<DeviceDetails>("", "", "", "i7", "16G", "4K", ""), nullptr};
+    for (const auto& device : devices) {
+        mDevice = device;
+        mObserver.Clear();
+        Init({ThresholdsXml("Jank")});
+        EXPECT_THAT(mObserver.Lines(), ElementsAre("thresholds Jank 0 by 1 unset"));
+        EXPECT_EQ(mParser->GetCommonPart()->GetThresholdLumbraList()[0]->GetSystemParamMap().at("cpu")->value, "");
+    }
 }
 
 TEST_F(RuleEngineInit, TablesAreDerivedBeforeTheCopiesAreMade)

@@ -113,6 +113,17 @@ void RecordingObserver::OnRuleSetFile(const RuleSetFile& file)
                           file.line, file.message.empty() ? "" : ": ", file.message));
 }
 
+void RecordingObserver::OnThresholds(const ThresholdsSeen& thresholds)
+{
+    mLines.push_back(Line("thresholds ", thresholds.commonPart, ' ', thresholds.thresholds, " by ",
+                          thresholds.systemParams, thresholds.areSet ? " set" : " unset"));
+}
+
+void RecordingObserver::OnExternalDatabase(const ExternalDatabaseSeen& database)
+{
+    mLines.push_back(Line("database ", database.name, " '", database.pattern, "'"));
+}
+
 void RecordingObserver::OnTreeStarted(const TreeStarted& tree)
 {
     mLines.push_back(Line("tree ", tree.treeId, " version ", tree.version, " type ", tree.type));

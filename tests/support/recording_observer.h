@@ -15,6 +15,8 @@ public:
     void Clear() { mLines.clear(); }
 
     void OnRuleSetFile(const RuleSetFile& file) override;
+    void OnThresholds(const ThresholdsSeen& thresholds) override;
+    void OnExternalDatabase(const ExternalDatabaseSeen& database) override;
     void OnTreeStarted(const TreeStarted& tree) override;
     void OnEventAsked(const EventAsked& event) override;
     void OnRuleAsked(const RuleAsked& rule) override;

@@ -13,6 +13,8 @@ TEST(RecordingObserverTest, TellsTheDriverCallsInOrder)
     RecordingObserver observer;
     observer.OnRuleSetFile({Observer::RuleSetFile::Kind::RULES, Observer::RuleSetFile::State::MALFORMED, "r.xml",
                             "bad element", 3, 0});
+    observer.OnThresholds({"C", 4, 2, false});
+    observer.OnExternalDatabase({"D", ".*"});
     observer.OnTreeStarted({"T", "2", "jank"});
     observer.OnEventAsked({"A", "name"});
     observer.OnRuleAsked({"A", "r1", Observer::Family::NODE, 1, 2, true});
@@ -22,6 +24,7 @@ TEST(RecordingObserverTest, TellsTheDriverCallsInOrder)
     observer.OnEventDecided({"A", false, Observer::Reason::NONE});
     observer.OnTreeFinished({"T", true});
     EXPECT_THAT(observer.Lines(), ElementsAre("file rules malformed r.xml count 0 line 3: bad element",
+                                              "thresholds C 2 by 4 unset", "database D '.*'",
                                               "tree T version 2 type jank", "event A (name)", "ask A r1 node #1.2",
                                               "filter r1 '3' in '1,2' [filtered_scene]",
                                               "rule A r1 node SKIP [filtered_scene]", "decided A FALSE",

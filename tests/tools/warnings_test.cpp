@@ -1,4 +1,9 @@
 #include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <set>
+#include <sstream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,7 +12,6 @@
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
-#include "tools/arborist/detection/shared_data.h"
 #include "tools/arborist/detection/warning_list.h"
 
 namespace {
@@ -38,6 +42,21 @@ Xml Events(const std::string& column = "LOST")
             .Child(ParamsXml({ParamXml("1", column, "int")}))));
 }
 
+// The same with a threshold that depends on the device.
+Xml Thresholds()
+{
+    return Events().Child(Xml("ThresholdParamTable").Child(ParamsXml({ParamXml("limit", "LIMIT", "int")})));
+}
+
+// Databases below "found".
+Xml Databases()
+{
+    return Xml("defDBTable").Attr("name", "D")
+        .Child(Xml("dbPaths").Child(
+            Xml("dbPath").Attr("decompression", "true").Attr("type", "folder").Attr("value", "found")))
+        .Child(Xml("dbName").Attr("name", ".*\\.db"));
+}
+
 Xml Command(const std::string& sql)
 {
     const auto some = ConditionXml({SingleLogicXml(Xml("ge").Attr("type", "static").TextChild("id", "n")
@@ -49,7 +68,7 @@ Xml Command(const std::string& sql)
 }
 
 class WarningsTest : public testing::Test {
-protected:
+public:
     // A bundle with one tree, one event and that rule.
     void WriteBundle(const Xml& rule, const std::string& ruleName, const std::vector<Xml>& commonPart = {},
         const std::string& json = "")
@@ -154,7 +173,7 @@ TEST_F(WarningsTest, AnExtraThatIsNoJsonObjectIsCounted)
 
 TEST_F(WarningsTest, EmptyAttributesAreToldWhereTheRuleSetHasThresholds)
 {
-    WriteBundle(Command("select count(*) as n from EVENTS"), "command", {Events()},
+    WriteBundle(Command("select count(*) as n from EVENTS"), "command", {Thresholds()},
         R"(, "device": {"CpuName": "c", "Resolution": "r"})");
     EventLogBuilder().Row({NOW - 5, 5, "", ""}).WriteTo(mDir.Path(LOG));
     EXPECT_THAT(Detect().err, StartsWith("arborist: b: warning: the device has no \"RamSize\", \"BatteryCapacity\": "
@@ -182,11 +201,7 @@ TEST_F(WarningsTest, FailedSqlOfTheSharedDataIsTold)
 
 TEST_F(WarningsTest, AnEmptyFolderForCopiesIsToldWhenThereIsSomethingToCopy)
 {
-    const auto table = Xml("defDBTable").Attr("name", "D")
-        .Child(Xml("dbPaths").Child(
-            Xml("dbPath").Attr("decompression", "true").Attr("type", "folder").Attr("value", "found")))
-        .Child(Xml("dbName").Attr("name", ".*\\.db"));
-    WriteBundle(Command("select 1 as n from EVENTS"), "command", {table});
+    WriteBundle(Command("select 1 as n from EVENTS"), "command", {Databases()});
     EXPECT_THAT(Detect().err, Not(HasSubstr("AppDatabaseDir")));
     mDir.Write("b/found/a.db", "x");
     EXPECT_THAT(Detect().err, HasSubstr("warning: the setting \"AppDatabaseDir\" is empty: databases that the rule set "
@@ -237,15 +252,159 @@ TEST(WarningListTest, KeepsALimitedNumberOfEachCodeAndCountsTheRest)
     EXPECT_EQ(told.back().message, "and 7 more of this kind");
 }
 
-TEST_F(WarningsTest, ThresholdsOfAnotherTagOrInACommentAreNone)
+/// One warning as it is told, wherever it is told.
+struct WarningCase {
+    const char* code;
+    std::function<void(WarningsTest&)> prepare;
+    const char* message;
+    int strictStatus;
+    std::vector<std::string> more = {};
+};
+void PrintTo(const WarningCase& warning, std::ostream* out) { *out << warning.code; }
+class EachWarning : public WarningsTest, public testing::WithParamInterface<WarningCase> {};
+
+TEST_P(EachWarning, StandsInJsonAndOnStandardErrorAndCountsUnderStrict)
 {
-    const auto path = mDir.Write("rules.xml", RuleXml("Tag").CommonPart({Events()}).Text());
-    EXPECT_TRUE(command::HasThresholds(path, "Tag"));
-    EXPECT_FALSE(command::HasThresholds(path, "Ta"));
-    EXPECT_FALSE(command::HasThresholds(path, "Other"));
-    EXPECT_FALSE(command::HasThresholds(mDir.Path("nowhere"), "Tag"));
-    mDir.Write("rules.xml", "<RuleCommonPart><Tag><!-- <thresholdsOrLumbraData/> --></Tag></RuleCommonPart>");
-    EXPECT_FALSE(command::HasThresholds(path, "Tag"));
+    const WarningCase& warning = GetParam();
+    warning.prepare(*this);
+    std::vector<std::string> more = warning.more;
+    const auto text = Detect(more);
+    EXPECT_EQ(text.status, 0);
+    EXPECT_THAT(text.err, HasSubstr("arborist: b: warning: " + std::string(warning.message)));
+    EXPECT_THAT(text.out, Not(HasSubstr(warning.message)));
+    more.emplace_back("--json");
+    const auto json = Detect(more);
+    EXPECT_THAT(json.out, HasSubstr("{\"code\": \"" + std::string(warning.code) + "\", \"message\": \""));
+    EXPECT_THAT(json.err, IsEmpty());
+    EXPECT_EQ(json.status, 0);
+    more.emplace_back("--strict");
+    EXPECT_EQ(Detect(more).status, warning.strictStatus);
+}
+
+void WriteLog(const WarningsTest& test, const std::vector<LoggedRow>& rows, const std::string& sql = "")
+{
+    EventLogBuilder builder;
+    builder.Rows(rows);
+    (sql.empty() ? builder : builder.Sql(sql)).WriteTo(test.mDir.Path(LOG));
+}
+
+const LoggedRow ROW{NOW - 5, 5, "", ""};
+
+std::vector<WarningCase> Warnings()
+{
+    return {
+        {"unknown_key", [](auto& test) { WriteHotBundle(test.mDir, "b", BundleJson(R"(, "detectScen": 1)")); },
+            "b/bundle.json: unknown key \"detectScen\"", 4},
+        {"no_rules",
+            [](auto& test) {
+                WriteHotBundle(test.mDir, "b");
+                test.mDir.Write("b/rules/FaultTreeRules.xml", RuleXml("Other").Text());
+            },
+            "rules/FaultTreeRules.xml: no rule under the tree tag", 3},
+        {"sql_failed",
+            [](auto& test) {
+                test.WriteBundle(Command("select n from NOWHERE"), "command", {Events()}, ALL_ATTRIBUTES);
+                WriteLog(test, {ROW});
+            },
+            "SQL of the rule \"command\" on \"JankEventDb.db\" failed: no such table: NOWHERE", 3},
+        {"database_unavailable",
+            [](auto& test) {
+                test.WriteBundle(Command("select 1 as n"), "command", {Events()}, ALL_ATTRIBUTES);
+                WriteLog(test, {ROW});
+                test.mDir.MakeDir("b/programdata/Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db");
+            },
+            "the derived database can't be opened", 4},
+        {"event_log_missing", [](auto& test) { test.WriteBundle(Alarm(), "alarm"); }, "there is no event log", 4},
+        {"event_log_unreadable",
+            [](auto& test) {
+                test.WriteBundle(Alarm(), "alarm");
+                test.mDir.Write(LOG, std::string(2000, 'x'));
+            },
+            "the event log can't be read to its end: file is not a database", 4},
+        {"rows_unseen",
+            [](auto& test) {
+                test.WriteBundle(Alarm(), "alarm");
+                WriteLog(test, {ROW, ROW}, "delete from event_info_flow where _ID = 1");
+            },
+            "1 of 2 rows of the event log can't be seen by alarm rules", 4},
+        {"version_name_empty",
+            [](auto& test) {
+                test.WriteBundle(Alarm(), "alarm");
+                WriteLog(test, {{NOW - 5, 5, "4.1", ""}});
+            },
+            "1 of 1 row of the event log carry a version, and the setting \"VersionName\" is empty", 4},
+        {"bad_extra",
+            [](auto& test) {
+                test.WriteBundle(AlarmRuleXml("alarm", {AlarmIdXml("5", "5", {TimeXml("duration", "30", "1"),
+                    ParamsXml({ParamXml("p", "DROP", "int")}), ConditionXml({SingleLogicXml(TestXml("gt", "p", "70"))})})
+                    .Attr("type", "ParamEventId")}), "alarm");
+                WriteLog(test, {{NOW - 5, 5, "", "[1]"}});
+            },
+            "1 of 1 row of the event log have an \"extra\" that is no JSON object", 4},
+        {"attribute_empty",
+            [](auto& test) {
+                test.WriteBundle(Command("select count(*) as n from EVENTS"), "command", {Thresholds()},
+                    R"(, "device": {"CpuName": "c", "Resolution": "r"})");
+                WriteLog(test, {ROW});
+            },
+            "the device has no \"RamSize\", \"BatteryCapacity\": the rule set's thresholds for this device are not set",
+            4},
+        {"app_database_dir_empty",
+            [](auto& test) {
+                test.WriteBundle(Command("select 1 as n from EVENTS"), "command", {Databases()});
+                test.mDir.Write("b/found/a.db", "x");
+            },
+            "the setting \"AppDatabaseDir\" is empty", 4},
+        {"node_unreadable",
+            [](auto& test) {
+                WriteHotBundle(test.mDir, "b");
+                std::filesystem::remove("b/temperature");
+            },
+            "a node file can't be read: \"temperature\"", 4},
+        {"no_code_runner", [](auto& test) { WriteCodeBundle(test.mDir, "b", {"info"}); },
+            "the code rule \"ruleC1\" has no recorded answer, and no --code-runner was given", 4},
+        {"code_runner", [](auto& test) { WriteCodeBundle(test.mDir, "b", {"info"}); },
+            "/nowhere/at/all: asked about \"info\": can't be started", 4, {"--code-runner", "/nowhere/at/all"}},
+    };
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, EachWarning, testing::ValuesIn(Warnings()), [](const auto& warning) {
+    return std::string(warning.param.code);
+});
+
+// Codes of the page's table of warnings.
+TEST(WarningsPageTest, ListsEveryCodeThatHasATest)
+{
+    std::ifstream file(std::string(ARBORIST_SOURCE_DIR) + "/docs/command.md", std::ios::binary);
+    const std::string page{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    std::istringstream rows(page.substr(page.find("| Warning code |")));
+    std::set<std::string> listed;
+    for (std::string row; std::getline(rows, row) && !row.empty() && row.front() == '|';) {
+        const auto start = row.find('`');
+        if (start != std::string::npos) {
+            listed.insert(row.substr(start + 1, row.find('`', start + 1) - start - 1));
+        }
+    }
+    std::set<std::string> tested{"zip_link"}; // of a zip: see zip_bundle_test.cpp
+    for (const WarningCase& warning : Warnings()) {
+        tested.insert(warning.code);
+    }
+    EXPECT_EQ(listed, tested);
+}
+
+// A table of events alone depends on no attribute.
+TEST_F(WarningsTest, EmptyAttributesAreNothingToARuleSetWithoutThresholds)
+{
+    WriteBundle(Command("select count(*) as n from EVENTS"), "command", {Events()});
+    WriteLog(*this, {ROW});
+    EXPECT_THAT(Detect().err, IsEmpty());
+}
+
+TEST_F(WarningsTest, TwoOfTheEventLogAreToldTogether)
+{
+    WriteBundle(Alarm(), "alarm");
+    WriteLog(*this, {{NOW - 5, 5, "4.1", ""}, ROW}, "update event_info set version_id = 77 where _ID = 2");
+    EXPECT_THAT(Detect({"--json"}).out, testing::AllOf(HasSubstr("rows_unseen"), HasSubstr("version_name_empty")));
 }
 
 } // namespace

@@ -10,7 +10,8 @@ namespace command {
 
 /// The message for a file name pattern that is no regular expression, which the library lets out of a detection as
 /// an exception without saying which one: names the "defDBTable" entry and the text of each such pattern.
-std::string BadPatternMessage(const std::vector<RecordedFile>& files, const std::string& reason);
+std::string BadPatternMessage(const std::vector<RecordedFile>& files, const std::vector<RecordedPattern>& patterns,
+    const std::string& reason);
 
 } // namespace command
 

@@ -82,7 +82,7 @@ public:
             report.results = engine.StartDetection();
             report.failure = RuleSetFailure(mRecorder->GetFiles(), mInfo->mTreeTag);
         } catch (...) {
-            report.failure = FailureInFlight(mRecorder->GetFiles());
+            report.failure = FailureInFlight(mRecorder->GetFiles(), mRecorder->GetPatterns());
         }
         if (report.failure) {
             report.results.clear();
@@ -142,12 +142,13 @@ std::optional<Failure> RuleSetFailure(const std::vector<RecordedFile>& files, co
     return failure;
 }
 
-std::optional<Failure> FailureInFlight(const std::vector<RecordedFile>& files)
+std::optional<Failure> FailureInFlight(
+    const std::vector<RecordedFile>& files, const std::vector<RecordedPattern>& patterns)
 {
     try {
         throw;
     } catch (const std::regex_error& error) {
-        return Failure{"bad_pattern", BadPatternMessage(files, error.what()), ExitStatus::RULE_SET};
+        return Failure{"bad_pattern", BadPatternMessage(files, patterns, error.what()), ExitStatus::RULE_SET};
     } catch (const std::bad_alloc&) {
         return Failure{"out_of_memory", "memory ran out", ExitStatus::INTERNAL};
     } catch (const std::exception& error) {

@@ -49,7 +49,8 @@ DetectionReport RunDetection(const BundlePath& bundle, const DetectionOptions& o
 std::optional<Failure> RuleSetFailure(const std::vector<RecordedFile>& files, const std::string& treeTag);
 
 /// The exception in flight as a failure; to be called in a catch block while the bundle is entered.
-std::optional<Failure> FailureInFlight(const std::vector<RecordedFile>& files);
+std::optional<Failure> FailureInFlight(
+    const std::vector<RecordedFile>& files, const std::vector<RecordedPattern>& patterns = {});
 
 } // namespace command
 

@@ -8,6 +8,11 @@ void DetectionRecorder::OnRuleSetFile(const RuleSetFile& file)
     mWarnings.OnRuleSetFile(file);
 }
 
+void DetectionRecorder::OnExternalDatabase(const ExternalDatabaseSeen& database)
+{
+    mPatterns.push_back({std::string(database.name), std::string(database.pattern)});
+}
+
 void DetectionRecorder::OnTreeStarted(const TreeStarted& tree)
 {
     mTrees.push_back({std::string(tree.treeId), {}, {}});

@@ -49,6 +49,12 @@ struct RecordedFile {
     std::size_t count;
 };
 
+/// Of a "defDBTable": its name, and the pattern for the files that it stands for.
+struct RecordedPattern {
+    std::string database;
+    std::string pattern;
+};
+
 /// Keeps what the command shows of a detection beside its results.
 class DetectionRecorder : public DetectionObserver {
 public:
@@ -56,6 +62,8 @@ public:
     explicit DetectionRecorder(bool keepsEvents) : mKeepsEvents(keepsEvents) {}
 
     void OnRuleSetFile(const RuleSetFile& file) override;
+    void OnThresholds(const ThresholdsSeen& thresholds) override { mWarnings.OnThresholds(thresholds); }
+    void OnExternalDatabase(const ExternalDatabaseSeen& database) override;
     void OnTreeStarted(const TreeStarted& tree) override;
     void OnEventFolded(const EventFolded& event) override;
     void OnRootCause(const RootCauseSeen& rootCause) override;
@@ -66,6 +74,7 @@ public:
     void OnRuleDecided(const RuleDecided& rule) override { mWarnings.OnRuleDecided(rule); }
 
     const std::vector<RecordedFile>& GetFiles() const { return mFiles; }
+    const std::vector<RecordedPattern>& GetPatterns() const { return mPatterns; }
     /// In the order of the results.
     const std::vector<RecordedTree>& GetTrees() const { return mTrees; }
     /// What makes the result less than it looks.
@@ -74,6 +83,7 @@ public:
 private:
     bool mKeepsEvents;
     std::vector<RecordedFile> mFiles;
+    std::vector<RecordedPattern> mPatterns;
     std::vector<RecordedTree> mTrees;
     // Place among the causes of the last tree, by id and cut set.
     std::map<std::pair<std::string, std::vector<std::string>>, std::size_t> mCausePlaces;

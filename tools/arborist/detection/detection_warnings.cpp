@@ -4,7 +4,6 @@
 
 #include "arborist/frame/log.h"
 #include "arborist/frame/settings.h"
-#include "tools/arborist/detection/shared_data.h"
 #include "tools/arborist/log_db/event_log_look.h"
 
 namespace command {
@@ -92,10 +91,14 @@ void DetectionWarnings::OnRuleSetFile(const Observer::RuleSetFile& file)
     if (file.kind != Observer::RuleSetFile::Kind::RULES || file.state != Observer::RuleSetFile::State::LOADED) {
         return;
     }
-    mRuleFile = file.path;
     if (file.count == 0) {
         mList.Add("no_rules", std::string(file.path) + ": no rule under the tree tag");
     }
+}
+
+void DetectionWarnings::OnThresholds(const Observer::ThresholdsSeen& thresholds)
+{
+    mLacksThresholds = mLacksThresholds || (!thresholds.areSet && thresholds.systemParams + thresholds.thresholds > 0);
 }
 
 void DetectionWarnings::OnRuleAsked(const Observer::RuleAsked& rule)
@@ -121,7 +124,8 @@ void DetectionWarnings::OnQuery(const Observer::QuerySeen& query)
 {
     const std::string database = fs::path(query.database).filename().string();
     if (!query.opened) {
-        mList.Add("database_unavailable", "the database " + Quoted(database) + " can't be opened");
+        mList.Add("database_unavailable",
+            (database.empty() ? "the derived database" : "the database " + Quoted(database)) + " can't be opened");
     }
     TellFailedSql("of the rule " + Quoted(mRuleName) + " on " + Quoted(database));
 }
@@ -211,6 +215,9 @@ void DetectionWarnings::TellEventLog(const BundleSession& session)
 
 void DetectionWarnings::TellAttributes(const BundleSession& session)
 {
+    if (!mLacksThresholds) {
+        return;
+    }
     const DeviceDetails& device = session.GetBundle().device;
     const std::pair<const char*, std::string> attributes[] = {{"CpuName", device.GetCpuName()},
         {"RamSize", device.GetRamSize()}, {"Resolution", device.GetResolution()},
@@ -219,11 +226,8 @@ void DetectionWarnings::TellAttributes(const BundleSession& session)
     for (const auto& [name, value] : attributes) {
         empty += value.empty() ? (empty.empty() ? "" : ", ") + Quoted(name) : "";
     }
-    // All thresholds stay unset as soon as one of the four is empty.
-    if (!empty.empty() && !mRuleFile.empty() && HasThresholds(mRuleFile, session.GetBundle().treeTag)) {
-        mList.Add("attribute_empty", "the device has no " + empty + ": the rule set's thresholds for this device are "
-            "not set, and rules that compare with them find nothing");
-    }
+    mList.Add("attribute_empty", "the device has no " + empty + ": the rule set's thresholds for this device are "
+        "not set, and rules that compare with them find nothing");
 }
 
 } // namespace command

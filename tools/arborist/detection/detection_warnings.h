@@ -22,6 +22,7 @@ public:
     void OnLine(const std::string& function, const std::string& message) override;
 
     void OnRuleSetFile(const Observer::RuleSetFile& file);
+    void OnThresholds(const Observer::ThresholdsSeen& thresholds);
     void OnRuleAsked(const Observer::RuleAsked& rule);
     void OnAlarmWindow(const Observer::AlarmWindowSeen& window);
     void OnNodeFile(const Observer::NodeFileSeen& node);
@@ -45,7 +46,6 @@ private:
     std::set<std::string> mUnreadableNodes;
     Observer::Family mFamily = Observer::Family::NONE;
     std::string mRuleName;
-    std::string mRuleFile;
     /// What SQLite said of the statement that ran last; empty when it said nothing.
     std::string mSqlTrouble;
     std::string mEventLogTrouble;
@@ -53,6 +53,7 @@ private:
     bool mWantsLog = false;
     bool mBuildsTables = false;
     bool mHasBadExtra = false;
+    bool mLacksThresholds = false;
 };
 
 } // namespace command
