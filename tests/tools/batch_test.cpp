@@ -143,6 +143,22 @@ TEST_F(BatchTest, AnEmptyListGivesNoLine)
     EXPECT_EQ(result.status, 0);
 }
 
+TEST_F(BatchTest, LinesMayEndInCarriageReturns)
+{
+    WriteHotBundle(mDir, "b");
+    EXPECT_THAT(Outcomes(RunArborist({"detect", "--batch", "-"}, {.input = "b\r\n\r\nb"}).out), ElementsAre("b", "b"));
+    WriteHotBundle(mDir, "c\r");
+    const auto ended = RunArborist({"detect", "--batch", "-", "-0"}, {.input = std::string("c\r\0", 3)});
+    EXPECT_THAT(Outcomes(ended.out), ElementsAre("c\r"));
+}
+
+TEST_F(BatchTest, ANulCharacterInALineEndsNoName)
+{
+    WriteHotBundle(mDir, "b");
+    const auto result = RunArborist({"detect", "--batch", "-"}, {.input = std::string("b\0b\n", 4)});
+    EXPECT_THAT(Outcomes(result.out), ElementsAre(std::string("b\0b: no_bundle", 14)));
+}
+
 TEST_F(BatchTest, ABundleThatIsNoneHasItsLine)
 {
     const auto result = RunArborist({"detect", "--batch", "-"}, {.input = "nowhere\n"});

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "tests/support/event_log_builder.h"
 #include "tests/support/temp_dir.h"
@@ -124,6 +125,43 @@ TEST_F(BundleCommandTest, TheWindowLeavesOutWhatNoRuleReaches)
     EXPECT_THAT(RunArborist({"detect", "part"}).out, HasSubstr("1. DROPS"));
 }
 
+TEST_F(BundleCommandTest, TheTargetsNameDecidesItsKind)
+{
+    WriteHotBundle(mDir, "b");
+    EXPECT_EQ(Pack({"b", "-o", "folder/"}).status, 0);
+    EXPECT_TRUE(mDir.Has("folder/bundle.json"));
+    EXPECT_EQ(Pack({"b", "-o", "B.ZIP"}).status, 0);
+    EXPECT_THAT(RunArborist({"bundle", "info", "B.ZIP"}).out, StartsWith("B.ZIP (zip)\n"));
+}
+
+// Pipes and folders in the places of all files of a device, and then of the rules: told, and not waited for.
+TEST_F(BundleCommandTest, NoFileOfABundleHasToBeAPlainOne)
+{
+    PrepareLaptop("b");
+    std::vector<std::string> files;
+    for (const auto& [path, state] : StateOf("b")) {
+        if (fs::is_regular_file(path) && path != "b/bundle.json" && fs::path(path).extension() != ".sh") {
+            files.emplace_back(path);
+        }
+    }
+    for (const auto& [part, isPipe] : {std::pair("b/programdata", true), std::pair("b/programdata", false),
+             std::pair("b/device", true), std::pair("b/device", false), std::pair("b/rules", true)}) {
+        for (const std::string& file : files) {
+            if (file.rfind(part, 0) == 0) {
+                fs::remove_all(file);
+                ASSERT_EQ(isPipe ? mkfifo(file.c_str(), 0600) : mkdir(file.c_str(), 0700), 0) << file;
+            }
+        }
+        for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{{"detect"}, {"query"},
+                 {"bundle", "info"}, {"bundle", "verify"}, {"repair", "list"}}) {
+            std::vector<std::string> arguments = command;
+            arguments.insert(arguments.end(), {"--log-level", "none", "b"});
+            arguments.insert(arguments.end(), command[0] == "query" ? 1 : 0, "SPEAKER_TEST");
+            EXPECT_THAT(RunArborist(arguments).status, testing::AnyOf(0, 3, 4)) << command[0];
+        }
+    }
+}
+
 TEST_F(BundleCommandTest, OtherRulesAreCapturedInTheirPlace)
 {
     WriteHotBundle(mDir, "b");
@@ -136,7 +174,13 @@ TEST_F(BundleCommandTest, WhatCannotBePackedLeavesNothing)
 {
     WriteHotBundle(mDir, "b");
     mDir.MakeDir("there");
-    EXPECT_THAT(Pack({"b", "-o", "there"}).err, EndsWith("there: exists already [not_packed]\n"));
+    EXPECT_EQ(Pack({"b", "-o", "there/"}).err, "arborist: b: there/: exists already [not_packed]\n");
+    for (const char* target : {"no/packed", "no/packed.zip"}) {
+        const auto result = Pack({"b", "-o", target});
+        EXPECT_EQ(result.err, "arborist: b: " + std::string(target)
+            + ": can't be written: No such file or directory [not_packed]\n");
+        EXPECT_EQ(result.status, 4);
+    }
     fs::remove("b/rules/FaultTreeRules.xml");
     const auto result = Pack({"b", "--log-level", "none", "-o", "packed"});
     EXPECT_THAT(result.err, EndsWith("[rule_file_missing]\n"));

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/case_name.h"
+#include "tests/support/temp_dir.h"
 #include "tests/tools/command_bundle.h"
 
 namespace {
@@ -30,11 +31,19 @@ INSTANTIATE_TEST_SUITE_P(Table, WrongUse, testing::Values(
     WrongUseCase{"MistypedSecondWord", {"log", "improt"}, "no such command: improt; did you mean \"import\"?"},
     WrongUseCase{"UnknownCommand", {"xyzzy"}, "no such command: xyzzy\n"},
     WrongUseCase{"NoSecondWord", {"log"}, "A subcommand is required"},
-    WrongUseCase{"UnknownOption", {"detect", "b", "--frobnicate"}, "The following argument was not expected: --frobnicate"},
+    WrongUseCase{"UnknownOption", {"detect", "b", "--frobnicate"}, "no such option: --frobnicate\n"},
+    WrongUseCase{"MistypedOption", {"detect", "b", "--jsn"}, "no such option: --jsn; did you mean \"--json\"?"},
+    WrongUseCase{"MistypedOptionWithValue", {"log", "show", "l", "--second=1"}, "no such option: --second; did you mean \"--seconds\"?"},
+    WrongUseCase{"MistypedOptionOfAll", {"--versio"}, "no such option: --versio; did you mean \"--version\"?"},
     WrongUseCase{"NoBundle", {"detect"}, "BUNDLE is required"},
     WrongUseCase{"BatchAndBundle", {"detect", "b", "--batch", "list"}, "--batch excludes BUNDLE"},
     WrongUseCase{"JobsWithoutBatch", {"detect", "b", "--jobs", "2"}, "--jobs requires --batch"},
     WrongUseCase{"NoJobs", {"detect", "--batch", "list", "--jobs", "0"}, "--jobs: "},
+    WrongUseCase{"TimeoutThatIsNone", {"detect", "--batch", "list", "--timeout", "nan"},
+        "--timeout: must be a number of seconds from 0 to 86400: nan"},
+    WrongUseCase{"TooLongTimeout", {"bundle", "pack", "b", "-o", "p", "--code-timeout", "inf"},
+        "--code-timeout: must be a number of seconds from 0.001 to 86400: inf"},
+    WrongUseCase{"NoTarget", {"bundle", "pack", "b", "-o", ""}, "--output: must not be empty"},
     WrongUseCase{"BadNow", {"detect", "b", "--now", "noon"},
         "--now: is neither \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: noon"},
     WrongUseCase{"BadZone", {"detect", "b", "--tz", "Mars"}, "--tz: names no time zone that this machine knows: Mars"},
@@ -56,6 +65,56 @@ TEST(CommandLineTest, HelpIsAResultWithTheExitStatuses)
         EXPECT_THAT(result.out, HasSubstr(command.back())) << command.back();
         EXPECT_EQ(result.status, 0) << command.back();
     }
+}
+
+TEST(CommandLineTest, WrongUseNamesTheHelpOfTheCommand)
+{
+    EXPECT_THAT(RunArborist({"log", "improt"}).err, testing::EndsWith("Try 'arborist log --help'.\n"));
+    EXPECT_THAT(RunArborist({"log", "show"}).err, testing::EndsWith("Try 'arborist log show --help'.\n"));
+}
+
+// ---- Standard streams that are closed. ----
+
+ProcessResult RunInShell(const std::string& arguments)
+{
+    return RunProcess({"sh", "-c", "exec '" ARBORIST_COMMAND "' " + arguments});
+}
+
+TEST(ClosedStreams, ResultsThatGoNowhereAreAnError)
+{
+    const TempDir dir;
+    WriteHotBundle(dir, "b");
+    for (const char* command : {"--version", "--help", "help detect", "completion fish", "detect b",
+             "detect b --log-file log --log-level none", "bundle pack b -o packed.zip"}) {
+        const auto result = RunInShell(std::string(command) + " >&-");
+        EXPECT_EQ(result.err, "arborist: standard output could not be written\n") << command;
+        EXPECT_EQ(result.status, 5) << command;
+    }
+    EXPECT_THAT(dir.Read("log"), testing::Not(HasSubstr("HOT (")));
+    EXPECT_THAT(RunArborist({"detect", "packed.zip"}).out, HasSubstr("1. HOT"));
+}
+
+TEST(ClosedStreams, WhatCannotBeReadIsNotTakenForEmpty)
+{
+    const TempDir dir;
+    for (const char* input : {"<&-", "< ."}) {
+        const auto list = RunInShell(std::string("detect --batch - ") + input);
+        EXPECT_EQ(list.err, "arborist: standard input can't be read\n");
+        EXPECT_EQ(list.status, 2);
+        const auto events = RunInShell(std::string("log import - --to log.db ") + input);
+        EXPECT_EQ(events.err, "arborist: -: can't be read\n");
+        EXPECT_EQ(events.status, 4);
+    }
+    EXPECT_FALSE(dir.Has("log.db"));
+}
+
+TEST(ClosedStreams, MessagesThatGoNowhereChangeNothing)
+{
+    const TempDir dir;
+    WriteHotBundle(dir, "b");
+    const auto result = RunInShell("detect b nowhere 2>&- <&-");
+    EXPECT_THAT(result.out, HasSubstr("1. HOT"));
+    EXPECT_EQ(result.status, 4);
 }
 
 TEST(CommandLineTest, VersionIsAResult)

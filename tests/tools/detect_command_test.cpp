@@ -171,8 +171,8 @@ TEST_F(DetectCommandTest, AFolderThatIsNoneIsNamed)
 {
     mDir.Write("file", "x");
     const auto result = RunArborist({"detect", "nowhere", "file"});
-    EXPECT_EQ(result.err, "arborist: nowhere: nowhere: no such folder or zip [no_bundle]\n"
-                          "arborist: file: file: is neither a folder nor a zip [no_bundle]\n");
+    EXPECT_EQ(result.err, "arborist: nowhere: no such folder or zip [no_bundle]\n"
+                          "arborist: file: is neither a folder nor a zip [no_bundle]\n");
     EXPECT_EQ(result.status, 4);
 }
 

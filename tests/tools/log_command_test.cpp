@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "tests/support/case_name.h"
 #include "tests/support/temp_dir.h"
@@ -173,6 +174,23 @@ TEST_F(LogCommandTest, ALogThatIsNoneIsTold)
     EXPECT_EQ(RunArborist({"log", "show", "text.db"}).err, "arborist: text.db: file is not a database\n");
     EXPECT_EQ(RunArborist({"log", "show", "empty.db"}).err, "arborist: empty.db: no such table: event_info\n");
     EXPECT_EQ(RunArborist({"log", "show", "empty.db"}).status, 4);
+}
+
+TEST_F(LogCommandTest, APipeOrAFolderInPlaceOfALogIsToldAndNotWaitedFor)
+{
+    ASSERT_EQ(mkfifo("pipe", 0600), 0);
+    mDir.MakeDir("folder");
+    for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{{"show"}, {"inspect"},
+             {"slice", "--to", "new.db"}}) {
+        for (const auto& [file, reason] : {std::pair("pipe", "is no plain file"), std::pair("folder", "is a folder")}) {
+            std::vector<std::string> arguments = {"log"};
+            arguments.insert(arguments.end(), command.begin(), command.end());
+            arguments.emplace_back(file);
+            const auto result = RunArborist(arguments);
+            EXPECT_EQ(result.err, "arborist: " + std::string(file) + ": " + reason + "\n");
+            EXPECT_EQ(result.status, 4);
+        }
+    }
 }
 
 TEST_F(LogCommandTest, RowsOfStrangersAreShownAsTheyAre)

@@ -140,7 +140,9 @@ TEST(ManualTest, HelpIsThatOfTheCommand)
 
 TEST(ManualTest, TheVersionsOfTheLibrariesAreOneJsonObject)
 {
-    EXPECT_THAT(RunArborist({"--version", "--json"}).out,
+    const auto versions = RunArborist({"--version", "--json"}).out;
+    EXPECT_EQ(RunArborist({"--json", "--version"}).out, versions);
+    EXPECT_THAT(versions,
         MatchesRegex("\\{\"schema\": \"arborist.version.1\", \"arborist\": \"[0-9.]+\", \"libraries\": \\{\"sqlite\": "
                      "\"[0-9.]+\", \"sqliteLinked\": \"[0-9.]+\", \"tinyxml2\": \"[0-9.]+\", \"jsoncpp\": \"[0-9.]+\", "
                      "\"zlib\": \"[0-9.]+\", \"minizip\": \"[0-9.]+\"\\}\\}\n"));

@@ -61,7 +61,7 @@ TEST_F(RepairCommandTest, RecordsThatAreNoDatabaseAreTold)
 
 TEST_F(RepairCommandTest, ABundleThatIsNoneIsTold)
 {
-    EXPECT_EQ(RunArborist({"repair", "list", "nowhere"}).err, "arborist: nowhere: nowhere: no such folder or zip [no_bundle]\n");
+    EXPECT_EQ(RunArborist({"repair", "list", "nowhere"}).err, "arborist: nowhere: no such folder or zip [no_bundle]\n");
     EXPECT_EQ(RunArborist({"repair", "record", "b", ""}).status, 2);
 }
 

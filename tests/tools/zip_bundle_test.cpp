@@ -63,6 +63,17 @@ TEST_F(ZipBundleTest, MayHoldTheBundlesFolderInsteadOfItsFiles)
     EXPECT_THAT(RunArborist({"detect", "b.zip"}).out, HasSubstr("1. HOT"));
 }
 
+TEST_F(ZipBundleTest, OfTwoBundlesIsNone)
+{
+    auto entries = HotEntries("one/");
+    const auto others = HotEntries("two/");
+    entries.insert(entries.end(), others.begin(), others.end());
+    WriteZip("b.zip", entries);
+    const auto result = RunArborist({"detect", "b.zip"});
+    EXPECT_EQ(result.err, "arborist: b.zip: holds 2 bundles; unpack it and name one [no_bundle_json]\n");
+    EXPECT_EQ(result.status, 4);
+}
+
 TEST_F(ZipBundleTest, WithoutABundleFileIsNamed)
 {
     WriteZip("b.zip", {{"a", "x"}});
@@ -75,7 +86,7 @@ TEST_F(ZipBundleTest, TakesNoRepairRecord)
 {
     WriteZip("b.zip", HotEntries());
     const auto result = RunArborist({"repair", "record", "b.zip", "R1"});
-    EXPECT_EQ(result.err, "arborist: b.zip: b.zip: nothing can be recorded in a zip; unpack it first [bundle_is_zip]\n");
+    EXPECT_EQ(result.err, "arborist: b.zip: nothing can be recorded in a zip; unpack it first [bundle_is_zip]\n");
     EXPECT_EQ(result.status, 4);
 }
 

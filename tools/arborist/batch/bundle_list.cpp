@@ -1,6 +1,7 @@
 #include "tools/arborist/batch/bundle_list.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -13,6 +14,9 @@ namespace {
 void ReadEntries(std::istream& stream, char end, std::vector<std::string>& bundles)
 {
     for (std::string bundle; std::getline(stream, bundle, end);) {
+        if (end == '\n' && !bundle.empty() && bundle.back() == '\r') {
+            bundle.pop_back();
+        }
         if (!bundle.empty()) {
             bundles.push_back(bundle);
         }
@@ -26,7 +30,7 @@ std::optional<std::string> ReadBundleList(const std::string& path, bool endsInNu
     const char end = endsInNul ? '\0' : '\n';
     if (path == "-") {
         ReadEntries(std::cin, end, bundles);
-        return std::nullopt;
+        return std::ferror(stdin) != 0 ? std::optional<std::string>("standard input can't be read") : std::nullopt;
     }
     std::error_code error;
     if (std::filesystem::is_directory(path, error)) {

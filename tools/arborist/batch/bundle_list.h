@@ -7,8 +7,8 @@
 
 namespace command {
 
-/// Reads a list of bundles, one a line or, with `endsInNul`, one before each NUL character; empty entries are passed
-/// over. "-" is standard input. Otherwise answers why the list can't be read.
+/// Reads a list of bundles, one a line or, with `endsInNul`, one before each NUL character. Lines may end in CR LF;
+/// empty entries are passed over. "-" is standard input. Otherwise answers why the list can't be read.
 std::optional<std::string> ReadBundleList(const std::string& path, bool endsInNul, std::vector<std::string>& bundles);
 
 } // namespace command

@@ -23,19 +23,20 @@ void EmptySettings()
     }
 }
 
-// Many pack the folder and not what is in it: its one folder is the bundle then.
-std::string FolderWithBundleFile(const fs::path& unpacked)
+// Many pack the folder and not what is in it: its one folder is the bundle then. All that may be meant.
+std::vector<std::string> FoldersWithBundleFile(const fs::path& unpacked)
 {
     std::error_code error;
     if (fs::exists(unpacked / "bundle.json", error)) {
-        return unpacked.string();
+        return {unpacked.string()};
     }
+    std::vector<std::string> folders;
     for (const fs::directory_entry& entry : fs::directory_iterator(unpacked, error)) {
         if (fs::exists(entry.path() / "bundle.json", error)) {
-            return entry.path().string();
+            folders.push_back(entry.path().string());
         }
     }
-    return unpacked.string();
+    return folders.empty() ? std::vector{unpacked.string()} : folders;
 }
 
 std::string DataPath(const std::string& folder, const std::map<std::string, std::string>& settings,
@@ -60,6 +61,9 @@ BundleSession::~BundleSession()
 
 std::optional<Failure> BundleSession::Enter(const BundlePath& path, const BundleOverrides& overrides, BundleUse use)
 {
+    if (path.given.find('\0') != std::string::npos) {
+        return Failure{"no_bundle", path.given + ": no such folder or zip; a path holds no NUL character"};
+    }
     mIsZip = command::IsZip(path.absolute);
     if (mIsZip && use == BundleUse::RECORD) {
         return Failure{"bundle_is_zip", path.given + ": nothing can be recorded in a zip; unpack it first"};
@@ -86,7 +90,12 @@ std::optional<Failure> BundleSession::Unpack(const BundlePath& path)
     if (auto failure = UnpackZip(path.absolute, path.given, unpacked.string(), mWarnings)) {
         return failure;
     }
-    mFolder = FolderWithBundleFile(unpacked);
+    const auto folders = FoldersWithBundleFile(unpacked);
+    if (folders.size() > 1) {
+        return Failure{"no_bundle_json", path.given + ": holds " + std::to_string(folders.size())
+            + " bundles; unpack it and name one"};
+    }
+    mFolder = folders.front();
     mNames.Add(mFolder, path.given);
     mNames.Add(unpacked.string(), path.given);
     return std::nullopt;

@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include <json/writer.h>
+#include <strings.h>
 
 #include "arborist/frame/arborist.h"
 #include "tools/arborist/archive/zip_writer.h"
@@ -272,44 +273,58 @@ private:
     std::vector<Warning> mWarnings;
 };
 
-bool IsZipName(const std::string& path)
+/// Where a capture goes: as the command line names it, and where that is.
+struct Target {
+    std::string given;
+    std::string place;
+    bool isZip;
+};
+
+Target MakeTarget(const std::string& given)
 {
-    return fs::path(path).extension() == ".zip";
+    std::error_code error;
+    fs::path place = fs::absolute(given, error).lexically_normal();
+    place = place.has_filename() ? place : place.parent_path(); // "folder/"
+    return {given, place.string(), strcasecmp(place.extension().c_str(), ".zip") == 0};
 }
 
-Problem PutZip(const std::string& folder, const std::string& target)
+Failure NotPacked(const Target& target, const std::string& reason)
+{
+    return {"not_packed", target.given + ": " + reason};
+}
+
+Problem PutZip(const std::string& folder, const Target& target)
 {
     NewFile file;
-    auto problem = file.Make(target);
+    auto problem = file.Make(target.place);
     if (!problem) {
-        if (auto failure = PackZip(folder, file.TemporaryPath(), target)) {
+        if (auto failure = PackZip(folder, file.TemporaryPath(), target.given)) {
             return failure;
         }
         problem = file.PutInPlace();
     }
-    return problem ? std::optional(Failure{"not_packed", target + ": " + *problem}) : std::nullopt;
+    return problem ? std::optional(NotPacked(target, *problem)) : std::nullopt;
 }
 
-Problem PutFolder(const std::string& folder, const std::string& target)
+Problem PutFolder(const std::string& folder, const Target& target)
 {
     std::error_code error;
-    fs::rename(folder, target, error);
-    return error ? std::optional(Failure{"not_packed", target + ": can't be put in place: " + error.message()})
-                 : std::nullopt;
+    fs::rename(folder, target.place, error);
+    return error ? std::optional(NotPacked(target, "can't be put in place: " + error.message())) : std::nullopt;
 }
 
-Problem MakeStage(Scratch& scratch, const std::string& target)
+Problem MakeStage(Scratch& scratch, const Target& target)
 {
     std::error_code error;
-    if (IsZipName(target)) {
+    if (target.isZip) {
         return scratch.Make();
     }
-    if (fs::exists(fs::symlink_status(target, error))) {
-        return Failure{"not_packed", target + ": exists already"};
+    if (fs::exists(fs::symlink_status(target.place, error))) {
+        return NotPacked(target, "exists already");
     }
     // Beside its place, so that it can be put there in one step.
-    const auto reason = scratch.MakeIn(fs::path(target).parent_path().string());
-    return reason ? std::optional(Failure{"not_packed", target + ": can't be written: " + *reason}) : std::nullopt;
+    const auto reason = scratch.MakeIn(fs::path(target.place).parent_path().string());
+    return reason ? std::optional(NotPacked(target, "can't be written: " + *reason)) : std::nullopt;
 }
 
 Problem CaptureInto(const std::string& folder, const BundlePath& bundle, const CaptureOptions& options,
@@ -332,19 +347,19 @@ Problem CaptureInto(const std::string& folder, const BundlePath& bundle, const C
 
 } // namespace
 
-CaptureReport CaptureBundle(const BundlePath& bundle, const std::string& target, const CaptureOptions& options)
+CaptureReport CaptureBundle(const BundlePath& bundle, const std::string& given, const CaptureOptions& options)
 {
     CaptureReport report;
     try {
         std::error_code error;
-        const std::string place = fs::absolute(target, error).lexically_normal().string();
+        const Target target = MakeTarget(given);
         Scratch scratch;
-        report.failure = MakeStage(scratch, place);
+        report.failure = MakeStage(scratch, target);
         const std::string stage = report.failure ? "" : scratch.Path("bundle");
         fs::create_directory(stage, error);
         report.failure = report.failure ? report.failure : CaptureInto(stage, bundle, options, report);
         if (!report.failure) {
-            report.failure = IsZipName(place) ? PutZip(stage, place) : PutFolder(stage, place);
+            report.failure = target.isZip ? PutZip(stage, target) : PutFolder(stage, target);
         }
     } catch (...) {
         report.failure = FailureInFlight({});

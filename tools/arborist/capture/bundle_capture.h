@@ -28,9 +28,9 @@ struct CaptureReport {
     std::uint64_t bytes = 0;
 };
 
-/// Captures a bundle, and what its rules name outside it, into a bundle that stands for itself: a zip when `target`
+/// Captures a bundle, and what its rules name outside it, into a bundle that stands for itself: a zip when `given`
 /// ends in ".zip", which replaces an old one, else a folder, which must not be there. Either comes into being whole.
-CaptureReport CaptureBundle(const BundlePath& bundle, const std::string& target, const CaptureOptions& options);
+CaptureReport CaptureBundle(const BundlePath& bundle, const std::string& given, const CaptureOptions& options);
 
 } // namespace command
 

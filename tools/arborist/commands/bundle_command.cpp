@@ -1,10 +1,7 @@
-#include <chrono>
-
 #include <CLI/CLI.hpp>
 
 #include "tools/arborist/capture/bundle_capture.h"
 #include "tools/arborist/capture/bundle_contents.h"
-#include "tools/arborist/code_rules/code_program.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/output.h"
 #include "tools/arborist/commands/shared_options.h"
@@ -20,7 +17,7 @@ struct BundleOptions {
     std::string target;
     CaptureOptions capture;
     LogOptions log;
-    double codeTimeout = 30;
+    CodeRunnerOptions codeRunner;
     bool asJson = false;
     bool isStrict = false;
 };
@@ -30,9 +27,7 @@ ExitStatus Pack(BundleOptions options)
     if (!IsLogOpen(options.log)) {
         return ExitStatus::WRONG_USE;
     }
-    CodeRunner& runner = options.capture.codeRunner;
-    runner.timeout = std::chrono::milliseconds(static_cast<std::int64_t>(options.codeTimeout * 1000));
-    runner.path = runner.path.empty() ? "" : FindProgram(runner.path);
+    options.capture.codeRunner = MakeCodeRunner(options.codeRunner);
     const auto report = CaptureBundle(MakeBundlePath(options.bundle), options.target, options.capture);
     PrintProblems(options.bundle, report.warnings, report.failure ? &*report.failure : nullptr);
     if (report.failure) {
@@ -87,18 +82,16 @@ CLI::App* AddCommand(CLI::App& bundle, const std::string& name, const std::strin
 
 void AddPackCommand(CLI::App& bundle, ExitStatus& status)
 {
-    static constexpr double LONGEST_TIMEOUT = 86400;
     auto options = std::make_shared<BundleOptions>();
     CLI::App* pack = AddCommand(bundle, "pack", "Capture a device: all that a diagnosis looks at, in one bundle", options);
     pack->add_option("-o,--output", options->target, "Zip to make (the name ends in .zip), or folder")
-        ->type_name("OUT")->required();
+        ->type_name("OUT")->required()->check([](const std::string& target) {
+            return std::string(target.empty() ? "must not be empty" : "");
+        });
     pack->add_flag("--window", options->capture.isWindowOnly,
         "Of the event log only what the longest window of the rules reaches");
-    pack->add_option("--code-runner", options->capture.codeRunner.path,
-        "Program that answers code rules; its answers are recorded")->type_name("PROGRAM");
-    pack->add_option("--code-timeout", options->codeTimeout, "Seconds that the program may take for one answer")
-        ->type_name("SECONDS")->check(CLI::Range(0.001, LONGEST_TIMEOUT))->capture_default_str();
-    pack->footer("Examples:\n  arborist bundle pack examples/laptop -o laptop.zip\n"
+    AddCodeRunnerOptions(*pack, options->codeRunner);
+    pack->footer("The answers of --code-runner are recorded.\nExamples:\n  arborist bundle pack examples/laptop -o laptop.zip\n"
                  "  arborist bundle pack . --window --code-runner ./tests.sh -o /tmp/device-7");
     pack->callback([options, &status] { status = Pack(*options); });
 }

@@ -1,5 +1,6 @@
 #include "tools/arborist/commands/command_line.h"
 
+#include <algorithm>
 #include <exception>
 #include <iostream>
 
@@ -19,10 +20,10 @@ constexpr char EXIT_STATUSES[] =
     "Exit status: 0 everything was done, fault or not; 1 a fault was found and --fail-on-fault was given; 2 wrong use;\n"
     "3 a rule set could not be used; 4 other input could not be used; 5 an internal error or a limit.";
 
-ExitStatus WrongUse(const CLI::App& app, const std::string& message)
+ExitStatus WrongUse(const std::string& words, const std::string& message)
 {
     PrintError(message);
-    std::cerr << "Try '" << app.get_name() << " --help'.\n";
+    std::cerr << "Try '" << words << " --help'.\n";
     return ExitStatus::WRONG_USE;
 }
 
@@ -35,29 +36,62 @@ std::vector<std::string> CommandNames(const CLI::App& app)
     return names;
 }
 
-// The command that the words name as far as they name one: "arborist log" for "log improt".
-const CLI::App* DeepestCommand(const CLI::App& app, int argc, const char* const* argv, int& next)
+/// The command that the line names as far as it names one: "arborist log" for "log improt".
+struct NamedCommand {
+    const CLI::App* app;
+    std::string words;
+    /// The first argument that is no word of it.
+    int next;
+};
+
+NamedCommand DeepestCommand(const CLI::App& app, int argc, const char* const* argv)
 {
-    const CLI::App* deepest = &app;
-    for (next = 1; next < argc; ++next) {
+    NamedCommand named{&app, app.get_name(), 1};
+    for (; named.next < argc; ++named.next) {
         try {
-            deepest = deepest->get_subcommand(argv[next]);
+            named.app = named.app->get_subcommand(argv[named.next]);
+            named.words += " " + named.app->get_name();
         } catch (const CLI::OptionNotFound&) {
             break;
         }
     }
-    return deepest;
+    return named;
+}
+
+// The first long option that the command does not have; empty where all are known.
+std::string UnknownOption(const NamedCommand& named, int argc, const char* const* argv)
+{
+    for (int i = named.next; i < argc && std::string(argv[i]) != "--"; ++i) {
+        const std::string option = std::string(argv[i]).substr(0, std::string(argv[i]).find('='));
+        if (option.rfind("--", 0) == 0 && named.app->get_option_no_throw(option) == nullptr) {
+            return option;
+        }
+    }
+    return "";
+}
+
+std::vector<std::string> LongOptions(const CLI::App& app)
+{
+    std::vector<std::string> options;
+    for (const CLI::Option* option : app.get_options()) {
+        for (const std::string& name : option->get_lnames()) {
+            options.push_back("--" + name);
+        }
+    }
+    return options;
 }
 
 ExitStatus ReportParseError(const CLI::App& app, const CLI::ParseError& error, int argc, const char* const* argv)
 {
-    int next = 0;
-    const CLI::App* deepest = DeepestCommand(app, argc, argv, next);
-    const std::vector<std::string> names = CommandNames(*deepest);
-    if (next < argc && argv[next][0] != '-' && !names.empty()) {
-        return WrongUse(*deepest, "no such command: " + std::string(argv[next]) + DidYouMean(argv[next], names));
+    const NamedCommand named = DeepestCommand(app, argc, argv);
+    const std::vector<std::string> names = CommandNames(*named.app);
+    if (named.next < argc && argv[named.next][0] != '-' && !names.empty()) {
+        const std::string word = argv[named.next];
+        return WrongUse(named.words, "no such command: " + word + DidYouMean(word, names));
     }
-    return WrongUse(*deepest, error.what());
+    const std::string option = UnknownOption(named, argc, argv);
+    return WrongUse(named.words,
+        option.empty() ? error.what() : "no such option: " + option + DidYouMean(option, LongOptions(*named.app)));
 }
 
 ExitStatus Parse(CLI::App& app, const ExitStatus& status, int argc, const char* const* argv)
@@ -75,13 +109,15 @@ ExitStatus Parse(CLI::App& app, const ExitStatus& status, int argc, const char* 
 // The one option that another one changes.
 bool AsksForVersions(int argc, const char* const* argv)
 {
-    return argc == 3 && std::string(argv[1]) == "--version" && std::string(argv[2]) == "--json";
+    const auto has = [argc, argv](const char* option) { return std::count(argv, argv + argc, std::string(option)) == 1; };
+    return argc == 3 && has("--version") && has("--json");
 }
 
 } // namespace
 
 ExitStatus RunCommandLine(int argc, const char* const* argv)
 {
+    KeepStandardStreams();
     try {
         CLI::App app(DESCRIPTION, "arborist");
         app.set_version_flag("--version", "arborist " ARBORIST_VERSION,

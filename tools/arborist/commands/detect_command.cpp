@@ -6,6 +6,7 @@
 #include "tools/arborist/batch/bundle_list.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/output.h"
+#include "tools/arborist/commands/seconds.h"
 #include "tools/arborist/commands/shared_options.h"
 #include "tools/arborist/render/colour.h"
 #include "tools/arborist/render/detection_json.h"
@@ -74,13 +75,12 @@ ExitStatus DetectBatch(DetectOptions& options)
         report.failure = failure;
         return BundleAnswer{failure.status, DetectionJson(report)};
     };
-    options.batch.timeout = std::chrono::milliseconds(static_cast<std::int64_t>(options.timeout * 1000));
+    options.batch.timeout = Milliseconds(options.timeout);
     return RunBatch(BundlePaths(options.bundles), work, options.batch);
 }
 
 void AddBatchOptions(CLI::App& detect, DetectOptions& options)
 {
-    static constexpr double LONGEST_TIMEOUT = 86400;
     static constexpr std::size_t MOST_JOBS = 1024;
     options.batch.jobs = std::max(1U, std::thread::hardware_concurrency());
     CLI::Option* batch = detect.add_option("--batch", options.list, "Diagnose the bundles of this list, one a line; - "
@@ -95,11 +95,8 @@ void AddBatchOptions(CLI::App& detect, DetectOptions& options)
         ->check(CLI::Range(std::size_t{1}, MOST_JOBS))
         ->needs(batch);
     detect.add_flag("--ordered", options.batch.isOrdered, "Lines of a batch in the order of the list")->needs(batch);
-    detect.add_option("--timeout", options.timeout, "Seconds that one bundle of a batch may take; 0 for no limit")
-        ->type_name("SECONDS")
-        ->check(CLI::Range(0.0, LONGEST_TIMEOUT))
-        ->needs(batch)
-        ->capture_default_str();
+    AddSeconds(detect, "--timeout", options.timeout, 0, "Seconds that one bundle of a batch may take; 0 for no limit")
+        ->needs(batch);
 }
 
 ExitStatus Detect(DetectOptions options)

@@ -2,9 +2,32 @@
 
 #include <iostream>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include "tools/arborist/text/printable.h"
 
 namespace command {
+
+namespace {
+
+// Messages about the bundle as a whole begin with its path anyway.
+std::string About(const std::string& about, const std::string& message)
+{
+    return message.rfind(about + ": ", 0) == 0 ? message : about + ": " + message;
+}
+
+} // namespace
+
+void KeepStandardStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0) {
+            // The lowest free number is this one. Opened for what nobody does with it.
+            [[maybe_unused]] const int opened = open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+        }
+    }
+}
 
 void PrintResult(const std::string& text)
 {
@@ -22,7 +45,7 @@ void PrintProblems(const std::string& about, const std::vector<Warning>& warning
         PrintError(about + ": warning: " + warning.message);
     }
     if (failure != nullptr) {
-        PrintError(about + ": " + failure->message + " [" + failure->code + "]");
+        PrintError(About(about, failure->message) + " [" + failure->code + "]");
     }
 }
 

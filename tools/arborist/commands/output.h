@@ -9,6 +9,10 @@
 
 namespace command {
 
+/// Takes the places of those standard streams that are closed, so that no file of ours gets one of their numbers and
+/// with it what is written for them. Reading and writing them go on failing.
+void KeepStandardStreams();
+
 /// Results go to standard output, and nothing else does. `text` goes out at once: readers follow a long run.
 void PrintResult(const std::string& text);
 

@@ -7,6 +7,7 @@
 #include "tools/arborist/bundle/moment.h"
 #include "tools/arborist/code_rules/code_program.h"
 #include "tools/arborist/commands/output.h"
+#include "tools/arborist/commands/seconds.h"
 #include "tools/arborist/render/colour.h"
 
 namespace command {
@@ -54,20 +55,16 @@ void AddLogOptions(CLI::App& app, LogOptions& options)
 
 void AddCodeRunnerOptions(CLI::App& app, CodeRunnerOptions& options)
 {
-    static constexpr double LONGEST_TIMEOUT = 86400;
     app.add_option("--code-runner", options.program, "Program that answers code rules: one JSON object on its standard "
         "input, exit status 0 for present, 1 for not present")
         ->type_name("PROGRAM");
-    app.add_option("--code-timeout", options.timeout, "Seconds that the program may take for one answer")
-        ->type_name("SECONDS")
-        ->check(CLI::Range(0.001, LONGEST_TIMEOUT))
-        ->capture_default_str();
+    AddSeconds(app, "--code-timeout", options.timeout, 0.001, "Seconds that the program may take for one answer");
 }
 
 CodeRunner MakeCodeRunner(const CodeRunnerOptions& options)
 {
     CodeRunner runner;
-    runner.timeout = std::chrono::milliseconds(static_cast<std::int64_t>(options.timeout * 1000));
+    runner.timeout = Milliseconds(options.timeout);
     runner.path = options.program.empty() ? "" : FindProgram(options.program);
     return runner;
 }

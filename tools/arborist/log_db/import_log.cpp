@@ -1,5 +1,6 @@
 #include "tools/arborist/log_db/import_log.h"
 
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -34,7 +35,7 @@ std::vector<Failure> ImportLines(std::istream& lines, const std::string& name, E
             }
         }
     }
-    if (lines.bad()) {
+    if (lines.bad() || (&lines == &std::cin && std::ferror(stdin) != 0)) {
         failures.push_back({"no_events", name + ": can't be read"});
     }
     return failures;

@@ -1,8 +1,25 @@
 #include "tools/arborist/sqlite/connection.h"
 
+#include <filesystem>
+
 #include <sqlite3.h>
 
 namespace command {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// SQLite would wait for the other end of a pipe.
+std::string ReasonAgainst(const std::string& path)
+{
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    return fs::is_directory(status) ? "is a folder"
+        : fs::exists(status) && !fs::is_regular_file(status) ? "is no plain file" : "";
+}
+
+} // namespace
 
 void Statement::Finalizer::operator()(sqlite3_stmt* statement) const
 {
@@ -63,6 +80,10 @@ void Connection::Closer::operator()(sqlite3* database) const
 
 bool Connection::Open(const std::string& path, Mode mode)
 {
+    mRefusal = ReasonAgainst(path);
+    if (!mRefusal.empty()) {
+        return false;
+    }
     sqlite3* database = nullptr;
     const int flags = mode == Mode::READ_ONLY ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
     const int result = sqlite3_open_v2(path.c_str(), &database, flags, nullptr);
@@ -104,6 +125,9 @@ bool Connection::HasError() const
 
 std::string Connection::GetError() const
 {
+    if (!mRefusal.empty()) {
+        return mRefusal;
+    }
     return mDatabase == nullptr ? "out of memory" : sqlite3_errmsg(mDatabase.get());
 }
 

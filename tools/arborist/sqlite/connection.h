@@ -42,7 +42,7 @@ class Connection {
 public:
     enum class Mode { READ_ONLY, CREATE };
 
-    /// Opens; false on failure, which GetError tells.
+    /// Opens; false on failure, which GetError tells. What is there and no plain file is refused.
     bool Open(const std::string& path, Mode mode);
     /// Runs statements without parameters and results.
     bool Execute(const std::string& sql);
@@ -63,6 +63,8 @@ private:
         void operator()(sqlite3* database) const;
     };
     std::unique_ptr<sqlite3, Closer> mDatabase;
+    /// Why the file was not given to SQLite; else empty.
+    std::string mRefusal;
 };
 
 } // namespace command
