@@ -123,14 +123,17 @@ bool ExtractFile(unzFile archive, const std::string& path)
     return copied;
 }
 
-bool ExtractEntry(unzFile archive, const std::string& target)
+// `unread` is what entries may still take up in the archive: entries that share their bytes, of which a small archive
+// could hold any number, are none.
+bool ExtractEntry(unzFile archive, const std::string& target, std::uint64_t& unread)
 {
     std::array<char, ENTRY_NAME_LENGTH> name{};
     unz_file_info info{};
     if (unzGetCurrentFileInfo(archive, &info, name.data(), name.size(), nullptr, 0, nullptr, 0) != UNZ_OK ||
-        info.size_filename >= name.size()) {
+        info.size_filename >= name.size() || info.compressed_size > unread) {
         return false;
     }
+    unread -= info.compressed_size;
     if (LeadsOut(target, name.data())) {
         FT::Log::GetInstance().Output(
             FT::LEVEL_ERROR, "FUNc:%s: entry %s leads out of the target.", "ZipUtil::UnZipFile", name.data());
@@ -217,11 +220,12 @@ bool ZipUtil::UnZipFile(const std::string& archive, const std::string& target)
     if (unzGetGlobalInfo(opened.get(), &content) != UNZ_OK) {
         return false;
     }
+    std::uint64_t unread = FileUtil::GetFileSize(archive);
     for (unsigned long entry = 0; entry < content.number_entry; ++entry) {
         if (entry != 0 && unzGoToNextFile(opened.get()) != UNZ_OK) {
             return false;
         }
-        if (!ExtractEntry(opened.get(), target)) {
+        if (!ExtractEntry(opened.get(), target, unread)) {
             return false;
         }
     }

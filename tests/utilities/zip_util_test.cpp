@@ -213,6 +213,42 @@ TEST_F(ZipUtilTest, EntryBeyond4GiBFails)
     EXPECT_FALSE(UnZipBytes(ArchiveThatTells(0xFFFFFFFF)));
 }
 
+// Two numbers of two bytes at `position`, the lowest first.
+void WriteTwice(std::string& bytes, std::size_t position, std::uint16_t number)
+{
+    for (const std::size_t byte : {position, position + 2}) {
+        bytes[byte] = static_cast<char>(number & 0xFF);
+        bytes[byte + 1] = static_cast<char>(number >> 8);
+    }
+}
+
+// An archive whose list names its one entry `count` times.
+std::string WithEntryRepeated(std::string bytes, std::uint16_t count)
+{
+    const std::size_t entry = bytes.find("PK\1\2");
+    const std::size_t end = bytes.find("PK\5\6");
+    const std::string listed = bytes.substr(entry, end - entry);
+    std::string list;
+    for (std::uint16_t number = 0; number < count; ++number) {
+        list += listed;
+    }
+    std::string tail = bytes.substr(end);
+    WriteTwice(tail, 8, count);
+    for (std::size_t byte = 0; byte < 4; ++byte) {
+        tail[12 + byte] = static_cast<char>(list.size() >> (8 * byte));
+    }
+    return bytes.substr(0, entry) + list + tail;
+}
+
+TEST_F(ZipUtilTest, EntriesThatShareTheirBytesFail)
+{
+    WriteZip("a.zip", {{"a", std::string(1000000, 'x')}});
+    const std::string archive = mDir.Read("a.zip");
+    EXPECT_TRUE(UnZipBytes(WithEntryRepeated(archive, 1)));
+    EXPECT_EQ(mDir.Read("above/target/a").size(), 1000000U);
+    EXPECT_FALSE(UnZipBytes(WithEntryRepeated(archive, 1000)));
+}
+
 TEST_F(ZipUtilTest, BrokenContentFails)
 {
     const std::string archive = WriteZip("a.zip", {{"f", std::string(2000, 'x')}});

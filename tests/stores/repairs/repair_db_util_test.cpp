@@ -201,8 +201,8 @@ TEST_F(RepairDbUtilTest, FileThatIsNoDatabaseStaysAsItIs)
 TEST_F(RepairDbUtilTest, TableThatNeverEndsIsGivenUp)
 {
     std::filesystem::create_directories(std::filesystem::path(mPath).parent_path());
-    EventLogBuilder::Run(mPath, "create view repair_data as with recursive n(i) as (select 1 union all select i + 1 from "
-        "n) select i as _id, 'S' || i as repair_id, '' as repair_date from n");
+    EventLogBuilder::Run(mPath, "create view repair_data as with recursive n(i) as (select 1 union all select i + 1 "
+        "from n) select i as _id, 'S' || i as repair_id, '' as repair_date from n");
     EXPECT_EQ(RepairDbUtil().QueryRepairDate("R"), "");
     EXPECT_EQ(mLog.Lines().back(), "FUNc:FT::sql::SqlOperator::Execute: Execute sql failed: interrupted");
     UpdateRepairDb("R");
