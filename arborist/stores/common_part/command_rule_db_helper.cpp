@@ -116,7 +116,7 @@ bool CommandRuleDbHelper::IsOpenDbSuccess(const std::string& path)
     mPath = std::move(file);
     mIdentity = identity;
     mDatabase.Open(mPath);
-    mDatabase.Restrict(FT::sql::SqlAccess::OWN_FILE);
+    mDatabase.Restrict(FT::sql::SqlAccess::OWN_FILE, mLimits);
     return mDatabase.IsOpen();
 }
 
@@ -137,6 +137,7 @@ CommandRuleDbHelper::ParamList CommandRuleDbHelper::RunSql(const std::string& sq
         result = isNormalization ? UpdateParamListOfNormalization(params, *record, first, second)
                                  : UpdateParamList(params, *record);
     }
+    mLimits.LowerAfter(mDatabase.GetHandle());
     // A file that can't be read says so again when it is opened for the next statement.
     if (!table.IsOk() || !IsPlainSelect(sql)) {
         mDatabase.Close();

@@ -44,6 +44,8 @@ public:
     bool IsIntervalMissing() const { return mIsIntervalMissing; }
 
 private:
+    friend struct CommandRuleDbHelperPeer; // tests set the limits through it
+
     ParamList UpdateParamList(const ParamList& params, const FT::sql::SqlRecord& record) const;
     ParamList UpdateParamListOfNormalization(const ParamList& params, const FT::sql::SqlRecord& record,
         const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second);
@@ -52,6 +54,7 @@ private:
     void TellParameter(const Param& param, const std::string& raw) const;
 
     FT::sql::SqlDatabase mDatabase;
+    FT::sql::SqlLimits mLimits;
     std::string mPath;
     /// The file as it was just before it was opened.
     Platform::FileIdentity mIdentity;

@@ -14,6 +14,7 @@ class FileNamePattern;
 
 namespace FT::sql {
 class SqlDatabase;
+struct SqlLimits;
 }
 
 namespace Json {
@@ -82,8 +83,9 @@ private:
     static bool CopyFile(const std::string& source, const std::string& directory);
     static std::vector<std::string> UnZipFile(const std::string& zipPath, const std::string& directory);
     void IsCreateDbByFileComplete(
-        const std::vector<std::string>& files, const DefDbTableBean::CreateTableList& createTables);
-    bool CreateTable(const std::string& dbPath, const std::string& sql);
+        const std::vector<std::string>& files, const DefDbTableBean::CreateTableList& createTables,
+        FT::sql::SqlLimits& limits);
+    bool CreateTable(const std::string& dbPath, const std::string& sql, FT::sql::SqlLimits& limits);
 
     std::mutex initMutex;
     std::mutex perfDbMutex;

@@ -66,6 +66,7 @@ void CommonPartDbHelper::CopyDbAndCreateTable(const std::shared_ptr<CommonPart>&
     if (commonPart == nullptr || commonPart->GetCombineCommon() == nullptr) {
         return;
     }
+    FT::sql::SqlLimits limits;
     for (const auto& bean : commonPart->GetCombineCommon()->GetDefDbTableCommonList()) {
         if (bean == nullptr) {
             continue;
@@ -77,7 +78,7 @@ void CommonPartDbHelper::CopyDbAndCreateTable(const std::shared_ptr<CommonPart>&
             }
             // Of several paths that are there the bean keeps the copies of the last one only.
             bean->SetCopyDbFileList(CopyDbFile(path, bean->GetDbName()));
-            IsCreateDbByFileComplete(bean->GetCopyDbFileList(), bean->GetCreateTableList());
+            IsCreateDbByFileComplete(bean->GetCopyDbFileList(), bean->GetCreateTableList(), limits);
         }
     }
 }
@@ -219,11 +220,12 @@ std::vector<std::string> CommonPartDbHelper::UnZipFile(const std::string& zipPat
 }
 
 void CommonPartDbHelper::IsCreateDbByFileComplete(
-    const std::vector<std::string>& files, const DefDbTableBean::CreateTableList& createTables)
+    const std::vector<std::string>& files, const DefDbTableBean::CreateTableList& createTables,
+    FT::sql::SqlLimits& limits)
 {
     for (const std::string& file : files) {
         for (const auto& createTable : createTables) {
-            if (!file.empty() && createTable != nullptr && !CreateTable(file, createTable->GetSql())) {
+            if (!file.empty() && createTable != nullptr && !CreateTable(file, createTable->GetSql(), limits)) {
                 FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: create table %s fail.",
                     "CommonPartDbHelper::IsCreateDbByFileComplete", createTable->GetTableName().c_str());
             }
@@ -231,7 +233,7 @@ void CommonPartDbHelper::IsCreateDbByFileComplete(
     }
 }
 
-bool CommonPartDbHelper::CreateTable(const std::string& dbPath, const std::string& sql)
+bool CommonPartDbHelper::CreateTable(const std::string& dbPath, const std::string& sql, FT::sql::SqlLimits& limits)
 {
     static constexpr char NAME[] = "CommonPartDbHelper::CreateTable";
     const std::lock_guard<std::mutex> lock(createTableMutex);
@@ -257,10 +259,11 @@ bool CommonPartDbHelper::CreateTable(const std::string& dbPath, const std::strin
             FileUtil::ExtractFileName(dbPath).c_str());
         return false;
     }
-    database.Restrict(FT::sql::SqlAccess::OWN_FILE);
+    database.Restrict(FT::sql::SqlAccess::OWN_FILE, limits);
     FT::sql::SqlOperator connection(database.GetHandle());
     for (const std::string& statement : statements) {
         if (!connection.ExecuteNoCallback(statement)) {
+            limits.LowerAfter(database.GetHandle());
             FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: execute sql fail.", NAME);
             return false;
         }

@@ -107,6 +107,13 @@ int TakeSteps(void* context)
 
 } // namespace
 
+void SqlLimits::LowerAfter(const Sqlite3Db& database)
+{
+    if (database.limits.has_value() && database.stepsLeft == 0) {
+        steps /= 2;
+    }
+}
+
 bool Sqlite3Db::RaiseLimits() const
 {
     if (!areLimitsOfFile) {

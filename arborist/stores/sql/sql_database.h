@@ -11,6 +11,8 @@ struct sqlite3;
 
 namespace FT::sql {
 
+struct Sqlite3Db;
+
 /// How far statements may go before they are broken off.
 struct SqlLimits {
     /// Steps of SQLite's machine for one text, some half a minute of them.
@@ -18,6 +20,10 @@ struct SqlLimits {
     /// Rows that a SqlOperator keeps, and bytes of all their texts.
     std::size_t rows = 100'000;
     std::uint64_t bytes = 256 * 1024 * 1024;
+
+    /// Half the steps for what comes next, where the last text on `database` was broken off for its steps: one text
+    /// that never ends is then no worse, run on a thousand files, than on two.
+    void LowerAfter(const Sqlite3Db& database);
 };
 
 /// A connection; null while closed.

@@ -15,6 +15,10 @@
 #include "tests/support/settings_guard.h"
 #include "tests/support/temp_dir.h"
 
+struct CommandRuleDbHelperPeer {
+    static void SetSteps(CommandRuleDbHelper& helper, std::uint64_t steps) { helper.mLimits.steps = steps; }
+};
+
 namespace {
 
 using testing::ElementsAre;
@@ -126,6 +130,22 @@ TEST_F(CommandRuleDbHelperTest, StatementWithoutEndIsBrokenOff)
         "with recursive n(i) as (select 1 union all select i + 1 from n) select i from n";
     EXPECT_THAT(Run(endless, {ParamOf("a", "int")}), IsEmpty());
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(HasSubstr("sql failed: query aborted")));
+    EXPECT_EQ(Text(Run("select a from t", {ParamOf("a", "int")})), "a:a:int=5");
+}
+
+TEST_F(CommandRuleDbHelperTest, StatementsWithoutEndLeaveLessAndLess)
+{
+    const std::string endless =
+        "with recursive n(i) as (select 1 union all select i + 1 from n) select max(i) from n";
+    const std::string longer =
+        "with recursive n(i) as (select 1 union all select i + 1 from n where i < 2000) select max(i) as a from n";
+    CommandRuleDbHelperPeer::SetSteps(mHelper, 100000);
+    EXPECT_EQ(Text(Run(longer, {ParamOf("a", "int")})), "a:a:int=2000");
+    EXPECT_THAT(Run("select nothing from t", {ParamOf("a", "int")}), IsEmpty()) << "a failure of another kind";
+    EXPECT_THAT(Run(endless, {ParamOf("a", "int")}), IsEmpty());
+    EXPECT_EQ(Text(Run(longer, {ParamOf("a", "int")})), "a:a:int=2000");
+    EXPECT_THAT(Run(endless, {ParamOf("a", "int")}), IsEmpty());
+    EXPECT_THAT(Run(longer, {ParamOf("a", "int")}), IsEmpty());
     EXPECT_EQ(Text(Run("select a from t", {ParamOf("a", "int")})), "a:a:int=5");
 }
 
