@@ -84,6 +84,8 @@ public:
     DetectionObserver* GetObserver() const { return mObserver; }
 
 private:
+    friend struct RuleHelperPeer; // lets a test give recovery times, which no log reaches by itself
+
     struct RepairTime {
         std::int64_t time = 0;
         std::string repairId;

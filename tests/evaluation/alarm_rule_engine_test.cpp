@@ -1,5 +1,7 @@
 #include "arborist/evaluation/alarm_rule_engine.h"
 
+#include <algorithm>
+
 #include <gmock/gmock.h>
 
 #include "arborist/evaluation/rule_helper.h"
@@ -382,6 +384,29 @@ TEST_F(AlarmRuleEngineTest, ObserverIsToldOfEachWindow)
         "window item 0 ids 7-8 latest days 1 threshold 2 since 1699913600 by version rows 5 other version 1 failed 1 "
         "reached 2 by 8 hit [window_reached]"));
     EXPECT_THAT(mObserver.Lines("start"), SizeIs(2));
+}
+
+TEST_F(AlarmRuleEngineTest, ObserverIsToldOfEachTestBeforeItsWindow)
+{
+    Log({{NOW, 7, "1", "{\"a\":5,\"b\":\"x\"}"}, {NOW, 7, "1", "{\"a\":9,\"b\":\"y\"}"}, {NOW, 7, "1", "{\"a\":1}"}});
+    EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").WithParam("q", "b", "string")
+        .Multiple({{"p", "ge", "5"}, {"q", "eq", "x"}}).Duration(1, 2)));
+    EXPECT_THAT(mObserver.Lines("test"), ElementsAre(
+        "test a int ge '5' passed 2 of 3", "test b string eq 'x' passed 1 of 2"));
+    const auto lines = mObserver.Lines();
+    const auto window = std::find_if(
+        lines.begin(), lines.end(), [](const std::string& line) { return line.rfind("window", 0) == 0; });
+    EXPECT_EQ(std::count_if(lines.begin(), window,
+        [](const std::string& line) { return line.rfind("test", 0) == 0; }), 2) << "before the window that they decide";
+}
+
+TEST_F(AlarmRuleEngineTest, ObserverIsToldOfSeparateTestsEachAgainstAllRows)
+{
+    Log({{NOW, 7, "1", "{\"a\":5}"}, {NOW, 7, "1", "{\"a\":9}"}});
+    EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").Multiple({{"p", "eq", "5"}, {"p", "eq", "8"}})
+        .Latest(1, 1)));
+    EXPECT_THAT(mObserver.Lines("test"), ElementsAre(
+        "test a int eq '5' passed 1 of 2", "test a int eq '8' passed 0 of 2"));
 }
 
 } // namespace

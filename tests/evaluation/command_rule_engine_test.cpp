@@ -368,6 +368,59 @@ TEST_F(CommandRuleEngineTest, ObserverHearsQueryValuesAndComparisons)
         "compare n n int '5' gt '9' fails"));
 }
 
+TEST_F(CommandRuleEngineTest, ObserverHearsWhyAStatementFailed)
+{
+    mEngine.SetObserver(&mObserver);
+    Item().sql = "select n from Missing";
+    EXPECT_FALSE(Fires({Single("eq", "n", "5")}));
+    EXPECT_EQ(mReason, Reason::ROW_COUNT_NOT_ONE);
+    EXPECT_THAT(mObserver.Lines("query"), ElementsAre("query " + mDerived
+        + " rows 0: select n from Missing where occurrence_time >1697408000 failed: no such table: Missing"));
+}
+
+TEST_F(CommandRuleEngineTest, ObserverHearsTheIntervalAndWhatIsScaledByIt)
+{
+    mEngine.SetObserver(&mObserver);
+    Item().type = "normalization";
+    Item().timeParamList = {"t", "n"};
+    mRule->params = ParamMapOf({ParamOf("n", "int"), ParamOf("t", "string")});
+    Item().sql = "select 1, n, occurrence_time, occurrence_time from Jank";
+    EXPECT_TRUE(Fires({Single("eq", "n", "150")}));
+    EXPECT_THAT(mObserver.Lines("interval"), ElementsAre("interval t=1699999999 to t=1699999999 days 0"));
+    EXPECT_THAT(mObserver.Lines("parameter"), testing::Contains("parameter n n int '5' -> '150'"));
+}
+
+TEST_F(CommandRuleEngineTest, WithoutAnIntervalNothingIsScaled)
+{
+    mEngine.SetObserver(&mObserver);
+    Item().type = "normalization";
+    Item().timeParamList = {"t", "n"};
+    mRule->params = ParamMapOf({ParamOf("n", "int"), ParamOf("t", "string")});
+    Item().sql = "select 1, n, occurrence_time, 0 from Jank";
+    EXPECT_FALSE(Fires({Single("eq", "n", "150")}));
+    EXPECT_EQ(mReason, Reason::NO_INTERVAL);
+    EXPECT_THAT(mObserver.Lines("interval"), ElementsAre("interval t=0 to t=0 days 0 unusable"));
+    EXPECT_THAT(mObserver.Lines("parameter"), IsEmpty());
+    mObserver.Clear();
+    Item().timeParamList = {"t"};
+    EXPECT_FALSE(Fires({Single("eq", "n", "150")}));
+    EXPECT_EQ(mReason, Reason::NO_INTERVAL);
+    EXPECT_THAT(mObserver.Lines("interval"), ElementsAre("interval =0 to =0 days 0 unusable"));
+}
+
+TEST_F(CommandRuleEngineTest, AnEmptyThresholdIsAReasonOfItsOwn)
+{
+    mEngine.SetObserver(&mObserver);
+    mBean->GetThresholdMap().at("limit")->value = "";
+    EXPECT_FALSE(Fires({Single("gt", "n", "limit", "dynamic")}));
+    EXPECT_EQ(mReason, Reason::NO_THRESHOLD);
+    EXPECT_THAT(mObserver.Lines("compare"), ElementsAre("compare n n int '5' gt '' from dynamic limit fails"));
+    EXPECT_FALSE(Fires({Single("eq", "n", "nothing", "systemParam")}));
+    EXPECT_EQ(mReason, Reason::NO_THRESHOLD);
+    EXPECT_FALSE(Fires({Single("gt", "n", "")}));
+    EXPECT_EQ(mReason, Reason::NO_THRESHOLD);
+}
+
 TEST_F(CommandRuleEngineTest, StatementThatWritesLeavesTheEventLogAlone)
 {
     EventLogBuilder().Row({NOW, 7, "", ""}).WriteTo(mDir.Path("root/Comms/Lumbra/workDir/0/log.db"));

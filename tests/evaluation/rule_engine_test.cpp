@@ -375,4 +375,15 @@ TEST_F(RuleEngineTest, StatusesAndLogAreTheSameWithAndWithoutObserver)
     EXPECT_FALSE(observedLog.empty());
 }
 
+// No rule file brings such a rule.
+TEST_F(RuleEngineTest, ARuleOfNoFamilyIsPassedOverAndTold)
+{
+    LoadSet(TreeXml(TAG).Tree("T", Or({Basic("A")})), Rules().EventRule("A", {Single("odd")}));
+    const auto rule = std::make_shared<Rule>();
+    rule->detectScene = "1";
+    const_cast<FaultTreeParser::RuleMap&>(mParser->GetRuleMap())["odd"] = rule;
+    EXPECT_THAT(Run(), ElementsAre("T FALSE", "A FALSE"));
+    EXPECT_THAT(mObserver.Lines("rule"), ElementsAre("rule A odd  SKIP [no_checker]"));
+}
+
 } // namespace

@@ -6,12 +6,17 @@
 #include "arborist/frame/repair.h"
 #include "arborist/frame/settings.h"
 #include "arborist/model/event.h"
+#include "arborist/stores/repairs/reset_time_parser.h"
 #include "tests/evaluation/rule_set.h"
 #include "tests/support/case_name.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/recording_observer.h"
 #include "tests/support/settings_guard.h"
+
+struct RuleHelperPeer {
+    static ResetTimeParser& Recovery(RuleHelper& helper) { return *helper.mResetTimeParser; }
+};
 
 namespace {
 
@@ -162,6 +167,31 @@ TEST_F(DetectStartTimeTest, ObserverIsToldTheParts)
     helper->GetDetectStartTime(0, "1", "E");
     EXPECT_THAT(observer.Lines(), ElementsAre("start 1699827200 of period 1697408000 reset 0 update 0 repair 1699827200 "
         "by repair days 30 flag '1' repair id 'R1'"));
+}
+
+TEST_F(DetectStartTimeTest, ObserverIsToldWhichFloorWon)
+{
+    const auto helper = Helper();
+    RecordingObserver observer;
+    helper->SetObserver(&observer);
+    ResetTimeParser& recovery = RuleHelperPeer::Recovery(*helper);
+    recovery.ParseRecoveryLog(mDir.Write("recovery",
+        "[2023-11-12 09:00:00.000] Command: \"recovery\" \"UPDATE\"\n"
+        "[2023-11-12 12:00:00.000] zenrix recovery stopped\n"));
+    recovery.GetResetLogTime(mDir.Write("reset", "time: 20231110120000;\n"));
+    for (const char* const flag : {"1", "2", "3", "4"}) {
+        helper->GetDetectStartTime(7, flag, "E");
+    }
+    Repair("R1", DAY);
+    helper->GetDetectStartTime(7, "3", "E");
+    EXPECT_THAT(observer.Lines(), ElementsAre(
+        "start 1699786800 of period 1699395200 reset 1699614000 update 1699786800 repair 0 by update days 7 flag '1' "
+        "repair id ''",
+        "start 1699786800 of period 1699395200 reset 0 update 1699786800 repair 0 by update days 7 flag '2' repair id ''",
+        "start 1699614000 of period 1699395200 reset 1699614000 update 0 repair 0 by reset days 7 flag '3' repair id ''",
+        "start 1699395200 of period 1699395200 reset 0 update 0 repair 0 by period days 7 flag '4' repair id ''",
+        "start 1699913600 of period 1699395200 reset 1699614000 update 0 repair 1699913600 by repair days 7 flag '3' "
+        "repair id 'R1'"));
 }
 
 TEST_F(DetectStartTimeTest, ChecksFromUpdateCountTheCurrentVersion)

@@ -417,6 +417,22 @@ TEST_F(ArboristTest, ObserverIsToldOneDetectionFromFilesToCauses)
                     "finished battery fault"));
 }
 
+TEST_F(ArboristTest, ObserverIsToldEventsOfEveryKindAndStatus)
+{
+    WriteTrees(TreeXml(TAG).Tree("T", Or({Xml("House").TextChild("ID", "U"), Basic("A"),
+        Intermediate("G", And({Basic("B")})), Xml("Intermediate-Event").TextChild("ID", "N")})));
+    WriteRules(RuleXml(TAG).EventRule("G", {Single("c")}).Rule(CodeRuleXml("c", "C", "", "2")));
+    Arborist arborist(mInfo);
+    const auto observer = std::make_shared<RecordingObserver>();
+    arborist.SetObserver(observer);
+    arborist.StartDetection();
+    EXPECT_THAT(observer->Lines("folded"), ElementsAre("folded 0 intermediate or T () UNKNOWN",
+        "folded 1 undeveloped U () UNKNOWN", "folded 1 basic A () FALSE",
+        "folded 1 intermediate and G () FALSE observable", "folded 2 basic B () FALSE",
+        "folded 1 intermediate N () FALSE"));
+    EXPECT_THAT(observer->Lines("ask"), ElementsAre("ask G c code #0"));
+}
+
 TEST_F(ArboristTest, ObserverIsToldOfFilesThatCantBeRead)
 {
     mDir.Write("FaultTrees.xml", "<FaultTrees>\n<a>");
