@@ -115,7 +115,7 @@ TEST_F(BundleCommandTest, TheWindowLeavesOutWhatNoRuleReaches)
         {NOW, 1001, "", ""}}).WriteTo(mDir.Path("b") + LOG_OF_BUNDLE);
     Pack({"b", "-o", "whole"});
     Pack({"b", "-o", "part", "--window"});
-    const auto rows = [this](const std::string& bundle) {
+    const auto rows = [](const std::string& bundle) {
         const auto shown = RunArborist({"log", "show", bundle + LOG_OF_BUNDLE}).out;
         return std::count(shown.begin(), shown.end(), '\n');
     };
