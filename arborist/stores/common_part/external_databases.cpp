@@ -177,6 +177,9 @@ bool CommonPartDbHelper::CopyFile(const std::string& source, const std::string& 
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: copy file to folder fail.", NAME);
         return false;
     }
+    // Statements change the copy, also where the file itself may not be changed.
+    std::error_code ignored;
+    fs::permissions(target, fs::perms::owner_read | fs::perms::owner_write, fs::perm_options::add, ignored);
     return FileUtil::FileExists(target);
 }
 

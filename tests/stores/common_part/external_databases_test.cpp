@@ -89,6 +89,17 @@ TEST_F(ExternalDatabases, FileIsCopiedAndItsSqlRunsOnTheCopyAlone)
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
+TEST_F(ExternalDatabases, CopyOfAFileThatMayNotBeWrittenIsWorkedOnAllTheSame)
+{
+    MakeDb("device/app.db");
+    fs::permissions(mDir.Path("device/app.db"), fs::perms::owner_read);
+    EXPECT_THAT(Copy(".*/app\\.db", {"create table made(b);"}), ElementsAre("copies/app.db"));
+    // Root may write whatever the rights say: look at them.
+    EXPECT_EQ(fs::status(mDir.Path("copies/app.db")).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(fs::status(mDir.Path("device/app.db")).permissions(), fs::perms::owner_read);
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
 TEST_F(ExternalDatabases, MissingDirectoryIsPassedOverAndLeavesTheList)
 {
     const auto bean = TableBeanOf("B", {mDir.Path("none"), ""}, ".*");
