@@ -81,3 +81,20 @@ void EventLogBuilder::Run(const std::string& path, const std::string& sql)
     EXPECT_EQ(result, SQLITE_OK) << sqlite3_errmsg(connection);
     sqlite3_close(connection);
 }
+
+void EventLogBuilder::RunIntoWal(const std::string& path, const std::string& sql)
+{
+    // Its end would write the changes into the file: what lies there while it is open is put back afterwards.
+    sqlite3* service = nullptr;
+    ASSERT_EQ(sqlite3_open(path.c_str(), &service), SQLITE_OK) << path;
+    const int result = sqlite3_exec(service, ("PRAGMA journal_mode = WAL;" + sql).c_str(), nullptr, nullptr, nullptr);
+    EXPECT_EQ(result, SQLITE_OK) << sqlite3_errmsg(service);
+    const std::string wal = path + "-wal";
+    for (const std::string& file : {path, wal}) {
+        std::filesystem::copy_file(file, file + ".taken");
+    }
+    sqlite3_close(service);
+    for (const std::string& file : {path, wal}) {
+        std::filesystem::rename(file + ".taken", file);
+    }
+}

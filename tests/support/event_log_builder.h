@@ -32,6 +32,9 @@ public:
 
     /// Runs statements on any database file, in a connection of their own.
     static void Run(const std::string& path, const std::string& sql);
+    /// Runs statements and leaves what they change in the write-ahead log beside the file, as a log looks that was
+    /// taken from a service at work.
+    static void RunIntoWal(const std::string& path, const std::string& sql);
 
 private:
     std::string mSchema;

@@ -1,5 +1,7 @@
 #include "tests/support/event_log_builder.h"
 
+#include <filesystem>
+
 #include <gtest/gtest.h>
 
 #include "arborist/stores/sql/simple_database_helper.h"
@@ -29,6 +31,17 @@ TEST(EventLogBuilderTest, WritesRowsThatSharedVersionsAndIdsHoldTogether)
         "and event_info_flow._ID = event_info._ID join event_version on version_id = event_version._ID"),
         "1/7/100/1.0/{\"a\":\"it's\"} & 2/8/200// & 3/10/300/1.0/{}");
     EXPECT_EQ(FirstRow(path, "select count(*) from event_version"), "2");
+}
+
+TEST(EventLogBuilderTest, LeavesChangesInTheWriteAheadLog)
+{
+    TempDir dir;
+    EventLogBuilder().Row({100, 7, "1.0", ""}).WriteTo(dir.Path("log.db"));
+    EventLogBuilder::RunIntoWal(dir.Path("log.db"), "DELETE FROM event_info");
+    ASSERT_TRUE(dir.Has("log.db-wal"));
+    std::filesystem::copy_file("log.db", "without.db");
+    EXPECT_EQ(FirstRow(dir.Path("without.db"), "select count(*) from event_info"), "1");
+    EXPECT_EQ(FirstRow(dir.Path("log.db"), "select count(*) from event_info"), "0");
 }
 
 TEST(EventLogBuilderTest, WritesTheFileAnew)

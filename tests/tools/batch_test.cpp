@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <sstream>
 
 #include <csignal>
@@ -94,15 +95,49 @@ std::vector<std::string> ExpectedOutcomes(std::vector<std::string> names)
     return names;
 }
 
-TEST_F(BatchTest, TwoHundredBundlesWithTenBrokenOnesGiveTwoHundredLines)
+// Each broken in another way, by its place in the list.
+std::map<std::size_t, std::string> BreakTen(const TempDir& dir, std::vector<std::string>& names)
 {
-    const auto names = WriteBundles(200);
+    dir.Write("malformed/FaultTrees.xml", "<a>");
+    dir.Write("malformed/FaultTreeRules.xml", "<a/>");
+    dir.MakeDir("empty");
+    WriteCodeBundle(dir, "crashing", {"info"});
+    dir.Write(names[0] + "/bundle.json", "{");
+    dir.Write(names[111] + "/bundle.json", R"({"treeTag": 5})");
+    names[222] = "nowhere";
+    names[333] = "empty";
+    names[444] = "empty/../b0/bundle.json";
+    names[555] = "crashing";
+    dir.Write(names[666] + "/bundle.json", BundleJson(R"(, "ruleFileDir": "nowhere")"));
+    dir.Write(names[777] + "/bundle.json", BundleJson(R"(, "ruleFileDir": "../malformed")"));
+    dir.Write(names[888] + "/bundle.json", R"({"detectScene": 1, "treeTag": "Other", "ruleFileDir": "../b0/rules"})");
+    names[999] = "b.zip";
+    dir.Write("b.zip", "PK\3\4 and no more");
+    return {{0, "bad_json"}, {111, "bad_bundle"}, {222, "no_bundle"}, {333, "no_bundle_json"}, {444, "no_bundle"},
+        {555, "crashed"}, {666, "rule_file_missing"}, {777, "rule_file_malformed"}, {888, "no_tree"}, {999, "bad_zip"}};
+}
+
+TEST_F(BatchTest, AThousandBundlesWithTenBrokenOnesGiveAThousandLines)
+{
+    WriteHotBundle(mDir, "b0");
+    std::vector<std::string> names;
+    for (int i = 0; i < 1000; ++i) {
+        names.push_back("b" + std::to_string(i));
+        mDir.Write(names.back() + "/bundle.json", BundleJson(R"(, "ruleFileDir": "../b0/rules")"));
+        mDir.Write(names.back() + "/temperature", "80\n");
+    }
+    const auto broken = BreakTen(mDir, names);
     mDir.Write("list", Joined(names));
-    const auto result = RunArborist({"detect", "--batch", "list", "--jobs", "2"});
-    EXPECT_THAT(Outcomes(result.out), UnorderedElementsAreArray(ExpectedOutcomes(names)));
-    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 200);
+    const auto result = RunArborist({"detect", "--batch", "list", "--jobs", "2", "--log-level", "none", "--code-runner",
+        Script("kill -KILL $PPID")});
+    auto expected = names;
+    for (const auto& [number, code] : broken) {
+        expected[number] += ": " + code;
+    }
+    EXPECT_THAT(Outcomes(result.out), UnorderedElementsAreArray(expected));
+    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 1000);
     EXPECT_THAT(result.err, IsEmpty());
-    EXPECT_EQ(result.status, 4);
+    EXPECT_EQ(result.status, 5);
 }
 
 TEST_F(BatchTest, ALineIsTheSameAsThatOfASingleDetection)

@@ -5,7 +5,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 #include <sys/stat.h>
 
 #include "tests/support/event_log_builder.h"
@@ -82,19 +81,9 @@ TEST_F(ScratchTest, ALogInWalModeIsReadWithItsWaitingRows)
     WriteDropsBundle(mDir, "b");
     const std::string log = mDir.Path("b") + LOG_OF_BUNDLE;
     EventLogBuilder().WriteTo(log);
-    // A connection that stays open keeps the rows in the WAL; the copies are what a pulled log looks like.
-    sqlite3* service = nullptr;
-    ASSERT_EQ(sqlite3_open(log.c_str(), &service), SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(service, "PRAGMA journal_mode = WAL; INSERT INTO event_version VALUES (1, '');"
+    EventLogBuilder::RunIntoWal(log, "INSERT INTO event_version VALUES (1, '');"
         "INSERT INTO event_info VALUES (1, 1001, '', 1), (2, 1001, '', 1), (3, 1001, '', 1);"
-        "INSERT INTO event_info_flow VALUES (1, 1, 1716076800), (2, 2, 1716076800), (3, 3, 1716076800)",
-        nullptr, nullptr, nullptr), SQLITE_OK);
-    fs::copy_file(log, "log.db");
-    fs::copy_file(log + "-wal", "log.db-wal");
-    sqlite3_close(service);
-    fs::rename("log.db", log);
-    fs::rename("log.db-wal", log + "-wal");
-
+        "INSERT INTO event_info_flow VALUES (1, 1, 1716076800), (2, 2, 1716076800), (3, 3, 1716076800)");
     const auto before = StateOf("b");
     const auto result = Run({"detect", "b"});
     EXPECT_THAT(result.out, HasSubstr("1. DROPS"));
