@@ -7,7 +7,9 @@
 #include <memory>
 #include <stdexcept>
 
+#include <fcntl.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace {
@@ -60,6 +62,60 @@ std::string Content(std::FILE* file)
     _exit(127);
 }
 
+pid_t Start(const std::vector<std::string>& command, const ProcessSetup& setup, int in, int out, int err)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        Become(command, setup, in, out, err);
+    }
+    if (child < 0) {
+        throw std::runtime_error("can't run " + command[0]);
+    }
+    return child;
+}
+
+int StatusAtTheEndOf(pid_t child)
+{
+    int status = 0;
+    if (waitpid(child, &status, 0) != child) {
+        throw std::runtime_error("can't wait");
+    }
+    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+struct Descriptor {
+    explicit Descriptor(int opened) : number(opened)
+    {
+        if (number < 0) {
+            throw std::runtime_error("no terminal");
+        }
+    }
+    ~Descriptor() { Close(); }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    void Close()
+    {
+        if (number >= 0) {
+            close(number);
+        }
+        number = -1;
+    }
+
+    int number;
+};
+
+// Ends when nobody has the other side open any more.
+std::string Received(int terminal)
+{
+    std::string text;
+    char piece[4096];
+    for (ssize_t length = 0; (length = read(terminal, piece, sizeof piece)) > 0 || (length < 0 && errno == EINTR);) {
+        text.append(piece, length > 0 ? static_cast<std::size_t>(length) : 0);
+    }
+    return text;
+}
+
 } // namespace
 
 ProcessResult RunProcess(const std::vector<std::string>& command, const ProcessSetup& setup)
@@ -67,13 +123,27 @@ ProcessResult RunProcess(const std::vector<std::string>& command, const ProcessS
     const File in = TemporaryFile(setup.input);
     const File out = TemporaryFile("");
     const File err = TemporaryFile("");
-    const pid_t child = fork();
-    if (child == 0) {
-        Become(command, setup, fileno(in.get()), fileno(out.get()), fileno(err.get()));
+    const pid_t child = Start(command, setup, fileno(in.get()), fileno(out.get()), fileno(err.get()));
+    const int status = StatusAtTheEndOf(child);
+    return {status, Content(out.get()), Content(err.get())};
+}
+
+ProcessResult RunOnTerminal(const std::vector<std::string>& command, const ProcessSetup& setup)
+{
+    const File in = TemporaryFile(setup.input);
+    const File err = TemporaryFile("");
+    const Descriptor ours(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
+    if (grantpt(ours.number) != 0 || unlockpt(ours.number) != 0) {
+        throw std::runtime_error("no terminal");
     }
-    int status = 0;
-    if (child < 0 || waitpid(child, &status, 0) != child) {
-        throw std::runtime_error("can't run " + command[0]);
-    }
-    return {WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status), Content(out.get()), Content(err.get())};
+    Descriptor theirs(open(ptsname(ours.number), O_RDWR | O_NOCTTY | O_CLOEXEC));
+    termios mode{};
+    tcgetattr(theirs.number, &mode);
+    cfmakeraw(&mode);
+    tcsetattr(theirs.number, TCSANOW, &mode);
+    const pid_t child = Start(command, setup, fileno(in.get()), theirs.number, fileno(err.get()));
+    theirs.Close();
+    const std::string out = Received(ours.number);
+    const int status = StatusAtTheEndOf(child);
+    return {status, out, Content(err.get())};
 }

@@ -25,4 +25,7 @@ struct ProcessSetup {
 /// Runs a program (a path, or a name in PATH) and waits for its end. Throws std::runtime_error when it can't be run.
 ProcessResult RunProcess(const std::vector<std::string>& command, const ProcessSetup& setup = {});
 
+/// The same with standard output on a terminal of its own. Line ends are as the program wrote them.
+ProcessResult RunOnTerminal(const std::vector<std::string>& command, const ProcessSetup& setup = {});
+
 #endif

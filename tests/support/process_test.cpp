@@ -38,4 +38,12 @@ TEST(ProcessTest, AMissingProgramIs127WithItsName)
     EXPECT_THAT(result.err, HasSubstr("/no/such/program"));
 }
 
+TEST(RunOnTerminalTest, StandardOutputIsATerminalAndComesAsItWasWritten)
+{
+    const auto result = RunOnTerminal({"sh", "-c", "test -t 1 && echo yes; test -t 2 || echo no >&2; exit 3"});
+    EXPECT_EQ(result.out, "yes\n");
+    EXPECT_EQ(result.err, "no\n");
+    EXPECT_EQ(result.status, 3);
+}
+
 } // namespace

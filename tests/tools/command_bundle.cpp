@@ -14,6 +14,12 @@ ProcessResult RunArborist(std::vector<std::string> arguments, const ProcessSetup
     return RunProcess(arguments, setup);
 }
 
+ProcessResult RunArboristOnTerminal(std::vector<std::string> arguments, const ProcessSetup& setup)
+{
+    arguments.insert(arguments.begin(), ARBORIST_COMMAND);
+    return RunOnTerminal(arguments, setup);
+}
+
 std::string BundleJson(const std::string& more)
 {
     return R"({"detectScene": 1, "treeTag": "Tag")" + more + "}";

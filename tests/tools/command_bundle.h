@@ -11,6 +11,9 @@
 /// Runs the real command with these arguments.
 ProcessResult RunArborist(std::vector<std::string> arguments, const ProcessSetup& setup = {});
 
+/// The same with standard output on a terminal.
+ProcessResult RunArboristOnTerminal(std::vector<std::string> arguments, const ProcessSetup& setup = {});
+
 /// A bundle.json with the two required keys, the tag "Tag", and `more` members (", \"now\": 5").
 std::string BundleJson(const std::string& more = "");
 

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/case_name.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
@@ -176,13 +177,57 @@ TEST_F(ExplainCommandTest, AnUnknownWordIsWrongUseWithTheNearest)
     EXPECT_THAT(cause.out, AllOf(HasSubstr(R"("ok": false)"), HasSubstr(R"("error": {"code": "unknown_cause")")));
 }
 
-TEST_F(ExplainCommandTest, ColoursComeWhenAskedForOrOnATerminal)
+struct ColourCase {
+    const char* name;
+    std::vector<std::string> options;
+    std::map<std::string, std::string> environment;
+    bool onTerminal;
+    bool elsewhere;
+};
+void PrintTo(const ColourCase& colour, std::ostream* out) { *out << colour.name; }
+class Colours : public ExplainCommandTest, public testing::WithParamInterface<ColourCase> {};
+
+TEST_P(Colours, ComeOnATerminalUnlessSomebodySaysOtherwise)
 {
     WriteHotBundle(mDir, "b");
-    EXPECT_THAT(Explained(), Not(HasSubstr("\x1b[")));
-    EXPECT_THAT(Explained({"--color=always"}), HasSubstr("\x1b[31;1mFAULT\x1b[0m"));
-    EXPECT_THAT(Explained({"--color", "never"}), Not(HasSubstr("\x1b[")));
+    const std::string plain = Explained();
+    EXPECT_THAT(plain, Not(HasSubstr("\x1b[")));
+    ProcessSetup setup;
+    setup.environment = {{"NO_COLOR", ""}, {"TERM", "xterm-256color"}};
+    for (const auto& [name, value] : GetParam().environment) {
+        setup.environment[name] = value;
+    }
+    for (const std::vector<std::string>& command : {std::vector<std::string>{"explain"}, {"detect", "--explain"}}) {
+        std::vector<std::string> arguments = command;
+        arguments.insert(arguments.end(), GetParam().options.begin(), GetParam().options.end());
+        arguments.emplace_back("b");
+        const auto coloured = [](const std::string& out) { return out.find("\x1b[31;1mFAULT\x1b[0m") != std::string::npos; };
+        const std::string onTerminal = RunArboristOnTerminal(arguments, setup).out;
+        EXPECT_EQ(coloured(onTerminal), GetParam().onTerminal) << onTerminal;
+        EXPECT_EQ(onTerminal.find('\x1b') != std::string::npos, GetParam().onTerminal) << onTerminal;
+        EXPECT_EQ(coloured(RunArborist(arguments, setup).out), GetParam().elsewhere);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, Colours, testing::Values(ColourCase{"OfThemselves", {}, {}, true, false},
+    ColourCase{"Auto", {"--color=auto"}, {}, true, false}, ColourCase{"Always", {"--color=always"}, {}, true, true},
+    ColourCase{"Never", {"--color", "never"}, {}, false, false},
+    ColourCase{"NoColor", {}, {{"NO_COLOR", "1"}}, false, false},
+    ColourCase{"NoColorAndAlways", {"--color=always"}, {{"NO_COLOR", "1"}}, true, true},
+    ColourCase{"DumbTerminal", {}, {{"TERM", "dumb"}}, false, false}), CaseName());
+
+TEST_F(ExplainCommandTest, ColoursOfNoKnownWordAreWrongUse)
+{
+    WriteHotBundle(mDir, "b");
     EXPECT_EQ(RunArborist({"explain", "--color=sometimes", "b"}).status, 2);
+    EXPECT_EQ(RunArborist({"detect", "--color=sometimes", "b"}).status, 2);
+}
+
+TEST_F(ExplainCommandTest, JsonIsNeverColoured)
+{
+    WriteHotBundle(mDir, "b");
+    const ProcessSetup setup{{}, {{"NO_COLOR", ""}, {"TERM", "xterm"}}, {}};
+    EXPECT_THAT(RunArboristOnTerminal({"explain", "--json", "b"}, setup).out, Not(HasSubstr("\x1b")));
 }
 
 TEST_F(ExplainCommandTest, DetectTellsWhyOfTheSameRun)
