@@ -7,6 +7,7 @@
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
+#include "tools/arborist/detection/bad_pattern.h"
 
 namespace {
 
@@ -165,6 +166,13 @@ TEST_F(DetectCommandTest, APatternThatIsNoRegularExpressionIsNamedWithItsEntry)
     EXPECT_THAT(result.err, EndsWith(" [bad_pattern]\n"));
     EXPECT_THAT(result.out, AllOf(StartsWith("bad\n  NOT DIAGNOSED\ngood\n"), HasSubstr("FAULT")));
     EXPECT_EQ(result.status, 3);
+}
+
+TEST(BadPatternTest, OneThatIsTooLongIsNamedAndNotCompiled)
+{
+    const std::string pattern(1000000, '(');
+    EXPECT_THAT(command::BadPatternMessage({}, {{"LONG", pattern}, {"FINE", ".*"}}, "too long"),
+        AllOf(HasSubstr(pattern + "\" of the defDBTable \"LONG\""), testing::Not(HasSubstr("FINE"))));
 }
 
 TEST_F(DetectCommandTest, AFolderThatIsNoneIsNamed)

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "tools/arborist/render/json_writer.h"
+#include "tools/arborist/text/json_text.h"
 #include "tools/arborist/text/near_match.h"
 #include "tools/arborist/text/printable.h"
 
@@ -21,6 +22,21 @@ TEST(NearMatchTest, FindsSlipsAndIgnoresWhatIsFar)
     EXPECT_EQ(NearMatch("comment", keys), "");
     EXPECT_EQ(NearMatch("", keys), "");
     EXPECT_EQ(NearMatch(std::string(100000, 'a'), keys), "");
+}
+
+TEST(JsonTextTest, AnErrorHasItsPlaceAndAReasonThatIsCut)
+{
+    std::string problem;
+    EXPECT_FALSE(command::ParseJson("{\n \"a\": tru}", problem).has_value());
+    EXPECT_EQ(problem, "line 2, column 7: Syntax error: value, object or array expected.");
+    // A number and a key that are quoted in the reason.
+    for (const std::string& text : {"[1" + std::string(1000000, '0') + "e999]",
+             "{\"" + std::string(1000000, 'k') + "\": 1, \"" + std::string(1000000, 'k') + "\": 1}"}) {
+        EXPECT_FALSE(command::ParseJson(text, problem).has_value());
+        EXPECT_EQ(problem.rfind("line 1, column ", 0), 0U);
+        EXPECT_EQ(problem.substr(problem.size() - 3), "...");
+        EXPECT_LT(problem.size(), 300U);
+    }
 }
 
 TEST(PrintableTest, KeepsTextAndEscapesWhatSteersATerminal)

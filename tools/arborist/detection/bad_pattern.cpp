@@ -6,8 +6,13 @@ namespace command {
 
 namespace {
 
+// As the library takes it: compiling goes by recursion, so that what is longer could outgrow the stack.
 bool Compiles(const std::string& pattern)
 {
+    static constexpr std::size_t LONGEST = 4096;
+    if (pattern.size() > LONGEST) {
+        return false;
+    }
     try {
         std::regex compiled(pattern, std::regex::ECMAScript);
         return true;

@@ -1,7 +1,6 @@
 #include "tools/arborist/text/json_text.h"
 
 #include <memory>
-#include <regex>
 
 #include <json/reader.h>
 
@@ -16,15 +15,27 @@ std::unique_ptr<Json::CharReader> StrictReader()
     return std::unique_ptr<Json::CharReader>(builder.newCharReader());
 }
 
+// Reasons quote what they are about, however long it is.
+std::string Cut(const std::string& reason)
+{
+    static constexpr std::size_t LONGEST = 200;
+    return reason.size() <= LONGEST ? reason : reason.substr(0, LONGEST) + "...";
+}
+
 // The reader tells each error on two or three lines ("* Line 1, Column 2\n  reason\nSee ..."); the first is enough.
 std::string FirstError(const std::string& errors)
 {
-    static const std::regex form("^\\* Line (\\d+), Column (\\d+)\\s*\\n\\s*([^\\n]*)");
-    std::smatch parts;
-    if (!std::regex_search(errors, parts, form)) {
-        return errors.substr(0, errors.find('\n'));
+    static const std::string START = "* Line ";
+    const auto placeEnd = errors.find('\n');
+    const auto reason = errors.find_first_not_of(" \n", placeEnd);
+    if (errors.rfind(START, 0) != 0 || reason == std::string::npos) {
+        return Cut(errors.substr(0, placeEnd));
     }
-    return "line " + parts[1].str() + ", column " + parts[2].str() + ": " + parts[3].str();
+    std::string place = errors.substr(START.size(), placeEnd - START.size());
+    if (const auto column = place.find("Column"); column != std::string::npos) {
+        place[column] = 'c';
+    }
+    return "line " + place + ": " + Cut(errors.substr(reason, errors.find('\n', reason) - reason));
 }
 
 } // namespace

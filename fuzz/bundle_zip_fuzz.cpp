@@ -1,0 +1,41 @@
+// Any bytes as the zip of a bundle: nothing may be written outside the target, no link into it, and no more than the
+// limits allow.
+
+#include "fuzz/fuzz_support.h"
+#include "tools/arborist/archive/zip_reader.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr command::ZipLimits LIMITS{100, 100'000};
+
+bool IsWithinLimits(const std::string& folder)
+{
+    std::uint64_t bytes = 0;
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+        if (entry.is_symlink() || !(entry.is_directory() || entry.is_regular_file())) {
+            return false;
+        }
+        bytes += entry.is_regular_file() ? entry.file_size() : 0;
+    }
+    return bytes <= LIMITS.bytes;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    static const FuzzDir dir;
+    const std::string archive = dir.Write("bundle.zip", data, size);
+    const std::string target = dir.Path("above/target");
+    fs::create_directories(target);
+    std::vector<command::Warning> warnings;
+    command::UnpackZip(archive, "bundle.zip", target, warnings, LIMITS);
+    const bool isWithinLimits = IsWithinLimits(target);
+    fs::remove_all(target);
+    if (!isWithinLimits || !fs::is_empty(dir.Path("above"))) {
+        std::abort();
+    }
+    return 0;
+}

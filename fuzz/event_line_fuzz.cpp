@@ -1,0 +1,28 @@
+// Any text as lines of events for "log import", and as a list of event numbers for "log slice".
+
+#include <sstream>
+
+#include "fuzz/fuzz_support.h"
+#include "tools/arborist/log_db/event_line.h"
+#include "tools/arborist/log_db/slice_log.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    static const FuzzDir dir;
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        std::string problem;
+        if (!command::ParseEventLine(line, problem) && problem.empty()) {
+            std::abort();
+        }
+    }
+    if (const auto ranges = command::ParseIdRanges(text)) {
+        for (const auto& [first, last] : *ranges) {
+            if (first > last) {
+                std::abort();
+            }
+        }
+    }
+    return 0;
+}
