@@ -1,6 +1,9 @@
+#include <fstream>
+#include <iterator>
 #include <random>
 #include <regex>
 #include <set>
+#include <sstream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -90,6 +93,74 @@ TEST(ManualTest, EveryOptionStandsInTheManPageAndInTheCompletions)
             EXPECT_THAT(lineOf(bash), HasSubstr(option)) << words;
             EXPECT_THAT(lineOf(zsh), HasSubstr(option)) << words;
             EXPECT_THAT(fish, HasSubstr(" -l " + option.substr(2) + " ")) << words;
+        }
+    }
+}
+
+std::set<std::string> OptionsIn(const std::string& text)
+{
+    static const std::regex option("--[a-z][a-z-]*");
+    return {std::sregex_token_iterator(text.begin(), text.end(), option), std::sregex_token_iterator()};
+}
+
+std::string Page(const std::string& name)
+{
+    std::ifstream file(std::string(ARBORIST_SOURCE_DIR) + "/docs/" + name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+/// The synopses of docs/command.md: what stands behind "arborist WORDS", or behind "RUN:", in all lines that it takes.
+class Synopses {
+public:
+    Synopses()
+    {
+        const std::string page = Page("command.md");
+        const auto start = page.find("\n    arborist ");
+        std::istringstream lines(page.substr(start, page.find("\nResults go to") - start));
+        for (std::string line; std::getline(lines, line);) {
+            if (line.rfind("    arborist ", 0) == 0 || line.find(": [") != std::string::npos) {
+                mEntries.push_back(line.substr(4));
+            } else if (!line.empty()) {
+                mEntries.back() += line;
+            }
+        }
+    }
+
+    std::set<std::string> OptionsOf(const std::string& head) const
+    {
+        std::set<std::string> options;
+        for (const std::string& entry : mEntries) {
+            if (entry.rfind(head, 0) != 0) {
+                continue;
+            }
+            options.merge(OptionsIn(entry));
+            for (const char* group : {"RUN", "LOG"}) {
+                if (entry.find("[" + std::string(group) + "]") != std::string::npos) {
+                    options.merge(OptionsOf(group + std::string(": ")));
+                }
+            }
+        }
+        return options;
+    }
+
+private:
+    std::vector<std::string> mEntries;
+};
+
+TEST(ManualTest, ThePageHasTheOptionsOfTheHelpAndTellsOfEach)
+{
+    const Synopses synopses;
+    const std::string command = Page("command.md");
+    const auto told = OptionsIn(command.substr(command.find("\nResults go to")) + Page("explain.md") + Page("batch.md"));
+    for (const Words& words : AllCommands()) {
+        auto options = LongOptions(words);
+        options.erase("--help");
+        if (words.empty() || options.empty()) {
+            continue;
+        }
+        EXPECT_EQ(synopses.OptionsOf("arborist " + Joined(words) + " "), options) << Joined(words);
+        for (const std::string& option : options) {
+            EXPECT_EQ(told.count(option), 1U) << Joined(words) << " " << option;
         }
     }
 }
