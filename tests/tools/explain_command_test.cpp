@@ -164,6 +164,18 @@ TEST_F(ExplainCommandTest, ARuleAndACauseCanBeSingledOut)
         Not(HasSubstr("Root cause A"))));
 }
 
+TEST_F(ExplainCommandTest, ANarrowViewLeavesTreesOutThatHaveNothingOfIt)
+{
+    WriteTree(Or({Basic("A")}));
+    mDir.Write("b/rules/FaultTrees.xml", TreeXml("Tag").Version("3").Tree("T1", Or({Basic("A")}))
+        .Tree("T2", Or({Basic("C")})).Tree("T3", Or({Basic("A"), Basic("C")})).Text());
+    EXPECT_THAT(Explained({"--event", "C"}), AllOf(Not(HasSubstr("T1")),
+        StartsWith("b\n  T2 (version 3): no fault\n  FALSE    C\n"), HasSubstr("\n\n  T3 (version 3): FAULT")));
+    EXPECT_EQ(Explained({"--brief", "--event", "C"}), "b\n  T2: no fault\n");
+    EXPECT_THAT(Explained({"--event", "C", "--json"}), HasSubstr(R"("treeId": "T1", "version": "3", "isFault": true, "events": [])"));
+    EXPECT_THAT(Explained({"--event", "C", "--minimal"}), HasSubstr("  Minimal cut sets: none\n"));
+}
+
 TEST_F(ExplainCommandTest, AnUnknownWordIsWrongUseWithTheNearest)
 {
     WriteHotBundle(mDir, "b");

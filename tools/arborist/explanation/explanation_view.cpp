@@ -115,6 +115,11 @@ std::vector<std::size_t> ShownEvents(const ExplainedTree& tree, const Explanatio
     return shown;
 }
 
+bool HasShown(const ExplainedTree& tree, const ExplanationView& view)
+{
+    return !view.IsNarrow() || !ShownEvents(tree, view).empty();
+}
+
 bool IsShown(const ExplainedRule& rule, const ExplanationView& view)
 {
     return view.rule.empty() || rule.name == view.rule;

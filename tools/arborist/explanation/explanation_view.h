@@ -35,6 +35,9 @@ std::optional<Failure> UnknownWord(const Explanation& explanation, const Explana
 /// Places of the events that a narrow view shows: one for each id and evidence, the first one.
 std::vector<std::size_t> ShownEvents(const ExplainedTree& tree, const ExplanationView& view);
 
+/// Whether the view is one of the whole tree, or has an event of it to show.
+bool HasShown(const ExplainedTree& tree, const ExplanationView& view);
+
 /// Whether a rule of a shown event is shown.
 bool IsShown(const ExplainedRule& rule, const ExplanationView& view);
 

@@ -356,14 +356,15 @@ private:
     void WriteMinimalSets()
     {
         const MinimalSets minimal = FindMinimalSets(mTree);
+        if (minimal.sets.empty()) {
+            Line(mColour.Bold("Minimal cut sets") + ": none");
+            return;
+        }
         Line(mColour.Bold("Minimal cut sets") + ": " + std::to_string(minimal.sets.size()) + ", of "
             + Number(minimal.distinct, "distinct set", "distinct sets") + " and "
             + Number(minimal.listed, "entry", "entries") + " of the list");
         for (const DistinctCause& set : minimal.sets) {
             Line("    " + Joined(set.ids, " + ") + Times(set.times));
-        }
-        if (minimal.sets.empty()) {
-            return;
         }
         Line(mColour.Bold("Share of the minimal cut sets"));
         for (const EventShare& share : minimal.shares) {
@@ -392,10 +393,15 @@ std::string ExplanationText(const DetectionReport& report, const ExplanationView
     if (report.failure || report.explanation == nullptr) {
         return text + "  " + colour.Yellow("NOT DIAGNOSED") + "\n";
     }
+    bool hasTree = false;
     for (std::size_t i = 0; i < report.explanation->trees.size(); ++i) {
         const FaultTreeResult* result = i < report.results.size() ? report.results[i].get() : nullptr;
+        if (!HasShown(report.explanation->trees[i], view)) {
+            continue;
+        }
         TreeText tree(report.explanation->trees[i], result, view, colour);
-        text += view.brief ? tree.BriefText() : (i == 0 ? "" : "\n") + tree.Text();
+        const bool isFirst = !std::exchange(hasTree, true);
+        text += view.brief ? tree.BriefText() : (isFirst ? "" : "\n") + tree.Text();
     }
     return text;
 }
