@@ -4,11 +4,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <json/reader.h>
 #include <json/value.h>
 
 #include "tests/support/temp_dir.h"
 #include "tests/tools/command_bundle.h"
+#include "tests/tools/json_schema.h"
 
 namespace {
 
@@ -17,21 +17,11 @@ using testing::IsEmpty;
 
 const std::string EXAMPLES = std::string(ARBORIST_SOURCE_DIR) + "/examples/";
 
-Json::Value Parsed(const std::string& text)
-{
-    Json::Value value;
-    std::string errors;
-    Json::CharReaderBuilder builder;
-    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-    EXPECT_TRUE(reader->parse(text.data(), text.data() + text.size(), &value, &errors)) << errors << text;
-    return value;
-}
-
 // "TREE: CAUSE CAUSE" for each tree of the one result.
 std::vector<std::string> Causes(const ProcessResult& result)
 {
     std::vector<std::string> trees;
-    const Json::Value report = Parsed(result.out);
+    const Json::Value report = ParsedJson(result.out);
     for (const Json::Value& tree : report["results"]) {
         std::string line = tree["treeId"].asString() + ":";
         for (const Json::Value& cause : tree["rootCauses"]) {
@@ -127,7 +117,7 @@ protected:
 TEST_F(LinuxHostTest, RunsOnThisMachine)
 {
     const auto result = RunArborist({"detect", "--json", "--tree", "--log-level", "none", "host"});
-    const Json::Value report = Parsed(result.out);
+    const Json::Value report = ParsedJson(result.out);
     EXPECT_TRUE(report["ok"].asBool());
     for (const Json::Value& warning : report["warnings"]) {
         EXPECT_EQ(warning["code"], "node_unreadable"); // no machine has all of the files

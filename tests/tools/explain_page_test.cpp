@@ -1,19 +1,12 @@
-#include <fstream>
-#include <iterator>
 #include <regex>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "arborist/frame/detection_observer.h"
+#include "tests/tools/json_schema.h"
 
 namespace {
-
-std::string Page()
-{
-    std::ifstream file(std::string(ARBORIST_SOURCE_DIR) + "/docs/explain.md", std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 TEST(ExplainPageTest, ListsEveryReasonInTheirOrder)
 {
@@ -23,7 +16,7 @@ TEST(ExplainPageTest, ListsEveryReasonInTheirOrder)
     for (int reason = 1; *DetectionObserver::ReasonText(static_cast<Reason>(reason)) != '\0'; ++reason) {
         words.emplace_back(DetectionObserver::ReasonText(static_cast<Reason>(reason)));
     }
-    std::string page = Page();
+    std::string page = PageOfDocs("explain.md");
     page = page.substr(page.find("## Reasons"), page.find("## JSON") - page.find("## Reasons"));
     const std::regex row("\\| `([a-z_]+)` \\|");
     std::vector<std::string> listed;

@@ -9,6 +9,7 @@
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
+#include "tests/tools/json_schema.h"
 
 namespace {
 
@@ -129,9 +130,9 @@ TEST_P(ExplainedReason, StandsInTextAndJsonWithWhatItRestsOn)
         EXPECT_THAT(json.out, HasSubstr("\"verdict\": \"" + std::string(GetParam().verdict) + "\", \"reason\": \""
             + GetParam().name + "\""));
     }
+    static const Json::Value SCHEMA = ParsedJson(PageOfDocs("explain.schema.json"));
+    EXPECT_THAT(Violations(SCHEMA, ParsedJson(json.out)), testing::IsEmpty());
 }
-
-
 
 std::vector<ReasonCase> CasesBeforeTheChecker()
 {
