@@ -174,6 +174,8 @@ void SqlDatabase::Restrict(SqlAccess access, const SqlLimits& limits)
     handle->limits = isReadOnly ? LimitsForReading(connection) : limits;
     sqlite3_progress_handler(connection, STEPS_AT_ONCE, TakeSteps, handle.get());
     sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, LONGEST_TEXT);
+    // Nothing that would leave a file which SQLite itself can't read any more.
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     // The last one to close a database moves the waiting changes into it, unless told not to.
     if (isReadOnly && SizeOf(connection, WAITING_CHANGES) > 0) {
         sqlite3_db_config(connection, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);

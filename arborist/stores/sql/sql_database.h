@@ -46,7 +46,8 @@ struct Sqlite3Db {
 /// What statements on a connection may do.
 enum class SqlAccess {
     /// All but reaching another file or the whole process: ATTACH, VACUUM INTO and setting SQLite's memory limits or
-    /// directories fail with "not authorized". What goes beyond SqlLimits fails with "interrupted" or "query aborted".
+    /// directories fail with "not authorized". The schema is changed by its own statements alone, and there is always a
+    /// journal. What goes beyond SqlLimits fails with "interrupted" or "query aborted".
     OWN_FILE,
     /// Only select, transactions, and asking for the state of the file (data_version, page_count, page_size). The file
     /// stays byte for byte as it is, also when changes of others wait in its write-ahead log. What the limits are

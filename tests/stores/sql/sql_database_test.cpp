@@ -4,6 +4,7 @@
 
 #include "arborist/frame/log.h"
 #include "arborist/stores/sql/sql_operator.h"
+#include "arborist/stores/sql/sql_table.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/temp_dir.h"
 
@@ -158,6 +159,21 @@ TEST_F(SqlDatabaseTest, ForeignTextSetsNothingForTheWholeProcess)
     }
     EXPECT_TRUE(statement.ExecuteNoCallback("pragma hard_heap_limit"));
     EXPECT_TRUE(statement.ExecuteNoCallback("pragma user_version = 7"));
+}
+
+TEST_F(SqlDatabaseTest, ForeignTextLeavesAFileThatCanBeRead)
+{
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    SqlOperator statement(mDatabase.GetHandle());
+    ASSERT_TRUE(statement.ExecuteNoCallback("create table t(a)"));
+    mDatabase.Restrict(SqlAccess::OWN_FILE);
+    statement.ExecuteNoCallback("pragma writable_schema = on");
+    EXPECT_FALSE(statement.ExecuteNoCallback("update sqlite_master set rootpage = 7, sql = 'x'"));
+    EXPECT_TRUE(statement.ExecuteNoCallback("pragma journal_mode = off; begin; insert into t values (1); rollback"));
+    SqlField field("count", TypeInteger);
+    SqlTable table(mDatabase.GetHandle(), "t", &field, 1);
+    EXPECT_TRUE(table.Open());
+    EXPECT_EQ(table.GetRecordCount(), 0U) << "there is a journal to roll back from";
 }
 
 TEST_F(SqlDatabaseTest, ForeignTextThatNeverEndsIsBrokenOff)
