@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <regex>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,7 +10,7 @@
 #include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
 #include "tools/arborist/capture/captured_files.h"
-#include "tools/arborist/capture/rule_paths.h"
+#include "tools/arborist/bundle/rule_paths.h"
 
 namespace {
 
@@ -74,6 +75,35 @@ TEST_F(BundleCommandTest, APackedBundleReplaysElsewhereByteForByte)
     mDir.MakeDir("packed");
     fs::rename("b.zip", "packed/b");
     EXPECT_EQ(Detect("packed", "b"), original);
+}
+
+// A device tells neither its moment nor its zone: both are those of the packing, wherever it is replayed.
+TEST_F(BundleCommandTest, ADeviceWithoutAZoneReplaysInAnotherZone)
+{
+    PrepareLaptop("here/b");
+    const auto description = mDir.Read("here/b/bundle.json");
+    mDir.Write("here/b/bundle.json", std::regex_replace(description, std::regex("\"(now|tz)\": \"[^\"]*\",\n"), ""));
+    const auto run = [this](const std::string& folder, const std::string& zone, const std::vector<std::string>& command) {
+        std::vector<std::string> arguments = command;
+        arguments.insert(arguments.end(), {"--log-level", "none", "b"});
+        const auto result = RunArborist(arguments, {.environment = {{"TZ", zone}}, .directory = mDir.Path(folder)});
+        EXPECT_EQ(result.status, 0) << result.err;
+        return result.out;
+    };
+    const std::string here = "America/New_York";
+    const std::vector<std::string> now = {"--now", "2024-05-20 06:00:00"};
+    std::vector<std::string> pack = {"bundle", "pack", "--code-runner", CODE_RUNNER, "--window", "-o", "../packed.zip"};
+    pack.insert(pack.end(), now.begin(), now.end());
+    run("here", here, pack);
+    mDir.MakeDir("there");
+    ASSERT_EQ(Pack({"packed.zip", "-o", "there/b"}).status, 0);
+    for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{{"detect", "--json", "--tree"},
+             {"explain", "--json", "--near-misses", "2", "--minimal"}, {"graph"}}) {
+        std::vector<std::string> original = command;
+        original.insert(original.end(), now.begin(), now.end());
+        original.insert(original.end(), {"--code-runner", CODE_RUNNER});
+        EXPECT_EQ(run("there", "Asia/Tokyo", command), run("here", here, original)) << command[0];
+    }
 }
 
 TEST_F(BundleCommandTest, APackOfTheSameBundleHasTheSameBytes)

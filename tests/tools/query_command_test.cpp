@@ -42,7 +42,10 @@ TEST_F(QueryCommandTest, AnUnknownCodeHasNoIdsAndRunsNothing)
     WriteCodeBundle(mDir, "b", {"one"});
     const auto result = RunArborist({"query", "b", "OTHER"});
     EXPECT_EQ(result.out, "b: OTHER\n  would run    no\n  description  none\n  suggestion   none\n  repair       none\n");
+    EXPECT_EQ(result.err, "arborist: b: warning: no code rule has the code \"OTHER\"\n");
     EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(RunArborist({"query", "b", "CODEC1"}).err,
+        "arborist: b: warning: no code rule has the code \"CODEC1\"; did you mean \"CODE_C1\"?\n");
 }
 
 TEST_F(QueryCommandTest, AnotherSceneDoesNotRunTheRuleButKnowsItsIds)

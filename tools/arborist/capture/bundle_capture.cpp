@@ -10,7 +10,7 @@
 #include "tools/arborist/archive/zip_writer.h"
 #include "tools/arborist/bundle/bundle_overlay.h"
 #include "tools/arborist/capture/captured_files.h"
-#include "tools/arborist/capture/rule_paths.h"
+#include "tools/arborist/bundle/rule_paths.h"
 #include "tools/arborist/detection/detection.h"
 #include "tools/arborist/files/new_file.h"
 #include "tools/arborist/log_db/slice_log.h"

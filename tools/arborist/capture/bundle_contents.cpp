@@ -4,7 +4,7 @@
 
 #include "arborist/frame/arborist.h"
 #include "tools/arborist/bundle/bundle_overlay.h"
-#include "tools/arborist/capture/rule_paths.h"
+#include "tools/arborist/bundle/rule_paths.h"
 #include "tools/arborist/detection/detection.h"
 #include "tools/arborist/repair_db/repair_records.h"
 

@@ -1,10 +1,23 @@
 #include "tools/arborist/detection/query.h"
 
+#include <algorithm>
+
 #include "arborist/frame/arborist.h"
+#include "tools/arborist/bundle/rule_paths.h"
+#include "tools/arborist/text/near_match.h"
 
 namespace command {
 
 namespace {
+
+// A slip of the pen looks like a device on which nothing would run.
+void WarnOfUnknownCode(const std::vector<std::string>& codes, QueryReport& report)
+{
+    if (std::find(codes.begin(), codes.end(), report.code) == codes.end()) {
+        report.warnings.push_back({"unknown_code",
+            "no code rule has the code \"" + report.code + "\"" + DidYouMean(report.code, codes)});
+    }
+}
 
 void Ask(const BundleSession& session, DetectionRecorder& recorder, Arborist& engine, QueryReport& report)
 {
@@ -14,6 +27,7 @@ void Ask(const BundleSession& session, DetectionRecorder& recorder, Arborist& en
         report.faultDescription = engine.GetCodeRuleFaultDescId(report.code);
         report.suggestion = engine.GetCodeRuleSuggestionId(report.code);
         report.repair = engine.GetCodeRuleRepairId(report.code);
+        WarnOfUnknownCode(ReadRulePaths(session.GetBundle()).codes, report);
     }
 }
 

@@ -1,5 +1,5 @@
-#ifndef ARBORIST_TOOLS_CAPTURE_RULE_PATHS_H
-#define ARBORIST_TOOLS_CAPTURE_RULE_PATHS_H
+#ifndef ARBORIST_TOOLS_BUNDLE_RULE_PATHS_H
+#define ARBORIST_TOOLS_BUNDLE_RULE_PATHS_H
 
 #include <cstdint>
 #include <optional>
@@ -10,11 +10,13 @@
 
 namespace command {
 
-/// What a rule set looks at on a device, beside the library's own databases.
+/// What a rule set looks at on a device, beside the library's own databases, and what a host asks it for.
 struct RulePaths {
-    /// Paths as the rules name them, each once, in file order.
+    /// As the rules name them, each once, in file order.
     std::vector<std::string> nodeFiles;
     std::vector<std::string> searchedFolders;
+    /// Detection codes of the code rules.
+    std::vector<std::string> codes;
     /// The longest time window of all rules, days; nothing when one has no bound.
     std::optional<std::int64_t> longestWindow = 0;
 };

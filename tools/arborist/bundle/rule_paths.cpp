@@ -1,4 +1,4 @@
-#include "tools/arborist/capture/rule_paths.h"
+#include "tools/arborist/bundle/rule_paths.h"
 
 #include <algorithm>
 #include <cstring>
@@ -50,6 +50,8 @@ private:
             Add(element.Attribute("path"), mPaths.nodeFiles, mNodeFiles);
         } else if (name == "dbPath") {
             Add(element.Attribute("value"), mPaths.searchedFolders, mFolders);
+        } else if (name == "detectInfo") {
+            Add(element.Attribute("id"), mPaths.codes, mCodes);
         } else if (name == "time") {
             const int period = element.IntAttribute("period", 0);
             Widen(period == 0 ? USUAL_DAYS : period);
@@ -58,10 +60,10 @@ private:
         }
     }
 
-    static void Add(const char* path, std::vector<std::string>& paths, std::set<std::string>& known)
+    static void Add(const char* name, std::vector<std::string>& names, std::set<std::string>& known)
     {
-        if (path != nullptr && *path != '\0' && known.insert(path).second) {
-            paths.emplace_back(path);
+        if (name != nullptr && *name != '\0' && known.insert(name).second) {
+            names.emplace_back(name);
         }
     }
 
@@ -76,6 +78,7 @@ private:
     RulePaths mPaths;
     std::set<std::string> mNodeFiles;
     std::set<std::string> mFolders;
+    std::set<std::string> mCodes;
 };
 
 } // namespace
