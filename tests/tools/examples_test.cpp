@@ -64,6 +64,13 @@ TEST_F(LaptopTest, HasTheFaultsThatItWasRecordedWith)
     EXPECT_EQ(result.status, 0);
 }
 
+TEST_F(LaptopTest, ExplanationsTellHowManyDatabasesHit)
+{
+    const std::string text = RunArborist({"explain", "laptop"}).out;
+    EXPECT_THAT(text, testing::HasSubstr("rule panel_uneven: hits_reached, 1 of 2 databases hit\n"));
+    EXPECT_THAT(text, testing::HasSubstr("rule panel_worn_out: hits_reached, 2 of 2 databases hit\n"));
+}
+
 TEST_F(LaptopTest, AsOfAnotherMomentTheEventsDontCount)
 {
     EXPECT_THAT(Causes(Detect({"--now", "2025-01-01 00:00:00"})), ElementsAre("LAPTOP_POWER: BATTERY_WORN",

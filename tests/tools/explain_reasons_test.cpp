@@ -238,7 +238,7 @@ std::vector<ReasonCase> CommandCases()
                     rules.insert(end, Xml("defDBTable").Attr("name", "D").Attr("dbName", "x").ToText()));
             }},
         {"hits_reached", Command("select 1", {StaticTest("5")}, "defDBSql", ReferenceDb("D", "0")), "TRUE",
-            {"TRUE hits_reached"}, "",
+            {"TRUE hits_reached", "Root cause E", "rule r: hits_reached, 0 of 0 databases hit"}, "",
             [](const TempDir& dir) {
                 auto rules = dir.Read("b/rules/FaultTreeRules.xml");
                 const auto end = rules.find("</commonPart>");

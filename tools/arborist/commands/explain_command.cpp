@@ -65,7 +65,7 @@ void AddViewOptions(CLI::App& explain, ExplanationView& view)
         ->type_name("ID");
     explain.add_option("--rule", view.rule, "Only this rule, and the events that ask it")->type_name("NAME");
     explain.add_option("--cause", view.cause, "Only root causes with this event in their cut set")->type_name("ID");
-    explain.add_option("--near-misses", view.nearMisses, "Cut sets that are up to N events short of a root cause")
+    explain.add_option("--near-misses", view.nearMisses, "What cut sets lack that are up to N events short of a root cause")
         ->type_name("N")
         ->check(CLI::Range(std::size_t{1}, MOST_MISSING));
     explain.add_option("--limit", view.limit, "Near misses shown of each tree")

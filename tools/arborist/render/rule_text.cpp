@@ -287,6 +287,15 @@ std::string Deciding(const std::vector<ExplainedComparison>& comparisons)
     return text + (first->holds ? ": holds" : ": fails");
 }
 
+// Of a rule that is put to several databases.
+std::string HitsText(const ExplainedRule& rule)
+{
+    const auto hits = std::count_if(rule.queries.begin(), rule.queries.end(), [](const ExplainedQuery& query) {
+        return !query.comparisons.empty() && query.comparisons.back().holds;
+    });
+    return std::to_string(hits) + " of " + Number(rule.queries.size(), "database hits", "databases hit");
+}
+
 } // namespace
 
 std::vector<std::string> RuleLines(const ExplainedRule& rule)
@@ -336,6 +345,9 @@ std::string RuleSummary(const ExplainedRule& rule)
     }
     if (rule.codeRun) {
         return "the host answers " + std::string(rule.codeRun->answer ? "present" : "not present");
+    }
+    if (rule.reason == Reason::HITS_SHORT || rule.reason == Reason::HITS_REACHED) {
+        return HitsText(rule);
     }
     for (const ExplainedQuery& query : rule.queries) {
         if (!query.comparisons.empty()) {
