@@ -5,6 +5,7 @@
 #include "arborist/frame/settings.h"
 #include "arborist/stores/common_part/common_part_db_helper.h"
 #include "arborist/stores/sql/sql_database.h"
+#include "tests/stores/common_part/common_part_db_helper_peer.h"
 #include "tests/support/database_rows.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/log_capture.h"
@@ -14,33 +15,6 @@
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-struct CommonPartDbHelperPeer {
-    static std::vector<Json::Value> Fetch(const EventIdList& ids, const std::string& path)
-    {
-        std::vector<Json::Value> rows;
-        CommonPartDbHelper::GetLumbraDataByFilter(ids, path, rows);
-        return rows;
-    }
-    static std::vector<Json::Value> Query(const std::string& path, const std::string& sql, std::int64_t minTime)
-    {
-        FT::sql::SqlDatabase database;
-        database.Open(path);
-        std::vector<Json::Value> rows;
-        CommonPartDbHelper::QueryDataSet(database, sql, rows, minTime);
-        return rows;
-    }
-    static std::string Sql(const EventIdList& ids) { return CommonPartDbHelper::GenerateSql(ids, "BASE "); }
-    static std::int64_t Version(const std::string& path)
-    {
-        FT::sql::SqlDatabase database;
-        if (!path.empty()) {
-            database.Open(path);
-        }
-        return CommonPartDbHelper::QueryVersion(database);
-    }
-    static Json::Value ToJson(const std::string& extra) { return CommonPartDbHelper::ExtraStrToJson(extra); }
-};
 
 namespace {
 

@@ -1,6 +1,8 @@
 #include <filesystem>
 #include <regex>
 
+#include <unistd.h>
+
 #include <gmock/gmock.h>
 #include <json/value.h>
 
@@ -8,6 +10,7 @@
 #include "arborist/frame/settings.h"
 #include "arborist/stores/common_part/common_part_db_helper.h"
 #include "arborist/stores/sql/sql_database.h"
+#include "tests/stores/common_part/common_part_db_helper_peer.h"
 #include "tests/support/common_part_builder.h"
 #include "tests/support/database_rows.h"
 #include "tests/support/event_log_builder.h"
@@ -382,6 +385,48 @@ TEST_F(ExternalDatabases, WhatAnEarlierRunLeftIsCopiedToo)
     EXPECT_THAT(Copy(".*(zip|db)"), ElementsAre("copies/old.db"));
     EXPECT_EQ(mDir.Read("copies/old.db"), "old");
     EXPECT_FALSE(mDir.Has("copies/temp"));
+}
+
+// Without the powers of root, which may do everything.
+class AsNobody {
+public:
+    AsNobody() { EXPECT_TRUE(!mIsRoot || seteuid(NOBODY) == 0); }
+    ~AsNobody() { EXPECT_TRUE(!mIsRoot || seteuid(0) == 0); }
+    AsNobody(const AsNobody&) = delete;
+    AsNobody& operator=(const AsNobody&) = delete;
+
+private:
+    static constexpr uid_t NOBODY = 65534;
+    const bool mIsRoot = geteuid() == 0;
+};
+
+TEST_F(ExternalDatabases, WorkFolderThatCannotBeRemovedIsToldAndTheFilesAreListed)
+{
+    mDir.MakeDir("device");
+    WriteZip(mDir.Path("device/a.zip"), {});
+    mDir.Write("copies/temp/old.db", "old");
+    fs::permissions(mDir.Path(), fs::perms{0755});
+    fs::permissions(mDir.Path("copies"), fs::perms{0555});
+    {
+        const AsNobody nobody;
+        EXPECT_THAT(Copy(".*(zip|db)"), ElementsAre("copies/old.db"));
+    }
+    fs::permissions(mDir.Path("copies"), fs::perms{0755});
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(HasSubstr("Failed to copy file"),
+        Line("CopyFile: copy file to folder fail."), Line("UnZipFile: Copy file fail."),
+        "FUNc:FileUtil::ForceRemoveDirectory: remove dir failed " + mDir.Path("copies/temp"),
+        Line("UnZipFile: remove folder fail.")));
+}
+
+TEST_F(ExternalDatabases, ArchiveThatIsGoneByTheTimeIsToldAndGivesNothing)
+{
+    EXPECT_THAT(CommonPartDbHelperPeer::UnZip(mDir.Path("gone.zip"), mDir.Path("copies")), IsEmpty());
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_WARN), ElementsAre(Line("UnZipFile: file not exist.")));
+    mLog.Clear();
+    EXPECT_THAT(CommonPartDbHelperPeer::UnZip("", mDir.Path("copies")), IsEmpty());
+    EXPECT_THAT(CommonPartDbHelperPeer::UnZip(mDir.Path("gone.zip"), ""), IsEmpty());
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+    EXPECT_FALSE(mDir.Has("copies"));
 }
 
 TEST_F(ExternalDatabases, DirectoryInAnArchiveFailsToBeCopiedAndIsListedAllTheSame)
