@@ -1,11 +1,6 @@
 #include "arborist/evaluation/formula.h"
 
-#include <charconv>
-#include <clocale>
 #include <cstddef>
-#include <cstdio>
-#include <iterator>
-#include <limits>
 #include <string_view>
 
 #include "arborist/utilities/string_util.h"
@@ -220,17 +215,6 @@ private:
     Grouping* mGrouping;
 };
 
-std::string Printed(double number)
-{
-    // The greatest number has max_exponent10 + 1 digits before the point.
-    char text[std::numeric_limits<double>::max_exponent10 + 16];
-    if (*std::localeconv()->decimal_point == '.') { // the same text, sooner
-        return {text, std::to_chars(text, std::end(text), number, std::chars_format::fixed, 6).ptr};
-    }
-    std::snprintf(text, sizeof(text), "%f", number);
-    return text;
-}
-
 } // namespace
 
 Formula::Formula(const std::string& expression, const ValueOf& valueOf)
@@ -270,5 +254,5 @@ Formula::Outcome Formula::Calculate(bool withGrouping) const
     if (!calculation.Finish()) {
         return {};
     }
-    return {Printed(calculation.Result()), withGrouping ? grouping.Text() : std::string()};
+    return {StringUtil::FixedText(calculation.Result()), withGrouping ? grouping.Text() : std::string()};
 }

@@ -1,9 +1,10 @@
 #include "arborist/utilities/platform.h"
 
 #include <cerrno>
+#include <cstdlib>
 
 #include <fcntl.h>
-#include <langinfo.h>
+#include <locale.h>
 #include <pthread.h>
 #include <sys/stat.h>
 #ifdef __linux__
@@ -37,6 +38,13 @@ bool IsMemoryDevice(const struct stat& status)
 #endif
 }
 
+// Made once, never given back. The name is one that every system has.
+locale_t PlainLocale()
+{
+    static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
+    return plain;
+}
+
 } // namespace
 
 void Platform::NameThread(const std::string& name)
@@ -49,9 +57,14 @@ void Platform::NameThread(const std::string& name)
 #endif
 }
 
-const char* Platform::DecimalPoint()
+float Platform::StrToFloat(const char* text, char** end)
 {
-    return nl_langinfo(RADIXCHAR);
+    return strtof_l(text, end, PlainLocale());
+}
+
+double Platform::StrToDouble(const char* text, char** end)
+{
+    return strtod_l(text, end, PlainLocale());
 }
 
 Platform::FileIdentity::FileIdentity(const std::string& path)

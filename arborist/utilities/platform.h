@@ -12,9 +12,9 @@ namespace Platform {
 /// Names the calling thread; the system may keep the first characters only.
 void NameThread(const std::string& name);
 
-/// What stands for the point in numbers, in the locale of the calling thread. Unlike the standard library's way, any
-/// thread may ask at any time. Lives until the locale changes.
-const char* DecimalPoint();
+/// strtof and strtod as they are in the "C" locale: with a point, whatever locale the host has set.
+float StrToFloat(const char* text, char** end);
+double StrToDouble(const char* text, char** end);
 
 /// Which file stands at a path, and in which state: two that are equal are the same file, unchanged in between.
 class FileIdentity {

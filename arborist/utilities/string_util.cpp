@@ -1,6 +1,7 @@
 #include "arborist/utilities/string_util.h"
 
 #include <cerrno>
+#include <charconv>
 #include <cstdlib>
 #include <iterator>
 #include <limits>
@@ -63,17 +64,16 @@ bool ReadPlainNumber(const char* text, double& value)
     static constexpr double POWERS[] = {
         1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
     constexpr std::ptrdiff_t MOST_DIGITS = std::size(POWERS) - 1; // every number of so many digits is a double
-    const char* const point = Platform::DecimalPoint();
     std::int64_t digits = 0;
     std::ptrdiff_t decimals = 0;
     const char* end = text;
     for (; IsDigit(*end) && end - text < MOST_DIGITS; ++end) {
         digits = digits * 10 + (*end - '0');
     }
-    if (end == text || (*end == *point && point[1] != '\0')) {
+    if (end == text) {
         return false;
     }
-    if (*end == *point) {
+    if (*end == '.') {
         for (++end; IsDigit(*end) && end - text <= MOST_DIGITS; ++end, ++decimals) {
             digits = digits * 10 + (*end - '0');
         }
@@ -151,11 +151,18 @@ std::int64_t StringUtil::StringToInt64Def(
     return StringToInt32Def(text, Low32(defaultValue), base, endPosition);
 }
 
+std::string StringUtil::FixedText(double number)
+{
+    // Sign, every digit that a double can have before the point, the point and six digits.
+    char text[std::numeric_limits<double>::max_exponent10 + 16];
+    return {text, std::to_chars(text, std::end(text), number, std::chars_format::fixed, 6).ptr};
+}
+
 float StringUtil::StringToFloatDef(const std::string& text, float defaultValue)
 {
     float value = defaultValue;
     std::size_t used = 0;
-    if (Convert(text, value, used, std::strtof) != Conversion::DONE) {
+    if (Convert(text, value, used, Platform::StrToFloat) != Conversion::DONE) {
         FT::Log::GetInstance().Output(
             FT::LEVEL_ERROR, "FUNc:%s: The retVal is invalid.", "StringUtil::StringToFloatDef");
     }
@@ -169,7 +176,7 @@ double StringUtil::StringToDoubleDef(const std::string& text, double defaultValu
     if (ReadPlainNumber(text.c_str(), value)) {
         return value;
     }
-    if (Convert(text, value, used, std::strtod) != Conversion::DONE) {
+    if (Convert(text, value, used, Platform::StrToDouble) != Conversion::DONE) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: stod error", "StringUtil::StringToDoubleDef");
     }
     return value;

@@ -32,10 +32,14 @@ std::int32_t StringToInt32Def(
 std::int64_t StringToInt64Def(
     const std::string& text, std::int64_t defaultValue, int base = 10, std::size_t* endPosition = nullptr);
 
-/// By strtof, so in the locale of the process; a number too small for the type is out of range, too.
+/// By strtof, but always with a point: the numbers of rule sets, node files and databases don't change with the locale
+/// of the host. A number too small for the type is out of range, too.
 float StringToFloatDef(const std::string& text, float defaultValue);
 /// By strtod, as StringToFloatDef.
 double StringToDoubleDef(const std::string& text, double defaultValue);
+
+/// The number as "%f" writes it, six digits behind the point, and with a point whatever the locale.
+std::string FixedText(double number);
 
 /// The tokens between the characters of the set `delimiters`, none of them empty. Without delimiters the whole text
 /// is one token.

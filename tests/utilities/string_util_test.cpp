@@ -1,7 +1,10 @@
 #include "arborist/utilities/string_util.h"
 
+#include <clocale>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <random>
 #include <string>
 
@@ -165,6 +168,34 @@ TEST_F(StringUtilTest, BadDoubleIsTheDefaultAndLogsOnce)
     EXPECT_EQ(StringUtil::StringToDoubleDef("1e309", 2.5), 2.5);
     EXPECT_EQ(StringUtil::StringToDoubleDef("1e-400", 2.5), 2.5);
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(LINE, LINE, LINE, LINE));
+}
+
+TEST_F(StringUtilTest, HostWithADecimalCommaChangesNoNumber)
+{
+    const char* set = nullptr;
+    for (const char* const name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "fr_FR.UTF-8", "fr_FR.utf8", "fr_FR"}) {
+        set = set == nullptr ? std::setlocale(LC_NUMERIC, name) : set;
+    }
+    if (set == nullptr) {
+        GTEST_SKIP() << "no locale with a decimal comma is installed";
+    }
+    EXPECT_EQ(std::strtod("1.5", nullptr), 1.0) << "the locale is in force";
+    EXPECT_EQ(StringUtil::StringToDoubleDef("1.5", 0), 1.5);
+    EXPECT_EQ(StringUtil::StringToDoubleDef("-1.5e1", 0), -15.0);
+    EXPECT_EQ(StringUtil::StringToFloatDef("1.5", 0), 1.5F);
+    EXPECT_EQ(StringUtil::StringToDoubleDef("1,5", 0), 1.0);
+    EXPECT_EQ(StringUtil::FixedText(1.5), "1.500000");
+    std::setlocale(LC_NUMERIC, "C");
+}
+
+TEST(FixedTextTest, WritesSixDigitsBehindThePoint)
+{
+    for (const double number : {0.0, -0.0, 1.5, -2.0 / 3.0, 1e-7, 123456789.0, 1e22, 1.7976931348623157e308}) {
+        char text[400];
+        std::snprintf(text, sizeof(text), "%f", number);
+        EXPECT_EQ(StringUtil::FixedText(number), text);
+    }
+    EXPECT_EQ(StringUtil::FixedText(std::numeric_limits<double>::infinity()), "inf");
 }
 
 TEST(SplitTest, GivesNoEmptyTokens)

@@ -85,11 +85,11 @@ std::string ScaledText(const std::string& type, const std::string& text, std::ui
     }
     if (type == "float") {
         const float value = StringUtil::StringToFloatDef(text, 0);
-        return std::to_string(value * static_cast<float>(NORMAL_DAYS) / static_cast<float>(days + 1));
+        return StringUtil::FixedText(value * static_cast<float>(NORMAL_DAYS) / static_cast<float>(days + 1));
     }
     if (type == "double") {
         const double value = StringUtil::StringToDoubleDef(text, 0);
-        return std::to_string(value * NORMAL_DAYS / static_cast<double>(days + 1));
+        return StringUtil::FixedText(value * NORMAL_DAYS / static_cast<double>(days + 1));
     }
     return "";
 }

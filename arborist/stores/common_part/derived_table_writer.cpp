@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <cctype>
-#include <charconv>
 #include <cstddef>
 #include <iterator>
-#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -16,6 +14,7 @@
 #include "arborist/stores/sql/sql_cursor.h"
 #include "arborist/stores/sql/sql_database.h"
 #include "arborist/stores/sql/sql_operator.h"
+#include "arborist/utilities/string_util.h"
 
 namespace {
 
@@ -49,15 +48,6 @@ bool MayHoldSql(const Json::Value& row)
     });
 }
 
-// "%f" without the host's locale: a decimal comma would make two values of it.
-std::string FixedText(double number)
-{
-    // Sign, every digit that a double can have before the point, the point and six digits.
-    char text[std::numeric_limits<double>::max_exponent10 + 16];
-    const auto [end, error] = std::to_chars(std::begin(text), std::end(text), number, std::chars_format::fixed, 6);
-    return std::string(text, end);
-}
-
 // Empty for what is neither text nor number. A number without a fraction counts as whole, however it was written.
 std::string LiteralOf(const Json::Value& value)
 {
@@ -68,7 +58,7 @@ std::string LiteralOf(const Json::Value& value)
     if (value.isInt64()) {
         return std::to_string(value.asInt64());
     }
-    return value.isNumeric() ? FixedText(value.asDouble()) : "";
+    return value.isNumeric() ? StringUtil::FixedText(value.asDouble()) : "";
 }
 
 } // namespace
