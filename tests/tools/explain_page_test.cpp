@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "arborist/frame/detection_observer.h"
+#include "tests/support/temp_dir.h"
+#include "tests/tools/command_bundle.h"
 #include "tests/tools/json_schema.h"
 
 namespace {
@@ -24,6 +26,22 @@ TEST(ExplainPageTest, ListsEveryReasonInTheirOrder)
         listed.push_back((*match)[1]);
     }
     EXPECT_EQ(listed, words);
+}
+
+TEST(ExplainPageTest, ItsExampleIsWhatTheCommandPrints)
+{
+    const TempDir dir;
+    PrepareLaptop("laptop");
+    const std::string runner = std::string(ARBORIST_SOURCE_DIR) + "/examples/laptop/code-runner.sh";
+    const auto result = RunArborist({"explain", "--near-misses", "1", "--minimal", "laptop", "--code-runner", runner});
+    const std::string page = PageOfDocs("explain.md");
+    const auto start = page.find("```text\n") + 8;
+    const std::string block = page.substr(start, page.find("```\n", start) - start);
+    const std::string gap = "  ...\n";
+    const auto middle = block.find(gap);
+    ASSERT_NE(middle, std::string::npos);
+    EXPECT_THAT(result.out, testing::HasSubstr(block.substr(0, middle)));
+    EXPECT_THAT(result.out, testing::HasSubstr(block.substr(middle + gap.size())));
 }
 
 } // namespace
