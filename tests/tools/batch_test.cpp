@@ -18,6 +18,7 @@
 
 namespace {
 
+using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::EndsWith;
@@ -249,6 +250,20 @@ TEST_P(BatchSignal, EndsTheBatchAndLeavesNothingBehind)
 
 INSTANTIATE_TEST_SUITE_P(Table, BatchSignal,
     testing::Values(SignalCase{"Int", SIGINT}, SignalCase{"Term", SIGTERM}, SignalCase{"Hup", SIGHUP}), CaseName());
+
+TEST_F(BatchTest, OnATerminalALineTellsHowFarItIs)
+{
+    if (RunProcess({"sh", "-c", "command -v script"}).status != 0) {
+        GTEST_SKIP() << "no program that makes a terminal";
+    }
+    mDir.Write("list", Joined(WriteBundles(20)));
+    const auto result = RunProcess({"script", "--quiet", "--return", "--command",
+        "'" ARBORIST_COMMAND "' detect --batch list > results", "/dev/null"});
+    EXPECT_THAT(result.out, ContainsRegex("\r[0-9]+ of 20 bundles, [01] not diagnosed"));
+    EXPECT_THAT(result.out, EndsWith("\r\x1b[K")); // and is taken back
+    EXPECT_EQ(result.status, 4);
+    EXPECT_EQ(Lines(mDir.Read("results")).size(), 20U);
+}
 
 TEST_F(BatchTest, TemporaryFilesAreRemovedAtTheEnd)
 {

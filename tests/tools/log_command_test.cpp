@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include "tests/support/case_name.h"
+#include "tests/support/event_log_builder.h"
 #include "tests/support/temp_dir.h"
 #include "tests/tools/command_bundle.h"
 #include "tools/arborist/sqlite/connection.h"
@@ -191,6 +192,33 @@ TEST_F(LogCommandTest, APipeOrAFolderInPlaceOfALogIsToldAndNotWaitedFor)
             EXPECT_EQ(result.status, 4);
         }
     }
+}
+
+// Views in the place of a table: one that counts for ever, one that makes a text of a gigabyte.
+TEST_F(LogCommandTest, AViewThatNeverEndsIsGivenUp)
+{
+    const auto view = [](const std::string& rows) {
+        return EventLogBuilder().Schema("CREATE TABLE event_info_flow (_ID, event_pid, occurrence_time);"
+            "CREATE TABLE event_version (_ID, VERSION_NAME); CREATE VIEW event_info AS " + rows + ";");
+    };
+    view("WITH RECURSIVE n (_ID) AS (SELECT 1 UNION ALL SELECT _ID + 1 FROM n) SELECT _ID, 5 AS event_id, '' AS extra,"
+         " 1 AS version_id FROM n WHERE _ID < 0").WriteTo(mDir.Path("endless.db"));
+    view("SELECT 1 AS _ID, 5 AS event_id, hex(zeroblob(400000000)) AS extra, 1 AS version_id").WriteTo(mDir.Path("long.db"));
+    for (const char* command : {"show", "inspect"}) {
+        const auto endless = RunArborist({"log", command, "endless.db"});
+        EXPECT_EQ(endless.err, "arborist: endless.db: takes more work than a database of its size can need\n");
+        EXPECT_EQ(endless.status, 4);
+        EXPECT_EQ(RunArborist({"log", command, "long.db"}).err, "arborist: long.db: string or blob too big\n");
+    }
+}
+
+TEST_F(LogCommandTest, ATextOfMillionsOfLettersIsShown)
+{
+    const std::string line = R"({"time": 5, "event": 7, "version": "", "extra": ")" + std::string(3'000'000, 'x') + "\"}\n";
+    EXPECT_EQ(Import(line).status, 0);
+    EXPECT_EQ(RunArborist({"log", "show", "--seconds", "log.db"}).out, line);
+    EXPECT_EQ(RunArborist({"log", "slice", "log.db", "--to", "slice.db", "--last", "1"}).status, 0);
+    EXPECT_EQ(RunArborist({"log", "show", "--seconds", "slice.db"}).out, line);
 }
 
 TEST_F(LogCommandTest, RowsOfStrangersAreShownAsTheyAre)

@@ -22,9 +22,6 @@ constexpr char COUNT_CHILDLESS[] =
     "SELECT count(*) FROM event_info AS info LEFT JOIN event_info_flow AS flow ON flow.event_pid = info._ID"
     " WHERE flow.event_pid IS NULL";
 
-// Steps of SQLite's machine: some ten million rows. A view of a stranger could count for ever.
-constexpr int LARGEST_WORK = 1'000'000'000;
-
 // The one number that a query answers; nothing when it fails.
 std::optional<std::int64_t> Number(Connection& database, const char* query)
 {
@@ -47,7 +44,7 @@ EventLogLook LookAtEventLog(const std::string& path, bool readsExtra)
         look.problem = database.GetError();
         return look;
     }
-    database.LimitWork(LARGEST_WORK);
+    database.LimitToFile();
     auto rows = database.Prepare(COUNT_ROWS);
     if (!rows) {
         look.problem = database.GetError();

@@ -93,8 +93,11 @@ std::optional<Failure> CopyInto(const std::string& source, const std::string& ta
 std::optional<Failure> Cut(const std::string& source, const std::string& file, const LogSlice& slice)
 {
     Connection database;
-    if (!database.Open(file, Connection::Mode::CREATE) || !database.Execute("PRAGMA journal_mode = OFF")
-        || !database.Execute(DeleteOutside(slice, LatestTime(database)))) {
+    if (!database.Open(file, Connection::Mode::CREATE)) {
+        return Failure{"bad_log", source + ": " + database.GetError()};
+    }
+    database.LimitToFile();
+    if (!database.Execute("PRAGMA journal_mode = OFF") || !database.Execute(DeleteOutside(slice, LatestTime(database)))) {
         return Failure{"bad_log", source + ": " + database.GetError()};
     }
     return database.Close() ? std::nullopt : std::optional(Failure{"log_not_written", file + ": can't be closed"});

@@ -13,9 +13,12 @@ std::optional<Failure> ReadRepairRecords(const std::string& path, std::vector<Re
         return std::nullopt;
     }
     Connection database;
-    std::optional<Statement> rows;
-    if (!database.Open(path, Connection::Mode::READ_ONLY)
-        || !(rows = database.Prepare("SELECT repair_id, repair_date FROM repair_data ORDER BY _id"))) {
+    if (!database.Open(path, Connection::Mode::READ_ONLY)) {
+        return Failure{"bad_repair_records", path + ": " + database.GetError()};
+    }
+    database.LimitToFile();
+    auto rows = database.Prepare("SELECT repair_id, repair_date FROM repair_data ORDER BY _id");
+    if (!rows) {
         return Failure{"bad_repair_records", path + ": " + database.GetError()};
     }
     while (rows->Step()) {

@@ -1,6 +1,8 @@
 #include "tools/arborist/sqlite/connection.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <limits>
 
 #include <sqlite3.h>
 
@@ -17,6 +19,13 @@ std::string ReasonAgainst(const std::string& path)
     const fs::file_status status = fs::status(path, error);
     return fs::is_directory(status) ? "is a folder"
         : fs::exists(status) && !fs::is_regular_file(status) ? "is no plain file" : "";
+}
+
+std::uint64_t SizeOf(const std::string& path)
+{
+    std::error_code error;
+    const auto size = fs::file_size(path, error);
+    return error ? 0 : size;
 }
 
 } // namespace
@@ -84,6 +93,7 @@ bool Connection::Open(const std::string& path, Mode mode)
     if (!mRefusal.empty()) {
         return false;
     }
+    mFileBytes = SizeOf(path) + SizeOf(path + "-wal");
     sqlite3* database = nullptr;
     const int flags = mode == Mode::READ_ONLY ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
     const int result = sqlite3_open_v2(path.c_str(), &database, flags, nullptr);
@@ -107,9 +117,20 @@ std::optional<Statement> Connection::Prepare(const std::string& sql)
     return statement;
 }
 
-void Connection::LimitWork(int steps)
+void Connection::LimitToFile()
 {
-    sqlite3_progress_handler(mDatabase.get(), steps, [](void*) { return 1; }, nullptr);
+    // Steps of SQLite's machine: a row of thirty bytes is read, joined and sorted in some hundred.
+    static constexpr std::int64_t LEAST_WORK = 100'000'000;
+    static constexpr std::int64_t WORK_OF_A_BYTE = 200;
+    static constexpr std::int64_t MOST_BYTES = std::int64_t{1} << 50;
+    static constexpr int STEPS_AT_A_TIME = 1'000'000;
+    static constexpr std::uint64_t LEAST_LENGTH = 1'000'000;
+    const auto bytes = std::min<std::int64_t>(MOST_BYTES, static_cast<std::int64_t>(mFileBytes));
+    mWorkLeft = std::make_unique<std::int64_t>(LEAST_WORK + WORK_OF_A_BYTE * bytes);
+    const auto isOver = [](void* left) { return (*static_cast<std::int64_t*>(left) -= STEPS_AT_A_TIME) < 0 ? 1 : 0; };
+    sqlite3_progress_handler(mDatabase.get(), STEPS_AT_A_TIME, isOver, mWorkLeft.get());
+    const auto length = std::min<std::uint64_t>(std::max(LEAST_LENGTH, mFileBytes), std::numeric_limits<int>::max());
+    sqlite3_limit(mDatabase.get(), SQLITE_LIMIT_LENGTH, static_cast<int>(length));
 }
 
 bool Connection::IsInterrupted() const
@@ -127,6 +148,9 @@ std::string Connection::GetError() const
 {
     if (!mRefusal.empty()) {
         return mRefusal;
+    }
+    if (IsInterrupted()) {
+        return "takes more work than a database of its size can need";
     }
     return mDatabase == nullptr ? "out of memory" : sqlite3_errmsg(mDatabase.get());
 }

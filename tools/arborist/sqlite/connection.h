@@ -49,8 +49,9 @@ public:
     /// Nothing on failure, which GetError tells.
     std::optional<Statement> Prepare(const std::string& sql);
 
-    /// From now on a statement that takes more than `steps` of SQLite's machine fails as interrupted.
-    void LimitWork(int steps);
+    /// From now on statements fail when they take more work than reading a file of this size can, as interrupted, or
+    /// make texts longer than the file: a view of a stranger could count for ever. To be called on an open connection.
+    void LimitToFile();
 
     bool HasError() const;
     bool IsInterrupted() const;
@@ -62,7 +63,10 @@ private:
     struct Closer {
         void operator()(sqlite3* database) const;
     };
+    // The handler that it belongs to goes with the connection, which is closed first.
+    std::unique_ptr<std::int64_t> mWorkLeft;
     std::unique_ptr<sqlite3, Closer> mDatabase;
+    std::uint64_t mFileBytes = 0;
     /// Why the file was not given to SQLite; else empty.
     std::string mRefusal;
 };

@@ -90,8 +90,11 @@ std::optional<Failure> ReadOnlyDatabase::Open(const std::string& path, const std
             return failure;
         }
     }
-    return mConnection.Open(file, mode) ? std::nullopt
-                                        : std::optional(Failure{code, path + ": " + mConnection.GetError()});
+    if (!mConnection.Open(file, mode)) {
+        return Failure{code, path + ": " + mConnection.GetError()};
+    }
+    mConnection.LimitToFile();
+    return std::nullopt;
 }
 
 } // namespace command

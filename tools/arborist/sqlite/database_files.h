@@ -19,7 +19,7 @@ bool IsTouchedByReading(const std::string& path);
 std::optional<Failure> CopyDatabase(const std::string& source, const std::string& target);
 
 /// A connection to a database that is read and nothing more: no byte of it changes and no file comes into being
-/// beside it. Where SQLite would do either, a copy in a scratch folder is read.
+/// beside it. Where SQLite would do either, a copy in a scratch folder is read. Its work is limited to its size.
 class ReadOnlyDatabase {
 public:
     /// `code` is that of the failure.
