@@ -9,6 +9,8 @@
 #include <unordered_set>
 #include <vector>
 
+#include "arborist/utilities/text_hash.h"
+
 class Event;
 
 /// Tells whether the paths of the events below one gate are their own. Keeps its memory from gate to gate.
@@ -28,7 +30,7 @@ private:
 
     /// Marks the quick hash of every id in mIds, so that most others are told apart without looking further.
     std::vector<unsigned char> mMarks;
-    std::unordered_set<std::string_view> mIds;
+    std::unordered_set<std::string_view, TextHash> mIds;
 };
 
 #endif

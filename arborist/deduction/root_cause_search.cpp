@@ -11,6 +11,7 @@
 #include "arborist/deduction/surviving_tree.h"
 #include "arborist/model/event.h"
 #include "arborist/model/fault_tree.h"
+#include "arborist/utilities/text_hash.h"
 
 namespace {
 
@@ -170,7 +171,7 @@ private:
     const SurvivingTree& mTree;
     std::vector<Index> mIdOfPlace;
     std::vector<std::size_t> mRoundOfPlace;
-    std::unordered_map<std::string_view, Index> mIds;
+    std::unordered_map<std::string_view, Index, TextHash> mIds;
     std::vector<std::size_t> mRoundOfId;
     std::size_t mRound = 0;
     std::vector<Index> mWay;
