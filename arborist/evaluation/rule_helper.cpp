@@ -7,6 +7,7 @@
 #include "arborist/frame/log.h"
 #include "arborist/loading/fault_tree_parser.h"
 #include "arborist/model/event.h"
+#include "arborist/stores/repairs/repair_dates.h"
 #include "arborist/stores/repairs/reset_time_parser.h"
 
 namespace {
@@ -34,6 +35,7 @@ std::string JoinNames(const std::vector<std::string>& names)
 RuleHelper::RuleHelper(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<FaultTreeParser> faultTreeParser)
     : mDetectInfo(std::move(detectInfo)),
       mResetTimeParser(std::make_shared<ResetTimeParser>(mDetectInfo == nullptr ? "" : mDetectInfo->mLogLocation)),
+      mRepairDates(std::make_shared<RepairDates>()),
       mFaultTreeParser(std::move(faultTreeParser))
 {
     mResetTimeParser->ParseLogService();

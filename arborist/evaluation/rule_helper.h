@@ -15,6 +15,7 @@
 class DeviceDetails;
 class Event;
 class FaultTreeParser;
+class RepairDates;
 class ResetTimeParser;
 struct DetectInfo;
 
@@ -92,7 +93,7 @@ private:
     };
 
     RepairTime GetRepairTimeByEventId(const std::string& eventId) const;
-    static std::int64_t GetRepairTimeFromDb(const std::string& repairId);
+    std::int64_t GetRepairTimeFromDb(const std::string& repairId) const;
     std::string GetRepairIdFromCurEvent() const;
     bool IsValidProduct(const std::shared_ptr<Rule>& rule) const;
     bool IsValidDetectScene(const std::shared_ptr<Rule>& rule) const;
@@ -105,6 +106,7 @@ private:
 
     std::shared_ptr<DetectInfo> mDetectInfo;
     std::shared_ptr<ResetTimeParser> mResetTimeParser;
+    std::shared_ptr<RepairDates> mRepairDates;
     std::shared_ptr<Event> mCurrentEvent;
     std::shared_ptr<FaultTreeParser> mFaultTreeParser;
     DetectionObserver* mObserver = nullptr;

@@ -7,7 +7,7 @@
 #include "arborist/frame/log.h"
 #include "arborist/loading/fault_tree_parser.h"
 #include "arborist/model/event.h"
-#include "arborist/stores/repairs/repair_db_util.h"
+#include "arborist/stores/repairs/repair_dates.h"
 #include "arborist/stores/repairs/reset_time_parser.h"
 #include "arborist/utilities/json_text.h"
 #include "arborist/utilities/time_util.h"
@@ -86,7 +86,7 @@ RuleHelper::RepairTime RuleHelper::GetRepairTimeByEventId(const std::string& eve
     if (repairIds.empty()) {
         return latest;
     }
-    const auto consider = [&latest](const std::string& repairId) {
+    const auto consider = [this, &latest](const std::string& repairId) {
         const std::int64_t time = GetRepairTimeFromDb(repairId);
         if (time > latest.time) {
             latest = {time, repairId};
@@ -99,12 +99,12 @@ RuleHelper::RepairTime RuleHelper::GetRepairTimeByEventId(const std::string& eve
     return latest;
 }
 
-std::int64_t RuleHelper::GetRepairTimeFromDb(const std::string& repairId)
+std::int64_t RuleHelper::GetRepairTimeFromDb(const std::string& repairId) const
 {
     if (repairId.empty()) {
         return 0;
     }
-    const std::string date = RepairDbUtil().QueryRepairDate(repairId);
+    const std::string date = mRepairDates->Query(repairId);
     return date.empty() ? 0 : TimeUtil::StrToTimeStamp(date, "%Y-%m-%d %H:%M:%S");
 }
 

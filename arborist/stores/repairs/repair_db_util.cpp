@@ -7,6 +7,7 @@
 
 #include "arborist/frame/log.h"
 #include "arborist/stores/sql/simple_database_helper.h"
+#include "arborist/stores/sql/sql_cursor.h"
 #include "arborist/utilities/device_paths.h"
 #include "arborist/utilities/file_util.h"
 #include "arborist/utilities/time_util.h"
@@ -80,6 +81,12 @@ bool IsOpen(const FT::sql::SqlDatabase& database)
     return database.IsOpen();
 }
 
+void LogTableExists(const std::string& tableName)
+{
+    FT::Log::GetInstance().Output(FT::LEVEL_DEBUG, "FUNc:%s: table %s already exist.",
+        "RepairDbUtil::CreateRepairRecordTable", tableName.c_str());
+}
+
 } // namespace
 
 RepairDbUtil::RepairDbUtil() : mDatabase(std::make_unique<FT::sql::SqlDatabase>())
@@ -123,12 +130,25 @@ void RepairDbUtil::CloseDb()
     }
 }
 
+bool RepairDbUtil::ConfirmTable() const
+{
+    if (!mDatabase->IsOpen()) {
+        return false;
+    }
+    FT::sql::SqlCursor count(mDatabase->GetHandle(),
+        "select count(*) from sqlite_master where type = 'table' and name = '" + TABLE_NAME + "'");
+    const bool isThere = count.Step() && count.GetInteger(0) > 0;
+    if (isThere) {
+        LogTableExists(TABLE_NAME);
+    }
+    return isThere;
+}
+
 bool RepairDbUtil::CreateRepairRecordTable(const std::string& tableName)
 {
     RepairTable repairs(*mDatabase, tableName);
     if (repairs.table.Exists()) {
-        FT::Log::GetInstance().Output(FT::LEVEL_DEBUG, "FUNc:%s: table %s already exist.",
-            "RepairDbUtil::CreateRepairRecordTable", tableName.c_str());
+        LogTableExists(tableName);
         return true;
     }
     return FT::sql::SimpleDatabaseHelper().CreateTable(repairs.table);

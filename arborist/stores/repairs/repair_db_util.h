@@ -27,6 +27,9 @@ public:
     /// Local time of the latest repair, "%Y-%m-%d %H:%M:%S"; empty when there is none. An id with a single quote in it
     /// can be saved but not asked for: its query fails.
     std::string QueryRepairDate(const std::string& repairId);
+    /// What opening says of a table that is there, for an object that is used again. Says nothing and answers false
+    /// when the table is gone or can't be read.
+    bool ConfirmTable() const;
 
 private:
     friend struct RepairDbUtilPeer; // tests reach the private steps through it

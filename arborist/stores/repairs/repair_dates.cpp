@@ -1,0 +1,30 @@
+#include "arborist/stores/repairs/repair_dates.h"
+
+#include <utility>
+
+#include "arborist/stores/repairs/repair_db_util.h"
+#include "arborist/utilities/device_paths.h"
+
+RepairDates::RepairDates() = default;
+
+RepairDates::~RepairDates() = default;
+
+std::string RepairDates::Query(const std::string& repairId)
+{
+    Open();
+    return mRepairs->QueryRepairDate(repairId);
+}
+
+void RepairDates::Open()
+{
+    std::string path = DevicePaths::RepairDatabase();
+    const Platform::FileIdentity identity(path);
+    const bool isSameFile = mRepairs != nullptr && identity.IsSet() && path == mPath && identity == mIdentity;
+    if (isSameFile && mRepairs->ConfirmTable()) {
+        return;
+    }
+    mRepairs.reset(); // first, since closing may change the file
+    mRepairs = std::make_unique<RepairDbUtil>();
+    mPath = std::move(path);
+    mIdentity = identity;
+}
