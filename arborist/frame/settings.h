@@ -24,6 +24,11 @@ inline constexpr char DEVICE_ROOT_DIR[] = "DeviceRootDir";
 /// recorded device is diagnosed as of its recording.
 inline constexpr char CURRENT_TIME[] = "CurrentTime";
 
+/// When not empty, nothing of the databases that a detection writes is needed after it (a recorded device is diagnosed
+/// in a folder that is removed): no write waits for the disk. A machine that fails on the way may then leave broken
+/// databases. Repairs are written safely all the same.
+inline constexpr char TEMPORARY_STORES[] = "TemporaryStores";
+
 } // namespace Settings
 
 /// Sets one of the Settings, replacing its value. Call it before the detection that is to see it; nothing is locked.

@@ -30,7 +30,12 @@ INSTANTIATE_TEST_SUITE_P(Table, TimeZoneText, testing::Values(
     ZoneCase{"RuleWithoutChanges", "EST5EDT", true}, ZoneCase{"Empty", "", false},
     ZoneCase{"UnknownName", "Europe/Nowhere", false}, ZoneCase{"Absolute", "/etc/localtime", false},
     ZoneCase{"AboveTheDatabase", "../../etc/passwd", false}, ZoneCase{"Folder", "Europe", false},
-    ZoneCase{"Words", "not a zone", false}), CaseName());
+    ZoneCase{"Words", "not a zone", false}, ZoneCase{"RuleWithSeconds", "AAA-1:02:03BBB+10:30,J60/-1,300/2:00", true},
+    ZoneCase{"RuleWithAQuotedNameOfTwo", "<+3>-3", false}, ZoneCase{"RuleWithoutAnOffset", "ABCD", false},
+    ZoneCase{"RuleWithOneChange", "CET-1CEST,M3.5.0", false}, ZoneCase{"RuleWithAThirdChange",
+        "CET-1CEST,M3.5.0,M10.5.0,M11.5.0", false}, ZoneCase{"RuleWithAWeekTooMany", "CET-1CEST,M3.6.0,M10.5.0", false},
+    ZoneCase{"RuleWithALongOffset", "CET-1000", false}, ZoneCase{"RuleWithAnOpenName", "<+03-3", false},
+    ZoneCase{"RuleWithShortMinutes", "CET-1:3", false}), CaseName());
 
 TEST(MomentTest, LocalTimeAndSecondsNameTheSameMoment)
 {

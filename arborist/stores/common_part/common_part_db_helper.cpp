@@ -4,7 +4,9 @@
 
 #include <json/value.h>
 
+#include "arborist/frame/fault_tree_prop_global.h"
 #include "arborist/frame/log.h"
+#include "arborist/frame/settings.h"
 #include "arborist/stores/common_part/derived_table_writer.h"
 #include "arborist/stores/common_part/lower_case.h"
 #include "arborist/stores/sql/sql_database.h"
@@ -35,23 +37,6 @@ const char* ColumnSuffix(const std::string& type)
     return "";
 }
 
-// Opens the derived database and drops the table that is to be built anew. `function` names the log lines.
-bool OpenWithoutTable(FT::sql::SqlDatabase& database, const std::string& tableName, const char* function)
-{
-    database.Open(DevicePaths::DerivedDatabase());
-    if (!database.IsOpen()) {
-        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: open JankEventDb fail.", function);
-        return false;
-    }
-    database.Restrict(FT::sql::SqlAccess::OWN_FILE);
-    if (!FT::sql::SqlOperator(database.GetHandle()).ExecuteNoCallback("drop table if exists " + tableName)) {
-        FT::Log::GetInstance().Output(
-            FT::LEVEL_ERROR, "FUNc:%s: createJankDB : Delete all tables fail.", function);
-        return false;
-    }
-    return true;
-}
-
 // The one row of a table that takes no events. It is the same whatever the device.
 Json::Value FixedRow()
 {
@@ -71,6 +56,14 @@ CommonPartDbHelper& CommonPartDbHelper::GetInstance()
 {
     static CommonPartDbHelper instance;
     return instance;
+}
+
+void CommonPartDbHelper::PrepareForWriting(FT::sql::SqlDatabase& database, const FT::sql::SqlLimits& limits)
+{
+    database.Restrict(FT::sql::SqlAccess::OWN_FILE, limits);
+    if (!FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(Settings::TEMPORARY_STORES, "").empty()) {
+        database.WriteWithoutWaiting();
+    }
 }
 
 bool CommonPartDbHelper::Init()
@@ -136,6 +129,23 @@ bool CommonPartDbHelper::GetEventIdList(const LumbraDataList& dataItems, EventId
             return false;
         }
         ids.Append(min == 0 ? max : min, max);
+    }
+    return true;
+}
+
+bool CommonPartDbHelper::OpenWithoutTable(
+    FT::sql::SqlDatabase& database, const std::string& tableName, const char* function)
+{
+    database.Open(DevicePaths::DerivedDatabase());
+    if (!database.IsOpen()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: open JankEventDb fail.", function);
+        return false;
+    }
+    PrepareForWriting(database, {});
+    if (!FT::sql::SqlOperator(database.GetHandle()).ExecuteNoCallback("drop table if exists " + tableName)) {
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_ERROR, "FUNc:%s: createJankDB : Delete all tables fail.", function);
+        return false;
     }
     return true;
 }

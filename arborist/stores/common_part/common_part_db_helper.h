@@ -56,12 +56,18 @@ private:
     CommonPartDbHelper() = default;
     ~CommonPartDbHelper() = default;
 
+    // Says of a database that this class writes what statements may do to it and whether they wait for the disk.
+    static void PrepareForWriting(FT::sql::SqlDatabase& database, const FT::sql::SqlLimits& limits);
+
     // The tables of the derived database.
     static ParamList ColumnsOf(const LumbraDataList& dataItems);
     static bool GetEventIdList(const LumbraDataList& dataItems, EventIdList& ids);
     bool IsSuccessCreatePerfDb(const EventIdList& ids, const ParamList& params, const std::string& tableName,
         const std::string& eventDbPath);
     bool IsSuccessCreateLumbraPlusDb(const ParamList& params, const std::string& tableName);
+    // Opens the derived database and drops the table that is to be built anew. `function` names the log lines.
+    static bool OpenWithoutTable(
+        FT::sql::SqlDatabase& database, const std::string& tableName, const char* function);
     static std::string GenerateCreateSql(const ParamList& params, const std::string& tableName);
     static bool IsTableExist(const FT::sql::SqlDatabase& database, const std::string& tableName);
     static bool IsSetedDataToTable(FT::sql::SqlDatabase& database, const std::string& tableName,

@@ -262,7 +262,7 @@ bool CommonPartDbHelper::CreateTable(const std::string& dbPath, const std::strin
             FileUtil::ExtractFileName(dbPath).c_str());
         return false;
     }
-    database.Restrict(FT::sql::SqlAccess::OWN_FILE, limits);
+    PrepareForWriting(database, limits);
     FT::sql::SqlOperator connection(database.GetHandle());
     for (const std::string& statement : statements) {
         if (!connection.ExecuteNoCallback(statement)) {

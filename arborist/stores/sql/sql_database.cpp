@@ -182,6 +182,13 @@ void SqlDatabase::Restrict(SqlAccess access, const SqlLimits& limits)
     }
 }
 
+void SqlDatabase::WriteWithoutWaiting()
+{
+    if (IsOpen()) {
+        sqlite3_exec(handle->connection, "PRAGMA synchronous=OFF; PRAGMA journal_mode=MEMORY", nullptr, nullptr, nullptr);
+    }
+}
+
 void SqlDatabase::Close()
 {
     if (handle->connection == nullptr) {

@@ -76,6 +76,8 @@ public:
     /// Holds what statements do in bounds until the database is closed, whether their text or the file is foreign. A
     /// statement that goes further fails. `limits` are those of OWN_FILE.
     void Restrict(SqlAccess access, const SqlLimits& limits = {});
+    /// From now on what is written is not safe from a failure of the machine, and no write waits for the disk.
+    void WriteWithoutWaiting();
     const Sqlite3Db& GetHandle() const { return *handle; }
 
     /// There is no rollback: a transaction that isn't committed ends with the connection.

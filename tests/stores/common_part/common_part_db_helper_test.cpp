@@ -91,6 +91,18 @@ TEST_F(DerivedTables, InitTellsOfADirectoryThatCannotBeMade)
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), testing::Contains(Line("Init: create database dir fail.")));
 }
 
+TEST_F(DerivedTables, TemporaryOnesHoldTheSameAndLeaveNothingElse)
+{
+    mSettings.Set(Settings::TEMPORARY_STORES, "1");
+    for (const std::size_t rows : {1U, 10U}) {
+        ASSERT_TRUE(BuildFromExtras(
+            std::vector<std::string>(rows, R"({"A":5})"), {std::make_shared<Param>(Param{"A", "int", "1", ""})}));
+        EXPECT_EQ(Rows("select A from T"), std::vector<std::string>(rows, "5"));
+    }
+    EXPECT_FALSE(mDir.Has("root/Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db-journal"));
+    EXPECT_FALSE(mDir.Has("root/Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db-wal"));
+}
+
 TEST_F(DerivedTables, NullPartIsFalseAndTouchesNothing)
 {
     EXPECT_FALSE(CommonPartDbHelper::GetInstance().IsSuccessCreateJankDb(mLogPath, nullptr));

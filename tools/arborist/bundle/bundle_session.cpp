@@ -18,7 +18,7 @@ namespace {
 void EmptySettings()
 {
     for (const char* key : {Settings::APP_DATABASE_DIR, Settings::APP_FILE_DIR, Settings::VERSION_NAME,
-             Settings::PROGRAM_DATA_DIR, Settings::DEVICE_ROOT_DIR, Settings::CURRENT_TIME}) {
+             Settings::PROGRAM_DATA_DIR, Settings::DEVICE_ROOT_DIR, Settings::CURRENT_TIME, Settings::TEMPORARY_STORES}) {
         SetFaultTreeProperty(key, "");
     }
 }
@@ -153,6 +153,8 @@ void BundleSession::SetSettings() const
         SetFaultTreeProperty(key, value);
     }
     SetFaultTreeProperty(Settings::CURRENT_TIME, mMoment ? std::to_string(*mMoment) : "");
+    // What a detection writes goes with the folder for temporary files.
+    SetFaultTreeProperty(Settings::TEMPORARY_STORES, mScratch.IsMade() ? "1" : "");
 }
 
 std::shared_ptr<DetectInfo> BundleSession::MakeDetectInfo() const

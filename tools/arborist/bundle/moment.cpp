@@ -1,25 +1,104 @@
 #include "tools/arborist/bundle/moment.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <regex>
+#include <string_view>
 
 namespace command {
 
 namespace {
 
-// A rule of POSIX: names and offsets, and for a zone with summer time the two days on which the clocks change.
+// A rule of POSIX: names and offsets, and for a zone with summer time the two days on which the clocks change. Read by
+// hand: to build the regular expression for it takes longer than a whole detection.
+class ZoneRuleReader {
+public:
+    explicit ZoneRuleReader(std::string_view rule) : mRest(rule) {}
+
+    bool IsRule()
+    {
+        if (!TakeName() || !TakeOffset()) {
+            return false;
+        }
+        if (mRest.empty()) {
+            return true;
+        }
+        if (!TakeName() || (StartsOffset() && !TakeOffset())) {
+            return false;
+        }
+        return mRest.empty() || (TakeChange() && TakeChange() && mRest.empty());
+    }
+
+private:
+    bool Take(char letter)
+    {
+        const bool isNext = !mRest.empty() && mRest.front() == letter;
+        mRest.remove_prefix(isNext ? 1 : 0);
+        return isNext;
+    }
+
+    bool TakeOneOf(std::string_view letters)
+    {
+        const bool isNext = !mRest.empty() && letters.find(mRest.front()) != std::string_view::npos;
+        mRest.remove_prefix(isNext ? 1 : 0);
+        return isNext;
+    }
+
+    std::size_t TakeAll(std::string_view letters)
+    {
+        const std::size_t count = std::min(mRest.find_first_not_of(letters), mRest.size());
+        mRest.remove_prefix(count);
+        return count;
+    }
+
+    bool TakeDigits(std::size_t least, std::size_t most)
+    {
+        const std::size_t count = TakeAll(DIGITS);
+        return count >= least && count <= most;
+    }
+
+    bool TakeName()
+    {
+        static const std::string quoted = std::string(LETTERS) + std::string(DIGITS) + "+-";
+        return Take('<') ? TakeAll(quoted) >= 3 && Take('>') : TakeAll(LETTERS) >= 3;
+    }
+
+    bool StartsOffset() const
+    {
+        return !mRest.empty() && (mRest.front() == '+' || mRest.front() == '-' ||
+                                     DIGITS.find(mRest.front()) != std::string_view::npos);
+    }
+
+    bool TakeOffset()
+    {
+        TakeOneOf("+-");
+        return TakeDigits(1, 3) && (!Take(':') || (TakeDigits(2, 2) && (!Take(':') || TakeDigits(2, 2))));
+    }
+
+    bool TakeDay()
+    {
+        if (Take('M')) {
+            return TakeDigits(1, 2) && Take('.') && TakeOneOf("12345") && Take('.') && TakeOneOf("0123456");
+        }
+        Take('J');
+        return TakeDigits(1, 3);
+    }
+
+    bool TakeChange() { return Take(',') && TakeDay() && (!Take('/') || TakeOffset()); }
+
+    static constexpr std::string_view LETTERS = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+    static constexpr std::string_view DIGITS = "0123456789";
+
+    std::string_view mRest;
+};
+
 bool IsZoneRule(const std::string& zone)
 {
-    static const std::string name = "([A-Za-z]{3,}|<[A-Za-z0-9+-]{3,}>)";
-    static const std::string offset = "[+-]?\\d{1,3}(:\\d{2}(:\\d{2})?)?";
-    static const std::string change = ",(J?\\d{1,3}|M\\d{1,2}\\.[1-5]\\.[0-6])(/" + offset + ")?";
-    static const std::regex rule(name + offset + "(" + name + "(" + offset + ")?(" + change + change + ")?)?");
-    return zone.size() < 128 && std::regex_match(zone, rule);
+    return zone.size() < 128 && ZoneRuleReader(zone).IsRule();
 }
 
 bool IsZoneFile(const std::string& zone)
