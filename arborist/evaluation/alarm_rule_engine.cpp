@@ -320,21 +320,36 @@ bool AlarmRuleEngine::IsHit(Measure measure, EventRows& rows, const TestList& te
     }
 }
 
+// Whether the member of this row passes.
+inline bool AlarmRuleEngine::IsErrorForEventWithParam(
+    const EventRows& rows, std::size_t row, std::size_t keyNumber, const MemberTest& test)
+{
+    return test.Passes(rows, row, keyNumber);
+}
+
+void AlarmRuleEngine::CountTested(Window& window, std::size_t test, std::uint64_t tested, std::uint64_t passed)
+{
+    window.tallies[test].tested += tested;
+    window.tallies[test].passed += passed;
+}
+
 bool AlarmRuleEngine::IsFaultForPeriod(EventRows& rows, const MemberTest* test, Window& window)
 {
     std::uint64_t count = 0;
-    if (test == nullptr && !DetectionCustomize::IsDmdEvent(rows.GetEventId())) {
-        count = rows.GetCount();
-    } else {
+    if (test != nullptr) {
+        for (std::size_t row = 0; row < rows.GetCount(); ++row) {
+            count += IsErrorForEventWithParam(rows, row, 0, *test) ? 1U : 0U;
+        }
+        CountTested(window, 0, rows.GetCount(), count);
+        window.rowsFailed += rows.GetCount() - count;
+    } else if (DetectionCustomize::IsDmdEvent(rows.GetEventId())) {
         for (std::size_t row = 0; row < rows.GetCount(); ++row) {
             // A negative weight takes away, and wraps below 0.
-            count += test != nullptr
-                ? static_cast<std::uint64_t>(IsErrorForEventWithParam(rows, row, 0, *test, window.tallies.front()))
-                : static_cast<std::uint64_t>(std::int64_t{DetectionCustomize::CheckDmdEventCount(rows.GetMember(row, 0))});
+            count += static_cast<std::uint64_t>(
+                std::int64_t{DetectionCustomize::CheckDmdEventCount(rows.GetMember(row, 0))});
         }
-    }
-    if (test != nullptr) {
-        window.rowsFailed += rows.GetCount() - count;
+    } else {
+        count = rows.GetCount();
     }
     NoteReached(window.seen, rows, static_cast<std::int64_t>(count));
     // Compared without sign: a negative threshold is never reached.
@@ -347,6 +362,8 @@ bool AlarmRuleEngine::IsFaultForDaily(EventRows& rows, const MemberTest* test, W
     const bool isDmd = DetectionCustomize::IsDmdEvent(rows.GetEventId());
     EventLogIndex::DayCounts days{};
     const bool isPlain = test == nullptr && !isDmd;
+    std::uint64_t tested = 0;
+    std::uint64_t passed = 0;
     if (isPlain) {
         rows.CountDays(days);
     }
@@ -357,12 +374,17 @@ bool AlarmRuleEngine::IsFaultForDaily(EventRows& rows, const MemberTest* test, W
         }
         std::int32_t weight = 0;
         if (test != nullptr) {
-            weight = IsErrorForEventWithParam(rows, row, 0, *test, window.tallies.front()) ? 1 : 0;
-            window.rowsFailed += weight == 0 ? 1U : 0U;
+            weight = IsErrorForEventWithParam(rows, row, 0, *test) ? 1 : 0;
+            ++tested;
+            passed += static_cast<std::uint64_t>(weight);
         } else {
             weight = DetectionCustomize::CheckDmdEventCount(rows.GetMember(row, 0));
         }
         AddWrapping(days[static_cast<std::size_t>(day)], weight);
+    }
+    if (test != nullptr) {
+        CountTested(window, 0, tested, passed);
+        window.rowsFailed += tested - passed;
     }
     const std::int32_t peak = std::max(0, *std::max_element(days.begin(), days.end()));
     NoteReached(window.seen, rows, peak);
@@ -374,28 +396,23 @@ bool AlarmRuleEngine::IsFaultForPeriodWithParam(EventRows& rows, const TestList&
     if (tests.empty()) {
         return false;
     }
-    std::int32_t count = 0;
+    std::vector<std::uint64_t> rowsByPassed(tests.size() + 1); // how many passed so many tests and no more
     for (std::size_t row = 0; row < rows.GetCount(); ++row) {
         std::size_t passed = 0;
-        while (passed < tests.size()
-            && IsErrorForEventWithParam(rows, row, passed, tests[passed], window.tallies[passed])) {
+        while (passed < tests.size() && IsErrorForEventWithParam(rows, row, passed, tests[passed])) {
             ++passed;
         }
-        const bool isCounted = passed == tests.size();
-        AddWrapping(count, isCounted ? 1 : 0);
-        window.rowsFailed += isCounted ? 0U : 1U;
+        ++rowsByPassed[passed];
     }
+    std::uint64_t tested = rows.GetCount();
+    for (std::size_t test = 0; test < tests.size(); ++test) {
+        CountTested(window, test, tested, tested - rowsByPassed[test]);
+        tested -= rowsByPassed[test];
+    }
+    const auto count = static_cast<std::int32_t>(tested); // wraps
+    window.rowsFailed += rows.GetCount() - tested;
     NoteReached(window.seen, rows, count);
     return count >= window.threshold;
-}
-
-bool AlarmRuleEngine::IsErrorForEventWithParam(
-    const EventRows& rows, std::size_t row, std::size_t keyNumber, const MemberTest& test, Tally& tally)
-{
-    const bool passes = test.Passes(rows.GetMember(row, keyNumber));
-    ++tally.tested;
-    tally.passed += passes ? 1U : 0U;
-    return passes;
 }
 
 // Passes the answer on. The rule's reason is the one of the last window that was there.

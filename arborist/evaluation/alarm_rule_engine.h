@@ -95,7 +95,8 @@ private:
     bool IsFaultForDaily(EventRows& rows, const MemberTest* test, Window& window);
     bool IsFaultForPeriodWithParam(EventRows& rows, const TestList& tests, Window& window);
     static bool IsErrorForEventWithParam(
-        const EventRows& rows, std::size_t row, std::size_t keyNumber, const MemberTest& test, Tally& tally);
+        const EventRows& rows, std::size_t row, std::size_t keyNumber, const MemberTest& test);
+    static void CountTested(Window& window, std::size_t test, std::uint64_t tested, std::uint64_t passed);
     bool TellWindow(Window& window, DetectionObserver::Reason reason, bool isHit);
 
     std::shared_ptr<AlarmRuleDbHelper> mEventStore;

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "arborist/stores/event_log/event_member_cache.h"
+#include "arborist/stores/event_log/event_rows.h"
 
 class RuleChecker;
 
@@ -34,12 +34,25 @@ public:
     {
         if (mComparison == Comparison::INTEGER && member.kind == EventMember::Kind::INTEGER &&
             member.number == static_cast<std::int32_t>(member.number)) {
-            return member.number < mInteger ? mHoldsLess : member.number > mInteger ? mHoldsGreater : mHoldsEqual;
+            return PassesInteger(member.number);
         }
         if (mComparison == Comparison::TEXT && member.code != 0) {
             return PassesText(member);
         }
         return PassesOther(member);
+    }
+
+    /// As Passes for the member of that row. Most rows are told by the codes of their members alone.
+    bool Passes(const EventRows& rows, std::size_t row, std::size_t keyNumber) const
+    {
+        const MemberStore::Handle code = rows.GetCode(row, keyNumber);
+        if (mComparison == Comparison::INTEGER && MemberStore::IsInteger(code)) {
+            return PassesInteger(MemberStore::IntegerOf(code)); // of 32 bits, all of them
+        }
+        if (mComparison == Comparison::TEXT && MemberStore::IsText(code) && FoundFor(code).code == code) {
+            return FoundFor(code).passes;
+        }
+        return Passes(rows.GetMember(row, keyNumber));
     }
 
 private:
@@ -51,9 +64,14 @@ private:
         bool passes = false;
     };
 
+    bool PassesInteger(std::int64_t observed) const
+    {
+        return observed < mInteger ? mHoldsLess : observed > mInteger ? mHoldsGreater : mHoldsEqual;
+    }
+    Found& FoundFor(std::uint32_t code) const { return mFound[code * 2654435769U >> 24]; }
     bool PassesText(const EventMember& member) const
     {
-        Found& found = mFound[member.code * 2654435769U >> 24];
+        Found& found = FoundFor(member.code);
         if (found.code != member.code) {
             found = {member.code, ComparesText(member.text)};
         }

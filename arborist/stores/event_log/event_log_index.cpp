@@ -19,6 +19,7 @@ constexpr std::size_t MOST_COUNTS = 16;
 constexpr std::size_t SMALLEST_COUNTS = 65536;
 // Where the day stands in "YYYY-MM-DD HH:MM:SS"; a row's time fits 32 bits, so that its year has four digits.
 constexpr std::size_t DAY_IN_TIME = 8;
+constexpr std::uint32_t SECONDS_OF_HOUR = 3600;
 constexpr std::int64_t NO_DATA_VERSION = -1;
 constexpr std::uint32_t MOST_ROWS = std::numeric_limits<std::uint32_t>::max();
 // Bytes of an event in the file, at least.
@@ -35,6 +36,14 @@ constexpr std::string_view JOINED_ROWS =
 constexpr std::string_view NEEDED_COLUMNS = "select event_info.extra, event_version.VERSION_NAME";
 // Its names without a table: they fail where a second table has such a column.
 constexpr std::string_view NEEDED_CONDITION = " where event_id = 0 and occurrence_time >= 0";
+
+int DayOf(std::int64_t seconds)
+{
+    const std::string time = TimeUtil::GetFormatTime(seconds);
+    int day = 0;
+    std::from_chars(time.data() + DAY_IN_TIME, time.data() + time.size(), day);
+    return day;
+}
 
 template <typename Number>
 bool Fits(std::int64_t value)
@@ -192,6 +201,7 @@ void EventLogIndex::Clear()
     mVersions = {};
     mEntryOfId = {};
     mCounts.clear();
+    mDays.fill({});
     mAreRowIdsAscending = true;
     mVersionNumbers = {{"", UNNAMED_VERSION}};
 }
@@ -311,9 +321,15 @@ void EventLogIndex::Group(Scan& scan)
 
 std::int32_t EventLogIndex::ReadDayOfMonth(std::uint32_t position)
 {
-    const std::string time = TimeUtil::GetFormatTime(mTimes[position]);
-    int day = 0;
-    std::from_chars(time.data() + DAY_IN_TIME, time.data() + time.size(), day);
+    // The events of a log lie close together: the calendar is asked for whole hours, most of which lie in one day.
+    const std::uint32_t time = mTimes[position];
+    DayOfHour& known = mDays[time / SECONDS_OF_HOUR % mDays.size()];
+    const std::uint32_t start = time - time % SECONDS_OF_HOUR;
+    if (known.day == 0 || known.start != start) {
+        const int day = DayOf(start);
+        known = {start, DayOf(std::int64_t{start} + SECONDS_OF_HOUR - 1) == day ? day : 0};
+    }
+    const int day = known.day != 0 ? known.day : DayOf(time);
     mVersions[position] = static_cast<std::uint16_t>((mVersions[position] & VERSION_MASK) | day << VERSION_BITS);
     return day;
 }
@@ -391,6 +407,10 @@ void EventLogIndex::Select(const Entry& entry, const Filter& filter, std::vector
 {
     const std::uint32_t begin = FirstSince(entry, filter.start);
     positions.resize(entry.end - begin);
+    if (entry.isAscending && !filter.byVersion) {
+        std::iota(positions.begin(), positions.end(), begin);
+        return;
+    }
     std::size_t selected = 0;
     for (std::uint32_t position = begin; position < entry.end; ++position) {
         // Written always and kept if it passes: cheaper than a branch that can't be foreseen.

@@ -129,6 +129,11 @@ private:
     static constexpr std::uint32_t NOT_COUNTED = 0xFFFFFFFFU;
 
     struct Scan;
+    // The day of the month that an hour lies in; 0 when it isn't known or the hour lies in two.
+    struct DayOfHour {
+        std::uint32_t start = 0;
+        int day = 0;
+    };
     struct CountsOfFilter {
         Filter filter;
         std::vector<std::uint32_t> counts;
@@ -158,6 +163,7 @@ private:
     std::vector<Entry> mEntries;
     GroupNumbers mEntryOfId;
     bool mAreRowIdsAscending = true;
+    std::array<DayOfHour, 1024> mDays;
     std::list<CountsOfFilter> mCounts; // the one asked for last at the end
     // The columns of the rows.
     std::vector<std::uint32_t> mTimes;

@@ -58,10 +58,15 @@ public:
     /// when the log was changed since the index read it or can't be read: then nothing is ready.
     bool Load(std::size_t entryNumber, const std::vector<std::uint32_t>& positions,
         const std::vector<std::string>& keys);
+    /// The code that the store has for this member; of equal codes the members are equal, but for those without a text.
+    MemberStore::Handle GetCode(std::uint32_t position, std::size_t keyNumber) const
+    {
+        return mMembers.CodeOf(mHandles[position], mKeySet->size(), mColumnOfKey[keyNumber]);
+    }
     /// The member `keys[keyNumber]` of a row of the last Load. The text lives until the next Load.
     EventMember Get(std::uint32_t position, std::size_t keyNumber) const
     {
-        const MemberStore::Handle code = mMembers.CodeOf(mHandles[position], mKeySet->size(), mColumnOfKey[keyNumber]);
+        const MemberStore::Handle code = GetCode(position, keyNumber);
         if (MemberStore::IsInteger(code)) {
             return {EventMember::Kind::INTEGER, MemberStore::IntegerOf(code), {}};
         }

@@ -56,6 +56,13 @@ public:
         return mIndexed ? mIndexed->members.Get(mIndexed->positions[row], keyNumber) : GetWholeMember(row);
     }
 
+    /// What MemberTest tells most rows by without a look at their text; see EventMemberCache::GetCode. UNKNOWN for rows
+    /// that were read whole.
+    MemberStore::Handle GetCode(std::size_t row, std::size_t keyNumber) const
+    {
+        return mIndexed ? mIndexed->members.GetCode(mIndexed->positions[row], keyNumber) : MemberStore::UNKNOWN;
+    }
+
     /// Day of the month in local time; 0 when the row has none.
     std::int32_t GetDayOfMonth(std::size_t row)
     {

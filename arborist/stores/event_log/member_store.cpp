@@ -1,7 +1,6 @@
 #include "arborist/stores/event_log/member_store.h"
 
 #include <algorithm>
-#include <bit>
 #include <charconv>
 #include <functional>
 #include <optional>
@@ -9,6 +8,7 @@
 namespace {
 
 constexpr MemberStore::Handle EMPTY_SLOT = 0xFFFFFFFFU;
+constexpr std::size_t FIRST_SLOTS = 64;
 constexpr std::size_t TEXT_HEAD = 2;
 constexpr std::size_t LONGEST_TEXT = 0xFFFF;
 constexpr std::size_t LONGEST_INTEGER = 11;
@@ -30,14 +30,23 @@ std::optional<std::int64_t> CanonicalInteger(std::string_view text)
     return number;
 }
 
-std::size_t SlotsWithin(std::size_t bytes)
-{
-    return std::bit_floor(std::max<std::size_t>(bytes / sizeof(MemberStore::Handle), 4));
-}
-
 bool IsFull(std::size_t count, const std::vector<MemberStore::Handle>& table)
 {
     return count >= table.size() / 4 * 3;
+}
+
+std::size_t HashOf(std::string_view text)
+{
+    return std::hash<std::string_view>()(text);
+}
+
+std::size_t HashOf(const MemberStore::Handle* codes, std::size_t count)
+{
+    std::size_t hash = count;
+    for (std::size_t code = 0; code < count; ++code) {
+        hash = (hash ^ codes[code]) * 0x9E3779B97F4A7C15U;
+    }
+    return hash >> 24;
 }
 
 // The slot that `isHere` accepts the place of, or the empty one where it would be.
@@ -60,15 +69,35 @@ void MemberStore::Reset(std::size_t bytes)
     mTuples = {};
     mTextCount = 0;
     mTupleCount = 0;
-    mTextTable.assign(SlotsWithin(bytes / 8), EMPTY_SLOT);
-    mTupleTable.assign(SlotsWithin(bytes / 4), EMPTY_SLOT);
-    const std::size_t tables = (mTextTable.size() + mTupleTable.size()) * sizeof(Handle);
-    mLimit = bytes - std::min(bytes, tables);
+    mTextTable.assign(FIRST_SLOTS, EMPTY_SLOT);
+    mTupleTable.assign(FIRST_SLOTS, EMPTY_SLOT);
+    mLimit = bytes;
 }
 
 bool MemberStore::HasRoom(std::size_t bytes) const
 {
-    return mTexts.size() + mTuples.size() * sizeof(Handle) + bytes <= mLimit;
+    const std::size_t handles = mTuples.size() + mTextTable.size() + mTupleTable.size();
+    return mTexts.size() + handles * sizeof(Handle) + bytes <= mLimit;
+}
+
+// Doubles a table that is full. `hashOf` tells the hash of what stands at a place. False when there is no room.
+template <typename HashOfPlace>
+bool MemberStore::HasSlot(std::vector<Handle>& table, std::size_t count, HashOfPlace hashOf)
+{
+    if (!IsFull(count, table)) {
+        return true;
+    }
+    if (!HasRoom(2 * table.size() * sizeof(Handle))) {
+        return false;
+    }
+    std::vector<Handle> before(2 * table.size(), EMPTY_SLOT);
+    before.swap(table);
+    for (const Handle place : before) {
+        if (place != EMPTY_SLOT) {
+            FindSlot(table, hashOf(place), [](Handle) { return false; }) = place;
+        }
+    }
+    return true;
 }
 
 MemberStore::Handle MemberStore::Store(const std::vector<std::string_view>& values)
@@ -97,41 +126,47 @@ MemberStore::Handle MemberStore::CodeForText(std::string_view text)
     if (text.size() > LONGEST_TEXT) {
         return RAW;
     }
-    Handle& slot = FindSlot(mTextTable, std::hash<std::string_view>()(text),
-        [&](Handle place) { return TextOf(FIRST_PLACE + place) == text; });
-    if (slot == EMPTY_SLOT) {
-        if (IsFull(mTextCount, mTextTable) || !HasRoom(TEXT_HEAD + text.size())) {
-            return RAW;
-        }
-        ++mTextCount;
-        slot = static_cast<Handle>(mTexts.size());
-        mTexts += static_cast<char>(static_cast<unsigned char>(text.size() >> 8));
-        mTexts += static_cast<char>(static_cast<unsigned char>(text.size() & 0xFF));
-        mTexts += text;
+    const auto find = [&]() -> Handle& {
+        return FindSlot(
+            mTextTable, HashOf(text), [&](Handle place) { return TextOf(FIRST_PLACE + place) == text; });
+    };
+    if (const Handle known = find(); known != EMPTY_SLOT) {
+        return FIRST_PLACE + known;
     }
-    return FIRST_PLACE + slot;
+    const auto hashOf = [this](Handle place) { return HashOf(TextOf(FIRST_PLACE + place)); };
+    if (!HasSlot(mTextTable, mTextCount, hashOf) || !HasRoom(TEXT_HEAD + text.size())) {
+        return RAW;
+    }
+    ++mTextCount;
+    const auto place = static_cast<Handle>(mTexts.size());
+    find() = place;
+    mTexts += static_cast<char>(static_cast<unsigned char>(text.size() >> 8));
+    mTexts += static_cast<char>(static_cast<unsigned char>(text.size() & 0xFF));
+    mTexts += text;
+    return FIRST_PLACE + place;
 }
 
-// A row of fewer members may share the place of one that begins with the same.
 MemberStore::Handle MemberStore::CodeForTuple()
 {
-    std::size_t hash = mCodes.size();
-    for (const Handle code : mCodes) {
-        hash = (hash ^ code) * 0x9E3779B97F4A7C15U;
+    const auto find = [this]() -> Handle& {
+        return FindSlot(mTupleTable, HashOf(mCodes.data(), mCodes.size()), [&](Handle place) {
+            return mTuples[place - 1] == mCodes.size() &&
+                std::equal(mCodes.begin(), mCodes.end(), mTuples.begin() + place);
+        });
+    };
+    if (const Handle known = find(); known != EMPTY_SLOT) {
+        return FIRST_PLACE + known;
     }
-    Handle& slot = FindSlot(mTupleTable, hash >> 24, [&](Handle place) {
-        return place + mCodes.size() <= mTuples.size() &&
-            std::equal(mCodes.begin(), mCodes.end(), mTuples.begin() + place);
-    });
-    if (slot == EMPTY_SLOT) {
-        if (IsFull(mTupleCount, mTupleTable) || !HasRoom(mCodes.size() * sizeof(Handle))) {
-            return RAW;
-        }
-        ++mTupleCount;
-        slot = static_cast<Handle>(mTuples.size());
-        mTuples.insert(mTuples.end(), mCodes.begin(), mCodes.end());
+    const auto hashOf = [this](Handle place) { return HashOf(&mTuples[place], mTuples[place - 1]); };
+    if (!HasSlot(mTupleTable, mTupleCount, hashOf) || !HasRoom((1 + mCodes.size()) * sizeof(Handle))) {
+        return RAW;
     }
-    return FIRST_PLACE + slot;
+    ++mTupleCount;
+    mTuples.push_back(static_cast<Handle>(mCodes.size()));
+    const auto place = static_cast<Handle>(mTuples.size());
+    find() = place;
+    mTuples.insert(mTuples.end(), mCodes.begin(), mCodes.end());
+    return FIRST_PLACE + place;
 }
 
 std::string_view MemberStore::TextOf(Handle code) const

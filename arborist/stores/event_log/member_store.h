@@ -29,6 +29,7 @@ public:
     {
         return columns == 1 || row < FIRST_PLACE ? row : mTuples[row - FIRST_PLACE + column];
     }
+    static bool IsText(Handle code) { return code >= FIRST_PLACE && !IsInteger(code); }
     static bool IsInteger(Handle code) { return (code & INTEGER_BIT) != 0; }
     static std::int64_t IntegerOf(Handle code) { return std::int64_t{code & ~INTEGER_BIT} - INTEGER_OFFSET; }
     /// The text of a member that is neither a number nor one of the three above. Lives until the next Store.
@@ -43,10 +44,12 @@ private:
     Handle CodeForText(std::string_view text);
     Handle CodeForTuple();
     bool HasRoom(std::size_t bytes) const;
+    template <typename HashOfPlace>
+    bool HasSlot(std::vector<Handle>& table, std::size_t count, HashOfPlace hashOf);
 
     std::size_t mLimit = 0;
     std::string mTexts; // each with its length in two bytes in front
-    std::vector<Handle> mTuples; // codes of members, row after row
+    std::vector<Handle> mTuples; // codes of members, row after row, each row with their number in front
     // Places in mTexts and mTuples, by hash.
     std::vector<Handle> mTextTable;
     std::vector<Handle> mTupleTable;

@@ -11,6 +11,7 @@
 #include "tests/support/log_capture.h"
 #include "tests/support/settings_guard.h"
 #include "tests/support/temp_dir.h"
+#include "tests/support/time_zone.h"
 
 namespace {
 
@@ -432,7 +433,7 @@ TEST_F(EventMembersTest, TextsBeyondTheStoreAreReadAgain)
     EventLogBuilder builder;
     std::string expected;
     for (int row = 0; row < 6000; ++row) {
-        const std::string value = std::to_string(row) + std::string(20, 'x');
+        const std::string value = std::to_string(row) + std::string(60, 'x');
         builder.Row({row, 7, "1.0", "{\"a\":\"" + value + "\"}"});
         expected += "'" + value + "' ";
     }
@@ -441,7 +442,7 @@ TEST_F(EventMembersTest, TextsBeyondTheStoreAreReadAgain)
     const std::string first = Members({"a"});
     EXPECT_EQ(Members({"a"}), first);
     EXPECT_EQ(first.substr(0, 1000), expected.substr(0, 1000));
-    EXPECT_THAT(first, testing::HasSubstr("raw({\"a\":\"5999xxxxxxxxxxxxxxxxxxxx\"})"));
+    EXPECT_THAT(first, testing::HasSubstr("raw({\"a\":\"5999" + std::string(60, 'x') + "\"})"));
     EXPECT_THAT(first, testing::EndsWith("yyy\"}) "));
 }
 
@@ -472,6 +473,27 @@ TEST_F(EventMembersTest, DaysAreLocal)
         });
     }
     EXPECT_THAT(days, ElementsAre(1, 31, 1, 31));
+}
+
+// Rows of one hour, in a zone whose midnight lies in the middle of it.
+TEST_F(EventMembersTest, DaysAreToldApartWithinAnHour)
+{
+    const TimeZone zone("IST-5:30");
+    EventLogBuilder builder;
+    for (std::int64_t minute = 0; minute < 60; ++minute) {
+        builder.Row({1704045600 + minute * 60, 7, "1.0", ""}); // 18:00 to 18:59 in UTC
+    }
+    Open(builder);
+    std::vector<std::int32_t> days;
+    mHelper->VisitEvents({7, 7, 0, true}, [&](EventRows& rows) {
+        for (std::size_t row = 0; row < rows.GetCount(); ++row) {
+            days.push_back(rows.GetDayOfMonth(row));
+        }
+        return true;
+    });
+    std::vector<std::int32_t> expected(30, 31);
+    expected.resize(60, 1);
+    EXPECT_EQ(days, expected);
 }
 
 } // namespace

@@ -1,5 +1,8 @@
 #include "arborist/stores/event_log/member_store.h"
 
+#include <string>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -50,6 +53,36 @@ TEST(MemberStoreTest, EqualRowsShareTheirPlace)
     EXPECT_NE(store.Store({"a", "2"}), row);
     EXPECT_EQ(store.Store({"a", "1"}), row);
     EXPECT_EQ(Told(store, row, 2), "'a'#1");
+}
+
+TEST(MemberStoreTest, KeepsItsPlacesWhileItGrows)
+{
+    MemberStore store;
+    store.Reset(1000000);
+    std::vector<MemberStore::Handle> texts;
+    std::vector<MemberStore::Handle> rows;
+    for (int number = 0; number < 2000; ++number) {
+        texts.push_back(store.Store({"text " + std::to_string(number)}));
+        rows.push_back(store.Store({std::to_string(number), "text " + std::to_string(number % 7)}));
+    }
+    for (int number = 0; number < 2000; ++number) {
+        const std::string text = "text " + std::to_string(number);
+        EXPECT_EQ(store.Store({text}), texts[static_cast<std::size_t>(number)]);
+        EXPECT_EQ(Told(store, texts[static_cast<std::size_t>(number)], 1), "'" + text + "'");
+        EXPECT_EQ(store.Store({std::to_string(number), "text " + std::to_string(number % 7)}),
+            rows[static_cast<std::size_t>(number)]);
+    }
+}
+
+TEST(MemberStoreTest, RowsThatBeginAlikeAreToldApart)
+{
+    MemberStore store;
+    store.Reset(4000);
+    const MemberStore::Handle three = store.Store({"1", "2", "3"});
+    const MemberStore::Handle two = store.Store({"1", "2"});
+    EXPECT_EQ(Told(store, three, 3), "#1#2#3");
+    EXPECT_EQ(Told(store, two, 2), "#1#2");
+    EXPECT_EQ(store.Store({"1", "2", "3"}), three);
 }
 
 TEST(MemberStoreTest, WhatDoesNotFitIsRaw)
