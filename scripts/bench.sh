@@ -13,10 +13,10 @@ fi
 
 scripts/install-dependencies.sh build-essential cmake ninja-build pkg-config ccache python3 \
     libtinyxml2-dev libsqlite3-dev libjsoncpp-dev libminizip-dev zlib1g-dev libcli11-dev \
-    libgtest-dev libgmock-dev libbenchmark-dev sqlite3 >&2
+    libgtest-dev libgmock-dev sqlite3 binutils valgrind >&2
 
 echo "== Building (preset release)" >&2
 cmake --preset release >&2
-cmake --build --preset release --parallel >&2
+cmake --build --preset release --parallel --target bench >&2
 
 exec python3 -B bench/run_all.py $write --build build/release "$@"
