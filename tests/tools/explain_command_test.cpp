@@ -1,3 +1,5 @@
+#include <sstream>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -162,6 +164,26 @@ TEST_F(ExplainCommandTest, ARuleAndACauseCanBeSingledOut)
         Not(HasSubstr("Root cause"))));
     EXPECT_THAT(Explained({"--cause", "B"}), AllOf(HasSubstr("  TRUE     B\n"), HasSubstr("Root cause B\n"),
         Not(HasSubstr("Root cause A"))));
+}
+
+TEST_F(ExplainCommandTest, ANarrowViewHasTheNearMissesOfItsEvent)
+{
+    WriteTree(Or({Basic("C"), Intermediate("G", And({Basic("D"), Basic("A")})), Basic("X")}));
+    const auto missesOf = [](std::vector<std::string> more) {
+        more.insert(more.end(), {"--near-misses", "1"});
+        std::string misses;
+        std::istringstream lines(Explained(more));
+        for (std::string line; std::getline(lines, line);) {
+            misses += line.rfind("  Near miss", 0) == 0 ? line.substr(line.find(": ") + 2) + "\n" : "";
+        }
+        return misses;
+    };
+    EXPECT_EQ(missesOf({}), "C\nD beside A\nX\n");
+    EXPECT_EQ(missesOf({"--event", "G"}), "D beside A\n");
+    EXPECT_EQ(missesOf({"--event", "A"}), "D beside A\n");
+    EXPECT_EQ(missesOf({"--event", "X"}), "X\n");
+    EXPECT_EQ(missesOf({"--rule", "no"}), "C\nD beside A\n");
+    EXPECT_THAT(Explained({"--rule", "no", "--near-misses", "1", "--limit", "1"}), EndsWith("  1 more left out\n"));
 }
 
 TEST_F(ExplainCommandTest, ANarrowViewLeavesTreesOutThatHaveNothingOfIt)

@@ -18,16 +18,31 @@ bool HasRule(const ExplainedTree& tree, const ExplainedEvent& event, const std::
             [&name](const ExplainedRule& rule) { return rule.name == name; });
 }
 
+// Whether the event itself or one above it has this id.
+bool IsBelow(const ExplainedTree& tree, std::size_t event, const std::string& id)
+{
+    for (; event != ExplainedEvent::NONE; event = tree.events[event].parent) {
+        if (tree.events[event].id == id) {
+            return true;
+        }
+    }
+    return false;
+}
+
 bool IsOnTheWay(const ExplainedTree& tree, const ExplainedCause& cause, const std::string& id)
 {
-    return std::any_of(cause.members.begin(), cause.members.end(), [&](std::size_t member) {
-        for (; member != ExplainedEvent::NONE; member = tree.events[member].parent) {
-            if (tree.events[member].id == id) {
-                return true;
-            }
-        }
-        return false;
-    });
+    return std::any_of(cause.members.begin(), cause.members.end(),
+        [&](std::size_t member) { return IsBelow(tree, member, id); });
+}
+
+bool ShowsNearMiss(const ExplainedTree& tree, const NearMiss& nearMiss, const ExplanationView& view)
+{
+    std::vector<std::size_t> members = nearMiss.missing;
+    members.insert(members.end(), nearMiss.present.begin(), nearMiss.present.end());
+    const auto isAny = [&members](auto isMeant) { return std::any_of(members.begin(), members.end(), isMeant); };
+    return (view.event.empty() || isAny([&](std::size_t member) { return IsBelow(tree, member, view.event); }))
+        && (view.rule.empty() || isAny([&](std::size_t member) { return HasRule(tree, tree.events[member], view.rule); }))
+        && (view.cause.empty() || isAny([&](std::size_t member) { return tree.events[member].id == view.cause; }));
 }
 
 bool IsMember(const DistinctCause& cause, const std::string& id)
@@ -123,6 +138,21 @@ bool HasShown(const ExplainedTree& tree, const ExplanationView& view)
 bool IsShown(const ExplainedRule& rule, const ExplanationView& view)
 {
     return view.rule.empty() || rule.name == view.rule;
+}
+
+NearMisses ShownNearMisses(const ExplainedTree& tree, const ExplanationView& view)
+{
+    if (!view.IsNarrow()) {
+        return FindNearMisses(tree, view.nearMisses, view.limit);
+    }
+    static constexpr std::size_t MOST_LOOKED_AT = 100000;
+    NearMisses found = FindNearMisses(tree, view.nearMisses, MOST_LOOKED_AT);
+    found.isComplete = found.isComplete && found.leftOut == 0;
+    std::erase_if(found.sets, [&](const NearMiss& nearMiss) { return !ShowsNearMiss(tree, nearMiss, view); });
+    const std::size_t shown = std::min(found.sets.size(), view.limit);
+    found.leftOut = found.sets.size() - shown;
+    found.sets.resize(shown);
+    return found;
 }
 
 std::vector<DistinctCause> ShownCauses(const ExplainedTree& tree, const ExplanationView& view)

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tools/arborist/explanation/analysis/distinct_causes.h"
+#include "tools/arborist/explanation/analysis/near_misses.h"
 #include "tools/arborist/explanation/explanation.h"
 #include "tools/arborist/problem.h"
 
@@ -40,6 +41,9 @@ bool HasShown(const ExplainedTree& tree, const ExplanationView& view);
 
 /// Whether a rule of a shown event is shown.
 bool IsShown(const ExplainedRule& rule, const ExplanationView& view);
+
+/// The near misses that the view asks for: of a narrow one those that its event, rule or cause has to do with.
+NearMisses ShownNearMisses(const ExplainedTree& tree, const ExplanationView& view);
 
 /// The distinct root causes that the view shows.
 std::vector<DistinctCause> ShownCauses(const ExplainedTree& tree, const ExplanationView& view);

@@ -3,7 +3,6 @@
 #include <cstdio>
 
 #include "tools/arborist/explanation/analysis/minimal_sets.h"
-#include "tools/arborist/explanation/analysis/near_misses.h"
 #include "tools/arborist/explanation/gate_logic.h"
 #include "tools/arborist/render/detection_json.h"
 #include "tools/arborist/render/rule_json.h"
@@ -178,7 +177,7 @@ private:
 
     void WriteNearMisses()
     {
-        const NearMisses nearMisses = FindNearMisses(mTree, mView.nearMisses, mView.limit);
+        const NearMisses nearMisses = ShownNearMisses(mTree, mView);
         mJson.Key("nearMisses").BeginObject();
         WriteCount(mJson, "leftOut", nearMisses.leftOut);
         mJson.Bool("complete", nearMisses.isComplete);

@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "tools/arborist/explanation/analysis/minimal_sets.h"
-#include "tools/arborist/explanation/analysis/near_misses.h"
 #include "tools/arborist/explanation/gate_logic.h"
 #include "tools/arborist/render/colour.h"
 #include "tools/arborist/render/rule_text.h"
@@ -312,7 +311,7 @@ private:
 
     void WriteNearMisses()
     {
-        const NearMisses nearMisses = FindNearMisses(mTree, mView.nearMisses, mView.limit);
+        const NearMisses nearMisses = ShownNearMisses(mTree, mView);
         if (nearMisses.sets.empty()) {
             Line(mColour.Bold("Near misses") + ": none up to "
                 + Number(mView.nearMisses, "event", "events") + " short"
