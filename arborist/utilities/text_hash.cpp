@@ -1,6 +1,9 @@
 #include "arborist/utilities/text_hash.h"
 
+#include <algorithm>
+#include <array>
 #include <chrono>
+#include <cstddef>
 #include <exception>
 #include <random>
 
@@ -12,10 +15,32 @@ constexpr std::uint64_t PRIME = (1ULL << PRIME_BITS) - 1;
 constexpr int LANE_BITS = 32;
 constexpr std::uint64_t LANE_MASK = (1ULL << LANE_BITS) - 1;
 
+// Letters that are taken in one step.
+constexpr std::size_t BLOCK = 8;
+
+// A point and its powers, from the 0th on.
+using Powers = std::array<std::uint64_t, BLOCK + 1>;
+
 struct Points {
-    std::uint64_t first;
-    std::uint64_t second;
+    Powers first;
+    Powers second;
 };
+
+std::uint64_t Reduced(std::uint64_t number)
+{
+    number = (number & PRIME) + (number >> PRIME_BITS);
+    number = (number & PRIME) + (number >> PRIME_BITS); // below twice the prime
+    return number < PRIME ? number : number - PRIME;
+}
+
+Powers PowersOf(std::uint64_t point)
+{
+    Powers powers{1};
+    for (std::size_t power = 1; power < powers.size(); ++power) {
+        powers[power] = Reduced(powers[power - 1] * point);
+    }
+    return powers;
+}
 
 std::uint64_t DrawSeed()
 {
@@ -31,15 +56,26 @@ Points DrawPoints()
 {
     std::mt19937_64 generator(DrawSeed());
     std::uniform_int_distribution<std::uint64_t> point(256, PRIME - 1);
-    const std::uint64_t first = point(generator);
-    return {first, point(generator)};
+    const Powers first = PowersOf(point(generator));
+    return {first, PowersOf(point(generator))};
 }
 
-std::uint64_t LaneOn(std::uint64_t lane, std::uint64_t point, unsigned char letter)
+// In blocks, with one reduction for each. No sum needs 64 bits: a letter with its power has 40, the lane with its own 62.
+std::uint64_t LaneOn(std::uint64_t lane, const Powers& powers, std::string_view text)
 {
-    const std::uint64_t next = lane * point + letter + 1;
-    const std::uint64_t folded = (next & PRIME) + (next >> PRIME_BITS); // below twice the prime
-    return folded < PRIME ? folded : folded - PRIME;
+    const auto letter = [&text](std::size_t place) {
+        return std::uint64_t{static_cast<unsigned char>(text[place])} + 1;
+    };
+    while (!text.empty()) {
+        const std::size_t count = std::min(BLOCK, text.size());
+        std::uint64_t sum = lane * powers[count];
+        for (std::size_t place = 0; place < count; ++place) {
+            sum += letter(place) * powers[count - 1 - place];
+        }
+        lane = Reduced(sum);
+        text.remove_prefix(count);
+    }
+    return lane;
 }
 
 } // namespace
@@ -49,11 +85,7 @@ std::uint64_t LaneOn(std::uint64_t lane, std::uint64_t point, unsigned char lett
 std::uint64_t TextHash::Continue(std::uint64_t hash, std::string_view text)
 {
     static const Points points = DrawPoints();
-    std::uint64_t first = hash >> LANE_BITS;
-    std::uint64_t second = hash & LANE_MASK;
-    for (const char letter : text) {
-        first = LaneOn(first, points.first, static_cast<unsigned char>(letter));
-        second = LaneOn(second, points.second, static_cast<unsigned char>(letter));
-    }
+    const std::uint64_t first = LaneOn(hash >> LANE_BITS, points.first, text);
+    const std::uint64_t second = LaneOn(hash & LANE_MASK, points.second, text);
     return first << LANE_BITS | second;
 }

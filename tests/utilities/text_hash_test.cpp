@@ -10,7 +10,7 @@ namespace {
 
 TEST(TextHashTest, GoesOnFromWhatCameBefore)
 {
-    const std::string whole = "top/gate/leaf";
+    const std::string whole = "top/gate/leaf/with \xFF bytes \x01 of all kinds, and longer than a block";
     for (std::size_t cut = 0; cut <= whole.size(); ++cut) {
         const std::uint64_t before = TextHash::Continue(TextHash::START, whole.substr(0, cut));
         EXPECT_EQ(TextHash::Continue(before, whole.substr(cut)), TextHash()(whole)) << cut;
