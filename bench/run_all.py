@@ -16,8 +16,11 @@ BEGIN, END = "<!-- bench table: written by scripts/bench.sh --write -->", "<!-- 
 HEAD = ("name", "ours", "baseline", "ratio", "goal")
 
 
-def commands(build, names):
+def commands(build, names, isWhole):
     found = {path.stem.removesuffix("_bench"): [path] for path in sorted((build / "bench").glob("*_bench"))}
+    if isWhole:
+        found["alarm"].append("largest")
+    found["observer"] = [sys.executable, "-B", ROOT / "bench/observer_bench.py", build]
     found["batch"] = [sys.executable, "-B", ROOT / "bench/batch_bench.py", build]
     found["process"] = [sys.executable, "-B", ROOT / "bench/process_bench.py", build]
     return {name: command for name, command in found.items() if not names or name in names}
@@ -63,7 +66,7 @@ def main():
     parser.add_argument("names", nargs="*")
     arguments = parser.parse_args()
     rows = []
-    for name, command in commands(arguments.build, arguments.names).items():
+    for name, command in commands(arguments.build, arguments.names, arguments.write).items():
         print(f"== {name}", file=sys.stderr)
         run = subprocess.run(command, stdout=subprocess.PIPE, text=True, check=True)
         rows += rows_of(run.stdout)

@@ -289,7 +289,7 @@ std::shared_ptr<FaultTree> ModelTree(std::size_t maxEvents, double maxRootCauses
     for (unsigned seed = 1;; ++seed) {
         const Model model(seed);
         const double size = model.WrittenOut();
-        if (size > static_cast<double>(maxEvents) || size < 0.5 * static_cast<double>(maxEvents)) {
+        if (size > static_cast<double>(maxEvents) || size < 0.9 * static_cast<double>(maxEvents)) {
             continue;
         }
         if (model.RootCauses() <= maxRootCauses && model.RootCauses() >= 0.1 * maxRootCauses) {

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds optimised, runs every benchmark beside its baseline and prints one table:
-# name, ours, baseline, ratio, goal. The table goes into docs/performance.md too with --write.
+# name, ours, baseline, ratio, goal. The table goes into docs/performance.md too with --write,
+# which also measures alarm rules on 10,000,000 rows (1 GB in the folder for temporary files).
 # usage: scripts/bench.sh [--write] [NAME...]     NAME: a program, "deduction" for bench/deduction_bench.cpp
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
