@@ -60,7 +60,7 @@ Points DrawPoints()
     return {first, PowersOf(point(generator))};
 }
 
-// In blocks, with one reduction for each. No sum needs 64 bits: a letter with its power has 40, the lane with its own 62.
+// In blocks, with one reduction for each. No sum needs 64 bits: a letter with its power has 40, the lane with its 62.
 std::uint64_t LaneOn(std::uint64_t lane, const Powers& powers, std::string_view text)
 {
     const auto letter = [&text](std::size_t place) {

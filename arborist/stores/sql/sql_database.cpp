@@ -185,7 +185,8 @@ void SqlDatabase::Restrict(SqlAccess access, const SqlLimits& limits)
 void SqlDatabase::WriteWithoutWaiting()
 {
     if (IsOpen()) {
-        sqlite3_exec(handle->connection, "PRAGMA synchronous=OFF; PRAGMA journal_mode=MEMORY", nullptr, nullptr, nullptr);
+        sqlite3_exec(
+            handle->connection, "PRAGMA synchronous=OFF; PRAGMA journal_mode=MEMORY", nullptr, nullptr, nullptr);
     }
 }
 

@@ -140,7 +140,8 @@ TEST_F(SqlDatabaseTest, ReadOnlyTakesSelectsAlone)
     mDatabase.Restrict(SqlAccess::READ_ONLY);
     EXPECT_TRUE(statement.ExecuteNoCallback("select count(*), upper('x') from t where a in (select 1)"));
     for (const char* sql : {"insert into t values (1)", "delete from t", "drop table t", "create temp table u(a)",
-             "pragma user_version = 1", "pragma query_only", "pragma page_size = 512", "pragma wal_checkpoint", "attach ':memory:' as m", "vacuum"}) {
+             "pragma user_version = 1", "pragma query_only", "pragma page_size = 512", "pragma wal_checkpoint",
+             "attach ':memory:' as m", "vacuum"}) {
         EXPECT_FALSE(statement.ExecuteNoCallback(sql)) << sql;
     }
     for (const char* sql : {"begin", "pragma data_version", "pragma PAGE_COUNT", "commit"}) {
@@ -153,7 +154,8 @@ TEST_F(SqlDatabaseTest, ForeignTextSetsNothingForTheWholeProcess)
     ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
     mDatabase.Restrict(SqlAccess::OWN_FILE);
     SqlOperator statement(mDatabase.GetHandle());
-    for (const char* sql : {"pragma hard_heap_limit = 1", "pragma SOFT_HEAP_LIMIT(1)", "pragma temp_store_directory = '/'",
+    for (const char* sql : {"pragma hard_heap_limit = 1", "pragma SOFT_HEAP_LIMIT(1)",
+             "pragma temp_store_directory = '/'",
              "pragma main.data_store_directory = '/'"}) {
         EXPECT_FALSE(statement.ExecuteNoCallback(sql)) << sql;
     }
