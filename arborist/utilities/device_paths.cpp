@@ -1,6 +1,7 @@
 #include "arborist/utilities/device_paths.h"
 
 #include <filesystem>
+#include <system_error>
 
 #include "arborist/frame/fault_tree_prop_global.h"
 #include "arborist/frame/settings.h"
@@ -54,4 +55,12 @@ std::string DevicePaths::OnDevice(const std::string& path)
         return root + path;
     }
     return root + std::filesystem::path(path).lexically_normal().string();
+}
+
+std::string DevicePaths::RealRootOfDevice()
+{
+    const std::string root = Setting(Settings::DEVICE_ROOT_DIR);
+    std::error_code error;
+    const std::string realRoot = root.empty() ? "" : std::filesystem::canonical(root, error).string();
+    return realRoot == "/" ? "" : realRoot;
 }

@@ -19,6 +19,9 @@ std::string RepairDatabase();
 /// Where a path that a rule file names is looked up: with Settings::DEVICE_ROOT_DIR set, an absolute path below that
 /// root, which ".." elements do not leave; otherwise, and for a relative path, the path as it is.
 std::string OnDevice(const std::string& path);
+/// What the real path of a file of the device begins with before its path on the device: Settings::DEVICE_ROOT_DIR
+/// without links; empty when that is not set or not there.
+std::string RealRootOfDevice();
 
 } // namespace DevicePaths
 

@@ -53,4 +53,15 @@ TEST_F(DevicePathsTest, ParentElementsDoNotLeaveTheRootOfTheDevice)
     EXPECT_EQ(DevicePaths::OnDevice("/a/b..c"), "root/a/b..c");
 }
 
+TEST_F(DevicePathsTest, RealRootOfTheDeviceHasNoLinks)
+{
+    EXPECT_EQ(DevicePaths::RealRootOfDevice(), "");
+    mSettings.Set(Settings::DEVICE_ROOT_DIR, "/no/such/folder");
+    EXPECT_EQ(DevicePaths::RealRootOfDevice(), "");
+    mSettings.Set(Settings::DEVICE_ROOT_DIR, "/");
+    EXPECT_EQ(DevicePaths::RealRootOfDevice(), "");
+    mSettings.Set(Settings::DEVICE_ROOT_DIR, "/proc/self/../../usr/.");
+    EXPECT_EQ(DevicePaths::RealRootOfDevice(), "/usr");
+}
+
 } // namespace

@@ -39,9 +39,11 @@ bool IsInDirectory(const std::string& source, const std::string& directory)
     return fs::equivalent(sourceFolder, directory, error) && !error;
 }
 
-bool IsZip(const std::string& path)
+// By its path on the device: where a recorded device stands makes no difference.
+bool IsZip(const std::string& realPath, const std::string& rootOfDevice)
 {
-    return LowerCase(path).find("zip") != std::string::npos;
+    const bool isOnDevice = realPath.compare(0, rootOfDevice.size(), rootOfDevice) == 0;
+    return LowerCase(isOnDevice ? realPath.substr(rootOfDevice.size()) : realPath).find("zip") != std::string::npos;
 }
 
 // SQLite would work what a broken-off run left beside the target's last copy into the new one.
@@ -96,9 +98,10 @@ std::vector<std::string> CommonPartDbHelper::CopyDbFile(const std::string& path,
             FT::LEVEL_ERROR, "FUNc:%s: database dir is empty.", "CommonPartDbHelper::CopyDbFile");
         return {};
     }
+    const std::string rootOfDevice = DevicePaths::RealRootOfDevice();
     // Before the first copy: files of these names may be among those that are copied.
     for (const std::string& candidate : candidates) {
-        if (!IsZip(candidate) && !IsInDirectory(candidate, directory)) {
+        if (!IsZip(candidate, rootOfDevice) && !IsInDirectory(candidate, directory)) {
             RemoveLeftovers(TargetOf(candidate, directory));
         }
     }
@@ -109,7 +112,7 @@ std::vector<std::string> CommonPartDbHelper::CopyDbFile(const std::string& path,
         if (!FileUtil::FileExists(candidate)) {
             continue;
         }
-        if (IsZip(candidate)) {
+        if (IsZip(candidate, rootOfDevice)) {
             sourceByTarget.clear();
             for (const std::string& file : UnZipFile(candidate, directory)) {
                 if (!file.empty() && pattern.Matches(FileUtil::ExtractFileName(file))) {

@@ -202,6 +202,15 @@ TEST_F(ExternalDatabases, LinkInTheTargetDirectoryIsReplacedAndNotFollowed)
     EXPECT_FALSE(fs::is_symlink(mDir.Path("copies/a.db")));
 }
 
+TEST_F(ExternalDatabases, LettersAboveTheRootOfTheDeviceMakeNoArchive)
+{
+    MakeDb("unzipped/data/a.db");
+    mSettings.Set(Settings::DEVICE_ROOT_DIR, mDir.Path("unzipped"));
+    const auto bean = TableBeanOf("B", {"/data"}, ".*\\.db", {});
+    Run(bean);
+    EXPECT_THAT(Below(bean->GetCopyDbFileList()), ElementsAre("copies/a.db"));
+}
+
 TEST_F(ExternalDatabases, WhatABrokenOffRunLeftBesideACopyIsNotWorkedIntoTheNew)
 {
     const std::string db = MakeDb("device/a.db");
