@@ -9,8 +9,8 @@
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
-#include "tools/arborist/capture/captured_files.h"
 #include "tools/arborist/bundle/rule_paths.h"
+#include "tools/arborist/capture/captured_files.h"
 
 namespace {
 

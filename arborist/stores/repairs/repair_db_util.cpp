@@ -37,50 +37,6 @@ struct RepairTable {
     FT::sql::SqlTable table;
 };
 
-// What each operation says without its database; the lines say the name twice. A logger sees the formats whole.
-namespace Operation {
-
-struct SaveRepairDataToDb {
-    static constexpr char FUNCTION[] = "RepairDbUtil::SaveRepairDataToDb";
-    static constexpr char NOT_OPEN[] = "FUNc:%s: RepairDbUtil::SaveRepairDataToDb database not open";
-};
-
-struct QueryRepairDate {
-    static constexpr char FUNCTION[] = "RepairDbUtil::QueryRepairDate";
-    static constexpr char NOT_OPEN[] = "FUNc:%s: RepairDbUtil::QueryRepairDate database not open";
-};
-
-struct QueryRepairId {
-    static constexpr char FUNCTION[] = "RepairDbUtil::QueryRepairId";
-    static constexpr char NOT_OPEN[] = "FUNc:%s: RepairDbUtil::QueryRepairId database not open";
-};
-
-struct GetRepairDataRecord {
-    static constexpr char FUNCTION[] = "RepairDbUtil::GetRepairDataRecord";
-    static constexpr char NOT_OPEN[] = "FUNc:%s: RepairDbUtil::GetRepairDataRecord database not open";
-};
-
-struct InsertRepairData {
-    static constexpr char FUNCTION[] = "RepairDbUtil::InsertRepairData";
-    static constexpr char NOT_OPEN[] = "FUNc:%s: RepairDbUtil::InsertRepairData database not open";
-};
-
-struct UpDateRepairData {
-    static constexpr char FUNCTION[] = "RepairDbUtil::UpDateRepairData";
-    static constexpr char NOT_OPEN[] = "FUNc:%s: RepairDbUtil::UpDateRepairData database not open";
-};
-
-} // namespace Operation
-
-template <typename Named>
-bool IsOpen(const FT::sql::SqlDatabase& database)
-{
-    if (!database.IsOpen()) {
-        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, Named::NOT_OPEN, Named::FUNCTION);
-    }
-    return database.IsOpen();
-}
-
 void LogTableExists(const std::string& tableName)
 {
     FT::Log::GetInstance().Output(FT::LEVEL_DEBUG, "FUNc:%s: table %s already exist.",
@@ -156,7 +112,9 @@ bool RepairDbUtil::CreateRepairRecordTable(const std::string& tableName)
 
 void RepairDbUtil::SaveRepairDataToDb(const std::string& repairId)
 {
-    if (!IsOpen<Operation::SaveRepairDataToDb>(*mDatabase)) {
+    if (!mDatabase->IsOpen()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: RepairDbUtil::SaveRepairDataToDb database not open",
+            "RepairDbUtil::SaveRepairDataToDb");
         return;
     }
     const std::vector<std::string> knownIds = QueryRepairId();
@@ -170,7 +128,9 @@ void RepairDbUtil::SaveRepairDataToDb(const std::string& repairId)
 
 std::string RepairDbUtil::QueryRepairDate(const std::string& repairId)
 {
-    if (!IsOpen<Operation::QueryRepairDate>(*mDatabase)) {
+    if (!mDatabase->IsOpen()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: RepairDbUtil::QueryRepairDate database not open",
+            "RepairDbUtil::QueryRepairDate");
         return "";
     }
     std::int32_t id = 0;
@@ -180,7 +140,9 @@ std::string RepairDbUtil::QueryRepairDate(const std::string& repairId)
 
 std::vector<std::string> RepairDbUtil::QueryRepairId()
 {
-    if (!IsOpen<Operation::QueryRepairId>(*mDatabase)) {
+    if (!mDatabase->IsOpen()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: RepairDbUtil::QueryRepairId database not open",
+            "RepairDbUtil::QueryRepairId");
         return {};
     }
     // The name is only a label: there is no such table.
@@ -200,7 +162,9 @@ std::vector<std::string> RepairDbUtil::QueryRepairId()
 
 bool RepairDbUtil::GetRepairDataRecord(const std::string& repairId, std::int32_t& id, std::string& date)
 {
-    if (!IsOpen<Operation::GetRepairDataRecord>(*mDatabase)) {
+    if (!mDatabase->IsOpen()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: RepairDbUtil::GetRepairDataRecord database not open",
+            "RepairDbUtil::GetRepairDataRecord");
         return false;
     }
     RepairTable repairs(*mDatabase, TABLE_NAME);
@@ -222,7 +186,9 @@ bool RepairDbUtil::GetRepairDataRecord(const std::string& repairId, std::int32_t
 
 void RepairDbUtil::InsertRepairData(const std::string& repairId, const std::string& date)
 {
-    if (!IsOpen<Operation::InsertRepairData>(*mDatabase)) {
+    if (!mDatabase->IsOpen()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: RepairDbUtil::InsertRepairData database not open",
+            "RepairDbUtil::InsertRepairData");
         return;
     }
     RepairTable repairs(*mDatabase, TABLE_NAME);
@@ -236,7 +202,9 @@ void RepairDbUtil::InsertRepairData(const std::string& repairId, const std::stri
 
 void RepairDbUtil::UpDateRepairData(const std::string& repairId, const std::string& date)
 {
-    if (!IsOpen<Operation::UpDateRepairData>(*mDatabase)) {
+    if (!mDatabase->IsOpen()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: RepairDbUtil::UpDateRepairData database not open",
+            "RepairDbUtil::UpDateRepairData");
         return;
     }
     std::int32_t id = 0;
