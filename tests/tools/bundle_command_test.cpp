@@ -114,6 +114,10 @@ TEST_F(BundleCommandTest, APackOfTheSameBundleHasTheSameBytes)
     EXPECT_EQ(mDir.Read("one.zip"), mDir.Read("two.zip"));
     Pack({"one.zip", "-o", "three.zip"});
     EXPECT_EQ(mDir.Read("three.zip"), mDir.Read("one.zip"));
+    const auto itself = Pack({"one.zip", "-o", "./one.zip", "--window"});
+    EXPECT_EQ(itself.err, "arborist: one.zip: ./one.zip: is the bundle that is read [not_packed]\n");
+    EXPECT_EQ(itself.status, 4);
+    EXPECT_EQ(mDir.Read("three.zip"), mDir.Read("one.zip"));
 }
 
 TEST_F(BundleCommandTest, FilesOfALiveDeviceAreCapturedBelowARoot)

@@ -161,6 +161,9 @@ TEST_F(LogCommandTest, ATargetThatCannotBeWrittenIsTold)
         "arborist: no/log.db: can't be written: No such file or directory\n");
     EXPECT_EQ(RunArborist({"log", "import", "events.jsonl", "--to", "used.db"}).err,
         "arborist: used.db: is in use: there is used.db-wal\n");
+    EXPECT_EQ(RunArborist({"log", "import", "events.jsonl", "--to", "./events.jsonl"}).err,
+        "arborist: ./events.jsonl: is the file that is read\n");
+    EXPECT_EQ(mDir.Read("events.jsonl"), LINES);
     EXPECT_EQ(RunArborist({"log", "import", "no.jsonl", "--to", "log.db"}).err, "arborist: no.jsonl: can't be read\n");
     EXPECT_EQ(RunArborist({"log", "import", "folder", "--to", "log.db"}).status, 4);
     EXPECT_EQ(RunArborist({"log", "import", "events.jsonl"}).status, 2);

@@ -105,6 +105,18 @@ TEST_F(LogSliceTest, TablesOfOthersAndTheOldLogStay)
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator("."), {}), 3);
 }
 
+TEST_F(LogSliceTest, TheLogThatIsReadIsNotReplaced)
+{
+    const auto before = mDir.Read("log.db");
+    std::filesystem::create_symlink("log.db", "link.db");
+    for (const char* target : {"log.db", "./log.db", "link.db"}) {
+        const auto result = RunArborist({"log", "slice", "log.db", "--to", target, "--last", "0"});
+        EXPECT_EQ(result.err, "arborist: " + std::string(target) + ": is the log that is read\n");
+        EXPECT_EQ(result.status, 4);
+    }
+    EXPECT_EQ(mDir.Read("log.db"), before);
+}
+
 TEST_F(LogSliceTest, WrongMomentsAndListsAreWrongUse)
 {
     for (const auto& [option, value] : {std::pair("--from", "soon"), std::pair("--from", "2023-02-29 00:00:00"),

@@ -313,11 +313,11 @@ Problem PutFolder(const std::string& folder, const Target& target)
     return error ? std::optional(NotPacked(target, "can't be put in place: " + error.message())) : std::nullopt;
 }
 
-Problem MakeStage(Scratch& scratch, const Target& target)
+Problem MakeStage(Scratch& scratch, const BundlePath& bundle, const Target& target)
 {
     std::error_code error;
     if (target.isZip) {
-        return scratch.Make();
+        return IsOneFile(bundle.absolute, target.place) ? NotPacked(target, "is the bundle that is read") : scratch.Make();
     }
     if (fs::exists(fs::symlink_status(target.place, error))) {
         return NotPacked(target, "exists already");
@@ -354,7 +354,7 @@ CaptureReport CaptureBundle(const BundlePath& bundle, const std::string& given, 
         std::error_code error;
         const Target target = MakeTarget(given);
         Scratch scratch;
-        report.failure = MakeStage(scratch, target);
+        report.failure = MakeStage(scratch, bundle, target);
         const std::string stage = report.failure ? "" : scratch.Path("bundle");
         fs::create_directory(stage, error);
         report.failure = report.failure ? report.failure : CaptureInto(stage, bundle, options, report);

@@ -138,7 +138,7 @@ void AddSliceCommand(CLI::App& log, ExitStatus& status)
 
 void AddLogCommand(CLI::App& app, ExitStatus& status)
 {
-    CLI::App* log = app.add_subcommand("log", "Event logs: from readable text into the database and back");
+    CLI::App* log = app.add_subcommand("log", "Event logs: make them of readable text, show them, look for what is not seen, cut them");
     log->require_subcommand(1);
     log->footer("Example:\n  arborist log import events.jsonl --to log.db");
 

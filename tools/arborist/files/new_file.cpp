@@ -35,4 +35,10 @@ std::optional<std::string> NewFile::PutInPlace()
     return std::nullopt;
 }
 
+bool IsOneFile(const std::string& one, const std::string& other)
+{
+    std::error_code error;
+    return fs::equivalent(one, other, error);
+}
+
 } // namespace command

@@ -24,6 +24,9 @@ private:
     Scratch mFolder;
 };
 
+/// Whether two paths lead to one file. A file that is read must not be replaced by what is made of it.
+bool IsOneFile(const std::string& one, const std::string& other);
+
 } // namespace command
 
 #endif

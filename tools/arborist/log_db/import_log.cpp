@@ -5,6 +5,8 @@
 #include <fstream>
 #include <iostream>
 
+#include "tools/arborist/files/new_file.h"
+
 namespace command {
 
 namespace {
@@ -53,6 +55,9 @@ std::vector<Failure> ImportEventLog(const std::string& file, const std::string& 
         if (!opened || std::filesystem::is_directory(file, error)) {
             return {{"no_events", file + ": can't be read"}};
         }
+    }
+    if (!isStandardInput && IsOneFile(file, target)) {
+        return {{"log_not_written", target + ": is the file that is read"}};
     }
     EventLogWriter writer;
     if (const auto failure = writer.Open(target)) {

@@ -138,6 +138,9 @@ std::optional<Failure> SliceEventLog(const std::string& source, const std::strin
     if (!std::filesystem::exists(source, error)) {
         return Failure{"no_log", source + ": no such file"};
     }
+    if (IsOneFile(source, target)) {
+        return Failure{"log_not_written", target + ": is the log that is read"};
+    }
     if (const auto companion = CompanionOf(target)) {
         return Failure{"log_not_written", target + ": is in use: there is " + *companion};
     }
