@@ -135,7 +135,7 @@ TEST_F(CommandRuleEngineTest, RuleOfAnotherClassOrWithoutAnEventIsFalse)
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
-TEST_F(CommandRuleEngineTest, RuleWithoutItsCommonPartOrWithAnotherMethodIsFalse)
+TEST_F(CommandRuleEngineTest, RuleWithoutItsCommonPartOrWithAnotherMethodIsFalseInSilence)
 {
     Conditions({Single("eq", "n", "5")});
     mRule->commonPartName = "None";
@@ -145,6 +145,7 @@ TEST_F(CommandRuleEngineTest, RuleWithoutItsCommonPartOrWithAnotherMethodIsFalse
     mRule->analysisMethod.type = "sql";
     EXPECT_FALSE(Fires());
     EXPECT_EQ(mReason, Reason::NOT_SQL);
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
     mRule->analysisMethod.type = "SQL";
     EXPECT_TRUE(Fires());
     EXPECT_EQ(mReason, Reason::CONDITION_MET);
@@ -298,6 +299,9 @@ TEST_F(CommandRuleEngineTest, DatabaseThatCannotBeOpenedIsJudgedByTheLastValues)
     mSettings.Set(Settings::PROGRAM_DATA_DIR, mDir.Path("nowhere"));
     EXPECT_FALSE(Fires({Single("eq", "n", "5")}));
     EXPECT_EQ(mReason, Reason::DATABASE_UNAVAILABLE);
+    EXPECT_THAT(mLog.Lines(), ElementsAre("FUNc:FT::sql::SqlDatabase::Open: open db:"
+        + mDir.Path("nowhere/Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db")
+        + " failed, error msg is :unable to open database file"));
     mSettings.Set(Settings::PROGRAM_DATA_DIR, mDir.Path("root"));
     EXPECT_TRUE(Fires({Single("eq", "n", "5")}));
     mSettings.Set(Settings::PROGRAM_DATA_DIR, mDir.Path("nowhere"));
@@ -341,6 +345,7 @@ TEST_F(CommandRuleEngineTest, CopiesAreTakenWholeAndNeedNoThresholds)
     mRule->referenceDefDb->defDBName = "Unknown";
     EXPECT_FALSE(Fires());
     EXPECT_EQ(mReason, Reason::NO_SUCH_DATABASE);
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
 TEST_F(CommandRuleEngineTest, EveryCopyIsAskedAlsoAfterAHit)

@@ -209,6 +209,18 @@ TEST_F(NodeRuleEngineTest, TextThatIsNoNumberComparesAsZero)
     AddParam("1", "a", "int");
     Conditions({SingleTest("eq", "0")});
     EXPECT_TRUE(Ask());
+    EXPECT_THAT(mLog.Lines(), ElementsAre("FUNc:StringUtil::StollS: stoll exception: invalid stoll argument"));
+}
+
+TEST_F(NodeRuleEngineTest, TextThatIsNoNumberCountsAsZeroInTheFormula)
+{
+    NodeFile("a", "many");
+    AddParam("1", "a", "");
+    AddParam("2", "r", "double");
+    Express("a + 2", "r");
+    Conditions({SingleTest("eq", "2")});
+    EXPECT_TRUE(Ask());
+    EXPECT_THAT(mLog.Lines(), ElementsAre("FUNc:StringUtil::StringToDoubleDef: stod error"));
 }
 
 TEST_F(NodeRuleEngineTest, NodePathsLieBelowTheDeviceRoot)

@@ -250,6 +250,14 @@ INSTANTIATE_TEST_SUITE_P(Table, NormalisedValue, testing::Values(
     ScaleCase{"EmptyColumnKeepsItsValue", "int", "null", "1000000", "old"}),
     CaseName());
 
+TEST_F(CommandRuleDbHelperTest, ScaledTextThatIsNoNumberIsTold)
+{
+    Normalise("'x', 'x', 'x', 1, 1", {ParamOf("i", "int"), ParamOf("f", "float"), ParamOf("d", "double")});
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(
+        "FUNc:StringUtil::StollS: stoll exception: invalid stoll argument",
+        "FUNc:StringUtil::StringToFloatDef: The retVal is invalid.", "FUNc:StringUtil::StringToDoubleDef: stod error"));
+}
+
 TEST_F(CommandRuleDbHelperTest, TextsNeverReachANormalisedResult)
 {
     EXPECT_EQ(Text(Normalise("'x', 5, 1, 1", {ParamOf("s", "string"), nullptr, ParamOf("v", "int")})), "v:v:int=150");

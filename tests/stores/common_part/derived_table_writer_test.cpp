@@ -56,6 +56,20 @@ TEST_F(DerivedTableWriterTest, FewAndManyRowsAreNumberedAlike)
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
+TEST_F(DerivedTableWriterTest, RowWithoutAnyMemberThatIsAColumnRunsNoStatement)
+{
+    for (const std::size_t strangers : {1U, 5U}) { // a few go straight into the file, more through a stage
+        std::vector<Json::Value> rows(strangers + 1);
+        for (std::size_t number = 1; number < rows.size(); ++number) {
+            rows[number]["other"] = 7;
+            rows[number]["_ID"] = 7;
+        }
+        DerivedTableWriter(mDatabase, "T", {ParamOf("n", "int")}, CREATE).Write(rows);
+    }
+    EXPECT_THAT(Rows(), IsEmpty());
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
 TEST_F(DerivedTableWriterTest, NothingOfTheStageIsLeftOnTheConnection)
 {
     Write(5);

@@ -438,6 +438,45 @@ TEST_F(ExternalDatabases, ArchiveThatIsGoneByTheTimeIsToldAndGivesNothing)
     EXPECT_FALSE(mDir.Has("copies"));
 }
 
+TEST_F(ExternalDatabases, UnpackedFileThatIsGoneWhenItsTurnComesIsToldAndListed)
+{
+    mDir.MakeDir("device");
+    WriteZip(mDir.Path("device/a.zip"), {});
+    mDir.MakeDir("copies/temp");
+    fs::create_symlink(mDir.Path("gone"), mDir.Path("copies/temp/old.db"));
+    EXPECT_THAT(Copy(".*(zip|db)"), ElementsAre("copies/old.db"));
+    EXPECT_THAT(mLog.Lines(),
+        ElementsAre(Line("CopyFile: file old.db not exist."), Line("UnZipFile: Copy file fail.")));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_WARN), ElementsAre(Line("CopyFile: file old.db not exist.")));
+}
+
+TEST_F(ExternalDatabases, CopyThatCannotBeOpenedIsNamedByItsLastElement)
+{
+    // The directory of the archive can't be copied, and the one that stands there is taken for the copy.
+    mDir.MakeDir("device");
+    WriteZip(mDir.Path("device/a.zip"), {{"x.db/", ""}});
+    mDir.Write("copies/x.db/inside", "");
+    EXPECT_THAT(Copy(".*(zip|db)", {"create table made(b)"}), ElementsAre("copies/x.db"));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), testing::IsSupersetOf({Line("CreateTable: open db x.db fail."),
+        Line("IsCreateDbByFileComplete: create table made fail.")}));
+}
+
+TEST_F(ExternalDatabases, MoreListingsThanOneSearchMayMakeAreTold)
+{
+    mSettings.Set(Settings::APP_DATABASE_DIR, ""); // no need to copy them all
+    std::string path = "device";
+    for (int level = 0; level < 13; ++level) { // listed twice as often at each: 8192 times
+        path += "/x";
+    }
+    mDir.Write(path + "/a.db", "");
+    EXPECT_THAT(Copy(".*\\.db"), IsEmpty());
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_WARN), IsEmpty());
+    mDir.Write(path + "/b.db", "");
+    EXPECT_THAT(Copy(".*\\.db"), IsEmpty());
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_WARN),
+        ElementsAre(Line("GetFileList: more than 8192 files found, the rest is passed over.")));
+}
+
 TEST_F(ExternalDatabases, DirectoryInAnArchiveFailsToBeCopiedAndIsListedAllTheSame)
 {
     mDir.MakeDir("device");

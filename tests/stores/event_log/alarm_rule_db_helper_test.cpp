@@ -144,6 +144,32 @@ TEST_F(AlarmRuleDbHelperTest, MissingLogIsTriedAgainAtEachQuery)
     EXPECT_THAT(mLog.Lines(), ElementsAre(VERSION_LINE));
 }
 
+TEST_F(AlarmRuleDbHelperTest, LogThatIsThereAndCannotBeOpenedIsTriedAgainAtEachQuery)
+{
+    mDir.MakeDir("data/Comms/Lumbra/workDir/0/log.db");
+    const std::string line =
+        "FUNc:FT::sql::SqlDatabase::Open: open db:" + mPath + " failed, error msg is :unable to open database file";
+    AlarmRuleDbHelper helper;
+    EXPECT_THAT(mLog.Lines(), ElementsAre(line));
+    mLog.Clear();
+    EXPECT_THAT(helper.GetEventList(7, 0, false), IsEmpty());
+    EXPECT_THAT(mLog.Lines(), ElementsAre(line, OPEN_FAIL));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_WARN), ElementsAre(OPEN_FAIL));
+    mLog.Clear();
+    EXPECT_EQ(Visit(helper, {7, 8, 0, false}), "unreadable ");
+    EXPECT_THAT(mLog.Lines(), ElementsAre(line, OPEN_FAIL, line, OPEN_FAIL));
+}
+
+TEST_F(AlarmRuleDbHelperTest, EndOfAHelperThatNeverOpenedTheLogIsSilentAndLeavesNoFile)
+{
+    auto helper = std::make_unique<AlarmRuleDbHelper>();
+    EXPECT_THAT(helper->GetEventList(7, 0, false), IsEmpty());
+    mLog.Clear();
+    helper.reset();
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+    EXPECT_FALSE(mDir.Has("data"));
+}
+
 TEST_F(AlarmRuleDbHelperTest, VisitOfAMissingLogTellsForEachId)
 {
     AlarmRuleDbHelper helper;
