@@ -193,8 +193,8 @@ std::shared_ptr<CommandRule> RuleOf(int number)
     rule->params = {{"1", std::make_shared<Param>(Param{"rows", "int", "1", ""})},
         {"2", std::make_shared<Param>(Param{"most", "int", "2", ""})}};
     auto condition = std::make_shared<OrLogic>();
-    condition->SetType(RuleChecker::SINGLE_LOGIC);
-    condition->SetLogic(RuleChecker::LOGIC_GT);
+    condition->SetType(std::string(RuleChecker::SINGLE_LOGIC));
+    condition->SetLogic(std::string(RuleChecker::LOGIC_GT));
     condition->SetLogicType("static");
     condition->SetParamId("2");
     condition->SetValue("1000000");

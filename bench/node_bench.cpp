@@ -36,7 +36,7 @@ std::shared_ptr<NodeRule> RuleOver(const std::string& path)
     item->SetLogic("gt");
     item->SetValue("80");
     auto condition = std::make_shared<OrLogic>();
-    condition->SetType(RuleChecker::MULTIPLE_LOGIC);
+    condition->SetType(std::string(RuleChecker::MULTIPLE_LOGIC));
     condition->InsertLogicItemList({item});
     rule->InsertConditionList({condition});
     return rule;

@@ -45,7 +45,7 @@ def shared_library():
 
 
 def bytes_of_initialisers(library):
-    """Code that runs when the library is loaded: it sets up the texts of words, and nothing else has a place there."""
+    """Code that runs when the library is loaded; there is none."""
     symbols = subprocess.run(["nm", "-S", library], check=True, stdout=subprocess.PIPE, text=True).stdout
     return sum(int(size, 16) for size in re.findall(r"^\S+ (\S+) t _GLOBAL__sub_I", symbols, re.MULTILINE))
 
@@ -58,7 +58,7 @@ def report_size():
         size = stripped.stat().st_size
     print(f"size: bytes of the stripped shared library, {size}, {MOST_BYTES}, {size / MOST_BYTES:.3f}, 1")
     early = bytes_of_initialisers(library)
-    print(f"size: bytes of code before the first call, {early}, {size}, {early / size:.3f}, 0.03")
+    print(f"size: bytes of code before the first call, {early}, {size}, {early / size:.3f}, 0")
 
 
 if __name__ == "__main__":

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "arborist/evaluation/member_test.h"
@@ -25,7 +26,7 @@ class RuleHelper;
 class AlarmRuleEngine : public RuleChecker {
 public:
     /// Item type under which the tests of the condition list apply.
-    static inline const std::string PARAM_EVENT_ID = "param_eventid";
+    static constexpr std::string_view PARAM_EVENT_ID = "param_eventid";
 
     /// Opens the event log at once; one that isn't there yet is tried again later.
     explicit AlarmRuleEngine(std::shared_ptr<RuleHelper> ruleHelper);

@@ -41,7 +41,7 @@ bool CodeRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const st
     return Decide(Reason::RUNNER_ANSWERED, answer);
 }
 
-std::vector<std::string> CodeRuleEngine::GetCodeRuleInfoByType(const std::string& type, const std::string& detectCode)
+std::vector<std::string> CodeRuleEngine::GetCodeRuleInfoByType(std::string_view type, const std::string& detectCode)
 {
     if (mFaultTreeParser == nullptr || detectCode.empty()) {
         return {};

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -35,7 +36,7 @@ public:
     /// The ids of one kind (RuleHelper::FAULT, SUGGESTION or REPAIR) of the first event in the store that names the
     /// code rule of this detect code. An empty store is first filled with the events of all trees. Empty when there is
     /// no such rule or event, and for another kind.
-    std::vector<std::string> GetCodeRuleInfoByType(const std::string& type, const std::string& detectCode);
+    std::vector<std::string> GetCodeRuleInfoByType(std::string_view type, const std::string& detectCode);
 
 private:
     void FetchAllEvents();

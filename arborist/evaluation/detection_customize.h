@@ -2,7 +2,6 @@
 #define ARBORIST_EVALUATION_DETECTION_CUSTOMIZE_H
 
 #include <cstdint>
-#include <string>
 
 class LogEvent;
 struct EventMember;
@@ -10,7 +9,7 @@ struct EventMember;
 /// How single kinds of events count.
 class DetectionCustomize {
 public:
-    static inline const std::string KEY_COUNT = "COUNT";
+    static constexpr char KEY_COUNT[] = "COUNT";
 
     /// Event ids from `first` to `last`.
     struct IdRange {

@@ -17,19 +17,19 @@ struct Param;
 /// observer, where there is one; what decided its last answer it notes with NoteReason, observer or not.
 class RuleChecker {
 public:
-    static inline const std::string LOGIC_GT = "gt";
-    static inline const std::string LOGIC_LT = "lt";
-    static inline const std::string LOGIC_LE = "le";
-    static inline const std::string LOGIC_GE = "ge";
-    static inline const std::string LOGIC_EQ = "eq";
-    static inline const std::string LOGIC_NE = "ne";
-    static inline const std::string TYPE_INT = "int";
-    static inline const std::string TYPE_LONG = "long";
-    static inline const std::string TYPE_FLOAT = "float";
-    static inline const std::string TYPE_DOUBLE = "double";
-    static inline const std::string TYPE_STRING = "string";
-    static inline const std::string SINGLE_LOGIC = "single_logic";
-    static inline const std::string MULTIPLE_LOGIC = "multiple_logic";
+    static constexpr std::string_view LOGIC_GT = "gt";
+    static constexpr std::string_view LOGIC_LT = "lt";
+    static constexpr std::string_view LOGIC_LE = "le";
+    static constexpr std::string_view LOGIC_GE = "ge";
+    static constexpr std::string_view LOGIC_EQ = "eq";
+    static constexpr std::string_view LOGIC_NE = "ne";
+    static constexpr std::string_view TYPE_INT = "int";
+    static constexpr std::string_view TYPE_LONG = "long";
+    static constexpr std::string_view TYPE_FLOAT = "float";
+    static constexpr std::string_view TYPE_DOUBLE = "double";
+    static constexpr std::string_view TYPE_STRING = "string";
+    static constexpr std::string_view SINGLE_LOGIC = "single_logic";
+    static constexpr std::string_view MULTIPLE_LOGIC = "multiple_logic";
 
     RuleChecker() = default;
     virtual ~RuleChecker() = default;

@@ -78,7 +78,7 @@ RuleEngineHelper::EventMap RuleEngine::GetEventMap() const
     return mRuleEngineHelper != nullptr ? mRuleEngineHelper->GetEventMap() : RuleEngineHelper::EventMap();
 }
 
-std::vector<std::string> RuleEngine::GetCodeRuleInfoByType(const std::string& type, const std::string& detectCode)
+std::vector<std::string> RuleEngine::GetCodeRuleInfoByType(std::string_view type, const std::string& detectCode)
 {
     return GetCodeRuleEngine()->GetCodeRuleInfoByType(type, detectCode);
 }

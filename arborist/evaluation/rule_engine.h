@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "arborist/evaluation/rule_engine_helper.h"
@@ -30,8 +31,8 @@ struct DetectInfo;
 class RuleEngine {
 public:
     /// Detect mode of events that are left to the host: their rules are never asked here.
-    static inline const std::string DETECT_INTERACTION_RULE = "2";
-    static inline const std::string EMPTY_STRING = "";
+    static constexpr std::string_view DETECT_INTERACTION_RULE = "2";
+    static constexpr char EMPTY_STRING[] = "";
 
     /// With a null `detectInfo` there is no helper, and running a tree does nothing.
     RuleEngine(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<FaultTreeParser> faultTreeParser);
@@ -48,7 +49,7 @@ public:
     const std::shared_ptr<RuleHelper>& GetRuleHelper() const { return mRuleHelper; }
     /// The ids of one kind (RuleHelper::FAULT, SUGGESTION or REPAIR) that a detect code stands for; see
     /// CodeRuleEngine::GetCodeRuleInfoByType.
-    std::vector<std::string> GetCodeRuleInfoByType(const std::string& type, const std::string& detectCode);
+    std::vector<std::string> GetCodeRuleInfoByType(std::string_view type, const std::string& detectCode);
 
     /// Not owned; outlives the engine or is taken away with null. Reaches helper and checkers.
     void SetObserver(DetectionObserver* observer);

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "arborist/evaluation/code_rule_index.h"
@@ -27,21 +28,21 @@ struct DetectInfo;
 class RuleHelper {
 public:
     /// Type words of RuleEngine::GetCodeRuleInfoByType. USER_DEFINED belongs to the family; nothing reads it.
-    static inline const std::string FAULT = "faultDescId";
-    static inline const std::string SUGGESTION = "suggestionId";
-    static inline const std::string REPAIR = "repairId";
-    static inline const std::string USER_DEFINED = "userDefine";
+    static constexpr std::string_view FAULT = "faultDescId";
+    static constexpr std::string_view SUGGESTION = "suggestionId";
+    static constexpr std::string_view REPAIR = "repairId";
+    static constexpr std::string_view USER_DEFINED = "userDefine";
     /// Member of an event's user-defined text that names a repair.
-    static inline const std::string REPAIR_ID = "Repairid";
+    static constexpr char REPAIR_ID[] = "Repairid";
     /// Start words: what an item's windows don't reach back beyond.
-    static inline const std::string DETECT_FROM_RESET_OR_UPDATE = "1";
-    static inline const std::string DETECT_FROM_UPDATE = "2";
-    static inline const std::string DETECT_FROM_RESET = "3";
-    static inline const std::string DETECT_ALL = "4";
-    static inline const std::string SINGLE_RULE = "singleRule";
+    static constexpr std::string_view DETECT_FROM_RESET_OR_UPDATE = "1";
+    static constexpr std::string_view DETECT_FROM_UPDATE = "2";
+    static constexpr std::string_view DETECT_FROM_RESET = "3";
+    static constexpr std::string_view DETECT_ALL = "4";
+    static constexpr std::string_view SINGLE_RULE = "singleRule";
     /// Separates the rule names of one alternative.
-    static inline const std::string TYPE_COMMA = ",";
-    static inline const std::string EMPTY_STRING = "";
+    static constexpr char TYPE_COMMA[] = ",";
+    static constexpr char EMPTY_STRING[] = "";
 
     /// `detectInfo` must not be null.
     RuleHelper(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<FaultTreeParser> faultTreeParser);

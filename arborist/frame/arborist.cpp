@@ -1,5 +1,6 @@
 #include "arborist/frame/arborist.h"
 
+#include <string_view>
 #include <utility>
 
 #include "arborist/deduction/fault_tree_visitor.h"
@@ -22,13 +23,9 @@ void TellFile(DetectionObserver& observer, DetectionObserver::RuleSetFile::Kind 
 
 } // namespace
 
-const std::string Arborist::FAULT_TREE_NAME = "FaultTree.zip";
-const std::string Arborist::TEMP_NAME = "temp_";
-const std::string Arborist::SEPARATOR = "/";
-
 // What tells the three calls for one id of a detect code apart. A logger sees the formats whole.
 struct Arborist::FaultDescQuery {
-    static constexpr const std::string& TYPE = RuleHelper::FAULT;
+    static constexpr std::string_view TYPE = RuleHelper::FAULT;
     static constexpr char FUNCTION[] = "Arborist::GetCodeRuleFaultDescId";
     static constexpr char EMPTY_CODE[] = "FUNc:%s: detectCode is empty in getCodeRuleFaultDescId";
     static constexpr char NOT_PARSED[] = "FUNc:%s: parse time out in GetCodeRuleFaultDescId";
@@ -36,7 +33,7 @@ struct Arborist::FaultDescQuery {
 };
 
 struct Arborist::SuggestionQuery {
-    static constexpr const std::string& TYPE = RuleHelper::SUGGESTION;
+    static constexpr std::string_view TYPE = RuleHelper::SUGGESTION;
     static constexpr char FUNCTION[] = "Arborist::GetCodeRuleSuggestionId";
     static constexpr char EMPTY_CODE[] = "FUNc:%s: detectCode is empty in GetCodeRuleSuggestionId";
     static constexpr char NOT_PARSED[] = "FUNc:%s: parse time out in GetCodeRuleSuggestionId";
@@ -44,7 +41,7 @@ struct Arborist::SuggestionQuery {
 };
 
 struct Arborist::RepairQuery {
-    static constexpr const std::string& TYPE = RuleHelper::REPAIR;
+    static constexpr std::string_view TYPE = RuleHelper::REPAIR;
     static constexpr char FUNCTION[] = "Arborist::GetCodeRuleRepairId";
     static constexpr char EMPTY_CODE[] = "FUNc:%s: detectCode is empty in GetCodeRuleRepairId";
     static constexpr char NOT_PARSED[] = "FUNc:%s: parse time out in GetCodeRuleRepairId";

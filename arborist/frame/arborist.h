@@ -57,9 +57,9 @@ private:
     struct SuggestionQuery;
     struct RepairQuery;
 
-    static const std::string FAULT_TREE_NAME;
-    static const std::string TEMP_NAME;
-    static const std::string SEPARATOR;
+    static constexpr char FAULT_TREE_NAME[] = "FaultTree.zip";
+    static constexpr char TEMP_NAME[] = "temp_";
+    static constexpr char SEPARATOR[] = "/";
 
     void Parse();
     bool IsParsed();

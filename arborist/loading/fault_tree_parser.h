@@ -48,9 +48,9 @@ public:
     using FaultItemList = std::vector<std::shared_ptr<FaultItem>>;
     using RepairInfoList = std::vector<FaultTreeResult::RepairInfo>;
 
-    static inline const std::string FAULT_TREE_RULES_FILE = "FaultTreeRules.xml";
-    static inline const std::string FAULT_TREE_FILE = "FaultTrees.xml";
-    static inline const std::string SEPARATOR = "/";
+    static constexpr char FAULT_TREE_RULES_FILE[] = "FaultTreeRules.xml";
+    static constexpr char FAULT_TREE_FILE[] = "FaultTrees.xml";
+    static constexpr char SEPARATOR[] = "/";
 
     /// The tree tag is taken from `detectInfo` here; the rest is read when the parse starts.
     explicit FaultTreeParser(std::shared_ptr<DetectInfo> detectInfo);

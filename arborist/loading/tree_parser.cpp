@@ -24,13 +24,13 @@ struct EventChildren {
     explicit EventChildren(const XMLElement& event)
     {
         XmlWalk::FindFirstChildren(event, {
-            {TreeParser::ELEMENT_ID.c_str(), &id},
-            {TreeParser::ELEMENT_NAME.c_str(), &name},
-            {TreeParser::ELEMENT_VALUE.c_str(), &value},
-            {TreeParser::USER_DEFINED.c_str(), &userDefined},
-            {TreeParser::ELEMENT_DETECT_MODE.c_str(), &detectMode},
-            {TreeParser::OR_GATE.c_str(), &orGate},
-            {TreeParser::AND_GATE.c_str(), &andGate}});
+            {TreeParser::ELEMENT_ID, &id},
+            {TreeParser::ELEMENT_NAME, &name},
+            {TreeParser::ELEMENT_VALUE, &value},
+            {TreeParser::USER_DEFINED, &userDefined},
+            {TreeParser::ELEMENT_DETECT_MODE, &detectMode},
+            {TreeParser::OR_GATE, &orGate},
+            {TreeParser::AND_GATE, &andGate}});
     }
 
     // An event with both kinds of gates has the or-gate, wherever it stands.
@@ -57,7 +57,7 @@ std::vector<std::shared_ptr<FaultTree>> TreeParser::GetTreeList(
     const XMLDocument& document, const std::string& treeTag)
 {
     if (const XMLElement* root = document.RootElement()) {
-        XmlWalk::ReadAttributes(*root, {{VERSION_KEY.c_str(), &mTreeFileVersion}});
+        XmlWalk::ReadAttributes(*root, {{VERSION_KEY, &mTreeFileVersion}});
     }
     std::vector<std::shared_ptr<FaultTree>> trees;
     for (const XMLElement& element : Children(FindSection(document, treeTag))) {
@@ -72,7 +72,7 @@ std::shared_ptr<FaultTree> TreeParser::Parse(
     const XMLDocument& document, const std::string& treeTag, const std::string& treeId)
 {
     for (const XMLElement& element : Children(FindSection(document, treeTag))) {
-        const char* id = element.Attribute(ID_STRING.c_str());
+        const char* id = element.Attribute(ID_STRING);
         if ((id == nullptr ? EMPTY : id) == treeId) {
             return ParseTree(element);
         }
@@ -82,10 +82,10 @@ std::shared_ptr<FaultTree> TreeParser::Parse(
 
 std::shared_ptr<FaultTree> TreeParser::ParseTree(const XMLElement& element)
 {
-    const XMLElement* topElement = element.FirstChildElement(TREE_NAME.c_str());
-    const char* id = element.Attribute(ID_STRING.c_str());
-    const char* version = element.Attribute(VERSION_KEY.c_str());
-    const char* type = element.Attribute(TYPE_KEY.c_str());
+    const XMLElement* topElement = element.FirstChildElement(TREE_NAME);
+    const char* id = element.Attribute(ID_STRING);
+    const char* version = element.Attribute(VERSION_KEY);
+    const char* type = element.Attribute(TYPE_KEY);
     if (topElement == nullptr || id == nullptr || version == nullptr || type == nullptr) {
         return nullptr;
     }
@@ -99,13 +99,13 @@ std::shared_ptr<Event> TreeParser::ParseEvent(const XMLElement& element)
 {
     const EventChildren children(element);
     std::shared_ptr<Event> event;
-    if (XmlWalk::IsNamed(element, TREE_NAME.c_str())) {
+    if (XmlWalk::IsNamed(element, TREE_NAME)) {
         auto intermediate = std::make_shared<IntermediateEvent>();
         if (auto gate = ParseGate(children.Gate())) {
             intermediate->SetGate(std::move(gate));
         }
         event = std::move(intermediate);
-    } else if (XmlWalk::IsNamed(element, BASIC_EVENT.c_str())) {
+    } else if (XmlWalk::IsNamed(element, BASIC_EVENT)) {
         event = std::make_shared<BasicEvent>();
     } else {
         event = std::make_shared<UndevelopedEvent>();
@@ -120,7 +120,7 @@ std::shared_ptr<Gate> TreeParser::ParseGate(const XMLElement* element)
         return nullptr;
     }
     std::shared_ptr<Gate> gate;
-    if (XmlWalk::IsNamed(*element, OR_GATE.c_str())) {
+    if (XmlWalk::IsNamed(*element, OR_GATE)) {
         gate = std::make_shared<OrGate>();
     } else {
         gate = std::make_shared<AndGate>();

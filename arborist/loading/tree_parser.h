@@ -18,19 +18,19 @@ class XMLElement;
 /// it doesn't find it takes as empty. The trees don't refer to the document.
 class TreeParser {
 public:
-    static inline const std::string TREE_NAME = "Intermediate-Event";
-    static inline const std::string BASIC_EVENT = "Basic-Event";
-    static inline const std::string OR_GATE = "Or-Gate";
-    static inline const std::string AND_GATE = "And-Gate";
-    static inline const std::string ID_STRING = "id";
-    static inline const std::string VERSION_KEY = "version";
-    static inline const std::string TYPE_KEY = "type";
-    static inline const std::string ELEMENT_ID = "ID";
-    static inline const std::string ELEMENT_NAME = "Name";
-    static inline const std::string ELEMENT_VALUE = "Value";
-    static inline const std::string ELEMENT_DETECT_MODE = "DetectMode";
-    static inline const std::string USER_DEFINED = "UserDefined";
-    static inline const std::string EMPTY = "";
+    static constexpr char TREE_NAME[] = "Intermediate-Event";
+    static constexpr char BASIC_EVENT[] = "Basic-Event";
+    static constexpr char OR_GATE[] = "Or-Gate";
+    static constexpr char AND_GATE[] = "And-Gate";
+    static constexpr char ID_STRING[] = "id";
+    static constexpr char VERSION_KEY[] = "version";
+    static constexpr char TYPE_KEY[] = "type";
+    static constexpr char ELEMENT_ID[] = "ID";
+    static constexpr char ELEMENT_NAME[] = "Name";
+    static constexpr char ELEMENT_VALUE[] = "Value";
+    static constexpr char ELEMENT_DETECT_MODE[] = "DetectMode";
+    static constexpr char USER_DEFINED[] = "UserDefined";
+    static constexpr char EMPTY[] = "";
 
     /// The trees of the section named `treeTag`, in file order; empty without such a section. Takes the file's version
     /// in passing, where the root has one.

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -54,7 +55,7 @@ public:
     /// A range of event ids to fetch. The parameters of a bean's first item name the columns of its table.
     class LumbraDataItem {
     public:
-        static inline const std::string TAG = "LumbraDataItem";
+        static constexpr char TAG[] = "LumbraDataItem";
 
         const std::string& GetType() const { return type; }
         void SetType(const std::string& text) { type = text; }
@@ -196,16 +197,16 @@ public:
         DefDbTableCommonList defDbTableCommonList;
     };
 
-    static inline const std::string TAG = "CommonPart";
+    static constexpr char TAG[] = "CommonPart";
     // Keys of the system parameters that the device's attributes fill.
-    static inline const std::string CPU_NAME = "CPU_NAME";
-    static inline const std::string RAM_SIZE = "RAM_SIZE";
-    static inline const std::string RESOLUTION = "RESOLUTION";
-    static inline const std::string BATTERY_DESIGN = "BATTFULL_DESIGN";
-    static inline const std::string LOGIC_TYPE_EQ = "eq";
-    static inline const std::string LOGIC_TYPE_IN = "in";
+    static constexpr std::string_view CPU_NAME = "CPU_NAME";
+    static constexpr std::string_view RAM_SIZE = "RAM_SIZE";
+    static constexpr std::string_view RESOLUTION = "RESOLUTION";
+    static constexpr std::string_view BATTERY_DESIGN = "BATTFULL_DESIGN";
+    static constexpr std::string_view LOGIC_TYPE_EQ = "eq";
+    static constexpr std::string_view LOGIC_TYPE_IN = "in";
     /// What a value lookup answers that finds nothing.
-    static inline const std::string FLAVOR = "";
+    static constexpr char FLAVOR[] = "";
 
     std::shared_ptr<CombineCommonPart> GetCombineCommon() const { return mCombineCommon; }
     void SetCombineCommon(std::shared_ptr<CombineCommonPart> block) { mCombineCommon = std::move(block); }

@@ -55,8 +55,8 @@ public:
     /// One range of event ids with its windows and tests.
     class AlarmItem {
     public:
-        static inline const std::string TAG = "AlarmItem";
-        static inline const std::string EMPTY_STRING = "";
+        static constexpr char TAG[] = "AlarmItem";
+        static constexpr char EMPTY_STRING[] = "";
 
         /// The bounds as numbers: 0 for the empty text and for a text that is no number (which logs an error).
         std::int32_t GetEventIdMin() const { return ParseAlarmIdToInt(Eventid_Min); }
@@ -80,7 +80,7 @@ public:
         static std::int32_t ParseAlarmIdToInt(std::string text);
     };
 
-    static inline const std::string ALARM_RULE = "AlarmRule";
+    static constexpr char ALARM_RULE[] = "AlarmRule";
 
     std::string GetRuleType() const override { return ALARM_RULE; }
 
@@ -95,7 +95,7 @@ public:
         std::string id;
     };
 
-    static inline const std::string CODE_RULE = "CodeRule";
+    static constexpr char CODE_RULE[] = "CodeRule";
 
     std::string GetRuleType() const override { return CODE_RULE; }
 
@@ -126,7 +126,7 @@ public:
 
     /// The external databases that the query runs on.
     struct ReferenceDefDb {
-        static inline const std::string TAG = "ReferenceDefDb";
+        static constexpr char TAG[] = "ReferenceDefDb";
 
         /// "singleDB": one hit is enough; anything else counts hits against `defDBNum`.
         std::string type;
@@ -136,7 +136,7 @@ public:
         std::string defDBNum;
     };
 
-    static inline const std::string COMMAND_RULE = "CommandRule";
+    static constexpr char COMMAND_RULE[] = "CommandRule";
 
     std::string GetRuleType() const override { return COMMAND_RULE; }
 

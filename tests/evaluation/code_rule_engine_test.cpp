@@ -1,5 +1,7 @@
 #include "arborist/evaluation/code_rule_engine.h"
 
+#include <string_view>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -36,7 +38,7 @@ protected:
                     .Repair("A", {{"R1", ""}}));
     }
 
-    std::vector<std::string> Ids(const std::string& type, const std::string& code) const
+    std::vector<std::string> Ids(std::string_view type, const std::string& code) const
     {
         return CodeRuleEngine(mStore, mParser, mInfo).GetCodeRuleInfoByType(type, code);
     }

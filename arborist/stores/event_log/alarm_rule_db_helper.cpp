@@ -16,10 +16,10 @@ namespace {
 
 constexpr char GET_EVENT_LIST[] = "AlarmRuleDbHelper::GetEventList";
 
-const std::string EVENT_ID = "event_id";
-const std::string EXTRA = "extra";
-const std::string OCCURRENCE_TIME = "occurrence_time";
-const std::string VERSION_NAME = "VERSION_NAME";
+constexpr char EVENT_ID[] = "event_id";
+constexpr char EXTRA[] = "extra";
+constexpr char OCCURRENCE_TIME[] = "occurrence_time";
+constexpr char VERSION_NAME[] = "VERSION_NAME";
 
 // The rows are paired by their own ids; the derived tables pair them by event_pid. Both are as the service means them.
 constexpr char EVENT_QUERY[] =

@@ -14,10 +14,10 @@
 
 namespace {
 
-const std::string TABLE_NAME = "repair_data";
-const std::string ID = "_id";
-const std::string REPAIR_ID = "repair_id";
-const std::string REPAIR_DATE = "repair_date";
+constexpr char TABLE_NAME[] = "repair_data";
+constexpr char ID[] = "_id";
+constexpr char REPAIR_ID[] = "repair_id";
+constexpr char REPAIR_DATE[] = "repair_date";
 
 // A row takes some ten steps of a statement over all of them.
 constexpr std::uint64_t MOST_STEPS = 10'000'000;
@@ -92,7 +92,7 @@ bool RepairDbUtil::ConfirmTable() const
         return false;
     }
     FT::sql::SqlCursor count(mDatabase->GetHandle(),
-        "select count(*) from sqlite_master where type = 'table' and name = '" + TABLE_NAME + "'");
+        std::string("select count(*) from sqlite_master where type = 'table' and name = '") + TABLE_NAME + "'");
     const bool isThere = count.Step() && count.GetInteger(0) > 0;
     if (isThere) {
         LogTableExists(TABLE_NAME);
