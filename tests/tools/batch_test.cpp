@@ -3,9 +3,11 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <set>
 #include <sstream>
 
 #include <csignal>
+#include <sched.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,12 +20,15 @@
 
 namespace {
 
+using testing::AnyOfArray;
+using testing::Contains;
 using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::StartsWith;
 using testing::UnorderedElementsAreArray;
 
@@ -225,6 +230,50 @@ TEST_F(BatchTest, ABundleThatTakesTooLongIsGivenUp)
     EXPECT_THAT(Outcomes(result.out), ElementsAre("slow: timeout"));
     EXPECT_THAT(result.out, HasSubstr("took longer than 0.2 s and was given up"));
     EXPECT_EQ(result.status, 5);
+}
+
+// Each processor that this test may use, as the system lists one that is alone.
+std::vector<std::string> Processors()
+{
+    cpu_set_t allowed;
+    std::vector<std::string> names;
+    EXPECT_EQ(sched_getaffinity(0, sizeof allowed, &allowed), 0);
+    for (unsigned number = 0; number < CPU_SETSIZE; ++number) {
+        if (CPU_ISSET(number, &allowed)) {
+            names.push_back(std::to_string(number));
+        }
+    }
+    return names;
+}
+
+// As many workers as processors share these out; fewer go where the system puts them.
+TEST_F(BatchTest, WorkersHaveAProcessorEachWhereThereIsOneForEveryProcessor)
+{
+    const std::vector<std::string> processors = Processors();
+    std::string list;
+    for (std::size_t i = 0; i <= processors.size(); ++i) {
+        const std::string name = "code" + std::to_string(i);
+        WriteCodeBundle(mDir, name, {"info"});
+        list += name + "\n";
+    }
+    const auto runner = Script("awk '$1 == \"Cpus_allowed_list:\" {print $2}' /proc/self/status > processors");
+    const auto processorsOf = [&](std::size_t workers) {
+        RunArborist({"detect", "--batch", "-", "--jobs", std::to_string(workers), "--code-runner", runner},
+            {.input = list});
+        std::set<std::string> seen;
+        for (std::size_t i = 0; i <= processors.size(); ++i) {
+            seen.insert(mDir.Read("code" + std::to_string(i) + "/processors"));
+        }
+        return seen;
+    };
+    std::set<std::string> one;
+    for (const std::string& processor : processors) {
+        one.insert(processor + "\n");
+    }
+    EXPECT_EQ(processorsOf(processors.size()), one);
+    if (processors.size() > 1) {
+        EXPECT_THAT(processorsOf(1), Not(Contains(AnyOfArray(one))));
+    }
 }
 
 struct SignalCase { const char* name; int number; };

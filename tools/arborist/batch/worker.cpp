@@ -15,6 +15,7 @@
 #include <sys/prctl.h>
 #endif
 
+#include "tools/arborist/batch/processors.h"
 #include "tools/arborist/code_rules/code_program.h"
 
 namespace command {
@@ -62,7 +63,7 @@ std::string Packed(const BundleAnswer& answer)
 }
 
 // What the batch listens to is its own affair, and standard input and output are.
-void BecomeWorker(const std::string& folder, const sigset_t& mask)
+void BecomeWorker(const WorkerPlace& place, const sigset_t& mask)
 {
     setpgid(0, 0); // a key stroke reaches the batch alone, which then ends its workers
 #if defined(__linux__)
@@ -73,7 +74,10 @@ void BecomeWorker(const std::string& folder, const sigset_t& mask)
     }
     signal(SIGTTOU, SIG_IGN); // it may still write to the terminal
     sigprocmask(SIG_SETMASK, &mask, nullptr);
-    setenv("TMPDIR", folder.c_str(), 1);
+    setenv("TMPDIR", place.folder.c_str(), 1);
+    if (place.processor) {
+        StayOn(*place.processor);
+    }
     const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
     dup2(nothing, STDIN_FILENO);
     dup2(STDERR_FILENO, STDOUT_FILENO);
@@ -88,8 +92,8 @@ std::string EndOf(int status)
 
 } // namespace
 
-Worker::Worker(const WorkerSetup& setup, std::string folder, std::atomic<pid_t>& programGroup)
-    : mSetup(setup), mFolder(std::move(folder)), mProgramGroup(programGroup)
+Worker::Worker(const WorkerSetup& setup, WorkerPlace place, std::atomic<pid_t>& programGroup)
+    : mSetup(setup), mPlace(std::move(place)), mProgramGroup(programGroup)
 {
 }
 
@@ -102,7 +106,7 @@ bool Worker::Start(const std::vector<int>& others)
 {
     int sockets[2];
     std::error_code error;
-    fs::create_directory(mFolder, error);
+    fs::create_directory(mPlace.folder, error);
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0) {
         return false;
     }
@@ -110,7 +114,7 @@ bool Worker::Start(const std::vector<int>& others)
     mProcess = fork();
     if (mProcess == 0) {
         close(sockets[0]);
-        BecomeWorker(mFolder, mSetup.mask);
+        BecomeWorker(mPlace, mSetup.mask);
         if (getppid() != batch) {
             _exit(1); // it died before it could be watched
         }
@@ -201,7 +205,7 @@ std::string Worker::End()
     }
     close(mSocket);
     std::error_code ignored;
-    fs::remove_all(mFolder, ignored);
+    fs::remove_all(mPlace.folder, ignored);
     mProcess = -1;
     mSocket = -1;
     mState = State::DEAD;

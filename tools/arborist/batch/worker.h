@@ -23,15 +23,22 @@ struct WorkerSetup {
     sigset_t mask;
 };
 
+/// What is one worker's own.
+struct WorkerPlace {
+    /// For its temporary files; made and removed with the process.
+    std::string folder;
+    /// Where it runs; any place unless given.
+    std::optional<int> processor;
+};
+
 /// One worker process, seen from the batch. It takes one bundle after the other over a socket.
 class Worker {
 public:
     using Clock = std::chrono::steady_clock;
     enum class State { IDLE, BUSY, ANSWERED, DEAD };
 
-    /// `folder` becomes the worker's place for temporary files. `programGroup`, in memory that both share, has the
-    /// process group of a program that the worker runs, or 0.
-    Worker(const WorkerSetup& setup, std::string folder, std::atomic<pid_t>& programGroup);
+    /// `programGroup`, in memory that both share, has the process group of a program that the worker runs, or 0.
+    Worker(const WorkerSetup& setup, WorkerPlace place, std::atomic<pid_t>& programGroup);
     ~Worker();
     Worker(const Worker&) = delete;
     Worker& operator=(const Worker&) = delete;
@@ -56,7 +63,7 @@ private:
     [[noreturn]] void Serve(int socket, const std::vector<int>& others) const;
 
     const WorkerSetup& mSetup;
-    std::string mFolder;
+    WorkerPlace mPlace;
     std::atomic<pid_t>& mProgramGroup;
     pid_t mProcess = -1;
     int mSocket = -1;
