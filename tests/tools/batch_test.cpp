@@ -331,6 +331,16 @@ TEST_F(BatchTest, LinesThatCannotBeWrittenAreAnInternalError)
     EXPECT_EQ(result.status, 5);
 }
 
+TEST_F(BatchTest, AReaderOfMessagesWhoLeavesCostsNoBundle)
+{
+    WriteHotBundle(mDir, "b");
+    mDir.Write("list", "b\nb\n");
+    const auto result = RunProcess({"sh", "-c", "mkfifo nobody; exec 3<>nobody; exec 2>nobody; exec 3>&-; exec '"
+        ARBORIST_COMMAND "' detect --batch list --jobs 1 --log-level debug"});
+    EXPECT_THAT(Outcomes(result.out), ElementsAre("b", "b"));
+    EXPECT_EQ(result.status, 0);
+}
+
 TEST_F(BatchTest, StrictAndFaultsCountTowardsTheStatus)
 {
     WriteHotBundle(mDir, "b");

@@ -1,3 +1,7 @@
+#include <filesystem>
+
+#include <csignal>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -92,6 +96,39 @@ TEST(ClosedStreams, ResultsThatGoNowhereAreAnError)
     }
     EXPECT_THAT(dir.Read("log"), testing::Not(HasSubstr("HOT (")));
     EXPECT_THAT(RunArborist({"detect", "packed.zip"}).out, HasSubstr("1. HOT"));
+}
+
+// Standard output is a pipe that nobody reads any more, as "| head -1" leaves it behind.
+ProcessResult RunForNobody(const std::string& command, const ProcessSetup& setup)
+{
+    return RunProcess({"sh", "-c", "mkfifo nobody; exec 3<>nobody; exec >nobody; exec 3>&-; rm nobody; exec '"
+        ARBORIST_COMMAND "' " + command}, setup);
+}
+
+TEST(ClosedStreams, AReaderWhoLeavesEndsTheCommandInSilence)
+{
+    const TempDir dir;
+    dir.MakeDir("tmp");
+    WriteHotBundle(dir, "b");
+    dir.Write("list", "b\nb\nb\n");
+    for (const char* command : {"--version", "--help", "help detect", "completion fish", "detect b --log-level none",
+             "detect --json b b --log-level none", "detect --batch list --log-level none",
+             "detect --batch list --ordered --log-level none", "explain b --log-level none",
+             "graph b --log-level none"}) {
+        const ProcessSetup setup{.environment = {{"TMPDIR", dir.Path("tmp")}}};
+        std::signal(SIGPIPE, SIG_DFL);
+        const auto result = RunForNobody(command, setup);
+        EXPECT_EQ(result.err, "") << command;
+        EXPECT_EQ(result.status, 128 + SIGPIPE) << command;
+        EXPECT_TRUE(std::filesystem::is_empty("tmp")) << command;
+        // Who has the signal ignored wants to be told.
+        std::signal(SIGPIPE, SIG_IGN);
+        const auto told = RunForNobody(command, setup);
+        std::signal(SIGPIPE, SIG_DFL);
+        EXPECT_EQ(told.err, "arborist: standard output could not be written\n") << command;
+        EXPECT_EQ(told.status, 5) << command;
+        EXPECT_TRUE(std::filesystem::is_empty("tmp")) << command;
+    }
 }
 
 TEST(ClosedStreams, WhatCannotBeReadIsNotTakenForEmpty)

@@ -29,7 +29,8 @@ using Clock = Worker::Clock;
 
 volatile std::sig_atomic_t caughtSignal = 0;
 
-/// Notes the signals that end a batch instead of ending it at once; they come in only while the batch waits.
+/// Notes the signals that end a batch instead of ending it at once. They come in only while the batch waits, but for
+/// SIGPIPE, which comes of its own writing.
 class EndingSignals {
 public:
     EndingSignals()
@@ -40,16 +41,14 @@ public:
         sigset_t blocked;
         sigemptyset(&blocked);
         for (std::size_t i = 0; i < NUMBERS.size(); ++i) {
-            sigaddset(&blocked, NUMBERS[i]);
+            if (NUMBERS[i] != SIGPIPE) {
+                sigaddset(&blocked, NUMBERS[i]);
+            }
             sigaction(NUMBERS[i], nullptr, &mBefore[i]);
             if (mBefore[i].sa_handler != SIG_IGN) { // nohup stays in force
                 sigaction(NUMBERS[i], &action, nullptr);
             }
         }
-        // A reader that goes away shows in the writing.
-        struct sigaction ignore = {};
-        ignore.sa_handler = SIG_IGN;
-        sigaction(SIGPIPE, &ignore, &mPipeBefore);
         sigprocmask(SIG_BLOCK, &blocked, &mMaskBefore);
     }
     ~EndingSignals()
@@ -57,7 +56,6 @@ public:
         for (std::size_t i = 0; i < NUMBERS.size(); ++i) {
             sigaction(NUMBERS[i], &mBefore[i], nullptr);
         }
-        sigaction(SIGPIPE, &mPipeBefore, nullptr);
         sigprocmask(SIG_SETMASK, &mMaskBefore, nullptr);
     }
     EndingSignals(const EndingSignals&) = delete;
@@ -66,10 +64,9 @@ public:
     const sigset_t& MaskBefore() const { return mMaskBefore; }
 
 private:
-    static constexpr std::array NUMBERS = {SIGHUP, SIGINT, SIGTERM};
+    static constexpr std::array NUMBERS = {SIGHUP, SIGINT, SIGPIPE, SIGTERM};
 
     std::array<struct sigaction, NUMBERS.size()> mBefore = {};
-    struct sigaction mPipeBefore = {};
     sigset_t mMaskBefore = {};
 };
 

@@ -39,8 +39,8 @@ struct BatchOptions {
 /// Runs all bundles in worker processes and prints exactly one line for each, whatever happens to it: a worker that
 /// crashes or runs past its time costs its own bundle and is replaced. Answers the most serious status.
 ///
-/// Call it before the process has a second thread: the workers are forks of it. SIGHUP, SIGINT and SIGTERM end the
-/// workers, remove their temporary files and then the process.
+/// Call it before the process has a second thread: the workers are forks of it. SIGHUP, SIGINT, SIGPIPE (a reader of
+/// the results who left) and SIGTERM end the workers, remove their temporary files and then end the process.
 ExitStatus RunBatch(const std::vector<BundlePath>& bundles, const BatchWork& work, const BatchOptions& options);
 
 } // namespace command

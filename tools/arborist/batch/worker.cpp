@@ -69,9 +69,10 @@ void BecomeWorker(const WorkerPlace& place, const sigset_t& mask)
 #if defined(__linux__)
     prctl(PR_SET_PDEATHSIG, SIGTERM);
 #endif
-    for (const int number : {SIGHUP, SIGINT, SIGTERM, SIGPIPE}) {
+    for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
         signal(number, SIG_DFL);
     }
+    signal(SIGPIPE, SIG_IGN); // a reader of messages who left costs no bundle
     signal(SIGTTOU, SIG_IGN); // it may still write to the terminal
     sigprocmask(SIG_SETMASK, &mask, nullptr);
     setenv("TMPDIR", place.folder.c_str(), 1);
