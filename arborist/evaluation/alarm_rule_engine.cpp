@@ -108,12 +108,13 @@ bool AlarmRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const s
     NoteReason(Reason::WINDOW_ABSENT);
     for (std::size_t number = 0; number < alarmRule->alarmItemList.size(); ++number) {
         const AlarmItem& item = alarmRule->alarmItemList[number];
-        const std::optional<IdRange> ids = item == nullptr ? std::nullopt : GetAlarmIdList(*item);
-        if (!ids) {
+        const IdRange ids = item == nullptr ? IdRange{0, 0} : GetAlarmIdList(*item);
+        if (ids.IsEmpty()) {
+            TellItemWithoutIds(number, ids);
             return Decide(Reason::NO_IDS, false);
         }
         for (const TimeSet::TimeType timeType : TIME_TYPES) {
-            if (IsRuleHitBySettingTime(item, number, eventId, timeType, *ids)) {
+            if (IsRuleHitBySettingTime(item, number, eventId, timeType, ids)) {
                 return Decide(Reason::WINDOW_REACHED, true);
             }
         }
@@ -122,15 +123,11 @@ bool AlarmRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const s
 }
 
 // With only an upper bound the range is that one id; with only a lower bound it is empty.
-std::optional<AlarmRuleEngine::IdRange> AlarmRuleEngine::GetAlarmIdList(const AlarmRule::AlarmItem& item) const
+AlarmRuleEngine::IdRange AlarmRuleEngine::GetAlarmIdList(const AlarmRule::AlarmItem& item) const
 {
     const std::int32_t last = item.GetEventIdMax();
     const std::int32_t lower = item.GetEventIdMin();
-    const std::int32_t first = lower == 0 ? last : lower;
-    if (first == 0 || first > last) {
-        return std::nullopt;
-    }
-    return IdRange{first, last};
+    return {lower == 0 ? last : lower, last};
 }
 
 bool AlarmRuleEngine::IsRuleHitBySettingTime(const AlarmItem& item, std::size_t itemNumber,
@@ -416,6 +413,18 @@ bool AlarmRuleEngine::IsFaultForPeriodWithParam(EventRows& rows, const TestList&
 }
 
 // Passes the answer on. The rule's reason is the one of the last window that was there.
+void AlarmRuleEngine::TellItemWithoutIds(std::size_t itemNumber, const IdRange& ids) const
+{
+    if (DetectionObserver* const observer = GetObserver()) {
+        DetectionObserver::AlarmWindowSeen seen{};
+        seen.item = itemNumber;
+        seen.firstId = ids.first;
+        seen.lastId = ids.last;
+        seen.reason = Reason::NO_IDS;
+        observer->OnAlarmWindow(seen);
+    }
+}
+
 bool AlarmRuleEngine::TellWindow(Window& window, Reason reason, bool isHit)
 {
     if (reason != Reason::WINDOW_ABSENT) {

@@ -48,6 +48,8 @@ private:
     struct IdRange {
         std::int32_t first;
         std::int32_t last;
+
+        bool IsEmpty() const { return first == 0 || first > last; }
     };
 
     // How one test fared in one count of a window.
@@ -76,7 +78,7 @@ private:
     // What of the rows of one id is held against the threshold.
     enum class Measure { PERIOD, DAILY_PEAK, ALL_TESTS };
 
-    std::optional<IdRange> GetAlarmIdList(const AlarmRule::AlarmItem& item) const;
+    IdRange GetAlarmIdList(const AlarmRule::AlarmItem& item) const;
     bool IsRuleHitBySettingTime(const AlarmItem& item, std::size_t itemNumber, const std::string& eventId,
         TimeSet::TimeType timeType, const IdRange& ids);
     bool IsWithParamTestChecked(const AlarmRule::AlarmItem& item, TimeSet& timeSet, Window& window);
@@ -98,6 +100,7 @@ private:
     static bool IsErrorForEventWithParam(
         const EventRows& rows, std::size_t row, std::size_t keyNumber, const MemberTest& test);
     static void CountTested(Window& window, std::size_t test, std::uint64_t tested, std::uint64_t passed);
+    void TellItemWithoutIds(std::size_t itemNumber, const IdRange& ids) const;
     bool TellWindow(Window& window, DetectionObserver::Reason reason, bool isHit);
 
     std::shared_ptr<AlarmRuleDbHelper> mEventStore;

@@ -47,14 +47,22 @@ bool CommandRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const
     const bool hasReference = commandRule->referenceDefDb != nullptr;
     if (mCommonPart == nullptr ||
         (!hasReference && !mCommonPart->IsHasThredCommonPart(commandRule->commonPartName))) {
-        return Decide(Reason::NO_COMMON_PART, false);
+        return Reject(Reason::NO_COMMON_PART, commandRule->commonPartName);
     }
     if (commandRule->analysisMethod.type != ANALYSIS_SQL) {
-        return Decide(Reason::NOT_SQL, false);
+        return Reject(Reason::NOT_SQL, commandRule->analysisMethod.type);
     }
     mDbHelper->SetObserver(GetObserver());
     const Query query = QueryOf(*commandRule, eventId);
     return hasReference ? IsFaultInReference(*commandRule, query) : IsFaultInDatabase(*commandRule, query, "");
+}
+
+bool CommandRuleEngine::Reject(Reason reason, const std::string& name)
+{
+    if (GetObserver() != nullptr) {
+        GetObserver()->OnName({reason, name});
+    }
+    return Decide(reason, false);
 }
 
 CommandRuleEngine::Query CommandRuleEngine::QueryOf(const CommandRule& rule, const std::string& eventId) const
@@ -142,10 +150,11 @@ bool CommandRuleEngine::IsFaultInReference(const CommandRule& rule, const Query&
 {
     const auto bean = mCommonPart->GetDefDbCommonPart(rule.referenceDefDb->defDBName);
     if (!bean.has_value()) {
-        return Decide(Reason::NO_SUCH_DATABASE, false);
+        return Reject(Reason::NO_SUCH_DATABASE, rule.referenceDefDb->defDBName);
     }
+    const std::vector<std::string>& paths = bean->GetCopyDbFileList();
     std::int64_t hits = 0;
-    for (const std::string& path : bean->GetCopyDbFileList()) {
+    for (const std::string& path : paths) {
         hits += IsFaultInDatabase(rule, query, path) ? 1 : 0;
     }
     std::int64_t neededHits = 1;
@@ -153,6 +162,9 @@ bool CommandRuleEngine::IsFaultInReference(const CommandRule& rule, const Query&
         // Without a number no hit is needed: then no files are enough, too.
         const std::string& number = rule.referenceDefDb->defDBNum;
         neededHits = number.empty() ? 0 : StringUtil::StringToInt32Def(number, 0, 10);
+    }
+    if (GetObserver() != nullptr) {
+        GetObserver()->OnHits({rule.referenceDefDb->defDBName, paths.size(), hits, neededHits});
     }
     return hits >= neededHits ? Decide(Reason::HITS_REACHED, true) : Decide(Reason::HITS_SHORT, false);
 }

@@ -41,6 +41,8 @@ private:
         std::shared_ptr<Param> second;
     };
 
+    // Tells the observer of a name that can't be used. Always false.
+    bool Reject(DetectionObserver::Reason reason, const std::string& name);
     Query QueryOf(const CommandRule& rule, const std::string& eventId) const;
     static void GetTimeParaList(ParamList& list, const ParamMap& params, const std::string& analysisType,
         const CommandRule::SqlItem& sqlItem);

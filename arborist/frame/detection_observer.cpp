@@ -110,6 +110,7 @@ void DetectionObserver::OnTreeStarted(const TreeStarted&) {}
 void DetectionObserver::OnEventAsked(const EventAsked&) {}
 void DetectionObserver::OnRuleAsked(const RuleAsked&) {}
 void DetectionObserver::OnFilter(const FilterSeen&) {}
+void DetectionObserver::OnName(const NameSeen&) {}
 void DetectionObserver::OnStartTime(const StartTimeSeen&) {}
 void DetectionObserver::OnAlarmTest(const AlarmTestSeen&) {}
 void DetectionObserver::OnAlarmWindow(const AlarmWindowSeen&) {}
@@ -119,6 +120,7 @@ void DetectionObserver::OnQuery(const QuerySeen&) {}
 void DetectionObserver::OnInterval(const IntervalSeen&) {}
 void DetectionObserver::OnParameter(const ParameterSeen&) {}
 void DetectionObserver::OnComparison(const ComparisonSeen&) {}
+void DetectionObserver::OnHits(const HitsSeen&) {}
 void DetectionObserver::OnCodeRun(const CodeRunSeen&) {}
 void DetectionObserver::OnRuleDecided(const RuleDecided&) {}
 void DetectionObserver::OnEventDecided(const EventDecided&) {}

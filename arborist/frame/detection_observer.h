@@ -140,6 +140,13 @@ public:
         std::string_view ruleText;
     };
 
+    /// A name that leads nowhere (NO_COMMON_PART, NO_SUCH_DATABASE) or a method that is none (NOT_SQL); a RuleDecided with
+    /// the reason follows.
+    struct NameSeen {
+        Reason reason;
+        std::string_view name;
+    };
+
     /// From what moment on a check looks at the log, and what set that moment.
     struct StartTimeSeen {
         enum class Floor { PERIOD, RESET, UPDATE, REPAIR };
@@ -168,11 +175,12 @@ public:
     };
 
     /// One time window of one item of an alarm rule, after it was counted; the StartTimeSeen before it tells its start.
+    /// Of an item whose id range is empty, which has no window (NO_IDS), `window` is empty and the ids are its bounds.
     struct AlarmWindowSeen {
         std::size_t item;
         std::int64_t firstId;
         std::int64_t lastId;
-        /// "duration", "daily_peak" or "latest".
+        /// "duration", "daily_peak", "latest" or empty.
         std::string_view window;
         std::int32_t periodDays;
         std::int64_t threshold;
@@ -253,6 +261,15 @@ public:
         std::string_view value;
     };
 
+    /// How many databases of one kind ("defDBTable") held the faults that a command rule looks for in each.
+    struct HitsSeen {
+        std::string_view name;
+        std::size_t databases;
+        std::int64_t hits;
+        /// With so many the rule fires; 0 and less ask for none.
+        std::int64_t needed;
+    };
+
     struct CodeRunSeen {
         std::string_view detectCode;
         const std::vector<std::string>& faultDescriptionIds;
@@ -314,6 +331,7 @@ public:
     virtual void OnEventAsked(const EventAsked& event);
     virtual void OnRuleAsked(const RuleAsked& rule);
     virtual void OnFilter(const FilterSeen& filter);
+    virtual void OnName(const NameSeen& name);
     virtual void OnStartTime(const StartTimeSeen& startTime);
     virtual void OnAlarmTest(const AlarmTestSeen& test);
     virtual void OnAlarmWindow(const AlarmWindowSeen& window);
@@ -323,6 +341,7 @@ public:
     virtual void OnInterval(const IntervalSeen& interval);
     virtual void OnParameter(const ParameterSeen& parameter);
     virtual void OnComparison(const ComparisonSeen& comparison);
+    virtual void OnHits(const HitsSeen& hits);
     virtual void OnCodeRun(const CodeRunSeen& run);
     virtual void OnRuleDecided(const RuleDecided& rule);
     virtual void OnEventDecided(const EventDecided& event);

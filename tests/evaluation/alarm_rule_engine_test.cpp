@@ -392,6 +392,19 @@ TEST_F(AlarmRuleEngineTest, ObserverIsToldOfEachWindow)
     EXPECT_THAT(mObserver.Lines("start"), SizeIs(2));
 }
 
+TEST_F(AlarmRuleEngineTest, ObserverIsToldOfTheBoundsOfAnItemWithoutIds)
+{
+    Log({});
+    EXPECT_FALSE(Fires(RuleOf({Ids("1", "2"), Ids("9", "5").Duration(1, 1)})));
+    EXPECT_FALSE(Fires(Ids("x", "0").Duration(1, 1)));
+    const auto windows = mObserver.Lines("window");
+    ASSERT_THAT(windows, SizeIs(5));
+    EXPECT_THAT(windows[3], testing::StartsWith("window item 1 ids 9-5  days 0"));
+    EXPECT_THAT(windows[3], testing::EndsWith("miss [no_ids]"));
+    EXPECT_THAT(windows[4], testing::StartsWith("window item 0 ids 0-0  days 0"));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), SizeIs(1)) << "the observer reads no bound again";
+}
+
 TEST_F(AlarmRuleEngineTest, ObserverIsToldOfEachTestBeforeItsWindow)
 {
     Log({{NOW, 7, "1", "{\"a\":5,\"b\":\"x\"}"}, {NOW, 7, "1", "{\"a\":9,\"b\":\"y\"}"}, {NOW, 7, "1", "{\"a\":1}"}});

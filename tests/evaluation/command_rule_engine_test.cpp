@@ -358,6 +358,33 @@ TEST_F(CommandRuleEngineTest, EveryCopyIsAskedAlsoAfterAHit)
         "query " + mDir.Path("copy1.db") + " rows 1: select n, s from t"));
 }
 
+TEST_F(CommandRuleEngineTest, ObserverHearsHowManyHitsThereAreAndMustBe)
+{
+    mEngine.SetObserver(&mObserver);
+    Refer("countDB", "2", {1, 30, 40});
+    Fires();
+    mRule->referenceDefDb->type = "singleDB";
+    mTable->SetCopyDbFileList({mDir.Path("copy0.db")});
+    Fires();
+    EXPECT_THAT(mObserver.Lines("hits"), ElementsAre("hits 2 of 3 Copies needed 2", "hits 0 of 1 Copies needed 1"));
+}
+
+TEST_F(CommandRuleEngineTest, ObserverHearsTheNameThatLeadsNowhere)
+{
+    mEngine.SetObserver(&mObserver);
+    mRule->commonPartName = "None";
+    Fires();
+    mRule->commonPartName = "Jank";
+    mRule->analysisMethod.type = "sql";
+    Fires();
+    mRule->analysisMethod.type = "SQL";
+    Refer("singleDB", "", {30});
+    mRule->referenceDefDb->defDBName = "Unknown";
+    Fires();
+    EXPECT_THAT(mObserver.Lines(), ElementsAre(
+        "name 'None' [no_common_part]", "name 'sql' [not_sql]", "name 'Unknown' [no_such_database]"));
+}
+
 TEST_F(CommandRuleEngineTest, ObserverHearsQueryValuesAndComparisons)
 {
     mEngine.SetObserver(&mObserver);

@@ -146,6 +146,11 @@ void RecordingObserver::OnFilter(const FilterSeen& filter)
                           Why(filter.reason)));
 }
 
+void RecordingObserver::OnName(const NameSeen& name)
+{
+    mLines.push_back(Line("name '", name.name, '\'', Why(name.reason)));
+}
+
 void RecordingObserver::OnStartTime(const StartTimeSeen& seen)
 {
     mLines.push_back(Line("start ", seen.start, " of period ", seen.periodStart, " reset ", seen.resetTime, " update ",
@@ -204,6 +209,11 @@ void RecordingObserver::OnComparison(const ComparisonSeen& seen)
     mLines.push_back(Line("compare ", seen.paramId, ' ', seen.key, ' ', seen.type, " '", seen.observed, "' ",
                           seen.logic, " '", seen.configured, '\'', seen.source.empty() ? "" : " from ", seen.source,
                           seen.sourceId.empty() ? "" : " ", seen.sourceId, seen.holds ? " holds" : " fails"));
+}
+
+void RecordingObserver::OnHits(const HitsSeen& hits)
+{
+    mLines.push_back(Line("hits ", hits.hits, " of ", hits.databases, ' ', hits.name, " needed ", hits.needed));
 }
 
 void RecordingObserver::OnCodeRun(const CodeRunSeen& run)

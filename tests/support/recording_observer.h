@@ -21,6 +21,7 @@ public:
     void OnEventAsked(const EventAsked& event) override;
     void OnRuleAsked(const RuleAsked& rule) override;
     void OnFilter(const FilterSeen& filter) override;
+    void OnName(const NameSeen& name) override;
     void OnStartTime(const StartTimeSeen& startTime) override;
     void OnAlarmTest(const AlarmTestSeen& test) override;
     void OnAlarmWindow(const AlarmWindowSeen& window) override;
@@ -30,6 +31,7 @@ public:
     void OnInterval(const IntervalSeen& interval) override;
     void OnParameter(const ParameterSeen& parameter) override;
     void OnComparison(const ComparisonSeen& comparison) override;
+    void OnHits(const HitsSeen& hits) override;
     void OnCodeRun(const CodeRunSeen& run) override;
     void OnRuleDecided(const RuleDecided& rule) override;
     void OnEventDecided(const EventDecided& event) override;

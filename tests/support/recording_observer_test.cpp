@@ -48,6 +48,8 @@ TEST(RecordingObserverTest, TellsWhatCheckersSaw)
     observer.OnParameter({"1", "key", "int", "7", "8"});
     observer.OnComparison({"1", "key", "int", "gt", "8", "5", "static", true});
     observer.OnComparison({"1", "key", "int", "gt", "8", "5", "dynamic", true, "limit"});
+    observer.OnName({Observer::Reason::NOT_SQL, "LUA"});
+    observer.OnHits({"panels", 3, 1, 2});
     observer.OnCodeRun({"C", faults, none, none, "info", true});
     EXPECT_THAT(observer.Lines(),
                 ElementsAre("start 100 of period 90 reset 100 update 0 repair 0 by reset days 30 flag '1' repair id ''",
@@ -59,6 +61,7 @@ TEST(RecordingObserverTest, TellsWhatCheckersSaw)
                             "interval begin=5 to end=0 days 0 unusable", "parameter 1 key int '7' -> '8'",
                             "compare 1 key int '8' gt '5' from static holds",
                             "compare 1 key int '8' gt '5' from dynamic limit holds",
+                            "name 'LUA' [not_sql]", "hits 1 of 3 panels needed 2",
                             "code C faults F1,F2 suggestions  repairs  info 'info' yes"));
 }
 

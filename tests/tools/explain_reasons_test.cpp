@@ -172,7 +172,7 @@ std::vector<ReasonCase> AlarmCases()
     return {
         {"no_items", Alarm({}), "FALSE", {"rule r (alarm): FALSE no_items"}},
         {"no_ids", Alarm({AlarmIdXml("7", "0", {TimeXml("latest", "1", "1")})}), "FALSE",
-            {"rule r (alarm): FALSE no_ids"}},
+            {"rule r (alarm): FALSE no_ids", "ids 7-0: no_ids"}},
         {"window_absent", Alarm({AlarmItem({})}), "FALSE",
             {"rule r (alarm): FALSE window_absent", "ids 7-8, duration: window_absent",
                 "ids 7-8, daily_peak: window_absent", "ids 7-8, latest: window_absent"}},
@@ -203,16 +203,16 @@ std::vector<ReasonCase> CommandCases()
     const Xml limit = SourcedTest("dynamic", Xml("commonPartParamId").Text("limit"));
     return {
         {"no_common_part", Command("select 1", {}, "", Xml("referenceCommonPart").TextChild("commonPartName", "D")),
-            "FALSE", {"rule r (command): FALSE no_common_part"}, "", WriteLog},
+            "FALSE", {"rule r (command): FALSE no_common_part", "the rule names \"D\""}, "", WriteLog},
         {"not_sql",
             [](RuleXml& rules) {
                 rules.CommonPart({CommonPartXml()}).Rule(CommandRuleXml("r")
                     .Child(Xml("referenceCommonPart").TextChild("commonPartName", "C"))
                     .Child(Xml("AnalysisMethod").Attr("type", "LUA")));
             },
-            "FALSE", {"FALSE not_sql"}, "", WriteLog},
+            "FALSE", {"FALSE not_sql", "the rule names \"LUA\""}, "", WriteLog},
         {"no_such_database", Command("select 1", {}, "defDBSql", ReferenceDb("D", "1")), "FALSE",
-            {"FALSE no_such_database"}, "", WriteLog},
+            {"FALSE no_such_database", "the rule names \"D\""}, "", WriteLog},
         {"database_unavailable", Command("select 1 as n", {StaticTest("5")}), "FALSE",
             {"FALSE database_unavailable", "derived database: database can't be opened", "select 1 as n"}, "",
             [](const TempDir& dir) {
@@ -230,7 +230,7 @@ std::vector<ReasonCase> CommandCases()
         {"no_threshold", Command("select max(N) from C", {limit}), "FALSE",
             {"FALSE no_threshold", "n = 9", "n 9 > \"\" (int, dynamic limit): fails"}, "", WriteLog},
         {"hits_short", Command("select 1", {StaticTest("5")}, "defDBSql", ReferenceDb("D", "1")), "FALSE",
-            {"FALSE hits_short"}, "",
+            {"FALSE hits_short", "hits in 0 of 0 databases (D), 1 needed, 1 missing"}, "",
             [](const TempDir& dir) {
                 auto rules = dir.Read("b/rules/FaultTreeRules.xml");
                 const auto end = rules.find("</commonPart>");
@@ -238,7 +238,7 @@ std::vector<ReasonCase> CommandCases()
                     rules.insert(end, Xml("defDBTable").Attr("name", "D").Attr("dbName", "x").ToText()));
             }},
         {"hits_reached", Command("select 1", {StaticTest("5")}, "defDBSql", ReferenceDb("D", "0")), "TRUE",
-            {"TRUE hits_reached", "Root cause E", "rule r: hits_reached, 0 of 0 databases hit"}, "",
+            {"TRUE hits_reached", "Root cause E", "rule r: hits_reached, hits in 0 of 0 databases (D), 0 needed"}, "",
             [](const TempDir& dir) {
                 auto rules = dir.Read("b/rules/FaultTreeRules.xml");
                 const auto end = rules.find("</commonPart>");

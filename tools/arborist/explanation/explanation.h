@@ -67,7 +67,7 @@ struct ExplainedWindow {
     std::size_t item = 0;
     std::int64_t firstId = 0;
     std::int64_t lastId = 0;
-    /// "duration", "daily_peak" or "latest".
+    /// "duration", "daily_peak" or "latest"; empty for an item whose id range is empty.
     std::string window;
     std::int32_t periodDays = 0;
     std::int64_t threshold = 0;
@@ -164,6 +164,19 @@ struct ExplainedFormula {
     bool operator==(const ExplainedFormula&) const = default;
 };
 
+/// How many databases of one kind hit, and how many must.
+struct ExplainedHits {
+    std::string name;
+    std::size_t databases = 0;
+    std::int64_t hits = 0;
+    std::int64_t needed = 0;
+
+    /// How many hits are missing; 0 where there are enough.
+    std::int64_t Missing() const { return hits < needed ? needed - hits : 0; }
+
+    bool operator==(const ExplainedHits&) const = default;
+};
+
 /// What the host was asked for a code rule, and its answer.
 struct ExplainedCodeRun {
     std::string detectCode;
@@ -187,10 +200,14 @@ struct ExplainedRule {
     std::size_t place = 0;
     bool inGroup = false;
     std::optional<ExplainedFilter> filter;
+    /// The name in the rule that leads nowhere, or the method that is none.
+    std::optional<std::string> badName;
     std::vector<ExplainedWindow> windows;
     /// Of a command rule; see ExplainedWindow::start for alarm rules.
     std::optional<ExplainedStart> start;
     std::vector<ExplainedQuery> queries;
+    /// Of a command rule that is put to several databases.
+    std::optional<ExplainedHits> hits;
     std::vector<ExplainedNodeFile> nodeFiles;
     std::optional<ExplainedFormula> formula;
     /// Of a node rule; those of a command rule stand with their query.

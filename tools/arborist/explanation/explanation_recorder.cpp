@@ -49,6 +49,12 @@ void ExplanationRecorder::OnFilter(const FilterSeen& filter)
     mRule.filter = ExplainedFilter{std::string(filter.deviceValue), std::string(filter.ruleText)};
 }
 
+void ExplanationRecorder::OnName(const NameSeen& name)
+{
+    DetectionRecorder::OnName(name);
+    mRule.badName = name.name;
+}
+
 void ExplanationRecorder::OnStartTime(const StartTimeSeen& seen)
 {
     DetectionRecorder::OnStartTime(seen);
@@ -135,6 +141,12 @@ void ExplanationRecorder::OnComparison(const ComparisonSeen& seen)
     comparisons.push_back({std::string(seen.paramId), std::string(seen.key), std::string(seen.type),
         std::string(seen.logic), std::string(seen.observed), std::string(seen.configured), std::string(seen.source),
         std::string(seen.sourceId), seen.holds});
+}
+
+void ExplanationRecorder::OnHits(const HitsSeen& seen)
+{
+    DetectionRecorder::OnHits(seen);
+    mRule.hits = ExplainedHits{std::string(seen.name), seen.databases, seen.hits, seen.needed};
 }
 
 void ExplanationRecorder::OnCodeRun(const CodeRunSeen& run)

@@ -145,6 +145,9 @@ void WriteRule(JsonWriter& json, const ExplainedRule& rule)
         json.Key("filter").BeginObject().Text("deviceValue", rule.filter->deviceValue);
         json.Text("ruleText", rule.filter->ruleText).EndObject();
     }
+    if (rule.badName) {
+        json.Text("badName", *rule.badName);
+    }
     if (!rule.windows.empty()) {
         json.Key("windows").BeginArray();
         for (const ExplainedWindow& window : rule.windows) {
@@ -161,6 +164,14 @@ void WriteRule(JsonWriter& json, const ExplainedRule& rule)
             WriteQuery(json, query);
         }
         json.EndArray();
+    }
+    if (rule.hits) {
+        json.Key("hits").BeginObject().Text("name", rule.hits->name);
+        WriteCount(json, "databases", rule.hits->databases);
+        WriteNumber(json, "hits", rule.hits->hits);
+        WriteNumber(json, "needed", rule.hits->needed);
+        WriteNumber(json, "missing", rule.hits->Missing());
+        json.EndObject();
     }
     if (!rule.nodeFiles.empty() || !rule.comparisons.empty()) {
         WriteNode(json, rule);

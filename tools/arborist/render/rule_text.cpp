@@ -124,7 +124,7 @@ std::string CountText(const ExplainedWindow& window)
 
 std::string WindowText(const ExplainedWindow& window)
 {
-    const std::string head = IdsText(window) + ", " + window.window;
+    const std::string head = IdsText(window) + (window.window.empty() ? "" : ", " + window.window);
     if (!window.start) {
         return head + ": " + DetectionObserver::ReasonText(window.reason);
     }
@@ -287,13 +287,16 @@ std::string Deciding(const std::vector<ExplainedComparison>& comparisons)
     return text + (first->holds ? ": holds" : ": fails");
 }
 
-// Of a rule that is put to several databases.
-std::string HitsText(const ExplainedRule& rule)
+std::string BadNameText(const ExplainedRule& rule)
 {
-    const auto hits = std::count_if(rule.queries.begin(), rule.queries.end(), [](const ExplainedQuery& query) {
-        return !query.comparisons.empty() && query.comparisons.back().holds;
-    });
-    return std::to_string(hits) + " of " + Number(rule.queries.size(), "database hits", "databases hit");
+    return "the rule names " + Quoted(*rule.badName);
+}
+
+std::string HitsText(const ExplainedHits& hits)
+{
+    return "hits in " + std::to_string(hits.hits) + " of " + Number(hits.databases, "database", "databases")
+        + InParentheses(Cut(hits.name, LONGEST_VALUE)) + ", " + std::to_string(hits.needed) + " needed"
+        + (hits.Missing() == 0 ? "" : ", " + std::to_string(hits.Missing()) + " missing");
 }
 
 } // namespace
@@ -303,6 +306,9 @@ std::vector<std::string> RuleLines(const ExplainedRule& rule)
     std::vector<std::string> lines;
     if (rule.filter) {
         lines.push_back(FilterText(rule));
+    }
+    if (rule.badName) {
+        lines.push_back(BadNameText(rule));
     }
     const bool hasWindow = ClosestWindow(rule) != nullptr;
     for (const ExplainedWindow& window : rule.windows) {
@@ -319,6 +325,9 @@ std::vector<std::string> RuleLines(const ExplainedRule& rule)
     }
     for (const ExplainedQuery& query : rule.queries) {
         AppendQuery(query, lines);
+    }
+    if (rule.hits) {
+        lines.push_back(HitsText(*rule.hits));
     }
     for (const ExplainedNodeFile& node : rule.nodeFiles) {
         lines.push_back(NodeText(node));
@@ -340,14 +349,17 @@ std::string RuleSummary(const ExplainedRule& rule)
     if (rule.filter) {
         return FilterText(rule);
     }
+    if (rule.badName) {
+        return BadNameText(rule);
+    }
     if (const ExplainedWindow* window = ClosestWindow(rule)) {
         return WindowText(*window);
     }
     if (rule.codeRun) {
         return "the host answers " + std::string(rule.codeRun->answer ? "present" : "not present");
     }
-    if (rule.reason == Reason::HITS_SHORT || rule.reason == Reason::HITS_REACHED) {
-        return HitsText(rule);
+    if (rule.hits) {
+        return HitsText(*rule.hits);
     }
     for (const ExplainedQuery& query : rule.queries) {
         if (!query.comparisons.empty()) {
