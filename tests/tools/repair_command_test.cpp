@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/temp_dir.h"
+#include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
 
 namespace {
@@ -32,6 +33,27 @@ TEST_F(RepairCommandTest, ARecordIsMadeReplacedAndListed)
     EXPECT_THAT(RunArborist({"repair", "list", "--json", "b"}).out,
         HasSubstr("{\"id\": \"R1\", \"date\": \"2024-06-01 10:00:00\"}\n{\"id\": \"R2\""));
     EXPECT_TRUE(mDir.Has(std::string("b/") + RECORDS));
+}
+
+TEST_F(RepairCommandTest, AnIdThatNoEventNamesIsAWarningWithTheNearest)
+{
+    mDir.Write("rules/FaultTrees.xml",
+        TreeXml("Tag").Tree("T", Or({Basic("E", {"", "", R"({"Repairid": "CLEAN"})", ""}), Basic("F")})).Text());
+    mDir.Write("rules/FaultTreeRules.xml", RuleXml("Tag").FaultDescription("E", {"REPAIR_A"})
+        .Repair("E", {{"REPAIR_FAN", ""}, {"REPAIR_B", R"({"REPAIR_B": "{\"operat\\u0069on\": \"replace\"}"})"}}).Text());
+    const auto warning = [](const std::string& id) {
+        const auto result = RunArborist({"repair", "record", "b", id, "--rules", "rules", "--now", "5"});
+        EXPECT_EQ(result.status, 0);
+        EXPECT_THAT(result.out, testing::EndsWith("  " + id + "\n"));
+        return result.err;
+    };
+    for (const char* known : {"REPAIR_FAN", "REPAIR_B_replace", "CLEAN"}) {
+        EXPECT_THAT(warning(known), IsEmpty()) << known;
+    }
+    const std::string start = "arborist: b: warning: no event of the rule set names the repair ";
+    EXPECT_EQ(warning("REPAIR_FAM"), start + "\"REPAIR_FAM\"; did you mean \"REPAIR_FAN\"?\n");
+    EXPECT_EQ(warning("REPAIR_B"), start + "\"REPAIR_B\"; did you mean \"REPAIR_B_replace\"?\n");
+    EXPECT_EQ(warning("LUBRICATE"), start + "\"LUBRICATE\"\n");
 }
 
 TEST_F(RepairCommandTest, ARecordOfTheRealTimeIsTaken)

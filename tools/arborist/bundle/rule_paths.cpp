@@ -7,6 +7,9 @@
 
 #include <tinyxml2.h>
 
+#include "arborist/frame/fault_tree_result.h"
+#include "tools/arborist/text/json_text.h"
+
 namespace command {
 
 namespace {
@@ -24,20 +27,71 @@ std::string InRuleSet(const Bundle& bundle, const char* name)
     return bundle.ruleFileDir + "/" + prefix + name;
 }
 
+// Shows `look` all elements from `top` down, without recursion.
+template <typename Look>
+void Visit(const XMLElement& top, Look look)
+{
+    for (const XMLElement* element = &top; element != nullptr;) {
+        look(*element);
+        const XMLElement* next = element->FirstChildElement();
+        while (next == nullptr && element != &top) {
+            next = element->NextSiblingElement();
+            element = element->Parent()->ToElement();
+        }
+        element = next;
+    }
+}
+
+/// One of the two files of a rule set, as the library reads it.
+class RuleSetFile {
+public:
+    explicit RuleSetFile(const std::string& path)
+    {
+        std::error_code error;
+        mIsRead = std::filesystem::is_regular_file(path, error) && mDocument.LoadFile(path.c_str()) == tinyxml2::XML_SUCCESS
+            && mDocument.RootElement() != nullptr;
+    }
+
+    /// Null when the file can't be read.
+    const XMLElement* Root() const { return mIsRead ? mDocument.RootElement() : nullptr; }
+
+private:
+    tinyxml2::XMLDocument mDocument{true, tinyxml2::PRESERVE_WHITESPACE};
+    bool mIsRead = false;
+};
+
+// The ids under which repairs of a rule file's section count, with the operation word behind them.
+void AddRepairs(const XMLElement& section, std::set<std::string>& repairs)
+{
+    Visit(section, [&repairs](const XMLElement& element) {
+        const char* const id = element.Attribute("id");
+        if (id == nullptr || std::strcmp(element.Name(), "description") != 0) {
+            return;
+        }
+        const char* const extra = element.Attribute("extra");
+        const std::string operation = FaultTreeResult::RepairInfo{id, extra == nullptr ? "" : extra}.GetOperation();
+        repairs.insert(operation.empty() ? id : id + ("_" + operation));
+    });
+}
+
+// Those that events of a tree file name in their user-defined texts.
+void AddRepairsOfEvents(const XMLElement& trees, std::set<std::string>& repairs)
+{
+    Visit(trees, [&repairs](const XMLElement& element) {
+        const char* const text = std::strcmp(element.Name(), "UserDefined") == 0 ? element.GetText() : nullptr;
+        std::string problem;
+        const auto value = text == nullptr ? std::nullopt : ParseJson(text, problem);
+        if (value && value->isObject() && (*value)["Repairid"].isString()) {
+            repairs.insert((*value)["Repairid"].asString());
+        }
+    });
+}
+
 class Reading {
 public:
-    // Visits all below `top` without recursion.
     void Read(const XMLElement& top)
     {
-        for (const XMLElement* element = &top; element != nullptr;) {
-            Look(*element);
-            const XMLElement* next = element->FirstChildElement();
-            while (next == nullptr && element != &top) {
-                next = element->NextSiblingElement();
-                element = element->Parent()->ToElement();
-            }
-            element = next;
-        }
+        Visit(top, [this](const XMLElement& element) { Look(element); });
     }
 
     RulePaths Result() { return std::move(mPaths); }
@@ -95,21 +149,38 @@ std::string TreeFilePath(const Bundle& bundle)
 
 RulePaths ReadRulePaths(const Bundle& bundle)
 {
-    tinyxml2::XMLDocument document(true, tinyxml2::PRESERVE_WHITESPACE);
-    const std::string path = RuleFilePath(bundle);
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error) || document.LoadFile(path.c_str()) != tinyxml2::XML_SUCCESS
-        || document.RootElement() == nullptr) {
+    const RuleSetFile file(RuleFilePath(bundle));
+    if (file.Root() == nullptr) {
         return {};
     }
     Reading reading;
-    const XMLElement* section = document.RootElement()->FirstChildElement();
+    const XMLElement* section = file.Root()->FirstChildElement();
     for (; section != nullptr; section = section->NextSiblingElement()) {
         if (const XMLElement* tag = section->FirstChildElement(bundle.treeTag.c_str())) {
             reading.Read(*tag);
         }
     }
     return reading.Result();
+}
+
+std::optional<std::vector<std::string>> ReadRepairIds(const Bundle& bundle)
+{
+    const RuleSetFile rules(RuleFilePath(bundle));
+    const RuleSetFile trees(TreeFilePath(bundle));
+    if (rules.Root() == nullptr || trees.Root() == nullptr) {
+        return std::nullopt;
+    }
+    std::set<std::string> repairs;
+    const char* const tag = bundle.treeTag.c_str();
+    if (const XMLElement* section = rules.Root()->FirstChildElement("RepairDescriptions")) {
+        if (const XMLElement* content = section->FirstChildElement(tag)) {
+            AddRepairs(*content, repairs);
+        }
+    }
+    if (const XMLElement* content = trees.Root()->FirstChildElement(tag)) {
+        AddRepairsOfEvents(*content, repairs);
+    }
+    return std::vector<std::string>(repairs.begin(), repairs.end());
 }
 
 std::string OnDevice(const std::string& root, const std::string& path)

@@ -29,6 +29,10 @@ std::string TreeFilePath(const Bundle& bundle);
 /// A file that can't be read names nothing.
 RulePaths ReadRulePaths(const Bundle& bundle);
 
+/// The ids under which recorded repairs count for events of the bundle's tag. Nothing when a file of the rule set can't
+/// be read.
+std::optional<std::vector<std::string>> ReadRepairIds(const Bundle& bundle);
+
 /// Where the library looks for a path of a rule on a device whose root is at `root`.
 std::string OnDevice(const std::string& root, const std::string& path);
 

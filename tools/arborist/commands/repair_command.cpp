@@ -5,11 +5,13 @@
 #include "arborist/frame/repair.h"
 #include "tools/arborist/bundle/bundle_session.h"
 #include "tools/arborist/bundle/moment.h"
+#include "tools/arborist/bundle/rule_paths.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/output.h"
 #include "tools/arborist/commands/shared_options.h"
 #include "tools/arborist/render/json_writer.h"
 #include "tools/arborist/repair_db/repair_records.h"
+#include "tools/arborist/text/near_match.h"
 #include "tools/arborist/text/printable.h"
 
 namespace command {
@@ -39,6 +41,20 @@ std::string RecordText(const RepairRecord& record, bool asJson)
     return json.BeginObject().Text("id", record.id).Text("date", record.date).EndObject().Line() + "\n";
 }
 
+// A slip of the pen looks like a repair that made no difference.
+void WarnOfUnknownRepair(const BundleSession& session, const RepairOptions& options)
+{
+    const auto known = ReadRepairIds(session.GetBundle());
+    if (!known || std::find(known->begin(), known->end(), options.id) != known->end()) {
+        return;
+    }
+    // The operation word behind an id is easily forgotten.
+    const auto longer = std::find_if(known->begin(), known->end(),
+        [&](const std::string& id) { return id.rfind(options.id + "_", 0) == 0; });
+    PrintProblems(options.bundle, {{"unknown_repair", "no event of the rule set names the repair \"" + options.id + "\""
+        + (longer == known->end() ? DidYouMean(options.id, *known) : "; did you mean \"" + *longer + "\"?")}}, nullptr);
+}
+
 // The library answers nothing when it records, so the record is read back: an old one may have stayed.
 std::optional<Failure> Record(const BundleSession& session, const RepairOptions& options)
 {
@@ -55,6 +71,7 @@ std::optional<Failure> Record(const BundleSession& session, const RepairOptions&
         return Failure{"repair_not_recorded", path + ": the repair was not recorded; the library's log tells why"};
     }
     PrintResult(RecordText(*record, options.asJson));
+    WarnOfUnknownRepair(session, options);
     return std::nullopt;
 }
 
@@ -114,6 +131,7 @@ void AddRepairCommand(CLI::App& app, ExitStatus& status)
         return std::string(id.empty() ? "must not be empty" : "");
     });
     AddOverrides(*record, recordOptions->overrides);
+    AddRules(*record, recordOptions->overrides);
     record->footer("Example:\n  arborist repair record examples/laptop REPAIR_BATTERY --now \"2024-05-01 10:00:00\"");
     record->callback([recordOptions, &status] { status = WithRecords(*recordOptions, BundleUse::RECORD, Record); });
 
