@@ -80,6 +80,16 @@ protected:
 
     bool Ask() { return mEngine.IsFaultHappened(mRule, "A"); }
 
+    void ExpectThatAIsZeroInAFormula()
+    {
+        AddParam("1", "a", "");
+        AddParam("2", "r", "double");
+        Express("a + 2", "r");
+        Conditions({SingleTest("eq", "2")});
+        EXPECT_TRUE(Ask());
+        EXPECT_THAT(mLog.Lines(), ElementsAre("FUNc:StringUtil::StringToDoubleDef: stod error"));
+    }
+
     TempDir mDir;
     SettingsGuard mSettings;
     LogCapture mLog;
@@ -195,12 +205,7 @@ TEST_F(NodeRuleEngineTest, MissingFileGivesTheEmptyValue)
 TEST_F(NodeRuleEngineTest, MissingFileCountsAsZeroInTheFormula)
 {
     Node("a", "none");
-    AddParam("1", "a", "");
-    AddParam("2", "r", "double");
-    Express("a + 2", "r");
-    Conditions({SingleTest("eq", "2")});
-    EXPECT_TRUE(Ask());
-    EXPECT_THAT(mLog.Lines(), ElementsAre("FUNc:StringUtil::StringToDoubleDef: stod error"));
+    ExpectThatAIsZeroInAFormula();
 }
 
 TEST_F(NodeRuleEngineTest, TextThatIsNoNumberComparesAsZero)
@@ -215,12 +220,7 @@ TEST_F(NodeRuleEngineTest, TextThatIsNoNumberComparesAsZero)
 TEST_F(NodeRuleEngineTest, TextThatIsNoNumberCountsAsZeroInTheFormula)
 {
     NodeFile("a", "many");
-    AddParam("1", "a", "");
-    AddParam("2", "r", "double");
-    Express("a + 2", "r");
-    Conditions({SingleTest("eq", "2")});
-    EXPECT_TRUE(Ask());
-    EXPECT_THAT(mLog.Lines(), ElementsAre("FUNc:StringUtil::StringToDoubleDef: stod error"));
+    ExpectThatAIsZeroInAFormula();
 }
 
 TEST_F(NodeRuleEngineTest, NodePathsLieBelowTheDeviceRoot)
