@@ -186,6 +186,16 @@ TEST_F(AlarmRuleEngineTest, DailyPeakIsTheDayOfTheMonth)
     EXPECT_TRUE(Fires(Ids("8", "8").Duration(60, 3)));
 }
 
+TEST_F(AlarmRuleEngineTest, RowsWithoutADayCountInNoPeak)
+{
+    Log({{NOW, 7, "1", ""}, {INT64_MAX, 7, "1", ""}, {INT64_MAX, 7, "1", ""}});
+    EXPECT_TRUE(Fires(Ids("7", "7").Duration(1, 3)));
+    EXPECT_TRUE(Fires(Ids("7", "7").DailyPeak(1, 1)));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), testing::AllOf(testing::SizeIs(2),
+        Each("FUNc:StringUtil::StollS: stoll exception: invalid stoll argument")));
+    EXPECT_FALSE(Fires(Ids("7", "7").DailyPeak(1, 2)));
+}
+
 TEST_F(AlarmRuleEngineTest, OrdinaryRowsCountOneWhateverTheyCarry)
 {
     Log(Days(4, 7, "{\"COUNT\":9} no json"));

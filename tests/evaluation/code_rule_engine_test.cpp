@@ -181,6 +181,21 @@ TEST_F(CodeRuleEngineTest, FirstEventOfTheListThatNamesTheRuleGivesTheIds)
     EXPECT_THAT(FaultIds("C"), ElementsAre("FB"));
 }
 
+TEST_F(CodeRuleEngineTest, OfTwoRulesWithOneCodeBothTakeTheIdsOfTheFirst)
+{
+    LoadSet(TreeXml(TAG).Tree("T", Or({Basic("A"), Basic("B")})),
+            RuleXml(TAG)
+                .Rule(CodeRuleXml("z", "C"))
+                .Rule(CodeRuleXml("r", "C"))
+                .EventRule("A", {Single("r")})
+                .EventRule("B", {Single("z")})
+                .FaultDescription("A", {"FA"})
+                .FaultDescription("B", {"FB"}));
+    Ask(mParser->GetRuleByRuleName("z"));
+    Ask(mParser->GetRuleByRuleName("r"));
+    EXPECT_THAT(mRunner->calls, ElementsAre("FB|||", "FB|||"));
+}
+
 TEST_F(CodeRuleEngineTest, RuleThatNoEventUsesHasNone)
 {
     LoadSet(TreeXml(TAG).Tree("T", Or({Basic("A")})),
