@@ -320,6 +320,14 @@ TEST_F(AlarmRuleEngineTest, UnderDurationOneRowPassesAllTests)
     EXPECT_FALSE(Fires(item().Latest(1, 3)));
 }
 
+TEST_F(AlarmRuleEngineTest, UnderDailyPeakSeparateTestsCountOverTheWholePeriod)
+{
+    Log(Days(3, 7, "{\"a\":1}"));
+    const auto item = [] { return Ids("7", "7").WithParam("p", "a", "int"); };
+    EXPECT_TRUE(Fires(item().Multiple({{"p", "eq", "1"}}).DailyPeak(30, 3)));
+    EXPECT_FALSE(Fires(item().Single("p", "eq", "1").DailyPeak(30, 2))) << "a single test counts day by day";
+}
+
 TEST_F(AlarmRuleEngineTest, OfSeparateTestsTheLastIdDecides)
 {
     Log({{NOW, 7, "1", "{\"a\":1}"}, {NOW, 8, "1", "{\"a\":2}"}});
