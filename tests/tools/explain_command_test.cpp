@@ -186,6 +186,28 @@ TEST_F(ExplainCommandTest, ANarrowViewHasTheNearMissesOfItsEvent)
     EXPECT_THAT(Explained({"--rule", "no", "--near-misses", "1", "--limit", "1"}), EndsWith("  1 more left out\n"));
 }
 
+TEST_F(ExplainCommandTest, AnEventThatIsNoRootCauseIsAskedForWithItsNearMisses)
+{
+    WriteTree(Or({Basic("A"), Basic("C")}));
+    EXPECT_EQ(Explained({"--cause", "C"}), "b\n  nothing in any tree fits --cause C\n");
+    EXPECT_THAT(Explained({"--cause", "C", "--near-misses", "1"}), AllOf(StartsWith("b\n  T (version 3): FAULT"),
+        HasSubstr("\n  Near miss, 1 event short: C\n"), Not(HasSubstr("Root cause"))));
+}
+
+TEST_F(ExplainCommandTest, AViewThatNothingFitsSaysSo)
+{
+    WriteTree(Or({Basic("A"), Basic("C")}));
+    EXPECT_EQ(Explained({"--event", "A", "--rule", "no"}), "b\n  nothing in any tree fits --event A and --rule no\n");
+}
+
+TEST_F(ExplainCommandTest, BriefTellsWhatElseWasAskedFor)
+{
+    WriteTree(Or({Basic("A"), Basic("C")}));
+    const auto text = Explained({"--brief", "--near-misses", "1", "--minimal"});
+    EXPECT_THAT(text, StartsWith("b\n  T: A\n  Near miss, 1 event short: C\n"));
+    EXPECT_THAT(text, EndsWith("  Repair A: no root cause would remain\n"));
+}
+
 TEST_F(ExplainCommandTest, ANarrowViewLeavesTreesOutThatHaveNothingOfIt)
 {
     WriteTree(Or({Basic("A")}));

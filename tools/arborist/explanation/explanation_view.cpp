@@ -81,7 +81,6 @@ std::optional<Failure> UnknownWord(const Explanation& explanation, const Explana
 {
     std::set<std::string> events;
     std::set<std::string> rules;
-    std::set<std::string> causes;
     for (const ExplainedTree& tree : explanation.trees) {
         for (const ExplainedEvent& event : tree.events) {
             events.insert(event.id);
@@ -91,11 +90,6 @@ std::optional<Failure> UnknownWord(const Explanation& explanation, const Explana
                 rules.insert(rule.name);
             }
         }
-        for (const ExplainedCause& cause : tree.causes) {
-            for (const std::size_t member : cause.members) {
-                causes.insert(member == ExplainedEvent::NONE ? cause.id : tree.events[member].id);
-            }
-        }
     }
     if (auto failure = Unless(events, "event", "unknown_event", view.event)) {
         return failure;
@@ -103,7 +97,13 @@ std::optional<Failure> UnknownWord(const Explanation& explanation, const Explana
     if (auto failure = Unless(rules, "rule", "unknown_rule", view.rule)) {
         return failure;
     }
-    return Unless(causes, "root cause", "unknown_cause", view.cause);
+    // Any event may be asked for as a root cause: how far it is from being one is worth knowing, too.
+    for (const ExplainedTree& tree : explanation.trees) {
+        for (const ExplainedCause& cause : tree.causes) {
+            events.insert(cause.id);
+        }
+    }
+    return Unless(events, "root cause", "unknown_cause", view.cause);
 }
 
 std::vector<std::size_t> ShownEvents(const ExplainedTree& tree, const ExplanationView& view)
@@ -132,7 +132,8 @@ std::vector<std::size_t> ShownEvents(const ExplainedTree& tree, const Explanatio
 
 bool HasShown(const ExplainedTree& tree, const ExplanationView& view)
 {
-    return !view.IsNarrow() || !ShownEvents(tree, view).empty();
+    return !view.IsNarrow() || !ShownEvents(tree, view).empty()
+        || (view.nearMisses > 0 && !ShownNearMisses(tree, view).sets.empty());
 }
 
 bool IsShown(const ExplainedRule& rule, const ExplanationView& view)

@@ -24,7 +24,7 @@ struct ExplanationView {
     /// How many near misses of a tree are shown.
     std::size_t limit = 20;
     bool minimal = false;
-    /// One line a distinct root cause, and nothing else.
+    /// One line a distinct root cause, and beside that only what `nearMisses` and `minimal` ask for.
     bool brief = false;
 
     bool IsNarrow() const { return !event.empty() || !rule.empty() || !cause.empty(); }
@@ -36,7 +36,7 @@ std::optional<Failure> UnknownWord(const Explanation& explanation, const Explana
 /// Places of the events that a narrow view shows: one for each id and evidence, the first one.
 std::vector<std::size_t> ShownEvents(const ExplainedTree& tree, const ExplanationView& view);
 
-/// Whether the view is one of the whole tree, or has an event of it to show.
+/// Whether the view is one of the whole tree, or has an event or a near miss of it to show.
 bool HasShown(const ExplainedTree& tree, const ExplanationView& view);
 
 /// Whether a rule of a shown event is shown.

@@ -56,12 +56,7 @@ public:
         }
         WriteCauses();
         WriteCutOffs();
-        if (mView.nearMisses > 0) {
-            WriteNearMisses();
-        }
-        if (mView.minimal) {
-            WriteMinimalSets();
-        }
+        WriteAnalyses();
         return mText;
     }
 
@@ -77,6 +72,7 @@ public:
         if (!mTree.isFault) {
             mText += "  " + mColour.Bold(Shown(mTree.id)) + ": " + mColour.Green("no fault") + "\n";
         }
+        WriteAnalyses();
         return mText;
     }
 
@@ -309,6 +305,17 @@ private:
         }
     }
 
+    // What was asked for by its own option.
+    void WriteAnalyses()
+    {
+        if (mView.nearMisses > 0) {
+            WriteNearMisses();
+        }
+        if (mView.minimal) {
+            WriteMinimalSets();
+        }
+    }
+
     void WriteNearMisses()
     {
         const NearMisses nearMisses = ShownNearMisses(mTree, mView);
@@ -385,6 +392,21 @@ private:
 
 } // namespace
 
+namespace {
+
+// "--event A and --rule r" of those that were given.
+std::string NarrowingOptions(const ExplanationView& view)
+{
+    std::string options;
+    for (const auto& [option, word] : {std::pair("--event ", view.event), std::pair("--rule ", view.rule),
+             std::pair("--cause ", view.cause)}) {
+        options += word.empty() ? "" : (options.empty() ? "" : " and ") + (option + Shown(word));
+    }
+    return options;
+}
+
+} // namespace
+
 std::string ExplanationText(const DetectionReport& report, const ExplanationView& view, bool isColoured)
 {
     const Colour colour(isColoured);
@@ -402,7 +424,7 @@ std::string ExplanationText(const DetectionReport& report, const ExplanationView
         const bool isFirst = !std::exchange(hasTree, true);
         text += view.brief ? tree.BriefText() : (isFirst ? "" : "\n") + tree.Text();
     }
-    return text;
+    return hasTree ? text : text + "  nothing in any tree fits " + NarrowingOptions(view) + "\n";
 }
 
 } // namespace command
