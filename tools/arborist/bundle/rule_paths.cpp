@@ -183,6 +183,17 @@ std::optional<std::vector<std::string>> ReadRepairIds(const Bundle& bundle)
     return std::vector<std::string>(repairs.begin(), repairs.end());
 }
 
+std::vector<std::string> ReadTags(const std::string& treeFile)
+{
+    const RuleSetFile trees(treeFile);
+    std::set<std::string> tags;
+    const XMLElement* tag = trees.Root() == nullptr ? nullptr : trees.Root()->FirstChildElement();
+    for (; tag != nullptr; tag = tag->NextSiblingElement()) {
+        tags.insert(tag->Name());
+    }
+    return {tags.begin(), tags.end()};
+}
+
 std::string OnDevice(const std::string& root, const std::string& path)
 {
     if (root.empty() || path.empty() || path.front() != '/') {

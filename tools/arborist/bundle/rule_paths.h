@@ -33,6 +33,9 @@ RulePaths ReadRulePaths(const Bundle& bundle);
 /// be read.
 std::optional<std::vector<std::string>> ReadRepairIds(const Bundle& bundle);
 
+/// The tags of a tree file, each once; none when it can't be read.
+std::vector<std::string> ReadTags(const std::string& treeFile);
+
 /// Where the library looks for a path of a rule on a device whose root is at `root`.
 std::string OnDevice(const std::string& root, const std::string& path);
 

@@ -16,7 +16,11 @@ namespace command {
 namespace {
 
 constexpr char DESCRIPTION[] = "Diagnoses a device with fault trees.";
-constexpr char EXIT_STATUSES[] =
+constexpr char FOOTER[] =
+    "Examples:\n"
+    "  arborist detect examples/laptop\n"
+    "  arborist explain examples/laptop\n"
+    "  arborist help bundle pack\n\n"
     "Exit status: 0 everything was done, fault or not; 1 a fault was found and --fail-on-fault was given; 2 wrong use;\n"
     "3 a rule set could not be used; 4 other input could not be used; 5 an internal error or a limit.";
 
@@ -122,7 +126,7 @@ ExitStatus RunCommandLine(int argc, const char* const* argv)
         CLI::App app(DESCRIPTION, "arborist");
         app.set_version_flag("--version", "arborist " ARBORIST_VERSION,
             "Show the version; with --json behind it, those of the libraries, too");
-        app.footer(EXIT_STATUSES);
+        app.footer(FOOTER);
         app.require_subcommand(1);
         ExitStatus status = ExitStatus::SUCCESS;
         AddDetectCommand(app, status);

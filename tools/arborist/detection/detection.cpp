@@ -6,8 +6,10 @@
 #include <regex>
 
 #include "arborist/frame/arborist.h"
+#include "tools/arborist/bundle/rule_paths.h"
 #include "tools/arborist/detection/bad_pattern.h"
 #include "tools/arborist/explanation/explanation_recorder.h"
+#include "tools/arborist/text/near_match.h"
 
 namespace command {
 
@@ -22,6 +24,14 @@ std::string FileTrouble(const RecordedFile& file)
     }
     const std::string place = file.line > 0 ? ":" + std::to_string(file.line) : "";
     return file.path + place + ": " + (file.message.empty() ? "is no XML that can be read" : file.message);
+}
+
+// With the tag that was most likely meant; one that is there without a tree is not meant.
+std::string NoTree(const std::string& treeFile, const std::string& treeTag)
+{
+    std::vector<std::string> tags = ReadTags(treeFile);
+    std::erase(tags, treeTag);
+    return treeFile + ": no tree under the tag \"" + treeTag + "\"" + DidYouMean(treeTag, tags);
 }
 
 // Explanations name files as the bundle does, not where the run kept them.
@@ -137,7 +147,7 @@ std::optional<Failure> RuleSetFailure(const std::vector<RecordedFile>& files, co
         }
     }
     if (!failure && !hasTrees) {
-        failure = Failure{"no_tree", treeFile + ": no tree under the tag \"" + treeTag + "\"", ExitStatus::RULE_SET};
+        failure = Failure{"no_tree", NoTree(treeFile, treeTag), ExitStatus::RULE_SET};
     }
     return failure;
 }
