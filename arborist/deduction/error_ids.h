@@ -2,7 +2,6 @@
 #define ARBORIST_DEDUCTION_ERROR_IDS_H
 
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -25,10 +24,10 @@ public:
 
 private:
     bool AreUnambiguousAmongMany(const Events& events, const Indexes& inError);
-    bool Add(const std::string& id);
-    bool IsMarked(const std::string& id, std::uint64_t tail) const;
+    bool Add(const Event& event);
+    bool IsMarked(const Event& event) const;
 
-    /// Marks the quick hash of every id in mIds, so that most others are told apart without looking further.
+    /// Marks the sketch of every id in mIds, so that most others are told apart without looking at their ids.
     std::vector<unsigned char> mMarks;
     std::unordered_set<std::string_view, TextHash> mIds;
 };

@@ -6,6 +6,13 @@
 #include "arborist/model/gate.h"
 #include "arborist/utilities/string_util.h"
 
+namespace {
+
+// A prime that spreads each letter over the number.
+constexpr std::uint32_t SKETCH_FACTOR = 16777619;
+
+} // namespace
+
 void Event::Check() {}
 
 void Event::Reset() {}
@@ -13,6 +20,12 @@ void Event::Reset() {}
 void Event::SetId(const std::string& id)
 {
     mId = StringUtil::TrimSP(id);
+    mIdSketch = 0;
+    mHasSeparatorInId = false;
+    for (const char letter : mId) {
+        mIdSketch = (mIdSketch ^ static_cast<unsigned char>(letter)) * SKETCH_FACTOR;
+        mHasSeparatorInId = mHasSeparatorInId || letter == '/' || letter == '&';
+    }
 }
 
 void Event::SetValue(std::string value)

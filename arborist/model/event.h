@@ -1,6 +1,7 @@
 #ifndef ARBORIST_MODEL_EVENT_H
 #define ARBORIST_MODEL_EVENT_H
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -40,6 +41,11 @@ public:
     const IntermediateEvent* AsIntermediate() const;
 
     const std::string& GetId() const { return mId; }
+    /// A number made of the id's letters. Ids are different where it differs, and rarely where it doesn't.
+    std::uint32_t GetIdSketch() const { return mIdSketch; }
+    bool HasSameIdAs(const Event& other) const { return mIdSketch == other.mIdSketch && mId == other.mId; }
+    /// Whether the id holds a "/" or "&", which join ids to paths and paths to cut sets.
+    bool HasSeparatorInId() const { return mHasSeparatorInId; }
     const std::string& GetValue() const { return mValue; }
     const std::string& GetName() const { return mName; }
     const std::string& GetUserDefined() const { return mUserDefined; }
@@ -69,9 +75,12 @@ protected:
     Event(EventKind kind, EventStatus result) : mKind(kind), mResult(result) {}
 
 private:
+    // What a walk asks of each event stands side by side, so that it need not go as far as the texts.
     EventKind mKind = EventKind::PLAIN;
     bool mObservable = true;
     EventStatus mResult = EventStatus::UNKNOWN;
+    bool mHasSeparatorInId = false;
+    std::uint32_t mIdSketch = 0;
     std::string mId;
     std::string mValue;
     std::string mName;

@@ -2,7 +2,7 @@
 #define ARBORIST_MODEL_EVENT_STATUS_H
 
 /// What is known of an event. TRUE means that the fault is present; its value 0 is what rule code stores.
-enum class EventStatus {
+enum class EventStatus : unsigned char {
     TRUE = 0,
     FALSE = 1,
     /// Counts as true wherever a status is tested; nothing sets it today.

@@ -79,6 +79,15 @@ TEST(ErrorIdsTest, ACrowdIsToldApartAsAFewAre)
     EXPECT_FALSE(AreUnambiguous(events));
 }
 
+TEST(ErrorIdsTest, IdsWithOneSketchAreToldApart)
+{
+    const EventList few{Leaf(IDS_WITH_ONE_SKETCH[0], TRUE), Leaf(IDS_WITH_ONE_SKETCH[1])};
+    EXPECT_TRUE(AreUnambiguous(few));
+    EventList many = Crowd();
+    many.insert(many.end(), few.begin(), few.end());
+    EXPECT_TRUE(AreUnambiguous(many));
+}
+
 TEST(ErrorIdsTest, OneGateLeavesNothingForTheNext)
 {
     ErrorIds ids;

@@ -98,6 +98,34 @@ TEST(EventTest, SetIdStripsSpacesAtItsEndsAndNoOtherBlanks)
     EXPECT_EQ(event.GetId(), "");
 }
 
+TEST(EventTest, EventsHaveTheSameIdWhereItsLettersAreTheSame)
+{
+    EXPECT_TRUE(Leaf("a b")->HasSameIdAs(*Leaf(" a b")));
+    EXPECT_FALSE(Leaf("ab")->HasSameIdAs(*Leaf("ba")));
+    EXPECT_TRUE(Event().HasSameIdAs(*Leaf(" "))); // an id that was never set is the empty one
+    const BasicEvent copy = *Leaf("ab");
+    EXPECT_TRUE(copy.HasSameIdAs(*Leaf("ab")));
+}
+
+TEST(EventTest, IdsWithOneSketchStayDifferentIds)
+{
+    ASSERT_EQ(Leaf(IDS_WITH_ONE_SKETCH[0])->GetIdSketch(), Leaf(IDS_WITH_ONE_SKETCH[1])->GetIdSketch());
+    EXPECT_FALSE(Leaf(IDS_WITH_ONE_SKETCH[0])->HasSameIdAs(*Leaf(IDS_WITH_ONE_SKETCH[1])));
+}
+
+TEST(EventTest, ASeparatorInAnIdIsKnownUntilTheNextId)
+{
+    BasicEvent event;
+    EXPECT_FALSE(event.HasSeparatorInId());
+    for (const char* id : {"a/", "&a"}) {
+        event.SetId(id);
+        EXPECT_TRUE(event.HasSeparatorInId()) << id;
+    }
+    event.SetId("a");
+    EXPECT_FALSE(event.HasSeparatorInId());
+    EXPECT_TRUE(event.HasSameIdAs(*Leaf("a")));
+}
+
 TEST(EventTest, FillEventInfoStoresEveryTextAndReturnsTheEvent)
 {
     const auto event = std::make_shared<BasicEvent>();

@@ -13,6 +13,9 @@
 /// Inner events are not observable, so they follow their gates, as most events of real trees do.
 using EventList = std::vector<std::shared_ptr<Event>>;
 
+/// Two ids that are told apart by their letters alone.
+inline constexpr const char* IDS_WITH_ONE_SKETCH[] = {"pump3022leaks", "E252360"};
+
 std::shared_ptr<BasicEvent> Leaf(const std::string& id, EventStatus status = EventStatus::FALSE);
 std::shared_ptr<UndevelopedEvent> Undeveloped(const std::string& id);
 std::shared_ptr<OrGate> Or(const EventList& events);
