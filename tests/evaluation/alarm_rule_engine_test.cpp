@@ -186,6 +186,21 @@ TEST_F(AlarmRuleEngineTest, DailyPeakIsTheDayOfTheMonth)
     EXPECT_TRUE(Fires(Ids("8", "8").Duration(60, 3)));
 }
 
+TEST_F(AlarmRuleEngineTest, FirstAndLastDayOfAMonthCountInAPeak)
+{
+    const std::int64_t first = NOW - 13 * DAY; // of November
+    const std::int64_t last = NOW - 14 * DAY; // of October
+    Log({{first, 7, "1", "{\"a\":1}"}, {last, 8, "1", "{\"a\":1}"}, {first, DMD, "1", "{\"COUNT\":5}"},
+        {last, DMD + 1, "1", "{\"COUNT\":5}"}});
+    for (const char* const id : {"7", "8"}) {
+        EXPECT_TRUE(Fires(Ids(id, id).DailyPeak(30, 1))) << id;
+        EXPECT_TRUE(Fires(Ids(id, id).WithParam("p", "a", "int").Single("p", "eq", "1").DailyPeak(30, 1))) << id;
+    }
+    for (const char* const id : {"920000001", "920000002"}) {
+        EXPECT_TRUE(Fires(Ids(id, id).DailyPeak(30, 5))) << id;
+    }
+}
+
 TEST_F(AlarmRuleEngineTest, RowsWithoutADayCountInNoPeak)
 {
     Log({{NOW, 7, "1", ""}, {INT64_MAX, 7, "1", ""}, {INT64_MAX, 7, "1", ""}});
@@ -345,6 +360,8 @@ TEST_F(AlarmRuleEngineTest, MultipleTestsWithoutItemsHoldUnlessUnderDuration)
     EXPECT_TRUE(Fires(Ids("7", "7").WithParam("p", "a", "int").Multiple({}).Latest(1, 1)));
     EXPECT_TRUE(Fires(Ids("7", "7").WithParam("p", "a", "int").Multiple({}).DailyPeak(1, 1)));
     EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").Multiple({}).Duration(1, 1)));
+    Log(Days(1, 7, "{\"a\":5}"));
+    EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").Multiple({}).Duration(1, 1))) << "whatever rows there are";
 }
 
 TEST_F(AlarmRuleEngineTest, NullItemsOfAConditionAreLeftOut)

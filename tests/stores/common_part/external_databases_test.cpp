@@ -192,6 +192,18 @@ TEST_F(ExternalDatabases, TargetDirectoryThatIsSearchedKeepsItsFiles)
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
+TEST_F(ExternalDatabases, TargetDirectoryThatIsSearchedKeepsWhatAServiceHasNotMovedIntoItsFile)
+{
+    MakeDb("copies/a.db", "pragma journal_mode = wal; create table t(a)");
+    FT::sql::SqlDatabase service;
+    service.Open(mDir.Path("copies/a.db"));
+    EventLogBuilder::Run(mDir.Path("copies/a.db"), "create table waiting(a)");
+    const std::string changes = mDir.Read("copies/a.db-wal");
+    ASSERT_FALSE(changes.empty());
+    EXPECT_THAT(Copy(".*\\.db", {}, {"copies"}), ElementsAre("copies/a.db"));
+    EXPECT_EQ(mDir.Read("copies/a.db-wal"), changes);
+}
+
 TEST_F(ExternalDatabases, LinkInTheTargetDirectoryIsReplacedAndNotFollowed)
 {
     const std::string before = MakeDb("device/a.db");
