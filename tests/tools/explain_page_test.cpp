@@ -10,6 +10,18 @@
 
 namespace {
 
+// The nth block of the page that begins with this word, from 0.
+std::string BlockOf(const std::string& page, const std::string& word, int number = 0)
+{
+    const std::string fence = "```" + word + "\n";
+    std::size_t start = page.find(fence);
+    for (; number > 0; --number) {
+        start = page.find(fence, start + 1);
+    }
+    start += fence.size();
+    return page.substr(start, page.find("```\n", start) - start);
+}
+
 TEST(ExplainPageTest, ListsEveryReasonInTheirOrder)
 {
     using Reason = DetectionObserver::Reason;
@@ -34,14 +46,23 @@ TEST(ExplainPageTest, ItsExampleIsWhatTheCommandPrints)
     PrepareLaptop("laptop");
     const std::string runner = std::string(ARBORIST_SOURCE_DIR) + "/examples/laptop/code-runner.sh";
     const auto result = RunArborist({"explain", "--near-misses", "1", "--minimal", "laptop", "--code-runner", runner});
-    const std::string page = PageOfDocs("explain.md");
-    const auto start = page.find("```text\n") + 8;
-    const std::string block = page.substr(start, page.find("```\n", start) - start);
+    const std::string block = BlockOf(PageOfDocs("explain.md"), "text");
     const std::string gap = "  ...\n";
     const auto middle = block.find(gap);
     ASSERT_NE(middle, std::string::npos);
     EXPECT_THAT(result.out, testing::HasSubstr(block.substr(0, middle)));
     EXPECT_THAT(result.out, testing::HasSubstr(block.substr(middle + gap.size())));
+}
+
+TEST(RuleSetsPageTest, ItsFirstRuleSetIsExplainedAsThePageSays)
+{
+    const TempDir dir;
+    const std::string page = PageOfDocs("rule-sets.md");
+    dir.Write("rules/FaultTrees.xml", BlockOf(page, "xml"));
+    dir.Write("rules/FaultTreeRules.xml", BlockOf(page, "xml", 1));
+    dir.Write("nodes/capacity", "58\n");
+    dir.Write("bundle.json", BlockOf(page, "json"));
+    EXPECT_EQ(RunArborist({"explain", "."}).out, BlockOf(page, "text"));
 }
 
 } // namespace

@@ -152,7 +152,7 @@ std::vector<ReasonCase> CasesBeforeTheChecker()
             R"(, "device": {"Product": "P3"})"},
         {"filtered_scene",
             [](RuleXml& rules) { rules.Rule(CodeRuleXml("r", "CODE", "", "2,3")); }, "SKIP",
-            {"rule r (code): SKIP filtered_scene", "the device has \"1\", the rule asks for \"2,3\""}},
+            {"rule r (code): SKIP filtered_scene", "the detection's scene is 1, the rule asks for \"2,3\""}},
         {"filtered_platform", Filtered("platform", "PL1"), "SKIP",
             {"SKIP filtered_platform", "the device has \"PL2\", the rule asks for \"PL1\""},
             R"(, "device": {"Platform": "PL2"})"},

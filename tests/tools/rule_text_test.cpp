@@ -36,6 +36,14 @@ INSTANTIATE_TEST_SUITE_P(Table, RuleTextFloor, testing::Values(
     FloorCase{"Update", Floor::UPDATE, "last update"}, FloorCase{"Repair", Floor::REPAIR, "repair REPAIR_FAN"}),
     CaseName());
 
+TEST(RuleTextTest, ARuleWithoutASceneSaysSo)
+{
+    ExplainedRule rule;
+    rule.reason = DetectionObserver::Reason::FILTERED_SCENE;
+    rule.filter = {"1", ""};
+    EXPECT_THAT(RuleLines(rule), ElementsAre("the detection's scene is 1, the rule names none"));
+}
+
 TEST(RuleTextTest, AFailedStatementHasItsError)
 {
     ExplainedQuery query;

@@ -217,10 +217,14 @@ void AppendQuery(const ExplainedQuery& query, std::vector<std::string>& lines)
 
 std::string FilterText(const ExplainedRule& rule)
 {
-    const std::string device = "the device has " + Quoted(rule.filter->deviceValue);
-    return rule.reason == Reason::FILTERED_BLACK_PRODUCT
-        ? device + ", the rule excludes " + Quoted(rule.filter->ruleText)
-        : device + ", the rule asks for " + Quoted(rule.filter->ruleText);
+    const bool isScene = rule.reason == Reason::FILTERED_SCENE;
+    const std::string found = isScene ? "the detection's scene is " + Printable(rule.filter->deviceValue)
+                                      : "the device has " + Quoted(rule.filter->deviceValue);
+    if (isScene && rule.filter->ruleText.empty()) {
+        return found + ", the rule names none";
+    }
+    const bool isExcluded = rule.reason == Reason::FILTERED_BLACK_PRODUCT;
+    return found + (isExcluded ? ", the rule excludes " : ", the rule asks for ") + Quoted(rule.filter->ruleText);
 }
 
 std::string NodeText(const ExplainedNodeFile& node)
