@@ -99,7 +99,21 @@ INSTANTIATE_TEST_SUITE_P(Table, CompletionOf, testing::Values(
     LineCase{"CommandBelow", {"log", "im"}, "import"},
     LineCase{"Option", {"detect", "--orde"}, "--ordered"},
     LineCase{"OptionBehindArguments", {"bundle", "pack", "some-bundle", "--wind"}, "--window"},
+    LineCase{"ValueOfAnOption", {"graph", "some-bundle", "--format", "op"}, "openpsa"},
+    LineCase{"WordOfAnArgument", {"completion", "zs"}, "zsh"},
     LineCase{"OptionOfAll", {"--versi"}, "--version"},
     LineCase{"File", {"detect", "some-"}, "some-bundle"}), CaseName());
+
+// Bash cuts a word at the sign.
+TEST(CompletionTest, BashOffersValuesBehindAnEqualsSign)
+{
+    const TempDir dir;
+    dir.Write("completion", RunArborist({"completion", "bash"}).out);
+    for (const auto& [words, count] : {std::pair("explain --color = al", 4), std::pair("explain --log-level =", 3)}) {
+        const auto result = RunProcess({"bash", "--norc", "-c", "source completion; COMP_WORDS=(arborist "
+            + std::string(words) + "); COMP_CWORD=" + std::to_string(count) + "; _arborist; echo \"${COMPREPLY[*]}\""});
+        EXPECT_EQ(result.out, count == 4 ? "always\n" : "trace debug info warn error fatal none\n");
+    }
+}
 
 } // namespace

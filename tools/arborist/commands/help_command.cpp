@@ -76,10 +76,7 @@ void AddHelpCommand(CLI::App& app, ExitStatus& status)
 
     CLI::App* completion = app.add_subcommand("completion", "Print the completion script of a shell");
     completion->add_option("SHELL", options->shell, "bash, zsh or fish")->required()
-        ->check([](const std::string& shell) {
-            const bool isKnown = shell == "bash" || shell == "zsh" || shell == "fish";
-            return isKnown ? "" : "is neither bash, zsh nor fish: " + shell;
-        });
+        ->check(CLI::IsMember({"bash", "zsh", "fish"}));
     completion->footer("Examples:\n  source <(arborist completion bash)\n"
                        "  arborist completion fish > ~/.config/fish/completions/arborist.fish");
     completion->callback([options, &app, &status] {

@@ -8,7 +8,6 @@
 #include "tools/arborist/code_rules/code_program.h"
 #include "tools/arborist/commands/output.h"
 #include "tools/arborist/commands/seconds.h"
-#include "tools/arborist/render/colour.h"
 
 namespace command {
 
@@ -48,7 +47,7 @@ void AddLogOptions(CLI::App& app, LogOptions& options)
     app.add_option("--log-level", options.level, "Library log on standard error from this level on: trace, debug, "
         "info, warn, error (the default), fatal or none")
         ->type_name("LEVEL")
-        ->check([](const std::string& word) { return LogLevelOf(word) ? "" : "is no log level: " + word; });
+        ->check(CLI::IsMember({"trace", "debug", "info", "warn", "error", "fatal", "none"}));
     app.add_option("--log-file", options.file, "Whole library log into this file, instead of standard error")
         ->type_name("FILE");
 }
@@ -101,7 +100,7 @@ void AddColour(CLI::App& app, std::string& when)
 {
     app.add_option("--color", when, "Colours of explanations: auto, always or never")
         ->type_name("WHEN")
-        ->check([](const std::string& word) { return IsColoured(word) ? "" : "is none of auto, always, never: " + word; })
+        ->check(CLI::IsMember({"auto", "always", "never"}))
         ->capture_default_str();
 }
 

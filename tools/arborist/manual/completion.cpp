@@ -22,11 +22,30 @@ std::string LastWord(const std::string& words)
     return words.substr(words.rfind(' ') + 1);
 }
 
+std::string Joined(const std::vector<std::string>& words)
+{
+    std::string text;
+    for (const std::string& word : words) {
+        text += (text.empty() ? "" : " ") + word;
+    }
+    return text;
+}
+
 std::string CommandNames(const CommandReference& command)
 {
-    std::string words;
+    std::vector<std::string> names;
     for (const CommandReference& below : command.commands) {
-        words += (words.empty() ? "" : " ") + LastWord(below.words);
+        names.push_back(LastWord(below.words));
+    }
+    return Joined(names);
+}
+
+// What may stand behind a command: commands below it, or the words of an argument that takes no others.
+std::string NextWords(const CommandReference& command)
+{
+    std::string words = CommandNames(command);
+    for (const OptionReference& argument : command.arguments) {
+        words += Joined(argument.choices);
     }
     return words;
 }
@@ -51,26 +70,50 @@ std::string Quoted(const std::string& text)
     return quoted + "'";
 }
 
+// Cases of a shell for options that take one word of a few: the option behind its command, and the words.
+std::string ChoiceCases(const CommandReference& root, const std::string& open, const std::string& close)
+{
+    std::string lines;
+    Visit(root, [&](const CommandReference& command) {
+        for (const OptionReference& option : command.options) {
+            for (const std::string& name : option.names) {
+                lines += option.choices.empty() ? "" : "    " + Quoted(command.words + " " + name) + ") values=" + open
+                        + Joined(option.choices) + close + " ;;\n";
+            }
+        }
+    });
+    return lines;
+}
+
 // The words up to the cursor lead to a command; from there on its options, commands and files are offered.
 std::string Bash(const CommandReference& root)
 {
     std::string lines;
     Visit(root, [&lines](const CommandReference& command) {
         lines += "    " + Quoted(command.words) + ") options=" + Quoted(Names(command.options)) + " commands="
-            + Quoted(CommandNames(command)) + " ;;\n";
+            + Quoted(NextWords(command)) + " ;;\n";
     });
     std::string commands;
     Visit(root, [&commands](const CommandReference& command) { commands += "|" + Quoted(command.words); });
     return "# Completion for arborist: made by \"arborist completion bash\".\n"
            "_arborist() {\n"
-           "    local current=${COMP_WORDS[COMP_CWORD]} words=arborist options= commands= word\n"
+           "    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]}\n"
+           "    local words=arborist options= commands= values= word\n"
+           "    if [[ $current == = ]]; then\n" // "--color=al" comes as three words
+           "        current=\n"
+           "    elif [[ $previous == = ]]; then\n"
+           "        previous=${COMP_WORDS[COMP_CWORD-2]}\n"
+           "    fi\n"
            "    for word in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do\n"
            "        case \"$words $word\" in\n"
            "        " + commands.substr(1) + ") words=\"$words $word\" ;;\n"
            "        esac\n"
            "    done\n"
            "    case \"$words\" in\n" + lines + "    esac\n"
-           "    if [[ $current == -* ]]; then\n"
+           "    case \"$words $previous\" in\n" + ChoiceCases(root, "'", "'") + "    esac\n"
+           "    if [[ -n $values ]]; then\n"
+           "        mapfile -t COMPREPLY < <(compgen -W \"$values\" -- \"$current\")\n"
+           "    elif [[ $current == -* ]]; then\n"
            "        mapfile -t COMPREPLY < <(compgen -W \"$options\" -- \"$current\")\n"
            "    elif [[ -n $commands ]]; then\n"
            "        mapfile -t COMPREPLY < <(compgen -W \"$commands\" -- \"$current\")\n"
@@ -88,20 +131,23 @@ std::string Zsh(const CommandReference& root)
     Visit(root, [&](const CommandReference& command) {
         commands += "|" + Quoted(command.words);
         lines += "    " + Quoted(command.words) + ") options=(" + Names(command.options) + ") commands=("
-            + CommandNames(command) + ") ;;\n";
+            + NextWords(command) + ") ;;\n";
     });
     return "#compdef arborist\n"
            "# Completion for arborist: made by \"arborist completion zsh\".\n"
            "_arborist() {\n"
-           "    local current=${words[CURRENT]} path_words=arborist word\n"
-           "    local -a options commands\n"
+           "    local current=${words[CURRENT]} previous=${words[CURRENT-1]} path_words=arborist word\n"
+           "    local -a options commands values\n"
            "    for word in \"${(@)words[2,CURRENT-1]}\"; do\n"
            "        case \"$path_words $word\" in\n"
            "        (" + commands.substr(1) + ") path_words=\"$path_words $word\" ;;\n"
            "        esac\n"
            "    done\n"
            "    case \"$path_words\" in\n" + lines + "    esac\n"
-           "    if [[ $current == -* ]]; then\n"
+           "    case \"$path_words $previous\" in\n" + ChoiceCases(root, "(", ")") + "    esac\n"
+           "    if (( $#values )); then\n"
+           "        compadd -- $values\n"
+           "    elif [[ $current == -* ]]; then\n"
            "        compadd -- $options\n"
            "    elif (( $#commands )); then\n"
            "        compadd -- $commands\n"
@@ -134,7 +180,10 @@ std::string FishOption(const CommandReference& command, const OptionReference& o
     for (const std::string& name : option.names) {
         line += name.compare(0, 2, "--") == 0 ? " -l " + name.substr(2) : " -s " + name.substr(1);
     }
-    return line + (option.value.empty() ? "" : " -r") + " -d " + Quoted(option.description) + "\n";
+    const std::string value = option.value.empty() ? ""
+        : option.choices.empty()                   ? " -r"
+                                                   : " -x -a " + Quoted(Joined(option.choices));
+    return line + value + " -d " + Quoted(option.description) + "\n";
 }
 
 std::string Fish(const CommandReference& root)
@@ -144,6 +193,10 @@ std::string Fish(const CommandReference& root)
         for (const CommandReference& below : command.commands) {
             text += "complete -c arborist -f -n " + FishCondition(command) + " -a " + LastWord(below.words) + " -d "
                 + Quoted(below.description) + "\n";
+        }
+        for (const OptionReference& argument : command.arguments) {
+            text += argument.choices.empty() ? "" : "complete -c arborist -f -n " + FishCondition(command) + " -a "
+                    + Quoted(Joined(argument.choices)) + "\n";
         }
         for (const OptionReference& option : command.options) {
             text += FishOption(command, option);

@@ -13,6 +13,16 @@ std::string ValueName(const CLI::Option& option)
     return type.substr(0, type.find(':'));
 }
 
+// "FORMAT:{dot,svg}" names two.
+std::vector<std::string> Choices(const CLI::Option& option)
+{
+    const std::string type = option.get_type_name();
+    const auto first = type.find(":{");
+    const auto last = type.find('}', first);
+    return first == std::string::npos || last == std::string::npos
+        ? std::vector<std::string>() : CLI::detail::split(type.substr(first + 2, last - first - 2), ',');
+}
+
 OptionReference MakeOption(const CLI::Option& option)
 {
     OptionReference made;
@@ -27,13 +37,14 @@ OptionReference MakeOption(const CLI::Option& option)
     if (!option.get_default_str().empty()) {
         made.description += " (" + option.get_default_str() + " unless given)";
     }
+    made.choices = Choices(option);
     return made;
 }
 
 OptionReference MakeArgument(const CLI::Option& option)
 {
     const bool isRepeated = option.get_expected_max() > 1;
-    return {{option.get_name(true) + (isRepeated ? "..." : "")}, "", option.get_description()};
+    return {{option.get_name(true) + (isRepeated ? "..." : "")}, "", option.get_description(), Choices(option)};
 }
 
 } // namespace

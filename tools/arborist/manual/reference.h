@@ -17,6 +17,8 @@ struct OptionReference {
     /// What stands for the value; empty for a flag.
     std::string value;
     std::string description;
+    /// The words of which the value must be one; none where it may be any text.
+    std::vector<std::string> choices = {};
 };
 
 /// One command with everything that its --help shows: the one source of man pages and completions.
