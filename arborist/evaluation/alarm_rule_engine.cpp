@@ -383,7 +383,10 @@ bool AlarmRuleEngine::IsFaultForDaily(EventRows& rows, const MemberTest* test, W
         CountTested(window, 0, tested, passed);
         window.rowsFailed += tested - passed;
     }
-    const std::int32_t peak = std::max(0, *std::max_element(days.begin(), days.end()));
+    std::int32_t peak = 0;
+    for (const std::int32_t count : days) {
+        peak = std::max(peak, count);
+    }
     NoteReached(window.seen, rows, peak);
     return peak >= window.threshold;
 }

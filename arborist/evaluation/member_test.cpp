@@ -60,20 +60,39 @@ MemberTest::MemberTest(const RuleChecker& checker, TestPara para) : mChecker(che
     }
 }
 
-bool MemberTest::PassesOther(const EventMember& member) const
+bool MemberTest::Passes(const EventMember& member) const
 {
+    if (IsComparedAsIs(member)) {
+        return mComparison == Comparison::TEXT ? ComparesText(member.text) : Compares(member.number);
+    }
     if (member.kind == EventMember::Kind::NO_EXTRA) {
         return false;
-    }
-    if (mComparison == Comparison::TEXT && member.kind == EventMember::Kind::TEXT) {
-        return ComparesText(member.text);
-    }
-    if (member.kind == EventMember::Kind::INTEGER && IsNumeric() && FitsInt32(member.number)) {
-        return Compares(member.number);
     }
     const std::string observed =
         member.kind == EventMember::Kind::RAW ? MemberOf(member.text, mPara.key) : member.ToText();
     return !observed.empty() && mChecker.IsFaultForParam(mPara.logic, mPara.type, mPara.value, observed);
+}
+
+bool MemberTest::PassesOther(MemberStore::Code code, const EventMember& member) const
+{
+    const bool passes = Passes(member);
+    if (code < mOutcomes.size() && IsComparedAsIs(member)) {
+        mOutcomes[code] = passes ? Outcome::PASSES : Outcome::FAILS;
+    }
+    return passes;
+}
+
+// Without going through the text of a number, and in silence.
+bool MemberTest::IsComparedAsIs(const EventMember& member) const
+{
+    switch (mComparison) {
+    case Comparison::OTHER:
+        return false;
+    case Comparison::TEXT:
+        return member.kind == EventMember::Kind::TEXT;
+    default:
+        return member.kind == EventMember::Kind::INTEGER && FitsInt32(member.number);
+    }
 }
 
 // Texts are equal or different, nothing else; and an empty one never passes.

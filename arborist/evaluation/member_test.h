@@ -30,55 +30,26 @@ public:
 
     const TestPara& GetPara() const { return mPara; }
     /// Whether the member, that of GetPara().key, passes; an extra that is no JSON logs an error and fails.
-    bool Passes(const EventMember& member) const
-    {
-        if (mComparison == Comparison::INTEGER && member.kind == EventMember::Kind::INTEGER &&
-            member.number == static_cast<std::int32_t>(member.number)) {
-            return PassesInteger(member.number);
-        }
-        if (mComparison == Comparison::TEXT && member.code != 0) {
-            return PassesText(member);
-        }
-        return PassesOther(member);
-    }
+    bool Passes(const EventMember& member) const;
 
-    /// As Passes for the member of that row. Most rows are told by the codes of their members alone.
+    /// As Passes for the member of that row. Each of the more frequent members is compared once.
     bool Passes(const EventRows& rows, std::size_t row, std::size_t keyNumber) const
     {
-        const MemberStore::Handle code = rows.GetCode(row, keyNumber);
-        if (mComparison == Comparison::INTEGER && MemberStore::IsInteger(code)) {
-            return PassesInteger(MemberStore::IntegerOf(code)); // of 32 bits, all of them
+        const MemberStore::Code code = rows.GetCode(row, keyNumber);
+        if (code < mOutcomes.size() && mOutcomes[code] != Outcome::UNKNOWN) {
+            return mOutcomes[code] == Outcome::PASSES;
         }
-        if (mComparison == Comparison::TEXT && MemberStore::IsText(code) && FoundFor(code).code == code) {
-            return FoundFor(code).passes;
-        }
-        return Passes(rows.GetMember(row, keyNumber));
+        return PassesOther(code, rows.GetMember(row, keyNumber));
     }
 
 private:
     enum class Comparison { OTHER, INTEGER, FLOAT, DOUBLE, TEXT };
 
-    // What was found for a text, so that it is compared once for many rows.
-    struct Found {
-        std::uint32_t code = 0;
-        bool passes = false;
-    };
+    // Of a code. Not known for those that have none of their own or may log an error each time.
+    enum class Outcome : std::uint8_t { UNKNOWN, FAILS, PASSES };
 
-    bool PassesInteger(std::int64_t observed) const
-    {
-        return observed < mInteger ? mHoldsLess : observed > mInteger ? mHoldsGreater : mHoldsEqual;
-    }
-    Found& FoundFor(std::uint32_t code) const { return mFound[code * 2654435769U >> 24]; }
-    bool PassesText(const EventMember& member) const
-    {
-        Found& found = FoundFor(member.code);
-        if (found.code != member.code) {
-            found = {member.code, ComparesText(member.text)};
-        }
-        return found.passes;
-    }
-    bool PassesOther(const EventMember& member) const;
-    bool IsNumeric() const { return mComparison != Comparison::OTHER && mComparison != Comparison::TEXT; }
+    bool PassesOther(MemberStore::Code code, const EventMember& member) const;
+    bool IsComparedAsIs(const EventMember& member) const;
     bool Compares(std::int64_t observed) const;
     bool ComparesText(std::string_view observed) const;
 
@@ -92,7 +63,7 @@ private:
     std::int64_t mInteger = 0;
     float mFloat = 0;
     double mDouble = 0;
-    mutable std::array<Found, 256> mFound;
+    mutable std::array<Outcome, 1024> mOutcomes{};
 };
 
 #endif

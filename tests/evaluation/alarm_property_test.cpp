@@ -199,8 +199,12 @@ protected:
         static const char* const extras[] = {"", "{}", "{\"a\":1}", "{\"a\":2,\"b\":\"x\"}", "{\"b\":\"y\",\"a\":\"3\"}",
             "{\"a\":2.5}", "{\"a\":{}}", "[1]", "{\"a\":", "{\"COUNT\":3}", "{\"COUNT\":\"2\"}", "{\"COUNT\":-1}",
             "{\"COUNT\":\"x\"}", "{\"a\":4294967297}", "{\"b\":true}", "{\"a\":\"\\u0031\"}", "{\"a\":1,\"a\":2}"};
-        return mRandom() % 3 == 0 ? "{\"a\":" + std::to_string(Below(9)) + ",\"b\":\"" + std::to_string(Below(3)) + "\"}"
-                                  : OneOf(extras);
+        // Few values and many, small and large: what is kept of them grows meanwhile.
+        static const int limits[] = {9, 9, 300, 100000};
+        const std::string sign = mRandom() % 4 == 0 ? "-" : "";
+        return mRandom() % 3 != 0 ? OneOf(extras)
+                                  : "{\"a\":" + sign + std::to_string(1 + Below(OneOf(limits))) + ",\"b\":\"" +
+                std::to_string(Below(OneOf(limits))) + "y\"}";
     }
 
     void WriteLog()
@@ -249,7 +253,7 @@ protected:
     {
         static const char* const types[] = {"int", "long", "float", "double", "string"};
         static const char* const logics[] = {"gt", "lt", "le", "ge", "eq", "ne"};
-        static const char* const values[] = {"0", "1", "2", "3.5", "x", "", "5"};
+        static const char* const values[] = {"0", "1", "2", "3.5", "x", "", "5", "1y", "-2", "150", "40000"};
         static const char* const params[] = {"p", "q", "r"};
         ids.WithParam("p", "a", OneOf(types)).WithParam("q", "b", OneOf(types));
         for (int condition = Below(3); condition >= 0; --condition) {

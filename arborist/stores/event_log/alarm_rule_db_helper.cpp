@@ -209,16 +209,10 @@ bool AlarmRuleDbHelper::VisitEvents(const Query& query, const Visitor& visitor)
 
 bool AlarmRuleDbHelper::VisitEntries(std::int64_t firstId, const Visitor& visitor)
 {
-    const std::vector<EventLogIndex::Entry>& entries = mIndex.GetEntries();
     const EventLogIndex::Filter filter = mQuery.fromUpdate ? mIndex.FilterFor(mQuery.startTime, mVersionName)
                                                            : EventLogIndex::FilterFor(mQuery.startTime);
-    const auto placeOf = [&entries](std::int64_t id) {
-        const auto found = std::lower_bound(entries.begin(), entries.end(), id,
-            [](const EventLogIndex::Entry& entry, std::int64_t wanted) { return entry.eventId < wanted; });
-        return static_cast<std::size_t>(found - entries.begin());
-    };
-    const std::size_t first = placeOf(firstId);
-    const std::size_t end = placeOf(std::int64_t{mQuery.lastId} + 1);
+    const std::size_t first = mIndex.FirstEntryFrom(firstId);
+    const std::size_t end = mIndex.FirstEntryFrom(std::int64_t{mQuery.lastId} + 1);
     if (mQuery.withMembers) {
         mMembers.Prepare(first, end, mQuery.startTime);
     }
@@ -235,16 +229,18 @@ bool AlarmRuleDbHelper::VisitEntries(std::int64_t firstId, const Visitor& visito
 bool AlarmRuleDbHelper::VisitEntry(std::size_t entryNumber, const EventLogIndex::Filter& filter,
     const EventLogIndex::Counts& found, const EventLogIndex::Counts& counts, const Visitor& visitor)
 {
-    const EventLogIndex::Entry& entry = mIndex.GetEntries()[entryNumber];
+    const EventLogIndex::Entry entry = mIndex.GetEntry(entryNumber);
     if (entry.needsQuery) {
         return VisitByQuery(entry.eventId, visitor);
     }
-    if (found.Of(entryNumber) == 0) {
+    const std::size_t foundCount = found.Of(entryNumber);
+    if (foundCount == 0) {
         return false;
     }
     TellVersionName();
     mPositions.clear();
-    EventRows rows(*this, {mIndex, mMembers, mPositions, entryNumber, filter}, found.Of(entryNumber),
+    EventRows rows(*this,
+        {mIndex, mMembers, mPositions, entryNumber, EventLogIndex::RangeOf(entry, foundCount), filter}, foundCount,
         counts.Of(entryNumber));
     return visitor(rows);
 }

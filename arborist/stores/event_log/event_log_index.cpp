@@ -1,25 +1,21 @@
 #include "arborist/stores/event_log/event_log_index.h"
 
 #include <algorithm>
-#include <charconv>
 #include <limits>
 #include <numeric>
 #include <string_view>
 #include <utility>
 
+#include "arborist/stores/event_log/calendar.h"
 #include "arborist/stores/sql/sql_cursor.h"
-#include "arborist/utilities/time_util.h"
 
 namespace {
 
 using Cursor = FT::sql::SqlCursor;
 
 constexpr std::size_t MOST_COUNTS = 16;
-// Counts may take this many bytes, and one more for every four rows.
-constexpr std::size_t SMALLEST_COUNTS = 65536;
-// Where the day stands in "YYYY-MM-DD HH:MM:SS"; a row's time fits 32 bits, so that its year has four digits.
-constexpr std::size_t DAY_IN_TIME = 8;
-constexpr std::uint32_t SECONDS_OF_HOUR = 3600;
+// Counts may take this many bytes for each row; with few rows to an id they are not worth keeping.
+constexpr std::size_t COUNT_BYTES_A_ROW = 2;
 constexpr std::int64_t NO_DATA_VERSION = -1;
 constexpr std::uint32_t MOST_ROWS = std::numeric_limits<std::uint32_t>::max();
 // Bytes of an event in the file, at least.
@@ -36,14 +32,6 @@ constexpr std::string_view JOINED_ROWS =
 constexpr std::string_view NEEDED_COLUMNS = "select event_info.extra, event_version.VERSION_NAME";
 // Its names without a table: they fail where a second table has such a column.
 constexpr std::string_view NEEDED_CONDITION = " where event_id = 0 and occurrence_time >= 0";
-
-int DayOf(std::int64_t seconds)
-{
-    const std::string time = TimeUtil::GetFormatTime(seconds);
-    int day = 0;
-    std::from_chars(time.data() + DAY_IN_TIME, time.data() + time.size(), day);
-    return day;
-}
 
 template <typename Number>
 bool Fits(std::int64_t value)
@@ -82,57 +70,33 @@ std::size_t GuessRowCount(const FT::sql::Sqlite3Db& database)
         std::clamp<std::int64_t>(span, 0, std::clamp<std::int64_t>(fitting, 0, MOST_GUESSED_ROWS)));
 }
 
-// Numbers of groups, one for each row: two bytes where that is enough.
-class GroupColumn {
-public:
-    void Reserve(std::size_t count) { mLow.reserve(count); }
-    void Append(std::uint32_t group)
-    {
-        if (group > LOW_BITS && mHigh.empty()) {
-            mHigh.resize(mLow.size());
-        }
-        mLow.push_back(static_cast<std::uint16_t>(group & LOW_BITS));
-        if (group > LOW_BITS || !mHigh.empty()) {
-            mHigh.push_back(static_cast<std::uint16_t>(group >> 16));
-        }
-    }
-
-    std::size_t GetCount() const { return mLow.size(); }
-    std::uint32_t operator[](std::size_t row) const
-    {
-        return mHigh.empty() ? mLow[row] : mLow[row] | static_cast<std::uint32_t>(mHigh[row]) << 16;
-    }
-
-private:
-    static constexpr std::uint32_t LOW_BITS = 0xFFFF;
-
-    std::vector<std::uint16_t> mLow;
-    std::vector<std::uint16_t> mHigh;
-};
-
-// Puts the values of a column, which come in the order of the log, group by group. `next` is where each group begins.
-void GroupValues(std::vector<std::uint16_t>& column, const GroupColumn& groups, std::vector<std::uint32_t> next)
+// Puts 16 bits of each row, which come in the order of the log, group by group: two bytes a row are all the room it
+// takes. `begins` is where each group begins, and at the end the number of rows.
+template <typename Read, typename Write>
+void GroupBits(const PackedColumn& groups, std::vector<std::uint32_t>& begins, Read read, Write write)
 {
-    std::vector<std::uint16_t> grouped(column.size());
-    for (std::size_t row = 0; row < column.size(); ++row) {
-        grouped[next[groups[row]]++] = column[row];
+    std::vector<std::uint16_t> grouped(groups.GetCount());
+    for (std::size_t row = 0; row < grouped.size(); ++row) {
+        grouped[begins[groups[row]]++] = read(row);
     }
-    column.swap(grouped);
+    // Each group now begins where the next one did.
+    std::copy_backward(begins.begin(), begins.end() - 1, begins.end());
+    begins.front() = 0;
+    for (std::size_t row = 0; row < grouped.size(); ++row) {
+        write(row, grouped[row]);
+    }
 }
 
-// The same in two halves, so that two bytes a row are all the room it takes.
-void GroupValues(std::vector<std::uint32_t>& column, const GroupColumn& groups, const std::vector<std::uint32_t>& begins)
+void GroupColumn(const PackedColumn& groups, std::vector<std::uint32_t>& begins, PackedColumn& column)
 {
-    std::vector<std::uint16_t> grouped(column.size());
-    for (const unsigned int shift : {0U, 16U}) {
-        std::vector<std::uint32_t> next = begins;
-        for (std::size_t row = 0; row < column.size(); ++row) {
-            grouped[next[groups[row]]++] = static_cast<std::uint16_t>(column[row] >> shift);
-        }
+    for (unsigned int shift = 0; shift < 8 * column.GetWidth(); shift += 16) {
         const std::uint32_t otherHalf = 0xFFFF0000U >> shift;
-        for (std::size_t row = 0; row < column.size(); ++row) {
-            column[row] = (column[row] & otherHalf) | static_cast<std::uint32_t>(grouped[row]) << shift;
-        }
+        GroupBits(
+            groups, begins,
+            [&](std::size_t row) { return static_cast<std::uint16_t>(column.GetDistance(row) >> shift); },
+            [&](std::size_t row, std::uint16_t bits) {
+                column.SetDistance(row, (column.GetDistance(row) & otherHalf) | std::uint32_t{bits} << shift);
+            });
     }
 }
 
@@ -161,9 +125,12 @@ struct EventLogIndex::Scan {
 
     static constexpr std::int64_t FLAT_VERSIONS = 65536;
 
-    std::vector<Entry> groups; // in order of appearance; `end` counts the rows
-    GroupNumbers groupOfId;
-    GroupColumn groupOfRow;
+    IdTable::Ids ids; // in order of appearance, as the groups are numbered
+    IdTable groupOfId;
+    std::vector<bool> needsQuery; // of each group
+    PackedColumn groupOfRow;
+    std::int64_t lastRowId = -1;
+    Calendar calendar;
     std::vector<Version> versions; // by row number
     std::unordered_map<std::int64_t, Version> otherVersions;
 };
@@ -195,13 +162,14 @@ void EventLogIndex::Clear()
 {
     mDataVersion = NO_DATA_VERSION;
     mError.clear();
-    mEntries = {};
-    mTimes = {};
-    mRowIds = {};
-    mVersions = {};
-    mEntryOfId = {};
+    mIds = IdTable::Ids();
+    mBegins = PackedColumn();
+    mIsAscending.clear();
+    mNeedsQuery.clear();
+    mTimes = PackedColumn(TIME_HEAD_ROOM);
+    mRowIds = PackedColumn();
+    mVersions = std::vector<std::uint16_t>();
     mCounts.clear();
-    mDays.fill({});
     mAreRowIdsAscending = true;
     mVersionNumbers = {{"", UNNAMED_VERSION}};
 }
@@ -217,7 +185,7 @@ EventLogIndex::State EventLogIndex::Read()
         return State::UNREADABLE;
     }
     ReadRows(scan);
-    if (!mError.empty() && scan.groups.empty()) {
+    if (!mError.empty() && scan.ids.empty()) {
         return State::UNREADABLE;
     }
     Group(scan);
@@ -248,10 +216,10 @@ void EventLogIndex::ReadRows(Scan& scan)
     const std::string from(JOINED_ROWS);
     const bool hasRowIds = Cursor(mDb, "select event_info.rowid" + from).IsReady();
     const std::size_t guess = GuessRowCount(mDb);
-    mTimes.reserve(guess);
-    mRowIds.reserve(guess);
+    mTimes.Reserve(guess, 2 * TIME_HEAD_ROOM - 1);
+    mRowIds.Reserve(guess, static_cast<std::uint32_t>(guess));
     mVersions.reserve(guess);
-    scan.groupOfRow.Reserve(guess);
+    scan.groupOfRow.Reserve(guess, 0xFFFF);
     FT::sql::ScanRows(mDb, columns + (hasRowIds ? "event_info.rowid" : "null"), from,
         [&](const FT::sql::ScannedRow& row) { TakeRow(scan, row); }, mError);
 }
@@ -266,72 +234,87 @@ void EventLogIndex::TakeRow(Scan& scan, const FT::sql::ScannedRow& row)
     if (!isFound || !Fits<std::int32_t>(eventId)) {
         return;
     }
-    const std::uint32_t group = scan.groupOfId.NumberOf(static_cast<std::int32_t>(eventId));
-    if (group == scan.groups.size()) {
-        scan.groups.push_back({static_cast<std::int32_t>(eventId), 0, 0, true, false});
+    const std::uint32_t group = scan.groupOfId.FindOrAppend(scan.ids, static_cast<std::int32_t>(eventId));
+    if (group == scan.needsQuery.size()) {
+        scan.needsQuery.push_back(false);
     }
     const std::int64_t time = row.GetInteger(1);
     const std::int64_t rowId = row.GetInteger(3);
-    if (!isWhole || !Fits<std::uint32_t>(time) || !Fits<std::uint32_t>(rowId) || mTimes.size() == MOST_ROWS) {
-        scan.groups[group].needsQuery = true;
+    if (!isWhole || !Fits<std::uint32_t>(time) || !Fits<std::uint32_t>(rowId) || mVersions.size() == MOST_ROWS) {
+        scan.needsQuery[group] = true;
         return;
     }
     const Scan::Version version = scan.VersionOf(row.GetInteger(2));
     if (!version.isKnown || version.isAmbiguous) {
-        scan.groups[group].needsQuery = true;
+        scan.needsQuery[group] = true;
         return;
     }
-    ++scan.groups[group].end;
-    scan.groupOfRow.Append(group);
-    mAreRowIdsAscending = mAreRowIdsAscending && (mRowIds.empty() || mRowIds.back() < rowId);
-    mTimes.push_back(static_cast<std::uint32_t>(time));
-    mRowIds.push_back(static_cast<std::uint32_t>(rowId));
-    mVersions.push_back(version.number);
+    mAreRowIdsAscending = mAreRowIdsAscending && scan.lastRowId < rowId;
+    scan.lastRowId = rowId;
+    mTimes.Append(static_cast<std::uint32_t>(time));
+    mRowIds.Append(static_cast<std::uint32_t>(rowId));
+    const int day = scan.calendar.DayOfMonth(static_cast<std::uint32_t>(time));
+    mVersions.push_back(static_cast<std::uint16_t>(version.number | day << VERSION_BITS));
+    scan.groupOfRow.Append(group); // last: should memory run out, a row counts that stands in all columns
+}
+
+// Numbers the groups anew, ascending by id.
+void EventLogIndex::GroupIds(Scan& scan)
+{
+    scan.groupOfId = IdTable();
+    mIds = scan.ids;
+    std::sort(mIds.begin(), mIds.end());
+    PackedColumn entryOfGroup;
+    entryOfGroup.Assign(mIds.size(), static_cast<std::uint32_t>(mIds.size()));
+    mNeedsQuery.resize(mIds.size());
+    for (std::size_t group = 0; group < scan.ids.size(); ++group) {
+        const std::size_t entry = FirstEntryFrom(scan.ids[group]);
+        entryOfGroup.Set(group, static_cast<std::uint32_t>(entry));
+        mNeedsQuery[entry] = scan.needsQuery[group];
+    }
+    scan.ids = IdTable::Ids();
+    for (std::size_t row = 0; row < scan.groupOfRow.GetCount(); ++row) {
+        scan.groupOfRow.Set(row, entryOfGroup[scan.groupOfRow[row]]);
+    }
+}
+
+void EventLogIndex::GroupRows(const PackedColumn& entryOfRow)
+{
+    std::vector<std::uint32_t> begins(mIds.size() + 1);
+    for (std::size_t row = 0; row < entryOfRow.GetCount(); ++row) {
+        ++begins[entryOfRow[row] + 1];
+    }
+    std::partial_sum(begins.begin(), begins.end(), begins.begin());
+    GroupBits(
+        entryOfRow, begins, [this](std::size_t row) { return mVersions[row]; },
+        [this](std::size_t row, std::uint16_t bits) { mVersions[row] = bits; });
+    GroupColumn(entryOfRow, begins, mTimes);
+    GroupColumn(entryOfRow, begins, mRowIds);
+    mBegins.Reserve(begins.size(), begins.back());
+    for (const std::uint32_t begin : begins) {
+        mBegins.Append(begin);
+    }
 }
 
 void EventLogIndex::Group(Scan& scan)
 {
-    std::vector<std::uint32_t> order(scan.groups.size());
-    std::iota(order.begin(), order.end(), 0U);
-    std::sort(order.begin(), order.end(), [&scan](std::uint32_t left, std::uint32_t right) {
-        return scan.groups[left].eventId < scan.groups[right].eventId;
-    });
-    std::vector<std::uint32_t> begins(order.size());
-    std::uint32_t next = 0;
-    for (const std::uint32_t group : order) {
-        Entry& entry = scan.groups[group];
-        begins[group] = next;
-        entry.end += next; // held the count
-        entry.begin = next;
-        next = entry.end;
-    }
-    GroupValues(mVersions, scan.groupOfRow, begins);
-    GroupValues(mTimes, scan.groupOfRow, begins);
-    GroupValues(mRowIds, scan.groupOfRow, begins);
-    mEntries.reserve(order.size());
-    mEntryOfId = std::move(scan.groupOfId);
-    for (const std::uint32_t group : order) {
-        Entry& entry = scan.groups[group];
-        const auto begin = mTimes.begin() + entry.begin;
-        entry.isAscending = std::is_sorted(begin, begin + (entry.end - entry.begin));
-        mEntryOfId.Renumber(entry.eventId, static_cast<std::uint32_t>(mEntries.size()));
-        mEntries.push_back(entry);
+    GroupIds(scan);
+    GroupRows(scan.groupOfRow);
+    scan.groupOfRow = PackedColumn();
+    mIsAscending.resize(mIds.size());
+    for (std::size_t number = 0; number < mIds.size(); ++number) {
+        const Entry entry = GetEntry(number);
+        std::uint32_t row = entry.begin;
+        while (row + 1 < entry.end && mTimes[row] <= mTimes[row + 1]) {
+            ++row;
+        }
+        mIsAscending[number] = row + 1 >= entry.end;
     }
 }
 
-std::int32_t EventLogIndex::ReadDayOfMonth(std::uint32_t position)
+std::size_t EventLogIndex::FirstEntryFrom(std::int64_t id) const
 {
-    // The events of a log lie close together: the calendar is asked for whole hours, most of which lie in one day.
-    const std::uint32_t time = mTimes[position];
-    DayOfHour& known = mDays[time / SECONDS_OF_HOUR % mDays.size()];
-    const std::uint32_t start = time - time % SECONDS_OF_HOUR;
-    if (known.day == 0 || known.start != start) {
-        const int day = DayOf(start);
-        known = {start, DayOf(std::int64_t{start} + SECONDS_OF_HOUR - 1) == day ? day : 0};
-    }
-    const int day = known.day != 0 ? known.day : DayOf(time);
-    mVersions[position] = static_cast<std::uint16_t>((mVersions[position] & VERSION_MASK) | day << VERSION_BITS);
-    return day;
+    return static_cast<std::size_t>(std::lower_bound(mIds.begin(), mIds.end(), id) - mIds.begin());
 }
 
 std::uint32_t EventLogIndex::FirstSince(const Entry& entry, std::int64_t start) const
@@ -339,11 +322,14 @@ std::uint32_t EventLogIndex::FirstSince(const Entry& entry, std::int64_t start) 
     if (!entry.isAscending) {
         return entry.begin;
     }
-    const auto begin = mTimes.begin() + entry.begin;
-    const auto end = mTimes.begin() + entry.end;
-    const auto first = std::lower_bound(begin, end, start,
-        [](std::uint32_t time, std::int64_t limit) { return static_cast<std::int64_t>(time) < limit; });
-    return entry.begin + static_cast<std::uint32_t>(first - begin);
+    std::uint32_t first = entry.begin;
+    for (std::uint32_t rest = entry.end - first; rest != 0;) {
+        const std::uint32_t half = rest / 2;
+        const bool isBefore = std::int64_t{mTimes[first + half]} < start;
+        first = isBefore ? first + half + 1 : first;
+        rest = isBefore ? rest - half - 1 : half;
+    }
+    return first;
 }
 
 EventLogIndex::Filter EventLogIndex::FilterFor(std::int64_t start, const std::string& versionName) const
@@ -361,7 +347,6 @@ std::size_t EventLogIndex::Count(const Entry& entry, const Filter& filter) const
     // Written so that compilers make one loop over several rows at once of it.
     const bool anyVersion = !filter.byVersion;
     const std::uint16_t allowed = filter.version;
-    const std::uint32_t* const times = mTimes.data();
     const std::uint16_t* const versions = mVersions.data();
     std::uint32_t count = 0;
     if (entry.isAscending) {
@@ -375,15 +360,15 @@ std::size_t EventLogIndex::Count(const Entry& entry, const Filter& filter) const
     for (std::uint32_t position = begin; position < entry.end; ++position) {
         const int version = versions[position] & VERSION_MASK;
         const bool isAllowed = anyVersion | (version == UNNAMED_VERSION) | (version == allowed);
-        count += static_cast<std::uint32_t>((times[position] >= start) & isAllowed);
+        count += static_cast<std::uint32_t>((mTimes[position] >= start) & isAllowed);
     }
     return count;
 }
 
 EventLogIndex::Counts EventLogIndex::CountsFor(const Filter& filter)
 {
-    const std::size_t bytes = std::max<std::size_t>(mEntries.size(), 1) * sizeof(std::uint32_t);
-    const std::size_t most = std::min(MOST_COUNTS, (SMALLEST_COUNTS + mTimes.size() / 4) / bytes);
+    const std::size_t bytes = std::max<std::size_t>(mIds.size(), 1) * sizeof(std::uint32_t);
+    const std::size_t most = std::min(MOST_COUNTS, COUNT_BYTES_A_ROW * mVersions.size() / bytes);
     const auto known = std::find_if(mCounts.begin(), mCounts.end(), [&filter](const CountsOfFilter& counts) {
         return counts.filter.start == filter.start && counts.filter.byVersion == filter.byVersion &&
             counts.filter.version == filter.version;
@@ -392,38 +377,49 @@ EventLogIndex::Counts EventLogIndex::CountsFor(const Filter& filter)
         mCounts.splice(mCounts.end(), mCounts, known);
         return Counts(*this, filter, known->counts.data());
     }
-    if (most == 0) {
+    if (most < 2) {
         return Counts(*this, filter, nullptr);
     }
     // What was asked for longest ago makes room; a Counts in use is one of the last two.
-    if (mCounts.size() >= std::max<std::size_t>(most, 2)) {
+    if (mCounts.size() >= most) {
         mCounts.pop_front();
     }
-    mCounts.push_back({filter, std::vector<std::uint32_t>(mEntries.size(), NOT_COUNTED)});
+    mCounts.push_back({filter, std::vector<std::uint32_t>(mIds.size(), NOT_COUNTED)});
     return Counts(*this, filter, mCounts.back().counts.data());
 }
 
-void EventLogIndex::Select(const Entry& entry, const Filter& filter, std::vector<std::uint32_t>& positions) const
+void EventLogIndex::Select(const Range& range, const Filter& filter, std::vector<std::uint32_t>& positions) const
 {
-    const std::uint32_t begin = FirstSince(entry, filter.start);
-    positions.resize(entry.end - begin);
-    if (entry.isAscending && !filter.byVersion) {
-        std::iota(positions.begin(), positions.end(), begin);
+    positions.resize(range.end - range.begin);
+    if (range.isSince && !filter.byVersion) {
+        std::iota(positions.begin(), positions.end(), range.begin);
         return;
     }
+    // Written always and kept if it passes: cheaper than a branch that can't be foreseen.
     std::size_t selected = 0;
-    for (std::uint32_t position = begin; position < entry.end; ++position) {
-        // Written always and kept if it passes: cheaper than a branch that can't be foreseen.
+    for (std::uint32_t position = range.begin; position < range.end; ++position) {
         positions[selected] = position;
-        selected += static_cast<std::size_t>(Passes(position, filter));
+        selected += static_cast<std::size_t>(
+            range.isSince ? IsOfVersion(mVersions[position], filter) : Passes(position, filter));
     }
     positions.resize(selected);
 }
 
-void EventLogIndex::CountDays(const Entry& entry, const Filter& filter, DayCounts& days)
+void EventLogIndex::CountDays(const Range& range, const Filter& filter, DayCounts& days) const
 {
-    for (std::uint32_t position = FirstSince(entry, filter.start); position < entry.end; ++position) {
-        const auto day = static_cast<std::size_t>(GetDayOfMonth(position));
-        days[day] += static_cast<std::int32_t>(Passes(position, filter));
+    const auto count = [&](auto passes) {
+        for (std::uint32_t position = range.begin; position < range.end; ++position) {
+            days[static_cast<std::size_t>(GetDayOfMonth(position))] += static_cast<std::int32_t>(passes(position));
+        }
+    };
+    if (!range.isSince) {
+        count([this, &filter](std::uint32_t position) { return Passes(position, filter); });
+    } else if (filter.byVersion) {
+        count([this, version = filter.version](std::uint32_t position) {
+            const int rowVersion = mVersions[position] & VERSION_MASK;
+            return (rowVersion == UNNAMED_VERSION) | (rowVersion == version);
+        });
+    } else {
+        count([](std::uint32_t) { return true; });
     }
 }

@@ -12,7 +12,7 @@ constexpr std::size_t DAY_LENGTH = 10;
 } // namespace
 
 EventRows::EventRows(Source& source, const Indexed& rows, std::size_t found, std::size_t count)
-    : mSource(source), mIndexed(rows), mEventId(rows.index.GetEntries()[rows.entryNumber].eventId), mFound(found),
+    : mSource(source), mIndexed(rows), mEventId(rows.index.GetIds()[rows.entryNumber]), mFound(found),
       mCount(count)
 {
 }
@@ -28,7 +28,7 @@ void EventRows::LoadMembers(const std::vector<std::string>& keys)
         return;
     }
     SelectRows();
-    if (!mIndexed->members.Load(mIndexed->entryNumber, mIndexed->positions, keys)) {
+    if (!mIndexed->members.Load(mIndexed->entryNumber, mIndexed->positions, mIndexed->filter.start, keys)) {
         ReadWhole();
     }
 }
@@ -36,7 +36,7 @@ void EventRows::LoadMembers(const std::vector<std::string>& keys)
 void EventRows::CountDays(EventLogIndex::DayCounts& days)
 {
     if (mIndexed) {
-        mIndexed->index.CountDays(mIndexed->index.GetEntries()[mIndexed->entryNumber], mIndexed->filter, days);
+        mIndexed->index.CountDays(mIndexed->range, mIndexed->filter, days);
         return;
     }
     for (std::size_t row = 0; row < mCount; ++row) {

@@ -28,11 +28,12 @@ public:
 
     /// Where the rows of an entry of the index are found.
     struct Indexed {
-        EventLogIndex& index;
+        const EventLogIndex& index;
         EventMemberCache& members;
         /// Room for their positions; empty.
         std::vector<std::uint32_t>& positions;
         std::size_t entryNumber;
+        EventLogIndex::Range range;
         EventLogIndex::Filter filter;
     };
 
@@ -58,7 +59,7 @@ public:
 
     /// What MemberTest tells most rows by without a look at their text; see EventMemberCache::GetCode. UNKNOWN for rows
     /// that were read whole.
-    MemberStore::Handle GetCode(std::size_t row, std::size_t keyNumber) const
+    MemberStore::Code GetCode(std::size_t row, std::size_t keyNumber) const
     {
         return mIndexed ? mIndexed->members.GetCode(mIndexed->positions[row], keyNumber) : MemberStore::UNKNOWN;
     }
@@ -77,8 +78,7 @@ private:
     void SelectRows()
     {
         if (mIndexed && mIndexed->positions.empty()) {
-            mIndexed->index.Select(
-                mIndexed->index.GetEntries()[mIndexed->entryNumber], mIndexed->filter, mIndexed->positions);
+            mIndexed->index.Select(mIndexed->range, mIndexed->filter, mIndexed->positions);
         }
     }
     void ReadWhole();

@@ -7,55 +7,59 @@
 #include <string_view>
 #include <vector>
 
-/// Keeps what the members of rows hold behind handles of four bytes: small numbers within the handle, each text once,
-/// and for rows with several members each combination once. Bounded: what doesn't fit is told so.
+/// Keeps what the members of rows hold behind codes: numbers within the code, the smaller the shorter, and each text
+/// once. Equal members have equal codes. Bounded: what doesn't fit is told so.
 class MemberStore {
 public:
-    /// Of a row, or of one of its members.
-    using Handle = std::uint32_t;
+    using Code = std::uint32_t;
 
-    static constexpr Handle UNKNOWN = 0; ///< not read yet
-    static constexpr Handle RAW = 1; ///< doesn't fit, or is no JSON: to be read again each time
-    static constexpr Handle NO_EXTRA = 2; ///< there is nothing to read
+    static constexpr Code UNKNOWN = 0; ///< not read yet
+    static constexpr Code RAW = 1; ///< doesn't fit, or is no JSON: to be read again each time
+    static constexpr Code NO_EXTRA = 2; ///< there is nothing to read
 
     /// Drops all and takes up to `bytes` of memory from then on.
     void Reset(std::size_t bytes);
 
-    /// A handle for a row with these members; RAW when there is no room.
-    Handle Store(const std::vector<std::string_view>& values);
+    /// The code of a member; RAW when there is no room.
+    Code CodeOf(std::string_view member);
 
-    /// The member in `column` of a row of `columns` members; UNKNOWN, RAW and NO_EXTRA as they are.
-    Handle CodeOf(Handle row, std::size_t columns, std::size_t column) const
+    static bool IsText(Code code) { return code >= FIRST_TEXT && code % 4 == FIRST_TEXT % 4; }
+    static bool IsInteger(Code code) { return code >= FIRST_INTEGER && !IsText(code); }
+    /// From -MOST_INTEGER to MOST_INTEGER.
+    static std::int64_t IntegerOf(Code code)
     {
-        return columns == 1 || row < FIRST_PLACE ? row : mTuples[row - FIRST_PLACE + column];
+        return code % 2 == FIRST_INTEGER % 2 ? std::int64_t{(code - FIRST_INTEGER) / 2}
+                                             : -1 - std::int64_t{(code - FIRST_NEGATIVE) / 4};
     }
-    static bool IsText(Handle code) { return code >= FIRST_PLACE && !IsInteger(code); }
-    static bool IsInteger(Handle code) { return (code & INTEGER_BIT) != 0; }
-    static std::int64_t IntegerOf(Handle code) { return std::int64_t{code & ~INTEGER_BIT} - INTEGER_OFFSET; }
-    /// The text of a member that is neither a number nor one of the three above. Lives until the next Store.
-    std::string_view TextOf(Handle code) const;
+    /// The text of a member that is neither a number nor one of the three above. Lives until the next CodeOf.
+    std::string_view TextOf(Code code) const { return GetText((code - FIRST_TEXT) / 4); }
 
 private:
-    static constexpr Handle FIRST_PLACE = 3;
-    static constexpr Handle INTEGER_BIT = 0x80000000U;
-    static constexpr std::int64_t INTEGER_OFFSET = 0x40000000;
+    // Of numbers from 0 on the codes are odd, as these are the most frequent; texts, in order of appearance, and
+    // numbers below 0 share the even ones.
+    static constexpr Code FIRST_INTEGER = 3;
+    static constexpr Code FIRST_TEXT = 4;
+    static constexpr Code FIRST_NEGATIVE = 6;
+    static constexpr std::int64_t MOST_INTEGER = 1000000000;
 
-    Handle CodeFor(std::string_view value);
-    Handle CodeForText(std::string_view text);
-    Handle CodeForTuple();
+    static Code CodeOfInteger(std::int64_t number)
+    {
+        return static_cast<Code>(number >= 0 ? FIRST_INTEGER + 2 * number : FIRST_NEGATIVE + 4 * (-1 - number));
+    }
+    Code CodeOfText(std::string_view text);
     bool HasRoom(std::size_t bytes) const;
-    template <typename HashOfPlace>
-    bool HasSlot(std::vector<Handle>& table, std::size_t count, HashOfPlace hashOf);
+    bool HasSlot();
+    std::uint32_t& SlotOf(std::string_view text);
+    std::string_view GetText(std::uint32_t number) const
+    {
+        const std::uint32_t begin = number == 0 ? 0 : mEnds[number - 1];
+        return std::string_view(mTexts).substr(begin, mEnds[number] - begin);
+    }
 
     std::size_t mLimit = 0;
-    std::string mTexts; // each with its length in two bytes in front
-    std::vector<Handle> mTuples; // codes of members, row after row, each row with their number in front
-    // Places in mTexts and mTuples, by hash.
-    std::vector<Handle> mTextTable;
-    std::vector<Handle> mTupleTable;
-    std::size_t mTextCount = 0;
-    std::size_t mTupleCount = 0;
-    std::vector<Handle> mCodes; // room for one row's
+    std::string mTexts; // one behind the other
+    std::vector<std::uint32_t> mEnds; // of each text
+    std::vector<std::uint32_t> mTable; // numbers of texts by hash
 };
 
 #endif

@@ -422,12 +422,12 @@ TEST_F(EventMembersTest, AreReadWhenAskedForAndKept)
 {
     Open(EventLogBuilder().Rows({{10, 7, "1.0", R"({"a":5,"b":"x"})"}, {20, 7, "1.0", ""}, {30, 7, "1.0", "{"},
         {40, 7, "1.0", "[1]"}, {50, 7, "1.0", R"({"a":{"b":1},"b":1.5})"}, {60, 7, "2.0", R"({"a":9})"},
-        {70, 7, "", R"({"a":"\u0041","b":"007"})"}, {80, 7, "1.0", R"({"a":-1073741825})"},
-        {90, 7, "1.0", R"({"a":-1073741824})"}, {95, 7, "1.0", R"({"a":123456789012345})"}}));
-    const std::string onlyA = "#5 - raw({) '' '' 'A' '-1073741825' #-1073741824 '123456789012345' ";
+        {70, 7, "", R"({"a":"\u0041","b":"007"})"}, {80, 7, "1.0", R"({"a":-1000000001})"},
+        {90, 7, "1.0", R"({"a":-1000000000})"}, {95, 7, "1.0", R"({"a":123456789012345})"}}));
+    const std::string onlyA = "#5 - raw({) '' '' 'A' '-1000000001' #-1000000000 '123456789012345' ";
     EXPECT_EQ(Members({"a"}), onlyA);
     EXPECT_EQ(Members({"a"}), onlyA);
-    const std::string both = "'x'#5 -- raw({)raw({) '''' '1.5''' '007''A' '''-1073741825' ''#-1073741824 "
+    const std::string both = "'x'#5 -- raw({)raw({) '''' '1.5''' '007''A' '''-1000000001' ''#-1000000000 "
                              "'''123456789012345' ";
     EXPECT_EQ(Members({"b", "a"}), both);
     EXPECT_EQ(Members({"a"}), onlyA);
@@ -470,6 +470,93 @@ TEST_F(EventMembersTest, TextsBeyondTheStoreAreReadAgain)
     EXPECT_EQ(first.substr(0, 1000), expected.substr(0, 1000));
     EXPECT_THAT(first, testing::HasSubstr("raw({\"a\":\"5999" + std::string(60, 'x') + "\"})"));
     EXPECT_THAT(first, testing::EndsWith("yyy\"}) "));
+}
+
+// Rows of id 7 with members k1 to k`keys`, whose value is the number of the row; the last k1 is `lastValue`.
+EventLogBuilder RowsWithMembers(int rows, int keys, const std::string& lastValue)
+{
+    EventLogBuilder builder;
+    for (int row = 1; row <= rows; ++row) {
+        const std::string value = std::to_string(row % 100);
+        std::string extra = "{\"k1\":" + (row == rows ? lastValue : value);
+        for (int key = 2; key <= keys; ++key) {
+            extra += ",\"k" + std::to_string(key) + "\":" + value;
+        }
+        builder.Row({row, 7, "1.0", extra + "}"});
+    }
+    return builder;
+}
+
+std::vector<std::string> MemberKeys(int keys)
+{
+    std::vector<std::string> names;
+    for (int key = 1; key <= keys; ++key) {
+        names.push_back("k" + std::to_string(key));
+    }
+    return names;
+}
+
+TEST_F(EventMembersTest, MoreMembersThanThereIsRoomForAreReadAgain)
+{
+    Open(RowsWithMembers(3000, 32, "1000000000"));
+    std::string expected;
+    for (int row = 1; row <= 3000; ++row) {
+        for (int key = 1; key <= 32; ++key) {
+            expected += "#" + (row == 3000 && key == 1 ? "1000000000" : std::to_string(row % 100));
+        }
+        expected += " ";
+    }
+    EXPECT_EQ(Members(MemberKeys(32)), expected);
+    EXPECT_EQ(Members(MemberKeys(32)), expected);
+}
+
+TEST_F(EventMembersTest, NumbersTooLargeForTheRoomThatIsLeftAreReadAgain)
+{
+    Open(RowsWithMembers(3000, 20, "1000000000"));
+    std::string expected;
+    for (int row = 1; row < 3000; ++row) {
+        expected += "#" + std::to_string(row % 100) + " ";
+    }
+    mHelper->Foresee(7, 7, MemberKeys(20));
+    for (int round = 0; round < 2; ++round) {
+        const std::string told = Members({"k1"});
+        EXPECT_EQ(told.substr(0, expected.size()), expected);
+        EXPECT_THAT(told.substr(expected.size()), testing::StartsWith("raw({\"k1\":1000000000,"));
+        EXPECT_THAT(Members({"k2"}), testing::EndsWith("#98 #99 #0 "));
+    }
+}
+
+TEST_F(EventMembersTest, MembersForeseenInTheMiddleLeaveThoseAroundAsTheyAre)
+{
+    EventLogBuilder builder;
+    for (int row = 0; row < 50; ++row) {
+        builder.Row({row, 1 + row % 10, "1.0", R"({"a":)" + std::to_string(row * 10) + R"(,"b":"x)" +
+            std::to_string(row) + "\"}"});
+    }
+    Open(builder);
+    const auto members = [this](const std::vector<std::string>& keys) {
+        std::string text;
+        mHelper->VisitEvents({1, 10, 20, false, true}, [&](EventRows& rows) {
+            text += MemberTexts(rows, keys);
+            return false;
+        });
+        return text;
+    };
+    std::string onlyA;
+    std::string onlyB;
+    for (int id = 1; id <= 10; ++id) {
+        for (int row = id - 1; row < 50; row += 10) {
+            onlyA += row < 20 ? "" : "#" + std::to_string(row * 10) + " ";
+            onlyB += row < 20 ? "" : "'x" + std::to_string(row) + "' ";
+        }
+    }
+    mHelper->Foresee(1, 10, {"a"});
+    EXPECT_EQ(members({"a"}), onlyA);
+    mHelper->Foresee(4, 6, {"b"});
+    mHelper->Foresee(6, 300, {"c", "b"});
+    EXPECT_EQ(members({"a"}), onlyA);
+    EXPECT_EQ(members({"b"}), onlyB);
+    EXPECT_EQ(members({"a"}), onlyA);
 }
 
 TEST_F(EventMembersTest, ChangeDuringAVisitGivesTheRowsOfAFreshQuery)

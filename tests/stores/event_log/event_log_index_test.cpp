@@ -24,7 +24,8 @@ protected:
     std::string Rows() const
     {
         std::string text;
-        for (const EventLogIndex::Entry& entry : mIndex.GetEntries()) {
+        for (std::size_t number = 0; number < mIndex.GetEntryCount(); ++number) {
+            const EventLogIndex::Entry entry = mIndex.GetEntry(number);
             text += (text.empty() ? "" : "; ") + std::to_string(entry.eventId) + (entry.needsQuery ? "?" : ":");
             for (std::uint32_t position = entry.begin; position < entry.end; ++position) {
                 text += " " + std::to_string(mIndex.GetTime(position));
@@ -35,7 +36,7 @@ protected:
 
     std::size_t Count(const EventLogIndex::Filter& filter) const
     {
-        return mIndex.Count(mIndex.GetEntries().front(), filter);
+        return mIndex.Count(mIndex.GetEntry(0), filter);
     }
 
     TempDir mDir;
@@ -50,9 +51,9 @@ TEST_F(EventLogIndexTest, GroupsRowsByIdInTheOrderOfTheLog)
     EXPECT_EQ(Read(EventLogBuilder().Rows({{30, 7, "", ""}, {20, -5, "", ""}, {10, 7, "", ""}, {40, 7, "", ""},
         {50, -5, "", ""}, {60, 9, "", ""}})), State::READY);
     EXPECT_EQ(Rows(), "-5: 20 50; 7: 30 10 40; 9: 60");
-    EXPECT_TRUE(mIndex.GetEntries()[0].isAscending);
-    EXPECT_FALSE(mIndex.GetEntries()[1].isAscending);
-    EXPECT_EQ(mIndex.GetRowId(mIndex.GetEntries()[2].begin), 6);
+    EXPECT_TRUE(mIndex.GetEntry(0).isAscending);
+    EXPECT_FALSE(mIndex.GetEntry(1).isAscending);
+    EXPECT_EQ(mIndex.GetRowId(mIndex.GetEntry(2).begin), 6);
     EXPECT_THAT(mLog.Lines(), testing::IsEmpty());
 }
 
@@ -78,7 +79,7 @@ TEST_F(EventLogIndexTest, CountsRowsOutOfOrderOneByOne)
     EXPECT_EQ(Count(EventLogIndex::FilterFor(-7)), 3U);
     EXPECT_EQ(Count(mIndex.FilterFor(25, "2")), 1U);
     std::vector<std::uint32_t> positions;
-    mIndex.Select(mIndex.GetEntries().front(), mIndex.FilterFor(25, "1"), positions);
+    mIndex.Select(EventLogIndex::RangeOf(mIndex.GetEntry(0), 2), mIndex.FilterFor(25, "1"), positions);
     EXPECT_THAT(positions, testing::ElementsAre(0U, 2U));
 }
 
@@ -90,20 +91,70 @@ TEST_F(EventLogIndexTest, KeptCountsAreThoseOfTheirFilter)
             const auto all = mIndex.CountsFor(EventLogIndex::FilterFor(start));
             const auto ofVersion = mIndex.CountsFor(mIndex.FilterFor(start, "2"));
             for (std::size_t entry = 0; entry < 2; ++entry) {
-                ASSERT_EQ(all.Of(entry), mIndex.Count(mIndex.GetEntries()[entry], EventLogIndex::FilterFor(start)));
-                ASSERT_EQ(ofVersion.Of(entry), mIndex.Count(mIndex.GetEntries()[entry], mIndex.FilterFor(start, "2")));
+                ASSERT_EQ(all.Of(entry), mIndex.Count(mIndex.GetEntry(entry), EventLogIndex::FilterFor(start)));
+                ASSERT_EQ(ofVersion.Of(entry), mIndex.Count(mIndex.GetEntry(entry), mIndex.FilterFor(start, "2")));
             }
         }
     }
     EXPECT_EQ(mIndex.CountsFor(EventLogIndex::FilterFor(15)).Of(0), 1U);
 }
 
-TEST_F(EventLogIndexTest, FindsTheEntryOfAnId)
+TEST_F(EventLogIndexTest, FindsTheFirstEntryFromAnIdOn)
 {
-    ASSERT_EQ(Read(EventLogBuilder().Rows({{10, 8, "", ""}, {20, 7, "", ""}})), State::READY);
-    EXPECT_EQ(mIndex.FindEntry(7), 0U);
-    EXPECT_EQ(mIndex.FindEntry(8), 1U);
-    EXPECT_EQ(mIndex.FindEntry(9), GroupNumbers::NONE);
+    ASSERT_EQ(Read(EventLogBuilder().Rows({{10, 8, "", ""}, {20, -7, "", ""}})), State::READY);
+    EXPECT_EQ(mIndex.FirstEntryFrom(-8), 0U);
+    EXPECT_EQ(mIndex.FirstEntryFrom(-7), 0U);
+    EXPECT_EQ(mIndex.FirstEntryFrom(-6), 1U);
+    EXPECT_EQ(mIndex.FirstEntryFrom(8), 1U);
+    EXPECT_EQ(mIndex.FirstEntryFrom(2147483648), 2U);
+}
+
+TEST_F(EventLogIndexTest, RangesSinceAStartLeaveOutWhatCameBefore)
+{
+    ASSERT_EQ(Read(EventLogBuilder().Rows({{10, 7, "1", ""}, {20, 7, "2", ""}, {30, 7, "", ""}, {40, 8, "", ""},
+        {25, 8, "1", ""}})), State::READY);
+    std::vector<std::uint32_t> positions;
+    const EventLogIndex::Range ascending = EventLogIndex::RangeOf(mIndex.GetEntry(0), 2);
+    mIndex.Select(ascending, EventLogIndex::FilterFor(20), positions);
+    EXPECT_THAT(positions, testing::ElementsAre(1U, 2U));
+    mIndex.Select(ascending, mIndex.FilterFor(20, "1"), positions);
+    EXPECT_THAT(positions, testing::ElementsAre(2U));
+    mIndex.Select(EventLogIndex::RangeOf(mIndex.GetEntry(1), 1), EventLogIndex::FilterFor(26), positions);
+    EXPECT_THAT(positions, testing::ElementsAre(3U));
+}
+
+TEST_F(EventLogIndexTest, DaysAreCountedAmongTheRowsThatCount)
+{
+    constexpr std::int64_t DAY = 86400;
+    constexpr std::int64_t FIRST = 1700000000; // 14 November 2023, in the evening
+    ASSERT_EQ(Read(EventLogBuilder().Rows({{FIRST, 7, "1", ""}, {FIRST + DAY, 7, "2", ""}, {FIRST + DAY, 7, "", ""},
+        {FIRST + 31 * DAY, 7, "1", ""}, {FIRST + DAY, 8, "1", ""}, {FIRST, 8, "1", ""}})), State::READY);
+    const auto days = [this](std::size_t entry, std::size_t found, const EventLogIndex::Filter& filter) {
+        EventLogIndex::DayCounts counts{};
+        mIndex.CountDays(EventLogIndex::RangeOf(mIndex.GetEntry(entry), found), filter, counts);
+        std::string text;
+        for (std::size_t day = 0; day < counts.size(); ++day) {
+            text += counts[day] == 0 ? "" : std::to_string(day) + ":" + std::to_string(counts[day]) + " ";
+        }
+        return text;
+    };
+    EXPECT_EQ(days(0, 4, EventLogIndex::FilterFor(0)), days(0, 4, EventLogIndex::FilterFor(FIRST)));
+    EXPECT_EQ(days(0, 4, EventLogIndex::FilterFor(0)), "14:1 15:3 ");
+    EXPECT_EQ(days(0, 3, EventLogIndex::FilterFor(FIRST + 1)), "15:3 ");
+    EXPECT_EQ(days(0, 4, mIndex.FilterFor(0, "1")), "14:1 15:2 ");
+    EXPECT_EQ(days(1, 2, EventLogIndex::FilterFor(0)), "14:1 15:1 ");
+    EXPECT_EQ(days(1, 1, EventLogIndex::FilterFor(FIRST + 1)), "15:1 ");
+}
+
+TEST_F(EventLogIndexTest, TimesAndRowNumbersFarApartKeepTheirValues)
+{
+    EXPECT_EQ(Read(EventLogBuilder().Rows({{1700000000, 7, "", ""}, {0, 7, "", ""}, {4294967295, 7, "", ""},
+        {1699999999, 8, "", ""}, {1500000000, 8, "", ""}})
+        .Sql("update event_info set _ID = 4294967295 where _ID = 5")
+        .Sql("update event_info_flow set _ID = 4294967295 where _ID = 5")), State::READY);
+    EXPECT_EQ(Rows(), "7: 1700000000 0 4294967295; 8: 1699999999 1500000000");
+    EXPECT_EQ(mIndex.GetRowId(mIndex.GetEntry(0).begin), 1);
+    EXPECT_EQ(mIndex.GetRowId(mIndex.GetEntry(1).end - 1), 4294967295);
 }
 
 TEST_F(EventLogIndexTest, ManyIdsAreGroupedToo)
@@ -114,9 +165,10 @@ TEST_F(EventLogIndexTest, ManyIdsAreGroupedToo)
         "from n where i < 70000) insert into event_info select i, 70001 - i, '', 1 from n")
         .Sql("insert into event_info_flow select _ID, _ID, _ID from event_info");
     ASSERT_EQ(Read(builder), State::READY);
-    ASSERT_EQ(mIndex.GetEntries().size(), 70000U);
+    ASSERT_EQ(mIndex.GetEntryCount(), 70000U);
     for (const std::int32_t id : {1, 2, 4000, 65536, 65537, 70000}) {
-        const EventLogIndex::Entry& entry = mIndex.GetEntries()[mIndex.FindEntry(id)];
+        const EventLogIndex::Entry entry = mIndex.GetEntry(mIndex.FirstEntryFrom(id));
+        EXPECT_EQ(entry.eventId, id);
         EXPECT_EQ(entry.end - entry.begin, 1U);
         EXPECT_EQ(mIndex.GetTime(entry.begin), 70001 - id);
         EXPECT_EQ(mIndex.GetRowId(entry.begin), 70001 - id);
@@ -195,7 +247,7 @@ TEST_F(EventLogIndexTest, LogThatCannotBeAskedIsUnreadable)
     EventLogBuilder().Row({10, 7, "", ""}).Sql("alter table event_info drop column extra").WriteTo(mPath);
     mDatabase.Open(mPath);
     EXPECT_EQ(mIndex.Refresh(), State::UNREADABLE);
-    EXPECT_THAT(mIndex.GetEntries(), testing::IsEmpty());
+    EXPECT_THAT(mIndex.GetIds(), testing::IsEmpty());
     EXPECT_THAT(mLog.Lines(), testing::IsEmpty());
 }
 
