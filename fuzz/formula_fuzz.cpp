@@ -1,16 +1,21 @@
 // Any text as a formula: the first line is the formula, each further line "name=value" gives a value.
 
+#include <functional>
 #include <map>
 #include <sstream>
+#include <string>
+#include <string_view>
 
 #include "arborist/evaluation/formula.h"
 #include "fuzz/fuzz_support.h"
 
 namespace {
 
-std::map<std::string, std::string> ValuesOf(std::istream& lines)
+using Values = std::map<std::string, std::string, std::less<>>;
+
+Values ValuesOf(std::istream& lines)
 {
-    std::map<std::string, std::string> values;
+    Values values;
     for (std::string line; std::getline(lines, line);) {
         const auto sign = line.find('=');
         if (sign != std::string::npos) {
@@ -29,12 +34,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::string expression;
     std::getline(lines, expression);
     const auto values = ValuesOf(lines);
-    const Formula formula(expression, [&values](const std::string& name) {
+    const auto valueOf = [&values](std::string_view name) {
         const auto value = values.find(name);
         return value != values.end() ? &value->second : nullptr;
-    });
-    const auto plain = formula.Calculate(false);
-    const auto explained = formula.Calculate(true);
+    };
+    const Formula formula(expression);
+    const auto plain = formula.Calculate(valueOf, false);
+    const auto explained = formula.Calculate(valueOf, true);
     if (plain.result != explained.result || explained.grouping.empty() != plain.result.empty()) {
         std::abort();
     }

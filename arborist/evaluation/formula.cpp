@@ -1,7 +1,8 @@
 #include "arborist/evaluation/formula.h"
 
 #include <cstddef>
-#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "arborist/utilities/string_util.h"
 
@@ -10,20 +11,38 @@ namespace {
 // An operator's place is its priority; the blank keeps the two levels more than one apart.
 constexpr std::string_view PRIORITY = "+- */";
 
-// Words and signs of a formula, room for which is made at once.
-constexpr std::size_t USUAL_LENGTH = 16;
+// Values of a formula that wait for their operators, room for which is made at once.
+constexpr std::size_t USUAL_VALUES = 16;
 
 bool IsLegalOperator(char sign)
 {
     return sign == '+' || sign == '-' || sign == '*' || sign == '/';
 }
 
-// Only "*" and "/" give way to an incoming "+" or "-". Operators of one level never do: chains go from the right.
-bool IsPriorityIsBiggerOrTheSame(char top, const std::string& token)
+bool IsSign(char letter)
 {
-    const std::size_t topPlace = PRIORITY.find(top);
-    const std::size_t tokenPlace = PRIORITY.find_first_of(token);
-    return topPlace != std::string_view::npos && topPlace >= tokenPlace + 2;
+    return letter == '(' || letter == ')' || IsLegalOperator(letter);
+}
+
+// A sign, or the name up to the next one.
+std::string_view FirstToken(std::string_view text)
+{
+    std::size_t length = 1;
+    while (!IsSign(text.front()) && length < text.size() && !IsSign(text[length])) {
+        ++length;
+    }
+    return text.substr(0, length);
+}
+
+// Only "*" and "/" give way to an incoming "+" or "-". Operators of one level never do: chains go from the right.
+bool IsPriorityIsBiggerOrTheSame(char top, std::string_view token)
+{
+    if (top != '*' && top != '/') {
+        return false;
+    }
+    // A value that counts as an operator has more letters, and all of them are looked for.
+    const std::size_t place = token.size() == 1 ? PRIORITY.find(token.front()) : PRIORITY.find_first_of(token);
+    return PRIORITY.find(top) >= place + 2;
 }
 
 // Which values were joined by which operator: a binary tree that is written out at the end, so that long chains are
@@ -108,12 +127,14 @@ class Calculation {
 public:
     explicit Calculation(Grouping* grouping) : mGrouping(grouping)
     {
-        mNumbers.reserve(USUAL_LENGTH);
-        mOperators.reserve(USUAL_LENGTH);
+        mNumbers.reserve(USUAL_VALUES);
     }
 
-    bool Take(const std::string& text, const std::string& name)
+    // `value` is null or empty where `token` stands for itself.
+    bool Take(std::string_view token, const std::string* value)
     {
+        const bool hasValue = value != nullptr && !value->empty();
+        const std::string_view text = hasValue ? *value : token;
         const char sign = text.front();
         if (IsLegalOperator(sign)) {
             return RunLegalOperator(text);
@@ -125,7 +146,7 @@ public:
         if (sign == ')') {
             return RunParenthesis();
         }
-        Push(StringUtil::StringToDoubleDef(text, 0), name);
+        Push(StringUtil::StringToDoubleDef(hasValue ? *value : std::string(token), 0), token);
         return true;
     }
 
@@ -142,7 +163,7 @@ public:
     double Result() const { return mNumbers.back(); }
 
 private:
-    bool RunLegalOperator(const std::string& token)
+    bool RunLegalOperator(std::string_view token)
     {
         while (!mOperators.empty() && IsPriorityIsBiggerOrTheSame(mOperators.back(), token)) {
             if (!Compute()) {
@@ -202,7 +223,7 @@ private:
         }
     }
 
-    void Push(double number, const std::string& name)
+    void Push(double number, std::string_view name)
     {
         mNumbers.push_back(number);
         if (mGrouping != nullptr) {
@@ -211,43 +232,25 @@ private:
     }
 
     std::vector<double> mNumbers;
-    std::vector<char> mOperators;
+    std::string mOperators; // a text for its room: most formulas need no memory for it
     Grouping* mGrouping;
 };
 
 } // namespace
 
-Formula::Formula(const std::string& expression, const ValueOf& valueOf)
+Formula::Formula(std::string expression) : mText(std::move(expression))
 {
-    mTokens.reserve(USUAL_LENGTH);
-    std::string name;
-    for (const char sign : expression) {
-        if (sign == '(' || sign == ')' || IsLegalOperator(sign)) {
-            CloseName(name, valueOf);
-            mTokens.push_back({std::string(1, sign), nullptr});
-        } else if (sign != ' ') { // two words with a blank between them are one name
-            name += sign;
-        }
-    }
-    CloseName(name, valueOf);
+    std::erase(mText, ' '); // two words with a blank between them are one name
 }
 
-void Formula::CloseName(std::string& name, const ValueOf& valueOf)
-{
-    if (name.empty()) {
-        return;
-    }
-    const std::string* value = valueOf(name);
-    mTokens.push_back({std::move(name), value != nullptr && !value->empty() ? value : nullptr});
-    name.clear();
-}
-
-Formula::Outcome Formula::Calculate(bool withGrouping) const
+Formula::Outcome Formula::Calculate(const ValueOf& valueOf, bool withGrouping) const
 {
     Grouping grouping;
     Calculation calculation(withGrouping ? &grouping : nullptr);
-    for (const auto& token : mTokens) {
-        if (!calculation.Take(token.Text(), token.name)) {
+    for (std::string_view rest = mText; !rest.empty();) {
+        const std::string_view token = FirstToken(rest);
+        rest.remove_prefix(token.size());
+        if (!calculation.Take(token, IsSign(token.front()) ? nullptr : valueOf(token))) {
             return {};
         }
     }

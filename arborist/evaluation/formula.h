@@ -3,7 +3,7 @@
 
 #include <functional>
 #include <string>
-#include <vector>
+#include <string_view>
 
 /// An arithmetic formula over named values, worked out by the rules that rule files are written for.
 ///
@@ -13,9 +13,8 @@
 /// ends a name. Takes time in proportion to the text, whatever it holds.
 class Formula {
 public:
-    /// The value of a name: null or empty when it has none, which leaves the name to stand for itself. The value is
-    /// referred to until the formula is gone.
-    using ValueOf = std::function<const std::string*(const std::string& name)>;
+    /// The value of a name: null or empty when it has none, which leaves the name to stand for itself.
+    using ValueOf = std::function<const std::string*(std::string_view name)>;
 
     struct Outcome {
         /// Six decimals; empty when the formula is ill-formed: an operator lacks a value, or parentheses their other.
@@ -25,23 +24,14 @@ public:
         std::string grouping;
     };
 
-    Formula(const std::string& expression, const ValueOf& valueOf);
+    explicit Formula(std::string expression);
 
     /// Without a word or sign.
-    bool IsEmpty() const { return mTokens.empty(); }
-    Outcome Calculate(bool withGrouping) const;
+    bool IsEmpty() const { return mText.empty(); }
+    Outcome Calculate(const ValueOf& valueOf, bool withGrouping) const;
 
 private:
-    struct Token {
-        std::string name;
-        const std::string* value = nullptr; // null where the name stands for itself
-
-        const std::string& Text() const { return value != nullptr ? *value : name; }
-    };
-
-    void CloseName(std::string& name, const ValueOf& valueOf);
-
-    std::vector<Token> mTokens;
+    std::string mText; // without blanks
 };
 
 #endif

@@ -10,49 +10,54 @@
 
 using Reason = DetectionObserver::Reason;
 
-// The parameters of a rule that bear a text in one field, in the order of the map. Several may share a key.
+// Finds the parameters of a rule that bear a text in one field, in the order of the map. Several may share a key.
 class NodeRuleEngine::ParamIndex {
 public:
-    using Params = std::vector<Param*>;
-
-    struct Range {
-        Params::const_iterator first;
-        Params::const_iterator last;
-
-        Params::const_iterator begin() const { return first; }
-        Params::const_iterator end() const { return last; }
-        bool IsEmpty() const { return first == last; }
-    };
-
-    ParamIndex(const ParamMap& params, std::string Param::*field) : mField(field)
+    ParamIndex(const ParamMap& params, std::string Param::*field) : mParams(params), mField(field)
     {
-        mParams.reserve(params.size());
-        for (const auto& [id, param] : params) {
-            if (param != nullptr) {
-                mParams.push_back(param.get());
-            }
-        }
-        const auto isBefore = [field](const Param* left, const Param* right) { return left->*field < right->*field; };
-        // Most maps are in order already, and a stable sort would ask for memory first.
-        if (!std::is_sorted(mParams.begin(), mParams.end(), isBefore)) {
-            std::stable_sort(mParams.begin(), mParams.end(), isBefore);
+        if (!HasFew()) {
+            Sort();
         }
     }
 
-    Range Find(const std::string& text) const
+    // Shows those that bear `text` to `visit` until it answers true, and answers whether it did.
+    template <typename Visitor>
+    bool Visit(std::string_view text, Visitor visit) const
     {
-        const auto first = std::lower_bound(
-            mParams.begin(), mParams.end(), text,
-            [this](const Param* param, const std::string& value) { return param->*mField < value; });
-        const auto last = std::upper_bound(
-            first, mParams.end(), text,
-            [this](const std::string& value, const Param* param) { return value < param->*mField; });
-        return {first, last};
+        if (HasFew()) {
+            return std::any_of(mParams.begin(), mParams.end(), [&](const auto& entry) {
+                return entry.second != nullptr && (*entry.second).*mField == text && visit(*entry.second);
+            });
+        }
+        const auto isBefore = [this](const Param* param, std::string_view value) { return param->*mField < value; };
+        for (auto place = std::lower_bound(mSorted.begin(), mSorted.end(), text, isBefore);
+             place != mSorted.end() && (*place)->*mField == text; ++place) {
+            if (visit(**place)) {
+                return true;
+            }
+        }
+        return false;
     }
 
 private:
+    // Few are asked one by one, which costs less than to sort them.
+    bool HasFew() const { return mParams.size() <= 8; }
+
+    void Sort()
+    {
+        mSorted.reserve(mParams.size());
+        for (const auto& [id, param] : mParams) {
+            if (param != nullptr) {
+                mSorted.push_back(param.get());
+            }
+        }
+        std::stable_sort(mSorted.begin(), mSorted.end(),
+            [this](const Param* left, const Param* right) { return left->*mField < right->*mField; });
+    }
+
+    const ParamMap& mParams;
     std::string Param::*mField;
-    Params mParams;
+    std::vector<Param*> mSorted;
 };
 
 bool NodeRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId)
@@ -97,31 +102,36 @@ bool NodeRuleEngine::SetParamValue(const NodeRule& rule, const ParamIndex& param
 
 void NodeRuleEngine::SetExpressNodeValue(const ParamIndex& params, const std::string& name, const std::string& value)
 {
-    for (Param* param : params.Find(name)) {
-        param->value = value;
-    }
+    params.Visit(name, [&value](Param& param) {
+        param.value = value;
+        return false;
+    });
 }
 
 // The first one's value; null when no parameter has this name.
-const std::string* NodeRuleEngine::GetExpressNodeValue(const ParamIndex& params, const std::string& name)
+const std::string* NodeRuleEngine::GetExpressNodeValue(const ParamIndex& params, std::string_view name)
 {
-    const auto found = params.Find(name);
-    return found.IsEmpty() ? nullptr : &(*found.begin())->value;
+    const std::string* value = nullptr;
+    params.Visit(name, [&value](const Param& param) {
+        value = &param.value;
+        return true;
+    });
+    return value;
 }
 
 void NodeRuleEngine::RunLogicExpression(const NodeRule& rule, const ParamIndex& params)
 {
-    const std::string expression = rule.GetLogicExpression().GetExpress();
-    const std::string ret = rule.GetLogicExpression().GetRet();
+    const std::string& expression = rule.GetLogicExpression().GetExpress();
+    const std::string& ret = rule.GetLogicExpression().GetRet();
     if (rule.GetLogicExpression().GetType().empty() || ret.empty() || expression.empty()) {
         return;
     }
-    const Formula formula(
-        expression, [&params](const std::string& name) { return GetExpressNodeValue(params, name); });
+    const Formula formula(expression);
     if (formula.IsEmpty()) {
         return;
     }
-    const auto outcome = formula.Calculate(GetObserver() != nullptr);
+    const auto outcome = formula.Calculate(
+        [&params](std::string_view name) { return GetExpressNodeValue(params, name); }, GetObserver() != nullptr);
     if (GetObserver() != nullptr) {
         GetObserver()->OnFormula({expression, outcome.grouping, outcome.result, ret});
     }
@@ -179,16 +189,16 @@ bool NodeRuleEngine::IsFaultForMultipleNodeRule(const ParamMap& params, const Or
 // Unlike a single condition, an item looks at the parameters with its own id alone.
 bool NodeRuleEngine::IsFaultForNodeRuleItem(const ParamIndex& params, const OrLogic::LogicItem& item)
 {
-    const auto found = params.Find(item.GetParamId());
-    if (found.IsEmpty()) {
+    bool isThere = false;
+    const bool holds = params.Visit(item.GetParamId(), [&](const Param& param) {
+        isThere = true;
+        const bool hit = CompareParam(param, item.GetLogic(), item.GetValue(), param.value);
+        mIsValueMissing = mIsValueMissing || (!hit && param.value.empty());
+        return hit;
+    });
+    if (!isThere) {
         mIsValueMissing = true;
-        return CompareParam({{}, {}, item.GetParamId(), {}}, item.GetLogic(), item.GetValue(), {}); // tells, fails
+        CompareParam({{}, {}, item.GetParamId(), {}}, item.GetLogic(), item.GetValue(), {}); // tells, fails
     }
-    for (const Param* param : found) {
-        if (CompareParam(*param, item.GetLogic(), item.GetValue(), param->value)) {
-            return true;
-        }
-        mIsValueMissing = mIsValueMissing || param->value.empty();
-    }
-    return false;
+    return holds;
 }

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "arborist/evaluation/rule_checker.h"
 #include "arborist/model/condition.h"
@@ -24,7 +25,7 @@ private:
     class ParamIndex;
 
     static void SetExpressNodeValue(const ParamIndex& params, const std::string& name, const std::string& value);
-    static const std::string* GetExpressNodeValue(const ParamIndex& params, const std::string& name);
+    static const std::string* GetExpressNodeValue(const ParamIndex& params, std::string_view name);
     /// Answers whether every file could be read. One that can't gives the empty value.
     bool SetParamValue(const NodeRule& rule, const ParamIndex& params);
     void RunLogicExpression(const NodeRule& rule, const ParamIndex& params);

@@ -8,10 +8,10 @@ FaultTreePropGlobal& FaultTreePropGlobal::GetInstance()
     return instance;
 }
 
-std::string FaultTreePropGlobal::GetFaultTreeProperty(const std::string& key, const std::string& defaultValue) const
+std::string FaultTreePropGlobal::GetFaultTreeProperty(std::string_view key, std::string_view defaultValue) const
 {
     const auto property = mProperties.find(key);
-    return property == mProperties.end() ? defaultValue : property->second;
+    return property == mProperties.end() ? std::string(defaultValue) : property->second;
 }
 
 bool FaultTreePropGlobal::SetFaultTreeProperty(const std::string& key, const std::string& value, bool overwrite)

@@ -1,8 +1,10 @@
 #ifndef ARBORIST_FRAME_FAULT_TREE_PROP_GLOBAL_H
 #define ARBORIST_FRAME_FAULT_TREE_PROP_GLOBAL_H
 
+#include <functional>
 #include <map>
 #include <string>
+#include <string_view>
 
 /// The process-wide map behind SetFaultTreeProperty. Created thread-safely on first use, not locked afterwards.
 class FaultTreePropGlobal {
@@ -13,7 +15,7 @@ public:
     static FaultTreePropGlobal& GetInstance();
 
     /// The value of `key`, or a copy of `defaultValue` when it was never set.
-    std::string GetFaultTreeProperty(const std::string& key, const std::string& defaultValue) const;
+    std::string GetFaultTreeProperty(std::string_view key, std::string_view defaultValue) const;
 
     /// Inserts or assigns and answers true; with `overwrite` false and the key present, false and nothing changes.
     bool SetFaultTreeProperty(const std::string& key, const std::string& value, bool overwrite);
@@ -22,7 +24,7 @@ private:
     FaultTreePropGlobal() = default;
     ~FaultTreePropGlobal() = default;
 
-    std::map<std::string, std::string> mProperties;
+    std::map<std::string, std::string, std::less<>> mProperties;
 };
 
 #endif

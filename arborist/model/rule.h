@@ -176,11 +176,11 @@ public:
         LogicExpression() = default;
         virtual ~LogicExpression() = default;
 
-        std::string GetExpress() const { return express; }
+        const std::string& GetExpress() const { return express; }
         void SetExpress(const std::string& text) { express = text; }
-        std::string GetRet() const { return ret; }
+        const std::string& GetRet() const { return ret; }
         void SetRet(const std::string& text) { ret = text; }
-        std::string GetType() const { return type; }
+        const std::string& GetType() const { return type; }
         void SetType(const std::string& text) { type = text; }
 
     private:

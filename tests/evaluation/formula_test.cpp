@@ -1,8 +1,11 @@
 #include "arborist/evaluation/formula.h"
 
 #include <chrono>
+#include <functional>
 #include <map>
 #include <random>
+#include <string>
+#include <string_view>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,15 +17,15 @@ namespace {
 
 using testing::ElementsAre;
 
-using Values = std::map<std::string, std::string>;
+using Values = std::map<std::string, std::string, std::less<>>;
 
 Formula::Outcome Outcome(const std::string& expression, const Values& values = {})
 {
-    const Formula formula(expression, [&values](const std::string& name) {
+    const auto valueOf = [&values](std::string_view name) {
         const auto value = values.find(name);
         return value != values.end() ? &value->second : nullptr;
-    });
-    return formula.Calculate(true);
+    };
+    return Formula(expression).Calculate(valueOf, true);
 }
 
 struct FormulaCase {
@@ -139,17 +142,16 @@ TEST_F(FormulaTest, GreatestNumbersArePrintedWhole)
 
 TEST_F(FormulaTest, WithoutWordsOrSignsItIsEmpty)
 {
-    const auto noValue = [](const std::string&) -> const std::string* { return nullptr; };
-    EXPECT_TRUE(Formula("", noValue).IsEmpty());
-    EXPECT_TRUE(Formula("   ", noValue).IsEmpty());
-    EXPECT_FALSE(Formula("x", noValue).IsEmpty());
-    EXPECT_EQ(Formula("", noValue).Calculate(true).result, "");
+    EXPECT_TRUE(Formula("").IsEmpty());
+    EXPECT_TRUE(Formula("   ").IsEmpty());
+    EXPECT_FALSE(Formula("x").IsEmpty());
+    EXPECT_EQ(Outcome("").result, "");
 }
 
 TEST_F(FormulaTest, GroupingIsWrittenOnlyWhenAskedFor)
 {
-    const auto noValue = [](const std::string&) -> const std::string* { return nullptr; };
-    const auto outcome = Formula("10-3-2", noValue).Calculate(false);
+    const auto noValue = [](std::string_view) -> const std::string* { return nullptr; };
+    const auto outcome = Formula("10-3-2").Calculate(noValue, false);
     EXPECT_EQ(outcome.result, "9.000000");
     EXPECT_EQ(outcome.grouping, "");
 }

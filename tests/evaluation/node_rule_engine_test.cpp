@@ -167,6 +167,29 @@ TEST_F(NodeRuleEngineTest, EveryParameterWithTheKeyTakesTheValueAndTheFirstGives
     }
 }
 
+TEST_F(NodeRuleEngineTest, AmongManyParametersTheMeantOnesAreFound)
+{
+    NodeFile("b", "3");
+    for (int other = 10; other < 30; ++other) {
+        AddParam(std::to_string(other), "c" + std::to_string(40 - other), "int");
+    }
+    mRule->InsertParamMap({{"30", nullptr}});
+    const auto first = AddParam("31", "b", "");
+    const auto second = AddParam("32", "b", "");
+    const auto results = {AddParam("33", "a", "int"), AddParam("34", "a", "int")};
+    Express("b + 1", "a");
+    Conditions({MultipleTest({Item("33", "eq", "4"), Item("34", "eq", "4")})});
+    EXPECT_TRUE(Ask());
+    EXPECT_EQ(first->value, "3");
+    EXPECT_EQ(second->value, "3");
+    for (const auto& result : results) {
+        EXPECT_EQ(result->value, "4.000000");
+    }
+    Conditions({MultipleTest({Item("33", "eq", "4"), Item("35", "eq", "4")})});
+    EXPECT_FALSE(Ask());
+    EXPECT_EQ(mEngine.GetReason(), Reason::NO_VALUE);
+}
+
 TEST_F(NodeRuleEngineTest, OfTwoNodesForOneParameterTheLaterCountsEvenWhenItCantBeRead)
 {
     NodeFile("a", "5");
