@@ -120,6 +120,15 @@ TEST_F(BundleCommandTest, APackOfTheSameBundleHasTheSameBytes)
     EXPECT_EQ(mDir.Read("three.zip"), mDir.Read("one.zip"));
 }
 
+TEST_F(BundleCommandTest, ACaptureIntoASearchedFolderDoesNotHoldItself)
+{
+    PrepareLaptop("b");
+    const auto content = [](const ProcessResult& packed) { return packed.out.substr(packed.out.find(": ")); };
+    const std::string outside = content(Pack({"b", "-o", "outside"}));
+    EXPECT_EQ(content(Pack({"b", "-o", "b/device/data/panel/inside"})), outside);
+    EXPECT_FALSE(mDir.Has("b/device/data/panel/inside/device/data/panel/inside"));
+}
+
 TEST_F(BundleCommandTest, FilesOfALiveDeviceAreCapturedBelowARoot)
 {
     WriteLiveBundle("80\n");

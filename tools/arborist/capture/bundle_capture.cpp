@@ -67,7 +67,8 @@ Json::Value DeviceValue(const DeviceDetails& device)
 class Capture {
 public:
     Capture(const BundleSession& session, const CaptureOptions& options, const std::string& folder)
-        : mSession(session), mOptions(options), mOwn(session.GetBundle()), mFiles(folder, ZipLimits{})
+        : mSession(session), mOptions(options), mOwn(session.GetBundle()),
+          mFiles(folder, ZipLimits{}, fs::path(folder).parent_path().string())
     {
     }
 

@@ -25,8 +25,8 @@ bool LeadsUp(const fs::path& link)
     return here.compare(0, target.size(), target) == 0;
 }
 
-// Listed before anything is taken: the capture may grow below the folder itself.
-std::vector<fs::path> PathsBelow(const fs::path& folder, std::uint64_t most)
+// Listed before anything is taken: the capture may grow below the folder itself. What it has grown so far is left out.
+std::vector<fs::path> PathsBelow(const fs::path& folder, const fs::path& own, std::uint64_t most)
 {
     std::vector<fs::path> paths;
     std::error_code error;
@@ -34,11 +34,12 @@ std::vector<fs::path> PathsBelow(const fs::path& folder, std::uint64_t most)
     for (fs::recursive_directory_iterator entry(folder, options, error);
          !error && entry != fs::recursive_directory_iterator() && paths.size() <= most; entry.increment(error)) {
         std::error_code ignored;
-        const bool isEndless = entry->is_symlink(ignored) && LeadsUp(entry->path());
-        if (isEndless || entry.depth() >= MOST_FOLDERS) {
+        const bool isLeftOut = (entry->is_symlink(ignored) && LeadsUp(entry->path()))
+            || (entry->is_directory(ignored) && fs::equivalent(entry->path(), own, ignored));
+        if (isLeftOut || entry.depth() >= MOST_FOLDERS) {
             entry.disable_recursion_pending();
         }
-        if (!isEndless && (entry->is_directory(ignored) || entry->is_regular_file(ignored))) {
+        if (!isLeftOut && (entry->is_directory(ignored) || entry->is_regular_file(ignored))) {
             paths.push_back(entry->path());
         }
     }
@@ -72,7 +73,7 @@ std::optional<Failure> CapturedFiles::AddFolder(const std::string& source, const
         return AddFile(source, name);
     }
     fs::create_directories(Path(name), error);
-    const auto paths = PathsBelow(source, mLimits.entries);
+    const auto paths = PathsBelow(source, mOwn, mLimits.entries);
     for (const fs::path& path : paths) {
         const std::string below = name + "/" + path.lexically_relative(source).string();
         if (fs::is_directory(path, error)) {

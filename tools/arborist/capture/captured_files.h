@@ -15,7 +15,11 @@ namespace command {
 /// without "..". Links are followed: what they lead to is taken.
 class CapturedFiles {
 public:
-    CapturedFiles(std::string folder, ZipLimits limits) : mFolder(std::move(folder)), mLimits(limits) {}
+    /// Nothing is taken from `own`, where the capture is being made: it may lie in a folder that is captured.
+    CapturedFiles(std::string folder, ZipLimits limits, std::string own = "")
+        : mFolder(std::move(folder)), mLimits(limits), mOwn(std::move(own))
+    {
+    }
 
     /// Takes the file at `source`; one that is missing stays missing, and one that is no plain file is a warning.
     std::optional<Failure> AddFile(const std::string& source, const std::string& name);
@@ -38,6 +42,7 @@ private:
 
     std::string mFolder;
     ZipLimits mLimits;
+    std::string mOwn;
     std::uint64_t mFiles = 0;
     std::uint64_t mBytes = 0;
     std::vector<Warning> mWarnings;
