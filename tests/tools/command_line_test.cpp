@@ -54,6 +54,14 @@ INSTANTIATE_TEST_SUITE_P(Table, WrongUse, testing::Values(
     WrongUseCase{"BadLogLevel", {"detect", "b", "--log-level", "loud"}, "--log-level: loud not in {trace,debug,info,warn,error,fatal,none}"}),
     CaseName());
 
+TEST(CommandLineTest, NamesOfOtherCommandsAreArgumentsBehindTheFirst)
+{
+    const TempDir dir;
+    for (const char* first : {"detect", "explain", "report"}) {
+        EXPECT_THAT(RunArborist({first, "query"}).err, HasSubstr("query: no such folder"));
+    }
+}
+
 TEST(CommandLineTest, HelpIsAResultWithTheExitStatuses)
 {
     const auto help = RunArborist({"--help"});
