@@ -76,6 +76,28 @@ TEST_F(ScratchTest, AMissingLogStaysMissing)
     EXPECT_FALSE(mDir.Has("b/programdata"));
 }
 
+TEST_F(ScratchTest, AMissingLogThatTablesAreBuiltFromStaysMissing)
+{
+    PrepareLaptop("laptop");
+    fs::remove(mDir.Path("laptop") + LOG_OF_BUNDLE);
+    const auto before = StateOf("laptop");
+    EXPECT_EQ(Run({"detect", "laptop"}).status, 0);
+    EXPECT_EQ(StateOf("laptop"), before);
+    EXPECT_TRUE(IsScratchGone());
+}
+
+TEST_F(ScratchTest, WhatStandsBesideTheLogIsLeftAlone)
+{
+    WriteDropsBundle(mDir, "b");
+    const std::string log = mDir.Path("b") + LOG_OF_BUNDLE;
+    ThreeDrops().WriteTo(log);
+    mDir.Write("b/programdata/Comms/Lumbra/workDir/notes", "of the service");
+    const auto before = StateOf("b");
+    EXPECT_THAT(Run({"detect", "b"}).out, HasSubstr("1. DROPS"));
+    EXPECT_EQ(StateOf("b"), before);
+    EXPECT_TRUE(IsScratchGone());
+}
+
 TEST_F(ScratchTest, ALogInWalModeIsReadWithItsWaitingRows)
 {
     WriteDropsBundle(mDir, "b");
