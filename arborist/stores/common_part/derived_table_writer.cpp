@@ -85,18 +85,19 @@ void DerivedTableWriter::GetColumnNames(const ParamList& params)
 void DerivedTableWriter::Write(const std::vector<Json::Value>& rows)
 {
     if (rows.size() < FEW_ROWS) {
-        InsertAll(rows);
+        InsertAll(rows, &DerivedTableWriter::InsertRow);
         return;
     }
     if (CanBeStaged(rows) && OpenStage()) {
-        InsertAll(rows);
+        // One statement, which none of these rows can make more of, is a transaction by itself.
+        InsertAll(rows, &DerivedTableWriter::RunInsert);
         PublishStage();
         return;
     }
     // A log written ahead makes a transaction cheap, and leaves the file whole if the process ends in between.
     RunQuietly("PRAGMA locking_mode=EXCLUSIVE");
     RunQuietly("PRAGMA journal_mode=WAL");
-    InsertAll(rows);
+    InsertAll(rows, &DerivedTableWriter::InsertRow);
     RunQuietly("PRAGMA journal_mode=DELETE");
     RunQuietly("PRAGMA locking_mode=NORMAL");
 }
@@ -109,13 +110,13 @@ bool DerivedTableWriter::RunQuietly(const std::string& statement)
     return cursor.IsOk();
 }
 
-void DerivedTableWriter::InsertAll(const std::vector<Json::Value>& rows)
+void DerivedTableWriter::InsertAll(const std::vector<Json::Value>& rows, Insert insert)
 {
     ValueMap values;
     for (const Json::Value& row : rows) {
         UpdateValuesOfSetDataToTable(row, values);
         if (!values.empty()) {
-            InsertRow(InsertStatement(values));
+            (this->*insert)(InsertStatement(values));
             values.clear();
         }
     }
@@ -156,11 +157,16 @@ std::string DerivedTableWriter::InsertStatement(const ValueMap& values) const
 void DerivedTableWriter::InsertRow(const std::string& statement)
 {
     mDatabase.BeginTransaction();
+    RunInsert(statement);
+    mDatabase.CommitTransaction();
+}
+
+void DerivedTableWriter::RunInsert(const std::string& statement)
+{
     if (!FT::sql::SqlOperator(mDatabase.GetHandle()).ExecuteNoCallback(statement)) {
         FT::Log::GetInstance().Output(
             FT::LEVEL_ERROR, "FUNc:%s: execute sql fail.", "CommonPartDbHelper::IsSetedDataToTable");
     }
-    mDatabase.CommitTransaction();
 }
 
 bool DerivedTableWriter::CanBeStaged(const std::vector<Json::Value>& rows) const

@@ -42,8 +42,12 @@ private:
 
     void GetColumnNames(const ParamList& params);
     void UpdateValuesOfSetDataToTable(const Json::Value& row, ValueMap& values) const;
-    void InsertAll(const std::vector<Json::Value>& rows);
+    using Insert = void (DerivedTableWriter::*)(const std::string& statement);
+
+    void InsertAll(const std::vector<Json::Value>& rows, Insert insert);
+    // In a transaction, which RunInsert leaves to the statement.
     void InsertRow(const std::string& statement);
+    void RunInsert(const std::string& statement);
     std::string InsertStatement(const ValueMap& values) const;
     // For what this way of writing adds: its failures have no line.
     bool RunQuietly(const std::string& statement);
