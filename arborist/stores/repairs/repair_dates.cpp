@@ -11,20 +11,16 @@ RepairDates::~RepairDates() = default;
 
 std::string RepairDates::Query(const std::string& repairId)
 {
-    Open();
-    return mRepairs->QueryRepairDate(repairId);
-}
-
-void RepairDates::Open()
-{
     std::string path = DevicePaths::RepairDatabase();
     const Platform::FileIdentity identity(path);
     const bool isSameFile = mRepairs != nullptr && identity.IsSet() && path == mPath && identity == mIdentity;
-    if (isSameFile && mRepairs->ConfirmTable()) {
-        return;
+    std::string date;
+    if (isSameFile && mRepairs->QueryAgain(repairId, date)) {
+        return date;
     }
     mRepairs.reset(); // first, since closing may change the file
     mRepairs = std::make_unique<RepairDbUtil>();
     mPath = std::move(path);
     mIdentity = identity;
+    return mRepairs->QueryRepairDate(repairId);
 }

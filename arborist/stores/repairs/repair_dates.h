@@ -23,8 +23,6 @@ public:
     std::string Query(const std::string& repairId);
 
 private:
-    void Open();
-
     std::unique_ptr<RepairDbUtil> mRepairs;
     std::string mPath;
     Platform::FileIdentity mIdentity;

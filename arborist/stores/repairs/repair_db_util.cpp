@@ -62,6 +62,7 @@ bool RepairDbUtil::OpenDb()
         FT::Log::GetInstance().Output(
             FT::LEVEL_ERROR, "FUNc:%s: RepairDbUtil::OpenDb open database already open", NAME);
     }
+    mTableCount.reset();
     const std::string path = DevicePaths::RepairDatabase();
     const std::string folder = std::filesystem::path(path).parent_path().string();
     if (!FileUtil::FileExists(folder) && !FileUtil::ForceCreateDirectory(folder)) {
@@ -82,22 +83,31 @@ bool RepairDbUtil::OpenDb()
 void RepairDbUtil::CloseDb()
 {
     if (mDatabase != nullptr) {
+        mTableCount.reset();
         mDatabase->Close();
     }
 }
 
-bool RepairDbUtil::ConfirmTable() const
+bool RepairDbUtil::QueryAgain(const std::string& repairId, std::string& date)
 {
     if (!mDatabase->IsOpen()) {
         return false;
     }
-    FT::sql::SqlCursor count(mDatabase->GetHandle(),
-        std::string("select count(*) from sqlite_master where type = 'table' and name = '") + TABLE_NAME + "'");
-    const bool isThere = count.Step() && count.GetInteger(0) > 0;
-    if (isThere) {
-        LogTableExists(TABLE_NAME);
+    if (mTableCount == nullptr) {
+        mTableCount = std::make_unique<FT::sql::SqlCursor>(mDatabase->GetHandle(),
+            std::string("select count(*) from sqlite_master where type = 'table' and name = '") + TABLE_NAME + "'");
+    } else {
+        mTableCount->Restart();
     }
-    return isThere;
+    if (!mTableCount->Step() || mTableCount->GetInteger(0) == 0) {
+        mTableCount.reset();
+        return false;
+    }
+    LogTableExists(TABLE_NAME);
+    // The cursor still holds its read lock: both questions are one transaction.
+    date = QueryRepairDate(repairId);
+    mTableCount->Reset();
+    return true;
 }
 
 bool RepairDbUtil::CreateRepairRecordTable(const std::string& tableName)

@@ -7,6 +7,7 @@
 #include <vector>
 
 namespace FT::sql {
+class SqlCursor;
 class SqlDatabase;
 }
 
@@ -27,9 +28,9 @@ public:
     /// Local time of the latest repair, "%Y-%m-%d %H:%M:%S"; empty when there is none. An id with a single quote in it
     /// can be saved but not asked for: its query fails.
     std::string QueryRepairDate(const std::string& repairId);
-    /// What opening says of a table that is there, for an object that is used again. Says nothing and answers false
-    /// when the table is gone or can't be read.
-    bool ConfirmTable() const;
+    /// For an object that is used again: says what opening says of a table that is there, then QueryRepairDate into
+    /// `date`. Says nothing and answers false when the table is gone or can't be read.
+    bool QueryAgain(const std::string& repairId, std::string& date);
 
 private:
     friend struct RepairDbUtilPeer; // tests reach the private steps through it
@@ -43,6 +44,8 @@ private:
     void UpDateRepairData(const std::string& repairId, const std::string& date);
 
     std::unique_ptr<FT::sql::SqlDatabase> mDatabase;
+    /// The question of QueryAgain, which is the same each time; goes before the database is closed.
+    std::unique_ptr<FT::sql::SqlCursor> mTableCount;
 };
 
 #endif

@@ -38,10 +38,15 @@ bool SqlCursor::Step()
     return false;
 }
 
-void SqlCursor::Restart(std::int64_t parameter)
+void SqlCursor::Restart()
 {
     Reset();
     mDb.StartText();
+}
+
+void SqlCursor::Restart(std::int64_t parameter)
+{
+    Restart();
     sqlite3_bind_int64(mStatement, 1, parameter);
 }
 

@@ -34,7 +34,9 @@ public:
     /// SQLite's words for what failed; empty while all is well.
     const std::string& GetError() const { return mError; }
 
-    /// Back to before the first row, with a new value for the parameter ?1.
+    /// Back to before the first row.
+    void Restart();
+    /// The same with a new value for the parameter ?1.
     void Restart(std::int64_t parameter);
     /// Gives the read lock back.
     void Reset();

@@ -8,6 +8,7 @@
 #include "arborist/frame/repair.h"
 #include "arborist/frame/settings.h"
 #include "arborist/stores/repairs/repair_db_util.h"
+#include "tests/support/event_log_builder.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/settings_guard.h"
 #include "tests/support/temp_dir.h"
@@ -74,6 +75,28 @@ TEST_F(RepairDatesTest, FileThatGoesIsMadeAnew)
     EXPECT_TRUE(fs::exists(File()));
     RepairAt(1700000000, "R");
     EXPECT_EQ(mDates.Query("R"), "2023-11-14 23:13:20");
+}
+
+TEST_F(RepairDatesTest, TableThatGoesIsMadeAnew)
+{
+    RepairAt(1700000000, "R");
+    for (int question = 0; question < 2; ++question) {
+        EXPECT_NE(mDates.Query("R"), "");
+    }
+    EventLogBuilder::Run(File().string(), "drop table repair_data");
+    EXPECT_EQ(mDates.Query("R"), "");
+    RepairAt(1700000000, "R");
+    EXPECT_EQ(mDates.Query("R"), "2023-11-14 23:13:20");
+}
+
+TEST_F(RepairDatesTest, QuestionThatFailsLeavesTheFileToOthers)
+{
+    RepairAt(1700000000, "R");
+    for (int question = 0; question < 2; ++question) {
+        EXPECT_EQ(mDates.Query("it's"), "");
+    }
+    RepairAt(1700000060, "R");
+    EXPECT_EQ(mDates.Query("R"), "2023-11-14 23:14:20");
 }
 
 TEST_F(RepairDatesTest, AnotherRootIsAnotherFile)
