@@ -29,7 +29,9 @@ public:
                 return entry.second != nullptr && (*entry.second).*mField == text && visit(*entry.second);
             });
         }
-        const auto isBefore = [this](const Param* param, std::string_view value) { return param->*mField < value; };
+        const auto isBefore = [this](const Param* param, std::string_view value) {
+            return (param->*mField).compare(value) < 0;
+        };
         for (auto place = std::lower_bound(mSorted.begin(), mSorted.end(), text, isBefore);
              place != mSorted.end() && (*place)->*mField == text; ++place) {
             if (visit(**place)) {
