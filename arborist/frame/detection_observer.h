@@ -140,8 +140,8 @@ public:
         std::string_view ruleText;
     };
 
-    /// A name that leads nowhere (NO_COMMON_PART, NO_SUCH_DATABASE) or a method that is none (NOT_SQL); a RuleDecided with
-    /// the reason follows.
+    /// A name that leads nowhere (NO_COMMON_PART, NO_SUCH_DATABASE) or a method that is none (NOT_SQL); a RuleDecided
+    /// with the reason follows.
     struct NameSeen {
         Reason reason;
         std::string_view name;

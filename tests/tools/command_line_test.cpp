@@ -51,7 +51,8 @@ INSTANTIATE_TEST_SUITE_P(Table, WrongUse, testing::Values(
     WrongUseCase{"BadNow", {"detect", "b", "--now", "noon"},
         "--now: is neither \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: noon"},
     WrongUseCase{"BadZone", {"detect", "b", "--tz", "Mars"}, "--tz: names no time zone that this machine knows: Mars"},
-    WrongUseCase{"BadLogLevel", {"detect", "b", "--log-level", "loud"}, "--log-level: loud not in {trace,debug,info,warn,error,fatal,none}"}),
+    WrongUseCase{"BadLogLevel", {"detect", "b", "--log-level", "loud"},
+        "--log-level: loud not in {trace,debug,info,warn,error,fatal,none}"}),
     CaseName());
 
 TEST(CommandLineTest, NamesOfOtherCommandsAreArgumentsBehindTheFirst)

@@ -135,8 +135,8 @@ INSTANTIATE_TEST_SUITE_P(Table, BadBundle, testing::Values(
         "rule_file_missing", "rules/FaultTrees.xml: no such file; rules/FaultTreeRules.xml: no such file", 3},
     BadBundleCase{"NoTreeUnderTheTag", {{"bad/bundle.json", R"({"detectScene": 1, "treeTag": "Other"})"}}, "no_tree",
         "rules/FaultTrees.xml: no tree under the tag \"Other\"", 3},
-    BadBundleCase{"NoTreeUnderAMistypedTag", {{"bad/bundle.json", R"({"detectScene": 1, "treeTag": "tag"})"}}, "no_tree",
-        "rules/FaultTrees.xml: no tree under the tag \"tag\"; did you mean \"Tag\"?", 3}),
+    BadBundleCase{"NoTreeUnderAMistypedTag", {{"bad/bundle.json", R"({"detectScene": 1, "treeTag": "tag"})"}},
+        "no_tree", "rules/FaultTrees.xml: no tree under the tag \"tag\"; did you mean \"Tag\"?", 3}),
     CaseName());
 
 TEST_F(DetectCommandTest, AMalformedRuleFileIsNamedWithItsLine)

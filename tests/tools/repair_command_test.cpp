@@ -40,7 +40,8 @@ TEST_F(RepairCommandTest, AnIdThatNoEventNamesIsAWarningWithTheNearest)
     mDir.Write("rules/FaultTrees.xml",
         TreeXml("Tag").Tree("T", Or({Basic("E", {"", "", R"({"Repairid": "CLEAN"})", ""}), Basic("F")})).Text());
     mDir.Write("rules/FaultTreeRules.xml", RuleXml("Tag").FaultDescription("E", {"REPAIR_A"})
-        .Repair("E", {{"REPAIR_FAN", ""}, {"REPAIR_B", R"({"REPAIR_B": "{\"operat\\u0069on\": \"replace\"}"})"}}).Text());
+        .Repair("E", {{"REPAIR_FAN", ""},
+            {"REPAIR_B", R"({"REPAIR_B": "{\"operat\\u0069on\": \"replace\"}"})"}}).Text());
     const auto warning = [](const std::string& id) {
         const auto result = RunArborist({"repair", "record", "b", id, "--rules", "rules", "--now", "5"});
         EXPECT_EQ(result.status, 0);

@@ -48,8 +48,8 @@ public:
     explicit RuleSetFile(const std::string& path)
     {
         std::error_code error;
-        mIsRead = std::filesystem::is_regular_file(path, error) && mDocument.LoadFile(path.c_str()) == tinyxml2::XML_SUCCESS
-            && mDocument.RootElement() != nullptr;
+        mIsRead = std::filesystem::is_regular_file(path, error)
+            && mDocument.LoadFile(path.c_str()) == tinyxml2::XML_SUCCESS && mDocument.RootElement() != nullptr;
     }
 
     /// Null when the file can't be read.

@@ -318,7 +318,8 @@ Problem MakeStage(Scratch& scratch, const BundlePath& bundle, const Target& targ
 {
     std::error_code error;
     if (target.isZip) {
-        return IsOneFile(bundle.absolute, target.place) ? NotPacked(target, "is the bundle that is read") : scratch.Make();
+        return IsOneFile(bundle.absolute, target.place) ? NotPacked(target, "is the bundle that is read")
+                                                        : scratch.Make();
     }
     if (fs::exists(fs::symlink_status(target.place, error))) {
         return NotPacked(target, "exists already");

@@ -138,7 +138,8 @@ void AddSliceCommand(CLI::App& log, ExitStatus& status)
 
 void AddLogCommand(CLI::App& app, ExitStatus& status)
 {
-    CLI::App* log = app.add_subcommand("log", "Event logs: make them of readable text, show them, look for what is not seen, cut them");
+    CLI::App* log = app.add_subcommand(
+        "log", "Event logs: make them of readable text, show them, look for what is not seen, cut them");
     log->require_subcommand(1);
     log->footer("Example:\n  arborist log import events.jsonl --to log.db");
 
