@@ -26,7 +26,7 @@ bool ParseJson(std::string_view text, Json::Value& root, std::string& error)
     }
 }
 
-std::string MemberText(const Json::Value& root, const std::string& key)
+std::string MemberText(const Json::Value& root, std::string_view key)
 {
     if (!root.isObject()) {
         return "";

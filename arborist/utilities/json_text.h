@@ -14,6 +14,6 @@ bool ParseJson(std::string_view text, Json::Value& root, std::string& error);
 
 /// The member `key` of an object as text; numbers and booleans become text. Empty when `root` is no object, when the
 /// member is missing or null, and when it is an object or array. Raises nothing.
-std::string MemberText(const Json::Value& root, const std::string& key);
+std::string MemberText(const Json::Value& root, std::string_view key);
 
 #endif

@@ -3,7 +3,7 @@
 #include <iterator>
 #include <memory>
 #include <string_view>
-#include <utility>
+#include <vector>
 
 #include <json/value.h>
 
@@ -58,7 +58,7 @@ std::int64_t TimeOf(const FT::sql::SqlCursor& cursor)
     return value.AsInteger();
 }
 
-// `row` stays null where it doesn't.
+// `row`, which is null, stays so where it doesn't.
 bool HoldsJson(std::string_view extra, Json::Value& row)
 {
     std::string error;
@@ -74,6 +74,66 @@ bool IsStatisticTotal(const Json::Value& extra)
 {
     return MemberText(extra, "CASENAME") == "GAME_LAG_RATIO" && MemberText(extra, "FIELDNAME") == "TotalCount";
 }
+
+// Builds the rows out of what was selected, some hundred at a time: in turns with each step of the statement both would
+// be slower, as SQLite and the JSON reader together don't fit the processor's nearest cache.
+class RowBuilder {
+public:
+    explicit RowBuilder(std::vector<Json::Value>& rows) : mRows(rows) {}
+
+    void Take(std::string_view extra, std::int64_t time)
+    {
+        mTexts += extra;
+        mWaiting.push_back({mTexts.size(), time});
+        if (mTexts.size() >= BATCH_BYTES || mWaiting.size() >= BATCH_ROWS) {
+            Build();
+        }
+    }
+
+    /// Builds what still waits.
+    void Build()
+    {
+        std::size_t begin = 0;
+        for (const Waiting& waiting : mWaiting) {
+            BuildRow(std::string_view(mTexts).substr(begin, waiting.end - begin), waiting.time);
+            begin = waiting.end;
+        }
+        mTexts.clear();
+        mWaiting.clear();
+    }
+
+    const std::vector<std::string>& GetTextsWithoutJson() const { return mWithoutJson; }
+
+private:
+    static constexpr std::size_t BATCH_BYTES = 65536;
+    static constexpr std::size_t BATCH_ROWS = 256;
+
+    struct Waiting {
+        std::size_t end; // of its text in mTexts
+        std::int64_t time;
+    };
+
+    void BuildRow(std::string_view extra, std::int64_t time)
+    {
+        Json::Value& row = mRows.emplace_back();
+        if (!HoldsJson(extra, row)) {
+            mWithoutJson.emplace_back(extra);
+        }
+        if (IsStatisticTotal(row)) {
+            mRows.pop_back();
+            return;
+        }
+        if (!row.isObject()) {
+            row = Json::Value(Json::objectValue);
+        }
+        row[Json::StaticString("occurrence_time")] = static_cast<Json::Int64>(time);
+    }
+
+    std::vector<Json::Value>& mRows;
+    std::string mTexts; // one behind the other
+    std::vector<Waiting> mWaiting;
+    std::vector<std::string> mWithoutJson;
+};
 
 } // namespace
 
@@ -145,9 +205,9 @@ std::int64_t CommonPartDbHelper::QueryVersion(const FT::sql::SqlDatabase& databa
 void CommonPartDbHelper::QueryDataSet(
     const FT::sql::SqlDatabase& database, const std::string& sql, RowList& rows, std::int64_t minTime)
 {
-    // Row by row: what the selection holds need not be there twice, as text and as JSON.
+    // As they come: what the selection holds need not be there twice, as text and as JSON.
     FT::sql::SqlCursor cursor(database.GetHandle(), sql);
-    std::vector<std::string> withoutJson; // their lines come behind that of a statement that fails on its way
+    RowBuilder builder(rows);
     std::uint64_t bytes = 0;
     std::string error;
     bool isEmpty = true;
@@ -162,19 +222,9 @@ void CommonPartDbHelper::QueryDataSet(
             error = "query aborted"; // columns that are computed may hold far more than the file
             continue;
         }
-        Json::Value row;
-        if (!HoldsJson(extra, row)) {
-            withoutJson.emplace_back(extra);
-        }
-        if (IsStatisticTotal(row)) {
-            continue;
-        }
-        if (!row.isObject()) {
-            row = Json::Value(Json::objectValue);
-        }
-        row[Json::StaticString("occurrence_time")] = static_cast<Json::Int64>(time);
-        rows.push_back(std::move(row));
+        builder.Take(extra, time);
     }
+    builder.Build();
     if (!cursor.IsOk()) {
         error = cursor.GetError();
     }
@@ -183,7 +233,7 @@ void CommonPartDbHelper::QueryDataSet(
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Execute sql failed: %s",
             "FT::sql::SqlOperator::Execute", error.c_str());
     }
-    for (const std::string& extra : withoutJson) {
+    for (const std::string& extra : builder.GetTextsWithoutJson()) { // behind the line of a statement that fails
         ExtraStrToJson(extra);
     }
     if (isEmpty) {

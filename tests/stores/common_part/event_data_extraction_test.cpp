@@ -292,6 +292,35 @@ TEST_F(EventDataExtraction, LinesOfRowsWithoutJsonComeInTheirOrder)
         HasSubstr("jsonStr[x] err.")));
 }
 
+// More rows, and longer ones, than are built at a time.
+TEST_F(EventDataExtraction, ManyRowsKeepTheirTextsTimesAndOrder)
+{
+    EventLogBuilder builder;
+    std::vector<std::string> expected;
+    std::vector<std::string> broken;
+    for (int row = 1; row <= 3000; ++row) {
+        const std::string time = " occurrence_time=" + std::to_string(NOW - row);
+        if (row % 7 == 0) {
+            broken.push_back("{" + std::to_string(row));
+            builder.Row({NOW - row, 1, "", broken.back()});
+            expected.push_back(time.substr(1));
+        } else if (row % 11 == 0) {
+            builder.Row({NOW - row, 1, "", R"({"CASENAME":"GAME_LAG_RATIO","FIELDNAME":"TotalCount"})"});
+        } else {
+            const std::string text = std::to_string(row) + std::string(row % 500 == 1 ? 70000U : static_cast<std::size_t>(row % 40), 'x');
+            builder.Row({NOW - row, 1, "", "{\"a\":\"" + text + "\"}"});
+            expected.push_back("a=" + text + time);
+        }
+    }
+    builder.WriteTo(mPath);
+    EXPECT_EQ(Fetch(Ids({1})), expected);
+    const std::vector<std::string> lines = mLog.Lines(FT::LEVEL_ERROR);
+    ASSERT_EQ(lines.size(), broken.size());
+    for (std::size_t line = 0; line < lines.size(); ++line) {
+        EXPECT_THAT(lines[line], testing::HasSubstr("jsonStr[" + broken[line] + "]"));
+    }
+}
+
 TEST_F(EventDataExtraction, EmptyExtraIsToldAndNull)
 {
     EXPECT_TRUE(Peer::ToJson("").isNull());
