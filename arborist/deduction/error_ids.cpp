@@ -10,7 +10,7 @@ namespace {
 constexpr std::size_t FEW_COMPARISONS = 64;
 
 // Among so many places one in error marks few of the others.
-constexpr std::size_t LEAST_MARKS = 1024;
+constexpr std::size_t LEAST_MARKS = 512;
 
 bool AreUnambiguousAmongFew(const ErrorIds::Events& events, const ErrorIds::Indexes& inError)
 {
