@@ -69,11 +69,13 @@ void AddWrapping(std::int32_t& sum, std::int32_t summand)
 }
 
 // What is told of an id that reached more than those before it.
-void NoteReached(DetectionObserver::AlarmWindowSeen& seen, const EventRows& rows, std::int64_t reached)
+void NoteReached(DetectionObserver::AlarmWindowSeen& seen, const EventRows& rows, std::int64_t reached,
+    std::string_view measure)
 {
     if (seen.reachedById == 0 || reached > seen.reached) {
         seen.reached = reached;
         seen.reachedById = rows.GetEventId();
+        seen.measure = measure;
     }
 }
 
@@ -333,13 +335,14 @@ void AlarmRuleEngine::CountTested(Window& window, std::size_t test, std::uint64_
 bool AlarmRuleEngine::IsFaultForPeriod(EventRows& rows, const MemberTest* test, Window& window)
 {
     std::uint64_t count = 0;
+    const bool isWeighed = test == nullptr && DetectionCustomize::IsDmdEvent(rows.GetEventId());
     if (test != nullptr) {
         for (std::size_t row = 0; row < rows.GetCount(); ++row) {
             count += IsErrorForEventWithParam(rows, row, 0, *test) ? 1U : 0U;
         }
         CountTested(window, 0, rows.GetCount(), count);
         window.rowsFailed += rows.GetCount() - count;
-    } else if (DetectionCustomize::IsDmdEvent(rows.GetEventId())) {
+    } else if (isWeighed) {
         for (std::size_t row = 0; row < rows.GetCount(); ++row) {
             // A negative weight takes away, and wraps below 0.
             count += static_cast<std::uint64_t>(
@@ -348,7 +351,7 @@ bool AlarmRuleEngine::IsFaultForPeriod(EventRows& rows, const MemberTest* test, 
     } else {
         count = rows.GetCount();
     }
-    NoteReached(window.seen, rows, static_cast<std::int64_t>(count));
+    NoteReached(window.seen, rows, static_cast<std::int64_t>(count), isWeighed ? "weights" : "rows");
     // Compared without sign: a negative threshold is never reached.
     return count >= static_cast<std::uint64_t>(std::int64_t{window.threshold});
 }
@@ -387,7 +390,7 @@ bool AlarmRuleEngine::IsFaultForDaily(EventRows& rows, const MemberTest* test, W
     for (const std::int32_t count : days) {
         peak = std::max(peak, count);
     }
-    NoteReached(window.seen, rows, peak);
+    NoteReached(window.seen, rows, peak, test == nullptr && isDmd ? "daily_weights" : "daily_rows");
     return peak >= window.threshold;
 }
 
@@ -411,7 +414,7 @@ bool AlarmRuleEngine::IsFaultForPeriodWithParam(EventRows& rows, const TestList&
     }
     const auto count = static_cast<std::int32_t>(tested); // wraps
     window.rowsFailed += rows.GetCount() - tested;
-    NoteReached(window.seen, rows, count);
+    NoteReached(window.seen, rows, count, "rows");
     return count >= window.threshold;
 }
 

@@ -196,6 +196,9 @@ public:
         std::int64_t reachedById;
         bool hit;
         Reason reason;
+        /// What `reached` is: "rows", "weights" (the sum of what the rows say of themselves), or the best day's,
+        /// "daily_rows" and "daily_weights"; empty where no row was counted.
+        std::string_view measure = {};
     };
 
     /// One value held against another.

@@ -420,10 +420,10 @@ TEST_F(AlarmRuleEngineTest, ObserverIsToldOfEachWindow)
         .Latest(1, 2)));
     EXPECT_THAT(mObserver.Lines("window"), ElementsAre(
         "window item 0 ids 7-8 duration days 1 threshold 3 since 1699913600 by version rows 5 other version 1 failed 1 "
-        "reached 2 by 8 miss [window_short]",
+        "reached 2 rows by 8 miss [window_short]",
         testing::StartsWith("window item 0 ids 7-8 daily_peak days 0 threshold 0 since 0"),
         "window item 0 ids 7-8 latest days 1 threshold 2 since 1699913600 by version rows 5 other version 1 failed 1 "
-        "reached 2 by 8 hit [window_reached]"));
+        "reached 2 rows by 8 hit [window_reached]"));
     EXPECT_THAT(mObserver.Lines("start"), SizeIs(2));
 }
 
@@ -438,6 +438,27 @@ TEST_F(AlarmRuleEngineTest, ObserverIsToldOfTheBoundsOfAnItemWithoutIds)
     EXPECT_THAT(windows[3], testing::EndsWith("miss [no_ids]"));
     EXPECT_THAT(windows[4], testing::StartsWith("window item 0 ids 0-0  days 0"));
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), SizeIs(1)) << "the observer reads no bound again";
+}
+
+TEST_F(AlarmRuleEngineTest, ObserverIsToldWhetherRowsOrWeightsWereCountedAndOfOneDay)
+{
+    Log({{NOW, 7, "1", ""}, {NOW, DMD, "1", "{\"COUNT\":5}"}});
+    const std::string dmd = std::to_string(DMD);
+    Fires(Ids("7", "7").Duration(1, 9).DailyPeak(1, 9));
+    Fires(Ids(dmd, dmd).Latest(1, 9).DailyPeak(1, 9));
+    Fires(Ids(dmd, dmd).WithParam("p", "COUNT", "int").Single("p", "eq", "5").DailyPeak(1, 9));
+    Fires(Ids(dmd, dmd).WithParam("p", "COUNT", "int").Multiple({{"p", "eq", "5"}}).Duration(1, 9).DailyPeak(1, 9));
+    Fires(Ids("8", "8").Duration(1, 9));
+    std::vector<std::string> reached;
+    for (const std::string& line : mObserver.Lines("window")) {
+        if (line.find("[window_absent]") == std::string::npos) {
+            const auto at = line.find("reached ");
+            reached.push_back(line.substr(at, line.find(" miss") - at));
+        }
+    }
+    EXPECT_THAT(reached, ElementsAre("reached 1 rows by 7", "reached 1 daily_rows by 7",
+        "reached 5 daily_weights by " + dmd, "reached 5 weights by " + dmd, "reached 1 daily_rows by " + dmd,
+        "reached 1 rows by " + dmd, "reached 1 rows by " + dmd, "reached 0 by 0"));
 }
 
 TEST_F(AlarmRuleEngineTest, ObserverIsToldOfEachTestBeforeItsWindow)

@@ -170,7 +170,7 @@ void RecordingObserver::OnAlarmWindow(const AlarmWindowSeen& window)
                           " days ", window.periodDays, " threshold ", window.threshold, " since ", window.start,
                           window.versionFilter ? " by version" : "", " rows ", window.rowsFound, " other version ",
                           window.rowsOfOtherVersion, " failed ", window.rowsFailedTest, " reached ", window.reached,
-                          " by ", window.reachedById, window.hit ? " hit" : " miss", Why(window.reason)));
+                          window.measure.empty() ? "" : " ", window.measure, " by ", window.reachedById, window.hit ? " hit" : " miss", Why(window.reason)));
 }
 
 void RecordingObserver::OnNodeFile(const NodeFileSeen& node)

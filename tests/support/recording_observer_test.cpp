@@ -39,7 +39,7 @@ TEST(RecordingObserverTest, TellsWhatCheckersSaw)
     observer.OnStartTime({100, 90, 100, 0, 0, Observer::StartTimeSeen::Floor::RESET, 30, "1", ""});
     observer.OnAlarmTest({"DROP", "int", "ge", "5", 6, 4});
     observer.OnAlarmWindow({0, 10, 20, "latest", 7, 5, 100, true, 6, 1, 2, 3, 11, false,
-                            Observer::Reason::WINDOW_SHORT});
+                            Observer::Reason::WINDOW_SHORT, "weights"});
     observer.OnNodeFile({"p", "/node", true, "5"});
     observer.OnFormula({"a-b-c", "a - (b - c)", "9.000000", "ret"});
     observer.OnQuery({"j.db", "select 1", true, 1});
@@ -55,7 +55,7 @@ TEST(RecordingObserverTest, TellsWhatCheckersSaw)
                 ElementsAre("start 100 of period 90 reset 100 update 0 repair 0 by reset days 30 flag '1' repair id ''",
                             "test DROP int ge '5' passed 4 of 6",
                             "window item 0 ids 10-20 latest days 7 threshold 5 since 100 by version rows 6 "
-                            "other version 1 failed 2 reached 3 by 11 miss [window_short]",
+                            "other version 1 failed 2 reached 3 weights by 11 miss [window_short]",
                             "node p /node = '5'", "formula ret = a-b-c as a - (b - c) -> 9.000000",
                             "query j.db rows 1: select 1", "query j.db rows 0: select failed: incomplete input",
                             "interval begin=5 to end=0 days 0 unusable", "parameter 1 key int '7' -> '8'",

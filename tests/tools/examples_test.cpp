@@ -76,8 +76,8 @@ TEST_F(LaptopTest, ExplanationsTellHowManyDatabasesHit)
 TEST_F(LaptopTest, ExplanationsTellWeightsPeaksScalingAndWhereThresholdsComeFrom)
 {
     const std::string text = RunArborist({"explain", "laptop"}).out;
-    for (const char* line : {"this version only: 4 rows; reached 3 by id 932001001 of 3\n",
-             "2 rows; reached 105 of 100\n", "test DIMM = B1 (string): 2 of 3 rows pass\n",
+    for (const char* line : {"this version only: 4 rows; reached 3 by id 932001001 of 3 rows on one day\n",
+             "2 rows; reached 105 of 100 by weight\n", "test DIMM = B1 (string): 2 of 3 rows pass\n",
              "LIFE = \"0x0b 0x02\" from /sys/block/mmcblk0/device/life_time\n", "scaled from 1 day to 30: seen 1 to seen 1\n", "swaps = 120, scaled from 4\n",
              "swap 5120 > 4000 (int, dynamic most_swap): holds\n", "kills 3 >= 3 (int, static): holds\n",
              "mode 1024x768 != 1920x1080 (string, systemParam resolution): holds\n"}) {

@@ -134,6 +134,29 @@ TEST_P(ExplainedReason, StandsInTextAndJsonWithWhatItRestsOn)
     EXPECT_THAT(Violations(SCHEMA, ParsedJson(json.out)), testing::IsEmpty());
 }
 
+TEST(ExplainedWindows, TellWhetherRowsOrWeightsWereCountedAndOfOneDay)
+{
+    const TempDir dir;
+    const auto windows = [](const char* id) {
+        return AlarmIdXml(id, id, {TimeXml("duration", "1", "9"), TimeXml("daily_peak", "1", "9")});
+    };
+    WriteBundle(dir, {"", Alarm({windows("7"), windows("920000001"), windows("8")}), "", {}, "", [](const TempDir& in) {
+        EventLogBuilder().Rows({{NOW - 100, 7, "", ""}, {NOW - 100, 920000001, "", "{\"COUNT\":5}"}})
+            .WriteTo(in.Path(LOG));
+    }});
+    const std::string out = RunArborist({"explain", "--log-level", "none", "b"}).out;
+    std::vector<std::string> reached;
+    for (auto at = out.find("reached "); at != std::string::npos; at = out.find("reached ", at + 1)) {
+        reached.push_back(out.substr(at, out.find(" missing", at) - at));
+    }
+    EXPECT_THAT(reached, testing::ElementsAre("reached 1 of 9 rows, 8", "reached 1 of 9 rows on one day, 8",
+        "reached 5 of 9 by weight, 4", "reached 5 of 9 by weight on one day, 4", "reached 0 of 9, 9",
+        "reached 0 of 9, 9"));
+    EXPECT_THAT(RunArborist({"explain", "--json", "--log-level", "none", "b"}).out,
+        AllOf(HasSubstr("\"measure\": \"weights\""), HasSubstr("\"measure\": \"daily_rows\""),
+            HasSubstr("\"measure\": \"\"")));
+}
+
 std::vector<ReasonCase> CasesBeforeTheChecker()
 {
     return {
@@ -180,14 +203,15 @@ std::vector<ReasonCase> AlarmCases()
             {"FALSE window_empty", "ids 7-8, latest: window_empty"}},
         {"window_short", Alarm({AlarmItem({TimeXml("latest", "1", "3")})}), "FALSE",
             {"FALSE window_short",
-                "ids 7-8, latest since 2023-11-13 22:13:20 (period of 1 day): 4 rows; reached 2 by id 7 of 3, 1 missing"},
+                "ids 7-8, latest since 2023-11-13 22:13:20 (period of 1 day): 4 rows; reached 2 by id 7 of 3 rows, "
+                    "1 missing"},
             "", WriteLog},
         {"window_reached",
             Alarm({AlarmIdXml("7", "8", {TimeXml("latest", "1", "1"), params, test}).Attr("BeginFlag", "2")
                 .Attr("type", "param_eventid")}), "TRUE",
             {"rule r (alarm): TRUE window_reached",
                 "ids 7-8, latest since 2023-11-13 22:13:20 (period of 1 day), this version only: 2 rows, 1 of another "
-                "version; reached 1 by id 7 of 1",
+                "version; reached 1 by id 7 of 1 row",
                 "test N >= 5 (int): 1 of 1 row passes",
                 "Root cause E", "T / E", "rule r: window_reached, ids 7-8, latest since"},
             R"(, "settings": {"VersionName": "1", "ProgramDataDir": "programdata"})", WriteLog},

@@ -80,6 +80,8 @@ struct ExplainedWindow {
     /// The best count, weight or daily peak that one id reached, and that id; both 0 without rows.
     std::int64_t reached = 0;
     std::int64_t reachedById = 0;
+    /// "rows", "weights", "daily_rows", "daily_weights"; empty without rows.
+    std::string measure;
     bool hit = false;
     Reason reason{};
     std::vector<ExplainedTest> tests;

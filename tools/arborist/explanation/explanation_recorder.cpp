@@ -87,6 +87,7 @@ void ExplanationRecorder::OnAlarmWindow(const AlarmWindowSeen& seen)
     window.rowsFailedTest = seen.rowsFailedTest;
     window.reached = seen.reached;
     window.reachedById = seen.reachedById;
+    window.measure = seen.measure;
     window.hit = seen.hit;
     window.reason = seen.reason;
     window.tests = std::move(mTests);

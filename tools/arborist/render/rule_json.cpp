@@ -61,6 +61,7 @@ void WriteWindow(JsonWriter& json, const ExplainedWindow& window)
         WriteCount(json, "rowsFailedTest", window.rowsFailedTest);
         WriteNumber(json, "reached", window.reached);
         WriteNumber(json, "reachedById", window.reachedById);
+        json.Text("measure", window.measure);
         WriteNumber(json, "threshold", window.threshold);
         WriteNumber(json, "missing", window.Missing());
         json.Key("tests").BeginArray();

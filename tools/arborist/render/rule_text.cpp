@@ -105,6 +105,19 @@ std::string IdsText(const ExplainedWindow& window)
     return window.firstId == window.lastId ? "id " + first : "ids " + first + "-" + std::to_string(window.lastId);
 }
 
+// What the threshold asks for.
+std::string WantedText(const ExplainedWindow& window)
+{
+    const std::string number = std::to_string(window.threshold);
+    const std::string rows = window.threshold == 1 ? " row" : " rows";
+    if (window.measure.empty()) {
+        return number;
+    }
+    const bool isWeighed = window.measure == "weights" || window.measure == "daily_weights";
+    const bool isDaily = window.measure == "daily_rows" || window.measure == "daily_weights";
+    return number + (isWeighed ? " by weight" : rows) + (isDaily ? " on one day" : "");
+}
+
 std::string CountText(const ExplainedWindow& window)
 {
     std::string text = Number(window.rowsFound, "row", "rows");
@@ -118,7 +131,7 @@ std::string CountText(const ExplainedWindow& window)
     if (window.reachedById != 0 && window.firstId != window.lastId) {
         text += " by id " + std::to_string(window.reachedById);
     }
-    text += " of " + std::to_string(window.threshold);
+    text += " of " + WantedText(window);
     return window.Missing() == 0 ? text : text + ", " + std::to_string(window.Missing()) + " missing";
 }
 
