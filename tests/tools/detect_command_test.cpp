@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 
 #include <gmock/gmock.h>
@@ -277,6 +278,22 @@ TEST_F(DetectCommandTest, ALogFileThatCannotBeWrittenIsWrongUse)
     EXPECT_EQ(result.err, "arborist: no/such/folder/log: can't be written: No such file or directory\n");
     EXPECT_THAT(result.out, IsEmpty());
     EXPECT_EQ(result.status, 2);
+}
+
+TEST_F(DetectCommandTest, ALogThatCannotBeWrittenToItsEndIsToldOnce)
+{
+    WriteHotBundle(mDir, "b");
+    const std::string told = "arborist: /dev/full: can't be written: No space left on device\n";
+    const auto single = RunArborist({"detect", "--log-file", "/dev/full", "b"});
+    EXPECT_THAT(single.out, HasSubstr("1. HOT"));
+    EXPECT_EQ(single.err, told);
+    EXPECT_EQ(single.status, 5);
+    // The lines are written by the workers.
+    const auto batch = RunArborist({"detect", "--log-file", "/dev/full", "--batch", "-", "--jobs", "2"},
+        {.input = "b\nb\nb\n"});
+    EXPECT_EQ(std::count(batch.out.begin(), batch.out.end(), '\n'), 3);
+    EXPECT_EQ(batch.err, told);
+    EXPECT_EQ(batch.status, 5);
 }
 
 TEST_F(DetectCommandTest, ResultsThatCannotBeWrittenAreAnInternalError)

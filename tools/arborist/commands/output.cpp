@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "tools/arborist/library_log/library_log.h"
 #include "tools/arborist/text/printable.h"
 
 namespace command {
@@ -52,11 +53,15 @@ void PrintProblems(const std::string& about, const std::vector<Warning>& warning
 ExitStatus FinishOutput(ExitStatus status)
 {
     std::cout.flush();
-    if (std::cout.good()) {
-        return status;
+    if (!std::cout.good()) {
+        PrintError("standard output could not be written");
+        status = ExitStatus::INTERNAL;
     }
-    PrintError("standard output could not be written");
-    return ExitStatus::INTERNAL;
+    if (const auto problem = LibraryLogProblem()) {
+        PrintError(*problem);
+        status = ExitStatus::INTERNAL;
+    }
+    return status;
 }
 
 } // namespace command

@@ -22,7 +22,7 @@ void PrintError(const std::string& message);
 /// What a text result can't carry, on standard error, each with the bundle or file that it is about.
 void PrintProblems(const std::string& about, const std::vector<Warning>& warnings, const Failure* failure);
 
-/// The exit status at the end: INTERNAL, with a message, when results could not be written.
+/// The exit status at the end: INTERNAL, with a message, when results or the library's log could not be written.
 ExitStatus FinishOutput(ExitStatus status);
 
 } // namespace command

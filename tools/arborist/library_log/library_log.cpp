@@ -1,11 +1,15 @@
 #include "tools/arborist/library_log/library_log.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <string_view>
 #include <vector>
+
+#include <sys/mman.h>
 
 #include "arborist/frame/log.h"
 #include "tools/arborist/scratch/path_names.h"
@@ -27,6 +31,18 @@ struct FileCloser {
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
 LogListener* listener = nullptr;
+
+// The file as it was given, and why a line could not be written, in memory that forks of the process share; 0 while
+// all could be.
+std::string fileName;
+std::atomic<int>* failure = nullptr;
+static_assert(std::atomic<int>::is_always_lock_free);
+
+std::atomic<int>* SharedNumber()
+{
+    void* memory = mmap(nullptr, sizeof(std::atomic<int>), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    return memory == MAP_FAILED ? throw std::bad_alloc() : new (memory) std::atomic<int>(0);
+}
 
 // Every line is "FUNc:function: message".
 void Tell(LogListener& to, const std::string& line)
@@ -59,11 +75,21 @@ public:
             std::fwrite(line.data(), 1, line.size(), stderr);
         }
         if (mFile != nullptr) {
-            std::fwrite(line.data(), 1, line.size(), mFile.get());
+            WriteToFile(line);
         }
     }
 
 private:
+    void WriteToFile(const std::string& line)
+    {
+        errno = 0;
+        std::fwrite(line.data(), 1, line.size(), mFile.get());
+        if (std::ferror(mFile.get()) != 0) {
+            int none = 0;
+            failure->compare_exchange_strong(none, errno == 0 ? EIO : errno);
+        }
+    }
+
     static std::string Line(unsigned int level, const std::string& format, va_list args)
     {
         std::string line = std::string("[") + (level < std::size(LEVEL_TAGS) ? LEVEL_TAGS[level] : "") + "]:";
@@ -118,11 +144,19 @@ std::optional<std::string> OpenLibraryLog(const LogOptions& options)
         }
         // Line by line: a crash leaves all that was logged, and several processes can share the file.
         std::setvbuf(file.get(), nullptr, _IOLBF, BUFSIZ);
+        fileName = options.file;
+        failure = SharedNumber();
     }
     const std::string word = !options.level.empty() ? options.level : file == nullptr ? "error" : "none";
     const int level = LogLevelOf(word).value_or(FT::LEVEL_ERROR);
     FT::Log::GetInstance().SetUserLogger(std::make_unique<LevelLogger>(level, std::move(file)));
     return std::nullopt;
+}
+
+std::optional<std::string> LibraryLogProblem()
+{
+    const int reason = failure == nullptr ? 0 : failure->load();
+    return reason == 0 ? std::nullopt : std::optional(fileName + ": can't be written: " + std::strerror(reason));
 }
 
 void ShowPathsInLibraryLog(const PathNames* names)

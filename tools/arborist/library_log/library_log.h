@@ -22,6 +22,9 @@ std::optional<int> LogLevelOf(const std::string& word);
 /// Puts the log where `options` say, for the rest of the process. Otherwise answers why not.
 std::optional<std::string> OpenLibraryLog(const LogOptions& options);
 
+/// Why some line could not be written into the file, in this process or one that was forked from it.
+std::optional<std::string> LibraryLogProblem();
+
 /// Lets the log name paths as `names` shows them, which must live until the next call; null for as they are.
 void ShowPathsInLibraryLog(const PathNames* names);
 
