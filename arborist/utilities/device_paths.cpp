@@ -64,3 +64,10 @@ std::string DevicePaths::RealRootOfDevice()
     const std::string realRoot = root.empty() ? "" : std::filesystem::canonical(root, error).string();
     return realRoot == "/" ? "" : realRoot;
 }
+
+std::string DevicePaths::PathOnDevice(const std::string& realPath, const std::string& realRoot)
+{
+    const bool isBelow = realPath.compare(0, realRoot.size(), realRoot) == 0 && realPath.size() > realRoot.size()
+        && realPath[realRoot.size()] == '/';
+    return isBelow ? realPath.substr(realRoot.size()) : realPath;
+}

@@ -22,6 +22,8 @@ std::string OnDevice(const std::string& path);
 /// What the real path of a file of the device begins with before its path on the device: Settings::DEVICE_ROOT_DIR
 /// without links; empty when that is not set or not there.
 std::string RealRootOfDevice();
+/// `realPath` as the device has it: without `realRoot` in front where it lies below that, else as it is.
+std::string PathOnDevice(const std::string& realPath, const std::string& realRoot);
 
 } // namespace DevicePaths
 

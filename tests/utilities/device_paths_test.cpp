@@ -53,6 +53,14 @@ TEST_F(DevicePathsTest, ParentElementsDoNotLeaveTheRootOfTheDevice)
     EXPECT_EQ(DevicePaths::OnDevice("/a/b..c"), "root/a/b..c");
 }
 
+TEST_F(DevicePathsTest, PathOnTheDeviceIsWhatStandsBelowItsRoot)
+{
+    EXPECT_EQ(DevicePaths::PathOnDevice("/capture/root/data/a.db", "/capture/root"), "/data/a.db");
+    EXPECT_EQ(DevicePaths::PathOnDevice("/capture/root2/a.db", "/capture/root"), "/capture/root2/a.db");
+    EXPECT_EQ(DevicePaths::PathOnDevice("/capture/root", "/capture/root"), "/capture/root");
+    EXPECT_EQ(DevicePaths::PathOnDevice("/data/a.db", ""), "/data/a.db");
+}
+
 TEST_F(DevicePathsTest, RealRootOfTheDeviceHasNoLinks)
 {
     EXPECT_EQ(DevicePaths::RealRootOfDevice(), "");

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "arborist/stores/common_part/lower_case.h"
+#include "arborist/utilities/device_paths.h"
 #include "arborist/utilities/file_util.h"
 
 namespace {
@@ -102,7 +103,10 @@ private:
     std::size_t mDepth;
 };
 
-DatabaseSearch::DatabaseSearch(const std::string& pattern) : mPattern(LowerCase(pattern)) {}
+DatabaseSearch::DatabaseSearch(const std::string& pattern)
+    : mPattern(LowerCase(pattern)), mRootOfDevice(DevicePaths::RealRootOfDevice())
+{
+}
 
 std::vector<std::string> DatabaseSearch::Find(const std::string& directory, bool recursive)
 {
@@ -139,7 +143,7 @@ DatabaseSearch::Entry DatabaseSearch::Look(std::string path)
     entry.path = std::move(path);
     entry.isDirectory = FileUtil::IsDirectory(entry.path);
     entry.isLink = entry.isDirectory && IsLink(entry.path);
-    if (!entry.isDirectory && mPattern.Matches(LowerCase(entry.path))) {
+    if (!entry.isDirectory && mPattern.Matches(LowerCase(DevicePaths::PathOnDevice(entry.path, mRootOfDevice)))) {
         std::string realPath;
         if (FileUtil::PathToRealPath(entry.path, realPath)) {
             entry.match.push_back(mMatches.size());

@@ -8,7 +8,8 @@
 
 #include "arborist/stores/common_part/file_name_pattern.h"
 
-/// Lists the files below a directory whose whole path matches a pattern, both in lower case.
+/// Lists the files below a directory whose whole path matches a pattern, both in lower case. The path is that on the
+/// device: where a recorded device stands makes no difference.
 ///
 /// Each directory is searched with all that lies below it, and then again for each directory above it: a file one level
 /// down is listed twice, two levels down four times, in the order of these walks. Rule sets count on the repetition;
@@ -40,6 +41,7 @@ private:
     void Append(MatchList& list, const MatchList& more);
 
     FileNamePattern mPattern;
+    std::string mRootOfDevice;
     std::vector<std::string> mMatches;
     std::map<std::string, MatchList> mFoundBelow; // by canonical path; empty while the search is still on its way
     bool mIsCutShort = false;

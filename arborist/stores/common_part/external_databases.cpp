@@ -42,8 +42,7 @@ bool IsInDirectory(const std::string& source, const std::string& directory)
 // By its path on the device: where a recorded device stands makes no difference.
 bool IsZip(const std::string& realPath, const std::string& rootOfDevice)
 {
-    const bool isOnDevice = realPath.compare(0, rootOfDevice.size(), rootOfDevice) == 0;
-    return LowerCase(isOnDevice ? realPath.substr(rootOfDevice.size()) : realPath).find("zip") != std::string::npos;
+    return LowerCase(DevicePaths::PathOnDevice(realPath, rootOfDevice)).find("zip") != std::string::npos;
 }
 
 // SQLite would work what a broken-off run left beside the target's last copy into the new one.

@@ -223,6 +223,21 @@ TEST_F(ExternalDatabases, LettersAboveTheRootOfTheDeviceMakeNoArchive)
     EXPECT_THAT(Below(bean->GetCopyDbFileList()), ElementsAre("copies/a.db"));
 }
 
+TEST_F(ExternalDatabases, PatternIsHeldAgainstThePathBelowTheRootOfTheDevice)
+{
+    MakeDb("device/data/a.db");
+    MakeDb("elsewhere/b.db");
+    fs::create_directory_symlink(mDir.Path("elsewhere"), mDir.Path("device/data/link"));
+    fs::create_directory_symlink(mDir.Path("device"), mDir.Path("root"));
+    mSettings.Set(Settings::DEVICE_ROOT_DIR, mDir.Path("root"));
+    const auto onDevice = TableBeanOf("B", {"/data"}, "/data/[a-z]\\.db", {});
+    Run(onDevice);
+    EXPECT_THAT(Below(onDevice->GetCopyDbFileList()), ElementsAre("copies/a.db"));
+    const auto elsewhere = TableBeanOf("B", {"/data"}, mDir.Path("elsewhere") + "/b\\.db", {});
+    Run(elsewhere);
+    EXPECT_THAT(Below(elsewhere->GetCopyDbFileList()), ElementsAre("copies/b.db"));
+}
+
 TEST_F(ExternalDatabases, WhatABrokenOffRunLeftBesideACopyIsNotWorkedIntoTheNew)
 {
     const std::string db = MakeDb("device/a.db");
