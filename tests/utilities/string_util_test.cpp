@@ -13,6 +13,8 @@
 #include "arborist/frame/log.h"
 #include "tests/support/case_name.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/process.h"
+#include "tests/support/temp_dir.h"
 
 namespace {
 
@@ -170,14 +172,37 @@ TEST_F(StringUtilTest, BadDoubleIsTheDefaultAndLogsOnce)
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(LINE, LINE, LINE, LINE));
 }
 
+// A locale of the process whose numbers have a comma, made for as long as the object lives: none need be installed.
+class DecimalComma {
+public:
+    DecimalComma()
+    {
+        mDir.Write("comma", "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 3;3\nEND LC_NUMERIC\n");
+        // Warned of the categories that the source lacks, it makes those of "C".
+        RunProcess({"sh", "-c", "localedef -c -i comma -f UTF-8 ./comma.UTF-8"});
+        setenv("LOCPATH", mDir.Path().c_str(), 1);
+        mIsSet = std::setlocale(LC_NUMERIC, "comma.UTF-8") != nullptr;
+    }
+    ~DecimalComma()
+    {
+        std::setlocale(LC_NUMERIC, "C");
+        unsetenv("LOCPATH");
+    }
+    DecimalComma(const DecimalComma&) = delete;
+    DecimalComma& operator=(const DecimalComma&) = delete;
+
+    bool IsSet() const { return mIsSet; }
+
+private:
+    TempDir mDir;
+    bool mIsSet = false;
+};
+
 TEST_F(StringUtilTest, HostWithADecimalCommaChangesNoNumber)
 {
-    const char* set = nullptr;
-    for (const char* const name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "fr_FR.UTF-8", "fr_FR.utf8", "fr_FR"}) {
-        set = set == nullptr ? std::setlocale(LC_NUMERIC, name) : set;
-    }
-    if (set == nullptr) {
-        GTEST_SKIP() << "no locale with a decimal comma is installed";
+    const DecimalComma host;
+    if (!host.IsSet()) {
+        GTEST_SKIP() << "no program that makes a locale";
     }
     EXPECT_EQ(std::strtod("1.5", nullptr), 1.0) << "the locale is in force";
     EXPECT_EQ(StringUtil::StringToDoubleDef("1.5", 0), 1.5);
@@ -185,7 +210,6 @@ TEST_F(StringUtilTest, HostWithADecimalCommaChangesNoNumber)
     EXPECT_EQ(StringUtil::StringToFloatDef("1.5", 0), 1.5F);
     EXPECT_EQ(StringUtil::StringToDoubleDef("1,5", 0), 1.0);
     EXPECT_EQ(StringUtil::FixedText(1.5), "1.500000");
-    std::setlocale(LC_NUMERIC, "C");
 }
 
 TEST(FixedTextTest, WritesSixDigitsBehindThePoint)
