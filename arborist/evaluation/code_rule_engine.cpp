@@ -46,20 +46,39 @@ std::vector<std::string> CodeRuleEngine::GetCodeRuleInfoByType(std::string_view 
     if (mFaultTreeParser == nullptr || detectCode.empty()) {
         return {};
     }
-    const auto eventId = GetEventIdByName(mFaultTreeParser->GetCodeRuleNameById(detectCode));
-    if (!eventId.has_value() || eventId->empty()) {
+    const CodeMeaning* const meaning = FindMeaning(detectCode);
+    if (meaning == nullptr) {
         return {};
     }
     if (type == RuleHelper::FAULT) {
-        return mFaultTreeParser->GetFaultDescListById(*eventId);
+        return {meaning->faults.begin(), meaning->faults.end()};
     }
     if (type == RuleHelper::SUGGESTION) {
-        return mFaultTreeParser->GetSuggestionListById(*eventId);
+        return {meaning->suggestions.begin(), meaning->suggestions.end()};
     }
     if (type == RuleHelper::REPAIR) {
-        return mFaultTreeParser->GetRepairListById(*eventId);
+        return mFaultTreeParser->GetRepairListById(*meaning->eventId);
     }
     return {};
+}
+
+// Null for a code without a rule or event, which is not kept: a host may ask for any number of them.
+const CodeRuleEngine::CodeMeaning* CodeRuleEngine::FindMeaning(const std::string& detectCode)
+{
+    if (mRuleEngineHelper != nullptr && IsIndexCurrent()) {
+        const auto known = mMeanings.find(detectCode);
+        if (known != mMeanings.end()) {
+            return &known->second;
+        }
+    }
+    const Event* const event = GetEventByName(mFaultTreeParser->GetCodeRuleNameById(detectCode));
+    if (event == nullptr || event->GetId().empty()) {
+        return nullptr;
+    }
+    const std::string& eventId = event->GetId();
+    const CodeMeaning meaning{mFaultTreeParser->GetFaultDescListById(eventId),
+        mFaultTreeParser->GetSuggestionListById(eventId), &eventId};
+    return &mMeanings.emplace(detectCode, meaning).first->second;
 }
 
 void CodeRuleEngine::FetchAllEvents()
@@ -74,10 +93,10 @@ void CodeRuleEngine::FetchAllEvents()
     }
 }
 
-std::optional<std::string> CodeRuleEngine::GetEventIdByName(const std::string& ruleName)
+const Event* CodeRuleEngine::GetEventByName(const std::string& ruleName)
 {
     if (mRuleEngineHelper == nullptr || mFaultTreeParser == nullptr || ruleName.empty()) {
-        return std::nullopt;
+        return nullptr;
     }
     if (mRuleEngineHelper->GetAllEventList().empty()) {
         FetchAllEvents();
@@ -86,22 +105,20 @@ std::optional<std::string> CodeRuleEngine::GetEventIdByName(const std::string& r
         IndexRuleNames();
     }
     const auto event = mEventByRuleName.find(ruleName);
-    return event != mEventByRuleName.end() ? std::optional(event->second->GetId()) : std::nullopt;
+    return event != mEventByRuleName.end() ? event->second.get() : nullptr;
 }
 
 bool CodeRuleEngine::IsIndexCurrent() const
 {
-    // Every parse makes new records, so the first tells two rule sets apart; it is kept, lest its address come back.
-    const auto& eventRules = mFaultTreeParser->GetEventRuleMap();
     return mIsIndexed && mIndexedRevision == mRuleEngineHelper->GetRevision()
-        && mIndexedEventRules == eventRules.size()
-        && (eventRules.empty() || mFirstEventRule == eventRules.begin()->second);
+        && mIndexedRules == mFaultTreeParser->GetRuleRevision();
 }
 
 void CodeRuleEngine::IndexRuleNames()
 {
     const auto& eventRules = mFaultTreeParser->GetEventRuleMap();
     mEventByRuleName.clear();
+    mMeanings.clear();
     for (const auto& event : mRuleEngineHelper->GetAllEventList()) {
         const auto entry = eventRules.find(event->GetId());
         if (entry == eventRules.end() || entry->second == nullptr) {
@@ -114,8 +131,7 @@ void CodeRuleEngine::IndexRuleNames()
         }
     }
     mIndexedRevision = mRuleEngineHelper->GetRevision();
-    mIndexedEventRules = eventRules.size();
-    mFirstEventRule = eventRules.empty() ? nullptr : eventRules.begin()->second;
+    mIndexedRules = mFaultTreeParser->GetRuleRevision();
     mIsIndexed = true;
 }
 

@@ -1,10 +1,9 @@
 #ifndef ARBORIST_EVALUATION_CODE_RULE_ENGINE_H
 #define ARBORIST_EVALUATION_CODE_RULE_ENGINE_H
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -39,8 +38,16 @@ public:
     std::vector<std::string> GetCodeRuleInfoByType(std::string_view type, const std::string& detectCode);
 
 private:
+    // What a detect code stands for. The texts are the parser's and the event's.
+    struct CodeMeaning {
+        std::span<const std::string> faults;
+        std::span<const std::string> suggestions;
+        const std::string* eventId;
+    };
+
+    const CodeMeaning* FindMeaning(const std::string& detectCode);
     void FetchAllEvents();
-    std::optional<std::string> GetEventIdByName(const std::string& ruleName);
+    const Event* GetEventByName(const std::string& ruleName);
     bool IsIndexCurrent() const;
     void IndexRuleNames();
     void IndexNamesOf(const OrRuleSingle& single, const std::shared_ptr<Event>& event);
@@ -51,9 +58,10 @@ private:
 
     // The first event of the store that names a rule, and of which store and rule set that holds.
     std::unordered_map<std::string, std::shared_ptr<Event>, TextHash> mEventByRuleName;
+    // The codes that were asked for, while that holds: a host asks for three kinds of ids, one after the other.
+    std::unordered_map<std::string, CodeMeaning, TextHash> mMeanings;
     std::uint64_t mIndexedRevision = 0;
-    std::size_t mIndexedEventRules = 0;
-    std::shared_ptr<EventRule> mFirstEventRule;
+    std::uint64_t mIndexedRules = 0;
     bool mIsIndexed = false;
 };
 

@@ -146,6 +146,7 @@ void FaultTreeParser::ParseRuleXml(const std::string& path)
     if (!mXmlHelper->LoadXmlFile(path, mRuleFileReport)) {
         return;
     }
+    ++mRuleRevision;
     ParseOtherInfo();
     StartRuleParse();
     mRuleFileReport.count = mRuleMap.size();

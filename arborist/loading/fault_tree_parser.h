@@ -2,6 +2,7 @@
 #define ARBORIST_LOADING_FAULT_TREE_PARSER_H
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
@@ -65,6 +66,9 @@ public:
     /// while the rule file has only been missing.
     bool IsParseDone() const { return mIsParseDone; }
 
+    /// How often a rule file was read. What the look-ups refer to lives until that changes.
+    std::uint64_t GetRuleRevision() const { return mRuleRevision; }
+
     const RuleSetFileReport& GetTreeFileReport() const { return mTreeFileReport; }
     const RuleSetFileReport& GetRuleFileReport() const { return mRuleFileReport; }
 
@@ -124,6 +128,7 @@ private:
     std::string mTreeFileVersion;
     std::shared_ptr<DetectInfo> mDetectInfo;
     bool mIsParseDone = false;
+    std::uint64_t mRuleRevision = 0;
     FaultTreeList mFaultTrees;
     RuleMap mRuleMap;
     CodeRuleList mCodeRuleList;

@@ -217,6 +217,30 @@ TEST_F(CodeRuleEngineTest, WithTheStoreOfTheLastTreeARuleOfAnEarlierOneIsNotFoun
     EXPECT_THAT(engine.GetCodeRuleInfoByType(RuleHelper::FAULT, "C"), IsEmpty());
 }
 
+TEST_F(CodeRuleEngineTest, AskingAgainGivesTheSameOfEachKind)
+{
+    LoadUsual();
+    CodeRuleEngine engine(mStore, mParser, mInfo);
+    for (const auto type : {RuleHelper::FAULT, RuleHelper::SUGGESTION, RuleHelper::REPAIR}) {
+        const std::vector<std::string> first = engine.GetCodeRuleInfoByType(type, "C");
+        EXPECT_THAT(first, testing::Not(IsEmpty()));
+        EXPECT_EQ(engine.GetCodeRuleInfoByType(type, "C"), first);
+    }
+    EXPECT_THAT(engine.GetCodeRuleInfoByType("another", "C"), IsEmpty());
+    EXPECT_THAT(engine.GetCodeRuleInfoByType(RuleHelper::FAULT, "other"), IsEmpty());
+    EXPECT_THAT(engine.GetCodeRuleInfoByType(RuleHelper::FAULT, "other"), IsEmpty());
+}
+
+TEST_F(CodeRuleEngineTest, ParseWithoutEventRulesForgetsWhatWasAsked)
+{
+    LoadUsual();
+    CodeRuleEngine engine(mStore, mParser, mInfo);
+    EXPECT_THAT(engine.GetCodeRuleInfoByType(RuleHelper::FAULT, "C"), ElementsAre("F1", "F2"));
+    mDir.Write("FaultTreeRules.xml", RuleXml(TAG).Rule(CodeRuleXml("s", "C")).Text());
+    mParser->StartParse();
+    EXPECT_THAT(engine.GetCodeRuleInfoByType(RuleHelper::FAULT, "C"), IsEmpty());
+}
+
 TEST_F(CodeRuleEngineTest, AnotherParseIsSeenAtOnce)
 {
     LoadUsual();
