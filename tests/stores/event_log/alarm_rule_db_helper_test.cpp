@@ -526,6 +526,20 @@ TEST_F(EventMembersTest, NumbersTooLargeForTheRoomThatIsLeftAreReadAgain)
     }
 }
 
+TEST_F(EventMembersTest, RowsReadInOneGoThatCannotBeKeptAreReadAgain)
+{
+    Open(EventLogBuilder().Rows({{10, 7, "1.0", R"({"a":5})"}, {20, 7, "1.0", "{"}, {30, 7, "1.0", ""}}));
+    mHelper->Foresee(7, 7, {"a"});
+    for (int round = 0; round < 2; ++round) {
+        std::string text;
+        mHelper->VisitEvents({7, 7, 0, true, true}, [&](EventRows& rows) {
+            text = MemberTexts(rows, {"a"});
+            return true;
+        });
+        EXPECT_EQ(text, "#5 raw({) - ");
+    }
+}
+
 TEST_F(EventMembersTest, MembersForeseenInTheMiddleLeaveThoseAroundAsTheyAre)
 {
     EventLogBuilder builder;
