@@ -50,6 +50,14 @@ TEST(PrintableTest, KeepsTextAndEscapesWhatSteersATerminal)
     EXPECT_EQ(Printable(std::string("a\0b", 3)), "a\\x00b");
 }
 
+TEST(PrintableTest, NothingIsShownAsEmptyAndListsInOneLine)
+{
+    EXPECT_EQ(command::Shown(""), "(empty)");
+    EXPECT_EQ(command::Shown("a\n"), "a\\x0A");
+    EXPECT_EQ(command::Joined({"a", "", "b\x1b"}, " + "), "a + (empty) + b\\x1B");
+    EXPECT_EQ(command::Joined({}, ", "), "");
+}
+
 TEST(JsonWriterTest, KeepsTheOrderOfMembersAndEscapesTexts)
 {
     JsonWriter json;

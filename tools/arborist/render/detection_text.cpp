@@ -6,25 +6,10 @@ namespace command {
 
 namespace {
 
-// Ids and names are the rule author's: an absent one still needs something to see.
-std::string Shown(const std::string& text)
-{
-    return text.empty() ? "(empty)" : Printable(text);
-}
-
 std::string Line(const std::string& label, const std::string& value)
 {
     static constexpr std::size_t LABEL_WIDTH = 14;
     return value.empty() ? "" : "       " + label + std::string(LABEL_WIDTH - label.size(), ' ') + value + "\n";
-}
-
-std::string Joined(const std::vector<std::string>& texts)
-{
-    std::string line;
-    for (const std::string& text : texts) {
-        line += (line.empty() ? "" : ", ") + Shown(text);
-    }
-    return line;
 }
 
 std::string RepairText(const FaultTreeResult::RepairInfo& repair)
@@ -44,7 +29,7 @@ std::string RootCauseText(std::size_t number, const FaultTreeResult::RootCauseRe
         text += "  " + Printable(cause.mNode->mName);
     }
     text += "\n" + Line("description", Printable(cause.mFaultDescription));
-    text += Line("suggestions", Joined(cause.mSuggestions));
+    text += Line("suggestions", Joined(cause.mSuggestions, ", "));
     for (const FaultTreeResult::RepairInfo& repair : cause.mRepairInfos) {
         text += Line("repair", RepairText(repair));
     }

@@ -1,13 +1,14 @@
 #include "tools/arborist/render/explanation_text.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <unordered_set>
 #include <utility>
 
-#include "tools/arborist/explanation/analysis/minimal_sets.h"
 #include "tools/arborist/explanation/gate_logic.h"
+#include "tools/arborist/render/analysis_text.h"
+#include "tools/arborist/render/cause_text.h"
 #include "tools/arborist/render/colour.h"
+#include "tools/arborist/render/explanation_words.h"
 #include "tools/arborist/render/rule_text.h"
 #include "tools/arborist/text/printable.h"
 
@@ -18,25 +19,6 @@ namespace {
 using Folded = ExplainedEvent::Folded;
 
 constexpr std::size_t STATUS_WIDTH = 9;
-
-std::string Shown(const std::string& text)
-{
-    return text.empty() ? "(empty)" : Printable(text);
-}
-
-std::string Joined(const std::vector<std::string>& texts, const char* separator)
-{
-    std::string joined;
-    for (const std::string& text : texts) {
-        joined += (joined.empty() ? "" : separator) + Shown(text);
-    }
-    return joined;
-}
-
-std::string Number(std::uint64_t number, const std::string& one, const std::string& several)
-{
-    return std::to_string(number) + " " + (number == 1 ? one : several);
-}
 
 /// Writes one tree of an explanation.
 class TreeText {
@@ -54,25 +36,19 @@ public:
         } else {
             WriteTree();
         }
-        WriteCauses();
+        mText += CausesText(mTree, mResult, mView, mColour);
         WriteCutOffs();
-        WriteAnalyses();
+        mText += AnalysisText(mTree, mView, mColour);
         return mText;
     }
 
     std::string BriefText()
     {
-        for (const DistinctCause& cause : ShownCauses(mTree, mView)) {
-            mText += "  " + mColour.Bold(Shown(mTree.id)) + ": " + mColour.Red(Joined(cause.ids, " + "));
-            const std::string name = NameOf(cause);
-            const std::string ids = IdsOf(cause);
-            mText += (name.empty() ? "" : "  " + Printable(name)) + (ids.empty() ? "" : "  " + ids);
-            mText += Times(cause.times) + "\n";
-        }
+        mText += BriefCausesText(mTree, mResult, mView, mColour);
         if (!mTree.isFault) {
             mText += "  " + mColour.Bold(Shown(mTree.id)) + ": " + mColour.Green("no fault") + "\n";
         }
-        WriteAnalyses();
+        mText += AnalysisText(mTree, mView, mColour);
         return mText;
     }
 
@@ -87,26 +63,13 @@ private:
             : status == EventStatus::UNKNOWN ? mColour.Yellow(word) : mColour.Green(word);
     }
 
-    std::string Verdict(const ExplainedRule& rule) const
-    {
-        const std::string word = VerdictWord(rule.verdict);
-        switch (rule.verdict) {
-        case DetectionObserver::Verdict::FIRED:
-            return mColour.Red(word);
-        case DetectionObserver::Verdict::NOT_FIRED:
-            return mColour.Green(word);
-        case DetectionObserver::Verdict::SKIPPED:
-            return mColour.Yellow(word);
-        }
-        return word;
-    }
-
     void WriteHead()
     {
         const std::size_t distinct = DistinctCausesOf(mTree).size();
-        const std::string causes = Number(mTree.causes.size(), "root cause", "root causes")
+        const std::string causes = Counted(mTree.causes.size(), "root cause", "root causes")
             + (distinct == mTree.causes.size() ? "" : " (" + std::to_string(distinct) + " distinct)");
-        Line(mColour.Bold(Shown(mTree.id)) + " (version " + Shown(mResult == nullptr ? mTree.version : mResult->mVersion) + "): "
+        const std::string& version = mResult == nullptr ? mTree.version : mResult->mVersion;
+        Line(mColour.Bold(Shown(mTree.id)) + " (version " + Shown(version) + "): "
             + (mTree.isFault ? mColour.Red("FAULT") + ", " + causes : mColour.Green("no fault")));
     }
 
@@ -194,7 +157,7 @@ private:
         const std::string family = DetectionObserver::FamilyText(rule.family);
         const std::string joint = rule.inGroup && rule.place > 0 ? "and " : "";
         Line(indent + joint + "rule " + Shown(rule.name) + (family.empty() ? "" : " (" + family + ")") + ": "
-            + Verdict(rule) + " " + DetectionObserver::ReasonText(rule.reason));
+            + VerdictText(rule, mColour) + " " + DetectionObserver::ReasonText(rule.reason));
         for (const std::string& line : RuleLines(rule)) {
             Line(indent + "    " + line);
         }
@@ -211,89 +174,6 @@ private:
         }
     }
 
-    std::string Times(std::uint64_t times) const
-    {
-        return times == 1 ? "" : "  " + mColour.Faint("(stands " + std::to_string(times) + " times in the list)");
-    }
-
-    const FaultTreeResult::RootCauseResult* ResultOf(const DistinctCause& cause) const
-    {
-        const bool isThere = mResult != nullptr && cause.first < mResult->mRootCauseResults.size();
-        return isThere ? mResult->mRootCauseResults[cause.first].get() : nullptr;
-    }
-
-    std::string NameOf(const DistinctCause& cause) const
-    {
-        const auto* result = ResultOf(cause);
-        return result == nullptr ? "" : result->mNode->mName;
-    }
-
-    // Of its description, suggestions and repairs, with two blanks between.
-    std::string IdsOf(const DistinctCause& cause) const
-    {
-        const auto* result = ResultOf(cause);
-        if (result == nullptr) {
-            return "";
-        }
-        std::vector<std::string> repairs;
-        for (const auto& repair : result->mRepairInfos) {
-            repairs.push_back(repair.mId);
-        }
-        const std::pair<const char*, std::string> all[] = {
-            {"description ", Printable(result->mFaultDescription)},
-            {"suggestions ", Joined(result->mSuggestions, ", ")}, {"repairs ", Joined(repairs, ", ")}};
-        std::string text;
-        for (const auto& [label, ids] : all) {
-            text += ids.empty() ? "" : (text.empty() ? "" : "  ") + (label + ids);
-        }
-        return text;
-    }
-
-    void WriteCauses()
-    {
-        for (const DistinctCause& cause : ShownCauses(mTree, mView)) {
-            const std::string name = NameOf(cause);
-            Line(mColour.Bold("Root cause ") + mColour.Red(Joined(cause.ids, " + "))
-                + (name.empty() ? "" : "  " + Printable(name)) + Times(cause.times));
-            for (const std::size_t member : mTree.causes[cause.first].members) {
-                WriteMember(member);
-            }
-            const std::string ids = IdsOf(cause);
-            if (!ids.empty()) {
-                Line("    " + ids);
-            }
-        }
-    }
-
-    void WriteMember(std::size_t member)
-    {
-        if (member == ExplainedEvent::NONE) {
-            return;
-        }
-        const ExplainedEvent& event = mTree.events[member];
-        Line("    " + Joined(mTree.PathIds(member), " / "));
-        const ExplainedEvidence* evidence = mTree.EvidenceOf(event);
-        if (evidence == nullptr) {
-            return;
-        }
-        for (const ExplainedRule& rule : evidence->rules) {
-            if (rule.verdict == DetectionObserver::Verdict::FIRED) {
-                const std::string summary = RuleSummary(rule);
-                Line("      rule " + Shown(rule.name) + ": " + DetectionObserver::ReasonText(rule.reason)
-                    + (summary.empty() ? "" : ", " + summary));
-            }
-        }
-    }
-
-    std::vector<std::string> IdsAt(const std::vector<std::size_t>& places) const
-    {
-        std::vector<std::string> ids;
-        for (const std::size_t place : places) {
-            ids.push_back(mTree.events[place].id);
-        }
-        return ids;
-    }
-
     void WriteCutOffs()
     {
         if (mView.IsNarrow()) {
@@ -301,85 +181,8 @@ private:
         }
         for (const CutOff& cutOff : CutOffsOf(mTree)) {
             Line(mColour.Bold("Cut off by ") + Shown(mTree.events[cutOff.event].id)
-                + ", which its own rules keep from error: " + Joined(IdsAt(cutOff.leaves), ", "));
+                + ", which its own rules keep from error: " + Joined(IdsAt(mTree, cutOff.leaves), ", "));
         }
-    }
-
-    // What was asked for by its own option.
-    void WriteAnalyses()
-    {
-        if (mView.nearMisses > 0) {
-            WriteNearMisses();
-        }
-        if (mView.minimal) {
-            WriteMinimalSets();
-        }
-    }
-
-    void WriteNearMisses()
-    {
-        const NearMisses nearMisses = ShownNearMisses(mTree, mView);
-        if (nearMisses.sets.empty()) {
-            Line(mColour.Bold("Near misses") + ": none up to "
-                + Number(mView.nearMisses, "event", "events") + " short"
-                + (nearMisses.isComplete ? "" : " among those that were looked at"));
-        }
-        for (const NearMiss& nearMiss : nearMisses.sets) {
-            std::string text = mColour.Bold("Near miss") + ", " + Number(nearMiss.missing.size(), "event", "events")
-                + " short: " + mColour.Yellow(Joined(IdsAt(nearMiss.missing), " + "));
-            if (!nearMiss.present.empty()) {
-                text += " beside " + Joined(IdsAt(nearMiss.present), " + ");
-            }
-            Line(text);
-            for (const std::size_t place : nearMiss.missing) {
-                WriteMissing(place);
-            }
-        }
-        if (nearMisses.leftOut > 0 || !nearMisses.isComplete) {
-            Line((nearMisses.isComplete ? "" : "at least ") + std::to_string(nearMisses.leftOut) + " more left out");
-        }
-    }
-
-    void WriteMissing(std::size_t place)
-    {
-        const ExplainedEvent& event = mTree.events[place];
-        Line("    " + Joined(mTree.PathIds(place), " / ") + "  " + GetElemTypeName(event.status));
-        const ExplainedEvidence* evidence = mTree.EvidenceOf(event);
-        if (evidence == nullptr || evidence->rules.empty()) {
-            const Reason reason = ReasonOfEvent(mTree, event);
-            if (reason != Reason::NONE) {
-                Line(std::string("      ") + DetectionObserver::ReasonText(reason));
-            }
-            return;
-        }
-        for (const ExplainedRule& rule : evidence->rules) {
-            const std::string summary = RuleSummary(rule);
-            Line("      rule " + Shown(rule.name) + ": " + Verdict(rule) + " "
-                + DetectionObserver::ReasonText(rule.reason) + (summary.empty() ? "" : ", " + summary));
-        }
-    }
-
-    void WriteMinimalSets()
-    {
-        const MinimalSets minimal = FindMinimalSets(mTree);
-        if (minimal.sets.empty()) {
-            Line(mColour.Bold("Minimal cut sets") + ": none");
-            return;
-        }
-        Line(mColour.Bold("Minimal cut sets") + ": " + std::to_string(minimal.sets.size()) + ", of "
-            + Number(minimal.distinct, "distinct set", "distinct sets") + " and "
-            + Number(minimal.listed, "entry", "entries") + " of the list");
-        for (const DistinctCause& set : minimal.sets) {
-            Line("    " + Joined(set.ids, " + ") + Times(set.times));
-        }
-        Line(mColour.Bold("Share of the minimal cut sets"));
-        for (const EventShare& share : minimal.shares) {
-            char percent[16];
-            std::snprintf(percent, sizeof percent, "%5.1f%%", share.share * 100);
-            Line("    " + std::string(percent) + "  " + Shown(share.id));
-        }
-        Line(mColour.Bold("Repair ") + Joined(minimal.repairs.ids, ", ") + ": no root cause would remain"
-            + (minimal.repairs.isSmallest ? "" : " (a small set; a smaller one may exist)"));
     }
 
     const ExplainedTree& mTree;
@@ -389,10 +192,6 @@ private:
     std::string mText;
     std::unordered_set<std::size_t> mToldEvidence;
 };
-
-} // namespace
-
-namespace {
 
 // "--event A and --rule r" of those that were given.
 std::string NarrowingOptions(const ExplanationView& view)

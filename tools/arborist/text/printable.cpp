@@ -88,4 +88,18 @@ std::string Printable(std::string_view text)
     return line;
 }
 
+std::string Shown(std::string_view text)
+{
+    return text.empty() ? "(empty)" : Printable(text);
+}
+
+std::string Joined(const std::vector<std::string>& texts, const char* separator)
+{
+    std::string joined;
+    for (const std::string& text : texts) {
+        joined += (joined.empty() ? "" : separator) + Shown(text);
+    }
+    return joined;
+}
+
 } // namespace command

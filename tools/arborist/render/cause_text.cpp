@@ -1,0 +1,126 @@
+#include "tools/arborist/render/cause_text.h"
+
+#include <utility>
+
+#include "tools/arborist/render/explanation_words.h"
+#include "tools/arborist/render/rule_text.h"
+#include "tools/arborist/text/printable.h"
+
+namespace command {
+
+namespace {
+
+class CauseText {
+public:
+    CauseText(const ExplainedTree& tree, const FaultTreeResult* result, const ExplanationView& view, Colour colour)
+        : mTree(tree), mResult(result), mView(view), mColour(colour)
+    {
+    }
+
+    std::string Text()
+    {
+        for (const DistinctCause& cause : ShownCauses(mTree, mView)) {
+            const std::string name = NameOf(cause);
+            Line(mColour.Bold("Root cause ") + mColour.Red(Joined(cause.ids, " + "))
+                + (name.empty() ? "" : "  " + Printable(name)) + TimesText(cause.times, mColour));
+            for (const std::size_t member : mTree.causes[cause.first].members) {
+                WriteMember(member);
+            }
+            const std::string ids = IdsOf(cause);
+            if (!ids.empty()) {
+                Line("    " + ids);
+            }
+        }
+        return mText;
+    }
+
+    std::string BriefText()
+    {
+        for (const DistinctCause& cause : ShownCauses(mTree, mView)) {
+            mText += "  " + mColour.Bold(Shown(mTree.id)) + ": " + mColour.Red(Joined(cause.ids, " + "));
+            const std::string name = NameOf(cause);
+            const std::string ids = IdsOf(cause);
+            mText += (name.empty() ? "" : "  " + Printable(name)) + (ids.empty() ? "" : "  " + ids);
+            mText += TimesText(cause.times, mColour) + "\n";
+        }
+        return mText;
+    }
+
+private:
+    void Line(const std::string& text) { mText += "  " + text + "\n"; }
+
+    const FaultTreeResult::RootCauseResult* ResultOf(const DistinctCause& cause) const
+    {
+        const bool isThere = mResult != nullptr && cause.first < mResult->mRootCauseResults.size();
+        return isThere ? mResult->mRootCauseResults[cause.first].get() : nullptr;
+    }
+
+    std::string NameOf(const DistinctCause& cause) const
+    {
+        const auto* result = ResultOf(cause);
+        return result == nullptr ? "" : result->mNode->mName;
+    }
+
+    // Of its description, suggestions and repairs, with two blanks between.
+    std::string IdsOf(const DistinctCause& cause) const
+    {
+        const auto* result = ResultOf(cause);
+        if (result == nullptr) {
+            return "";
+        }
+        std::vector<std::string> repairs;
+        for (const auto& repair : result->mRepairInfos) {
+            repairs.push_back(repair.mId);
+        }
+        const std::pair<const char*, std::string> all[] = {
+            {"description ", Printable(result->mFaultDescription)},
+            {"suggestions ", Joined(result->mSuggestions, ", ")}, {"repairs ", Joined(repairs, ", ")}};
+        std::string text;
+        for (const auto& [label, ids] : all) {
+            text += ids.empty() ? "" : (text.empty() ? "" : "  ") + (label + ids);
+        }
+        return text;
+    }
+
+    void WriteMember(std::size_t member)
+    {
+        if (member == ExplainedEvent::NONE) {
+            return;
+        }
+        const ExplainedEvent& event = mTree.events[member];
+        Line("    " + Joined(mTree.PathIds(member), " / "));
+        const ExplainedEvidence* evidence = mTree.EvidenceOf(event);
+        if (evidence == nullptr) {
+            return;
+        }
+        for (const ExplainedRule& rule : evidence->rules) {
+            if (rule.verdict == DetectionObserver::Verdict::FIRED) {
+                const std::string summary = RuleSummary(rule);
+                Line("      rule " + Shown(rule.name) + ": " + DetectionObserver::ReasonText(rule.reason)
+                    + (summary.empty() ? "" : ", " + summary));
+            }
+        }
+    }
+
+    const ExplainedTree& mTree;
+    const FaultTreeResult* mResult;
+    const ExplanationView& mView;
+    Colour mColour;
+    std::string mText;
+};
+
+} // namespace
+
+std::string CausesText(const ExplainedTree& tree, const FaultTreeResult* result, const ExplanationView& view,
+    Colour colour)
+{
+    return CauseText(tree, result, view, colour).Text();
+}
+
+std::string BriefCausesText(const ExplainedTree& tree, const FaultTreeResult* result, const ExplanationView& view,
+    Colour colour)
+{
+    return CauseText(tree, result, view, colour).BriefText();
+}
+
+} // namespace command

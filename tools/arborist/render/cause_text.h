@@ -1,0 +1,23 @@
+#ifndef ARBORIST_TOOLS_RENDER_CAUSE_TEXT_H
+#define ARBORIST_TOOLS_RENDER_CAUSE_TEXT_H
+
+#include <string>
+
+#include "arborist/frame/fault_tree_result.h"
+#include "tools/arborist/explanation/explanation_view.h"
+#include "tools/arborist/render/colour.h"
+
+namespace command {
+
+/// The distinct root causes of a tree that the view asks for, each with the paths of its members, the rules that fired
+/// for them, and the ids of `result` (null where there is none). Every line ends in a line end.
+std::string CausesText(const ExplainedTree& tree, const FaultTreeResult* result, const ExplanationView& view,
+    Colour colour);
+
+/// The same in one line for each root cause.
+std::string BriefCausesText(const ExplainedTree& tree, const FaultTreeResult* result, const ExplanationView& view,
+    Colour colour);
+
+} // namespace command
+
+#endif

@@ -1,0 +1,27 @@
+#ifndef ARBORIST_TOOLS_RENDER_EXPLANATION_WORDS_H
+#define ARBORIST_TOOLS_RENDER_EXPLANATION_WORDS_H
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tools/arborist/explanation/explanation.h"
+#include "tools/arborist/render/colour.h"
+
+namespace command {
+
+/// "1 event", "2 events".
+std::string Counted(std::uint64_t number, const std::string& one, const std::string& several);
+
+/// How often a cut set stands in the list of root causes, with two blanks before it; empty when it stands there once.
+std::string TimesText(std::uint64_t times, Colour colour);
+
+/// TRUE, FALSE or SKIP in the colour that it has everywhere.
+std::string VerdictText(const ExplainedRule& rule, Colour colour);
+
+/// The ids of the events at these places of a tree.
+std::vector<std::string> IdsAt(const ExplainedTree& tree, const std::vector<std::size_t>& places);
+
+} // namespace command
+
+#endif
