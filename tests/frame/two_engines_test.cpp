@@ -1,5 +1,6 @@
 // Engines are independent: each belongs to one thread, and several threads may have one each.
 #include <atomic>
+#include <cstdio>
 #include <thread>
 
 #include <gmock/gmock.h>
@@ -25,9 +26,12 @@ public:
     void Print(unsigned int, const std::string& format, va_list args) override
     {
         char line[512];
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
         if (std::vsnprintf(line, sizeof(line), format.c_str(), args) > 0) {
             ++*mLines;
         }
+#pragma GCC diagnostic pop
     }
 
 private:
