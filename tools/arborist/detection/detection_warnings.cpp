@@ -4,6 +4,7 @@
 
 #include "arborist/frame/log.h"
 #include "arborist/frame/settings.h"
+#include "tools/arborist/bundle/bundle_overlay.h"
 #include "tools/arborist/log_db/event_log_look.h"
 
 namespace command {

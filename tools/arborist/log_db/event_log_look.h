@@ -6,9 +6,6 @@
 
 namespace command {
 
-/// Where the library looks for the event log, below the fixed root.
-inline constexpr char EVENT_LOG[] = "Comms/Lumbra/workDir/0/log.db";
-
 /// What an event log holds that the engine passes over in silence.
 struct EventLogLook {
     /// Why the log can't be read; empty when it can.
