@@ -129,6 +129,15 @@ TEST_F(BundleCommandTest, ACaptureIntoASearchedFolderDoesNotHoldItself)
     EXPECT_FALSE(mDir.Has("b/device/data/panel/inside/device/data/panel/inside"));
 }
 
+TEST_F(BundleCommandTest, ACaptureOfAFolderWithTheTemporaryFilesDoesNotHoldThose)
+{
+    PrepareLaptop("b");
+    const std::string temporary = mDir.MakeDir("b/device/data/panel/temporary");
+    ASSERT_EQ(RunArborist({"bundle", "pack", "b", "-o", "packed"}, {.environment = {{"TMPDIR", temporary}}}).status, 0);
+    EXPECT_TRUE(mDir.Has("packed/device/data/panel/temporary"));
+    EXPECT_TRUE(fs::is_empty(mDir.Path("packed/device/data/panel/temporary")));
+}
+
 TEST_F(BundleCommandTest, FilesOfALiveDeviceAreCapturedBelowARoot)
 {
     WriteLiveBundle("80\n");

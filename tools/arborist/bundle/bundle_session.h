@@ -50,6 +50,8 @@ public:
     bool IsZip() const { return mIsZip; }
     /// `text` with the paths of the scratch folder as the bundle names them; all that is shown goes through it.
     std::string Shown(const std::string& text) const { return mNames.Shown(text); }
+    /// The run's own folder, which is no part of the device.
+    const std::string& ScratchPath() const { return mScratch.Path(); }
     /// Of the reading of bundle.json and of the zip.
     const std::vector<Warning>& GetWarnings() const { return mWarnings; }
     /// The moment that is in force, seconds since the epoch.

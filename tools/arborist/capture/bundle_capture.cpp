@@ -68,7 +68,7 @@ class Capture {
 public:
     Capture(const BundleSession& session, const CaptureOptions& options, const std::string& folder)
         : mSession(session), mOptions(options), mOwn(session.GetBundle()),
-          mFiles(folder, ZipLimits{}, fs::path(folder).parent_path().string())
+          mFiles(folder, ZipLimits{}, {fs::path(folder).parent_path().string(), session.ScratchPath()})
     {
     }
 

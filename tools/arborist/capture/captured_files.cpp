@@ -1,5 +1,6 @@
 #include "tools/arborist/capture/captured_files.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -25,8 +26,16 @@ bool LeadsUp(const fs::path& link)
     return here.compare(0, target.size(), target) == 0;
 }
 
+bool IsOneOf(const std::vector<std::string>& folders, const fs::path& folder)
+{
+    return std::any_of(folders.begin(), folders.end(), [&](const std::string& one) {
+        std::error_code ignored;
+        return fs::equivalent(folder, one, ignored);
+    });
+}
+
 // Listed before anything is taken: the capture may grow below the folder itself. What it has grown so far is left out.
-std::vector<fs::path> PathsBelow(const fs::path& folder, const fs::path& own, std::uint64_t most)
+std::vector<fs::path> PathsBelow(const fs::path& folder, const std::vector<std::string>& own, std::uint64_t most)
 {
     std::vector<fs::path> paths;
     std::error_code error;
@@ -35,7 +44,7 @@ std::vector<fs::path> PathsBelow(const fs::path& folder, const fs::path& own, st
          !error && entry != fs::recursive_directory_iterator() && paths.size() <= most; entry.increment(error)) {
         std::error_code ignored;
         const bool isLeftOut = (entry->is_symlink(ignored) && LeadsUp(entry->path()))
-            || (entry->is_directory(ignored) && fs::equivalent(entry->path(), own, ignored));
+            || (entry->is_directory(ignored) && IsOneOf(own, entry->path()));
         if (isLeftOut || entry.depth() >= MOST_FOLDERS) {
             entry.disable_recursion_pending();
         }

@@ -15,8 +15,8 @@ namespace command {
 /// without "..". Links are followed: what they lead to is taken.
 class CapturedFiles {
 public:
-    /// Nothing is taken from `own`, where the capture is being made: it may lie in a folder that is captured.
-    CapturedFiles(std::string folder, ZipLimits limits, std::string own = "")
+    /// Nothing is taken from the folders `own`, which are the run's: they may lie in a folder that is captured.
+    CapturedFiles(std::string folder, ZipLimits limits, std::vector<std::string> own = {})
         : mFolder(std::move(folder)), mLimits(limits), mOwn(std::move(own))
     {
     }
@@ -42,7 +42,7 @@ private:
 
     std::string mFolder;
     ZipLimits mLimits;
-    std::string mOwn;
+    std::vector<std::string> mOwn;
     std::uint64_t mFiles = 0;
     std::uint64_t mBytes = 0;
     std::vector<Warning> mWarnings;
