@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <map>
 #include <numeric>
 #include <string_view>
 #include <utility>
@@ -132,7 +133,7 @@ struct EventLogIndex::Scan {
     std::int64_t lastRowId = -1;
     Calendar calendar;
     std::vector<Version> versions; // by row number
-    std::unordered_map<std::int64_t, Version> otherVersions;
+    std::map<std::int64_t, Version> otherVersions; // a hash of numbers that a log may choose would not be safe
 };
 
 EventLogIndex::EventLogIndex(const FT::sql::Sqlite3Db& database) : mDb(database), mDataVersion(NO_DATA_VERSION) {}

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "arborist/stores/event_log/packed_column.h"
+#include "arborist/utilities/text_hash.h"
 
 /// Finds the place of an id in a list of different ids: an id is looked up for each row of the event log.
 ///
@@ -59,7 +60,9 @@ private:
     std::size_t SlotOf(const Ids& ids, std::int32_t id) const
     {
         const std::size_t mask = mSlots.GetCount() - 1;
-        std::size_t slot = (static_cast<std::uint32_t>(id) * 0x9E3779B97F4A7C15U >> 32) & mask;
+        std::uint64_t hash = static_cast<std::uint32_t>(id) * mKey;
+        hash = (hash ^ hash >> 32) * mKey;
+        std::size_t slot = (hash >> 32) & mask;
         for (std::uint32_t known = mSlots[slot]; known != 0 && ids[known - 1] != id; known = mSlots[slot]) {
             slot = (slot + 1) & mask;
         }
@@ -75,6 +78,8 @@ private:
         }
     }
 
+    // Differs from process to process: nobody can write a log whose ids all meet in one stretch of slots.
+    std::uint64_t mKey = TextHash()("event ids") | 1;
     PackedColumn mSlots; // place of an id and 1; 0 where there is none
 };
 

@@ -1,8 +1,9 @@
 #include "arborist/stores/event_log/member_store.h"
 
 #include <charconv>
-#include <functional>
 #include <optional>
+
+#include "arborist/utilities/text_hash.h"
 
 namespace {
 
@@ -88,7 +89,7 @@ bool MemberStore::HasSlot()
 std::uint32_t& MemberStore::SlotOf(std::string_view text)
 {
     const std::size_t mask = mTable.size() - 1;
-    std::size_t slot = std::hash<std::string_view>()(text) & mask;
+    std::size_t slot = TextHash()(text) & mask;
     while (mTable[slot] != EMPTY_SLOT && GetText(mTable[slot]) != text) {
         slot = (slot + 1) & mask;
     }
