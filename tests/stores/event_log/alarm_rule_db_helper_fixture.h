@@ -13,6 +13,9 @@
 #include "tests/support/settings_guard.h"
 #include "tests/support/temp_dir.h"
 
+/// What the first question to a log of version 1.0 writes.
+inline constexpr char VERSION_LINE[] = "FUNc:AlarmRuleDbHelper::GetEventList: version name: 1.0";
+
 /// A folder of the library's data with an event log of version 1.0, and what a helper answers of it in one line.
 class AlarmRuleDbHelperTest : public testing::Test {
 protected:

@@ -15,7 +15,6 @@ using testing::IsEmpty;
 
 constexpr char NOT_EXIST[] = "FUNc:AlarmRuleDbHelper::OpenDatabase: log.db is not exist.";
 constexpr char OPEN_FAIL[] = "FUNc:AlarmRuleDbHelper::GetEventList: Open log.db fail.";
-constexpr char VERSION_LINE[] = "FUNc:AlarmRuleDbHelper::GetEventList: version name: 1.0";
 
 TEST_F(AlarmRuleDbHelperTest, StartTimeIsInclusive)
 {
