@@ -2,19 +2,19 @@
 
 #include <utility>
 
-#include "arborist/evaluation/alarm_rule_engine.h"
 #include "arborist/evaluation/alternative_finder.h"
 #include "arborist/evaluation/code_rule_engine.h"
-#include "arborist/evaluation/command_rule_engine.h"
-#include "arborist/evaluation/node_rule_engine.h"
+#include "arborist/evaluation/common_part_preparation.h"
 #include "arborist/evaluation/rule_checker.h"
 #include "arborist/evaluation/rule_helper.h"
 #include "arborist/frame/detect_info.h"
 #include "arborist/frame/log.h"
 #include "arborist/loading/fault_tree_parser.h"
+#include "arborist/model/common_part.h"
 #include "arborist/model/event.h"
 #include "arborist/model/fault_tree.h"
 #include "arborist/model/rule.h"
+#include "arborist/stores/common_part/common_part_db_helper.h"
 #include "arborist/utilities/string_util.h"
 
 namespace {
@@ -23,30 +23,21 @@ using Family = DetectionObserver::Family;
 using Reason = DetectionObserver::Reason;
 using Verdict = DetectionObserver::Verdict;
 
-Family FamilyOf(const Rule* rule)
-{
-    if (dynamic_cast<const AlarmRule*>(rule) != nullptr) {
-        return Family::ALARM;
-    }
-    if (dynamic_cast<const CommandRule*>(rule) != nullptr) {
-        return Family::COMMAND;
-    }
-    if (dynamic_cast<const NodeRule*>(rule) != nullptr) {
-        return Family::NODE;
-    }
-    return dynamic_cast<const CodeRule*>(rule) != nullptr ? Family::CODE : Family::NONE;
-}
-
 } // namespace
 
 RuleEngine::RuleEngine(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<FaultTreeParser> faultTreeParser)
-    : mFaultTreeParser(std::move(faultTreeParser)), mDetectInfo(std::move(detectInfo))
+    : mFaultTreeParser(std::move(faultTreeParser)), mDetectInfo(std::move(detectInfo)),
+      mDeviceDetails(mDetectInfo != nullptr ? mDetectInfo->mDeviceDetails : nullptr),
+      mRuleHelper(mDetectInfo != nullptr ? std::make_shared<RuleHelper>(mDetectInfo, mFaultTreeParser) : nullptr),
+      mRuleEngineHelper(mDetectInfo != nullptr ? std::make_shared<RuleEngineHelper>() : nullptr),
+      mCheckers(mRuleHelper, mRuleEngineHelper, mFaultTreeParser, mDetectInfo)
 {
-    if (mDetectInfo != nullptr) {
-        mDeviceDetails = mDetectInfo->mDeviceDetails;
-        mRuleHelper = std::make_shared<RuleHelper>(mDetectInfo, mFaultTreeParser);
-        mRuleEngineHelper = std::make_shared<RuleEngineHelper>();
-    }
+}
+
+void RuleEngine::Init()
+{
+    CommonPartDbHelper::GetInstance().Init();
+    InitCommonPart();
 }
 
 void RuleEngine::StartRunRules(const std::shared_ptr<FaultTree>& faultTree)
@@ -80,7 +71,7 @@ RuleEngineHelper::EventMap RuleEngine::GetEventMap() const
 
 std::vector<std::string> RuleEngine::GetCodeRuleInfoByType(std::string_view type, const std::string& detectCode)
 {
-    return GetCodeRuleEngine()->GetCodeRuleInfoByType(type, detectCode);
+    return mCheckers.GetCodeRuleEngine()->GetCodeRuleInfoByType(type, detectCode);
 }
 
 void RuleEngine::SetObserver(DetectionObserver* observer)
@@ -89,18 +80,18 @@ void RuleEngine::SetObserver(DetectionObserver* observer)
     if (mRuleHelper != nullptr) {
         mRuleHelper->SetObserver(observer);
     }
-    if (mAlarmRuleEngine != nullptr) {
-        mAlarmRuleEngine->SetObserver(observer);
+    mCheckers.SetObserver(observer);
+}
+
+void RuleEngine::InitCommonPart()
+{
+    const auto block = mFaultTreeParser == nullptr ? nullptr : mFaultTreeParser->GetCommonPart();
+    if (block == nullptr || (block->GetThresholdLumbraList().empty() && block->GetDefDbTableCommonList().empty())) {
+        return; // what an earlier detection prepared stays
     }
-    if (mCommandRuleEngine != nullptr) {
-        mCommandRuleEngine->SetObserver(observer);
-    }
-    if (mNodeRuleEngine != nullptr) {
-        mNodeRuleEngine->SetObserver(observer);
-    }
-    if (mCodeRuleEngine != nullptr) {
-        mCodeRuleEngine->SetObserver(observer);
-    }
+    mCommonPart = std::make_shared<CommonPart>();
+    mCommonPart->SetCombineCommon(block);
+    PrepareCommonPart(mCommonPart, mDeviceDetails.get(), mObserver);
 }
 
 void RuleEngine::Reset()
@@ -216,7 +207,7 @@ bool RuleEngine::GetSingleRuleCheckResult(const std::string& ruleName, const std
     if (!mRuleHelper->IsSpecifiedRuleItemSupported(rule)) {
         reason = rule == nullptr ? Reason::NO_SUCH_RULE : mRuleHelper->GetFilterReason();
     } else {
-        checker = GetRuleCheckerInstance(rule);
+        checker = mCheckers.Get(rule.get(), mCommonPart);
         reason = Reason::NO_CHECKER;
     }
     const bool fired = checker != nullptr && checker->IsFaultHappened(rule, eventId);
@@ -226,58 +217,4 @@ bool RuleEngine::GetSingleRuleCheckResult(const std::string& ruleName, const std
                                   checker != nullptr ? checker->GetReason() : reason});
     }
     return fired;
-}
-
-std::shared_ptr<RuleChecker> RuleEngine::GetRuleCheckerInstance(const std::shared_ptr<Rule>& rule)
-{
-    switch (FamilyOf(rule.get())) {
-    case Family::ALARM:
-        if (mAlarmRuleEngine == nullptr) {
-            mAlarmRuleEngine = std::make_shared<AlarmRuleEngine>(mRuleHelper);
-            mAlarmRuleEngine->SetObserver(mObserver);
-            ForeseeAlarmRules();
-        }
-        return mAlarmRuleEngine;
-    case Family::COMMAND:
-        if (mCommandRuleEngine == nullptr) {
-            // Keeps the common part that is there now, on purpose: a later detection of this engine judges command
-            // rules by the thresholds of the first.
-            mCommandRuleEngine = std::make_shared<CommandRuleEngine>(mCommonPart, mRuleHelper);
-            mCommandRuleEngine->SetObserver(mObserver);
-        }
-        return mCommandRuleEngine;
-    case Family::NODE:
-        if (mNodeRuleEngine == nullptr) {
-            mNodeRuleEngine = std::make_shared<NodeRuleEngine>();
-            mNodeRuleEngine->SetObserver(mObserver);
-        }
-        return mNodeRuleEngine;
-    case Family::CODE:
-        return GetCodeRuleEngine();
-    default:
-        FT::Log::GetInstance().Output(
-            FT::LEVEL_WARN, "FUNc:%s: undefine rule", "RuleEngine::GetRuleCheckerInstance");
-        return nullptr;
-    }
-}
-
-void RuleEngine::ForeseeAlarmRules()
-{
-    if (mFaultTreeParser == nullptr) {
-        return;
-    }
-    for (const auto& [name, rule] : mFaultTreeParser->GetRuleMap()) {
-        if (const auto* const alarmRule = dynamic_cast<const AlarmRule*>(rule.get())) {
-            mAlarmRuleEngine->Foresee(*alarmRule);
-        }
-    }
-}
-
-const std::shared_ptr<CodeRuleEngine>& RuleEngine::GetCodeRuleEngine()
-{
-    if (mCodeRuleEngine == nullptr) {
-        mCodeRuleEngine = std::make_shared<CodeRuleEngine>(mRuleEngineHelper, mFaultTreeParser, mDetectInfo);
-        mCodeRuleEngine->SetObserver(mObserver);
-    }
-    return mCodeRuleEngine;
 }

@@ -7,24 +7,19 @@
 #include <string_view>
 #include <vector>
 
+#include "arborist/evaluation/rule_checkers.h"
 #include "arborist/evaluation/rule_engine_helper.h"
 #include "arborist/frame/detection_observer.h"
-#include "arborist/model/common_part.h"
 #include "arborist/model/event_rule.h"
 
-class AlarmRuleEngine;
-class CodeRuleEngine;
-class CommandRuleEngine;
+class CommonPart;
 class DeviceDetails;
 class FaultTree;
 class FaultTreeParser;
-class NodeRuleEngine;
-class Rule;
-class RuleChecker;
 class RuleHelper;
 struct DetectInfo;
 
-/// Carries a detection through its rule stage: prepares what the rules share, then, tree by tree, asks the rules of
+/// Carries a detection through its rule stage: has what the rules share prepared, then, tree by tree, asks the rules of
 /// each event and writes TRUE into the events whose rules fired. Nothing else writes that status.
 ///
 /// Shares ownership of what it is given. Runs on the caller's thread; nothing is locked.
@@ -55,8 +50,6 @@ public:
     void SetObserver(DetectionObserver* observer);
 
 private:
-    friend struct RuleEnginePeer; // lets a test ask for the checker of any rule
-
     // Where in an event's rules a rule stands, for explanations.
     struct Place {
         std::size_t alternative = 0;
@@ -65,8 +58,6 @@ private:
     };
 
     void InitCommonPart();
-    void TellThresholds(const CommonPart::CombineCommonPart& block) const;
-    void TellExternalDatabases(const CommonPart::CombineCommonPart& block) const;
     void Reset();
     void MarkObservable();
     void RunRules();
@@ -75,22 +66,15 @@ private:
     bool GetSingleRuleCheckResult(const std::string& ruleName, const std::string& eventId, const Place& place);
     void DoMultiRulesCheck(const std::string& names, const std::string& eventId,
                            const std::shared_ptr<OrRuleSingle>& entry, std::size_t alternative);
-    void ForeseeAlarmRules();
-    std::shared_ptr<RuleChecker> GetRuleCheckerInstance(const std::shared_ptr<Rule>& rule);
-    const std::shared_ptr<CodeRuleEngine>& GetCodeRuleEngine();
 
     std::shared_ptr<FaultTreeParser> mFaultTreeParser;
-    std::shared_ptr<RuleHelper> mRuleHelper;
-    std::shared_ptr<CommonPart> mCommonPart;
     std::shared_ptr<DetectInfo> mDetectInfo;
     std::shared_ptr<DeviceDetails> mDeviceDetails;
-    std::shared_ptr<FaultTree> mFaultTree;
-    // One of each family, made on first use.
-    std::shared_ptr<AlarmRuleEngine> mAlarmRuleEngine;
-    std::shared_ptr<CommandRuleEngine> mCommandRuleEngine;
-    std::shared_ptr<NodeRuleEngine> mNodeRuleEngine;
-    std::shared_ptr<CodeRuleEngine> mCodeRuleEngine;
+    std::shared_ptr<RuleHelper> mRuleHelper;
     std::shared_ptr<RuleEngineHelper> mRuleEngineHelper;
+    std::shared_ptr<CommonPart> mCommonPart;
+    std::shared_ptr<FaultTree> mFaultTree;
+    RuleCheckers mCheckers;
     DetectionObserver* mObserver = nullptr;
 };
 

@@ -6,19 +6,11 @@
 #include "arborist/frame/detect_info.h"
 #include "arborist/frame/log.h"
 #include "arborist/loading/fault_tree_parser.h"
-#include "arborist/model/event.h"
-#include "arborist/stores/repairs/repair_dates.h"
 #include "arborist/stores/repairs/reset_time_parser.h"
 
 namespace {
 
 using Reason = DetectionObserver::Reason;
-
-// A plain search on purpose: a product "AB" also matches a text that lists "ABC". Rule files count on it.
-bool Holds(const std::string& ruleText, const std::string& deviceValue)
-{
-    return ruleText.find(deviceValue) != std::string::npos;
-}
 
 std::string JoinNames(const std::vector<std::string>& names)
 {
@@ -35,8 +27,7 @@ std::string JoinNames(const std::vector<std::string>& names)
 RuleHelper::RuleHelper(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<FaultTreeParser> faultTreeParser)
     : mDetectInfo(std::move(detectInfo)),
       mResetTimeParser(std::make_shared<ResetTimeParser>(mDetectInfo == nullptr ? "" : mDetectInfo->mLogLocation)),
-      mRepairDates(std::make_shared<RepairDates>()),
-      mFaultTreeParser(std::move(faultTreeParser))
+      mFilter(mDetectInfo), mStartTimes(mResetTimeParser, std::move(faultTreeParser))
 {
     mResetTimeParser->ParseLogService();
 }
@@ -44,8 +35,18 @@ RuleHelper::RuleHelper(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<F
 bool RuleHelper::IsSpecifiedRuleItemSupported(const std::shared_ptr<Rule>& rule) const
 {
     mFilterReason = Reason::NONE;
-    return rule != nullptr && IsValidProduct(rule) && IsValidDetectScene(rule) && IsValidPlatform(rule)
-        && IsValidDeviceType(rule);
+    if (rule == nullptr) {
+        return false;
+    }
+    const auto rejection = mFilter.Reject(*rule);
+    if (!rejection) {
+        return true;
+    }
+    mFilterReason = rejection->reason;
+    if (mObserver != nullptr) {
+        mObserver->OnFilter({rule->name, rejection->reason, rejection->deviceValue, rejection->ruleText});
+    }
+    return false;
 }
 
 bool RuleHelper::IsSpecifiedCodeRuleSupported(
@@ -111,68 +112,8 @@ std::shared_ptr<TimeSet> RuleHelper::GetTimeSetByRuleType(
     return nullptr;
 }
 
-bool RuleHelper::IsValidProduct(const std::shared_ptr<Rule>& rule) const
+std::int64_t RuleHelper::GetDetectStartTime(
+    std::int32_t days, const std::string& word, const std::string& eventId) const
 {
-    if (mDetectInfo == nullptr) {
-        return Reject(Reason::FILTERED_PRODUCT, *rule, EMPTY_STRING, rule->production);
-    }
-    const auto& details = mDetectInfo->mDeviceDetails;
-    const std::string product = details != nullptr ? details->GetProduct() : EMPTY_STRING;
-    // A device that names no product is found in every list, a black one too: the empty text is part of any text.
-    if (!rule->blackProducts.empty() && Holds(rule->blackProducts, product)) {
-        return Reject(Reason::FILTERED_BLACK_PRODUCT, *rule, product, rule->blackProducts);
-    }
-    return PassesText(Reason::FILTERED_PRODUCT, *rule, rule->production, &DeviceDetails::GetProduct);
-}
-
-bool RuleHelper::IsValidDetectScene(const std::shared_ptr<Rule>& rule) const
-{
-    if (rule == nullptr) {
-        return false;
-    }
-    const std::string scene = mDetectInfo != nullptr ? std::to_string(mDetectInfo->mDetectScene) : EMPTY_STRING;
-    // Unlike the other filters, one that is not set lets nothing through: a rule without scenes is switched off.
-    if (scene.empty() || !Holds(rule->detectScene, scene)) {
-        return Reject(Reason::FILTERED_SCENE, *rule, scene, rule->detectScene);
-    }
-    return true;
-}
-
-bool RuleHelper::IsValidPlatform(const std::shared_ptr<Rule>& rule) const
-{
-    return rule != nullptr
-        && PassesText(Reason::FILTERED_PLATFORM, *rule, rule->platform, &DeviceDetails::GetPlatform);
-}
-
-bool RuleHelper::IsValidDeviceType(const std::shared_ptr<Rule>& rule) const
-{
-    return rule != nullptr
-        && PassesText(Reason::FILTERED_DEVICE_TYPE, *rule, rule->deviceType, &DeviceDetails::GetDeviceType);
-}
-
-bool RuleHelper::PassesText(
-    Reason reason, const Rule& rule, const std::string& ruleText, std::string (DeviceDetails::*value)() const) const
-{
-    if (mDetectInfo == nullptr) {
-        return Reject(reason, rule, EMPTY_STRING, ruleText);
-    }
-    if (ruleText.empty()) {
-        return true;
-    }
-    const auto& details = mDetectInfo->mDeviceDetails;
-    if (details == nullptr) {
-        return Reject(reason, rule, EMPTY_STRING, ruleText); // nothing is known of the device
-    }
-    const std::string deviceValue = ((*details).*value)();
-    return Holds(ruleText, deviceValue) || Reject(reason, rule, deviceValue, ruleText);
-}
-
-bool RuleHelper::Reject(
-    Reason reason, const Rule& rule, const std::string& deviceValue, const std::string& ruleText) const
-{
-    mFilterReason = reason;
-    if (mObserver != nullptr) {
-        mObserver->OnFilter({rule.name, reason, deviceValue, ruleText});
-    }
-    return false;
+    return mStartTimes.GetDetectStartTime(days, word, eventId, mCurrentEvent.get(), mObserver);
 }

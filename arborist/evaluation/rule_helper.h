@@ -1,7 +1,6 @@
 #ifndef ARBORIST_EVALUATION_RULE_HELPER_H
 #define ARBORIST_EVALUATION_RULE_HELPER_H
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -9,20 +8,20 @@
 #include <vector>
 
 #include "arborist/evaluation/code_rule_index.h"
+#include "arborist/evaluation/rule_filter.h"
+#include "arborist/evaluation/start_times.h"
 #include "arborist/frame/detection_observer.h"
 #include "arborist/model/event_rule.h"
 #include "arborist/model/rule.h"
 
-class DeviceDetails;
 class Event;
 class FaultTreeParser;
-class RepairDates;
 class ResetTimeParser;
 struct DetectInfo;
 
-/// The decisions that all checkers share: whether a rule applies to this device and scene, and how the names of rules
-/// stand for the alternatives of an event; and from what moment on a check looks at the log. Carries the event that the
-/// driver is working on.
+/// The decisions that all checkers share, each made in a room of its own: whether a rule applies to this device and
+/// scene (RuleFilter), which alternative of an event a name stands for (AlternativeFinder), and from what moment on a
+/// check looks at the log (StartTimes). Carries the event that the driver is working on.
 ///
 /// Shares ownership of what it is given. Used by one thread at a time.
 class RuleHelper {
@@ -32,13 +31,12 @@ public:
     static constexpr std::string_view SUGGESTION = "suggestionId";
     static constexpr std::string_view REPAIR = "repairId";
     static constexpr std::string_view USER_DEFINED = "userDefine";
-    /// Member of an event's user-defined text that names a repair.
-    static constexpr char REPAIR_ID[] = "Repairid";
-    /// Start words: what an item's windows don't reach back beyond.
-    static constexpr std::string_view DETECT_FROM_RESET_OR_UPDATE = "1";
-    static constexpr std::string_view DETECT_FROM_UPDATE = "2";
-    static constexpr std::string_view DETECT_FROM_RESET = "3";
-    static constexpr std::string_view DETECT_ALL = "4";
+    /// See StartTimes.
+    static constexpr const char* REPAIR_ID = StartTimes::REPAIR_ID;
+    static constexpr std::string_view DETECT_FROM_RESET_OR_UPDATE = StartTimes::FROM_RESET_OR_UPDATE;
+    static constexpr std::string_view DETECT_FROM_UPDATE = StartTimes::FROM_UPDATE;
+    static constexpr std::string_view DETECT_FROM_RESET = StartTimes::FROM_RESET;
+    static constexpr std::string_view DETECT_ALL = StartTimes::ALL;
     static constexpr std::string_view SINGLE_RULE = "singleRule";
     /// Separates the rule names of one alternative.
     static constexpr char TYPE_COMMA[] = ",";
@@ -74,42 +72,21 @@ public:
     static std::shared_ptr<TimeSet> GetTimeSetByRuleType(const std::shared_ptr<AlarmRule::AlarmItem>& item,
                                                          TimeSet::TimeType timeType);
 
-    /// The moment from which a check looks at the log, in seconds since the epoch: `days` before now (0 stands for 30),
-    /// or the last reset or update where `word` takes it into account, or the last repair of this event, whichever is
-    /// latest. "1" and every word that isn't known take reset and update. Asks the repair database.
+    /// The moment from which a check of the current event looks at the log; see StartTimes::GetDetectStartTime.
     std::int64_t GetDetectStartTime(std::int32_t days, const std::string& word, const std::string& eventId) const;
     /// Whether a check with this start word counts the events of the current version only.
-    static bool IsDetectFromUpdate(const std::string& word);
+    static bool IsDetectFromUpdate(const std::string& word) { return StartTimes::IsDetectFromUpdate(word); }
 
     /// The observer is not owned and outlives the helper or is taken away with null.
     void SetObserver(DetectionObserver* observer) { mObserver = observer; }
     DetectionObserver* GetObserver() const { return mObserver; }
 
 private:
-    friend struct RuleHelperPeer; // lets a test give recovery times, which no log reaches by itself
-
-    struct RepairTime {
-        std::int64_t time = 0;
-        std::string repairId;
-    };
-
-    RepairTime GetRepairTimeByEventId(const std::string& eventId) const;
-    std::int64_t GetRepairTimeFromDb(const std::string& repairId) const;
-    std::string GetRepairIdFromCurEvent() const;
-    bool IsValidProduct(const std::shared_ptr<Rule>& rule) const;
-    bool IsValidDetectScene(const std::shared_ptr<Rule>& rule) const;
-    bool IsValidPlatform(const std::shared_ptr<Rule>& rule) const;
-    bool IsValidDeviceType(const std::shared_ptr<Rule>& rule) const;
-    bool PassesText(DetectionObserver::Reason reason, const Rule& rule, const std::string& ruleText,
-                    std::string (DeviceDetails::*value)() const) const;
-    bool Reject(DetectionObserver::Reason reason, const Rule& rule, const std::string& deviceValue,
-                const std::string& ruleText) const;
-
     std::shared_ptr<DetectInfo> mDetectInfo;
     std::shared_ptr<ResetTimeParser> mResetTimeParser;
-    std::shared_ptr<RepairDates> mRepairDates;
+    RuleFilter mFilter;
+    StartTimes mStartTimes;
     std::shared_ptr<Event> mCurrentEvent;
-    std::shared_ptr<FaultTreeParser> mFaultTreeParser;
     DetectionObserver* mObserver = nullptr;
     mutable DetectionObserver::Reason mFilterReason = DetectionObserver::Reason::NONE;
     mutable CodeRuleIndex mCodeRuleIndex;

@@ -1,11 +1,8 @@
 #include "arborist/evaluation/rule_engine.h"
 
-#include <set>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "arborist/evaluation/rule_checker.h"
 #include "arborist/evaluation/rule_helper.h"
 #include "arborist/frame/log.h"
 #include "arborist/model/event.h"
@@ -16,14 +13,6 @@
 #include "tests/support/log_capture.h"
 #include "tests/support/recording_observer.h"
 #include "tests/support/settings_guard.h"
-
-/// Reaches the choice of a checker: no rule file gives a rule without a family.
-struct RuleEnginePeer {
-    static std::shared_ptr<RuleChecker> Checker(RuleEngine& engine, const std::shared_ptr<Rule>& rule)
-    {
-        return engine.GetRuleCheckerInstance(rule);
-    }
-};
 
 namespace {
 
@@ -306,28 +295,6 @@ TEST_F(RuleEngineTest, RuleNameWithoutARuleIsFalseAndSilent)
                                   Rules().EventRule("A", {Single("ghost"), Multiple({"yes", "ghost"})}));
     EXPECT_THAT(statuses, ElementsAre("T FALSE", "A FALSE"));
     EXPECT_THAT(mLog.Lines(), IsEmpty());
-}
-
-TEST_F(RuleEngineTest, RuleWithoutAFamilyHasNoChecker)
-{
-    LoadSet(TreeXml(TAG), Rules());
-    EXPECT_EQ(RuleEnginePeer::Checker(*mEngine, std::make_shared<Rule>()), nullptr);
-    EXPECT_THAT(mLog.Lines(FT::LEVEL_WARN), ElementsAre("FUNc:RuleEngine::GetRuleCheckerInstance: undefine rule"));
-}
-
-TEST_F(RuleEngineTest, EachFamilyHasOneCheckerThatIsKept)
-{
-    LoadSet(TreeXml(TAG), Rules());
-    const std::vector<std::shared_ptr<Rule>> rules = {std::make_shared<AlarmRule>(), std::make_shared<CommandRule>(),
-                                                      std::make_shared<NodeRule>(), std::make_shared<CodeRule>()};
-    std::set<std::shared_ptr<RuleChecker>> checkers;
-    for (const auto& rule : rules) {
-        const auto checker = RuleEnginePeer::Checker(*mEngine, rule);
-        EXPECT_EQ(RuleEnginePeer::Checker(*mEngine, rule), checker);
-        checkers.insert(checker);
-    }
-    EXPECT_THAT(checkers, SizeIs(4));
-    EXPECT_EQ(checkers.count(nullptr), 0U);
 }
 
 TEST_F(RuleEngineTest, WithoutDetectInfoNothingRunsAndNothingCrashes)

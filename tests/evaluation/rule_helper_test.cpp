@@ -5,8 +5,8 @@
 
 #include "arborist/frame/log.h"
 #include "arborist/model/event.h"
+#include "tests/evaluation/laptop.h"
 #include "tests/evaluation/rule_set.h"
-#include "tests/support/case_name.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/recording_observer.h"
 
@@ -15,54 +15,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 using Reason = DetectionObserver::Reason;
-
-const DeviceDetails LAPTOP("Notebook", "AB", "x86", "", "", "", "");
-
-std::shared_ptr<DetectInfo> InfoOf(const DeviceDetails& details, int scene)
-{
-    auto info = std::make_shared<DetectInfo>();
-    info->mDetectScene = scene;
-    info->mDeviceDetails = std::make_shared<DeviceDetails>(details);
-    return info;
-}
-
-struct FilterCase {
-    const char* name;
-    std::string Rule::*field;
-    const char* ruleText;
-    Reason expected; // NONE: the rule passes
-};
-void PrintTo(const FilterCase& filter, std::ostream* out) { *out << filter.name; }
-class RuleFilter : public testing::TestWithParam<FilterCase> {};
-
-TEST_P(RuleFilter, LooksForTheDeviceInTheRulesText)
-{
-    const RuleHelper helper(InfoOf(LAPTOP, 2), nullptr);
-    const auto rule = std::make_shared<NodeRule>();
-    rule->detectScene = "2";
-    (*rule).*GetParam().field = GetParam().ruleText;
-    EXPECT_EQ(helper.IsSpecifiedRuleItemSupported(rule), GetParam().expected == Reason::NONE);
-    EXPECT_EQ(helper.GetFilterReason(), GetParam().expected);
-}
-
-INSTANTIATE_TEST_SUITE_P(Table, RuleFilter, testing::Values(
-    FilterCase{"SceneListed", &Rule::detectScene, "1,2,12", Reason::NONE},
-    FilterCase{"SceneAsPartOfAnotherNumber", &Rule::detectScene, "12", Reason::NONE},
-    FilterCase{"SceneNotListed", &Rule::detectScene, "1,3", Reason::FILTERED_SCENE},
-    FilterCase{"SceneEmptyRejects", &Rule::detectScene, "", Reason::FILTERED_SCENE},
-    FilterCase{"ProductEmpty", &Rule::production, "", Reason::NONE},
-    FilterCase{"ProductListed", &Rule::production, "X,AB", Reason::NONE},
-    FilterCase{"ProductAsPartOfAnotherName", &Rule::production, "ABC", Reason::NONE},
-    FilterCase{"ProductNotListed", &Rule::production, "X,A B", Reason::FILTERED_PRODUCT},
-    FilterCase{"BlackProductListed", &Rule::blackProducts, "AB", Reason::FILTERED_BLACK_PRODUCT},
-    FilterCase{"BlackProductNotListed", &Rule::blackProducts, "X", Reason::NONE},
-    FilterCase{"PlatformEmpty", &Rule::platform, "", Reason::NONE},
-    FilterCase{"PlatformListed", &Rule::platform, "arm,x86", Reason::NONE},
-    FilterCase{"PlatformNotListed", &Rule::platform, "arm", Reason::FILTERED_PLATFORM},
-    FilterCase{"DeviceTypeEmpty", &Rule::deviceType, "", Reason::NONE},
-    FilterCase{"DeviceTypeListed", &Rule::deviceType, "Notebook", Reason::NONE},
-    FilterCase{"DeviceTypeNotListed", &Rule::deviceType, "notebook", Reason::FILTERED_DEVICE_TYPE}),
-    CaseName());
 
 class RuleHelperTest : public testing::Test {
 protected:
@@ -83,43 +35,6 @@ protected:
     LogCapture mLog;
 };
 
-TEST_F(RuleHelperTest, SceneListPassesItsOwnScenesOnly)
-{
-    EXPECT_TRUE(Passes(InfoOf(LAPTOP, 2), RuleForScene("1,2,12")));
-    EXPECT_FALSE(Passes(InfoOf(LAPTOP, 3), RuleForScene("1,2,12")));
-    EXPECT_TRUE(Passes(InfoOf(LAPTOP, -4), RuleForScene("1,-4")));
-    EXPECT_FALSE(Passes(InfoOf(LAPTOP, -4), RuleForScene("1,4")));
-}
-
-TEST_F(RuleHelperTest, BlackProductBeatsTheProductList)
-{
-    const auto rule = RuleForScene("2");
-    rule->production = "AB";
-    rule->blackProducts = "AB";
-    EXPECT_FALSE(Passes(InfoOf(LAPTOP, 2), rule));
-}
-
-TEST_F(RuleHelperTest, DeviceThatNamesNothingIsFoundInEveryText)
-{
-    const auto rule = RuleForScene("2");
-    rule->production = "X";
-    rule->platform = "arm";
-    rule->deviceType = "Phone";
-    EXPECT_TRUE(Passes(InfoOf(DeviceDetails(), 2), rule));
-    rule->blackProducts = "Y";
-    EXPECT_FALSE(Passes(InfoOf(DeviceDetails(), 2), rule));
-}
-
-TEST_F(RuleHelperTest, WithoutDeviceDetailsOnlyRulesThatAskForNothingPass)
-{
-    const auto info = InfoOf(LAPTOP, 2);
-    info->mDeviceDetails = nullptr;
-    const auto rule = RuleForScene("2");
-    EXPECT_TRUE(Passes(info, rule));
-    rule->platform = "x86";
-    EXPECT_FALSE(Passes(info, rule));
-}
-
 TEST_F(RuleHelperTest, NullRuleAndNullInputAreRejected)
 {
     EXPECT_FALSE(Passes(InfoOf(LAPTOP, 2), nullptr));
@@ -139,29 +54,6 @@ TEST_F(RuleHelperTest, FilterThatRejectsIsToldWithBothTexts)
     EXPECT_TRUE(helper.IsSpecifiedRuleItemSupported(RuleForScene("2")));
     EXPECT_THAT(observer.Lines(), ElementsAre("filter r '2' in '1' [filtered_scene]",
                                               "filter r 'AB' in 'AB,Z' [filtered_black_product]"));
-}
-
-TEST_F(RuleHelperTest, FirstFilterThatFailsIsTheReason)
-{
-    const RuleHelper helper(InfoOf(LAPTOP, 2), nullptr);
-    const auto rule = RuleForScene("1");
-    rule->blackProducts = "AB";
-    rule->production = "X";
-    rule->platform = "arm";
-    rule->deviceType = "Phone";
-    const auto reason = [&] {
-        EXPECT_FALSE(helper.IsSpecifiedRuleItemSupported(rule));
-        return helper.GetFilterReason();
-    };
-    EXPECT_EQ(reason(), Reason::FILTERED_BLACK_PRODUCT);
-    rule->blackProducts = "";
-    EXPECT_EQ(reason(), Reason::FILTERED_PRODUCT);
-    rule->production = "";
-    EXPECT_EQ(reason(), Reason::FILTERED_SCENE);
-    rule->detectScene = "2";
-    EXPECT_EQ(reason(), Reason::FILTERED_PLATFORM);
-    rule->platform = "";
-    EXPECT_EQ(reason(), Reason::FILTERED_DEVICE_TYPE);
 }
 
 TEST_F(RuleHelperTest, CodeRuleIsFoundByAnyPartOfItsDetectCode)

@@ -1,3 +1,5 @@
+#include "arborist/evaluation/common_part_preparation.h"
+
 #include <gmock/gmock.h>
 
 #include "arborist/evaluation/rule_engine.h"
@@ -37,9 +39,9 @@ Xml TablesXml(const std::string& directory)
         .Child(Xml("dbName").Attr("name", ".*\\.db"));
 }
 
-class RuleEngineInit : public testing::Test {
+class CommonPartPreparation : public testing::Test {
 protected:
-    RuleEngineInit()
+    CommonPartPreparation()
     {
         mSettings.Set(Settings::PROGRAM_DATA_DIR, mDir.Path("root"));
         mSettings.Set(Settings::APP_DATABASE_DIR, mDir.Path("copies"));
@@ -80,7 +82,7 @@ protected:
     std::shared_ptr<FaultTreeParser> mParser;
 };
 
-TEST_F(RuleEngineInit, WithoutACommonPartOnlyTheDirectoryIsMade)
+TEST_F(CommonPartPreparation, WithoutACommonPartOnlyTheDirectoryIsMade)
 {
     Init({});
     EXPECT_TRUE(mDir.Has("root/Comms/Lumbra/zxdetectrepair/databases"));
@@ -90,13 +92,13 @@ TEST_F(RuleEngineInit, WithoutACommonPartOnlyTheDirectoryIsMade)
     EXPECT_THAT(mObserver.Lines(), IsEmpty());
 }
 
-TEST_F(RuleEngineInit, WithoutAParserOrDetectInfoOnlyTheDirectoryIsMade)
+TEST_F(CommonPartPreparation, WithoutAParserOrDetectInfoOnlyTheDirectoryIsMade)
 {
     RuleEngine(nullptr, nullptr).Init();
     EXPECT_TRUE(mDir.Has("root/Comms/Lumbra/zxdetectrepair/databases"));
 }
 
-TEST_F(RuleEngineInit, TablesAloneAreCopiedAndNothingIsDerived)
+TEST_F(CommonPartPreparation, TablesAloneAreCopiedAndNothingIsDerived)
 {
     Init({TablesXml(mDir.Path("device"))});
     EXPECT_FALSE(mDir.Has("root/Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db"));
@@ -104,7 +106,7 @@ TEST_F(RuleEngineInit, TablesAloneAreCopiedAndNothingIsDerived)
         ElementsAre(mDir.Path("copies/ext.db")));
 }
 
-TEST_F(RuleEngineInit, BothKindsArePreparedAndTheDeviceSetsItsParameters)
+TEST_F(CommonPartPreparation, BothKindsArePreparedAndTheDeviceSetsItsParameters)
 {
     Init({TablesXml(mDir.Path("device")), ThresholdsXml("Jank")});
     EXPECT_THAT(DerivedRows(), ElementsAre("1|3|1699999999"));
@@ -112,14 +114,14 @@ TEST_F(RuleEngineInit, BothKindsArePreparedAndTheDeviceSetsItsParameters)
     EXPECT_EQ(mParser->GetCommonPart()->GetThresholdLumbraList()[0]->GetSystemParamMap().at("cpu")->value, "i7");
 }
 
-TEST_F(RuleEngineInit, TheObserverHearsOfThresholdsAndThenOfDatabases)
+TEST_F(CommonPartPreparation, TheObserverHearsOfThresholdsAndThenOfDatabases)
 {
     Init({TablesXml(mDir.Path("device")), ThresholdsXml("Jank"), ThresholdsXml("More")});
     EXPECT_THAT(mObserver.Lines(),
         ElementsAre("thresholds Jank 0 by 1 set", "thresholds More 0 by 1 set", "database Ext '.*\\.db'"));
 }
 
-TEST_F(RuleEngineInit, TheObserverHearsThatThresholdsStayUnset)
+TEST_F(CommonPartPreparation, TheObserverHearsThatThresholdsStayUnset)
 {
     const std::vector<std::shared_ptr<DeviceDetails>> devices{
         std::make_shared<DeviceDetails>("", "", "", "", "16G", "4K", "5000"),
@@ -135,7 +137,7 @@ TEST_F(RuleEngineInit, TheObserverHearsThatThresholdsStayUnset)
     }
 }
 
-TEST_F(RuleEngineInit, TablesAreDerivedBeforeTheCopiesAreMade)
+TEST_F(CommonPartPreparation, TablesAreDerivedBeforeTheCopiesAreMade)
 {
     mSettings.Set(Settings::APP_DATABASE_DIR, "");
     Init({TablesXml(mDir.Path("device")), ThresholdsXml("Jank")});
@@ -145,7 +147,7 @@ TEST_F(RuleEngineInit, TablesAreDerivedBeforeTheCopiesAreMade)
     EXPECT_THAT(lines.back(), testing::HasSubstr("CommonPartDbHelper::CopyDbFile: database dir is empty."));
 }
 
-TEST_F(RuleEngineInit, SourcesStayByteForByteAsTheyWere)
+TEST_F(CommonPartPreparation, SourcesStayByteForByteAsTheyWere)
 {
     const std::string log = mDir.Read("root/Comms/Lumbra/workDir/0/log.db");
     const std::string external = mDir.Read("device/ext.db");

@@ -1,9 +1,12 @@
-#include "arborist/evaluation/rule_helper.h"
+#include "arborist/evaluation/start_times.h"
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 #include <json/value.h>
 
+#include "arborist/frame/detection_observer.h"
 #include "arborist/frame/log.h"
 #include "arborist/loading/fault_tree_parser.h"
 #include "arborist/model/event.h"
@@ -35,15 +38,35 @@ void Raise(StartTimeSeen& seen, std::int64_t time, StartTimeSeen::Floor floor)
     }
 }
 
-} // namespace
-
-bool RuleHelper::IsDetectFromUpdate(const std::string& word)
+std::string RepairIdOf(const Event& event)
 {
-    return word == DETECT_FROM_UPDATE || word == DETECT_FROM_RESET_OR_UPDATE;
+    if (event.GetUserDefined().empty()) {
+        return {};
+    }
+    Json::Value root;
+    std::string error;
+    if (!ParseJson(event.GetUserDefined(), root, error)) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: parse userDefinedJson err. %s ",
+            "RuleHelper::GetRepairIdFromCurEvent", error.c_str());
+    }
+    return MemberText(root, StartTimes::REPAIR_ID);
 }
 
-std::int64_t RuleHelper::GetDetectStartTime(
-    std::int32_t days, const std::string& word, const std::string& eventId) const
+} // namespace
+
+StartTimes::StartTimes(std::shared_ptr<ResetTimeParser> resetTimes, std::shared_ptr<FaultTreeParser> faultTreeParser)
+    : mResetTimes(std::move(resetTimes)), mFaultTreeParser(std::move(faultTreeParser)),
+      mRepairDates(std::make_shared<RepairDates>())
+{
+}
+
+bool StartTimes::IsDetectFromUpdate(const std::string& word)
+{
+    return word == FROM_UPDATE || word == FROM_RESET_OR_UPDATE;
+}
+
+std::int64_t StartTimes::GetDetectStartTime(std::int32_t days, const std::string& word, const std::string& eventId,
+                                            const Event* current, DetectionObserver* observer) const
 {
     const std::int32_t period = days == 0 ? DEFAULT_DAYS : days;
     StartTimeSeen seen{};
@@ -51,11 +74,11 @@ std::int64_t RuleHelper::GetDetectStartTime(
     seen.start = seen.periodStart;
     seen.floor = StartTimeSeen::Floor::PERIOD;
     // Any word that isn't known takes both.
-    if (word != DETECT_FROM_UPDATE && word != DETECT_ALL) {
-        seen.resetTime = mResetTimeParser->GetResetTime();
+    if (word != FROM_UPDATE && word != ALL) {
+        seen.resetTime = mResetTimes->GetResetTime();
     }
-    if (word != DETECT_FROM_RESET && word != DETECT_ALL) {
-        seen.updateTime = mResetTimeParser->GetUpdateTime();
+    if (word != FROM_RESET && word != ALL) {
+        seen.updateTime = mResetTimes->GetUpdateTime();
     }
     if (seen.resetTime != 0) {
         Raise(seen, seen.resetTime, StartTimeSeen::Floor::RESET);
@@ -63,19 +86,19 @@ std::int64_t RuleHelper::GetDetectStartTime(
     if (seen.updateTime != 0) {
         Raise(seen, seen.updateTime, StartTimeSeen::Floor::UPDATE);
     }
-    const RepairTime repair = GetRepairTimeByEventId(eventId);
+    const RepairTime repair = GetRepairTimeByEventId(eventId, current);
     seen.repairTime = repair.time;
     Raise(seen, repair.time, StartTimeSeen::Floor::REPAIR);
-    if (mObserver != nullptr) {
+    if (observer != nullptr) {
         seen.periodDays = period;
         seen.beginFlag = word;
         seen.repairId = repair.repairId;
-        mObserver->OnStartTime(seen);
+        observer->OnStartTime(seen);
     }
     return seen.start;
 }
 
-RuleHelper::RepairTime RuleHelper::GetRepairTimeByEventId(const std::string& eventId) const
+StartTimes::RepairTime StartTimes::GetRepairTimeByEventId(const std::string& eventId, const Event* current) const
 {
     RepairTime latest;
     if (eventId.empty() || mFaultTreeParser == nullptr) {
@@ -93,31 +116,17 @@ RuleHelper::RepairTime RuleHelper::GetRepairTimeByEventId(const std::string& eve
         }
     };
     std::for_each(repairIds.begin(), repairIds.end(), consider);
-    if (mCurrentEvent != nullptr && mCurrentEvent->GetId() == eventId) {
-        consider(GetRepairIdFromCurEvent());
+    if (current != nullptr && current->GetId() == eventId) {
+        consider(RepairIdOf(*current));
     }
     return latest;
 }
 
-std::int64_t RuleHelper::GetRepairTimeFromDb(const std::string& repairId) const
+std::int64_t StartTimes::GetRepairTimeFromDb(const std::string& repairId) const
 {
     if (repairId.empty()) {
         return 0;
     }
     const std::string date = mRepairDates->Query(repairId);
     return date.empty() ? 0 : TimeUtil::StrToTimeStamp(date, "%Y-%m-%d %H:%M:%S");
-}
-
-std::string RuleHelper::GetRepairIdFromCurEvent() const
-{
-    if (mCurrentEvent == nullptr || mCurrentEvent->GetUserDefined().empty()) {
-        return EMPTY_STRING;
-    }
-    Json::Value root;
-    std::string error;
-    if (!ParseJson(mCurrentEvent->GetUserDefined(), root, error)) {
-        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: parse userDefinedJson err. %s ",
-            "RuleHelper::GetRepairIdFromCurEvent", error.c_str());
-    }
-    return MemberText(root, REPAIR_ID);
 }

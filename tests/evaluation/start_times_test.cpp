@@ -1,6 +1,7 @@
+#include "arborist/evaluation/start_times.h"
+
 #include <gmock/gmock.h>
 
-#include "arborist/evaluation/rule_helper.h"
 #include "arborist/frame/detect_info.h"
 #include "arborist/frame/log.h"
 #include "arborist/frame/repair.h"
@@ -13,10 +14,6 @@
 #include "tests/support/log_capture.h"
 #include "tests/support/recording_observer.h"
 #include "tests/support/settings_guard.h"
-
-struct RuleHelperPeer {
-    static ResetTimeParser& Recovery(RuleHelper& helper) { return *helper.mResetTimeParser; }
-};
 
 namespace {
 
@@ -31,9 +28,9 @@ constexpr std::int64_t DAY = 86400;
 struct UserDefinedCase { const char* name; const char* text; bool findsRepair; std::size_t errors; };
 void PrintTo(const UserDefinedCase& userDefined, std::ostream* out) { *out << userDefined.name; }
 
-class DetectStartTimeTest : public testing::TestWithParam<UserDefinedCase> {
+class StartTimesTest : public testing::TestWithParam<UserDefinedCase> {
 protected:
-    DetectStartTimeTest()
+    StartTimesTest()
     {
         mInfo->mTreeTag = TAG;
         mInfo->mRuleFileDir = mDir.Path();
@@ -51,140 +48,134 @@ protected:
         SetNow(NOW);
     }
 
-    // A helper for a rule set in which the event E is mended by R1 and R2.
-    std::unique_ptr<RuleHelper> Helper()
+    // The start for the rules of mCurrent in a rule set in which the event E is mended by R1 and R2.
+    std::int64_t Start(std::int32_t days, const std::string& word, const std::string& eventId)
+    {
+        return mStartTimes->GetDetectStartTime(days, word, eventId, mCurrent.get(), &mObserver);
+    }
+
+    void SetUp() override
     {
         const TreeXml trees = TreeXml(TAG).Tree("T", Or({Basic("E")}));
         const RuleXml rules = RuleXml(TAG).Repair("E", {{"R1", ""}, {"R2", ""}});
-        auto helper = std::make_unique<RuleHelper>(mInfo, Load(mDir, trees, rules, mInfo));
+        mStartTimes = std::make_unique<StartTimes>(mRecovery, Load(mDir, trees, rules, mInfo));
         mLog.Clear();
-        return helper;
     }
 
     TempDir mDir;
     SettingsGuard mSettings;
     LogCapture mLog;
+    RecordingObserver mObserver;
     std::shared_ptr<DetectInfo> mInfo = std::make_shared<DetectInfo>();
+    std::shared_ptr<ResetTimeParser> mRecovery = std::make_shared<ResetTimeParser>("");
+    std::shared_ptr<Event> mCurrent;
+    std::unique_ptr<StartTimes> mStartTimes;
 };
 
-TEST_F(DetectStartTimeTest, ReachesBackSoManyDays)
+TEST_F(StartTimesTest, ReachesBackSoManyDays)
 {
-    const auto helper = Helper();
-    EXPECT_EQ(helper->GetDetectStartTime(7, "4", ""), NOW - 7 * DAY);
-    EXPECT_EQ(helper->GetDetectStartTime(0, "4", ""), NOW - 30 * DAY);
-    EXPECT_EQ(helper->GetDetectStartTime(-1, "4", ""), NOW + DAY);
+    EXPECT_EQ(Start(7, "4", ""), NOW - 7 * DAY);
+    EXPECT_EQ(Start(0, "4", ""), NOW - 30 * DAY);
+    EXPECT_EQ(Start(-1, "4", ""), NOW + DAY);
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
-TEST_F(DetectStartTimeTest, NoRecordedResetOrUpdateMovesNothing)
+TEST_F(StartTimesTest, NoRecordedResetOrUpdateMovesNothing)
 {
-    const auto helper = Helper();
     for (const char* const word : {"1", "2", "3", "4", "", "odd"}) {
-        EXPECT_EQ(helper->GetDetectStartTime(7, word, ""), NOW - 7 * DAY) << word;
+        EXPECT_EQ(Start(7, word, ""), NOW - 7 * DAY) << word;
     }
 }
 
-TEST_F(DetectStartTimeTest, DaysWrapAt32Bits)
+TEST_F(StartTimesTest, DaysWrapAt32Bits)
 {
-    const auto helper = Helper();
     // 24,856 days are 2,147,558,400 seconds, which read as -2,147,408,896.
     SetNow(NOW + 1000000000);
-    EXPECT_EQ(helper->GetDetectStartTime(24855, "4", ""), NOW + 1000000000 - 2147472000);
+    EXPECT_EQ(Start(24855, "4", ""), NOW + 1000000000 - 2147472000);
     SetNow(NOW);
-    EXPECT_EQ(helper->GetDetectStartTime(24856, "4", ""), NOW + 2147408896);
-    EXPECT_EQ(helper->GetDetectStartTime(INT32_MIN, "4", ""), NOW);
+    EXPECT_EQ(Start(24856, "4", ""), NOW + 2147408896);
+    EXPECT_EQ(Start(INT32_MIN, "4", ""), NOW);
     SetNow(INT64_MIN);
-    EXPECT_EQ(helper->GetDetectStartTime(1, "4", ""), INT64_MAX - DAY + 1);
+    EXPECT_EQ(Start(1, "4", ""), INT64_MAX - DAY + 1);
 }
 
-TEST_F(DetectStartTimeTest, StartIsNeverBeforeTheEpoch)
+TEST_F(StartTimesTest, StartIsNeverBeforeTheEpoch)
 {
-    EXPECT_EQ(Helper()->GetDetectStartTime(24000, "4", ""), 0);
+    EXPECT_EQ(Start(24000, "4", ""), 0);
 }
 
-TEST_F(DetectStartTimeTest, LatestRepairOfTheEventRaisesTheStart)
+TEST_F(StartTimesTest, LatestRepairOfTheEventRaisesTheStart)
 {
-    const auto helper = Helper();
     Repair("R1", 2 * DAY);
     Repair("R2", 5 * DAY);
     Repair("R3", DAY);
-    EXPECT_EQ(helper->GetDetectStartTime(7, "4", "E"), NOW - 2 * DAY);
-    EXPECT_EQ(helper->GetDetectStartTime(1, "4", "E"), NOW - DAY);
-    EXPECT_EQ(helper->GetDetectStartTime(7, "4", "other"), NOW - 7 * DAY);
-    EXPECT_EQ(helper->GetDetectStartTime(7, "4", ""), NOW - 7 * DAY);
+    EXPECT_EQ(Start(7, "4", "E"), NOW - 2 * DAY);
+    EXPECT_EQ(Start(1, "4", "E"), NOW - DAY);
+    EXPECT_EQ(Start(7, "4", "other"), NOW - 7 * DAY);
+    EXPECT_EQ(Start(7, "4", ""), NOW - 7 * DAY);
 }
 
-TEST_F(DetectStartTimeTest, DateThatIsNoDateCountsAsNone)
+TEST_F(StartTimesTest, DateThatIsNoDateCountsAsNone)
 {
-    const auto helper = Helper();
     Repair("R1", 2 * DAY);
     EventLogBuilder::Run(mDir.Path("data/Comms/Lumbra/zxdetectrepair/databases/repair_record.db"),
         "update repair_data set repair_date = 'yesterday'");
-    EXPECT_EQ(helper->GetDetectStartTime(7, "4", "E"), NOW - 7 * DAY);
+    EXPECT_EQ(Start(7, "4", "E"), NOW - 7 * DAY);
 }
 
-TEST_F(DetectStartTimeTest, EventOfAnotherIdDoesNotAddItsRepair)
+TEST_F(StartTimesTest, EventOfAnotherIdDoesNotAddItsRepair)
 {
-    const auto helper = Helper();
     Repair("R3", DAY);
     const auto other = std::make_shared<BasicEvent>();
     other->SetId("other");
     other->SetUserDefined(R"({"Repairid":"R3"})");
-    helper->SetCurrentEvent(other);
-    EXPECT_EQ(helper->GetDetectStartTime(7, "4", "E"), NOW - 7 * DAY);
-    EXPECT_EQ(helper->GetDetectStartTime(7, "4", "other"), NOW - 7 * DAY) << "has no repairs in the rule set";
+    mCurrent = other;
+    EXPECT_EQ(Start(7, "4", "E"), NOW - 7 * DAY);
+    EXPECT_EQ(Start(7, "4", "other"), NOW - 7 * DAY) << "has no repairs in the rule set";
 }
 
-TEST_P(DetectStartTimeTest, CurrentEventMayNameARepair)
+TEST_P(StartTimesTest, CurrentEventMayNameARepair)
 {
-    const auto helper = Helper();
     Repair("R1", 5 * DAY);
     Repair("R3", DAY);
     const auto event = std::make_shared<BasicEvent>();
     event->SetId("E");
     event->SetUserDefined(GetParam().text);
-    helper->SetCurrentEvent(event);
+    mCurrent = event;
     mLog.Clear();
-    EXPECT_EQ(helper->GetDetectStartTime(7, "4", "E"), GetParam().findsRepair ? NOW - DAY : NOW - 5 * DAY);
+    EXPECT_EQ(Start(7, "4", "E"), GetParam().findsRepair ? NOW - DAY : NOW - 5 * DAY);
     const auto errors = mLog.Lines(FT::LEVEL_ERROR);
     EXPECT_EQ(errors.size(), GetParam().errors);
     EXPECT_THAT(errors, testing::Each(StartsWith("FUNc:RuleHelper::GetRepairIdFromCurEvent: parse userDefinedJson err. ")));
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, DetectStartTimeTest, testing::Values(
+INSTANTIATE_TEST_SUITE_P(Table, StartTimesTest, testing::Values(
     UserDefinedCase{"Names", R"({"Repairid":"R3"})", true, 0}, UserDefinedCase{"Empty", "", false, 0},
     UserDefinedCase{"NamesNone", R"({"repairid":"R3"})", false, 0}, UserDefinedCase{"NoObject", "[1]", false, 0},
     UserDefinedCase{"NamesAnObject", R"({"Repairid":{}})", false, 0},
     UserDefinedCase{"NoJson", "{Repairid", false, 1}),
     CaseName());
 
-TEST_F(DetectStartTimeTest, ObserverIsToldTheParts)
+TEST_F(StartTimesTest, ObserverIsToldTheParts)
 {
-    const auto helper = Helper();
-    RecordingObserver observer;
-    helper->SetObserver(&observer);
     Repair("R1", 2 * DAY);
-    helper->GetDetectStartTime(0, "1", "E");
-    EXPECT_THAT(observer.Lines(), ElementsAre("start 1699827200 of period 1697408000 reset 0 update 0 repair 1699827200 "
+    Start(0, "1", "E");
+    EXPECT_THAT(mObserver.Lines(), ElementsAre("start 1699827200 of period 1697408000 reset 0 update 0 repair 1699827200 "
         "by repair days 30 flag '1' repair id 'R1'"));
 }
 
-TEST_F(DetectStartTimeTest, ObserverIsToldWhichFloorWon)
+TEST_F(StartTimesTest, ObserverIsToldWhichFloorWon)
 {
-    const auto helper = Helper();
-    RecordingObserver observer;
-    helper->SetObserver(&observer);
-    ResetTimeParser& recovery = RuleHelperPeer::Recovery(*helper);
-    recovery.ParseRecoveryLog(mDir.Write("recovery",
+    mRecovery->ParseRecoveryLog(mDir.Write("recovery",
         "[2023-11-12 09:00:00.000] Command: \"recovery\" \"UPDATE\"\n"
         "[2023-11-12 12:00:00.000] zenrix recovery stopped\n"));
-    recovery.GetResetLogTime(mDir.Write("reset", "time: 20231110120000;\n"));
+    mRecovery->GetResetLogTime(mDir.Write("reset", "time: 20231110120000;\n"));
     for (const char* const flag : {"1", "2", "3", "4"}) {
-        helper->GetDetectStartTime(7, flag, "E");
+        Start(7, flag, "E");
     }
     Repair("R1", DAY);
-    helper->GetDetectStartTime(7, "3", "E");
-    EXPECT_THAT(observer.Lines(), ElementsAre(
+    Start(7, "3", "E");
+    EXPECT_THAT(mObserver.Lines(), ElementsAre(
         "start 1699786800 of period 1699395200 reset 1699614000 update 1699786800 repair 0 by update days 7 flag '1' "
         "repair id ''",
         "start 1699786800 of period 1699395200 reset 0 update 1699786800 repair 0 by update days 7 flag '2' repair id ''",
@@ -194,13 +185,13 @@ TEST_F(DetectStartTimeTest, ObserverIsToldWhichFloorWon)
         "repair id 'R1'"));
 }
 
-TEST_F(DetectStartTimeTest, ChecksFromUpdateCountTheCurrentVersion)
+TEST_F(StartTimesTest, ChecksFromUpdateCountTheCurrentVersion)
 {
-    EXPECT_TRUE(RuleHelper::IsDetectFromUpdate("1"));
-    EXPECT_TRUE(RuleHelper::IsDetectFromUpdate("2"));
-    EXPECT_FALSE(RuleHelper::IsDetectFromUpdate("3"));
-    EXPECT_FALSE(RuleHelper::IsDetectFromUpdate("4"));
-    EXPECT_FALSE(RuleHelper::IsDetectFromUpdate(""));
+    EXPECT_TRUE(StartTimes::IsDetectFromUpdate("1"));
+    EXPECT_TRUE(StartTimes::IsDetectFromUpdate("2"));
+    EXPECT_FALSE(StartTimes::IsDetectFromUpdate("3"));
+    EXPECT_FALSE(StartTimes::IsDetectFromUpdate("4"));
+    EXPECT_FALSE(StartTimes::IsDetectFromUpdate(""));
 }
 
 } // namespace

@@ -1,0 +1,98 @@
+#include "arborist/evaluation/rule_checkers.h"
+
+#include <utility>
+
+#include "arborist/evaluation/alarm_rule_engine.h"
+#include "arborist/evaluation/code_rule_engine.h"
+#include "arborist/evaluation/command_rule_engine.h"
+#include "arborist/evaluation/node_rule_engine.h"
+#include "arborist/frame/log.h"
+#include "arborist/loading/fault_tree_parser.h"
+#include "arborist/model/rule.h"
+
+using Family = DetectionObserver::Family;
+
+Family FamilyOf(const Rule* rule)
+{
+    if (dynamic_cast<const AlarmRule*>(rule) != nullptr) {
+        return Family::ALARM;
+    }
+    if (dynamic_cast<const CommandRule*>(rule) != nullptr) {
+        return Family::COMMAND;
+    }
+    if (dynamic_cast<const NodeRule*>(rule) != nullptr) {
+        return Family::NODE;
+    }
+    return dynamic_cast<const CodeRule*>(rule) != nullptr ? Family::CODE : Family::NONE;
+}
+
+RuleCheckers::RuleCheckers(std::shared_ptr<RuleHelper> ruleHelper, std::shared_ptr<RuleEngineHelper> ruleEngineHelper,
+                           std::shared_ptr<FaultTreeParser> faultTreeParser, std::shared_ptr<DetectInfo> detectInfo)
+    : mRuleHelper(std::move(ruleHelper)), mRuleEngineHelper(std::move(ruleEngineHelper)),
+      mFaultTreeParser(std::move(faultTreeParser)), mDetectInfo(std::move(detectInfo))
+{
+}
+
+std::shared_ptr<RuleChecker> RuleCheckers::Get(const Rule* rule, const std::shared_ptr<CommonPart>& commonPart)
+{
+    switch (FamilyOf(rule)) {
+    case Family::ALARM:
+        if (mAlarmRuleEngine == nullptr) {
+            MakeOnce(mAlarmRuleEngine, mRuleHelper);
+            ForeseeAlarmRules();
+        }
+        return mAlarmRuleEngine;
+    case Family::COMMAND:
+        // Keeps the common part that is there now, on purpose: a later detection of this engine judges command rules by
+        // the thresholds of the first.
+        return MakeOnce(mCommandRuleEngine, commonPart, mRuleHelper);
+    case Family::NODE:
+        return MakeOnce(mNodeRuleEngine);
+    case Family::CODE:
+        return GetCodeRuleEngine();
+    default:
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_WARN, "FUNc:%s: undefine rule", "RuleEngine::GetRuleCheckerInstance");
+        return nullptr;
+    }
+}
+
+const std::shared_ptr<CodeRuleEngine>& RuleCheckers::GetCodeRuleEngine()
+{
+    return MakeOnce(mCodeRuleEngine, mRuleEngineHelper, mFaultTreeParser, mDetectInfo);
+}
+
+void RuleCheckers::SetObserver(DetectionObserver* observer)
+{
+    mObserver = observer;
+    const std::shared_ptr<RuleChecker> checkers[] = {
+        mAlarmRuleEngine, mCommandRuleEngine, mNodeRuleEngine, mCodeRuleEngine};
+    for (const auto& checker : checkers) {
+        if (checker != nullptr) {
+            checker->SetObserver(observer);
+        }
+    }
+}
+
+template <typename Checker, typename... Arguments>
+const std::shared_ptr<Checker>& RuleCheckers::MakeOnce(
+    std::shared_ptr<Checker>& checker, const Arguments&... arguments)
+{
+    if (checker == nullptr) {
+        checker = std::make_shared<Checker>(arguments...);
+        checker->SetObserver(mObserver);
+    }
+    return checker;
+}
+
+void RuleCheckers::ForeseeAlarmRules()
+{
+    if (mFaultTreeParser == nullptr) {
+        return;
+    }
+    for (const auto& [name, rule] : mFaultTreeParser->GetRuleMap()) {
+        if (const auto* const alarmRule = dynamic_cast<const AlarmRule*>(rule.get())) {
+            mAlarmRuleEngine->Foresee(*alarmRule);
+        }
+    }
+}

@@ -1,0 +1,56 @@
+#ifndef ARBORIST_EVALUATION_RULE_CHECKERS_H
+#define ARBORIST_EVALUATION_RULE_CHECKERS_H
+
+#include <memory>
+
+#include "arborist/frame/detection_observer.h"
+
+class AlarmRuleEngine;
+class CodeRuleEngine;
+class CommandRuleEngine;
+class CommonPart;
+class FaultTreeParser;
+class NodeRuleEngine;
+class Rule;
+class RuleChecker;
+class RuleEngineHelper;
+class RuleHelper;
+struct DetectInfo;
+
+/// The family of a rule, by its class; NONE for null and for a class without a checker.
+DetectionObserver::Family FamilyOf(const Rule* rule);
+
+/// One checker of each family of rules, made on first use and kept for all trees.
+///
+/// Shares ownership of what it is given; each may be null.
+class RuleCheckers {
+public:
+    RuleCheckers(std::shared_ptr<RuleHelper> ruleHelper, std::shared_ptr<RuleEngineHelper> ruleEngineHelper,
+                 std::shared_ptr<FaultTreeParser> faultTreeParser, std::shared_ptr<DetectInfo> detectInfo);
+
+    /// The checker of the rule's family; null, with a warning in the log, for a rule without one. The checker of command
+    /// rules keeps the `commonPart` of the call that makes it.
+    std::shared_ptr<RuleChecker> Get(const Rule* rule, const std::shared_ptr<CommonPart>& commonPart);
+    /// The checker of code rules, which also translates detect codes before any rule is asked.
+    const std::shared_ptr<CodeRuleEngine>& GetCodeRuleEngine();
+
+    /// The observer is not owned and outlives the checkers or is taken away with null.
+    void SetObserver(DetectionObserver* observer);
+
+private:
+    template <typename Checker, typename... Arguments>
+    const std::shared_ptr<Checker>& MakeOnce(std::shared_ptr<Checker>& checker, const Arguments&... arguments);
+    void ForeseeAlarmRules();
+
+    std::shared_ptr<RuleHelper> mRuleHelper;
+    std::shared_ptr<RuleEngineHelper> mRuleEngineHelper;
+    std::shared_ptr<FaultTreeParser> mFaultTreeParser;
+    std::shared_ptr<DetectInfo> mDetectInfo;
+    std::shared_ptr<AlarmRuleEngine> mAlarmRuleEngine;
+    std::shared_ptr<CommandRuleEngine> mCommandRuleEngine;
+    std::shared_ptr<NodeRuleEngine> mNodeRuleEngine;
+    std::shared_ptr<CodeRuleEngine> mCodeRuleEngine;
+    DetectionObserver* mObserver = nullptr;
+};
+
+#endif
