@@ -1,14 +1,14 @@
 // Any bytes as the zip of a bundle: nothing may be written outside the target, no link into it, and no more than the
 // limits allow.
 
+#include "diagnosis/archive/zip_reader.h"
 #include "fuzz/fuzz_support.h"
-#include "tools/arborist/archive/zip_reader.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr command::ZipLimits LIMITS{100, 100'000};
+constexpr diagnosis::ZipLimits LIMITS{100, 100'000};
 
 bool IsWithinLimits(const std::string& folder)
 {
@@ -30,8 +30,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string archive = dir.Write("bundle.zip", data, size);
     const std::string target = dir.Path("above/target");
     fs::create_directories(target);
-    std::vector<command::Warning> warnings;
-    command::UnpackZip(archive, "bundle.zip", target, warnings, LIMITS);
+    std::vector<diagnosis::Warning> warnings;
+    diagnosis::UnpackZip(archive, "bundle.zip", target, warnings, LIMITS);
     const bool isWithinLimits = IsWithinLimits(target);
     fs::remove_all(target);
     if (!isWithinLimits || !fs::is_empty(dir.Path("above"))) {

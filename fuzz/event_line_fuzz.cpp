@@ -2,9 +2,9 @@
 
 #include <sstream>
 
+#include "diagnosis/log_db/event_line.h"
+#include "diagnosis/log_db/slice_log.h"
 #include "fuzz/fuzz_support.h"
-#include "tools/arborist/log_db/event_line.h"
-#include "tools/arborist/log_db/slice_log.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
@@ -13,11 +13,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
         std::string problem;
-        if (!command::ParseEventLine(line, problem) && problem.empty()) {
+        if (!diagnosis::ParseEventLine(line, problem) && problem.empty()) {
             std::abort();
         }
     }
-    if (const auto ranges = command::ParseIdRanges(text)) {
+    if (const auto ranges = diagnosis::ParseIdRanges(text)) {
         for (const auto& [first, last] : *ranges) {
             if (first > last) {
                 std::abort();

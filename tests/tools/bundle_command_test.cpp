@@ -5,12 +5,12 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "diagnosis/bundle/rule_paths.h"
+#include "diagnosis/capture/captured_files.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
-#include "tools/arborist/bundle/rule_paths.h"
-#include "tools/arborist/capture/captured_files.h"
 
 namespace {
 
@@ -295,23 +295,23 @@ TEST_F(BundleCommandTest, RulePathsAreThoseOfTheTagEachOnce)
     mDir.Write("rules/P_FaultTreeRules.xml", RuleXml("Tag").Rule(node("/sys/b")).Rule(node("a")).Rule(node("/sys/b"))
         .Rule(AlarmRuleXml("w", {AlarmIdXml("1", "1", {TimeXml("latest", "90", "1"), TimeXml("duration", "0", "1")})}))
         .Text());
-    command::Bundle bundle;
+    diagnosis::Bundle bundle;
     bundle.treeTag = "Tag";
     bundle.ruleFilePrefix = "P";
-    const auto paths = command::ReadRulePaths(bundle);
+    const auto paths = diagnosis::ReadRulePaths(bundle);
     EXPECT_THAT(paths.nodeFiles, ElementsAre("/sys/b", "a"));
     EXPECT_EQ(paths.longestWindow, 90);
     bundle.treeTag = "Other";
-    EXPECT_THAT(command::ReadRulePaths(bundle).nodeFiles, IsEmpty());
+    EXPECT_THAT(diagnosis::ReadRulePaths(bundle).nodeFiles, IsEmpty());
 }
 
 TEST_F(BundleCommandTest, WindowsThatWrapAroundHaveNoBound)
 {
     mDir.Write("rules/FaultTreeRules.xml", RuleXml("Tag").Rule(
         AlarmRuleXml("w", {AlarmIdXml("1", "1", {TimeXml("latest", "24856", "1")})})).Text());
-    command::Bundle bundle;
+    diagnosis::Bundle bundle;
     bundle.treeTag = "Tag";
-    EXPECT_FALSE(command::ReadRulePaths(bundle).longestWindow.has_value());
+    EXPECT_FALSE(diagnosis::ReadRulePaths(bundle).longestWindow.has_value());
 }
 
 TEST_F(BundleCommandTest, FoldersAreCapturedWithEmptyOnesAndWithoutEndlessLinks)
@@ -320,13 +320,13 @@ TEST_F(BundleCommandTest, FoldersAreCapturedWithEmptyOnesAndWithoutEndlessLinks)
     mDir.MakeDir("source/empty");
     fs::create_directory_symlink("..", "source/a/up");
     fs::create_symlink("file", "source/a/link");
-    command::CapturedFiles files(mDir.MakeDir("target"), {});
+    diagnosis::CapturedFiles files(mDir.MakeDir("target"), {});
     EXPECT_FALSE(files.AddFolder("source", "device/source").has_value());
     EXPECT_EQ(mDir.Read("target/device/source/a/link"), "x");
     EXPECT_TRUE(mDir.Has("target/device/source/empty"));
     EXPECT_FALSE(mDir.Has("target/device/source/a/up"));
     EXPECT_EQ(files.Files(), 2U);
-    command::CapturedFiles few(mDir.MakeDir("few"), {.entries = 1});
+    diagnosis::CapturedFiles few(mDir.MakeDir("few"), {.entries = 1});
     EXPECT_EQ(few.AddFolder("source", "s")->code, "too_large");
 }
 

@@ -4,11 +4,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "diagnosis/detection/bad_pattern.h"
 #include "tests/support/case_name.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
-#include "tools/arborist/detection/bad_pattern.h"
 
 namespace {
 
@@ -174,7 +174,7 @@ TEST_F(DetectCommandTest, APatternThatIsNoRegularExpressionIsNamedWithItsEntry)
 TEST(BadPatternTest, OneThatIsTooLongIsNamedAndNotCompiled)
 {
     const std::string pattern(1000000, '(');
-    EXPECT_THAT(command::BadPatternMessage({}, {{"LONG", pattern}, {"FINE", ".*"}}, "too long"),
+    EXPECT_THAT(diagnosis::BadPatternMessage({}, {{"LONG", pattern}, {"FINE", ".*"}}, "too long"),
         AllOf(HasSubstr(pattern + "\" of the defDBTable \"LONG\""), testing::Not(HasSubstr("FINE"))));
 }
 

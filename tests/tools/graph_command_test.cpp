@@ -3,11 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "diagnosis/drawing/open_psa.h"
 #include "tests/support/case_name.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
-#include "tools/arborist/drawing/open_psa.h"
 
 namespace {
 
@@ -228,7 +228,7 @@ class OpenPsaName : public testing::TestWithParam<NameCase> {};
 
 TEST_P(OpenPsaName, IsOneThatTheFormatAllows)
 {
-    EXPECT_EQ(command::EscapedName(GetParam().id), GetParam().escaped);
+    EXPECT_EQ(diagnosis::EscapedName(GetParam().id), GetParam().escaped);
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, OpenPsaName, testing::Values(

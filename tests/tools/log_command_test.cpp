@@ -2,11 +2,11 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "diagnosis/sqlite/connection.h"
 #include "tests/support/case_name.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/temp_dir.h"
 #include "tests/tools/command_bundle.h"
-#include "tools/arborist/sqlite/connection.h"
 
 namespace {
 
@@ -34,8 +34,8 @@ protected:
     // All rows of a statement, columns joined by "|".
     std::vector<std::string> Rows(const std::string& sql, int columns) const
     {
-        command::Connection database;
-        EXPECT_TRUE(database.Open(mDir.Path("log.db"), command::Connection::Mode::READ_ONLY));
+        diagnosis::Connection database;
+        EXPECT_TRUE(database.Open(mDir.Path("log.db"), diagnosis::Connection::Mode::READ_ONLY));
         auto statement = database.Prepare(sql);
         std::vector<std::string> rows;
         while (statement && statement->Step()) {
@@ -227,8 +227,8 @@ TEST_F(LogCommandTest, ATextOfMillionsOfLettersIsShown)
 TEST_F(LogCommandTest, RowsOfStrangersAreShownAsTheyAre)
 {
     Import(LINES);
-    command::Connection database;
-    ASSERT_TRUE(database.Open("log.db", command::Connection::Mode::CREATE));
+    diagnosis::Connection database;
+    ASSERT_TRUE(database.Open("log.db", diagnosis::Connection::Mode::CREATE));
     ASSERT_TRUE(database.Execute("delete from event_info; delete from event_info_flow;"
                                  "insert into event_info values (9, 'text', '{\"a\":1}\n', 77)"));
     EXPECT_EQ(RunArborist({"log", "show", "log.db"}).out,

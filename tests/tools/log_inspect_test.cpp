@@ -1,10 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "diagnosis/log_db/inspect_log.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/temp_dir.h"
 #include "tests/tools/command_bundle.h"
-#include "tools/arborist/log_db/inspect_log.h"
 
 namespace {
 
@@ -17,8 +17,8 @@ protected:
     // "reason rows: keys" for each reason.
     static std::vector<std::string> Unseen()
     {
-        command::LogInspection inspection;
-        EXPECT_FALSE(command::InspectEventLog("log.db", inspection).has_value());
+        diagnosis::LogInspection inspection;
+        EXPECT_FALSE(diagnosis::InspectEventLog("log.db", inspection).has_value());
         std::vector<std::string> lines;
         for (const auto& unseen : inspection.unseen) {
             std::string line = std::string(unseen.reason) + " " + std::to_string(unseen.rows) + ":";
@@ -108,8 +108,8 @@ TEST_F(LogInspectTest, ManyRowsWithoutIndexesAreReadInOneWalk)
         " INSERT INTO event_info SELECT i, 1001, '', 1 FROM n;"
         "INSERT INTO event_info_flow SELECT _ID, _ID, _ID FROM event_info;"
         "INSERT INTO event_version VALUES (1, 'v')").WriteTo(mDir.Path("log.db"));
-    command::LogInspection inspection;
-    EXPECT_FALSE(command::InspectEventLog("log.db", inspection).has_value());
+    diagnosis::LogInspection inspection;
+    EXPECT_FALSE(diagnosis::InspectEventLog("log.db", inspection).has_value());
     EXPECT_EQ(inspection.rows, 200000U);
     EXPECT_THAT(inspection.unseen, IsEmpty());
 }

@@ -3,11 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "diagnosis/log_db/slice_log.h"
+#include "diagnosis/sqlite/connection.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/temp_dir.h"
 #include "tests/tools/command_bundle.h"
-#include "tools/arborist/log_db/slice_log.h"
-#include "tools/arborist/sqlite/connection.h"
 
 namespace {
 
@@ -40,8 +40,8 @@ protected:
 
     std::string Keys(const std::string& table) const
     {
-        command::Connection database;
-        EXPECT_TRUE(database.Open(mDir.Path("slice.db"), command::Connection::Mode::READ_ONLY));
+        diagnosis::Connection database;
+        EXPECT_TRUE(database.Open(mDir.Path("slice.db"), diagnosis::Connection::Mode::READ_ONLY));
         auto rows = database.Prepare("SELECT group_concat(_ID, ' ') FROM (SELECT _ID FROM " + table + " ORDER BY _ID)");
         return rows && rows->Step() ? rows->Text(0) : "";
     }
@@ -128,10 +128,10 @@ TEST_F(LogSliceTest, WrongMomentsAndListsAreWrongUse)
 
 TEST(IdRanges, AreReadStrictly)
 {
-    EXPECT_THAT(*command::ParseIdRanges("7"), ElementsAre(Pair(7, 7)));
-    EXPECT_THAT(*command::ParseIdRanges("-5--3,8-9"), ElementsAre(Pair(-5, -3), Pair(8, 9)));
+    EXPECT_THAT(*diagnosis::ParseIdRanges("7"), ElementsAre(Pair(7, 7)));
+    EXPECT_THAT(*diagnosis::ParseIdRanges("-5--3,8-9"), ElementsAre(Pair(-5, -3), Pair(8, 9)));
     for (const char* text : {"", ",", "7,", "9-8", "7 ", "a", "99999999999999999999"}) {
-        EXPECT_FALSE(command::ParseIdRanges(text).has_value()) << text;
+        EXPECT_FALSE(diagnosis::ParseIdRanges(text).has_value()) << text;
     }
 }
 

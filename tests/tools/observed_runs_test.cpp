@@ -5,14 +5,14 @@
 #include <gtest/gtest.h>
 
 #include "arborist/frame/arborist.h"
+#include "diagnosis/bundle/bundle_session.h"
+#include "diagnosis/detection/code_answers.h"
+#include "diagnosis/evidence/explanation_recorder.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
-#include "tools/arborist/bundle/bundle_session.h"
-#include "tools/arborist/code_rules/code_answers.h"
-#include "tools/arborist/explanation/explanation_recorder.h"
 
 namespace {
 
@@ -44,15 +44,15 @@ std::string Text(const std::vector<std::shared_ptr<FaultTreeResult>>& results)
 Run RunBundle(const std::string& path, bool isObserved)
 {
     LogCapture log;
-    command::BundleSession session;
+    diagnosis::BundleSession session;
     const auto failure = session.Enter({path, path}, {});
     EXPECT_FALSE(failure.has_value()) << failure->message;
     const auto info = session.MakeDetectInfo();
     info->mCodeRuleRunner =
-        std::make_shared<command::CodeAnswers>(session.GetBundle().codeAnswers, command::CodeRunner());
+        std::make_shared<diagnosis::CodeAnswers>(session.GetBundle().codeAnswers, diagnosis::CodeRunner());
     Arborist engine(info);
     if (isObserved) {
-        engine.SetObserver(std::make_shared<command::ExplanationRecorder>(true));
+        engine.SetObserver(std::make_shared<diagnosis::ExplanationRecorder>(true));
     }
     Run run;
     run.results = Text(engine.StartDetection());

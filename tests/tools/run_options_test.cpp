@@ -4,11 +4,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "diagnosis/text/markup.h"
 #include "tests/support/case_name.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
-#include "tools/arborist/text/markup.h"
 
 namespace {
 
@@ -140,7 +140,7 @@ TEST(ReportAndExplanationTest, SayTheSameOfARun)
         if (std::regex_match(line, parts, cause)) {
             ++count;
             EXPECT_THAT(page, HasSubstr(" rule <span class=\"id\">" + parts[1].str() + "</span>: TRUE "
-                + command::Markup(parts[2].str()) + "</p>"));
+                + diagnosis::Markup(parts[2].str()) + "</p>"));
         }
     }
     EXPECT_EQ(count, 18U);

@@ -1,4 +1,4 @@
-#include "tools/arborist/scratch/scratch.h"
+#include "diagnosis/scratch/scratch.h"
 
 #include <csignal>
 #include <filesystem>
@@ -7,12 +7,12 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "diagnosis/scratch/new_file.h"
+#include "diagnosis/scratch/path_names.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
-#include "tools/arborist/files/new_file.h"
-#include "tools/arborist/scratch/path_names.h"
 
 namespace {
 
@@ -229,7 +229,7 @@ TEST(ScratchFolder, IsRemovedWithItsObjectAndLinksAreNotFollowed)
     dir.Write("kept/file", "x");
     std::string path;
     {
-        command::Scratch scratch;
+        diagnosis::Scratch scratch;
         ASSERT_FALSE(scratch.Make().has_value());
         path = scratch.Path();
         std::string deep = path;
@@ -256,7 +256,7 @@ TEST(NewFileDeathTest, IsGoneWhenASignalEndsTheProcess)
     for (const int number : {SIGHUP, SIGINT, SIGPIPE, SIGTERM}) {
         EXPECT_EXIT({
             std::signal(number, SIG_DFL); // a test that runs in the background may have it ignored
-            command::NewFile file;
+            diagnosis::NewFile file;
             file.Make("f/old");
             dir.Write("f/" + fs::path(file.TemporaryPath()).lexically_relative("f").string(), "half");
             std::raise(number);
@@ -273,10 +273,10 @@ TEST(NewFile, ReplacesPlainFilesOnly)
     ASSERT_EQ(mkfifo("pipe", 0600), 0);
     for (const auto& [path, problem] : {std::pair("folder", "is a folder"), std::pair("pipe", "is no plain file"),
              std::pair("no/file", "can't be written: No such file or directory")}) {
-        command::NewFile file;
+        diagnosis::NewFile file;
         EXPECT_EQ(file.Make(path), problem);
     }
-    command::NewFile file;
+    diagnosis::NewFile file;
     EXPECT_EQ(file.Make("file"), std::nullopt);
     dir.Write(fs::path(file.TemporaryPath()).lexically_normal().string(), "new");
     EXPECT_EQ(file.PutInPlace(), std::nullopt);
@@ -285,7 +285,7 @@ TEST(NewFile, ReplacesPlainFilesOnly)
 
 TEST(PathNames, EveryPlaceOfAPathIsNamed)
 {
-    command::PathNames names;
+    diagnosis::PathNames names;
     names.Add("/tmp/x/databases", "db");
     EXPECT_EQ(names.Shown("open /tmp/x/databases/a and /tmp/x/databases/b, not /tmp/y"), "open db/a and db/b, not /tmp/y");
 }

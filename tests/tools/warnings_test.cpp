@@ -8,15 +8,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "diagnosis/evidence/warning_list.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
-#include "tools/arborist/detection/warning_list.h"
 
 namespace {
 
-using command::WarningList;
+using diagnosis::WarningList;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;

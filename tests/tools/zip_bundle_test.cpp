@@ -5,12 +5,12 @@
 #include <minizip/zip.h>
 #include <sys/stat.h>
 
+#include "diagnosis/archive/zip_reader.h"
+#include "diagnosis/archive/zip_writer.h"
 #include "tests/support/case_name.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/zip_file.h"
 #include "tests/tools/command_bundle.h"
-#include "tools/arborist/archive/zip_reader.h"
-#include "tools/arborist/archive/zip_writer.h"
 
 namespace {
 
@@ -34,14 +34,14 @@ protected:
         return entries;
     }
 
-    std::optional<command::Failure> Unpack(const command::ZipLimits& limits = {})
+    std::optional<diagnosis::Failure> Unpack(const diagnosis::ZipLimits& limits = {})
     {
         mDir.MakeDir("in/out");
-        return command::UnpackZip("z.zip", "z.zip", mDir.Path("in/out"), mWarnings, limits);
+        return diagnosis::UnpackZip("z.zip", "z.zip", mDir.Path("in/out"), mWarnings, limits);
     }
 
     TempDir mDir;
-    std::vector<command::Warning> mWarnings;
+    std::vector<diagnosis::Warning> mWarnings;
 };
 
 TEST_F(ZipBundleTest, IsDiagnosedLikeItsFolderAndStaysAsItIs)
@@ -173,8 +173,8 @@ TEST_F(ZipBundleTest, WritingAndReadingGiveTheSameFilesAndTheSameBytes)
     mDir.Write("f/b/deep/file", "content");
     mDir.Write("f/a", std::string(200000, 'y'));
     mDir.MakeDir("f/empty");
-    EXPECT_FALSE(command::PackZip("f", "z.zip", "z.zip").has_value());
-    EXPECT_FALSE(command::PackZip("f", "again.zip", "again.zip").has_value());
+    EXPECT_FALSE(diagnosis::PackZip("f", "z.zip", "z.zip").has_value());
+    EXPECT_FALSE(diagnosis::PackZip("f", "again.zip", "again.zip").has_value());
     EXPECT_EQ(mDir.Read("z.zip"), mDir.Read("again.zip"));
     EXPECT_FALSE(Unpack().has_value());
     EXPECT_EQ(mDir.Read("in/out/b/deep/file"), "content");

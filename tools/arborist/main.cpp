@@ -2,5 +2,5 @@
 
 int main(int argc, char** argv)
 {
-    return static_cast<int>(command::RunCommandLine(argc, argv));
+    return static_cast<int>(diagnosis::command::RunCommandLine(argc, argv));
 }

@@ -16,12 +16,12 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include "diagnosis/scratch/scratch.h"
 #include "tools/arborist/batch/processors.h"
 #include "tools/arborist/batch/worker.h"
-#include "tools/arborist/commands/output.h"
-#include "tools/arborist/scratch/scratch.h"
+#include "tools/arborist/terminal/output.h"
 
-namespace command {
+namespace diagnosis::command {
 
 namespace {
 
@@ -318,4 +318,4 @@ ExitStatus RunBatch(const std::vector<BundlePath>& bundles, const BatchWork& wor
     return status;
 }
 
-} // namespace command
+} // namespace diagnosis::command

@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "tools/arborist/bundle/bundle.h"
-#include "tools/arborist/exit_status.h"
-#include "tools/arborist/problem.h"
+#include "diagnosis/bundle/bundle.h"
+#include "diagnosis/exit_status.h"
+#include "diagnosis/problem.h"
 
-namespace command {
+namespace diagnosis::command {
 
 /// What one bundle of a batch comes to: a line of JSON, without the line end, and its part of the exit status.
 struct BundleAnswer {
@@ -43,6 +43,6 @@ struct BatchOptions {
 /// the results who left) and SIGTERM end the workers, remove their temporary files and then end the process.
 ExitStatus RunBatch(const std::vector<BundlePath>& bundles, const BatchWork& work, const BatchOptions& options);
 
-} // namespace command
+} // namespace diagnosis::command
 
 #endif

@@ -7,7 +7,7 @@
 #include <fstream>
 #include <iostream>
 
-namespace command {
+namespace diagnosis::command {
 
 namespace {
 
@@ -45,4 +45,4 @@ std::optional<std::string> ReadBundleList(const std::string& path, bool endsInNu
     return file.bad() ? std::optional(path + ": can't be read to its end") : std::nullopt;
 }
 
-} // namespace command
+} // namespace diagnosis::command

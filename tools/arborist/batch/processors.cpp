@@ -4,7 +4,7 @@
 #include <sched.h>
 #endif
 
-namespace command {
+namespace diagnosis::command {
 
 #if defined(__linux__)
 
@@ -43,4 +43,4 @@ void StayOn(int)
 
 #endif
 
-} // namespace command
+} // namespace diagnosis::command

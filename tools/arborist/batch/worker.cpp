@@ -15,10 +15,10 @@
 #include <sys/prctl.h>
 #endif
 
+#include "diagnosis/detection/code_program.h"
 #include "tools/arborist/batch/processors.h"
-#include "tools/arborist/code_rules/code_program.h"
 
-namespace command {
+namespace diagnosis::command {
 
 namespace fs = std::filesystem;
 
@@ -213,4 +213,4 @@ std::string Worker::End()
     return isOwnEnd ? EndOf(status) : "";
 }
 
-} // namespace command
+} // namespace diagnosis::command

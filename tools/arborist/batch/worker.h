@@ -13,7 +13,7 @@
 
 #include "tools/arborist/batch/batch.h"
 
-namespace command {
+namespace diagnosis::command {
 
 /// What every worker of a batch is given at its start.
 struct WorkerSetup {
@@ -73,6 +73,6 @@ private:
     std::string mReceived;
 };
 
-} // namespace command
+} // namespace diagnosis::command
 
 #endif

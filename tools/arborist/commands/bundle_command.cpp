@@ -1,14 +1,15 @@
 #include <CLI/CLI.hpp>
 
-#include "tools/arborist/capture/bundle_capture.h"
-#include "tools/arborist/capture/bundle_contents.h"
+#include "diagnosis/capture/bundle_capture.h"
+#include "diagnosis/capture/bundle_contents.h"
+#include "diagnosis/results/bundle_json.h"
+#include "diagnosis/text/printable.h"
 #include "tools/arborist/commands/commands.h"
-#include "tools/arborist/commands/output.h"
 #include "tools/arborist/commands/shared_options.h"
-#include "tools/arborist/render/bundle_report.h"
-#include "tools/arborist/text/printable.h"
+#include "tools/arborist/render/bundle_text.h"
+#include "tools/arborist/terminal/output.h"
 
-namespace command {
+namespace diagnosis::command {
 
 namespace {
 
@@ -119,4 +120,4 @@ void AddBundleCommand(CLI::App& app, ExitStatus& status)
     verify->callback([verifyOptions, &status] { status = Verify(*verifyOptions); });
 }
 
-} // namespace command
+} // namespace diagnosis::command

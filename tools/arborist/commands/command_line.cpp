@@ -8,12 +8,12 @@
 
 #include <CLI/CLI.hpp>
 
+#include "diagnosis/text/near_match.h"
 #include "tools/arborist/commands/commands.h"
-#include "tools/arborist/commands/output.h"
 #include "tools/arborist/commands/versions.h"
-#include "tools/arborist/text/near_match.h"
+#include "tools/arborist/terminal/output.h"
 
-namespace command {
+namespace diagnosis::command {
 
 namespace {
 
@@ -179,4 +179,4 @@ ExitStatus RunCommandLine(int argc, const char* const* argv)
     return ExitStatus::INTERNAL;
 }
 
-} // namespace command
+} // namespace diagnosis::command

@@ -1,13 +1,13 @@
 #ifndef ARBORIST_TOOLS_COMMANDS_COMMANDS_H
 #define ARBORIST_TOOLS_COMMANDS_COMMANDS_H
 
-#include "tools/arborist/exit_status.h"
+#include "diagnosis/exit_status.h"
 
 namespace CLI {
 class App;
 }
 
-namespace command {
+namespace diagnosis::command {
 
 /// Each adds one command to `app`. When the command line names it, it runs while the line is parsed and leaves its
 /// answer in `status`, which must outlive the parse.
@@ -22,6 +22,6 @@ void AddBundleCommand(CLI::App& app, ExitStatus& status);
 /// "help" and "completion", which show all commands of `app`, those that are added later, too.
 void AddHelpCommand(CLI::App& app, ExitStatus& status);
 
-} // namespace command
+} // namespace diagnosis::command
 
 #endif

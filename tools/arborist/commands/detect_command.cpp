@@ -2,18 +2,18 @@
 
 #include <CLI/CLI.hpp>
 
+#include "diagnosis/results/detection_json.h"
 #include "tools/arborist/batch/batch.h"
 #include "tools/arborist/batch/bundle_list.h"
 #include "tools/arborist/commands/commands.h"
-#include "tools/arborist/commands/output.h"
 #include "tools/arborist/commands/seconds.h"
 #include "tools/arborist/commands/shared_options.h"
-#include "tools/arborist/render/colour.h"
-#include "tools/arborist/render/detection_json.h"
 #include "tools/arborist/render/detection_text.h"
 #include "tools/arborist/render/explanation_text.h"
+#include "tools/arborist/terminal/colour.h"
+#include "tools/arborist/terminal/output.h"
 
-namespace command {
+namespace diagnosis::command {
 
 namespace {
 
@@ -147,4 +147,4 @@ void AddDetectCommand(CLI::App& app, ExitStatus& status)
     });
 }
 
-} // namespace command
+} // namespace diagnosis::command

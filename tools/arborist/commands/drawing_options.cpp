@@ -6,9 +6,9 @@
 
 #include <CLI/CLI.hpp>
 
-#include "tools/arborist/commands/output.h"
+#include "tools/arborist/terminal/output.h"
 
-namespace command {
+namespace diagnosis::command {
 
 void AddDrawingOptions(CLI::App& app, DrawingOptions& options, const std::string& bundleHelp)
 {
@@ -40,4 +40,4 @@ ExitStatus WriteDrawing(const BundlePath& target, const std::string& drawing)
     return ExitStatus::INTERNAL;
 }
 
-} // namespace command
+} // namespace diagnosis::command

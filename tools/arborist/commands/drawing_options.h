@@ -3,14 +3,14 @@
 
 #include <string>
 
+#include "diagnosis/exit_status.h"
 #include "tools/arborist/commands/shared_options.h"
-#include "tools/arborist/exit_status.h"
 
 namespace CLI {
 class App;
 }
 
-namespace command {
+namespace diagnosis::command {
 
 /// What `graph` and `report` share: a bundle, how it is run, and where the drawing goes.
 struct DrawingOptions {
@@ -28,6 +28,6 @@ DetectionReport RunForDrawing(const BundlePath& bundle, const DrawingOptions& op
 /// Writes a drawing to the file, or to standard output when `target` names none. Tells why it could not.
 ExitStatus WriteDrawing(const BundlePath& target, const std::string& drawing);
 
-} // namespace command
+} // namespace diagnosis::command
 
 #endif

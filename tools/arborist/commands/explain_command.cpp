@@ -1,14 +1,14 @@
 #include <CLI/CLI.hpp>
 
+#include "diagnosis/analysis/explanation_view.h"
+#include "diagnosis/results/explanation_json.h"
 #include "tools/arborist/commands/commands.h"
-#include "tools/arborist/commands/output.h"
 #include "tools/arborist/commands/shared_options.h"
-#include "tools/arborist/explanation/explanation_view.h"
-#include "tools/arborist/render/colour.h"
-#include "tools/arborist/render/explanation_json.h"
 #include "tools/arborist/render/explanation_text.h"
+#include "tools/arborist/terminal/colour.h"
+#include "tools/arborist/terminal/output.h"
 
-namespace command {
+namespace diagnosis::command {
 
 namespace {
 
@@ -95,4 +95,4 @@ void AddExplainCommand(CLI::App& app, ExitStatus& status)
     explain->callback([options, &status] { status = Explain(*options); });
 }
 
-} // namespace command
+} // namespace diagnosis::command

@@ -1,16 +1,16 @@
 #include <CLI/CLI.hpp>
 
+#include "diagnosis/detection/bare_rules.h"
+#include "diagnosis/drawing/dot.h"
+#include "diagnosis/drawing/graphviz.h"
+#include "diagnosis/drawing/mermaid.h"
+#include "diagnosis/drawing/open_psa.h"
+#include "diagnosis/text/near_match.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/drawing_options.h"
-#include "tools/arborist/commands/output.h"
-#include "tools/arborist/detection/bare_rules.h"
-#include "tools/arborist/drawing/dot.h"
-#include "tools/arborist/drawing/graphviz.h"
-#include "tools/arborist/drawing/mermaid.h"
-#include "tools/arborist/drawing/open_psa.h"
-#include "tools/arborist/text/near_match.h"
+#include "tools/arborist/terminal/output.h"
 
-namespace command {
+namespace diagnosis::command {
 
 namespace {
 
@@ -102,4 +102,4 @@ void AddGraphCommand(CLI::App& app, ExitStatus& status)
     graph->callback([options, &status] { status = Graph(*options); });
 }
 
-} // namespace command
+} // namespace diagnosis::command

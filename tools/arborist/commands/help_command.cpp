@@ -4,12 +4,12 @@
 
 #include <CLI/CLI.hpp>
 
+#include "diagnosis/text/near_match.h"
 #include "tools/arborist/commands/commands.h"
-#include "tools/arborist/commands/output.h"
 #include "tools/arborist/manual/reference.h"
-#include "tools/arborist/text/near_match.h"
+#include "tools/arborist/terminal/output.h"
 
-namespace command {
+namespace diagnosis::command {
 
 namespace {
 
@@ -85,4 +85,4 @@ void AddHelpCommand(CLI::App& app, ExitStatus& status)
     });
 }
 
-} // namespace command
+} // namespace diagnosis::command

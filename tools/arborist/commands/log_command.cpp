@@ -3,15 +3,16 @@
 
 #include <CLI/CLI.hpp>
 
-#include "tools/arborist/bundle/moment.h"
+#include "diagnosis/bundle/moment.h"
+#include "diagnosis/log_db/import_log.h"
+#include "diagnosis/log_db/slice_log.h"
+#include "diagnosis/results/log_json.h"
 #include "tools/arborist/commands/commands.h"
-#include "tools/arborist/commands/output.h"
 #include "tools/arborist/commands/shared_options.h"
-#include "tools/arborist/log_db/import_log.h"
-#include "tools/arborist/log_db/slice_log.h"
-#include "tools/arborist/render/log_report.h"
+#include "tools/arborist/render/log_text.h"
+#include "tools/arborist/terminal/output.h"
 
-namespace command {
+namespace diagnosis::command {
 
 namespace {
 
@@ -166,4 +167,4 @@ void AddLogCommand(CLI::App& app, ExitStatus& status)
     AddSliceCommand(*log, status);
 }
 
-} // namespace command
+} // namespace diagnosis::command

@@ -1,12 +1,13 @@
 #include <CLI/CLI.hpp>
 
+#include "diagnosis/detection/query.h"
+#include "diagnosis/results/query_json.h"
 #include "tools/arborist/commands/commands.h"
-#include "tools/arborist/commands/output.h"
 #include "tools/arborist/commands/shared_options.h"
-#include "tools/arborist/detection/query.h"
-#include "tools/arborist/render/query_report.h"
+#include "tools/arborist/render/query_text.h"
+#include "tools/arborist/terminal/output.h"
 
-namespace command {
+namespace diagnosis::command {
 
 namespace {
 
@@ -52,4 +53,4 @@ void AddQueryCommand(CLI::App& app, ExitStatus& status)
     query->callback([options, &status] { status = Query(*options); });
 }
 
-} // namespace command
+} // namespace diagnosis::command

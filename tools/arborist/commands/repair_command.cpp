@@ -3,18 +3,18 @@
 #include <CLI/CLI.hpp>
 
 #include "arborist/frame/repair.h"
-#include "tools/arborist/bundle/bundle_session.h"
-#include "tools/arborist/bundle/moment.h"
-#include "tools/arborist/bundle/rule_paths.h"
+#include "diagnosis/bundle/bundle_session.h"
+#include "diagnosis/bundle/moment.h"
+#include "diagnosis/bundle/repair_records.h"
+#include "diagnosis/bundle/rule_paths.h"
+#include "diagnosis/text/json_writer.h"
+#include "diagnosis/text/near_match.h"
+#include "diagnosis/text/printable.h"
 #include "tools/arborist/commands/commands.h"
-#include "tools/arborist/commands/output.h"
 #include "tools/arborist/commands/shared_options.h"
-#include "tools/arborist/render/json_writer.h"
-#include "tools/arborist/repair_db/repair_records.h"
-#include "tools/arborist/text/near_match.h"
-#include "tools/arborist/text/printable.h"
+#include "tools/arborist/terminal/output.h"
 
-namespace command {
+namespace diagnosis::command {
 
 namespace {
 
@@ -142,4 +142,4 @@ void AddRepairCommand(CLI::App& app, ExitStatus& status)
     list->callback([listOptions, &status] { status = WithRecords(*listOptions, BundleUse::RUN, List); });
 }
 
-} // namespace command
+} // namespace diagnosis::command

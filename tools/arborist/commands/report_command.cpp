@@ -1,11 +1,11 @@
 #include <CLI/CLI.hpp>
 
+#include "diagnosis/report/report_page.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/drawing_options.h"
-#include "tools/arborist/commands/output.h"
-#include "tools/arborist/render/report_page.h"
+#include "tools/arborist/terminal/output.h"
 
-namespace command {
+namespace diagnosis::command {
 
 namespace {
 
@@ -36,4 +36,4 @@ void AddReportCommand(CLI::App& app, ExitStatus& status)
     report->callback([options, &status] { status = Report(*options); });
 }
 
-} // namespace command
+} // namespace diagnosis::command

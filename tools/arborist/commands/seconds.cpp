@@ -7,7 +7,7 @@
 
 #include <CLI/CLI.hpp>
 
-namespace command {
+namespace diagnosis::command {
 
 CLI::Option* AddSeconds(CLI::App& app, const std::string& name, double& seconds, double least,
     const std::string& description)
@@ -32,4 +32,4 @@ std::chrono::milliseconds Milliseconds(double seconds)
     return std::chrono::milliseconds(static_cast<std::int64_t>(std::ceil(seconds * 1000)));
 }
 
-} // namespace command
+} // namespace diagnosis::command

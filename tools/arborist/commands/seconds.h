@@ -9,7 +9,7 @@ class App;
 class Option;
 }
 
-namespace command {
+namespace diagnosis::command {
 
 /// An option for a time in seconds, from `least` to a day; what `seconds` holds is what it is unless given.
 CLI::Option* AddSeconds(CLI::App& app, const std::string& name, double& seconds, double least,
@@ -18,6 +18,6 @@ CLI::Option* AddSeconds(CLI::App& app, const std::string& name, double& seconds,
 /// Rounded up: a short time must not become 0, which may stand for no limit.
 std::chrono::milliseconds Milliseconds(double seconds);
 
-} // namespace command
+} // namespace diagnosis::command
 
 #endif

@@ -4,12 +4,12 @@
 
 #include <CLI/CLI.hpp>
 
-#include "tools/arborist/bundle/moment.h"
-#include "tools/arborist/code_rules/code_program.h"
-#include "tools/arborist/commands/output.h"
+#include "diagnosis/bundle/moment.h"
+#include "diagnosis/detection/code_program.h"
 #include "tools/arborist/commands/seconds.h"
+#include "tools/arborist/terminal/output.h"
 
-namespace command {
+namespace diagnosis::command {
 
 void AddOverrides(CLI::App& app, BundleOverrides& overrides)
 {
@@ -119,4 +119,4 @@ bool IsLogOpen(const LogOptions& options)
     return !problem;
 }
 
-} // namespace command
+} // namespace diagnosis::command

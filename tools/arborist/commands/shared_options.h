@@ -4,15 +4,15 @@
 #include <optional>
 #include <string>
 
-#include "tools/arborist/bundle/bundle_session.h"
-#include "tools/arborist/detection/detection.h"
-#include "tools/arborist/library_log/library_log.h"
+#include "diagnosis/bundle/bundle_session.h"
+#include "diagnosis/bundle/library_log.h"
+#include "diagnosis/detection/detection.h"
 
 namespace CLI {
 class App;
 }
 
-namespace command {
+namespace diagnosis::command {
 
 /// --now and --tz.
 void AddOverrides(CLI::App& app, BundleOverrides& overrides);
@@ -58,6 +58,6 @@ BundlePath MakeBundlePath(const std::string& given);
 /// Opens the library's log; false after telling why not, which is wrong use.
 bool IsLogOpen(const LogOptions& options);
 
-} // namespace command
+} // namespace diagnosis::command
 
 #endif

@@ -2,9 +2,9 @@
 
 #include <sqlite3.h>
 
-#include "tools/arborist/render/json_writer.h"
+#include "diagnosis/text/json_writer.h"
 
-namespace command {
+namespace diagnosis::command {
 
 std::string VersionsJson()
 {
@@ -17,4 +17,4 @@ std::string VersionsJson()
     return json.EndObject().EndObject().Line();
 }
 
-} // namespace command
+} // namespace diagnosis::command

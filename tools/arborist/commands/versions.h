@@ -3,11 +3,11 @@
 
 #include <string>
 
-namespace command {
+namespace diagnosis::command {
 
 /// Versions of the command and of the libraries that it was built with and, for SQLite, runs with: one JSON object.
 std::string VersionsJson();
 
-} // namespace command
+} // namespace diagnosis::command
 
 #endif

@@ -2,7 +2,7 @@
 
 #include "tools/arborist/manual/reference.h"
 
-namespace command {
+namespace diagnosis::command {
 
 namespace {
 
@@ -212,4 +212,4 @@ std::string Completion(const CommandReference& root, const std::string& shell)
     return shell == "bash" ? Bash(root) : shell == "zsh" ? Zsh(root) : Fish(root);
 }
 
-} // namespace command
+} // namespace diagnosis::command

@@ -3,7 +3,7 @@
 
 #include "tools/arborist/manual/reference.h"
 
-namespace command {
+namespace diagnosis::command {
 
 namespace {
 
@@ -108,4 +108,4 @@ std::string ManPage(const CommandReference& command)
         + Items("OPTIONS", command.options) + Notes(command.footer) + SeeAlso(command);
 }
 
-} // namespace command
+} // namespace diagnosis::command

@@ -2,7 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
-namespace command {
+namespace diagnosis::command {
 
 namespace {
 
@@ -65,4 +65,4 @@ CommandReference MakeReference(const CLI::App& app, const std::string& words)
     return made;
 }
 
-} // namespace command
+} // namespace diagnosis::command

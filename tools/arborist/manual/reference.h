@@ -8,7 +8,7 @@ namespace CLI {
 class App;
 }
 
-namespace command {
+namespace diagnosis::command {
 
 /// One option as its command declares it.
 struct OptionReference {
@@ -45,6 +45,6 @@ std::string ManPageName(const CommandReference& command);
 /// The script for "bash", "zsh" or "fish".
 std::string Completion(const CommandReference& root, const std::string& shell);
 
-} // namespace command
+} // namespace diagnosis::command
 
 #endif

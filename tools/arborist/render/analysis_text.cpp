@@ -2,12 +2,12 @@
 
 #include <cstdio>
 
-#include "tools/arborist/explanation/analysis/minimal_sets.h"
+#include "diagnosis/analysis/minimal_sets.h"
+#include "diagnosis/results/rule_text.h"
+#include "diagnosis/text/printable.h"
 #include "tools/arborist/render/explanation_words.h"
-#include "tools/arborist/render/rule_text.h"
-#include "tools/arborist/text/printable.h"
 
-namespace command {
+namespace diagnosis::command {
 
 namespace {
 
@@ -111,4 +111,4 @@ std::string AnalysisText(const ExplainedTree& tree, const ExplanationView& view,
     return AnalysisWriter(tree, view, colour).Text();
 }
 
-} // namespace command
+} // namespace diagnosis::command

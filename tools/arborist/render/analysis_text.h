@@ -3,15 +3,15 @@
 
 #include <string>
 
-#include "tools/arborist/explanation/explanation_view.h"
-#include "tools/arborist/render/colour.h"
+#include "diagnosis/analysis/explanation_view.h"
+#include "tools/arborist/terminal/colour.h"
 
-namespace command {
+namespace diagnosis::command {
 
 /// What the view asks for by options of their own: near misses, and the minimal cut sets in evidence with the shares of
 /// the events and the repairs. Empty when it asks for neither; every line ends in a line end.
 std::string AnalysisText(const ExplainedTree& tree, const ExplanationView& view, Colour colour);
 
-} // namespace command
+} // namespace diagnosis::command
 
 #endif

@@ -2,11 +2,11 @@
 
 #include <utility>
 
+#include "diagnosis/results/rule_text.h"
+#include "diagnosis/text/printable.h"
 #include "tools/arborist/render/explanation_words.h"
-#include "tools/arborist/render/rule_text.h"
-#include "tools/arborist/text/printable.h"
 
-namespace command {
+namespace diagnosis::command {
 
 namespace {
 
@@ -123,4 +123,4 @@ std::string BriefCausesText(const ExplainedTree& tree, const FaultTreeResult* re
     return CauseText(tree, result, view, colour).BriefText();
 }
 
-} // namespace command
+} // namespace diagnosis::command

@@ -4,10 +4,10 @@
 #include <string>
 
 #include "arborist/frame/fault_tree_result.h"
-#include "tools/arborist/explanation/explanation_view.h"
-#include "tools/arborist/render/colour.h"
+#include "diagnosis/analysis/explanation_view.h"
+#include "tools/arborist/terminal/colour.h"
 
-namespace command {
+namespace diagnosis::command {
 
 /// The distinct root causes of a tree that the view asks for, each with the paths of its members, the rules that fired
 /// for them, and the ids of `result` (null where there is none). Every line ends in a line end.
@@ -18,6 +18,6 @@ std::string CausesText(const ExplainedTree& tree, const FaultTreeResult* result,
 std::string BriefCausesText(const ExplainedTree& tree, const FaultTreeResult* result, const ExplanationView& view,
     Colour colour);
 
-} // namespace command
+} // namespace diagnosis::command
 
 #endif

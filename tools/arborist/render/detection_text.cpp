@@ -1,8 +1,8 @@
 #include "tools/arborist/render/detection_text.h"
 
-#include "tools/arborist/text/printable.h"
+#include "diagnosis/text/printable.h"
 
-namespace command {
+namespace diagnosis::command {
 
 namespace {
 
@@ -92,4 +92,4 @@ std::string DetectionText(const DetectionReport& report)
     return text;
 }
 
-} // namespace command
+} // namespace diagnosis::command

@@ -3,14 +3,14 @@
 
 #include <string>
 
-#include "tools/arborist/detection/detection.h"
+#include "diagnosis/detection/detection.h"
 
-namespace command {
+namespace diagnosis::command {
 
 /// A report for people: each tree with its verdict, its root causes with all their ids and, where the report holds
 /// them, the trees with the status of every event. Ends with a line end.
 std::string DetectionText(const DetectionReport& report);
 
-} // namespace command
+} // namespace diagnosis::command
 
 #endif

@@ -4,15 +4,15 @@
 #include <unordered_set>
 #include <utility>
 
-#include "tools/arborist/explanation/gate_logic.h"
+#include "diagnosis/analysis/gate_logic.h"
+#include "diagnosis/results/rule_text.h"
+#include "diagnosis/text/printable.h"
 #include "tools/arborist/render/analysis_text.h"
 #include "tools/arborist/render/cause_text.h"
-#include "tools/arborist/render/colour.h"
 #include "tools/arborist/render/explanation_words.h"
-#include "tools/arborist/render/rule_text.h"
-#include "tools/arborist/text/printable.h"
+#include "tools/arborist/terminal/colour.h"
 
-namespace command {
+namespace diagnosis::command {
 
 namespace {
 
@@ -226,4 +226,4 @@ std::string ExplanationText(const DetectionReport& report, const ExplanationView
     return hasTree ? text : text + "  nothing in any tree fits " + NarrowingOptions(view) + "\n";
 }
 
-} // namespace command
+} // namespace diagnosis::command

@@ -1,6 +1,6 @@
 #include "tools/arborist/render/explanation_words.h"
 
-namespace command {
+namespace diagnosis::command {
 
 std::string Counted(std::uint64_t number, const std::string& one, const std::string& several)
 {
@@ -35,4 +35,4 @@ std::vector<std::string> IdsAt(const ExplainedTree& tree, const std::vector<std:
     return ids;
 }
 
-} // namespace command
+} // namespace diagnosis::command

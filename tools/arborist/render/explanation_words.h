@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "tools/arborist/explanation/explanation.h"
-#include "tools/arborist/render/colour.h"
+#include "diagnosis/evidence/explanation.h"
+#include "tools/arborist/terminal/colour.h"
 
-namespace command {
+namespace diagnosis::command {
 
 /// "1 event", "2 events".
 std::string Counted(std::uint64_t number, const std::string& one, const std::string& several);
@@ -22,6 +22,6 @@ std::string VerdictText(const ExplainedRule& rule, Colour colour);
 /// The ids of the events at these places of a tree.
 std::vector<std::string> IdsAt(const ExplainedTree& tree, const std::vector<std::size_t>& places);
 
-} // namespace command
+} // namespace diagnosis::command
 
 #endif

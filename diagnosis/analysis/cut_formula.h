@@ -1,0 +1,72 @@
+#ifndef ARBORIST_DIAGNOSIS_ANALYSIS_CUT_FORMULA_H
+#define ARBORIST_DIAGNOSIS_ANALYSIS_CUT_FORMULA_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "diagnosis/evidence/explanation.h"
+
+namespace diagnosis {
+
+/// The cut sets of a tree as a formula of OR and AND over events. Branches that come to the same, as those do that a
+/// tree writes out many times, are one node. The cut sets are those of the library's plain expansion.
+///
+/// An event counts by its id. An observable intermediate event that is not in error stands beside what is below it:
+/// it has to come to error by itself.
+class CutFormula {
+public:
+    enum class Kind : unsigned char { EVENT, OR, AND };
+
+    struct Part {
+        std::uint32_t node;
+        /// How often it is chosen from, each time anew: of an AND the branches that come to the same.
+        std::uint32_t times = 1;
+    };
+
+    struct Node {
+        Kind kind;
+        /// Of an EVENT: a place in ExplainedTree::events, the first with that id and status.
+        std::size_t event;
+        bool isMissing;
+        /// Of a gate, each once.
+        std::vector<Part> parts;
+        /// A lower bound of the missing events of a choice below, where an event that stands in n places of the tree
+        /// counts one nth in each: bounds of gates that are joined may be added up.
+        double least;
+    };
+
+    static constexpr std::uint32_t NONE = UINT32_MAX;
+
+    explicit CutFormula(const ExplainedTree& tree);
+
+    /// NONE for a tree without cut sets.
+    std::uint32_t GetTop() const { return mTop; }
+    /// A part stands before the gates that hold it.
+    const std::vector<Node>& GetNodes() const { return mNodes; }
+
+private:
+    void FindEmpty();
+    void CountPlaces();
+    std::uint32_t Build(std::size_t event);
+    void CollectParts(std::size_t event, Kind kind, std::vector<std::uint32_t>& parts);
+    std::vector<std::size_t> BranchesOf(std::size_t event) const;
+    std::uint32_t MakeEvent(std::size_t event);
+    std::uint32_t MakeGate(Kind kind, std::vector<std::uint32_t> branches);
+    std::uint32_t Intern(const std::string& key, Node node);
+    bool IsBarred(const ExplainedEvent& event) const { return event.observable && !event.IsInError(); }
+
+    const ExplainedTree& mTree;
+    /// Whether the expansion of an event has no cut set, whatever the statuses.
+    std::vector<bool> mIsEmpty;
+    std::unordered_map<std::string, std::size_t> mPlacesMissing;
+    std::unordered_map<std::string, std::uint32_t> mKnown;
+    std::vector<Node> mNodes;
+    std::uint32_t mTop = NONE;
+};
+
+} // namespace diagnosis
+
+#endif

@@ -1,0 +1,72 @@
+#include "diagnosis/analysis/distinct_causes.h"
+
+#include <algorithm>
+#include <string_view>
+#include <unordered_map>
+
+namespace diagnosis {
+
+namespace {
+
+using Numbers = std::vector<std::uint32_t>;
+
+// A number for the id of each event.
+Numbers NumberIds(const ExplainedTree& tree)
+{
+    std::unordered_map<std::string_view, std::uint32_t> numbers;
+    Numbers numberOfEvent;
+    numberOfEvent.reserve(tree.events.size());
+    for (const ExplainedEvent& event : tree.events) {
+        numberOfEvent.push_back(
+            numbers.try_emplace(event.id, static_cast<std::uint32_t>(numbers.size())).first->second);
+    }
+    return numberOfEvent;
+}
+
+std::string KeyOf(Numbers members)
+{
+    std::sort(members.begin(), members.end());
+    members.erase(std::unique(members.begin(), members.end()), members.end());
+    return {reinterpret_cast<const char*>(members.data()), members.size() * sizeof(Numbers::value_type)};
+}
+
+std::vector<std::string> IdsOf(const ExplainedTree& tree, const ExplainedCause& cause)
+{
+    std::vector<std::string> ids;
+    for (const std::size_t member : cause.members) {
+        if (member != ExplainedEvent::NONE
+            && std::find(ids.begin(), ids.end(), tree.events[member].id) == ids.end()) {
+            ids.push_back(tree.events[member].id);
+        }
+    }
+    return ids.empty() ? std::vector<std::string>{cause.id} : ids;
+}
+
+} // namespace
+
+std::vector<DistinctCause> DistinctCausesOf(const ExplainedTree& tree)
+{
+    const Numbers numberOfEvent = NumberIds(tree);
+    std::unordered_map<std::string, std::size_t> causes;
+    std::vector<DistinctCause> distinct;
+    Numbers members;
+    for (std::size_t place = 0; place < tree.causes.size(); ++place) {
+        const ExplainedCause& cause = tree.causes[place];
+        members.clear();
+        for (const std::size_t member : cause.members) {
+            if (member != ExplainedEvent::NONE) {
+                members.push_back(numberOfEvent[member]);
+            }
+        }
+        // Members that no path leads to leave the name to tell causes apart.
+        const std::string key = members.empty() ? "/" + cause.id : KeyOf(members);
+        const auto [entry, isNew] = causes.try_emplace(key, distinct.size());
+        if (isNew) {
+            distinct.push_back({IdsOf(tree, cause), place, 0});
+        }
+        ++distinct[entry->second].times;
+    }
+    return distinct;
+}
+
+} // namespace diagnosis

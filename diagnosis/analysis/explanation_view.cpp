@@ -1,0 +1,166 @@
+#include "diagnosis/analysis/explanation_view.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include "diagnosis/text/near_match.h"
+
+namespace diagnosis {
+
+namespace {
+
+bool HasRule(const ExplainedTree& tree, const ExplainedEvent& event, const std::string& name)
+{
+    const ExplainedEvidence* evidence = tree.EvidenceOf(event);
+    return evidence != nullptr
+        && std::any_of(evidence->rules.begin(), evidence->rules.end(),
+            [&name](const ExplainedRule& rule) { return rule.name == name; });
+}
+
+// Whether the event itself or one above it has this id.
+bool IsBelow(const ExplainedTree& tree, std::size_t event, const std::string& id)
+{
+    for (; event != ExplainedEvent::NONE; event = tree.events[event].parent) {
+        if (tree.events[event].id == id) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool IsOnTheWay(const ExplainedTree& tree, const ExplainedCause& cause, const std::string& id)
+{
+    return std::any_of(cause.members.begin(), cause.members.end(),
+        [&](std::size_t member) { return IsBelow(tree, member, id); });
+}
+
+bool ShowsNearMiss(const ExplainedTree& tree, const NearMiss& nearMiss, const ExplanationView& view)
+{
+    std::vector<std::size_t> members = nearMiss.missing;
+    members.insert(members.end(), nearMiss.present.begin(), nearMiss.present.end());
+    const auto isAny = [&members](auto isMeant) { return std::any_of(members.begin(), members.end(), isMeant); };
+    return (view.event.empty() || isAny([&](std::size_t member) { return IsBelow(tree, member, view.event); }))
+        && (view.rule.empty() || isAny([&](std::size_t member) { return HasRule(tree, tree.events[member], view.rule); }))
+        && (view.cause.empty() || isAny([&](std::size_t member) { return tree.events[member].id == view.cause; }));
+}
+
+bool IsMember(const DistinctCause& cause, const std::string& id)
+{
+    return std::find(cause.ids.begin(), cause.ids.end(), id) != cause.ids.end();
+}
+
+bool ShowsCause(const ExplainedTree& tree, const DistinctCause& cause, const ExplanationView& view)
+{
+    const ExplainedCause& first = tree.causes[cause.first];
+    if (!view.cause.empty() && !IsMember(cause, view.cause)) {
+        return false;
+    }
+    if (!view.event.empty() && !IsOnTheWay(tree, first, view.event)) {
+        return false;
+    }
+    return view.rule.empty() || std::any_of(first.members.begin(), first.members.end(), [&](std::size_t member) {
+        return member != ExplainedEvent::NONE && HasRule(tree, tree.events[member], view.rule);
+    });
+}
+
+std::optional<Failure> Unless(
+    const std::set<std::string>& known, const std::string& kind, const std::string& code, const std::string& word)
+{
+    if (word.empty() || known.count(word) != 0) {
+        return std::nullopt;
+    }
+    const std::vector<std::string> candidates(known.begin(), known.end());
+    return Failure{code, "no " + kind + " \"" + word + "\" in this detection" + DidYouMean(word, candidates),
+        ExitStatus::WRONG_USE};
+}
+
+} // namespace
+
+std::optional<Failure> UnknownWord(const Explanation& explanation, const ExplanationView& view)
+{
+    std::set<std::string> events;
+    std::set<std::string> rules;
+    for (const ExplainedTree& tree : explanation.trees) {
+        for (const ExplainedEvent& event : tree.events) {
+            events.insert(event.id);
+        }
+        for (const ExplainedEvidence& evidence : tree.evidence) {
+            for (const ExplainedRule& rule : evidence.rules) {
+                rules.insert(rule.name);
+            }
+        }
+    }
+    if (auto failure = Unless(events, "event", "unknown_event", view.event)) {
+        return failure;
+    }
+    if (auto failure = Unless(rules, "rule", "unknown_rule", view.rule)) {
+        return failure;
+    }
+    // Any event may be asked for as a root cause: how far it is from being one is worth knowing, too.
+    for (const ExplainedTree& tree : explanation.trees) {
+        for (const ExplainedCause& cause : tree.causes) {
+            events.insert(cause.id);
+        }
+    }
+    return Unless(events, "root cause", "unknown_cause", view.cause);
+}
+
+std::vector<std::size_t> ShownEvents(const ExplainedTree& tree, const ExplanationView& view)
+{
+    std::set<std::string> onTheWay;
+    if (!view.cause.empty()) {
+        for (const DistinctCause& cause : DistinctCausesOf(tree)) {
+            if (IsMember(cause, view.cause)) {
+                onTheWay.insert(cause.ids.begin(), cause.ids.end());
+            }
+        }
+    }
+    std::vector<std::size_t> shown;
+    std::set<std::pair<std::string, std::size_t>> known;
+    for (std::size_t place = 0; place < tree.events.size(); ++place) {
+        const ExplainedEvent& event = tree.events[place];
+        const bool isMeant = (view.event.empty() || event.id == view.event)
+            && (view.rule.empty() || HasRule(tree, event, view.rule))
+            && (view.cause.empty() || onTheWay.count(event.id) != 0);
+        if (isMeant && known.emplace(event.id, event.evidence).second) {
+            shown.push_back(place);
+        }
+    }
+    return shown;
+}
+
+bool HasShown(const ExplainedTree& tree, const ExplanationView& view)
+{
+    return !view.IsNarrow() || !ShownEvents(tree, view).empty()
+        || (view.nearMisses > 0 && !ShownNearMisses(tree, view).sets.empty());
+}
+
+bool IsShown(const ExplainedRule& rule, const ExplanationView& view)
+{
+    return view.rule.empty() || rule.name == view.rule;
+}
+
+NearMisses ShownNearMisses(const ExplainedTree& tree, const ExplanationView& view)
+{
+    if (!view.IsNarrow()) {
+        return FindNearMisses(tree, view.nearMisses, view.limit);
+    }
+    static constexpr std::size_t MOST_LOOKED_AT = 100000;
+    NearMisses found = FindNearMisses(tree, view.nearMisses, MOST_LOOKED_AT);
+    found.isComplete = found.isComplete && found.leftOut == 0;
+    std::erase_if(found.sets, [&](const NearMiss& nearMiss) { return !ShowsNearMiss(tree, nearMiss, view); });
+    const std::size_t shown = std::min(found.sets.size(), view.limit);
+    found.leftOut = found.sets.size() - shown;
+    found.sets.resize(shown);
+    return found;
+}
+
+std::vector<DistinctCause> ShownCauses(const ExplainedTree& tree, const ExplanationView& view)
+{
+    std::vector<DistinctCause> causes = DistinctCausesOf(tree);
+    std::erase_if(causes, [&](const DistinctCause& cause) { return !ShowsCause(tree, cause, view); });
+    return causes;
+}
+
+} // namespace diagnosis

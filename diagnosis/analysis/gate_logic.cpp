@@ -1,0 +1,65 @@
+#include "diagnosis/analysis/gate_logic.h"
+
+#include <string_view>
+#include <unordered_set>
+
+namespace diagnosis {
+
+namespace {
+
+std::vector<std::size_t> LeavesInError(const ExplainedTree& tree, std::size_t event)
+{
+    std::vector<std::size_t> leaves;
+    std::unordered_set<std::string_view> ids;
+    for (std::size_t below = event + 1; below < tree.events[event].end; ++below) {
+        const ExplainedEvent& leaf = tree.events[below];
+        if (leaf.IsLeaf() && leaf.IsInError() && ids.insert(leaf.id).second) {
+            leaves.push_back(below);
+        }
+    }
+    return leaves;
+}
+
+} // namespace
+
+GateLogic GateLogicOf(const ExplainedTree& tree, std::size_t event)
+{
+    const bool isOr = tree.events[event].gate == ExplainedEvent::Folded::GateKind::OR;
+    GateLogic logic;
+    bool hasUnknown = false;
+    for (std::size_t child = event + 1; child < tree.events[event].end; child = tree.events[child].end) {
+        const ExplainedEvent& below = tree.events[child];
+        ++logic.below;
+        logic.inError += below.IsInError() ? 1U : 0U;
+        hasUnknown = hasUnknown || below.status == EventStatus::UNKNOWN;
+        if (logic.decider == ExplainedEvent::NONE && below.IsInError() == isOr) {
+            logic.decider = child;
+        }
+    }
+    if (isOr) {
+        const EventStatus otherwise = hasUnknown ? EventStatus::UNKNOWN : EventStatus::FALSE;
+        logic.outcome = logic.inError > 0 ? EventStatus::TRUE : otherwise;
+    } else {
+        logic.outcome =
+            logic.decider == ExplainedEvent::NONE ? EventStatus::TRUE : tree.events[logic.decider].status;
+    }
+    return logic;
+}
+
+std::vector<CutOff> CutOffsOf(const ExplainedTree& tree)
+{
+    std::vector<CutOff> cutOffs;
+    for (std::size_t event = 0; event < tree.events.size(); ++event) {
+        const ExplainedEvent& explained = tree.events[event];
+        if (explained.IsLeaf() || !explained.observable || explained.IsInError()) {
+            continue;
+        }
+        std::vector<std::size_t> leaves = LeavesInError(tree, event);
+        if (!leaves.empty()) {
+            cutOffs.push_back({event, std::move(leaves)});
+        }
+    }
+    return cutOffs;
+}
+
+} // namespace diagnosis

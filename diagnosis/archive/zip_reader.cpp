@@ -1,0 +1,210 @@
+#include "diagnosis/archive/zip_reader.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <type_traits>
+
+#include <fcntl.h>
+#include <minizip/unzip.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace diagnosis {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::size_t LONGEST_NAME = 4095;
+constexpr int MOST_FOLDERS = 64;
+
+struct ArchiveCloser {
+    void operator()(void* archive) const { unzClose(archive); }
+};
+
+class Descriptor {
+public:
+    explicit Descriptor(int descriptor) : mDescriptor(descriptor) {}
+    ~Descriptor()
+    {
+        if (mDescriptor >= 0) {
+            close(mDescriptor);
+        }
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    int Get() const { return mDescriptor; }
+
+private:
+    int mDescriptor;
+};
+
+// Both separators count: archives of other systems use the other one.
+bool IsSafeName(const std::string& name)
+{
+    if (name.empty() || name.front() == '/' || name.front() == '\\' || name.find('\0') != std::string::npos) {
+        return false;
+    }
+    int folders = 0;
+    for (std::size_t start = 0; start <= name.size();) {
+        const std::size_t end = std::min(name.find_first_of("/\\", start), name.size());
+        if (name.compare(start, end - start, "..") == 0 || ++folders > MOST_FOLDERS) {
+            return false;
+        }
+        start = end + 1;
+    }
+    return true;
+}
+
+bool WriteAll(int file, const char* bytes, std::size_t length)
+{
+    while (length > 0) {
+        const ssize_t written = write(file, bytes, length);
+        if (written < 0 && errno != EINTR) {
+            return false;
+        }
+        const auto done = static_cast<std::size_t>(written > 0 ? written : 0);
+        bytes += done;
+        length -= done;
+    }
+    return true;
+}
+
+class Unpacking {
+public:
+    Unpacking(std::string shown, std::string target, std::vector<Warning>& warnings, const ZipLimits& limits)
+        : mShown(std::move(shown)), mTarget(std::move(target)), mWarnings(warnings), mLimits(limits)
+    {
+    }
+
+    std::optional<Failure> Run(const std::string& path)
+    {
+        mArchive.reset(unzOpen64(path.c_str()));
+        if (mArchive == nullptr) {
+            return Bad("is no zip that can be read");
+        }
+        std::uint64_t entries = 0;
+        int result = unzGoToFirstFile(mArchive.get());
+        for (; result == UNZ_OK; result = unzGoToNextFile(mArchive.get())) {
+            if (++entries > mLimits.entries) {
+                return TooLarge("more than " + std::to_string(mLimits.entries) + " entries");
+            }
+            if (auto failure = UnpackEntry()) {
+                return failure;
+            }
+        }
+        unz_global_info64 info{};
+        const bool isComplete = unzGetGlobalInfo64(mArchive.get(), &info) == UNZ_OK && info.number_entry == entries;
+        return isComplete ? std::nullopt : std::optional(Bad("is damaged"));
+    }
+
+private:
+    Failure Bad(const std::string& reason) const { return Failure{"bad_zip", mShown + ": " + reason}; }
+
+    Failure TooLarge(const std::string& reason) const
+    {
+        return Failure{"too_large", mShown + ": " + reason, ExitStatus::INTERNAL};
+    }
+
+    std::optional<Failure> UnpackEntry()
+    {
+        unz_file_info64 info{};
+        if (unzGetCurrentFileInfo64(mArchive.get(), &info, nullptr, 0, nullptr, 0, nullptr, 0) != UNZ_OK) {
+            return Bad("is damaged");
+        }
+        std::string name(std::min<std::size_t>(info.size_filename, LONGEST_NAME), '\0');
+        const int read = unzGetCurrentFileInfo64(
+            mArchive.get(), nullptr, name.data(), name.size(), nullptr, 0, nullptr, 0);
+        if (read != UNZ_OK || info.size_filename > LONGEST_NAME || !IsSafeName(name)) {
+            return Bad("the name of an entry can't be used: \"" + name + "\"");
+        }
+        constexpr unsigned MODE_SHIFT = 16;
+        if (S_ISLNK(info.external_fa >> MODE_SHIFT)) {
+            mWarnings.push_back({"zip_link", mShown + ": the symbolic link \"" + name + "\" is not made"});
+            return std::nullopt;
+        }
+        return name.back() == '/' ? MakeFolder(name) : UnpackFile(name);
+    }
+
+    std::optional<Failure> MakeFolder(const std::string& name)
+    {
+        std::error_code error;
+        fs::create_directories(fs::path(mTarget) / name, error);
+        return error ? std::optional(Bad("\"" + name + "\" can't be made: " + error.message())) : std::nullopt;
+    }
+
+    std::optional<Failure> UnpackFile(const std::string& name)
+    {
+        const fs::path path = fs::path(mTarget) / name;
+        std::error_code error;
+        fs::create_directories(path.parent_path(), error);
+        const Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+        if (file.Get() < 0) {
+            return Bad("\"" + name + "\" can't be made: " + std::strerror(errno));
+        }
+        if (unzOpenCurrentFile(mArchive.get()) != UNZ_OK) {
+            return Bad("\"" + name + "\" is damaged or encrypted");
+        }
+        auto failure = CopyOut(name, file.Get());
+        // Closing compares the checksum, when all was read.
+        const int closed = unzCloseCurrentFile(mArchive.get());
+        return !failure && closed != UNZ_OK ? Bad("\"" + name + "\" is damaged") : failure;
+    }
+
+    // Counts what really comes out: what an archive tells of its lengths need not be so.
+    std::optional<Failure> CopyOut(const std::string& name, int file)
+    {
+        for (;;) {
+            const int length = unzReadCurrentFile(mArchive.get(), mBuffer.data(),
+                static_cast<unsigned>(mBuffer.size()));
+            if (length <= 0) {
+                return length == 0 ? std::nullopt : std::optional(Bad("\"" + name + "\" is damaged"));
+            }
+            mBytes += static_cast<std::uint64_t>(length);
+            if (mBytes > mLimits.bytes) {
+                return TooLarge("more than " + std::to_string(mLimits.bytes) + " bytes when unpacked");
+            }
+            if (!WriteAll(file, mBuffer.data(), static_cast<std::size_t>(length))) {
+                return Failure{"no_scratch", mShown + ": \"" + name + "\" can't be unpacked: " + std::strerror(errno),
+                    ExitStatus::INTERNAL};
+            }
+        }
+    }
+
+    std::string mShown;
+    std::string mTarget;
+    std::vector<Warning>& mWarnings;
+    ZipLimits mLimits;
+    std::unique_ptr<std::remove_pointer_t<unzFile>, ArchiveCloser> mArchive;
+    std::uint64_t mBytes = 0;
+    std::array<char, 65536> mBuffer{};
+};
+
+} // namespace
+
+bool IsZip(const std::string& path)
+{
+    std::error_code error;
+    // Opening a pipe would wait for its other end.
+    if (!fs::is_regular_file(path, error)) {
+        return false;
+    }
+    char start[4] = {};
+    std::ifstream file(path, std::ios::binary);
+    file.read(start, sizeof(start));
+    // "PK\3\4" before an entry, "PK\5\6" at the end, which is all that an empty archive has.
+    return file && start[0] == 'P' && start[1] == 'K' && (start[2] == 3 || start[2] == 5);
+}
+
+std::optional<Failure> UnpackZip(const std::string& path, const std::string& shown, const std::string& target,
+    std::vector<Warning>& warnings, const ZipLimits& limits)
+{
+    return std::make_unique<Unpacking>(shown, target, warnings, limits)->Run(path);
+}
+
+} // namespace diagnosis

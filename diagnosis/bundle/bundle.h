@@ -1,0 +1,46 @@
+#ifndef ARBORIST_DIAGNOSIS_BUNDLE_BUNDLE_H
+#define ARBORIST_DIAGNOSIS_BUNDLE_BUNDLE_H
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "arborist/frame/detect_info.h"
+#include "arborist/frame/settings.h"
+
+namespace diagnosis {
+
+/// A bundle as the command line names it, for messages and results, and where that is.
+struct BundlePath {
+    std::string given;
+    std::string absolute;
+};
+
+/// What bundle.json says: a device, a rule set and the moment of a recording. Relative paths lie inside the bundle.
+struct Bundle {
+    std::int32_t detectScene = 0;
+    std::string treeTag;
+    std::string ruleFileDir = "rules";
+    std::string ruleFilePrefix;
+    std::string logLocation;
+    std::string reservedText;
+    DeviceDetails device;
+    /// By the names of Settings. A bundle carries its own data, so that its root stands inside it unless it says
+    /// otherwise; the empty text stands for the library's own default, the data of this machine.
+    std::map<std::string, std::string> settings = {{Settings::PROGRAM_DATA_DIR, "programdata"}};
+    /// "YYYY-MM-DD HH:MM:SS" or seconds; empty for the real time.
+    std::string now;
+    /// Empty for the zone of this machine.
+    std::string tz;
+    /// Recorded answers of code rules, by their user-defined text.
+    std::map<std::string, bool> codeAnswers;
+};
+
+/// The attributes of a device with their values, named and in order as bundle.json has them.
+std::vector<std::pair<const char*, std::string>> DeviceAttributes(const DeviceDetails& device);
+
+} // namespace diagnosis
+
+#endif

@@ -1,0 +1,282 @@
+#include "diagnosis/bundle/bundle_file.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+
+#include <json/value.h>
+
+#include "arborist/frame/settings.h"
+#include "diagnosis/bundle/moment.h"
+#include "diagnosis/text/json_text.h"
+#include "diagnosis/text/near_match.h"
+
+namespace diagnosis {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Far above what a bundle needs (recorded answers are its largest part), far below what hurts.
+constexpr std::uintmax_t LARGEST_FILE = 16U << 20U;
+
+struct Findings {
+    std::string path;
+    std::vector<std::string> errors;
+    std::vector<Warning>& warnings;
+};
+
+/// Takes the known keys out of one JSON object, notes values of a wrong type and keys that nobody asked for.
+class ObjectReader {
+public:
+    ObjectReader(const Json::Value& object, std::string prefix, Findings& findings)
+        : mObject(object), mPrefix(std::move(prefix)), mFindings(findings)
+    {
+    }
+
+    /// The member when it is there and of the wanted type.
+    template <typename Predicate>
+    const Json::Value* Find(const char* key, Predicate isWanted, const char* wanted)
+    {
+        mKnown.emplace_back(key);
+        const Json::Value* value = mObject.find(key, key + std::char_traits<char>::length(key));
+        if (value == nullptr || std::invoke(isWanted, *value)) {
+            return value;
+        }
+        Wrong(key, std::string("must be ") + wanted + ", not " + JsonKind(*value));
+        return nullptr;
+    }
+
+    /// Takes a text over; false where there is none that can be used.
+    bool Text(const char* key, std::string& target)
+    {
+        const Json::Value* value = Find(key, &Json::Value::isString, "a text");
+        if (value == nullptr) {
+            return false;
+        }
+        const std::string text = value->asString();
+        if (text.find('\0') != std::string::npos) {
+            Wrong(key, "holds a NUL character");
+            return false;
+        }
+        target = text;
+        return true;
+    }
+
+    bool Has(const char* key) const { return mObject.isMember(key); }
+
+    void Wrong(const std::string& key, const std::string& reason)
+    {
+        mFindings.errors.push_back("\"" + mPrefix + key + "\" " + reason);
+    }
+
+    void Missing(const char* key)
+    {
+        // A slip of the pen in a required key is the likeliest reason for its absence: say both in one go.
+        for (const std::string& name : mObject.getMemberNames()) {
+            if (!NearMatch(name, {key}).empty()) {
+                Wrong(key, "is missing (there is \"" + name + "\")");
+                return;
+            }
+        }
+        Wrong(key, "is missing");
+    }
+
+    /// To be called when all keys were asked for.
+    void WarnOfUnknownKeys()
+    {
+        for (const std::string& name : mObject.getMemberNames()) {
+            if (std::find(mKnown.begin(), mKnown.end(), name) == mKnown.end()) {
+                mFindings.warnings.push_back({"unknown_key",
+                    mFindings.path + ": unknown key \"" + mPrefix + name + "\"" + DidYouMean(name, mKnown)});
+            }
+        }
+    }
+
+private:
+    const Json::Value& mObject;
+    std::string mPrefix;
+    Findings& mFindings;
+    std::vector<std::string> mKnown;
+};
+
+void ReadDevice(const Json::Value& object, DeviceDetails& device, Findings& findings)
+{
+    using Setter = void (DeviceDetails::*)(const std::string&);
+    static constexpr std::pair<const char*, Setter> ATTRIBUTES[] = {
+        {"DeviceType", &DeviceDetails::SetDeviceType}, {"Product", &DeviceDetails::SetProduct},
+        {"Platform", &DeviceDetails::SetPlatform}, {"CpuName", &DeviceDetails::SetCpuName},
+        {"RamSize", &DeviceDetails::SetRamSize}, {"Resolution", &DeviceDetails::SetResolution},
+        {"BatteryCapacity", &DeviceDetails::SetBatteryCapacity}};
+    ObjectReader reader(object, "device.", findings);
+    for (const auto& [key, set] : ATTRIBUTES) {
+        std::string value;
+        reader.Text(key, value);
+        (device.*set)(value);
+    }
+    reader.WarnOfUnknownKeys();
+}
+
+void ReadSettings(const Json::Value& object, std::map<std::string, std::string>& settings, Findings& findings)
+{
+    ObjectReader reader(object, "settings.", findings);
+    for (const char* key : {Settings::PROGRAM_DATA_DIR, Settings::APP_DATABASE_DIR, Settings::APP_FILE_DIR,
+             Settings::VERSION_NAME, Settings::DEVICE_ROOT_DIR}) {
+        std::string value = settings[key];
+        reader.Text(key, value);
+        settings[key] = value;
+    }
+    reader.WarnOfUnknownKeys();
+}
+
+void ReadCodeAnswers(const Json::Value& object, std::map<std::string, bool>& answers, Findings& findings)
+{
+    for (const std::string& userDefinedInfo : object.getMemberNames()) {
+        const Json::Value& answer = object[userDefinedInfo];
+        if (answer.isBool()) {
+            answers[userDefinedInfo] = answer.asBool();
+        } else {
+            findings.errors.push_back("\"codeAnswers." + userDefinedInfo + "\" must be true or false, not "
+                + JsonKind(answer));
+        }
+    }
+}
+
+bool IsTextOrWholeNumber(const Json::Value& value)
+{
+    return value.isString() || value.isInt64();
+}
+
+void ReadNow(ObjectReader& reader, std::string& now)
+{
+    const Json::Value* value = reader.Find("now", IsTextOrWholeNumber, "a text or a whole number");
+    if (value == nullptr) {
+        return;
+    }
+    now = value->isString() ? value->asString() : std::to_string(value->asInt64());
+    if (!now.empty() && !IsMomentText(now)) {
+        reader.Wrong("now", "must be a local time \"YYYY-MM-DD HH:MM:SS\" or seconds since the epoch, not \"" + now
+            + "\"");
+    }
+}
+
+void ReadScene(ObjectReader& reader, std::int32_t& scene)
+{
+    if (const Json::Value* value = reader.Find("detectScene", &Json::Value::isNumeric, "a number")) {
+        if (value->isInt()) {
+            scene = value->asInt();
+        } else {
+            reader.Wrong("detectScene", "must be a whole number of 32 bits");
+        }
+    } else if (!reader.Has("detectScene")) {
+        reader.Missing("detectScene");
+    }
+}
+
+void ReadTag(ObjectReader& reader, std::string& tag)
+{
+    if (!reader.Has("treeTag")) {
+        reader.Missing("treeTag");
+    }
+    if (reader.Text("treeTag", tag) && tag.empty()) {
+        reader.Wrong("treeTag", "must not be empty");
+    }
+}
+
+void ReadZone(ObjectReader& reader, std::string& zone)
+{
+    reader.Text("tz", zone);
+    if (!zone.empty() && !IsTimeZone(zone)) {
+        reader.Wrong("tz", "names no time zone that this machine knows: \"" + zone + "\"");
+    }
+}
+
+std::string WithoutTrailingSeparators(std::string path)
+{
+    while (path.size() > 1 && path.back() == '/') {
+        path.pop_back();
+    }
+    return path;
+}
+
+void ReadObject(const Json::Value& object, Bundle& bundle, Findings& findings)
+{
+    ObjectReader reader(object, "", findings);
+    ReadScene(reader, bundle.detectScene);
+    ReadTag(reader, bundle.treeTag);
+    reader.Text("ruleFileDir", bundle.ruleFileDir);
+    bundle.ruleFileDir = WithoutTrailingSeparators(bundle.ruleFileDir);
+    reader.Text("ruleFilePrefix", bundle.ruleFilePrefix);
+    reader.Text("logLocation", bundle.logLocation);
+    reader.Text("reservedText", bundle.reservedText);
+    ReadNow(reader, bundle.now);
+    ReadZone(reader, bundle.tz);
+    if (const Json::Value* device = reader.Find("device", &Json::Value::isObject, "an object")) {
+        ReadDevice(*device, bundle.device, findings);
+    }
+    if (const Json::Value* settings = reader.Find("settings", &Json::Value::isObject, "an object")) {
+        ReadSettings(*settings, bundle.settings, findings);
+    }
+    if (const Json::Value* answers = reader.Find("codeAnswers", &Json::Value::isObject, "an object")) {
+        ReadCodeAnswers(*answers, bundle.codeAnswers, findings);
+    }
+    reader.WarnOfUnknownKeys();
+}
+
+std::string Joined(const std::vector<std::string>& errors)
+{
+    std::string text;
+    for (const std::string& error : errors) {
+        text += (text.empty() ? "" : "; ") + error;
+    }
+    return text;
+}
+
+} // namespace
+
+std::optional<Failure> ReadBundleText(const std::string& path, const std::string& text, Bundle& bundle,
+    std::vector<Warning>& warnings)
+{
+    std::string problem;
+    const auto value = ParseJson(text, problem);
+    if (!value) {
+        return Failure{"bad_json", path + ": " + problem};
+    }
+    if (!value->isObject()) {
+        return Failure{"bad_bundle", path + ": must hold an object, not " + JsonKind(*value)};
+    }
+    Findings findings{path, {}, warnings};
+    ReadObject(*value, bundle, findings);
+    if (!findings.errors.empty()) {
+        return Failure{"bad_bundle", path + ": " + Joined(findings.errors)};
+    }
+    return std::nullopt;
+}
+
+std::optional<Failure> ReadBundleFile(const BundlePath& path, Bundle& bundle, std::vector<Warning>& warnings)
+{
+    std::error_code error;
+    const fs::path folder = path.absolute;
+    if (!fs::is_directory(folder, error)) {
+        return Failure{"no_bundle", path.given + (fs::exists(folder, error) ? ": is neither a folder nor a zip" : ": no such folder or zip")};
+    }
+    const fs::path file = folder / "bundle.json";
+    const std::string name = (fs::path(path.given) / "bundle.json").string();
+    // A pipe or device under that name would keep the reader waiting.
+    if (!fs::is_regular_file(file, error)) {
+        return Failure{"no_bundle_json", name + ": no such file; a bundle is a folder or a zip with a bundle.json"};
+    }
+    if (fs::file_size(file, error) > LARGEST_FILE) {
+        return Failure{"too_large", name + ": larger than 16 MiB", ExitStatus::INTERNAL};
+    }
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream) {
+        return Failure{"no_bundle_json", name + ": can't be read"};
+    }
+    const std::string text{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+    return ReadBundleText(name, text, bundle, warnings);
+}
+
+} // namespace diagnosis

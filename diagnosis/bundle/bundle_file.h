@@ -1,0 +1,23 @@
+#ifndef ARBORIST_DIAGNOSIS_BUNDLE_BUNDLE_FILE_H
+#define ARBORIST_DIAGNOSIS_BUNDLE_BUNDLE_FILE_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "diagnosis/bundle/bundle.h"
+#include "diagnosis/problem.h"
+
+namespace diagnosis {
+
+/// Reads the bundle.json of a bundle's folder into `bundle`; unknown keys become `warnings`. Otherwise answers why not;
+/// all that is wrong in the file is in the one message.
+std::optional<Failure> ReadBundleFile(const BundlePath& path, Bundle& bundle, std::vector<Warning>& warnings);
+
+/// The same for the text of a bundle.json; `path` names it in messages.
+std::optional<Failure> ReadBundleText(const std::string& path, const std::string& text, Bundle& bundle,
+    std::vector<Warning>& warnings);
+
+} // namespace diagnosis
+
+#endif

@@ -1,0 +1,77 @@
+#include "diagnosis/bundle/bundle_overlay.h"
+
+#include <filesystem>
+
+#include "arborist/frame/settings.h"
+#include "diagnosis/bundle/repair_records.h"
+#include "diagnosis/sqlite/database_files.h"
+
+namespace diagnosis {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr char EVENT_LOG_FOLDER[] = "Comms/Lumbra/workDir";
+
+std::optional<Failure> Link(const fs::path& source, const fs::path& target)
+{
+    std::error_code error;
+    fs::create_directories(target.parent_path(), error);
+    fs::create_symlink(source, target, error);
+    return error ? std::optional(Failure{"no_scratch", target.string() + ": " + error.message(), ExitStatus::INTERNAL})
+                 : std::nullopt;
+}
+
+std::optional<Failure> Copy(const fs::path& source, const fs::path& target)
+{
+    std::error_code error;
+    fs::create_directories(target.parent_path(), error);
+    if (!fs::exists(source, error)) {
+        return std::nullopt;
+    }
+    // A folder in the place of a database is one here, too.
+    return fs::is_regular_file(source, error) ? CopyDatabase(source.string(), target.string()) : Link(source, target);
+}
+
+// The library never writes into the log. The folder that holds it alone is linked, two folders above it: each folder
+// that is made and removed costs a hundredth of a small detection.
+std::optional<Failure> LayEventLog(const fs::path& data, const fs::path& overlay)
+{
+    const fs::path log = data / EVENT_LOG;
+    std::error_code error;
+    if (!fs::exists(log, error) || IsTouchedByReading(log.string())) {
+        return Copy(log, overlay / EVENT_LOG);
+    }
+    return Link(data / EVENT_LOG_FOLDER, overlay / EVENT_LOG_FOLDER);
+}
+
+} // namespace
+
+std::optional<Failure> LayOverlay(const std::string& folder, Scratch& scratch,
+    std::map<std::string, std::string>& settings, PathNames& names)
+{
+    std::string& data = settings[Settings::PROGRAM_DATA_DIR];
+    const std::string root = data.empty() ? MACHINE_DATA : data;
+    const fs::path own = fs::path(folder) / root;
+    const fs::path overlay = scratch.Path();
+    if (auto failure = LayEventLog(own, overlay)) {
+        return failure;
+    }
+    for (const char* file : {DERIVED_DATABASE, REPAIR_RECORDS}) {
+        if (auto failure = Copy(own / file, overlay / file)) {
+            return failure;
+        }
+    }
+    // Without a folder the library refuses to copy, and tells so.
+    if (std::string& databases = settings[Settings::APP_DATABASE_DIR]; !databases.empty()) {
+        const std::string copies = scratch.Path("databases");
+        names.Add(copies, databases);
+        databases = copies;
+    }
+    names.Add(overlay.string(), root);
+    data = overlay.string();
+    return std::nullopt;
+}
+
+} // namespace diagnosis

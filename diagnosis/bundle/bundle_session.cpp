@@ -1,0 +1,183 @@
+#include "diagnosis/bundle/bundle_session.h"
+
+#include <filesystem>
+#include <map>
+
+#include "diagnosis/archive/zip_reader.h"
+#include "diagnosis/bundle/bundle_file.h"
+#include "diagnosis/bundle/bundle_overlay.h"
+#include "diagnosis/bundle/library_log.h"
+
+namespace diagnosis {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Settings belong to the process: one bundle must not see those of the bundle before.
+void EmptySettings()
+{
+    for (const char* key : {Settings::APP_DATABASE_DIR, Settings::APP_FILE_DIR, Settings::VERSION_NAME,
+             Settings::PROGRAM_DATA_DIR, Settings::DEVICE_ROOT_DIR, Settings::CURRENT_TIME, Settings::TEMPORARY_STORES}) {
+        SetFaultTreeProperty(key, "");
+    }
+}
+
+// Many pack the folder and not what is in it: its one folder is the bundle then. All that may be meant.
+std::vector<std::string> FoldersWithBundleFile(const fs::path& unpacked)
+{
+    std::error_code error;
+    if (fs::exists(unpacked / "bundle.json", error)) {
+        return {unpacked.string()};
+    }
+    std::vector<std::string> folders;
+    for (const fs::directory_entry& entry : fs::directory_iterator(unpacked, error)) {
+        if (fs::exists(entry.path() / "bundle.json", error)) {
+            folders.push_back(entry.path().string());
+        }
+    }
+    return folders.empty() ? std::vector{unpacked.string()} : folders;
+}
+
+std::string DataPath(const std::string& folder, const std::map<std::string, std::string>& settings,
+    const std::string& file)
+{
+    const auto root = settings.find(Settings::PROGRAM_DATA_DIR);
+    const bool isSet = root != settings.end() && !root->second.empty();
+    return (fs::path(folder) / (isSet ? root->second : MACHINE_DATA) / file).string();
+}
+
+} // namespace
+
+BundleSession::~BundleSession()
+{
+    EmptySettings();
+    ShowPathsInLibraryLog(nullptr);
+    if (!mFolderBefore.empty()) {
+        std::error_code ignored;
+        fs::current_path(mFolderBefore, ignored);
+    }
+}
+
+std::optional<Failure> BundleSession::Enter(const BundlePath& path, const BundleOverrides& overrides, BundleUse use)
+{
+    if (path.given.find('\0') != std::string::npos) {
+        return Failure{"no_bundle", path.given + ": no such folder or zip; a path holds no NUL character"};
+    }
+    mIsZip = diagnosis::IsZip(path.absolute);
+    if (mIsZip && use == BundleUse::RECORD) {
+        return Failure{"bundle_is_zip", path.given + ": nothing can be recorded in a zip; unpack it first"};
+    }
+    if (mIsZip || use == BundleUse::RUN) {
+        if (auto failure = mScratch.Make()) {
+            return failure;
+        }
+    }
+    if (!mIsZip) {
+        return EnterFolder(path, overrides, use);
+    }
+    if (auto failure = Unpack(path)) {
+        return failure;
+    }
+    return EnterFolder({path.given, mFolder}, overrides, use);
+}
+
+std::optional<Failure> BundleSession::Unpack(const BundlePath& path)
+{
+    const fs::path unpacked = mScratch.Path("bundle");
+    std::error_code error;
+    fs::create_directory(unpacked, error);
+    if (auto failure = UnpackZip(path.absolute, path.given, unpacked.string(), mWarnings)) {
+        return failure;
+    }
+    const auto folders = FoldersWithBundleFile(unpacked);
+    if (folders.size() > 1) {
+        return Failure{"no_bundle_json", path.given + ": holds " + std::to_string(folders.size())
+            + " bundles; unpack it and name one"};
+    }
+    mFolder = folders.front();
+    mNames.Add(mFolder, path.given);
+    mNames.Add(unpacked.string(), path.given);
+    return std::nullopt;
+}
+
+std::optional<Failure> BundleSession::EnterFolder(const BundlePath& path, const BundleOverrides& overrides,
+    BundleUse use)
+{
+    if (auto failure = ReadBundleFile(path, mBundle, mWarnings)) {
+        return failure;
+    }
+    mBundle.now = overrides.now.empty() ? mBundle.now : overrides.now;
+    mBundle.tz = overrides.tz.empty() ? mBundle.tz : overrides.tz;
+    mBundle.ruleFileDir = overrides.rules.empty() ? mBundle.ruleFileDir : overrides.rules;
+    mZone = std::make_unique<TimeZoneGuard>(mBundle.tz);
+    if (auto failure = SetMoment()) {
+        return failure;
+    }
+    std::error_code error;
+    mFolder = fs::canonical(path.absolute, error).string();
+    mSettings = mBundle.settings;
+    if (use == BundleUse::RUN) {
+        if (auto failure = LayOverlay(mFolder, mScratch, mSettings, mNames)) {
+            return Failure{failure->code, mNames.Shown(failure->message), failure->status};
+        }
+    }
+    const std::string before = fs::current_path(error).string();
+    fs::current_path(path.absolute, error);
+    if (error) {
+        return Failure{"no_bundle", path.given + ": can't be entered: " + error.message()};
+    }
+    mFolderBefore = before;
+    ShowPathsInLibraryLog(&mNames);
+    SetSettings();
+    return std::nullopt;
+}
+
+std::optional<Failure> BundleSession::SetMoment()
+{
+    if (mBundle.now.empty()) {
+        return std::nullopt;
+    }
+    mMoment = ParseMoment(mBundle.now);
+    if (!mMoment || !FormatMoment(*mMoment)) {
+        return Failure{"bad_bundle", "the moment \"" + mBundle.now + "\" does not exist in the time zone"
+            + (mBundle.tz.empty() ? "" : " " + mBundle.tz)};
+    }
+    return std::nullopt;
+}
+
+void BundleSession::SetSettings() const
+{
+    EmptySettings();
+    for (const auto& [key, value] : mSettings) {
+        SetFaultTreeProperty(key, value);
+    }
+    SetFaultTreeProperty(Settings::CURRENT_TIME, mMoment ? std::to_string(*mMoment) : "");
+    // What a detection writes goes with the folder for temporary files.
+    SetFaultTreeProperty(Settings::TEMPORARY_STORES, mScratch.IsMade() ? "1" : "");
+}
+
+std::shared_ptr<DetectInfo> BundleSession::MakeDetectInfo() const
+{
+    auto info = std::make_shared<DetectInfo>();
+    info->mDetectScene = mBundle.detectScene;
+    info->mTreeTag = mBundle.treeTag;
+    info->mRuleFileDir = mBundle.ruleFileDir;
+    info->mReservedText = mBundle.reservedText;
+    info->mLogLocation = mBundle.logLocation;
+    info->mDeviceDetails = std::make_shared<DeviceDetails>(mBundle.device);
+    info->mRuleFilePrefix = mBundle.ruleFilePrefix;
+    return info;
+}
+
+std::string BundleSession::ProgramDataPath(const std::string& file) const
+{
+    return DataPath(mFolder, mSettings, file);
+}
+
+std::string BundleSession::OwnDataPath(const std::string& file) const
+{
+    return DataPath(mFolder, mBundle.settings, file);
+}
+
+} // namespace diagnosis

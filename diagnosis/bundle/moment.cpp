@@ -1,0 +1,259 @@
+#include "diagnosis/bundle/moment.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <string_view>
+
+namespace diagnosis {
+
+namespace {
+
+// A rule of POSIX: names and offsets, and for a zone with summer time the two days on which the clocks change. Read by
+// hand: to build the regular expression for it takes longer than a whole detection.
+class ZoneRuleReader {
+public:
+    explicit ZoneRuleReader(std::string_view rule) : mRest(rule) {}
+
+    bool IsRule()
+    {
+        if (!TakeName() || !TakeOffset()) {
+            return false;
+        }
+        if (mRest.empty()) {
+            return true;
+        }
+        if (!TakeName() || (StartsOffset() && !TakeOffset())) {
+            return false;
+        }
+        return mRest.empty() || (TakeChange() && TakeChange() && mRest.empty());
+    }
+
+private:
+    bool Take(char letter)
+    {
+        const bool isNext = !mRest.empty() && mRest.front() == letter;
+        mRest.remove_prefix(isNext ? 1 : 0);
+        return isNext;
+    }
+
+    bool TakeOneOf(std::string_view letters)
+    {
+        const bool isNext = !mRest.empty() && letters.find(mRest.front()) != std::string_view::npos;
+        mRest.remove_prefix(isNext ? 1 : 0);
+        return isNext;
+    }
+
+    std::size_t TakeAll(std::string_view letters)
+    {
+        const std::size_t count = std::min(mRest.find_first_not_of(letters), mRest.size());
+        mRest.remove_prefix(count);
+        return count;
+    }
+
+    bool TakeDigits(std::size_t least, std::size_t most)
+    {
+        const std::size_t count = TakeAll(DIGITS);
+        return count >= least && count <= most;
+    }
+
+    bool TakeName()
+    {
+        static const std::string quoted = std::string(LETTERS) + std::string(DIGITS) + "+-";
+        return Take('<') ? TakeAll(quoted) >= 3 && Take('>') : TakeAll(LETTERS) >= 3;
+    }
+
+    bool StartsOffset() const
+    {
+        return !mRest.empty() && (mRest.front() == '+' || mRest.front() == '-' ||
+                                     DIGITS.find(mRest.front()) != std::string_view::npos);
+    }
+
+    bool TakeOffset()
+    {
+        TakeOneOf("+-");
+        return TakeDigits(1, 3) && (!Take(':') || (TakeDigits(2, 2) && (!Take(':') || TakeDigits(2, 2))));
+    }
+
+    bool TakeDay()
+    {
+        if (Take('M')) {
+            return TakeDigits(1, 2) && Take('.') && TakeOneOf("12345") && Take('.') && TakeOneOf("0123456");
+        }
+        Take('J');
+        return TakeDigits(1, 3);
+    }
+
+    bool TakeChange() { return Take(',') && TakeDay() && (!Take('/') || TakeOffset()); }
+
+    static constexpr std::string_view LETTERS = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+    static constexpr std::string_view DIGITS = "0123456789";
+
+    std::string_view mRest;
+};
+
+bool IsZoneRule(const std::string& zone)
+{
+    return zone.size() < 128 && ZoneRuleReader(zone).IsRule();
+}
+
+bool IsZoneFile(const std::string& zone)
+{
+    static const std::string legal = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_+-/";
+    if (zone.empty() || zone[0] == '/' || zone.find_first_not_of(legal) != std::string::npos) {
+        return false;
+    }
+    const char* folder = std::getenv("TZDIR");
+    const auto path = std::filesystem::path(folder == nullptr ? "/usr/share/zoneinfo" : folder) / zone;
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(path, ignored)) {
+        return false;
+    }
+    char magic[4] = {};
+    std::ifstream(path, std::ios::binary).read(magic, sizeof magic);
+    return std::string(magic, sizeof magic) == "TZif";
+}
+
+std::optional<std::int64_t> ParseSeconds(const std::string& text)
+{
+    std::int64_t seconds = 0;
+    const char* end = text.data() + text.size();
+    const auto [last, error] = std::from_chars(text.data(), end, seconds);
+    return error == std::errc() && last == end ? std::optional(seconds) : std::nullopt;
+}
+
+bool IsInCalendar(const std::tm& date)
+{
+    static constexpr int DAYS[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    if (date.tm_mon < 0 || date.tm_mon > 11) {
+        return false;
+    }
+    const int year = date.tm_year + 1900;
+    const bool isLeapYear = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+    const int days = DAYS[date.tm_mon] + (date.tm_mon == 1 && isLeapYear ? 1 : 0);
+    return date.tm_mday >= 1 && date.tm_mday <= days && date.tm_hour < 24 && date.tm_min < 60 && date.tm_sec < 60;
+}
+
+int NumberAt(const std::string& text, std::size_t position, std::size_t length)
+{
+    int number = 0;
+    std::from_chars(text.data() + position, text.data() + position + length, number);
+    return number;
+}
+
+std::optional<std::tm> ParseDate(const std::string& text)
+{
+    static const std::string form = "dddd-dd-dd dd:dd:dd";
+    if (text.size() != form.size()) {
+        return std::nullopt;
+    }
+    for (std::size_t i = 0; i < form.size(); ++i) {
+        if (form[i] == 'd' ? text[i] < '0' || text[i] > '9' : text[i] != form[i]) {
+            return std::nullopt;
+        }
+    }
+    std::tm date = {};
+    date.tm_year = NumberAt(text, 0, 4) - 1900;
+    date.tm_mon = NumberAt(text, 5, 2) - 1;
+    date.tm_mday = NumberAt(text, 8, 2);
+    date.tm_hour = NumberAt(text, 11, 2);
+    date.tm_min = NumberAt(text, 14, 2);
+    date.tm_sec = NumberAt(text, 17, 2);
+    date.tm_isdst = -1;
+    return IsInCalendar(date) ? std::optional(date) : std::nullopt;
+}
+
+void SetZone(const std::optional<std::string>& zone)
+{
+    if (zone) {
+        setenv("TZ", zone->c_str(), 1);
+    } else {
+        unsetenv("TZ");
+    }
+    tzset();
+}
+
+} // namespace
+
+bool IsTimeZone(const std::string& zone)
+{
+    return zone == "UTC" || zone == "GMT" || IsZoneFile(zone) || IsZoneRule(zone);
+}
+
+bool IsMomentText(const std::string& text)
+{
+    return ParseSeconds(text).has_value() || ParseDate(text).has_value();
+}
+
+std::string ZoneOfThisMachine()
+{
+    constexpr char LOCAL[] = "/etc/localtime";
+    if (const char* zone = std::getenv("TZ")) {
+        const std::string name = *zone == ':' ? zone + 1 : zone;
+        return IsTimeZone(name) ? name : "UTC0";
+    }
+    std::error_code error;
+    const std::string path = std::filesystem::canonical(LOCAL, error).string();
+    constexpr std::string_view FOLDER = "/zoneinfo/";
+    const auto folder = path.find(FOLDER);
+    if (folder != std::string::npos && IsTimeZone(path.substr(folder + FOLDER.size()))) {
+        return path.substr(folder + FOLDER.size());
+    }
+    // A copy instead of a link: its last line is the rule.
+    std::ifstream file(LOCAL, std::ios::binary);
+    std::string rule;
+    for (std::string line; std::getline(file, line);) {
+        rule = line;
+    }
+    return IsTimeZone(rule) ? rule : "UTC0";
+}
+
+std::optional<std::int64_t> ParseMoment(const std::string& text)
+{
+    if (const auto seconds = ParseSeconds(text)) {
+        return seconds;
+    }
+    auto date = ParseDate(text);
+    if (!date) {
+        return std::nullopt;
+    }
+    const std::int64_t seconds = std::mktime(&*date);
+    // An hour that the clocks skipped comes back as another one.
+    return FormatMoment(seconds) == text ? std::optional(seconds) : std::nullopt;
+}
+
+std::optional<std::string> FormatMoment(std::int64_t seconds)
+{
+    const std::time_t time = seconds;
+    std::tm date = {};
+    if (localtime_r(&time, &date) == nullptr || date.tm_year < -1900 || date.tm_year > 9999 - 1900) {
+        return std::nullopt;
+    }
+    char text[64];
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", date.tm_year + 1900, date.tm_mon + 1,
+        date.tm_mday, date.tm_hour, date.tm_min, date.tm_sec);
+    return text;
+}
+
+TimeZoneGuard::TimeZoneGuard(const std::string& zone) : mIsChanged(!zone.empty())
+{
+    if (mIsChanged) {
+        if (const char* before = std::getenv("TZ")) {
+            mBefore = before;
+        }
+        SetZone(zone);
+    }
+}
+
+TimeZoneGuard::~TimeZoneGuard()
+{
+    if (mIsChanged) {
+        SetZone(mBefore);
+    }
+}
+
+} // namespace diagnosis

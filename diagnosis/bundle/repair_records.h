@@ -1,0 +1,28 @@
+#ifndef ARBORIST_DIAGNOSIS_BUNDLE_REPAIR_RECORDS_H
+#define ARBORIST_DIAGNOSIS_BUNDLE_REPAIR_RECORDS_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "diagnosis/problem.h"
+
+namespace diagnosis {
+
+/// Where the library keeps its repair records, below the fixed root.
+inline constexpr char REPAIR_RECORDS[] = "Comms/Lumbra/zxdetectrepair/databases/repair_record.db";
+
+/// One row of the repair records.
+struct RepairRecord {
+    std::string id;
+    /// Local time "YYYY-MM-DD HH:MM:SS" of the latest repair.
+    std::string date;
+};
+
+/// Reads all records of the database at `path`, in the order in which they were first made. A database that does
+/// not exist has none.
+std::optional<Failure> ReadRepairRecords(const std::string& path, std::vector<RepairRecord>& records);
+
+} // namespace diagnosis
+
+#endif

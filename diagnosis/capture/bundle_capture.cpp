@@ -1,0 +1,368 @@
+#include "diagnosis/capture/bundle_capture.h"
+
+#include <filesystem>
+#include <fstream>
+
+#include <json/writer.h>
+#include <strings.h>
+
+#include "arborist/frame/arborist.h"
+#include "diagnosis/archive/zip_writer.h"
+#include "diagnosis/bundle/bundle_overlay.h"
+#include "diagnosis/bundle/repair_records.h"
+#include "diagnosis/bundle/rule_paths.h"
+#include "diagnosis/capture/captured_files.h"
+#include "diagnosis/detection/detection.h"
+#include "diagnosis/log_db/slice_log.h"
+#include "diagnosis/scratch/new_file.h"
+#include "diagnosis/sqlite/database_files.h"
+
+namespace diagnosis {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::int64_t SECONDS_OF_A_DAY = 86400;
+
+using Problem = std::optional<Failure>;
+
+// A path that lies inside the bundle, without a trailing separator; nothing for any other.
+std::optional<std::string> Inside(const std::string& path)
+{
+    std::string normal = fs::path(path).lexically_normal().string();
+    while (normal.size() > 1 && normal.back() == '/') {
+        normal.pop_back();
+    }
+    const bool isOutside = normal.empty() || normal.front() == '/' || normal == ".." || normal.rfind("../", 0) == 0;
+    return isOutside ? std::nullopt : std::optional(normal);
+}
+
+std::string InsideOr(const std::string& path, const char* otherwise)
+{
+    return Inside(path).value_or(otherwise);
+}
+
+// Text where it leads back to the same second, for people.
+Json::Value MomentValue(std::int64_t seconds)
+{
+    const auto text = FormatMoment(seconds);
+    return text && ParseMoment(*text) == seconds ? Json::Value(*text) : Json::Value(Json::Int64{seconds});
+}
+
+Json::Value DeviceValue(const DeviceDetails& device)
+{
+    Json::Value value;
+    for (const auto& [key, attribute] : DeviceAttributes(device)) {
+        value[key] = attribute;
+    }
+    return value;
+}
+
+/// One capture, while its bundle is entered.
+class Capture {
+public:
+    Capture(const BundleSession& session, const CaptureOptions& options, const std::string& folder)
+        : mSession(session), mOptions(options), mOwn(session.GetBundle()),
+          mFiles(folder, ZipLimits{}, {fs::path(folder).parent_path().string(), session.ScratchPath()})
+    {
+    }
+
+    Problem Run()
+    {
+        if (auto failure = LookAtRules()) {
+            return failure;
+        }
+        MakeRelative();
+        for (const auto step : {&Capture::AddRules, &Capture::AddNodeFiles, &Capture::AddFolders,
+                 &Capture::AddDatabases, &Capture::AddDescription}) {
+            if (auto failure = (this->*step)()) {
+                return failure;
+            }
+        }
+        return std::nullopt;
+    }
+
+    void Tell(CaptureReport& report) const
+    {
+        for (const auto* warnings : {&mWarnings, &mFiles.GetWarnings()}) {
+            report.warnings.insert(report.warnings.end(), warnings->begin(), warnings->end());
+        }
+        report.files = mFiles.Files();
+        report.bytes = mFiles.Bytes();
+    }
+
+private:
+    // A detection tells whether the rules can be used, and asks the code rules that are asked on this device.
+    Problem LookAtRules()
+    {
+        const auto recorder = std::make_shared<DetectionRecorder>(false);
+        const auto answers = std::make_shared<CodeAnswers>(mOwn.codeAnswers, mOptions.codeRunner);
+        const auto info = mSession.MakeDetectInfo();
+        info->mCodeRuleRunner = answers;
+        try {
+            Arborist engine(info);
+            engine.SetObserver(recorder);
+            mOptions.codeRunner.path.empty() ? static_cast<void>(engine.IsRunRule("any code"))
+                                             : static_cast<void>(engine.StartDetection());
+        } catch (...) {
+            return FailureInFlight(recorder->GetFiles());
+        }
+        mCaptured = mOwn;
+        if (!mOptions.codeRunner.path.empty()) {
+            mCaptured.codeAnswers.insert(answers->GetAnswers().begin(), answers->GetAnswers().end());
+            mWarnings = answers->GetWarnings();
+        }
+        mPaths = ReadRulePaths(mOwn);
+        return RuleSetFailure(recorder->GetFiles(), mOwn.treeTag);
+    }
+
+    const std::string& OwnSetting(const char* key) const
+    {
+        static const std::string NONE;
+        const auto setting = mOwn.settings.find(key);
+        return setting == mOwn.settings.end() ? NONE : setting->second;
+    }
+
+    void MakeRelative()
+    {
+        mCaptured.ruleFileDir = InsideOr(mOwn.ruleFileDir, "rules");
+        auto& settings = mCaptured.settings;
+        settings[Settings::PROGRAM_DATA_DIR] = InsideOr(OwnSetting(Settings::PROGRAM_DATA_DIR), "programdata");
+        for (const auto& [key, folder] : {std::pair(Settings::APP_DATABASE_DIR, "databases"),
+                 std::pair(Settings::APP_FILE_DIR, "appfiles")}) {
+            // An empty setting has a meaning of its own.
+            settings[key] = OwnSetting(key).empty() ? "" : InsideOr(OwnSetting(key), folder);
+        }
+        const std::string& root = OwnSetting(Settings::DEVICE_ROOT_DIR);
+        settings[Settings::DEVICE_ROOT_DIR] = root.empty() && !NamesAbsolutePath() ? "" : InsideOr(root, "device");
+    }
+
+    bool NamesAbsolutePath() const
+    {
+        for (const auto* paths : {&mPaths.nodeFiles, &mPaths.searchedFolders}) {
+            for (const std::string& path : *paths) {
+                if (path.front() == '/') {
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
+    std::string InBundle(const std::string& path) const { return (fs::path(mSession.GetFolder()) / path).string(); }
+
+    Problem AddRules()
+    {
+        for (const auto& [source, target] : {std::pair(TreeFilePath(mOwn), TreeFilePath(mCaptured)),
+                 std::pair(RuleFilePath(mOwn), RuleFilePath(mCaptured))}) {
+            if (auto failure = mFiles.AddFile(InBundle(source), target)) {
+                return failure;
+            }
+        }
+        return std::nullopt;
+    }
+
+    // Where a path of a rule is captured; nothing, with a warning, for one that would lie outside.
+    std::optional<std::string> NameOf(const std::string& path)
+    {
+        const auto name = Inside(OnDevice(mCaptured.settings[Settings::DEVICE_ROOT_DIR], path));
+        if (!name) {
+            mWarnings.push_back({"not_captured", path + ": leads out of the bundle, and is left out"});
+        }
+        return name;
+    }
+
+    Problem AddNodeFiles()
+    {
+        for (const std::string& path : mPaths.nodeFiles) {
+            const auto name = NameOf(path);
+            auto failure = name ? mFiles.AddNodeFile(InBundle(OnDevice(OwnSetting(Settings::DEVICE_ROOT_DIR), path)), *name)
+                                : std::nullopt;
+            if (failure) {
+                return failure;
+            }
+        }
+        return std::nullopt;
+    }
+
+    Problem AddFolders()
+    {
+        for (const std::string& path : mPaths.searchedFolders) {
+            const auto name = NameOf(path);
+            auto failure = name ? mFiles.AddFolder(InBundle(OnDevice(OwnSetting(Settings::DEVICE_ROOT_DIR), path)), *name)
+                                : std::nullopt;
+            if (failure) {
+                return failure;
+            }
+        }
+        return std::nullopt;
+    }
+
+    Problem AddDatabases()
+    {
+        for (const char* file : {EVENT_LOG, DERIVED_DATABASE, REPAIR_RECORDS}) {
+            const std::string source = mSession.OwnDataPath(file);
+            const std::string name = mCaptured.settings[Settings::PROGRAM_DATA_DIR] + "/" + file;
+            std::error_code error;
+            if (!fs::is_regular_file(source, error)) {
+                continue;
+            }
+            auto failure = file == EVENT_LOG ? AddLog(source, mFiles.Path(name))
+                                             : CopyDatabase(source, mFiles.Path(name));
+            failure = failure ? failure : mFiles.Count(name);
+            if (failure) {
+                return failure;
+            }
+        }
+        return std::nullopt;
+    }
+
+    Problem AddLog(const std::string& source, const std::string& target) const
+    {
+        if (!mOptions.isWindowOnly || !mPaths.longestWindow) {
+            return CopyDatabase(source, target);
+        }
+        LogSlice slice;
+        slice.from = mSession.Now() - *mPaths.longestWindow * SECONDS_OF_A_DAY;
+        return SliceEventLog(source, target, slice);
+    }
+
+    Problem AddDescription()
+    {
+        std::ofstream file(mFiles.Path("bundle.json"), std::ios::binary);
+        file << Description() << "\n";
+        return file.flush() ? mFiles.Count("bundle.json") : Failure{"not_packed", "bundle.json: can't be written"};
+    }
+
+    std::string Description() const
+    {
+        Json::Value bundle(Json::objectValue);
+        bundle["detectScene"] = mCaptured.detectScene;
+        bundle["treeTag"] = mCaptured.treeTag;
+        bundle["ruleFileDir"] = mCaptured.ruleFileDir;
+        bundle["ruleFilePrefix"] = mCaptured.ruleFilePrefix;
+        bundle["logLocation"] = mCaptured.logLocation;
+        bundle["reservedText"] = mCaptured.reservedText;
+        bundle["now"] = MomentValue(mSession.Now());
+        bundle["tz"] = mCaptured.tz.empty() ? ZoneOfThisMachine() : mCaptured.tz;
+        bundle["device"] = DeviceValue(mCaptured.device);
+        for (const auto& [key, value] : mCaptured.settings) {
+            bundle["settings"][key] = value;
+        }
+        bundle["codeAnswers"] = Json::Value(Json::objectValue);
+        for (const auto& [info, answer] : mCaptured.codeAnswers) {
+            bundle["codeAnswers"][info] = answer;
+        }
+        Json::StreamWriterBuilder builder;
+        builder["indentation"] = "  ";
+        builder["emitUTF8"] = true;
+        builder["enableYAMLCompatibility"] = true;
+        return Json::writeString(builder, bundle);
+    }
+
+    const BundleSession& mSession;
+    const CaptureOptions& mOptions;
+    const Bundle& mOwn;
+    Bundle mCaptured;
+    RulePaths mPaths;
+    CapturedFiles mFiles;
+    std::vector<Warning> mWarnings;
+};
+
+/// Where a capture goes: as the command line names it, and where that is.
+struct Target {
+    std::string given;
+    std::string place;
+    bool isZip;
+};
+
+Target MakeTarget(const std::string& given)
+{
+    std::error_code error;
+    fs::path place = fs::absolute(given, error).lexically_normal();
+    place = place.has_filename() ? place : place.parent_path(); // "folder/"
+    return {given, place.string(), strcasecmp(place.extension().c_str(), ".zip") == 0};
+}
+
+Failure NotPacked(const Target& target, const std::string& reason)
+{
+    return {"not_packed", target.given + ": " + reason};
+}
+
+Problem PutZip(const std::string& folder, const Target& target)
+{
+    NewFile file;
+    auto problem = file.Make(target.place);
+    if (!problem) {
+        if (auto failure = PackZip(folder, file.TemporaryPath(), target.given)) {
+            return failure;
+        }
+        problem = file.PutInPlace();
+    }
+    return problem ? std::optional(NotPacked(target, *problem)) : std::nullopt;
+}
+
+Problem PutFolder(const std::string& folder, const Target& target)
+{
+    std::error_code error;
+    fs::rename(folder, target.place, error);
+    return error ? std::optional(NotPacked(target, "can't be put in place: " + error.message())) : std::nullopt;
+}
+
+Problem MakeStage(Scratch& scratch, const BundlePath& bundle, const Target& target)
+{
+    std::error_code error;
+    if (target.isZip) {
+        return IsOneFile(bundle.absolute, target.place) ? NotPacked(target, "is the bundle that is read")
+                                                        : scratch.Make();
+    }
+    if (fs::exists(fs::symlink_status(target.place, error))) {
+        return NotPacked(target, "exists already");
+    }
+    // Beside its place, so that it can be put there in one step.
+    const auto reason = scratch.MakeIn(fs::path(target.place).parent_path().string());
+    return reason ? std::optional(NotPacked(target, "can't be written: " + *reason)) : std::nullopt;
+}
+
+Problem CaptureInto(const std::string& folder, const BundlePath& bundle, const CaptureOptions& options,
+    CaptureReport& report)
+{
+    BundleSession session;
+    auto failure = session.Enter(bundle, options.overrides);
+    report.warnings = session.GetWarnings();
+    if (failure) {
+        return failure;
+    }
+    Capture capture(session, options, folder);
+    failure = capture.Run();
+    capture.Tell(report);
+    for (Warning& warning : report.warnings) {
+        warning.message = session.Shown(warning.message);
+    }
+    return failure ? std::optional(Failure{failure->code, session.Shown(failure->message), failure->status}) : failure;
+}
+
+} // namespace
+
+CaptureReport CaptureBundle(const BundlePath& bundle, const std::string& given, const CaptureOptions& options)
+{
+    CaptureReport report;
+    try {
+        std::error_code error;
+        const Target target = MakeTarget(given);
+        Scratch scratch;
+        report.failure = MakeStage(scratch, bundle, target);
+        const std::string stage = report.failure ? "" : scratch.Path("bundle");
+        fs::create_directory(stage, error);
+        report.failure = report.failure ? report.failure : CaptureInto(stage, bundle, options, report);
+        if (!report.failure) {
+            report.failure = target.isZip ? PutZip(stage, target) : PutFolder(stage, target);
+        }
+    } catch (...) {
+        report.failure = FailureInFlight({});
+    }
+    return report;
+}
+
+} // namespace diagnosis

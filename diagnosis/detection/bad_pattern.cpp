@@ -1,0 +1,49 @@
+#include "diagnosis/detection/bad_pattern.h"
+
+#include <regex>
+
+namespace diagnosis {
+
+namespace {
+
+// As the library takes it: compiling goes by recursion, so that what is longer could outgrow the stack.
+bool Compiles(const std::string& pattern)
+{
+    static constexpr std::size_t LONGEST = 4096;
+    if (pattern.size() > LONGEST) {
+        return false;
+    }
+    try {
+        std::regex compiled(pattern, std::regex::ECMAScript);
+        return true;
+    } catch (const std::regex_error&) {
+        return false;
+    }
+}
+
+std::string RuleFile(const std::vector<RecordedFile>& files)
+{
+    for (const RecordedFile& file : files) {
+        if (file.kind == DetectionObserver::RuleSetFile::Kind::RULES) {
+            return file.path + ": ";
+        }
+    }
+    return "";
+}
+
+} // namespace
+
+std::string BadPatternMessage(const std::vector<RecordedFile>& files, const std::vector<RecordedPattern>& patterns,
+    const std::string& reason)
+{
+    std::string bad;
+    for (const RecordedPattern& known : patterns) {
+        if (!Compiles(known.pattern)) {
+            bad += (bad.empty() ? "\"" : ", \"") + known.pattern + "\" of the defDBTable \"" + known.database + "\"";
+        }
+    }
+    return RuleFile(files) + (bad.empty() ? "a dbName pattern " : "the dbName pattern " + bad + " ")
+        + "is no regular expression: " + reason;
+}
+
+} // namespace diagnosis

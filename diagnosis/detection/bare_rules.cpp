@@ -1,0 +1,43 @@
+#include "diagnosis/detection/bare_rules.h"
+
+#include <cstdint>
+#include <fstream>
+#include <limits>
+
+#include "diagnosis/scratch/scratch.h"
+#include "diagnosis/text/json_writer.h"
+
+namespace diagnosis {
+
+namespace {
+
+// A scene that no rule names, and roots inside the folder: nothing of this machine is read beside the rules.
+std::string BundleText(const std::string& rules, const std::string& treeTag)
+{
+    JsonWriter json;
+    json.BeginObject().Key("detectScene").Number(std::numeric_limits<std::int32_t>::min());
+    json.Text("treeTag", treeTag).Text("ruleFileDir", rules);
+    json.Key("settings").BeginObject().Text("ProgramDataDir", "programdata").Text("DeviceRootDir", "device");
+    return json.EndObject().EndObject().Line();
+}
+
+} // namespace
+
+DetectionReport ReadBareRules(const BundlePath& rules, const std::string& treeTag)
+{
+    Scratch scratch;
+    if (const auto failure = scratch.Make()) {
+        DetectionReport report;
+        report.bundle = rules.given;
+        report.failure = failure;
+        return report;
+    }
+    std::ofstream(scratch.Path("bundle.json")) << BundleText(rules.absolute, treeTag);
+    DetectionOptions options;
+    options.withTrees = true;
+    DetectionReport report = RunDetection({rules.given, scratch.Path()}, options);
+    report.warnings.clear(); // of a device that there is none of
+    return report;
+}
+
+} // namespace diagnosis

@@ -1,0 +1,70 @@
+#include "diagnosis/detection/code_answers.h"
+
+#include <utility>
+
+#include "diagnosis/detection/code_program.h"
+#include "diagnosis/text/json_writer.h"
+
+namespace diagnosis {
+
+namespace {
+
+std::string Question(const std::vector<std::string>& faultDescriptionIds,
+    const std::vector<std::string>& suggestionIds, const std::vector<std::string>& repairIds,
+    const std::string& userDefinedInfo)
+{
+    JsonWriter json;
+    json.BeginObject();
+    json.Key("faultDescriptionIds").Texts(faultDescriptionIds);
+    json.Key("suggestionIds").Texts(suggestionIds);
+    json.Key("repairIds").Texts(repairIds);
+    json.Text("userDefinedInfo", userDefinedInfo);
+    return json.EndObject().Line() + "\n";
+}
+
+} // namespace
+
+CodeAnswers::CodeAnswers(std::map<std::string, bool> recorded, CodeRunner runner)
+    : mRecorded(std::move(recorded)), mRunner(std::move(runner))
+{
+}
+
+bool CodeAnswers::RunCodeRule(std::vector<std::string> faultDescriptionIds, std::vector<std::string> suggestionIds,
+    std::vector<std::string> repairIds, const std::string& userDefinedInfo)
+{
+    const auto recorded = mRecorded.find(userDefinedInfo);
+    if (recorded != mRecorded.end()) {
+        return recorded->second;
+    }
+    if (mRunner.path.empty()) {
+        return Warn("no_code_runner", "the code rule with \"" + userDefinedInfo
+            + "\" has no recorded answer, and no --code-runner was given: taken as not present");
+    }
+    const ProgramOutcome outcome = RunProgram(mRunner.path,
+        Question(faultDescriptionIds, suggestionIds, repairIds, userDefinedInfo), mRunner.timeout);
+    const std::string about = mRunner.path + ": asked about \"" + userDefinedInfo + "\": ";
+    if (outcome.kind == ProgramOutcome::Kind::TROUBLE) {
+        return Warn("code_runner", about + outcome.trouble + ": taken as not present");
+    }
+    if (outcome.exitStatus != 0 && outcome.exitStatus != 1) {
+        return Warn("code_runner", about + "exit status " + std::to_string(outcome.exitStatus)
+            + ", neither 0 (present) nor 1 (not present): taken as not present");
+    }
+    return Keep(userDefinedInfo, outcome.exitStatus == 0);
+}
+
+bool CodeAnswers::Keep(const std::string& userDefinedInfo, bool answer)
+{
+    if (mAnswers.try_emplace(userDefinedInfo, answer).first->second != answer) {
+        Warn("code_runner", mRunner.path + ": two answers about \"" + userDefinedInfo + "\" differ");
+    }
+    return answer;
+}
+
+bool CodeAnswers::Warn(const std::string& code, const std::string& message)
+{
+    mWarnings.push_back({code, message});
+    return false;
+}
+
+} // namespace diagnosis

@@ -1,0 +1,232 @@
+#include "diagnosis/detection/code_program.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <filesystem>
+#include <memory>
+#include <sstream>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#if defined(__linux__)
+#include <sys/prctl.h>
+#endif
+
+#include "diagnosis/scratch/interruption.h"
+
+namespace diagnosis {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+std::atomic<pid_t>* programGroup = nullptr;
+
+void Note(pid_t group)
+{
+    if (programGroup != nullptr) {
+        programGroup->store(group);
+    }
+}
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+// A file and no pipe: a program that never reads its input can neither block us nor raise SIGPIPE.
+File FileWith(const std::string& input)
+{
+    File file(std::tmpfile());
+    if (file == nullptr || std::fwrite(input.data(), 1, input.size(), file.get()) != input.size()
+        || std::fflush(file.get()) != 0 || lseek(fileno(file.get()), 0, SEEK_SET) != 0) {
+        return nullptr;
+    }
+    return file;
+}
+
+/// SIGCHLD is held back while it lives, so that the end of a child can be waited for with a limit.
+class ChildSignal {
+public:
+    ChildSignal()
+    {
+        sigemptyset(&mSignals);
+        sigaddset(&mSignals, SIGCHLD);
+        sigprocmask(SIG_BLOCK, &mSignals, &mMaskBefore);
+        // Children of a process that ignores the signal leave no exit status behind.
+        struct sigaction byDefault = {};
+        byDefault.sa_handler = SIG_DFL;
+        sigaction(SIGCHLD, &byDefault, &mActionBefore);
+    }
+    ~ChildSignal()
+    {
+        sigaction(SIGCHLD, &mActionBefore, nullptr);
+        sigprocmask(SIG_SETMASK, &mMaskBefore, nullptr);
+    }
+    ChildSignal(const ChildSignal&) = delete;
+    ChildSignal& operator=(const ChildSignal&) = delete;
+
+    void WaitUntil(Clock::time_point end) const
+    {
+        const auto left = std::max(Clock::duration::zero(), end - Clock::now());
+        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
+        timespec time = {};
+        time.tv_sec = seconds.count();
+        time.tv_nsec = std::chrono::duration_cast<std::chrono::nanoseconds>(left - seconds).count();
+        sigtimedwait(&mSignals, nullptr, &time);
+    }
+    const sigset_t& MaskBefore() const { return mMaskBefore; }
+
+private:
+    sigset_t mSignals = {};
+    sigset_t mMaskBefore = {};
+    struct sigaction mActionBefore = {};
+};
+
+/// What becomes a program: its file, its standard input, where a failure to start is told, and its signal mask.
+struct Child {
+    const char* path;
+    int input;
+    int report;
+    const sigset_t& mask;
+};
+
+// Between fork and exec: nothing here may take a lock or memory.
+[[noreturn]] void BecomeProgram(const Child& child)
+{
+    setpgid(0, 0);
+#if defined(__linux__)
+    prctl(PR_SET_PDEATHSIG, SIGKILL); // outside our group no key stroke reaches it: it must not outlive us
+#endif
+    signal(SIGPIPE, SIG_DFL);
+    sigprocmask(SIG_SETMASK, &child.mask, nullptr);
+    if (dup2(child.input, STDIN_FILENO) >= 0 && dup2(STDERR_FILENO, STDOUT_FILENO) >= 0) {
+        char* const arguments[] = {const_cast<char*>(child.path), nullptr};
+        execv(child.path, arguments);
+    }
+    const int reason = errno;
+    [[maybe_unused]] const auto written = write(child.report, &reason, sizeof reason);
+    _exit(127);
+}
+
+// The process group of the program, which a signal that ends this process kills, or -1.
+pid_t Start(const Child& start, Interruption& interruption)
+{
+    const SignalsHeldBack heldBack;
+    const pid_t child = fork();
+    if (child == 0) {
+        BecomeProgram(start);
+    }
+    if (child > 0) {
+        setpgid(child, child); // by both, so that the group exists whoever comes first
+        interruption.Kill(child);
+    }
+    return child;
+}
+
+ProgramOutcome Trouble(const std::string& trouble)
+{
+    ProgramOutcome outcome;
+    outcome.trouble = trouble;
+    return outcome;
+}
+
+ProgramOutcome CannotBeStarted(int reason)
+{
+    return Trouble(std::string("can't be started: ") + std::strerror(reason));
+}
+
+ProgramOutcome OutcomeOf(int status)
+{
+    if (WIFSIGNALED(status)) {
+        return Trouble(std::string("was killed by the signal ") + strsignal(WTERMSIG(status)));
+    }
+    ProgramOutcome outcome;
+    outcome.kind = ProgramOutcome::Kind::EXITED;
+    outcome.exitStatus = WEXITSTATUS(status);
+    return outcome;
+}
+
+std::string InSeconds(std::chrono::milliseconds timeout)
+{
+    std::ostringstream text;
+    text << static_cast<double>(timeout.count()) / 1000 << " s";
+    return text.str();
+}
+
+ProgramOutcome WaitFor(pid_t child, const ChildSignal& signal, std::chrono::milliseconds timeout)
+{
+    const auto end = Clock::now() + timeout;
+    int status = 0;
+    while (waitpid(child, &status, WNOHANG) == 0) {
+        if (Clock::now() >= end) {
+            kill(-child, SIGKILL);
+            waitpid(child, &status, 0);
+            return Trouble("ran longer than " + InSeconds(timeout) + " and was killed");
+        }
+        signal.WaitUntil(end);
+    }
+    return OutcomeOf(status);
+}
+
+} // namespace
+
+void NoteProgramGroup(std::atomic<pid_t>* place)
+{
+    programGroup = place;
+}
+
+std::string FindProgram(const std::string& name)
+{
+    std::error_code error;
+    if (name.find('/') == std::string::npos) {
+        const char* path = std::getenv("PATH");
+        std::istringstream folders(path == nullptr ? "" : path);
+        for (std::string folder; std::getline(folders, folder, ':');) {
+            const fs::path candidate = fs::absolute(fs::path(folder.empty() ? "." : folder) / name, error);
+            if (access(candidate.c_str(), X_OK) == 0 && fs::is_regular_file(candidate, error)) {
+                return candidate.string();
+            }
+        }
+    }
+    return fs::absolute(name, error).string();
+}
+
+ProgramOutcome RunProgram(const std::string& path, const std::string& input, std::chrono::milliseconds timeout)
+{
+    const File file = FileWith(input);
+    int report[2];
+    if (file == nullptr || pipe2(report, O_CLOEXEC) != 0) {
+        return CannotBeStarted(errno);
+    }
+    const ChildSignal signal;
+    Interruption interruption;
+    const pid_t child = Start({path.c_str(), fileno(file.get()), report[1], signal.MaskBefore()}, interruption);
+    const int forkReason = errno;
+    close(report[1]);
+    if (child < 0) {
+        close(report[0]);
+        return CannotBeStarted(forkReason);
+    }
+    Note(child);
+    int reason = 0;
+    ssize_t length = 0;
+    do {
+        length = read(report[0], &reason, sizeof reason); // ends with the exec, or with its failure
+    } while (length < 0 && errno == EINTR);
+    close(report[0]);
+    const ProgramOutcome outcome = WaitFor(child, signal, timeout);
+    Note(0);
+    return length == sizeof reason ? CannotBeStarted(reason) : outcome;
+}
+
+} // namespace diagnosis

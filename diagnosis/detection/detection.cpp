@@ -1,0 +1,191 @@
+#include "diagnosis/detection/detection.h"
+
+#include <algorithm>
+#include <exception>
+#include <new>
+#include <regex>
+
+#include "arborist/frame/arborist.h"
+#include "diagnosis/bundle/rule_paths.h"
+#include "diagnosis/detection/bad_pattern.h"
+#include "diagnosis/evidence/explanation_recorder.h"
+#include "diagnosis/text/near_match.h"
+
+namespace diagnosis {
+
+namespace {
+
+using File = DetectionObserver::RuleSetFile;
+
+std::string FileTrouble(const RecordedFile& file)
+{
+    if (file.state == File::State::MISSING) {
+        return file.path + ": no such file";
+    }
+    const std::string place = file.line > 0 ? ":" + std::to_string(file.line) : "";
+    return file.path + place + ": " + (file.message.empty() ? "is no XML that can be read" : file.message);
+}
+
+// With the tag that was most likely meant; one that is there without a tree is not meant.
+std::string NoTree(const std::string& treeFile, const std::string& treeTag)
+{
+    std::vector<std::string> tags = ReadTags(treeFile);
+    std::erase(tags, treeTag);
+    return treeFile + ": no tree under the tag \"" + treeTag + "\"" + DidYouMean(treeTag, tags);
+}
+
+// Explanations name files as the bundle does, not where the run kept them.
+void ShowPaths(const BundleSession& session, Explanation& explanation)
+{
+    for (ExplainedTree& tree : explanation.trees) {
+        for (ExplainedEvidence& evidence : tree.evidence) {
+            for (ExplainedRule& rule : evidence.rules) {
+                for (ExplainedQuery& query : rule.queries) {
+                    query.database = session.Shown(query.database);
+                    query.error = session.Shown(query.error);
+                }
+                for (ExplainedNodeFile& node : rule.nodeFiles) {
+                    node.path = session.Shown(node.path);
+                }
+            }
+        }
+    }
+}
+
+// Messages may quote what the library or SQLite says of a file.
+void ShowPaths(const BundleSession& session, DetectionReport& report)
+{
+    for (Warning& warning : report.warnings) {
+        warning.message = session.Shown(warning.message);
+    }
+    if (report.failure) {
+        report.failure->message = session.Shown(report.failure->message);
+    }
+}
+
+/// One detection with what listens to it.
+class Detection {
+public:
+    Detection(const BundleSession& session, const DetectionOptions& options)
+        : mSession(session), mInfo(session.MakeDetectInfo())
+    {
+        if (options.withExplanation) {
+            mExplanation = std::make_shared<ExplanationRecorder>(options.withTrees);
+            mRecorder = mExplanation;
+        } else {
+            mRecorder = std::make_shared<DetectionRecorder>(options.withTrees);
+        }
+        // Without any source of answers the library hears so: a rule then ends with that reason.
+        if (!session.GetBundle().codeAnswers.empty() || !options.codeRunner.path.empty()) {
+            mAnswers = std::make_shared<CodeAnswers>(session.GetBundle().codeAnswers, options.codeRunner);
+            mInfo->mCodeRuleRunner = mAnswers;
+        }
+    }
+
+    void Run(DetectionReport& report)
+    {
+        DetectionWarnings& warnings = mRecorder->GetWarnings();
+        warnings.LookBefore(mSession);
+        try {
+            Arborist engine(mInfo);
+            engine.SetObserver(mRecorder);
+            report.results = engine.StartDetection();
+            report.failure = RuleSetFailure(mRecorder->GetFiles(), mInfo->mTreeTag);
+        } catch (...) {
+            report.failure = FailureInFlight(mRecorder->GetFiles(), mRecorder->GetPatterns());
+        }
+        if (report.failure) {
+            report.results.clear();
+            return;
+        }
+        report.trees = mRecorder->GetTrees();
+        if (mExplanation != nullptr) {
+            ShowPaths(mSession, *mExplanation->GetExplanation());
+            report.explanation = mExplanation->GetExplanation();
+        }
+        warnings.LookAfter(mSession);
+        WarningList all;
+        all.Add(report.warnings);
+        all.Add(warnings.Told());
+        if (mAnswers != nullptr) {
+            all.Add(mAnswers->GetWarnings());
+        }
+        report.warnings = all.Told();
+    }
+
+private:
+    const BundleSession& mSession;
+    std::shared_ptr<DetectInfo> mInfo;
+    std::shared_ptr<DetectionRecorder> mRecorder;
+    /// The same when an explanation is asked for, otherwise null.
+    std::shared_ptr<ExplanationRecorder> mExplanation;
+    std::shared_ptr<CodeAnswers> mAnswers;
+};
+
+} // namespace
+
+bool DetectionReport::IsFault() const
+{
+    return std::any_of(results.begin(), results.end(),
+        [](const std::shared_ptr<FaultTreeResult>& result) { return result->mIsFault; });
+}
+
+std::optional<Failure> RuleSetFailure(const std::vector<RecordedFile>& files, const std::string& treeTag)
+{
+    std::optional<Failure> failure;
+    std::string treeFile = "the rule set";
+    bool hasTrees = false;
+    for (const RecordedFile& file : files) {
+        if (file.state != File::State::LOADED) {
+            const std::string code = file.state == File::State::MISSING ? "rule_file_missing" : "rule_file_malformed";
+            // Both files may be at fault: the first gives the code, the message names both.
+            failure = failure ? Failure{failure->code, failure->message + "; " + FileTrouble(file), failure->status}
+                              : Failure{code, FileTrouble(file), ExitStatus::RULE_SET};
+        } else if (file.kind == File::Kind::TREES) {
+            treeFile = file.path;
+            hasTrees = file.count > 0;
+        }
+    }
+    if (!failure && !hasTrees) {
+        failure = Failure{"no_tree", NoTree(treeFile, treeTag), ExitStatus::RULE_SET};
+    }
+    return failure;
+}
+
+std::optional<Failure> FailureInFlight(
+    const std::vector<RecordedFile>& files, const std::vector<RecordedPattern>& patterns)
+{
+    try {
+        throw;
+    } catch (const std::regex_error& error) {
+        return Failure{"bad_pattern", BadPatternMessage(files, patterns, error.what()), ExitStatus::RULE_SET};
+    } catch (const std::bad_alloc&) {
+        return Failure{"out_of_memory", "memory ran out", ExitStatus::INTERNAL};
+    } catch (const std::exception& error) {
+        return Failure{"internal", std::string("internal error: ") + error.what(), ExitStatus::INTERNAL};
+    } catch (...) {
+        return Failure{"internal", "internal error", ExitStatus::INTERNAL};
+    }
+}
+
+DetectionReport RunDetection(const BundlePath& bundle, const DetectionOptions& options)
+{
+    DetectionReport report;
+    report.bundle = bundle.given;
+    try {
+        BundleSession session;
+        report.failure = session.Enter(bundle, options.overrides);
+        report.warnings = session.GetWarnings();
+        if (!report.failure) {
+            report.subject = session.GetBundle();
+            report.moment = FormatMoment(session.Now()).value_or("");
+            Detection(session, options).Run(report);
+            ShowPaths(session, report);
+        }
+    } catch (...) {
+        report.failure = FailureInFlight({});
+    }
+    return report;
+}
+
+} // namespace diagnosis

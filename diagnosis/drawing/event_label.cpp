@@ -1,0 +1,61 @@
+#include "diagnosis/drawing/event_label.h"
+
+#include "diagnosis/text/markup.h"
+#include "diagnosis/text/printable.h"
+
+namespace diagnosis {
+
+namespace {
+
+constexpr std::size_t WIDTH = 26;
+constexpr std::size_t MOST_LINES = 4;
+
+} // namespace
+
+std::string ShownId(const std::string& id)
+{
+    return id.empty() ? "(empty)" : Printable(id);
+}
+
+std::vector<std::string> EventLabel(const DrawnTree& tree, std::size_t place)
+{
+    const DrawnEvent& drawn = tree.events[place];
+    std::vector<std::string> lines = Wrapped(ShownId(drawn.event->id), WIDTH, MOST_LINES);
+    for (const std::string& line : Wrapped(drawn.event->name, WIDTH, MOST_LINES)) {
+        lines.push_back(line);
+    }
+    if (tree.hasStatuses) {
+        lines.push_back(StatusWords(tree, place));
+    }
+    return lines;
+}
+
+std::string StatusWords(const DrawnTree& tree, std::size_t place)
+{
+    const DrawnEvent& drawn = tree.events[place];
+    const char* role = drawn.isRootCause ? ", ROOT CAUSE" : drawn.isInCutSet ? ", in its cut set" : "";
+    return GetElemTypeName(drawn.event->status) + std::string(role);
+}
+
+const char* StatusClass(const DrawnTree& tree, std::size_t place)
+{
+    const EventStatus status = tree.events[place].event->status;
+    if (!tree.hasStatuses) {
+        return "";
+    }
+    return IsError(status) ? "true" : status == EventStatus::UNKNOWN ? "unknown" : "false";
+}
+
+std::string KindWords(const RecordedEvent& event)
+{
+    using Folded = DetectionObserver::EventFolded;
+    if (event.kind != Folded::Kind::INTERMEDIATE) {
+        return event.kind == Folded::Kind::BASIC ? "basic" : "undeveloped";
+    }
+    const std::string gate = event.gate == Folded::GateKind::OR ? "OR gate"
+        : event.gate == Folded::GateKind::AND                   ? "AND gate"
+                                                                : "no gate";
+    return gate + (event.observable ? ", decided by its own rules" : "");
+}
+
+} // namespace diagnosis

@@ -1,0 +1,192 @@
+#include "diagnosis/drawing/open_psa.h"
+
+#include <cstdio>
+#include <map>
+#include <set>
+
+#include "diagnosis/text/markup.h"
+
+namespace diagnosis {
+
+namespace {
+
+using Folded = DetectionObserver::EventFolded;
+
+bool IsDigit(char letter)
+{
+    return letter >= '0' && letter <= '9';
+}
+
+bool IsLetter(char letter)
+{
+    return (letter >= 'A' && letter <= 'Z') || (letter >= 'a' && letter <= 'z');
+}
+
+std::string LabelText(const std::string& indent, const std::string& label)
+{
+    return label.empty() ? "" : indent + "<label>" + Markup(label) + "</label>\n";
+}
+
+std::string AttributeText(const std::string& indent, const std::string& name, const std::string& value)
+{
+    return indent + "<attributes>\n" + indent + "  <attribute name=\"" + name + "\" value=\"" + value + "\"/>\n"
+        + indent + "</attributes>\n";
+}
+
+/// Gives each gate and tree a name of its own: the first of an id has it plain, others with "-2", "-3" behind it.
+class NameBook {
+public:
+    /// Basic events have their names for all their places, so they come first.
+    std::string BasicName(const std::string& id)
+    {
+        mCounts.emplace(id, 1);
+        return EscapedName(id);
+    }
+
+    std::string NewName(const std::string& id)
+    {
+        const std::size_t count = ++mCounts[id];
+        return EscapedName(id) + (count == 1 ? "" : "-" + std::to_string(count));
+    }
+
+private:
+    std::map<std::string, std::size_t> mCounts;
+};
+
+struct BasicEventText {
+    std::string label;
+    bool isUndeveloped;
+};
+
+class ModelWriter {
+public:
+    explicit ModelWriter(const std::vector<DrawnTree>& trees) : mTrees(trees) {}
+
+    std::string Text()
+    {
+        NameBasicEvents();
+        std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<opsa-mef>\n";
+        for (const DrawnTree& tree : mTrees) {
+            text += TreeText(tree);
+        }
+        return text + ModelData() + "</opsa-mef>\n";
+    }
+
+private:
+    void NameBasicEvents()
+    {
+        for (const DrawnTree& tree : mTrees) {
+            for (const DrawnEvent& drawn : tree.events) {
+                if (drawn.event->kind != Folded::Kind::INTERMEDIATE) {
+                    Note(*drawn.event);
+                }
+            }
+        }
+    }
+
+    // An id may stand for a developed and an undeveloped event; it is developed then.
+    void Note(const RecordedEvent& event)
+    {
+        const bool isUndeveloped = event.kind == Folded::Kind::UNDEVELOPED;
+        const auto noted = mBasicEvents.emplace(mNames.BasicName(event.id), BasicEventText{event.name, true}).first;
+        noted->second.label = noted->second.label.empty() ? event.name : noted->second.label;
+        noted->second.isUndeveloped = noted->second.isUndeveloped && isUndeveloped;
+    }
+
+    std::string TreeText(const DrawnTree& tree)
+    {
+        std::vector<std::string> names;
+        for (const DrawnEvent& drawn : tree.events) {
+            const bool isGate = drawn.event->kind == Folded::Kind::INTERMEDIATE;
+            names.push_back(isGate ? mNames.NewName(drawn.event->id) : EscapedName(drawn.event->id));
+        }
+        std::string text = "  <define-fault-tree name=\"" + mTreeNames.NewName(tree.tree->id) + "\">\n";
+        for (std::size_t place = 0; place < tree.events.size(); ++place) {
+            if (tree.events[place].event->kind == Folded::Kind::INTERMEDIATE) {
+                text += GateText(tree, place, names);
+            }
+        }
+        return text + "  </define-fault-tree>\n";
+    }
+
+    static std::string GateText(const DrawnTree& tree, std::size_t place, const std::vector<std::string>& names)
+    {
+        const RecordedEvent& event = *tree.events[place].event;
+        return "    <define-gate name=\"" + names[place] + "\">\n" + LabelText("      ", event.name)
+            + (event.observable ? AttributeText("      ", "observable", "true") : "") + FormulaText(tree, place, names)
+            + "    </define-gate>\n";
+    }
+
+    // The format wants two arguments or more under "or" and "and", and none of them twice.
+    static std::string FormulaText(const DrawnTree& tree, std::size_t place, const std::vector<std::string>& names)
+    {
+        std::string arguments;
+        std::set<std::string> seen;
+        for (const std::size_t child : tree.events[place].children) {
+            if (seen.insert(names[child]).second) {
+                const bool isGate = tree.events[child].event->kind == Folded::Kind::INTERMEDIATE;
+                arguments += (seen.size() == 1 ? "" : "\n");
+                arguments += std::string(isGate ? "<gate" : "<basic-event") + " name=\"" + names[child] + "\"/>";
+            }
+        }
+        const bool isAnd = tree.events[place].event->gate == Folded::GateKind::AND;
+        if (seen.empty()) {
+            return std::string("      <constant value=\"") + (isAnd ? "true" : "false") + "\"/>\n";
+        }
+        return seen.size() == 1 ? "      " + arguments + "\n" : Grouped(isAnd ? "and" : "or", arguments);
+    }
+
+    static std::string Grouped(const std::string& gate, const std::string& arguments)
+    {
+        std::string text = "      <" + gate + ">\n        ";
+        for (const char letter : arguments) {
+            text += letter == '\n' ? "\n        " : std::string(1, letter);
+        }
+        return text + "\n      </" + gate + ">\n";
+    }
+
+    std::string ModelData() const
+    {
+        std::string text = "  <model-data>\n";
+        for (const auto& [name, basic] : mBasicEvents) {
+            const std::string content = LabelText("      ", basic.label)
+                + (basic.isUndeveloped ? AttributeText("      ", "flavor", "undeveloped") : "");
+            text += "    <define-basic-event name=\"" + name
+                + (content.empty() ? "\"/>\n" : "\">\n" + content + "    </define-basic-event>\n");
+        }
+        return text + "  </model-data>\n";
+    }
+
+    const std::vector<DrawnTree>& mTrees;
+    NameBook mNames;
+    NameBook mTreeNames;
+    std::map<std::string, BasicEventText> mBasicEvents;
+};
+
+} // namespace
+
+std::string EscapedName(const std::string& id)
+{
+    if (id.empty()) {
+        return "_x_";
+    }
+    std::string name;
+    for (std::size_t i = 0; i < id.size(); ++i) {
+        const bool isPlainLine = id[i] == '_' && !(i + 1 < id.size() && id[i + 1] == 'x');
+        if (IsLetter(id[i]) || isPlainLine || (IsDigit(id[i]) && i > 0)) {
+            name += id[i];
+            continue;
+        }
+        char escape[5];
+        std::snprintf(escape, sizeof escape, "_x%02X", static_cast<unsigned int>(static_cast<unsigned char>(id[i])));
+        name += escape;
+    }
+    return name;
+}
+
+std::string OpenPsa(const std::vector<DrawnTree>& trees)
+{
+    return ModelWriter(trees).Text();
+}
+
+} // namespace diagnosis

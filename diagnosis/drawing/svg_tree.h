@@ -1,0 +1,17 @@
+#ifndef ARBORIST_DIAGNOSIS_DRAWING_SVG_TREE_H
+#define ARBORIST_DIAGNOSIS_DRAWING_SVG_TREE_H
+
+#include <string>
+
+#include "diagnosis/drawing/drawn_tree.h"
+
+namespace diagnosis {
+
+/// The tree as an SVG element for an HTML page that has the report's style, the top event on the left. Gates and
+/// leaves have the field's symbols: a D for AND, a shield for OR, a circle for a basic event, a diamond for an undeveloped one.
+/// Empty for a tree that is too large to be read as a picture.
+std::string SvgTree(const DrawnTree& tree);
+
+} // namespace diagnosis
+
+#endif

@@ -1,0 +1,27 @@
+#ifndef ARBORIST_DIAGNOSIS_LOG_DB_EVENT_LINE_H
+#define ARBORIST_DIAGNOSIS_LOG_DB_EVENT_LINE_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace diagnosis {
+
+/// One logged event, as a line of JSON and as a row of the event log know it. An absent text is NULL in the log.
+struct LoggedEvent {
+    /// Seconds since the epoch.
+    std::int64_t time = 0;
+    std::int32_t event = 0;
+    std::optional<std::string> version = "";
+    /// JSON text by custom; any text is possible.
+    std::optional<std::string> extra = "";
+};
+
+/// Reads {"time": ..., "event": ..., "version": ..., "extra": ...}: "time" is local time "YYYY-MM-DD HH:MM:SS" or
+/// seconds, "extra" an object, which is kept as it is written, or any text. "version" and "extra" may be missing
+/// (empty) or null. Otherwise nothing, and `problem` tells why.
+std::optional<LoggedEvent> ParseEventLine(const std::string& line, std::string& problem);
+
+} // namespace diagnosis
+
+#endif

@@ -1,0 +1,68 @@
+#include "diagnosis/log_db/event_log_look.h"
+
+#include <optional>
+
+#include "diagnosis/sqlite/connection.h"
+
+namespace diagnosis {
+
+namespace {
+
+constexpr char COUNT_ROWS[] =
+    "SELECT count(*), total(flow._ID IS NULL), total(version._ID IS NULL), total(version.VERSION_NAME <> ''),"
+    " total(info.extra <> '' AND (substr(info.extra, 1, 1) <> '{' OR substr(info.extra, -1) <> '}'))"
+    " FROM event_info AS info LEFT JOIN event_info_flow AS flow ON flow._ID = info._ID"
+    " LEFT JOIN event_version AS version ON version._ID = info.version_id";
+constexpr char COUNT_BAD_EXTRA[] =
+    "SELECT total(CASE WHEN json_valid(extra) THEN json_type(extra) <> 'object' ELSE 1 END) FROM event_info"
+    " WHERE extra <> ''";
+// As a rule a row of times has its parent's key; only then is the dear join spared.
+constexpr char COUNT_ADOPTED[] = "SELECT count(*) FROM event_info_flow WHERE event_pid IS NOT _ID";
+constexpr char COUNT_CHILDLESS[] =
+    "SELECT count(*) FROM event_info AS info LEFT JOIN event_info_flow AS flow ON flow.event_pid = info._ID"
+    " WHERE flow.event_pid IS NULL";
+
+// The one number that a query answers; nothing when it fails.
+std::optional<std::int64_t> Number(Connection& database, const char* query)
+{
+    auto rows = database.Prepare(query);
+    return rows && rows->Step() ? std::optional(rows->Integer(0)) : std::nullopt;
+}
+
+std::int64_t WithoutParent(Connection& database, std::int64_t withoutTime)
+{
+    return Number(database, COUNT_ADOPTED) == 0 ? withoutTime : Number(database, COUNT_CHILDLESS).value_or(0);
+}
+
+} // namespace
+
+EventLogLook LookAtEventLog(const std::string& path, bool readsExtra)
+{
+    EventLogLook look;
+    Connection database;
+    if (!database.Open(path, Connection::Mode::READ_ONLY)) {
+        look.problem = database.GetError();
+        return look;
+    }
+    database.LimitToFile();
+    auto rows = database.Prepare(COUNT_ROWS);
+    if (!rows) {
+        look.problem = database.GetError();
+        return look;
+    }
+    if (!rows->Step()) {
+        look.problem = database.IsInterrupted() ? "" : database.GetError();
+        return look;
+    }
+    look.rows = rows->Integer(0);
+    look.withoutTime = rows->Integer(1);
+    look.withoutVersion = rows->Integer(2);
+    look.ofAVersion = rows->Integer(3);
+    look.withoutParent = WithoutParent(database, look.withoutTime);
+    if (readsExtra || rows->Integer(4) > 0) {
+        look.badExtra = Number(database, COUNT_BAD_EXTRA).value_or(rows->Integer(4));
+    }
+    return look;
+}
+
+} // namespace diagnosis

@@ -1,0 +1,161 @@
+#include "diagnosis/log_db/slice_log.h"
+
+#include <charconv>
+#include <filesystem>
+#include <limits>
+
+#include "diagnosis/log_db/event_log.h"
+#include "diagnosis/scratch/new_file.h"
+#include "diagnosis/sqlite/database_files.h"
+
+namespace diagnosis {
+
+namespace {
+
+constexpr std::int64_t SECONDS_OF_A_DAY = 86400;
+
+// Events and moments are paired in two ways, by their keys and by event_pid: either holds them.
+constexpr char DELETE_EVENTS_WITHOUT_MOMENT[] =
+    "DELETE FROM event_info WHERE _ID NOT IN (SELECT _ID FROM event_info_flow WHERE _ID IS NOT NULL)"
+    " AND _ID NOT IN (SELECT event_pid FROM event_info_flow WHERE event_pid IS NOT NULL)";
+constexpr char DELETE_MOMENTS_WITHOUT_EVENT[] =
+    "DELETE FROM event_info_flow WHERE ifnull(_ID NOT IN (SELECT _ID FROM event_info), 1)"
+    " AND ifnull(event_pid NOT IN (SELECT _ID FROM event_info), 1)";
+
+bool ReadNumber(const char*& at, const char* end, std::int64_t& number)
+{
+    const auto [next, error] = std::from_chars(at, end, number);
+    at = next;
+    return error == std::errc();
+}
+
+std::optional<std::int64_t> LatestTime(Connection& database)
+{
+    auto row = database.Prepare(
+        "SELECT max(occurrence_time) FROM event_info_flow WHERE typeof(occurrence_time) = 'integer'");
+    return row && row->Step() && row->IsInteger(0) ? std::optional(row->Integer(0)) : std::nullopt;
+}
+
+// Text, since a log of a stranger may hold a text that sorts above all numbers.
+std::string TimeIs(const char* relation, std::int64_t time)
+{
+    return "(typeof(occurrence_time) IN ('integer', 'real') AND occurrence_time " + std::string(relation) + " "
+        + std::to_string(time) + ")";
+}
+
+std::string DeleteOutside(const LogSlice& slice, std::optional<std::int64_t> latest)
+{
+    std::string sql;
+    const auto add = [&sql](const std::string& condition) {
+        sql += "DELETE FROM event_info_flow WHERE " + condition + ";";
+    };
+    if (slice.from) {
+        add(TimeIs("<", *slice.from));
+    }
+    if (slice.until) {
+        add(TimeIs(">", *slice.until));
+    }
+    // A log of a stranger can tell of any time.
+    const std::int64_t reach = slice.lastDays.value_or(0) * SECONDS_OF_A_DAY;
+    if (slice.lastDays && latest && *latest >= std::numeric_limits<std::int64_t>::min() + reach) {
+        add(TimeIs("<", *latest - reach));
+    }
+    if (!sql.empty()) {
+        sql += std::string(DELETE_EVENTS_WITHOUT_MOMENT) + ";";
+    }
+    if (!slice.ids.empty()) {
+        std::string ranges;
+        for (const auto& [first, last] : slice.ids) {
+            ranges += (ranges.empty() ? "" : " OR ") + ("event_id BETWEEN " + std::to_string(first)) + " AND "
+                + std::to_string(last);
+        }
+        sql += "DELETE FROM event_info WHERE NOT ifnull(" + ranges + ", 0);";
+    }
+    return sql.empty() ? sql : sql + DELETE_MOMENTS_WITHOUT_EVENT + ";VACUUM;";
+}
+
+std::optional<Failure> CopyInto(const std::string& source, const std::string& target)
+{
+    ReadOnlyDatabase file;
+    if (auto failure = file.Open(source, "bad_log")) {
+        return failure;
+    }
+    // The whole of one moment, also while a service writes.
+    auto copy = file.Get().Prepare("VACUUM INTO ?1");
+    if (copy) {
+        copy->Bind(1, target);
+        copy->Step();
+    }
+    return copy && !file.Get().HasError() ? std::nullopt
+                                          : std::optional(Failure{"bad_log", source + ": " + file.Get().GetError()});
+}
+
+std::optional<Failure> Cut(const std::string& source, const std::string& file, const LogSlice& slice)
+{
+    Connection database;
+    if (!database.Open(file, Connection::Mode::CREATE)) {
+        return Failure{"bad_log", source + ": " + database.GetError()};
+    }
+    database.LimitToFile();
+    if (!database.Execute("PRAGMA journal_mode = OFF") || !database.Execute(DeleteOutside(slice, LatestTime(database)))) {
+        return Failure{"bad_log", source + ": " + database.GetError()};
+    }
+    return database.Close() ? std::nullopt : std::optional(Failure{"log_not_written", file + ": can't be closed"});
+}
+
+} // namespace
+
+std::optional<std::vector<std::pair<std::int64_t, std::int64_t>>> ParseIdRanges(const std::string& text)
+{
+    std::vector<std::pair<std::int64_t, std::int64_t>> ranges;
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    for (;;) {
+        std::int64_t first = 0;
+        if (!ReadNumber(at, end, first)) {
+            return std::nullopt;
+        }
+        std::int64_t last = first;
+        if (at != end && *at == '-' && !ReadNumber(++at, end, last)) {
+            return std::nullopt;
+        }
+        if (last < first) {
+            return std::nullopt;
+        }
+        ranges.emplace_back(first, last);
+        if (at == end) {
+            return ranges;
+        }
+        if (*at++ != ',') {
+            return std::nullopt;
+        }
+    }
+}
+
+std::optional<Failure> SliceEventLog(const std::string& source, const std::string& target, const LogSlice& slice)
+{
+    std::error_code error;
+    if (!std::filesystem::exists(source, error)) {
+        return Failure{"no_log", source + ": no such file"};
+    }
+    if (IsOneFile(source, target)) {
+        return Failure{"log_not_written", target + ": is the log that is read"};
+    }
+    if (const auto companion = CompanionOf(target)) {
+        return Failure{"log_not_written", target + ": is in use: there is " + *companion};
+    }
+    NewFile file;
+    if (const auto problem = file.Make(target)) {
+        return Failure{"log_not_written", target + ": " + *problem};
+    }
+    if (auto failure = CopyInto(source, file.TemporaryPath())) {
+        return failure;
+    }
+    if (auto failure = Cut(source, file.TemporaryPath(), slice)) {
+        return failure;
+    }
+    const auto problem = file.PutInPlace();
+    return problem ? std::optional(Failure{"log_not_written", target + ": " + *problem}) : std::nullopt;
+}
+
+} // namespace diagnosis

@@ -1,0 +1,25 @@
+#ifndef ARBORIST_DIAGNOSIS_PROBLEM_H
+#define ARBORIST_DIAGNOSIS_PROBLEM_H
+
+#include <string>
+
+#include "diagnosis/exit_status.h"
+
+namespace diagnosis {
+
+/// Something that makes a result less than it looks; the work goes on. `code` is one of the words of docs/command.md.
+struct Warning {
+    std::string code;
+    std::string message;
+};
+
+/// Why a bundle or a file could not be used. The message names the file and the reason, on one line.
+struct Failure {
+    std::string code;
+    std::string message;
+    ExitStatus status = ExitStatus::INPUT;
+};
+
+} // namespace diagnosis
+
+#endif

@@ -1,0 +1,20 @@
+#ifndef ARBORIST_DIAGNOSIS_REPORT_REPORT_CAUSES_H
+#define ARBORIST_DIAGNOSIS_REPORT_REPORT_CAUSES_H
+
+#include <string>
+
+#include "arborist/frame/fault_tree_result.h"
+#include "diagnosis/evidence/explanation.h"
+
+namespace diagnosis {
+
+/// A list with a card of HTML for each distinct root cause of a tree: its ids, its cut set with the ways to the top,
+/// and its evidence; behind it, what observable events cut off. `result` is the tree's own.
+std::string CauseCards(const ExplainedTree& tree, const FaultTreeResult& result);
+
+/// The rules of an event with their verdicts, one line each, as HTML; empty for an event without rules.
+std::string RuleVerdicts(const ExplainedEvidence& evidence);
+
+} // namespace diagnosis
+
+#endif

@@ -1,0 +1,197 @@
+#include "diagnosis/report/report_page.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "diagnosis/analysis/distinct_causes.h"
+#include "diagnosis/drawing/drawn_tree.h"
+#include "diagnosis/drawing/event_label.h"
+#include "diagnosis/drawing/svg_tree.h"
+#include "diagnosis/report/html.h"
+#include "diagnosis/report/report_causes.h"
+#include "diagnosis/report/report_style.h"
+
+namespace diagnosis {
+
+namespace {
+
+constexpr char HEAD[] =
+    "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
+    "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
+    "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src 'unsafe-inline'\">\n";
+
+constexpr char LEGEND[] =
+    "<p class=\"legend\">How to read the pictures: the top event stands on the left. A circle is a basic event, a "
+    "diamond an undeveloped one; a double frame marks an event that is decided by rules of its own. TRUE: the fault is present. "
+    "Thick red lines lead from the members of cut sets to the top.</p>\n";
+
+// Of a larger tree the list shows what is not FALSE, up to this many.
+constexpr std::size_t MOST_LISTED = 2000;
+// Browsers give up on deeper markup.
+constexpr std::size_t DEEPEST_LIST = 60;
+
+std::string Plural(std::size_t count, const std::string& one, const std::string& more)
+{
+    return std::to_string(count) + " " + (count == 1 ? one : more);
+}
+
+std::string Badge(const ExplainedTree& tree)
+{
+    if (!tree.isFault) {
+        return Html("span", "no fault", "badge sound");
+    }
+    const std::size_t causes = DistinctCausesOf(tree).size();
+    return Html("span", "FAULT, " + Plural(causes, "root cause", "root causes"), "badge fault");
+}
+
+std::string TopName(const DrawnTree& tree)
+{
+    return tree.events.empty() ? "" : tree.events.front().event->name;
+}
+
+std::string IndexOfTrees(const std::vector<DrawnTree>& trees, const Explanation& explanation)
+{
+    std::string items;
+    for (std::size_t i = 0; i < std::min(trees.size(), explanation.trees.size()); ++i) {
+        const ExplainedTree& tree = explanation.trees[i];
+        items += std::string("<li") + (tree.isFault ? " class=\"fault\"" : "") + "><a class=\"id\" href=\"#tree-"
+            + std::to_string(i + 1) + "\">" + Markup(ShownId(tree.id)) + "</a> " + Badge(tree)
+            + Paragraph(TopName(trees[i])) + "</li>\n";
+    }
+    return "<section>\n<h2>Trees</h2>\n<ul class=\"index\">\n" + items + "</ul>\n" + LEGEND + "</section>\n";
+}
+
+std::string WarningsSection(const std::vector<Warning>& warnings)
+{
+    std::string items;
+    for (const Warning& warning : warnings) {
+        items += "<li>" + Markup(warning.message) + " " + Html("span", "[" + warning.code + "]", "quiet") + "</li>\n";
+    }
+    return items.empty() ? "" : "<section class=\"warnings\" id=\"warnings\">\n<h2>Warnings</h2>\n"
+            "<p>The result may be less than it looks.</p>\n<ul>\n" + items + "</ul>\n</section>\n";
+}
+
+std::string EventItem(const DrawnTree& tree, std::size_t place)
+{
+    const RecordedEvent& event = *tree.events[place].event;
+    const DrawnEvent& drawn = tree.events[place];
+    std::string text = Html("span", GetElemTypeName(event.status), "word " + std::string(StatusClass(tree, place)));
+    text += Html(drawn.isOnCausePath ? "b" : "span", ShownId(event.id), "id") + " " + Markup(event.name) + " ";
+    const std::string role = drawn.isRootCause ? "root cause, " : drawn.isInCutSet ? "in a cut set, " : "";
+    return text + Html("span", "(" + role + KindWords(event) + ")", "quiet");
+}
+
+bool IsListed(const DrawnTree& tree, std::size_t place)
+{
+    return tree.events.size() <= MOST_LISTED || tree.events[place].event->status != EventStatus::FALSE;
+}
+
+// What the rules of an event came to; that of events in several places is told once.
+std::string Verdicts(const ExplainedTree& explained, std::size_t place, std::unordered_set<std::size_t>& told)
+{
+    const ExplainedEvidence* evidence =
+        place < explained.events.size() ? explained.EvidenceOf(explained.events[place]) : nullptr;
+    const bool isNew = evidence != nullptr && told.insert(explained.events[place].evidence).second;
+    return isNew ? RuleVerdicts(*evidence) : "";
+}
+
+std::string EventList(const DrawnTree& tree, const ExplainedTree& explained)
+{
+    std::unordered_set<std::size_t> told;
+    std::string text = "<ul class=\"tree\">\n";
+    std::size_t open = 0; // lists below the outermost
+    std::size_t listed = 0;
+    for (std::size_t place = 0; place < tree.events.size() && listed < MOST_LISTED; ++place) {
+        if (!IsListed(tree, place)) {
+            continue;
+        }
+        // One whose parent is left out stands as deep as the markup goes.
+        const std::size_t depth = std::min({tree.events[place].event->depth, DEEPEST_LIST, listed == 0 ? 0 : open + 1});
+        for (; open > depth; --open) {
+            text += "</li></ul>";
+        }
+        text += listed == 0 ? "<li>" : depth > open ? "<ul><li>" : "</li>\n<li>";
+        open = depth;
+        text += EventItem(tree, place) + Verdicts(explained, place, told);
+        ++listed;
+    }
+    for (; open > 0; --open) {
+        text += "</li></ul>";
+    }
+    text += (listed > 0 ? "</li>" : "") + std::string("</ul>\n");
+    const std::size_t hidden = tree.events.size() - listed;
+    return hidden == 0 ? text : text + Paragraph(Plural(hidden, "event is", "events are")
+        + " left out here; \"arborist detect --tree\" shows them all.");
+}
+
+std::string TreeSection(
+    const DrawnTree& tree, const ExplainedTree& explained, const FaultTreeResult& result, std::size_t number)
+{
+    std::string text = "<section id=\"tree-" + std::to_string(number) + "\">\n<h2>"
+        + Html("span", ShownId(result.mTreeId), "id") + " " + Badge(explained) + "</h2>\n" + Paragraph(TopName(tree))
+        + Html("p", "Version " + ShownId(result.mVersion), "quiet") + CauseCards(explained, result);
+    const std::string picture = SvgTree(tree);
+    text += "<h3>The tree</h3>\n";
+    text += picture.empty() ? Paragraph("Too large for a picture; \"arborist graph --format svg\" draws it.")
+                            : "<div class=\"scroll\" tabindex=\"0\" role=\"group\" aria-label=\"Picture of the tree\">\n"
+            + picture + "</div>\n";
+    return text + (result.mIsFault ? "<details open>" : "<details>")
+        + Html("summary", "All events of the tree and their rules") + "\n" + EventList(tree, explained)
+        + "</details>\n</section>\n";
+}
+
+std::string Fact(const std::string& label, const std::string& value)
+{
+    return value.empty() ? "" : "<div>" + Html("dt", label) + Html("dd", value) + "</div>\n";
+}
+
+std::string Facts(const DetectionReport& report)
+{
+    const DeviceDetails& device = report.subject.device;
+    return "<dl class=\"facts\">\n" + Fact("As of", report.moment + (report.subject.tz.empty() ? "" : " ("
+            + report.subject.tz + ")")) + Fact("Device", device.GetDeviceType()) + Fact("Product", device.GetProduct())
+        + Fact("Platform", device.GetPlatform()) + Fact("Processor", device.GetCpuName())
+        + Fact("Memory", device.GetRamSize()) + Fact("Resolution", device.GetResolution())
+        + Fact("Battery", device.GetBatteryCapacity()) + Fact("Rules", report.subject.treeTag)
+        + Fact("Scene", std::to_string(report.subject.detectScene)) + "</dl>\n";
+}
+
+std::string Verdict(const DetectionReport& report)
+{
+    if (report.failure) {
+        return "Not diagnosed";
+    }
+    const auto faults = std::count_if(report.results.begin(), report.results.end(),
+        [](const auto& result) { return result->mIsFault; });
+    return faults == 0 ? "No fault found in " + Plural(report.results.size(), "tree", "trees")
+                       : "Faults in " + std::to_string(faults) + " of " + Plural(report.results.size(), "tree", "trees");
+}
+
+std::string FailureSection(const Failure& failure)
+{
+    return "<section class=\"failure\">\n<h2>Not diagnosed</h2>\n" + Paragraph(failure.message)
+        + Html("p", "[" + failure.code + "]", "quiet") + "</section>\n";
+}
+
+} // namespace
+
+std::string ReportPage(const DetectionReport& report)
+{
+    std::string page = HEAD;
+    page += Html("title", Verdict(report) + ": " + report.bundle) + "\n<style>" + REPORT_STYLE + "</style>\n</head>\n";
+    page += "<body>\n<header>\n" + Html("p", "Fault tree diagnosis of " + report.bundle, "quiet")
+        + Html("h1", Verdict(report)) + (report.failure ? "" : Facts(report)) + "</header>\n<main>\n";
+    page += report.failure ? FailureSection(*report.failure) : "";
+    page += WarningsSection(report.warnings);
+    if (!report.failure && report.explanation != nullptr) {
+        const std::vector<DrawnTree> trees = DrawTrees(report, true, "");
+        page += IndexOfTrees(trees, *report.explanation);
+        for (std::size_t i = 0; i < std::min(trees.size(), report.explanation->trees.size()); ++i) {
+            page += TreeSection(trees[i], report.explanation->trees[i], *report.results[i], i + 1);
+        }
+    }
+    page += "</main>\n<footer>" + Html("p", "Made by arborist " ARBORIST_VERSION) + "</footer>\n";
+    return page + "</body>\n</html>\n";
+}
+
+} // namespace diagnosis

@@ -1,0 +1,19 @@
+#ifndef ARBORIST_DIAGNOSIS_RESULTS_BUNDLE_JSON_H
+#define ARBORIST_DIAGNOSIS_RESULTS_BUNDLE_JSON_H
+
+#include <string>
+#include <vector>
+
+#include "diagnosis/capture/bundle_contents.h"
+
+namespace diagnosis {
+
+/// What a bundle holds, as one line of JSON, schema "arborist.bundle.1", without the line end.
+std::string BundleJson(const BundleContents& contents);
+
+/// What was found when a bundle was checked, as one line of JSON, schema "arborist.verify.1", without the line end.
+std::string CheckJson(const std::string& bundle, bool isOk, const std::vector<BundleFinding>& findings);
+
+} // namespace diagnosis
+
+#endif

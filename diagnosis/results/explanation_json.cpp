@@ -1,0 +1,249 @@
+#include "diagnosis/results/explanation_json.h"
+
+#include <cstdio>
+
+#include "diagnosis/analysis/gate_logic.h"
+#include "diagnosis/analysis/minimal_sets.h"
+#include "diagnosis/results/detection_json.h"
+#include "diagnosis/results/rule_json.h"
+
+namespace diagnosis {
+
+namespace {
+
+void WriteCount(JsonWriter& json, const char* key, std::uint64_t number)
+{
+    json.Key(key).Raw(std::to_string(number));
+}
+
+/// Writes one tree of an explanation as an object.
+class TreeJson {
+public:
+    TreeJson(JsonWriter& json, const ExplainedTree& tree, const FaultTreeResult* result, const ExplanationView& view)
+        : mJson(json), mTree(tree), mResult(result), mView(view)
+    {
+    }
+
+    void Write()
+    {
+        // As "detect" has it: the version of the tree file, not the tree's own.
+        mJson.BeginObject().Text("treeId", mTree.id);
+        mJson.Text("version", mResult == nullptr ? mTree.version : mResult->mVersion).Bool("isFault", mTree.isFault);
+        if (!mView.brief) {
+            WriteEvents();
+            WriteEvidence();
+        }
+        WriteCauses();
+        if (!mView.brief && !mView.IsNarrow()) {
+            WriteCutOffs();
+        }
+        if (mView.nearMisses > 0) {
+            WriteNearMisses();
+        }
+        if (mView.minimal) {
+            WriteMinimalSets();
+        }
+        mJson.EndObject();
+    }
+
+private:
+    void WriteEvents()
+    {
+        if (mView.IsNarrow()) {
+            mJson.Key("events").BeginArray();
+            for (const std::size_t place : ShownEvents(mTree, mView)) {
+                BeginEvent(place);
+                mJson.Key("path").Texts(mTree.PathIds(place));
+                mJson.EndObject();
+            }
+            mJson.EndArray();
+        } else if (!mTree.events.empty()) {
+            mJson.Key("tree");
+            WriteTree();
+        }
+    }
+
+    // The events come in pre-order: what stands before the end of one is below it.
+    void WriteTree()
+    {
+        std::size_t open = 0;
+        for (std::size_t place = 0; place < mTree.events.size(); ++place) {
+            for (; open > mTree.events[place].depth; --open) {
+                mJson.EndArray().EndObject();
+            }
+            BeginEvent(place);
+            mJson.Key("children").BeginArray();
+            ++open;
+        }
+        for (; open > 0; --open) {
+            mJson.EndArray().EndObject();
+        }
+    }
+
+    void BeginEvent(std::size_t place)
+    {
+        const ExplainedEvent& event = mTree.events[place];
+        mJson.BeginObject().Text("id", event.id).Text("name", event.name).Text("kind", KindWord(event.kind));
+        mJson.Text("gate", GateWord(event.gate)).Text("status", GetElemTypeName(event.status));
+        mJson.Bool("observable", event.observable);
+        mJson.Text("reason", DetectionObserver::ReasonText(ReasonOfEvent(mTree, event)));
+        if (!event.IsLeaf()) {
+            WriteLogic(place);
+        }
+        if (event.evidence != ExplainedEvent::NONE) {
+            WriteCount(mJson, "evidence", event.evidence);
+        }
+    }
+
+    void WriteLogic(std::size_t place)
+    {
+        const GateLogic logic = GateLogicOf(mTree, place);
+        mJson.Key("logic").BeginObject().Text("outcome", GetElemTypeName(logic.outcome));
+        WriteCount(mJson, "below", logic.below);
+        WriteCount(mJson, "inError", logic.inError);
+        mJson.Text("decidedBy", logic.decider == ExplainedEvent::NONE ? "" : mTree.events[logic.decider].id);
+        mJson.EndObject();
+    }
+
+    // The whole list also in a narrow view: places in it are references.
+    void WriteEvidence()
+    {
+        mJson.Key("evidence").BeginArray();
+        for (const ExplainedEvidence& evidence : mTree.evidence) {
+            mJson.BeginObject().Text("event", evidence.eventId).Bool("fired", evidence.fired);
+            mJson.Text("reason", DetectionObserver::ReasonText(evidence.reason));
+            mJson.Key("rules").BeginArray();
+            for (const ExplainedRule& rule : evidence.rules) {
+                if (IsShown(rule, mView)) {
+                    WriteRule(mJson, rule);
+                }
+            }
+            mJson.EndArray().EndObject();
+        }
+        mJson.EndArray();
+    }
+
+    void WriteCauses()
+    {
+        mJson.Key("rootCauses").BeginArray();
+        for (const DistinctCause& cause : ShownCauses(mTree, mView)) {
+            mJson.BeginObject();
+            if (mResult != nullptr && cause.first < mResult->mRootCauseResults.size()) {
+                WriteRootCauseTexts(mJson, *mResult->mRootCauseResults[cause.first]);
+            }
+            WriteCount(mJson, "times", cause.times);
+            mJson.Key("cutSet").BeginArray();
+            for (const std::size_t member : mTree.causes[cause.first].members) {
+                if (member != ExplainedEvent::NONE) {
+                    WriteMember(member);
+                }
+            }
+            mJson.EndArray().EndObject();
+        }
+        mJson.EndArray();
+    }
+
+    void WriteMember(std::size_t place)
+    {
+        const ExplainedEvent& event = mTree.events[place];
+        mJson.BeginObject().Text("id", event.id).Text("status", GetElemTypeName(event.status));
+        mJson.Key("path").Texts(mTree.PathIds(place));
+        if (event.evidence != ExplainedEvent::NONE) {
+            WriteCount(mJson, "evidence", event.evidence);
+        }
+        mJson.EndObject();
+    }
+
+    void WriteMembers(const char* key, const std::vector<std::size_t>& places)
+    {
+        mJson.Key(key).BeginArray();
+        for (const std::size_t place : places) {
+            WriteMember(place);
+        }
+        mJson.EndArray();
+    }
+
+    void WriteCutOffs()
+    {
+        mJson.Key("cutOffs").BeginArray();
+        for (const CutOff& cutOff : CutOffsOf(mTree)) {
+            mJson.BeginObject().Text("id", mTree.events[cutOff.event].id);
+            mJson.Key("path").Texts(mTree.PathIds(cutOff.event));
+            WriteMembers("leaves", cutOff.leaves);
+            mJson.EndObject();
+        }
+        mJson.EndArray();
+    }
+
+    void WriteNearMisses()
+    {
+        const NearMisses nearMisses = ShownNearMisses(mTree, mView);
+        mJson.Key("nearMisses").BeginObject();
+        WriteCount(mJson, "leftOut", nearMisses.leftOut);
+        mJson.Bool("complete", nearMisses.isComplete);
+        mJson.Key("sets").BeginArray();
+        for (const NearMiss& nearMiss : nearMisses.sets) {
+            mJson.BeginObject();
+            WriteMembers("missing", nearMiss.missing);
+            WriteMembers("present", nearMiss.present);
+            mJson.EndObject();
+        }
+        mJson.EndArray().EndObject();
+    }
+
+    void WriteMinimalSets()
+    {
+        const MinimalSets minimal = FindMinimalSets(mTree);
+        mJson.Key("minimal").BeginObject();
+        WriteCount(mJson, "listed", minimal.listed);
+        WriteCount(mJson, "distinct", minimal.distinct);
+        mJson.Key("sets").BeginArray();
+        for (const DistinctCause& set : minimal.sets) {
+            mJson.BeginObject().Key("ids").Texts(set.ids);
+            WriteCount(mJson, "times", set.times);
+            mJson.EndObject();
+        }
+        mJson.EndArray().Key("shares").BeginArray();
+        for (const EventShare& share : minimal.shares) {
+            mJson.BeginObject().Text("id", share.id);
+            WriteCount(mJson, "sets", share.sets);
+            char number[32];
+            std::snprintf(number, sizeof number, "%.6f", share.share);
+            mJson.Key("share").Raw(number).EndObject();
+        }
+        mJson.EndArray().Key("repairs").BeginObject().Key("ids").Texts(minimal.repairs.ids);
+        mJson.Bool("smallest", minimal.repairs.isSmallest).EndObject().EndObject();
+    }
+
+    JsonWriter& mJson;
+    const ExplainedTree& mTree;
+    const FaultTreeResult* mResult;
+    const ExplanationView& mView;
+};
+
+} // namespace
+
+void WriteExplainedTrees(JsonWriter& json, const DetectionReport& report, const ExplanationView& view)
+{
+    json.BeginArray();
+    for (std::size_t i = 0; report.explanation != nullptr && i < report.explanation->trees.size(); ++i) {
+        const FaultTreeResult* result = i < report.results.size() ? report.results[i].get() : nullptr;
+        TreeJson(json, report.explanation->trees[i], result, view).Write();
+    }
+    json.EndArray();
+}
+
+std::string ExplanationJson(const DetectionReport& report, const ExplanationView& view)
+{
+    JsonWriter json;
+    json.BeginObject();
+    WriteHead(json, "arborist.explain.1", report.bundle, !report.failure, report.warnings);
+    json.Key("results");
+    WriteExplainedTrees(json, report, view);
+    if (report.failure) {
+        WriteError(json, *report.failure);
+    }
+    return json.EndObject().Line();
+}
+
+} // namespace diagnosis

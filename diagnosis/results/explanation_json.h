@@ -1,0 +1,21 @@
+#ifndef ARBORIST_DIAGNOSIS_RESULTS_EXPLANATION_JSON_H
+#define ARBORIST_DIAGNOSIS_RESULTS_EXPLANATION_JSON_H
+
+#include <string>
+
+#include "diagnosis/analysis/explanation_view.h"
+#include "diagnosis/detection/detection.h"
+#include "diagnosis/text/json_writer.h"
+
+namespace diagnosis {
+
+/// The explanation of a report as one line of JSON, schema "arborist.explain.1", without the line end. docs/explain.md
+/// tells of every member. Members are only ever added.
+std::string ExplanationJson(const DetectionReport& report, const ExplanationView& view);
+
+/// The list of explained trees alone, for other reports that hold it.
+void WriteExplainedTrees(JsonWriter& json, const DetectionReport& report, const ExplanationView& view);
+
+} // namespace diagnosis
+
+#endif

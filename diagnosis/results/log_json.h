@@ -1,0 +1,15 @@
+#ifndef ARBORIST_DIAGNOSIS_RESULTS_LOG_JSON_H
+#define ARBORIST_DIAGNOSIS_RESULTS_LOG_JSON_H
+
+#include <string>
+
+#include "diagnosis/log_db/inspect_log.h"
+
+namespace diagnosis {
+
+/// What an event log holds, as one line of JSON, schema "arborist.log.1", without the line end; times are seconds.
+std::string LogJson(const std::string& log, const LogInspection& inspection);
+
+} // namespace diagnosis
+
+#endif

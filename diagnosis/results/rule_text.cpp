@@ -1,0 +1,389 @@
+#include "diagnosis/results/rule_text.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
+#include <utility>
+
+#include "diagnosis/text/printable.h"
+
+namespace diagnosis {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::size_t LONGEST_VALUE = 60;
+constexpr std::size_t LONGEST_SQL = 400;
+
+std::string Cut(const std::string& text, std::size_t longest)
+{
+    if (text.size() <= longest) {
+        return Printable(text);
+    }
+    std::size_t length = 0;
+    while (length < longest) { // whole characters
+        length += std::max<std::size_t>(1, Utf8Length(std::string_view(text).substr(length)));
+    }
+    return Printable(std::string_view(text).substr(0, length)) + "... (" + std::to_string(text.size()) + " bytes)";
+}
+
+// Node files end with a line end; it says nothing.
+std::string Quoted(const std::string& text)
+{
+    const auto end = text.find_last_not_of(" \t\r\n");
+    return "\"" + Cut(end == std::string::npos ? text : text.substr(0, end + 1), LONGEST_VALUE) + "\"";
+}
+
+// Numbers and words stand as they are, all else in quotes.
+std::string Value(const std::string& text)
+{
+    static constexpr std::string_view PLAIN =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._:/%+-";
+    const std::string quoted = Quoted(text);
+    const std::string_view inside = std::string_view(quoted).substr(1, quoted.size() - 2);
+    const bool isPlain = !inside.empty() && inside.find_first_not_of(PLAIN) == std::string_view::npos;
+    return isPlain ? std::string(inside) : quoted;
+}
+
+// Of a text compared as text the line end counts.
+std::string ComparedValue(const std::string& value, const std::string& type)
+{
+    const bool hasBlankEnd = !value.empty() && std::string_view(" \t\r\n").find(value.back()) != std::string_view::npos;
+    return type == "string" && hasBlankEnd ? "\"" + Cut(value, LONGEST_VALUE) + "\"" : Value(value);
+}
+
+// The word of a comparison as people write it; a word that is none stays.
+std::string Sign(const std::string& word)
+{
+    static constexpr std::pair<std::string_view, const char*> SIGNS[] = {
+        {"gt", ">"}, {"lt", "<"}, {"ge", ">="}, {"le", "<="}, {"eq", "="}, {"ne", "!="}};
+    for (const auto& [known, sign] : SIGNS) {
+        if (word == known) {
+            return sign;
+        }
+    }
+    return Printable(word);
+}
+
+// " (one, other)" of those that there are.
+std::string InParentheses(const std::string& one, const std::string& other = "")
+{
+    const std::string both = one + (one.empty() || other.empty() ? "" : ", ") + other;
+    return both.empty() ? "" : " (" + both + ")";
+}
+
+std::string Number(std::uint64_t number, const std::string& one, const std::string& several)
+{
+    return std::to_string(number) + " " + (number == 1 ? one : several);
+}
+
+std::string MomentText(const ExplainedMoment& moment)
+{
+    return moment.local.empty() ? std::to_string(moment.seconds) : moment.local;
+}
+
+std::string StartText(const ExplainedStart& start)
+{
+    std::string text = "since " + MomentText(start.start) + " (";
+    switch (start.floor) {
+    case DetectionObserver::StartTimeSeen::Floor::PERIOD:
+        text += "period of " + Number(static_cast<std::uint64_t>(std::max(0, start.periodDays)), "day", "days");
+        break;
+    case DetectionObserver::StartTimeSeen::Floor::REPAIR:
+        text += "repair " + Printable(start.repairId);
+        break;
+    default:
+        text += std::string("last ") + FloorWord(start.floor);
+    }
+    return text + ")";
+}
+
+std::string IdsText(const ExplainedWindow& window)
+{
+    const std::string first = std::to_string(window.firstId);
+    return window.firstId == window.lastId ? "id " + first : "ids " + first + "-" + std::to_string(window.lastId);
+}
+
+// What the threshold asks for.
+std::string WantedText(const ExplainedWindow& window)
+{
+    const std::string number = std::to_string(window.threshold);
+    const std::string rows = window.threshold == 1 ? " row" : " rows";
+    if (window.measure.empty()) {
+        return number;
+    }
+    const bool isWeighed = window.measure == "weights" || window.measure == "daily_weights";
+    const bool isDaily = window.measure == "daily_rows" || window.measure == "daily_weights";
+    return number + (isWeighed ? " by weight" : rows) + (isDaily ? " on one day" : "");
+}
+
+std::string CountText(const ExplainedWindow& window)
+{
+    std::string text = Number(window.rowsFound, "row", "rows");
+    if (window.rowsOfOtherVersion > 0) {
+        text += ", " + std::to_string(window.rowsOfOtherVersion) + " of another version";
+    }
+    if (window.rowsFailedTest > 0) {
+        text += ", " + std::to_string(window.rowsFailedTest) + " failed the test";
+    }
+    text += "; reached " + std::to_string(window.reached);
+    if (window.reachedById != 0 && window.firstId != window.lastId) {
+        text += " by id " + std::to_string(window.reachedById);
+    }
+    text += " of " + WantedText(window);
+    return window.Missing() == 0 ? text : text + ", " + std::to_string(window.Missing()) + " missing";
+}
+
+std::string WindowText(const ExplainedWindow& window)
+{
+    const std::string head = IdsText(window) + (window.window.empty() ? "" : ", " + window.window);
+    if (!window.start) {
+        return head + ": " + DetectionObserver::ReasonText(window.reason);
+    }
+    return head + " " + StartText(*window.start) + (window.versionFilter ? ", this version only" : "") + ": "
+        + (window.reason == Reason::WINDOW_SHORT || window.hit
+                ? CountText(window)
+                : std::string(DetectionObserver::ReasonText(window.reason)));
+}
+
+std::string TestText(const ExplainedTest& test)
+{
+    return "  test " + Cut(test.key, LONGEST_VALUE) + " " + Sign(test.logic) + " "
+        + ComparedValue(test.value, test.type)
+        + InParentheses(Printable(test.type)) + ": " + std::to_string(test.rowsPassed) + " of "
+        + Number(test.rowsTested, "row passes", "rows pass");
+}
+
+// "static", or where in the common part the threshold comes from.
+std::string SourceText(const ExplainedComparison& comparison)
+{
+    return Printable(comparison.source)
+        + (comparison.sourceId.empty() ? "" : " " + Cut(comparison.sourceId, LONGEST_VALUE));
+}
+
+std::string ComparedText(const ExplainedComparison& comparison)
+{
+    const std::string& name = comparison.key.empty() ? comparison.paramId : comparison.key;
+    return Cut(name, LONGEST_VALUE) + " " + ComparedValue(comparison.observed, comparison.type) + " "
+        + Sign(comparison.logic) + " " + ComparedValue(comparison.configured, comparison.type);
+}
+
+std::string ComparisonText(const ExplainedComparison& comparison)
+{
+    return ComparedText(comparison) + InParentheses(Printable(comparison.type), SourceText(comparison))
+        + (comparison.holds ? ": holds" : ": fails");
+}
+
+std::string ParameterText(const ExplainedParameter& parameter)
+{
+    const std::string text = Cut(parameter.key, LONGEST_VALUE) + " = " + Value(parameter.value);
+    return parameter.raw == parameter.value ? text : text + ", scaled from " + Value(parameter.raw);
+}
+
+std::string IntervalText(const ExplainedInterval& interval)
+{
+    if (interval.startKey.empty()) {
+        return "values are scaled between two columns, and the rule names no two";
+    }
+    const std::string columns = Cut(interval.startKey, LONGEST_VALUE) + " " + std::to_string(interval.start) + " to "
+        + Cut(interval.endKey, LONGEST_VALUE) + " " + std::to_string(interval.end);
+    return interval.usable ? "scaled from " + Number(interval.days + 1, "day", "days") + " to 30: " + columns
+                           : "no interval to scale by: " + columns;
+}
+
+// On one line: rule files break and indent their statements.
+std::string SqlText(const std::string& sql)
+{
+    std::string line;
+    for (const char letter : sql) {
+        const bool isBlank = letter == ' ' || letter == '\t' || letter == '\r' || letter == '\n';
+        if (!isBlank) {
+            line += letter;
+        } else if (!line.empty() && line.back() != ' ') {
+            line += ' ';
+        }
+    }
+    return Cut(line, LONGEST_SQL);
+}
+
+void AppendQuery(const ExplainedQuery& query, std::vector<std::string>& lines)
+{
+    const std::string outcome = !query.opened    ? "database can't be opened"
+        : !query.error.empty()                   ? "failed: " + Cut(query.error, LONGEST_SQL)
+                                                 : Number(query.rows, "row", "rows");
+    if (!query.sql.empty()) {
+        const std::string file = fs::path(query.database).filename().string();
+        lines.push_back((file.empty() ? "derived database" : Printable(file)) + ": " + outcome);
+        lines.push_back("  " + SqlText(query.sql));
+    }
+    if (query.interval) {
+        lines.push_back("  " + IntervalText(*query.interval));
+    }
+    for (const ExplainedParameter& parameter : query.parameters) {
+        lines.push_back("  " + ParameterText(parameter));
+    }
+    for (const ExplainedComparison& comparison : query.comparisons) {
+        lines.push_back("  " + ComparisonText(comparison));
+    }
+}
+
+std::string FilterText(const ExplainedRule& rule)
+{
+    const bool isScene = rule.reason == Reason::FILTERED_SCENE;
+    const std::string found = isScene ? "the detection's scene is " + Printable(rule.filter->deviceValue)
+                                      : "the device has " + Quoted(rule.filter->deviceValue);
+    if (isScene && rule.filter->ruleText.empty()) {
+        return found + ", the rule names none";
+    }
+    const bool isExcluded = rule.reason == Reason::FILTERED_BLACK_PRODUCT;
+    return found + (isExcluded ? ", the rule excludes " : ", the rule asks for ") + Quoted(rule.filter->ruleText);
+}
+
+std::string NodeText(const ExplainedNodeFile& node)
+{
+    return Cut(node.param, LONGEST_VALUE) + (node.readable ? " = " + Value(node.value) : " can't be read")
+        + " from " + Printable(node.path);
+}
+
+std::string FormulaText(const ExplainedFormula& formula)
+{
+    const std::string grouping = formula.grouping.empty() ? formula.expression : formula.grouping;
+    return Cut(formula.resultKey, LONGEST_VALUE) + " = " + Cut(grouping, LONGEST_SQL) + " = "
+        + (formula.result.empty() ? "ill-formed" : Printable(formula.result));
+}
+
+std::string Joined(const std::vector<std::string>& ids)
+{
+    std::string text;
+    for (const std::string& id : ids) {
+        text += (text.empty() ? "" : ", ") + Printable(id);
+    }
+    return text.empty() ? "none" : text;
+}
+
+void AppendCodeRun(const ExplainedCodeRun& run, std::vector<std::string>& lines)
+{
+    lines.push_back("the host answers for " + Value(run.detectCode) + ": "
+        + (run.answer ? "present" : "not present"));
+    lines.push_back("  descriptions " + Joined(run.faultDescriptionIds) + "; suggestions "
+        + Joined(run.suggestionIds) + "; repairs " + Joined(run.repairIds)
+        + (run.userDefinedInfo.empty() ? "" : "; info " + Quoted(run.userDefinedInfo)));
+}
+
+// The window that hit, or the one that was least short of its threshold.
+const ExplainedWindow* ClosestWindow(const ExplainedRule& rule)
+{
+    const ExplainedWindow* closest = nullptr;
+    for (const ExplainedWindow& window : rule.windows) {
+        if (window.hit) {
+            return &window;
+        }
+        if (window.start && (closest == nullptr || window.Missing() < closest->Missing())) {
+            closest = &window;
+        }
+    }
+    return closest;
+}
+
+// The comparisons that hold at the end, where a condition was met; otherwise the last one, which failed.
+std::string Deciding(const std::vector<ExplainedComparison>& comparisons)
+{
+    if (comparisons.empty()) {
+        return "";
+    }
+    auto first = comparisons.end() - 1;
+    while (first->holds && first != comparisons.begin() && std::prev(first)->holds) {
+        --first;
+    }
+    std::string text;
+    for (auto comparison = first; comparison != comparisons.end(); ++comparison) {
+        text += (text.empty() ? "" : " and ") + ComparedText(*comparison)
+            + (comparison->sourceId.empty() ? "" : InParentheses(SourceText(*comparison)));
+    }
+    return text + (first->holds ? ": holds" : ": fails");
+}
+
+std::string BadNameText(const ExplainedRule& rule)
+{
+    return "the rule names " + Quoted(*rule.badName);
+}
+
+std::string HitsText(const ExplainedHits& hits)
+{
+    return "hits in " + std::to_string(hits.hits) + " of " + Number(hits.databases, "database", "databases")
+        + InParentheses(Cut(hits.name, LONGEST_VALUE)) + ", " + std::to_string(hits.needed) + " needed"
+        + (hits.Missing() == 0 ? "" : ", " + std::to_string(hits.Missing()) + " missing");
+}
+
+} // namespace
+
+std::vector<std::string> RuleLines(const ExplainedRule& rule)
+{
+    std::vector<std::string> lines;
+    if (rule.filter) {
+        lines.push_back(FilterText(rule));
+    }
+    if (rule.badName) {
+        lines.push_back(BadNameText(rule));
+    }
+    const bool hasWindow = ClosestWindow(rule) != nullptr;
+    for (const ExplainedWindow& window : rule.windows) {
+        if (hasWindow && window.reason == Reason::WINDOW_ABSENT) {
+            continue; // most items have one window of the three
+        }
+        lines.push_back(WindowText(window));
+        for (const ExplainedTest& test : window.tests) {
+            lines.push_back(TestText(test));
+        }
+    }
+    if (rule.start) {
+        lines.push_back(StartText(*rule.start));
+    }
+    for (const ExplainedQuery& query : rule.queries) {
+        AppendQuery(query, lines);
+    }
+    if (rule.hits) {
+        lines.push_back(HitsText(*rule.hits));
+    }
+    for (const ExplainedNodeFile& node : rule.nodeFiles) {
+        lines.push_back(NodeText(node));
+    }
+    if (rule.formula) {
+        lines.push_back(FormulaText(*rule.formula));
+    }
+    for (const ExplainedComparison& comparison : rule.comparisons) {
+        lines.push_back(ComparisonText(comparison));
+    }
+    if (rule.codeRun) {
+        AppendCodeRun(*rule.codeRun, lines);
+    }
+    return lines;
+}
+
+std::string RuleSummary(const ExplainedRule& rule)
+{
+    if (rule.filter) {
+        return FilterText(rule);
+    }
+    if (rule.badName) {
+        return BadNameText(rule);
+    }
+    if (const ExplainedWindow* window = ClosestWindow(rule)) {
+        return WindowText(*window);
+    }
+    if (rule.codeRun) {
+        return "the host answers " + std::string(rule.codeRun->answer ? "present" : "not present");
+    }
+    if (rule.hits) {
+        return HitsText(*rule.hits);
+    }
+    for (const ExplainedQuery& query : rule.queries) {
+        if (!query.comparisons.empty()) {
+            return Deciding(query.comparisons);
+        }
+    }
+    return Deciding(rule.comparisons);
+}
+
+} // namespace diagnosis

@@ -1,0 +1,21 @@
+#ifndef ARBORIST_DIAGNOSIS_RESULTS_RULE_TEXT_H
+#define ARBORIST_DIAGNOSIS_RESULTS_RULE_TEXT_H
+
+#include <string>
+#include <vector>
+
+#include "diagnosis/evidence/explanation.h"
+
+namespace diagnosis {
+
+/// What a rule looked at, one line a thing, indented by two blanks where it belongs to the line before. Long texts of
+/// strangers are cut short; the JSON has them whole.
+std::vector<std::string> RuleLines(const ExplainedRule& rule);
+
+/// The most telling of these in one line: the window that came closest, the comparison that decided. Empty when the
+/// reason says it all.
+std::string RuleSummary(const ExplainedRule& rule);
+
+} // namespace diagnosis
+
+#endif

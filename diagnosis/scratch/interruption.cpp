@@ -1,0 +1,125 @@
+#include "diagnosis/scratch/interruption.h"
+
+#include <climits>
+#include <cstring>
+#include <iterator>
+
+#include <unistd.h>
+
+#include "diagnosis/scratch/tree_removal.h"
+
+namespace diagnosis {
+
+namespace {
+
+constexpr int SIGNALS[] = {SIGHUP, SIGINT, SIGPIPE, SIGTERM};
+// A capture of a log that has to be copied takes four.
+constexpr int SLOTS = 8;
+
+/// What the signal handler tidies up, written while the signals are held back. Without a group it is the folder.
+struct Slot {
+    pid_t owner; ///< 0 while it is free
+    pid_t group;
+    char folder[PATH_MAX];
+};
+Slot slots[SLOTS];
+struct sigaction actionsBefore[std::size(SIGNALS)];
+int usedSlots = 0;
+
+void TidyUpAndEnd(int number)
+{
+    // Programs first: they may write into a folder.
+    for (const bool isGroup : {true, false}) {
+        for (const Slot& slot : slots) {
+            if (slot.owner != getpid() || (slot.group != 0) != isGroup) {
+                continue;
+            }
+            isGroup ? static_cast<void>(kill(-slot.group, SIGKILL)) : RemoveTree(slot.folder);
+        }
+    }
+    // The handler is reset and not blocked: the process ends here.
+    raise(number);
+}
+
+void ListenToSignals()
+{
+    struct sigaction action = {};
+    action.sa_handler = TidyUpAndEnd;
+    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
+    for (std::size_t i = 0; i < std::size(SIGNALS); ++i) {
+        sigaction(SIGNALS[i], nullptr, &actionsBefore[i]);
+        if (actionsBefore[i].sa_handler == SIG_DFL) {
+            sigaction(SIGNALS[i], &action, nullptr);
+        }
+    }
+}
+
+void StopListening()
+{
+    for (std::size_t i = 0; i < std::size(SIGNALS); ++i) {
+        if (actionsBefore[i].sa_handler == SIG_DFL) {
+            sigaction(SIGNALS[i], &actionsBefore[i], nullptr);
+        }
+    }
+}
+
+int TakeSlot(const std::string& folder, pid_t group)
+{
+    const SignalsHeldBack heldBack;
+    for (int number = 0; number < SLOTS; ++number) {
+        Slot& slot = slots[number];
+        if (slot.owner != getpid() && folder.size() < sizeof(slot.folder)) {
+            slot.group = group;
+            std::memcpy(slot.folder, folder.c_str(), folder.size() + 1);
+            slot.owner = getpid();
+            if (usedSlots++ == 0) {
+                ListenToSignals();
+            }
+            return number;
+        }
+    }
+    return -1;
+}
+
+} // namespace
+
+void Interruption::Remove(const std::string& folder)
+{
+    Forget();
+    mSlot = TakeSlot(folder, 0);
+}
+
+void Interruption::Kill(pid_t group)
+{
+    Forget();
+    mSlot = TakeSlot("", group);
+}
+
+void Interruption::Forget()
+{
+    const SignalsHeldBack heldBack;
+    if (mSlot >= 0 && slots[mSlot].owner == getpid()) {
+        slots[mSlot].owner = 0;
+        if (--usedSlots == 0) {
+            StopListening();
+        }
+    }
+    mSlot = -1;
+}
+
+SignalsHeldBack::SignalsHeldBack()
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int number : SIGNALS) {
+        sigaddset(&signals, number);
+    }
+    sigprocmask(SIG_BLOCK, &signals, &mMaskBefore);
+}
+
+SignalsHeldBack::~SignalsHeldBack()
+{
+    sigprocmask(SIG_SETMASK, &mMaskBefore, nullptr);
+}
+
+} // namespace diagnosis

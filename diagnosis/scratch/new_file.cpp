@@ -1,0 +1,44 @@
+#include "diagnosis/scratch/new_file.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+
+namespace diagnosis {
+
+namespace fs = std::filesystem;
+
+std::optional<std::string> NewFile::Make(const std::string& path)
+{
+    std::error_code error;
+    if (fs::is_directory(path, error)) {
+        return "is a folder";
+    }
+    // A device or a pipe would be replaced by the file.
+    if (fs::exists(path, error) && !fs::is_regular_file(path, error)) {
+        return "is no plain file";
+    }
+    const fs::path folder = fs::path(path).parent_path();
+    if (const auto reason = mFolder.MakeIn(folder.empty() ? "." : folder.string())) {
+        return "can't be written: " + *reason;
+    }
+    mPath = path;
+    return std::nullopt;
+}
+
+std::optional<std::string> NewFile::PutInPlace()
+{
+    if (std::rename(TemporaryPath().c_str(), mPath.c_str()) != 0) {
+        return std::string("can't be put in place: ") + std::strerror(errno);
+    }
+    return std::nullopt;
+}
+
+bool IsOneFile(const std::string& one, const std::string& other)
+{
+    std::error_code error;
+    return fs::equivalent(one, other, error);
+}
+
+} // namespace diagnosis

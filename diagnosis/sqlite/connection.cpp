@@ -1,0 +1,168 @@
+#include "diagnosis/sqlite/connection.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <limits>
+
+#include <sqlite3.h>
+
+namespace diagnosis {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// SQLite would wait for the other end of a pipe.
+std::string ReasonAgainst(const std::string& path)
+{
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    return fs::is_directory(status) ? "is a folder"
+        : fs::exists(status) && !fs::is_regular_file(status) ? "is no plain file" : "";
+}
+
+std::uint64_t SizeOf(const std::string& path)
+{
+    std::error_code error;
+    const auto size = fs::file_size(path, error);
+    return error ? 0 : size;
+}
+
+} // namespace
+
+void Statement::Finalizer::operator()(sqlite3_stmt* statement) const
+{
+    sqlite3_finalize(statement);
+}
+
+void Statement::Bind(int parameter, std::int64_t value)
+{
+    sqlite3_bind_int64(mStatement.get(), parameter, value);
+}
+
+void Statement::Bind(int parameter, const std::string& text)
+{
+    sqlite3_bind_text64(mStatement.get(), parameter, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+}
+
+void Statement::BindNull(int parameter)
+{
+    sqlite3_bind_null(mStatement.get(), parameter);
+}
+
+bool Statement::Step()
+{
+    return sqlite3_step(mStatement.get()) == SQLITE_ROW;
+}
+
+void Statement::Reset()
+{
+    sqlite3_reset(mStatement.get());
+}
+
+bool Statement::IsNull(int column) const
+{
+    return sqlite3_column_type(mStatement.get(), column) == SQLITE_NULL;
+}
+
+bool Statement::IsInteger(int column) const
+{
+    return sqlite3_column_type(mStatement.get(), column) == SQLITE_INTEGER;
+}
+
+std::int64_t Statement::Integer(int column) const
+{
+    return sqlite3_column_int64(mStatement.get(), column);
+}
+
+std::string Statement::Text(int column) const
+{
+    const auto* text = sqlite3_column_text(mStatement.get(), column);
+    const auto length = static_cast<std::size_t>(sqlite3_column_bytes(mStatement.get(), column));
+    return text == nullptr ? std::string() : std::string(reinterpret_cast<const char*>(text), length);
+}
+
+void Connection::Closer::operator()(sqlite3* database) const
+{
+    sqlite3_close_v2(database);
+}
+
+bool Connection::Open(const std::string& path, Mode mode)
+{
+    mRefusal = ReasonAgainst(path);
+    if (!mRefusal.empty()) {
+        return false;
+    }
+    mFileBytes = SizeOf(path) + SizeOf(path + "-wal");
+    sqlite3* database = nullptr;
+    const int flags = mode == Mode::READ_ONLY ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    const int result = sqlite3_open_v2(path.c_str(), &database, flags, nullptr);
+    mDatabase.reset(database);
+    return result == SQLITE_OK;
+}
+
+bool Connection::Execute(const std::string& sql)
+{
+    return sqlite3_exec(mDatabase.get(), sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
+std::optional<Statement> Connection::Prepare(const std::string& sql)
+{
+    sqlite3_stmt* prepared = nullptr;
+    if (sqlite3_prepare_v2(mDatabase.get(), sql.c_str(), -1, &prepared, nullptr) != SQLITE_OK) {
+        return std::nullopt;
+    }
+    Statement statement;
+    statement.mStatement.reset(prepared);
+    return statement;
+}
+
+void Connection::LimitToFile()
+{
+    // Steps of SQLite's machine: a row of thirty bytes is read, joined and sorted in some hundred.
+    static constexpr std::int64_t LEAST_WORK = 100'000'000;
+    static constexpr std::int64_t WORK_OF_A_BYTE = 200;
+    static constexpr std::int64_t MOST_BYTES = std::int64_t{1} << 50;
+    static constexpr int STEPS_AT_A_TIME = 1'000'000;
+    static constexpr std::uint64_t LEAST_LENGTH = 1'000'000;
+    const auto bytes = std::min<std::int64_t>(MOST_BYTES, static_cast<std::int64_t>(mFileBytes));
+    mWorkLeft = std::make_unique<std::int64_t>(LEAST_WORK + WORK_OF_A_BYTE * bytes);
+    const auto isOver = [](void* left) { return (*static_cast<std::int64_t*>(left) -= STEPS_AT_A_TIME) < 0 ? 1 : 0; };
+    sqlite3_progress_handler(mDatabase.get(), STEPS_AT_A_TIME, isOver, mWorkLeft.get());
+    const auto length = std::min<std::uint64_t>(std::max(LEAST_LENGTH, mFileBytes), std::numeric_limits<int>::max());
+    sqlite3_limit(mDatabase.get(), SQLITE_LIMIT_LENGTH, static_cast<int>(length));
+}
+
+bool Connection::IsInterrupted() const
+{
+    return sqlite3_errcode(mDatabase.get()) == SQLITE_INTERRUPT;
+}
+
+bool Connection::HasError() const
+{
+    const int code = sqlite3_errcode(mDatabase.get());
+    return code != SQLITE_OK && code != SQLITE_ROW && code != SQLITE_DONE;
+}
+
+std::string Connection::GetError() const
+{
+    if (!mRefusal.empty()) {
+        return mRefusal;
+    }
+    if (IsInterrupted()) {
+        return "takes more work than a database of its size can need";
+    }
+    return mDatabase == nullptr ? "out of memory" : sqlite3_errmsg(mDatabase.get());
+}
+
+std::int64_t Connection::LastRowId() const
+{
+    return sqlite3_last_insert_rowid(mDatabase.get());
+}
+
+bool Connection::Close()
+{
+    return sqlite3_close(mDatabase.release()) == SQLITE_OK;
+}
+
+} // namespace diagnosis

@@ -1,0 +1,149 @@
+#include "diagnosis/text/json_writer.h"
+
+#include <cstdio>
+
+#include "diagnosis/text/printable.h"
+
+namespace diagnosis {
+
+namespace {
+
+void AppendCharacter(std::string& line, std::string_view character)
+{
+    switch (character[0]) {
+    case '"':
+        line += "\\\"";
+        return;
+    case '\\':
+        line += "\\\\";
+        return;
+    case '\n':
+        line += "\\n";
+        return;
+    case '\r':
+        line += "\\r";
+        return;
+    case '\t':
+        line += "\\t";
+        return;
+    default:
+        break;
+    }
+    if (static_cast<unsigned char>(character[0]) < 0x20 || character[0] == 0x7F) {
+        char escape[7];
+        std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned int>(character[0]));
+        line += escape;
+        return;
+    }
+    line += character;
+}
+
+void AppendQuoted(std::string& line, std::string_view text)
+{
+    line += '"';
+    while (!text.empty()) {
+        const std::size_t length = Utf8Length(text);
+        if (length == 0) {
+            line += "\xEF\xBF\xBD";
+        } else {
+            AppendCharacter(line, text.substr(0, length));
+        }
+        text.remove_prefix(length == 0 ? 1 : length);
+    }
+    line += '"';
+}
+
+} // namespace
+
+void JsonWriter::Separate()
+{
+    if (mAfterKey) {
+        mAfterKey = false;
+        return;
+    }
+    if (!mHasMember.empty()) {
+        if (mHasMember.back()) {
+            mLine += ", ";
+        }
+        mHasMember.back() = true;
+    }
+}
+
+JsonWriter& JsonWriter::BeginObject()
+{
+    Separate();
+    mLine += '{';
+    mHasMember.push_back(false);
+    return *this;
+}
+
+JsonWriter& JsonWriter::EndObject()
+{
+    mLine += '}';
+    mHasMember.pop_back();
+    return *this;
+}
+
+JsonWriter& JsonWriter::BeginArray()
+{
+    Separate();
+    mLine += '[';
+    mHasMember.push_back(false);
+    return *this;
+}
+
+JsonWriter& JsonWriter::EndArray()
+{
+    mLine += ']';
+    mHasMember.pop_back();
+    return *this;
+}
+
+JsonWriter& JsonWriter::Key(std::string_view key)
+{
+    Separate();
+    AppendQuoted(mLine, key);
+    mLine += ": ";
+    mAfterKey = true;
+    return *this;
+}
+
+JsonWriter& JsonWriter::Text(std::string_view text)
+{
+    Separate();
+    AppendQuoted(mLine, text);
+    return *this;
+}
+
+JsonWriter& JsonWriter::Number(std::int64_t number)
+{
+    return Raw(std::to_string(number));
+}
+
+JsonWriter& JsonWriter::Bool(bool value)
+{
+    return Raw(value ? "true" : "false");
+}
+
+JsonWriter& JsonWriter::Null()
+{
+    return Raw("null");
+}
+
+JsonWriter& JsonWriter::Raw(std::string_view json)
+{
+    Separate();
+    mLine += json;
+    return *this;
+}
+
+JsonWriter& JsonWriter::Texts(const std::vector<std::string>& texts)
+{
+    BeginArray();
+    for (const std::string& text : texts) {
+        Text(text);
+    }
+    return EndArray();
+}
+
+} // namespace diagnosis

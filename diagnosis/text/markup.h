@@ -1,0 +1,21 @@
+#ifndef ARBORIST_DIAGNOSIS_TEXT_MARKUP_H
+#define ARBORIST_DIAGNOSIS_TEXT_MARKUP_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace diagnosis {
+
+/// The text for XML and HTML, in content and in quoted attributes alike. Whatever bytes it holds, no markup comes of
+/// them and the document stays well-formed: what Printable escapes is escaped here too.
+std::string Markup(std::string_view text);
+
+/// The printable text in lines of at most `width` characters, broken at blanks where there are any. What doesn't fit
+/// in `mostLines` ends in an ellipsis. The empty text has no lines.
+std::vector<std::string> Wrapped(std::string_view text, std::size_t width, std::size_t mostLines);
+
+} // namespace diagnosis
+
+#endif

@@ -1,0 +1,31 @@
+#ifndef ARBORIST_DIAGNOSIS_TEXT_RUNNING_HASH_H
+#define ARBORIST_DIAGNOSIS_TEXT_RUNNING_HASH_H
+
+#include <cstdint>
+#include <string_view>
+
+namespace diagnosis {
+
+/// Hash of a text that grows at its end: what the hash of "a" is extended by "b" to is the hash of "ab". Strangers can
+/// make texts with equal hashes, so that equal hashes prove nothing.
+class RunningHash {
+public:
+    RunningHash Extended(std::string_view text) const
+    {
+        static constexpr std::uint64_t FNV_PRIME = 0x100000001B3;
+        RunningHash longer = *this;
+        for (const char byte : text) {
+            longer.mValue = (longer.mValue ^ static_cast<unsigned char>(byte)) * FNV_PRIME;
+        }
+        return longer;
+    }
+
+    std::uint64_t Value() const { return mValue; }
+
+private:
+    std::uint64_t mValue = 0xCBF29CE484222325;
+};
+
+} // namespace diagnosis
+
+#endif

@@ -1,0 +1,78 @@
+#include "diagnosis/bundle/moment.h"
+
+#include <cstdlib>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/case_name.h"
+
+namespace {
+
+using diagnosis::FormatMoment;
+using diagnosis::IsMomentText;
+using diagnosis::IsTimeZone;
+using diagnosis::ParseMoment;
+using diagnosis::TimeZoneGuard;
+
+constexpr char BERLIN[] = "CET-1CEST,M3.5.0,M10.5.0/3";
+
+struct ZoneCase { const char* name; const char* zone; bool isOne; };
+void PrintTo(const ZoneCase& zoneCase, std::ostream* out) { *out << zoneCase.name; }
+class TimeZoneText : public testing::TestWithParam<ZoneCase> {};
+
+TEST_P(TimeZoneText, IsAZoneOrNot)
+{
+    EXPECT_EQ(IsTimeZone(GetParam().zone), GetParam().isOne);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, TimeZoneText, testing::Values(
+    ZoneCase{"Utc", "UTC", true}, ZoneCase{"RuleWithSummerTime", BERLIN, true}, ZoneCase{"Offset", "<+03>-3", true},
+    ZoneCase{"RuleWithoutChanges", "EST5EDT", true}, ZoneCase{"Empty", "", false},
+    ZoneCase{"UnknownName", "Europe/Nowhere", false}, ZoneCase{"Absolute", "/etc/localtime", false},
+    ZoneCase{"AboveTheDatabase", "../../etc/passwd", false}, ZoneCase{"Folder", "Europe", false},
+    ZoneCase{"Words", "not a zone", false}, ZoneCase{"RuleWithSeconds", "AAA-1:02:03BBB+10:30,J60/-1,300/2:00", true},
+    ZoneCase{"RuleWithAQuotedNameOfTwo", "<+3>-3", false}, ZoneCase{"RuleWithoutAnOffset", "ABCD", false},
+    ZoneCase{"RuleWithOneChange", "CET-1CEST,M3.5.0", false}, ZoneCase{"RuleWithAThirdChange",
+        "CET-1CEST,M3.5.0,M10.5.0,M11.5.0", false}, ZoneCase{"RuleWithAWeekTooMany", "CET-1CEST,M3.6.0,M10.5.0", false},
+    ZoneCase{"RuleWithALongOffset", "CET-1000", false}, ZoneCase{"RuleWithAnOpenName", "<+03-3", false},
+    ZoneCase{"RuleWithShortMinutes", "CET-1:3", false}), CaseName());
+
+TEST(MomentTest, LocalTimeAndSecondsNameTheSameMoment)
+{
+    const TimeZoneGuard zone(BERLIN);
+    EXPECT_EQ(ParseMoment("2024-05-01 10:00:00"), 1714550400);
+    EXPECT_EQ(ParseMoment("1714550400"), 1714550400);
+    EXPECT_EQ(ParseMoment("-1"), -1);
+    EXPECT_EQ(FormatMoment(1714550400), "2024-05-01 10:00:00");
+    EXPECT_EQ(FormatMoment(-1), "1970-01-01 00:59:59");
+}
+
+TEST(MomentTest, WhatIsNoMomentIsNone)
+{
+    const TimeZoneGuard zone(BERLIN);
+    for (const char* text : {"", "now", "2024-05-01", "2024-05-01T10:00:00", "2024-13-01 00:00:00", "2023-02-29 00:00:00",
+             "2024-05-01 24:00:00", "2024-05-01 10:60:00", "2024-05-01 10:00:61", "1e9", "5 ", "+5",
+             "99999999999999999999"}) {
+        EXPECT_EQ(ParseMoment(text), std::nullopt) << text;
+        EXPECT_FALSE(IsMomentText(text)) << text;
+    }
+    EXPECT_EQ(ParseMoment("2024-03-31 02:30:00"), std::nullopt) << "the clocks skipped it";
+    EXPECT_TRUE(IsMomentText("2024-03-31 02:30:00")) << "it exists elsewhere";
+    EXPECT_TRUE(IsMomentText("2024-02-29 00:00:00"));
+    EXPECT_EQ(FormatMoment(INT64_MAX), std::nullopt);
+    EXPECT_EQ(FormatMoment(253402300800), std::nullopt) << "the year 10000";
+}
+
+TEST(MomentTest, TheGuardGivesTheZoneBack)
+{
+    const std::string before = std::getenv("TZ") == nullptr ? "" : std::getenv("TZ");
+    {
+        const TimeZoneGuard zone("UTC");
+        EXPECT_EQ(FormatMoment(0), "1970-01-01 00:00:00");
+        const TimeZoneGuard same("");
+        EXPECT_EQ(FormatMoment(0), "1970-01-01 00:00:00");
+    }
+    EXPECT_EQ(std::getenv("TZ") == nullptr ? "" : std::getenv("TZ"), before);
+}
+
+} // namespace

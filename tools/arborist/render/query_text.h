@@ -1,0 +1,15 @@
+#ifndef ARBORIST_TOOLS_RENDER_QUERY_TEXT_H
+#define ARBORIST_TOOLS_RENDER_QUERY_TEXT_H
+
+#include <string>
+
+#include "diagnosis/detection/query.h"
+
+namespace diagnosis::command {
+
+/// What the rule set says of a code, for people; ends with a line end.
+std::string QueryText(const QueryReport& report);
+
+} // namespace diagnosis::command
+
+#endif

@@ -1,0 +1,67 @@
+#include "tools/arborist/terminal/output.h"
+
+#include <iostream>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "diagnosis/bundle/library_log.h"
+#include "diagnosis/text/printable.h"
+
+namespace diagnosis::command {
+
+namespace {
+
+// Messages about the bundle as a whole begin with its path anyway.
+std::string About(const std::string& about, const std::string& message)
+{
+    return message.rfind(about + ": ", 0) == 0 ? message : about + ": " + message;
+}
+
+} // namespace
+
+void KeepStandardStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0) {
+            // The lowest free number is this one. Opened for what nobody does with it.
+            [[maybe_unused]] const int opened = open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+        }
+    }
+}
+
+void PrintResult(const std::string& text)
+{
+    std::cout << text << std::flush;
+}
+
+void PrintError(const std::string& message)
+{
+    std::cerr << "arborist: " + Printable(message) + "\n";
+}
+
+void PrintProblems(const std::string& about, const std::vector<Warning>& warnings, const Failure* failure)
+{
+    for (const Warning& warning : warnings) {
+        PrintError(about + ": warning: " + warning.message);
+    }
+    if (failure != nullptr) {
+        PrintError(About(about, failure->message) + " [" + failure->code + "]");
+    }
+}
+
+ExitStatus FinishOutput(ExitStatus status)
+{
+    std::cout.flush();
+    if (!std::cout.good()) {
+        PrintError("standard output could not be written");
+        status = ExitStatus::INTERNAL;
+    }
+    if (const auto problem = LibraryLogProblem()) {
+        PrintError(*problem);
+        status = ExitStatus::INTERNAL;
+    }
+    return status;
+}
+
+} // namespace diagnosis::command
