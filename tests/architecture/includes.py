@@ -1,28 +1,94 @@
-"""Holds the #include lines of the tree against the map of the house: they point down, never up."""
+"""Holds the #include lines of the tree against the map of the house: they point down, never up, and go in no circle."""
 import re
 from pathlib import Path
 
-# Level of each subsystem; a file includes its own subsystem and what lies lower.
-LEVELS = {
-    "utilities": 1,
-    "model": 2,
-    "loading": 3,
-    "stores": 3,
-    "evaluation": 4,
-    "deduction": 4,
-}
-GROUND = {"arborist_export", "frame/log", "frame/settings", "frame/fault_tree_prop_global"}
-RECORDS = {"frame/detect_info", "frame/fault_tree_result", "frame/detection_observer"}
-FACADE = {"arborist", "frame/arborist", "frame/repair"}
 
-# Foreign headers that stay behind one door inside the library.
+class Storey:
+    """A folder of the root with its rooms, from the highest level to the lowest.
+
+    A room includes itself, with the folders in it, and the rooms of lower levels. `files` names, without their endings,
+    files that stand in another room than their folder's.
+    """
+
+    def __init__(self, folder, levels, files=None):
+        self.folder = folder
+        self.files = files or {}
+        self.level_of = {room: len(levels) - index for index, rooms in enumerate(levels) for room in rooms}
+
+    def owns(self, path):
+        return path.startswith(self.folder + "/")
+
+    def inside(self, path):
+        return path[len(self.folder) + 1:]
+
+    def room(self, path):
+        """The room of a file, or None: the deepest that holds it."""
+        name = self.inside(path)
+        stem = name.rsplit(".", 1)[0]
+        if stem in self.files:
+            return self.files[stem]
+        folder = name.rpartition("/")[0]
+        while folder and folder not in self.level_of:
+            folder = folder.rpartition("/")[0]
+        return folder if folder in self.level_of else None
+
+    def place(self, path):
+        """Where a file stands for circles of folders: the room that `files` says, else its own folder."""
+        stem = self.inside(path).rsplit(".", 1)[0]
+        return self.files.get(stem, self.inside(path).rpartition("/")[0])
+
+
+def files_in(room, names):
+    return {name: room for name in names.split()}
+
+
+# The highest first. A file includes its own storey and the public headers of those below.
+STOREYS = [
+    Storey("tools/arborist", [
+        ["the command"],
+        ["commands"],
+        ["batch", "manual", "render"],
+        ["terminal"],
+    ], {"main": "the command"}),
+    Storey("diagnosis", [
+        ["report"],
+        ["results", "drawing"],
+        ["capture"],
+        ["analysis", "detection"],
+        ["evidence"],
+        ["log_db"],
+        ["bundle"],
+        ["archive", "sqlite"],
+        ["text", "scratch"],
+        ["the ground"],
+    ], files_in("the ground", "problem exit_status")),
+    Storey("arborist", [
+        ["the facade"],
+        ["evaluation", "deduction"],
+        ["loading", "stores"],
+        ["stores/sql"],
+        ["model", "the records"],
+        ["utilities"],
+        ["the ground"],
+    ], {
+        **files_in("the facade", "arborist frame/arborist frame/repair"),
+        **files_in("the records", "frame/detect_info frame/fault_tree_result frame/detection_observer"),
+        **files_in("the ground", "arborist_export frame/log frame/settings frame/fault_tree_prop_global"),
+    }),
+]
+ENGINE = STOREYS[-1]
+
+# Pairs of rooms of one level that may know each other, and rooms that see less than all below them.
+NEIGHBOURS = [{"model", "the records"}]
+SEES_ONLY = {"arborist/stores/sql": {"the ground"}}
+
+# Foreign headers that stay behind one door in each storey.
 DOORS = {
-    "tinyxml2.h": "loading/",
-    "sqlite3.h": "stores/sql/",
-    "unzip.h": "utilities/",
-    "zip.h": "utilities/",
-    "minizip/unzip.h": "utilities/",
-    "minizip/zip.h": "utilities/",
+    "tinyxml2.h": ("arborist/loading/", "diagnosis/bundle/rule_paths."),
+    "sqlite3.h": ("arborist/stores/sql/", "diagnosis/sqlite/", "tools/arborist/commands/versions."),
+    **{header: ("arborist/utilities/", "diagnosis/archive/")
+       for header in ("unzip.h", "zip.h", "minizip/unzip.h", "minizip/zip.h")},
+    "CLI/CLI.hpp": ("tools/arborist/commands/", "tools/arborist/manual/"),
 }
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*["<]([^">]+)[">]', re.MULTILINE)
@@ -32,54 +98,56 @@ def includes_of(text):
     return INCLUDE.findall(text)
 
 
-def place_of(path):
-    """The level and the subsystem of a library file, named from the library's folder without its ending."""
-    if path in GROUND:
-        return 0, "ground"
-    if path in RECORDS:
-        return 2, "model"
-    if path in FACADE:
-        return 5, "facade"
-    subsystem = path.split("/")[0]
-    if subsystem not in LEVELS:
-        return None, subsystem
-    if path.startswith("stores/sql/"):
-        return 3, "stores/sql"
-    return LEVELS[subsystem], subsystem
+def storey_of(path):
+    return next((storey for storey in STOREYS if storey.owns(path)), None)
 
 
-def library_faults(name, text, public):
-    """What is wrong with one library file; `name` from the library's folder, `public` the public headers."""
+def is_public(include, public):
+    return not ENGINE.owns(include) or ENGINE.inside(include) in public
+
+
+def fault_inside(storey, path, include):
+    """What is wrong with an include within one storey, or None."""
+    room, target = storey.room(path), storey.room(include)
+    if target is None:
+        return f"{include} is in no known room"
+    if storey.folder + "/" + room in SEES_ONLY and target not in SEES_ONLY[storey.folder + "/" + room] | {room}:
+        return f"{include} is not for {room}"
+    if room != target and {room, target} not in NEIGHBOURS and storey.level_of[target] >= storey.level_of[room]:
+        return f"{include} points up or sideways"
+    return None
+
+
+def public_header_faults(name, include, public):
+    """What is wrong with an include of a public header: others can read it who have public headers alone."""
+    if ENGINE.owns(include):
+        target = ENGINE.inside(include)
+        return [] if target in public or target == "arborist_export.h" else [f"a public header includes the private {include}"]
+    return [f"a public header includes {include}"] if "/" in include else []
+
+
+def file_faults(path, text, public):
+    """What is wrong with one file, named from the root; `public` are the engine's public headers."""
+    storey = storey_of(path)
     faults = []
-    stem = name.rsplit(".", 1)[0]
-    level, subsystem = place_of(stem)
-    if level is None:
-        return [f"arborist/{name}: in no known subsystem"]
+    if storey and storey.room(path) is None:
+        return [f"{path}: in no known room"]
     for include in includes_of(text):
-        if include in DOORS and not name.startswith(DOORS[include]):
-            faults.append(f"arborist/{name}: {include} stays in {DOORS[include]}")
-        if not include.startswith("arborist/"):
-            if name in public and "/" in include:
-                faults.append(f"arborist/{name}: a public header includes {include}")
+        target = storey_of(include)
+        if include in DOORS and not path.startswith(DOORS[include]):
+            faults.append(f"{path}: {include} stays in " + ", ".join(DOORS[include]))
+        if storey is ENGINE and ENGINE.inside(path) in public:
+            faults += [f"{path}: {fault}" for fault in public_header_faults(path, include, public)]
+        if target is None:
             continue
-        target = include[len("arborist/"):]
-        if name in public and target not in public and target != "arborist_export.h":
-            faults.append(f"arborist/{name}: a public header includes the private {include}")
-        target_level, target_subsystem = place_of(target.rsplit(".", 1)[0])
-        if target_level is None:
-            faults.append(f"arborist/{name}: {include} is in no known subsystem")
-        elif subsystem == "stores/sql" and target_subsystem not in ("stores/sql", "ground"):
-            faults.append(f"arborist/{name}: the layer over SQLite knows the log alone, not {include}")
-        elif target_subsystem != subsystem and target_level >= level \
-                and not (subsystem == "stores" and target_subsystem == "stores/sql"):
-            faults.append(f"arborist/{name}: {include} points up or sideways")
+        if target is storey:
+            fault = fault_inside(storey, path, include)
+            faults += [f"{path}: {fault}"] if fault else []
+        elif storey and STOREYS.index(target) < STOREYS.index(storey):
+            faults.append(f"{path}: {include} is of a higher storey")
+        elif not is_public(include, public):
+            faults.append(f"{path}: {include} is not public")
     return faults
-
-
-def outside_faults(name, text, public):
-    """What is wrong with a file of tools/ or examples/: it sees public headers alone."""
-    return [f"{name}: {include} is not public" for include in includes_of(text)
-            if include.startswith("arborist/") and include[len("arborist/"):] not in public]
 
 
 def cycle_in(graph):
@@ -106,8 +174,20 @@ def cycle_in(graph):
     return None
 
 
+def cycle_faults(storey, files):
+    """A circle of files and one of folders in a storey, if there are; `files` are texts by their path from the root."""
+    graph = {path: [include for include in includes_of(text) if storey.owns(include)]
+             for path, text in files.items() if storey.owns(path)}
+    folders = {}
+    for path, targets in graph.items():
+        folders.setdefault(storey.place(path), set()).update(
+            storey.place(target) for target in targets if storey.place(target) != storey.place(path))
+    return [f"{storey.folder}: a circle of {what}: " + " -> ".join(cycle)
+            for what, cycle in (("files", cycle_in(graph)), ("folders", cycle_in(folders))) if cycle]
+
+
 def public_headers(root):
-    """Names, from the library's folder, of the headers in the target's header set."""
+    """Names, from the engine's folder, of the headers in the target's header set."""
     public = {"arborist.h"}
     for lists in (root / "arborist").rglob("CMakeLists.txt"):
         folder = lists.parent.relative_to(root / "arborist").as_posix()
@@ -118,24 +198,14 @@ def public_headers(root):
     return public
 
 
-def source_files(folder):
-    return [path for ending in ("*.h", "*.cpp") for path in folder.rglob(ending)]
+def source_files(root):
+    folders = [storey.folder for storey in STOREYS] + ["examples"]
+    return {path.relative_to(root).as_posix(): path.read_text()
+            for folder in folders for ending in ("*.h", "*.cpp") for path in sorted((root / folder).rglob(ending))}
 
 
 def faults_of(root):
     public = public_headers(root)
-    faults = []
-    graph = {}
-    for path in source_files(root / "arborist"):
-        name = path.relative_to(root / "arborist").as_posix()
-        text = path.read_text()
-        faults += library_faults(name, text, public)
-        graph[name] = [include[len("arborist/"):] for include in includes_of(text)
-                       if include.startswith("arborist/")]
-    for folder in ("tools", "examples"):
-        for path in source_files(root / folder):
-            faults += outside_faults(path.relative_to(root).as_posix(), path.read_text(), public)
-    cycle = cycle_in(graph)
-    if cycle:
-        faults.append("cycle: " + " -> ".join(cycle))
-    return faults
+    files = source_files(root)
+    faults = [fault for path, text in files.items() for fault in file_faults(path, text, public)]
+    return faults + [fault for storey in STOREYS for fault in cycle_faults(storey, files)]

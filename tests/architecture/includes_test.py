@@ -9,8 +9,15 @@ ROOT = Path(__file__).resolve().parents[2]
 PUBLIC = {"arborist.h", "frame/log.h", "model/event_status.h"}
 
 
-def faults(name, include):
-    return includes.library_faults(name, f'#include "{include}"\n', PUBLIC)
+def faults(path, include):
+    return includes.file_faults(path, f'#include "{include}"\n', PUBLIC)
+
+
+def circles(storey, **files):
+    """Circles in a storey with these files: `a__b="c__d"` is the file a/b, which includes c/d."""
+    def path(name):
+        return f"{storey.folder}/" + name.replace("__", "/") + ".h"
+    return includes.cycle_faults(storey, {path(name): f'#include "{path(target)}"\n' for name, target in files.items()})
 
 
 class TreeTest(unittest.TestCase):
@@ -20,41 +27,93 @@ class TreeTest(unittest.TestCase):
     def test_public_headers_are_found(self):
         self.assertIn("frame/log.h", includes.public_headers(ROOT))
 
+    def test_every_room_holds_files(self):
+        files = includes.source_files(ROOT)
+        for storey in includes.STOREYS:
+            held = {storey.room(path) for path in files if storey.owns(path)}
+            self.assertEqual(set(storey.level_of) - held, set(), storey.folder)
+
 
 class CheckTest(unittest.TestCase):
+    def assert_passes(self, *pairs):
+        for path, include in pairs:
+            self.assertEqual(faults(path, include), [], (path, include))
+
+    def assert_faults(self, *pairs):
+        for path, include in pairs:
+            self.assertEqual(len(faults(path, include)), 1, (path, include))
+
     def test_what_points_down_passes(self):
-        self.assertEqual(faults("loading/tree_parser.cpp", "arborist/model/gate.h"), [])
-        self.assertEqual(faults("evaluation/rule_engine.cpp", "arborist/stores/event_log/log_event.h"), [])
-        self.assertEqual(faults("stores/repairs/repair_db_util.cpp", "arborist/stores/sql/sql_table.h"), [])
-        self.assertEqual(faults("frame/arborist.cpp", "arborist/deduction/fault_tree_visitor.h"), [])
+        self.assert_passes(
+            ("arborist/loading/tree_parser.cpp", "arborist/model/gate.h"),
+            ("arborist/evaluation/rule_engine.cpp", "arborist/stores/event_log/log_event.h"),
+            ("arborist/stores/repairs/repair_db_util.cpp", "arborist/stores/sql/sql_table.h"),
+            ("arborist/frame/arborist.cpp", "arborist/deduction/fault_tree_visitor.h"),
+            ("diagnosis/report/report_page.cpp", "diagnosis/drawing/svg_tree.h"),
+            ("tools/arborist/commands/detect_command.cpp", "tools/arborist/render/detection_text.h"))
 
     def test_upwards_and_sideways_are_faults(self):
-        for name, include in [
-                ("model/gate.h", "arborist/loading/tree_parser.h"),
-                ("loading/tree_parser.cpp", "arborist/stores/event_log/log_event.h"),
-                ("evaluation/rule_engine.cpp", "arborist/deduction/cause_node.h"),
-                ("utilities/file_util.cpp", "arborist/model/gate.h"),
-                ("stores/sql/sql_table.h", "arborist/utilities/file_util.h"),
-                ("stores/sql/sql_table.h", "arborist/stores/event_log/log_event.h"),
-                ("evaluation/rule_engine.cpp", "arborist/frame/arborist.h"),
-                ("frame/log.cpp", "arborist/utilities/file_util.h")]:
-            self.assertEqual(len(faults(name, include)), 1, (name, include))
+        self.assert_faults(
+            ("arborist/model/gate.h", "arborist/loading/tree_parser.h"),
+            ("arborist/loading/tree_parser.cpp", "arborist/stores/event_log/log_event.h"),
+            ("arborist/evaluation/rule_engine.cpp", "arborist/deduction/cause_node.h"),
+            ("arborist/utilities/file_util.cpp", "arborist/model/gate.h"),
+            ("arborist/stores/sql/sql_table.h", "arborist/utilities/file_util.h"),
+            ("arborist/stores/sql/sql_table.h", "arborist/stores/event_log/log_event.h"),
+            ("diagnosis/text/json_text.cpp", "diagnosis/results/detection_json.h"),
+            ("diagnosis/analysis/gate_logic.cpp", "diagnosis/detection/detection.h"),
+            ("tools/arborist/batch/batch.cpp", "tools/arborist/commands/commands.h"))
+
+    def test_the_files_of_the_frame_stand_on_three_levels(self):
+        self.assert_passes(
+            ("arborist/frame/arborist.cpp", "arborist/frame/detect_info.h"),
+            ("arborist/frame/detect_info.h", "arborist/frame/log.h"),
+            ("arborist/frame/detect_info.h", "arborist/model/event_status.h"))
+        self.assert_faults(
+            ("arborist/evaluation/rule_engine.cpp", "arborist/frame/arborist.h"),
+            ("arborist/frame/log.cpp", "arborist/frame/detect_info.h"),
+            ("arborist/frame/log.cpp", "arborist/utilities/file_util.h"),
+            ("arborist/frame/detect_info.cpp", "arborist/frame/arborist.h"))
+        self.assertEqual(faults("arborist/frame/newcomer.h", "string"), ["arborist/frame/newcomer.h: in no known room"])
+
+    def test_a_storey_sees_none_above_it(self):
+        self.assert_passes(("tools/arborist/commands/x.cpp", "diagnosis/detection/detection.h"))
+        self.assert_faults(
+            ("arborist/frame/arborist.cpp", "diagnosis/problem.h"),
+            ("diagnosis/detection/detection.cpp", "tools/arborist/terminal/output.h"))
+
+    def test_other_storeys_and_examples_see_public_headers_alone(self):
+        for path in ("diagnosis/text/x.cpp", "tools/arborist/batch/x.cpp", "examples/x.cpp"):
+            self.assert_passes((path, "arborist/frame/log.h"))
+            self.assert_faults((path, "arborist/model/gate.h"))
 
     def test_foreign_headers_stay_behind_their_doors(self):
-        self.assertEqual(faults("loading/tree_parser.cpp", "tinyxml2.h"), [])
-        self.assertEqual(len(faults("model/gate.cpp", "tinyxml2.h")), 1)
-        self.assertEqual(len(faults("stores/repairs/repair_db_util.cpp", "sqlite3.h")), 1)
+        self.assert_passes(("arborist/loading/tree_parser.cpp", "tinyxml2.h"),
+                           ("diagnosis/sqlite/connection.cpp", "sqlite3.h"))
+        self.assert_faults(("arborist/model/gate.h", "tinyxml2.h"),
+                           ("arborist/stores/repairs/repair_db_util.cpp", "sqlite3.h"),
+                           ("diagnosis/log_db/event_log.cpp", "sqlite3.h"),
+                           ("tools/arborist/render/query_text.cpp", "CLI/CLI.hpp"))
 
     def test_public_headers_know_no_private_ones(self):
-        self.assertEqual(len(faults("frame/log.h", "arborist/frame/fault_tree_prop_global.h")), 1)
+        self.assert_faults(("arborist/frame/log.h", "arborist/frame/fault_tree_prop_global.h"),
+                           ("arborist/frame/log.h", "json/value.h"))
 
-    def test_tools_see_public_headers_alone(self):
-        self.assertEqual(includes.outside_faults("tools/x.cpp", '#include "arborist/frame/log.h"\n', PUBLIC), [])
-        self.assertEqual(len(includes.outside_faults("tools/x.cpp", '#include "arborist/model/gate.h"\n', PUBLIC)), 1)
+    def test_a_file_outside_every_room_is_a_fault(self):
+        self.assert_faults(("diagnosis/attic/x.cpp", "string"), ("diagnosis/newcomer.h", "string"))
 
-    def test_a_cycle_is_found(self):
+    def test_a_circle_is_found(self):
         self.assertIsNone(includes.cycle_in({"a": ["b"], "b": ["c"], "c": []}))
         self.assertEqual(includes.cycle_in({"a": ["b"], "b": ["c"], "c": ["b"]}), ["b", "c", "b"])
+
+    def test_a_circle_of_folders_is_found_where_no_files_go_in_one(self):
+        engine = includes.ENGINE
+        self.assertEqual(circles(engine, stores__a__x="stores__b__y", stores__c__z="stores__a__x"), [])
+        self.assertEqual(circles(engine, stores__a__x="stores__b__y", stores__b__z="stores__a__w"),
+                         ["arborist: a circle of folders: stores/a -> stores/b -> stores/a"])
+
+    def test_the_levels_of_the_frame_make_no_circle(self):
+        self.assertEqual(circles(includes.ENGINE, frame__arborist="model__gate", model__gate="frame__log"), [])
 
 
 if __name__ == "__main__":

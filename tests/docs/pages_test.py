@@ -18,7 +18,7 @@ class PagesTest(unittest.TestCase):
         self.assertEqual([page.name for page in sorted(pages.DOCS.rglob("*.md")) if page not in reached], [])
 
     def test_every_path_in_the_architecture_exists(self):
-        paths = re.findall(r"`((?:arborist|tests|bench|fuzz|tools|examples|scripts|docs)/[^`\s]*\.\w+)`",
+        paths = re.findall(r"`((?:arborist|diagnosis|tests|bench|fuzz|tools|examples|scripts|docs)/[^`\s]*\.\w+)`",
                            (pages.DOCS / "architecture.md").read_text())
         self.assertGreater(len(paths), 30)
         self.assertEqual([path for path in paths if not (pages.ROOT / path).exists()], [])
