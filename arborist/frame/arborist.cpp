@@ -23,7 +23,7 @@ void TellFile(DetectionObserver& observer, DetectionObserver::RuleSetFile::Kind 
 
 } // namespace
 
-// What tells the three calls for one id of a detect code apart. A logger sees the formats whole.
+// The formats in which the three calls for one id of a detect code differ. A host's logger receives them as they are.
 struct Arborist::FaultDescQuery {
     static constexpr std::string_view TYPE = RuleHelper::FAULT;
     static constexpr char FUNCTION[] = "Arborist::GetCodeRuleFaultDescId";

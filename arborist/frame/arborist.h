@@ -15,15 +15,14 @@ class FaultTreeParser;
 class FaultTreeVisitor;
 class RuleEngine;
 
-/// The engine of one device: asked what is wrong with it, answers with the root causes of every fault tree of the
-/// rule set.
+/// Diagnoses one device: runs every fault tree of a rule set and returns the root causes of each.
 ///
-/// Nothing here throws on purpose: what fails logs a line and gives an empty answer. All calls come from one thread at
-/// a time and block until they are done.
+/// A call that fails logs a line and returns an empty answer; no call throws on purpose. Call from one thread at a
+/// time; each call blocks until it is done.
 class ARBORIST_EXPORT Arborist {
 public:
-    /// Shares ownership of the input, which is read only. With null every call answers empty. No rule file is read
-    /// yet.
+    /// Shares ownership of the input and never writes to it. With null every call returns an empty answer. Reads no
+    /// rule file yet.
     explicit Arborist(std::shared_ptr<DetectInfo> detectInfo);
     ~Arborist();
     Arborist(const Arborist&) = delete;

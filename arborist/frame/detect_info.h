@@ -9,18 +9,18 @@
 
 #include "arborist/arborist_export.h"
 
-/// The host's side of a code rule: a test that only the host can carry out.
+/// Interface that a host implements to carry out code rules: tests that only the host can run.
 class ARBORIST_EXPORT CodeRuleRunner {
 public:
     virtual ~CodeRuleRunner() = default;
 
-    /// Carries the test out and answers whether the fault is present. Called inside a detection, on its thread.
+    /// Carries out the test and returns true if the fault is present. Called during a detection, on its thread.
     /// The ids are those of the first event that uses the rule; `userDefinedInfo` is the rule's own text, unchanged.
     virtual bool RunCodeRule(std::vector<std::string> faultDescriptionIds, std::vector<std::string> suggestionIds,
         std::vector<std::string> repairIds, const std::string& userDefinedInfo) = 0;
 };
 
-/// What is known of the device. All texts; an empty one means not known.
+/// Attributes of the device. All are texts; an empty text means that the attribute is not known.
 class DeviceDetails {
 public:
     DeviceDetails() = default;
@@ -58,22 +58,22 @@ private:
     std::string mBatteryCapacity;
 };
 
-/// What a detection is asked. The host fills it and shares it; the library only reads it.
+/// Input of a detection. The host fills it and shares its ownership; the library only reads it.
 struct DetectInfo {
     /// Number of the detection scene. A rule runs only if its "detectScene" text holds this number in decimal.
     std::int32_t mDetectScene = 0;
-    /// Name of the section that is read in every table of both XML files.
+    /// Tree tag: the name of the element that is read in every section of both XML files.
     std::string mTreeTag;
     /// Directory of the rule set's XML files, without a trailing separator.
     std::string mRuleFileDir;
-    /// The host's own; never read by the library.
+    /// For the host's own use; the library never reads it.
     std::string mReservedText;
-    /// Where recovery logs lie.
+    /// Directory of the recovery logs.
     std::string mLogLocation;
     std::shared_ptr<DeviceDetails> mDeviceDetails;
     /// May be null: code rules then answer false.
     std::shared_ptr<CodeRuleRunner> mCodeRuleRunner;
-    /// When not empty, the XML files are named with this prefix and "_" in front.
+    /// If not empty, both XML files are looked up under this prefix, "_" and their name.
     std::string mRuleFilePrefix;
 };
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-/// The process-wide map behind SetFaultTreeProperty. Created thread-safely on first use, not locked afterwards.
+/// The process-wide map behind SetFaultTreeProperty. Its creation is thread-safe; later calls are not.
 class FaultTreePropGlobal {
 public:
     FaultTreePropGlobal(const FaultTreePropGlobal&) = delete;
@@ -14,10 +14,11 @@ public:
 
     static FaultTreePropGlobal& GetInstance();
 
-    /// The value of `key`, or a copy of `defaultValue` when it was never set.
+    /// Returns the value of `key`, or a copy of `defaultValue` if it was never set.
     std::string GetFaultTreeProperty(std::string_view key, std::string_view defaultValue) const;
 
-    /// Inserts or assigns and answers true; with `overwrite` false and the key present, false and nothing changes.
+    /// Sets the value and returns true; returns false and changes nothing if the key is present and `overwrite` is
+    /// false.
     bool SetFaultTreeProperty(const std::string& key, const std::string& value, bool overwrite);
 
 private:

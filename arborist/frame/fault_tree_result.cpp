@@ -13,7 +13,7 @@ constexpr char OPERATION[] = "operation";
 
 std::string FaultTreeResult::RepairInfo::GetOperation() const
 {
-    // Meant: a text that spells the key out at its own level counts as holding no nested operation.
+    // A text that contains the plain key counts as having no nested operation: hosts rely on the empty answer.
     if (mExtra.empty() || mExtra.find(OPERATION) != std::string::npos) {
         return "";
     }
@@ -23,7 +23,7 @@ std::string FaultTreeResult::RepairInfo::GetOperation() const
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: parseJson err. %s ",
             "FaultTreeResult::RepairInfo::GetOperation", error.c_str());
     }
-    // Into the same value and unchecked: where the inner text holds nothing at all, the outer object answers.
+    // Parsed into the same value, without a check: if the inner text is empty, the outer object answers.
     ParseJson(MemberText(value, mId), value, error);
     return MemberText(value, OPERATION);
 }

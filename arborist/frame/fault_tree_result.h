@@ -7,7 +7,7 @@
 
 #include "arborist/arborist_export.h"
 
-/// The event that a root cause stands on, told by copies of its texts.
+/// Identity of a root cause: copies of the texts of its event.
 struct FaultTreeNode {
     std::string mId;
     std::string mName;
@@ -15,7 +15,7 @@ struct FaultTreeNode {
     std::string mUserDefined;
 };
 
-/// The answer of one detection for one tree. Holds copies and outlives the engine.
+/// Result of one detection for one tree. Holds copies, so it outlives the engine.
 struct ARBORIST_EXPORT FaultTreeResult {
     /// One repair instruction.
     struct ARBORIST_EXPORT RepairInfo {
@@ -23,8 +23,8 @@ struct ARBORIST_EXPORT FaultTreeResult {
         /// A JSON object from repair id to a text that holds JSON itself; empty when the rule set gives none.
         std::string mExtra;
 
-        /// The operation word of this repair, taken from `mExtra`; empty when there is none, and also when `mExtra`
-        /// spells the word "operation" out in plain. A text that is no JSON logs an error.
+        /// Returns the operation word of this repair from `mExtra`; empty if there is none, and also if `mExtra`
+        /// contains the plain word "operation". Logs an error for a text that is no JSON.
         std::string GetOperation() const;
     };
 
@@ -49,7 +49,7 @@ struct ARBORIST_EXPORT FaultTreeResult {
     std::string mTreeId;
     /// True when at least one root cause was found.
     bool mIsFault = false;
-    /// In order of deduction. A cause may stand more than once: once for each cut set that explains the fault.
+    /// In order of deduction. A cause may occur more than once: once for each cut set that explains the fault.
     std::vector<std::shared_ptr<RootCauseResult>> mRootCauseResults;
 };
 

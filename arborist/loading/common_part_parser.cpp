@@ -19,7 +19,7 @@ namespace {
 constexpr char THRESHOLDS_OR_LUMBRA_DATA[] = "thresholdsOrLumbraData";
 constexpr char DEF_DB_TABLE[] = "defDBTable";
 
-// What the "params" blocks of `parent` declare, all in one map; of two with one id the first stays.
+// Collects the parameters of all "params" blocks of `parent` in one map; of two with the same id the first stays.
 ParamMap ParseParamTable(const XMLElement* parent)
 {
     ParamMap params;
@@ -75,7 +75,7 @@ ThresholdOrLumbraBean::LumbraDataList ParseLumbraDataList(const XMLElement* pare
     return items;
 }
 
-// The texts of the "type" children that have one.
+// Collects the texts of the "type" children; a child without text is left out.
 std::vector<std::string> ParseDecompressionType(const XMLElement* parent)
 {
     std::vector<std::string> types;

@@ -14,11 +14,11 @@ class XMLElement;
 /// Reads the "RuleCommonPart" section of the rule file: the data that the rules of one tree tag share.
 class CommonPartParser {
 public:
-    /// Reads the tag's content. False, with an error line, for an empty tag or a document without a root. A document
-    /// that lacks the section, the tag in it or a "commonPart" is in order: a warning line, true and no block.
+    /// Reads the section of the tag. False, with an error line, for an empty tag or a document without a root. If the
+    /// section, the tag in it or the "commonPart" is missing: true, with a warning line and no block.
     bool Parse(const tinyxml2::XMLDocument& document, const std::string& treeTag);
 
-    /// What was read; null when there is no "commonPart".
+    /// The block that was read; null if there is no "commonPart".
     std::shared_ptr<CommonPart::CombineCommonPart> GetCommonPart() const { return mCommonPart; }
 
 private:

@@ -19,7 +19,7 @@ bool IsComparisonWord(std::string_view word)
     return std::find(COMPARISON_WORDS.begin(), COMPARISON_WORDS.end(), word) != COMPARISON_WORDS.end();
 }
 
-// One test of a "multiple_logic"; null without both texts.
+// Reads one test of a "multiple_logic"; null if its id or its value is missing.
 std::shared_ptr<OrLogic::LogicItem> ParseLogicItem(const XMLElement& element)
 {
     const XMLElement* id = nullptr;
@@ -40,7 +40,7 @@ std::shared_ptr<OrLogic::LogicItem> ParseLogicItem(const XMLElement& element)
     return item;
 }
 
-// Everything after the first "value" counts as a value, whatever its name: rule sets rely on it.
+// Every element after the first "value" counts as a value, whatever its name: rule sets rely on it.
 std::vector<std::string> ParseSet(const XMLElement& set)
 {
     std::vector<std::string> values;
@@ -86,7 +86,7 @@ bool ConditionElementParse::ParseSingleLogic(const XMLElement& element, OrLogic&
         return false;
     }
     if (!IsComparisonWord(test->Name())) {
-        // Meant to stay, empty but for its type: a checker meets it and finds no logic in it.
+        // The alternative stays, empty but for its type: rule files rely on a checker that finds no logic in it.
         return true;
     }
     alternative.SetLogic(test->Name());
@@ -138,7 +138,7 @@ bool ConditionElementParse::Parse(std::vector<std::shared_ptr<Logic>>& tests) co
         test->SetType(type);
         test->SetLogic(element.Name());
         test->SetParamId(id);
-        // A test without a value stays, with an empty one.
+        // A test without a value is kept, with an empty value.
         ParseLogicValue(element, *test);
         tests.push_back(std::move(test));
     }

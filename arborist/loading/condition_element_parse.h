@@ -10,18 +10,18 @@ namespace tinyxml2 {
 class XMLElement;
 }
 
-/// Reads one "condition" element. Which of its two forms it has depends on who asks; what can't be used is skipped in
-/// silence. Made for one call; the element must outlive it.
+/// Reads one "condition" element in one of two forms; the caller knows which. Skips in silence what it can't use.
+/// Use an object for one call; the element must outlive it.
 class ConditionElementParse {
 public:
     /// A null element reads as an empty one.
     explicit ConditionElementParse(const tinyxml2::XMLElement* element) : mElement(element) {}
 
-    /// The form of rules: every "or" is an alternative, appended to `conditions`. True when the list is not empty
+    /// The form of rules: appends one alternative for each "or" to `conditions`. True if the list is not empty
     /// afterwards.
     bool Parse(ConditionList& conditions) const;
-    /// The form of threshold items: the tests of the first "or", appended to `tests`. True when the list is not empty
-    /// afterwards; false without an "or", its "type" or a test.
+    /// The form of threshold items: appends the tests of the first "or" to `tests`. True if the list is not empty
+    /// afterwards; false without an "or", without its "type" and without a test.
     bool Parse(std::vector<std::shared_ptr<Logic>>& tests) const;
 
 private:

@@ -19,9 +19,9 @@ class DescriptionParser {
 public:
     using FaultItemList = std::vector<std::shared_ptr<FaultItem>>;
 
-    /// Appends one item for each event of the tag, in file order, also where an id comes again.
+    /// Appends one item for each event of the tag, in file order; an id that comes twice gives two items.
     void Parse(const tinyxml2::XMLDocument& document);
-    /// Hands the list over and leaves the parser with none.
+    /// Moves the list out of the parser, which is empty afterwards.
     FaultItemList TakeItemList();
 
 protected:

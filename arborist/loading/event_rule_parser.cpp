@@ -14,7 +14,7 @@ void EventRuleParser::Parse(const tinyxml2::XMLDocument& document)
 
 void EventRuleParser::ParseEvent(const XMLElement& element)
 {
-    // Stored as written: spaces at its ends stay, unlike in the tree file, and then match no event.
+    // Stored as written. Unlike in the tree file, spaces at its ends stay, and such an id matches no event.
     const char* id = XmlWalk::ChildText(element, "ID");
     if (id == nullptr) {
         return;
@@ -27,7 +27,7 @@ void EventRuleParser::ParseEvent(const XMLElement& element)
     auto eventRule = std::make_shared<EventRule>();
     eventRule->SetEventId(id);
     eventRule->SetRuleList(std::move(rules));
-    // Most rule sets list their events in order of id: then the place at the end is the right one.
+    // Most rule sets list their events in order of id, so the end of the map is nearly always the right place.
     mEventRuleMap.insert_or_assign(mEventRuleMap.end(), eventRule->SetEventId(), std::move(eventRule));
 }
 
@@ -44,7 +44,7 @@ void EventRuleParser::ParseOrRule(const XMLElement& element, OrRuleList& rules)
     } else if (rule->type == "multipleRule") {
         ParseMultipleRule(element, *rule);
     }
-    // An alternative without names stays too; it never holds.
+    // An alternative without rule names is kept; it never holds.
     rules.push_back(std::move(rule));
 }
 

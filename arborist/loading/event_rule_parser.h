@@ -13,8 +13,8 @@ class XMLDocument;
 class XMLElement;
 }
 
-/// Reads which rules decide an event: the "EventRules" of one tag. Rule names are kept as texts; whether such rules
-/// exist shows when they are evaluated.
+/// Reads the "EventRules" of one tag: which rules decide which event. Rule names stay texts; only the evaluation looks
+/// for rules of these names.
 class EventRuleParser {
 public:
     using EventRuleMap = std::map<std::string, std::shared_ptr<EventRule>>;
@@ -24,7 +24,7 @@ public:
     /// Adds the events of the tag to the map; a later event of the same id replaces the earlier. Silent.
     void Parse(const tinyxml2::XMLDocument& document);
     const EventRuleMap& GetEventRuleMap() const { return mEventRuleMap; }
-    /// Hands the map over and leaves the parser with none.
+    /// Moves the map out of the parser, which is empty afterwards.
     EventRuleMap TakeEventRuleMap() { return std::move(mEventRuleMap); }
 
 private:

@@ -20,13 +20,13 @@ namespace {
 
 using State = RuleSetFileReport::State;
 
-// Loads a file into `document`, logs what is wrong with it and reports either outcome.
+// Loads a file into `document`. Reports the outcome, and logs a line if the file can't be used.
 bool LoadDocument(
     tinyxml2::XMLDocument& document, const std::string& path, const char* function, RuleSetFileReport& report)
 {
     document.Clear();
     std::error_code noStatus;
-    // Opening a pipe would wait for somebody to write: what is no plain file counts as one that can't be read.
+    // Opening a pipe would block until somebody writes, so anything but a plain file counts as unreadable.
     const bool isFile = std::filesystem::is_regular_file(path, noStatus);
     const tinyxml2::XMLError error = isFile ? document.LoadFile(path.c_str()) : tinyxml2::XML_ERROR_FILE_READ_ERROR;
     if (error == tinyxml2::XML_SUCCESS) {
@@ -39,7 +39,7 @@ bool LoadDocument(
     return false;
 }
 
-// Runs `job` on a thread of its own and waits for it. Where the system has no thread left the caller's does as well.
+// Runs `job` on a thread of its own and waits for it; on the caller's thread if the system has no thread left.
 void RunOnThread(const std::function<void()>& job)
 {
     try {
@@ -110,7 +110,7 @@ void FaultTreeParser::StartParse()
         return;
     }
     RunOnThread([this, &path] { ParseRuleXml(path); });
-    // Done means that the attempt has ended: a malformed file is not worth a second one.
+    // Also done after a malformed file: a second attempt would read the same bytes.
     mIsParseDone = true;
 }
 
@@ -130,7 +130,7 @@ void FaultTreeParser::StartFaultTreeParse()
             "FaultTreeParser::StartFaultTreeParse", path.c_str());
         return;
     }
-    // Of this call alone: the trees don't refer to it, and it takes many times the memory of the file.
+    // Local to this call: the trees don't refer to the document, and it takes many times the memory of the file.
     tinyxml2::XMLDocument document(true, tinyxml2::PRESERVE_WHITESPACE);
     if (!LoadDocument(document, path, "FaultTreeParser::StartFaultTreeParse", mTreeFileReport)) {
         return;
@@ -238,7 +238,7 @@ FaultTreeParser::CodeRuleIndex FaultTreeParser::IndexCodeRules() const
     CodeRuleIndex index;
     index.reserve(mCodeRuleNames.size());
     for (const std::string& name : mCodeRuleNames) {
-        // What stands under the name may be a later rule of another family, or a code rule with another code.
+        // A later rule of the same name may have replaced this one, by another family or by another code.
         const auto* codeRule = dynamic_cast<const CodeRule*>(GetRuleByRuleName(name).get());
         if (codeRule != nullptr) {
             index.emplace(codeRule->codeItem.id, codeRule);

@@ -21,7 +21,7 @@
 #include "arborist/model/rule.h"
 #include "arborist/utilities/text_hash.h"
 
-/// How the last attempt to read one file of the rule set ended. Without an attempt: missing, with an empty path.
+/// Outcome of the last attempt to read one file of the rule set. Before any attempt: missing, with an empty path.
 struct RuleSetFileReport {
     using State = DetectionObserver::RuleSetFile::State;
 
@@ -34,12 +34,11 @@ struct RuleSetFileReport {
     std::size_t count = 0;
 };
 
-/// Reads the two XML files of a rule set and keeps all that they say; everyone else asks it by name or id.
+/// Reads the two XML files of a rule set, keeps their contents and answers look-ups by name and id.
 ///
-/// The records are shared: checkers write their run-time fields. Trees, rules and lists are replaced by the next
-/// StartParse and live until then; so do the references that the look-ups return. The look-ups answer from indexes,
-/// whatever the size of the rule set. One thread at a time; StartParse uses two short-lived threads of its own, one
-/// after the other, while the caller waits.
+/// The records are shared: checkers write their run-time fields. The next StartParse replaces trees, rules and lists,
+/// and with them invalidates every reference that a look-up returned. Look-ups use indexes, so their cost does not grow
+/// with the rule set. Not thread-safe; StartParse itself runs two short-lived threads, one after the other, and waits.
 class FaultTreeParser {
 public:
     using FaultTreeList = std::vector<std::shared_ptr<FaultTree>>;
@@ -53,7 +52,7 @@ public:
     static constexpr char FAULT_TREE_FILE[] = "FaultTrees.xml";
     static constexpr char SEPARATOR[] = "/";
 
-    /// The tree tag is taken from `detectInfo` here; the rest is read when the parse starts.
+    /// Copies the tree tag from `detectInfo` now; StartParse reads the other fields.
     explicit FaultTreeParser(std::shared_ptr<DetectInfo> detectInfo);
     ~FaultTreeParser();
     FaultTreeParser(const FaultTreeParser&) = delete;
@@ -62,11 +61,11 @@ public:
     /// Reads the tree file, then the rule file. A missing or malformed file logs a line and leaves what was read
     /// before. With a null DetectInfo nothing happens.
     void StartParse();
-    /// True as soon as one StartParse got as far as trying the rule file, even if that turned out malformed; false
-    /// while the rule file has only been missing.
+    /// True once a StartParse has found a rule file, even a malformed one; false as long as the file was missing each
+    /// time.
     bool IsParseDone() const { return mIsParseDone; }
 
-    /// How often a rule file was read. What the look-ups refer to lives until that changes.
+    /// Number of rule files read so far. References from look-ups are valid until it changes.
     std::uint64_t GetRuleRevision() const { return mRuleRevision; }
 
     const RuleSetFileReport& GetTreeFileReport() const { return mTreeFileReport; }
@@ -74,35 +73,35 @@ public:
 
     /// In file order.
     const FaultTreeList& GetFaultTrees() const { return mFaultTrees; }
-    /// "-1" when a file that was read names none; empty before the first.
+    /// Version of the tree file; "-1" if the file names none, empty before the first file was read.
     std::string GetTreeFileVersion() const { return mTreeFileVersion; }
     const RuleMap& GetRuleMap() const { return mRuleMap; }
-    /// In file order, with those that a later rule of the same name replaced in the rule map.
+    /// All code rules in file order, including those that a later rule of the same name replaced in the rule map.
     const CodeRuleList& GetCodeRuleList() const { return mCodeRuleList; }
     const EventRuleMap& GetEventRuleMap() const { return mEventRuleMap; }
-    /// In file order. An event id may stand in several items of these lists; the look-ups take the last.
+    /// In file order. If several items have the same event id, the look-ups take the last.
     const FaultItemList& GetFaultDescList() const { return mFaultDescList; }
     const FaultItemList& GetSuggestionList() const { return mSuggestionList; }
-    /// Null when the rule set has no common part.
+    /// Null if the rule set has no common part.
     std::shared_ptr<CommonPart::CombineCommonPart> GetCommonPart() const { return mCombineCommonPart; }
 
-    /// Null when there is no rule of this name.
+    /// Null if no rule has this name.
     const std::shared_ptr<Rule>& GetRuleByRuleName(const std::string& ruleName) const;
-    /// Null when no rules decide this event.
+    /// Null if the event rules have no entry for this event.
     const std::shared_ptr<EventRule>& GetEventRuleByEventId(const std::string& eventId) const;
-    /// Name of the first code rule with this detect code that is still a code rule in the rule map; empty when none is.
+    /// Name of the first code rule with this detect code that the rule map still holds; empty if there is none.
     std::string GetCodeRuleNameById(const std::string& detectCode) const;
-    /// The ids that the last item of this event id holds; empty when there is none, and for the empty id.
+    /// The ids in the last item of this event id; empty if there is no item, and for the empty id.
     const std::vector<std::string>& GetFaultDescListById(const std::string& eventId) const;
     const std::vector<std::string>& GetSuggestionListById(const std::string& eventId) const;
     const RepairInfoList& GetRepairInfoById(const std::string& eventId) const;
-    /// For each repair of the event its id, followed by "_" and the operation where it has one.
+    /// One text for each repair of the event: its id, followed by "_" and the operation if it has one.
     std::vector<std::string> GetRepairListById(const std::string& eventId) const;
 
 private:
     class InnerXmlHelper;
 
-    // The keys refer to texts of the records in the lists and maps below, the values to the records.
+    // The keys are views into the records of the lists and maps below; the values point at the records.
     using FaultItemIndex = std::unordered_map<std::string_view, const FaultItem*, TextHash>;
     using CodeRuleIndex = std::unordered_map<std::string_view, const CodeRule*, TextHash>;
 
@@ -142,7 +141,7 @@ private:
 
     RuleSetFileReport mTreeFileReport;
     RuleSetFileReport mRuleFileReport;
-    // Made by the first look-up after a parse: a detection without a fault asks for none of them.
+    // Built by the first look-up after a parse: a detection without a fault needs none of them.
     mutable std::optional<CodeRuleIndex> mCodeRuleByDetectCode;
     mutable std::optional<FaultItemIndex> mFaultDescById;
     mutable std::optional<FaultItemIndex> mSuggestionById;

@@ -56,7 +56,7 @@ std::shared_ptr<AlarmRule::AlarmItem> AlarmRuleElementParse::ParseAlarmItem(cons
     for (const XMLElement& time : Children(element, "time")) {
         auto timeSet = std::make_shared<TimeSet>();
         ParseTimeSet(time, *timeSet);
-        // A later window of the same kind takes the place of the earlier; one of another kind is dropped.
+        // A later window of the same kind replaces the earlier one; a window of an unknown kind is dropped.
         if (timeSet->type == "duration") {
             item->duration = std::move(timeSet);
         } else if (timeSet->type == "daily_peak") {
@@ -176,7 +176,7 @@ void CommandRuleElementParse::ParseSqlItem(const XMLElement& sqlCondition, Comma
     if (time != nullptr) {
         ParseTimeElement(*time, item);
     }
-    // The flag is an attribute of an "alarmId" but an element of its own here: both forms are in use.
+    // Here the flag is an element; in an "alarmId" it is an attribute. Rule sets use both forms.
     if (beginFlag != nullptr) {
         ReadAttributes(*beginFlag, {{"value", &item.BeginFlag}});
     }

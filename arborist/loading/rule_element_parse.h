@@ -9,7 +9,7 @@ namespace tinyxml2 {
 class XMLElement;
 }
 
-/// Reads one rule element of a family. Lives on the stack for the one element, which must outlive it.
+/// Reads one rule element of a family. Use an object for one element, which must outlive it.
 class RuleElementParse {
 public:
     explicit RuleElementParse(const tinyxml2::XMLElement& element) : mElement(element) {}
@@ -17,13 +17,13 @@ public:
     RuleElementParse(const RuleElementParse&) = delete;
     RuleElementParse& operator=(const RuleElementParse&) = delete;
 
-    /// The rule; null for an element of another family. Its name may be empty.
+    /// Returns the rule, whose name may be empty; null for an element of another family.
     virtual std::shared_ptr<Rule> Parse() const = 0;
 
 protected:
     /// Assigns the attributes that all families share.
     void ParseRuleAttr(Rule& rule) const;
-    /// Reads "type", "period" and "threshold"; a number that is absent or none is 0.
+    /// Reads "type", "period" and "threshold"; a missing number, or a text that is none, reads as 0.
     static void ParseTimeSet(const tinyxml2::XMLElement& element, TimeSet& timeSet);
 
     const tinyxml2::XMLElement& mElement;

@@ -10,7 +10,7 @@ using XmlWalk::IsNamed;
 
 namespace {
 
-// Reads the rule of one child of a "rule" element: null when it gives none. False for a child of no known family.
+// Reads the rule in one child of a "rule" element; null if it gives none. False for a child of no known family.
 bool ParseFamilyElement(const XMLElement& element, std::shared_ptr<Rule>& rule)
 {
     if (IsNamed(element, "alarmRule")) {
@@ -65,7 +65,7 @@ void RuleParser::HandleParseRuleElement(const XMLElement& element)
             mCodeRuleNames.push_back(codeRule->name);
             mCodeRuleList.push_back(std::move(codeRule));
         }
-        // Rule sets are mostly sorted by name: then the place at the end is the right one.
+        // Rule sets are mostly sorted by name, so the end of the map is nearly always the right place.
         mRuleMap.insert_or_assign(mRuleMap.end(), rule->name, std::move(rule));
     }
 }

@@ -20,13 +20,14 @@ public:
     using RuleMap = std::map<std::string, std::shared_ptr<Rule>>;
     using CodeRuleList = std::vector<std::shared_ptr<CodeRule>>;
 
-    /// False for an empty tag, with an error line, and for a document without a root; true otherwise, also where the
-    /// section or the tag is missing. A rule without a name is dropped, a later one replaces an earlier of its name.
+    /// False for an empty tag, with an error line, and for a document without a root; true otherwise, even if the
+    /// section or the tag is missing. Drops a rule without a name; a later rule replaces an earlier one of the same
+    /// name.
     bool Parse(const tinyxml2::XMLDocument& document, const std::string& treeTag);
 
-    // What was read, handed over: the parser is left with none.
+    // Moves what was read out of the parser, which is empty afterwards.
     RuleMap TakeRuleMap() { return std::move(mRuleMap); }
-    /// In file order. A code rule that a later rule of its name replaced in the map stays in this list.
+    /// In file order. A code rule stays in this list even if a later rule of its name replaced it in the map.
     CodeRuleList TakeCodeRuleList() { return std::move(mCodeRuleList); }
     std::vector<std::string> TakeCodeRuleNames() { return std::move(mCodeRuleNames); }
 

@@ -19,7 +19,7 @@ const XMLElement* FindSection(const XMLDocument& document, const std::string& tr
     return root == nullptr ? nullptr : root->FirstChildElement(treeTag.c_str());
 }
 
-// What is looked at below an event, whatever its kind.
+// The child elements that the parser reads below an event of any kind.
 struct EventChildren {
     explicit EventChildren(const XMLElement& event)
     {
@@ -33,7 +33,7 @@ struct EventChildren {
             {TreeParser::AND_GATE, &andGate}});
     }
 
-    // An event with both kinds of gates has the or-gate, wherever it stands.
+    // Of two kinds of gates the or-gate wins, whatever their order: rule files rely on it.
     const XMLElement* Gate() const { return orGate != nullptr ? orGate : andGate; }
 
     const XMLElement* id = nullptr;

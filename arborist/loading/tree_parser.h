@@ -14,8 +14,8 @@ class XMLDocument;
 class XMLElement;
 }
 
-/// Makes the fault trees of one tag from the tree file. Forgiving and silent: what it can't use it leaves out, what
-/// it doesn't find it takes as empty. The trees don't refer to the document.
+/// Builds the fault trees of one tag from the tree file. Skips in silence what it can't use, and takes a missing text
+/// as empty. The trees don't refer to the document.
 class TreeParser {
 public:
     static constexpr char TREE_NAME[] = "Intermediate-Event";
@@ -32,18 +32,18 @@ public:
     static constexpr char USER_DEFINED[] = "UserDefined";
     static constexpr char EMPTY[] = "";
 
-    /// The trees of the section named `treeTag`, in file order; empty without such a section. Takes the file's version
-    /// in passing, where the root has one.
+    /// Returns the trees of the section named `treeTag`, in file order; none without such a section. Also remembers the
+    /// version of the file if its root element names one.
     std::vector<std::shared_ptr<FaultTree>> GetTreeList(
         const tinyxml2::XMLDocument& document, const std::string& treeTag);
 
-    /// "-1" until a root element with a "version" was met.
+    /// Version of the tree file; "-1" until a root element with a "version" was read.
     std::string GetTreeFileVersion() const { return mTreeFileVersion; }
 
 private:
     friend struct TreeParserPeer; // lets a test call Parse
 
-    // One tree by its id; null when there is none that can be used. The loader takes whole lists.
+    // Returns one tree by its id, null if there is none that can be used. Kept for tests: the loader reads whole lists.
     static std::shared_ptr<FaultTree> Parse(
         const tinyxml2::XMLDocument& document, const std::string& treeTag, const std::string& treeId);
     static std::shared_ptr<FaultTree> ParseTree(const tinyxml2::XMLElement& element);

@@ -5,7 +5,7 @@
 
 namespace {
 
-// Most names that are held against each other differ in their first letter.
+// Most pairs of names differ in their first letter, so compare that first.
 bool IsSameName(const char* left, const char* right)
 {
     return left[0] == right[0] && std::strcmp(left, right) == 0;

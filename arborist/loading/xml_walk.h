@@ -7,11 +7,11 @@
 
 #include <tinyxml2.h>
 
-/// How all parsers of a rule set walk its XML: each level looks at the first child of a name, or at all of them in
-/// order. Names are compared exactly, with case.
+/// Functions with which all parsers of a rule set walk its XML: each level reads the first child of a name, or all of
+/// them in order. Names must match exactly, case included.
 namespace XmlWalk {
 
-/// The children of an element, for a range-based loop: all of them, or those of one name. A null parent has none.
+/// Range of the children of an element, for a range-based loop: all, or those of one name. Empty for a null parent.
 class Children {
 public:
     class Iterator {
@@ -44,13 +44,13 @@ private:
     const char* mName;
 };
 
-/// Where FindFirstChildren puts the first child of a name.
+/// A name and the place for the first child with that name; see FindFirstChildren.
 struct ChildSlot {
     const char* name;
     const tinyxml2::XMLElement** child;
 };
 
-/// Where ReadAttributes puts the text of an attribute.
+/// A name and the place for the text of that attribute; see ReadAttributes.
 struct AttributeSlot {
     const char* name;
     std::string* text;
@@ -58,16 +58,16 @@ struct AttributeSlot {
 
 bool IsNamed(const tinyxml2::XMLElement& element, const char* name);
 
-/// The first element named `tag` in the first `section` of the root; null when a link is missing.
+/// The first element named `tag` in the first `section` of the root; null if either is missing.
 const tinyxml2::XMLElement* FindTagElement(
     const tinyxml2::XMLDocument& document, const char* section, const std::string& tag);
 
-/// Finds the first child of each name in one walk, where asking the library name by name would start again each time.
-/// Slots without a child keep their null.
+/// Finds the first child of each name in one walk over the children; asking the XML library for each name would walk
+/// them again each time. A slot without a child keeps its null.
 void FindFirstChildren(const tinyxml2::XMLElement& parent, std::initializer_list<ChildSlot> slots);
 
-/// Assigns each attribute that is there, also one with an empty value; the other texts stay. No attribute stands twice:
-/// the library refuses such a file.
+/// Assigns each attribute that is present, an empty one included, and leaves the other texts unchanged. An attribute
+/// can't occur twice: the XML library refuses such a file.
 void ReadAttributes(const tinyxml2::XMLElement& element, std::initializer_list<AttributeSlot> slots);
 
 /// The value of an attribute; empty when it is absent.
@@ -82,7 +82,7 @@ const char* TextOf(const tinyxml2::XMLElement* element);
 /// The text of the first child of this name; null when there is no such child or no text in it.
 const char* ChildText(const tinyxml2::XMLElement& parent, const char* name);
 
-/// Assigns the text of an element; without text `target` stays.
+/// Assigns the text of an element; leaves `target` unchanged if there is none.
 void AssignText(const tinyxml2::XMLElement* element, std::string& target);
 
 } // namespace XmlWalk

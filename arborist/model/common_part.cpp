@@ -53,7 +53,7 @@ bool IsConditionMet(const CommonPart& part, const Logic& condition, const Thresh
 {
     const bool isEqual = condition.GetLogic() == CommonPart::LOGIC_TYPE_EQ;
     if (!isEqual && condition.GetLogic() != CommonPart::LOGIC_TYPE_IN) {
-        // Any other word holds without being looked at, "gt" and its like too. Rule sets rely on it.
+        // Any other word, "gt" and the like included, counts as met without a comparison. Rule sets rely on it.
         return true;
     }
     const auto param = FindParam(bean.GetSystemParamMap(), condition.GetParamId());
@@ -86,7 +86,7 @@ void SetForThresholdItem(const CommonPart& part, const ThresholdOrLumbraBean::Th
     }
 }
 
-// Tries all items, so that a later one overwrites what an earlier one set. One without conditions never applies.
+// Tries every item, so that a later one overwrites what an earlier one set. An item without conditions never applies.
 void HandleThresholdItemList(const CommonPart& part, const ThresholdOrLumbraBean& bean)
 {
     for (const auto& item : bean.GetThresholdItemList()) {

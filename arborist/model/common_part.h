@@ -11,9 +11,9 @@
 
 #include "arborist/model/condition.h"
 
-/// System parameters, the thresholds that depend on them, and the event data that a derived table is built from.
+/// System parameters, the thresholds that depend on them, and the events from which a derived table is built.
 ///
-/// The `value` of the parameters is run-time: CommonPart::SetThreshold writes it before the first rule runs.
+/// The `value` of a parameter is not read from the file: CommonPart::SetThreshold writes it before the first rule runs.
 class ThresholdOrLumbraBean {
 public:
     /// The value that one threshold gets when its item applies.
@@ -30,7 +30,7 @@ public:
         std::string value;
     };
 
-    /// Thresholds that hold when all the conditions on system parameters hold.
+    /// Sets thresholds if every condition on the system parameters holds.
     class ThresholdItem {
     public:
         using LogicList = std::vector<std::shared_ptr<Logic>>;
@@ -38,7 +38,7 @@ public:
 
         const std::string& GetType() const { return type; }
         void SetType(const std::string& text) { type = text; }
-        /// Kept with the record; no parser fills it.
+        /// Part of the record as rule code knows it; no parser fills it.
         void SetConditionType(const std::string& text) { conditionType = text; }
         const LogicList& GetConditionList() const { return conditionList; }
         void SetConditionList(const LogicList& conditions) { conditionList = conditions; }
@@ -79,7 +79,7 @@ public:
     using ThresholdItemList = std::vector<std::shared_ptr<ThresholdItem>>;
     using LumbraDataList = std::vector<std::shared_ptr<LumbraDataItem>>;
 
-    /// What rules refer to, and the name of the derived table.
+    /// Name of the derived table, by which rules refer to this bean.
     const std::string& GetName() const { return name; }
     void SetName(const std::string& text) { name = text; }
     const std::string& GetPlatform() const { return platform; }
@@ -106,7 +106,7 @@ private:
     LumbraDataList lumbraDataList;
 };
 
-/// Database files that come with the device's data, and the SQL to run on their copies.
+/// External database files of one kind, and the SQL to run on the copy of each.
 class DefDbTableBean {
 public:
     /// A directory to search.
@@ -117,7 +117,7 @@ public:
 
         const std::string& GetPathValue() const { return pathValue; }
         void SetPathValue(const std::string& text) { pathValue = text; }
-        /// Kept with the record: whether a file is unpacked is decided by its path alone.
+        /// Read by nothing: the path of a file alone decides whether it is unpacked.
         bool IsDecompress() const { return decompress; }
         void SetDecompress(bool isDecompress) { decompress = isDecompress; }
         const std::string& GetType() const { return type; }
@@ -157,12 +157,12 @@ public:
     void SetType(const std::string& text) { type = text; }
     const DbPathList& GetDbPathList() const { return dbPathList; }
     void SetDbPathList(const DbPathList& paths) { dbPathList = paths; }
-    /// A regular expression (ECMAScript) that a file's whole lower-case path has to match.
+    /// A regular expression (ECMAScript) that must match the whole path of a file, written in lower case.
     const std::string& GetDbName() const { return dbName; }
     void SetDbName(const std::string& text) { dbName = text; }
     const CreateTableList& GetCreateTableList() const { return createTableList; }
     void SetCreateTableList(const CreateTableList& tables) { createTableList = tables; }
-    /// Run-time: paths of the copies that were made; rules read these.
+    /// Paths of the copies that were made, which rules query. Written while a detection is prepared.
     const std::vector<std::string>& GetCopyDbFileList() const { return copyDbFileList; }
     void SetCopyDbFileList(const std::vector<std::string>& files) { copyDbFileList = files; }
 
@@ -176,9 +176,9 @@ private:
     std::vector<std::string> copyDbFileList;
 };
 
-/// The data that the rules of one tree tag share, and the choice of thresholds by the device's attributes.
+/// The data that the rules of one tree tag share. SetThreshold chooses thresholds by the device's attributes.
 ///
-/// Nothing is locked: SetThreshold runs before any rule, afterwards the records are read.
+/// Not thread-safe: SetThreshold must return before any rule is evaluated; from then on the records are only read.
 class CommonPart {
 public:
     /// All entries of one tree tag, in file order.
@@ -205,28 +205,28 @@ public:
     static constexpr std::string_view BATTERY_DESIGN = "BATTFULL_DESIGN";
     static constexpr std::string_view LOGIC_TYPE_EQ = "eq";
     static constexpr std::string_view LOGIC_TYPE_IN = "in";
-    /// What a value lookup answers that finds nothing.
+    /// The answer of a look-up that finds nothing.
     static constexpr char FLAVOR[] = "";
 
     std::shared_ptr<CombineCommonPart> GetCombineCommon() const { return mCombineCommon; }
     void SetCombineCommon(std::shared_ptr<CombineCommonPart> block) { mCombineCommon = std::move(block); }
 
-    /// Whether a threshold bean has this name. The empty name belongs to none.
+    /// True if a threshold bean has this name; always false for the empty name.
     bool IsHasThredCommonPart(const std::string& name) const;
 
-    /// The run-time value of a parameter of the first bean of that name; empty when bean, parameter or value is
-    /// missing.
+    /// Returns the value of a parameter of the first bean with that name; empty if the bean, the parameter or the value
+    /// is missing.
     std::string GetSystemValue(const std::string& paramId, const std::string& beanName) const;
     std::string GetThresholdValue(const std::string& paramId, const std::string& beanName) const;
 
-    /// A copy of the first table bean of that name; nothing for the empty name or one that isn't there.
+    /// Returns a copy of the first table bean with that name; nothing for the empty or an unknown name.
     std::optional<DefDbTableBean> GetDefDbCommonPart(const std::string& name) const;
 
-    /// Whether `value` is one of `values`, exactly.
+    /// True if `value` equals one of `values`, case included.
     bool IsCheckSet(const std::string& value, const std::vector<std::string>& values) const;
 
-    /// Gives the system parameters of every bean their values and then, item by item, the thresholds theirs. Of two
-    /// items that apply the later wins. Does nothing at all when one of the four is empty.
+    /// Sets the system parameters of every bean, then its thresholds, item by item: if two items apply, the later wins.
+    /// Changes nothing if one of the four attributes is empty.
     void SetThreshold(const std::string& cpuName, const std::string& ramSize, const std::string& resolution,
         const std::string& batteryCapacity);
 

@@ -9,13 +9,13 @@
 
 /// One named value that tests refer to.
 struct Param {
-    /// Name of the value where it is read: a JSON member, a result column, a system parameter's word.
+    /// Name of the value in its source: a JSON member, a result column or the word of a system parameter.
     std::string key;
-    /// How it compares: "int", "long", "float", "double" or "string"; see RuleChecker.
+    /// Type of the comparison: "int", "long", "float", "double" or "string"; see RuleChecker.
     std::string type;
-    /// What tests call it; key of the map that holds it.
+    /// The id by which tests refer to the value; also its key in the map.
     std::string id;
-    /// Run-time: what was read.
+    /// Run-time: the text that was read.
     std::string value;
 };
 
@@ -72,7 +72,7 @@ public:
     void SetLogicItemList(LogicItemList items) { logicItemList = std::move(items); }
     void InsertLogicItemList(const LogicItemList& items);
 
-    /// Whether every item that is there holds; true without items.
+    /// True if every non-null item holds, also without any item.
     bool CheckAndListResult() const;
 
 private:

@@ -8,7 +8,7 @@
 
 namespace {
 
-// A prime that spreads each letter over the number.
+// A prime factor, so that each letter of the id changes the whole hash.
 constexpr std::uint32_t SKETCH_FACTOR = 16777619;
 
 } // namespace

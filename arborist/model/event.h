@@ -12,10 +12,10 @@
 class Gate;
 class IntermediateEvent;
 
-/// What an event is, told without asking the type system: walks over a million events ask it of each.
+/// The kind of an event. Kept as a field because walks over a million events ask for it, and a cast costs more.
 enum class EventKind : unsigned char { PLAIN, BASIC, INTERMEDIATE, UNDEVELOPED };
 
-/// One event of a fault tree: its texts and what is known of it.
+/// One event of a fault tree: its texts and its status.
 ///
 /// Lives under shared ownership (std::make_shared). One tree is checked, reset and read by one thread at a time.
 class Event : public std::enable_shared_from_this<Event> {
@@ -31,30 +31,30 @@ public:
     Event(const Event&) = default;
     Event& operator=(const Event&) = default;
 
-    /// Brings the status up to date with what lies below. Does nothing for an event without a gate.
+    /// Updates the status from the events below. Does nothing for an event without a gate.
     virtual void Check();
-    /// Brings the status back to that of a fresh event, here and below. Whether it is observable stays.
+    /// Gives this event and all below it the status of a fresh event. The observable mark stays.
     virtual void Reset();
 
     EventKind GetKind() const { return mKind; }
-    /// This event as an intermediate one; null when it is of another kind.
+    /// Returns this event as an intermediate event; null if it is of another kind.
     const IntermediateEvent* AsIntermediate() const;
 
     const std::string& GetId() const { return mId; }
-    /// A number made of the id's letters. Ids are different where it differs, and rarely where it doesn't.
+    /// A hash of the id: different hashes mean different ids; equal hashes nearly always mean equal ids.
     std::uint32_t GetIdSketch() const { return mIdSketch; }
     bool HasSameIdAs(const Event& other) const { return mIdSketch == other.mIdSketch && mId == other.mId; }
-    /// Whether the id holds a "/" or "&", which join ids to paths and paths to cut sets.
+    /// True if the id contains "/" or "&", the separators of paths and of cut sets.
     bool HasSeparatorInId() const { return mHasSeparatorInId; }
     const std::string& GetValue() const { return mValue; }
     const std::string& GetName() const { return mName; }
     const std::string& GetUserDefined() const { return mUserDefined; }
     const std::string& GetDetectMode() const { return mDetectMode; }
     EventStatus GetResult() const { return mResult; }
-    /// Whether the event has a check of its own. An intermediate one without it follows its gate.
+    /// True if the event is decided by rules of its own. An intermediate event that is not observable follows its gate.
     bool IsObservable() const { return mObservable; }
 
-    /// Stores the id without the spaces at its ends; other blanks stay.
+    /// Stores the id without leading and trailing spaces; tabs and line ends stay.
     void SetId(const std::string& id);
     void SetValue(std::string value);
     void SetName(std::string name);
@@ -63,8 +63,8 @@ public:
     void SetResult(const EventStatus& result) { mResult = result; }
     void SetObservable(const bool& observable) { mObservable = observable; }
 
-    /// Sets all texts and returns the event itself. Throws std::bad_weak_ptr, with the texts set, when it is not under
-    /// shared ownership.
+    /// Sets all texts and returns the event itself. Throws std::bad_weak_ptr, after setting the texts, if the event is
+    /// not under shared ownership.
     std::shared_ptr<Event> FillEventInfo(std::string value, const std::string& id, std::string name,
                                          std::string userDefined, std::string detectMode);
 
@@ -75,7 +75,7 @@ protected:
     Event(EventKind kind, EventStatus result) : mKind(kind), mResult(result) {}
 
 private:
-    // What a walk asks of each event stands side by side, so that it need not go as far as the texts.
+    // The fields that walks read come first, close together, so that a walk touches one cache line for each event.
     EventKind mKind = EventKind::PLAIN;
     bool mObservable = true;
     EventStatus mResult = EventStatus::UNKNOWN;
@@ -88,35 +88,35 @@ private:
     std::string mDetectMode;
 };
 
-/// A leaf of the tree. Its status comes from outside: FALSE until a rule fires.
+/// A leaf of the tree. FALSE until a rule that decides it fires.
 class BasicEvent : public Event {
 public:
     BasicEvent() : Event(EventKind::BASIC, EventStatus::FALSE) {}
 
-    /// Does nothing, and final: a gate spares its leaves the call.
+    /// Does nothing. Final, so that a gate can skip the call for its leaves.
     void Check() final {}
     void Reset() override;
 };
 
-/// A leaf that nobody analyses further: UNKNOWN, unless something outside sets it.
+/// A leaf that the rule author did not analyse further. UNKNOWN unless a rule that decides it fires.
 class UndevelopedEvent : public Event {
 public:
     UndevelopedEvent() : Event(EventKind::UNDEVELOPED, EventStatus::UNKNOWN) {}
 
-    /// Does nothing, and final, as for a basic event.
+    /// Does nothing. Final, as for a basic event.
     void Check() final {}
     void Reset() override;
 };
 
-/// An event that a gate explains by the events below it.
+/// An event whose gate combines the events below it.
 ///
-/// Without a gate its status is left as it is by Check, and Reset sets its own status only.
+/// Without a gate, Check leaves the status unchanged and Reset touches this event alone.
 class IntermediateEvent : public Event {
 public:
     IntermediateEvent() : Event(EventKind::INTERMEDIATE, EventStatus::FALSE) {}
 
-    /// Checks the gate, and with it everything below. An observable event keeps its own status, and logs where the
-    /// gate disagrees; any other takes the status of its gate.
+    /// Checks the gate, and with it everything below. An observable event keeps its own status and logs a line if the
+    /// gate disagrees; any other event takes the status of its gate.
     void Check() override;
     void Reset() override;
 
@@ -124,8 +124,8 @@ public:
     const std::shared_ptr<Gate>& GetGate() const { return mGate; }
     void SetGate(std::shared_ptr<Gate> gate);
 
-    /// A copy of the first basic event below with this id, depth first; nothing for the empty id.
-    /// Throws std::bad_weak_ptr when this event is not under shared ownership.
+    /// Returns a copy of the first basic event below with this id, depth first; nothing for the empty id.
+    /// Throws std::bad_weak_ptr if this event is not under shared ownership.
     std::optional<BasicEvent> FindBasicEventById(const std::string& id);
 
 private:

@@ -12,7 +12,7 @@ struct OrRuleSingle {
     std::string type;
     /// Of a "singleRule".
     std::string ruleName;
-    /// Run-time: the alternative held.
+    /// Run-time: true if the alternative held.
     bool result = false;
     /// Of a "multipleRule".
     std::vector<std::string> ruleNameList;
@@ -27,15 +27,15 @@ public:
     virtual ~EventRule() = default;
 
     void SetEventId(const std::string& id) { eventId = id; }
-    /// Reads the id. The name is part of the interface that rule code was written against.
+    /// Returns the id. The odd name is part of the interface that rule code was written against.
     const std::string& SetEventId() const { return eventId; }
     const OrRuleList& GetRuleList() const { return ruleList; }
     void SetRuleList(OrRuleList rules) { ruleList = std::move(rules); }
     bool IsRuleResult() const { return ruleResult; }
     void SetRuleResult(bool result) { ruleResult = result; }
 
-    /// Whether any alternative holds. Without alternatives false; otherwise a result that was once true stays true:
-    /// this call only ever raises it.
+    /// True if any alternative holds or held at an earlier call: the result never goes back to false. Always false
+    /// without alternatives.
     bool CheckResult();
 
 private:

@@ -1,16 +1,16 @@
 #ifndef ARBORIST_MODEL_EVENT_STATUS_H
 #define ARBORIST_MODEL_EVENT_STATUS_H
 
-/// What is known of an event. TRUE means that the fault is present; its value 0 is what rule code stores.
+/// The status of an event. TRUE means that the fault is present. The values are fixed: rule code stores them.
 enum class EventStatus : unsigned char {
     TRUE = 0,
     FALSE = 1,
-    /// Counts as true wherever a status is tested; nothing sets it today.
+    /// Counts as true wherever a status is tested; the library never sets it.
     INTERMEDIATE_TRUE = 2,
     UNKNOWN = 3,
 };
 
-/// Whether a status counts as a present fault: TRUE and INTERMEDIATE_TRUE.
+/// True for the two statuses that mean a present fault: TRUE and INTERMEDIATE_TRUE.
 constexpr bool IsError(EventStatus status)
 {
     return status == EventStatus::TRUE || status == EventStatus::INTERMEDIATE_TRUE;

@@ -6,7 +6,7 @@
 
 class IntermediateEvent;
 
-/// A top event with all that lies below it. Loaded once and used for every detection: Reset brings the statuses back.
+/// A top event with everything below it. Can be evaluated more than once: Reset restores the initial statuses.
 ///
 /// Shares ownership of the top event, which may be null. Used by one thread at a time.
 class FaultTree {
@@ -18,7 +18,8 @@ public:
     const std::string& GetVersion() const { return mVersion; }
     const std::string& GetType() const { return mType; }
     const std::shared_ptr<IntermediateEvent>& GetIntermediateEvent() const { return mIntermediateEvent; }
-    /// Kept with the tree; nothing sets it. What a deduction found is told by FaultTreeVisitor.
+    /// Part of the tree as rule code knows it; the library never sets it. FaultTreeVisitor has the result of a
+    /// deduction.
     bool IsResult() const { return mResult; }
 
     void SetId(std::string id);

@@ -9,7 +9,7 @@ namespace {
 
 using Events = std::vector<std::shared_ptr<Event>>;
 
-// Whether letting go of `event` would let go of everything below it.
+// True if dropping this reference destroys the event and everything below it.
 bool OwnsAllBelow(const std::shared_ptr<Event>& event)
 {
     const IntermediateEvent* intermediate = event.use_count() == 1 ? event->AsIntermediate() : nullptr;
@@ -35,7 +35,7 @@ Gate::~Gate()
         const std::shared_ptr<Gate> gate = std::move(dying.back());
         dying.pop_back();
         collect(gate->mEvents);
-        // What dies here has handed over its gate, which `dying` keeps: nothing nests.
+        // An event destroyed here has already moved its gate to `dying`, so no destructor nests.
         gate->mEvents.clear();
     }
 }
@@ -50,7 +50,7 @@ void Gate::AddEvent(std::shared_ptr<Event> event)
 void Gate::CheckEvents()
 {
     for (const auto& event : mEvents) {
-        // Most events are leaves, and what they would do is known: nothing.
+        // Most events are leaves, whose Check does nothing: skip the call.
         const EventKind kind = event->GetKind();
         if (kind != EventKind::BASIC && kind != EventKind::UNDEVELOPED) {
             event->Check();
@@ -84,8 +84,8 @@ EventStatus AndGate::Check()
 {
     CheckEvents();
     for (const auto& event : GetEvents()) {
-        // Not the symmetrical rule, and meant: UNKNOWN before FALSE answers UNKNOWN, FALSE before UNKNOWN answers
-        // FALSE. Callers see this order.
+        // The first child that is not true decides: UNKNOWN before FALSE answers UNKNOWN, FALSE before UNKNOWN answers
+        // FALSE. Rule files rely on it.
         if (event->GetResult() == EventStatus::FALSE || event->GetResult() == EventStatus::UNKNOWN) {
             return event->GetResult();
         }

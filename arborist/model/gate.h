@@ -8,10 +8,10 @@
 
 class Event;
 
-/// What a gate is, told without asking the type system.
+/// The kind of a gate.
 enum class GateKind : unsigned char { OTHER, OR, AND };
 
-/// Joins the events of one level of a tree and answers for the event above them.
+/// Combines the events of one level of a tree into the status of the event above them.
 ///
 /// Shares ownership of its events. Checking writes into them, so one tree is checked by one thread at a time; nothing
 /// is locked. No operation fails.
@@ -21,7 +21,7 @@ public:
     Gate(const Gate&) = delete;
     Gate& operator=(const Gate&) = delete;
 
-    /// Checks every event below, in order, then returns the status they amount to: TRUE, FALSE or UNKNOWN.
+    /// Checks every event below, in order, then returns their combined status: TRUE, FALSE or UNKNOWN.
     virtual EventStatus Check() = 0;
 
     /// Appends `event`. A null event is ignored. The order counts: see AndGate::Check.
@@ -36,7 +36,7 @@ public:
 protected:
     explicit Gate(GateKind kind = GateKind::OTHER) : mKind(kind) {}
 
-    /// Checks every event, in order, so that the whole subtree is up to date before one status is read.
+    /// Checks every event, in order, so that the whole subtree is up to date before any status is read.
     void CheckEvents();
 
 private:

@@ -10,17 +10,17 @@
 
 #include "arborist/model/condition.h"
 
-/// One rule of a rule set: what all families share. Read from the file and shared between the loader's rule map and
-/// whoever evaluates it; the fields marked "run-time" are written by one evaluating thread at a time.
+/// What the rules of all families have in common. The loader's rule map and the evaluation share a rule; only one
+/// thread at a time may evaluate it, since evaluation writes the fields marked "run-time".
 class Rule {
 public:
     Rule() = default;
     virtual ~Rule() = default;
 
-    /// The family's word; empty for the base class itself.
+    /// The word of the rule's family; empty for the base class.
     virtual std::string GetRuleType() const { return ""; }
 
-    /// Key of the rule map, and what "Rule-name" refers to.
+    /// Key of the rule map; "Rule-name" elements refer to it.
     std::string name;
     std::string type;
     /// The device's platform, product, scene and type are looked for in these texts; see RuleHelper.
@@ -45,7 +45,7 @@ public:
     std::int32_t period = 0;
     /// Count to reach.
     std::int32_t threshold = 0;
-    /// Run-time: which window of its item this is.
+    /// Run-time: the kind of this window within its item.
     TimeType timeType = DURATION;
 };
 
@@ -62,7 +62,7 @@ public:
         std::int32_t GetEventIdMin() const { return ParseAlarmIdToInt(Eventid_Min); }
         std::int32_t GetEventIdMax() const { return ParseAlarmIdToInt(Eventid_Max); }
 
-        /// Only "param_eventid" has a meaning: the tests of `conditionList` apply.
+        /// With "param_eventid" the tests of `conditionList` apply; any other text counts rows without tests.
         std::string type;
         std::string Eventid_Min;
         std::string Eventid_Max;
@@ -71,9 +71,9 @@ public:
         std::shared_ptr<TimeSet> latest;
         ParamMap params;
         ConditionList conditionList;
-        /// Kept with the record; nothing sets or reads it.
+        /// Part of the record as rule code knows it; the library neither sets nor reads it.
         bool flag = false;
-        /// From where the windows reach back: "1" reset or update, "2" update, "3" reset, "4" neither.
+        /// What may shorten the windows: "1" the last reset and update, "2" the update, "3" the reset, "4" neither.
         std::string BeginFlag = "1";
 
     private:
@@ -100,7 +100,7 @@ public:
     std::string GetRuleType() const override { return CODE_RULE; }
 
     CodeItem codeItem;
-    /// Handed to the runner unchanged.
+    /// Passed to the host's runner unchanged.
     std::string userDefinedInfo;
 };
 
@@ -120,11 +120,11 @@ public:
 
     struct AnalysisMethod {
         SqlItem sqlItem;
-        /// Only "SQL" is carried out.
+        /// The library evaluates "SQL" only; a rule with another method is false.
         std::string type;
     };
 
-    /// The external databases that the query runs on.
+    /// Names the external databases on which the query runs.
     struct ReferenceDefDb {
         static constexpr char TAG[] = "ReferenceDefDb";
 
@@ -197,7 +197,7 @@ public:
     void SetLogicExpression(const LogicExpression& expression);
     const ParamMap& GetParamMap() const { return paramMap; }
     void SetParamMap(ParamMap params) { paramMap = std::move(params); }
-    /// Adds entry by entry; an id that is already there keeps its first entry.
+    /// Adds the entries whose id is new; an id that is already present keeps its first entry.
     void InsertParamMap(const ParamMap& params);
     const NodeInfoList& GetNodeInfoList() const { return nodeInfoList; }
     void SetNodeInfoList(NodeInfoList nodes) { nodeInfoList = std::move(nodes); }
