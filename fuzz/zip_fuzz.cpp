@@ -1,7 +1,20 @@
-// Any bytes as an archive: nothing may be written outside the target.
+// Any bytes as an archive: nothing may be written outside the target, and nothing may be left there half written.
+
+#include <algorithm>
 
 #include "arborist/utilities/zip_util.h"
 #include "fuzz/fuzz_support.h"
+
+namespace {
+
+// A file that was not unpacked to its end stands under a name that is longer than that of any entry.
+bool IsUnfinished(const std::filesystem::directory_entry& entry)
+{
+    constexpr std::size_t LONGEST_ENTRY_NAME = 127;
+    return entry.path().filename().string().size() > LONGEST_ENTRY_NAME;
+}
+
+} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
@@ -9,6 +22,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string archive = dir.Write("archive.zip", data, size);
     std::filesystem::create_directories(dir.Path("above/target"));
     ZipUtil::UnZipFile(archive, dir.Path("above/target/"));
+    const std::filesystem::directory_iterator unpacked(dir.Path("above/target"));
+    if (std::any_of(begin(unpacked), end(unpacked), IsUnfinished)) {
+        std::abort();
+    }
     std::filesystem::remove_all(dir.Path("above/target"));
     if (!std::filesystem::is_empty(dir.Path("above"))) {
         std::abort();

@@ -1,12 +1,14 @@
 #include "arborist/utilities/zip_util.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include <minizip/unzip.h>
@@ -14,13 +16,13 @@
 
 #include "arborist/frame/log.h"
 #include "arborist/utilities/file_util.h"
+#include "arborist/utilities/zip_entry.h"
 
 namespace {
 
 constexpr std::size_t READ_BUFFER_LENGTH = 102400;
-constexpr std::size_t WRITE_BUFFER_LENGTH = 1024;
-constexpr std::size_t ENTRY_NAME_LENGTH = 128; // with the terminator
-constexpr unsigned long BEYOND_4_GIB = 0xFFFFFFFF; // stands for a length that 32 bits don't hold
+constexpr std::size_t LONGEST_ENTRY_NAME = 127;
+constexpr std::uint64_t FOUR_GIB = 1ULL << 32;
 constexpr std::size_t END_RECORD_LENGTH = 22;
 constexpr std::size_t MAX_COMMENT_LENGTH = 0xFFFF; // what can follow the end record
 constexpr std::size_t MAX_ADDED_NAME_LENGTH = 0xFFFF; // what the format has room for
@@ -36,6 +38,27 @@ struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
+
+// Reads like fread, and finds zeros behind the end of the file: where the archive library takes a packed length for 4 GiB
+// (see ResolveLengths), it reads ahead as far as that and would fail at the end of a small archive.
+uLong ReadAhead(void*, void* stream, void* buffer, uLong wanted)
+{
+    auto* const file = static_cast<std::FILE*>(stream);
+    const std::size_t got = std::fread(buffer, 1, wanted, file);
+    if (std::feof(file) == 0) {
+        return static_cast<uLong>(got);
+    }
+    std::fill_n(static_cast<char*>(buffer) + got, wanted - got, '\0');
+    return wanted;
+}
+
+Archive OpenArchive(const std::string& path)
+{
+    zlib_filefunc64_def functions{};
+    fill_fopen64_filefunc(&functions);
+    functions.zread_file = ReadAhead;
+    return Archive(unzOpen2_64(path.c_str(), &functions));
+}
 
 // The record that ends an archive and tells its number of entries; empty when the file has none or only a part of it.
 std::string EndRecord(const std::string& path)
@@ -90,63 +113,69 @@ bool LeadsOut(const std::string& target, std::string_view name)
         (lastElement == "." && name.substr(0, name.find('/')) == ".");
 }
 
-// Copies the entry that is open. A negative number of bytes read is an error in the archive.
-bool CopyEntry(unzFile archive, std::FILE* file)
+// Names with a backslash come from systems where it separates folders; elsewhere it would be a character like others.
+bool NormaliseSeparators(std::string& name)
 {
-    std::array<char, WRITE_BUFFER_LENGTH> buffer;
-    for (;;) {
-        const int got = unzReadCurrentFile(archive, buffer.data(), static_cast<unsigned int>(buffer.size()));
-        if (got <= 0) {
-            return got == 0;
-        }
-        const auto length = static_cast<std::size_t>(got);
-        if (std::fwrite(buffer.data(), 1, length, file) != length) {
-            return false;
-        }
-    }
+#ifdef _WIN32
+    FileUtil::FormatPath2UnixStyle(name);
+    return true;
+#else
+    return name.find('\\') == std::string::npos;
+#endif
 }
 
 // Closes the file by itself: what was held back until then can still find the disk full.
-bool CopyEntryTo(unzFile archive, const std::string& path)
+bool UnpackTo(unzFile archive, const ZipEntry& entry, const std::string& path)
 {
     File file(std::fopen(path.c_str(), "wb"));
-    return file != nullptr && CopyEntry(archive, file.get()) && std::fclose(file.release()) == 0;
+    return file != nullptr && UnpackZipEntry(archive, entry, file.get()) && std::fclose(file.release()) == 0;
 }
 
-bool ExtractFile(unzFile archive, const std::string& path)
+// Where a file is written until it is whole. Longer than the name of any entry, so that none can stand there.
+std::string UnfinishedPath(const std::string& target)
 {
-    if (unzOpenCurrentFile(archive) != UNZ_OK) {
-        return false;
+    std::string name = "unfinished";
+    name.resize(LONGEST_ENTRY_NAME + 1, '-');
+    return target + name;
+}
+
+// Unpacks a file beside its place and moves it there when it is whole: what was there stays until then.
+bool ExtractFile(unzFile archive, const ZipEntry& entry, const std::string& target)
+{
+    const std::string unfinished = UnfinishedPath(target);
+    std::error_code error;
+    if (UnpackTo(archive, entry, unfinished)) {
+        std::filesystem::rename(unfinished, target + entry.name, error);
+        if (!error) {
+            return true;
+        }
     }
-    const bool copied = CopyEntryTo(archive, path);
-    unzCloseCurrentFile(archive);
-    return copied;
+    std::filesystem::remove(unfinished, error);
+    return false;
 }
 
 // `unread` is what entries may still take up in the archive: entries that share their bytes, of which a small archive
 // could hold any number, are none.
 bool ExtractEntry(unzFile archive, const std::string& target, std::uint64_t& unread)
 {
-    std::array<char, ENTRY_NAME_LENGTH> name{};
-    unz_file_info info{};
-    if (unzGetCurrentFileInfo(archive, &info, name.data(), name.size(), nullptr, 0, nullptr, 0) != UNZ_OK ||
-        info.size_filename >= name.size() || info.compressed_size > unread) {
+    std::optional<ZipEntry> entry = ReadZipEntry(archive);
+    if (!entry || entry->packedLength > unread) {
         return false;
     }
-    unread -= info.compressed_size;
-    if (LeadsOut(target, name.data())) {
-        FT::Log::GetInstance().Output(
-            FT::LEVEL_ERROR, "FUNc:%s: entry %s leads out of the target.", "ZipUtil::UnZipFile", name.data());
+    unread -= entry->packedLength;
+    if (LeadsOut(target, entry->name)) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: entry %s leads out of the target.",
+            "ZipUtil::UnZipFile", entry->name.c_str());
         return false;
     }
-    const std::string path = target + name.data();
-    if (std::string_view(name.data()).ends_with('/')) {
-        FileUtil::ForceCreateDirectory(path, DIRECTORY_MODE);
+    if (!NormaliseSeparators(entry->name)) {
+        return false;
+    }
+    if (entry->IsFolder()) {
+        FileUtil::ForceCreateDirectory(target + entry->name, DIRECTORY_MODE);
         return true;
     }
-    // The archive library hands out no more than the length that the archive tells, so that this need not be seen
-    // while the disk fills.
-    return info.uncompressed_size < BEYOND_4_GIB && ExtractFile(archive, path);
+    return entry->length < FOUR_GIB && ExtractFile(archive, *entry, target);
 }
 
 bool StartsWith(const std::string& text, std::string_view start)
@@ -212,16 +241,16 @@ bool ZipUtil::UnZipFile(const std::string& archive, const std::string& target)
     if (TellsOfNothing(endRecord) && FileUtil::GetFileSize(archive) == END_RECORD_LENGTH) {
         return true;
     }
-    const Archive opened(unzOpen(archive.c_str()));
+    const Archive opened = OpenArchive(archive);
     if (opened == nullptr) {
         return false;
     }
-    unz_global_info content{};
-    if (unzGetGlobalInfo(opened.get(), &content) != UNZ_OK) {
+    unz_global_info64 content{};
+    if (unzGetGlobalInfo64(opened.get(), &content) != UNZ_OK) {
         return false;
     }
     std::uint64_t unread = FileUtil::GetFileSize(archive);
-    for (unsigned long entry = 0; entry < content.number_entry; ++entry) {
+    for (std::uint64_t entry = 0; entry < content.number_entry; ++entry) {
         if (entry != 0 && unzGoToNextFile(opened.get()) != UNZ_OK) {
             return false;
         }

@@ -19,9 +19,11 @@ using FileOpener = std::function<std::FILE*(const std::string& source)>;
 ///
 /// Only an entry whose name ends in "/" makes a directory; a file in a directory that isn't there can't be written.
 /// The first entry that fails ends it with false, and what was extracted stays. An entry fails when it can't be
-/// opened, read or written, when its name has more than 127 characters, when its length is told to be 4 GiB or more,
-/// and, with a line at LEVEL_ERROR, when its name leads out of the target. False also for what is no archive, or an
-/// archive cut off at its end; an empty one is true. Checksums are not looked at.
+/// opened, read or written, when it is encrypted or packed in a way other than stored or deflated, when its length or
+/// checksum is not what the archive tells, when that length is 4 GiB or more, when its name has more than 127
+/// characters, and, with a line at LEVEL_ERROR, when its name leads out of the target. A backslash in a name separates
+/// folders on Windows; elsewhere the entry fails. An entry that fails leaves the file that stood in its place. False
+/// also for what is no archive, or an archive cut off at its end; an empty one is true.
 bool UnZipFile(const std::string& archive, const std::string& target);
 
 /// Makes an archive at `path`, replacing what is there. The caller ends it with CloseZipFile.
