@@ -5,8 +5,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "diagnosis/bundle/rule_paths.h"
-#include "diagnosis/capture/captured_files.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
@@ -14,11 +12,9 @@
 
 namespace {
 
-using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 using testing::StartsWith;
 
 namespace fs = std::filesystem;
@@ -287,47 +283,6 @@ TEST_F(BundleCommandTest, VerifyTellsWhatIsSoundMissingAndBroken)
     mDir.Write("bad.zip", "PK\3\4 and no more");
     EXPECT_THAT(RunArborist({"bundle", "verify", "--json", "bad.zip"}).out,
         HasSubstr("\"ok\": false, \"findings\": [{\"state\": \"broken\", \"code\": \"bad_zip\""));
-}
-
-TEST_F(BundleCommandTest, RulePathsAreThoseOfTheTagEachOnce)
-{
-    const auto node = [](const std::string& path) { return NodeRuleXml("r" + path, {NodeInfoXml("T", path)}); };
-    mDir.Write("rules/P_FaultTreeRules.xml", RuleXml("Tag").Rule(node("/sys/b")).Rule(node("a")).Rule(node("/sys/b"))
-        .Rule(AlarmRuleXml("w", {AlarmIdXml("1", "1", {TimeXml("latest", "90", "1"), TimeXml("duration", "0", "1")})}))
-        .Text());
-    diagnosis::Bundle bundle;
-    bundle.treeTag = "Tag";
-    bundle.ruleFilePrefix = "P";
-    const auto paths = diagnosis::ReadRulePaths(bundle);
-    EXPECT_THAT(paths.nodeFiles, ElementsAre("/sys/b", "a"));
-    EXPECT_EQ(paths.longestWindow, 90);
-    bundle.treeTag = "Other";
-    EXPECT_THAT(diagnosis::ReadRulePaths(bundle).nodeFiles, IsEmpty());
-}
-
-TEST_F(BundleCommandTest, WindowsThatWrapAroundHaveNoBound)
-{
-    mDir.Write("rules/FaultTreeRules.xml", RuleXml("Tag").Rule(
-        AlarmRuleXml("w", {AlarmIdXml("1", "1", {TimeXml("latest", "24856", "1")})})).Text());
-    diagnosis::Bundle bundle;
-    bundle.treeTag = "Tag";
-    EXPECT_FALSE(diagnosis::ReadRulePaths(bundle).longestWindow.has_value());
-}
-
-TEST_F(BundleCommandTest, FoldersAreCapturedWithEmptyOnesAndWithoutEndlessLinks)
-{
-    mDir.Write("source/a/file", "x");
-    mDir.MakeDir("source/empty");
-    fs::create_directory_symlink("..", "source/a/up");
-    fs::create_symlink("file", "source/a/link");
-    diagnosis::CapturedFiles files(mDir.MakeDir("target"), {});
-    EXPECT_FALSE(files.AddFolder("source", "device/source").has_value());
-    EXPECT_EQ(mDir.Read("target/device/source/a/link"), "x");
-    EXPECT_TRUE(mDir.Has("target/device/source/empty"));
-    EXPECT_FALSE(mDir.Has("target/device/source/a/up"));
-    EXPECT_EQ(files.Files(), 2U);
-    diagnosis::CapturedFiles few(mDir.MakeDir("few"), {.entries = 1});
-    EXPECT_EQ(few.AddFolder("source", "s")->code, "too_large");
 }
 
 TEST_F(BundleCommandTest, APathThatLeadsOutIsLeftOutWithAWarning)

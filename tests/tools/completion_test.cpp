@@ -7,7 +7,6 @@
 
 namespace {
 
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 /// A line up to the cursor, and the one word that it is completed to.

@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "diagnosis/detection/bad_pattern.h"
 #include "tests/support/case_name.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
@@ -169,13 +168,6 @@ TEST_F(DetectCommandTest, APatternThatIsNoRegularExpressionIsNamedWithItsEntry)
     EXPECT_THAT(result.err, EndsWith(" [bad_pattern]\n"));
     EXPECT_THAT(result.out, AllOf(StartsWith("bad\n  NOT DIAGNOSED\ngood\n"), HasSubstr("FAULT")));
     EXPECT_EQ(result.status, 3);
-}
-
-TEST(BadPatternTest, OneThatIsTooLongIsNamedAndNotCompiled)
-{
-    const std::string pattern(1000000, '(');
-    EXPECT_THAT(diagnosis::BadPatternMessage({}, {{"LONG", pattern}, {"FINE", ".*"}}, "too long"),
-        AllOf(HasSubstr(pattern + "\" of the defDBTable \"LONG\""), testing::Not(HasSubstr("FINE"))));
 }
 
 TEST_F(DetectCommandTest, AFolderThatIsNoneIsNamed)

@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "diagnosis/drawing/open_psa.h"
-#include "tests/support/case_name.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
@@ -221,25 +219,6 @@ TEST_F(GraphCommandTest, OpenPsaHasAGateForEachPlaceAndABasicEventForEachId)
 </opsa-mef>
 )");
 }
-
-struct NameCase { const char* name; std::string id; std::string escaped; };
-void PrintTo(const NameCase& nameCase, std::ostream* out) { *out << nameCase.name; }
-class OpenPsaName : public testing::TestWithParam<NameCase> {};
-
-TEST_P(OpenPsaName, IsOneThatTheFormatAllows)
-{
-    EXPECT_EQ(diagnosis::EscapedName(GetParam().id), GetParam().escaped);
-}
-
-INSTANTIATE_TEST_SUITE_P(Table, OpenPsaName, testing::Values(
-    NameCase{"LettersDigitsAndLinesStay", "Hot_2__", "Hot_2__"},
-    NameCase{"EmptyHasANameThatNoIdHas", "", "_x_"},
-    NameCase{"ADigitInFront", "2A", "_x32A"},
-    NameCase{"DashesAndDotsMeanSomethingThere", "A-B.C", "A_x2DB_x2EC"},
-    NameCase{"WhatLooksEscapedIsEscaped", "_x2D", "_x5Fx2D"},
-    NameCase{"ALineBeforeAnEscape", "_-", "__x2D"},
-    NameCase{"BytesBeyondAscii", "\xC3\xA4", "_xC3_xA4"}),
-    CaseName());
 
 TEST_F(GraphCommandTest, HostileTextsBreakNoFormat)
 {

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "diagnosis/log_db/slice_log.h"
 #include "diagnosis/sqlite/connection.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/temp_dir.h"
@@ -11,10 +10,6 @@
 
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Pair;
 
 constexpr std::int64_t DAY = 86400;
 
@@ -124,15 +119,6 @@ TEST_F(LogSliceTest, WrongMomentsAndListsAreWrongUse)
         EXPECT_EQ(RunArborist({"log", "slice", "log.db", "--to", "s.db", option, value}).status, 2) << option << value;
     }
     EXPECT_FALSE(mDir.Has("s.db"));
-}
-
-TEST(IdRanges, AreReadStrictly)
-{
-    EXPECT_THAT(*diagnosis::ParseIdRanges("7"), ElementsAre(Pair(7, 7)));
-    EXPECT_THAT(*diagnosis::ParseIdRanges("-5--3,8-9"), ElementsAre(Pair(-5, -3), Pair(8, 9)));
-    for (const char* text : {"", ",", "7,", "9-8", "7 ", "a", "99999999999999999999"}) {
-        EXPECT_FALSE(diagnosis::ParseIdRanges(text).has_value()) << text;
-    }
 }
 
 } // namespace

@@ -1,14 +1,9 @@
-#include "diagnosis/scratch/scratch.h"
-
 #include <csignal>
 #include <filesystem>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
-#include "diagnosis/scratch/new_file.h"
-#include "diagnosis/scratch/path_names.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
@@ -18,7 +13,6 @@ namespace {
 
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
@@ -221,73 +215,6 @@ TEST_F(ScratchTest, AnotherRuleSetTakesTheBundlesPlace)
     const auto missing = Run({"detect", "--rules", "none", "b"});
     EXPECT_THAT(missing.err, HasSubstr(mDir.Path("none/FaultTrees.xml") + ": no such file"));
     EXPECT_EQ(missing.status, 3);
-}
-
-TEST(ScratchFolder, IsRemovedWithItsObjectAndLinksAreNotFollowed)
-{
-    TempDir dir;
-    dir.Write("kept/file", "x");
-    std::string path;
-    {
-        diagnosis::Scratch scratch;
-        ASSERT_FALSE(scratch.Make().has_value());
-        path = scratch.Path();
-        std::string deep = path;
-        for (int i = 0; i < 40; ++i) {
-            deep += "/folder";
-        }
-        fs::create_directories(deep);
-        fs::create_directory_symlink(dir.Path("kept"), deep + "/link");
-        for (int i = 0; i < 300; ++i) {
-            dir.Write(fs::path(path).lexically_relative(dir.Path()).string() + "/file" + std::to_string(i), "");
-        }
-        EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_all);
-    }
-    EXPECT_FALSE(fs::exists(path));
-    EXPECT_TRUE(dir.Has("kept/file"));
-}
-
-// ---- A file that comes into being whole. ----
-
-TEST(NewFileDeathTest, IsGoneWhenASignalEndsTheProcess)
-{
-    const TempDir dir;
-    dir.Write("f/old", "old");
-    for (const int number : {SIGHUP, SIGINT, SIGPIPE, SIGTERM}) {
-        EXPECT_EXIT({
-            std::signal(number, SIG_DFL); // a test that runs in the background may have it ignored
-            diagnosis::NewFile file;
-            file.Make("f/old");
-            dir.Write("f/" + fs::path(file.TemporaryPath()).lexically_relative("f").string(), "half");
-            std::raise(number);
-        }, testing::KilledBySignal(number), "");
-        EXPECT_EQ(StateOf("f").size(), 1U);
-        EXPECT_EQ(dir.Read("f/old"), "old");
-    }
-}
-
-TEST(NewFile, ReplacesPlainFilesOnly)
-{
-    const TempDir dir;
-    dir.MakeDir("folder");
-    ASSERT_EQ(mkfifo("pipe", 0600), 0);
-    for (const auto& [path, problem] : {std::pair("folder", "is a folder"), std::pair("pipe", "is no plain file"),
-             std::pair("no/file", "can't be written: No such file or directory")}) {
-        diagnosis::NewFile file;
-        EXPECT_EQ(file.Make(path), problem);
-    }
-    diagnosis::NewFile file;
-    EXPECT_EQ(file.Make("file"), std::nullopt);
-    dir.Write(fs::path(file.TemporaryPath()).lexically_normal().string(), "new");
-    EXPECT_EQ(file.PutInPlace(), std::nullopt);
-    EXPECT_EQ(dir.Read("file"), "new");
-}
-
-TEST(PathNames, EveryPlaceOfAPathIsNamed)
-{
-    diagnosis::PathNames names;
-    names.Add("/tmp/x/databases", "db");
-    EXPECT_EQ(names.Shown("open /tmp/x/databases/a and /tmp/x/databases/b, not /tmp/y"), "open db/a and db/b, not /tmp/y");
 }
 
 } // namespace

@@ -8,7 +8,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "diagnosis/evidence/warning_list.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
@@ -16,8 +15,6 @@
 
 namespace {
 
-using diagnosis::WarningList;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -226,30 +223,6 @@ TEST_F(WarningsTest, StrictTakesTheMostSeriousOfWarningsAndFaults)
     EXPECT_EQ(Detect({"--strict", "--fail-on-fault"}).status, 1);
     mDir.Write("b/rules/FaultTreeRules.xml", RuleXml("Other").Text());
     EXPECT_EQ(Detect({"--strict"}).status, 3);
-}
-
-TEST(WarningListTest, TellsEachWarningOnceWithItsCount)
-{
-    WarningList list;
-    list.Add("a", "one");
-    list.Add("b", "two");
-    list.Add("a", "one");
-    std::vector<std::string> told;
-    for (const auto& warning : list.Told()) {
-        told.push_back(warning.code + ": " + warning.message);
-    }
-    EXPECT_THAT(told, ElementsAre("a: one (2 times)", "b: two"));
-}
-
-TEST(WarningListTest, KeepsALimitedNumberOfEachCodeAndCountsTheRest)
-{
-    WarningList list;
-    for (std::size_t i = 0; i < WarningList::LARGEST_NUMBER + 7; ++i) {
-        list.Add("a", std::to_string(i));
-    }
-    const auto told = list.Told();
-    EXPECT_EQ(told.size(), WarningList::LARGEST_NUMBER + 1);
-    EXPECT_EQ(told.back().message, "and 7 more of this kind");
 }
 
 /// One warning as it is told, wherever it is told.

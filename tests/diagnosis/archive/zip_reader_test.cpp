@@ -1,0 +1,99 @@
+#include "diagnosis/archive/zip_reader.h"
+
+#include <filesystem>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <minizip/zip.h>
+#include <sys/stat.h>
+
+#include "tests/support/case_name.h"
+#include "tests/support/temp_dir.h"
+#include "tests/support/zip_file.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+namespace fs = std::filesystem;
+
+class ZipReaderTest : public testing::Test {
+protected:
+    std::optional<diagnosis::Failure> Unpack(const diagnosis::ZipLimits& limits = {})
+    {
+        mDir.MakeDir("in/out");
+        return diagnosis::UnpackZip("z.zip", "z.zip", mDir.Path("in/out"), mWarnings, limits);
+    }
+
+    TempDir mDir;
+    std::vector<diagnosis::Warning> mWarnings;
+};
+
+struct NameCase { const char* name; std::string entry; };
+void PrintTo(const NameCase& nameCase, std::ostream* out) { *out << nameCase.name; }
+class BadEntryName : public ZipReaderTest, public testing::WithParamInterface<NameCase> {};
+
+TEST_P(BadEntryName, IsRefused)
+{
+    WriteZip("z.zip", {{GetParam().entry, "x"}});
+    const auto failure = Unpack();
+    ASSERT_TRUE(failure.has_value());
+    EXPECT_EQ(failure->code, "bad_zip");
+    EXPECT_TRUE(fs::is_empty("in/out"));
+    EXPECT_FALSE(mDir.Has("evil"));
+    EXPECT_FALSE(mDir.Has("in/evil"));
+}
+
+std::string Deep()
+{
+    std::string name;
+    for (int i = 0; i < 70; ++i) {
+        name += "d/";
+    }
+    return name + "file";
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, BadEntryName, testing::Values(
+    NameCase{"Above", "../evil"},
+    NameCase{"AboveInTheMiddle", "a/../../evil"},
+    NameCase{"OtherSeparator", "..\\evil"},
+    NameCase{"Absolute", "/tmp/arborist-evil"},
+    NameCase{"OtherAbsolute", "\\evil"},
+    NameCase{"Empty", ""},
+    NameCase{"AboveAtTheEnd", "a/.."},
+    NameCase{"TooDeep", Deep()}),
+    CaseName());
+
+TEST_F(ZipReaderTest, ANameThatStandsTwiceIsRefused)
+{
+    WriteZip("z.zip", {{"a", "1"}, {"a", "2"}});
+    EXPECT_THAT(Unpack()->message, HasSubstr("\"a\" can't be made"));
+    EXPECT_EQ(mDir.Read("in/out/a"), "1");
+}
+
+TEST_F(ZipReaderTest, MoreBytesOrEntriesThanTheLimitsAreRefused)
+{
+    WriteZip("z.zip", {{"a", std::string(100000, 'x')}, {"b", std::string(100000, 'x')}});
+    EXPECT_EQ(Unpack({.bytes = 150000})->message, "z.zip: more than 150000 bytes when unpacked");
+    fs::remove_all("in");
+    EXPECT_EQ(Unpack({.entries = 1})->code, "too_large");
+    fs::remove_all("in");
+    EXPECT_FALSE(Unpack({.entries = 2, .bytes = 200000}).has_value());
+}
+
+TEST_F(ZipReaderTest, SymbolicLinksAreNotMade)
+{
+    const zipFile archive = zipOpen("z.zip", APPEND_STATUS_CREATE);
+    zip_fileinfo info{};
+    info.external_fa = static_cast<unsigned long>(S_IFLNK | 0777) << 16U;
+    zipOpenNewFileInZip(archive, "link", &info, nullptr, 0, nullptr, 0, nullptr, Z_DEFLATED, 6);
+    zipWriteInFileInZip(archive, "/etc", 4);
+    zipCloseFileInZip(archive);
+    zipClose(archive, nullptr);
+    EXPECT_FALSE(Unpack().has_value());
+    EXPECT_FALSE(fs::is_symlink("in/out/link") || mDir.Has("in/out/link"));
+    ASSERT_EQ(mWarnings.size(), 1U);
+    EXPECT_EQ(mWarnings[0].code, "zip_link");
+}
+
+} // namespace

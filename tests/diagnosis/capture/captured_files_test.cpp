@@ -1,0 +1,30 @@
+#include "diagnosis/capture/captured_files.h"
+
+#include <filesystem>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/temp_dir.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(CapturedFilesTest, FoldersAreCapturedWithEmptyOnesAndWithoutEndlessLinks)
+{
+    const TempDir dir;
+    dir.Write("source/a/file", "x");
+    dir.MakeDir("source/empty");
+    fs::create_directory_symlink("..", "source/a/up");
+    fs::create_symlink("file", "source/a/link");
+    diagnosis::CapturedFiles files(dir.MakeDir("target"), {});
+    EXPECT_FALSE(files.AddFolder("source", "device/source").has_value());
+    EXPECT_EQ(dir.Read("target/device/source/a/link"), "x");
+    EXPECT_TRUE(dir.Has("target/device/source/empty"));
+    EXPECT_FALSE(dir.Has("target/device/source/a/up"));
+    EXPECT_EQ(files.Files(), 2U);
+    diagnosis::CapturedFiles few(dir.MakeDir("few"), {.entries = 1});
+    EXPECT_EQ(few.AddFolder("source", "s")->code, "too_large");
+}
+
+} // namespace

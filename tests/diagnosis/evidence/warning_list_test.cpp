@@ -1,0 +1,35 @@
+#include "diagnosis/evidence/warning_list.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using diagnosis::WarningList;
+using testing::ElementsAre;
+
+TEST(WarningListTest, TellsEachWarningOnceWithItsCount)
+{
+    WarningList list;
+    list.Add("a", "one");
+    list.Add("b", "two");
+    list.Add("a", "one");
+    std::vector<std::string> told;
+    for (const auto& warning : list.Told()) {
+        told.push_back(warning.code + ": " + warning.message);
+    }
+    EXPECT_THAT(told, ElementsAre("a: one (2 times)", "b: two"));
+}
+
+TEST(WarningListTest, KeepsALimitedNumberOfEachCodeAndCountsTheRest)
+{
+    WarningList list;
+    for (std::size_t i = 0; i < WarningList::LARGEST_NUMBER + 7; ++i) {
+        list.Add("a", std::to_string(i));
+    }
+    const auto told = list.Told();
+    EXPECT_EQ(told.size(), WarningList::LARGEST_NUMBER + 1);
+    EXPECT_EQ(told.back().message, "and 7 more of this kind");
+}
+
+} // namespace

@@ -1,0 +1,50 @@
+#include "diagnosis/scratch/new_file.h"
+
+#include <csignal>
+#include <filesystem>
+#include <iterator>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "tests/support/temp_dir.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(NewFileDeathTest, IsGoneWhenASignalEndsTheProcess)
+{
+    const TempDir dir;
+    dir.Write("f/old", "old");
+    for (const int number : {SIGHUP, SIGINT, SIGPIPE, SIGTERM}) {
+        EXPECT_EXIT({
+            std::signal(number, SIG_DFL); // a test that runs in the background may have it ignored
+            diagnosis::NewFile file;
+            file.Make("f/old");
+            dir.Write("f/" + fs::path(file.TemporaryPath()).lexically_relative("f").string(), "half");
+            std::raise(number);
+        }, testing::KilledBySignal(number), "");
+        EXPECT_EQ(std::distance(fs::directory_iterator("f"), fs::directory_iterator()), 1);
+        EXPECT_EQ(dir.Read("f/old"), "old");
+    }
+}
+
+TEST(NewFile, ReplacesPlainFilesOnly)
+{
+    const TempDir dir;
+    dir.MakeDir("folder");
+    ASSERT_EQ(mkfifo("pipe", 0600), 0);
+    for (const auto& [path, problem] : {std::pair("folder", "is a folder"), std::pair("pipe", "is no plain file"),
+             std::pair("no/file", "can't be written: No such file or directory")}) {
+        diagnosis::NewFile file;
+        EXPECT_EQ(file.Make(path), problem);
+    }
+    diagnosis::NewFile file;
+    EXPECT_EQ(file.Make("file"), std::nullopt);
+    dir.Write(fs::path(file.TemporaryPath()).lexically_normal().string(), "new");
+    EXPECT_EQ(file.PutInPlace(), std::nullopt);
+    EXPECT_EQ(dir.Read("file"), "new");
+}
+
+} // namespace
