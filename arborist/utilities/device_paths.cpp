@@ -5,6 +5,7 @@
 
 #include "arborist/frame/fault_tree_prop_global.h"
 #include "arborist/frame/settings.h"
+#include "arborist/utilities/rooted_path.h"
 
 namespace {
 
@@ -51,10 +52,7 @@ std::string DevicePaths::OnDevice(const std::string& path)
     if (root.empty()) {
         return path;
     }
-    if (path.find("..") == std::string::npos) {
-        return root + path;
-    }
-    return root + std::filesystem::path(path).lexically_normal().string();
+    return RootedPath::Resolve(root, path);
 }
 
 std::string DevicePaths::RealRootOfDevice()
@@ -70,4 +68,12 @@ std::string DevicePaths::PathOnDevice(const std::string& realPath, const std::st
     const bool isBelow = realPath.compare(0, realRoot.size(), realRoot) == 0 && realPath.size() > realRoot.size()
         && realPath[realRoot.size()] == '/';
     return isBelow ? realPath.substr(realRoot.size()) : realPath;
+}
+
+std::string DevicePaths::RealPath(const std::string& path, const std::string& realRoot)
+{
+    std::error_code error;
+    const bool isOfDevice = !realRoot.empty() && path.compare(0, realRoot.size() + 1, realRoot + "/") == 0;
+    const std::string resolved = isOfDevice ? RootedPath::Resolve(realRoot, path.substr(realRoot.size())) : path;
+    return std::filesystem::canonical(resolved, error).string();
 }

@@ -1,5 +1,7 @@
 #include "arborist/evaluation/node_rule_engine.h"
 
+#include <filesystem>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -253,6 +255,22 @@ TEST_F(NodeRuleEngineTest, NodePathsLieBelowTheDeviceRoot)
     Node("a", "/sys/value");
     AddParam("1", "a", "int");
     Conditions({SingleTest("eq", "5")});
+    EXPECT_TRUE(Ask());
+}
+
+TEST_F(NodeRuleEngineTest, LinkOfACapturedDeviceIsFollowedWithinTheDevice)
+{
+    mDir.Write("root/devices/value", "5");
+    mDir.Write("devices/value", "6");
+    mDir.MakeDir("root/sys");
+    std::filesystem::create_symlink("/devices/value", mDir.Path("root/sys/value"));
+    std::filesystem::create_symlink("../../devices/value", mDir.Path("root/sys/relative"));
+    mSettings.Set(Settings::DEVICE_ROOT_DIR, mDir.Path("root"));
+    Node("a", "/sys/value");
+    Node("b", "/sys/relative");
+    AddParam("1", "a", "int");
+    AddParam("2", "b", "int");
+    Conditions({MultipleTest({Item("1", "eq", "5"), Item("2", "eq", "5")})});
     EXPECT_TRUE(Ask());
 }
 

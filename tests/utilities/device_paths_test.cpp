@@ -1,9 +1,12 @@
 #include "arborist/utilities/device_paths.h"
 
+#include <filesystem>
+
 #include <gtest/gtest.h>
 
 #include "arborist/frame/settings.h"
 #include "tests/support/settings_guard.h"
+#include "tests/support/temp_dir.h"
 
 namespace {
 
@@ -45,12 +48,26 @@ TEST_F(DevicePathsTest, AbsolutePathStandsBelowTheRootOfTheDevice)
     EXPECT_EQ(DevicePaths::OnDevice(""), "");
 }
 
-TEST_F(DevicePathsTest, ParentElementsDoNotLeaveTheRootOfTheDevice)
+TEST_F(DevicePathsTest, NeitherParentElementsNorLinksLeaveTheRootOfTheDevice)
 {
+    const TempDir dir;
+    std::filesystem::create_directory_symlink("/etc", dir.MakeDir("root") + "/link");
     mSettings.Set(Settings::DEVICE_ROOT_DIR, "root");
     EXPECT_EQ(DevicePaths::OnDevice("/../../etc/hostname"), "root/etc/hostname");
-    EXPECT_EQ(DevicePaths::OnDevice("/a/../../b"), "root/b");
-    EXPECT_EQ(DevicePaths::OnDevice("/a/b..c"), "root/a/b..c");
+    EXPECT_EQ(DevicePaths::OnDevice("/link/passwd"), "root/etc/passwd");
+}
+
+TEST_F(DevicePathsTest, RealPathStaysInTheRootOfTheDevice)
+{
+    const TempDir dir;
+    const std::string root = dir.MakeDir("root");
+    const std::string inside = dir.Write("root/data/a.db", "");
+    std::filesystem::create_symlink("/data/a.db", root + "/inside");
+    std::filesystem::create_symlink("/etc/passwd", root + "/outside");
+    EXPECT_EQ(DevicePaths::RealPath(root + "/inside", root), inside);
+    EXPECT_EQ(DevicePaths::RealPath(root + "/outside", root), "");
+    EXPECT_EQ(DevicePaths::RealPath(root + "/outside", ""), "/etc/passwd");
+    EXPECT_EQ(DevicePaths::RealPath(root + "/none", root), "");
 }
 
 TEST_F(DevicePathsTest, PathOnTheDeviceIsWhatStandsBelowItsRoot)

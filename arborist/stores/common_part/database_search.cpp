@@ -92,9 +92,7 @@ private:
 
     const MatchList& FindBehind(const Entry& link)
     {
-        std::string realPath;
-        FileUtil::PathToRealPath(link.path, realPath);
-        return mSearch.FindBelow(realPath, mIsRecursive, mDepth + 1);
+        return mSearch.FindBelow(DevicePaths::RealPath(link.path, mSearch.mRootOfDevice), mIsRecursive, mDepth + 1);
     }
 
     DatabaseSearch& mSearch;
@@ -141,11 +139,14 @@ DatabaseSearch::Entry DatabaseSearch::Look(std::string path)
 {
     Entry entry;
     entry.path = std::move(path);
-    entry.isDirectory = FileUtil::IsDirectory(entry.path);
-    entry.isLink = entry.isDirectory && IsLink(entry.path);
+    // What a link of a captured device leads to lies in the captured device, never on this machine.
+    const bool isLink = IsLink(entry.path);
+    const std::string target = isLink ? DevicePaths::RealPath(entry.path, mRootOfDevice) : entry.path;
+    entry.isDirectory = FileUtil::IsDirectory(target);
+    entry.isLink = entry.isDirectory && isLink;
     if (!entry.isDirectory && mPattern.Matches(LowerCase(DevicePaths::PathOnDevice(entry.path, mRootOfDevice)))) {
         std::string realPath;
-        if (FileUtil::PathToRealPath(entry.path, realPath)) {
+        if (FileUtil::PathToRealPath(target, realPath)) {
             entry.match.push_back(mMatches.size());
             mMatches.push_back(std::move(realPath));
         }

@@ -226,16 +226,32 @@ TEST_F(ExternalDatabases, LettersAboveTheRootOfTheDeviceMakeNoArchive)
 TEST_F(ExternalDatabases, PatternIsHeldAgainstThePathBelowTheRootOfTheDevice)
 {
     MakeDb("device/data/a.db");
-    MakeDb("elsewhere/b.db");
-    fs::create_directory_symlink(mDir.Path("elsewhere"), mDir.Path("device/data/link"));
+    MakeDb("device/other/b.db");
+    fs::create_directory_symlink("/other", mDir.Path("device/data/link"));
     fs::create_directory_symlink(mDir.Path("device"), mDir.Path("root"));
     mSettings.Set(Settings::DEVICE_ROOT_DIR, mDir.Path("root"));
     const auto onDevice = TableBeanOf("B", {"/data"}, "/data/[a-z]\\.db", {});
     Run(onDevice);
     EXPECT_THAT(Below(onDevice->GetCopyDbFileList()), ElementsAre("copies/a.db"));
-    const auto elsewhere = TableBeanOf("B", {"/data"}, mDir.Path("elsewhere") + "/b\\.db", {});
-    Run(elsewhere);
-    EXPECT_THAT(Below(elsewhere->GetCopyDbFileList()), ElementsAre("copies/b.db"));
+    const auto behindLink = TableBeanOf("B", {"/data"}, "/other/b\\.db", {});
+    Run(behindLink);
+    EXPECT_THAT(Below(behindLink->GetCopyDbFileList()), ElementsAre("copies/b.db"));
+}
+
+TEST_F(ExternalDatabases, LinksOfACapturedDeviceNeverLeadToThisMachine)
+{
+    MakeDb("elsewhere/a.db");
+    fs::create_directories(mDir.Path("device/data"));
+    fs::create_directory_symlink(mDir.Path("elsewhere"), mDir.Path("device/data/link"));
+    fs::create_symlink(mDir.Path("elsewhere/a.db"), mDir.Path("device/data/b.db"));
+    mSettings.Set(Settings::DEVICE_ROOT_DIR, mDir.Path("device"));
+    const auto bean = TableBeanOf("B", {"/data"}, ".*\\.db", {});
+    Run(bean);
+    EXPECT_THAT(bean->GetCopyDbFileList(), IsEmpty());
+    mSettings.Set(Settings::DEVICE_ROOT_DIR, "");
+    const auto live = TableBeanOf("B", {mDir.Path("device/data")}, ".*\\.db", {});
+    Run(live);
+    EXPECT_THAT(Below(live->GetCopyDbFileList()), ElementsAre("copies/a.db", "copies/a.db"));
 }
 
 TEST_F(ExternalDatabases, WhatABrokenOffRunLeftBesideACopyIsNotWorkedIntoTheNew)
