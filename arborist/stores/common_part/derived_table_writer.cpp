@@ -10,15 +10,14 @@
 #include <json/value.h>
 
 #include "arborist/frame/log.h"
+#include "arborist/stores/common_part/derived_table_stage.h"
 #include "arborist/stores/common_part/lower_case.h"
-#include "arborist/stores/sql/sql_cursor.h"
 #include "arborist/stores/sql/sql_database.h"
 #include "arborist/stores/sql/sql_operator.h"
 #include "arborist/utilities/string_util.h"
 
 namespace {
 
-constexpr std::string_view CREATE_TABLE = "CREATE TABLE ";
 // For fewer rows the way through memory is the longer one.
 constexpr std::size_t FEW_ROWS = 4;
 
@@ -88,26 +87,16 @@ void DerivedTableWriter::Write(const std::vector<Json::Value>& rows)
         InsertAll(rows, &DerivedTableWriter::InsertRow);
         return;
     }
-    if (CanBeStaged(rows) && OpenStage()) {
+    DerivedTableStage stage(mDatabase, mTableName);
+    if (CanBeStaged(rows) && stage.Open(mCreateSql)) {
         // One statement, which none of these rows can make more of, is a transaction by itself.
         InsertAll(rows, &DerivedTableWriter::RunInsert);
-        PublishStage();
+        stage.Publish([this](const std::string& statement) { InsertRow(statement); });
         return;
     }
-    // A log written ahead makes a transaction cheap, and leaves the file whole if the process ends in between.
-    RunQuietly("PRAGMA locking_mode=EXCLUSIVE");
-    RunQuietly("PRAGMA journal_mode=WAL");
+    DerivedTableStage::WriteAhead(mDatabase, true);
     InsertAll(rows, &DerivedTableWriter::InsertRow);
-    RunQuietly("PRAGMA journal_mode=DELETE");
-    RunQuietly("PRAGMA locking_mode=NORMAL");
-}
-
-bool DerivedTableWriter::RunQuietly(const std::string& statement)
-{
-    FT::sql::SqlCursor cursor(mDatabase.GetHandle(), statement);
-    while (cursor.Step()) {
-    }
-    return cursor.IsOk();
+    DerivedTableStage::WriteAhead(mDatabase, false);
 }
 
 void DerivedTableWriter::InsertAll(const std::vector<Json::Value>& rows, Insert insert)
@@ -171,26 +160,6 @@ void DerivedTableWriter::RunInsert(const std::string& statement)
 
 bool DerivedTableWriter::CanBeStaged(const std::vector<Json::Value>& rows) const
 {
-    return mHasPlainColumns && IsPlainName(mTableName) && mCreateSql.rfind(CREATE_TABLE, 0) == 0 &&
+    return mHasPlainColumns && IsPlainName(mTableName) &&
         std::none_of(rows.begin(), rows.end(), [](const Json::Value& row) { return MayHoldSql(row); });
-}
-
-bool DerivedTableWriter::OpenStage()
-{
-    // A table of the connection's own hides the one of the same name in the file.
-    return RunQuietly("PRAGMA temp_store=MEMORY") &&
-        RunQuietly("CREATE TEMP TABLE " + mCreateSql.substr(CREATE_TABLE.size()));
-}
-
-void DerivedTableWriter::PublishStage()
-{
-    const std::string publish = "insert into main." + mTableName + " select * from temp." + mTableName;
-    if (!RunQuietly(publish)) {
-        // Somebody else reads, or the disk is full: what fails then is the single row again.
-        FT::sql::SqlCursor ids(mDatabase.GetHandle(), "select _ID from temp." + mTableName);
-        while (ids.Step()) {
-            InsertRow(publish + " where _ID = " + std::to_string(ids.GetInteger(0)));
-        }
-    }
-    RunQuietly("drop table temp." + mTableName);
 }

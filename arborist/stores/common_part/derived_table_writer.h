@@ -20,9 +20,9 @@ class Value;
 
 /// Puts rows into one table of the derived database, each in a transaction of its own: a bad row costs only itself.
 ///
-/// A transaction on a file waits for the disk. So the rows go, as a rule, into a table of the same name and columns in
-/// memory, and from there, all at once, into the file. Where that could make a difference they go into the file one by
-/// one: what a rule set or an event says ends up in the statements as it stands.
+/// A transaction on a file waits for the disk. So the rows go, as a rule, through a DerivedTableStage. Where that could
+/// make a difference they go into the file one by one: what a rule set or an event says ends up in the statements as it
+/// stands.
 class DerivedTableWriter {
 public:
     using ParamList = std::vector<std::shared_ptr<Param>>;
@@ -49,11 +49,7 @@ private:
     void InsertRow(const std::string& statement);
     void RunInsert(const std::string& statement);
     std::string InsertStatement(const ValueMap& values) const;
-    // For what this way of writing adds: its failures have no line.
-    bool RunQuietly(const std::string& statement);
     bool CanBeStaged(const std::vector<Json::Value>& rows) const;
-    bool OpenStage();
-    void PublishStage();
 
     FT::sql::SqlDatabase& mDatabase;
     std::string mTableName;

@@ -1,4 +1,5 @@
-// CommonPartDbHelper: copies of databases that other software left on disk.
+#include "arborist/stores/common_part/external_databases.h"
+
 #include <filesystem>
 #include <map>
 #include <system_error>
@@ -6,8 +7,8 @@
 #include "arborist/frame/fault_tree_prop_global.h"
 #include "arborist/frame/log.h"
 #include "arborist/frame/settings.h"
-#include "arborist/stores/common_part/common_part_db_helper.h"
 #include "arborist/stores/common_part/database_search.h"
+#include "arborist/stores/common_part/database_steps.h"
 #include "arborist/stores/common_part/file_name_pattern.h"
 #include "arborist/stores/common_part/lower_case.h"
 #include "arborist/stores/sql/sql_database.h"
@@ -19,6 +20,7 @@
 
 namespace fs = std::filesystem;
 
+namespace ExternalDatabases {
 namespace {
 
 using PathList = std::vector<std::string>;
@@ -60,31 +62,56 @@ bool HoldsTwoDots(const std::string& path)
     return path.find("..") != std::string::npos;
 }
 
-} // namespace
-
-void CommonPartDbHelper::CopyDbAndCreateTable(const std::shared_ptr<CommonPart>& commonPart)
+PathList GetFileList(const std::string& directory, const std::string& pattern, bool recursive)
 {
-    if (commonPart == nullptr || commonPart->GetCombineCommon() == nullptr) {
-        return;
+    if (directory.empty() || pattern.empty()) {
+        return {};
     }
-    FT::sql::SqlLimits limits;
-    for (const auto& bean : commonPart->GetCombineCommon()->GetDefDbTableCommonList()) {
-        if (bean == nullptr) {
-            continue;
-        }
-        for (const auto& dbPath : bean->GetDbPathList()) {
-            const std::string path = dbPath == nullptr ? "" : DevicePaths::OnDevice(dbPath->GetPathValue());
-            if (path.empty() || !FileUtil::FileExists(path)) {
-                continue;
-            }
-            // Of several paths that are there the bean keeps the copies of the last one only.
-            bean->SetCopyDbFileList(CopyDbFile(path, bean->GetDbName()));
-            IsCreateDbByFileComplete(bean->GetCopyDbFileList(), bean->GetCreateTableList(), limits);
-        }
+    DatabaseSearch search(pattern);
+    PathList files = search.Find(directory, recursive);
+    if (search.IsCutShort()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: more than %zu files found, the rest is passed over.",
+            "CommonPartDbHelper::GetFileList", DatabaseSearch::MOST_LISTINGS);
     }
+    return files;
 }
 
-std::vector<std::string> CommonPartDbHelper::CopyDbFile(const std::string& path, const std::string& dbName)
+bool CopyFile(const std::string& source, const std::string& directory)
+{
+    static constexpr char NAME[] = "CommonPartDbHelper::CopyFile";
+    if (source.empty() || directory.empty()) {
+        return false;
+    }
+    if (!FileUtil::FileExists(source)) {
+        FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: file %s not exist.", NAME,
+            FileUtil::ExtractFileName(source).c_str());
+        return false;
+    }
+    if (!FileUtil::FileExists(directory) && !FileUtil::ForceCreateDirectory(directory)) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: create directory fail.", NAME);
+        return false;
+    }
+    if (!FileUtil::IsDirectory(directory)) {
+        return false;
+    }
+    if (IsInDirectory(source, directory)) {
+        return true;
+    }
+    const std::string target = TargetOf(source, directory);
+    FileUtil::RemoveFile(target);
+    if (!FileUtil::CopyFileToFolder(source, directory, fs::copy_options::overwrite_existing)) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: copy file to folder fail.", NAME);
+        return false;
+    }
+    // Statements change the copy, also where the file itself may not be changed.
+    std::error_code ignored;
+    fs::permissions(target, fs::perms::owner_read | fs::perms::owner_write, fs::perm_options::add, ignored);
+    return FileUtil::FileExists(target);
+}
+
+} // namespace
+
+PathList CopyDbFile(const std::string& path, const std::string& dbName)
 {
     const PathList candidates = GetFileList(path, dbName, true);
     if (candidates.empty()) {
@@ -132,60 +159,7 @@ std::vector<std::string> CommonPartDbHelper::CopyDbFile(const std::string& path,
     return copies;
 }
 
-std::vector<std::string> CommonPartDbHelper::GetFileList(
-    const std::string& directory, const std::string& pattern, bool recursive)
-{
-    if (directory.empty() || pattern.empty()) {
-        return {};
-    }
-    DatabaseSearch search(pattern);
-    PathList files = search.Find(directory, recursive);
-    if (search.IsCutShort()) {
-        FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: more than %zu files found, the rest is passed over.",
-            "CommonPartDbHelper::GetFileList", DatabaseSearch::MOST_LISTINGS);
-    }
-    return files;
-}
-
-bool CommonPartDbHelper::CheckFileName(const std::string& pattern, const std::string& name)
-{
-    return FileNamePattern(pattern).Matches(name);
-}
-
-bool CommonPartDbHelper::CopyFile(const std::string& source, const std::string& directory)
-{
-    static constexpr char NAME[] = "CommonPartDbHelper::CopyFile";
-    if (source.empty() || directory.empty()) {
-        return false;
-    }
-    if (!FileUtil::FileExists(source)) {
-        FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: file %s not exist.", NAME,
-            FileUtil::ExtractFileName(source).c_str());
-        return false;
-    }
-    if (!FileUtil::FileExists(directory) && !FileUtil::ForceCreateDirectory(directory)) {
-        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: create directory fail.", NAME);
-        return false;
-    }
-    if (!FileUtil::IsDirectory(directory)) {
-        return false;
-    }
-    if (IsInDirectory(source, directory)) {
-        return true;
-    }
-    const std::string target = TargetOf(source, directory);
-    FileUtil::RemoveFile(target);
-    if (!FileUtil::CopyFileToFolder(source, directory, fs::copy_options::overwrite_existing)) {
-        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: copy file to folder fail.", NAME);
-        return false;
-    }
-    // Statements change the copy, also where the file itself may not be changed.
-    std::error_code ignored;
-    fs::permissions(target, fs::perms::owner_read | fs::perms::owner_write, fs::perm_options::add, ignored);
-    return FileUtil::FileExists(target);
-}
-
-std::vector<std::string> CommonPartDbHelper::UnZipFile(const std::string& zipPath, const std::string& directory)
+PathList UnZipFile(const std::string& zipPath, const std::string& directory)
 {
     static constexpr char NAME[] = "CommonPartDbHelper::UnZipFile";
     if (zipPath.empty() || directory.empty()) {
@@ -224,24 +198,9 @@ std::vector<std::string> CommonPartDbHelper::UnZipFile(const std::string& zipPat
     return unpacked;
 }
 
-void CommonPartDbHelper::IsCreateDbByFileComplete(
-    const std::vector<std::string>& files, const DefDbTableBean::CreateTableList& createTables,
-    FT::sql::SqlLimits& limits)
-{
-    for (const std::string& file : files) {
-        for (const auto& createTable : createTables) {
-            if (!file.empty() && createTable != nullptr && !CreateTable(file, createTable->GetSql(), limits)) {
-                FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: create table %s fail.",
-                    "CommonPartDbHelper::IsCreateDbByFileComplete", createTable->GetTableName().c_str());
-            }
-        }
-    }
-}
-
-bool CommonPartDbHelper::CreateTable(const std::string& dbPath, const std::string& sql, FT::sql::SqlLimits& limits)
+bool CreateTable(const std::string& dbPath, const std::string& sql, FT::sql::SqlLimits& limits)
 {
     static constexpr char NAME[] = "CommonPartDbHelper::CreateTable";
-    const std::lock_guard<std::mutex> lock(createTableMutex);
     if (dbPath.empty() || sql.empty()) {
         FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: createTable input is null.", NAME);
         return false;
@@ -275,3 +234,5 @@ bool CommonPartDbHelper::CreateTable(const std::string& dbPath, const std::strin
     }
     return true;
 }
+
+} // namespace ExternalDatabases

@@ -1,3 +1,5 @@
+#include "arborist/stores/common_part/external_databases.h"
+
 #include <filesystem>
 #include <regex>
 
@@ -10,7 +12,6 @@
 #include "arborist/frame/settings.h"
 #include "arborist/stores/common_part/common_part_db_helper.h"
 #include "arborist/stores/sql/sql_database.h"
-#include "tests/stores/common_part/common_part_db_helper_peer.h"
 #include "tests/support/common_part_builder.h"
 #include "tests/support/database_rows.h"
 #include "tests/support/event_log_builder.h"
@@ -33,9 +34,9 @@ std::string Line(const std::string& text)
     return "FUNc:CommonPartDbHelper::" + text;
 }
 
-class ExternalDatabases : public testing::Test {
+class ExternalDatabasesTest : public testing::Test {
 protected:
-    ExternalDatabases() { mSettings.Set(Settings::APP_DATABASE_DIR, mDir.Path("copies")); }
+    ExternalDatabasesTest() { mSettings.Set(Settings::APP_DATABASE_DIR, mDir.Path("copies")); }
 
     static void Run(const std::shared_ptr<DefDbTableBean>& bean)
     {
@@ -75,14 +76,14 @@ protected:
     LogCapture mLog;
 };
 
-TEST_F(ExternalDatabases, NullPartIsPassedOver)
+TEST_F(ExternalDatabasesTest, NullPartIsPassedOver)
 {
     CommonPartDbHelper::GetInstance().CopyDbAndCreateTable(nullptr);
     CommonPartDbHelper::GetInstance().CopyDbAndCreateTable(std::make_shared<CommonPart>());
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
-TEST_F(ExternalDatabases, FileIsCopiedAndItsSqlRunsOnTheCopyAlone)
+TEST_F(ExternalDatabasesTest, FileIsCopiedAndItsSqlRunsOnTheCopyAlone)
 {
     const std::string before = MakeDb("device/app.db");
     EXPECT_THAT(Copy(".*/app\\.db", {"create table made(b); insert into made values (2);"}),
@@ -92,7 +93,7 @@ TEST_F(ExternalDatabases, FileIsCopiedAndItsSqlRunsOnTheCopyAlone)
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
-TEST_F(ExternalDatabases, CopyOfAFileThatMayNotBeWrittenIsWorkedOnAllTheSame)
+TEST_F(ExternalDatabasesTest, CopyOfAFileThatMayNotBeWrittenIsWorkedOnAllTheSame)
 {
     MakeDb("device/app.db");
     fs::permissions(mDir.Path("device/app.db"), fs::perms::owner_read);
@@ -103,7 +104,7 @@ TEST_F(ExternalDatabases, CopyOfAFileThatMayNotBeWrittenIsWorkedOnAllTheSame)
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
-TEST_F(ExternalDatabases, MissingDirectoryIsPassedOverAndLeavesTheList)
+TEST_F(ExternalDatabasesTest, MissingDirectoryIsPassedOverAndLeavesTheList)
 {
     const auto bean = TableBeanOf("B", {mDir.Path("none"), ""}, ".*");
     bean->SetCopyDbFileList({"old"});
@@ -112,7 +113,7 @@ TEST_F(ExternalDatabases, MissingDirectoryIsPassedOverAndLeavesTheList)
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
-TEST_F(ExternalDatabases, PathThatIsAFileEmptiesTheListWithoutALine)
+TEST_F(ExternalDatabasesTest, PathThatIsAFileEmptiesTheListWithoutALine)
 {
     const auto bean = TableBeanOf("B", {mDir.Write("file.db", "")}, ".*");
     bean->SetCopyDbFileList({"old"});
@@ -121,7 +122,7 @@ TEST_F(ExternalDatabases, PathThatIsAFileEmptiesTheListWithoutALine)
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
-TEST_F(ExternalDatabases, DirectoryIsLookedUpOnTheCapturedDevice)
+TEST_F(ExternalDatabasesTest, DirectoryIsLookedUpOnTheCapturedDevice)
 {
     MakeDb("captured/data/app.db");
     mSettings.Set(Settings::DEVICE_ROOT_DIR, mDir.Path("captured"));
@@ -130,7 +131,7 @@ TEST_F(ExternalDatabases, DirectoryIsLookedUpOnTheCapturedDevice)
     EXPECT_THAT(Below(bean->GetCopyDbFileList()), ElementsAre("copies/app.db"));
 }
 
-TEST_F(ExternalDatabases, OfSeveralDirectoriesTheCopiesOfTheLastAreKept)
+TEST_F(ExternalDatabasesTest, OfSeveralDirectoriesTheCopiesOfTheLastAreKept)
 {
     MakeDb("one/a.db");
     MakeDb("two/b.db");
@@ -138,7 +139,7 @@ TEST_F(ExternalDatabases, OfSeveralDirectoriesTheCopiesOfTheLastAreKept)
     EXPECT_THAT(DatabaseRows(mDir.Path("copies/a.db"), "select count(*) from made"), ElementsAre("0"));
 }
 
-TEST_F(ExternalDatabases, WithoutATargetDirectoryNothingIsCopied)
+TEST_F(ExternalDatabasesTest, WithoutATargetDirectoryNothingIsCopied)
 {
     mSettings.Set(Settings::APP_DATABASE_DIR, "");
     EXPECT_THAT(Copy(".*\\.db"), IsEmpty());
@@ -148,7 +149,7 @@ TEST_F(ExternalDatabases, WithoutATargetDirectoryNothingIsCopied)
     EXPECT_THAT(mLog.Lines(), ElementsAre(Line("CopyDbFile: database dir is empty.")));
 }
 
-TEST_F(ExternalDatabases, FileOneLevelDownStandsTwiceAndItsSqlRunsTwice)
+TEST_F(ExternalDatabasesTest, FileOneLevelDownStandsTwiceAndItsSqlRunsTwice)
 {
     MakeDb("device/sub/a.db");
     EXPECT_THAT(Copy(".*\\.db", {"create table made(b)"}), ElementsAre("copies/a.db", "copies/a.db"));
@@ -156,7 +157,7 @@ TEST_F(ExternalDatabases, FileOneLevelDownStandsTwiceAndItsSqlRunsTwice)
         Line("CreateTable: execute sql fail."), Line("IsCreateDbByFileComplete: create table made fail.")));
 }
 
-TEST_F(ExternalDatabases, LaterOfTwoFilesWithOneNameReplacesTheCopy)
+TEST_F(ExternalDatabasesTest, LaterOfTwoFilesWithOneNameReplacesTheCopy)
 {
     MakeDb("one/a.db", "create table first(a)");
     MakeDb("two/a.db", "create table second(a)");
@@ -164,27 +165,27 @@ TEST_F(ExternalDatabases, LaterOfTwoFilesWithOneNameReplacesTheCopy)
     EXPECT_THAT(DatabaseRows(mDir.Path("copies/a.db"), "select name from sqlite_master"), ElementsAre("second"));
 }
 
-TEST_F(ExternalDatabases, TwoFilesWithOneNameStandTwiceUnderOneTarget)
+TEST_F(ExternalDatabasesTest, TwoFilesWithOneNameStandTwiceUnderOneTarget)
 {
     MakeDb("device/x/a.db");
     MakeDb("device/y/a.db");
     EXPECT_THAT(Copy(".*\\.db"), ElementsAre("copies/a.db", "copies/a.db", "copies/a.db", "copies/a.db"));
 }
 
-TEST_F(ExternalDatabases, CapitalsInPathAndPatternMeet)
+TEST_F(ExternalDatabasesTest, CapitalsInPathAndPatternMeet)
 {
     MakeDb("device/App.DB");
     EXPECT_THAT(Copy(".*/APP\\.db"), ElementsAre("copies/App.DB"));
 }
 
-TEST_F(ExternalDatabases, PatternThatIsNoneRaisesTheLibrarysError)
+TEST_F(ExternalDatabasesTest, PatternThatIsNoneRaisesTheLibrarysError)
 {
     EXPECT_THAT(Copy("("), IsEmpty()); // no directory: no file is ever held against it
     MakeDb("device/a.db");
     EXPECT_THROW(Copy("("), std::regex_error);
 }
 
-TEST_F(ExternalDatabases, TargetDirectoryThatIsSearchedKeepsItsFiles)
+TEST_F(ExternalDatabasesTest, TargetDirectoryThatIsSearchedKeepsItsFiles)
 {
     const std::string before = MakeDb("copies/a.db");
     EXPECT_THAT(Copy(".*\\.db", {}, {"copies"}), ElementsAre("copies/a.db"));
@@ -192,7 +193,7 @@ TEST_F(ExternalDatabases, TargetDirectoryThatIsSearchedKeepsItsFiles)
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
-TEST_F(ExternalDatabases, TargetDirectoryThatIsSearchedKeepsWhatAServiceHasNotMovedIntoItsFile)
+TEST_F(ExternalDatabasesTest, TargetDirectoryThatIsSearchedKeepsWhatAServiceHasNotMovedIntoItsFile)
 {
     MakeDb("copies/a.db", "pragma journal_mode = wal; create table t(a)");
     FT::sql::SqlDatabase service;
@@ -204,7 +205,7 @@ TEST_F(ExternalDatabases, TargetDirectoryThatIsSearchedKeepsWhatAServiceHasNotMo
     EXPECT_EQ(mDir.Read("copies/a.db-wal"), changes);
 }
 
-TEST_F(ExternalDatabases, LinkInTheTargetDirectoryIsReplacedAndNotFollowed)
+TEST_F(ExternalDatabasesTest, LinkInTheTargetDirectoryIsReplacedAndNotFollowed)
 {
     const std::string before = MakeDb("device/a.db");
     mDir.MakeDir("copies");
@@ -214,7 +215,7 @@ TEST_F(ExternalDatabases, LinkInTheTargetDirectoryIsReplacedAndNotFollowed)
     EXPECT_FALSE(fs::is_symlink(mDir.Path("copies/a.db")));
 }
 
-TEST_F(ExternalDatabases, LettersAboveTheRootOfTheDeviceMakeNoArchive)
+TEST_F(ExternalDatabasesTest, LettersAboveTheRootOfTheDeviceMakeNoArchive)
 {
     MakeDb("unzipped/data/a.db");
     mSettings.Set(Settings::DEVICE_ROOT_DIR, mDir.Path("unzipped"));
@@ -223,7 +224,7 @@ TEST_F(ExternalDatabases, LettersAboveTheRootOfTheDeviceMakeNoArchive)
     EXPECT_THAT(Below(bean->GetCopyDbFileList()), ElementsAre("copies/a.db"));
 }
 
-TEST_F(ExternalDatabases, PatternIsHeldAgainstThePathBelowTheRootOfTheDevice)
+TEST_F(ExternalDatabasesTest, PatternIsHeldAgainstThePathBelowTheRootOfTheDevice)
 {
     MakeDb("device/data/a.db");
     MakeDb("device/other/b.db");
@@ -254,7 +255,7 @@ TEST_F(ExternalDatabases, LinksOfACapturedDeviceNeverLeadToThisMachine)
     EXPECT_THAT(Below(live->GetCopyDbFileList()), ElementsAre("copies/a.db", "copies/a.db"));
 }
 
-TEST_F(ExternalDatabases, WhatABrokenOffRunLeftBesideACopyIsNotWorkedIntoTheNew)
+TEST_F(ExternalDatabasesTest, WhatABrokenOffRunLeftBesideACopyIsNotWorkedIntoTheNew)
 {
     const std::string db = MakeDb("device/a.db");
     mDir.MakeDir("zipped");
@@ -276,7 +277,7 @@ TEST_F(ExternalDatabases, WhatABrokenOffRunLeftBesideACopyIsNotWorkedIntoTheNew)
     }
 }
 
-TEST_F(ExternalDatabases, ChangesThatAreCopiedWithTheirFileStayBesideIt)
+TEST_F(ExternalDatabasesTest, ChangesThatAreCopiedWithTheirFileStayBesideIt)
 {
     MakeDb("live/a.db", "pragma journal_mode = wal; create table t(a)");
     FT::sql::SqlDatabase service;
@@ -292,7 +293,7 @@ TEST_F(ExternalDatabases, ChangesThatAreCopiedWithTheirFileStayBesideIt)
         ElementsAre("t", "waiting"));
 }
 
-TEST_F(ExternalDatabases, TargetDirectoryThatIsAFileGivesNoCopies)
+TEST_F(ExternalDatabasesTest, TargetDirectoryThatIsAFileGivesNoCopies)
 {
     MakeDb("device/a.db");
     mDir.Write("copies", "");
@@ -300,7 +301,7 @@ TEST_F(ExternalDatabases, TargetDirectoryThatIsAFileGivesNoCopies)
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
-TEST_F(ExternalDatabases, TargetDirectoryThatCannotBeMadeIsTold)
+TEST_F(ExternalDatabasesTest, TargetDirectoryThatCannotBeMadeIsTold)
 {
     MakeDb("device/a.db");
     mDir.Write("file", "");
@@ -309,7 +310,7 @@ TEST_F(ExternalDatabases, TargetDirectoryThatCannotBeMadeIsTold)
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), Contains(Line("CopyFile: create directory fail.")));
 }
 
-TEST_F(ExternalDatabases, TargetThatIsADirectoryFailsToBeCopied)
+TEST_F(ExternalDatabasesTest, TargetThatIsADirectoryFailsToBeCopied)
 {
     MakeDb("device/a.db");
     mDir.Write("copies/a.db/inside", "");
@@ -317,7 +318,7 @@ TEST_F(ExternalDatabases, TargetThatIsADirectoryFailsToBeCopied)
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), Contains(Line("CopyFile: copy file to folder fail.")));
 }
 
-TEST_F(ExternalDatabases, FileThatIsNoDatabaseIsCopiedAndItsSqlFails)
+TEST_F(ExternalDatabasesTest, FileThatIsNoDatabaseIsCopiedAndItsSqlFails)
 {
     mDir.Write("device/a.db", std::string(2000, 'x'));
     EXPECT_THAT(Copy(".*\\.db", {"create table made(b)"}), ElementsAre("copies/a.db"));
@@ -325,7 +326,7 @@ TEST_F(ExternalDatabases, FileThatIsNoDatabaseIsCopiedAndItsSqlFails)
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), Contains(Line("IsCreateDbByFileComplete: create table made fail.")));
 }
 
-TEST_F(ExternalDatabases, DanglingLinkIsNotListed)
+TEST_F(ExternalDatabasesTest, DanglingLinkIsNotListed)
 {
     mDir.MakeDir("device");
     fs::create_symlink(mDir.Path("gone"), mDir.Path("device/a.db"));
@@ -334,7 +335,7 @@ TEST_F(ExternalDatabases, DanglingLinkIsNotListed)
 
 // ---- SQL on the copies. ----
 
-TEST_F(ExternalDatabases, EmptyPiecesOfSqlArePassedOver)
+TEST_F(ExternalDatabasesTest, EmptyPiecesOfSqlArePassedOver)
 {
     MakeDb("device/a.db");
     Copy(".*\\.db", {";;create table made(b);;insert into made values (1);"});
@@ -342,7 +343,7 @@ TEST_F(ExternalDatabases, EmptyPiecesOfSqlArePassedOver)
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
-TEST_F(ExternalDatabases, SqlOfSeparatorsAloneOrNoneIsTold)
+TEST_F(ExternalDatabasesTest, SqlOfSeparatorsAloneOrNoneIsTold)
 {
     MakeDb("device/a.db");
     Copy(".*\\.db", {";;", ""});
@@ -351,7 +352,7 @@ TEST_F(ExternalDatabases, SqlOfSeparatorsAloneOrNoneIsTold)
         Line("CreateTable: createTable input is null."), made));
 }
 
-TEST_F(ExternalDatabases, FirstFailingStatementEndsItsTextAndKeepsWhatRan)
+TEST_F(ExternalDatabasesTest, FirstFailingStatementEndsItsTextAndKeepsWhatRan)
 {
     MakeDb("device/a.db");
     Copy(".*\\.db", {"create table one(a); no sql; create table two(a)", "create table three(a)"});
@@ -359,14 +360,14 @@ TEST_F(ExternalDatabases, FirstFailingStatementEndsItsTextAndKeepsWhatRan)
         ElementsAre("one", "t", "three"));
 }
 
-TEST_F(ExternalDatabases, SemicolonInALiteralCutsTheStatement)
+TEST_F(ExternalDatabasesTest, SemicolonInALiteralCutsTheStatement)
 {
     MakeDb("device/a.db");
     Copy(".*\\.db", {"insert into t values ('x;y'); insert into t values (7)"});
     EXPECT_THAT(DatabaseRows(mDir.Path("copies/a.db"), "select * from t"), ElementsAre("1"));
 }
 
-TEST_F(ExternalDatabases, SqlReachesNoOtherFile)
+TEST_F(ExternalDatabasesTest, SqlReachesNoOtherFile)
 {
     const std::string before = MakeDb("device/a.db");
     const std::string path = mDir.Path("device/a.db");
@@ -383,7 +384,7 @@ TEST_F(ExternalDatabases, SqlReachesNoOtherFile)
 
 // ---- Archives. ----
 
-TEST_F(ExternalDatabases, ArchiveIsUnpackedAndItsMatchingFilesAreListed)
+TEST_F(ExternalDatabasesTest, ArchiveIsUnpackedAndItsMatchingFilesAreListed)
 {
     const std::string db = MakeDb("made.db");
     mDir.MakeDir("device");
@@ -396,14 +397,14 @@ TEST_F(ExternalDatabases, ArchiveIsUnpackedAndItsMatchingFilesAreListed)
     EXPECT_THAT(DatabaseRows(mDir.Path("copies/app.db"), "select count(*) from made"), ElementsAre("0"));
 }
 
-TEST_F(ExternalDatabases, UnpackedNamesMeetThePatternWithItsCapitals)
+TEST_F(ExternalDatabasesTest, UnpackedNamesMeetThePatternWithItsCapitals)
 {
     mDir.MakeDir("device");
     WriteZip(mDir.Path("device/App.zip"), {{"App.db", "x"}, {"app.db", "y"}});
     EXPECT_THAT(Copy(".*App\\.(zip|db)"), ElementsAre("copies/App.db"));
 }
 
-TEST_F(ExternalDatabases, PlainFileInADirectoryOfThatNamePassesForAnArchive)
+TEST_F(ExternalDatabasesTest, PlainFileInADirectoryOfThatNamePassesForAnArchive)
 {
     MakeDb("device/myZIPs/a.db");
     EXPECT_THAT(Copy(".*\\.db"), IsEmpty());
@@ -411,7 +412,7 @@ TEST_F(ExternalDatabases, PlainFileInADirectoryOfThatNamePassesForAnArchive)
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(line, line));
 }
 
-TEST_F(ExternalDatabases, NameWithTwoDotsIsRefusedInSilence)
+TEST_F(ExternalDatabasesTest, NameWithTwoDotsIsRefusedInSilence)
 {
     mDir.MakeDir("device");
     WriteZip(mDir.Path("device/a..zip"), {{"app.db", "x"}});
@@ -420,7 +421,7 @@ TEST_F(ExternalDatabases, NameWithTwoDotsIsRefusedInSilence)
     EXPECT_FALSE(mDir.Has("copies"));
 }
 
-TEST_F(ExternalDatabases, TargetDirectoryWithTwoDotsIsRefusedInSilence)
+TEST_F(ExternalDatabasesTest, TargetDirectoryWithTwoDotsIsRefusedInSilence)
 {
     mDir.MakeDir("device");
     WriteZip(mDir.Path("device/a.zip"), {{"app.db", "x"}});
@@ -429,7 +430,7 @@ TEST_F(ExternalDatabases, TargetDirectoryWithTwoDotsIsRefusedInSilence)
     EXPECT_FALSE(mDir.Has("copies"));
 }
 
-TEST_F(ExternalDatabases, WhatAnEarlierRunLeftIsCopiedToo)
+TEST_F(ExternalDatabasesTest, WhatAnEarlierRunLeftIsCopiedToo)
 {
     mDir.Write("copies/temp/old.db", "old");
     mDir.MakeDir("device");
@@ -452,7 +453,7 @@ private:
     const bool mIsRoot = geteuid() == 0;
 };
 
-TEST_F(ExternalDatabases, WorkFolderThatCannotBeRemovedIsToldAndTheFilesAreListed)
+TEST_F(ExternalDatabasesTest, WorkFolderThatCannotBeRemovedIsToldAndTheFilesAreListed)
 {
     mDir.MakeDir("device");
     WriteZip(mDir.Path("device/a.zip"), {});
@@ -470,18 +471,18 @@ TEST_F(ExternalDatabases, WorkFolderThatCannotBeRemovedIsToldAndTheFilesAreListe
         Line("UnZipFile: remove folder fail.")));
 }
 
-TEST_F(ExternalDatabases, ArchiveThatIsGoneByTheTimeIsToldAndGivesNothing)
+TEST_F(ExternalDatabasesTest, ArchiveThatIsGoneByTheTimeIsToldAndGivesNothing)
 {
-    EXPECT_THAT(CommonPartDbHelperPeer::UnZip(mDir.Path("gone.zip"), mDir.Path("copies")), IsEmpty());
+    EXPECT_THAT(ExternalDatabases::UnZipFile(mDir.Path("gone.zip"), mDir.Path("copies")), IsEmpty());
     EXPECT_THAT(mLog.Lines(FT::LEVEL_WARN), ElementsAre(Line("UnZipFile: file not exist.")));
     mLog.Clear();
-    EXPECT_THAT(CommonPartDbHelperPeer::UnZip("", mDir.Path("copies")), IsEmpty());
-    EXPECT_THAT(CommonPartDbHelperPeer::UnZip(mDir.Path("gone.zip"), ""), IsEmpty());
+    EXPECT_THAT(ExternalDatabases::UnZipFile("", mDir.Path("copies")), IsEmpty());
+    EXPECT_THAT(ExternalDatabases::UnZipFile(mDir.Path("gone.zip"), ""), IsEmpty());
     EXPECT_THAT(mLog.Lines(), IsEmpty());
     EXPECT_FALSE(mDir.Has("copies"));
 }
 
-TEST_F(ExternalDatabases, UnpackedFileThatIsGoneWhenItsTurnComesIsToldAndListed)
+TEST_F(ExternalDatabasesTest, UnpackedFileThatIsGoneWhenItsTurnComesIsToldAndListed)
 {
     mDir.MakeDir("device");
     WriteZip(mDir.Path("device/a.zip"), {});
@@ -493,7 +494,7 @@ TEST_F(ExternalDatabases, UnpackedFileThatIsGoneWhenItsTurnComesIsToldAndListed)
     EXPECT_THAT(mLog.Lines(FT::LEVEL_WARN), ElementsAre(Line("CopyFile: file old.db not exist.")));
 }
 
-TEST_F(ExternalDatabases, CopyThatCannotBeOpenedIsNamedByItsLastElement)
+TEST_F(ExternalDatabasesTest, CopyThatCannotBeOpenedIsNamedByItsLastElement)
 {
     // The directory of the archive can't be copied, and the one that stands there is taken for the copy.
     mDir.MakeDir("device");
@@ -504,7 +505,7 @@ TEST_F(ExternalDatabases, CopyThatCannotBeOpenedIsNamedByItsLastElement)
         Line("IsCreateDbByFileComplete: create table made fail.")}));
 }
 
-TEST_F(ExternalDatabases, MoreListingsThanOneSearchMayMakeAreTold)
+TEST_F(ExternalDatabasesTest, MoreListingsThanOneSearchMayMakeAreTold)
 {
     mSettings.Set(Settings::APP_DATABASE_DIR, ""); // no need to copy them all
     std::string path = "device";
@@ -520,7 +521,7 @@ TEST_F(ExternalDatabases, MoreListingsThanOneSearchMayMakeAreTold)
         ElementsAre(Line("GetFileList: more than 8192 files found, the rest is passed over.")));
 }
 
-TEST_F(ExternalDatabases, DirectoryInAnArchiveFailsToBeCopiedAndIsListedAllTheSame)
+TEST_F(ExternalDatabasesTest, DirectoryInAnArchiveFailsToBeCopiedAndIsListedAllTheSame)
 {
     mDir.MakeDir("device");
     WriteZip(mDir.Path("device/a.zip"), {{"x.db/", ""}, {"x.db/y.db", "1"}});
@@ -529,7 +530,7 @@ TEST_F(ExternalDatabases, DirectoryInAnArchiveFailsToBeCopiedAndIsListedAllTheSa
     EXPECT_FALSE(mDir.Has("copies/x.db"));
 }
 
-TEST_F(ExternalDatabases, ListedCopyThatIsNotThereHasNoSqlRunOnIt)
+TEST_F(ExternalDatabasesTest, ListedCopyThatIsNotThereHasNoSqlRunOnIt)
 {
     mDir.MakeDir("device");
     WriteZip(mDir.Path("device/a.zip"), {{"x.db/", ""}});
@@ -538,7 +539,7 @@ TEST_F(ExternalDatabases, ListedCopyThatIsNotThereHasNoSqlRunOnIt)
     EXPECT_FALSE(mDir.Has("copies/x.db"));
 }
 
-TEST_F(ExternalDatabases, BrokenArchiveEndsItsUnpackingAndTheNextFileGoesOn)
+TEST_F(ExternalDatabasesTest, BrokenArchiveEndsItsUnpackingAndTheNextFileGoesOn)
 {
     mDir.Write("device/a.zip", "PK no archive");
     MakeDb("device/b.db");
@@ -546,7 +547,7 @@ TEST_F(ExternalDatabases, BrokenArchiveEndsItsUnpackingAndTheNextFileGoesOn)
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), Contains(Line("UnZipFile: unZip file fail.")));
 }
 
-TEST_F(ExternalDatabases, ArchiveThatLeadsOutWritesNothingOutside)
+TEST_F(ExternalDatabasesTest, ArchiveThatLeadsOutWritesNothingOutside)
 {
     mDir.MakeDir("device");
     WriteZip(mDir.Path("device/a.zip"), {{"../../evil.db", "x"}});

@@ -1,11 +1,12 @@
+#include "arborist/stores/common_part/event_selection.h"
+
 #include <gmock/gmock.h>
 #include <json/value.h>
 
 #include "arborist/frame/log.h"
 #include "arborist/frame/settings.h"
-#include "arborist/stores/common_part/common_part_db_helper.h"
 #include "arborist/stores/sql/sql_database.h"
-#include "tests/stores/common_part/common_part_db_helper_peer.h"
+#include "tests/stores/common_part/row_texts.h"
 #include "tests/support/database_rows.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/log_capture.h"
@@ -17,8 +18,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace {
-
-using Peer = CommonPartDbHelperPeer;
 
 constexpr std::int64_t NOW = 1700000000;
 constexpr std::int64_t DAY = 86400;
@@ -32,24 +31,26 @@ EventIdList Ids(std::initializer_list<std::int32_t> numbers)
     return ids;
 }
 
-class EventDataExtraction : public testing::Test {
+class EventSelectionTest : public testing::Test {
 protected:
-    EventDataExtraction() { mSettings.Set(Settings::CURRENT_TIME, std::to_string(NOW)); }
+    EventSelectionTest() { mSettings.Set(Settings::CURRENT_TIME, std::to_string(NOW)); }
 
-    // The rows as JSON texts.
-    std::vector<std::string> Fetch(const EventIdList& ids) { return Texts(Peer::Fetch(ids, mPath)); }
-
-    static std::vector<std::string> Texts(const std::vector<Json::Value>& rows)
+    static std::vector<Json::Value> Select(const EventIdList& ids, const std::string& path)
     {
-        std::vector<std::string> texts;
-        for (const Json::Value& row : rows) {
-            std::string text;
-            for (const std::string& name : row.getMemberNames()) {
-                text += (text.empty() ? "" : " ") + name + "=" + row[name].asString();
-            }
-            texts.push_back(text);
+        std::vector<Json::Value> rows;
+        EventSelection::GetLumbraDataByFilter(ids, path, rows);
+        return rows;
+    }
+
+    std::vector<std::string> Fetch(const EventIdList& ids) const { return TextsOf(Select(ids, mPath)); }
+
+    static std::int64_t Version(const std::string& path)
+    {
+        FT::sql::SqlDatabase database;
+        if (!path.empty()) {
+            database.Open(path);
         }
-        return texts;
+        return EventSelection::QueryVersion(database);
     }
 
     TempDir mDir;
@@ -58,19 +59,19 @@ protected:
     std::string mPath = mDir.Path("log.db");
 };
 
-TEST_F(EventDataExtraction, StatementSpellsTheIdsAndLooksBackThirtyDays)
+TEST_F(EventSelectionTest, StatementSpellsTheIdsAndLooksBackThirtyDays)
 {
-    EXPECT_EQ(Peer::Sql(Ids({3, 5})), "BASE  ( event_info.event_id = 3 OR event_info.event_id = 5) AND "
+    EXPECT_EQ(EventSelection::GenerateSql(Ids({3, 5}), "BASE "), "BASE  ( event_info.event_id = 3 OR event_info.event_id = 5) AND "
                                       "event_info_flow.occurrence_time > 1697408000");
 }
 
-TEST_F(EventDataExtraction, StatementWithoutIdsTakesTheDefaultClassOfSevenDays)
+TEST_F(EventSelectionTest, StatementWithoutIdsTakesTheDefaultClassOfSevenDays)
 {
-    EXPECT_EQ(Peer::Sql({}), "BASE ( event_info.event_id >= 902000000 AND event_info.event_id < 902500000 OR "
+    EXPECT_EQ(EventSelection::GenerateSql({}, "BASE "), "BASE ( event_info.event_id >= 902000000 AND event_info.event_id < 902500000 OR "
                              "event_info.event_id = 902500007 )  AND event_info_flow.occurrence_time > 1699395200");
 }
 
-TEST_F(EventDataExtraction, DefaultClassHasItsBounds)
+TEST_F(EventSelectionTest, DefaultClassHasItsBounds)
 {
     EventLogBuilder()
         .Rows({{NOW - 1, 901999999, "", ""}, {NOW - 2, 902000000, "", ""}, {NOW - 3, 902499999, "", ""},
@@ -80,49 +81,19 @@ TEST_F(EventDataExtraction, DefaultClassHasItsBounds)
         "occurrence_time=1699999995"));
 }
 
-TEST_F(EventDataExtraction, EventAtTheFloorIsOutAndOneSecondLaterIn)
+TEST_F(EventSelectionTest, EventAtTheFloorIsOutAndOneSecondLaterIn)
 {
     EventLogBuilder().Rows({{NOW - 30 * DAY, 1, "", ""}, {NOW - 30 * DAY + 1, 1, "", ""}}).WriteTo(mPath);
     EXPECT_THAT(Fetch(Ids({1})), ElementsAre("occurrence_time=1697408001"));
 }
 
-TEST_F(EventDataExtraction, EventWithoutATimeIsOut)
+TEST_F(EventSelectionTest, EventWithoutATimeIsOut)
 {
     EventLogBuilder().Row({NOW, 1, "", ""}).Sql("insert into event_info values (2, 1, '{}', 1)").WriteTo(mPath);
     EXPECT_THAT(Fetch(Ids({1})), ElementsAre("occurrence_time=1700000000"));
-    const std::string all = "select extra, occurrence_time from event_info left join event_info_flow on "
-                            "event_pid = event_info._ID";
-    EXPECT_THAT(Texts(Peer::Query(mPath, all, 0)), ElementsAre("occurrence_time=1700000000"));
 }
 
-TEST_F(EventDataExtraction, EventAtTheMinimumTimeIsDropped)
-{
-    EventLogBuilder().Rows({{100, 1, "", ""}, {101, 1, "", ""}}).WriteTo(mPath);
-    const std::string all = "select extra, occurrence_time from event_info join event_info_flow on "
-                            "event_pid = event_info._ID";
-    EXPECT_THAT(Texts(Peer::Query(mPath, all, 100)), ElementsAre("occurrence_time=101"));
-}
-
-TEST_F(EventDataExtraction, TimeIsTheNumberAtTheFrontOfWhateverStandsThere)
-{
-    EventLogBuilder().WriteTo(mPath);
-    const std::string values = "select '', '105 s' union all select '', 106.7 union all select '', 'x' union all "
-                               "select '', null union all select '', 107";
-    EXPECT_THAT(Texts(Peer::Query(mPath, values, 0)),
-        ElementsAre("occurrence_time=105", "occurrence_time=106", "occurrence_time=107"));
-}
-
-TEST_F(EventDataExtraction, RowsBeforeAFailureStay)
-{
-    EventLogBuilder().WriteTo(mPath);
-    EXPECT_THAT(Texts(Peer::Query(mPath,
-                    "select '', 105 union all select '', abs(-9223372036854775808)", 0)),
-        ElementsAre("occurrence_time=105"));
-    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR),
-        ElementsAre("FUNc:FT::sql::SqlOperator::Execute: Execute sql failed: integer overflow"));
-}
-
-TEST_F(EventDataExtraction, RowsPairOnTheEventAndNotOnTheKeys)
+TEST_F(EventSelectionTest, RowsPairOnTheEventAndNotOnTheKeys)
 {
     EventLogBuilder()
         .Row({NOW, 1, "", R"({"a":1})"})
@@ -131,13 +102,13 @@ TEST_F(EventDataExtraction, RowsPairOnTheEventAndNotOnTheKeys)
     EXPECT_THAT(Fetch(Ids({1})), ElementsAre("a=1 occurrence_time=1700000000", "a=1 occurrence_time=1699999990"));
 }
 
-TEST_F(EventDataExtraction, MemberOfTheTimesNameIsOverwritten)
+TEST_F(EventSelectionTest, MemberOfTheTimesNameIsOverwritten)
 {
     EventLogBuilder().Row({NOW, 1, "", R"({"occurrence_time":"x","a":"b"})"}).WriteTo(mPath);
     EXPECT_THAT(Fetch(Ids({1})), ElementsAre("a=b occurrence_time=1700000000"));
 }
 
-TEST_F(EventDataExtraction, ExtraThatIsNoObjectLeavesTheTimeAlone)
+TEST_F(EventSelectionTest, ExtraThatIsNoObjectLeavesTheTimeAlone)
 {
     EventLogBuilder log;
     for (const char* extra : {"", "7", "[1]", "\"text\"", "null", "broken"}) {
@@ -147,7 +118,7 @@ TEST_F(EventDataExtraction, ExtraThatIsNoObjectLeavesTheTimeAlone)
     EXPECT_THAT(Fetch(Ids({1})), testing::AllOf(testing::SizeIs(6), testing::Each("occurrence_time=1700000000")));
 }
 
-TEST_F(EventDataExtraction, TotalOfAStatisticIsDroppedAndItsSinglesAreKept)
+TEST_F(EventSelectionTest, TotalOfAStatisticIsDroppedAndItsSinglesAreKept)
 {
     EventLogBuilder()
         .Rows({{NOW, 1, "", R"({"CASENAME":"GAME_LAG_RATIO","FIELDNAME":"TotalCount"})"},
@@ -158,15 +129,15 @@ TEST_F(EventDataExtraction, TotalOfAStatisticIsDroppedAndItsSinglesAreKept)
         "CASENAME=GAME_LAG_RATIO occurrence_time=1700000000", "FIELDNAME=TotalCount occurrence_time=1700000000"));
 }
 
-TEST_F(EventDataExtraction, MembersOfTheStatisticsTestMayHaveAnyShape)
+TEST_F(EventSelectionTest, MembersOfTheStatisticsTestMayHaveAnyShape)
 {
     EventLogBuilder()
         .Rows({{NOW, 1, "", R"({"CASENAME":{},"FIELDNAME":[]})"}, {NOW, 1, "", R"({"CASENAME":1,"FIELDNAME":null})"}})
         .WriteTo(mPath);
-    EXPECT_EQ(Peer::Fetch(Ids({1}), mPath).size(), 2u);
+    EXPECT_EQ(Select(Ids({1}), mPath).size(), 2u);
 }
 
-TEST_F(EventDataExtraction, VersionNarrowsTheSelectionToItsNewestRow)
+TEST_F(EventSelectionTest, VersionNarrowsTheSelectionToItsNewestRow)
 {
     EventLogBuilder()
         .Rows({{NOW - 1, 1, "v1", ""}, {NOW - 2, 1, "v2", ""}})
@@ -175,46 +146,46 @@ TEST_F(EventDataExtraction, VersionNarrowsTheSelectionToItsNewestRow)
         .Sql("insert into event_info_flow values (3, 3, 1699999997)")
         .WriteTo(mPath);
     mSettings.Set(Settings::VERSION_NAME, "v1");
-    EXPECT_EQ(Peer::Version(mPath), 7);
+    EXPECT_EQ(Version(mPath), 7);
     EXPECT_THAT(Fetch(Ids({1})), ElementsAre("occurrence_time=1699999997"));
 }
 
-TEST_F(EventDataExtraction, UnknownOrEmptyVersionNarrowsNothing)
+TEST_F(EventSelectionTest, UnknownOrEmptyVersionNarrowsNothing)
 {
     EventLogBuilder().Rows({{NOW, 1, "v1", ""}, {NOW, 1, "v2", ""}}).WriteTo(mPath);
-    EXPECT_EQ(Peer::Fetch(Ids({1}), mPath).size(), 2u);
+    EXPECT_EQ(Select(Ids({1}), mPath).size(), 2u);
     mSettings.Set(Settings::VERSION_NAME, "v3");
-    EXPECT_EQ(Peer::Fetch(Ids({1}), mPath).size(), 2u);
+    EXPECT_EQ(Select(Ids({1}), mPath).size(), 2u);
     EXPECT_THAT(mLog.Lines(FT::LEVEL_DEBUG),
         testing::Contains("FUNc:CommonPartDbHelper::QueryVersion: version name: v3"));
 }
 
-TEST_F(EventDataExtraction, VersionOfAClosedDatabaseIsAnError)
+TEST_F(EventSelectionTest, VersionOfAClosedDatabaseIsAnError)
 {
-    EXPECT_EQ(Peer::Version(""), 0);
+    EXPECT_EQ(Version(""), 0);
     EXPECT_THAT(mLog.Lines(), ElementsAre(
         "FUNc:CommonPartDbHelper::QueryVersion: database was not exist, open database failed."));
 }
 
-TEST_F(EventDataExtraction, MissingVersionTableCountsAsNoVersion)
+TEST_F(EventSelectionTest, MissingVersionTableCountsAsNoVersion)
 {
     EventLogBuilder().Row({NOW, 1, "v1", ""}).Sql("drop table event_version").WriteTo(mPath);
     mSettings.Set(Settings::VERSION_NAME, "v1");
-    EXPECT_EQ(Peer::Fetch(Ids({1}), mPath).size(), 1u);
+    EXPECT_EQ(Select(Ids({1}), mPath).size(), 1u);
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(HasSubstr("no such table: event_version")));
 }
 
-TEST_F(EventDataExtraction, VersionNameThatIsSqlChangesNothingInTheLog)
+TEST_F(EventSelectionTest, VersionNameThatIsSqlChangesNothingInTheLog)
 {
     EventLogBuilder().Row({NOW, 1, "v1", ""}).WriteTo(mPath);
     const std::string before = mDir.Read("log.db");
     mSettings.Set(Settings::VERSION_NAME, "x'; delete from event_info; pragma user_version = 3; --");
-    EXPECT_EQ(Peer::Fetch(Ids({1}), mPath).size(), 1u);
+    EXPECT_EQ(Select(Ids({1}), mPath).size(), 1u);
     EXPECT_EQ(mDir.Read("log.db"), before);
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(HasSubstr("sql failed: not authorized")));
 }
 
-TEST_F(EventDataExtraction, MissingLogComesIntoBeingEmptyAndLacksItsTables)
+TEST_F(EventSelectionTest, MissingLogComesIntoBeingEmptyAndLacksItsTables)
 {
     EXPECT_THAT(Fetch(Ids({1})), IsEmpty());
     EXPECT_TRUE(mDir.Has("log.db"));
@@ -224,21 +195,21 @@ TEST_F(EventDataExtraction, MissingLogComesIntoBeingEmptyAndLacksItsTables)
                     "or table event_info_flow not exist."));
 }
 
-TEST_F(EventDataExtraction, EitherTableMissingIsTheSame)
+TEST_F(EventSelectionTest, EitherTableMissingIsTheSame)
 {
     EventLogBuilder().Row({NOW, 1, "", ""}).Sql("drop table event_info_flow").WriteTo(mPath);
     EXPECT_THAT(Fetch(Ids({1})), IsEmpty());
     EXPECT_THAT(mLog.Lines(FT::LEVEL_WARN), testing::SizeIs(1));
 }
 
-TEST_F(EventDataExtraction, LogThatCannotBeOpenedIsNamedByItsLastElement)
+TEST_F(EventSelectionTest, LogThatCannotBeOpenedIsNamedByItsLastElement)
 {
-    EXPECT_THAT(Peer::Fetch(Ids({1}), mDir.MakeDir("a/log.db")), IsEmpty());
+    EXPECT_THAT(Select(Ids({1}), mDir.MakeDir("a/log.db")), IsEmpty());
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR),
         ElementsAre("FUNc:CommonPartDbHelper::GetLumbraDataByFilter: open db log.db fail."));
 }
 
-TEST_F(EventDataExtraction, FileThatIsNoDatabaseLacksItsTables)
+TEST_F(EventSelectionTest, FileThatIsNoDatabaseLacksItsTables)
 {
     mDir.Write("log.db", std::string(4096, 'x'));
     EXPECT_THAT(Fetch(Ids({1})), IsEmpty());
@@ -246,7 +217,7 @@ TEST_F(EventDataExtraction, FileThatIsNoDatabaseLacksItsTables)
     EXPECT_EQ(mDir.Read("log.db"), std::string(4096, 'x'));
 }
 
-TEST_F(EventDataExtraction, MissingColumnCountsAsNoRows)
+TEST_F(EventSelectionTest, MissingColumnCountsAsNoRows)
 {
     EventLogBuilder().Row({NOW, 1, "", ""}).Sql("alter table event_info rename column extra to other").WriteTo(mPath);
     EXPECT_THAT(Fetch(Ids({1})), IsEmpty());
@@ -254,7 +225,7 @@ TEST_F(EventDataExtraction, MissingColumnCountsAsNoRows)
         ElementsAre("FUNc:CommonPartDbHelper::QueryDataSet: event_info table record is empty."));
 }
 
-TEST_F(EventDataExtraction, DirectoryOfTheApplicationIsLogged)
+TEST_F(EventSelectionTest, DirectoryOfTheApplicationIsLogged)
 {
     EventLogBuilder().Row({NOW, 1, "", ""}).WriteTo(mPath);
     mSettings.Set(Settings::APP_FILE_DIR, "/app");
@@ -263,37 +234,20 @@ TEST_F(EventDataExtraction, DirectoryOfTheApplicationIsLogged)
         testing::Contains("FUNc:CommonPartDbHelper::GetLumbraDataByFilter: AppFileDir: /app"));
 }
 
-TEST_F(EventDataExtraction, StatementThatBreaksOffSaysSoBeforeItsRowsAreRead)
-{
-    EXPECT_THAT(Texts(Peer::Query(mPath,
-        "select '', 7 union all select '{\"a\":1}', 8 union all select abs(-9223372036854775808), 9", 0)),
-        ElementsAre("occurrence_time=7", "a=1 occurrence_time=8"));
-    EXPECT_THAT(mLog.Lines(), ElementsAre(
-        "FUNc:FT::sql::SqlOperator::Execute: Execute sql failed: integer overflow",
-        "FUNc:CommonPartDbHelper::ExtraStrToJson: extra is empty."));
-}
-
-TEST_F(EventDataExtraction, ComputedTextsFarBeyondTheFileAreGivenUp)
+TEST_F(EventSelectionTest, ComputedTextsFarBeyondTheFileAreGivenUp)
 {
     EventLogBuilder().Row({NOW, 1, "", ""}).Sql(
         "drop table event_info; create table event_info(_ID integer primary key, event_id integer, extra text as "
         "(hex(zeroblob(10000000))), version_id integer); with recursive n(i) as (select 1 union all select i + 1 from "
         "n where i < 9) insert into event_info select i, 1, 1 from n; insert into event_info_flow select _ID, _ID, " +
         std::to_string(NOW) + " from event_info where _ID > 1").WriteTo(mPath);
-    EXPECT_EQ(Peer::Fetch(Ids({1}), mPath).size(), 3U);
+    EXPECT_EQ(Select(Ids({1}), mPath).size(), 3U);
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR).front(),
         "FUNc:FT::sql::SqlOperator::Execute: Execute sql failed: query aborted");
 }
 
-TEST_F(EventDataExtraction, LinesOfRowsWithoutJsonComeInTheirOrder)
-{
-    Peer::Query(mPath, "select 'broken', 7 union all select '', 8 union all select 'x', 9 union all select 'y', 0", 0);
-    EXPECT_THAT(mLog.Lines(), ElementsAre(HasSubstr("jsonStr[broken] err."), HasSubstr("extra is empty."),
-        HasSubstr("jsonStr[x] err.")));
-}
-
 // More rows, and longer ones, than are built at a time.
-TEST_F(EventDataExtraction, ManyRowsKeepTheirTextsTimesAndOrder)
+TEST_F(EventSelectionTest, ManyRowsKeepTheirTextsTimesAndOrder)
 {
     EventLogBuilder builder;
     std::vector<std::string> expected;
@@ -321,22 +275,7 @@ TEST_F(EventDataExtraction, ManyRowsKeepTheirTextsTimesAndOrder)
     }
 }
 
-TEST_F(EventDataExtraction, EmptyExtraIsToldAndNull)
-{
-    EXPECT_TRUE(Peer::ToJson("").isNull());
-    EXPECT_THAT(mLog.Lines(FT::LEVEL_DEBUG), ElementsAre("FUNc:CommonPartDbHelper::ExtraStrToJson: extra is empty."));
-}
-
-TEST_F(EventDataExtraction, BrokenExtraIsToldWithItsTextAndNull)
-{
-    EXPECT_TRUE(Peer::ToJson("{\"a\":").isNull());
-    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(testing::AllOf(
-        testing::StartsWith("FUNc:CommonPartDbHelper::ExtraStrToJson: jsonStr[{\"a\":] err. * Line 1, Column 6"),
-        testing::EndsWith(" "))));
-    EXPECT_TRUE(Peer::ToJson(std::string(100000, '[')).isNull());
-}
-
-TEST_F(EventDataExtraction, LogOfALiveServiceStaysAsItIs)
+TEST_F(EventSelectionTest, LogOfALiveServiceStaysAsItIs)
 {
     EventLogBuilder().Row({NOW, 1, "", ""}).WriteTo(mPath);
     EventLogBuilder::Run(mPath, "pragma journal_mode = wal");
@@ -353,12 +292,12 @@ TEST_F(EventDataExtraction, LogOfALiveServiceStaysAsItIs)
     const std::string log = mDir.Read("left/log.db");
     const std::string changes = mDir.Read("left/log.db-wal");
     ASSERT_FALSE(changes.empty());
-    EXPECT_EQ(Peer::Fetch(Ids({1}), mDir.Path("left/log.db")).size(), 2u);
+    EXPECT_EQ(Select(Ids({1}), mDir.Path("left/log.db")).size(), 2u);
     EXPECT_EQ(mDir.Read("left/log.db"), log);
     EXPECT_EQ(mDir.Read("left/log.db-wal"), changes);
 }
 
-TEST_F(EventDataExtraction, LeavesNoFileBesideTheLog)
+TEST_F(EventSelectionTest, LeavesNoFileBesideTheLog)
 {
     EventLogBuilder().Row({NOW, 1, "", ""}).WriteTo(mPath);
     EventLogBuilder::Run(mPath, "pragma journal_mode = wal");

@@ -1,0 +1,56 @@
+#include "arborist/stores/common_part/derived_table_stage.h"
+
+#include <string_view>
+#include <utility>
+
+#include "arborist/stores/sql/sql_cursor.h"
+#include "arborist/stores/sql/sql_database.h"
+
+namespace {
+
+constexpr std::string_view CREATE_TABLE = "CREATE TABLE ";
+
+bool RunQuietly(const FT::sql::SqlDatabase& database, const std::string& statement)
+{
+    FT::sql::SqlCursor cursor(database.GetHandle(), statement);
+    while (cursor.Step()) {
+    }
+    return cursor.IsOk();
+}
+
+} // namespace
+
+DerivedTableStage::DerivedTableStage(FT::sql::SqlDatabase& database, std::string tableName)
+    : mDatabase(database), mTableName(std::move(tableName))
+{
+}
+
+bool DerivedTableStage::Open(const std::string& createSql)
+{
+    return createSql.rfind(CREATE_TABLE, 0) == 0 && RunQuietly(mDatabase, "PRAGMA temp_store=MEMORY") &&
+        RunQuietly(mDatabase, "CREATE TEMP TABLE " + createSql.substr(CREATE_TABLE.size()));
+}
+
+void DerivedTableStage::Publish(const std::function<void(const std::string& statement)>& insertRow)
+{
+    const std::string publish = "insert into main." + mTableName + " select * from temp." + mTableName;
+    if (!RunQuietly(mDatabase, publish)) {
+        // Somebody else reads, or the disk is full: what fails then is the single row again.
+        FT::sql::SqlCursor ids(mDatabase.GetHandle(), "select _ID from temp." + mTableName);
+        while (ids.Step()) {
+            insertRow(publish + " where _ID = " + std::to_string(ids.GetInteger(0)));
+        }
+    }
+    RunQuietly(mDatabase, "drop table temp." + mTableName);
+}
+
+void DerivedTableStage::WriteAhead(FT::sql::SqlDatabase& database, bool on)
+{
+    if (on) {
+        RunQuietly(database, "PRAGMA locking_mode=EXCLUSIVE");
+        RunQuietly(database, "PRAGMA journal_mode=WAL");
+        return;
+    }
+    RunQuietly(database, "PRAGMA journal_mode=DELETE");
+    RunQuietly(database, "PRAGMA locking_mode=NORMAL");
+}

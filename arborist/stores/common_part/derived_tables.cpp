@@ -1,0 +1,150 @@
+#include "arborist/stores/common_part/derived_tables.h"
+
+#include <json/value.h>
+
+#include "arborist/frame/log.h"
+#include "arborist/stores/common_part/database_steps.h"
+#include "arborist/stores/common_part/derived_table_writer.h"
+#include "arborist/stores/common_part/event_selection.h"
+#include "arborist/stores/common_part/lower_case.h"
+#include "arborist/stores/sql/sql_operator.h"
+#include "arborist/utilities/device_paths.h"
+#include "arborist/utilities/time_util.h"
+
+namespace DerivedTables {
+namespace {
+
+using RowList = std::vector<Json::Value>;
+
+// What tells the two builds apart in the log. A logger sees the formats whole.
+struct FromEvents {
+    static constexpr char FUNCTION[] = "CommonPartDbHelper::IsSuccessCreatePerfDb";
+    static constexpr char NO_ROWS[] = "FUNc:%s: createJankDB : Get lumbra DB fail-lumbraDatas is null.";
+};
+
+struct Fixed {
+    static constexpr char FUNCTION[] = "CommonPartDbHelper::IsSuccessCreateLumbraPlusDb";
+    // Never logged as long as the row is made here.
+    static constexpr char NO_ROWS[] = "FUNc:%s: createJankDB : Step 2 get lumbra DB fail-lumbraDatas is null";
+};
+
+const char* ColumnSuffix(const std::string& type)
+{
+    const std::string word = LowerCase(type);
+    if (word == "string" || word == "text") {
+        return " NOT NULL DEFAULT ''";
+    }
+    if (word == "int" || word == "long" || word == "integer") {
+        return " NOT NULL DEFAULT 0";
+    }
+    return "";
+}
+
+// The type goes in as the rule set spells it: SQLite takes the column's affinity from it.
+std::string GenerateCreateSql(const Table& table)
+{
+    std::string sql = "CREATE TABLE " + table.name + " (_ID integer primary key autoincrement";
+    for (const auto& column : table.columns) {
+        if (column != nullptr && !column->key.empty()) {
+            sql += ", " + column->key + " " + column->type + ColumnSuffix(column->type);
+        }
+    }
+    return sql + ");";
+}
+
+RowList FixedRows()
+{
+    Json::Value row(Json::objectValue);
+    row["ERRCODE"] = 1;
+    row["DEVICE_TYPE"] = "tv";
+    row["SUBERRCODE"] = 2;
+    row["EXTERRINFO"] = "false";
+    row["LU_TRACE_ID"] = "123456789";
+    row["occurrence_time"] = static_cast<Json::Int64>(TimeUtil::GetTimeOfDay());
+    return {row};
+}
+
+template <typename Build>
+bool OpenWithoutTable(FT::sql::SqlDatabase& database, const std::string& tableName)
+{
+    database.Open(DevicePaths::DerivedDatabase());
+    if (!database.IsOpen()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: open JankEventDb fail.", Build::FUNCTION);
+        return false;
+    }
+    PrepareForWriting(database);
+    if (!FT::sql::SqlOperator(database.GetHandle()).ExecuteNoCallback("drop table if exists " + tableName)) {
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_ERROR, "FUNc:%s: createJankDB : Delete all tables fail.", Build::FUNCTION);
+        return false;
+    }
+    return true;
+}
+
+bool Create(const FT::sql::SqlDatabase& database, const Table& table)
+{
+    return FT::sql::SqlOperator(database.GetHandle()).ExecuteNoCallback(GenerateCreateSql(table));
+}
+
+bool IsSetedDataToTable(FT::sql::SqlDatabase& database, const Table& table, const RowList& rows)
+{
+    if (table.name.empty() || table.columns.empty() || rows.empty()) {
+        return false;
+    }
+    if (!IsTableExist(database, table.name)) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: table %s not exist.",
+            "CommonPartDbHelper::IsSetedDataToTable", table.name.c_str());
+        return false;
+    }
+    DerivedTableWriter(database, table.name, table.columns, GenerateCreateSql(table)).Write(rows);
+    return true;
+}
+
+template <typename Build>
+bool Fill(FT::sql::SqlDatabase& database, const Table& table, const RowList& rows)
+{
+    if (rows.empty()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_WARN, Build::NO_ROWS, Build::FUNCTION);
+        return false;
+    }
+    if (!IsSetedDataToTable(database, table, rows)) {
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_ERROR, "FUNc:%s: insert data into table %s fail.", Build::FUNCTION, table.name.c_str());
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool BuildFromEvents(const Table& table, const EventIdList& ids, const std::string& eventDbPath)
+{
+    FT::sql::SqlDatabase database;
+    if (!OpenWithoutTable<FromEvents>(database, table.name)) {
+        return false;
+    }
+    if (!Create(database, table)) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: createJankDB : Step Create table %s fail.",
+            FromEvents::FUNCTION, table.name.c_str());
+        return false;
+    }
+    RowList rows;
+    EventSelection::GetLumbraDataByFilter(ids, eventDbPath, rows);
+    return Fill<FromEvents>(database, table, rows);
+}
+
+bool BuildFixed(const Table& table)
+{
+    FT::sql::SqlDatabase database;
+    if (!OpenWithoutTable<Fixed>(database, table.name)) {
+        return false;
+    }
+    if (!Create(database, table)) {
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_ERROR, "FUNc:%s: createJankDB : Step 3 Create table fail.", Fixed::FUNCTION);
+        return false;
+    }
+    return Fill<Fixed>(database, table, FixedRows());
+}
+
+} // namespace DerivedTables

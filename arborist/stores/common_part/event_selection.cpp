@@ -1,0 +1,111 @@
+#include "arborist/stores/common_part/event_selection.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include <json/value.h>
+
+#include "arborist/frame/fault_tree_prop_global.h"
+#include "arborist/frame/log.h"
+#include "arborist/frame/settings.h"
+#include "arborist/stores/common_part/database_steps.h"
+#include "arborist/stores/common_part/selected_rows.h"
+#include "arborist/stores/repairs/reset_time_parser.h"
+#include "arborist/stores/sql/simple_database_helper.h"
+#include "arborist/stores/sql/sql_database.h"
+#include "arborist/stores/sql/sql_table.h"
+#include "arborist/utilities/file_util.h"
+#include "arborist/utilities/time_util.h"
+
+namespace EventSelection {
+namespace {
+
+constexpr char SELECT_EVENTS[] =
+    "SELECT event_info.extra, event_info_flow.occurrence_time FROM event_info LEFT OUTER JOIN event_info_flow ON "
+    "event_info_flow.event_pid = event_info._ID WHERE ";
+// What a bean gets that names no ids.
+constexpr char DEFAULT_EVENTS[] = "( event_info.event_id >= 902000000 AND event_info.event_id < 902500000 OR "
+                                  "event_info.event_id = 902500007 ) ";
+constexpr std::int64_t SEVEN_DAYS = 604800;
+constexpr std::int64_t THIRTY_DAYS = 2592000;
+
+std::string Setting(const char* key)
+{
+    return FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(key, "");
+}
+
+// The last reset or update, in seconds since the epoch: what came before doesn't describe the device as it is.
+std::int64_t LatestResetOrUpdate(const std::string& directory)
+{
+    ResetTimeParser parser(directory);
+    parser.ParseLogService();
+    return std::max(parser.GetResetTime(), parser.GetUpdateTime());
+}
+
+} // namespace
+
+void GetLumbraDataByFilter(const EventIdList& ids, const std::string& eventDbPath, std::vector<Json::Value>& rows)
+{
+    static constexpr char NAME[] = "CommonPartDbHelper::GetLumbraDataByFilter";
+    FT::sql::SqlDatabase database;
+    // A missing log comes into being here, empty, and is turned away for its missing tables.
+    database.Open(eventDbPath);
+    if (!database.IsOpen()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: open db %s fail.", NAME,
+            FileUtil::ExtractFileName(eventDbPath).c_str());
+        return;
+    }
+    database.Restrict(FT::sql::SqlAccess::READ_ONLY);
+    if (!IsTableExist(database, "event_info") || !IsTableExist(database, "event_info_flow")) {
+        FT::Log::GetInstance().Output(FT::LEVEL_WARN,
+            "FUNc:%s: lumbra db not exist or table event_info not exist or table event_info_flow not exist.", NAME);
+        return;
+    }
+    std::string sql = GenerateSql(ids, SELECT_EVENTS);
+    const std::string appFileDir = Setting(Settings::APP_FILE_DIR);
+    FT::Log::GetInstance().Output(FT::LEVEL_DEBUG, "FUNc:%s: AppFileDir: %s", NAME, appFileDir.c_str());
+    const std::int64_t minTime = LatestResetOrUpdate(appFileDir);
+    const std::int64_t version = QueryVersion(database);
+    if (version != 0) {
+        sql += " AND event_info.version_id = " + std::to_string(version);
+    }
+    SelectedRows::QueryDataSet(database, sql, rows, minTime);
+}
+
+std::string GenerateSql(const EventIdList& ids, const std::string& baseSql)
+{
+    const std::int64_t now = TimeUtil::GetTimeOfDay();
+    const std::string selection = ids.IsEmpty() ? DEFAULT_EVENTS : ids.ToSql();
+    const std::int64_t floor = now - (ids.IsEmpty() ? SEVEN_DAYS : THIRTY_DAYS);
+    return baseSql + selection + " AND event_info_flow.occurrence_time > " + std::to_string(floor);
+}
+
+std::int64_t QueryVersion(const FT::sql::SqlDatabase& database)
+{
+    static constexpr char NAME[] = "CommonPartDbHelper::QueryVersion";
+    if (!database.IsOpen()) {
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_ERROR, "FUNc:%s: database was not exist, open database failed.", NAME);
+        return 0;
+    }
+    const std::string versionName = Setting(Settings::VERSION_NAME);
+    FT::Log::GetInstance().Output(FT::LEVEL_DEBUG, "FUNc:%s: version name: %s", NAME, versionName.c_str());
+    if (versionName.empty()) {
+        return 0;
+    }
+    FT::sql::SqlField fields[] = {{"_ID", FT::sql::TypeInteger}, {"VERSION_NAME", FT::sql::TypeText},
+        FT::sql::SqlField(FT::sql::FieldUseEnd)};
+    FT::sql::SqlTable table(database.GetHandle(), "event_version", fields, std::size(fields));
+    // The name goes in as it stands: a quote in it makes the statement fail, and no version is known.
+    const std::uint64_t count = FT::sql::SimpleDatabaseHelper().GetRecordCountByFullSql(
+        table, "select * from event_version where VERSION_NAME = '" + versionName + "' ORDER BY _ID DESC");
+    for (std::uint64_t index = 0; index < count; ++index) {
+        const FT::sql::SqlValue* const id = table.GetRecord(index)->GetValue("_ID");
+        if (id != nullptr && id->AsInteger() != 0) {
+            return id->AsInteger();
+        }
+    }
+    return 0;
+}
+
+} // namespace EventSelection

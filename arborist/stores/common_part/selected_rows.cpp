@@ -1,0 +1,165 @@
+#include "arborist/stores/common_part/selected_rows.h"
+
+#include <cstddef>
+#include <cstdlib>
+#include <string_view>
+
+#include <json/value.h>
+
+#include "arborist/frame/log.h"
+#include "arborist/stores/sql/sql_cursor.h"
+#include "arborist/stores/sql/sql_database.h"
+#include "arborist/utilities/json_text.h"
+
+namespace SelectedRows {
+namespace {
+
+// The places of its columns.
+constexpr int EXTRA_COLUMN = 0;
+constexpr int TIME_COLUMN = 1;
+
+std::int64_t TimeOf(const FT::sql::SqlCursor& cursor)
+{
+    if (cursor.GetType(TIME_COLUMN) == FT::sql::SqlCursor::ColumnType::INTEGER) {
+        return cursor.GetInteger(TIME_COLUMN);
+    }
+    // The number at the front of whatever stands there; 0 for nothing.
+    return std::strtoll(std::string(cursor.GetText(TIME_COLUMN)).c_str(), nullptr, 10);
+}
+
+// On failure `row` is left null.
+bool HoldsJson(std::string_view extra, Json::Value& row)
+{
+    std::string error;
+    if (!extra.empty() && ParseJson(extra, row, error)) {
+        return true;
+    }
+    row = Json::Value();
+    return false;
+}
+
+// The total of a statistic, which must not be counted as an event.
+bool IsStatisticTotal(const Json::Value& extra)
+{
+    return MemberText(extra, "CASENAME") == "GAME_LAG_RATIO" && MemberText(extra, "FIELDNAME") == "TotalCount";
+}
+
+// Builds the rows out of what was selected, some hundred at a time: in turns with each step of the statement both would
+// be slower, as SQLite and the JSON reader together don't fit the processor's nearest cache.
+class RowBuilder {
+public:
+    explicit RowBuilder(std::vector<Json::Value>& rows) : mRows(rows) {}
+
+    void Take(std::string_view extra, std::int64_t time)
+    {
+        mTexts += extra;
+        mWaiting.push_back({mTexts.size(), time});
+        if (mTexts.size() >= BATCH_BYTES || mWaiting.size() >= BATCH_ROWS) {
+            Build();
+        }
+    }
+
+    /// Builds what still waits.
+    void Build()
+    {
+        std::size_t begin = 0;
+        for (const Waiting& waiting : mWaiting) {
+            BuildRow(std::string_view(mTexts).substr(begin, waiting.end - begin), waiting.time);
+            begin = waiting.end;
+        }
+        mTexts.clear();
+        mWaiting.clear();
+    }
+
+    const std::vector<std::string>& GetTextsWithoutJson() const { return mWithoutJson; }
+
+private:
+    static constexpr std::size_t BATCH_BYTES = 65536;
+    static constexpr std::size_t BATCH_ROWS = 256;
+
+    struct Waiting {
+        std::size_t end; // of its text in mTexts
+        std::int64_t time;
+    };
+
+    void BuildRow(std::string_view extra, std::int64_t time)
+    {
+        Json::Value& row = mRows.emplace_back();
+        if (!HoldsJson(extra, row)) {
+            mWithoutJson.emplace_back(extra);
+        }
+        if (IsStatisticTotal(row)) {
+            mRows.pop_back();
+            return;
+        }
+        if (!row.isObject()) {
+            row = Json::Value(Json::objectValue);
+        }
+        row[Json::StaticString("occurrence_time")] = static_cast<Json::Int64>(time);
+    }
+
+    std::vector<Json::Value>& mRows;
+    std::string mTexts; // one behind the other
+    std::vector<Waiting> mWaiting;
+    std::vector<std::string> mWithoutJson;
+};
+
+// Logs why an `extra` is no object.
+void TellExtraWithoutJson(const std::string& extra)
+{
+    static constexpr char NAME[] = "CommonPartDbHelper::ExtraStrToJson";
+    if (extra.empty()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_DEBUG, "FUNc:%s: extra is empty.", NAME);
+        return;
+    }
+    Json::Value ignored;
+    std::string error;
+    if (!ParseJson(extra, ignored, error)) {
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_ERROR, "FUNc:%s: jsonStr[%s] err. %s ", NAME, extra.c_str(), error.c_str());
+    }
+}
+
+} // namespace
+
+void QueryDataSet(const FT::sql::SqlDatabase& database, const std::string& sql, std::vector<Json::Value>& rows,
+                  std::int64_t minTime)
+{
+    // As they come: what the selection holds need not be there twice, as text and as JSON.
+    FT::sql::SqlCursor cursor(database.GetHandle(), sql);
+    RowBuilder builder(rows);
+    std::uint64_t bytes = 0;
+    std::string error;
+    bool isEmpty = true;
+    for (; error.empty() && cursor.Step(); isEmpty = false) {
+        const std::int64_t time = TimeOf(cursor);
+        if (time <= minTime) {
+            continue;
+        }
+        const std::string_view extra = cursor.GetText(EXTRA_COLUMN);
+        bytes += extra.size();
+        if (!database.GetHandle().AllowsBytes(bytes)) {
+            error = "query aborted"; // columns that are computed may hold far more than the file
+            continue;
+        }
+        builder.Take(extra, time);
+    }
+    builder.Build();
+    if (!cursor.IsOk()) {
+        error = cursor.GetError();
+    }
+    if (!error.empty()) {
+        // As every statement of the stores tells it. The rows that came before stay.
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Execute sql failed: %s",
+            "FT::sql::SqlOperator::Execute", error.c_str());
+    }
+    for (const std::string& extra : builder.GetTextsWithoutJson()) { // behind the line of a statement that fails
+        TellExtraWithoutJson(extra);
+    }
+    if (isEmpty) {
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_INFO, "FUNc:%s: event_info table record is empty.", "CommonPartDbHelper::QueryDataSet");
+    }
+}
+
+} // namespace SelectedRows
