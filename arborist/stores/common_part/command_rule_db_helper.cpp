@@ -107,28 +107,27 @@ bool IsPlainSelect(const std::string& sql)
 
 bool CommandRuleDbHelper::IsOpenDbSuccess(const std::string& path)
 {
-    std::string file = path.empty() ? DevicePaths::DerivedDatabase() : path;
-    // Opening costs more than most of the statements, so the connection stays while the file is the same, unchanged.
-    const Platform::FileIdentity identity(file);
-    if (mDatabase.IsOpen() && identity.IsSet() && file == mPath && identity == mIdentity) {
+    const std::string file = path.empty() ? DevicePaths::DerivedDatabase() : path;
+    const FT::sql::SqlDatabase* const kept = mConnection.Find(file);
+    if (kept != nullptr && kept->IsOpen()) {
         return true;
     }
-    mPath = std::move(file);
-    mIdentity = identity;
-    mDatabase.Open(mPath);
-    mDatabase.Restrict(FT::sql::SqlAccess::OWN_FILE, mLimits);
-    return mDatabase.IsOpen();
+    FT::sql::SqlDatabase& database = mConnection.Make(file);
+    database.Open(file);
+    database.Restrict(FT::sql::SqlAccess::OWN_FILE, mLimits);
+    return database.IsOpen();
 }
 
 CommandRuleDbHelper::ParamList CommandRuleDbHelper::RunSql(const std::string& sql, const ParamList& params,
     bool isNormalization, const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second)
 {
+    FT::sql::SqlDatabase& database = mConnection.Get();
     std::vector<FT::sql::SqlField> fields = FieldsOf(params, first, second);
     // Carries the fields alone: there is no table of that name.
-    FT::sql::SqlTable table(mDatabase.GetHandle(), "tmp_table", fields.data(), fields.size());
+    FT::sql::SqlTable table(database.GetHandle(), "tmp_table", fields.data(), fields.size());
     mRowCount = FT::sql::SimpleDatabaseHelper().GetRecordCountByFullSql(table, sql);
     if (mObserver != nullptr) {
-        mObserver->OnQuery({mPath, sql, mDatabase.IsOpen(), table.GetRecordCount(), table.GetErrorMessage()});
+        mObserver->OnQuery({mConnection.GetPath(), sql, database.IsOpen(), table.GetRecordCount(), table.GetErrorMessage()});
     }
     mIsIntervalMissing = false;
     ParamList result;
@@ -137,10 +136,10 @@ CommandRuleDbHelper::ParamList CommandRuleDbHelper::RunSql(const std::string& sq
         result = isNormalization ? UpdateParamListOfNormalization(params, *record, first, second)
                                  : UpdateParamList(params, *record);
     }
-    mLimits.LowerAfter(mDatabase.GetHandle());
+    mLimits.LowerAfter(database.GetHandle());
     // A file that can't be read says so again when it is opened for the next statement.
     if (!table.IsOk() || !IsPlainSelect(sql)) {
-        mDatabase.Close();
+        database.Close();
     }
     return result;
 }

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "arborist/model/condition.h"
+#include "arborist/stores/kept_connection.h"
 #include "arborist/stores/sql/sql_database.h"
-#include "arborist/utilities/platform.h"
 
 class DetectionObserver;
 
@@ -53,11 +53,8 @@ private:
         const ParamList& params, const FT::sql::SqlRecord& record, std::int64_t start, std::int64_t end) const;
     void TellParameter(const Param& param, const std::string& raw) const;
 
-    FT::sql::SqlDatabase mDatabase;
+    KeptConnection<FT::sql::SqlDatabase> mConnection;
     FT::sql::SqlLimits mLimits;
-    std::string mPath;
-    /// The file as it was just before it was opened.
-    Platform::FileIdentity mIdentity;
     DetectionObserver* mObserver = nullptr;
     std::uint64_t mRowCount = 0;
     bool mIsIntervalMissing = false;

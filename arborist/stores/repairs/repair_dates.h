@@ -1,15 +1,13 @@
 #ifndef ARBORIST_STORES_REPAIRS_REPAIR_DATES_H
 #define ARBORIST_STORES_REPAIRS_REPAIR_DATES_H
 
-#include <memory>
 #include <string>
 
-#include "arborist/utilities/platform.h"
+#include "arborist/stores/kept_connection.h"
 
 class RepairDbUtil;
 
-/// Answers what RepairDbUtil answers, with its log lines, for many questions in a row: the connection stays open while
-/// the file is the same, unchanged. Opening costs several times what a question costs.
+/// Answers what RepairDbUtil answers, with its log lines, for many questions in a row, over a connection that is kept.
 ///
 /// Used by one thread.
 class RepairDates {
@@ -23,9 +21,7 @@ public:
     std::string Query(const std::string& repairId);
 
 private:
-    std::unique_ptr<RepairDbUtil> mRepairs;
-    std::string mPath;
-    Platform::FileIdentity mIdentity;
+    KeptConnection<RepairDbUtil> mConnection;
 };
 
 #endif
