@@ -239,7 +239,7 @@ TEST_F(ExternalDatabasesTest, PatternIsHeldAgainstThePathBelowTheRootOfTheDevice
     EXPECT_THAT(Below(behindLink->GetCopyDbFileList()), ElementsAre("copies/b.db"));
 }
 
-TEST_F(ExternalDatabases, LinksOfACapturedDeviceNeverLeadToThisMachine)
+TEST_F(ExternalDatabasesTest, LinksOfACapturedDeviceNeverLeadToThisMachine)
 {
     MakeDb("elsewhere/a.db");
     fs::create_directories(mDir.Path("device/data"));
