@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <filesystem>
 #include <iterator>
 
@@ -19,9 +20,17 @@ constexpr char ID[] = "_id";
 constexpr char REPAIR_ID[] = "repair_id";
 constexpr char REPAIR_DATE[] = "repair_date";
 
-// A row takes some ten steps of a statement over all of them.
-constexpr std::uint64_t MOST_STEPS = 10'000'000;
-constexpr std::size_t MOST_REPAIRS = 250'000;
+// Rows that one question keeps: those of one repair, of which the first counts.
+constexpr std::size_t MOST_ROWS = 250'000;
+
+// Every row may be looked at, however many there are. One takes some ten bytes of the file at least, and a few steps.
+std::uint64_t StepsForAllRows(const std::string& path)
+{
+    constexpr std::uint64_t LEAST_STEPS = 10'000'000;
+    constexpr std::uint64_t STEPS_FOR_A_BYTE = 4;
+    constexpr std::uint64_t MOST_BELIEVED = 1ULL << 34; // a file with holes may claim any size
+    return LEAST_STEPS + STEPS_FOR_A_BYTE * std::min(FileUtil::GetFileSize(path), MOST_BELIEVED);
+}
 
 // The table and, before it, the fields that it refers to.
 struct RepairTable {
@@ -75,7 +84,7 @@ bool RepairDbUtil::OpenDb()
         return false;
     }
     // The file is ours, but who knows what stands in its table's place by now.
-    mDatabase->Restrict(FT::sql::SqlAccess::OWN_FILE, {.steps = MOST_STEPS, .rows = MOST_REPAIRS});
+    mDatabase->Restrict(FT::sql::SqlAccess::OWN_FILE, {.steps = StepsForAllRows(path), .rows = MOST_ROWS});
     CreateRepairRecordTable(TABLE_NAME);
     return mDatabase->IsOpen();
 }
@@ -127,9 +136,9 @@ void RepairDbUtil::SaveRepairDataToDb(const std::string& repairId)
             "RepairDbUtil::SaveRepairDataToDb");
         return;
     }
-    const std::vector<std::string> knownIds = QueryRepairId();
+    const bool isKnown = QueryRepairId(repairId);
     const std::string date = TimeUtil::GetFormatTime(TimeUtil::GetTimeOfDay());
-    if (std::find(knownIds.begin(), knownIds.end(), repairId) != knownIds.end()) {
+    if (isKnown) {
         UpDateRepairData(repairId, date);
     } else {
         InsertRepairData(repairId, date);
@@ -148,26 +157,24 @@ std::string RepairDbUtil::QueryRepairDate(const std::string& repairId)
     return GetRepairDataRecord(repairId, id, date) ? date : "";
 }
 
-std::vector<std::string> RepairDbUtil::QueryRepairId()
+bool RepairDbUtil::QueryRepairId(const std::string& repairId)
 {
     if (!mDatabase->IsOpen()) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: RepairDbUtil::QueryRepairId database not open",
             "RepairDbUtil::QueryRepairId");
-        return {};
+        return false;
     }
-    // The name is only a label: there is no such table.
-    FT::sql::SqlField fields[] = {FT::sql::SqlField(REPAIR_ID, FT::sql::TypeText),
-        FT::sql::SqlField(FT::sql::FieldUseEnd)};
-    FT::sql::SqlTable table(mDatabase->GetHandle(), "query", fields, std::size(fields));
-    const FT::sql::SimpleDatabaseHelper helper;
-    const std::uint64_t count = helper.GetRecordCountByFullSql(table, "select repair_id from repair_data");
-    std::vector<std::string> ids;
-    for (std::uint64_t index = 0; index < count; ++index) {
-        if (const FT::sql::SqlValue* const value = helper.GetFieldValueByIndex(table, index, count, REPAIR_ID)) {
-            ids.push_back(value->AsString());
-        }
+    // Not SQL's comparison, whose opinion of equal texts is up to the file. To the end, so that damage behind is told.
+    FT::sql::SqlCursor rows(mDatabase->GetHandle(), "select repair_id from repair_data");
+    bool isKnown = false;
+    while (rows.Step()) {
+        isKnown = isKnown || rows.GetText(0) == repairId;
     }
-    return ids;
+    if (!rows.IsOk()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Execute sql failed: %s",
+            "FT::sql::SqlOperator::Execute", rows.GetError().c_str());
+    }
+    return isKnown;
 }
 
 bool RepairDbUtil::GetRepairDataRecord(const std::string& repairId, std::int32_t& id, std::string& date)

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace FT::sql {
 class SqlCursor;
@@ -39,7 +38,8 @@ private:
     void CloseDb();
     bool CreateRepairRecordTable(const std::string& tableName);
     bool GetRepairDataRecord(const std::string& repairId, std::int32_t& id, std::string& date);
-    std::vector<std::string> QueryRepairId();
+    /// Whether a row has this id. A row without one counts as having the empty one.
+    bool QueryRepairId(const std::string& repairId);
     void InsertRepairData(const std::string& repairId, const std::string& date);
     void UpDateRepairData(const std::string& repairId, const std::string& date);
 

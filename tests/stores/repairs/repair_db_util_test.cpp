@@ -8,6 +8,7 @@
 #include "arborist/frame/repair.h"
 #include "arborist/frame/settings.h"
 #include "arborist/stores/sql/simple_database_helper.h"
+#include "tests/support/database_rows.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/settings_guard.h"
@@ -24,7 +25,7 @@ struct RepairDbUtilPeer {
         repairs.CloseDb();
         std::int32_t id = 0;
         std::string date;
-        repairs.QueryRepairId();
+        repairs.QueryRepairId("R");
         repairs.GetRepairDataRecord("R", id, date);
         repairs.InsertRepairData("R", "today");
         repairs.UpDateRepairData("R", "today");
@@ -196,6 +197,51 @@ TEST_F(RepairDbUtilTest, FileThatIsNoDatabaseStaysAsItIs)
     EXPECT_EQ(RepairDbUtil().QueryRepairDate("R"), "");
     EXPECT_EQ(mDir.Read("data/Comms/Lumbra/zxdetectrepair/databases/repair_record.db"), std::string(2000, 'x'));
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), testing::Contains(HasSubstr("sql failed: file is not a database")));
+}
+
+TEST_F(RepairDbUtilTest, UpdateChangesItsOwnRow)
+{
+    SetNow(1700000000);
+    UpdateRepairDb("R1");
+    UpdateRepairDb("R2");
+    UpdateRepairDb("R3");
+    SetNow(1700000060);
+    UpdateRepairDb("R2");
+    EXPECT_EQ(Rows(), "1/R1/2023-11-14 23:13:20 & 2/R2/2023-11-14 23:14:20 & 3/R3/2023-11-14 23:13:20");
+}
+
+TEST_F(RepairDbUtilTest, KnownIdIsFoundAmongMillions)
+{
+    RepairDbUtil();
+    EventLogBuilder::Run(mPath, "pragma journal_mode = off; pragma synchronous = off; "
+        "with recursive n(i) as (select 1 union all select i + 1 from n where i < 3500000) "
+        "insert into repair_data select i, i, '' from n");
+    SetNow(1700000000);
+    UpdateRepairDb("3500000");
+    EXPECT_EQ(RepairDbUtil().QueryRepairDate("3500000"), "2023-11-14 23:13:20");
+    EXPECT_THAT(DatabaseRows(mPath, "select count(*), max(_id) from repair_data"), ElementsAre("3500000|3500000"));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), IsEmpty());
+}
+
+TEST_F(RepairDbUtilTest, RepairWithCountlessRowsHasTheDateOfTheFirst)
+{
+    RepairDbUtil();
+    EventLogBuilder::Run(mPath, "with recursive n(i) as (select 1 union all select i + 1 from n where i < 250001) "
+        "insert into repair_data select i, 'R', i from n");
+    EXPECT_EQ(RepairDbUtil().QueryRepairDate("R"), "1");
+    SetNow(1700000000);
+    UpdateRepairDb("R");
+    EXPECT_EQ(RepairDbUtil().QueryRepairDate("R"), "2023-11-14 23:13:20");
+}
+
+TEST_F(RepairDbUtilTest, RowWithoutAnIdIsThatOfTheEmptyOne)
+{
+    RepairDbUtil();
+    EventLogBuilder::Run(mPath, "insert into repair_data values (1, null, 'former')");
+    SetNow(1700000000);
+    UpdateRepairDb("");
+    // Known, but not to be found by its text: nothing is written.
+    EXPECT_THAT(DatabaseRows(mPath, "select * from repair_data"), ElementsAre("1|null|former"));
 }
 
 TEST_F(RepairDbUtilTest, TableThatNeverEndsIsGivenUp)
