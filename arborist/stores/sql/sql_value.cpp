@@ -1,13 +1,12 @@
 #include "arborist/stores/sql/sql_value.h"
 
-#include <cctype>
 #include <charconv>
 #include <cstdlib>
 #include <limits>
-#include <system_error>
 #include <utility>
 
 #include "arborist/stores/sql/sql_text.h"
+#include "arborist/stores/sql/sql_value_number.h"
 
 namespace FT::sql {
 namespace {
@@ -15,36 +14,6 @@ namespace {
 constexpr std::size_t LONGEST_NUMBER = 127;
 // Sign, every digit that a double can have before the point, the point and eight digits.
 constexpr std::size_t LONGEST_DOUBLE = std::numeric_limits<double>::max_exponent10 + 16;
-
-// strtod without the host's locale: a program that sets a decimal comma must not change what the tables hold.
-double ReadDouble(const std::string& text)
-{
-    const char* begin = text.c_str();
-    const char* const end = begin + text.size();
-    while (begin != end && std::isspace(static_cast<unsigned char>(*begin)) != 0) {
-        ++begin;
-    }
-    const char* digits = begin;
-    const bool isNegative = digits != end && *digits == '-';
-    if (digits != end && (*digits == '-' || *digits == '+')) {
-        ++digits;
-    }
-    const bool isHex = end - digits > 2 && digits[0] == '0' && (digits[1] == 'x' || digits[1] == 'X') &&
-        std::isxdigit(static_cast<unsigned char>(digits[2])) != 0;
-    if (isHex) {
-        digits += 2;
-    }
-    if (digits != end && *digits == '-') {
-        return 0.0; // a second sign
-    }
-    double number = 0.0;
-    const auto format = isHex ? std::chars_format::hex : std::chars_format::general;
-    const auto [rest, error] = std::from_chars(digits, end, number, format);
-    if (error == std::errc::result_out_of_range) {
-        return std::strtod(begin, nullptr);
-    }
-    return isNegative ? -number : number;
-}
 
 } // namespace
 
