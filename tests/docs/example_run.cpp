@@ -213,7 +213,7 @@ std::string OrEmpty(const std::string& text)
 const std::vector<std::string>& KnownKeys()
 {
     static const std::vector<std::string> keys = {"rule", "event rules", "tree", "tree xml", "true", "false", "scene",
-        "device", "setting", "runner", "node", "log", "log sql", "file", "common", "sections", "formula", "compare",
+        "device", "setting", "locale", "runner", "node", "log", "log sql", "file", "common", "sections", "formula", "compare",
         "recovery line", "outcome"};
     return keys;
 }
@@ -227,6 +227,9 @@ ExampleRun::ExampleRun(const PageExample& example) : mExample(example)
     for (const std::string& setting : example.All("setting")) {
         const auto [key, value] = SplitOnce(setting, "=");
         mSettings.Set(key, value);
+    }
+    if (example.First("locale") == "decimal comma") {
+        mHostLocale.emplace();
     }
     WriteTreeFile();
     WriteRuleFile();

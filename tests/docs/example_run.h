@@ -3,11 +3,13 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "arborist/arborist.h"
 #include "tests/docs/example_page.h"
+#include "tests/support/decimal_comma.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/settings_guard.h"
 #include "tests/support/temp_dir.h"
@@ -48,6 +50,7 @@ private:
     TempDir mDir;
     SettingsGuard mSettings;
     LogCapture mLog;
+    std::optional<DecimalComma> mHostLocale;
     std::shared_ptr<DetectInfo> mInfo;
     std::shared_ptr<ExampleObserver> mObserver = std::make_shared<ExampleObserver>();
     std::unique_ptr<Arborist> mEngine;

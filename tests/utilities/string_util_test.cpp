@@ -1,6 +1,5 @@
 #include "arborist/utilities/string_util.h"
 
-#include <clocale>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -12,9 +11,8 @@
 
 #include "arborist/frame/log.h"
 #include "tests/support/case_name.h"
+#include "tests/support/decimal_comma.h"
 #include "tests/support/log_capture.h"
-#include "tests/support/process.h"
-#include "tests/support/temp_dir.h"
 
 namespace {
 
@@ -171,32 +169,6 @@ TEST_F(StringUtilTest, BadDoubleIsTheDefaultAndLogsOnce)
     EXPECT_EQ(StringUtil::StringToDoubleDef("1e-400", 2.5), 2.5);
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(LINE, LINE, LINE, LINE));
 }
-
-// A locale of the process whose numbers have a comma, made for as long as the object lives: none need be installed.
-class DecimalComma {
-public:
-    DecimalComma()
-    {
-        mDir.Write("comma", "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 3;3\nEND LC_NUMERIC\n");
-        // Warned of the categories that the source lacks, it makes those of "C".
-        RunProcess({"sh", "-c", "localedef -c -i comma -f UTF-8 ./comma.UTF-8"});
-        setenv("LOCPATH", mDir.Path().c_str(), 1);
-        mIsSet = std::setlocale(LC_NUMERIC, "comma.UTF-8") != nullptr;
-    }
-    ~DecimalComma()
-    {
-        std::setlocale(LC_NUMERIC, "C");
-        unsetenv("LOCPATH");
-    }
-    DecimalComma(const DecimalComma&) = delete;
-    DecimalComma& operator=(const DecimalComma&) = delete;
-
-    bool IsSet() const { return mIsSet; }
-
-private:
-    TempDir mDir;
-    bool mIsSet = false;
-};
 
 TEST_F(StringUtilTest, HostWithADecimalCommaChangesNoNumber)
 {
