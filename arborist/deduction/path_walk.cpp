@@ -1,105 +1,37 @@
 #include "arborist/deduction/path_walk.h"
 
 #include <algorithm>
-#include <string>
 
 #include "arborist/model/event.h"
 #include "arborist/model/gate.h"
-#include "arborist/utilities/string_util.h"
-#include "arborist/utilities/text_hash.h"
-
-namespace {
-
-constexpr char PATH_SEPARATOR[] = "/";
-constexpr char MEMBER_SEPARATOR[] = "&";
-
-const Gate* GateOf(const Event& event)
-{
-    const IntermediateEvent* intermediate = event.AsIntermediate();
-    return intermediate == nullptr ? nullptr : intermediate->GetGate().get();
-}
-
-} // namespace
 
 void PathWalk::Walk(const std::shared_ptr<Event>& top, SurvivingTree& tree)
 {
-    PathWalk walk(tree);
-    walk.AddPlaces(top, SurvivingTree::NONE);
-    walk.IndexPaths();
+    PathWalk walk(top, tree);
     Index branch = SurvivingTree::NONE;
     if (walk.Enter(0, branch) == Outcome::ALIVE) {
         tree.SetTop(branch);
     }
 }
 
-void PathWalk::AddPlaces(const std::shared_ptr<Event>& event, Index parent)
+// The places of `tree` become those of the whole fault tree, in the same order.
+PathWalk::PathWalk(const std::shared_ptr<Event>& top, SurvivingTree& tree)
+    : mPlaces(top), mPaths(mPlaces), mIsErrorToTop(mPlaces.Count()), mTree(tree)
 {
-    const std::string& id = event->GetId();
-    Facts facts{TextHash::Continue(TextHash::START, id), 0, IsError(event->GetResult()),
-        id.find(MEMBER_SEPARATOR) != std::string::npos};
-    if (parent != SurvivingTree::NONE) {
-        facts.pathHash = TextHash::Continue(TextHash::Continue(mFacts[parent].pathHash, PATH_SEPARATOR), id);
-        facts.isErrorToTop = facts.isErrorToTop && mFacts[parent].isErrorToTop;
-        facts.holdsMemberSeparator = facts.holdsMemberSeparator || mFacts[parent].holdsMemberSeparator;
+    for (Index place = 0; place < mPlaces.Count(); ++place) {
+        const auto& [event, parent, end] = mPlaces.At(place);
+        mTree.AddPlace(*event, parent);
+        mIsErrorToTop[place] =
+            IsError((*event)->GetResult()) && (parent == FlatTree::NONE || mIsErrorToTop[parent]);
     }
-    const Index place = mTree.AddPlace(event, parent);
-    mFacts.push_back(facts);
-    if (const Gate* gate = GateOf(*event)) {
-        for (const auto& child : gate->GetEvents()) {
-            AddPlaces(child, place);
-        }
-    }
-    mFacts[place].end = static_cast<Index>(mFacts.size());
-}
-
-// Leaf by leaf, each with its way up: the first one with a path is the one that the path leads to.
-void PathWalk::IndexPaths()
-{
-    std::vector<bool> isIndexed(mFacts.size());
-    mPlaceOfPath.reserve(mFacts.size());
-    for (Index place = 0; place < mFacts.size(); ++place) {
-        if (mFacts[place].end != place + 1) {
-            continue;
-        }
-        for (Index above = place; above != SurvivingTree::NONE && !isIndexed[above];
-             above = mTree.GetPlaces()[above].parent) {
-            isIndexed[above] = true;
-            IndexPath(above);
-        }
-    }
-}
-
-void PathWalk::IndexPath(Index place)
-{
-    if (!mFacts[place].holdsMemberSeparator && FindOwnPath(place) == SurvivingTree::NONE) {
-        mPlaceOfPath.emplace(mFacts[place].pathHash, place);
-    }
-}
-
-SurvivingTree::Index PathWalk::Find(std::string_view path) const
-{
-    const auto [begin, end] = mPlaceOfPath.equal_range(TextHash::Continue(TextHash::START, path));
-    const auto found = std::find_if(begin, end, [&](const auto& entry) { return mTree.GetPath(entry.second) == path; });
-    return found == end ? SurvivingTree::NONE : found->second;
-}
-
-// As Find by the path of `place`, which is written out only where another place is met.
-SurvivingTree::Index PathWalk::FindOwnPath(Index place) const
-{
-    const auto [begin, end] = mPlaceOfPath.equal_range(mFacts[place].pathHash);
-    const auto found = std::find_if(begin, end, [&](const auto& entry) {
-        return entry.second == place || mTree.GetPath(entry.second) == mTree.GetPath(place);
-    });
-    return found == end ? SurvivingTree::NONE : found->second;
 }
 
 PathWalk::Outcome PathWalk::Enter(Index place, Index& branch)
 {
-    const Event& event = **mTree.GetPlaces()[place].event;
-    if (event.GetKind() != EventKind::INTERMEDIATE) {
+    if (mPlaces.GetEvent(place).GetKind() != EventKind::INTERMEDIATE) {
         return EnterLeaf(place, branch);
     }
-    const Gate* gate = GateOf(event);
+    const Gate* gate = mPlaces.GetGate(place);
     if (gate == nullptr) {
         return Outcome::EMPTY;
     }
@@ -108,24 +40,11 @@ PathWalk::Outcome PathWalk::Enter(Index place, Index& branch)
                      branch);
 }
 
-// The places that the path of `leaf` leads to; NONE among them where it leads nowhere.
-std::vector<SurvivingTree::Index> PathWalk::FindMembers(Index leaf) const
-{
-    if (!mFacts[leaf].holdsMemberSeparator) {
-        return {FindOwnPath(leaf)};
-    }
-    std::vector<Index> members;
-    for (const auto& member : StringUtil::Split(mTree.GetPath(leaf), MEMBER_SEPARATOR)) {
-        members.push_back(Find(member));
-    }
-    return members;
-}
-
 PathWalk::Outcome PathWalk::EnterLeaf(Index place, Index& branch)
 {
-    const std::vector<Index> members = FindMembers(place);
+    const std::vector<Index> members = mPaths.FindMembers(place);
     const bool qualifies = std::all_of(members.begin(), members.end(), [this](Index member) {
-        return member != SurvivingTree::NONE && mFacts[member].isErrorToTop;
+        return member != SurvivingTree::NONE && mIsErrorToTop[member];
     });
     if (!qualifies) {
         return Outcome::DEAD;
@@ -139,7 +58,7 @@ PathWalk::Outcome PathWalk::EnterGate(Index place, SurvivingTree::BranchKind kin
     Outcome outcome = Outcome::EMPTY;
     Index first = SurvivingTree::NONE;
     Index last = SurvivingTree::NONE;
-    for (Index child = place + 1; child != mFacts[place].end; child = mFacts[child].end) {
+    for (Index child = place + 1; child != mPlaces.At(place).end; child = mPlaces.At(child).end) {
         Index below = SurvivingTree::NONE;
         const Outcome ofChild = Enter(child, below);
         if (kind == SurvivingTree::BranchKind::OR) {

@@ -1,5 +1,6 @@
 #include "arborist/deduction/surviving_tree.h"
 
+#include "arborist/deduction/way_up.h"
 #include "arborist/model/event.h"
 
 SurvivingTree::Index SurvivingTree::AddPlace(const std::shared_ptr<Event>& event, Index parent)
@@ -43,13 +44,5 @@ const std::string& SurvivingTree::GetId(Index place) const
 
 std::string SurvivingTree::GetPath(Index place) const
 {
-    std::vector<Index> way;
-    for (Index above = place; above != NONE; above = mPlaces[above].parent) {
-        way.push_back(above);
-    }
-    std::string path = GetId(way.back());
-    for (auto below = way.rbegin() + 1; below != way.rend(); ++below) {
-        path.append("/").append(GetId(*below));
-    }
-    return path;
+    return PathTo(*this, place);
 }

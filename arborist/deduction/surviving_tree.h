@@ -69,6 +69,7 @@ public:
     const Branch& GetBranch(Index branch) const { return mBranches[branch]; }
     Index GetMember(std::size_t member) const { return mMembers[member]; }
     const std::string& GetId(Index place) const;
+    Index GetParent(Index place) const { return mPlaces[place].parent; }
     /// The ids from the top down to a place, joined by "/".
     std::string GetPath(Index place) const;
 

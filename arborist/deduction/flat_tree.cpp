@@ -1,0 +1,64 @@
+#include "arborist/deduction/flat_tree.h"
+
+#include <cstddef>
+
+#include "arborist/deduction/way_up.h"
+#include "arborist/model/event.h"
+#include "arborist/model/gate.h"
+
+namespace {
+
+// A gate that is being walked through.
+struct OpenGate {
+    const std::vector<std::shared_ptr<Event>>* events;
+    std::size_t next;
+    FlatTree::Index place;
+};
+
+} // namespace
+
+FlatTree::FlatTree(const std::shared_ptr<Event>& top)
+{
+    if (top == nullptr) {
+        return;
+    }
+    std::vector<OpenGate> open;
+    const auto enter = [&](const std::shared_ptr<Event>& event, Index parent) {
+        const auto place = Count();
+        Add(event, parent);
+        if (const Gate* gate = GetGate(place)) {
+            open.push_back({&gate->GetEvents(), 0, place});
+        }
+    };
+    enter(top, NONE);
+    while (!open.empty()) {
+        OpenGate& gate = open.back();
+        if (gate.next < gate.events->size()) {
+            enter((*gate.events)[gate.next++], gate.place); // may move what `gate` refers to
+        } else {
+            mPlaces[gate.place].end = Count();
+            open.pop_back();
+        }
+    }
+}
+
+void FlatTree::Add(const std::shared_ptr<Event>& event, Index parent)
+{
+    mPlaces.push_back({&event, parent, Count() + 1});
+}
+
+const Gate* FlatTree::GetGate(Index place) const
+{
+    const IntermediateEvent* intermediate = GetEvent(place).AsIntermediate();
+    return intermediate == nullptr ? nullptr : intermediate->GetGate().get();
+}
+
+const std::string& FlatTree::GetId(Index place) const
+{
+    return GetEvent(place).GetId();
+}
+
+std::string FlatTree::GetPath(Index place) const
+{
+    return PathTo(*this, place);
+}
