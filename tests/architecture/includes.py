@@ -72,7 +72,8 @@ STOREYS = [
         ["the ground"],
     ], {
         **files_in("the facade", "arborist frame/arborist frame/repair"),
-        **files_in("the records", "frame/detect_info frame/fault_tree_result frame/detection_observer"),
+        **files_in("the records", "frame/check frame/detect_info frame/fault_tree_result frame/detection_observer"
+                                  " frame/tree_verdict"),
         **files_in("the ground", "arborist_export frame/log frame/settings frame/fault_tree_prop_global"),
     }),
 ]

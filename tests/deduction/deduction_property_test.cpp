@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <random>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,118 +10,12 @@
 #include "arborist/frame/fault_tree_result.h"
 #include "arborist/frame/log.h"
 #include "tests/deduction/cause_text.h"
+#include "tests/deduction/random_tree.h"
 #include "tests/support/case_name.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/tree_builder.h"
 
 namespace {
-
-// How a random tree may look.
-struct TreeStyle {
-    const char* name;
-    /// Ids are drawn from these; empty: every event gets an id of its own.
-    std::vector<std::string> ids;
-    /// Out of 100.
-    unsigned inError;
-};
-
-class RandomTree {
-public:
-    RandomTree(unsigned seed, const TreeStyle& style) : mRandom(seed), mStyle(style) {}
-
-    std::shared_ptr<FaultTree> Make()
-    {
-        mEvents = 0;
-        return TreeOf(Intermediate(0));
-    }
-
-private:
-    unsigned Below(unsigned bound) { return std::uniform_int_distribution<unsigned>(0, bound - 1)(mRandom); }
-    bool Chance(unsigned percent) { return Below(100) < percent; }
-
-    std::string Id()
-    {
-        ++mEvents;
-        return mStyle.ids.empty() ? "E" + std::to_string(mEvents)
-                                  : mStyle.ids[Below(static_cast<unsigned>(mStyle.ids.size()))];
-    }
-
-    EventStatus Status()
-    {
-        if (Chance(mStyle.inError)) {
-            return Chance(90) ? EventStatus::TRUE : EventStatus::INTERMEDIATE_TRUE;
-        }
-        return Chance(80) ? EventStatus::FALSE : EventStatus::UNKNOWN;
-    }
-
-    std::shared_ptr<IntermediateEvent> Intermediate(unsigned depth)
-    {
-        auto event = Chance(40) ? Observable(Id(), Status(), nullptr) : Inner(Id(), nullptr);
-        if (depth == 0 || !Chance(6)) {
-            event->SetGate(AnyGate(depth));
-        }
-        return event;
-    }
-
-    std::shared_ptr<Gate> AnyGate(unsigned depth)
-    {
-        EventList events;
-        const unsigned count = Chance(8) ? 0 : 1 + Below(4);
-        for (unsigned event = 0; event < count; ++event) {
-            events.push_back(AnyEvent(depth + 1));
-        }
-        return Chance(50) ? std::shared_ptr<Gate>(Or(events)) : And(events);
-    }
-
-    std::shared_ptr<Event> AnyEvent(unsigned depth)
-    {
-        if (depth < 4 && Chance(50)) {
-            return Remembered(Intermediate(depth));
-        }
-        if (Chance(5)) {
-            return nullptr;
-        }
-        // The same object in another place.
-        if (!mMade.empty() && Chance(5)) {
-            return mMade[Below(static_cast<unsigned>(mMade.size()))];
-        }
-        if (Chance(10)) {
-            const auto event = Undeveloped(Id());
-            event->SetResult(Status());
-            return Remembered(event);
-        }
-        return Remembered(Leaf(Id(), Status()));
-    }
-
-    std::shared_ptr<Event> Remembered(const std::shared_ptr<Event>& event)
-    {
-        mMade.push_back(event);
-        return event;
-    }
-
-    std::mt19937 mRandom;
-    const TreeStyle& mStyle;
-    EventList mMade;
-    unsigned mEvents = 0;
-};
-
-// Combinations that the expansion would have at most.
-double ExpansionOf(const Event& event)
-{
-    const IntermediateEvent* intermediate = event.AsIntermediate();
-    if (intermediate == nullptr) {
-        return 1;
-    }
-    if (intermediate->GetGate() == nullptr) {
-        return 0;
-    }
-    const bool isOr = intermediate->GetGate()->GetKind() == GateKind::OR;
-    double count = isOr ? 0 : 1;
-    for (const auto& child : intermediate->GetGate()->GetEvents()) {
-        count = isOr ? count + ExpansionOf(*child) : count * std::max(1.0, ExpansionOf(*child));
-    }
-    return count;
-}
 
 // What one deduction leaves behind, as text.
 struct Outcome {
@@ -209,7 +102,6 @@ std::vector<std::string> ByMeaning(const FaultTree& tree)
 }
 
 class RandomTrees : public testing::TestWithParam<TreeStyle> {};
-void PrintTo(const TreeStyle& style, std::ostream* out) { *out << style.name; }
 
 TEST_P(RandomTrees, DeductionAgreesWithTheExpansion)
 {

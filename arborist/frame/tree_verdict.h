@@ -1,0 +1,55 @@
+#ifndef ARBORIST_FRAME_TREE_VERDICT_H
+#define ARBORIST_FRAME_TREE_VERDICT_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "arborist/arborist_export.h"
+#include "arborist/frame/check.h"
+
+namespace Evidence {
+
+/// What a detection may say of one tree, and what it rests on.
+///
+/// `isFault` says whether a root cause was found; that none was found is no proof where checks are open. The verdict
+/// is exact over all answers that the open checks could give, taken as independent of each other. Where two rest on
+/// one missing source, some of these answers may be impossible together: it then errs towards UNDECIDED.
+struct TreeVerdict {
+    enum class Word : unsigned char {
+        /// A root cause was found.
+        FAULT,
+        /// Open checks could make it a fault, or nothing was decided at all.
+        UNDECIDED,
+        /// At least one check was decided, and no answer of the open ones makes it a fault.
+        NO_FAULT,
+        /// No check applies to this device.
+        NOT_APPLICABLE,
+    };
+
+    /// A cut set that answers of open checks would add to the root causes.
+    struct PossibleCause {
+        /// Id of its first member, the event that the root cause would stand on.
+        std::string id;
+        /// The path of each member, ids from the top down joined by "/".
+        std::vector<std::string> cutSet;
+    };
+
+    Word word = Word::UNDECIDED;
+    /// Whether no answer of an open check could change the word or add a root cause.
+    bool isComplete = true;
+    /// The top event is true and no cut set explains it.
+    bool isTrueWithoutCause = false;
+    CheckCounts checks;
+    /// The first ones, in the order in which a detection would find them.
+    std::vector<PossibleCause> possibleCauses;
+    /// There are more than `possibleCauses` shows.
+    bool arePossibleCausesTruncated = false;
+};
+
+/// "fault", "undecided", "no_fault", "not_applicable".
+ARBORIST_EXPORT const char* TreeVerdictText(TreeVerdict::Word word);
+
+} // namespace Evidence
+
+#endif
