@@ -29,6 +29,10 @@ inline constexpr char CURRENT_TIME[] = "CurrentTime";
 /// databases. Repairs are written safely all the same.
 inline constexpr char TEMPORARY_STORES[] = "TemporaryStores";
 
+/// All of them.
+inline constexpr const char* ALL[] = {
+    APP_DATABASE_DIR, APP_FILE_DIR, VERSION_NAME, PROGRAM_DATA_DIR, DEVICE_ROOT_DIR, CURRENT_TIME, TEMPORARY_STORES};
+
 } // namespace Settings
 
 /// Sets one of the Settings, replacing its value. Call it before the detection that is to see it; nothing is locked.

@@ -6,8 +6,7 @@ namespace {
 
 void EmptyAll()
 {
-    for (const char* key : {Settings::APP_DATABASE_DIR, Settings::APP_FILE_DIR, Settings::VERSION_NAME,
-             Settings::PROGRAM_DATA_DIR, Settings::DEVICE_ROOT_DIR, Settings::CURRENT_TIME, Settings::TEMPORARY_STORES}) {
+    for (const char* key : Settings::ALL) {
         SetFaultTreeProperty(key, "");
     }
 }
