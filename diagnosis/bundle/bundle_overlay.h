@@ -6,8 +6,8 @@
 #include <string>
 
 #include "diagnosis/problem.h"
-#include "diagnosis/scratch/path_names.h"
 #include "diagnosis/scratch/scratch.h"
+#include "diagnosis/text/path_names.h"
 
 namespace diagnosis {
 

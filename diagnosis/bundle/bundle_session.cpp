@@ -6,22 +6,13 @@
 #include "diagnosis/archive/zip_reader.h"
 #include "diagnosis/bundle/bundle_file.h"
 #include "diagnosis/bundle/bundle_overlay.h"
-#include "diagnosis/bundle/library_log.h"
+#include "diagnosis/bundle/moment.h"
 
 namespace diagnosis {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-// Settings belong to the process: one bundle must not see those of the bundle before.
-void EmptySettings()
-{
-    for (const char* key : {Settings::APP_DATABASE_DIR, Settings::APP_FILE_DIR, Settings::VERSION_NAME,
-             Settings::PROGRAM_DATA_DIR, Settings::DEVICE_ROOT_DIR, Settings::CURRENT_TIME, Settings::TEMPORARY_STORES}) {
-        SetFaultTreeProperty(key, "");
-    }
-}
 
 // Many pack the folder and not what is in it: its one folder is the bundle then. All that may be meant.
 std::vector<std::string> FoldersWithBundleFile(const fs::path& unpacked)
@@ -48,16 +39,6 @@ std::string DataPath(const std::string& folder, const std::map<std::string, std:
 }
 
 } // namespace
-
-BundleSession::~BundleSession()
-{
-    EmptySettings();
-    ShowPathsInLibraryLog(nullptr);
-    if (!mFolderBefore.empty()) {
-        std::error_code ignored;
-        fs::current_path(mFolderBefore, ignored);
-    }
-}
 
 std::optional<Failure> BundleSession::Enter(const BundlePath& path, const BundleOverrides& overrides, BundleUse use)
 {
@@ -110,7 +91,7 @@ std::optional<Failure> BundleSession::EnterFolder(const BundlePath& path, const 
     mBundle.now = overrides.now.empty() ? mBundle.now : overrides.now;
     mBundle.tz = overrides.tz.empty() ? mBundle.tz : overrides.tz;
     mBundle.ruleFileDir = overrides.rules.empty() ? mBundle.ruleFileDir : overrides.rules;
-    mZone = std::make_unique<TimeZoneGuard>(mBundle.tz);
+    mZone.emplace(mBundle.tz);
     if (auto failure = SetMoment()) {
         return failure;
     }
@@ -122,13 +103,10 @@ std::optional<Failure> BundleSession::EnterFolder(const BundlePath& path, const 
             return Failure{failure->code, mNames.Shown(failure->message), failure->status};
         }
     }
-    const std::string before = fs::current_path(error).string();
-    fs::current_path(path.absolute, error);
-    if (error) {
-        return Failure{"no_bundle", path.given + ": can't be entered: " + error.message()};
+    if (const std::error_code reason = mDirectory.Enter(path.absolute)) {
+        return Failure{"no_bundle", path.given + ": can't be entered: " + reason.message()};
     }
-    mFolderBefore = before;
-    ShowPathsInLibraryLog(&mNames);
+    mPathsShown.Show(mNames);
     SetSettings();
     return std::nullopt;
 }
@@ -146,15 +124,13 @@ std::optional<Failure> BundleSession::SetMoment()
     return std::nullopt;
 }
 
-void BundleSession::SetSettings() const
+void BundleSession::SetSettings()
 {
-    EmptySettings();
-    for (const auto& [key, value] : mSettings) {
-        SetFaultTreeProperty(key, value);
-    }
-    SetFaultTreeProperty(Settings::CURRENT_TIME, mMoment ? std::to_string(*mMoment) : "");
+    auto settings = mSettings;
+    settings[Settings::CURRENT_TIME] = mMoment ? std::to_string(*mMoment) : "";
     // What a detection writes goes with the folder for temporary files.
-    SetFaultTreeProperty(Settings::TEMPORARY_STORES, mScratch.IsMade() ? "1" : "");
+    settings[Settings::TEMPORARY_STORES] = mScratch.IsMade() ? "1" : "";
+    mSettingsInForce.Set(settings);
 }
 
 std::shared_ptr<DetectInfo> BundleSession::MakeDetectInfo() const

@@ -9,10 +9,11 @@
 #include <vector>
 
 #include "diagnosis/bundle/bundle.h"
-#include "diagnosis/bundle/moment.h"
 #include "diagnosis/problem.h"
-#include "diagnosis/scratch/path_names.h"
+#include "diagnosis/process/library_log.h"
+#include "diagnosis/process/process_state.h"
 #include "diagnosis/scratch/scratch.h"
+#include "diagnosis/text/path_names.h"
 
 struct DetectInfo;
 
@@ -35,7 +36,6 @@ enum class BundleUse { RUN, RECORD };
 class BundleSession {
 public:
     BundleSession() = default;
-    ~BundleSession();
     BundleSession(const BundleSession&) = delete;
     BundleSession& operator=(const BundleSession&) = delete;
 
@@ -67,7 +67,7 @@ private:
     std::optional<Failure> Unpack(const BundlePath& path);
     std::optional<Failure> EnterFolder(const BundlePath& path, const BundleOverrides& overrides, BundleUse use);
     std::optional<Failure> SetMoment();
-    void SetSettings() const;
+    void SetSettings();
 
     Scratch mScratch;
     PathNames mNames;
@@ -76,9 +76,11 @@ private:
     std::map<std::string, std::string> mSettings;
     std::vector<Warning> mWarnings;
     std::string mFolder;
-    std::string mFolderBefore;
-    std::unique_ptr<TimeZoneGuard> mZone;
     std::optional<std::int64_t> mMoment;
+    std::optional<TimeZoneGuard> mZone;
+    WorkingDirectory mDirectory;
+    PathsShown mPathsShown;
+    SettingsInForce mSettingsInForce;
 };
 
 } // namespace diagnosis

@@ -167,16 +167,6 @@ std::optional<std::tm> ParseDate(const std::string& text)
     return IsInCalendar(date) ? std::optional(date) : std::nullopt;
 }
 
-void SetZone(const std::optional<std::string>& zone)
-{
-    if (zone) {
-        setenv("TZ", zone->c_str(), 1);
-    } else {
-        unsetenv("TZ");
-    }
-    tzset();
-}
-
 } // namespace
 
 bool IsTimeZone(const std::string& zone)
@@ -237,23 +227,6 @@ std::optional<std::string> FormatMoment(std::int64_t seconds)
     std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", date.tm_year + 1900, date.tm_mon + 1,
         date.tm_mday, date.tm_hour, date.tm_min, date.tm_sec);
     return text;
-}
-
-TimeZoneGuard::TimeZoneGuard(const std::string& zone) : mIsChanged(!zone.empty())
-{
-    if (mIsChanged) {
-        if (const char* before = std::getenv("TZ")) {
-            mBefore = before;
-        }
-        SetZone(zone);
-    }
-}
-
-TimeZoneGuard::~TimeZoneGuard()
-{
-    if (mIsChanged) {
-        SetZone(mBefore);
-    }
 }
 
 } // namespace diagnosis

@@ -26,19 +26,6 @@ bool IsMomentText(const std::string& text);
 /// Local time as "YYYY-MM-DD HH:MM:SS"; nothing outside the years 0 to 9999.
 std::optional<std::string> FormatMoment(std::int64_t seconds);
 
-/// Puts a time zone in force for the whole process while it lives. The empty text leaves the zone alone.
-class TimeZoneGuard {
-public:
-    explicit TimeZoneGuard(const std::string& zone);
-    ~TimeZoneGuard();
-    TimeZoneGuard(const TimeZoneGuard&) = delete;
-    TimeZoneGuard& operator=(const TimeZoneGuard&) = delete;
-
-private:
-    bool mIsChanged;
-    std::optional<std::string> mBefore;
-};
-
 } // namespace diagnosis
 
 #endif

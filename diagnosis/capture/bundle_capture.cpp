@@ -10,6 +10,7 @@
 #include "diagnosis/archive/zip_writer.h"
 #include "diagnosis/bundle/bundle_overlay.h"
 #include "diagnosis/bundle/repair_records.h"
+#include "diagnosis/bundle/moment.h"
 #include "diagnosis/bundle/rule_paths.h"
 #include "diagnosis/capture/captured_files.h"
 #include "diagnosis/detection/detection.h"

@@ -18,7 +18,8 @@
 #include <sys/prctl.h>
 #endif
 
-#include "diagnosis/scratch/interruption.h"
+#include "diagnosis/process/interruption.h"
+#include "diagnosis/process/signals.h"
 
 namespace diagnosis {
 
@@ -54,26 +55,14 @@ File FileWith(const std::string& input)
     return file;
 }
 
-/// SIGCHLD is held back while it lives, so that the end of a child can be waited for with a limit.
+/// Lets the end of a child be waited for with a limit, while it lives.
 class ChildSignal {
 public:
     ChildSignal()
     {
-        sigemptyset(&mSignals);
-        sigaddset(&mSignals, SIGCHLD);
-        sigprocmask(SIG_BLOCK, &mSignals, &mMaskBefore);
         // Children of a process that ignores the signal leave no exit status behind.
-        struct sigaction byDefault = {};
-        byDefault.sa_handler = SIG_DFL;
-        sigaction(SIGCHLD, &byDefault, &mActionBefore);
+        mActions.Handle(SIGCHLD, SIG_DFL);
     }
-    ~ChildSignal()
-    {
-        sigaction(SIGCHLD, &mActionBefore, nullptr);
-        sigprocmask(SIG_SETMASK, &mMaskBefore, nullptr);
-    }
-    ChildSignal(const ChildSignal&) = delete;
-    ChildSignal& operator=(const ChildSignal&) = delete;
 
     void WaitUntil(Clock::time_point end) const
     {
@@ -82,22 +71,24 @@ public:
         timespec time = {};
         time.tv_sec = seconds.count();
         time.tv_nsec = std::chrono::duration_cast<std::chrono::nanoseconds>(left - seconds).count();
-        sigtimedwait(&mSignals, nullptr, &time);
+        sigset_t signals;
+        sigemptyset(&signals);
+        sigaddset(&signals, SIGCHLD);
+        sigtimedwait(&signals, nullptr, &time);
     }
-    const sigset_t& MaskBefore() const { return mMaskBefore; }
+    const SignalsHeldBack& HeldBack() const { return mHeldBack; }
 
 private:
-    sigset_t mSignals = {};
-    sigset_t mMaskBefore = {};
-    struct sigaction mActionBefore = {};
+    SignalsHeldBack mHeldBack{{SIGCHLD}};
+    SignalActions mActions;
 };
 
-/// What becomes a program: its file, its standard input, where a failure to start is told, and its signal mask.
+/// What becomes a program: its file, its standard input, where a failure to start is told, and the signals that it is to get.
 struct Child {
     const char* path;
     int input;
     int report;
-    const sigset_t& mask;
+    const SignalsHeldBack& signals;
 };
 
 // Between fork and exec: nothing here may take a lock or memory.
@@ -108,7 +99,7 @@ struct Child {
     prctl(PR_SET_PDEATHSIG, SIGKILL); // outside our group no key stroke reaches it: it must not outlive us
 #endif
     signal(SIGPIPE, SIG_DFL);
-    sigprocmask(SIG_SETMASK, &child.mask, nullptr);
+    child.signals.LetIn();
     if (dup2(child.input, STDIN_FILENO) >= 0 && dup2(STDERR_FILENO, STDOUT_FILENO) >= 0) {
         char* const arguments[] = {const_cast<char*>(child.path), nullptr};
         execv(child.path, arguments);
@@ -210,7 +201,7 @@ ProgramOutcome RunProgram(const std::string& path, const std::string& input, std
     }
     const ChildSignal signal;
     Interruption interruption;
-    const pid_t child = Start({path.c_str(), fileno(file.get()), report[1], signal.MaskBefore()}, interruption);
+    const pid_t child = Start({path.c_str(), fileno(file.get()), report[1], signal.HeldBack()}, interruption);
     const int forkReason = errno;
     close(report[1]);
     if (child < 0) {

@@ -6,6 +6,7 @@
 #include <regex>
 
 #include "arborist/frame/arborist.h"
+#include "diagnosis/bundle/moment.h"
 #include "diagnosis/bundle/rule_paths.h"
 #include "diagnosis/detection/bad_pattern.h"
 #include "diagnosis/evidence/explanation_recorder.h"

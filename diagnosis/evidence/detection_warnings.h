@@ -7,8 +7,8 @@
 
 #include "arborist/frame/detection_observer.h"
 #include "diagnosis/bundle/bundle_session.h"
-#include "diagnosis/bundle/library_log.h"
 #include "diagnosis/evidence/warning_list.h"
+#include "diagnosis/process/library_log.h"
 
 namespace diagnosis {
 

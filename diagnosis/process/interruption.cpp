@@ -1,18 +1,18 @@
-#include "diagnosis/scratch/interruption.h"
+#include "diagnosis/process/interruption.h"
 
 #include <climits>
 #include <cstring>
-#include <iterator>
+#include <optional>
 
 #include <unistd.h>
 
-#include "diagnosis/scratch/tree_removal.h"
+#include "diagnosis/process/signals.h"
+#include "diagnosis/process/tree_removal.h"
 
 namespace diagnosis {
 
 namespace {
 
-constexpr int SIGNALS[] = {SIGHUP, SIGINT, SIGPIPE, SIGTERM};
 // A capture of a log that has to be copied takes four.
 constexpr int SLOTS = 8;
 
@@ -23,7 +23,7 @@ struct Slot {
     char folder[PATH_MAX];
 };
 Slot slots[SLOTS];
-struct sigaction actionsBefore[std::size(SIGNALS)];
+std::optional<SignalActions> listening;
 int usedSlots = 0;
 
 void TidyUpAndEnd(int number)
@@ -43,22 +43,10 @@ void TidyUpAndEnd(int number)
 
 void ListenToSignals()
 {
-    struct sigaction action = {};
-    action.sa_handler = TidyUpAndEnd;
-    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
-    for (std::size_t i = 0; i < std::size(SIGNALS); ++i) {
-        sigaction(SIGNALS[i], nullptr, &actionsBefore[i]);
-        if (actionsBefore[i].sa_handler == SIG_DFL) {
-            sigaction(SIGNALS[i], &action, nullptr);
-        }
-    }
-}
-
-void StopListening()
-{
-    for (std::size_t i = 0; i < std::size(SIGNALS); ++i) {
-        if (actionsBefore[i].sa_handler == SIG_DFL) {
-            sigaction(SIGNALS[i], &actionsBefore[i], nullptr);
+    listening.emplace();
+    for (const int number : ENDING_SIGNALS) {
+        if (CurrentHandler(number) == SIG_DFL) {
+            listening->Handle(number, TidyUpAndEnd, static_cast<int>(SA_RESETHAND | SA_NODEFER));
         }
     }
 }
@@ -101,25 +89,10 @@ void Interruption::Forget()
     if (mSlot >= 0 && slots[mSlot].owner == getpid()) {
         slots[mSlot].owner = 0;
         if (--usedSlots == 0) {
-            StopListening();
+            listening.reset();
         }
     }
     mSlot = -1;
-}
-
-SignalsHeldBack::SignalsHeldBack()
-{
-    sigset_t signals;
-    sigemptyset(&signals);
-    for (const int number : SIGNALS) {
-        sigaddset(&signals, number);
-    }
-    sigprocmask(SIG_BLOCK, &signals, &mMaskBefore);
-}
-
-SignalsHeldBack::~SignalsHeldBack()
-{
-    sigprocmask(SIG_SETMASK, &mMaskBefore, nullptr);
 }
 
 } // namespace diagnosis

@@ -1,4 +1,4 @@
-#include "diagnosis/scratch/tree_removal.h"
+#include "diagnosis/process/tree_removal.h"
 
 #include <cstring>
 

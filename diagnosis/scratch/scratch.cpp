@@ -7,7 +7,8 @@
 
 #include <unistd.h>
 
-#include "diagnosis/scratch/tree_removal.h"
+#include "diagnosis/process/signals.h"
+#include "diagnosis/process/tree_removal.h"
 
 namespace diagnosis {
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "diagnosis/problem.h"
-#include "diagnosis/scratch/interruption.h"
+#include "diagnosis/process/interruption.h"
 
 namespace diagnosis {
 

@@ -59,7 +59,9 @@ STOREYS = [
         ["log_db"],
         ["bundle"],
         ["archive", "sqlite"],
-        ["text", "scratch"],
+        ["scratch"],
+        ["process"],
+        ["text"],
         ["the ground"],
     ], files_in("the ground", "problem exit_status")),
     Storey("arborist", [

@@ -1,9 +1,8 @@
 #include "diagnosis/bundle/moment.h"
 
-#include <cstdlib>
-
 #include <gtest/gtest.h>
 
+#include "diagnosis/process/process_state.h"
 #include "tests/support/case_name.h"
 
 namespace {
@@ -61,18 +60,6 @@ TEST(MomentTest, WhatIsNoMomentIsNone)
     EXPECT_TRUE(IsMomentText("2024-02-29 00:00:00"));
     EXPECT_EQ(FormatMoment(INT64_MAX), std::nullopt);
     EXPECT_EQ(FormatMoment(253402300800), std::nullopt) << "the year 10000";
-}
-
-TEST(MomentTest, TheGuardGivesTheZoneBack)
-{
-    const std::string before = std::getenv("TZ") == nullptr ? "" : std::getenv("TZ");
-    {
-        const TimeZoneGuard zone("UTC");
-        EXPECT_EQ(FormatMoment(0), "1970-01-01 00:00:00");
-        const TimeZoneGuard same("");
-        EXPECT_EQ(FormatMoment(0), "1970-01-01 00:00:00");
-    }
-    EXPECT_EQ(std::getenv("TZ") == nullptr ? "" : std::getenv("TZ"), before);
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "diagnosis/scratch/path_names.h"
+#include "diagnosis/text/path_names.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,6 @@
 #include "tools/arborist/batch/batch.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -16,6 +15,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include "diagnosis/process/signals.h"
 #include "diagnosis/scratch/scratch.h"
 #include "tools/arborist/batch/processors.h"
 #include "tools/arborist/batch/worker.h"
@@ -36,38 +36,18 @@ public:
     EndingSignals()
     {
         caughtSignal = 0;
-        struct sigaction action = {};
-        action.sa_handler = [](int number) { caughtSignal = number; };
-        sigset_t blocked;
-        sigemptyset(&blocked);
-        for (std::size_t i = 0; i < NUMBERS.size(); ++i) {
-            if (NUMBERS[i] != SIGPIPE) {
-                sigaddset(&blocked, NUMBERS[i]);
-            }
-            sigaction(NUMBERS[i], nullptr, &mBefore[i]);
-            if (mBefore[i].sa_handler != SIG_IGN) { // nohup stays in force
-                sigaction(NUMBERS[i], &action, nullptr);
+        for (const int number : ENDING_SIGNALS) {
+            if (CurrentHandler(number) != SIG_IGN) { // nohup stays in force
+                mActions.Handle(number, [](int caught) { caughtSignal = caught; });
             }
         }
-        sigprocmask(SIG_BLOCK, &blocked, &mMaskBefore);
     }
-    ~EndingSignals()
-    {
-        for (std::size_t i = 0; i < NUMBERS.size(); ++i) {
-            sigaction(NUMBERS[i], &mBefore[i], nullptr);
-        }
-        sigprocmask(SIG_SETMASK, &mMaskBefore, nullptr);
-    }
-    EndingSignals(const EndingSignals&) = delete;
-    EndingSignals& operator=(const EndingSignals&) = delete;
 
-    const sigset_t& MaskBefore() const { return mMaskBefore; }
+    const SignalsHeldBack& HeldBack() const { return mHeldBack; }
 
 private:
-    static constexpr std::array NUMBERS = {SIGHUP, SIGINT, SIGPIPE, SIGTERM};
-
-    std::array<struct sigaction, NUMBERS.size()> mBefore = {};
-    sigset_t mMaskBefore = {};
+    SignalsHeldBack mHeldBack{{SIGHUP, SIGINT, SIGTERM}};
+    SignalActions mActions;
 };
 
 /// Process groups of the programs that the workers run, in memory that all processes share.
@@ -145,8 +125,8 @@ std::string InSeconds(std::chrono::milliseconds time)
 class Batch {
 public:
     Batch(const std::vector<BundlePath>& bundles, const BatchWork& work, const BatchOptions& options,
-        const sigset_t& mask, const std::string& folder)
-        : mBundles(bundles), mWork(work), mOptions(options), mSetup{bundles, work, mask},
+        const SignalsHeldBack& signals, const std::string& folder)
+        : mBundles(bundles), mWork(work), mOptions(options), mSetup{bundles, work, signals},
           mGroups(std::max<std::size_t>(1, std::min(options.jobs, bundles.size()))), mProgress(bundles.size())
     {
         const auto processors = ProcessorsOf(std::min(options.jobs, bundles.size()));
@@ -235,7 +215,7 @@ private:
         timespec time = {};
         time.tv_sec = seconds.count();
         time.tv_nsec = std::chrono::duration_cast<std::chrono::nanoseconds>(left - seconds).count();
-        const int ready = ppoll(sockets.data(), sockets.size(), &time, &mSetup.mask);
+        const int ready = ppoll(sockets.data(), sockets.size(), &time, &mSetup.signals.MaskBefore());
         for (std::size_t i = 0; i < mWorkers.size(); ++i) {
             if (ready > 0 && sockets[i].revents != 0) {
                 Receive(*mWorkers[i]);
@@ -310,7 +290,7 @@ ExitStatus RunBatch(const std::vector<BundlePath>& bundles, const BatchWork& wor
             PrintError(failure->message);
             return failure->status;
         }
-        status = Batch(bundles, work, options, signals.MaskBefore(), folder.Path()).Run();
+        status = Batch(bundles, work, options, signals.HeldBack(), folder.Path()).Run();
     }
     if (caughtSignal != 0) {
         raise(caughtSignal); // ends as it would have without the tidying up

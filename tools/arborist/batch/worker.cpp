@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -16,6 +17,7 @@
 #endif
 
 #include "diagnosis/detection/code_program.h"
+#include "diagnosis/process/process_state.h"
 #include "tools/arborist/batch/processors.h"
 
 namespace diagnosis::command {
@@ -63,7 +65,7 @@ std::string Packed(const BundleAnswer& answer)
 }
 
 // What the batch listens to is its own affair, and standard input and output are.
-void BecomeWorker(const WorkerPlace& place, const sigset_t& mask)
+void BecomeWorker(const WorkerPlace& place, const SignalsHeldBack& signals)
 {
     setpgid(0, 0); // a key stroke reaches the batch alone, which then ends its workers
 #if defined(__linux__)
@@ -74,8 +76,8 @@ void BecomeWorker(const WorkerPlace& place, const sigset_t& mask)
     }
     signal(SIGPIPE, SIG_IGN); // a reader of messages who left costs no bundle
     signal(SIGTTOU, SIG_IGN); // it may still write to the terminal
-    sigprocmask(SIG_SETMASK, &mask, nullptr);
-    setenv("TMPDIR", place.folder.c_str(), 1);
+    signals.LetIn();
+    KeepTemporaryFilesIn(place.folder);
     if (place.processor) {
         StayOn(*place.processor);
     }
@@ -115,7 +117,7 @@ bool Worker::Start(const std::vector<int>& others)
     mProcess = fork();
     if (mProcess == 0) {
         close(sockets[0]);
-        BecomeWorker(mPlace, mSetup.mask);
+        BecomeWorker(mPlace, mSetup.signals);
         if (getppid() != batch) {
             _exit(1); // it died before it could be watched
         }

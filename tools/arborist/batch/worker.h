@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include <csignal>
 #include <sys/types.h>
 
+#include "diagnosis/process/signals.h"
 #include "tools/arborist/batch/batch.h"
 
 namespace diagnosis::command {
@@ -19,8 +19,8 @@ namespace diagnosis::command {
 struct WorkerSetup {
     const std::vector<BundlePath>& bundles;
     const BatchWork& work;
-    /// The signal mask of the process before the batch.
-    sigset_t mask;
+    /// What the batch keeps from the process while it works; its workers get it.
+    const SignalsHeldBack& signals;
 };
 
 /// What is one worker's own.

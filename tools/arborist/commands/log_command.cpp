@@ -6,6 +6,7 @@
 #include "diagnosis/bundle/moment.h"
 #include "diagnosis/log_db/import_log.h"
 #include "diagnosis/log_db/slice_log.h"
+#include "diagnosis/process/process_state.h"
 #include "diagnosis/results/log_json.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/shared_options.h"

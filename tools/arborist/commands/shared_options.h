@@ -5,8 +5,8 @@
 #include <string>
 
 #include "diagnosis/bundle/bundle_session.h"
-#include "diagnosis/bundle/library_log.h"
 #include "diagnosis/detection/detection.h"
+#include "tools/arborist/terminal/library_log.h"
 
 namespace CLI {
 class App;

@@ -1,36 +1,29 @@
-#include "diagnosis/bundle/library_log.h"
+#include "tools/arborist/terminal/library_log.h"
 
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <new>
-#include <string_view>
-#include <vector>
 
 #include <sys/mman.h>
 
 #include "arborist/frame/log.h"
-#include "diagnosis/scratch/path_names.h"
+#include "diagnosis/process/library_log.h"
 
-namespace diagnosis {
+namespace diagnosis::command {
 
 namespace {
 
 constexpr const char* LEVEL_WORDS[] = {"trace", "debug", "info", "warn", "error", "fatal", "none"};
-// The tags of the library's own logger, so that a log reads the same wherever it was taken.
-constexpr const char* LEVEL_TAGS[] = {"[TRACE] ", "[DEBUG] ", "[INFO] ", "[WARN] ", "[ERROR] ", "[FATAL] "};
-
-const PathNames* pathNames = nullptr;
 
 struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
 using File = std::unique_ptr<std::FILE, FileCloser>;
-
-LogListener* listener = nullptr;
 
 // The file as it was given, and why a line could not be written, in memory that forks of the process share; 0 while
 // all could be.
@@ -44,34 +37,16 @@ std::atomic<int>* SharedNumber()
     return memory == MAP_FAILED ? throw std::bad_alloc() : new (memory) std::atomic<int>(0);
 }
 
-// Every line is "FUNc:function: message".
-void Tell(LogListener& to, const std::string& line)
-{
-    static constexpr std::string_view HEAD = "FUNc:";
-    const auto start = line.find(HEAD);
-    const auto end = line.find(": ", start);
-    if (start != std::string::npos && end != std::string::npos) {
-        const auto function = start + HEAD.size();
-        to.OnLine(line.substr(function, end - function), line.substr(end + 2, line.size() - end - 3));
-    }
-}
-
-class LevelLogger : public FT::ILogger {
+/// Lines from a level on to standard error, and all lines to a file, where there is one.
+class ScreenAndFile : public LogSink {
 public:
-    LevelLogger(int level, File file) : mLevel(level), mFile(std::move(file)) {}
+    ScreenAndFile(int level, File file) : mLevel(level), mFile(std::move(file)) {}
 
-    void Print(unsigned int level, const std::string& format, va_list args) override
+    bool IsWanted(unsigned int level) const override { return mFile != nullptr || IsForScreen(level); }
+
+    void OnLine(unsigned int level, const std::string& line) override
     {
-        const bool isForScreen = static_cast<int>(level) >= mLevel;
-        const bool isListenedTo = listener != nullptr && listener->IsWanted(level, format);
-        if (!isForScreen && mFile == nullptr && !isListenedTo) {
-            return;
-        }
-        const std::string line = Line(level, format, args);
-        if (isListenedTo) {
-            Tell(*listener, line);
-        }
-        if (isForScreen) {
+        if (IsForScreen(level)) {
             std::fwrite(line.data(), 1, line.size(), stderr);
         }
         if (mFile != nullptr) {
@@ -80,6 +55,8 @@ public:
     }
 
 private:
+    bool IsForScreen(unsigned int level) const { return static_cast<int>(level) >= mLevel; }
+
     void WriteToFile(const std::string& line)
     {
         errno = 0;
@@ -90,39 +67,11 @@ private:
         }
     }
 
-    static std::string Line(unsigned int level, const std::string& format, va_list args)
-    {
-        std::string line = std::string("[") + (level < std::size(LEVEL_TAGS) ? LEVEL_TAGS[level] : "") + "]:";
-        va_list again;
-        va_copy(again, args);
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral" // checked where the library logs
-        const int length = std::vsnprintf(nullptr, 0, format.c_str(), args);
-        if (length > 0) {
-            std::vector<char> text(static_cast<std::size_t>(length) + 1);
-            std::vsnprintf(text.data(), text.size(), format.c_str(), again);
-            line.append(text.data(), static_cast<std::size_t>(length));
-        }
-#pragma GCC diagnostic pop
-        va_end(again);
-        return (pathNames == nullptr ? line : pathNames->Shown(line)) + "\n";
-    }
-
     int mLevel;
     File mFile;
 };
 
 } // namespace
-
-LogListener::LogListener()
-{
-    listener = this;
-}
-
-LogListener::~LogListener()
-{
-    listener = nullptr;
-}
 
 std::optional<int> LogLevelOf(const std::string& word)
 {
@@ -149,7 +98,7 @@ std::optional<std::string> OpenLibraryLog(const LogOptions& options)
     }
     const std::string word = !options.level.empty() ? options.level : file == nullptr ? "error" : "none";
     const int level = LogLevelOf(word).value_or(FT::LEVEL_ERROR);
-    FT::Log::GetInstance().SetUserLogger(std::make_unique<LevelLogger>(level, std::move(file)));
+    SendLibraryLogTo(std::make_unique<ScreenAndFile>(level, std::move(file)));
     return std::nullopt;
 }
 
@@ -159,9 +108,4 @@ std::optional<std::string> LibraryLogProblem()
     return reason == 0 ? std::nullopt : std::optional(fileName + ": can't be written: " + std::strerror(reason));
 }
 
-void ShowPathsInLibraryLog(const PathNames* names)
-{
-    pathNames = names;
-}
-
-} // namespace diagnosis
+} // namespace diagnosis::command

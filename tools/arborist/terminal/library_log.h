@@ -1,12 +1,10 @@
-#ifndef ARBORIST_DIAGNOSIS_BUNDLE_LIBRARY_LOG_H
-#define ARBORIST_DIAGNOSIS_BUNDLE_LIBRARY_LOG_H
+#ifndef ARBORIST_TOOLS_TERMINAL_LIBRARY_LOG_H
+#define ARBORIST_TOOLS_TERMINAL_LIBRARY_LOG_H
 
 #include <optional>
 #include <string>
 
-namespace diagnosis {
-
-class PathNames;
+namespace diagnosis::command {
 
 /// Where the library's log goes: standard output belongs to results, so never there.
 struct LogOptions {
@@ -25,23 +23,6 @@ std::optional<std::string> OpenLibraryLog(const LogOptions& options);
 /// Why some line could not be written into the file, in this process or one that was forked from it.
 std::optional<std::string> LibraryLogProblem();
 
-/// Lets the log name paths as `names` shows them, which must live until the next call; null for as they are.
-void ShowPathsInLibraryLog(const PathNames* names);
-
-/// Hears lines of the library's log beside where they go, while it lives. One at a time, after OpenLibraryLog.
-class LogListener {
-public:
-    LogListener();
-    virtual ~LogListener();
-    LogListener(const LogListener&) = delete;
-    LogListener& operator=(const LogListener&) = delete;
-
-    /// Whether lines of this format are worth making up. Asked for every line: it must be quick.
-    virtual bool IsWanted(unsigned int level, const std::string& format) const = 0;
-    /// `function` is the one that logs, `message` what stands behind it.
-    virtual void OnLine(const std::string& function, const std::string& message) = 0;
-};
-
-} // namespace diagnosis
+} // namespace diagnosis::command
 
 #endif

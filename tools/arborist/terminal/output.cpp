@@ -5,8 +5,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "diagnosis/bundle/library_log.h"
 #include "diagnosis/text/printable.h"
+#include "tools/arborist/terminal/library_log.h"
 
 namespace diagnosis::command {
 

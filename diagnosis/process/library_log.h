@@ -1,0 +1,54 @@
+#ifndef ARBORIST_DIAGNOSIS_PROCESS_LIBRARY_LOG_H
+#define ARBORIST_DIAGNOSIS_PROCESS_LIBRARY_LOG_H
+
+#include <memory>
+#include <string>
+
+namespace diagnosis {
+
+class PathNames;
+
+/// Takes lines of the library's log as texts.
+class LogSink {
+public:
+    virtual ~LogSink() = default;
+
+    /// Whether lines of this FT::LogLevel are worth making up.
+    virtual bool IsWanted(unsigned int level) const = 0;
+    /// `line` is "[[LEVEL] ]:" and the message with a line end, as the library's own logger prints it; paths in it are
+    /// named as PathsShown says.
+    virtual void OnLine(unsigned int level, const std::string& line) = 0;
+};
+
+/// Sends the library's log to `sink`, for the rest of the process or until the next call.
+void SendLibraryLogTo(std::unique_ptr<LogSink> sink);
+
+/// Lets the log name paths in another way while it lives. One at a time.
+class PathsShown {
+public:
+    PathsShown() = default;
+    ~PathsShown();
+    PathsShown(const PathsShown&) = delete;
+    PathsShown& operator=(const PathsShown&) = delete;
+
+    /// `names` must outlive this object.
+    void Show(const PathNames& names);
+};
+
+/// Hears lines of the library's log beside where they go, while it lives. One at a time, after SendLibraryLogTo.
+class LogListener {
+public:
+    LogListener();
+    virtual ~LogListener();
+    LogListener(const LogListener&) = delete;
+    LogListener& operator=(const LogListener&) = delete;
+
+    /// Whether lines of this format are worth making up. Asked for every line: it must be quick.
+    virtual bool IsWanted(unsigned int level, const std::string& format) const = 0;
+    /// `function` is the one that logs, `message` what stands behind it.
+    virtual void OnLine(const std::string& function, const std::string& message) = 0;
+};
+
+} // namespace diagnosis
+
+#endif
