@@ -29,7 +29,7 @@ inline constexpr char CURRENT_TIME[] = "CurrentTime";
 /// databases. Repairs are written safely all the same.
 inline constexpr char TEMPORARY_STORES[] = "TemporaryStores";
 
-/// All of them.
+/// The keys of all settings. Whoever sets some for a while empties all of these, so that a later detection sees none.
 inline constexpr const char* ALL[] = {
     APP_DATABASE_DIR, APP_FILE_DIR, VERSION_NAME, PROGRAM_DATA_DIR, DEVICE_ROOT_DIR, CURRENT_TIME, TEMPORARY_STORES};
 

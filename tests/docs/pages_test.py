@@ -43,6 +43,16 @@ class PagesTest(unittest.TestCase):
                         faults.append(f"{page.name}:{line}: {error}")
         self.assertEqual(faults, [])
 
+    def test_every_setting_is_listed_and_has_its_row(self):
+        header = (pages.ROOT / "arborist" / "frame" / "settings.h").read_text()
+        keys = re.findall(r'inline constexpr char (\w+)\[\] = "(\w+)"', header)
+        listed = re.search(r"ALL\[\] = \{([^}]*)\}", header)[1].replace(",", " ").split()
+        self.assertGreater(len(keys), 5)
+        self.assertEqual(sorted(listed), sorted(name for name, _ in keys))
+        rows = [tuple(cell.strip("`") for cell in cells[:2])
+                for cells in pages.table_rows((pages.DOCS / "embedding.md").read_text())]
+        self.assertEqual([key for key in keys if key not in rows], [])
+
 
 class ReaderTest(unittest.TestCase):
     def test_anchors_follow_the_headings(self):
