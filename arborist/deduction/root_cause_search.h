@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "arborist/deduction/minimal_cutset_parser.h"
+#include "arborist/deduction/cut_set.h"
 
 class FaultTree;
 class RootCause;

@@ -56,7 +56,8 @@ class CheckTest(unittest.TestCase):
         self.assert_faults(
             ("arborist/model/gate.h", "arborist/loading/tree_parser.h"),
             ("arborist/loading/tree_parser.cpp", "arborist/stores/event_log/log_event.h"),
-            ("arborist/evaluation/rule_engine.cpp", "arborist/deduction/cause_node.h"),
+            ("arborist/evaluation/rule_engine.cpp", "arborist/deduction/root_cause.h"),
+            ("arborist/frame/arborist.cpp", "arborist/deduction/plain/cause_node.h"),
             ("arborist/utilities/file_util.cpp", "arborist/model/gate.h"),
             ("arborist/stores/sql/sql_table.h", "arborist/utilities/file_util.h"),
             ("arborist/stores/sql/sql_table.h", "arborist/stores/event_log/log_event.h"),

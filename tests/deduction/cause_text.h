@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "arborist/deduction/minimal_cutset_parser.h"
+#include "arborist/deduction/cut_set.h"
 #include "arborist/deduction/root_cause.h"
 
 inline std::string Joined(const std::vector<std::string>& texts, const std::string& separator)

@@ -4,9 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "arborist/deduction/fault_tree_visitor.h"
-#include "arborist/deduction/minimal_cutset_parser.h"
+#include "arborist/deduction/plain/minimal_cutset_parser.h"
 #include "arborist/deduction/root_cause.h"
-#include "arborist/deduction/root_cause_locator.h"
+#include "arborist/deduction/plain/root_cause_locator.h"
 #include "arborist/frame/fault_tree_result.h"
 #include "arborist/frame/log.h"
 #include "tests/deduction/cause_text.h"

@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "arborist/deduction/judge_tree.h"
-#include "arborist/deduction/minimal_cutset_parser.h"
-#include "arborist/deduction/root_cause_locator.h"
+#include "arborist/deduction/plain/minimal_cutset_parser.h"
+#include "arborist/deduction/plain/root_cause_locator.h"
 #include "tests/deduction/cause_text.h"
 #include "tests/deduction/random_tree.h"
 #include "tests/support/case_name.h"

@@ -1,12 +1,12 @@
-#ifndef ARBORIST_DEDUCTION_ROOT_CAUSE_LOCATOR_H
-#define ARBORIST_DEDUCTION_ROOT_CAUSE_LOCATOR_H
+#ifndef ARBORIST_DEDUCTION_PLAIN_ROOT_CAUSE_LOCATOR_H
+#define ARBORIST_DEDUCTION_PLAIN_ROOT_CAUSE_LOCATOR_H
 
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "arborist/deduction/minimal_cutset_parser.h"
+#include "arborist/deduction/cut_set.h"
 
 class CauseNode;
 class Event;
@@ -15,8 +15,8 @@ class RootCause;
 
 /// Decides which cut sets explain the fault: those whose members, and all events above them, are in error.
 ///
-/// Without state. Looks every member up by its path through all leaves, so its time is cut sets times tree; a
-/// detection takes the way of RootCauseSearch, and this is what its answers are held against.
+/// Without state. Looks every member up by its path through all leaves, so its time is cut sets times tree. A detection
+/// takes the way of RootCauseSearch; this one is kept for the tests, which hold its answers against these.
 class RootCauseLocator {
 public:
     /// One root cause for each cut set that qualifies, in order. Empty, in silence, for a tree without a top event.

@@ -1,9 +1,9 @@
-#include "arborist/deduction/root_cause_locator.h"
+#include "arborist/deduction/plain/root_cause_locator.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "arborist/deduction/cause_node.h"
+#include "arborist/deduction/plain/cause_node.h"
 #include "arborist/deduction/root_cause.h"
 #include "arborist/frame/log.h"
 #include "tests/deduction/cause_text.h"

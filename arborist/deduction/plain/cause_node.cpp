@@ -1,4 +1,4 @@
-#include "arborist/deduction/cause_node.h"
+#include "arborist/deduction/plain/cause_node.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "arborist/deduction/minimal_cutset_parser.h"
+#include "arborist/deduction/plain/minimal_cutset_parser.h"
 
 #include <utility>
 

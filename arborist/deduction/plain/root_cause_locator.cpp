@@ -1,8 +1,8 @@
-#include "arborist/deduction/root_cause_locator.h"
+#include "arborist/deduction/plain/root_cause_locator.h"
 
 #include <algorithm>
 
-#include "arborist/deduction/cause_node.h"
+#include "arborist/deduction/plain/cause_node.h"
 #include "arborist/deduction/root_cause.h"
 #include "arborist/frame/log.h"
 #include "arborist/model/event.h"
