@@ -276,6 +276,7 @@ TEST_F(FileUtilTest, RemoveByPrefixTakesFoldersOnly)
     mDir.Write("parent/deep/temp_c/file", "");
     mDir.Write("parent/temp_file", "");
     mDir.Write("parent/other/file", "");
+    mDir.Write("parent/my_temp_d/file", "");
     mDir.MakeDir("temp_outside");
     fs::create_directory_symlink("../temp_outside", "parent/temp_link");
     FileUtil::RemoveFolderBeginWith("parent", "temp_");
@@ -284,6 +285,7 @@ TEST_F(FileUtilTest, RemoveByPrefixTakesFoldersOnly)
     EXPECT_TRUE(mDir.Has("parent/temp_file"));
     EXPECT_TRUE(mDir.Has("parent/temp_link"));
     EXPECT_TRUE(mDir.Has("parent/other/file"));
+    EXPECT_TRUE(mDir.Has("parent/my_temp_d/file"));
     EXPECT_TRUE(mDir.Has("temp_outside"));
     FileUtil::RemoveFolderBeginWith("missing", "temp_");
     EXPECT_THAT(mLog.Lines(), IsEmpty());

@@ -1,9 +1,12 @@
 #include "arborist/utilities/time_util.h"
 
+#include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <ctime>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -12,6 +15,24 @@
 #include "tests/support/log_capture.h"
 #include "tests/support/settings_guard.h"
 #include "tests/support/time_zone.h"
+
+namespace {
+
+std::vector<std::timespec>* recordedPauses = nullptr;
+
+} // namespace
+
+// Stands before that of the system: a pause that is recorded takes no time.
+extern "C" int nanosleep(const std::timespec* pause, std::timespec* left)
+{
+    if (recordedPauses != nullptr) {
+        recordedPauses->push_back(*pause);
+        return 0;
+    }
+    const int error = clock_nanosleep(CLOCK_REALTIME, 0, pause, left);
+    errno = error;
+    return error == 0 ? 0 : -1;
+}
 
 namespace {
 
@@ -53,10 +74,23 @@ TEST_F(TimeUtilTest, SettingThatIsNoDecimalNumberDoesNotCount)
     }
 }
 
-TEST_F(TimeUtilTest, MillisecondsLieWithinTheSecond)
+std::int64_t Milliseconds()
 {
-    EXPECT_GE(TimeUtil::GetMillSecOfSec(), 0);
-    EXPECT_LE(TimeUtil::GetMillSecOfSec(), 999);
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
+}
+
+TEST_F(TimeUtilTest, MillisecondsAreThoseOfTheClockWithinTheSecond)
+{
+    mSettings.Set(Settings::CURRENT_TIME, "1705309200"); // stands for the seconds alone
+    for (int matches = 0; matches < 100;) {
+        const std::int64_t before = Milliseconds();
+        const std::int32_t within = TimeUtil::GetMillSecOfSec();
+        if (Milliseconds() == before) {
+            ASSERT_EQ(within, before % 1000);
+            ++matches;
+        }
+    }
 }
 
 TEST_F(TimeUtilTest, NanosecondCounterDoesNotGoBack)
@@ -65,9 +99,17 @@ TEST_F(TimeUtilTest, NanosecondCounterDoesNotGoBack)
     EXPECT_GE(TimeUtil::GetNanoTime(), before);
 }
 
-TEST_F(TimeUtilTest, SleepOfZeroReturns)
+TEST_F(TimeUtilTest, SleepTakesTheSecondsThatItIsGiven)
 {
+    std::vector<std::timespec> pauses;
+    recordedPauses = &pauses;
     TimeUtil::Sleep(0);
+    EXPECT_TRUE(pauses.empty());
+    TimeUtil::Sleep(7);
+    recordedPauses = nullptr;
+    ASSERT_EQ(pauses.size(), 1U);
+    EXPECT_EQ(pauses[0].tv_sec, 7);
+    EXPECT_EQ(pauses[0].tv_nsec, 0);
 }
 
 TEST_F(TimeUtilTest, FormatsLocalTime)

@@ -150,6 +150,19 @@ TEST_F(EventSelectionTest, VersionNarrowsTheSelectionToItsNewestRow)
     EXPECT_THAT(Fetch(Ids({1})), ElementsAre("occurrence_time=1699999997"));
 }
 
+TEST_F(EventSelectionTest, VersionIsTheFirstRowNumberThatIsNotZero)
+{
+    // Newest first, a text comes before numbers; one that is no number reads as zero.
+    EventLogBuilder().Row({NOW, 1, "v1", ""})
+        .Sql("drop table event_version").Sql("create table event_version(_ID, VERSION_NAME)")
+        .Sql("insert into event_version values (5, 'v1'), ('x', 'v1'), (7, 'v1'), ('0', 'v1'), (0, 'v1')")
+        .WriteTo(mPath);
+    mSettings.Set(Settings::VERSION_NAME, "v1");
+    EXPECT_EQ(Version(mPath), 7);
+    EventLogBuilder::Run(mPath, "delete from event_version where _ID in (5, 7)");
+    EXPECT_EQ(Version(mPath), 0);
+}
+
 TEST_F(EventSelectionTest, UnknownOrEmptyVersionNarrowsNothing)
 {
     EventLogBuilder().Rows({{NOW, 1, "v1", ""}, {NOW, 1, "v2", ""}}).WriteTo(mPath);

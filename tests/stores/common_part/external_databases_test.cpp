@@ -172,6 +172,14 @@ TEST_F(ExternalDatabasesTest, TwoFilesWithOneNameStandTwiceUnderOneTarget)
     EXPECT_THAT(Copy(".*\\.db"), ElementsAre("copies/a.db", "copies/a.db", "copies/a.db", "copies/a.db"));
 }
 
+TEST_F(ExternalDatabasesTest, CopyIsListedWithoutTheSpacesAtTheEndOfItsName)
+{
+    MakeDb("device/app.db  ");
+    EXPECT_THAT(Copy(".*/app\\.db *", {"create table made(b)"}), ElementsAre("copies/app.db"));
+    EXPECT_TRUE(mDir.Has("copies/app.db  "));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_WARN), ElementsAre(Line("CreateTable: file app.db not exist.")));
+}
+
 TEST_F(ExternalDatabasesTest, CapitalsInPathAndPatternMeet)
 {
     MakeDb("device/App.DB");
@@ -296,9 +304,10 @@ TEST_F(ExternalDatabasesTest, ChangesThatAreCopiedWithTheirFileStayBesideIt)
 TEST_F(ExternalDatabasesTest, TargetDirectoryThatIsAFileGivesNoCopies)
 {
     MakeDb("device/a.db");
-    mDir.Write("copies", "");
+    mDir.Write("copies", "somebody's file");
     EXPECT_THAT(Copy(".*\\.db"), IsEmpty());
     EXPECT_THAT(mLog.Lines(), IsEmpty());
+    EXPECT_EQ(mDir.Read("copies"), "somebody's file");
 }
 
 TEST_F(ExternalDatabasesTest, TargetDirectoryThatCannotBeMadeIsTold)
@@ -419,6 +428,14 @@ TEST_F(ExternalDatabasesTest, NameWithTwoDotsIsRefusedInSilence)
     EXPECT_THAT(Copy(".*(zip|db)"), IsEmpty());
     EXPECT_THAT(mLog.Lines(), IsEmpty());
     EXPECT_FALSE(mDir.Has("copies"));
+}
+
+TEST_F(ExternalDatabasesTest, FolderWithTwoDotsInItsNameIsNoReasonToRefuseAnArchive)
+{
+    mDir.MakeDir("device/a..b");
+    WriteZip(mDir.Path("device/a..b/a.zip"), {{"app.db", "x"}});
+    const std::string copy = "copies/app.db";
+    EXPECT_THAT(Copy(".*(zip|db)"), ElementsAre(copy, copy)); // listed twice, as it stands one level down
 }
 
 TEST_F(ExternalDatabasesTest, TargetDirectoryWithTwoDotsIsRefusedInSilence)
@@ -545,6 +562,23 @@ TEST_F(ExternalDatabasesTest, BrokenArchiveEndsItsUnpackingAndTheNextFileGoesOn)
     MakeDb("device/b.db");
     EXPECT_THAT(Copy(".*(zip|db)"), ElementsAre("copies/b.db"));
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), Contains(Line("UnZipFile: unZip file fail.")));
+}
+
+TEST_F(ExternalDatabasesTest, ArchiveWithAWrongChecksumGivesNoCopy)
+{
+    const std::string db = MakeDb("made.db");
+    mDir.MakeDir("device");
+    WriteZip(mDir.Path("device/a.zip"), {{"app.db", db}});
+    std::string archive = mDir.Read("device/a.zip");
+    for (const char* const head : {"PK\1\2", "PK\3\4"}) {
+        const std::size_t checksum = archive.rfind(head) + (head[2] == 1 ? 16 : 14);
+        archive[checksum] = static_cast<char>(~archive[checksum]);
+    }
+    mDir.Write("device/a.zip", archive);
+    EXPECT_THAT(Copy(".*(zip|db)"), IsEmpty());
+    EXPECT_FALSE(mDir.Has("copies/app.db"));
+    EXPECT_TRUE(fs::is_empty(mDir.Path("copies/temp")));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(Line("UnZipFile: unZip file fail.")));
 }
 
 TEST_F(ExternalDatabasesTest, ArchiveThatLeadsOutWritesNothingOutside)

@@ -222,6 +222,14 @@ TEST_F(ResetTimeParserTest, OldLogIsUnpackedAndRead)
     EXPECT_EQ(mParser.GetUpdateTime(), AT_10);
 }
 
+TEST_F(ResetTimeParserTest, OldLogIsKnownByItsNameAnywhereInTheEntry)
+{
+    WriteZip("old_recovery_log.old.1recovery_log.old", {{"recovery_log", Begin(9, "UPDATE") + End(10)}});
+    mDir.MakeDir("unpacked");
+    mParser.GetFileContent({"old_recovery_log.old.1"});
+    EXPECT_EQ(mParser.GetUpdateTime(), AT_10);
+}
+
 TEST_F(ResetTimeParserTest, ArchiveThatDoesNotUnpackLeavesTheLogThatIsThere)
 {
     mDir.Write("unpacked/recovery_log", Begin(9, "UPDATE") + End(10));
