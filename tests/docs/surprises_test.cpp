@@ -6,9 +6,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/docs/example_page.h"
-#include "tests/docs/example_run.h"
-#include "tests/docs/tree_notation.h"
+#include "tests/support/example_page.h"
+#include "tests/support/example_run.h"
+#include "tests/support/tree_notation.h"
 #include "tests/support/case_name.h"
 
 void PrintTo(const PageExample& example, std::ostream* out) { *out << "docs/surprises.md:" << example.line; }

@@ -1,4 +1,4 @@
-#include "tests/docs/example_run.h"
+#include "tests/support/example_run.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -10,7 +10,7 @@
 #include "arborist/stores/repairs/reset_time_parser.h"
 #include "arborist/utilities/device_paths.h"
 #include "arborist/utilities/time_util.h"
-#include "tests/docs/tree_notation.h"
+#include "tests/support/tree_notation.h"
 #include "tests/support/event_log_builder.h"
 
 namespace {
@@ -214,7 +214,7 @@ const std::vector<std::string>& KnownKeys()
 {
     static const std::vector<std::string> keys = {"rule", "event rules", "tree", "tree xml", "true", "false", "scene",
         "device", "setting", "locale", "runner", "node", "log", "log sql", "file", "common", "sections", "formula", "compare",
-        "recovery line", "outcome"};
+        "recovery line", "rule set", "outcome"};
     return keys;
 }
 
@@ -231,13 +231,38 @@ ExampleRun::ExampleRun(const PageExample& example) : mExample(example)
     if (example.First("locale") == "decimal comma") {
         mHostLocale.emplace();
     }
-    WriteTreeFile();
-    WriteRuleFile();
+    if (example.Has("rule set")) {
+        CopyRuleSet(example.All("rule set"));
+    } else {
+        WriteTreeFile();
+        WriteRuleFile();
+    }
     WriteDevice();
     mInfo = MakeInfo();
     mEngine = std::make_unique<Arborist>(mInfo);
     mEngine->SetObserver(mObserver);
-    mResults = mEngine->StartDetection();
+    Detect();
+}
+
+void ExampleRun::CopyRuleSet(const std::vector<std::string>& folders) const
+{
+    for (const char* name : {"FaultTrees.xml", "FaultTreeRules.xml"}) {
+        for (const std::string& folder : folders) {
+            const std::filesystem::path file = std::filesystem::path(folder) / name;
+            if (!mDir.Has(name) && std::filesystem::exists(file)) {
+                std::filesystem::copy_file(file, mDir.Path(name));
+            }
+        }
+    }
+}
+
+void ExampleRun::Detect()
+{
+    try {
+        mResults = mEngine->StartDetection();
+    } catch (const std::exception& exception) {
+        mException = exception.what();
+    }
 }
 
 void ExampleRun::WriteTreeFile() const
@@ -393,13 +418,18 @@ std::string ExampleRun::FaultOf(const std::string& outcome)
     if (is("the query is (.+)")) {
         return Difference(match[1], mObserver->sql);
     }
-    if (is("log \"(.+)\" is there")) {
+    if (is("log \"(.+)\" is (there|not there)")) {
         const std::vector<std::string> lines = mLog.Lines();
         const std::string text = match[1];
-        return std::any_of(lines.begin(), lines.end(),
-                   [&](const std::string& line) { return line.find(text) != std::string::npos; })
-            ? ""
-            : "it is not";
+        const bool isThere = std::any_of(lines.begin(), lines.end(),
+            [&](const std::string& line) { return line.find(text) != std::string::npos; });
+        return Difference(match[2], isThere ? "there" : "not there");
+    }
+    if (is("an exception with (.+)")) {
+        return mException.find(match[1]) != std::string::npos ? "" : "it was: " + OrEmpty(mException);
+    }
+    if (is("results (\\d+)")) {
+        return Difference(match[1], std::to_string(mResults.size()));
     }
     if (is("the (description|operation) of (\\w+) is (\\w+)")) {
         return Difference(match[3], DescriptionOrOperation(match[1], match[2]));

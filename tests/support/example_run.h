@@ -1,5 +1,5 @@
-#ifndef ARBORIST_TESTS_DOCS_EXAMPLE_RUN_H
-#define ARBORIST_TESTS_DOCS_EXAMPLE_RUN_H
+#ifndef ARBORIST_TESTS_SUPPORT_EXAMPLE_RUN_H
+#define ARBORIST_TESTS_SUPPORT_EXAMPLE_RUN_H
 
 #include <map>
 #include <memory>
@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "arborist/arborist.h"
-#include "tests/docs/example_page.h"
+#include "tests/support/example_page.h"
 #include "tests/support/decimal_comma.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/settings_guard.h"
@@ -30,6 +30,8 @@ public:
 };
 
 /// Runs one example of a page: writes what it describes into a folder, runs one detection, answers for its outcomes.
+/// The key "rule set" names a folder whose two files, of the tag "Laptop", are taken instead of what the example tells of
+/// trees and rules; of several folders the first that has a file counts.
 class ExampleRun {
 public:
     explicit ExampleRun(const PageExample& example);
@@ -38,6 +40,8 @@ public:
     std::string FaultOf(const std::string& outcome);
 
 private:
+    void CopyRuleSet(const std::vector<std::string>& folders) const;
+    void Detect();
     void WriteTreeFile() const;
     void WriteRuleFile() const;
     void WriteDevice() const;
@@ -55,6 +59,8 @@ private:
     std::shared_ptr<ExampleObserver> mObserver = std::make_shared<ExampleObserver>();
     std::unique_ptr<Arborist> mEngine;
     std::vector<std::shared_ptr<FaultTreeResult>> mResults;
+    /// What the detection threw; empty where it came to its end.
+    std::string mException;
 };
 
 /// Keys that ExampleRun knows.

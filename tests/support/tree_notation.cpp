@@ -1,4 +1,4 @@
-#include "tests/docs/tree_notation.h"
+#include "tests/support/tree_notation.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "tests/docs/example_page.h"
+#include "tests/support/example_page.h"
 
 #include <cctype>
 #include <map>
