@@ -58,7 +58,7 @@ STOREYS = [
         ["evidence"],
         ["log_db"],
         ["bundle"],
-        ["archive", "sqlite"],
+        ["archive", "sqlite", "rule_source"],
         ["scratch"],
         ["process"],
         ["text"],
@@ -88,7 +88,7 @@ SEES_ONLY = {"arborist/stores/sql": {"the ground"}}
 
 # Foreign headers that stay behind one door in each storey.
 DOORS = {
-    "tinyxml2.h": ("arborist/loading/", "diagnosis/bundle/rule_paths."),
+    "tinyxml2.h": ("arborist/loading/", "diagnosis/bundle/rule_paths.", "diagnosis/rule_source/"),
     "sqlite3.h": ("arborist/stores/sql/", "diagnosis/sqlite/", "tools/arborist/commands/versions."),
     **{header: ("arborist/utilities/", "diagnosis/archive/")
        for header in ("unzip.h", "zip.h", "minizip/unzip.h", "minizip/zip.h")},

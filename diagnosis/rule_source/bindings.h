@@ -1,0 +1,67 @@
+#ifndef ARBORIST_DIAGNOSIS_RULE_SOURCE_BINDINGS_H
+#define ARBORIST_DIAGNOSIS_RULE_SOURCE_BINDINGS_H
+
+#include <map>
+#include <string_view>
+#include <vector>
+
+#include "diagnosis/rule_source/element.h"
+
+namespace diagnosis::rule_source {
+
+/// A name of a rule as an event's alternative has it.
+struct RuleName {
+    /// The "Rule-name" element.
+    Element element;
+    std::string_view name;
+};
+
+/// One alternative of an event's rules: an "or".
+struct BindingAlternative {
+    enum class Kind {
+        SINGLE, ///< "singleRule"
+        GROUP, ///< "multipleRule": all of its rules must hold
+        UNKNOWN, ///< a type of another word: kept, and never true
+        DROPPED, ///< without a type
+    };
+
+    Element element;
+    Kind kind = Kind::DROPPED;
+    /// Those that the engine reads: one for a single rule.
+    std::vector<RuleName> names;
+};
+
+/// The rules of one event: an "Event" of "EventRules".
+struct Binding {
+    Element element;
+    /// Null, or without text, where the engine drops the entry.
+    Element idElement;
+    /// As it stands there: spaces at its ends are part of it.
+    std::string_view id;
+    bool isKept = false;
+    /// Whether a later entry of the same id takes its place.
+    bool isReplaced = false;
+    /// In order, those that are dropped, too.
+    std::vector<BindingAlternative> alternatives;
+};
+
+struct Bindings {
+    /// In file order.
+    std::vector<Binding> all;
+    /// The entry that counts for each id, as an index into all.
+    std::map<std::string_view, std::size_t> byId;
+
+    /// Null for an event without an entry.
+    const Binding* Find(std::string_view eventId) const
+    {
+        const auto found = byId.find(eventId);
+        return found == byId.end() ? nullptr : &all[found->second];
+    }
+};
+
+/// Reads the "Event" children of a tag element; null has none.
+Bindings ReadBindings(Element tag);
+
+} // namespace diagnosis::rule_source
+
+#endif

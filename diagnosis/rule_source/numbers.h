@@ -1,0 +1,29 @@
+#ifndef ARBORIST_DIAGNOSIS_RULE_SOURCE_NUMBERS_H
+#define ARBORIST_DIAGNOSIS_RULE_SOURCE_NUMBERS_H
+
+#include <cstdint>
+#include <string_view>
+
+namespace diagnosis::rule_source {
+
+/// A text as the engine reads whole numbers of event ids and of the types "int" and "long".
+struct WholeNumber {
+    /// What the engine works with: 0 for a text that begins with no number, the low 32 bits of a longer one.
+    std::int32_t value = 0;
+    /// Whether the text begins with a number that can be read.
+    bool isNumber = false;
+    /// Whether nothing stands behind the number.
+    bool isWhole = false;
+    /// Whether the number has more than 32 bits.
+    bool isCut = false;
+};
+
+WholeNumber ReadWholeNumber(std::string_view text);
+
+/// Whether a text is nothing but a number, with or without fraction and exponent, in the form that every locale reads
+/// with a decimal point.
+bool IsDecimalNumber(std::string_view text);
+
+} // namespace diagnosis::rule_source
+
+#endif

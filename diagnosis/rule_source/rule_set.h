@@ -1,0 +1,71 @@
+#ifndef ARBORIST_DIAGNOSIS_RULE_SOURCE_RULE_SET_H
+#define ARBORIST_DIAGNOSIS_RULE_SOURCE_RULE_SET_H
+
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "diagnosis/rule_source/bindings.h"
+#include "diagnosis/rule_source/common_part.h"
+#include "diagnosis/rule_source/descriptions.h"
+#include "diagnosis/rule_source/rules.h"
+#include "diagnosis/rule_source/sections.h"
+#include "diagnosis/rule_source/source_file.h"
+#include "diagnosis/rule_source/trees.h"
+
+namespace diagnosis::rule_source {
+
+/// The two files of a rule set. A pointer is null where a file is not looked at: an editor may hand over one alone.
+struct RuleSetFiles {
+    std::unique_ptr<SourceFile> trees;
+    std::unique_ptr<SourceFile> rules;
+
+    /// The root of each file; null where it is not looked at or not loaded.
+    Element TreeRoot() const { return trees == nullptr ? Element() : trees->Root(); }
+    Element RuleRoot() const { return rules == nullptr ? Element() : rules->Root(); }
+};
+
+/// The files of a folder as the engine names them: with a prefix and "_" in front where `prefix` is not empty.
+RuleSetFiles ReadRuleSetFiles(const std::string& folder, const std::string& prefix);
+
+/// What the engine reads of a rule set for one tag, each thing with the element that it stands in, and what it skips.
+///
+/// Holds elements and texts of the files, which must outlive it.
+struct RuleSet {
+    /// Reads the files for a tag.
+    RuleSet(const RuleSetFiles& files, const std::string& tag);
+    RuleSet(const RuleSet&) = delete;
+    RuleSet& operator=(const RuleSet&) = delete;
+
+    const RuleSetFiles& files;
+    std::string tag;
+
+    /// Whether each file can be judged. What dangles because the other file is missing is no finding.
+    bool hasTrees = false;
+    bool hasRules = false;
+
+    /// The tag's element of the tree file; null where there is none.
+    Element treeTag;
+    Trees trees;
+
+    /// By SectionKind.
+    std::array<Section, SECTION_KINDS.size()> sections;
+    Bindings bindings;
+    Rules rules;
+    Descriptions faultDescriptions;
+    Descriptions solutions;
+    Descriptions repairs;
+    CommonPart commonPart;
+
+    /// An event of each id, the first in file order, as an index into trees.events.
+    std::map<std::string_view, std::size_t> eventsById;
+
+    const Section& SectionOf(SectionKind kind) const { return sections[static_cast<std::size_t>(kind)]; }
+    /// Null for an id that no event of the trees has.
+    const TreeEvent* FindEvent(std::string_view id) const;
+};
+
+} // namespace diagnosis::rule_source
+
+#endif

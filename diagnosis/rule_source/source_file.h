@@ -1,0 +1,75 @@
+#ifndef ARBORIST_DIAGNOSIS_RULE_SOURCE_SOURCE_FILE_H
+#define ARBORIST_DIAGNOSIS_RULE_SOURCE_SOURCE_FILE_H
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "diagnosis/rule_source/element.h"
+
+namespace tinyxml2 {
+class XMLDocument;
+}
+
+namespace diagnosis::rule_source {
+
+/// One XML file of a rule set, read as the engine reads it, with its lines kept for whoever shows them.
+///
+/// Elements point back to their file, so that it is neither copied nor moved.
+class SourceFile {
+public:
+    enum class State {
+        LOADED,
+        MISSING, ///< there is no such file
+        UNREADABLE, ///< it is there and can't be read
+        MALFORMED, ///< it is no well-formed XML
+        TOO_DEEP, ///< nested deeper than the XML library reads
+    };
+
+    /// Reads a file.
+    static std::unique_ptr<SourceFile> Read(const std::string& path);
+    /// Takes a text as the content of a file; `path` names it.
+    static std::unique_ptr<SourceFile> Of(const std::string& path, std::string text);
+
+    ~SourceFile();
+    SourceFile(const SourceFile&) = delete;
+    SourceFile& operator=(const SourceFile&) = delete;
+
+    const std::string& Path() const { return mPath; }
+    State GetState() const { return mState; }
+    bool IsLoaded() const { return mState == State::LOADED; }
+    /// Why the file is not loaded, in the words of the system or of the XML library; empty when it is.
+    const std::string& Problem() const { return mProblem; }
+    /// The line on which the XML library gave up; 0 where it did not.
+    int ProblemLine() const { return mProblemLine; }
+
+    /// Null for a file that is not loaded or holds no element.
+    Element Root() const;
+
+    const std::string& Text() const { return mText; }
+    /// A line of the file without its end, from 1; empty where there is none.
+    std::string_view Line(int number) const;
+    /// Where a line begins in the text; the text's length where there is none.
+    std::size_t LineStart(int number) const;
+
+    const tinyxml2::XMLDocument& Document() const { return *mDocument; }
+
+private:
+    explicit SourceFile(std::string path);
+
+    void Parse();
+
+    std::string mPath;
+    std::string mText;
+    State mState = State::MISSING;
+    std::string mProblem;
+    int mProblemLine = 0;
+    std::unique_ptr<tinyxml2::XMLDocument> mDocument;
+    /// Where each line begins; made when a line is first asked for.
+    mutable std::vector<std::size_t> mLineStarts;
+};
+
+} // namespace diagnosis::rule_source
+
+#endif
