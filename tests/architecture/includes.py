@@ -56,6 +56,7 @@ STOREYS = [
         ["capture"],
         ["analysis", "detection"],
         ["evidence"],
+        ["lint"],
         ["log_db"],
         ["bundle"],
         ["archive", "sqlite", "rule_source"],

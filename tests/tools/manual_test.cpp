@@ -151,7 +151,8 @@ TEST(ManualTest, ThePageHasTheOptionsOfTheHelpAndTellsOfEach)
 {
     const Synopses synopses;
     const std::string command = Page("command.md");
-    const auto told = OptionsIn(command.substr(command.find("\nResults go to")) + Page("explain.md") + Page("batch.md"));
+    const auto told = OptionsIn(command.substr(command.find("\nResults go to")) + Page("explain.md") + Page("batch.md")
+        + Page("lint.md"));
     for (const Words& words : AllCommands()) {
         auto options = LongOptions(words);
         options.erase("--help");

@@ -38,6 +38,7 @@ constexpr Command COMMANDS[] = {
     {"repair", AddRepairCommand},
     {"report", AddReportCommand},
     {"graph", AddGraphCommand},
+    {"lint", AddLintCommand},
     {"log", AddLogCommand},
     {"bundle", AddBundleCommand},
     {"help", AddHelpCommand},

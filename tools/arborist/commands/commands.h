@@ -17,6 +17,7 @@ void AddQueryCommand(CLI::App& app, ExitStatus& status);
 void AddRepairCommand(CLI::App& app, ExitStatus& status);
 void AddReportCommand(CLI::App& app, ExitStatus& status);
 void AddGraphCommand(CLI::App& app, ExitStatus& status);
+void AddLintCommand(CLI::App& app, ExitStatus& status);
 void AddLogCommand(CLI::App& app, ExitStatus& status);
 void AddBundleCommand(CLI::App& app, ExitStatus& status);
 /// "help" and "completion", which show all commands of `app`, those that are added later, too.

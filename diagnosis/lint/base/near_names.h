@@ -1,0 +1,31 @@
+#ifndef ARBORIST_DIAGNOSIS_LINT_BASE_NEAR_NAMES_H
+#define ARBORIST_DIAGNOSIS_LINT_BASE_NEAR_NAMES_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace diagnosis::lint {
+
+/// Finds which of some names a dangling one was most likely meant to be. Each search looks at all names, so that a rule
+/// set in which everything dangles would take for ever: after a number of letters it finds nothing any more.
+class NearNames {
+public:
+    void Add(std::string_view name);
+
+    /// The near name; empty where none is near.
+    std::string Find(std::string_view name);
+    /// `did you mean "..."?`, or nothing: the help of a finding.
+    std::string Help(std::string_view name);
+
+private:
+    static constexpr std::size_t MOST_LETTERS = 50'000'000;
+
+    std::vector<std::string> mNames;
+    std::size_t mLetters = 0;
+    std::size_t mLettersLooked = 0;
+};
+
+} // namespace diagnosis::lint
+
+#endif

@@ -1,0 +1,34 @@
+#include "diagnosis/lint/base/report.h"
+
+namespace diagnosis::lint {
+
+void Report::Add(rule_source::Element element, std::string message, Details details)
+{
+    Reported reported;
+    reported.check = mCheck;
+    reported.file = element.File();
+    reported.element = element;
+    reported.line = details.attribute ? details.attribute.Line() : element.Line();
+    reported.message = std::move(message);
+    reported.details = std::move(details);
+    mFindings.push_back(std::move(reported));
+}
+
+void Report::AddToFile(const rule_source::SourceFile& file, int line, std::string message)
+{
+    Reported reported;
+    reported.check = mCheck;
+    reported.file = &file;
+    reported.line = line;
+    reported.message = std::move(message);
+    mFindings.push_back(std::move(reported));
+}
+
+std::string Quoted(std::string_view name)
+{
+    static constexpr std::size_t LONGEST = 120; // what a stranger's file brings may be longer than any name
+    const bool isCut = name.size() > LONGEST;
+    return "\"" + std::string(name.substr(0, LONGEST)) + (isCut ? "..." : "") + "\"";
+}
+
+} // namespace diagnosis::lint

@@ -1,0 +1,204 @@
+#include "diagnosis/lint/base/near_names.h"
+#include "diagnosis/lint/base/report.h"
+#include "diagnosis/lint/base/subject.h"
+#include "diagnosis/lint/checks/checks.h"
+
+namespace diagnosis::lint {
+
+namespace {
+
+using rule_source::Binding;
+using rule_source::BindingAlternative;
+using rule_source::Descriptions;
+using rule_source::Element;
+using rule_source::EventKind;
+using rule_source::Rule;
+using rule_source::RuleName;
+using rule_source::RuleSet;
+using rule_source::SectionKind;
+using rule_source::TreeEvent;
+
+std::string_view Trimmed(std::string_view text)
+{
+    static constexpr std::string_view BLANKS = " \t\r\n\v\f";
+    const std::size_t begin = text.find_first_not_of(BLANKS);
+    return begin == std::string_view::npos ? std::string_view()
+                                           : text.substr(begin, text.find_last_not_of(BLANKS) - begin + 1);
+}
+
+bool IsPadded(std::string_view text)
+{
+    return Trimmed(text).size() != text.size();
+}
+
+// Without the section nothing in it dangles: that is a finding of its own.
+bool HasSection(const RuleSet& rules, SectionKind kind)
+{
+    return rules.hasRules && rules.SectionOf(kind).tag;
+}
+
+/// Calls `visit(binding, alternative, name)` for each name of a rule that the engine reads.
+template <typename Visit>
+void ForEachRuleName(const RuleSet& rules, Visit visit)
+{
+    for (const Binding& binding : rules.bindings.all) {
+        if (!binding.isKept || binding.isReplaced) {
+            continue;
+        }
+        for (const BindingAlternative& alternative : binding.alternatives) {
+            for (const RuleName& name : alternative.names) {
+                visit(binding, alternative, name);
+            }
+        }
+    }
+}
+
+void ReportPadded(Element element, const std::string& what, Report& report)
+{
+    report.Add(element, what + " has blanks around it",
+        {.help = "remove them", .fix = FixOf::Text(std::string(Trimmed(element.Text())), false), .isAboutText = true});
+}
+
+// Names and ids that match nothing because of what stands around them.
+void CheckBlanks(const Subject& subject, Report& report)
+{
+    const RuleSet& rules = subject.rules;
+    for (const TreeEvent& event : rules.trees.events) {
+        if (IsPadded(event.id) && rules.bindings.Find(event.id) == nullptr) {
+            ReportPadded(event.idElement, "the id of the event " + Quoted(Trimmed(event.id)), report);
+        }
+    }
+    for (const Binding& binding : rules.bindings.all) {
+        if (IsPadded(binding.id) && rules.FindEvent(binding.id) == nullptr) {
+            ReportPadded(binding.idElement, "the id " + Quoted(Trimmed(binding.id)), report);
+        }
+    }
+    for (const Descriptions* section : {&rules.faultDescriptions, &rules.solutions, &rules.repairs}) {
+        for (const auto& item : section->items) {
+            if (IsPadded(item.id) && rules.FindEvent(item.id) == nullptr) {
+                ReportPadded(item.idElement, "the id " + Quoted(Trimmed(item.id)), report);
+            }
+        }
+    }
+}
+
+void CheckBlanksOfRules(const RuleSet& rules, Report& report)
+{
+    std::map<std::string_view, int> named;
+    ForEachRuleName(rules, [&](const Binding&, const BindingAlternative&, const RuleName& name) {
+        ++named[name.name];
+        if (IsPadded(name.name) && rules.rules.Find(name.name) == nullptr) {
+            ReportPadded(name.element, "the rule name " + Quoted(Trimmed(name.name)), report);
+        }
+    });
+    for (const Rule* rule : rules.rules.all) {
+        if (rule->isKept && IsPadded(rule->name) && named.count(rule->name) == 0) {
+            report.Add(rule->element, "the name of the rule " + Quoted(Trimmed(rule->name)) + " has blanks around it",
+                {.attribute = rule->element.Find("name"),
+                    .help = "remove them",
+                    .fix = FixOf::Value(std::string(Trimmed(rule->name)), false)});
+        }
+    }
+}
+
+void CheckAllBlanks(const Subject& subject, Report& report)
+{
+    CheckBlanks(subject, report);
+    CheckBlanksOfRules(subject.rules, report);
+}
+
+// An event that is left to the host.
+bool IsInteractive(const TreeEvent& event)
+{
+    return event.detectMode.Text() == "2";
+}
+
+void CheckEventsWithoutRules(const Subject& subject, Report& report)
+{
+    const RuleSet& rules = subject.rules;
+    if (!HasSection(rules, SectionKind::EVENT_RULES)) {
+        return;
+    }
+    NearNames ids;
+    for (const auto& [id, index] : rules.bindings.byId) {
+        if (rules.FindEvent(id) == nullptr) {
+            ids.Add(id);
+        }
+    }
+    for (const TreeEvent& event : rules.trees.events) {
+        if (event.kind != EventKind::BASIC || event.id.empty() || IsInteractive(event)) {
+            continue;
+        }
+        const Binding* const binding = rules.bindings.Find(event.id);
+        if (binding == nullptr) {
+            report.Add(event.idElement, "no entry of \"EventRules\" is for the event " + Quoted(event.id),
+                {.help = ids.Help(event.id), .isAboutText = true});
+        } else if (binding->alternatives.empty()) {
+            report.Add(binding->element, "the entry of the event " + Quoted(event.id) + " names no rule");
+        }
+    }
+}
+
+void CheckUnknownRules(const Subject& subject, Report& report)
+{
+    const RuleSet& rules = subject.rules;
+    if (!HasSection(rules, SectionKind::RULE_LIST)) {
+        return;
+    }
+    NearNames names;
+    for (const auto& [name, rule] : rules.rules.byName) {
+        names.Add(name);
+    }
+    ForEachRuleName(rules, [&](const Binding& binding, const BindingAlternative&, const RuleName& name) {
+        const bool isOfAnotherCheck = IsPadded(name.name) || name.name.find(',') != std::string_view::npos;
+        if (isOfAnotherCheck || rules.rules.Find(name.name) != nullptr) {
+            return;
+        }
+        const std::string near = names.Find(name.name);
+        report.Add(name.element,
+            "the event " + Quoted(binding.id) + " asks for the rule " + Quoted(name.name) + ", which is not there",
+            {.help = near.empty() ? "" : "did you mean " + Quoted(near) + "?",
+                .fix = near.empty() ? FixOf() : FixOf::Text(near, false),
+                .isAboutText = true});
+    });
+}
+
+void CheckRepeatedEntries(const Subject& subject, Report& report)
+{
+    const auto& bindings = subject.rules.bindings;
+    for (const Binding& binding : bindings.all) {
+        if (binding.isReplaced) {
+            const Binding& last = *bindings.Find(binding.id);
+            report.Add(binding.element, "the event " + Quoted(binding.id) + " has another entry in line "
+                    + std::to_string(last.element.Line()) + ", which takes the place of this one",
+                {.help = "put the alternatives of both into one entry"});
+        }
+    }
+}
+
+constexpr Check CHECKS[] = {
+    {"A211", Severity::ERROR, CheckClass::STATIC, "blanks around an id or a rule name",
+        "An id or a rule name that begins or ends with a blank, a tab or a line end and matches nothing for it. Spaces "
+        "around an id of the tree file are allowed.",
+        "the tree file strips spaces only and the rule file nothing, so that the two sides do not match",
+        CheckAllBlanks},
+    {"A301", Severity::WARNING, CheckClass::STATIC, "basic event without rules",
+        "A basic event for which \"EventRules\" has no entry, or one without rules. Events with the detect mode \"2\" "
+        "are left to the host and need none.",
+        "the event is FALSE for ever", CheckEventsWithoutRules},
+    {"A303", Severity::ERROR, CheckClass::STATIC, "rule name that no rule has",
+        "A \"Rule-name\" for which \"RuleList\" has no rule. Names are compared with case.",
+        "the rule counts as not fired, without a line in the log", CheckUnknownRules},
+    {"A304", Severity::WARNING, CheckClass::STATIC, "two entries for one event",
+        "Two \"Event\" entries of \"EventRules\" with one id.",
+        "the later entry takes the place of the earlier; their rules are not put together", CheckRepeatedEntries},
+};
+
+} // namespace
+
+std::span<const Check> BindingChecks()
+{
+    return CHECKS;
+}
+
+} // namespace diagnosis::lint

@@ -1,0 +1,26 @@
+#ifndef ARBORIST_DIAGNOSIS_LINT_CHECKS_CHECKS_H
+#define ARBORIST_DIAGNOSIS_LINT_CHECKS_CHECKS_H
+
+#include <span>
+
+#include "diagnosis/lint/base/check.h"
+
+namespace diagnosis::lint {
+
+/// The checks of each file of this folder. The registry puts them together.
+std::span<const Check> FileChecks();
+std::span<const Check> TreeChecks();
+std::span<const Check> BindingChecks();
+std::span<const Check> FilterChecks();
+std::span<const Check> ComparisonChecks();
+std::span<const Check> AlarmChecks();
+std::span<const Check> CommandChecks();
+std::span<const Check> SqlChecks();
+std::span<const Check> NodeChecks();
+std::span<const Check> CommonPartChecks();
+std::span<const Check> DescriptionChecks();
+std::span<const Check> CodeRuleChecks();
+
+} // namespace diagnosis::lint
+
+#endif

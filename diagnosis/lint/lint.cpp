@@ -1,0 +1,102 @@
+#include "diagnosis/lint/lint.h"
+
+#include <algorithm>
+
+#include "diagnosis/lint/base/placement.h"
+#include "diagnosis/lint/base/report.h"
+#include "diagnosis/lint/registry.h"
+#include "diagnosis/lint/suppressions.h"
+
+namespace diagnosis::lint {
+
+namespace {
+
+using rule_source::RuleSet;
+using rule_source::RuleSetFiles;
+using rule_source::SourceFile;
+
+bool IsWanted(const Check& check, const LintOptions& options)
+{
+    if (options.disabled.count(check.id) != 0 || (!options.only.empty() && options.only.count(check.id) == 0)) {
+        return false;
+    }
+    return check.kind == CheckClass::DEVICE ? !options.devices.empty()
+        : check.kind == CheckClass::HOST    ? options.counts != nullptr
+                                            : true;
+}
+
+std::vector<const Check*> WantedChecks(const LintOptions& options)
+{
+    std::vector<const Check*> wanted;
+    for (const Check* check : AllChecks()) {
+        if (check->run != nullptr && IsWanted(*check, options)) {
+            wanted.push_back(check);
+        }
+    }
+    return wanted;
+}
+
+void RunChecks(const RuleSetFiles& files, const std::string& tag, const LintOptions& options, Report& report)
+{
+    const RuleSet rules(files, tag);
+    const Subject subject{rules, options.devices.empty() ? nullptr : &options.devices, options.counts};
+    for (const Check* check : WantedChecks(options)) {
+        report.Begin(*check);
+        check->run(subject, report);
+    }
+}
+
+// The tags of the trees; what the rule file has under others belongs to nothing. A rule set without any tag is looked
+// at all the same: its files have traits of their own.
+std::vector<std::string> TagsToCheck(const RuleSetFiles& files, const LintOptions& options)
+{
+    static constexpr std::size_t MOST_TAGS = 100;
+    std::vector<std::string> tags = options.tags;
+    if (tags.empty()) {
+        tags = rule_source::TagsOf(files.TreeRoot(), {});
+    }
+    if (tags.empty()) {
+        tags = rule_source::TagsOf({}, files.RuleRoot());
+    }
+    tags.resize(std::clamp<std::size_t>(tags.size(), 1, MOST_TAGS));
+    return tags;
+}
+
+void DropSuppressed(const RuleSetFiles& files, const LintOptions& options, Report& report)
+{
+    Suppressions suppressions(files);
+    std::erase_if(report.Findings(), [&](const Reported& reported) { return suppressions.Covers(reported); });
+    const Check* const unused = FindCheck("A001");
+    if (unused == nullptr || !IsWanted(*unused, options)) {
+        return;
+    }
+    report.Begin(*unused);
+    suppressions.ReportUnused(report, [&](std::string_view id) {
+        const Check* const check = FindCheck(id);
+        return check == nullptr || IsWanted(*check, options);
+    });
+}
+
+bool IsReadable(const std::unique_ptr<SourceFile>& file)
+{
+    return file == nullptr || file->IsLoaded();
+}
+
+} // namespace
+
+LintReport LintFolder(const std::string& folder, const LintOptions& options)
+{
+    return LintFiles(rule_source::ReadRuleSetFiles(folder, options.prefix), options);
+}
+
+LintReport LintFiles(const RuleSetFiles& files, const LintOptions& options)
+{
+    Report report;
+    for (const std::string& tag : TagsToCheck(files, options)) {
+        RunChecks(files, tag, options, report);
+    }
+    DropSuppressed(files, options, report);
+    return {PlaceFindings(report.Findings()), IsReadable(files.trees) && IsReadable(files.rules)};
+}
+
+} // namespace diagnosis::lint

@@ -1,0 +1,45 @@
+#ifndef ARBORIST_DIAGNOSIS_LINT_LINT_H
+#define ARBORIST_DIAGNOSIS_LINT_LINT_H
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "diagnosis/lint/base/finding.h"
+#include "diagnosis/lint/base/subject.h"
+#include "diagnosis/rule_source/rule_set.h"
+
+namespace diagnosis::lint {
+
+/// Which checks run, and on what.
+struct LintOptions {
+    /// Tags to look at; empty for all that the files have.
+    std::vector<std::string> tags;
+    std::string prefix;
+    /// Ids of checks that do not run.
+    std::set<std::string> disabled;
+    /// Ids of the checks that run alone; empty for all.
+    std::set<std::string> only;
+    /// Profiles of devices, without which checks of class DEVICE do not run.
+    std::vector<DeviceProfile> devices;
+    /// What an event log holds, without which checks of class HOST do not run.
+    const EventCounts* counts = nullptr;
+};
+
+/// What came of one rule set.
+struct LintReport {
+    /// In order of place.
+    std::vector<Finding> findings;
+    /// False when a file is missing or no well-formed XML: much was not looked at.
+    bool isReadable = true;
+};
+
+/// Checks the rule set of a folder.
+LintReport LintFolder(const std::string& folder, const LintOptions& options);
+
+/// Checks files that were read already. They are only needed until the call returns.
+LintReport LintFiles(const rule_source::RuleSetFiles& files, const LintOptions& options);
+
+} // namespace diagnosis::lint
+
+#endif

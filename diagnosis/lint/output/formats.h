@@ -1,0 +1,42 @@
+#ifndef ARBORIST_DIAGNOSIS_LINT_OUTPUT_FORMATS_H
+#define ARBORIST_DIAGNOSIS_LINT_OUTPUT_FORMATS_H
+
+#include <string>
+#include <vector>
+
+#include "diagnosis/lint/base/finding.h"
+
+namespace diagnosis::lint {
+
+/// What came of all rule sets of one run.
+struct LintRun {
+    /// The files that were looked at.
+    std::vector<std::string> files;
+    std::vector<Finding> findings;
+    /// Findings that a baseline holds and that are not told.
+    std::size_t known = 0;
+
+    std::size_t Count(Severity severity) const;
+};
+
+/// "2 errors, 1 warning, 3 in the baseline"; "no findings" where there are none.
+std::string CountsText(const LintRun& run);
+
+/// Each whole, with its last line end. All are valid without findings, too.
+
+/// One JSON object, as docs/lint.md describes it.
+std::string RunJson(const LintRun& run);
+/// A line for each finding: `file:line:column: warning: text [A602]`, as editors read it.
+std::string RunShort(const LintRun& run);
+/// Annotations of GitHub's workflows.
+std::string RunGithub(const LintRun& run);
+/// A code quality report of GitLab.
+std::string RunGitlab(const LintRun& run);
+/// Static analysis results interchange format, 2.1.0.
+std::string RunSarif(const LintRun& run);
+/// JUnit's XML: a suite for each file, a failed case for each finding, and a case that passes for a file without.
+std::string RunJunit(const LintRun& run);
+
+} // namespace diagnosis::lint
+
+#endif

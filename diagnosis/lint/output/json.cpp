@@ -1,0 +1,50 @@
+#include "diagnosis/lint/output/formats.h"
+#include "diagnosis/text/json_writer.h"
+
+namespace diagnosis::lint {
+
+namespace {
+
+bool IsSafelyMended(const Finding& finding)
+{
+    return !finding.edits.empty() && finding.edits.front().isSafe;
+}
+
+void AppendFinding(const Finding& finding, JsonWriter& json)
+{
+    json.BeginObject();
+    json.Text("id", finding.check->id).Text("severity", SeverityWord(finding.check->severity));
+    json.Text("title", finding.check->title);
+    json.Text("file", finding.file).Key("line").Number(finding.line);
+    if (finding.column > 0) {
+        json.Key("column").Number(finding.column).Key("columns").Number(finding.columns);
+    }
+    json.Text("element", finding.element).Text("message", finding.message);
+    if (!finding.help.empty()) {
+        json.Text("help", finding.help);
+    }
+    json.Text("atRunTime", finding.check->atRunTime);
+    json.Text("fix", finding.edits.empty() ? "none" : IsSafelyMended(finding) ? "safe" : "unsafe");
+    json.Text("fingerprint", finding.fingerprint);
+    json.EndObject();
+}
+
+} // namespace
+
+std::string RunJson(const LintRun& run)
+{
+    JsonWriter json;
+    json.BeginObject().Key("files").Texts(run.files);
+    json.Key("findings").BeginArray();
+    for (const Finding& finding : run.findings) {
+        AppendFinding(finding, json);
+    }
+    json.EndArray();
+    json.Key("errors").Number(static_cast<std::int64_t>(run.Count(Severity::ERROR)));
+    json.Key("warnings").Number(static_cast<std::int64_t>(run.Count(Severity::WARNING)));
+    json.Key("infos").Number(static_cast<std::int64_t>(run.Count(Severity::INFO)));
+    json.Key("known").Number(static_cast<std::int64_t>(run.known));
+    return json.EndObject().Line() + "\n";
+}
+
+} // namespace diagnosis::lint

@@ -1,0 +1,298 @@
+#include <fstream>
+#include <iostream>
+#include <iterator>
+
+#include <CLI/CLI.hpp>
+
+#include "diagnosis/lint/baseline.h"
+#include "diagnosis/lint/config.h"
+#include "diagnosis/lint/device_profiles.h"
+#include "diagnosis/lint/lint.h"
+#include "diagnosis/lint/output/formats.h"
+#include "diagnosis/lint/registry.h"
+#include "tools/arborist/commands/commands.h"
+#include "tools/arborist/commands/shared_options.h"
+#include "tools/arborist/render/lint_text.h"
+#include "tools/arborist/terminal/colour.h"
+#include "tools/arborist/terminal/output.h"
+
+namespace diagnosis::command {
+
+namespace {
+
+struct LintCommandOptions {
+    std::vector<std::string> folders;
+    std::vector<std::string> tags;
+    std::string prefix;
+    std::vector<std::string> disable;
+    std::vector<std::string> only;
+    std::vector<std::string> devices;
+    std::string config;
+    std::string failLevel;
+    std::string baseline;
+    std::string newBaseline;
+    bool withoutBaseline = false;
+    std::string format = "text";
+    bool asJson = false;
+    std::string stdinFile;
+    std::string colour = "auto";
+    bool asList = false;
+    std::string explained;
+};
+
+ExitStatus WrongUse(const std::string& message)
+{
+    PrintError(message);
+    return ExitStatus::WRONG_USE;
+}
+
+void AppendTo(std::vector<std::string>& list, const std::vector<std::string>& more)
+{
+    list.insert(list.end(), more.begin(), more.end());
+}
+
+// What the command line does not say is taken from the configuration; lists are put together.
+bool TakeConfig(LintCommandOptions& options, std::string& problem)
+{
+    if (options.config.empty()) {
+        return true;
+    }
+    const auto config = lint::ReadConfig(options.config, problem);
+    if (!config) {
+        return false;
+    }
+    options.tags = options.tags.empty() ? config->tags : options.tags;
+    options.prefix = options.prefix.empty() ? config->prefix : options.prefix;
+    options.only = options.only.empty() ? config->only : options.only;
+    options.failLevel = options.failLevel.empty() ? config->failLevel : options.failLevel;
+    options.baseline = options.baseline.empty() ? config->baseline : options.baseline;
+    AppendTo(options.disable, config->disable);
+    AppendTo(options.devices, config->devices);
+    return true;
+}
+
+bool MakeOptions(const LintCommandOptions& given, lint::LintOptions& options, std::string& problem)
+{
+    options.tags = given.tags;
+    options.prefix = given.prefix;
+    options.disabled.insert(given.disable.begin(), given.disable.end());
+    options.only.insert(given.only.begin(), given.only.end());
+    for (const auto* ids : {&given.disable, &given.only}) {
+        problem = lint::UnknownCheck(*ids);
+        if (!problem.empty()) {
+            return false;
+        }
+    }
+    for (const std::string& file : given.devices) {
+        const auto profiles = lint::ReadDeviceProfiles(file, problem);
+        if (!profiles) {
+            return false;
+        }
+        options.devices.insert(options.devices.end(), profiles->begin(), profiles->end());
+    }
+    return true;
+}
+
+bool EndsWith(const std::string& text, const std::string& end)
+{
+    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+// A file from an editor takes the place of the one that its name tells; the other file of the rule set is read from the
+// same folder. Without a name the text tells by its sections which of the two it is, and it is looked at alone.
+rule_source::RuleSetFiles FilesOfEditor(const std::string& name)
+{
+    using rule_source::SourceFile;
+    const std::string text{std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
+    rule_source::RuleSetFiles files;
+    auto edited = SourceFile::Of(name.empty() ? "-" : name, text);
+    bool isRuleFile = EndsWith(name, "FaultTreeRules.xml");
+    if (name.empty()) {
+        for (const auto kind : rule_source::SECTION_KINDS) {
+            isRuleFile = isRuleFile || edited->Root().FirstChild(rule_source::SectionName(kind));
+        }
+        (isRuleFile ? files.rules : files.trees) = std::move(edited);
+        return files;
+    }
+    const std::string own = isRuleFile ? "FaultTreeRules.xml" : "FaultTrees.xml";
+    const std::string start = EndsWith(name, own) ? name.substr(0, name.size() - own.size()) : "";
+    auto other = SourceFile::Read(start + (isRuleFile ? "FaultTrees.xml" : "FaultTreeRules.xml"));
+    // Nobody asked for the other one: what is wrong with the file itself is told with the whole rule set.
+    other = other->IsLoaded() ? std::move(other) : nullptr;
+    files.rules = isRuleFile ? std::move(edited) : std::move(other);
+    files.trees = isRuleFile ? std::move(other) : std::move(edited);
+    return files;
+}
+
+/// Lints one rule set after another.
+class LintRunner {
+public:
+    LintRunner(const LintCommandOptions& given, const lint::LintOptions& options) : mGiven(given), mOptions(options) {}
+
+    void Lint(const std::string& folder)
+    {
+        const auto files = folder == "-" ? FilesOfEditor(mGiven.stdinFile)
+                                         : rule_source::ReadRuleSetFiles(folder, mOptions.prefix);
+        for (const auto* file : {files.trees.get(), files.rules.get()}) {
+            if (file != nullptr) {
+                mRun.files.push_back(file->Path());
+            }
+        }
+        const lint::LintReport report = lint::LintFiles(files, mOptions);
+        mIsReadable = mIsReadable && report.isReadable;
+        mRun.findings.insert(mRun.findings.end(), report.findings.begin(), report.findings.end());
+    }
+
+    lint::LintRun& Run() { return mRun; }
+    bool IsReadable() const { return mIsReadable; }
+
+private:
+    const LintCommandOptions& mGiven;
+    const lint::LintOptions& mOptions;
+    lint::LintRun mRun;
+    bool mIsReadable = true;
+};
+
+std::string Formatted(const lint::LintRun& run, const LintCommandOptions& options)
+{
+    const std::string format = options.asJson ? "json" : options.format;
+    return format == "json"   ? lint::RunJson(run)
+        : format == "short"   ? lint::RunShort(run)
+        : format == "github"  ? lint::RunGithub(run)
+        : format == "gitlab"  ? lint::RunGitlab(run)
+        : format == "sarif"   ? lint::RunSarif(run)
+        : format == "junit"   ? lint::RunJunit(run)
+                              : LintText(run, IsColoured(options.colour).value_or(false));
+}
+
+bool IsAtLevel(const lint::LintRun& run, const std::string& failLevel)
+{
+    const lint::Severity level = lint::SeverityOf(failLevel).value_or(lint::Severity::ERROR);
+    return std::any_of(run.findings.begin(), run.findings.end(),
+        [level](const lint::Finding& finding) { return finding.check->severity >= level; });
+}
+
+bool WriteBaseline(const lint::LintRun& run, const std::string& path)
+{
+    std::ofstream file(path, std::ios::binary);
+    file << lint::Baseline::TextOf(run.findings, path);
+    return static_cast<bool>(file.flush());
+}
+
+// Takes away what the baseline knows; false, with the reason, when it can't be read.
+bool FilterByBaseline(const LintCommandOptions& options, lint::LintRun& run, std::string& problem)
+{
+    if (options.baseline.empty() || options.withoutBaseline) {
+        return true;
+    }
+    auto baseline = lint::Baseline::Read(options.baseline, problem);
+    if (baseline) {
+        run.known = baseline->Filter(run.findings);
+    }
+    return baseline.has_value();
+}
+
+ExitStatus LintAll(const LintCommandOptions& given, const lint::LintOptions& options)
+{
+    LintRunner runner(given, options);
+    for (const std::string& folder : given.folders) {
+        runner.Lint(folder);
+    }
+    lint::LintRun& run = runner.Run();
+    if (!given.newBaseline.empty() && !WriteBaseline(run, given.newBaseline)) {
+        return WrongUse(given.newBaseline + ": it can't be written");
+    }
+    std::string problem;
+    if (!FilterByBaseline(given, run, problem)) {
+        return WrongUse(problem);
+    }
+    PrintResult(Formatted(run, given));
+    return !runner.IsReadable()                                              ? ExitStatus::RULE_SET
+        : IsAtLevel(run, given.failLevel) && given.newBaseline.empty() ? ExitStatus::FAULT_FOUND
+                                                                             : ExitStatus::SUCCESS;
+}
+
+ExitStatus Explain(const std::string& id)
+{
+    const std::string unknown = lint::UnknownCheck({id});
+    if (!unknown.empty()) {
+        return WrongUse(unknown);
+    }
+    PrintResult(CheckText(*lint::FindCheck(id)));
+    return ExitStatus::SUCCESS;
+}
+
+ExitStatus Lint(LintCommandOptions given)
+{
+    if (given.asList) {
+        PrintResult(CheckListText());
+        return ExitStatus::SUCCESS;
+    }
+    if (!given.explained.empty()) {
+        return Explain(given.explained);
+    }
+    std::string problem;
+    lint::LintOptions options;
+    if (!TakeConfig(given, problem) || !MakeOptions(given, options, problem)) {
+        return WrongUse(problem);
+    }
+    return LintAll(given, options);
+}
+
+void AddSelection(CLI::App& app, LintCommandOptions& options)
+{
+    app.add_option("--tag", options.tags, "Look at this tag alone; may be given several times")->type_name("TAG");
+    app.add_option("--prefix", options.prefix, "The files are named with this and \"_\" in front")->type_name("PREFIX");
+    app.add_option("--disable", options.disable, "Leave this check out; several with commas between, or several times")
+        ->type_name("ID")->delimiter(',');
+    app.add_option("--only", options.only, "Run this check alone; several as for --disable")
+        ->type_name("ID")->delimiter(',');
+    app.add_option("--device", options.devices, "Profiles of devices, for checks that need them")->type_name("FILE");
+    app.add_option("--config", options.config, "Read options from a file of JSON")->type_name("FILE");
+    app.add_option("--stdin-filename", options.stdinFile, "What the text of standard input is, for -")
+        ->type_name("FILE");
+}
+
+void AddOutput(CLI::App& app, LintCommandOptions& options)
+{
+    app.add_option("--format", options.format, "text: for people; short: for editors; github, gitlab: for their "
+        "pipelines; json, sarif, junit")
+        ->type_name("FORMAT")
+        ->check(CLI::IsMember({"text", "short", "json", "github", "gitlab", "sarif", "junit"}))
+        ->capture_default_str();
+    app.add_flag("--json", options.asJson, "The same as --format json");
+    AddColour(app, options.colour);
+    app.add_option("--fail-level", options.failLevel, "Exit with 1 from findings of this level on; error unless given")
+        ->type_name("LEVEL")
+        ->check(CLI::IsMember({"error", "warning", "info"}));
+    auto* baseline = app.add_option("--baseline", options.baseline, "Leave out findings that this file holds")
+        ->type_name("FILE");
+    app.add_option("--write-baseline", options.newBaseline, "Write all findings to this file, and exit with 0")
+        ->type_name("FILE")->excludes(baseline);
+    app.add_flag("--no-baseline", options.withoutBaseline, "Tell all, also what the baseline of --config holds");
+}
+
+} // namespace
+
+void AddLintCommand(CLI::App& app, ExitStatus& status)
+{
+    auto options = std::make_shared<LintCommandOptions>();
+    CLI::App* lint = app.add_subcommand("lint", "Look for mistakes in rule sets that their readers pass over in silence");
+    lint->add_option("RULES_DIR", options->folders, "Folders with FaultTrees.xml and FaultTreeRules.xml; - for a file "
+        "on standard input");
+    AddSelection(*lint, *options);
+    AddOutput(*lint, *options);
+    lint->add_flag("--list", options->asList, "List all checks");
+    lint->add_option("--explain", options->explained, "Tell what a check finds, what happens at run time, and show a "
+        "bad and a good sample")->type_name("ID");
+    lint->footer("Examples:\n  arborist lint examples/laptop/rules\n  arborist lint --explain A303\n"
+                 "  arborist lint rules --format sarif --fail-level warning > lint.sarif");
+    lint->callback([options, &status] {
+        if (options->folders.empty() && !options->asList && options->explained.empty()) {
+            throw CLI::RequiredError("RULES_DIR");
+        }
+        status = Lint(*options);
+    });
+}
+
+} // namespace diagnosis::command
