@@ -9,5 +9,8 @@ pkg_check_modules(MINIZIP REQUIRED IMPORTED_TARGET minizip)
 
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM AND PROJECT_IS_TOP_LEVEL)
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+    # Without this sloppiness ccache stores nothing that was compiled with a precompiled header. In depend mode it reads
+    # the included files from the compiler's list of them, which saves a run of the preprocessor for each file.
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+        CCACHE_SLOPPINESS=pch_defines,time_macros CCACHE_DEPEND=1 ${CCACHE_PROGRAM})
 endif()
