@@ -1,7 +1,7 @@
 #ifndef ARBORIST_ARBORIST_H
 #define ARBORIST_ARBORIST_H
 
-/// The one header that a host includes: the facade, what goes in, what comes out, the log and the settings.
+/// The one header that a host includes: the facade, what goes in, what comes out, what a rule set names, the log and the settings.
 
 #include "arborist/frame/arborist.h"
 #include "arborist/frame/detect_info.h"
@@ -9,6 +9,7 @@
 #include "arborist/frame/fault_tree_result.h"
 #include "arborist/frame/log.h"
 #include "arborist/frame/repair.h"
+#include "arborist/frame/rule_set_summary.h"
 #include "arborist/frame/settings.h"
 
 #endif

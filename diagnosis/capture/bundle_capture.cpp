@@ -114,8 +114,8 @@ private:
             mCaptured.codeAnswers.insert(answers->GetAnswers().begin(), answers->GetAnswers().end());
             mWarnings = answers->GetWarnings();
         }
-        mPaths = ReadRulePaths(mOwn);
-        return RuleSetFailure(recorder->GetFiles(), mOwn.treeTag);
+        mRuleSet = SummariseRuleSet(mOwn);
+        return RuleSetFailure(recorder->GetFiles(), mOwn);
     }
 
     const std::string& OwnSetting(const char* key) const
@@ -141,7 +141,7 @@ private:
 
     bool NamesAbsolutePath() const
     {
-        for (const auto* paths : {&mPaths.nodeFiles, &mPaths.searchedFolders}) {
+        for (const auto* paths : {&mRuleSet.nodeFiles, &mRuleSet.searchedFolders}) {
             for (const std::string& path : *paths) {
                 if (path.front() == '/') {
                     return true;
@@ -176,7 +176,7 @@ private:
 
     Problem AddNodeFiles()
     {
-        for (const std::string& path : mPaths.nodeFiles) {
+        for (const std::string& path : mRuleSet.nodeFiles) {
             const auto name = NameOf(path);
             auto failure = name ? mFiles.AddNodeFile(InBundle(OnDevice(OwnSetting(Settings::DEVICE_ROOT_DIR), path)), *name)
                                 : std::nullopt;
@@ -189,7 +189,7 @@ private:
 
     Problem AddFolders()
     {
-        for (const std::string& path : mPaths.searchedFolders) {
+        for (const std::string& path : mRuleSet.searchedFolders) {
             const auto name = NameOf(path);
             auto failure = name ? mFiles.AddFolder(InBundle(OnDevice(OwnSetting(Settings::DEVICE_ROOT_DIR), path)), *name)
                                 : std::nullopt;
@@ -221,11 +221,11 @@ private:
 
     Problem AddLog(const std::string& source, const std::string& target) const
     {
-        if (!mOptions.isWindowOnly || !mPaths.longestWindow) {
+        if (!mOptions.isWindowOnly || !mRuleSet.longestWindow) {
             return CopyDatabase(source, target);
         }
         LogSlice slice;
-        slice.from = mSession.Now() - *mPaths.longestWindow * SECONDS_OF_A_DAY;
+        slice.from = mSession.Now() - *mRuleSet.longestWindow * SECONDS_OF_A_DAY;
         return SliceEventLog(source, target, slice);
     }
 
@@ -266,7 +266,7 @@ private:
     const CaptureOptions& mOptions;
     const Bundle& mOwn;
     Bundle mCaptured;
-    RulePaths mPaths;
+    RuleSetSummary mRuleSet;
     CapturedFiles mFiles;
     std::vector<Warning> mWarnings;
 };

@@ -24,7 +24,7 @@ void LoadRules(const BundleSession& session, BundleContents& contents)
         engine.SetObserver(recorder);
         // Any question loads the rule set, and this one runs nothing.
         engine.IsRunRule("any code");
-        contents.ruleSetFailure = RuleSetFailure(recorder->GetFiles(), session.GetBundle().treeTag);
+        contents.ruleSetFailure = RuleSetFailure(recorder->GetFiles(), session.GetBundle());
     } catch (...) {
         contents.ruleSetFailure = FailureInFlight(recorder->GetFiles());
     }
@@ -64,9 +64,9 @@ void LookInto(const BundleSession& session, BundleContents& contents)
             (*failure)->message = session.Shown((*failure)->message);
         }
     }
-    const RulePaths paths = ReadRulePaths(session.GetBundle());
-    contents.nodeFiles = LookFor(session, paths.nodeFiles);
-    contents.searchedFolders = LookFor(session, paths.searchedFolders);
+    const RuleSetSummary ruleSet = SummariseRuleSet(session.GetBundle());
+    contents.nodeFiles = LookFor(session, ruleSet.nodeFiles);
+    contents.searchedFolders = LookFor(session, ruleSet.searchedFolders);
 }
 
 BundleFinding Finding(const std::string& sound, const std::optional<Failure>& failure)

@@ -4,6 +4,7 @@
 #include <exception>
 #include <new>
 #include <regex>
+#include <set>
 
 #include "arborist/frame/arborist.h"
 #include "diagnosis/bundle/moment.h"
@@ -28,11 +29,15 @@ std::string FileTrouble(const RecordedFile& file)
 }
 
 // With the tag that was most likely meant; one that is there without a tree is not meant.
-std::string NoTree(const std::string& treeFile, const std::string& treeTag)
+std::string NoTree(const std::string& treeFile, const Bundle& bundle)
 {
-    std::vector<std::string> tags = ReadTags(treeFile);
-    std::erase(tags, treeTag);
-    return treeFile + ": no tree under the tag \"" + treeTag + "\"" + DidYouMean(treeTag, tags);
+    std::set<std::string> tags;
+    for (const RuleSetSummary::Tag& tag : SummariseRuleSet(bundle).tags) {
+        tags.insert(tag.name);
+    }
+    tags.erase(bundle.treeTag);
+    return treeFile + ": no tree under the tag \"" + bundle.treeTag + "\""
+        + DidYouMean(bundle.treeTag, {tags.begin(), tags.end()});
 }
 
 // Explanations name files as the bundle does, not where the run kept them.
@@ -91,7 +96,7 @@ public:
             Arborist engine(mInfo);
             engine.SetObserver(mRecorder);
             report.results = engine.StartDetection();
-            report.failure = RuleSetFailure(mRecorder->GetFiles(), mInfo->mTreeTag);
+            report.failure = RuleSetFailure(mRecorder->GetFiles(), mSession.GetBundle());
         } catch (...) {
             report.failure = FailureInFlight(mRecorder->GetFiles(), mRecorder->GetPatterns());
         }
@@ -131,7 +136,7 @@ bool DetectionReport::IsFault() const
         [](const std::shared_ptr<FaultTreeResult>& result) { return result->mIsFault; });
 }
 
-std::optional<Failure> RuleSetFailure(const std::vector<RecordedFile>& files, const std::string& treeTag)
+std::optional<Failure> RuleSetFailure(const std::vector<RecordedFile>& files, const Bundle& bundle)
 {
     std::optional<Failure> failure;
     std::string treeFile = "the rule set";
@@ -148,7 +153,7 @@ std::optional<Failure> RuleSetFailure(const std::vector<RecordedFile>& files, co
         }
     }
     if (!failure && !hasTrees) {
-        failure = Failure{"no_tree", NoTree(treeFile, treeTag), ExitStatus::RULE_SET};
+        failure = Failure{"no_tree", NoTree(treeFile, bundle), ExitStatus::RULE_SET};
     }
     return failure;
 }

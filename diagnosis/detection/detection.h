@@ -46,7 +46,7 @@ DetectionReport RunDetection(const BundlePath& bundle, const DetectionOptions& o
 
 /// Whether the rule set that an engine tried to load can be used: a file is missing or malformed, or no tree stands
 /// under the tag.
-std::optional<Failure> RuleSetFailure(const std::vector<RecordedFile>& files, const std::string& treeTag);
+std::optional<Failure> RuleSetFailure(const std::vector<RecordedFile>& files, const Bundle& bundle);
 
 /// The exception in flight as a failure; to be called in a catch block while the bundle is entered.
 std::optional<Failure> FailureInFlight(

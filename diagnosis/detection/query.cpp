@@ -22,12 +22,12 @@ void WarnOfUnknownCode(const std::vector<std::string>& codes, QueryReport& repor
 void Ask(const BundleSession& session, DetectionRecorder& recorder, Arborist& engine, QueryReport& report)
 {
     report.wouldRun = engine.IsRunRule(report.code);
-    report.failure = RuleSetFailure(recorder.GetFiles(), session.GetBundle().treeTag);
+    report.failure = RuleSetFailure(recorder.GetFiles(), session.GetBundle());
     if (!report.failure) {
         report.faultDescription = engine.GetCodeRuleFaultDescId(report.code);
         report.suggestion = engine.GetCodeRuleSuggestionId(report.code);
         report.repair = engine.GetCodeRuleRepairId(report.code);
-        WarnOfUnknownCode(ReadRulePaths(session.GetBundle()).codes, report);
+        WarnOfUnknownCode(SummariseRuleSet(session.GetBundle()).detectCodes, report);
     }
 }
 

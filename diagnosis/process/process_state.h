@@ -52,7 +52,7 @@ public:
     void Set(const std::map<std::string, std::string>& settings);
 };
 
-/// Makes `folder` the one for temporary files of this process and of the programs that it runs, for the rest of its life.
+/// Makes `folder` the one for temporary files of this process, and of the programs that it runs, until it ends.
 void KeepTemporaryFilesIn(const std::string& folder);
 
 } // namespace diagnosis

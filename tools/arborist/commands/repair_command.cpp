@@ -44,15 +44,17 @@ std::string RecordText(const RepairRecord& record, bool asJson)
 // A slip of the pen looks like a repair that made no difference.
 void WarnOfUnknownRepair(const BundleSession& session, const RepairOptions& options)
 {
-    const auto known = ReadRepairIds(session.GetBundle());
-    if (!known || std::find(known->begin(), known->end(), options.id) != known->end()) {
+    const RuleSetSummary ruleSet = SummariseRuleSet(session.GetBundle());
+    const std::vector<std::string>& known = ruleSet.repairIds;
+    const bool isWhole = ruleSet.isTreeFileRead && ruleSet.isRuleFileRead;
+    if (!isWhole || std::find(known.begin(), known.end(), options.id) != known.end()) {
         return;
     }
     // The operation word behind an id is easily forgotten.
-    const auto longer = std::find_if(known->begin(), known->end(),
+    const auto longer = std::find_if(known.begin(), known.end(),
         [&](const std::string& id) { return id.rfind(options.id + "_", 0) == 0; });
     PrintProblems(options.bundle, {{"unknown_repair", "no event of the rule set names the repair \"" + options.id + "\""
-        + (longer == known->end() ? DidYouMean(options.id, *known) : "; did you mean \"" + *longer + "\"?")}}, nullptr);
+        + (longer == known.end() ? DidYouMean(options.id, known) : "; did you mean \"" + *longer + "\"?")}}, nullptr);
 }
 
 // The library answers nothing when it records, so the record is read back: an old one may have stayed.
