@@ -32,7 +32,11 @@ void Diagnose(const std::string& ruleFolder, const std::string& treeTag)
     info->mDeviceDetails = std::make_shared<DeviceDetails>("laptop", "LT-14", "x86", "quad-2.4", "8", "1920x1080", "5000");
 
     Arborist engine(info);
-    for (const auto& tree : engine.StartDetection()) {
+    const auto trees = engine.StartDetection();
+    if (trees.empty()) {
+        std::cout << "no tree\n"; // nothing was diagnosed: the log says why
+    }
+    for (const auto& tree : trees) {
         std::cout << tree->mTreeId << (tree->mIsFault ? ": fault" : ": no fault") << "\n";
         for (const auto& cause : tree->mRootCauseResults) {
             std::cout << "  " << cause->mNode->mId << ", described by " << cause->mFaultDescription << "\n";
