@@ -192,6 +192,15 @@ std::string FindProgram(const std::string& name)
     return fs::absolute(name, error).string();
 }
 
+std::optional<std::string> ProgramProblem(const std::string& path)
+{
+    std::error_code error;
+    if (access(path.c_str(), X_OK) != 0) {
+        return std::strerror(errno);
+    }
+    return fs::is_regular_file(path, error) ? std::nullopt : std::optional<std::string>("is no file");
+}
+
 ProgramOutcome RunProgram(const std::string& path, const std::string& input, std::chrono::milliseconds timeout)
 {
     const File file = FileWith(input);

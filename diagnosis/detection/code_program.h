@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <optional>
 #include <string>
 
 #include <sys/types.h>
@@ -21,6 +22,9 @@ struct ProgramOutcome {
 /// Where a program lies, as an absolute path: a name without "/" is looked for in PATH, then here. Done once, before
 /// any bundle becomes the working directory: a bundle must not choose what is run.
 std::string FindProgram(const std::string& name);
+
+/// Why the program at `path` can't be started; nothing if it is an executable file.
+std::optional<std::string> ProgramProblem(const std::string& path);
 
 /// Runs the program at `path`, without a shell and without arguments, with `input` on its standard input. What it
 /// prints goes to standard error. It runs in a process group of its own, which is killed when the time is over.

@@ -142,7 +142,8 @@ TEST_F(BatchTest, AThousandBundlesWithTenBrokenOnesGiveAThousandLines)
     }
     EXPECT_THAT(Outcomes(result.out), UnorderedElementsAreArray(expected));
     EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 1000);
-    EXPECT_THAT(result.err, IsEmpty());
+    EXPECT_THAT(result.err, StartsWith("arborist: 1000 bundles in "));
+    EXPECT_THAT(result.err, EndsWith(" a second: 0 without a fault, 990 with faults, 10 not diagnosed\n"));
     EXPECT_EQ(result.status, 5);
 }
 
@@ -177,11 +178,60 @@ TEST_F(BatchTest, NulCharactersEndTheEntriesOfAListWithLineEndsInNames)
     }
 }
 
-TEST_F(BatchTest, AnEmptyListGivesNoLine)
+TEST_F(BatchTest, AnEmptyListIsWrongUse)
 {
     const auto result = RunArborist({"detect", "--batch", "-"}, {.input = "\n\n"});
     EXPECT_THAT(result.out, IsEmpty());
-    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "arborist: standard input: names no bundle\n");
+    EXPECT_EQ(result.status, 2);
+    mDir.Write("list", "");
+    EXPECT_EQ(RunArborist({"detect", "--batch", "list"}).err, "arborist: list: names no bundle\n");
+}
+
+TEST_F(BatchTest, ShardsTogetherHaveEachBundleOnce)
+{
+    const auto names = WriteBundles(5);
+    mDir.Write("list", Joined(names));
+    const auto shard = [](const char* number) {
+        return Outcomes(RunArborist({"detect", "--batch", "list", "--ordered", "--shard", number}).out);
+    };
+    EXPECT_THAT(shard("1/2"), ElementsAre("b0", "b2", "b4"));
+    EXPECT_THAT(shard("2/2"), ElementsAre("b1", "b3"));
+    EXPECT_THAT(shard("5/18446744073709551615"), ElementsAre("b4"));
+    const auto beyond = RunArborist({"detect", "--batch", "list", "--shard", "7/8"});
+    EXPECT_THAT(beyond.out, IsEmpty());
+    EXPECT_EQ(beyond.status, 0);
+}
+
+TEST_F(BatchTest, AShardThatIsNoneIsWrongUse)
+{
+    for (const char* shard : {"0/2", "3/2", "1", "1/", "/2", "1/0", "1/2/3", "-1/2", " 1/2", "a/b"}) {
+        EXPECT_EQ(RunArborist({"detect", "--batch", "-", "--shard", shard}, {.input = "b\n"}).status, 2) << shard;
+    }
+}
+
+TEST_F(BatchTest, OutputHasAllLinesOrIsNotMade)
+{
+    mDir.Write("list", Joined(WriteBundles(3)));
+    const auto result = RunArborist({"detect", "--batch", "list", "--ordered", "--output", "results.jsonl"});
+    EXPECT_THAT(result.out, IsEmpty());
+    EXPECT_THAT(Outcomes(mDir.Read("results.jsonl")), ElementsAre("b0", "b1", "b2"));
+    mDir.MakeDir("folder");
+    const auto refused = RunArborist({"detect", "--batch", "list", "--output", "folder"});
+    EXPECT_EQ(refused.err, "arborist: folder: is a folder\n");
+    EXPECT_EQ(refused.status, 2);
+}
+
+TEST_F(BatchTest, ARunThatIsEndedLeavesAnOldOutputAsItWas)
+{
+    WriteCodeBundle(mDir, "b", {"info"});
+    mDir.Write("results.jsonl", "old\n");
+    // The program of the code rule ends the batch, which is the parent of the worker that asks.
+    const auto runner = Script("kill -TERM $(ps -o ppid= -p $PPID)");
+    const auto result = RunArborist({"detect", "--batch", "-", "--output", "results.jsonl", "--code-runner", runner},
+        {.input = "b\n"});
+    EXPECT_EQ(result.status, 128 + SIGTERM);
+    EXPECT_EQ(mDir.Read("results.jsonl"), "old\n");
 }
 
 TEST_F(BatchTest, LinesMayEndInCarriageReturns)
@@ -308,8 +358,8 @@ TEST_F(BatchTest, OnATerminalALineTellsHowFarItIs)
     mDir.Write("list", Joined(WriteBundles(20)));
     const auto result = RunProcess({"script", "--quiet", "--return", "--command",
         "'" ARBORIST_COMMAND "' detect --batch list > results", "/dev/null"});
-    EXPECT_THAT(result.out, ContainsRegex("\r[0-9]+ of 20 bundles, [01] not diagnosed"));
-    EXPECT_THAT(result.out, EndsWith("\r\x1b[K")); // and is taken back
+    EXPECT_THAT(result.out, ContainsRegex("\r[0-9]+ of 20 bundles, .* a second, .* left, [0-9]+ with faults, [01] not "));
+    EXPECT_THAT(result.out, HasSubstr("\r\x1b[Karborist: 20 bundles in ")); // the summary takes its place
     EXPECT_EQ(result.status, 4);
     EXPECT_EQ(Lines(mDir.Read("results")).size(), 20U);
 }
@@ -327,7 +377,8 @@ TEST_F(BatchTest, LinesThatCannotBeWrittenAreAnInternalError)
 {
     WriteHotBundle(mDir, "b");
     const auto result = RunProcess({"sh", "-c", "echo b | '" ARBORIST_COMMAND "' detect --batch - > /dev/full"});
-    EXPECT_EQ(result.err, "arborist: standard output could not be written\n");
+    EXPECT_EQ(result.err, // without a summary of lines that nobody has
+        "arborist: standard output could not be written\n");
     EXPECT_EQ(result.status, 5);
 }
 
@@ -405,14 +456,16 @@ TEST_F(BatchRecipeTest, ASlurmArrayRunsAllTasks)
 {
     mDir.Write("bundles.txt", Joined(mPaths));
     mDir.MakeDir("results");
-    mDir.Write("diagnose.sh", Recipe("bash"));
-    for (const char* task : {"0", "1", "2"}) {
-        mSetup.environment["SLURM_ARRAY_TASK_COUNT"] = "3";
+    std::string script = Recipe("bash");
+    script.replace(script.find("/200"), 4, "/3");
+    mDir.Write("diagnose.sh", script);
+    for (const char* task : {"1", "2", "3"}) {
+        mSetup.environment["SLURM_ARRAY_TASK_COUNT"] = "1"; // as for a task that is submitted again alone
         mSetup.environment["SLURM_ARRAY_TASK_ID"] = task;
         mSetup.environment["SLURM_CPUS_PER_TASK"] = "2";
         EXPECT_EQ(RunProcess({"bash", "diagnose.sh"}, mSetup).status, 0);
     }
-    EXPECT_THAT(Outcomes(mDir.Read("results/0.jsonl") + mDir.Read("results/1.jsonl") + mDir.Read("results/2.jsonl")),
+    EXPECT_THAT(Outcomes(mDir.Read("results/1.jsonl") + mDir.Read("results/2.jsonl") + mDir.Read("results/3.jsonl")),
         UnorderedElementsAreArray(ExpectedOutcomes(mPaths)));
 }
 

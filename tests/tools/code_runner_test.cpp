@@ -70,17 +70,28 @@ TEST_F(CodeRunnerTest, WhatItPrintsGoesToStandardError)
     EXPECT_EQ(result.err, "chatter\n");
 }
 
-TEST_F(CodeRunnerTest, OneThatCannotBeStartedIsAWarning)
+TEST_F(CodeRunnerTest, OneThatCannotBeStartedIsWrongUseBeforeTheFirstBundle)
 {
     WriteCodeBundle(mDir, "b", {"info"});
     mDir.Write("notes.txt", "no program");
+    mDir.MakeDir("folder");
     for (const auto& [program, reason] : {std::pair("no-such-runner", "No such file or directory"),
-             std::pair("./notes.txt", "Permission denied")}) {
+             std::pair("./notes.txt", "Permission denied"), std::pair("./folder", "is no file")}) {
         const auto result = RunArborist({"detect", "--json", "--code-runner", program, "b"});
-        EXPECT_THAT(result.out, AllOf(HasSubstr(R"("ok": true, "warnings": [{"code": "code_runner", "message": ")"),
-            HasSubstr(std::string("can't be started: ") + reason)));
-        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_THAT(result.out, IsEmpty());
+        EXPECT_THAT(result.err, HasSubstr(program + std::string(": can't be started: ") + reason));
     }
+}
+
+TEST_F(CodeRunnerTest, OneWhoseInterpreterIsMissingIsAWarning)
+{
+    WriteCodeBundle(mDir, "b", {"info"});
+    std::filesystem::permissions(mDir.Write("runner", "#!/no/such/shell\n"), std::filesystem::perms::owner_all);
+    const auto result = RunArborist({"detect", "--json", "--code-runner", "./runner", "b"});
+    EXPECT_THAT(result.out, AllOf(HasSubstr(R"("ok": true, "warnings": [{"code": "code_runner", "message": ")"),
+        HasSubstr("can't be started: No such file or directory")));
+    EXPECT_EQ(result.status, 0);
 }
 
 TEST_F(CodeRunnerTest, ALongQuestionThatNobodyReadsBlocksNothing)

@@ -67,7 +67,7 @@ TEST(CommandLineTest, HelpIsAResultWithTheExitStatuses)
 {
     const auto help = RunArborist({"--help"});
     EXPECT_THAT(help.out, AllOf(HasSubstr("detect"), HasSubstr("query"), HasSubstr("repair"), HasSubstr("log"),
-        HasSubstr("3 a rule set could not be used")));
+        HasSubstr("3  a rule set could not be used")));
     EXPECT_THAT(help.err, IsEmpty());
     EXPECT_EQ(help.status, 0);
     for (const auto& command : std::vector<std::vector<std::string>>{{"detect"}, {"query"}, {"repair", "record"},

@@ -151,14 +151,21 @@ TEST_F(LogCommandTest, EveryBadLineIsNamedUntilTwenty)
     EXPECT_THAT(Import(lines).err, testing::EndsWith("events.jsonl: given up after 20 lines that can't be used\n"));
 }
 
+TEST_F(LogCommandTest, TheFoldersOfTheTargetAreMade)
+{
+    mDir.Write("events.jsonl", LINES);
+    EXPECT_EQ(RunArborist({"log", "import", "events.jsonl", "--to", "a/b/log.db"}).status, 0);
+    EXPECT_TRUE(mDir.Has("a/b/log.db"));
+}
+
 TEST_F(LogCommandTest, ATargetThatCannotBeWrittenIsTold)
 {
     mDir.Write("events.jsonl", LINES);
     mDir.MakeDir("folder");
     mDir.Write("used.db-wal", "");
     EXPECT_EQ(RunArborist({"log", "import", "events.jsonl", "--to", "folder"}).err, "arborist: folder: is a folder\n");
-    EXPECT_EQ(RunArborist({"log", "import", "events.jsonl", "--to", "no/log.db"}).err,
-        "arborist: no/log.db: can't be written: No such file or directory\n");
+    EXPECT_EQ(RunArborist({"log", "import", "events.jsonl", "--to", "used.db-wal/log.db"}).err,
+        "arborist: used.db-wal/log.db: can't be written: Not a directory\n");
     EXPECT_EQ(RunArborist({"log", "import", "events.jsonl", "--to", "used.db"}).err,
         "arborist: used.db: is in use: there is used.db-wal\n");
     EXPECT_EQ(RunArborist({"log", "import", "events.jsonl", "--to", "./events.jsonl"}).err,

@@ -18,6 +18,7 @@
 #include "diagnosis/process/signals.h"
 #include "diagnosis/scratch/scratch.h"
 #include "tools/arborist/batch/processors.h"
+#include "tools/arborist/batch/progress.h"
 #include "tools/arborist/batch/worker.h"
 #include "tools/arborist/terminal/output.h"
 
@@ -73,34 +74,6 @@ private:
     std::size_t mSize;
 };
 
-/// How far a batch is, on one line of a terminal.
-class Progress {
-public:
-    explicit Progress(std::size_t count) : mIsShown(isatty(STDERR_FILENO) == 1), mCount(count) {}
-
-    void Show(std::size_t done, std::size_t failed)
-    {
-        static constexpr std::chrono::milliseconds PAUSE(200);
-        const auto now = Clock::now();
-        if (mIsShown && now - mLast >= PAUSE) {
-            mLast = now;
-            std::cerr << "\r" << done << " of " << mCount << " bundles, " << failed << " not diagnosed\x1b[K";
-        }
-    }
-    /// Before anything else is written to the terminal.
-    void Clear() const
-    {
-        if (mIsShown) {
-            std::cerr << "\r\x1b[K";
-        }
-    }
-
-private:
-    bool mIsShown;
-    std::size_t mCount;
-    Clock::time_point mLast;
-};
-
 // The processor of each worker, where there are at least as many workers as processors. A worker waits for the two
 // threads that read a rule set, one after the other. Left free, such a thread often wakes up on the processor of
 // another worker and waits for its turn there, while its own idles. Bundles are handed out one at a time, so that a
@@ -138,20 +111,22 @@ public:
 
     ExitStatus Run()
     {
-        while (mDone < mBundles.size() && caughtSignal == 0 && std::cout.good()) {
+        while (IsUnfinished() && caughtSignal == 0 && mCanPrint) {
             HandOut();
-            if (mDone < mBundles.size()) {
+            if (IsUnfinished()) {
                 Wait();
             }
-            mProgress.Show(mDone, mFailed);
+            mProgress.Show();
         }
-        mProgress.Clear();
+        Conclude();
         return mStatus;
     }
 
 private:
     // Lines that wait for an earlier one take memory: a slow bundle holds the others up at some point.
     static constexpr std::size_t LARGEST_LEAD = 4096;
+
+    bool IsUnfinished() const { return mProgress.GetCounts().done < mBundles.size(); }
 
     void HandOut()
     {
@@ -248,19 +223,34 @@ private:
 
     void Finish(std::size_t bundle, BundleAnswer answer)
     {
-        ++mDone;
         mStatus = MoreSerious(mStatus, answer.status);
-        mFailed += answer.status >= ExitStatus::RULE_SET ? 1 : 0;
-        mProgress.Clear();
+        mProgress.Count(answer.isFault, answer.status >= ExitStatus::RULE_SET);
         if (!mOptions.isOrdered) {
-            PrintResult(answer.line + "\n");
+            Print(answer.line);
             return;
         }
         mWaiting[bundle] = std::move(answer.line);
         for (auto first = mWaiting.begin(); first != mWaiting.end() && first->first == mPrinted; ++mPrinted) {
-            PrintResult(first->second + "\n");
+            Print(first->second);
             first = mWaiting.erase(first);
         }
+    }
+
+    // Nobody wants the summary of lines whose reader has left. The reader of messages may leave, too: that is no reason
+    // to end the batch by its signal.
+    void Conclude()
+    {
+        const std::sig_atomic_t signal = caughtSignal;
+        if (mCanPrint && signal != SIGPIPE) {
+            mProgress.Finish();
+            caughtSignal = signal;
+        }
+    }
+
+    void Print(const std::string& line)
+    {
+        mProgress.MakeRoomForResult();
+        mCanPrint = mWork.print(line + "\n") && mCanPrint;
     }
 
     const std::vector<BundlePath>& mBundles;
@@ -271,9 +261,8 @@ private:
     std::vector<std::unique_ptr<Worker>> mWorkers;
     Progress mProgress;
     std::size_t mNext = 0;
-    std::size_t mDone = 0;
-    std::size_t mFailed = 0;
     std::size_t mPrinted = 0;
+    bool mCanPrint = true;
     std::map<std::size_t, std::string> mWaiting;
     ExitStatus mStatus = ExitStatus::SUCCESS;
 };

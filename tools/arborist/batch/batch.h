@@ -13,10 +13,11 @@
 
 namespace diagnosis::command {
 
-/// What one bundle of a batch comes to: a line of JSON, without the line end, and its part of the exit status.
+/// The result of one bundle of a batch: a line of JSON, without the line end, and its part of the exit status.
 struct BundleAnswer {
     ExitStatus status = ExitStatus::SUCCESS;
     std::string line;
+    bool isFault = false;
 };
 
 /// How a batch works on a bundle.
@@ -25,6 +26,8 @@ struct BatchWork {
     std::function<BundleAnswer(const BundlePath& bundle)> run;
     /// The answer for a bundle that took its worker with it.
     std::function<BundleAnswer(const BundlePath& bundle, const Failure& failure)> fail;
+    /// Takes one result, a whole line with its end. False if it could not be written, which ends the batch.
+    std::function<bool(const std::string& line)> print;
 };
 
 struct BatchOptions {
@@ -37,7 +40,8 @@ struct BatchOptions {
 };
 
 /// Runs all bundles in worker processes and prints exactly one line for each, whatever happens to it: a worker that
-/// crashes or runs past its time costs its own bundle and is replaced. Answers the most serious status.
+/// crashes or runs past its time costs its own bundle and is replaced. Shows its Progress on standard error. Returns the
+/// most serious status.
 ///
 /// Call it before the process has a second thread: the workers are forks of it. SIGHUP, SIGINT, SIGPIPE (a reader of
 /// the results who left) and SIGTERM end the workers, remove their temporary files and then end the process.

@@ -26,9 +26,10 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Stands before each answer on the socket.
+/// Precedes each answer on the socket.
 struct AnswerHead {
     std::int32_t status;
+    std::uint32_t isFault;
     std::uint32_t length;
 };
 
@@ -60,7 +61,8 @@ bool WriteAll(int socket, const std::string& bytes)
 
 std::string Packed(const BundleAnswer& answer)
 {
-    const AnswerHead head{static_cast<std::int32_t>(answer.status), static_cast<std::uint32_t>(answer.line.size())};
+    const AnswerHead head{static_cast<std::int32_t>(answer.status), answer.isFault ? 1U : 0U,
+        static_cast<std::uint32_t>(answer.line.size())};
     return std::string(reinterpret_cast<const char*>(&head), sizeof head) + answer.line;
 }
 
@@ -184,7 +186,7 @@ BundleAnswer Worker::TakeAnswer()
 {
     AnswerHead head;
     std::memcpy(&head, mReceived.data(), sizeof head);
-    BundleAnswer answer{static_cast<ExitStatus>(head.status), mReceived.substr(sizeof head)};
+    BundleAnswer answer{static_cast<ExitStatus>(head.status), mReceived.substr(sizeof head), head.isFault != 0};
     mReceived.clear();
     mState = State::IDLE;
     return answer;

@@ -10,21 +10,31 @@
 
 #include "diagnosis/text/near_match.h"
 #include "tools/arborist/commands/commands.h"
+#include "tools/arborist/commands/shared_options.h"
 #include "tools/arborist/commands/versions.h"
+#include "tools/arborist/manual/exit_statuses.h"
 #include "tools/arborist/terminal/output.h"
+#include "tools/arborist/terminal/width.h"
 
 namespace diagnosis::command {
 
 namespace {
 
 constexpr char DESCRIPTION[] = "Diagnoses a device with fault trees.";
-constexpr char FOOTER[] =
+constexpr char EXAMPLES[] =
     "Examples:\n"
     "  arborist detect examples/laptop\n"
     "  arborist explain examples/laptop\n"
-    "  arborist help bundle pack\n\n"
-    "Exit status: 0 everything was done, fault or not; 1 a fault was found and --fail-on-fault was given; 2 wrong use;\n"
-    "3 a rule set could not be used; 4 other input could not be used; 5 an internal error or a limit.";
+    "  arborist help bundle pack";
+
+std::string Footer()
+{
+    std::string text = std::string(EXAMPLES) + "\n\nExit status:";
+    for (const ExitStatusMeaning& meaning : EXIT_STATUSES) {
+        text += "\n  " + std::to_string(static_cast<int>(meaning.status)) + "  " + meaning.meaning;
+    }
+    return text;
+}
 
 struct Command {
     std::string_view name;
@@ -59,6 +69,28 @@ void AddCommands(CLI::App& app, ExitStatus& status, std::string_view firstWord)
         command.add(app, status);
     }
 }
+
+void AddColourEverywhere(CLI::App& app)
+{
+    const auto commands = app.get_subcommands([](const CLI::App*) { return true; });
+    if (commands.empty()) {
+        AddColour(app);
+    }
+    for (CLI::App* command : commands) {
+        AddColourEverywhere(*command);
+    }
+}
+
+/// Breaks the lines of a help at the width of the terminal.
+class TerminalFormatter : public CLI::Formatter {
+public:
+    std::string make_help(const CLI::App* app, std::string name, CLI::AppFormatMode mode) const override
+    {
+        const std::string help = CLI::Formatter::make_help(app, std::move(name), mode);
+        const auto width = TerminalWidth();
+        return width ? WrapHelp(help, *width) : help;
+    }
+};
 
 ExitStatus WrongUse(const std::string& words, const std::string& message)
 {
@@ -150,7 +182,7 @@ ExitStatus Parse(CLI::App& app, const ExitStatus& status, int argc, const char* 
 bool AsksForVersions(int argc, const char* const* argv)
 {
     const auto has = [argc, argv](const char* option) { return std::count(argv, argv + argc, std::string(option)) == 1; };
-    return argc == 3 && has("--version") && has("--json");
+    return argc == 3 && (has("--version") || has("-V")) && has("--json");
 }
 
 } // namespace
@@ -160,12 +192,14 @@ ExitStatus RunCommandLine(int argc, const char* const* argv)
     KeepStandardStreams();
     try {
         CLI::App app(DESCRIPTION, "arborist");
-        app.set_version_flag("--version", "arborist " ARBORIST_VERSION,
+        app.formatter(std::make_shared<TerminalFormatter>());
+        app.set_version_flag("-V,--version", "arborist " ARBORIST_VERSION,
             "Show the version; with --json behind it, those of the libraries, too");
-        app.footer(FOOTER);
+        app.footer(Footer());
         app.require_subcommand(1);
         ExitStatus status = ExitStatus::SUCCESS;
         AddCommands(app, status, argc > 1 ? argv[1] : "");
+        AddColourEverywhere(app);
         if (AsksForVersions(argc, argv)) {
             PrintResult(VersionsJson() + "\n");
             return FinishOutput(status);

@@ -1,8 +1,11 @@
+#include <fstream>
+#include <iostream>
 #include <thread>
 
 #include <CLI/CLI.hpp>
 
 #include "diagnosis/results/detection_json.h"
+#include "diagnosis/scratch/new_file.h"
 #include "tools/arborist/batch/batch.h"
 #include "tools/arborist/batch/bundle_list.h"
 #include "tools/arborist/commands/commands.h"
@@ -23,9 +26,12 @@ struct DetectOptions {
     /// A file with bundles, or "-"; empty for none.
     std::string list;
     bool isListNulEnded = false;
+    /// "2/8" for one shard of the list; empty for the whole.
+    std::string shard;
+    /// The file for the lines of a batch; empty for standard output.
+    std::string output;
     BatchOptions batch;
     double timeout = 300;
-    std::string colour = "auto";
     bool asJson = false;
     bool failsOnFault = false;
 };
@@ -39,7 +45,7 @@ void Print(const DetectionReport& report, const DetectOptions& options)
     PrintProblems(report.bundle, report.warnings, report.failure ? &*report.failure : nullptr);
     PrintResult(DetectionText(report));
     if (report.explanation != nullptr) {
-        PrintResult(ExplanationText(report, {}, IsColoured(options.colour).value_or(false)));
+        PrintResult(ExplanationText(report, {}, AreResultsColoured()));
     }
 }
 
@@ -58,16 +64,12 @@ std::vector<BundlePath> BundlePaths(const std::vector<std::string>& given)
     return bundles;
 }
 
-ExitStatus DetectBatch(DetectOptions& options)
+BatchWork MakeBatchWork(const DetectOptions& options)
 {
-    if (const auto problem = ReadBundleList(options.list, options.isListNulEnded, options.bundles)) {
-        PrintError(*problem);
-        return ExitStatus::WRONG_USE;
-    }
     BatchWork work;
     work.run = [&options](const BundlePath& bundle) {
         const DetectionReport report = RunDetection(bundle, options.run.detection);
-        return BundleAnswer{StatusOf(report, options), DetectionJson(report)};
+        return BundleAnswer{StatusOf(report, options), DetectionJson(report), report.IsFault()};
     };
     work.fail = [](const BundlePath& bundle, const Failure& failure) {
         DetectionReport report;
@@ -75,8 +77,51 @@ ExitStatus DetectBatch(DetectOptions& options)
         report.failure = failure;
         return BundleAnswer{failure.status, DetectionJson(report)};
     };
+    work.print = [](const std::string& line) {
+        PrintResult(line);
+        return std::cout.good();
+    };
+    return work;
+}
+
+ExitStatus WrongUse(const std::string& message)
+{
+    PrintError(message);
+    return ExitStatus::WRONG_USE;
+}
+
+// The file comes into being whole, at the end: one that is there has all lines.
+ExitStatus RunBatchIntoFile(const std::vector<BundlePath>& bundles, BatchWork work, const DetectOptions& options)
+{
+    NewFile output;
+    if (const auto problem = output.Make(options.output)) {
+        return WrongUse(options.output + ": " + *problem);
+    }
+    std::ofstream file(output.TemporaryPath(), std::ios::binary);
+    work.print = [&file](const std::string& line) { return static_cast<bool>(file << line); };
+    const ExitStatus status = RunBatch(bundles, work, options.batch);
+    file.close();
+    const auto problem = file ? output.PutInPlace() : "could not be written";
+    if (problem) {
+        PrintError(options.output + ": " + *problem);
+        return ExitStatus::INTERNAL;
+    }
+    return status;
+}
+
+ExitStatus DetectBatch(DetectOptions& options)
+{
+    if (const auto problem = ReadBundleList(options.list, options.isListNulEnded, options.bundles)) {
+        return WrongUse(*problem);
+    }
+    if (options.bundles.empty()) {
+        return WrongUse((options.list == "-" ? "standard input" : options.list) + ": names no bundle");
+    }
+    options.bundles = TakeShard(options.bundles, ParseShard(options.shard).value_or(Shard{}));
     options.batch.timeout = Milliseconds(options.timeout);
-    return RunBatch(BundlePaths(options.bundles), work, options.batch);
+    const std::vector<BundlePath> bundles = BundlePaths(options.bundles);
+    return options.output.empty() ? RunBatch(bundles, MakeBatchWork(options), options.batch)
+                                  : RunBatchIntoFile(bundles, MakeBatchWork(options), options);
 }
 
 void AddBatchOptions(CLI::App& detect, DetectOptions& options)
@@ -93,6 +138,17 @@ void AddBatchOptions(CLI::App& detect, DetectOptions& options)
         "unless given")
         ->type_name("N")
         ->check(CLI::Range(std::size_t{1}, MOST_JOBS))
+        ->needs(batch);
+    detect.add_option("--shard", options.shard, "Work on every N-th bundle of the list, from the I-th on: 1/8 to 8/8 "
+        "have each bundle once")
+        ->type_name("I/N")
+        ->check([](const std::string& text) {
+            return ParseShard(text) ? "" : "is no shard I/N with I from 1 to N: " + text;
+        })
+        ->needs(batch);
+    detect.add_option("--output,-o", options.output, "Write the lines of a batch into this file, which appears when "
+        "all are in it")
+        ->type_name("FILE")
         ->needs(batch);
     detect.add_flag("--ordered", options.batch.isOrdered, "Lines of a batch in the order of the list")->needs(batch);
     AddSeconds(detect, "--timeout", options.timeout, 0, "Seconds that one bundle of a batch may take; 0 for no limit")
@@ -130,7 +186,6 @@ void AddDetectCommand(CLI::App& app, ExitStatus& status)
     detect->add_flag("--explain", options->run.detection.withExplanation, "Tell why as well: what 'arborist explain' tells, "
         "of the same run");
     detect->add_flag("--fail-on-fault", options->failsOnFault, "Exit with 1 when a fault is found");
-    AddColour(*detect, options->colour);
     AddRunOptions(*detect, options->run);
     AddBatchOptions(*detect, *options);
     detect->footer("Examples:\n  arborist detect examples/laptop\n"

@@ -16,7 +16,6 @@ struct ExplainOptions {
     std::vector<std::string> bundles;
     RunOptions run;
     ExplanationView view;
-    std::string colour = "auto";
     bool asJson = false;
 };
 
@@ -41,7 +40,6 @@ ExitStatus Explain(const ExplainOptions& options)
     for (const std::string& bundle : options.bundles) {
         bundles.push_back(MakeBundlePath(bundle));
     }
-    const bool isColoured = IsColoured(options.colour).value_or(false);
     ExitStatus status = ExitStatus::SUCCESS;
     for (const BundlePath& bundle : bundles) {
         DetectionReport report = RunDetection(bundle, detection);
@@ -50,7 +48,7 @@ ExitStatus Explain(const ExplainOptions& options)
             PrintResult(ExplanationJson(report, options.view) + "\n");
         } else {
             PrintProblems(report.bundle, report.warnings, report.failure ? &*report.failure : nullptr);
-            PrintResult(ExplanationText(report, options.view, isColoured));
+            PrintResult(ExplanationText(report, options.view, AreResultsColoured()));
         }
         status = MoreSerious(status, StatusOf(report, options.run));
     }
@@ -87,7 +85,6 @@ void AddExplainCommand(CLI::App& app, ExitStatus& status)
     explain->add_option("BUNDLE", options->bundles, "Folders or zips with a bundle.json")->required();
     explain->add_flag("--json", options->asJson, "One JSON object a line for each bundle");
     AddViewOptions(*explain, options->view);
-    AddColour(*explain, options->colour);
     AddRunOptions(*explain, options->run);
     explain->footer("Examples:\n  arborist explain examples/laptop\n"
                     "  arborist explain --event BATTERY_WORN examples/laptop\n"

@@ -77,12 +77,19 @@ struct SliceOptions {
     std::string zone;
 };
 
+// A date, "2024-05-19", is a moment without its time of day.
+bool IsDate(const std::string& text)
+{
+    return text.size() == std::string_view("2024-05-19").size() && IsMomentText(text + " 00:00:00");
+}
+
 ExitStatus Slice(const SliceOptions& options)
 {
     const TimeZoneGuard zone(options.zone);
     LogSlice slice;
+    slice.from = ParseMoment(IsDate(options.from) ? options.from + " 00:00:00" : options.from);
+    slice.until = ParseMoment(IsDate(options.until) ? options.until + " 23:59:59" : options.until);
     for (const auto& [text, moment] : {std::pair(&options.from, &slice.from), std::pair(&options.until, &slice.until)}) {
-        *moment = ParseMoment(*text);
         if (!text->empty() && !*moment) {
             PrintError("the moment \"" + *text + "\" does not exist in the time zone");
             return ExitStatus::WRONG_USE;
@@ -110,7 +117,8 @@ void AddInspectCommand(CLI::App& log, ExitStatus& status)
 void AddMomentOption(CLI::App& app, const std::string& name, std::string& moment, const std::string& description)
 {
     app.add_option(name, moment, description)->type_name("TIME")->check([](const std::string& text) {
-        return IsMomentText(text) ? "" : "is neither \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: " + text;
+        return IsMomentText(text) || IsDate(text)
+            ? "" : "is neither \"YYYY-MM-DD\", \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: " + text;
     });
 }
 
@@ -122,8 +130,8 @@ void AddSliceCommand(CLI::App& log, ExitStatus& status)
     slice->add_option("LOG.DB", options->file, "The event log, which stays as it is")->required();
     slice->add_option("--to", options->target, "The log.db to make; an old one is replaced")
         ->type_name("LOG.DB")->required();
-    AddMomentOption(*slice, "--from", options->from, "Events since then, inclusive");
-    AddMomentOption(*slice, "--until", options->until, "Events until then, inclusive");
+    AddMomentOption(*slice, "--from", options->from, "Events since then, inclusive; a date stands for its first second");
+    AddMomentOption(*slice, "--until", options->until, "Events until then, inclusive; a date stands for its last second");
     slice->add_option("--last", options->lastDays, "Events of this many days before the latest one")
         ->type_name("DAYS")->check(CLI::Range(std::int64_t{0}, MOST_DAYS));
     slice->add_option("--ids", options->ids, "Events of these numbers: 931001001,932000000-932999999")
@@ -149,7 +157,7 @@ void AddLogCommand(CLI::App& app, ExitStatus& status)
     CLI::App* import = log->add_subcommand("import", "Make an event log of JSON Lines");
     import->add_option("FILE", importOptions->file, "JSON Lines: \"time\", \"event\", \"version\", \"extra\"; - for "
         "standard input")->required();
-    import->add_option("--to", importOptions->target, "The log.db to make; an old one is replaced")
+    import->add_option("--to", importOptions->target, "The log.db to make, with its folders; an old one is replaced")
         ->type_name("LOG.DB")->required();
     AddTimeZone(*import, importOptions->zone);
     import->footer("A line that can't be used is named, and nothing is written.\nExample:\n"

@@ -7,6 +7,7 @@
 #include "diagnosis/bundle/moment.h"
 #include "diagnosis/detection/code_program.h"
 #include "tools/arborist/commands/seconds.h"
+#include "tools/arborist/terminal/colour.h"
 #include "tools/arborist/terminal/output.h"
 
 namespace diagnosis::command {
@@ -45,7 +46,7 @@ void AddTimeZone(CLI::App& app, std::string& zone)
 void AddLogOptions(CLI::App& app, LogOptions& options)
 {
     app.add_option("--log-level", options.level, "Library log on standard error from this level on: trace, debug, "
-        "info, warn, error (the default), fatal or none")
+        "info, warn, error, fatal or none (the default)")
         ->type_name("LEVEL")
         ->check(CLI::IsMember({"trace", "debug", "info", "warn", "error", "fatal", "none"}));
     app.add_option("--log-file", options.file, "Whole library log into this file, instead of standard error")
@@ -56,7 +57,11 @@ void AddCodeRunnerOptions(CLI::App& app, CodeRunnerOptions& options)
 {
     app.add_option("--code-runner", options.program, "Program that answers code rules: one JSON object on its standard "
         "input, exit status 0 for present, 1 for not present")
-        ->type_name("PROGRAM");
+        ->type_name("PROGRAM")
+        ->check([](const std::string& program) {
+            const auto problem = ProgramProblem(FindProgram(program));
+            return problem ? program + ": can't be started: " + *problem : "";
+        });
     AddSeconds(app, "--code-timeout", options.timeout, 0.001, "Seconds that the program may take for one answer");
 }
 
@@ -96,12 +101,12 @@ ExitStatus StatusOf(const DetectionReport& report, const RunOptions& options)
     return status;
 }
 
-void AddColour(CLI::App& app, std::string& when)
+void AddColour(CLI::App& app)
 {
-    app.add_option("--color", when, "Colours of explanations: auto, always or never")
+    app.add_option_function<std::string>("--color", SetColour, "Colours of texts and messages: auto, always or never")
         ->type_name("WHEN")
         ->check(CLI::IsMember({"auto", "always", "never"}))
-        ->capture_default_str();
+        ->default_str("auto");
 }
 
 BundlePath MakeBundlePath(const std::string& given)

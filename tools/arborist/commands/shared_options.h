@@ -49,8 +49,8 @@ DetectionOptions MakeDetectionOptions(const RunOptions& options);
 /// What a detection makes the process answer: its failure, or under --strict its warnings.
 ExitStatus StatusOf(const DetectionReport& report, const RunOptions& options);
 
-/// --color; `when` is one of the words that IsColoured takes.
-void AddColour(CLI::App& app, std::string& when);
+/// --color, which every command has.
+void AddColour(CLI::App& app);
 
 /// The place is worked out before any bundle becomes the working directory.
 BundlePath MakeBundlePath(const std::string& given);

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include "tools/arborist/manual/exit_statuses.h"
 #include "tools/arborist/manual/reference.h"
 
 namespace diagnosis::command {
@@ -47,13 +48,23 @@ std::string OptionHead(const OptionReference& option)
     return option.value.empty() ? head : head + " " + Italic(option.value);
 }
 
+// A command that can read a list of bundles is called in two ways.
+bool TakesBatch(const CommandReference& command)
+{
+    return std::any_of(command.options.begin(), command.options.end(), [](const OptionReference& option) {
+        return option.names.back() == "--batch";
+    });
+}
+
 std::string Synopsis(const CommandReference& command)
 {
-    std::string text = ".SH SYNOPSIS\n" + Bold(command.words) + " [" + Italic("OPTION") + "]...";
+    const std::string start = Bold(command.words) + " [" + Italic("OPTION") + "]...";
+    std::string text = ".SH SYNOPSIS\n" + start;
     for (const OptionReference& argument : command.arguments) {
         text += " " + Italic(argument.names.front());
     }
-    return text + (command.commands.empty() ? "" : " " + Italic("COMMAND")) + "\n";
+    text += command.commands.empty() ? "\n" : " " + Italic("COMMAND") + "\n";
+    return TakesBatch(command) ? text + ".br\n" + start + " " + Bold("--batch") + " " + Italic("LIST") + "\n" : text;
 }
 
 std::string Items(const std::string& title, const std::vector<OptionReference>& items)
@@ -74,10 +85,80 @@ std::string Commands(const CommandReference& command)
     return text;
 }
 
-// Lines stand as they were written: examples are among them.
-std::string Notes(const std::string& footer)
+// The part of a footer from a line "Examples:" or "Example:" up to the next empty line; the rest is notes. The exit
+// statuses, which the footer of the first help lists, have a section of their own.
+struct Footer {
+    std::string notes;
+    std::string examples;
+};
+
+Footer SplitFooter(const std::string& footer)
 {
-    return footer.empty() ? "" : ".SH NOTES\n.nf\n" + Escaped(footer) + "\n.fi\n";
+    std::istringstream lines(footer);
+    Footer split;
+    std::string* part = &split.notes;
+    std::string exitStatuses;
+    for (std::string line; std::getline(lines, line);) {
+        if (line == "Examples:" || line == "Example:") {
+            part = &split.examples;
+        } else if (line == "Exit status:") {
+            part = &exitStatuses;
+        } else if (!line.empty()) {
+            *part += line + "\n";
+        }
+    }
+    return split;
+}
+
+// Lines stay as they were written: they are commands and their input.
+std::string AsWritten(const std::string& title, const std::string& lines)
+{
+    return lines.empty() ? "" : ".SH " + title + "\n.nf\n" + Escaped(lines) + ".fi\n";
+}
+
+struct Item {
+    const char* name;
+    const char* meaning;
+};
+
+constexpr Item ENVIRONMENT[] = {
+    {"TMPDIR", "Folder of the scratch folders; /tmp unless set."},
+    {"TZ", "Time zone of local times where neither --tz nor the bundle names one."},
+    {"TZDIR", "Folder of the time zone database; /usr/share/zoneinfo unless set."},
+    {"NO_COLOR", "If not empty, texts have no colours unless --color=always is given."},
+    {"PATH", "Searched for the program of --code-runner and for dot."},
+};
+
+constexpr Item FILES[] = {
+    {"bundle.json", "Describes the bundle whose folder holds it: device, scene, tag, moment and settings."},
+    {"rules/FaultTrees.xml, rules/FaultTreeRules.xml", "The rule set of a bundle."},
+    {"programdata/Comms/Lumbra/workDir/0/log.db", "The event log of a bundle, a SQLite database."},
+    {"programdata/Comms/Lumbra/zxdetectrepair/databases/repair_record.db", "The repair records of a bundle."},
+};
+
+template <std::size_t COUNT>
+std::string Section(const std::string& title, const Item (&items)[COUNT])
+{
+    std::string text = ".SH " + title + "\n";
+    for (const Item& item : items) {
+        text += ".TP\n" + Bold(item.name) + "\n" + Escaped(item.meaning) + "\n";
+    }
+    return text;
+}
+
+std::string ExitStatuses()
+{
+    std::string text = ".SH EXIT STATUS\n";
+    for (const ExitStatusMeaning& meaning : EXIT_STATUSES) {
+        text += ".TP\n" + Bold(std::to_string(static_cast<int>(meaning.status))) + "\n" + Escaped(meaning.meaning) + "\n";
+    }
+    return text;
+}
+
+std::string Description(const CommandReference& command, const std::string& notes)
+{
+    return ".SH DESCRIPTION\n" + Escaped(command.description) + ".\n"
+        + (notes.empty() ? "" : ".PP\n.nf\n" + Escaped(notes) + ".fi\n");
 }
 
 std::string SeeAlso(const CommandReference& command)
@@ -102,10 +183,14 @@ std::string ManPageName(const CommandReference& command)
 
 std::string ManPage(const CommandReference& command)
 {
-    return ".TH \"" + Escaped(Dashed(command.words)) + "\" 1 \"\" \"arborist\" \"User Commands\"\n"
-        + ".SH NAME\n" + Escaped(Dashed(command.words)) + " \\- " + Escaped(command.description) + "\n"
-        + Synopsis(command) + Commands(command) + Items("ARGUMENTS", command.arguments)
-        + Items("OPTIONS", command.options) + Notes(command.footer) + SeeAlso(command);
+    const Footer footer = SplitFooter(command.footer);
+    const std::string name = Escaped(Dashed(command.words));
+    return ".TH \"" + name + "\" 1 \"\" \"arborist\" \"User Commands\"\n"
+        + ".SH NAME\n" + name + " \\- " + Escaped(command.description) + "\n"
+        + Synopsis(command) + Description(command, footer.notes) + Commands(command)
+        + Items("ARGUMENTS", command.arguments) + Items("OPTIONS", command.options) + ExitStatuses()
+        + Section("ENVIRONMENT", ENVIRONMENT) + Section("FILES", FILES) + AsWritten("EXAMPLES", footer.examples)
+        + SeeAlso(command);
 }
 
 } // namespace diagnosis::command

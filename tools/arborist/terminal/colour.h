@@ -1,7 +1,6 @@
 #ifndef ARBORIST_TOOLS_TERMINAL_COLOUR_H
 #define ARBORIST_TOOLS_TERMINAL_COLOUR_H
 
-#include <optional>
 #include <string>
 
 namespace diagnosis::command {
@@ -26,9 +25,14 @@ private:
     bool mIsOn;
 };
 
-/// Whether results are coloured under "auto", "always" or "never": under "auto" when standard output is a terminal that
-/// shows colours and NO_COLOR is not set. Nothing for any other word.
-std::optional<bool> IsColoured(const std::string& word);
+/// The word of --color, for the rest of the process: "auto" (the default), "always" or "never".
+void SetColour(const std::string& word);
+
+/// True if results, on standard output, are coloured. Under "auto": if it is a terminal that shows colours and NO_COLOR
+/// is not set.
+bool AreResultsColoured();
+/// The same for messages, on standard error.
+bool AreMessagesColoured();
 
 } // namespace diagnosis::command
 

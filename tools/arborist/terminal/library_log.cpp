@@ -96,8 +96,7 @@ std::optional<std::string> OpenLibraryLog(const LogOptions& options)
         fileName = options.file;
         failure = SharedNumber();
     }
-    const std::string word = !options.level.empty() ? options.level : file == nullptr ? "error" : "none";
-    const int level = LogLevelOf(word).value_or(FT::LEVEL_ERROR);
+    const int level = LogLevelOf(options.level.empty() ? "none" : options.level).value_or(FT::LEVEL_ERROR);
     SendLibraryLogTo(std::make_unique<ScreenAndFile>(level, std::move(file)));
     return std::nullopt;
 }

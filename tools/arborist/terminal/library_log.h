@@ -8,7 +8,7 @@ namespace diagnosis::command {
 
 /// Where the library's log goes: standard output belongs to results, so never there.
 struct LogOptions {
-    /// A word of LogLevelOf; lines from this level on go to standard error. Empty: "error", or "none" with a file.
+    /// A word of LogLevelOf; lines from this level on go to standard error. Empty: none.
     std::string level;
     /// The whole log, whatever the level; empty for none.
     std::string file;

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "diagnosis/text/printable.h"
+#include "tools/arborist/terminal/colour.h"
 #include "tools/arborist/terminal/library_log.h"
 
 namespace diagnosis::command {
@@ -16,6 +17,12 @@ namespace {
 std::string About(const std::string& about, const std::string& message)
 {
     return message.rfind(about + ": ", 0) == 0 ? message : about + ": " + message;
+}
+
+// In one piece: workers of a batch share the stream.
+void PrintMessage(const std::string& line)
+{
+    std::cerr << "arborist: " + line + "\n";
 }
 
 } // namespace
@@ -37,16 +44,17 @@ void PrintResult(const std::string& text)
 
 void PrintError(const std::string& message)
 {
-    std::cerr << "arborist: " + Printable(message) + "\n";
+    PrintMessage(Printable(message));
 }
 
 void PrintProblems(const std::string& about, const std::vector<Warning>& warnings, const Failure* failure)
 {
+    const Colour colour(AreMessagesColoured());
     for (const Warning& warning : warnings) {
-        PrintError(about + ": warning: " + warning.message);
+        PrintMessage(Printable(about) + ": " + colour.Yellow("warning:") + " " + Printable(warning.message));
     }
     if (failure != nullptr) {
-        PrintError(About(about, failure->message) + " [" + failure->code + "]");
+        PrintMessage(Printable(About(about, failure->message)) + " " + colour.Red("[" + failure->code + "]"));
     }
 }
 

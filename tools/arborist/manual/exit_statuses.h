@@ -1,0 +1,25 @@
+#ifndef ARBORIST_TOOLS_MANUAL_EXIT_STATUSES_H
+#define ARBORIST_TOOLS_MANUAL_EXIT_STATUSES_H
+
+#include "diagnosis/exit_status.h"
+
+namespace diagnosis::command {
+
+struct ExitStatusMeaning {
+    ExitStatus status;
+    const char* meaning;
+};
+
+/// What the help and the man pages say of each exit status.
+inline constexpr ExitStatusMeaning EXIT_STATUSES[] = {
+    {ExitStatus::SUCCESS, "everything was done, fault or not"},
+    {ExitStatus::FAULT_FOUND, "a fault was found and --fail-on-fault was given"},
+    {ExitStatus::WRONG_USE, "wrong use"},
+    {ExitStatus::RULE_SET, "a rule set could not be used"},
+    {ExitStatus::INPUT, "other input could not be used"},
+    {ExitStatus::INTERNAL, "an internal error or a limit"},
+};
+
+} // namespace diagnosis::command
+
+#endif
