@@ -35,7 +35,6 @@ struct LintCommandOptions {
     std::string format = "text";
     bool asJson = false;
     std::string stdinFile;
-    std::string colour = "auto";
     bool asList = false;
     std::string explained;
 };
@@ -162,7 +161,7 @@ std::string Formatted(const lint::LintRun& run, const LintCommandOptions& option
         : format == "gitlab"  ? lint::RunGitlab(run)
         : format == "sarif"   ? lint::RunSarif(run)
         : format == "junit"   ? lint::RunJunit(run)
-                              : LintText(run, IsColoured(options.colour).value_or(false));
+                              : LintText(run, AreResultsColoured());
 }
 
 bool IsAtLevel(const lint::LintRun& run, const std::string& failLevel)
@@ -261,7 +260,6 @@ void AddOutput(CLI::App& app, LintCommandOptions& options)
         ->check(CLI::IsMember({"text", "short", "json", "github", "gitlab", "sarif", "junit"}))
         ->capture_default_str();
     app.add_flag("--json", options.asJson, "The same as --format json");
-    AddColour(app, options.colour);
     app.add_option("--fail-level", options.failLevel, "Exit with 1 from findings of this level on; error unless given")
         ->type_name("LEVEL")
         ->check(CLI::IsMember({"error", "warning", "info"}));
