@@ -17,21 +17,19 @@
 #include "arborist/model/rule.h"
 #include "arborist/stores/common_part/common_part_db_helper.h"
 #include "arborist/stores/common_part/derived_table_writer.h"
+#include "arborist/stores/common_part/event_selection.h"
 #include "arborist/stores/sql/sql_database.h"
 #include "arborist/stores/sql/sql_operator.h"
 #include "bench/compare.h"
 
-/// The steps of a build, one by one.
-struct CommonPartDbHelperPeer {
-    static std::vector<Json::Value> Fetch(const EventIdList& ids, const std::string& path)
-    {
-        std::vector<Json::Value> rows;
-        CommonPartDbHelper::GetLumbraDataByFilter(ids, path, rows);
-        return rows;
-    }
-};
-
 namespace {
+
+std::vector<Json::Value> Fetch(const EventIdList& ids, const std::string& path)
+{
+    std::vector<Json::Value> rows;
+    EventSelection::GetLumbraDataByFilter(ids, path, rows);
+    return rows;
+}
 
 constexpr std::int64_t NOW = 1700000000;
 constexpr int ROUNDS = 7;
@@ -167,7 +165,7 @@ void Extraction(const std::string& directory)
         "event_info_flow.event_pid = event_info._ID WHERE  ( event_info.event_id = 1003) AND "
         "event_info_flow.occurrence_time > " + std::to_string(NOW - 2592000);
     const auto times = bench::Alternate(
-        ROUNDS, [&] { bench::Keep(CommonPartDbHelperPeer::Fetch(ids, log).size()); },
+        ROUNDS, [&] { bench::Keep(Fetch(ids, log).size()); },
         [&] {
             std::vector<std::string> texts;
             Connection connection(log);

@@ -96,6 +96,11 @@ DOORS = {
     "CLI/CLI.hpp": ("tools/arborist/commands/", "tools/arborist/manual/"),
 }
 
+# The two ways to run SQL. A source, together with its header, takes one of them.
+SQL_OBJECTS = {f"arborist/stores/sql/{name}.h" for name in (
+    "simple_database_helper", "sql_field", "sql_operator", "sql_record", "sql_table", "sql_value")}
+SQL_STREAMS = {f"arborist/stores/sql/{name}.h" for name in ("sql_cursor", "sql_scan")}
+
 INCLUDE = re.compile(r'^\s*#\s*include\s*["<]([^">]+)[">]', re.MULTILINE)
 
 
@@ -155,6 +160,16 @@ def file_faults(path, text, public):
     return faults
 
 
+def sql_faults(files):
+    """The sources that run SQL both by objects and by streams; `files` are texts by their path from the root."""
+    included = {}
+    for path, text in files.items():
+        if not path.startswith("arborist/stores/sql/"):
+            included.setdefault(path.rsplit(".", 1)[0], set()).update(includes_of(text))
+    return [f"{stem}: objects and streams of stores/sql in one source" for stem, includes in included.items()
+            if includes & SQL_OBJECTS and includes & SQL_STREAMS]
+
+
 def cycle_in(graph):
     """One cycle of a graph as the list of its nodes, or None."""
     state = {}
@@ -212,5 +227,5 @@ def source_files(root):
 def faults_of(root):
     public = public_headers(root)
     files = source_files(root)
-    faults = [fault for path, text in files.items() for fault in file_faults(path, text, public)]
+    faults = [fault for path, text in files.items() for fault in file_faults(path, text, public)] + sql_faults(files)
     return faults + [fault for storey in STOREYS for fault in cycle_faults(storey, files)]

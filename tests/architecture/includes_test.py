@@ -96,6 +96,13 @@ class CheckTest(unittest.TestCase):
                            ("diagnosis/log_db/event_log.cpp", "sqlite3.h"),
                            ("tools/arborist/render/query_text.cpp", "CLI/CLI.hpp"))
 
+    def test_a_source_runs_sql_in_one_way(self):
+        text = '#include "arborist/stores/sql/sql_%s.h"\n'
+        both = {"arborist/stores/a.h": text % "table", "arborist/stores/a.cpp": text % "cursor"}
+        self.assertEqual(includes.sql_faults(both), ["arborist/stores/a: objects and streams of stores/sql in one source"])
+        self.assertEqual(includes.sql_faults({"arborist/stores/a.h": text % "table", "arborist/stores/b.cpp": text % "scan",
+                                              "arborist/stores/sql/c.cpp": (text % "scan") + text % "table"}), [])
+
     def test_public_headers_know_no_private_ones(self):
         self.assert_faults(("arborist/frame/log.h", "arborist/frame/fault_tree_prop_global.h"),
                            ("arborist/frame/log.h", "json/value.h"))

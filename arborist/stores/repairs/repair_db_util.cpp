@@ -7,15 +7,14 @@
 #include <iterator>
 
 #include "arborist/frame/log.h"
+#include "arborist/stores/repairs/repair_table_reader.h"
 #include "arborist/stores/sql/simple_database_helper.h"
-#include "arborist/stores/sql/sql_cursor.h"
 #include "arborist/utilities/device_paths.h"
 #include "arborist/utilities/file_util.h"
 #include "arborist/utilities/time_util.h"
 
 namespace {
 
-constexpr char TABLE_NAME[] = "repair_data";
 constexpr char ID[] = "_id";
 constexpr char REPAIR_ID[] = "repair_id";
 constexpr char REPAIR_DATE[] = "repair_date";
@@ -71,7 +70,7 @@ bool RepairDbUtil::OpenDb()
         FT::Log::GetInstance().Output(
             FT::LEVEL_ERROR, "FUNc:%s: RepairDbUtil::OpenDb open database already open", NAME);
     }
-    mTableCount.reset();
+    mReader.reset();
     const std::string path = DevicePaths::RepairDatabase();
     const std::string folder = std::filesystem::path(path).parent_path().string();
     if (!FileUtil::FileExists(folder) && !FileUtil::ForceCreateDirectory(folder)) {
@@ -85,14 +84,14 @@ bool RepairDbUtil::OpenDb()
     }
     // The file is ours, but who knows what stands in its table's place by now.
     mDatabase->Restrict(FT::sql::SqlAccess::OWN_FILE, {.steps = StepsForAllRows(path), .rows = MOST_ROWS});
-    CreateRepairRecordTable(TABLE_NAME);
+    CreateRepairRecordTable(RepairTableReader::TABLE_NAME);
     return mDatabase->IsOpen();
 }
 
 void RepairDbUtil::CloseDb()
 {
     if (mDatabase != nullptr) {
-        mTableCount.reset();
+        mReader.reset();
         mDatabase->Close();
     }
 }
@@ -102,20 +101,15 @@ bool RepairDbUtil::QueryAgain(const std::string& repairId, std::string& date)
     if (!mDatabase->IsOpen()) {
         return false;
     }
-    if (mTableCount == nullptr) {
-        mTableCount = std::make_unique<FT::sql::SqlCursor>(mDatabase->GetHandle(),
-            std::string("select count(*) from sqlite_master where type = 'table' and name = '") + TABLE_NAME + "'");
-    } else {
-        mTableCount->Restart();
+    if (mReader == nullptr) {
+        mReader = std::make_unique<RepairTableReader>(*mDatabase);
     }
-    if (!mTableCount->Step() || mTableCount->GetInteger(0) == 0) {
-        mTableCount.reset();
+    if (!mReader->IsThere()) {
         return false;
     }
-    LogTableExists(TABLE_NAME);
-    // The cursor still holds its read lock: both questions are one transaction.
+    LogTableExists(RepairTableReader::TABLE_NAME);
     date = QueryRepairDate(repairId);
-    mTableCount->Reset();
+    mReader->Release();
     return true;
 }
 
@@ -164,17 +158,7 @@ bool RepairDbUtil::QueryRepairId(const std::string& repairId)
             "RepairDbUtil::QueryRepairId");
         return false;
     }
-    // Not SQL's comparison, whose opinion of equal texts is up to the file. To the end, so that damage behind is told.
-    FT::sql::SqlCursor rows(mDatabase->GetHandle(), "select repair_id from repair_data");
-    bool isKnown = false;
-    while (rows.Step()) {
-        isKnown = isKnown || rows.GetText(0) == repairId;
-    }
-    if (!rows.IsOk()) {
-        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Execute sql failed: %s",
-            "FT::sql::SqlOperator::Execute", rows.GetError().c_str());
-    }
-    return isKnown;
+    return RepairTableReader(*mDatabase).Holds(repairId);
 }
 
 bool RepairDbUtil::GetRepairDataRecord(const std::string& repairId, std::int32_t& id, std::string& date)
@@ -184,7 +168,7 @@ bool RepairDbUtil::GetRepairDataRecord(const std::string& repairId, std::int32_t
             "RepairDbUtil::GetRepairDataRecord");
         return false;
     }
-    RepairTable repairs(*mDatabase, TABLE_NAME);
+    RepairTable repairs(*mDatabase, RepairTableReader::TABLE_NAME);
     // The id goes in as it stands: one with a single quote in it makes the statement fail. That is known and kept.
     FT::sql::SimpleDatabaseHelper().GetRecordCountByFullSql(
         repairs.table, "select _id,repair_id,repair_date from repair_data where repair_id='" + repairId + "'");
@@ -208,7 +192,7 @@ void RepairDbUtil::InsertRepairData(const std::string& repairId, const std::stri
             "RepairDbUtil::InsertRepairData");
         return;
     }
-    RepairTable repairs(*mDatabase, TABLE_NAME);
+    RepairTable repairs(*mDatabase, RepairTableReader::TABLE_NAME);
     FT::sql::SqlRecord record(repairs.table.GetFields());
     record.SetString(REPAIR_ID, repairId);
     record.SetString(REPAIR_DATE, date);
@@ -229,7 +213,7 @@ void RepairDbUtil::UpDateRepairData(const std::string& repairId, const std::stri
     if (!GetRepairDataRecord(repairId, id, oldDate)) {
         return;
     }
-    RepairTable repairs(*mDatabase, TABLE_NAME);
+    RepairTable repairs(*mDatabase, RepairTableReader::TABLE_NAME);
     FT::sql::SqlRecord record(repairs.table.GetFields());
     record.SetInteger(ID, id);
     record.SetString(REPAIR_ID, repairId);

@@ -5,8 +5,9 @@
 #include <memory>
 #include <string>
 
+class RepairTableReader;
+
 namespace FT::sql {
-class SqlCursor;
 class SqlDatabase;
 }
 
@@ -44,8 +45,8 @@ private:
     void UpDateRepairData(const std::string& repairId, const std::string& date);
 
     std::unique_ptr<FT::sql::SqlDatabase> mDatabase;
-    /// The question of QueryAgain, which is the same each time; goes before the database is closed.
-    std::unique_ptr<FT::sql::SqlCursor> mTableCount;
+    /// For QueryAgain; goes before the database is closed.
+    std::unique_ptr<RepairTableReader> mReader;
 };
 
 #endif

@@ -1,0 +1,40 @@
+#include "arborist/stores/repairs/repair_table_reader.h"
+
+#include "arborist/frame/log.h"
+
+bool RepairTableReader::IsThere()
+{
+    if (mCount == nullptr) {
+        mCount = std::make_unique<FT::sql::SqlCursor>(mDatabase.GetHandle(),
+            std::string("select count(*) from sqlite_master where type = 'table' and name = '") + TABLE_NAME + "'");
+    } else {
+        mCount->Restart();
+    }
+    if (mCount->Step() && mCount->GetInteger(0) != 0) {
+        return true;
+    }
+    mCount.reset();
+    return false;
+}
+
+void RepairTableReader::Release()
+{
+    if (mCount != nullptr) {
+        mCount->Reset();
+    }
+}
+
+bool RepairTableReader::Holds(const std::string& repairId) const
+{
+    // Not SQL's comparison, whose opinion of equal texts is up to the file. To the end, so that damage behind is told.
+    FT::sql::SqlCursor rows(mDatabase.GetHandle(), std::string("select repair_id from ") + TABLE_NAME);
+    bool isKnown = false;
+    while (rows.Step()) {
+        isKnown = isKnown || rows.GetText(0) == repairId;
+    }
+    if (!rows.IsOk()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Execute sql failed: %s",
+            "FT::sql::SqlOperator::Execute", rows.GetError().c_str());
+    }
+    return isKnown;
+}
