@@ -11,9 +11,9 @@ namespace {
 std::vector<const Check*> MakeList()
 {
     std::vector<const Check*> all;
-    for (const auto& group : {FileChecks(), TreeChecks(), BindingChecks(), FilterChecks(), ComparisonChecks(),
-             AlarmChecks(), CommandChecks(), SqlChecks(), NodeChecks(), CommonPartChecks(), DescriptionChecks(),
-             CodeRuleChecks()}) {
+    for (const auto& group : {FileChecks(), WordChecks(), TreeChecks(), EventChecks(), CutSetChecks(),
+             BindingChecks(), AlternativeChecks(), FilterChecks(), ComparisonChecks(), AlarmChecks(), CommandChecks(),
+             SqlChecks(), NodeChecks(), CommonPartChecks(), DescriptionChecks(), CodeRuleChecks()}) {
         for (const Check& check : group) {
             all.push_back(&check);
         }

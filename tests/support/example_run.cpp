@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <numeric>
 #include <regex>
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include "arborist/frame/repair.h"
 #include "arborist/stores/repairs/reset_time_parser.h"
 #include "arborist/utilities/device_paths.h"
 #include "arborist/utilities/time_util.h"
@@ -214,7 +216,7 @@ const std::vector<std::string>& KnownKeys()
 {
     static const std::vector<std::string> keys = {"rule", "event rules", "tree", "tree xml", "true", "false", "scene",
         "device", "setting", "locale", "runner", "node", "log", "log sql", "file", "common", "sections", "formula", "compare",
-        "recovery line", "rule set", "outcome"};
+        "recovery line", "rule set", "repaired", "outcome"};
     return keys;
 }
 
@@ -318,6 +320,9 @@ void ExampleRun::WriteDevice() const
         mDir.Write("observed", Comparison(mExample.First("compare")).observed);
     }
     WriteLog(mExample);
+    for (const std::string& repair : mExample.All("repaired")) {
+        UpdateRepairDb(repair);
+    }
     for (const std::string& file : mExample.All("file")) {
         const auto [path, sql] = SplitOnce(file, " ");
         const std::string place = mDir.Write("device" + path, "");
@@ -394,6 +399,11 @@ std::string ExampleRun::FaultOf(const std::string& outcome)
     if (is("reason (\\w+)")) {
         return Difference(match[1], mObserver->reason);
     }
+    if (is("root causes number (\\d+)")) {
+        const auto count = [](std::size_t sum, const auto& result) { return sum + result->GetTreeNodes().size(); };
+        return Difference(match[1],
+            std::to_string(std::accumulate(mResults.begin(), mResults.end(), std::size_t{0}, count)));
+    }
     if (is("root causes (.+)")) {
         return Difference(match[1], RootCauses());
     }
@@ -427,6 +437,9 @@ std::string ExampleRun::FaultOf(const std::string& outcome)
     }
     if (is("an exception with (.+)")) {
         return mException.find(match[1]) != std::string::npos ? "" : "it was: " + OrEmpty(mException);
+    }
+    if (is("the version is (.+)")) {
+        return Difference(match[1], mResults.empty() ? "" : mResults.front()->mVersion);
     }
     if (is("results (\\d+)")) {
         return Difference(match[1], std::to_string(mResults.size()));

@@ -1,6 +1,10 @@
+#include <algorithm>
+#include <set>
+
 #include "diagnosis/lint/base/near_names.h"
 #include "diagnosis/lint/base/report.h"
 #include "diagnosis/lint/base/subject.h"
+#include "diagnosis/lint/checks/binding_walk.h"
 #include "diagnosis/lint/checks/checks.h"
 
 namespace diagnosis::lint {
@@ -8,7 +12,6 @@ namespace diagnosis::lint {
 namespace {
 
 using rule_source::Binding;
-using rule_source::BindingAlternative;
 using rule_source::Descriptions;
 using rule_source::Element;
 using rule_source::EventKind;
@@ -17,41 +20,6 @@ using rule_source::RuleName;
 using rule_source::RuleSet;
 using rule_source::SectionKind;
 using rule_source::TreeEvent;
-
-std::string_view Trimmed(std::string_view text)
-{
-    static constexpr std::string_view BLANKS = " \t\r\n\v\f";
-    const std::size_t begin = text.find_first_not_of(BLANKS);
-    return begin == std::string_view::npos ? std::string_view()
-                                           : text.substr(begin, text.find_last_not_of(BLANKS) - begin + 1);
-}
-
-bool IsPadded(std::string_view text)
-{
-    return Trimmed(text).size() != text.size();
-}
-
-// Without the section nothing in it dangles: that is a finding of its own.
-bool HasSection(const RuleSet& rules, SectionKind kind)
-{
-    return rules.hasRules && rules.SectionOf(kind).tag;
-}
-
-/// Calls `visit(binding, alternative, name)` for each name of a rule that the engine reads.
-template <typename Visit>
-void ForEachRuleName(const RuleSet& rules, Visit visit)
-{
-    for (const Binding& binding : rules.bindings.all) {
-        if (!binding.isKept || binding.isReplaced) {
-            continue;
-        }
-        for (const BindingAlternative& alternative : binding.alternatives) {
-            for (const RuleName& name : alternative.names) {
-                visit(binding, alternative, name);
-            }
-        }
-    }
-}
 
 void ReportPadded(Element element, const std::string& what, Report& report)
 {
@@ -85,7 +53,7 @@ void CheckBlanks(const Subject& subject, Report& report)
 void CheckBlanksOfRules(const RuleSet& rules, Report& report)
 {
     std::map<std::string_view, int> named;
-    ForEachRuleName(rules, [&](const Binding&, const BindingAlternative&, const RuleName& name) {
+    ForEachRuleName(rules, [&](const Binding&, const RuleName& name) {
         ++named[name.name];
         if (IsPadded(name.name) && rules.rules.Find(name.name) == nullptr) {
             ReportPadded(name.element, "the rule name " + Quoted(Trimmed(name.name)), report);
@@ -149,8 +117,8 @@ void CheckUnknownRules(const Subject& subject, Report& report)
     for (const auto& [name, rule] : rules.rules.byName) {
         names.Add(name);
     }
-    ForEachRuleName(rules, [&](const Binding& binding, const BindingAlternative&, const RuleName& name) {
-        const bool isOfAnotherCheck = IsPadded(name.name) || name.name.find(',') != std::string_view::npos;
+    ForEachRuleName(rules, [&](const Binding& binding, const RuleName& name) {
+        const bool isOfAnotherCheck = IsPadded(name.name) || name.name.find(RULE_NAME_COMMA) != std::string_view::npos;
         if (isOfAnotherCheck || rules.rules.Find(name.name) != nullptr) {
             return;
         }
@@ -176,6 +144,55 @@ void CheckRepeatedEntries(const Subject& subject, Report& report)
     }
 }
 
+void CheckEntriesWithoutEvents(const Subject& subject, Report& report)
+{
+    const RuleSet& rules = subject.rules;
+    if (!rules.treeTag) {
+        return;
+    }
+    NearNames ids;
+    for (const auto& [id, index] : rules.eventsById) {
+        ids.Add(id);
+    }
+    for (const Binding& binding : rules.bindings.all) {
+        if (binding.isKept && !binding.isReplaced && !IsPadded(binding.id) && rules.FindEvent(binding.id) == nullptr) {
+            report.Add(binding.idElement, "no tree has the event " + Quoted(binding.id),
+                {.help = ids.Help(binding.id), .isAboutText = true});
+        }
+    }
+}
+
+using Names = std::set<std::string_view>;
+
+// A name with a comma is split, so that its parts are what is asked for.
+void AddParts(std::string_view name, Names& named)
+{
+    named.insert(name);
+    for (std::size_t start = 0; start < name.size();) {
+        const std::size_t comma = std::min(name.find(RULE_NAME_COMMA, start), name.size());
+        named.insert(name.substr(start, comma - start));
+        start = comma + 1;
+    }
+}
+
+void CheckUnnamedRules(const Subject& subject, Report& report)
+{
+    const RuleSet& rules = subject.rules;
+    if (!HasSection(rules, SectionKind::EVENT_RULES)) {
+        return;
+    }
+    Names named;
+    ForEachRuleName(rules, [&named](const Binding&, const RuleName& name) {
+        AddParts(name.name, named);
+    });
+    for (const Rule* rule : rules.rules.all) {
+        if (rule->isKept && !rule->isReplaced && !IsPadded(rule->name) && named.count(rule->name) == 0) {
+            report.Add(rule->element, "no event asks for the rule " + Quoted(rule->name),
+                {.attribute = rule->element.Find("name")});
+        }
+    }
+}
+
 constexpr Check CHECKS[] = {
     {"A211", Severity::ERROR, CheckClass::STATIC, "blanks around an id or a rule name",
         "An id or a rule name that begins or ends with a blank, a tab or a line end and matches nothing for it. Spaces "
@@ -186,12 +203,18 @@ constexpr Check CHECKS[] = {
         "A basic event for which \"EventRules\" has no entry, or one without rules. Events with the detect mode \"2\" "
         "are left to the host and need none.",
         "the event is FALSE for ever", CheckEventsWithoutRules},
+    {"A302", Severity::INFO, CheckClass::STATIC, "event rules for no event",
+        "An entry of \"EventRules\" for an id that no tree has.", "nothing asks for it", CheckEntriesWithoutEvents},
     {"A303", Severity::ERROR, CheckClass::STATIC, "rule name that no rule has",
         "A \"Rule-name\" for which \"RuleList\" has no rule. Names are compared with case.",
         "the rule counts as not fired, without a line in the log", CheckUnknownRules},
     {"A304", Severity::WARNING, CheckClass::STATIC, "two entries for one event",
         "Two \"Event\" entries of \"EventRules\" with one id.",
         "the later entry takes the place of the earlier; their rules are not put together", CheckRepeatedEntries},
+    {"A309", Severity::INFO, CheckClass::STATIC, "rule that no event asks for",
+        "A rule whose name stands in no entry of \"EventRules\".",
+        "it is never asked; for the code of a code rule there are no descriptions, suggestions and repairs",
+        CheckUnnamedRules},
 };
 
 } // namespace

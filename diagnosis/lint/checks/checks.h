@@ -9,8 +9,12 @@ namespace diagnosis::lint {
 
 /// The checks of each file of this folder. The registry puts them together.
 std::span<const Check> FileChecks();
+std::span<const Check> WordChecks();
 std::span<const Check> TreeChecks();
+std::span<const Check> EventChecks();
+std::span<const Check> CutSetChecks();
 std::span<const Check> BindingChecks();
+std::span<const Check> AlternativeChecks();
 std::span<const Check> FilterChecks();
 std::span<const Check> ComparisonChecks();
 std::span<const Check> AlarmChecks();

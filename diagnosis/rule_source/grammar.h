@@ -1,0 +1,41 @@
+#ifndef ARBORIST_DIAGNOSIS_RULE_SOURCE_GRAMMAR_H
+#define ARBORIST_DIAGNOSIS_RULE_SOURCE_GRAMMAR_H
+
+#include <span>
+#include <string_view>
+
+#include "diagnosis/rule_source/element.h"
+
+namespace diagnosis::rule_source {
+
+struct ElementWords;
+
+/// A word that an element may have for a child.
+struct ChildWord {
+    const char* name;
+    /// What may stand in such a child.
+    const ElementWords* words;
+    /// Whether only the first one is read.
+    bool isSingle;
+};
+
+/// The words that are read in an element of one kind.
+struct ElementWords {
+    /// Its attributes.
+    std::span<const char* const> attributes = {};
+    std::span<const ChildWord> children = {};
+    /// For children of any other name; null where there are none.
+    const ElementWords* others = nullptr;
+
+    const ChildWord* FindChild(std::string_view name) const;
+    bool HasAttribute(std::string_view name) const;
+};
+
+/// The words below an element of the tag in the tree file.
+const ElementWords& WordsOfTreeTag();
+/// The words below an element of the tag in a section of the rule file; null for another name.
+const ElementWords* WordsOfSectionTag(std::string_view section);
+
+} // namespace diagnosis::rule_source
+
+#endif
