@@ -48,7 +48,7 @@ STOREYS = [
         ["the command"],
         ["commands"],
         ["batch", "manual", "render"],
-        ["terminal"],
+        ["options", "terminal"],
     ], {"main": "the command"}),
     Storey("diagnosis", [
         ["report"],
@@ -93,7 +93,8 @@ DOORS = {
     "sqlite3.h": ("arborist/stores/sql/", "diagnosis/sqlite/", "tools/arborist/commands/versions."),
     **{header: ("arborist/utilities/", "diagnosis/archive/")
        for header in ("unzip.h", "zip.h", "minizip/unzip.h", "minizip/zip.h")},
-    "CLI/CLI.hpp": ("tools/arborist/commands/", "tools/arborist/manual/"),
+    "CLI/CLI.hpp": ("tools/arborist/options/", "tools/arborist/commands/command_line.",
+                    "tools/arborist/manual/reference."),
 }
 
 # The two ways to run SQL. A source, together with its header, takes one of them.

@@ -1,4 +1,4 @@
-#include <CLI/CLI.hpp>
+#include <memory>
 
 #include "diagnosis/capture/bundle_capture.h"
 #include "diagnosis/capture/bundle_contents.h"
@@ -70,54 +70,52 @@ ExitStatus Verify(const BundleOptions& options)
     return status;
 }
 
-CLI::App* AddCommand(CLI::App& bundle, const std::string& name, const std::string& description,
+Command AddCommand(Command bundle, const std::string& name, const std::string& description,
     const std::shared_ptr<BundleOptions>& options)
 {
-    CLI::App* command = bundle.add_subcommand(name, description);
-    command->add_option("BUNDLE", options->bundle, "Folder or zip with a bundle.json")->required();
-    AddOverrides(*command, options->capture.overrides);
-    AddRules(*command, options->capture.overrides);
-    AddLogOptions(*command, options->log);
+    Command command = bundle.AddCommand(name, description);
+    command.Add("BUNDLE", options->bundle, "Folder or zip with a bundle.json").Required();
+    AddOverrides(command, options->capture.overrides);
+    AddRules(command, options->capture.overrides);
+    AddLogOptions(command, options->log);
     return command;
 }
 
-void AddPackCommand(CLI::App& bundle, ExitStatus& status)
+void AddPackCommand(Command bundle, ExitStatus& status)
 {
     auto options = std::make_shared<BundleOptions>();
-    CLI::App* pack = AddCommand(bundle, "pack", "Capture a device: all that a diagnosis looks at, in one bundle", options);
-    pack->add_option("-o,--output", options->target, "Zip to make (the name ends in .zip), or folder")
-        ->type_name("OUT")->required()->check([](const std::string& target) {
-            return std::string(target.empty() ? "must not be empty" : "");
-        });
-    pack->add_flag("--window", options->capture.isWindowOnly,
+    Command pack = AddCommand(bundle, "pack", "Capture a device: all that a diagnosis looks at, in one bundle", options);
+    pack.Add("-o,--output", options->target, "Zip to make (the name ends in .zip), or folder")
+        .Takes("OUT").Required().NotEmpty();
+    pack.AddFlag("--window", options->capture.isWindowOnly,
         "Of the event log only what the longest window of the rules reaches");
-    AddCodeRunnerOptions(*pack, options->codeRunner);
-    pack->footer("The answers of --code-runner are recorded.\nExamples:\n  arborist bundle pack examples/laptop -o laptop.zip\n"
+    AddCodeRunnerOptions(pack, options->codeRunner);
+    pack.Footer("The answers of --code-runner are recorded.\nExamples:\n  arborist bundle pack examples/laptop -o laptop.zip\n"
                  "  arborist bundle pack . --window --code-runner ./tests.sh -o /tmp/device-7");
-    pack->callback([options, &status] { status = Pack(*options); });
+    pack.OnCall([options, &status] { status = Pack(*options); });
 }
 
 } // namespace
 
-void AddBundleCommand(CLI::App& app, ExitStatus& status)
+void AddBundleCommand(Command app, ExitStatus& status)
 {
-    CLI::App* bundle = app.add_subcommand("bundle", "Bundles: capture a device, look into a capture, check it");
-    bundle->require_subcommand(1);
-    bundle->footer("Example:\n  arborist bundle pack examples/laptop -o laptop.zip");
-    AddPackCommand(*bundle, status);
+    Command bundle = app.AddCommand("bundle", "Bundles: capture a device, look into a capture, check it");
+    bundle.RequireCommand();
+    bundle.Footer("Example:\n  arborist bundle pack examples/laptop -o laptop.zip");
+    AddPackCommand(bundle, status);
 
     auto infoOptions = std::make_shared<BundleOptions>();
-    CLI::App* info = AddCommand(*bundle, "info", "Tell what a bundle holds", infoOptions);
-    info->add_flag("--json", infoOptions->asJson, "One JSON object");
-    info->footer("Example:\n  arborist bundle info laptop.zip");
-    info->callback([infoOptions, &status] { status = Info(*infoOptions); });
+    Command info = AddCommand(bundle, "info", "Tell what a bundle holds", infoOptions);
+    info.AddFlag("--json", infoOptions->asJson, "One JSON object");
+    info.Footer("Example:\n  arborist bundle info laptop.zip");
+    info.OnCall([infoOptions, &status] { status = Info(*infoOptions); });
 
     auto verifyOptions = std::make_shared<BundleOptions>();
-    CLI::App* verify = AddCommand(*bundle, "verify", "Check whether a bundle can be run", verifyOptions);
-    verify->add_flag("--json", verifyOptions->asJson, "One JSON object");
-    verify->add_flag("--strict", verifyOptions->isStrict, "What is missing counts as an error, too");
-    verify->footer("Example:\n  arborist bundle verify laptop.zip");
-    verify->callback([verifyOptions, &status] { status = Verify(*verifyOptions); });
+    Command verify = AddCommand(bundle, "verify", "Check whether a bundle can be run", verifyOptions);
+    verify.AddFlag("--json", verifyOptions->asJson, "One JSON object");
+    verify.AddFlag("--strict", verifyOptions->isStrict, "What is missing counts as an error, too");
+    verify.Footer("Example:\n  arborist bundle verify laptop.zip");
+    verify.OnCall([verifyOptions, &status] { status = Verify(*verifyOptions); });
 }
 
 } // namespace diagnosis::command

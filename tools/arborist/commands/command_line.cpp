@@ -4,6 +4,7 @@
 #include <exception>
 #include <iostream>
 #include <iterator>
+#include <memory>
 #include <string_view>
 
 #include <CLI/CLI.hpp>
@@ -36,12 +37,12 @@ std::string Footer()
     return text;
 }
 
-struct Command {
+struct KnownCommand {
     std::string_view name;
-    void (*add)(CLI::App& app, ExitStatus& status);
+    void (*add)(Command app, ExitStatus& status);
 };
 // The last one shows all the others.
-constexpr Command COMMANDS[] = {
+constexpr KnownCommand COMMANDS[] = {
     {"detect", AddDetectCommand},
     {"explain", AddExplainCommand},
     {"query", AddQueryCommand},
@@ -56,28 +57,28 @@ constexpr Command COMMANDS[] = {
 
 // To set up the options of all commands costs a tenth of a small detection: a line that begins with the name of one
 // needs only that.
-void AddCommands(CLI::App& app, ExitStatus& status, std::string_view firstWord)
+void AddCommands(Command app, ExitStatus& status, std::string_view firstWord)
 {
     const auto help = std::prev(std::end(COMMANDS));
     const auto named = std::find_if(std::begin(COMMANDS), help,
-        [firstWord](const Command& command) { return command.name == firstWord; });
+        [firstWord](const KnownCommand& command) { return command.name == firstWord; });
     if (named != help) {
         named->add(app, status);
         return;
     }
-    for (const Command& command : COMMANDS) {
+    for (const KnownCommand& command : COMMANDS) {
         command.add(app, status);
     }
 }
 
-void AddColourEverywhere(CLI::App& app)
+void AddColourEverywhere(Command app)
 {
-    const auto commands = app.get_subcommands([](const CLI::App*) { return true; });
+    const std::vector<Command> commands = app.Commands();
     if (commands.empty()) {
         AddColour(app);
     }
-    for (CLI::App* command : commands) {
-        AddColourEverywhere(*command);
+    for (const Command& command : commands) {
+        AddColourEverywhere(command);
     }
 }
 
@@ -99,24 +100,15 @@ ExitStatus WrongUse(const std::string& words, const std::string& message)
     return ExitStatus::WRONG_USE;
 }
 
-std::vector<std::string> CommandNames(const CLI::App& app)
-{
-    std::vector<std::string> names;
-    for (const CLI::App* subcommand : app.get_subcommands([](const CLI::App*) { return true; })) {
-        names.push_back(subcommand->get_name());
-    }
-    return names;
-}
-
 /// The command that the line names as far as it names one: "arborist log" for "log improt".
 struct NamedCommand {
-    const CLI::App* app;
+    CLI::App* app;
     std::string words;
     /// The first argument that is no word of it.
     int next;
 };
 
-NamedCommand DeepestCommand(const CLI::App& app, int argc, const char* const* argv)
+NamedCommand DeepestCommand(CLI::App& app, int argc, const char* const* argv)
 {
     NamedCommand named{&app, app.get_name(), 1};
     for (; named.next < argc; ++named.next) {
@@ -153,10 +145,10 @@ std::vector<std::string> LongOptions(const CLI::App& app)
     return options;
 }
 
-ExitStatus ReportParseError(const CLI::App& app, const CLI::ParseError& error, int argc, const char* const* argv)
+ExitStatus ReportParseError(CLI::App& app, const CLI::ParseError& error, int argc, const char* const* argv)
 {
     const NamedCommand named = DeepestCommand(app, argc, argv);
-    const std::vector<std::string> names = CommandNames(*named.app);
+    const std::vector<std::string> names = CommandNames(Command(*named.app));
     if (named.next < argc && argv[named.next][0] != '-' && !names.empty()) {
         const std::string word = argv[named.next];
         return WrongUse(named.words, "no such command: " + word + DidYouMean(word, names));
@@ -198,8 +190,8 @@ ExitStatus RunCommandLine(int argc, const char* const* argv)
         app.footer(Footer());
         app.require_subcommand(1);
         ExitStatus status = ExitStatus::SUCCESS;
-        AddCommands(app, status, argc > 1 ? argv[1] : "");
-        AddColourEverywhere(app);
+        AddCommands(Command(app), status, argc > 1 ? argv[1] : "");
+        AddColourEverywhere(Command(app));
         if (AsksForVersions(argc, argv)) {
             PrintResult(VersionsJson() + "\n");
             return FinishOutput(status);

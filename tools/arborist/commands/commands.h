@@ -2,26 +2,23 @@
 #define ARBORIST_TOOLS_COMMANDS_COMMANDS_H
 
 #include "diagnosis/exit_status.h"
-
-namespace CLI {
-class App;
-}
+#include "tools/arborist/options/options.h"
 
 namespace diagnosis::command {
 
 /// Each adds one command to `app`. When the command line names it, it runs while the line is parsed and leaves its
 /// answer in `status`, which must outlive the parse.
-void AddDetectCommand(CLI::App& app, ExitStatus& status);
-void AddExplainCommand(CLI::App& app, ExitStatus& status);
-void AddQueryCommand(CLI::App& app, ExitStatus& status);
-void AddRepairCommand(CLI::App& app, ExitStatus& status);
-void AddReportCommand(CLI::App& app, ExitStatus& status);
-void AddGraphCommand(CLI::App& app, ExitStatus& status);
-void AddLintCommand(CLI::App& app, ExitStatus& status);
-void AddLogCommand(CLI::App& app, ExitStatus& status);
-void AddBundleCommand(CLI::App& app, ExitStatus& status);
+void AddDetectCommand(Command app, ExitStatus& status);
+void AddExplainCommand(Command app, ExitStatus& status);
+void AddQueryCommand(Command app, ExitStatus& status);
+void AddRepairCommand(Command app, ExitStatus& status);
+void AddReportCommand(Command app, ExitStatus& status);
+void AddGraphCommand(Command app, ExitStatus& status);
+void AddLintCommand(Command app, ExitStatus& status);
+void AddLogCommand(Command app, ExitStatus& status);
+void AddBundleCommand(Command app, ExitStatus& status);
 /// "help" and "completion", which show all commands of `app`, those that are added later, too.
-void AddHelpCommand(CLI::App& app, ExitStatus& status);
+void AddHelpCommand(Command app, ExitStatus& status);
 
 } // namespace diagnosis::command
 

@@ -1,8 +1,7 @@
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <thread>
-
-#include <CLI/CLI.hpp>
 
 #include "diagnosis/results/detection_json.h"
 #include "diagnosis/scratch/new_file.h"
@@ -124,35 +123,35 @@ ExitStatus DetectBatch(DetectOptions& options)
                                   : RunBatchIntoFile(bundles, MakeBatchWork(options), options);
 }
 
-void AddBatchOptions(CLI::App& detect, DetectOptions& options)
+void AddBatchOptions(Command detect, DetectOptions& options)
 {
     static constexpr std::size_t MOST_JOBS = 1024;
     options.batch.jobs = std::max(1U, std::thread::hardware_concurrency());
-    CLI::Option* batch = detect.add_option("--batch", options.list, "Diagnose the bundles of this list, one a line; - "
+    const Option batch = detect.Add("--batch", options.list, "Diagnose the bundles of this list, one a line; - "
         "for standard input. Prints one JSON object a line for each, whatever happens to it")
-        ->type_name("LIST")
-        ->check([](const std::string& list) { return std::string(list.empty() ? "must not be empty" : ""); });
-    detect.add_flag("-0,--null", options.isListNulEnded, "The list's entries end in NUL characters, as of find -print0")
-        ->needs(batch);
-    detect.add_option("--jobs,-j", options.batch.jobs, "Worker processes of a batch; as many as there are processors "
+        .Takes("LIST")
+        .NotEmpty();
+    detect.AddFlag("-0,--null", options.isListNulEnded, "The list's entries end in NUL characters, as of find -print0")
+        .Needs(batch);
+    detect.Add("--jobs,-j", options.batch.jobs, "Worker processes of a batch; as many as there are processors "
         "unless given")
-        ->type_name("N")
-        ->check(CLI::Range(std::size_t{1}, MOST_JOBS))
-        ->needs(batch);
-    detect.add_option("--shard", options.shard, "Work on every N-th bundle of the list, from the I-th on: 1/8 to 8/8 "
+        .Takes("N")
+        .Within(std::size_t{1}, MOST_JOBS)
+        .Needs(batch);
+    detect.Add("--shard", options.shard, "Work on every N-th bundle of the list, from the I-th on: 1/8 to 8/8 "
         "have each bundle once")
-        ->type_name("I/N")
-        ->check([](const std::string& text) {
+        .Takes("I/N")
+        .Check([](const std::string& text) {
             return ParseShard(text) ? "" : "is no shard I/N with I from 1 to N: " + text;
         })
-        ->needs(batch);
-    detect.add_option("--output,-o", options.output, "Write the lines of a batch into this file, which appears when "
+        .Needs(batch);
+    detect.Add("--output,-o", options.output, "Write the lines of a batch into this file, which appears when "
         "all are in it")
-        ->type_name("FILE")
-        ->needs(batch);
-    detect.add_flag("--ordered", options.batch.isOrdered, "Lines of a batch in the order of the list")->needs(batch);
+        .Takes("FILE")
+        .Needs(batch);
+    detect.AddFlag("--ordered", options.batch.isOrdered, "Lines of a batch in the order of the list").Needs(batch);
     AddSeconds(detect, "--timeout", options.timeout, 0, "Seconds that one bundle of a batch may take; 0 for no limit")
-        ->needs(batch);
+        .Needs(batch);
 }
 
 ExitStatus Detect(DetectOptions options)
@@ -176,27 +175,27 @@ ExitStatus Detect(DetectOptions options)
 
 } // namespace
 
-void AddDetectCommand(CLI::App& app, ExitStatus& status)
+void AddDetectCommand(Command app, ExitStatus& status)
 {
     auto options = std::make_shared<DetectOptions>();
-    CLI::App* detect = app.add_subcommand("detect", "Diagnose bundles: one detection for each, and its root causes");
-    detect->add_option("BUNDLE", options->bundles, "Folders or zips with a bundle.json");
-    detect->add_flag("--json", options->asJson, "One JSON object a line for each bundle");
-    detect->add_flag("--tree", options->run.detection.withTrees, "Show the whole trees with the status of each event");
-    detect->add_flag("--explain", options->run.detection.withExplanation, "Tell why as well: what 'arborist explain' tells, "
+    Command detect = app.AddCommand("detect", "Diagnose bundles: one detection for each, and its root causes");
+    detect.Add("BUNDLE", options->bundles, "Folders or zips with a bundle.json");
+    detect.AddFlag("--json", options->asJson, "One JSON object a line for each bundle");
+    detect.AddFlag("--tree", options->run.detection.withTrees, "Show the whole trees with the status of each event");
+    detect.AddFlag("--explain", options->run.detection.withExplanation, "Tell why as well: what 'arborist explain' tells, "
         "of the same run");
-    detect->add_flag("--fail-on-fault", options->failsOnFault, "Exit with 1 when a fault is found");
-    AddRunOptions(*detect, options->run);
-    AddBatchOptions(*detect, *options);
-    detect->footer("Examples:\n  arborist detect examples/laptop\n"
+    detect.AddFlag("--fail-on-fault", options->failsOnFault, "Exit with 1 when a fault is found");
+    AddRunOptions(detect, options->run);
+    AddBatchOptions(detect, *options);
+    detect.Footer("Examples:\n  arborist detect examples/laptop\n"
                    "  arborist detect --json --fail-on-fault devices/* > results.jsonl\n"
                    "  find devices -mindepth 1 -maxdepth 1 -print0 | arborist detect --batch - -0 --jobs 8");
-    detect->callback([options, &status] {
+    detect.OnCall([options, &status] {
         if (options->bundles.empty() && options->list.empty()) {
-            throw CLI::RequiredError("BUNDLE");
+            FailMissing("BUNDLE");
         }
         if (!options->bundles.empty() && !options->list.empty()) {
-            throw CLI::ExcludesError("--batch", "BUNDLE");
+            FailExcluded("--batch", "BUNDLE");
         }
         status = Detect(*options);
     });

@@ -4,16 +4,14 @@
 #include <cstring>
 #include <fstream>
 
-#include <CLI/CLI.hpp>
-
 #include "tools/arborist/terminal/output.h"
 
 namespace diagnosis::command {
 
-void AddDrawingOptions(CLI::App& app, DrawingOptions& options, const std::string& bundleHelp)
+void AddDrawingOptions(Command app, DrawingOptions& options, const std::string& bundleHelp)
 {
-    app.add_option("BUNDLE", options.bundle, bundleHelp)->required();
-    app.add_option("-o,--output", options.file, "Write into this file instead of standard output")->type_name("FILE");
+    app.Add("BUNDLE", options.bundle, bundleHelp).Required();
+    app.Add("-o,--output", options.file, "Write into this file instead of standard output").Takes("FILE");
     AddRunOptions(app, options.run);
 }
 

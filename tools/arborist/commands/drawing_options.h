@@ -5,10 +5,7 @@
 
 #include "diagnosis/exit_status.h"
 #include "tools/arborist/commands/shared_options.h"
-
-namespace CLI {
-class App;
-}
+#include "tools/arborist/options/options.h"
 
 namespace diagnosis::command {
 
@@ -20,7 +17,7 @@ struct DrawingOptions {
 };
 
 /// The bundle, -o and what AddRunOptions adds.
-void AddDrawingOptions(CLI::App& app, DrawingOptions& options, const std::string& bundleHelp);
+void AddDrawingOptions(Command app, DrawingOptions& options, const std::string& bundleHelp);
 
 /// A detection that keeps its trees.
 DetectionReport RunForDrawing(const BundlePath& bundle, const DrawingOptions& options);

@@ -1,4 +1,4 @@
-#include <CLI/CLI.hpp>
+#include <memory>
 
 #include "diagnosis/analysis/explanation_view.h"
 #include "diagnosis/results/explanation_json.h"
@@ -55,41 +55,41 @@ ExitStatus Explain(const ExplainOptions& options)
     return status;
 }
 
-void AddViewOptions(CLI::App& explain, ExplanationView& view)
+void AddViewOptions(Command explain, ExplanationView& view)
 {
     static constexpr std::size_t MOST_MISSING = 100;
     static constexpr std::size_t MOST_SHOWN = 100000;
-    explain.add_option("--event", view.event, "Only events with this id, and root causes on whose way they stand")
-        ->type_name("ID");
-    explain.add_option("--rule", view.rule, "Only this rule, and the events that ask it")->type_name("NAME");
-    explain.add_option("--cause", view.cause, "Only root causes with this event in their cut set")->type_name("ID");
-    explain.add_option("--near-misses", view.nearMisses, "What cut sets lack that are up to N events short of a root cause")
-        ->type_name("N")
-        ->check(CLI::Range(std::size_t{1}, MOST_MISSING));
-    explain.add_option("--limit", view.limit, "Near misses shown of each tree")
-        ->type_name("COUNT")
-        ->check(CLI::Range(std::size_t{1}, MOST_SHOWN))
-        ->capture_default_str();
-    explain.add_flag("--minimal", view.minimal, "The minimal cut sets in evidence, the events by their share of them, "
+    explain.Add("--event", view.event, "Only events with this id, and root causes on whose way they stand")
+        .Takes("ID");
+    explain.Add("--rule", view.rule, "Only this rule, and the events that ask it").Takes("NAME");
+    explain.Add("--cause", view.cause, "Only root causes with this event in their cut set").Takes("ID");
+    explain.Add("--near-misses", view.nearMisses, "What cut sets lack that are up to N events short of a root cause")
+        .Takes("N")
+        .Within(std::size_t{1}, MOST_MISSING);
+    explain.Add("--limit", view.limit, "Near misses shown of each tree")
+        .Takes("COUNT")
+        .Within(std::size_t{1}, MOST_SHOWN)
+        .ShowDefault();
+    explain.AddFlag("--minimal", view.minimal, "The minimal cut sets in evidence, the events by their share of them, "
         "and a smallest set of repairs");
-    explain.add_flag("--brief", view.brief, "One line a distinct root cause");
+    explain.AddFlag("--brief", view.brief, "One line a distinct root cause");
 }
 
 } // namespace
 
-void AddExplainCommand(CLI::App& app, ExitStatus& status)
+void AddExplainCommand(Command app, ExitStatus& status)
 {
     auto options = std::make_shared<ExplainOptions>();
-    CLI::App* explain = app.add_subcommand("explain", "Diagnose bundles and tell why: every rule with all that it "
+    Command explain = app.AddCommand("explain", "Diagnose bundles and tell why: every rule with all that it "
         "looked at, every root cause with its evidence");
-    explain->add_option("BUNDLE", options->bundles, "Folders or zips with a bundle.json")->required();
-    explain->add_flag("--json", options->asJson, "One JSON object a line for each bundle");
-    AddViewOptions(*explain, options->view);
-    AddRunOptions(*explain, options->run);
-    explain->footer("Examples:\n  arborist explain examples/laptop\n"
+    explain.Add("BUNDLE", options->bundles, "Folders or zips with a bundle.json").Required();
+    explain.AddFlag("--json", options->asJson, "One JSON object a line for each bundle");
+    AddViewOptions(explain, options->view);
+    AddRunOptions(explain, options->run);
+    explain.Footer("Examples:\n  arborist explain examples/laptop\n"
                     "  arborist explain --event BATTERY_WORN examples/laptop\n"
                     "  arborist explain --near-misses 1 --minimal --json devices/* > explained.jsonl");
-    explain->callback([options, &status] { status = Explain(*options); });
+    explain.OnCall([options, &status] { status = Explain(*options); });
 }
 
 } // namespace diagnosis::command

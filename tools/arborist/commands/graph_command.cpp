@@ -1,4 +1,4 @@
-#include <CLI/CLI.hpp>
+#include <memory>
 
 #include "diagnosis/detection/bare_rules.h"
 #include "diagnosis/drawing/dot.h"
@@ -82,24 +82,24 @@ ExitStatus Graph(const GraphOptions& options)
 
 } // namespace
 
-void AddGraphCommand(CLI::App& app, ExitStatus& status)
+void AddGraphCommand(Command app, ExitStatus& status)
 {
     auto options = std::make_shared<GraphOptions>();
-    CLI::App* graph = app.add_subcommand("graph", "Draw the trees of a bundle after a run, or those of bare rules");
-    AddDrawingOptions(*graph, options->drawing, "Bundle; with --tree-tag a folder of rules");
-    graph->add_option("--tree-tag", options->treeTag, "Draw the trees under this tag of a folder with FaultTrees.xml "
+    Command graph = app.AddCommand("graph", "Draw the trees of a bundle after a run, or those of bare rules");
+    AddDrawingOptions(graph, options->drawing, "Bundle; with --tree-tag a folder of rules");
+    graph.Add("--tree-tag", options->treeTag, "Draw the trees under this tag of a folder with FaultTrees.xml "
         "and FaultTreeRules.xml, without a run and so without statuses")
-        ->type_name("TAG")
-        ->excludes(graph->get_option("--rules"));
-    graph->add_option("--tree", options->tree, "The trees with this id alone")->type_name("ID");
-    graph->add_option("--format", options->format, "dot: for Graphviz; svg: drawn by Graphviz's program dot, where it "
+        .Takes("TAG")
+        .Excludes(graph.Get("--rules"));
+    graph.Add("--tree", options->tree, "The trees with this id alone").Takes("ID");
+    graph.Add("--format", options->format, "dot: for Graphviz; svg: drawn by Graphviz's program dot, where it "
         "is installed; mermaid: for Markdown; openpsa: Open-PSA Model Exchange Format")
-        ->type_name("FORMAT")
-        ->check(CLI::IsMember({"dot", "svg", "mermaid", "openpsa"}))
-        ->capture_default_str();
-    graph->footer("Examples:\n  arborist graph examples/laptop --format svg -o laptop.svg\n"
+        .Takes("FORMAT")
+        .OneOf({"dot", "svg", "mermaid", "openpsa"})
+        .ShowDefault();
+    graph.Footer("Examples:\n  arborist graph examples/laptop --format svg -o laptop.svg\n"
                   "  arborist graph examples/laptop/rules --tree-tag Laptop | dot -Tpdf -o laptop.pdf");
-    graph->callback([options, &status] { status = Graph(*options); });
+    graph.OnCall([options, &status] { status = Graph(*options); });
 }
 
 } // namespace diagnosis::command

@@ -1,8 +1,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-
-#include <CLI/CLI.hpp>
+#include <memory>
 
 #include "diagnosis/text/near_match.h"
 #include "tools/arborist/commands/commands.h"
@@ -37,50 +36,48 @@ bool WritePages(const CommandReference& command, const std::filesystem::path& fo
     return true;
 }
 
-ExitStatus Help(CLI::App& root, const HelpOptions& options)
+ExitStatus Help(Command root, const HelpOptions& options)
 {
     if (!options.folder.empty()) {
-        return WritePages(MakeReference(root, root.get_name()), options.folder) ? ExitStatus::SUCCESS
+        return WritePages(MakeReference(root, root.Name()), options.folder) ? ExitStatus::SUCCESS
                                                                                 : ExitStatus::WRONG_USE;
     }
-    CLI::App* named = &root;
-    std::string words = root.get_name();
+    Command named = root;
+    std::string words = root.Name();
     for (const std::string& word : options.words) {
-        std::vector<std::string> names;
-        for (const CLI::App* command : named->get_subcommands([](const CLI::App*) { return true; })) {
-            names.push_back(command->get_name());
-        }
-        if (std::find(names.begin(), names.end(), word) == names.end()) {
+        const std::vector<std::string> names = CommandNames(named);
+        const auto found = std::find(names.begin(), names.end(), word);
+        if (found == names.end()) {
             PrintError("no such command: " + words + " " + word + DidYouMean(word, names));
             return ExitStatus::WRONG_USE;
         }
-        named = named->get_subcommand(word);
+        named = named.Commands()[static_cast<std::size_t>(found - names.begin())];
         words += " " + word;
     }
-    PrintResult(options.asMan ? ManPage(MakeReference(*named, words)) : named->help("", CLI::AppFormatMode::Sub));
+    PrintResult(options.asMan ? ManPage(MakeReference(named, words)) : named.Help());
     return ExitStatus::SUCCESS;
 }
 
 } // namespace
 
-void AddHelpCommand(CLI::App& app, ExitStatus& status)
+void AddHelpCommand(Command app, ExitStatus& status)
 {
     auto options = std::make_shared<HelpOptions>();
-    CLI::App* help = app.add_subcommand("help", "Show the help of a command, or its man page");
-    help->add_option("COMMAND", options->words, "Words of the command; none for arborist itself");
-    help->add_flag("--man", options->asMan, "Print the man page");
-    help->add_option("--man-to", options->folder, "Write the man pages of all commands into this folder")
-        ->type_name("DIR");
-    help->footer("Examples:\n  arborist help log import\n  arborist help --man detect | man -l -");
-    help->callback([options, &app, &status] { status = Help(app, *options); });
+    Command help = app.AddCommand("help", "Show the help of a command, or its man page");
+    help.Add("COMMAND", options->words, "Words of the command; none for arborist itself");
+    help.AddFlag("--man", options->asMan, "Print the man page");
+    help.Add("--man-to", options->folder, "Write the man pages of all commands into this folder")
+        .Takes("DIR");
+    help.Footer("Examples:\n  arborist help log import\n  arborist help --man detect | man -l -");
+    help.OnCall([options, app, &status] { status = Help(app, *options); });
 
-    CLI::App* completion = app.add_subcommand("completion", "Print the completion script of a shell");
-    completion->add_option("SHELL", options->shell, "bash, zsh or fish")->required()
-        ->check(CLI::IsMember({"bash", "zsh", "fish"}));
-    completion->footer("Examples:\n  source <(arborist completion bash)\n"
+    Command completion = app.AddCommand("completion", "Print the completion script of a shell");
+    completion.Add("SHELL", options->shell, "bash, zsh or fish").Required()
+        .OneOf({"bash", "zsh", "fish"});
+    completion.Footer("Examples:\n  source <(arborist completion bash)\n"
                        "  arborist completion fish > ~/.config/fish/completions/arborist.fish");
-    completion->callback([options, &app, &status] {
-        PrintResult(Completion(MakeReference(app, app.get_name()), options->shell));
+    completion.OnCall([options, app, &status] {
+        PrintResult(Completion(MakeReference(app, app.Name()), options->shell));
         status = ExitStatus::SUCCESS;
     });
 }

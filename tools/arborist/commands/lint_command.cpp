@@ -1,8 +1,7 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
-
-#include <CLI/CLI.hpp>
+#include <memory>
 
 #include "diagnosis/lint/baseline.h"
 #include "diagnosis/lint/config.h"
@@ -238,56 +237,56 @@ ExitStatus Lint(LintCommandOptions given)
     return LintAll(given, options);
 }
 
-void AddSelection(CLI::App& app, LintCommandOptions& options)
+void AddSelection(Command app, LintCommandOptions& options)
 {
-    app.add_option("--tag", options.tags, "Look at this tag alone; may be given several times")->type_name("TAG");
-    app.add_option("--prefix", options.prefix, "The files are named with this and \"_\" in front")->type_name("PREFIX");
-    app.add_option("--disable", options.disable, "Leave this check out; several with commas between, or several times")
-        ->type_name("ID")->delimiter(',');
-    app.add_option("--only", options.only, "Run this check alone; several as for --disable")
-        ->type_name("ID")->delimiter(',');
-    app.add_option("--device", options.devices, "Profiles of devices, for checks that need them")->type_name("FILE");
-    app.add_option("--config", options.config, "Read options from a file of JSON")->type_name("FILE");
-    app.add_option("--stdin-filename", options.stdinFile, "What the text of standard input is, for -")
-        ->type_name("FILE");
+    app.Add("--tag", options.tags, "Look at this tag alone; may be given several times").Takes("TAG");
+    app.Add("--prefix", options.prefix, "The files are named with this and \"_\" in front").Takes("PREFIX");
+    app.Add("--disable", options.disable, "Leave this check out; several with commas between, or several times")
+        .Takes("ID").SplitAt(',');
+    app.Add("--only", options.only, "Run this check alone; several as for --disable")
+        .Takes("ID").SplitAt(',');
+    app.Add("--device", options.devices, "Profiles of devices, for checks that need them").Takes("FILE");
+    app.Add("--config", options.config, "Read options from a file of JSON").Takes("FILE");
+    app.Add("--stdin-filename", options.stdinFile, "What the text of standard input is, for -")
+        .Takes("FILE");
 }
 
-void AddOutput(CLI::App& app, LintCommandOptions& options)
+void AddOutput(Command app, LintCommandOptions& options)
 {
-    app.add_option("--format", options.format, "text: for people; short: for editors; github, gitlab: for their "
+    app.Add("--format", options.format, "text: for people; short: for editors; github, gitlab: for their "
         "pipelines; json, sarif, junit")
-        ->type_name("FORMAT")
-        ->check(CLI::IsMember({"text", "short", "json", "github", "gitlab", "sarif", "junit"}))
-        ->capture_default_str();
-    app.add_flag("--json", options.asJson, "The same as --format json");
-    app.add_option("--fail-level", options.failLevel, "Exit with 1 from findings of this level on; error unless given")
-        ->type_name("LEVEL")
-        ->check(CLI::IsMember({"error", "warning", "info"}));
-    auto* baseline = app.add_option("--baseline", options.baseline, "Leave out findings that this file holds")
-        ->type_name("FILE");
-    app.add_option("--write-baseline", options.newBaseline, "Write all findings to this file, and exit with 0")
-        ->type_name("FILE")->excludes(baseline);
-    app.add_flag("--no-baseline", options.withoutBaseline, "Tell all, also what the baseline of --config holds");
+        .Takes("FORMAT")
+        .OneOf({"text", "short", "json", "github", "gitlab", "sarif", "junit"})
+        .ShowDefault();
+    app.AddFlag("--json", options.asJson, "The same as --format json");
+    app.Add("--fail-level", options.failLevel, "Exit with 1 from findings of this level on; error unless given")
+        .Takes("LEVEL")
+        .OneOf({"error", "warning", "info"});
+    const Option baseline = app.Add("--baseline", options.baseline, "Leave out findings that this file holds")
+        .Takes("FILE");
+    app.Add("--write-baseline", options.newBaseline, "Write all findings to this file, and exit with 0")
+        .Takes("FILE").Excludes(baseline);
+    app.AddFlag("--no-baseline", options.withoutBaseline, "Tell all, also what the baseline of --config holds");
 }
 
 } // namespace
 
-void AddLintCommand(CLI::App& app, ExitStatus& status)
+void AddLintCommand(Command app, ExitStatus& status)
 {
     auto options = std::make_shared<LintCommandOptions>();
-    CLI::App* lint = app.add_subcommand("lint", "Look for mistakes in rule sets that their readers pass over in silence");
-    lint->add_option("RULES_DIR", options->folders, "Folders with FaultTrees.xml and FaultTreeRules.xml; - for a file "
+    Command lint = app.AddCommand("lint", "Look for mistakes in rule sets that their readers pass over in silence");
+    lint.Add("RULES_DIR", options->folders, "Folders with FaultTrees.xml and FaultTreeRules.xml; - for a file "
         "on standard input");
-    AddSelection(*lint, *options);
-    AddOutput(*lint, *options);
-    lint->add_flag("--list", options->asList, "List all checks");
-    lint->add_option("--explain", options->explained, "Tell what a check finds, what happens at run time, and show a "
-        "bad and a good sample")->type_name("ID");
-    lint->footer("Examples:\n  arborist lint examples/laptop/rules\n  arborist lint --explain A303\n"
+    AddSelection(lint, *options);
+    AddOutput(lint, *options);
+    lint.AddFlag("--list", options->asList, "List all checks");
+    lint.Add("--explain", options->explained, "Tell what a check finds, what happens at run time, and show a "
+        "bad and a good sample").Takes("ID");
+    lint.Footer("Examples:\n  arborist lint examples/laptop/rules\n  arborist lint --explain A303\n"
                  "  arborist lint rules --format sarif --fail-level warning > lint.sarif");
-    lint->callback([options, &status] {
+    lint.OnCall([options, &status] {
         if (options->folders.empty() && !options->asList && options->explained.empty()) {
-            throw CLI::RequiredError("RULES_DIR");
+            FailMissing("RULES_DIR");
         }
         status = Lint(*options);
     });

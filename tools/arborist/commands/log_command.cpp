@@ -1,7 +1,6 @@
 #include <fstream>
 #include <iostream>
-
-#include <CLI/CLI.hpp>
+#include <memory>
 
 #include "diagnosis/bundle/moment.h"
 #include "diagnosis/log_db/import_log.h"
@@ -103,77 +102,77 @@ ExitStatus Slice(const SliceOptions& options)
     return Finish(failure ? std::vector<Failure>{*failure} : std::vector<Failure>{});
 }
 
-void AddInspectCommand(CLI::App& log, ExitStatus& status)
+void AddInspectCommand(Command log, ExitStatus& status)
 {
     auto options = std::make_shared<InspectOptions>();
-    CLI::App* inspect = log.add_subcommand("inspect", "Tell what an event log holds, and what in it is not seen");
-    inspect->add_option("LOG.DB", options->file, "The event log")->required();
-    inspect->add_flag("--json", options->asJson, "One JSON object, times in seconds since the epoch");
-    AddTimeZone(*inspect, options->zone);
-    inspect->footer("Example:\n  arborist log inspect log.db");
-    inspect->callback([options, &status] { status = Inspect(*options); });
+    Command inspect = log.AddCommand("inspect", "Tell what an event log holds, and what in it is not seen");
+    inspect.Add("LOG.DB", options->file, "The event log").Required();
+    inspect.AddFlag("--json", options->asJson, "One JSON object, times in seconds since the epoch");
+    AddTimeZone(inspect, options->zone);
+    inspect.Footer("Example:\n  arborist log inspect log.db");
+    inspect.OnCall([options, &status] { status = Inspect(*options); });
 }
 
-void AddMomentOption(CLI::App& app, const std::string& name, std::string& moment, const std::string& description)
+void AddMomentOption(Command app, const std::string& name, std::string& moment, const std::string& description)
 {
-    app.add_option(name, moment, description)->type_name("TIME")->check([](const std::string& text) {
+    app.Add(name, moment, description).Takes("TIME").Check([](const std::string& text) {
         return IsMomentText(text) || IsDate(text)
             ? "" : "is neither \"YYYY-MM-DD\", \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: " + text;
     });
 }
 
-void AddSliceCommand(CLI::App& log, ExitStatus& status)
+void AddSliceCommand(Command log, ExitStatus& status)
 {
     static constexpr std::int64_t MOST_DAYS = 1'000'000;
     auto options = std::make_shared<SliceOptions>();
-    CLI::App* slice = log.add_subcommand("slice", "Make an event log of a part of another");
-    slice->add_option("LOG.DB", options->file, "The event log, which stays as it is")->required();
-    slice->add_option("--to", options->target, "The log.db to make; an old one is replaced")
-        ->type_name("LOG.DB")->required();
-    AddMomentOption(*slice, "--from", options->from, "Events since then, inclusive; a date stands for its first second");
-    AddMomentOption(*slice, "--until", options->until, "Events until then, inclusive; a date stands for its last second");
-    slice->add_option("--last", options->lastDays, "Events of this many days before the latest one")
-        ->type_name("DAYS")->check(CLI::Range(std::int64_t{0}, MOST_DAYS));
-    slice->add_option("--ids", options->ids, "Events of these numbers: 931001001,932000000-932999999")
-        ->type_name("LIST")
-        ->check([](const std::string& text) {
+    Command slice = log.AddCommand("slice", "Make an event log of a part of another");
+    slice.Add("LOG.DB", options->file, "The event log, which stays as it is").Required();
+    slice.Add("--to", options->target, "The log.db to make; an old one is replaced")
+        .Takes("LOG.DB").Required();
+    AddMomentOption(slice, "--from", options->from, "Events since then, inclusive; a date stands for its first second");
+    AddMomentOption(slice, "--until", options->until, "Events until then, inclusive; a date stands for its last second");
+    slice.Add("--last", options->lastDays, "Events of this many days before the latest one")
+        .Takes("DAYS").Within(std::int64_t{0}, MOST_DAYS);
+    slice.Add("--ids", options->ids, "Events of these numbers: 931001001,932000000-932999999")
+        .Takes("LIST")
+        .Check([](const std::string& text) {
             return ParseIdRanges(text) ? "" : "is no list of numbers and ranges: " + text;
         });
-    AddTimeZone(*slice, options->zone);
-    slice->footer("Example:\n  arborist log slice log.db --to last-week.db --last 7 --ids 931001001-931001999");
-    slice->callback([options, &status] { status = Slice(*options); });
+    AddTimeZone(slice, options->zone);
+    slice.Footer("Example:\n  arborist log slice log.db --to last-week.db --last 7 --ids 931001001-931001999");
+    slice.OnCall([options, &status] { status = Slice(*options); });
 }
 
 } // namespace
 
-void AddLogCommand(CLI::App& app, ExitStatus& status)
+void AddLogCommand(Command app, ExitStatus& status)
 {
-    CLI::App* log = app.add_subcommand(
+    Command log = app.AddCommand(
         "log", "Event logs: make them of readable text, show them, look for what is not seen, cut them");
-    log->require_subcommand(1);
-    log->footer("Example:\n  arborist log import events.jsonl --to log.db");
+    log.RequireCommand();
+    log.Footer("Example:\n  arborist log import events.jsonl --to log.db");
 
     auto importOptions = std::make_shared<LogFileOptions>();
-    CLI::App* import = log->add_subcommand("import", "Make an event log of JSON Lines");
-    import->add_option("FILE", importOptions->file, "JSON Lines: \"time\", \"event\", \"version\", \"extra\"; - for "
-        "standard input")->required();
-    import->add_option("--to", importOptions->target, "The log.db to make, with its folders; an old one is replaced")
-        ->type_name("LOG.DB")->required();
-    AddTimeZone(*import, importOptions->zone);
-    import->footer("A line that can't be used is named, and nothing is written.\nExample:\n"
+    Command import = log.AddCommand("import", "Make an event log of JSON Lines");
+    import.Add("FILE", importOptions->file, "JSON Lines: \"time\", \"event\", \"version\", \"extra\"; - for "
+        "standard input").Required();
+    import.Add("--to", importOptions->target, "The log.db to make, with its folders; an old one is replaced")
+        .Takes("LOG.DB").Required();
+    AddTimeZone(import, importOptions->zone);
+    import.Footer("A line that can't be used is named, and nothing is written.\nExample:\n"
                    "  arborist log import events.jsonl --to programdata/Comms/Lumbra/workDir/0/log.db");
-    import->callback([importOptions, &status] { status = Import(*importOptions); });
+    import.OnCall([importOptions, &status] { status = Import(*importOptions); });
 
     auto showOptions = std::make_shared<LogFileOptions>();
-    CLI::App* show = log->add_subcommand("show", "Print an event log as JSON Lines");
-    show->add_option("LOG.DB", showOptions->file, "The event log")->required();
-    show->add_flag("--seconds", showOptions->asSeconds, "Times in seconds since the epoch instead of local time");
-    AddTimeZone(*show, showOptions->zone);
-    show->footer("Example:\n  arborist log show programdata/Comms/Lumbra/workDir/0/log.db --tz UTC");
-    show->callback([showOptions, &status] { status = Show(*showOptions); });
+    Command show = log.AddCommand("show", "Print an event log as JSON Lines");
+    show.Add("LOG.DB", showOptions->file, "The event log").Required();
+    show.AddFlag("--seconds", showOptions->asSeconds, "Times in seconds since the epoch instead of local time");
+    AddTimeZone(show, showOptions->zone);
+    show.Footer("Example:\n  arborist log show programdata/Comms/Lumbra/workDir/0/log.db --tz UTC");
+    show.OnCall([showOptions, &status] { status = Show(*showOptions); });
 
-    AddInspectCommand(*log, status);
-    AddSliceCommand(*log, status);
+    AddInspectCommand(log, status);
+    AddSliceCommand(log, status);
 }
 
 } // namespace diagnosis::command

@@ -1,4 +1,4 @@
-#include <CLI/CLI.hpp>
+#include <memory>
 
 #include "diagnosis/detection/query.h"
 #include "diagnosis/results/query_json.h"
@@ -36,21 +36,19 @@ ExitStatus Query(const QueryOptions& options)
 
 } // namespace
 
-void AddQueryCommand(CLI::App& app, ExitStatus& status)
+void AddQueryCommand(Command app, ExitStatus& status)
 {
     auto options = std::make_shared<QueryOptions>();
-    CLI::App* query = app.add_subcommand("query", "Tell about one detection code, without a detection");
-    query->add_option("BUNDLE", options->bundle, "Folder or zip with a bundle.json")->required();
-    query->add_option("CODE", options->code, "Detection code of a code rule")->required()->check([](const auto& code) {
-        return std::string(code.empty() ? "must not be empty" : "");
-    });
-    query->add_flag("--json", options->asJson, "One JSON object");
-    AddOverrides(*query, options->overrides);
-    AddRules(*query, options->overrides);
-    AddLogOptions(*query, options->log);
-    query->footer("Prints whether the code rule would run on this device, and the description, suggestion and repair\n"
+    Command query = app.AddCommand("query", "Tell about one detection code, without a detection");
+    query.Add("BUNDLE", options->bundle, "Folder or zip with a bundle.json").Required();
+    query.Add("CODE", options->code, "Detection code of a code rule").Required().NotEmpty();
+    query.AddFlag("--json", options->asJson, "One JSON object");
+    AddOverrides(query, options->overrides);
+    AddRules(query, options->overrides);
+    AddLogOptions(query, options->log);
+    query.Footer("Prints whether the code rule would run on this device, and the description, suggestion and repair\n"
                   "ids that it stands for.\nExample:\n  arborist query examples/laptop KEYBOARD_TEST");
-    query->callback([options, &status] { status = Query(*options); });
+    query.OnCall([options, &status] { status = Query(*options); });
 }
 
 } // namespace diagnosis::command

@@ -1,6 +1,5 @@
 #include <algorithm>
-
-#include <CLI/CLI.hpp>
+#include <memory>
 
 #include "arborist/frame/repair.h"
 #include "diagnosis/bundle/bundle_session.h"
@@ -108,40 +107,38 @@ ExitStatus WithRecords(const RepairOptions& options, BundleUse use, Work work)
     return failure ? Fail(options, *failure) : ExitStatus::SUCCESS;
 }
 
-CLI::App* AddRecordsCommand(CLI::App& repair, const std::string& name, const std::string& description,
+Command AddRecordsCommand(Command repair, const std::string& name, const std::string& description,
     const std::shared_ptr<RepairOptions>& options)
 {
-    CLI::App* command = repair.add_subcommand(name, description);
-    command->add_option("BUNDLE", options->bundle, "Folder with a bundle.json")->required();
-    command->add_flag("--json", options->asJson, "One JSON object a line for each record");
-    AddLogOptions(*command, options->log);
+    Command command = repair.AddCommand(name, description);
+    command.Add("BUNDLE", options->bundle, "Folder with a bundle.json").Required();
+    command.AddFlag("--json", options->asJson, "One JSON object a line for each record");
+    AddLogOptions(command, options->log);
     return command;
 }
 
 } // namespace
 
-void AddRepairCommand(CLI::App& app, ExitStatus& status)
+void AddRepairCommand(Command app, ExitStatus& status)
 {
-    CLI::App* repair = app.add_subcommand("repair", "Repair records of a bundle: what happened before a repair doesn't "
+    Command repair = app.AddCommand("repair", "Repair records of a bundle: what happened before a repair doesn't "
         "count any more");
-    repair->require_subcommand(1);
-    repair->footer("Example:\n  arborist repair list examples/laptop");
+    repair.RequireCommand();
+    repair.Footer("Example:\n  arborist repair list examples/laptop");
 
     auto recordOptions = std::make_shared<RepairOptions>();
-    CLI::App* record = AddRecordsCommand(*repair, "record", "Record that a repair was carried out", recordOptions);
-    record->add_option("ID", recordOptions->id, "Repair id")->required()->check([](const std::string& id) {
-        return std::string(id.empty() ? "must not be empty" : "");
-    });
-    AddOverrides(*record, recordOptions->overrides);
-    AddRules(*record, recordOptions->overrides);
-    record->footer("Example:\n  arborist repair record examples/laptop REPAIR_BATTERY --now \"2024-05-01 10:00:00\"");
-    record->callback([recordOptions, &status] { status = WithRecords(*recordOptions, BundleUse::RECORD, Record); });
+    Command record = AddRecordsCommand(repair, "record", "Record that a repair was carried out", recordOptions);
+    record.Add("ID", recordOptions->id, "Repair id").Required().NotEmpty();
+    AddOverrides(record, recordOptions->overrides);
+    AddRules(record, recordOptions->overrides);
+    record.Footer("Example:\n  arborist repair record examples/laptop REPAIR_BATTERY --now \"2024-05-01 10:00:00\"");
+    record.OnCall([recordOptions, &status] { status = WithRecords(*recordOptions, BundleUse::RECORD, Record); });
 
     auto listOptions = std::make_shared<RepairOptions>();
-    CLI::App* list = AddRecordsCommand(*repair, "list", "Show the records, in the order of their first making",
+    Command list = AddRecordsCommand(repair, "list", "Show the records, in the order of their first making",
         listOptions);
-    list->footer("Example:\n  arborist repair list examples/laptop");
-    list->callback([listOptions, &status] { status = WithRecords(*listOptions, BundleUse::RUN, List); });
+    list.Footer("Example:\n  arborist repair list examples/laptop");
+    list.OnCall([listOptions, &status] { status = WithRecords(*listOptions, BundleUse::RUN, List); });
 }
 
 } // namespace diagnosis::command

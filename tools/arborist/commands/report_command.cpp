@@ -1,4 +1,4 @@
-#include <CLI/CLI.hpp>
+#include <memory>
 
 #include "diagnosis/report/report_page.h"
 #include "tools/arborist/commands/commands.h"
@@ -26,14 +26,14 @@ ExitStatus Report(DrawingOptions options)
 
 } // namespace
 
-void AddReportCommand(CLI::App& app, ExitStatus& status)
+void AddReportCommand(Command app, ExitStatus& status)
 {
     auto options = std::make_shared<DrawingOptions>();
-    CLI::App* report = app.add_subcommand("report", "Diagnose a bundle and write one HTML page about it");
-    AddDrawingOptions(*report, *options, "Bundle to diagnose");
-    report->footer("The page needs neither network nor scripts, and can be printed.\n"
+    Command report = app.AddCommand("report", "Diagnose a bundle and write one HTML page about it");
+    AddDrawingOptions(report, *options, "Bundle to diagnose");
+    report.Footer("The page needs neither network nor scripts, and can be printed.\n"
                    "Example:\n  arborist report examples/laptop -o report.html");
-    report->callback([options, &status] { status = Report(*options); });
+    report.OnCall([options, &status] { status = Report(*options); });
 }
 
 } // namespace diagnosis::command

@@ -5,11 +5,9 @@
 #include <cstdint>
 #include <sstream>
 
-#include <CLI/CLI.hpp>
-
 namespace diagnosis::command {
 
-CLI::Option* AddSeconds(CLI::App& app, const std::string& name, double& seconds, double least,
+Option AddSeconds(Command app, const std::string& name, double& seconds, double least,
     const std::string& description)
 {
     static constexpr double MOST = 86400;
@@ -24,7 +22,7 @@ CLI::Option* AddSeconds(CLI::App& app, const std::string& name, double& seconds,
         }
         return message.str();
     };
-    return app.add_option(name, seconds, description)->type_name("SECONDS")->check(problem)->capture_default_str();
+    return app.Add(name, seconds, description).Takes("SECONDS").Check(problem).ShowDefault();
 }
 
 std::chrono::milliseconds Milliseconds(double seconds)

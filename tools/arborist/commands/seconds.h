@@ -4,15 +4,12 @@
 #include <chrono>
 #include <string>
 
-namespace CLI {
-class App;
-class Option;
-}
+#include "tools/arborist/options/options.h"
 
 namespace diagnosis::command {
 
 /// An option for a time in seconds, from `least` to a day; what `seconds` holds is what it is unless given.
-CLI::Option* AddSeconds(CLI::App& app, const std::string& name, double& seconds, double least,
+Option AddSeconds(Command app, const std::string& name, double& seconds, double least,
     const std::string& description);
 
 /// Rounded up: a short time must not become 0, which may stand for no limit.

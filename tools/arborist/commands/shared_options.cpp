@@ -2,8 +2,6 @@
 
 #include <filesystem>
 
-#include <CLI/CLI.hpp>
-
 #include "diagnosis/bundle/moment.h"
 #include "diagnosis/detection/code_program.h"
 #include "tools/arborist/commands/seconds.h"
@@ -12,53 +10,53 @@
 
 namespace diagnosis::command {
 
-void AddOverrides(CLI::App& app, BundleOverrides& overrides)
+void AddOverrides(Command app, BundleOverrides& overrides)
 {
-    app.add_option("--now", overrides.now, "Diagnose as of this moment, \"YYYY-MM-DD HH:MM:SS\" local time or seconds "
+    app.Add("--now", overrides.now, "Diagnose as of this moment, \"YYYY-MM-DD HH:MM:SS\" local time or seconds "
         "since the epoch, instead of \"now\" of the bundle")
-        ->type_name("TIME")
-        ->check([](const std::string& text) {
+        .Takes("TIME")
+        .Check([](const std::string& text) {
             return IsMomentText(text) ? "" : "is neither \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: " + text;
         });
     AddTimeZone(app, overrides.tz);
 }
 
-void AddRules(CLI::App& app, BundleOverrides& overrides)
+void AddRules(Command app, BundleOverrides& overrides)
 {
     const auto takeOver = [&overrides](const std::string& folder) {
         std::error_code error;
         // Meant from here, and not from the bundle that becomes the working directory.
         overrides.rules = std::filesystem::absolute(folder, error).lexically_normal().string();
     };
-    app.add_option_function<std::string>("--rules", takeOver, "Folder of a rule set to use instead of the bundle's")
-        ->type_name("DIR");
+    app.Add("--rules", takeOver, "Folder of a rule set to use instead of the bundle's")
+        .Takes("DIR");
 }
 
-void AddTimeZone(CLI::App& app, std::string& zone)
+void AddTimeZone(Command app, std::string& zone)
 {
-    app.add_option("--tz", zone, "Time zone of local times, \"Europe/Berlin\" or a POSIX rule")
-        ->type_name("ZONE")
-        ->check([](const std::string& text) {
+    app.Add("--tz", zone, "Time zone of local times, \"Europe/Berlin\" or a POSIX rule")
+        .Takes("ZONE")
+        .Check([](const std::string& text) {
             return IsTimeZone(text) ? "" : "names no time zone that this machine knows: " + text;
         });
 }
 
-void AddLogOptions(CLI::App& app, LogOptions& options)
+void AddLogOptions(Command app, LogOptions& options)
 {
-    app.add_option("--log-level", options.level, "Library log on standard error from this level on: trace, debug, "
+    app.Add("--log-level", options.level, "Library log on standard error from this level on: trace, debug, "
         "info, warn, error, fatal or none (the default)")
-        ->type_name("LEVEL")
-        ->check(CLI::IsMember({"trace", "debug", "info", "warn", "error", "fatal", "none"}));
-    app.add_option("--log-file", options.file, "Whole library log into this file, instead of standard error")
-        ->type_name("FILE");
+        .Takes("LEVEL")
+        .OneOf({"trace", "debug", "info", "warn", "error", "fatal", "none"});
+    app.Add("--log-file", options.file, "Whole library log into this file, instead of standard error")
+        .Takes("FILE");
 }
 
-void AddCodeRunnerOptions(CLI::App& app, CodeRunnerOptions& options)
+void AddCodeRunnerOptions(Command app, CodeRunnerOptions& options)
 {
-    app.add_option("--code-runner", options.program, "Program that answers code rules: one JSON object on its standard "
+    app.Add("--code-runner", options.program, "Program that answers code rules: one JSON object on its standard "
         "input, exit status 0 for present, 1 for not present")
-        ->type_name("PROGRAM")
-        ->check([](const std::string& program) {
+        .Takes("PROGRAM")
+        .Check([](const std::string& program) {
             const auto problem = ProgramProblem(FindProgram(program));
             return problem ? program + ": can't be started: " + *problem : "";
         });
@@ -73,9 +71,9 @@ CodeRunner MakeCodeRunner(const CodeRunnerOptions& options)
     return runner;
 }
 
-void AddRunOptions(CLI::App& app, RunOptions& options)
+void AddRunOptions(Command app, RunOptions& options)
 {
-    app.add_flag("--strict", options.isStrict, "Exit with 3 on a warning about a rule set, with 4 on any other");
+    app.AddFlag("--strict", options.isStrict, "Exit with 3 on a warning about a rule set, with 4 on any other");
     AddOverrides(app, options.detection.overrides);
     AddRules(app, options.detection.overrides);
     AddCodeRunnerOptions(app, options.codeRunner);
@@ -101,12 +99,12 @@ ExitStatus StatusOf(const DetectionReport& report, const RunOptions& options)
     return status;
 }
 
-void AddColour(CLI::App& app)
+void AddColour(Command app)
 {
-    app.add_option_function<std::string>("--color", SetColour, "Colours of texts and messages: auto, always or never")
-        ->type_name("WHEN")
-        ->check(CLI::IsMember({"auto", "always", "never"}))
-        ->default_str("auto");
+    app.Add("--color", SetColour, "Colours of texts and messages: auto, always or never")
+        .Takes("WHEN")
+        .OneOf({"auto", "always", "never"})
+        .Default("auto");
 }
 
 BundlePath MakeBundlePath(const std::string& given)

@@ -6,22 +6,19 @@
 
 #include "diagnosis/bundle/bundle_session.h"
 #include "diagnosis/detection/detection.h"
+#include "tools/arborist/options/options.h"
 #include "tools/arborist/terminal/library_log.h"
-
-namespace CLI {
-class App;
-}
 
 namespace diagnosis::command {
 
 /// --now and --tz.
-void AddOverrides(CLI::App& app, BundleOverrides& overrides);
+void AddOverrides(Command app, BundleOverrides& overrides);
 /// --rules: another rule set than the bundle's.
-void AddRules(CLI::App& app, BundleOverrides& overrides);
+void AddRules(Command app, BundleOverrides& overrides);
 /// --tz alone.
-void AddTimeZone(CLI::App& app, std::string& zone);
+void AddTimeZone(Command app, std::string& zone);
 /// --log-level and --log-file.
-void AddLogOptions(CLI::App& app, LogOptions& options);
+void AddLogOptions(Command app, LogOptions& options);
 
 /// The program of --code-runner as it was given.
 struct CodeRunnerOptions {
@@ -30,7 +27,7 @@ struct CodeRunnerOptions {
 };
 
 /// --code-runner and --code-timeout.
-void AddCodeRunnerOptions(CLI::App& app, CodeRunnerOptions& options);
+void AddCodeRunnerOptions(Command app, CodeRunnerOptions& options);
 /// Looks for the program: like bundles before any bundle becomes the working directory.
 CodeRunner MakeCodeRunner(const CodeRunnerOptions& options);
 
@@ -43,14 +40,14 @@ struct RunOptions {
 };
 
 /// --strict, --now, --tz, --rules, --code-runner, --code-timeout, --log-level and --log-file.
-void AddRunOptions(CLI::App& app, RunOptions& options);
+void AddRunOptions(Command app, RunOptions& options);
 /// How the detections are to be run, with the program of --code-runner found.
 DetectionOptions MakeDetectionOptions(const RunOptions& options);
 /// What a detection makes the process answer: its failure, or under --strict its warnings.
 ExitStatus StatusOf(const DetectionReport& report, const RunOptions& options);
 
 /// --color, which every command has.
-void AddColour(CLI::App& app);
+void AddColour(Command app);
 
 /// The place is worked out before any bundle becomes the working directory.
 BundlePath MakeBundlePath(const std::string& given);

@@ -49,8 +49,9 @@ OptionReference MakeArgument(const CLI::Option& option)
 
 } // namespace
 
-CommandReference MakeReference(const CLI::App& app, const std::string& words)
+CommandReference MakeReference(const Command& command, const std::string& words)
 {
+    const CLI::App& app = command.App();
     CommandReference made{words, app.get_description(), app.get_footer(), {}, {}, {}};
     for (const CLI::Option* option : app.get_options()) {
         if (option->get_positional()) {
@@ -59,8 +60,8 @@ CommandReference MakeReference(const CLI::App& app, const std::string& words)
             made.options.push_back(MakeOption(*option));
         }
     }
-    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
-        made.commands.push_back(MakeReference(*command, words + " " + command->get_name()));
+    for (const Command& below : command.Commands()) {
+        made.commands.push_back(MakeReference(below, words + " " + below.Name()));
     }
     return made;
 }

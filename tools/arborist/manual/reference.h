@@ -4,9 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}
+#include "tools/arborist/options/options.h"
 
 namespace diagnosis::command {
 
@@ -34,8 +32,8 @@ struct CommandReference {
     std::vector<CommandReference> commands;
 };
 
-/// `words` are those that lead to `app`.
-CommandReference MakeReference(const CLI::App& app, const std::string& words);
+/// `words` are those that lead to `command`.
+CommandReference MakeReference(const Command& command, const std::string& words);
 
 /// The man page, section 1, in the man macros.
 std::string ManPage(const CommandReference& command);
