@@ -1,5 +1,6 @@
 #include "diagnosis/text/json_text.h"
 
+#include <algorithm>
 #include <memory>
 
 #include <json/reader.h>
@@ -38,6 +39,96 @@ std::string FirstError(const std::string& errors)
     return "line " + place + ": " + Cut(errors.substr(reason, errors.find('\n', reason) - reason));
 }
 
+bool IsDigit(char character)
+{
+    return character >= '0' && character <= '9';
+}
+
+// Takes the digits at the front of `text`; how many there were.
+std::size_t TakeDigits(std::string_view& text)
+{
+    const auto end = std::find_if_not(text.begin(), text.end(), IsDigit);
+    const auto count = static_cast<std::size_t>(end - text.begin());
+    text.remove_prefix(count);
+    return count;
+}
+
+bool TakeOneOf(std::string_view& text, std::string_view characters)
+{
+    const bool isThere = !text.empty() && characters.find(text.front()) != std::string_view::npos;
+    text.remove_prefix(isThere ? 1 : 0);
+    return isThere;
+}
+
+bool IsNumber(std::string_view text)
+{
+    TakeOneOf(text, "-");
+    const bool isZero = !text.empty() && text.front() == '0';
+    const std::size_t digits = TakeDigits(text);
+    if (digits == 0 || (isZero && digits > 1) || (TakeOneOf(text, ".") && TakeDigits(text) == 0)) {
+        return false;
+    }
+    if (TakeOneOf(text, "eE")) {
+        TakeOneOf(text, "+-");
+        return TakeDigits(text) > 0 && text.empty();
+    }
+    return text.empty();
+}
+
+/// Finds what the reader lets through although it is no JSON: some comments, numbers like 01, control characters. The
+/// text is one that the reader took, so that its texts and brackets end.
+class Leniencies {
+public:
+    explicit Leniencies(std::string_view text) : mText(text) {}
+
+    /// Place and reason of the first; empty where there is none.
+    std::string First()
+    {
+        static constexpr std::string_view NUMBER = "+-.0123456789eE";
+        for (; mAt < mText.size(); ++mAt) {
+            if (mText[mAt] == '"') {
+                if (!SkipText()) {
+                    return Fault("a control character stands in a text");
+                }
+            } else if (mText[mAt] == '/') {
+                return Fault("a comment is no JSON");
+            } else if (NUMBER.substr(0, 13).find(mText[mAt]) != std::string_view::npos) {
+                const std::string_view number =
+                    mText.substr(mAt, mText.find_first_not_of(NUMBER, mAt) - mAt);
+                if (!IsNumber(number)) {
+                    return Fault("\"" + Cut(std::string(number)) + "\" is not a number");
+                }
+                mAt += number.size() - 1;
+            }
+        }
+        return "";
+    }
+
+private:
+    // To the quote at its end; false at a control character.
+    bool SkipText()
+    {
+        for (++mAt; mAt < mText.size() && mText[mAt] != '"'; ++mAt) {
+            if (static_cast<unsigned char>(mText[mAt]) < 0x20) {
+                return false;
+            }
+            mAt += mText[mAt] == '\\' ? 1 : 0;
+        }
+        return true;
+    }
+
+    std::string Fault(const std::string& reason) const
+    {
+        const std::string_view before = mText.substr(0, mAt);
+        const auto line = 1 + std::count(before.begin(), before.end(), '\n');
+        const auto column = mAt - (before.rfind('\n') + 1) + 1; // after the last line end, or the start
+        return "line " + std::to_string(line) + ", column " + std::to_string(column) + ": " + reason;
+    }
+
+    std::string_view mText;
+    std::size_t mAt = 0;
+};
+
 } // namespace
 
 std::optional<Json::Value> ParseJson(std::string_view text, std::string& problem)
@@ -47,7 +138,8 @@ std::optional<Json::Value> ParseJson(std::string_view text, std::string& problem
     Json::String errors;
     try {
         if (reader->parse(text.data(), text.data() + text.size(), &value, &errors)) {
-            return value;
+            problem = Leniencies(text).First();
+            return problem.empty() ? std::optional(value) : std::nullopt;
         }
     } catch (const Json::Exception& exception) {
         problem = exception.what(); // nested deeper than the reader goes

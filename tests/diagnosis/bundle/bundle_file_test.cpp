@@ -92,6 +92,16 @@ INSTANTIATE_TEST_SUITE_P(Table, BadBundleKey, testing::Values(
         "\"tz\" names no time zone that this machine knows: \"Mars\""}),
     CaseName());
 
+TEST(BundleFileTest, ACommentBeforeAKeyIsBadJsonAndHasItsPlace)
+{
+    Bundle bundle;
+    std::vector<Warning> warnings;
+    const auto failure = ReadBundleText("b.json", "{\n  // one\n  \"detectScene\": 1}", bundle, warnings);
+    ASSERT_TRUE(failure.has_value());
+    EXPECT_EQ(failure->code, "bad_json");
+    EXPECT_EQ(failure->message, "b.json: line 2, column 3: a comment is no JSON");
+}
+
 TEST(BundleFileTest, JsonNestedTooDeepIsBadJson)
 {
     Bundle bundle;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/case_name.h"
+
 namespace {
 
 TEST(JsonTextTest, AnErrorHasItsPlaceAndAReasonThatIsCut)
@@ -17,6 +19,46 @@ TEST(JsonTextTest, AnErrorHasItsPlaceAndAReasonThatIsCut)
         EXPECT_EQ(problem.substr(problem.size() - 3), "...");
         EXPECT_LT(problem.size(), 300U);
     }
+}
+
+struct LooseCase { const char* name; const char* text; const char* problem; };
+void PrintTo(const LooseCase& looseCase, std::ostream* out) { *out << looseCase.name; }
+class LooseJson : public testing::TestWithParam<LooseCase> {};
+
+TEST_P(LooseJson, IsRefusedWithItsPlace)
+{
+    std::string problem;
+    EXPECT_FALSE(diagnosis::ParseJson(GetParam().text, problem).has_value());
+    EXPECT_EQ(problem, GetParam().problem);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, LooseJson, testing::Values(
+    LooseCase{"CommentBeforeAKey", "{\n  /* c */ \"a\": 1}", "line 2, column 3: a comment is no JSON"},
+    LooseCase{"CommentBeforeALaterKey", "{\"a\": 1, // c\n\"b\": 2}", "line 1, column 10: a comment is no JSON"},
+    LooseCase{"CommentAfterAValue", "{\"a\": 1\n /* c */}", "line 2, column 2: a comment is no JSON"},
+    LooseCase{"CommentAtTheEnd", "{\"a\": 1}\n// c\n", "line 2, column 1: Extra non-whitespace after JSON value."},
+    LooseCase{"CommentAtTheStart", "// c\n{\"a\": 1}",
+        "line 1, column 1: Syntax error: value, object or array expected."},
+    LooseCase{"CommentBeforeAValue", "{\"a\": /* c */ 1}",
+        "line 1, column 7: Syntax error: value, object or array expected."},
+    LooseCase{"DoubleKey", "{\"a\": 1,\n \"a\": 2}", "line 2, column 2: Duplicate key: 'a'"},
+    LooseCase{"DoubleKeyOfAnInnerObject", "{\"o\": {\"a\": 1, \"a\": 2}}", "line 1, column 16: Duplicate key: 'a'"},
+    LooseCase{"TrailingText", "{\"a\": 1}\nx", "line 2, column 1: Extra non-whitespace after JSON value."},
+    LooseCase{"SecondObject", "{} {}", "line 1, column 4: Extra non-whitespace after JSON value."},
+    LooseCase{"TrailingComma", "{\"a\": 1,}", "line 1, column 9: Missing '}' or object member name"},
+    LooseCase{"ZeroInFront", "{\"a\": 01}", "line 1, column 7: \"01\" is not a number"},
+    LooseCase{"PlusInFront", "[+1]", "line 1, column 2: \"+1\" is not a number"},
+    LooseCase{"NoDigits", "[-]", "line 1, column 2: \"-\" is not a number"},
+    LooseCase{"NoDigitsBehindThePoint", "[1.]", "line 1, column 2: \"1.\" is not a number"},
+    LooseCase{"LineEndInAText", "[\"a\nb\"]", "line 1, column 4: a control character stands in a text"}),
+    CaseName());
+
+TEST(JsonTextTest, WhatOnlyLooksLooseIsTaken)
+{
+    std::string problem;
+    const char* const text = R"({"a//b": "/* \" // 01 \\", "n": [0, -0, 10, -1.5e+07, 2E3, 0.0]})";
+    EXPECT_TRUE(diagnosis::ParseJson(text, problem).has_value()) << problem;
+    EXPECT_EQ(problem, "");
 }
 
 } // namespace
