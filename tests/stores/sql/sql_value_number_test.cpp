@@ -68,7 +68,7 @@ bool IsSame(double one, double other)
     return std::isnan(one) ? std::isnan(other) : one == other;
 }
 
-TEST(ReadDoubleTest, AgreesWithTheLibraryOnAnyText)
+TEST(ReadDoubleRandomTest, AgreesWithTheLibraryOnAnyText)
 {
     RandomCases cases(5000);
     for (int index = 0; index < cases.GetCount(); ++index) {
@@ -79,7 +79,7 @@ TEST(ReadDoubleTest, AgreesWithTheLibraryOnAnyText)
     }
 }
 
-TEST(ReadDoubleTest, AgreesWithTheLibraryOnNumbers)
+TEST(ReadDoubleRandomTest, AgreesWithTheLibraryOnNumbers)
 {
     RandomCases cases(5000);
     for (int index = 0; index < cases.GetCount(); ++index) {

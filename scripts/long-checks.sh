@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# Runs the random tests with many cases and a seed of their own: "long-checks.sh [CASES [SEED]]", by default 100000 cases
+# and the time as the seed. A failure names its seed: the same seed gives the same cases.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+export ARBORIST_CASES=${1:-100000}
+export ARBORIST_SEED=${2:-$(date +%s)}
+
+echo "== $ARBORIST_CASES cases of each, seed $ARBORIST_SEED"
+cmake --preset dev
+cmake --build --preset dev --target evaluation_tests stores_tests utilities_tests
+ctest --preset dev -R '^(evaluation|stores|utilities)_tests\..*RandomTest'
