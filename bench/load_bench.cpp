@@ -3,44 +3,17 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include <tinyxml2.h>
 
-#include "arborist/loading/fault_tree_parser.h"
 #include "bench/compare.h"
 #include "bench/heap_gauge.h"
-#include "bench/rule_set_generator.h"
+#include "bench/rule_set_dir.h"
 
 namespace {
-
-// A folder with the two files, removed at the end.
-class RuleSetDir {
-public:
-    explicit RuleSetDir(const bench::RuleSetSize& size)
-    {
-        std::string pattern = (std::filesystem::temp_directory_path() / "arborist-bench-XXXXXX").string();
-        if (mkdtemp(pattern.data()) == nullptr) {
-            std::abort();
-        }
-        mPath = pattern;
-        std::ofstream(TreeFile()) << bench::TreeFileText(size);
-        std::ofstream(RuleFile()) << bench::RuleFileText(size);
-    }
-    ~RuleSetDir() { std::filesystem::remove_all(mPath); }
-    RuleSetDir(const RuleSetDir&) = delete;
-    RuleSetDir& operator=(const RuleSetDir&) = delete;
-
-    const std::string& Path() const { return mPath; }
-    std::string TreeFile() const { return mPath + "/" + FaultTreeParser::FAULT_TREE_FILE; }
-    std::string RuleFile() const { return mPath + "/" + FaultTreeParser::FAULT_TREE_RULES_FILE; }
-
-private:
-    std::string mPath;
-};
 
 std::unique_ptr<tinyxml2::XMLDocument> Loaded(const std::string& path)
 {
@@ -52,26 +25,13 @@ std::unique_ptr<tinyxml2::XMLDocument> Loaded(const std::string& path)
 }
 
 struct Documents {
-    explicit Documents(const RuleSetDir& dir) : trees(Loaded(dir.TreeFile())), rules(Loaded(dir.RuleFile())) {}
+    explicit Documents(const bench::RuleSetDir& dir) : trees(Loaded(dir.TreeFile())), rules(Loaded(dir.RuleFile())) {}
 
     std::unique_ptr<tinyxml2::XMLDocument> trees;
     std::unique_ptr<tinyxml2::XMLDocument> rules;
 };
 
-std::unique_ptr<FaultTreeParser> Parsed(const RuleSetDir& dir, const bench::RuleSetSize& size)
-{
-    auto detectInfo = std::make_shared<DetectInfo>();
-    detectInfo->mTreeTag = bench::RULE_SET_TAG;
-    detectInfo->mRuleFileDir = dir.Path();
-    auto parser = std::make_unique<FaultTreeParser>(detectInfo);
-    parser->StartParse();
-    if (parser->GetFaultTrees().size() != size.trees || parser->GetRuleMap().size() != size.rules) {
-        std::abort();
-    }
-    return parser;
-}
-
-bench::Pair Times(const RuleSetDir& dir, const bench::RuleSetSize& size)
+bench::Pair Times(const bench::RuleSetDir& dir, const bench::RuleSetSize& size)
 {
     std::vector<double> ours;
     std::vector<double> baseline;
@@ -80,20 +40,20 @@ bench::Pair Times(const RuleSetDir& dir, const bench::RuleSetSize& size)
         baseline.push_back(bench::Milliseconds([&] { documents.emplace(dir); }));
         documents.reset();
         std::unique_ptr<FaultTreeParser> parser;
-        ours.push_back(bench::Milliseconds([&] { parser = Parsed(dir, size); }));
+        ours.push_back(bench::Milliseconds([&] { parser = bench::Parsed(dir, size); }));
     }
     return {bench::Median(ours), bench::Median(baseline)};
 }
 
 // What stays in memory beside the rule file's document, against both documents.
-bench::Pair Memory(const RuleSetDir& dir, const bench::RuleSetSize& size)
+bench::Pair Memory(const bench::RuleSetDir& dir, const bench::RuleSetSize& size)
 {
     const HeapGauge gauge;
     const auto ruleDocument = Loaded(dir.RuleFile());
     const double ruleBytes = gauge.Live();
     const auto treeDocument = Loaded(dir.TreeFile());
     const double bothBytes = gauge.Live();
-    const auto parser = Parsed(dir, size);
+    const auto parser = bench::Parsed(dir, size);
     return {gauge.Live() - bothBytes - ruleBytes, bothBytes};
 }
 
@@ -103,7 +63,7 @@ int main()
 {
     bench::SilenceLog();
     const bench::RuleSetSize size;
-    const RuleSetDir dir(size);
+    const bench::RuleSetDir dir(size);
     std::printf("# rule set of %.1f MB: trees %.1f MB, rules %.1f MB\n",
         static_cast<double>(std::filesystem::file_size(dir.TreeFile()) + std::filesystem::file_size(dir.RuleFile())) / 1e6,
         static_cast<double>(std::filesystem::file_size(dir.TreeFile())) / 1e6,

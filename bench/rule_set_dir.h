@@ -1,0 +1,33 @@
+#ifndef ARBORIST_BENCH_RULE_SET_DIR_H
+#define ARBORIST_BENCH_RULE_SET_DIR_H
+
+#include <memory>
+#include <string>
+
+#include "arborist/loading/fault_tree_parser.h"
+#include "bench/rule_set_generator.h"
+
+namespace bench {
+
+/// A folder with the two files of a generated rule set, removed at the end.
+class RuleSetDir {
+public:
+    explicit RuleSetDir(const RuleSetSize& size);
+    ~RuleSetDir();
+    RuleSetDir(const RuleSetDir&) = delete;
+    RuleSetDir& operator=(const RuleSetDir&) = delete;
+
+    const std::string& Path() const { return mPath; }
+    std::string TreeFile() const { return mPath + "/" + FaultTreeParser::FAULT_TREE_FILE; }
+    std::string RuleFile() const { return mPath + "/" + FaultTreeParser::FAULT_TREE_RULES_FILE; }
+
+private:
+    std::string mPath;
+};
+
+/// The engine's own reading of such a folder.
+std::unique_ptr<FaultTreeParser> Parsed(const RuleSetDir& dir, const RuleSetSize& size);
+
+} // namespace bench
+
+#endif

@@ -1,0 +1,286 @@
+#include <filesystem>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <json/value.h>
+#include <tinyxml2.h>
+
+#include "tests/support/case_name.h"
+#include "tests/support/temp_dir.h"
+#include "tests/tools/command_bundle.h"
+#include "tests/tools/json_schema.h"
+
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+namespace fs = std::filesystem;
+
+constexpr char SAMPLES[] = ARBORIST_SOURCE_DIR "/tests/lint/";
+
+// Line 12 of the rule file names no scene.
+std::string RuleFile(const std::string& attributes = "", const std::string& before = "")
+{
+    return "<FaultTreeRules>\n"
+           "  <EventRules>\n    <Laptop>\n"
+           "      <Event><ID>E</ID><or type=\"singleRule\"><Rule><Rule-name>r</Rule-name></Rule></or></Event>\n"
+           "    </Laptop>\n  </EventRules>\n"
+           "  <EventFaultDescriptions><Laptop><Event><ID>E</ID><FaultDescriptions><description id=\"D\"/>"
+           "</FaultDescriptions></Event></Laptop></EventFaultDescriptions>\n"
+           "  <RuleList>\n    <Laptop>\n      <rule>\n" + before +
+           "\n        <codeRule name=\"r\"" + attributes + "><detectInfo id=\"C\"/></codeRule>\n"
+           "      </rule>\n    </Laptop>\n  </RuleList>\n</FaultTreeRules>\n";
+}
+
+class LintCommand : public testing::Test {
+protected:
+    // A rule set in "rules" whose one trouble is A401 in line 12.
+    void SetUp() override
+    {
+        fs::create_directory("rules");
+        fs::copy_file(std::string(SAMPLES) + "plain/FaultTrees.xml", "rules/FaultTrees.xml");
+        Write(RuleFile());
+    }
+
+    void Write(const std::string& ruleFile) { mDir.Write("rules/FaultTreeRules.xml", ruleFile); }
+    void Mend() { Write(RuleFile(" detectScene=\"1\"")); }
+
+    ProcessResult Lint(std::vector<std::string> options, const ProcessSetup& setup = {})
+    {
+        options.insert(options.begin(), "lint");
+        return RunArborist(options, setup);
+    }
+
+    TempDir mDir;
+};
+
+TEST_F(LintCommand, ShowsPlaceLineHelpAndWhatHappensAtRunTime)
+{
+    const auto result = Lint({"rules"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out,
+        "rules/FaultTreeRules.xml:12: error A401: the rule \"r\" names no scene\n"
+        " 12 |         <codeRule name=\"r\"><detectInfo id=\"C\"/></codeRule>\n"
+        "    |          ^^^^^^^^\n"
+        "   = help: name its scenes in \"detectScene\"\n"
+        "   = note: at run time the rule is rejected in every detection: other filters let all in when they are empty,\n"
+        "           this one none\n\n"
+        "1 error\n");
+    Mend();
+    EXPECT_EQ(Lint({"rules"}).out, "no findings\n");
+    EXPECT_EQ(Lint({"rules"}).status, 0);
+}
+
+TEST_F(LintCommand, ReportsToEditorsInOneLineEach)
+{
+    EXPECT_EQ(Lint({"rules", "--format", "short"}).out,
+        "rules/FaultTreeRules.xml:12:10: error: the rule \"r\" names no scene [A401]\n");
+}
+
+TEST_F(LintCommand, AnnotatesForGithub)
+{
+    EXPECT_EQ(Lint({"rules", "--format", "github"}).out,
+        "::error file=rules/FaultTreeRules.xml,line=12,col=10,endColumn=18,title=A401 rule without a scene::the rule "
+        "\"r\" names no scene; name its scenes in \"detectScene\"\n");
+}
+
+TEST_F(LintCommand, GivesAllThatItKnowsAsJson)
+{
+    const Json::Value run = ParsedJson(Lint({"rules", "--json"}).out);
+    EXPECT_EQ(run["files"].size(), 2U);
+    EXPECT_EQ(run["errors"].asInt(), 1);
+    const Json::Value& finding = run["findings"][0];
+    EXPECT_EQ(finding["id"].asString(), "A401");
+    EXPECT_EQ(finding["severity"].asString(), "error");
+    EXPECT_EQ(finding["line"].asInt(), 12);
+    EXPECT_EQ(finding["column"].asInt(), 10);
+    EXPECT_EQ(finding["element"].asString(), "RuleList/Laptop/rule/codeRule[r]");
+    EXPECT_EQ(finding["fix"].asString(), "none");
+}
+
+TEST_F(LintCommand, KeepsFingerprintsWhenLinesMove)
+{
+    const auto fingerprint = [this] { return ParsedJson(Lint({"rules", "--json"}).out)["findings"][0]["fingerprint"]; };
+    const Json::Value before = fingerprint();
+    Write("\n\n<!-- moved -->\n" + RuleFile());
+    EXPECT_EQ(fingerprint(), before);
+    EXPECT_EQ(ParsedJson(Lint({"rules", "--format", "gitlab"}).out)[0]["fingerprint"], before);
+}
+
+TEST_F(LintCommand, TellsEqualFindingsApart)
+{
+    const std::string twice = "<codeRule detectScene=\"1\"><detectInfo id=\"D\"/></codeRule>\n";
+    Write(RuleFile(" detectScene=\"1\"", twice + twice));
+    const Json::Value findings = ParsedJson(Lint({"rules", "--only", "A404", "--format", "gitlab"}).out);
+    ASSERT_EQ(findings.size(), 2U);
+    EXPECT_NE(findings[0]["fingerprint"], findings[1]["fingerprint"]);
+}
+
+struct FormatCase {
+    const char* name;
+    const char* format;
+};
+void PrintTo(const FormatCase& formatCase, std::ostream* out) { *out << formatCase.name; }
+class LintFormat : public LintCommand, public testing::WithParamInterface<FormatCase> {};
+
+TEST_P(LintFormat, IsValidWithFindingsAndWithout)
+{
+    for (const bool isMended : {false, true}) {
+        if (isMended) {
+            Mend();
+        }
+        const auto result = Lint({"rules", "--format", GetParam().format});
+        EXPECT_EQ(result.status, isMended ? 0 : 1);
+        EXPECT_THAT(result.err, IsEmpty());
+        if (std::string(GetParam().format) == "junit") {
+            tinyxml2::XMLDocument document;
+            ASSERT_EQ(document.Parse(result.out.c_str()), tinyxml2::XML_SUCCESS);
+            EXPECT_EQ(document.RootElement()->IntAttribute("failures"), isMended ? 0 : 1);
+            EXPECT_EQ(document.RootElement()->IntAttribute("tests"), 2);
+        } else {
+            EXPECT_FALSE(ParsedJson(result.out).isNull());
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, LintFormat, testing::Values(FormatCase{"Json", "json"}, FormatCase{"Gitlab", "gitlab"},
+    FormatCase{"Sarif", "sarif"}, FormatCase{"Junit", "junit"}), CaseName());
+
+TEST_F(LintCommand, WritesSarifWithItsRulesAndStableFingerprints)
+{
+    const Json::Value sarif = ParsedJson(Lint({"rules", "--format", "sarif"}).out);
+    EXPECT_EQ(sarif["version"].asString(), "2.1.0");
+    const Json::Value& run = sarif["runs"][0];
+    EXPECT_EQ(run["tool"]["driver"]["rules"][0]["id"].asString(), "A401");
+    const Json::Value& result = run["results"][0];
+    EXPECT_EQ(result["ruleId"].asString(), "A401");
+    EXPECT_EQ(result["level"].asString(), "error");
+    const Json::Value& place = result["locations"][0]["physicalLocation"];
+    EXPECT_EQ(place["artifactLocation"]["uri"].asString(), "rules/FaultTreeRules.xml");
+    EXPECT_EQ(place["region"]["startLine"].asInt(), 12);
+    EXPECT_EQ(result["partialFingerprints"]["arboristLint/v1"].asString().size(), 16U);
+}
+
+TEST_F(LintCommand, LeavesOutAndPicksChecks)
+{
+    EXPECT_EQ(Lint({"rules", "--disable", "A401"}).status, 0);
+    EXPECT_EQ(Lint({"rules", "--disable", "A303,A401"}).status, 0);
+    EXPECT_EQ(Lint({"rules", "--only", "A303"}).status, 0);
+    const auto unknown = Lint({"rules", "--only", "A40"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_EQ(unknown.err, "arborist: no such check: A40; did you mean \"A401\"?\n");
+}
+
+TEST_F(LintCommand, FailsFromTheGivenLevelOn)
+{
+    Write(RuleFile(" detectScene=\"1\" detectscene=\"1\""));
+    EXPECT_EQ(Lint({"rules"}).status, 0);
+    EXPECT_EQ(Lint({"rules", "--fail-level", "warning"}).status, 1);
+    EXPECT_EQ(Lint({"rules", "--fail-level", "warning", "--disable", "A104"}).status, 0);
+    EXPECT_EQ(Lint({"rules", "--fail-level", "fatal"}).status, 2);
+}
+
+TEST_F(LintCommand, LooksAtAllFilesWhenOneCanNotBeRead)
+{
+    fs::copy("rules", "broken", fs::copy_options::recursive);
+    mDir.Write("broken/FaultTrees.xml", "<a>\n<b></a>");
+    const auto result = Lint({"broken", "rules", "missing"});
+    EXPECT_EQ(result.status, 3);
+    EXPECT_THAT(result.out, HasSubstr("broken/FaultTrees.xml:2: error A101: FaultTrees.xml is no well-formed XML: "
+                                      "mismatched element\n"));
+    EXPECT_THAT(result.out, HasSubstr("broken/FaultTreeRules.xml:12: error A401"));
+    EXPECT_THAT(result.out, HasSubstr("rules/FaultTreeRules.xml:12: error A401"));
+    EXPECT_THAT(result.out, HasSubstr("missing/FaultTrees.xml: error A101: FaultTrees.xml can't be used: there is no"));
+}
+
+TEST_F(LintCommand, ACommentSuppressesWhatTheElementBehindItHolds)
+{
+    Write(RuleFile("", "<!-- arborist-disable A401: the host picks the scene -->"));
+    EXPECT_EQ(Lint({"rules"}).out, "no findings\n");
+    Write("<!-- arborist-disable A303, A401 -->" + RuleFile());
+    EXPECT_THAT(Lint({"rules"}).out, AllOf(HasSubstr(":1: info A001: the comment suppresses \"A303\", which finds nothing"),
+                                         Not(HasSubstr("error A401"))));
+    Write(RuleFile(" detectScene=\"1\"", "<!-- arborist-disable A999 -->"));
+    EXPECT_THAT(Lint({"rules"}).out, HasSubstr("the comment suppresses \"A999\", which is no check"));
+    // A check that did not run may find something another time.
+    Write(RuleFile("", "<!-- arborist-disable A401 -->"));
+    EXPECT_EQ(Lint({"rules", "--disable", "A401"}).out, "no findings\n");
+}
+
+TEST_F(LintCommand, ABaselineHoldsWhatIsKnown)
+{
+    EXPECT_EQ(Lint({"rules", "--write-baseline", "known/lint.txt"}).status, 2);
+    EXPECT_EQ(Lint({"rules", "--write-baseline", "lint.txt"}).status, 0);
+    EXPECT_THAT(mDir.Read("lint.txt"),
+        HasSubstr("\nA401\trules/FaultTreeRules.xml\tRuleList/Laptop/rule/codeRule[r]\t1\n"));
+    Write("\n" + RuleFile());
+    const auto known = Lint({"rules", "--baseline", "lint.txt"});
+    EXPECT_EQ(known.status, 0);
+    EXPECT_EQ(known.out, "no findings, 1 in the baseline\n");
+    // A second one of the same element is new.
+    Write(RuleFile("", "<codeRule name=\"r\"><detectInfo id=\"D\"/></codeRule>"));
+    EXPECT_EQ(Lint({"rules", "--baseline", "lint.txt", "--only", "A401"}).status, 1);
+    mDir.Write("lint.txt", "A401 rules\n");
+    EXPECT_EQ(Lint({"rules", "--baseline", "lint.txt"}).status, 2);
+    EXPECT_EQ(Lint({"rules", "--baseline", "none.txt"}).status, 2);
+}
+
+TEST_F(LintCommand, TakesItsOptionsFromAConfiguration)
+{
+    mDir.Write("config/lint.json", "{\"disable\": [\"A401\"], \"failLevel\": \"warning\", \"baseline\": \"known.txt\"}");
+    mDir.Write("config/known.txt", "");
+    EXPECT_EQ(Lint({"rules", "--config", "config/lint.json"}).out, "no findings\n");
+    ASSERT_EQ(Lint({"rules", "--write-baseline", "config/known.txt"}).status, 0);
+    mDir.Write("config/lint.json", "{\"baseline\": \"known.txt\"}");
+    EXPECT_EQ(Lint({"rules", "--config", "config/lint.json"}).status, 0);
+    EXPECT_EQ(Lint({"rules", "--config", "config/lint.json", "--no-baseline"}).status, 1);
+    mDir.Write("config/lint.json", "{\"disabel\": []}");
+    const auto unknown = Lint({"rules", "--config", "config/lint.json"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_EQ(unknown.err, "arborist: config/lint.json: unknown key \"disabel\"; did you mean \"disable\"?\n");
+}
+
+TEST_F(LintCommand, ReadsAnEditorsFileFromStandardInput)
+{
+    const ProcessSetup mended{.input = RuleFile(" detectScene=\"1\"")};
+    EXPECT_EQ(Lint({"-", "--stdin-filename", "rules/FaultTreeRules.xml", "--format", "short"}, mended).out, "");
+    const ProcessSetup renamed{.input = RuleFile().replace(RuleFile().find("<ID>E"), 5, "<ID>F")};
+    EXPECT_THAT(Lint({"-", "--stdin-filename", "rules/FaultTreeRules.xml", "--format", "short"}, renamed).out,
+        HasSubstr("rules/FaultTrees.xml:7:28: warning: no entry of \"EventRules\" is for the event \"E\" [A301]\n"));
+    // Alone, it is not asked for what the other file would say.
+    EXPECT_EQ(Lint({"-", "--format", "short"}, renamed).out,
+        "-:12:10: error: the rule \"r\" names no scene [A401]\n");
+}
+
+TEST_F(LintCommand, ReadsFilesWithAPrefixAndOneTagAlone)
+{
+    fs::rename("rules/FaultTrees.xml", "rules/P_FaultTrees.xml");
+    fs::rename("rules/FaultTreeRules.xml", "rules/P_FaultTreeRules.xml");
+    EXPECT_EQ(Lint({"rules"}).status, 3);
+    EXPECT_EQ(Lint({"rules", "--prefix", "P"}).status, 1);
+    EXPECT_THAT(Lint({"rules", "--prefix", "P", "--tag", "laptop"}).out,
+        HasSubstr("A102: the tree file has no section \"laptop\"\n"));
+}
+
+TEST_F(LintCommand, ListsAndExplainsChecks)
+{
+    EXPECT_THAT(Lint({"--list"}).out, HasSubstr("\nA303  error    rule name that no rule has\n"));
+    const auto explained = Lint({"--explain", "A401"});
+    EXPECT_THAT(explained.out, StartsWith("A401 (error): rule without a scene\n\n"));
+    EXPECT_THAT(explained.out, HasSubstr("\nBad, FaultTreeRules.xml:\n\n    <FaultTreeRules>\n"));
+    EXPECT_THAT(explained.out, HasSubstr("<codeRule name=\"r\" detectScene=\"1\">"));
+    EXPECT_EQ(Lint({"--explain", "A4"}).status, 2);
+    EXPECT_EQ(Lint({}).status, 2);
+}
+
+TEST_F(LintCommand, ShowsNoControlCharactersOfAFile)
+{
+    Write(RuleFile("", "<codeRule name=\"\x1b[31m\"><detectInfo id=\"D\"/></codeRule>"));
+    EXPECT_THAT(Lint({"rules"}).out, AllOf(HasSubstr("\\x1B[31m"), Not(HasSubstr("\x1b"))));
+}
+
+} // namespace
