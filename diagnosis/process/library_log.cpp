@@ -79,6 +79,11 @@ void SendLibraryLogTo(std::unique_ptr<LogSink> sink)
     FT::Log::GetInstance().SetUserLogger(std::make_unique<SinkLogger>(std::move(sink)));
 }
 
+void GiveLibraryLogBack()
+{
+    FT::Log::GetInstance().SetUserLogger(std::make_unique<FT::DefaultLogger>());
+}
+
 PathsShown::~PathsShown()
 {
     pathNames = nullptr;

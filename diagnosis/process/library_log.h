@@ -20,8 +20,11 @@ public:
     virtual void OnLine(unsigned int level, const std::string& line) = 0;
 };
 
-/// Sends the library's log to `sink`, for the rest of the process or until the next call.
+/// Sends the library's log to `sink`, until it is given back or sent elsewhere. The command never gives it back.
 void SendLibraryLogTo(std::unique_ptr<LogSink> sink);
+/// Gives the log back to the library's own logger, which prints all lines to standard output. For hosts that outlive
+/// their sink.
+void GiveLibraryLogBack();
 
 /// Lets the log name paths in another way while it lives. One at a time.
 class PathsShown {
