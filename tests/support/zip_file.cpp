@@ -1,6 +1,8 @@
 #include "tests/support/zip_file.h"
 
 #include <array>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 
 #include <minizip/unzip.h>
@@ -30,6 +32,18 @@ std::string WriteZip(const std::string& path, const ZipEntries& entries)
         Require(zipCloseFileInZip(archive) == ZIP_OK, path);
     }
     Require(zipClose(archive, nullptr) == ZIP_OK, path);
+    return path;
+}
+
+std::string WriteDamagedZip(const std::string& path, const ZipEntries& entries)
+{
+    std::ifstream whole(WriteZip(path, entries), std::ios::binary);
+    std::string bytes((std::istreambuf_iterator<char>(whole)), std::istreambuf_iterator<char>());
+    // It stands in the list at the end and in front of the entry.
+    for (const std::size_t place : {bytes.rfind("PK\1\2") + 16, bytes.rfind("PK\3\4") + 14}) {
+        bytes.at(place) = static_cast<char>(~bytes.at(place));
+    }
+    std::ofstream(path, std::ios::binary) << bytes;
     return path;
 }
 

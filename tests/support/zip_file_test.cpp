@@ -24,4 +24,11 @@ TEST(ZipFileTest, ThrowsWhenThereIsNoArchive)
     EXPECT_ANY_THROW(WriteZip(dir.Path("missing/a.zip"), {}));
 }
 
+TEST(ZipFileTest, ChecksumOfADamagedArchiveIsSeen)
+{
+    const TempDir dir;
+    EXPECT_THROW(ReadZip(WriteDamagedZip("a.zip", {{"a", "1"}, {"b", "2"}})), std::runtime_error);
+    EXPECT_NO_THROW(ReadZip(WriteZip("a.zip", {{"a", "1"}, {"b", "2"}})));
+}
+
 } // namespace

@@ -568,13 +568,7 @@ TEST_F(ExternalDatabasesTest, ArchiveWithAWrongChecksumGivesNoCopy)
 {
     const std::string db = MakeDb("made.db");
     mDir.MakeDir("device");
-    WriteZip(mDir.Path("device/a.zip"), {{"app.db", db}});
-    std::string archive = mDir.Read("device/a.zip");
-    for (const char* const head : {"PK\1\2", "PK\3\4"}) {
-        const std::size_t checksum = archive.rfind(head) + (head[2] == 1 ? 16 : 14);
-        archive[checksum] = static_cast<char>(~archive[checksum]);
-    }
-    mDir.Write("device/a.zip", archive);
+    WriteDamagedZip(mDir.Path("device/a.zip"), {{"app.db", db}});
     EXPECT_THAT(Copy(".*(zip|db)"), IsEmpty());
     EXPECT_FALSE(mDir.Has("copies/app.db"));
     EXPECT_TRUE(fs::is_empty(mDir.Path("copies/temp")));

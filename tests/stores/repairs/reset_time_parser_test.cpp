@@ -237,6 +237,14 @@ TEST_F(ResetTimeParserTest, ArchiveThatDoesNotUnpackLeavesTheLogThatIsThere)
     EXPECT_EQ(mParser.GetUpdateTime(), AT_10);
 }
 
+TEST_F(ResetTimeParserTest, DamagedArchiveLeavesTheLogThatIsThere)
+{
+    mDir.Write("unpacked/recovery_log", Begin(9, "UPDATE") + End(10));
+    WriteDamagedZip("old.zip", {{"recovery_log", Begin(9, "UPDATE") + End(12)}});
+    mParser.ParseZipContent("old", ".zip");
+    EXPECT_EQ(mParser.GetUpdateTime(), AT_10);
+}
+
 TEST_F(ResetTimeParserTest, EmptyTextUnpacksNothing)
 {
     mDir.Write("unpacked/recovery_log", Begin(9, "UPDATE") + End(10));
