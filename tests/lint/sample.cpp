@@ -46,6 +46,13 @@ diagnosis::rule_source::RuleSetFiles LintSample::Files(const std::string& which)
         SourceFile::Read(PathOf(folders, "FaultTreeRules.xml"))};
 }
 
+void LintSample::CopyTo(const TempDir& dir, const std::string& which) const
+{
+    for (const char* file : {"FaultTrees.xml", "FaultTreeRules.xml"}) {
+        fs::copy_file(PathOf(Folders(which), file), dir.Path(file));
+    }
+}
+
 std::vector<LintSample> AllLintSamples()
 {
     std::vector<LintSample> samples;

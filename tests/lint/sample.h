@@ -7,6 +7,7 @@
 
 #include "diagnosis/rule_source/rule_set.h"
 #include "tests/support/example_page.h"
+#include "tests/support/temp_dir.h"
 
 /// A folder of tests/lint named "A303-words": what is wrong, and the same as it should be.
 ///
@@ -25,6 +26,8 @@ struct LintSample {
     std::vector<std::string> Folders(const std::string& which) const;
     /// The files of the bad or of the good rule set.
     diagnosis::rule_source::RuleSetFiles Files(const std::string& which) const;
+    /// Copies them into a folder.
+    void CopyTo(const TempDir& dir, const std::string& which) const;
 };
 
 /// What "effect.txt" of a sample says, in lines "key: text" as the examples of pages have them:

@@ -1,14 +1,9 @@
-#include <filesystem>
-
 #include <gtest/gtest.h>
 
 #include "tests/lint/model_text.h"
 #include "tests/lint/sample.h"
-#include "tests/support/case_name.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/temp_dir.h"
-
-namespace fs = std::filesystem;
 
 using diagnosis::rule_source::ReadRuleSetFiles;
 using diagnosis::rule_source::RuleSet;
@@ -18,7 +13,6 @@ namespace {
 // A view that read anything else than the engine would tell of mistakes that there are none.
 void ExpectSameReading(const std::string& folder, const std::string& tag)
 {
-    const LogCapture log;
     const auto files = ReadRuleSetFiles(folder, "");
     const std::string engine = EngineModelText(folder, tag);
     EXPECT_EQ(ViewModelText(RuleSet(files, tag)), engine) << folder;
@@ -26,16 +20,11 @@ void ExpectSameReading(const std::string& folder, const std::string& tag)
 
 TEST(RuleSetView, IsWhatTheEngineReadsOfEverySample)
 {
+    const LogCapture log;
     for (const LintSample& sample : AllLintSamples()) {
         for (const char* which : {"bad", "good"}) {
             const TempDir dir;
-            for (const std::string& folder : sample.Folders(which)) {
-                for (const char* name : {"FaultTrees.xml", "FaultTreeRules.xml"}) {
-                    if (!dir.Has(name) && fs::exists(folder + "/" + name)) {
-                        fs::copy_file(folder + "/" + name, dir.Path(name));
-                    }
-                }
-            }
+            sample.CopyTo(dir, which);
             ExpectSameReading(dir.Path(), "Laptop");
         }
     }
@@ -43,6 +32,7 @@ TEST(RuleSetView, IsWhatTheEngineReadsOfEverySample)
 
 TEST(RuleSetView, IsWhatTheEngineReadsOfTheExamples)
 {
+    const LogCapture log;
     EXPECT_GT(EngineModelText(ARBORIST_SOURCE_DIR "/examples/laptop/rules", "Laptop").size(), 1000U);
     ExpectSameReading(ARBORIST_SOURCE_DIR "/examples/laptop/rules", "Laptop");
     ExpectSameReading(ARBORIST_SOURCE_DIR "/examples/linux-host/rules", "LinuxHost");
@@ -50,6 +40,7 @@ TEST(RuleSetView, IsWhatTheEngineReadsOfTheExamples)
 
 TEST(RuleSetView, ReadsWhatTheEngineReadsOfOddFiles)
 {
+    const LogCapture log;
     const TempDir dir;
     dir.Write("FaultTrees.xml", "<r><Tag><T id='1' version='' type=''><Intermediate-Event><ID> A </ID><ID>B</ID><And-Gate>"
         "<X><ID><!-- c -->U<b/>x</ID><DetectMode>2</DetectMode></X><Basic-Event/></And-Gate><Or-Gate><Basic-Event><ID>"

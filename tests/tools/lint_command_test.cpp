@@ -283,4 +283,40 @@ TEST_F(LintCommand, ShowsNoControlCharactersOfAFile)
     EXPECT_THAT(Lint({"rules"}).out, AllOf(HasSubstr("\\x1B[31m"), Not(HasSubstr("\x1b"))));
 }
 
+// ---- Fixes. ----
+
+TEST_F(LintCommand, ShowsAndMakesFixes)
+{
+    Write(RuleFile(" detectScene=\"1\" colour=\"red\""));
+    const std::string before = mDir.Read("rules/FaultTreeRules.xml");
+    const auto diff = Lint({"rules", "--diff"});
+    EXPECT_THAT(diff.out, StartsWith("--- rules/FaultTreeRules.xml\n+++ rules/FaultTreeRules.xml\n@@ -9,7 +9,7 @@\n"));
+    EXPECT_THAT(diff.out, HasSubstr("\n-        <codeRule name=\"r\" detectScene=\"1\" colour=\"red\"><detectInfo id=\"C\"/>"
+                                    "</codeRule>\n+        <codeRule name=\"r\" detectScene=\"1\"><detectInfo"));
+    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), before);
+    mDir.Write("lint.diff", diff.out);
+    EXPECT_EQ(Lint({"rules", "--fix"}).out, "no findings\n");
+    const std::string after = mDir.Read("rules/FaultTreeRules.xml");
+    EXPECT_THAT(after, Not(HasSubstr("colour")));
+    EXPECT_EQ(RunProcess({"patch", "-R", "-p0", "-i", "lint.diff"}).status, 0);
+    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), before);
+}
+
+TEST_F(LintCommand, MakesUnsafeFixesWhenAskedTo)
+{
+    std::string rules = RuleFile(" detectScene=\"1\"");
+    rules.replace(rules.find("<Rule-name>r"), 12, "<Rule-name>r\n");
+    Write(rules);
+    EXPECT_EQ(Lint({"rules", "--fix"}).status, 1);
+    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), rules);
+    EXPECT_EQ(Lint({"rules", "--fix", "--unsafe-fixes"}).out, "no findings\n");
+    EXPECT_THAT(mDir.Read("rules/FaultTreeRules.xml"), HasSubstr("<Rule-name>r</Rule-name>"));
+}
+
+TEST_F(LintCommand, DoesNotMendWhatIsOnStandardInput)
+{
+    EXPECT_EQ(Lint({"-", "--fix"}).status, 2);
+    EXPECT_EQ(Lint({"rules", "--fix", "--diff"}).status, 2);
+}
+
 } // namespace

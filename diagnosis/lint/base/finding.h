@@ -14,6 +14,9 @@ struct Edit {
     /// In bytes of the file's text.
     std::size_t offset = 0;
     std::size_t length = 0;
+    /// What stands there.
+    std::string old;
+    /// What is to stand there.
     std::string text;
     /// Whether the engine reads the same afterwards.
     bool isSafe = false;

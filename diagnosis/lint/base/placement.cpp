@@ -113,7 +113,9 @@ void SetEdits(const Reported& reported, Finding& finding)
         place = rule_source::PlaceOfAttribute(reported.element, reported.details.attribute);
     }
     if (place) {
-        finding.edits.push_back({place->offset, place->length, Escaped(fix.text, fix.what == What::VALUE), fix.isSafe});
+        finding.edits.push_back({place->offset, place->length,
+            reported.file->Text().substr(place->offset, place->length), Escaped(fix.text, fix.what == What::VALUE),
+            fix.isSafe});
     }
 }
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -6,6 +7,7 @@
 #include "diagnosis/lint/baseline.h"
 #include "diagnosis/lint/config.h"
 #include "diagnosis/lint/device_profiles.h"
+#include "diagnosis/lint/fixes.h"
 #include "diagnosis/lint/lint.h"
 #include "diagnosis/lint/output/formats.h"
 #include "diagnosis/lint/registry.h"
@@ -31,6 +33,9 @@ struct LintCommandOptions {
     std::string baseline;
     std::string newBaseline;
     bool withoutBaseline = false;
+    bool isFixed = false;
+    bool asDiff = false;
+    bool withUnsafeFixes = false;
     std::string format = "text";
     bool asJson = false;
     std::string stdinFile;
@@ -142,6 +147,7 @@ public:
     }
 
     lint::LintRun& Run() { return mRun; }
+    const lint::LintRun& Run() const { return mRun; }
     bool IsReadable() const { return mIsReadable; }
 
 private:
@@ -190,24 +196,64 @@ bool FilterByBaseline(const LintCommandOptions& options, lint::LintRun& run, std
     return baseline.has_value();
 }
 
-ExitStatus LintAll(const LintCommandOptions& given, const lint::LintOptions& options)
+// Lints all folders and leaves out what the baseline knows; false, with the reason, when it can't be read or written.
+bool LintFolders(LintRunner& runner, const LintCommandOptions& given, std::string& problem)
 {
-    LintRunner runner(given, options);
     for (const std::string& folder : given.folders) {
         runner.Lint(folder);
     }
-    lint::LintRun& run = runner.Run();
-    if (!given.newBaseline.empty() && !WriteBaseline(run, given.newBaseline)) {
-        return WrongUse(given.newBaseline + ": it can't be written");
+    if (!given.newBaseline.empty() && !WriteBaseline(runner.Run(), given.newBaseline)) {
+        problem = given.newBaseline + ": it can't be written";
+        return false;
     }
+    return FilterByBaseline(given, runner.Run(), problem);
+}
+
+// Mends the files; false after telling why one could not be written.
+bool Fix(const lint::LintRun& run, const LintCommandOptions& given)
+{
+    for (const lint::FileFix& fix : lint::FixesOf(run.findings, given.withUnsafeFixes)) {
+        if (const auto problem = lint::WriteFix(fix)) {
+            PrintError(*problem);
+            return false;
+        }
+    }
+    return true;
+}
+
+std::string Diff(const lint::LintRun& run, const LintCommandOptions& given)
+{
+    std::string text;
+    for (const lint::FileFix& fix : lint::FixesOf(run.findings, given.withUnsafeFixes)) {
+        text += lint::DiffOf(fix);
+    }
+    return text;
+}
+
+ExitStatus Tell(const LintRunner& runner, const LintCommandOptions& given)
+{
+    const lint::LintRun& run = runner.Run();
+    PrintResult(given.asDiff ? Diff(run, given) : Formatted(run, given));
+    const bool isBad = IsAtLevel(run, given.failLevel) && given.newBaseline.empty();
+    return !runner.IsReadable() ? ExitStatus::RULE_SET : isBad ? ExitStatus::FAULT_FOUND : ExitStatus::SUCCESS;
+}
+
+ExitStatus LintAll(const LintCommandOptions& given, const lint::LintOptions& options)
+{
     std::string problem;
-    if (!FilterByBaseline(given, run, problem)) {
+    LintRunner runner(given, options);
+    if (!LintFolders(runner, given, problem)) {
         return WrongUse(problem);
     }
-    PrintResult(Formatted(run, given));
-    return !runner.IsReadable()                                              ? ExitStatus::RULE_SET
-        : IsAtLevel(run, given.failLevel) && given.newBaseline.empty() ? ExitStatus::FAULT_FOUND
-                                                                             : ExitStatus::SUCCESS;
+    if (!given.isFixed) {
+        return Tell(runner, given);
+    }
+    // What is left is told of the mended files.
+    LintRunner again(given, options);
+    if (!Fix(runner.Run(), given) || !LintFolders(again, given, problem)) {
+        return problem.empty() ? ExitStatus::WRONG_USE : WrongUse(problem);
+    }
+    return Tell(again, given);
 }
 
 ExitStatus Explain(const std::string& id)
@@ -251,6 +297,15 @@ void AddSelection(Command app, LintCommandOptions& options)
         .Takes("FILE");
 }
 
+void AddFixes(Command app, LintCommandOptions& options)
+{
+    const Option fix = app.AddFlag("--fix", options.isFixed, "Mend the files where that changes nothing that is read; "
+        "findings that are left are told");
+    app.AddFlag("--diff", options.asDiff, "Show what --fix would change, and change nothing").Excludes(fix);
+    app.AddFlag("--unsafe-fixes", options.withUnsafeFixes, "With --fix or --diff: also what changes what is read, as it "
+        "was most likely meant");
+}
+
 void AddOutput(Command app, LintCommandOptions& options)
 {
     app.Add("--format", options.format, "text: for people; short: for editors; github, gitlab: for their "
@@ -278,6 +333,7 @@ void AddLintCommand(Command app, ExitStatus& status)
     lint.Add("RULES_DIR", options->folders, "Folders with FaultTrees.xml and FaultTreeRules.xml; - for a file "
         "on standard input");
     AddSelection(lint, *options);
+    AddFixes(lint, *options);
     AddOutput(lint, *options);
     lint.AddFlag("--list", options->asList, "List all checks");
     lint.Add("--explain", options->explained, "Tell what a check finds, what happens at run time, and show a "
@@ -287,6 +343,9 @@ void AddLintCommand(Command app, ExitStatus& status)
     lint.OnCall([options, &status] {
         if (options->folders.empty() && !options->asList && options->explained.empty()) {
             FailMissing("RULES_DIR");
+        }
+        if (options->isFixed && std::count(options->folders.begin(), options->folders.end(), "-") > 0) {
+            FailExcluded("--fix", "-");
         }
         status = Lint(*options);
     });
