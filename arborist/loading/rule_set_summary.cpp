@@ -37,13 +37,10 @@ public:
         std::error_code error;
         mIsRead = std::filesystem::is_regular_file(path, error)
             && mDocument.LoadFile(path.c_str()) == tinyxml2::XML_SUCCESS;
-        if (!mIsRead) {
-            mDocument.Clear(); // of what stands before the fault
-        }
     }
 
     bool IsRead() const { return mIsRead; }
-    /// Without a root when the file was not read.
+    /// Without a root when the file was not read: a fault leaves nothing of what stands before it.
     const tinyxml2::XMLDocument& Document() const { return mDocument; }
 
 private:

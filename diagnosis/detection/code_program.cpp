@@ -58,7 +58,7 @@ File FileWith(const std::string& input)
 /// Lets the end of a child be waited for with a limit, while it lives.
 class ChildSignal {
 public:
-    ChildSignal()
+    ChildSignal() : mHeldBack({SIGCHLD})
     {
         // Children of a process that ignores the signal leave no exit status behind.
         mActions.Handle(SIGCHLD, SIG_DFL);
@@ -79,7 +79,7 @@ public:
     const SignalsHeldBack& HeldBack() const { return mHeldBack; }
 
 private:
-    SignalsHeldBack mHeldBack{{SIGCHLD}};
+    SignalsHeldBack mHeldBack;
     SignalActions mActions;
 };
 

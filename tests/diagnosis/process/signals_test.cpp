@@ -34,7 +34,7 @@ TEST(SignalsHeldBackTest, ComeInAtTheEnd)
     actions.Handle(SIGUSR1, Catch);
     caught = 0;
     {
-        const SignalsHeldBack heldBack{{SIGUSR1}};
+        const SignalsHeldBack heldBack({SIGUSR1});
         std::raise(SIGUSR1);
         EXPECT_EQ(caught, 0);
     }
@@ -46,7 +46,7 @@ TEST(SignalsHeldBackTest, MayBeLetInBefore)
     SignalActions actions;
     actions.Handle(SIGUSR1, Catch);
     caught = 0;
-    const SignalsHeldBack heldBack{{SIGUSR1}};
+    const SignalsHeldBack heldBack({SIGUSR1});
     std::raise(SIGUSR1);
     heldBack.LetIn();
     EXPECT_EQ(caught, SIGUSR1);
