@@ -6,7 +6,7 @@
 #include "diagnosis/bundle/moment.h"
 #include "diagnosis/bundle/repair_records.h"
 #include "diagnosis/bundle/rule_paths.h"
-#include "diagnosis/text/json_writer.h"
+#include "diagnosis/results/repair_json.h"
 #include "diagnosis/text/near_match.h"
 #include "diagnosis/text/printable.h"
 #include "tools/arborist/commands/commands.h"
@@ -33,11 +33,7 @@ ExitStatus Fail(const RepairOptions& options, const Failure& failure)
 
 std::string RecordText(const RepairRecord& record, bool asJson)
 {
-    if (!asJson) {
-        return Printable(record.date) + "  " + Printable(record.id) + "\n";
-    }
-    JsonWriter json;
-    return json.BeginObject().Text("id", record.id).Text("date", record.date).EndObject().Line() + "\n";
+    return (asJson ? RepairJson(record) : Printable(record.date) + "  " + Printable(record.id)) + "\n";
 }
 
 // A slip of the pen looks like a repair that made no difference.
