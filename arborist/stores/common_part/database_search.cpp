@@ -1,8 +1,9 @@
 #include "arborist/stores/common_part/database_search.h"
 
-#include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <system_error>
+#include <unordered_map>
 #include <utility>
 
 #include "arborist/stores/common_part/lower_case.h"
@@ -13,6 +14,8 @@ namespace {
 
 // Links can lead from directory to directory without end. What lies deeper is still found by the walks from above.
 constexpr std::size_t MOST_LEVELS = 64;
+// Each directory that is entered lists something, but for circles of links.
+constexpr std::size_t MOST_ENTERED = MOST_LEVELS * DatabaseSearch::MOST_LISTINGS;
 
 bool IsLink(const std::string& path)
 {
@@ -20,143 +23,264 @@ bool IsLink(const std::string& path)
     return std::filesystem::is_symlink(path, ignored);
 }
 
-} // namespace
-
-// What a walk met.
-struct DatabaseSearch::Entry {
-    std::string path;
-    bool isDirectory = false;
-    bool isLink = false;
-    /// For a file that matches: its one position in mMatches.
-    MatchList match;
-    /// For a directory: behind the last entry below it.
+// What a walk met of use: a directory, a link to one, or a file that matches.
+struct Entry {
+    enum class Kind { FILE, DIRECTORY, LINK };
+    Kind kind;
+    /// Of a file its place among the matches, of a link the walk of what it leads to.
+    std::size_t target = 0;
+    /// Of a directory behind the last entry below it, else behind the entry.
     std::size_t end = 0;
+    /// A file that matches is here, below or behind.
+    bool isUseful = false;
+    bool wasEntered = false;
 };
 
-// One walk of the file system, and the lists of the directories in it: what a walk of one of them would meet stands
-// directly behind it.
-class DatabaseSearch::Walk {
+// The entries below a directory, each before what lies below it.
+struct Walk {
+    std::string path;
+    std::size_t level;
+    std::vector<Entry> entries{};
+    bool isUseful = false;
+    bool wasEntered = false;
+    bool isOnItsWay = false;
+};
+
+// What lies below a directory and, where links are followed, behind them, read once.
+class FoundTree {
 public:
-    Walk(DatabaseSearch& search, std::vector<Entry> entries, bool recursive, std::size_t depth)
-        : mSearch(search), mEntries(std::move(entries)), mIsRecursive(recursive), mDepth(depth)
+    FoundTree(FileNamePattern& pattern, bool followLinks)
+        : mPattern(pattern), mFollowLinks(followLinks), mRootOfDevice(DevicePaths::RealRootOfDevice())
     {
-        FindEnds();
     }
 
-    MatchList List()
+    void Read(const std::string& realPath)
     {
-        // From the last to the first, so that the lists of the directories inside are there when they are needed.
-        std::map<std::size_t, MatchList> lists;
-        for (std::size_t index = mEntries.size(); index-- > 0;) {
-            if (mEntries[index].isDirectory && !mEntries[index].isLink && mIsRecursive) {
-                lists[index] = ListRange(index + 1, mEntries[index].end, lists);
-            }
+        WalkOf(realPath, 0);
+        for (std::size_t walk = 0; walk < walks.size(); ++walk) { // reading finds more of them
+            std::vector<Entry> entries = ReadEntries(walks[walk].path, walks[walk].level);
+            walks[walk].entries = std::move(entries);
         }
-        return ListRange(0, mEntries.size(), lists);
+        MarkUsefulWalks();
+        for (Walk& walk : walks) {
+            MarkUsefulEntries(walk.entries);
+        }
     }
+
+    std::vector<Walk> walks;
+    std::vector<std::string> matches;
 
 private:
-    void FindEnds()
+    static constexpr std::size_t NONE = SIZE_MAX;
+
+    std::size_t WalkOf(const std::string& realPath, std::size_t level)
     {
-        std::vector<std::size_t> open;
-        for (std::size_t index = 0; index <= mEntries.size(); ++index) {
-            while (!open.empty() && (index == mEntries.size() || !IsBelow(mEntries[index], mEntries[open.back()]))) {
-                mEntries[open.back()].end = index;
+        if (realPath.empty() || level > MOST_LEVELS) {
+            return NONE;
+        }
+        const auto [known, isNew] = mWalkOfPath.try_emplace(realPath, walks.size());
+        if (isNew) {
+            walks.push_back({realPath, level});
+        }
+        return known->second;
+    }
+
+    std::vector<Entry> ReadEntries(const std::string& directory, std::size_t level)
+    {
+        std::vector<std::string> paths;
+        FileUtil::GetDirFiles(directory, paths);
+        std::vector<Entry> entries;
+        std::vector<std::pair<std::size_t, const std::string*>> open; // directories with their paths
+        for (const std::string& path : paths) {
+            while (!open.empty() && !IsBelow(path, *open.back().second)) {
+                entries[open.back().first].end = entries.size();
                 open.pop_back();
             }
-            if (index < mEntries.size() && mEntries[index].isDirectory) {
-                open.push_back(index);
+            if (Look(path, level, entries)) {
+                open.emplace_back(entries.size() - 1, &path);
+            }
+        }
+        for (const auto& [entry, path] : open) {
+            entries[entry].end = entries.size();
+        }
+        return entries;
+    }
+
+    static bool IsBelow(const std::string& path, const std::string& directory)
+    {
+        return path.size() > directory.size() && path[directory.size()] == '/' &&
+            path.compare(0, directory.size(), directory) == 0;
+    }
+
+    // Appends an entry if the path is of use; true for a directory that is walked.
+    bool Look(const std::string& path, std::size_t level, std::vector<Entry>& entries)
+    {
+        // What a link of a captured device leads to lies in the captured device, never on this machine.
+        const bool isLink = IsLink(path);
+        const std::string target = isLink ? DevicePaths::RealPath(path, mRootOfDevice) : path;
+        if (!FileUtil::IsDirectory(target)) {
+            Take(Entry::Kind::FILE, MatchOf(path, target), entries);
+            return false;
+        }
+        if (isLink) {
+            Take(Entry::Kind::LINK, mFollowLinks ? WalkOf(target, level + 1) : NONE, entries);
+            return false;
+        }
+        Take(Entry::Kind::DIRECTORY, 0, entries);
+        return true;
+    }
+
+    static void Take(Entry::Kind kind, std::size_t target, std::vector<Entry>& entries)
+    {
+        if (target != NONE) {
+            entries.push_back({kind, target, entries.size() + 1});
+        }
+    }
+
+    std::size_t MatchOf(const std::string& path, const std::string& target)
+    {
+        std::string realPath;
+        if (!mPattern.Matches(LowerCase(DevicePaths::PathOnDevice(path, mRootOfDevice))) ||
+            !FileUtil::PathToRealPath(target, realPath)) {
+            return NONE;
+        }
+        const auto [known, isNew] = mMatchOfPath.try_emplace(std::move(realPath), matches.size());
+        if (isNew) {
+            matches.push_back(known->first);
+        }
+        return known->second;
+    }
+
+    // A walk is useful that met a file, and one that met a link to a useful walk.
+    void MarkUsefulWalks()
+    {
+        std::vector<std::vector<std::size_t>> leadingTo(walks.size());
+        std::vector<std::size_t> useful;
+        for (std::size_t walk = 0; walk < walks.size(); ++walk) {
+            for (const Entry& entry : walks[walk].entries) {
+                if (entry.kind == Entry::Kind::LINK) {
+                    leadingTo[entry.target].push_back(walk);
+                } else if (entry.kind == Entry::Kind::FILE && !walks[walk].isUseful) {
+                    walks[walk].isUseful = true;
+                    useful.push_back(walk);
+                }
+            }
+        }
+        while (!useful.empty()) {
+            const std::size_t found = useful.back();
+            useful.pop_back();
+            for (const std::size_t walk : leadingTo[found]) {
+                if (!walks[walk].isUseful) {
+                    walks[walk].isUseful = true;
+                    useful.push_back(walk);
+                }
             }
         }
     }
 
-    static bool IsBelow(const Entry& entry, const Entry& directory)
+    void MarkUsefulEntries(std::vector<Entry>& entries) const
     {
-        return entry.path.size() > directory.path.size() && entry.path[directory.path.size()] == '/' &&
-            entry.path.compare(0, directory.path.size(), directory.path) == 0;
-    }
-
-    MatchList ListRange(std::size_t first, std::size_t last, const std::map<std::size_t, MatchList>& lists)
-    {
-        MatchList found;
-        for (std::size_t index = first; index < last; ++index) {
-            const Entry& entry = mEntries[index];
-            if (!entry.match.empty()) {
-                mSearch.Append(found, entry.match);
-            } else if (entry.isDirectory && mIsRecursive) {
-                mSearch.Append(found, entry.isLink ? FindBehind(entry) : lists.at(index));
-            }
+        std::vector<std::size_t> usefulFrom(entries.size() + 1); // how many, from an entry to the last
+        for (std::size_t index = entries.size(); index-- > 0;) {
+            Entry& entry = entries[index];
+            entry.isUseful = entry.kind == Entry::Kind::DIRECTORY ? usefulFrom[index + 1] != usefulFrom[entry.end]
+                : entry.kind == Entry::Kind::FILE || walks[entry.target].isUseful;
+            usefulFrom[index] = usefulFrom[index + 1] + (entry.isUseful ? 1U : 0U);
         }
-        return found;
     }
 
-    const MatchList& FindBehind(const Entry& link)
-    {
-        return mSearch.FindBelow(DevicePaths::RealPath(link.path, mSearch.mRootOfDevice), mIsRecursive, mDepth + 1);
-    }
-
-    DatabaseSearch& mSearch;
-    std::vector<Entry> mEntries;
-    bool mIsRecursive;
-    std::size_t mDepth;
+    FileNamePattern& mPattern;
+    bool mFollowLinks;
+    std::string mRootOfDevice;
+    std::unordered_map<std::string, std::size_t> mWalkOfPath; // by canonical path
+    std::unordered_map<std::string, std::size_t> mMatchOfPath;
 };
 
-DatabaseSearch::DatabaseSearch(const std::string& pattern)
-    : mPattern(LowerCase(pattern)), mRootOfDevice(DevicePaths::RealRootOfDevice())
-{
-}
+// Lists the files of a tree in the order of all the walks, each of which goes through the same entries.
+class Listing {
+public:
+    Listing(FoundTree& tree, bool recursive)
+        : mTree(tree), mTimesOfDirectory(recursive ? 2 : 1), mIsListed(tree.matches.size())
+    {
+    }
+
+    void List(Walk& walk)
+    {
+        walk.isOnItsWay = true;
+        List(walk, 0, walk.entries.size());
+        walk.isOnItsWay = false;
+    }
+
+    std::vector<std::string> files;
+    bool isCutShort = false;
+
+private:
+    void List(Walk& walk, std::size_t first, std::size_t last)
+    {
+        for (std::size_t index = first; index < last; index = walk.entries[index].end) {
+            Entry& entry = walk.entries[index];
+            if (!entry.isUseful) {
+                continue;
+            }
+            if (entry.kind == Entry::Kind::FILE) {
+                ListFile(entry.target);
+            } else if (entry.kind == Entry::Kind::LINK) {
+                Walk& behind = mTree.walks[entry.target];
+                if (!behind.isOnItsWay && MayEnter(behind.wasEntered)) {
+                    List(behind);
+                }
+            } else { // searched for itself, and then gone through by the walk that met it
+                for (int time = 0; time < mTimesOfDirectory && MayEnter(entry.wasEntered); ++time) {
+                    List(walk, index + 1, entry.end);
+                }
+            }
+        }
+    }
+
+    // Whether another time through the same directory is of use: all in it is listed after the first.
+    bool MayEnter(bool& wasEntered)
+    {
+        const bool isFull = files.size() >= DatabaseSearch::MOST_LISTINGS || mEntered >= MOST_ENTERED;
+        isCutShort = isCutShort || (isFull && wasEntered);
+        if (isFull && wasEntered) {
+            return false;
+        }
+        ++mEntered;
+        wasEntered = true;
+        return true;
+    }
+
+    void ListFile(std::size_t match)
+    {
+        if (mIsListed[match] && files.size() >= DatabaseSearch::MOST_LISTINGS) {
+            isCutShort = true;
+            return;
+        }
+        mIsListed[match] = true;
+        files.push_back(mTree.matches[match]);
+    }
+
+    FoundTree& mTree;
+    int mTimesOfDirectory;
+    std::vector<bool> mIsListed;
+    std::size_t mEntered = 0;
+};
+
+} // namespace
+
+DatabaseSearch::DatabaseSearch(const std::string& pattern) : mPattern(LowerCase(pattern)) {}
 
 std::vector<std::string> DatabaseSearch::Find(const std::string& directory, bool recursive)
 {
     std::string realPath;
     FileUtil::PathToRealPath(directory, realPath);
-    std::vector<std::string> files;
-    for (const std::size_t match : FindBelow(realPath, recursive, 0)) {
-        files.push_back(mMatches[match]);
+    FoundTree tree(mPattern, recursive);
+    tree.Read(realPath);
+    if (tree.walks.empty()) {
+        return {};
     }
-    return files;
-}
-
-const DatabaseSearch::MatchList& DatabaseSearch::FindBelow(
-    const std::string& realPath, bool recursive, std::size_t depth)
-{
-    const auto [list, isNew] = mFoundBelow.try_emplace(realPath);
-    if (!isNew || realPath.empty() || depth > MOST_LEVELS) {
-        return list->second;
-    }
-    std::vector<std::string> paths;
-    FileUtil::GetDirFiles(realPath, paths);
-    std::vector<Entry> entries;
-    entries.reserve(paths.size());
-    for (std::string& path : paths) {
-        entries.push_back(Look(std::move(path)));
-    }
-    list->second = Walk(*this, std::move(entries), recursive, depth).List();
-    return list->second;
-}
-
-DatabaseSearch::Entry DatabaseSearch::Look(std::string path)
-{
-    Entry entry;
-    entry.path = std::move(path);
-    // What a link of a captured device leads to lies in the captured device, never on this machine.
-    const bool isLink = IsLink(entry.path);
-    const std::string target = isLink ? DevicePaths::RealPath(entry.path, mRootOfDevice) : entry.path;
-    entry.isDirectory = FileUtil::IsDirectory(target);
-    entry.isLink = entry.isDirectory && isLink;
-    if (!entry.isDirectory && mPattern.Matches(LowerCase(DevicePaths::PathOnDevice(entry.path, mRootOfDevice)))) {
-        std::string realPath;
-        if (FileUtil::PathToRealPath(target, realPath)) {
-            entry.match.push_back(mMatches.size());
-            mMatches.push_back(std::move(realPath));
-        }
-    }
-    return entry;
-}
-
-void DatabaseSearch::Append(MatchList& list, const MatchList& more)
-{
-    const std::size_t room = MOST_LISTINGS - list.size();
-    mIsCutShort = mIsCutShort || more.size() > room;
-    list.insert(list.end(), more.begin(), more.begin() + static_cast<std::ptrdiff_t>(std::min(room, more.size())));
+    Listing listing(tree, recursive);
+    listing.List(tree.walks.front());
+    mIsCutShort = listing.isCutShort;
+    return std::move(listing.files);
 }

@@ -70,8 +70,8 @@ PathList GetFileList(const std::string& directory, const std::string& pattern, b
     DatabaseSearch search(pattern);
     PathList files = search.Find(directory, recursive);
     if (search.IsCutShort()) {
-        FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: more than %zu files found, the rest is passed over.",
-            "CommonPartDbHelper::GetFileList", DatabaseSearch::MOST_LISTINGS);
+        FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: files are listed %zu times, repetitions end here.",
+            "CommonPartDbHelper::GetFileList", files.size());
     }
     return files;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
+#include <set>
 
 #include <gmock/gmock.h>
 
@@ -99,6 +100,47 @@ TEST_F(DatabaseSearchTest, DeepTreeIsCutShortInsteadOfFillingTheMemory)
     DatabaseSearch search(".*\\.db");
     EXPECT_THAT(search.Find(mDir.Path("d"), true), SizeIs(DatabaseSearch::MOST_LISTINGS));
     EXPECT_TRUE(search.IsCutShort());
+}
+
+TEST_F(DatabaseSearchTest, NoFileIsCrowdedOutByRepetitionsOfOthers)
+{
+    std::string path = "d";
+    for (int level = 0; level < 40; ++level) {
+        path += "/x";
+        mDir.Write(path + "/" + std::to_string(level) + ".db", "");
+    }
+    mDir.Write("d/y/z/late.db", "");
+    DatabaseSearch search(".*\\.db");
+    const std::vector<std::string> files = search.Find(mDir.Path("d"), true);
+    EXPECT_TRUE(search.IsCutShort());
+    EXPECT_THAT(std::set<std::string>(files.begin(), files.end()), SizeIs(41));
+    EXPECT_LE(files.size(), DatabaseSearch::MOST_LISTINGS + 41);
+}
+
+TEST_F(DatabaseSearchTest, MoreFilesThanRepetitionsMayBeAreAllListed)
+{
+    for (std::size_t file = 0; file < DatabaseSearch::MOST_LISTINGS + 10; ++file) {
+        mDir.Write("d/1/" + std::to_string(file) + ".db", "");
+    }
+    DatabaseSearch search(".*\\.db");
+    const std::vector<std::string> files = search.Find(mDir.Path("d"), true);
+    EXPECT_THAT(files, SizeIs(DatabaseSearch::MOST_LISTINGS + 10)); // each once: the list is long when they come again
+    EXPECT_THAT(std::set<std::string>(files.begin(), files.end()), SizeIs(DatabaseSearch::MOST_LISTINGS + 10));
+    EXPECT_TRUE(search.IsCutShort());
+}
+
+TEST_F(DatabaseSearchTest, LinksThatLeadToEachOtherWithoutAFileEnd)
+{
+    for (int from = 0; from < 12; ++from) {
+        for (int to = 0; to < 12; ++to) {
+            mDir.MakeDir("d/" + std::to_string(from));
+            std::filesystem::create_directory_symlink(
+                mDir.Path("d/" + std::to_string(to)), mDir.Path("d/" + std::to_string(from) + "/l" + std::to_string(to)));
+        }
+    }
+    EXPECT_THAT(Find("d"), IsEmpty());
+    mDir.Write("d/11/a.db", "");
+    EXPECT_THAT(Find("d"), testing::Contains("d/11/a.db"));
 }
 
 // The walks as they are told: all below the directory, and again for each directory met.
