@@ -11,6 +11,9 @@ constexpr std::uint64_t MOST_ALTERNATIVES = 900;
 // A range of so few ids costs less as members of a list, which SQLite searches, than as one more alternative.
 constexpr std::int64_t SHORT_RANGE = 8;
 
+// The whole number at the front of an id, whatever its column is declared as: texts would be ranged letter by letter.
+constexpr char NUMBER[] = "CAST(event_info.event_id AS INTEGER)";
+
 using Alternatives = std::vector<std::string>;
 
 // Joins from `first` to before `last` by OR, halved again and again, so that the depth grows with the logarithm.
@@ -79,8 +82,7 @@ std::string EventIdList::AsRanges() const
     std::string members;
     for (const auto& [first, last] : MergedRanges()) {
         if (std::int64_t{last} - first >= SHORT_RANGE) {
-            alternatives.push_back(
-                "event_info.event_id BETWEEN " + std::to_string(first) + " AND " + std::to_string(last));
+            alternatives.push_back(NUMBER + (" BETWEEN " + std::to_string(first)) + " AND " + std::to_string(last));
             continue;
         }
         for (std::int64_t id = first; id <= last; ++id) {
@@ -90,7 +92,7 @@ std::string EventIdList::AsRanges() const
     if (!members.empty()) {
         alternatives.push_back("event_info.event_id IN (" + members + ")");
     }
-    // Between two whole numbers there are others, which equal none of them.
-    return " ( " + JoinByOr(alternatives, 0, alternatives.size()) +
-        " AND event_info.event_id = CAST(event_info.event_id AS INTEGER))";
+    // What is no such number is turned away as `event_id = 7` would: a value between two of them, and a text that is
+    // written otherwise in a column of texts. The sign keeps the number from bringing a type of its own to the comparison.
+    return " ( " + JoinByOr(alternatives, 0, alternatives.size()) + " AND event_info.event_id = +" + NUMBER + ")";
 }

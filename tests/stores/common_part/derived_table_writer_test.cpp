@@ -122,6 +122,24 @@ TEST_F(DerivedTableWriterTest, RowsThatMayHoldSqlCostTheirOwnLinesAlone)
     EXPECT_THAT(mLog.Lines(), ElementsAre(broken, fail, broken, fail, broken, fail, broken, fail));
 }
 
+// Each text alone looks harmless: together they ask how many rows the file's table has by then.
+TEST_F(DerivedTableWriterTest, SelectMadeFromSeveralMembersSeesTheRowsBeforeItsOwn)
+{
+    FT::sql::SqlOperator(mDatabase.GetHandle()).ExecuteNoCallback(
+        "drop table T; create table T (_ID integer primary key autoincrement, a, b, c)");
+    std::vector<Json::Value> rows(5);
+    for (Json::Value& row : rows) { // values ('', ', ' || (select count(*) from main.T) || ', ', '')
+        row["a"] = "', ";
+        row["b"] = " || (select count(*) from main.T) || ";
+        row["c"] = ", '";
+    }
+    DerivedTableWriter(mDatabase, "T", {ParamOf("a", "text"), ParamOf("b", "text"), ParamOf("c", "text")},
+        "CREATE TABLE T (_ID integer primary key autoincrement, a text, b text, c text);").Write(rows);
+    mDatabase.Close();
+    EXPECT_THAT(DatabaseRows(mPath, "select b from T"), ElementsAre(", 0, ", ", 1, ", ", 2, ", ", 3, ", ", 4, "));
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
 TEST_F(DerivedTableWriterTest, RowsThatTheFileRefusesAreLostOneByOne)
 {
     // The file's table takes no 2; the stage, made from the other text, does.

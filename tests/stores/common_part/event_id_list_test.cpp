@@ -46,7 +46,7 @@ TEST(EventIdListTest, ManyIdsAreWrittenAsRanges)
 {
     EventIdList ids;
     ids.Append(LOWEST, HIGHEST);
-    EXPECT_THAT(ids.ToSql(), StartsWith(" ( event_info.event_id BETWEEN -2147483648 AND 2147483647 AND "));
+    EXPECT_THAT(ids.ToSql(), StartsWith(" ( CAST(event_info.event_id AS INTEGER) BETWEEN -2147483648 AND 2147483647 AND "));
 }
 
 class EventIdSelection : public testing::Test {
@@ -99,7 +99,32 @@ TEST_F(EventIdSelection, OfTheLastNumberThatIsSpelledOutWorksAndSoDoesOneMore)
     EXPECT_THAT(ids.ToSql(), testing::HasSubstr(" OR event_info.event_id = 900)"));
     ids.Append(901, 901);
     EXPECT_THAT(Selected(ids), ElementsAre("1", "900", "901"));
-    EXPECT_THAT(ids.ToSql(), StartsWith(" ( event_info.event_id BETWEEN 1 AND 901 "));
+    EXPECT_THAT(ids.ToSql(), StartsWith(" ( CAST(event_info.event_id AS INTEGER) BETWEEN 1 AND 901 "));
+}
+
+// The plain condition, in parts that an expression can hold, is the second way.
+TEST_F(EventIdSelection, OfManyIdsIsTheSameWhateverTheColumnIsDeclaredAs)
+{
+    EventIdList ids;
+    ids.Append(3, 1200);
+    ids.Append(4000, 6000);
+    ids.Append(-7, -7);
+    ids.Append(70000, 70002);
+    for (const char* const type : {"", "integer", "text", "varchar(10)", "real", "numeric", "blob"}) {
+        EventLogBuilder::Run(mPath, std::string("drop table event_info; create table event_info(event_id ") + type + ")");
+        Log("(20), ('20'), ('3'), (3), ('0900'), (900), ('900'), ('900.0'), (900.0), (' 7'), ('-7'), (-7), (5000), "
+            "('5000'), ('5e3'), (7.5), ('7.5'), ('7 s'), (x'37'), (null), ('70001'), (70003), (2), ('12000'), (12000)");
+        std::string list;
+        for (const auto& [first, last] : {std::pair(3, 1200), {4000, 6000}, {-7, -7}, {70000, 70002}}) {
+            for (int id = first; id <= last; ++id) {
+                list += (list.empty() ? "" : ", ") + std::to_string(id);
+            }
+        }
+        const std::string select = "select quote(event_id) from event_info where";
+        const auto expected = DatabaseRows(mPath, select + " event_id in (" + list + ") order by rowid");
+        EXPECT_EQ(DatabaseRows(mPath, select + ids.ToSql() + " order by rowid"), expected) << type;
+        EXPECT_GT(expected.size(), 3U) << type;
+    }
 }
 
 } // namespace
