@@ -6,10 +6,12 @@
 #include "arborist/frame/arborist.h"
 #include "arborist/frame/detect_info.h"
 #include "arborist/frame/detection_observer.h"
+#include "arborist/frame/evidence.h"
 #include "arborist/frame/fault_tree_result.h"
 #include "arborist/frame/log.h"
 #include "arborist/frame/repair.h"
 #include "arborist/frame/rule_set_summary.h"
 #include "arborist/frame/settings.h"
+#include "arborist/frame/trouble.h"
 
 #endif

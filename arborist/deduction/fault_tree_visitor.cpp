@@ -14,42 +14,59 @@
 
 namespace {
 
-using EventFolded = DetectionObserver::EventFolded;
+using Evidence::EventState;
+using Evidence::EventType;
+using Evidence::GateType;
 
-EventFolded::Kind KindOf(const Event& event)
+EventType TypeOf(const Event& event)
 {
     switch (event.GetKind()) {
     case EventKind::INTERMEDIATE:
-        return EventFolded::Kind::INTERMEDIATE;
+        return EventType::INTERMEDIATE;
     case EventKind::UNDEVELOPED:
-        return EventFolded::Kind::UNDEVELOPED;
+        return EventType::UNDEVELOPED;
     case EventKind::PLAIN:
     case EventKind::BASIC:
         break;
     }
-    return EventFolded::Kind::BASIC;
+    return EventType::BASIC;
 }
 
 // Any gate that is no OR is worked out as an AND.
-EventFolded::GateKind KindOf(const Gate* gate)
+GateType TypeOf(const Gate* gate)
 {
     if (gate == nullptr) {
-        return EventFolded::GateKind::NONE;
+        return GateType::NONE;
     }
-    return gate->GetKind() == GateKind::OR ? EventFolded::GateKind::OR : EventFolded::GateKind::AND;
+    return gate->GetKind() == GateKind::OR ? GateType::OR : GateType::AND;
 }
 
-void TellFoldedEvents(DetectionObserver& observer, const Event& event, std::size_t depth)
+EventState StateOf(EventStatus status)
+{
+    switch (status) {
+    case EventStatus::TRUE:
+        return EventState::PRESENT;
+    case EventStatus::FALSE:
+        return EventState::ABSENT;
+    case EventStatus::INTERMEDIATE_TRUE:
+        return EventState::INTERMEDIATE_PRESENT;
+    case EventStatus::UNKNOWN:
+        break;
+    }
+    return EventState::UNKNOWN;
+}
+
+void AppendFoldedEvents(const Event& event, std::size_t depth, std::vector<Evidence::FoldedEvent>& events)
 {
     const IntermediateEvent* intermediate = event.AsIntermediate();
     const Gate* gate = intermediate == nullptr ? nullptr : intermediate->GetGate().get();
-    observer.OnEventFolded({depth, KindOf(event), KindOf(gate), event.GetId(), event.GetName(), event.GetUserDefined(),
-                            event.GetResult(), intermediate != nullptr && event.IsObservable()});
+    events.push_back({depth, TypeOf(event), TypeOf(gate), event.GetId(), event.GetName(), event.GetUserDefined(),
+                      StateOf(event.GetResult()), intermediate != nullptr && event.IsObservable()});
     if (gate == nullptr) {
         return;
     }
     for (const auto& child : gate->GetEvents()) {
-        TellFoldedEvents(observer, *child, depth + 1);
+        AppendFoldedEvents(*child, depth + 1, events);
     }
 }
 
@@ -69,15 +86,17 @@ void FaultTreeVisitor::DeduceRootCause(const std::shared_ptr<FaultTree>& tree)
     mRootCauseNodeList.clear();
     mFaultTree = tree;
     mFaultTree->Check();
-    if (mObserver != nullptr && mFaultTree->GetIntermediateEvent() != nullptr) {
-        TellFoldedEvents(*mObserver, *mFaultTree->GetIntermediateEvent(), 0);
+    if (GetObserver() != nullptr && mFaultTree->GetIntermediateEvent() != nullptr) {
+        std::vector<Evidence::FoldedEvent> events;
+        AppendFoldedEvents(*mFaultTree->GetIntermediateEvent(), 0, events);
+        GetObserver()->OnTreeFolded(std::move(events));
     }
     AnalyzeRootCause();
 }
 
 void FaultTreeVisitor::AnalyzeRootCause()
 {
-    RootCauseSearch::Found found = RootCauseSearch::Find(*mFaultTree, mObserver != nullptr);
+    RootCauseSearch::Found found = RootCauseSearch::Find(*mFaultTree, GetObserver() != nullptr);
     mRootCauseList = std::move(found.rootCauses);
     mIsFault = !mRootCauseList.empty();
     FT::Log::GetInstance().Output(FT::LEVEL_INFO, "FUNc:%s: status= %d ", "FaultTreeVisitor::AnalyzeRootCause",
@@ -90,14 +109,15 @@ void FaultTreeVisitor::AnalyzeRootCause()
         mRootCauseNodeList.push_back(
             std::make_shared<FaultTreeNode>(FaultTreeNode{leaf.GetId(), leaf.GetName(), leaf.GetUserDefined()}));
     }
-    if (mObserver != nullptr) {
-        TellRootCauses(found.cutSets);
+    if (GetObserver() != nullptr) {
+        TellRootCauses(std::move(found.cutSets));
     }
 }
 
-void FaultTreeVisitor::TellRootCauses(const MinimalCutSet& cutSets) const
+void FaultTreeVisitor::TellRootCauses(MinimalCutSet cutSets) const
 {
     for (std::size_t cause = 0; cause < mRootCauseList.size(); ++cause) {
-        mObserver->OnRootCause({mRootCauseNodeList[cause]->mId, cutSets[cause], mRootCauseList[cause]->GetPaths()});
+        GetObserver()->OnRootCause(
+            {mRootCauseNodeList[cause]->mId, std::move(cutSets[cause]), mRootCauseList[cause]->GetPaths()});
     }
 }

@@ -36,7 +36,8 @@ public:
 
 private:
     void AnalyzeRootCause();
-    void TellRootCauses(const MinimalCutSet& cutSets) const;
+    void TellRootCauses(MinimalCutSet cutSets) const;
+    DetectionObserver* GetObserver() const { return mObserver; }
 
     std::shared_ptr<FaultTree> mFaultTree;
     std::vector<std::shared_ptr<RootCause>> mRootCauseList;

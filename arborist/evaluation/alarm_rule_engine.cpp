@@ -8,11 +8,12 @@
 #include "arborist/evaluation/detection_customize.h"
 #include "arborist/evaluation/rule_helper.h"
 #include "arborist/frame/log.h"
+#include "arborist/frame/trouble_watch.h"
 #include "arborist/stores/event_log/alarm_rule_db_helper.h"
 
 namespace {
 
-using Reason = DetectionObserver::Reason;
+using Evidence::Reason;
 
 constexpr TimeSet::TimeType TIME_TYPES[] = {TimeSet::DURATION, TimeSet::DAILY_PEAK, TimeSet::LATEST};
 constexpr const char* TIME_TYPE_WORDS[] = {"duration", "daily_peak", "latest"};
@@ -69,13 +70,12 @@ void AddWrapping(std::int32_t& sum, std::int32_t summand)
 }
 
 // What is told of an id that reached more than those before it.
-void NoteReached(DetectionObserver::AlarmWindowSeen& seen, const EventRows& rows, std::int64_t reached,
-    std::string_view measure)
+void NoteReached(Evidence::WindowCount& count, const EventRows& rows, std::int64_t reached, Evidence::Measure measure)
 {
-    if (seen.reachedById == 0 || reached > seen.reached) {
-        seen.reached = reached;
-        seen.reachedById = rows.GetEventId();
-        seen.measure = measure;
+    if (count.reachedById == 0 || reached > count.reached) {
+        count.reached = reached;
+        count.reachedById = rows.GetEventId();
+        count.measure = measure;
     }
 }
 
@@ -112,7 +112,9 @@ bool AlarmRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const s
         const AlarmItem& item = alarmRule->alarmItemList[number];
         const IdRange ids = item == nullptr ? IdRange{0, 0} : GetAlarmIdList(*item);
         if (ids.IsEmpty()) {
-            TellItemWithoutIds(number, ids);
+            if (Evidence::Window* const record = AddRecord(number, ids, "")) {
+                record->reason = Reason::NO_IDS;
+            }
             return Decide(Reason::NO_IDS, false);
         }
         for (const TimeSet::TimeType timeType : TIME_TYPES) {
@@ -136,23 +138,30 @@ bool AlarmRuleEngine::IsRuleHitBySettingTime(const AlarmItem& item, std::size_t 
     const std::string& eventId, TimeSet::TimeType timeType, const IdRange& ids)
 {
     const std::shared_ptr<TimeSet> timeSet = RuleHelper::GetTimeSetByRuleType(item, timeType);
-    Window window{itemNumber, ids, timeType, 0, 0, false, {}};
+    Window window{ids, timeType, 0, 0, false};
+    window.record = AddRecord(itemNumber, ids, TIME_TYPE_WORDS[timeType]);
     if (timeSet == nullptr) {
-        return TellWindow(window, Reason::WINDOW_ABSENT, false);
+        return CloseWindow(window, Reason::WINDOW_ABSENT, false);
     }
     if (timeSet->period == 0 && timeSet->threshold == 0) {
-        return TellWindow(window, Reason::WINDOW_EMPTY, false);
+        return CloseWindow(window, Reason::WINDOW_EMPTY, false);
     }
     window.threshold = timeSet->threshold;
-    window.seen.periodDays = timeSet->period;
     window.fromUpdate = mRuleHelper->IsDetectFromUpdate(item->BeginFlag);
-    window.start = mRuleHelper->GetDetectStartTime(timeSet->period, item->BeginFlag, eventId);
+    Evidence::Start* start = nullptr;
+    if (window.record != nullptr) {
+        window.record->periodDays = timeSet->period;
+        window.record->threshold = timeSet->threshold;
+        window.record->versionFilter = window.fromUpdate;
+        start = &window.record->start.emplace();
+    }
+    window.start = mRuleHelper->GetDetectStartTime(timeSet->period, item->BeginFlag, eventId, start);
     mIsLogReadable = true;
     const Measure measure = timeType == TimeSet::DAILY_PEAK ? Measure::DAILY_PEAK : Measure::PERIOD;
     const bool isHit = item->type == PARAM_EVENT_ID ? IsWithParamTestChecked(*item, *timeSet, window)
                                                     : IsAnyIdHit(measure, {}, window);
     const Reason miss = mIsLogReadable ? window.miss : Reason::LOG_UNAVAILABLE;
-    return TellWindow(window, isHit ? Reason::WINDOW_REACHED : miss, isHit);
+    return CloseWindow(window, isHit ? Reason::WINDOW_REACHED : miss, isHit);
 }
 
 bool AlarmRuleEngine::IsWithParamTestChecked(const AlarmRule::AlarmItem& item, TimeSet& timeSet, Window& window)
@@ -281,6 +290,7 @@ void AlarmRuleEngine::VisitIds(const TestList& tests, Window& window, const Rows
             }
         }
     }
+    const StatementTrouble kind(Evidence::Trouble::Kind::EVENT_LOG_UNREADABLE);
     const bool isReadable = mEventStore->VisitEvents(
         {window.ids.first, window.ids.last, window.start, window.fromUpdate, withMembers}, visit);
     mIsLogReadable = mIsLogReadable && isReadable;
@@ -289,21 +299,21 @@ void AlarmRuleEngine::VisitIds(const TestList& tests, Window& window, const Rows
 
 void AlarmRuleEngine::CloseCount(const TestList& tests, Window& window) const
 {
-    std::uint64_t& failed = window.seen.rowsFailedTest;
-    failed = window.counts == 0 ? window.rowsFailed : std::min(failed, window.rowsFailed);
-    ++window.counts;
-    for (std::size_t test = 0; GetObserver() != nullptr && test < tests.size(); ++test) {
+    std::uint64_t& failed = window.count.rowsFailedTest;
+    failed = window.conditionsCounted == 0 ? window.rowsFailed : std::min(failed, window.rowsFailed);
+    ++window.conditionsCounted;
+    for (std::size_t test = 0; window.record != nullptr && test < tests.size(); ++test) {
         const TestPara& para = tests[test].GetPara();
         const Tally& tally = window.tallies[test];
-        GetObserver()->OnAlarmTest({para.key, para.type, para.logic, para.value, tally.tested, tally.passed});
+        window.record->tests.push_back({para.key, para.type, para.logic, para.value, tally.tested, tally.passed});
     }
 }
 
 bool AlarmRuleEngine::IsHit(Measure measure, EventRows& rows, const TestList& tests, Window& window)
 {
-    if (window.counts == 0) { // the next condition's count meets the same rows again
-        window.seen.rowsFound += rows.GetFoundCount();
-        window.seen.rowsOfOtherVersion += rows.GetFoundCount() - std::min(rows.GetFoundCount(), rows.GetCount());
+    if (window.conditionsCounted == 0) { // the next condition's count meets the same rows again
+        window.count.rowsFound += rows.GetFoundCount();
+        window.count.rowsOfOtherVersion += rows.GetFoundCount() - std::min(rows.GetFoundCount(), rows.GetCount());
     }
     if (rows.GetCount() == 0) {
         return false;
@@ -351,7 +361,8 @@ bool AlarmRuleEngine::IsFaultForPeriod(EventRows& rows, const MemberTest* test, 
     } else {
         count = rows.GetCount();
     }
-    NoteReached(window.seen, rows, static_cast<std::int64_t>(count), isWeighed ? "weights" : "rows");
+    NoteReached(window.count, rows, static_cast<std::int64_t>(count),
+        isWeighed ? Evidence::Measure::WEIGHTS : Evidence::Measure::ROWS);
     // Compared without sign: a negative threshold is never reached.
     return count >= static_cast<std::uint64_t>(std::int64_t{window.threshold});
 }
@@ -390,7 +401,8 @@ bool AlarmRuleEngine::IsFaultForDaily(EventRows& rows, const MemberTest* test, W
     for (const std::int32_t count : days) {
         peak = std::max(peak, count);
     }
-    NoteReached(window.seen, rows, peak, test == nullptr && isDmd ? "daily_weights" : "daily_rows");
+    NoteReached(window.count, rows, peak,
+        test == nullptr && isDmd ? Evidence::Measure::DAILY_WEIGHTS : Evidence::Measure::DAILY_ROWS);
     return peak >= window.threshold;
 }
 
@@ -414,40 +426,34 @@ bool AlarmRuleEngine::IsFaultForPeriodWithParam(EventRows& rows, const TestList&
     }
     const auto count = static_cast<std::int32_t>(tested); // wraps
     window.rowsFailed += rows.GetCount() - tested;
-    NoteReached(window.seen, rows, count, "rows");
+    NoteReached(window.count, rows, count, Evidence::Measure::ROWS);
     return count >= window.threshold;
 }
 
-// Passes the answer on. The rule's reason is the one of the last window that was there.
-void AlarmRuleEngine::TellItemWithoutIds(std::size_t itemNumber, const IdRange& ids) const
+Evidence::Window* AlarmRuleEngine::AddRecord(std::size_t itemNumber, const IdRange& ids, const char* kind) const
 {
-    if (DetectionObserver* const observer = GetObserver()) {
-        DetectionObserver::AlarmWindowSeen seen{};
-        seen.item = itemNumber;
-        seen.firstId = ids.first;
-        seen.lastId = ids.last;
-        seen.reason = Reason::NO_IDS;
-        observer->OnAlarmWindow(seen);
+    auto* const alarm = GetPart<Evidence::Alarm>();
+    if (alarm == nullptr) {
+        return nullptr;
     }
+    Evidence::Window& record = alarm->windows.emplace_back();
+    record.item = itemNumber;
+    record.firstId = ids.first;
+    record.lastId = ids.last;
+    record.kind = kind;
+    return &record;
 }
 
-bool AlarmRuleEngine::TellWindow(Window& window, Reason reason, bool isHit)
+// Passes the answer on. The rule's reason is the one of the last window that was there.
+bool AlarmRuleEngine::CloseWindow(const Window& window, Reason reason, bool isHit)
 {
     if (reason != Reason::WINDOW_ABSENT) {
         NoteReason(reason);
     }
-    if (DetectionObserver* const observer = GetObserver()) {
-        DetectionObserver::AlarmWindowSeen& seen = window.seen;
-        seen.item = window.itemNumber;
-        seen.firstId = window.ids.first;
-        seen.lastId = window.ids.last;
-        seen.window = TIME_TYPE_WORDS[window.timeType];
-        seen.threshold = window.threshold;
-        seen.start = window.start;
-        seen.versionFilter = window.fromUpdate;
-        seen.hit = isHit;
-        seen.reason = reason;
-        observer->OnAlarmWindow(seen);
+    if (window.record != nullptr) {
+        window.record->count = window.count;
+        window.record->hit = isHit;
+        window.record->reason = reason;
     }
     return isHit;
 }

@@ -58,19 +58,20 @@ private:
         std::uint64_t passed = 0;
     };
 
-    // One window of one item, while it is counted, and what is told of it.
+    // One window of one item, while it is counted.
     struct Window {
-        std::size_t itemNumber;
         IdRange ids;
         TimeSet::TimeType timeType;
         std::int32_t threshold;
         std::int64_t start;
         bool fromUpdate;
-        DetectionObserver::AlarmWindowSeen seen;
+        Evidence::WindowCount count = {};
+        // Null when nobody listens.
+        Evidence::Window* record = nullptr;
         // Why the window was missed, where the log could be read.
-        DetectionObserver::Reason miss = DetectionObserver::Reason::WINDOW_SHORT;
-        // Conditions are counted one after the other: counts so far, and what this one found.
-        std::size_t counts = 0;
+        Evidence::Reason miss = Evidence::Reason::WINDOW_SHORT;
+        // Conditions are counted one after the other: how many so far, and what this one found.
+        std::size_t conditionsCounted = 0;
         std::uint64_t rowsFailed = 0;
         std::vector<Tally> tallies = {};
     };
@@ -100,8 +101,8 @@ private:
     static bool IsErrorForEventWithParam(
         const EventRows& rows, std::size_t row, std::size_t keyNumber, const MemberTest& test);
     static void CountTested(Window& window, std::size_t test, std::uint64_t tested, std::uint64_t passed);
-    void TellItemWithoutIds(std::size_t itemNumber, const IdRange& ids) const;
-    bool TellWindow(Window& window, DetectionObserver::Reason reason, bool isHit);
+    Evidence::Window* AddRecord(std::size_t itemNumber, const IdRange& ids, const char* kind) const;
+    bool CloseWindow(const Window& window, Evidence::Reason reason, bool isHit);
 
     std::shared_ptr<AlarmRuleDbHelper> mEventStore;
     std::shared_ptr<RuleHelper> mRuleHelper;

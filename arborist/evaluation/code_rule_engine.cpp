@@ -11,7 +11,7 @@
 #include "arborist/model/fault_tree.h"
 #include "arborist/model/rule.h"
 
-using Reason = DetectionObserver::Reason;
+using Evidence::Reason;
 
 CodeRuleEngine::CodeRuleEngine(std::shared_ptr<RuleEngineHelper> ruleEngineHelper,
                                std::shared_ptr<FaultTreeParser> faultTreeParser, std::shared_ptr<DetectInfo> detectInfo)
@@ -26,6 +26,8 @@ bool CodeRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const st
     if (codeRule == nullptr) {
         return Decide(Reason::NONE, false);
     }
+    // The host may call back from within its runner, and another rule be asked: what is kept here is this rule's.
+    auto* const record = GetPart<Evidence::Code>();
     const auto runner = mDetectInfo != nullptr ? mDetectInfo->mCodeRuleRunner : nullptr;
     if (runner == nullptr) {
         return Decide(Reason::NO_RUNNER, false);
@@ -35,8 +37,8 @@ bool CodeRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const st
     const auto suggestions = GetCodeRuleInfoByType(RuleHelper::SUGGESTION, detectCode);
     const auto repairs = GetCodeRuleInfoByType(RuleHelper::REPAIR, detectCode);
     const bool answer = runner->RunCodeRule(faults, suggestions, repairs, codeRule->userDefinedInfo);
-    if (GetObserver() != nullptr) {
-        GetObserver()->OnCodeRun({detectCode, faults, suggestions, repairs, codeRule->userDefinedInfo, answer});
+    if (record != nullptr) {
+        *record = {detectCode, faults, suggestions, repairs, codeRule->userDefinedInfo, answer};
     }
     return Decide(Reason::RUNNER_ANSWERED, answer);
 }

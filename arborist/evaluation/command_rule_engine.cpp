@@ -52,17 +52,29 @@ bool CommandRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const
     if (commandRule->analysisMethod.type != ANALYSIS_SQL) {
         return Reject(Reason::NOT_SQL, commandRule->analysisMethod.type);
     }
-    mDbHelper->SetObserver(GetObserver());
     const Query query = QueryOf(*commandRule, eventId);
     return hasReference ? IsFaultInReference(*commandRule, query) : IsFaultInDatabase(*commandRule, query, "");
 }
 
 bool CommandRuleEngine::Reject(Reason reason, const std::string& name)
 {
-    if (GetObserver() != nullptr) {
-        GetObserver()->OnName({reason, name});
+    if (GetRecord() != nullptr) {
+        GetRecord()->badName = name;
     }
     return Decide(reason, false);
+}
+
+Evidence::Statement* CommandRuleEngine::AddRecord(const std::string& path, const std::string& sql)
+{
+    auto* const command = GetPart<Evidence::Command>();
+    if (command == nullptr) {
+        return nullptr;
+    }
+    Evidence::Statement& record = command->statements.emplace_back();
+    record.database = path;
+    record.sql = sql;
+    WriteComparisonsInto(&record.comparisons);
+    return &record;
 }
 
 CommandRuleEngine::Query CommandRuleEngine::QueryOf(const CommandRule& rule, const std::string& eventId) const
@@ -110,10 +122,12 @@ void CommandRuleEngine::GetTimeInterval(
 std::string CommandRuleEngine::GetSqlScript(const CommandRule::SqlItem& sqlItem, const std::string& eventId,
     const std::shared_ptr<CommandRule::ReferenceDefDb>& reference) const
 {
+    // A copied database is taken whole, whatever the time.
+    auto* const command = reference == nullptr ? GetPart<Evidence::Command>() : nullptr;
     const std::int64_t start = mRuleHelper == nullptr
         ? 0
-        : mRuleHelper->GetDetectStartTime(sqlItem.time.period, sqlItem.BeginFlag, eventId);
-    // A copied database is taken whole, whatever the time.
+        : mRuleHelper->GetDetectStartTime(sqlItem.time.period, sqlItem.BeginFlag, eventId,
+              command == nullptr ? nullptr : &command->start.emplace());
     return reference == nullptr ? JoinSqlStrWithTime(sqlItem.sql, start) : sqlItem.sql;
 }
 
@@ -127,16 +141,25 @@ std::string CommandRuleEngine::JoinSqlStrWithTime(const std::string& sql, std::i
 
 bool CommandRuleEngine::IsFaultInDatabase(const CommandRule& rule, const Query& query, const std::string& path)
 {
-    if (!mDbHelper->IsOpenDbSuccess(path)) {
-        if (GetObserver() != nullptr) {
-            GetObserver()->OnQuery({path, query.sql, false, 0});
-        }
+    Evidence::Statement* const record = AddRecord(path, query.sql);
+    bool isFault = false;
+    if (mDbHelper->IsOpenDbSuccess(path)) {
+        isFault = IsFaultInOpenDatabase(rule, query, record);
+    } else {
         // Judged by what the last query left.
-        const bool isFault = IsFaultForSingleSql(rule, query.params);
-        return isFault || Decide(Reason::DATABASE_UNAVAILABLE, false);
+        isFault = IsFaultForSingleSql(rule, query.params) || Decide(Reason::DATABASE_UNAVAILABLE, false);
     }
+    if (record != nullptr) {
+        record->reason = GetReason();
+    }
+    return isFault;
+}
+
+bool CommandRuleEngine::IsFaultInOpenDatabase(
+    const CommandRule& rule, const Query& query, Evidence::Statement* record)
+{
     const ParamList list =
-        mDbHelper->RunSql(query.sql, query.params, query.isNormalization, query.first, query.second);
+        mDbHelper->RunSql(query.sql, query.params, query.isNormalization, query.first, query.second, record);
     const bool isFault = IsFaultForSingleSql(rule, list);
     if (!isFault && mDbHelper->GetRowCount() != 1) {
         NoteReason(Reason::ROW_COUNT_NOT_ONE);
@@ -163,8 +186,8 @@ bool CommandRuleEngine::IsFaultInReference(const CommandRule& rule, const Query&
         const std::string& number = rule.referenceDefDb->defDBNum;
         neededHits = number.empty() ? 0 : StringUtil::StringToInt32Def(number, 0, 10);
     }
-    if (GetObserver() != nullptr) {
-        GetObserver()->OnHits({rule.referenceDefDb->defDBName, paths.size(), hits, neededHits});
+    if (auto* const command = GetPart<Evidence::Command>()) {
+        command->hits = {rule.referenceDefDb->defDBName, paths.size(), hits, neededHits};
     }
     return hits >= neededHits ? Decide(Reason::HITS_REACHED, true) : Decide(Reason::HITS_SHORT, false);
 }

@@ -30,7 +30,7 @@ private:
     friend struct CommandRuleEnginePeer; // tests reach the steps through it
 
     using ParamList = std::vector<std::shared_ptr<Param>>;
-    using Reason = DetectionObserver::Reason;
+    using Reason = Evidence::Reason;
 
     // What is run on each database of a rule.
     struct Query {
@@ -41,8 +41,10 @@ private:
         std::shared_ptr<Param> second;
     };
 
-    // Tells the observer of a name that can't be used. Always false.
-    bool Reject(DetectionObserver::Reason reason, const std::string& name);
+    // Notes a name that can't be used. Always false.
+    bool Reject(Reason reason, const std::string& name);
+    // A new record of the rule's; null when nobody listens.
+    Evidence::Statement* AddRecord(const std::string& path, const std::string& sql);
     Query QueryOf(const CommandRule& rule, const std::string& eventId) const;
     static void GetTimeParaList(ParamList& list, const ParamMap& params, const std::string& analysisType,
         const CommandRule::SqlItem& sqlItem);
@@ -52,6 +54,7 @@ private:
         const std::shared_ptr<CommandRule::ReferenceDefDb>& reference) const;
     static std::string JoinSqlStrWithTime(const std::string& sql, std::int64_t start);
     bool IsFaultInDatabase(const CommandRule& rule, const Query& query, const std::string& path);
+    bool IsFaultInOpenDatabase(const CommandRule& rule, const Query& query, Evidence::Statement* record);
     bool IsFaultInReference(const CommandRule& rule, const Query& query);
     static std::shared_ptr<Param> GetParam(const ParamList& list, const std::string& id);
     std::string GetThreshold(const std::shared_ptr<OrLogic>& orLogic, const CommandRule& rule) const;

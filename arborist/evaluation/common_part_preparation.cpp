@@ -1,7 +1,11 @@
 #include "arborist/evaluation/common_part_preparation.h"
 
+#include <optional>
+#include <utility>
+
 #include "arborist/frame/detect_info.h"
 #include "arborist/frame/detection_observer.h"
+#include "arborist/frame/trouble_watch.h"
 #include "arborist/model/common_part.h"
 #include "arborist/stores/common_part/common_part_db_helper.h"
 #include "arborist/utilities/device_paths.h"
@@ -15,21 +19,14 @@ bool AreAttributesKnown(const DeviceDetails* device)
         && !device->GetResolution().empty() && !device->GetBatteryCapacity().empty();
 }
 
-void TellThresholds(const CommonPart::CombineCommonPart& block, bool areSet, DetectionObserver& observer)
+void TellThresholds(const CommonPart::CombineCommonPart& block, DetectionObserver& observer)
 {
     for (const auto& bean : block.GetThresholdLumbraList()) {
-        if (bean != nullptr) {
-            observer.OnThresholds(
-                {bean->GetName(), bean->GetSystemParamMap().size(), bean->GetThresholdMap().size(), areSet});
-        }
-    }
-}
-
-void TellExternalDatabases(const CommonPart::CombineCommonPart& block, DetectionObserver& observer)
-{
-    for (const auto& bean : block.GetDefDbTableCommonList()) {
-        if (bean != nullptr) {
-            observer.OnExternalDatabase({bean->GetName(), bean->GetDbName()});
+        if (bean != nullptr && !(bean->GetSystemParamMap().empty() && bean->GetThresholdMap().empty())) {
+            Evidence::Trouble trouble;
+            trouble.kind = Evidence::Trouble::Kind::NO_THRESHOLDS;
+            trouble.subject = bean->GetName();
+            observer.OnTrouble(std::move(trouble));
         }
     }
 }
@@ -40,20 +37,21 @@ void PrepareCommonPart(const std::shared_ptr<CommonPart>& part, const DeviceDeta
                        DetectionObserver* observer)
 {
     const auto block = part->GetCombineCommon();
+    std::optional<TroubleWatch> watch;
+    if (observer != nullptr) {
+        watch.emplace([observer](Evidence::Trouble trouble) { observer->OnTrouble(std::move(trouble)); });
+    }
     if (!block->GetThresholdLumbraList().empty()) {
         if (device != nullptr) {
             part->SetThreshold(device->GetCpuName(), device->GetRamSize(), device->GetResolution(),
                 device->GetBatteryCapacity());
         }
-        if (observer != nullptr) {
-            TellThresholds(*block, AreAttributesKnown(device), *observer);
+        if (observer != nullptr && !AreAttributesKnown(device)) {
+            TellThresholds(*block, *observer);
         }
         CommonPartDbHelper::GetInstance().IsSuccessCreateJankDb(DevicePaths::EventLog(), part);
     }
     if (!block->GetDefDbTableCommonList().empty()) {
-        if (observer != nullptr) {
-            TellExternalDatabases(*block, *observer);
-        }
         CommonPartDbHelper::GetInstance().CopyDbAndCreateTable(part);
     }
 }

@@ -3,6 +3,7 @@
 #include <json/value.h>
 
 #include "arborist/frame/log.h"
+#include "arborist/frame/trouble_watch.h"
 #include "arborist/stores/event_log/event_member_cache.h"
 #include "arborist/stores/event_log/log_event.h"
 #include "arborist/utilities/json_text.h"
@@ -17,6 +18,7 @@ std::string CountIn(std::string_view extra)
     if (!ParseJson(extra, root, error)) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: parseJson err. %s ",
             "DetectionCustomize::CheckDmdEventCount", error.c_str());
+        TroubleWatch::Tell(Evidence::Trouble::Kind::BAD_EXTRA, error);
     }
     return MemberText(root, DetectionCustomize::KEY_COUNT);
 }

@@ -9,6 +9,7 @@
 
 #include "arborist/evaluation/rule_checker.h"
 #include "arborist/frame/log.h"
+#include "arborist/frame/trouble_watch.h"
 #include "arborist/utilities/json_text.h"
 
 namespace {
@@ -21,6 +22,7 @@ std::string MemberOf(std::string_view extra, const std::string& key)
     if (!ParseJson(extra, root, error)) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: parse eventParamJson err. %s ",
             "AlarmRuleEngine::IsErrorForEventWithParam", error.c_str());
+        TroubleWatch::Tell(Evidence::Trouble::Kind::BAD_EXTRA, error);
     }
     return MemberText(root, key);
 }

@@ -8,7 +8,7 @@
 #include "arborist/utilities/device_paths.h"
 #include "arborist/utilities/file_util.h"
 
-using Reason = DetectionObserver::Reason;
+using Evidence::Reason;
 
 // Finds the parameters of a rule that bear a text in one field, in the order of the map. Several may share a key.
 class NodeRuleEngine::ParamIndex {
@@ -72,6 +72,8 @@ bool NodeRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const st
         return Decide(Reason::NO_NODES, false);
     }
     mIsValueMissing = false;
+    auto* const record = GetPart<Evidence::Node>();
+    WriteComparisonsInto(record == nullptr ? nullptr : &record->comparisons);
     const ParamIndex params(nodeRule->GetParamMap(), &Param::key);
     const bool allRead = SetParamValue(*nodeRule, params);
     RunLogicExpression(*nodeRule, params);
@@ -80,6 +82,9 @@ bool NodeRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const st
         NoteReason(Reason::NODE_UNREADABLE);
     } else if (GetReason() == Reason::CONDITION_NOT_MET && mIsValueMissing) {
         NoteReason(Reason::NO_VALUE);
+    }
+    if (record != nullptr && !allRead && GetReason() != Reason::NODE_UNREADABLE) {
+        GetRecord()->Note(Reason::NODE_UNREADABLE);
     }
     return answer;
 }
@@ -94,8 +99,8 @@ bool NodeRuleEngine::SetParamValue(const NodeRule& rule, const ParamIndex& param
         std::string value;
         const bool readable = FileUtil::LoadStringFromFile(DevicePaths::OnDevice(node->GetPath()), value);
         allRead = allRead && readable;
-        if (GetObserver() != nullptr) {
-            GetObserver()->OnNodeFile({node->GetParam(), node->GetPath(), readable, value});
+        if (auto* const record = GetPart<Evidence::Node>()) {
+            record->files.push_back({node->GetParam(), node->GetPath(), readable, value});
         }
         SetExpressNodeValue(params, node->GetParam(), value);
     }
@@ -132,10 +137,11 @@ void NodeRuleEngine::RunLogicExpression(const NodeRule& rule, const ParamIndex& 
     if (formula.IsEmpty()) {
         return;
     }
+    auto* const record = GetPart<Evidence::Node>();
     const auto outcome = formula.Calculate(
-        [&params](std::string_view name) { return GetExpressNodeValue(params, name); }, GetObserver() != nullptr);
-    if (GetObserver() != nullptr) {
-        GetObserver()->OnFormula({expression, outcome.grouping, outcome.result, ret});
+        [&params](std::string_view name) { return GetExpressNodeValue(params, name); }, record != nullptr);
+    if (record != nullptr) {
+        record->formula = {expression, outcome.grouping, outcome.result, ret};
     }
     SetExpressNodeValue(params, ret, outcome.result);
 }
@@ -200,7 +206,7 @@ bool NodeRuleEngine::IsFaultForNodeRuleItem(const ParamIndex& params, const OrLo
     });
     if (!isThere) {
         mIsValueMissing = true;
-        CompareParam({{}, {}, item.GetParamId(), {}}, item.GetLogic(), item.GetValue(), {}); // tells, fails
+        CompareParam({{}, {}, item.GetParamId(), {}}, item.GetLogic(), item.GetValue(), {}); // noted, fails
     }
     return holds;
 }

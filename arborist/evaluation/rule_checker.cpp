@@ -72,9 +72,9 @@ bool RuleChecker::CompareParam(const Param& param, const std::string& logic, con
                                std::string_view sourceId) const
 {
     const bool holds = IsFaultForParam(logic, param.type, configured, observed);
-    if (mObserver != nullptr) {
-        mObserver->OnComparison(
-            {param.id, param.key, param.type, logic, observed, configured, source, holds, sourceId});
+    if (GetComparisons() != nullptr) {
+        GetComparisons()->push_back({param.id, param.key, param.type, logic, observed, configured, std::string(source),
+            std::string(sourceId), holds});
     }
     return holds;
 }

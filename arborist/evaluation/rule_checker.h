@@ -5,16 +5,18 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <variant>
+#include <vector>
 
-#include "arborist/frame/detection_observer.h"
+#include "arborist/frame/evidence.h"
 
 class Rule;
 struct Param;
 
 /// Decides the rules of one family.
 ///
-/// A checker lives as long as the driver that made it and serves one thread. What it saw on its way it tells the
-/// observer, where there is one; what decided its last answer it notes with NoteReason, observer or not.
+/// A checker lives as long as the driver that made it and serves one thread. What it sees on its way it writes into the
+/// record of the rule, if there is one; what decided its last answer it notes with NoteReason, record or not.
 class RuleChecker {
 public:
     static constexpr std::string_view LOGIC_GT = "gt";
@@ -46,22 +48,41 @@ public:
     bool IsFaultForParam(const std::string& logic, const std::string& type, const std::string& configured,
                          const std::string& observed) const;
 
-    /// The observer is not owned and outlives the checker or is taken away with null.
-    void SetObserver(DetectionObserver* observer) { mObserver = observer; }
+    /// Where to write down what the next rule's answer rests on; null, as at first, for nowhere. Not owned: it is taken
+    /// away before it ends.
+    void SetRecord(Evidence::Rule* record)
+    {
+        mRecord = record;
+        mComparisons = nullptr;
+    }
     /// What decided the last answer of IsFaultHappened.
-    DetectionObserver::Reason GetReason() const { return mReason; }
+    Evidence::Reason GetReason() const { return mReason; }
 
 protected:
-    /// IsFaultForParam for a parameter of the rule, with its type, told to the observer. `source` is where the
-    /// configured value came from ("static", "dynamic", "systemParam"), empty for the rule's own text, and `sourceId`
-    /// its name in the common part.
+    /// IsFaultForParam for a parameter of the rule, with its type, written down where WriteComparisonsInto says. `source`
+    /// is where the configured value came from ("static", "dynamic", "systemParam"), empty for the rule's own text, and
+    /// `sourceId` its name in the common part.
     bool CompareParam(const Param& param, const std::string& logic, const std::string& configured,
                       const std::string& observed, std::string_view source = {}, std::string_view sourceId = {}) const;
 
-    DetectionObserver* GetObserver() const { return mObserver; }
-    void NoteReason(DetectionObserver::Reason reason) { mReason = reason; }
+    /// The record of the rule that is being asked; null when nobody listens.
+    Evidence::Rule* GetRecord() const { return mRecord; }
+    /// The part of it that belongs to a family; null when nobody listens.
+    template <typename Part>
+    Part* GetPart() const
+    {
+        if (GetRecord() == nullptr) {
+            return nullptr;
+        }
+        Part* const part = std::get_if<Part>(&GetRecord()->part);
+        return part != nullptr ? part : &GetRecord()->part.template emplace<Part>();
+    }
+    /// Null for nowhere, as for every new record.
+    void WriteComparisonsInto(std::vector<Evidence::Comparison>* comparisons) { mComparisons = comparisons; }
+    std::vector<Evidence::Comparison>* GetComparisons() const { return mComparisons; }
+    void NoteReason(Evidence::Reason reason) { mReason = reason; }
     /// Notes the reason and passes the answer on: `return Decide(Reason::NO_NODES, false);`.
-    bool Decide(DetectionObserver::Reason reason, bool answer)
+    bool Decide(Evidence::Reason reason, bool answer)
     {
         mReason = reason;
         return answer;
@@ -72,8 +93,9 @@ private:
     static bool CompareValue(const std::string& logic, float configured, float observed);
     static bool CompareValue(const std::string& logic, double configured, double observed);
 
-    DetectionObserver* mObserver = nullptr;
-    DetectionObserver::Reason mReason = DetectionObserver::Reason::NONE;
+    Evidence::Rule* mRecord = nullptr;
+    std::vector<Evidence::Comparison>* mComparisons = nullptr;
+    Evidence::Reason mReason = Evidence::Reason::NONE;
 };
 
 #endif

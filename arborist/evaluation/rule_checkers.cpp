@@ -10,7 +10,7 @@
 #include "arborist/loading/fault_tree_parser.h"
 #include "arborist/model/rule.h"
 
-using Family = DetectionObserver::Family;
+using Evidence::Family;
 
 Family FamilyOf(const Rule* rule)
 {
@@ -62,25 +62,12 @@ const std::shared_ptr<CodeRuleEngine>& RuleCheckers::GetCodeRuleEngine()
     return MakeOnce(mCodeRuleEngine, mRuleEngineHelper, mFaultTreeParser, mDetectInfo);
 }
 
-void RuleCheckers::SetObserver(DetectionObserver* observer)
-{
-    mObserver = observer;
-    const std::shared_ptr<RuleChecker> checkers[] = {
-        mAlarmRuleEngine, mCommandRuleEngine, mNodeRuleEngine, mCodeRuleEngine};
-    for (const auto& checker : checkers) {
-        if (checker != nullptr) {
-            checker->SetObserver(observer);
-        }
-    }
-}
-
 template <typename Checker, typename... Arguments>
 const std::shared_ptr<Checker>& RuleCheckers::MakeOnce(
     std::shared_ptr<Checker>& checker, const Arguments&... arguments)
 {
     if (checker == nullptr) {
         checker = std::make_shared<Checker>(arguments...);
-        checker->SetObserver(mObserver);
     }
     return checker;
 }

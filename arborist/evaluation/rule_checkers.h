@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "arborist/frame/detection_observer.h"
+#include "arborist/frame/evidence_words.h"
 
 class AlarmRuleEngine;
 class CodeRuleEngine;
@@ -18,7 +18,7 @@ class RuleHelper;
 struct DetectInfo;
 
 /// The family of a rule, by its class; NONE for null and for a class without a checker.
-DetectionObserver::Family FamilyOf(const Rule* rule);
+Evidence::Family FamilyOf(const Rule* rule);
 
 /// One checker of each family of rules, made on first use and kept for all trees.
 ///
@@ -34,9 +34,6 @@ public:
     /// The checker of code rules, which also translates detect codes before any rule is asked.
     const std::shared_ptr<CodeRuleEngine>& GetCodeRuleEngine();
 
-    /// The observer is not owned and outlives the checkers or is taken away with null.
-    void SetObserver(DetectionObserver* observer);
-
 private:
     template <typename Checker, typename... Arguments>
     const std::shared_ptr<Checker>& MakeOnce(std::shared_ptr<Checker>& checker, const Arguments&... arguments);
@@ -50,7 +47,6 @@ private:
     std::shared_ptr<CommandRuleEngine> mCommandRuleEngine;
     std::shared_ptr<NodeRuleEngine> mNodeRuleEngine;
     std::shared_ptr<CodeRuleEngine> mCodeRuleEngine;
-    DetectionObserver* mObserver = nullptr;
 };
 
 #endif

@@ -9,6 +9,7 @@
 #include "arborist/evaluation/rule_helper.h"
 #include "arborist/frame/detect_info.h"
 #include "arborist/frame/log.h"
+#include "arborist/frame/trouble_watch.h"
 #include "arborist/loading/fault_tree_parser.h"
 #include "arborist/model/common_part.h"
 #include "arborist/model/event.h"
@@ -19,9 +20,20 @@
 
 namespace {
 
-using Family = DetectionObserver::Family;
-using Reason = DetectionObserver::Reason;
-using Verdict = DetectionObserver::Verdict;
+using Evidence::Reason;
+using Evidence::Verdict;
+
+// A new record at the end of the alternative's; null without an alternative, when nobody listens.
+Evidence::Rule* AddRecord(Evidence::Alternative* alternative, const std::string& name, const Rule* rule)
+{
+    if (alternative == nullptr) {
+        return nullptr;
+    }
+    Evidence::Rule& record = alternative->rules.emplace_back();
+    record.name = name;
+    record.SetFamily(FamilyOf(rule));
+    return &record;
+}
 
 } // namespace
 
@@ -72,15 +84,6 @@ RuleEngineHelper::EventMap RuleEngine::GetEventMap() const
 std::vector<std::string> RuleEngine::GetCodeRuleInfoByType(std::string_view type, const std::string& detectCode)
 {
     return mCheckers.GetCodeRuleEngine()->GetCodeRuleInfoByType(type, detectCode);
-}
-
-void RuleEngine::SetObserver(DetectionObserver* observer)
-{
-    mObserver = observer;
-    if (mRuleHelper != nullptr) {
-        mRuleHelper->SetObserver(observer);
-    }
-    mCheckers.SetObserver(observer);
 }
 
 void RuleEngine::InitCommonPart()
@@ -134,13 +137,24 @@ void RuleEngine::RunRules()
 bool RuleEngine::IsFaultHappenedForEvent(
     const std::shared_ptr<Event>& event, const std::shared_ptr<EventRule>& eventRule)
 {
-    const std::string& id = event->GetId();
-    if (mObserver != nullptr) {
-        mObserver->OnEventAsked({id, event->GetName()});
+    if (GetObserver() == nullptr) {
+        return DecideEvent(*event, eventRule.get(), nullptr);
     }
+    Evidence::Event record;
+    record.id = event->GetId();
+    record.name = event->GetName();
+    const bool fired = record.fired = DecideEvent(*event, eventRule.get(), &record);
+    if (GetObserver() != nullptr) { // still: a code rule calls the host
+        GetObserver()->OnEventDecided(std::move(record));
+    }
+    return fired;
+}
+
+bool RuleEngine::DecideEvent(const Event& event, EventRule* eventRule, Evidence::Event* record)
+{
     Reason reason = Reason::NONE;
     bool fired = false;
-    if (event->GetDetectMode() == DETECT_INTERACTION_RULE) {
+    if (event.GetDetectMode() == DETECT_INTERACTION_RULE) {
         FT::Log::GetInstance().Output(FT::LEVEL_INFO, "FUNc:%s: event is code rule, skipped",
                                       "RuleEngine::IsFaultHappenedForEvent");
         reason = Reason::INTERACTION_EVENT;
@@ -148,25 +162,25 @@ bool RuleEngine::IsFaultHappenedForEvent(
         const auto names = eventRule != nullptr ? RuleHelper::GetRuleNamesByRuleList(eventRule->GetRuleList())
                                                 : std::vector<std::string>();
         reason = names.empty() ? Reason::NO_RULE_NAMES : Reason::NONE;
-        fired = !names.empty() && AskRulesOfEvent(id, *eventRule, names);
+        fired = !names.empty() && AskRulesOfEvent(event.GetId(), *eventRule, names, record);
     }
-    if (mObserver != nullptr) {
-        mObserver->OnEventDecided({id, fired, reason});
+    if (record != nullptr) {
+        record->reason = reason;
     }
     return fired;
 }
 
 bool RuleEngine::AskRulesOfEvent(const std::string& eventId, EventRule& eventRule,
-                                 const std::vector<std::string>& names)
+                                 const std::vector<std::string>& names, Evidence::Event* record)
 {
     const AlternativeFinder finder(eventRule.GetRuleList());
-    for (std::size_t alternative = 0; alternative < names.size(); ++alternative) {
-        const std::string& name = names[alternative];
+    for (const std::string& name : names) {
+        Evidence::Alternative* const alternative = record == nullptr ? nullptr : &record->alternatives.emplace_back();
         if (name.find(RuleHelper::TYPE_COMMA) != std::string::npos) {
             DoMultiRulesCheck(name, eventId, finder.Find(name), alternative);
             continue;
         }
-        const bool result = GetSingleRuleCheckResult(name, eventId, {alternative, 0, false});
+        const bool result = GetSingleRuleCheckResult(name, eventId, alternative);
         // An alternative without a name stands for nothing; its rule is asked all the same.
         const auto entry = name.empty() ? nullptr : RuleHelper::OrLogMissing(finder.Find(name));
         if (entry != nullptr) {
@@ -177,44 +191,69 @@ bool RuleEngine::AskRulesOfEvent(const std::string& eventId, EventRule& eventRul
 }
 
 void RuleEngine::DoMultiRulesCheck(const std::string& names, const std::string& eventId,
-                                   const std::shared_ptr<OrRuleSingle>& entry, std::size_t alternative)
+                                   const std::shared_ptr<OrRuleSingle>& entry, Evidence::Alternative* alternative)
 {
     const auto parts = StringUtil::Split(names, RuleHelper::TYPE_COMMA);
     std::size_t place = 0;
     bool result = true;
     for (; place < parts.size() && result; ++place) {
-        result = GetSingleRuleCheckResult(parts[place], eventId, {alternative, place, true});
+        result = GetSingleRuleCheckResult(parts[place], eventId, alternative);
         RuleHelper::OrLogMissing(entry);
     }
     if (entry != nullptr && !parts.empty()) {
         entry->result = result;
     }
-    for (; mObserver != nullptr && place < parts.size(); ++place) {
-        const Family family = FamilyOf(mFaultTreeParser->GetRuleByRuleName(parts[place]).get());
-        mObserver->OnRuleDecided({eventId, parts[place], family, Verdict::SKIPPED, Reason::GROUP_ENDED});
+    if (alternative == nullptr) {
+        return;
+    }
+    alternative->inGroup = true;
+    for (; place < parts.size(); ++place) {
+        const auto rule = mFaultTreeParser->GetRuleByRuleName(parts[place]);
+        AddRecord(alternative, parts[place], rule.get())->reason = Reason::GROUP_ENDED;
     }
 }
 
-bool RuleEngine::GetSingleRuleCheckResult(const std::string& ruleName, const std::string& eventId, const Place& place)
+bool RuleEngine::GetSingleRuleCheckResult(
+    const std::string& ruleName, const std::string& eventId, Evidence::Alternative* alternative)
 {
     const std::shared_ptr<Rule> rule = mFaultTreeParser->GetRuleByRuleName(ruleName);
-    if (mObserver != nullptr) {
-        mObserver->OnRuleAsked(
-            {eventId, ruleName, FamilyOf(rule.get()), place.alternative, place.place, place.inGroup});
+    Evidence::Rule* const record = AddRecord(alternative, ruleName, rule.get());
+    if (mRuleHelper->IsSpecifiedRuleItemSupported(rule)) {
+        return AskRule(rule, eventId, record);
     }
-    std::shared_ptr<RuleChecker> checker;
-    Reason reason = Reason::NO_SUCH_RULE;
-    if (!mRuleHelper->IsSpecifiedRuleItemSupported(rule)) {
-        reason = rule == nullptr ? Reason::NO_SUCH_RULE : mRuleHelper->GetFilterReason();
-    } else {
-        checker = mCheckers.Get(rule.get(), mCommonPart);
-        reason = Reason::NO_CHECKER;
+    if (record != nullptr) {
+        record->reason = Reason::NO_SUCH_RULE;
+        if (const auto& rejection = mRuleHelper->GetRejection()) {
+            record->reason = rejection->reason;
+            record->filter = {rejection->deviceValue, std::string(rejection->ruleText)};
+        }
+    }
+    return false;
+}
+
+bool RuleEngine::AskRule(const std::shared_ptr<Rule>& rule, const std::string& eventId, Evidence::Rule* record)
+{
+    std::optional<TroubleWatch> watch;
+    if (record != nullptr) {
+        watch.emplace([&](Evidence::Trouble trouble) {
+            trouble.eventId = eventId;
+            trouble.ruleName = rule->name;
+            if (GetObserver() != nullptr) { // still: a code rule calls the host
+                GetObserver()->OnTrouble(std::move(trouble));
+            }
+        });
+    }
+    const std::shared_ptr<RuleChecker> checker = mCheckers.Get(rule.get(), mCommonPart);
+    if (checker != nullptr) {
+        checker->SetRecord(record);
     }
     const bool fired = checker != nullptr && checker->IsFaultHappened(rule, eventId);
-    if (mObserver != nullptr) {
-        const Verdict verdict = checker == nullptr ? Verdict::SKIPPED : fired ? Verdict::FIRED : Verdict::NOT_FIRED;
-        mObserver->OnRuleDecided({eventId, ruleName, FamilyOf(rule.get()), verdict,
-                                  checker != nullptr ? checker->GetReason() : reason});
+    if (record != nullptr) {
+        record->verdict = checker == nullptr ? Verdict::SKIPPED : fired ? Verdict::FIRED : Verdict::NOT_FIRED;
+        record->reason = checker == nullptr ? Reason::NO_CHECKER : checker->GetReason();
+    }
+    if (checker != nullptr) {
+        checker->SetRecord(nullptr);
     }
     return fired;
 }

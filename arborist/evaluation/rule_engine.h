@@ -16,6 +16,7 @@ class CommonPart;
 class DeviceDetails;
 class FaultTree;
 class FaultTreeParser;
+class Rule;
 class RuleHelper;
 struct DetectInfo;
 
@@ -46,26 +47,25 @@ public:
     /// CodeRuleEngine::GetCodeRuleInfoByType.
     std::vector<std::string> GetCodeRuleInfoByType(std::string_view type, const std::string& detectCode);
 
-    /// Not owned; outlives the engine or is taken away with null. Reaches helper and checkers.
-    void SetObserver(DetectionObserver* observer);
+    /// Told of each event that is decided. Not owned; outlives the engine or is taken away with null.
+    void SetObserver(DetectionObserver* observer) { mObserver = observer; }
 
 private:
-    // Where in an event's rules a rule stands, for explanations.
-    struct Place {
-        std::size_t alternative = 0;
-        std::size_t place = 0;
-        bool inGroup = false;
-    };
-
     void InitCommonPart();
     void Reset();
     void MarkObservable();
     void RunRules();
     bool IsFaultHappenedForEvent(const std::shared_ptr<Event>& event, const std::shared_ptr<EventRule>& eventRule);
-    bool AskRulesOfEvent(const std::string& eventId, EventRule& eventRule, const std::vector<std::string>& names);
-    bool GetSingleRuleCheckResult(const std::string& ruleName, const std::string& eventId, const Place& place);
+    bool DecideEvent(const Event& event, EventRule* eventRule, Evidence::Event* record);
+    bool AskRulesOfEvent(const std::string& eventId, EventRule& eventRule, const std::vector<std::string>& names,
+                         Evidence::Event* record);
+    bool GetSingleRuleCheckResult(
+        const std::string& ruleName, const std::string& eventId, Evidence::Alternative* alternative);
     void DoMultiRulesCheck(const std::string& names, const std::string& eventId,
-                           const std::shared_ptr<OrRuleSingle>& entry, std::size_t alternative);
+                           const std::shared_ptr<OrRuleSingle>& entry, Evidence::Alternative* alternative);
+    bool AskRule(const std::shared_ptr<Rule>& rule, const std::string& eventId, Evidence::Rule* record);
+    // Null when nobody listens.
+    DetectionObserver* GetObserver() const { return mObserver; }
 
     std::shared_ptr<FaultTreeParser> mFaultTreeParser;
     std::shared_ptr<DetectInfo> mDetectInfo;

@@ -7,7 +7,7 @@
 
 namespace {
 
-using Reason = DetectionObserver::Reason;
+using Reason = Evidence::Reason;
 
 // A plain search on purpose: a product "AB" also matches a text that lists "ABC". Rule files count on it.
 bool Holds(const std::string& ruleText, const std::string& deviceValue)

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "arborist/frame/detection_observer.h"
+#include "arborist/frame/evidence_words.h"
 
 class DeviceDetails;
 class Rule;
@@ -20,7 +20,7 @@ class RuleFilter {
 public:
     /// What turned a rule away. The rule's text is the rule's own.
     struct Rejection {
-        DetectionObserver::Reason reason;
+        Evidence::Reason reason;
         std::string deviceValue;
         std::string_view ruleText;
     };
@@ -33,7 +33,7 @@ public:
 private:
     std::optional<Rejection> RejectByProduct(const Rule& rule) const;
     std::optional<Rejection> RejectByScene(const Rule& rule) const;
-    std::optional<Rejection> RejectByText(DetectionObserver::Reason reason, const std::string& ruleText,
+    std::optional<Rejection> RejectByText(Evidence::Reason reason, const std::string& ruleText,
                                           std::string (DeviceDetails::*value)() const) const;
 
     std::shared_ptr<const DetectInfo> mDetectInfo;

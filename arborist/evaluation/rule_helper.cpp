@@ -10,8 +10,6 @@
 
 namespace {
 
-using Reason = DetectionObserver::Reason;
-
 std::string JoinNames(const std::vector<std::string>& names)
 {
     std::string joined;
@@ -34,19 +32,8 @@ RuleHelper::RuleHelper(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<F
 
 bool RuleHelper::IsSpecifiedRuleItemSupported(const std::shared_ptr<Rule>& rule) const
 {
-    mFilterReason = Reason::NONE;
-    if (rule == nullptr) {
-        return false;
-    }
-    const auto rejection = mFilter.Reject(*rule);
-    if (!rejection) {
-        return true;
-    }
-    mFilterReason = rejection->reason;
-    if (mObserver != nullptr) {
-        mObserver->OnFilter({rule->name, rejection->reason, rejection->deviceValue, rejection->ruleText});
-    }
-    return false;
+    mRejection = rule == nullptr ? std::nullopt : mFilter.Reject(*rule);
+    return rule != nullptr && !mRejection;
 }
 
 bool RuleHelper::IsSpecifiedCodeRuleSupported(
@@ -113,7 +100,7 @@ std::shared_ptr<TimeSet> RuleHelper::GetTimeSetByRuleType(
 }
 
 std::int64_t RuleHelper::GetDetectStartTime(
-    std::int32_t days, const std::string& word, const std::string& eventId) const
+    std::int32_t days, const std::string& word, const std::string& eventId, Evidence::Start* record) const
 {
-    return mStartTimes.GetDetectStartTime(days, word, eventId, mCurrentEvent.get(), mObserver);
+    return mStartTimes.GetDetectStartTime(days, word, eventId, mCurrentEvent.get(), record);
 }

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,7 +11,6 @@
 #include "arborist/evaluation/code_rule_index.h"
 #include "arborist/evaluation/rule_filter.h"
 #include "arborist/evaluation/start_times.h"
-#include "arborist/frame/detection_observer.h"
 #include "arborist/model/event_rule.h"
 #include "arborist/model/rule.h"
 
@@ -50,15 +50,16 @@ public:
     const std::shared_ptr<Event>& GetCurrentEvent() const { return mCurrentEvent; }
     void SetCurrentEvent(const std::shared_ptr<Event>& event) { mCurrentEvent = event; }
 
-    /// Whether the rule applies to this device and scene; false for null. A filter that turns it away is told to the
-    /// observer and kept for GetFilterReason.
+    /// Whether the rule applies to this device and scene; false for null. The filter that turns it away is kept for
+    /// GetRejection.
     bool IsSpecifiedRuleItemSupported(const std::shared_ptr<Rule>& rule) const;
     /// IsSpecifiedRuleItemSupported of the first code rule whose detect code holds `detectCode` anywhere in it; false
     /// when there is none. The look-up is one pass over the detect codes of the set.
     bool IsSpecifiedCodeRuleSupported(const std::string& detectCode,
                                       const std::shared_ptr<FaultTreeParser>& faultTreeParser) const;
-    /// Which filter answered false in the last IsSpecifiedRuleItemSupported; NONE when the rule passed or was null.
-    DetectionObserver::Reason GetFilterReason() const { return mFilterReason; }
+    /// What turned the rule of the last IsSpecifiedRuleItemSupported away; nothing when it passed or was null. Its texts
+    /// are valid as long as that rule.
+    const std::optional<RuleFilter::Rejection>& GetRejection() const { return mRejection; }
 
     /// The alternative that a name stands for: the first that is the single rule of this name, or that lists every part
     /// of the name between commas. Null for an empty name or list, and, with an error in the log, when none fits.
@@ -73,13 +74,10 @@ public:
                                                          TimeSet::TimeType timeType);
 
     /// The moment from which a check of the current event looks at the log; see StartTimes::GetDetectStartTime.
-    std::int64_t GetDetectStartTime(std::int32_t days, const std::string& word, const std::string& eventId) const;
+    std::int64_t GetDetectStartTime(std::int32_t days, const std::string& word, const std::string& eventId,
+                                    Evidence::Start* record = nullptr) const;
     /// Whether a check with this start word counts the events of the current version only.
     static bool IsDetectFromUpdate(const std::string& word) { return StartTimes::IsDetectFromUpdate(word); }
-
-    /// The observer is not owned and outlives the helper or is taken away with null.
-    void SetObserver(DetectionObserver* observer) { mObserver = observer; }
-    DetectionObserver* GetObserver() const { return mObserver; }
 
 private:
     std::shared_ptr<DetectInfo> mDetectInfo;
@@ -87,8 +85,7 @@ private:
     RuleFilter mFilter;
     StartTimes mStartTimes;
     std::shared_ptr<Event> mCurrentEvent;
-    DetectionObserver* mObserver = nullptr;
-    mutable DetectionObserver::Reason mFilterReason = DetectionObserver::Reason::NONE;
+    mutable std::optional<RuleFilter::Rejection> mRejection;
     mutable CodeRuleIndex mCodeRuleIndex;
 };
 

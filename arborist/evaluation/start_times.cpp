@@ -6,8 +6,9 @@
 
 #include <json/value.h>
 
-#include "arborist/frame/detection_observer.h"
+#include "arborist/frame/evidence.h"
 #include "arborist/frame/log.h"
+#include "arborist/frame/trouble_watch.h"
 #include "arborist/loading/fault_tree_parser.h"
 #include "arborist/model/event.h"
 #include "arborist/stores/repairs/repair_dates.h"
@@ -16,8 +17,6 @@
 #include "arborist/utilities/time_util.h"
 
 namespace {
-
-using StartTimeSeen = DetectionObserver::StartTimeSeen;
 
 constexpr std::int32_t DEFAULT_DAYS = 30;
 constexpr std::uint32_t SECONDS_OF_DAY = 86400;
@@ -30,12 +29,12 @@ std::int64_t DaysBefore(std::int64_t now, std::int32_t days)
         static_cast<std::uint64_t>(now) - static_cast<std::uint64_t>(std::int64_t{seconds}));
 }
 
-void Raise(StartTimeSeen& seen, std::int64_t time, StartTimeSeen::Floor floor)
+Evidence::Moment MomentOf(std::int64_t seconds)
 {
-    if (time > seen.start) {
-        seen.start = time;
-        seen.floor = floor;
-    }
+    constexpr std::size_t LENGTH = sizeof("2024-05-13 14:00:00") - 1;
+    const std::string local = seconds == 0 ? "" : TimeUtil::GetFormatTime(seconds);
+    const bool isDate = local.size() == LENGTH && local.find_first_of("Y-") != 0;
+    return {seconds, isDate ? local : ""};
 }
 
 std::string RepairIdOf(const Event& event)
@@ -66,36 +65,32 @@ bool StartTimes::IsDetectFromUpdate(const std::string& word)
 }
 
 std::int64_t StartTimes::GetDetectStartTime(std::int32_t days, const std::string& word, const std::string& eventId,
-                                            const Event* current, DetectionObserver* observer) const
+                                            const Event* current, Evidence::Start* record) const
 {
     const std::int32_t period = days == 0 ? DEFAULT_DAYS : days;
-    StartTimeSeen seen{};
-    seen.periodStart = DaysBefore(TimeUtil::GetTimeOfDay(), period);
-    seen.start = seen.periodStart;
-    seen.floor = StartTimeSeen::Floor::PERIOD;
+    const std::int64_t periodStart = DaysBefore(TimeUtil::GetTimeOfDay(), period);
+    std::int64_t start = periodStart;
+    auto floor = Evidence::Floor::PERIOD;
+    const auto raise = [&start, &floor](std::int64_t time, Evidence::Floor to) {
+        floor = time > start ? to : floor;
+        start = std::max(start, time);
+    };
     // Any word that isn't known takes both.
-    if (word != FROM_UPDATE && word != ALL) {
-        seen.resetTime = mResetTimes->GetResetTime();
+    const std::int64_t reset = word == FROM_UPDATE || word == ALL ? 0 : mResetTimes->GetResetTime();
+    const std::int64_t update = word == FROM_RESET || word == ALL ? 0 : mResetTimes->GetUpdateTime();
+    if (reset != 0) {
+        raise(reset, Evidence::Floor::RESET);
     }
-    if (word != FROM_RESET && word != ALL) {
-        seen.updateTime = mResetTimes->GetUpdateTime();
+    if (update != 0) {
+        raise(update, Evidence::Floor::UPDATE);
     }
-    if (seen.resetTime != 0) {
-        Raise(seen, seen.resetTime, StartTimeSeen::Floor::RESET);
+    RepairTime repair = GetRepairTimeByEventId(eventId, current);
+    raise(repair.time, Evidence::Floor::REPAIR);
+    if (record != nullptr) {
+        *record = {MomentOf(start), MomentOf(periodStart), MomentOf(reset), MomentOf(update), MomentOf(repair.time),
+            floor, period, word, std::move(repair.repairId)};
     }
-    if (seen.updateTime != 0) {
-        Raise(seen, seen.updateTime, StartTimeSeen::Floor::UPDATE);
-    }
-    const RepairTime repair = GetRepairTimeByEventId(eventId, current);
-    seen.repairTime = repair.time;
-    Raise(seen, repair.time, StartTimeSeen::Floor::REPAIR);
-    if (observer != nullptr) {
-        seen.periodDays = period;
-        seen.beginFlag = word;
-        seen.repairId = repair.repairId;
-        observer->OnStartTime(seen);
-    }
-    return seen.start;
+    return start;
 }
 
 StartTimes::RepairTime StartTimes::GetRepairTimeByEventId(const std::string& eventId, const Event* current) const
@@ -127,6 +122,7 @@ std::int64_t StartTimes::GetRepairTimeFromDb(const std::string& repairId) const
     if (repairId.empty()) {
         return 0;
     }
+    const StatementTrouble kind(Evidence::Trouble::Kind::REPAIRS_UNREADABLE);
     const std::string date = mRepairDates->Query(repairId);
     return date.empty() ? 0 : TimeUtil::StrToTimeStamp(date, "%Y-%m-%d %H:%M:%S");
 }

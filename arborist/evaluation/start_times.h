@@ -6,11 +6,13 @@
 #include <string>
 #include <string_view>
 
-class DetectionObserver;
 class Event;
 class FaultTreeParser;
 class RepairDates;
 class ResetTimeParser;
+namespace Evidence {
+struct Start;
+}
 
 /// Works out from what moment on a check looks at the event log: what happened before the device was last reset,
 /// updated or repaired says nothing about the device as it is now.
@@ -33,9 +35,9 @@ public:
     /// Seconds since the epoch: `days` before now (0 stands for 30), or the last reset or update where `word` takes it
     /// into account, or the last repair of the event, whichever is latest. "1" and every unknown word take reset and
     /// update. `current` is the event whose rules are being asked, and may be null; the repair that its user-defined
-    /// text names counts if its id is `eventId`. The observer may be null.
+    /// text names counts if its id is `eventId`. `record`, if there is one, is filled.
     std::int64_t GetDetectStartTime(std::int32_t days, const std::string& word, const std::string& eventId,
-                                    const Event* current, DetectionObserver* observer) const;
+                                    const Event* current, Evidence::Start* record = nullptr) const;
 
     /// Whether a check with this start word counts the events of the current version only.
     static bool IsDetectFromUpdate(const std::string& word);

@@ -8,17 +8,34 @@
 #include "arborist/evaluation/rule_helper.h"
 #include "arborist/frame/log.h"
 #include "arborist/loading/fault_tree_parser.h"
+#include "arborist/model/common_part.h"
 #include "arborist/model/fault_tree.h"
 #include "arborist/utilities/file_util.h"
 #include "arborist/utilities/zip_util.h"
 
 namespace {
 
-void TellFile(DetectionObserver& observer, DetectionObserver::RuleSetFile::Kind kind, const RuleSetFileReport& report)
+Evidence::RuleSet RecordOf(const FaultTreeParser& parser)
 {
-    if (!report.path.empty()) {
-        observer.OnRuleSetFile({kind, report.state, report.path, report.message, report.line, report.count});
+    Evidence::RuleSet record;
+    for (const auto& file : {parser.GetTreeFileReport(), parser.GetRuleFileReport()}) {
+        if (!file.path.empty()) {
+            record.files.push_back(file);
+        }
     }
+    if (const auto commonPart = parser.GetCommonPart()) {
+        for (const auto& bean : commonPart->GetDefDbTableCommonList()) {
+            if (bean != nullptr) {
+                record.databases.push_back({bean->GetName(), bean->GetDbName()});
+            }
+        }
+        for (const auto& bean : commonPart->GetThresholdLumbraList()) {
+            if (bean != nullptr && bean->TakesEvents()) {
+                record.eventTables.push_back(bean->GetName());
+            }
+        }
+    }
+    return record;
 }
 
 } // namespace
@@ -141,8 +158,7 @@ void Arborist::Parse()
 {
     mFaultTreeParser->StartParse();
     if (mObserver != nullptr) {
-        TellFile(*mObserver, DetectionObserver::RuleSetFile::Kind::TREES, mFaultTreeParser->GetTreeFileReport());
-        TellFile(*mObserver, DetectionObserver::RuleSetFile::Kind::RULES, mFaultTreeParser->GetRuleFileReport());
+        mObserver->OnRuleSetRead(RecordOf(*mFaultTreeParser));
     }
 }
 

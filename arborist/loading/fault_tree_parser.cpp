@@ -18,11 +18,13 @@
 
 namespace {
 
-using State = RuleSetFileReport::State;
+using Evidence::RuleSetFile;
+using Evidence::RuleSetFileType;
+using State = Evidence::RuleSetFileState;
 
 // Loads a file into `document`. Reports the outcome, and logs a line if the file can't be used.
 bool LoadDocument(
-    tinyxml2::XMLDocument& document, const std::string& path, const char* function, RuleSetFileReport& report)
+    tinyxml2::XMLDocument& document, const std::string& path, const char* function, RuleSetFile& report)
 {
     document.Clear();
     std::error_code noStatus;
@@ -30,10 +32,10 @@ bool LoadDocument(
     const bool isFile = std::filesystem::is_regular_file(path, noStatus);
     const tinyxml2::XMLError error = isFile ? document.LoadFile(path.c_str()) : tinyxml2::XML_ERROR_FILE_READ_ERROR;
     if (error == tinyxml2::XML_SUCCESS) {
-        report = {State::LOADED, path, "", 0, 0};
+        report = {report.type, State::LOADED, path, "", 0, 0};
         return true;
     }
-    report = {State::MALFORMED, path, isFile ? document.ErrorStr() : "not a file", document.ErrorLineNum(), 0};
+    report = {report.type, State::MALFORMED, path, isFile ? document.ErrorStr() : "not a file", document.ErrorLineNum(), 0};
     FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: load tree rules xml failed %s, errno %d", function,
         path.c_str(), static_cast<int>(error));
     return false;
@@ -59,7 +61,7 @@ public:
     InnerXmlHelper(const InnerXmlHelper&) = delete;
     InnerXmlHelper& operator=(const InnerXmlHelper&) = delete;
 
-    bool LoadXmlFile(const std::string& path, RuleSetFileReport& report)
+    bool LoadXmlFile(const std::string& path, RuleSetFile& report)
     {
         return LoadDocument(mDocument, path, "FaultTreeParser::InnerXmlHelper::LoadXmlFile", report);
     }
@@ -104,7 +106,7 @@ void FaultTreeParser::StartParse()
     FT::Log::GetInstance().Output(
         FT::LEVEL_DEBUG, "FUNc:%s: fault tree rule xml path %s", "FaultTreeParser::StartParse", path.c_str());
     if (!FileUtil::FileExists(path)) {
-        mRuleFileReport = {State::MISSING, path, "", 0, 0};
+        mRuleFileReport = {RuleSetFileType::RULES, State::MISSING, path, "", 0, 0};
         FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: fault tree rule xml file %s not exist.",
             "FaultTreeParser::StartParse", path.c_str());
         return;
@@ -125,7 +127,7 @@ void FaultTreeParser::StartFaultTreeParse()
     FT::Log::GetInstance().Output(
         FT::LEVEL_DEBUG, "FUNc:%s: fault tree xml path %s", "FaultTreeParser::StartFaultTreeParse", path.c_str());
     if (!FileUtil::FileExists(path)) {
-        mTreeFileReport = {State::MISSING, path, "", 0, 0};
+        mTreeFileReport = {RuleSetFileType::TREES, State::MISSING, path, "", 0, 0};
         FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: fault tree xml file %s not exist.",
             "FaultTreeParser::StartFaultTreeParse", path.c_str());
         return;

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "arborist/frame/detect_info.h"
-#include "arborist/frame/detection_observer.h"
+#include "arborist/frame/evidence.h"
 #include "arborist/frame/fault_tree_result.h"
 #include "arborist/loading/fault_item.h"
 #include "arborist/model/common_part.h"
@@ -20,19 +20,6 @@
 #include "arborist/model/fault_tree.h"
 #include "arborist/model/rule.h"
 #include "arborist/utilities/text_hash.h"
-
-/// Outcome of the last attempt to read one file of the rule set. Before any attempt: missing, with an empty path.
-struct RuleSetFileReport {
-    using State = DetectionObserver::RuleSetFile::State;
-
-    State state = State::MISSING;
-    std::string path;
-    /// What the XML library says of a malformed file, and the line from 1 (0 when not known).
-    std::string message;
-    int line = 0;
-    /// Trees or rules of the tag; 0 when the file was not loaded.
-    std::size_t count = 0;
-};
 
 /// Reads the two XML files of a rule set, keeps their contents and answers look-ups by name and id.
 ///
@@ -68,8 +55,9 @@ public:
     /// Number of rule files read so far. References from look-ups are valid until it changes.
     std::uint64_t GetRuleRevision() const { return mRuleRevision; }
 
-    const RuleSetFileReport& GetTreeFileReport() const { return mTreeFileReport; }
-    const RuleSetFileReport& GetRuleFileReport() const { return mRuleFileReport; }
+    /// How the last attempt to read a file ended. Without an attempt: missing, with an empty path.
+    const Evidence::RuleSetFile& GetTreeFileReport() const { return mTreeFileReport; }
+    const Evidence::RuleSetFile& GetRuleFileReport() const { return mRuleFileReport; }
 
     /// In file order.
     const FaultTreeList& GetFaultTrees() const { return mFaultTrees; }
@@ -139,8 +127,10 @@ private:
     std::shared_ptr<CommonPart::CombineCommonPart> mCombineCommonPart;
     std::unique_ptr<InnerXmlHelper> mXmlHelper;
 
-    RuleSetFileReport mTreeFileReport;
-    RuleSetFileReport mRuleFileReport;
+    Evidence::RuleSetFile mTreeFileReport{
+        Evidence::RuleSetFileType::TREES, Evidence::RuleSetFileState::MISSING, {}, {}, 0, 0};
+    Evidence::RuleSetFile mRuleFileReport{
+        Evidence::RuleSetFileType::RULES, Evidence::RuleSetFileState::MISSING, {}, {}, 0, 0};
     // Built by the first look-up after a parse: a detection without a fault needs none of them.
     mutable std::optional<CodeRuleIndex> mCodeRuleByDetectCode;
     mutable std::optional<FaultItemIndex> mFaultDescById;

@@ -79,14 +79,18 @@ public:
     using ThresholdItemList = std::vector<std::shared_ptr<ThresholdItem>>;
     using LumbraDataList = std::vector<std::shared_ptr<LumbraDataItem>>;
 
+    static constexpr char LUMBRA_PLUS_DATA[] = "lumbraPlusData";
+
     /// Name of the derived table, by which rules refer to this bean.
     const std::string& GetName() const { return name; }
     void SetName(const std::string& text) { name = text; }
     const std::string& GetPlatform() const { return platform; }
     void SetPlatform(const std::string& text) { platform = text; }
-    /// "lumbraPlusData": the table gets one fixed row and no events.
+    /// LUMBRA_PLUS_DATA: the table gets one fixed row and no events.
     const std::string& GetType() const { return type; }
     void SetType(const std::string& text) { type = text; }
+    /// Whether there is a derived table for the bean, which is filled with events of the log.
+    bool TakesEvents() const { return !GetLumbraDataList().empty() && GetType() != LUMBRA_PLUS_DATA; }
     const ParamMap& GetSystemParamMap() const { return systemParamMap; }
     void SetSystemParaMap(const ParamMap& params) { systemParamMap = params; }
     const ParamMap& GetThresholdMap() const { return thresholdMap; }

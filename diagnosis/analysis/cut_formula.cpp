@@ -6,11 +6,10 @@ namespace diagnosis {
 
 namespace {
 
-using Folded = ExplainedEvent::Folded;
 
 CutFormula::Kind KindOf(const ExplainedEvent& event)
 {
-    return event.gate == Folded::GateKind::OR ? CutFormula::Kind::OR : CutFormula::Kind::AND;
+    return event.gate == Evidence::GateType::OR ? CutFormula::Kind::OR : CutFormula::Kind::AND;
 }
 
 } // namespace
@@ -38,7 +37,7 @@ void CutFormula::FindEmpty()
         }
         const std::vector<std::size_t> children = mTree.ChildrenOf(event);
         // The last branch of an AND gate decides: behind an empty one the combinations start afresh.
-        mIsEmpty[event] = explained.gate == Folded::GateKind::OR
+        mIsEmpty[event] = explained.gate == Evidence::GateType::OR
             ? std::all_of(children.begin(), children.end(), [this](std::size_t child) { return mIsEmpty[child]; })
             : children.empty() || mIsEmpty[children.back()];
     }
@@ -87,7 +86,7 @@ void CutFormula::CollectParts(std::size_t event, Kind kind, std::vector<std::uin
 std::vector<std::size_t> CutFormula::BranchesOf(std::size_t event) const
 {
     std::vector<std::size_t> branches = mTree.ChildrenOf(event);
-    if (mTree.events[event].gate == Folded::GateKind::OR) {
+    if (mTree.events[event].gate == Evidence::GateType::OR) {
         std::erase_if(branches, [this](std::size_t branch) { return mIsEmpty[branch]; });
         return branches;
     }

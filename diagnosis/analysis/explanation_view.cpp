@@ -12,10 +12,12 @@ namespace {
 
 bool HasRule(const ExplainedTree& tree, const ExplainedEvent& event, const std::string& name)
 {
-    const ExplainedEvidence* evidence = tree.EvidenceOf(event);
-    return evidence != nullptr
-        && std::any_of(evidence->rules.begin(), evidence->rules.end(),
-            [&name](const ExplainedRule& rule) { return rule.name == name; });
+    const Evidence::Event* evidence = tree.EvidenceOf(event);
+    if (evidence == nullptr) {
+        return false;
+    }
+    const auto rules = RulesOf(*evidence);
+    return std::any_of(rules.begin(), rules.end(), [&name](const PlacedRule& placed) { return placed.rule.name == name; });
 }
 
 // Whether the event itself or one above it has this id.
@@ -85,9 +87,9 @@ std::optional<Failure> UnknownWord(const Explanation& explanation, const Explana
         for (const ExplainedEvent& event : tree.events) {
             events.insert(event.id);
         }
-        for (const ExplainedEvidence& evidence : tree.evidence) {
-            for (const ExplainedRule& rule : evidence.rules) {
-                rules.insert(rule.name);
+        for (const Evidence::Event& evidence : tree.evidence) {
+            for (const PlacedRule& placed : RulesOf(evidence)) {
+                rules.insert(placed.rule.name);
             }
         }
     }
@@ -136,7 +138,7 @@ bool HasShown(const ExplainedTree& tree, const ExplanationView& view)
         || (view.nearMisses > 0 && !ShownNearMisses(tree, view).sets.empty());
 }
 
-bool IsShown(const ExplainedRule& rule, const ExplanationView& view)
+bool IsShown(const Evidence::Rule& rule, const ExplanationView& view)
 {
     return view.rule.empty() || rule.name == view.rule;
 }

@@ -40,7 +40,7 @@ std::vector<std::size_t> ShownEvents(const ExplainedTree& tree, const Explanatio
 bool HasShown(const ExplainedTree& tree, const ExplanationView& view);
 
 /// Whether a rule of a shown event is shown.
-bool IsShown(const ExplainedRule& rule, const ExplanationView& view);
+bool IsShown(const Evidence::Rule& rule, const ExplanationView& view);
 
 /// The near misses that the view asks for: of a narrow one those that its event, rule or cause has to do with.
 NearMisses ShownNearMisses(const ExplainedTree& tree, const ExplanationView& view);

@@ -24,24 +24,24 @@ std::vector<std::size_t> LeavesInError(const ExplainedTree& tree, std::size_t ev
 
 GateLogic GateLogicOf(const ExplainedTree& tree, std::size_t event)
 {
-    const bool isOr = tree.events[event].gate == ExplainedEvent::Folded::GateKind::OR;
+    const bool isOr = tree.events[event].gate == Evidence::GateType::OR;
     GateLogic logic;
     bool hasUnknown = false;
     for (std::size_t child = event + 1; child < tree.events[event].end; child = tree.events[child].end) {
         const ExplainedEvent& below = tree.events[child];
         ++logic.below;
         logic.inError += below.IsInError() ? 1U : 0U;
-        hasUnknown = hasUnknown || below.status == EventStatus::UNKNOWN;
+        hasUnknown = hasUnknown || below.status == Evidence::EventState::UNKNOWN;
         if (logic.decider == ExplainedEvent::NONE && below.IsInError() == isOr) {
             logic.decider = child;
         }
     }
     if (isOr) {
-        const EventStatus otherwise = hasUnknown ? EventStatus::UNKNOWN : EventStatus::FALSE;
-        logic.outcome = logic.inError > 0 ? EventStatus::TRUE : otherwise;
+        const Evidence::EventState otherwise = hasUnknown ? Evidence::EventState::UNKNOWN : Evidence::EventState::ABSENT;
+        logic.outcome = logic.inError > 0 ? Evidence::EventState::PRESENT : otherwise;
     } else {
         logic.outcome =
-            logic.decider == ExplainedEvent::NONE ? EventStatus::TRUE : tree.events[logic.decider].status;
+            logic.decider == ExplainedEvent::NONE ? Evidence::EventState::PRESENT : tree.events[logic.decider].status;
     }
     return logic;
 }

@@ -10,7 +10,7 @@ namespace diagnosis {
 
 /// What the gate of an intermediate event makes of the events below it.
 struct GateLogic {
-    EventStatus outcome = EventStatus::FALSE;
+    Evidence::EventState outcome = Evidence::EventState::ABSENT;
     std::size_t below = 0;
     std::size_t inError = 0;
     /// Place of the event that decided: of an OR the first in error, of an AND the first that is not. NONE where all of

@@ -107,7 +107,7 @@ private:
             mOptions.codeRunner.path.empty() ? static_cast<void>(engine.IsRunRule("any code"))
                                              : static_cast<void>(engine.StartDetection());
         } catch (...) {
-            return FailureInFlight(recorder->GetFiles());
+            return FailureInFlight(recorder->GetRuleSet());
         }
         mCaptured = mOwn;
         if (!mOptions.codeRunner.path.empty()) {
@@ -115,7 +115,7 @@ private:
             mWarnings = answers->GetWarnings();
         }
         mRuleSet = SummariseRuleSet(mOwn);
-        return RuleSetFailure(recorder->GetFiles(), mOwn);
+        return RuleSetFailure(recorder->GetRuleSet(), mOwn);
     }
 
     const std::string& OwnSetting(const char* key) const

@@ -24,11 +24,11 @@ void LoadRules(const BundleSession& session, BundleContents& contents)
         engine.SetObserver(recorder);
         // Any question loads the rule set, and this one runs nothing.
         engine.IsRunRule("any code");
-        contents.ruleSetFailure = RuleSetFailure(recorder->GetFiles(), session.GetBundle());
+        contents.ruleSetFailure = RuleSetFailure(recorder->GetRuleSet(), session.GetBundle());
     } catch (...) {
-        contents.ruleSetFailure = FailureInFlight(recorder->GetFiles());
+        contents.ruleSetFailure = FailureInFlight(recorder->GetRuleSet());
     }
-    contents.ruleFiles = recorder->GetFiles();
+    contents.ruleFiles = recorder->GetRuleSet().files;
 }
 
 std::vector<NamedPath> LookFor(const BundleSession& session, const std::vector<std::string>& paths)
@@ -90,10 +90,10 @@ void CheckPaths(const std::vector<NamedPath>& paths, const std::string& kind, st
 
 } // namespace
 
-std::size_t RuleSetCount(const BundleContents& contents, DetectionObserver::RuleSetFile::Kind kind)
+std::size_t RuleSetCount(const BundleContents& contents, Evidence::RuleSetFileType type)
 {
-    for (const RecordedFile& file : contents.ruleFiles) {
-        if (file.kind == kind) {
+    for (const Evidence::RuleSetFile& file : contents.ruleFiles) {
+        if (file.type == type) {
             return file.count;
         }
     }

@@ -29,7 +29,7 @@ struct BundleContents {
     Bundle description;
     /// The moment in force, seconds since the epoch.
     std::int64_t now = 0;
-    std::vector<RecordedFile> ruleFiles;
+    std::vector<Evidence::RuleSetFile> ruleFiles;
     std::optional<Failure> ruleSetFailure;
     bool hasLog = false;
     LogInspection log;
@@ -41,7 +41,7 @@ struct BundleContents {
 };
 
 /// How many entries a file of the rule set has; 0 for a file that was not read.
-std::size_t RuleSetCount(const BundleContents& contents, DetectionObserver::RuleSetFile::Kind kind);
+std::size_t RuleSetCount(const BundleContents& contents, Evidence::RuleSetFileType type);
 
 /// Reads all of a bundle, and runs nothing.
 BundleContents LookIntoBundle(const BundlePath& bundle, const BundleOverrides& overrides);

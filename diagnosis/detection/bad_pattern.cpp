@@ -21,10 +21,10 @@ bool Compiles(const std::string& pattern)
     }
 }
 
-std::string RuleFile(const std::vector<RecordedFile>& files)
+std::string RuleFile(const Evidence::RuleSet& ruleSet)
 {
-    for (const RecordedFile& file : files) {
-        if (file.kind == DetectionObserver::RuleSetFile::Kind::RULES) {
+    for (const Evidence::RuleSetFile& file : ruleSet.files) {
+        if (file.type == Evidence::RuleSetFileType::RULES) {
             return file.path + ": ";
         }
     }
@@ -33,16 +33,15 @@ std::string RuleFile(const std::vector<RecordedFile>& files)
 
 } // namespace
 
-std::string BadPatternMessage(const std::vector<RecordedFile>& files, const std::vector<RecordedPattern>& patterns,
-    const std::string& reason)
+std::string BadPatternMessage(const Evidence::RuleSet& ruleSet, const std::string& reason)
 {
     std::string bad;
-    for (const RecordedPattern& known : patterns) {
+    for (const Evidence::ExternalDatabase& known : ruleSet.databases) {
         if (!Compiles(known.pattern)) {
-            bad += (bad.empty() ? "\"" : ", \"") + known.pattern + "\" of the defDBTable \"" + known.database + "\"";
+            bad += (bad.empty() ? "\"" : ", \"") + known.pattern + "\" of the defDBTable \"" + known.name + "\"";
         }
     }
-    return RuleFile(files) + (bad.empty() ? "a dbName pattern " : "the dbName pattern " + bad + " ")
+    return RuleFile(ruleSet) + (bad.empty() ? "a dbName pattern " : "the dbName pattern " + bad + " ")
         + "is no regular expression: " + reason;
 }
 

@@ -17,11 +17,11 @@ namespace diagnosis {
 
 namespace {
 
-using File = DetectionObserver::RuleSetFile;
+using State = Evidence::RuleSetFileState;
 
-std::string FileTrouble(const RecordedFile& file)
+std::string FileTrouble(const Evidence::RuleSetFile& file)
 {
-    if (file.state == File::State::MISSING) {
+    if (file.state == State::MISSING) {
         return file.path + ": no such file";
     }
     const std::string place = file.line > 0 ? ":" + std::to_string(file.line) : "";
@@ -40,18 +40,28 @@ std::string NoTree(const std::string& treeFile, const Bundle& bundle)
         + DidYouMean(bundle.treeTag, {tags.begin(), tags.end()});
 }
 
+void ShowPaths(const BundleSession& session, Evidence::Rule& rule)
+{
+    if (auto* const command = std::get_if<Evidence::Command>(&rule.part)) {
+        for (Evidence::Statement& statement : command->statements) {
+            statement.database = session.Shown(statement.database);
+            statement.error = session.Shown(statement.error);
+        }
+    } else if (auto* const node = std::get_if<Evidence::Node>(&rule.part)) {
+        for (Evidence::NodeFile& file : node->files) {
+            file.path = session.Shown(file.path);
+        }
+    }
+}
+
 // Explanations name files as the bundle does, not where the run kept them.
 void ShowPaths(const BundleSession& session, Explanation& explanation)
 {
     for (ExplainedTree& tree : explanation.trees) {
-        for (ExplainedEvidence& evidence : tree.evidence) {
-            for (ExplainedRule& rule : evidence.rules) {
-                for (ExplainedQuery& query : rule.queries) {
-                    query.database = session.Shown(query.database);
-                    query.error = session.Shown(query.error);
-                }
-                for (ExplainedNodeFile& node : rule.nodeFiles) {
-                    node.path = session.Shown(node.path);
+        for (Evidence::Event& event : tree.evidence) {
+            for (Evidence::Alternative& alternative : event.alternatives) {
+                for (Evidence::Rule& rule : alternative.rules) {
+                    ShowPaths(session, rule);
                 }
             }
         }
@@ -96,9 +106,9 @@ public:
             Arborist engine(mInfo);
             engine.SetObserver(mRecorder);
             report.results = engine.StartDetection();
-            report.failure = RuleSetFailure(mRecorder->GetFiles(), mSession.GetBundle());
+            report.failure = RuleSetFailure(mRecorder->GetRuleSet(), mSession.GetBundle());
         } catch (...) {
-            report.failure = FailureInFlight(mRecorder->GetFiles(), mRecorder->GetPatterns());
+            report.failure = FailureInFlight(mRecorder->GetRuleSet());
         }
         if (report.failure) {
             report.results.clear();
@@ -136,18 +146,18 @@ bool DetectionReport::IsFault() const
         [](const std::shared_ptr<FaultTreeResult>& result) { return result->mIsFault; });
 }
 
-std::optional<Failure> RuleSetFailure(const std::vector<RecordedFile>& files, const Bundle& bundle)
+std::optional<Failure> RuleSetFailure(const Evidence::RuleSet& ruleSet, const Bundle& bundle)
 {
     std::optional<Failure> failure;
     std::string treeFile = "the rule set";
     bool hasTrees = false;
-    for (const RecordedFile& file : files) {
-        if (file.state != File::State::LOADED) {
-            const std::string code = file.state == File::State::MISSING ? "rule_file_missing" : "rule_file_malformed";
+    for (const Evidence::RuleSetFile& file : ruleSet.files) {
+        if (file.state != State::LOADED) {
+            const std::string code = file.state == State::MISSING ? "rule_file_missing" : "rule_file_malformed";
             // Both files may be at fault: the first gives the code, the message names both.
             failure = failure ? Failure{failure->code, failure->message + "; " + FileTrouble(file), failure->status}
                               : Failure{code, FileTrouble(file), ExitStatus::RULE_SET};
-        } else if (file.kind == File::Kind::TREES) {
+        } else if (file.type == Evidence::RuleSetFileType::TREES) {
             treeFile = file.path;
             hasTrees = file.count > 0;
         }
@@ -158,13 +168,12 @@ std::optional<Failure> RuleSetFailure(const std::vector<RecordedFile>& files, co
     return failure;
 }
 
-std::optional<Failure> FailureInFlight(
-    const std::vector<RecordedFile>& files, const std::vector<RecordedPattern>& patterns)
+std::optional<Failure> FailureInFlight(const Evidence::RuleSet& ruleSet)
 {
     try {
         throw;
     } catch (const std::regex_error& error) {
-        return Failure{"bad_pattern", BadPatternMessage(files, patterns, error.what()), ExitStatus::RULE_SET};
+        return Failure{"bad_pattern", BadPatternMessage(ruleSet, error.what()), ExitStatus::RULE_SET};
     } catch (const std::bad_alloc&) {
         return Failure{"out_of_memory", "memory ran out", ExitStatus::INTERNAL};
     } catch (const std::exception& error) {

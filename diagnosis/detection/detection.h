@@ -46,11 +46,10 @@ DetectionReport RunDetection(const BundlePath& bundle, const DetectionOptions& o
 
 /// Whether the rule set that an engine tried to load can be used: a file is missing or malformed, or no tree stands
 /// under the tag.
-std::optional<Failure> RuleSetFailure(const std::vector<RecordedFile>& files, const Bundle& bundle);
+std::optional<Failure> RuleSetFailure(const Evidence::RuleSet& ruleSet, const Bundle& bundle);
 
 /// The exception in flight as a failure; to be called in a catch block while the bundle is entered.
-std::optional<Failure> FailureInFlight(
-    const std::vector<RecordedFile>& files, const std::vector<RecordedPattern>& patterns = {});
+std::optional<Failure> FailureInFlight(const Evidence::RuleSet& ruleSet = {});
 
 } // namespace diagnosis
 

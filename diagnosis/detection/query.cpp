@@ -22,7 +22,7 @@ void WarnOfUnknownCode(const std::vector<std::string>& codes, QueryReport& repor
 void Ask(const BundleSession& session, DetectionRecorder& recorder, Arborist& engine, QueryReport& report)
 {
     report.wouldRun = engine.IsRunRule(report.code);
-    report.failure = RuleSetFailure(recorder.GetFiles(), session.GetBundle());
+    report.failure = RuleSetFailure(recorder.GetRuleSet(), session.GetBundle());
     if (!report.failure) {
         report.faultDescription = engine.GetCodeRuleFaultDescId(report.code);
         report.suggestion = engine.GetCodeRuleSuggestionId(report.code);
@@ -49,7 +49,7 @@ QueryReport RunQuery(const BundlePath& bundle, const std::string& code, const Bu
             Ask(session, *recorder, engine, report);
         }
     } catch (...) {
-        report.failure = FailureInFlight(recorder->GetFiles());
+        report.failure = FailureInFlight(recorder->GetRuleSet());
     }
     return report;
 }

@@ -7,7 +7,6 @@ namespace diagnosis {
 
 namespace {
 
-using Folded = DetectionObserver::EventFolded;
 
 constexpr char HEAD[] =
     "digraph arborist {\n"
@@ -29,26 +28,26 @@ std::string Quoted(const std::vector<std::string>& lines)
     return quoted + "\"";
 }
 
-const char* Shape(const RecordedEvent& event)
+const char* Shape(const Evidence::FoldedEvent& event)
 {
-    switch (event.kind) {
-    case Folded::Kind::BASIC:
+    switch (event.type) {
+    case Evidence::EventType::BASIC:
         return "ellipse";
-    case Folded::Kind::UNDEVELOPED:
+    case Evidence::EventType::UNDEVELOPED:
         return "diamond";
-    case Folded::Kind::INTERMEDIATE:
+    case Evidence::EventType::INTERMEDIATE:
         break;
     }
     return event.observable ? "box, peripheries=2" : "box";
 }
 
 // Told by words and line styles too, not by colour alone.
-std::string Colours(EventStatus status)
+std::string Colours(Evidence::EventState status)
 {
-    if (IsError(status)) {
+    if (Evidence::IsInError(status)) {
         return ", color=\"#a5170c\", fillcolor=\"#fde3df\"";
     }
-    return status == EventStatus::UNKNOWN ? ", color=\"#7a5b00\", fillcolor=\"#fff3cd\", style=\"filled,dashed\""
+    return status == Evidence::EventState::UNKNOWN ? ", color=\"#7a5b00\", fillcolor=\"#fff3cd\", style=\"filled,dashed\""
                                           : ", color=\"#5c6270\", fillcolor=\"#f1f3f5\"";
 }
 
@@ -79,10 +78,10 @@ private:
         std::string text = "    " + Name("e", place) + " [label=" + Quoted(EventLabel(mTree, place))
             + ", shape=" + Shape(*drawn.event) + (mTree.hasStatuses ? Colours(drawn.event->status) : "") + Bold(isBold)
             + "];\n";
-        if (drawn.event->gate == Folded::GateKind::NONE) {
+        if (drawn.event->gate == Evidence::GateType::NONE) {
             return text;
         }
-        const bool isAnd = drawn.event->gate == Folded::GateKind::AND;
+        const bool isAnd = drawn.event->gate == Evidence::GateType::AND;
         text += "    " + Name("g", place) + (isAnd ? " [label=\"AND\", shape=house" : " [label=\"OR\", shape=hexagon")
             + ", fontsize=9, margin=0.03" + Bold(isBold) + "];\n";
         text += Edge(Name("e", place), Name("g", place), isBold);

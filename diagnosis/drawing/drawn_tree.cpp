@@ -42,7 +42,7 @@ void Connect(DrawnTree& drawn)
 {
     // The place at each depth of the branch that is being read.
     std::vector<std::size_t> branch;
-    for (const RecordedEvent& event : drawn.tree->events) {
+    for (const Evidence::FoldedEvent& event : drawn.tree->events) {
         const std::size_t place = drawn.events.size();
         branch.resize(std::min(branch.size(), event.depth));
         const std::size_t parent = branch.empty() ? place : branch.back();
@@ -86,7 +86,7 @@ std::vector<std::size_t> PlacesOf(const DrawnTree& tree, const std::vector<std::
     std::vector<std::size_t> places;
     const std::vector<RunningHash> hashes = PathHashes(tree);
     for (std::size_t place = 0; place < hashes.size(); ++place) {
-        const bool isInError = IsError(tree.events[place].event->status);
+        const bool isInError = Evidence::IsInError(tree.events[place].event->status);
         if (isInError && wanted.count(hashes[place].Value()) != 0 && paths.count(PathOf(tree, place)) != 0) {
             places.push_back(place);
         }

@@ -12,7 +12,7 @@ namespace diagnosis {
 /// One place of a tree with its neighbours. Equal ids in several places are several of these.
 struct DrawnEvent {
     /// Lives as long as the recorded tree.
-    const RecordedEvent* event;
+    const Evidence::FoldedEvent* event;
     /// The top event is its own parent.
     std::size_t parent;
     std::vector<std::size_t> children = {};

@@ -34,26 +34,25 @@ std::string StatusWords(const DrawnTree& tree, std::size_t place)
 {
     const DrawnEvent& drawn = tree.events[place];
     const char* role = drawn.isRootCause ? ", ROOT CAUSE" : drawn.isInCutSet ? ", in its cut set" : "";
-    return GetElemTypeName(drawn.event->status) + std::string(role);
+    return Evidence::StateText(drawn.event->status) + std::string(role);
 }
 
 const char* StatusClass(const DrawnTree& tree, std::size_t place)
 {
-    const EventStatus status = tree.events[place].event->status;
+    const Evidence::EventState status = tree.events[place].event->status;
     if (!tree.hasStatuses) {
         return "";
     }
-    return IsError(status) ? "true" : status == EventStatus::UNKNOWN ? "unknown" : "false";
+    return Evidence::IsInError(status) ? "true" : status == Evidence::EventState::UNKNOWN ? "unknown" : "false";
 }
 
-std::string KindWords(const RecordedEvent& event)
+std::string KindWords(const Evidence::FoldedEvent& event)
 {
-    using Folded = DetectionObserver::EventFolded;
-    if (event.kind != Folded::Kind::INTERMEDIATE) {
-        return event.kind == Folded::Kind::BASIC ? "basic" : "undeveloped";
+    if (event.type != Evidence::EventType::INTERMEDIATE) {
+        return event.type == Evidence::EventType::BASIC ? "basic" : "undeveloped";
     }
-    const std::string gate = event.gate == Folded::GateKind::OR ? "OR gate"
-        : event.gate == Folded::GateKind::AND                   ? "AND gate"
+    const std::string gate = event.gate == Evidence::GateType::OR ? "OR gate"
+        : event.gate == Evidence::GateType::AND                   ? "AND gate"
                                                                 : "no gate";
     return gate + (event.observable ? ", decided by its own rules" : "");
 }

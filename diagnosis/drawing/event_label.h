@@ -18,7 +18,7 @@ std::string StatusWords(const DrawnTree& tree, std::size_t place);
 const char* StatusClass(const DrawnTree& tree, std::size_t place);
 
 /// "basic", "undeveloped", or an intermediate event with its gate: "OR gate".
-std::string KindWords(const RecordedEvent& event);
+std::string KindWords(const Evidence::FoldedEvent& event);
 
 /// The id for people: an absent one still needs something to see.
 std::string ShownId(const std::string& id);

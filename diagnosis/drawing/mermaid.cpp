@@ -8,7 +8,6 @@ namespace diagnosis {
 
 namespace {
 
-using Folded = DetectionObserver::EventFolded;
 
 constexpr char STYLES[] = "  classDef fault fill:#fde3df,stroke:#a5170c,color:#1b1d22\n"
                           "  classDef sound fill:#f1f3f5,stroke:#5c6270,color:#1b1d22\n"
@@ -33,22 +32,22 @@ std::string Quoted(const std::vector<std::string>& lines)
     return quoted + "\"";
 }
 
-std::string Shape(const RecordedEvent& event, const std::string& label)
+std::string Shape(const Evidence::FoldedEvent& event, const std::string& label)
 {
-    switch (event.kind) {
-    case Folded::Kind::BASIC:
+    switch (event.type) {
+    case Evidence::EventType::BASIC:
         return "([" + label + "])";
-    case Folded::Kind::UNDEVELOPED:
+    case Evidence::EventType::UNDEVELOPED:
         return "{" + label + "}";
-    case Folded::Kind::INTERMEDIATE:
+    case Evidence::EventType::INTERMEDIATE:
         break;
     }
     return event.observable ? "[[" + label + "]]" : "[" + label + "]";
 }
 
-const char* ClassOf(EventStatus status)
+const char* ClassOf(Evidence::EventState status)
 {
-    return IsError(status) ? "fault" : status == EventStatus::UNKNOWN ? "unknown" : "sound";
+    return Evidence::IsInError(status) ? "fault" : status == Evidence::EventState::UNKNOWN ? "unknown" : "sound";
 }
 
 std::string EventText(const DrawnTree& tree, std::size_t place, const std::string& prefix)
@@ -61,11 +60,11 @@ std::string EventText(const DrawnTree& tree, std::size_t place, const std::strin
         text += "    class " + name + " " + ClassOf(drawn.event->status) + "\n";
         text += isBold(place) ? "    class " + name + " path\n" : "";
     }
-    if (drawn.event->gate == Folded::GateKind::NONE) {
+    if (drawn.event->gate == Evidence::GateType::NONE) {
         return text;
     }
     const std::string gate = prefix + "g" + std::to_string(place);
-    const bool isAnd = drawn.event->gate == Folded::GateKind::AND;
+    const bool isAnd = drawn.event->gate == Evidence::GateType::AND;
     text += "    " + gate + (isAnd ? "[/\"AND\"\\]\n" : "{{\"OR\"}}\n");
     text += "    " + name + (isBold(place) ? " === " : " --- ") + gate + "\n";
     for (const std::size_t child : drawn.children) {

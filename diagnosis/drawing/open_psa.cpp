@@ -10,7 +10,6 @@ namespace diagnosis {
 
 namespace {
 
-using Folded = DetectionObserver::EventFolded;
 
 bool IsDigit(char letter)
 {
@@ -77,7 +76,7 @@ private:
     {
         for (const DrawnTree& tree : mTrees) {
             for (const DrawnEvent& drawn : tree.events) {
-                if (drawn.event->kind != Folded::Kind::INTERMEDIATE) {
+                if (drawn.event->type != Evidence::EventType::INTERMEDIATE) {
                     Note(*drawn.event);
                 }
             }
@@ -85,9 +84,9 @@ private:
     }
 
     // An id may stand for a developed and an undeveloped event; it is developed then.
-    void Note(const RecordedEvent& event)
+    void Note(const Evidence::FoldedEvent& event)
     {
-        const bool isUndeveloped = event.kind == Folded::Kind::UNDEVELOPED;
+        const bool isUndeveloped = event.type == Evidence::EventType::UNDEVELOPED;
         const auto noted = mBasicEvents.emplace(mNames.BasicName(event.id), BasicEventText{event.name, true}).first;
         noted->second.label = noted->second.label.empty() ? event.name : noted->second.label;
         noted->second.isUndeveloped = noted->second.isUndeveloped && isUndeveloped;
@@ -97,12 +96,12 @@ private:
     {
         std::vector<std::string> names;
         for (const DrawnEvent& drawn : tree.events) {
-            const bool isGate = drawn.event->kind == Folded::Kind::INTERMEDIATE;
+            const bool isGate = drawn.event->type == Evidence::EventType::INTERMEDIATE;
             names.push_back(isGate ? mNames.NewName(drawn.event->id) : EscapedName(drawn.event->id));
         }
         std::string text = "  <define-fault-tree name=\"" + mTreeNames.NewName(tree.tree->id) + "\">\n";
         for (std::size_t place = 0; place < tree.events.size(); ++place) {
-            if (tree.events[place].event->kind == Folded::Kind::INTERMEDIATE) {
+            if (tree.events[place].event->type == Evidence::EventType::INTERMEDIATE) {
                 text += GateText(tree, place, names);
             }
         }
@@ -111,7 +110,7 @@ private:
 
     static std::string GateText(const DrawnTree& tree, std::size_t place, const std::vector<std::string>& names)
     {
-        const RecordedEvent& event = *tree.events[place].event;
+        const Evidence::FoldedEvent& event = *tree.events[place].event;
         return "    <define-gate name=\"" + names[place] + "\">\n" + LabelText("      ", event.name)
             + (event.observable ? AttributeText("      ", "observable", "true") : "") + FormulaText(tree, place, names)
             + "    </define-gate>\n";
@@ -124,12 +123,12 @@ private:
         std::set<std::string> seen;
         for (const std::size_t child : tree.events[place].children) {
             if (seen.insert(names[child]).second) {
-                const bool isGate = tree.events[child].event->kind == Folded::Kind::INTERMEDIATE;
+                const bool isGate = tree.events[child].event->type == Evidence::EventType::INTERMEDIATE;
                 arguments += (seen.size() == 1 ? "" : "\n");
                 arguments += std::string(isGate ? "<gate" : "<basic-event") + " name=\"" + names[child] + "\"/>";
             }
         }
-        const bool isAnd = tree.events[place].event->gate == Folded::GateKind::AND;
+        const bool isAnd = tree.events[place].event->gate == Evidence::GateType::AND;
         if (seen.empty()) {
             return std::string("      <constant value=\"") + (isAnd ? "true" : "false") + "\"/>\n";
         }

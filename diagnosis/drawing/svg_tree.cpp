@@ -9,7 +9,6 @@ namespace diagnosis {
 
 namespace {
 
-using Folded = DetectionObserver::EventFolded;
 
 constexpr std::size_t MOST_PLACES = 200;
 constexpr std::size_t MOST_DEPTH = 9;
@@ -46,7 +45,7 @@ public:
     explicit TreePicture(const DrawnTree& tree) : mTree(tree)
     {
         for (const DrawnEvent& drawn : tree.events) {
-            const RecordedEvent& event = *drawn.event;
+            const Evidence::FoldedEvent& event = *drawn.event;
             mLabels.push_back({Wrapped(ShownId(event.id), ID_WIDTH, 2), Wrapped(event.name, NAME_WIDTH, 2)});
             mLines = std::max(mLines, mLabels.back().Lines());
             mDepth = std::max(mDepth, drawn.event->depth);
@@ -110,7 +109,7 @@ private:
     {
         const char* style = isBold ? "\" class=\"line path\"/>\n" : "\" class=\"line\"/>\n";
         std::string text;
-        if (mTree.events[place].event->gate == Folded::GateKind::NONE) {
+        if (mTree.events[place].event->gate == Evidence::GateType::NONE) {
             return text;
         }
         if (IsBold(place) == isBold) {
@@ -129,11 +128,11 @@ private:
 
     std::string Gate(std::size_t place) const
     {
-        const Folded::GateKind kind = mTree.events[place].event->gate;
-        if (kind == Folded::GateKind::NONE) {
+        const Evidence::GateType kind = mTree.events[place].event->gate;
+        if (kind == Evidence::GateType::NONE) {
             return "";
         }
-        const bool isAnd = kind == Folded::GateKind::AND;
+        const bool isAnd = kind == Evidence::GateType::AND;
         return "<g class=\"gate" + std::string(IsBold(place) ? " path" : "") + "\" transform=\"translate("
             + Number(GateLeft(place)) + " " + Number(mMiddles[place] - GATE_SIZE / 2) + ")\"><path d=\""
             + (isAnd ? "M36 0H18A18 18 0 0 0 18 36H36Z" : "M36 0Q28 18 36 36Q12 36 0 18Q12 0 36 0Z")
@@ -145,7 +144,7 @@ private:
         const DrawnEvent& drawn = mTree.events[place];
         std::string text = "<g class=\"event " + std::string(StatusClass(mTree, place)) + (IsBold(place) ? " path" : "")
             + "\" transform=\"translate(" + Number(Left(place)) + " " + Number(mMiddles[place] - BoxHeight() / 2)
-            + ")\">" + Box(0) + (drawn.event->observable ? Box(4) : "") + Symbol(drawn.event->kind);
+            + ")\">" + Box(0) + (drawn.event->observable ? Box(4) : "") + Symbol(drawn.event->type);
         int line = BOX_PADDING + LINE_HEIGHT - 4;
         for (const std::string& words : mLabels[place].id) {
             text += Line(words, "id", line);
@@ -162,13 +161,13 @@ private:
             + "\" height=\"" + Number(BoxHeight() - 2 * inset) + "\" rx=\"3\"/>";
     }
 
-    std::string Symbol(Folded::Kind kind) const
+    std::string Symbol(Evidence::EventType kind) const
     {
         const int middle = BoxHeight() / 2;
-        if (kind == Folded::Kind::BASIC) {
+        if (kind == Evidence::EventType::BASIC) {
             return "<circle cx=\"" + Number(BOX_WIDTH + 9) + "\" cy=\"" + Number(middle) + "\" r=\"8\"/>";
         }
-        return kind == Folded::Kind::INTERMEDIATE ? ""
+        return kind == Evidence::EventType::INTERMEDIATE ? ""
                                                   : "<path d=\"M" + Number(BOX_WIDTH) + " " + Number(middle)
                 + "l9 -10l9 10l-9 10Z\"/>";
     }

@@ -2,38 +2,32 @@
 
 namespace diagnosis {
 
-void DetectionRecorder::OnRuleSetFile(const RuleSetFile& file)
+void DetectionRecorder::OnRuleSetRead(Evidence::RuleSet ruleSet)
 {
-    mFiles.push_back({file.kind, file.state, std::string(file.path), std::string(file.message), file.line, file.count});
-    mWarnings.OnRuleSetFile(file);
+    mWarnings.OnRuleSet(ruleSet);
+    mRuleSet = std::move(ruleSet);
 }
 
-void DetectionRecorder::OnExternalDatabase(const ExternalDatabaseSeen& database)
+void DetectionRecorder::OnTreeStarted(Evidence::TreeHead tree)
 {
-    mPatterns.push_back({std::string(database.name), std::string(database.pattern)});
-}
-
-void DetectionRecorder::OnTreeStarted(const TreeStarted& tree)
-{
-    mTrees.push_back({std::string(tree.treeId), {}, {}});
+    mTrees.push_back({std::move(tree.id), {}, {}});
     mCausePlaces.clear();
 }
 
-void DetectionRecorder::OnEventFolded(const EventFolded& event)
+void DetectionRecorder::OnTreeFolded(std::vector<Evidence::FoldedEvent> events)
 {
     if (mKeepsEvents && !mTrees.empty()) {
-        mTrees.back().events.push_back({event.depth, event.kind, event.gate, std::string(event.id),
-            std::string(event.name), event.status, event.observable});
+        mTrees.back().events = std::move(events);
     }
 }
 
-void DetectionRecorder::OnRootCause(const RootCauseSeen& rootCause)
+void DetectionRecorder::OnRootCause(Evidence::RootCause rootCause)
 {
     if (!mKeepsEvents || mTrees.empty()) {
         return;
     }
     std::vector<RecordedCause>& causes = mTrees.back().causes;
-    std::pair<std::string, std::vector<std::string>> key(rootCause.id, rootCause.cutSet);
+    std::pair<std::string, std::vector<std::string>> key(std::move(rootCause.id), std::move(rootCause.cutSet));
     const auto [known, isNew] = mCausePlaces.emplace(std::move(key), causes.size());
     if (isNew) {
         causes.push_back({known->first.first, known->first.second, 0});

@@ -12,17 +12,6 @@
 
 namespace diagnosis {
 
-/// One event of a tree, as it stood when the statuses were folded up.
-struct RecordedEvent {
-    std::size_t depth;
-    DetectionObserver::EventFolded::Kind kind;
-    DetectionObserver::EventFolded::GateKind gate;
-    std::string id;
-    std::string name;
-    EventStatus status;
-    bool observable;
-};
-
 /// A root cause with one cut set that it stands for.
 struct RecordedCause {
     std::string id;
@@ -35,24 +24,8 @@ struct RecordedCause {
 /// One tree with its events in pre-order, and its root causes without repetition.
 struct RecordedTree {
     std::string id;
-    std::vector<RecordedEvent> events;
+    std::vector<Evidence::FoldedEvent> events;
     std::vector<RecordedCause> causes;
-};
-
-/// One of the two files of the rule set.
-struct RecordedFile {
-    DetectionObserver::RuleSetFile::Kind kind;
-    DetectionObserver::RuleSetFile::State state;
-    std::string path;
-    std::string message;
-    int line;
-    std::size_t count;
-};
-
-/// Of a "defDBTable": its name, and the pattern for the files that it stands for.
-struct RecordedPattern {
-    std::string database;
-    std::string pattern;
 };
 
 /// Keeps what the command shows of a detection beside its results.
@@ -61,29 +34,27 @@ public:
     /// Events and root causes are kept only with `keepsEvents`: written-out trees can be large.
     explicit DetectionRecorder(bool keepsEvents) : mKeepsEvents(keepsEvents) {}
 
-    void OnRuleSetFile(const RuleSetFile& file) override;
-    void OnThresholds(const ThresholdsSeen& thresholds) override { mWarnings.OnThresholds(thresholds); }
-    void OnExternalDatabase(const ExternalDatabaseSeen& database) override;
-    void OnTreeStarted(const TreeStarted& tree) override;
-    void OnEventFolded(const EventFolded& event) override;
-    void OnRootCause(const RootCauseSeen& rootCause) override;
-    void OnRuleAsked(const RuleAsked& rule) override { mWarnings.OnRuleAsked(rule); }
-    void OnAlarmWindow(const AlarmWindowSeen& window) override { mWarnings.OnAlarmWindow(window); }
-    void OnNodeFile(const NodeFileSeen& node) override { mWarnings.OnNodeFile(node); }
-    void OnQuery(const QuerySeen& query) override { mWarnings.OnQuery(query); }
-    void OnRuleDecided(const RuleDecided& rule) override { mWarnings.OnRuleDecided(rule); }
+    void OnRuleSetRead(Evidence::RuleSet ruleSet) override;
+    void OnTreeStarted(Evidence::TreeHead tree) override;
+    void OnEventDecided(Evidence::Event event) override { NoteWarnings(event); }
+    void OnTreeFolded(std::vector<Evidence::FoldedEvent> events) override;
+    void OnRootCause(Evidence::RootCause rootCause) override;
+    void OnTrouble(Evidence::Trouble trouble) override { mWarnings.OnTrouble(trouble); }
 
-    const std::vector<RecordedFile>& GetFiles() const { return mFiles; }
-    const std::vector<RecordedPattern>& GetPatterns() const { return mPatterns; }
+    /// As of the last attempt to read it.
+    const Evidence::RuleSet& GetRuleSet() const { return mRuleSet; }
     /// In the order of the results.
     const std::vector<RecordedTree>& GetTrees() const { return mTrees; }
     /// What makes the result less than it looks.
     DetectionWarnings& GetWarnings() { return mWarnings; }
 
+protected:
+    bool KeepsEvents() const { return mKeepsEvents; }
+    void NoteWarnings(const Evidence::Event& event) { mWarnings.OnEvent(event); }
+
 private:
     bool mKeepsEvents;
-    std::vector<RecordedFile> mFiles;
-    std::vector<RecordedPattern> mPatterns;
+    Evidence::RuleSet mRuleSet;
     std::vector<RecordedTree> mTrees;
     // Place among the causes of the last tree, by id and cut set.
     std::map<std::pair<std::string, std::vector<std::string>>, std::size_t> mCausePlaces;

@@ -2,7 +2,6 @@
 
 #include <filesystem>
 
-#include "arborist/frame/log.h"
 #include "arborist/frame/settings.h"
 #include "diagnosis/bundle/bundle_overlay.h"
 #include "diagnosis/log_db/event_log_look.h"
@@ -13,19 +12,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Formats of the library's lines, as docs/log-messages.md lists them.
-constexpr char SQL_FAILED[] = "FUNc:%s: Execute sql failed: %s";
-constexpr char SQL_WITHOUT_ROWS_FAILED[] = "FUNc:%s: ExecuteNoCallback sql failed: %s";
-constexpr char NO_DATABASE_FOLDER[] = "FUNc:%s: database dir is empty.";
-constexpr char NO_EVENT_TABLES[] =
-    "FUNc:%s: lumbra db not exist or table event_info not exist or table event_info_flow not exist.";
-constexpr char OPEN_FAILED[] = "FUNc:%s: open db %s fail.";
-constexpr char BAD_EXTRA[] = "FUNc:%s: parse eventParamJson err. %s ";
-constexpr char BAD_WEIGHT[] = "FUNc:%s: parseJson err. %s ";
-constexpr char BAD_COLUMNS[] = "FUNc:%s: jsonStr[%s] err. %s ";
-constexpr char READS_EVENTS[] = "FUNc:%s: AppFileDir: %s";
-
-constexpr std::string_view TABLE_BUILDER = "CommonPartDbHelper::GetLumbraDataByFilter";
+using Evidence::Reason;
 
 std::string Quoted(std::string_view text)
 {
@@ -52,100 +39,85 @@ bool Exists(const std::string& path)
 
 } // namespace
 
-bool DetectionWarnings::IsWanted(unsigned int level, const std::string& format) const
+void DetectionWarnings::OnRuleSet(const Evidence::RuleSet& ruleSet)
 {
-    if (level == FT::LEVEL_DEBUG) {
-        return format == READS_EVENTS;
-    }
-    return level >= FT::LEVEL_WARN && (format == SQL_FAILED || format == SQL_WITHOUT_ROWS_FAILED
-        || format == NO_DATABASE_FOLDER || format == NO_EVENT_TABLES || format == OPEN_FAILED
-        || format == BAD_EXTRA || format == BAD_WEIGHT || format == BAD_COLUMNS);
-}
-
-void DetectionWarnings::OnLine(const std::string& function, const std::string& message)
-{
-    static constexpr std::string_view FAILED = " sql failed: ";
-    const auto failed = message.find(FAILED);
-    if (message.find("Json err. ") != std::string::npos || message.compare(0, 8, "jsonStr[") == 0) {
-        mHasBadExtra = true;
-        return;
-    }
-    if (failed == std::string::npos) {
-        mBuildsTables = mBuildsTables || function == TABLE_BUILDER;
-        if (function == "CommonPartDbHelper::CopyDbFile") {
-            mList.Add("app_database_dir_empty", "the setting \"AppDatabaseDir\" is empty: databases that the rule set "
-                "names are not copied, and rules on them find nothing");
+    mBuildsTables = !ruleSet.eventTables.empty();
+    for (const Evidence::RuleSetFile& file : ruleSet.files) {
+        if (file.type == Evidence::RuleSetFileType::RULES && file.state == Evidence::RuleSetFileState::LOADED
+            && file.count == 0) {
+            mList.Add("no_rules", file.path + ": no rule under the tree tag");
         }
-        return;
-    }
-    mSqlTrouble = message.substr(failed + FAILED.size());
-    if (mFamily == Observer::Family::ALARM) {
-        mEventLogTrouble = mSqlTrouble; // each id of a range may say so
-        mSqlTrouble.clear();
-    } else if (mFamily == Observer::Family::NONE) {
-        TellFailedSql("before the rules ran");
     }
 }
 
-void DetectionWarnings::OnRuleSetFile(const Observer::RuleSetFile& file)
+void DetectionWarnings::OnTrouble(const Evidence::Trouble& trouble)
 {
-    if (file.kind != Observer::RuleSetFile::Kind::RULES || file.state != Observer::RuleSetFile::State::LOADED) {
-        return;
-    }
-    if (file.count == 0) {
-        mList.Add("no_rules", std::string(file.path) + ": no rule under the tree tag");
-    }
-}
-
-void DetectionWarnings::OnThresholds(const Observer::ThresholdsSeen& thresholds)
-{
-    mLacksThresholds = mLacksThresholds || (!thresholds.areSet && thresholds.systemParams + thresholds.thresholds > 0);
-}
-
-void DetectionWarnings::OnRuleAsked(const Observer::RuleAsked& rule)
-{
-    mFamily = rule.family;
-    mRuleName = rule.ruleName;
-}
-
-void DetectionWarnings::OnAlarmWindow(const Observer::AlarmWindowSeen& window)
-{
-    using Reason = Observer::Reason;
-    mWantsLog = mWantsLog || (window.reason != Reason::WINDOW_ABSENT && window.reason != Reason::WINDOW_EMPTY);
-}
-
-void DetectionWarnings::OnNodeFile(const Observer::NodeFileSeen& node)
-{
-    if (!node.readable) {
-        mUnreadableNodes.emplace(node.path);
+    using Kind = Evidence::Trouble::Kind;
+    switch (trouble.kind) {
+    case Kind::STATEMENT_FAILED:
+    case Kind::REPAIRS_UNREADABLE:
+        mList.Add("sql_failed",
+            "SQL " + (trouble.ruleName.empty() ? "before the rules ran" : "of the rule " + Quoted(trouble.ruleName))
+                + " failed: " + trouble.words);
+        break;
+    case Kind::EVENT_LOG_UNREADABLE:
+        mEventLogTrouble = trouble.words; // each id of a range may say so
+        break;
+    case Kind::BAD_EXTRA:
+        mHasBadExtra = true;
+        break;
+    case Kind::NO_COPY_FOLDER:
+        mList.Add("app_database_dir_empty", "the setting \"AppDatabaseDir\" is empty: databases that the rule set "
+            "names are not copied, and rules on them find nothing");
+        break;
+    case Kind::NO_THRESHOLDS:
+        mLacksThresholds = true;
+        break;
     }
 }
 
-void DetectionWarnings::OnQuery(const Observer::QuerySeen& query)
+void DetectionWarnings::OnEvent(const Evidence::Event& event)
 {
-    const std::string database = fs::path(query.database).filename().string();
-    if (!query.opened) {
+    for (const Evidence::Alternative& alternative : event.alternatives) {
+        for (const Evidence::Rule& rule : alternative.rules) {
+            OnRule(rule);
+        }
+    }
+}
+
+void DetectionWarnings::OnRule(const Evidence::Rule& rule)
+{
+    if (const auto* const alarm = std::get_if<Evidence::Alarm>(&rule.part)) {
+        for (const Evidence::Window& window : alarm->windows) {
+            mWantsLog = mWantsLog || (window.reason != Reason::WINDOW_ABSENT && window.reason != Reason::WINDOW_EMPTY);
+        }
+    } else if (const auto* const node = std::get_if<Evidence::Node>(&rule.part)) {
+        for (const Evidence::NodeFile& file : node->files) {
+            if (!file.readable) {
+                mUnreadableNodes.insert(file.path);
+            }
+        }
+    } else if (const auto* const command = std::get_if<Evidence::Command>(&rule.part)) {
+        for (const Evidence::Statement& statement : command->statements) {
+            OnStatement(statement, rule.name);
+        }
+    }
+    if (rule.reason == Reason::NO_RUNNER) {
+        mList.Add("no_code_runner", "the code rule " + Quoted(rule.name)
+            + " has no recorded answer, and no --code-runner was given: taken as not present");
+    }
+}
+
+void DetectionWarnings::OnStatement(const Evidence::Statement& statement, const std::string& ruleName)
+{
+    const std::string database = fs::path(statement.database).filename().string();
+    if (!statement.opened) {
         mList.Add("database_unavailable",
             (database.empty() ? "the derived database" : "the database " + Quoted(database)) + " can't be opened");
     }
-    TellFailedSql("of the rule " + Quoted(mRuleName) + " on " + Quoted(database));
-}
-
-void DetectionWarnings::OnRuleDecided(const Observer::RuleDecided& rule)
-{
-    if (rule.reason == Observer::Reason::NO_RUNNER) {
-        mList.Add("no_code_runner", "the code rule " + Quoted(rule.ruleName)
-            + " has no recorded answer, and no --code-runner was given: taken as not present");
-    }
-    TellFailedSql("of the rule " + Quoted(mRuleName));
-    mFamily = Observer::Family::NONE;
-}
-
-void DetectionWarnings::TellFailedSql(const std::string& where)
-{
-    if (!mSqlTrouble.empty()) {
-        mList.Add("sql_failed", "SQL " + where + " failed: " + mSqlTrouble);
-        mSqlTrouble.clear();
+    if (!statement.error.empty()) {
+        mList.Add("sql_failed",
+            "SQL of the rule " + Quoted(ruleName) + " on " + Quoted(database) + " failed: " + statement.error);
     }
 }
 

@@ -5,29 +5,19 @@
 #include <string>
 #include <vector>
 
-#include "arborist/frame/detection_observer.h"
+#include "arborist/frame/evidence.h"
+#include "arborist/frame/trouble.h"
 #include "diagnosis/bundle/bundle_session.h"
 #include "diagnosis/evidence/warning_list.h"
-#include "diagnosis/process/library_log.h"
 
 namespace diagnosis {
 
-/// Notes what makes a detection's result less than it looks, out of what the observer is told and, where they are the
-/// only sign, of the library's log lines. Lives as long as the detection that it listens to.
-class DetectionWarnings : public LogListener {
+/// Notes what makes a detection's result less than it looks, out of what the observer is told.
+class DetectionWarnings {
 public:
-    using Observer = DetectionObserver;
-
-    bool IsWanted(unsigned int level, const std::string& format) const override;
-    void OnLine(const std::string& function, const std::string& message) override;
-
-    void OnRuleSetFile(const Observer::RuleSetFile& file);
-    void OnThresholds(const Observer::ThresholdsSeen& thresholds);
-    void OnRuleAsked(const Observer::RuleAsked& rule);
-    void OnAlarmWindow(const Observer::AlarmWindowSeen& window);
-    void OnNodeFile(const Observer::NodeFileSeen& node);
-    void OnQuery(const Observer::QuerySeen& query);
-    void OnRuleDecided(const Observer::RuleDecided& rule);
+    void OnRuleSet(const Evidence::RuleSet& ruleSet);
+    void OnEvent(const Evidence::Event& event);
+    void OnTrouble(const Evidence::Trouble& trouble);
 
     /// Before the detection: it may leave an empty log where there was none.
     void LookBefore(const BundleSession& session);
@@ -37,17 +27,14 @@ public:
     std::vector<Warning> Told() const { return mList.Told(); }
 
 private:
-    void TellFailedSql(const std::string& where);
+    void OnRule(const Evidence::Rule& rule);
+    void OnStatement(const Evidence::Statement& statement, const std::string& ruleName);
     void TellNodes();
     void TellEventLog(const BundleSession& session);
     void TellAttributes(const BundleSession& session);
 
     WarningList mList;
     std::set<std::string> mUnreadableNodes;
-    Observer::Family mFamily = Observer::Family::NONE;
-    std::string mRuleName;
-    /// What SQLite said of the statement that ran last; empty when it said nothing.
-    std::string mSqlTrouble;
     std::string mEventLogTrouble;
     bool mHadLog = false;
     bool mWantsLog = false;

@@ -4,11 +4,6 @@
 
 namespace diagnosis {
 
-std::int64_t ExplainedWindow::Missing() const
-{
-    return hit || !start ? 0 : std::max<std::int64_t>(0, threshold - reached);
-}
-
 std::vector<std::size_t> ExplainedTree::ChildrenOf(std::size_t event) const
 {
     std::vector<std::size_t> children;
@@ -37,39 +32,29 @@ std::vector<std::string> ExplainedTree::PathIds(std::size_t event) const
     return ids;
 }
 
-const ExplainedEvidence* ExplainedTree::EvidenceOf(const ExplainedEvent& event) const
+const Evidence::Event* ExplainedTree::EvidenceOf(const ExplainedEvent& event) const
 {
     return event.evidence == ExplainedEvent::NONE ? nullptr : &evidence[event.evidence];
 }
 
 Reason ReasonOfEvent(const ExplainedTree& tree, const ExplainedEvent& event)
 {
-    if (const ExplainedEvidence* evidence = tree.EvidenceOf(event)) {
+    if (const Evidence::Event* evidence = tree.EvidenceOf(event)) {
         return evidence->reason;
     }
-    return event.kind == ExplainedEvent::Folded::Kind::BASIC ? Reason::NO_EVENT_RULE : Reason::NONE;
+    return event.type == Evidence::EventType::BASIC ? Reason::NO_EVENT_RULE : Reason::NONE;
 }
 
-const char* VerdictWord(DetectionObserver::Verdict verdict)
+std::vector<PlacedRule> RulesOf(const Evidence::Event& event)
 {
-    using Verdict = DetectionObserver::Verdict;
-    return verdict == Verdict::FIRED ? "TRUE" : verdict == Verdict::NOT_FIRED ? "FALSE" : "SKIP";
-}
-
-const char* FloorWord(DetectionObserver::StartTimeSeen::Floor floor)
-{
-    using Floor = DetectionObserver::StartTimeSeen::Floor;
-    switch (floor) {
-    case Floor::PERIOD:
-        return "period";
-    case Floor::RESET:
-        return "reset";
-    case Floor::UPDATE:
-        return "update";
-    case Floor::REPAIR:
-        return "repair";
+    std::vector<PlacedRule> placed;
+    for (std::size_t number = 0; number < event.alternatives.size(); ++number) {
+        const Evidence::Alternative& alternative = event.alternatives[number];
+        for (std::size_t place = 0; place < alternative.rules.size(); ++place) {
+            placed.push_back({alternative.rules[place], number, place, alternative.inGroup});
+        }
     }
-    return "";
+    return placed;
 }
 
 } // namespace diagnosis

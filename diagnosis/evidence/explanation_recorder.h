@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "diagnosis/evidence/detection_recorder.h"
@@ -14,7 +15,8 @@
 
 namespace diagnosis {
 
-/// Fills an Explanation from what the engine tells. To be used for one detection, while the bundle is entered.
+/// Keeps the evidence that the engine hands over, and finds for each event of a tree its own. To be used for one
+/// detection.
 ///
 /// What a DetectionRecorder keeps is kept, too: every call is handed on to it.
 class ExplanationRecorder : public DetectionRecorder {
@@ -24,27 +26,11 @@ public:
     /// The trees that are finished.
     const std::shared_ptr<Explanation>& GetExplanation() const { return mExplanation; }
 
-    void OnTreeStarted(const TreeStarted& tree) override;
-    void OnEventAsked(const EventAsked& event) override;
-    void OnRuleAsked(const RuleAsked& rule) override;
-    void OnFilter(const FilterSeen& filter) override;
-    void OnName(const NameSeen& name) override;
-    void OnStartTime(const StartTimeSeen& startTime) override;
-    void OnAlarmTest(const AlarmTestSeen& test) override;
-    void OnAlarmWindow(const AlarmWindowSeen& window) override;
-    void OnNodeFile(const NodeFileSeen& node) override;
-    void OnFormula(const FormulaSeen& formula) override;
-    void OnQuery(const QuerySeen& query) override;
-    void OnInterval(const IntervalSeen& interval) override;
-    void OnParameter(const ParameterSeen& parameter) override;
-    void OnComparison(const ComparisonSeen& comparison) override;
-    void OnHits(const HitsSeen& hits) override;
-    void OnCodeRun(const CodeRunSeen& run) override;
-    void OnRuleDecided(const RuleDecided& rule) override;
-    void OnEventDecided(const EventDecided& event) override;
-    void OnEventFolded(const EventFolded& event) override;
-    void OnRootCause(const RootCauseSeen& rootCause) override;
-    void OnTreeFinished(const TreeFinished& tree) override;
+    void OnTreeStarted(Evidence::TreeHead tree) override;
+    void OnEventDecided(Evidence::Event event) override;
+    void OnTreeFolded(std::vector<Evidence::FoldedEvent> events) override;
+    void OnRootCause(Evidence::RootCause rootCause) override;
+    void OnTreeFinished(Evidence::TreeResult result) override;
 
 private:
     /// What is known of all events with one id, in the order of the tree.
@@ -55,20 +41,11 @@ private:
         std::size_t taken = 0;
     };
 
-    ExplainedQuery& LastQuery();
     std::size_t NextEvidence(const std::string& id);
-    void CloseEvents(std::size_t depth);
 
     std::shared_ptr<Explanation> mExplanation = std::make_shared<Explanation>();
     ExplainedTree mTree;
-    ExplainedEvidence mEvidence;
-    ExplainedRule mRule;
-    /// The last start time, until the window or query that it belongs to.
-    std::optional<ExplainedStart> mStart;
-    std::vector<ExplainedTest> mTests;
     std::unordered_map<std::string, Asked> mAsked;
-    /// Places of the events above the one that is being told.
-    std::vector<std::size_t> mOpen;
     /// Of the tree that is being told; made when the first root cause asks.
     std::optional<PathIndex> mPaths;
 };

@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <iterator>
-#include <string_view>
 #include <vector>
 
 #include "arborist/frame/log.h"
@@ -16,19 +15,6 @@ namespace {
 constexpr const char* LEVEL_TAGS[] = {"[TRACE] ", "[DEBUG] ", "[INFO] ", "[WARN] ", "[ERROR] ", "[FATAL] "};
 
 const PathNames* pathNames = nullptr;
-LogListener* listener = nullptr;
-
-// Every line is "FUNc:function: message".
-void Tell(LogListener& to, const std::string& line)
-{
-    static constexpr std::string_view HEAD = "FUNc:";
-    const auto start = line.find(HEAD);
-    const auto end = line.find(": ", start);
-    if (start != std::string::npos && end != std::string::npos) {
-        const auto function = start + HEAD.size();
-        to.OnLine(line.substr(function, end - function), line.substr(end + 2, line.size() - end - 3));
-    }
-}
 
 std::string Line(unsigned int level, const std::string& format, va_list args)
 {
@@ -54,17 +40,8 @@ public:
 
     void Print(unsigned int level, const std::string& format, va_list args) override
     {
-        const bool isForSink = mSink->IsWanted(level);
-        const bool isListenedTo = listener != nullptr && listener->IsWanted(level, format);
-        if (!isForSink && !isListenedTo) {
-            return;
-        }
-        const std::string line = Line(level, format, args);
-        if (isListenedTo) {
-            Tell(*listener, line);
-        }
-        if (isForSink) {
-            mSink->OnLine(level, line);
+        if (mSink->IsWanted(level)) {
+            mSink->OnLine(level, Line(level, format, args));
         }
     }
 
@@ -92,16 +69,6 @@ PathsShown::~PathsShown()
 void PathsShown::Show(const PathNames& names)
 {
     pathNames = &names;
-}
-
-LogListener::LogListener()
-{
-    listener = this;
-}
-
-LogListener::~LogListener()
-{
-    listener = nullptr;
 }
 
 } // namespace diagnosis

@@ -38,20 +38,6 @@ public:
     void Show(const PathNames& names);
 };
 
-/// Hears lines of the library's log beside where they go, while it lives. One at a time, after SendLibraryLogTo.
-class LogListener {
-public:
-    LogListener();
-    virtual ~LogListener();
-    LogListener(const LogListener&) = delete;
-    LogListener& operator=(const LogListener&) = delete;
-
-    /// Whether lines of this format are worth making up. Asked for every line: it must be quick.
-    virtual bool IsWanted(unsigned int level, const std::string& format) const = 0;
-    /// `function` is the one that logs, `message` what stands behind it.
-    virtual void OnLine(const std::string& function, const std::string& message) = 0;
-};
-
 } // namespace diagnosis
 
 #endif

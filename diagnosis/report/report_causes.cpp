@@ -41,15 +41,15 @@ std::string RepairMarkup(const FaultTreeResult::RepairInfo& repair)
     return markup + (repair.mExtra.empty() ? "" : ", extra " + Html("code", repair.mExtra)) + "<br>";
 }
 
-std::string RuleHead(const ExplainedRule& rule)
+std::string RuleHead(const Evidence::Rule& rule)
 {
-    const std::string family = DetectionObserver::FamilyText(rule.family);
+    const std::string family = Evidence::FamilyText(rule.GetFamily());
     return Markup(family + (family.empty() ? "rule " : " rule ")) + Html("span", ShownId(rule.name), "id") + ": "
-        + VerdictWord(rule.verdict) + " " + DetectionObserver::ReasonText(rule.reason);
+        + Evidence::VerdictText(rule.verdict) + " " + Evidence::ReasonText(rule.reason);
 }
 
 // Lines that belong to the one before stand further in.
-std::string LookedAt(const ExplainedRule& rule)
+std::string LookedAt(const Evidence::Rule& rule)
 {
     const std::vector<std::string> lines = RuleLines(rule);
     std::string markup;
@@ -122,14 +122,14 @@ private:
         std::unordered_set<std::size_t> told;
         for (std::size_t i = 0; i < members.size() && i < MOST_MEMBERS; ++i) {
             const ExplainedEvent& event = mTree.events[members[i]];
-            const ExplainedEvidence* evidence = mTree.EvidenceOf(event);
+            const Evidence::Event* evidence = mTree.EvidenceOf(event);
             if (evidence == nullptr || !told.insert(event.evidence).second) {
                 continue;
             }
-            for (const ExplainedRule& rule : evidence->rules) {
-                if (rule.verdict == DetectionObserver::Verdict::FIRED) {
-                    markup += "<p>" + Html("span", ShownId(event.id), "id") + ": " + RuleHead(rule) + "</p>"
-                        + LookedAt(rule);
+            for (const PlacedRule& placed : RulesOf(*evidence)) {
+                if (placed.rule.verdict == Evidence::Verdict::FIRED) {
+                    markup += "<p>" + Html("span", ShownId(event.id), "id") + ": " + RuleHead(placed.rule) + "</p>"
+                        + LookedAt(placed.rule);
                 }
             }
         }
@@ -172,12 +172,12 @@ std::string CauseCards(const ExplainedTree& tree, const FaultTreeResult& result)
     return markup + CutOffLines(tree);
 }
 
-std::string RuleVerdicts(const ExplainedEvidence& evidence)
+std::string RuleVerdicts(const Evidence::Event& evidence)
 {
     std::string markup;
-    for (const ExplainedRule& rule : evidence.rules) {
-        const std::string summary = RuleSummary(rule);
-        markup += "<p class=\"rule\">" + RuleHead(rule) + Markup(summary.empty() ? "" : ", " + summary) + "</p>";
+    for (const PlacedRule& placed : RulesOf(evidence)) {
+        const std::string summary = RuleSummary(placed.rule);
+        markup += "<p class=\"rule\">" + RuleHead(placed.rule) + Markup(summary.empty() ? "" : ", " + summary) + "</p>";
     }
     return markup;
 }

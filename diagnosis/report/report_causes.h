@@ -13,7 +13,7 @@ namespace diagnosis {
 std::string CauseCards(const ExplainedTree& tree, const FaultTreeResult& result);
 
 /// The rules of an event with their verdicts, one line each, as HTML; empty for an event without rules.
-std::string RuleVerdicts(const ExplainedEvidence& evidence);
+std::string RuleVerdicts(const Evidence::Event& evidence);
 
 } // namespace diagnosis
 

@@ -73,9 +73,9 @@ std::string WarningsSection(const std::vector<Warning>& warnings)
 
 std::string EventItem(const DrawnTree& tree, std::size_t place)
 {
-    const RecordedEvent& event = *tree.events[place].event;
+    const Evidence::FoldedEvent& event = *tree.events[place].event;
     const DrawnEvent& drawn = tree.events[place];
-    std::string text = Html("span", GetElemTypeName(event.status), "word " + std::string(StatusClass(tree, place)));
+    std::string text = Html("span", Evidence::StateText(event.status), "word " + std::string(StatusClass(tree, place)));
     text += Html(drawn.isOnCausePath ? "b" : "span", ShownId(event.id), "id") + " " + Markup(event.name) + " ";
     const std::string role = drawn.isRootCause ? "root cause, " : drawn.isInCutSet ? "in a cut set, " : "";
     return text + Html("span", "(" + role + KindWords(event) + ")", "quiet");
@@ -83,13 +83,13 @@ std::string EventItem(const DrawnTree& tree, std::size_t place)
 
 bool IsListed(const DrawnTree& tree, std::size_t place)
 {
-    return tree.events.size() <= MOST_LISTED || tree.events[place].event->status != EventStatus::FALSE;
+    return tree.events.size() <= MOST_LISTED || tree.events[place].event->status != Evidence::EventState::ABSENT;
 }
 
 // What the rules of an event came to; that of events in several places is told once.
 std::string Verdicts(const ExplainedTree& explained, std::size_t place, std::unordered_set<std::size_t>& told)
 {
-    const ExplainedEvidence* evidence =
+    const Evidence::Event* evidence =
         place < explained.events.size() ? explained.EvidenceOf(explained.events[place]) : nullptr;
     const bool isNew = evidence != nullptr && told.insert(explained.events[place].evidence).second;
     return isNew ? RuleVerdicts(*evidence) : "";

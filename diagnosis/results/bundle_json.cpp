@@ -6,7 +6,7 @@ namespace diagnosis {
 
 namespace {
 
-using FileKind = DetectionObserver::RuleSetFile::Kind;
+using FileKind = Evidence::RuleSetFileType;
 
 void WritePaths(JsonWriter& json, const char* key, const std::vector<NamedPath>& paths)
 {

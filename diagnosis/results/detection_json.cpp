@@ -14,17 +14,17 @@ void WriteRootCause(JsonWriter& json, const FaultTreeResult::RootCauseResult& ca
 }
 
 // The events come in pre-order: one that is deeper than the one before is its child.
-void WriteTree(JsonWriter& json, const std::vector<RecordedEvent>& events)
+void WriteTree(JsonWriter& json, const std::vector<Evidence::FoldedEvent>& events)
 {
-    using Kind = DetectionObserver::EventFolded::Kind;
+    using Kind = Evidence::EventType;
     std::size_t open = 0;
-    for (const RecordedEvent& event : events) {
+    for (const Evidence::FoldedEvent& event : events) {
         for (; open > event.depth; --open) {
             json.EndArray().EndObject();
         }
-        json.BeginObject().Text("id", event.id).Text("name", event.name).Text("kind", KindWord(event.kind));
-        json.Text("gate", GateWord(event.gate)).Text("status", GetElemTypeName(event.status));
-        json.Bool("observable", event.kind == Kind::INTERMEDIATE && event.observable).Key("children").BeginArray();
+        json.BeginObject().Text("id", event.id).Text("name", event.name).Text("kind", Evidence::TypeText(event.type));
+        json.Text("gate", Evidence::GateText(event.gate)).Text("status", Evidence::StateText(event.status));
+        json.Bool("observable", event.type == Kind::INTERMEDIATE && event.observable).Key("children").BeginArray();
         ++open;
     }
     for (; open > 0; --open) {
@@ -60,18 +60,6 @@ void WriteRootCauseTexts(JsonWriter& json, const FaultTreeResult::RootCauseResul
         json.Text("operation", repair.GetOperation()).EndObject();
     }
     json.EndArray();
-}
-
-const char* KindWord(DetectionObserver::EventFolded::Kind kind)
-{
-    using Kind = DetectionObserver::EventFolded::Kind;
-    return kind == Kind::BASIC ? "basic" : kind == Kind::INTERMEDIATE ? "intermediate" : "undeveloped";
-}
-
-const char* GateWord(DetectionObserver::EventFolded::GateKind gate)
-{
-    using GateKind = DetectionObserver::EventFolded::GateKind;
-    return gate == GateKind::OR ? "or" : gate == GateKind::AND ? "and" : "";
 }
 
 void WriteHead(JsonWriter& json, const std::string& schema, const std::string& bundle, bool isOk,

@@ -13,10 +13,6 @@ std::string DetectionJson(const DetectionReport& report);
 
 /// The members of a root cause: its ids and texts as the result has them.
 void WriteRootCauseTexts(JsonWriter& json, const FaultTreeResult::RootCauseResult& cause);
-/// "basic", "intermediate" or "undeveloped".
-const char* KindWord(DetectionObserver::EventFolded::Kind kind);
-/// "or", "and", or empty.
-const char* GateWord(DetectionObserver::EventFolded::GateKind gate);
 
 /// The members that every report has: "bundle", "ok", "warnings".
 void WriteHead(JsonWriter& json, const std::string& schema, const std::string& bundle, bool isOk,

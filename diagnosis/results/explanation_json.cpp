@@ -83,10 +83,10 @@ private:
     void BeginEvent(std::size_t place)
     {
         const ExplainedEvent& event = mTree.events[place];
-        mJson.BeginObject().Text("id", event.id).Text("name", event.name).Text("kind", KindWord(event.kind));
-        mJson.Text("gate", GateWord(event.gate)).Text("status", GetElemTypeName(event.status));
+        mJson.BeginObject().Text("id", event.id).Text("name", event.name).Text("kind", Evidence::TypeText(event.type));
+        mJson.Text("gate", Evidence::GateText(event.gate)).Text("status", Evidence::StateText(event.status));
         mJson.Bool("observable", event.observable);
-        mJson.Text("reason", DetectionObserver::ReasonText(ReasonOfEvent(mTree, event)));
+        mJson.Text("reason", Evidence::ReasonText(ReasonOfEvent(mTree, event)));
         if (!event.IsLeaf()) {
             WriteLogic(place);
         }
@@ -98,7 +98,7 @@ private:
     void WriteLogic(std::size_t place)
     {
         const GateLogic logic = GateLogicOf(mTree, place);
-        mJson.Key("logic").BeginObject().Text("outcome", GetElemTypeName(logic.outcome));
+        mJson.Key("logic").BeginObject().Text("outcome", Evidence::StateText(logic.outcome));
         WriteCount(mJson, "below", logic.below);
         WriteCount(mJson, "inError", logic.inError);
         mJson.Text("decidedBy", logic.decider == ExplainedEvent::NONE ? "" : mTree.events[logic.decider].id);
@@ -109,13 +109,13 @@ private:
     void WriteEvidence()
     {
         mJson.Key("evidence").BeginArray();
-        for (const ExplainedEvidence& evidence : mTree.evidence) {
-            mJson.BeginObject().Text("event", evidence.eventId).Bool("fired", evidence.fired);
-            mJson.Text("reason", DetectionObserver::ReasonText(evidence.reason));
+        for (const Evidence::Event& evidence : mTree.evidence) {
+            mJson.BeginObject().Text("event", evidence.id).Bool("fired", evidence.fired);
+            mJson.Text("reason", Evidence::ReasonText(evidence.reason));
             mJson.Key("rules").BeginArray();
-            for (const ExplainedRule& rule : evidence.rules) {
-                if (IsShown(rule, mView)) {
-                    WriteRule(mJson, rule);
+            for (const PlacedRule& placed : RulesOf(evidence)) {
+                if (IsShown(placed.rule, mView)) {
+                    WriteRule(mJson, placed);
                 }
             }
             mJson.EndArray().EndObject();
@@ -146,7 +146,7 @@ private:
     void WriteMember(std::size_t place)
     {
         const ExplainedEvent& event = mTree.events[place];
-        mJson.BeginObject().Text("id", event.id).Text("status", GetElemTypeName(event.status));
+        mJson.BeginObject().Text("id", event.id).Text("status", Evidence::StateText(event.status));
         mJson.Key("path").Texts(mTree.PathIds(place));
         if (event.evidence != ExplainedEvent::NONE) {
             WriteCount(mJson, "evidence", event.evidence);

@@ -14,18 +14,18 @@ void WriteCount(JsonWriter& json, const char* key, std::uint64_t number)
     json.Key(key).Raw(std::to_string(number));
 }
 
-void WriteMoment(JsonWriter& json, const char* key, const ExplainedMoment& moment)
+void WriteMoment(JsonWriter& json, const char* key, const Evidence::Moment& moment)
 {
     json.Key(key).BeginObject();
     WriteNumber(json, "seconds", moment.seconds);
     json.Text("local", moment.local).EndObject();
 }
 
-void WriteStart(JsonWriter& json, const ExplainedStart& start)
+void WriteStart(JsonWriter& json, const Evidence::Start& start)
 {
     json.Key("start").BeginObject();
     WriteNumber(json, "seconds", start.start.seconds);
-    json.Text("local", start.start.local).Text("floor", FloorWord(start.floor));
+    json.Text("local", start.start.local).Text("floor", Evidence::FloorText(start.floor));
     WriteNumber(json, "periodDays", start.periodDays);
     json.Text("beginFlag", start.beginFlag);
     WriteMoment(json, "period", start.period);
@@ -35,7 +35,7 @@ void WriteStart(JsonWriter& json, const ExplainedStart& start)
     json.Text("repairId", start.repairId).EndObject();
 }
 
-void WriteTest(JsonWriter& json, const ExplainedTest& test)
+void WriteTest(JsonWriter& json, const Evidence::Test& test)
 {
     json.BeginObject().Text("key", test.key).Text("type", test.type).Text("logic", test.logic);
     json.Text("value", test.value);
@@ -44,28 +44,28 @@ void WriteTest(JsonWriter& json, const ExplainedTest& test)
     json.EndObject();
 }
 
-void WriteWindow(JsonWriter& json, const ExplainedWindow& window)
+void WriteWindow(JsonWriter& json, const Evidence::Window& window)
 {
     json.BeginObject();
     WriteCount(json, "item", window.item);
     WriteNumber(json, "firstId", window.firstId);
     WriteNumber(json, "lastId", window.lastId);
-    json.Text("window", window.window).Bool("hit", window.hit);
-    json.Text("reason", DetectionObserver::ReasonText(window.reason));
+    json.Text("window", window.kind).Bool("hit", window.hit);
+    json.Text("reason", Evidence::ReasonText(window.reason));
     if (window.start) {
         WriteNumber(json, "periodDays", window.periodDays);
         WriteStart(json, *window.start);
         json.Bool("versionFilter", window.versionFilter);
-        WriteCount(json, "rowsFound", window.rowsFound);
-        WriteCount(json, "rowsOfOtherVersion", window.rowsOfOtherVersion);
-        WriteCount(json, "rowsFailedTest", window.rowsFailedTest);
-        WriteNumber(json, "reached", window.reached);
-        WriteNumber(json, "reachedById", window.reachedById);
-        json.Text("measure", window.measure);
+        WriteCount(json, "rowsFound", window.count.rowsFound);
+        WriteCount(json, "rowsOfOtherVersion", window.count.rowsOfOtherVersion);
+        WriteCount(json, "rowsFailedTest", window.count.rowsFailedTest);
+        WriteNumber(json, "reached", window.count.reached);
+        WriteNumber(json, "reachedById", window.count.reachedById);
+        json.Text("measure", Evidence::MeasureText(window.count.measure));
         WriteNumber(json, "threshold", window.threshold);
         WriteNumber(json, "missing", window.Missing());
         json.Key("tests").BeginArray();
-        for (const ExplainedTest& test : window.tests) {
+        for (const Evidence::Test& test : window.tests) {
             WriteTest(json, test);
         }
         json.EndArray();
@@ -73,10 +73,10 @@ void WriteWindow(JsonWriter& json, const ExplainedWindow& window)
     json.EndObject();
 }
 
-void WriteComparisons(JsonWriter& json, const std::vector<ExplainedComparison>& comparisons)
+void WriteComparisons(JsonWriter& json, const std::vector<Evidence::Comparison>& comparisons)
 {
     json.Key("comparisons").BeginArray();
-    for (const ExplainedComparison& comparison : comparisons) {
+    for (const Evidence::Comparison& comparison : comparisons) {
         json.BeginObject().Text("paramId", comparison.paramId).Text("key", comparison.key);
         json.Text("type", comparison.type).Text("observed", comparison.observed).Text("logic", comparison.logic);
         json.Text("threshold", comparison.configured).Text("source", comparison.source);
@@ -85,62 +85,113 @@ void WriteComparisons(JsonWriter& json, const std::vector<ExplainedComparison>& 
     json.EndArray();
 }
 
-void WriteQuery(JsonWriter& json, const ExplainedQuery& query)
+void WriteStatement(JsonWriter& json, const Evidence::Statement& statement)
 {
-    json.BeginObject().Text("database", query.database).Text("sql", query.sql).Bool("opened", query.opened);
-    WriteCount(json, "rows", query.rows);
-    json.Text("error", query.error);
-    if (query.interval) {
-        json.Key("interval").BeginObject().Text("startKey", query.interval->startKey);
-        json.Text("endKey", query.interval->endKey);
-        WriteNumber(json, "start", query.interval->start);
-        WriteNumber(json, "end", query.interval->end);
-        WriteCount(json, "days", query.interval->days);
-        json.Bool("usable", query.interval->usable).EndObject();
+    json.BeginObject().Text("database", statement.database).Text("sql", statement.sql).Bool("opened", statement.opened);
+    WriteCount(json, "rows", statement.rows);
+    json.Text("error", statement.error);
+    if (statement.interval) {
+        json.Key("interval").BeginObject().Text("startKey", statement.interval->startKey);
+        json.Text("endKey", statement.interval->endKey);
+        WriteNumber(json, "start", statement.interval->start);
+        WriteNumber(json, "end", statement.interval->end);
+        WriteCount(json, "days", statement.interval->days);
+        json.Bool("usable", statement.interval->usable).EndObject();
     }
     json.Key("parameters").BeginArray();
-    for (const ExplainedParameter& parameter : query.parameters) {
-        json.BeginObject().Text("id", parameter.id).Text("key", parameter.key).Text("type", parameter.type);
-        json.Text("raw", parameter.raw).Text("value", parameter.value).EndObject();
+    for (const Evidence::Column& column : statement.columns) {
+        json.BeginObject().Text("id", column.id).Text("key", column.key).Text("type", column.type);
+        json.Text("raw", column.raw).Text("value", column.value).EndObject();
     }
     json.EndArray();
-    WriteComparisons(json, query.comparisons);
+    WriteComparisons(json, statement.comparisons);
     json.EndObject();
 }
 
-void WriteCodeRun(JsonWriter& json, const ExplainedCodeRun& run)
-{
-    json.Key("code").BeginObject().Text("detectCode", run.detectCode);
-    json.Key("faultDescriptionIds").Texts(run.faultDescriptionIds);
-    json.Key("suggestionIds").Texts(run.suggestionIds).Key("repairIds").Texts(run.repairIds);
-    json.Text("userDefinedInfo", run.userDefinedInfo).Bool("answer", run.answer).EndObject();
-}
+// What each family looked at; what the reason left out is not written.
+class PartJson {
+public:
+    explicit PartJson(JsonWriter& json) : mJson(json) {}
 
-void WriteNode(JsonWriter& json, const ExplainedRule& rule)
-{
-    json.Key("files").BeginArray();
-    for (const ExplainedNodeFile& node : rule.nodeFiles) {
-        json.BeginObject().Text("param", node.param).Text("path", node.path).Bool("readable", node.readable);
-        json.Text("value", node.value).EndObject();
+    void operator()(const std::monostate&) const {}
+
+    void operator()(const Evidence::Alarm& alarm) const
+    {
+        if (!alarm.windows.empty()) {
+            mJson.Key("windows").BeginArray();
+            for (const Evidence::Window& window : alarm.windows) {
+                WriteWindow(mJson, window);
+            }
+            mJson.EndArray();
+        }
     }
-    json.EndArray();
-    if (rule.formula) {
-        json.Key("formula").BeginObject().Text("expression", rule.formula->expression);
-        json.Text("grouping", rule.formula->grouping).Text("result", rule.formula->result);
-        json.Text("resultKey", rule.formula->resultKey).EndObject();
+
+    void operator()(const Evidence::Command& command) const
+    {
+        if (command.start) {
+            WriteStart(mJson, *command.start);
+        }
+        if (!command.statements.empty()) {
+            mJson.Key("queries").BeginArray();
+            for (const Evidence::Statement& statement : command.statements) {
+                WriteStatement(mJson, statement);
+            }
+            mJson.EndArray();
+        }
+        if (command.hits) {
+            mJson.Key("hits").BeginObject().Text("name", command.hits->name);
+            WriteCount(mJson, "databases", command.hits->databases);
+            WriteNumber(mJson, "hits", command.hits->hits);
+            WriteNumber(mJson, "needed", command.hits->needed);
+            WriteNumber(mJson, "missing", command.hits->Missing());
+            mJson.EndObject();
+        }
     }
-    WriteComparisons(json, rule.comparisons);
-}
+
+    void operator()(const Evidence::Node& node) const
+    {
+        if (node.files.empty() && node.comparisons.empty()) {
+            return;
+        }
+        mJson.Key("files").BeginArray();
+        for (const Evidence::NodeFile& file : node.files) {
+            mJson.BeginObject().Text("param", file.param).Text("path", file.path).Bool("readable", file.readable);
+            mJson.Text("value", file.value).EndObject();
+        }
+        mJson.EndArray();
+        if (node.formula) {
+            mJson.Key("formula").BeginObject().Text("expression", node.formula->expression);
+            mJson.Text("grouping", node.formula->grouping).Text("result", node.formula->result);
+            mJson.Text("resultKey", node.formula->resultKey).EndObject();
+        }
+        WriteComparisons(mJson, node.comparisons);
+    }
+
+    void operator()(const Evidence::Code& code) const
+    {
+        if (!code.answer) {
+            return;
+        }
+        mJson.Key("code").BeginObject().Text("detectCode", code.detectCode);
+        mJson.Key("faultDescriptionIds").Texts(code.faultDescriptionIds);
+        mJson.Key("suggestionIds").Texts(code.suggestionIds).Key("repairIds").Texts(code.repairIds);
+        mJson.Text("userDefinedInfo", code.userDefinedInfo).Bool("answer", *code.answer).EndObject();
+    }
+
+private:
+    JsonWriter& mJson;
+};
 
 } // namespace
 
-void WriteRule(JsonWriter& json, const ExplainedRule& rule)
+void WriteRule(JsonWriter& json, const PlacedRule& placed)
 {
-    json.BeginObject().Text("name", rule.name).Text("family", DetectionObserver::FamilyText(rule.family));
-    json.Text("verdict", VerdictWord(rule.verdict)).Text("reason", DetectionObserver::ReasonText(rule.reason));
-    WriteCount(json, "alternative", rule.alternative);
-    if (rule.inGroup) {
-        WriteCount(json, "place", rule.place);
+    const Evidence::Rule& rule = placed.rule;
+    json.BeginObject().Text("name", rule.name).Text("family", Evidence::FamilyText(rule.GetFamily()));
+    json.Text("verdict", Evidence::VerdictText(rule.verdict)).Text("reason", Evidence::ReasonText(rule.reason));
+    WriteCount(json, "alternative", placed.alternative);
+    if (placed.inGroup) {
+        WriteCount(json, "place", placed.place);
     }
     if (rule.filter) {
         json.Key("filter").BeginObject().Text("deviceValue", rule.filter->deviceValue);
@@ -149,37 +200,7 @@ void WriteRule(JsonWriter& json, const ExplainedRule& rule)
     if (rule.badName) {
         json.Text("badName", *rule.badName);
     }
-    if (!rule.windows.empty()) {
-        json.Key("windows").BeginArray();
-        for (const ExplainedWindow& window : rule.windows) {
-            WriteWindow(json, window);
-        }
-        json.EndArray();
-    }
-    if (rule.start) {
-        WriteStart(json, *rule.start);
-    }
-    if (!rule.queries.empty()) {
-        json.Key("queries").BeginArray();
-        for (const ExplainedQuery& query : rule.queries) {
-            WriteQuery(json, query);
-        }
-        json.EndArray();
-    }
-    if (rule.hits) {
-        json.Key("hits").BeginObject().Text("name", rule.hits->name);
-        WriteCount(json, "databases", rule.hits->databases);
-        WriteNumber(json, "hits", rule.hits->hits);
-        WriteNumber(json, "needed", rule.hits->needed);
-        WriteNumber(json, "missing", rule.hits->Missing());
-        json.EndObject();
-    }
-    if (!rule.nodeFiles.empty() || !rule.comparisons.empty()) {
-        WriteNode(json, rule);
-    }
-    if (rule.codeRun) {
-        WriteCodeRun(json, *rule.codeRun);
-    }
+    std::visit(PartJson(json), rule.part);
     json.EndObject();
 }
 

@@ -7,7 +7,7 @@
 namespace diagnosis {
 
 /// A rule with all that it looked at, as an object. Members that the family or the reason leaves empty are not written.
-void WriteRule(JsonWriter& json, const ExplainedRule& rule);
+void WriteRule(JsonWriter& json, const PlacedRule& placed);
 
 } // namespace diagnosis
 

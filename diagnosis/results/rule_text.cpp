@@ -13,6 +13,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
+using Evidence::Reason;
+
 constexpr std::size_t LONGEST_VALUE = 60;
 constexpr std::size_t LONGEST_SQL = 400;
 
@@ -78,76 +80,79 @@ std::string Number(std::uint64_t number, const std::string& one, const std::stri
     return std::to_string(number) + " " + (number == 1 ? one : several);
 }
 
-std::string MomentText(const ExplainedMoment& moment)
+std::string MomentText(const Evidence::Moment& moment)
 {
     return moment.local.empty() ? std::to_string(moment.seconds) : moment.local;
 }
 
-std::string StartText(const ExplainedStart& start)
+std::string StartText(const Evidence::Start& start)
 {
     std::string text = "since " + MomentText(start.start) + " (";
     switch (start.floor) {
-    case DetectionObserver::StartTimeSeen::Floor::PERIOD:
+    case Evidence::Floor::PERIOD:
         text += "period of " + Number(static_cast<std::uint64_t>(std::max(0, start.periodDays)), "day", "days");
         break;
-    case DetectionObserver::StartTimeSeen::Floor::REPAIR:
+    case Evidence::Floor::REPAIR:
         text += "repair " + Printable(start.repairId);
         break;
     default:
-        text += std::string("last ") + FloorWord(start.floor);
+        text += std::string("last ") + Evidence::FloorText(start.floor);
     }
     return text + ")";
 }
 
-std::string IdsText(const ExplainedWindow& window)
+std::string IdsText(const Evidence::Window& window)
 {
     const std::string first = std::to_string(window.firstId);
     return window.firstId == window.lastId ? "id " + first : "ids " + first + "-" + std::to_string(window.lastId);
 }
 
 // What the threshold asks for.
-std::string WantedText(const ExplainedWindow& window)
+std::string WantedText(const Evidence::Window& window)
 {
+    using Evidence::Measure;
     const std::string number = std::to_string(window.threshold);
     const std::string rows = window.threshold == 1 ? " row" : " rows";
-    if (window.measure.empty()) {
+    const Measure measure = window.count.measure;
+    if (measure == Measure::NONE) {
         return number;
     }
-    const bool isWeighed = window.measure == "weights" || window.measure == "daily_weights";
-    const bool isDaily = window.measure == "daily_rows" || window.measure == "daily_weights";
+    const bool isWeighed = measure == Measure::WEIGHTS || measure == Measure::DAILY_WEIGHTS;
+    const bool isDaily = measure == Measure::DAILY_ROWS || measure == Measure::DAILY_WEIGHTS;
     return number + (isWeighed ? " by weight" : rows) + (isDaily ? " on one day" : "");
 }
 
-std::string CountText(const ExplainedWindow& window)
+std::string CountText(const Evidence::Window& window)
 {
-    std::string text = Number(window.rowsFound, "row", "rows");
-    if (window.rowsOfOtherVersion > 0) {
-        text += ", " + std::to_string(window.rowsOfOtherVersion) + " of another version";
+    const Evidence::WindowCount& count = window.count;
+    std::string text = Number(count.rowsFound, "row", "rows");
+    if (count.rowsOfOtherVersion > 0) {
+        text += ", " + std::to_string(count.rowsOfOtherVersion) + " of another version";
     }
-    if (window.rowsFailedTest > 0) {
-        text += ", " + std::to_string(window.rowsFailedTest) + " failed the test";
+    if (count.rowsFailedTest > 0) {
+        text += ", " + std::to_string(count.rowsFailedTest) + " failed the test";
     }
-    text += "; reached " + std::to_string(window.reached);
-    if (window.reachedById != 0 && window.firstId != window.lastId) {
-        text += " by id " + std::to_string(window.reachedById);
+    text += "; reached " + std::to_string(count.reached);
+    if (count.reachedById != 0 && window.firstId != window.lastId) {
+        text += " by id " + std::to_string(count.reachedById);
     }
     text += " of " + WantedText(window);
     return window.Missing() == 0 ? text : text + ", " + std::to_string(window.Missing()) + " missing";
 }
 
-std::string WindowText(const ExplainedWindow& window)
+std::string WindowText(const Evidence::Window& window)
 {
-    const std::string head = IdsText(window) + (window.window.empty() ? "" : ", " + window.window);
+    const std::string head = IdsText(window) + (window.kind.empty() ? "" : ", " + window.kind);
     if (!window.start) {
-        return head + ": " + DetectionObserver::ReasonText(window.reason);
+        return head + ": " + Evidence::ReasonText(window.reason);
     }
     return head + " " + StartText(*window.start) + (window.versionFilter ? ", this version only" : "") + ": "
         + (window.reason == Reason::WINDOW_SHORT || window.hit
                 ? CountText(window)
-                : std::string(DetectionObserver::ReasonText(window.reason)));
+                : std::string(Evidence::ReasonText(window.reason)));
 }
 
-std::string TestText(const ExplainedTest& test)
+std::string TestText(const Evidence::Test& test)
 {
     return "  test " + Cut(test.key, LONGEST_VALUE) + " " + Sign(test.logic) + " "
         + ComparedValue(test.value, test.type)
@@ -156,32 +161,32 @@ std::string TestText(const ExplainedTest& test)
 }
 
 // "static", or where in the common part the threshold comes from.
-std::string SourceText(const ExplainedComparison& comparison)
+std::string SourceText(const Evidence::Comparison& comparison)
 {
     return Printable(comparison.source)
         + (comparison.sourceId.empty() ? "" : " " + Cut(comparison.sourceId, LONGEST_VALUE));
 }
 
-std::string ComparedText(const ExplainedComparison& comparison)
+std::string ComparedText(const Evidence::Comparison& comparison)
 {
     const std::string& name = comparison.key.empty() ? comparison.paramId : comparison.key;
     return Cut(name, LONGEST_VALUE) + " " + ComparedValue(comparison.observed, comparison.type) + " "
         + Sign(comparison.logic) + " " + ComparedValue(comparison.configured, comparison.type);
 }
 
-std::string ComparisonText(const ExplainedComparison& comparison)
+std::string ComparisonText(const Evidence::Comparison& comparison)
 {
     return ComparedText(comparison) + InParentheses(Printable(comparison.type), SourceText(comparison))
         + (comparison.holds ? ": holds" : ": fails");
 }
 
-std::string ParameterText(const ExplainedParameter& parameter)
+std::string ColumnText(const Evidence::Column& column)
 {
-    const std::string text = Cut(parameter.key, LONGEST_VALUE) + " = " + Value(parameter.value);
-    return parameter.raw == parameter.value ? text : text + ", scaled from " + Value(parameter.raw);
+    const std::string text = Cut(column.key, LONGEST_VALUE) + " = " + Value(column.value);
+    return column.raw == column.value ? text : text + ", scaled from " + Value(column.raw);
 }
 
-std::string IntervalText(const ExplainedInterval& interval)
+std::string IntervalText(const Evidence::Interval& interval)
 {
     if (interval.startKey.empty()) {
         return "values are scaled between two columns, and the rule names no two";
@@ -207,28 +212,28 @@ std::string SqlText(const std::string& sql)
     return Cut(line, LONGEST_SQL);
 }
 
-void AppendQuery(const ExplainedQuery& query, std::vector<std::string>& lines)
+void AppendStatement(const Evidence::Statement& statement, std::vector<std::string>& lines)
 {
-    const std::string outcome = !query.opened    ? "database can't be opened"
-        : !query.error.empty()                   ? "failed: " + Cut(query.error, LONGEST_SQL)
-                                                 : Number(query.rows, "row", "rows");
-    if (!query.sql.empty()) {
-        const std::string file = fs::path(query.database).filename().string();
+    const std::string outcome = !statement.opened    ? "database can't be opened"
+        : !statement.error.empty()                   ? "failed: " + Cut(statement.error, LONGEST_SQL)
+                                                 : Number(statement.rows, "row", "rows");
+    if (!statement.sql.empty()) {
+        const std::string file = fs::path(statement.database).filename().string();
         lines.push_back((file.empty() ? "derived database" : Printable(file)) + ": " + outcome);
-        lines.push_back("  " + SqlText(query.sql));
+        lines.push_back("  " + SqlText(statement.sql));
     }
-    if (query.interval) {
-        lines.push_back("  " + IntervalText(*query.interval));
+    if (statement.interval) {
+        lines.push_back("  " + IntervalText(*statement.interval));
     }
-    for (const ExplainedParameter& parameter : query.parameters) {
-        lines.push_back("  " + ParameterText(parameter));
+    for (const Evidence::Column& column : statement.columns) {
+        lines.push_back("  " + ColumnText(column));
     }
-    for (const ExplainedComparison& comparison : query.comparisons) {
+    for (const Evidence::Comparison& comparison : statement.comparisons) {
         lines.push_back("  " + ComparisonText(comparison));
     }
 }
 
-std::string FilterText(const ExplainedRule& rule)
+std::string FilterText(const Evidence::Rule& rule)
 {
     const bool isScene = rule.reason == Reason::FILTERED_SCENE;
     const std::string found = isScene ? "the detection's scene is " + Printable(rule.filter->deviceValue)
@@ -240,13 +245,13 @@ std::string FilterText(const ExplainedRule& rule)
     return found + (isExcluded ? ", the rule excludes " : ", the rule asks for ") + Quoted(rule.filter->ruleText);
 }
 
-std::string NodeText(const ExplainedNodeFile& node)
+std::string NodeText(const Evidence::NodeFile& node)
 {
     return Cut(node.param, LONGEST_VALUE) + (node.readable ? " = " + Value(node.value) : " can't be read")
         + " from " + Printable(node.path);
 }
 
-std::string FormulaText(const ExplainedFormula& formula)
+std::string FormulaText(const Evidence::Formula& formula)
 {
     const std::string grouping = formula.grouping.empty() ? formula.expression : formula.grouping;
     return Cut(formula.resultKey, LONGEST_VALUE) + " = " + Cut(grouping, LONGEST_SQL) + " = "
@@ -262,20 +267,20 @@ std::string Joined(const std::vector<std::string>& ids)
     return text.empty() ? "none" : text;
 }
 
-void AppendCodeRun(const ExplainedCodeRun& run, std::vector<std::string>& lines)
+void AppendCode(const Evidence::Code& code, std::vector<std::string>& lines)
 {
-    lines.push_back("the host answers for " + Value(run.detectCode) + ": "
-        + (run.answer ? "present" : "not present"));
-    lines.push_back("  descriptions " + Joined(run.faultDescriptionIds) + "; suggestions "
-        + Joined(run.suggestionIds) + "; repairs " + Joined(run.repairIds)
-        + (run.userDefinedInfo.empty() ? "" : "; info " + Quoted(run.userDefinedInfo)));
+    lines.push_back("the host answers for " + Value(code.detectCode) + ": "
+        + (*code.answer ? "present" : "not present"));
+    lines.push_back("  descriptions " + Joined(code.faultDescriptionIds) + "; suggestions "
+        + Joined(code.suggestionIds) + "; repairs " + Joined(code.repairIds)
+        + (code.userDefinedInfo.empty() ? "" : "; info " + Quoted(code.userDefinedInfo)));
 }
 
 // The window that hit, or the one that was least short of its threshold.
-const ExplainedWindow* ClosestWindow(const ExplainedRule& rule)
+const Evidence::Window* ClosestWindow(const Evidence::Alarm& alarm)
 {
-    const ExplainedWindow* closest = nullptr;
-    for (const ExplainedWindow& window : rule.windows) {
+    const Evidence::Window* closest = nullptr;
+    for (const Evidence::Window& window : alarm.windows) {
         if (window.hit) {
             return &window;
         }
@@ -287,7 +292,7 @@ const ExplainedWindow* ClosestWindow(const ExplainedRule& rule)
 }
 
 // The comparisons that hold at the end, where a condition was met; otherwise the last one, which failed.
-std::string Deciding(const std::vector<ExplainedComparison>& comparisons)
+std::string Deciding(const std::vector<Evidence::Comparison>& comparisons)
 {
     if (comparisons.empty()) {
         return "";
@@ -304,21 +309,106 @@ std::string Deciding(const std::vector<ExplainedComparison>& comparisons)
     return text + (first->holds ? ": holds" : ": fails");
 }
 
-std::string BadNameText(const ExplainedRule& rule)
+std::string BadNameText(const Evidence::Rule& rule)
 {
     return "the rule names " + Quoted(*rule.badName);
 }
 
-std::string HitsText(const ExplainedHits& hits)
+std::string HitsText(const Evidence::Hits& hits)
 {
     return "hits in " + std::to_string(hits.hits) + " of " + Number(hits.databases, "database", "databases")
         + InParentheses(Cut(hits.name, LONGEST_VALUE)) + ", " + std::to_string(hits.needed) + " needed"
         + (hits.Missing() == 0 ? "" : ", " + std::to_string(hits.Missing()) + " missing");
 }
 
+// What each family looked at.
+struct AppendPart {
+    void operator()(const std::monostate&) const {}
+
+    void operator()(const Evidence::Alarm& alarm) const
+    {
+        const bool hasWindow = ClosestWindow(alarm) != nullptr;
+        for (const Evidence::Window& window : alarm.windows) {
+            if (hasWindow && window.reason == Reason::WINDOW_ABSENT) {
+                continue; // most items have one window of the three
+            }
+            lines.push_back(WindowText(window));
+            for (const Evidence::Test& test : window.tests) {
+                lines.push_back(TestText(test));
+            }
+        }
+    }
+
+    void operator()(const Evidence::Command& command) const
+    {
+        if (command.start) {
+            lines.push_back(StartText(*command.start));
+        }
+        for (const Evidence::Statement& statement : command.statements) {
+            AppendStatement(statement, lines);
+        }
+        if (command.hits) {
+            lines.push_back(HitsText(*command.hits));
+        }
+    }
+
+    void operator()(const Evidence::Node& node) const
+    {
+        for (const Evidence::NodeFile& file : node.files) {
+            lines.push_back(NodeText(file));
+        }
+        if (node.formula) {
+            lines.push_back(FormulaText(*node.formula));
+        }
+        for (const Evidence::Comparison& comparison : node.comparisons) {
+            lines.push_back(ComparisonText(comparison));
+        }
+    }
+
+    void operator()(const Evidence::Code& code) const
+    {
+        if (code.answer) {
+            AppendCode(code, lines);
+        }
+    }
+
+    std::vector<std::string>& lines;
+};
+
+// The most telling of it.
+struct PartSummary {
+    std::string operator()(const std::monostate&) const { return ""; }
+
+    std::string operator()(const Evidence::Alarm& alarm) const
+    {
+        const Evidence::Window* const window = ClosestWindow(alarm);
+        return window == nullptr ? "" : WindowText(*window);
+    }
+
+    std::string operator()(const Evidence::Command& command) const
+    {
+        if (command.hits) {
+            return HitsText(*command.hits);
+        }
+        for (const Evidence::Statement& statement : command.statements) {
+            if (!statement.comparisons.empty()) {
+                return Deciding(statement.comparisons);
+            }
+        }
+        return "";
+    }
+
+    std::string operator()(const Evidence::Node& node) const { return Deciding(node.comparisons); }
+
+    std::string operator()(const Evidence::Code& code) const
+    {
+        return code.answer ? "the host answers " + std::string(*code.answer ? "present" : "not present") : "";
+    }
+};
+
 } // namespace
 
-std::vector<std::string> RuleLines(const ExplainedRule& rule)
+std::vector<std::string> RuleLines(const Evidence::Rule& rule)
 {
     std::vector<std::string> lines;
     if (rule.filter) {
@@ -327,63 +417,16 @@ std::vector<std::string> RuleLines(const ExplainedRule& rule)
     if (rule.badName) {
         lines.push_back(BadNameText(rule));
     }
-    const bool hasWindow = ClosestWindow(rule) != nullptr;
-    for (const ExplainedWindow& window : rule.windows) {
-        if (hasWindow && window.reason == Reason::WINDOW_ABSENT) {
-            continue; // most items have one window of the three
-        }
-        lines.push_back(WindowText(window));
-        for (const ExplainedTest& test : window.tests) {
-            lines.push_back(TestText(test));
-        }
-    }
-    if (rule.start) {
-        lines.push_back(StartText(*rule.start));
-    }
-    for (const ExplainedQuery& query : rule.queries) {
-        AppendQuery(query, lines);
-    }
-    if (rule.hits) {
-        lines.push_back(HitsText(*rule.hits));
-    }
-    for (const ExplainedNodeFile& node : rule.nodeFiles) {
-        lines.push_back(NodeText(node));
-    }
-    if (rule.formula) {
-        lines.push_back(FormulaText(*rule.formula));
-    }
-    for (const ExplainedComparison& comparison : rule.comparisons) {
-        lines.push_back(ComparisonText(comparison));
-    }
-    if (rule.codeRun) {
-        AppendCodeRun(*rule.codeRun, lines);
-    }
+    std::visit(AppendPart{lines}, rule.part);
     return lines;
 }
 
-std::string RuleSummary(const ExplainedRule& rule)
+std::string RuleSummary(const Evidence::Rule& rule)
 {
     if (rule.filter) {
         return FilterText(rule);
     }
-    if (rule.badName) {
-        return BadNameText(rule);
-    }
-    if (const ExplainedWindow* window = ClosestWindow(rule)) {
-        return WindowText(*window);
-    }
-    if (rule.codeRun) {
-        return "the host answers " + std::string(rule.codeRun->answer ? "present" : "not present");
-    }
-    if (rule.hits) {
-        return HitsText(*rule.hits);
-    }
-    for (const ExplainedQuery& query : rule.queries) {
-        if (!query.comparisons.empty()) {
-            return Deciding(query.comparisons);
-        }
-    }
-    return Deciding(rule.comparisons);
+    return rule.badName ? BadNameText(rule) : std::visit(PartSummary(), rule.part);
 }
 
 } // namespace diagnosis

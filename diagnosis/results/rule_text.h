@@ -4,17 +4,17 @@
 #include <string>
 #include <vector>
 
-#include "diagnosis/evidence/explanation.h"
+#include "arborist/frame/evidence.h"
 
 namespace diagnosis {
 
 /// What a rule looked at, one line a thing, indented by two blanks where it belongs to the line before. Long texts of
 /// strangers are cut short; the JSON has them whole.
-std::vector<std::string> RuleLines(const ExplainedRule& rule);
+std::vector<std::string> RuleLines(const Evidence::Rule& rule);
 
 /// The most telling of these in one line: the window that came closest, the comparison that decided. Empty when the
 /// reason says it all.
-std::string RuleSummary(const ExplainedRule& rule);
+std::string RuleSummary(const Evidence::Rule& rule);
 
 } // namespace diagnosis
 

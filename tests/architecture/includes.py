@@ -77,8 +77,9 @@ STOREYS = [
     ], {
         **files_in("the facade", "arborist frame/arborist frame/repair"),
         **files_in("the records", "frame/check frame/detect_info frame/fault_tree_result frame/detection_observer"
-                                  " frame/rule_set_summary frame/tree_verdict"),
-        **files_in("the ground", "arborist_export frame/log frame/settings frame/fault_tree_prop_global"),
+                                  " frame/evidence frame/evidence_words frame/rule_set_summary frame/tree_verdict"),
+        **files_in("the ground", "arborist_export frame/log frame/settings frame/fault_tree_prop_global"
+                                 " frame/trouble frame/trouble_watch"),
     }),
 ]
 ENGINE = STOREYS[-1]

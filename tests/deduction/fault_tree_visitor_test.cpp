@@ -127,17 +127,19 @@ TEST_F(FaultTreeVisitorTest, AnAndWithOneHealthyMemberYieldsNothing)
 
 class RecordingObserver : public DetectionObserver {
 public:
-    void OnEventFolded(const EventFolded& event) override
+    void OnTreeFolded(std::vector<Evidence::FoldedEvent> events) override
     {
-        std::ostringstream line;
-        line << std::string(event.depth, ' ') << event.id << " " << GetElemTypeName(event.status) << " "
-             << static_cast<int>(event.kind) << static_cast<int>(event.gate) << event.observable << event.name
-             << event.userDefined;
-        mLines.push_back(line.str());
+        for (const Evidence::FoldedEvent& event : events) {
+            std::ostringstream line;
+            line << std::string(event.depth, ' ') << event.id << " " << Evidence::StateText(event.status) << " "
+                 << static_cast<int>(event.type) << static_cast<int>(event.gate) << event.observable << event.name
+                 << event.userDefined;
+            mLines.push_back(line.str());
+        }
     }
-    void OnRootCause(const RootCauseSeen& rootCause) override
+    void OnRootCause(Evidence::RootCause rootCause) override
     {
-        mLines.push_back("cause " + std::string(rootCause.id) + ": " + Joined(rootCause.cutSet, " & ") + ": " +
+        mLines.push_back("cause " + rootCause.id + ": " + Joined(rootCause.cutSet, " & ") + ": " +
                          Joined(rootCause.wayUp, " < "));
     }
     std::vector<std::string> mLines;

@@ -11,14 +11,14 @@
 #include "tests/evaluation/rule_set.h"
 #include "tests/support/code_runner_stub.h"
 #include "tests/support/log_capture.h"
-#include "tests/support/recording_observer.h"
+#include "tests/support/evidence_lines.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
-using Reason = DetectionObserver::Reason;
+using Evidence::Reason;
 
 class CodeRuleEngineTest : public testing::Test {
 protected:
@@ -62,17 +62,18 @@ TEST_F(CodeRuleEngineTest, RunnerTakesTheIdsOfTheEventAndDecides)
 {
     LoadUsual();
     CodeRuleEngine engine(mStore, mParser, mInfo);
-    RecordingObserver observer;
-    engine.SetObserver(&observer);
+    Evidence::Rule record;
+    engine.SetRecord(&record);
     mRunner->answer = true;
     EXPECT_TRUE(engine.IsFaultHappened(mParser->GetRuleByRuleName("r"), "whatever"));
+    EXPECT_THAT(EvidenceLines(record),
+                ElementsAre("code C faults F1,F2 suggestions S1 repairs R1 info '{\"k\": 1}' yes"));
     mRunner->answer = false;
     EXPECT_FALSE(engine.IsFaultHappened(mParser->GetRuleByRuleName("r"), ""));
+    EXPECT_THAT(EvidenceLines(record),
+                ElementsAre("code C faults F1,F2 suggestions S1 repairs R1 info '{\"k\": 1}' no"));
     EXPECT_THAT(mRunner->calls, ElementsAre("F1,F2|S1|R1|{\"k\": 1}", "F1,F2|S1|R1|{\"k\": 1}"));
     EXPECT_EQ(engine.GetReason(), Reason::RUNNER_ANSWERED);
-    EXPECT_THAT(observer.Lines(),
-                ElementsAre("code C faults F1,F2 suggestions S1 repairs R1 info '{\"k\": 1}' yes",
-                            "code C faults F1,F2 suggestions S1 repairs R1 info '{\"k\": 1}' no"));
 }
 
 TEST_F(CodeRuleEngineTest, AnswerCountsAlsoWithoutAnyIds)

@@ -10,7 +10,7 @@
 #include "tests/support/common_part_builder.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/log_capture.h"
-#include "tests/support/recording_observer.h"
+#include "tests/support/evidence_lines.h"
 #include "tests/support/settings_guard.h"
 #include "tests/support/temp_dir.h"
 
@@ -26,7 +26,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using Reason = DetectionObserver::Reason;
+using Evidence::Reason;
 
 constexpr std::int64_t NOW = 1700000000;
 
@@ -115,7 +115,7 @@ protected:
     TempDir mDir;
     SettingsGuard mSettings;
     LogCapture mLog;
-    RecordingObserver mObserver;
+    Evidence::Rule mRecord;
     std::string mDerived = mDir.Path("root/Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db");
     std::shared_ptr<ThresholdOrLumbraBean> mBean = BeanOf("Jank", {});
     std::shared_ptr<DefDbTableBean> mTable = TableBeanOf("Copies", {}, "");
@@ -351,102 +351,106 @@ TEST_F(CommandRuleEngineTest, CopiesAreTakenWholeAndNeedNoThresholds)
 TEST_F(CommandRuleEngineTest, EveryCopyIsAskedAlsoAfterAHit)
 {
     Refer("singleDB", "", {30, 1});
-    mEngine.SetObserver(&mObserver);
+    mEngine.SetRecord(&mRecord);
     EXPECT_TRUE(Fires());
-    EXPECT_THAT(mObserver.Lines("query"), ElementsAre(
+    EXPECT_THAT(EvidenceLines(mRecord, "query"), ElementsAre(
         "query " + mDir.Path("copy0.db") + " rows 1: select n, s from t",
         "query " + mDir.Path("copy1.db") + " rows 1: select n, s from t"));
 }
 
-TEST_F(CommandRuleEngineTest, ObserverHearsHowManyHitsThereAreAndMustBe)
+TEST_F(CommandRuleEngineTest, HowManyHitsThereAreAndMustBeIsNoted)
 {
-    mEngine.SetObserver(&mObserver);
+    mEngine.SetRecord(&mRecord);
     Refer("countDB", "2", {1, 30, 40});
     Fires();
+    EXPECT_THAT(EvidenceLines(mRecord, "hits"), ElementsAre("hits 2 of 3 Copies needed 2"));
     mRule->referenceDefDb->type = "singleDB";
     mTable->SetCopyDbFileList({mDir.Path("copy0.db")});
     Fires();
-    EXPECT_THAT(mObserver.Lines("hits"), ElementsAre("hits 2 of 3 Copies needed 2", "hits 0 of 1 Copies needed 1"));
+    EXPECT_THAT(EvidenceLines(mRecord, "hits"), ElementsAre("hits 0 of 1 Copies needed 1"));
 }
 
-TEST_F(CommandRuleEngineTest, ObserverHearsTheNameThatLeadsNowhere)
+TEST_F(CommandRuleEngineTest, TheNameThatLeadsNowhereIsNoted)
 {
-    mEngine.SetObserver(&mObserver);
+    mEngine.SetRecord(&mRecord);
     mRule->commonPartName = "None";
     Fires();
+    EXPECT_EQ(mRecord.badName, "None");
     mRule->commonPartName = "Jank";
     mRule->analysisMethod.type = "sql";
     Fires();
+    EXPECT_EQ(mRecord.badName, "sql");
     mRule->analysisMethod.type = "SQL";
     Refer("singleDB", "", {30});
     mRule->referenceDefDb->defDBName = "Unknown";
     Fires();
-    EXPECT_THAT(mObserver.Lines(), ElementsAre(
-        "name 'None' [no_common_part]", "name 'sql' [not_sql]", "name 'Unknown' [no_such_database]"));
+    EXPECT_EQ(mRecord.badName, "Unknown");
+    EXPECT_THAT(EvidenceLines(mRecord, "query"), IsEmpty());
 }
 
-TEST_F(CommandRuleEngineTest, ObserverHearsQueryValuesAndComparisons)
+TEST_F(CommandRuleEngineTest, StatementValuesAndComparisonsAreNoted)
 {
-    mEngine.SetObserver(&mObserver);
+    mEngine.SetRecord(&mRecord);
     Fires({Single("gt", "n", "limit", "dynamic")});
-    EXPECT_THAT(mObserver.Lines(), ElementsAre(
+    EXPECT_THAT(EvidenceLines(mRecord), ElementsAre(testing::StartsWith("start 1697408000 "),
         "query " + mDerived + " rows 1: select n, s from Jank where occurrence_time >1697408000",
         "parameter n n int '5' -> '5'", "parameter s s string 'x' -> 'x'",
         "compare n n int '5' gt '4' from dynamic limit holds"));
-    mObserver.Clear();
+    mRecord = {};
     mSettings.Set(Settings::PROGRAM_DATA_DIR, mDir.Path("nowhere"));
     Fires({Multiple({{"gt", "n", "9"}})});
-    EXPECT_THAT(mObserver.Lines(), ElementsAre(HasSubstr(" not opened rows 0: select n"),
+    EXPECT_THAT(EvidenceLines(mRecord), ElementsAre(testing::StartsWith("start 1697408000 "),
+        HasSubstr(" not opened rows 0: select n"),
         "compare n n int '5' gt '9' fails"));
 }
 
-TEST_F(CommandRuleEngineTest, ObserverHearsWhyAStatementFailed)
+TEST_F(CommandRuleEngineTest, WhyAStatementFailedIsNoted)
 {
-    mEngine.SetObserver(&mObserver);
+    mEngine.SetRecord(&mRecord);
     Item().sql = "select n from Missing";
     EXPECT_FALSE(Fires({Single("eq", "n", "5")}));
     EXPECT_EQ(mReason, Reason::ROW_COUNT_NOT_ONE);
-    EXPECT_THAT(mObserver.Lines("query"), ElementsAre("query " + mDerived
+    EXPECT_THAT(EvidenceLines(mRecord, "query"), ElementsAre("query " + mDerived
         + " rows 0: select n from Missing where occurrence_time >1697408000 failed: no such table: Missing"));
 }
 
-TEST_F(CommandRuleEngineTest, ObserverHearsTheIntervalAndWhatIsScaledByIt)
+TEST_F(CommandRuleEngineTest, TheIntervalAndWhatIsScaledByItAreNoted)
 {
-    mEngine.SetObserver(&mObserver);
+    mEngine.SetRecord(&mRecord);
     Item().type = "normalization";
     Item().timeParamList = {"t", "n"};
     mRule->params = ParamMapOf({ParamOf("n", "int"), ParamOf("t", "string")});
     Item().sql = "select 1, n, occurrence_time, occurrence_time from Jank";
     EXPECT_TRUE(Fires({Single("eq", "n", "150")}));
-    EXPECT_THAT(mObserver.Lines("interval"), ElementsAre("interval t=1699999999 to t=1699999999 days 0"));
-    EXPECT_THAT(mObserver.Lines("parameter"), testing::Contains("parameter n n int '5' -> '150'"));
+    EXPECT_THAT(EvidenceLines(mRecord, "interval"), ElementsAre("interval t=1699999999 to t=1699999999 days 0"));
+    EXPECT_THAT(EvidenceLines(mRecord, "parameter"), testing::Contains("parameter n n int '5' -> '150'"));
 }
 
 TEST_F(CommandRuleEngineTest, WithoutAnIntervalNothingIsScaled)
 {
-    mEngine.SetObserver(&mObserver);
+    mEngine.SetRecord(&mRecord);
     Item().type = "normalization";
     Item().timeParamList = {"t", "n"};
     mRule->params = ParamMapOf({ParamOf("n", "int"), ParamOf("t", "string")});
     Item().sql = "select 1, n, occurrence_time, 0 from Jank";
     EXPECT_FALSE(Fires({Single("eq", "n", "150")}));
     EXPECT_EQ(mReason, Reason::NO_INTERVAL);
-    EXPECT_THAT(mObserver.Lines("interval"), ElementsAre("interval t=0 to t=0 days 0 unusable"));
-    EXPECT_THAT(mObserver.Lines("parameter"), IsEmpty());
-    mObserver.Clear();
+    EXPECT_THAT(EvidenceLines(mRecord, "interval"), ElementsAre("interval t=0 to t=0 days 0 unusable"));
+    EXPECT_THAT(EvidenceLines(mRecord, "parameter"), IsEmpty());
+    mRecord = {};
     Item().timeParamList = {"t"};
     EXPECT_FALSE(Fires({Single("eq", "n", "150")}));
     EXPECT_EQ(mReason, Reason::NO_INTERVAL);
-    EXPECT_THAT(mObserver.Lines("interval"), ElementsAre("interval =0 to =0 days 0 unusable"));
+    EXPECT_THAT(EvidenceLines(mRecord, "interval"), ElementsAre("interval =0 to =0 days 0 unusable"));
 }
 
 TEST_F(CommandRuleEngineTest, AnEmptyThresholdIsAReasonOfItsOwn)
 {
-    mEngine.SetObserver(&mObserver);
+    mEngine.SetRecord(&mRecord);
     mBean->GetThresholdMap().at("limit")->value = "";
     EXPECT_FALSE(Fires({Single("gt", "n", "limit", "dynamic")}));
     EXPECT_EQ(mReason, Reason::NO_THRESHOLD);
-    EXPECT_THAT(mObserver.Lines("compare"), ElementsAre("compare n n int '5' gt '' from dynamic limit fails"));
+    EXPECT_THAT(EvidenceLines(mRecord, "compare"), ElementsAre("compare n n int '5' gt '' from dynamic limit fails"));
     EXPECT_FALSE(Fires({Single("eq", "n", "nothing", "systemParam")}));
     EXPECT_EQ(mReason, Reason::NO_THRESHOLD);
     EXPECT_FALSE(Fires({Single("gt", "n", "")}));

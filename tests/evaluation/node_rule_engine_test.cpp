@@ -8,7 +8,7 @@
 #include "arborist/frame/settings.h"
 #include "arborist/model/rule.h"
 #include "tests/support/log_capture.h"
-#include "tests/support/recording_observer.h"
+#include "tests/support/evidence_lines.h"
 #include "tests/support/settings_guard.h"
 #include "tests/support/temp_dir.h"
 
@@ -16,7 +16,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using Reason = DetectionObserver::Reason;
+using Evidence::Reason;
 
 std::shared_ptr<OrLogic> SingleTest(const std::string& logic, const std::string& value,
                                     const std::string& type = "single_logic")
@@ -366,8 +366,8 @@ TEST_F(NodeRuleEngineTest, MultipleConditionWithoutItemsHolds)
 
 TEST_F(NodeRuleEngineTest, WithoutEventIdNodesOrParametersItIsFalseAndReadsNothing)
 {
-    RecordingObserver observer;
-    mEngine.SetObserver(&observer);
+    Evidence::Rule record;
+    mEngine.SetRecord(&record);
     EXPECT_FALSE(mEngine.IsFaultHappened(nullptr, "A"));
     EXPECT_FALSE(mEngine.IsFaultHappened(std::make_shared<CodeRule>(), "A"));
     AddParam("1", "a", "int");
@@ -378,7 +378,7 @@ TEST_F(NodeRuleEngineTest, WithoutEventIdNodesOrParametersItIsFalseAndReadsNothi
     EXPECT_FALSE(mEngine.IsFaultHappened(mRule, ""));
     mRule->SetParamMap({});
     EXPECT_FALSE(Ask());
-    EXPECT_THAT(observer.Lines(), IsEmpty());
+    EXPECT_THAT(EvidenceLines(record), IsEmpty());
 }
 
 TEST_F(NodeRuleEngineTest, NullNodesArePassedOver)
@@ -390,10 +390,10 @@ TEST_F(NodeRuleEngineTest, NullNodesArePassedOver)
     EXPECT_TRUE(Ask());
 }
 
-TEST_F(NodeRuleEngineTest, ObserverIsToldFilesFormulaAndComparisons)
+TEST_F(NodeRuleEngineTest, FilesFormulaAndComparisonsAreNoted)
 {
-    RecordingObserver observer;
-    mEngine.SetObserver(&observer);
+    Evidence::Rule record;
+    mEngine.SetRecord(&record);
     NodeFile("a", "10");
     Node("b", "none");
     AddParam("1", "a", "int");
@@ -401,14 +401,31 @@ TEST_F(NodeRuleEngineTest, ObserverIsToldFilesFormulaAndComparisons)
     Express("a - 3 - 2", "r");
     Conditions({MultipleTest({Item("2", "lt", "9.5"), Item("1", "lt", "9"), Item("3", "eq", "1")})});
     EXPECT_FALSE(Ask());
-    EXPECT_THAT(observer.Lines(),
+    EXPECT_THAT(EvidenceLines(record),
                 ElementsAre("node a a = '10'", "node b none unreadable ''",
                             "formula r = a - 3 - 2 as a - (3 - 2) -> 9.000000",
                             "compare 2 r double '9.000000' lt '9.5' holds", "compare 1 a int '10' lt '9' fails",
                             "compare 3   '' eq '1' fails"));
 }
 
-TEST_F(NodeRuleEngineTest, AnswersAndLogAreTheSameWithAndWithoutObserver)
+TEST_F(NodeRuleEngineTest, AMissingNodeIsNotedAlsoWhenTheConditionIsMet)
+{
+    Evidence::Rule record;
+    mEngine.SetRecord(&record);
+    NodeFile("a", "10");
+    Node("b", "none");
+    AddParam("1", "a", "int");
+    Conditions({SingleTest("eq", "10")});
+    EXPECT_TRUE(Ask());
+    EXPECT_THAT(record.notes, ElementsAre(Reason::NODE_UNREADABLE));
+    record = {};
+    Conditions({SingleTest("eq", "11")});
+    EXPECT_FALSE(Ask());
+    EXPECT_EQ(mEngine.GetReason(), Reason::NODE_UNREADABLE);
+    EXPECT_THAT(record.notes, IsEmpty()) << "what decided is told once";
+}
+
+TEST_F(NodeRuleEngineTest, AnswersAndLogAreTheSameWithAndWithoutARecord)
 {
     NodeFile("a", "x");
     AddParam("1", "a", "int");
@@ -418,8 +435,8 @@ TEST_F(NodeRuleEngineTest, AnswersAndLogAreTheSameWithAndWithoutObserver)
     const bool before = Ask();
     const auto lines = mLog.Lines();
     mLog.Clear();
-    RecordingObserver observer;
-    mEngine.SetObserver(&observer);
+    Evidence::Rule record;
+    mEngine.SetRecord(&record);
     EXPECT_EQ(Ask(), before);
     EXPECT_EQ(mLog.Lines(), lines);
     EXPECT_FALSE(lines.empty());

@@ -6,7 +6,7 @@
 #include "arborist/model/condition.h"
 #include "tests/support/case_name.h"
 #include "tests/support/log_capture.h"
-#include "tests/support/recording_observer.h"
+#include "tests/support/evidence_lines.h"
 
 namespace {
 
@@ -17,9 +17,10 @@ class PlainChecker : public RuleChecker {
 public:
     bool IsFaultHappened(const std::shared_ptr<Rule>&, const std::string&) override
     {
-        return Decide(DetectionObserver::Reason::NO_NODES, false);
+        return Decide(Evidence::Reason::NO_NODES, false);
     }
     using RuleChecker::CompareParam;
+    using RuleChecker::WriteComparisonsInto;
 };
 
 struct ComparisonCase {
@@ -97,27 +98,31 @@ TEST_F(RuleCheckerTest, UnknownTypeConvertsNothing)
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
-TEST_F(RuleCheckerTest, ComparingAParameterTellsTheObserver)
+TEST_F(RuleCheckerTest, AComparisonIsWrittenDown)
 {
-    RecordingObserver observer;
-    mChecker.SetObserver(&observer);
+    std::vector<Evidence::Comparison> comparisons;
+    mChecker.WriteComparisonsInto(&comparisons);
     const Param param{"temperature", "int", "p1", ""};
     EXPECT_TRUE(mChecker.CompareParam(param, "gt", "40", "41", "static"));
     EXPECT_FALSE(mChecker.CompareParam(param, "lt", "40", ""));
-    EXPECT_THAT(observer.Lines(), ElementsAre("compare p1 temperature int '41' gt '40' from static holds",
-                                              "compare p1 temperature int '' lt '40' fails"));
+    ASSERT_EQ(comparisons.size(), 2U);
+    EXPECT_EQ(EvidenceLine(comparisons[0]), "compare p1 temperature int '41' gt '40' from static holds");
+    EXPECT_EQ(EvidenceLine(comparisons[1]), "compare p1 temperature int '' lt '40' fails");
+    mChecker.SetRecord(nullptr);
+    EXPECT_TRUE(mChecker.CompareParam(param, "gt", "40", "41"));
+    EXPECT_EQ(comparisons.size(), 2U) << "what belongs to an earlier rule is left alone";
 }
 
-TEST_F(RuleCheckerTest, ComparingAParameterNeedsNoObserver)
+TEST_F(RuleCheckerTest, AComparisonNeedsNoPlaceToBeWrittenDown)
 {
     EXPECT_TRUE(mChecker.CompareParam({"k", "string", "p1", ""}, "eq", "on", "on"));
 }
 
 TEST_F(RuleCheckerTest, RemembersWhatDecidedTheLastAnswer)
 {
-    EXPECT_EQ(mChecker.GetReason(), DetectionObserver::Reason::NONE);
+    EXPECT_EQ(mChecker.GetReason(), Evidence::Reason::NONE);
     EXPECT_FALSE(mChecker.IsFaultHappened(nullptr, "A"));
-    EXPECT_EQ(mChecker.GetReason(), DetectionObserver::Reason::NO_NODES);
+    EXPECT_EQ(mChecker.GetReason(), Evidence::Reason::NO_NODES);
 }
 
 } // namespace

@@ -14,7 +14,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::SizeIs;
-using Family = DetectionObserver::Family;
+using Evidence::Family;
 
 class RuleCheckersTest : public testing::Test {
 protected:

@@ -8,7 +8,7 @@
 
 namespace {
 
-using Reason = DetectionObserver::Reason;
+using Evidence::Reason;
 
 NodeRule RuleForScene(const std::string& scenes)
 {

@@ -8,13 +8,12 @@
 #include "tests/evaluation/laptop.h"
 #include "tests/evaluation/rule_set.h"
 #include "tests/support/log_capture.h"
-#include "tests/support/recording_observer.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using Reason = DetectionObserver::Reason;
+using Evidence::Reason;
 
 class RuleHelperTest : public testing::Test {
 protected:
@@ -41,19 +40,18 @@ TEST_F(RuleHelperTest, NullRuleAndNullInputAreRejected)
     EXPECT_FALSE(Passes(nullptr, RuleForScene("2")));
 }
 
-TEST_F(RuleHelperTest, FilterThatRejectsIsToldWithBothTexts)
+TEST_F(RuleHelperTest, FilterThatRejectsIsKeptWithBothTexts)
 {
     RuleHelper helper(InfoOf(LAPTOP, 2), nullptr);
-    RecordingObserver observer;
-    helper.SetObserver(&observer);
     const auto rule = RuleForScene("1");
     rule->production = "AB";
     EXPECT_FALSE(helper.IsSpecifiedRuleItemSupported(rule));
-    rule->blackProducts = "AB,Z";
-    EXPECT_FALSE(helper.IsSpecifiedRuleItemSupported(rule));
+    ASSERT_TRUE(helper.GetRejection().has_value());
+    EXPECT_EQ(helper.GetRejection()->reason, Reason::FILTERED_SCENE);
+    EXPECT_EQ(helper.GetRejection()->deviceValue, "2");
+    EXPECT_EQ(helper.GetRejection()->ruleText, "1");
     EXPECT_TRUE(helper.IsSpecifiedRuleItemSupported(RuleForScene("2")));
-    EXPECT_THAT(observer.Lines(), ElementsAre("filter r '2' in '1' [filtered_scene]",
-                                              "filter r 'AB' in 'AB,Z' [filtered_black_product]"));
+    EXPECT_FALSE(helper.GetRejection().has_value());
 }
 
 TEST_F(RuleHelperTest, CodeRuleIsFoundByAnyPartOfItsDetectCode)

@@ -12,7 +12,7 @@
 #include "tests/support/case_name.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/log_capture.h"
-#include "tests/support/recording_observer.h"
+#include "tests/support/evidence_lines.h"
 #include "tests/support/settings_guard.h"
 
 namespace {
@@ -51,7 +51,7 @@ protected:
     // The start for the rules of mCurrent in a rule set in which the event E is mended by R1 and R2.
     std::int64_t Start(std::int32_t days, const std::string& word, const std::string& eventId)
     {
-        return mStartTimes->GetDetectStartTime(days, word, eventId, mCurrent.get(), &mObserver);
+        return mStartTimes->GetDetectStartTime(days, word, eventId, mCurrent.get(), &mRecord);
     }
 
     void SetUp() override
@@ -65,7 +65,7 @@ protected:
     TempDir mDir;
     SettingsGuard mSettings;
     LogCapture mLog;
-    RecordingObserver mObserver;
+    Evidence::Start mRecord;
     std::shared_ptr<DetectInfo> mInfo = std::make_shared<DetectInfo>();
     std::shared_ptr<ResetTimeParser> mRecovery = std::make_shared<ResetTimeParser>("");
     std::shared_ptr<Event> mCurrent;
@@ -156,26 +156,31 @@ INSTANTIATE_TEST_SUITE_P(Table, StartTimesTest, testing::Values(
     UserDefinedCase{"NoJson", "{Repairid", false, 1}),
     CaseName());
 
-TEST_F(StartTimesTest, ObserverIsToldTheParts)
+TEST_F(StartTimesTest, ThePartsAreNoted)
 {
     Repair("R1", 2 * DAY);
     Start(0, "1", "E");
-    EXPECT_THAT(mObserver.Lines(), ElementsAre("start 1699827200 of period 1697408000 reset 0 update 0 repair 1699827200 "
-        "by repair days 30 flag '1' repair id 'R1'"));
+    EXPECT_EQ(EvidenceLine(mRecord), "start 1699827200 of period 1697408000 reset 0 update 0 repair 1699827200 "
+        "by repair days 30 flag '1' repair id 'R1'");
+    EXPECT_EQ(mRecord.start.local, "2023-11-12 23:13:20");
+    EXPECT_EQ(mRecord.reset.local, "") << "none";
 }
 
-TEST_F(StartTimesTest, ObserverIsToldWhichFloorWon)
+TEST_F(StartTimesTest, WhichFloorWonIsNoted)
 {
     mRecovery->ParseRecoveryLog(mDir.Write("recovery",
         "[2023-11-12 09:00:00.000] Command: \"recovery\" \"UPDATE\"\n"
         "[2023-11-12 12:00:00.000] zenrix recovery stopped\n"));
     mRecovery->GetResetLogTime(mDir.Write("reset", "time: 20231110120000;\n"));
+    std::vector<std::string> lines;
     for (const char* const flag : {"1", "2", "3", "4"}) {
         Start(7, flag, "E");
+        lines.push_back(EvidenceLine(mRecord));
     }
     Repair("R1", DAY);
     Start(7, "3", "E");
-    EXPECT_THAT(mObserver.Lines(), ElementsAre(
+    lines.push_back(EvidenceLine(mRecord));
+    EXPECT_THAT(lines, ElementsAre(
         "start 1699786800 of period 1699395200 reset 1699614000 update 1699786800 repair 0 by update days 7 flag '1' "
         "repair id ''",
         "start 1699786800 of period 1699395200 reset 0 update 1699786800 repair 0 by update days 7 flag '2' repair id ''",

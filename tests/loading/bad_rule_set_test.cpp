@@ -24,7 +24,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using State = RuleSetFileReport::State;
+using State = Evidence::RuleSetFileState;
 
 // One rule of each family and one entry of each section.
 std::string FullRules()

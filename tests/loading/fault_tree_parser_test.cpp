@@ -21,7 +21,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
-using State = RuleSetFileReport::State;
+using State = Evidence::RuleSetFileState;
 
 class FaultTreeParserTest : public testing::Test {
 protected:

@@ -16,7 +16,7 @@
 namespace {
 
 using testing::ElementsAre;
-using State = RuleSetFileReport::State;
+using State = Evidence::RuleSetFileState;
 
 class SecondParseTest : public testing::Test {
 protected:

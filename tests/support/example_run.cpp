@@ -195,11 +195,6 @@ std::string FilesIn(const std::string& folder)
     return joined;
 }
 
-std::string StatusWord(EventStatus status)
-{
-    return status == EventStatus::TRUE ? "TRUE" : status == EventStatus::FALSE ? "FALSE" : "UNKNOWN";
-}
-
 std::string Difference(const std::string& expected, const std::string& actual)
 {
     return expected == actual ? "" : "it was: " + (actual.empty() ? "(empty)" : actual);
@@ -218,6 +213,26 @@ const std::vector<std::string>& KnownKeys()
         "device", "setting", "locale", "runner", "node", "log", "log sql", "file", "common", "sections", "formula", "compare",
         "recovery line", "rule set", "repaired", "outcome"};
     return keys;
+}
+
+void ExampleObserver::OnEventDecided(Evidence::Event event)
+{
+    for (const Evidence::Alternative& alternative : event.alternatives) {
+        for (const Evidence::Rule& rule : alternative.rules) {
+            reason = Evidence::ReasonText(rule.reason);
+            const auto* const node = std::get_if<Evidence::Node>(&rule.part);
+            formulaResult = node != nullptr && node->formula ? node->formula->result : formulaResult;
+            const auto* const command = std::get_if<Evidence::Command>(&rule.part);
+            sql = command != nullptr && !command->statements.empty() ? command->statements.back().sql : sql;
+        }
+    }
+}
+
+void ExampleObserver::OnTreeFolded(std::vector<Evidence::FoldedEvent> events)
+{
+    for (const Evidence::FoldedEvent& event : events) {
+        statuses[event.id] = event.status;
+    }
 }
 
 ExampleRun::ExampleRun(const PageExample& example) : mExample(example)
@@ -391,10 +406,10 @@ std::string ExampleRun::FaultOf(const std::string& outcome)
     const auto is = [&](const char* form) { return std::regex_match(outcome, match, std::regex(form)); };
     if (is("(\\w+) is (TRUE|FALSE|UNKNOWN)")) {
         const auto status = mObserver->statuses.find(match[1]);
-        return status == mObserver->statuses.end() ? "no such event" : Difference(match[2], StatusWord(status->second));
+        return status == mObserver->statuses.end() ? "no such event" : Difference(match[2], Evidence::StateText(status->second));
     }
     if (is("(holds|does not hold)")) {
-        return Difference(match[1], mObserver->statuses["E"] == EventStatus::TRUE ? "holds" : "does not hold");
+        return Difference(match[1], Evidence::IsInError(mObserver->statuses["E"]) ? "holds" : "does not hold");
     }
     if (is("reason (\\w+)")) {
         return Difference(match[1], mObserver->reason);

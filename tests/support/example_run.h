@@ -17,16 +17,14 @@
 /// Keeps what the outcomes of examples ask for.
 class ExampleObserver : public DetectionObserver {
 public:
-    void OnFormula(const FormulaSeen& formula) override { formulaResult = formula.result; }
-    void OnQuery(const QuerySeen& query) override { sql = query.sql; }
-    void OnRuleDecided(const RuleDecided& rule) override { reason = ReasonText(rule.reason); }
-    void OnEventFolded(const EventFolded& event) override { statuses[std::string(event.id)] = event.status; }
+    void OnEventDecided(Evidence::Event event) override;
+    void OnTreeFolded(std::vector<Evidence::FoldedEvent> events) override;
 
     std::string formulaResult;
     std::string sql;
     std::string reason;
     /// The last status of each event.
-    std::map<std::string, EventStatus> statuses;
+    std::map<std::string, Evidence::EventState> statuses;
 };
 
 /// Runs one example of a page: writes what it describes into a folder, runs one detection, answers for its outcomes.

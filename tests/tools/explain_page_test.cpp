@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "arborist/frame/detection_observer.h"
+#include "arborist/frame/evidence_words.h"
 #include "tests/support/temp_dir.h"
 #include "tests/tools/command_bundle.h"
 #include "tests/tools/json_schema.h"
@@ -24,11 +24,11 @@ std::string BlockOf(const std::string& page, const std::string& word, int number
 
 TEST(ExplainPageTest, ListsEveryReasonInTheirOrder)
 {
-    using Reason = DetectionObserver::Reason;
+    using Reason = Evidence::Reason;
     std::vector<std::string> words;
     // Up to the first number that has no word: reasons that are added later count, too.
-    for (int reason = 1; *DetectionObserver::ReasonText(static_cast<Reason>(reason)) != '\0'; ++reason) {
-        words.emplace_back(DetectionObserver::ReasonText(static_cast<Reason>(reason)));
+    for (int reason = 1; *Evidence::ReasonText(static_cast<Reason>(reason)) != '\0'; ++reason) {
+        words.emplace_back(Evidence::ReasonText(static_cast<Reason>(reason)));
     }
     std::string page = PageOfDocs("explain.md");
     page = page.substr(page.find("## Reasons"), page.find("## JSON") - page.find("## Reasons"));

@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "arborist/frame/detection_observer.h"
+#include "arborist/frame/evidence_words.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
@@ -330,10 +330,10 @@ TEST(ExplainedReasonsTest, EveryReasonHasAScenario)
             told.insert(reason.name);
         }
     }
-    using Reason = DetectionObserver::Reason;
+    using Reason = Evidence::Reason;
     // Up to the first number that has no word: reasons that are added later count, too.
-    for (int reason = 1; *DetectionObserver::ReasonText(static_cast<Reason>(reason)) != '\0'; ++reason) {
-        const std::string word = DetectionObserver::ReasonText(static_cast<Reason>(reason));
+    for (int reason = 1; *Evidence::ReasonText(static_cast<Reason>(reason)) != '\0'; ++reason) {
+        const std::string word = Evidence::ReasonText(static_cast<Reason>(reason));
         EXPECT_EQ(told.count(word), 1U) << word;
     }
 }

@@ -55,8 +55,8 @@ TEST_F(ExplainSchemaTest, HoldsForALaptopInEveryView)
 TEST(ExplainSchemaWordsTest, ReasonsAreAllOfThemInTheirOrder)
 {
     std::vector<std::string> words;
-    for (int reason = 1; *DetectionObserver::ReasonText(static_cast<DetectionObserver::Reason>(reason)) != '\0'; ++reason) {
-        words.emplace_back(DetectionObserver::ReasonText(static_cast<DetectionObserver::Reason>(reason)));
+    for (int reason = 1; *Evidence::ReasonText(static_cast<Evidence::Reason>(reason)) != '\0'; ++reason) {
+        words.emplace_back(Evidence::ReasonText(static_cast<Evidence::Reason>(reason)));
     }
     std::vector<std::string> listed;
     const Json::Value schema = Schema();

@@ -4,7 +4,8 @@
 #include <string_view>
 #include <utility>
 
-#include "arborist/frame/detection_observer.h"
+#include "arborist/frame/evidence.h"
+#include "arborist/frame/trouble_watch.h"
 #include "arborist/stores/common_part/lower_case.h"
 #include "arborist/stores/sql/simple_database_helper.h"
 #include "arborist/stores/sql/sql_table.h"
@@ -94,6 +95,13 @@ std::string ScaledText(const std::string& type, const std::string& text, std::ui
     return "";
 }
 
+void NoteColumn(Evidence::Statement* record, const Param& param, const std::string& raw)
+{
+    if (record != nullptr) {
+        record->columns.push_back({param.id, param.key, param.type, raw, param.value});
+    }
+}
+
 // A single select, which leaves no trace on the connection that it ran on.
 bool IsPlainSelect(const std::string& sql)
 {
@@ -119,22 +127,27 @@ bool CommandRuleDbHelper::IsOpenDbSuccess(const std::string& path)
 }
 
 CommandRuleDbHelper::ParamList CommandRuleDbHelper::RunSql(const std::string& sql, const ParamList& params,
-    bool isNormalization, const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second)
+    bool isNormalization, const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second,
+    Evidence::Statement* record)
 {
     FT::sql::SqlDatabase& database = mConnection.Get();
     std::vector<FT::sql::SqlField> fields = FieldsOf(params, first, second);
     // Carries the fields alone: there is no table of that name.
     FT::sql::SqlTable table(database.GetHandle(), "tmp_table", fields.data(), fields.size());
+    const StatementTrouble inRecord(std::nullopt);
     mRowCount = FT::sql::SimpleDatabaseHelper().GetRecordCountByFullSql(table, sql);
-    if (mObserver != nullptr) {
-        mObserver->OnQuery({mConnection.GetPath(), sql, database.IsOpen(), table.GetRecordCount(), table.GetErrorMessage()});
+    if (record != nullptr) {
+        record->database = mConnection.GetPath();
+        record->opened = database.IsOpen();
+        record->rows = table.GetRecordCount();
+        record->error = table.GetErrorMessage();
     }
     mIsIntervalMissing = false;
     ParamList result;
-    const FT::sql::SqlRecord* const record = table.GetTopRecord();
-    if (mRowCount == 1 && record != nullptr) {
-        result = isNormalization ? UpdateParamListOfNormalization(params, *record, first, second)
-                                 : UpdateParamList(params, *record);
+    const FT::sql::SqlRecord* const row = table.GetTopRecord();
+    if (mRowCount == 1 && row != nullptr) {
+        result = isNormalization ? UpdateParamListOfNormalization(params, *row, first, second, record)
+                                 : UpdateParamList(params, *row, record);
     }
     mLimits.LowerAfter(database.GetHandle());
     // A file that can't be read says so again when it is opened for the next statement.
@@ -145,13 +158,13 @@ CommandRuleDbHelper::ParamList CommandRuleDbHelper::RunSql(const std::string& sq
 }
 
 CommandRuleDbHelper::ParamList CommandRuleDbHelper::UpdateParamList(
-    const ParamList& params, const FT::sql::SqlRecord& record) const
+    const ParamList& params, const FT::sql::SqlRecord& row, Evidence::Statement* record)
 {
     ParamList result;
     for (const auto& param : params) {
         if (param != nullptr) {
-            param->value = GetRecordParamAsStr(record, *param);
-            TellParameter(*param, param->value);
+            param->value = GetRecordParamAsStr(row, *param);
+            NoteColumn(record, *param, param->value);
             result.push_back(std::make_shared<Param>(*param));
         }
     }
@@ -159,46 +172,36 @@ CommandRuleDbHelper::ParamList CommandRuleDbHelper::UpdateParamList(
 }
 
 CommandRuleDbHelper::ParamList CommandRuleDbHelper::UpdateParamListOfNormalization(const ParamList& params,
-    const FT::sql::SqlRecord& record, const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second)
+    const FT::sql::SqlRecord& row, const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second,
+    Evidence::Statement* record)
 {
-    const std::int64_t start = GetRecordInterval(record, first);
-    const std::int64_t end = GetRecordInterval(record, second);
+    const std::int64_t start = GetRecordInterval(row, first);
+    const std::int64_t end = GetRecordInterval(row, second);
+    const std::uint64_t days = Distance(start, end) / static_cast<std::uint64_t>(SECONDS_OF_DAY);
     // One second apart is left out on purpose.
     mIsIntervalMissing = start == 0 || end == 0 || Distance(start, end) == 1;
-    if (mObserver != nullptr) {
-        const std::uint64_t days = Distance(start, end) / static_cast<std::uint64_t>(SECONDS_OF_DAY);
-        mObserver->OnInterval({first == nullptr ? std::string_view() : first->key,
-            second == nullptr ? std::string_view() : second->key, start, end, days, !mIsIntervalMissing});
+    if (record != nullptr) {
+        record->interval = {first == nullptr ? std::string() : first->key,
+            second == nullptr ? std::string() : second->key, start, end, days, !mIsIntervalMissing};
     }
-    if (mIsIntervalMissing) {
-        return {};
-    }
-    return GenerateParamListOfNormalization(params, record, start, end);
+    return mIsIntervalMissing ? ParamList() : GenerateParamListOfNormalization(params, row, days, record);
 }
 
 CommandRuleDbHelper::ParamList CommandRuleDbHelper::GenerateParamListOfNormalization(
-    const ParamList& params, const FT::sql::SqlRecord& record, std::int64_t start, std::int64_t end) const
+    const ParamList& params, const FT::sql::SqlRecord& row, std::uint64_t days, Evidence::Statement* record)
 {
-    const std::uint64_t days = Distance(start, end) / static_cast<std::uint64_t>(SECONDS_OF_DAY);
     ParamList result;
     for (const auto& param : params) {
         if (param == nullptr || param->type == "string") {
             continue;
         }
-        const std::string raw = GetRecordParamAsStr(record, *param);
+        const std::string raw = GetRecordParamAsStr(row, *param);
         std::string scaled = raw.empty() ? "" : ScaledText(param->type, raw, days);
         if (!scaled.empty()) {
             param->value = std::move(scaled);
         }
-        TellParameter(*param, raw);
+        NoteColumn(record, *param, raw);
         result.push_back(param);
     }
     return result;
-}
-
-void CommandRuleDbHelper::TellParameter(const Param& param, const std::string& raw) const
-{
-    if (mObserver != nullptr) {
-        mObserver->OnParameter({param.id, param.key, param.type, raw, param.value});
-    }
 }

@@ -10,7 +10,9 @@
 #include "arborist/stores/kept_connection.h"
 #include "arborist/stores/sql/sql_database.h"
 
-class DetectionObserver;
+namespace Evidence {
+struct Statement;
+}
 
 namespace FT::sql {
 class SqlRecord;
@@ -33,11 +35,12 @@ public:
     /// Plain: copies of the parameters, with their values. Normalised: the parameters themselves, numbers scaled from
     /// the days between the columns of `first` and `second` to 30 days, texts left out; empty when one of the two
     /// columns is 0 or they are one second apart.
+    ///
+    /// `record`, if there is one, is told the database, the rows and the values.
     ParamList RunSql(const std::string& sql, const ParamList& params, bool isNormalization,
-        const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second);
+        const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second,
+        Evidence::Statement* record = nullptr);
 
-    /// Not owned; outlives the helper or is taken away with null. It is told of queries and of values.
-    void SetObserver(DetectionObserver* observer) { mObserver = observer; }
     /// Rows that the last statement gave.
     std::uint64_t GetRowCount() const { return mRowCount; }
     /// Whether the last RunSql had a row whose values it could not scale.
@@ -46,16 +49,15 @@ public:
 private:
     friend struct CommandRuleDbHelperPeer; // tests set the limits through it
 
-    ParamList UpdateParamList(const ParamList& params, const FT::sql::SqlRecord& record) const;
-    ParamList UpdateParamListOfNormalization(const ParamList& params, const FT::sql::SqlRecord& record,
-        const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second);
-    ParamList GenerateParamListOfNormalization(
-        const ParamList& params, const FT::sql::SqlRecord& record, std::int64_t start, std::int64_t end) const;
-    void TellParameter(const Param& param, const std::string& raw) const;
+    static ParamList UpdateParamList(
+        const ParamList& params, const FT::sql::SqlRecord& row, Evidence::Statement* record);
+    ParamList UpdateParamListOfNormalization(const ParamList& params, const FT::sql::SqlRecord& row,
+        const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second, Evidence::Statement* record);
+    static ParamList GenerateParamListOfNormalization(const ParamList& params, const FT::sql::SqlRecord& row,
+        std::uint64_t days, Evidence::Statement* record);
 
     KeptConnection<FT::sql::SqlDatabase> mConnection;
     FT::sql::SqlLimits mLimits;
-    DetectionObserver* mObserver = nullptr;
     std::uint64_t mRowCount = 0;
     bool mIsIntervalMissing = false;
 };

@@ -12,8 +12,6 @@ namespace {
 
 using LumbraDataList = ThresholdOrLumbraBean::LumbraDataList;
 
-constexpr char LUMBRA_PLUS_DATA[] = "lumbraPlusData";
-
 std::string ParentOf(const std::string& path)
 {
     return path.substr(0, path.rfind('/'));
@@ -88,8 +86,8 @@ bool CommonPartDbHelper::IsSuccessCreateJankDb(
             return false;
         }
         const DerivedTables::Table table{bean->GetName(), ColumnsOf(bean->GetLumbraDataList())};
-        isBuilt = bean->GetType() == LUMBRA_PLUS_DATA ? IsSuccessCreateLumbraPlusDb(table)
-                                                      : IsSuccessCreatePerfDb(table, ids, eventDbPath);
+        isBuilt = bean->TakesEvents() ? IsSuccessCreatePerfDb(table, ids, eventDbPath)
+                                      : IsSuccessCreateLumbraPlusDb(table);
     }
     return isBuilt;
 }

@@ -7,6 +7,7 @@
 #include "arborist/frame/fault_tree_prop_global.h"
 #include "arborist/frame/log.h"
 #include "arborist/frame/settings.h"
+#include "arborist/frame/trouble_watch.h"
 #include "arborist/stores/common_part/database_search.h"
 #include "arborist/stores/common_part/database_steps.h"
 #include "arborist/stores/common_part/file_name_pattern.h"
@@ -122,6 +123,7 @@ PathList CopyDbFile(const std::string& path, const std::string& dbName)
     if (directory.empty()) {
         FT::Log::GetInstance().Output(
             FT::LEVEL_ERROR, "FUNc:%s: database dir is empty.", "CommonPartDbHelper::CopyDbFile");
+        TroubleWatch::Tell(Evidence::Trouble::Kind::NO_COPY_FOLDER, "");
         return {};
     }
     const std::string rootOfDevice = DevicePaths::RealRootOfDevice();

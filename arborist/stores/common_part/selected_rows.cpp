@@ -7,6 +7,7 @@
 #include <json/value.h>
 
 #include "arborist/frame/log.h"
+#include "arborist/frame/trouble_watch.h"
 #include "arborist/stores/sql/sql_cursor.h"
 #include "arborist/stores/sql/sql_database.h"
 #include "arborist/utilities/json_text.h"
@@ -117,6 +118,7 @@ void TellExtraWithoutJson(const std::string& extra)
     if (!ParseJson(extra, ignored, error)) {
         FT::Log::GetInstance().Output(
             FT::LEVEL_ERROR, "FUNc:%s: jsonStr[%s] err. %s ", NAME, extra.c_str(), error.c_str());
+        TroubleWatch::Tell(Evidence::Trouble::Kind::BAD_EXTRA, error);
     }
 }
 
@@ -152,6 +154,7 @@ void QueryDataSet(const FT::sql::SqlDatabase& database, const std::string& sql, 
         // As every statement of the stores tells it. The rows that came before stay.
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Execute sql failed: %s",
             "FT::sql::SqlOperator::Execute", error.c_str());
+        StatementTrouble::Tell(error);
     }
     for (const std::string& extra : builder.GetTextsWithoutJson()) { // behind the line of a statement that fails
         TellExtraWithoutJson(extra);

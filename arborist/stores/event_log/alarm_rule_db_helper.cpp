@@ -6,6 +6,7 @@
 #include "arborist/frame/fault_tree_prop_global.h"
 #include "arborist/frame/log.h"
 #include "arborist/frame/settings.h"
+#include "arborist/frame/trouble_watch.h"
 #include "arborist/stores/sql/simple_database_helper.h"
 #include "arborist/stores/sql/sql_text.h"
 #include "arborist/utilities/device_paths.h"
@@ -281,6 +282,7 @@ void AlarmRuleDbHelper::VisitBrokenOff(std::int64_t firstId, const Visitor& visi
     for (std::int64_t id = firstId; id <= lastId; ++id) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Execute sql failed: %s",
             "FT::sql::SqlOperator::Execute", mIndex.GetError().c_str());
+        StatementTrouble::Tell(mIndex.GetError());
         mQuery.lastId = static_cast<std::int32_t>(id);
         if (VisitEntries(id, visitor)) {
             return;

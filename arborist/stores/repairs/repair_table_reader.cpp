@@ -1,6 +1,7 @@
 #include "arborist/stores/repairs/repair_table_reader.h"
 
 #include "arborist/frame/log.h"
+#include "arborist/frame/trouble_watch.h"
 
 bool RepairTableReader::IsThere()
 {
@@ -35,6 +36,7 @@ bool RepairTableReader::Holds(const std::string& repairId) const
     if (!rows.IsOk()) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Execute sql failed: %s",
             "FT::sql::SqlOperator::Execute", rows.GetError().c_str());
+        StatementTrouble::Tell(rows.GetError());
     }
     return isKnown;
 }

@@ -8,6 +8,7 @@
 #include <sqlite3.h>
 
 #include "arborist/frame/log.h"
+#include "arborist/frame/trouble_watch.h"
 
 namespace FT::sql {
 
@@ -70,6 +71,7 @@ bool SqlOperator::Run(const std::string& sql, RowCallback callback)
     sqlite3_free(errorText);
     if (!errorMessage.empty()) {
         Log::GetInstance().Output(LEVEL_ERROR, Way::FAILED, Way::FUNCTION, errorMessage.c_str());
+        StatementTrouble::Tell(errorMessage);
     }
     return false;
 }

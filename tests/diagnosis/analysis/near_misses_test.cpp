@@ -176,12 +176,12 @@ PlainSet Union(const PlainSet& left, const PlainSet& right)
 PlainSets Expand(const ToldEvent& event)
 {
     if (event.isLeaf) {
-        return {IsError(event.status) ? PlainSet{{event.id}, {}} : PlainSet{{}, {event.id}}};
+        return {Evidence::IsInError(event.status) ? PlainSet{{event.id}, {}} : PlainSet{{}, {event.id}}};
     }
     PlainSets all;
     for (const ToldEvent& below : event.below) {
         const PlainSets more = Expand(below);
-        if (event.gate == diagnosis::ExplainedEvent::Folded::GateKind::OR || all.empty()) {
+        if (event.gate == Evidence::GateType::OR || all.empty()) {
             all.insert(all.end(), more.begin(), more.end());
             continue;
         }
@@ -193,7 +193,7 @@ PlainSets Expand(const ToldEvent& event)
         }
         all = product;
     }
-    if (event.observable && !IsError(event.status)) {
+    if (event.observable && !Evidence::IsInError(event.status)) {
         for (PlainSet& set : all) {
             set.missing.insert(event.id);
         }

@@ -11,7 +11,7 @@ using testing::HasSubstr;
 TEST(BadPatternTest, OneThatIsTooLongIsNamedAndNotCompiled)
 {
     const std::string pattern(1000000, '(');
-    EXPECT_THAT(diagnosis::BadPatternMessage({}, {{"LONG", pattern}, {"FINE", ".*"}}, "too long"),
+    EXPECT_THAT(diagnosis::BadPatternMessage({{}, {{"LONG", pattern}, {"FINE", ".*"}}, {}}, "too long"),
         AllOf(HasSubstr(pattern + "\" of the defDBTable \"LONG\""), testing::Not(HasSubstr("FINE"))));
 }
 

@@ -16,7 +16,6 @@ namespace {
 
 using diagnosis::DetectionReport;
 using diagnosis::DrawnTree;
-using Folded = DetectionObserver::EventFolded;
 using Truth = std::map<std::string, bool>;
 
 // Ids that a format could take for its own signs, for another id, or for a name that it gives itself.
@@ -46,12 +45,12 @@ private:
     void Add(diagnosis::RecordedTree& tree, std::size_t depth)
     {
         const bool isLeaf = depth > 0 && (depth == 4 || Below(2) == 0);
-        const auto kind = !isLeaf ? Folded::Kind::INTERMEDIATE
-            : Below(5) == 0       ? Folded::Kind::UNDEVELOPED
-                                  : Folded::Kind::BASIC;
-        const auto gate = isLeaf ? Folded::GateKind::NONE : Below(2) == 0 ? Folded::GateKind::OR : Folded::GateKind::AND;
-        const auto status = static_cast<EventStatus>(Below(4));
-        tree.events.push_back({depth, kind, gate, Id(), Id(), status, !isLeaf && Below(4) == 0});
+        const auto kind = !isLeaf ? Evidence::EventType::INTERMEDIATE
+            : Below(5) == 0       ? Evidence::EventType::UNDEVELOPED
+                                  : Evidence::EventType::BASIC;
+        const auto gate = isLeaf ? Evidence::GateType::NONE : Below(2) == 0 ? Evidence::GateType::OR : Evidence::GateType::AND;
+        const auto status = static_cast<Evidence::EventState>(Below(4));
+        tree.events.push_back({depth, kind, gate, Id(), Id(), "", status, !isLeaf && Below(4) == 0});
         for (unsigned count = isLeaf ? 0 : Below(4); count > 0; --count) {
             Add(tree, depth + 1);
         }
@@ -158,10 +157,10 @@ private:
 bool Holds(const DrawnTree& tree, std::size_t place, const Truth& truth)
 {
     const auto& event = *tree.events[place].event;
-    if (event.kind != Folded::Kind::INTERMEDIATE) {
+    if (event.type != Evidence::EventType::INTERMEDIATE) {
         return truth.at(diagnosis::EscapedName(event.id));
     }
-    const bool isAnd = event.gate == Folded::GateKind::AND;
+    const bool isAnd = event.gate == Evidence::GateType::AND;
     bool holds = isAnd;
     for (const std::size_t child : tree.events[place].children) {
         holds = isAnd ? holds && Holds(tree, child, truth) : holds || Holds(tree, child, truth);

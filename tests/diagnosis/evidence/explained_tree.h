@@ -9,8 +9,8 @@
 /// Explained trees as they are told: `Told({Gate::OR, "T", {Event("A", TRUE), ...}})`.
 struct ToldEvent {
     std::string id;
-    EventStatus status = EventStatus::FALSE;
-    diagnosis::ExplainedEvent::Folded::GateKind gate = diagnosis::ExplainedEvent::Folded::GateKind::NONE;
+    Evidence::EventState status = Evidence::EventState::ABSENT;
+    Evidence::GateType gate = Evidence::GateType::NONE;
     std::vector<ToldEvent> below = {};
     bool observable = false;
     bool isLeaf = true;
@@ -18,29 +18,24 @@ struct ToldEvent {
 
 inline ToldEvent Event(const std::string& id, bool isInError)
 {
-    return {id, isInError ? EventStatus::TRUE : EventStatus::FALSE};
+    return {id, isInError ? Evidence::EventState::PRESENT : Evidence::EventState::ABSENT};
 }
 
 inline ToldEvent GateEvent(const std::string& id, bool isOr, std::vector<ToldEvent> below, bool isInError = false,
     bool observable = false)
 {
-    using GateKind = diagnosis::ExplainedEvent::Folded::GateKind;
-    return {id, isInError ? EventStatus::TRUE : EventStatus::FALSE, isOr ? GateKind::OR : GateKind::AND,
-        std::move(below), observable, false};
+    using Evidence::GateType;
+    return {id, isInError ? Evidence::EventState::PRESENT : Evidence::EventState::ABSENT,
+        isOr ? GateType::OR : GateType::AND, std::move(below), observable, false};
 }
 
 inline void Append(const ToldEvent& told, std::size_t parent, std::size_t depth, diagnosis::ExplainedTree& tree)
 {
-    using Kind = diagnosis::ExplainedEvent::Folded::Kind;
+    using Type = Evidence::EventType;
     const std::size_t place = tree.events.size();
-    diagnosis::ExplainedEvent& event = tree.events.emplace_back();
-    event.id = told.id;
-    event.status = told.status;
-    event.gate = told.gate;
-    event.kind = told.isLeaf ? Kind::BASIC : Kind::INTERMEDIATE;
-    event.observable = told.observable;
-    event.parent = parent;
-    event.depth = depth;
+    const Evidence::FoldedEvent event{depth, told.isLeaf ? Type::BASIC : Type::INTERMEDIATE, told.gate, told.id, "", "",
+        told.status, told.observable};
+    tree.events.push_back({event, parent});
     for (const ToldEvent& below : told.below) {
         Append(below, place, depth + 1, tree);
     }

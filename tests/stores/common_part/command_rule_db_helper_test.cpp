@@ -4,7 +4,7 @@
 
 #include <gmock/gmock.h>
 
-#include "arborist/frame/detection_observer.h"
+#include "arborist/frame/evidence.h"
 #include "arborist/frame/log.h"
 #include "arborist/frame/settings.h"
 #include "tests/support/case_name.h"
@@ -31,18 +31,18 @@ protected:
 
     CommandRuleDbHelperTest() { EventLogBuilder::Run(mPath, "create table t(a, b); insert into t values (5, 'x')"); }
 
-    ParamList Run(const std::string& sql, const ParamList& params)
+    ParamList Run(const std::string& sql, const ParamList& params, Evidence::Statement* record = nullptr)
     {
         EXPECT_TRUE(mHelper.IsOpenDbSuccess(mPath));
-        return mHelper.RunSql(sql, params, false, nullptr, nullptr);
+        return mHelper.RunSql(sql, params, false, nullptr, nullptr, record);
     }
 
     // Normalises the columns of one row from the days between its columns "start" and "end".
     ParamList Normalise(const std::string& row, const ParamList& params, const std::string& start = "start",
-        const std::string& end = "start")
+        const std::string& end = "start", Evidence::Statement* record = nullptr)
     {
         EXPECT_TRUE(mHelper.IsOpenDbSuccess(mPath));
-        return mHelper.RunSql("select " + row, params, true, ParamOf(start, "long"), ParamOf(end, "long"));
+        return mHelper.RunSql("select " + row, params, true, ParamOf(start, "long"), ParamOf(end, "long"), record);
     }
 
     static std::string Text(const ParamList& params)
@@ -290,29 +290,20 @@ TEST_F(CommandRuleDbHelperTest, EndsOfTheNumbersScaleWithoutHarm)
     EXPECT_EQ(Text(Normalise("7, 1, 371085174288001", {ParamOf("v", "int")}, "start", "end")), "v:v:int=0");
 }
 
-class Listener : public DetectionObserver {
-public:
-    void OnQuery(const QuerySeen& query) override
-    {
-        heard.push_back(std::string(query.sql) + " " + std::to_string(query.rows));
-    }
-    void OnParameter(const ParameterSeen& parameter) override
-    {
-        heard.push_back(
-            std::string(parameter.id) + " " + std::string(parameter.raw) + " " + std::string(parameter.value));
-    }
-    std::vector<std::string> heard;
-};
-
-TEST_F(CommandRuleDbHelperTest, ObserverHearsTheQueryAndEachValueRawAndScaled)
+TEST_F(CommandRuleDbHelperTest, ARecordHoldsTheStatementAndEachValueRawAndScaled)
 {
-    Listener listener;
-    mHelper.SetObserver(&listener);
-    Normalise("5, 1, 1", {ParamOf("v", "int")});
-    Run("select a, b from t", {ParamOf("a", "int"), ParamOf("b", "string")});
-    Run("select no", {ParamOf("a", "int")});
-    EXPECT_THAT(listener.heard, ElementsAre("select 5, 1, 1 1", "v 5 150", "select a, b from t 1", "a 5 5", "b x x",
-        "select no 0"));
+    Evidence::Statement record;
+    Normalise("5, 1, 1", {ParamOf("v", "int")}, "start", "start", &record);
+    EXPECT_EQ(record.sql, "") << "the caller's";
+    EXPECT_EQ(record.rows, 1U);
+    EXPECT_TRUE(record.opened);
+    ASSERT_EQ(record.columns.size(), 1U);
+    EXPECT_EQ(record.columns[0].raw + " " + record.columns[0].value, "5 150");
+    record = {};
+    Run("select no", {ParamOf("a", "int")}, &record);
+    EXPECT_EQ(record.rows, 0U);
+    EXPECT_EQ(record.error, "no such column: no");
+    EXPECT_THAT(record.columns, IsEmpty());
 }
 
 } // namespace

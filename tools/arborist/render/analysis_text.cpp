@@ -59,19 +59,21 @@ private:
     void WriteMissing(std::size_t place)
     {
         const ExplainedEvent& event = mTree.events[place];
-        Line("    " + Joined(mTree.PathIds(place), " / ") + "  " + GetElemTypeName(event.status));
-        const ExplainedEvidence* evidence = mTree.EvidenceOf(event);
-        if (evidence == nullptr || evidence->rules.empty()) {
+        Line("    " + Joined(mTree.PathIds(place), " / ") + "  " + Evidence::StateText(event.status));
+        const Evidence::Event* evidence = mTree.EvidenceOf(event);
+        const std::vector<PlacedRule> rules = evidence == nullptr ? std::vector<PlacedRule>() : RulesOf(*evidence);
+        if (rules.empty()) {
             const Reason reason = ReasonOfEvent(mTree, event);
             if (reason != Reason::NONE) {
-                Line(std::string("      ") + DetectionObserver::ReasonText(reason));
+                Line(std::string("      ") + Evidence::ReasonText(reason));
             }
             return;
         }
-        for (const ExplainedRule& rule : evidence->rules) {
+        for (const PlacedRule& placed : rules) {
+            const Evidence::Rule& rule = placed.rule;
             const std::string summary = RuleSummary(rule);
             Line("      rule " + Shown(rule.name) + ": " + VerdictText(rule, mColour) + " "
-                + DetectionObserver::ReasonText(rule.reason) + (summary.empty() ? "" : ", " + summary));
+                + Evidence::ReasonText(rule.reason) + (summary.empty() ? "" : ", " + summary));
         }
     }
 

@@ -9,7 +9,7 @@ namespace diagnosis::command {
 
 namespace {
 
-using FileKind = DetectionObserver::RuleSetFile::Kind;
+using FileKind = Evidence::RuleSetFileType;
 
 std::string Line(const std::string& label, const std::string& text)
 {

@@ -89,14 +89,15 @@ private:
         }
         const ExplainedEvent& event = mTree.events[member];
         Line("    " + Joined(mTree.PathIds(member), " / "));
-        const ExplainedEvidence* evidence = mTree.EvidenceOf(event);
+        const Evidence::Event* evidence = mTree.EvidenceOf(event);
         if (evidence == nullptr) {
             return;
         }
-        for (const ExplainedRule& rule : evidence->rules) {
-            if (rule.verdict == DetectionObserver::Verdict::FIRED) {
+        for (const PlacedRule& placed : RulesOf(*evidence)) {
+            const Evidence::Rule& rule = placed.rule;
+            if (rule.verdict == Evidence::Verdict::FIRED) {
                 const std::string summary = RuleSummary(rule);
-                Line("      rule " + Shown(rule.name) + ": " + DetectionObserver::ReasonText(rule.reason)
+                Line("      rule " + Shown(rule.name) + ": " + Evidence::ReasonText(rule.reason)
                     + (summary.empty() ? "" : ", " + summary));
             }
         }

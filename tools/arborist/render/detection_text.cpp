@@ -36,24 +36,23 @@ std::string RootCauseText(std::size_t number, const FaultTreeResult::RootCauseRe
     return text + Line("user defined", Printable(cause.mNode->mUserDefined));
 }
 
-const char* Mark(const RecordedEvent& event)
+const char* Mark(const Evidence::FoldedEvent& event)
 {
-    using Folded = DetectionObserver::EventFolded;
-    if (event.kind == Folded::Kind::UNDEVELOPED) {
+    if (event.type == Evidence::EventType::UNDEVELOPED) {
         return " (undeveloped)";
     }
-    if (event.kind == Folded::Kind::BASIC) {
+    if (event.type == Evidence::EventType::BASIC) {
         return "";
     }
-    return event.gate == Folded::GateKind::OR ? " OR" : event.gate == Folded::GateKind::AND ? " AND" : " (no gate)";
+    return event.gate == Evidence::GateType::OR ? " OR" : event.gate == Evidence::GateType::AND ? " AND" : " (no gate)";
 }
 
-std::string TreeText(const std::vector<RecordedEvent>& events)
+std::string TreeText(const std::vector<Evidence::FoldedEvent>& events)
 {
     static constexpr std::size_t STATUS_WIDTH = 8;
     std::string text;
-    for (const RecordedEvent& event : events) {
-        std::string status = GetElemTypeName(event.status);
+    for (const Evidence::FoldedEvent& event : events) {
+        std::string status = Evidence::StateText(event.status);
         status.resize(std::max(status.size(), STATUS_WIDTH), ' ');
         text += "    " + status + std::string(2 * event.depth, ' ') + Shown(event.id) + Mark(event);
         text += event.name.empty() ? "\n" : "  " + Printable(event.name) + "\n";

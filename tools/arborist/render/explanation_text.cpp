@@ -16,7 +16,6 @@ namespace diagnosis::command {
 
 namespace {
 
-using Folded = ExplainedEvent::Folded;
 
 constexpr std::size_t STATUS_WIDTH = 9;
 
@@ -55,12 +54,12 @@ public:
 private:
     void Line(const std::string& text) { mText += "  " + text + "\n"; }
 
-    std::string Status(EventStatus status) const
+    std::string Status(Evidence::EventState status) const
     {
-        std::string word = GetElemTypeName(status);
+        std::string word = Evidence::StateText(status);
         word.resize(std::max(word.size(), STATUS_WIDTH), ' ');
-        return IsError(status) ? mColour.Red(word)
-            : status == EventStatus::UNKNOWN ? mColour.Yellow(word) : mColour.Green(word);
+        return Evidence::IsInError(status) ? mColour.Red(word)
+            : status == Evidence::EventState::UNKNOWN ? mColour.Yellow(word) : mColour.Green(word);
     }
 
     void WriteHead()
@@ -76,13 +75,13 @@ private:
     std::string GateText(std::size_t place) const
     {
         const ExplainedEvent& event = mTree.events[place];
-        if (event.kind == Folded::Kind::UNDEVELOPED) {
+        if (event.type == Evidence::EventType::UNDEVELOPED) {
             return " (undeveloped)";
         }
         if (event.IsLeaf()) {
             return "";
         }
-        return event.gate == Folded::GateKind::OR ? " OR" : event.gate == Folded::GateKind::AND ? " AND" : " (no gate)";
+        return event.gate == Evidence::GateType::OR ? " OR" : event.gate == Evidence::GateType::AND ? " AND" : " (no gate)";
     }
 
     // What the gate makes of what is below, and whether the event follows it.
@@ -91,17 +90,17 @@ private:
         const ExplainedEvent& event = mTree.events[place];
         if (event.IsLeaf()) {
             const Reason reason = ReasonOfEvent(mTree, event);
-            return reason == Reason::NONE ? "" : DetectionObserver::ReasonText(reason);
+            return reason == Reason::NONE ? "" : Evidence::ReasonText(reason);
         }
         const GateLogic logic = GateLogicOf(mTree, place);
         std::string text = std::to_string(logic.inError) + " of " + std::to_string(logic.below) + " in error";
-        if (event.gate == Folded::GateKind::AND && logic.decider != ExplainedEvent::NONE) {
+        if (event.gate == Evidence::GateType::AND && logic.decider != ExplainedEvent::NONE) {
             text += ", " + Shown(mTree.events[logic.decider].id) + " decides";
         }
         if (event.observable) {
             text += "; decided by its own rules";
-            text += IsError(logic.outcome) == event.IsInError()
-                ? "" : std::string(", its gate says ") + GetElemTypeName(logic.outcome);
+            text += Evidence::IsInError(logic.outcome) == event.IsInError()
+                ? "" : std::string(", its gate says ") + Evidence::StateText(logic.outcome);
         }
         return text;
     }
@@ -137,27 +136,29 @@ private:
 
     void WriteRules(const ExplainedEvent& event, const std::string& indent)
     {
-        const ExplainedEvidence* evidence = mTree.EvidenceOf(event);
-        if (evidence == nullptr || evidence->rules.empty()) {
+        const Evidence::Event* evidence = mTree.EvidenceOf(event);
+        const std::vector<PlacedRule> rules = evidence == nullptr ? std::vector<PlacedRule>() : RulesOf(*evidence);
+        if (rules.empty()) {
             return;
         }
         if (!mToldEvidence.insert(event.evidence).second) {
             Line(indent + mColour.Faint("rules as above"));
             return;
         }
-        for (const ExplainedRule& rule : evidence->rules) {
-            if (IsShown(rule, mView)) {
-                WriteRule(rule, indent);
+        for (const PlacedRule& placed : rules) {
+            if (IsShown(placed.rule, mView)) {
+                WriteRule(placed, indent);
             }
         }
     }
 
-    void WriteRule(const ExplainedRule& rule, const std::string& indent)
+    void WriteRule(const PlacedRule& placed, const std::string& indent)
     {
-        const std::string family = DetectionObserver::FamilyText(rule.family);
-        const std::string joint = rule.inGroup && rule.place > 0 ? "and " : "";
+        const Evidence::Rule& rule = placed.rule;
+        const std::string family = Evidence::FamilyText(rule.GetFamily());
+        const std::string joint = placed.inGroup && placed.place > 0 ? "and " : "";
         Line(indent + joint + "rule " + Shown(rule.name) + (family.empty() ? "" : " (" + family + ")") + ": "
-            + VerdictText(rule, mColour) + " " + DetectionObserver::ReasonText(rule.reason));
+            + VerdictText(rule, mColour) + " " + Evidence::ReasonText(rule.reason));
         for (const std::string& line : RuleLines(rule)) {
             Line(indent + "    " + line);
         }

@@ -12,15 +12,15 @@ std::string TimesText(std::uint64_t times, Colour colour)
     return times == 1 ? "" : "  " + colour.Faint("(stands " + std::to_string(times) + " times in the list)");
 }
 
-std::string VerdictText(const ExplainedRule& rule, Colour colour)
+std::string VerdictText(const Evidence::Rule& rule, Colour colour)
 {
-    const std::string word = VerdictWord(rule.verdict);
+    const std::string word = Evidence::VerdictText(rule.verdict);
     switch (rule.verdict) {
-    case DetectionObserver::Verdict::FIRED:
+    case Evidence::Verdict::FIRED:
         return colour.Red(word);
-    case DetectionObserver::Verdict::NOT_FIRED:
+    case Evidence::Verdict::NOT_FIRED:
         return colour.Green(word);
-    case DetectionObserver::Verdict::SKIPPED:
+    case Evidence::Verdict::SKIPPED:
         return colour.Yellow(word);
     }
     return word;

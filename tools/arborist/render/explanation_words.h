@@ -17,7 +17,7 @@ std::string Counted(std::uint64_t number, const std::string& one, const std::str
 std::string TimesText(std::uint64_t times, Colour colour);
 
 /// TRUE, FALSE or SKIP in the colour that it has everywhere.
-std::string VerdictText(const ExplainedRule& rule, Colour colour);
+std::string VerdictText(const Evidence::Rule& rule, Colour colour);
 
 /// The ids of the events at these places of a tree.
 std::vector<std::string> IdsAt(const ExplainedTree& tree, const std::vector<std::size_t>& places);

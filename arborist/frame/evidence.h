@@ -1,0 +1,384 @@
+#ifndef ARBORIST_FRAME_EVIDENCE_H
+#define ARBORIST_FRAME_EVIDENCE_H
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "arborist/arborist_export.h"
+#include "arborist/frame/evidence_words.h"
+
+// From C++20 on records can be compared.
+#if defined(__cpp_impl_three_way_comparison)
+#define ARBORIST_COMPARABLE(Record) bool operator==(const Record&) const = default;
+#else
+#define ARBORIST_COMPARABLE(Record)
+#endif
+
+/// What a detection rests on, as records that own their texts and outlive the engine: an event's evidence holds its
+/// alternatives, these hold their rules, and a rule holds what its family looked at.
+///
+/// The engine fills a record while it decides, and hands it to the DetectionObserver when it is complete. Without an
+/// observer no record is made.
+namespace Evidence {
+
+/// Seconds since the epoch with their local time, in the zone that was in force. The text is empty for 0, which stands
+/// for none, and outside the years 0 to 9999.
+struct Moment {
+    std::int64_t seconds = 0;
+    std::string local;
+
+    ARBORIST_COMPARABLE(Moment)
+};
+
+/// From what moment on a rule looked at the log, and which of four moments, the latest, set it.
+struct Start {
+    Moment start;
+    Moment period;
+    Moment reset;
+    Moment update;
+    Moment repair;
+    Floor floor = Floor::PERIOD;
+    std::int32_t periodDays = 0;
+    std::string beginFlag;
+    /// The repair that has the latest date; empty when none has one.
+    std::string repairId;
+
+    ARBORIST_COMPARABLE(Start)
+};
+
+/// The filter that turned a rule away: Rule::reason tells which.
+struct Filter {
+    std::string deviceValue;
+    std::string ruleText;
+
+    ARBORIST_COMPARABLE(Filter)
+};
+
+/// One test of an alarm item's parameters. Where several must hold for one row, each is put to the rows that passed
+/// those before it.
+struct Test {
+    std::string key;
+    std::string type;
+    std::string logic;
+    std::string value;
+    std::uint64_t rowsTested = 0;
+    std::uint64_t rowsPassed = 0;
+
+    ARBORIST_COMPARABLE(Test)
+};
+
+/// What was counted for a window of an alarm rule.
+struct WindowCount {
+    /// Rows of the range since the start, up to the id that reached the threshold; those of another version; those
+    /// that failed a test, of the condition under which the fewest did.
+    std::uint64_t rowsFound = 0;
+    std::uint64_t rowsOfOtherVersion = 0;
+    std::uint64_t rowsFailedTest = 0;
+    /// The best count, weight or daily peak that one id reached, and that id; both 0 without rows.
+    std::int64_t reached = 0;
+    std::int64_t reachedById = 0;
+    /// What `reached` is; NONE where no row was counted.
+    Measure measure = Measure::NONE;
+
+    ARBORIST_COMPARABLE(WindowCount)
+};
+
+/// One time window of one item of an alarm rule. An item whose id range is empty has no window: `kind` is empty then,
+/// and the reason NO_IDS.
+struct Window {
+    /// Place of the item in its rule, from 0.
+    std::size_t item = 0;
+    std::int64_t firstId = 0;
+    std::int64_t lastId = 0;
+    /// "duration", "daily_peak", "latest" or empty.
+    std::string kind;
+    std::int32_t periodDays = 0;
+    std::int64_t threshold = 0;
+    /// Nothing where the window was not counted.
+    std::optional<Start> start;
+    /// Only rows of the current version count.
+    bool versionFilter = false;
+    WindowCount count;
+    bool hit = false;
+    Reason reason = Reason::NONE;
+    std::vector<Test> tests;
+
+    /// How much the best id was short of the threshold; 0 for a hit and for a window that was not counted.
+    std::int64_t Missing() const { return hit || !start || count.reached >= threshold ? 0 : threshold - count.reached; }
+
+    ARBORIST_COMPARABLE(Window)
+};
+
+struct Alarm {
+    /// In the order in which they were counted; none behind the one that reached its threshold.
+    std::vector<Window> windows;
+
+    ARBORIST_COMPARABLE(Alarm)
+};
+
+/// One value held against another.
+struct Comparison {
+    std::string paramId;
+    std::string key;
+    std::string type;
+    std::string logic;
+    std::string observed;
+    std::string configured;
+    /// "static", "dynamic", "systemParam", or empty where the rule's own text is the only source.
+    std::string source;
+    /// Name of the threshold or system parameter in the common part; empty for a "static" value.
+    std::string sourceId;
+    bool holds = false;
+
+    ARBORIST_COMPARABLE(Comparison)
+};
+
+/// A column of a command rule's one row, before and after scaling (the same text where nothing is scaled).
+struct Column {
+    std::string id;
+    std::string key;
+    std::string type;
+    std::string raw;
+    std::string value;
+
+    ARBORIST_COMPARABLE(Column)
+};
+
+/// The time between two columns of a command rule's row, by which its values are scaled to 30 days.
+struct Interval {
+    /// Empty where the rule doesn't name two columns.
+    std::string startKey;
+    std::string endKey;
+    /// Seconds since the epoch; 0 for a column that isn't there.
+    std::int64_t start = 0;
+    std::int64_t end = 0;
+    std::uint64_t days = 0;
+    /// False when nothing can be scaled: a column is 0, or they are one second apart.
+    bool usable = false;
+
+    ARBORIST_COMPARABLE(Interval)
+};
+
+/// A command rule's statement on one database, and what was made of its row.
+struct Statement {
+    /// Path of the file; empty for the derived database when it could not be opened.
+    std::string database;
+    std::string sql;
+    bool opened = false;
+    /// Rows that came back; of a statement that failed, those before it did.
+    std::uint64_t rows = 0;
+    /// What the database says of a statement that failed; empty otherwise.
+    std::string error;
+    std::optional<Interval> interval;
+    std::vector<Column> columns;
+    std::vector<Comparison> comparisons;
+    /// How the conditions ended on this database. A statement on one database of several has a word of its own, which
+    /// the rule's doesn't tell.
+    Reason reason = Reason::NONE;
+
+    ARBORIST_COMPARABLE(Statement)
+};
+
+/// How many databases of one kind ("defDBTable") held the faults that a command rule looks for in each.
+struct Hits {
+    std::string name;
+    std::size_t databases = 0;
+    std::int64_t hits = 0;
+    /// With so many the rule fires; 0 and less ask for none.
+    std::int64_t needed = 0;
+
+    /// How many hits are missing; 0 where there are enough.
+    std::int64_t Missing() const { return hits < needed ? needed - hits : 0; }
+
+    ARBORIST_COMPARABLE(Hits)
+};
+
+struct Command {
+    /// Nothing for a rule on copied databases, which are taken whole.
+    std::optional<Start> start;
+    std::vector<Statement> statements;
+    /// Of a rule on copied databases.
+    std::optional<Hits> hits;
+
+    ARBORIST_COMPARABLE(Command)
+};
+
+struct NodeFile {
+    std::string param;
+    std::string path;
+    bool readable = false;
+    std::string value;
+
+    ARBORIST_COMPARABLE(NodeFile)
+};
+
+struct Formula {
+    std::string expression;
+    /// The formula with every grouping spelled out in parentheses, as it was worked out; empty when ill-formed.
+    std::string grouping;
+    std::string result;
+    std::string resultKey;
+
+    ARBORIST_COMPARABLE(Formula)
+};
+
+struct Node {
+    std::vector<NodeFile> files;
+    std::optional<Formula> formula;
+    std::vector<Comparison> comparisons;
+
+    ARBORIST_COMPARABLE(Node)
+};
+
+/// What the host was asked for a code rule, and its answer; no answer without a runner.
+struct Code {
+    std::string detectCode;
+    std::vector<std::string> faultDescriptionIds;
+    std::vector<std::string> suggestionIds;
+    std::vector<std::string> repairIds;
+    std::string userDefinedInfo;
+    std::optional<bool> answer;
+
+    ARBORIST_COMPARABLE(Code)
+};
+
+/// One rule as it was asked for one event.
+struct Rule {
+    std::string name;
+    Verdict verdict = Verdict::SKIPPED;
+    /// What decided. Each window and statement has a reason of its own.
+    Reason reason = Reason::NONE;
+    /// What else went wrong on the way, each once: a node file that is missing although the condition was met.
+    std::vector<Reason> notes;
+    std::optional<Filter> filter;
+    /// The name in the rule that leads nowhere (NO_COMMON_PART, NO_SUCH_DATABASE), or the method that is none (NOT_SQL).
+    std::optional<std::string> badName;
+    /// What its family looked at, in the order of `Family`; an empty part for a rule that was passed over.
+    std::variant<std::monostate, Alarm, Command, Node, Code> part;
+
+    Family GetFamily() const { return static_cast<Family>(part.index()); }
+    /// Takes an empty part of that family.
+    ARBORIST_EXPORT void SetFamily(Family family);
+
+    void Note(Reason note)
+    {
+        if (std::find(notes.begin(), notes.end(), note) == notes.end()) {
+            notes.push_back(note);
+        }
+    }
+
+    ARBORIST_COMPARABLE(Rule)
+};
+
+/// One way for an event to be decided: one rule, or the rules of a "multipleRule", which must all fire.
+struct Alternative {
+    bool inGroup = false;
+    /// In the order in which they were asked; those behind the end of a group follow as GROUP_ENDED.
+    std::vector<Rule> rules;
+
+    ARBORIST_COMPARABLE(Alternative)
+};
+
+/// How an event with an entry in the event rules was decided.
+struct Event {
+    std::string id;
+    std::string name;
+    bool fired = false;
+    /// NONE where the rules speak for themselves.
+    Reason reason = Reason::NONE;
+    std::vector<Alternative> alternatives;
+
+    ARBORIST_COMPARABLE(Event)
+};
+
+/// One event of a tree after the statuses were folded up.
+struct FoldedEvent {
+    /// 0 for the top event.
+    std::size_t depth = 0;
+    EventType type = EventType::BASIC;
+    GateType gate = GateType::NONE;
+    std::string id;
+    std::string name;
+    std::string userDefined;
+    EventState status = EventState::UNKNOWN;
+    /// For an intermediate event: it has rules of its own and doesn't follow its gate.
+    bool observable = false;
+
+    bool IsLeaf() const { return type != EventType::INTERMEDIATE; }
+    bool IsInError() const { return Evidence::IsInError(status); }
+
+    ARBORIST_COMPARABLE(FoldedEvent)
+};
+
+/// One entry of the list of root causes.
+struct RootCause {
+    std::string id;
+    /// The cut set: the path of each member, ids from the top down joined by "/".
+    std::vector<std::string> cutSet;
+    /// Ids of the members and of all events above them, leaf first.
+    std::vector<std::string> wayUp;
+
+    ARBORIST_COMPARABLE(RootCause)
+};
+
+/// One of the two XML files of a rule set, after the attempt to read it.
+struct RuleSetFile {
+    RuleSetFileType type = RuleSetFileType::TREES;
+    RuleSetFileState state = RuleSetFileState::MISSING;
+    std::string path;
+    /// What the XML reader says of a malformed file; empty otherwise.
+    std::string message;
+    /// Line of the first fault in a malformed file, from 1; 0 when not known.
+    int line = 0;
+    /// Trees of the tag (TREES), rules of the tag (RULES).
+    std::size_t count = 0;
+
+    ARBORIST_COMPARABLE(RuleSetFile)
+};
+
+/// Databases beside the event log that a rule set names ("defDBTable").
+struct ExternalDatabase {
+    std::string name;
+    /// The regular expression for their paths. One that is none ends the detection with a std::regex_error.
+    std::string pattern;
+
+    ARBORIST_COMPARABLE(ExternalDatabase)
+};
+
+/// A tree whose rules are about to be asked.
+struct TreeHead {
+    std::string id;
+    std::string version;
+    std::string type;
+
+    ARBORIST_COMPARABLE(TreeHead)
+};
+
+struct TreeResult {
+    std::string id;
+    bool isFault = false;
+
+    ARBORIST_COMPARABLE(TreeResult)
+};
+
+/// A rule set after the attempt to load it.
+struct RuleSet {
+    /// The tree file, then the rule file; a file that was not looked for isn't here.
+    std::vector<RuleSetFile> files;
+    std::vector<ExternalDatabase> databases;
+    /// Names of the derived tables that are filled with events of the log.
+    std::vector<std::string> eventTables;
+
+    ARBORIST_COMPARABLE(RuleSet)
+};
+
+} // namespace Evidence
+
+#undef ARBORIST_COMPARABLE
+
+#endif

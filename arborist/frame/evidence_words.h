@@ -1,0 +1,110 @@
+#ifndef ARBORIST_FRAME_EVIDENCE_WORDS_H
+#define ARBORIST_FRAME_EVIDENCE_WORDS_H
+
+#include "arborist/arborist_export.h"
+
+/// The words of which evidence is made, with the text of each as explanations print it. No enumerator is a word that
+/// the headers of an operating system define as a macro.
+namespace Evidence {
+
+/// The family of a rule, which is also the kind of its checker.
+enum class Family { NONE, ALARM, COMMAND, NODE, CODE };
+
+/// How a rule ended: its checker answered, or it was passed over and counts as false.
+enum class Verdict { FIRED, NOT_FIRED, SKIPPED };
+
+/// Why a rule, a window or a condition ended as it did.
+enum class Reason {
+    NONE,
+    // Before a checker is asked.
+    INTERACTION_EVENT, ///< the event is left to the host (detect mode "2")
+    NO_EVENT_RULE, ///< the event rules have no entry for the event: it is never asked, and no call tells of it
+    NO_RULE_NAMES, ///< the event's entry names no rule
+    NO_SUCH_RULE, ///< the name stands for no rule of the set
+    FILTERED_BLACK_PRODUCT, ///< the product is on the rule's black list
+    FILTERED_PRODUCT, ///< the product is not among the rule's
+    FILTERED_SCENE, ///< the scene is not among the rule's, or the rule names none
+    FILTERED_PLATFORM, ///< the platform is not among the rule's
+    FILTERED_DEVICE_TYPE, ///< the device type is not among the rule's
+    NO_CHECKER, ///< no checker for this class of rule
+    GROUP_ENDED, ///< an earlier rule of the same "multipleRule" was false
+    // Alarm rules.
+    NO_ITEMS, ///< the rule has no "alarmId"
+    NO_IDS, ///< an item's id range is empty, which ends the rule
+    WINDOW_ABSENT, ///< the item has no window of this kind
+    WINDOW_EMPTY, ///< period and threshold are both 0
+    WINDOW_SHORT, ///< less than the threshold was found
+    WINDOW_REACHED, ///< the threshold was reached
+    LOG_UNAVAILABLE, ///< the event log is missing or can't be opened
+    // Command rules.
+    NO_EVENT_ID, ///< the event has the empty id
+    NO_COMMON_PART, ///< the named common part entry doesn't exist
+    NOT_SQL, ///< the analysis method is not "SQL"
+    NO_SUCH_DATABASE, ///< the referenced "defDBTable" doesn't exist
+    DATABASE_UNAVAILABLE, ///< the database can't be opened
+    ROW_COUNT_NOT_ONE, ///< the query failed or gave another number of rows than one
+    NO_INTERVAL, ///< the columns between which values are scaled give no time to scale by
+    NO_THRESHOLD, ///< the value to compare with is empty, in the rule or in the common part
+    HITS_SHORT, ///< too few of the referenced databases hit
+    HITS_REACHED, ///< enough of the referenced databases hit
+    // Node rules.
+    NO_NODES, ///< the rule names no node file or no parameter
+    NODE_UNREADABLE, ///< a node file is missing, unreadable or over the limit
+    // Code rules.
+    NO_RUNNER, ///< the host gave no runner
+    RUNNER_ANSWERED, ///< the host's runner decided
+    // Conditions, of any family.
+    NO_CONDITION, ///< no condition of a known kind
+    UNKNOWN_CONDITION, ///< a condition of an unknown kind
+    NO_VALUE, ///< a value to compare is missing or empty
+    CONDITION_MET, ///< a condition held
+    CONDITION_NOT_MET, ///< no condition held
+};
+
+/// What set the moment from which a rule looks at the log.
+enum class Floor { PERIOD, RESET, UPDATE, REPAIR };
+
+/// What is known of an event. PRESENT means that the fault is there.
+enum class EventState {
+    PRESENT,
+    ABSENT,
+    INTERMEDIATE_PRESENT, ///< counts as PRESENT wherever a status is tested; nothing sets it today
+    UNKNOWN,
+};
+
+/// What an alarm window counted for one id: rows, or the sum of what the rows say of themselves, over the period or on
+/// its best day.
+enum class Measure { NONE, ROWS, WEIGHTS, DAILY_ROWS, DAILY_WEIGHTS };
+
+enum class EventType { BASIC, INTERMEDIATE, UNDEVELOPED };
+enum class GateType { NONE, OR, AND };
+enum class RuleSetFileType { TREES, RULES };
+enum class RuleSetFileState { LOADED, MISSING, MALFORMED };
+
+/// "filtered_scene"; empty for NONE and for a number that is no reason.
+ARBORIST_EXPORT const char* ReasonText(Reason reason);
+/// "alarm", "command", "node", "code"; empty for NONE.
+ARBORIST_EXPORT const char* FamilyText(Family family);
+/// "TRUE", "FALSE" or "SKIP".
+ARBORIST_EXPORT const char* VerdictText(Verdict verdict);
+/// "period", "reset", "update" or "repair".
+ARBORIST_EXPORT const char* FloorText(Floor floor);
+/// "rows", "weights", "daily_rows", "daily_weights"; empty for NONE.
+ARBORIST_EXPORT const char* MeasureText(Measure measure);
+/// "TRUE", "FALSE", "INTERMEDIATE_TRUE" or "UNKNOWN".
+ARBORIST_EXPORT const char* StateText(EventState state);
+
+/// "basic", "intermediate" or "undeveloped".
+ARBORIST_EXPORT const char* TypeText(EventType type);
+/// "or", "and"; empty for NONE.
+ARBORIST_EXPORT const char* GateText(GateType gate);
+
+/// Whether a status counts as a present fault.
+constexpr bool IsInError(EventState state)
+{
+    return state == EventState::PRESENT || state == EventState::INTERMEDIATE_PRESENT;
+}
+
+} // namespace Evidence
+
+#endif

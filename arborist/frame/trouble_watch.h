@@ -1,0 +1,44 @@
+#ifndef ARBORIST_FRAME_TROUBLE_WATCH_H
+#define ARBORIST_FRAME_TROUBLE_WATCH_H
+
+#include <functional>
+#include <optional>
+#include <string_view>
+
+#include "arborist/frame/trouble.h"
+
+/// Hears of the trouble that the engine's lower rooms meet on this thread, while it lives. A watch within another hears
+/// in its place. The rooms tell their trouble where they log it, and know nothing of who hears: mostly nobody.
+class TroubleWatch {
+public:
+    using Listener = std::function<void(Evidence::Trouble trouble)>;
+
+    explicit TroubleWatch(Listener listener);
+    ~TroubleWatch();
+    TroubleWatch(const TroubleWatch&) = delete;
+    TroubleWatch& operator=(const TroubleWatch&) = delete;
+
+    /// Lets the innermost watch of this thread hear.
+    static void Tell(Evidence::Trouble::Kind kind, std::string_view words);
+
+private:
+    Listener mListener;
+    TroubleWatch* mOuter;
+};
+
+/// Says of what kind the trouble is when a statement fails on this thread while it lives: the layer that runs statements
+/// doesn't know what they are for. Nothing for a statement whose failure is told elsewhere.
+class StatementTrouble {
+public:
+    explicit StatementTrouble(std::optional<Evidence::Trouble::Kind> kind);
+    ~StatementTrouble();
+    StatementTrouble(const StatementTrouble&) = delete;
+    StatementTrouble& operator=(const StatementTrouble&) = delete;
+
+    static void Tell(std::string_view words);
+
+private:
+    std::optional<Evidence::Trouble::Kind> mOuter;
+};
+
+#endif
