@@ -114,6 +114,19 @@ TEST_F(CommonPartPreparation, BothKindsArePreparedAndTheDeviceSetsItsParameters)
     EXPECT_EQ(mParser->GetCommonPart()->GetThresholdLumbraList()[0]->GetSystemParamMap().at("cpu")->value, "i7");
 }
 
+TEST_F(CommonPartPreparation, DatabasesWithoutAFolderForTheirCopiesAreTrouble)
+{
+    mSettings.Set(Settings::APP_DATABASE_DIR, "");
+    Init({TablesXml(mDir.Path("device"))});
+    EXPECT_THAT(mObserver.Lines(), ElementsAre("trouble copies"));
+}
+
+TEST_F(CommonPartPreparation, AStatementThatFailsIsTroubleBeforeAnyRule)
+{
+    Init({ThresholdsXml("drop")});
+    EXPECT_THAT(mObserver.Lines(), testing::Contains("trouble statement: near \"drop\": syntax error"));
+}
+
 TEST_F(CommonPartPreparation, ThresholdsThatAreSetAreNoTrouble)
 {
     Init({TablesXml(mDir.Path("device")), ThresholdsXml("Jank"), ThresholdsXml("More")});

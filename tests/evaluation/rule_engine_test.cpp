@@ -5,11 +5,13 @@
 
 #include "arborist/evaluation/rule_helper.h"
 #include "arborist/frame/log.h"
+#include "arborist/frame/settings.h"
 #include "arborist/model/event.h"
 #include "arborist/model/fault_tree.h"
 #include "arborist/model/rule.h"
 #include "tests/evaluation/rule_set.h"
 #include "tests/support/code_runner_stub.h"
+#include "tests/support/event_log_builder.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/recording_observer.h"
 #include "tests/support/settings_guard.h"
@@ -252,6 +254,29 @@ TEST_F(RuleEngineTest, OutcomeOnceTrueStaysTrueForLaterTreesOfTheSet)
     EXPECT_THAT(statuses, ElementsAre("T1 FALSE", "A TRUE", "T2 FALSE", "A TRUE"));
     EXPECT_THAT(mObserver.Lines("rule"), ElementsAre("rule A c code TRUE [runner_answered]",
                                                      "rule A c code FALSE [runner_answered]"));
+}
+
+TEST_F(RuleEngineTest, TroubleIsToldWithItsEventAndRule)
+{
+    mSettings.Set(Settings::PROGRAM_DATA_DIR, mDir.Path("data"));
+    mSettings.Set(Settings::CURRENT_TIME, "1700000000");
+    EventLogBuilder().Row({1700000000 - 60, 7, "", "{\"N\": }"})
+        .WriteTo(mDir.Path("data/Comms/Lumbra/workDir/0/log.db"));
+    const Xml item = AlarmIdXml("7", "7", {TimeXml("latest", "1", "1"), ParamsXml({ParamXml("p", "N", "int")}),
+        ConditionXml({SingleLogicXml(TestXml("ge", "p", "5"))})}).Attr("type", "param_eventid").Attr("BeginFlag", "4");
+    RunWith(TreeXml(TAG).Tree("T", Or({Basic("A")})),
+        RuleXml(TAG).Rule(AlarmRuleXml("r", {item}, "1")).EventRule("A", {Single("r")}));
+    ASSERT_THAT(mObserver.Lines("trouble"), SizeIs(1));
+    EXPECT_THAT(mObserver.Lines("trouble")[0], testing::StartsWith("trouble extra A r: "));
+}
+
+TEST_F(RuleEngineTest, AnObserverThatIsTakenAwayWithinARuleHearsNoMore)
+{
+    mRunner->onCall = [this] { mEngine->SetObserver(nullptr); };
+    RunWith(TreeXml(TAG).Tree("T", Or({Basic("A"), Basic("B")})),
+        RuleXml(TAG).Rule(CodeRuleXml("c", "C")).EventRule("A", {Single("c")}).EventRule("B", {Single("c")}));
+    EXPECT_THAT(mObserver.Lines(), IsEmpty());
+    EXPECT_THAT(mRunner->calls, SizeIs(2));
 }
 
 TEST_F(RuleEngineTest, StatusesOfAnEarlierRunOfTheTreeAreTakenBackFirst)
