@@ -3,30 +3,30 @@
 
 #include <string>
 
-/// The fixed paths of the library, and where an absolute path of the device is found. Settings are read at each call.
+/// The fixed paths of the library, and the place on this machine of a path on the device. Each call reads the settings.
 ///
-/// The root is Settings::PROGRAM_DATA_DIR; when that is empty, "C:\ProgramData" on Windows and "/var/lib/arborist"
-/// elsewhere.
+/// The fixed paths are below Settings::PROGRAM_DATA_DIR; if that is empty, below "C:\ProgramData" on Windows and
+/// "/var/lib/arborist" elsewhere.
 namespace DevicePaths {
 
-/// The event log of the monitoring service, which the library only reads.
+/// The event log, written by the monitoring service; the library only reads it.
 std::string EventLog();
 /// The database of derived tables.
 std::string DerivedDatabase();
 /// The database of repair dates, in the folder of DerivedDatabase.
 std::string RepairDatabase();
 
-/// Where the library looks up a path that a rule file names. With Settings::DEVICE_ROOT_DIR set, an absolute path is
-/// resolved below that root, which neither ".." nor a symbolic link leaves (RootedPath::Resolve); otherwise, and for a
-/// relative path, the path itself.
+/// The path at which the library looks up a path of a rule file. If Settings::DEVICE_ROOT_DIR is set, an absolute path
+/// is resolved below that root, and neither ".." nor a symbolic link leads out of it (RootedPath::Resolve). Otherwise,
+/// and for a relative path, it is the path itself.
 std::string OnDevice(const std::string& path);
-/// What the real path of a file of the device begins with before its path on the device: Settings::DEVICE_ROOT_DIR
-/// without links; empty when that is not set or not there.
+/// The real path of Settings::DEVICE_ROOT_DIR, with which the real path of every file of the device begins; empty if
+/// the setting is empty or the directory doesn't exist.
 std::string RealRootOfDevice();
-/// `realPath` as the device has it: without `realRoot` in front where it lies below that, else as it is.
+/// The path on the device of `realPath`: without the leading `realRoot` if it is below that, otherwise unchanged.
 std::string PathOnDevice(const std::string& realPath, const std::string& realRoot);
 /// The real path of `path`; for a path below `realRoot` (see RealRootOfDevice) its links are resolved within that root.
-/// Empty if nothing is there.
+/// Empty if nothing exists there.
 std::string RealPath(const std::string& path, const std::string& realRoot);
 
 } // namespace DevicePaths

@@ -16,7 +16,8 @@ constexpr std::size_t MAX_PATH_LENGTH = 4095;
 constexpr std::uint16_t MAX_FILE_MODE = 0xFFF;
 constexpr std::uint16_t WRITE_BITS = 0222;
 
-// Calls `visit` for each entry below `path` until it answers false. A walk that the file system ends ends quietly.
+// Calls `visit` for each entry below `path` until it returns false. An error of the file system ends the walk in
+// silence.
 template <typename Visit>
 bool Walk(const std::string& path, Visit visit)
 {
@@ -42,7 +43,7 @@ bool IsFolderNamedWith(const fs::directory_entry& entry, const std::string& pref
     return !IsLink(entry) && entry.is_directory(ignored) && entry.path().filename().string().rfind(prefix, 0) == 0;
 }
 
-// Appends all that `file` holds. False, with an undefined tail in `content`, on an error and past the limit.
+// Appends the whole content of `file`. False on an error or beyond the limit; the end of `content` is then undefined.
 template <typename Content>
 bool AppendToEnd(Platform::InputFile& file, Content& content)
 {
@@ -60,7 +61,7 @@ bool AppendToEnd(Platform::InputFile& file, Content& content)
         if (content.size() > MAX_FILE_LENGTH) {
             return false;
         }
-        // Where the size is the true one, the end needs no second call to be seen.
+        // If the size was right, this saves the second call that would only find the end of the file.
         if (total == file.Size()) {
             return true;
         }
@@ -150,7 +151,7 @@ bool FileUtil::ForceCreateDirectory(const std::string& path)
     if (FileExists(path)) {
         return true;
     }
-    // Without separators at the end: what stands behind the last one would count as one more directory.
+    // Strip separators at the end: the empty name behind the last one would count as one more directory.
     const std::size_t end = path.find_last_not_of('/');
     std::error_code error;
     const bool created = fs::create_directories(path.substr(0, end + 1), error);
@@ -199,7 +200,7 @@ bool FileUtil::RemoveFile(const std::string& path)
 
 void FileUtil::RemoveFolderBeginWith(const std::string& parent, const std::string& prefix)
 {
-    // First listed, then removed: a walk must not lose the ground that it stands on.
+    // List first, then remove: removing during the walk would delete directories that it still visits.
     std::vector<std::string> folders;
     Walk(parent, [&folders, &prefix](const fs::directory_entry& entry) {
         if (IsFolderNamedWith(entry, prefix)) {
@@ -218,7 +219,7 @@ bool FileUtil::CopyFileToFolder(const std::string& source, const std::string& ta
     try {
         fs::copy(source, target, options, error);
     } catch (const fs::filesystem_error& failure) {
-        error = failure.code(); // a folder that breaks off while it is read: its walk throws all the same
+        error = failure.code(); // a read error inside a folder throws despite the error code
     }
     if (error) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Failed to copy file %s to directory %s.",
@@ -267,7 +268,7 @@ bool FileUtil::ChangeModeDirectory(const std::string& path, std::uint16_t mode)
         return false;
     }
     const bool changed = Walk(path, [mode](const fs::directory_entry& entry) {
-        // What a link leads to may lie elsewhere.
+        // The target of a link may lie outside of `path`.
         return IsLink(entry) || ChangeMode(entry.path().generic_string(), mode);
     });
     return changed && ChangeMode(path, mode);
@@ -312,7 +313,8 @@ bool FileUtil::LoadStringFromFile(const std::string& path, std::string& text)
     if (!IsPathLengthAllowed(path)) {
         return false;
     }
-    // Opened as it is: its canonical form would lead to the same file, at a system call for each directory on the way.
+    // Opens the path as given: its canonical form names the same file but costs a system call for each directory on the
+    // way.
     Platform::InputFile file(path);
     if (!file.IsOpen() || file.Size() > MAX_FILE_LENGTH) {
         return false;
@@ -332,7 +334,7 @@ bool FileUtil::SaveStringToFile(const std::string& path, const std::string& text
     }
     std::string realPath;
     std::error_code ignored;
-    // A pipe would wait for its reader.
+    // Opening a pipe would wait for its reader.
     if (!PathToRealPath(path, realPath) || fs::is_fifo(realPath, ignored)) {
         return false;
     }

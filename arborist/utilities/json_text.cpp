@@ -6,7 +6,7 @@
 
 namespace {
 
-// One reader for each thread: making one costs more than reading a short text with it.
+// One reader for each thread: creating one takes longer than parsing a short text.
 Json::CharReader& Reader()
 {
     thread_local const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());

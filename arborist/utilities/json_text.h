@@ -6,14 +6,14 @@
 
 #include <json/value.h>
 
-/// Reads `text` as JSON into `root` and answers whether that went without fault; `error` is then empty.
+/// Parses `text` as JSON into `root`. True, with `error` empty, if the text has no error.
 ///
-/// On a fault `error` says which, and what had been read by then is in `root`; where nothing had, `root` keeps its
-/// former value. Text nested deeper than the reader goes is a fault, too. Raises nothing.
+/// Otherwise `error` describes the error and `root` has the part that was read before it, or its former value if
+/// nothing was. Text that is nested too deeply is an error, too. Does not throw.
 bool ParseJson(std::string_view text, Json::Value& root, std::string& error);
 
-/// The member `key` of an object as text; numbers and booleans become text. Empty when `root` is no object, when the
-/// member is missing or null, and when it is an object or array. Raises nothing.
+/// The member `key` of an object as text, converted from a number or boolean if needed. Empty if `root` is no object,
+/// or if the member is missing, null, an object or an array. Does not throw.
 std::string MemberText(const Json::Value& root, std::string_view key);
 
 #endif

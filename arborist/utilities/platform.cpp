@@ -14,7 +14,7 @@
 
 namespace {
 
-// Opening a device can do something: a watchdog starts to count, a tape winds back. These are known to do nothing.
+// Opening a device can have effects: a watchdog starts to count, a tape winds back. Opening these has none.
 bool IsMemoryDevice(const struct stat& status)
 {
 #ifdef __linux__
@@ -38,7 +38,7 @@ bool IsMemoryDevice(const struct stat& status)
 #endif
 }
 
-// Made once, never given back. The name is one that every system has.
+// Created once and never freed. Every system has a locale of this name.
 locale_t PlainLocale()
 {
     static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
@@ -86,7 +86,7 @@ Platform::InputFile::InputFile(const std::string& path)
     if (stat(path.c_str(), &status) != 0 || !(S_ISREG(status.st_mode) || IsMemoryDevice(status))) {
         return;
     }
-    // Without waiting: some files of procfs block as pipes do.
+    // Non-blocking, as some files of procfs block like pipes.
     mDescriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
     mSize = S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size) : 0;
 }

@@ -6,23 +6,23 @@
 #include <cstdint>
 #include <string>
 
-/// What the operating system is asked for directly; all of it below FileUtil and ZipUtil.
+/// Direct calls of the operating system, for FileUtil and ZipUtil.
 namespace Platform {
 
-/// Names the calling thread; the system may keep the first characters only.
+/// Sets the name of the calling thread; the system may keep only its first characters.
 void NameThread(const std::string& name);
 
-/// strtof and strtod as they are in the "C" locale: with a point, whatever locale the host has set.
+/// strtof and strtod in the "C" locale: with a decimal point, whatever locale the host has set.
 float StrToFloat(const char* text, char** end);
 double StrToDouble(const char* text, char** end);
 
-/// Which file stands at a path, and in which state: two that are equal are the same file, unchanged in between.
+/// Identity and state of the file at a path: two equal values mean the same file, not changed in between.
 class FileIdentity {
 public:
     FileIdentity() = default;
     explicit FileIdentity(const std::string& path);
 
-    /// False when there is no such file.
+    /// False if there is no such file.
     bool IsSet() const { return mIsSet; }
     bool operator==(const FileIdentity& other) const { return mIsSet == other.mIsSet && mMarks == other.mMarks; }
 
@@ -31,10 +31,10 @@ private:
     std::array<std::int64_t, 7> mMarks{}; // device, number, size, and the times of its last changes
 };
 
-/// A file that is read from start to end without ever waiting.
+/// Reads a file from start to end and never blocks.
 ///
-/// Only plain files (those of procfs and sysfs among them) and the memory devices (null, zero, full, random) are
-/// opened: a pipe could block, and with other devices the mere opening has effects.
+/// Opens only plain files, including those of procfs and sysfs, and the memory devices (null, zero, full, random): a
+/// pipe could block, and opening another device can have effects.
 class InputFile {
 public:
     explicit InputFile(const std::string& path);
@@ -43,9 +43,9 @@ public:
     InputFile& operator=(const InputFile&) = delete;
 
     bool IsOpen() const { return mDescriptor >= 0; }
-    /// As the file system tells it; 0 where it doesn't know (procfs, devices), and too much for sysfs.
+    /// The size that the file system reports: 0 for procfs and devices, too much for sysfs.
     std::uint64_t Size() const { return mSize; }
-    /// Reads up to `length` bytes: the number read, 0 at the end, negative on an error.
+    /// Reads up to `length` bytes and returns their number: 0 at the end of the file, negative on an error.
     std::ptrdiff_t Read(char* buffer, std::size_t length);
 
 private:

@@ -9,10 +9,10 @@
 namespace {
 
 constexpr int MOST_LINKS = 40;
-// No system call takes a longer path. It also bounds the work below.
+// No system call accepts a longer path. Also bounds the work below.
 constexpr std::size_t LONGEST_PATH = 4096;
 
-// Puts the elements of `path` in front of those that are still to be walked.
+// Inserts the elements of `path` in front of those that are still to be resolved.
 void Prepend(std::deque<std::string>& elements, std::string_view path)
 {
     std::vector<std::string> parts;
@@ -58,7 +58,7 @@ std::string RootedPath::Resolve(const std::string& root, const std::string& path
         std::error_code error;
         const std::string target = std::filesystem::read_symlink(Joined(root, walked), error).string();
         if (error) {
-            continue; // no link, or nothing at all
+            continue; // no link, or it doesn't exist
         }
         if (++links > MOST_LINKS) {
             return "";

@@ -35,7 +35,7 @@ Conversion Convert(const std::string& text, Number& number, std::size_t& used, F
 Conversion ConvertWhole(const std::string& text, long long& number, int base, std::size_t& used)
 {
     if (base < 0 || base == 1 || base > 36) {
-        return Conversion::NOTHING_CONVERTED; // where strtoll need not tell the end
+        return Conversion::NOTHING_CONVERTED; // where strtoll need not set the end
     }
     const auto inBase = [base](const char* begin, char** end) { return std::strtoll(begin, end, base); };
     return Convert(text, number, used, inBase);
@@ -57,13 +57,13 @@ bool IsDigit(char sign)
     return sign >= '0' && sign <= '9';
 }
 
-// Reads the usual number, few digits with or without a point, as the standard conversion does: both the digits and the
-// power of ten are exact as doubles, so that one division rounds right. False where more than that is to be read.
+// Fast path for the usual number: few digits, with or without a point. Equals the standard conversion, as the digits
+// and the power of ten are both exact doubles, so that one division rounds correctly. False if there is more to read.
 bool ReadPlainNumber(const char* text, double& value)
 {
     static constexpr double POWERS[] = {
         1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-    constexpr std::ptrdiff_t MOST_DIGITS = std::size(POWERS) - 1; // every number of so many digits is a double
+    constexpr std::ptrdiff_t MOST_DIGITS = std::size(POWERS) - 1; // a double represents all of these numbers
     std::int64_t digits = 0;
     std::ptrdiff_t decimals = 0;
     const char* end = text;
@@ -78,7 +78,7 @@ bool ReadPlainNumber(const char* text, double& value)
             digits = digits * 10 + (*end - '0');
         }
     }
-    // Of what may follow, only these change what was read: more digits, an exponent, a hexadecimal number.
+    // Only these characters would change the number that was read: another digit, an exponent, a hexadecimal prefix.
     if (IsDigit(*end) || *end == 'e' || *end == 'E' || *end == 'x' || *end == 'X') {
         return false;
     }
@@ -100,7 +100,7 @@ bool StringUtil::StoiS(const std::string& text, std::int32_t& value, int base, s
     long long number = 0;
     std::size_t used = 0;
     Conversion conversion = ConvertWhole(text, number, base, used);
-    // A long is 32 bits wide here on every machine, whatever the compiler makes of it.
+    // The range is 32 bits on every machine, whatever the width of the compiler's long.
     if (conversion == Conversion::DONE && !Holds<std::int32_t>(number)) {
         conversion = Conversion::OUT_OF_RANGE;
     }
@@ -125,7 +125,7 @@ bool StringUtil::StollS(const std::string& text, std::int32_t& value, int base, 
         return false;
     }
     SetEnd(endPosition, used);
-    // Meant: a number that needs more than 32 bits keeps its low 32, and nothing is reported.
+    // A number of more than 32 bits keeps its low 32 bits without a log line: rule files rely on that.
     value = Low32(number);
     return true;
 }
@@ -147,13 +147,13 @@ std::int32_t StringUtil::StringToInt32Def(
 std::int64_t StringUtil::StringToInt64Def(
     const std::string& text, std::int64_t defaultValue, int base, std::size_t* endPosition)
 {
-    // Meant: the name promises more than 32 bits, but rule files hold ids and counts that rely on the narrow result.
+    // The name promises 64 bits, but ids and counts of rule files rely on the result of 32 bits.
     return StringToInt32Def(text, Low32(defaultValue), base, endPosition);
 }
 
 std::string StringUtil::FixedText(double number)
 {
-    // Sign, every digit that a double can have before the point, the point and six digits.
+    // Room for the sign, every digit that a double can have before the point, the point and six digits.
     char text[std::numeric_limits<double>::max_exponent10 + 16];
     return {text, std::to_chars(text, std::end(text), number, std::chars_format::fixed, 6).ptr};
 }

@@ -6,46 +6,47 @@
 #include <string>
 #include <vector>
 
-/// Text to numbers, with a default in place of failure, and two text helpers. Free of state; nothing raises.
+/// Converts text to numbers, with a default on failure, and splits and trims text. Stateless; no function throws.
 ///
-/// In all conversions leading white space and a sign are allowed, and what follows the number doesn't matter: a text
-/// that starts with a number converts. A text that doesn't, or a number out of range, is a failure and logs one line
-/// at LEVEL_ERROR. `endPosition`, when given, receives the number of characters used and stays as it is on failure.
-/// `base` is that of strtol: 16 accepts the prefix 0x, and a base that doesn't exist is a failure.
+/// All conversions accept leading white space and a sign and ignore what follows the number. A text that doesn't start
+/// with a number, or a number out of range, is a failure and logs one line at LEVEL_ERROR. `endPosition`, if given,
+/// receives the number of characters used; on failure it is unchanged. `base` is that of strtol: 16 accepts the prefix
+/// 0x, and an invalid base is a failure.
 namespace StringUtil {
 
-/// Answers whether `text` starts with a number of 32 bits; `value` stays as it is when it does not.
+/// True if `text` starts with a number of 32 bits, which is stored in `value`; otherwise `value` is unchanged.
 bool StoiS(const std::string& text, std::int32_t& value, int base = 10, std::size_t* endPosition = nullptr);
 
-/// Answers whether `text` starts with a number of 64 bits, and stores its low 32 bits: a greater number is no failure.
+/// True if `text` starts with a number of 64 bits; stores its low 32 bits, so that a number of more bits is no failure.
 bool StollS(const std::string& text, std::int32_t& value, int base = 10, std::size_t* endPosition = nullptr);
 
-/// The number, or `defaultValue` on failure and for a number outside -32768 to 32767; up to 32 bits that isn't logged.
+/// The number, or `defaultValue` on failure and for a number outside -32768 to 32767; logs nothing for such a number if
+/// 32 bits are enough for it.
 std::int32_t StringToInt16Def(
     const std::string& text, std::int32_t defaultValue, int base = 10, std::size_t* endPosition = nullptr);
 
-/// The low 32 bits of the number, or `defaultValue` on failure.
+/// The low 32 bits of the number; `defaultValue` on failure.
 std::int32_t StringToInt32Def(
     const std::string& text, std::int32_t defaultValue, int base = 10, std::size_t* endPosition = nullptr);
 
-/// As StringToInt32Def, sign-extended: neither the number nor `defaultValue` reaches beyond its low 32 bits.
+/// The result of StringToInt32Def, sign-extended: of the number and of `defaultValue` only the low 32 bits count.
 std::int64_t StringToInt64Def(
     const std::string& text, std::int64_t defaultValue, int base = 10, std::size_t* endPosition = nullptr);
 
-/// By strtof, but always with a point: the numbers of rule sets, node files and databases don't change with the locale
-/// of the host. A number too small for the type is out of range, too.
+/// Converts like strtof, but always with a decimal point: the locale of the host must not change the numbers of rule
+/// sets, node files and databases. A number too small for the type is out of range, too.
 float StringToFloatDef(const std::string& text, float defaultValue);
-/// By strtod, as StringToFloatDef.
+/// Converts like strtod; otherwise as StringToFloatDef.
 double StringToDoubleDef(const std::string& text, double defaultValue);
 
-/// The number as "%f" writes it, six digits behind the point, and with a point whatever the locale.
+/// The number as "%f" writes it, with six digits behind the point, and a point in every locale.
 std::string FixedText(double number);
 
-/// The tokens between the characters of the set `delimiters`, none of them empty. Without delimiters the whole text
+/// Splits at every character that `delimiters` contains and leaves out empty tokens. Without delimiters the whole text
 /// is one token.
 std::vector<std::string> Split(const std::string& text, const std::string& delimiters);
 
-/// `text` without the space characters at both ends. Other white space stays.
+/// `text` without the spaces at both ends. Keeps other white space.
 std::string TrimSP(const std::string& text);
 
 } // namespace StringUtil

@@ -9,16 +9,16 @@
 
 namespace {
 
-// A hash is two numbers below this prime, side by side.
+// A hash consists of two numbers below this prime.
 constexpr int PRIME_BITS = 31;
 constexpr std::uint64_t PRIME = (1ULL << PRIME_BITS) - 1;
 constexpr int LANE_BITS = 32;
 constexpr std::uint64_t LANE_MASK = (1ULL << LANE_BITS) - 1;
 
-// Letters that are taken in one step.
+// Number of letters processed in one step.
 constexpr std::size_t BLOCK = 8;
 
-// A point and its powers, from the 0th on.
+// The powers of a point, from the 0th on.
 using Powers = std::array<std::uint64_t, BLOCK + 1>;
 
 struct Points {
@@ -60,7 +60,8 @@ Points DrawPoints()
     return {first, PowersOf(point(generator))};
 }
 
-// In blocks, with one reduction for each. No sum needs 64 bits: a letter with its power has 40, the lane with its 62.
+// Works in blocks with one reduction each. No sum overflows 64 bits: a letter times its power has 40 bits, the lane
+// times its power 62.
 std::uint64_t LaneOn(std::uint64_t lane, const Powers& powers, std::string_view text)
 {
     const auto letter = [&text](std::size_t place) {
@@ -80,8 +81,8 @@ std::uint64_t LaneOn(std::uint64_t lane, const Powers& powers, std::string_view 
 
 } // namespace
 
-// The letters as a polynomial over a prime field, at two points that are drawn for the process: two texts meet at a
-// point only if it is a root of their difference, which has no more roots than letters.
+// Evaluates the letters as a polynomial over a prime field, at two points drawn at random for the process. Two texts
+// collide at a point only if it is a root of their difference, which has no more roots than letters.
 std::uint64_t TextHash::Continue(std::uint64_t hash, std::string_view text)
 {
     static const Points points = DrawPoints();

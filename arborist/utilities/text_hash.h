@@ -5,13 +5,13 @@
 #include <cstdint>
 #include <string_view>
 
-/// Hash of texts for private indexes over what files say. Nobody can write texts that all meet in one hash, which would
-/// make an index as slow as a list: it is keyed anew for each process. Never store one.
+/// Keyed hash of texts for indexes over the content of files. The key is drawn for each process, so that nobody can
+/// write a file whose texts all collide, which would make an index as slow as a list. Never store a hash.
 class TextHash {
 public:
     std::size_t operator()(std::string_view text) const { return static_cast<std::size_t>(Continue(START, text)); }
 
-    /// The hash of a text that goes on with `text` behind what has `hash`.
+    /// Given the hash of a text, returns the hash of that text followed by `text`.
     static std::uint64_t Continue(std::uint64_t hash, std::string_view text);
 
     /// The hash of the empty text.

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t TIMESTAMP_DIGITS = 14;
 
-// The moment that stands for now, if one is set.
+// The time that the settings define as now, if any.
 std::optional<std::int64_t> FixedTime()
 {
     const std::string text = FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(Settings::CURRENT_TIME, "");

@@ -15,7 +15,7 @@ constexpr std::uint64_t TOLD_IN_FIELD = 0xFFFFFFFF;
 constexpr std::uint64_t ZIP64_FIELD = 1;
 constexpr unsigned long ENCRYPTED = 1; // a bit of the flags
 
-// Takes a number of `bytes` bytes, the lowest first, off the front of a text that has as many.
+// Removes a little-endian number of `bytes` bytes from the front of `text`, which must be that long, and returns it.
 std::uint64_t TakeNumber(std::string_view& text, std::size_t bytes)
 {
     std::uint64_t number = 0;
@@ -26,7 +26,7 @@ std::uint64_t TakeNumber(std::string_view& text, std::size_t bytes)
     return number;
 }
 
-// The content of the zip64 field among the extra fields of an entry; empty when there is none.
+// The content of the zip64 field among the extra fields of an entry; empty if there is none.
 std::string_view Zip64Field(std::string_view extra)
 {
     constexpr std::size_t HEAD_LENGTH = 4;
@@ -44,7 +44,7 @@ std::string_view Zip64Field(std::string_view extra)
     return {};
 }
 
-// Replaces a length that stands in the field by the next number there.
+// If the length is the mark that refers to the zip64 field, replaces it by the next number of the field.
 bool ResolveLength(std::uint64_t& length, std::string_view& field)
 {
     if (length != TOLD_IN_FIELD) {
@@ -57,7 +57,7 @@ bool ResolveLength(std::uint64_t& length, std::string_view& field)
     return true;
 }
 
-// The archive library doesn't read the field where a long has 64 bits: there it takes its mark for a number.
+// If a long has 64 bits, the archive library doesn't read the zip64 field and returns the mark as a number.
 bool ResolveLengths(void* archive, const unz_file_info64& info, ZipEntry& entry)
 {
     if (entry.length != TOLD_IN_FIELD && entry.packedLength != TOLD_IN_FIELD) {
@@ -81,14 +81,14 @@ ZipEntry::Packing PackingOf(const unz_file_info64& info)
     }
 }
 
-// Tells whether the entry that is open was read to its end. What is stored has no end but its length.
+// True if the open entry was read to its end. The end of a stored entry is known by its length alone.
 bool IsAtEnd(void* archive, const ZipEntry& entry)
 {
     char more = 0;
     return entry.packing == ZipEntry::Packing::STORED || unzReadCurrentFile(archive, &more, sizeof(more)) == 0;
 }
 
-// Copies the entry that is open.
+// Copies the open entry.
 bool CopyContent(void* archive, const ZipEntry& entry, std::FILE* file)
 {
     std::array<char, BLOCK_LENGTH> block;
@@ -130,7 +130,7 @@ std::optional<ZipEntry> ReadZipEntry(void* archive)
 
 bool UnpackZipEntry(void* archive, const ZipEntry& entry, std::FILE* file)
 {
-    // The archive library would hand out the packed bytes, or those of the next entry.
+    // For these the archive library would return the packed bytes, or those of the next entry.
     if (entry.isEncrypted || entry.packing == ZipEntry::Packing::OTHER ||
         (entry.packing == ZipEntry::Packing::STORED && entry.packedLength != entry.length) ||
         unzOpenCurrentFile(archive) != UNZ_OK) {

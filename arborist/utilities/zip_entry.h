@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-/// What the list of an archive tells of one entry. Only unpacking shows whether it is true.
+/// One entry as the directory of an archive describes it. Only unpacking shows whether the description is true.
 struct ZipEntry {
     std::string name;
     std::uint64_t packedLength = 0;
@@ -18,14 +18,14 @@ struct ZipEntry {
     bool IsFolder() const { return name.ends_with('/'); }
 };
 
-/// Reads what the list tells of the current entry of `archive`, a handle of the archive library. Lengths that need
-/// more than 32 bits, or are written as if they did, come from the field that the format has for them. Nothing when
-/// the list is broken there, when such a field is missing, or when the name has more than 127 characters.
+/// Reads the directory's description of the current entry of `archive`, a handle of the archive library. Lengths of
+/// more than 32 bits come from the zip64 field. Returns nothing if the directory is damaged there, if a needed zip64
+/// field is missing, or if the name has more than 127 characters.
 std::optional<ZipEntry> ReadZipEntry(void* archive);
 
-/// Unpacks the current entry, of which the list tells `entry`, into `file`. False when the entry can't be read or
-/// written, when it is encrypted or packed in a way other than stored or deflated, and when its length or its checksum
-/// is not the one that is told; no more than that length is ever written.
+/// Unpacks the current entry, which the directory describes as `entry`, into `file`. False if the entry can't be read
+/// or written, is encrypted or neither stored nor deflated, or if its length or checksum differs from the description.
+/// Never writes more than the described length.
 bool UnpackZipEntry(void* archive, const ZipEntry& entry, std::FILE* file);
 
 #endif

@@ -24,8 +24,8 @@ constexpr std::size_t READ_BUFFER_LENGTH = 102400;
 constexpr std::size_t LONGEST_ENTRY_NAME = 127;
 constexpr std::uint64_t FOUR_GIB = 1ULL << 32;
 constexpr std::size_t END_RECORD_LENGTH = 22;
-constexpr std::size_t MAX_COMMENT_LENGTH = 0xFFFF; // what can follow the end record
-constexpr std::size_t MAX_ADDED_NAME_LENGTH = 0xFFFF; // what the format has room for
+constexpr std::size_t MAX_COMMENT_LENGTH = 0xFFFF; // of the comment behind the end record
+constexpr std::size_t MAX_ADDED_NAME_LENGTH = 0xFFFF; // the format has no room for more
 constexpr std::uint16_t DIRECTORY_MODE = 0700;
 constexpr int WITH_PARENT = 1;
 
@@ -39,8 +39,8 @@ struct FileCloser {
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-// Reads like fread, and finds zeros behind the end of the file: where the archive library takes a packed length for 4 GiB
-// (see ResolveLengths), it reads ahead as far as that and would fail at the end of a small archive.
+// Reads like fread, but returns zeros behind the end of the file: if the archive library mistakes a packed length for 4
+// GiB (see ResolveLengths), it reads ahead that far and would fail at the end of a small archive.
 uLong ReadAhead(void*, void* stream, void* buffer, uLong wanted)
 {
     auto* const file = static_cast<std::FILE*>(stream);
@@ -60,7 +60,7 @@ Archive OpenArchive(const std::string& path)
     return Archive(unzOpen2_64(path.c_str(), &functions));
 }
 
-// The record that ends an archive and tells its number of entries; empty when the file has none or only a part of it.
+// The end record of an archive, which has its number of entries; empty if the file has none or only a part of it.
 std::string EndRecord(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary | std::ios::ate);
@@ -96,7 +96,7 @@ bool HasParentElement(std::string_view path)
     }
 }
 
-// Tells whether a name, put behind the target as it is, names something outside.
+// True if `target` with `name` appended is a path outside of the target.
 bool LeadsOut(const std::string& target, std::string_view name)
 {
     if (HasParentElement(name)) {
@@ -107,13 +107,14 @@ bool LeadsOut(const std::string& target, std::string_view name)
         return true;
     }
 #endif
-    // An empty target lets an absolute name stand alone, and one that ends in "." makes ".." of "./x".
+    // Behind an empty target an absolute name stays absolute, and behind one that ends in "." the name "./x" becomes
+    // "../x".
     const std::string lastElement = target.substr(target.rfind('/') + 1);
     return (target.empty() && name.substr(0, 1) == "/") ||
         (lastElement == "." && name.substr(0, name.find('/')) == ".");
 }
 
-// Names with a backslash come from systems where it separates folders; elsewhere it would be a character like others.
+// Names with a backslash come from systems where it separates folders; on others it is an ordinary character.
 bool NormaliseSeparators(std::string& name)
 {
 #ifdef _WIN32
@@ -124,14 +125,15 @@ bool NormaliseSeparators(std::string& name)
 #endif
 }
 
-// Closes the file by itself: what was held back until then can still find the disk full.
+// Closes the file and checks the result: writing the last buffered bytes can still find the disk full.
 bool UnpackTo(unzFile archive, const ZipEntry& entry, const std::string& path)
 {
     File file(std::fopen(path.c_str(), "wb"));
     return file != nullptr && UnpackZipEntry(archive, entry, file.get()) && std::fclose(file.release()) == 0;
 }
 
-// Where a file is written until it is whole. Longer than the name of any entry, so that none can stand there.
+// Path at which a file is written until it is complete. It is longer than the name of any entry, so that none can have
+// it.
 std::string UnfinishedPath(const std::string& target)
 {
     std::string name = "unfinished";
@@ -139,7 +141,7 @@ std::string UnfinishedPath(const std::string& target)
     return target + name;
 }
 
-// Unpacks a file beside its place and moves it there when it is whole: what was there stays until then.
+// Unpacks a file beside its target and moves it there once it is complete; an existing file stays until then.
 bool ExtractFile(unzFile archive, const ZipEntry& entry, const std::string& target)
 {
     const std::string unfinished = UnfinishedPath(target);
@@ -154,8 +156,8 @@ bool ExtractFile(unzFile archive, const ZipEntry& entry, const std::string& targ
     return false;
 }
 
-// `unread` is what entries may still take up in the archive: entries that share their bytes, of which a small archive
-// could hold any number, are none.
+// `unread` is the number of archive bytes that no entry has used yet. Entries that share bytes exceed it and fail: a
+// small archive could have any number of them.
 bool ExtractEntry(unzFile archive, const std::string& target, std::uint64_t& unread)
 {
     std::optional<ZipEntry> entry = ReadZipEntry(archive);
@@ -185,7 +187,7 @@ bool StartsWith(const std::string& text, std::string_view start)
 
 std::FILE* OpenByDefault(const std::string& source)
 {
-    // By design: what the vendor keeps there is not for archives.
+    // Refused by design: the vendor's data doesn't belong in archives.
     if (StartsWith(source, "/data/vendor/") || StartsWith(source, "data/vendor/")) {
         return nullptr;
     }
@@ -228,16 +230,16 @@ void CopyInto(zipFile archive, std::FILE* file)
 
 bool ZipUtil::UnZipFile(const std::string& archive, const std::string& target)
 {
-    // Asked first: opening a pipe would wait for somebody to write.
+    // Ask first: opening a pipe would wait for its writer.
     if (!FileUtil::IsPlainFile(archive)) {
         return false;
     }
-    // An end record that is cut off would pass for one that tells of no entries.
+    // A truncated end record would pass for one with no entries.
     const std::string endRecord = EndRecord(archive);
     if (endRecord.empty()) {
         return false;
     }
-    // An archive without entries is its end record and nothing else; the archive library doesn't open it.
+    // An archive without entries consists of its end record only; the archive library doesn't open it.
     if (TellsOfNothing(endRecord) && FileUtil::GetFileSize(archive) == END_RECORD_LENGTH) {
         return true;
     }
@@ -277,7 +279,7 @@ bool ZipUtil::AddFileInZip(
             "ZipUtil::AddFileInZip", source.c_str(), opener ? "customize" : "default", errno);
         return false;
     }
-    // From here on nothing is reported: the archive may lack the file, and the answer is true all the same.
+    // From here on no error is reported: the result is true even if the archive lacks the file.
     const zip_fileinfo info{};
     if (name.size() <= MAX_ADDED_NAME_LENGTH &&
         zipOpenNewFileInZip(archive, name.c_str(), &info, nullptr, 0, nullptr, 0, nullptr, Z_DEFLATED,

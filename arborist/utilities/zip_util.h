@@ -5,40 +5,40 @@
 #include <functional>
 #include <string>
 
-/// Zip archives, read and written. Free of state; nothing raises. A handle belongs to one thread at a time.
+/// Reads and writes zip archives. Stateless; no function throws. Use a handle in one thread at a time.
 namespace ZipUtil {
 
-/// An archive that is being written; null when there is none.
+/// An archive that is being written; null if there is none.
 using Handle = void*;
 
-/// Opens the source of an entry for binary reading, or gives null. The file is closed with std::fclose.
+/// Opens the source of an entry for binary reading; null on failure. The library closes the file with std::fclose.
 using FileOpener = std::function<std::FILE*(const std::string& source)>;
 
-/// Extracts every entry of `archive` to the path that is `target` and the entry's name, joined as they are: `target`
-/// ends in a separator, or its last element becomes the beginning of the names.
+/// Extracts every entry of `archive` to the path `target` + its name. End `target` in a separator; otherwise its last
+/// element becomes the beginning of the names.
 ///
-/// Only an entry whose name ends in "/" makes a directory; a file in a directory that isn't there can't be written.
-/// The first entry that fails ends it with false, and what was extracted stays. An entry fails when it can't be
-/// opened, read or written, when it is encrypted or packed in a way other than stored or deflated, when its length or
-/// checksum is not what the archive tells, when that length is 4 GiB or more, when its name has more than 127
-/// characters, and, with a line at LEVEL_ERROR, when its name leads out of the target. A backslash in a name separates
-/// folders on Windows; elsewhere the entry fails. An entry that fails leaves the file that stood in its place. False
-/// also for what is no archive, or an archive cut off at its end; an empty one is true.
+/// Only an entry whose name ends in "/" creates a directory; a file in a missing directory can't be written. Stops with
+/// false at the first entry that fails; what was extracted stays. An entry fails if it can't be opened, read or
+/// written; if it is encrypted or neither stored nor deflated; if its length or checksum differs from what the archive
+/// says; if that length is 4 GiB or more; if its name has more than 127 characters; and, with a line at LEVEL_ERROR, if
+/// its name leads out of the target. A backslash in a name separates folders on Windows; elsewhere the entry fails. An
+/// entry that fails leaves an existing file in place. False also for a file that is no archive or is truncated; true
+/// for an archive without entries.
 bool UnZipFile(const std::string& archive, const std::string& target);
 
-/// Makes an archive at `path`, replacing what is there. The caller ends it with CloseZipFile.
+/// Creates an archive at `path`, replacing an existing file. The caller ends it with CloseZipFile.
 Handle CreateZipFile(const std::string& path);
 
-/// Adds one file, compressed. Its name in the archive is `entryName`, or the last element of `source` when that is
-/// empty; with `mode` 1 the name of the folder that holds `source` and "/" go in front ("/" alone when it has none).
+/// Adds one file, compressed. Its name in the archive is `entryName`, or the last element of `source` if that is empty;
+/// with `mode` 1 the name of the folder of `source` and "/" precede it ("/" alone if there is no folder).
 ///
-/// `opener` opens the source; without one the default opener does, which refuses the device's vendor partition
-/// ("/data/vendor/") and what is no plain file. A source that isn't opened is logged at LEVEL_ERROR and false; an
-/// error in copying or in the archive is not reported.
+/// `opener` opens the source; the default opener refuses the device's vendor partition ("/data/vendor/") and everything
+/// that is no plain file. If the source can't be opened, logs a line at LEVEL_ERROR and returns false; an error in
+/// copying or in the archive is not reported.
 bool AddFileInZip(Handle archive, const std::string& source, int mode, const std::string& entryName = "",
     const FileOpener& opener = nullptr);
 
-/// Writes what an archive needs at its end, and closes it. Null is ignored.
+/// Writes the end of the archive and closes it. Ignores null.
 void CloseZipFile(Handle archive);
 
 } // namespace ZipUtil

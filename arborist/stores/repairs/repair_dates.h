@@ -7,9 +7,10 @@
 
 class RepairDbUtil;
 
-/// Answers what RepairDbUtil answers, with its log lines, for many questions in a row, over a connection that is kept.
+/// Looks up repair dates over a connection that stays open between queries, with the answers and log lines of
+/// RepairDbUtil. For many queries in a row.
 ///
-/// Used by one thread.
+/// Not thread-safe.
 class RepairDates {
 public:
     RepairDates();

@@ -19,10 +19,10 @@ constexpr char ID[] = "_id";
 constexpr char REPAIR_ID[] = "repair_id";
 constexpr char REPAIR_DATE[] = "repair_date";
 
-// Rows that one question keeps: those of one repair, of which the first counts.
+// Limit on the rows that one query keeps. They are the rows of one repair; the first one counts.
 constexpr std::size_t MOST_ROWS = 250'000;
 
-// Every row may be looked at, however many there are. One takes some ten bytes of the file at least, and a few steps.
+// Enough steps to visit every row of the file: a row takes at least ten bytes or so and a few steps.
 std::uint64_t StepsForAllRows(const std::string& path)
 {
     constexpr std::uint64_t LEAST_STEPS = 10'000'000;
@@ -31,7 +31,7 @@ std::uint64_t StepsForAllRows(const std::string& path)
     return LEAST_STEPS + STEPS_FOR_A_BYTE * std::min(FileUtil::GetFileSize(path), MOST_BELIEVED);
 }
 
-// The table and, before it, the fields that it refers to.
+// The table together with the fields that it refers to, which are declared first so that they outlive it.
 struct RepairTable {
     RepairTable(const FT::sql::SqlDatabase& database, const std::string& name)
         : fields{FT::sql::SqlField(ID, FT::sql::TypeInteger, FT::sql::FlagPrimaryKey, FT::sql::FlagNotNull),
@@ -82,7 +82,7 @@ bool RepairDbUtil::OpenDb()
             "FUNc:%s: RepairDbUtil::OpenDb open database fail dbname: %s", NAME, path.c_str());
         return false;
     }
-    // The file is ours, but who knows what stands in its table's place by now.
+    // The file is ours, but somebody may have replaced its table by a view or a trigger of their own.
     mDatabase->Restrict(FT::sql::SqlAccess::OWN_FILE, {.steps = StepsForAllRows(path), .rows = MOST_ROWS});
     CreateRepairRecordTable(RepairTableReader::TABLE_NAME);
     return mDatabase->IsOpen();
@@ -169,7 +169,7 @@ bool RepairDbUtil::GetRepairDataRecord(const std::string& repairId, std::int32_t
         return false;
     }
     RepairTable repairs(*mDatabase, RepairTableReader::TABLE_NAME);
-    // The id goes in as it stands: one with a single quote in it makes the statement fail. That is known and kept.
+    // The id is not escaped: an id with a single quote makes the statement fail. Hosts see that failure; it stays.
     FT::sql::SimpleDatabaseHelper().GetRecordCountByFullSql(
         repairs.table, "select _id,repair_id,repair_date from repair_data where repair_id='" + repairId + "'");
     const FT::sql::SqlRecord* const record = repairs.table.GetTopRecord();

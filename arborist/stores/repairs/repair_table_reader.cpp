@@ -27,7 +27,8 @@ void RepairTableReader::Release()
 
 bool RepairTableReader::Holds(const std::string& repairId) const
 {
-    // Not SQL's comparison, whose opinion of equal texts is up to the file. To the end, so that damage behind is told.
+    // Compares here and not in SQL, where the file's schema decides which texts are equal. Reads to the last row, so
+    // that damage anywhere in the table is reported.
     FT::sql::SqlCursor rows(mDatabase.GetHandle(), std::string("select repair_id from ") + TABLE_NAME);
     bool isKnown = false;
     while (rows.Step()) {

@@ -6,25 +6,24 @@
 
 #include "arborist/stores/sql/sql_cursor.h"
 
-/// Asks the table of repairs what would be dear to ask by a SqlTable. It must be gone before its database is closed.
+/// Reads the table of repairs where SqlTable would be slow. Destroy it before its database is closed.
 class RepairTableReader {
 public:
     static constexpr char TABLE_NAME[] = "repair_data";
 
     explicit RepairTableReader(const FT::sql::SqlDatabase& database) : mDatabase(database) {}
 
-    /// Whether the table is there, for a connection that is used again and again; nothing is logged. False also when the
-    /// file can't be read. After true the file stays locked for reading until Release: what is asked in between is one
-    /// transaction.
+    /// True if the table exists; false also if the file can't be read. Logs nothing. After true the file stays locked
+    /// for reading until Release, so that all queries in between belong to one transaction.
     bool IsThere();
     void Release();
 
-    /// Whether a row has this id, letter by letter. Reads all rows; a failure leaves the line of a statement that fails.
+    /// True if a row has exactly this id. Reads all rows; a failure logs the line of a failed statement.
     bool Holds(const std::string& repairId) const;
 
 private:
     const FT::sql::SqlDatabase& mDatabase;
-    /// The question of IsThere, prepared once.
+    /// The statement of IsThere, prepared once.
     std::unique_ptr<FT::sql::SqlCursor> mCount;
 };
 

@@ -18,13 +18,13 @@ bool Contains(const std::string& line, std::string_view text)
     return line.find(text) != std::string::npos;
 }
 
-// Opens a log, or gives a stream in the failed state.
+// Opens a log; on failure returns a stream in the failed state.
 std::ifstream OpenLog(const std::string& path)
 {
     std::string realPath;
     std::ifstream file;
     file.setstate(std::ios::failbit);
-    // A pipe would wait for its writer, a device may have no end.
+    // Opening a pipe would wait for its writer, and a device may have no end.
     if (FileUtil::PathToRealPath(path, realPath) && FileUtil::IsPlainFile(realPath)) {
         file.clear();
         file.open(realPath, std::ios::binary);
@@ -32,7 +32,7 @@ std::ifstream OpenLog(const std::string& path)
     return file;
 }
 
-// The last line that isn't empty; the first line when all are empty.
+// The last line that isn't empty; the empty text if all are empty.
 std::string LastLine(std::istream& file)
 {
     std::string last;
@@ -44,8 +44,8 @@ std::string LastLine(std::istream& file)
             last = line;
         }
     }
-    // Meant: below position 2 the way back from the end goes to the start of the file, so that a single empty line
-    // in front hides the only other one.
+    // A last line that begins at position 1 doesn't count: the single empty line in front hides it. Hosts rely on the
+    // reset times that result.
     return lastBegin == 1 ? "" : last;
 }
 
@@ -87,12 +87,12 @@ void ResetTimeParser::ParseRecoveryLog(const std::string& path)
         static_cast<long long>(updateTime), static_cast<long long>(resetTime));
 }
 
-// False when a reset is known and the rest of the log doesn't count.
+// Returns false once a reset is known: the rest of the log doesn't count.
 bool ResetTimeParser::ReadRecoveryLine(const std::string& line, Commands& commands)
 {
     FT::Log& log = FT::Log::GetInstance();
     if (Contains(line, CMD_BEGIN)) {
-        // In this order: the command of an update may name the wiping of data, too.
+        // Test for an update first: the command of an update may also name the wiping of data.
         if (Contains(line, UPDATE) || Contains(line, SD_UPDATE)) {
             commands.isUpdateFlag = true;
         } else if (Contains(line, RESET)) {
@@ -127,7 +127,7 @@ void ResetTimeParser::ParseZipContent(const std::string& archiveBase, const std:
     if (directory.empty() || name.empty() || archiveBase.empty()) {
         return;
     }
-    // An archive that doesn't unpack leaves the log that is there, and that one is read.
+    // If the archive can't be unpacked, an older log may still be in the directory; it is read instead.
     ZipUtil::UnZipFile(archiveBase + name, directory);
     ParseRecoveryLog(directory + std::string(RECOVERY_LOG_1));
 }
@@ -144,7 +144,7 @@ std::int64_t ResetTimeParser::GetResetLogTime(const std::string& path)
 
 std::int64_t ResetTimeParser::GetResetLogTimeForStr(const std::string& line)
 {
-    // The prefix is assumed, not looked for.
+    // Skips the length of the prefix without checking that it is there.
     const std::size_t begin = RESET_LOG_START.size();
     const std::size_t end = line.find(RESET_LOG_DATE_END, begin);
     if (end == std::string::npos) {
@@ -155,9 +155,9 @@ std::int64_t ResetTimeParser::GetResetLogTimeForStr(const std::string& line)
 
 std::int64_t ResetTimeParser::GetTime(const std::string& line)
 {
-    // Without an opening bracket the text starts with the line. The length is meant as it is, and not the distance
-    // between the brackets: in a line that opens with "[" it leaves out the last three characters, the milliseconds.
-    // Without a closing bracket, or with an early one, it is all that is left.
+    // Without an opening bracket the text starts at the begin of the line. The length is not the distance between the
+    // brackets, on purpose: in a line that starts with "[" it cuts off the last three characters, the milliseconds.
+    // Without a closing bracket, or with one too early, the length covers the rest of the line.
     const std::size_t begin = line.find('[') + 1;
     const std::size_t length = line.find(']') - 4;
     return TimeUtil::StrToTimeStamp(line.substr(begin, length), "%Y-%m-%d %H:%M:%S");

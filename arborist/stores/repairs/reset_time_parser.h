@@ -7,11 +7,11 @@
 #include <string_view>
 #include <vector>
 
-/// Finds when the device was last reset and last updated, from the logs that the recovery system leaves: what was
-/// logged before doesn't describe the device as it is now.
+/// Reads from the logs of the recovery system when the device was last reset and last updated: events logged before
+/// that don't describe the device as it is now.
 ///
-/// An unreadable log is no fault: the times stay as they were. Times are seconds since the epoch, 0 until found. An
-/// object belongs to one thread.
+/// An unreadable log leaves the times unchanged and is no error. Times are seconds since the epoch, 0 until one is
+/// found. Not thread-safe.
 class ResetTimeParser {
 public:
     static constexpr std::string_view SEPARATOR = "\"";
@@ -32,37 +32,38 @@ public:
     static constexpr std::array<std::string_view, 4> RECOVERY_PATHS = {
         "/splash2/recovery/", "/splash2/", "/log/", "/log/recovery/"};
 
-    /// `workingDirectory`, with its separator at the end, is where old logs are unpacked.
+    /// Old logs are unpacked into `workingDirectory`, which ends in a separator.
     explicit ResetTimeParser(std::string workingDirectory);
 
-    /// Does nothing, on purpose: no log reaches the class by itself, and both times stay 0.
+    /// Does nothing, on purpose: both times stay 0, as the class reads only the logs that a caller hands to it.
     void ParseLogService();
 
     std::int64_t GetUpdateTime() const { return updateTime; }
     std::int64_t GetResetTime() const { return resetTime; }
 
-    /// Reads the entries that are named exactly as a recovery log, and unpacks and reads those that are old ones.
+    /// Reads the files that have exactly the name of a recovery log; unpacks and reads those that have the name of an
+    /// old one.
     void GetFileContent(const std::vector<std::string>& files);
 
-    /// Takes the end of each update and reset in a recovery log, where it is later than what is known. The end of the
-    /// first reset ends the reading: what follows in the file is not seen.
+    /// Reads the ends of updates and resets from a recovery log; a later time replaces the known one. Stops at the end
+    /// of the first reset: the lines after it are not read.
     void ParseRecoveryLog(const std::string& path);
 
-    /// Unpacks the archive `archiveBase` + `name` into the directory and reads the recovery log there. The texts are
-    /// joined as they are. Nothing happens when one of them or the directory is empty.
+    /// Unpacks the archive `archiveBase` + `name` into the directory and reads the recovery log there. Joins the two
+    /// texts without a separator. Does nothing if one of them or the directory is empty.
     void ParseZipContent(const std::string& archiveBase, const std::string& name);
 
-    /// Reads the time of a reset log from its last line that isn't empty, makes it the reset time, also when it is
-    /// earlier, and returns it. For a log that can't be read 0, and the reset time stays.
+    /// Reads a time from the last non-empty line of a reset log, makes it the reset time even if it is earlier, and
+    /// returns it. Returns 0 and keeps the reset time if the log can't be read.
     std::int64_t GetResetLogTime(const std::string& path);
 
-    /// The time in a line of a reset log, "time: YYYYMMDDhhmmss;..."; 0 when there is none.
+    /// The time in a line of a reset log, "time: YYYYMMDDhhmmss;..."; 0 if there is none.
     static std::int64_t GetResetLogTimeForStr(const std::string& line);
-    /// The time in a line of a recovery log, "[YYYY-MM-DD hh:mm:ss.mmm]..."; 0 when there is none.
+    /// The time in a line of a recovery log, "[YYYY-MM-DD hh:mm:ss.mmm]..."; 0 if there is none.
     static std::int64_t GetTime(const std::string& line);
 
 private:
-    // What one recovery log has shown so far.
+    // The commands found so far in one recovery log.
     struct Commands {
         bool isUpdateFlag = false;
         bool isResetFlag = false;

@@ -8,7 +8,7 @@
 
 namespace FT::sql {
 
-/// The operations on tables that the stores share. Has no state: make one where it is needed.
+/// Operations on tables that the stores share. Stateless: create one where it is needed.
 class SimpleDatabaseHelper {
 public:
     bool CreateTable(SqlTable& table) const;
@@ -20,13 +20,13 @@ public:
     bool CreateInfoOnTable(SqlTable& table, const std::string& sql) const;
     const SqlRecord* GetRecordByKeyId(SqlTable& table, std::int32_t key) const;
 
-    /// Reads the rows of the table, those of `condition` if it isn't empty, and counts them. When the table can't be
-    /// read, the rows that came before the failure count.
+    /// Reads the rows of the table, only those that meet `condition` if it isn't empty, and returns their number. On a
+    /// failure returns the number of rows read before it.
     std::uint64_t GetRecordCount(SqlTable& table, const std::string& condition) const;
-    /// The same for a whole statement; an empty one gives all ones.
+    /// The same for a complete statement; for an empty one returns the largest number.
     std::uint64_t GetRecordCountByFullSql(SqlTable& table, const std::string& sql) const;
 
-    /// Null when `index` is not below `count`, the row isn't there or has no such column.
+    /// Null if `index` is not below `count`, or if the row or the column doesn't exist.
     const SqlValue* GetFieldValueByIndex(
         const SqlTable& table, std::uint64_t index, std::uint64_t count, const std::string& name) const;
     const SqlValue* GetFieldValueByRecord(const SqlRecord& record, const std::string& name) const;

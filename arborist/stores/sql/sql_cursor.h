@@ -13,8 +13,8 @@ namespace FT::sql {
 
 /// Steps through the rows of one select without holding them, for tables too large for SqlOperator.
 ///
-/// Failure is told by the answers and GetError; nothing is logged. The cursor must be gone before its database is
-/// closed, and holds a read lock on the file from the first Step until it has run out, failed or been reset.
+/// Reports a failure by its return values and GetError and logs nothing. Destroy the cursor before its database is
+/// closed. It locks the file for reading from the first Step until the rows end, a step fails or Reset is called.
 class SqlCursor {
 public:
     enum class ColumnType { INTEGER, REAL, TEXT, BLOB, NONE };
@@ -25,24 +25,24 @@ public:
     SqlCursor(const SqlCursor&) = delete;
     SqlCursor& operator=(const SqlCursor&) = delete;
 
-    /// True when the statement could be prepared.
+    /// True if the statement could be prepared.
     bool IsReady() const { return mStatement != nullptr; }
-    /// Moves to the next row. False at the end and on a failure, which IsOk tells apart.
+    /// Moves to the next row. False at the end and on a failure; IsOk distinguishes the two.
     bool Step();
-    /// True when neither preparing nor stepping failed.
+    /// True if neither preparing nor stepping failed.
     bool IsOk() const { return mError.empty(); }
-    /// SQLite's words for what failed; empty while all is well.
+    /// SQLite's message for the failure; empty if there was none.
     const std::string& GetError() const { return mError; }
 
-    /// Back to before the first row.
+    /// Moves back to before the first row.
     void Restart();
     /// The same with a new value for the parameter ?1.
     void Restart(std::int64_t parameter);
-    /// Gives the read lock back.
+    /// Releases the read lock.
     void Reset();
 
-    /// The columns of the current row, from 0. Texts live until the next call on the cursor; a text ends at its first
-    /// zero byte, as it does in the rows of SqlOperator.
+    /// The columns of the current row, from 0. Texts are valid until the next call on the cursor; a text ends at its
+    /// first zero byte, as in the rows of SqlOperator.
     ColumnType GetType(int column) const;
     std::int64_t GetInteger(int column) const;
     std::string_view GetText(int column) const;

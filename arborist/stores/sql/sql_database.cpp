@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::int32_t CLOSED = 1;
 constexpr sqlite3_int64 SOFT_HEAP_LIMIT = 102400;
-// Where limits hold: a few bytes of a file can ask for a text of a gigabyte.
+// Applies to restricted connections: a few bytes of a file can ask for a text of a gigabyte.
 constexpr int LONGEST_TEXT = 64 * 1024 * 1024;
 
 template <std::size_t COUNT>
@@ -28,10 +28,10 @@ bool IsOneOf(const std::string_view (&names)[COUNT], const char* name)
         [name](std::string_view known) { return sqlite3_stricmp(known.data(), name) == 0; });
 }
 
-// VACUUM attaches a database without a name for a while.
+// While it runs, VACUUM attaches a database without a name.
 int AllowOwnFile(void*, int action, const char* name, const char* value, const char*, const char*)
 {
-    // These hold for every connection of the process, the host's own included.
+    // These affect every connection of the process, the host's own included.
     static constexpr std::string_view PROCESS_WIDE[] = {
         "data_store_directory", "hard_heap_limit", "soft_heap_limit", "temp_store_directory"};
     const bool isOtherFile = action == SQLITE_ATTACH && (name == nullptr || *name != '\0');
@@ -48,8 +48,8 @@ int AllowReading(void*, int action, const char* name, const char* value, const c
     return reads || asks ? SQLITE_OK : SQLITE_DENY;
 }
 
-// Counts only before SQLite's first use in the process; later it is refused, which does no harm. Until that first use
-// nothing in SQLite guards what is set here, so that one thread at a time comes by.
+// Has an effect only before SQLite's first use in the process; later SQLite refuses the call, which does no harm.
+// Before its first use SQLite doesn't guard these settings, so that only one thread at a time may run this.
 void Configure()
 {
     static std::mutex mutex;
@@ -60,7 +60,7 @@ void Configure()
 
 constexpr char WAITING_CHANGES[] = "-wal";
 
-// Of the file or of one beside it; 0 for one that isn't there.
+// Size of the database file, or of the file whose name adds `suffix`; 0 if it doesn't exist.
 std::uint64_t SizeOf(sqlite3* connection, const char* suffix)
 {
     const char* const path = sqlite3_db_filename(connection, "main");
@@ -69,8 +69,8 @@ std::uint64_t SizeOf(sqlite3* connection, const char* suffix)
     return error ? 0 : size;
 }
 
-// A row takes dozens of bytes in the file. To join it with its partners and hold it against some hundred ids takes less
-// than the steps for as many bytes.
+// A row takes dozens of bytes in the file. Joining it and comparing it with some hundred ids takes fewer steps than
+// this allows for that many bytes.
 SqlLimits LimitsForReading(sqlite3* connection)
 {
     constexpr std::uint64_t LEAST_STEPS = 20'000'000;
@@ -85,7 +85,7 @@ SqlLimits LimitsForReading(sqlite3* connection)
 
 constexpr int STEPS_AT_ONCE = 1000;
 
-// Counted and not timed, so that the same text ends in the same place on a busy machine.
+// Counts steps instead of time, so that a statement is interrupted at the same place on a busy machine.
 int TakeSteps(void* context)
 {
     const auto& database = *static_cast<const Sqlite3Db*>(context);
@@ -100,7 +100,7 @@ int TakeSteps(void* context)
     }
     if (database.areLimitsOfFile) {
         database.areLimitsOfFile = false;
-        database.limits->steps = 0; // nor for what comes later: it would ask the same tables
+        database.limits->steps = 0; // later statements get none either: they would read the same tables
     }
     return 1;
 }
@@ -174,9 +174,10 @@ void SqlDatabase::Restrict(SqlAccess access, const SqlLimits& limits)
     handle->limits = isReadOnly ? LimitsForReading(connection) : limits;
     sqlite3_progress_handler(connection, STEPS_AT_ONCE, TakeSteps, handle.get());
     sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, LONGEST_TEXT);
-    // Nothing that would leave a file which SQLite itself can't read any more.
+    // Forbids everything that could leave a file which SQLite itself can't read any more.
     sqlite3_db_config(connection, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-    // The last one to close a database moves the waiting changes into it, unless told not to.
+    // By default the last connection that closes a database moves the waiting changes into it, which would write to the
+    // file.
     if (isReadOnly && SizeOf(connection, WAITING_CHANGES) > 0) {
         sqlite3_db_config(connection, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     }

@@ -24,14 +24,14 @@ enum FieldUse : std::int32_t {
     FieldUseEnd = 1, ///< the field ends an array of fields
 };
 
-/// One column of a table. Arrays of them describe tables and belong to whoever made them; see SqlTable.
+/// One column of a table. An array of them describes a table; its creator owns it. See SqlTable.
 class SqlField {
 public:
-    /// A plain column that may hold null.
+    /// A plain column that may be null.
     SqlField(std::string columnName, FieldType columnType);
-    /// The first flag tells a primary key, the second a column that may not hold null.
+    /// The first flag marks a primary key, the second a column that may not be null.
     SqlField(std::string columnName, FieldType columnType, FieldFlag keyFlag, FieldFlag nullFlag);
-    /// The mark that ends an array of fields.
+    /// Marks the end of an array of fields.
     explicit SqlField(FieldUse use);
     SqlField(const SqlField&) = default;
     SqlField& operator=(const SqlField&) = default;
@@ -41,15 +41,15 @@ public:
     FieldType GetType() const { return type; }
     /// "INTEGER", "TEXT" or "REAL"; empty for any other type.
     std::string GetTypeStr() const;
-    /// Position in its table; all ones while it is in none.
+    /// Position in its table; the largest number if it belongs to none.
     std::uint64_t GetIndex() const { return index; }
     void SetIndex(std::uint64_t position) { index = position; }
     bool IsPrimaryKey() const { return isPrimaryKey; }
-    /// True when the column may hold null.
+    /// True if the column may be null.
     bool IsNull() const { return isNullable; }
     bool IsEndingField() const { return isEndingField; }
 
-    /// The column as a creating statement has it: "_id INTEGER PRIMARY KEY NOT NULL".
+    /// The column's definition in a create statement: "_id INTEGER PRIMARY KEY NOT NULL".
     std::string GetDefinition() const;
 
 private:

@@ -12,7 +12,7 @@
 
 namespace FT::sql {
 
-// What tells the two ways to run a statement apart in the log. A logger sees the formats whole.
+// The log formats in which the two ways to run a statement differ. A host's logger receives them as they are.
 struct SqlOperator::KeepingRows {
     static constexpr char FUNCTION[] = "FT::sql::SqlOperator::Execute";
     static constexpr char NO_DATABASE[] = "FUNc:%s: Execute db is null";
@@ -88,7 +88,7 @@ int SqlOperator::LoadRecord(void* context, int columnCount, char** columnTexts, 
     try {
         self->KeepRow(columnCount, columnTexts);
     } catch (const std::bad_alloc&) {
-        return 1; // nothing may be thrown through SQLite; the statement fails instead
+        return 1; // no exception may pass through SQLite; the statement fails instead
     }
     return 0;
 }

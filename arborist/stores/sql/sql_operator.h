@@ -11,34 +11,34 @@
 
 namespace FT::sql {
 
-/// Runs statements given as text and holds the rows of the last one, all of them.
+/// Runs SQL statements and keeps all rows of the last one.
 ///
-/// Every statement drops the rows of the one before: pointers to records and values live until then. Connection, list
-/// and map aren't owned and must outlive the operator.
+/// Each statement drops the rows of the previous one and so invalidates pointers to its records and values. Does not
+/// own the connection, the list and the map, which must outlive the operator.
 class SqlOperator {
 public:
-    /// Keeps no rows: there are no fields to hold them.
+    /// Without fields; keeps no rows.
     explicit SqlOperator(const Sqlite3Db& database);
     SqlOperator(const Sqlite3Db& database, const FieldList* list, const FieldMap* map);
     SqlOperator(const SqlOperator&) = delete;
     SqlOperator& operator=(const SqlOperator&) = delete;
     virtual ~SqlOperator();
 
-    /// Runs a statement and keeps its rows, those too that came before it failed. Columns go to fields by position.
-    /// Failure answers false with a line at ERROR.
+    /// Runs a statement and keeps its rows, including those read before a failure. Assigns columns to fields by
+    /// position. On failure returns false and logs a line at ERROR.
     bool Execute(const std::string& sql);
     /// The same without keeping rows.
     bool ExecuteNoCallback(const std::string& sql);
-    /// True when the last statement succeeded.
+    /// True if the last statement succeeded.
     bool IsOk() const { return resultCode == 0; }
 
-    /// What the database says of the last statement; empty when it succeeded, and where there is no database.
+    /// The database's error message for the last statement; empty if it succeeded or there is no database.
     const std::string& GetErrorMessage() const { return errorMessage; }
 
     std::uint64_t GetCount() const { return records.size(); }
-    /// Null when there is no such row; asks nothing else, so the rows of a failed statement are seen.
+    /// Null if there is no such row. Rows read before a failure are returned, too.
     const SqlRecord* GetRecord(std::uint64_t index) const;
-    /// The first row; null also when the statement failed.
+    /// The first row; null if there is none or the statement failed.
     const SqlRecord* GetTopRecord() const;
     const SqlValue* GetTopRecordFirstValue() const;
     void Clear();

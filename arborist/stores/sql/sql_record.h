@@ -13,16 +13,17 @@ namespace FT::sql {
 
 /// The fields of a table in the order of its columns, not owned.
 using FieldList = std::vector<SqlField*>;
-/// The same by column name.
+/// The fields of a table by column name, not owned.
 using FieldMap = std::map<std::string, SqlField*>;
 
-/// One row: a value for each column, in column order, and the field map of the table that gives the columns names.
+/// One row: a value for each column, in column order, and the table's field map, from which the columns have their
+/// names.
 ///
-/// The map isn't owned and must outlive the record. Setters and getters of a column that the map or the row doesn't
-/// have do nothing and give null.
+/// Does not own the map, which must outlive the record. For a column that the map or the row doesn't have, setters do
+/// nothing and getters return null.
 class SqlRecord {
 public:
-    /// As many default values as `fieldMap` has entries; none for null.
+    /// Creates one default value for each entry of `fieldMap`; none for null.
     explicit SqlRecord(const FieldMap* fieldMap);
     /// A copy of a record without a map is empty.
     SqlRecord(const SqlRecord& other);
@@ -37,7 +38,7 @@ public:
     std::size_t GetColumnCount() const { return values.size(); }
 
     const SqlField* GetFieldByName(const std::string& name) const;
-    /// The pointers live as long as the record, and not past the next statement if a table owns it.
+    /// The pointers are valid as long as the record; a record that a table owns lives until the table's next statement.
     const SqlValue* GetValue(std::size_t position) const;
     const SqlValue* GetValue(const std::string& name) const;
     const SqlValue* GetValue(const SqlField& field) const;
@@ -54,10 +55,10 @@ public:
     void SetString(const SqlField& field, const std::string& text);
     void SetString(const std::string& name, const std::string& text);
     void SetString(std::size_t position, const std::string& text);
-    /// The number says how long the text may be and is ignored on purpose: SQLite's texts have no length.
+    /// Ignores the third argument, the greatest length of the text, on purpose: SQLite's texts have no length limit.
     void SetString(const std::string& name, const std::string& text, int ignoredLength);
 
-    /// The list of values of an insert: "null, 'a', 7". A field without a value adds nothing, not even a comma.
+    /// The list of values of an insert: "null, 'a', 7". Skips a field without a value, its comma included.
     std::string ToSql(const FieldList& fieldList) const;
 
 private:

@@ -11,7 +11,7 @@ namespace {
 
 using Visitor = std::function<void(const ScannedRow& row)>;
 
-// Name of the aggregate function that takes the rows.
+// Name of the aggregate function that receives the rows.
 constexpr char FUNCTION[] = "arborist_visit_row";
 
 void VisitRow(sqlite3_context* context, int, sqlite3_value** values)
@@ -20,7 +20,7 @@ void VisitRow(sqlite3_context* context, int, sqlite3_value** values)
     try {
         (*visit)(ScannedRow(values));
     } catch (const std::bad_alloc&) {
-        sqlite3_result_error_nomem(context); // nothing may be thrown through SQLite; the scan fails instead
+        sqlite3_result_error_nomem(context); // no exception may pass through SQLite; the scan fails instead
     }
 }
 
@@ -29,7 +29,7 @@ void EndRows(sqlite3_context* context)
     sqlite3_result_null(context);
 }
 
-// The function is there for one scan only, as it refers to its visitor.
+// Registers the function for one scan only, as the function refers to the visitor of that scan.
 class RowFunction {
 public:
     RowFunction(const Sqlite3Db& database, const Visitor& visit) : mConnection(database.connection)

@@ -12,26 +12,26 @@ struct sqlite3_value;
 
 namespace FT::sql {
 
-/// One row of a scan. Lives, with its texts, for the length of one call.
+/// One row of a scan. The row and its texts are valid during one call of the visitor only.
 class ScannedRow {
 public:
     explicit ScannedRow(sqlite3_value** values) : mValues(values) {}
 
     bool IsInteger(int column) const;
     bool IsNull(int column) const;
-    /// The value as SQLite makes a number of it. Ask for the type before.
+    /// The value converted to a number by SQLite, which may change its type: ask IsInteger and IsNull first.
     std::int64_t GetInteger(int column) const;
-    /// Up to the first zero byte, as in the rows of SqlOperator.
+    /// The text up to its first zero byte, as in the rows of SqlOperator.
     std::string_view GetText(int column) const;
 
 private:
     sqlite3_value** mValues;
 };
 
-/// Hands every row of "select `columns` `from`" to `visit`, in the order of that select, and answers whether all were
-/// read; `error` says in SQLite's words why not. Nothing is logged. `visit` must not use the database.
+/// Calls `visit` for every row of "select `columns` `from`", in the order of that select. True if all rows were read;
+/// otherwise `error` holds SQLite's message. Logs nothing. `visit` must not use the database.
 ///
-/// The rows don't leave SQLite's loop: twice as fast as stepping through them, where it is all rows that are wanted.
+/// Runs inside SQLite's own loop, which is twice as fast as stepping through all rows.
 bool ScanRows(const Sqlite3Db& database, const std::string& columns, const std::string& from,
     const std::function<void(const ScannedRow& row)>& visit, std::string& error);
 

@@ -39,7 +39,7 @@ void SqlTable::InitFields(SqlField* fields, std::size_t count)
     }
     for (std::size_t position = 0; position < count && !fields[position].IsEndingField(); ++position) {
         SqlField& field = fields[position];
-        // Written only once, so that tables of several threads can share an array that was numbered before.
+        // Written only if it changes, so that threads can share an array of fields that is already numbered.
         if (field.GetIndex() != position) {
             field.SetIndex(position);
         }
@@ -61,7 +61,7 @@ bool SqlTable::Exists()
     return count != nullptr && count->AsInteger() > 0;
 }
 
-// Rows of a table without fields hold null values, and the count that is asked for would be one of them.
+// Without fields the count that the statement returns would be read as a null value.
 bool SqlTable::ExistsWithoutFields()
 {
     SqlField count("count", TypeInteger);
@@ -176,7 +176,7 @@ std::string SqlTable::GetUpdateString(const SqlRecord& record) const
     }
     const SqlValue* const key = fieldList.empty() ? nullptr : record.GetValue(*fieldList.front());
     if (key != nullptr) {
-        // The key's column is always _ID, whatever the first field is called; SQLite's names know no case.
+        // The key's column is always _ID, whatever the name of the first field; SQLite ignores the case of names.
         sql += " where _ID = " + key->ToSql(fieldList.front()->GetType());
     }
     return sql;

@@ -9,7 +9,7 @@ namespace FT::sql {
 std::string IntToStr(int value);
 std::string IntegerToStr(long long value);
 
-/// A copy with every single quote doubled; no other character is touched and no quotes are put around it.
+/// A copy with every single quote doubled; adds no quotes around it and changes no other character.
 std::string QuoteStr(const std::string& text);
 
 /// Remove white space at the left, at the right, at both ends, in place.
@@ -19,7 +19,8 @@ void Trim(std::string& text);
 /// The same on a copy.
 std::string Trim(const std::string& text);
 
-/// Formats into `buffer`, `size` bytes with the final zero, by SQLite's own format words (%q, %lld). Returns `buffer`.
+/// Formats into `buffer`, which has `size` bytes including the final zero, with SQLite's own conversions (%q, %lld).
+/// Returns `buffer`.
 char* Sqlite3Snprintf(int size, char* buffer, const char* format, ...);
 
 } // namespace FT::sql

@@ -12,7 +12,7 @@ namespace FT::sql {
 namespace {
 
 constexpr std::size_t LONGEST_NUMBER = 127;
-// Sign, every digit that a double can have before the point, the point and eight digits.
+// Room for the sign, every digit that a double can have before the point, the point and eight digits.
 constexpr std::size_t LONGEST_DOUBLE = std::numeric_limits<double>::max_exponent10 + 16;
 
 } // namespace

@@ -7,7 +7,7 @@
 
 namespace FT::sql {
 
-/// One column of one row, held as text. Types count only when it is read or written back as SQL.
+/// One column of one row, kept as text. Its type matters only when it is read as a number or written as SQL.
 class SqlValue {
 public:
     SqlValue() = default;
@@ -17,24 +17,24 @@ public:
     SqlValue& operator=(SqlValue&&) noexcept = default;
     virtual ~SqlValue() = default;
 
-    /// Takes text and type as a row brings them: an empty text is a null value.
+    /// Sets text and type from a row of the database: an empty text becomes a null value.
     void SetValue(std::string text, FieldType valueType);
     void SetNull();
-    /// Not null afterwards, not even with an empty text.
+    /// Sets a value that is not null, even for an empty text.
     void SetString(std::string text);
     void SetInteger(long long number);
-    /// Eight digits behind the point. A number of more than 127 characters loses its tail.
+    /// Writes eight digits behind the point and cuts the text off after 127 characters.
     void SetDouble(double number);
 
     bool IsNull() const { return isNull; }
     /// Empty for a null value.
     const std::string& AsString() const { return value; }
-    /// The number at the front of the text, 0 when there is none; out of range gives the nearest end.
+    /// The number at the front of the text; 0 if there is none, the nearest limit if it is out of range.
     long long AsInteger() const;
     double AsDouble() const;
 
-    /// The value inside a statement: "null", quoted for TypeText, as it stands for every other type. What counts is
-    /// the type of the field, not the value's own.
+    /// The value as it appears in a statement: "null", quoted for TypeText, unchanged for every other type. The type of
+    /// the field decides, not the value's own.
     std::string ToSql(FieldType fieldType) const;
 
 private:

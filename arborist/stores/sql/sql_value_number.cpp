@@ -22,7 +22,7 @@ bool TakeFront(std::string_view& text, std::string_view oneOf)
     return true;
 }
 
-// Takes "0x" off the front where a digit follows, directly or behind a point; otherwise the number is the 0 alone.
+// Removes a leading "0x" if a digit follows, directly or behind a point; otherwise the number is the 0 alone.
 bool TakeHexPrefix(std::string_view& text)
 {
     std::string_view digits = text;
@@ -50,7 +50,7 @@ std::int64_t ReadExponent(std::string_view text)
     return exponent;
 }
 
-// Of a number that no double holds: whether it is too large, and not too small.
+// For a number that is out of range for a double: true if it is too large, false if it is too small.
 bool IsTooLarge(std::string_view number, bool isHex)
 {
     const std::size_t mantissaEnd = std::min(number.find_first_of(isHex ? "pP" : "eE"), number.size());
@@ -77,7 +77,7 @@ double ReadUnsigned(std::string_view text)
     if (error == std::errc::result_out_of_range) {
         return IsTooLarge(read, isHex) ? std::numeric_limits<double>::infinity() : 0.0;
     }
-    // "inf" that goes on like "infinity" has to be all of it.
+    // A text that continues "inf" towards "infinity" must be the whole word.
     constexpr std::size_t SHORT_INFINITY = 3;
     text.remove_prefix(read.size());
     return std::isinf(number) && read.size() == SHORT_INFINITY && TakeFront(text, "iI") ? 0.0 : number;

@@ -5,8 +5,8 @@
 
 namespace FT::sql {
 
-/// The number at the front of a text as sscanf reads it by "%lf", blanks before it passed over; 0 where there is none.
-/// Always with a decimal point: a host that sets a decimal comma must not change what the tables hold.
+/// The number at the front of a text as sscanf reads it with "%lf", after leading white space; 0 if there is none. The
+/// decimal point is always ".": a host that sets a decimal comma must not change the numbers of the tables.
 double ReadDouble(std::string_view text);
 
 } // namespace FT::sql
