@@ -6,10 +6,10 @@
 
 namespace {
 
-// Up to so many comparisons are cheaper than a set.
+// Up to this many comparisons take less time than building a set.
 constexpr std::size_t FEW_COMPARISONS = 64;
 
-// Among so many places one in error marks few of the others.
+// Smallest filter size that keeps false positives rare.
 constexpr std::size_t LEAST_MARKS = 512;
 
 bool AreUnambiguousAmongFew(const ErrorIds::Events& events, const ErrorIds::Indexes& inError)
@@ -45,7 +45,7 @@ bool ErrorIds::AreUnambiguousAmongMany(const Events& events, const Indexes& inEr
             return false;
         }
     }
-    // One pass over all events, which a gate may have very many of.
+    // A single pass, as a gate may have very many events.
     return std::none_of(events.begin(), events.end(), [this](const auto& event) {
         return event->HasSeparatorInId() ||
             (IsMarked(*event) && !IsError(event->GetResult()) && mIds.count(event->GetId()) != 0);

@@ -12,14 +12,14 @@
 
 class Event;
 
-/// Tells whether the paths of the events below one gate are their own. Keeps its memory from gate to gate.
+/// Decides for one gate after another whether each event below it has a path of its own. Reuses its memory.
 class ErrorIds {
 public:
     using Events = std::vector<std::shared_ptr<Event>>;
-    /// Places in such a list.
+    /// Positions in such a list.
     using Indexes = std::vector<std::size_t>;
 
-    /// Whether no id of `events` holds a "/" or "&", and none of those `inError` has an id that another one has, too.
+    /// True if no id of `events` contains "/" or "&", and no event of `inError` shares its id with another one.
     bool AreUnambiguous(const Events& events, const Indexes& inError);
 
 private:
@@ -27,7 +27,8 @@ private:
     bool Add(const Event& event);
     bool IsMarked(const Event& event) const;
 
-    /// Marks the sketch of every id in mIds, so that most others are told apart without looking at their ids.
+    /// A filter over mIds: the sketch of each of its ids is marked. An id whose sketch isn't marked is not in mIds,
+    /// which settles most ids without a look-up.
     std::vector<unsigned char> mMarks;
     std::unordered_set<std::string_view, TextHash> mIds;
 };

@@ -15,14 +15,15 @@ bool IsInError(const std::shared_ptr<Event>& event)
 
 bool IsEmpty(const Event& event);
 
-// Whether the plain expansion has no combination for `gate`, whatever the statuses.
+// True if the gate has no cut sets at all, whatever the statuses of its events.
 bool IsEmpty(const Gate& gate)
 {
     const auto& events = gate.GetEvents();
     if (gate.GetKind() == GateKind::OR) {
         return std::all_of(events.begin(), events.end(), [](const auto& child) { return IsEmpty(*child); });
     }
-    // An empty branch empties an AND gate, and what stands behind it starts afresh: the last one decides.
+    // In an AND gate an empty branch drops the cut sets of the branches before it, and those behind it start anew. So
+    // the gate is empty if its last branch is.
     return events.empty() || IsEmpty(*events.back());
 }
 
@@ -55,7 +56,7 @@ bool ErrorWalk::Walk(const std::shared_ptr<Event>& top, SurvivingTree& tree)
     return !walk.mIsAmbiguous;
 }
 
-// `event` is in error, and so is all above it.
+// `event` and all events above it must be in error.
 ErrorWalk::Outcome ErrorWalk::Enter(const std::shared_ptr<Event>& event, Index parent, Index& branch)
 {
     const SurvivingTree::Mark mark = mTree.GetMark();
@@ -77,7 +78,8 @@ ErrorWalk::Outcome ErrorWalk::EnterGate(const Gate& gate, Index place, Index& br
 {
     const ErrorIds::Indexes inError = ListErrors(gate.GetEvents());
     if (inError.empty()) {
-        // Whatever the ids below lead to is not in error up to the top either.
+        // The events below may share their paths with others, but no event with such a path is in error up to the top,
+        // either.
         return IsEmpty(gate) ? Outcome::EMPTY : Outcome::DEAD;
     }
     if (!mErrorIds.AreUnambiguous(gate.GetEvents(), inError)) {
@@ -110,7 +112,8 @@ ErrorWalk::Outcome ErrorWalk::EnterOr(const Gate& gate, const ErrorIds::Indexes&
     return isEmpty ? Outcome::EMPTY : Outcome::DEAD;
 }
 
-// From the last event backwards: an empty branch ends the combinations of all that stands before it.
+// Walks backwards from the last event and stops at an empty branch, which drops the combinations of all branches before
+// it.
 ErrorWalk::Outcome ErrorWalk::EnterAnd(const Gate& gate, Index place, Index& branch)
 {
     const auto& events = gate.GetEvents();

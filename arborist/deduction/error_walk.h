@@ -11,17 +11,17 @@ class Event;
 class Gate;
 class IntermediateEvent;
 
-/// Cuts a folded tree down to what survives by walking along what is in error, from the top down.
+/// Builds the surviving tree of a folded tree by walking down from the top along the events in error.
 ///
-/// A member of a cut set is told by its path, and the first event with that path is the one that is tested. The walk
-/// relies on paths that lead back to where they come from, and sees to it: of the events below every gate that it
-/// enters, none may hold a "/" or "&" in its id, and none may have the id of one in error beside it. Then the path of
-/// what it keeps leads nowhere else, and the path of what it cuts leads to nothing that is in error up to the top.
-/// PathWalk is the slower way for trees with other ids.
+/// A cut set names its members by path, and the first event with that path is the one that counts. The walk therefore
+/// requires unambiguous paths and checks this for every gate that it enters: no id below the gate may contain "/" or
+/// "&", and no event may have the same id as an event in error beside it. Then the path of every kept event belongs to
+/// that event alone, and the path of every dropped event belongs to no event that is in error up to the top. PathWalk
+/// is the slower alternative for trees with other ids.
 class ErrorWalk {
 public:
-    /// The top event must be in error and its id without "&". False when ids make paths ambiguous: `tree` is then of
-    /// no use.
+    /// The top event must be in error, and its id must not contain "&". Returns false if ids make paths ambiguous; the
+    /// content of `tree` is then meaningless.
     static bool Walk(const std::shared_ptr<Event>& top, SurvivingTree& tree);
 
 private:

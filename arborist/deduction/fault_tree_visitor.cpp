@@ -32,7 +32,7 @@ EventType TypeOf(const Event& event)
     return EventType::BASIC;
 }
 
-// Any gate that is no OR is worked out as an AND.
+// Every gate that is no OR is evaluated as an AND.
 GateType TypeOf(const Gate* gate)
 {
     if (gate == nullptr) {

@@ -12,26 +12,26 @@ class FaultTreeParser;
 class RootCause;
 struct FaultTreeNode;
 
-/// Turns a tree whose events carry their rule results into the list of its root causes.
+/// Computes the root causes of a tree whose events have the results of their rules.
 ///
-/// Keeps what the last deduction found. One thread at a time.
+/// Keeps the results of the last deduction. Not thread-safe.
 class FaultTreeVisitor {
 public:
-    /// `faultTreeParser` is kept, and nothing here reads it; it may be null.
+    /// Stores `faultTreeParser` but doesn't use it; it may be null.
     explicit FaultTreeVisitor(std::shared_ptr<FaultTreeParser> faultTreeParser);
 
-    /// Folds the statuses of `tree` up to its top and finds its root causes, which take the place of those of the
-    /// tree before. A null tree changes nothing.
+    /// Folds the statuses of `tree` up to its top event and replaces the root causes by those of this tree. A null tree
+    /// changes nothing.
     void DeduceRootCause(const std::shared_ptr<FaultTree>& tree);
 
-    /// True when the last deduction found root causes, whatever the status of the top event.
+    /// True if the last deduction found root causes, whatever the status of the top event.
     bool IsFault() const { return mIsFault; }
-    /// The event that each root cause stands on, in order. Valid until the next deduction.
+    /// The leaf event of each root cause, in the order of GetRootCauseList. Valid until the next deduction.
     const std::vector<std::shared_ptr<FaultTreeNode>>& GetRootCauseNodeList() const { return mRootCauseNodeList; }
-    /// The root causes themselves, in the same order. Valid until the next deduction.
+    /// The root causes, in the order in which they were found. Valid until the next deduction.
     const std::vector<std::shared_ptr<RootCause>>& GetRootCauseList() const { return mRootCauseList; }
 
-    /// Who is told of folded events and root causes; null, as at first, for nobody. Not owned.
+    /// Sets the observer that is notified of folded events and root causes; null, the default, for none. Not owned.
     void SetObserver(DetectionObserver* observer) { mObserver = observer; }
 
 private:

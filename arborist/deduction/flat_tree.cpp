@@ -8,7 +8,7 @@
 
 namespace {
 
-// A gate that is being walked through.
+// A gate whose events are being visited.
 struct OpenGate {
     const std::vector<std::shared_ptr<Event>>* events;
     std::size_t next;
@@ -34,7 +34,7 @@ FlatTree::FlatTree(const std::shared_ptr<Event>& top)
     while (!open.empty()) {
         OpenGate& gate = open.back();
         if (gate.next < gate.events->size()) {
-            enter((*gate.events)[gate.next++], gate.place); // may move what `gate` refers to
+            enter((*gate.events)[gate.next++], gate.place); // may invalidate `gate`
         } else {
             mPlaces[gate.place].end = Count();
             open.pop_back();

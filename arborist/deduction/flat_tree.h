@@ -9,9 +9,10 @@
 class Event;
 class Gate;
 
-/// The places of a fault tree in pre-order, so that walks over it are loops, however deep the tree is.
+/// The places of a fault tree in pre-order: algorithms over them are loops instead of recursions, however deep the
+/// tree.
 ///
-/// One event may stand in several places. Refers to the tree, which must stay as it is.
+/// An event may have several places. Refers to the tree, which must not change.
 class FlatTree {
 public:
     using Index = std::uint32_t;
@@ -19,13 +20,13 @@ public:
 
     struct Place {
         const std::shared_ptr<Event>* event;
-        /// NONE at the top.
+        /// Place of the event above; NONE for the top event.
         Index parent;
-        /// One past the last place below. The next place under the same gate stands there, if there is one.
+        /// One past the last place below: the place of the next event under the same gate, if there is one.
         Index end;
     };
 
-    /// Without places when `top` is null. Refers to `top` itself as well.
+    /// Has no places if `top` is null. Refers to the pointer `top` itself, too.
     explicit FlatTree(const std::shared_ptr<Event>& top);
 
     Index Count() const { return static_cast<Index>(mPlaces.size()); }
@@ -33,7 +34,7 @@ public:
     const Event& GetEvent(Index place) const { return **mPlaces[place].event; }
     const std::string& GetId(Index place) const;
     Index GetParent(Index place) const { return mPlaces[place].parent; }
-    /// Null for an event that is not intermediate, and for one without a gate.
+    /// Null for an event that is no intermediate event or has no gate.
     const Gate* GetGate(Index place) const;
     /// The ids from the top down to a place, joined by "/".
     std::string GetPath(Index place) const;

@@ -33,15 +33,15 @@ Word WordOfChecks(const Evidence::CheckCounts& checks)
     return total != 0 && checks.Of(Check::NOT_APPLICABLE) == total ? Word::NOT_APPLICABLE : Word::UNDECIDED;
 }
 
-// Of a tree without root causes.
+// Judges a tree without root causes.
 void JudgeFaultless(const VerdictFold& fold, TreeVerdict& verdict)
 {
     const bool isUnread = HasEventWithoutGate(fold.GetTree());
-    // A top event that open checks make true without a cut set is no answer either.
+    // If open checks could make the top event true, the tree is undecided even without a cut set.
     const bool couldBeTrue = fold.HasCutSet() || fold.IsTopInError();
     verdict.word = couldBeTrue || isUnread ? Word::UNDECIDED : WordOfChecks(verdict.checks);
-    // With each open check answered something is decided, so that UNDECIDED would end, unless the top event is true
-    // whatever they say.
+    // Answers to the open checks would end UNDECIDED, so the verdict is not complete, unless the top event is true
+    // whatever the answers are.
     const bool wouldChange = verdict.word == Word::UNDECIDED && verdict.checks.Open() != 0;
     verdict.isComplete = !fold.HasCutSet() && !isUnread && (!wouldChange || verdict.isTrueWithoutCause);
 }

@@ -9,14 +9,14 @@
 
 class FaultTree;
 
-/// So many possible causes are told of one tree.
+/// Largest number of possible causes in the verdict on one tree.
 constexpr std::size_t MOST_POSSIBLE_CAUSES = 100;
 
-/// What a detection may say of `tree`, which the engine has folded and in which it found root causes or not.
+/// Returns the verdict on `tree`, which the engine has folded; `isFault` says whether it found root causes.
 ///
-/// `checks` has one word for each event in pre-order, NONE for one that has no check; an event behind its end has none.
-/// A gate that could not be read is no gate without events: a tree with an intermediate event without a gate is never
-/// NO_FAULT. Writes nothing into the tree and logs nothing.
+/// `checks` has one entry for each event in pre-order, NONE for an event without a check; an event beyond its end has
+/// none. A tree in which an intermediate event has no gate is never NO_FAULT, as the gate may be one that could not be
+/// read. Doesn't change the tree and logs nothing.
 Evidence::TreeVerdict JudgeTree(const FaultTree& tree, bool isFault, const std::vector<Evidence::Check>& checks);
 
 #endif

@@ -37,7 +37,8 @@ void PathIndex::AddFacts(Index place)
     mFacts.push_back(facts);
 }
 
-// Leaf by leaf, each with its way up: the first one with a path is the one that the path leads to.
+// Goes from leaf to leaf, and from each leaf up to the top: if several places have one path, the first in this order
+// gets it.
 void PathIndex::IndexPaths()
 {
     std::vector<bool> isIndexed(mFacts.size());
@@ -67,7 +68,7 @@ PathIndex::Index PathIndex::Find(std::string_view path) const
     return found == end ? FlatTree::NONE : found->second;
 }
 
-// As Find by the path of `place`, which is written out only where another place is met.
+// Find for the path of `place`. Builds the text of the path only to compare it with another place of the same hash.
 PathIndex::Index PathIndex::FindOwnPath(Index place) const
 {
     const auto [begin, end] = mPlaceOfPath.equal_range(mFacts[place].pathHash);

@@ -8,22 +8,22 @@
 
 #include "arborist/deduction/flat_tree.h"
 
-/// Finds the places that the path of a leaf leads to.
+/// Finds the places that the path of a leaf names.
 ///
-/// A member of a cut set is told by its path: the ids from the top down, joined by "/", and members by "&". Ids are not
-/// guarded: equal ids beside each other, "/" in an id and empty ids may give several events one path, of which the
-/// first in the order of the leaves is meant; "&" in an id splits a path into several members. Time and memory are in
-/// proportion to the text of all paths. Refers to the tree.
+/// A cut set names its members by path: ids from the top down are joined by "/", members by "&". Ids are not checked:
+/// equal ids under one gate, empty ids and "/" in an id can give several events the same path, which then means the
+/// first of them in the order of the leaves; "&" in an id splits a path into several members. Time and memory are
+/// proportional to the text of all paths. Refers to the tree.
 class PathIndex {
 public:
     using Index = FlatTree::Index;
 
     explicit PathIndex(const FlatTree& tree);
 
-    /// The places that the path of `leaf` leads to; NONE among them where it leads nowhere.
+    /// The places that the path of `leaf` names, one for each member; NONE for a member that names no place.
     std::vector<Index> FindMembers(Index leaf) const;
 
-    /// Whether every path of the tree leads to its own place alone, so that no index is needed.
+    /// True if every place of the tree has a path of its own, so that no index is needed.
     static bool ArePathsUnambiguous(const FlatTree& tree);
 
 private:
@@ -33,10 +33,10 @@ private:
     Index Find(std::string_view path) const;
     Index FindOwnPath(Index place) const;
 
-    /// What is known of each place.
+    /// The facts about one place.
     struct Facts {
         std::uint64_t pathHash;
-        /// An id on the way holds a "&": the path is split, and nothing is found by it as a whole.
+        /// An id of the path contains "&": the path is split, so that no look-up finds it as a whole.
         bool holdsMemberSeparator;
     };
 

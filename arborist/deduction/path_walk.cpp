@@ -14,7 +14,7 @@ void PathWalk::Walk(const std::shared_ptr<Event>& top, SurvivingTree& tree)
     }
 }
 
-// The places of `tree` become those of the whole fault tree, in the same order.
+// Gives `tree` the places of the whole fault tree, in the same order.
 PathWalk::PathWalk(const std::shared_ptr<Event>& top, SurvivingTree& tree)
     : mPlaces(top), mPaths(mPlaces), mIsErrorToTop(mPlaces.Count()), mTree(tree)
 {
@@ -64,7 +64,8 @@ PathWalk::Outcome PathWalk::EnterGate(Index place, SurvivingTree::BranchKind kin
         if (kind == SurvivingTree::BranchKind::OR) {
             outcome = std::max(outcome, ofChild);
         } else if (outcome == Outcome::EMPTY) {
-            // At the start, and behind an empty branch, which empties the result: the combinations start afresh.
+            // The first branch, or the first behind an empty one, which drops the combinations before it: they start
+            // anew here.
             outcome = ofChild;
             first = SurvivingTree::NONE;
         } else {

@@ -10,9 +10,9 @@
 
 class Event;
 
-/// Cuts a folded tree down to what survives, whatever its ids hold: every member is looked up by its path.
+/// Builds the surviving tree of a folded tree with any ids: looks up every member by its path.
 ///
-/// Time and memory are in proportion to the text of all paths.
+/// Time and memory are proportional to the text of all paths.
 class PathWalk {
 public:
     static void Walk(const std::shared_ptr<Event>& top, SurvivingTree& tree);
@@ -29,7 +29,7 @@ private:
 
     FlatTree mPlaces;
     PathIndex mPaths;
-    /// Of each place: it and all above are in error.
+    /// For each place: true if its event and all events above it are in error.
     std::vector<bool> mIsErrorToTop;
     SurvivingTree& mTree;
 };

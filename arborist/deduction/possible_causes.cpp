@@ -12,7 +12,7 @@ const std::vector<PossibleCauses::Index>* PossibleCauses::Next()
     return &mLeaves;
 }
 
-// Goes to the top at first, and then back to the last gate that has another branch.
+// Starts at the top event; later calls return to the last OR gate with a branch that was not tried yet.
 bool PossibleCauses::Resume()
 {
     if (!mIsStarted) {
@@ -48,7 +48,7 @@ void PossibleCauses::Take(Index branch, Index next)
     }
 }
 
-// `branch` leads to a cut set: what didn't has not been entered.
+// Every `branch` passed here leads to a cut set, as FindUseful skips the others.
 void PossibleCauses::TakeOneOf(Index branch, Index next)
 {
     const Index other = FindUseful(mFold.GetNextBranch(branch), next);
@@ -76,7 +76,8 @@ PossibleCauses::Index PossibleCauses::AddStep(Index branch, Index next)
     return static_cast<Index>(mSteps.size() - 1);
 }
 
-// The first from `branch` on that can make the cut set an addition, where nothing else does.
+// The first of the branches from `branch` on through which the cut set can become an addition; `branch` itself if it is
+// one already.
 PossibleCauses::Index PossibleCauses::FindUseful(Index branch, Index next) const
 {
     const bool isAdditionAnyway = mIsAddition || (next != FlatTree::NONE && mSteps[next].adds);

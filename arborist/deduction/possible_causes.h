@@ -6,29 +6,30 @@
 
 #include "arborist/deduction/verdict_fold.h"
 
-/// Lists the cut sets that answers of open checks would add, in the order in which a detection would find them.
+/// Lists the cut sets that qualify only if open checks come out true, in the order in which a detection would find
+/// them.
 ///
-/// Lists them one by one: memory is in proportion to one cut set with what stands above it, and what leads to no
-/// further one is not entered. Refers to the fold.
+/// Generates them one by one: memory is proportional to one cut set with the events above it, and no branch is entered
+/// that leads to no further cut set. Refers to the fold.
 class PossibleCauses {
 public:
     using Index = VerdictFold::Index;
 
     explicit PossibleCauses(const VerdictFold& fold) : mFold(fold) {}
 
-    /// The leaves of the next cut set, valid until the next call; null when there are no more.
+    /// The leaves of the next cut set, valid until the next call; null if there are no more.
     const std::vector<Index>* Next();
 
 private:
-    /// A branch that the cut set in the making still has to go through, and those behind it.
+    /// A branch from which the unfinished cut set still needs leaves, linked to the steps after it.
     struct Step {
         Index branch;
         Index next;
-        /// The branch, or one behind it, holds what open checks would add.
+        /// True if this branch, or one of a later step, has a cut set that open checks would add.
         bool adds;
     };
 
-    /// An OR gate with another branch to go through, and how far all had come there.
+    /// An OR gate with a branch that was not tried yet, and the state of the search when it reached the gate.
     struct Choice {
         Index branch;
         Index next;
@@ -48,9 +49,9 @@ private:
     std::vector<Step> mSteps;
     std::vector<Choice> mChoices;
     std::vector<Index> mLeaves;
-    /// The next step to take; NONE when the cut set is whole.
+    /// The next step to take; NONE if the cut set is complete.
     Index mNext = FlatTree::NONE;
-    /// A leaf was taken that is not in error to the top yet.
+    /// True if a leaf was taken that qualifies only with the answers of open checks.
     bool mIsAddition = false;
     bool mIsStarted = false;
 };

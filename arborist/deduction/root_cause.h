@@ -7,9 +7,9 @@
 
 class Event;
 
-/// One explanation of a fault: the members of a cut set and all events above them, leaf first.
+/// One explanation of a fault: the members of a cut set and all events above them, leaves first.
 ///
-/// Shares ownership of its events. Events and ids run side by side.
+/// Shares ownership of its events. The lists of events and ids have the same order.
 class RootCause {
 public:
     virtual ~RootCause() = default;
@@ -18,7 +18,7 @@ public:
     void AddPath(std::string id);
 
     const std::vector<std::shared_ptr<Event>>& GetLeaf() const { return mLeaf; }
-    /// The ids of the events, each once; no paths, whatever the name says.
+    /// The ids of the events, each once. Despite the name they are no paths.
     const std::vector<std::string>& GetPaths() const { return mPaths; }
     void SetLeaf(std::vector<std::shared_ptr<Event>> leaf);
     void SetPaths(std::vector<std::string> paths);

@@ -17,8 +17,8 @@ namespace {
 
 using Index = SurvivingTree::Index;
 
-// Every combination of a surviving tree, in the order of expansion. Combinations share what they have in common: one
-// is a leaf or joins two others.
+// All combinations of a surviving tree, in the order of expansion. A combination is a leaf or joins two others, so that
+// combinations share their common parts.
 class Combinations {
 public:
     explicit Combinations(const SurvivingTree& tree) : mTree(tree) { Append(tree.GetTop(), mAll); }
@@ -46,7 +46,7 @@ public:
     }
 
 private:
-    // Twice the index of a leaf's branch, or twice the index of a join and one more.
+    // A leaf is encoded as twice the index of its branch, a join as twice its index plus one.
     using Combination = std::size_t;
 
     static bool IsJoin(Combination combination) { return combination % 2 != 0; }
@@ -85,7 +85,7 @@ private:
         result.insert(result.end(), product.begin(), product.end());
     }
 
-    // The combinations of `left` outermost.
+    // Joins every combination of `left` with every one of `right`; `left` is the outer loop.
     std::vector<Combination> Multiply(std::vector<Combination> left, const std::vector<Combination>& right)
     {
         if (right.size() == 1) {
@@ -110,7 +110,7 @@ private:
     std::vector<Combination> mToVisit;
 };
 
-// Collects the members of a cut set with all events above them: each id once, whoever has it.
+// Collects the members of a cut set and all events above them, but of several events with the same id only the first.
 class WaysUp {
 public:
     explicit WaysUp(const SurvivingTree& tree)
@@ -140,7 +140,7 @@ public:
     }
 
 private:
-    // Ends at a place where this round has been: it has been above that one, too.
+    // Stops at a place that this round has visited: all places above that one have been visited, too.
     void GoUp(Index member)
     {
         for (Index place = member; place != SurvivingTree::NONE && mRoundOfPlace[place] != mRound;
@@ -154,7 +154,7 @@ private:
         }
     }
 
-    // A number for the text of the id.
+    // Numbers the ids, so that equal texts have equal numbers.
     Index IdOf(Index place)
     {
         if (mIdOfPlace[place] == SurvivingTree::NONE) {
@@ -212,7 +212,8 @@ RootCauseSearch::Found CollectAll(const SurvivingTree& tree, bool withCutSets)
 RootCauseSearch::Found RootCauseSearch::Find(const FaultTree& tree, bool withCutSets)
 {
     const std::shared_ptr<Event> top = tree.GetIntermediateEvent();
-    // The top event stands above every member and in every path, where a "&" lets no member be found.
+    // The top event is above every member and part of every path: it must be in error, and "&" in its id would split
+    // every path so that no member is found.
     if (top == nullptr || !IsError(top->GetResult()) || top->GetId().find('&') != std::string::npos) {
         return {};
     }

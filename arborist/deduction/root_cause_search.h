@@ -9,16 +9,16 @@
 class FaultTree;
 class RootCause;
 
-/// Finds the root causes of a folded tree: those that RootCauseLocator finds among the cut sets of
-/// MinimalCutsetParser, in the same order and with the same events.
+/// Finds the root causes of a folded tree: the same that RootCauseLocator finds among the cut sets of
+/// MinimalCutsetParser, with the same events and in the same order.
 ///
-/// One member that does not qualify drops its cut set without a trace, so what does not qualify is never combined:
-/// time and memory are in proportion to the tree plus what is found, not to the expansion.
+/// A single member that doesn't qualify drops its cut set, so the search never combines such members: time and memory
+/// are proportional to the size of the tree plus that of the result, not to that of the expansion.
 class RootCauseSearch {
 public:
     struct Found {
         std::vector<std::shared_ptr<RootCause>> rootCauses;
-        /// The cut set of each root cause, where they were asked for.
+        /// The cut set of each root cause, if they were requested.
         MinimalCutSet cutSets;
     };
 

@@ -9,25 +9,25 @@
 
 class Event;
 
-/// What is left of a fault tree when all that no root cause can hold is cut away: the gates, and below them the leaves
-/// whose members qualify. Every combination of what is left is a root cause.
+/// The part of a fault tree that can be in a root cause: leaves whose members qualify and the gates above them. Every
+/// combination of these leaves is a root cause.
 ///
-/// Holds references into the tree, which must stay as it is.
+/// Refers to the fault tree, which must not change.
 class SurvivingTree {
 public:
     using Index = std::uint32_t;
     static constexpr Index NONE = UINT32_MAX;
 
-    /// An event where it stands in the tree. One event may stand in several places.
+    /// A place of an event in the tree. One event may have several places.
     struct Place {
         const std::shared_ptr<Event>* event;
-        /// NONE at the top.
+        /// Place of the event above; NONE for the top event.
         Index parent;
     };
 
-    /// What a branch of the fault tree comes to. EMPTY has no combination at all, whatever the statuses, which decides
-    /// how an AND gate takes what stands before and behind it; DEAD has some, and none of them survives. In ascending
-    /// order: an OR gate comes to the greatest of its branches.
+    /// Outcome of a branch of the fault tree. EMPTY: it has no combinations, whatever the statuses; in an AND gate it
+    /// also drops those of the branches before it. DEAD: it has combinations, but none survives. ALIVE: some survive.
+    /// In ascending order: the outcome of an OR gate is the greatest of its branches.
     enum class Outcome { EMPTY, DEAD, ALIVE };
 
     enum class BranchKind : unsigned char { LEAF, OR, AND };
@@ -35,15 +35,15 @@ public:
     /// A gate or a leaf that survived.
     struct Branch {
         BranchKind kind;
-        /// Of a gate its first branch, of a leaf its first member.
+        /// For a gate its first branch, for a leaf its first member.
         Index first;
-        /// Members of a leaf: one, but for paths that hold a separator of members.
+        /// Number of members of a leaf: more than one only if its path contains "&".
         Index memberCount;
-        /// The branch behind it under the same gate.
+        /// The next branch under the same gate.
         Index next;
     };
 
-    /// How far the tree has grown.
+    /// A state of the growing tree, to return to with Rewind.
     struct Mark {
         std::size_t places;
         std::size_t branches;
@@ -51,19 +51,19 @@ public:
     };
 
     Index AddPlace(const std::shared_ptr<Event>& event, Index parent);
-    /// `members` are the places that the leaf's path leads to.
+    /// `members` are the places that the leaf's path names.
     Index AddLeaf(const std::vector<Index>& members);
     Index AddLeaf(Index member);
-    /// Branches are chained through Branch::next, starting at `first`.
+    /// `first` is the first of the gate's branches, which are linked by Branch::next.
     Index AddGate(BranchKind kind, Index first);
     void Chain(Index branch, Index next) { mBranches[branch].next = next; }
     void SetTop(Index branch) { mTop = branch; }
 
     Mark GetMark() const { return {mPlaces.size(), mBranches.size(), mMembers.size()}; }
-    /// Forgets all that was added since.
+    /// Removes everything that was added since `mark`.
     void Rewind(const Mark& mark);
 
-    /// The branch of the top event; NONE when nothing survived.
+    /// The branch of the top event; NONE if nothing survived.
     Index GetTop() const { return mTop; }
     const std::vector<Place>& GetPlaces() const { return mPlaces; }
     const Branch& GetBranch(Index branch) const { return mBranches[branch]; }

@@ -46,10 +46,10 @@ std::vector<VerdictFold::Index> VerdictFold::ListMembers(Index leaf) const
     return mPaths ? mPaths->FindMembers(leaf) : std::vector<Index>{leaf};
 }
 
-// From the last place to the first, so that all below an event is known before the event.
+// Goes from the last place to the first, so that the events below an event are known before it.
 void VerdictFold::FoldErrors()
 {
-    // An OR gate has an event in error; an AND gate has one that is not.
+    // A gate is settled by one event: an OR gate by an event in error, an AND gate by one that is not in error.
     std::vector<bool> isSettled(mTree.Count());
     for (Index place = mTree.Count(); place-- != 0;) {
         mIsError[place] = mIsOpen[place] ||
@@ -96,8 +96,8 @@ void VerdictFold::EnterLeaf(Index leaf)
     mAddsBelow[leaf] = mOutcome[leaf] == Outcome::ALIVE && !all(mWasErrorToTop);
 }
 
-// Adds what `place` comes to to its gate. An empty branch of an AND gate ends the cut sets of all that stands before
-// it, and those come behind it here.
+// Adds the outcome of `place` to the gate above. An empty branch of an AND gate drops the cut sets of all branches
+// before it; as the places are visited backwards, those are the branches that follow here.
 void VerdictFold::PassUp(Index place)
 {
     const Index parent = mTree.GetParent(place);

@@ -7,17 +7,17 @@
 
 class Event;
 
-/// A node of the mirror that RootCauseLocator makes of a fault tree: an event with its parent and its path.
+/// An event with its parent and its path: a node of the copy that RootCauseLocator makes of a fault tree.
 ///
-/// Lives under shared ownership. A node owns its children; the way back is not owning, so GetParent answers as long as
-/// somebody holds the top node.
+/// Create it as a shared pointer. A node owns its children but not its parent, so GetParent works as long as somebody
+/// owns the top node.
 class CauseNode : public std::enable_shared_from_this<CauseNode> {
 public:
     /// `event` is not null.
     explicit CauseNode(std::shared_ptr<Event> event);
 
-    /// Appends `child`, makes this node its parent and puts this node's path before the child's. So a node must have
-    /// its parent before it gets children. A null child is ignored.
+    /// Appends `child`, makes this node its parent and puts this node's path in front of the child's. So give a node
+    /// its parent before its children. Ignores a null child.
     void AddChild(const std::shared_ptr<CauseNode>& child);
     void SetParent(const std::shared_ptr<CauseNode>& parent);
 
@@ -28,7 +28,7 @@ public:
     const std::string& GetPath() const { return mXpath; }
     const std::vector<std::shared_ptr<CauseNode>>& GetChildren() const { return mChildren; }
     bool IsHasChildren() const { return !mChildren.empty(); }
-    /// The leaves below, or the node itself when it is one, in order.
+    /// The leaves below this node in order, or the node itself if it is a leaf.
     std::vector<std::shared_ptr<CauseNode>> GetAllChildNodes();
 
 private:

@@ -14,7 +14,7 @@ constexpr const char* MEMBER_SEPARATOR = "&";
 
 using Combinations = std::vector<std::string>;
 
-// Every combination of `left` with every one of `right`, the left ones outermost.
+// Joins every combination of `left` with every one of `right`; `left` is the outer loop.
 Combinations CrossProduct(const Combinations& left, const Combinations& right)
 {
     Combinations product;
@@ -44,7 +44,7 @@ MinimalCutSet MinimalCutsetParser::GetMcs(const FaultTree& tree)
         return cutSets;
     }
     for (const auto& combination : MakeMinimalCutSetsDetails(top, top->GetId())) {
-        // An id that holds a separator is split like any other text; nothing guards against it.
+        // An id that contains a separator is split, too; nothing prevents that.
         cutSets.push_back(StringUtil::Split(combination, MEMBER_SEPARATOR));
     }
     return cutSets;
@@ -63,7 +63,8 @@ std::vector<std::string> MinimalCutsetParser::MakeMinimalCutSetsDetails(
         Combinations sub = child->GetKind() == EventKind::INTERMEDIATE
             ? MakeMinimalCutSetsDetails(std::static_pointer_cast<IntermediateEvent>(child), path)
             : Combinations{path};
-        // A branch of an AND without combinations empties the result, and the child behind it starts afresh. Meant so.
+        // In an AND a branch without combinations drops the combinations so far, and the next branch starts anew. Hosts
+        // rely on the root causes that result.
         if (isOr || result.empty()) {
             Append(result, std::move(sub));
         } else {

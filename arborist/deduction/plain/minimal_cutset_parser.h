@@ -12,16 +12,16 @@ class IntermediateEvent;
 
 /// Expands the gates of a tree into its cut sets.
 ///
-/// A plain expansion, whatever the name says: nothing is absorbed and no duplicate removed. Time and memory grow with
-/// the product of the branches below AND gates, so a real tree may be beyond any machine. A detection takes the way of
-/// RootCauseSearch; this one is kept for the tests, which hold its answers against these.
+/// Despite the name this is a plain expansion: it absorbs no superset and removes no duplicate. Time and memory grow
+/// with the product of the branches below AND gates, so that no machine may be large enough for a real tree. A
+/// detection uses RootCauseSearch; this class is kept for the tests, which compare the two.
 class MinimalCutsetParser {
 public:
     /// Empty for a tree without a top event.
     static MinimalCutSet GetMcs(const FaultTree& tree);
 
 private:
-    /// The combinations below `event`, which stands at `eventPath`: paths joined by "&".
+    /// The combinations below `event`, whose path is `eventPath`: member paths joined by "&".
     static std::vector<std::string> MakeMinimalCutSetsDetails(const std::shared_ptr<IntermediateEvent>& event,
                                                               const std::string& eventPath);
 };

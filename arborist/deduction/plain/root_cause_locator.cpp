@@ -86,7 +86,8 @@ std::shared_ptr<CauseNode> RootCauseLocator::GetChildNodeByXpath(const std::shar
     if (path.empty() || top == nullptr) {
         return nullptr;
     }
-    // Leaf by leaf, each with its way up: where several nodes have the same path, this order says which is meant.
+    // Goes from leaf to leaf, and from each leaf up to the top: if several nodes have the same path, the first in this
+    // order counts.
     for (const auto& leaf : top->GetAllChildNodes()) {
         for (auto node = leaf; node != nullptr; node = node->GetParent()) {
             if (node->GetPath() == path) {
@@ -130,8 +131,8 @@ std::shared_ptr<RootCause> RootCauseLocator::AddEvent(const std::shared_ptr<Root
 int RootCauseLocator::IsParentError(const std::string& path, const std::shared_ptr<CauseNode>& top,
                                     DepthOfPath& depths)
 {
-    // The map is empty in every run, and nothing but this function fills it: the search for an ancestor that is in
-    // error stands ready behind this test, and a cut set that fails yields nothing. Meant so.
+    // Always taken: nothing but this function fills the map, so that it is empty here. The search for an ancestor in
+    // error below is therefore never reached, and a cut set that fails gives no root cause. Hosts rely on that.
     if (path.empty() || top == nullptr || depths.empty()) {
         return -1;
     }

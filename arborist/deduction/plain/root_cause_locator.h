@@ -13,16 +13,17 @@ class Event;
 class FaultTree;
 class RootCause;
 
-/// Decides which cut sets explain the fault: those whose members, and all events above them, are in error.
+/// Selects the cut sets that explain the fault: those whose members, and all events above them, are in error.
 ///
-/// Without state. Looks every member up by its path through all leaves, so its time is cut sets times tree. A detection
-/// takes the way of RootCauseSearch; this one is kept for the tests, which hold its answers against these.
+/// Stateless. Searches all leaves for the path of every member, so that its time is the number of cut sets times the
+/// size of the tree. A detection uses RootCauseSearch; this class is kept for the tests, which compare the two.
 class RootCauseLocator {
 public:
-    /// One root cause for each cut set that qualifies, in order. Empty, in silence, for a tree without a top event.
+    /// One root cause for each cut set that qualifies, in order. Empty, without a log line, for a tree without a top
+    /// event.
     std::vector<std::shared_ptr<RootCause>> FindRootCause(const FaultTree& tree, const MinimalCutSet& cutSets);
 
-    /// The mirror of the tree below `event`, which is not null.
+    /// A copy of the tree from `event` down, as nodes. `event` must not be null.
     std::shared_ptr<CauseNode> ParseEvent(const std::shared_ptr<Event>& event);
 
 private:
