@@ -6,12 +6,12 @@
 
 #include "arborist/utilities/platform.h"
 
-/// One connection to one file, kept open for as long as the file is the same, unchanged: to open a database costs
-/// several times what a question to it costs. Used by one thread.
+/// Keeps one connection to one file open as long as the file doesn't change: opening a database takes several times as
+/// long as querying it. Not thread-safe.
 template <typename Connection>
 class KeptConnection {
 public:
-    /// The connection of the last Make, if that was for `path` and the file there is as it was then; null otherwise.
+    /// The connection of the last Make if that was for `path` and the file has not changed since; null otherwise.
     Connection* Find(const std::string& path) const
     {
         const Platform::FileIdentity identity(path);
@@ -19,7 +19,7 @@ public:
                                                                                                     : nullptr;
     }
 
-    /// Lets the last connection go and makes another one, which is about to be opened on `path`.
+    /// Destroys the last connection and creates a new one; the caller opens it on `path`.
     Connection& Make(const std::string& path)
     {
         mConnection.reset(); // first, since closing may change the file
@@ -29,7 +29,7 @@ public:
         return *mConnection;
     }
 
-    /// The connection of the last Make, as it is; before the first, one that is made for no file.
+    /// The connection of the last Make, changed file or not; before the first Make, a new one for no file.
     Connection& Get() { return mConnection != nullptr ? *mConnection : Make(""); }
     /// The path of the last Make.
     const std::string& GetPath() const { return mPath; }
@@ -37,7 +37,7 @@ public:
 private:
     std::unique_ptr<Connection> mConnection;
     std::string mPath;
-    /// The file as it was just before it was opened.
+    /// Identity of the file just before it was opened.
     Platform::FileIdentity mIdentity;
 };
 

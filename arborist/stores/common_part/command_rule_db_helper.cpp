@@ -66,7 +66,7 @@ std::uint64_t Distance(std::int64_t start, std::int64_t end)
     return high - low;
 }
 
-// All in 32 bits, wrapping: that is how rule sets know it.
+// Calculates in 32 bits and wraps on overflow: thresholds of rule sets rely on it.
 std::int32_t ScaledTo30Days(std::int32_t value, std::uint64_t days)
 {
     const std::uint32_t product = static_cast<std::uint32_t>(value) * static_cast<std::uint32_t>(NORMAL_DAYS);
@@ -78,7 +78,7 @@ std::int32_t ScaledTo30Days(std::int32_t value, std::uint64_t days)
     return static_cast<std::int32_t>(std::int64_t{dividend} / divisor);
 }
 
-// Empty for a type that isn't scaled.
+// Empty for a type that is not scaled.
 std::string ScaledText(const std::string& type, const std::string& text, std::uint64_t days)
 {
     if (type == "int" || type == "long") {
@@ -102,7 +102,7 @@ void NoteColumn(Evidence::Statement* record, const Param& param, const std::stri
     }
 }
 
-// A single select, which leaves no trace on the connection that it ran on.
+// True for a single select, which leaves no state on its connection.
 bool IsPlainSelect(const std::string& sql)
 {
     constexpr std::string_view SELECT = "select";
@@ -132,7 +132,7 @@ CommandRuleDbHelper::ParamList CommandRuleDbHelper::RunSql(const std::string& sq
 {
     FT::sql::SqlDatabase& database = mConnection.Get();
     std::vector<FT::sql::SqlField> fields = FieldsOf(params, first, second);
-    // Carries the fields alone: there is no table of that name.
+    // Only provides the fields: no table of that name exists.
     FT::sql::SqlTable table(database.GetHandle(), "tmp_table", fields.data(), fields.size());
     const StatementTrouble inRecord(std::nullopt);
     mRowCount = FT::sql::SimpleDatabaseHelper().GetRecordCountByFullSql(table, sql);
@@ -150,7 +150,7 @@ CommandRuleDbHelper::ParamList CommandRuleDbHelper::RunSql(const std::string& sq
                                  : UpdateParamList(params, *row, record);
     }
     mLimits.LowerAfter(database.GetHandle());
-    // A file that can't be read says so again when it is opened for the next statement.
+    // Close after a failure, so that opening a file that can't be read logs its line again for the next statement.
     if (!table.IsOk() || !IsPlainSelect(sql)) {
         database.Close();
     }
@@ -178,7 +178,7 @@ CommandRuleDbHelper::ParamList CommandRuleDbHelper::UpdateParamListOfNormalizati
     const std::int64_t start = GetRecordInterval(row, first);
     const std::int64_t end = GetRecordInterval(row, second);
     const std::uint64_t days = Distance(start, end) / static_cast<std::uint64_t>(SECONDS_OF_DAY);
-    // One second apart is left out on purpose.
+    // An interval of one second counts as missing, too: rule sets rely on it.
     mIsIntervalMissing = start == 0 || end == 0 || Distance(start, end) == 1;
     if (record != nullptr) {
         record->interval = {first == nullptr ? std::string() : first->key,

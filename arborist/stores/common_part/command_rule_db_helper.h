@@ -18,32 +18,32 @@ namespace FT::sql {
 class SqlRecord;
 }
 
-/// Runs the SQL text of a command rule on one database and reads the one row that comes back into parameters.
+/// Runs the SQL text of a command rule on one database and stores the single row of its result in parameters.
 ///
-/// Open first, then run. One database at a time, one thread.
+/// Call IsOpenDbSuccess first, then RunSql. One database at a time; not thread-safe.
 class CommandRuleDbHelper {
 public:
     using ParamList = std::vector<std::shared_ptr<Param>>;
 
-    /// Opens a database file, which SQLite creates when it is missing; the empty path stands for the derived database.
-    /// False, with a line, when it can't be opened.
+    /// Opens a database file; SQLite creates a missing one. An empty path means the derived database. False, with a
+    /// line, if it can't be opened.
     bool IsOpenDbSuccess(const std::string& path);
 
-    /// Runs `sql` and writes the values of its one row, by the keys of the parameters in their order, into the
-    /// parameters themselves. Empty, and nothing written, when the statement fails or gives another number of rows.
+    /// Runs `sql` and writes the values of its single row into `params`, assigning columns to keys in order. Returns an
+    /// empty list and writes nothing if the statement fails or has another number of rows.
     ///
-    /// Plain: copies of the parameters, with their values. Normalised: the parameters themselves, numbers scaled from
-    /// the days between the columns of `first` and `second` to 30 days, texts left out; empty when one of the two
-    /// columns is 0 or they are one second apart.
+    /// Without normalisation returns copies of the parameters with their values. With it returns the parameters
+    /// themselves, without texts, and with numbers scaled to 30 days from the days between the columns of `first` and
+    /// `second`; empty if one of these is 0 or they differ by one second.
     ///
     /// `record`, if there is one, is told the database, the rows and the values.
     ParamList RunSql(const std::string& sql, const ParamList& params, bool isNormalization,
         const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second,
         Evidence::Statement* record = nullptr);
 
-    /// Rows that the last statement gave.
+    /// Number of rows of the last statement.
     std::uint64_t GetRowCount() const { return mRowCount; }
-    /// Whether the last RunSql had a row whose values it could not scale.
+    /// True if the last RunSql had a row but could not scale its values.
     bool IsIntervalMissing() const { return mIsIntervalMissing; }
 
 private:

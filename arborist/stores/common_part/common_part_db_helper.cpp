@@ -17,7 +17,7 @@ std::string ParentOf(const std::string& path)
     return path.substr(0, path.rfind('/'));
 }
 
-// The first item names the columns; the others only add events.
+// The columns are those of the first item; the others only add events.
 std::vector<std::shared_ptr<Param>> ColumnsOf(const LumbraDataList& dataItems)
 {
     std::vector<std::shared_ptr<Param>> columns;
@@ -32,7 +32,7 @@ std::vector<std::shared_ptr<Param>> ColumnsOf(const LumbraDataList& dataItems)
     return columns;
 }
 
-// False when an item asks for the id 0.
+// False if an item selects the id 0.
 bool GetEventIdList(const LumbraDataList& dataItems, EventIdList& ids)
 {
     for (const auto& item : dataItems) {
@@ -82,7 +82,7 @@ bool CommonPartDbHelper::IsSuccessCreateJankDb(
         }
         EventIdList ids;
         if (!GetEventIdList(bean->GetLumbraDataList(), ids)) {
-            // The beans that follow stay unbuilt, too: rule sets are tested against this.
+            // Skips the beans that follow, too: rule sets are tested against this.
             return false;
         }
         const DerivedTables::Table table{bean->GetName(), ColumnsOf(bean->GetLumbraDataList())};
@@ -120,7 +120,7 @@ void CommonPartDbHelper::CopyDbAndCreateTable(const std::shared_ptr<CommonPart>&
             if (path.empty() || !FileUtil::FileExists(path)) {
                 continue;
             }
-            // Of several paths that are there the bean keeps the copies of the last one only.
+            // If several paths exist, the bean keeps the copies of the last one only.
             bean->SetCopyDbFileList(ExternalDatabases::CopyDbFile(path, bean->GetDbName()));
             IsCreateDbByFileComplete(bean->GetCopyDbFileList(), bean->GetCreateTableList(), limits);
         }

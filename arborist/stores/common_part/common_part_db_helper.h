@@ -18,13 +18,13 @@ namespace FT::sql {
 struct SqlLimits;
 }
 
-/// Builds what command rules query: the tables of the derived database, one for each threshold bean, from the event
-/// log; and copies of external databases, with the rule set's SQL run on them.
+/// Builds the databases that command rules query: the derived database, with a table of events for each threshold bean,
+/// and copies of external databases, on which it runs the SQL of the rule set.
 ///
-/// Event log and external files are only read. The work is done in DerivedTables and ExternalDatabases; this class goes
-/// through the rule set's entries and sees to it that Init, each of the two ways to build a table, and CreateTable run
-/// once at a time: each holds one mutex of its own for its whole length, and none is taken inside another. Nothing is
-/// kept between calls.
+/// Only reads the event log and the external files. Iterates over the entries of the rule set; DerivedTables and
+/// ExternalDatabases do the work. Init, each of the two ways to build a table, and CreateTable lock one mutex each from
+/// begin to end, so that each runs in one thread at a time; no mutex is locked inside another. Keeps no state between
+/// calls.
 class CommonPartDbHelper {
 public:
     CommonPartDbHelper(const CommonPartDbHelper&) = delete;
@@ -32,17 +32,17 @@ public:
 
     static CommonPartDbHelper& GetInstance();
 
-    /// Makes sure that the derived database's directory exists. False, with a line, when it can't be made.
+    /// Creates the directory of the derived database if it is missing. False, with a line, if that fails.
     bool Init();
 
-    /// Drops, makes and fills the table of each threshold bean that selects event data, in list order. A bean that
-    /// fails logs its line and the next one goes on; one whose ids are both 0 ends the call. The answer is that of the
-    /// last bean that was built: false without any, and for a null part.
+    /// Drops, creates and fills the table of each threshold bean that selects events, in list order. A bean that fails
+    /// logs a line and the next one follows; a bean with two ids of 0 ends the call. Returns the result of the last
+    /// bean that was built; false if there was none, and for a null common part.
     bool IsSuccessCreateJankDb(const std::string& eventDbPath, const std::shared_ptr<CommonPart>& commonPart);
 
-    /// Searches the directories of each table bean, copies or unpacks what matches into the directory
-    /// Settings::APP_DATABASE_DIR, notes the copies in the bean and runs the bean's SQL on each. Failures log lines
-    /// and end nothing. Raises std::regex_error for a name pattern that is no regular expression.
+    /// Searches the directories of each table bean, copies or unpacks the matching files into the directory
+    /// Settings::APP_DATABASE_DIR, lists the copies in the bean and runs the bean's SQL on each. A failure logs a line
+    /// and doesn't end the call. Throws std::regex_error for a name pattern that is no regular expression.
     void CopyDbAndCreateTable(const std::shared_ptr<CommonPart>& commonPart);
 
 private:

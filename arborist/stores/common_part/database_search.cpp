@@ -12,9 +12,9 @@
 
 namespace {
 
-// Links can lead from directory to directory without end. What lies deeper is still found by the walks from above.
+// Limit on links that are followed one after the other: links can lead from directory to directory without end.
 constexpr std::size_t MOST_LEVELS = 64;
-// Each directory that is entered lists something, but for circles of links.
+// Limit on entering directories: without circles of links every directory that is entered lists a file.
 constexpr std::size_t MOST_ENTERED = MOST_LEVELS * DatabaseSearch::MOST_LISTINGS;
 
 bool IsLink(const std::string& path)
@@ -23,20 +23,20 @@ bool IsLink(const std::string& path)
     return std::filesystem::is_symlink(path, ignored);
 }
 
-// What a walk met of use: a directory, a link to one, or a file that matches.
+// An entry that a walk keeps: a directory, a link to a directory or a matching file.
 struct Entry {
     enum class Kind { FILE, DIRECTORY, LINK };
     Kind kind;
-    /// Of a file its place among the matches, of a link the walk of what it leads to.
+    /// For a file its index among the matches, for a link the walk of its target.
     std::size_t target = 0;
-    /// Of a directory behind the last entry below it, else behind the entry.
+    /// One past the last entry below a directory; one past the entry for others.
     std::size_t end = 0;
-    /// A file that matches is here, below or behind.
+    /// True if a matching file is this entry, is below it or is reached through it.
     bool isUseful = false;
     bool wasEntered = false;
 };
 
-// The entries below a directory, each before what lies below it.
+// The entries below a directory in pre-order.
 struct Walk {
     std::string path;
     std::size_t level;
@@ -46,7 +46,7 @@ struct Walk {
     bool isOnItsWay = false;
 };
 
-// What lies below a directory and, where links are followed, behind them, read once.
+// The entries below a directory and, if links are followed, below their targets. Reads each directory once.
 class FoundTree {
 public:
     FoundTree(FileNamePattern& pattern, bool followLinks)
@@ -57,7 +57,7 @@ public:
     void Read(const std::string& realPath)
     {
         WalkOf(realPath, 0);
-        for (std::size_t walk = 0; walk < walks.size(); ++walk) { // reading finds more of them
+        for (std::size_t walk = 0; walk < walks.size(); ++walk) { // reading appends to it
             std::vector<Entry> entries = ReadEntries(walks[walk].path, walks[walk].level);
             walks[walk].entries = std::move(entries);
         }
@@ -112,10 +112,10 @@ private:
             path.compare(0, directory.size(), directory) == 0;
     }
 
-    // Appends an entry if the path is of use; true for a directory that is walked.
+    // Appends an entry if the path is a directory, a link to one or a matching file; true for a directory to walk into.
     bool Look(const std::string& path, std::size_t level, std::vector<Entry>& entries)
     {
-        // What a link of a captured device leads to lies in the captured device, never on this machine.
+        // The target of a link on a captured device is in the captured device, never on this machine.
         const bool isLink = IsLink(path);
         const std::string target = isLink ? DevicePaths::RealPath(path, mRootOfDevice) : path;
         if (!FileUtil::IsDirectory(target)) {
@@ -151,7 +151,7 @@ private:
         return known->second;
     }
 
-    // A walk is useful that met a file, and one that met a link to a useful walk.
+    // A walk is useful if it has a matching file or a link to a useful walk.
     void MarkUsefulWalks()
     {
         std::vector<std::vector<std::size_t>> leadingTo(walks.size());
@@ -180,7 +180,7 @@ private:
 
     void MarkUsefulEntries(std::vector<Entry>& entries) const
     {
-        std::vector<std::size_t> usefulFrom(entries.size() + 1); // how many, from an entry to the last
+        std::vector<std::size_t> usefulFrom(entries.size() + 1); // number of useful entries from an entry on
         for (std::size_t index = entries.size(); index-- > 0;) {
             Entry& entry = entries[index];
             entry.isUseful = entry.kind == Entry::Kind::DIRECTORY ? usefulFrom[index + 1] != usefulFrom[entry.end]
@@ -196,7 +196,7 @@ private:
     std::unordered_map<std::string, std::size_t> mMatchOfPath;
 };
 
-// Lists the files of a tree in the order of all the walks, each of which goes through the same entries.
+// Lists the files of a tree in the order of all walks; every walk iterates over the same entries.
 class Listing {
 public:
     Listing(FoundTree& tree, bool recursive)
@@ -229,7 +229,7 @@ private:
                 if (!behind.isOnItsWay && MayEnter(behind.wasEntered)) {
                     List(behind);
                 }
-            } else { // searched for itself, and then gone through by the walk that met it
+            } else { // first for the directory itself, then for the walk that found it
                 for (int time = 0; time < mTimesOfDirectory && MayEnter(entry.wasEntered); ++time) {
                     List(walk, index + 1, entry.end);
                 }
@@ -237,7 +237,7 @@ private:
         }
     }
 
-    // Whether another time through the same directory is of use: all in it is listed after the first.
+    // True if the walk may enter the directory: always once, and again only while repetitions are still listed.
     bool MayEnter(bool& wasEntered)
     {
         const bool isFull = files.size() >= DatabaseSearch::MOST_LISTINGS || mEntered >= MOST_ENTERED;

@@ -7,27 +7,27 @@
 
 #include "arborist/stores/common_part/file_name_pattern.h"
 
-/// Lists the files below a directory whose whole path matches a pattern, both in lower case. The path is that on the
-/// device: where a recorded device stands makes no difference.
+/// Lists the files below a directory whose whole path, in lower case, matches a pattern in lower case. The path is the
+/// one on the device, so that the folder of a recorded device makes no difference.
 ///
-/// Each directory is searched with all that lies below it, and then again for each directory above it: a file one level
-/// down is listed twice, two levels down four times, in the order of these walks. Rule sets count on the repetition;
-/// the file system is walked once all the same. A directory that a link leads to is searched where it lies, once, so
-/// that links in a circle end. Time and memory are in proportion to the entries below the directory. Made for one
-/// search.
+/// Every directory is searched by a walk of its own and again by the walk of each directory above it: a file one level
+/// down is listed twice, two levels down four times, in the order of these walks. Rule sets rely on the repetition; the
+/// file system is read only once. The target of a link to a directory is searched at its own place, once, so that links
+/// in a circle end. Time and memory are proportional to the number of entries below the directory. Use an object for
+/// one search.
 class DatabaseSearch {
 public:
-    /// A file that is listed already is not listed again once the list is this long: 13 levels of repetition for one
-    /// file. Files that are not listed yet always are.
+    /// Once the list is this long, files are not repeated any more; files that are not listed yet are always added.
+    /// Allows 13 levels of repetition for one file.
     static constexpr std::size_t MOST_LISTINGS = 8192;
 
-    /// `pattern` is an ECMAScript regular expression; FileNamePattern tells what it may raise.
+    /// `pattern` is an ECMAScript regular expression; see FileNamePattern for the errors that it may throw.
     explicit DatabaseSearch(const std::string& pattern);
 
-    /// Canonical paths, spelled as the file system has them. Empty for a path that is no directory.
+    /// Returns canonical paths in the spelling of the file system. Empty if `directory` is no directory.
     std::vector<std::string> Find(const std::string& directory, bool recursive);
 
-    /// True when a repetition was left out.
+    /// True if a repetition was left out.
     bool IsCutShort() const { return mIsCutShort; }
 
 private:

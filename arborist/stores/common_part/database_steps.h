@@ -5,11 +5,11 @@
 
 #include "arborist/stores/sql/sql_database.h"
 
-/// Says of an open database that the library writes what statements may do to it, and whether they wait for the disk
+/// Prepares an open database for writing: restricts what statements may do, and sets whether they wait for the disk
 /// (Settings::TEMPORARY_STORES).
 void PrepareForWriting(FT::sql::SqlDatabase& database, const FT::sql::SqlLimits& limits = {});
 
-/// Whether an open database has a table of this name. False also when it can't be read, with a line.
+/// True if an open database has a table of this name. False, with a line, if it can't be read.
 bool IsTableExist(const FT::sql::SqlDatabase& database, const std::string& tableName);
 
 #endif

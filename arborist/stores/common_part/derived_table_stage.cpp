@@ -35,7 +35,7 @@ void DerivedTableStage::Publish(const std::function<void(const std::string& stat
 {
     const std::string publish = "insert into main." + mTableName + " select * from temp." + mTableName;
     if (!RunQuietly(mDatabase, publish)) {
-        // Somebody else reads, or the disk is full: what fails then is the single row again.
+        // Another process reads, or the disk is full. Insert the rows one by one, so that a failure costs a single row.
         FT::sql::SqlCursor ids(mDatabase.GetHandle(), "select _ID from temp." + mTableName);
         while (ids.Step()) {
             insertRow(publish + " where _ID = " + std::to_string(ids.GetInteger(0)));

@@ -8,23 +8,24 @@ namespace FT::sql {
 class SqlDatabase;
 }
 
-/// A table in memory that hides the one of the same name in the file, so that rows can be inserted without waiting for
-/// the disk and then go into the file all at once.
+/// A table in memory that hides the table of the same name in the file. Rows are inserted without waiting for the disk
+/// and then moved into the file all at once.
 ///
-/// Says nothing in the log: what fails has a line in the plain way, too, or none.
+/// Logs nothing: a row that fails here is inserted into the file itself, which logs its line.
 class DerivedTableStage {
 public:
     /// `database` must outlive the stage.
     DerivedTableStage(FT::sql::SqlDatabase& database, std::string tableName);
 
-    /// Makes the table by the statement that made the one in the file. False when that fails: rows go into the file.
+    /// Creates the table with `createSql`, the statement that created the one in the file. If it fails, returns false,
+    /// and rows go into the file.
     bool Open(const std::string& createSql);
-    /// Moves all rows into the file by one statement. If that fails, hands `insertRow` a statement for each of them.
-    /// The table in memory is gone afterwards.
+    /// Moves all rows into the file with one statement; if that fails, calls `insertRow` with a statement for each row.
+    /// Drops the table in memory.
     void Publish(const std::function<void(const std::string& statement)>& insertRow);
 
-    /// For rows that must go into the file one by one: keeps a log written ahead, which makes a transaction cheap and
-    /// leaves the file whole if the process ends in between. To be ended by false.
+    /// Switches write-ahead logging on or off. It makes the transaction of a single row cheap, and the file stays
+    /// intact if the process dies in between. Switch it off at the end.
     static void WriteAhead(FT::sql::SqlDatabase& database, bool on);
 
 private:

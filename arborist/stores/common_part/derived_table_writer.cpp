@@ -18,7 +18,7 @@
 
 namespace {
 
-// For fewer rows the way through memory is the longer one.
+// For fewer rows the detour through memory is slower.
 constexpr std::size_t FEW_ROWS = 4;
 
 bool IsPlainName(std::string_view name)
@@ -34,7 +34,7 @@ bool IsPlainType(const std::string& type)
     return std::find(std::begin(TYPES), std::end(TYPES), LowerCase(type)) != std::end(TYPES);
 }
 
-// A quote ends its literal. What follows is SQL, with the texts of other members, and may ask what is in the file.
+// True if a text contains a quote, which ends its literal: the rest is run as SQL and may query the file.
 bool MayHoldSql(const Json::Value& row)
 {
     return row.isObject() && std::any_of(row.begin(), row.end(), [](const Json::Value& value) {
@@ -42,11 +42,11 @@ bool MayHoldSql(const Json::Value& row)
     });
 }
 
-// Empty for what is neither text nor number. A number without a fraction counts as whole, however it was written.
+// Empty for a value that is neither text nor number. A number without a fraction is written as a whole number.
 std::string LiteralOf(const Json::Value& value)
 {
     if (value.isString()) {
-        // The quotes inside aren't doubled: rule sets know that such a row is lost.
+        // Quotes in the text are not doubled, so that such a row fails: rule sets rely on its absence.
         return "'" + value.asString() + "'";
     }
     if (value.isInt64()) {
@@ -66,7 +66,7 @@ DerivedTableWriter::DerivedTableWriter(
 
 void DerivedTableWriter::GetColumnNames(const ParamList& params)
 {
-    // In capitals, which no name in lower case equals: SQLite assigns the key.
+    // Never matches, as names are compared in lower case: SQLite assigns the key.
     mColumns.insert("_ID");
     for (const auto& param : params) {
         if (param != nullptr && !param->key.empty()) {
@@ -84,7 +84,7 @@ void DerivedTableWriter::Write(const std::vector<Json::Value>& rows)
     }
     DerivedTableStage stage(mDatabase, mTableName);
     if (CanBeStaged(rows) && stage.Open(mCreateSql)) {
-        // One statement, which none of these rows can make more of, is a transaction by itself.
+        // Without quotes each row is a single statement, which is a transaction by itself.
         InsertAll(rows, &DerivedTableWriter::RunInsert);
         stage.Publish([this](const std::string& statement) { InsertRow(statement); });
         return;

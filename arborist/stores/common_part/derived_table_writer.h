@@ -18,22 +18,22 @@ namespace Json {
 class Value;
 }
 
-/// Puts rows into one table of the derived database, each in a transaction of its own: a bad row costs only itself.
+/// Inserts rows into one table of the derived database, each in a transaction of its own: a bad row affects no other.
 ///
-/// A transaction on a file waits for the disk. So the rows go, as a rule, through a DerivedTableStage. Where that could
-/// make a difference they go into the file one by one: what a rule set or an event says ends up in the statements as it
-/// stands.
+/// As a transaction on a file waits for the disk, rows usually go through a DerivedTableStage. If that could change the
+/// result, they are inserted into the file one by one: texts of rule sets and events are part of the statements and may
+/// be SQL.
 class DerivedTableWriter {
 public:
     using ParamList = std::vector<std::shared_ptr<Param>>;
 
-    /// The table exists in `database`, which must outlive the writer; `createSql` is the statement that made it. A
-    /// parameter's key is the name of a column; null parameters and empty keys count for none.
+    /// The table must exist in `database`, which must outlive the writer; `createSql` is the statement that created it.
+    /// The keys of the parameters are the columns; null parameters and empty keys are ignored.
     DerivedTableWriter(
         FT::sql::SqlDatabase& database, std::string tableName, const ParamList& params, std::string createSql);
 
-    /// Inserts the rows in order. Members that are no column fall away, names compared in lower case; a row that is
-    /// left without members is passed over. What fails logs a line and is passed over.
+    /// Inserts the rows in order. Ignores members that are no columns, comparing names in lower case, and skips a row
+    /// without any other members. A row that fails logs a line and is skipped.
     void Write(const std::vector<Json::Value>& rows);
 
 private:
@@ -45,7 +45,7 @@ private:
     using Insert = void (DerivedTableWriter::*)(const std::string& statement);
 
     void InsertAll(const std::vector<Json::Value>& rows, Insert insert);
-    // In a transaction, which RunInsert leaves to the statement.
+    // Runs the statement in an explicit transaction; RunInsert relies on that of the statement itself.
     void InsertRow(const std::string& statement);
     void RunInsert(const std::string& statement);
     std::string InsertStatement(const ValueMap& values) const;

@@ -16,7 +16,7 @@ namespace {
 
 using RowList = std::vector<Json::Value>;
 
-// What tells the two builds apart in the log. A logger sees the formats whole.
+// The log formats in which the two builds differ. A host's logger receives them as they are.
 struct FromEvents {
     static constexpr char FUNCTION[] = "CommonPartDbHelper::IsSuccessCreatePerfDb";
     static constexpr char NO_ROWS[] = "FUNc:%s: createJankDB : Get lumbra DB fail-lumbraDatas is null.";
@@ -24,7 +24,7 @@ struct FromEvents {
 
 struct Fixed {
     static constexpr char FUNCTION[] = "CommonPartDbHelper::IsSuccessCreateLumbraPlusDb";
-    // Never logged as long as the row is made here.
+    // Never logged, as BuildFixed always has its row.
     static constexpr char NO_ROWS[] = "FUNc:%s: createJankDB : Step 2 get lumbra DB fail-lumbraDatas is null";
 };
 
@@ -40,7 +40,7 @@ const char* ColumnSuffix(const std::string& type)
     return "";
 }
 
-// The type goes in as the rule set spells it: SQLite takes the column's affinity from it.
+// Uses the type as the rule set spells it: SQLite derives the affinity of the column from it.
 std::string GenerateCreateSql(const Table& table)
 {
     std::string sql = "CREATE TABLE " + table.name + " (_ID integer primary key autoincrement";

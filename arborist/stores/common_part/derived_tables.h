@@ -9,21 +9,21 @@
 
 class EventIdList;
 
-/// The tables of the derived database (DevicePaths::DerivedDatabase). Each is dropped, made and filled anew.
+/// Builds the tables of the derived database (DevicePaths::DerivedDatabase). Each is dropped, created and filled anew.
 namespace DerivedTables {
 
-/// Name and columns as the rule set gives them. A parameter's key is the name of a column and its type the column's; a
-/// null parameter or an empty key counts for none.
+/// Name and columns of a table, from the rule set. A parameter gives the name of a column as its key and the column's
+/// type; null parameters and empty keys are ignored.
 struct Table {
     std::string name;
     std::vector<std::shared_ptr<Param>> columns;
 };
 
-/// Builds a table of the events of `eventDbPath` with these ids. False, with a line, when a step fails or no event is
-/// found; what was done stays.
+/// Builds a table from the events with these ids in `eventDbPath`. False, with a line, if a step fails or no event is
+/// found; earlier steps are not undone.
 bool BuildFromEvents(const Table& table, const EventIdList& ids, const std::string& eventDbPath);
 
-/// Builds a table of one row, which is the same whatever the device; reads no event log. False, with a line, when a
+/// Builds a table of one row that is the same on every device, without reading the event log. False, with a line, if a
 /// step fails.
 bool BuildFixed(const Table& table);
 

@@ -5,18 +5,21 @@
 
 namespace {
 
-// SQLite refuses expressions deeper than 1000, and each alternative is one level. The rest is for the conditions that
-// stand beside these.
+// SQLite refuses expressions deeper than 1000, and each alternative is one level. Leaves room for the other conditions
+// of the statement.
 constexpr std::uint64_t MOST_ALTERNATIVES = 900;
-// A range of so few ids costs less as members of a list, which SQLite searches, than as one more alternative.
+// A range of at most this many ids is cheaper as members of a list, which SQLite searches, than as one more
+// alternative.
 constexpr std::int64_t SHORT_RANGE = 8;
 
-// The whole number at the front of an id, whatever its column is declared as: texts would be ranged letter by letter.
+// The whole number at the front of an id, whatever the type of its column: a range would compare texts letter by
+// letter.
 constexpr char NUMBER[] = "CAST(event_info.event_id AS INTEGER)";
 
 using Alternatives = std::vector<std::string>;
 
-// Joins from `first` to before `last` by OR, halved again and again, so that the depth grows with the logarithm.
+// Joins the alternatives from `first` to before `last` by OR, as a balanced tree whose depth is the logarithm of their
+// number.
 std::string JoinByOr(const Alternatives& alternatives, std::size_t first, std::size_t last)
 {
     if (last - first == 1) {
@@ -92,7 +95,8 @@ std::string EventIdList::AsRanges() const
     if (!members.empty()) {
         alternatives.push_back("event_info.event_id IN (" + members + ")");
     }
-    // What is no such number is turned away as `event_id = 7` would: a value between two of them, and a text that is
-    // written otherwise in a column of texts. The sign keeps the number from bringing a type of its own to the comparison.
+    // The last condition rejects what `event_id = 7` would reject, too: a value between two whole numbers, and in a
+    // column of texts another spelling of the number. The plus sign removes the affinity of the cast from the
+    // comparison.
     return " ( " + JoinByOr(alternatives, 0, alternatives.size()) + " AND event_info.event_id = +" + NUMBER + ")";
 }

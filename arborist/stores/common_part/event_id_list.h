@@ -6,17 +6,18 @@
 #include <utility>
 #include <vector>
 
-/// Ids of events to select, in the order in which they were added, held as ranges: a rule set may ask for billions.
+/// Ids of events to select, in the order in which they were added. Stored as ranges, as a rule set may ask for
+/// billions.
 class EventIdList {
 public:
-    /// Adds all ids from `first` to `last`; none when `first` is the greater.
+    /// Adds all ids from `first` to `last`; none if `first` is greater.
     void Append(std::int32_t first, std::int32_t last);
     bool IsEmpty() const { return mRanges.empty(); }
     void Clear() { mRanges.clear(); }
 
-    /// The condition that `event_info.event_id` is one of the ids: " ( event_info.event_id = 1 OR
-    /// event_info.event_id = 2)". An id that was added twice stands there twice. More ids than an expression of SQLite
-    /// can hold are written in another way that selects the same rows. The list must not be empty.
+    /// The condition that `event_info.event_id` is one of the ids: " ( event_info.event_id = 1 OR event_info.event_id =
+    /// 2)". An id that was added twice appears twice. If there are too many ids for an expression of SQLite, the
+    /// condition has another form that selects the same rows. The list must not be empty.
     std::string ToSql() const;
 
 private:

@@ -23,7 +23,7 @@ namespace {
 constexpr char SELECT_EVENTS[] =
     "SELECT event_info.extra, event_info_flow.occurrence_time FROM event_info LEFT OUTER JOIN event_info_flow ON "
     "event_info_flow.event_pid = event_info._ID WHERE ";
-// What a bean gets that names no ids.
+// The events of a bean that names no ids.
 constexpr char DEFAULT_EVENTS[] = "( event_info.event_id >= 902000000 AND event_info.event_id < 902500000 OR "
                                   "event_info.event_id = 902500007 ) ";
 constexpr std::int64_t SEVEN_DAYS = 604800;
@@ -34,7 +34,7 @@ std::string Setting(const char* key)
     return FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(key, "");
 }
 
-// The last reset or update, in seconds since the epoch: what came before doesn't describe the device as it is.
+// The last reset or update in seconds since the epoch: earlier events don't describe the device as it is now.
 std::int64_t LatestResetOrUpdate(const std::string& directory)
 {
     ResetTimeParser parser(directory);
@@ -48,7 +48,7 @@ void GetLumbraDataByFilter(const EventIdList& ids, const std::string& eventDbPat
 {
     static constexpr char NAME[] = "CommonPartDbHelper::GetLumbraDataByFilter";
     FT::sql::SqlDatabase database;
-    // A missing log comes into being here, empty, and is turned away for its missing tables.
+    // Opening creates a missing log as an empty file, which is then rejected for its missing tables.
     database.Open(eventDbPath);
     if (!database.IsOpen()) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: open db %s fail.", NAME,
@@ -96,7 +96,7 @@ std::int64_t QueryVersion(const FT::sql::SqlDatabase& database)
     FT::sql::SqlField fields[] = {{"_ID", FT::sql::TypeInteger}, {"VERSION_NAME", FT::sql::TypeText},
         FT::sql::SqlField(FT::sql::FieldUseEnd)};
     FT::sql::SqlTable table(database.GetHandle(), "event_version", fields, std::size(fields));
-    // The name goes in as it stands: a quote in it makes the statement fail, and no version is known.
+    // The name is not escaped: a quote in it makes the statement fail, so that no version is known.
     const std::uint64_t count = FT::sql::SimpleDatabaseHelper().GetRecordCountByFullSql(
         table, "select * from event_version where VERSION_NAME = '" + versionName + "' ORDER BY _ID DESC");
     for (std::uint64_t index = 0; index < count; ++index) {

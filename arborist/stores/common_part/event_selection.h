@@ -15,20 +15,20 @@ namespace Json {
 class Value;
 }
 
-/// Which events of the log a derived table is made of: by id, by age, by software version, and none from before the
-/// last reset or update. Nothing is locked.
+/// Selects the events of the log for a derived table: by id, age and software version, and only after the last reset or
+/// update. Locks nothing.
 namespace EventSelection {
 
-/// Appends a row for each selected event, in the order in which SQLite delivers them; SelectedRows tells what it holds.
-/// The log is only read, but for a missing one, which comes into being empty. What fails logs a line and leaves `rows`
-/// as they were.
+/// Appends a row for each selected event, in the order in which SQLite returns them; see SelectedRows for the content
+/// of a row. Only reads the log, but creates an empty file if it is missing. On failure logs a line and leaves `rows`
+/// unchanged.
 void GetLumbraDataByFilter(const EventIdList& ids, const std::string& eventDbPath, std::vector<Json::Value>& rows);
 
-/// `baseSql` with its condition: the events with these ids of the last thirty days; without ids, those of a default
-/// class of the last seven.
+/// `baseSql` followed by its condition: the events of the last thirty days with these ids; without ids, the events of
+/// the last seven days of a default class.
 std::string GenerateSql(const EventIdList& ids, const std::string& baseSql);
 
-/// Key of the newest row of Settings::VERSION_NAME in the log's table of versions; 0 when it isn't known.
+/// Key of the newest row of Settings::VERSION_NAME in the log's table of versions; 0 if there is none.
 std::int64_t QueryVersion(const FT::sql::SqlDatabase& database);
 
 } // namespace EventSelection

@@ -31,7 +31,7 @@ std::string TargetOf(const std::string& source, const std::string& directory)
     return directory + "/" + FileUtil::ExtractFileName(source);
 }
 
-// Whether a copy of `source` in `directory` would be the source itself, and not merely a link to it.
+// True if a copy of `source` in `directory` would be the file itself; false for a link to it.
 bool IsInDirectory(const std::string& source, const std::string& directory)
 {
     std::error_code error;
@@ -42,13 +42,13 @@ bool IsInDirectory(const std::string& source, const std::string& directory)
     return fs::equivalent(sourceFolder, directory, error) && !error;
 }
 
-// By its path on the device: where a recorded device stands makes no difference.
+// Decides by the path on the device, so that the folder of a recorded device makes no difference.
 bool IsZip(const std::string& realPath, const std::string& rootOfDevice)
 {
     return LowerCase(DevicePaths::PathOnDevice(realPath, rootOfDevice)).find("zip") != std::string::npos;
 }
 
-// SQLite would work what a broken-off run left beside the target's last copy into the new one.
+// Removes the journals that an interrupted run left beside the previous copy: SQLite would apply them to the new one.
 void RemoveLeftovers(const std::string& target)
 {
     for (const char* const suffix : {"-journal", "-wal", "-shm"}) {
@@ -104,7 +104,7 @@ bool CopyFile(const std::string& source, const std::string& directory)
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: copy file to folder fail.", NAME);
         return false;
     }
-    // Statements change the copy, also where the file itself may not be changed.
+    // Make the copy writable even if the file is not, as statements change the copy.
     std::error_code ignored;
     fs::permissions(target, fs::perms::owner_read | fs::perms::owner_write, fs::perm_options::add, ignored);
     return FileUtil::FileExists(target);
@@ -127,7 +127,7 @@ PathList CopyDbFile(const std::string& path, const std::string& dbName)
         return {};
     }
     const std::string rootOfDevice = DevicePaths::RealRootOfDevice();
-    // Before the first copy: files of these names may be among those that are copied.
+    // Before the first copy, as files with these names may be among the copies.
     for (const std::string& candidate : candidates) {
         if (!IsZip(candidate, rootOfDevice) && !IsInDirectory(candidate, directory)) {
             RemoveLeftovers(TargetOf(candidate, directory));
@@ -135,7 +135,7 @@ PathList CopyDbFile(const std::string& path, const std::string& dbName)
     }
     PathList copies;
     FileNamePattern pattern(dbName);
-    std::map<std::string, std::string> sourceByTarget; // what stands at a target since its last copy
+    std::map<std::string, std::string> sourceByTarget; // the source of the last copy to each target
     for (const std::string& candidate : candidates) {
         if (!FileUtil::FileExists(candidate)) {
             continue;
@@ -149,7 +149,7 @@ PathList CopyDbFile(const std::string& path, const std::string& dbName)
             }
             continue;
         }
-        // A file that is listed again is a copy again; the same bytes need not be written again for it.
+        // A repeated file counts as one more copy, but the same bytes need not be written again.
         std::string& standing = sourceByTarget[TargetOf(candidate, directory)];
         if (standing == candidate || CopyFile(candidate, directory)) {
             standing = candidate;
@@ -175,7 +175,7 @@ PathList UnZipFile(const std::string& zipPath, const std::string& directory)
         return {};
     }
     FileUtil::ForceCreateDirectory(directory);
-    // Always the same: what an earlier run left in it is copied, too.
+    // Always the same directory: files that an earlier run left in it are copied, too.
     const std::string workDirectory = directory + "/temp";
     FileUtil::ForceCreateDirectory(workDirectory);
     if (!ZipUtil::UnZipFile(zipPath, workDirectory + "/")) {
@@ -191,7 +191,7 @@ PathList UnZipFile(const std::string& zipPath, const std::string& directory)
         if (!CopyFile(file, directory)) {
             FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Copy file fail.", NAME);
         }
-        // Listed whether or not the copy was made: an older one may stand there.
+        // Listed even if the copy failed: an older copy may exist there.
         file = TargetOf(file, directory);
     }
     if (!FileUtil::ForceRemoveDirectory(workDirectory, true)) {
@@ -212,7 +212,7 @@ bool CreateTable(const std::string& dbPath, const std::string& sql, FT::sql::Sql
             FileUtil::ExtractFileName(dbPath).c_str());
         return false;
     }
-    // A semicolon inside a literal cuts the statement, too.
+    // A semicolon inside a literal splits the statement, too.
     const std::vector<std::string> statements = StringUtil::Split(sql, ";");
     if (statements.empty()) {
         FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: sql empty.", NAME);

@@ -9,13 +9,13 @@
 namespace {
 
 constexpr std::size_t LONGEST_NAME = 4095;
-// The library compiles by recursion: what is longer could outgrow the stack.
+// The standard library compiles recursively, so that a longer pattern could overflow the stack.
 constexpr std::size_t LONGEST_PATTERN = 4096;
-// Looks at a character, for one name. Patterns that name files need some thousands.
+// Limit on accesses to characters while one name is matched. Patterns of real files need some thousands.
 constexpr std::uint64_t MOST_STEPS = 20'000'000;
 
-// Walks a name and raises the library's own error when the matching looks at its characters too often: backtracking
-// can take time that doubles with each character.
+// Iterates over a name and throws the library's own error if the matching reads characters too often: backtracking can
+// take time that doubles with each character.
 class CountingIterator {
 public:
     using iterator_category = std::bidirectional_iterator_tag;
@@ -59,7 +59,7 @@ std::regex Compile(const std::string& pattern)
         throw std::regex_error(std::regex_constants::error_space);
     }
 #ifdef __GLIBCXX__
-    // The matching that can't explode comes first; it knows no back references and says so here.
+    // Try first the matching that can't take exponential time; it throws if the pattern has back references.
     try {
         return std::regex(pattern, std::regex::ECMAScript | std::regex_constants::__polynomial);
     } catch (const std::regex_error& error) {

@@ -4,18 +4,18 @@
 #include <memory>
 #include <string>
 
-/// An ECMAScript regular expression that a rule set holds against paths and file names.
+/// An ECMAScript regular expression from a rule set, matched against paths and file names.
 ///
-/// Compiled at the first name. One that can't be compiled, that is longer than 4096 characters, or that would need
-/// beyond all measure to decide a name (back references can), raises std::regex_error there.
+/// Compiled when the first name is matched. Matching throws std::regex_error if the pattern is invalid, has more than
+/// 4096 characters, or takes too many steps for a name, as back references can.
 class FileNamePattern {
 public:
     explicit FileNamePattern(std::string pattern);
     ~FileNamePattern();
     FileNamePattern(FileNamePattern&&) noexcept;
 
-    /// Whether the whole of `name` matches. False when the pattern or the name is empty, or the name is longer than a
-    /// path can be.
+    /// True if the whole of `name` matches. False if the pattern or the name is empty, or the name is longer than any
+    /// path.
     bool Matches(const std::string& name);
 
 private:

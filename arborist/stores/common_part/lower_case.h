@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <string>
 
-/// `text` with the letters A to Z turned into a to z, whatever the locale.
+/// `text` with the letters A to Z in lower case, in every locale.
 inline std::string LowerCase(std::string text)
 {
     std::transform(text.begin(), text.end(), text.begin(), [](char character) {

@@ -15,7 +15,7 @@
 namespace SelectedRows {
 namespace {
 
-// The places of its columns.
+// Positions of the columns in the statement.
 constexpr int EXTRA_COLUMN = 0;
 constexpr int TIME_COLUMN = 1;
 
@@ -24,7 +24,7 @@ std::int64_t TimeOf(const FT::sql::SqlCursor& cursor)
     if (cursor.GetType(TIME_COLUMN) == FT::sql::SqlCursor::ColumnType::INTEGER) {
         return cursor.GetInteger(TIME_COLUMN);
     }
-    // The number at the front of whatever stands there; 0 for nothing.
+    // The number at the front of the value; 0 if there is none.
     return std::strtoll(std::string(cursor.GetText(TIME_COLUMN)).c_str(), nullptr, 10);
 }
 
@@ -39,14 +39,14 @@ bool HoldsJson(std::string_view extra, Json::Value& row)
     return false;
 }
 
-// The total of a statistic, which must not be counted as an event.
+// True for the total of a statistic, which must not count as an event.
 bool IsStatisticTotal(const Json::Value& extra)
 {
     return MemberText(extra, "CASENAME") == "GAME_LAG_RATIO" && MemberText(extra, "FIELDNAME") == "TotalCount";
 }
 
-// Builds the rows out of what was selected, some hundred at a time: in turns with each step of the statement both would
-// be slower, as SQLite and the JSON reader together don't fit the processor's nearest cache.
+// Builds rows from the selected texts, some hundred at a time: SQLite and the JSON reader don't fit into the
+// processor's first cache together, so that alternating between them for each row would be slower.
 class RowBuilder {
 public:
     explicit RowBuilder(std::vector<Json::Value>& rows) : mRows(rows) {}
@@ -60,7 +60,7 @@ public:
         }
     }
 
-    /// Builds what still waits.
+    /// Builds the rows of the texts that were added since the last call.
     void Build()
     {
         std::size_t begin = 0;
@@ -100,12 +100,12 @@ private:
     }
 
     std::vector<Json::Value>& mRows;
-    std::string mTexts; // one behind the other
+    std::string mTexts; // concatenated
     std::vector<Waiting> mWaiting;
     std::vector<std::string> mWithoutJson;
 };
 
-// Logs why an `extra` is no object.
+// Logs why an `extra` is no JSON object.
 void TellExtraWithoutJson(const std::string& extra)
 {
     static constexpr char NAME[] = "CommonPartDbHelper::ExtraStrToJson";
@@ -127,7 +127,7 @@ void TellExtraWithoutJson(const std::string& extra)
 void QueryDataSet(const FT::sql::SqlDatabase& database, const std::string& sql, std::vector<Json::Value>& rows,
                   std::int64_t minTime)
 {
-    // As they come: what the selection holds need not be there twice, as text and as JSON.
+    // Streams the rows: the selection need not be in memory twice, as text and as JSON.
     FT::sql::SqlCursor cursor(database.GetHandle(), sql);
     RowBuilder builder(rows);
     std::uint64_t bytes = 0;
@@ -141,7 +141,7 @@ void QueryDataSet(const FT::sql::SqlDatabase& database, const std::string& sql, 
         const std::string_view extra = cursor.GetText(EXTRA_COLUMN);
         bytes += extra.size();
         if (!database.GetHandle().AllowsBytes(bytes)) {
-            error = "query aborted"; // columns that are computed may hold far more than the file
+            error = "query aborted"; // computed columns may be far larger than the file
             continue;
         }
         builder.Take(extra, time);
@@ -151,12 +151,12 @@ void QueryDataSet(const FT::sql::SqlDatabase& database, const std::string& sql, 
         error = cursor.GetError();
     }
     if (!error.empty()) {
-        // As every statement of the stores tells it. The rows that came before stay.
+        // The same line as for every failing statement of the stores. Rows read before it stay.
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Execute sql failed: %s",
             "FT::sql::SqlOperator::Execute", error.c_str());
         StatementTrouble::Tell(error);
     }
-    for (const std::string& extra : builder.GetTextsWithoutJson()) { // behind the line of a statement that fails
+    for (const std::string& extra : builder.GetTextsWithoutJson()) { // after the line of a failed statement
         TellExtraWithoutJson(extra);
     }
     if (isEmpty) {

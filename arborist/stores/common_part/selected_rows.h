@@ -13,12 +13,12 @@ namespace Json {
 class Value;
 }
 
-/// What a derived table takes over of the events that were selected for it.
+/// Turns the events that were selected for a derived table into its rows.
 namespace SelectedRows {
 
 /// Runs a statement that selects an event's `extra` and its time, in this order, and appends a row for each event after
-/// `minTime`: the object of its `extra` with the member "occurrence_time", or this member alone where the `extra` is no
-/// object. Totals of a statistic fall away. What fails logs a line; the rows that came before stay.
+/// `minTime`: the object of its `extra` with the member "occurrence_time", or this member alone if the `extra` is no
+/// object. Leaves out totals of a statistic. A failure logs a line; rows read before it stay.
 void QueryDataSet(const FT::sql::SqlDatabase& database, const std::string& sql, std::vector<Json::Value>& rows,
                   std::int64_t minTime);
 
