@@ -15,7 +15,7 @@ fi
 
 echo "== Building the command (log: $demo/build.log)"
 if ! { cmake --preset release -B "$demo/release" -DARBORIST_BUILD_BENCH=OFF -DARBORIST_BUILD_TESTS=OFF \
-    -DARBORIST_WARNINGS_AS_ERRORS=OFF &&
+    -DARBORIST_WARNINGS_AS_ERRORS=OFF -DARBORIST_PRECOMPILE=ON &&
     cmake --build "$demo/release" --target arborist_tool --parallel; } >"$demo/build.log" 2>&1; then
     tail -n 30 "$demo/build.log" >&2
     exit 1
