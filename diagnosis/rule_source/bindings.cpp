@@ -10,7 +10,7 @@ void AddName(Element rule, std::vector<RuleName>& names)
 {
     const Element name = rule.FirstChild("Rule-name");
     if (name.HasText()) {
-        names.push_back({name, name.Text()});
+        names.push_back({name, name.Text(), nullptr});
     }
 }
 
@@ -59,8 +59,8 @@ Bindings ReadBindings(Element tag)
             continue;
         }
         const std::size_t index = bindings.all.size() - 1;
-        const auto [place, isNew] = bindings.byId.emplace(bindings.all.back().id, index);
-        if (!isNew) {
+        const auto place = bindings.byId.emplace_hint(bindings.byId.end(), bindings.all.back().id, index);
+        if (place->second != index) {
             bindings.all[place->second].isReplaced = true;
             place->second = index;
         }

@@ -9,11 +9,16 @@
 
 namespace diagnosis::rule_source {
 
+struct Rule;
+struct TreeEvent;
+
 /// A name of a rule as an event's alternative has it.
 struct RuleName {
     /// The "Rule-name" element.
     Element element;
     std::string_view name;
+    /// The rule that it leads to; null where there is none.
+    const Rule* rule = nullptr;
 };
 
 /// One alternative of an event's rules: an "or".
@@ -39,6 +44,8 @@ struct Binding {
     /// As it stands there: spaces at its ends are part of it.
     std::string_view id;
     bool isKept = false;
+    /// An event of the id; null where no tree has one.
+    const TreeEvent* event = nullptr;
     /// Whether a later entry of the same id takes its place.
     bool isReplaced = false;
     /// In order, those that are dropped, too.

@@ -51,8 +51,8 @@ Descriptions ReadDescriptions(SectionKind section, Element tag)
             continue;
         }
         const std::size_t index = descriptions.items.size() - 1;
-        const auto [place, isNew] = descriptions.byId.emplace(descriptions.items.back().id, index);
-        if (!isNew) {
+        const auto place = descriptions.byId.emplace_hint(descriptions.byId.end(), descriptions.items.back().id, index);
+        if (place->second != index) {
             descriptions.items[place->second].isReplaced = true;
             place->second = index;
         }

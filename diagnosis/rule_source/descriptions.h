@@ -10,6 +10,8 @@
 
 namespace diagnosis::rule_source {
 
+struct TreeEvent;
+
 /// A "description" or "solution" with its id.
 struct DescriptionEntry {
     Element element;
@@ -25,6 +27,8 @@ struct DescriptionItem {
     Element idElement;
     std::string_view id;
     bool isKept = false;
+    /// An event of the id; null where no tree has one.
+    const TreeEvent* event = nullptr;
     /// Whether a later item of the same id counts instead.
     bool isReplaced = false;
     /// "FaultDescriptions", "Solutions" or "Descriptions"; null where there is none.

@@ -6,7 +6,7 @@ namespace diagnosis::rule_source {
 
 namespace {
 
-using Names = const char* const[];
+using Names = const std::string_view[];
 using Words = ElementWords;
 using Kids = const ChildWord[];
 
@@ -219,7 +219,7 @@ const ChildWord* ElementWords::FindChild(std::string_view name) const
 
 bool ElementWords::HasAttribute(std::string_view name) const
 {
-    return std::any_of(attributes.begin(), attributes.end(), [name](const char* word) { return name == word; });
+    return std::any_of(attributes.begin(), attributes.end(), [name](std::string_view word) { return name == word; });
 }
 
 const ElementWords& WordsOfTreeTag()

@@ -12,7 +12,7 @@ struct ElementWords;
 
 /// A word that an element may have for a child.
 struct ChildWord {
-    const char* name;
+    std::string_view name;
     /// What may stand in such a child.
     const ElementWords* words;
     /// Whether only the first one is read.
@@ -22,7 +22,7 @@ struct ChildWord {
 /// The words that are read in an element of one kind.
 struct ElementWords {
     /// Its attributes.
-    std::span<const char* const> attributes = {};
+    std::span<const std::string_view> attributes = {};
     std::span<const ChildWord> children = {};
     /// For children of any other name; null where there are none.
     const ElementWords* others = nullptr;

@@ -25,7 +25,29 @@ RuleSet::RuleSet(const RuleSetFiles& setFiles, const std::string& setTag) : file
     repairs = ReadDescriptions(SectionKind::REPAIR_DESCRIPTIONS, SectionOf(SectionKind::REPAIR_DESCRIPTIONS).tag);
     commonPart = ReadCommonPart(SectionOf(SectionKind::COMMON_PART).tag);
     for (std::size_t event = 0; event < trees.events.size(); ++event) {
-        eventsById.emplace(trees.events[event].id, event);
+        // Rule sets are mostly sorted by id: then the place at the end is the right one.
+        eventsById.emplace_hint(eventsById.end(), trees.events[event].id, event);
+    }
+    Link();
+}
+
+void RuleSet::Link()
+{
+    for (TreeEvent& event : trees.events) {
+        event.binding = bindings.Find(event.id);
+    }
+    for (Binding& binding : bindings.all) {
+        binding.event = FindEvent(binding.id);
+        for (BindingAlternative& alternative : binding.alternatives) {
+            for (RuleName& name : alternative.names) {
+                name.rule = rules.Find(name.name);
+            }
+        }
+    }
+    for (Descriptions* section : {&faultDescriptions, &solutions, &repairs}) {
+        for (DescriptionItem& item : section->items) {
+            item.event = FindEvent(item.id);
+        }
     }
 }
 

@@ -64,6 +64,9 @@ struct RuleSet {
     const Section& SectionOf(SectionKind kind) const { return sections[static_cast<std::size_t>(kind)]; }
     /// Null for an id that no event of the trees has.
     const TreeEvent* FindEvent(std::string_view id) const;
+
+private:
+    void Link();
 };
 
 } // namespace diagnosis::rule_source

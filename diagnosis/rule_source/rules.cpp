@@ -146,6 +146,9 @@ public:
 
     Rules Take()
     {
+        for (const auto& [name, rule] : mNamed) {
+            mRules.byName.emplace_hint(mRules.byName.end(), name, rule);
+        }
         TakeConditions();
         return std::move(mRules);
     }
@@ -167,12 +170,11 @@ private:
         if (!mLast->isKept) {
             return;
         }
-        Rule*& named = mNamed[mLast->name];
-        if (named != nullptr) {
-            named->isReplaced = true;
+        const auto named = mNamed.emplace_hint(mNamed.end(), mLast->name, mLast);
+        if (named->second != mLast) {
+            named->second->isReplaced = true;
+            named->second = mLast;
         }
-        named = mLast;
-        mRules.byName[mLast->name] = mLast;
     }
 
     void TakeConditions()

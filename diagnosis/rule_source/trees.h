@@ -9,6 +9,8 @@
 
 namespace diagnosis::rule_source {
 
+struct Binding;
+
 enum class EventKind { INTERMEDIATE, BASIC, UNDEVELOPED };
 enum class GateKind { NONE, OR, AND };
 
@@ -28,6 +30,8 @@ struct TreeEvent {
     /// The gate that the engine takes; null where there is none, and below all but intermediate events.
     Element gate;
     GateKind gateKind = GateKind::NONE;
+    /// The entry of the event rules that counts for it; null where there is none.
+    const Binding* binding = nullptr;
     /// The event whose gate it is a child of, as an index into Trees::events.
     std::size_t parent = NO_PARENT;
     /// Index behind its last descendant.

@@ -13,6 +13,9 @@ void NearNames::Add(std::string_view name)
 
 std::string NearNames::Find(std::string_view name)
 {
+    if (mFill) {
+        std::exchange(mFill, nullptr)(*this);
+    }
     mLettersLooked += mLetters * name.size();
     return mLettersLooked > MOST_LETTERS ? "" : NearMatch(std::string(name), mNames);
 }

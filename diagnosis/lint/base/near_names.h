@@ -1,8 +1,10 @@
 #ifndef ARBORIST_DIAGNOSIS_LINT_BASE_NEAR_NAMES_H
 #define ARBORIST_DIAGNOSIS_LINT_BASE_NEAR_NAMES_H
 
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace diagnosis::lint {
@@ -11,6 +13,12 @@ namespace diagnosis::lint {
 /// set in which everything dangles would take for ever: after a number of letters it finds nothing any more.
 class NearNames {
 public:
+    using Fill = std::function<void(NearNames& names)>;
+
+    NearNames() = default;
+    /// `fill` adds the names when one is first looked for: mostly none is.
+    explicit NearNames(Fill fill) : mFill(std::move(fill)) {}
+
     void Add(std::string_view name);
 
     /// The near name; empty where none is near.
@@ -21,6 +29,7 @@ public:
 private:
     static constexpr std::size_t MOST_LETTERS = 50'000'000;
 
+    Fill mFill;
     std::vector<std::string> mNames;
     std::size_t mLetters = 0;
     std::size_t mLettersLooked = 0;

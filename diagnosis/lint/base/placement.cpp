@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <map>
-#include <set>
 #include <tuple>
 
 #include "diagnosis/rule_source/source_place.h"
@@ -43,6 +42,26 @@ std::string StepOf(Element element)
     key = key.empty() ? IdTextOf(element) : key;
     return std::string(element.Name()) + (key.empty() ? "" : "[" + std::string(key.substr(0, LONGEST_KEY)) + "]");
 }
+
+/// Finds paths of elements of which many have one parent.
+class PathMemory {
+public:
+    std::string Of(Element element)
+    {
+        if (!element || !element.Parent()) {
+            return "";
+        }
+        if (!(element.Parent() == mParent)) {
+            mParent = element.Parent();
+            mPath = ElementPath(mParent);
+        }
+        return mPath + (mPath.empty() ? "" : "/") + StepOf(element);
+    }
+
+private:
+    Element mParent;
+    std::string mPath;
+};
 
 std::optional<SourcePlace> PlaceOf(const Reported& reported)
 {
@@ -137,14 +156,14 @@ void SetFingerprints(std::vector<Finding>& findings)
     }
 }
 
-Finding Placed(const Reported& reported)
+Finding Placed(const Reported& reported, PathMemory& paths)
 {
     Finding finding;
     finding.check = reported.check;
     finding.file = reported.file->Path();
     finding.line = reported.line;
     finding.source = reported.file->Line(reported.line).substr(0, LONGEST_SOURCE);
-    finding.element = ElementPath(reported.element);
+    finding.element = paths.Of(reported.element);
     finding.message = reported.message;
     finding.help = reported.details.help;
     SetColumn(reported, finding);
@@ -152,12 +171,26 @@ Finding Placed(const Reported& reported)
     return finding;
 }
 
-// What is about a file is found again for each of its tags.
-using Identity = std::tuple<const Check*, const SourceFile*, std::size_t, int, std::string_view>;
-
-Identity IdentityOf(const Reported& reported)
+// Equal for what is about a file and so is found again for each of its tags.
+auto Identity(const Reported& reported)
 {
-    return {reported.check, reported.file, std::hash<Element>()(reported.element), reported.line, reported.message};
+    return std::make_tuple(std::string_view(reported.file->Path()), reported.line, std::string_view(reported.check->id),
+        std::hash<Element>()(reported.element), std::string_view(reported.message));
+}
+
+// Each once, in order of line.
+std::vector<const Reported*> Distinct(const std::vector<Reported>& reported)
+{
+    std::vector<const Reported*> distinct;
+    distinct.reserve(reported.size());
+    for (const Reported& one : reported) {
+        distinct.push_back(&one);
+    }
+    std::sort(distinct.begin(), distinct.end(),
+        [](const Reported* one, const Reported* other) { return Identity(*one) < Identity(*other); });
+    const auto isSame = [](const Reported* one, const Reported* other) { return Identity(*one) == Identity(*other); };
+    distinct.erase(std::unique(distinct.begin(), distinct.end(), isSame), distinct.end());
+    return distinct;
 }
 
 auto Order(const Finding& finding)
@@ -186,11 +219,9 @@ std::vector<Finding> PlaceFindings(const std::vector<Reported>& reported)
 {
     std::vector<Finding> findings;
     findings.reserve(reported.size());
-    std::set<Identity> seen;
-    for (const Reported& one : reported) {
-        if (seen.insert(IdentityOf(one)).second) {
-            findings.push_back(Placed(one));
-        }
+    PathMemory paths;
+    for (const Reported* one : Distinct(reported)) {
+        findings.push_back(Placed(*one, paths));
     }
     std::sort(findings.begin(), findings.end(), IsBefore);
     SetFingerprints(findings);

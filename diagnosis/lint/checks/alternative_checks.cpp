@@ -149,11 +149,11 @@ std::string Conflict(const Rule& one, const Rule& other)
 }
 
 // Each rule of a group is held against the first: with more, a group of strangers' rules would take for ever.
-std::string ConflictIn(const RuleSet& rules, const BindingAlternative& alternative)
+std::string ConflictIn(const BindingAlternative& alternative)
 {
     const Rule* first = nullptr;
     for (const RuleName& name : alternative.names) {
-        const Rule* const rule = rules.rules.Find(name.name);
+        const Rule* const rule = name.rule;
         // A rule without scenes is told by another check.
         if (rule == nullptr || rule->detectScene.empty()) {
             continue;
@@ -170,9 +170,9 @@ std::string ConflictIn(const RuleSet& rules, const BindingAlternative& alternati
 
 void CheckExclusiveGroups(const Subject& subject, Report& report)
 {
-    ForEachAlternative(subject.rules, [&](const Binding& binding, const BindingAlternative& alternative) {
+    ForEachAlternative(subject.rules, [&report](const Binding& binding, const BindingAlternative& alternative) {
         const std::string conflict = alternative.kind == BindingAlternative::Kind::GROUP
-            ? ConflictIn(subject.rules, alternative)
+            ? ConflictIn(alternative)
             : "";
         if (!conflict.empty()) {
             report.Add(alternative.element, "a group of the event " + Quoted(binding.id) + " never holds: " + conflict);

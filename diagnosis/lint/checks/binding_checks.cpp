@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <set>
+#include <unordered_set>
 
 #include "diagnosis/lint/base/near_names.h"
 #include "diagnosis/lint/base/report.h"
@@ -32,18 +32,18 @@ void CheckBlanks(const Subject& subject, Report& report)
 {
     const RuleSet& rules = subject.rules;
     for (const TreeEvent& event : rules.trees.events) {
-        if (IsPadded(event.id) && rules.bindings.Find(event.id) == nullptr) {
+        if (event.binding == nullptr && IsPadded(event.id)) {
             ReportPadded(event.idElement, "the id of the event " + Quoted(Trimmed(event.id)), report);
         }
     }
     for (const Binding& binding : rules.bindings.all) {
-        if (IsPadded(binding.id) && rules.FindEvent(binding.id) == nullptr) {
+        if (binding.event == nullptr && IsPadded(binding.id)) {
             ReportPadded(binding.idElement, "the id " + Quoted(Trimmed(binding.id)), report);
         }
     }
     for (const Descriptions* section : {&rules.faultDescriptions, &rules.solutions, &rules.repairs}) {
         for (const auto& item : section->items) {
-            if (IsPadded(item.id) && rules.FindEvent(item.id) == nullptr) {
+            if (item.event == nullptr && IsPadded(item.id)) {
                 ReportPadded(item.idElement, "the id " + Quoted(Trimmed(item.id)), report);
             }
         }
@@ -52,15 +52,15 @@ void CheckBlanks(const Subject& subject, Report& report)
 
 void CheckBlanksOfRules(const RuleSet& rules, Report& report)
 {
-    std::map<std::string_view, int> named;
+    std::unordered_set<const Rule*> named;
     ForEachRuleName(rules, [&](const Binding&, const RuleName& name) {
-        ++named[name.name];
-        if (IsPadded(name.name) && rules.rules.Find(name.name) == nullptr) {
+        named.insert(name.rule);
+        if (name.rule == nullptr && IsPadded(name.name)) {
             ReportPadded(name.element, "the rule name " + Quoted(Trimmed(name.name)), report);
         }
     });
     for (const Rule* rule : rules.rules.all) {
-        if (rule->isKept && IsPadded(rule->name) && named.count(rule->name) == 0) {
+        if (rule->isKept && IsPadded(rule->name) && named.count(rule) == 0) {
             report.Add(rule->element, "the name of the rule " + Quoted(Trimmed(rule->name)) + " has blanks around it",
                 {.attribute = rule->element.Find("name"),
                     .help = "remove them",
@@ -87,22 +87,22 @@ void CheckEventsWithoutRules(const Subject& subject, Report& report)
     if (!HasSection(rules, SectionKind::EVENT_RULES)) {
         return;
     }
-    NearNames ids;
-    for (const auto& [id, index] : rules.bindings.byId) {
-        if (rules.FindEvent(id) == nullptr) {
-            ids.Add(id);
+    NearNames ids([&rules](NearNames& near) {
+        for (const Binding& binding : rules.bindings.all) {
+            if (binding.event == nullptr) {
+                near.Add(binding.id);
+            }
         }
-    }
+    });
     for (const TreeEvent& event : rules.trees.events) {
         if (event.kind != EventKind::BASIC || event.id.empty() || IsInteractive(event)) {
             continue;
         }
-        const Binding* const binding = rules.bindings.Find(event.id);
-        if (binding == nullptr) {
+        if (event.binding == nullptr) {
             report.Add(event.idElement, "no entry of \"EventRules\" is for the event " + Quoted(event.id),
                 {.help = ids.Help(event.id), .isAboutText = true});
-        } else if (binding->alternatives.empty()) {
-            report.Add(binding->element, "the entry of the event " + Quoted(event.id) + " names no rule");
+        } else if (event.binding->alternatives.empty()) {
+            report.Add(event.binding->element, "the entry of the event " + Quoted(event.id) + " names no rule");
         }
     }
 }
@@ -113,14 +113,14 @@ void CheckUnknownRules(const Subject& subject, Report& report)
     if (!HasSection(rules, SectionKind::RULE_LIST)) {
         return;
     }
-    NearNames names;
-    for (const auto& [name, rule] : rules.rules.byName) {
-        names.Add(name);
-    }
+    NearNames names([&rules](NearNames& near) {
+        for (const auto& [name, rule] : rules.rules.byName) {
+            near.Add(name);
+        }
+    });
     ForEachRuleName(rules, [&](const Binding& binding, const RuleName& name) {
-        const bool isOfAnotherCheck = IsPadded(name.name) || name.name.find(RULE_NAME_COMMA) != std::string_view::npos;
-        if (isOfAnotherCheck || rules.rules.Find(name.name) != nullptr) {
-            return;
+        if (name.rule != nullptr || IsPadded(name.name) || name.name.find(RULE_NAME_COMMA) != std::string_view::npos) {
+            return; // the last two are told by other checks
         }
         const std::string near = names.Find(name.name);
         report.Add(name.element,
@@ -150,27 +150,21 @@ void CheckEntriesWithoutEvents(const Subject& subject, Report& report)
     if (!rules.treeTag) {
         return;
     }
-    NearNames ids;
-    for (const auto& [id, index] : rules.eventsById) {
-        ids.Add(id);
-    }
+    NearNames ids([&rules](NearNames& near) { AddEventIds(rules, near); });
     for (const Binding& binding : rules.bindings.all) {
-        if (binding.isKept && !binding.isReplaced && !IsPadded(binding.id) && rules.FindEvent(binding.id) == nullptr) {
+        if (binding.isKept && !binding.isReplaced && binding.event == nullptr && !IsPadded(binding.id)) {
             report.Add(binding.idElement, "no tree has the event " + Quoted(binding.id),
                 {.help = ids.Help(binding.id), .isAboutText = true});
         }
     }
 }
 
-using Names = std::set<std::string_view>;
-
-// A name with a comma is split, so that its parts are what is asked for.
-void AddParts(std::string_view name, Names& named)
+// A name with a comma leads to no rule, but its parts may.
+void AddParts(const RuleSet& rules, std::string_view name, std::unordered_set<const Rule*>& named)
 {
-    named.insert(name);
     for (std::size_t start = 0; start < name.size();) {
         const std::size_t comma = std::min(name.find(RULE_NAME_COMMA, start), name.size());
-        named.insert(name.substr(start, comma - start));
+        named.insert(rules.rules.Find(name.substr(start, comma - start)));
         start = comma + 1;
     }
 }
@@ -181,12 +175,15 @@ void CheckUnnamedRules(const Subject& subject, Report& report)
     if (!HasSection(rules, SectionKind::EVENT_RULES)) {
         return;
     }
-    Names named;
-    ForEachRuleName(rules, [&named](const Binding&, const RuleName& name) {
-        AddParts(name.name, named);
+    std::unordered_set<const Rule*> named;
+    ForEachRuleName(rules, [&](const Binding&, const RuleName& name) {
+        named.insert(name.rule);
+        if (name.rule == nullptr) {
+            AddParts(rules, name.name, named);
+        }
     });
     for (const Rule* rule : rules.rules.all) {
-        if (rule->isKept && !rule->isReplaced && !IsPadded(rule->name) && named.count(rule->name) == 0) {
+        if (rule->isKept && !rule->isReplaced && !IsPadded(rule->name) && named.count(rule) == 0) {
             report.Add(rule->element, "no event asks for the rule " + Quoted(rule->name),
                 {.attribute = rule->element.Find("name")});
         }

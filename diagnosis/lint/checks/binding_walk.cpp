@@ -2,6 +2,13 @@
 
 namespace diagnosis::lint {
 
+void AddEventIds(const rule_source::RuleSet& rules, NearNames& names)
+{
+    for (const auto& [id, index] : rules.eventsById) {
+        names.Add(id);
+    }
+}
+
 std::string_view Trimmed(std::string_view text)
 {
     static constexpr std::string_view BLANKS = " \t\r\n\v\f";

@@ -1,6 +1,7 @@
 #ifndef ARBORIST_DIAGNOSIS_LINT_CHECKS_BINDING_WALK_H
 #define ARBORIST_DIAGNOSIS_LINT_CHECKS_BINDING_WALK_H
 
+#include "diagnosis/lint/base/near_names.h"
 #include "diagnosis/rule_source/rule_set.h"
 
 namespace diagnosis::lint {
@@ -38,6 +39,9 @@ void ForEachRuleName(const rule_source::RuleSet& rules, Visit visit)
             }
         });
 }
+
+/// The ids of all events of the trees.
+void AddEventIds(const rule_source::RuleSet& rules, NearNames& names);
 
 /// The text without the white space at its ends.
 std::string_view Trimmed(std::string_view text);

@@ -1,5 +1,6 @@
 #include <map>
 #include <set>
+#include <unordered_map>
 
 #include "diagnosis/lint/base/report.h"
 #include "diagnosis/lint/base/subject.h"
@@ -79,13 +80,12 @@ void CheckContainedCodes(const Subject& subject, Report& report)
 
 void CheckSharedRules(const Subject& subject, Report& report)
 {
-    std::map<std::string_view, std::string_view> events;
+    std::unordered_map<const Rule*, std::string_view> events;
     ForEachRuleName(subject.rules, [&](const Binding& binding, const RuleName& name) {
-        const Rule* const rule = subject.rules.rules.Find(name.name);
-        if (rule == nullptr || rule->family != Family::CODE || subject.rules.FindEvent(binding.id) == nullptr) {
+        if (name.rule == nullptr || name.rule->family != Family::CODE || binding.event == nullptr) {
             return;
         }
-        const auto [first, isNew] = events.emplace(name.name, binding.id);
+        const auto [first, isNew] = events.emplace(name.rule, binding.id);
         if (!isNew && first->second != binding.id) {
             report.Add(name.element, "the code rule " + Quoted(name.name) + " is asked for by the event "
                     + Quoted(first->second) + " as well",

@@ -90,9 +90,8 @@ void CheckLeavesInSecondPlace(const Subject& subject, Report& report)
 void CheckRulesOfIntermediateEvents(const Subject& subject, Report& report)
 {
     for (const TreeEvent& event : subject.rules.trees.events) {
-        const auto* const binding = subject.rules.bindings.Find(event.id);
-        if (event.kind == EventKind::INTERMEDIATE && binding != nullptr && !event.id.empty()) {
-            report.Add(binding->element, "the event " + Quoted(event.id) + " has a gate and rules of its own",
+        if (event.kind == EventKind::INTERMEDIATE && event.binding != nullptr && !event.id.empty()) {
+            report.Add(event.binding->element, "the event " + Quoted(event.id) + " has a gate and rules of its own",
                 {.help = "give the rules to a basic event, or be sure that they hold whenever something below does"});
         }
     }

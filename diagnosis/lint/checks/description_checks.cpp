@@ -82,19 +82,15 @@ void CheckUnreported(const Subject& subject, Report& report)
     if (!rules.treeTag) {
         return;
     }
-    NearNames ids;
-    for (const auto& [id, index] : rules.eventsById) {
-        ids.Add(id);
-    }
+    NearNames ids([&rules](NearNames& near) { AddEventIds(rules, near); });
     ForEachItem(rules, [&](const Descriptions&, const DescriptionItem& item) {
-        const TreeEvent* const event = rules.FindEvent(item.id);
         if (!item.isKept || item.isReplaced || IsPadded(item.id)) {
             return;
         }
-        if (event == nullptr) {
+        if (item.event == nullptr) {
             report.Add(item.idElement, "no tree has the event " + Quoted(item.id),
                 {.help = ids.Help(item.id), .isAboutText = true});
-        } else if (event->kind == EventKind::INTERMEDIATE) {
+        } else if (item.event->kind == EventKind::INTERMEDIATE) {
             report.Add(item.idElement, "the event " + Quoted(item.id) + " has a gate and is never reported",
                 {.help = "describe the basic events below it", .isAboutText = true});
         }

@@ -97,16 +97,14 @@ void CheckSpacesAroundIds(const Subject& subject, Report& report)
 // ---- What events say of themselves. ----
 
 // The name of a rule of the event that is no code rule; empty where there is none.
-std::string_view RuleOfAnotherFamily(const Subject& subject, const TreeEvent& event)
+std::string_view RuleOfAnotherFamily(const TreeEvent& event)
 {
-    const auto* const binding = subject.rules.bindings.Find(event.id);
-    if (binding == nullptr) {
+    if (event.binding == nullptr) {
         return {};
     }
-    for (const auto& alternative : binding->alternatives) {
+    for (const auto& alternative : event.binding->alternatives) {
         for (const auto& name : alternative.names) {
-            const auto* const rule = subject.rules.rules.Find(name.name);
-            if (rule != nullptr && rule->family != rule_source::Family::CODE) {
+            if (name.rule != nullptr && name.rule->family != rule_source::Family::CODE) {
                 return name.name;
             }
         }
@@ -120,7 +118,7 @@ void CheckDetectModes(const Subject& subject, Report& report)
         if (event.detectMode.Text() != "2") {
             continue;
         }
-        const std::string_view rule = RuleOfAnotherFamily(subject, event);
+        const std::string_view rule = RuleOfAnotherFamily(event);
         if (!rule.empty()) {
             report.Add(event.detectMode, NamedEvent(event) + " is left to the host and has the rule " + Quoted(rule)
                     + ", which is no code rule", {.isAboutText = true});

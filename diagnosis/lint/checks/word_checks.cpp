@@ -1,3 +1,6 @@
+#include <cstdint>
+#include <vector>
+
 #include "diagnosis/lint/base/near_names.h"
 #include "diagnosis/lint/base/report.h"
 #include "diagnosis/lint/base/subject.h"
@@ -24,10 +27,11 @@ struct Place {
     const ElementWords* words;
 };
 
-/// Calls `visit(element, words)` for each element below the tag, and the tag itself, whose words are known. No
-/// recursion: what is skipped may be nested as deep as the XML library goes.
-template <typename Visit>
-void ForEachElement(const RuleSet& rules, Visit visit)
+/// Calls `onElement(element, words)` for the tag's elements and each element below them whose words are known, and
+/// `onChild(element, words, child, word)` for each of its children, `word` being null for an unknown one. No recursion:
+/// what is skipped may be nested as deep as the XML library goes.
+template <typename OnElement, typename OnChild>
+void Walk(const RuleSet& rules, OnElement onElement, OnChild onChild)
 {
     std::vector<Place> open;
     if (rules.treeTag) {
@@ -41,9 +45,10 @@ void ForEachElement(const RuleSet& rules, Visit visit)
     while (!open.empty()) {
         const Place place = open.back();
         open.pop_back();
-        visit(place.element, *place.words);
+        onElement(place.element, *place.words);
         for (const Element child : Children(place.element)) {
             const ChildWord* const word = place.words->FindChild(child.Name());
+            onChild(place.element, *place.words, child, word);
             const ElementWords* const words = word != nullptr ? word->words : place.words->others;
             if (words != nullptr) {
                 open.push_back({child, words});
@@ -58,22 +63,6 @@ void ReportAgain(Element element, const std::string& where, Report& report)
 {
     report.Add(element, "another " + Quoted(element.Name()) + " in " + where + ", of which only the first is read",
         {.help = "put its content into the first one"});
-}
-
-void CheckRepeatedChildren(Element element, const ElementWords& words, Report& report)
-{
-    std::vector<bool> seen(words.children.size());
-    for (const Element child : Children(element)) {
-        const ChildWord* const word = words.FindChild(child.Name());
-        if (word == nullptr || !word->isSingle) {
-            continue;
-        }
-        const auto index = static_cast<std::size_t>(word - words.children.data());
-        if (seen[index]) {
-            ReportAgain(child, Quoted(element.Name()), report);
-        }
-        seen[index] = true;
-    }
 }
 
 void CheckRepeatedTag(Element tag, const RuleSet& rules, Report& report)
@@ -94,8 +83,18 @@ void CheckRepeated(const Subject& subject, Report& report)
         }
         CheckRepeatedTag(rules.SectionOf(kind).tag, rules, report);
     }
-    ForEachElement(rules,
-        [&report](Element element, const ElementWords& words) { CheckRepeatedChildren(element, words, report); });
+    std::uint64_t seen = 0; // a bit for each word of the element; none has more words than bits
+    Walk(rules, [&seen](Element, const ElementWords&) { seen = 0; },
+        [&](Element element, const ElementWords& words, Element child, const ChildWord* word) {
+            if (word == nullptr || !word->isSingle) {
+                return;
+            }
+            const std::uint64_t bit = std::uint64_t{1} << static_cast<unsigned int>(word - words.children.data());
+            if ((seen & bit) != 0) {
+                ReportAgain(child, Quoted(element.Name()), report);
+            }
+            seen |= bit;
+        });
 }
 
 // ---- Words that nobody knows. ----
@@ -115,7 +114,7 @@ public:
     std::string ForAttribute(std::string_view name, const ElementWords& words)
     {
         NearNames near;
-        for (const char* word : words.attributes) {
+        for (const std::string_view word : words.attributes) {
             near.Add(word);
         }
         return Help(name, near);
@@ -151,16 +150,11 @@ bool IsToldElsewhere(Element child)
 }
 
 // In the tree file every element of a tag is a tree, and every child of a gate an event.
-void CheckChildren(Element element, const ElementWords& words, WordHelp& help, Report& report)
+void CheckChild(Element element, const ElementWords& words, Element child, WordHelp& help, Report& report)
 {
-    if (words.others != nullptr) {
-        return;
-    }
-    for (const Element child : Children(element)) {
-        if (words.FindChild(child.Name()) == nullptr && !IsToldElsewhere(child)) {
-            report.Add(child, Quoted(child.Name()) + " in " + Quoted(element.Name()) + " is not read",
-                {.help = help.ForChild(child.Name(), words)});
-        }
+    if (words.others == nullptr && !IsToldElsewhere(child)) {
+        report.Add(child, Quoted(child.Name()) + " in " + Quoted(element.Name()) + " is not read",
+            {.help = help.ForChild(child.Name(), words)});
     }
 }
 
@@ -196,10 +190,13 @@ void CheckWords(const Subject& subject, Report& report)
 {
     WordHelp help;
     CheckSections(subject.rules, report);
-    ForEachElement(subject.rules, [&](Element element, const ElementWords& words) {
-        CheckChildren(element, words, help, report);
-        CheckAttributes(element, words, help, report);
-    });
+    Walk(subject.rules,
+        [&](Element element, const ElementWords& words) { CheckAttributes(element, words, help, report); },
+        [&](Element element, const ElementWords& words, Element child, const ChildWord* word) {
+            if (word == nullptr) {
+                CheckChild(element, words, child, help, report);
+            }
+        });
 }
 
 constexpr Check CHECKS[] = {
