@@ -34,6 +34,6 @@ echo "== Telling why"
 echo "== Diagnosing this machine (library log: $demo/linux-host.log)"
 rm -rf "$demo/linux-host"
 cp -r examples/linux-host "$demo/linux-host"
-"$arborist" detect --tree "$demo/linux-host" --log-file "$demo/linux-host.log"
+"$arborist" detect --live --tree "$demo/linux-host" --log-file "$demo/linux-host.log"
 
 echo "== Done. Try it yourself: $arborist explain --near-misses 1 $demo/laptop"

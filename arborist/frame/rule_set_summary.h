@@ -42,6 +42,11 @@ struct RuleSetSummary {
 ARBORIST_EXPORT std::string TreeFilePath(const std::string& folder, const std::string& prefix);
 ARBORIST_EXPORT std::string RuleFilePath(const std::string& folder, const std::string& prefix);
 
+/// Where a detection reads `path`, as a rule file names it, on a device whose root directory is `root`
+/// (Settings::DEVICE_ROOT_DIR). Neither ".." nor a symbolic link leads out of that root, or for a relative path out of the
+/// working directory. With an empty `root`, which stands for this machine, `path` itself; empty for links in a circle.
+ARBORIST_EXPORT std::string PathOnDevice(const std::string& root, const std::string& path);
+
 /// Reads both files of a rule set. Raises nothing, and logs only a repair whose operation can't be read.
 ARBORIST_EXPORT RuleSetSummary SummariseRuleSet(
     const std::string& folder, const std::string& prefix, const std::string& treeTag);

@@ -12,6 +12,7 @@
 #include "arborist/loading/fault_tree_parser.h"
 #include "arborist/loading/xml_walk.h"
 #include "arborist/utilities/json_text.h"
+#include "arborist/utilities/rooted_path.h"
 
 namespace {
 
@@ -183,6 +184,11 @@ std::string TreeFilePath(const std::string& folder, const std::string& prefix)
 std::string RuleFilePath(const std::string& folder, const std::string& prefix)
 {
     return InRuleSet(folder, prefix, FaultTreeParser::FAULT_TREE_RULES_FILE);
+}
+
+std::string PathOnDevice(const std::string& root, const std::string& path)
+{
+    return RootedPath::OnDevice(root, path);
 }
 
 RuleSetSummary SummariseRuleSet(const std::string& folder, const std::string& prefix, const std::string& treeTag)

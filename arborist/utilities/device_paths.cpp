@@ -20,6 +20,11 @@ std::string Setting(const char* key)
     return FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(key, "");
 }
 
+bool IsBelow(const std::string& path, const std::string& folder)
+{
+    return path.compare(0, folder.size(), folder) == 0 && path.size() > folder.size() && path[folder.size()] == '/';
+}
+
 std::string BelowRoot(const char* path)
 {
     const std::string root = Setting(Settings::PROGRAM_DATA_DIR);
@@ -45,14 +50,7 @@ std::string DevicePaths::RepairDatabase()
 
 std::string DevicePaths::OnDevice(const std::string& path)
 {
-    if (path.empty() || path.front() != '/') {
-        return path;
-    }
-    const std::string root = Setting(Settings::DEVICE_ROOT_DIR);
-    if (root.empty()) {
-        return path;
-    }
-    return RootedPath::Resolve(root, path);
+    return RootedPath::OnDevice(Setting(Settings::DEVICE_ROOT_DIR), path);
 }
 
 std::string DevicePaths::RealRootOfDevice()
@@ -65,15 +63,17 @@ std::string DevicePaths::RealRootOfDevice()
 
 std::string DevicePaths::PathOnDevice(const std::string& realPath, const std::string& realRoot)
 {
-    const bool isBelow = realPath.compare(0, realRoot.size(), realRoot) == 0 && realPath.size() > realRoot.size()
-        && realPath[realRoot.size()] == '/';
-    return isBelow ? realPath.substr(realRoot.size()) : realPath;
+    return IsBelow(realPath, realRoot) ? realPath.substr(realRoot.size()) : realPath;
 }
 
 std::string DevicePaths::RealPath(const std::string& path, const std::string& realRoot)
 {
     std::error_code error;
-    const bool isOfDevice = !realRoot.empty() && path.compare(0, realRoot.size() + 1, realRoot + "/") == 0;
-    const std::string resolved = isOfDevice ? RootedPath::Resolve(realRoot, path.substr(realRoot.size())) : path;
+    std::string resolved = path;
+    if (!Setting(Settings::DEVICE_ROOT_DIR).empty()) {
+        const bool isBelowRoot = !realRoot.empty() && IsBelow(path, realRoot);
+        const std::string root = isBelowRoot ? realRoot : std::filesystem::current_path(error).string();
+        resolved = IsBelow(path, root) ? RootedPath::Resolve(root, path.substr(root.size())) : "";
+    }
     return std::filesystem::canonical(resolved, error).string();
 }

@@ -16,17 +16,16 @@ std::string DerivedDatabase();
 /// The database of repair dates, in the folder of DerivedDatabase.
 std::string RepairDatabase();
 
-/// The path at which the library looks up a path of a rule file. If Settings::DEVICE_ROOT_DIR is set, an absolute path
-/// is resolved below that root, and neither ".." nor a symbolic link leads out of it (RootedPath::Resolve). Otherwise,
-/// and for a relative path, it is the path itself.
+/// Where the library looks up a path that a rule file names: RootedPath::OnDevice with Settings::DEVICE_ROOT_DIR.
 std::string OnDevice(const std::string& path);
 /// The real path of Settings::DEVICE_ROOT_DIR, with which the real path of every file of the device begins; empty if
 /// the setting is empty or the directory doesn't exist.
 std::string RealRootOfDevice();
 /// The path on the device of `realPath`: without the leading `realRoot` if it is below that, otherwise unchanged.
 std::string PathOnDevice(const std::string& realPath, const std::string& realRoot);
-/// The real path of `path`; for a path below `realRoot` (see RealRootOfDevice) its links are resolved within that root.
-/// Empty if nothing exists there.
+/// The real path of an absolute `path`, empty if nothing is there. With Settings::DEVICE_ROOT_DIR set, its links are
+/// resolved within `realRoot` (see RealRootOfDevice) or, for a path that does not lie below that, within the working
+/// directory; a path in neither gives nothing.
 std::string RealPath(const std::string& path, const std::string& realRoot);
 
 } // namespace DevicePaths

@@ -71,3 +71,16 @@ std::string RootedPath::Resolve(const std::string& root, const std::string& path
     }
     return walked.empty() ? root + "/" : Joined(root, walked);
 }
+
+std::string RootedPath::OnDevice(const std::string& root, const std::string& path)
+{
+    if (root.empty() || path.empty()) {
+        return path;
+    }
+    if (path.front() == '/') {
+        return Resolve(root, path);
+    }
+    static constexpr std::string_view HERE = "./";
+    const std::string resolved = Resolve(".", path);
+    return resolved.size() > HERE.size() ? resolved.substr(HERE.size()) : resolved;
+}

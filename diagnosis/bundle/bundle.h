@@ -27,9 +27,9 @@ struct Bundle {
     std::string logLocation;
     std::string reservedText;
     DeviceDetails device;
-    /// By the names of Settings. A bundle carries its own data, so that its root stands inside it unless it says
-    /// otherwise; the empty text stands for the library's own default, the data of this machine.
-    std::map<std::string, std::string> settings = {{Settings::PROGRAM_DATA_DIR, "programdata"}};
+    /// By the names of Settings. A bundle carries its own device and data: both roots are folders inside it.
+    std::map<std::string, std::string> settings = {
+        {Settings::PROGRAM_DATA_DIR, "programdata"}, {Settings::DEVICE_ROOT_DIR, "device"}};
     /// "YYYY-MM-DD HH:MM:SS" or seconds; empty for the real time.
     std::string now;
     /// Empty for the zone of this machine.

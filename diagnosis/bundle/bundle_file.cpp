@@ -10,6 +10,7 @@
 
 #include "arborist/frame/settings.h"
 #include "diagnosis/bundle/moment.h"
+#include "diagnosis/bundle/rule_paths.h"
 #include "diagnosis/text/json_text.h"
 #include "diagnosis/text/near_match.h"
 
@@ -127,6 +128,11 @@ void ReadSettings(const Json::Value& object, std::map<std::string, std::string>&
         std::string value = settings[key];
         reader.Text(key, value);
         settings[key] = value;
+    }
+    for (const char* root : {Settings::PROGRAM_DATA_DIR, Settings::DEVICE_ROOT_DIR}) {
+        if (!Inside(settings[root])) {
+            reader.Wrong(root, "must be a folder inside the bundle, not \"" + settings[root] + "\"");
+        }
     }
     reader.WarnOfUnknownKeys();
 }

@@ -7,6 +7,7 @@
 #include "diagnosis/bundle/bundle_file.h"
 #include "diagnosis/bundle/bundle_overlay.h"
 #include "diagnosis/bundle/moment.h"
+#include "diagnosis/bundle/repair_records.h"
 
 namespace diagnosis {
 
@@ -48,6 +49,9 @@ std::optional<Failure> BundleSession::Enter(const BundlePath& path, const Bundle
     mIsZip = diagnosis::IsZip(path.absolute);
     if (mIsZip && use == BundleUse::RECORD) {
         return Failure{"bundle_is_zip", path.given + ": nothing can be recorded in a zip; unpack it first"};
+    }
+    if (mIsZip && overrides.isLive) {
+        return Failure{"bundle_is_zip", path.given + ": is a capture of a device; --live takes a folder"};
     }
     if (mIsZip || use == BundleUse::RUN) {
         if (auto failure = mScratch.Make()) {
@@ -97,6 +101,12 @@ std::optional<Failure> BundleSession::EnterFolder(const BundlePath& path, const 
     }
     std::error_code error;
     mFolder = fs::canonical(path.absolute, error).string();
+    if (overrides.isLive) {
+        mBundle.settings[Settings::PROGRAM_DATA_DIR] = "";
+        mBundle.settings[Settings::DEVICE_ROOT_DIR] = "";
+    } else if (auto failure = CheckRoots(path)) {
+        return failure;
+    }
     mSettings = mBundle.settings;
     if (use == BundleUse::RUN) {
         if (auto failure = LayOverlay(mFolder, mScratch, mSettings, mNames)) {
@@ -108,6 +118,22 @@ std::optional<Failure> BundleSession::EnterFolder(const BundlePath& path, const 
     }
     mPathsShown.Show(mNames);
     SetSettings();
+    return std::nullopt;
+}
+
+// The settings name folders inside the bundle; a link in their place could still lead out of it.
+std::optional<Failure> BundleSession::CheckRoots(const BundlePath& path) const
+{
+    const std::string data = mBundle.settings.at(Settings::PROGRAM_DATA_DIR);
+    for (const std::string& name : {mBundle.settings.at(Settings::DEVICE_ROOT_DIR), data, data + "/" + EVENT_LOG,
+             data + "/" + DERIVED_DATABASE, data + "/" + REPAIR_RECORDS}) {
+        std::error_code error;
+        const std::string real = fs::canonical(fs::path(mFolder) / name, error).string();
+        const bool isInside = real.compare(0, mFolder.size() + 1, mFolder + "/") == 0 || mFolder == "/";
+        if (!error && !isInside && real != mFolder) {
+            return Failure{"outside_bundle", path.given + ": " + name + " is a link that leads out of the bundle"};
+        }
+    }
     return std::nullopt;
 }
 

@@ -25,6 +25,8 @@ struct BundleOverrides {
     std::string tz;
     /// Absolute path of the folder of another rule set.
     std::string rules;
+    /// Diagnose this machine with the bundle's rules and device record: its roots in place of those in the bundle.
+    bool isLive = false;
 };
 
 /// What a bundle is entered for. RUN leaves it untouched: all that the library writes goes to a scratch folder.
@@ -66,6 +68,7 @@ public:
 private:
     std::optional<Failure> Unpack(const BundlePath& path);
     std::optional<Failure> EnterFolder(const BundlePath& path, const BundleOverrides& overrides, BundleUse use);
+    std::optional<Failure> CheckRoots(const BundlePath& path) const;
     std::optional<Failure> SetMoment();
     void SetSettings();
 

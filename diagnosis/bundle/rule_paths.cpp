@@ -19,13 +19,20 @@ RuleSetSummary SummariseRuleSet(const Bundle& bundle)
     return ::SummariseRuleSet(bundle.ruleFileDir, bundle.ruleFilePrefix, bundle.treeTag);
 }
 
-std::string OnDevice(const std::string& root, const std::string& path)
+std::optional<std::string> Inside(const std::string& path)
 {
-    if (root.empty() || path.empty() || path.front() != '/') {
-        return path;
+    std::string normal = std::filesystem::path(path).lexically_normal().string();
+    while (normal.size() > 1 && normal.back() == '/') {
+        normal.pop_back();
     }
-    const bool isPlain = path.find("..") == std::string::npos;
-    return root + (isPlain ? path : std::filesystem::path(path).lexically_normal().string());
+    const bool isOutside = normal.empty() || normal.front() == '/' || normal == ".." || normal.rfind("../", 0) == 0;
+    return isOutside ? std::nullopt : std::optional(normal);
+}
+
+std::string NameOnDevice(const std::string& root, const std::string& path)
+{
+    const bool isAbsolute = !path.empty() && path.front() == '/';
+    return isAbsolute ? root + std::filesystem::path(path).lexically_normal().string() : path;
 }
 
 } // namespace diagnosis

@@ -28,17 +28,6 @@ constexpr std::int64_t SECONDS_OF_A_DAY = 86400;
 
 using Problem = std::optional<Failure>;
 
-// A path that lies inside the bundle, without a trailing separator; nothing for any other.
-std::optional<std::string> Inside(const std::string& path)
-{
-    std::string normal = fs::path(path).lexically_normal().string();
-    while (normal.size() > 1 && normal.back() == '/') {
-        normal.pop_back();
-    }
-    const bool isOutside = normal.empty() || normal.front() == '/' || normal == ".." || normal.rfind("../", 0) == 0;
-    return isOutside ? std::nullopt : std::optional(normal);
-}
-
 std::string InsideOr(const std::string& path, const char* otherwise)
 {
     return Inside(path).value_or(otherwise);
@@ -91,6 +80,7 @@ public:
         }
         report.files = mFiles.Files();
         report.bytes = mFiles.Bytes();
+        report.names = mFiles.GetNames();
     }
 
 private:
@@ -136,22 +126,22 @@ private:
             settings[key] = OwnSetting(key).empty() ? "" : InsideOr(OwnSetting(key), folder);
         }
         const std::string& root = OwnSetting(Settings::DEVICE_ROOT_DIR);
-        settings[Settings::DEVICE_ROOT_DIR] = root.empty() && !NamesAbsolutePath() ? "" : InsideOr(root, "device");
-    }
-
-    bool NamesAbsolutePath() const
-    {
-        for (const auto* paths : {&mRuleSet.nodeFiles, &mRuleSet.searchedFolders}) {
-            for (const std::string& path : *paths) {
-                if (path.front() == '/') {
-                    return true;
-                }
-            }
-        }
-        return false;
+        settings[Settings::DEVICE_ROOT_DIR] = InsideOr(root, "device");
     }
 
     std::string InBundle(const std::string& path) const { return (fs::path(mSession.GetFolder()) / path).string(); }
+
+    // Where a path of a rule lies, and which folder its links don't leave; no folder for this machine.
+    std::string SourceOf(const std::string& path) const
+    {
+        return InBundle(PathOnDevice(OwnSetting(Settings::DEVICE_ROOT_DIR), path));
+    }
+    std::string RootOf(const std::string& path) const
+    {
+        const std::string& root = OwnSetting(Settings::DEVICE_ROOT_DIR);
+        std::error_code error;
+        return root.empty() ? "" : fs::canonical(InBundle(path.front() == '/' ? root : ""), error).string();
+    }
 
     Problem AddRules()
     {
@@ -167,7 +157,7 @@ private:
     // Where a path of a rule is captured; nothing, with a warning, for one that would lie outside.
     std::optional<std::string> NameOf(const std::string& path)
     {
-        const auto name = Inside(OnDevice(mCaptured.settings[Settings::DEVICE_ROOT_DIR], path));
+        const auto name = Inside(NameOnDevice(mCaptured.settings[Settings::DEVICE_ROOT_DIR], path));
         if (!name) {
             mWarnings.push_back({"not_captured", path + ": leads out of the bundle, and is left out"});
         }
@@ -178,8 +168,7 @@ private:
     {
         for (const std::string& path : mRuleSet.nodeFiles) {
             const auto name = NameOf(path);
-            auto failure = name ? mFiles.AddNodeFile(InBundle(OnDevice(OwnSetting(Settings::DEVICE_ROOT_DIR), path)), *name)
-                                : std::nullopt;
+            auto failure = name ? mFiles.AddNodeFile(SourceOf(path), *name) : std::nullopt;
             if (failure) {
                 return failure;
             }
@@ -191,8 +180,7 @@ private:
     {
         for (const std::string& path : mRuleSet.searchedFolders) {
             const auto name = NameOf(path);
-            auto failure = name ? mFiles.AddFolder(InBundle(OnDevice(OwnSetting(Settings::DEVICE_ROOT_DIR), path)), *name)
-                                : std::nullopt;
+            auto failure = name ? mFiles.AddFolder(SourceOf(path), *name, RootOf(path)) : std::nullopt;
             if (failure) {
                 return failure;
             }

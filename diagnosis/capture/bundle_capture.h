@@ -26,6 +26,8 @@ struct CaptureReport {
     std::vector<Warning> warnings;
     std::uint64_t files = 0;
     std::uint64_t bytes = 0;
+    /// The files by their names in the capture, in the order in which they were taken.
+    std::vector<std::string> names;
 };
 
 /// Captures a bundle, and what its rules name outside it, into a bundle that stands for itself: a zip when `given`

@@ -38,7 +38,7 @@ std::vector<NamedPath> LookFor(const BundleSession& session, const std::vector<s
     std::vector<NamedPath> found;
     for (const std::string& path : paths) {
         std::error_code error;
-        const std::string place = OnDevice(root == settings.end() ? "" : root->second, path);
+        const std::string place = PathOnDevice(root == settings.end() ? "" : root->second, path);
         found.push_back({path, fs::exists(fs::path(session.GetFolder()) / place, error)});
     }
     return found;

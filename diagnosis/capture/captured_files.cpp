@@ -7,6 +7,9 @@
 #include <filesystem>
 #include <fstream>
 #include <limits>
+#include <utility>
+
+#include "arborist/frame/rule_set_summary.h"
 
 namespace diagnosis {
 
@@ -18,12 +21,21 @@ namespace {
 constexpr std::uint64_t LONGEST_NODE_FILE = 0x2000000;
 constexpr int MOST_FOLDERS = 60;
 
-bool LeadsUp(const fs::path& link)
+// The folder above `below` that `real` is, or one above that: a link to it would be walked without end.
+bool LeadsUp(const std::string& real, const fs::path& below)
 {
     std::error_code error;
-    const std::string target = fs::canonical(link, error).string() + "/";
-    const std::string here = fs::canonical(link.parent_path(), error).string() + "/";
-    return here.compare(0, target.size(), target) == 0;
+    const std::string here = fs::canonical(below, error).string() + "/";
+    return here.compare(0, real.size() + 1, real + "/") == 0;
+}
+
+// What a link leads to, without links; empty where nothing is.
+std::string Target(const fs::path& link, const std::string& root)
+{
+    std::error_code error;
+    const std::string inRoot = root.empty() ? link.string()
+                                            : PathOnDevice(root, "/" + link.lexically_relative(root).string());
+    return fs::canonical(inRoot, error).string();
 }
 
 bool IsOneOf(const std::vector<std::string>& folders, const fs::path& folder)
@@ -34,26 +46,55 @@ bool IsOneOf(const std::vector<std::string>& folders, const fs::path& folder)
     });
 }
 
-// Listed before anything is taken: the capture may grow below the folder itself. What it has grown so far is left out.
-std::vector<fs::path> PathsBelow(const fs::path& folder, const std::vector<std::string>& own, std::uint64_t most)
-{
-    std::vector<fs::path> paths;
-    std::error_code error;
-    const auto options = fs::directory_options::skip_permission_denied | fs::directory_options::follow_directory_symlink;
-    for (fs::recursive_directory_iterator entry(folder, options, error);
-         !error && entry != fs::recursive_directory_iterator() && paths.size() <= most; entry.increment(error)) {
-        std::error_code ignored;
-        const bool isLeftOut = (entry->is_symlink(ignored) && LeadsUp(entry->path()))
-            || (entry->is_directory(ignored) && IsOneOf(own, entry->path()));
-        if (isLeftOut || entry.depth() >= MOST_FOLDERS) {
-            entry.disable_recursion_pending();
-        }
-        if (!isLeftOut && (entry->is_directory(ignored) || entry->is_regular_file(ignored))) {
-            paths.push_back(entry->path());
+// What lies below a folder, and under which name it is taken.
+struct Found {
+    fs::path source;
+    std::string name;
+    bool isFolder;
+};
+
+// Lists a folder before anything of it is taken: the capture may grow below that very folder. What it has grown so far,
+// one of the folders `own`, is left out.
+class FolderWalk {
+public:
+    FolderWalk(const std::vector<std::string>& own, const std::string& root, std::uint64_t most)
+        : mOwn(own), mRoot(root), mMost(most)
+    {
+    }
+
+    std::vector<Found> List(const fs::path& folder, const std::string& name)
+    {
+        Walk(folder, name, 0);
+        return std::move(mFound);
+    }
+
+private:
+    void Walk(const fs::path& folder, const std::string& name, int depth)
+    {
+        std::error_code error;
+        for (fs::directory_iterator entry(folder, fs::directory_options::skip_permission_denied, error);
+             !error && entry != fs::directory_iterator() && mFound.size() <= mMost; entry.increment(error)) {
+            std::error_code ignored;
+            const bool isLink = entry->is_symlink(ignored);
+            const fs::path source = isLink ? fs::path(Target(entry->path(), mRoot)) : entry->path();
+            const bool isFolder = fs::is_directory(source, ignored);
+            const bool isLeftOut = isFolder && ((isLink && LeadsUp(source.string(), folder)) || IsOneOf(mOwn, source));
+            if (isLeftOut || (!isFolder && !fs::is_regular_file(source, ignored))) {
+                continue;
+            }
+            const std::string below = name + "/" + entry->path().filename().string();
+            mFound.push_back({source, below, isFolder});
+            if (isFolder && depth < MOST_FOLDERS) {
+                Walk(source, below, depth + 1);
+            }
         }
     }
-    return paths;
-}
+
+    const std::vector<std::string>& mOwn;
+    const std::string& mRoot;
+    std::uint64_t mMost;
+    std::vector<Found> mFound;
+};
 
 } // namespace
 
@@ -75,23 +116,23 @@ std::optional<Failure> CapturedFiles::AddNodeFile(const std::string& source, con
     return Take(source, name, LONGEST_NODE_FILE + 1);
 }
 
-std::optional<Failure> CapturedFiles::AddFolder(const std::string& source, const std::string& name)
+std::optional<Failure> CapturedFiles::AddFolder(
+    const std::string& source, const std::string& name, const std::string& root)
 {
     std::error_code error;
     if (!fs::is_directory(source, error)) {
         return AddFile(source, name);
     }
     fs::create_directories(Path(name), error);
-    const auto paths = PathsBelow(source, mOwn, mLimits.entries);
-    for (const fs::path& path : paths) {
-        const std::string below = name + "/" + path.lexically_relative(source).string();
-        if (fs::is_directory(path, error)) {
-            fs::create_directories(Path(below), error);
-        } else if (auto failure = Take(path.string(), below, std::numeric_limits<std::uint64_t>::max())) {
+    const std::vector<Found> all = FolderWalk(mOwn, root, mLimits.entries).List(fs::canonical(source, error), name);
+    for (const Found& found : all) {
+        if (found.isFolder) {
+            fs::create_directories(Path(found.name), error);
+        } else if (auto failure = Take(found.source.string(), found.name, std::numeric_limits<std::uint64_t>::max())) {
             return failure;
         }
     }
-    return paths.size() > mLimits.entries
+    return all.size() > mLimits.entries
         ? std::optional(Failure{"too_large", source + ": more than " + std::to_string(mLimits.entries) + " files",
               ExitStatus::INTERNAL})
         : std::nullopt;
@@ -102,6 +143,7 @@ std::optional<Failure> CapturedFiles::Count(const std::string& name)
     std::error_code error;
     const auto size = fs::file_size(fs::path(mFolder) / name, error);
     mBytes += error ? 0 : size;
+    mNames.push_back(name);
     if (++mFiles > mLimits.entries || mBytes > mLimits.bytes) {
         return Failure{"too_large", "more than " + std::to_string(mLimits.entries) + " files or "
             + std::to_string(mLimits.bytes) + " bytes to capture", ExitStatus::INTERNAL};

@@ -134,14 +134,78 @@ TEST_F(BundleCommandTest, ACaptureOfAFolderWithTheTemporaryFilesDoesNotHoldThose
     EXPECT_TRUE(fs::is_empty(mDir.Path("packed/device/data/panel/temporary")));
 }
 
-TEST_F(BundleCommandTest, FilesOfALiveDeviceAreCapturedBelowARoot)
+TEST_F(BundleCommandTest, FilesOfThisMachineAreCapturedBelowARootAndListed)
 {
     WriteLiveBundle("80\n");
-    EXPECT_EQ(Pack({"live", "-o", "packed"}).status, 0);
-    EXPECT_EQ(mDir.Read("packed/device" + mDir.Path("machine/sys/temperature")), "80\n");
+    const auto packed = Pack({"live", "--live", "-o", "packed"});
+    EXPECT_EQ(packed.status, 0);
+    const std::string node = "device" + mDir.Path("machine/sys/temperature");
+    EXPECT_EQ(mDir.Read("packed/" + node), "80\n");
+    EXPECT_THAT(packed.out, AllOf(StartsWith("rules/FaultTrees.xml\n"), HasSubstr("\n" + node + "\n"),
+        HasSubstr("\npacked: ")));
     mDir.Write("machine/sys/temperature", "20\n");
     EXPECT_THAT(RunArborist({"detect", "packed"}).out, HasSubstr("1. HOT"));
-    EXPECT_THAT(RunArborist({"detect", "live"}).out, HasSubstr("no fault"));
+    EXPECT_THAT(RunArborist({"detect", "--live", "live"}).out, HasSubstr("no fault"));
+}
+
+TEST_F(BundleCommandTest, RootsOutsideTheBundleAreRefused)
+{
+    WriteHotBundle(mDir, "b");
+    for (const char* root : {"", "/", "..", "../device", "a/../../b", "."}) {
+        for (const char* key : {"DeviceRootDir", "ProgramDataDir"}) {
+            mDir.Write("b/bundle.json",
+                BundleJson(", \"settings\": {\"" + std::string(key) + "\": \"" + root + "\"}"));
+            const auto result = RunArborist({"detect", "b"});
+            const bool isInside = std::string(root) == ".";
+            EXPECT_EQ(result.status, isInside ? 0 : 4) << key << " " << root;
+            EXPECT_EQ(result.err, isInside ? "" : "arborist: b: b/bundle.json: \"settings." + std::string(key)
+                + "\" must be a folder inside the bundle, not \"" + root + "\" [bad_bundle]\n");
+        }
+    }
+}
+
+TEST_F(BundleCommandTest, LinksThatLeadOutOfTheBundleAreRefused)
+{
+    WriteDropsBundle(mDir, "b");
+    EventLogBuilder().Row({NOW, 1001, "", ""}).WriteTo(mDir.Path("log.db"));
+    mDir.MakeDir("b/programdata/Comms/Lumbra/workDir/0");
+    fs::create_symlink(mDir.Path("log.db"), mDir.Path("b") + LOG_OF_BUNDLE);
+    const auto linkedLog = RunArborist({"detect", "b"});
+    EXPECT_EQ(linkedLog.status, 4);
+    EXPECT_EQ(linkedLog.err, "arborist: b: programdata/Comms/Lumbra/workDir/0/log.db is a link that leads out of the "
+                             "bundle [outside_bundle]\n");
+    fs::remove(mDir.Path("b") + LOG_OF_BUNDLE);
+    mDir.MakeDir("machine");
+    fs::create_directory_symlink("../machine", mDir.Path("b/device"));
+    EXPECT_THAT(RunArborist({"detect", "b"}).err, HasSubstr("device is a link that leads out of the bundle"));
+    fs::remove(mDir.Path("b/device"));
+    mDir.MakeDir("b/captured");
+    fs::create_directory_symlink("captured", mDir.Path("b/device"));
+    EXPECT_EQ(RunArborist({"detect", "b"}).status, 0);
+}
+
+TEST_F(BundleCommandTest, NoNodeOfABundleIsReadFromThisMachine)
+{
+    mDir.Write("temperature", "80\n");
+    for (const std::string& path : {mDir.Path("temperature"), std::string("../temperature")}) {
+        WriteHotBundle(mDir, "b");
+        std::string rules = mDir.Read("b/rules/FaultTreeRules.xml");
+        rules.replace(rules.find("\"temperature\""), 13, "\"" + path + "\"");
+        mDir.Write("b/rules/FaultTreeRules.xml", rules);
+        fs::remove("b/temperature");
+        EXPECT_THAT(RunArborist({"detect", "b"}).out, HasSubstr("no fault")) << path;
+        EXPECT_THAT(RunArborist({"detect", "--live", "b"}).out, HasSubstr("1. HOT")) << path;
+    }
+}
+
+TEST_F(BundleCommandTest, ThisMachineIsDiagnosedWithAFolderAlone)
+{
+    WriteHotBundle(mDir, "b");
+    Pack({"b", "-o", "b.zip"});
+    const auto zip = RunArborist({"detect", "--live", "b.zip"});
+    EXPECT_EQ(zip.err, "arborist: b.zip: is a capture of a device; --live takes a folder [bundle_is_zip]\n");
+    EXPECT_EQ(zip.status, 4);
+    EXPECT_EQ(RunArborist({"detect", "--live", "--batch", "-"}, {.input = "b\n"}).status, 2);
 }
 
 TEST_F(BundleCommandTest, TheMomentAndTheZoneOfThePackingAreRecorded)
@@ -246,7 +310,8 @@ TEST_F(BundleCommandTest, InfoTellsWhatIsInABundle)
         "  scene             1\n"
         "  moment            5, zone UTC\n"
         "  device            Product P1\n"
-        "  settings          ProgramDataDir programdata\n"
+        "  settings          DeviceRootDir device\n"
+        "                    ProgramDataDir programdata\n"
         "  event log         none\n"
         "  repair records    0\n"
         "  node files        1 named, 0 there\n"

@@ -55,6 +55,7 @@ TEST_F(DevicePathsTest, NeitherParentElementsNorLinksLeaveTheRootOfTheDevice)
     mSettings.Set(Settings::DEVICE_ROOT_DIR, "root");
     EXPECT_EQ(DevicePaths::OnDevice("/../../etc/hostname"), "root/etc/hostname");
     EXPECT_EQ(DevicePaths::OnDevice("/link/passwd"), "root/etc/passwd");
+    EXPECT_EQ(DevicePaths::OnDevice("../../etc/hostname"), "etc/hostname");
 }
 
 TEST_F(DevicePathsTest, RealPathStaysInTheRootOfTheDevice)
@@ -64,10 +65,16 @@ TEST_F(DevicePathsTest, RealPathStaysInTheRootOfTheDevice)
     const std::string inside = dir.Write("root/data/a.db", "");
     std::filesystem::create_symlink("/data/a.db", root + "/inside");
     std::filesystem::create_symlink("/etc/passwd", root + "/outside");
+    const std::string besides = dir.Write("besides", "");
+    std::filesystem::create_symlink("/besides", dir.Path("link"));
+    mSettings.Set(Settings::DEVICE_ROOT_DIR, "root");
     EXPECT_EQ(DevicePaths::RealPath(root + "/inside", root), inside);
     EXPECT_EQ(DevicePaths::RealPath(root + "/outside", root), "");
-    EXPECT_EQ(DevicePaths::RealPath(root + "/outside", ""), "/etc/passwd");
     EXPECT_EQ(DevicePaths::RealPath(root + "/none", root), "");
+    EXPECT_EQ(DevicePaths::RealPath(dir.Path("link"), root), besides); // below the working directory
+    EXPECT_EQ(DevicePaths::RealPath("/etc/passwd", root), "");
+    mSettings.Set(Settings::DEVICE_ROOT_DIR, "");
+    EXPECT_EQ(DevicePaths::RealPath(root + "/outside", ""), "/etc/passwd");
 }
 
 TEST_F(DevicePathsTest, PathOnTheDeviceIsWhatStandsBelowItsRoot)

@@ -27,4 +27,22 @@ TEST(CapturedFilesTest, FoldersAreCapturedWithEmptyOnesAndWithoutEndlessLinks)
     EXPECT_EQ(few.AddFolder("source", "s")->code, "too_large");
 }
 
+TEST(CapturedFilesTest, LinksInAFolderAreFollowedWithinTheRoot)
+{
+    const TempDir dir;
+    dir.Write("outside.db", "of this machine");
+    dir.Write("device/other/inside.db", "of the device");
+    dir.MakeDir("device/data");
+    fs::create_symlink(dir.Path("outside.db"), dir.Path("device/data/outside.db"));
+    fs::create_symlink("../../outside.db", dir.Path("device/data/climbing.db"));
+    fs::create_directory_symlink("/other", dir.Path("device/data/folder"));
+    diagnosis::CapturedFiles files(dir.MakeDir("target"), {});
+    EXPECT_FALSE(files.AddFolder("device/data", "data", dir.Path("device")).has_value());
+    EXPECT_EQ(dir.Read("target/data/folder/inside.db"), "of the device");
+    EXPECT_EQ(files.GetNames(), std::vector<std::string>{"data/folder/inside.db"});
+    diagnosis::CapturedFiles live(dir.MakeDir("live"), {});
+    EXPECT_FALSE(live.AddFolder("device/data", "data").has_value());
+    EXPECT_EQ(dir.Read("live/data/outside.db"), "of this machine");
+}
+
 } // namespace

@@ -34,6 +34,11 @@ ExitStatus Pack(BundleOptions options)
     if (report.failure) {
         return report.failure->status;
     }
+    if (options.capture.overrides.isLive) {
+        for (const std::string& name : report.names) {
+            PrintResult(Printable(name) + "\n");
+        }
+    }
     PrintResult(Printable(options.target) + ": " + std::to_string(report.files) + " files, "
         + std::to_string(report.bytes) + " bytes\n");
     return ExitStatus::SUCCESS;
@@ -91,6 +96,7 @@ void AddPackCommand(Command bundle, ExitStatus& status)
         "Of the event log only what the longest window of the rules reaches");
     AddCodeRunnerOptions(pack, options->codeRunner);
     pack.Footer("The answers of --code-runner are recorded.\nExamples:\n  arborist bundle pack examples/laptop -o laptop.zip\n"
+                 "  arborist bundle pack examples/linux-host --live -o this-machine.zip\n"
                  "  arborist bundle pack . --window --code-runner ./tests.sh -o /tmp/device-7");
     pack.OnCall([options, &status] { status = Pack(*options); });
 }

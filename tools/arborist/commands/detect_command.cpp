@@ -197,6 +197,9 @@ void AddDetectCommand(Command app, ExitStatus& status)
         if (!options->bundles.empty() && !options->list.empty()) {
             FailExcluded("--batch", "BUNDLE");
         }
+        if (options->run.detection.overrides.isLive && !options->list.empty()) {
+            FailExcluded("--batch", "--live");
+        }
         status = Detect(*options);
     });
 }

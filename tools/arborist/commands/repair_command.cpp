@@ -133,6 +133,7 @@ void AddRepairCommand(Command app, ExitStatus& status)
     auto listOptions = std::make_shared<RepairOptions>();
     Command list = AddRecordsCommand(repair, "list", "Show the records, in the order of their first making",
         listOptions);
+    AddLive(list, listOptions->overrides);
     list.Footer("Example:\n  arborist repair list examples/laptop");
     list.OnCall([listOptions, &status] { status = WithRecords(*listOptions, BundleUse::RUN, List); });
 }

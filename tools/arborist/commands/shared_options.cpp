@@ -19,6 +19,12 @@ void AddOverrides(Command app, BundleOverrides& overrides)
             return IsMomentText(text) ? "" : "is neither \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: " + text;
         });
     AddTimeZone(app, overrides.tz);
+    AddLive(app, overrides);
+}
+
+void AddLive(Command app, BundleOverrides& overrides)
+{
+    app.AddFlag("--live", overrides.isLive, "Diagnose this machine: its files and its data in place of those in the bundle");
 }
 
 void AddRules(Command app, BundleOverrides& overrides)

@@ -11,8 +11,10 @@
 
 namespace diagnosis::command {
 
-/// --now and --tz.
+/// --now, --tz and --live.
 void AddOverrides(Command app, BundleOverrides& overrides);
+/// --live alone.
+void AddLive(Command app, BundleOverrides& overrides);
 /// --rules: another rule set than the bundle's.
 void AddRules(Command app, BundleOverrides& overrides);
 /// --tz alone.
