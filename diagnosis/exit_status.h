@@ -5,7 +5,7 @@
 
 namespace diagnosis {
 
-/// What the process answers to its caller. Of several bundles the highest number wins: it is the most serious.
+/// Exit status of the process. For several bundles it is the highest number, which is the most serious.
 enum class ExitStatus {
     SUCCESS = 0, ///< everything was done, fault or not
     FAULT_FOUND = 1, ///< a fault was found and --fail-on-fault was given

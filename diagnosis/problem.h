@@ -7,7 +7,8 @@
 
 namespace diagnosis {
 
-/// Something that makes a result less than it looks; the work goes on. `code` is one of the words of docs/command.md.
+/// A problem that makes a result less reliable but doesn't stop the work. `code` is one of the codes of
+/// docs/command.md.
 struct Warning {
     std::string code;
     std::string message;

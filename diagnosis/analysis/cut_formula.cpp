@@ -26,7 +26,7 @@ CutFormula::CutFormula(const ExplainedTree& tree) : mTree(tree)
     }
 }
 
-// From the last event backwards, so that everything below an event is known before it.
+// Goes from the last event backwards, so that the events below an event are known before it.
 void CutFormula::FindEmpty()
 {
     mIsEmpty.assign(mTree.events.size(), false);
@@ -36,7 +36,8 @@ void CutFormula::FindEmpty()
             continue;
         }
         const std::vector<std::size_t> children = mTree.ChildrenOf(event);
-        // The last branch of an AND gate decides: behind an empty one the combinations start afresh.
+        // The last branch of an AND gate decides: an empty branch drops the combinations before it, and those behind
+        // start anew.
         mIsEmpty[event] = explained.gate == Evidence::GateType::OR
             ? std::all_of(children.begin(), children.end(), [this](std::size_t child) { return mIsEmpty[child]; })
             : children.empty() || mIsEmpty[children.back()];
@@ -66,7 +67,7 @@ std::uint32_t CutFormula::Build(std::size_t event)
     return IsBarred(explained) ? MakeGate(Kind::AND, {MakeEvent(event), gate}) : gate;
 }
 
-// A gate below one of the same kind adds its branches to it.
+// Merges a gate below one of the same kind into it: collects the branches of both.
 void CutFormula::CollectParts(std::size_t event, Kind kind, std::vector<std::uint32_t>& parts)
 {
     const ExplainedEvent& explained = mTree.events[event];
@@ -82,7 +83,7 @@ void CutFormula::CollectParts(std::size_t event, Kind kind, std::vector<std::uin
     }
 }
 
-// The branches that have cut sets; of an AND those behind the last one that has none.
+// The branches that have cut sets; for an AND only those behind the last branch without cut sets.
 std::vector<std::size_t> CutFormula::BranchesOf(std::size_t event) const
 {
     std::vector<std::size_t> branches = mTree.ChildrenOf(event);
@@ -106,7 +107,7 @@ std::uint32_t CutFormula::MakeEvent(std::size_t event)
 
 std::uint32_t CutFormula::MakeGate(Kind kind, std::vector<std::uint32_t> branches)
 {
-    // Taking an event twice is taking it once; so is choosing twice between the same branches of an OR.
+    // Taking an event twice equals taking it once, and so does choosing twice between the same branches of an OR.
     std::vector<Part> parts;
     std::unordered_map<std::uint32_t, std::size_t> places;
     for (const std::uint32_t branch : branches) {

@@ -11,30 +11,30 @@
 
 namespace diagnosis {
 
-/// The cut sets of a tree as a formula of OR and AND over events. Branches that come to the same, as those do that a
-/// tree writes out many times, are one node. The cut sets are those of the library's plain expansion.
+/// The cut sets of a tree as a formula of OR and AND over events. Equal branches, such as a branch that the tree
+/// repeats in many places, share one node. The cut sets are those of the library's plain expansion.
 ///
-/// An event counts by its id. An observable intermediate event that is not in error stands beside what is below it:
-/// it has to come to error by itself.
+/// Events with the same id are one event. An observable intermediate event that is not in error is joined by AND with
+/// the events below it, as it must come into error by itself.
 class CutFormula {
 public:
     enum class Kind : unsigned char { EVENT, OR, AND };
 
     struct Part {
         std::uint32_t node;
-        /// How often it is chosen from, each time anew: of an AND the branches that come to the same.
+        /// How many equal branches of an AND this part replaces; each chooses from it independently.
         std::uint32_t times = 1;
     };
 
     struct Node {
         Kind kind;
-        /// Of an EVENT: a place in ExplainedTree::events, the first with that id and status.
+        /// For an EVENT: an index into ExplainedTree::events, of the first with that id and status.
         std::size_t event;
         bool isMissing;
-        /// Of a gate, each once.
+        /// The parts of a gate, each once.
         std::vector<Part> parts;
-        /// A lower bound of the missing events of a choice below, where an event that stands in n places of the tree
-        /// counts one nth in each: bounds of gates that are joined may be added up.
+        /// A lower bound of the missing events of a choice below. An event with n places in the tree counts 1/n in
+        /// each, so that the bounds of joined gates may be added.
         double least;
     };
 
@@ -44,7 +44,7 @@ public:
 
     /// NONE for a tree without cut sets.
     std::uint32_t GetTop() const { return mTop; }
-    /// A part stands before the gates that hold it.
+    /// Every part precedes the gates that contain it.
     const std::vector<Node>& GetNodes() const { return mNodes; }
 
 private:
@@ -59,7 +59,7 @@ private:
     bool IsBarred(const ExplainedEvent& event) const { return event.observable && !event.IsInError(); }
 
     const ExplainedTree& mTree;
-    /// Whether the expansion of an event has no cut set, whatever the statuses.
+    /// True if the expansion of an event has no cut set, whatever the statuses.
     std::vector<bool> mIsEmpty;
     std::unordered_map<std::string, std::size_t> mPlacesMissing;
     std::unordered_map<std::string, std::uint32_t> mKnown;

@@ -10,7 +10,7 @@ namespace {
 
 using Numbers = std::vector<std::uint32_t>;
 
-// A number for the id of each event.
+// Numbers the ids: one number for each event, equal for equal ids.
 Numbers NumberIds(const ExplainedTree& tree)
 {
     std::unordered_map<std::string_view, std::uint32_t> numbers;
@@ -58,7 +58,7 @@ std::vector<DistinctCause> DistinctCausesOf(const ExplainedTree& tree)
                 members.push_back(numberOfEvent[member]);
             }
         }
-        // Members that no path leads to leave the name to tell causes apart.
+        // If no path of the cut set names an event, causes are distinguished by their name.
         const std::string key = members.empty() ? "/" + cause.id : KeyOf(members);
         const auto [entry, isNew] = causes.try_emplace(key, distinct.size());
         if (isNew) {

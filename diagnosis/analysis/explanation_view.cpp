@@ -20,7 +20,7 @@ bool HasRule(const ExplainedTree& tree, const ExplainedEvent& event, const std::
     return std::any_of(rules.begin(), rules.end(), [&name](const PlacedRule& placed) { return placed.rule.name == name; });
 }
 
-// Whether the event itself or one above it has this id.
+// True if the event itself or one above it has this id.
 bool IsBelow(const ExplainedTree& tree, std::size_t event, const std::string& id)
 {
     for (; event != ExplainedEvent::NONE; event = tree.events[event].parent) {
@@ -99,7 +99,7 @@ std::optional<Failure> UnknownWord(const Explanation& explanation, const Explana
     if (auto failure = Unless(rules, "rule", "unknown_rule", view.rule)) {
         return failure;
     }
-    // Any event may be asked for as a root cause: how far it is from being one is worth knowing, too.
+    // Accept any event as a root cause: the view also shows how far it is from being one.
     for (const ExplainedTree& tree : explanation.trees) {
         for (const ExplainedCause& cause : tree.causes) {
             events.insert(cause.id);

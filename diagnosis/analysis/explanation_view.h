@@ -13,36 +13,36 @@
 
 namespace diagnosis {
 
-/// What of an explanation is shown. Without narrowing words it is all of it.
+/// Selects the part of an explanation to show; the default is all of it.
 struct ExplanationView {
-    /// Only events with this id, only this rule, only root causes with this id in their cut set; empty for no narrowing.
+    /// Show only events with this id, only this rule, only root causes with this id in their cut set; empty for all.
     std::string event;
     std::string rule;
     std::string cause;
-    /// Up to how many events short; 0 shows no near misses.
+    /// Shows near misses that lack up to this many events; 0 for none.
     std::size_t nearMisses = 0;
-    /// How many near misses of a tree are shown.
+    /// Most near misses that are shown for a tree.
     std::size_t limit = 20;
     bool minimal = false;
-    /// One line a distinct root cause, and beside that only what `nearMisses` and `minimal` ask for.
+    /// Shows one line for each distinct root cause, and otherwise only what `nearMisses` and `minimal` ask for.
     bool brief = false;
 
     bool IsNarrow() const { return !event.empty() || !rule.empty() || !cause.empty(); }
 };
 
-/// Why nothing can be shown: an id or a name of the view stands nowhere in the explanation; names near matches.
+/// The failure if an id or a name of the view is not in the explanation, with similar names; nothing otherwise.
 std::optional<Failure> UnknownWord(const Explanation& explanation, const ExplanationView& view);
 
-/// Places of the events that a narrow view shows: one for each id and evidence, the first one.
+/// Indexes of the events that a narrowed view shows: the first one for each id and evidence.
 std::vector<std::size_t> ShownEvents(const ExplainedTree& tree, const ExplanationView& view);
 
-/// Whether the view is one of the whole tree, or has an event or a near miss of it to show.
+/// True if the view shows the whole tree, or an event or a near miss of it.
 bool HasShown(const ExplainedTree& tree, const ExplanationView& view);
 
-/// Whether a rule of a shown event is shown.
+/// True if the view shows this rule of a shown event.
 bool IsShown(const Evidence::Rule& rule, const ExplanationView& view);
 
-/// The near misses that the view asks for: of a narrow one those that its event, rule or cause has to do with.
+/// The near misses that the view shows; for a narrowed view those that involve its event, rule or cause.
 NearMisses ShownNearMisses(const ExplainedTree& tree, const ExplanationView& view);
 
 /// The distinct root causes that the view shows.

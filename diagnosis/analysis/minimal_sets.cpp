@@ -12,12 +12,12 @@ namespace {
 using Number = std::uint32_t;
 using Numbers = std::vector<Number>;
 
-/// The sets with a number for each id, in the order in which the ids come up.
+/// The sets with a number in place of each id; ids are numbered in the order of their first occurrence.
 struct NumberedSets {
     std::vector<std::string> ids;
     /// Ascending members.
     std::vector<Numbers> sets;
-    /// How many sets each number stands in.
+    /// For each number, how many sets contain it.
     std::vector<std::size_t> counts;
 
     explicit NumberedSets(const std::vector<DistinctCause>& causes)
@@ -44,8 +44,8 @@ bool Holds(const Numbers& set, const Numbers& part)
     return std::includes(set.begin(), set.end(), part.begin(), part.end());
 }
 
-/// Looks for a smallest set of numbers that meets every set: branches over the members of a shortest set that is not
-/// met yet, and gives up a branch as soon as sets without a common member tell that it can't be better.
+/// Searches for a smallest set of numbers that has a member in every set (a hitting set). Branches over the members of
+/// a shortest set that is not hit yet, and abandons a branch as soon as disjoint sets prove that it can't be better.
 class RepairSearch {
 public:
     RepairSearch(const NumberedSets& numbered, std::size_t steps)
@@ -103,8 +103,8 @@ private:
             std::count_if(set.begin(), set.end(), [this](Number member) { return !mIsBarred[member]; }));
     }
 
-    // Counts sets that share no member that could still be taken: each needs a number of its own. Names the set with
-    // the fewest choices; null when all are met.
+    // A lower bound of the numbers still needed: counts sets that share no available member, as each needs a number of
+    // its own. Sets `shortest` to the set with the fewest choices; null if all sets are hit.
     std::size_t LeastMore(const Numbers*& shortest)
     {
         std::size_t apart = 0;
@@ -149,7 +149,7 @@ private:
             Branch();
             mTaken.pop_back();
             mIsTaken[member] = false;
-            // What comes next need not try this one again.
+            // The following branches need not try this one again.
             mIsBarred[member] = true;
             barred.push_back(member);
         }
@@ -190,7 +190,8 @@ std::vector<DistinctCause> MinimalAmong(const std::vector<DistinctCause>& causes
     std::stable_sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
         return numbered.sets[left].size() < numbered.sets[right].size();
     });
-    // A set can only hold those that are kept under one of its own members; each is kept under its rarest one.
+    // Each set is filed under its rarest member, so that a set can only contain sets that are filed under one of its
+    // own members.
     std::vector<std::vector<std::size_t>> keptUnder(numbered.ids.size());
     std::vector<bool> isKept(causes.size(), false);
     for (const std::size_t candidate : order) {

@@ -10,7 +10,7 @@
 
 namespace diagnosis {
 
-/// In how many of the minimal cut sets an event stands.
+/// In how many of the minimal cut sets an event occurs.
 struct EventShare {
     std::string id;
     std::size_t sets = 0;
@@ -21,29 +21,28 @@ struct EventShare {
 /// Events after whose repair no root cause would remain.
 struct RepairSet {
     std::vector<std::string> ids;
-    /// Whether no smaller set exists; otherwise it is only a small one.
+    /// True if no smaller set exists; false if the search ended early and a smaller one may exist.
     bool isSmallest = true;
 };
 
-/// The cut sets in evidence without those that hold another one whole.
+/// The cut sets in evidence, without supersets of others.
 struct MinimalSets {
-    /// Entries of the list of root causes, and distinct sets among them.
+    /// Number of entries in the list of root causes, and of distinct sets among them.
     std::uint64_t listed = 0;
     std::size_t distinct = 0;
     /// In the order of the list.
     std::vector<DistinctCause> sets;
-    /// Highest share first; of equal ones the one that stands first.
+    /// Highest share first; equal shares in the order of the sets.
     std::vector<EventShare> shares;
     RepairSet repairs;
 };
 
 MinimalSets FindMinimalSets(const ExplainedTree& tree);
 
-/// Those that hold no other of `causes` whole, in the same order.
+/// The causes that are no supersets of others, in the same order.
 std::vector<DistinctCause> MinimalAmong(const std::vector<DistinctCause>& causes);
 
-/// A set of ids that has a member in each of `sets`. Searched for the smallest while that is cheap; `steps` bounds the
-/// work, and after them the best one found so far is answered.
+/// A smallest set of ids that has a member in each of `sets`, or the best one that was found within `steps` steps.
 RepairSet FindRepairs(const std::vector<DistinctCause>& sets, std::size_t steps = 20000000);
 
 } // namespace diagnosis

@@ -23,11 +23,11 @@ struct Lack {
     Number choice;
 };
 
-/// What the choices below a node lack, each set once, the smallest first.
+/// The sets that the choices below a node lack, each once, the smallest first.
 using Lacks = std::vector<Lack>;
 
-/// Works out what the choices of a formula lack, from the events up. A choice is kept as the two that it joins, until
-/// somebody asks for its events.
+/// Computes bottom up what the choices of a formula lack. A choice is stored as the two choices that it joins; its
+/// events are listed only on request.
 class LackFinder {
 public:
     LackFinder(const CutFormula& formula, std::size_t most, std::size_t& steps)
@@ -35,7 +35,7 @@ public:
     {
     }
 
-    /// Of the whole formula, at most `most` events each.
+    /// The lacks of the whole formula with at most `most` events each.
     Lacks Find()
     {
         std::vector<Lacks> all;
@@ -82,10 +82,10 @@ public:
     }
 
 private:
-    /// The choice without events, and what stands on the left of a choice that is one event.
+    /// The choice without events; also the left part of a choice that is a single event.
     static constexpr Number NOTHING = 0;
     static constexpr Number EVENT = UINT32_MAX;
-    // Sums of shares are not exact.
+    // Tolerance, as sums of shares are not exact.
     static constexpr double SLACK = 1e-6;
     static constexpr std::size_t LARGEST_FAMILY = 100000;
 
@@ -133,7 +133,7 @@ private:
         Lacks lacks{{NumberOf({}), NOTHING}};
         for (const CutFormula::Part& part : node.parts) {
             lacks = Joined(lacks, all[part.node]);
-            // Choosing once more adds sets until it adds none.
+            // Repeat only as long as one more choice adds sets.
             for (Number times = 1; times < part.times; ++times) {
                 Lacks more = Joined(lacks, all[part.node]);
                 if (more.size() == lacks.size()) {
@@ -153,7 +153,7 @@ private:
         Spend(right.size());
         for (const Lack& one : left) {
             const Missing& set = SetOf(one);
-            // Small ones fit beside whatever the other lacks; larger ones must share an event with it.
+            // Small sets can be joined with any set of the other part; larger ones only with sets that share an event.
             const std::size_t room = mMost - set.size();
             std::vector<const Lack*> others;
             for (const Lack& other : right) {
@@ -214,7 +214,7 @@ private:
         return index;
     }
 
-    // The smallest first, and no more than can be gone on with.
+    // Sorts by size and drops the sets beyond LARGEST_FAMILY.
     Lacks Tidied(Lacks lacks)
     {
         std::stable_sort(lacks.begin(), lacks.end(),
@@ -226,7 +226,7 @@ private:
         return lacks;
     }
 
-    // Whether there was enough left.
+    // False if the budget of steps is used up.
     bool Spend(std::size_t steps = 1)
     {
         const bool isEnough = mSteps >= steps;
@@ -262,7 +262,7 @@ NearMisses FindNearMisses(const ExplainedTree& tree, std::size_t mostMissing, st
     if (formula.GetTop() == CutFormula::NONE) {
         return found;
     }
-    // One more missing event at a time: where the steps end, all that lacks less is known.
+    // Allow one more missing event at a time: if the steps run out, the smaller sets are complete.
     for (std::size_t most = 1; most <= mostMissing && found.isComplete; ++most) {
         LackFinder finder(formula, most, steps);
         Lacks lacks = finder.Find();

@@ -44,7 +44,7 @@ private:
     int mDescriptor;
 };
 
-// Both separators count: archives of other systems use the other one.
+// Checks both separators, as archives of other systems use the other one.
 bool IsSafeName(const std::string& name)
 {
     if (name.empty() || name.front() == '/' || name.front() == '\\' || name.find('\0') != std::string::npos) {
@@ -151,12 +151,12 @@ private:
             return Bad("\"" + name + "\" is damaged or encrypted");
         }
         auto failure = CopyOut(name, file.Get());
-        // Closing compares the checksum, when all was read.
+        // Closing compares the checksum if all was read.
         const int closed = unzCloseCurrentFile(mArchive.get());
         return !failure && closed != UNZ_OK ? Bad("\"" + name + "\" is damaged") : failure;
     }
 
-    // Counts what really comes out: what an archive tells of its lengths need not be so.
+    // Counts the bytes that are really unpacked: the lengths that an archive declares need not be true.
     std::optional<Failure> CopyOut(const std::string& name, int file)
     {
         for (;;) {
@@ -190,14 +190,14 @@ private:
 bool IsZip(const std::string& path)
 {
     std::error_code error;
-    // Opening a pipe would wait for its other end.
+    // Ask first: opening a pipe would wait for its other end.
     if (!fs::is_regular_file(path, error)) {
         return false;
     }
     char start[4] = {};
     std::ifstream file(path, std::ios::binary);
     file.read(start, sizeof(start));
-    // "PK\3\4" before an entry, "PK\5\6" at the end, which is all that an empty archive has.
+    // "PK\3\4" precedes an entry, "PK\5\6" the end record, with which an empty archive starts.
     return file && start[0] == 'P' && start[1] == 'K' && (start[2] == 3 || start[2] == 5);
 }
 

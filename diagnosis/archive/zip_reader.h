@@ -10,21 +10,21 @@
 
 namespace diagnosis {
 
-/// What an archive may hold at most: archives come from strangers, and a small one can tell of petabytes.
+/// Limits on the content of an archive: archives come from strangers, and a small one can unpack to petabytes.
 struct ZipLimits {
     std::uint64_t entries = 65536;
-    /// Of all entries together, unpacked.
+    /// Unpacked size of all entries together.
     std::uint64_t bytes = std::uint64_t{4} << 30U;
 };
 
-/// Whether the file at `path` begins as an archive does.
+/// True if the file at `path` begins like an archive.
 bool IsZip(const std::string& path);
 
-/// Unpacks the archive at `path` into the folder `target`, which is there and empty; `shown` names the archive in
-/// messages. Otherwise answers why not, and what was unpacked until then stays.
+/// Unpacks the archive at `path` into the existing, empty folder `target`; messages call the archive `shown`. Returns
+/// the failure, if any; files unpacked before it stay.
 ///
-/// Refused are names that lead out of the target, names that stand twice, damaged or encrypted entries, folders more
-/// than 64 deep, and what is over the limits. Symbolic links are not made; each is a warning.
+/// Refuses names that lead out of the target, repeated names, damaged or encrypted entries, folders more than 64 deep,
+/// and archives over the limits. Skips symbolic links with a warning for each.
 std::optional<Failure> UnpackZip(const std::string& path, const std::string& shown, const std::string& target,
     std::vector<Warning>& warnings, const ZipLimits& limits = {});
 

@@ -16,13 +16,13 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::uintmax_t NEEDS_ZIP64 = 0xF0000000;
-// "Made by" Unix, so that the rights mean something to those who unpack it by hand.
+// "Made by" Unix, so that other tools restore the permissions.
 constexpr unsigned long MADE_BY_UNIX = 3UL << 8U;
 
 bool OpenEntry(zipFile archive, const std::string& name, mode_t mode, bool isLarge)
 {
     zip_fileinfo info{};
-    // The first moment that the format knows; nobody's clock makes two archives differ.
+    // The earliest time of the format, so that archives don't differ by the clock.
     info.tmz_date.tm_year = 1980;
     info.tmz_date.tm_mday = 1;
     info.external_fa = static_cast<unsigned long>(mode) << 16U;

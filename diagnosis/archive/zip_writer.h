@@ -8,9 +8,9 @@
 
 namespace diagnosis {
 
-/// Makes the archive `target` of all files and folders below `folder`, in order of their names and without times:
-/// the same content gives the same bytes. Links and what is neither file nor folder are left out. Otherwise answers
-/// why not, naming the archive `shown`.
+/// Packs all files and folders below `folder` into the archive `target`, sorted by name and without times, so that
+/// equal content gives equal bytes. Leaves out links and everything that is neither file nor folder. Returns the
+/// failure, if any; its message calls the archive `shown`.
 std::optional<Failure> PackZip(const std::string& folder, const std::string& target, const std::string& shown);
 
 } // namespace diagnosis

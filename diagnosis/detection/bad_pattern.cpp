@@ -6,7 +6,7 @@ namespace diagnosis {
 
 namespace {
 
-// As the library takes it: compiling goes by recursion, so that what is longer could outgrow the stack.
+// The same limit as in the library: patterns are compiled recursively, so that a longer one could overflow the stack.
 bool Compiles(const std::string& pattern)
 {
     static constexpr std::size_t LONGEST = 4096;

@@ -7,8 +7,8 @@
 
 namespace diagnosis {
 
-/// The message for a file name pattern that is no regular expression, which the library lets out of a detection as
-/// an exception without saying which one: names the "defDBTable" entry and the text of each such pattern.
+/// The message for file name patterns that are no regular expressions: names the "defDBTable" entry and the text of
+/// each. The exception with which the library ends the detection doesn't say which pattern it was.
 std::string BadPatternMessage(const Evidence::RuleSet& ruleSet, const std::string& reason);
 
 } // namespace diagnosis

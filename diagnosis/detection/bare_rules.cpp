@@ -11,7 +11,7 @@ namespace diagnosis {
 
 namespace {
 
-// A scene that no rule names, and roots inside the folder: nothing of this machine is read beside the rules.
+// A scene that no rule names, and roots inside the folder: only the rules are read, nothing else of this machine.
 std::string BundleText(const std::string& rules, const std::string& treeTag)
 {
     JsonWriter json;
@@ -36,7 +36,7 @@ DetectionReport ReadBareRules(const BundlePath& rules, const std::string& treeTa
     DetectionOptions options;
     options.withTrees = true;
     DetectionReport report = RunDetection({rules.given, scratch.Path()}, options);
-    report.warnings.clear(); // of a device that there is none of
+    report.warnings.clear(); // about missing data of a device; there is no device
     return report;
 }
 

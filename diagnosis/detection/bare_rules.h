@@ -7,9 +7,9 @@
 
 namespace diagnosis {
 
-/// The trees of a folder of rules under a tag, without a device: their shape and which events have rules of their
-/// own. Statuses and results mean nothing. The detection that finds the trees runs no rule and stays in a private
-/// folder that is removed at the end.
+/// Reads the trees of a folder of rules under a tag, without a device: their shape and which events have rules of their
+/// own. Statuses and results are meaningless. Runs a detection in which no rule applies, in a private folder that is
+/// removed at the end.
 DetectionReport ReadBareRules(const BundlePath& rules, const std::string& treeTag);
 
 } // namespace diagnosis

@@ -17,8 +17,8 @@ struct CodeRunner {
     std::chrono::milliseconds timeout = std::chrono::seconds(30);
 };
 
-/// Answers the code rules of a bundle: by the answer that was recorded for the rule's user-defined text, else by
-/// asking the program. A rule that neither answers counts as not present, with a warning.
+/// Answers the code rules of a bundle: with the recorded answer for the rule's user-defined text, otherwise by running
+/// the program. If there is neither, the fault counts as not present, with a warning.
 class CodeAnswers : public CodeRuleRunner {
 public:
     CodeAnswers(std::map<std::string, bool> recorded, CodeRunner runner);
@@ -27,7 +27,7 @@ public:
         std::vector<std::string> repairIds, const std::string& userDefinedInfo) override;
 
     const std::vector<Warning>& GetWarnings() const { return mWarnings; }
-    /// What the program answered, by the rule's text. Of two answers that differ the first stays, with a warning.
+    /// The answers of the program by the rule's text. If two answers differ, the first stays, with a warning.
     const std::map<std::string, bool>& GetAnswers() const { return mAnswers; }
 
 private:

@@ -44,7 +44,7 @@ struct FileCloser {
 
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-// A file and no pipe: a program that never reads its input can neither block us nor raise SIGPIPE.
+// A file instead of a pipe: a program that never reads its input can neither block us nor raise SIGPIPE.
 File FileWith(const std::string& input)
 {
     File file(std::tmpfile());
@@ -55,12 +55,12 @@ File FileWith(const std::string& input)
     return file;
 }
 
-/// Lets the end of a child be waited for with a limit, while it lives.
+/// As long as it exists, a child's end can be waited for with a time limit.
 class ChildSignal {
 public:
     ChildSignal() : mHeldBack({SIGCHLD})
     {
-        // Children of a process that ignores the signal leave no exit status behind.
+        // If a process ignores the signal, its children leave no exit status.
         mActions.Handle(SIGCHLD, SIG_DFL);
     }
 
@@ -83,7 +83,8 @@ private:
     SignalActions mActions;
 };
 
-/// What becomes a program: its file, its standard input, where a failure to start is told, and the signals that it is to get.
+/// What a child needs to become the program: its file, its standard input, the pipe for a failure to start, and the
+/// signals that it is to receive.
 struct Child {
     const char* path;
     int input;
@@ -91,12 +92,12 @@ struct Child {
     const SignalsHeldBack& signals;
 };
 
-// Between fork and exec: nothing here may take a lock or memory.
+// Runs between fork and exec, so it must neither lock nor allocate.
 [[noreturn]] void BecomeProgram(const Child& child)
 {
     setpgid(0, 0);
 #if defined(__linux__)
-    prctl(PR_SET_PDEATHSIG, SIGKILL); // outside our group no key stroke reaches it: it must not outlive us
+    prctl(PR_SET_PDEATHSIG, SIGKILL); // keys of the terminal don't reach its own group: it must not outlive us
 #endif
     signal(SIGPIPE, SIG_DFL);
     child.signals.LetIn();
@@ -109,7 +110,7 @@ struct Child {
     _exit(127);
 }
 
-// The process group of the program, which a signal that ends this process kills, or -1.
+// Returns the process group of the program, or -1. A signal that ends this process also kills the group.
 pid_t Start(const Child& start, Interruption& interruption)
 {
     const SignalsHeldBack heldBack;
@@ -118,7 +119,7 @@ pid_t Start(const Child& start, Interruption& interruption)
         BecomeProgram(start);
     }
     if (child > 0) {
-        setpgid(child, child); // by both, so that the group exists whoever comes first
+        setpgid(child, child); // called by both, so that the group exists whichever runs first
         interruption.Kill(child);
     }
     return child;
@@ -221,7 +222,7 @@ ProgramOutcome RunProgram(const std::string& path, const std::string& input, std
     int reason = 0;
     ssize_t length = 0;
     do {
-        length = read(report[0], &reason, sizeof reason); // ends with the exec, or with its failure
+        length = read(report[0], &reason, sizeof reason); // returns when the exec succeeds or fails
     } while (length < 0 && errno == EINTR);
     close(report[0]);
     const ProgramOutcome outcome = WaitFor(child, signal, timeout);

@@ -19,19 +19,19 @@ struct ProgramOutcome {
     std::string trouble;
 };
 
-/// Where a program lies, as an absolute path: a name without "/" is looked for in PATH, then here. Done once, before
-/// any bundle becomes the working directory: a bundle must not choose what is run.
+/// The absolute path of a program: a name without "/" is looked up in PATH, then in the working directory. Call it
+/// before a bundle becomes the working directory: a bundle must not choose what is run.
 std::string FindProgram(const std::string& name);
 
-/// Why the program at `path` can't be started; nothing if it is an executable file.
+/// The reason why the program at `path` can't be started; nothing if it is an executable file.
 std::optional<std::string> ProgramProblem(const std::string& path);
 
-/// Runs the program at `path`, without a shell and without arguments, with `input` on its standard input. What it
-/// prints goes to standard error. It runs in a process group of its own, which is killed when the time is over.
+/// Runs the program at `path` without a shell and without arguments, with `input` on its standard input; its output
+/// goes to standard error. It runs in a process group of its own, which is killed after `timeout`.
 ProgramOutcome RunProgram(const std::string& path, const std::string& input, std::chrono::milliseconds timeout);
 
-/// While a program runs, `place` has its process group, else 0: whoever ends this process can end the program, too.
-/// Null for nobody.
+/// From now on `place` has the process group of the running program, 0 if none runs, so that whoever ends this process
+/// can end the program, too. Null for no place.
 void NoteProgramGroup(std::atomic<pid_t>* place);
 
 } // namespace diagnosis

@@ -28,7 +28,7 @@ std::string FileTrouble(const Evidence::RuleSetFile& file)
     return file.path + place + ": " + (file.message.empty() ? "is no XML that can be read" : file.message);
 }
 
-// With the tag that was most likely meant; one that is there without a tree is not meant.
+// The message names the tag that was probably meant, but not if the tag exists and only has no tree.
 std::string NoTree(const std::string& treeFile, const Bundle& bundle)
 {
     std::set<std::string> tags;
@@ -54,7 +54,7 @@ void ShowPaths(const BundleSession& session, Evidence::Rule& rule)
     }
 }
 
-// Explanations name files as the bundle does, not where the run kept them.
+// Renames files in the explanation to their names in the bundle: the run kept them elsewhere.
 void ShowPaths(const BundleSession& session, Explanation& explanation)
 {
     for (ExplainedTree& tree : explanation.trees) {
@@ -68,7 +68,7 @@ void ShowPaths(const BundleSession& session, Explanation& explanation)
     }
 }
 
-// Messages may quote what the library or SQLite says of a file.
+// Renames files in messages, too, which may quote the library or SQLite.
 void ShowPaths(const BundleSession& session, DetectionReport& report)
 {
     for (Warning& warning : report.warnings) {
@@ -79,7 +79,7 @@ void ShowPaths(const BundleSession& session, DetectionReport& report)
     }
 }
 
-/// One detection with what listens to it.
+/// One detection with its observers.
 class Detection {
 public:
     Detection(const BundleSession& session, const DetectionOptions& options)
@@ -91,7 +91,7 @@ public:
         } else {
             mRecorder = std::make_shared<DetectionRecorder>(options.withTrees);
         }
-        // Without any source of answers the library hears so: a rule then ends with that reason.
+        // Without a source of answers the library gets no runner, so that code rules end with that reason.
         if (!session.GetBundle().codeAnswers.empty() || !options.codeRunner.path.empty()) {
             mAnswers = std::make_shared<CodeAnswers>(session.GetBundle().codeAnswers, options.codeRunner);
             mInfo->mCodeRuleRunner = mAnswers;
@@ -133,7 +133,7 @@ private:
     const BundleSession& mSession;
     std::shared_ptr<DetectInfo> mInfo;
     std::shared_ptr<DetectionRecorder> mRecorder;
-    /// The same when an explanation is asked for, otherwise null.
+    /// The recorder of the explanation; null if none is requested.
     std::shared_ptr<ExplanationRecorder> mExplanation;
     std::shared_ptr<CodeAnswers> mAnswers;
 };
@@ -154,7 +154,7 @@ std::optional<Failure> RuleSetFailure(const Evidence::RuleSet& ruleSet, const Bu
     for (const Evidence::RuleSetFile& file : ruleSet.files) {
         if (file.state != State::LOADED) {
             const std::string code = file.state == State::MISSING ? "rule_file_missing" : "rule_file_malformed";
-            // Both files may be at fault: the first gives the code, the message names both.
+            // If both files are faulty, the code is that of the first, and the message names both.
             failure = failure ? Failure{failure->code, failure->message + "; " + FileTrouble(file), failure->status}
                               : Failure{code, FileTrouble(file), ExitStatus::RULE_SET};
         } else if (file.type == Evidence::RuleSetFileType::TREES) {

@@ -15,7 +15,7 @@
 
 namespace diagnosis {
 
-/// What the command line says about every detection.
+/// Options of a detection.
 struct DetectionOptions {
     BundleOverrides overrides;
     CodeRunner codeRunner;
@@ -23,32 +23,31 @@ struct DetectionOptions {
     bool withExplanation = false;
 };
 
-/// Everything that one detection leaves behind; the renderers show it and nothing else.
+/// The complete output of one detection, from which all renderings are made.
 struct DetectionReport {
     std::string bundle;
-    /// Why the bundle could not be run; there are no results then.
+    /// Set if the bundle could not be run; there are no results then.
     std::optional<Failure> failure;
     std::vector<Warning> warnings;
     std::vector<std::shared_ptr<FaultTreeResult>> results;
-    /// The trees of the results, in the same order; empty unless asked for.
+    /// The trees of the results, in the same order; empty unless requested.
     std::vector<RecordedTree> trees;
-    /// What was diagnosed, and the moment in force as local time. Set once the bundle is entered.
+    /// The bundle that was diagnosed, and the time of the diagnosis as local time. Set once the bundle is entered.
     Bundle subject;
     std::string moment;
-    /// Null unless asked for.
+    /// Null unless requested.
     std::shared_ptr<const Explanation> explanation;
 
     bool IsFault() const;
 };
 
-/// Runs one detection for a bundle. Whatever goes wrong, exceptions included, is told in the report.
+/// Runs one detection for a bundle. Every failure, including an exception, is in the report.
 DetectionReport RunDetection(const BundlePath& bundle, const DetectionOptions& options);
 
-/// Whether the rule set that an engine tried to load can be used: a file is missing or malformed, or no tree stands
-/// under the tag.
+/// The failure if the loaded rule set can't be used: a file is missing or malformed, or the tag has no tree.
 std::optional<Failure> RuleSetFailure(const Evidence::RuleSet& ruleSet, const Bundle& bundle);
 
-/// The exception in flight as a failure; to be called in a catch block while the bundle is entered.
+/// The current exception as a failure. Call it in a catch block while the bundle is entered.
 std::optional<Failure> FailureInFlight(const Evidence::RuleSet& ruleSet = {});
 
 } // namespace diagnosis

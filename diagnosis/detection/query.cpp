@@ -10,7 +10,7 @@ namespace diagnosis {
 
 namespace {
 
-// A slip of the pen looks like a device on which nothing would run.
+// Without this warning a misspelt code would look like one whose rule doesn't apply to the device.
 void WarnOfUnknownCode(const std::vector<std::string>& codes, QueryReport& report)
 {
     if (std::find(codes.begin(), codes.end(), report.code) == codes.end()) {

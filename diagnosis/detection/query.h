@@ -9,20 +9,20 @@
 
 namespace diagnosis {
 
-/// What the rule set says of one detection code. Ids are empty where it says nothing.
+/// What the rule set says about one detection code. An id is empty if the rule set has none.
 struct QueryReport {
     std::string bundle;
     std::optional<Failure> failure;
     std::vector<Warning> warnings;
     std::string code;
-    /// Whether the code rule would run on this device.
+    /// True if the code rule would run on this device.
     bool wouldRun = false;
     std::string faultDescription;
     std::string suggestion;
     std::string repair;
 };
 
-/// Asks without a detection: no rule is run.
+/// Answers without a detection: runs no rule.
 QueryReport RunQuery(const BundlePath& bundle, const std::string& code, const BundleOverrides& overrides);
 
 } // namespace diagnosis

@@ -14,7 +14,7 @@ constexpr char HEAD[] =
     "  node [fontname=\"Helvetica,Arial,sans-serif\", fontsize=11, color=\"#5c6270\", fillcolor=white, style=filled];\n"
     "  edge [color=\"#5c6270\", dir=none];\n";
 
-// Graphviz reads entities and backslashes inside quoted texts.
+// Escapes entities and backslashes, which Graphviz interprets inside quoted texts.
 std::string Quoted(const std::vector<std::string>& lines)
 {
     std::string quoted = "\"";
@@ -41,7 +41,7 @@ const char* Shape(const Evidence::FoldedEvent& event)
     return event.observable ? "box, peripheries=2" : "box";
 }
 
-// Told by words and line styles too, not by colour alone.
+// Words and line styles show the status, too, not colour alone.
 std::string Colours(Evidence::EventState status)
 {
     if (Evidence::IsInError(status)) {
@@ -56,7 +56,7 @@ std::string Bold(bool isBold)
     return isBold ? ", penwidth=3" : "";
 }
 
-/// Writes one tree; node names count trees and places, since ids may be equal or empty.
+/// Writes one tree. Node names are made of the numbers of tree and place, as ids may be equal or empty.
 class TreeWriter {
 public:
     TreeWriter(const DrawnTree& tree, std::size_t number) : mTree(tree), mPrefix("t" + std::to_string(number)) {}

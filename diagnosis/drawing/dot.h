@@ -8,10 +8,10 @@
 
 namespace diagnosis {
 
-/// The trees in the language of Graphviz: one directed graph with a cluster for each tree.
+/// The trees in the DOT language of Graphviz: one directed graph with a cluster for each tree.
 ///
 /// Boxes are intermediate events (a double border: decided by rules of its own), ellipses basic events, diamonds
-/// undeveloped ones; a house is an AND gate, a hexagon an OR gate. Ids may hold anything.
+/// undeveloped ones; a house is an AND gate, a hexagon an OR gate. Ids may contain any character.
 std::string Dot(const std::vector<DrawnTree>& trees);
 
 } // namespace diagnosis

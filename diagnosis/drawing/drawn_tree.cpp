@@ -11,7 +11,7 @@ namespace diagnosis {
 
 namespace {
 
-// A hash of each place's path. Written-out paths of a deep tree would grow with the square of its depth.
+// A hash of the path of each place. The texts of all paths would grow with the square of the depth of the tree.
 std::vector<RunningHash> PathHashes(const DrawnTree& tree)
 {
     std::vector<RunningHash> hashes;

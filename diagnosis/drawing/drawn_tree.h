@@ -9,34 +9,34 @@
 
 namespace diagnosis {
 
-/// One place of a tree with its neighbours. Equal ids in several places are several of these.
+/// One place of a tree. An event that occurs in several places has one DrawnEvent for each.
 struct DrawnEvent {
     /// Lives as long as the recorded tree.
     const Evidence::FoldedEvent* event;
     /// The top event is its own parent.
     std::size_t parent;
     std::vector<std::size_t> children = {};
-    /// Stands in a cut set that explains the fault.
+    /// Is a member of a cut set that explains the fault.
     bool isInCutSet = false;
-    /// The same, and the root cause is named after it.
+    /// Is the member that gives the root cause its name.
     bool isRootCause = false;
-    /// Stands in a cut set, or above an event that does.
+    /// Is a member of such a cut set, or above one.
     bool isOnCausePath = false;
 };
 
-/// One tree as all drawings start from it: the events in pre-order, the top event first.
+/// The input of all drawings of one tree: its events in pre-order, the top event first.
 struct DrawnTree {
     /// Lives as long as the report.
     const RecordedTree* tree;
-    /// False for the bare shape, of which no status may be shown.
+    /// False if only the shape is known, so that no status may be shown.
     bool hasStatuses;
     std::vector<DrawnEvent> events;
 };
 
-/// The trees of a report that was made with them; those with the id `treeId` alone when it is not empty.
+/// The trees of a report that was made with trees; if `treeId` is not empty, only those with this id.
 std::vector<DrawnTree> DrawTrees(const DetectionReport& report, bool hasStatuses, const std::string& treeId);
 
-/// The places that a member of a cut set names: more than one where siblings share an id.
+/// The places that the members of a cut set name: more than one for a member if siblings share an id.
 std::vector<std::size_t> PlacesOf(const DrawnTree& tree, const std::vector<std::string>& members);
 
 } // namespace diagnosis

@@ -8,19 +8,19 @@
 
 namespace diagnosis {
 
-/// What stands in the box of an event, as printable lines: the id, the name, and after a run the status.
+/// The text in the box of an event, as printable lines: the id, the name, and after a run the status.
 std::vector<std::string> EventLabel(const DrawnTree& tree, std::size_t place);
 
-/// The status and what the event has to do with root causes: "TRUE, ROOT CAUSE".
+/// The status and the role of the event in root causes: "TRUE, ROOT CAUSE".
 std::string StatusWords(const DrawnTree& tree, std::size_t place);
 
-/// "true", "false" or "unknown" after a run, otherwise nothing: the style of the event on a page.
+/// The CSS class of the event's status: "true", "false" or "unknown" after a run, otherwise nothing.
 const char* StatusClass(const DrawnTree& tree, std::size_t place);
 
 /// "basic", "undeveloped", or an intermediate event with its gate: "OR gate".
 std::string KindWords(const Evidence::FoldedEvent& event);
 
-/// The id for people: an absent one still needs something to see.
+/// The id for people, with a replacement for an empty one.
 std::string ShownId(const std::string& id);
 
 } // namespace diagnosis

@@ -21,7 +21,7 @@ struct FileCloser {
 
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-// Files and no pipes: neither side ever waits for the other.
+// Files instead of pipes, so that neither process waits for the other.
 bool Fill(std::FILE* file, const std::string& text)
 {
     return std::fwrite(text.data(), 1, text.size(), file) == text.size() && std::fflush(file) == 0
@@ -44,7 +44,7 @@ Failure Trouble(const std::string& reason)
     return {"graphviz", "Graphviz's program dot could not draw the graph: " + reason, ExitStatus::INTERNAL};
 }
 
-// Answers the error number of the attempt to start it.
+// Returns 0, or the error number if the program could not be started.
 int Start(std::FILE* input, std::FILE* output, pid_t& child)
 {
     char name[] = "dot";

@@ -8,8 +8,8 @@
 
 namespace diagnosis {
 
-/// Has Graphviz's own program `dot`, found in PATH, draw `graph` as SVG. Otherwise answers why not: it is not
-/// installed ("no_graphviz", wrong use) or has failed ("graphviz"); what it says itself goes to standard error.
+/// Draws `graph` as SVG with Graphviz's program `dot` from PATH. Returns the failure if it is not installed
+/// ("no_graphviz", wrong use) or has failed ("graphviz"); its own messages go to standard error.
 std::optional<Failure> DrawWithGraphviz(const std::string& graph, std::string& svg);
 
 } // namespace diagnosis

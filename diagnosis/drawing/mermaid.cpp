@@ -14,7 +14,7 @@ constexpr char STYLES[] = "  classDef fault fill:#fde3df,stroke:#a5170c,color:#1
                           "  classDef unknown fill:#fff3cd,stroke:#7a5b00,color:#1b1d22,stroke-dasharray:5 3\n"
                           "  classDef path stroke-width:4px\n";
 
-// Any sign that could mean something to Mermaid or to the HTML it makes goes as its number.
+// Writes every character that is special in Mermaid, or in the HTML that it generates, as its number.
 std::string Quoted(const std::vector<std::string>& lines)
 {
     static constexpr char PLAIN[] = " ,.:_-()/";

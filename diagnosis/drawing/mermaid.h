@@ -8,8 +8,8 @@
 
 namespace diagnosis {
 
-/// The trees as a Mermaid flow chart, which many readers of Markdown draw. Shapes and statuses as Dot has them, with
-/// a trapezium for an AND gate.
+/// The trees as a Mermaid flow chart, which many readers of Markdown draw. Shapes and statuses are those of Dot, except
+/// that an AND gate is a trapezium.
 std::string Mermaid(const std::vector<DrawnTree>& trees);
 
 } // namespace diagnosis

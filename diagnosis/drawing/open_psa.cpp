@@ -32,10 +32,10 @@ std::string AttributeText(const std::string& indent, const std::string& name, co
         + indent + "</attributes>\n";
 }
 
-/// Gives each gate and tree a name of its own: the first of an id has it plain, others with "-2", "-3" behind it.
+/// Gives each gate and tree a unique name: its id, with "-2", "-3" and so on from the second of the same id.
 class NameBook {
 public:
-    /// Basic events have their names for all their places, so they come first.
+    /// Basic events are named first, as one name serves for all places of an id.
     std::string BasicName(const std::string& id)
     {
         mCounts.emplace(id, 1);
@@ -83,7 +83,7 @@ private:
         }
     }
 
-    // An id may stand for a developed and an undeveloped event; it is developed then.
+    // If an id belongs to both a developed and an undeveloped event, it counts as developed.
     void Note(const Evidence::FoldedEvent& event)
     {
         const bool isUndeveloped = event.type == Evidence::EventType::UNDEVELOPED;
@@ -116,7 +116,7 @@ private:
             + "    </define-gate>\n";
     }
 
-    // The format wants two arguments or more under "or" and "and", and none of them twice.
+    // The format requires at least two different arguments of "or" and "and".
     static std::string FormulaText(const DrawnTree& tree, std::size_t place, const std::vector<std::string>& names)
     {
         std::string arguments;

@@ -8,14 +8,14 @@
 
 namespace diagnosis {
 
-/// The trees in the Open-PSA Model Exchange Format, for the tools that work out probabilities and importance.
+/// The trees in the Open-PSA Model Exchange Format, for tools that compute probabilities and importance.
 ///
 /// Each intermediate event is a gate of its own, equal ids included; all basic events of one id are one basic event.
-/// Names are the ids where these are letters, digits and "_"; see EscapedName for the rest. Statuses are left out.
+/// Names are the ids if these consist of letters, digits and "_"; see EscapedName for others. Leaves out statuses.
 std::string OpenPsa(const std::vector<DrawnTree>& trees);
 
-/// An id as a name that the format allows; different ids have different names. A byte that no name may hold (and "_"
-/// before "x", and a digit in front) stands as "_x" with its two hexadecimal digits; the empty id is "_x_".
+/// Converts an id to a name that the format allows; different ids have different names. A byte that is not allowed (or
+/// "_" before "x", or a digit at the front) becomes "_x" and its two hexadecimal digits; the empty id becomes "_x_".
 std::string EscapedName(const std::string& id);
 
 } // namespace diagnosis

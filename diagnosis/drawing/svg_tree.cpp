@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t MOST_PLACES = 200;
 constexpr std::size_t MOST_DEPTH = 9;
 
-// In pixels; all even, so that halves are whole.
+// In pixels; all even, so that halves are whole numbers.
 constexpr int MARGIN = 4;
 constexpr int BOX_WIDTH = 200;
 constexpr int LINE_HEIGHT = 16;
@@ -60,7 +60,7 @@ public:
         std::string text = "<svg class=\"picture\" role=\"img\" aria-label=\"" + Markup(Description()) + "\" width=\""
             + Number(width) + "\" height=\"" + Number(height) + "\" viewBox=\"0 0 " + Number(width) + " "
             + Number(height) + "\">\n";
-        for (const bool isBold : {false, true}) { // the ways of the root causes lie on top
+        for (const bool isBold : {false, true}) { // draws the paths of root causes on top
             for (std::size_t place = 0; place < mTree.events.size(); ++place) {
                 text += LinesBelow(place, isBold);
             }
@@ -78,8 +78,8 @@ private:
     int GateLeft(std::size_t place) const { return Left(place) + BOX_WIDTH + GATE_GAP; }
     bool IsBold(std::size_t place) const { return mTree.hasStatuses && mTree.events[place].isOnCausePath; }
 
-    // A leaf takes the next row; an event above others stands in the middle of them. Children come after their
-    // parents, so the second pass goes backwards.
+    // Puts each leaf in the next row, and every other event in the middle of its children. As children follow their
+    // parents, the second pass goes backwards.
     void Place()
     {
         mMiddles.resize(mTree.events.size());

@@ -7,9 +7,9 @@
 
 namespace diagnosis {
 
-/// The tree as an SVG element for an HTML page that has the report's style, the top event on the left. Gates and
-/// leaves have the field's symbols: a D for AND, a shield for OR, a circle for a basic event, a diamond for an undeveloped one.
-/// Empty for a tree that is too large to be read as a picture.
+/// The tree as an SVG element for an HTML page with the report's style sheet, the top event on the left. Gates and
+/// leaves have the usual fault tree symbols: a D for AND, a shield for OR, a circle for a basic event, a diamond for an
+/// undeveloped one. Empty for a tree that is too large for a picture.
 std::string SvgTree(const DrawnTree& tree);
 
 } // namespace diagnosis

@@ -41,7 +41,7 @@ bool ReadExtra(const std::string& line, const Json::Value& value, std::optional<
     std::string& problem)
 {
     if (value.isObject()) {
-        // The piece of the line itself: order of members, spaces and forms of numbers stay as written.
+        // Takes the text from the line itself, which keeps the order of members, spaces and the spelling of numbers.
         const auto start = static_cast<std::size_t>(value.getOffsetStart());
         extra = line.substr(start, static_cast<std::size_t>(value.getOffsetLimit()) - start);
     } else if (value.isString()) {

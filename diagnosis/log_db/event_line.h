@@ -7,19 +7,19 @@
 
 namespace diagnosis {
 
-/// One logged event, as a line of JSON and as a row of the event log know it. An absent text is NULL in the log.
+/// One logged event, read from a line of JSON or a row of the event log. An absent text is NULL in the log.
 struct LoggedEvent {
     /// Seconds since the epoch.
     std::int64_t time = 0;
     std::int32_t event = 0;
     std::optional<std::string> version = "";
-    /// JSON text by custom; any text is possible.
+    /// Usually JSON, but any text is possible.
     std::optional<std::string> extra = "";
 };
 
 /// Reads {"time": ..., "event": ..., "version": ..., "extra": ...}: "time" is local time "YYYY-MM-DD HH:MM:SS" or
 /// seconds, "extra" an object, which is kept as it is written, or any text. "version" and "extra" may be missing
-/// (empty) or null. Otherwise nothing, and `problem` tells why.
+/// (empty) or null. On failure returns nothing and sets `problem`.
 std::optional<LoggedEvent> ParseEventLine(const std::string& line, std::string& problem);
 
 } // namespace diagnosis

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The layout of the monitoring service. The library finds events by their number and joins on the keys.
+// The tables of the monitoring service. The library finds events by their number and joins on the keys.
 constexpr char CREATE_TABLES[] =
     "CREATE TABLE event_info (_ID INTEGER PRIMARY KEY, event_id INTEGER, extra TEXT, version_id INTEGER);"
     "CREATE TABLE event_info_flow (_ID INTEGER PRIMARY KEY, event_pid INTEGER, occurrence_time INTEGER);"
@@ -43,7 +43,7 @@ std::string NumberOrText(const Statement& row, int column)
     return row.IsInteger(column) ? std::to_string(row.Integer(column)) : TextOrNull(row, column);
 }
 
-// Local time, unless it doesn't lead back to the same second (the hour that comes twice in autumn).
+// Local time, unless it can't be converted back to the same second (the hour that occurs twice in autumn).
 std::string TimeValue(const Statement& row, bool asSeconds)
 {
     if (!asSeconds && row.IsInteger(0)) {
@@ -100,7 +100,7 @@ std::optional<Failure> EventLogWriter::Open(const std::string& path)
     if (const auto problem = mFile.Make(path)) {
         return Fail(*problem);
     }
-    // Nobody sees the file before it is whole, so that it needs no journal.
+    // Nobody sees the file before it is complete, so it needs no journal.
     if (!mDatabase.Open(mFile.TemporaryPath(), Connection::Mode::CREATE) || !mDatabase.Execute("PRAGMA journal_mode = OFF")) {
         return Fail(mDatabase.GetError());
     }

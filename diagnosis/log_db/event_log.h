@@ -14,16 +14,16 @@
 
 namespace diagnosis {
 
-/// What waits beside the database at `path`, so that another must not take its place: SQLite would mix them. Nothing
-/// when it is free.
+/// The journal file beside the database at `path`, if there is one: then no other database may replace it, as SQLite
+/// would apply the journal to that.
 std::optional<std::string> CompanionOf(const std::string& path);
 
-/// Writes an event log in the monitoring service's layout, in one transaction, to a temporary file beside its place.
-/// Only Finish puts it there: what is not finished leaves no trace, and an old log stays as it was.
+/// Writes an event log with the tables of the monitoring service, in one transaction, to a temporary file beside its
+/// target. Only Finish moves it to the target: without it nothing remains, and an existing log is unchanged.
 class EventLogWriter {
 public:
     std::optional<Failure> Open(const std::string& path);
-    /// Rows get the key 1, 2, ... in all tables that the readers join.
+    /// Gives the rows the keys 1, 2, ... in all tables that readers join.
     std::optional<Failure> Add(const LoggedEvent& event);
     std::optional<Failure> Finish();
 
@@ -42,17 +42,17 @@ private:
     std::int64_t mRows = 0;
 };
 
-/// One row of an event log that is shown; a log of a stranger can hold anything in any column.
+/// One row of an event log to be shown. A foreign log can have any value in any column.
 struct ShownEvent {
-    /// A JSON value each: of "time", "event", "version" and "extra".
+    /// The JSON values of "time", "event", "version" and "extra".
     std::string time;
     std::string event;
     std::string version;
     std::string extra;
 };
 
-/// Hands every logged event of the log at `path` to `show`, in order of their keys; `asSeconds` shows times as
-/// numbers. A text of "extra" that is a JSON object is shown as that object, letter by letter.
+/// Calls `show` for every event of the log at `path`, in the order of their keys; `asSeconds` gives times as numbers.
+/// If "extra" is a JSON object, its text is copied unchanged.
 std::optional<Failure> ShowEventLog(const std::string& path, bool asSeconds,
     const std::function<void(const ShownEvent&)>& show);
 

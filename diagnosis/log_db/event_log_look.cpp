@@ -16,13 +16,13 @@ constexpr char COUNT_ROWS[] =
 constexpr char COUNT_BAD_EXTRA[] =
     "SELECT total(CASE WHEN json_valid(extra) THEN json_type(extra) <> 'object' ELSE 1 END) FROM event_info"
     " WHERE extra <> ''";
-// As a rule a row of times has its parent's key; only then is the dear join spared.
+// Usually a row of times has the key of its parent; only then the expensive join can be left out.
 constexpr char COUNT_ADOPTED[] = "SELECT count(*) FROM event_info_flow WHERE event_pid IS NOT _ID";
 constexpr char COUNT_CHILDLESS[] =
     "SELECT count(*) FROM event_info AS info LEFT JOIN event_info_flow AS flow ON flow.event_pid = info._ID"
     " WHERE flow.event_pid IS NULL";
 
-// The one number that a query answers; nothing when it fails.
+// The single number that a query returns; nothing if it fails.
 std::optional<std::int64_t> Number(Connection& database, const char* query)
 {
     auto rows = database.Prepare(query);

@@ -6,24 +6,23 @@
 
 namespace diagnosis {
 
-/// What an event log holds that the engine passes over in silence.
+/// Counts of the rows of an event log that the engine skips without a log line.
 struct EventLogLook {
-    /// Why the log can't be read; empty when it can.
+    /// The reason why the log can't be read; empty if it can.
     std::string problem;
-    /// Rows of events; those without a row of times under the same key, those without a row of versions, those whose
-    /// version is not empty, and those whose "extra" is neither empty nor a JSON object.
+    /// Numbers of rows of events: all; without a row of times under the same key; without a row of versions; with a
+    /// version that is not empty; with an "extra" that is neither empty nor a JSON object.
     std::int64_t rows = 0;
     std::int64_t withoutTime = 0;
     std::int64_t withoutVersion = 0;
     std::int64_t ofAVersion = 0;
     std::int64_t badExtra = 0;
-    /// Rows that no row of times names as its parent: derived tables pair the two that way.
+    /// Rows that no row of times names as its parent, by which derived tables join the two.
     std::int64_t withoutParent = 0;
 };
 
-/// Reads the log at `path` without writing. A log that would keep it busy for long is given up as if it had nothing to
-/// tell. Large logs have their "extra" read as JSON only where it doesn't even look like an object, or with
-/// `readsExtra`.
+/// Reads the log at `path` without writing. A log that would take too long is treated as one without findings. For
+/// large logs "extra" is parsed as JSON only if it doesn't look like an object, or with `readsExtra`.
 EventLogLook LookAtEventLog(const std::string& path, bool readsExtra);
 
 } // namespace diagnosis

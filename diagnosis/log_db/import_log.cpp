@@ -59,7 +59,7 @@ std::vector<Failure> ImportEventLog(const std::string& file, const std::string& 
     if (!isStandardInput && IsOneFile(file, target)) {
         return {{"log_not_written", target + ": is the file that is read"}};
     }
-    // A folder that can't be made is reported with the file that can't be written.
+    // No check here: if the folder can't be created, writing the file fails and reports it.
     std::filesystem::create_directories(std::filesystem::path(target).parent_path(), error);
     EventLogWriter writer;
     if (const auto failure = writer.Open(target)) {

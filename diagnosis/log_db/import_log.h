@@ -8,8 +8,8 @@
 
 namespace diagnosis {
 
-/// Makes the event log `target` out of the JSON Lines of `file` ("-" for standard input); lines of nothing but
-/// blanks are passed over. Answers every line that can't be used (the first twenty); `target` is as before then.
+/// Creates the event log `target` from the JSON Lines of `file` ("-" for standard input), skipping blank lines. Returns
+/// a failure for each line that can't be used (the first twenty); `target` is unchanged then.
 std::vector<Failure> ImportEventLog(const std::string& file, const std::string& target);
 
 } // namespace diagnosis

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t MOST_KEYS = 5;
 
-// Alarm rules pair events and moments by their keys, derived tables by event_pid: both are looked at.
+// Alarm rules join events and times by their keys, derived tables by event_pid: this checks both.
 constexpr char SELECT_ROWS[] =
     "SELECT info._ID, info.event_id, typeof(info.event_id), info.extra, version._ID IS NULL, version.VERSION_NAME,"
     " flow._ID IS NULL, flow.occurrence_time, typeof(flow.occurrence_time), named.pid IS NULL, named.first, named.last,"
@@ -43,7 +43,7 @@ const UnseenRows KINDS[REASONS] = {
     {"extra_no_object", "extra is no JSON object", "tests of parameters", 0, {}},
 };
 
-// As the library reads it, which takes more than strict JSON.
+// Reads "extra" like the library, which accepts more than strict JSON.
 class ExtraReader {
 public:
     bool IsObject(const std::string& text)

@@ -10,7 +10,7 @@
 
 namespace diagnosis {
 
-/// The moments between which something was logged, seconds since the epoch.
+/// Times of the first and the last logged event, in seconds since the epoch.
 struct LoggedSpan {
     std::optional<std::int64_t> first;
     std::optional<std::int64_t> last;
@@ -29,15 +29,15 @@ struct LoggedVersion {
     std::uint64_t rows = 0;
 };
 
-/// Rows that one of the library's readers does not see, or not as they are meant.
+/// Rows that one of the library's readers doesn't see or reads differently than they were meant.
 struct UnseenRows {
-    /// A word of docs/command.md, and the same for people.
+    /// A reason code of docs/command.md, and its description for people.
     const char* reason;
     const char* text;
-    /// Who doesn't see them.
+    /// The reader that doesn't see them.
     const char* reader;
     std::uint64_t rows = 0;
-    /// Keys in event_info of the first of them.
+    /// Keys in event_info of the first of these rows.
     std::vector<std::string> keys;
 };
 
@@ -49,11 +49,11 @@ struct LogInspection {
     std::vector<LoggedId> ids;
     /// In order of the names.
     std::vector<LoggedVersion> versions;
-    /// Reasons that have rows, alone.
+    /// Only reasons with rows.
     std::vector<UnseenRows> unseen;
 };
 
-/// Reads the whole log at `path`. Otherwise answers why not: no file, no database, a table or column is missing.
+/// Reads the whole log at `path`. Returns the failure, if any: no file, no database, or a missing table or column.
 std::optional<Failure> InspectEventLog(const std::string& path, LogInspection& inspection);
 
 } // namespace diagnosis

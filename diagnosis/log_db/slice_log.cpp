@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::int64_t SECONDS_OF_A_DAY = 86400;
 
-// Events and moments are paired in two ways, by their keys and by event_pid: either holds them.
+// Events and times are joined in two ways, by their keys and by event_pid; either one keeps an event.
 constexpr char DELETE_EVENTS_WITHOUT_MOMENT[] =
     "DELETE FROM event_info WHERE _ID NOT IN (SELECT _ID FROM event_info_flow WHERE _ID IS NOT NULL)"
     " AND _ID NOT IN (SELECT event_pid FROM event_info_flow WHERE event_pid IS NOT NULL)";
@@ -36,7 +36,7 @@ std::optional<std::int64_t> LatestTime(Connection& database)
     return row && row->Step() && row->IsInteger(0) ? std::optional(row->Integer(0)) : std::nullopt;
 }
 
-// Text, since a log of a stranger may hold a text that sorts above all numbers.
+// Compares numbers only: a foreign log may have a text as its time, and texts sort above all numbers.
 std::string TimeIs(const char* relation, std::int64_t time)
 {
     return "(typeof(occurrence_time) IN ('integer', 'real') AND occurrence_time " + std::string(relation) + " "
@@ -55,7 +55,7 @@ std::string DeleteOutside(const LogSlice& slice, std::optional<std::int64_t> lat
     if (slice.until) {
         add(TimeIs(">", *slice.until));
     }
-    // A log of a stranger can tell of any time.
+    // A foreign log can have any time, so that the subtraction could overflow.
     const std::int64_t reach = slice.lastDays.value_or(0) * SECONDS_OF_A_DAY;
     if (slice.lastDays && latest && *latest >= std::numeric_limits<std::int64_t>::min() + reach) {
         add(TimeIs("<", *latest - reach));
@@ -80,7 +80,7 @@ std::optional<Failure> CopyInto(const std::string& source, const std::string& ta
     if (auto failure = file.Open(source, "bad_log")) {
         return failure;
     }
-    // The whole of one moment, also while a service writes.
+    // Copies a consistent state even while a service writes.
     auto copy = file.Get().Prepare("VACUUM INTO ?1");
     if (copy) {
         copy->Bind(1, target);

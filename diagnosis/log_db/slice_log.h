@@ -11,7 +11,7 @@
 
 namespace diagnosis {
 
-/// Which part of an event log is meant; what is not set does not limit it.
+/// The part of an event log to keep; a member that is not set doesn't limit it.
 struct LogSlice {
     /// Seconds since the epoch, both inclusive.
     std::optional<std::int64_t> from;
@@ -22,12 +22,12 @@ struct LogSlice {
     std::vector<std::pair<std::int64_t, std::int64_t>> ids;
 };
 
-/// Reads "931001001,932000000-932999999".
+/// Parses "931001001,932000000-932999999".
 std::optional<std::vector<std::pair<std::int64_t, std::int64_t>>> ParseIdRanges(const std::string& text);
 
-/// Makes a log of a part of the log `source` at `target`, replacing an old one. Keys, versions, indexes and tables of
-/// others stay, so that the rows in it are found as before. An event stays with each moment in the slice; a moment that
-/// is no number stays.
+/// Copies a part of the log `source` to `target`, replacing an existing log. Keeps keys, versions, indexes and foreign
+/// tables, so that rows are found as before. Keeps an event if one of its times is in the slice, and every time that is
+/// no number.
 std::optional<Failure> SliceEventLog(const std::string& source, const std::string& target, const LogSlice& slice);
 
 } // namespace diagnosis

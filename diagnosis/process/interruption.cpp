@@ -13,10 +13,10 @@ namespace diagnosis {
 
 namespace {
 
-// A capture of a log that has to be copied takes four.
+// A capture that has to copy the log uses four.
 constexpr int SLOTS = 8;
 
-/// What the signal handler tidies up, written while the signals are held back. Without a group it is the folder.
+/// What the signal handler cleans up: a process group, or without one a folder. Written while the signals are blocked.
 struct Slot {
     pid_t owner; ///< 0 while it is free
     pid_t group;
@@ -28,7 +28,7 @@ int usedSlots = 0;
 
 void TidyUpAndEnd(int number)
 {
-    // Programs first: they may write into a folder.
+    // Programs first, as they may write into a folder.
     for (const bool isGroup : {true, false}) {
         for (const Slot& slot : slots) {
             if (slot.owner != getpid() || (slot.group != 0) != isGroup) {
@@ -37,7 +37,7 @@ void TidyUpAndEnd(int number)
             isGroup ? static_cast<void>(kill(-slot.group, SIGKILL)) : RemoveTree(slot.folder);
         }
     }
-    // The handler is reset and not blocked: the process ends here.
+    // The handler is reset and the signal not blocked, so the process ends here.
     raise(number);
 }
 

@@ -7,9 +7,9 @@
 
 namespace diagnosis {
 
-/// Something that ENDING_SIGNALS tidy up before they end the process as they would have without
-/// it: a folder with all that is in it, or a group of processes. A signal that was ignored, or that somebody else
-/// handles, is left alone. A process that is forked tidies up nothing of its parent's. For one thread.
+/// A folder with its content, or a group of processes, that is cleaned up when one of ENDING_SIGNALS ends the process.
+/// The process still ends by that signal. Signals that were ignored or have another handler are left alone. A forked
+/// process cleans up nothing of its parent. Not thread-safe.
 class Interruption {
 public:
     Interruption() = default;
@@ -17,7 +17,7 @@ public:
     Interruption(const Interruption&) = delete;
     Interruption& operator=(const Interruption&) = delete;
 
-    /// Of more than eight at a time, the latest are left as they are.
+    /// At most eight objects can be active; further ones are not cleaned up.
     void Remove(const std::string& folder);
     void Kill(pid_t group);
     void Forget();

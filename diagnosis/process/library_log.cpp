@@ -11,7 +11,7 @@ namespace diagnosis {
 
 namespace {
 
-// The tags of the library's own logger, so that a log reads the same wherever it was taken.
+// The same tags as in the library's own logger, so that all logs look alike.
 constexpr const char* LEVEL_TAGS[] = {"[TRACE] ", "[DEBUG] ", "[INFO] ", "[WARN] ", "[ERROR] ", "[FATAL] "};
 
 const PathNames* pathNames = nullptr;

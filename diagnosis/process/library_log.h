@@ -8,25 +8,24 @@ namespace diagnosis {
 
 class PathNames;
 
-/// Takes lines of the library's log as texts.
+/// Receives the lines of the library's log.
 class LogSink {
 public:
     virtual ~LogSink() = default;
 
-    /// Whether lines of this FT::LogLevel are worth making up.
+    /// True if lines of this FT::LogLevel should be formatted at all.
     virtual bool IsWanted(unsigned int level) const = 0;
-    /// `line` is "[[LEVEL] ]:" and the message with a line end, as the library's own logger prints it; paths in it are
-    /// named as PathsShown says.
+    /// `line` is "[[LEVEL] ]:", the message and a line end, like the output of the library's own logger; PathsShown
+    /// decides how paths in it are named.
     virtual void OnLine(unsigned int level, const std::string& line) = 0;
 };
 
-/// Sends the library's log to `sink`, until it is given back or sent elsewhere. The command never gives it back.
+/// Sends the library's log to `sink` until the next call, or until GiveLibraryLogBack. The command never gives it back.
 void SendLibraryLogTo(std::unique_ptr<LogSink> sink);
-/// Gives the log back to the library's own logger, which prints all lines to standard output. For hosts that outlive
-/// their sink.
+/// Restores the library's own logger, which prints all lines to standard output. For hosts that outlive their sink.
 void GiveLibraryLogBack();
 
-/// Lets the log name paths in another way while it lives. One at a time.
+/// As long as it exists, renames paths in the log. One at a time.
 class PathsShown {
 public:
     PathsShown() = default;

@@ -8,11 +8,11 @@
 
 namespace diagnosis {
 
-// What belongs to the whole process is taken and given back in this room and nowhere else: working directory, time zone
-// and settings here, signals in signals.h, the library's log in library_log.h. A host that runs threads of its own must
-// keep them from all of these while a bundle is diagnosed.
+// This folder alone changes and restores process-wide state: working directory, time zone and settings in this header,
+// signals in signals.h, the library's log in library_log.h. While a bundle is diagnosed, other threads of the host must
+// not use any of these.
 
-/// Puts a time zone in force for the whole process while it lives. The empty text leaves the zone alone.
+/// Sets the time zone of the process as long as it exists. An empty text leaves the zone unchanged.
 class TimeZoneGuard {
 public:
     explicit TimeZoneGuard(const std::string& zone);
@@ -25,7 +25,7 @@ private:
     std::optional<std::string> mBefore;
 };
 
-/// Makes a folder the working directory and gives the old one back at the end.
+/// Changes the working directory and restores it at the end.
 class WorkingDirectory {
 public:
     WorkingDirectory() = default;
@@ -33,14 +33,14 @@ public:
     WorkingDirectory(const WorkingDirectory&) = delete;
     WorkingDirectory& operator=(const WorkingDirectory&) = delete;
 
-    /// Call it once. Otherwise answers why the folder can't be entered.
+    /// Call it once. Returns the error if the folder can't be entered.
     std::error_code Enter(const std::string& folder);
 
 private:
     std::string mBefore;
 };
 
-/// The settings of the library while it lives: only those that Set was given. All are empty at the end.
+/// Sets the library's settings as long as it exists: only those given to Set have a value. At the end all are empty.
 class SettingsInForce {
 public:
     SettingsInForce() = default;
@@ -48,11 +48,11 @@ public:
     SettingsInForce(const SettingsInForce&) = delete;
     SettingsInForce& operator=(const SettingsInForce&) = delete;
 
-    /// Replaces all settings by these, named as in Settings.
+    /// Replaces all settings by these; the keys are those of Settings.
     void Set(const std::map<std::string, std::string>& settings);
 };
 
-/// Makes `folder` the one for temporary files of this process, and of the programs that it runs, until it ends.
+/// Sets `folder` as the directory for temporary files of this process and the programs that it runs, until it ends.
 void KeepTemporaryFilesIn(const std::string& folder);
 
 } // namespace diagnosis

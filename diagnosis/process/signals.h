@@ -9,7 +9,7 @@
 
 namespace diagnosis {
 
-/// The signals by which a person, a system that shuts down, or a reader of results who left end a process.
+/// The signals by which a user, a system shutdown or a closed output pipe end a process.
 inline constexpr std::initializer_list<int> ENDING_SIGNALS = {SIGHUP, SIGINT, SIGPIPE, SIGTERM};
 
 using SignalHandler = void (*)(int);
@@ -17,7 +17,7 @@ using SignalHandler = void (*)(int);
 /// How a signal is handled now.
 SignalHandler CurrentHandler(int signal);
 
-/// Handles signals in another way while it lives, and gives them their old handlers back at the end.
+/// Replaces handlers of signals as long as it exists and restores the old ones at the end.
 class SignalActions {
 public:
     SignalActions() = default;
@@ -32,7 +32,7 @@ private:
     std::vector<std::pair<int, struct sigaction>> mBefore;
 };
 
-/// Holds signals back while it lives: they come in when it ends.
+/// Blocks signals as long as it exists; pending ones are delivered when it ends.
 class SignalsHeldBack {
 public:
     explicit SignalsHeldBack(std::initializer_list<int> signals = ENDING_SIGNALS);
@@ -40,9 +40,9 @@ public:
     SignalsHeldBack(const SignalsHeldBack&) = delete;
     SignalsHeldBack& operator=(const SignalsHeldBack&) = delete;
 
-    /// Lets in what came in before, ahead of the end: in a process that was forked. May be called in a signal handler.
+    /// Restores the previous signal mask early, for a forked process. May be called in a signal handler.
     void LetIn() const;
-    /// The signals that were held back before.
+    /// The signal mask that was in force before.
     const sigset_t& MaskBefore() const { return mMaskBefore; }
 
 private:

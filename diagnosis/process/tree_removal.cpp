@@ -13,10 +13,10 @@ namespace {
 
 bool RemoveEntry(int folder, const char* name);
 
-// One reading of the folder; whether anything could be removed.
+// Reads the folder once; true if anything could be removed.
 bool RemoveEntries(int folder)
 {
-    // Small, since one stands on the stack for each level.
+    // Small, since the stack has one for each level.
     alignas(dirent64) char buffer[2048];
     bool isAnyRemoved = false;
     for (ssize_t length = getdents64(folder, buffer, sizeof(buffer)); length > 0;
@@ -39,7 +39,7 @@ bool RemoveEntry(int folder, const char* name)
     }
     const int inner = openat(folder, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (inner >= 0) {
-        // A folder that shrinks while it is read may pass over entries: read on until nothing can be removed.
+        // Reading a folder that shrinks may skip entries: repeat until nothing can be removed.
         while (RemoveEntries(inner) && lseek(inner, 0, SEEK_SET) == 0) {
         }
         close(inner);

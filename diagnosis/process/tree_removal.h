@@ -3,8 +3,8 @@
 
 namespace diagnosis {
 
-/// Removes the folder at `path` with all that is in it; links are removed and not followed. What can't be removed
-/// stays, in silence. Makes only calls that a signal handler may make.
+/// Removes the folder at `path` with its content; removes links without following them. Entries that can't be removed
+/// stay, without an error. Async-signal-safe.
 void RemoveTree(const char* path);
 
 } // namespace diagnosis

@@ -7,7 +7,7 @@
 
 namespace diagnosis {
 
-/// An element around a text, which is escaped. `style` names its classes; empty for none.
+/// An element with an escaped text. `style` has its classes; empty for none.
 inline std::string Html(const std::string& element, const std::string& text, const std::string& style = "")
 {
     const std::string attribute = style.empty() ? "" : " class=\"" + style + "\"";

@@ -14,7 +14,7 @@ namespace {
 
 using Cause = FaultTreeResult::RootCauseResult;
 
-// What a person still reads; the rest is counted.
+// More cards than a person reads; the rest is only counted.
 constexpr std::size_t MOST_CAUSES = 200;
 constexpr std::size_t MOST_MEMBERS = 50;
 constexpr std::size_t MOST_LINES = 20;
@@ -48,7 +48,7 @@ std::string RuleHead(const Evidence::Rule& rule)
         + Evidence::VerdictText(rule.verdict) + " " + Evidence::ReasonText(rule.reason);
 }
 
-// Lines that belong to the one before stand further in.
+// Lines that belong to the one before are indented.
 std::string LookedAt(const Evidence::Rule& rule)
 {
     const std::vector<std::string> lines = RuleLines(rule);
@@ -85,7 +85,7 @@ public:
     }
 
 private:
-    // Those that a path leads to.
+    // The members that a path names.
     std::vector<std::size_t> MembersOf(const DistinctCause& distinct) const
     {
         std::vector<std::size_t> members = mTree.causes[distinct.first].members;

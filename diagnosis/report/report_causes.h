@@ -8,8 +8,8 @@
 
 namespace diagnosis {
 
-/// A list with a card of HTML for each distinct root cause of a tree: its ids, its cut set with the ways to the top,
-/// and its evidence; behind it, what observable events cut off. `result` is the tree's own.
+/// An HTML list with a card for each distinct root cause of a tree: its ids, its cut set with the paths to the top
+/// event, and its evidence; then the events that observable events cut off. `result` is the result of the same tree.
 std::string CauseCards(const ExplainedTree& tree, const FaultTreeResult& result);
 
 /// The rules of an event with their verdicts, one line each, as HTML; empty for an event without rules.

@@ -25,9 +25,9 @@ constexpr char LEGEND[] =
     "diamond an undeveloped one; a double frame marks an event that is decided by rules of its own. TRUE: the fault is present. "
     "Thick red lines lead from the members of cut sets to the top.</p>\n";
 
-// Of a larger tree the list shows what is not FALSE, up to this many.
+// For a tree with more events the list shows only those that are not FALSE, up to this many.
 constexpr std::size_t MOST_LISTED = 2000;
-// Browsers give up on deeper markup.
+// Browsers don't render deeper markup.
 constexpr std::size_t DEEPEST_LIST = 60;
 
 std::string Plural(std::size_t count, const std::string& one, const std::string& more)
@@ -86,7 +86,7 @@ bool IsListed(const DrawnTree& tree, std::size_t place)
     return tree.events.size() <= MOST_LISTED || tree.events[place].event->status != Evidence::EventState::ABSENT;
 }
 
-// What the rules of an event came to; that of events in several places is told once.
+// The verdicts of the rules of an event; for an event in several places only the first time.
 std::string Verdicts(const ExplainedTree& explained, std::size_t place, std::unordered_set<std::size_t>& told)
 {
     const Evidence::Event* evidence =
@@ -99,13 +99,13 @@ std::string EventList(const DrawnTree& tree, const ExplainedTree& explained)
 {
     std::unordered_set<std::size_t> told;
     std::string text = "<ul class=\"tree\">\n";
-    std::size_t open = 0; // lists below the outermost
+    std::size_t open = 0; // nested lists that are open
     std::size_t listed = 0;
     for (std::size_t place = 0; place < tree.events.size() && listed < MOST_LISTED; ++place) {
         if (!IsListed(tree, place)) {
             continue;
         }
-        // One whose parent is left out stands as deep as the markup goes.
+        // An event whose parent is left out is nested as deep as the open lists allow.
         const std::size_t depth = std::min({tree.events[place].event->depth, DEEPEST_LIST, listed == 0 ? 0 : open + 1});
         for (; open > depth; --open) {
             text += "</li></ul>";

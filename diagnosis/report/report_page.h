@@ -7,9 +7,9 @@
 
 namespace diagnosis {
 
-/// A report as one HTML page that needs nothing beside itself: no network, no scripts. It shows the verdict of each
-/// tree, its root causes with their ids, ways to the top, cut sets and evidence, its picture, the verdict of each rule,
-/// and the warnings. No text of a bundle becomes markup. The report must have been made with trees and explanation.
+/// A report as one self-contained HTML page without network access or scripts. For each tree it shows the verdict, the
+/// root causes with their ids, paths to the top event, cut sets and evidence, the picture and the verdict of each rule;
+/// and the warnings. Escapes all texts of the bundle. The report must have been made with trees and explanation.
 std::string ReportPage(const DetectionReport& report);
 
 } // namespace diagnosis

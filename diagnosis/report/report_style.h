@@ -3,7 +3,7 @@
 
 namespace diagnosis {
 
-/// The one style sheet of a report. Contrast is 4.5 to 1 or better everywhere; what colour says, words say too.
+/// The style sheet of a report. Contrast is at least 4.5 to 1 everywhere; words repeat what colours show.
 inline constexpr char REPORT_STYLE[] = R"(
 :root { color-scheme: light; --ink: #1b1d22; --quiet: #545b68; --rule: #d9dce2; --paper: #ffffff; --ground: #f4f5f7;
   --fault: #a5170c; --fault-ground: #fde9e6; --sound: #1d6b3c; --sound-ground: #e5f4ea; --unknown: #745600;

@@ -8,10 +8,10 @@
 
 namespace diagnosis {
 
-/// What a bundle holds, as one line of JSON, schema "arborist.bundle.1", without the line end.
+/// The content of a bundle as one line of JSON, schema "arborist.bundle.1", without the line end.
 std::string BundleJson(const BundleContents& contents);
 
-/// What was found when a bundle was checked, as one line of JSON, schema "arborist.verify.1", without the line end.
+/// The findings of a check of a bundle as one line of JSON, schema "arborist.verify.1", without the line end.
 std::string CheckJson(const std::string& bundle, bool isOk, const std::vector<BundleFinding>& findings);
 
 } // namespace diagnosis

@@ -13,7 +13,7 @@ void WriteRootCause(JsonWriter& json, const FaultTreeResult::RootCauseResult& ca
     json.EndObject();
 }
 
-// The events come in pre-order: one that is deeper than the one before is its child.
+// The events are in pre-order: an event that is deeper than the one before is its child.
 void WriteTree(JsonWriter& json, const std::vector<Evidence::FoldedEvent>& events)
 {
     using Kind = Evidence::EventType;

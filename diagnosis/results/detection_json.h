@@ -8,16 +8,16 @@
 
 namespace diagnosis {
 
-/// A report as one line of JSON, schema "arborist.detect.1", without the line end. Members are only ever added.
+/// A report as one line of JSON, schema "arborist.detect.1", without the line end. Later versions only add members.
 std::string DetectionJson(const DetectionReport& report);
 
-/// The members of a root cause: its ids and texts as the result has them.
+/// Writes the members of a root cause: the ids and texts of the result.
 void WriteRootCauseTexts(JsonWriter& json, const FaultTreeResult::RootCauseResult& cause);
 
-/// The members that every report has: "bundle", "ok", "warnings".
+/// Writes the members that every report has: "bundle", "ok", "warnings".
 void WriteHead(JsonWriter& json, const std::string& schema, const std::string& bundle, bool isOk,
     const std::vector<Warning>& warnings);
-/// The member "error".
+/// Writes the member "error".
 void WriteError(JsonWriter& json, const Failure& failure);
 
 } // namespace diagnosis

@@ -26,7 +26,7 @@ public:
 
     void Write()
     {
-        // As "detect" has it: the version of the tree file, not the tree's own.
+        // As in "detect", this is the version of the tree file, not the tree's own.
         mJson.BeginObject().Text("treeId", mTree.id);
         mJson.Text("version", mResult == nullptr ? mTree.version : mResult->mVersion).Bool("isFault", mTree.isFault);
         if (!mView.brief) {
@@ -63,7 +63,7 @@ private:
         }
     }
 
-    // The events come in pre-order: what stands before the end of one is below it.
+    // The events are in pre-order: those between an event and its end are below it.
     void WriteTree()
     {
         std::size_t open = 0;
@@ -105,7 +105,7 @@ private:
         mJson.EndObject();
     }
 
-    // The whole list also in a narrow view: places in it are references.
+    // Writes the whole list even for a narrowed view, as other members refer to positions in it.
     void WriteEvidence()
     {
         mJson.Key("evidence").BeginArray();

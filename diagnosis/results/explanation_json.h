@@ -10,10 +10,10 @@
 namespace diagnosis {
 
 /// The explanation of a report as one line of JSON, schema "arborist.explain.1", without the line end. docs/explain.md
-/// tells of every member. Members are only ever added.
+/// describes every member. Later versions only add members.
 std::string ExplanationJson(const DetectionReport& report, const ExplanationView& view);
 
-/// The list of explained trees alone, for other reports that hold it.
+/// Writes the list of explained trees, for other reports that include it.
 void WriteExplainedTrees(JsonWriter& json, const DetectionReport& report, const ExplanationView& view);
 
 } // namespace diagnosis

@@ -7,7 +7,7 @@
 
 namespace diagnosis {
 
-/// What an event log holds, as one line of JSON, schema "arborist.log.1", without the line end; times are seconds.
+/// The content of an event log as one line of JSON, schema "arborist.log.1", without the line end; times are seconds.
 std::string LogJson(const std::string& log, const LogInspection& inspection);
 
 } // namespace diagnosis

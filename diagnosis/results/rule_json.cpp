@@ -108,7 +108,7 @@ void WriteStatement(JsonWriter& json, const Evidence::Statement& statement)
     json.EndObject();
 }
 
-// What each family looked at; what the reason left out is not written.
+// Writes the part of each family; leaves out members that the reason leaves empty.
 class PartJson {
 public:
     explicit PartJson(JsonWriter& json) : mJson(json) {}

@@ -6,7 +6,7 @@
 
 namespace diagnosis {
 
-/// A rule with all that it looked at, as an object. Members that the family or the reason leaves empty are not written.
+/// Writes a rule with its evidence as an object. Leaves out members that are empty for its family or reason.
 void WriteRule(JsonWriter& json, const PlacedRule& placed);
 
 } // namespace diagnosis

@@ -30,14 +30,14 @@ std::string Cut(const std::string& text, std::size_t longest)
     return Printable(std::string_view(text).substr(0, length)) + "... (" + std::to_string(text.size()) + " bytes)";
 }
 
-// Node files end with a line end; it says nothing.
+// Drops the line end at the end of node files.
 std::string Quoted(const std::string& text)
 {
     const auto end = text.find_last_not_of(" \t\r\n");
     return "\"" + Cut(end == std::string::npos ? text : text.substr(0, end + 1), LONGEST_VALUE) + "\"";
 }
 
-// Numbers and words stand as they are, all else in quotes.
+// Leaves numbers and words unquoted and quotes everything else.
 std::string Value(const std::string& text)
 {
     static constexpr std::string_view PLAIN =
@@ -48,14 +48,14 @@ std::string Value(const std::string& text)
     return isPlain ? std::string(inside) : quoted;
 }
 
-// Of a text compared as text the line end counts.
+// Keeps the line end of a value that is compared as text, where it matters.
 std::string ComparedValue(const std::string& value, const std::string& type)
 {
     const bool hasBlankEnd = !value.empty() && std::string_view(" \t\r\n").find(value.back()) != std::string_view::npos;
     return type == "string" && hasBlankEnd ? "\"" + Cut(value, LONGEST_VALUE) + "\"" : Value(value);
 }
 
-// The word of a comparison as people write it; a word that is none stays.
+// The sign for a comparison word; an unknown word is unchanged.
 std::string Sign(const std::string& word)
 {
     static constexpr std::pair<std::string_view, const char*> SIGNS[] = {
@@ -68,7 +68,7 @@ std::string Sign(const std::string& word)
     return Printable(word);
 }
 
-// " (one, other)" of those that there are.
+// " (one, other)", without empty ones.
 std::string InParentheses(const std::string& one, const std::string& other = "")
 {
     const std::string both = one + (one.empty() || other.empty() ? "" : ", ") + other;
@@ -107,7 +107,7 @@ std::string IdsText(const Evidence::Window& window)
     return window.firstId == window.lastId ? "id " + first : "ids " + first + "-" + std::to_string(window.lastId);
 }
 
-// What the threshold asks for.
+// The threshold in words.
 std::string WantedText(const Evidence::Window& window)
 {
     using Evidence::Measure;
@@ -160,7 +160,7 @@ std::string TestText(const Evidence::Test& test)
         + Number(test.rowsTested, "row passes", "rows pass");
 }
 
-// "static", or where in the common part the threshold comes from.
+// "static", or the place in the common part that the threshold comes from.
 std::string SourceText(const Evidence::Comparison& comparison)
 {
     return Printable(comparison.source)
@@ -197,7 +197,7 @@ std::string IntervalText(const Evidence::Interval& interval)
                            : "no interval to scale by: " + columns;
 }
 
-// On one line: rule files break and indent their statements.
+// The statement on one line: rule files break and indent their statements.
 std::string SqlText(const std::string& sql)
 {
     std::string line;
@@ -276,7 +276,7 @@ void AppendCode(const Evidence::Code& code, std::vector<std::string>& lines)
         + (code.userDefinedInfo.empty() ? "" : "; info " + Quoted(code.userDefinedInfo)));
 }
 
-// The window that hit, or the one that was least short of its threshold.
+// The window that reached its threshold, or the one that came closest to it.
 const Evidence::Window* ClosestWindow(const Evidence::Alarm& alarm)
 {
     const Evidence::Window* closest = nullptr;
@@ -291,7 +291,7 @@ const Evidence::Window* ClosestWindow(const Evidence::Alarm& alarm)
     return closest;
 }
 
-// The comparisons that hold at the end, where a condition was met; otherwise the last one, which failed.
+// If a condition was met, the true comparisons at the end of the list; otherwise the last one, which failed.
 std::string Deciding(const std::vector<Evidence::Comparison>& comparisons)
 {
     if (comparisons.empty()) {
@@ -321,7 +321,7 @@ std::string HitsText(const Evidence::Hits& hits)
         + (hits.Missing() == 0 ? "" : ", " + std::to_string(hits.Missing()) + " missing");
 }
 
-// What each family looked at.
+// Appends the lines of the part of each family.
 struct AppendPart {
     void operator()(const std::monostate&) const {}
 
@@ -375,7 +375,7 @@ struct AppendPart {
     std::vector<std::string>& lines;
 };
 
-// The most telling of it.
+// The most significant fact of a part.
 struct PartSummary {
     std::string operator()(const std::monostate&) const { return ""; }
 

@@ -8,12 +8,12 @@
 
 namespace diagnosis {
 
-/// What a rule looked at, one line a thing, indented by two blanks where it belongs to the line before. Long texts of
-/// strangers are cut short; the JSON has them whole.
+/// The evidence of a rule in lines; a line that belongs to the one before is indented by two blanks. Long foreign texts
+/// are truncated; the JSON has them in full.
 std::vector<std::string> RuleLines(const Evidence::Rule& rule);
 
-/// The most telling of these in one line: the window that came closest, the comparison that decided. Empty when the
-/// reason says it all.
+/// The most significant of these in one line: the window that came closest, the comparison that decided. Empty if the
+/// reason is enough.
 std::string RuleSummary(const Evidence::Rule& rule);
 
 } // namespace diagnosis

@@ -15,7 +15,7 @@ std::optional<std::string> NewFile::Make(const std::string& path)
     if (fs::is_directory(path, error)) {
         return "is a folder";
     }
-    // A device or a pipe would be replaced by the file.
+    // Refuse a device or a pipe, which the file would replace.
     if (fs::exists(path, error) && !fs::is_regular_file(path, error)) {
         return "is no plain file";
     }

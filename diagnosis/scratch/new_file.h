@@ -8,15 +8,15 @@
 
 namespace diagnosis {
 
-/// A file that comes into being whole: it is written in a private folder beside its place, and put there at the end.
-/// What is not put in place leaves no trace, also on signals, and an old file stays as it was.
+/// Creates a file atomically: it is written in a private folder beside its target and moved there at the end. Without
+/// that nothing remains, not even on signals, and an existing file is unchanged.
 class NewFile {
 public:
-    /// Makes the folder beside `path`. Otherwise answers why not ("is a folder").
+    /// Creates the folder beside `path`. Returns the reason if it can't ("is a folder").
     std::optional<std::string> Make(const std::string& path);
-    /// Where to make the file.
+    /// Path at which to write the file.
     std::string TemporaryPath() const { return mFolder.Path("new"); }
-    /// Gives the file its name, replacing an old one. Otherwise answers why not.
+    /// Moves the file to its target, replacing an existing file. Returns the reason if it can't.
     std::optional<std::string> PutInPlace();
 
 private:
@@ -24,7 +24,7 @@ private:
     Scratch mFolder;
 };
 
-/// Whether two paths lead to one file. A file that is read must not be replaced by what is made of it.
+/// True if two paths name the same file. Guards against replacing an input by its own output.
 bool IsOneFile(const std::string& one, const std::string& other);
 
 } // namespace diagnosis

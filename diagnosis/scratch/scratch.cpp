@@ -50,7 +50,7 @@ std::optional<std::string> Scratch::MakeIn(const std::string& root)
         if (root.empty() || mkdtemp(path.data()) == nullptr) {
             return std::strerror(root.empty() ? ENOENT : errno);
         }
-        // The library takes every file for an archive that has these letters anywhere in its path.
+        // The library treats every file as an archive whose path contains these letters anywhere.
         if (!HoldsZip(path.substr(root.size()))) {
             mInterruption.Remove(path);
             mPath = path;

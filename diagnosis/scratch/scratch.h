@@ -9,7 +9,7 @@
 
 namespace diagnosis {
 
-/// A private folder below $TMPDIR (or /tmp) for everything that a run writes: inputs stay as they are. It is removed
+/// A private folder below $TMPDIR (or /tmp) for everything that a run writes, so that inputs are not changed. Removed
 /// with the object, and on the signals of an Interruption.
 class Scratch {
 public:
@@ -18,12 +18,12 @@ public:
     Scratch(const Scratch&) = delete;
     Scratch& operator=(const Scratch&) = delete;
 
-    /// Makes the folder; once made, it stays. Otherwise answers why not.
+    /// Creates the folder; does nothing if it is created already. Returns the failure, if any.
     std::optional<Failure> Make();
-    /// The same in another folder than that for temporary files. Answers the system's reason when it can't be made.
+    /// The same inside `folder` instead of the one for temporary files. Returns the system's reason if it fails.
     std::optional<std::string> MakeIn(const std::string& folder);
     bool IsMade() const { return !mPath.empty(); }
-    /// Absolute and without links, empty before Make.
+    /// Absolute path without links; empty before Make.
     const std::string& Path() const { return mPath; }
     std::string Path(const std::string& name) const { return mPath + "/" + name; }
 

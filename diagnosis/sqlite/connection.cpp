@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// SQLite would wait for the other end of a pipe.
+// The reason not to open a file: with a pipe SQLite would wait for its other end.
 std::string ReasonAgainst(const std::string& path)
 {
     std::error_code error;
@@ -119,7 +119,7 @@ std::optional<Statement> Connection::Prepare(const std::string& sql)
 
 void Connection::LimitToFile()
 {
-    // Steps of SQLite's machine: a row of thirty bytes is read, joined and sorted in some hundred.
+    // Steps of SQLite's virtual machine: reading, joining and sorting a row of thirty bytes takes about a hundred.
     static constexpr std::int64_t LEAST_WORK = 100'000'000;
     static constexpr std::int64_t WORK_OF_A_BYTE = 200;
     static constexpr std::int64_t MOST_BYTES = std::int64_t{1} << 50;

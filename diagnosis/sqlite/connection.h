@@ -17,15 +17,15 @@ public:
     void Bind(int parameter, std::int64_t value);
     void Bind(int parameter, const std::string& text);
     void BindNull(int parameter);
-    /// Runs to the next row; false at the end or on an error, which the connection tells.
+    /// Runs to the next row. False at the end or on an error; see Connection::GetError.
     bool Step();
-    /// Ready to run again.
+    /// Prepares the statement to run again.
     void Reset();
 
     bool IsNull(int column) const;
     bool IsInteger(int column) const;
     std::int64_t Integer(int column) const;
-    /// The column as SQLite converts it to text, NUL characters included.
+    /// The column converted to text by SQLite, NUL characters included.
     std::string Text(int column) const;
 
 private:
@@ -36,21 +36,22 @@ private:
     std::unique_ptr<sqlite3_stmt, Finalizer> mStatement;
 };
 
-/// A connection to one database file, through SQLite's own interface: the command reads and makes files that the
-/// library only knows by their layout. One thread at a time.
+/// A connection to one database file through SQLite's own interface, for files that only share their tables with the
+/// library. Not thread-safe.
 class Connection {
 public:
     enum class Mode { READ_ONLY, CREATE };
 
-    /// Opens; false on failure, which GetError tells. What is there and no plain file is refused.
+    /// Opens a database. False on failure; see GetError. Refuses an existing path that is no plain file.
     bool Open(const std::string& path, Mode mode);
-    /// Runs statements without parameters and results.
+    /// Runs statements that have neither parameters nor results.
     bool Execute(const std::string& sql);
-    /// Nothing on failure, which GetError tells.
+    /// Nothing on failure; see GetError.
     std::optional<Statement> Prepare(const std::string& sql);
 
-    /// From now on statements fail when they take more work than reading a file of this size can, as interrupted, or
-    /// make texts longer than the file: a view of a stranger could count for ever. To be called on an open connection.
+    /// From now on a statement is interrupted if it takes more steps than reading a file of this size can, and fails if
+    /// it builds texts longer than the file: a view in a foreign file could run for ever. Call it on an open
+    /// connection.
     void LimitToFile();
 
     bool HasError() const;
@@ -63,11 +64,11 @@ private:
     struct Closer {
         void operator()(sqlite3* database) const;
     };
-    // The handler that it belongs to goes with the connection, which is closed first.
+    // Used by a handler of the connection, which is closed first.
     std::unique_ptr<std::int64_t> mWorkLeft;
     std::unique_ptr<sqlite3, Closer> mDatabase;
     std::uint64_t mFileBytes = 0;
-    /// Why the file was not given to SQLite; else empty.
+    /// The reason why the file was not passed to SQLite; otherwise empty.
     std::string mRefusal;
 };
 

@@ -9,7 +9,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The shared-memory file is not among them: SQLite makes it anew.
+// The shared-memory file is not needed: SQLite creates it anew.
 constexpr const char* COMPANIONS[] = {"-wal", "-journal"};
 
 // SQLite keeps the companions beside the file itself, not beside a link to it.
@@ -84,7 +84,7 @@ std::optional<Failure> ReadOnlyDatabase::Open(const std::string& path, const std
             return failure;
         }
         file = mScratch.Path("copy.db");
-        // A waiting change has to be written into the copy before it can be read.
+        // SQLite must apply a pending change to the copy before it can read it.
         mode = Connection::Mode::CREATE;
         if (auto failure = CopyDatabase(path, file)) {
             return failure;

@@ -10,24 +10,24 @@
 
 namespace diagnosis {
 
-/// Whether reading the database at `path` would write beside it or into it: it is in WAL mode, or an unfinished
-/// change waits in a journal.
+/// True if reading the database at `path` would write into it or beside it: it is in WAL mode, or a journal has an
+/// unfinished change.
 bool IsTouchedByReading(const std::string& path);
 
-/// Copies a database with what waits beside it in a journal or WAL; the copy can be written. What stands at `target`
-/// is replaced. Otherwise answers why not.
+/// Copies a database with its journal or WAL to `target`, replacing an existing file; the copy is writable. Returns the
+/// failure, if any.
 std::optional<Failure> CopyDatabase(const std::string& source, const std::string& target);
 
-/// A connection to a database that is read and nothing more: no byte of it changes and no file comes into being
-/// beside it. Where SQLite would do either, a copy in a scratch folder is read. Its work is limited to its size.
+/// A connection that only reads: no byte of the database changes and no file is created beside it. If SQLite would do
+/// either, reads a copy in a scratch folder. Limits statements by the size of the file.
 class ReadOnlyDatabase {
 public:
-    /// `code` is that of the failure.
+    /// `code` is the code of the failure.
     std::optional<Failure> Open(const std::string& path, const std::string& code);
     Connection& Get() { return mConnection; }
 
 private:
-    // In this order: the connection is closed before its file goes.
+    // In this order, so that the connection is closed before its file is removed.
     Scratch mScratch;
     Connection mConnection;
 };

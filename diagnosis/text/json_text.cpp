@@ -16,14 +16,15 @@ std::unique_ptr<Json::CharReader> StrictReader()
     return std::unique_ptr<Json::CharReader>(builder.newCharReader());
 }
 
-// Reasons quote what they are about, however long it is.
+// Truncates a reason, which may quote a very long text.
 std::string Cut(const std::string& reason)
 {
     static constexpr std::size_t LONGEST = 200;
     return reason.size() <= LONGEST ? reason : reason.substr(0, LONGEST) + "...";
 }
 
-// The reader tells each error on two or three lines ("* Line 1, Column 2\n  reason\nSee ..."); the first is enough.
+// Takes the first error only; the reader describes each on two or three lines ("* Line 1, Column 2\n  reason\nSee
+// ...").
 std::string FirstError(const std::string& errors)
 {
     static const std::string START = "* Line ";
@@ -44,7 +45,7 @@ bool IsDigit(char character)
     return character >= '0' && character <= '9';
 }
 
-// Takes the digits at the front of `text`; how many there were.
+// Removes the digits at the front of `text` and returns their number.
 std::size_t TakeDigits(std::string_view& text)
 {
     const auto end = std::find_if_not(text.begin(), text.end(), IsDigit);
@@ -75,13 +76,13 @@ bool IsNumber(std::string_view text)
     return text.empty();
 }
 
-/// Finds what the reader lets through although it is no JSON: some comments, numbers like 01, control characters. The
-/// text is one that the reader took, so that its texts and brackets end.
+/// Finds what the reader accepts although it is no JSON: some comments, numbers like 01, control characters. Expects a
+/// text that the reader has accepted, so that all strings and brackets are closed.
 class Leniencies {
 public:
     explicit Leniencies(std::string_view text) : mText(text) {}
 
-    /// Place and reason of the first; empty where there is none.
+    /// Position and reason of the first; empty if there is none.
     std::string First()
     {
         static constexpr std::string_view NUMBER = "+-.0123456789eE";
@@ -105,7 +106,7 @@ public:
     }
 
 private:
-    // To the quote at its end; false at a control character.
+    // Skips a string up to its closing quote; false at a control character.
     bool SkipText()
     {
         for (++mAt; mAt < mText.size() && mText[mAt] != '"'; ++mAt) {
@@ -142,7 +143,7 @@ std::optional<Json::Value> ParseJson(std::string_view text, std::string& problem
             return problem.empty() ? std::optional(value) : std::nullopt;
         }
     } catch (const Json::Exception& exception) {
-        problem = exception.what(); // nested deeper than the reader goes
+        problem = exception.what(); // nested too deeply for the reader
         return std::nullopt;
     }
     problem = FirstError(errors);

@@ -8,26 +8,26 @@
 
 namespace diagnosis {
 
-/// Writes one JSON value on one line, members in the order in which they are written: readers diff the lines.
+/// Writes one JSON value on one line, with members in the order of the calls, so that readers can diff the lines.
 ///
-/// Texts come out as valid UTF-8 whatever bytes they hold: a byte that belongs to no character becomes U+FFFD.
+/// Texts become valid UTF-8: a byte that belongs to no character is replaced by U+FFFD.
 class JsonWriter {
 public:
     JsonWriter& BeginObject();
     JsonWriter& EndObject();
     JsonWriter& BeginArray();
     JsonWriter& EndArray();
-    /// Name of the member that comes next.
+    /// Writes the name of the next member.
     JsonWriter& Key(std::string_view key);
     JsonWriter& Text(std::string_view text);
     JsonWriter& Number(std::int64_t number);
     JsonWriter& Bool(bool value);
     JsonWriter& Null();
-    /// `json` is a JSON value already, without line ends.
+    /// Writes `json`, which must be a JSON value without line ends.
     JsonWriter& Raw(std::string_view json);
     JsonWriter& Texts(const std::vector<std::string>& texts);
 
-    /// A member with its value.
+    /// Writes a member with its value.
     JsonWriter& Text(std::string_view key, std::string_view text) { return Key(key).Text(text); }
     JsonWriter& Bool(std::string_view key, bool value) { return Key(key).Bool(value); }
 
@@ -37,7 +37,7 @@ private:
     void Separate();
 
     std::string mLine;
-    /// Whether the object or array that is open at each depth has a member yet.
+    /// For each open object or array: true if it has a member already.
     std::vector<bool> mHasMember;
     bool mAfterKey = false;
 };

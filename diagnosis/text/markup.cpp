@@ -10,7 +10,7 @@ namespace {
 
 constexpr char ELLIPSIS[] = "\xE2\x80\xA6";
 
-// Characters of UTF-8 that XML has no place for, as escapes ask for them.
+// True for a UTF-8 character that XML does not allow and that must be escaped.
 bool IsNoCharacterOfXml(std::string_view character)
 {
     return character == "\xEF\xBF\xBE" || character == "\xEF\xBF\xBF";
@@ -45,7 +45,7 @@ std::vector<std::string_view> Characters(std::string_view printable)
     return characters;
 }
 
-// Where the line that starts at `start` ends: behind its last word that fits, or in the middle of a long word.
+// The end of the line that starts at `start`: behind the last word that fits, or inside a word that is too long.
 std::size_t LineEnd(const std::vector<std::string_view>& characters, std::size_t start, std::size_t width)
 {
     if (characters.size() - start <= width) {

@@ -8,12 +8,12 @@
 
 namespace diagnosis {
 
-/// The text for XML and HTML, in content and in quoted attributes alike. Whatever bytes it holds, no markup comes of
-/// them and the document stays well-formed: what Printable escapes is escaped here too.
+/// Escapes a text for XML and HTML, in content and in quoted attributes alike. Whatever bytes it has, they form no
+/// markup and the document stays well-formed: characters that Printable escapes are escaped here, too.
 std::string Markup(std::string_view text);
 
-/// The printable text in lines of at most `width` characters, broken at blanks where there are any. What doesn't fit
-/// in `mostLines` ends in an ellipsis. The empty text has no lines.
+/// The printable text in lines of at most `width` characters, broken at blanks if possible. A text that doesn't fit in
+/// `mostLines` ends in an ellipsis. The empty text has no lines.
 std::vector<std::string> Wrapped(std::string_view text, std::size_t width, std::size_t mostLines);
 
 } // namespace diagnosis

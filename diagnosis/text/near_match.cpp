@@ -8,7 +8,8 @@ namespace diagnosis {
 
 namespace {
 
-// No key or command is longer; what a stranger's file brings may be, and the distance takes the product of lengths.
+// No key or command is longer. Words of foreign files may be, and the time for a distance is the product of the
+// lengths.
 constexpr std::size_t LONGEST_WORD = 64;
 
 std::string LowerCase(std::string text)
@@ -18,7 +19,7 @@ std::string LowerCase(std::string text)
     return text;
 }
 
-// Letters to insert, delete or replace to make one text of the other.
+// Edit distance: how many letters to insert, delete or replace to change one text into the other.
 std::size_t Distance(const std::string& one, const std::string& other)
 {
     std::vector<std::size_t> row(other.size() + 1);

@@ -6,11 +6,11 @@
 
 namespace diagnosis {
 
-/// The candidate that `word` was most likely meant to be: the same but for case, or a slip or two away. Empty when
-/// none is near; of equally near ones the first.
+/// The candidate that `word` was probably meant to be: it differs in case, or by one or two letters. Empty if none is
+/// near; the first of equally near ones.
 std::string NearMatch(const std::string& word, const std::vector<std::string>& candidates);
 
-/// `; did you mean "..."?` for the near match, or nothing: the tail of a message about an unknown word.
+/// The end of a message about an unknown word: `; did you mean "..."?` for the near match, or nothing.
 std::string DidYouMean(const std::string& word, const std::vector<std::string>& candidates);
 
 } // namespace diagnosis

@@ -7,12 +7,12 @@
 
 namespace diagnosis {
 
-/// What the folders of a scratch stand for: results and logs name a bundle's own paths, which are the same wherever
-/// and whenever it is run.
+/// Maps paths in scratch folders to the paths of the bundle, so that results and logs are the same wherever and
+/// whenever a bundle is run.
 class PathNames {
 public:
     void Add(const std::string& path, const std::string& name);
-    /// `text` with every path of a scratch as the bundle names it.
+    /// `text` with every path of a scratch folder replaced by the bundle's own path.
     std::string Shown(std::string text) const;
 
 private:

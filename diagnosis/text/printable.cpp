@@ -38,7 +38,7 @@ std::uint32_t CodePoint(std::string_view sequence)
     return point;
 }
 
-// C0, DEL and C1, and the marks that turn the direction of writing round.
+// C0, DEL and C1, and the marks that change the direction of writing.
 bool IsControl(std::uint32_t point)
 {
     return point < 0x20 || (point >= 0x7F && point < 0xA0) || (point >= 0x202A && point <= 0x202E)

@@ -7,17 +7,17 @@
 
 namespace diagnosis {
 
-/// The text for one line of a terminal: control characters and bytes that are no UTF-8 as "\xNN". Rule sets and
-/// bundles come from strangers; their texts must neither break a line nor steer the terminal.
+/// The text for one line of a terminal, with control characters and bytes that are no UTF-8 as "\xNN". Texts of foreign
+/// rule sets and bundles must neither break a line nor control the terminal.
 std::string Printable(std::string_view text);
 
-/// The same, with "(empty)" where there is nothing to see.
+/// The same, with "(empty)" for a text without visible characters.
 std::string Shown(std::string_view text);
 
-/// Texts as Shown gives them, with `separator` between.
+/// The texts, each passed through Shown, with `separator` between them.
 std::string Joined(const std::vector<std::string>& texts, const char* separator);
 
-/// Length in bytes of the UTF-8 character that `text` begins with; 0 when it begins with none (or is empty).
+/// Length in bytes of the UTF-8 character at the front of `text`; 0 if there is none.
 std::size_t Utf8Length(std::string_view text);
 
 } // namespace diagnosis

@@ -6,8 +6,8 @@
 
 namespace diagnosis {
 
-/// Hash of a text that grows at its end: what the hash of "a" is extended by "b" to is the hash of "ab". Strangers can
-/// make texts with equal hashes, so that equal hashes prove nothing.
+/// Hash of a text that grows at its end: extending the hash of "a" by "b" gives the hash of "ab". Collisions can be
+/// forged, so that equal hashes prove nothing.
 class RunningHash {
 public:
     RunningHash Extended(std::string_view text) const
