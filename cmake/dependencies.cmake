@@ -4,6 +4,7 @@ find_package(PkgConfig REQUIRED)
 find_package(tinyxml2 REQUIRED)
 find_package(SQLite3 REQUIRED)
 find_package(ZLIB REQUIRED)
+find_package(tsl-robin-map REQUIRED)
 pkg_check_modules(JSONCPP REQUIRED IMPORTED_TARGET jsoncpp)
 pkg_check_modules(MINIZIP REQUIRED IMPORTED_TARGET minizip)
 

@@ -5,8 +5,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 preset=${1:-dev}
 
 scripts/install-dependencies.sh build-essential cmake ninja-build pkg-config ccache python3 \
-    libtinyxml2-dev libsqlite3-dev libjsoncpp-dev libminizip-dev zlib1g-dev libcli11-dev \
-    libgtest-dev libgmock-dev sqlite3 zip parallel groff man-db zsh fish graphviz chromium
+    libtinyxml2-dev libsqlite3-dev libjsoncpp-dev libminizip-dev zlib1g-dev robin-map-dev libcli11-dev \
+    libgtest-dev libgmock-dev tzdata sqlite3 zip parallel groff man-db zsh fish graphviz chromium
 
 echo "== Building (preset $preset)"
 cmake --preset "$preset"

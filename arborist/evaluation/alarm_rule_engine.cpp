@@ -38,31 +38,6 @@ std::optional<std::int32_t> PlainBound(const std::string& text)
     return !text.empty() && error == std::errc() && rest == end ? std::optional(number) : std::nullopt;
 }
 
-// The members that the tests of an item look at.
-std::vector<std::string> KeysOf(const AlarmRule::AlarmItem& item)
-{
-    std::vector<std::string> keys;
-    const auto add = [&](const std::string& paramId) {
-        TestPara test;
-        TakeParam(paramId, item.params, test);
-        if (std::find(keys.begin(), keys.end(), test.key) == keys.end()) {
-            keys.push_back(test.key);
-        }
-    };
-    for (const std::shared_ptr<OrLogic>& orLogic : item.conditionList) {
-        if (orLogic == nullptr || item.type != AlarmRuleEngine::PARAM_EVENT_ID || item.params.empty()) {
-            continue;
-        }
-        if (orLogic->GetType() == RuleChecker::SINGLE_LOGIC) {
-            add(orLogic->GetParamId());
-        }
-        for (const std::shared_ptr<OrLogic::LogicItem>& logicItem : orLogic->GetLogicItemList()) {
-            add(logicItem == nullptr ? std::string() : logicItem->GetParamId());
-        }
-    }
-    return keys;
-}
-
 // Adds as a signed 32-bit number does, also past its end.
 void AddWrapping(std::int32_t& sum, std::int32_t summand)
 {
@@ -94,11 +69,63 @@ void AlarmRuleEngine::Foresee(const AlarmRule& rule)
         }
         const std::optional<std::int32_t> first = PlainBound(item->Eventid_Min);
         const std::optional<std::int32_t> last = PlainBound(item->Eventid_Max);
-        const std::vector<std::string> keys = KeysOf(*item);
-        if (last && !keys.empty()) {
-            mEventStore->Foresee(first.value_or(*last), *last, keys);
+        const IdRange ids{first.value_or(0) == 0 ? last.value_or(0) : *first, last.value_or(0)};
+        if (ids.IsEmpty()) {
+            continue;
+        }
+        if (item->type == PARAM_EVENT_ID) {
+            mEventStore->Foresee(ids.first, ids.last, TestsOf(*item));
+            continue;
+        }
+        for (const IdRange& part : PartsOf(ids)) {
+            mEventStore->Foresee(part.first, part.last, QuestionsTo(part));
         }
     }
+}
+
+// The tests of all conditions of an item.
+EventRows::Questions AlarmRuleEngine::TestsOf(const AlarmRule::AlarmItem& item) const
+{
+    EventRows::Questions tests;
+    const auto add = [&](TestPara para) { tests.push_back(std::make_shared<MemberTest>(*this, std::move(para))); };
+    for (const std::shared_ptr<OrLogic>& orLogic : item.conditionList) {
+        if (orLogic == nullptr || item.params.empty()) {
+            continue;
+        }
+        if (orLogic->GetType() == SINGLE_LOGIC) {
+            add(GetOrLogicParamItem(*orLogic, item.params));
+        }
+        for (const std::shared_ptr<OrLogic::LogicItem>& logicItem : orLogic->GetLogicItemList()) {
+            if (std::optional<TestPara> para = GetAndLogicParamItem(logicItem, item.params)) {
+                add(std::move(*para));
+            }
+        }
+    }
+    return tests;
+}
+
+// The ids in order, those whose rows weigh apart from the others.
+std::vector<AlarmRuleEngine::IdRange> AlarmRuleEngine::PartsOf(const IdRange& ids)
+{
+    std::vector<IdRange> parts;
+    std::int64_t first = ids.first;
+    while (first <= ids.last) {
+        std::int64_t last = ids.last;
+        for (const DetectionCustomize::IdRange& dmd : DetectionCustomize::DMD_RANGES) {
+            const std::int64_t lastAlike = first < dmd.first ? dmd.first - 1 : dmd.last;
+            last = lastAlike < first ? last : std::min(last, lastAlike);
+        }
+        parts.push_back({static_cast<std::int32_t>(first), static_cast<std::int32_t>(last)});
+        first = last + 1;
+    }
+    return parts;
+}
+
+// What the rows of such a part are asked where nothing is tested.
+EventRows::Questions AlarmRuleEngine::QuestionsTo(const IdRange& part)
+{
+    return DetectionCustomize::IsDmdEvent(part.first) ? EventRows::Questions{DetectionCustomize::WeightQuestion()}
+                                                      : EventRows::Questions{};
 }
 
 bool AlarmRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId)
@@ -194,7 +221,7 @@ bool AlarmRuleEngine::IsWithParamTestChecked(const AlarmRule::AlarmItem& item, T
 bool AlarmRuleEngine::IsHitForSingleTypeTestChecked(
     const OrLogic& orLogic, const AlarmRule::AlarmItem& item, Window& window)
 {
-    const TestList tests{MemberTest(*this, GetOrLogicParamItem(orLogic, item.params))};
+    const TestList tests{std::make_shared<MemberTest>(*this, GetOrLogicParamItem(orLogic, item.params))};
     return IsAnyIdHit(
         window.timeType == TimeSet::DAILY_PEAK ? Measure::DAILY_PEAK : Measure::PERIOD, tests, window);
 }
@@ -210,7 +237,7 @@ bool AlarmRuleEngine::IsHitForMultipleTypeTestChecked(
         if (!para) {
             continue;
         }
-        tests.emplace_back(*this, std::move(*para));
+        tests.push_back(std::make_shared<MemberTest>(*this, std::move(*para)));
         if (window.timeType != TimeSet::DURATION) {
             logicItem->SetResult(IsLastIdHit(tests.back(), window));
         }
@@ -244,16 +271,16 @@ std::optional<TestPara> AlarmRuleEngine::GetAndLogicParamItem(
 bool AlarmRuleEngine::IsAnyIdHit(Measure measure, const TestList& tests, Window& window)
 {
     bool isHit = false;
-    VisitIds(tests, window, [&](EventRows& rows) { return isHit = IsHit(measure, rows, tests, window); });
+    VisitIds(tests, window, [&](const EventRows& rows) { return isHit = IsHit(measure, rows, tests, window); });
     return isHit;
 }
 
-bool AlarmRuleEngine::IsLastIdHit(const MemberTest& test, Window& window)
+bool AlarmRuleEngine::IsLastIdHit(const std::shared_ptr<const MemberTest>& test, Window& window)
 {
     // All ids are asked, as each leaves its lines in the log; an id without rows is no hit.
     bool isHit = false;
     const TestList tests{test};
-    VisitIds(tests, window, [&](EventRows& rows) {
+    VisitIds(tests, window, [&](const EventRows& rows) {
         isHit = IsHit(Measure::PERIOD, rows, tests, window) && rows.GetEventId() == window.ids.last;
         return false;
     });
@@ -262,38 +289,20 @@ bool AlarmRuleEngine::IsLastIdHit(const MemberTest& test, Window& window)
 
 void AlarmRuleEngine::VisitIds(const TestList& tests, Window& window, const RowsVisitor& visitor)
 {
-    static const std::vector<std::string> countKey{DetectionCustomize::KEY_COUNT};
-    bool withMembers = !tests.empty();
-    std::vector<std::string> testKeys;
-    for (const MemberTest& test : tests) {
-        testKeys.push_back(test.GetPara().key);
-    }
-    const auto visit = [&](EventRows& rows) {
-        if (!testKeys.empty()) {
-            rows.LoadMembers(testKeys);
-        } else if (DetectionCustomize::IsDmdEvent(rows.GetEventId())) {
-            rows.LoadMembers(countKey);
-        }
-        return visitor(rows);
-    };
     window.rowsFailed = 0;
     window.tallies.assign(tests.size(), {});
-    if (withMembers) {
-        mEventStore->Foresee(window.ids.first, window.ids.last, testKeys);
-    } else {
-        for (const DetectionCustomize::IdRange& dmd : DetectionCustomize::DMD_RANGES) {
-            const std::int32_t first = std::max(window.ids.first, dmd.first);
-            const std::int32_t last = std::min(window.ids.last, dmd.last);
-            if (first <= last) {
-                withMembers = true;
-                mEventStore->Foresee(first, last, countKey);
-            }
+    const EventRows::Questions questions(tests.begin(), tests.end());
+    bool isOver = false;
+    const StatementTrouble kind(Evidence::Trouble::Kind::EVENT_LOG_UNREADABLE);
+    const auto visit = [&](const EventRows& rows) { return isOver = visitor(rows); };
+    for (const IdRange& part : tests.empty() ? PartsOf(window.ids) : std::vector<IdRange>{window.ids}) {
+        const auto reading = mEventStore->VisitEvents({part.first, part.last, window.start, window.fromUpdate,
+            tests.empty() ? QuestionsTo(part) : questions}, visit);
+        mIsLogReadable = mIsLogReadable && reading != AlarmRuleDbHelper::Reading::UNREADABLE;
+        if (isOver) {
+            break;
         }
     }
-    const StatementTrouble kind(Evidence::Trouble::Kind::EVENT_LOG_UNREADABLE);
-    const bool isReadable = mEventStore->VisitEvents(
-        {window.ids.first, window.ids.last, window.start, window.fromUpdate, withMembers}, visit);
-    mIsLogReadable = mIsLogReadable && isReadable;
     CloseCount(tests, window);
 }
 
@@ -303,13 +312,13 @@ void AlarmRuleEngine::CloseCount(const TestList& tests, Window& window) const
     failed = window.conditionsCounted == 0 ? window.rowsFailed : std::min(failed, window.rowsFailed);
     ++window.conditionsCounted;
     for (std::size_t test = 0; window.record != nullptr && test < tests.size(); ++test) {
-        const TestPara& para = tests[test].GetPara();
+        const TestPara& para = tests[test]->GetPara();
         const Tally& tally = window.tallies[test];
         window.record->tests.push_back({para.key, para.type, para.logic, para.value, tally.tested, tally.passed});
     }
 }
 
-bool AlarmRuleEngine::IsHit(Measure measure, EventRows& rows, const TestList& tests, Window& window)
+bool AlarmRuleEngine::IsHit(Measure measure, const EventRows& rows, const TestList& tests, Window& window)
 {
     if (window.conditionsCounted == 0) { // the next condition's count meets the same rows again
         window.count.rowsFound += rows.GetFoundCount();
@@ -318,22 +327,14 @@ bool AlarmRuleEngine::IsHit(Measure measure, EventRows& rows, const TestList& te
     if (rows.GetCount() == 0) {
         return false;
     }
-    const MemberTest* const test = tests.empty() ? nullptr : &tests.front();
     switch (measure) {
     case Measure::DAILY_PEAK:
-        return IsFaultForDaily(rows, test, window);
+        return IsFaultForDaily(rows, !tests.empty(), window);
     case Measure::ALL_TESTS:
-        return IsFaultForPeriodWithParam(rows, tests, window);
+        return IsFaultForPeriodWithParam(rows, tests.size(), window);
     default:
-        return IsFaultForPeriod(rows, test, window);
+        return IsFaultForPeriod(rows, !tests.empty(), window);
     }
-}
-
-// Whether the member of this row passes.
-inline bool AlarmRuleEngine::IsErrorForEventWithParam(
-    const EventRows& rows, std::size_t row, std::size_t keyNumber, const MemberTest& test)
-{
-    return test.Passes(rows, row, keyNumber);
 }
 
 void AlarmRuleEngine::CountTested(Window& window, std::size_t test, std::uint64_t tested, std::uint64_t passed)
@@ -342,24 +343,14 @@ void AlarmRuleEngine::CountTested(Window& window, std::size_t test, std::uint64_
     window.tallies[test].passed += passed;
 }
 
-bool AlarmRuleEngine::IsFaultForPeriod(EventRows& rows, const MemberTest* test, Window& window)
+bool AlarmRuleEngine::IsFaultForPeriod(const EventRows& rows, bool isTested, Window& window)
 {
-    std::uint64_t count = 0;
-    const bool isWeighed = test == nullptr && DetectionCustomize::IsDmdEvent(rows.GetEventId());
-    if (test != nullptr) {
-        for (std::size_t row = 0; row < rows.GetCount(); ++row) {
-            count += IsErrorForEventWithParam(rows, row, 0, *test) ? 1U : 0U;
-        }
+    const bool isWeighed = !isTested && DetectionCustomize::IsDmdEvent(rows.GetEventId());
+    // A negative weight takes away, and wraps below 0.
+    const std::uint64_t count = isTested || isWeighed ? rows.Sum(0) : rows.GetCount();
+    if (isTested) {
         CountTested(window, 0, rows.GetCount(), count);
         window.rowsFailed += rows.GetCount() - count;
-    } else if (isWeighed) {
-        for (std::size_t row = 0; row < rows.GetCount(); ++row) {
-            // A negative weight takes away, and wraps below 0.
-            count += static_cast<std::uint64_t>(
-                std::int64_t{DetectionCustomize::CheckDmdEventCount(rows.GetMember(row, 0))});
-        }
-    } else {
-        count = rows.GetCount();
     }
     NoteReached(window.count, rows, static_cast<std::int64_t>(count),
         isWeighed ? Evidence::Measure::WEIGHTS : Evidence::Measure::ROWS);
@@ -368,59 +359,52 @@ bool AlarmRuleEngine::IsFaultForPeriod(EventRows& rows, const MemberTest* test, 
 }
 
 // Days are told apart by their number in the month alone: the 3rd of two months is one day. Rule files rely on it.
-bool AlarmRuleEngine::IsFaultForDaily(EventRows& rows, const MemberTest* test, Window& window)
+bool AlarmRuleEngine::IsFaultForDaily(const EventRows& rows, bool isTested, Window& window)
 {
-    const bool isDmd = DetectionCustomize::IsDmdEvent(rows.GetEventId());
-    EventLogIndex::DayCounts days{};
-    const bool isPlain = test == nullptr && !isDmd;
+    const bool isWeighed = !isTested && DetectionCustomize::IsDmdEvent(rows.GetEventId());
+    EventRows::DayCounts days{};
     std::uint64_t tested = 0;
     std::uint64_t passed = 0;
-    if (isPlain) {
+    const auto take = [&](const EventRows::Row& row) {
+        const std::int32_t day = row.GetDayOfMonth();
+        if (day < 1 || day > LAST_DAY) {
+            return;
+        }
+        const std::int32_t answer = row.Answer(0);
+        ++tested;
+        passed += answer != 0 ? 1 : 0;
+        AddWrapping(days[static_cast<std::size_t>(day)], answer);
+    };
+    if (isTested || isWeighed) {
+        rows.ForEach(take);
+    } else {
         rows.CountDays(days);
     }
-    for (std::size_t row = 0; !isPlain && row < rows.GetCount(); ++row) {
-        const std::int32_t day = rows.GetDayOfMonth(row);
-        if (day < 1 || day > LAST_DAY) {
-            continue;
-        }
-        std::int32_t weight = 0;
-        if (test != nullptr) {
-            weight = IsErrorForEventWithParam(rows, row, 0, *test) ? 1 : 0;
-            ++tested;
-            passed += static_cast<std::uint64_t>(weight);
-        } else {
-            weight = DetectionCustomize::CheckDmdEventCount(rows.GetMember(row, 0));
-        }
-        AddWrapping(days[static_cast<std::size_t>(day)], weight);
-    }
-    if (test != nullptr) {
+    if (isTested) {
         CountTested(window, 0, tested, passed);
         window.rowsFailed += tested - passed;
     }
-    std::int32_t peak = 0;
-    for (const std::int32_t count : days) {
-        peak = std::max(peak, count);
-    }
+    const std::int32_t peak = *std::max_element(days.begin(), days.end()); // that of day 0 is 0
     NoteReached(window.count, rows, peak,
-        test == nullptr && isDmd ? Evidence::Measure::DAILY_WEIGHTS : Evidence::Measure::DAILY_ROWS);
+        isWeighed ? Evidence::Measure::DAILY_WEIGHTS : Evidence::Measure::DAILY_ROWS);
     return peak >= window.threshold;
 }
 
-bool AlarmRuleEngine::IsFaultForPeriodWithParam(EventRows& rows, const TestList& tests, Window& window)
+bool AlarmRuleEngine::IsFaultForPeriodWithParam(const EventRows& rows, std::size_t testCount, Window& window)
 {
-    if (tests.empty()) {
+    if (testCount == 0) {
         return false;
     }
-    std::vector<std::uint64_t> rowsByPassed(tests.size() + 1); // how many passed so many tests and no more
-    for (std::size_t row = 0; row < rows.GetCount(); ++row) {
+    std::vector<std::uint64_t> rowsByPassed(testCount + 1); // how many passed so many tests and no more
+    rows.ForEach([&](const EventRows::Row& row) {
         std::size_t passed = 0;
-        while (passed < tests.size() && IsErrorForEventWithParam(rows, row, passed, tests[passed])) {
+        while (passed < testCount && row.Answer(passed) != 0) {
             ++passed;
         }
         ++rowsByPassed[passed];
-    }
+    });
     std::uint64_t tested = rows.GetCount();
-    for (std::size_t test = 0; test < tests.size(); ++test) {
+    for (std::size_t test = 0; test < testCount; ++test) {
         CountTested(window, test, tested, tested - rowsByPassed[test]);
         tested -= rowsByPassed[test];
     }

@@ -13,9 +13,9 @@
 #include "arborist/evaluation/member_test.h"
 #include "arborist/evaluation/rule_checker.h"
 #include "arborist/model/rule.h"
+#include "arborist/stores/event_log/event_rows.h"
 
 class AlarmRuleDbHelper;
-class EventRows;
 class RuleHelper;
 
 /// Decides alarm rules: counts the events of a range of ids that were logged in a time window, all or those that pass
@@ -41,8 +41,8 @@ public:
 
 private:
     using AlarmItem = std::shared_ptr<AlarmRule::AlarmItem>;
-    using TestList = std::vector<MemberTest>;
-    using RowsVisitor = std::function<bool(EventRows& rows)>;
+    using TestList = std::vector<std::shared_ptr<const MemberTest>>;
+    using RowsVisitor = std::function<bool(const EventRows& rows)>;
 
     // Ids from `first` to `last`.
     struct IdRange {
@@ -80,6 +80,9 @@ private:
     enum class Measure { PERIOD, DAILY_PEAK, ALL_TESTS };
 
     IdRange GetAlarmIdList(const AlarmRule::AlarmItem& item) const;
+    EventRows::Questions TestsOf(const AlarmRule::AlarmItem& item) const;
+    static std::vector<IdRange> PartsOf(const IdRange& ids);
+    static EventRows::Questions QuestionsTo(const IdRange& part);
     bool IsRuleHitBySettingTime(const AlarmItem& item, std::size_t itemNumber, const std::string& eventId,
         TimeSet::TimeType timeType, const IdRange& ids);
     bool IsWithParamTestChecked(const AlarmRule::AlarmItem& item, TimeSet& timeSet, Window& window);
@@ -91,15 +94,14 @@ private:
         const std::shared_ptr<OrLogic::LogicItem>& logicItem, const ParamMap& params);
 
     bool IsAnyIdHit(Measure measure, const TestList& tests, Window& window);
-    bool IsLastIdHit(const MemberTest& test, Window& window);
+    bool IsLastIdHit(const std::shared_ptr<const MemberTest>& test, Window& window);
     void VisitIds(const TestList& tests, Window& window, const RowsVisitor& visitor);
     void CloseCount(const TestList& tests, Window& window) const;
-    bool IsHit(Measure measure, EventRows& rows, const TestList& tests, Window& window);
-    bool IsFaultForPeriod(EventRows& rows, const MemberTest* test, Window& window);
-    bool IsFaultForDaily(EventRows& rows, const MemberTest* test, Window& window);
-    bool IsFaultForPeriodWithParam(EventRows& rows, const TestList& tests, Window& window);
-    static bool IsErrorForEventWithParam(
-        const EventRows& rows, std::size_t row, std::size_t keyNumber, const MemberTest& test);
+    bool IsHit(Measure measure, const EventRows& rows, const TestList& tests, Window& window);
+    // With `isTested` the rows that pass the first test of the visit count.
+    bool IsFaultForPeriod(const EventRows& rows, bool isTested, Window& window);
+    bool IsFaultForDaily(const EventRows& rows, bool isTested, Window& window);
+    bool IsFaultForPeriodWithParam(const EventRows& rows, std::size_t testCount, Window& window);
     static void CountTested(Window& window, std::size_t test, std::uint64_t tested, std::uint64_t passed);
     Evidence::Window* AddRecord(std::size_t itemNumber, const IdRange& ids, const char* kind) const;
     bool CloseWindow(const Window& window, Evidence::Reason reason, bool isHit);

@@ -2,10 +2,11 @@
 
 #include <json/value.h>
 
+#include "arborist/evaluation/silent_number.h"
 #include "arborist/frame/log.h"
 #include "arborist/frame/trouble_watch.h"
-#include "arborist/stores/event_log/event_member_cache.h"
 #include "arborist/stores/event_log/log_event.h"
+#include "arborist/stores/event_log/row_question.h"
 #include "arborist/utilities/json_text.h"
 #include "arborist/utilities/string_util.h"
 
@@ -28,6 +29,21 @@ std::int32_t WeightOf(const std::string& count)
     return count.empty() ? 1 : static_cast<std::int32_t>(StringUtil::StringToInt64Def(count, 0, 10));
 }
 
+class Weight : public RowQuestion {
+public:
+    std::string GetName() const override { return "weight"; }
+    const std::string& GetKey() const override { return mKey; }
+    bool IsNumber() const override { return true; }
+    std::optional<std::int32_t> AnswerInSilence(std::string_view count) const override
+    {
+        return count.empty() ? 1 : SilentNumber::Int32Of(count);
+    }
+    std::int32_t Answer(std::string_view extra) const override { return WeightOf(CountIn(extra)); }
+
+private:
+    const std::string mKey = DetectionCustomize::KEY_COUNT;
+};
+
 } // namespace
 
 bool DetectionCustomize::IsDmdEvent(std::int32_t eventId)
@@ -45,16 +61,8 @@ std::int32_t DetectionCustomize::CheckDmdEventCount(const LogEvent& event)
     return event.extra.empty() ? 0 : WeightOf(CountIn(event.extra));
 }
 
-std::int32_t DetectionCustomize::CheckDmdEventCount(const EventMember& count)
+const std::shared_ptr<const RowQuestion>& DetectionCustomize::WeightQuestion()
 {
-    switch (count.kind) {
-    case EventMember::Kind::NO_EXTRA:
-        return 0;
-    case EventMember::Kind::INTEGER:
-        return static_cast<std::int32_t>(count.number);
-    case EventMember::Kind::TEXT:
-        return WeightOf(std::string(count.text));
-    default:
-        return WeightOf(CountIn(count.text));
-    }
+    static const std::shared_ptr<const RowQuestion> question = std::make_shared<Weight>();
+    return question;
 }

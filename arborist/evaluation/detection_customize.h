@@ -2,9 +2,10 @@
 #define ARBORIST_EVALUATION_DETECTION_CUSTOMIZE_H
 
 #include <cstdint>
+#include <memory>
 
 class LogEvent;
-struct EventMember;
+class RowQuestion;
 
 /// How single kinds of events count.
 class DetectionCustomize {
@@ -27,8 +28,8 @@ public:
     /// The weight of a DMD event: low 32 bits of "COUNT" in its extra; 1 when there is none or the extra is no JSON
     /// object, 0 when the extra is empty or "COUNT" is no number. What can't be read logs an error.
     static std::int32_t CheckDmdEventCount(const LogEvent& event);
-    /// The same for its member KEY_COUNT.
-    static std::int32_t CheckDmdEventCount(const EventMember& count);
+    /// The same as a question to the rows of a log.
+    static const std::shared_ptr<const RowQuestion>& WeightQuestion();
 };
 
 #endif

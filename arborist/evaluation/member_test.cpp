@@ -1,20 +1,19 @@
 #include "arborist/evaluation/member_test.h"
 
-#include <charconv>
-#include <limits>
-#include <string_view>
 #include <utility>
 
 #include <json/value.h>
 
 #include "arborist/evaluation/rule_checker.h"
+#include "arborist/evaluation/silent_number.h"
 #include "arborist/frame/log.h"
 #include "arborist/frame/trouble_watch.h"
 #include "arborist/utilities/json_text.h"
+#include "arborist/utilities/string_util.h"
 
 namespace {
 
-// The member as the log's own text has it, read the long way.
+// The member as the log's own text has it.
 std::string MemberOf(std::string_view extra, const std::string& key)
 {
     Json::Value root;
@@ -27,97 +26,94 @@ std::string MemberOf(std::string_view extra, const std::string& key)
     return MemberText(root, key);
 }
 
-bool FitsInt32(std::int64_t number)
-{
-    return number >= std::numeric_limits<std::int32_t>::min() && number <= std::numeric_limits<std::int32_t>::max();
-}
-
 } // namespace
 
-MemberTest::MemberTest(const RuleChecker& checker, TestPara para) : mChecker(checker), mPara(std::move(para))
+MemberTest::MemberTest(const RuleChecker& checker, TestPara para)
+    : mChecker(checker), mPara(std::move(para)), mComparison(ComparisonOf())
 {
     const std::string& logic = mPara.logic;
     mHoldsLess = logic == RuleChecker::LOGIC_LT || logic == RuleChecker::LOGIC_LE || logic == RuleChecker::LOGIC_NE;
     mHoldsEqual = logic == RuleChecker::LOGIC_LE || logic == RuleChecker::LOGIC_GE || logic == RuleChecker::LOGIC_EQ;
     mHoldsGreater = logic == RuleChecker::LOGIC_GT || logic == RuleChecker::LOGIC_GE || logic == RuleChecker::LOGIC_NE;
-
-    if (mPara.type == RuleChecker::TYPE_STRING) {
-        mComparison = Comparison::TEXT;
-        return;
-    }
-    // Only a whole number of 32 bits takes the short way: any other text may log an error for each row.
-    const char* const end = mPara.value.data() + mPara.value.size();
-    const auto [rest, error] = std::from_chars(mPara.value.data(), end, mInteger);
-    if (logic.empty() || error != std::errc() || rest != end || !FitsInt32(mInteger)) {
-        return;
-    }
-    mFloat = static_cast<float>(mInteger);
-    mDouble = static_cast<double>(mInteger);
-    if (mPara.type == RuleChecker::TYPE_INT || mPara.type == RuleChecker::TYPE_LONG) {
-        mComparison = Comparison::INTEGER;
-    } else if (mPara.type == RuleChecker::TYPE_FLOAT) {
-        mComparison = Comparison::FLOAT;
-    } else if (mPara.type == RuleChecker::TYPE_DOUBLE) {
-        mComparison = Comparison::DOUBLE;
+    if (mComparison == Comparison::INTEGER) {
+        mInteger = *SilentNumber::Int32Of(mPara.value);
+    } else if (mComparison == Comparison::FLOAT) {
+        mFloat = StringUtil::StringToFloatDef(mPara.value, 0);
+    } else if (mComparison == Comparison::DOUBLE) {
+        mDouble = StringUtil::StringToDoubleDef(mPara.value, 0);
     }
 }
 
-bool MemberTest::Passes(const EventMember& member) const
+MemberTest::Comparison MemberTest::ComparisonOf() const
 {
-    if (IsComparedAsIs(member)) {
-        return mComparison == Comparison::TEXT ? ComparesText(member.text) : Compares(member.number);
+    const std::string& type = mPara.type;
+    if (mPara.logic.empty() || mPara.value.empty()) {
+        return Comparison::NONE;
     }
-    if (member.kind == EventMember::Kind::NO_EXTRA) {
-        return false;
+    if (type == RuleChecker::TYPE_STRING) {
+        return Comparison::TEXT;
     }
-    const std::string observed =
-        member.kind == EventMember::Kind::RAW ? MemberOf(member.text, mPara.key) : member.ToText();
-    return !observed.empty() && mChecker.IsFaultForParam(mPara.logic, mPara.type, mPara.value, observed);
+    if (type == RuleChecker::TYPE_INT || type == RuleChecker::TYPE_LONG) {
+        return SilentNumber::Int32Of(mPara.value) ? Comparison::INTEGER : Comparison::LOUD;
+    }
+    if (type != RuleChecker::TYPE_FLOAT && type != RuleChecker::TYPE_DOUBLE) {
+        return Comparison::NONE;
+    }
+    if (!SilentNumber::IsReal(mPara.value)) {
+        return Comparison::LOUD;
+    }
+    return type == RuleChecker::TYPE_FLOAT ? Comparison::FLOAT : Comparison::DOUBLE;
 }
 
-bool MemberTest::PassesOther(MemberStore::Code code, const EventMember& member) const
+std::string MemberTest::GetName() const
 {
-    const bool passes = Passes(member);
-    if (code < mOutcomes.size() && IsComparedAsIs(member)) {
-        mOutcomes[code] = passes ? Outcome::PASSES : Outcome::FAILS;
-    }
-    return passes;
+    // Texts of XML have no zero bytes.
+    const char end = '\0';
+    return "test" + (mPara.type + end) + (mPara.logic + end) + (mPara.key + end) + mPara.value;
 }
 
-// Without going through the text of a number, and in silence.
-bool MemberTest::IsComparedAsIs(const EventMember& member) const
+std::optional<std::int32_t> MemberTest::AnswerInSilence(std::string_view member) const
 {
+    if (member.empty()) {
+        return 0;
+    }
     switch (mComparison) {
-    case Comparison::OTHER:
-        return false;
+    case Comparison::NONE:
+        return 0;
     case Comparison::TEXT:
-        return member.kind == EventMember::Kind::TEXT;
-    default:
-        return member.kind == EventMember::Kind::INTEGER && FitsInt32(member.number);
+        return HoldsText(member);
+    case Comparison::INTEGER: {
+        const std::optional<std::int32_t> observed = SilentNumber::Int32Of(member);
+        return observed ? std::optional<std::int32_t>(Holds(*observed, mInteger)) : std::nullopt;
     }
+    case Comparison::LOUD:
+        return std::nullopt;
+    default:
+        break;
+    }
+    if (!SilentNumber::IsReal(member)) {
+        return std::nullopt;
+    }
+    const std::string observed(member);
+    return mComparison == Comparison::FLOAT ? Holds(StringUtil::StringToFloatDef(observed, 0), mFloat)
+                                            : Holds(StringUtil::StringToDoubleDef(observed, 0), mDouble);
 }
 
-// Texts are equal or different, nothing else; and an empty one never passes.
-bool MemberTest::ComparesText(std::string_view observed) const
+std::int32_t MemberTest::Answer(std::string_view extra) const
 {
-    if (observed.empty() || mPara.value.empty()) {
-        return false;
-    }
+    const std::string observed = MemberOf(extra, mPara.key);
+    return !observed.empty() && mChecker.IsFaultForParam(mPara.logic, mPara.type, mPara.value, observed) ? 1 : 0;
+}
+
+template <typename Number>
+bool MemberTest::Holds(Number observed, Number configured) const
+{
+    return observed < configured ? mHoldsLess : observed > configured ? mHoldsGreater : mHoldsEqual;
+}
+
+// Texts are equal or different, nothing else.
+bool MemberTest::HoldsText(std::string_view observed) const
+{
     return mPara.logic == RuleChecker::LOGIC_EQ ? observed == mPara.value
                                                 : mPara.logic == RuleChecker::LOGIC_NE && observed != mPara.value;
-}
-
-bool MemberTest::Compares(std::int64_t observed) const
-{
-    const auto outcome = [this](auto left, auto right) {
-        return left < right ? mHoldsLess : left > right ? mHoldsGreater : mHoldsEqual;
-    };
-    switch (mComparison) {
-    case Comparison::FLOAT:
-        return outcome(static_cast<float>(observed), mFloat);
-    case Comparison::DOUBLE:
-        return outcome(static_cast<double>(observed), mDouble);
-    default:
-        return outcome(observed, mInteger);
-    }
 }

@@ -1,12 +1,12 @@
 #ifndef ARBORIST_EVALUATION_MEMBER_TEST_H
 #define ARBORIST_EVALUATION_MEMBER_TEST_H
 
-#include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
-#include "arborist/stores/event_log/event_rows.h"
+#include "arborist/stores/event_log/row_question.h"
 
 class RuleChecker;
 
@@ -22,48 +22,47 @@ struct TestPara {
     std::string logic;
 };
 
-/// A TestPara made ready to be held against many rows: where both sides are plain numbers it compares without going
-/// through text. Refers to the checker, whose IsFaultForParam decides everything else.
-class MemberTest {
+/// A TestPara made ready to be held against many rows: it compares numbers without going through text where that
+/// leaves no line in the log. Refers to the checker, whose IsFaultForParam decides everything else.
+class MemberTest : public RowQuestion {
 public:
     MemberTest(const RuleChecker& checker, TestPara para);
 
     const TestPara& GetPara() const { return mPara; }
-    /// Whether the member, that of GetPara().key, passes; an extra that is no JSON logs an error and fails.
-    bool Passes(const EventMember& member) const;
 
-    /// As Passes for the member of that row. Each of the more frequent members is compared once.
-    bool Passes(const EventRows& rows, std::size_t row, std::size_t keyNumber) const
-    {
-        const MemberStore::Code code = rows.GetCode(row, keyNumber);
-        if (code < mOutcomes.size() && mOutcomes[code] != Outcome::UNKNOWN) {
-            return mOutcomes[code] == Outcome::PASSES;
-        }
-        return PassesOther(code, rows.GetMember(row, keyNumber));
-    }
+    std::string GetName() const override;
+    const std::string& GetKey() const override { return mPara.key; }
+    bool IsNumber() const override { return false; }
+    std::optional<std::int32_t> AnswerInSilence(std::string_view member) const override;
+    /// Whether the member passes; an extra that is no JSON logs an error and fails.
+    std::int32_t Answer(std::string_view extra) const override;
 
 private:
-    enum class Comparison { OTHER, INTEGER, FLOAT, DOUBLE, TEXT };
+    enum class Comparison {
+        NONE, ///< nothing passes
+        INTEGER,
+        FLOAT,
+        DOUBLE,
+        TEXT,
+        LOUD ///< each comparison leaves a line
+    };
 
-    // Of a code. Not known for those that have none of their own or may log an error each time.
-    enum class Outcome : std::uint8_t { UNKNOWN, FAILS, PASSES };
-
-    bool PassesOther(MemberStore::Code code, const EventMember& member) const;
-    bool IsComparedAsIs(const EventMember& member) const;
-    bool Compares(std::int64_t observed) const;
-    bool ComparesText(std::string_view observed) const;
+    Comparison ComparisonOf() const;
+    template <typename Number>
+    bool Holds(Number observed, Number configured) const;
+    bool HoldsText(std::string_view observed) const;
 
     const RuleChecker& mChecker;
     TestPara mPara;
-    Comparison mComparison = Comparison::OTHER;
+    Comparison mComparison;
     // Which outcomes hold.
-    bool mHoldsLess = false;
-    bool mHoldsEqual = false;
-    bool mHoldsGreater = false;
-    std::int64_t mInteger = 0;
+    bool mHoldsLess;
+    bool mHoldsEqual;
+    bool mHoldsGreater;
+    // What it is compared to, as the comparison needs it.
+    std::int32_t mInteger = 0;
     float mFloat = 0;
     double mDouble = 0;
-    mutable std::array<Outcome, 1024> mOutcomes{};
 };
 
 #endif

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 
 #include "arborist/frame/log.h"
-#include "arborist/stores/event_log/event_member_cache.h"
 #include "arborist/stores/event_log/log_event.h"
+#include "arborist/stores/event_log/row_question.h"
 #include "tests/support/case_name.h"
 #include "tests/support/log_capture.h"
 
@@ -22,8 +22,9 @@ TEST_P(DmdWeight, IsWhatTheCountSays)
     LogCapture log;
     EXPECT_EQ(DetectionCustomize::CheckDmdEventCount(LogEvent(920000000, "", GetParam().extra)), GetParam().expected);
     const std::string extra = GetParam().extra;
-    const auto kind = extra.empty() ? EventMember::Kind::NO_EXTRA : EventMember::Kind::RAW;
-    EXPECT_EQ(DetectionCustomize::CheckDmdEventCount(EventMember{kind, 0, extra}), GetParam().expected);
+    if (!extra.empty()) {
+        EXPECT_EQ(DetectionCustomize::WeightQuestion()->Answer(extra), GetParam().expected);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, DmdWeight, testing::Values(
@@ -36,12 +37,17 @@ INSTANTIATE_TEST_SUITE_P(Table, DmdWeight, testing::Values(
     WeightCase{"Array", "{\"COUNT\":[7]}", 1}, WeightCase{"NoObject", "[7]", 1}, WeightCase{"NoJson", "{COUNT", 1}),
     CaseName());
 
-TEST(DetectionCustomizeTest, WeightsOfMembersReadBeforehand)
+TEST(DetectionCustomizeTest, WeightsOfMembersAreToldInSilenceOrNotAtAll)
 {
-    EXPECT_EQ(DetectionCustomize::CheckDmdEventCount(EventMember{EventMember::Kind::INTEGER, 7, {}}), 7);
-    EXPECT_EQ(DetectionCustomize::CheckDmdEventCount(EventMember{EventMember::Kind::INTEGER, 4294967298, {}}), 2);
-    EXPECT_EQ(DetectionCustomize::CheckDmdEventCount(EventMember{EventMember::Kind::TEXT, 0, {}}), 1);
-    EXPECT_EQ(DetectionCustomize::CheckDmdEventCount(EventMember{EventMember::Kind::TEXT, 0, "6 or so"}), 6);
+    LogCapture log;
+    const RowQuestion& weight = *DetectionCustomize::WeightQuestion();
+    EXPECT_EQ(weight.GetKey(), "COUNT");
+    EXPECT_EQ(weight.AnswerInSilence("7"), 7);
+    EXPECT_EQ(weight.AnswerInSilence("4294967298"), 2);
+    EXPECT_EQ(weight.AnswerInSilence(""), 1);
+    EXPECT_EQ(weight.AnswerInSilence("6 or so"), 6);
+    EXPECT_EQ(weight.AnswerInSilence("many"), std::nullopt);
+    EXPECT_THAT(log.Lines(), testing::IsEmpty());
 }
 
 TEST(DetectionCustomizeTest, ExtraThatIsNoJsonIsLogged)

@@ -1,5 +1,6 @@
 #include "arborist/stores/event_log/event_rows.h"
 
+#include <bit>
 #include <utility>
 
 #include "arborist/utilities/string_util.h"
@@ -11,56 +12,52 @@ constexpr std::size_t DAY_LENGTH = 10;
 
 } // namespace
 
-EventRows::EventRows(Source& source, const Indexed& rows, std::size_t found, std::size_t count)
-    : mSource(source), mIndexed(rows), mEventId(rows.index.GetIds()[rows.entryNumber]), mFound(found),
-      mCount(count)
+EventRows::EventRows(std::int32_t eventId, Known known, std::size_t found, std::size_t count,
+    const Questions& questions, LocalDays& days)
+    : mEventId(eventId), mFound(found), mCount(count), mQuestions(questions), mKnown(std::move(known)), mDays(&days)
 {
 }
 
-EventRows::EventRows(Source& source, std::int32_t eventId, EventList events, std::size_t found)
-    : mSource(source), mEventId(eventId), mFound(found), mCount(events.size()), mEvents(std::move(events))
+EventRows::EventRows(std::int32_t eventId, EventList events, std::size_t found, const Questions& questions)
+    : mEventId(eventId), mFound(found), mCount(events.size()), mQuestions(questions), mEvents(std::move(events))
 {
 }
 
-void EventRows::LoadMembers(const std::vector<std::string>& keys)
+void EventRows::CountDays(DayCounts& days) const
 {
-    if (!mIndexed || mCount == 0) {
+    if (mKnown) {
+        mKnown->snapshot.CountDays(mKnown->run, mKnown->filter, *mDays, days);
         return;
     }
-    SelectRows();
-    if (!mIndexed->members.Load(mIndexed->entryNumber, mIndexed->positions, mIndexed->filter.start, keys)) {
-        ReadWhole();
-    }
-}
-
-void EventRows::CountDays(EventLogIndex::DayCounts& days)
-{
-    if (mIndexed) {
-        mIndexed->index.CountDays(mIndexed->range, mIndexed->filter, days);
-        return;
-    }
-    for (std::size_t row = 0; row < mCount; ++row) {
-        const std::int32_t day = GetWholeDay(row);
+    ForEach([&days](const Row& row) {
+        const std::int32_t day = row.GetDayOfMonth();
         if (day > 0 && static_cast<std::size_t>(day) < days.size()) {
             ++days[static_cast<std::size_t>(day)];
         }
+    });
+}
+
+std::uint64_t EventRows::Sum(std::size_t question) const
+{
+    std::uint64_t sum = 0;
+    const AnswerColumn* const column = mKnown ? mKnown->answers->columns[question].get() : nullptr;
+    if (column == nullptr || column->IsNumber() || column->HasAskedAgain()) {
+        ForEach([&](const Row& row) { sum += static_cast<std::uint64_t>(std::int64_t{row.Answer(question)}); });
+        return sum;
     }
+    const RowBits& rows = mKnown->answers->rows;
+    for (std::uint32_t word = rows.GetFirstWord(); word < rows.GetEndWord(); ++word) {
+        sum += static_cast<std::uint64_t>(std::popcount(rows.GetWord(word) & column->GetYes(word)));
+    }
+    return sum;
 }
 
-void EventRows::ReadWhole()
+std::int32_t EventRows::Ask(std::size_t question, std::string_view extra) const
 {
-    mIndexed.reset();
-    mEvents = mSource.QueryRows(mEventId);
-    mCount = mEvents.size();
+    return extra.empty() ? 0 : mQuestions[question]->Answer(extra);
 }
 
-EventMember EventRows::GetWholeMember(std::size_t row) const
-{
-    const std::string& extra = mEvents[row]->extra;
-    return {extra.empty() ? EventMember::Kind::NO_EXTRA : EventMember::Kind::RAW, 0, extra};
-}
-
-std::int32_t EventRows::GetWholeDay(std::size_t row) const
+std::int32_t EventRows::WholeDayOf(std::uint32_t row) const
 {
     const std::string& time = mEvents[row]->occurrenceTime;
     return time.size() < DAY_IN_TIME ? 0 : StringUtil::StringToInt32Def(time.substr(DAY_IN_TIME, DAY_LENGTH), 0);

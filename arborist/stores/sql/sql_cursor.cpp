@@ -41,6 +41,9 @@ bool SqlCursor::Step()
 void SqlCursor::Restart()
 {
     Reset();
+    if (IsReady()) {
+        mError.clear();
+    }
     mDb.StartText();
 }
 

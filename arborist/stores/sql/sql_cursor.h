@@ -34,7 +34,7 @@ public:
     /// SQLite's message for the failure; empty if there was none.
     const std::string& GetError() const { return mError; }
 
-    /// Moves back to before the first row.
+    /// Moves back to before the first row and forgets a failure.
     void Restart();
     /// The same with a new value for the parameter ?1.
     void Restart(std::int64_t parameter);

@@ -49,10 +49,11 @@ enum class SqlAccess {
     /// memory limits or directories fail with "not authorized". Only schema statements can change the schema, and there
     /// is always a journal. A statement that exceeds SqlLimits fails with "interrupted" or "query aborted".
     OWN_FILE,
-    /// Only select, transactions, and queries of the state of the file (data_version, page_count, page_size). The file
-    /// stays unchanged byte for byte, even if changes by others wait in its write-ahead log. The limits are derived
-    /// from the size of the file and exceed what a select over all of it needs, so that only views or virtual tables in
-    /// place of tables can reach them. After one SQL text has exceeded them, later ones are allowed next to no steps.
+    /// Only select, transactions, and queries of the state of the file (data_version, integrity_check, page_count,
+    /// page_size). The file stays unchanged byte for byte, even if changes by others wait in its write-ahead log. The
+    /// limits are derived from the size of the file and exceed what a select over all of it needs, so that only views
+    /// or virtual tables in place of tables can reach them. After one SQL text has exceeded them, later ones are allowed
+    /// next to no steps.
     READ_ONLY,
 };
 

@@ -41,12 +41,12 @@ protected:
     static std::string Visit(AlarmRuleDbHelper& helper, const AlarmRuleDbHelper::Query& query, std::int32_t stopAt = 0)
     {
         std::string text;
-        const bool isReadable = helper.VisitEvents(query, [&](EventRows& rows) {
+        const auto reading = helper.VisitEvents(query, [&](const EventRows& rows) {
             text += (text.empty() ? "" : ", ") + std::to_string(rows.GetEventId()) + " " +
                 std::to_string(rows.GetFoundCount()) + "/" + std::to_string(rows.GetCount());
             return rows.GetEventId() == stopAt;
         });
-        return isReadable ? text : "unreadable " + text;
+        return reading == AlarmRuleDbHelper::Reading::UNREADABLE ? "unreadable " + text : text;
     }
 
     TempDir mDir;

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/stores/event_log/alarm_rule_db_helper_fixture.h"
+#include "tests/stores/event_log/number_question.h"
 #include "tests/support/time_zone.h"
 
 namespace {
@@ -10,250 +11,172 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// What a visit tells of members, row by row.
-std::string MemberTexts(EventRows& rows, const std::vector<std::string>& keys)
-{
-    rows.LoadMembers(keys);
-    std::string text;
-    for (std::size_t row = 0; row < rows.GetCount(); ++row) {
-        for (std::size_t key = 0; key < keys.size(); ++key) {
-            const EventMember member = rows.GetMember(row, key);
-            switch (member.kind) {
-            case EventMember::Kind::NO_EXTRA: text += "-"; break;
-            case EventMember::Kind::RAW: text += "raw(" + std::string(member.text) + ")"; break;
-            case EventMember::Kind::INTEGER: text += "#" + member.ToText(); break;
-            case EventMember::Kind::TEXT: text += "'" + member.ToText() + "'"; break;
-            }
-        }
-        text += " ";
-    }
-    return text;
-}
+constexpr char VERSION_LINE[] = "FUNc:AlarmRuleDbHelper::GetEventList: version name: 1.0";
 
-class EventMembersTest : public AlarmRuleDbHelperTest {
+class EventRowsTest : public AlarmRuleDbHelperTest {
 protected:
-    std::string Members(const std::vector<std::string>& keys, std::int64_t start = 0)
-    {
-        std::string text;
-        mHelper->VisitEvents({7, 7, start, true}, [&](EventRows& rows) {
-            text = MemberTexts(rows, keys);
-            return true;
-        });
-        return text;
-    }
-
     void Open(const EventLogBuilder& builder)
     {
         Write(builder);
         mHelper = std::make_unique<AlarmRuleDbHelper>();
     }
 
+    // Shows the rows of id 7.
+    template <typename Look>
+    void Show(const EventRows::Questions& questions, Look look, std::int64_t start = 0)
+    {
+        mHelper->VisitEvents({7, 7, start, true, questions}, [&](const EventRows& rows) {
+            look(rows);
+            return true;
+        });
+    }
+
+    // What the rows answer, row by row.
+    std::string Answers(const EventRows::Questions& questions, std::int64_t start = 0)
+    {
+        std::string text;
+        Show(questions, [&](const EventRows& rows) {
+            rows.ForEach([&](const EventRows::Row& row) {
+                for (std::size_t question = 0; question < questions.size(); ++question) {
+                    text += std::to_string(row.Answer(question)) + (question + 1 < questions.size() ? "," : " ");
+                }
+            });
+        }, start);
+        return text;
+    }
+
+    std::uint64_t Sum(const std::shared_ptr<const RowQuestion>& question)
+    {
+        std::uint64_t sum = 0;
+        Show({question}, [&sum](const EventRows& rows) { sum = rows.Sum(0); });
+        return sum;
+    }
+
+    std::vector<std::int32_t> Days()
+    {
+        std::vector<std::int32_t> days;
+        Show({NumberQuestion::Of("a")}, [&days](const EventRows& rows) {
+            rows.ForEach([&days](const EventRows::Row& row) { days.push_back(row.GetDayOfMonth()); });
+        });
+        return days;
+    }
+
     std::unique_ptr<AlarmRuleDbHelper> mHelper;
 };
 
-TEST_F(EventMembersTest, AreReadWhenAskedForAndKept)
+TEST_F(EventRowsTest, AnswerWhatTheirTextsHold)
 {
-    Open(EventLogBuilder().Rows({{10, 7, "1.0", R"({"a":5,"b":"x"})"}, {20, 7, "1.0", ""}, {30, 7, "1.0", "{"},
-        {40, 7, "1.0", "[1]"}, {50, 7, "1.0", R"({"a":{"b":1},"b":1.5})"}, {60, 7, "2.0", R"({"a":9})"},
-        {70, 7, "", R"({"a":"\u0041","b":"007"})"}, {80, 7, "1.0", R"({"a":-1000000001})"},
-        {90, 7, "1.0", R"({"a":-1000000000})"}, {95, 7, "1.0", R"({"a":123456789012345})"}}));
-    const std::string onlyA = "#5 - raw({) '' '' 'A' '-1000000001' #-1000000000 '123456789012345' ";
-    EXPECT_EQ(Members({"a"}), onlyA);
-    EXPECT_EQ(Members({"a"}), onlyA);
-    const std::string both = "'x'#5 -- raw({)raw({) '''' '1.5''' '007''A' '''-1000000001' ''#-1000000000 "
-                             "'''123456789012345' ";
-    EXPECT_EQ(Members({"b", "a"}), both);
-    EXPECT_EQ(Members({"a"}), onlyA);
-    EXPECT_EQ(Members({"a", "a"}).substr(0, 5), "#5#5 ");
-    EXPECT_EQ(Members({"b"}, 70), "'007' '' '' '' ");
+    Open(EventLogBuilder().Rows({{10, 7, "1.0", R"({"a":5,"b":8})"}, {20, 7, "1.0", ""}, {40, 7, "1.0", "[1]"},
+        {60, 7, "2.0", R"({"a":9})"}, {70, 7, "", R"({"a":"\u0031"})"}, {80, 7, "1.0", R"({"a":-3})"}}));
+    const auto a = NumberQuestion::Of("a");
+    const auto b = NumberQuestion::IsThere("b");
+    EXPECT_EQ(Answers({a}), "5 0 0 1 -3 ");
+    EXPECT_EQ(Answers({b}), "1 0 0 0 0 ");
+    EXPECT_EQ(Answers({b, a}), "1,5 0,0 0,0 0,1 0,-3 ");
+    EXPECT_EQ(Answers({a, a}, 70), "1,1 -3,-3 ");
+    EXPECT_EQ(Sum(a), 3U);
+    EXPECT_EQ(Sum(NumberQuestion::IsThere("a")), 3U);
 }
 
-TEST_F(EventMembersTest, MoreKeysThanAreKeptTakeTurns)
+TEST_F(EventRowsTest, SumBelowZeroWraps)
 {
-    std::string extra = "{";
-    std::vector<std::string> keys;
-    std::string expected;
-    for (int key = 1; key <= 40; ++key) {
-        keys.push_back("k" + std::to_string(key));
-        extra += (key == 1 ? "\"" : ",\"") + keys.back() + "\":" + std::to_string(key);
-        expected += "#" + std::to_string(key);
-    }
-    Open(EventLogBuilder().Row({10, 7, "1.0", extra + "}"}));
+    Open(EventLogBuilder().Rows({{10, 7, "1.0", R"({"a":-5})"}, {20, 7, "1.0", R"({"a":2})"}}));
+    EXPECT_EQ(Sum(NumberQuestion::Of("a")), UINT64_MAX - 2);
+}
+
+TEST_F(EventRowsTest, TextsThatLeaveLinesAreAskedEachTime)
+{
+    Open(EventLogBuilder().Rows({{10, 7, "1.0", R"({"a":5})"}, {20, 7, "1.0", "{"}, {30, 7, "1.0", R"({"a":"x"})"}}));
     for (int round = 0; round < 2; ++round) {
-        for (int key = 1; key <= 40; ++key) {
-            EXPECT_EQ(Members({keys[static_cast<std::size_t>(key) - 1]}), "#" + std::to_string(key) + " ");
-        }
+        mLog.Clear();
+        EXPECT_EQ(Answers({NumberQuestion::Of("a")}), "5 -1 -1 ");
+        EXPECT_THAT(mLog.Lines(), ElementsAre(VERSION_LINE, "FUNc:NumberQuestion: a of {",
+            R"(FUNc:NumberQuestion: a of {"a":"x"})"));
+        EXPECT_EQ(Sum(NumberQuestion::IsThere("a")), UINT64_MAX);
     }
-    EXPECT_EQ(Members(keys), expected + " ");
 }
 
-TEST_F(EventMembersTest, TextsBeyondTheStoreAreReadAgain)
+TEST_F(EventRowsTest, QuestionsAreAnsweredForeseenOrNot)
 {
     EventLogBuilder builder;
     std::string expected;
-    for (int row = 0; row < 6000; ++row) {
-        const std::string value = std::to_string(row) + std::string(60, 'x');
-        builder.Row({row, 7, "1.0", "{\"a\":\"" + value + "\"}"});
-        expected += "'" + value + "' ";
-    }
-    builder.Row({9000, 7, "1.0", "{\"a\":\"" + std::string(70000, 'y') + "\"}"});
-    Open(builder);
-    const std::string first = Members({"a"});
-    EXPECT_EQ(Members({"a"}), first);
-    EXPECT_EQ(first.substr(0, 1000), expected.substr(0, 1000));
-    EXPECT_THAT(first, testing::HasSubstr("raw({\"a\":\"5999" + std::string(60, 'x') + "\"})"));
-    EXPECT_THAT(first, testing::EndsWith("yyy\"}) "));
-}
-
-// Rows of id 7 with members k1 to k`keys`, whose value is the number of the row; the last k1 is `lastValue`.
-EventLogBuilder RowsWithMembers(int rows, int keys, const std::string& lastValue)
-{
-    EventLogBuilder builder;
-    for (int row = 1; row <= rows; ++row) {
-        const std::string value = std::to_string(row % 100);
-        std::string extra = "{\"k1\":" + (row == rows ? lastValue : value);
-        for (int key = 2; key <= keys; ++key) {
-            extra += ",\"k" + std::to_string(key) + "\":" + value;
-        }
-        builder.Row({row, 7, "1.0", extra + "}"});
-    }
-    return builder;
-}
-
-std::vector<std::string> MemberKeys(int keys)
-{
-    std::vector<std::string> names;
-    for (int key = 1; key <= keys; ++key) {
-        names.push_back("k" + std::to_string(key));
-    }
-    return names;
-}
-
-TEST_F(EventMembersTest, MoreMembersThanThereIsRoomForAreReadAgain)
-{
-    Open(RowsWithMembers(3000, 32, "1000000000"));
-    std::string expected;
-    for (int row = 1; row <= 3000; ++row) {
-        for (int key = 1; key <= 32; ++key) {
-            expected += "#" + (row == 3000 && key == 1 ? "1000000000" : std::to_string(row % 100));
-        }
-        expected += " ";
-    }
-    EXPECT_EQ(Members(MemberKeys(32)), expected);
-    EXPECT_EQ(Members(MemberKeys(32)), expected);
-}
-
-TEST_F(EventMembersTest, NumbersTooLargeForTheRoomThatIsLeftAreReadAgain)
-{
-    Open(RowsWithMembers(3000, 20, "1000000000"));
-    std::string expected;
-    for (int row = 1; row < 3000; ++row) {
-        expected += "#" + std::to_string(row % 100) + " ";
-    }
-    mHelper->Foresee(7, 7, MemberKeys(20));
-    for (int round = 0; round < 2; ++round) {
-        const std::string told = Members({"k1"});
-        EXPECT_EQ(told.substr(0, expected.size()), expected);
-        EXPECT_THAT(told.substr(expected.size()), testing::StartsWith("raw({\"k1\":1000000000,"));
-        EXPECT_THAT(Members({"k2"}), testing::EndsWith("#98 #99 #0 "));
-    }
-}
-
-TEST_F(EventMembersTest, RowsReadInOneGoThatCannotBeKeptAreReadAgain)
-{
-    Open(EventLogBuilder().Rows({{10, 7, "1.0", R"({"a":5})"}, {20, 7, "1.0", "{"}, {30, 7, "1.0", ""}}));
-    mHelper->Foresee(7, 7, {"a"});
-    for (int round = 0; round < 2; ++round) {
-        std::string text;
-        mHelper->VisitEvents({7, 7, 0, true, true}, [&](EventRows& rows) {
-            text = MemberTexts(rows, {"a"});
-            return true;
-        });
-        EXPECT_EQ(text, "#5 raw({) - ");
-    }
-}
-
-TEST_F(EventMembersTest, MembersForeseenInTheMiddleLeaveThoseAroundAsTheyAre)
-{
-    EventLogBuilder builder;
-    for (int row = 0; row < 50; ++row) {
-        builder.Row({row, 1 + row % 10, "1.0", R"({"a":)" + std::to_string(row * 10) + R"(,"b":"x)" +
-            std::to_string(row) + "\"}"});
+    for (int row = 0; row < 300; ++row) {
+        builder.Row({row, 1 + row % 10, "1.0", R"({"a":)" + std::to_string(row) + "}"});
+        expected += row % 10 == 6 ? std::to_string(row) + " " : "";
     }
     Open(builder);
-    const auto members = [this](const std::vector<std::string>& keys) {
-        std::string text;
-        mHelper->VisitEvents({1, 10, 20, false, true}, [&](EventRows& rows) {
-            text += MemberTexts(rows, keys);
-            return false;
-        });
-        return text;
-    };
-    std::string onlyA;
-    std::string onlyB;
-    for (int id = 1; id <= 10; ++id) {
-        for (int row = id - 1; row < 50; row += 10) {
-            onlyA += row < 20 ? "" : "#" + std::to_string(row * 10) + " ";
-            onlyB += row < 20 ? "" : "'x" + std::to_string(row) + "' ";
-        }
-    }
-    mHelper->Foresee(1, 10, {"a"});
-    EXPECT_EQ(members({"a"}), onlyA);
-    mHelper->Foresee(4, 6, {"b"});
-    mHelper->Foresee(6, 300, {"c", "b"});
-    EXPECT_EQ(members({"a"}), onlyA);
-    EXPECT_EQ(members({"b"}), onlyB);
-    EXPECT_EQ(members({"a"}), onlyA);
+    const auto a = NumberQuestion::Of("a");
+    EXPECT_EQ(Answers({a}), expected);
+    mHelper->Foresee(7, 7, {NumberQuestion::IsThere("b")});
+    EXPECT_EQ(Answers({NumberQuestion::IsThere("b")}).size(), 60U);
+    EXPECT_EQ(Answers({a}), expected);
+    EXPECT_EQ(Answers({a}, 290), "296 ");
+    EXPECT_EQ(Answers({a}, 200).substr(0, 8), "206 216 ");
 }
 
-TEST_F(EventMembersTest, ChangeDuringAVisitGivesTheRowsOfAFreshQuery)
+TEST_F(EventRowsTest, QuestionsWithoutRoomAreAnsweredToo)
 {
-    Open(EventLogBuilder().Rows({{10, 7, "1.0", R"({"a":5})"}, {20, 7, "1.0", R"({"a":6})"}}));
+    EventLogBuilder builder;
+    for (int row = 0; row < 2000; ++row) {
+        builder.Row({row, 1 + row % 10, "1.0", R"({"k1":1,"k300":)" + std::to_string(row) + "}"});
+    }
+    Open(builder);
+    EventRows::Questions questions;
+    for (int key = 1; key <= 300; ++key) {
+        questions.push_back(NumberQuestion::Of("k" + std::to_string(key)));
+    }
+    mHelper->Foresee(1, 10, questions);
+    std::uint64_t sum = 0;
+    Show(questions, [&sum](const EventRows& rows) { sum = rows.Sum(0) + rows.Sum(299); });
+    EXPECT_EQ(sum, 200U + 200U * 6U + 10U * (199U * 200U / 2U));
+}
+
+TEST_F(EventRowsTest, ChangeDuringAVisitGivesTheRowsOfAFreshQuery)
+{
+    Open(EventLogBuilder().Rows({{10, 7, "1.0", "["}, {20, 8, "1.0", "["}, {30, 8, "1.0", "["}}));
     std::string text;
-    mHelper->VisitEvents({7, 7, 0, true}, [&](EventRows& rows) {
-        EventLogBuilder::Run(mPath, "delete from event_info where _ID = 1");
-        text = MemberTexts(rows, {"a"});
-        return true;
+    mHelper->VisitEvents({7, 8, 0, true, {NumberQuestion::Of("a")}}, [&](const EventRows& rows) {
+        EventLogBuilder::Run(mPath, "delete from event_info where _ID = 2");
+        text += std::to_string(rows.GetEventId()) + ": " + std::to_string(rows.GetCount()) + "; ";
+        return false;
     });
-    EXPECT_EQ(text, "raw({\"a\":6}) ");
-    EXPECT_EQ(Members({"a"}), "#6 ");
+    EXPECT_EQ(text, "7: 1; 8: 1; ");
     EXPECT_THAT(mLog.Lines(), ElementsAre(VERSION_LINE, VERSION_LINE));
 }
 
-TEST_F(EventMembersTest, DaysAreLocal)
+TEST_F(EventRowsTest, DaysAreLocal)
 {
     // 23:30 of 31 December in UTC, half past midnight in the zone of the tests.
     Open(EventLogBuilder().Rows({{1704065400, 7, "1.0", ""}, {1703980800, 7, "1.0", ""}}));
-    std::vector<std::int32_t> days;
-    for (int round = 0; round < 2; ++round) {
-        mHelper->VisitEvents({7, 7, 0, true}, [&](EventRows& rows) {
-            days.push_back(rows.GetDayOfMonth(0));
-            days.push_back(rows.GetDayOfMonth(1));
-            return true;
-        });
-    }
-    EXPECT_THAT(days, ElementsAre(1, 31, 1, 31));
+    EXPECT_THAT(Days(), ElementsAre(1, 31));
+    EXPECT_THAT(Days(), ElementsAre(1, 31));
+    const TimeZone zone("UTC0");
+    EXPECT_THAT(Days(), ElementsAre(31, 31)) << "in the zone in force when it is asked";
 }
 
-// Rows of one hour, in a zone whose midnight lies in the middle of it.
-TEST_F(EventMembersTest, DaysAreToldApartWithinAnHour)
+TEST_F(EventRowsTest, DaysAreCounted)
 {
-    const TimeZone zone("IST-5:30");
-    EventLogBuilder builder;
-    for (std::int64_t minute = 0; minute < 60; ++minute) {
-        builder.Row({1704045600 + minute * 60, 7, "1.0", ""}); // 18:00 to 18:59 in UTC
-    }
-    Open(builder);
-    std::vector<std::int32_t> days;
-    mHelper->VisitEvents({7, 7, 0, true}, [&](EventRows& rows) {
-        for (std::size_t row = 0; row < rows.GetCount(); ++row) {
-            days.push_back(rows.GetDayOfMonth(row));
-        }
-        return true;
-    });
-    std::vector<std::int32_t> expected(30, 31);
-    expected.resize(60, 1);
-    EXPECT_EQ(days, expected);
+    Open(EventLogBuilder().Rows({{1704065400, 7, "1.0", ""}, {1703980800, 7, "1.0", ""}, {1703980801, 7, "2.0", ""}}));
+    EventRows::DayCounts days{};
+    Show({}, [&days](const EventRows& rows) { rows.CountDays(days); });
+    EXPECT_EQ(days[1], 1);
+    EXPECT_EQ(days[31], 1);
+}
+
+TEST_F(EventRowsTest, RowsReadWholeAnswerAndHaveDaysToo)
+{
+    Open(EventLogBuilder().Rows({{1704065400, 7, "1.0", R"({"a":5})"}, {0, 7, "1.0", ""}})
+        .Sql("update event_info_flow set occurrence_time = -1 where _ID = 2"));
+    EXPECT_EQ(Answers({NumberQuestion::Of("a")}, -5), "5 0 ");
+    std::vector<std::int32_t> each;
+    EventRows::DayCounts days{};
+    Show({NumberQuestion::Of("a")}, [&](const EventRows& rows) {
+        rows.CountDays(days);
+        rows.ForEach([&each](const EventRows::Row& row) { each.push_back(row.GetDayOfMonth()); });
+        EXPECT_EQ(rows.Sum(0), 5U);
+    }, -5);
+    EXPECT_THAT(each, ElementsAre(1, 1));
+    EXPECT_EQ(days[1], 2);
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 // Logs that no service writes: what the fast way answers and logs is what one query for each id does.
+#include <algorithm>
 #include <random>
 
 #include <gmock/gmock.h>
@@ -6,6 +7,7 @@
 #include "arborist/frame/log.h"
 #include "arborist/frame/settings.h"
 #include "arborist/stores/event_log/alarm_rule_db_helper.h"
+#include "tests/stores/event_log/number_question.h"
 #include "tests/support/case_name.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/log_capture.h"
@@ -31,7 +33,18 @@ protected:
         std::vector<std::string> lines;
     };
 
-    Answers AskForEachId(std::int64_t start, bool fromUpdate)
+    // "id count answers" of a row of an id, the answers in any order: SQLite chooses that of the rows.
+    static std::string Told(std::int32_t id, std::size_t count, std::vector<std::int32_t> answers)
+    {
+        std::sort(answers.begin(), answers.end());
+        std::string told = std::to_string(id) + " " + std::to_string(count);
+        for (const std::int32_t answer : answers) {
+            told += " " + std::to_string(answer);
+        }
+        return told;
+    }
+
+    Answers AskForEachId(std::int64_t start, bool fromUpdate, bool withTexts = false)
     {
         mLog.Clear();
         AlarmRuleDbHelper helper;
@@ -39,21 +52,35 @@ protected:
         for (std::int32_t id = FIRST_ID; id <= LAST_ID; ++id) {
             const auto events = helper.GetEventList(id, start, fromUpdate);
             if (!events.empty()) {
-                answers.counts.push_back(std::to_string(id) + " " + std::to_string(events.size()));
+                std::vector<std::int32_t> texts;
+                for (const auto& event : events) {
+                    if (withTexts) {
+                        texts.push_back(event->extra.empty() ? 0 : NumberQuestion::Of("a")->Answer(event->extra));
+                    }
+                }
+                answers.counts.push_back(Told(id, events.size(), texts));
             }
         }
         answers.lines = mLog.Lines();
         return answers;
     }
 
-    Answers VisitAll(std::int64_t start, bool fromUpdate)
+    Answers VisitAll(std::int64_t start, bool fromUpdate, bool withTexts = false)
     {
         mLog.Clear();
         AlarmRuleDbHelper helper;
         Answers answers;
-        helper.VisitEvents({FIRST_ID, LAST_ID, start, fromUpdate}, [&answers](EventRows& rows) {
+        EventRows::Questions questions;
+        if (withTexts) {
+            questions.push_back(NumberQuestion::Of("a"));
+        }
+        helper.VisitEvents({FIRST_ID, LAST_ID, start, fromUpdate, questions}, [&](const EventRows& rows) {
             if (rows.GetCount() != 0) {
-                answers.counts.push_back(std::to_string(rows.GetEventId()) + " " + std::to_string(rows.GetCount()));
+                std::vector<std::int32_t> texts;
+                if (withTexts) {
+                    rows.ForEach([&texts](const EventRows::Row& row) { texts.push_back(row.Answer(0)); });
+                }
+                answers.counts.push_back(Told(rows.GetEventId(), rows.GetCount(), texts));
             }
             return false;
         });
@@ -87,11 +114,14 @@ TEST_P(OddLogs, AnswerAsOneQueryForEachId)
         .WriteTo(mPath);
     for (const std::int64_t start : {std::int64_t{0}, std::int64_t{25}, INT64_MIN, INT64_MAX}) {
         for (const bool fromUpdate : {false, true}) {
-            SCOPED_TRACE(testing::Message() << "start " << start << " from update " << fromUpdate);
-            const Answers plain = AskForEachId(start, fromUpdate);
-            const Answers fast = VisitAll(start, fromUpdate);
-            EXPECT_EQ(fast.counts, plain.counts);
-            EXPECT_EQ(fast.lines, plain.lines);
+            for (const bool withTexts : {false, true}) {
+                SCOPED_TRACE(testing::Message()
+                    << "start " << start << " from update " << fromUpdate << " with texts " << withTexts);
+                const Answers plain = AskForEachId(start, fromUpdate, withTexts);
+                const Answers fast = VisitAll(start, fromUpdate, withTexts);
+                EXPECT_EQ(fast.counts, plain.counts);
+                EXPECT_EQ(fast.lines, plain.lines);
+            }
         }
     }
 }
@@ -142,6 +172,14 @@ INSTANTIATE_TEST_SUITE_P(Table, OddLogs, testing::Values(
         "(hex(_ID)), version_id integer as (1)); insert into t(_ID) values (1), (2), (3); drop table event_info; alter "
         "table t rename to event_info"},
     OddLog{"RowidIsAColumn", "alter table event_info add column rowid; update event_info set rowid = 'x'"},
+    OddLog{"RowidIsAColumnOfNumbers", "alter table event_info add column rowid; update event_info set rowid = 5 - _ID"},
+    OddLog{"AllNamesOfRowNumbersAreColumns", "create table t(_ID, event_id integer, extra, version_id, rowid, _rowid_, "
+        "oid); insert into t select *, 5 - _ID, 5 - _ID, 5 - _ID from event_info; drop table event_info; alter table t "
+        "rename to event_info"},
+    OddLog{"RowNumbersOfAnotherColumn", "create table t(_ID, event_id integer, extra, version_id, rowid, oid); insert "
+        "into t select *, 5 - _ID, 5 - _ID from event_info order by _ID desc; drop table event_info; alter table t "
+        "rename to event_info"},
+    OddLog{"IndexedTimes", "create index i on event_info_flow(occurrence_time)"},
     OddLog{"SecondColumnOfAnId", "alter table event_version add column event_id"},
     OddLog{"NoExtraColumn", "alter table event_info rename column extra to other"},
     OddLog{"NoVersionName", "alter table event_version rename column VERSION_NAME to other"},

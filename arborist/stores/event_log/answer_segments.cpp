@@ -1,0 +1,126 @@
+#include "arborist/stores/event_log/answer_segments.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+namespace {
+
+// Bytes that answers may take, and for each row of the log.
+constexpr std::size_t ROOM = 16384;
+constexpr std::size_t ROOM_FOR_A_ROW = 5;
+// Targets that the segments may have, and for how many rows of the log one more: they are there while it is read.
+constexpr std::size_t TARGETS = 2048;
+constexpr std::size_t ROWS_FOR_A_TARGET = 32;
+
+} // namespace
+
+void AnswerSegment::Add(AnswerColumn& column, const RowQuestion& question)
+{
+    const auto known = std::find(keys.begin(), keys.end(), question.GetKey());
+    targets.push_back({&column, &question, static_cast<std::size_t>(known - keys.begin())});
+    if (known == keys.end()) {
+        keys.push_back(question.GetKey());
+    }
+}
+
+// Where a run begins or ends.
+struct AnswerSegments::Boundary {
+    std::uint32_t entry;
+    bool isBegin;
+    Run run;
+};
+
+AnswerSegments::AnswerSegments(const EventLogSnapshot& snapshot, const Requests& requests,
+    const std::vector<Requests::Request>& wanted, AnswerTable& table)
+    : mSnapshot(snapshot), mSegmentOfEntry(snapshot.GetEntryCount())
+{
+    std::vector<Run> runs = RunsWithRoom(requests, wanted);
+    std::vector<Boundary> boundaries = BoundariesOf(runs);
+    while (!HasRoomFor(boundaries)) {
+        runs.resize(runs.size() / 2);
+        boundaries = BoundariesOf(runs);
+    }
+    MakeSegments(boundaries, requests, table);
+}
+
+std::vector<AnswerSegments::Run> AnswerSegments::RunsWithRoom(
+    const Requests& requests, const std::vector<Requests::Request>& wanted) const
+{
+    std::size_t room = ROOM + ROOM_FOR_A_ROW * mSnapshot.GetRowCount();
+    std::vector<Run> runs;
+    std::set<Run> known;
+    for (const Requests::Request& request : wanted) {
+        const auto first = static_cast<std::uint32_t>(mSnapshot.FirstEntryFrom(request.firstId));
+        const auto end = static_cast<std::uint32_t>(mSnapshot.FirstEntryFrom(std::int64_t{request.lastId} + 1));
+        const Run run{request.question, first, end};
+        if (first >= end || !known.insert(run).second) {
+            continue;
+        }
+        const std::uint32_t rows = mSnapshot.GetEntry(end - 1).end - mSnapshot.GetEntry(first).begin;
+        const std::size_t size = AnswerColumn::SizeFor(rows, requests.GetQuestion(run.question).IsNumber());
+        if (size <= room) {
+            room -= size;
+            runs.push_back(run);
+        }
+    }
+    return runs;
+}
+
+// Runs of one question that overlap are one.
+std::vector<AnswerSegments::Boundary> AnswerSegments::BoundariesOf(std::vector<Run> runs) const
+{
+    std::sort(runs.begin(), runs.end());
+    std::vector<Boundary> boundaries;
+    for (std::size_t place = 0; place < runs.size();) {
+        Run run = runs[place];
+        for (++place; place < runs.size() && runs[place].question == run.question && runs[place].first <= run.end;
+             ++place) {
+            run.end = std::max(run.end, runs[place].end);
+        }
+        boundaries.push_back({run.first, true, run});
+        boundaries.push_back({run.end, false, run});
+    }
+    std::sort(boundaries.begin(), boundaries.end(),
+        [](const Boundary& left, const Boundary& right) { return left.entry < right.entry; });
+    return boundaries;
+}
+
+bool AnswerSegments::HasRoomFor(const std::vector<Boundary>& boundaries) const
+{
+    const std::size_t most = TARGETS + mSnapshot.GetRowCount() / ROWS_FOR_A_TARGET;
+    std::size_t open = 0;
+    std::size_t targets = 0;
+    for (const Boundary& boundary : boundaries) {
+        open += boundary.isBegin ? 1 : static_cast<std::size_t>(-1);
+        targets += open;
+    }
+    return targets <= most;
+}
+
+void AnswerSegments::MakeSegments(
+    const std::vector<Boundary>& boundaries, const Requests& requests, AnswerTable& table)
+{
+    std::map<Requests::Number, AnswerColumn*> open;
+    for (std::size_t place = 0; place < boundaries.size();) {
+        const std::uint32_t entry = boundaries[place].entry;
+        for (; place < boundaries.size() && boundaries[place].entry == entry; ++place) {
+            const Run& run = boundaries[place].run;
+            if (!boundaries[place].isBegin) {
+                open.erase(run.question);
+                continue;
+            }
+            open[run.question] = table.Add(run.question, mSnapshot.GetEntry(run.first).begin,
+                mSnapshot.GetEntry(run.end - 1).end, requests.GetQuestion(run.question).IsNumber()).get();
+        }
+        if (open.empty()) {
+            continue;
+        }
+        AnswerSegment& segment = mSegments.emplace_back();
+        for (const auto& [question, column] : open) {
+            segment.Add(*column, requests.GetQuestion(question));
+        }
+        std::fill(mSegmentOfEntry.begin() + entry, mSegmentOfEntry.begin() + boundaries[place].entry,
+            static_cast<std::uint32_t>(mSegments.size()));
+    }
+}

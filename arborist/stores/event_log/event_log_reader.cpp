@@ -1,0 +1,247 @@
+#include "arborist/stores/event_log/event_log_reader.h"
+
+#include <algorithm>
+#include <limits>
+#include <string_view>
+#include <utility>
+
+#include "arborist/stores/event_log/event_query.h"
+#include "arborist/stores/event_log/log_state.h"
+#include "arborist/stores/event_log/query_plan.h"
+#include "arborist/stores/sql/sql_cursor.h"
+#include "arborist/stores/sql/sql_scan.h"
+
+namespace {
+
+using FT::sql::ScannedRow;
+using FT::sql::SqlCursor;
+
+// The join of EventQuery, held to the order in which that query goes through the tables.
+constexpr char FROM_TABLES[] =
+    " from event_info cross join event_info_flow on event_info._ID=event_info_flow._ID"
+    " cross join event_version on event_info.version_id=event_version._ID";
+constexpr std::size_t MOST_ROWS = std::numeric_limits<std::uint32_t>::max();
+constexpr std::int64_t FLAT_VERSIONS = 65536;
+// Bytes of an event in the file, at least.
+constexpr std::int64_t SHORTEST_ROW = 16;
+// A file with holes may claim any size, so that no more than this is believed.
+constexpr std::int64_t MOST_GUESSED_ROWS = 1 << 24;
+
+template <typename Number>
+bool Fits(std::int64_t value)
+{
+    return value >= std::numeric_limits<Number>::min() && value <= std::numeric_limits<Number>::max();
+}
+
+// 0 where there is no whole number.
+std::int64_t NumberOf(const FT::sql::Sqlite3Db& database, const std::string& sql)
+{
+    SqlCursor cursor(database, sql);
+    return cursor.Step() && cursor.GetType(0) == SqlCursor::ColumnType::INTEGER ? cursor.GetInteger(0) : 0;
+}
+
+// Room for the rows: as many as there are row numbers between the first and the last, or fit into the file. A guess
+// that saves growing, which would need the memory twice.
+std::size_t GuessRowCount(const FT::sql::Sqlite3Db& database, const std::string& rowName)
+{
+    const std::string numbers = "(" + rowName + ") from event_info)";
+    const std::int64_t span =
+        NumberOf(database, "select (select max" + numbers + " - (select min" + numbers + " + 1");
+    const std::int64_t fitting =
+        NumberOf(database, "PRAGMA page_count") * NumberOf(database, "PRAGMA page_size") / SHORTEST_ROW;
+    return static_cast<std::size_t>(
+        std::clamp<std::int64_t>(span, 0, std::clamp<std::int64_t>(fitting, 0, MOST_GUESSED_ROWS)));
+}
+
+} // namespace
+
+struct EventLogReader::Row {
+    bool isFound; // by a query for some id: there are an id and a time
+    bool isWhole; // all are whole numbers
+    std::int64_t id;
+    std::int64_t time;
+    std::int64_t version;
+    std::int64_t rowId;
+};
+
+EventLogReader::EventLogReader(const FT::sql::Sqlite3Db& database) : mDb(database)
+{
+    Clear();
+    mNumberOfId.max_load_factor(0.8F);
+}
+
+std::shared_ptr<const EventLogSnapshot> EventLogReader::Read()
+{
+    const ReadTransaction transaction(mDb);
+    const std::string query = EventQuery::TextFor(0, 0);
+    if (!SqlCursor(mDb, query).IsReady()) {
+        return nullptr;
+    }
+    mOrigin.rowName = QueryPlan::RowNameOfEvents(mDb);
+    mOrigin.isInTableOrder = QueryPlan::IsScanOfEvents(mDb, query) && !mOrigin.rowName.empty();
+    const bool isRead = (mOrigin.isInTableOrder || IsFileSound()) && ReadInOnePass();
+    if (!isRead) {
+        Clear();
+        mOrigin.isInTableOrder ? ReadRowByRow() : ReadIds();
+    }
+    mNumberOfId = IdDictionary();
+    mOrigin.dataVersion = ReadDataVersion(mDb);
+    return std::make_shared<EventLogSnapshot>(std::move(mIds), std::move(mNeedsQuery), std::move(mIdOfRow),
+        std::move(mColumns), std::move(mVersionNumbers), std::move(mOrigin));
+}
+
+void EventLogReader::Clear()
+{
+    mIds.clear();
+    mNumberOfId.clear();
+    mNeedsQuery.clear();
+    mIdOfRow.clear();
+    mColumns = {};
+    mVersionNumbers = {{"", EventLogSnapshot::UNNAMED_VERSION}};
+    mVersions.clear();
+    mOtherVersions.clear();
+}
+
+// Damage that no query meets doesn't matter here either, but to tell it apart takes the queries.
+bool EventLogReader::IsFileSound() const
+{
+    SqlCursor cursor(mDb, "PRAGMA integrity_check");
+    return cursor.Step() && cursor.GetText(0) == "ok";
+}
+
+bool EventLogReader::ReadInOnePass()
+{
+    if (!ReadVersions()) {
+        return false;
+    }
+    const bool hasRowIds = !mOrigin.rowName.empty();
+    const std::size_t guess = hasRowIds ? GuessRowCount(mDb, mOrigin.rowName) : 0;
+    mColumns.times.reserve(guess);
+    mColumns.rowIds.reserve(guess);
+    mColumns.versions.reserve(guess);
+    mIdOfRow.reserve(guess);
+    // The text is only touched: a query meets it with each row that it finds.
+    const std::string columns = "event_info.event_id, event_info_flow.occurrence_time, event_version._ID, " +
+        (hasRowIds ? "event_info." + mOrigin.rowName : "null") + ", event_info.extra";
+    std::string error;
+    return FT::sql::ScanRows(mDb, columns, FROM_TABLES, [this](const ScannedRow& row) {
+        // Types first: reading a text as a number may change its type.
+        const bool isWhole = row.IsInteger(0) && row.IsInteger(1) && row.IsInteger(2) && row.IsInteger(3);
+        const bool isFound = isWhole || !(row.IsNull(0) || row.IsNull(1));
+        TakeRow({isFound, isWhole, row.GetInteger(0), row.GetInteger(1), row.GetInteger(2), row.GetInteger(3)});
+    }, error);
+}
+
+bool EventLogReader::ReadVersions()
+{
+    std::string error;
+    return FT::sql::ScanRows(mDb, "_ID, VERSION_NAME", "from event_version", [this](const ScannedRow& row) {
+        const bool isNumber = row.IsInteger(0);
+        TakeVersion(row.GetInteger(0), isNumber, std::string(row.GetText(1)));
+    }, error);
+}
+
+// Goes through event_info as the query for an id without rows does, so that what ends this ends every query. A row
+// whose partners or text can't be read leaves its id to that id's query.
+void EventLogReader::ReadRowByRow()
+{
+    using Type = SqlCursor::ColumnType;
+    SqlCursor events(mDb, "select event_id, " + mOrigin.rowName + " from event_info not indexed");
+    SqlCursor partners(mDb, std::string("select event_info.event_id, event_info_flow.occurrence_time, "
+        "event_version._ID, event_version.VERSION_NAME, event_info.extra") + FROM_TABLES + " where event_info." +
+        mOrigin.rowName + " = ?1");
+    while (events.Step()) {
+        const Type type = events.GetType(0);
+        const std::int64_t id = events.GetInteger(0);
+        const std::int64_t rowId = events.GetInteger(1);
+        if (type == Type::NONE || !Fits<std::int32_t>(id)) {
+            continue;
+        }
+        partners.Restart(rowId);
+        while (partners.Step()) {
+            const bool isWhole = type == Type::INTEGER && partners.GetType(1) == Type::INTEGER &&
+                partners.GetType(2) == Type::INTEGER;
+            const bool isFound = partners.GetType(1) != Type::NONE;
+            TakeVersion(partners.GetInteger(2), isWhole, std::string(partners.GetText(3)));
+            TakeRow({isFound, isWhole, id, partners.GetInteger(1), partners.GetInteger(2), rowId});
+        }
+        if (!partners.IsOk()) {
+            mNeedsQuery[NumberOfId(static_cast<std::int32_t>(id))] = true;
+        }
+    }
+    mOrigin.breakError = events.GetError();
+}
+
+// From both ends of what may be an index and what may be the table: one unreadable page hides no id from all four.
+void EventLogReader::ReadIds()
+{
+    mOrigin.isEachIdAsked = true;
+    for (const std::string order : {" order by event_id", " order by event_id desc", " not indexed order by rowid",
+             " not indexed order by rowid desc"}) {
+        SqlCursor ids(mDb, "select event_id from event_info" + order);
+        while (ids.Step()) {
+            const std::int64_t id = ids.GetInteger(0);
+            if (Fits<std::int32_t>(id)) {
+                mNeedsQuery[NumberOfId(static_cast<std::int32_t>(id))] = true;
+            }
+        }
+    }
+}
+
+EventLogReader::Version& EventLogReader::VersionOf(std::int64_t rowNumber)
+{
+    if (rowNumber < 0 || rowNumber >= FLAT_VERSIONS) {
+        return mOtherVersions[rowNumber];
+    }
+    const auto place = static_cast<std::size_t>(rowNumber);
+    if (place >= mVersions.size()) {
+        mVersions.resize(place + 1);
+    }
+    return mVersions[place];
+}
+
+void EventLogReader::TakeVersion(std::int64_t rowNumber, bool isNumber, const std::string& name)
+{
+    const bool isTooMany = !Fits<std::uint16_t>(static_cast<std::int64_t>(mVersionNumbers.size())) &&
+        mVersionNumbers.count(name) == 0;
+    const auto next = static_cast<std::uint16_t>(mVersionNumbers.size());
+    const std::uint16_t number =
+        isTooMany ? EventLogSnapshot::UNNAMED_VERSION : mVersionNumbers.emplace(name, next).first->second;
+    if (!isNumber) {
+        return; // its rows won't show a number either
+    }
+    Version& version = VersionOf(rowNumber);
+    version.isAmbiguous = version.isAmbiguous || isTooMany || (version.isKnown && version.number != number);
+    version.isKnown = true;
+    version.number = number;
+}
+
+std::uint32_t EventLogReader::NumberOfId(std::int32_t id)
+{
+    const auto next = static_cast<std::uint32_t>(mIds.size());
+    const auto [found, isNew] = mNumberOfId.try_emplace(id, next);
+    if (isNew) {
+        mIds.push_back(id);
+        mNeedsQuery.push_back(false);
+    }
+    return found->second;
+}
+
+void EventLogReader::TakeRow(const Row& row)
+{
+    // No query finds a row without an id or a time, nor one whose id no rule can name.
+    if (!row.isFound || !Fits<std::int32_t>(row.id)) {
+        return;
+    }
+    const std::uint32_t id = NumberOfId(static_cast<std::int32_t>(row.id));
+    const bool fits = Fits<std::uint32_t>(row.time) && Fits<std::uint32_t>(row.rowId) && mIdOfRow.size() != MOST_ROWS;
+    const Version version = row.isWhole ? VersionOf(row.version) : Version();
+    if (!row.isWhole || !fits || !version.isKnown || version.isAmbiguous) {
+        mNeedsQuery[id] = true;
+        return;
+    }
+    mColumns.times.push_back(static_cast<std::uint32_t>(row.time));
+    mColumns.rowIds.push_back(static_cast<std::uint32_t>(row.rowId));
+    mColumns.versions.push_back(version.number);
+    mIdOfRow.push_back(id); // last: should memory run out, a row counts that stands in all columns
+}

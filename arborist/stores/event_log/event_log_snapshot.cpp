@@ -1,0 +1,183 @@
+#include "arborist/stores/event_log/event_log_snapshot.h"
+
+#include <algorithm>
+#include <limits>
+#include <numeric>
+#include <utility>
+
+namespace {
+
+constexpr unsigned int HALF_BITS = 16;
+
+// Brings the numbers of a column, which stand in the order of the log, entry by entry. Sixteen bits at a time: two bytes
+// a row are all the room that takes.
+template <typename Number>
+void GroupHalves(std::vector<Number>& column, const std::vector<std::uint32_t>& entryOfRow,
+    const std::vector<std::uint32_t>& begins)
+{
+    std::vector<std::uint16_t> grouped(column.size());
+    for (unsigned int shift = 0; shift < std::numeric_limits<Number>::digits; shift += HALF_BITS) {
+        std::vector<std::uint32_t> next(begins.begin(), begins.end() - 1);
+        for (std::size_t row = 0; row < column.size(); ++row) {
+            grouped[next[entryOfRow[row]]++] = static_cast<std::uint16_t>(column[row] >> shift);
+        }
+        const std::uint32_t otherHalf = 0xFFFF0000U >> shift;
+        for (std::size_t row = 0; row < column.size(); ++row) {
+            column[row] =
+                static_cast<Number>((column[row] & otherHalf) | static_cast<std::uint32_t>(grouped[row]) << shift);
+        }
+    }
+}
+
+} // namespace
+
+EventLogSnapshot::EventLogSnapshot(std::vector<std::int32_t> ids, std::vector<bool> needsQuery,
+    std::vector<std::uint32_t> idNumbers, Columns columns, VersionNumbers versionNumbers, Origin origin)
+    : mOrigin(std::move(origin)), mIds(std::move(ids)), mColumns(std::move(columns)),
+      mVersionNumbers(std::move(versionNumbers))
+{
+    const std::vector<std::uint32_t> entryOfId = SortIds(std::move(needsQuery));
+    for (std::uint32_t& number : idNumbers) {
+        number = entryOfId[number];
+    }
+    GroupRows(idNumbers);
+    idNumbers = std::vector<std::uint32_t>();
+    LookAtOrder();
+}
+
+// Answers where each id went.
+std::vector<std::uint32_t> EventLogSnapshot::SortIds(std::vector<bool> needsQuery)
+{
+    std::vector<std::uint32_t> sorted(mIds.size());
+    std::iota(sorted.begin(), sorted.end(), 0U);
+    std::sort(sorted.begin(), sorted.end(), [this](auto left, auto right) { return mIds[left] < mIds[right]; });
+    std::vector<std::uint32_t> places(mIds.size());
+    std::vector<std::int32_t> ids(mIds.size());
+    mNeedsQuery.resize(mIds.size());
+    for (std::uint32_t place = 0; place < sorted.size(); ++place) {
+        places[sorted[place]] = place;
+        ids[place] = mIds[sorted[place]];
+        mNeedsQuery[place] = needsQuery[sorted[place]];
+    }
+    mIds = std::move(ids);
+    return places;
+}
+
+void EventLogSnapshot::GroupRows(const std::vector<std::uint32_t>& entryOfRow)
+{
+    mBegins.assign(mIds.size() + 1, 0);
+    for (const std::uint32_t entry : entryOfRow) {
+        ++mBegins[entry + 1];
+    }
+    std::partial_sum(mBegins.begin(), mBegins.end(), mBegins.begin());
+    GroupHalves(mColumns.times, entryOfRow, mBegins);
+    GroupHalves(mColumns.rowIds, entryOfRow, mBegins);
+    GroupHalves(mColumns.versions, entryOfRow, mBegins);
+}
+
+void EventLogSnapshot::LookAtOrder()
+{
+    mIsAscending.resize(mIds.size());
+    for (std::size_t number = 0; number < mIds.size(); ++number) {
+        const std::uint32_t begin = mBegins[number];
+        const std::uint32_t end = mBegins[number + 1];
+        bool isAscending = true;
+        for (std::uint32_t row = begin + 1; row < end; ++row) {
+            isAscending = isAscending && mColumns.times[row - 1] <= mColumns.times[row];
+            mAreRowIdsAscending = mAreRowIdsAscending && mColumns.rowIds[row - 1] < mColumns.rowIds[row];
+        }
+        mIsAscending[number] = isAscending;
+    }
+}
+
+std::size_t EventLogSnapshot::FirstEntryFrom(std::int64_t id) const
+{
+    return static_cast<std::size_t>(std::lower_bound(mIds.begin(), mIds.end(), id) - mIds.begin());
+}
+
+std::uint16_t EventLogSnapshot::NumberOfVersion(const std::string& name) const
+{
+    const auto found = mVersionNumbers.find(name);
+    return found == mVersionNumbers.end() ? UNNAMED_VERSION : found->second;
+}
+
+EventLogSnapshot::Run EventLogSnapshot::RunSince(const Entry& entry, std::int64_t start) const
+{
+    if (!entry.isAscending) {
+        return {entry.begin, entry.end, false};
+    }
+    // No time of a row lies outside of these.
+    constexpr std::int64_t LAST_TIME = std::numeric_limits<std::uint32_t>::max();
+    if (start > LAST_TIME) {
+        return {entry.end, entry.end, true};
+    }
+    const auto first = static_cast<std::uint32_t>(std::max<std::int64_t>(start, 0));
+    const auto begin = mColumns.times.begin();
+    const auto found = std::lower_bound(begin + entry.begin, begin + entry.end, first);
+    return {static_cast<std::uint32_t>(found - begin), entry.end, true};
+}
+
+std::size_t EventLogSnapshot::Count(const Run& run, const Filter& filter) const
+{
+    if (run.isSince && !filter.version) {
+        return run.end - run.begin;
+    }
+    std::uint32_t count = 0;
+    if (run.isSince) {
+        const std::uint16_t* const versions = mColumns.versions.data();
+        const std::uint16_t version = *filter.version;
+        for (std::uint32_t row = run.begin; row < run.end; ++row) {
+            count += static_cast<std::uint32_t>((versions[row] == UNNAMED_VERSION) | (versions[row] == version));
+        }
+        return count;
+    }
+    for (std::uint32_t row = run.begin; row < run.end; ++row) {
+        count += static_cast<std::uint32_t>(Passes(row, run, filter));
+    }
+    return count;
+}
+
+template <typename Condition>
+void EventLogSnapshot::CountDaysIf(const Run& run, LocalDays& localDays, DayCounts& days, Condition passes) const
+{
+    const std::uint32_t* const times = mColumns.times.data();
+    for (std::uint32_t row = run.begin; row < run.end;) {
+        // Rows beside each other mostly are of one day.
+        const LocalDays::Stretch stretch = localDays.StretchWith(times[row]);
+        const std::uint32_t length = stretch.end - stretch.begin;
+        std::int32_t count = 0;
+        do {
+            count += static_cast<std::int32_t>(passes(row));
+            ++row;
+        } while (row < run.end && times[row] - stretch.begin < length);
+        days[static_cast<std::size_t>(stretch.day)] += count;
+    }
+}
+
+void EventLogSnapshot::CountDays(const Run& run, const Filter& filter, LocalDays& localDays, DayCounts& days) const
+{
+    if (!run.isSince) {
+        CountDaysIf(run, localDays, days, [&](std::uint32_t row) { return Passes(row, run, filter); });
+    } else if (filter.version) {
+        CountDaysIf(run, localDays, days,
+            [versions = mColumns.versions.data(), version = *filter.version](std::uint32_t row) {
+                return (versions[row] == UNNAMED_VERSION) | (versions[row] == version);
+            });
+    } else {
+        CountDaysIf(run, localDays, days, [](std::uint32_t) { return true; });
+    }
+}
+
+RowBits EventLogSnapshot::Select(const Run& run, const Filter& filter) const
+{
+    RowBits rows(run.begin, run.end);
+    for (std::uint32_t row = run.begin; row < run.end;) {
+        const std::uint32_t number = row / RowBits::WORD_BITS;
+        RowBits::Word word = 0;
+        for (; row < run.end && row / RowBits::WORD_BITS == number; ++row) {
+            word |= static_cast<RowBits::Word>(Passes(row, run, filter)) << row % RowBits::WORD_BITS;
+        }
+        rows.SetWord(number, word);
+    }
+    return rows;
+}

@@ -1,0 +1,88 @@
+#include "arborist/stores/event_log/event_query.h"
+
+#include <array>
+
+#include "arborist/stores/sql/simple_database_helper.h"
+#include "arborist/stores/sql/sql_text.h"
+#include "arborist/utilities/time_util.h"
+
+namespace {
+
+constexpr char EVENT_ID[] = "event_id";
+constexpr char EXTRA[] = "extra";
+constexpr char OCCURRENCE_TIME[] = "occurrence_time";
+constexpr char VERSION_NAME[] = "VERSION_NAME";
+
+// The rows are paired by their own ids; the derived tables pair them by event_pid. Both are as the service means them.
+constexpr char EVENT_QUERY[] =
+    "select event_info.event_id,event_info.extra,event_info_flow.occurrence_time,event_version.VERSION_NAME"
+    " from event_info join event_info_flow on event_info._ID=event_info_flow._ID"
+    " join event_version on event_info.version_id=event_version._ID where event_id = %d and occurrence_time >= %lld";
+// Room for the query with both numbers at their longest.
+constexpr int QUERY_SIZE = sizeof(EVENT_QUERY) + 64;
+
+using EventFields = std::array<FT::sql::SqlField, 5>;
+
+// The columns of the query. There is no table of that name: the object holds what the query finds.
+EventFields& EventInfoUnionFields()
+{
+    static EventFields fields = [] {
+        EventFields made{FT::sql::SqlField(EVENT_ID, FT::sql::TypeInteger, FT::sql::FlagNone, FT::sql::FlagNotNull),
+            FT::sql::SqlField(EXTRA, FT::sql::TypeText), FT::sql::SqlField(OCCURRENCE_TIME, FT::sql::TypeInteger),
+            FT::sql::SqlField(VERSION_NAME, FT::sql::TypeText), FT::sql::SqlField(FT::sql::FieldUseEnd)};
+        // Numbered here, once, so that no table has to write into what other threads read.
+        for (std::size_t position = 0; position + 1 < made.size(); ++position) {
+            made[position].SetIndex(position);
+        }
+        return made;
+    }();
+    return fields;
+}
+
+std::string TextOf(const FT::sql::SqlValue* value)
+{
+    return value == nullptr ? std::string() : value->AsString();
+}
+
+} // namespace
+
+EventQuery::EventQuery(const FT::sql::Sqlite3Db& database)
+    : mEventInfoUnion(database, "event_info_union", EventInfoUnionFields().data(), EventInfoUnionFields().size())
+{
+}
+
+std::string EventQuery::TextFor(std::int32_t eventId, std::int64_t startTime)
+{
+    char query[QUERY_SIZE];
+    FT::sql::Sqlite3Snprintf(QUERY_SIZE, query, EVENT_QUERY, eventId, static_cast<long long>(startTime));
+    return query;
+}
+
+void EventQuery::Run(std::int32_t eventId, std::int64_t startTime)
+{
+    mFound = FT::sql::SimpleDatabaseHelper().GetRecordCountByFullSql(mEventInfoUnion, TextFor(eventId, startTime));
+    mIsWhole = mEventInfoUnion.IsOk();
+}
+
+EventQuery::EventList EventQuery::GetEvents(bool fromUpdate, const std::string& versionName) const
+{
+    EventList events;
+    const FT::sql::SimpleDatabaseHelper helper;
+    const auto valueOf = [&](std::uint64_t index, const std::string& column) {
+        return helper.GetFieldValueByIndex(mEventInfoUnion, index, mFound, column);
+    };
+    for (std::uint64_t index = 0; index < mFound; ++index) {
+        const std::string rowVersion = TextOf(valueOf(index, VERSION_NAME));
+        // A row that names no version counts for every version.
+        if (fromUpdate && !rowVersion.empty() && rowVersion != versionName) {
+            continue;
+        }
+        const FT::sql::SqlValue* const id = valueOf(index, EVENT_ID);
+        const FT::sql::SqlValue* const time = valueOf(index, OCCURRENCE_TIME);
+        events.push_back(std::make_shared<LogEvent>(
+            id == nullptr ? 0 : static_cast<std::int32_t>(id->AsInteger()),
+            time == nullptr ? std::string() : TimeUtil::GetFormatTime(time->AsInteger()),
+            TextOf(valueOf(index, EXTRA))));
+    }
+    return events;
+}

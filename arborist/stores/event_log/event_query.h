@@ -1,0 +1,42 @@
+#ifndef ARBORIST_STORES_EVENT_LOG_EVENT_QUERY_H
+#define ARBORIST_STORES_EVENT_LOG_EVENT_QUERY_H
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "arborist/stores/event_log/log_event.h"
+#include "arborist/stores/sql/sql_database.h"
+#include "arborist/stores/sql/sql_table.h"
+
+/// The query for the events of one id. What it answers and logs is what every faster way has to answer and log.
+class EventQuery {
+public:
+    using EventList = std::vector<std::shared_ptr<LogEvent>>;
+
+    /// What the rows are joined from.
+    static constexpr char JOINED_TABLES[] =
+        " from event_info join event_info_flow on event_info._ID=event_info_flow._ID"
+        " join event_version on event_info.version_id=event_version._ID";
+
+    explicit EventQuery(const FT::sql::Sqlite3Db& database);
+
+    static std::string TextFor(std::int32_t eventId, std::int64_t startTime);
+
+    /// Asks for the events of `eventId` since `startTime`. What fails logs its line and leaves the rows before.
+    void Run(std::int32_t eventId, std::int64_t startTime);
+    /// Whether the last query came to its end.
+    bool IsWhole() const { return mIsWhole; }
+    /// Rows that the last query found.
+    std::size_t GetCount() const { return mFound; }
+    /// Their events; with `fromUpdate` only those of the version `versionName` and of none.
+    EventList GetEvents(bool fromUpdate, const std::string& versionName) const;
+
+private:
+    FT::sql::SqlTable mEventInfoUnion;
+    bool mIsWhole = false;
+    std::size_t mFound = 0;
+};
+
+#endif

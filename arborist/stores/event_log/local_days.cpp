@@ -1,0 +1,59 @@
+#include "arborist/stores/event_log/local_days.h"
+
+#include <charconv>
+#include <chrono>
+#include <limits>
+#include <string>
+
+#include "arborist/utilities/time_util.h"
+
+namespace {
+
+// What a clock shows, "YYYY-MM-DD HH:MM:SS": times of 32 bits have years of four digits.
+class Clock {
+public:
+    explicit Clock(std::int64_t time) : mText(TimeUtil::GetFormatTime(time)) {}
+
+    int GetDay() const { return NumberAt(8, 2); }
+    std::int64_t GetSecondOfDay() const { return (NumberAt(11, 2) * 60 + NumberAt(14, 2)) * 60 + NumberAt(17, 2); }
+    /// Seconds that a clock which runs on takes from some moment.
+    std::int64_t GetSeconds() const
+    {
+        const std::chrono::year_month_day date{std::chrono::year(NumberAt(0, 4)),
+            std::chrono::month(static_cast<unsigned int>(NumberAt(5, 2))),
+            std::chrono::day(static_cast<unsigned int>(GetDay()))};
+        return std::chrono::seconds(std::chrono::sys_days(date).time_since_epoch()).count() + GetSecondOfDay();
+    }
+
+private:
+    int NumberAt(std::size_t place, std::size_t length) const
+    {
+        int number = 0;
+        std::from_chars(mText.data() + place, mText.data() + place + length, number);
+        return number;
+    }
+
+    std::string mText;
+};
+
+} // namespace
+
+LocalDays::Day LocalDays::Ask(std::uint32_t day)
+{
+    const std::int64_t begin = std::int64_t{day} * SECONDS_OF_DAY;
+    const std::int64_t end = begin + SECONDS_OF_DAY;
+    const bool isLastDay = end > std::numeric_limits<std::uint32_t>::max();
+    const Clock first(begin);
+    const Clock last(end - 1);
+    // A clock that took as long as the day was not changed in it.
+    if (isLastDay || last.GetSeconds() - first.GetSeconds() != SECONDS_OF_DAY - 1) {
+        return {day + 1, 0, 0, 0, 0};
+    }
+    return {day + 1, static_cast<std::uint32_t>(end - first.GetSecondOfDay()), static_cast<std::uint32_t>(end),
+        first.GetDay(), last.GetDay()};
+}
+
+std::int32_t LocalDays::AskFor(std::int64_t time)
+{
+    return Clock(time).GetDay();
+}

@@ -1,0 +1,21 @@
+#include "arborist/stores/event_log/log_state.h"
+
+#include "arborist/stores/sql/sql_cursor.h"
+
+using FT::sql::SqlCursor;
+
+ReadTransaction::ReadTransaction(const FT::sql::Sqlite3Db& database) : mDb(database)
+{
+    SqlCursor(mDb, "BEGIN").Step();
+}
+
+ReadTransaction::~ReadTransaction()
+{
+    SqlCursor(mDb, "COMMIT").Step();
+}
+
+std::int64_t ReadDataVersion(const FT::sql::Sqlite3Db& database)
+{
+    SqlCursor cursor(database, "PRAGMA data_version");
+    return cursor.Step() ? cursor.GetInteger(0) : NO_DATA_VERSION;
+}

@@ -1,0 +1,42 @@
+#ifndef ARBORIST_STORES_EVENT_LOG_ROW_COUNTS_H
+#define ARBORIST_STORES_EVENT_LOG_ROW_COUNTS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "arborist/stores/event_log/event_log_snapshot.h"
+
+/// How many rows of each entry of a snapshot count under one filter: worked out when first asked for. Pins the snapshot.
+class RowCounts {
+public:
+    RowCounts(std::shared_ptr<const EventLogSnapshot> snapshot, const EventLogSnapshot::Filter& filter)
+        : mSnapshot(std::move(snapshot)), mFilter(filter), mCounts(mSnapshot->GetEntryCount(), NOT_COUNTED)
+    {
+    }
+
+    const EventLogSnapshot& GetSnapshot() const { return *mSnapshot; }
+    const EventLogSnapshot::Filter& GetFilter() const { return mFilter; }
+    std::size_t Of(std::size_t entryNumber)
+    {
+        std::uint32_t& count = mCounts[entryNumber];
+        if (count == NOT_COUNTED) {
+            const EventLogSnapshot::Entry entry = mSnapshot->GetEntry(entryNumber);
+            count = static_cast<std::uint32_t>(
+                mSnapshot->Count(mSnapshot->RunSince(entry, mFilter.start), mFilter));
+        }
+        return count;
+    }
+
+private:
+    static constexpr std::uint32_t NOT_COUNTED = std::numeric_limits<std::uint32_t>::max();
+
+    std::shared_ptr<const EventLogSnapshot> mSnapshot;
+    EventLogSnapshot::Filter mFilter;
+    std::vector<std::uint32_t> mCounts;
+};
+
+#endif

@@ -1,0 +1,193 @@
+#include "arborist/stores/event_log/event_log_reader.h"
+
+#include <gmock/gmock.h>
+
+#include "arborist/stores/sql/sql_operator.h"
+#include "tests/stores/event_log/log_reading.h"
+
+namespace {
+
+class EventLogReaderTest : public LogReadingTest {
+protected:
+    void Damage(std::size_t place, std::size_t length)
+    {
+        std::string file = mDir.Read("log.db");
+        file.replace(place, length, length, '\xFF');
+        mDir.Write("log.db", file);
+    }
+};
+
+TEST_F(EventLogReaderTest, ReadsAllRowsInSilence)
+{
+    const auto snapshot = Read(EventLogBuilder().Rows({{30, 7, "", ""}, {20, -5, "", ""}, {10, 7, "", ""}}));
+    EXPECT_EQ(RowsOf(*snapshot), "-5: 20; 7: 30 10");
+    EXPECT_EQ(snapshot->GetRowId(snapshot->GetEntry(1).end - 1), 3);
+    EXPECT_EQ(snapshot->GetOrigin().rowName, "_ID");
+    EXPECT_TRUE(snapshot->GetOrigin().isInTableOrder);
+    EXPECT_FALSE(snapshot->GetOrigin().isEachIdAsked);
+    EXPECT_EQ(snapshot->GetOrigin().breakError, "");
+    EXPECT_THAT(mLog.Lines(), testing::IsEmpty());
+}
+
+TEST_F(EventLogReaderTest, TimesAndRowNumbersFarApartKeepTheirValues)
+{
+    const auto snapshot = Read(EventLogBuilder().Rows({{1700000000, 7, "", ""}, {0, 7, "", ""},
+        {4294967295, 7, "", ""}, {1699999999, 8, "", ""}, {1500000000, 8, "", ""}})
+        .Sql("update event_info set _ID = 4294967295 where _ID = 5")
+        .Sql("update event_info_flow set _ID = 4294967295 where _ID = 5"));
+    EXPECT_EQ(RowsOf(*snapshot), "7: 1700000000 0 4294967295; 8: 1699999999 1500000000");
+    EXPECT_EQ(snapshot->GetRowId(snapshot->GetEntry(0).begin), 1);
+    EXPECT_EQ(snapshot->GetRowId(snapshot->GetEntry(1).end - 1), 4294967295);
+}
+
+TEST_F(EventLogReaderTest, ManyIdsAreGroupedToo)
+{
+    EventLogBuilder builder;
+    builder.Sql("insert into event_version values (1, '1')").Sql("with recursive n(i) as (select 1 union all select i + 1 "
+        "from n where i < 70000) insert into event_info select i, 70001 - i, '', 1 from n")
+        .Sql("insert into event_info_flow select _ID, _ID, _ID from event_info");
+    const auto snapshot = Read(builder);
+    ASSERT_EQ(snapshot->GetEntryCount(), 70000U);
+    for (const std::int32_t id : {1, 2, 4000, 65536, 65537, 70000}) {
+        const EventLogSnapshot::Entry entry = snapshot->GetEntry(snapshot->FirstEntryFrom(id));
+        EXPECT_EQ(entry.eventId, id);
+        EXPECT_EQ(entry.end - entry.begin, 1U);
+        EXPECT_EQ(snapshot->GetTime(entry.begin), static_cast<std::uint32_t>(70001 - id));
+        EXPECT_EQ(snapshot->GetRowId(entry.begin), 70001 - id);
+    }
+}
+
+TEST_F(EventLogReaderTest, MoreVersionsThanAreNumberedNeedAQuery)
+{
+    EventLogBuilder builder;
+    builder.Sql("with recursive n(i) as (select 1 union all select i + 1 from n where i < 65540) "
+        "insert into event_version select i, 'v' || i from n")
+        .Sql("insert into event_info values (1, 7, '', 65535), (2, 8, '', 65536), (3, 9, '', 3)")
+        .Sql("insert into event_info_flow select _ID, _ID, _ID from event_info");
+    EXPECT_EQ(RowsOf(builder), "7: 1; 8?; 9: 3");
+}
+
+TEST_F(EventLogReaderTest, RowsWithoutPartnersAreInvisible)
+{
+    EXPECT_EQ(RowsOf(EventLogBuilder().Rows({{10, 7, "", ""}, {20, 8, "", ""}, {30, 9, "", ""}})
+        .Sql("delete from event_info_flow where _ID = 1").Sql("update event_info set version_id = 99 where _ID = 2")),
+        "9: 30");
+}
+
+TEST_F(EventLogReaderTest, NullsAndIdsOfMoreThan32BitsMatchNoQuery)
+{
+    EXPECT_EQ(RowsOf(EventLogBuilder()
+        .Rows({{10, 7, "", ""}, {20, 8, "", ""}, {30, 3000000000, "", ""}, {40, 9, "", ""}})
+        .Sql("update event_info set event_id = null where _ID = 1")
+        .Sql("update event_info_flow set occurrence_time = null where _ID = 2")), "9: 40");
+}
+
+TEST_F(EventLogReaderTest, IdsWithRowsThatDoNotFitNeedTheirOwnQuery)
+{
+    EXPECT_EQ(RowsOf(EventLogBuilder()
+        .Rows({{10, 1, "", ""}, {20, 2, "", ""}, {30, 3, "", ""}, {40, 4, "", ""}, {50, 4, "", ""}, {60, 5, "", ""}})
+        .Sql("update event_info_flow set occurrence_time = 'soon' where _ID = 1")
+        .Sql("update event_info_flow set occurrence_time = 1.5 where _ID = 2")
+        .Sql("update event_info_flow set occurrence_time = -1 where _ID = 3")
+        .Sql("update event_info_flow set occurrence_time = 4294967296 where _ID = 4")),
+        "1?; 2?; 3?; 4? 50; 5: 60");
+}
+
+TEST_F(EventLogReaderTest, VersionRowsWithoutAUniqueNumberNeedAQuery)
+{
+    EXPECT_EQ(RowsOf(EventLogBuilder()
+        .Schema("CREATE TABLE event_version (_ID, VERSION_NAME text);"
+            "CREATE TABLE event_info (_ID integer primary key, event_id integer, extra text, version_id);"
+            "CREATE TABLE event_info_flow (_ID integer primary key, event_pid integer, occurrence_time integer);")
+        .Rows({{10, 1, "a", ""}, {20, 2, "b", ""}, {30, 3, "c", ""}})
+        .Sql("insert into event_version values (1, 'other'), (2, 'b'), ('x', 'd')")
+        .Sql("insert into event_info values (4, 4, '', 'x')").Sql("insert into event_info_flow values (4, 4, 40)")),
+        "1?; 2: 20 20; 3: 30; 4?");
+}
+
+TEST_F(EventLogReaderTest, LogWithoutRowNumbersNeedsQueries)
+{
+    EXPECT_EQ(RowsOf(EventLogBuilder()
+        .Schema("CREATE TABLE event_version (_ID integer primary key, VERSION_NAME text);"
+            "CREATE TABLE event_info (_ID integer primary key, event_id integer, extra text, version_id integer)"
+            " WITHOUT ROWID;"
+            "CREATE TABLE event_info_flow (_ID integer primary key, event_pid integer, occurrence_time integer);")
+        .Row({10, 1, "a", ""})), "1?");
+}
+
+TEST_F(EventLogReaderTest, LogThatCannotBeAskedHasNoSnapshot)
+{
+    EXPECT_EQ(EventLogReader(mDatabase.GetHandle()).Read(), nullptr) << "closed";
+    EXPECT_EQ(RowsOf(EventLogBuilder().Row({10, 7, "", ""}).Sql("drop table event_version")), "none");
+    EXPECT_EQ(RowsOf(EventLogBuilder().Row({10, 7, "", ""}).Sql("alter table event_info drop column extra")), "none");
+    EXPECT_THAT(mLog.Lines(), testing::IsEmpty());
+}
+
+TEST_F(EventLogReaderTest, LockedLogHasNoSnapshot)
+{
+    EventLogBuilder().Row({10, 7, "", ""}).WriteTo(mPath);
+    FT::sql::SqlDatabase other;
+    ASSERT_TRUE(other.Open(mPath));
+    FT::sql::SqlOperator writer(other.GetHandle());
+    ASSERT_TRUE(writer.ExecuteNoCallback("BEGIN EXCLUSIVE"));
+    EXPECT_EQ(ReadAgain(), nullptr);
+    ASSERT_TRUE(writer.ExecuteNoCallback("ROLLBACK"));
+    EXPECT_EQ(RowsOf(*ReadAgain()), "7: 10");
+}
+
+TEST_F(EventLogReaderTest, DamageInTheMiddleOfTheEventsEndsEveryQueryThere)
+{
+    EventLogBuilder builder;
+    for (int row = 1; row <= 2000; ++row) {
+        builder.Row({row, 7 + row % 2, "", std::string(100, 'x')});
+    }
+    builder.WriteTo(mPath);
+    Damage(mDir.Read("log.db").size() / 2, 4096);
+    const auto snapshot = ReadAgain();
+    EXPECT_EQ(snapshot->GetOrigin().breakError, "database disk image is malformed");
+    EXPECT_GT(snapshot->GetRowCount(), 100U);
+    EXPECT_LT(snapshot->GetRowCount(), 2000U);
+    EXPECT_FALSE(snapshot->GetEntry(0).needsQuery);
+}
+
+TEST_F(EventLogReaderTest, BrokenTextNeedsAQueryForItsIdAlone)
+{
+    EventLogBuilder builder;
+    for (int row = 1; row <= 20; ++row) {
+        builder.Row({row, row, "", std::string(row == 7 ? 20000 : 10, row == 7 ? 'y' : 'x')});
+    }
+    builder.WriteTo(mPath);
+    // Where a page goes on with the text, it names the next page first: a number beyond the end of the file.
+    const std::string file = mDir.Read("log.db");
+    std::size_t page = 0;
+    while (file.substr(page + 4, 1000) != std::string(1000, 'y')) {
+        page += 4096;
+    }
+    Damage(page, 4);
+    const auto snapshot = ReadAgain();
+    EXPECT_EQ(snapshot->GetOrigin().breakError, "");
+    EXPECT_EQ(snapshot->GetEntryCount(), 20U);
+    for (std::size_t number = 0; number < 20; ++number) {
+        EXPECT_EQ(snapshot->GetEntry(number).needsQuery, number == 6);
+    }
+}
+
+TEST_F(EventLogReaderTest, OtherPlansTakeAFileThatIsSound)
+{
+    EventLogBuilder builder;
+    for (int row = 1; row <= 2000; ++row) {
+        builder.Row({row, 7 + row % 3, "", std::string(100, 'x')});
+    }
+    builder.Sql("create index i on event_info(event_id)").WriteTo(mPath);
+    const auto sound = ReadAgain();
+    EXPECT_EQ(sound->GetRowCount(), 2000U);
+    EXPECT_FALSE(sound->GetOrigin().isEachIdAsked);
+    EXPECT_FALSE(sound->GetOrigin().isInTableOrder);
+    Damage(mDir.Read("log.db").size() / 2, 4096);
+    const auto broken = ReadAgain();
+    EXPECT_TRUE(broken->GetOrigin().isEachIdAsked);
+    EXPECT_THAT(broken->GetIds(), testing::ElementsAre(7, 8, 9));
+    EXPECT_EQ(broken->GetRowCount(), 0U);
+}
+
+} // namespace

@@ -1,0 +1,162 @@
+#include "arborist/stores/event_log/event_log_search.h"
+
+#include <gmock/gmock.h>
+
+#include "tests/stores/event_log/log_reading.h"
+#include "tests/stores/event_log/number_question.h"
+
+namespace {
+
+using Reading = EventLogSearch::Reading;
+using testing::ElementsAre;
+
+constexpr std::size_t PAGE = 4096;
+constexpr char MALFORMED[] =
+    "FUNc:FT::sql::SqlOperator::Execute: Execute sql failed: database disk image is malformed";
+
+class EventLogSearchTest : public LogReadingTest {
+protected:
+    void Open(const EventLogBuilder& builder)
+    {
+        builder.WriteTo(mPath);
+        mDatabase.Open(mPath);
+    }
+
+    // "id count; ..." for each id that is visited.
+    std::string Visit(const EventLogSearch::Query& query)
+    {
+        std::string text;
+        mReading = mSearch.Visit(query, "1", [&text](const EventRows& rows) {
+            text += std::to_string(rows.GetEventId()) + " " + std::to_string(rows.GetCount()) + "; ";
+            return false;
+        });
+        return text;
+    }
+
+    // The same from one query for each id.
+    std::string AskEach(std::int32_t first, std::int32_t last)
+    {
+        std::string text;
+        for (std::int32_t id = first; id <= last; ++id) {
+            mSearch.GetQuery().Run(id, 0);
+            const std::size_t count = mSearch.GetQuery().GetCount();
+            text += count == 0 ? "" : std::to_string(id) + " " + std::to_string(count) + "; ";
+        }
+        return text;
+    }
+
+    void Damage(std::size_t place, std::size_t length)
+    {
+        std::string file = mDir.Read("log.db");
+        file.replace(place, length, length, '\xFF');
+        mDir.Write("log.db", file);
+        mDatabase.Open(mPath);
+    }
+
+    EventLogSearch mSearch{mDatabase.GetHandle()};
+    Reading mReading = Reading::WHOLE;
+};
+
+// Rows of the ids 1 to 10 in turn.
+EventLogBuilder ManyRows(int rows)
+{
+    EventLogBuilder builder;
+    for (int row = 1; row <= rows; ++row) {
+        builder.Row({row, 1 + row % 10, "", "{\"a\":" + std::to_string(row) + "}" + std::string(60, ' ')});
+    }
+    return builder;
+}
+
+TEST_F(EventLogSearchTest, VisitsTheIdsThatHaveRows)
+{
+    Open(EventLogBuilder().Rows({{10, 9, "1", ""}, {20, -3, "2", ""}, {30, 9, "2", ""}}));
+    EXPECT_EQ(Visit({INT32_MIN, INT32_MAX, 0, false}), "-3 1; 9 2; ");
+    EXPECT_EQ(Visit({INT32_MIN, INT32_MAX, 0, true}), "-3 0; 9 1; ");
+    EXPECT_EQ(Visit({-2, 8, 0, false}), "");
+    EXPECT_EQ(mReading, Reading::WHOLE);
+}
+
+TEST_F(EventLogSearchTest, ManyStartsHaveTheirOwnCounts)
+{
+    Open(ManyRows(200));
+    for (int round = 0; round < 2; ++round) {
+        for (std::int64_t start = 0; start < 200; ++start) {
+            const std::int64_t before = std::max<std::int64_t>(start - 1, 0) / 10; // rows lie at 10, 20 and so on
+            EXPECT_EQ(Visit({1, 1, start, false}), "1 " + std::to_string(20 - before) + "; ");
+        }
+    }
+}
+
+TEST_F(EventLogSearchTest, BreakInTheEventsIsToldForEachIdAndLeavesTheRowsBefore)
+{
+    Open(ManyRows(3000));
+    Damage(mDir.Read("log.db").size() / 2, PAGE);
+    const std::string each = AskEach(-1, 12);
+    const std::vector<std::string> lines = mLog.Lines();
+    mLog.Clear();
+    EXPECT_EQ(Visit({-1, 12, 0, false}), each);
+    EXPECT_EQ(mReading, Reading::BROKEN_OFF);
+    std::vector<std::string> told = mLog.Lines(FT::LEVEL_ERROR);
+    EXPECT_EQ(told, lines);
+    EXPECT_EQ(told, std::vector<std::string>(14, MALFORMED));
+}
+
+TEST_F(EventLogSearchTest, IdsFarBehindTheFirstAreAskedToo)
+{
+    EventLogBuilder builder = ManyRows(3000);
+    builder.Sql("update event_info set event_id = 2000000000 where _ID % 10 = 5");
+    Open(builder);
+    Damage(mDir.Read("log.db").size() / 2, PAGE);
+    const std::string visited = Visit({-5, INT32_MAX, 0, false});
+    EXPECT_EQ(visited, AskEach(-5, 12) + AskEach(2000000000, 2000000001));
+    EXPECT_THAT(visited, testing::HasSubstr("; 2000000000 1"));
+}
+
+TEST_F(EventLogSearchTest, IndexedLogWithABadPageIsAskedIdById)
+{
+    EventLogBuilder builder = ManyRows(3000);
+    builder.Sql("create index i on event_info(event_id)").Sql("update event_info set event_id = 2000000000 where _ID % 10 = 5");
+    Open(builder);
+    const std::size_t pages = mDir.Read("log.db").size() / PAGE;
+    for (std::size_t page = 3; page < pages; page += 5) {
+        SCOPED_TRACE(page);
+        builder.WriteTo(mPath);
+        Damage(page * PAGE, PAGE);
+        EXPECT_EQ(Visit({-5, INT32_MAX, 0, false}), AskEach(-5, 12) + AskEach(2000000000, 2000000001));
+    }
+}
+
+TEST_F(EventLogSearchTest, LogThatCannotBeAskedIsToldForEachId)
+{
+    Open(EventLogBuilder().Row({10, 7, "", ""}).Sql("drop table event_version"));
+    EXPECT_EQ(Visit({7, 8, 0, false}), "");
+    EXPECT_EQ(mReading, Reading::UNREADABLE);
+    EXPECT_EQ(mLog.Lines().size(), 2U);
+    mLog.Clear();
+    Visit({INT32_MIN, INT32_MAX, 0, false});
+    EXPECT_EQ(mLog.Lines().size(), EventLogSearch::LONGEST_RANGE_TOLD);
+}
+
+TEST_F(EventLogSearchTest, ChangeOfTheLogIsSeenByTheNextVisit)
+{
+    Open(ManyRows(10));
+    const EventLogSearch::Query query{1, 1, 0, false, {NumberQuestion::Of("a")}};
+    EXPECT_EQ(Visit(query), "1 1; ");
+    EventLogBuilder::Run(mPath, "delete from event_info where event_id = 1");
+    EXPECT_EQ(Visit(query), "");
+}
+
+TEST_F(EventLogSearchTest, RowsStayWhileTheyAreShown)
+{
+    Open(ManyRows(100));
+    std::uint64_t sum = 0;
+    mSearch.Visit({1, 1, 0, false, {NumberQuestion::Of("a")}}, "1", [&](const EventRows& rows) {
+        EventLogBuilder::Run(mPath, "delete from event_info");
+        Visit({2, 2, 0, false}); // reads the log anew
+        sum = rows.Sum(0);
+        return true;
+    });
+    EXPECT_EQ(sum, 550U);
+}
+
+} // namespace

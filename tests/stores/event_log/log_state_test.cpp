@@ -1,0 +1,31 @@
+#include "arborist/stores/event_log/log_state.h"
+
+#include "tests/stores/event_log/log_reading.h"
+
+namespace {
+
+class LogStateTest : public LogReadingTest {};
+
+TEST_F(LogStateTest, ChangeByAnotherConnectionIsSeenOutsideOfATransaction)
+{
+    EventLogBuilder().Row({10, 7, "", ""}).WriteTo(mPath);
+    EventLogBuilder::Run(mPath, "pragma journal_mode = wal");
+    mDatabase.Open(mPath);
+    const std::int64_t before = ReadDataVersion(mDatabase.GetHandle());
+    {
+        const ReadTransaction transaction(mDatabase.GetHandle());
+        EXPECT_EQ(ReadDataVersion(mDatabase.GetHandle()), before);
+        EventLogBuilder::Run(mPath, "update event_info_flow set occurrence_time = 20");
+        EXPECT_EQ(ReadDataVersion(mDatabase.GetHandle()), before);
+    }
+    EXPECT_NE(ReadDataVersion(mDatabase.GetHandle()), before);
+}
+
+TEST_F(LogStateTest, ClosedDatabaseHasNoVersion)
+{
+    const ReadTransaction transaction(mDatabase.GetHandle());
+    EXPECT_EQ(ReadDataVersion(mDatabase.GetHandle()), NO_DATA_VERSION);
+    EXPECT_TRUE(mLog.Lines().empty());
+}
+
+} // namespace

@@ -1,0 +1,58 @@
+#ifndef ARBORIST_TESTS_STORES_EVENT_LOG_NUMBER_QUESTION_H
+#define ARBORIST_TESTS_STORES_EVENT_LOG_NUMBER_QUESTION_H
+
+#include <charconv>
+#include <memory>
+#include <string>
+
+#include <json/value.h>
+
+#include "arborist/frame/log.h"
+#include "arborist/stores/event_log/row_question.h"
+#include "arborist/utilities/json_text.h"
+
+/// Asks for the number in a member: 0 for none. A member that is a text that is no number, like a whole text that is no
+/// object, is told in the log and answers -1. As a question for yes or no it asks whether there is a number other than 0.
+class NumberQuestion : public RowQuestion {
+public:
+    static std::shared_ptr<const RowQuestion> Of(const std::string& key)
+    {
+        return std::make_shared<NumberQuestion>(key, true);
+    }
+    static std::shared_ptr<const RowQuestion> IsThere(const std::string& key)
+    {
+        return std::make_shared<NumberQuestion>(key, false);
+    }
+
+    NumberQuestion(std::string key, bool isNumber) : mKey(std::move(key)), mIsNumber(isNumber) {}
+
+    std::string GetName() const override { return (mIsNumber ? "number " : "is there ") + mKey; }
+    const std::string& GetKey() const override { return mKey; }
+    bool IsNumber() const override { return mIsNumber; }
+    std::optional<std::int32_t> AnswerInSilence(std::string_view member) const override
+    {
+        std::int32_t number = 0;
+        const bool isNumber =
+            std::from_chars(member.data(), member.data() + member.size(), number).ec == std::errc();
+        return member.empty() || isNumber ? std::optional(mIsNumber ? number : number != 0 ? 1 : 0) : std::nullopt;
+    }
+    std::int32_t Answer(std::string_view extra) const override
+    {
+        Json::Value root;
+        std::string error;
+        const auto silent =
+            ParseJson(extra, root, error) ? AnswerInSilence(MemberText(root, mKey)) : std::nullopt;
+        if (silent) {
+            return *silent;
+        }
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_INFO, "FUNc:%s: %s of %s", "NumberQuestion", mKey.c_str(), std::string(extra).c_str());
+        return -1;
+    }
+
+private:
+    std::string mKey;
+    bool mIsNumber;
+};
+
+#endif
