@@ -12,8 +12,9 @@ std::vector<const Check*> MakeList()
 {
     std::vector<const Check*> all;
     for (const auto& group : {FileChecks(), WordChecks(), TreeChecks(), EventChecks(), CutSetChecks(),
-             BindingChecks(), AlternativeChecks(), FilterChecks(), ComparisonChecks(), AlarmChecks(), CommandChecks(),
-             SqlChecks(), NodeChecks(), CommonPartChecks(), DescriptionChecks(), CodeRuleChecks()}) {
+             BindingChecks(), AlternativeChecks(), FilterChecks(), TimeChecks(), ComparisonChecks(), AlarmChecks(),
+             AlarmTestChecks(), CommandChecks(), SqlChecks(), NodeChecks(), CommonPartChecks(), DescriptionChecks(),
+             CodeRuleChecks()}) {
         for (const Check& check : group) {
             all.push_back(&check);
         }

@@ -400,6 +400,13 @@ std::string ExampleRun::DescriptionOrOperation(const std::string& what, const st
     return "no such root cause";
 }
 
+std::ptrdiff_t ExampleRun::CountLines(const std::string& text) const
+{
+    const std::vector<std::string> lines = mLog.Lines();
+    return std::count_if(lines.begin(), lines.end(),
+        [&text](const std::string& line) { return line.find(text) != std::string::npos; });
+}
+
 std::string ExampleRun::FaultOf(const std::string& outcome)
 {
     std::smatch match;
@@ -444,11 +451,10 @@ std::string ExampleRun::FaultOf(const std::string& outcome)
         return Difference(match[1], mObserver->sql);
     }
     if (is("log \"(.+)\" is (there|not there)")) {
-        const std::vector<std::string> lines = mLog.Lines();
-        const std::string text = match[1];
-        const bool isThere = std::any_of(lines.begin(), lines.end(),
-            [&](const std::string& line) { return line.find(text) != std::string::npos; });
-        return Difference(match[2], isThere ? "there" : "not there");
+        return Difference(match[2], CountLines(match[1]) > 0 ? "there" : "not there");
+    }
+    if (is("log \"(.+)\" is there (\\d+) times")) {
+        return Difference(match[2], std::to_string(CountLines(match[1])));
     }
     if (is("an exception with (.+)")) {
         return mException.find(match[1]) != std::string::npos ? "" : "it was: " + OrEmpty(mException);

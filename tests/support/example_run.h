@@ -46,6 +46,7 @@ private:
     std::shared_ptr<DetectInfo> MakeInfo() const;
     std::string Query(const std::string& call, const std::string& argument, bool before);
     std::string RootCauses() const;
+    std::ptrdiff_t CountLines(const std::string& text) const;
     std::string DescriptionOrOperation(const std::string& what, const std::string& eventId) const;
 
     const PageExample& mExample;
