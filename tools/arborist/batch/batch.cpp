@@ -30,15 +30,15 @@ using Clock = Worker::Clock;
 
 volatile std::sig_atomic_t caughtSignal = 0;
 
-/// Notes the signals that end a batch instead of ending it at once. They come in only while the batch waits, but for
-/// SIGPIPE, which comes of its own writing.
+/// Records the signals that end a batch instead of letting them end it at once. They are delivered only while the batch
+/// waits, except for SIGPIPE, which its own writing raises.
 class EndingSignals {
 public:
     EndingSignals()
     {
         caughtSignal = 0;
         for (const int number : ENDING_SIGNALS) {
-            if (CurrentHandler(number) != SIG_IGN) { // nohup stays in force
+            if (CurrentHandler(number) != SIG_IGN) { // keeps an ignored signal ignored, as under nohup
                 mActions.Handle(number, [](int caught) { caughtSignal = caught; });
             }
         }
@@ -51,7 +51,7 @@ private:
     SignalActions mActions;
 };
 
-/// Process groups of the programs that the workers run, in memory that all processes share.
+/// The process groups of the programs that the workers run, in memory shared by all processes.
 class ProgramGroups {
 public:
     explicit ProgramGroups(std::size_t count) : mSize(count * sizeof(std::atomic<pid_t>))
@@ -74,10 +74,11 @@ private:
     std::size_t mSize;
 };
 
-// The processor of each worker, where there are at least as many workers as processors. A worker waits for the two
-// threads that read a rule set, one after the other. Left free, such a thread often wakes up on the processor of
-// another worker and waits for its turn there, while its own idles. Bundles are handed out one at a time, so that a
-// processor that is busy with something else only takes fewer. With processors to spare, the system places better.
+// Assigns a processor to each worker if there are at least as many workers as processors. A worker waits for the two
+// threads that read a rule set, one after the other. Without the assignment the system often wakes such a thread on the
+// processor of another worker, where it waits while its own processor is idle. As bundles are handed out one at a time,
+// a processor that is busy with something else just gets fewer. With spare processors the system places threads better
+// itself.
 std::vector<std::optional<int>> ProcessorsOf(std::size_t workers)
 {
     const std::vector<int> allowed = AllowedProcessors();
@@ -123,7 +124,7 @@ public:
     }
 
 private:
-    // Lines that wait for an earlier one take memory: a slow bundle holds the others up at some point.
+    // Limits the lines that wait for an earlier one, as they take memory: beyond it a slow bundle delays the others.
     static constexpr std::size_t LARGEST_LEAD = 4096;
 
     bool IsUnfinished() const { return mProgress.GetCounts().done < mBundles.size(); }
@@ -150,14 +151,14 @@ private:
             ++mNext;
             return;
         }
-        worker.End(); // the first time there is none; one that died idle has cost no bundle
+        worker.End(); // no process yet, or one that died while idle and so cost no bundle
         if (worker.Start(Sockets()) && worker.Send(number, deadline)) {
             ++mNext;
             return;
         }
         const std::string reason = std::strerror(errno);
         worker.End();
-        // The others may come to an end and leave room for this one.
+        // If others are busy, try again when one of them ends and frees resources.
         if (std::none_of(mWorkers.begin(), mWorkers.end(), IsBusy)) {
             ++mNext;
             Fail(number, {"internal", "a worker process can't be started: " + reason, ExitStatus::INTERNAL});
@@ -236,8 +237,8 @@ private:
         }
     }
 
-    // Nobody wants the summary of lines whose reader has left. The reader of messages may leave, too: that is no reason
-    // to end the batch by its signal.
+    // Prints no summary if the reader of the results has left. If the reader of messages has left, too, its SIGPIPE
+    // must not end the batch.
     void Conclude()
     {
         const std::sig_atomic_t signal = caughtSignal;
@@ -274,7 +275,7 @@ ExitStatus RunBatch(const std::vector<BundlePath>& bundles, const BatchWork& wor
     ExitStatus status = ExitStatus::SUCCESS;
     {
         const EndingSignals signals;
-        Scratch folder; // of all workers, so that the files of one that was killed are removed, too
+        Scratch folder; // shared by all workers, so that the files of a killed one are removed, too
         if (const auto failure = folder.Make()) {
             PrintError(failure->message);
             return failure->status;
@@ -282,7 +283,7 @@ ExitStatus RunBatch(const std::vector<BundlePath>& bundles, const BatchWork& wor
         status = Batch(bundles, work, options, signals.HeldBack(), folder.Path()).Run();
     }
     if (caughtSignal != 0) {
-        raise(caughtSignal); // ends as it would have without the tidying up
+        raise(caughtSignal); // ends by the signal, after cleaning up
     }
     return status;
 }

@@ -13,38 +13,39 @@
 
 namespace diagnosis::command {
 
-/// The result of one bundle of a batch: a line of JSON, without the line end, and its part of the exit status.
+/// The result of one bundle of a batch: a line of JSON without the line end, and the exit status for this bundle.
 struct BundleAnswer {
     ExitStatus status = ExitStatus::SUCCESS;
     std::string line;
     bool isFault = false;
 };
 
-/// How a batch works on a bundle.
+/// The functions by which a batch handles its bundles.
 struct BatchWork {
-    /// Runs a bundle; called in a worker process.
+    /// Diagnoses a bundle; called in a worker process.
     std::function<BundleAnswer(const BundlePath& bundle)> run;
-    /// The answer for a bundle that took its worker with it.
+    /// Makes the result of a bundle whose worker died.
     std::function<BundleAnswer(const BundlePath& bundle, const Failure& failure)> fail;
-    /// Takes one result, a whole line with its end. False if it could not be written, which ends the batch.
+    /// Writes one result, a line with its line end. False if it could not be written, which ends the batch.
     std::function<bool(const std::string& line)> print;
 };
 
 struct BatchOptions {
     /// Worker processes, at least one.
     std::size_t jobs = 1;
-    /// Lines in the order of the list instead of that of their making.
+    /// Prints lines in the order of the list instead of the order in which they are ready.
     bool isOrdered = false;
-    /// For each bundle; zero for no limit.
+    /// Time limit for each bundle; zero for none.
     std::chrono::milliseconds timeout = {};
 };
 
-/// Runs all bundles in worker processes and prints exactly one line for each, whatever happens to it: a worker that
-/// crashes or runs past its time costs its own bundle and is replaced. Shows its Progress on standard error. Returns the
-/// most serious status.
+/// Runs all bundles in worker processes and prints exactly one line for each: a worker that crashes or exceeds the time
+/// limit costs only its own bundle and is replaced. Shows its Progress on standard error. Returns the most serious
+/// status.
 ///
-/// Call it before the process has a second thread: the workers are forks of it. SIGHUP, SIGINT, SIGPIPE (a reader of
-/// the results who left) and SIGTERM end the workers, remove their temporary files and then end the process.
+/// Call it before the process has a second thread, as the workers are forked. On SIGHUP, SIGINT, SIGPIPE (the reader of
+/// the results has left) and SIGTERM it ends the workers, removes their temporary files and then ends the process by
+/// the signal.
 ExitStatus RunBatch(const std::vector<BundlePath>& bundles, const BatchWork& work, const BatchOptions& options);
 
 } // namespace diagnosis::command

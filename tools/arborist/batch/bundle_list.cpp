@@ -65,7 +65,7 @@ std::vector<std::string> TakeShard(const std::vector<std::string>& bundles, cons
     for (std::size_t i = shard.number - 1; i < bundles.size(); i += shard.count) {
         taken.push_back(bundles[i]);
         if (shard.count > bundles.size()) {
-            break; // a step of that size could overflow
+            break; // a step of this size could overflow
         }
     }
     return taken;

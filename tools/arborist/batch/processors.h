@@ -5,10 +5,11 @@
 
 namespace diagnosis::command {
 
-/// The processors that the calling thread may run on, by the system's numbers; empty where the system can't tell.
+/// The processors that the calling thread may run on, by the system's numbers; empty if the system doesn't say.
 std::vector<int> AllowedProcessors();
 
-/// Keeps the calling thread, and what it starts from now on, on one processor. Where that can't be, nothing changes.
+/// Binds the calling thread, and everything that it starts from now on, to one processor. Has no effect if the system
+/// refuses.
 void StayOn(int processor);
 
 } // namespace diagnosis::command

@@ -18,7 +18,7 @@ double PerSecond(std::size_t done, std::chrono::milliseconds elapsed)
     return static_cast<double>(done) * 1000 / static_cast<double>(milliseconds);
 }
 
-// Whole numbers, but for a rate below ten, which says nothing without its first decimal.
+// A whole number; for a rate below ten one decimal.
 std::string Rate(double perSecond)
 {
     const double shown = perSecond < 10 ? std::round(perSecond * 10) / 10 : std::round(perSecond);

@@ -7,7 +7,7 @@
 
 namespace diagnosis::command {
 
-/// How many bundles of a batch are done, and how they ended.
+/// Numbers of bundles of a batch: all, done, and by result.
 struct BatchCounts {
     std::size_t listed = 0;
     std::size_t done = 0;
@@ -20,8 +20,8 @@ std::string ProgressText(const BatchCounts& counts, std::chrono::milliseconds el
 /// "2000 bundles in 31 s, 64 a second: 1980 without a fault, 12 with faults, 8 not diagnosed".
 std::string SummaryText(const BatchCounts& counts, std::chrono::milliseconds elapsed);
 
-/// Shows on standard error how far a batch is: one line on a terminal, redrawn at most ten times a second, and one
-/// closing line wherever standard error goes.
+/// Shows the progress of a batch on standard error: on a terminal one line, redrawn at most ten times a second; at the
+/// end one closing line, on a terminal or not.
 class Progress {
 public:
     explicit Progress(std::size_t listed);
@@ -30,11 +30,11 @@ public:
     void Count(bool isFault, bool isFailed);
     const BatchCounts& GetCounts() const { return mCounts; }
 
-    /// Redraws the line if its last drawing is long enough ago.
+    /// Redraws the line if it was last drawn long enough ago.
     void Show();
-    /// Makes room for a result if results go to the same terminal; the next Show draws the line again at once.
+    /// Clears the line if results go to the same terminal; the next Show redraws it at once.
     void MakeRoomForResult();
-    /// Takes the line away and prints the closing line.
+    /// Clears the line and prints the closing line.
     void Finish();
 
 private:

@@ -66,18 +66,19 @@ std::string Packed(const BundleAnswer& answer)
     return std::string(reinterpret_cast<const char*>(&head), sizeof head) + answer.line;
 }
 
-// What the batch listens to is its own affair, and standard input and output are.
+// Gives the forked process its own group, signals and temporary folder, and detaches it from the standard input and
+// output of the batch.
 void BecomeWorker(const WorkerPlace& place, const SignalsHeldBack& signals)
 {
-    setpgid(0, 0); // a key stroke reaches the batch alone, which then ends its workers
+    setpgid(0, 0); // keys of the terminal signal the batch only, which then ends its workers
 #if defined(__linux__)
     prctl(PR_SET_PDEATHSIG, SIGTERM);
 #endif
     for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
         signal(number, SIG_DFL);
     }
-    signal(SIGPIPE, SIG_IGN); // a reader of messages who left costs no bundle
-    signal(SIGTTOU, SIG_IGN); // it may still write to the terminal
+    signal(SIGPIPE, SIG_IGN); // a closed standard error must cost no bundle
+    signal(SIGTTOU, SIG_IGN); // a background group may still write to the terminal
     signals.LetIn();
     KeepTemporaryFilesIn(place.folder);
     if (place.processor) {
@@ -121,7 +122,7 @@ bool Worker::Start(const std::vector<int>& others)
         close(sockets[0]);
         BecomeWorker(mPlace, mSetup.signals);
         if (getppid() != batch) {
-            _exit(1); // it died before it could be watched
+            _exit(1); // the batch died before the signal could be set
         }
         Serve(sockets[1], others);
     }
@@ -142,7 +143,7 @@ bool Worker::Start(const std::vector<int>& others)
 void Worker::Serve(int socket, const std::vector<int>& others) const
 {
     for (const int other : others) {
-        close(other); // else it would not be seen when the batch is gone
+        close(other); // otherwise the sockets would stay open after the batch has died
     }
     NoteProgramGroup(&mProgramGroup);
     std::uint32_t bundle = 0;
@@ -198,7 +199,7 @@ std::string Worker::End()
         return "";
     }
     int status = 0;
-    // An end of its own is told as such; the socket closes a moment before the process can be waited for.
+    // Distinguish a worker that ended by itself. Its socket closes a moment before the process can be waited for.
     const bool isOwnEnd = mState == State::DEAD;
     if (!isOwnEnd) {
         kill(mProcess, SIGKILL);

@@ -15,43 +15,44 @@
 
 namespace diagnosis::command {
 
-/// What every worker of a batch is given at its start.
+/// The start parameters that all workers of a batch share.
 struct WorkerSetup {
     const std::vector<BundlePath>& bundles;
     const BatchWork& work;
-    /// What the batch keeps from the process while it works; its workers get it.
+    /// The signals that the batch blocks; its workers unblock them.
     const SignalsHeldBack& signals;
 };
 
-/// What is one worker's own.
+/// The start parameters of a single worker.
 struct WorkerPlace {
-    /// For its temporary files; made and removed with the process.
+    /// Folder for its temporary files; created and removed with the process.
     std::string folder;
-    /// Where it runs; any place unless given.
+    /// Processor that it is bound to; any if not set.
     std::optional<int> processor;
 };
 
-/// One worker process, seen from the batch. It takes one bundle after the other over a socket.
+/// The batch's side of one worker process, which receives one bundle after the other over a socket.
 class Worker {
 public:
     using Clock = std::chrono::steady_clock;
     enum class State { IDLE, BUSY, ANSWERED, DEAD };
 
-    /// `programGroup`, in memory that both share, has the process group of a program that the worker runs, or 0.
+    /// `programGroup` is in memory that both processes share; it has the process group of the program that the worker
+    /// runs, or 0.
     Worker(const WorkerSetup& setup, WorkerPlace place, std::atomic<pid_t>& programGroup);
     ~Worker();
     Worker(const Worker&) = delete;
     Worker& operator=(const Worker&) = delete;
 
-    /// Starts the process; false when it can't be, with errno. `others` are the sockets of the other workers.
+    /// Starts the process; false, with errno, if it can't. `others` are the sockets of the other workers.
     bool Start(const std::vector<int>& others);
-    /// Hands over a bundle by its number; false when the process is gone.
+    /// Sends a bundle by its number; false if the process has ended.
     bool Send(std::uint32_t bundle, Clock::time_point deadline);
-    /// Takes what the worker has written, after the socket became readable.
+    /// Reads from the worker once the socket has become readable.
     State Receive();
-    /// The answer, once: the worker is idle again.
+    /// Moves the answer out; the worker is idle again.
     BundleAnswer TakeAnswer();
-    /// Ends the process with all that it started and left behind. Answers how it had ended, where it did by itself.
+    /// Ends the process with its program and removes its files. If it had ended by itself, returns how.
     std::string End();
 
     State GetState() const { return mState; }

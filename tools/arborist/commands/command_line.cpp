@@ -41,7 +41,7 @@ struct KnownCommand {
     std::string_view name;
     void (*add)(Command app, ExitStatus& status);
 };
-// The last one shows all the others.
+// "help" comes last, as it shows all others.
 constexpr KnownCommand COMMANDS[] = {
     {"detect", AddDetectCommand},
     {"explain", AddExplainCommand},
@@ -55,8 +55,8 @@ constexpr KnownCommand COMMANDS[] = {
     {"help", AddHelpCommand},
 };
 
-// To set up the options of all commands costs a tenth of a small detection: a line that begins with the name of one
-// needs only that.
+// Adds only the command that the line begins with, if there is one: setting up the options of all commands takes a
+// tenth of the time of a small detection.
 void AddCommands(Command app, ExitStatus& status, std::string_view firstWord)
 {
     const auto help = std::prev(std::end(COMMANDS));
@@ -82,7 +82,7 @@ void AddColourEverywhere(Command app)
     }
 }
 
-/// Breaks the lines of a help at the width of the terminal.
+/// Wraps the lines of a help at the width of the terminal.
 class TerminalFormatter : public CLI::Formatter {
 public:
     std::string make_help(const CLI::App* app, std::string name, CLI::AppFormatMode mode) const override
@@ -100,11 +100,11 @@ ExitStatus WrongUse(const std::string& words, const std::string& message)
     return ExitStatus::WRONG_USE;
 }
 
-/// The command that the line names as far as it names one: "arborist log" for "log improt".
+/// The command that the line names, as far as its words are known: "arborist log" for "log improt".
 struct NamedCommand {
     CLI::App* app;
     std::string words;
-    /// The first argument that is no word of it.
+    /// Index of the first argument behind its words.
     int next;
 };
 
@@ -122,7 +122,7 @@ NamedCommand DeepestCommand(CLI::App& app, int argc, const char* const* argv)
     return named;
 }
 
-// The first long option that the command does not have; empty where all are known.
+// The first long option that the command doesn't have; empty if it has all of them.
 std::string UnknownOption(const NamedCommand& named, int argc, const char* const* argv)
 {
     for (int i = named.next; i < argc && std::string(argv[i]) != "--"; ++i) {
@@ -170,7 +170,7 @@ ExitStatus Parse(CLI::App& app, const ExitStatus& status, int argc, const char* 
     return status;
 }
 
-// The one option that another one changes.
+// True for --version with --json, the only option that another one changes.
 bool AsksForVersions(int argc, const char* const* argv)
 {
     const auto has = [argc, argv](const char* option) { return std::count(argv, argv + argc, std::string(option)) == 1; };

@@ -5,7 +5,7 @@
 
 namespace diagnosis::command {
 
-/// Reads the command line, runs the one command that it names and answers the exit status. Nothing is thrown.
+/// Parses the command line, runs the command that it names and returns the exit status. Throws nothing.
 ExitStatus RunCommandLine(int argc, const char* const* argv);
 
 } // namespace diagnosis::command

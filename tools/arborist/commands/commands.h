@@ -6,8 +6,8 @@
 
 namespace diagnosis::command {
 
-/// Each adds one command to `app`. When the command line names it, it runs while the line is parsed and leaves its
-/// answer in `status`, which must outlive the parse.
+/// Each adds one command to `app`. If the command line names it, the command runs during the parse and sets `status`,
+/// which must outlive the parse.
 void AddDetectCommand(Command app, ExitStatus& status);
 void AddExplainCommand(Command app, ExitStatus& status);
 void AddQueryCommand(Command app, ExitStatus& status);
@@ -17,7 +17,7 @@ void AddGraphCommand(Command app, ExitStatus& status);
 void AddLintCommand(Command app, ExitStatus& status);
 void AddLogCommand(Command app, ExitStatus& status);
 void AddBundleCommand(Command app, ExitStatus& status);
-/// "help" and "completion", which show all commands of `app`, those that are added later, too.
+/// Adds "help" and "completion", which show all commands of `app`, including those that are added later.
 void AddHelpCommand(Command app, ExitStatus& status);
 
 } // namespace diagnosis::command

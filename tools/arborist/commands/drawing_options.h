@@ -9,20 +9,20 @@
 
 namespace diagnosis::command {
 
-/// What `graph` and `report` share: a bundle, how it is run, and where the drawing goes.
+/// The options that `graph` and `report` share: a bundle, how it is run, and the target of the drawing.
 struct DrawingOptions {
     std::string bundle;
     RunOptions run;
     std::string file;
 };
 
-/// The bundle, -o and what AddRunOptions adds.
+/// Adds the bundle, -o and the options of AddRunOptions.
 void AddDrawingOptions(Command app, DrawingOptions& options, const std::string& bundleHelp);
 
-/// A detection that keeps its trees.
+/// Runs a detection that keeps its trees.
 DetectionReport RunForDrawing(const BundlePath& bundle, const DrawingOptions& options);
 
-/// Writes a drawing to the file, or to standard output when `target` names none. Tells why it could not.
+/// Writes a drawing to the file `target`, or to standard output if it is empty. Prints an error if it can't.
 ExitStatus WriteDrawing(const BundlePath& target, const std::string& drawing);
 
 } // namespace diagnosis::command

@@ -45,7 +45,7 @@ Failure NoSuchTree(const DetectionReport& report, const std::string& tree)
     return {"no_such_tree", "no tree with the id \"" + tree + "\"" + DidYouMean(tree, ids), ExitStatus::WRONG_USE};
 }
 
-// What the library misses of a device is no trouble where there is none.
+// Without a bundle the library's lines about missing data of a device mean nothing.
 LogOptions LogOf(const GraphOptions& options, bool isBundle)
 {
     LogOptions log = options.drawing.run.log;

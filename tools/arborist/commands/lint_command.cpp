@@ -54,7 +54,7 @@ void AppendTo(std::vector<std::string>& list, const std::vector<std::string>& mo
     list.insert(list.end(), more.begin(), more.end());
 }
 
-// What the command line does not say is taken from the configuration; lists are put together.
+// Takes options that the command line leaves out from the configuration; joins lists of both.
 bool TakeConfig(LintCommandOptions& options, std::string& problem)
 {
     if (options.config.empty()) {
@@ -101,8 +101,8 @@ bool EndsWith(const std::string& text, const std::string& end)
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-// A file from an editor takes the place of the one that its name tells; the other file of the rule set is read from the
-// same folder. Without a name the text tells by its sections which of the two it is, and it is looked at alone.
+// A file from an editor replaces the file of its name; the other file of the rule set is read from the same folder.
+// Without a name the sections of the text decide which of the two it is, and it is linted alone.
 rule_source::RuleSetFiles FilesOfEditor(const std::string& name)
 {
     using rule_source::SourceFile;
@@ -120,7 +120,7 @@ rule_source::RuleSetFiles FilesOfEditor(const std::string& name)
     const std::string own = isRuleFile ? "FaultTreeRules.xml" : "FaultTrees.xml";
     const std::string start = EndsWith(name, own) ? name.substr(0, name.size() - own.size()) : "";
     auto other = SourceFile::Read(start + (isRuleFile ? "FaultTrees.xml" : "FaultTreeRules.xml"));
-    // Nobody asked for the other one: what is wrong with the file itself is told with the whole rule set.
+    // The other file was not asked for: findings about the file itself are reported when the whole rule set is linted.
     other = other->IsLoaded() ? std::move(other) : nullptr;
     files.rules = isRuleFile ? std::move(edited) : std::move(other);
     files.trees = isRuleFile ? std::move(other) : std::move(edited);
@@ -183,7 +183,7 @@ bool WriteBaseline(const lint::LintRun& run, const std::string& path)
     return static_cast<bool>(file.flush());
 }
 
-// Takes away what the baseline knows; false, with the reason, when it can't be read.
+// Removes the findings that are in the baseline; false, with the reason, if it can't be read.
 bool FilterByBaseline(const LintCommandOptions& options, lint::LintRun& run, std::string& problem)
 {
     if (options.baseline.empty() || options.withoutBaseline) {
@@ -196,7 +196,7 @@ bool FilterByBaseline(const LintCommandOptions& options, lint::LintRun& run, std
     return baseline.has_value();
 }
 
-// Lints all folders and leaves out what the baseline knows; false, with the reason, when it can't be read or written.
+// Lints all folders and leaves out findings of the baseline; false, with the reason, if that can't be read or written.
 bool LintFolders(LintRunner& runner, const LintCommandOptions& given, std::string& problem)
 {
     for (const std::string& folder : given.folders) {
@@ -209,7 +209,7 @@ bool LintFolders(LintRunner& runner, const LintCommandOptions& given, std::strin
     return FilterByBaseline(given, runner.Run(), problem);
 }
 
-// Mends the files; false after telling why one could not be written.
+// Fixes the files; false, after printing the reason, if one could not be written.
 bool Fix(const lint::LintRun& run, const LintCommandOptions& given)
 {
     for (const lint::FileFix& fix : lint::FixesOf(run.findings, given.withUnsafeFixes)) {
@@ -248,7 +248,7 @@ ExitStatus LintAll(const LintCommandOptions& given, const lint::LintOptions& opt
     if (!given.isFixed) {
         return Tell(runner, given);
     }
-    // What is left is told of the mended files.
+    // Report the findings that remain in the fixed files.
     LintRunner again(given, options);
     if (!Fix(runner.Run(), given) || !LintFolders(again, given, problem)) {
         return problem.empty() ? ExitStatus::WRONG_USE : WrongUse(problem);

@@ -76,7 +76,7 @@ struct SliceOptions {
     std::string zone;
 };
 
-// A date, "2024-05-19", is a moment without its time of day.
+// True for a date without a time of day, "2024-05-19".
 bool IsDate(const std::string& text)
 {
     return text.size() == std::string_view("2024-05-19").size() && IsMomentText(text + " 00:00:00");

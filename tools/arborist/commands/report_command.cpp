@@ -19,7 +19,7 @@ ExitStatus Report(DrawingOptions options)
     options.run.detection.withExplanation = true;
     const DetectionReport report = RunForDrawing(path, options);
     PrintProblems(path.given, report.warnings, report.failure ? &*report.failure : nullptr);
-    // A bundle that can't be diagnosed has a page too: it tells why.
+    // A bundle that can't be diagnosed gets a page, too, which says why.
     const ExitStatus written = WriteDrawing(target, ReportPage(report));
     return MoreSerious(written, StatusOf(report, options.run));
 }

@@ -16,7 +16,7 @@ Option AddSeconds(Command app, const std::string& name, double& seconds, double 
         const char* end = text.data() + text.size();
         const auto [last, error] = std::from_chars(text.data(), end, value);
         std::ostringstream message;
-        // "nan" is read, and no comparison holds for it.
+        // "nan" is parsed, too, but fails every comparison.
         if (error != std::errc() || last != end || !(value >= least && value <= MOST)) {
             message << "must be a number of seconds from " << least << " to " << MOST << ": " << text;
         }

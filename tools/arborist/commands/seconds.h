@@ -8,11 +8,11 @@
 
 namespace diagnosis::command {
 
-/// An option for a time in seconds, from `least` to a day; what `seconds` holds is what it is unless given.
+/// Adds an option for a time in seconds, from `least` to a day; its default is the value of `seconds`.
 Option AddSeconds(Command app, const std::string& name, double& seconds, double least,
     const std::string& description);
 
-/// Rounded up: a short time must not become 0, which may stand for no limit.
+/// Rounds up: a short time must not become 0, which may mean no limit.
 std::chrono::milliseconds Milliseconds(double seconds);
 
 } // namespace diagnosis::command

@@ -5,7 +5,8 @@
 
 namespace diagnosis::command {
 
-/// Versions of the command and of the libraries that it was built with and, for SQLite, runs with: one JSON object.
+/// One JSON object with the versions of the command and of the libraries that it was built with; for SQLite of the one
+/// that it runs with.
 std::string VersionsJson();
 
 } // namespace diagnosis::command

@@ -40,7 +40,7 @@ std::string CommandNames(const CommandReference& command)
     return Joined(names);
 }
 
-// What may stand behind a command: commands below it, or the words of an argument that takes no others.
+// The words that may follow a command: its subcommands, or the choices of an argument.
 std::string NextWords(const CommandReference& command)
 {
     std::string words = CommandNames(command);
@@ -60,7 +60,7 @@ void Visit(const CommandReference& command, const Visitor& visitor)
     }
 }
 
-// For text between single quotes of a shell.
+// Escapes a text for use between single quotes of a shell.
 std::string Quoted(const std::string& text)
 {
     std::string quoted = "'";
@@ -70,7 +70,7 @@ std::string Quoted(const std::string& text)
     return quoted + "'";
 }
 
-// Cases of a shell for options that take one word of a few: the option behind its command, and the words.
+// The cases of a shell script for options with a choice of words: the option after its command, and the words.
 std::string ChoiceCases(const CommandReference& root, const std::string& open, const std::string& close)
 {
     std::string lines;
@@ -85,7 +85,7 @@ std::string ChoiceCases(const CommandReference& root, const std::string& open, c
     return lines;
 }
 
-// The words up to the cursor lead to a command; from there on its options, commands and files are offered.
+// The words up to the cursor select a command; the script completes its options, subcommands and files.
 std::string Bash(const CommandReference& root)
 {
     std::string lines;
@@ -99,7 +99,7 @@ std::string Bash(const CommandReference& root)
            "_arborist() {\n"
            "    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]}\n"
            "    local words=arborist options= commands= values= word\n"
-           "    if [[ $current == = ]]; then\n" // "--color=al" comes as three words
+           "    if [[ $current == = ]]; then\n" // "--color=al" arrives as three words
            "        current=\n"
            "    elif [[ $previous == = ]]; then\n"
            "        previous=${COMP_WORDS[COMP_CWORD-2]}\n"
@@ -158,7 +158,7 @@ std::string Zsh(const CommandReference& root)
            "_arborist \"$@\"\n";
 }
 
-// A command is named when all its words were seen and none of a command below.
+// A command is selected if the line has all its words and none of a subcommand.
 std::string FishCondition(const CommandReference& command)
 {
     std::string condition;

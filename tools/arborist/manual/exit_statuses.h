@@ -10,7 +10,7 @@ struct ExitStatusMeaning {
     const char* meaning;
 };
 
-/// What the help and the man pages say of each exit status.
+/// The text about each exit status in the help and the man pages.
 inline constexpr ExitStatusMeaning EXIT_STATUSES[] = {
     {ExitStatus::SUCCESS, "everything was done, fault or not"},
     {ExitStatus::FAULT_FOUND, "a fault was found and --fail-on-fault was given"},

@@ -8,7 +8,7 @@ namespace diagnosis::command {
 
 namespace {
 
-// Text for the formatter: no character of it is a request, an escape or a hyphen of typography.
+// Escapes a text for the formatter, so that no character of it is read as a request, an escape or a typographic hyphen.
 std::string Escaped(const std::string& text)
 {
     std::string escaped;
@@ -48,7 +48,7 @@ std::string OptionHead(const OptionReference& option)
     return option.value.empty() ? head : head + " " + Italic(option.value);
 }
 
-// A command that can read a list of bundles is called in two ways.
+// True for a command that can also read a list of bundles: its synopsis has two forms.
 bool TakesBatch(const CommandReference& command)
 {
     return std::any_of(command.options.begin(), command.options.end(), [](const OptionReference& option) {
@@ -85,8 +85,8 @@ std::string Commands(const CommandReference& command)
     return text;
 }
 
-// The part of a footer from a line "Examples:" or "Example:" up to the next empty line; the rest is notes. The exit
-// statuses, which the footer of the first help lists, have a section of their own.
+// A footer split into examples, from a line "Examples:" or "Example:" up to the next empty line, and notes, which are
+// the rest. Leaves out the exit statuses of the main help, which have a section of their own.
 struct Footer {
     std::string notes;
     std::string examples;
@@ -110,7 +110,7 @@ Footer SplitFooter(const std::string& footer)
     return split;
 }
 
-// Lines stay as they were written: they are commands and their input.
+// Keeps the lines unchanged, as they are commands and their input.
 std::string AsWritten(const std::string& title, const std::string& lines)
 {
     return lines.empty() ? "" : ".SH " + title + "\n.nf\n" + Escaped(lines) + ".fi\n";

@@ -6,14 +6,14 @@ namespace diagnosis::command {
 
 namespace {
 
-// Without the types and limits that are checked.
+// The name of the value without the types and limits that CLI11 appends.
 std::string ValueName(const CLI::Option& option)
 {
     const std::string type = option.get_type_name();
     return type.substr(0, type.find(':'));
 }
 
-// "FORMAT:{dot,svg}" names two.
+// The choices in a text such as "FORMAT:{dot,svg}".
 std::vector<std::string> Choices(const CLI::Option& option)
 {
     const std::string type = option.get_type_name();

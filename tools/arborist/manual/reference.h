@@ -10,37 +10,37 @@ namespace diagnosis::command {
 
 /// One option as its command declares it.
 struct OptionReference {
-    /// With their dashes, short ones first.
+    /// The names with their dashes, short ones first.
     std::vector<std::string> names;
-    /// What stands for the value; empty for a flag.
+    /// Placeholder of the value; empty for a flag.
     std::string value;
     std::string description;
-    /// The words of which the value must be one; none where it may be any text.
+    /// The words that the value may be; empty if it may be any text.
     std::vector<std::string> choices = {};
 };
 
-/// One command with everything that its --help shows: the one source of man pages and completions.
+/// One command with everything that its --help shows: the source of both man pages and completions.
 struct CommandReference {
-    /// All words, "arborist log import".
+    /// The full name, "arborist log import".
     std::string words;
     std::string description;
     /// Notes and examples.
     std::string footer;
-    /// Positional arguments in their order, "BUNDLE..." where several are taken.
+    /// Positional arguments in order, "BUNDLE..." if there may be several.
     std::vector<OptionReference> arguments;
     std::vector<OptionReference> options;
     std::vector<CommandReference> commands;
 };
 
-/// `words` are those that lead to `command`.
+/// `words` is the full name of `command`.
 CommandReference MakeReference(const Command& command, const std::string& words);
 
-/// The man page, section 1, in the man macros.
+/// The man page for section 1, written with the man macros.
 std::string ManPage(const CommandReference& command);
-/// "arborist-log-import.1".
+/// The name of its file: "arborist-log-import.1".
 std::string ManPageName(const CommandReference& command);
 
-/// The script for "bash", "zsh" or "fish".
+/// The completion script for "bash", "zsh" or "fish".
 std::string Completion(const CommandReference& root, const std::string& shell);
 
 } // namespace diagnosis::command

@@ -14,35 +14,34 @@ class Option;
 
 namespace diagnosis::command {
 
-/// One option or argument of a command. Each call describes it further and returns it.
+/// One option or argument of a command. Each call adds a property and returns the object.
 ///
-/// A handle, valid as long as the command line that it belongs to. It is the door to CLI11, whose headers take seconds
-/// to compile: the commands see only this one.
+/// A handle, valid as long as its command line. Hides CLI11, whose headers take seconds to compile, from the commands.
 class Option {
 public:
     explicit Option(CLI::Option& option);
 
-    /// What stands for the value in the help: "FILE".
+    /// Sets the placeholder of the value in the help: "FILE".
     Option& Takes(const std::string& valueName);
     Option& Required();
-    /// The value must be one of these words.
+    /// Accepts only one of these words.
     Option& OneOf(const std::vector<std::string>& words);
-    /// The value must be in this range, ends included.
+    /// Accepts only values in this range, ends included.
     Option& Within(std::size_t least, std::size_t most);
     Option& Within(std::int64_t least, std::int64_t most);
-    /// `problem` tells what is wrong with a text; it returns an empty text when nothing is.
+    /// Accepts a text if `problem` returns an empty text for it; otherwise that is the message.
     Option& Check(const std::function<std::string(const std::string& text)>& problem);
-    /// The value must not be empty.
+    /// Accepts no empty value.
     Option& NotEmpty();
-    /// One text may hold several values with `separator` between.
+    /// Splits one text into several values at `separator`.
     Option& SplitAt(char separator);
-    /// Shows in the help the value that it has now.
+    /// Shows its current value as the default in the help.
     Option& ShowDefault();
-    /// Shows this text as the value that it has unless given.
+    /// Shows this text as the default in the help.
     Option& Default(const std::string& text);
-    /// It may be given only together with `other`.
+    /// Allows the option only together with `other`.
     Option& Needs(const Option& other);
-    /// It may not be given together with `other`.
+    /// Forbids the option together with `other`.
     Option& Excludes(const Option& other);
 
 private:
@@ -51,36 +50,36 @@ private:
 
 /// A command, or the whole command line, to which options and commands are added.
 ///
-/// A handle, valid as long as the command line. What options are read into must outlive its parse.
+/// A handle, valid as long as the command line. The variables of its options must outlive the parse.
 class Command {
 public:
     explicit Command(CLI::App& app);
 
-    /// A name without dashes is a positional argument.
+    /// Adds an option; a name without dashes makes a positional argument.
     Option Add(const std::string& name, std::string& value, const std::string& description);
     Option Add(const std::string& name, std::vector<std::string>& values, const std::string& description);
     Option Add(const std::string& name, std::size_t& value, const std::string& description);
     Option Add(const std::string& name, std::int64_t& value, const std::string& description);
     Option Add(const std::string& name, double& value, const std::string& description);
-    /// Hands the value to `take`.
+    /// Adds an option whose value is passed to `take`.
     Option Add(const std::string& name, const std::function<void(const std::string& value)>& take,
         const std::string& description);
     Option AddFlag(const std::string& name, bool& isGiven, const std::string& description);
-    /// One that was added before.
+    /// Returns an option that was added before.
     Option Get(const std::string& name) const;
 
     Command AddCommand(const std::string& name, const std::string& description);
-    /// One of the commands below it must be named.
+    /// Requires one of its subcommands.
     void RequireCommand();
-    /// Notes and examples at the end of its help.
+    /// Sets notes and examples at the end of its help.
     void Footer(const std::string& text);
-    /// What runs when the line names it, while the line is parsed.
+    /// Sets the function that runs during the parse if the line names the command.
     void OnCall(const std::function<void()>& run);
 
     std::string Name() const;
-    /// The commands below it, in the order of their adding.
+    /// Its subcommands in the order in which they were added.
     std::vector<Command> Commands() const;
-    /// What its --help shows.
+    /// The text of its --help.
     std::string Help() const;
     const CLI::App& App() const { return *mApp; }
 
@@ -88,10 +87,10 @@ private:
     CLI::App* mApp;
 };
 
-/// The names of the commands below `command`, in the order of Commands.
+/// The names of the subcommands of `command`, in the order of Commands.
 std::vector<std::string> CommandNames(const Command& command);
 
-/// From OnCall: end the parse with the error that the argument is missing, or that the two exclude each other.
+/// To call from OnCall: ends the parse with the error that an argument is missing, or that two exclude each other.
 [[noreturn]] void FailMissing(const std::string& argument);
 [[noreturn]] void FailExcluded(const std::string& option, const std::string& other);
 

@@ -8,8 +8,8 @@
 
 namespace diagnosis::command {
 
-/// What the view asks for by options of their own: near misses, and the minimal cut sets in evidence with the shares of
-/// the events and the repairs. Empty when it asks for neither; every line ends in a line end.
+/// The near misses, and the minimal cut sets in evidence with the shares of events and the repairs, as far as the view
+/// requests them. Empty if it requests neither; every line has a line end.
 std::string AnalysisText(const ExplainedTree& tree, const ExplanationView& view, Colour colour);
 
 } // namespace diagnosis::command

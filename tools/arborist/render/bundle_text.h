@@ -8,10 +8,10 @@
 
 namespace diagnosis::command {
 
-/// What a bundle holds, for people.
+/// The content of a bundle as text.
 std::string BundleText(const BundleContents& contents);
 
-/// What was found when a bundle was checked, one line each.
+/// The findings of a check of a bundle, one line each.
 std::string CheckText(const std::string& bundle, const std::vector<BundleFinding>& findings);
 
 } // namespace diagnosis::command

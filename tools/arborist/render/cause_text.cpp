@@ -61,7 +61,7 @@ private:
         return result == nullptr ? "" : result->mNode->mName;
     }
 
-    // Of its description, suggestions and repairs, with two blanks between.
+    // The ids of its description, suggestions and repairs, with two blanks between them.
     std::string IdsOf(const DistinctCause& cause) const
     {
         const auto* result = ResultOf(cause);

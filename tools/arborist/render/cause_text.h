@@ -9,8 +9,8 @@
 
 namespace diagnosis::command {
 
-/// The distinct root causes of a tree that the view asks for, each with the paths of its members, the rules that fired
-/// for them, and the ids of `result` (null where there is none). Every line ends in a line end.
+/// The distinct root causes of a tree that the view shows, each with the paths of its members, the rules that fired for
+/// them, and the ids of `result` (null if there is none). Every line has a line end.
 std::string CausesText(const ExplainedTree& tree, const FaultTreeResult* result, const ExplanationView& view,
     Colour colour);
 

@@ -7,8 +7,8 @@
 
 namespace diagnosis::command {
 
-/// A report for people: each tree with its verdict, its root causes with all their ids and, where the report holds
-/// them, the trees with the status of every event. Ends with a line end.
+/// A report as text: each tree with its verdict, its root causes with all their ids and, if the report has the trees,
+/// the status of every event. Ends with a line end.
 std::string DetectionText(const DetectionReport& report);
 
 } // namespace diagnosis::command

@@ -84,7 +84,7 @@ private:
         return event.gate == Evidence::GateType::OR ? " OR" : event.gate == Evidence::GateType::AND ? " AND" : " (no gate)";
     }
 
-    // What the gate makes of what is below, and whether the event follows it.
+    // How the gate evaluates the events below, and whether the event follows it.
     std::string LogicText(std::size_t place) const
     {
         const ExplainedEvent& event = mTree.events[place];
@@ -194,7 +194,7 @@ private:
     std::unordered_set<std::size_t> mToldEvidence;
 };
 
-// "--event A and --rule r" of those that were given.
+// The narrowing options that were given: "--event A and --rule r".
 std::string NarrowingOptions(const ExplanationView& view)
 {
     std::string options;

@@ -8,8 +8,8 @@
 
 namespace diagnosis::command {
 
-/// The explanation of a report as a person reads it: each tree with its events, their rules and what these looked at,
-/// then root causes, what was cut off, near misses and minimal cut sets, as far as the view asks. Ends with a line end.
+/// The explanation of a report as text: each tree with its events, their rules and the evidence; then root causes,
+/// cut-off events, near misses and minimal cut sets, as far as the view requests them. Ends with a line end.
 std::string ExplanationText(const DetectionReport& report, const ExplanationView& view, bool isColoured);
 
 } // namespace diagnosis::command

@@ -13,13 +13,13 @@ namespace diagnosis::command {
 /// "1 event", "2 events".
 std::string Counted(std::uint64_t number, const std::string& one, const std::string& several);
 
-/// How often a cut set stands in the list of root causes, with two blanks before it; empty when it stands there once.
+/// How often a cut set occurs in the list of root causes, after two blanks; empty if it occurs once.
 std::string TimesText(std::uint64_t times, Colour colour);
 
-/// TRUE, FALSE or SKIP in the colour that it has everywhere.
+/// TRUE, FALSE or SKIP in the colour of the verdict.
 std::string VerdictText(const Evidence::Rule& rule, Colour colour);
 
-/// The ids of the events at these places of a tree.
+/// The ids of the events at these indexes of a tree.
 std::vector<std::string> IdsAt(const ExplainedTree& tree, const std::vector<std::size_t>& places);
 
 } // namespace diagnosis::command

@@ -27,7 +27,7 @@ std::string ColouredSeverity(Severity severity, const Colour& colour)
                                         : colour.Bold(word);
 }
 
-// Tabs take one place, so that the caret stands where it should.
+// Replaces tabs by single blanks, so that the caret is in the right column.
 std::string OneColumnEach(std::string line)
 {
     for (char& character : line) {
@@ -36,7 +36,7 @@ std::string OneColumnEach(std::string line)
     return line;
 }
 
-// The line of the file, and below it the caret. A caret stands right only where each character takes one place.
+// The line of the file and the caret below it. The caret is right only if each character takes one column.
 std::string Frame(const Finding& finding, const Colour& colour)
 {
     static constexpr std::size_t LONGEST = 160;

@@ -7,14 +7,14 @@
 
 namespace diagnosis::command {
 
-/// The findings of a run for people: each with place, message, its line of the file with a caret where that is known,
-/// help, and once for each check what happens at run time; at the end the counts.
+/// The findings of a run as text: each with its place, message, line of the file with a caret if that is known, help,
+/// and once for each check the effect at run time; then the counts.
 std::string LintText(const lint::LintRun& run, bool isColoured);
 
-/// All checks, a line each: id, severity, what is needed beside the files, title.
+/// All checks, a line each: id, severity, what the check needs beside the files, title.
 std::string CheckListText();
 
-/// A check with what it finds, what happens at run time, and its samples.
+/// A check: what it finds, the effect at run time, and its samples.
 std::string CheckText(const lint::Check& check);
 
 } // namespace diagnosis::command

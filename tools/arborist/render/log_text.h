@@ -7,10 +7,10 @@
 
 namespace diagnosis::command {
 
-/// What an event log holds, for people: times are local time.
+/// The content of an event log as text, in local time.
 std::string LogText(const std::string& log, const LogInspection& inspection);
 
-/// "2024-05-01 10:00:00 to 2024-05-20 12:00:00", or that there is no time.
+/// "2024-05-01 10:00:00 to 2024-05-20 12:00:00", or a note that there is no time.
 std::string SpanText(const LoggedSpan& span);
 
 } // namespace diagnosis::command

@@ -7,7 +7,7 @@
 
 namespace diagnosis::command {
 
-/// What the rule set says of a code, for people; ends with a line end.
+/// What the rule set says about a code, as text. Ends with a line end.
 std::string QueryText(const QueryReport& report);
 
 } // namespace diagnosis::command

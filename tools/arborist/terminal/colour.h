@@ -5,7 +5,7 @@
 
 namespace diagnosis::command {
 
-/// Puts texts in colours of a terminal, or leaves them as they are.
+/// Adds the escapes of terminal colours to texts, or leaves them unchanged.
 class Colour {
 public:
     explicit Colour(bool isOn) : mIsOn(isOn) {}
@@ -25,7 +25,7 @@ private:
     bool mIsOn;
 };
 
-/// The word of --color, for the rest of the process: "auto" (the default), "always" or "never".
+/// Sets the word of --color for the rest of the process: "auto" (the default), "always" or "never".
 void SetColour(const std::string& word);
 
 /// True if results, on standard output, are coloured. Under "auto": if it is a terminal that shows colours and NO_COLOR

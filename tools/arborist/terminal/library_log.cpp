@@ -25,8 +25,8 @@ struct FileCloser {
 
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-// The file as it was given, and why a line could not be written, in memory that forks of the process share; 0 while
-// all could be.
+// The name of the file as given, and the error number of a line that could not be written, in memory shared with forked
+// processes; 0 as long as there is none.
 std::string fileName;
 std::atomic<int>* failure = nullptr;
 static_assert(std::atomic<int>::is_always_lock_free);
@@ -37,7 +37,7 @@ std::atomic<int>* SharedNumber()
     return memory == MAP_FAILED ? throw std::bad_alloc() : new (memory) std::atomic<int>(0);
 }
 
-/// Lines from a level on to standard error, and all lines to a file, where there is one.
+/// Writes lines from a level on to standard error, and all lines to a file if there is one.
 class ScreenAndFile : public LogSink {
 public:
     ScreenAndFile(int level, File file) : mLevel(level), mFile(std::move(file)) {}
@@ -91,7 +91,7 @@ std::optional<std::string> OpenLibraryLog(const LogOptions& options)
         if (file == nullptr) {
             return options.file + ": can't be written: " + std::strerror(errno);
         }
-        // Line by line: a crash leaves all that was logged, and several processes can share the file.
+        // Line buffered, so that a crash loses nothing and several processes can share the file.
         std::setvbuf(file.get(), nullptr, _IOLBF, BUFSIZ);
         fileName = options.file;
         failure = SharedNumber();

@@ -6,21 +6,21 @@
 
 namespace diagnosis::command {
 
-/// Where the library's log goes: standard output belongs to results, so never there.
+/// The targets of the library's log, never standard output, which is for results.
 struct LogOptions {
-    /// A word of LogLevelOf; lines from this level on go to standard error. Empty: none.
+    /// A word of LogLevelOf: lines from this level on go to standard error; none if empty.
     std::string level;
-    /// The whole log, whatever the level; empty for none.
+    /// The file for the whole log, whatever the level; empty for none.
     std::string file;
 };
 
-/// The number of "trace", "debug", "info", "warn", "error" or "fatal", and one above all for "none".
+/// The level of "trace", "debug", "info", "warn", "error" or "fatal"; a number above all levels for "none".
 std::optional<int> LogLevelOf(const std::string& word);
 
-/// Puts the log where `options` say, for the rest of the process. Otherwise answers why not.
+/// Sends the log to the targets for the rest of the process. Returns the reason if it can't.
 std::optional<std::string> OpenLibraryLog(const LogOptions& options);
 
-/// Why some line could not be written into the file, in this process or one that was forked from it.
+/// The reason if a line could not be written into the file, in this process or a forked one.
 std::optional<std::string> LibraryLogProblem();
 
 } // namespace diagnosis::command

@@ -19,7 +19,7 @@ std::string About(const std::string& about, const std::string& message)
     return message.rfind(about + ": ", 0) == 0 ? message : about + ": " + message;
 }
 
-// In one piece: workers of a batch share the stream.
+// Writes the line in one piece, as workers of a batch share the stream.
 void PrintMessage(const std::string& line)
 {
     std::cerr << "arborist: " + line + "\n";
@@ -31,7 +31,8 @@ void KeepStandardStreams()
 {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (fcntl(stream, F_GETFD) < 0) {
-            // The lowest free number is this one. Opened for what nobody does with it.
+            // Opening takes the lowest free number, which is this one. The mode is the opposite one, so that using the
+            // stream fails.
             [[maybe_unused]] const int opened = open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
         }
     }

@@ -9,20 +9,20 @@
 
 namespace diagnosis::command {
 
-/// Takes the places of those standard streams that are closed, so that no file of ours gets one of their numbers and
-/// with it what is written for them. Reading and writing them go on failing.
+/// Occupies the numbers of closed standard streams, so that no other file gets one and receives their output. Reading
+/// and writing these streams still fail.
 void KeepStandardStreams();
 
-/// Results go to standard output, and nothing else does. `text` goes out at once: readers follow a long run.
+/// Prints a result to standard output, where nothing else goes. Flushes, so that readers can follow a long run.
 void PrintResult(const std::string& text);
 
-/// One line on standard error: "arborist: message".
+/// Prints one line on standard error: "arborist: message".
 void PrintError(const std::string& message);
 
-/// What a text result can't carry, on standard error, each with the bundle or file that it is about.
+/// Prints warnings and failure on standard error, as text results don't contain them; each with its bundle or file.
 void PrintProblems(const std::string& about, const std::vector<Warning>& warnings, const Failure* failure);
 
-/// The exit status at the end: INTERNAL, with a message, when results or the library's log could not be written.
+/// Returns the final exit status: INTERNAL, with a message, if results or the library's log could not be written.
 ExitStatus FinishOutput(ExitStatus status);
 
 } // namespace diagnosis::command

@@ -9,7 +9,7 @@ namespace diagnosis::command {
 
 namespace {
 
-// Where the description begins: 0 for a plain paragraph, nothing for a line that is not to be broken.
+// The column at which the description begins: 0 for a plain paragraph, nothing for a line that must not be broken.
 std::optional<std::size_t> IndentOf(const std::string& line)
 {
     const auto first = line.find_first_not_of(' ');

@@ -10,9 +10,9 @@ namespace diagnosis::command {
 /// Columns of the terminal on standard output; nothing if it is none.
 std::optional<std::size_t> TerminalWidth();
 
-/// Breaks the lines of a help text that are longer than `width` columns between words. The rest of a line is indented
-/// like its description: behind the first gap of two blanks, as of "  --json    One JSON object". Lines of examples,
-/// which are indented and have no gap, stay whole, so that they can be copied.
+/// Breaks lines of a help text that are longer than `width` columns between words. Continuation lines are indented to
+/// the description, which begins behind the first gap of two blanks, as in "  --json    One JSON object". Lines of
+/// examples, which are indented and have no gap, are not broken, so that they can be copied.
 std::string WrapHelp(const std::string& help, std::size_t width);
 
 } // namespace diagnosis::command
