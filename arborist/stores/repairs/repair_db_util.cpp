@@ -6,7 +6,9 @@
 #include <filesystem>
 #include <iterator>
 
+#include "arborist/frame/fault_tree_prop_global.h"
 #include "arborist/frame/log.h"
+#include "arborist/frame/settings.h"
 #include "arborist/stores/repairs/repair_table_reader.h"
 #include "arborist/stores/sql/simple_database_helper.h"
 #include "arborist/utilities/device_paths.h"
@@ -84,6 +86,9 @@ bool RepairDbUtil::OpenDb()
     }
     // The file is ours, but somebody may have replaced its table by a view or a trigger of their own.
     mDatabase->Restrict(FT::sql::SqlAccess::OWN_FILE, {.steps = StepsForAllRows(path), .rows = MOST_ROWS});
+    if (!FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(Settings::TEMPORARY_STORES, "").empty()) {
+        mDatabase->WriteWithoutWaiting(); // an empty table: it can be made again
+    }
     CreateRepairRecordTable(RepairTableReader::TABLE_NAME);
     return mDatabase->IsOpen();
 }
@@ -130,6 +135,7 @@ void RepairDbUtil::SaveRepairDataToDb(const std::string& repairId)
             "RepairDbUtil::SaveRepairDataToDb");
         return;
     }
+    mDatabase->WriteSafely();
     const bool isKnown = QueryRepairId(repairId);
     const std::string date = TimeUtil::GetFormatTime(TimeUtil::GetTimeOfDay());
     if (isKnown) {

@@ -191,6 +191,14 @@ void SqlDatabase::WriteWithoutWaiting()
     }
 }
 
+void SqlDatabase::WriteSafely()
+{
+    if (IsOpen()) {
+        sqlite3_exec(
+            handle->connection, "PRAGMA synchronous=FULL; PRAGMA journal_mode=DELETE", nullptr, nullptr, nullptr);
+    }
+}
+
 void SqlDatabase::Close()
 {
     if (handle->connection == nullptr) {

@@ -79,6 +79,8 @@ public:
     void Restrict(SqlAccess access, const SqlLimits& limits = {});
     /// From now on no write waits for the disk; a crash of the machine may lose what was written.
     void WriteWithoutWaiting();
+    /// Takes WriteWithoutWaiting back: from now on a committed write survives a crash of the machine.
+    void WriteSafely();
     const Sqlite3Db& GetHandle() const { return *handle; }
 
     /// There is no rollback: a transaction that isn't committed is dropped when the connection closes.
