@@ -23,7 +23,7 @@ bool AlarmRuleDbHelper::OpenDatabase()
     if (!mDatabase.Open(path)) {
         return false;
     }
-    // The service's own changes may wait beside the file; closing must not move them in.
+    // Changes of the monitoring service may wait in a file beside the log; closing must not move them into it.
     mDatabase.Restrict(FT::sql::SqlAccess::READ_ONLY);
     return true;
 }

@@ -8,10 +8,10 @@
 #include "arborist/stores/event_log/event_log_search.h"
 #include "arborist/stores/sql/sql_database.h"
 
-/// The event log of the monitoring service, read only: which events of an id were logged since a time.
+/// Reads the event log of the monitoring service: finds the events of an id that were logged since a time.
 ///
-/// One connection for the life of the object. A log that can't be opened is tried again at each query, so that one
-/// that appears during a detection is picked up. What fails logs its lines and gives no events. One thread at a time.
+/// Keeps one connection as long as it exists. If the log can't be opened, each query tries again, so that a log that
+/// appears during a detection is found. A query that fails logs its lines and returns no events. Not thread-safe.
 class AlarmRuleDbHelper final {
 public:
     using EventList = EventQuery::EventList;
@@ -24,12 +24,12 @@ public:
     AlarmRuleDbHelper(const AlarmRuleDbHelper&) = delete;
     AlarmRuleDbHelper& operator=(const AlarmRuleDbHelper&) = delete;
 
-    /// The events of `eventId` since `startTime`, with `fromUpdate` those of the current version and of none. Asks the
-    /// log each time.
+    /// The events of `eventId` since `startTime`; with `fromUpdate` only those of the current version and those without
+    /// a version. Queries the log at each call.
     EventList GetEventList(std::int32_t eventId, std::int64_t startTime, bool fromUpdate);
 
-    /// Shows the visitor what GetEventList gives for each id of the query, ascending, with the same lines in the log.
-    /// Ids without rows since the start are not shown and cost nothing. The lines of a log that can't be opened come for
+    /// Calls the visitor with the result of GetEventList for each id of the query, in ascending order, and logs the
+    /// same lines. Skips ids without rows since the start at no cost. If the log can't be opened, logs the lines for
     /// each of the first EventLogSearch::LONGEST_RANGE_TOLD ids.
     Reading VisitEvents(const Query& query, const Visitor& visitor);
 

@@ -19,7 +19,7 @@ namespace {
 using FT::sql::SqlCursor;
 using Entry = EventLogSnapshot::Entry;
 
-// Writes what the text of a row answers to the questions of its segment.
+// Stores the answers of a row's text to the questions of its segment.
 class TextReader {
 public:
     void Take(const AnswerSegment& segment, std::uint32_t row, std::string_view extra)
@@ -40,7 +40,7 @@ public:
             if (isJson) {
                 Answer(target, row, MemberText(root, segment.keys[target.key]));
             } else {
-                target.column->SetAskAgain(row); // each reading of it is an error in the log
+                target.column->SetAskAgain(row); // each reading logs an error
             }
         }
     }
@@ -56,11 +56,11 @@ private:
         }
     }
 
-    std::vector<std::string_view> mMembers; // room for those of one row
+    std::vector<std::string_view> mMembers; // of one row; a member to reuse its memory
 };
 
-// Finds the rows of the snapshot among those of the table. Both the rows of the table and those of each entry come by
-// rising row ids: the next row of its entry is the one that comes.
+// Maps rows of the table to rows of the snapshot. As both the table and each entry are sorted by row id, a row of the
+// table can only be the next row of its entry.
 class RowFinder {
 public:
     RowFinder(const EventLogSnapshot& snapshot, const AnswerSegments& segments, std::int64_t since)
@@ -115,7 +115,7 @@ private:
 
     const EventLogSnapshot& mSnapshot;
     IdDictionary mEntryOfId;
-    std::vector<std::uint32_t> mNextOfEntry; // the end for those that nothing is asked of
+    std::vector<std::uint32_t> mNextOfEntry; // the end for entries without questions
     std::int64_t mFirstRowId = std::numeric_limits<std::int64_t>::max();
     std::int64_t mLastRowId = std::numeric_limits<std::int64_t>::min();
     std::size_t mRowsToMeet = 0;

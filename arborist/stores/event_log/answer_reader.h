@@ -14,20 +14,20 @@
 #include "arborist/stores/event_log/requests.h"
 #include "arborist/stores/sql/sql_database.h"
 
-/// Reads the texts of the rows of a snapshot and writes down what they answer. In silence: what would leave a line in
-/// the log is marked to be asked again. Keeps nothing itself. Call it while the log is still what the snapshot shows.
+/// Reads the texts of a snapshot's rows and stores their answers to questions. Logs nothing: a row whose answer would
+/// log a line is marked to be asked again. Stateless. Call it only while the log has not changed since the snapshot.
 class AnswerReader {
 public:
     using Texts = std::map<std::uint32_t, std::string>; // by row
 
     AnswerReader(const FT::sql::Sqlite3Db& database, const EventLogSnapshot& snapshot, const Requests& requests);
 
-    /// Reads all texts since `since` in one go, for those of `wanted` that have room, the first ones first. Null when
-    /// the log can't be read so.
+    /// Reads all texts since `since` in one pass and answers as many requests of `wanted`, from the first on, as there
+    /// is room for. Null if the log can't be read in this way.
     std::shared_ptr<const AnswerTable> ReadAll(
         const std::vector<Requests::Request>& wanted, std::int64_t since) const;
 
-    /// Reads the texts of these rows one by one: the answers to `questions`, each in a column of the entry.
+    /// Reads the texts of these rows one by one and returns a column of answers for each of `questions`.
     std::optional<std::vector<std::shared_ptr<const AnswerColumn>>> ReadOneByOne(
         const EventLogSnapshot::Entry& entry, const RowBits& rows, const std::vector<Requests::Number>& questions) const;
     /// The texts of these rows.

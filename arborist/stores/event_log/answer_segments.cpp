@@ -6,10 +6,11 @@
 
 namespace {
 
-// Bytes that answers may take, and for each row of the log.
+// Bytes that answers may take: a fixed part, and a part for each row of the log.
 constexpr std::size_t ROOM = 16384;
 constexpr std::size_t ROOM_FOR_A_ROW = 5;
-// Targets that the segments may have, and for how many rows of the log one more: they are there while it is read.
+// Targets that the segments may have: a fixed number, and one more for so many rows of the log. They exist only during
+// a reading.
 constexpr std::size_t TARGETS = 2048;
 constexpr std::size_t ROWS_FOR_A_TARGET = 32;
 
@@ -24,7 +25,7 @@ void AnswerSegment::Add(AnswerColumn& column, const RowQuestion& question)
     }
 }
 
-// Where a run begins or ends.
+// The begin or the end of a run.
 struct AnswerSegments::Boundary {
     std::uint32_t entry;
     bool isBegin;
@@ -67,7 +68,7 @@ std::vector<AnswerSegments::Run> AnswerSegments::RunsWithRoom(
     return runs;
 }
 
-// Runs of one question that overlap are one.
+// Joins overlapping runs of the same question.
 std::vector<AnswerSegments::Boundary> AnswerSegments::BoundariesOf(std::vector<Run> runs) const
 {
     std::sort(runs.begin(), runs.end());

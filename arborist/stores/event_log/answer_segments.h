@@ -11,9 +11,9 @@
 #include "arborist/stores/event_log/event_log_snapshot.h"
 #include "arborist/stores/event_log/requests.h"
 
-/// A run of consecutive entries to which the same questions are put.
+/// A run of consecutive entries with the same questions.
 struct AnswerSegment {
-    /// Where the answers of a question go, and which of the keys it looks at.
+    /// A question, the column for its answers, and the index of its key.
     struct Target {
         AnswerColumn* column;
         const RowQuestion* question;
@@ -26,21 +26,22 @@ struct AnswerSegment {
     std::vector<Target> targets;
 };
 
-/// Divides the entries of a snapshot into segments, for the time of one reading.
+/// Divides the entries of a snapshot into segments for one reading.
 class AnswerSegments {
 public:
-    /// For those requests of `wanted` for which there is room, the first ones first. Makes their columns in `table`.
+    /// Takes as many requests of `wanted`, from the first on, as there is room for, and creates their columns in
+    /// `table`.
     AnswerSegments(const EventLogSnapshot& snapshot, const Requests& requests,
         const std::vector<Requests::Request>& wanted, AnswerTable& table);
 
-    /// Null for an entry to which no question is put.
+    /// Null for an entry without questions.
     const AnswerSegment* OfEntry(std::size_t entry) const
     {
         return mSegmentOfEntry[entry] == 0 ? nullptr : &mSegments[mSegmentOfEntry[entry] - 1];
     }
 
 private:
-    // A request in numbers of entries.
+    // A request with numbers of entries in place of ids.
     struct Run {
         Requests::Number question;
         std::uint32_t first;

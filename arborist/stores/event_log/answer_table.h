@@ -10,8 +10,8 @@
 #include "arborist/stores/event_log/requests.h"
 #include "arborist/stores/event_log/row_bits.h"
 
-/// The answers of one question for a run of rows: a bit for yes or no, four bytes for a number, and where needed a bit
-/// for the rows that have to be asked again each time. A row that was not set answers 0.
+/// The answers to one question for a run of rows: one bit for yes or no, four bytes for a number. If needed, another
+/// bit marks rows that must be asked again each time. A row that was not set answers 0.
 class AnswerColumn {
 public:
     AnswerColumn(std::uint32_t firstRow, std::uint32_t endRow, bool isNumber);
@@ -35,14 +35,14 @@ public:
 
     void SetAskAgain(std::uint32_t row);
     bool IsAskedAgain(std::uint32_t row) const { return !mAgain.IsEmpty() && mAgain.Has(row); }
-    /// Whether some row is asked again.
+    /// True if a row must be asked again.
     bool HasAskedAgain() const { return !mAgain.IsEmpty(); }
 
-    /// The bits of yes, and of rows that are asked again, for 64 rows; see RowBits::GetWord.
+    /// The bits for yes of 64 rows, and the bits of those to ask again; see RowBits::GetWord.
     RowBits::Word GetYes(std::uint32_t word) const { return mYes.GetWord(word); }
     RowBits::Word GetAskedAgain(std::uint32_t word) const { return mAgain.IsEmpty() ? 0 : mAgain.GetWord(word); }
 
-    /// Bytes that a column takes, rows to be asked again included.
+    /// Bytes that a column takes, including the bits of rows to ask again.
     static std::size_t SizeFor(std::uint32_t rows, bool isNumber);
 
 private:
@@ -51,19 +51,19 @@ private:
     bool mIsNumber;
     RowBits mYes;
     std::vector<std::int32_t> mNumbers;
-    RowBits mAgain; // empty as long as there are none
+    RowBits mAgain; // empty as long as no row is marked
 };
 
-/// The answers that one reading of the texts gave: for each question its columns, which don't overlap.
+/// The answers from one reading of the texts: the columns of each question, which don't overlap.
 class AnswerTable {
 public:
-    /// Of rows before `since` nothing is known.
+    /// Has no answers of rows before `since`.
     explicit AnswerTable(std::int64_t since) : mSince(since) {}
 
     std::int64_t GetSince() const { return mSince; }
     std::shared_ptr<AnswerColumn> Add(Requests::Number question, std::uint32_t firstRow, std::uint32_t endRow,
         bool isNumber);
-    /// The column that has all rows from `firstRow` to before `endRow`; null where there is none.
+    /// The column that has all rows from `firstRow` to before `endRow`; null if there is none.
     std::shared_ptr<const AnswerColumn> Find(
         Requests::Number question, std::uint32_t firstRow, std::uint32_t endRow) const;
 

@@ -16,15 +16,15 @@ namespace {
 using FT::sql::ScannedRow;
 using FT::sql::SqlCursor;
 
-// The join of EventQuery, held to the order in which that query goes through the tables.
+// The join of EventQuery, forced to visit the tables in the order in which that query does.
 constexpr char FROM_TABLES[] =
     " from event_info cross join event_info_flow on event_info._ID=event_info_flow._ID"
     " cross join event_version on event_info.version_id=event_version._ID";
 constexpr std::size_t MOST_ROWS = std::numeric_limits<std::uint32_t>::max();
 constexpr std::int64_t FLAT_VERSIONS = 65536;
-// Bytes of an event in the file, at least.
+// Least number of bytes of an event in the file.
 constexpr std::int64_t SHORTEST_ROW = 16;
-// A file with holes may claim any size, so that no more than this is believed.
+// Limit on the guess, as a file with holes may claim any size.
 constexpr std::int64_t MOST_GUESSED_ROWS = 1 << 24;
 
 template <typename Number>
@@ -33,15 +33,15 @@ bool Fits(std::int64_t value)
     return value >= std::numeric_limits<Number>::min() && value <= std::numeric_limits<Number>::max();
 }
 
-// 0 where there is no whole number.
+// The whole number that `sql` returns; 0 if it returns none.
 std::int64_t NumberOf(const FT::sql::Sqlite3Db& database, const std::string& sql)
 {
     SqlCursor cursor(database, sql);
     return cursor.Step() && cursor.GetType(0) == SqlCursor::ColumnType::INTEGER ? cursor.GetInteger(0) : 0;
 }
 
-// Room for the rows: as many as there are row numbers between the first and the last, or fit into the file. A guess
-// that saves growing, which would need the memory twice.
+// Guesses the number of rows: as many as there are row numbers from the first to the last, or as fit into the file.
+// Reserving memory for them avoids growing, which would need the memory twice.
 std::size_t GuessRowCount(const FT::sql::Sqlite3Db& database, const std::string& rowName)
 {
     const std::string numbers = "(" + rowName + ") from event_info)";
@@ -56,7 +56,7 @@ std::size_t GuessRowCount(const FT::sql::Sqlite3Db& database, const std::string&
 } // namespace
 
 struct EventLogReader::Row {
-    bool isFound; // by a query for some id: there are an id and a time
+    bool isFound; // a query finds the row, as it has an id and a time
     bool isWhole; // all are whole numbers
     std::int64_t id;
     std::int64_t time;
@@ -102,7 +102,7 @@ void EventLogReader::Clear()
     mOtherVersions.clear();
 }
 
-// Damage that no query meets doesn't matter here either, but to tell it apart takes the queries.
+// Also false for damage that no query would meet, as only running the queries could show that.
 bool EventLogReader::IsFileSound() const
 {
     SqlCursor cursor(mDb, "PRAGMA integrity_check");
@@ -120,12 +120,12 @@ bool EventLogReader::ReadInOnePass()
     mColumns.rowIds.reserve(guess);
     mColumns.versions.reserve(guess);
     mIdOfRow.reserve(guess);
-    // The text is only touched: a query meets it with each row that it finds.
+    // Reads the text only to meet its damage here, as a query would.
     const std::string columns = "event_info.event_id, event_info_flow.occurrence_time, event_version._ID, " +
         (hasRowIds ? "event_info." + mOrigin.rowName : "null") + ", event_info.extra";
     std::string error;
     return FT::sql::ScanRows(mDb, columns, FROM_TABLES, [this](const ScannedRow& row) {
-        // Types first: reading a text as a number may change its type.
+        // Get types first: reading a text as a number may change its type.
         const bool isWhole = row.IsInteger(0) && row.IsInteger(1) && row.IsInteger(2) && row.IsInteger(3);
         const bool isFound = isWhole || !(row.IsNull(0) || row.IsNull(1));
         TakeRow({isFound, isWhole, row.GetInteger(0), row.GetInteger(1), row.GetInteger(2), row.GetInteger(3)});
@@ -141,8 +141,8 @@ bool EventLogReader::ReadVersions()
     }, error);
 }
 
-// Goes through event_info as the query for an id without rows does, so that what ends this ends every query. A row
-// whose partners or text can't be read leaves its id to that id's query.
+// Visits event_info like the query for an id without rows, so that an error that ends this ends every query. If the
+// partners or the text of a row can't be read, its id is left to its own query.
 void EventLogReader::ReadRowByRow()
 {
     using Type = SqlCursor::ColumnType;
@@ -172,7 +172,8 @@ void EventLogReader::ReadRowByRow()
     mOrigin.breakError = events.GetError();
 }
 
-// From both ends of what may be an index and what may be the table: one unreadable page hides no id from all four.
+// Reads from both ends of the index, if there is one, and of the table, so that one unreadable page hides no id from
+// all four passes.
 void EventLogReader::ReadIds()
 {
     mOrigin.isEachIdAsked = true;
@@ -208,7 +209,7 @@ void EventLogReader::TakeVersion(std::int64_t rowNumber, bool isNumber, const st
     const std::uint16_t number =
         isTooMany ? EventLogSnapshot::UNNAMED_VERSION : mVersionNumbers.emplace(name, next).first->second;
     if (!isNumber) {
-        return; // its rows won't show a number either
+        return; // the rows of this version have no number for it, either
     }
     Version& version = VersionOf(rowNumber);
     version.isAmbiguous = version.isAmbiguous || isTooMany || (version.isKnown && version.number != number);
@@ -229,7 +230,7 @@ std::uint32_t EventLogReader::NumberOfId(std::int32_t id)
 
 void EventLogReader::TakeRow(const Row& row)
 {
-    // No query finds a row without an id or a time, nor one whose id no rule can name.
+    // No query finds a row without an id or a time, and no rule can name an id beyond 32 bits.
     if (!row.isFound || !Fits<std::int32_t>(row.id)) {
         return;
     }
@@ -243,5 +244,5 @@ void EventLogReader::TakeRow(const Row& row)
     mColumns.times.push_back(static_cast<std::uint32_t>(row.time));
     mColumns.rowIds.push_back(static_cast<std::uint32_t>(row.rowId));
     mColumns.versions.push_back(version.number);
-    mIdOfRow.push_back(id); // last: should memory run out, a row counts that stands in all columns
+    mIdOfRow.push_back(id); // last, so that if memory runs out only complete rows count
 }

@@ -11,28 +11,28 @@
 #include "arborist/stores/event_log/id_dictionary.h"
 #include "arborist/stores/sql/sql_database.h"
 
-/// Reads the event log into a snapshot. One Read for each object.
+/// Reads the event log into a snapshot. Call Read once for each object.
 ///
-/// A log without damage is read in one pass, which touches all that the query for any id would touch: nothing that it
-/// read can fail there. Where the pass breaks off, each row is read by itself, and an id with a row that can't be read
-/// is left to its own query. Where SQLite runs that query another way than through all of event_info, the whole file is
-/// checked first, and in a damaged one every id is left to its query.
+/// Reads an undamaged log in one pass, which touches everything that the query for any id touches, so that no such
+/// query can fail. If the pass fails, reads each row by itself, and leaves an id with an unreadable row to its own
+/// query. If SQLite doesn't run that query as a scan of event_info, checks the whole file first; if it is damaged,
+/// leaves every id to its own query.
 class EventLogReader {
 public:
     explicit EventLogReader(const FT::sql::Sqlite3Db& database);
 
-    /// Null when the query for an id can't even be prepared.
+    /// Null if the query for an id can't even be prepared.
     std::shared_ptr<const EventLogSnapshot> Read();
 
 private:
-    // A version row: the number of its name, unless that can't be told from the row number alone.
+    // A row of a version: the number of its name, unless the row number alone doesn't determine it.
     struct Version {
         std::uint16_t number = EventLogSnapshot::UNNAMED_VERSION;
         bool isKnown = false;
         bool isAmbiguous = false;
     };
 
-    // What the join says of a row. Numbers that are none are missing.
+    // A row of the join.
     struct Row;
 
     bool ReadInOnePass();
@@ -55,7 +55,7 @@ private:
     EventLogSnapshot::Columns mColumns;
     EventLogSnapshot::VersionNumbers mVersionNumbers;
     std::vector<Version> mVersions; // by row number
-    std::map<std::int64_t, Version> mOtherVersions; // a hash of numbers that a log may choose would not be safe
+    std::map<std::int64_t, Version> mOtherVersions; // no hash table, as a log could choose numbers that collide
 };
 
 #endif

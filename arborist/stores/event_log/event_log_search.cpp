@@ -11,11 +11,11 @@
 
 namespace {
 
-// Reading all rows in one go costs as much as reading this part of them one by one.
+// Reading all rows in one pass costs as much as reading 1 row of this many by itself.
 constexpr std::size_t WORTH_READING_ALL = 32;
-// Filters whose counts are kept: those of three windows, with and without a version.
+// Number of filters whose counts are kept: those of three windows, with and without a version.
 constexpr std::size_t MOST_COUNTS = 6;
-// Bytes that counts may take for each row of the log. With few rows to an id they are not worth keeping.
+// Bytes that counts may take for each row of the log. If ids have few rows, counts are not worth keeping.
 constexpr std::size_t COUNT_BYTES_A_ROW = 2;
 
 } // namespace
@@ -25,7 +25,7 @@ struct EventLogSearch::OpenVisit {
     const std::string& versionName;
     const Visitor& visitor;
     std::vector<Requests::Number> questions{};
-    // Pinned for what the visitor sees.
+    // Shared, so that they outlive the call of the visitor that uses them.
     std::shared_ptr<RowCounts> found{}; // since the start, of any version
     std::shared_ptr<RowCounts> counts{};
     LocalDays days{};
@@ -74,7 +74,8 @@ EventLogSearch::Reading EventLogSearch::Visit(
     Foresee(query.firstId, query.lastId, query.questions);
     const std::int64_t end = std::min(query.lastId + std::int64_t{1}, query.firstId + LONGEST_RANGE_TOLD);
     Refresh();
-    // Each id says for itself why it fails. Should the log become readable on the way, the rest goes fast.
+    // Without a snapshot, query each id, which logs its own failure. If the log becomes readable, continue with its
+    // snapshot.
     for (std::int64_t id = query.firstId; id < end; ++id) {
         if (mSnapshot != nullptr) {
             VisitIds(visit, id);
@@ -96,7 +97,7 @@ std::shared_ptr<RowCounts> EventLogSearch::CountsFor(const EventLogSnapshot::Fil
         std::rotate(known, known + 1, mCounts.end());
         return mCounts.back();
     }
-    // Those of the visit under way are two.
+    // Keep at least two, as the current visit uses two.
     const std::size_t room = COUNT_BYTES_A_ROW * mSnapshot->GetRowCount() / sizeof(std::uint32_t);
     if (mCounts.size() >= std::clamp<std::size_t>(room / (mSnapshot->GetEntryCount() + 1), 2, MOST_COUNTS)) {
         mCounts.erase(mCounts.begin());
@@ -136,7 +137,7 @@ bool EventLogSearch::VisitIds(OpenVisit& visit, std::int64_t firstId)
     return false;
 }
 
-// An id of which no row is known, in a log that couldn't be read to its end.
+// Handles an id without known rows in a log that could not be read to its end.
 bool EventLogSearch::VisitAbsent(OpenVisit& visit, std::int32_t eventId)
 {
     if (mSnapshot->GetOrigin().isEachIdAsked) {
@@ -181,7 +182,7 @@ bool EventLogSearch::VisitByQuery(OpenVisit& visit, std::int32_t eventId)
         mEventQuery.GetCount(), visit.query.questions));
 }
 
-// The line of the query that breaks off.
+// Logs the line of a query that fails in the middle.
 void EventLogSearch::TellBreak() const
 {
     const std::string& error = mSnapshot->GetOrigin().breakError;
@@ -200,7 +201,7 @@ bool EventLogSearch::HasAnswers(const OpenVisit& visit, std::uint32_t firstRow, 
         });
 }
 
-// Reads the answers in one go where they are many.
+// Reads the answers of all rows in one pass if the visit needs many of them.
 void EventLogSearch::Prepare(const OpenVisit& visit)
 {
     const std::size_t first = mSnapshot->FirstEntryFrom(visit.query.firstId);
@@ -215,7 +216,7 @@ void EventLogSearch::Prepare(const OpenVisit& visit)
     }
 }
 
-// The questions of this visit first, and of those that were added after them as many as there is room for.
+// Requests the questions of this visit first, then those that were added after them, as far as there is room.
 void EventLogSearch::ReadAnswers(const OpenVisit& visit)
 {
     std::vector<Requests::Request> wanted;
@@ -232,8 +233,7 @@ void EventLogSearch::ReadAnswers(const OpenVisit& visit)
     }
 }
 
-// False where the rows are no longer those of the log, or where only the id's own query knows in which order they are
-// asked again.
+// False if the log has changed, or if rows must be asked again in an order that only the id's own query knows.
 bool EventLogSearch::FillAnswers(const OpenVisit& visit, const Entry& entry, EventRows::Known& known) const
 {
     known.answers = std::make_unique<EventRows::Answers>();

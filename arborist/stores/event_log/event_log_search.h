@@ -16,46 +16,46 @@
 #include "arborist/stores/event_log/requests.h"
 #include "arborist/stores/event_log/row_counts.h"
 
-/// Answers for ranges of ids what EventQuery answers for each id, with the same lines in the log, from one reading of
-/// the log for as long as it doesn't change. What that reading can't know is asked of EventQuery, so that neither
-/// damage nor any bound changes an answer.
+/// Answers queries for ranges of ids from one reading of the log, as long as the log doesn't change. Results and log
+/// lines equal those of EventQuery for each id. Runs EventQuery itself for everything that the reading does not cover,
+/// so that neither damage nor any limit changes an answer.
 class EventLogSearch {
 public:
-    /// The ids and times that are asked for.
+    /// The ids and times to search for.
     struct Query {
         std::int32_t firstId;
         std::int32_t lastId;
         /// Seconds since the epoch, inclusive.
         std::int64_t startTime;
-        /// Only events of the current version, and those whose version has no name.
+        /// Selects only events of the current version and those whose version has no name.
         bool fromUpdate;
-        /// What the visitor may ask of the rows.
+        /// The questions that the visitor may ask about the rows.
         EventRows::Questions questions = {};
     };
 
-    /// How the log could be read for a query.
+    /// How completely the log could be read for a query.
     enum class Reading {
         WHOLE,
         BROKEN_OFF, ///< on the way: rows may be missing
         UNREADABLE ///< nothing could be read
     };
 
-    /// Is shown the rows of one id for the length of the call; true ends the visit.
+    /// Receives the rows of one id, which are valid during the call; returns true to end the visit.
     using Visitor = std::function<bool(const EventRows& rows)>;
 
-    /// Of ids so far behind the first one of a range only those are asked that some reading found in the log: the lines
-    /// of a log that can't be read are told for no more.
+    /// Beyond this many ids from the first, a range only visits ids that a reading has found in the log: this bounds
+    /// the lines that a range logs for a log that can't be read.
     static constexpr std::int64_t LONGEST_RANGE_TOLD = 100000;
 
     explicit EventLogSearch(const FT::sql::Sqlite3Db& database);
 
     EventQuery& GetQuery() { return mEventQuery; }
 
-    /// Says that these questions will be put to the rows of these ids, so that one reading answers all. Without effect
-    /// on any answer.
+    /// Announces questions about the rows of these ids, so that a single reading can answer all of them. Doesn't change
+    /// any answer.
     void Foresee(std::int32_t firstId, std::int32_t lastId, const EventRows::Questions& questions);
 
-    /// Visits the ids that have rows since the start, ascending; `versionName` is the current version.
+    /// Visits the ids with rows since the start in ascending order; `versionName` is the current version.
     Reading Visit(const Query& query, const std::string& versionName, const Visitor& visitor);
 
     static void TellVersionName(const std::string& versionName);
@@ -63,7 +63,7 @@ public:
 private:
     using Entry = EventLogSnapshot::Entry;
 
-    // The visit under way.
+    // The state of one visit.
     struct OpenVisit;
 
     void Refresh();
@@ -84,10 +84,10 @@ private:
     const FT::sql::Sqlite3Db& mDb;
     EventQuery mEventQuery;
     Requests mRequests;
-    std::shared_ptr<const EventLogSnapshot> mSnapshot; // null while the log can't be asked
-    std::vector<std::shared_ptr<RowCounts>> mCounts; // of the filters asked for last, the latest at the end
-    std::shared_ptr<const AnswerTable> mAnswers; // to the requests, as far as they were read
-    bool mCanReadAnswers = true; // in one go
+    std::shared_ptr<const EventLogSnapshot> mSnapshot; // null if the log can't be read
+    std::vector<std::shared_ptr<RowCounts>> mCounts; // of the filters used last, the latest at the end
+    std::shared_ptr<const AnswerTable> mAnswers; // those of the last reading
+    bool mCanReadAnswers = true; // in one pass
 };
 
 #endif

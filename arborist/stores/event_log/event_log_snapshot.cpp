@@ -9,8 +9,8 @@ namespace {
 
 constexpr unsigned int HALF_BITS = 16;
 
-// Brings the numbers of a column, which stand in the order of the log, entry by entry. Sixteen bits at a time: two bytes
-// a row are all the room that takes.
+// Sorts a column from the order of the log into the order of the entries. Moves sixteen bits at a time, so that it
+// needs only two extra bytes a row.
 template <typename Number>
 void GroupHalves(std::vector<Number>& column, const std::vector<std::uint32_t>& entryOfRow,
     const std::vector<std::uint32_t>& begins)
@@ -45,7 +45,7 @@ EventLogSnapshot::EventLogSnapshot(std::vector<std::int32_t> ids, std::vector<bo
     LookAtOrder();
 }
 
-// Answers where each id went.
+// Returns the new position of each id.
 std::vector<std::uint32_t> EventLogSnapshot::SortIds(std::vector<bool> needsQuery)
 {
     std::vector<std::uint32_t> sorted(mIds.size());
@@ -106,7 +106,7 @@ EventLogSnapshot::Run EventLogSnapshot::RunSince(const Entry& entry, std::int64_
     if (!entry.isAscending) {
         return {entry.begin, entry.end, false};
     }
-    // No time of a row lies outside of these.
+    // Times of rows have 32 bits, so that none is greater.
     constexpr std::int64_t LAST_TIME = std::numeric_limits<std::uint32_t>::max();
     if (start > LAST_TIME) {
         return {entry.end, entry.end, true};
@@ -142,7 +142,7 @@ void EventLogSnapshot::CountDaysIf(const Run& run, LocalDays& localDays, DayCoun
 {
     const std::uint32_t* const times = mColumns.times.data();
     for (std::uint32_t row = run.begin; row < run.end;) {
-        // Rows beside each other mostly are of one day.
+        // Consecutive rows mostly have the same day.
         const LocalDays::Stretch stretch = localDays.StretchWith(times[row]);
         const std::uint32_t length = stretch.end - stretch.begin;
         std::int32_t count = 0;

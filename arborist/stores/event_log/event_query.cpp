@@ -13,24 +13,24 @@ constexpr char EXTRA[] = "extra";
 constexpr char OCCURRENCE_TIME[] = "occurrence_time";
 constexpr char VERSION_NAME[] = "VERSION_NAME";
 
-// The rows are paired by their own ids; the derived tables pair them by event_pid. Both are as the service means them.
+// Joins the tables by their own ids; the derived tables join by event_pid. The monitoring service supports both.
 constexpr char EVENT_QUERY[] =
     "select event_info.event_id,event_info.extra,event_info_flow.occurrence_time,event_version.VERSION_NAME"
     " from event_info join event_info_flow on event_info._ID=event_info_flow._ID"
     " join event_version on event_info.version_id=event_version._ID where event_id = %d and occurrence_time >= %lld";
-// Room for the query with both numbers at their longest.
+// Room for the query with two numbers of the greatest length.
 constexpr int QUERY_SIZE = sizeof(EVENT_QUERY) + 64;
 
 using EventFields = std::array<FT::sql::SqlField, 5>;
 
-// The columns of the query. There is no table of that name: the object holds what the query finds.
+// The columns of the query. No table of that name exists: the object keeps the result of the query.
 EventFields& EventInfoUnionFields()
 {
     static EventFields fields = [] {
         EventFields made{FT::sql::SqlField(EVENT_ID, FT::sql::TypeInteger, FT::sql::FlagNone, FT::sql::FlagNotNull),
             FT::sql::SqlField(EXTRA, FT::sql::TypeText), FT::sql::SqlField(OCCURRENCE_TIME, FT::sql::TypeInteger),
             FT::sql::SqlField(VERSION_NAME, FT::sql::TypeText), FT::sql::SqlField(FT::sql::FieldUseEnd)};
-        // Numbered here, once, so that no table has to write into what other threads read.
+        // Number the fields here once, so that no table writes into fields that other threads read.
         for (std::size_t position = 0; position + 1 < made.size(); ++position) {
             made[position].SetIndex(position);
         }

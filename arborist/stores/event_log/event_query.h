@@ -10,12 +10,12 @@
 #include "arborist/stores/sql/sql_database.h"
 #include "arborist/stores/sql/sql_table.h"
 
-/// The query for the events of one id. What it answers and logs is what every faster way has to answer and log.
+/// The query for the events of one id. Every faster way must return the same results and log the same lines.
 class EventQuery {
 public:
     using EventList = std::vector<std::shared_ptr<LogEvent>>;
 
-    /// What the rows are joined from.
+    /// The tables that the query joins.
     static constexpr char JOINED_TABLES[] =
         " from event_info join event_info_flow on event_info._ID=event_info_flow._ID"
         " join event_version on event_info.version_id=event_version._ID";
@@ -24,13 +24,13 @@ public:
 
     static std::string TextFor(std::int32_t eventId, std::int64_t startTime);
 
-    /// Asks for the events of `eventId` since `startTime`. What fails logs its line and leaves the rows before.
+    /// Queries the events of `eventId` since `startTime`. A failure logs its line; rows read before it stay.
     void Run(std::int32_t eventId, std::int64_t startTime);
-    /// Whether the last query came to its end.
+    /// True if the last query did not fail.
     bool IsWhole() const { return mIsWhole; }
-    /// Rows that the last query found.
+    /// Number of rows of the last query.
     std::size_t GetCount() const { return mFound; }
-    /// Their events; with `fromUpdate` only those of the version `versionName` and of none.
+    /// Their events; with `fromUpdate` only those of the version `versionName` and those without a version.
     EventList GetEvents(bool fromUpdate, const std::string& versionName) const;
 
 private:

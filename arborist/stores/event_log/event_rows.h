@@ -15,21 +15,21 @@
 #include "arborist/stores/event_log/local_days.h"
 #include "arborist/stores/event_log/row_question.h"
 
-/// The rows of one event id that a query of the event log finds, in its order, and what they answer to the questions of
-/// the visit. Lives for the length of one call of a visitor; the visit pins what it shows.
+/// The rows of one event id that a query of the event log finds, in its order, with their answers to the questions of
+/// the visit. Valid during one call of a visitor; the visit keeps the data alive.
 class EventRows {
 public:
     using EventList = EventQuery::EventList;
     using Questions = std::vector<std::shared_ptr<const RowQuestion>>;
     using Columns = std::vector<std::shared_ptr<const AnswerColumn>>;
 
-    /// What the rows of an entry answer.
+    /// The answers of the rows of an entry.
     struct Answers {
         /// The rows that count.
         RowBits rows;
-        /// For each question the column that has its answers.
+        /// For each question the column with its answers.
         Columns columns;
-        /// Of the rows that are asked again.
+        /// The texts of the rows to ask again.
         AnswerReader::Texts texts;
     };
 
@@ -38,20 +38,20 @@ public:
         const EventLogSnapshot& snapshot;
         EventLogSnapshot::Run run;
         EventLogSnapshot::Filter filter;
-        /// Null where there are no questions.
+        /// Null if there are no questions.
         std::unique_ptr<Answers> answers;
     };
 
-    /// One row that counts. Lives for the length of one call of ForEach.
+    /// One row that counts. Valid during one call of ForEach's function.
     class Row {
     public:
-        /// Local time's day of the month; 0 when the row has none.
+        /// Day of the month in local time; 0 if the row has no time.
         std::int32_t GetDayOfMonth() const
         {
             return mRows.mKnown ? mRows.mDays->DayOfMonth(mRows.mKnown->snapshot.GetTime(mNumber))
                                 : mRows.WholeDayOf(mNumber);
         }
-        /// What the row answers to the question with this place in the visit, with the lines that belong to it.
+        /// The answer of the row to the question with this index; logs the lines that belong to it.
         std::int32_t Answer(std::size_t question) const
         {
             return mRows.mKnown ? mRows.KnownAnswer(*mRows.mKnown->answers, mNumber, question)
@@ -66,21 +66,21 @@ public:
         std::uint32_t mNumber;
     };
 
-    /// `found` are the rows since the start, of any version, and `count` those that count.
+    /// `found` is the number of rows since the start, of any version; `count` of those that count.
     EventRows(std::int32_t eventId, Known known, std::size_t found, std::size_t count, const Questions& questions,
         LocalDays& days);
-    /// Rows that were read whole, by the id's own query.
+    /// For rows that the id's own query has read with their texts.
     EventRows(std::int32_t eventId, EventList events, std::size_t found, const Questions& questions);
     EventRows(const EventRows&) = delete;
     EventRows& operator=(const EventRows&) = delete;
 
     std::int32_t GetEventId() const { return mEventId; }
-    /// Rows since the start time, of any version; at least one.
+    /// Number of rows since the start, of any version; at least one.
     std::size_t GetFoundCount() const { return mFound; }
-    /// Those that count. None when all belong to another version.
+    /// Number of rows that count; 0 if all are of another version.
     std::size_t GetCount() const { return mCount; }
 
-    /// Calls `take` with each row that counts. Only where there are questions.
+    /// Calls `take` with each row that counts. Requires a visit with questions.
     template <typename Take>
     void ForEach(Take take) const
     {
@@ -95,9 +95,9 @@ public:
 
     using DayCounts = EventLogSnapshot::DayCounts;
 
-    /// Adds each row that counts and has a day to the count of that day.
+    /// Counts the rows that count by their day of the month; skips rows without a day.
     void CountDays(DayCounts& days) const;
-    /// The sum of what all rows answer, row after row. A sum below 0 wraps.
+    /// The sum of the answers of all rows, in order. A sum below 0 wraps.
     std::uint64_t Sum(std::size_t question) const;
 
 private:
@@ -113,7 +113,7 @@ private:
     std::size_t mFound;
     std::size_t mCount;
     const Questions& mQuestions;
-    std::optional<Known> mKnown; // without, the rows were read whole
+    std::optional<Known> mKnown; // not set if the rows were read with their texts
     LocalDays* mDays = nullptr;
     EventList mEvents;
 };

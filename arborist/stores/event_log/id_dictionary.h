@@ -8,8 +8,8 @@
 
 #include "arborist/utilities/text_hash.h"
 
-/// Hash of event ids by multiplying, adding and shifting with two numbers that are drawn for the process, which leaves
-/// nobody a log whose ids all meet.
+/// Keyed hash of event ids: multiplies, adds and shifts with two numbers drawn for the process, so that nobody can
+/// write a log whose ids all collide.
 struct IdHash {
     std::size_t operator()(std::int32_t id) const
     {
@@ -19,8 +19,8 @@ struct IdHash {
     }
 };
 
-/// Numbers of event ids. Flat, 12 bytes a slot: std::unordered_map takes four times the memory, and one id is looked up
-/// for each row of the log.
+/// Maps event ids to numbers. A flat table with 12 bytes a slot: std::unordered_map takes four times the memory, and
+/// reading the log looks up one id for each row.
 using IdDictionary = tsl::robin_map<std::int32_t, std::uint32_t, IdHash>;
 
 #endif

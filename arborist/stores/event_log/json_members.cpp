@@ -4,7 +4,7 @@
 
 namespace {
 
-// Digits that surely fit a 64-bit number, so that the full reader would give the same text back.
+// Numbers of this many digits fit into 64 bits, so that the full reader would return the same text.
 constexpr std::size_t SAFE_DIGITS = 18;
 
 class PlainReader {
@@ -27,7 +27,7 @@ public:
         return mNext == mEnd;
     }
 
-    // A text between quotes that stands for itself.
+    // Takes a string without escapes.
     bool TakeString(std::string_view& content)
     {
         if (!Take('"')) {
@@ -85,7 +85,7 @@ private:
         return content == word && IsAfterValue();
     }
 
-    // Only as the full reader would write it: no leading zeros, no plus, no minus zero.
+    // Takes an integer only in the form in which the full reader writes it: no leading zeros, no plus, no minus zero.
     bool TakeInteger(std::string_view& content)
     {
         const char* const begin = mNext;
@@ -101,7 +101,7 @@ private:
         return isCanonical && IsAfterValue();
     }
 
-    // What follows decides whether the value ends here: a fraction, for one, doesn't.
+    // True if the next character ends the value; false before a fraction, for example.
     bool IsAfterValue()
     {
         SkipBlanks();
@@ -133,7 +133,7 @@ bool ReadPlainMembers(
         }
         for (std::size_t number = 0; number < keys.size(); ++number) {
             if (keys[number] == name) {
-                values[number] = value; // of several members with one name the last counts
+                values[number] = value; // the last of several members with one name counts
             }
         }
     } while (reader.Take(','));

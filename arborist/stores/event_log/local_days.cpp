@@ -9,14 +9,14 @@
 
 namespace {
 
-// What a clock shows, "YYYY-MM-DD HH:MM:SS": times of 32 bits have years of four digits.
+// Local time as text, "YYYY-MM-DD HH:MM:SS": the years of 32-bit times have four digits.
 class Clock {
 public:
     explicit Clock(std::int64_t time) : mText(TimeUtil::GetFormatTime(time)) {}
 
     int GetDay() const { return NumberAt(8, 2); }
     std::int64_t GetSecondOfDay() const { return (NumberAt(11, 2) * 60 + NumberAt(14, 2)) * 60 + NumberAt(17, 2); }
-    /// Seconds that a clock which runs on takes from some moment.
+    /// Local time in seconds, counted as if clocks were never changed. Only differences have a meaning.
     std::int64_t GetSeconds() const
     {
         const std::chrono::year_month_day date{std::chrono::year(NumberAt(0, 4)),
@@ -45,7 +45,7 @@ LocalDays::Day LocalDays::Ask(std::uint32_t day)
     const bool isLastDay = end > std::numeric_limits<std::uint32_t>::max();
     const Clock first(begin);
     const Clock last(end - 1);
-    // A clock that took as long as the day was not changed in it.
+    // If local time advanced by exactly one day, clocks were not changed in it.
     if (isLastDay || last.GetSeconds() - first.GetSeconds() != SECONDS_OF_DAY - 1) {
         return {day + 1, 0, 0, 0, 0};
     }

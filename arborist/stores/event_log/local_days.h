@@ -4,13 +4,14 @@
 #include <array>
 #include <cstdint>
 
-/// Tells the day of the month of a time of a log, 1 to 31, as TimeUtil::GetFormatTime writes it in local time.
+/// Converts a time of the log to the day of the month, 1 to 31, that TimeUtil::GetFormatTime writes for it in local
+/// time.
 ///
-/// Asks the time zone once for a day whose clocks run on, and for each time of a day on which they are changed. Holds
-/// the zone that was in force then: make one for each use, as a host may change the zone between two.
+/// Uses the time zone once for each day, but for each time of a day on which clocks are changed. Caches results: create
+/// one object for each use, as a host may change the zone in between.
 class LocalDays {
 public:
-    /// Times from `begin` to before `end` that have one day of the month.
+    /// Times from `begin` to before `end` with the same day of the month.
     struct Stretch {
         std::uint32_t begin;
         std::uint32_t end;
@@ -19,7 +20,7 @@ public:
 
     std::int32_t DayOfMonth(std::uint32_t time) { return StretchWith(time).day; }
 
-    /// A stretch that has `time`.
+    /// A stretch that includes `time`.
     Stretch StretchWith(std::uint32_t time)
     {
         const std::uint32_t number = time / SECONDS_OF_DAY;
@@ -35,11 +36,11 @@ public:
 private:
     static constexpr std::uint32_t SECONDS_OF_DAY = 86400;
 
-    // A day of universal time, and the days of the month before and after the midnight in it.
+    // A day of UTC, the local midnight in it, and the days of the month before and after that.
     struct Day {
         std::uint32_t number; // from 1; 0 for none
         std::uint32_t midnight;
-        std::uint32_t end; // 0 where clocks are changed
+        std::uint32_t end; // 0 if clocks are changed
         std::int32_t before;
         std::int32_t after;
     };

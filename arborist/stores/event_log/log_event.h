@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-/// One row of the event log. Doesn't change after it is made.
+/// One row of the event log. Immutable.
 class LogEvent {
 public:
     LogEvent(std::int32_t id, std::string time, std::string json)
@@ -13,11 +13,11 @@ public:
     {
     }
 
-    /// 0 when the row has none.
+    /// 0 if the row has none.
     const std::int32_t eventId;
     /// Local time as TimeUtil::GetFormatTime writes it; empty when the row has none.
     const std::string occurrenceTime;
-    /// The event's parameters, a JSON object by custom; empty when the row has none.
+    /// The event's parameters, usually a JSON object; empty if the row has none.
     const std::string extra;
 };
 

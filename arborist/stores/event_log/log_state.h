@@ -5,7 +5,8 @@
 
 #include "arborist/stores/sql/sql_database.h"
 
-/// Holds one state of the log for several statements. They only read, so there is nothing to lose at its end.
+/// As long as it exists, all statements see the same state of the log. For reading only: nothing is committed at its
+/// end.
 class ReadTransaction {
 public:
     explicit ReadTransaction(const FT::sql::Sqlite3Db& database);
@@ -17,8 +18,8 @@ private:
     const FT::sql::Sqlite3Db& mDb;
 };
 
-/// A number that changes when another connection changes the file. Asked inside a transaction it holds for what the
-/// transaction sees. NO_DATA_VERSION when the file can't be asked.
+/// A number that changes whenever another connection changes the file. Inside a transaction it belongs to the state
+/// that the transaction sees. NO_DATA_VERSION if the file can't be read.
 std::int64_t ReadDataVersion(const FT::sql::Sqlite3Db& database);
 
 constexpr std::int64_t NO_DATA_VERSION = -1;

@@ -5,16 +5,16 @@
 
 #include "arborist/stores/sql/sql_database.h"
 
-/// How SQLite would run a statement, and what follows from that. Words that a version of SQLite says otherwise are
-/// taken for another plan, which costs time and no answer.
+/// Reads from SQLite's query plans how a statement would run. A version of SQLite that words its plans differently only
+/// makes reading slower; no answer changes.
 namespace QueryPlan {
 
-/// Whether `query`, the EventQuery of any id, goes through all of event_info in its own order and finds the partners of
-/// each row by their row numbers: then every id's query meets the same pages of event_info.
+/// True if `query`, the EventQuery of any id, scans event_info in its own order and looks up the partners of each row
+/// by row number. Then the queries of all ids read the same pages of event_info.
 bool IsScanOfEvents(const FT::sql::Sqlite3Db& database, const std::string& query);
 
-/// The column that is the row number of event_info. A table may declare columns of its own under each of the names that
-/// SQLite gives to row numbers, so that the name alone says nothing. Empty where there is none.
+/// The name by which event_info gives its row number; empty if there is none. A table may declare columns of its own
+/// under the names that SQLite uses for row numbers, so that the name alone proves nothing.
 std::string RowNameOfEvents(const FT::sql::Sqlite3Db& database);
 
 } // namespace QueryPlan

@@ -10,13 +10,13 @@
 
 #include "arborist/stores/event_log/row_question.h"
 
-/// Which questions are put to the rows of which ids, as far as that is known: rules foresee what they will ask, so that
-/// one reading of the log can answer all of it. Questions that answer alike share a number.
+/// The known requests: which questions will be asked about the rows of which ids. Rules announce their questions, so
+/// that a single reading of the log can answer all of them. Questions with equal answers share a number.
 class Requests {
 public:
     using Number = std::uint32_t;
 
-    /// A question to the rows of the ids from `firstId` to `lastId`.
+    /// A question about the rows of the ids from `firstId` to `lastId`.
     struct Request {
         std::int32_t firstId;
         std::int32_t lastId;
@@ -28,15 +28,16 @@ public:
     Number NumberOf(const std::shared_ptr<const RowQuestion>& question);
     const RowQuestion& GetQuestion(Number number) const { return *mQuestions[number]; }
 
-    /// A request that is there already is not added again.
+    /// Adds a request unless it was added before.
     void Add(const Request& request);
-    /// All of them, beginning with `first` and those that were added after it: what is asked first is asked again last.
+    /// All requests, starting with `first` and wrapping around at the end: rules ask in the order of adding, so the
+    /// next ones come first.
     std::vector<Request> AllFrom(const Request& first) const;
 
 private:
-    std::map<std::string, Number> mNumbers; // by the names of the questions
+    std::map<std::string, Number> mNumbers; // by name of the question
     std::vector<std::shared_ptr<const RowQuestion>> mQuestions;
-    std::map<Request, std::size_t> mPlaces; // of each among these
+    std::map<Request, std::size_t> mPlaces; // index of each request
     std::vector<Request> mRequests;
 };
 

@@ -6,16 +6,16 @@
 #include <cstdint>
 #include <vector>
 
-/// One bit for each row of a run. Bits of two runs meet word by word, as a word holds the same rows in both.
+/// One bit for each row of a run. A word has the same rows in every run, so that two runs are combined word by word.
 ///
-/// std::vector<bool> would do but for its words: it counts and joins bit by bit.
+/// Not std::vector<bool>, which gives no access to its words and would count and combine bit by bit.
 class RowBits {
 public:
     using Word = std::uint64_t;
     static constexpr std::uint32_t WORD_BITS = 64;
 
     RowBits() = default;
-    /// Rows from `firstRow` to before `endRow`, none of them set.
+    /// For the rows from `firstRow` to before `endRow`; no bit is set.
     RowBits(std::uint32_t firstRow, std::uint32_t endRow)
         : mFirstWord(firstRow / WORD_BITS), mWords(endRow <= firstRow ? 0 : WordsIn(firstRow, endRow))
     {
@@ -32,11 +32,11 @@ public:
 
     std::uint32_t GetFirstWord() const { return mFirstWord; }
     std::uint32_t GetEndWord() const { return mFirstWord + static_cast<std::uint32_t>(mWords.size()); }
-    /// Bits of the rows from `number` * WORD_BITS on, the first row lowest.
+    /// The bits of the rows from `number` * WORD_BITS on; the first row is the lowest bit.
     Word GetWord(std::uint32_t number) const { return mWords[number - mFirstWord]; }
     void SetWord(std::uint32_t number, Word word) { mWords[number - mFirstWord] = word; }
 
-    /// Calls `take` with each row that is set, the first one first.
+    /// Calls `take` with each row whose bit is set, in ascending order.
     template <typename Take>
     void ForEach(Take take) const
     {

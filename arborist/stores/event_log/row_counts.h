@@ -10,7 +10,8 @@
 
 #include "arborist/stores/event_log/event_log_snapshot.h"
 
-/// How many rows of each entry of a snapshot count under one filter: worked out when first asked for. Pins the snapshot.
+/// The number of rows of each entry that pass one filter, counted at the first request. Shares ownership of the
+/// snapshot.
 class RowCounts {
 public:
     RowCounts(std::shared_ptr<const EventLogSnapshot> snapshot, const EventLogSnapshot::Filter& filter)
