@@ -256,7 +256,7 @@ struct Rule {
     /// What else went wrong on the way, each once: a node file that is missing although the condition was met.
     std::vector<Reason> notes;
     std::optional<Filter> filter;
-    /// The name in the rule that leads nowhere (NO_COMMON_PART, NO_SUCH_DATABASE), or the method that is none (NOT_SQL).
+    /// The name in the rule that leads nowhere (NO_COMMON_PART, NO_SUCH_DATABASE); the method that is none (NOT_SQL).
     std::optional<std::string> badName;
     /// What its family looked at, in the order of `Family`; an empty part for a rule that was passed over.
     std::variant<std::monostate, Alarm, Command, Node, Code> part;

@@ -12,19 +12,23 @@ thread_local std::optional<Kind> statementKind = Kind::STATEMENT_FAILED;
 
 } // namespace
 
-TroubleWatch::TroubleWatch(Listener listener) : mListener(std::move(listener)), mOuter(std::exchange(innermost, this)) {}
+TroubleWatch::TroubleWatch(Listener listener)
+    : mListener(std::move(listener)), mOuter(std::exchange(innermost, this))
+{
+}
 
 TroubleWatch::~TroubleWatch()
 {
     innermost = mOuter;
 }
 
-void TroubleWatch::Tell(Kind kind, std::string_view words)
+void TroubleWatch::Tell(Kind kind, std::string_view words, std::string_view subject)
 {
     if (innermost != nullptr) {
         Evidence::Trouble trouble;
         trouble.kind = kind;
         trouble.words = words;
+        trouble.subject = subject;
         innermost->mListener(std::move(trouble));
     }
 }

@@ -19,14 +19,14 @@ public:
     TroubleWatch& operator=(const TroubleWatch&) = delete;
 
     /// Lets the innermost watch of this thread hear.
-    static void Tell(Evidence::Trouble::Kind kind, std::string_view words);
+    static void Tell(Evidence::Trouble::Kind kind, std::string_view words, std::string_view subject = {});
 
 private:
     Listener mListener;
     TroubleWatch* mOuter;
 };
 
-/// Says of what kind the trouble is when a statement fails on this thread while it lives: the layer that runs statements
+/// Says of what kind the trouble is when a statement fails on this thread while it lives: the layer that runs them
 /// doesn't know what they are for. Nothing for a statement whose failure is told elsewhere.
 class StatementTrouble {
 public:

@@ -41,7 +41,7 @@ bool Exists(const std::string& path)
 
 void DetectionWarnings::OnRuleSet(const Evidence::RuleSet& ruleSet)
 {
-    mBuildsTables = !ruleSet.eventTables.empty();
+    mEventTables = {ruleSet.eventTables.begin(), ruleSet.eventTables.end()};
     for (const Evidence::RuleSetFile& file : ruleSet.files) {
         if (file.type == Evidence::RuleSetFileType::RULES && file.state == Evidence::RuleSetFileState::LOADED
             && file.count == 0) {
@@ -69,6 +69,11 @@ void DetectionWarnings::OnTrouble(const Evidence::Trouble& trouble)
     case Kind::NO_COPY_FOLDER:
         mList.Add("app_database_dir_empty", "the setting \"AppDatabaseDir\" is empty: databases that the rule set "
             "names are not copied, and rules on them find nothing");
+        break;
+    case Kind::TABLE_NOT_BUILT:
+        if (const auto table = mEventTables.find(trouble.subject); table != mEventTables.end()) {
+            mEventTables.erase(table);
+        }
         break;
     case Kind::NO_THRESHOLDS:
         mLacksThresholds = true;
@@ -128,7 +133,7 @@ void DetectionWarnings::LookBefore(const BundleSession& session)
 
 void DetectionWarnings::LookAfter(const BundleSession& session)
 {
-    if (mWantsLog || mBuildsTables) {
+    if (mWantsLog || !mEventTables.empty()) {
         TellEventLog(session);
     }
     TellNodes();
@@ -175,7 +180,7 @@ void DetectionWarnings::TellEventLog(const BundleSession& session)
         tellRows("rows_unseen", look.withoutVersion, "can't be seen by alarm rules: no version stands under their "
             "\"version_id\"");
     }
-    if (mBuildsTables) {
+    if (!mEventTables.empty()) {
         tellRows("rows_unseen", look.withoutParent, "can't be seen by derived tables: no time names them as its "
             "\"event_pid\"");
     }

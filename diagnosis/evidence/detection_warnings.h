@@ -35,10 +35,11 @@ private:
 
     WarningList mList;
     std::set<std::string> mUnreadableNodes;
+    /// Derived tables for which the log was asked for events; two may share a name.
+    std::multiset<std::string> mEventTables;
     std::string mEventLogTrouble;
     bool mHadLog = false;
     bool mWantsLog = false;
-    bool mBuildsTables = false;
     bool mHasBadExtra = false;
     bool mLacksThresholds = false;
 };

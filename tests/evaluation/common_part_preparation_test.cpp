@@ -124,7 +124,8 @@ TEST_F(CommonPartPreparation, DatabasesWithoutAFolderForTheirCopiesAreTrouble)
 TEST_F(CommonPartPreparation, AStatementThatFailsIsTroubleBeforeAnyRule)
 {
     Init({ThresholdsXml("drop")});
-    EXPECT_THAT(mObserver.Lines(), testing::Contains("trouble statement: near \"drop\": syntax error"));
+    EXPECT_THAT(mObserver.Lines(),
+        ElementsAre("trouble statement: near \"drop\": syntax error", "trouble table drop"));
 }
 
 TEST_F(CommonPartPreparation, ThresholdsThatAreSetAreNoTrouble)

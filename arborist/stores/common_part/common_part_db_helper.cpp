@@ -1,6 +1,7 @@
 #include "arborist/stores/common_part/common_part_db_helper.h"
 
 #include "arborist/frame/log.h"
+#include "arborist/frame/trouble_watch.h"
 #include "arborist/stores/common_part/derived_tables.h"
 #include "arborist/stores/common_part/event_id_list.h"
 #include "arborist/stores/common_part/external_databases.h"
@@ -76,20 +77,23 @@ bool CommonPartDbHelper::IsSuccessCreateJankDb(
         return false;
     }
     bool isBuilt = false;
+    bool isStopped = false;
     for (const auto& bean : commonPart->GetCombineCommon()->GetThresholdLumbraList()) {
         if (bean == nullptr || bean->GetLumbraDataList().empty()) {
             continue;
         }
         EventIdList ids;
-        if (!GetEventIdList(bean->GetLumbraDataList(), ids)) {
+        if (isStopped || !GetEventIdList(bean->GetLumbraDataList(), ids)) {
             // Skips the beans that follow, too: rule sets are tested against this.
-            return false;
+            isStopped = true;
+            TroubleWatch::Tell(Evidence::Trouble::Kind::TABLE_NOT_BUILT, {}, bean->GetName());
+            continue;
         }
         const DerivedTables::Table table{bean->GetName(), ColumnsOf(bean->GetLumbraDataList())};
         isBuilt = bean->TakesEvents() ? IsSuccessCreatePerfDb(table, ids, eventDbPath)
                                       : IsSuccessCreateLumbraPlusDb(table);
     }
-    return isBuilt;
+    return isBuilt && !isStopped;
 }
 
 bool CommonPartDbHelper::IsSuccessCreatePerfDb(

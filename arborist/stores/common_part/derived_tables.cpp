@@ -3,6 +3,7 @@
 #include <json/value.h>
 
 #include "arborist/frame/log.h"
+#include "arborist/frame/trouble_watch.h"
 #include "arborist/stores/common_part/database_steps.h"
 #include "arborist/stores/common_part/derived_table_writer.h"
 #include "arborist/stores/common_part/event_selection.h"
@@ -64,6 +65,13 @@ RowList FixedRows()
     return {row};
 }
 
+// Always false.
+bool TellUnbuilt(const Table& table)
+{
+    TroubleWatch::Tell(Evidence::Trouble::Kind::TABLE_NOT_BUILT, {}, table.name);
+    return false;
+}
+
 template <typename Build>
 bool OpenWithoutTable(FT::sql::SqlDatabase& database, const std::string& tableName)
 {
@@ -121,12 +129,12 @@ bool BuildFromEvents(const Table& table, const EventIdList& ids, const std::stri
 {
     FT::sql::SqlDatabase database;
     if (!OpenWithoutTable<FromEvents>(database, table.name)) {
-        return false;
+        return TellUnbuilt(table);
     }
     if (!Create(database, table)) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: createJankDB : Step Create table %s fail.",
             FromEvents::FUNCTION, table.name.c_str());
-        return false;
+        return TellUnbuilt(table);
     }
     RowList rows;
     EventSelection::GetLumbraDataByFilter(ids, eventDbPath, rows);
@@ -137,12 +145,12 @@ bool BuildFixed(const Table& table)
 {
     FT::sql::SqlDatabase database;
     if (!OpenWithoutTable<Fixed>(database, table.name)) {
-        return false;
+        return TellUnbuilt(table);
     }
     if (!Create(database, table)) {
         FT::Log::GetInstance().Output(
             FT::LEVEL_ERROR, "FUNc:%s: createJankDB : Step 3 Create table fail.", Fixed::FUNCTION);
-        return false;
+        return TellUnbuilt(table);
     }
     return Fill<Fixed>(database, table, FixedRows());
 }
