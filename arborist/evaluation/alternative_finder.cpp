@@ -9,7 +9,7 @@
 
 namespace {
 
-// Up to here a walk is as fast as a look-up.
+// Up to this length a linear search is as fast as a look-up.
 constexpr std::size_t SHORT_LIST = 16;
 
 bool IsSingleOf(const OrRuleSingle& rule, const std::string& name)
@@ -17,7 +17,7 @@ bool IsSingleOf(const OrRuleSingle& rule, const std::string& name)
     return rule.type == RuleHelper::SINGLE_RULE && rule.ruleName == name;
 }
 
-// Whether the list holds every part; it may hold more, in any order.
+// True if the list contains every part, in any order; it may contain more.
 bool ListsAll(const std::vector<std::string>& list, const std::vector<std::string>& parts)
 {
     if (parts.empty() || list.empty()) {
@@ -102,7 +102,7 @@ std::shared_ptr<OrRuleSingle> AlternativeFinder::FindByIndex(const std::string& 
     return end < mRules.size() ? mRules[end] : nullptr;
 }
 
-// Where each part stands, the part that fewest alternatives list first; empty when a part stands nowhere.
+// For each part the alternatives that list it, the shortest list first; empty if no alternative lists one of the parts.
 std::vector<const AlternativeFinder::Places*> AlternativeFinder::ListingsOf(const std::string& name) const
 {
     std::vector<std::string> parts = StringUtil::Split(name, RuleHelper::TYPE_COMMA);

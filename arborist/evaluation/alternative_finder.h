@@ -11,15 +11,14 @@
 #include "arborist/model/event_rule.h"
 #include "arborist/utilities/text_hash.h"
 
-/// Finds the alternative of an event that a rule name stands for; see RuleHelper::GetRuleByName.
+/// Finds the alternative of an event by its name; see RuleHelper::GetRuleByName.
 ///
-/// Refers to the list that it was made for. An event with many alternatives is asked for each of them, so a long list
-/// is indexed.
+/// Refers to the list of alternatives. Indexes a long list, as an event looks up each of its alternatives.
 class AlternativeFinder {
 public:
     explicit AlternativeFinder(const OrRuleList& rules);
 
-    /// Null when none fits.
+    /// Null if no alternative matches.
     std::shared_ptr<OrRuleSingle> Find(const std::string& name) const;
 
 private:
@@ -31,7 +30,7 @@ private:
 
     const OrRuleList& mRules;
     std::unordered_map<std::string_view, std::size_t, TextHash> mFirstSingle; // by rule name
-    std::unordered_map<std::string_view, Places, TextHash> mListing; // by name in the list, places ascending
+    std::unordered_map<std::string_view, Places, TextHash> mListing; // by listed name, positions ascending
 };
 
 #endif

@@ -20,25 +20,25 @@ class RuleEngineHelper;
 struct DetectInfo;
 struct OrRuleSingle;
 
-/// Decides code rules by asking the host's CodeRuleRunner, and translates a detect code into the ids of the event that
-/// uses its rule, also before any detection.
+/// Decides code rules by calling the host's CodeRuleRunner, and finds the ids of the event that uses the rule of a
+/// detect code, even before any detection.
 ///
-/// Shares ownership of what it is given; each may be null, and what needs it then answers false or empty.
+/// Shares ownership of its arguments; each may be null, and calls that need it then return false or empty.
 class CodeRuleEngine : public RuleChecker {
 public:
     CodeRuleEngine(std::shared_ptr<RuleEngineHelper> ruleEngineHelper,
                    std::shared_ptr<FaultTreeParser> faultTreeParser, std::shared_ptr<DetectInfo> detectInfo);
 
-    /// What the host's runner answers, called here and now; false without a runner. The event id is not used.
+    /// Calls the host's runner and returns its answer; false without a runner. Ignores the event id.
     bool IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId) override;
 
     /// The ids of one kind (RuleHelper::FAULT, SUGGESTION or REPAIR) of the first event in the store that names the
-    /// code rule of this detect code. An empty store is first filled with the events of all trees. Empty when there is
-    /// no such rule or event, and for another kind.
+    /// code rule of this detect code. Fills an empty store with the events of all trees first. Returns nothing if there
+    /// is no such rule or event, and for another kind.
     std::vector<std::string> GetCodeRuleInfoByType(std::string_view type, const std::string& detectCode);
 
 private:
-    // What a detect code stands for. The texts are the parser's and the event's.
+    // The meaning of a detect code. The texts belong to the parser and the event.
     struct CodeMeaning {
         std::span<const std::string> faults;
         std::span<const std::string> suggestions;
@@ -56,9 +56,10 @@ private:
     std::shared_ptr<FaultTreeParser> mFaultTreeParser;
     std::shared_ptr<DetectInfo> mDetectInfo;
 
-    // The first event of the store that names a rule, and of which store and rule set that holds.
+    // The first event of the store that names a rule, and the revisions of store and rule set for which the map is
+    // valid.
     std::unordered_map<std::string, std::shared_ptr<Event>, TextHash> mEventByRuleName;
-    // The codes that were asked for, while that holds: a host asks for three kinds of ids, one after the other.
+    // Cache of looked-up codes for these revisions, as a host asks for three kinds of ids of a code in a row.
     std::unordered_map<std::string, CodeMeaning, TextHash> mMeanings;
     std::uint64_t mIndexedRevision = 0;
     std::uint64_t mIndexedRules = 0;

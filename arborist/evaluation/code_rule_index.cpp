@@ -17,7 +17,7 @@ std::shared_ptr<CodeRule> CodeRuleIndex::FindFirst(std::string_view text,
         if (first + text.size() <= mBegins[rule] + LengthOfCode(rule)) {
             return mRules[rule];
         }
-        // A text with a zero byte can begin in one code and end in another.
+        // Skip a match that crosses codes: a text with a zero byte can begin in one code and end in another.
         first = mCodes.find(text, first + 1);
     }
     return nullptr;
@@ -25,7 +25,7 @@ std::shared_ptr<CodeRule> CodeRuleIndex::FindFirst(std::string_view text,
 
 bool CodeRuleIndex::IsBuiltFrom(const std::vector<std::shared_ptr<CodeRule>>& rules) const
 {
-    // Every parse makes new rules, so the first tells the lists of two parses apart.
+    // Every parse creates new rules, so the first rule distinguishes the lists of two parses.
     return mRules.size() == rules.size() && (rules.empty() || mRules.front() == rules.front());
 }
 
@@ -38,7 +38,7 @@ void CodeRuleIndex::Build(const std::vector<std::shared_ptr<CodeRule>>& rules)
     for (const auto& rule : rules) {
         mBegins.push_back(mCodes.size());
         mCodes += rule != nullptr ? rule->codeItem.id : std::string();
-        mCodes += '\0'; // no code of a file holds it
+        mCodes += '\0'; // no code of a file contains it
     }
 }
 

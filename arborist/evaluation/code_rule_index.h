@@ -9,12 +9,12 @@
 
 class CodeRule;
 
-/// Finds the first code rule whose detect code holds a given text, in one pass over all codes laid end to end.
+/// Finds the first code rule whose detect code contains a given text, in one pass over the concatenation of all codes.
 ///
-/// Built from a list of rules and rebuilt when asked about another one.
+/// Builds an index of the list of rules, and rebuilds it if called with another list.
 class CodeRuleIndex {
 public:
-    /// The first rule of `rules` whose detect code holds `text`, which is not empty; null when none does.
+    /// The first rule of `rules` whose detect code contains `text`, which must not be empty; null if there is none.
     std::shared_ptr<CodeRule> FindFirst(std::string_view text, const std::vector<std::shared_ptr<CodeRule>>& rules);
 
 private:
@@ -22,7 +22,7 @@ private:
     void Build(const std::vector<std::shared_ptr<CodeRule>>& rules);
     std::size_t LengthOfCode(std::size_t rule) const;
 
-    // The rules are kept, so that the address of none of them can come to mean another rule.
+    // Keeps the rules alive, so that no new rule can have the address of an old one.
     std::vector<std::shared_ptr<CodeRule>> mRules;
     std::string mCodes;
     std::vector<std::size_t> mBegins; // where the code of each rule begins in mCodes

@@ -7,7 +7,7 @@
 class LogEvent;
 class RowQuestion;
 
-/// How single kinds of events count.
+/// Weights of special kinds of events.
 class DetectionCustomize {
 public:
     static constexpr char KEY_COUNT[] = "COUNT";
@@ -17,18 +17,18 @@ public:
         std::int32_t first;
         std::int32_t last;
     };
-    /// Where the ids of DMD events lie.
+    /// The ids of DMD events.
     static constexpr IdRange DMD_RANGES[] = {{920000000, 929999999}, {909030000, 909031999}, {912001000, 912001999}};
 
     DetectionCustomize() = delete;
 
-    /// Whether events of this id are DMD events: one row stands for as many events as its "COUNT" says.
+    /// True for DMD events: one row counts as many events as its "COUNT" says.
     static bool IsDmdEvent(std::int32_t eventId);
 
-    /// The weight of a DMD event: low 32 bits of "COUNT" in its extra; 1 when there is none or the extra is no JSON
-    /// object, 0 when the extra is empty or "COUNT" is no number. What can't be read logs an error.
+    /// The weight of a DMD event: low 32 bits of "COUNT" in its extra; 1 if there is none or the extra is no JSON
+    /// object, 0 if the extra is empty or "COUNT" is no number. Logs an error for a text that can't be read.
     static std::int32_t CheckDmdEventCount(const LogEvent& event);
-    /// The same as a question to the rows of a log.
+    /// The same as a question about the rows of a log.
     static const std::shared_ptr<const RowQuestion>& WeightQuestion();
 };
 

@@ -13,7 +13,7 @@
 
 namespace {
 
-// The member as the log's own text has it.
+// Reads the member with the full JSON reader.
 std::string MemberOf(std::string_view extra, const std::string& key)
 {
     Json::Value root;
@@ -67,7 +67,7 @@ MemberTest::Comparison MemberTest::ComparisonOf() const
 
 std::string MemberTest::GetName() const
 {
-    // Texts of XML have no zero bytes.
+    // Separates the parts of the name: texts of XML have no zero bytes.
     const char end = '\0';
     return "test" + (mPara.type + end) + (mPara.logic + end) + (mPara.key + end) + mPara.value;
 }
@@ -111,7 +111,7 @@ bool MemberTest::Holds(Number observed, Number configured) const
     return observed < configured ? mHoldsLess : observed > configured ? mHoldsGreater : mHoldsEqual;
 }
 
-// Texts are equal or different, nothing else.
+// Texts can only be equal or different; they have no order.
 bool MemberTest::HoldsText(std::string_view observed) const
 {
     return mPara.logic == RuleChecker::LOGIC_EQ ? observed == mPara.value

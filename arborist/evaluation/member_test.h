@@ -10,20 +10,20 @@
 
 class RuleChecker;
 
-/// One test of one value inside an event's JSON.
+/// A test of one member of an event's JSON.
 struct TestPara {
     /// Name of the member.
     std::string key;
-    /// What it is compared to.
+    /// The configured value to compare with.
     std::string value;
-    /// As what: "int", "long", "float", "double" or "string".
+    /// Type of the comparison: "int", "long", "float", "double" or "string".
     std::string type;
-    /// How: "gt", "lt", "le", "ge", "eq" or "ne".
+    /// Comparison word: "gt", "lt", "le", "ge", "eq" or "ne".
     std::string logic;
 };
 
-/// A TestPara made ready to be held against many rows: it compares numbers without going through text where that
-/// leaves no line in the log. Refers to the checker, whose IsFaultForParam decides everything else.
+/// A TestPara prepared for many rows: compares numbers without converting texts each time if that logs nothing. Refers
+/// to the checker, whose IsFaultForParam decides everything else.
 class MemberTest : public RowQuestion {
 public:
     MemberTest(const RuleChecker& checker, TestPara para);
@@ -34,7 +34,7 @@ public:
     const std::string& GetKey() const override { return mPara.key; }
     bool IsNumber() const override { return false; }
     std::optional<std::int32_t> AnswerInSilence(std::string_view member) const override;
-    /// Whether the member passes; an extra that is no JSON logs an error and fails.
+    /// 1 if the member passes, otherwise 0; an extra that is no JSON logs an error and fails.
     std::int32_t Answer(std::string_view extra) const override;
 
 private:
@@ -55,11 +55,11 @@ private:
     const RuleChecker& mChecker;
     TestPara mPara;
     Comparison mComparison;
-    // Which outcomes hold.
+    // For each order of the observed to the configured value: true if it passes.
     bool mHoldsLess;
     bool mHoldsEqual;
     bool mHoldsGreater;
-    // What it is compared to, as the comparison needs it.
+    // The configured value in the type of the comparison.
     std::int32_t mInteger = 0;
     float mFloat = 0;
     double mDouble = 0;

@@ -43,7 +43,7 @@ std::shared_ptr<RuleChecker> RuleCheckers::Get(const Rule* rule, const std::shar
         }
         return mAlarmRuleEngine;
     case Family::COMMAND:
-        // Keeps the common part that is there now, on purpose: a later detection of this engine judges command rules by
+        // Keeps the common part of the first call, on purpose: later detections of this engine decide command rules by
         // the thresholds of the first.
         return MakeOnce(mCommandRuleEngine, commonPart, mRuleHelper);
     case Family::NODE:

@@ -17,21 +17,21 @@ class RuleEngineHelper;
 class RuleHelper;
 struct DetectInfo;
 
-/// The family of a rule, by its class; NONE for null and for a class without a checker.
+/// The family of a rule by its class; NONE for null and for a class without a checker.
 Evidence::Family FamilyOf(const Rule* rule);
 
-/// One checker of each family of rules, made on first use and kept for all trees.
+/// Creates a checker for each family of rules on first use and keeps it for all trees.
 ///
-/// Shares ownership of what it is given; each may be null.
+/// Shares ownership of its arguments; each may be null.
 class RuleCheckers {
 public:
     RuleCheckers(std::shared_ptr<RuleHelper> ruleHelper, std::shared_ptr<RuleEngineHelper> ruleEngineHelper,
                  std::shared_ptr<FaultTreeParser> faultTreeParser, std::shared_ptr<DetectInfo> detectInfo);
 
-    /// The checker of the rule's family; null, with a warning in the log, for a rule without one. The checker of command
-    /// rules keeps the `commonPart` of the call that makes it.
+    /// The checker of the rule's family; null, with a warning in the log, if there is none. The checker of command
+    /// rules keeps the `commonPart` of the call that creates it.
     std::shared_ptr<RuleChecker> Get(const Rule* rule, const std::shared_ptr<CommonPart>& commonPart);
-    /// The checker of code rules, which also translates detect codes before any rule is asked.
+    /// The checker of code rules, which also answers look-ups of detect codes before any rule is run.
     const std::shared_ptr<CodeRuleEngine>& GetCodeRuleEngine();
 
 private:

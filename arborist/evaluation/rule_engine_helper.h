@@ -10,34 +10,34 @@
 class Event;
 class EventRule;
 
-/// The events of the tree that is being run, flattened. Shares ownership of them.
+/// The event store: a flat list of the events of the current tree. Shares ownership of them.
 class RuleEngineHelper {
 public:
     using EventList = std::vector<std::shared_ptr<Event>>;
     using EventMap = std::map<std::string, std::shared_ptr<Event>>;
     using EventRuleMap = std::map<std::string, std::shared_ptr<EventRule>>;
 
-    /// Appends the event and all below it, each before what lies under it. What was there stays.
+    /// Appends the event and all events below it in pre-order; keeps earlier ones.
     void FetchEvent(const std::shared_ptr<Event>& event);
-    /// In the order of FetchEvent; an event that stands at two places of a tree is listed twice. Valid until the next
-    /// FetchEvent or Reset.
+    /// In the order of FetchEvent; an event with two places in a tree is listed twice. Valid until the next FetchEvent
+    /// or Reset.
     const EventList& GetAllEventList() const { return mAllEventList; }
-    /// By id; of several events with one id the first. Made when it is asked for. Valid until the next FetchEvent or
+    /// By id, the first of several events with one id. Built by the first call. Valid until the next FetchEvent or
     /// Reset.
     const EventMap& GetEventMap() const;
 
-    /// Says for each event whether it has a check of its own: all but intermediate events do, and those for whose id
-    /// there is an entry.
+    /// Sets for each event whether it has a check of its own: all events do, except for intermediate events without an
+    /// entry for their id.
     void MarkObservable(const EventRuleMap& eventRules) const;
     void Reset();
 
-    /// Changes with every FetchEvent and Reset.
+    /// A number that every FetchEvent and Reset changes.
     std::uint64_t GetRevision() const { return mRevision; }
 
 private:
     EventList mAllEventList;
     mutable EventMap mEventMap;
-    mutable std::size_t mMappedEvents = 0; // how many of the list are in the map
+    mutable std::size_t mMappedEvents = 0; // number of listed events that are in the map
     std::uint64_t mRevision = 0;
 };
 

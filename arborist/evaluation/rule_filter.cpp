@@ -9,7 +9,7 @@ namespace {
 
 using Reason = Evidence::Reason;
 
-// A plain search on purpose: a product "AB" also matches a text that lists "ABC". Rule files count on it.
+// A plain search on purpose: a product "AB" also matches a text that lists "ABC". Rule files rely on it.
 bool Holds(const std::string& ruleText, const std::string& deviceValue)
 {
     return ruleText.find(deviceValue) != std::string::npos;
@@ -40,7 +40,8 @@ std::optional<RuleFilter::Rejection> RuleFilter::RejectByProduct(const Rule& rul
 {
     const auto& details = mDetectInfo->mDeviceDetails;
     std::string product = details != nullptr ? details->GetProduct() : std::string();
-    // A device that names no product is found in every list, a black one too: the empty text is part of any text.
+    // A device without a product name is found in every list, the black list included, as every text contains the empty
+    // text.
     if (!rule.blackProducts.empty() && Holds(rule.blackProducts, product)) {
         return Rejection{Reason::FILTERED_BLACK_PRODUCT, std::move(product), rule.blackProducts};
     }
@@ -50,7 +51,7 @@ std::optional<RuleFilter::Rejection> RuleFilter::RejectByProduct(const Rule& rul
 std::optional<RuleFilter::Rejection> RuleFilter::RejectByScene(const Rule& rule) const
 {
     std::string scene = std::to_string(mDetectInfo->mDetectScene);
-    // Unlike the other filters, one that is not set lets nothing through: a rule without scenes is switched off.
+    // Unlike the others, this filter rejects everything if it is not set: a rule without scenes is switched off.
     if (!Holds(rule.detectScene, scene)) {
         return Rejection{Reason::FILTERED_SCENE, std::move(scene), rule.detectScene};
     }
@@ -65,7 +66,7 @@ std::optional<RuleFilter::Rejection> RuleFilter::RejectByText(
     }
     const auto& details = mDetectInfo->mDeviceDetails;
     if (details == nullptr) {
-        return Rejection{reason, {}, ruleText}; // nothing is known of the device
+        return Rejection{reason, {}, ruleText}; // there is no device to compare with
     }
     std::string deviceValue = ((*details).*value)();
     if (Holds(ruleText, deviceValue)) {

@@ -12,13 +12,13 @@ class DeviceDetails;
 class Rule;
 struct DetectInfo;
 
-/// Decides by a rule's own texts whether it applies to the device and scene of a detection.
+/// Decides from a rule's filter attributes whether it applies to the device and scene of a detection.
 ///
-/// Each filter looks for the device's value anywhere in the rule's text. Shares ownership of its input, which may be
-/// null: every rule is rejected then. Holds no state beside it.
+/// Each filter searches the rule's text for the device's value. Shares ownership of its input, which may be null: then
+/// every rule is rejected. Has no other state.
 class RuleFilter {
 public:
-    /// What turned a rule away. The rule's text is the rule's own.
+    /// The filter that rejected a rule. The rule's text belongs to the rule.
     struct Rejection {
         Evidence::Reason reason;
         std::string deviceValue;
@@ -27,7 +27,8 @@ public:
 
     explicit RuleFilter(std::shared_ptr<const DetectInfo> detectInfo);
 
-    /// The first filter that the rule fails, of product, scene, platform and device type; nothing if it applies.
+    /// The first filter that rejects the rule, in the order product, scene, platform, device type; nothing if it
+    /// applies.
     std::optional<Rejection> Reject(const Rule& rule) const;
 
 private:

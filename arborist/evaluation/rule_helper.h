@@ -19,14 +19,14 @@ class FaultTreeParser;
 class ResetTimeParser;
 struct DetectInfo;
 
-/// The decisions that all checkers share, each made in a room of its own: whether a rule applies to this device and
-/// scene (RuleFilter), which alternative of an event a name stands for (AlternativeFinder), and from what moment on a
-/// check looks at the log (StartTimes). Carries the event that the driver is working on.
+/// The decisions that all checkers share, each made by a class of its own: whether a rule applies to this device and
+/// scene (RuleFilter), which alternative of an event a name means (AlternativeFinder), and the start time of a check
+/// (StartTimes). Also keeps the current event.
 ///
-/// Shares ownership of what it is given. Used by one thread at a time.
+/// Shares ownership of its arguments. Not thread-safe.
 class RuleHelper {
 public:
-    /// Type words of RuleEngine::GetCodeRuleInfoByType. USER_DEFINED belongs to the family; nothing reads it.
+    /// Types for RuleEngine::GetCodeRuleInfoByType. Nothing uses USER_DEFINED.
     static constexpr std::string_view FAULT = "faultDescId";
     static constexpr std::string_view SUGGESTION = "suggestionId";
     static constexpr std::string_view REPAIR = "repairId";
@@ -46,37 +46,38 @@ public:
     RuleHelper(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<FaultTreeParser> faultTreeParser);
 
     const std::shared_ptr<DetectInfo>& GetDetectInfo() const { return mDetectInfo; }
-    /// The event that the driver is working on; null before the first.
+    /// The event whose rules are being run; null before the first.
     const std::shared_ptr<Event>& GetCurrentEvent() const { return mCurrentEvent; }
     void SetCurrentEvent(const std::shared_ptr<Event>& event) { mCurrentEvent = event; }
 
-    /// Whether the rule applies to this device and scene; false for null. The filter that turns it away is kept for
-    /// GetRejection.
+    /// True if the rule applies to this device and scene; false for null. GetRejection then returns the filter that
+    /// rejected it.
     bool IsSpecifiedRuleItemSupported(const std::shared_ptr<Rule>& rule) const;
-    /// IsSpecifiedRuleItemSupported of the first code rule whose detect code holds `detectCode` anywhere in it; false
-    /// when there is none. The look-up is one pass over the detect codes of the set.
+    /// IsSpecifiedRuleItemSupported for the first code rule whose detect code contains `detectCode`; false if there is
+    /// none. One pass over the detect codes of the rule set.
     bool IsSpecifiedCodeRuleSupported(const std::string& detectCode,
                                       const std::shared_ptr<FaultTreeParser>& faultTreeParser) const;
-    /// What turned the rule of the last IsSpecifiedRuleItemSupported away; nothing when it passed or was null. Its texts
-    /// are valid as long as that rule.
+    /// The filter that rejected the rule in the last IsSpecifiedRuleItemSupported; nothing if the rule passed or was
+    /// null. Its texts are valid as long as that rule.
     const std::optional<RuleFilter::Rejection>& GetRejection() const { return mRejection; }
 
-    /// The alternative that a name stands for: the first that is the single rule of this name, or that lists every part
-    /// of the name between commas. Null for an empty name or list, and, with an error in the log, when none fits.
+    /// The alternative that a name means: the first that is the single rule of this name, or that lists every part of
+    /// the name between commas. Null for an empty name or list, and, with an error in the log, if no alternative
+    /// matches.
     static std::shared_ptr<OrRuleSingle> GetRuleByName(const std::string& name, const OrRuleList& rules);
-    /// Passes what was looked up on, and logs GetRuleByName's error when it is null.
+    /// Returns `rule`; if it is null, logs the error of GetRuleByName.
     static std::shared_ptr<OrRuleSingle> OrLogMissing(std::shared_ptr<OrRuleSingle> rule);
-    /// A name for each alternative, in order: of a single rule its own, of any other its list joined by commas.
+    /// The name of each alternative, in order: for a single rule its own, otherwise the listed names joined by commas.
     static std::vector<std::string> GetRuleNamesByRuleList(const OrRuleList& rules);
 
-    /// The window of this kind; null when the item is null or has none.
+    /// The item's window of this kind; null if the item is null or has none.
     static std::shared_ptr<TimeSet> GetTimeSetByRuleType(const std::shared_ptr<AlarmRule::AlarmItem>& item,
                                                          TimeSet::TimeType timeType);
 
-    /// The moment from which a check of the current event looks at the log; see StartTimes::GetDetectStartTime.
+    /// The start time of a check of the current event; see StartTimes::GetDetectStartTime.
     std::int64_t GetDetectStartTime(std::int32_t days, const std::string& word, const std::string& eventId,
                                     Evidence::Start* record = nullptr) const;
-    /// Whether a check with this start word counts the events of the current version only.
+    /// True if a check with this start word counts only events of the current version.
     static bool IsDetectFromUpdate(const std::string& word) { return StartTimes::IsDetectFromUpdate(word); }
 
 private:

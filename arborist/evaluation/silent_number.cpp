@@ -6,7 +6,7 @@
 
 namespace {
 
-// So few that no number of them is too large or too small for a float.
+// So few digits that no number is out of range for a float.
 constexpr std::size_t MOST_LETTERS = 16;
 
 bool IsDigit(char letter)
@@ -20,7 +20,7 @@ std::optional<std::int32_t> SilentNumber::Int32Of(std::string_view text)
 {
     std::int64_t number = 0;
     const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    // What follows the digits is not read, and of a number that is too long the low 32 bits are.
+    // Ignores the text behind the digits, and keeps the low 32 bits of a longer number.
     return error == std::errc() ? std::optional(static_cast<std::int32_t>(static_cast<std::uint32_t>(number)))
                                 : std::nullopt;
 }

@@ -5,13 +5,15 @@
 #include <optional>
 #include <string_view>
 
-/// Numbers that the conversions of StringUtil read without a line in the log. Nothing for texts that may leave one.
+/// Reads numbers that the conversions of StringUtil read without logging. Returns nothing for texts that may log a
+/// line.
 namespace SilentNumber {
 
-/// What StringToInt32Def reads in base 10.
+/// The result of StringToInt32Def in base 10.
 std::optional<std::int32_t> Int32Of(std::string_view text);
 
-/// Whether StringToFloatDef and StringToDoubleDef read the text in silence: it is some digits with or without a point.
+/// True if StringToFloatDef and StringToDoubleDef read the text without logging: it has only digits and at most one
+/// point.
 bool IsReal(std::string_view text);
 
 } // namespace SilentNumber

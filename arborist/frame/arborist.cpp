@@ -79,7 +79,7 @@ std::vector<std::shared_ptr<FaultTreeResult>> Arborist::StartDetection()
     constexpr char FUNCTION[] = "Arborist::StartDetection";
     auto& log = FT::Log::GetInstance();
     Parse();
-    // There is no timer: the words stand for a parse that did not finish, as without a rule file.
+    // There is no timer: the line says that the parse did not finish, as without a rule file.
     if (!mFaultTreeParser->IsParseDone()) {
         log.Output(FT::LEVEL_WARN, "FUNc:%s: startDetection time out", FUNCTION);
         return {};
@@ -151,7 +151,7 @@ void Arborist::SetObserver(std::shared_ptr<DetectionObserver> observer)
 {
     mRuleEngine->SetObserver(observer.get());
     mFaultTreeVisitor->SetObserver(observer.get());
-    mObserver = std::move(observer); // the one before is let go when nobody refers to it any more
+    mObserver = std::move(observer); // releases the previous observer
 }
 
 void Arborist::Parse()

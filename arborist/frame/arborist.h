@@ -29,13 +29,13 @@ public:
     Arborist& operator=(const Arborist&) = delete;
 
     /// Reads the rule set anew and runs every tree of the tag. One result for each tree, in file order, fault or not;
-    /// they outlive this object and later calls. Empty when the rule file is missing or there is no tree; a warning
-    /// tells which. Where an earlier call has read a rule set, a file that is missing or malformed by now leaves what
-    /// that call read, with the events that fired then still true.
+    /// they outlive this object and later calls. Empty if the rule file is missing or there is no tree; a warning says
+    /// which. If an earlier call has read a rule set and a file is missing or malformed now, that earlier content stays
+    /// in use, with the events that fired then still true.
     std::vector<std::shared_ptr<FaultTreeResult>> StartDetection();
 
-    /// Whether the code rule of a detect code would run on this device and scene. The first code rule of the file whose
-    /// code holds the text `codeRuleId` decides. Reads the rule set if that has not happened yet.
+    /// True if the code rule of a detect code would run on this device and scene. The first code rule of the file whose
+    /// code contains the text `codeRuleId` decides. Reads the rule set if that has not happened yet.
     bool IsRunRule(const std::string& codeRuleId);
 
     /// The first fault description, suggestion or repair id of the event that uses the code rule of this detect code;
@@ -45,8 +45,8 @@ public:
     std::string GetCodeRuleSuggestionId(const std::string& detectCode);
     std::string GetCodeRuleRepairId(const std::string& detectCode);
 
-    /// Hands over an object that is told of everything that decides the results of the calls that follow, and shares
-    /// its ownership; null takes it away. Not to be called from within an observer.
+    /// Sets the observer, which is notified of everything that decides the results of later calls, and shares its
+    /// ownership; null removes it. Don't call this from within an observer.
     void SetObserver(std::shared_ptr<DetectionObserver> observer);
 
 private:
@@ -75,7 +75,7 @@ private:
     std::shared_ptr<RuleEngine> mRuleEngine;
     std::shared_ptr<FaultTreeVisitor> mFaultTreeVisitor;
     std::shared_ptr<DetectInfo> mDetectInfo;
-    // Where the rule archive is unpacked.
+    // Directory into which the rule archive is unpacked.
     std::string mUnzipDir;
     std::shared_ptr<DetectionObserver> mObserver;
 };

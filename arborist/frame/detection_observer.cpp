@@ -2,7 +2,7 @@
 
 DetectionObserver::~DetectionObserver() = default;
 
-// An observer hears only what it overrides.
+// Empty by default, so that an observer overrides only the calls that it needs.
 void DetectionObserver::OnRuleSetRead(Evidence::RuleSet) {}
 void DetectionObserver::OnTreeStarted(Evidence::TreeHead) {}
 void DetectionObserver::OnEventDecided(Evidence::Event) {}

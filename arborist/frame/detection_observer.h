@@ -7,28 +7,29 @@
 #include "arborist/frame/evidence.h"
 #include "arborist/frame/trouble.h"
 
-/// Told, while a detection runs, of everything that decides its result, in the order in which it happens.
+/// Interface that receives everything that decides the result of a detection, in the order in which it happens.
 ///
-/// A host derives from it, overrides what it wants to hear and hands the object to Arborist::SetObserver. The calls
-/// come on the thread that called the library. Records are complete when they are handed over, own their texts and are
-/// the observer's: it may keep them. An observer sees; nothing that it does changes a result or a log line. It must not
-/// call back into the Arborist that it observes.
+/// A host derives from it, overrides the calls that it needs and passes the object to Arborist::SetObserver. The calls
+/// come on the thread that called the library. Records are complete when they are passed, own their texts and belong to
+/// the observer, which may keep them. Nothing that an observer does changes a result or a log line. It must not call
+/// the Arborist that it observes.
 class ARBORIST_EXPORT DetectionObserver {
 public:
     virtual ~DetectionObserver();
 
-    /// The two files of the rule set were looked for, at each parse.
+    /// Called at each parse, after the attempt to read the two files of the rule set.
     virtual void OnRuleSetRead(Evidence::RuleSet ruleSet);
-    /// The rules of a tree are about to be asked.
+    /// Called before the rules of a tree run.
     virtual void OnTreeStarted(Evidence::TreeHead tree);
-    /// An event with an entry in the event rules is decided; the events of a tree come in pre-order.
+    /// Called for each event with an entry in the event rules once it is decided, in pre-order.
     virtual void OnEventDecided(Evidence::Event event);
-    /// The statuses of a tree are folded up: all its events in pre-order, so that their depths give the shape.
+    /// Called with all events of a tree after its statuses are folded. They are in pre-order, so that their depths give
+    /// the shape of the tree.
     virtual void OnTreeFolded(std::vector<Evidence::FoldedEvent> events);
-    /// One entry of the list of root causes, in its order.
+    /// Called for each entry of the list of root causes, in order.
     virtual void OnRootCause(Evidence::RootCause rootCause);
     virtual void OnTreeFinished(Evidence::TreeResult result);
-    /// Something went wrong that a record of a rule has no place for, or before the first of them.
+    /// Called for a problem that belongs to no record of a rule.
     virtual void OnTrouble(Evidence::Trouble trouble);
 };
 

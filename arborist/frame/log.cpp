@@ -39,8 +39,8 @@ void DefaultLogger::Print(unsigned int level, const std::string& format, va_list
         {LEVEL_WARN, "[WARN] "},   {LEVEL_ERROR, "[ERROR] "}, {LEVEL_FATAL, "[FATAL] "},
     };
     const auto tag = tags.find(level);
-    // The tag brings its own brackets; readers of the log rely on the doubled ones. In one call, so that the lines of
-    // several threads stay whole.
+    // The tag brings its own brackets; readers of the log rely on the doubled ones. Prints with a single call, so that
+    // lines of several threads don't mix.
     std::printf("[%s]:%s\n", tag == tags.end() ? "" : tag->second, Formatted(format, args).c_str());
 }
 

@@ -7,7 +7,7 @@
 
 #include "arborist/arborist_export.h"
 
-// Lets the compiler hold arguments against the format; counted from the first parameter, `this` included.
+// Lets the compiler check arguments against the format; positions count from the first parameter, `this` included.
 #if defined(__GNUC__)
 #define ARBORIST_PRINTF_LIKE(formatIndex, firstArgument) \
     __attribute__((format(printf, formatIndex, firstArgument)))
@@ -27,14 +27,14 @@ enum LogLevel : int {
     LEVEL_FATAL = 5,
 };
 
-/// Where log lines go. A host derives from it and hands an object to Log::SetUserLogger.
+/// Receives log lines. A host derives from it and passes an object to Log::SetUserLogger.
 class ARBORIST_EXPORT ILogger {
 public:
     virtual ~ILogger() = default;
 
-    /// Takes one message: a LogLevel, a printf format without line end and its arguments. `args` can be walked
-    /// once; copy it with va_copy to walk it again. Called on the thread that logs: the host's own, or one of the
-    /// loader's while the host's waits.
+    /// Receives one message: a LogLevel, a printf format without line end and its arguments. `args` can be read once;
+    /// use va_copy to read it again. Called on the thread that logs: the host's own, or one of the loader's while the
+    /// host's waits.
     virtual void Print(unsigned int level, const std::string& format, va_list args) = 0;
 };
 
@@ -44,9 +44,9 @@ public:
     void Print(unsigned int level, const std::string& format, va_list args) override;
 };
 
-/// The one channel for all messages of the library, process-wide.
+/// The channel for all messages of the library; one for the process.
 ///
-/// Nothing is locked: set the logger before the first detection.
+/// Not thread-safe: set the logger before the first detection.
 class ARBORIST_EXPORT Log {
 public:
     Log(const Log&) = delete;
@@ -54,11 +54,11 @@ public:
 
     static Log& GetInstance();
 
-    /// Hands a message to the current logger. `level` is a LogLevel; `format` and arguments are as for printf. Every
+    /// Passes a message to the current logger. `level` is a LogLevel; `format` and arguments are as for printf. Every
     /// format of the library begins with "FUNc:%s: " and its first argument is the function's qualified name.
     void Output(int level, const char* format, ...) ARBORIST_PRINTF_LIKE(3, 4);
 
-    /// Puts `logger` in the place of the current one, which is destroyed. Null answers false and changes nothing.
+    /// Replaces the current logger, which is destroyed. For null returns false and changes nothing.
     bool SetUserLogger(std::unique_ptr<ILogger> logger);
 
 private:

@@ -5,8 +5,8 @@
 
 #include "arborist/arborist_export.h"
 
-/// Records that the repair with this id was carried out now. Later detections don't count events from before it for
-/// the faults that the rule set mends with it. Failure shows in the log only, and leaves the former date.
+/// Records that the repair with this id was carried out now. Later detections don't count events from before it for the
+/// faults that the rule set mends with it. A failure is only logged and leaves the previous date.
 ARBORIST_EXPORT void UpdateRepairDb(const std::string& repairId);
 
 #endif

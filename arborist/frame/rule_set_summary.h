@@ -8,8 +8,8 @@
 
 #include "arborist/arborist_export.h"
 
-/// What a rule set names, for a host that gathers what a detection will look at or checks what it was asked for.
-/// Nothing is evaluated: what a rule names is in it whether or not the rule would run on this device.
+/// The names in a rule set, for a host that collects the data of a detection or checks its arguments. Evaluates
+/// nothing: includes the names of every rule, whether or not it would run on this device.
 struct RuleSetSummary {
     /// A tag of the tree file, and the line of its first element.
     struct Tag {
@@ -21,33 +21,32 @@ struct RuleSetSummary {
     bool isTreeFileRead = false;
     bool isRuleFileRead = false;
 
-    /// Each once, in file order; those of all trees in the file.
+    /// The tags of all trees in the file, each once, in file order.
     std::vector<Tag> tags;
 
-    // All below is what stands under the one tag that was asked for, each once.
+    // The members below cover the requested tag only; each entry is listed once.
 
     /// Paths of node files, and of folders that are searched for databases, as the rules name them, in file order.
     std::vector<std::string> nodeFiles;
     std::vector<std::string> searchedFolders;
     /// Detection codes of the code rules, in file order.
     std::vector<std::string> detectCodes;
-    /// The longest look-back of all rules and derived tables, in days; 0 without any, nothing when one is so long that
-    /// it has no bound.
+    /// The longest look-back of all rules and derived tables, in days; 0 if there is none, nothing if one is unlimited.
     std::optional<std::int64_t> longestWindow = 0;
-    /// The ids under which recorded repairs count for events, sorted; with "_" and the operation where there is one.
+    /// The ids under which recorded repairs count for events, sorted; with "_" and the operation if there is one.
     std::vector<std::string> repairIds;
 };
 
-/// Paths of the two files of a rule set in `folder`; `prefix`, unless empty, and "_" stand before their names.
+/// Paths of the two files of a rule set in `folder`; `prefix`, unless empty, and "_" precede their names.
 ARBORIST_EXPORT std::string TreeFilePath(const std::string& folder, const std::string& prefix);
 ARBORIST_EXPORT std::string RuleFilePath(const std::string& folder, const std::string& prefix);
 
-/// Where a detection reads `path`, as a rule file names it, on a device whose root directory is `root`
-/// (Settings::DEVICE_ROOT_DIR). Neither ".." nor a symbolic link leads out of that root, or for a relative path out of the
-/// working directory. With an empty `root`, which stands for this machine, `path` itself; empty for links in a circle.
+/// The path at which a detection reads `path` of a rule file, on a device whose root directory is `root`
+/// (Settings::DEVICE_ROOT_DIR). Neither ".." nor a symbolic link leads out of that root, or for a relative path out of
+/// the working directory. With an empty `root`, for this machine, returns `path` itself; empty for links in a circle.
 ARBORIST_EXPORT std::string PathOnDevice(const std::string& root, const std::string& path);
 
-/// Reads both files of a rule set. Raises nothing, and logs only a repair whose operation can't be read.
+/// Reads both files of a rule set. Throws nothing, and logs only a repair whose operation can't be read.
 ARBORIST_EXPORT RuleSetSummary SummariseRuleSet(
     const std::string& folder, const std::string& prefix, const std::string& treeTag);
 

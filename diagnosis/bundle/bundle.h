@@ -12,13 +12,13 @@
 
 namespace diagnosis {
 
-/// A bundle as the command line names it, for messages and results, and where that is.
+/// A bundle's path as the command line gives it, for messages and results, and its absolute path.
 struct BundlePath {
     std::string given;
     std::string absolute;
 };
 
-/// What bundle.json says: a device, a rule set and the moment of a recording. Relative paths lie inside the bundle.
+/// The content of bundle.json: a device, a rule set and the time of a recording. Relative paths are inside the bundle.
 struct Bundle {
     std::int32_t detectScene = 0;
     std::string treeTag;
@@ -34,11 +34,11 @@ struct Bundle {
     std::string now;
     /// Empty for the zone of this machine.
     std::string tz;
-    /// Recorded answers of code rules, by their user-defined text.
+    /// Recorded answers of code rules by the rule's user-defined text.
     std::map<std::string, bool> codeAnswers;
 };
 
-/// The attributes of a device with their values, named and in order as bundle.json has them.
+/// The attributes of a device with their values, by the names and in the order of bundle.json.
 std::vector<std::pair<const char*, std::string>> DeviceAttributes(const DeviceDetails& device);
 
 } // namespace diagnosis

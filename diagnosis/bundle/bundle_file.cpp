@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Far above what a bundle needs (recorded answers are its largest part), far below what hurts.
+// More than any bundle needs, whose recorded answers are its largest part, and little enough to read safely.
 constexpr std::uintmax_t LARGEST_FILE = 16U << 20U;
 
 struct Findings {
@@ -29,7 +29,7 @@ struct Findings {
     std::vector<Warning>& warnings;
 };
 
-/// Takes the known keys out of one JSON object, notes values of a wrong type and keys that nobody asked for.
+/// Reads known keys from one JSON object and notes values of a wrong type and unknown keys.
 class ObjectReader {
 public:
     ObjectReader(const Json::Value& object, std::string prefix, Findings& findings)
@@ -37,7 +37,7 @@ public:
     {
     }
 
-    /// The member when it is there and of the wanted type.
+    /// The member if it exists and has the required type.
     template <typename Predicate>
     const Json::Value* Find(const char* key, Predicate isWanted, const char* wanted)
     {
@@ -50,7 +50,7 @@ public:
         return nullptr;
     }
 
-    /// Takes a text over; false where there is none that can be used.
+    /// Copies a text to `target`; false if there is no usable one.
     bool Text(const char* key, std::string& target)
     {
         const Json::Value* value = Find(key, &Json::Value::isString, "a text");
@@ -75,7 +75,7 @@ public:
 
     void Missing(const char* key)
     {
-        // A slip of the pen in a required key is the likeliest reason for its absence: say both in one go.
+        // A missing required key is probably misspelt: name the similar key in the same message.
         for (const std::string& name : mObject.getMemberNames()) {
             if (!NearMatch(name, {key}).empty()) {
                 Wrong(key, "is missing (there is \"" + name + "\")");
@@ -85,7 +85,7 @@ public:
         Wrong(key, "is missing");
     }
 
-    /// To be called when all keys were asked for.
+    /// Call it after all known keys have been read.
     void WarnOfUnknownKeys()
     {
         for (const std::string& name : mObject.getMemberNames()) {
@@ -270,7 +270,7 @@ std::optional<Failure> ReadBundleFile(const BundlePath& path, Bundle& bundle, st
     }
     const fs::path file = folder / "bundle.json";
     const std::string name = (fs::path(path.given) / "bundle.json").string();
-    // A pipe or device under that name would keep the reader waiting.
+    // Ask first: reading a pipe or device of that name would block.
     if (!fs::is_regular_file(file, error)) {
         return Failure{"no_bundle_json", name + ": no such file; a bundle is a folder or a zip with a bundle.json"};
     }

@@ -10,11 +10,11 @@
 
 namespace diagnosis {
 
-/// Reads the bundle.json of a bundle's folder into `bundle`; unknown keys become `warnings`. Otherwise answers why not;
-/// all that is wrong in the file is in the one message.
+/// Reads the bundle.json of a bundle's folder into `bundle`; unknown keys become `warnings`. Returns the failure, if
+/// any; its message lists everything that is wrong in the file.
 std::optional<Failure> ReadBundleFile(const BundlePath& path, Bundle& bundle, std::vector<Warning>& warnings);
 
-/// The same for the text of a bundle.json; `path` names it in messages.
+/// The same for the text of a bundle.json; `path` is its name in messages.
 std::optional<Failure> ReadBundleText(const std::string& path, const std::string& text, Bundle& bundle,
     std::vector<Warning>& warnings);
 

@@ -30,7 +30,7 @@ std::optional<Failure> Copy(const fs::path& source, const fs::path& target)
     if (!fs::exists(source, error)) {
         return std::nullopt;
     }
-    // A folder in the place of a database is one here, too.
+    // If the source is a folder instead of a database, links it.
     return fs::is_regular_file(source, error) ? CopyDatabase(source.string(), target.string()) : Link(source, target);
 }
 
@@ -63,7 +63,7 @@ std::optional<Failure> LayOverlay(const std::string& folder, Scratch& scratch,
             return failure;
         }
     }
-    // Without a folder the library refuses to copy, and tells so.
+    // Leave it empty if it is: without a folder the library refuses to copy and reports that.
     if (std::string& databases = settings[Settings::APP_DATABASE_DIR]; !databases.empty()) {
         const std::string copies = scratch.Path("databases");
         names.Add(copies, databases);

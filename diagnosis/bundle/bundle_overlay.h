@@ -11,10 +11,10 @@
 
 namespace diagnosis {
 
-/// The root of the fixed paths when the setting is empty: the data of this machine.
+/// The root of the fixed paths if the setting is empty: the data of this machine.
 inline constexpr char MACHINE_DATA[] = "/var/lib/arborist";
 
-/// The fixed paths below that root; beside them stand the REPAIR_RECORDS.
+/// The fixed paths below that root, in addition to REPAIR_RECORDS.
 inline constexpr char EVENT_LOG[] = "Comms/Lumbra/workDir/0/log.db";
 inline constexpr char DERIVED_DATABASE[] = "Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db";
 

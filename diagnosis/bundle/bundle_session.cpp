@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Many pack the folder and not what is in it: its one folder is the bundle then. All that may be meant.
+// The folders that may be the bundle: an archive often contains the folder of the bundle instead of its files.
 std::vector<std::string> FoldersWithBundleFile(const fs::path& unpacked)
 {
     std::error_code error;
@@ -154,7 +154,7 @@ void BundleSession::SetSettings()
 {
     auto settings = mSettings;
     settings[Settings::CURRENT_TIME] = mMoment ? std::to_string(*mMoment) : "";
-    // What a detection writes goes with the folder for temporary files.
+    // The databases that a detection writes are removed with the scratch folder.
     settings[Settings::TEMPORARY_STORES] = mScratch.IsMade() ? "1" : "";
     mSettingsInForce.Set(settings);
 }

@@ -19,7 +19,7 @@ struct DetectInfo;
 
 namespace diagnosis {
 
-/// What the command line puts in the place of a bundle's own words. Empty texts leave them.
+/// Values of the command line that replace those of a bundle; an empty text replaces nothing.
 struct BundleOverrides {
     std::string now;
     std::string tz;
@@ -29,40 +29,41 @@ struct BundleOverrides {
     bool isLive = false;
 };
 
-/// What a bundle is entered for. RUN leaves it untouched: all that the library writes goes to a scratch folder.
-/// RECORD writes repair records into it.
+/// The purpose of entering a bundle. RUN doesn't change it: the library writes into a scratch folder. RECORD writes
+/// repair records into it.
 enum class BundleUse { RUN, RECORD };
 
-/// Stands in a bundle while it lives: the bundle is the working directory, and its time zone, its moment and its
-/// settings are in force for the whole process. One at a time; everything is as before at the end.
+/// As long as it exists, the bundle is the working directory, and its time zone, current time and settings are in force
+/// for the whole process. One at a time; the end restores everything.
 class BundleSession {
 public:
     BundleSession() = default;
     BundleSession(const BundleSession&) = delete;
     BundleSession& operator=(const BundleSession&) = delete;
 
-    /// Reads bundle.json of a bundle, which is a folder or a zip, and enters it. Otherwise answers why not.
+    /// Reads the bundle.json of a bundle, a folder or a zip, and enters it. Returns the failure, if any.
     std::optional<Failure> Enter(const BundlePath& path, const BundleOverrides& overrides,
         BundleUse use = BundleUse::RUN);
 
-    /// What the bundle and the command line say; its settings are the bundle's own.
+    /// The bundle with the values of the command line; its settings are the bundle's own.
     const Bundle& GetBundle() const { return mBundle; }
-    /// Absolute path of the bundle's folder; of a zip, where it was unpacked.
+    /// Absolute path of the bundle's folder; for a zip, of the folder into which it was unpacked.
     const std::string& GetFolder() const { return mFolder; }
     bool IsZip() const { return mIsZip; }
-    /// `text` with the paths of the scratch folder as the bundle names them; all that is shown goes through it.
+    /// `text` with paths in the scratch folder replaced by those of the bundle. Pass everything through it that is
+    /// shown.
     std::string Shown(const std::string& text) const { return mNames.Shown(text); }
-    /// The run's own folder, which is no part of the device.
+    /// The scratch folder, which is no part of the device.
     const std::string& ScratchPath() const { return mScratch.Path(); }
-    /// Of the reading of bundle.json and of the zip.
+    /// Warnings from reading bundle.json and the zip.
     const std::vector<Warning>& GetWarnings() const { return mWarnings; }
-    /// The moment that is in force, seconds since the epoch.
+    /// The current time of the bundle in seconds since the epoch.
     std::int64_t Now() const { return mMoment ? *mMoment : std::time(nullptr); }
-    /// The bundle as the library's input, without a code rule runner.
+    /// The library's input for the bundle, without a code rule runner.
     std::shared_ptr<DetectInfo> MakeDetectInfo() const;
-    /// Absolute path of a file below the fixed root ("Comms/Lumbra/...") as the library sees it.
+    /// Absolute path at which the library finds a file below the fixed root ("Comms/Lumbra/...").
     std::string ProgramDataPath(const std::string& file) const;
-    /// The same in the bundle itself.
+    /// The path of the same file in the bundle itself.
     std::string OwnDataPath(const std::string& file) const;
 
 private:

@@ -13,8 +13,8 @@ namespace diagnosis {
 
 namespace {
 
-// A rule of POSIX: names and offsets, and for a zone with summer time the two days on which the clocks change. Read by
-// hand: to build the regular expression for it takes longer than a whole detection.
+// Parses a POSIX rule: names and offsets, and for a zone with summer time the two days on which clocks change. Written
+// by hand, as compiling a regular expression for it takes longer than a whole detection.
 class ZoneRuleReader {
 public:
     explicit ZoneRuleReader(std::string_view rule) : mRest(rule) {}
@@ -193,7 +193,7 @@ std::string ZoneOfThisMachine()
     if (folder != std::string::npos && IsTimeZone(path.substr(folder + FOLDER.size()))) {
         return path.substr(folder + FOLDER.size());
     }
-    // A copy instead of a link: its last line is the rule.
+    // If it is a copy instead of a link, its last line has the rule.
     std::ifstream file(LOCAL, std::ios::binary);
     std::string rule;
     for (std::string line; std::getline(file, line);) {
@@ -212,7 +212,7 @@ std::optional<std::int64_t> ParseMoment(const std::string& text)
         return std::nullopt;
     }
     const std::int64_t seconds = std::mktime(&*date);
-    // An hour that the clocks skipped comes back as another one.
+    // A time in an hour that the clocks skip is formatted as another one.
     return FormatMoment(seconds) == text ? std::optional(seconds) : std::nullopt;
 }
 

@@ -7,20 +7,19 @@
 
 namespace diagnosis {
 
-/// Whether `zone` is one that TZ can take: a name of the system's zone database ("Europe/Berlin"), or a rule that
-/// needs no database ("CET-1CEST,M3.5.0,M10.5.0/3"). The C library takes any other text for UTC without a word.
+/// True if `zone` is valid for TZ: a name of the system's zone database ("Europe/Berlin"), or a rule that needs no
+/// database ("CET-1CEST,M3.5.0,M10.5.0/3"). The C library silently treats any other text as UTC.
 bool IsTimeZone(const std::string& zone);
 
-/// The zone in force, as a text that IsTimeZone takes: its name where the machine tells one, else the rule that holds
-/// from now on; "UTC0" where there is neither.
+/// The current zone, as a text that IsTimeZone accepts: its name if the machine has one, otherwise its rule from now
+/// on; "UTC0" if there is neither.
 std::string ZoneOfThisMachine();
 
-/// Seconds since the epoch of "YYYY-MM-DD HH:MM:SS", local time of the zone in force, or of a number, which is
-/// seconds already. Nothing for any other text, for a date that the calendar lacks, and for an hour that the clocks
-/// skipped.
+/// Converts "YYYY-MM-DD HH:MM:SS" in local time, or a number of seconds, to seconds since the epoch. Nothing for any
+/// other text, for a date that doesn't exist, and for a time in an hour that the clocks skip.
 std::optional<std::int64_t> ParseMoment(const std::string& text);
 
-/// Whether ParseMoment could take the text in some zone: its form and its calendar date are right.
+/// True if ParseMoment accepts the text in some zone: its form and its date are valid.
 bool IsMomentText(const std::string& text);
 
 /// Local time as "YYYY-MM-DD HH:MM:SS"; nothing outside the years 0 to 9999.

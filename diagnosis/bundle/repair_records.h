@@ -9,7 +9,7 @@
 
 namespace diagnosis {
 
-/// Where the library keeps its repair records, below the fixed root.
+/// Path of the library's repair records below the fixed root.
 inline constexpr char REPAIR_RECORDS[] = "Comms/Lumbra/zxdetectrepair/databases/repair_record.db";
 
 /// One row of the repair records.
@@ -19,8 +19,8 @@ struct RepairRecord {
     std::string date;
 };
 
-/// Reads all records of the database at `path`, in the order in which they were first made. A database that does
-/// not exist has none.
+/// Reads all records of the database at `path`, in the order in which they were first written. A database that does not
+/// exist has none.
 std::optional<Failure> ReadRepairRecords(const std::string& path, std::vector<RepairRecord>& records);
 
 } // namespace diagnosis

@@ -33,7 +33,7 @@ std::string InsideOr(const std::string& path, const char* otherwise)
     return Inside(path).value_or(otherwise);
 }
 
-// Text where it leads back to the same second, for people.
+// A text, for people, if it can be converted back to the same second; otherwise a number.
 Json::Value MomentValue(std::int64_t seconds)
 {
     const auto text = FormatMoment(seconds);
@@ -49,7 +49,7 @@ Json::Value DeviceValue(const DeviceDetails& device)
     return value;
 }
 
-/// One capture, while its bundle is entered.
+/// One capture of a bundle that is entered.
 class Capture {
 public:
     Capture(const BundleSession& session, const CaptureOptions& options, const std::string& folder)
@@ -84,7 +84,7 @@ public:
     }
 
 private:
-    // A detection tells whether the rules can be used, and asks the code rules that are asked on this device.
+    // Runs a detection, which shows whether the rules can be used and runs the code rules of this device.
     Problem LookAtRules()
     {
         const auto recorder = std::make_shared<DetectionRecorder>(false);
@@ -259,7 +259,7 @@ private:
     std::vector<Warning> mWarnings;
 };
 
-/// Where a capture goes: as the command line names it, and where that is.
+/// The target of a capture: its path as given, and its absolute path.
 struct Target {
     std::string given;
     std::string place;
@@ -309,7 +309,7 @@ Problem MakeStage(Scratch& scratch, const BundlePath& bundle, const Target& targ
     if (fs::exists(fs::symlink_status(target.place, error))) {
         return NotPacked(target, "exists already");
     }
-    // Beside its place, so that it can be put there in one step.
+    // Beside the target, so that it can be moved there in one step.
     const auto reason = scratch.MakeIn(fs::path(target.place).parent_path().string());
     return reason ? std::optional(NotPacked(target, "can't be written: " + *reason)) : std::nullopt;
 }

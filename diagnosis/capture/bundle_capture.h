@@ -12,12 +12,12 @@
 
 namespace diagnosis {
 
-/// What the command line says about a capture.
+/// Options of a capture.
 struct CaptureOptions {
     BundleOverrides overrides;
-    /// With a program, a detection is run and its answers are recorded.
+    /// If it has a program, runs a detection and records its answers.
     CodeRunner codeRunner;
-    /// Of the event log only what the longest window of the rules reaches.
+    /// Captures only the part of the event log within the longest window of the rules.
     bool isWindowOnly = false;
 };
 
@@ -30,8 +30,8 @@ struct CaptureReport {
     std::vector<std::string> names;
 };
 
-/// Captures a bundle, and what its rules name outside it, into a bundle that stands for itself: a zip when `given`
-/// ends in ".zip", which replaces an old one, else a folder, which must not be there. Either comes into being whole.
+/// Copies a bundle, with everything outside it that its rules name, into a self-contained bundle: a zip if `given` ends
+/// in ".zip", which replaces an existing one, otherwise a folder, which must not exist. Either is created atomically.
 CaptureReport CaptureBundle(const BundlePath& bundle, const std::string& given, const CaptureOptions& options);
 
 } // namespace diagnosis

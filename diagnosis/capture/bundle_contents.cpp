@@ -22,7 +22,7 @@ void LoadRules(const BundleSession& session, BundleContents& contents)
     try {
         Arborist engine(session.MakeDetectInfo());
         engine.SetObserver(recorder);
-        // Any question loads the rule set, and this one runs nothing.
+        // Any query loads the rule set; this one runs no rule.
         engine.IsRunRule("any code");
         contents.ruleSetFailure = RuleSetFailure(recorder->GetRuleSet(), session.GetBundle());
     } catch (...) {

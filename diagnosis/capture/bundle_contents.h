@@ -13,21 +13,21 @@
 
 namespace diagnosis {
 
-/// A path that the rules name, and whether something stands there on the device.
+/// A path that the rules name, and whether it exists on the device.
 struct NamedPath {
     std::string path;
     bool isThere = false;
 };
 
-/// What a bundle holds, as far as it could be looked into.
+/// The content of a bundle, as far as it could be read.
 struct BundleContents {
     std::string bundle;
-    /// Why the bundle could not be entered; all else is empty then.
+    /// Set if the bundle could not be entered; all other members are empty then.
     std::optional<Failure> failure;
     std::vector<Warning> warnings;
     bool isZip = false;
     Bundle description;
-    /// The moment in force, seconds since the epoch.
+    /// The current time of the bundle in seconds since the epoch.
     std::int64_t now = 0;
     std::vector<Evidence::RuleSetFile> ruleFiles;
     std::optional<Failure> ruleSetFailure;
@@ -40,13 +40,13 @@ struct BundleContents {
     std::vector<NamedPath> searchedFolders;
 };
 
-/// How many entries a file of the rule set has; 0 for a file that was not read.
+/// Number of entries of a file of the rule set; 0 if the file was not read.
 std::size_t RuleSetCount(const BundleContents& contents, Evidence::RuleSetFileType type);
 
-/// Reads all of a bundle, and runs nothing.
+/// Reads the whole bundle without running any rule.
 BundleContents LookIntoBundle(const BundlePath& bundle, const BundleOverrides& overrides);
 
-/// One thing that was checked. SOUND, or MISSING: it runs without, but a device has it as a rule; or BROKEN.
+/// The result of one check. SOUND; MISSING: a detection works without it, but devices usually have it; or BROKEN.
 struct BundleFinding {
     enum class State { SOUND, MISSING, BROKEN };
     State state;
@@ -58,7 +58,7 @@ struct BundleFinding {
 /// "ok", "missing" or "broken".
 const char* StateWord(BundleFinding::State state);
 
-/// Whether a bundle can be run with all that its rules look at, piece by piece.
+/// Checks piece by piece whether a bundle can be run with everything that its rules read.
 std::vector<BundleFinding> CheckBundle(const BundleContents& contents);
 
 } // namespace diagnosis

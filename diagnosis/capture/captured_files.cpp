@@ -158,7 +158,7 @@ std::optional<Failure> CapturedFiles::Take(const std::string& source, const std:
         return std::nullopt;
     }
     const std::string target = Path(name);
-    // Opening anything else can block or have effects.
+    // Opening anything but a plain file can block or have effects.
     std::ifstream from;
     if (fs::is_regular_file(source, error)) {
         from.open(source, std::ios::binary);
@@ -169,7 +169,7 @@ std::optional<Failure> CapturedFiles::Take(const std::string& source, const std:
     }
     std::ofstream to(target, std::ios::binary | std::ios::trunc);
     std::array<char, 65536> buffer{};
-    // Files of the system tell no length, or a wrong one: read until they end.
+    // Read up to the end, as files of the system report no length or a wrong one.
     const std::uint64_t most = std::min(longest, mLimits.bytes + 1);
     for (std::uint64_t length = 0; to && length < most;) {
         from.read(buffer.data(), static_cast<std::streamsize>(std::min<std::uint64_t>(buffer.size(), most - length)));

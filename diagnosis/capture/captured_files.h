@@ -15,23 +15,23 @@ namespace diagnosis {
 /// without "..". Takes what links lead to.
 class CapturedFiles {
 public:
-    /// Nothing is taken from the folders `own`, which are the run's: they may lie in a folder that is captured.
+    /// Copies nothing from the folders `own`, which belong to the run and may be inside a captured folder.
     CapturedFiles(std::string folder, ZipLimits limits, std::vector<std::string> own = {})
         : mFolder(std::move(folder)), mLimits(limits), mOwn(std::move(own))
     {
     }
 
-    /// Takes the file at `source`; one that is missing stays missing, and one that is no plain file is a warning.
+    /// Copies the file at `source`. Skips a missing file, and with a warning one that is no plain file.
     std::optional<Failure> AddFile(const std::string& source, const std::string& name);
     /// The same for a node file, whose length need not be known before and is bounded: what the library refuses for
     /// its length is cut where that is certain.
     std::optional<Failure> AddNodeFile(const std::string& source, const std::string& name);
-    /// Takes a folder with all that is in it; a plain file is taken as one. Links in it are resolved as if `root`, the
-    /// real path of a folder above it, were the root directory; on this machine for the empty text.
+    /// Copies a folder with its content, or a plain file. Links in it are resolved as if `root`, the real path of a
+    /// folder above it, were the root directory; on this machine for the empty text.
     std::optional<Failure> AddFolder(const std::string& source, const std::string& name, const std::string& root = "");
-    /// Counts a file that was written to Path(name) by other means.
+    /// Adds a file to the limits that was written to Path(name) in another way.
     std::optional<Failure> Count(const std::string& name);
-    /// Where `name` stands; the folders above it are made.
+    /// The path of `name` in the folder; creates the folders above it.
     std::string Path(const std::string& name) const;
 
     std::uint64_t Files() const { return mFiles; }

@@ -11,7 +11,7 @@
 
 namespace {
 
-// Reading all rows in one pass costs as much as reading 1 row of this many by itself.
+// One pass over all rows costs as much as reading one row in this many by itself.
 constexpr std::size_t WORTH_READING_ALL = 32;
 // Number of filters whose counts are kept: those of three windows, with and without a version.
 constexpr std::size_t MOST_COUNTS = 6;

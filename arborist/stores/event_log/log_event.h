@@ -15,7 +15,7 @@ public:
 
     /// 0 if the row has none.
     const std::int32_t eventId;
-    /// Local time as TimeUtil::GetFormatTime writes it; empty when the row has none.
+    /// Local time as TimeUtil::GetFormatTime writes it; empty if the row has none.
     const std::string occurrenceTime;
     /// The event's parameters, usually a JSON object; empty if the row has none.
     const std::string extra;
