@@ -27,7 +27,8 @@ struct Bundle {
     std::string logLocation;
     std::string reservedText;
     DeviceDetails device;
-    /// By the names of Settings. A bundle carries its own device and data: both roots are folders inside it.
+    /// Values by the names of Settings. By default both roots are folders inside the bundle, which carries its own
+    /// device and data.
     std::map<std::string, std::string> settings = {
         {Settings::PROGRAM_DATA_DIR, "programdata"}, {Settings::DEVICE_ROOT_DIR, "device"}};
     /// "YYYY-MM-DD HH:MM:SS" or seconds; empty for the real time.

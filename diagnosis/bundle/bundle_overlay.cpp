@@ -34,8 +34,8 @@ std::optional<Failure> Copy(const fs::path& source, const fs::path& target)
     return fs::is_regular_file(source, error) ? CopyDatabase(source.string(), target.string()) : Link(source, target);
 }
 
-// The library never writes into the log. The folder that holds it alone is linked, two folders above it: each folder
-// that is made and removed costs a hundredth of a small detection.
+// The library never writes into the log. Links the folder two levels above it, which has nothing else, instead of the
+// file: creating and removing a folder costs a hundredth of a small detection.
 std::optional<Failure> LayEventLog(const fs::path& data, const fs::path& overlay)
 {
     const fs::path log = data / EVENT_LOG;

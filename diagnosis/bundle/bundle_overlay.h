@@ -18,11 +18,12 @@ inline constexpr char MACHINE_DATA[] = "/var/lib/arborist";
 inline constexpr char EVENT_LOG[] = "Comms/Lumbra/workDir/0/log.db";
 inline constexpr char DERIVED_DATABASE[] = "Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db";
 
-/// Lays over a bundle's data, in `scratch`, what a run would write: the root of the event log and of the library's own
-/// databases, and the folder of the copies. `settings` then point there, and `names` tells what the paths stand for.
+/// Creates in `scratch` everything of a bundle's data that a run would write: the root of the event log and of the
+/// library's own databases, and the folder of the copies. Points `settings` there and adds the paths of the bundle to
+/// `names`.
 ///
-/// The event log is a link where reading it leaves no trace, and a copy otherwise; the library's databases are copies.
-/// `folder` is the bundle's, from which relative settings are meant.
+/// The event log is a link if reading it changes no file, otherwise a copy; the library's databases are copies.
+/// Relative settings are relative to `folder`, the bundle's.
 std::optional<Failure> LayOverlay(const std::string& folder, Scratch& scratch,
     std::map<std::string, std::string>& settings, PathNames& names);
 

@@ -13,13 +13,13 @@ namespace diagnosis {
 std::string RuleFilePath(const Bundle& bundle);
 std::string TreeFilePath(const Bundle& bundle);
 
-/// What the rule set of a bundle names, from the bundle's folder.
+/// The names in the rule set of a bundle; relative paths start at the bundle's folder.
 RuleSetSummary SummariseRuleSet(const Bundle& bundle);
 
-/// `path` as it is written when it lies inside a folder, relative and without ".."; nothing for any other.
+/// `path` in normal form if it stays inside a folder, that is relative and without ".."; nothing otherwise.
 std::optional<std::string> Inside(const std::string& path);
-/// The name of a rule's path in a bundle whose device root is `root`: an absolute path below that root, ".." resolved
-/// as text; a relative path itself.
+/// The name of a rule's path in a bundle whose device root is `root`: for an absolute path one below that root, with
+/// ".." resolved in the text; a relative path itself.
 std::string NameOnDevice(const std::string& root, const std::string& path);
 
 } // namespace diagnosis

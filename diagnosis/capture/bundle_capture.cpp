@@ -122,7 +122,7 @@ private:
         settings[Settings::PROGRAM_DATA_DIR] = InsideOr(OwnSetting(Settings::PROGRAM_DATA_DIR), "programdata");
         for (const auto& [key, folder] : {std::pair(Settings::APP_DATABASE_DIR, "databases"),
                  std::pair(Settings::APP_FILE_DIR, "appfiles")}) {
-            // An empty setting has a meaning of its own.
+            // Keep an empty setting: it has a meaning of its own.
             settings[key] = OwnSetting(key).empty() ? "" : InsideOr(OwnSetting(key), folder);
         }
         const std::string& root = OwnSetting(Settings::DEVICE_ROOT_DIR);
@@ -131,7 +131,8 @@ private:
 
     std::string InBundle(const std::string& path) const { return (fs::path(mSession.GetFolder()) / path).string(); }
 
-    // Where a path of a rule lies, and which folder its links don't leave; no folder for this machine.
+    // SourceOf is where the device has a rule's path; RootOf is the folder that its links must not leave, empty for
+    // this machine.
     std::string SourceOf(const std::string& path) const
     {
         return InBundle(PathOnDevice(OwnSetting(Settings::DEVICE_ROOT_DIR), path));
@@ -154,7 +155,7 @@ private:
         return std::nullopt;
     }
 
-    // Where a path of a rule is captured; nothing, with a warning, for one that would lie outside.
+    // The name of a rule's path in the capture; nothing, with a warning, for one that would be outside.
     std::optional<std::string> NameOf(const std::string& path)
     {
         const auto name = Inside(NameOnDevice(mCaptured.settings[Settings::DEVICE_ROOT_DIR], path));

@@ -26,7 +26,7 @@ struct CaptureReport {
     std::vector<Warning> warnings;
     std::uint64_t files = 0;
     std::uint64_t bytes = 0;
-    /// The files by their names in the capture, in the order in which they were taken.
+    /// The names of the captured files, in the order of copying.
     std::vector<std::string> names;
 };
 

@@ -21,7 +21,7 @@ namespace {
 constexpr std::uint64_t LONGEST_NODE_FILE = 0x2000000;
 constexpr int MOST_FOLDERS = 60;
 
-// The folder above `below` that `real` is, or one above that: a link to it would be walked without end.
+// True if `real` is the folder `below` or one above it: following a link to it would never end.
 bool LeadsUp(const std::string& real, const fs::path& below)
 {
     std::error_code error;
@@ -29,7 +29,7 @@ bool LeadsUp(const std::string& real, const fs::path& below)
     return here.compare(0, real.size() + 1, real + "/") == 0;
 }
 
-// What a link leads to, without links; empty where nothing is.
+// The real path of a link's target; empty if it doesn't exist.
 std::string Target(const fs::path& link, const std::string& root)
 {
     std::error_code error;
@@ -46,15 +46,15 @@ bool IsOneOf(const std::vector<std::string>& folders, const fs::path& folder)
     });
 }
 
-// What lies below a folder, and under which name it is taken.
+// A path below a folder, and its name in the capture.
 struct Found {
     fs::path source;
     std::string name;
     bool isFolder;
 };
 
-// Lists a folder before anything of it is taken: the capture may grow below that very folder. What it has grown so far,
-// one of the folders `own`, is left out.
+// Lists a folder completely before anything is copied, and leaves out the folders `own`: the capture may be written
+// below the folder itself.
 class FolderWalk {
 public:
     FolderWalk(const std::vector<std::string>& own, const std::string& root, std::uint64_t most)

@@ -11,8 +11,8 @@
 
 namespace diagnosis {
 
-/// Takes files of a device into a folder, within the limits that a bundle's zip must keep. Names are relative and
-/// without "..". Takes what links lead to.
+/// Copies files of a device into a folder, within the limits of a bundle's zip. Names are relative and without "..".
+/// Copies the targets of links.
 class CapturedFiles {
 public:
     /// Copies nothing from the folders `own`, which belong to the run and may be inside a captured folder.
@@ -23,11 +23,11 @@ public:
 
     /// Copies the file at `source`. Skips a missing file, and with a warning one that is no plain file.
     std::optional<Failure> AddFile(const std::string& source, const std::string& name);
-    /// The same for a node file, whose length need not be known before and is bounded: what the library refuses for
-    /// its length is cut where that is certain.
+    /// The same for a node file, whose length may not be known beforehand. Truncates a file as soon as it is longer
+    /// than the library accepts.
     std::optional<Failure> AddNodeFile(const std::string& source, const std::string& name);
-    /// Copies a folder with its content, or a plain file. Links in it are resolved as if `root`, the real path of a
-    /// folder above it, were the root directory; on this machine for the empty text.
+    /// Copies a folder with its content, or a plain file. Resolves links in it as if `root`, the real path of a folder
+    /// above it, were the root directory; an empty `root` means this machine.
     std::optional<Failure> AddFolder(const std::string& source, const std::string& name, const std::string& root = "");
     /// Adds a file to the limits that was written to Path(name) in another way.
     std::optional<Failure> Count(const std::string& name);
@@ -37,7 +37,7 @@ public:
     std::uint64_t Files() const { return mFiles; }
     std::uint64_t Bytes() const { return mBytes; }
     const std::vector<Warning>& GetWarnings() const { return mWarnings; }
-    /// All files that were taken, in that order.
+    /// The names of all copied files, in the order of copying.
     const std::vector<std::string>& GetNames() const { return mNames; }
 
 private:

@@ -12,12 +12,12 @@
 
 namespace diagnosis {
 
-/// A root cause with one cut set that it stands for.
+/// A root cause with its cut set.
 struct RecordedCause {
     std::string id;
     /// Path of each member, ids from the top down joined by "/".
     std::vector<std::string> cutSet;
-    /// How often the list of root causes repeats it: a branch that is written out twice gives it twice.
+    /// How often the list of root causes has it: a branch that the tree repeats gives it several times.
     std::size_t count;
 };
 
@@ -28,10 +28,10 @@ struct RecordedTree {
     std::vector<RecordedCause> causes;
 };
 
-/// Keeps what the command shows of a detection beside its results.
+/// Records what is shown of a detection in addition to its results.
 class DetectionRecorder : public DetectionObserver {
 public:
-    /// Events and root causes are kept only with `keepsEvents`: written-out trees can be large.
+    /// Keeps events and root causes only with `keepsEvents`, as trees can be large.
     explicit DetectionRecorder(bool keepsEvents) : mKeepsEvents(keepsEvents) {}
 
     void OnRuleSetRead(Evidence::RuleSet ruleSet) override;
@@ -41,11 +41,11 @@ public:
     void OnRootCause(Evidence::RootCause rootCause) override;
     void OnTrouble(Evidence::Trouble trouble) override { mWarnings.OnTrouble(trouble); }
 
-    /// As of the last attempt to read it.
+    /// The rule set after the last attempt to read it.
     const Evidence::RuleSet& GetRuleSet() const { return mRuleSet; }
-    /// In the order of the results.
+    /// The trees in the order of the results.
     const std::vector<RecordedTree>& GetTrees() const { return mTrees; }
-    /// What makes the result less than it looks.
+    /// The problems that make the result less reliable.
     DetectionWarnings& GetWarnings() { return mWarnings; }
 
 protected:
@@ -56,7 +56,7 @@ private:
     bool mKeepsEvents;
     Evidence::RuleSet mRuleSet;
     std::vector<RecordedTree> mTrees;
-    // Place among the causes of the last tree, by id and cut set.
+    // Index among the causes of the last tree, by id and cut set.
     std::map<std::pair<std::string, std::vector<std::string>>, std::size_t> mCausePlaces;
     DetectionWarnings mWarnings;
 };

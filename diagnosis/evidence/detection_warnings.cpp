@@ -19,7 +19,7 @@ std::string Quoted(std::string_view text)
     return "\"" + std::string(text) + "\"";
 }
 
-// Rows that can't be seen, in words.
+// The number of skipped rows in words.
 std::string OfRows(std::int64_t some, std::int64_t all)
 {
     return std::to_string(some) + " of " + std::to_string(all) + (all == 1 ? " row" : " rows");
@@ -61,7 +61,7 @@ void DetectionWarnings::OnTrouble(const Evidence::Trouble& trouble)
                 + " failed: " + trouble.words);
         break;
     case Kind::EVENT_LOG_UNREADABLE:
-        mEventLogTrouble = trouble.words; // each id of a range may say so
+        mEventLogTrouble = trouble.words; // each id of a range may report it
         break;
     case Kind::BAD_EXTRA:
         mHasBadExtra = true;
@@ -140,7 +140,7 @@ void DetectionWarnings::LookAfter(const BundleSession& session)
     TellAttributes(session);
 }
 
-// One line: rule sets for many kinds of devices name many files that one device lacks.
+// A single warning for all files: rule sets for many kinds of devices name many files that one device lacks.
 void DetectionWarnings::TellNodes()
 {
     static constexpr std::size_t LARGEST_NUMBER = 20;

@@ -12,16 +12,16 @@
 
 namespace diagnosis {
 
-/// Notes what makes a detection's result less than it looks, out of what the observer is told.
+/// Collects, from the calls to the observer, the problems that make a detection's result less reliable.
 class DetectionWarnings {
 public:
     void OnRuleSet(const Evidence::RuleSet& ruleSet);
     void OnEvent(const Evidence::Event& event);
     void OnTrouble(const Evidence::Trouble& trouble);
 
-    /// Before the detection: it may leave an empty log where there was none.
+    /// Call it before the detection, which may create an empty log if there was none.
     void LookBefore(const BundleSession& session);
-    /// After it: holds what was asked against the bundle.
+    /// Call it after the detection: compares what the rules read with the bundle.
     void LookAfter(const BundleSession& session);
 
     std::vector<Warning> Told() const { return mList.Told(); }
@@ -35,7 +35,7 @@ private:
 
     WarningList mList;
     std::set<std::string> mUnreadableNodes;
-    /// Derived tables for which the log was asked for events; two may share a name.
+    /// Derived tables whose events were read from the log; two may have the same name.
     std::multiset<std::string> mEventTables;
     std::string mEventLogTrouble;
     bool mHadLog = false;

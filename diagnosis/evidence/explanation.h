@@ -10,46 +10,46 @@
 
 namespace diagnosis {
 
-/// Why a detection came to its results: the evidence that the engine handed over while it ran, and the trees that it
-/// stands in. Outlives the engine.
+/// The explanation of a detection's results: the evidence that the engine passed to its observer, and the trees to
+/// which it belongs. Outlives the engine.
 
 using Reason = Evidence::Reason;
 
-/// One event where it stands in a tree.
+/// One place of an event in a tree.
 struct ExplainedEvent : Evidence::FoldedEvent {
     static constexpr std::size_t NONE = SIZE_MAX;
 
-    /// Place of the event above in ExplainedTree::events; NONE at the top.
+    /// Index of the event above in ExplainedTree::events; NONE for the top event.
     std::size_t parent = NONE;
-    /// First place behind all events below this one.
+    /// One past the index of the last event below this one.
     std::size_t end = 0;
-    /// Place in ExplainedTree::evidence; NONE for an event without rules.
+    /// Index into ExplainedTree::evidence; NONE for an event without rules.
     std::size_t evidence = NONE;
 };
 
-/// One entry of the list of root causes that the detection reports.
+/// One entry of the detection's list of root causes.
 struct ExplainedCause {
-    /// The id that the result names.
+    /// The id of the root cause in the result.
     std::string id;
-    /// Places of the cut set's members in ExplainedTree::events; NONE for a member that no path leads to.
+    /// Indexes of the cut set's members in ExplainedTree::events; NONE for a member whose path no event has.
     std::vector<std::size_t> members;
 };
 
 struct ExplainedTree {
     std::string id;
-    /// The tree's own; results have that of the tree file.
+    /// The version of the tree itself; results have that of the tree file.
     std::string version;
     bool isFault = false;
-    /// In pre-order: the first event below a gate stands right behind it.
+    /// In pre-order: the first event below another directly follows it.
     std::vector<ExplainedEvent> events;
-    /// How each event with rules was decided. Events with one id share it as long as nothing differs.
+    /// How each event with rules was decided. Events with the same id and equal evidence share one entry.
     std::vector<Evidence::Event> evidence;
-    /// In the order of deduction, repeated as in the result.
+    /// In the order of deduction, with the repetitions of the result.
     std::vector<ExplainedCause> causes;
 
-    /// Places of the events right below one, in order.
+    /// Indexes of the events directly below one, in order.
     std::vector<std::size_t> ChildrenOf(std::size_t event) const;
-    /// Places from the top event down to this one.
+    /// Indexes from the top event down to this one.
     std::vector<std::size_t> PathTo(std::size_t event) const;
     /// Ids from the top down to this event.
     std::vector<std::string> PathIds(std::size_t event) const;
@@ -61,11 +61,11 @@ struct Explanation {
     std::vector<ExplainedTree> trees;
 };
 
-/// Why an event has its status although no rule speaks for it: INTERACTION_EVENT and the like, NO_EVENT_RULE for a
-/// basic event that the event rules don't name; otherwise NONE.
+/// The reason for the status of an event that no rule decided: INTERACTION_EVENT and the like, or NO_EVENT_RULE for a
+/// basic event without an entry in the event rules; otherwise NONE.
 Reason ReasonOfEvent(const ExplainedTree& tree, const ExplainedEvent& event);
 
-/// A rule with where it stands in its event: its alternative, and its place within a "multipleRule".
+/// A rule with its place in the event: its alternative, and its position within a "multipleRule".
 struct PlacedRule {
     const Evidence::Rule& rule;
     std::size_t alternative;
@@ -73,7 +73,7 @@ struct PlacedRule {
     bool inGroup;
 };
 
-/// The rules of all alternatives, in the order in which they were asked. `event` must outlive them.
+/// The rules of all alternatives in the order in which they ran. `event` must outlive them.
 std::vector<PlacedRule> RulesOf(const Evidence::Event& event);
 
 } // namespace diagnosis

@@ -29,7 +29,7 @@ void ExplanationRecorder::OnTreeFolded(std::vector<Evidence::FoldedEvent> events
     if (KeepsEvents()) {
         DetectionRecorder::OnTreeFolded(events);
     }
-    std::vector<std::size_t> open; // places of the events above the one that is being added
+    std::vector<std::size_t> open; // indexes of the events above the one that is being added
     const auto closeTo = [this, &open](std::size_t depth) {
         for (; open.size() > depth; open.pop_back()) {
             mTree.events[open.back()].end = mTree.events.size();
@@ -68,7 +68,7 @@ void ExplanationRecorder::OnTreeFinished(Evidence::TreeResult result)
     mTree = ExplainedTree();
 }
 
-// Events are asked and folded in the same order, so the nth with an id is the same event both times.
+// Events are decided and folded in the same order, so that the nth event with an id is the same both times.
 std::size_t ExplanationRecorder::NextEvidence(const std::string& id)
 {
     const auto entry = mAsked.find(id);

@@ -15,15 +15,15 @@
 
 namespace diagnosis {
 
-/// Keeps the evidence that the engine hands over, and finds for each event of a tree its own. To be used for one
+/// Keeps the evidence that the engine passes to it, and assigns it to the events of the trees. Use an object for one
 /// detection.
 ///
-/// What a DetectionRecorder keeps is kept, too: every call is handed on to it.
+/// Also keeps everything that a DetectionRecorder keeps, to which it forwards every call.
 class ExplanationRecorder : public DetectionRecorder {
 public:
     explicit ExplanationRecorder(bool keepsEvents) : DetectionRecorder(keepsEvents) {}
 
-    /// The trees that are finished.
+    /// The explanation of all finished trees.
     const std::shared_ptr<Explanation>& GetExplanation() const { return mExplanation; }
 
     void OnTreeStarted(Evidence::TreeHead tree) override;
@@ -33,9 +33,9 @@ public:
     void OnTreeFinished(Evidence::TreeResult result) override;
 
 private:
-    /// What is known of all events with one id, in the order of the tree.
+    /// The evidence of all events with one id, in the order of the tree.
     struct Asked {
-        /// Place of the evidence of each event; a run of the same one is told once, with its length.
+        /// Index of the evidence of each event, run-length encoded.
         std::vector<std::pair<std::size_t, std::size_t>> runs;
         std::size_t run = 0;
         std::size_t taken = 0;
@@ -46,7 +46,7 @@ private:
     std::shared_ptr<Explanation> mExplanation = std::make_shared<Explanation>();
     ExplainedTree mTree;
     std::unordered_map<std::string, Asked> mAsked;
-    /// Of the tree that is being told; made when the first root cause asks.
+    /// Index of the current tree; built for its first root cause.
     std::optional<PathIndex> mPaths;
 };
 

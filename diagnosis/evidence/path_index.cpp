@@ -6,7 +6,7 @@ namespace diagnosis {
 
 PathIndex::PathIndex(const std::vector<ExplainedEvent>& events) : mEvents(events)
 {
-    // Written-out paths of a deep tree would grow with the square of its depth.
+    // Hashes instead of texts: the texts of all paths would grow with the square of the depth of the tree.
     std::vector<RunningHash> hashes;
     std::vector<bool> isInErrorToTheTop;
     hashes.reserve(events.size());

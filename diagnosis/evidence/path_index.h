@@ -11,15 +11,15 @@
 
 namespace diagnosis {
 
-/// Finds the events of a tree by their paths, ids from the top down joined by "/" as cut sets name their members.
-/// Whatever the ids hold, the work grows with the length of the texts alone.
+/// Finds the events of a tree by their paths: ids from the top down joined by "/", as cut sets name their members.
+/// Takes time proportional to the length of the texts, whatever the ids are.
 class PathIndex {
 public:
-    /// `events` in pre-order, which must outlive the index and stay as they are.
+    /// `events` must be in pre-order, must not change and must outlive the index.
     explicit PathIndex(const std::vector<ExplainedEvent>& events);
 
-    /// Of several places with that path the first that is in error with all above it, as members of cut sets in
-    /// evidence are; without such a one the first. NONE when no place has it.
+    /// The event with this path. Of several, the first that is in error together with all events above it, as members
+    /// of cut sets in evidence are; if there is none, the first. NONE if no event has the path.
     std::size_t Find(std::string_view path) const;
 
 private:

@@ -11,18 +11,18 @@
 
 namespace diagnosis {
 
-/// Warnings of one bundle, each told once, in the order in which they first came up.
+/// Warnings of one bundle, each listed once, in the order of their first occurrence.
 ///
-/// A rule set of a stranger can make any number of them: of one code only the first LARGEST_NUMBER are kept apart.
+/// Keeps only the first LARGEST_NUMBER different ones of each code, as a foreign rule set can cause any number.
 class WarningList {
 public:
     static constexpr std::size_t LARGEST_NUMBER = 100;
 
-    /// A repetition adds to the count of the first.
+    /// Adds a warning; a repetition only increments the count of the first.
     void Add(const std::string& code, const std::string& message);
     void Add(const std::vector<Warning>& warnings);
 
-    /// With " (3 times)" behind what came up more than once, and one line a code for those past the limit.
+    /// The warnings, with " (3 times)" behind repeated ones, and one line for each code with more than the limit.
     std::vector<Warning> Told() const;
 
 private:
@@ -36,7 +36,7 @@ private:
     std::map<std::string, std::size_t> mNumbers;
 };
 
-/// What --strict makes of a warning: RULE_SET where the rule set is at fault, else INPUT.
+/// The exit status of a warning under --strict: RULE_SET if the rule set is at fault, otherwise INPUT.
 ExitStatus StrictStatus(const Warning& warning);
 
 } // namespace diagnosis
