@@ -11,10 +11,10 @@ namespace {
 std::vector<const Check*> MakeList()
 {
     std::vector<const Check*> all;
-    for (const auto& group : {FileChecks(), WordChecks(), TreeChecks(), EventChecks(), CutSetChecks(),
-             BindingChecks(), AlternativeChecks(), FilterChecks(), TimeChecks(), ComparisonChecks(), AlarmChecks(),
-             AlarmTestChecks(), CommandChecks(), SqlChecks(), NodeChecks(), CommonPartChecks(), DescriptionChecks(),
-             CodeRuleChecks()}) {
+    for (const auto& group : {FileChecks(), WordChecks(), TreeChecks(), EventChecks(), CutSetChecks(), BindingChecks(),
+             AlternativeChecks(), FilterChecks(), DeviceFilterChecks(), TimeChecks(), ComparisonChecks(),
+             ConditionChecks(), ValueSetChecks(), AlarmChecks(), AlarmTestChecks(), CommandChecks(), SqlChecks(),
+             NodeChecks(), CommonPartChecks(), DescriptionChecks(), CodeRuleChecks()}) {
         for (const Check& check : group) {
             all.push_back(&check);
         }

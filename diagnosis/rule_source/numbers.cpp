@@ -25,14 +25,22 @@ WholeNumber ReadWholeNumber(std::string_view text)
     return read;
 }
 
-bool IsDecimalNumber(std::string_view text)
+bool ReadDecimalNumber(std::string_view text, double& number)
 {
     if (!text.empty() && text.front() == '+') {
         text.remove_prefix(1);
     }
+    double read = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), read);
+    const bool isRead = error == std::errc() && end == text.data() + text.size();
+    number = isRead ? read : number;
+    return isRead;
+}
+
+bool IsDecimalNumber(std::string_view text)
+{
     double number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return error == std::errc() && end == text.data() + text.size();
+    return ReadDecimalNumber(text, number);
 }
 
 } // namespace diagnosis::rule_source

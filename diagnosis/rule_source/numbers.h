@@ -20,8 +20,9 @@ struct WholeNumber {
 
 WholeNumber ReadWholeNumber(std::string_view text);
 
-/// Whether a text is nothing but a number, with or without fraction and exponent, in the form that every locale reads
-/// with a decimal point.
+/// Reads a text that is nothing but a number, with or without fraction and exponent, in the form that every locale reads
+/// with a decimal point. False for another one; `number` is then as it was.
+bool ReadDecimalNumber(std::string_view text, double& number);
 bool IsDecimalNumber(std::string_view text);
 
 } // namespace diagnosis::rule_source

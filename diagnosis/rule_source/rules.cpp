@@ -179,14 +179,15 @@ private:
 
     void TakeConditions()
     {
-        const auto take = [this](const Rule& rule, const ParamTable& params, const Condition& condition) {
+        const auto take = [this](const Rule& rule, const ParamTable& params, const Condition& condition,
+                              const AlarmItem* item = nullptr) {
             if (rule.isKept && condition.element) {
-                mRules.conditions.push_back({&rule, &params, &condition});
+                mRules.conditions.push_back({&rule, &params, &condition, item});
             }
         };
         for (const AlarmRule& rule : mRules.alarmRules) {
             for (const AlarmItem& item : rule.items) {
-                take(rule, item.params, item.condition);
+                take(rule, item.params, item.condition, &item);
             }
         }
         for (const CommandRule& rule : mRules.commandRules) {

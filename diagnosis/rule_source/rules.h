@@ -150,6 +150,11 @@ struct RuleCondition {
     const Rule* rule = nullptr;
     const ParamTable* params = nullptr;
     const Condition* condition = nullptr;
+    /// The item that it stands in; null in rules that are not alarm rules.
+    const AlarmItem* item = nullptr;
+
+    /// Whether its tests are asked at all.
+    bool IsAsked() const { return item == nullptr || item->HasTests(); }
 };
 
 /// The rules of one tag.

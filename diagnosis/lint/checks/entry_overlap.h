@@ -1,0 +1,38 @@
+#ifndef ARBORIST_DIAGNOSIS_LINT_CHECKS_ENTRY_OVERLAP_H
+#define ARBORIST_DIAGNOSIS_LINT_CHECKS_ENTRY_OVERLAP_H
+
+#include <cstddef>
+#include <set>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+namespace diagnosis::lint {
+
+/// Finds entries of filters that are a part of others. All filters of one kind of device text are added first.
+class EntryOverlap {
+public:
+    /// An entry, and another one that is a part of it; both empty where there is none.
+    using Pair = std::pair<std::string_view, std::string_view>;
+
+    /// The filter must outlive this object.
+    void Add(std::string_view filter);
+    /// The first entry of a filter of which another entry, of this filter or of any other, is a part. All parts of each
+    /// entry are looked up, so that after a number of them nothing is found any more.
+    const Pair& Find(std::string_view filter);
+
+private:
+    Pair Search(std::string_view filter);
+    std::string_view PartOf(std::string_view entry);
+
+    std::unordered_set<std::string_view> mFilters;
+    std::unordered_set<std::string_view> mEntries;
+    std::set<std::size_t> mLengths;
+    std::unordered_map<std::string_view, Pair> mFound;
+    std::size_t mLookups = 0;
+};
+
+} // namespace diagnosis::lint
+
+#endif
