@@ -53,6 +53,8 @@ public:
         Place();
     }
 
+    int TopEventHeight() const { return mMiddles.front(); }
+
     std::string Text() const
     {
         const int width = 2 * MARGIN + static_cast<int>(mDepth) * COLUMN + BOX_WIDTH + SYMBOL_SIZE;
@@ -196,9 +198,13 @@ bool IsTooLarge(const DrawnTree& tree)
 
 } // namespace
 
-std::string SvgTree(const DrawnTree& tree)
+SvgPicture SvgTree(const DrawnTree& tree)
 {
-    return tree.events.empty() || IsTooLarge(tree) ? "" : TreePicture(tree).Text();
+    if (tree.events.empty() || IsTooLarge(tree)) {
+        return {};
+    }
+    const TreePicture picture(tree);
+    return {picture.Text(), picture.TopEventHeight()};
 }
 
 } // namespace diagnosis

@@ -1,12 +1,16 @@
 #include "diagnosis/report/report_causes.h"
 
+#include <optional>
 #include <unordered_set>
+
+#include <json/writer.h>
 
 #include "diagnosis/analysis/distinct_causes.h"
 #include "diagnosis/analysis/gate_logic.h"
 #include "diagnosis/drawing/event_label.h"
 #include "diagnosis/report/html.h"
 #include "diagnosis/results/rule_text.h"
+#include "diagnosis/text/json_text.h"
 
 namespace diagnosis {
 
@@ -33,12 +37,57 @@ std::string Ids(const std::vector<std::string>& ids)
     return markup;
 }
 
+std::optional<Json::Value> ObjectIn(const std::string& text)
+{
+    std::string problem;
+    auto value = ParseJson(text, problem);
+    return value && value->isObject() ? value : std::nullopt;
+}
+
+std::string JsonText(const Json::Value& value)
+{
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "";
+    builder["emitUTF8"] = true;
+    return value.isString() ? value.asString() : Json::writeString(builder, value);
+}
+
+// One row for each member. A member whose text is an object itself, as the extra of a repair has them by custom, has a
+// row for each of that object's members.
+std::string ExtraRows(const Json::Value& object)
+{
+    std::string rows;
+    for (const std::string& name : object.getMemberNames()) {
+        const std::string head = Html("th", name);
+        const std::string text = JsonText(object[name]);
+        const auto inner = ObjectIn(text);
+        if (!inner || inner->empty()) {
+            rows += "<tr>" + head + "<td colspan=\"2\"><code>" + Markup(text) + "</code></td></tr>";
+            continue;
+        }
+        for (const std::string& member : inner->getMemberNames()) {
+            rows += "<tr>" + head + Html("th", member) + "<td>" + Html("code", JsonText((*inner)[member])) + "</td></tr>";
+        }
+    }
+    return rows;
+}
+
+// A table where the text is a JSON object; otherwise the text.
+std::string ExtraMarkup(const std::string& extra)
+{
+    const auto object = ObjectIn(extra);
+    if (object && !object->empty()) {
+        return "<table class=\"extra\">" + ExtraRows(*object) + "</table>";
+    }
+    return (extra.empty() ? "" : ", extra " + Html("code", extra)) + "<br>";
+}
+
 std::string RepairMarkup(const FaultTreeResult::RepairInfo& repair)
 {
     const std::string operation = repair.GetOperation();
     std::string markup = Html("span", ShownId(repair.mId), "id");
     markup += operation.empty() ? "" : ", operation " + Html("code", operation);
-    return markup + (repair.mExtra.empty() ? "" : ", extra " + Html("code", repair.mExtra)) + "<br>";
+    return markup + ExtraMarkup(repair.mExtra);
 }
 
 std::string RuleHead(const Evidence::Rule& rule)

@@ -124,17 +124,24 @@ std::string EventList(const DrawnTree& tree, const ExplainedTree& explained)
         + " left out here; \"arborist detect --tree\" shows them all.");
 }
 
+// A part of the page that scrolls by itself. It opens at the mark, which is beside the top event.
+std::string Picture(const SvgPicture& picture)
+{
+    if (picture.svg.empty()) {
+        return Paragraph("Too large for a picture; \"arborist graph --format svg\" draws it.");
+    }
+    return "<div class=\"scroll\" tabindex=\"0\" role=\"group\" aria-label=\"Picture of the tree\">\n"
+        "<span class=\"start\" style=\"top: " + std::to_string(picture.topEventHeight) + "px\"></span>\n"
+        + picture.svg + "</div>\n";
+}
+
 std::string TreeSection(
     const DrawnTree& tree, const ExplainedTree& explained, const FaultTreeResult& result, std::size_t number)
 {
     std::string text = "<section id=\"tree-" + std::to_string(number) + "\">\n<h2>"
         + Html("span", ShownId(result.mTreeId), "id") + " " + Badge(explained) + "</h2>\n" + Paragraph(TopName(tree))
         + Html("p", "Version " + ShownId(result.mVersion), "quiet") + CauseCards(explained, result);
-    const std::string picture = SvgTree(tree);
-    text += "<h3>The tree</h3>\n";
-    text += picture.empty() ? Paragraph("Too large for a picture; \"arborist graph --format svg\" draws it.")
-                            : "<div class=\"scroll\" tabindex=\"0\" role=\"group\" aria-label=\"Picture of the tree\">\n"
-            + picture + "</div>\n";
+    text += "<h3>The tree</h3>\n" + Picture(SvgTree(tree));
     return text + (result.mIsFault ? "<details open>" : "<details>")
         + Html("summary", "All events of the tree and their rules") + "\n" + EventList(tree, explained)
         + "</details>\n</section>\n";

@@ -23,6 +23,13 @@ def chromium(folder, page, *options):
         return subprocess.run(command, check=True, capture_output=True, timeout=240).stdout
 
 
+def text_on_paper(folder, page):
+    """The text of the page as it is printed."""
+    pdf = folder / "report.pdf"
+    chromium(folder, page, f"--print-to-pdf={pdf}")
+    return subprocess.run(["pdftotext", pdf, "-"], check=True, capture_output=True, text=True).stdout
+
+
 def colours_of(png):
     """Number of different pixels of an 8 bit RGB or RGBA image."""
     assert png[:8] == b"\x89PNG\r\n\x1a\n", "no PNG"
@@ -87,6 +94,9 @@ def main():
         picture = folder / "report.png"
         chromium(folder, page, f"--screenshot={picture}", "--window-size=800,600")
         assert colours_of(picture.read_bytes()) > 10, "the picture is blank"
+        printed = text_on_paper(folder, page)
+        # The list of the tree without a fault, the last one, is folded on the screen.
+        assert "RECEIVE_ERRORS" in printed.split("All events of the tree")[-1], "a folded list is not printed"
     print("the report shows its root causes")
     return 0
 

@@ -78,7 +78,8 @@ TEST_F(ReportCommandTest, ARootCauseHasACardWithAllItsIds)
                                 "<dt>Description</dt><dd><span class=\"id\">D1</span></dd>\n"
                                 "<dt>Suggestions</dt><dd><span class=\"id\">S1</span>, <span class=\"id\">S2</span>"
                                 "</dd>\n<dt>Repairs</dt><dd><span class=\"id\">R1</span>, operation <code>clean"
-                                "</code>, extra "));
+                                "</code><table class=\"extra\"><tr><th>R1</th><th>operation</th><td><code>clean</code>"
+                                "</td></tr></table>"));
     EXPECT_THAT(page, HasSubstr("<dt>Way to the top</dt><dd><ul class=\"way\"><li><b class=\"id\">HOT</b>"
                                 " <span class=\"arrow\">&rarr;</span> <span class=\"id\">T</span></li></ul></dd>\n"));
 }
