@@ -39,6 +39,7 @@ public:
     void StartRunRules(const std::shared_ptr<FaultTree>& faultTree);
 
     void FetchEvent(const std::shared_ptr<Event>& event);
+    /// Copies of the store's list and map; kept for the tests, which look at the events of a run by them.
     RuleEngineHelper::EventList GetAllEventList() const;
     RuleEngineHelper::EventMap GetEventMap() const;
     /// Null when the engine was made without a DetectInfo.

@@ -75,7 +75,7 @@ public:
 
     /// Null if no rule has this name.
     const std::shared_ptr<Rule>& GetRuleByRuleName(const std::string& ruleName) const;
-    /// Null if the event rules have no entry for this event.
+    /// Null if the event rules have no entry for this event. Kept for the tests; the driver walks GetEventRuleMap.
     const std::shared_ptr<EventRule>& GetEventRuleByEventId(const std::string& eventId) const;
     /// Name of the first code rule with this detect code that the rule map still holds; empty if there is none.
     std::string GetCodeRuleNameById(const std::string& detectCode) const;

@@ -70,6 +70,7 @@ public:
     void SetCommonPartParamId(const std::string& text) { commonPartParamId = text; }
     const LogicItemList& GetLogicItemList() const { return logicItemList; }
     void SetLogicItemList(LogicItemList items) { logicItemList = std::move(items); }
+    /// Kept for the tests, which build conditions by it.
     void InsertLogicItemList(const LogicItemList& items);
 
     /// True if every non-null item holds, also without any item.

@@ -68,7 +68,7 @@ public:
     std::shared_ptr<Event> FillEventInfo(std::string value, const std::string& id, std::string name,
                                          std::string userDefined, std::string detectMode);
 
-    /// "mID=...,mName=...,mValue=...,mObservable=true,result=FALSE".
+    /// "mID=...,mName=...,mValue=...,mObservable=true,result=FALSE". Kept for debugging.
     std::string ToString() const;
 
 protected:
@@ -125,7 +125,7 @@ public:
     void SetGate(std::shared_ptr<Gate> gate);
 
     /// Returns a copy of the first basic event below with this id, depth first; nothing for the empty id.
-    /// Throws std::bad_weak_ptr if this event is not under shared ownership.
+    /// Throws std::bad_weak_ptr if this event is not under shared ownership. Kept for the tests.
     std::optional<BasicEvent> FindBasicEventById(const std::string& id);
 
 private:

@@ -197,7 +197,8 @@ public:
     void SetLogicExpression(const LogicExpression& expression);
     const ParamMap& GetParamMap() const { return paramMap; }
     void SetParamMap(ParamMap params) { paramMap = std::move(params); }
-    /// Adds the entries whose id is new; an id that is already present keeps its first entry.
+    /// Adds the entries whose id is new; an id that is already present keeps its first entry. This and the Insert
+    /// functions below are kept for the tests, which build rules by them.
     void InsertParamMap(const ParamMap& params);
     const NodeInfoList& GetNodeInfoList() const { return nodeInfoList; }
     void SetNodeInfoList(NodeInfoList nodes) { nodeInfoList = std::move(nodes); }

@@ -10,6 +10,9 @@
 ///
 /// No function throws: if the operating system refuses, it returns false or an empty value; a function that says "logs
 /// failures" also logs a line with the path at LEVEL_ERROR. Paths are narrow strings; returned ones use "/".
+///
+/// Nothing in the library calls FileExistsA, RemoveFolderBeginWith, ChangeMode and its kin, Umask, the LoadBuffer
+/// functions, SaveStringToFile or SetThreadDescription: they complete the set, and only their tests call them.
 namespace FileUtil {
 
 /// True if a file or directory exists at `path`; follows links. A missing path is false without a log line; if the

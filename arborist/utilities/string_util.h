@@ -12,6 +12,8 @@
 /// with a number, or a number out of range, is a failure and logs one line at LEVEL_ERROR. `endPosition`, if given,
 /// receives the number of characters used; on failure it is unchanged. `base` is that of strtol: 16 accepts the prefix
 /// 0x, and an invalid base is a failure.
+///
+/// Nothing in the library calls StoiS or StringToInt16Def: they complete the set, and only their tests call them.
 namespace StringUtil {
 
 /// True if `text` starts with a number of 32 bits, which is stored in `value`; otherwise `value` is unchanged.

@@ -6,6 +6,9 @@
 
 /// Reads the clock and converts timestamps to text and back. Stateless; no function throws. Local time is that of the
 /// process; call tzset after changing TZ while it runs.
+///
+/// Nothing in the library calls GenerateTimestamp, GetMillSecOfSec, GetNanoTime or Sleep: they complete the set, and
+/// only their tests call them.
 namespace TimeUtil {
 
 /// Whole seconds since the epoch; Settings::CURRENT_TIME instead if that is a decimal number.

@@ -6,6 +6,8 @@
 #include <string>
 
 /// Reads and writes zip archives. Stateless; no function throws. Use a handle in one thread at a time.
+///
+/// The library itself writes no archive: CreateZipFile, AddFileInZip and CloseZipFile are kept for the tests.
 namespace ZipUtil {
 
 /// An archive that is being written; null if there is none.

@@ -12,6 +12,9 @@
 ///
 /// An unreadable log leaves the times unchanged and is no error. Times are seconds since the epoch, 0 until one is
 /// found. Not thread-safe.
+///
+/// No log reaches its readers by itself (see ParseLogService): they are kept for devices that have such logs, and only
+/// their tests call them.
 class ResetTimeParser {
 public:
     static constexpr std::string_view SEPARATOR = "\"";

@@ -9,6 +9,8 @@
 namespace FT::sql {
 
 /// Operations on tables that the stores share. Stateless: create one where it is needed.
+///
+/// The stores call CreateTable, AddRecord, UpdateRecord and GetRecordCountByFullSql; the rest is kept for the tests.
 class SimpleDatabaseHelper {
 public:
     bool CreateTable(SqlTable& table) const;

@@ -15,6 +15,9 @@ namespace FT::sql {
 /// field made from FieldUseEnd. Every operation that runs a statement, Exists included, drops the rows of the previous
 /// one and so invalidates pointers to its records and values. Texts are put into the statements without escaping, names
 /// without quotes.
+///
+/// The stores leave Remove, Truncate, Open, DeleteRecords, GetRecordByKeyId and GetTotalRecordCount alone: they are
+/// kept for the tests.
 class SqlTable {
 public:
     SqlTable(const Sqlite3Db& database, std::string tableName, SqlField* fields, std::size_t count);

@@ -12,7 +12,8 @@ std::string IntegerToStr(long long value);
 /// A copy with every single quote doubled; adds no quotes around it and changes no other character.
 std::string QuoteStr(const std::string& text);
 
-/// Remove white space at the left, at the right, at both ends, in place.
+/// Remove white space at the left, at the right, at both ends, in place. The layer itself calls TrimLeft only; the
+/// others, and IntToStr, are kept for the tests.
 void TrimLeft(std::string& text);
 void TrimRight(std::string& text);
 void Trim(std::string& text);
