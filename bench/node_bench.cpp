@@ -1,4 +1,4 @@
-// Node rules against only reading their files.
+// Node rules against the bare reading of their files.
 
 #include <fcntl.h>
 #include <filesystem>

@@ -5,6 +5,7 @@
 #include "diagnosis/lint/base/placement.h"
 #include "diagnosis/lint/base/report.h"
 #include "diagnosis/lint/registry.h"
+#include "diagnosis/lint/sql/prepared_queries.h"
 #include "diagnosis/lint/suppressions.h"
 
 namespace diagnosis::lint {
@@ -39,7 +40,8 @@ std::vector<const Check*> WantedChecks(const LintOptions& options)
 void RunChecks(const RuleSetFiles& files, const std::string& tag, const LintOptions& options, Report& report)
 {
     const RuleSet rules(files, tag);
-    const Subject subject{rules, options.devices.empty() ? nullptr : &options.devices, options.counts};
+    PreparedQueries queries(rules);
+    const Subject subject{rules, queries, options.devices.empty() ? nullptr : &options.devices, options.counts};
     for (const Check* check : WantedChecks(options)) {
         report.Begin(*check);
         check->run(subject, report);
@@ -96,7 +98,7 @@ LintReport LintFiles(const RuleSetFiles& files, const LintOptions& options)
         RunChecks(files, tag, options, report);
     }
     DropSuppressed(files, options, report);
-    return {PlaceFindings(std::move(report.Findings())), IsReadable(files.trees) && IsReadable(files.rules)};
+    return {PlaceFindings(report.Findings()), IsReadable(files.trees) && IsReadable(files.rules)};
 }
 
 } // namespace diagnosis::lint

@@ -14,7 +14,7 @@ std::vector<const Check*> MakeList()
     for (const auto& group : {FileChecks(), WordChecks(), TreeChecks(), EventChecks(), CutSetChecks(), BindingChecks(),
              AlternativeChecks(), FilterChecks(), DeviceFilterChecks(), TimeChecks(), ComparisonChecks(),
              ConditionChecks(), ValueSetChecks(), AlarmChecks(), AlarmTestChecks(), CommandChecks(), SqlChecks(),
-             NodeChecks(), CommonPartChecks(), DescriptionChecks(), CodeRuleChecks()}) {
+             QueryChecks(), NodeChecks(), CommonPartChecks(), DescriptionChecks(), CodeRuleChecks()}) {
         for (const Check& check : group) {
             all.push_back(&check);
         }

@@ -60,6 +60,22 @@ void Statement::Reset()
     sqlite3_reset(mStatement.get());
 }
 
+bool Statement::IsReadOnly() const
+{
+    return sqlite3_stmt_readonly(mStatement.get()) != 0;
+}
+
+int Statement::ColumnCount() const
+{
+    return sqlite3_column_count(mStatement.get());
+}
+
+std::string Statement::ColumnName(int column) const
+{
+    const char* const name = sqlite3_column_name(mStatement.get(), column);
+    return name == nullptr ? "" : name;
+}
+
 bool Statement::IsNull(int column) const
 {
     return sqlite3_column_type(mStatement.get(), column) == SQLITE_NULL;

@@ -22,6 +22,12 @@ public:
     /// Prepares the statement to run again.
     void Reset();
 
+    /// Whether running it changes no database.
+    bool IsReadOnly() const;
+    /// How many columns its rows have; 0 for a statement that gives none.
+    int ColumnCount() const;
+    std::string ColumnName(int column) const;
+
     bool IsNull(int column) const;
     bool IsInteger(int column) const;
     std::int64_t Integer(int column) const;

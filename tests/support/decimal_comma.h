@@ -3,8 +3,8 @@
 
 #include <string>
 
-/// Sets a locale with a decimal comma as long as the object exists. Generates the locale, so that none need be
-/// installed. One at a time.
+/// A locale of the process whose numbers have a comma, made for as long as the object lives: none need be installed.
+/// One at a time.
 class DecimalComma {
 public:
     DecimalComma();
@@ -12,7 +12,7 @@ public:
     DecimalComma(const DecimalComma&) = delete;
     DecimalComma& operator=(const DecimalComma&) = delete;
 
-    /// False if the system has no program that generates locales.
+    /// False where the system has no program that makes a locale.
     bool IsSet() const { return mIsSet; }
 
 private:

@@ -57,7 +57,7 @@ void Append(const Evidence::Statement& statement, Lines& lines)
     Append(statement.comparisons, lines);
 }
 
-// Appends the part of each family.
+// What each family looked at.
 struct AppendPart {
     void operator()(const std::monostate&) const {}
 

@@ -5,7 +5,7 @@
 
 #include "tests/support/time_zone.h"
 
-// Sets the local time that CTest sets, for a test program that is run by hand.
+// A program of tests that is run by hand has the local time that CTest would give it.
 int main(int argc, char** argv)
 {
     constexpr int KEEP_WHAT_IS_SET = 0;

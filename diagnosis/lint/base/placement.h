@@ -14,7 +14,7 @@ namespace diagnosis::lint {
 std::string ElementPath(rule_source::Element element);
 
 /// Looks up where each reported thing stands in its file, and puts them in order; things reported twice stay once.
-std::vector<Finding> PlaceFindings(std::vector<Reported> reported);
+std::vector<Finding> PlaceFindings(const std::vector<Reported>& reported);
 
 } // namespace diagnosis::lint
 

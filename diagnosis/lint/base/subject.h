@@ -20,9 +20,13 @@ struct DeviceProfile {
 /// How many rows of each event a log holds, for checks of class HOST.
 class EventCounts;
 
+/// What SQLite says of the queries of command rules, for checks of class SQL.
+class PreparedQueries;
+
 /// What a check looks at: a rule set as the engine reads it for one tag, and what else was given.
 struct Subject {
     const rule_source::RuleSet& rules;
+    PreparedQueries& queries;
     /// Null where none were given.
     const std::vector<DeviceProfile>* devices = nullptr;
     const EventCounts* counts = nullptr;

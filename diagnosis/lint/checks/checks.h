@@ -25,6 +25,7 @@ std::span<const Check> AlarmChecks();
 std::span<const Check> AlarmTestChecks();
 std::span<const Check> CommandChecks();
 std::span<const Check> SqlChecks();
+std::span<const Check> QueryChecks();
 std::span<const Check> NodeChecks();
 std::span<const Check> CommonPartChecks();
 std::span<const Check> DescriptionChecks();
