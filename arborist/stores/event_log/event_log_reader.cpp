@@ -16,10 +16,11 @@ namespace {
 using FT::sql::ScannedRow;
 using FT::sql::SqlCursor;
 
-// The join of EventQuery, forced to visit the tables in the order in which that query does.
+// The join of EventQuery, forced to visit the tables in the order in which that query does. Keeps the rows that the query
+// drops because they have no partners.
 constexpr char FROM_TABLES[] =
-    " from event_info cross join event_info_flow on event_info._ID=event_info_flow._ID"
-    " cross join event_version on event_info.version_id=event_version._ID";
+    " from event_info left join event_info_flow on event_info._ID=event_info_flow._ID"
+    " left join event_version on event_info.version_id=event_version._ID";
 constexpr std::size_t MOST_ROWS = std::numeric_limits<std::uint32_t>::max();
 constexpr std::int64_t FLAT_VERSIONS = 65536;
 // Least number of bytes of an event in the file.
@@ -84,6 +85,9 @@ std::shared_ptr<const EventLogSnapshot> EventLogReader::Read()
         Clear();
         mOrigin.isInTableOrder ? ReadRowByRow() : ReadIds();
     }
+    if (!isRead || (HasDoubts() && !IsFileSound())) {
+        DoubtRows();
+    }
     mNumberOfId = IdDictionary();
     mOrigin.dataVersion = ReadDataVersion(mDb);
     return std::make_shared<EventLogSnapshot>(std::move(mIds), std::move(mNeedsQuery), std::move(mIdOfRow),
@@ -100,6 +104,8 @@ void EventLogReader::Clear()
     mVersionNumbers = {{"", EventLogSnapshot::UNNAMED_VERSION}};
     mVersions.clear();
     mOtherVersions.clear();
+    mIsInOrder = true;
+    mLastRowId = std::numeric_limits<std::int64_t>::min();
 }
 
 // Also false for damage that no query would meet, as only running the queries could show that.
@@ -127,7 +133,7 @@ bool EventLogReader::ReadInOnePass()
     return FT::sql::ScanRows(mDb, columns, FROM_TABLES, [this](const ScannedRow& row) {
         // Get types first: reading a text as a number may change its type.
         const bool isWhole = row.IsInteger(0) && row.IsInteger(1) && row.IsInteger(2) && row.IsInteger(3);
-        const bool isFound = isWhole || !(row.IsNull(0) || row.IsNull(1));
+        const bool isFound = isWhole || !(row.IsNull(0) || row.IsNull(1) || row.IsNull(2));
         TakeRow({isFound, isWhole, row.GetInteger(0), row.GetInteger(1), row.GetInteger(2), row.GetInteger(3)});
     }, error);
 }
@@ -158,18 +164,38 @@ void EventLogReader::ReadRowByRow()
             continue;
         }
         partners.Restart(rowId);
+        bool isThere = false;
         while (partners.Step()) {
+            isThere = true;
             const bool isWhole = type == Type::INTEGER && partners.GetType(1) == Type::INTEGER &&
                 partners.GetType(2) == Type::INTEGER;
-            const bool isFound = partners.GetType(1) != Type::NONE;
+            const bool isFound = partners.GetType(1) != Type::NONE && partners.GetType(2) != Type::NONE;
             TakeVersion(partners.GetInteger(2), isWhole, std::string(partners.GetText(3)));
             TakeRow({isFound, isWhole, id, partners.GetInteger(1), partners.GetInteger(2), rowId});
         }
-        if (!partners.IsOk()) {
+        if (!isThere || !partners.IsOk()) {
             mNeedsQuery[NumberOfId(static_cast<std::int32_t>(id))] = true;
         }
     }
     mOrigin.breakError = events.GetError();
+}
+
+// Whether the pass met something that an undamaged log as the service leaves it doesn't have.
+bool EventLogReader::HasDoubts() const
+{
+    return !mDropped.empty() || !mIsInOrder;
+}
+
+// In a damaged page SQLite may miss a row without an error, and find it when it reaches the page another way.
+void EventLogReader::DoubtRows()
+{
+    if (!mIsInOrder) {
+        Clear();
+        ReadIds();
+    }
+    for (const std::int32_t id : mDropped) {
+        mNeedsQuery[NumberOfId(id)] = true;
+    }
 }
 
 // Reads from both ends of the index, if there is one, and of the table, so that one unreadable page hides no id from
@@ -230,8 +256,13 @@ std::uint32_t EventLogReader::NumberOfId(std::int32_t id)
 
 void EventLogReader::TakeRow(const Row& row)
 {
-    // No query finds a row without an id or a time, and no rule can name an id beyond 32 bits.
+    mIsInOrder = mIsInOrder && mLastRowId < row.rowId;
+    mLastRowId = row.rowId;
+    // No query finds a row without an id, a time or partners, and no rule can name an id beyond 32 bits.
     if (!row.isFound || !Fits<std::int32_t>(row.id)) {
+        if (Fits<std::int32_t>(row.id)) {
+            mDropped.insert(static_cast<std::int32_t>(row.id));
+        }
         return;
     }
     const std::uint32_t id = NumberOfId(static_cast<std::int32_t>(row.id));

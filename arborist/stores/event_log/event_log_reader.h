@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -15,8 +16,8 @@
 ///
 /// Reads an undamaged log in one pass, which touches everything that the query for any id touches, so that no such
 /// query can fail. If the pass fails, reads each row by itself, and leaves an id with an unreadable row to its own
-/// query. If SQLite doesn't run that query as a scan of event_info, checks the whole file first; if it is damaged,
-/// leaves every id to its own query.
+/// query. The same goes for an id with a row that lacks its partners, if the file is damaged. If SQLite doesn't run
+/// that query as a scan of event_info, checks the whole file first; if it is damaged, leaves every id to its own query.
 class EventLogReader {
 public:
     explicit EventLogReader(const FT::sql::Sqlite3Db& database);
@@ -40,6 +41,8 @@ private:
     void ReadIds();
     bool ReadVersions();
     bool IsFileSound() const;
+    bool HasDoubts() const;
+    void DoubtRows();
     void Clear();
     void TakeVersion(std::int64_t rowNumber, bool isNumber, const std::string& name);
     Version& VersionOf(std::int64_t rowNumber);
@@ -54,6 +57,9 @@ private:
     std::vector<std::uint32_t> mIdOfRow;
     EventLogSnapshot::Columns mColumns;
     EventLogSnapshot::VersionNumbers mVersionNumbers;
+    std::set<std::int32_t> mDropped; // ids of rows without partners
+    bool mIsInOrder = true; // of their row ids
+    std::int64_t mLastRowId = 0;
     std::vector<Version> mVersions; // by row number
     std::map<std::int64_t, Version> mOtherVersions; // no hash table, as a log could choose numbers that collide
 };
