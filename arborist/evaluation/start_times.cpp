@@ -124,5 +124,11 @@ std::int64_t StartTimes::GetRepairTimeFromDb(const std::string& repairId) const
     }
     const StatementTrouble kind(Evidence::Trouble::Kind::REPAIRS_UNREADABLE);
     const std::string date = mRepairDates->Query(repairId);
-    return date.empty() ? 0 : TimeUtil::StrToTimeStamp(date, "%Y-%m-%d %H:%M:%S");
+    const std::int64_t time = date.empty() ? 0 : TimeUtil::StrToTimeStamp(date, "%Y-%m-%d %H:%M:%S");
+    if (time > TimeUtil::GetLastMoment()) {
+        // The store keeps the latest date alone: when the repair was carried out before is not known any more.
+        TroubleWatch::Tell(Evidence::Trouble::Kind::REPAIR_HISTORY_LOST, date, repairId);
+        return 0;
+    }
+    return time;
 }

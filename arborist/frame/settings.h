@@ -23,6 +23,10 @@ inline constexpr char DEVICE_ROOT_DIR[] = "DeviceRootDir";
 /// If set to a decimal number, the library uses it as the current time, in seconds since the epoch, so that a recorded
 /// device is diagnosed as of its recording.
 inline constexpr char CURRENT_TIME[] = "CurrentTime";
+/// When set to a decimal number: the moment, in seconds since the epoch, after which nothing counts, so that a device is
+/// diagnosed as it was then. Later rows of the event log are not seen, and repairs recorded later count as not recorded.
+/// Set CURRENT_TIME as well.
+inline constexpr char AS_OF[] = "AsOf";
 
 /// If not empty, the databases that a detection writes are not needed after it, as in a folder that is then removed: no
 /// write waits for the disk. A crash of the machine may then leave broken databases. Repairs are still written safely.
@@ -30,7 +34,7 @@ inline constexpr char TEMPORARY_STORES[] = "TemporaryStores";
 
 /// The keys of all settings. Code that sets some temporarily empties all of these at the end.
 inline constexpr const char* ALL[] = {
-    APP_DATABASE_DIR, APP_FILE_DIR, VERSION_NAME, PROGRAM_DATA_DIR, DEVICE_ROOT_DIR, CURRENT_TIME, TEMPORARY_STORES};
+    APP_DATABASE_DIR, APP_FILE_DIR, VERSION_NAME, PROGRAM_DATA_DIR, DEVICE_ROOT_DIR, CURRENT_TIME, AS_OF, TEMPORARY_STORES};
 
 } // namespace Settings
 

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <ctime>
 #include <iomanip>
+#include <limits>
 #include <optional>
 #include <sstream>
 #include <thread>
@@ -17,10 +18,10 @@ namespace {
 
 constexpr std::size_t TIMESTAMP_DIGITS = 14;
 
-// The time that the settings define as now, if any.
-std::optional<std::int64_t> FixedTime()
+// The moment in a setting, if any.
+std::optional<std::int64_t> SetTime(const char* setting)
 {
-    const std::string text = FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(Settings::CURRENT_TIME, "");
+    const std::string text = FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(setting, "");
     std::int64_t seconds = 0;
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, seconds);
@@ -49,10 +50,15 @@ std::uint64_t TimeUtil::GenerateTimestamp()
 
 std::int64_t TimeUtil::GetTimeOfDay()
 {
-    if (const std::optional<std::int64_t> fixed = FixedTime()) {
+    if (const std::optional<std::int64_t> fixed = SetTime(Settings::CURRENT_TIME)) {
         return *fixed;
     }
     return std::chrono::duration_cast<std::chrono::seconds>(SinceEpoch()).count();
+}
+
+std::int64_t TimeUtil::GetLastMoment()
+{
+    return SetTime(Settings::AS_OF).value_or(std::numeric_limits<std::int64_t>::max());
 }
 
 std::int32_t TimeUtil::GetMillSecOfSec()

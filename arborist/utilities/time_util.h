@@ -15,6 +15,8 @@ namespace TimeUtil {
 std::uint64_t GenerateTimestamp();
 /// As GenerateTimestamp, signed; 0 if the clock can't be read.
 std::int64_t GetTimeOfDay();
+/// The last second that counts: Settings::AS_OF if that is a decimal number, otherwise the greatest number.
+std::int64_t GetLastMoment();
 /// The milliseconds within the current second, 0 to 999.
 std::int32_t GetMillSecOfSec();
 /// A monotonic counter in nanoseconds, for measuring intervals.

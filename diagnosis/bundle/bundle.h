@@ -33,6 +33,8 @@ struct Bundle {
         {Settings::PROGRAM_DATA_DIR, "programdata"}, {Settings::DEVICE_ROOT_DIR, "device"}};
     /// "YYYY-MM-DD HH:MM:SS" or seconds; empty for the real time.
     std::string now;
+    /// The same for the moment after which nothing counts; empty for no such moment. Not a key of bundle.json.
+    std::string asOf;
     /// Empty for the zone of this machine.
     std::string tz;
     /// Recorded answers of code rules by the rule's user-defined text.

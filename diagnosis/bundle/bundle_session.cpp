@@ -92,7 +92,8 @@ std::optional<Failure> BundleSession::EnterFolder(const BundlePath& path, const 
     if (auto failure = ReadBundleFile(path, mBundle, mWarnings)) {
         return failure;
     }
-    mBundle.now = overrides.now.empty() ? mBundle.now : overrides.now;
+    mBundle.asOf = overrides.asOf;
+    mBundle.now = !overrides.asOf.empty() ? overrides.asOf : overrides.now.empty() ? mBundle.now : overrides.now;
     mBundle.tz = overrides.tz.empty() ? mBundle.tz : overrides.tz;
     mBundle.ruleFileDir = overrides.rules.empty() ? mBundle.ruleFileDir : overrides.rules;
     mZone.emplace(mBundle.tz);
@@ -154,6 +155,7 @@ void BundleSession::SetSettings()
 {
     auto settings = mSettings;
     settings[Settings::CURRENT_TIME] = mMoment ? std::to_string(*mMoment) : "";
+    settings[Settings::AS_OF] = mBundle.asOf.empty() ? "" : settings[Settings::CURRENT_TIME];
     // The databases that a detection writes are removed with the scratch folder.
     settings[Settings::TEMPORARY_STORES] = mScratch.IsMade() ? "1" : "";
     mSettingsInForce.Set(settings);

@@ -22,6 +22,8 @@ namespace diagnosis {
 /// Values of the command line that replace those of a bundle; an empty text replaces nothing.
 struct BundleOverrides {
     std::string now;
+    /// Hides what is later than this moment, and takes it for now.
+    std::string asOf;
     std::string tz;
     /// Absolute path of the folder of another rule set.
     std::string rules;

@@ -75,6 +75,10 @@ void DetectionWarnings::OnTrouble(const Evidence::Trouble& trouble)
             mEventTables.erase(table);
         }
         break;
+    case Kind::REPAIR_HISTORY_LOST:
+        mList.Add("repair_history_lost", "the repair " + Quoted(trouble.subject) + " was recorded later, at "
+            + trouble.words + ": it counts as not recorded, and an earlier date of it is not kept");
+        break;
     case Kind::NO_THRESHOLDS:
         mLacksThresholds = true;
         break;
@@ -165,7 +169,7 @@ void DetectionWarnings::TellEventLog(const BundleSession& session)
         mList.Add("event_log_missing", "there is no event log: rules and tables that ask for events find none");
         return;
     }
-    const EventLogLook look = LookAtEventLog(session.ProgramDataPath(EVENT_LOG), mHasBadExtra);
+    const EventLogLook look = LookAtEventLog(session.ProgramDataPath(EVENT_LOG), session.Now(), mHasBadExtra);
     const std::string& trouble = look.problem.empty() ? mEventLogTrouble : look.problem;
     if (!trouble.empty()) {
         mList.Add("event_log_unreadable", "the event log can't be read to its end: " + trouble);
@@ -187,6 +191,9 @@ void DetectionWarnings::TellEventLog(const BundleSession& session)
     if (Setting(session.GetBundle(), Settings::VERSION_NAME).empty()) {
         tellRows("version_name_empty", look.ofAVersion, "carry a version, and the setting \"VersionName\" is empty: "
             "rules that count from the last update on pass them over");
+    }
+    if (session.GetBundle().asOf.empty()) {
+        tellRows("events_after_now", look.afterNow, "are later than now, and count; --as-of hides them");
     }
     tellRows("bad_extra", look.badExtra, "have an \"extra\" that is no JSON object");
 }

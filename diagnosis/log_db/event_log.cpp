@@ -25,7 +25,8 @@ constexpr char CREATE_INDEXES[] =
 constexpr char SELECT_EVENTS[] =
     "SELECT flow.occurrence_time, info.event_id, version.VERSION_NAME, info.extra FROM event_info AS info"
     " LEFT JOIN event_info_flow AS flow ON flow.event_pid = info._ID"
-    " LEFT JOIN event_version AS version ON version._ID = info.version_id ORDER BY info._ID, flow._ID";
+    " LEFT JOIN event_version AS version ON version._ID = info.version_id"
+    " WHERE ?1 IS NULL OR flow.occurrence_time IS NULL OR flow.occurrence_time <= ?1 ORDER BY info._ID, flow._ID";
 
 std::string Quoted(const std::string& text)
 {
@@ -170,7 +171,7 @@ std::optional<Failure> EventLogWriter::Finish()
     return std::nullopt;
 }
 
-std::optional<Failure> ShowEventLog(const std::string& path, bool asSeconds,
+std::optional<Failure> ShowEventLog(const std::string& path, bool asSeconds, std::optional<std::int64_t> asOf,
     const std::function<void(const ShownEvent&)>& show)
 {
     if (!Exists(path)) {
@@ -184,6 +185,9 @@ std::optional<Failure> ShowEventLog(const std::string& path, bool asSeconds,
     std::optional<Statement> rows = database.Prepare(SELECT_EVENTS);
     if (!rows) {
         return Failure{"bad_log", path + ": " + database.GetError()};
+    }
+    if (asOf) {
+        rows->Bind(1, *asOf);
     }
     while (rows->Step()) {
         show({TimeValue(*rows, asSeconds), NumberOrText(*rows, 1), TextOrNull(*rows, 2), ExtraValue(*rows)});

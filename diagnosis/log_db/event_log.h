@@ -52,8 +52,9 @@ struct ShownEvent {
 };
 
 /// Calls `show` for every event of the log at `path`, in the order of their keys; `asSeconds` gives times as numbers.
-/// If "extra" is a JSON object, its text is copied unchanged.
-std::optional<Failure> ShowEventLog(const std::string& path, bool asSeconds,
+/// If "extra" is a JSON object, its text is copied unchanged. Events later than `asOf`, in seconds since the epoch, are
+/// left out.
+std::optional<Failure> ShowEventLog(const std::string& path, bool asSeconds, std::optional<std::int64_t> asOf,
     const std::function<void(const ShownEvent&)>& show);
 
 } // namespace diagnosis

@@ -11,6 +11,7 @@ namespace {
 constexpr char COUNT_ROWS[] =
     "SELECT count(*), total(flow._ID IS NULL), total(version._ID IS NULL), total(version.VERSION_NAME <> ''),"
     " total(info.extra <> '' AND (substr(info.extra, 1, 1) <> '{' OR substr(info.extra, -1) <> '}'))"
+    ", total(flow.occurrence_time > ?1)"
     " FROM event_info AS info LEFT JOIN event_info_flow AS flow ON flow._ID = info._ID"
     " LEFT JOIN event_version AS version ON version._ID = info.version_id";
 constexpr char COUNT_BAD_EXTRA[] =
@@ -36,7 +37,7 @@ std::int64_t WithoutParent(Connection& database, std::int64_t withoutTime)
 
 } // namespace
 
-EventLogLook LookAtEventLog(const std::string& path, bool readsExtra)
+EventLogLook LookAtEventLog(const std::string& path, std::int64_t now, bool readsExtra)
 {
     EventLogLook look;
     Connection database;
@@ -50,6 +51,7 @@ EventLogLook LookAtEventLog(const std::string& path, bool readsExtra)
         look.problem = database.GetError();
         return look;
     }
+    rows->Bind(1, now);
     if (!rows->Step()) {
         look.problem = database.IsInterrupted() ? "" : database.GetError();
         return look;
@@ -58,6 +60,7 @@ EventLogLook LookAtEventLog(const std::string& path, bool readsExtra)
     look.withoutTime = rows->Integer(1);
     look.withoutVersion = rows->Integer(2);
     look.ofAVersion = rows->Integer(3);
+    look.afterNow = rows->Integer(5);
     look.withoutParent = WithoutParent(database, look.withoutTime);
     if (readsExtra || rows->Integer(4) > 0) {
         look.badExtra = Number(database, COUNT_BAD_EXTRA).value_or(rows->Integer(4));

@@ -6,7 +6,7 @@
 
 namespace diagnosis {
 
-/// Counts of the rows of an event log that the engine skips without a log line.
+/// Counts of the rows of an event log that the engine skips without a log line, or that are later than now.
 struct EventLogLook {
     /// The reason why the log can't be read; empty if it can.
     std::string problem;
@@ -17,13 +17,14 @@ struct EventLogLook {
     std::int64_t withoutVersion = 0;
     std::int64_t ofAVersion = 0;
     std::int64_t badExtra = 0;
+    std::int64_t afterNow = 0;
     /// Rows that no row of times names as its parent, by which derived tables join the two.
     std::int64_t withoutParent = 0;
 };
 
-/// Reads the log at `path` without writing. A log that would take too long is treated as one without findings. For
-/// large logs "extra" is parsed as JSON only if it doesn't look like an object, or with `readsExtra`.
-EventLogLook LookAtEventLog(const std::string& path, bool readsExtra);
+/// Reads the log at `path` without writing. A log that would take too long is treated as one without findings. `now` in
+/// seconds since the epoch. For large logs "extra" is parsed as JSON only if it doesn't look like an object, or with `readsExtra`.
+EventLogLook LookAtEventLog(const std::string& path, std::int64_t now, bool readsExtra);
 
 } // namespace diagnosis
 

@@ -26,7 +26,8 @@ constexpr char SELECT_ROWS[] =
     " LEFT JOIN event_version AS version ON version._ID = info.version_id"
     " LEFT JOIN (SELECT event_pid AS pid, min(occurrence_time) AS first, max(occurrence_time) AS last,"
     " sum(typeof(occurrence_time) <> 'integer') AS texts FROM event_info_flow GROUP BY event_pid) AS named"
-    " ON named.pid = info._ID";
+    " ON named.pid = info._ID WHERE ?1 IS NULL OR ifnull(flow.occurrence_time, named.first) IS NULL"
+    " OR ifnull(flow.occurrence_time, named.first) <= ?1";
 
 enum Column {
     KEY, EVENT, EVENT_TYPE, EXTRA, NO_VERSION, VERSION, NO_FLOW, TIME, TIME_TYPE, NOT_NAMED, FIRST, LAST, TEXT_TIMES
@@ -145,7 +146,8 @@ private:
 
 } // namespace
 
-std::optional<Failure> InspectEventLog(const std::string& path, LogInspection& inspection)
+std::optional<Failure> InspectEventLog(
+    const std::string& path, LogInspection& inspection, std::optional<std::int64_t> asOf)
 {
     std::error_code error;
     if (!std::filesystem::exists(path, error)) {
@@ -156,6 +158,9 @@ std::optional<Failure> InspectEventLog(const std::string& path, LogInspection& i
         return failure;
     }
     auto rows = file.Get().Prepare(SELECT_ROWS);
+    if (rows && asOf) {
+        rows->Bind(1, *asOf);
+    }
     Inspection reading;
     while (rows && rows->Step()) {
         reading.Add(*rows);

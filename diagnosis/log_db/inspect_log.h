@@ -54,7 +54,8 @@ struct LogInspection {
 };
 
 /// Reads the whole log at `path`. Returns the failure, if any: no file, no database, or a missing table or column.
-std::optional<Failure> InspectEventLog(const std::string& path, LogInspection& inspection);
+std::optional<Failure> InspectEventLog(
+    const std::string& path, LogInspection& inspection, std::optional<std::int64_t> asOf = std::nullopt);
 
 } // namespace diagnosis
 

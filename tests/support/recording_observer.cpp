@@ -32,6 +32,8 @@ const char* Text(Evidence::Trouble::Kind kind)
         return "copies";
     case Evidence::Trouble::Kind::TABLE_NOT_BUILT:
         return "table";
+    case Evidence::Trouble::Kind::REPAIR_HISTORY_LOST:
+        return "repair history";
     case Evidence::Trouble::Kind::NO_THRESHOLDS:
         return "thresholds";
     }

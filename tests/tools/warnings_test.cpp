@@ -300,6 +300,20 @@ std::vector<WarningCase> Warnings()
                 WriteLog(test, {ROW, ROW}, "delete from event_info_flow where _ID = 1");
             },
             "1 of 2 rows of the event log can't be seen by alarm rules", 4},
+        {"events_after_now",
+            [](auto& test) {
+                test.WriteBundle(Alarm(), "alarm");
+                WriteLog(test, {{NOW, 5, "", ""}, {NOW + 1, 5, "", ""}});
+            },
+            "1 of 2 rows of the event log are later than now, and count; --as-of hides them", 4},
+        {"repair_history_lost",
+            [](auto& test) {
+                WriteDropsBundle(test.mDir, "b");
+                RunArborist({"repair", "record", "b", "R", "--now", "2024-05-20 11:00:00", "--tz", "UTC"});
+            },
+            "the repair \"R\" was recorded later, at 2024-05-20 11:00:00: it counts as not recorded, and an earlier date "
+            "of it is not kept",
+            4, {"--as-of", "2024-05-20 10:00:00", "--tz", "UTC"}},
         {"version_name_empty",
             [](auto& test) {
                 test.WriteBundle(Alarm(), "alarm");

@@ -1,5 +1,6 @@
 #include "arborist/stores/common_part/event_selection.h"
 
+#include <limits>
 #include <algorithm>
 #include <iterator>
 
@@ -77,7 +78,10 @@ std::string GenerateSql(const EventIdList& ids, const std::string& baseSql)
     const std::int64_t now = TimeUtil::GetTimeOfDay();
     const std::string selection = ids.IsEmpty() ? DEFAULT_EVENTS : ids.ToSql();
     const std::int64_t floor = now - (ids.IsEmpty() ? SEVEN_DAYS : THIRTY_DAYS);
-    return baseSql + selection + " AND event_info_flow.occurrence_time > " + std::to_string(floor);
+    const std::int64_t last = TimeUtil::GetLastMoment();
+    return baseSql + selection + " AND event_info_flow.occurrence_time > " + std::to_string(floor)
+        + (last == std::numeric_limits<std::int64_t>::max()
+                ? "" : " AND event_info_flow.occurrence_time <= " + std::to_string(last));
 }
 
 std::int64_t QueryVersion(const FT::sql::SqlDatabase& database)

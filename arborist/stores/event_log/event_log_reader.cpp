@@ -10,6 +10,7 @@
 #include "arborist/stores/event_log/query_plan.h"
 #include "arborist/stores/sql/sql_cursor.h"
 #include "arborist/stores/sql/sql_scan.h"
+#include "arborist/utilities/time_util.h"
 
 namespace {
 
@@ -80,6 +81,7 @@ std::shared_ptr<const EventLogSnapshot> EventLogReader::Read()
     }
     mOrigin.rowName = QueryPlan::RowNameOfEvents(mDb);
     mOrigin.isInTableOrder = QueryPlan::IsScanOfEvents(mDb, query) && !mOrigin.rowName.empty();
+    mOrigin.lastMoment = TimeUtil::GetLastMoment();
     const bool isRead = (mOrigin.isInTableOrder || IsFileSound()) && ReadInOnePass();
     if (!isRead) {
         Clear();
@@ -266,6 +268,9 @@ void EventLogReader::TakeRow(const Row& row)
         return;
     }
     const std::uint32_t id = NumberOfId(static_cast<std::int32_t>(row.id));
+    if (row.isWhole && row.time > mOrigin.lastMoment) {
+        return;
+    }
     const bool fits = Fits<std::uint32_t>(row.time) && Fits<std::uint32_t>(row.rowId) && mIdOfRow.size() != MOST_ROWS;
     const Version version = row.isWhole ? VersionOf(row.version) : Version();
     if (!row.isWhole || !fits || !version.isKnown || version.isAmbiguous) {

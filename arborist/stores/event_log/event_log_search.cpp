@@ -8,6 +8,7 @@
 #include "arborist/stores/event_log/answer_reader.h"
 #include "arborist/stores/event_log/event_log_reader.h"
 #include "arborist/stores/event_log/log_state.h"
+#include "arborist/utilities/time_util.h"
 
 namespace {
 
@@ -50,6 +51,7 @@ void EventLogSearch::TellVersionName(const std::string& versionName)
 bool EventLogSearch::IsCurrent() const
 {
     return mSnapshot != nullptr && mSnapshot->GetOrigin().dataVersion != NO_DATA_VERSION &&
+        mSnapshot->GetOrigin().lastMoment == TimeUtil::GetLastMoment() &&
         ReadDataVersion(mDb) == mSnapshot->GetOrigin().dataVersion;
 }
 

@@ -35,6 +35,8 @@ public:
     struct Origin {
         /// Data version of the connection; see ReadDataVersion.
         std::int64_t dataVersion = 0;
+        /// Rows later than this are left out; see TimeUtil::GetLastMoment.
+        std::int64_t lastMoment = 0;
         /// The column of event_info by which a row is found again; empty if there is none.
         std::string rowName;
         /// True if the query for an id returns rows in the order of event_info; otherwise their order isn't known.

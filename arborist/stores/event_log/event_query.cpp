@@ -1,6 +1,7 @@
 #include "arborist/stores/event_log/event_query.h"
 
 #include <array>
+#include <limits>
 
 #include "arborist/stores/sql/simple_database_helper.h"
 #include "arborist/stores/sql/sql_text.h"
@@ -55,7 +56,9 @@ std::string EventQuery::TextFor(std::int32_t eventId, std::int64_t startTime)
 {
     char query[QUERY_SIZE];
     FT::sql::Sqlite3Snprintf(QUERY_SIZE, query, EVENT_QUERY, eventId, static_cast<long long>(startTime));
-    return query;
+    const std::int64_t last = TimeUtil::GetLastMoment();
+    return last == std::numeric_limits<std::int64_t>::max()
+        ? query : std::string(query) + " and occurrence_time <= " + std::to_string(last);
 }
 
 void EventQuery::Run(std::int32_t eventId, std::int64_t startTime)

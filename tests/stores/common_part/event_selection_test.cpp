@@ -71,6 +71,15 @@ TEST_F(EventSelectionTest, StatementWithoutIdsTakesTheDefaultClassOfSevenDays)
                              "event_info.event_id = 902500007 )  AND event_info_flow.occurrence_time > 1699395200");
 }
 
+TEST_F(EventSelectionTest, StatementEndsAtTheLastMomentThatCounts)
+{
+    mSettings.Set(Settings::AS_OF, "1699999999");
+    EXPECT_THAT(EventSelection::GenerateSql(Ids({3}), "BASE "),
+        testing::EndsWith(" AND event_info_flow.occurrence_time <= 1699999999"));
+    EventLogBuilder().Rows({{1699999999, 3, "", "{\"a\":1}"}, {1700000000, 3, "", "{\"a\":2}"}}).WriteTo(mPath);
+    EXPECT_EQ(Fetch(Ids({3})).size(), 1U);
+}
+
 TEST_F(EventSelectionTest, DefaultClassHasItsBounds)
 {
     EventLogBuilder()

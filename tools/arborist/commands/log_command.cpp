@@ -20,8 +20,25 @@ struct LogFileOptions {
     std::string file;
     std::string target;
     std::string zone;
+    std::string asOf;
     bool asSeconds = false;
 };
+
+// True for a date without a time of day, "2024-05-19".
+bool IsDate(const std::string& text)
+{
+    return text.size() == std::string_view("2024-05-19").size() && IsMomentText(text + " 00:00:00");
+}
+
+// The moment of --as-of; wrong use after a message if it doesn't exist in the time zone. Nothing for the empty text.
+bool ReadAsOf(const std::string& text, std::optional<std::int64_t>& asOf)
+{
+    asOf = ParseMoment(IsDate(text) ? text + " 23:59:59" : text);
+    if (!text.empty() && !asOf) {
+        PrintError("the moment \"" + text + "\" does not exist in the time zone");
+    }
+    return text.empty() || asOf;
+}
 
 ExitStatus Finish(const std::vector<Failure>& failures)
 {
@@ -42,7 +59,11 @@ ExitStatus Import(const LogFileOptions& options)
 ExitStatus Show(const LogFileOptions& options)
 {
     const TimeZoneGuard zone(options.zone);
-    const auto failure = ShowEventLog(options.file, options.asSeconds, [](const ShownEvent& event) {
+    std::optional<std::int64_t> asOf;
+    if (!ReadAsOf(options.asOf, asOf)) {
+        return ExitStatus::WRONG_USE;
+    }
+    const auto failure = ShowEventLog(options.file, options.asSeconds, asOf, [](const ShownEvent& event) {
         std::cout << "{\"time\": " << event.time << ", \"event\": " << event.event << ", \"version\": "
                   << event.version << ", \"extra\": " << event.extra << "}\n";
     });
@@ -51,6 +72,7 @@ ExitStatus Show(const LogFileOptions& options)
 
 struct InspectOptions {
     std::string file;
+    std::string asOf;
     std::string zone;
     bool asJson = false;
 };
@@ -59,7 +81,11 @@ ExitStatus Inspect(const InspectOptions& options)
 {
     const TimeZoneGuard zone(options.zone);
     LogInspection inspection;
-    if (const auto failure = InspectEventLog(options.file, inspection)) {
+    std::optional<std::int64_t> asOf;
+    if (!ReadAsOf(options.asOf, asOf)) {
+        return ExitStatus::WRONG_USE;
+    }
+    if (const auto failure = InspectEventLog(options.file, inspection, asOf)) {
         return Finish({*failure});
     }
     PrintResult(options.asJson ? LogJson(options.file, inspection) + "\n" : LogText(options.file, inspection));
@@ -75,12 +101,6 @@ struct SliceOptions {
     std::int64_t lastDays = -1;
     std::string zone;
 };
-
-// True for a date without a time of day, "2024-05-19".
-bool IsDate(const std::string& text)
-{
-    return text.size() == std::string_view("2024-05-19").size() && IsMomentText(text + " 00:00:00");
-}
 
 ExitStatus Slice(const SliceOptions& options)
 {
@@ -102,23 +122,24 @@ ExitStatus Slice(const SliceOptions& options)
     return Finish(failure ? std::vector<Failure>{*failure} : std::vector<Failure>{});
 }
 
-void AddInspectCommand(Command log, ExitStatus& status)
-{
-    auto options = std::make_shared<InspectOptions>();
-    Command inspect = log.AddCommand("inspect", "Tell what an event log holds, and what in it is not seen");
-    inspect.Add("LOG.DB", options->file, "The event log").Required();
-    inspect.AddFlag("--json", options->asJson, "One JSON object, times in seconds since the epoch");
-    AddTimeZone(inspect, options->zone);
-    inspect.Footer("Example:\n  arborist log inspect log.db");
-    inspect.OnCall([options, &status] { status = Inspect(*options); });
-}
-
 void AddMomentOption(Command app, const std::string& name, std::string& moment, const std::string& description)
 {
     app.Add(name, moment, description).Takes("TIME").Check([](const std::string& text) {
         return IsMomentText(text) || IsDate(text)
             ? "" : "is neither \"YYYY-MM-DD\", \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: " + text;
     });
+}
+
+void AddInspectCommand(Command log, ExitStatus& status)
+{
+    auto options = std::make_shared<InspectOptions>();
+    Command inspect = log.AddCommand("inspect", "Tell what an event log holds, and what in it is not seen");
+    inspect.Add("LOG.DB", options->file, "The event log").Required();
+    inspect.AddFlag("--json", options->asJson, "One JSON object, times in seconds since the epoch");
+    AddMomentOption(inspect, "--as-of", options->asOf, "Leave out events later than this moment");
+    AddTimeZone(inspect, options->zone);
+    inspect.Footer("Example:\n  arborist log inspect log.db");
+    inspect.OnCall([options, &status] { status = Inspect(*options); });
 }
 
 void AddSliceCommand(Command log, ExitStatus& status)
@@ -167,6 +188,7 @@ void AddLogCommand(Command app, ExitStatus& status)
     Command show = log.AddCommand("show", "Print an event log as JSON Lines");
     show.Add("LOG.DB", showOptions->file, "The event log").Required();
     show.AddFlag("--seconds", showOptions->asSeconds, "Times in seconds since the epoch instead of local time");
+    AddMomentOption(show, "--as-of", showOptions->asOf, "Leave out events later than this moment");
     AddTimeZone(show, showOptions->zone);
     show.Footer("Example:\n  arborist log show programdata/Comms/Lumbra/workDir/0/log.db --tz UTC");
     show.OnCall([showOptions, &status] { status = Show(*showOptions); });

@@ -18,6 +18,12 @@ void AddOverrides(Command app, BundleOverrides& overrides)
         .Check([](const std::string& text) {
             return IsMomentText(text) ? "" : "is neither \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: " + text;
         });
+    app.Add("--as-of", overrides.asOf, "Diagnose as it was at this moment: later events and repairs don't count, and it "
+        "is taken for now")
+        .Takes("TIME")
+        .Check([](const std::string& text) {
+            return IsMomentText(text) ? "" : "is neither \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: " + text;
+        });
     AddTimeZone(app, overrides.tz);
     AddLive(app, overrides);
 }

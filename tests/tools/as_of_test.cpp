@@ -1,0 +1,74 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/event_log_builder.h"
+#include "tests/support/temp_dir.h"
+#include "tests/tools/command_bundle.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+// 2024-05-20 12:00:00 in UTC, the moment of the bundle.
+constexpr std::int64_t NOW = 1716206400;
+
+class AsOfTest : public testing::Test {
+protected:
+    // Three drops, an hour apart, of which the last is one hour after the moment of the bundle.
+    void SetUp() override
+    {
+        WriteDropsBundle(mDir, "b");
+        EventLogBuilder().Rows({{NOW - 3600, 1001, "", ""}, {NOW, 1001, "", ""}, {NOW + 3600, 1001, "", ""}})
+            .WriteTo(mDir.Path("b") + LOG_OF_BUNDLE);
+    }
+
+    static ProcessResult Detect(std::vector<std::string> arguments)
+    {
+        arguments.insert(arguments.begin(), {"detect", "b"});
+        return RunArborist(arguments);
+    }
+
+    TempDir mDir;
+};
+
+TEST_F(AsOfTest, RowsLaterThanTheMomentAreHidden)
+{
+    EXPECT_THAT(Detect({"--as-of", std::to_string(NOW + 3599)}).out, HasSubstr("no fault"));
+    EXPECT_THAT(Detect({"--as-of", std::to_string(NOW + 3600)}).out, HasSubstr("1. DROPS"));
+}
+
+TEST_F(AsOfTest, NowAloneLeavesTheEndOpenAndTellsOfLaterRows)
+{
+    const auto open = Detect({"--now", std::to_string(NOW + 3599)});
+    EXPECT_THAT(open.out, HasSubstr("1. DROPS"));
+    EXPECT_THAT(open.err, HasSubstr("1 of 3 rows of the event log are later than now, and count"));
+    EXPECT_THAT(Detect({"--as-of", std::to_string(NOW + 3599)}).err, IsEmpty());
+}
+
+TEST_F(AsOfTest, TheMomentIsTakenForNow)
+{
+    EXPECT_THAT(Detect({"--as-of", "2024-06-20 12:00:00", "--tz", "UTC"}).out, HasSubstr("no fault")); // 7 days back
+}
+
+TEST_F(AsOfTest, ARepairThatWasRecordedLaterCountsAsNotRecorded)
+{
+    RunArborist({"repair", "record", "b", "R", "--now", std::to_string(NOW + 7200)});
+    EXPECT_THAT(Detect({"--now", std::to_string(NOW + 7200)}).out, HasSubstr("no fault"));
+    EXPECT_THAT(Detect({"--as-of", std::to_string(NOW + 7199)}).out, HasSubstr("1. DROPS"));
+}
+
+TEST_F(AsOfTest, LogsAreShownAndInspectedAsOfAMoment)
+{
+    const std::string log = "b" + std::string(LOG_OF_BUNDLE);
+    const auto shown = RunArborist({"log", "show", "--seconds", "--as-of", std::to_string(NOW), log}).out;
+    EXPECT_THAT(shown, HasSubstr(std::to_string(NOW)));
+    EXPECT_THAT(shown, Not(HasSubstr(std::to_string(NOW + 3600))));
+    EXPECT_THAT(RunArborist({"log", "inspect", "--json", "--as-of", std::to_string(NOW), log}).out,
+        HasSubstr("\"rows\": 2"));
+    EXPECT_THAT(RunArborist({"log", "inspect", "--json", "--as-of", "2024-05-20", "--tz", "UTC", log}).out,
+        HasSubstr("\"rows\": 3"));
+}
+
+} // namespace
