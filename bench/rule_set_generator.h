@@ -21,7 +21,8 @@ struct RuleSetSize {
 /// The tag of both files.
 inline constexpr const char* RULE_SET_TAG = "bench";
 
-/// "FaultTrees.xml" and "FaultTreeRules.xml" with a line for each element. Every basic event has an event rule that names one of the rules.
+/// The texts of "FaultTrees.xml" and "FaultTreeRules.xml", with a line for each element. Every basic event has an event
+/// rule that names one of the rules.
 std::string TreeFileText(const RuleSetSize& size);
 std::string RuleFileText(const RuleSetSize& size);
 

@@ -17,7 +17,7 @@
 
 namespace {
 
-// What one deduction leaves behind, as text.
+// The results of one deduction as text.
 struct Outcome {
     std::vector<std::string> causes;
     std::vector<std::vector<std::shared_ptr<Event>>> events;
@@ -46,8 +46,8 @@ Outcome ByExpansion(FaultTree& tree)
     return outcome;
 }
 
-// By what a root cause means, for trees whose paths are their own: sets of leaves that make their gate true, each with
-// its way up, all of it in error.
+// Finds root causes by their definition, for trees with unambiguous paths: sets of leaves that make their gates true,
+// where each leaf and all events above it are in error.
 using Way = std::vector<const Event*>;
 using WaySets = std::vector<std::vector<Way>>;
 
@@ -127,7 +127,7 @@ TEST_P(RandomTrees, DeductionAgreesWithTheExpansion)
         }
         faults += visitor.IsFault() ? 1 : 0;
     }
-    // Trees without faults alone would show nothing.
+    // The test is only meaningful if many trees have faults.
     EXPECT_GT(faults, 50);
 }
 

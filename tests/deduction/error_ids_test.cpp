@@ -21,7 +21,7 @@ bool AreUnambiguous(const EventList& events)
     return ErrorIds().AreUnambiguous(events, inError);
 }
 
-// Enough events that pairs are no longer compared one by one.
+// Enough events that pairs are not compared one by one.
 EventList Crowd()
 {
     EventList events;

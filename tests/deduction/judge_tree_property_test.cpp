@@ -32,7 +32,7 @@ void ListEvents(const std::shared_ptr<Event>& event, EventList& events)
     }
 }
 
-// A tree with a check for each event that has one.
+// A tree and the checks of its events.
 struct CheckedTree {
     std::shared_ptr<FaultTree> tree;
     EventList events;
@@ -43,7 +43,7 @@ struct CheckedTree {
         return events[event]->AsIntermediate() == nullptr || events[event]->IsObservable();
     }
 
-    // Those whose answer is not known; an event that the engine made true stays true.
+    // The events whose answer is not known. An event that the engine made true stays true.
     std::vector<Event*> ListAsked() const
     {
         std::vector<Event*> asked;
@@ -76,7 +76,7 @@ CheckedTree MakeTree(unsigned seed, const TreeStyle& style, const std::vector<Ch
     return made;
 }
 
-// What a detection would find with one answer to each open check.
+// The result of a detection for one answer to each open check.
 struct Outcome {
     bool isTopTrue;
     std::vector<std::string> causes;
@@ -94,7 +94,7 @@ Outcome OutcomeOf(FaultTree& tree, const MinimalCutSet& cutSets)
     return outcome;
 }
 
-// The word when every open check has an answer, and with it the word `decided`.
+// The word once every open check is answered and therefore `decided`.
 Word WordOf(const Outcome& outcome, const std::vector<Check>& checks)
 {
     if (!outcome.causes.empty()) {
@@ -112,7 +112,7 @@ Word WordOf(const Outcome& outcome, const std::vector<Check>& checks)
     return all > 0 && all == notApplicable ? Word::NOT_APPLICABLE : Word::UNDECIDED;
 }
 
-// By trying every answer.
+// The verdict computed by trying every answer.
 TreeVerdict ByTrial(const CheckedTree& made)
 {
     const MinimalCutSet cutSets = MinimalCutsetParser::GetMcs(*made.tree);
@@ -131,7 +131,7 @@ TreeVerdict ByTrial(const CheckedTree& made)
         }
         const Outcome outcome = OutcomeOf(*made.tree, cutSets);
         words.insert(WordOf(outcome, made.checks));
-        // What any answers add, the last ones add: those that are all true.
+        // The last combination of answers, all true, adds everything that others add.
         std::vector<std::string> more;
         std::copy_if(outcome.causes.begin(), outcome.causes.end(), std::back_inserter(more),
                      [&known](const std::string& cause) { return known.count(cause) == 0; });
@@ -218,14 +218,14 @@ TEST_P(RandomCheckedTrees, AreJudgedAsByTryingEveryAnswer)
             ++seen[verdict.isTrueWithoutCause ? "true_without_cause" : "explained"];
         }
     }
-    // Trees of one kind alone would show nothing.
+    // The test is only meaningful if all kinds of verdicts occur.
     EXPECT_EQ(seen.size(), 8U);
     for (const auto& [text, count] : seen) {
         EXPECT_GT(count, 5) << text;
     }
 }
 
-// Gates that could not be read are judged by rules of their own.
+// Without gates that could not be read, for which other rules apply.
 INSTANTIATE_TEST_SUITE_P(Table, RandomCheckedTrees, testing::Values(
     TreeStyle{"MostlyHealthy", {}, 30, 8, 0, 0},
     TreeStyle{"MostlyInError", {}, 70, 8, 0, 0},
@@ -233,7 +233,7 @@ INSTANTIATE_TEST_SUITE_P(Table, RandomCheckedTrees, testing::Values(
     TreeStyle{"IdsMoreThanOnce", {"A", "B", "C", "D"}, 40, 8, 0, 0},
     TreeStyle{"Separators", {"A", "B", "C", "D", "A/B", "A&A", "B&A/B", "/", ""}, 60, 8, 0, 0}), CaseName());
 
-// The same tree with the events of each gate in another order, and its checks.
+// The same tree and checks with the events of each gate in another order.
 class Shuffled {
 public:
     Shuffled(const CheckedTree& made, unsigned seed) : mRandom(seed)
@@ -275,7 +275,7 @@ private:
     CheckedTree mTree;
 };
 
-// As text without the order of causes and of their members.
+// As text that doesn't depend on the order of causes and of their members.
 std::string SetsOf(TreeVerdict verdict)
 {
     for (auto& cause : verdict.possibleCauses) {

@@ -27,7 +27,7 @@ constexpr auto OPEN = Check::DATA_MISSING;
 TreeVerdict Judge(std::shared_ptr<IntermediateEvent> top, const std::vector<Check>& checks)
 {
     const auto tree = TreeOf(std::move(top));
-    LogCapture log; // keeps what folding says off the output
+    LogCapture log; // keeps the lines of the fold off the output
     tree->Check();
     return JudgeTree(*tree, !RootCauseSearch::Find(*tree).rootCauses.empty(), checks);
 }
@@ -120,7 +120,7 @@ TEST(JudgeTreeTest, TreeWithoutATopEventIsUndecided)
 
 TEST(JudgeTreeTest, OrderCountsWhereAGateIsEmpty)
 {
-    // The empty gate is true and has no combination; what stands before it leaves the cut sets.
+    // The empty gate is true but has no combination, so it drops the events before it from the cut sets.
     const auto empty = [] { return Inner("G", And({})); };
     const TreeVerdict behind = Judge(AndOf({empty(), Leaf("A"), Leaf("B")}), {NONE, NONE, OPEN, SURE});
     EXPECT_EQ(TextOf(behind), "no_fault");
@@ -192,7 +192,7 @@ TEST(JudgeTreeTest, ATwentyfoldProductIsJudgedWithoutExpandingIt)
         }
         gates.push_back(Inner("G" + std::to_string(gate), Or(leaves)));
     }
-    // With one answer after the other this would not end: there are 10^20 cut sets.
+    // Trying the answers one after the other would not end: there are 10^20 cut sets.
     const TreeVerdict verdict = Judge(AndOf(gates), checks);
     EXPECT_EQ(TextOf(verdict), "undecided, incomplete");
     ASSERT_THAT(verdict.possibleCauses, SizeIs(MOST_POSSIBLE_CAUSES));

@@ -13,7 +13,7 @@ using testing::IsEmpty;
 
 constexpr auto TRUE = EventStatus::TRUE;
 
-// Events with a small letter in front have an open check.
+// Events whose ids begin with a small letter have an open check.
 std::vector<std::string> CausesOf(const std::shared_ptr<Event>& top)
 {
     const FlatTree tree(top);
@@ -71,7 +71,7 @@ TEST(PossibleCausesTest, AreNoneWithoutOpenChecks)
 
 TEST(PossibleCausesTest, AreListedWithoutGoingThroughAllThatIsFound)
 {
-    // 10^12 cut sets are there already; one more comes of the open check, and it comes last.
+    // There are 10^12 cut sets already; the open check adds one more, which is the last.
     EventList gates;
     for (int gate = 0; gate < 12; ++gate) {
         EventList leaves;

@@ -8,20 +8,20 @@
 
 #include "tests/support/tree_builder.h"
 
-/// How a random tree may look. Chances are out of 100.
+/// Parameters of a random tree. Chances are percentages.
 struct TreeStyle {
     const char* name;
-    /// Ids are drawn from these; empty: every event gets an id of its own.
+    /// Ids are drawn from these; if empty, every event gets an id of its own.
     std::vector<std::string> ids;
     unsigned inError;
     unsigned withoutEvents = 8;
     unsigned withoutGate = 6;
-    /// The same object stands in another place as well.
+    /// Chance that the same object gets another place, too.
     unsigned shared = 5;
 };
 void PrintTo(const TreeStyle& style, std::ostream* out);
 
-/// Makes trees of up to five levels with statuses as rules might leave them. Equal seeds make equal trees.
+/// Generates trees of up to five levels with statuses that rules might set. Equal seeds give equal trees.
 class RandomTree {
 public:
     RandomTree(unsigned seed, const TreeStyle& style) : mRandom(seed), mStyle(style) {}
@@ -44,7 +44,7 @@ private:
     unsigned mEvents = 0;
 };
 
-/// Combinations that the expansion would have at most.
+/// Upper bound of the combinations in the expansion.
 double ExpansionOf(const Event& event);
 
 #endif

@@ -21,7 +21,7 @@ constexpr auto TRUE = EventStatus::TRUE;
 
 RootCauseSearch::Found Search(const std::shared_ptr<FaultTree>& tree)
 {
-    LogCapture log; // keeps what folding says off the output
+    LogCapture log; // keeps the lines of the fold off the output
     tree->Check();
     return RootCauseSearch::Find(*tree, true);
 }
@@ -44,7 +44,7 @@ TEST_P(CutSetsThatQualify, AreFoundInOrder)
     EXPECT_THAT(CutSetsFound(GetParam().gate), ElementsAreArray(GetParam().cutSets));
 }
 
-// Healthy leaves have small letters.
+// Ids of healthy leaves have small letters.
 INSTANTIATE_TEST_SUITE_P(Table, CutSetsThatQualify, testing::Values(
     SearchCase{"NoGate", nullptr, {}},
     SearchCase{"NoEvents", And({}), {}},
@@ -105,7 +105,7 @@ TEST(RootCauseSearchTest, MoreIdsThanAFewAreToldApart)
         leaves.push_back(Leaf("E" + std::to_string(leaf), leaf % 2 == 0 ? TRUE : EventStatus::FALSE));
     }
     EXPECT_THAT(Search(TreeOf(Inner("T", Or(leaves)))).rootCauses, SizeIs(500));
-    // A healthy one before the others takes the path of E998 from it.
+    // A healthy leaf of the same id before the others takes over the path of E998.
     leaves.insert(leaves.begin(), Leaf("E998"));
     EXPECT_THAT(Search(TreeOf(Inner("T", Or(leaves)))).rootCauses, SizeIs(499));
 }

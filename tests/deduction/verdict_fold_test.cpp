@@ -8,7 +8,7 @@ namespace {
 
 constexpr auto TRUE = EventStatus::TRUE;
 
-// A chain of gates above one leaf, deeper than a stack is long.
+// A chain of gates above one leaf, too deep for a recursion.
 std::shared_ptr<Event> Chain(int depth, std::shared_ptr<Event> leaf)
 {
     std::shared_ptr<Event> event = std::move(leaf);
@@ -63,7 +63,7 @@ TEST(VerdictFoldTest, WhatIsTrueAlreadyAddsNothing)
 
 TEST(VerdictFoldTest, APathThatLeadsToAnotherEventHasItsStatus)
 {
-    // Both leaves have the path T/A, which leads to the first of them.
+    // Both leaves have the path T/A, which means the first of them.
     const std::shared_ptr<Event> top = Observable("T", TRUE, Or({Leaf("A"), Leaf("A", TRUE)}));
     const FlatTree tree(top);
     EXPECT_FALSE(VerdictFold(tree, {}).HasCutSet());

@@ -99,7 +99,7 @@ protected:
         return *mParser;
     }
 
-    // Wraps a piece of a rule up to a whole one named "r".
+    // Completes a part of a rule to a rule named "r".
     static std::string RuleOf(const std::string& root, const std::string& xml)
     {
         if (root == "params" || root == "condition") {
@@ -117,7 +117,7 @@ protected:
     std::unique_ptr<FaultTreeParser> mParser;
 };
 
-// What an example shows is read: nothing of it is refused, and what it makes is there.
+// The loader accepts the whole example, and the objects that it describes exist.
 TEST_P(RuleSetsExample, IsRead)
 {
     const auto& [name, root, xml] = GetParam();
@@ -154,7 +154,7 @@ TEST(RuleSetsPage, ShowsFormulasAndExamples)
     EXPECT_GE(XmlOf(Page()).size(), 18U);
 }
 
-// A tree whose events stand `depth` deep, the top event counted.
+// A tree with `depth` levels of events, including the top event.
 std::string TreeOfDepth(int depth)
 {
     std::string xml = "<Basic-Event><ID>E</ID></Basic-Event>";

@@ -137,7 +137,7 @@ TEST_P(AlarmProperty, AnswersAndLogLinesAreThoseOfAQueryForEachId)
     WriteLog();
     AlarmRuleEngine engine(mHelper);
     PlainAlarm plain(mHelper);
-    // What is foreseen may be asked or not, and what is asked may be foreseen or not.
+    // Rules that were announced may run or not, and rules that run may have been announced or not.
     std::vector<std::shared_ptr<AlarmRule>> foreseen;
     for (int rule = Below(4); rule > 0; --rule) {
         foreseen.push_back(RuleOf({Item()}));

@@ -8,7 +8,7 @@
 
 #include "arborist/model/rule.h"
 
-/// Alarm rules as they are told: `RuleOf({Ids("7", "9").Latest(30, 2).Item()})`.
+/// Builds alarm rules: `RuleOf({Ids("7", "9").Latest(30, 2).Item()})`.
 class Ids {
 public:
     Ids(const std::string& first, const std::string& last)

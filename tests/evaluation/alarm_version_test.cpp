@@ -1,4 +1,4 @@
-// Alarm rules that look at the version of a row, beside such as don't.
+// Alarm rules that check the version of a row, together with rules that don't.
 
 #include <gtest/gtest.h>
 
@@ -29,7 +29,7 @@ protected:
             .WriteTo(mDir.Path("data/Comms/Lumbra/workDir/0/log.db"));
     }
 
-    // How many rows a rule counts: the greatest threshold that it reaches.
+    // The number of rows that a rule counts, found as the greatest threshold that it reaches.
     int CountOf(const char* begin)
     {
         int count = 0;

@@ -16,7 +16,7 @@ std::shared_ptr<OrRuleSingle> Alternative(const std::string& type, const std::st
     return std::make_shared<OrRuleSingle>(OrRuleSingle{type, name, false, names});
 }
 
-// The description of the look-up, word by word.
+// A direct implementation of the look-up's description.
 std::shared_ptr<OrRuleSingle> Walk(const std::string& name, const OrRuleList& rules)
 {
     for (const auto& rule : rules) {

@@ -81,7 +81,7 @@ TEST_F(CodeRuleEngineTest, AnswerCountsAlsoWithoutAnyIds)
     LoadSet(TreeXml(TAG).Tree("T", Or({Basic("A")})), RuleXml(TAG).Rule(CodeRuleXml("r", "C")));
     mRunner->answer = true;
     EXPECT_TRUE(Ask(mParser->GetRuleByRuleName("r")));
-    EXPECT_THAT(mRunner->calls, ElementsAre("|||")); // an empty user-defined text is handed over, too
+    EXPECT_THAT(mRunner->calls, ElementsAre("|||")); // an empty user-defined text is passed, too
 }
 
 TEST_F(CodeRuleEngineTest, WithoutRunnerTheRuleIsFalse)

@@ -38,7 +38,7 @@ std::shared_ptr<OrLogic> Single(const std::string& logic, const std::string& par
     orLogic->SetLogic(logic);
     orLogic->SetParamId(paramId);
     orLogic->SetLogicType(source);
-    // One text for both: the engine takes the one that the source names.
+    // The same text for both; the source decides which one the engine uses.
     orLogic->SetValue(value);
     orLogic->SetCommonPartParamId(value);
     return orLogic;
@@ -80,7 +80,7 @@ protected:
     CommandRule::SqlItem& Item() { return mRule->analysisMethod.sqlItem; }
     void Conditions(const ConditionList& conditions) { Item().conditionList = conditions; }
 
-    // The rule under these conditions.
+    // Runs the rule with these conditions.
     bool Fires(const ConditionList& conditions)
     {
         Conditions(conditions);
@@ -94,7 +94,7 @@ protected:
         return fires;
     }
 
-    // Refers the rule to copies, one with each of these numbers as its n.
+    // Lets the rule query copies, one for each of these numbers, with the number as its n.
     void Refer(const std::string& type, const std::string& number, const std::vector<int>& numbers)
     {
         std::vector<std::string> files;
@@ -249,7 +249,7 @@ TEST_F(CommandRuleEngineTest, SeveralTestsAreARangeOfTheFirstOnesColumn)
 {
     EXPECT_TRUE(Fires({Multiple({{"ge", "n", "5"}, {"le", "n", "6"}})}));
     EXPECT_FALSE(Fires({Multiple({{"ge", "n", "5"}, {"le", "n", "4"}})}));
-    // The second test's own parameter isn't looked at.
+    // The parameter of the second test is ignored.
     EXPECT_TRUE(Fires({Multiple({{"ge", "n", "5"}, {"le", "s", "6"}})}));
     EXPECT_TRUE(Fires({Multiple({{"ge", "n", "5"}, {"le", "none", "6"}})}));
 }
@@ -269,7 +269,7 @@ TEST_F(CommandRuleEngineTest, NormalisedValueCountsTimesThirty)
     Item().type = "normalization";
     Item().timeParamList = {"t", "none", "n"};
     mRule->params = ParamMapOf({ParamOf("n", "int"), ParamOf("t", "long"), ParamOf("s", "string")});
-    // The first of the two stands for start and end as well: three of the four columns.
+    // The first of the two is also start and end, and so takes three of the four columns.
     Item().sql = "select 1, n, occurrence_time, occurrence_time from Jank";
     EXPECT_TRUE(Fires({Single("eq", "n", "150")}));
     Item().sql = "select 1, n, occurrence_time, 0 from Jank";

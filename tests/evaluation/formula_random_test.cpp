@@ -1,4 +1,5 @@
-// Formulas of any kind, ill-formed ones and values that are signs among them, held against two plain stacks.
+// Compares random formulas, including ill-formed ones and values that are operators, with a plain implementation on two
+// stacks.
 
 #include <cerrno>
 #include <cstdio>
@@ -18,7 +19,7 @@ namespace {
 
 using Values = std::map<std::string, std::string, std::less<>>;
 
-// The words and signs of a formula, each name with a value replaced by it.
+// The tokens of a formula, with names replaced by their values.
 std::vector<std::string> Tokens(const std::string& formula, const Values& values)
 {
     std::vector<std::string> tokens;
@@ -42,7 +43,7 @@ std::vector<std::string> Tokens(const std::string& formula, const Values& values
     return tokens;
 }
 
-// Two stacks. A step that would change nothing any more, or read where nothing is, ends it without a result.
+// A calculation on two stacks. Ends without a result if a step would change nothing or read an empty stack.
 class TwoStacks {
 public:
     std::string Result(const std::vector<std::string>& tokens)
@@ -91,7 +92,7 @@ private:
         }
     }
 
-    // By the places in a text in which the two levels stand two apart, and any letter of the token counts.
+    // Compares positions in a text in which the two levels are two apart; any letter of the token counts.
     static bool GivesWay(char top, const std::string& token)
     {
         const std::string places = "+- */";

@@ -66,7 +66,7 @@ INSTANTIATE_TEST_SUITE_P(WellFormed, FormulaTable, testing::Values(
     FormulaCase{"NegativeResult", "2 - 5", "-3.000000", "2 - 5"}),
     CaseName());
 
-// What no rule file should hold still ends, with the empty text as soon as a step can't be made.
+// Calculating an ill-formed formula ends, too, with the empty text as soon as a step is impossible.
 INSTANTIATE_TEST_SUITE_P(IllFormed, FormulaTable, testing::Values(
     FormulaCase{"OperatorAlone", "+", "", ""},
     FormulaCase{"SignInFront", "-5", "", ""},
@@ -121,7 +121,7 @@ TEST_F(FormulaTest, NegativeValueCountsAsAnOperatorAndIsLost)
     EXPECT_EQ(Outcome("(5) a (3)", {{"a", "-1"}}).result, "2.000000");
 }
 
-// The whole value is searched for the operator of the least priority, not its first character alone.
+// The whole value is searched for the operator of the lowest priority, not only its first character.
 TEST_F(FormulaTest, ValueThatIsTakenForAnOperatorHasTheLeastPriorityOfItsCharacters)
 {
     EXPECT_EQ(Outcome("(6) * (3) a (2)", {{"a", "*2"}}).result, "36.000000");
@@ -169,7 +169,8 @@ TEST_F(FormulaTest, LongChainsAndDeepParenthesesEnd)
     EXPECT_EQ(Outcome(std::string(200000, '-')).result, "");
 }
 
-// The grammar read top down: a sum is a product and, behind a sign, another sum; a product likewise of factors.
+// A recursive descent parser: a sum is a product, optionally followed by a sign and another sum; a product likewise
+// consists of factors.
 class PlainReader {
 public:
     explicit PlainReader(const std::string& text) : mText(text) {}
@@ -244,7 +245,7 @@ TEST_F(FormulaTest, AgreesWithAPlainReadingOfRandomFormulas)
         std::snprintf(expected, sizeof(expected), "%f", PlainReader(text).Sum());
         const auto outcome = Outcome(text);
         ASSERT_EQ(outcome.result, expected) << text;
-        // With the grouping spelled out there is only one way to read it.
+        // With explicit grouping there is only one way to read the formula.
         ASSERT_EQ(Outcome(outcome.grouping).result, expected) << outcome.grouping;
     }
 }

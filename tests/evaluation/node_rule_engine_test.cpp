@@ -344,7 +344,7 @@ TEST_F(NodeRuleEngineTest, ItemsLookAtTheParameterWithTheirId)
     mDir.Write("a", "9");
     EXPECT_FALSE(Ask());
     EXPECT_FALSE(first->IsResult());
-    EXPECT_TRUE(second->IsResult()); // all items are looked at
+    EXPECT_TRUE(second->IsResult()); // all items are evaluated
 }
 
 TEST_F(NodeRuleEngineTest, ItemWithoutItsParameterFailsTheWholeCondition)

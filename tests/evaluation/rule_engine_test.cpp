@@ -40,7 +40,7 @@ protected:
         mDir.Write("no", "0");
     }
 
-    // Rules "yes" and "no" that do as they say.
+    // The rules "yes", which fires, and "no", which doesn't.
     static RuleXml Rules() { return RuleXml(TAG).Rule(FileRule("yes", "yes")).Rule(FileRule("no", "no")); }
 
     void LoadSet(const TreeXml& trees, const RuleXml& rules)
@@ -51,7 +51,7 @@ protected:
         mLog.Clear();
     }
 
-    // Runs every tree and gives its events with their statuses, "A TRUE".
+    // Runs every tree and returns its events with their statuses, "A TRUE".
     std::vector<std::string> Run()
     {
         std::vector<std::string> statuses;
@@ -142,7 +142,7 @@ TEST_F(RuleEngineTest, OneAlternativeIsEnough)
     EXPECT_TRUE(alternatives[2]->result);
 }
 
-// A rule name that holds a comma is asked in parts, and the whole name stands for the entry.
+// The parts of a rule name with a comma run separately, and the whole name means the entry.
 TEST_F(RuleEngineTest, SingleRuleNameWithCommaIsAskedInParts)
 {
     const auto statuses = RunWith(TreeXml(TAG).Tree("T", Or({Basic("A"), Basic("B")})),
@@ -160,13 +160,13 @@ TEST_F(RuleEngineTest, GroupWithACommaInANameIsNotFoundAgainAndLogsForEachPartTh
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(line, line));
 }
 
-// The first entry that fits a name takes the result, be it another alternative.
+// The first entry that matches a name gets the result, even if it is another alternative.
 TEST_F(RuleEngineTest, ResultGoesToTheFirstEntryThatFitsTheName)
 {
     RunWith(TreeXml(TAG).Tree("T", Or({Basic("A")})),
             Rules().EventRule("A", {Multiple({"no", "yes"}), Single("yes")}));
     const auto& alternatives = mParser->GetEventRuleByEventId("A")->GetRuleList();
-    EXPECT_TRUE(alternatives[0]->result); // lists "yes", and stands before the single rule
+    EXPECT_TRUE(alternatives[0]->result); // lists "yes", and precedes the single rule
     EXPECT_FALSE(alternatives[1]->result);
 }
 
@@ -243,7 +243,7 @@ TEST_F(RuleEngineTest, StoreHoldsTheEventsOfTheLastTree)
     EXPECT_EQ(mEngine->GetEventMap().count("B"), 1U);
 }
 
-// The outcome of an event's rules stays with them, so in a later tree the event is still true.
+// The result is kept in the event rule, so that in a later tree the event is still true.
 TEST_F(RuleEngineTest, OutcomeOnceTrueStaysTrueForLaterTreesOfTheSet)
 {
     mRunner->answer = true;
@@ -367,7 +367,7 @@ TEST_F(RuleEngineTest, StatusesAndLogAreTheSameWithAndWithoutObserver)
     EXPECT_FALSE(observedLog.empty());
 }
 
-// No rule file brings such a rule.
+// Such a rule can't come from a rule file.
 TEST_F(RuleEngineTest, ARuleOfNoFamilyIsPassedOverAndTold)
 {
     LoadSet(TreeXml(TAG).Tree("T", Or({Basic("A")})), Rules().EventRule("A", {Single("odd")}));

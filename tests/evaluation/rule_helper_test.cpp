@@ -69,7 +69,7 @@ TEST_F(RuleHelperTest, CodeRuleIsFoundByAnyPartOfItsDetectCode)
     const RuleHelper helper(info, parser);
     mLog.Clear();
     EXPECT_TRUE(helper.IsSpecifiedCodeRuleSupported("AB", parser));
-    EXPECT_FALSE(helper.IsSpecifiedCodeRuleSupported("CD", parser)); // the first that holds it decides
+    EXPECT_FALSE(helper.IsSpecifiedCodeRuleSupported("CD", parser)); // the first that contains it decides
     EXPECT_TRUE(helper.IsSpecifiedCodeRuleSupported("CDE", parser));
     EXPECT_FALSE(helper.IsSpecifiedCodeRuleSupported("Z", parser));
     EXPECT_THAT(mLog.Lines(FT::LEVEL_INFO),

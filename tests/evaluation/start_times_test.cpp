@@ -24,7 +24,7 @@ using testing::StartsWith;
 constexpr std::int64_t NOW = 1700000000;
 constexpr std::int64_t DAY = 86400;
 
-// A user-defined text that names a repair, and what it says.
+// A user-defined text that names a repair, and whether it is found.
 struct UserDefinedCase { const char* name; const char* text; bool findsRepair; std::size_t errors; };
 void PrintTo(const UserDefinedCase& userDefined, std::ostream* out) { *out << userDefined.name; }
 
@@ -40,7 +40,7 @@ protected:
 
     void SetNow(std::int64_t now) const { mSettings.Set(Settings::CURRENT_TIME, std::to_string(now)); }
 
-    // The repair was carried out so many seconds ago.
+    // Records that the repair was carried out `age` seconds ago.
     void Repair(const std::string& id, std::int64_t age) const
     {
         SetNow(NOW - age);
@@ -48,7 +48,7 @@ protected:
         SetNow(NOW);
     }
 
-    // The start for the rules of mCurrent in a rule set in which the event E is mended by R1 and R2.
+    // The start time for the rules of mCurrent, in a rule set in which R1 and R2 repair the event E.
     std::int64_t Start(std::int32_t days, const std::string& word, const std::string& eventId)
     {
         return mStartTimes->GetDetectStartTime(days, word, eventId, mCurrent.get(), &mRecord);

@@ -18,7 +18,7 @@ using testing::ElementsAre;
 const std::string TAG = "All";
 constexpr std::int64_t NOW = 1700000000;
 
-// A test of a command rule with the place that its threshold comes from.
+// A test of a command rule with the source of its threshold.
 Xml FromXml(const std::string& source, const std::string& word, const std::string& paramId, const std::string& text)
 {
     return Xml(word).Attr("type", source).TextChild("id", paramId).TextChild(

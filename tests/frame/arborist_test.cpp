@@ -16,7 +16,7 @@
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 
-/// Reaches the private steps that no public call leads to.
+/// Gives access to private steps that no public call reaches.
 struct ArboristPeer {
     static bool InitFaultTree(Arborist& arborist) { return arborist.InitFaultTree(); }
     static const std::string& UnzipDir(const Arborist& arborist) { return arborist.mUnzipDir; }
@@ -57,7 +57,7 @@ std::vector<std::string> Texts(const std::vector<std::shared_ptr<FaultTreeResult
     return texts;
 }
 
-// A node rule that holds the formula over its nodes, named like their files, against a limit.
+// A node rule that compares a formula over its nodes, which are named like their files, with a limit.
 Xml FormulaRule(const std::string& name, const std::vector<std::string>& files, const std::string& formula,
                 const Xml& test)
 {
@@ -86,7 +86,7 @@ protected:
     void WriteRules(const RuleXml& rules) { mDir.Write("FaultTreeRules.xml", rules.Text()); }
     void WriteNode(const std::string& file, const std::string& value) { mDir.Write("device/sys/" + file, value); }
 
-    // A battery that is worn and old, below an AND beside an OR.
+    // A rule set for a worn and old battery, with an AND beside an OR.
     void WriteBattery()
     {
         WriteTrees(TreeXml(TAG).Version("7").Tree(
@@ -178,7 +178,7 @@ TEST_F(ArboristTest, TreeFileWithoutTreesGivesNoResults)
     EXPECT_THAT(Arborist(mInfo).StartDetection(), IsEmpty());
     EXPECT_THAT(OwnLines(FT::LEVEL_WARN),
                 ElementsAre("FUNc:Arborist::StartDetection: StartDetection fault tree is invalid"));
-    EXPECT_TRUE(mDir.Has("programdata/Comms/Lumbra/zxdetectrepair/databases")); // rules were prepared for all the same
+    EXPECT_TRUE(mDir.Has("programdata/Comms/Lumbra/zxdetectrepair/databases")); // rules were still prepared
 }
 
 TEST_F(ArboristTest, EveryDetectionReadsTheFilesAnewAndEarlierResultsStay)
@@ -200,7 +200,7 @@ TEST_F(ArboristTest, SecondDetectionSeesAHealedDevice)
     EXPECT_FALSE(arborist.StartDetection()[0]->mIsFault);
 }
 
-// Nothing takes back what was read, and what fired once stays true as long as its records do.
+// Nothing removes the rule set that was read, and what fired once stays true as long as its records exist.
 TEST_F(ArboristTest, WhereTheFilesAreGoneASecondDetectionKeepsTheRuleSetAndWhatFired)
 {
     WriteBattery();
@@ -213,7 +213,7 @@ TEST_F(ArboristTest, WhereTheFilesAreGoneASecondDetectionKeepsTheRuleSetAndWhatF
     EXPECT_THAT(Texts(arborist.StartDetection()), ElementsAre("battery v7 fault wear[F1 S1 S2 R1 R2] hot[]"));
 }
 
-// The checker of command rules is made once, with the shared data of that time.
+// The checker of command rules is created once, with the shared data of that time.
 TEST_F(ArboristTest, CommandRulesKeepTheSharedDataOfTheirFirstDetection)
 {
     WriteTrees(TreeXml(TAG).Tree("T", Or({Basic("A")})));
@@ -228,7 +228,7 @@ TEST_F(ArboristTest, CommandRulesKeepTheSharedDataOfTheirFirstDetection)
                    .EventRule("A", {Single("c")})
                    .CommonPart({Xml("defDBTable").Attr("name", "d")}));
     EXPECT_FALSE(arborist.StartDetection()[0]->mIsFault);
-    EXPECT_TRUE(Arborist(mInfo).StartDetection()[0]->mIsFault); // no copies are enough when no number is asked
+    EXPECT_TRUE(Arborist(mInfo).StartDetection()[0]->mIsFault); // without a number, zero copies are enough
 }
 
 TEST_F(ArboristTest, WithoutDetectInfoEveryCallAnswersEmptyWithItsMessage)
@@ -330,7 +330,7 @@ TEST_P(CodeRuleQueries, SearchTheLastTreeAloneAfterADetection)
     WriteCodeRule();
     Arborist arborist(mInfo);
     EXPECT_THAT(arborist.StartDetection(), SizeIs(2));
-    EXPECT_EQ(Ask(arborist, "C"), ""); // A stands in the first tree
+    EXPECT_EQ(Ask(arborist, "C"), ""); // A is in the first tree
 }
 
 TEST_P(CodeRuleQueries, ReadTheRuleSetOnce)
@@ -470,7 +470,7 @@ TEST_F(ArboristTest, ObserverCanBeChangedAndTakenAway)
     arborist.SetObserver(second);
     first.reset();
     arborist.StartDetection();
-    EXPECT_THAT(second->Lines("formula"), SizeIs(3)); // checkers made before hear of it, too
+    EXPECT_THAT(second->Lines("formula"), SizeIs(3)); // checkers that were created before use it, too
     second->Clear();
     arborist.SetObserver(nullptr);
     arborist.StartDetection();

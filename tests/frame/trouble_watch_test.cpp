@@ -13,7 +13,7 @@ using Kind = Evidence::Trouble::Kind;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// Whom a watch tells.
+// Collects the trouble that a watch receives.
 class Heard {
 public:
     TroubleWatch::Listener Listener()

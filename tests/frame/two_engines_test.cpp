@@ -19,7 +19,8 @@ namespace {
 constexpr std::int64_t NOW = 1700000000;
 constexpr int ROUNDS = 5;
 
-// Formats each line, as a logger would, and keeps nothing: loggers have to look after their own threads.
+// Formats each line, as a logger would, without keeping anything, as loggers are responsible for their own thread
+// safety.
 class FormattingLogger : public FT::ILogger {
 public:
     explicit FormattingLogger(std::shared_ptr<std::atomic<int>> lines) : mLines(std::move(lines)) {}
@@ -80,7 +81,7 @@ protected:
             .Text());
     }
 
-    // Root causes of each round, and what one query says.
+    // The root causes of each round, and the answer of one query.
     std::vector<std::string> Run(const std::string& tag) const
     {
         const auto info = DetectInfoFor(mDir, tag);

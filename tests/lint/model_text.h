@@ -5,11 +5,11 @@
 
 #include "diagnosis/rule_source/rule_set.h"
 
-/// All that the engine reads of a folder's rule set for a tag, a line for each thing. Two rule sets with one text are
-/// read the same.
+/// Everything that the engine reads from a folder's rule set for a tag, one item a line. Rule sets with equal texts are
+/// read alike.
 std::string EngineModelText(const std::string& folder, const std::string& tag);
 
-/// The same of the view that the checks look at, by its own reading.
+/// The same for the view of the checks, from its own reading.
 std::string ViewModelText(const diagnosis::rule_source::RuleSet& rules);
 
 #endif

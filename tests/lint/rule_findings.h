@@ -7,11 +7,12 @@
 
 #include "diagnosis/lint/base/subject.h"
 
-/// What these checks find in rules, given as children of a "rule" element: "A505: message", in order of place.
+/// The findings of these checks in rules, which are given as children of a "rule" element: "A505: message", ordered by
+/// place.
 std::vector<std::string> FindingsInRules(const std::string& rules, const std::set<std::string>& checks,
     const std::vector<diagnosis::lint::DeviceProfile>& devices = {});
 
-/// The same of one "alarmId" of the rule "r", in scene 1.
+/// The same for one "alarmId" of the rule "r" in scene 1.
 std::vector<std::string> FindingsInItem(const std::string& alarmId, const std::set<std::string>& checks);
 
 #endif

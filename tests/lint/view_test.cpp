@@ -10,7 +10,7 @@ using diagnosis::rule_source::RuleSet;
 
 namespace {
 
-// A view that read anything else than the engine would tell of mistakes that there are none.
+// If a view read anything else than the engine, it would report mistakes that don't exist.
 void ExpectSameReading(const std::string& folder, const std::string& tag)
 {
     const auto files = ReadRuleSetFiles(folder, "");

@@ -1,5 +1,4 @@
-// Rule sets as they come off a device in trouble: cut off, of another kind, too deep. Each must load or be refused
-// with its line, and never more than that.
+// Damaged rule sets: truncated, of another kind, too deep. Each must either load or be refused with its log line.
 
 #include <cstddef>
 #include <filesystem>
@@ -51,7 +50,7 @@ protected:
     // Parses anew with these files; the loader stays until the next call.
     const FaultTreeParser& Parse(const std::string& trees, const std::string& rules)
     {
-        // Fresh files: some file systems wait for the disk when a file is cut to nothing and written anew.
+        // Writes new files, as some file systems wait for the disk when a file is truncated and rewritten.
         std::filesystem::remove(mDir.Path("FaultTrees.xml"));
         std::filesystem::remove(mDir.Path("FaultTreeRules.xml"));
         mDir.Write("FaultTrees.xml", trees);
@@ -120,7 +119,7 @@ TEST_P(BadFileTest, IsRefusedWithItsLineInBothPlaces)
     EXPECT_EQ(mLog.Lines(FT::LEVEL_ERROR).size(), 2U);
 }
 
-// Every second byte null, as an editor of another system writes it.
+// Every second byte is zero, as in files from some editors.
 std::string AsUtf16(const std::string& text)
 {
     std::string wide = "\xFF\xFE";

@@ -277,7 +277,7 @@ TEST_F(FaultTreeParserTest, EmptyIdFindsNothingEvenWhereAnItemHasIt)
     EXPECT_THAT(mParser.GetSuggestionListById(""), IsEmpty());
 }
 
-// The look-ups as they are told: walks over the lists.
+// The look-ups by linear search over the lists.
 std::string CodeRuleNameByWalk(const FaultTreeParser& parser, const std::string& detectCode)
 {
     for (const auto& listed : parser.GetCodeRuleList()) {
@@ -329,7 +329,7 @@ TEST_F(FaultTreeParserTest, LookUpsOfRandomRuleSetsAnswerAsWalksWould)
 
 TEST_F(FaultTreeParserTest, RepairWithAnOperationIsIdAndOperation)
 {
-    // The operation's key must not be spelled out in plain; a JSON escape hides it from the text.
+    // The text must not contain the plain key of the operation; a JSON escape hides it.
     WriteRules(RuleXml("jank").Repair("A",
         {{"r1", R"({"r1": "{\"\u006fperation\": \"reset\"}"})"}, {"r2", ""}}));
     mParser.StartParse();

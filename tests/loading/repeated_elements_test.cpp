@@ -1,4 +1,4 @@
-// Where an element may stand once, the first counts, also when it says nothing.
+// If an element may occur only once, the first one counts, even if it is empty.
 
 #include <string>
 
@@ -123,7 +123,7 @@ std::string Text(const DefDbTableBean& bean)
     return text;
 }
 
-// All that a rule file says of rules and common parts, as one text.
+// Everything that a rule file says about rules and common parts, as one text.
 std::string Read(const std::string& file)
 {
     const XmlText xml(file);
@@ -146,7 +146,7 @@ std::string Read(const std::string& file)
     return text;
 }
 
-// An element that stands once in its place, which is where `place` has a "?": one, another, and one that says nothing.
+// An element that may occur once, at the "?" of `place`: one, another one, and an empty one.
 struct OnceCase {
     const char* name;
     std::string place;

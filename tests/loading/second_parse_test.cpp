@@ -94,8 +94,8 @@ TEST_F(SecondParseTest, RuleFileThatIsGoneOrBrokenLeavesTheRules)
     EXPECT_TRUE(mParser.IsParseDone());
 }
 
-// Tells of each line which thread wrote it, and how many that thread had written. A thread that is gone may hand its
-// number to the next, but not its count.
+// Records for each line which thread wrote it, and how many lines that thread had written. A later thread may get the
+// number of one that has ended, but not its count.
 class ThreadLogger : public FT::ILogger {
 public:
     explicit ThreadLogger(std::vector<std::string>& lines) : mLines(lines) {}
@@ -122,7 +122,7 @@ TEST_F(SecondParseTest, EachFileIsReadOnAThreadOfItsOwn)
     std::vector<std::string> lines;
     FT::Log::GetInstance().SetUserLogger(std::make_unique<ThreadLogger>(lines));
     mParser.StartParse();
-    // The tree file's path, the rule file's path, and that this one can't be read.
+    // The path of the tree file, the path of the rule file, and the line that the latter can't be read.
     EXPECT_THAT(lines, ElementsAre("1 by a thread, line 1", "1 by the caller", "4 by a thread, line 1"));
 }
 

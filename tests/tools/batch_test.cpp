@@ -42,7 +42,7 @@ std::vector<std::string> Lines(const std::string& text)
     return lines;
 }
 
-// "name" for each line, "name: code" where it was not diagnosed.
+// "name" for each line, "name: code" for a bundle that was not diagnosed.
 std::vector<std::string> Outcomes(const std::string& out)
 {
     std::vector<std::string> outcomes;
@@ -59,7 +59,7 @@ std::vector<std::string> Outcomes(const std::string& out)
 
 class BatchTest : public testing::Test {
 protected:
-    // Bundles "b0", "b1" ..., all of one rule set; each twentieth has a bundle.json that is none.
+    // Bundles "b0", "b1" ... with the same rule set; each twentieth has an invalid bundle.json.
     std::vector<std::string> WriteBundles(int count)
     {
         WriteHotBundle(mDir, "b0");
@@ -101,7 +101,7 @@ std::vector<std::string> ExpectedOutcomes(std::vector<std::string> names)
     return names;
 }
 
-// Each broken in another way, by its place in the list.
+// Breaks ten bundles in different ways; returns them by their position in the list.
 std::map<std::size_t, std::string> BreakTen(const TempDir& dir, std::vector<std::string>& names)
 {
     dir.Write("malformed/FaultTrees.xml", "<a>");
@@ -226,7 +226,7 @@ TEST_F(BatchTest, ARunThatIsEndedLeavesAnOldOutputAsItWas)
 {
     WriteCodeBundle(mDir, "b", {"info"});
     mDir.Write("results.jsonl", "old\n");
-    // The program of the code rule ends the batch, which is the parent of the worker that asks.
+    // The program of the code rule kills the batch, which is the parent of its worker.
     const auto runner = Script("kill -TERM $(ps -o ppid= -p $PPID)");
     const auto result = RunArborist({"detect", "--batch", "-", "--output", "results.jsonl", "--code-runner", runner},
         {.input = "b\n"});
@@ -261,7 +261,7 @@ TEST_F(BatchTest, AWorkerThatCrashesCostsItsBundleOnly)
 {
     WriteCodeBundle(mDir, "crashing", {"info"});
     WriteHotBundle(mDir, "good");
-    // A signal that no sanitizer turns into an exit.
+    // A signal that sanitizers can't handle.
     const auto runner = Script("kill -KILL $PPID");
     const auto result = RunArborist({"detect", "--batch", "-", "--jobs", "1", "--code-runner", runner},
         {.input = "good\ncrashing\ngood\ncrashing\ngood\n"});
@@ -282,7 +282,7 @@ TEST_F(BatchTest, ABundleThatTakesTooLongIsGivenUp)
     EXPECT_EQ(result.status, 5);
 }
 
-// Each processor that this test may use, as the system lists one that is alone.
+// The processors that this test may use, each as the system writes a list of one.
 std::vector<std::string> Processors()
 {
     cpu_set_t allowed;
@@ -296,7 +296,7 @@ std::vector<std::string> Processors()
     return names;
 }
 
-// As many workers as processors share these out; fewer go where the system puts them.
+// With as many workers as processors each is bound to one; with fewer the system places them.
 TEST_F(BatchTest, WorkersHaveAProcessorEachWhereThereIsOneForEveryProcessor)
 {
     const std::vector<std::string> processors = Processors();
@@ -359,7 +359,7 @@ TEST_F(BatchTest, OnATerminalALineTellsHowFarItIs)
     const auto result = RunProcess({"script", "--quiet", "--return", "--command",
         "'" ARBORIST_COMMAND "' detect --batch list > results", "/dev/null"});
     EXPECT_THAT(result.out, ContainsRegex("\r[0-9]+ of 20 bundles, .* a second, .* left, [0-9]+ with faults, [01] not "));
-    EXPECT_THAT(result.out, HasSubstr("\r\x1b[Karborist: 20 bundles in ")); // the summary takes its place
+    EXPECT_THAT(result.out, HasSubstr("\r\x1b[Karborist: 20 bundles in ")); // the summary replaces it
     EXPECT_EQ(result.status, 4);
     EXPECT_EQ(Lines(mDir.Read("results")).size(), 20U);
 }
@@ -377,7 +377,7 @@ TEST_F(BatchTest, LinesThatCannotBeWrittenAreAnInternalError)
 {
     WriteHotBundle(mDir, "b");
     const auto result = RunProcess({"sh", "-c", "echo b | '" ARBORIST_COMMAND "' detect --batch - > /dev/full"});
-    EXPECT_EQ(result.err, // without a summary of lines that nobody has
+    EXPECT_EQ(result.err, // without a summary, as nobody received the lines
         "arborist: standard output could not be written\n");
     EXPECT_EQ(result.status, 5);
 }
@@ -460,7 +460,7 @@ TEST_F(BatchRecipeTest, ASlurmArrayRunsAllTasks)
     script.replace(script.find("/200"), 4, "/3");
     mDir.Write("diagnose.sh", script);
     for (const char* task : {"1", "2", "3"}) {
-        mSetup.environment["SLURM_ARRAY_TASK_COUNT"] = "1"; // as for a task that is submitted again alone
+        mSetup.environment["SLURM_ARRAY_TASK_COUNT"] = "1"; // as for a task that is submitted again by itself
         mSetup.environment["SLURM_ARRAY_TASK_ID"] = task;
         mSetup.environment["SLURM_CPUS_PER_TASK"] = "2";
         EXPECT_EQ(RunProcess({"bash", "diagnose.sh"}, mSetup).status, 0);

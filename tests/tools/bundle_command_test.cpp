@@ -19,7 +19,7 @@ using testing::StartsWith;
 
 namespace fs = std::filesystem;
 
-// 2024-05-20 12:00:00 UTC, the moment of WriteDropsBundle.
+// 2024-05-20 12:00:00 UTC, the time of WriteDropsBundle.
 constexpr std::int64_t NOW = 1716206400;
 constexpr std::int64_t DAY = 86400;
 
@@ -33,7 +33,7 @@ protected:
         return RunArborist(arguments);
     }
 
-    // What a detection prints, run in `folder` and in another zone, where the bundle is always named the same.
+    // The output of a detection that runs in `folder` and in another zone, with the same name of the bundle.
     std::string Detect(const std::string& folder, const std::string& bundle, const std::vector<std::string>& more = {}) const
     {
         std::vector<std::string> arguments = {"detect", "--json", "--tree", "--log-level", "none", bundle};
@@ -41,7 +41,7 @@ protected:
         return RunArborist(arguments, {.environment = {{"TZ", "Asia/Tokyo"}}, .directory = folder}).out;
     }
 
-    // A bundle for the machine that it is run on: its rule names an absolute path of `value`.
+    // A bundle for `--live`: its rule names the absolute path of a file with `value`.
     void WriteLiveBundle(const std::string& value) const
     {
         const auto path = mDir.Write("machine/sys/temperature", value);
@@ -73,7 +73,7 @@ TEST_F(BundleCommandTest, APackedBundleReplaysElsewhereByteForByte)
     EXPECT_EQ(Detect("packed", "b"), original);
 }
 
-// A device tells neither its moment nor its zone: both are those of the packing, wherever it is replayed.
+// A device that has neither a time nor a zone gets those of the packing, wherever it is replayed.
 TEST_F(BundleCommandTest, ADeviceWithoutAZoneReplaysInAnotherZone)
 {
     PrepareLaptop("here/b");
@@ -246,7 +246,7 @@ TEST_F(BundleCommandTest, TheTargetsNameDecidesItsKind)
     EXPECT_THAT(RunArborist({"bundle", "info", "B.ZIP"}).out, StartsWith("B.ZIP (zip)\n"));
 }
 
-// Pipes and folders in the places of all files of a device, and then of the rules: told, and not waited for.
+// Pipes and folders in place of all files of a device, and then of the rules, are reported without waiting for them.
 TEST_F(BundleCommandTest, NoFileOfABundleHasToBeAPlainOne)
 {
     PrepareLaptop("b");

@@ -17,8 +17,8 @@ ProcessResult RunArboristOnTerminal(std::vector<std::string> arguments, const Pr
 /// A bundle.json with the two required keys, the tag "Tag", and `more` members (", \"now\": 5").
 std::string BundleJson(const std::string& more = "");
 
-/// Writes a bundle whose one tree "T" has the basic event "HOT": true when the node file "temperature" in the bundle
-/// holds more than 70. It has a description, two suggestions and a repair with an operation. The file says 80.
+/// Writes a bundle whose one tree "T" has the basic event "HOT": true if the node file "temperature" in the bundle has
+/// more than 70. It has a description, two suggestions and a repair with an operation. The file says 80.
 void WriteHotBundle(const TempDir& dir, const std::string& name, const std::string& json = BundleJson());
 
 /// Writes a bundle whose tree "T" has one basic event for each of `infos` ("C1", "C2", ...), decided by a code rule
@@ -26,14 +26,14 @@ void WriteHotBundle(const TempDir& dir, const std::string& name, const std::stri
 void WriteCodeBundle(const TempDir& dir, const std::string& name, const std::vector<std::string>& infos,
     const std::string& json = BundleJson());
 
-/// Writes a bundle whose tree "T" has the basic event "DROPS": true when the event log, which the caller adds, has at
+/// Writes a bundle whose tree "T" has the basic event "DROPS": true if the event log, which the caller adds, has at
 /// least three events 1001 within 7 days before 2024-05-20 12:00:00 in UTC. It has a repair "R".
 void WriteDropsBundle(const TempDir& dir, const std::string& name);
 
-/// Where a bundle keeps its event log.
+/// Path of the event log in a bundle.
 inline constexpr char LOG_OF_BUNDLE[] = "/programdata/Comms/Lumbra/workDir/0/log.db";
 
-/// Makes the laptop example, which has rules of all families and external databases, runnable in `name`.
+/// Prepares a runnable copy of the laptop example, which has rules of all families and external databases, in `name`.
 void PrepareLaptop(const std::string& name);
 
 /// Every path below `folder` with its kind, time of change and content.

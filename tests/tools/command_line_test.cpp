@@ -107,7 +107,7 @@ TEST(ClosedStreams, ResultsThatGoNowhereAreAnError)
     EXPECT_THAT(RunArborist({"detect", "packed.zip"}).out, HasSubstr("1. HOT"));
 }
 
-// Standard output is a pipe that nobody reads any more, as "| head -1" leaves it behind.
+// Standard output is a pipe without a reader, as after "| head -1".
 ProcessResult RunForNobody(const std::string& command, const ProcessSetup& setup)
 {
     return RunProcess({"sh", "-c", "mkfifo nobody; exec 3<>nobody; exec >nobody; exec 3>&-; rm nobody; exec '"
@@ -130,7 +130,7 @@ TEST(ClosedStreams, AReaderWhoLeavesEndsTheCommandInSilence)
         EXPECT_EQ(result.err, "") << command;
         EXPECT_EQ(result.status, 128 + SIGPIPE) << command;
         EXPECT_TRUE(std::filesystem::is_empty("tmp")) << command;
-        // Who has the signal ignored wants to be told.
+        // If the signal is ignored, the failure is reported instead.
         std::signal(SIGPIPE, SIG_IGN);
         const auto told = RunForNobody(command, setup);
         std::signal(SIGPIPE, SIG_DFL);

@@ -17,7 +17,7 @@ struct LineCase {
 };
 void PrintTo(const LineCase& line, std::ostream* out) { *out << line.name; }
 
-/// The scripts in the shells that they are for. A shell that is not installed is passed over.
+/// Runs the scripts in their shells. Skips a shell that is not installed.
 class CompletionOf : public testing::TestWithParam<LineCase> {
 protected:
     CompletionOf() { mDir.Write("some-bundle/bundle.json", ""); }
@@ -64,7 +64,7 @@ TEST_P(CompletionOf, FishOffersTheWord)
     ScriptFor("fish", "completion");
     const auto result = RunProcess({"fish", "--no-config", "-c", "source completion; complete -C '" + Line() + "'"},
         {.environment = {{"HOME", mDir.Path("home")}, {"XDG_CONFIG_HOME", mDir.Path("home")}}});
-    // A word, a tab, its description; a folder ends in a separator.
+    // Output is a word, a tab and its description; a folder ends in a separator.
     EXPECT_EQ(result.out.substr(0, result.out.find_first_of("\t/\n")), GetParam().expected);
     EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 1) << result.out;
     EXPECT_THAT(result.err, IsEmpty());
@@ -77,7 +77,8 @@ TEST_P(CompletionOf, ZshPutsTheWordIntoTheLine)
     }
     ScriptFor("zsh", "functions/_arborist");
     EXPECT_THAT(RunProcess({"zsh", "-n", "functions/_arborist"}).err, IsEmpty());
-    // A shell at a terminal of its own; its words are waited for, one "r''eady" told from the command that prints it.
+    // Runs a shell on a terminal of its own and waits for its output; "r''eady" distinguishes the output from the
+    // command that prints it.
     const std::string script = "zmodload zsh/zpty\n"
         "zpty shell zsh -f -i\n"
         "zpty -w shell \"PS1=; fpath=($PWD/functions \\$fpath); autoload -Uz compinit; compinit -u -D; echo r''eady\"\n"
@@ -103,7 +104,7 @@ INSTANTIATE_TEST_SUITE_P(Table, CompletionOf, testing::Values(
     LineCase{"OptionOfAll", {"--versi"}, "--version"},
     LineCase{"File", {"detect", "some-"}, "some-bundle"}), CaseName());
 
-// Bash cuts a word at the sign.
+// Bash splits a word at the sign.
 TEST(CompletionTest, BashOffersValuesBehindAnEqualsSign)
 {
     const TempDir dir;

@@ -280,7 +280,7 @@ TEST_F(DetectCommandTest, ALogThatCannotBeWrittenToItsEndIsToldOnce)
     EXPECT_THAT(single.out, HasSubstr("1. HOT"));
     EXPECT_EQ(single.err, told);
     EXPECT_EQ(single.status, 5);
-    // The lines are written by the workers.
+    // The workers write the lines.
     const auto batch = RunArborist({"detect", "--log-file", "/dev/full", "--batch", "-", "--jobs", "2"},
         {.input = "b\nb\nb\n"});
     EXPECT_EQ(std::count(batch.out.begin(), batch.out.end(), '\n'), 3);

@@ -7,7 +7,7 @@ namespace {
 
 class DiskWaitTest : public testing::Test {
 protected:
-    // How often the command waits for the disk.
+    // The number of times that the command waits for the disk.
     std::size_t WaitsOf(const std::vector<std::string>& arguments) const
     {
         const ProcessSetup setup{.environment = {{"LD_PRELOAD", SYNC_COUNTER}, {"SYNC_COUNT_FILE", mDir.Path("waits")},

@@ -18,7 +18,7 @@ using testing::StartsWith;
 
 class ExplainCommandTest : public testing::Test {
 protected:
-    // Nodes "yes" and "no" decide rules of these names; events A and B ask "yes", C and D "no".
+    // The nodes "yes" and "no" decide the rules of these names; the events A and B use "yes", C and D "no".
     void WriteTree(const Xml& gate, const std::string& observed = "")
     {
         RuleXml rules("Tag");
@@ -304,7 +304,7 @@ TEST_F(ExplainCommandTest, ABundleThatCannotBeRunIsToldAndTheNextGoesOn)
     EXPECT_EQ(result.status, 4);
 }
 
-// A reader sees why "on" is not "on".
+// The line end explains why "on" differs from "on".
 TEST_F(ExplainCommandTest, TheLineEndOfATextIsShownWhereItCounts)
 {
     WriteTree(Or({Basic("A")}));

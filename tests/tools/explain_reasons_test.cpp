@@ -18,11 +18,11 @@ using testing::HasSubstr;
 constexpr std::int64_t NOW = 1700000000; // 2023-11-14 22:13:20 in UTC
 const std::string LOG = "b/programdata/Comms/Lumbra/workDir/0/log.db";
 
-/// A bundle whose tree "T" has the basic event "E" with the rule "r", and what is told of it.
+/// A bundle whose tree "T" has the basic event "E" with the rule "r", and the expected explanation.
 struct ReasonCase {
     /// The word of the reason.
     const char* name;
-    /// The rule "r", and what else the rule file needs.
+    /// Adds the rule "r" and everything else that the rule file needs.
     std::function<void(RuleXml&)> rules;
     const char* verdict;
     /// Lines of the text, in order.
@@ -322,7 +322,7 @@ INSTANTIATE_TEST_SUITE_P(NodeAndCode, ExplainedReason, testing::ValuesIn(NodeCod
 
 TEST(ExplainedReasonsTest, EveryReasonHasAScenario)
 {
-    // Rule files bring no such rule, condition or event; the library meets them in records made by hand alone.
+    // Such rules, conditions or events can't come from rule files, only from records that a program creates.
     std::set<std::string> told{"no_checker", "unknown_condition", "no_event_id"};
     for (const auto& cases :
         {CasesBeforeTheChecker(), AlarmCases(), CommandCases(), NodeCodeAndConditionCases()}) {

@@ -23,7 +23,7 @@ class GraphCommandTest : public testing::Test {
 protected:
     void SetUp() override { WriteHotBundle(mDir, "b"); }
 
-    /// Puts other trees in the bundle's place.
+    /// Replaces the trees of the bundle.
     void Trees(const TreeXml& trees) const { mDir.Write("b/rules/FaultTrees.xml", trees.Text()); }
 
     static std::string Graph(std::vector<std::string> arguments)

@@ -12,8 +12,8 @@ Json::Value ParsedJson(const std::string& text);
 /// A page of docs/ as one text.
 std::string PageOfDocs(const std::string& name);
 
-/// What of `value` is not as the schema says, "results/0/tree: lacks id". Knows the words of JSON Schema that our
-/// schemas use and names any other; a key that the schema doesn't list counts as wrong, although readers allow it.
+/// The violations of the schema by `value`: "results/0/tree: lacks id". Supports the words of JSON Schema that our
+/// schemas use and reports any other. A key that the schema doesn't list is a violation, although readers allow it.
 std::vector<std::string> Violations(const Json::Value& schema, const Json::Value& value);
 
 #endif

@@ -38,7 +38,7 @@ std::string RuleFile(const std::string& attributes = "", const std::string& befo
 
 class LintCommand : public testing::Test {
 protected:
-    // A rule set in "rules" whose one trouble is A401 in line 12.
+    // A rule set in "rules" whose only finding is A401 in line 12.
     void SetUp() override
     {
         fs::create_directory("rules");
@@ -206,7 +206,7 @@ TEST_F(LintCommand, ACommentSuppressesWhatTheElementBehindItHolds)
                                          Not(HasSubstr("error A401"))));
     Write(RuleFile(" detectScene=\"1\"", "<!-- arborist-disable A999 -->"));
     EXPECT_THAT(Lint({"rules"}).out, HasSubstr("the comment suppresses \"A999\", which is no check"));
-    // A check that did not run may find something another time.
+    // A suppression of a check that did not run is no finding.
     Write(RuleFile("", "<!-- arborist-disable A401 -->"));
     EXPECT_EQ(Lint({"rules", "--disable", "A401"}).out, "no findings\n");
 }
@@ -221,7 +221,7 @@ TEST_F(LintCommand, ABaselineHoldsWhatIsKnown)
     const auto known = Lint({"rules", "--baseline", "lint.txt"});
     EXPECT_EQ(known.status, 0);
     EXPECT_EQ(known.out, "no findings, 1 in the baseline\n");
-    // A second one of the same element is new.
+    // A second finding about the same element is new.
     Write(RuleFile("", "<codeRule name=\"r\"><detectInfo id=\"D\"/></codeRule>"));
     EXPECT_EQ(Lint({"rules", "--baseline", "lint.txt", "--only", "A401"}).status, 1);
     mDir.Write("lint.txt", "A401 rules\n");
@@ -251,7 +251,7 @@ TEST_F(LintCommand, ReadsAnEditorsFileFromStandardInput)
     const ProcessSetup renamed{.input = RuleFile().replace(RuleFile().find("<ID>E"), 5, "<ID>F")};
     EXPECT_THAT(Lint({"-", "--stdin-filename", "rules/FaultTreeRules.xml", "--format", "short"}, renamed).out,
         HasSubstr("rules/FaultTrees.xml:7:28: warning: no entry of \"EventRules\" is for the event \"E\" [A301]\n"));
-    // Alone, it is not asked for what the other file would say.
+    // Linted alone, checks that need the other file don't run.
     EXPECT_EQ(Lint({"-", "--format", "short"}, renamed).out,
         "-:12:10: error: the rule \"r\" names no scene [A401]\n");
 }

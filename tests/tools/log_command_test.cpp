@@ -204,7 +204,7 @@ TEST_F(LogCommandTest, APipeOrAFolderInPlaceOfALogIsToldAndNotWaitedFor)
     }
 }
 
-// Views in the place of a table: one that counts for ever, one that makes a text of a gigabyte.
+// Views in place of a table: one that runs for ever, one that builds a text of a gigabyte.
 TEST_F(LogCommandTest, AViewThatNeverEndsIsGivenUp)
 {
     const auto view = [](const std::string& rows) {

@@ -75,7 +75,8 @@ TEST_F(LogSliceTest, LimitsAddUp)
 
 TEST_F(LogSliceTest, AnEventStaysWithEitherOfItsMoments)
 {
-    // Event 1 is named by a late moment; the moment of its own key is early. Event 4's own moment is named otherwise.
+    // A late time refers to event 1, whose own key has an early time. The time with the key of event 4 refers to
+    // another event.
     EventLogBuilder::Run(mDir.Path("log.db"), "INSERT INTO event_info_flow VALUES (9, 1, 1700000)");
     EXPECT_EQ(Slice({"--from", std::to_string(15 * DAY)}), "1 4|4 9");
 }

@@ -20,7 +20,7 @@ using testing::MatchesRegex;
 
 using Words = std::vector<std::string>;
 
-// Every command by its words, as the help pages name those below them.
+// The words of all commands, collected from the lists of subcommands in the help.
 std::vector<Words> AllCommands(const Words& words = {})
 {
     std::vector<Words> commands = {words};
@@ -109,7 +109,7 @@ std::string Page(const std::string& name)
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-/// The synopses of docs/command.md: what stands behind "arborist WORDS", or behind "RUN:", in all lines that it takes.
+/// The synopses of docs/command.md: the text behind "arborist WORDS", or behind "RUN:", over all its lines.
 class Synopses {
 public:
     Synopses()

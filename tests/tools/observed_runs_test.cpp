@@ -62,7 +62,7 @@ Run RunBundle(const std::string& path, bool isObserved)
 
 void ExpectSameRuns(const std::string& path)
 {
-    RunBundle(path, false); // makes what the first run of a bundle makes
+    RunBundle(path, false); // creates what the first run of a bundle creates
     const Run plain = RunBundle(path, false);
     const Run observed = RunBundle(path, true);
     EXPECT_FALSE(plain.results.empty());
@@ -89,7 +89,7 @@ TEST(ObservedRunsTest, TheLinuxHostIsDiagnosedTheSame)
     ExpectSameRuns(dir.Path("host"));
 }
 
-/// Bundles of all four families, whole and broken rules side by side.
+/// Random bundles with rules of all four families, some of them broken.
 class RandomBundle {
 public:
     explicit RandomBundle(unsigned seed) : mRandom(seed) {}

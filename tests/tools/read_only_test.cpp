@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A command that reads; "BUNDLE" and "LOG" stand for the paths of the bundle and of its event log.
+/// A command that only reads; "BUNDLE" and "LOG" are replaced by the paths of the bundle and of its event log.
 struct ReadingCase {
     const char* name;
     std::vector<std::string> command;
@@ -32,7 +32,7 @@ protected:
 
     void TearDown() override { SetWritable(true); }
 
-    // Nobody may write into "in", and everybody into the folders beside it.
+    // Makes "in" read-only for everybody, and the folders beside it writable for everybody.
     void SetWritable(bool isWritable) const
     {
         const auto option = isWritable ? fs::perm_options::add : fs::perm_options::remove;
@@ -43,7 +43,7 @@ protected:
         }
     }
 
-    // The words before a command that make it run as nobody, whom rights bind; none where that is not possible.
+    // The command prefix that runs a command as "nobody", to whom permissions apply; empty if that is not possible.
     std::vector<std::string> AsNobody() const
     {
         const std::vector<std::string> words = {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"};
@@ -64,7 +64,7 @@ protected:
         return RunProcess(before, {.input = bundle + "\n", .environment = {{"TMPDIR", mDir.Path("tmp")}}});
     }
 
-    // What the command printed.
+    // Returns the output of the command.
     std::string ExpectThatAllStays(const std::string& bundle, const std::vector<std::string>& before = {})
     {
         const auto state = StateOf("in");

@@ -23,7 +23,7 @@ std::string Content(const std::string& path)
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-// What stands in the README's first block of a language, or in one behind it.
+// The README's first block of a language, or a later one.
 std::string Block(const std::string& language, std::size_t before = 0)
 {
     const std::string readme = Content("README.md");
@@ -76,7 +76,7 @@ TEST_F(ReadmeOutputTest, ItsExplanationIsWhatTheDemoPrints)
     EXPECT_THAT(explanation, HasSubstr(block.substr(end + gap.size())));
 }
 
-// What it is, how to try it, and what comes of it.
+// What it is, how to try it, and the result.
 TEST(ReadmeTest, ItsFirstScreenHasTheExplanation)
 {
     const std::string readme = Content("README.md");

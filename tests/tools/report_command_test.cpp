@@ -15,10 +15,10 @@ using testing::Not;
 using testing::StartsWith;
 
 const std::string HOSTILE = "\"]]>--></title></style><script>alert(1)</script><img src=x onerror='alert(2)'>&lt;\\";
-// The engine parts ways and cut sets with "/" and "&": an id that holds one is never a root cause.
+// Paths and cut sets are split at "/" and "&": an id that contains one of them is never a root cause.
 const std::string HOSTILE_ID = "\"]]>--><script>alert(1)<img src=x onerror='alert(2)'>\\";
 
-// Reads the page as browsers do, and answers each script, event handler, link out of the page and unclosed element.
+// Parses the page like a browser and reports each script, event handler, external link and unclosed element.
 constexpr char CHECK_PAGE[] = R"(
 import sys, html.parser
 VOID = {'meta', 'br', 'img', 'link', 'input', 'hr'}

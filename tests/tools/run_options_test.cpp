@@ -17,7 +17,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-/// What all commands that run a bundle take alike.
+/// Options that all commands that run a bundle share.
 struct RunCase {
     const char* name;
     std::vector<std::string> command;
@@ -66,7 +66,7 @@ TEST_P(RunCommand, AProgramAnswersCodeRules)
     EXPECT_THAT(Run({"b", "--code-runner", "/bin/sh", "--code-timeout", "0"}).status, 2);
 }
 
-// A rule set of every family with derived tables and copies of databases, out of a zip.
+// A rule set of all families with derived tables and copies of databases, in a zip.
 TEST_P(RunCommand, NoPathOfTheScratchFolderIsShown)
 {
     PrepareLaptop("laptop");

@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 // 2024-05-19 00:00:00 UTC.
 constexpr std::int64_t A_DAY_BEFORE = 1716076800;
 
-/// Runs the command with a folder for temporary files that can be looked into.
+/// Runs the command with a folder for temporary files that the test can inspect.
 class ScratchTest : public testing::Test {
 protected:
     ScratchTest() { mDir.MakeDir("tmp"); }
@@ -142,7 +142,7 @@ TEST_F(ScratchTest, IsGoneAfterSignalsThatEndTheProcess)
 TEST_F(ScratchTest, AProgramThatIsRunningEndsWithTheProcess)
 {
     WriteCodeBundle(mDir, "b", {"info"});
-    // The reader of the pipe comes to an end when nobody of the program's group holds its other side any more.
+    // The reader of the pipe ends when no process of the program's group has its other side open any more.
     Script("runner", "exec 3> ../pipe\nsleep 600 &\nkill -TERM $PPID\nwait");
     const auto reader = RunProcess({"sh", "-c", "mkfifo pipe; '" ARBORIST_COMMAND "' detect --code-timeout 600 "
         "--code-runner ./runner b & timeout 60 cat pipe && wait $!"});
@@ -165,7 +165,8 @@ TEST_F(ScratchTest, ALogThatIsBeingMadeIsGoneAfterSignals)
     mDir.Write("lines", lines);
     mDir.Write("made/log.db", "the old log");
     for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
-        // When all lines are written, which are more than a pipe takes, the command reads them: its file is there.
+        // The lines are more than a pipe buffers, so that once all are written the command is reading them and its file
+        // exists.
         const auto result = RunProcess({"sh", "-c", "rm -f pipe; mkfifo pipe; env --default-signal '" ARBORIST_COMMAND
             "' log import - --to made/log.db < pipe & exec 3> pipe; cat lines >&3; ls made; kill -"
             + std::to_string(number) + " $!; wait $!"});

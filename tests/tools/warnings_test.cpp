@@ -225,7 +225,7 @@ TEST_F(WarningsTest, StrictTakesTheMostSeriousOfWarningsAndFaults)
     EXPECT_EQ(Detect({"--strict"}).status, 3);
 }
 
-/// One warning as it is told, wherever it is told.
+/// One warning and its expected output in every place.
 struct WarningCase {
     const char* code;
     std::function<void(WarningsTest&)> prepare;
@@ -384,7 +384,7 @@ TEST(WarningsPageTest, ListsEveryCodeThatHasATest)
     EXPECT_EQ(listed, tested);
 }
 
-// A table of events alone depends on no attribute.
+// A table of events without thresholds depends on no attribute.
 TEST_F(WarningsTest, EmptyAttributesAreNothingToARuleSetWithoutThresholds)
 {
     WriteBundle(Command("select count(*) as n from EVENTS"), "command", {Events()});

@@ -32,7 +32,7 @@ using Bytes = std::vector<std::uint8_t>;
 
 class FileUtilTest : public testing::Test {
 protected:
-    // A file of zeros that takes no room.
+    // A sparse file of zeros.
     std::string Sparse(const std::string& name, std::uintmax_t size) const
     {
         mDir.Write(name, "");
@@ -467,7 +467,7 @@ TEST_F(FileUtilTest, FileOneByteOverTheLimitIsRefused)
     EXPECT_THAT(buffer, IsEmpty());
 }
 
-// A reader that waits for any of these would never come back.
+// Reading any of these with blocking calls would never return.
 TEST_F(FileUtilTest, WhatIsNoFileIsRefusedAtOnce)
 {
     mDir.MakeDir("folder");
@@ -521,7 +521,7 @@ TEST_F(FileUtilTest, DeviceWhoseOpeningMayHaveEffectsIsRefused)
     EXPECT_FALSE(FileUtil::LoadStringFromFile("/dev/ptmx", text));
 }
 
-// Of size 0 (or, in sysfs, of a page) as the file system tells it.
+// The file system reports the size 0 (or, in sysfs, of a page).
 TEST_F(FileUtilTest, FileOfTheKernelIsReadToItsEnd)
 {
     std::string text;

@@ -1,4 +1,4 @@
-// The conversions of texts to numbers, held against those of the C library on any text.
+// Compares the conversions of texts to numbers with those of the C library on random texts.
 
 #include <cerrno>
 #include <cmath>
@@ -28,7 +28,7 @@ std::string FloatText(RandomCases& cases)
         ".", "e", "E-", "e+", "p", "p-", "38", "308", "400", "45", "324", "inf", "inity", "nan", "nan(1)", "x", ","}, 7);
 }
 
-// What strtoll makes of a text; nothing where it fails.
+// The result of strtoll; nothing if it fails.
 std::optional<long long> Whole(const std::string& text, int base, std::size_t& used)
 {
     char* end = nullptr;

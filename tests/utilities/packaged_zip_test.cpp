@@ -1,4 +1,4 @@
-// Archives as a packaged program writes them, and such as lie about what they hold.
+// Archives written by an installed program, and archives with false descriptions of their content.
 
 #include "arborist/utilities/zip_util.h"
 
@@ -44,9 +44,9 @@ std::uint32_t ChecksumOf(const std::string& text)
     return static_cast<std::uint32_t>(crc32(0, bytes, static_cast<uInt>(text.size())));
 }
 
-constexpr std::uint32_t IN_THE_FIELD = 0xFFFFFFFF; // the mark of a length that stands in the zip64 field
+constexpr std::uint32_t IN_THE_FIELD = 0xFFFFFFFF; // marks a length that is in the zip64 field
 
-// One stored entry "f", and what is told of it where that is not the truth.
+// One stored entry "f", and the false values in its description.
 struct Told {
     std::string content = "text";
     std::uint32_t length = 4;
@@ -60,7 +60,7 @@ struct Told {
 // "text", deflated.
 const std::string DEFLATED = std::string("\1\4\0\xFB\xFF", 5) + "text";
 
-// The head of the entry, as it stands before the content and in the list.
+// The header of the entry, as in front of the content and in the directory.
 std::string HeadOf(const Told& told)
 {
     return LittleEndian(45, 2) + LittleEndian(told.flags, 2) + LittleEndian(told.method, 2) + LittleEndian(0, 4) +
@@ -95,7 +95,7 @@ std::string Zip64Field(const std::vector<std::uint64_t>& lengths)
     return field;
 }
 
-// A file may grow to this many bytes while the object lives; what is beyond fails to be written.
+// Limits the size of files as long as the object exists; writing more fails.
 class FileSizeLimit {
 public:
     explicit FileSizeLimit(rlim_t bytes)
@@ -122,7 +122,7 @@ class PackagedZipTest : public testing::Test {
 protected:
     PackagedZipTest() { mDir.MakeDir("target"); }
 
-    // Runs the program `zip` with `input` at its standard input; what it writes there is the answer.
+    // Runs the program `zip` with `input` as its standard input and returns its standard output.
     static std::string Zip(std::vector<std::string> arguments, const std::string& input = "")
     {
         arguments.insert(arguments.begin(), "zip");
@@ -250,7 +250,7 @@ INSTANTIATE_TEST_SUITE_P(Table, WhatAnArchiveTells, testing::Values(
     ToldCase{"MethodThatTheArchiveLibraryCopies", {.method = 12}, false}),
     CaseName());
 
-// A content of zeros that takes no room on the disk: without the limit, it would be written out.
+// The content is sparse on disk; without the limit the entry would be written completely.
 TEST_F(PackagedZipTest, EntryOfFourGiBFailsBeforeItIsRead)
 {
     constexpr std::uint64_t FOUR_GIB = 1ULL << 32;
@@ -259,7 +259,7 @@ TEST_F(PackagedZipTest, EntryOfFourGiBFailsBeforeItIsRead)
     const std::string local = "PK\3\4" + HeadOf(told) + "f" + told.extra;
     mDir.Write("a.zip", local);
     fs::resize_file("a.zip", local.size() + FOUR_GIB);
-    // The place of the list does not fit into the end record of 32 bits: it stands in that of 64.
+    // The position of the directory does not fit into the 32-bit end record, so it is in the 64-bit one.
     const std::uint64_t listBegin = local.size() + FOUR_GIB;
     const std::uint64_t listEnd = listBegin + ListOf(told).size();
     std::ofstream("a.zip", std::ios::binary | std::ios::app) << ListOf(told) << "PK\6\6" << LittleEndian(44, 8)

@@ -52,7 +52,7 @@ TEST_F(RootedPathTest, RelativeLinkNeverClimbsAboveTheRoot)
     EXPECT_EQ(Resolve("/sys/class/BAT0/charge"), "root/sys/devices/BAT0/charge");
     Link("out", "../../../../etc");
     EXPECT_EQ(Resolve("/out/passwd"), "root/etc/passwd");
-    // ".." behind a link leads to the parent of its target.
+    // ".." behind a link means the parent of its target.
     EXPECT_EQ(Resolve("/sys/class/BAT0/../other"), "root/sys/devices/other");
 }
 

@@ -24,7 +24,7 @@ constexpr char STOI_RANGE[] = "FUNc:StringUtil::StoiS: stoi exception: stoi argu
 constexpr char STOLL_INVALID[] = "FUNc:StringUtil::StollS: stoll exception: invalid stoll argument";
 constexpr char STOLL_RANGE[] = "FUNc:StringUtil::StollS: stoll exception: stoll argument out of range";
 
-// What a conversion with the default 7 gives, and its one line; null where it logs nothing.
+// The result of a conversion with the default 7, and its log line; null if it logs nothing.
 struct NumberCase { const char* name; const char* text; int base; std::int64_t expected; const char* line; };
 void PrintTo(const NumberCase& numberCase, std::ostream* out) { *out << numberCase.name; }
 

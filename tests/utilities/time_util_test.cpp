@@ -22,7 +22,7 @@ std::vector<std::timespec>* recordedPauses = nullptr;
 
 } // namespace
 
-// Stands before that of the system: a pause that is recorded takes no time.
+// Replaces the system's function: records the pause instead of waiting.
 extern "C" int nanosleep(const std::timespec* pause, std::timespec* left)
 {
     if (recordedPauses != nullptr) {
@@ -82,7 +82,7 @@ std::int64_t Milliseconds()
 
 TEST_F(TimeUtilTest, MillisecondsAreThoseOfTheClockWithinTheSecond)
 {
-    mSettings.Set(Settings::CURRENT_TIME, "1705309200"); // stands for the seconds alone
+    mSettings.Set(Settings::CURRENT_TIME, "1705309200"); // replaces the seconds only
     for (int matches = 0; matches < 100;) {
         const std::int64_t before = Milliseconds();
         const std::int32_t within = TimeUtil::GetMillSecOfSec();

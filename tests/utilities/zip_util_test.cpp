@@ -33,7 +33,7 @@ protected:
 
     bool UnZipBytes(const std::string& bytes)
     {
-        fs::remove("a.zip"); // a file that is written over is flushed to the disk by some file systems
+        fs::remove("a.zip"); // some file systems flush an overwritten file to the disk
         std::ofstream("a.zip", std::ios::binary) << bytes;
         return UnZipFile("a.zip");
     }
@@ -184,7 +184,7 @@ TEST_F(ZipUtilTest, TargetAndNameDoNotLeadOutTogether)
     EXPECT_EQ(mDir.Read("target/out"), "1");
 }
 
-// Two numbers of two bytes at `position`, the lowest first.
+// Writes the number twice at `position`, as two little-endian bytes each.
 void WriteTwice(std::string& bytes, std::size_t position, std::uint16_t number)
 {
     for (const std::size_t byte : {position, position + 2}) {
@@ -193,7 +193,7 @@ void WriteTwice(std::string& bytes, std::size_t position, std::uint16_t number)
     }
 }
 
-// An archive whose list names its one entry `count` times.
+// An archive whose directory lists its only entry `count` times.
 std::string WithEntryRepeated(std::string bytes, std::uint16_t count)
 {
     const std::size_t entry = bytes.find("PK\1\2");
@@ -228,7 +228,7 @@ TEST_F(ZipUtilTest, BrokenContentFails)
     EXPECT_FALSE(UnZipBytes(bytes));
 }
 
-// Whatever befell an archive, the answer comes and nothing is written outside the target.
+// For any damaged archive the call returns, and nothing is written outside the target.
 TEST_F(ZipUtilTest, DamagedArchiveIsAnswered)
 {
     WriteZip("whole.zip", {{"folder/", ""}, {"folder/file", "text text text"}, {"n", "1"}});

@@ -16,7 +16,7 @@ using testing::Pair;
 
 constexpr auto TRUE = EventStatus::TRUE;
 
-// Reaches the steps that stand ready behind a test that no run passes.
+// Calls the steps that no run reaches, behind a test that always fails.
 class RootCauseLocatorTest : public testing::Test {
 protected:
     using DepthOfPath = std::map<std::string, int>;
@@ -50,7 +50,7 @@ protected:
         RootCauseLocator().FindChildRootCause(top, result, depths, usedPaths, depth);
         return TextOf(result);
     }
-    // T over G, in error both, and G over A, which is not.
+    // T above G, both in error, and G above A, which is not in error.
     static std::shared_ptr<CauseNode> HealthyLeafBelowErrors()
     {
         return Mirror(Observable("T", TRUE, Or({Observable("G", TRUE, Or({Leaf("A")})), Leaf("B", TRUE)})));

@@ -80,7 +80,7 @@ TEST(MinimalSetsTest, RepairsMeetEverySet)
 
 TEST(MinimalSetsTest, TheGreedyChoiceIsNotAlwaysTheSmallest)
 {
-    // C stands in four sets, more than any other; with it three are needed.
+    // C is in four sets, more than any other event; but a set with C needs three events.
     const auto minimal = diagnosis::FindMinimalSets(
         TreeOf({{"A", "C"}, {"A", "C", "E"}, {"A", "D"}, {"B", "C"}, {"B", "C", "F"}, {"B", "G"}}));
     EXPECT_THAT(minimal.repairs.ids, testing::UnorderedElementsAre("A", "B"));

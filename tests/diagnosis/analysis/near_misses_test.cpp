@@ -137,7 +137,7 @@ TEST(NearMissesTest, ABoundedSearchSaysThatItEnded)
     EXPECT_TRUE(diagnosis::FindNearMisses(Told(wide), 39, 5, 10000).isComplete);
 }
 
-// Whatever the steps end in, what is told is true.
+// If the steps run out, the sets that were found are still right.
 TEST(NearMissesTest, FewStepsFindLessAndNothingElse)
 {
     const ToldEvent shared = GateEvent("S", true, {Event("A", false), Event("B", false), Event("C", true)});
@@ -217,7 +217,7 @@ public:
             return Event(id, mInError[id]);
         }
         std::vector<ToldEvent>& made = mMade[depth];
-        if (!made.empty() && Below(3) == 0) { // a branch that is written out again
+        if (!made.empty() && Below(3) == 0) { // a repeated branch
             return made[Below(static_cast<unsigned>(made.size()))];
         }
         std::vector<ToldEvent> below;

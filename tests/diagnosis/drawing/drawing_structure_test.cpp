@@ -18,11 +18,11 @@ using diagnosis::DetectionReport;
 using diagnosis::DrawnTree;
 using Truth = std::map<std::string, bool>;
 
-// Ids that a format could take for its own signs, for another id, or for a name that it gives itself.
+// Ids that a format could mistake for its own syntax, for another id, or for a generated name.
 const std::vector<std::string> IDS{"A", "A-2", "A_x2D2", "a", "", " ", "2", "_", "_x", "_x_", "x.y", "x y", "end", "t0e0",
     "\"]", "#quot;", "#34;", "</gate>", "&amp;", "'", "\\", "\xC3\xA4", "\xFF", "\n", "--", "A--B", "class", "%%{init}%%"};
 
-/// Trees with few ids, many of them hostile, so that they repeat in one tree and in several.
+/// Trees with few ids, many of them hostile, so that ids repeat within a tree and among trees.
 class RandomReport {
 public:
     explicit RandomReport(unsigned seed) : mRandom(seed) {}
@@ -61,7 +61,7 @@ private:
 
 // ---- Open-PSA. ----
 
-/// What a tool reads of a model: the definitions, each name once.
+/// The definitions that a tool reads from a model; each name must be unique.
 class Model {
 public:
     explicit Model(const std::string& text)
@@ -153,7 +153,7 @@ private:
     tinyxml2::XMLDocument mDocument;
 };
 
-// What the tree itself says, gates folded one by one.
+// The value of the tree itself, computed gate by gate.
 bool Holds(const DrawnTree& tree, std::size_t place, const Truth& truth)
 {
     const auto& event = *tree.events[place].event;
@@ -213,7 +213,7 @@ TEST(OpenPsaStructureTest, DifferentIdsHaveDifferentNames)
 
 // ---- Mermaid. ----
 
-// A text in quotes as a reader of Mermaid shows it, lines joined by "|".
+// A quoted text as Mermaid shows it, with lines joined by "|".
 std::string Shown(const std::string& quoted)
 {
     std::string text;
@@ -241,7 +241,7 @@ std::string Joined(const std::vector<std::string>& lines)
     return text;
 }
 
-/// A flow chart line by line; each must be one of the few kinds that there are.
+/// A flow chart, parsed line by line; every line must be of a known kind.
 struct Chart {
     explicit Chart(const std::string& text)
     {

@@ -6,7 +6,7 @@
 
 #include "diagnosis/evidence/explanation.h"
 
-/// Explained trees as they are told: `Told({Gate::OR, "T", {Event("A", TRUE), ...}})`.
+/// Builds explained trees: `Told({Gate::OR, "T", {Event("A", TRUE), ...}})`.
 struct ToldEvent {
     std::string id;
     Evidence::EventState status = Evidence::EventState::ABSENT;
@@ -50,7 +50,7 @@ inline diagnosis::ExplainedTree Told(const ToldEvent& top)
     return tree;
 }
 
-/// Adds an entry to the list of root causes: the first places of these ids.
+/// Adds an entry to the list of root causes, with the first places of these ids.
 inline void AddCause(diagnosis::ExplainedTree& tree, const std::vector<std::string>& ids)
 {
     diagnosis::ExplainedCause& cause = tree.causes.emplace_back();

@@ -101,7 +101,7 @@ TEST_F(ExplanationRecorderTest, OfSiblingsWithOneIdTheWayThatIsInErrorIsTaken)
     EXPECT_THAT(tree.causes[1].members, ElementsAre(2));
 }
 
-// Each "/" could part two ids or belong to one: trying them all would never end.
+// Each "/" could separate two ids or belong to one; trying all possibilities would never end.
 TEST_F(ExplanationRecorderTest, IdsFullOfSeparatorsCostNoMoreThanTheirLength)
 {
     std::string path;

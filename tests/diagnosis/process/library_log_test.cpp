@@ -27,7 +27,7 @@ private:
     std::vector<std::string>& mLines;
 };
 
-/// Takes the log for a sink, and leaves it to the next test as it was.
+/// Sends the log to a sink and restores it for the next test.
 class LibraryLogTest : public testing::Test {
 protected:
     LibraryLogTest() { diagnosis::SendLibraryLogTo(std::make_unique<Sink>(mLines)); }

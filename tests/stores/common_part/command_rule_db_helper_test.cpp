@@ -213,7 +213,8 @@ TEST_F(CommandRuleDbHelperTest, StatementThatWritesWritesIntoItsDatabaseAlone)
 
 TEST_F(CommandRuleDbHelperTest, ColumnOfTheIntervalIsReadAtItsLastPlace)
 {
-    // One parameter as value, start and end stands three times among the fields, and the row must have as many columns.
+    // A parameter that is value, start and end occurs three times among the fields, so that the row must have that many
+    // columns.
     const auto param = ParamOf("v", "long");
     EXPECT_TRUE(mHelper.IsOpenDbSuccess(mPath));
     EXPECT_THAT(mHelper.RunSql("select 5", {param}, true, param, param), IsEmpty());

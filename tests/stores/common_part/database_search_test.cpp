@@ -124,7 +124,7 @@ TEST_F(DatabaseSearchTest, MoreFilesThanRepetitionsMayBeAreAllListed)
     }
     DatabaseSearch search(".*\\.db");
     const std::vector<std::string> files = search.Find(mDir.Path("d"), true);
-    EXPECT_THAT(files, SizeIs(DatabaseSearch::MOST_LISTINGS + 10)); // each once: the list is long when they come again
+    EXPECT_THAT(files, SizeIs(DatabaseSearch::MOST_LISTINGS + 10)); // each once, as the list is full then
     EXPECT_THAT(std::set<std::string>(files.begin(), files.end()), SizeIs(DatabaseSearch::MOST_LISTINGS + 10));
     EXPECT_TRUE(search.IsCutShort());
 }
@@ -143,7 +143,7 @@ TEST_F(DatabaseSearchTest, LinksThatLeadToEachOtherWithoutAFileEnd)
     EXPECT_THAT(Find("d"), testing::Contains("d/11/a.db"));
 }
 
-// The walks as they are told: all below the directory, and again for each directory met.
+// A direct implementation of the walks: everything below the directory, and again for each directory in it.
 void ListPlainly(const std::filesystem::path& directory, std::vector<std::string>& files)
 {
     for (const auto& entry : std::filesystem::recursive_directory_iterator(directory)) {

@@ -27,7 +27,7 @@ protected:
 
     void Run(const std::string& sql) { FT::sql::SqlOperator(mDatabase.GetHandle()).ExecuteNoCallback(sql); }
 
-    // Publishes; the statements that were handed out for single rows.
+    // Publishes and returns the statements for single rows.
     std::vector<std::string> Publish()
     {
         std::vector<std::string> statements;

@@ -58,7 +58,7 @@ TEST_F(DerivedTableWriterTest, FewAndManyRowsAreNumberedAlike)
 
 TEST_F(DerivedTableWriterTest, RowWithoutAnyMemberThatIsAColumnRunsNoStatement)
 {
-    for (const std::size_t strangers : {1U, 5U}) { // a few go straight into the file, more through a stage
+    for (const std::size_t strangers : {1U, 5U}) { // a few rows are inserted into the file, more through a stage
         std::vector<Json::Value> rows(strangers + 1);
         for (std::size_t number = 1; number < rows.size(); ++number) {
             rows[number]["other"] = 7;
@@ -122,7 +122,7 @@ TEST_F(DerivedTableWriterTest, RowsThatMayHoldSqlCostTheirOwnLinesAlone)
     EXPECT_THAT(mLog.Lines(), ElementsAre(broken, fail, broken, fail, broken, fail, broken, fail));
 }
 
-// Each text alone looks harmless: together they ask how many rows the file's table has by then.
+// Each text alone is harmless; together they query how many rows the table in the file has by then.
 TEST_F(DerivedTableWriterTest, SelectMadeFromSeveralMembersSeesTheRowsBeforeItsOwn)
 {
     FT::sql::SqlOperator(mDatabase.GetHandle()).ExecuteNoCallback(
@@ -142,7 +142,7 @@ TEST_F(DerivedTableWriterTest, SelectMadeFromSeveralMembersSeesTheRowsBeforeItsO
 
 TEST_F(DerivedTableWriterTest, RowsThatTheFileRefusesAreLostOneByOne)
 {
-    // The file's table takes no 2; the stage, made from the other text, does.
+    // The table in the file rejects 2; the stage, created by another statement, accepts it.
     FT::sql::SqlOperator(mDatabase.GetHandle()).ExecuteNoCallback(
         "drop table T; create table T (_ID integer primary key autoincrement, n int check (n <> 2))");
     Write(5);

@@ -272,11 +272,11 @@ TEST_P(RandomDerivedTables, HoldWhatPlainSqlSelects)
     log.WriteTo(mLogPath);
     const bool hasVersion = random.Pick(2) == 0;
     mSettings.Set(Settings::VERSION_NAME, hasVersion ? "v1" : "");
-    // A wide range now and then, for the other text of the selection.
+    // Sometimes a wide range, for the other form of the selection.
     const bool isWide = random.Pick(2) == 0;
     Build({BeanOf("T", {EventsOf("1", isWide ? "1000003" : "3",
         {ParamOf("num", "int"), ParamOf("txt", "string"), ParamOf("REAL", "double")})})});
-    // A text with a quote in a known column costs its row; the affinity of the columns is that of the table.
+    // A text with a quote in a known column loses its row; the columns have the affinity of the table.
     const std::string columns = Expected("NUM", "0") + " as num, " + Expected("Real", "null") + " as real, " +
         Expected("txt", "''") + " as txt, occurrence_time";
     const std::string from = " from event_info join event_info_flow on event_pid = event_info._ID join "

@@ -102,7 +102,7 @@ TEST_F(EventIdSelection, OfTheLastNumberThatIsSpelledOutWorksAndSoDoesOneMore)
     EXPECT_THAT(ids.ToSql(), StartsWith(" ( CAST(event_info.event_id AS INTEGER) BETWEEN 1 AND 901 "));
 }
 
-// The plain condition, in parts that an expression can hold, is the second way.
+// Compares with the plain condition, split into parts that fit into an expression.
 TEST_F(EventIdSelection, OfManyIdsIsTheSameWhateverTheColumnIsDeclaredAs)
 {
     EventIdList ids;

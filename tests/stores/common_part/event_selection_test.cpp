@@ -301,7 +301,7 @@ TEST_F(EventSelectionTest, LogOfALiveServiceStaysAsItIs)
 {
     EventLogBuilder().Row({NOW, 1, "", ""}).WriteTo(mPath);
     EventLogBuilder::Run(mPath, "pragma journal_mode = wal");
-    // What a service that ended early leaves: changes that aren't in the file yet.
+    // A service that crashed leaves changes that aren't in the file yet.
     {
         FT::sql::SqlDatabase service;
         service.Open(mPath);

@@ -43,7 +43,7 @@ protected:
         CommonPartDbHelper::GetInstance().CopyDbAndCreateTable(PartOf({}, {nullptr, bean}));
     }
 
-    // Copies what matches below "device" and returns the copies' paths below the test's directory.
+    // Copies the matching files below "device" and returns the paths of the copies below the test's directory.
     std::vector<std::string> Copy(const std::string& dbName, const std::vector<std::string>& sql = {},
         const std::vector<std::string>& directories = {"device"})
     {
@@ -98,7 +98,7 @@ TEST_F(ExternalDatabasesTest, CopyOfAFileThatMayNotBeWrittenIsWorkedOnAllTheSame
     MakeDb("device/app.db");
     fs::permissions(mDir.Path("device/app.db"), fs::perms::owner_read);
     EXPECT_THAT(Copy(".*/app\\.db", {"create table made(b);"}), ElementsAre("copies/app.db"));
-    // Root may write whatever the rights say: look at them.
+    // Check the permissions themselves, as root may write in any case.
     EXPECT_EQ(fs::status(mDir.Path("copies/app.db")).permissions(), fs::perms::owner_read | fs::perms::owner_write);
     EXPECT_EQ(fs::status(mDir.Path("device/app.db")).permissions(), fs::perms::owner_read);
     EXPECT_THAT(mLog.Lines(), IsEmpty());
@@ -188,7 +188,7 @@ TEST_F(ExternalDatabasesTest, CapitalsInPathAndPatternMeet)
 
 TEST_F(ExternalDatabasesTest, PatternThatIsNoneRaisesTheLibrarysError)
 {
-    EXPECT_THAT(Copy("("), IsEmpty()); // no directory: no file is ever held against it
+    EXPECT_THAT(Copy("("), IsEmpty()); // no directory, so that no file is ever matched
     MakeDb("device/a.db");
     EXPECT_THROW(Copy("("), std::regex_error);
 }
@@ -435,7 +435,7 @@ TEST_F(ExternalDatabasesTest, FolderWithTwoDotsInItsNameIsNoReasonToRefuseAnArch
     mDir.MakeDir("device/a..b");
     WriteZip(mDir.Path("device/a..b/a.zip"), {{"app.db", "x"}});
     const std::string copy = "copies/app.db";
-    EXPECT_THAT(Copy(".*(zip|db)"), ElementsAre(copy, copy)); // listed twice, as it stands one level down
+    EXPECT_THAT(Copy(".*(zip|db)"), ElementsAre(copy, copy)); // listed twice, as it is one level down
 }
 
 TEST_F(ExternalDatabasesTest, TargetDirectoryWithTwoDotsIsRefusedInSilence)
@@ -457,7 +457,7 @@ TEST_F(ExternalDatabasesTest, WhatAnEarlierRunLeftIsCopiedToo)
     EXPECT_FALSE(mDir.Has("copies/temp"));
 }
 
-// Without the powers of root, which may do everything.
+// Drops the rights of root, who may do everything.
 class AsNobody {
 public:
     AsNobody() { EXPECT_TRUE(!mIsRoot || seteuid(NOBODY) == 0); }
@@ -513,7 +513,7 @@ TEST_F(ExternalDatabasesTest, UnpackedFileThatIsGoneWhenItsTurnComesIsToldAndLis
 
 TEST_F(ExternalDatabasesTest, CopyThatCannotBeOpenedIsNamedByItsLastElement)
 {
-    // The directory of the archive can't be copied, and the one that stands there is taken for the copy.
+    // The directory of the archive can't be copied, and an existing directory is mistaken for the copy.
     mDir.MakeDir("device");
     WriteZip(mDir.Path("device/a.zip"), {{"x.db/", ""}});
     mDir.Write("copies/x.db/inside", "");

@@ -13,10 +13,10 @@
 #include "tests/support/settings_guard.h"
 #include "tests/support/temp_dir.h"
 
-/// What the first question to a log of version 1.0 writes.
+/// The line that the first query of a log of version 1.0 logs.
 inline constexpr char VERSION_LINE[] = "FUNc:AlarmRuleDbHelper::GetEventList: version name: 1.0";
 
-/// A folder of the library's data with an event log of version 1.0, and what a helper answers of it in one line.
+/// A data folder with an event log of version 1.0, and functions that format a helper's answers as one line.
 class AlarmRuleDbHelperTest : public testing::Test {
 protected:
     AlarmRuleDbHelperTest()

@@ -21,7 +21,7 @@ protected:
 
     AnswerReader Reader() const { return AnswerReader(mDatabase.GetHandle(), *mSnapshot, mRequests); }
 
-    // What the rows of an entry answer, "?" where they are asked again.
+    // The answers of an entry's rows, "?" for rows that are asked again.
     std::string Told(const AnswerColumn& column, std::size_t entryNumber = 0) const
     {
         const EventLogSnapshot::Entry entry = mSnapshot->GetEntry(entryNumber);

@@ -20,7 +20,7 @@ protected:
 
     Requests::Number Number(const std::string& key) { return mRequests.NumberOf(NumberQuestion::IsThere(key)); }
 
-    // The keys that each id from 1 to 10 is asked for: "ab" is asked for a and b.
+    // The requested keys of each id from 1 to 10: "ab" for the keys a and b.
     std::string KeysOfIds(const std::vector<Requests::Request>& wanted)
     {
         AnswerTable table(0);
@@ -76,7 +76,7 @@ TEST_F(AnswerSegmentsTest, WhatHasNoRoomIsLeftOutFromTheEnd)
     EXPECT_GT(segments.OfEntry(0)->targets.size(), 20U);
 }
 
-// Nested ranges would have as many targets as the square of their number.
+// Without a bound, nested ranges would have as many targets as the square of their number.
 TEST_F(AnswerSegmentsTest, TargetsOfNestedRangesAreBounded)
 {
     EventLogBuilder builder;

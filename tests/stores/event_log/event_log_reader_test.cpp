@@ -157,7 +157,7 @@ TEST_F(EventLogReaderTest, BrokenTextNeedsAQueryForItsIdAlone)
         builder.Row({row, row, "", std::string(row == 7 ? 20000 : 10, row == 7 ? 'y' : 'x')});
     }
     builder.WriteTo(mPath);
-    // Where a page goes on with the text, it names the next page first: a number beyond the end of the file.
+    // An overflow page begins with the number of the next page; set a number beyond the end of the file.
     const std::string file = mDir.Read("log.db");
     std::size_t page = 0;
     while (file.substr(page + 4, 1000) != std::string(1000, 'y')) {

@@ -81,7 +81,7 @@ TEST_F(EventLogSearchTest, ManyStartsHaveTheirOwnCounts)
     Open(ManyRows(200));
     for (int round = 0; round < 2; ++round) {
         for (std::int64_t start = 0; start < 200; ++start) {
-            const std::int64_t before = std::max<std::int64_t>(start - 1, 0) / 10; // rows lie at 10, 20 and so on
+            const std::int64_t before = std::max<std::int64_t>(start - 1, 0) / 10; // times are 10, 20 and so on
             EXPECT_EQ(Visit({1, 1, start, false}), "1 " + std::to_string(20 - before) + "; ");
         }
     }

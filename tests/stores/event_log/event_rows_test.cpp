@@ -21,7 +21,7 @@ protected:
         mHelper = std::make_unique<AlarmRuleDbHelper>();
     }
 
-    // Shows the rows of id 7.
+    // Calls `look` with the rows of id 7.
     template <typename Look>
     void Show(const EventRows::Questions& questions, Look look, std::int64_t start = 0)
     {
@@ -31,7 +31,7 @@ protected:
         });
     }
 
-    // What the rows answer, row by row.
+    // The answers of the rows, one by one.
     std::string Answers(const EventRows::Questions& questions, std::int64_t start = 0)
     {
         std::string text;

@@ -1,4 +1,4 @@
-// Logs that no service writes: what the fast way answers and logs is what one query for each id does.
+// Logs that no service writes: results and log lines must equal those of one query for each id.
 #include <algorithm>
 #include <random>
 
@@ -33,7 +33,7 @@ protected:
         std::vector<std::string> lines;
     };
 
-    // "id count answers" of a row of an id, the answers in any order: SQLite chooses that of the rows.
+    // "id count answers" of an id, with the answers sorted, as SQLite chooses the order of the rows.
     static std::string Told(std::int32_t id, std::size_t count, std::vector<std::int32_t> answers)
     {
         std::sort(answers.begin(), answers.end());

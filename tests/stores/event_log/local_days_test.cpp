@@ -43,7 +43,7 @@ TEST(LocalDaysTest, StretchesEndAtLocalMidnight)
     EXPECT_EQ(days.StretchWith(1704047400).begin, 1704047400U);
 }
 
-// Clocks that go back at a minute past midnight show the day before once more.
+// Clocks that are set back at a minute past midnight return to the day before.
 TEST(LocalDaysTest, ClocksThatAreChangedAMinutePastMidnightHaveTwoDaysInAnHour)
 {
     const TimeZone zone("NST3:30NDT,M4.1.0/0:01,M10.5.0/0:01");

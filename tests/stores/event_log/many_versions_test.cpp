@@ -1,4 +1,4 @@
-// A log in which the software was updated more often than a row's mark has numbers for.
+// A log with more versions than a row of the snapshot has numbers for.
 
 #include <string>
 

@@ -11,8 +11,8 @@
 #include "arborist/stores/event_log/row_question.h"
 #include "arborist/utilities/json_text.h"
 
-/// Asks for the number in a member: 0 for none. A member that is a text that is no number, like a whole text that is no
-/// object, is told in the log and answers -1. As a question for yes or no it asks whether there is a number other than 0.
+/// A question for the number in a member, 0 if there is none. For a member that is no number, and for a text that is no
+/// object, it logs a line and answers -1. As a yes-or-no question it asks for a number other than 0.
 class NumberQuestion : public RowQuestion {
 public:
     static std::shared_ptr<const RowQuestion> Of(const std::string& key)

@@ -19,7 +19,7 @@
 struct RepairDbUtilPeer {
     static bool Open(RepairDbUtil& repairs) { return repairs.OpenDb(); }
 
-    // As if the connection had been lost; then every step by itself.
+    // Closes the connection, as if it was lost, and then runs every step by itself.
     static void RunEachStepClosed(RepairDbUtil& repairs)
     {
         repairs.CloseDb();
@@ -240,7 +240,7 @@ TEST_F(RepairDbUtilTest, RowWithoutAnIdIsThatOfTheEmptyOne)
     EventLogBuilder::Run(mPath, "insert into repair_data values (1, null, 'former')");
     SetNow(1700000000);
     UpdateRepairDb("");
-    // Known, but not to be found by its text: nothing is written.
+    // The id exists but can't be found by its text, so nothing is written.
     EXPECT_THAT(DatabaseRows(mPath, "select * from repair_data"), ElementsAre("1|null|former"));
 }
 

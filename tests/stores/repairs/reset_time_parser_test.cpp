@@ -332,7 +332,7 @@ TEST_F(ResetTimeParserTest, ResetLogWithoutALineYieldsZero)
     EXPECT_EQ(ResetLogTime("x"), 0);
 }
 
-// The way back from the end, one character at a time, as slow as can be.
+// Searches backwards from the end, one character at a time.
 std::string LastLineBackwards(const std::string& text)
 {
     std::size_t position = text.size();

@@ -187,7 +187,7 @@ TEST_F(SqlDatabaseTest, ForeignTextThatNeverEndsIsBrokenOff)
     SqlOperator statement(mDatabase.GetHandle());
     EXPECT_FALSE(statement.ExecuteNoCallback(
         "with recursive n(i) as (select 1 union all select i + 1 from n) select max(i) from n"));
-    // Each text has all the steps.
+    // The limit applies to each SQL text anew.
     for (int text = 0; text < 5; ++text) {
         EXPECT_TRUE(statement.ExecuteNoCallback(
             "with recursive n(i) as (select 1 union all select i + 1 from n where i < 4000) select max(i) from n"));

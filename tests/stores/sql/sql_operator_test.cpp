@@ -121,7 +121,7 @@ TEST_F(SqlOperatorTest, FailuresNameTheOperationAndTheReason)
         "FUNc:%s: ExecuteNoCallback db is null"));
 }
 
-// What is left of a failed open is no connection to run anything on, and SQLite gives no words for that.
+// After a failed open there is no usable connection, and SQLite has no message for that.
 TEST_F(SqlOperatorTest, FailureWithoutWordsSaysSo)
 {
     ASSERT_TRUE(mOperator.Execute("select 1"));

@@ -1,4 +1,4 @@
-// Texts and numbers go into a table and come back as they were, whatever they are.
+// Random texts and numbers that are inserted into a table are read back unchanged.
 
 #include <array>
 #include <climits>
@@ -36,7 +36,7 @@ protected:
         return record;
     }
 
-    // The row's column as the table has it; "none" when there is not exactly one such row.
+    // A column of the row in the table; "none" unless there is exactly one such row.
     std::string Column(const std::string& condition, const char* name)
     {
         const bool isOne = mTable.Open(condition) && mTable.GetRecordCount() == 1;
@@ -51,7 +51,7 @@ protected:
     SqlTable mTable{mDatabase.GetHandle(), "things", mFields.data(), mFields.size()};
 };
 
-// Any bytes but zero, which ends a statement; those that mean something to SQL more often.
+// Any bytes except zero, which ends a statement; characters of SQL's syntax occur more often.
 std::string AnyText(RandomCases& cases)
 {
     constexpr std::string_view SIGNS = "'\"\\;%_-*/`[]()?:@$\n\r\t ";
@@ -67,7 +67,7 @@ TEST_F(SqlRoundTripRandomTest, TextsComeBackAsTheyWereAndAreFoundByThemselves)
     RandomCases cases(1000);
     for (int index = 0; index < cases.GetCount(); ++index) {
         if (index % 100 == 0) {
-            mTable.Truncate(); // each question goes through the table
+            mTable.Truncate(); // each query scans the table
         }
         const std::string text = AnyText(cases);
         ASSERT_TRUE(mTable.AddRecord(Record(text, index, 0.0))) << text;

@@ -18,7 +18,7 @@ class SqlScanTest : public testing::Test {
 protected:
     SqlScanTest() { mDatabase.Open(mDir.Path("a.db")); }
 
-    // First columns of the rows that came.
+    // The first columns of the rows.
     std::vector<std::string> Scan(const std::string& columns, const std::string& from)
     {
         std::vector<std::string> texts;

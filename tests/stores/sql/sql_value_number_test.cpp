@@ -56,7 +56,7 @@ TEST(ReadDoubleTest, WhatIsNoNumberByItsWordIsNone)
     }
 }
 
-// The C library, in its own locale, in which the tests run.
+// The result of the C library in its default locale, in which the tests run.
 double Scan(const std::string& text)
 {
     double number = 0.0;
