@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 constexpr char HEADING[] = "# Findings that arborist lint does not tell again: check, file, element, number.\n";
 
-// Of a finding, everything but the number: control characters, tabs among them, are written as "\xNN".
+// The line of a finding without the number: control characters, tabs among them, are written as "\xNN".
 std::string KeyOf(const Finding& finding, const std::string& baselinePath)
 {
     std::error_code error;

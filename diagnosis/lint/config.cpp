@@ -13,7 +13,7 @@ namespace diagnosis::lint {
 
 namespace {
 
-/// One key of the file and where its texts go: into a list or into a text.
+/// One key of the file and the member for its value: a list or a text.
 struct Key {
     const char* name;
     std::vector<std::string>* list;
@@ -29,7 +29,7 @@ std::vector<std::string> Names(const std::vector<Key>& keys)
     return names;
 }
 
-// Takes over what stands for a key; why not, otherwise.
+// Stores the value of a key; returns the reason if it can't.
 std::string Take(const Json::Value& value, const Key& key)
 {
     if (key.text != nullptr) {

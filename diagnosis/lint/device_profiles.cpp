@@ -30,7 +30,7 @@ bool ReadScenes(const Json::Value& scenes, std::vector<int>& target)
     return true;
 }
 
-// A bundle tells its device below "device" and its one scene beside it.
+// A bundle has its device below "device" and its only scene beside it.
 std::optional<DeviceProfile> ReadProfile(const Json::Value& object)
 {
     if (!object.isObject()) {

@@ -23,7 +23,7 @@ std::string Applied(std::string text, const std::vector<Edit>& edits, std::size_
     return text;
 }
 
-// In order of place, without those that overlap one before.
+// The edits in order of place, without those that overlap an earlier one.
 std::vector<Edit> Separate(std::vector<Edit> edits)
 {
     std::stable_sort(edits.begin(), edits.end(),
@@ -57,7 +57,7 @@ public:
 
     std::size_t Count() const { return mStarts.size() - 1; }
     std::size_t Start(std::size_t line) const { return mStarts[line]; }
-    /// The line, from 0, that holds an offset.
+    /// The line, from 0, of an offset.
     std::size_t LineOf(std::size_t offset) const
     {
         const auto behind = std::upper_bound(mStarts.begin(), mStarts.end() - 1, offset);
@@ -69,7 +69,7 @@ private:
     std::vector<std::size_t> mStarts;
 };
 
-// Lines of a piece of text, each behind `sign`.
+// The lines of a text, each with `sign` in front.
 std::string Marked(std::string_view text, char sign)
 {
     std::string marked;
@@ -110,7 +110,7 @@ std::size_t LineCount(const std::string& text)
     return Lines(text).Count();
 }
 
-/// Writes changes whose context meets as one hunk.
+/// Writes changes with touching contexts as one hunk.
 class HunkWriter {
 public:
     HunkWriter(const FileFix& fix, const Lines& lines) : mFix(fix), mLines(lines) {}
@@ -176,7 +176,7 @@ private:
     std::size_t mNext = 0;
     std::size_t mBefore = 0;
     std::size_t mAfter = 0;
-    /// Lines that the hunks before have added.
+    /// Number of lines that earlier hunks have added.
     std::ptrdiff_t mShift = 0;
     std::string mBody;
     std::string mText;

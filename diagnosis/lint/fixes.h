@@ -9,7 +9,7 @@
 
 namespace diagnosis::lint {
 
-/// What mends some findings of one file.
+/// The fixes of one file.
 struct FileFix {
     std::string path;
     std::string before;
@@ -18,15 +18,15 @@ struct FileFix {
     std::vector<Edit> edits;
 };
 
-/// The fixes of all files that have some, in order of path; those that change what the engine reads only where
-/// `withUnsafe`. Of edits that overlap the first is taken: the next run finds what is left. Leaves out a file that is no
-/// longer what was linted, and one that would not be well-formed afterwards.
+/// The fixes of all files that have some, in order of path; those that change what the engine reads only with
+/// `withUnsafe`. Of overlapping edits takes the first; the next run finds the others. Leaves out a file that has
+/// changed since it was linted, or that would not be well-formed afterwards.
 std::vector<FileFix> FixesOf(const std::vector<Finding>& findings, bool withUnsafe);
 
-/// The difference that a fix makes, as "patch" takes it.
+/// The change of a fix in the format of "patch".
 std::string DiffOf(const FileFix& fix);
 
-/// Puts the mended text in the file's place. Otherwise answers why not.
+/// Writes the fixed text into the file. Returns the reason if it can't.
 std::optional<std::string> WriteFix(const FileFix& fix);
 
 } // namespace diagnosis::lint

@@ -13,7 +13,7 @@ const std::vector<const Check*>& AllChecks();
 /// Null for an unknown id.
 const Check* FindCheck(std::string_view id);
 
-/// The two samples of a check, as --explain shows them: the file in which they differ.
+/// The two samples of a check that --explain shows: the file in which they differ.
 struct Sample {
     const char* id;
     /// "FaultTrees.xml" or "FaultTreeRules.xml".

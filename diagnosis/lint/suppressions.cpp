@@ -10,7 +10,7 @@ namespace {
 constexpr std::string_view WORD = "arborist-disable";
 constexpr std::string_view BLANKS = " \t\r\n,";
 
-// The words behind the first one up to a colon, behind which the reason stands.
+// The words after the first one, up to a colon, which the reason follows.
 std::vector<std::string_view> IdsOf(std::string_view comment)
 {
     comment.remove_prefix(comment.find(WORD) + WORD.size());

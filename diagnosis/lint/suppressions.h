@@ -12,15 +12,15 @@
 namespace diagnosis::lint {
 
 /// The comments of a rule set that suppress findings: `<!-- arborist-disable A301 A302: why -->` covers the element
-/// that follows and all that stands in it.
+/// that follows, with its content.
 class Suppressions {
 public:
     explicit Suppressions(const rule_source::RuleSetFiles& files);
 
-    /// Whether a comment covers the finding; the comment has its use then.
+    /// True if a comment covers the finding; marks the comment as used.
     bool Covers(const Reported& reported);
-    /// Reports each id of a comment that suppressed nothing, unless its check did not run: `wasRun(id)`. To be called
-    /// when everything was asked.
+    /// Reports each id of a comment that suppressed nothing, unless its check did not run: `wasRun(id)`. Call it after
+    /// all calls of Covers.
     template <typename WasRun>
     void ReportUnused(Report& report, WasRun wasRun) const
     {

@@ -12,12 +12,12 @@ namespace diagnosis::rule_source {
 struct Rule;
 struct TreeEvent;
 
-/// A name of a rule as an event's alternative has it.
+/// The name of a rule in an event's alternative.
 struct RuleName {
     /// The "Rule-name" element.
     Element element;
     std::string_view name;
-    /// The rule that it leads to; null where there is none.
+    /// The rule of this name; null if there is none.
     const Rule* rule = nullptr;
 };
 
@@ -32,23 +32,23 @@ struct BindingAlternative {
 
     Element element;
     Kind kind = Kind::DROPPED;
-    /// Those that the engine reads: one for a single rule.
+    /// The names that the engine reads: one for a single rule.
     std::vector<RuleName> names;
 };
 
 /// The rules of one event: an "Event" of "EventRules".
 struct Binding {
     Element element;
-    /// Null, or without text, where the engine drops the entry.
+    /// Null, or without text, if the engine drops the entry.
     Element idElement;
-    /// As it stands there: spaces at its ends are part of it.
+    /// The id as written, including spaces at its ends.
     std::string_view id;
     bool isKept = false;
-    /// An event of the id; null where no tree has one.
+    /// An event of the id; null if no tree has one.
     const TreeEvent* event = nullptr;
-    /// Whether a later entry of the same id takes its place.
+    /// True if a later entry of the same id replaces it.
     bool isReplaced = false;
-    /// In order, those that are dropped, too.
+    /// In order, including those that the engine drops.
     std::vector<BindingAlternative> alternatives;
 };
 

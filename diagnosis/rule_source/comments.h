@@ -11,13 +11,13 @@ namespace diagnosis::rule_source {
 /// A comment of a file.
 struct Comment {
     int line = 0;
-    /// What stands between its marks.
+    /// The text between its marks.
     std::string_view text;
-    /// The element that follows it under the same parent; null where none does.
+    /// The element that follows it under the same parent; null if there is none.
     Element next;
 };
 
-/// The comments that hold `word`, in file order. A file whose text lacks the word is not walked.
+/// The comments that contain `word`, in file order. Returns at once if the file's text doesn't contain the word.
 std::vector<Comment> CommentsWith(const SourceFile& file, std::string_view word);
 
 } // namespace diagnosis::rule_source

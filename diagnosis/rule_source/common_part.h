@@ -18,7 +18,7 @@ struct Threshold {
     std::string_view value;
 };
 
-/// A "ThresholdItem": values that thresholds get where its condition holds.
+/// A "ThresholdItem": the values of thresholds if its condition is true.
 struct ThresholdItem {
     Element element;
     ThresholdCondition condition;
@@ -55,7 +55,7 @@ struct DbPath {
     std::string_view decompression;
     std::string_view type;
     std::string_view value;
-    /// Whether it has all three attributes; the engine skips it otherwise.
+    /// True if it has all three attributes; otherwise the engine skips it.
     bool isKept = false;
 };
 
@@ -82,7 +82,7 @@ struct TableBean {
 
 /// The shared data of one tag.
 struct CommonPart {
-    /// Null where the engine makes no common part: without a "commonPart" element.
+    /// The first "commonPart" element; null if there is none, so that the engine creates no common part.
     Element firstPart;
     std::vector<ThresholdBean> beans;
     std::vector<TableBean> tables;
@@ -90,13 +90,13 @@ struct CommonPart {
     std::map<std::string_view, std::size_t> beansByName;
     std::map<std::string_view, std::size_t> tablesByName;
 
-    /// What a rule's "commonPartName" leads to; null for an unknown and for the empty name.
+    /// The bean that a rule's "commonPartName" names; null for an unknown and for the empty name.
     const ThresholdBean* FindBean(std::string_view name) const;
-    /// What a rule's "defDBName" leads to; null for an unknown and for the empty name.
+    /// The table that a rule's "defDBName" names; null for an unknown and for the empty name.
     const TableBean* FindTable(std::string_view name) const;
 };
 
-/// Reads a tag element; null has nothing.
+/// Reads a tag element; nothing for null.
 CommonPart ReadCommonPart(Element tag);
 
 } // namespace diagnosis::rule_source

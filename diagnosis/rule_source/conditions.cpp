@@ -96,7 +96,7 @@ ThresholdCondition ReadThresholdCondition(Element element)
             continue;
         }
         ThresholdTest test{ReadTest(child), {}};
-        // Whatever follows the first value counts as a value.
+        // Every element after the first value counts as a value.
         for (Element value = child.FirstChild("set").FirstChild("value"); value; value = value.Next()) {
             test.values.push_back(value);
         }

@@ -18,7 +18,7 @@ struct Test {
     std::string_view word;
     /// The attribute "type": "static", "dynamic", "systemParam".
     std::string_view logicType;
-    /// The first children of their names; null where there is none.
+    /// The first children of these names; null if there is none.
     Element idElement;
     Element valueElement;
     Element commonPartParamIdElement;
@@ -40,13 +40,13 @@ struct ConditionAlternative {
 
     Element element;
     Kind kind = Kind::SINGLE;
-    /// Those that the engine keeps.
+    /// The tests that the engine keeps.
     std::vector<Test> tests;
 };
 
 /// A "condition" in the form of rules, as the engine reads it.
 struct Condition {
-    /// Null where the rule has none.
+    /// Null if the rule has none.
     Element element;
     std::vector<ConditionAlternative> alternatives;
     /// The "or" elements that the engine drops.

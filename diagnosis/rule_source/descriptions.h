@@ -16,22 +16,22 @@ struct TreeEvent;
 struct DescriptionEntry {
     Element element;
     std::string_view id;
-    /// Of repairs alone.
+    /// For repairs only.
     std::string_view extra;
 };
 
 /// An "Event" of a description section.
 struct DescriptionItem {
     Element element;
-    /// Null, or without text, where the engine drops the item.
+    /// Null, or without text, if the engine drops the item.
     Element idElement;
     std::string_view id;
     bool isKept = false;
-    /// An event of the id; null where no tree has one.
+    /// An event of the id; null if no tree has one.
     const TreeEvent* event = nullptr;
-    /// Whether a later item of the same id counts instead.
+    /// True if a later item of the same id replaces it.
     bool isReplaced = false;
-    /// "FaultDescriptions", "Solutions" or "Descriptions"; null where there is none.
+    /// "FaultDescriptions", "Solutions" or "Descriptions"; null if there is none.
     Element list;
     std::vector<DescriptionEntry> entries;
 };
@@ -39,7 +39,7 @@ struct DescriptionItem {
 /// One of the three description sections.
 struct Descriptions {
     SectionKind section = SectionKind::FAULT_DESCRIPTIONS;
-    /// Words of the list below an item and of its entries.
+    /// Names of the list element below an item and of its entries.
     const char* listName = "";
     const char* entryName = "";
     std::vector<DescriptionItem> items;

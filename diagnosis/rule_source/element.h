@@ -15,7 +15,7 @@ namespace diagnosis::rule_source {
 
 class SourceFile;
 
-/// An attribute where it stands in its file. Passed by value; null where there is none. Valid as long as its file.
+/// An attribute with its place in the file. Pass it by value. Null if there is none. Valid as long as its file.
 class Attribute {
 public:
     Attribute() = default;
@@ -35,8 +35,8 @@ private:
     const tinyxml2::XMLAttribute* mAttribute = nullptr;
 };
 
-/// An element where it stands in its file. Passed by value; null where there is none. Valid as long as its file, and so
-/// are the texts that it hands out.
+/// An element with its place in the file. Pass it by value. Null if there is none. Valid as long as its file, like the
+/// texts that it returns.
 ///
 /// A null element has no children, no attributes and no text, so that a chain of FirstChild needs no tests in between.
 class Element {
@@ -50,12 +50,12 @@ public:
     std::string_view Name() const;
     /// The line on which it begins, from 1; 0 for a null element.
     int Line() const;
-    /// The file that it stands in; null for a null element.
+    /// Its file; null for a null element.
     const SourceFile* File() const;
 
-    /// The text that the engine reads: the first piece of text, comments left aside. Empty where it reads none.
+    /// The text that the engine reads: the first piece of text, apart from comments. Empty if it reads none.
     std::string_view Text() const;
-    /// Whether there is a text for the engine: an empty CDATA section is one, white space alone is none.
+    /// True if the engine reads a text: an empty CDATA section is one, white space alone is not.
     bool HasText() const;
 
     Element Parent() const;
@@ -67,7 +67,7 @@ public:
     Attribute FirstAttribute() const;
     Attribute Find(const char* attribute) const;
     bool Has(const char* attribute) const { return static_cast<bool>(Find(attribute)); }
-    /// The value of an attribute; empty where it is missing.
+    /// The value of an attribute; empty if it is missing.
     std::string_view Value(const char* attribute) const;
     /// A whole number as the engine reads those of "period" and "threshold": nothing for a missing attribute and for a
     /// text that is none.

@@ -154,7 +154,7 @@ constexpr Words REPAIR_ITEMS{.children = REPAIR_ITEMS_KIDS};
 // ---- Common part. ----
 
 constexpr Kids SET_KIDS = {{"value", &TEXT, ALL}};
-// All behind the first value counts as a value, whatever its name.
+// Every element after the first value counts as a value, whatever its name.
 constexpr Words SET{.children = SET_KIDS, .others = &TEXT};
 constexpr Kids LIMIT_TEST_KIDS = {{"id", &TEXT, FIRST}, {"value", &TEXT, FIRST}, {"set", &SET, FIRST}};
 constexpr Words LIMIT_TEST{.children = LIMIT_TEST_KIDS};

@@ -10,12 +10,12 @@ namespace diagnosis::rule_source {
 
 struct ElementWords;
 
-/// A word that an element may have for a child.
+/// The name of a child that an element may have.
 struct ChildWord {
     std::string_view name;
-    /// What may stand in such a child.
+    /// The words that such a child may contain.
     const ElementWords* words;
-    /// Whether only the first one is read.
+    /// True if only the first one is read.
     bool isSingle;
 };
 
@@ -24,7 +24,7 @@ struct ElementWords {
     /// Its attributes.
     std::span<const std::string_view> attributes = {};
     std::span<const ChildWord> children = {};
-    /// For children of any other name; null where there are none.
+    /// For children of any other name; null if they are not allowed.
     const ElementWords* others = nullptr;
 
     const ChildWord* FindChild(std::string_view name) const;

@@ -8,20 +8,20 @@ namespace diagnosis::rule_source {
 
 /// A text as the engine reads whole numbers of event ids and of the types "int" and "long".
 struct WholeNumber {
-    /// What the engine works with: 0 for a text that begins with no number, the low 32 bits of a longer one.
+    /// The value that the engine uses: 0 for a text that begins with no number, the low 32 bits of a longer one.
     std::int32_t value = 0;
-    /// Whether the text begins with a number that can be read.
+    /// True if the text begins with a number that can be read.
     bool isNumber = false;
-    /// Whether nothing stands behind the number.
+    /// True if nothing follows the number.
     bool isWhole = false;
-    /// Whether the number has more than 32 bits.
+    /// True if the number has more than 32 bits.
     bool isCut = false;
 };
 
 WholeNumber ReadWholeNumber(std::string_view text);
 
-/// Reads a text that is nothing but a number, with or without fraction and exponent, in the form that every locale reads
-/// with a decimal point. False for another one; `number` is then as it was.
+/// Reads a text that is only a number, with or without fraction and exponent, with a decimal point in every locale.
+/// False for any other text; `number` is then unchanged.
 bool ReadDecimalNumber(std::string_view text, double& number);
 bool IsDecimalNumber(std::string_view text);
 

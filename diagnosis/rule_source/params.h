@@ -21,19 +21,19 @@ class ParamTable {
 public:
     /// Adds the "param" elements of a "params" block; a null element has none.
     void Add(Element params);
-    /// Puts the parameters in order; to be called once, after the last Add.
+    /// Sorts the parameters. Call it once, after the last Add.
     void Finish();
 
     bool IsEmpty() const { return mParams.empty(); }
     const std::vector<Param>& Params() const { return mParams; }
     /// Null for an id that no parameter has.
     const Param* Find(std::string_view id) const;
-    /// The first with this key in order of id; null where none has it.
+    /// The first with this key in order of id; null if none has it.
     const Param* FindKey(std::string_view key) const;
 
     /// "param" elements that lack "id", "key" or "type": the engine skips them.
     const std::vector<Element>& Incomplete() const { return mIncomplete; }
-    /// Later ones of an id, which the engine skips.
+    /// Later parameters of the same id, which the engine skips.
     const std::vector<Param>& Repeated() const { return mRepeated; }
 
 private:

@@ -16,22 +16,22 @@
 
 namespace diagnosis::rule_source {
 
-/// The two files of a rule set. A pointer is null where a file is not looked at: an editor may hand over one alone.
+/// The two files of a rule set. A pointer is null if its file is not linted: an editor may pass only one.
 struct RuleSetFiles {
     std::unique_ptr<SourceFile> trees;
     std::unique_ptr<SourceFile> rules;
 
-    /// The root of each file; null where it is not looked at or not loaded.
+    /// The root of each file; null if it is not linted or not loaded.
     Element TreeRoot() const { return trees == nullptr ? Element() : trees->Root(); }
     Element RuleRoot() const { return rules == nullptr ? Element() : rules->Root(); }
 };
 
-/// The files of a folder as the engine names them: with a prefix and "_" in front where `prefix` is not empty.
+/// Reads the files of a folder. As in the engine, `prefix`, unless empty, and "_" precede their names.
 RuleSetFiles ReadRuleSetFiles(const std::string& folder, const std::string& prefix);
 
-/// What the engine reads of a rule set for one tag, each thing with the element that it stands in, and what it skips.
+/// Everything that the engine reads from a rule set for one tag, each item with its element, and what it skips.
 ///
-/// Holds elements and texts of the files, which must outlive it.
+/// Refers to elements and texts of the files, which must outlive it.
 struct RuleSet {
     /// Reads the files for a tag.
     RuleSet(const RuleSetFiles& files, const std::string& tag);
@@ -41,11 +41,11 @@ struct RuleSet {
     const RuleSetFiles& files;
     std::string tag;
 
-    /// Whether each file can be judged. What dangles because the other file is missing is no finding.
+    /// True if the file can be judged. An unknown name is no finding if the other file is missing.
     bool hasTrees = false;
     bool hasRules = false;
 
-    /// The tag's element of the tree file; null where there is none.
+    /// The tag's element of the tree file; null if there is none.
     Element treeTag;
     Trees trees;
 

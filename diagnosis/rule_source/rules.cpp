@@ -217,7 +217,7 @@ IdRange ReadIdRange(Element alarmId)
     range.min = ReadWholeNumber(alarmId.Value("Eventid_Min"));
     range.max = ReadWholeNumber(alarmId.Value("Eventid_Max"));
     range.last = range.max.value;
-    // Without a lowest id the highest is the only one.
+    // Without a lowest id the range is the highest id only.
     range.first = range.min.value == 0 ? range.last : range.min.value;
     return range;
 }

@@ -16,7 +16,7 @@ namespace diagnosis::rule_source {
 
 enum class Family { ALARM, COMMAND, CODE, NODE };
 
-/// What rules of all families share.
+/// The members that rules of all families share.
 struct Rule {
     Element element;
     Family family = Family::ALARM;
@@ -27,9 +27,9 @@ struct Rule {
     std::string_view blackProducts;
     std::string_view detectScene;
     std::string_view deviceType;
-    /// Whether the engine keeps it: it has a name, and a code rule a "detectInfo".
+    /// True if the engine keeps it: it has a name and, if it is a code rule, a "detectInfo".
     bool isKept = true;
-    /// Whether a later rule takes its name from it.
+    /// True if a later rule of the same name replaces it.
     bool isReplaced = false;
 };
 
@@ -37,7 +37,7 @@ struct Rule {
 struct TimeWindow {
     Element element;
     std::string_view type;
-    /// As the engine reads them: 0 where the attribute is missing or no number.
+    /// As the engine reads them: 0 if the attribute is missing or no number.
     std::int32_t period = 0;
     std::int32_t threshold = 0;
 };
@@ -48,18 +48,18 @@ TimeWindow ReadTimeWindow(Element element);
 struct IdRange {
     WholeNumber min;
     WholeNumber max;
-    /// The ids that are asked for, first to last; `first` above `last` or 0 stands for none.
+    /// The ids from first to last; none if `first` is 0 or greater than `last`.
     std::int32_t first = 0;
     std::int32_t last = 0;
 
     bool IsEmpty() const { return first == 0 || first > last; }
-    /// How many ids it has.
+    /// Number of ids.
     std::int64_t Size() const { return IsEmpty() ? 0 : std::int64_t{last} - first + 1; }
 };
 
 IdRange ReadIdRange(Element alarmId);
 
-/// The windows of an alarm item in the order in which the engine asks them.
+/// The windows of an alarm item in the order in which the engine checks them.
 enum class WindowKind { DURATION, DAILY_PEAK, LATEST };
 inline constexpr std::array<const char*, 3> WINDOW_WORDS = {"duration", "daily_peak", "latest"};
 
@@ -67,18 +67,18 @@ inline constexpr std::array<const char*, 3> WINDOW_WORDS = {"duration", "daily_p
 struct AlarmItem {
     Element element;
     std::string_view type;
-    /// "1" where the attribute is missing.
+    /// "1" if the attribute is missing.
     std::string_view beginFlag;
     IdRange ids;
-    /// By kind: the one that counts, the last of its type. Its element is null where there is none.
+    /// For each kind the window that counts, the last of its type. Its element is null if there is none.
     std::array<TimeWindow, 3> windows;
-    /// All "time" elements in order, with those that are dropped or replaced.
+    /// All "time" elements in order, including those that are dropped or replaced.
     std::vector<TimeWindow> times;
     ParamTable params;
     Condition condition;
 
     const TimeWindow& Window(WindowKind kind) const { return windows[static_cast<std::size_t>(kind)]; }
-    /// Whether its tests are asked at all.
+    /// True if the engine runs its tests at all.
     bool HasTests() const { return type == "param_eventid"; }
 };
 
@@ -87,13 +87,13 @@ struct AlarmRule : Rule {
 };
 
 struct CodeRule : Rule {
-    /// Null where the rule is dropped for lack of it.
+    /// Null if it is missing, for which the engine drops the rule.
     Element detectInfo;
     std::string_view code;
     Element userDefinedInfo;
 };
 
-/// A command rule. Elements are null where they are missing, and so is all that stands in them.
+/// A command rule. Missing elements, and everything in them, are null.
 struct CommandRule : Rule {
     Element referenceCommonPart;
     Element commonPartNameElement;
@@ -116,7 +116,7 @@ struct CommandRule : Rule {
     Element sqlElement;
     std::string_view sql;
     TimeWindow time;
-    /// The element; its text is "1" where element or attribute is missing.
+    /// The element; its text is "1" if the element or attribute is missing.
     Element beginFlagElement;
     std::string_view beginFlag;
     Condition condition;
@@ -150,10 +150,10 @@ struct RuleCondition {
     const Rule* rule = nullptr;
     const ParamTable* params = nullptr;
     const Condition* condition = nullptr;
-    /// The item that it stands in; null in rules that are not alarm rules.
+    /// Its item; null in rules that are no alarm rules.
     const AlarmItem* item = nullptr;
 
-    /// Whether its tests are asked at all.
+    /// True if the engine runs its tests at all.
     bool IsAsked() const { return item == nullptr || item->HasTests(); }
 };
 
@@ -163,9 +163,9 @@ struct Rules {
     std::deque<CommandRule> commandRules;
     std::deque<CodeRule> codeRules;
     std::deque<NodeRule> nodeRules;
-    /// All of them in file order, those that are dropped or replaced, too.
+    /// All rules in file order, including those that are dropped or replaced.
     std::vector<const Rule*> all;
-    /// The rule that each name leads to.
+    /// The rule that counts for each name.
     std::map<std::string_view, const Rule*> byName;
     /// The conditions of all rules that are kept, in order of family.
     std::vector<RuleCondition> conditions;

@@ -27,18 +27,18 @@ inline constexpr std::array<SectionKind, 6> SECTION_KINDS = {SectionKind::EVENT_
 /// The word of a section: "EventRules", "RuleList" ...
 const char* SectionName(SectionKind kind);
 
-/// What the engine reads of one section: in the first element of the section's name the first one of the tag's.
+/// The element that the engine reads for one section: the first one of the tag in the first one of the section's name.
 struct Section {
-    /// Null where the file has no such section.
+    /// Null if the file has no such section.
     Element element;
-    /// Null where the section has no such tag.
+    /// Null if the section has no such tag.
     Element tag;
 };
 
 Section FindSection(Element root, const char* name, const std::string& tag);
 
-/// The tags that stand in the two files, each once, in order of appearance: the children of the tree file's root, then
-/// those of the rule file's sections. Either root may be null.
+/// The tags of the two files, each once, in order of appearance: the children of the tree file's root, then those of
+/// the rule file's sections. Either root may be null.
 std::vector<std::string> TagsOf(Element treeRoot, Element ruleRoot);
 
 } // namespace diagnosis::rule_source

@@ -12,7 +12,7 @@ namespace diagnosis::rule_source {
 namespace {
 
 // What the library says of an error begins with its name and number: "Error=XML_ERROR_MISMATCHED_ELEMENT ErrorID=14
-// (0xe) Line number=3: XMLElement name=a". Only what follows the line tells more than the name.
+// (0xe) Line number=3: XMLElement name=a". Only the part behind the line adds anything to the name.
 std::string ReasonOf(const tinyxml2::XMLDocument& document)
 {
     std::string name = document.ErrorName();

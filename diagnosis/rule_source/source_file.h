@@ -14,9 +14,9 @@ class XMLDocument;
 
 namespace diagnosis::rule_source {
 
-/// One XML file of a rule set, read as the engine reads it, with its lines kept for whoever shows them.
+/// One XML file of a rule set, parsed as in the engine, with its lines.
 ///
-/// Elements point back to their file, so that it is neither copied nor moved.
+/// Can't be copied or moved, as elements point back to their file.
 class SourceFile {
 public:
     enum class State {
@@ -29,7 +29,7 @@ public:
 
     /// Reads a file.
     static std::unique_ptr<SourceFile> Read(const std::string& path);
-    /// Takes a text as the content of a file; `path` names it.
+    /// Parses a text as the content of a file with the name `path`.
     static std::unique_ptr<SourceFile> Of(const std::string& path, std::string text);
 
     ~SourceFile();
@@ -39,18 +39,18 @@ public:
     const std::string& Path() const { return mPath; }
     State GetState() const { return mState; }
     bool IsLoaded() const { return mState == State::LOADED; }
-    /// Why the file is not loaded, in the words of the system or of the XML library; empty when it is.
+    /// The message of the system or of the XML library if the file is not loaded; empty if it is.
     const std::string& Problem() const { return mProblem; }
-    /// The line on which the XML library gave up; 0 where it did not.
+    /// The line of the XML library's error; 0 if there is none.
     int ProblemLine() const { return mProblemLine; }
 
-    /// Null for a file that is not loaded or holds no element.
+    /// Null for a file that is not loaded or has no element.
     Element Root() const;
 
     const std::string& Text() const { return mText; }
-    /// A line of the file without its end, from 1; empty where there is none.
+    /// A line of the file without its end, from 1; empty if there is none.
     std::string_view Line(int number) const;
-    /// Where a line begins in the text; the text's length where there is none.
+    /// The offset at which a line begins; the length of the text if there is none.
     std::size_t LineStart(int number) const;
 
     const tinyxml2::XMLDocument& Document() const { return *mDocument; }
@@ -66,7 +66,7 @@ private:
     std::string mProblem;
     int mProblemLine = 0;
     std::unique_ptr<tinyxml2::XMLDocument> mDocument;
-    /// Where each line begins; made when a line is first asked for.
+    /// The offsets of all lines; built at the first request.
     mutable std::vector<std::size_t> mLineStarts;
 };
 

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::string_view BLANKS = " \t\r\n";
 constexpr std::size_t NONE = std::string_view::npos;
-// Nobody is helped by a caret in a longer line, and a file may be one line with findings all over.
+// A caret in a longer line helps nobody, and a file may be a single line with many findings.
 constexpr std::size_t LONGEST_LINE = 4096;
 
 bool IsBlank(char character)
@@ -16,7 +16,7 @@ bool IsBlank(char character)
     return BLANKS.find(character) != NONE;
 }
 
-// The offset of the only place in `line` for which `isPlace(offset behind it)` holds; NONE where it is not the only one.
+// The offset of the only place in `line` for which `isPlace(offset behind it)` is true; NONE if there are several.
 template <typename IsPlace>
 std::size_t OnlyPlace(std::string_view line, std::string_view word, IsPlace isPlace)
 {
@@ -66,7 +66,7 @@ std::size_t TagEnd(std::string_view text, std::size_t at)
     return NONE;
 }
 
-// The offset of the quote that a value begins with, for a name that ends at `at`; NONE where no value follows.
+// The offset of the opening quote of a value, for a name that ends at `at`; NONE if no value follows.
 std::size_t QuoteBehind(std::string_view text, std::size_t at)
 {
     at = text.find_first_not_of(BLANKS, at);

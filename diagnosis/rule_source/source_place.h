@@ -14,16 +14,16 @@ struct SourcePlace {
     std::size_t length = 0;
 };
 
-/// Where things stand in the text. The XML library tells lines and no columns, so that they are looked for again:
-/// nothing where the line holds what is looked for more than once, or not in the usual form.
+/// Places in the text. As the XML library reports lines but no columns, these functions search the line again; they
+/// return nothing if the line has the item several times, or not in the usual form.
 
 /// The name in an element's start tag.
 std::optional<SourcePlace> PlaceOfName(Element element);
-/// The text of an element as the file writes it, entities unresolved; nothing where it is not one piece of plain text.
+/// The text of an element as written, with entities; nothing if it is not one piece of plain text.
 std::optional<SourcePlace> PlaceOfText(Element element);
-/// The value of an attribute as the file writes it, without its quotes. May be empty.
+/// The value of an attribute as written, without its quotes. May be empty.
 std::optional<SourcePlace> PlaceOfValue(Element element, Attribute attribute);
-/// An attribute with the white space in front of it: what goes when it is removed.
+/// An attribute with the white space in front of it, which is removed with it.
 std::optional<SourcePlace> PlaceOfAttribute(Element element, Attribute attribute);
 
 } // namespace diagnosis::rule_source

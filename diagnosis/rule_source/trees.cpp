@@ -25,7 +25,7 @@ void TakeFirst(Element child, Element& slot)
     }
 }
 
-// One walk over the children: asking name by name would start again from the first each time.
+// One pass over the children; a search for each name would start again at the first child.
 TreeEvent ReadEvent(Element element)
 {
     TreeEvent event;
@@ -57,12 +57,12 @@ TreeEvent ReadEvent(Element element)
     return event;
 }
 
-/// Reads the events of one tree in the order in which they stand.
+/// Reads the events of one tree in file order.
 class EventReader {
 public:
     EventReader(std::vector<TreeEvent>& events, std::size_t tree) : mEvents(events), mTree(tree) {}
 
-    // As deep as the XML library lets elements be nested.
+    // Recursion is limited by the nesting that the XML library accepts.
     void Read(Element element, std::size_t parent)
     {
         const std::size_t index = mEvents.size();

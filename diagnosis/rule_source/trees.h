@@ -20,21 +20,21 @@ struct TreeEvent {
 
     Element element;
     EventKind kind = EventKind::UNDEVELOPED;
-    /// The first child of its name, where there is one; so are the next three.
+    /// The first child of its name, if there is one; likewise the next three.
     Element idElement;
     Element nameElement;
     Element userDefined;
     Element detectMode;
-    /// Spaces at both ends are gone, as they are for the engine; idElement.Text() has the id as written.
+    /// Without spaces at both ends, as in the engine; idElement.Text() has the id as written.
     std::string_view id;
-    /// The gate that the engine takes; null where there is none, and below all but intermediate events.
+    /// The gate that the engine uses; null if there is none, and for all events but intermediate ones.
     Element gate;
     GateKind gateKind = GateKind::NONE;
-    /// The entry of the event rules that counts for it; null where there is none.
+    /// The entry of the event rules that counts for it; null if there is none.
     const Binding* binding = nullptr;
     /// The event whose gate it is a child of, as an index into Trees::events.
     std::size_t parent = NO_PARENT;
-    /// Index behind its last descendant.
+    /// One past the index of its last descendant.
     std::size_t end = 0;
     /// Index into Trees::trees.
     std::size_t tree = 0;
@@ -43,16 +43,16 @@ struct TreeEvent {
 struct Tree {
     Element element;
     std::string_view id;
-    /// The top event; null where the engine drops the tree for lack of one.
+    /// The top event; null if it is missing, for which the engine drops the tree.
     Element top;
-    /// Whether the engine keeps it: it has a top event, an id, a version and a type.
+    /// True if the engine keeps it: it has a top event, an id, a version and a type.
     bool isKept = false;
-    /// Its events in Trees::events, the top event first; none where it is not kept.
+    /// Its events in Trees::events, the top event first; none if it is not kept.
     std::size_t begin = 0;
     std::size_t end = 0;
 };
 
-/// The trees of one tag in file order, with those that the engine drops.
+/// The trees of one tag in file order, including those that the engine drops.
 struct Trees {
     std::vector<Tree> trees;
     /// The events of all kept trees, each before those below its gate.

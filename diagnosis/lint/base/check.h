@@ -19,7 +19,7 @@ enum class Severity {
 const char* SeverityWord(Severity severity);
 std::optional<Severity> SeverityOf(std::string_view word);
 
-/// What a check needs beside the two files.
+/// What a check needs in addition to the two files.
 enum class CheckClass {
     STATIC, ///< nothing
     SQL, ///< SQLite: prepares statements on an empty schema
@@ -27,7 +27,7 @@ enum class CheckClass {
     HOST, ///< an event log or other data of a device
 };
 
-/// One check of the catalogue. Id, severity and meaning stay as they are once shipped.
+/// One check of the catalogue. Id, severity and meaning don't change once shipped.
 struct Check {
     /// "A303".
     const char* id;
@@ -37,9 +37,9 @@ struct Check {
     const char* title;
     /// What the check looks for, in a sentence or two.
     const char* finds;
-    /// What the engine makes of it: the sentence that follows "at run time".
+    /// The effect in the engine: the end of a sentence that begins "at run time".
     const char* atRunTime;
-    /// Reports what it finds in one rule set. Its work grows no faster than the rule set.
+    /// Reports the findings in one rule set. Takes at most time proportional to its size.
     void (*run)(const Subject& subject, Report& report);
 };
 

@@ -9,36 +9,36 @@
 
 namespace diagnosis::lint {
 
-/// A change of a file that mends a finding.
+/// A change of a file that fixes a finding.
 struct Edit {
-    /// In bytes of the file's text.
+    /// Position in the file's text, in bytes.
     std::size_t offset = 0;
     std::size_t length = 0;
-    /// What stands there.
+    /// The text at this position.
     std::string old;
-    /// What is to stand there.
+    /// Its replacement.
     std::string text;
-    /// Whether the engine reads the same afterwards.
+    /// True if the engine reads the same afterwards.
     bool isSafe = false;
 };
 
-/// A place in a rule set where a check found what it looks for.
+/// A problem that a check has found in a rule set, with its place.
 struct Finding {
     const Check* check = nullptr;
     std::string file;
     /// From 1; 0 for a finding about a file as a whole.
     int line = 0;
-    /// The characters that a caret points at, from 1; 0 where they are not known.
+    /// The characters that a caret points at, from 1; 0 if they are not known.
     int column = 0;
     int columns = 0;
     /// The line of the file.
     std::string source;
-    /// Where it is by names, without lines: "EventRules/Laptop/Event[WORN]". Stays the same when lines move.
+    /// Its place as a path of names, "EventRules/Laptop/Event[WORN]", which doesn't change when lines move.
     std::string element;
     std::string message;
     /// What to do about it; may be empty.
     std::string help;
-    /// The same from run to run as long as check, file, element and message are, and different for each finding.
+    /// Unique for each finding, and the same in every run as long as check, file, element and message are the same.
     std::string fingerprint;
     std::vector<Edit> edits;
 };

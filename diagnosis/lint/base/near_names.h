@@ -9,19 +9,19 @@
 
 namespace diagnosis::lint {
 
-/// Finds which of some names a dangling one was most likely meant to be. Each search looks at all names, so that a rule
-/// set in which everything dangles would take for ever: after a number of letters it finds nothing any more.
+/// Finds the known name that an unknown one was probably meant to be. As each search compares all names, a rule set
+/// full of unknown names would take for ever: after a number of compared letters it finds nothing any more.
 class NearNames {
 public:
     using Fill = std::function<void(NearNames& names)>;
 
     NearNames() = default;
-    /// `fill` adds the names when one is first looked for: mostly none is.
+    /// `fill` adds the names at the first search; mostly there is none.
     explicit NearNames(Fill fill) : mFill(std::move(fill)) {}
 
     void Add(std::string_view name);
 
-    /// The near name; empty where none is near.
+    /// The near name; empty if none is near.
     std::string Find(std::string_view name);
     /// `did you mean "..."?`, or nothing: the help of a finding.
     std::string Help(std::string_view name);

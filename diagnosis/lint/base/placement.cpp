@@ -17,14 +17,15 @@ using rule_source::Element;
 using rule_source::SourceFile;
 using rule_source::SourcePlace;
 
-// Longer ones would be written again for everything below.
+// Limit on names in a path, which every path below repeats.
 constexpr std::size_t LONGEST_KEY = 80;
-// A file may be one line with findings all over.
+// A file may be a single line with many findings.
 constexpr std::size_t LONGEST_SOURCE = 4096;
 
 std::string_view IdTextOf(Element element)
 {
-    // Where there is an "ID", it stands in front: wide elements are not searched for each of their children.
+    // Searches only the first children for an "ID", which usually comes first, as each child of a wide element would
+    // search again.
     static constexpr int MOST_CHILDREN = 16;
     int looked = 0;
     for (const Element child : rule_source::Children(element)) {
@@ -77,7 +78,7 @@ int Characters(std::string_view text)
         text.begin(), text.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
 }
 
-// Only where the place lies on the finding's line, as nearly all do.
+// Sets the column only if the place is on the finding's line, as nearly always.
 void SetColumn(const Reported& reported, Finding& finding)
 {
     const auto place = reported.element ? PlaceOf(reported) : std::nullopt;
@@ -138,7 +139,7 @@ void SetEdits(const Reported& reported, Finding& finding)
     }
 }
 
-// Equal findings are told apart by their number.
+// A number distinguishes equal findings.
 void SetFingerprints(std::vector<Finding>& findings)
 {
     std::map<std::uint64_t, int> seen;
@@ -178,7 +179,7 @@ auto Identity(const Reported& reported)
         std::hash<Element>()(reported.element), std::string_view(reported.message));
 }
 
-// Each once, in order of line.
+// The distinct findings in order of line.
 std::vector<const Reported*> Distinct(const std::vector<Reported>& reported)
 {
     std::vector<const Reported*> distinct;

@@ -26,7 +26,7 @@ void Report::AddToFile(const rule_source::SourceFile& file, int line, std::strin
 
 std::string Quoted(std::string_view name)
 {
-    static constexpr std::size_t LONGEST = 120; // what a stranger's file brings may be longer than any name
+    static constexpr std::size_t LONGEST = 120; // foreign files may have names of any length
     const bool isCut = name.size() > LONGEST;
     return "\"" + std::string(name.substr(0, LONGEST)) + (isCut ? "..." : "") + "\"";
 }

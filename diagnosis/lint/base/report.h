@@ -9,8 +9,7 @@
 
 namespace diagnosis::lint {
 
-/// What mends a finding. The text is what the file is to read, without the marks of XML: they are put in when it is
-/// written.
+/// The fix of a finding. The text is the new content without XML escapes, which are added when it is written.
 struct FixOf {
     enum class What { NOTHING, TEXT, VALUE, REMOVE_ATTRIBUTE };
 
@@ -19,26 +18,26 @@ struct FixOf {
     /// Whether the engine reads the same afterwards.
     bool isSafe = false;
 
-    /// Gives the element another text.
+    /// Replaces the text of the element.
     static FixOf Text(std::string text, bool isSafe) { return {What::TEXT, std::move(text), isSafe}; }
-    /// Gives the attribute another value.
+    /// Replaces the value of the attribute.
     static FixOf Value(std::string text, bool isSafe) { return {What::VALUE, std::move(text), isSafe}; }
-    /// Takes away an attribute that nobody reads.
+    /// Removes an attribute that nothing reads.
     static FixOf Removal() { return {What::REMOVE_ATTRIBUTE, "", true}; }
 };
 
-/// What a finding may have beside its element and message.
+/// Optional parts of a finding.
 struct Details {
     /// The attribute that it is about: the caret points at its value.
     rule_source::Attribute attribute = {};
     /// What to do about it, as a sentence without a full stop: `did you mean "worn"?`.
     std::string help = {};
     FixOf fix = {};
-    /// Whether the caret points at the element's text; otherwise, without an attribute, at its name.
+    /// True if the caret points at the element's text; otherwise, without an attribute, it points at its name.
     bool isAboutText = false;
 };
 
-/// A finding where it was reported: it holds elements, and the files must outlive it.
+/// A finding as it was reported. Refers to elements, so that the files must outlive it.
 struct Reported {
     const Check* check = nullptr;
     const rule_source::SourceFile* file = nullptr;
@@ -49,15 +48,16 @@ struct Reported {
     Details details;
 };
 
-/// Takes what checks find.
+/// Collects the findings of checks.
 class Report {
 public:
-    /// What is reported from now on is found by this check.
+    /// Later reports belong to this check.
     void Begin(const Check& check) { mCheck = &check; }
 
-    /// Something about an element. The message is a sentence without a full stop and quotes names: `the event "A" ...`.
+    /// Adds a finding about an element. The message is a sentence without a full stop, with names in quotes: `the event
+    /// "A" ...`.
     void Add(rule_source::Element element, std::string message, Details details = {});
-    /// Something about a file as a whole, or about a line of it that no element stands on.
+    /// Adds a finding about a whole file, or about a line of it without an element.
     void AddToFile(const rule_source::SourceFile& file, int line, std::string message);
 
     std::vector<Reported>& Findings() { return mFindings; }

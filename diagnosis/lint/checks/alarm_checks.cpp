@@ -83,7 +83,7 @@ void CheckSameWindows(const AlarmRule& rule, const AlarmItem& item, Report& repo
     }
 }
 
-// Some counts are compared with their sign.
+// True if the count of the window is compared with its sign.
 bool IsSigned(const AlarmItem& item, WindowKind kind)
 {
     return kind == WindowKind::DAILY_PEAK ? !item.HasTests() || HasAsked(item, Kind::SINGLE)

@@ -21,7 +21,7 @@ void ForEachItem(const Subject& subject, Visit visit)
     }
 }
 
-/// Makes a check of one that looks at a single "alarmId".
+/// Makes a check of a function that checks a single "alarmId".
 template <void (*CheckItem)(const rule_source::AlarmRule&, const rule_source::AlarmItem&, Report&)>
 void OnItems(const Subject& subject, Report& report)
 {
@@ -46,13 +46,13 @@ inline bool HasWindow(const rule_source::AlarmItem& item, rule_source::WindowKin
     return static_cast<bool>(item.Window(kind).element);
 }
 
-/// Whether a window has neither days nor a count: the engine passes it over.
+/// True if a window has neither days nor a count: the engine skips it.
 inline bool IsPassedOver(const rule_source::TimeWindow& window)
 {
     return window.period == 0 && window.threshold == 0;
 }
 
-/// Whether the tests of an item are asked and one of its alternatives is of this kind.
+/// True if the engine runs the tests of an item and one of its alternatives is of this kind.
 inline bool HasAsked(const rule_source::AlarmItem& item, rule_source::ConditionAlternative::Kind kind)
 {
     const auto& alternatives = item.condition.alternatives;

@@ -42,7 +42,7 @@ void CheckTestsUnread(const AlarmRule& rule, const AlarmItem& item, Report& repo
     }
 }
 
-// Alternatives that are dropped are told by a check of their own.
+// Another check reports dropped alternatives.
 void CheckNoTests(const AlarmRule& rule, const AlarmItem& item, Report& report)
 {
     const bool hasTests = !item.condition.alternatives.empty() || !item.condition.dropped.empty();

@@ -92,13 +92,13 @@ Names NamesOf(const BindingAlternative& alternative)
     return names;
 }
 
-// Whether an alternative before or behind this one holds whenever this one does.
+// True if another alternative is true whenever this one is.
 bool IsRedundant(const std::vector<Names>& all, std::size_t own)
 {
     for (std::size_t other = 0; other < all.size(); ++other) {
         const bool isPart = other != own && !all[other].empty()
             && std::includes(all[own].begin(), all[own].end(), all[other].begin(), all[other].end());
-        // Of two equal ones the later is too much.
+        // Of two equal ones the later is redundant.
         if (isPart && (all[other].size() < all[own].size() || other < own)) {
             return true;
         }
@@ -108,7 +108,7 @@ bool IsRedundant(const std::vector<Names>& all, std::size_t own)
 
 void CheckRedundant(const Subject& subject, Report& report)
 {
-    static constexpr std::size_t MOST_ALTERNATIVES = 64; // each is held against all others
+    static constexpr std::size_t MOST_ALTERNATIVES = 64; // each is compared with all others
     for (const Binding& binding : subject.rules.bindings.all) {
         if (!binding.isKept || binding.isReplaced || binding.alternatives.size() > MOST_ALTERNATIVES) {
             continue;
@@ -131,7 +131,7 @@ void CheckRedundant(const Subject& subject, Report& report)
 
 // ---- Groups that never hold. ----
 
-// What of two rules no device and scene passes; empty where some may.
+// The filters of two rules that no device and scene passes together; empty if some may.
 std::string Conflict(const Rule& one, const Rule& other)
 {
     if (!HaveCommonScene(one.detectScene, other.detectScene)) {
@@ -148,13 +148,13 @@ std::string Conflict(const Rule& one, const Rule& other)
     return isBlack ? "blackProducts" : "";
 }
 
-// Each rule of a group is held against the first: with more, a group of strangers' rules would take for ever.
+// Compares each rule of a group with the first only: comparing all pairs could take for ever on a foreign rule set.
 std::string ConflictIn(const BindingAlternative& alternative)
 {
     const Rule* first = nullptr;
     for (const RuleName& name : alternative.names) {
         const Rule* const rule = name.rule;
-        // A rule without scenes is told by another check.
+        // Another check reports a rule without scenes.
         if (rule == nullptr || rule->detectScene.empty()) {
             continue;
         }

@@ -27,7 +27,7 @@ void ReportPadded(Element element, const std::string& what, Report& report)
         {.help = "remove them", .fix = FixOf::Text(std::string(Trimmed(element.Text())), false), .isAboutText = true});
 }
 
-// Names and ids that match nothing because of what stands around them.
+// Finds names and ids that match nothing because of blanks around them.
 void CheckBlanks(const Subject& subject, Report& report)
 {
     const RuleSet& rules = subject.rules;
@@ -75,7 +75,7 @@ void CheckAllBlanks(const Subject& subject, Report& report)
     CheckBlanksOfRules(subject.rules, report);
 }
 
-// An event that is left to the host.
+// True for an event that is left to the host.
 bool IsInteractive(const TreeEvent& event)
 {
     return event.detectMode.Text() == "2";
@@ -120,7 +120,7 @@ void CheckUnknownRules(const Subject& subject, Report& report)
     });
     ForEachRuleName(rules, [&](const Binding& binding, const RuleName& name) {
         if (name.rule != nullptr || IsPadded(name.name) || name.name.find(RULE_NAME_COMMA) != std::string_view::npos) {
-            return; // the last two are told by other checks
+            return; // other checks report the last two
         }
         const std::string near = names.Find(name.name);
         report.Add(name.element,
@@ -159,7 +159,7 @@ void CheckEntriesWithoutEvents(const Subject& subject, Report& report)
     }
 }
 
-// A name with a comma leads to no rule, but its parts may.
+// A name with a comma names no rule, but its parts may.
 void AddParts(const RuleSet& rules, std::string_view name, std::unordered_set<const Rule*>& named)
 {
     for (std::size_t start = 0; start < name.size();) {

@@ -6,16 +6,18 @@
 
 namespace diagnosis::lint {
 
-/// Divides the names of a group.
+/// Separates the names of a group.
 inline constexpr char RULE_NAME_COMMA = ',';
 
-/// Whether the section has an element of the tag. Without one nothing in it dangles: that is a finding of its own.
+/// True if the section has an element of the tag. A missing one is a finding of its own, so that names are not reported
+/// then.
 inline bool HasSection(const rule_source::RuleSet& rules, rule_source::SectionKind kind)
 {
     return rules.hasRules && rules.SectionOf(kind).tag;
 }
 
-/// Calls `visit(binding, alternative)` for each alternative of the entries that count, those that the engine drops, too.
+/// Calls `visit(binding, alternative)` for each alternative of the entries that count, including those that the engine
+/// drops.
 template <typename Visit>
 void ForEachAlternative(const rule_source::RuleSet& rules, Visit visit)
 {

@@ -27,7 +27,7 @@ void CheckDetectInfo(const Subject& subject, Report& report)
     }
 }
 
-/// Finds codes that stand in others. Each code is cut into pieces of the lengths that codes have.
+/// Finds codes that are contained in others, by looking up all pieces of a code with the lengths of other codes.
 class ContainedCodes {
 public:
     explicit ContainedCodes(const std::deque<CodeRule>& rules)
@@ -40,7 +40,7 @@ public:
         }
     }
 
-    /// A rule whose code is a part of this one's; null where there is none.
+    /// A rule whose code is a part of this one's; null if there is none.
     const CodeRule* PartOf(const CodeRule& rule)
     {
         for (const std::size_t length : mLengths) {

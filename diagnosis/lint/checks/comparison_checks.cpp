@@ -81,7 +81,7 @@ void CheckTypes(const Subject& subject, Report& report)
     });
 }
 
-// What the engine makes of a text that is not the number that it looks like; empty for a number.
+// How the engine reads a text that is no valid number; empty for a number.
 std::string ReadAs(const AskedTest& asked)
 {
     const std::string_view text = Trimmed(asked.test.value);

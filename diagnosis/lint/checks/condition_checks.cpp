@@ -82,7 +82,7 @@ void CheckAlternatives(const Subject& subject, Report& report)
     });
 }
 
-// Of an alternative without a test that is left, the other check tells.
+// The other check reports an alternative of which no test is left.
 void CheckDroppedTests(const Subject& subject, Report& report)
 {
     ForEachAskedCondition(subject.rules, [&report](const RuleCondition& condition) {

@@ -7,25 +7,25 @@
 
 namespace diagnosis::lint {
 
-/// One test of a rule with what it looks at.
+/// One test of a rule with the parameters that it compares.
 struct AskedTest {
     const rule_source::RuleCondition& condition;
     const rule_source::ConditionAlternative& alternative;
     const rule_source::Test& test;
-    /// The parameters whose values it compares. Empty where it names none, and where nobody comes to ask it.
+    /// The parameters whose values it compares. Empty if it names none, or if the engine never runs it.
     std::span<const rule_source::Param> params;
 
     std::string_view RuleName() const { return condition.rule->name; }
-    /// Whether it compares with its own "value": a test of a command rule may take a threshold from elsewhere.
+    /// True if it compares with its own "value"; a test of a command rule may take its threshold from elsewhere.
     bool HasOwnValue() const;
 };
 
-/// The parameters that a test compares: those of its id. A single test of a node rule looks at all of the rule, and of
-/// such tests only the first is asked; several tests of a command rule look at the parameter of the first one.
+/// The parameters that a test compares: those of its id. A single test of a node rule compares all parameters of the
+/// rule, and only the first such test runs; several tests of a command rule compare the parameter of the first one.
 std::span<const rule_source::Param> ParamsOf(const rule_source::RuleCondition& condition,
     const rule_source::ConditionAlternative& alternative, const rule_source::Test& test);
 
-/// Calls `visit(condition)` for each condition of a rule that is kept and whose tests are asked.
+/// Calls `visit(condition)` for each condition of a kept rule whose tests the engine runs.
 template <typename Visit>
 void ForEachAskedCondition(const rule_source::RuleSet& rules, Visit visit)
 {

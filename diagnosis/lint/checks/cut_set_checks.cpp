@@ -17,7 +17,7 @@ using rule_source::Tree;
 using rule_source::TreeEvent;
 using rule_source::Trees;
 
-// A gate of two children or more, some undeveloped and some not.
+// Reports gates with two or more children of which some, but not all, are undeveloped.
 void CheckUndevelopedUnderAnd(const Subject& subject, Report& report)
 {
     const Trees& trees = subject.rules.trees;

@@ -26,7 +26,7 @@ CutSets::CutSets(const rule_source::Trees& trees)
     : mTrees(trees), mNumbers(trees.events.size()), mFirstChild(trees.events.size(), TreeEvent::NO_PARENT),
       mMayBeFirst(trees.events.size())
 {
-    // Each event stands before those below it.
+    // Goes backwards, as each event precedes those below it.
     for (std::size_t event = trees.events.size(); event-- > 0;) {
         Count(event);
     }
@@ -53,7 +53,8 @@ void CutSets::Count(std::size_t event)
     }
 }
 
-// While nothing is gathered, a child starts the combinations; one that has none takes away all that was gathered.
+// The first child starts the combinations; a child without combinations drops those collected so far, and the next one
+// starts anew.
 void CutSets::CountAnd(std::size_t event)
 {
     std::uint64_t& number = mNumbers[event];

@@ -8,17 +8,17 @@
 
 namespace diagnosis::lint {
 
-/// The combinations of basic and undeveloped events that the engine works out for trees, counted and not made.
+/// Counts the combinations of basic and undeveloped events that the engine expands for trees, without building them.
 class CutSets {
 public:
-    /// More are not told apart.
+    /// Larger numbers are not distinguished.
     static constexpr std::uint64_t COUNTLESS = 1'000'000'000'000'000'000;
 
     explicit CutSets(const rule_source::Trees& trees);
 
     /// How many combinations make the event true; 1 for a leaf. `event` is an index into Trees::events.
     std::uint64_t Number(std::size_t event) const { return mNumbers[event]; }
-    /// Whether the event, a leaf, is the first of some combination of its tree: the one that is reported.
+    /// True if the leaf is the first event of some combination of its tree, and so the one that is reported.
     bool MayBeFirst(std::size_t event) const { return mMayBeFirst[event]; }
 
 private:
@@ -28,7 +28,7 @@ private:
 
     const rule_source::Trees& mTrees;
     std::vector<std::uint64_t> mNumbers;
-    /// Of AND gates: the child that each combination begins with.
+    /// For AND gates: the child with which each combination begins.
     std::vector<std::size_t> mFirstChild;
     std::vector<bool> mMayBeFirst;
 };

@@ -133,7 +133,7 @@ void ForEachRepair(const RuleSet& rules, Visit visit)
 
 constexpr std::string_view OPERATION = "operation";
 
-// What is wrong with the "extra" of a repair; empty where it is an object of texts, or no JSON.
+// The problem with the "extra" of a repair; empty if it is an object of texts, or no JSON.
 std::string TroubleOf(const std::string& extra)
 {
     std::string problem;

@@ -19,7 +19,7 @@ using rule_source::Rule;
 struct Filter {
     std::string_view Rule::*field;
     const char* name;
-    /// Filters of one kind are held against the same text of the device.
+    /// Filters of one kind are compared with the same text of the device.
     std::size_t kind;
 };
 
@@ -71,7 +71,7 @@ void CheckBlackProducts(const Subject& subject, Report& report)
 
 // ---- Devices that are known. ----
 
-// A text that is not known may be any.
+// An unknown text may have any value.
 bool MayHold(std::string_view filter, const std::string& text)
 {
     return filter.empty() || text.empty() || filter.find(text) != std::string_view::npos;
@@ -84,7 +84,7 @@ bool MayHaveScene(std::string_view filter, const std::vector<int>& scenes)
     });
 }
 
-// The filter that turns a device away; null where it may pass all of them.
+// The filter that rejects a device; null if it may pass all of them.
 const char* RejectedBy(const Rule& rule, const DeviceProfile& device)
 {
     const bool isBlack = !device.product.empty() && rule.blackProducts.find(device.product) != std::string_view::npos;
@@ -96,7 +96,7 @@ const char* RejectedBy(const Rule& rule, const DeviceProfile& device)
                                                           : nullptr;
 }
 
-// What no device passes: one filter by name, "filters" where it is not the same for all; empty where one passes.
+// The filter that no device passes; "filters" if it is not the same one for all; empty if a device passes.
 std::string_view PassedByNone(const Rule& rule, const std::vector<DeviceProfile>& devices)
 {
     std::string_view rejectedBy;
@@ -110,7 +110,7 @@ std::string_view PassedByNone(const Rule& rule, const std::vector<DeviceProfile>
     return rejectedBy;
 }
 
-// Rules without a scene are told by a check of their own.
+// Another check reports rules without a scene.
 void CheckDevices(const Subject& subject, Report& report)
 {
     std::map<std::array<std::string_view, FILTERS.size()>, std::string_view> known;

@@ -10,16 +10,16 @@
 
 namespace diagnosis::lint {
 
-/// Finds entries of filters that are a part of others. All filters of one kind of device text are added first.
+/// Finds entries of filters that are a part of others. Add all filters of one kind of device text first.
 class EntryOverlap {
 public:
-    /// An entry, and another one that is a part of it; both empty where there is none.
+    /// An entry, and another one that is a part of it; both empty if there is none.
     using Pair = std::pair<std::string_view, std::string_view>;
 
     /// The filter must outlive this object.
     void Add(std::string_view filter);
-    /// The first entry of a filter of which another entry, of this filter or of any other, is a part. All parts of each
-    /// entry are looked up, so that after a number of them nothing is found any more.
+    /// The first entry of a filter that contains another entry, of this filter or of any other. Looks up all parts of
+    /// each entry, and gives up after a number of them.
     const Pair& Find(std::string_view filter);
 
 private:

@@ -21,7 +21,7 @@ std::string NamedEvent(const TreeEvent& event)
     return "the event " + Quoted(event.id);
 }
 
-// The usual word for an event that is left undeveloped on purpose.
+// True for the usual words for an event that is undeveloped on purpose.
 bool IsMeantUndeveloped(std::string_view word)
 {
     return word == "Undeveloped-Event";
@@ -96,7 +96,7 @@ void CheckSpacesAroundIds(const Subject& subject, Report& report)
 
 // ---- What events say of themselves. ----
 
-// The name of a rule of the event that is no code rule; empty where there is none.
+// The name of a rule of the event that is no code rule; empty if there is none.
 std::string_view RuleOfAnotherFamily(const TreeEvent& event)
 {
     if (event.binding == nullptr) {
@@ -126,7 +126,7 @@ void CheckDetectModes(const Subject& subject, Report& report)
     }
 }
 
-// What is wrong with a user-defined text; empty where a repair can be read of it, or none is meant.
+// The problem with a user-defined text; empty if a repair can be read from it, or if it has none.
 std::string TroubleOf(const std::string& text)
 {
     std::string problem;

@@ -62,7 +62,7 @@ NearNames NamesOfChildren(Element parent)
     return names;
 }
 
-// Sections that a tag may do without.
+// True for sections that a tag need not have.
 bool IsOptional(SectionKind kind)
 {
     return kind != SectionKind::EVENT_RULES && kind != SectionKind::RULE_LIST;
@@ -98,7 +98,7 @@ void CheckSectionTag(const RuleSet& rules, SectionKind kind, Report& report)
     }
 }
 
-// A section that is named nearly as one that the file lacks.
+// Reports a section whose name is similar to that of a missing one.
 void CheckSectionNames(const RuleSet& rules, Report& report)
 {
     NearNames missing;
@@ -117,7 +117,7 @@ void CheckSectionNames(const RuleSet& rules, Report& report)
     }
 }
 
-// A tag without trees: nothing can ask for what stands under it.
+// Reports a tag without trees: nothing can use its content.
 void CheckTagsWithoutTrees(const RuleSet& rules, Report& report)
 {
     if (!rules.hasTrees) {
@@ -131,7 +131,7 @@ void CheckTagsWithoutTrees(const RuleSet& rules, Report& report)
     }
     for (const SectionKind kind : SECTION_KINDS) {
         for (const Element tag : Children(rules.SectionOf(kind).element)) {
-            // One that is near to a tag of the trees is told where that one is missing.
+            // A tag that is similar to one of the trees is reported where that one is missing.
             if (treeTags.count(tag.Name()) == 0 && near.Find(tag.Name()).empty()) {
                 report.Add(tag, "the tree file has no section " + Quoted(tag.Name()));
             }

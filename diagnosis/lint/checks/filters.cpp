@@ -6,7 +6,7 @@ namespace diagnosis::lint {
 
 namespace {
 
-// Entries are held against each other, or looked for in a text: of a stranger's longer filters only the start counts.
+// Limits the length of a filter that is checked, as entries are compared with each other or searched in a text.
 constexpr std::size_t LONGEST_FILTER = 4096;
 
 bool HasEntryIn(std::string_view filter, std::string_view text)
@@ -34,7 +34,7 @@ std::vector<std::string_view> EntriesOf(std::string_view filter)
 bool HaveCommonScene(std::string_view one, std::string_view other)
 {
     static constexpr std::string_view DIGITS = "0123456789";
-    // A digit that stands in both is a scene that passes both.
+    // A digit in both texts is a scene that passes both.
     return std::any_of(DIGITS.begin(), DIGITS.end(), [one, other](char digit) {
         return one.find(digit) != std::string_view::npos && other.find(digit) != std::string_view::npos;
     });

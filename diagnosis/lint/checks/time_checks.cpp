@@ -90,7 +90,7 @@ void CheckSameFlag(const Subject& subject, Report& report)
 
 // ---- How long it is. ----
 
-// What is wrong with the days of a time; empty where nothing is.
+// The problem with the days of a time; empty if there is none.
 std::string PeriodTrouble(const TimeWindow& time)
 {
     const Attribute attribute = time.element.Find("period");

@@ -35,7 +35,7 @@ void AddTest(
     }
 }
 
-// Only under "duration" one row must pass all tests.
+// True if one row must pass all tests, which is only the case under "duration".
 bool IsOneValueTested(const RuleCondition& condition)
 {
     return condition.item == nullptr
@@ -61,7 +61,8 @@ void CheckExclusive(const Subject& subject, Report& report)
     });
 }
 
-// Whether one alternative that holds for a value is enough for the rule: an alarm rule counts rows for each.
+// True if one alternative that is true for a value is enough for the rule; an alarm rule counts rows for each
+// alternative.
 bool IsOneAlternativeEnough(const RuleCondition& condition)
 {
     if (condition.item == nullptr) {

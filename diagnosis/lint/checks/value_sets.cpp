@@ -57,7 +57,7 @@ void ValueSets::AddText(std::string_view word, std::string_view value)
 
 void ValueSets::AddNumber(std::string_view word, double value)
 {
-    // Among whole numbers "gt 5" is "ge 6", and no end is open.
+    // For whole numbers "gt 5" is "ge 6", so that no end is open.
     const bool isWhole = mKind == ValueKind::WHOLE;
     if (word == "eq") {
         mPoints.insert(value);
@@ -93,7 +93,7 @@ void ValueSets::AddAbove(End end)
     mLowestAbove = mLowestAbove && !isNarrower(*mLowestAbove, end) ? mLowestAbove : end;
 }
 
-// Whether a value fails one of the tests.
+// True if a value fails one of the tests.
 bool ValueSets::IsPointExcluded(double value) const
 {
     const bool isBelow = !mLowestBelow || value < mLowestBelow->value
@@ -121,7 +121,7 @@ bool ValueSets::IsNonePassingAll() const
     return static_cast<double>(holes) >= high - low + 1;
 }
 
-// Whether the points between two half-lines fill what they leave, both ends being part of the gap.
+// True if the points fill the gap between two half-lines, including both its ends.
 bool ValueSets::IsGapFilled(double low, double high) const
 {
     if (low >= high || mKind == ValueKind::DECIMAL) {
@@ -151,7 +151,7 @@ bool ValueSets::IsEveryOnePassingOne() const
     if (!mHighestBelow || !mLowestAbove) {
         return false;
     }
-    // Half-lines that touch leave out their common end where both are open.
+    // Half-lines that touch leave out their common end if both are open there.
     const bool isTouched = mHighestBelow->value == mLowestAbove->value && (!mHighestBelow->isOpen || !mLowestAbove->isOpen);
     return isTouched || IsGapFilled(mHighestBelow->value, mLowestAbove->value);
 }

@@ -8,23 +8,23 @@
 
 namespace diagnosis::lint {
 
-/// What is compared: whole numbers of 32 bits, other numbers, or texts.
+/// The type of compared values: whole numbers of 32 bits, other numbers, or texts.
 enum class ValueKind { WHOLE, DECIMAL, TEXT };
 
-/// The kind of a parameter's type; nothing for a type that nobody knows.
+/// The kind of a parameter's type; nothing for an unknown type.
 std::optional<ValueKind> ValueKindOf(std::string_view type);
 
-/// The values that pass some tests of one parameter, all of them or any. A test whose word or number is none is left
-/// out. Tests are added in time that grows with their number as a sorted set does.
+/// The values that pass all, or any, of some tests of one parameter. Leaves out a test whose word or number is invalid.
+/// Adding a test takes as long as an insertion into a sorted set.
 class ValueSets {
 public:
     explicit ValueSets(ValueKind kind) : mKind(kind) {}
 
     void Add(std::string_view word, std::string_view value);
 
-    /// Whether no value passes all tests.
+    /// True if no value passes all tests.
     bool IsNonePassingAll() const;
-    /// Whether every value passes one of the tests.
+    /// True if every value passes at least one of the tests.
     bool IsEveryOnePassingOne() const;
 
 private:
@@ -49,7 +49,7 @@ private:
     /// "eq" and "ne".
     std::set<double> mPoints;
     std::set<double> mHoles;
-    /// The narrowest and the widest of the tests from below ("lt", "le") and from above.
+    /// The narrowest and the widest of the tests with an upper bound ("lt", "le"), and of those with a lower bound.
     std::optional<End> mLowestBelow;
     std::optional<End> mHighestBelow;
     std::optional<End> mHighestAbove;

@@ -11,7 +11,7 @@ struct WeightedIds {
     std::int32_t last;
 };
 
-/// Events of which one row of the log stands for as many as its "COUNT" says.
+/// Events for which one row of the log counts as many as its "COUNT" says.
 inline constexpr std::array<WeightedIds, 3> WEIGHTED_IDS = {
     {{909030000, 909031999}, {912001000, 912001999}, {920000000, 929999999}}};
 

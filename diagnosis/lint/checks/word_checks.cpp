@@ -99,7 +99,7 @@ void CheckRepeated(const Subject& subject, Report& report)
 
 // ---- Words that nobody knows. ----
 
-/// Finds near words for the first unknown ones; a file in which nothing is known would take for ever.
+/// Finds near words for the first unknown ones only, as a file of unknown words would take for ever.
 class WordHelp {
 public:
     std::string ForChild(std::string_view name, const ElementWords& words)
@@ -136,7 +136,7 @@ bool IsGate(std::string_view name)
     return name == "Or-Gate" || name == "And-Gate";
 }
 
-// What another check tells, and tells better.
+// True for an element that another check reports in more detail.
 bool IsToldElsewhere(Element child)
 {
     const Element parent = child.Parent();
@@ -172,7 +172,7 @@ void CheckAttributes(Element element, const ElementWords& words, WordHelp& help,
     }
 }
 
-// Sections whose names are nearly right are told by the check of sections.
+// The check of sections reports sections with similar names.
 void CheckSections(const RuleSet& rules, Report& report)
 {
     NearNames sections;

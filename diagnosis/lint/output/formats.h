@@ -8,25 +8,25 @@
 
 namespace diagnosis::lint {
 
-/// What came of all rule sets of one run.
+/// The results of all rule sets of one run.
 struct LintRun {
-    /// The files that were looked at.
+    /// The files that were linted.
     std::vector<std::string> files;
     std::vector<Finding> findings;
-    /// Findings that a baseline holds and that are not told.
+    /// Number of findings in the baseline, which are not reported.
     std::size_t known = 0;
 
     std::size_t Count(Severity severity) const;
 };
 
-/// "2 errors, 1 warning, 3 in the baseline"; "no findings" where there are none.
+/// "2 errors, 1 warning, 3 in the baseline"; "no findings" if there are none.
 std::string CountsText(const LintRun& run);
 
-/// Each whole, with its last line end. All are valid without findings, too.
+/// The formats below are complete, with their last line end, and valid without findings, too.
 
 /// One JSON object, as docs/lint.md describes it.
 std::string RunJson(const LintRun& run);
-/// A line for each finding: `file:line:column: warning: text [A602]`, as editors read it.
+/// A line for each finding, in a form that editors read: `file:line:column: warning: text [A602]`.
 std::string RunShort(const LintRun& run);
 /// Annotations of GitHub's workflows.
 std::string RunGithub(const LintRun& run);

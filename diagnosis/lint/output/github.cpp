@@ -5,7 +5,7 @@ namespace diagnosis::lint {
 
 namespace {
 
-// Properties end at a comma or a colon, and all ends at the line's end.
+// Escapes line ends and, in a property, commas and colons, at which it would end.
 std::string Escaped(const std::string& text, bool isProperty)
 {
     std::string escaped;
