@@ -40,7 +40,7 @@ void CountGrouped(const EventLogShape& shape)
     bench::Keep(sum);
 }
 
-// Highest heap above the rules while all of them are decided.
+// Peak heap, without the rules, while all rules are decided.
 double BytesInUse(const std::vector<std::shared_ptr<AlarmRule>>& rules)
 {
     const HeapGauge gauge;
@@ -48,7 +48,7 @@ double BytesInUse(const std::vector<std::shared_ptr<AlarmRule>>& rules)
     return gauge.Peak();
 }
 
-// Time for a row of a log of this many rows against one of a tenth of them.
+// Time per row of a log of this size against that of a log a tenth of its size.
 void ReportGrowth(EventLogShape shape, std::int64_t largest, const std::vector<std::shared_ptr<AlarmRule>>& rules)
 {
     double before = 0;
@@ -70,7 +70,7 @@ void ReportGrowth(EventLogShape shape, std::int64_t largest, const std::vector<s
 
 } // namespace
 
-// With any argument also on 10,000,000 rows, for which it needs 1 GB in the folder for temporary files.
+// With any argument, also runs on 10,000,000 rows, which takes 1 GB in the folder for temporary files.
 int main(int argumentCount, char**)
 {
     bench::SilenceLog();

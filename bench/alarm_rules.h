@@ -14,7 +14,7 @@ enum class Range { NARROW, WIDE };
 /// 500 alarm rules of three windows each, over `blocks` blocks of ids of a generated event log. None ever fires.
 std::vector<std::shared_ptr<AlarmRule>> Rules(Tests tests, Range range, int blocks);
 
-/// Asks for each rule, with a new checker: opening the log and reading it is part of the work.
+/// Decides each rule with a new checker, so that opening and reading the log is part of the measured work.
 void DecideAll(const std::vector<std::shared_ptr<AlarmRule>>& rules);
 
 } // namespace bench

@@ -42,7 +42,7 @@ constexpr char CREATE_TABLE[] =
     "count int NOT NULL DEFAULT 0, frames int NOT NULL DEFAULT 0, name string NOT NULL DEFAULT '', ratio double, "
     "size long NOT NULL DEFAULT 0, state string NOT NULL DEFAULT '', occurrence_time int NOT NULL DEFAULT 0);";
 
-// One open connection, as a hand-written program holds it: its own defaults, one error check.
+// One open connection as in a hand-written program: default settings, one error check.
 class Connection {
 public:
     explicit Connection(const std::string& path) { sqlite3_open(path.c_str(), &mConnection); }
@@ -147,7 +147,7 @@ void WriteLog(const std::string& path)
     connection.Run("COMMIT");
 }
 
-// A text and its length for each row, copied: what is to be parsed must outlive the statement.
+// Copies the text and its length for each row, as the texts to parse must outlive the statement.
 int KeepText(void* context, int, char** texts, char**)
 {
     static_cast<std::vector<std::string>*>(context)->push_back(texts[0]);

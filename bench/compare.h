@@ -10,10 +10,10 @@
 
 #include "arborist/frame/log.h"
 
-/// Measures ours against a baseline, side by side in one run, and prints the lines that a table is made of.
+/// Measures ours against a baseline in the same run, and prints the lines of the table.
 namespace bench {
 
-/// Milliseconds that `work` takes, once.
+/// Milliseconds of a single run of `work`.
 template <typename Work>
 double Milliseconds(Work&& work)
 {
@@ -34,7 +34,7 @@ struct Pair {
     double baseline;
 };
 
-/// Medians of both in milliseconds. They take turns, so that a slow spell of the machine meets both alike.
+/// Medians of both in milliseconds. They alternate, so that a slow phase of the machine affects both alike.
 template <typename Ours, typename Baseline>
 Pair Alternate(int rounds, Ours&& ours, Baseline&& baseline)
 {
@@ -47,8 +47,8 @@ Pair Alternate(int rounds, Ours&& ours, Baseline&& baseline)
     return {Median(oursTimes), Median(baselineTimes)};
 }
 
-/// One line "name, ours, baseline, ratio, goal" on standard output. Milliseconds, or bytes where the name says so;
-/// `goal` is the greatest ratio that is good enough.
+/// One line "name, ours, baseline, ratio, goal" on standard output. Milliseconds, or bytes if the name says so; `goal`
+/// is the largest acceptable ratio.
 inline void Report(const std::string& name, Pair pair, double goal)
 {
     std::printf("%s, %.6g, %.6g, %.3f, %g\n", name.c_str(), pair.ours, pair.baseline, pair.ours / pair.baseline,
@@ -56,7 +56,7 @@ inline void Report(const std::string& name, Pair pair, double goal)
     std::fflush(stdout);
 }
 
-/// Takes all lines of the library and drops them: standard output is for the table.
+/// Drops all lines of the library, as standard output is for the table.
 class SilentLogger : public FT::ILogger {
 public:
     void Print(unsigned int, const std::string&, va_list) override {}
@@ -67,7 +67,7 @@ inline void SilenceLog()
     FT::Log::GetInstance().SetUserLogger(std::make_unique<SilentLogger>());
 }
 
-/// Keeps the compiler from dropping work whose result nobody reads.
+/// Keeps the compiler from removing work whose result is not used.
 template <typename Value>
 void Keep(const Value& value)
 {

@@ -1,5 +1,5 @@
-// Deduction against a walk over the same tree that reads each status, plus one microsecond for each member of the cut
-// set of a reported root cause where there are many.
+// Deduction against a walk over the same tree that reads each status, plus, if there are many root causes, one
+// microsecond for each member of their cut sets.
 
 #include <cstddef>
 #include <memory>
@@ -56,7 +56,7 @@ void CompareTime(const std::string& name, const std::shared_ptr<FaultTree>& tree
                   times, GOAL);
 }
 
-// The most that a deduction holds, against the tree with what it found.
+// Peak memory of a deduction, against that of the tree and the results.
 void CompareMemory(const std::string& name, const std::shared_ptr<FaultTree>& tree, double treeBytes)
 {
     FaultTreeVisitor visitor(nullptr);
@@ -89,7 +89,8 @@ void CompareExplosions()
         /// See ExplodingTree.
         std::vector<int> open;
     };
-    // The smallest trees are left to many root causes: with none, two log lines cost more than a walk over 67 events.
+    // The smallest trees are measured with many root causes only: with none, two log lines cost more than a walk over
+    // 67 events.
     const std::vector<Explosion> explosions = {
         {"10^6 cut sets in 3 levels", 1, 2, 1000, {-1, 0, 1}}, {"10^6 cut sets in 3 levels", 1, 6, 10, {2, 5}},
         {"10^30 cut sets in 5 levels", 2, 5, 10, {-1, 0, 2, 5}}, {"10^39 cut sets in 7 levels", 3, 3, 10, {-1, 0, 2}},

@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-/// Counts the bytes that operator new hands out, in a program that links heap_gauge.cpp. One at a time, on one thread.
+/// Counts the bytes that operator new allocates in a program that links heap_gauge.cpp. One at a time; not thread-safe.
 class HeapGauge {
 public:
     HeapGauge();
@@ -11,7 +11,7 @@ public:
     HeapGauge(const HeapGauge&) = delete;
     HeapGauge& operator=(const HeapGauge&) = delete;
 
-    /// Bytes above the start, now and at most; what was there before and is gone counts against them.
+    /// Bytes above those at the start, now and at the peak; freeing earlier memory reduces them.
     double Live() const;
     double Peak() const;
 };

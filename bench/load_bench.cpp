@@ -1,5 +1,5 @@
-// Reading a rule set against the XML library's own reading of the two files. What the objects cost when they go is in
-// neither time, but for the tree file's document, which the loader clears.
+// Reading a rule set against the XML library's own reading of the two files. Neither time includes destroying the
+// objects, except for the tree file's document, which the loader clears.
 
 #include <cstdlib>
 #include <filesystem>
@@ -45,7 +45,7 @@ bench::Pair Times(const bench::RuleSetDir& dir, const bench::RuleSetSize& size)
     return {bench::Median(ours), bench::Median(baseline)};
 }
 
-// What stays in memory beside the rule file's document, against both documents.
+// Memory that stays in use without the rule file's document, against that of both documents.
 bench::Pair Memory(const bench::RuleSetDir& dir, const bench::RuleSetSize& size)
 {
     const HeapGauge gauge;

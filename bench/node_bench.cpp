@@ -1,4 +1,4 @@
-// Node rules against the bare reading of their files.
+// Node rules against only reading their files.
 
 #include <fcntl.h>
 #include <filesystem>

@@ -1,5 +1,5 @@
-// Work without an observer, the same in two programs: one with the library, one with the library as it is compiled when
-// every call to an observer is empty. Their instructions are counted while ObservedWork runs.
+// The same work without an observer in two programs: one with the library, one with a variant of it in which every call
+// to an observer is empty. Their instructions are counted while ObservedWork runs.
 
 #include <filesystem>
 #include <fstream>

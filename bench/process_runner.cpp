@@ -1,5 +1,5 @@
-// Runs two commands in turns and prints the median milliseconds of both and the peak kilobytes of the first.
-// usage: process_runner RUNS COMMAND... -- COMMAND...
+// Runs two commands alternately and prints the median milliseconds of both and the peak kilobytes of the first. usage:
+// process_runner RUNS COMMAND... -- COMMAND...
 //
 // A small program of its own, since a process's peak begins with the size of the one that started it.
 
@@ -20,7 +20,7 @@ namespace {
 
 using Command = std::vector<char*>;
 
-// What the command prints is dropped. Returns its peak in kilobytes, negative when it failed.
+// Drops the output of the command. Returns its peak in kilobytes; negative if it failed.
 long Run(const Command& command)
 {
     posix_spawn_file_actions_t actions;

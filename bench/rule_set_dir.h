@@ -25,7 +25,7 @@ private:
     std::string mPath;
 };
 
-/// The engine's own reading of such a folder.
+/// Lets the engine's loader read such a folder.
 std::unique_ptr<FaultTreeParser> Parsed(const RuleSetDir& dir, const RuleSetSize& size);
 
 } // namespace bench

@@ -172,7 +172,7 @@ void WriteDescription(XmlWriter& xml, std::size_t event, const char* list, const
     xml.Close("Event");
 }
 
-// A section with the tag in it; `writeContent` fills it.
+// Writes a section with an element for the tag, which `writeContent` fills.
 template <typename WriteContent>
 void WriteSection(XmlWriter& xml, const char* name, WriteContent&& writeContent)
 {

@@ -6,15 +6,15 @@
 
 namespace bench {
 
-/// How large a rule set is to be. The defaults give about 20 MB in both files together.
+/// The size of a rule set. With the defaults both files together have about 20 MB.
 struct RuleSetSize {
     std::size_t trees = 2'000;
     /// In each tree: the top event, inner events with gates of both kinds, and basic events below them.
     std::size_t innerEventsOfTree = 4;
     std::size_t basicEventsOfInner = 5;
-    /// A quarter of each family.
+    /// Number of rules, a quarter of each family.
     std::size_t rules = 20'000;
-    /// One basic event in so many has a description, a solution and a repair.
+    /// One in this many basic events has a description, a solution and a repair.
     std::size_t describedOneIn = 8;
 };
 

@@ -41,7 +41,7 @@ void Break(Event& event)
     event.SetResult(EventStatus::TRUE);
 }
 
-// Breaks `count` of the leaves, evenly spread.
+// Puts `count` leaves, evenly spread, in error.
 void BreakSome(const std::vector<Event*>& leaves, std::size_t count)
 {
     for (std::size_t leaf = 0; leaf < count && leaf < leaves.size(); ++leaf) {
@@ -94,7 +94,7 @@ class ExplodingBuilder {
 public:
     ExplodingBuilder(std::size_t branches, std::size_t width) : mBranches(branches), mWidth(width) {}
 
-    // How many of the ORs right below are in error in full, in one branch, or, with none left, not at all.
+    // How many ORs directly below have all branches in error, and how many just one; the rest have none.
     struct Alive {
         std::size_t full;
         std::size_t single;
@@ -119,7 +119,7 @@ private:
         for (std::size_t child = 0; child < mWidth; ++child) {
             const bool isAlive = chosen == mWidth || (chosen == 1 && child == mWidth / 2);
             if (pairs > 1) {
-                // What is not to survive has much in error, too, but for its last OR.
+                // A part that must not survive has many events in error, too, but none below its last OR.
                 gate->AddEvent(BuildAnd(pairs - 1, isAlive ? Alive{0, mBranches} : Alive{mBranches - 1, 0}));
                 continue;
             }
@@ -138,8 +138,8 @@ private:
     std::size_t mLeaves = 0;
 };
 
-// Gates and basic events that share each other; a gate refers to later gates only. A child below GATES is a gate,
-// any other a basic event.
+// A graph of gates and basic events with shared children; a gate refers to later gates only. A child number below GATES
+// is a gate, any other a basic event.
 class Model {
 public:
     static constexpr std::size_t GATES = 220;
@@ -161,7 +161,7 @@ public:
         BreakOneCutSet(0);
     }
 
-    // Events of the tree below a gate, when every shared branch is written out.
+    // Number of events below a gate if every shared branch is repeated.
     double WrittenOut() const
     {
         return Fold([](double) { return 1.0; }, [](bool, const std::vector<double>& below) {
@@ -278,7 +278,7 @@ std::shared_ptr<FaultTree> ExplodingTree(std::size_t pairs, std::size_t branches
         ? ExplodingBuilder::Alive{0, branches - 1}
         : ExplodingBuilder::Alive{static_cast<std::size_t>(open), branches - static_cast<std::size_t>(open)};
     const auto top = ExplodingBuilder(branches, width).BuildAnd(pairs, alive);
-    // In error on its own, so that what lies below is looked at though it explains nothing.
+    // In error by its own rules, so that the deduction walks down although nothing below explains it.
     top->SetObservable(open < 0);
     top->SetResult(open < 0 ? EventStatus::TRUE : EventStatus::FALSE);
     return MakeTree(top);

@@ -1,4 +1,4 @@
-// What must not grow with the rule set: the run of one tree, and a query for one detect code.
+// Costs that must not grow with the rule set: the run of one tree, and a query for one detect code.
 
 #include <filesystem>
 #include <fstream>
@@ -51,7 +51,7 @@ void WriteTrees(const std::string& folder, int trees)
     out << "</bench></FaultTrees>";
 }
 
-// Each event has a code rule of its own, as far as there are rules.
+// Each event has a code rule of its own, as long as there are rules.
 void WriteRules(const std::string& folder, int eventRules, int codeRules)
 {
     std::ofstream out(folder + "/FaultTreeRules.xml");
@@ -84,7 +84,7 @@ std::shared_ptr<DetectInfo> InfoFor(const std::string& folder)
     return info;
 }
 
-// The engine of a rule set with so many trees, loaded and ready to run them.
+// The engine of a rule set with this many trees, loaded and ready to run.
 class Loaded {
 public:
     Loaded(const std::string& folder, int trees) : mInfo(InfoFor(folder))
@@ -147,7 +147,8 @@ void CompareQueries(const std::string& few, const std::string& many)
     Arborist ofMany(InfoFor(many));
     ofFew.GetCodeRuleFaultDescId("CODE100000");
     ofMany.GetCodeRuleFaultDescId("CODE100000");
-    // Each code of both. What may grow is how far apart in memory their records lie, as it does for a hash look-up.
+    // Queries every code of both sets. Only the distance of the records in memory may make a difference, as in a hash
+    // look-up.
     const auto askForIds = [](Arborist& arborist, int codeRules) {
         AskAll(codeRules, [&](const std::string& code) { return arborist.GetCodeRuleFaultDescId(code).size(); });
     };

@@ -1,4 +1,4 @@
-// Any bytes as a bundle.json: it is used whole, or told why not.
+// Any bytes as a bundle.json: it is either accepted or refused with a reason.
 
 #include "diagnosis/bundle/bundle_file.h"
 #include "fuzz/fuzz_support.h"

@@ -15,7 +15,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
-/// Formats every line, so that bad arguments show, and drops it.
+/// Formats every line, to detect bad arguments, and drops it.
 class QuietLogger : public FT::ILogger {
 public:
     void Print(unsigned int, const std::string& format, va_list args) override
@@ -28,7 +28,7 @@ public:
     }
 };
 
-/// A folder that lives as long as the object; keep one for the whole run. Takes the log channel, too.
+/// A folder that exists as long as the object; keep one for the whole run. Also replaces the logger.
 class FuzzDir {
 public:
     FuzzDir()

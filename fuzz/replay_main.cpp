@@ -1,4 +1,4 @@
-// Stands in for the fuzzer: runs every file of the folders that it is given through the target once.
+// Replaces the fuzzer: passes every file of the folders in its arguments to the target once.
 
 #include <filesystem>
 #include <fstream>

@@ -1,4 +1,4 @@
-// Any bytes as an archive: nothing may be written outside the target, and nothing may be left there half written.
+// Any bytes as an archive: nothing may be written outside the target, and no incomplete file may be left there.
 
 #include <algorithm>
 
@@ -7,7 +7,7 @@
 
 namespace {
 
-// A file that was not unpacked to its end stands under a name that is longer than that of any entry.
+// An incomplete file has a name that is longer than that of any entry.
 bool IsUnfinished(const std::filesystem::directory_entry& entry)
 {
     constexpr std::size_t LONGEST_ENTRY_NAME = 127;

@@ -39,7 +39,7 @@ protected:
         static const char* const extras[] = {"", "{}", "{\"a\":1}", "{\"a\":2,\"b\":\"x\"}", "{\"b\":\"y\",\"a\":\"3\"}",
             "{\"a\":2.5}", "{\"a\":{}}", "[1]", "{\"a\":", "{\"COUNT\":3}", "{\"COUNT\":\"2\"}", "{\"COUNT\":-1}",
             "{\"COUNT\":\"x\"}", "{\"a\":4294967297}", "{\"b\":true}", "{\"a\":\"\\u0031\"}", "{\"a\":1,\"a\":2}"};
-        // Few values and many, small and large: what is kept of them grows meanwhile.
+        // Few values and many, small and large.
         static const int limits[] = {9, 9, 300, 100000};
         const std::string sign = mRandom() % 4 == 0 ? "-" : "";
         return mRandom() % 3 != 0 ? OneOf(extras)

@@ -7,11 +7,11 @@
 
 #include "arborist/frame/detect_info.h"
 
-/// A host that gives one answer to every code rule and keeps what it was handed, "faults|suggestions|repairs|info".
+/// A host that gives the same answer to every code rule and records its arguments, "faults|suggestions|repairs|info".
 struct CodeRunnerStub : CodeRuleRunner {
     bool answer = false;
     std::vector<std::string> calls;
-    /// Called from within, when set.
+    /// Called during each run, if set.
     std::function<void()> onCall;
 
     bool RunCodeRule(std::vector<std::string> faultDescriptionIds, std::vector<std::string> suggestionIds,

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-/// The rows of a query on a database file, opened for reading alone, each as its columns joined by "|" with "null" for
-/// NULL. A statement that fails gives one row: "error: " and SQLite's words.
+/// The rows of a query on a database file, which is opened read-only. Columns are joined by "|", with "null" for NULL.
+/// For a statement that fails, a single row: "error: " and SQLite's message.
 std::vector<std::string> DatabaseRows(const std::string& path, const std::string& sql);
 
 #endif

@@ -16,7 +16,7 @@ DecimalComma::DecimalComma()
     }
     std::ofstream(mFolder + "/comma")
         << "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 3;3\nEND LC_NUMERIC\n";
-    // Warned of the categories that the source lacks, it makes those of "C".
+    // The option -c continues after warnings about categories that the source lacks, which are taken from "C".
     RunProcess({"sh", "-c", "localedef -c -i comma -f UTF-8 ./comma.UTF-8"}, {.directory = mFolder});
     setenv("LOCPATH", mFolder.c_str(), 1);
     mIsSet = std::setlocale(LC_NUMERIC, "comma.UTF-8") != nullptr;

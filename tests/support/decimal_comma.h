@@ -3,8 +3,8 @@
 
 #include <string>
 
-/// A locale of the process whose numbers have a comma, made for as long as the object lives: none need be installed.
-/// One at a time.
+/// Sets a locale with a decimal comma as long as the object exists. Generates the locale, so that none need be
+/// installed. One at a time.
 class DecimalComma {
 public:
     DecimalComma();
@@ -12,7 +12,7 @@ public:
     DecimalComma(const DecimalComma&) = delete;
     DecimalComma& operator=(const DecimalComma&) = delete;
 
-    /// False where the system has no program that makes a locale.
+    /// False if the system has no program that generates locales.
     bool IsSet() const { return mIsSet; }
 
 private:

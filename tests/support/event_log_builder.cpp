@@ -84,7 +84,8 @@ void EventLogBuilder::Run(const std::string& path, const std::string& sql)
 
 void EventLogBuilder::RunIntoWal(const std::string& path, const std::string& sql)
 {
-    // Its end would write the changes into the file: what lies there while it is open is put back afterwards.
+    // Closing the connection would move the changes into the file, so the files are copied while it is open and
+    // restored afterwards.
     sqlite3* service = nullptr;
     ASSERT_EQ(sqlite3_open(path.c_str(), &service), SQLITE_OK) << path;
     const int result = sqlite3_exec(service, ("PRAGMA journal_mode = WAL;" + sql).c_str(), nullptr, nullptr, nullptr);

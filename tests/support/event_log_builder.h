@@ -16,15 +16,16 @@ struct LoggedRow {
     std::string extra;
 };
 
-/// Makes event logs as the monitoring service leaves them: row n, from 1, is row n of event_info and of
-/// event_info_flow. A failing statement fails the test.
+/// Builds event logs like those of the monitoring service: row n, from 1, is row n of event_info and of
+/// event_info_flow. A statement that fails fails the test.
 class EventLogBuilder {
 public:
     EventLogBuilder& Row(LoggedRow row);
     EventLogBuilder& Rows(const std::vector<LoggedRow>& rows);
-    /// Runs after all rows are there, for what no service would leave. In the order given.
+    /// Adds a statement that runs after all rows are inserted, for content that no service would write. Statements run
+    /// in order.
     EventLogBuilder& Sql(const std::string& sql);
-    /// Declares the tables itself instead of the usual way. Name all three and their columns.
+    /// Replaces the statements that create the tables. Must create all three with their columns.
     EventLogBuilder& Schema(const std::string& sql);
 
     /// Writes the file anew, with the folders above it.
@@ -32,8 +33,8 @@ public:
 
     /// Runs statements on any database file, in a connection of their own.
     static void Run(const std::string& path, const std::string& sql);
-    /// Runs statements and leaves what they change in the write-ahead log beside the file, as a log looks that was
-    /// taken from a service at work.
+    /// Runs statements and leaves their changes in the write-ahead log beside the file, as in a log that was copied
+    /// from a running service.
     static void RunIntoWal(const std::string& path, const std::string& sql);
 
 private:

@@ -57,7 +57,7 @@ void Append(const Evidence::Statement& statement, Lines& lines)
     Append(statement.comparisons, lines);
 }
 
-// What each family looked at.
+// Appends the part of each family.
 struct AppendPart {
     void operator()(const std::monostate&) const {}
 

@@ -6,10 +6,10 @@
 
 #include "arborist/frame/evidence.h"
 
-/// Each thing that a record holds as one line of text that begins with a word ("window"), in the order in which an
-/// engine meets them, so that a test can compare a record as a list.
+/// The content of a record as lines of text that begin with a word ("window"), in the order in which the engine adds
+/// it, so that a test can compare a record with a list.
 std::vector<std::string> EvidenceLines(const Evidence::Rule& rule);
-/// Those that begin with this word.
+/// Only the lines that begin with this word.
 std::vector<std::string> EvidenceLines(const Evidence::Rule& rule, const std::string& word);
 
 std::string EvidenceLine(const Evidence::Start& start);
@@ -17,7 +17,7 @@ std::string EvidenceLine(const Evidence::Comparison& comparison);
 
 /// The lines that begin with this word.
 std::vector<std::string> LinesOfWord(const std::vector<std::string>& lines, const std::string& word);
-/// All pieces in one text.
+/// Joins the texts.
 std::string TextOf(const std::vector<std::string>& texts, const char* separator = ",");
 /// " [reason]", nothing for none.
 std::string WhyText(Evidence::Reason reason);

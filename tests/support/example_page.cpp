@@ -28,7 +28,7 @@ std::string IdentifierOf(const std::string& heading)
     return identifier;
 }
 
-// "key: text" starts an entry, a line that begins with spaces goes on with the one above.
+// "key: text" starts an entry; a line that begins with spaces continues the one above.
 void AppendLine(const std::string& line, Entries& entries)
 {
     if (line.compare(0, 2, "  ") == 0 && !entries.empty()) {

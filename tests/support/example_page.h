@@ -5,16 +5,17 @@
 #include <utility>
 #include <vector>
 
-/// One fenced block of a page: keys and what stands for them, in order, pieces filled in.
+/// One fenced block of a page: keys and values in order, with pieces filled in.
 struct PageExample {
-    /// The heading that it stands under, as an identifier in UpperCamelCase, with a number when it is not the first.
+    /// The heading above it as an identifier in UpperCamelCase, with a number unless it is the first under that
+    /// heading.
     std::string name;
     int line = 0;
     std::vector<std::pair<std::string, std::string>> entries;
 
-    /// All that stands for a key, in order.
+    /// All values of a key, in order.
     std::vector<std::string> All(const std::string& key) const;
-    /// What stands for a key first; `fallback` when the key is missing.
+    /// The first value of a key; `fallback` if the key is missing.
     std::string First(const std::string& key, const std::string& fallback = "") const;
     bool Has(const std::string& key) const { return !All(key).empty(); }
 };

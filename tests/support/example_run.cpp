@@ -21,7 +21,7 @@ constexpr std::int64_t NOW = 1700000000;
 constexpr std::int64_t SECONDS_PER_DAY = 86400;
 constexpr char TAG[] = "Laptop";
 
-// The host's answers to code rules, in order, then yes.
+// The host's answers to code rules, in order; then always yes.
 class Answers : public CodeRuleRunner {
 public:
     explicit Answers(std::vector<std::string> answers) : mAnswers(std::move(answers)) {}
@@ -80,7 +80,7 @@ std::string EventRule(const std::string& id, const std::string& rule)
     return "<Event><ID>" + id + "</ID>" + (rule.empty() ? "" : alternative) + "</Event>";
 }
 
-// A rule that works out the formula of an example over the example's node files.
+// A rule that calculates the formula of an example over its node files.
 std::string FormulaRule(const PageExample& example)
 {
     std::string nodes;
@@ -90,7 +90,7 @@ std::string FormulaRule(const PageExample& example)
         nodes += "<nodeInfo param=\"" + name + "\" path=\"" + name + "\"/>";
         params += "<param id=\"" + name + "\" key=\"" + name + "\" type=\"string\"/>";
     }
-    // A rule without node files works nothing out.
+    // Needs a node file, as a rule without one calculates nothing.
     return NamedRule("<nodeRule>" + nodes + "<nodeInfo param=\"other\" path=\"other\"/><params>" + params +
         "<param id=\"result\" key=\"result\" type=\"double\"/></params>" +
         "<logicExpression type=\"t\" ret=\"result\" express=\"" + example.First("formula") + "\"/></nodeRule>");
@@ -158,7 +158,7 @@ void WriteLog(const PageExample& example)
     log.WriteTo(DevicePaths::EventLog());
 }
 
-// The first value of a query on a database file, or what SQLite says.
+// The first value of a query on a database file, or SQLite's message.
 std::string AnswerOf(const std::string& path, const std::string& sql)
 {
     sqlite3* connection = nullptr;

@@ -14,7 +14,7 @@
 #include "tests/support/settings_guard.h"
 #include "tests/support/temp_dir.h"
 
-/// Keeps what the outcomes of examples ask for.
+/// Records what the outcomes of examples compare with.
 class ExampleObserver : public DetectionObserver {
 public:
     void OnEventDecided(Evidence::Event event) override;
@@ -27,14 +27,14 @@ public:
     std::map<std::string, Evidence::EventState> statuses;
 };
 
-/// Runs one example of a page: writes what it describes into a folder, runs one detection, answers for its outcomes.
-/// The key "rule set" names a folder whose two files, of the tag "Laptop", are taken instead of what the example tells of
-/// trees and rules; of several folders the first that has a file counts.
+/// Runs one example of a page: writes its input into a folder, runs one detection and checks its outcomes. The key
+/// "rule set" names a folder whose two files, with the tag "Laptop", replace the trees and rules of the example; of
+/// several folders the first that has a file counts.
 class ExampleRun {
 public:
     explicit ExampleRun(const PageExample& example);
 
-    /// What is wrong with an outcome; empty when it came about. An outcome of no known form is wrong.
+    /// Describes why an outcome is not met; empty if it is. An outcome of unknown form is not met.
     std::string FaultOf(const std::string& outcome);
 
 private:
@@ -58,7 +58,7 @@ private:
     std::shared_ptr<ExampleObserver> mObserver = std::make_shared<ExampleObserver>();
     std::unique_ptr<Arborist> mEngine;
     std::vector<std::shared_ptr<FaultTreeResult>> mResults;
-    /// What the detection threw; empty where it came to its end.
+    /// The message of the exception that the detection threw; empty if there was none.
     std::string mException;
 };
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// Takes the log channel while the object lives and gives the default logger back at the end.
+/// Captures the log as long as the object exists; restores the default logger at the end.
 class LogCapture {
 public:
     LogCapture();
@@ -17,7 +17,7 @@ public:
     std::vector<std::string> Lines() const;
     /// Those of one FT::LogLevel.
     std::vector<std::string> Lines(int level) const;
-    /// The formats of all messages so far, as a logger sees them ("FUNc:%s: text %d").
+    /// The formats of all messages so far, as a logger receives them ("FUNc:%s: text %d").
     std::vector<std::string> Formats() const;
     void Clear();
 

@@ -20,7 +20,7 @@ struct FileCloser {
 
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-// Files instead of pipes: nothing can block, however much is written to either side.
+// Files instead of pipes, so that nothing can block, however much is written.
 File TemporaryFile(const std::string& content)
 {
     File file(std::tmpfile());
@@ -105,7 +105,7 @@ struct Descriptor {
     int number;
 };
 
-// Ends when nobody has the other side open any more.
+// Ends when no process has the other side open any more.
 std::string Received(int terminal)
 {
     std::string text;

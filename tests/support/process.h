@@ -5,15 +5,15 @@
 #include <string>
 #include <vector>
 
-/// What a program left behind.
+/// The result of a program.
 struct ProcessResult {
-    /// The exit status, or 128 and the signal's number when one ended it.
+    /// The exit status, or 128 plus the number of the signal that ended it.
     int status = -1;
     std::string out;
     std::string err;
 };
 
-/// How a program is run beside its arguments.
+/// Environment and directory in which a program runs.
 struct ProcessSetup {
     std::string input = {};
     /// Added to the environment of the test.
@@ -22,7 +22,7 @@ struct ProcessSetup {
     std::string directory = {};
 };
 
-/// Runs a program (a path, or a name in PATH) and waits for its end. Throws std::runtime_error when it can't be run.
+/// Runs a program (a path, or a name in PATH) and waits for its end. Throws std::runtime_error if it can't be run.
 ProcessResult RunProcess(const std::vector<std::string>& command, const ProcessSetup& setup = {});
 
 /// The same with standard output on a terminal of its own. Line ends are as the program wrote them.

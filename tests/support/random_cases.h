@@ -7,8 +7,9 @@
 #include <string_view>
 #include <vector>
 
-/// The cases of a random test, which prints its seed when it fails. Twice the same unless the environment names a seed
-/// (ARBORIST_SEED); as many as the test asks for unless it names a number (ARBORIST_CASES, see scripts/long-checks.sh).
+/// The cases of a random test, which prints its seed when it fails. Each run has the same cases unless the environment
+/// sets a seed (ARBORIST_SEED), and as many as the test requests unless it sets a number (ARBORIST_CASES, see
+/// scripts/long-checks.sh).
 class RandomCases {
 public:
     explicit RandomCases(int ordinaryNumber);

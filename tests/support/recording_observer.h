@@ -6,11 +6,11 @@
 
 #include "arborist/frame/detection_observer.h"
 
-/// Turns what each call hands over into lines of text, so that a test can compare what was told as a list.
+/// Converts the arguments of each call into lines of text, so that a test can compare them with a list.
 class RecordingObserver : public DetectionObserver {
 public:
     const std::vector<std::string>& Lines() const { return mLines; }
-    /// Those that begin with this word ("formula").
+    /// The lines that begin with this word ("formula").
     std::vector<std::string> Lines(const std::string& word) const;
     void Clear() { mLines.clear(); }
 

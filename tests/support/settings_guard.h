@@ -3,7 +3,7 @@
 
 #include <string>
 
-/// Empties every setting of the library at its start and at its end, so that tests don't see each other's.
+/// Empties all settings of the library at its start and at its end, so that tests don't affect each other.
 class SettingsGuard {
 public:
     SettingsGuard();
@@ -11,7 +11,7 @@ public:
     SettingsGuard(const SettingsGuard&) = delete;
     SettingsGuard& operator=(const SettingsGuard&) = delete;
 
-    /// Sets one, as a host would. `key` is one of Settings.
+    /// Sets one setting, as a host would. `key` is one of Settings.
     void Set(const std::string& key, const std::string& value) const;
 };
 

@@ -21,7 +21,7 @@ TempDir::~TempDir()
 {
     std::error_code ignored;
     fs::current_path(mBefore, ignored);
-    // A test may have taken permissions away; give them back so that nothing is left behind.
+    // A test may have removed permissions; restore them so that everything can be removed.
     for (auto entry = fs::recursive_directory_iterator(mPath, fs::directory_options::skip_permission_denied, ignored);
          entry != fs::recursive_directory_iterator(); entry.increment(ignored)) {
         if (entry->is_directory(ignored) && !entry->is_symlink(ignored)) {

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-/// A fresh folder that is the current directory while the object lives, and is removed with all that is in it.
+/// A new folder that is the current directory as long as the object exists and is removed with its content at the end.
 /// One at a time.
 class TempDir {
 public:
@@ -18,10 +18,10 @@ public:
     /// Absolute path of `name` in the folder.
     std::string Path(const std::string& name) const { return mPath + "/" + name; }
 
-    /// Writes a file, making the folders above it; returns its absolute path.
+    /// Writes a file, creating the folders above it; returns its absolute path.
     std::string Write(const std::string& name, const std::string& content) const;
     std::string Read(const std::string& name) const;
-    /// Makes a folder and those above it; returns its absolute path.
+    /// Creates a folder and those above it; returns its absolute path.
     std::string MakeDir(const std::string& name) const;
     bool Has(const std::string& name) const;
 

@@ -5,7 +5,7 @@
 
 #include "tests/support/time_zone.h"
 
-// A program of tests that is run by hand has the local time that CTest would give it.
+// Sets the local time that CTest sets, for a test program that is run by hand.
 int main(int argc, char** argv)
 {
     constexpr int KEEP_WHAT_IS_SET = 0;

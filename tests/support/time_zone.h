@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-/// Sets the time zone of the process (a TZ text such as "CET-1") while the object lives. One at a time.
+/// Sets the time zone of the process (a TZ text such as "CET-1") as long as the object exists. One at a time.
 class TimeZone {
 public:
     explicit TimeZone(const std::string& zone);

@@ -44,7 +44,7 @@ private:
         const std::size_t end = std::min(mText.find_first_of("?, ()", mPlace), mText.size());
         const std::string word = mText.substr(mPlace, end - mPlace);
         EXPECT_FALSE(word.empty()) << mText;
-        // A reader that finds nothing must not stand still.
+        // Skip to the end if nothing was read, so that the loop ends.
         mPlace = word.empty() ? mText.size() : end;
         return word;
     }

@@ -10,7 +10,7 @@
 #include "arborist/frame/detect_info.h"
 #include "tests/support/temp_dir.h"
 
-/// One XML element as text. Texts and attribute values are escaped; Raw takes what no builder would write.
+/// One XML element as text. Escapes texts and attribute values; Raw takes XML that the builder can't write.
 ///
 ///     Xml("param").Attr("id", "p1").Child(Xml("value").Text("5")).ToText()
 class Xml {

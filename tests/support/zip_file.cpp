@@ -39,7 +39,7 @@ std::string WriteDamagedZip(const std::string& path, const ZipEntries& entries)
 {
     std::ifstream whole(WriteZip(path, entries), std::ios::binary);
     std::string bytes((std::istreambuf_iterator<char>(whole)), std::istreambuf_iterator<char>());
-    // It stands in the list at the end and in front of the entry.
+    // The checksum is in the directory at the end and in front of the entry.
     for (const std::size_t place : {bytes.rfind("PK\1\2") + 16, bytes.rfind("PK\3\4") + 14}) {
         bytes.at(place) = static_cast<char>(~bytes.at(place));
     }
