@@ -21,7 +21,7 @@ constexpr std::int32_t LAST_DAY = 31;
 
 void TakeParam(const std::string& paramId, const ParamMap& params, TestPara& test)
 {
-    // An id that isn't there leaves the test without key and type, and no row passes it.
+    // With an unknown id the test has neither key nor type, so that no row passes it.
     const auto found = params.find(paramId);
     if (found != params.end() && found->second != nullptr) {
         test.key = found->second->key;
@@ -38,13 +38,13 @@ std::optional<std::int32_t> PlainBound(const std::string& text)
     return !text.empty() && error == std::errc() && rest == end ? std::optional(number) : std::nullopt;
 }
 
-// Adds as a signed 32-bit number does, also past its end.
+// Adds like a signed 32-bit number and wraps on overflow.
 void AddWrapping(std::int32_t& sum, std::int32_t summand)
 {
     sum = static_cast<std::int32_t>(static_cast<std::uint32_t>(sum) + static_cast<std::uint32_t>(summand));
 }
 
-// What is told of an id that reached more than those before it.
+// Records the counts of an id that reached more than those before it.
 void NoteReached(Evidence::WindowCount& count, const EventRows& rows, std::int64_t reached, Evidence::Measure measure)
 {
     if (count.reachedById == 0 || reached > count.reached) {
@@ -83,7 +83,7 @@ void AlarmRuleEngine::Foresee(const AlarmRule& rule)
     }
 }
 
-// The tests of all conditions of an item.
+// The tests of all conditions of an item, as questions about rows.
 EventRows::Questions AlarmRuleEngine::TestsOf(const AlarmRule::AlarmItem& item) const
 {
     EventRows::Questions tests;
@@ -104,7 +104,7 @@ EventRows::Questions AlarmRuleEngine::TestsOf(const AlarmRule::AlarmItem& item) 
     return tests;
 }
 
-// The ids in order, those whose rows weigh apart from the others.
+// Splits the ids, in order, into ranges with and without weighted rows.
 std::vector<AlarmRuleEngine::IdRange> AlarmRuleEngine::PartsOf(const IdRange& ids)
 {
     std::vector<IdRange> parts;
@@ -121,7 +121,7 @@ std::vector<AlarmRuleEngine::IdRange> AlarmRuleEngine::PartsOf(const IdRange& id
     return parts;
 }
 
-// What the rows of such a part are asked where nothing is tested.
+// The questions about the rows of such a range if there are no tests.
 EventRows::Questions AlarmRuleEngine::QuestionsTo(const IdRange& part)
 {
     return DetectionCustomize::IsDmdEvent(part.first) ? EventRows::Questions{DetectionCustomize::WeightQuestion()}
@@ -226,8 +226,8 @@ bool AlarmRuleEngine::IsHitForSingleTypeTestChecked(
         window.timeType == TimeSet::DAILY_PEAK ? Measure::DAILY_PEAK : Measure::PERIOD, tests, window);
 }
 
-// Under "duration" one row must pass all tests. Under the others each test counts its own rows, by the period's count
-// even for the daily peak, and the last id of the range decides it: rule files rely on all of that.
+// Under "duration" one row must pass all tests. Under the others each test counts its own rows, over the whole period
+// even for the daily peak, and the last id of the range decides: rule files rely on all of that.
 bool AlarmRuleEngine::IsHitForMultipleTypeTestChecked(
     const OrLogic& orLogic, const AlarmRule::AlarmItem& item, Window& window)
 {
@@ -277,7 +277,7 @@ bool AlarmRuleEngine::IsAnyIdHit(Measure measure, const TestList& tests, Window&
 
 bool AlarmRuleEngine::IsLastIdHit(const std::shared_ptr<const MemberTest>& test, Window& window)
 {
-    // All ids are asked, as each leaves its lines in the log; an id without rows is no hit.
+    // Visit all ids, as each logs its lines; an id without rows is no hit.
     bool isHit = false;
     const TestList tests{test};
     VisitIds(tests, window, [&](const EventRows& rows) {
@@ -320,7 +320,7 @@ void AlarmRuleEngine::CloseCount(const TestList& tests, Window& window) const
 
 bool AlarmRuleEngine::IsHit(Measure measure, const EventRows& rows, const TestList& tests, Window& window)
 {
-    if (window.conditionsCounted == 0) { // the next condition's count meets the same rows again
+    if (window.conditionsCounted == 0) { // the next conditions count the same rows again
         window.count.rowsFound += rows.GetFoundCount();
         window.count.rowsOfOtherVersion += rows.GetFoundCount() - std::min(rows.GetFoundCount(), rows.GetCount());
     }
@@ -346,7 +346,7 @@ void AlarmRuleEngine::CountTested(Window& window, std::size_t test, std::uint64_
 bool AlarmRuleEngine::IsFaultForPeriod(const EventRows& rows, bool isTested, Window& window)
 {
     const bool isWeighed = !isTested && DetectionCustomize::IsDmdEvent(rows.GetEventId());
-    // A negative weight takes away, and wraps below 0.
+    // A negative weight subtracts, and a sum below 0 wraps.
     const std::uint64_t count = isTested || isWeighed ? rows.Sum(0) : rows.GetCount();
     if (isTested) {
         CountTested(window, 0, rows.GetCount(), count);
@@ -354,11 +354,12 @@ bool AlarmRuleEngine::IsFaultForPeriod(const EventRows& rows, bool isTested, Win
     }
     NoteReached(window.count, rows, static_cast<std::int64_t>(count),
         isWeighed ? Evidence::Measure::WEIGHTS : Evidence::Measure::ROWS);
-    // Compared without sign: a negative threshold is never reached.
+    // Compares as unsigned, so that a negative threshold is never reached.
     return count >= static_cast<std::uint64_t>(std::int64_t{window.threshold});
 }
 
-// Days are told apart by their number in the month alone: the 3rd of two months is one day. Rule files rely on it.
+// Days are distinguished by their number in the month only: the 3rd of two months counts as one day. Rule files rely on
+// it.
 bool AlarmRuleEngine::IsFaultForDaily(const EventRows& rows, bool isTested, Window& window)
 {
     const bool isWeighed = !isTested && DetectionCustomize::IsDmdEvent(rows.GetEventId());
@@ -395,7 +396,7 @@ bool AlarmRuleEngine::IsFaultForPeriodWithParam(const EventRows& rows, std::size
     if (testCount == 0) {
         return false;
     }
-    std::vector<std::uint64_t> rowsByPassed(testCount + 1); // how many passed so many tests and no more
+    std::vector<std::uint64_t> rowsByPassed(testCount + 1); // by number of passed tests
     rows.ForEach([&](const EventRows::Row& row) {
         std::size_t passed = 0;
         while (passed < testCount && row.Answer(passed) != 0) {
@@ -428,7 +429,7 @@ Evidence::Window* AlarmRuleEngine::AddRecord(std::size_t itemNumber, const IdRan
     return &record;
 }
 
-// Passes the answer on. The rule's reason is the one of the last window that was there.
+// Returns `isHit`. The rule's reason is that of the last window that the rule has.
 bool AlarmRuleEngine::CloseWindow(const Window& window, Reason reason, bool isHit)
 {
     if (reason != Reason::WINDOW_ABSENT) {

@@ -13,14 +13,14 @@ class CommandRuleDbHelper;
 class CommonPart;
 class RuleHelper;
 
-/// Decides command rules: runs the rule's SQL on the derived database, or on each copy of an external one, and holds
-/// the values of the one row that comes back against thresholds of the rule or of the common part.
+/// Decides command rules: runs the rule's SQL on the derived database, or on each copy of an external one, and compares
+/// the values of the single row with thresholds of the rule or of the common part.
 ///
-/// The values are written into the rule's parameters and stay there: a rule whose database can't be opened is judged
-/// by those of its last query.
+/// Writes the values into the rule's parameters, where they stay: a rule whose database can't be opened is decided by
+/// those of its last query.
 class CommandRuleEngine : public RuleChecker {
 public:
-    /// Without a common part every rule answers false.
+    /// Without a common part every rule is false.
     CommandRuleEngine(std::shared_ptr<CommonPart> commonPart, std::shared_ptr<RuleHelper> ruleHelper);
     ~CommandRuleEngine() override;
 
@@ -32,7 +32,7 @@ private:
     using ParamList = std::vector<std::shared_ptr<Param>>;
     using Reason = Evidence::Reason;
 
-    // What is run on each database of a rule.
+    // The query that runs on each database of a rule.
     struct Query {
         std::string sql;
         ParamList params;
@@ -41,9 +41,9 @@ private:
         std::shared_ptr<Param> second;
     };
 
-    // Notes a name that can't be used. Always false.
+    // Records a name that can't be used. Returns false.
     bool Reject(Reason reason, const std::string& name);
-    // A new record of the rule's; null when nobody listens.
+    // Adds a statement to the rule's record; null without an observer.
     Evidence::Statement* AddRecord(const std::string& path, const std::string& sql);
     Query QueryOf(const CommandRule& rule, const std::string& eventId) const;
     static void GetTimeParaList(ParamList& list, const ParamMap& params, const std::string& analysisType,

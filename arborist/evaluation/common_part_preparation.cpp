@@ -12,7 +12,7 @@
 
 namespace {
 
-// The attributes without which CommonPart::SetThreshold does nothing.
+// True if the attributes are known without which CommonPart::SetThreshold does nothing.
 bool AreAttributesKnown(const DeviceDetails* device)
 {
     return device != nullptr && !device->GetCpuName().empty() && !device->GetRamSize().empty()

@@ -7,12 +7,12 @@ class CommonPart;
 class DetectionObserver;
 class DeviceDetails;
 
-/// Prepares what the rules of a set share, before the first of them is asked: gives `part`, which wraps the block that
-/// was loaded, its thresholds by the device's attributes, has the derived tables built, and then the external databases
-/// copied and given their tables. Each of the two is left out if the block has no entry for it.
+/// Prepares the shared data of a rule set before the first rule runs: sets the thresholds of `part`, which wraps the
+/// loaded common part, by the device's attributes, builds the derived tables, then copies the external databases and
+/// creates their tables. Skips either of the two if the common part has no entry for it.
 ///
-/// `device` and `observer` may be null. What can't be built leaves a table missing or empty; the rules that ask for it
-/// deal with that. An external database whose pattern is no regular expression raises a std::regex_error.
+/// `device` and `observer` may be null. A failure leaves a table missing or empty, which the rules handle. Throws
+/// std::regex_error if the pattern of an external database is no regular expression.
 void PrepareCommonPart(const std::shared_ptr<CommonPart>& part, const DeviceDetails* device,
                        DetectionObserver* observer);
 

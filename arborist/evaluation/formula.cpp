@@ -8,10 +8,10 @@
 
 namespace {
 
-// An operator's place is its priority; the blank keeps the two levels more than one apart.
+// The position of an operator is its priority; the blank separates the two levels by more than one.
 constexpr std::string_view PRIORITY = "+- */";
 
-// Values of a formula that wait for their operators, room for which is made at once.
+// Number of pending values for which memory is reserved at once.
 constexpr std::size_t USUAL_VALUES = 16;
 
 bool IsLegalOperator(char sign)
@@ -24,7 +24,7 @@ bool IsSign(char letter)
     return letter == '(' || letter == ')' || IsLegalOperator(letter);
 }
 
-// A sign, or the name up to the next one.
+// The operator or parenthesis at the front, or the name up to the next one.
 std::string_view FirstToken(std::string_view text)
 {
     std::size_t length = 1;
@@ -34,19 +34,20 @@ std::string_view FirstToken(std::string_view text)
     return text.substr(0, length);
 }
 
-// Only "*" and "/" give way to an incoming "+" or "-". Operators of one level never do: chains go from the right.
+// True if `top` is calculated before the incoming operator: only "*" and "/" before "+" or "-". Operators of one level
+// wait, so that chains are calculated from the right.
 bool IsPriorityIsBiggerOrTheSame(char top, std::string_view token)
 {
     if (top != '*' && top != '/') {
         return false;
     }
-    // A value that counts as an operator has more letters, and all of them are looked for.
+    // A value that counts as an operator may have several characters; all of them are searched.
     const std::size_t place = token.size() == 1 ? PRIORITY.find(token.front()) : PRIORITY.find_first_of(token);
     return PRIORITY.find(top) >= place + 2;
 }
 
-// Which values were joined by which operator: a binary tree that is written out at the end, so that long chains are
-// not copied at every step.
+// Records which values each operator joined, as a binary tree that is printed at the end, so that long chains are not
+// copied at every step.
 class Grouping {
 public:
     void Push(std::string_view name)
@@ -55,7 +56,7 @@ public:
         mNodes.push_back({name, 0, 0, '\0'});
     }
 
-    // Takes the two last values; with an operator it puts back what they make together.
+    // Removes the two last values; with an operator pushes their combination.
     void Join(char sign)
     {
         const std::size_t right = Pop();
@@ -119,10 +120,10 @@ private:
     }
 
     std::vector<Node> mNodes;
-    std::vector<std::size_t> mStack; // beside the numbers, value by value
+    std::vector<std::size_t> mStack; // parallel to the stack of numbers
 };
 
-// The two stacks of a calculation. Every step answers whether the calculation can go on.
+// The two stacks of a calculation. Every step returns whether the calculation can continue.
 class Calculation {
 public:
     explicit Calculation(Grouping* grouping) : mGrouping(grouping)
@@ -130,7 +131,7 @@ public:
         mNumbers.reserve(USUAL_VALUES);
     }
 
-    // `value` is null or empty where `token` stands for itself.
+    // `value` is null or empty if `token` has no value and is used itself.
     bool Take(std::string_view token, const std::string* value)
     {
         const bool hasValue = value != nullptr && !value->empty();
@@ -188,7 +189,7 @@ private:
         return true;
     }
 
-    // Without two values nothing can change any more: whoever asks again would ask for ever.
+    // Fails without two values: nothing can change any more, so that a caller's loop would never end.
     bool Compute()
     {
         if (mNumbers.size() < 2) {
@@ -203,7 +204,7 @@ private:
         if (mGrouping != nullptr) {
             mGrouping->Join(sign);
         }
-        if (IsLegalOperator(sign)) { // a "(" that was never closed takes both values with it
+        if (IsLegalOperator(sign)) { // an unclosed "(" drops both values
             mNumbers.push_back(Combine(sign, left, right));
         }
         return true;
@@ -232,7 +233,7 @@ private:
     }
 
     std::vector<double> mNumbers;
-    std::string mOperators; // a text for its room: most formulas need no memory for it
+    std::string mOperators; // a string, whose short form needs no allocation for most formulas
     Grouping* mGrouping;
 };
 

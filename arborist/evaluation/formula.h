@@ -5,28 +5,29 @@
 #include <string>
 #include <string_view>
 
-/// An arithmetic formula over named values, worked out by the rules that rule files are written for.
+/// An arithmetic formula over named values, calculated by the rules on which rule files rely.
 ///
-/// "*" and "/" go before "+" and "-". Within one level a chain is worked out from the right: "10 - 3 - 2" is 9 and
-/// "2 * 6 / 3" is 4. Divided by 0 is 0, and a name without a value that is no number counts as 0 (with an error in
-/// the log). A value that begins with an operator, such as a negative number, counts as that operator. A blank never
-/// ends a name. Takes time in proportion to the text, whatever it holds.
+/// "*" and "/" precede "+" and "-". Within one level a chain is calculated from the right: "10 - 3 - 2" is 9 and "2 * 6
+/// / 3" is 4. Division by 0 gives 0, and a name that has no value and is no number counts as 0 (with an error in the
+/// log). A value that begins with an operator, such as a negative number, counts as that operator. A blank never ends a
+/// name. Takes time proportional to the length of the text.
 class Formula {
 public:
-    /// The value of a name: null or empty when it has none, which leaves the name to stand for itself.
+    /// The value of a name; null or empty if it has none, so that the name itself is used.
     using ValueOf = std::function<const std::string*(std::string_view name)>;
 
     struct Outcome {
-        /// Six decimals; empty when the formula is ill-formed: an operator lacks a value, or parentheses their other.
+        /// The result with six decimals; empty if the formula is ill-formed: an operator without a value, or an
+        /// unmatched parenthesis.
         std::string result;
-        /// The formula as it was worked out, every grouping in parentheses: "10 - (3 - 2)". Empty when not asked for
-        /// and when there is no result.
+        /// The formula with every grouping in parentheses: "10 - (3 - 2)". Empty unless requested, and if there is no
+        /// result.
         std::string grouping;
     };
 
     explicit Formula(std::string expression);
 
-    /// Without a word or sign.
+    /// True if the text has no name, number or operator.
     bool IsEmpty() const { return mText.empty(); }
     Outcome Calculate(const ValueOf& valueOf, bool withGrouping) const;
 

@@ -10,15 +10,14 @@
 
 class NodeRule;
 
-/// Decides node rules: reads small files that hold one value each, works out the rule's formula over them and tests the
-/// values. The first condition of a known kind is the whole answer; those behind it are never asked, unlike with other
-/// rules.
+/// Decides node rules: reads small files with one value each, calculates the rule's formula over them and tests the
+/// values. Unlike in other families, the first condition of a known kind decides alone.
 ///
-/// The files are read anew at each call, below Settings::DEVICE_ROOT_DIR where that is set. What was read and worked
-/// out stays in the rule's parameters.
+/// Each call reads the files anew, below Settings::DEVICE_ROOT_DIR if that is set. The values stay in the rule's
+/// parameters.
 class NodeRuleEngine : public RuleChecker {
 public:
-    /// False for the empty event id, which plays no other part.
+    /// False for the empty event id; otherwise the id has no effect.
     bool IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId) override;
 
 private:
@@ -26,7 +25,7 @@ private:
 
     static void SetExpressNodeValue(const ParamIndex& params, const std::string& name, const std::string& value);
     static const std::string* GetExpressNodeValue(const ParamIndex& params, std::string_view name);
-    /// Answers whether every file could be read. One that can't gives the empty value.
+    /// True if every file could be read. An unreadable file has the empty value.
     bool SetParamValue(const NodeRule& rule, const ParamIndex& params);
     void RunLogicExpression(const NodeRule& rule, const ParamIndex& params);
     bool CheckConditions(const NodeRule& rule);

@@ -48,7 +48,7 @@ bool RuleChecker::IsFaultForParam(const std::string& logic, const std::string& t
     if (type == TYPE_STRING) {
         return TextHolds(logic, configured, observed);
     }
-    // "long" compares as 32-bit numbers, too: rule files are written for that.
+    // "long" compares 32-bit numbers, too: rule files rely on it.
     if (type == TYPE_INT || type == TYPE_LONG) {
         const std::int32_t limit = StringUtil::StringToInt32Def(configured, 0, 10);
         const std::int32_t value = StringUtil::StringToInt32Def(observed, 0, 10);

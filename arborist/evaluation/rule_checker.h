@@ -15,8 +15,8 @@ struct Param;
 
 /// Decides the rules of one family.
 ///
-/// A checker lives as long as the driver that made it and serves one thread. What it sees on its way it writes into the
-/// record of the rule, if there is one; what decided its last answer it notes with NoteReason, record or not.
+/// A checker lives as long as the driver that created it. Not thread-safe. It writes its evidence into the record of
+/// the rule, if there is one, and in any case notes the reason of its last answer with NoteReason.
 class RuleChecker {
 public:
     static constexpr std::string_view LOGIC_GT = "gt";
@@ -38,36 +38,36 @@ public:
     RuleChecker(const RuleChecker&) = delete;
     RuleChecker& operator=(const RuleChecker&) = delete;
 
-    /// Whether the rule counts as a fault for the event with this id. Anything that a checker can't use (null, a rule
-    /// of another family, missing data) is false.
+    /// True if the rule fires for the event with this id. False for everything that the checker can't use: null, a rule
+    /// of another family, missing data.
     virtual bool IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId) = 0;
 
-    /// Whether the observed value stands to the configured one as `logic` demands: "gt" asks for observed greater than
-    /// configured. `type` says as what they compare. False when a text is empty or a word is not known. A text that is
-    /// no number compares as 0, after an error in the log; the configured text is converted first.
+    /// True if the observed value compares with the configured one as `logic` says: "gt" is observed greater than
+    /// configured. `type` is the type of the comparison. False if a text is empty or a word is unknown. A text that is
+    /// no number logs an error and compares as 0; the configured text is converted first.
     bool IsFaultForParam(const std::string& logic, const std::string& type, const std::string& configured,
                          const std::string& observed) const;
 
-    /// Where to write down what the next rule's answer rests on; null, as at first, for nowhere. Not owned: it is taken
-    /// away before it ends.
+    /// Sets the record for the evidence of the next rule; null, the default, for none. Not owned: pass null before the
+    /// record ends.
     void SetRecord(Evidence::Rule* record)
     {
         mRecord = record;
         mComparisons = nullptr;
     }
-    /// What decided the last answer of IsFaultHappened.
+    /// The reason of the last answer of IsFaultHappened.
     Evidence::Reason GetReason() const { return mReason; }
 
 protected:
-    /// IsFaultForParam for a parameter of the rule, with its type, written down where WriteComparisonsInto says. `source`
-    /// is where the configured value came from ("static", "dynamic", "systemParam"), empty for the rule's own text, and
-    /// `sourceId` its name in the common part.
+    /// IsFaultForParam for a parameter of the rule, with its type; records the comparison in the list set by
+    /// WriteComparisonsInto. `source` is the source of the configured value ("static", "dynamic", "systemParam"), empty
+    /// for the rule's own text, and `sourceId` its name in the common part.
     bool CompareParam(const Param& param, const std::string& logic, const std::string& configured,
                       const std::string& observed, std::string_view source = {}, std::string_view sourceId = {}) const;
 
-    /// The record of the rule that is being asked; null when nobody listens.
+    /// The record of the current rule; null without an observer.
     Evidence::Rule* GetRecord() const { return mRecord; }
-    /// The part of it that belongs to a family; null when nobody listens.
+    /// The family's part of the record; null without an observer.
     template <typename Part>
     Part* GetPart() const
     {
@@ -77,11 +77,11 @@ protected:
         Part* const part = std::get_if<Part>(&GetRecord()->part);
         return part != nullptr ? part : &GetRecord()->part.template emplace<Part>();
     }
-    /// Null for nowhere, as for every new record.
+    /// Sets the list for comparisons; null, the default of every new record, for none.
     void WriteComparisonsInto(std::vector<Evidence::Comparison>* comparisons) { mComparisons = comparisons; }
     std::vector<Evidence::Comparison>* GetComparisons() const { return mComparisons; }
     void NoteReason(Evidence::Reason reason) { mReason = reason; }
-    /// Notes the reason and passes the answer on: `return Decide(Reason::NO_NODES, false);`.
+    /// Notes the reason and returns `answer`: `return Decide(Reason::NO_NODES, false);`.
     bool Decide(Evidence::Reason reason, bool answer)
     {
         mReason = reason;

@@ -14,13 +14,13 @@ namespace Evidence {
 struct Start;
 }
 
-/// Works out from what moment on a check looks at the event log: what happened before the device was last reset,
-/// updated or repaired says nothing about the device as it is now.
+/// Computes the start time of a check: events from before the device was last reset, updated or repaired don't describe
+/// the device as it is now.
 ///
-/// Shares ownership of what it is given. Used by one thread at a time.
+/// Shares ownership of its arguments. Not thread-safe.
 class StartTimes {
 public:
-    /// Start words: what a window doesn't reach back beyond.
+    /// Start words: the events beyond which a window doesn't reach back.
     static constexpr std::string_view FROM_RESET_OR_UPDATE = "1";
     static constexpr std::string_view FROM_UPDATE = "2";
     static constexpr std::string_view FROM_RESET = "3";
@@ -28,18 +28,18 @@ public:
     /// Member of an event's user-defined text that names a repair.
     static constexpr char REPAIR_ID[] = "Repairid";
 
-    /// Reset and update times are asked of `resetTimes`, repairs of the rule set and of the repair database. Without a
+    /// `resetTimes` provides reset and update times; the rule set and the repair database provide repairs. Without a
     /// parser no repair counts.
     StartTimes(std::shared_ptr<ResetTimeParser> resetTimes, std::shared_ptr<FaultTreeParser> faultTreeParser);
 
-    /// Seconds since the epoch: `days` before now (0 stands for 30), or the last reset or update where `word` takes it
-    /// into account, or the last repair of the event, whichever is latest. "1" and every unknown word take reset and
-    /// update. `current` is the event whose rules are being asked, and may be null; the repair that its user-defined
-    /// text names counts if its id is `eventId`. `record`, if there is one, is filled.
+    /// Seconds since the epoch: the latest of `days` before now (0 means 30), the last reset or update if `word`
+    /// includes it, and the last repair of the event. "1" and every unknown word include reset and update. `current` is
+    /// the event whose rules are running, and may be null; the repair in its user-defined text counts if its id is
+    /// `eventId`. Fills `record` if it is not null.
     std::int64_t GetDetectStartTime(std::int32_t days, const std::string& word, const std::string& eventId,
                                     const Event* current, Evidence::Start* record = nullptr) const;
 
-    /// Whether a check with this start word counts the events of the current version only.
+    /// True if a check with this start word counts only events of the current version.
     static bool IsDetectFromUpdate(const std::string& word);
 
 private:

@@ -19,15 +19,15 @@
 #define ARBORIST_COMPARABLE(Record)
 #endif
 
-/// What a detection rests on, as records that own their texts and outlive the engine: an event's evidence holds its
-/// alternatives, these hold their rules, and a rule holds what its family looked at.
+/// The evidence of a detection, as records that own their texts and outlive the engine: an event's evidence has its
+/// alternatives, these have their rules, and a rule has the part of its family.
 ///
-/// The engine fills a record while it decides, and hands it to the DetectionObserver when it is complete. Without an
-/// observer no record is made.
+/// The engine fills a record while it decides, and passes it to the DetectionObserver once it is complete. Without an
+/// observer it creates no record.
 namespace Evidence {
 
-/// Seconds since the epoch with their local time, in the zone that was in force. The text is empty for 0, which stands
-/// for none, and outside the years 0 to 9999.
+/// Seconds since the epoch with their local time, in the zone that was in force. The text is empty for 0, which means
+/// none, and outside the years 0 to 9999.
 struct Moment {
     std::int64_t seconds = 0;
     std::string local;
@@ -35,7 +35,7 @@ struct Moment {
     ARBORIST_COMPARABLE(Moment)
 };
 
-/// From what moment on a rule looked at the log, and which of four moments, the latest, set it.
+/// The start time of a rule, and which of four moments, the latest, determined it.
 struct Start {
     Moment start;
     Moment period;
@@ -45,13 +45,13 @@ struct Start {
     Floor floor = Floor::PERIOD;
     std::int32_t periodDays = 0;
     std::string beginFlag;
-    /// The repair that has the latest date; empty when none has one.
+    /// The repair with the latest date; empty if there is none.
     std::string repairId;
 
     ARBORIST_COMPARABLE(Start)
 };
 
-/// The filter that turned a rule away: Rule::reason tells which.
+/// The filter that rejected a rule: Rule::reason says which.
 struct Filter {
     std::string deviceValue;
     std::string ruleText;
@@ -59,8 +59,8 @@ struct Filter {
     ARBORIST_COMPARABLE(Filter)
 };
 
-/// One test of an alarm item's parameters. Where several must hold for one row, each is put to the rows that passed
-/// those before it.
+/// One test of an alarm item's parameters. If a row must pass several, each is applied to the rows that passed those
+/// before it.
 struct Test {
     std::string key;
     std::string type;
@@ -72,17 +72,17 @@ struct Test {
     ARBORIST_COMPARABLE(Test)
 };
 
-/// What was counted for a window of an alarm rule.
+/// The counts of a window of an alarm rule.
 struct WindowCount {
     /// Rows of the range since the start, up to the id that reached the threshold; those of another version; those
     /// that failed a test, of the condition under which the fewest did.
     std::uint64_t rowsFound = 0;
     std::uint64_t rowsOfOtherVersion = 0;
     std::uint64_t rowsFailedTest = 0;
-    /// The best count, weight or daily peak that one id reached, and that id; both 0 without rows.
+    /// The largest count, weight or daily peak of an id, and that id; both 0 without rows.
     std::int64_t reached = 0;
     std::int64_t reachedById = 0;
-    /// What `reached` is; NONE where no row was counted.
+    /// What `reached` is; NONE if no row was counted.
     Measure measure = Measure::NONE;
 
     ARBORIST_COMPARABLE(WindowCount)
@@ -91,7 +91,7 @@ struct WindowCount {
 /// One time window of one item of an alarm rule. An item whose id range is empty has no window: `kind` is empty then,
 /// and the reason NO_IDS.
 struct Window {
-    /// Place of the item in its rule, from 0.
+    /// Position of the item in its rule, from 0.
     std::size_t item = 0;
     std::int64_t firstId = 0;
     std::int64_t lastId = 0;
@@ -99,29 +99,29 @@ struct Window {
     std::string kind;
     std::int32_t periodDays = 0;
     std::int64_t threshold = 0;
-    /// Nothing where the window was not counted.
+    /// Not set if the window was not counted.
     std::optional<Start> start;
-    /// Only rows of the current version count.
+    /// True if only rows of the current version count.
     bool versionFilter = false;
     WindowCount count;
     bool hit = false;
     Reason reason = Reason::NONE;
     std::vector<Test> tests;
 
-    /// How much the best id was short of the threshold; 0 for a hit and for a window that was not counted.
+    /// How much the best id lacked of the threshold; 0 for a hit and for a window that was not counted.
     std::int64_t Missing() const { return hit || !start || count.reached >= threshold ? 0 : threshold - count.reached; }
 
     ARBORIST_COMPARABLE(Window)
 };
 
 struct Alarm {
-    /// In the order in which they were counted; none behind the one that reached its threshold.
+    /// In the order of counting, up to the first one that reached its threshold.
     std::vector<Window> windows;
 
     ARBORIST_COMPARABLE(Alarm)
 };
 
-/// One value held against another.
+/// One comparison of two values.
 struct Comparison {
     std::string paramId;
     std::string key;
@@ -129,7 +129,7 @@ struct Comparison {
     std::string logic;
     std::string observed;
     std::string configured;
-    /// "static", "dynamic", "systemParam", or empty where the rule's own text is the only source.
+    /// "static", "dynamic", "systemParam", or empty if the rule's own text is the only source.
     std::string source;
     /// Name of the threshold or system parameter in the common part; empty for a "static" value.
     std::string sourceId;
@@ -138,7 +138,7 @@ struct Comparison {
     ARBORIST_COMPARABLE(Comparison)
 };
 
-/// A column of a command rule's one row, before and after scaling (the same text where nothing is scaled).
+/// A column of a command rule's single row, before and after scaling (the same text if nothing is scaled).
 struct Column {
     std::string id;
     std::string key;
@@ -151,58 +151,57 @@ struct Column {
 
 /// The time between two columns of a command rule's row, by which its values are scaled to 30 days.
 struct Interval {
-    /// Empty where the rule doesn't name two columns.
+    /// Empty if the rule doesn't name two columns.
     std::string startKey;
     std::string endKey;
-    /// Seconds since the epoch; 0 for a column that isn't there.
+    /// Seconds since the epoch; 0 for a missing column.
     std::int64_t start = 0;
     std::int64_t end = 0;
     std::uint64_t days = 0;
-    /// False when nothing can be scaled: a column is 0, or they are one second apart.
+    /// False if nothing can be scaled: a column is 0, or they are one second apart.
     bool usable = false;
 
     ARBORIST_COMPARABLE(Interval)
 };
 
-/// A command rule's statement on one database, and what was made of its row.
+/// A command rule's statement on one database, and the evaluation of its row.
 struct Statement {
-    /// Path of the file; empty for the derived database when it could not be opened.
+    /// Path of the file; empty for the derived database if it could not be opened.
     std::string database;
     std::string sql;
     bool opened = false;
-    /// Rows that came back; of a statement that failed, those before it did.
+    /// Number of rows; for a statement that failed, those before the failure.
     std::uint64_t rows = 0;
-    /// What the database says of a statement that failed; empty otherwise.
+    /// The database's message for a statement that failed; empty otherwise.
     std::string error;
     std::optional<Interval> interval;
     std::vector<Column> columns;
     std::vector<Comparison> comparisons;
-    /// How the conditions ended on this database. A statement on one database of several has a word of its own, which
-    /// the rule's doesn't tell.
+    /// The result of the conditions on this database. With several databases each statement has a reason of its own.
     Reason reason = Reason::NONE;
 
     ARBORIST_COMPARABLE(Statement)
 };
 
-/// How many databases of one kind ("defDBTable") held the faults that a command rule looks for in each.
+/// The number of databases of one kind ("defDBTable") in which a command rule found its fault.
 struct Hits {
     std::string name;
     std::size_t databases = 0;
     std::int64_t hits = 0;
-    /// With so many the rule fires; 0 and less ask for none.
+    /// The number of hits at which the rule fires; with 0 or less it needs none.
     std::int64_t needed = 0;
 
-    /// How many hits are missing; 0 where there are enough.
+    /// How many hits are missing; 0 if there are enough.
     std::int64_t Missing() const { return hits < needed ? needed - hits : 0; }
 
     ARBORIST_COMPARABLE(Hits)
 };
 
 struct Command {
-    /// Nothing for a rule on copied databases, which are taken whole.
+    /// Not set for a rule on copied databases, which are queried without a time limit.
     std::optional<Start> start;
     std::vector<Statement> statements;
-    /// Of a rule on copied databases.
+    /// For a rule on copied databases.
     std::optional<Hits> hits;
 
     ARBORIST_COMPARABLE(Command)
@@ -219,7 +218,7 @@ struct NodeFile {
 
 struct Formula {
     std::string expression;
-    /// The formula with every grouping spelled out in parentheses, as it was worked out; empty when ill-formed.
+    /// The formula with every grouping in parentheses, in the order of calculation; empty if ill-formed.
     std::string grouping;
     std::string result;
     std::string resultKey;
@@ -235,7 +234,7 @@ struct Node {
     ARBORIST_COMPARABLE(Node)
 };
 
-/// What the host was asked for a code rule, and its answer; no answer without a runner.
+/// The arguments of the host's runner for a code rule, and its answer; no answer without a runner.
 struct Code {
     std::string detectCode;
     std::vector<std::string> faultDescriptionIds;
@@ -247,22 +246,22 @@ struct Code {
     ARBORIST_COMPARABLE(Code)
 };
 
-/// One rule as it was asked for one event.
+/// One rule as it was run for one event.
 struct Rule {
     std::string name;
     Verdict verdict = Verdict::SKIPPED;
-    /// What decided. Each window and statement has a reason of its own.
+    /// The reason for the verdict. Each window and statement has a reason of its own.
     Reason reason = Reason::NONE;
     /// What else went wrong on the way, each once: a node file that is missing although the condition was met.
     std::vector<Reason> notes;
     std::optional<Filter> filter;
-    /// The name in the rule that leads nowhere (NO_COMMON_PART, NO_SUCH_DATABASE); the method that is none (NOT_SQL).
+    /// The unknown name in the rule (NO_COMMON_PART, NO_SUCH_DATABASE); the method that is none (NOT_SQL).
     std::optional<std::string> badName;
-    /// What its family looked at, in the order of `Family`; an empty part for a rule that was passed over.
+    /// The part of its family, in the order of `Family`; empty for a rule that was skipped.
     std::variant<std::monostate, Alarm, Command, Node, Code> part;
 
     Family GetFamily() const { return static_cast<Family>(part.index()); }
-    /// Takes an empty part of that family.
+    /// Sets `part` to an empty part of this family.
     ARBORIST_EXPORT void SetFamily(Family family);
 
     void Note(Reason note)
@@ -278,7 +277,7 @@ struct Rule {
 /// One way for an event to be decided: one rule, or the rules of a "multipleRule", which must all fire.
 struct Alternative {
     bool inGroup = false;
-    /// In the order in which they were asked; those behind the end of a group follow as GROUP_ENDED.
+    /// In the order in which they ran; those behind the end of a group follow as GROUP_ENDED.
     std::vector<Rule> rules;
 
     ARBORIST_COMPARABLE(Alternative)
@@ -289,7 +288,7 @@ struct Event {
     std::string id;
     std::string name;
     bool fired = false;
-    /// NONE where the rules speak for themselves.
+    /// NONE if the reasons are those of its rules.
     Reason reason = Reason::NONE;
     std::vector<Alternative> alternatives;
 
@@ -306,7 +305,7 @@ struct FoldedEvent {
     std::string name;
     std::string userDefined;
     EventState status = EventState::UNKNOWN;
-    /// For an intermediate event: it has rules of its own and doesn't follow its gate.
+    /// True for an intermediate event with rules of its own, which doesn't follow its gate.
     bool observable = false;
 
     bool IsLeaf() const { return type != EventType::INTERMEDIATE; }
@@ -320,7 +319,7 @@ struct RootCause {
     std::string id;
     /// The cut set: the path of each member, ids from the top down joined by "/".
     std::vector<std::string> cutSet;
-    /// Ids of the members and of all events above them, leaf first.
+    /// Ids of the members and of all events above them, leaves first.
     std::vector<std::string> wayUp;
 
     ARBORIST_COMPARABLE(RootCause)
@@ -331,9 +330,9 @@ struct RuleSetFile {
     RuleSetFileType type = RuleSetFileType::TREES;
     RuleSetFileState state = RuleSetFileState::MISSING;
     std::string path;
-    /// What the XML reader says of a malformed file; empty otherwise.
+    /// The XML reader's message for a malformed file; empty otherwise.
     std::string message;
-    /// Line of the first fault in a malformed file, from 1; 0 when not known.
+    /// Line of the first error in a malformed file, from 1; 0 if not known.
     int line = 0;
     /// Trees of the tag (TREES), rules of the tag (RULES).
     std::size_t count = 0;
@@ -341,16 +340,16 @@ struct RuleSetFile {
     ARBORIST_COMPARABLE(RuleSetFile)
 };
 
-/// Databases beside the event log that a rule set names ("defDBTable").
+/// External databases that a rule set names ("defDBTable").
 struct ExternalDatabase {
     std::string name;
-    /// The regular expression for their paths. One that is none ends the detection with a std::regex_error.
+    /// The regular expression for their paths. An invalid one ends the detection with a std::regex_error.
     std::string pattern;
 
     ARBORIST_COMPARABLE(ExternalDatabase)
 };
 
-/// A tree whose rules are about to be asked.
+/// A tree whose rules run next.
 struct TreeHead {
     std::string id;
     std::string version;
@@ -368,7 +367,7 @@ struct TreeResult {
 
 /// A rule set after the attempt to load it.
 struct RuleSet {
-    /// The tree file, then the rule file; a file that was not looked for isn't here.
+    /// The tree file, then the rule file; without files that were not looked for.
     std::vector<RuleSetFile> files;
     std::vector<ExternalDatabase> databases;
     /// Names of the derived tables that are filled with events of the log.

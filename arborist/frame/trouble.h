@@ -5,8 +5,8 @@
 
 namespace Evidence {
 
-/// Something that makes a result less than it looks, and that the record of no rule has a place for. The log has a line
-/// for most of these, too; this is for programs.
+/// A problem that makes a result less reliable and belongs to no record of a rule. Most of them have a line in the log,
+/// too; this is for programs.
 struct Trouble {
     enum class Kind {
         STATEMENT_FAILED, ///< a database refused a statement other than a command rule's own, which has a record
@@ -20,15 +20,15 @@ struct Trouble {
     };
 
     Kind kind = Kind::STATEMENT_FAILED;
-    /// The event whose rules were being asked, and the rule; empty before the first.
+    /// The event whose rules were running, and the rule; empty before the first.
     std::string eventId;
     std::string ruleName;
-    /// What is in trouble, where the kind says so.
+    /// The object of the problem, if the kind has one.
     std::string subject;
-    /// Where in the rule set, as far as known: path, and line from 1, 0 for none.
+    /// The place in the rule set if known: path, and line from 1, 0 for none.
     std::string file;
     int line = 0;
-    /// What the database or the reader says.
+    /// The message of the database or the reader.
     std::string words;
 };
 

@@ -7,8 +7,9 @@
 
 #include "arborist/frame/trouble.h"
 
-/// Hears of the trouble that the engine's lower rooms meet on this thread, while it lives. A watch within another hears
-/// in its place. The rooms tell their trouble where they log it, and know nothing of who hears: mostly nobody.
+/// As long as it exists, passes the trouble that lower layers of the engine report on this thread to its listener. Of
+/// nested watches only the innermost receives it. The layers report trouble where they log it, without knowing whether
+/// anybody listens.
 class TroubleWatch {
 public:
     using Listener = std::function<void(Evidence::Trouble trouble)>;
@@ -18,7 +19,7 @@ public:
     TroubleWatch(const TroubleWatch&) = delete;
     TroubleWatch& operator=(const TroubleWatch&) = delete;
 
-    /// Lets the innermost watch of this thread hear.
+    /// Reports to the innermost watch of this thread, if there is one.
     static void Tell(Evidence::Trouble::Kind kind, std::string_view words, std::string_view subject = {});
 
 private:
