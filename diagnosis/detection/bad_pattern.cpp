@@ -1,25 +1,10 @@
 #include "diagnosis/detection/bad_pattern.h"
 
-#include <regex>
+#include "diagnosis/text/file_pattern.h"
 
 namespace diagnosis {
 
 namespace {
-
-// The same limit as in the library: patterns are compiled recursively, so that a longer one could overflow the stack.
-bool Compiles(const std::string& pattern)
-{
-    static constexpr std::size_t LONGEST = 4096;
-    if (pattern.size() > LONGEST) {
-        return false;
-    }
-    try {
-        std::regex compiled(pattern, std::regex::ECMAScript);
-        return true;
-    } catch (const std::regex_error&) {
-        return false;
-    }
-}
 
 std::string RuleFile(const Evidence::RuleSet& ruleSet)
 {
@@ -37,7 +22,7 @@ std::string BadPatternMessage(const Evidence::RuleSet& ruleSet, const std::strin
 {
     std::string bad;
     for (const Evidence::ExternalDatabase& known : ruleSet.databases) {
-        if (!Compiles(known.pattern)) {
+        if (!IsFilePattern(known.pattern)) {
             bad += (bad.empty() ? "\"" : ", \"") + known.pattern + "\" of the defDBTable \"" + known.name + "\"";
         }
     }

@@ -14,7 +14,8 @@ std::vector<const Check*> MakeList()
     for (const auto& group : {FileChecks(), WordChecks(), TreeChecks(), EventChecks(), CutSetChecks(), BindingChecks(),
              AlternativeChecks(), FilterChecks(), DeviceFilterChecks(), TimeChecks(), ComparisonChecks(),
              ConditionChecks(), ValueSetChecks(), AlarmChecks(), AlarmTestChecks(), CommandChecks(), SqlChecks(),
-             QueryChecks(), NodeChecks(), CommonPartChecks(), DescriptionChecks(), CodeRuleChecks()}) {
+             QueryChecks(), FormulaChecks(), NodeChecks(), CommonPartChecks(), ThresholdChecks(),
+             ExternalDatabaseChecks(), DescriptionChecks(), CodeRuleChecks()}) {
         for (const Check& check : group) {
             all.push_back(&check);
         }

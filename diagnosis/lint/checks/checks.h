@@ -26,8 +26,11 @@ std::span<const Check> AlarmTestChecks();
 std::span<const Check> CommandChecks();
 std::span<const Check> SqlChecks();
 std::span<const Check> QueryChecks();
+std::span<const Check> FormulaChecks();
 std::span<const Check> NodeChecks();
 std::span<const Check> CommonPartChecks();
+std::span<const Check> ThresholdChecks();
+std::span<const Check> ExternalDatabaseChecks();
 std::span<const Check> DescriptionChecks();
 std::span<const Check> CodeRuleChecks();
 
