@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <unordered_set>
 
 #include "diagnosis/lint/base/near_names.h"
 #include "diagnosis/lint/base/report.h"
@@ -14,7 +13,6 @@ namespace diagnosis::lint {
 
 namespace {
 
-using rule_source::Element;
 using rule_source::Param;
 using rule_source::WholeNumber;
 
@@ -68,11 +66,10 @@ void CheckTypes(const Subject& subject, Report& report)
 {
     NearNames near;
     std::for_each(TYPES.begin(), TYPES.end(), [&near](const char* type) { near.Add(type); });
-    std::unordered_set<Element> told;
     ForEachAskedTest(subject.rules, [&](const AskedTest& asked) {
         for (const Param& param : asked.params) {
             const bool isKnown = std::find(TYPES.begin(), TYPES.end(), param.type) != TYPES.end();
-            if (!isKnown && told.insert(param.element).second) {
+            if (!isKnown) {
                 report.Add(param.element, "the parameter " + Quoted(param.id) + " of the rule "
                         + Quoted(asked.RuleName()) + " has the unknown type " + Quoted(param.type),
                     {.attribute = param.element.Find("type"), .help = near.Help(param.type)});
