@@ -1,5 +1,3 @@
-#include <array>
-
 #include "diagnosis/lint/base/near_names.h"
 #include "diagnosis/lint/checks/alarm_items.h"
 #include "diagnosis/lint/checks/checks.h"
@@ -57,6 +55,9 @@ void CheckNoTests(const AlarmRule& rule, const AlarmItem& item, Report& report)
 
 void CheckTestIds(const AlarmRule& rule, const AlarmItem& item, Report& report)
 {
+    if (!item.HasTests()) {
+        return;
+    }
     NearNames ids;
     for (const Param& param : item.params.Params()) {
         ids.Add(param.id);
