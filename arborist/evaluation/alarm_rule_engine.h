@@ -18,25 +18,25 @@
 class AlarmRuleDbHelper;
 class RuleHelper;
 
-/// Decides alarm rules: counts the events of a range of ids that were logged in a time window, all or those that pass
+/// Decides alarm rules: counts the logged events of a range of ids in a time window, all of them or those that pass
 /// tests of their parameters.
 ///
-/// Keeps the event log open, and what it read of it, for as long as it lives. Writes into the rules that it decides
-/// (TimeSet::timeType, results of logic items), so one rule set is decided by one thread at a time.
+/// Keeps the event log open, and the data read from it, as long as it exists. Writes into the rules that it decides
+/// (TimeSet::timeType, results of logic items), so use a rule set from one thread at a time.
 class AlarmRuleEngine : public RuleChecker {
 public:
     /// Item type under which the tests of the condition list apply.
     static constexpr std::string_view PARAM_EVENT_ID = "param_eventid";
 
-    /// Opens the event log at once; one that isn't there yet is tried again later.
+    /// Opens the event log; if it is missing, later calls try again.
     explicit AlarmRuleEngine(std::shared_ptr<RuleHelper> ruleHelper);
 
-    /// Says that this rule will be asked for, so that what its tests need of the event log is read together with what
-    /// those of others need. Without effect on any answer.
+    /// Announces that this rule will run, so that the event log is read once for the tests of all announced rules.
+    /// Doesn't change any answer.
     void Foresee(const AlarmRule& rule);
 
-    /// Whether any window of any item reaches its threshold. An item without ids ends the rule: those behind it are not
-    /// looked at, on purpose.
+    /// True if any window of any item reaches its threshold. An item without ids ends the rule: rule files rely on the
+    /// items behind it being ignored.
     bool IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId) override;
 
 private:
@@ -52,13 +52,13 @@ private:
         bool IsEmpty() const { return first == 0 || first > last; }
     };
 
-    // How one test fared in one count of a window.
+    // The result of one test in one count of a window.
     struct Tally {
         std::uint64_t tested = 0;
         std::uint64_t passed = 0;
     };
 
-    // One window of one item, while it is counted.
+    // The state of one window of one item while it is counted.
     struct Window {
         IdRange ids;
         TimeSet::TimeType timeType;
@@ -66,9 +66,9 @@ private:
         std::int64_t start;
         bool fromUpdate;
         Evidence::WindowCount count = {};
-        // Null when nobody listens.
+        // Null without an observer.
         Evidence::Window* record = nullptr;
-        // Why the window was missed, where the log could be read.
+        // The reason if the threshold is not reached, provided that the log could be read.
         Evidence::Reason miss = Evidence::Reason::WINDOW_SHORT;
         // Conditions are counted one after the other: how many so far, and what this one found.
         std::size_t conditionsCounted = 0;
@@ -76,7 +76,7 @@ private:
         std::vector<Tally> tallies = {};
     };
 
-    // What of the rows of one id is held against the threshold.
+    // The number that is compared with the threshold for the rows of one id.
     enum class Measure { PERIOD, DAILY_PEAK, ALL_TESTS };
 
     IdRange GetAlarmIdList(const AlarmRule::AlarmItem& item) const;
@@ -98,7 +98,7 @@ private:
     void VisitIds(const TestList& tests, Window& window, const RowsVisitor& visitor);
     void CloseCount(const TestList& tests, Window& window) const;
     bool IsHit(Measure measure, const EventRows& rows, const TestList& tests, Window& window);
-    // With `isTested` the rows that pass the first test of the visit count.
+    // With `isTested` only the rows count that pass the first test of the visit.
     bool IsFaultForPeriod(const EventRows& rows, bool isTested, Window& window);
     bool IsFaultForDaily(const EventRows& rows, bool isTested, Window& window);
     bool IsFaultForPeriodWithParam(const EventRows& rows, std::size_t testCount, Window& window);

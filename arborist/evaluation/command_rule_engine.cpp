@@ -113,7 +113,8 @@ void CommandRuleEngine::GetTimeInterval(
     first.reset();
     second.reset();
     if (list.size() == 2 && isNormalization) {
-        // Both are the first one, on purpose: the interval is no days long, and values count times 30.
+        // Takes the first one for both, on purpose: rule files rely on the interval of no days, which multiplies values
+        // by 30.
         first = list.front();
         second = list.front();
     }
@@ -122,7 +123,7 @@ void CommandRuleEngine::GetTimeInterval(
 std::string CommandRuleEngine::GetSqlScript(const CommandRule::SqlItem& sqlItem, const std::string& eventId,
     const std::shared_ptr<CommandRule::ReferenceDefDb>& reference) const
 {
-    // A copied database is taken whole, whatever the time.
+    // A copied database is queried completely, without a time limit.
     auto* const command = reference == nullptr ? GetPart<Evidence::Command>() : nullptr;
     const std::int64_t start = mRuleHelper == nullptr
         ? 0
@@ -133,8 +134,8 @@ std::string CommandRuleEngine::GetSqlScript(const CommandRule::SqlItem& sqlItem,
 
 std::string CommandRuleEngine::JoinSqlStrWithTime(const std::string& sql, std::int64_t start)
 {
-    // Five lower-case letters anywhere count, in capitals they don't, and the condition goes to the very end: queries
-    // of rule sets are written for that.
+    // Searches the five lower-case letters anywhere in the text, and appends the condition at the very end: queries of
+    // rule sets rely on both.
     const bool hasCondition = sql.find("where") != std::string::npos;
     return sql + (hasCondition ? " and occurrence_time >" : " where occurrence_time >") + std::to_string(start);
 }
@@ -182,7 +183,7 @@ bool CommandRuleEngine::IsFaultInReference(const CommandRule& rule, const Query&
     }
     std::int64_t neededHits = 1;
     if (rule.referenceDefDb->type != SINGLE_DB) {
-        // Without a number no hit is needed: then no files are enough, too.
+        // Without a number no hit is needed, so that even no file is enough.
         const std::string& number = rule.referenceDefDb->defDBNum;
         neededHits = number.empty() ? 0 : StringUtil::StringToInt32Def(number, 0, 10);
     }
@@ -227,7 +228,7 @@ bool CommandRuleEngine::IsFaultForSingleSql(const CommandRule& rule, const Param
         if (orLogic->GetType() == SINGLE_LOGIC) {
             isMet = IsFaultForSingleLogic(list, orLogic, rule);
             if (!isMet && GetReason() == Reason::NO_VALUE) {
-                return false; // ends the rule; the conditions behind aren't looked at
+                return false; // ends the rule without the conditions behind
             }
         } else if (orLogic->GetType() == MULTIPLE_LOGIC) {
             isMet = IsFaultForSqlMultiLogic(list, orLogic);
@@ -268,7 +269,7 @@ bool CommandRuleEngine::IsFaultForSqlMultiLogic(const ParamList& list, const std
     if (list.empty() || items.empty() || items.front() == nullptr) {
         return false;
     }
-    // All items are held against the parameter of the first: that is how a range of one column is written.
+    // Compares all items with the parameter of the first: rule files write a range of one column that way.
     const auto param = GetParam(list, items.front()->GetParamId());
     if (param == nullptr || param->value.empty()) {
         const Param missing{{}, {}, items.front()->GetParamId(), {}};

@@ -10,7 +10,7 @@
 
 using Evidence::Reason;
 
-// Finds the parameters of a rule that bear a text in one field, in the order of the map. Several may share a key.
+// Finds the parameters of a rule by the text of one field, in the order of the map. Several may have the same key.
 class NodeRuleEngine::ParamIndex {
 public:
     ParamIndex(const ParamMap& params, std::string Param::*field) : mParams(params), mField(field)
@@ -20,7 +20,7 @@ public:
         }
     }
 
-    // Shows those that bear `text` to `visit` until it answers true, and answers whether it did.
+    // Calls `visit` for those with this `text` until it returns true; returns true if it did.
     template <typename Visitor>
     bool Visit(std::string_view text, Visitor visit) const
     {
@@ -42,7 +42,7 @@ public:
     }
 
 private:
-    // Few are asked one by one, which costs less than to sort them.
+    // Few parameters are searched one by one, which is cheaper than sorting them.
     bool HasFew() const { return mParams.size() <= 8; }
 
     void Sort()
@@ -115,7 +115,7 @@ void NodeRuleEngine::SetExpressNodeValue(const ParamIndex& params, const std::st
     });
 }
 
-// The first one's value; null when no parameter has this name.
+// The value of the first parameter with this name; null if there is none.
 const std::string* NodeRuleEngine::GetExpressNodeValue(const ParamIndex& params, std::string_view name)
 {
     const std::string* value = nullptr;
@@ -167,8 +167,8 @@ bool NodeRuleEngine::CheckConditions(const NodeRule& rule)
     return false;
 }
 
-// Any parameter of the rule may hit: the condition's own parameter id is not asked. Rule files see to it that only the
-// meant one has a type that fits.
+// True if any parameter of the rule passes: the condition's own parameter id is ignored. Rule files rely on it and give
+// a suitable type only to the intended parameter.
 bool NodeRuleEngine::IsFaultForSingleNodeRule(const ParamMap& params, const OrLogic& logic)
 {
     for (const auto& [id, param] : params) {
@@ -194,7 +194,7 @@ bool NodeRuleEngine::IsFaultForMultipleNodeRule(const ParamMap& params, const Or
     return logic.CheckAndListResult();
 }
 
-// Unlike a single condition, an item looks at the parameters with its own id alone.
+// Unlike a single condition, an item compares only the parameters with its own id.
 bool NodeRuleEngine::IsFaultForNodeRuleItem(const ParamIndex& params, const OrLogic::LogicItem& item)
 {
     bool isThere = false;

@@ -23,7 +23,7 @@ namespace {
 using Evidence::Reason;
 using Evidence::Verdict;
 
-// A new record at the end of the alternative's; null without an alternative, when nobody listens.
+// Appends a record to the alternative's; null if there is no alternative, without an observer.
 Evidence::Rule* AddRecord(Evidence::Alternative* alternative, const std::string& name, const Rule* rule)
 {
     if (alternative == nullptr) {
@@ -90,7 +90,7 @@ void RuleEngine::InitCommonPart()
 {
     const auto block = mFaultTreeParser == nullptr ? nullptr : mFaultTreeParser->GetCommonPart();
     if (block == nullptr || (block->GetThresholdLumbraList().empty() && block->GetDefDbTableCommonList().empty())) {
-        return; // what an earlier detection prepared stays
+        return; // keeps what an earlier detection prepared
     }
     mCommonPart = std::make_shared<CommonPart>();
     mCommonPart->SetCombineCommon(block);

@@ -20,20 +20,20 @@ class Rule;
 class RuleHelper;
 struct DetectInfo;
 
-/// Carries a detection through its rule stage: has what the rules share prepared, then, tree by tree, asks the rules of
-/// each event and writes TRUE into the events whose rules fired. Nothing else writes that status.
+/// Runs the rules of a detection: prepares their shared data, then, tree by tree, runs the rules of each event and sets
+/// the status TRUE for events whose rules fired. Nothing else sets that status.
 ///
-/// Shares ownership of what it is given. Runs on the caller's thread; nothing is locked.
+/// Shares ownership of its arguments. Runs on the caller's thread and locks nothing.
 class RuleEngine {
 public:
-    /// Detect mode of events that are left to the host: their rules are never asked here.
+    /// Detect mode of events that are left to the host: their rules never run here.
     static constexpr std::string_view DETECT_INTERACTION_RULE = "2";
     static constexpr char EMPTY_STRING[] = "";
 
     /// With a null `detectInfo` there is no helper, and running a tree does nothing.
     RuleEngine(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<FaultTreeParser> faultTreeParser);
 
-    /// Prepares the common part and the derived databases; once for each detection, after the parse.
+    /// Prepares the common part and the derived databases. Call it once for each detection, after the parse.
     void Init();
     /// Runs the rules of one tree. Its events stay in the store until the next tree starts. A null tree is ignored.
     void StartRunRules(const std::shared_ptr<FaultTree>& faultTree);
@@ -42,9 +42,9 @@ public:
     /// Copies of the store's list and map; kept for the tests, which look at the events of a run by them.
     RuleEngineHelper::EventList GetAllEventList() const;
     RuleEngineHelper::EventMap GetEventMap() const;
-    /// Null when the engine was made without a DetectInfo.
+    /// Null if the engine was created without a DetectInfo.
     const std::shared_ptr<RuleHelper>& GetRuleHelper() const { return mRuleHelper; }
-    /// The ids of one kind (RuleHelper::FAULT, SUGGESTION or REPAIR) that a detect code stands for; see
+    /// The ids of one kind (RuleHelper::FAULT, SUGGESTION or REPAIR) for a detect code; see
     /// CodeRuleEngine::GetCodeRuleInfoByType.
     std::vector<std::string> GetCodeRuleInfoByType(std::string_view type, const std::string& detectCode);
 
@@ -65,7 +65,7 @@ private:
     void DoMultiRulesCheck(const std::string& names, const std::string& eventId,
                            const std::shared_ptr<OrRuleSingle>& entry, Evidence::Alternative* alternative);
     bool AskRule(const std::shared_ptr<Rule>& rule, const std::string& eventId, Evidence::Rule* record);
-    // Null when nobody listens.
+    // Null without an observer.
     DetectionObserver* GetObserver() const { return mObserver; }
 
     std::shared_ptr<FaultTreeParser> mFaultTreeParser;

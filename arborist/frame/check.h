@@ -8,10 +8,10 @@
 
 namespace Evidence {
 
-/// What the answer of a rule, or the status of an event, rests on.
+/// How reliable the answer of a rule, or the status of an event, is.
 ///
-/// In ascending order of what weighs when several meet: the word of a whole is the greatest of its parts'. The open
-/// checks come last: their answer is not known, whatever stands in the status.
+/// In ascending order of precedence: the check of a whole is the greatest of its parts. The open checks come last:
+/// their answer is not known, whatever the status is.
 enum class Check : unsigned char {
     /// There is nothing to check: the event follows its gate.
     NONE,
@@ -20,13 +20,13 @@ enum class Check : unsigned char {
     NOT_APPLICABLE,
     /// Filtered by the scene, or left to the host. Counts as false.
     NOT_SELECTED,
-    /// Compared on data that was there, or answered by the host.
+    /// Decided on existing data, or answered by the host.
     DECIDED,
-    /// Open: nothing says how to check it, or nobody is there to do it.
+    /// Open: it has no rules, or there is nobody to check it.
     NOT_CHECKED,
-    /// Open: what was to be compared is missing, unreadable or incomplete. Its text is "no_data".
+    /// Open: the data is missing, unreadable or incomplete. Its text is "no_data".
     DATA_MISSING,
-    /// Open: the rule can't work as it is written. Its text is "error".
+    /// Open: the rule can't work as written. Its text is "error".
     RULE_UNUSABLE,
 };
 
@@ -40,13 +40,13 @@ constexpr bool IsOpen(Check check)
     return check >= Check::NOT_CHECKED;
 }
 
-/// The word of a whole with these two parts.
+/// The check of a whole with these two parts.
 constexpr Check WorseOf(Check one, Check other)
 {
     return one < other ? other : one;
 }
 
-/// How many checks of a tree came to each word. NONE is not counted.
+/// Counts the checks of a tree by their value, without NONE.
 class ARBORIST_EXPORT CheckCounts {
 public:
     void Add(Check check);

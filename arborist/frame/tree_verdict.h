@@ -12,9 +12,9 @@ namespace Evidence {
 
 /// What a detection may say of one tree, and what it rests on.
 ///
-/// `isFault` says whether a root cause was found; that none was found is no proof where checks are open. The verdict
-/// is exact over all answers that the open checks could give, taken as independent of each other. Where two rest on
-/// one missing source, some of these answers may be impossible together: it then errs towards UNDECIDED.
+/// `isFault` says whether a root cause was found; if none was found, that is no proof as long as checks are open. The
+/// verdict is exact over all answers of the open checks, taken as independent of each other. If two of them depend on
+/// one missing source, some combinations may be impossible: the verdict then errs towards UNDECIDED.
 struct TreeVerdict {
     enum class Word : unsigned char {
         /// A root cause was found.
@@ -29,21 +29,21 @@ struct TreeVerdict {
 
     /// A cut set that answers of open checks would add to the root causes.
     struct PossibleCause {
-        /// Id of its first member, the event that the root cause would stand on.
+        /// Id of its first member, the leaf event of the root cause.
         std::string id;
         /// The path of each member, ids from the top down joined by "/".
         std::vector<std::string> cutSet;
     };
 
     Word word = Word::UNDECIDED;
-    /// Whether no answer of an open check could change the word or add a root cause.
+    /// True if no answer of an open check could change the verdict or add a root cause.
     bool isComplete = true;
     /// The top event is true and no cut set explains it.
     bool isTrueWithoutCause = false;
     CheckCounts checks;
-    /// The first ones, in the order in which a detection would find them.
+    /// The first possible causes, in the order in which a detection would find them.
     std::vector<PossibleCause> possibleCauses;
-    /// There are more than `possibleCauses` shows.
+    /// True if there are more than `possibleCauses` has.
     bool arePossibleCausesTruncated = false;
 };
 

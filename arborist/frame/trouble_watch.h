@@ -27,8 +27,8 @@ private:
     TroubleWatch* mOuter;
 };
 
-/// Says of what kind the trouble is when a statement fails on this thread while it lives: the layer that runs them
-/// doesn't know what they are for. Nothing for a statement whose failure is told elsewhere.
+/// As long as it exists, sets the kind of trouble for statements that fail on this thread, as the layer that runs
+/// statements doesn't know their purpose. Nothing for statements whose failure is reported elsewhere.
 class StatementTrouble {
 public:
     explicit StatementTrouble(std::optional<Evidence::Trouble::Kind> kind);
