@@ -7,7 +7,7 @@
 
 #include "arborist/frame/fault_tree_result.h"
 
-/// One element of a description section of the rule file: what one fault id stands for.
+/// One element of a description section of the rule file: the meaning of one fault id.
 class FaultItem {
 public:
     const std::string& GetFaultItemId() const { return mFaultItemId; }

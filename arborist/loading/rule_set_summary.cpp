@@ -41,7 +41,7 @@ public:
     }
 
     bool IsRead() const { return mIsRead; }
-    /// Without a root when the file was not read: a fault leaves nothing of what stands before it.
+    /// Has no root if the file was not read: nothing before an error is kept.
     const tinyxml2::XMLDocument& Document() const { return mDocument; }
 
 private:

@@ -41,7 +41,7 @@ public:
 
     /// "duration", "daily_peak" or "latest".
     std::string type;
-    /// Length in days; 0 stands for 30.
+    /// Length in days; 0 means 30.
     std::int32_t period = 0;
     /// Count to reach.
     std::int32_t threshold = 0;

@@ -36,7 +36,7 @@ public:
     /// themselves, without texts, and with numbers scaled to 30 days from the days between the columns of `first` and
     /// `second`; empty if one of these is 0 or they differ by one second.
     ///
-    /// `record`, if there is one, is told the database, the rows and the values.
+    /// Fills database, rows and values into `record` if it is not null.
     ParamList RunSql(const std::string& sql, const ParamList& params, bool isNormalization,
         const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second,
         Evidence::Statement* record = nullptr);
