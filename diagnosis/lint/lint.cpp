@@ -98,7 +98,7 @@ LintReport LintFiles(const RuleSetFiles& files, const LintOptions& options)
         RunChecks(files, tag, options, report);
     }
     DropSuppressed(files, options, report);
-    return {PlaceFindings(report.Findings()), IsReadable(files.trees) && IsReadable(files.rules)};
+    return {PlaceFindings(std::move(report.Findings())), IsReadable(files.trees) && IsReadable(files.rules)};
 }
 
 } // namespace diagnosis::lint

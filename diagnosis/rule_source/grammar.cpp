@@ -210,16 +210,26 @@ constexpr Kids SECTION_WORDS = {{"EventRules", &BINDINGS, FIRST}, {"RuleList", &
 
 } // namespace
 
+namespace {
+
+// Most names that are held against each other differ in length or in their first letter.
+bool IsSame(std::string_view one, std::string_view other)
+{
+    return one.size() == other.size() && one[0] == other[0] && one == other;
+}
+
+} // namespace
+
 const ChildWord* ElementWords::FindChild(std::string_view name) const
 {
     const auto found =
-        std::find_if(children.begin(), children.end(), [name](const ChildWord& word) { return name == word.name; });
+        std::find_if(children.begin(), children.end(), [name](const ChildWord& word) { return IsSame(name, word.name); });
     return found == children.end() ? nullptr : &*found;
 }
 
 bool ElementWords::HasAttribute(std::string_view name) const
 {
-    return std::any_of(attributes.begin(), attributes.end(), [name](std::string_view word) { return name == word; });
+    return std::any_of(attributes.begin(), attributes.end(), [name](std::string_view word) { return IsSame(name, word); });
 }
 
 const ElementWords& WordsOfTreeTag()

@@ -2,6 +2,33 @@
 
 namespace diagnosis::rule_source {
 
+namespace {
+
+/// Looks names up in a map. Both files are mostly in one order: then the name is the one behind the last.
+template <typename Map>
+class NextFirst {
+public:
+    explicit NextFirst(const Map& map) : mMap(map), mNext(map.begin()) {}
+
+    /// Null for a name that is not there.
+    const typename Map::mapped_type* Find(std::string_view name)
+    {
+        if (mNext == mMap.end() || mNext->first != name) {
+            mNext = mMap.find(name);
+        }
+        if (mNext == mMap.end()) {
+            return nullptr;
+        }
+        return &(mNext++)->second;
+    }
+
+private:
+    const Map& mMap;
+    typename Map::const_iterator mNext;
+};
+
+} // namespace
+
 RuleSetFiles ReadRuleSetFiles(const std::string& folder, const std::string& prefix)
 {
     const std::string start = folder + "/" + (prefix.empty() ? "" : prefix + "_");
@@ -24,6 +51,10 @@ RuleSet::RuleSet(const RuleSetFiles& setFiles, const std::string& setTag) : file
     solutions = ReadDescriptions(SectionKind::SOLUTIONS, SectionOf(SectionKind::SOLUTIONS).tag);
     repairs = ReadDescriptions(SectionKind::REPAIR_DESCRIPTIONS, SectionOf(SectionKind::REPAIR_DESCRIPTIONS).tag);
     commonPart = ReadCommonPart(SectionOf(SectionKind::COMMON_PART).tag);
+    unread.Look(treeTag, WordsOfTreeTag());
+    for (const SectionKind kind : SECTION_KINDS) {
+        unread.Look(SectionOf(kind).tag, *WordsOfSectionTag(SectionName(kind)));
+    }
     for (std::size_t event = 0; event < trees.events.size(); ++event) {
         // Rule sets are mostly sorted by id: then the place at the end is the right one.
         eventsById.emplace_hint(eventsById.end(), trees.events[event].id, event);
@@ -33,20 +64,29 @@ RuleSet::RuleSet(const RuleSetFiles& setFiles, const std::string& setTag) : file
 
 void RuleSet::Link()
 {
+    NextFirst bindingsById(bindings.byId);
     for (TreeEvent& event : trees.events) {
-        event.binding = bindings.Find(event.id);
+        const std::size_t* const binding = bindingsById.Find(event.id);
+        event.binding = binding == nullptr ? nullptr : &bindings.all[*binding];
     }
+    NextFirst events(eventsById);
+    const auto eventOf = [&](std::string_view id) {
+        const std::size_t* const event = events.Find(id);
+        return event == nullptr ? nullptr : &trees.events[*event];
+    };
+    NextFirst rulesByName(rules.byName);
     for (Binding& binding : bindings.all) {
-        binding.event = FindEvent(binding.id);
+        binding.event = eventOf(binding.id);
         for (BindingAlternative& alternative : binding.alternatives) {
             for (RuleName& name : alternative.names) {
-                name.rule = rules.Find(name.name);
+                const Rule* const* const rule = rulesByName.Find(name.name);
+                name.rule = rule == nullptr ? nullptr : *rule;
             }
         }
     }
     for (Descriptions* section : {&faultDescriptions, &solutions, &repairs}) {
         for (DescriptionItem& item : section->items) {
-            item.event = FindEvent(item.id);
+            item.event = eventOf(item.id);
         }
     }
 }

@@ -13,6 +13,7 @@
 #include "diagnosis/rule_source/sections.h"
 #include "diagnosis/rule_source/source_file.h"
 #include "diagnosis/rule_source/trees.h"
+#include "diagnosis/rule_source/unread.h"
 
 namespace diagnosis::rule_source {
 
@@ -57,6 +58,9 @@ struct RuleSet {
     Descriptions solutions;
     Descriptions repairs;
     CommonPart commonPart;
+
+    /// What means nothing where it stands, below the tag's elements of both files.
+    Unread unread;
 
     /// An event of each id, the first in file order, as an index into trees.events.
     std::map<std::string_view, std::size_t> eventsById;

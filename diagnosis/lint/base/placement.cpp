@@ -1,9 +1,9 @@
 #include "diagnosis/lint/base/placement.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <map>
+#include <compare>
 #include <tuple>
+#include <unordered_map>
 
 #include "diagnosis/rule_source/source_place.h"
 #include "diagnosis/text/printable.h"
@@ -17,15 +17,14 @@ using rule_source::Element;
 using rule_source::SourceFile;
 using rule_source::SourcePlace;
 
-// Limit on names in a path, which every path below repeats.
+// Longer ones would be written again for everything below.
 constexpr std::size_t LONGEST_KEY = 80;
-// A file may be a single line with many findings.
+// A file may be one line with findings all over.
 constexpr std::size_t LONGEST_SOURCE = 4096;
 
 std::string_view IdTextOf(Element element)
 {
-    // Searches only the first children for an "ID", which usually comes first, as each child of a wide element would
-    // search again.
+    // Where there is an "ID", it stands in front: wide elements are not searched for each of their children.
     static constexpr int MOST_CHILDREN = 16;
     int looked = 0;
     for (const Element child : rule_source::Children(element)) {
@@ -44,24 +43,28 @@ std::string StepOf(Element element)
     return std::string(element.Name()) + (key.empty() ? "" : "[" + std::string(key.substr(0, LONGEST_KEY)) + "]");
 }
 
-/// Finds paths of elements of which many have one parent.
+/// Finds paths of elements of which many have the same ones above them.
 class PathMemory {
 public:
     std::string Of(Element element)
     {
-        if (!element || !element.Parent()) {
+        const Element parent = element.Parent();
+        if (!parent) {
             return "";
         }
-        if (!(element.Parent() == mParent)) {
-            mParent = element.Parent();
-            mPath = ElementPath(mParent);
-        }
-        return mPath + (mPath.empty() ? "" : "/") + StepOf(element);
+        const std::string& above = Remembered(parent);
+        return above + (above.empty() ? "" : "/") + StepOf(element);
     }
 
 private:
-    Element mParent;
-    std::string mPath;
+    // As deep as the XML library lets elements be nested.
+    const std::string& Remembered(Element element)
+    {
+        const auto known = mPaths.find(element);
+        return known != mPaths.end() ? known->second : mPaths.emplace(element, Of(element)).first->second;
+    }
+
+    std::unordered_map<Element, std::string> mPaths;
 };
 
 std::optional<SourcePlace> PlaceOf(const Reported& reported)
@@ -78,7 +81,7 @@ int Characters(std::string_view text)
         text.begin(), text.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
 }
 
-// Sets the column only if the place is on the finding's line, as nearly always.
+// Only where the place lies on the finding's line, as nearly all do.
 void SetColumn(const Reported& reported, Finding& finding)
 {
     const auto place = reported.element ? PlaceOf(reported) : std::nullopt;
@@ -139,25 +142,50 @@ void SetEdits(const Reported& reported, Finding& finding)
     }
 }
 
-// A number distinguishes equal findings.
-void SetFingerprints(std::vector<Finding>& findings)
+std::string Hexadecimal(std::uint64_t number)
 {
-    std::map<std::uint64_t, int> seen;
-    for (Finding& finding : findings) {
-        RunningHash hash;
-        // The name of the file without its folders: a rule set may be checked out anywhere.
-        const std::string file = finding.file.substr(finding.file.rfind('/') + 1);
-        for (const std::string& part : {std::string(finding.check->id), file, finding.element, finding.message}) {
-            hash = hash.Extended(part).Extended(std::string_view("\0", 1));
+    static constexpr char DIGITS[] = "0123456789abcdef";
+    std::string digits(16, '0');
+    for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit, number >>= 4U) {
+        *digit = DIGITS[number & 15U];
+    }
+    return digits;
+}
+
+// They stand in order of line: only those of one line are left to be put in order.
+void SortLines(std::vector<Finding>& findings)
+{
+    const auto isOfLine = [](const Finding& one, const Finding& other) {
+        return one.line == other.line && one.file == other.file;
+    };
+    for (auto begin = findings.begin(); begin != findings.end();) {
+        auto end = begin + 1;
+        while (end != findings.end() && isOfLine(*begin, *end)) {
+            ++end;
         }
-        hash = hash.Extended(std::to_string(seen[hash.Value()]++));
-        char digits[17];
-        std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(hash.Value()));
-        finding.fingerprint = digits;
+        std::sort(begin, end, IsBefore);
+        begin = end;
     }
 }
 
-Finding Placed(const Reported& reported, PathMemory& paths)
+// Equal findings are told apart by their number.
+void SetFingerprints(std::vector<Finding>& findings)
+{
+    std::unordered_map<std::uint64_t, int> seen;
+    seen.reserve(findings.size());
+    for (Finding& finding : findings) {
+        RunningHash hash;
+        // The name of the file without its folders: a rule set may be checked out anywhere.
+        const std::string_view file = std::string_view(finding.file).substr(finding.file.rfind('/') + 1);
+        for (const std::string_view part : {std::string_view(finding.check->id), file,
+                 std::string_view(finding.element), std::string_view(finding.message)}) {
+            hash = hash.Extended(part).Extended(std::string_view("\0", 1));
+        }
+        finding.fingerprint = Hexadecimal(hash.Extended(std::to_string(seen[hash.Value()]++)).Value());
+    }
+}
+
+Finding Placed(Reported& reported, PathMemory& paths)
 {
     Finding finding;
     finding.check = reported.check;
@@ -165,31 +193,38 @@ Finding Placed(const Reported& reported, PathMemory& paths)
     finding.line = reported.line;
     finding.source = reported.file->Line(reported.line).substr(0, LONGEST_SOURCE);
     finding.element = paths.Of(reported.element);
-    finding.message = reported.message;
-    finding.help = reported.details.help;
     SetColumn(reported, finding);
     SetEdits(reported, finding);
+    finding.message = std::move(reported.message);
+    finding.help = std::move(reported.details.help);
     return finding;
 }
 
-// Equal for what is about a file and so is found again for each of its tags.
-auto Identity(const Reported& reported)
+// By file and line; equal for what is about a file and so is found again for each of its tags.
+std::strong_ordering Compare(const Reported& one, const Reported& other)
 {
-    return std::make_tuple(std::string_view(reported.file->Path()), reported.line, std::string_view(reported.check->id),
-        std::hash<Element>()(reported.element), std::string_view(reported.message));
+    if (one.file != other.file) {
+        const auto byPath = one.file->Path() <=> other.file->Path();
+        return byPath != 0 ? byPath : one.file <=> other.file;
+    }
+    const auto rest = [](const Reported& reported) {
+        return std::make_tuple(
+            reported.line, reported.check, std::hash<Element>()(reported.element), std::string_view(reported.message));
+    };
+    return one.line != other.line ? one.line <=> other.line : rest(one) <=> rest(other);
 }
 
-// The distinct findings in order of line.
-std::vector<const Reported*> Distinct(const std::vector<Reported>& reported)
+// Each once, in order of line.
+std::vector<Reported*> Distinct(std::vector<Reported>& reported)
 {
-    std::vector<const Reported*> distinct;
+    std::vector<Reported*> distinct;
     distinct.reserve(reported.size());
-    for (const Reported& one : reported) {
+    for (Reported& one : reported) {
         distinct.push_back(&one);
     }
     std::sort(distinct.begin(), distinct.end(),
-        [](const Reported* one, const Reported* other) { return Identity(*one) < Identity(*other); });
-    const auto isSame = [](const Reported* one, const Reported* other) { return Identity(*one) == Identity(*other); };
+        [](const Reported* one, const Reported* other) { return Compare(*one, *other) < 0; });
+    const auto isSame = [](const Reported* one, const Reported* other) { return Compare(*one, *other) == 0; };
     distinct.erase(std::unique(distinct.begin(), distinct.end(), isSame), distinct.end());
     return distinct;
 }
@@ -209,22 +244,18 @@ bool IsBefore(const Finding& one, const Finding& other)
 
 std::string ElementPath(Element element)
 {
-    std::string path;
-    for (; element && element.Parent(); element = element.Parent()) {
-        path = StepOf(element) + (path.empty() ? "" : "/") + path;
-    }
-    return path;
+    return PathMemory().Of(element);
 }
 
-std::vector<Finding> PlaceFindings(const std::vector<Reported>& reported)
+std::vector<Finding> PlaceFindings(std::vector<Reported> reported)
 {
     std::vector<Finding> findings;
     findings.reserve(reported.size());
     PathMemory paths;
-    for (const Reported* one : Distinct(reported)) {
+    for (Reported* one : Distinct(reported)) {
         findings.push_back(Placed(*one, paths));
     }
-    std::sort(findings.begin(), findings.end(), IsBefore);
+    SortLines(findings);
     SetFingerprints(findings);
     return findings;
 }

@@ -9,12 +9,12 @@
 
 namespace diagnosis::lint {
 
-/// The path of names to an element, without the root: "EventRules/Laptop/Event[WORN]". Brackets contain its "name",
-/// "id" or "ID", which distinguishes it from its siblings.
+/// Where an element is by the names on the way to it, the root left out: "EventRules/Laptop/Event[WORN]". In brackets
+/// stands what tells it from its neighbours: its "name", "id" or "ID".
 std::string ElementPath(rule_source::Element element);
 
-/// Finds the place of each report in its file, sorts them, and removes duplicates.
-std::vector<Finding> PlaceFindings(const std::vector<Reported>& reported);
+/// Looks up where each reported thing stands in its file, and puts them in order; things reported twice stay once.
+std::vector<Finding> PlaceFindings(std::vector<Reported> reported);
 
 } // namespace diagnosis::lint
 

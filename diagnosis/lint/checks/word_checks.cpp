@@ -1,18 +1,12 @@
-#include <cstdint>
-#include <vector>
-
 #include "diagnosis/lint/base/near_names.h"
 #include "diagnosis/lint/base/report.h"
 #include "diagnosis/lint/base/subject.h"
 #include "diagnosis/lint/checks/checks.h"
-#include "diagnosis/rule_source/grammar.h"
 
 namespace diagnosis::lint {
 
 namespace {
 
-using rule_source::Attribute;
-using rule_source::Attributes;
 using rule_source::Children;
 using rule_source::ChildWord;
 using rule_source::Element;
@@ -21,41 +15,8 @@ using rule_source::RuleSet;
 using rule_source::SECTION_KINDS;
 using rule_source::SectionKind;
 using rule_source::SectionName;
-
-struct Place {
-    Element element;
-    const ElementWords* words;
-};
-
-/// Calls `onElement(element, words)` for the tag's elements and each element below them whose words are known, and
-/// `onChild(element, words, child, word)` for each of its children, `word` being null for an unknown one. No recursion:
-/// what is skipped may be nested as deep as the XML library goes.
-template <typename OnElement, typename OnChild>
-void Walk(const RuleSet& rules, OnElement onElement, OnChild onChild)
-{
-    std::vector<Place> open;
-    if (rules.treeTag) {
-        open.push_back({rules.treeTag, &rule_source::WordsOfTreeTag()});
-    }
-    for (const SectionKind kind : SECTION_KINDS) {
-        if (const Element tag = rules.SectionOf(kind).tag) {
-            open.push_back({tag, rule_source::WordsOfSectionTag(SectionName(kind))});
-        }
-    }
-    while (!open.empty()) {
-        const Place place = open.back();
-        open.pop_back();
-        onElement(place.element, *place.words);
-        for (const Element child : Children(place.element)) {
-            const ChildWord* const word = place.words->FindChild(child.Name());
-            onChild(place.element, *place.words, child, word);
-            const ElementWords* const words = word != nullptr ? word->words : place.words->others;
-            if (words != nullptr) {
-                open.push_back({child, words});
-            }
-        }
-    }
-}
+using rule_source::UnknownAttribute;
+using rule_source::UnknownChild;
 
 // ---- Elements that stand again. ----
 
@@ -83,23 +44,14 @@ void CheckRepeated(const Subject& subject, Report& report)
         }
         CheckRepeatedTag(rules.SectionOf(kind).tag, rules, report);
     }
-    std::uint64_t seen = 0; // a bit for each word of the element; none has more words than bits
-    Walk(rules, [&seen](Element, const ElementWords&) { seen = 0; },
-        [&](Element element, const ElementWords& words, Element child, const ChildWord* word) {
-            if (word == nullptr || !word->isSingle) {
-                return;
-            }
-            const std::uint64_t bit = std::uint64_t{1} << static_cast<unsigned int>(word - words.children.data());
-            if ((seen & bit) != 0) {
-                ReportAgain(child, Quoted(element.Name()), report);
-            }
-            seen |= bit;
-        });
+    for (const Element again : rules.unread.repeated) {
+        ReportAgain(again, Quoted(again.Parent().Name()), report);
+    }
 }
 
 // ---- Words that nobody knows. ----
 
-/// Finds near words for the first unknown ones only, as a file of unknown words would take for ever.
+/// Finds near words for the first unknown ones; a file in which nothing is known would take for ever.
 class WordHelp {
 public:
     std::string ForChild(std::string_view name, const ElementWords& words)
@@ -136,7 +88,7 @@ bool IsGate(std::string_view name)
     return name == "Or-Gate" || name == "And-Gate";
 }
 
-// True for an element that another check reports in more detail.
+// What another check tells, and tells better.
 bool IsToldElsewhere(Element child)
 {
     const Element parent = child.Parent();
@@ -149,30 +101,7 @@ bool IsToldElsewhere(Element child)
     return IsGate(name) || isFirstOfTest || isEntryOfAnother || (in == "alarmId" && name == "BeginFlag");
 }
 
-// In the tree file every element of a tag is a tree, and every child of a gate an event.
-void CheckChild(Element element, const ElementWords& words, Element child, WordHelp& help, Report& report)
-{
-    if (words.others == nullptr && !IsToldElsewhere(child)) {
-        report.Add(child, Quoted(child.Name()) + " in " + Quoted(element.Name()) + " is not read",
-            {.help = help.ForChild(child.Name(), words)});
-    }
-}
-
-void CheckAttributes(Element element, const ElementWords& words, WordHelp& help, Report& report)
-{
-    for (const Attribute attribute : Attributes(element)) {
-        const std::string_view name = attribute.Name();
-        const bool isToldElsewhere = name == "BeginFlag" && element.Name() == "SQLItem";
-        if (words.HasAttribute(name) || isToldElsewhere) {
-            continue;
-        }
-        const std::string near = help.ForAttribute(name, words);
-        report.Add(element, "the attribute " + Quoted(name) + " of " + Quoted(element.Name()) + " is not read",
-            {.attribute = attribute, .help = near, .fix = near.empty() ? FixOf::Removal() : FixOf()});
-    }
-}
-
-// The check of sections reports sections with similar names.
+// Sections whose names are nearly right are told by the check of sections.
 void CheckSections(const RuleSet& rules, Report& report)
 {
     NearNames sections;
@@ -190,13 +119,23 @@ void CheckWords(const Subject& subject, Report& report)
 {
     WordHelp help;
     CheckSections(subject.rules, report);
-    Walk(subject.rules,
-        [&](Element element, const ElementWords& words) { CheckAttributes(element, words, help, report); },
-        [&](Element element, const ElementWords& words, Element child, const ChildWord* word) {
-            if (word == nullptr) {
-                CheckChild(element, words, child, help, report);
-            }
-        });
+    for (const UnknownChild& child : subject.rules.unread.children) {
+        if (!IsToldElsewhere(child.element)) {
+            const std::string_view name = child.element.Name();
+            report.Add(child.element, Quoted(name) + " in " + Quoted(child.element.Parent().Name()) + " is not read",
+                {.help = help.ForChild(name, *child.words)});
+        }
+    }
+    for (const UnknownAttribute& unknown : subject.rules.unread.attributes) {
+        const std::string_view name = unknown.attribute.Name();
+        if (name == "BeginFlag" && unknown.element.Name() == "SQLItem") {
+            continue; // another check tells it better
+        }
+        const std::string near = help.ForAttribute(name, *unknown.words);
+        report.Add(unknown.element, "the attribute " + Quoted(name) + " of " + Quoted(unknown.element.Name())
+                + " is not read",
+            {.attribute = unknown.attribute, .help = near, .fix = near.empty() ? FixOf::Removal() : FixOf()});
+    }
 }
 
 constexpr Check CHECKS[] = {
