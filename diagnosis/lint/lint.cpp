@@ -22,7 +22,7 @@ bool IsWanted(const Check& check, const LintOptions& options)
         return false;
     }
     return check.kind == CheckClass::DEVICE ? !options.devices.empty()
-        : check.kind == CheckClass::HOST    ? options.counts != nullptr
+        : check.kind == CheckClass::HOST    ? options.counts != nullptr || !options.deviceRoot.empty()
                                             : true;
 }
 
@@ -41,7 +41,8 @@ void RunChecks(const RuleSetFiles& files, const std::string& tag, const LintOpti
 {
     const RuleSet rules(files, tag);
     PreparedQueries queries(rules);
-    const Subject subject{rules, queries, options.devices.empty() ? nullptr : &options.devices, options.counts};
+    const Subject subject{rules, queries, options.devices.empty() ? nullptr : &options.devices, options.counts,
+        options.deviceRoot};
     for (const Check* check : WantedChecks(options)) {
         report.Begin(*check);
         check->run(subject, report);

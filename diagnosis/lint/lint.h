@@ -22,8 +22,9 @@ struct LintOptions {
     std::set<std::string> only;
     /// Profiles of devices, without which checks of class DEVICE do not run.
     std::vector<DeviceProfile> devices;
-    /// What an event log holds, without which checks of class HOST do not run.
+    /// What an event log holds, and a folder with the files of a device: without either, checks of class HOST do not run.
     const EventCounts* counts = nullptr;
+    std::string deviceRoot;
 };
 
 /// What came of one rule set.

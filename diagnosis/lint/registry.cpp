@@ -15,7 +15,7 @@ std::vector<const Check*> MakeList()
              AlternativeChecks(), FilterChecks(), DeviceFilterChecks(), TimeChecks(), ComparisonChecks(),
              ConditionChecks(), ValueSetChecks(), AlarmChecks(), AlarmTestChecks(), CommandChecks(), SqlChecks(),
              QueryChecks(), FormulaChecks(), NodeChecks(), CommonPartChecks(), ThresholdChecks(),
-             ExternalDatabaseChecks(), DescriptionChecks(), CodeRuleChecks()}) {
+             ExternalDatabaseChecks(), DescriptionChecks(), CodeRuleChecks(), HostChecks()}) {
         for (const Check& check : group) {
             all.push_back(&check);
         }

@@ -15,7 +15,9 @@ constexpr char PAGE[] = ARBORIST_SOURCE_DIR "/docs/lint-checks.md";
 
 std::string Needs(const Check& check)
 {
-    return check.kind == CheckClass::DEVICE ? "`--device`" : check.kind == CheckClass::HOST ? "`--log`" : "";
+    return check.kind == CheckClass::DEVICE ? "`--device`" : check.kind != CheckClass::HOST ? ""
+        : std::string(check.finds).find("--log") != std::string::npos ? "`--log`"
+                                                                       : "`--device-root`";
 }
 
 // Words in quotes of messages are code on a page.

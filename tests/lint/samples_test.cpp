@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "diagnosis/lint/base/event_counts.h"
 #include "diagnosis/lint/device_profiles.h"
 #include "diagnosis/lint/lint.h"
 #include "diagnosis/lint/registry.h"
@@ -27,12 +28,32 @@ using testing::Not;
 // Samples are small on purpose, and have one code rule for all where they can: this is found in many of them.
 const std::set<std::string> FOUND_IN_MANY = {"A216", "A302", "A309", "A901", "A910"};
 
+// Lines "event rows" of a sample that is about an event log.
+std::map<std::int64_t, std::uint64_t> ReadCounts(const LintSample& sample)
+{
+    std::ifstream file(sample.folder + "/counts.txt");
+    std::map<std::int64_t, std::uint64_t> counts;
+    std::int64_t id = 0;
+    for (std::uint64_t rows = 0; file >> id >> rows;) {
+        counts[id] = rows;
+    }
+    return counts;
+}
+
 std::set<std::string> FoundIn(const LintSample& sample, const std::string& which)
 {
     diagnosis::lint::LintOptions options;
     std::string problem;
     if (std::filesystem::exists(sample.folder + "/device.json")) {
         options.devices = *diagnosis::lint::ReadDeviceProfiles(sample.folder + "/device.json", problem);
+    }
+    diagnosis::lint::EventCounts counts;
+    for (const auto& [id, rows] : ReadCounts(sample)) {
+        counts.Add(id, rows);
+        options.counts = &counts;
+    }
+    if (std::filesystem::exists(sample.folder + "/device")) {
+        options.deviceRoot = sample.folder + "/device";
     }
     std::set<std::string> found;
     for (const auto& finding : diagnosis::lint::LintFiles(sample.Files(which), options).findings) {

@@ -6,6 +6,7 @@
 #include <tinyxml2.h>
 
 #include "tests/support/case_name.h"
+#include "tests/support/event_log_builder.h"
 #include "tests/support/temp_dir.h"
 #include "tests/tools/command_bundle.h"
 #include "tests/tools/json_schema.h"
@@ -281,6 +282,33 @@ TEST_F(LintCommand, ShowsNoControlCharactersOfAFile)
 {
     Write(RuleFile("", "<codeRule name=\"\x1b[31m\"><detectInfo id=\"D\"/></codeRule>"));
     EXPECT_THAT(Lint({"rules"}).out, AllOf(HasSubstr("\\x1B[31m"), Not(HasSubstr("\x1b"))));
+}
+
+// ---- Data of a device. ----
+
+TEST_F(LintCommand, LooksForTheEventsOfRulesInALog)
+{
+    EventLogBuilder().Row({1700000000, 1001, "", ""}).WriteTo(mDir.Path("log.db"));
+    const std::string rule = "<alarmRule name=\"a\" detectScene=\"1\"><alarmId Eventid_Max=\"1001\"/>"
+                             "<alarmId Eventid_Min=\"1002\" Eventid_Max=\"1009\"/></alarmRule>";
+    Write(RuleFile(" detectScene=\"1\"", rule));
+    EXPECT_EQ(Lint({"rules", "--only", "A515"}).out, "no findings\n");
+    EXPECT_THAT(Lint({"rules", "--only", "A515", "--log", "log.db", "--format", "short"}).out,
+        AllOf(HasSubstr("info: the log has no row of the events 1002 to 1009, which the rule \"a\" counts [A515]\n"),
+            Not(HasSubstr("1001"))));
+    EXPECT_EQ(Lint({"rules", "--log", "none.db"}).status, 2);
+}
+
+TEST_F(LintCommand, LooksForNodeFilesBelowTheRootOfADevice)
+{
+    mDir.Write("device/sys/capacity", "80");
+    const std::string rule = "<nodeRule name=\"n\" detectScene=\"1\"><nodeInfo param=\"a\" path=\"/sys/capacity\"/>"
+                             "<nodeInfo param=\"b\" path=\"/sys/capactiy\"/></nodeRule>";
+    Write(RuleFile(" detectScene=\"1\"", rule));
+    EXPECT_EQ(Lint({"rules", "--only", "A714"}).out, "no findings\n");
+    EXPECT_THAT(Lint({"rules", "--only", "A714", "--device-root", "device", "--format", "short"}).out,
+        AllOf(HasSubstr("warning: the device has no file \"/sys/capactiy\", which the rule \"n\" reads [A714]\n"),
+            Not(HasSubstr("capacity\""))));
 }
 
 // ---- Fixes. ----

@@ -17,7 +17,6 @@ struct DeviceProfile {
     std::vector<int> scenes;
 };
 
-/// How many rows of each event a log holds, for checks of class HOST.
 class EventCounts;
 
 /// What SQLite says of the queries of command rules, for checks of class SQL.
@@ -30,6 +29,8 @@ struct Subject {
     /// Null where none were given.
     const std::vector<DeviceProfile>* devices = nullptr;
     const EventCounts* counts = nullptr;
+    /// Folder that stands for the root of a device; empty where none was given.
+    std::string deviceRoot = {};
 };
 
 } // namespace diagnosis::lint

@@ -33,6 +33,7 @@ std::span<const Check> ThresholdChecks();
 std::span<const Check> ExternalDatabaseChecks();
 std::span<const Check> DescriptionChecks();
 std::span<const Check> CodeRuleChecks();
+std::span<const Check> HostChecks();
 
 } // namespace diagnosis::lint
 

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <memory>
 
+#include "diagnosis/lint/base/event_counts.h"
 #include "diagnosis/lint/baseline.h"
 #include "diagnosis/lint/config.h"
 #include "diagnosis/lint/device_profiles.h"
@@ -11,6 +12,7 @@
 #include "diagnosis/lint/lint.h"
 #include "diagnosis/lint/output/formats.h"
 #include "diagnosis/lint/registry.h"
+#include "diagnosis/log_db/inspect_log.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/shared_options.h"
 #include "tools/arborist/render/lint_text.h"
@@ -28,6 +30,8 @@ struct LintCommandOptions {
     std::vector<std::string> disable;
     std::vector<std::string> only;
     std::vector<std::string> devices;
+    std::string log;
+    std::string deviceRoot;
     std::string config;
     std::string failLevel;
     std::string baseline;
@@ -74,10 +78,24 @@ bool TakeConfig(LintCommandOptions& options, std::string& problem)
     return true;
 }
 
+bool ReadCounts(const std::string& log, lint::EventCounts& counts, std::string& problem)
+{
+    LogInspection inspection;
+    if (const auto failure = InspectEventLog(log, inspection)) {
+        problem = failure->message;
+        return false;
+    }
+    for (const LoggedId& event : inspection.ids) {
+        counts.Add(event.id, event.rows);
+    }
+    return true;
+}
+
 bool MakeOptions(const LintCommandOptions& given, lint::LintOptions& options, std::string& problem)
 {
     options.tags = given.tags;
     options.prefix = given.prefix;
+    options.deviceRoot = given.deviceRoot;
     options.disabled.insert(given.disable.begin(), given.disable.end());
     options.only.insert(given.only.begin(), given.only.end());
     for (const auto* ids : {&given.disable, &given.only}) {
@@ -277,9 +295,12 @@ ExitStatus Lint(LintCommandOptions given)
     }
     std::string problem;
     lint::LintOptions options;
-    if (!TakeConfig(given, problem) || !MakeOptions(given, options, problem)) {
+    lint::EventCounts counts;
+    if (!TakeConfig(given, problem) || !MakeOptions(given, options, problem)
+        || (!given.log.empty() && !ReadCounts(given.log, counts, problem))) {
         return WrongUse(problem);
     }
+    options.counts = given.log.empty() ? nullptr : &counts;
     return LintAll(given, options);
 }
 
@@ -292,6 +313,9 @@ void AddSelection(Command app, LintCommandOptions& options)
     app.Add("--only", options.only, "Run this check alone; several as for --disable")
         .Takes("ID").SplitAt(',');
     app.Add("--device", options.devices, "Profiles of devices, for checks that need them").Takes("FILE");
+    app.Add("--log", options.log, "An event log, for checks that look at what devices log").Takes("LOG.DB");
+    app.Add("--device-root", options.deviceRoot, "A folder with the files of a device, for checks that look at them")
+        .Takes("DIR");
     app.Add("--config", options.config, "Read options from a file of JSON").Takes("FILE");
     app.Add("--stdin-filename", options.stdinFile, "What the text of standard input is, for -")
         .Takes("FILE");

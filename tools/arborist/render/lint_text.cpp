@@ -77,7 +77,7 @@ std::string FindingText(const Finding& finding, bool withNote, const Colour& col
 
 std::string Needs(CheckClass kind)
 {
-    return kind == CheckClass::DEVICE ? "  (with --device)" : kind == CheckClass::HOST ? "  (with --log)" : "";
+    return kind == CheckClass::DEVICE ? "  (with --device)" : kind == CheckClass::HOST ? "  (with --log or --device-root)" : "";
 }
 
 std::string Paragraph(const std::string& text, const std::string& indent)
