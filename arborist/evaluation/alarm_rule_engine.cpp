@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
 #include <system_error>
 #include <utility>
 
@@ -51,6 +52,7 @@ void NoteReached(Evidence::WindowCount& count, const EventRows& rows, std::int64
         count.reached = reached;
         count.reachedById = rows.GetEventId();
         count.measure = measure;
+        count.lastIdDecides = false;
     }
 }
 
@@ -187,6 +189,7 @@ bool AlarmRuleEngine::IsRuleHitBySettingTime(const AlarmItem& item, std::size_t 
     const Measure measure = timeType == TimeSet::DAILY_PEAK ? Measure::DAILY_PEAK : Measure::PERIOD;
     const bool isHit = item->type == PARAM_EVENT_ID ? IsWithParamTestChecked(*item, *timeSet, window)
                                                     : IsAnyIdHit(measure, {}, window);
+    NoteRowsBeforeStart(window);
     const Reason miss = mIsLogReadable ? window.miss : Reason::LOG_UNAVAILABLE;
     return CloseWindow(window, isHit ? Reason::WINDOW_REACHED : miss, isHit);
 }
@@ -231,6 +234,8 @@ bool AlarmRuleEngine::IsHitForSingleTypeTestChecked(
 bool AlarmRuleEngine::IsHitForMultipleTypeTestChecked(
     const OrLogic& orLogic, const AlarmRule::AlarmItem& item, Window& window)
 {
+    const Evidence::WindowCount earlier = window.count;
+    std::uint64_t leastOfLastId = std::numeric_limits<std::uint64_t>::max();
     TestList tests;
     for (const std::shared_ptr<OrLogic::LogicItem>& logicItem : orLogic.GetLogicItemList()) {
         std::optional<TestPara> para = GetAndLogicParamItem(logicItem, item.params);
@@ -239,8 +244,13 @@ bool AlarmRuleEngine::IsHitForMultipleTypeTestChecked(
         }
         tests.push_back(std::make_shared<MemberTest>(*this, std::move(*para)));
         if (window.timeType != TimeSet::DURATION) {
-            logicItem->SetResult(IsLastIdHit(tests.back(), window));
+            std::uint64_t passed = 0;
+            logicItem->SetResult(IsLastIdHit(tests.back(), window, passed));
+            leastOfLastId = std::min(leastOfLastId, passed);
         }
+    }
+    if (window.timeType != TimeSet::DURATION && !tests.empty()) {
+        NoteLastId(window, earlier, leastOfLastId);
     }
     return window.timeType == TimeSet::DURATION ? IsAnyIdHit(Measure::ALL_TESTS, tests, window)
                                                 : orLogic.CheckAndListResult();
@@ -275,16 +285,35 @@ bool AlarmRuleEngine::IsAnyIdHit(Measure measure, const TestList& tests, Window&
     return isHit;
 }
 
-bool AlarmRuleEngine::IsLastIdHit(const std::shared_ptr<const MemberTest>& test, Window& window)
+bool AlarmRuleEngine::IsLastIdHit(
+    const std::shared_ptr<const MemberTest>& test, Window& window, std::uint64_t& passed)
 {
     // Visit all ids, as each logs its lines; an id without rows is no hit.
     bool isHit = false;
     const TestList tests{test};
     VisitIds(tests, window, [&](const EventRows& rows) {
-        isHit = IsHit(Measure::PERIOD, rows, tests, window) && rows.GetEventId() == window.ids.last;
+        const std::uint64_t passedByOthers = window.tallies.front().passed;
+        const bool isLast = rows.GetEventId() == window.ids.last;
+        isHit = IsHit(Measure::PERIOD, rows, tests, window) && isLast;
+        passed = isLast ? window.tallies.front().passed - passedByOthers : 0;
         return false;
     });
+    if (window.record != nullptr) {
+        window.record->tests.back().rowsPassedByLastId = passed;
+    }
     return isHit;
+}
+
+// Of the tests of a condition the one that the last id passes least decides; of several conditions the best counts.
+void AlarmRuleEngine::NoteLastId(Window& window, const Evidence::WindowCount& earlier, std::uint64_t passed)
+{
+    Evidence::WindowCount& count = window.count;
+    const auto reached = static_cast<std::int64_t>(passed);
+    const bool isBest = earlier.reachedById == 0 || reached > earlier.reached;
+    count.reached = isBest ? reached : earlier.reached;
+    count.reachedById = isBest ? window.ids.last : earlier.reachedById;
+    count.measure = isBest ? Evidence::Measure::ROWS : earlier.measure;
+    count.lastIdDecides = isBest || earlier.lastIdDecides;
 }
 
 void AlarmRuleEngine::VisitIds(const TestList& tests, Window& window, const RowsVisitor& visitor)
@@ -413,6 +442,17 @@ bool AlarmRuleEngine::IsFaultForPeriodWithParam(const EventRows& rows, std::size
     window.rowsFailed += rows.GetCount() - tested;
     NoteReached(window.count, rows, count, Evidence::Measure::ROWS);
     return count >= window.threshold;
+}
+
+// Counts what a reset, an update or a repair cut off, for whoever listens.
+void AlarmRuleEngine::NoteRowsBeforeStart(Window& window) const
+{
+    const bool isCounted = window.conditionsCounted > 0 && mIsLogReadable;
+    if (window.record == nullptr || !isCounted || window.record->start->floor == Evidence::Floor::PERIOD) {
+        return;
+    }
+    window.count.rowsBeforeStart = mEventStore->CountRows(
+        window.ids.first, window.ids.last, window.record->start->period.seconds, window.start);
 }
 
 Evidence::Window* AlarmRuleEngine::AddRecord(std::size_t itemNumber, const IdRange& ids, const char* kind) const

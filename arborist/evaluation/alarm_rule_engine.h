@@ -94,7 +94,9 @@ private:
         const std::shared_ptr<OrLogic::LogicItem>& logicItem, const ParamMap& params);
 
     bool IsAnyIdHit(Measure measure, const TestList& tests, Window& window);
-    bool IsLastIdHit(const std::shared_ptr<const MemberTest>& test, Window& window);
+    // `passed` receives the number of rows of the last id that pass the test.
+    bool IsLastIdHit(const std::shared_ptr<const MemberTest>& test, Window& window, std::uint64_t& passed);
+    static void NoteLastId(Window& window, const Evidence::WindowCount& earlier, std::uint64_t passed);
     void VisitIds(const TestList& tests, Window& window, const RowsVisitor& visitor);
     void CloseCount(const TestList& tests, Window& window) const;
     bool IsHit(Measure measure, const EventRows& rows, const TestList& tests, Window& window);
@@ -103,6 +105,7 @@ private:
     bool IsFaultForDaily(const EventRows& rows, bool isTested, Window& window);
     bool IsFaultForPeriodWithParam(const EventRows& rows, std::size_t testCount, Window& window);
     static void CountTested(Window& window, std::size_t test, std::uint64_t tested, std::uint64_t passed);
+    void NoteRowsBeforeStart(Window& window) const;
     Evidence::Window* AddRecord(std::size_t itemNumber, const IdRange& ids, const char* kind) const;
     bool CloseWindow(const Window& window, Evidence::Reason reason, bool isHit);
 

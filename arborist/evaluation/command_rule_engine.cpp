@@ -25,6 +25,21 @@ bool IsThresholdSource(const std::string& type)
     return type == DYNAMIC_TYPE || type == SYSTEM_PARAM_TYPE || type == STATIC_TYPE;
 }
 
+Evidence::MissingCopies MissingCopiesOf(const DefDbTableBean& bean)
+{
+    Evidence::MissingCopies missing{bean.GetNoCopy(), {}, bean.GetDbName()};
+    if (missing.cause != Evidence::NoCopy::FOLDER_MISSING) {
+        missing.folders = {bean.GetSearchedFolder()};
+        return missing;
+    }
+    for (const auto& path : bean.GetDbPathList()) {
+        if (path != nullptr && !path->GetPathValue().empty()) {
+            missing.folders.push_back(path->GetPathValue());
+        }
+    }
+    return missing;
+}
+
 } // namespace
 
 CommandRuleEngine::CommandRuleEngine(std::shared_ptr<CommonPart> commonPart, std::shared_ptr<RuleHelper> ruleHelper)
@@ -189,6 +204,9 @@ bool CommandRuleEngine::IsFaultInReference(const CommandRule& rule, const Query&
     }
     if (auto* const command = GetPart<Evidence::Command>()) {
         command->hits = {rule.referenceDefDb->defDBName, paths.size(), hits, neededHits};
+        if (paths.empty() && bean->GetNoCopy() != Evidence::NoCopy::NONE) {
+            command->hits->missingCopies = MissingCopiesOf(*bean);
+        }
     }
     return hits >= neededHits ? Decide(Reason::HITS_REACHED, true) : Decide(Reason::HITS_SHORT, false);
 }

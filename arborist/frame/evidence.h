@@ -68,6 +68,8 @@ struct Test {
     std::string value;
     std::uint64_t rowsTested = 0;
     std::uint64_t rowsPassed = 0;
+    /// Of these, the rows of the last id of the range; nothing where other ids decide, too.
+    std::optional<std::uint64_t> rowsPassedByLastId = std::nullopt;
 
     ARBORIST_COMPARABLE(Test)
 };
@@ -79,11 +81,18 @@ struct WindowCount {
     std::uint64_t rowsFound = 0;
     std::uint64_t rowsOfOtherVersion = 0;
     std::uint64_t rowsFailedTest = 0;
-    /// The largest count, weight or daily peak of an id, and that id; both 0 without rows.
+    /// The largest count, weight or daily peak of an id, and that id; both 0 without rows. See
+    /// lastIdDecides.
     std::int64_t reached = 0;
     std::int64_t reachedById = 0;
     /// What `reached` is; NONE if no row was counted.
     Measure measure = Measure::NONE;
+    /// Only the last id of the range decides: `reached` is its count under the test that it passes least, 0 without
+    /// rows. So it is where a condition has several tests and the window is no "duration".
+    bool lastIdDecides = false;
+    /// Rows of the whole range, of any version, that lie in the period but before the start, which a reset, an update
+    /// or a repair moved. Nothing where the period set the start, and for a damaged log, which can't tell.
+    std::optional<std::uint64_t> rowsBeforeStart = std::nullopt;
 
     ARBORIST_COMPARABLE(WindowCount)
 };
@@ -183,6 +192,17 @@ struct Statement {
     ARBORIST_COMPARABLE(Statement)
 };
 
+/// Why there is no copy of the databases of one kind.
+struct MissingCopies {
+    NoCopy cause = NoCopy::NONE;
+    /// The folder that was searched, as the rule set names it; with FOLDER_MISSING all that it names.
+    std::vector<std::string> folders;
+    /// The regular expression for the paths of the files.
+    std::string pattern;
+
+    ARBORIST_COMPARABLE(MissingCopies)
+};
+
 /// The number of databases of one kind ("defDBTable") in which a command rule found its fault.
 struct Hits {
     std::string name;
@@ -190,6 +210,8 @@ struct Hits {
     std::int64_t hits = 0;
     /// The number of hits at which the rule fires; with 0 or less it needs none.
     std::int64_t needed = 0;
+    /// Where there are no databases.
+    std::optional<MissingCopies> missingCopies = std::nullopt;
 
     /// How many hits are missing; 0 if there are enough.
     std::int64_t Missing() const { return hits < needed ? needed - hits : 0; }

@@ -143,6 +143,25 @@ const char* Evidence::StateText(EventState state)
     return "";
 }
 
+const char* Evidence::NoCopyText(NoCopy cause)
+{
+    switch (cause) {
+    case NoCopy::NONE:
+        return "";
+    case NoCopy::FOLDER_MISSING:
+        return "folder_missing";
+    case NoCopy::FOLDER_EMPTY:
+        return "folder_empty";
+    case NoCopy::NO_MATCH:
+        return "no_match";
+    case NoCopy::SETTING_EMPTY:
+        return "setting_empty";
+    case NoCopy::NOT_COPIED:
+        return "not_copied";
+    }
+    return "";
+}
+
 const char* Evidence::MeasureText(Measure measure)
 {
     switch (measure) {

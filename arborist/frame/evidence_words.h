@@ -76,6 +76,16 @@ enum class EventState {
 /// its best day.
 enum class Measure { NONE, ROWS, WEIGHTS, DAILY_ROWS, DAILY_WEIGHTS };
 
+/// Why a rule on copied databases has none to ask.
+enum class NoCopy {
+    NONE, ///< there are some, or nobody looked
+    FOLDER_MISSING, ///< no folder to search is named, or none of those that are exists
+    FOLDER_EMPTY, ///< no file lies below the folder
+    NO_MATCH, ///< there are files, and the pattern matches none of them
+    SETTING_EMPTY, ///< files match, and the setting for the folder of the copies is empty
+    NOT_COPIED, ///< files match, and none could be copied, or the archives hold none that matches
+};
+
 enum class EventType { BASIC, INTERMEDIATE, UNDEVELOPED };
 enum class GateType { NONE, OR, AND };
 enum class RuleSetFileType { TREES, RULES };
@@ -91,6 +101,8 @@ ARBORIST_EXPORT const char* VerdictText(Verdict verdict);
 ARBORIST_EXPORT const char* FloorText(Floor floor);
 /// "rows", "weights", "daily_rows", "daily_weights"; empty for NONE.
 ARBORIST_EXPORT const char* MeasureText(Measure measure);
+/// "folder_missing", "folder_empty", "no_match", "setting_empty", "not_copied"; empty for NONE.
+ARBORIST_EXPORT const char* NoCopyText(NoCopy cause);
 /// "TRUE", "FALSE", "INTERMEDIATE_TRUE" or "UNKNOWN".
 ARBORIST_EXPORT const char* StateText(EventState state);
 

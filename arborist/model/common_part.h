@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "arborist/frame/evidence_words.h"
 #include "arborist/model/condition.h"
 
 /// System parameters, the thresholds that depend on them, and the events from which a derived table is built.
@@ -169,6 +170,14 @@ public:
     /// Paths of the copies that were made, which rules query. Written while a detection is prepared.
     const std::vector<std::string>& GetCopyDbFileList() const { return copyDbFileList; }
     void SetCopyDbFileList(const std::vector<std::string>& files) { copyDbFileList = files; }
+    /// Why the last attempt to copy made no copy, and the folder that it searched; empty if there is none to search.
+    Evidence::NoCopy GetNoCopy() const { return noCopy; }
+    const std::string& GetSearchedFolder() const { return searchedFolder; }
+    void SetNoCopy(Evidence::NoCopy cause, const std::string& folder)
+    {
+        noCopy = cause;
+        searchedFolder = folder;
+    }
 
 private:
     std::string name;
@@ -178,6 +187,8 @@ private:
     std::string dbName;
     CreateTableList createTableList;
     std::vector<std::string> copyDbFileList;
+    Evidence::NoCopy noCopy = Evidence::NoCopy::NONE;
+    std::string searchedFolder;
 };
 
 /// The data that the rules of one tree tag share. SetThreshold chooses thresholds by the device's attributes.

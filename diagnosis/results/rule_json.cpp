@@ -41,6 +41,9 @@ void WriteTest(JsonWriter& json, const Evidence::Test& test)
     json.Text("value", test.value);
     WriteCount(json, "rowsTested", test.rowsTested);
     WriteCount(json, "rowsPassed", test.rowsPassed);
+    if (test.rowsPassedByLastId) {
+        WriteCount(json, "rowsPassedByLastId", *test.rowsPassedByLastId);
+    }
     json.EndObject();
 }
 
@@ -57,11 +60,15 @@ void WriteWindow(JsonWriter& json, const Evidence::Window& window)
         WriteStart(json, *window.start);
         json.Bool("versionFilter", window.versionFilter);
         WriteCount(json, "rowsFound", window.count.rowsFound);
+        if (window.count.rowsBeforeStart) {
+            WriteCount(json, "rowsBeforeStart", *window.count.rowsBeforeStart);
+        }
         WriteCount(json, "rowsOfOtherVersion", window.count.rowsOfOtherVersion);
         WriteCount(json, "rowsFailedTest", window.count.rowsFailedTest);
         WriteNumber(json, "reached", window.count.reached);
         WriteNumber(json, "reachedById", window.count.reachedById);
         json.Text("measure", Evidence::MeasureText(window.count.measure));
+        json.Bool("lastIdDecides", window.count.lastIdDecides);
         WriteNumber(json, "threshold", window.threshold);
         WriteNumber(json, "missing", window.Missing());
         json.Key("tests").BeginArray();
@@ -108,6 +115,12 @@ void WriteStatement(JsonWriter& json, const Evidence::Statement& statement)
     json.EndObject();
 }
 
+void WriteMissingCopies(JsonWriter& json, const Evidence::MissingCopies& missing)
+{
+    json.Key("missingCopies").BeginObject().Text("cause", Evidence::NoCopyText(missing.cause));
+    json.Key("folders").Texts(missing.folders).Text("pattern", missing.pattern).EndObject();
+}
+
 // Writes the part of each family; leaves out members that the reason leaves empty.
 class PartJson {
 public:
@@ -144,6 +157,9 @@ public:
             WriteNumber(mJson, "hits", command.hits->hits);
             WriteNumber(mJson, "needed", command.hits->needed);
             WriteNumber(mJson, "missing", command.hits->Missing());
+            if (command.hits->missingCopies) {
+                WriteMissingCopies(mJson, *command.hits->missingCopies);
+            }
             mJson.EndObject();
         }
     }

@@ -126,6 +126,10 @@ std::string CountText(const Evidence::Window& window)
 {
     const Evidence::WindowCount& count = window.count;
     std::string text = Number(count.rowsFound, "row", "rows");
+    if (count.rowsBeforeStart.value_or(0) > 0) {
+        text += ", " + std::to_string(*count.rowsBeforeStart) + " more cut off by the "
+            + Evidence::FloorText(window.start->floor);
+    }
     if (count.rowsOfOtherVersion > 0) {
         text += ", " + std::to_string(count.rowsOfOtherVersion) + " of another version";
     }
@@ -137,7 +141,10 @@ std::string CountText(const Evidence::Window& window)
         text += " by id " + std::to_string(count.reachedById);
     }
     text += " of " + WantedText(window);
-    return window.Missing() == 0 ? text : text + ", " + std::to_string(window.Missing()) + " missing";
+    if (window.Missing() != 0) {
+        text += ", " + std::to_string(window.Missing()) + " missing";
+    }
+    return text + (count.lastIdDecides && window.firstId != window.lastId ? "; the last id alone decides" : "");
 }
 
 std::string WindowText(const Evidence::Window& window)
@@ -157,7 +164,8 @@ std::string TestText(const Evidence::Test& test)
     return "  test " + Cut(test.key, LONGEST_VALUE) + " " + Sign(test.logic) + " "
         + ComparedValue(test.value, test.type)
         + InParentheses(Printable(test.type)) + ": " + std::to_string(test.rowsPassed) + " of "
-        + Number(test.rowsTested, "row passes", "rows pass");
+        + Number(test.rowsTested, "row passes", "rows pass")
+        + (test.rowsPassedByLastId ? ", " + std::to_string(*test.rowsPassedByLastId) + " of the last id" : "");
 }
 
 // "static", or the place in the common part that the threshold comes from.
@@ -314,11 +322,41 @@ std::string BadNameText(const Evidence::Rule& rule)
     return "the rule names " + Quoted(*rule.badName);
 }
 
+std::string FoldersText(const std::vector<std::string>& folders)
+{
+    std::string text;
+    for (const std::string& folder : folders) {
+        text += (text.empty() ? "" : ", ") + Cut(folder, LONGEST_VALUE);
+    }
+    return text;
+}
+
+// The sentence for copies that are not there.
+std::string MissingCopiesText(const Evidence::MissingCopies& missing)
+{
+    using Evidence::NoCopy;
+    const std::string folders = FoldersText(missing.folders);
+    switch (missing.cause) {
+    case NoCopy::FOLDER_MISSING:
+        return folders.empty() ? "the rule set names no folder to search"
+                               : "no folder to search is there (" + folders + ")";
+    case NoCopy::FOLDER_EMPTY:
+        return "no file lies below " + folders;
+    case NoCopy::NO_MATCH:
+        return "no file below " + folders + " matches the pattern " + Quoted(missing.pattern);
+    case NoCopy::SETTING_EMPTY:
+        return "the setting AppDatabaseDir is empty";
+    default:
+        return "nothing could be copied of what matches below " + folders;
+    }
+}
+
 std::string HitsText(const Evidence::Hits& hits)
 {
     return "hits in " + std::to_string(hits.hits) + " of " + Number(hits.databases, "database", "databases")
         + InParentheses(Cut(hits.name, LONGEST_VALUE)) + ", " + std::to_string(hits.needed) + " needed"
-        + (hits.Missing() == 0 ? "" : ", " + std::to_string(hits.Missing()) + " missing");
+        + (hits.Missing() == 0 ? "" : ", " + std::to_string(hits.Missing()) + " missing")
+        + (hits.missingCopies ? "; " + MissingCopiesText(*hits.missingCopies) : "");
 }
 
 // Appends the lines of the part of each family.

@@ -457,7 +457,7 @@ TEST_F(AlarmRuleEngineTest, WhetherRowsOrWeightsWereCountedAndOfOneDayIsNoted)
     }
     EXPECT_THAT(reached, ElementsAre("reached 1 rows by 7", "reached 1 daily_rows by 7",
         "reached 5 daily_weights by " + dmd, "reached 5 weights by " + dmd, "reached 1 daily_rows by " + dmd,
-        "reached 1 rows by " + dmd, "reached 1 rows by " + dmd, "reached 0 by 0"));
+        "reached 1 rows by " + dmd, "reached 1 rows by last id " + dmd, "reached 0 by 0"));
 }
 
 TEST_F(AlarmRuleEngineTest, EachTestIsNotedAgainstTheRowsThatPassedThoseBefore)
@@ -475,7 +475,7 @@ TEST_F(AlarmRuleEngineTest, SeparateTestsAreNotedEachAgainstAllRows)
     EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").Multiple({{"p", "eq", "5"}, {"p", "eq", "8"}})
         .Latest(1, 1)));
     EXPECT_THAT(EvidenceLines(mRecord, "test"), ElementsAre(
-        "test a int eq '5' passed 1 of 2", "test a int eq '8' passed 0 of 2"));
+        "test a int eq '5' passed 1 of 2 last id 1", "test a int eq '8' passed 0 of 2 last id 0"));
 }
 
 } // namespace

@@ -370,6 +370,23 @@ TEST_F(CommandRuleEngineTest, HowManyHitsThereAreAndMustBeIsNoted)
     EXPECT_THAT(EvidenceLines(mRecord, "hits"), ElementsAre("hits 0 of 1 Copies needed 1"));
 }
 
+TEST_F(CommandRuleEngineTest, WhyThereIsNoCopyIsNoted)
+{
+    mEngine.SetRecord(&mRecord);
+    Refer("countDB", "2", {});
+    mTable->SetDbName(".*x");
+    mTable->SetDbPathList(TableBeanOf("", {"/one", "", "/two"}, "")->GetDbPathList());
+    mTable->SetNoCopy(Evidence::NoCopy::FOLDER_MISSING, "");
+    Fires();
+    EXPECT_THAT(EvidenceLines(mRecord, "missing"), ElementsAre("missing folder_missing '.*x' /one, /two"));
+    mTable->SetNoCopy(Evidence::NoCopy::NO_MATCH, "/two");
+    Fires();
+    EXPECT_THAT(EvidenceLines(mRecord, "missing"), ElementsAre("missing no_match '.*x' /two"));
+    Refer("countDB", "2", {5});
+    Fires();
+    EXPECT_THAT(EvidenceLines(mRecord, "missing"), ElementsAre()) << "there is a copy, whatever was told before";
+}
+
 TEST_F(CommandRuleEngineTest, TheNameThatLeadsNowhereIsNoted)
 {
     mEngine.SetRecord(&mRecord);

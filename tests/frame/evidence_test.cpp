@@ -37,6 +37,8 @@ TEST(EvidenceWordsTest, OtherWordsAreThoseOfResults)
     EXPECT_STREQ(Evidence::StateText(Evidence::EventState::INTERMEDIATE_PRESENT), "INTERMEDIATE_TRUE");
     EXPECT_STREQ(Evidence::StateText(Evidence::EventState::UNKNOWN), "UNKNOWN");
     EXPECT_STREQ(Evidence::MeasureText(Evidence::Measure::DAILY_WEIGHTS), "daily_weights");
+    EXPECT_STREQ(Evidence::NoCopyText(Evidence::NoCopy::NONE), "");
+    EXPECT_STREQ(Evidence::NoCopyText(Evidence::NoCopy::SETTING_EMPTY), "setting_empty");
     EXPECT_STREQ(Evidence::TypeText(Evidence::EventType::UNDEVELOPED), "undeveloped");
     EXPECT_STREQ(Evidence::GateText(Evidence::GateType::NONE), "");
 }

@@ -23,7 +23,8 @@ void Append(const Evidence::Window& window, Lines& lines)
     }
     for (const Evidence::Test& test : window.tests) {
         lines.push_back(Line("test ", test.key, ' ', test.type, ' ', test.logic, " '", test.value, "' passed ",
-            test.rowsPassed, " of ", test.rowsTested));
+            test.rowsPassed, " of ", test.rowsTested,
+            test.rowsPassedByLastId ? Line(" last id ", *test.rowsPassedByLastId) : ""));
     }
     const Evidence::WindowCount& count = window.count;
     const std::string measure = Evidence::MeasureText(count.measure);
@@ -31,7 +32,8 @@ void Append(const Evidence::Window& window, Lines& lines)
         " days ", window.periodDays, " threshold ", window.threshold, " since ",
         window.start ? window.start->start.seconds : 0, window.versionFilter ? " by version" : "", " rows ",
         count.rowsFound, " other version ", count.rowsOfOtherVersion, " failed ", count.rowsFailedTest, " reached ",
-        count.reached, measure.empty() ? "" : " ", measure, " by ", count.reachedById, window.hit ? " hit" : " miss",
+        count.reached, measure.empty() ? "" : " ", measure, " by ", count.lastIdDecides ? "last id " : "",
+        count.reachedById, count.rowsBeforeStart ? Line(" before start ", *count.rowsBeforeStart) : "", window.hit ? " hit" : " miss",
         WhyText(window.reason)));
 }
 
@@ -79,6 +81,14 @@ struct AppendPart {
         if (const auto& hits = command.hits) {
             lines.push_back(
                 Line("hits ", hits->hits, " of ", hits->databases, ' ', hits->name, " needed ", hits->needed));
+            if (const auto& missing = hits->missingCopies) {
+                std::string folders;
+                for (const std::string& folder : missing->folders) {
+                    folders += (folders.empty() ? " " : ", ") + folder;
+                }
+                lines.push_back(
+                    Line("missing ", Evidence::NoCopyText(missing->cause), " '", missing->pattern, '\'', folders));
+            }
         }
     }
 

@@ -119,13 +119,16 @@ void CommonPartDbHelper::CopyDbAndCreateTable(const std::shared_ptr<CommonPart>&
         if (bean == nullptr) {
             continue;
         }
+        bean->SetNoCopy(Evidence::NoCopy::FOLDER_MISSING, "");
         for (const auto& dbPath : bean->GetDbPathList()) {
             const std::string path = dbPath == nullptr ? "" : DevicePaths::OnDevice(dbPath->GetPathValue());
             if (path.empty() || !FileUtil::FileExists(path)) {
                 continue;
             }
             // If several paths exist, the bean keeps the copies of the last one only.
-            bean->SetCopyDbFileList(ExternalDatabases::CopyDbFile(path, bean->GetDbName()));
+            const ExternalDatabases::Copies copies = ExternalDatabases::CopyDbFile(path, bean->GetDbName());
+            bean->SetCopyDbFileList(copies.files);
+            bean->SetNoCopy(copies.missing, dbPath->GetPathValue());
             IsCreateDbByFileComplete(bean->GetCopyDbFileList(), bean->GetCreateTableList(), limits);
         }
     }

@@ -69,6 +69,7 @@ public:
 
     std::vector<Walk> walks;
     std::vector<std::string> matches;
+    bool hasSeenFiles = false;
 
 private:
     static constexpr std::size_t NONE = SIZE_MAX;
@@ -119,6 +120,7 @@ private:
         const bool isLink = IsLink(path);
         const std::string target = isLink ? DevicePaths::RealPath(path, mRootOfDevice) : path;
         if (!FileUtil::IsDirectory(target)) {
+            hasSeenFiles = true;
             Take(Entry::Kind::FILE, MatchOf(path, target), entries);
             return false;
         }
@@ -276,6 +278,7 @@ std::vector<std::string> DatabaseSearch::Find(const std::string& directory, bool
     FileUtil::PathToRealPath(directory, realPath);
     FoundTree tree(mPattern, recursive);
     tree.Read(realPath);
+    mHasSeenFiles = tree.hasSeenFiles;
     if (tree.walks.empty()) {
         return {};
     }

@@ -29,10 +29,13 @@ public:
 
     /// True if a repetition was left out.
     bool IsCutShort() const { return mIsCutShort; }
+    /// True if there was a file, whether it matched or not.
+    bool HasSeenFiles() const { return mHasSeenFiles; }
 
 private:
     FileNamePattern mPattern;
     bool mIsCutShort = false;
+    bool mHasSeenFiles = false;
 };
 
 #endif

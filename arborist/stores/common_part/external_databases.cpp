@@ -63,8 +63,11 @@ bool HoldsTwoDots(const std::string& path)
     return path.find("..") != std::string::npos;
 }
 
-PathList GetFileList(const std::string& directory, const std::string& pattern, bool recursive)
+// `missing` receives why there are none.
+PathList GetFileList(
+    const std::string& directory, const std::string& pattern, bool recursive, Evidence::NoCopy& missing)
 {
+    missing = Evidence::NoCopy::NO_MATCH;
     if (directory.empty() || pattern.empty()) {
         return {};
     }
@@ -74,6 +77,8 @@ PathList GetFileList(const std::string& directory, const std::string& pattern, b
         FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: files are listed %zu times, repetitions end here.",
             "CommonPartDbHelper::GetFileList", files.size());
     }
+    missing = !files.empty() ? Evidence::NoCopy::NONE
+        : search.HasSeenFiles() ? Evidence::NoCopy::NO_MATCH : Evidence::NoCopy::FOLDER_EMPTY;
     return files;
 }
 
@@ -112,11 +117,12 @@ bool CopyFile(const std::string& source, const std::string& directory)
 
 } // namespace
 
-PathList CopyDbFile(const std::string& path, const std::string& dbName)
+Copies CopyDbFile(const std::string& path, const std::string& dbName)
 {
-    const PathList candidates = GetFileList(path, dbName, true);
+    Evidence::NoCopy missing = Evidence::NoCopy::NONE;
+    const PathList candidates = GetFileList(path, dbName, true, missing);
     if (candidates.empty()) {
-        return {};
+        return {{}, missing};
     }
     const std::string directory = FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(Settings::APP_DATABASE_DIR,
         "");
@@ -124,7 +130,7 @@ PathList CopyDbFile(const std::string& path, const std::string& dbName)
         FT::Log::GetInstance().Output(
             FT::LEVEL_ERROR, "FUNc:%s: database dir is empty.", "CommonPartDbHelper::CopyDbFile");
         TroubleWatch::Tell(Evidence::Trouble::Kind::NO_COPY_FOLDER, "");
-        return {};
+        return {{}, Evidence::NoCopy::SETTING_EMPTY};
     }
     const std::string rootOfDevice = DevicePaths::RealRootOfDevice();
     // Before the first copy, as files with these names may be among the copies.
@@ -158,7 +164,7 @@ PathList CopyDbFile(const std::string& path, const std::string& dbName)
             standing.clear();
         }
     }
-    return copies;
+    return {copies, copies.empty() ? Evidence::NoCopy::NOT_COPIED : Evidence::NoCopy::NONE};
 }
 
 PathList UnZipFile(const std::string& zipPath, const std::string& directory)

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "arborist/frame/evidence_words.h"
+
 namespace FT::sql {
 struct SqlLimits;
 }
@@ -11,11 +13,16 @@ struct SqlLimits;
 /// Copies databases of other software, so that rules can query them. The originals are only read.
 namespace ExternalDatabases {
 
+/// The paths of copies and, where there are none, why.
+struct Copies {
+    std::vector<std::string> files;
+    Evidence::NoCopy missing = Evidence::NoCopy::NONE;
+};
+
 /// Searches `path` for files whose path matches the regular expression `dbName`, copies or unpacks them into the
-/// directory Settings::APP_DATABASE_DIR and returns the paths of the copies; a file that the search repeats is listed
-/// again. A failure logs a line and doesn't end the call. Throws std::regex_error for a pattern that is no regular
-/// expression.
-std::vector<std::string> CopyDbFile(const std::string& path, const std::string& dbName);
+/// directory Settings::APP_DATABASE_DIR and returns the copies; a file that the search repeats is listed again. A
+/// failure logs a line and doesn't end the call. Throws std::regex_error for a pattern that is no regular expression.
+Copies CopyDbFile(const std::string& path, const std::string& dbName);
 
 /// Unpacks an archive into `directory` and returns the paths of its files there, copied or not. Empty on failure.
 std::vector<std::string> UnZipFile(const std::string& zipPath, const std::string& directory);

@@ -33,6 +33,13 @@ public:
     /// each of the first EventLogSearch::LONGEST_RANGE_TOLD ids.
     Reading VisitEvents(const Query& query, const Visitor& visitor);
 
+    /// See EventLogSearch::CountRows.
+    std::optional<std::uint64_t> CountRows(
+        std::int32_t firstId, std::int32_t lastId, std::int64_t start, std::int64_t end) const
+    {
+        return mSearch.CountRows(firstId, lastId, start, end);
+    }
+
     /// See EventLogSearch::Foresee.
     void Foresee(std::int32_t firstId, std::int32_t lastId, const EventRows::Questions& questions)
     {

@@ -91,6 +91,27 @@ EventLogSearch::Reading EventLogSearch::Visit(
     return Reading::UNREADABLE;
 }
 
+std::optional<std::uint64_t> EventLogSearch::CountRows(
+    std::int32_t firstId, std::int32_t lastId, std::int64_t start, std::int64_t end) const
+{
+    if (mSnapshot == nullptr || mSnapshot->GetOrigin().isEachIdAsked || !mSnapshot->GetOrigin().breakError.empty()) {
+        return std::nullopt;
+    }
+    const auto countSince = [this](const Entry& entry, std::int64_t time) {
+        return mSnapshot->Count(mSnapshot->RunSince(entry, time), {time, std::nullopt});
+    };
+    std::uint64_t count = 0;
+    const std::size_t last = mSnapshot->FirstEntryFrom(lastId + std::int64_t{1});
+    for (std::size_t number = mSnapshot->FirstEntryFrom(firstId); number < last; ++number) {
+        const Entry entry = mSnapshot->GetEntry(number);
+        if (entry.needsQuery) {
+            return std::nullopt;
+        }
+        count += countSince(entry, start) - countSince(entry, std::max(start, end));
+    }
+    return count;
+}
+
 std::shared_ptr<RowCounts> EventLogSearch::CountsFor(const EventLogSnapshot::Filter& filter)
 {
     const auto known = std::find_if(

@@ -58,6 +58,11 @@ public:
     /// Visits the ids with rows since the start in ascending order; `versionName` is the current version.
     Reading Visit(const Query& query, const std::string& versionName, const Visitor& visitor);
 
+    /// The number of rows of these ids, of any version, from `start` to before `end`, in the state of the log that the
+    /// last visit used. Neither reads the log nor logs a line. Nothing if that visit could not read the whole log.
+    std::optional<std::uint64_t> CountRows(
+        std::int32_t firstId, std::int32_t lastId, std::int64_t start, std::int64_t end) const;
+
     static void TellVersionName(const std::string& versionName);
 
 private:

@@ -68,6 +68,28 @@ TEST(RuleTextTest, AnIntervalThatCannotBeUsedSaysSo)
     EXPECT_THAT(RuleLines(rule), ElementsAre("  no interval to scale by: begin 5 to end 0"));
 }
 
+struct MissingCase { const char* name; Evidence::MissingCopies missing; const char* text; };
+void PrintTo(const MissingCase& missing, std::ostream* out) { *out << missing.name; }
+class RuleTextMissing : public testing::TestWithParam<MissingCase> {};
+
+TEST_P(RuleTextMissing, SaysWhyThereIsNoDatabase)
+{
+    Evidence::Rule rule;
+    rule.part = Evidence::Command{{}, {}, Evidence::Hits{"PANELS", 0, 0, 1, GetParam().missing}};
+    EXPECT_THAT(RuleLines(rule),
+        ElementsAre("hits in 0 of 0 databases (PANELS), 1 needed, 1 missing; " + std::string(GetParam().text)));
+}
+
+using Evidence::NoCopy;
+INSTANTIATE_TEST_SUITE_P(Table, RuleTextMissing, testing::Values(
+    MissingCase{"NoFolderNamed", {NoCopy::FOLDER_MISSING, {}, "x"}, "the rule set names no folder to search"},
+    MissingCase{"FolderMissing", {NoCopy::FOLDER_MISSING, {"/a", "/b"}, "x"}, "no folder to search is there (/a, /b)"},
+    MissingCase{"FolderEmpty", {NoCopy::FOLDER_EMPTY, {"/a"}, "x"}, "no file lies below /a"},
+    MissingCase{"NoMatch", {NoCopy::NO_MATCH, {"/a"}, ""}, "no file below /a matches the pattern \"\""},
+    MissingCase{"SettingEmpty", {NoCopy::SETTING_EMPTY, {"/a"}, "x"}, "the setting AppDatabaseDir is empty"},
+    MissingCase{"NotCopied", {NoCopy::NOT_COPIED, {"/a"}, "x"}, "nothing could be copied of what matches below /a"}),
+    CaseName());
+
 TEST(RuleTextTest, MissingHitsAreCounted)
 {
     Evidence::Rule rule;

@@ -1,0 +1,192 @@
+#include "arborist/evaluation/alarm_rule_engine.h"
+
+#include <algorithm>
+
+#include <gmock/gmock.h>
+
+#include "arborist/evaluation/rule_helper.h"
+#include "arborist/frame/detect_info.h"
+#include "arborist/frame/repair.h"
+#include "arborist/frame/settings.h"
+#include "tests/evaluation/alarm_rules.h"
+#include "tests/evaluation/rule_set.h"
+#include "tests/support/event_log_builder.h"
+#include "tests/support/log_capture.h"
+#include "tests/support/settings_guard.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::Optional;
+
+constexpr std::int64_t DAY = 86400;
+constexpr std::int64_t NOW = 1700000000;
+constexpr std::int64_t PERIOD = NOW - 7 * DAY;
+constexpr std::int64_t REPAIR = NOW - 2 * DAY;
+
+/// What an alarm rule tells of its windows.
+class AlarmEvidence : public testing::Test {
+protected:
+    AlarmEvidence()
+    {
+        mSettings.Set(Settings::PROGRAM_DATA_DIR, mDir.Path("data"));
+        mSettings.Set(Settings::VERSION_NAME, "1");
+        SetNow(NOW);
+    }
+
+    void SetNow(std::int64_t now) const { mSettings.Set(Settings::CURRENT_TIME, std::to_string(now)); }
+
+    void Log(const std::vector<LoggedRow>& rows) const
+    {
+        EventLogBuilder().Rows(rows).WriteTo(mDir.Path(LOG));
+    }
+
+    // The one window that was counted for the event E, which the repair R mends.
+    Evidence::WindowCount Counted(const Ids& ids, bool expected = false) { return WindowOf(ids, expected).count; }
+    Evidence::Window WindowOf(const Ids& ids, bool expected = false)
+    {
+        Evidence::Rule record;
+        EXPECT_EQ(Fires(ids, &record), expected);
+        const auto& windows = std::get<Evidence::Alarm>(record.part).windows;
+        const auto counted = std::find_if(windows.begin(), windows.end(), [](const auto& window) {
+            return window.start.has_value();
+        });
+        return counted == windows.end() ? Evidence::Window{} : *counted;
+    }
+    bool Fires(const Ids& ids, Evidence::Rule* record)
+    {
+        const auto info = std::make_shared<DetectInfo>();
+        info->mTreeTag = TAG;
+        info->mRuleFileDir = mDir.Path();
+        const auto parser = Load(mDir, TreeXml(TAG).Tree("T", Or({Basic("E")})), RuleXml(TAG).Repair("E", {{"R", ""}}),
+            info);
+        AlarmRuleEngine engine(std::make_shared<RuleHelper>(info, parser));
+        engine.SetRecord(record);
+        mLog.Clear();
+        return engine.IsFaultHappened(RuleOf({ids}), "E");
+    }
+
+    void Repair() const
+    {
+        SetNow(REPAIR);
+        UpdateRepairDb("R");
+        SetNow(NOW);
+    }
+
+    static constexpr char LOG[] = "data/Comms/Lumbra/workDir/0/log.db";
+    TempDir mDir;
+    SettingsGuard mSettings;
+    LogCapture mLog;
+};
+
+// Seven passes the tests a = 1 twice and b = 1 once, eight the first once and the second never.
+const std::vector<LoggedRow> SEVEN_AND_EIGHT{{NOW, 7, "1", R"({"a":1,"b":1})"}, {NOW, 7, "1", R"({"a":1})"},
+    {NOW, 8, "1", R"({"a":1})"}};
+
+Ids TwoTests(const char* first, const char* last)
+{
+    return Ids(first, last).WithParam("p", "a", "int").WithParam("q", "b", "int")
+        .Multiple({{"p", "eq", "1"}, {"q", "eq", "1"}});
+}
+
+TEST_F(AlarmEvidence, OfSeparateTestsTheOneThatTheLastIdPassesLeastIsWhatWasReached)
+{
+    Log(SEVEN_AND_EIGHT);
+    for (const Ids& ids : {TwoTests("7", "8").Latest(7, 1), TwoTests("7", "8").DailyPeak(7, 1)}) {
+        const Evidence::Window window = WindowOf(ids);
+        EXPECT_TRUE(window.count.lastIdDecides);
+        EXPECT_EQ(window.count.reached, 0);
+        EXPECT_EQ(window.count.reachedById, 8);
+        EXPECT_EQ(window.count.measure, Evidence::Measure::ROWS);
+        EXPECT_EQ(window.Missing(), 1);
+        ASSERT_EQ(window.tests.size(), 2U);
+        EXPECT_EQ(window.tests[0].rowsPassed, 3U);
+        EXPECT_THAT(window.tests[0].rowsPassedByLastId, Optional(1U));
+        EXPECT_THAT(window.tests[1].rowsPassedByLastId, Optional(0U));
+    }
+    EXPECT_EQ(Counted(TwoTests("7", "7").Latest(7, 1), true).reached, 1);
+}
+
+TEST_F(AlarmEvidence, TheLastIdWithoutRowsHasReachedNothing)
+{
+    Log(SEVEN_AND_EIGHT);
+    const Evidence::Window window = WindowOf(TwoTests("7", "9").Latest(7, 1));
+    EXPECT_EQ(window.count.reached, 0);
+    EXPECT_EQ(window.count.reachedById, 9);
+    EXPECT_THAT(window.tests[0].rowsPassedByLastId, Optional(0U));
+}
+
+TEST_F(AlarmEvidence, OfSeveralConditionsTheBestIsWhatWasReached)
+{
+    Log(SEVEN_AND_EIGHT);
+    const auto last = Counted(TwoTests("7", "8").Multiple({{"p", "eq", "1"}}).Multiple({{"q", "eq", "1"}}).Latest(7, 2));
+    EXPECT_TRUE(last.lastIdDecides);
+    EXPECT_EQ(last.reached, 1);
+    const auto any = Counted(TwoTests("7", "8").Single("p", "eq", "1").Latest(7, 3));
+    EXPECT_FALSE(any.lastIdDecides) << "a single test is put to every id";
+    EXPECT_EQ(any.reached, 2);
+    EXPECT_EQ(any.reachedById, 7);
+}
+
+TEST_F(AlarmEvidence, WhereEachIdDecidesTheBestIsWhatWasReached)
+{
+    Log(SEVEN_AND_EIGHT);
+    const Evidence::Window window = WindowOf(TwoTests("7", "8").Duration(7, 2));
+    EXPECT_FALSE(window.count.lastIdDecides);
+    EXPECT_EQ(window.count.reached, 1);
+    EXPECT_EQ(window.count.reachedById, 7);
+    EXPECT_EQ(window.tests[0].rowsPassedByLastId, std::nullopt);
+}
+
+// Of the period, before and after the repair, at both of their ends, of another version, and of another id.
+const std::vector<LoggedRow> AROUND_THE_REPAIR{{PERIOD - 1, 7, "1", ""}, {PERIOD, 7, "1", ""},
+    {REPAIR - 1, 8, "2", ""}, {REPAIR, 7, "1", ""}, {NOW, 8, "1", ""}, {PERIOD + 1, 9, "1", ""}};
+
+TEST_F(AlarmEvidence, RowsThatARepairCutOffAreCounted)
+{
+    Log(AROUND_THE_REPAIR);
+    Repair();
+    const auto count = Counted(Ids("7", "8").Duration(7, 5));
+    EXPECT_THAT(count.rowsBeforeStart, Optional(2U));
+    EXPECT_EQ(count.rowsFound, 2U);
+    EXPECT_THAT(Counted(Ids("8", "8").Latest(7, 5)).rowsBeforeStart, Optional(1U));
+    EXPECT_THAT(Counted(Ids("5", "6").Latest(7, 5)).rowsBeforeStart, Optional(0U));
+    EXPECT_THAT(Counted(Ids("7", "9").Latest(7, 1), true).rowsBeforeStart, Optional(3U)) << "of the whole range";
+}
+
+TEST_F(AlarmEvidence, RowsOfALogInDisorderAreCountedByTheirTimes)
+{
+    auto rows = AROUND_THE_REPAIR;
+    std::reverse(rows.begin(), rows.end());
+    Log(rows);
+    Repair();
+    EXPECT_THAT(Counted(Ids("7", "8").Duration(7, 5)).rowsBeforeStart, Optional(2U));
+}
+
+TEST_F(AlarmEvidence, NothingIsCutOffWhereThePeriodSetsTheStart)
+{
+    Log(AROUND_THE_REPAIR);
+    EXPECT_EQ(Counted(Ids("7", "8").Duration(7, 5)).rowsBeforeStart, std::nullopt);
+    Repair();
+    EXPECT_EQ(Counted(Ids("7", "8").Duration(1, 5)).rowsBeforeStart, std::nullopt) << "repaired before the period";
+}
+
+TEST_F(AlarmEvidence, ALogThatCannotBeReadTellsNoNumber)
+{
+    Repair();
+    EXPECT_EQ(Counted(Ids("7", "8").Duration(7, 5)).rowsBeforeStart, std::nullopt);
+    mDir.Write(LOG, "no database");
+    EXPECT_EQ(Counted(Ids("7", "8").Duration(7, 5)).rowsBeforeStart, std::nullopt);
+}
+
+TEST_F(AlarmEvidence, CountingWhatWasCutOffLeavesNoLine)
+{
+    Log(AROUND_THE_REPAIR);
+    Repair();
+    Fires(Ids("7", "8").Duration(7, 5), nullptr);
+    const std::vector<std::string> unobserved = mLog.Lines();
+    EXPECT_EQ(WindowOf(Ids("7", "8").Duration(7, 5)).count.rowsBeforeStart, 2U);
+    EXPECT_EQ(mLog.Lines(), unobserved);
+}
+
+} // namespace
