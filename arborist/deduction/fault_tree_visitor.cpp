@@ -77,7 +77,8 @@ FaultTreeVisitor::FaultTreeVisitor(std::shared_ptr<FaultTreeParser> faultTreePar
 {
 }
 
-void FaultTreeVisitor::DeduceRootCause(const std::shared_ptr<FaultTree>& tree)
+void FaultTreeVisitor::DeduceRootCause(
+    const std::shared_ptr<FaultTree>& tree, const std::vector<Evidence::Check>& checks)
 {
     if (tree == nullptr) {
         return;
@@ -89,6 +90,9 @@ void FaultTreeVisitor::DeduceRootCause(const std::shared_ptr<FaultTree>& tree)
     if (GetObserver() != nullptr && mFaultTree->GetIntermediateEvent() != nullptr) {
         std::vector<Evidence::FoldedEvent> events;
         AppendFoldedEvents(*mFaultTree->GetIntermediateEvent(), 0, events);
+        for (std::size_t event = 0; event < events.size() && event < checks.size(); ++event) {
+            events[event].check = checks[event];
+        }
         GetObserver()->OnTreeFolded(std::move(events));
     }
     AnalyzeRootCause();

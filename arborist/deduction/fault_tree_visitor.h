@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "arborist/deduction/cut_set.h"
+#include "arborist/frame/check.h"
 
 class DetectionObserver;
 class FaultTree;
@@ -22,7 +23,11 @@ public:
 
     /// Folds the statuses of `tree` up to its top event and replaces the root causes by those of this tree. A null tree
     /// changes nothing.
-    void DeduceRootCause(const std::shared_ptr<FaultTree>& tree);
+    ///
+    /// The observer gets `checks` with the folded events: one for each event in pre-order, none for an event behind
+    /// the end of the list.
+    void DeduceRootCause(
+        const std::shared_ptr<FaultTree>& tree, const std::vector<Evidence::Check>& checks = {});
 
     /// True if the last deduction found root causes, whatever the status of the top event.
     bool IsFault() const { return mIsFault; }

@@ -146,6 +146,7 @@ bool AlarmRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const s
             }
             return Decide(Reason::NO_IDS, false);
         }
+        NoteBounds(*item);
         for (const TimeSet::TimeType timeType : TIME_TYPES) {
             if (IsRuleHitBySettingTime(item, number, eventId, timeType, ids)) {
                 return Decide(Reason::WINDOW_REACHED, true);
@@ -214,6 +215,7 @@ bool AlarmRuleEngine::IsWithParamTestChecked(const AlarmRule::AlarmItem& item, T
             }
         } else {
             window.miss = window.miss == Reason::NO_CONDITION ? Reason::UNKNOWN_CONDITION : window.miss;
+            Note(Reason::UNKNOWN_CONDITION);
             FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Undefined Logic type",
                 "AlarmRuleEngine::IsWithParamTestChecked");
         }
@@ -225,6 +227,7 @@ bool AlarmRuleEngine::IsHitForSingleTypeTestChecked(
     const OrLogic& orLogic, const AlarmRule::AlarmItem& item, Window& window)
 {
     const TestList tests{std::make_shared<MemberTest>(*this, GetOrLogicParamItem(orLogic, item.params))};
+    NoteTest(tests.front()->GetPara());
     return IsAnyIdHit(
         window.timeType == TimeSet::DAILY_PEAK ? Measure::DAILY_PEAK : Measure::PERIOD, tests, window);
 }
@@ -243,6 +246,7 @@ bool AlarmRuleEngine::IsHitForMultipleTypeTestChecked(
             continue;
         }
         tests.push_back(std::make_shared<MemberTest>(*this, std::move(*para)));
+        NoteTest(tests.back()->GetPara());
         if (window.timeType != TimeSet::DURATION) {
             std::uint64_t passed = 0;
             logicItem->SetResult(IsLastIdHit(tests.back(), window, passed));
@@ -251,6 +255,9 @@ bool AlarmRuleEngine::IsHitForMultipleTypeTestChecked(
     }
     if (window.timeType != TimeSet::DURATION && !tests.empty()) {
         NoteLastId(window, earlier, leastOfLastId);
+    }
+    if (tests.empty()) {
+        Note(Reason::NO_CONDITION);
     }
     return window.timeType == TimeSet::DURATION ? IsAnyIdHit(Measure::ALL_TESTS, tests, window)
                                                 : orLogic.CheckAndListResult();
@@ -372,11 +379,27 @@ void AlarmRuleEngine::CountTested(Window& window, std::size_t test, std::uint64_
     window.tallies[test].passed += passed;
 }
 
+// A negative weight takes away, and wraps below 0. One look at each row: an unreadable one logs a line each time.
+std::uint64_t AlarmRuleEngine::SumOfWeights(const EventRows& rows, Window& window)
+{
+    if (window.record == nullptr) {
+        return rows.Sum(0);
+    }
+    std::uint64_t sum = 0;
+    rows.ForEach([&](const EventRows::Row& row) {
+        const std::int64_t weight = row.Answer(0);
+        window.hasNegativeWeight = window.hasNegativeWeight || weight < 0;
+        sum += static_cast<std::uint64_t>(weight);
+    });
+    return sum;
+}
+
 bool AlarmRuleEngine::IsFaultForPeriod(const EventRows& rows, bool isTested, Window& window)
 {
     const bool isWeighed = !isTested && DetectionCustomize::IsDmdEvent(rows.GetEventId());
-    // A negative weight subtracts, and a sum below 0 wraps.
-    const std::uint64_t count = isTested || isWeighed ? rows.Sum(0) : rows.GetCount();
+    const std::uint64_t count = isWeighed ? SumOfWeights(rows, window)
+        : isTested                        ? rows.Sum(0)
+                                          : rows.GetCount();
     if (isTested) {
         CountTested(window, 0, rows.GetCount(), count);
         window.rowsFailed += rows.GetCount() - count;
@@ -401,6 +424,7 @@ bool AlarmRuleEngine::IsFaultForDaily(const EventRows& rows, bool isTested, Wind
             return;
         }
         const std::int32_t answer = row.Answer(0);
+        window.hasNegativeWeight = window.hasNegativeWeight || answer < 0;
         ++tested;
         passed += answer != 0 ? 1 : 0;
         AddWrapping(days[static_cast<std::size_t>(day)], answer);
@@ -479,6 +503,34 @@ bool AlarmRuleEngine::CloseWindow(const Window& window, Reason reason, bool isHi
         window.record->count = window.count;
         window.record->hit = isHit;
         window.record->reason = reason;
+        NoteDoubts(window, isHit);
     }
     return isHit;
+}
+
+// Why a count that reached its threshold may be less.
+void AlarmRuleEngine::NoteDoubts(const Window& window, bool isHit)
+{
+    Evidence::Window& record = *window.record;
+    if (isHit && window.hasNegativeWeight) {
+        record.notes.push_back(Reason::NEGATIVE_WEIGHT);
+    }
+    if (isHit && record.start && record.start->isRepairUnreadable) {
+        record.notes.push_back(Reason::REPAIR_UNREADABLE);
+    }
+}
+
+void AlarmRuleEngine::NoteBounds(const AlarmRule::AlarmItem& item) const
+{
+    for (const std::string* const bound : {&item.Eventid_Min, &item.Eventid_Max}) {
+        NoteObserved(std::string(TYPE_INT), *bound);
+    }
+}
+
+void AlarmRuleEngine::NoteTest(const TestPara& test) const
+{
+    if (test.type.empty()) {
+        Note(Reason::UNKNOWN_NAME);
+    }
+    NoteConfigured(test.logic, test.type, test.value);
 }

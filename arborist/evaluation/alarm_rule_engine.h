@@ -70,6 +70,7 @@ private:
         Evidence::Window* record = nullptr;
         // The reason if the threshold is not reached, provided that the log could be read.
         Evidence::Reason miss = Evidence::Reason::WINDOW_SHORT;
+        bool hasNegativeWeight = false;
         // Conditions are counted one after the other: how many so far, and what this one found.
         std::size_t conditionsCounted = 0;
         std::uint64_t rowsFailed = 0;
@@ -108,6 +109,10 @@ private:
     void NoteRowsBeforeStart(Window& window) const;
     Evidence::Window* AddRecord(std::size_t itemNumber, const IdRange& ids, const char* kind) const;
     bool CloseWindow(const Window& window, Evidence::Reason reason, bool isHit);
+    static std::uint64_t SumOfWeights(const EventRows& rows, Window& window);
+    static void NoteDoubts(const Window& window, bool isHit);
+    void NoteBounds(const AlarmRule::AlarmItem& item) const;
+    void NoteTest(const TestPara& test) const;
 
     std::shared_ptr<AlarmRuleDbHelper> mEventStore;
     std::shared_ptr<RuleHelper> mRuleHelper;

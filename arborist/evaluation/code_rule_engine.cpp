@@ -13,6 +13,23 @@
 
 using Evidence::Reason;
 
+namespace {
+
+Reason ReasonOf(CodeRuleRunner::Outcome outcome)
+{
+    switch (outcome) {
+    case CodeRuleRunner::Outcome::NOBODY_THERE:
+        return Reason::NO_RUNNER;
+    case CodeRuleRunner::Outcome::BROKEN_OFF:
+        return Reason::RUNNER_FAILED;
+    case CodeRuleRunner::Outcome::ANSWERED:
+        break;
+    }
+    return Reason::RUNNER_ANSWERED;
+}
+
+} // namespace
+
 CodeRuleEngine::CodeRuleEngine(std::shared_ptr<RuleEngineHelper> ruleEngineHelper,
                                std::shared_ptr<FaultTreeParser> faultTreeParser, std::shared_ptr<DetectInfo> detectInfo)
     : mRuleEngineHelper(std::move(ruleEngineHelper)), mFaultTreeParser(std::move(faultTreeParser)),
@@ -40,7 +57,7 @@ bool CodeRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const st
     if (record != nullptr) {
         *record = {detectCode, faults, suggestions, repairs, codeRule->userDefinedInfo, answer};
     }
-    return Decide(Reason::RUNNER_ANSWERED, answer);
+    return Decide(ReasonOf(runner->GetOutcome()), answer);
 }
 
 std::vector<std::string> CodeRuleEngine::GetCodeRuleInfoByType(std::string_view type, const std::string& detectCode)

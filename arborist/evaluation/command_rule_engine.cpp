@@ -67,6 +67,9 @@ bool CommandRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const
     if (commandRule->analysisMethod.type != ANALYSIS_SQL) {
         return Reject(Reason::NOT_SQL, commandRule->analysisMethod.type);
     }
+    if (!hasReference && !mCommonPart->AreTablesWhole()) {
+        Note(Reason::TABLE_INCOMPLETE);
+    }
     const Query query = QueryOf(*commandRule, eventId);
     return hasReference ? IsFaultInReference(*commandRule, query) : IsFaultInDatabase(*commandRule, query, "");
 }
@@ -97,6 +100,9 @@ CommandRuleEngine::Query CommandRuleEngine::QueryOf(const CommandRule& rule, con
     const CommandRule::SqlItem& sqlItem = rule.analysisMethod.sqlItem;
     Query query;
     query.isNormalization = sqlItem.type == NORMALIZATION;
+    if (!query.isNormalization && !sqlItem.type.empty() && sqlItem.type != DEF_DB_SQL) {
+        Note(Reason::UNKNOWN_NAME);
+    }
     GetTimeParaList(query.params, rule.params, sqlItem.type, sqlItem);
     GetTimeInterval(query.params, query.isNormalization, query.first, query.second);
     query.sql = GetSqlScript(sqlItem, eventId, rule.referenceDefDb);
@@ -144,6 +150,9 @@ std::string CommandRuleEngine::GetSqlScript(const CommandRule::SqlItem& sqlItem,
         ? 0
         : mRuleHelper->GetDetectStartTime(sqlItem.time.period, sqlItem.BeginFlag, eventId,
               command == nullptr ? nullptr : &command->start.emplace());
+    if (command != nullptr && command->start && command->start->isRepairUnreadable) {
+        Note(Reason::REPAIR_UNREADABLE);
+    }
     return reference == nullptr ? JoinSqlStrWithTime(sqlItem.sql, start) : sqlItem.sql;
 }
 
@@ -163,7 +172,12 @@ bool CommandRuleEngine::IsFaultInDatabase(const CommandRule& rule, const Query& 
         isFault = IsFaultInOpenDatabase(rule, query, record);
     } else {
         // Judged by what the last query left.
-        isFault = IsFaultForSingleSql(rule, query.params) || Decide(Reason::DATABASE_UNAVAILABLE, false);
+        isFault = IsFaultForSingleSql(rule, query.params);
+        if (isFault) {
+            Note(Reason::DATABASE_UNAVAILABLE);
+        } else {
+            NoteReason(Reason::DATABASE_UNAVAILABLE);
+        }
     }
     if (record != nullptr) {
         record->reason = GetReason();
@@ -178,7 +192,7 @@ bool CommandRuleEngine::IsFaultInOpenDatabase(
         mDbHelper->RunSql(query.sql, query.params, query.isNormalization, query.first, query.second, record);
     const bool isFault = IsFaultForSingleSql(rule, list);
     if (!isFault && mDbHelper->GetRowCount() != 1) {
-        NoteReason(Reason::ROW_COUNT_NOT_ONE);
+        NoteReason(mDbHelper->HasFailed() ? Reason::STATEMENT_FAILED : Reason::ROW_COUNT);
     } else if (!isFault && mDbHelper->IsIntervalMissing()) {
         NoteReason(Reason::NO_INTERVAL);
     }
@@ -201,6 +215,10 @@ bool CommandRuleEngine::IsFaultInReference(const CommandRule& rule, const Query&
         // Without a number no hit is needed, so that even no file is enough.
         const std::string& number = rule.referenceDefDb->defDBNum;
         neededHits = number.empty() ? 0 : StringUtil::StringToInt32Def(number, 0, 10);
+        NoteObserved(std::string(TYPE_INT), number.empty() ? "none" : number);
+    }
+    if (paths.empty()) {
+        Note(Reason::DATABASE_UNAVAILABLE);
     }
     if (auto* const command = GetPart<Evidence::Command>()) {
         command->hits = {rule.referenceDefDb->defDBName, paths.size(), hits, neededHits};
@@ -242,6 +260,7 @@ bool CommandRuleEngine::IsFaultForSingleSql(const CommandRule& rule, const Param
         if (orLogic == nullptr) {
             continue;
         }
+        NoteEarlierCondition();
         bool isMet = false;
         if (orLogic->GetType() == SINGLE_LOGIC) {
             isMet = IsFaultForSingleLogic(list, orLogic, rule);
@@ -262,6 +281,14 @@ bool CommandRuleEngine::IsFaultForSingleSql(const CommandRule& rule, const Param
     return false;
 }
 
+// One that is no answer counts, too, when the one behind it decides.
+void CommandRuleEngine::NoteEarlierCondition() const
+{
+    if (GetReason() != Reason::NO_CONDITION && Evidence::IsOpen(Evidence::CheckOf(GetReason()))) {
+        Note(GetReason());
+    }
+}
+
 bool CommandRuleEngine::IsFaultForSingleLogic(
     const ParamList& list, const std::shared_ptr<OrLogic>& orLogic, const CommandRule& rule)
 {
@@ -277,6 +304,7 @@ bool CommandRuleEngine::IsFaultForSingleLogic(
         return Decide(Reason::NO_VALUE, false);
     }
     NoteReason(threshold.empty() ? Reason::NO_THRESHOLD : Reason::CONDITION_NOT_MET);
+    NoteType(*param);
     return CompareParam(*param, orLogic->GetLogic(), threshold, param->value, sourceWord, sourceId);
 }
 
@@ -284,6 +312,9 @@ bool CommandRuleEngine::IsFaultForSqlMultiLogic(const ParamList& list, const std
 {
     NoteReason(Reason::CONDITION_NOT_MET);
     const OrLogic::LogicItemList& items = orLogic->GetLogicItemList();
+    if (items.empty() || items.front() == nullptr) {
+        Note(Reason::NO_CONDITION);
+    }
     if (list.empty() || items.empty() || items.front() == nullptr) {
         return false;
     }
@@ -294,6 +325,7 @@ bool CommandRuleEngine::IsFaultForSqlMultiLogic(const ParamList& list, const std
         CompareParam(param != nullptr ? *param : missing, items.front()->GetLogic(), items.front()->GetValue(), {});
         return Decide(Reason::NO_VALUE, false);
     }
+    NoteType(*param);
     for (const auto& item : items) {
         if (item == nullptr || !CompareParam(*param, item->GetLogic(), item->GetValue(), param->value)) {
             return false;

@@ -59,6 +59,7 @@ private:
     static std::shared_ptr<Param> GetParam(const ParamList& list, const std::string& id);
     std::string GetThreshold(const std::shared_ptr<OrLogic>& orLogic, const CommandRule& rule) const;
     bool IsFaultForSingleSql(const CommandRule& rule, const ParamList& list);
+    void NoteEarlierCondition() const;
     bool IsFaultForSingleLogic(const ParamList& list, const std::shared_ptr<OrLogic>& orLogic, const CommandRule& rule);
     bool IsFaultForSqlMultiLogic(const ParamList& list, const std::shared_ptr<OrLogic>& orLogic);
 

@@ -49,7 +49,10 @@ void PrepareCommonPart(const std::shared_ptr<CommonPart>& part, const DeviceDeta
         if (observer != nullptr && !AreAttributesKnown(device)) {
             TellThresholds(*block, *observer);
         }
-        CommonPartDbHelper::GetInstance().IsSuccessCreateJankDb(DevicePaths::EventLog(), part);
+        bool areWhole = true;
+        CommonPartDbHelper::GetInstance().IsSuccessCreateJankDb(
+            DevicePaths::EventLog(), part, observer == nullptr ? nullptr : &areWhole);
+        part->SetTablesWhole(areWhole);
     }
     if (!block->GetDefDbTableCommonList().empty()) {
         CommonPartDbHelper::GetInstance().CopyDbAndCreateTable(part);

@@ -137,6 +137,7 @@ public:
         const bool hasValue = value != nullptr && !value->empty();
         const std::string_view text = hasValue ? *value : token;
         const char sign = text.front();
+        NoteTakenForZero(token, text, value);
         if (IsLegalOperator(sign)) {
             return RunLegalOperator(text);
         }
@@ -162,8 +163,22 @@ public:
     }
 
     double Result() const { return mNumbers.back(); }
+    bool HasBadNumber() const { return mHasBadNumber; }
+    bool HasUnknownName() const { return mHasUnknownName; }
 
 private:
+    // Only where somebody wants to hear of the grouping, too. A name with an empty value has its own reason.
+    void NoteTakenForZero(std::string_view token, std::string_view text, const std::string* value)
+    {
+        if (mGrouping == nullptr || IsSign(token.front()) || StringUtil::HoldsDouble(std::string(text))) {
+            mHasBadNumber = mHasBadNumber || (value != nullptr && !value->empty() && IsSign(text.front()));
+        } else if (value == nullptr) {
+            mHasUnknownName = true;
+        } else {
+            mHasBadNumber = mHasBadNumber || !value->empty();
+        }
+    }
+
     bool RunLegalOperator(std::string_view token)
     {
         while (!mOperators.empty() && IsPriorityIsBiggerOrTheSame(mOperators.back(), token)) {
@@ -235,6 +250,8 @@ private:
     std::vector<double> mNumbers;
     std::string mOperators; // a string, whose short form needs no allocation for most formulas
     Grouping* mGrouping;
+    bool mHasBadNumber = false;
+    bool mHasUnknownName = false;
 };
 
 } // namespace
@@ -248,15 +265,18 @@ Formula::Outcome Formula::Calculate(const ValueOf& valueOf, bool withGrouping) c
 {
     Grouping grouping;
     Calculation calculation(withGrouping ? &grouping : nullptr);
-    for (std::string_view rest = mText; !rest.empty();) {
+    Outcome outcome;
+    bool isWellFormed = true;
+    for (std::string_view rest = mText; !rest.empty() && isWellFormed;) {
         const std::string_view token = FirstToken(rest);
         rest.remove_prefix(token.size());
-        if (!calculation.Take(token, IsSign(token.front()) ? nullptr : valueOf(token))) {
-            return {};
-        }
+        isWellFormed = calculation.Take(token, IsSign(token.front()) ? nullptr : valueOf(token));
     }
-    if (!calculation.Finish()) {
-        return {};
+    if (isWellFormed && calculation.Finish()) {
+        outcome.result = StringUtil::FixedText(calculation.Result());
+        outcome.grouping = withGrouping ? grouping.Text() : std::string();
     }
-    return {StringUtil::FixedText(calculation.Result()), withGrouping ? grouping.Text() : std::string()};
+    outcome.hasBadNumber = calculation.HasBadNumber();
+    outcome.hasUnknownName = calculation.HasUnknownName();
+    return outcome;
 }

@@ -23,6 +23,10 @@ public:
         /// The formula with every grouping in parentheses: "10 - (3 - 2)". Empty unless requested, and if there is no
         /// result.
         std::string grouping;
+        /// A value is no number and counts as 0, or begins with an operator and counts as that.
+        bool hasBadNumber = false;
+        /// A name that nothing has, and that is no number, counts as 0.
+        bool hasUnknownName = false;
     };
 
     explicit Formula(std::string expression);

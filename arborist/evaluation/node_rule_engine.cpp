@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <vector>
 
-#include "arborist/evaluation/formula.h"
 #include "arborist/model/rule.h"
 #include "arborist/utilities/device_paths.h"
 #include "arborist/utilities/file_util.h"
@@ -102,17 +101,26 @@ bool NodeRuleEngine::SetParamValue(const NodeRule& rule, const ParamIndex& param
         if (auto* const record = GetPart<Evidence::Node>()) {
             record->files.push_back({node->GetParam(), node->GetPath(), readable, value});
         }
+        if (readable && value.empty()) {
+            Note(Reason::NO_VALUE);
+        }
         SetExpressNodeValue(params, node->GetParam(), value);
     }
     return allRead;
 }
 
-void NodeRuleEngine::SetExpressNodeValue(const ParamIndex& params, const std::string& name, const std::string& value)
+void NodeRuleEngine::SetExpressNodeValue(
+    const ParamIndex& params, const std::string& name, const std::string& value) const
 {
-    params.Visit(name, [&value](Param& param) {
+    bool isThere = false;
+    params.Visit(name, [&value, &isThere](Param& param) {
         param.value = value;
+        isThere = true;
         return false;
     });
+    if (!isThere) {
+        Note(Reason::UNKNOWN_NAME);
+    }
 }
 
 // The value of the first parameter with this name; null if there is none.
@@ -142,8 +150,22 @@ void NodeRuleEngine::RunLogicExpression(const NodeRule& rule, const ParamIndex& 
         [&params](std::string_view name) { return GetExpressNodeValue(params, name); }, record != nullptr);
     if (record != nullptr) {
         record->formula = {expression, outcome.grouping, outcome.result, ret};
+        NoteFormula(outcome);
     }
     SetExpressNodeValue(params, ret, outcome.result);
+}
+
+void NodeRuleEngine::NoteFormula(const Formula::Outcome& outcome) const
+{
+    if (outcome.result.empty()) {
+        Note(Reason::BAD_FORMULA);
+    }
+    if (outcome.hasBadNumber) {
+        Note(Reason::BAD_NUMBER);
+    }
+    if (outcome.hasUnknownName) {
+        Note(Reason::UNKNOWN_NAME);
+    }
 }
 
 bool NodeRuleEngine::CheckConditions(const NodeRule& rule)
@@ -152,6 +174,9 @@ bool NodeRuleEngine::CheckConditions(const NodeRule& rule)
     for (const auto& logic : rule.GetConditionList()) {
         if (logic == nullptr) {
             return Decide(Reason::NO_CONDITION, false);
+        }
+        if (GetReason() == Reason::UNKNOWN_CONDITION) {
+            Note(Reason::UNKNOWN_CONDITION);
         }
         // The first of a known kind decides alone, even when it does not hold: rule files order them for that.
         if (logic->GetType() == SINGLE_LOGIC) {
@@ -171,6 +196,7 @@ bool NodeRuleEngine::CheckConditions(const NodeRule& rule)
 // a suitable type only to the intended parameter.
 bool NodeRuleEngine::IsFaultForSingleNodeRule(const ParamMap& params, const OrLogic& logic)
 {
+    bool isComparable = false;
     for (const auto& [id, param] : params) {
         if (param == nullptr) {
             continue;
@@ -179,6 +205,10 @@ bool NodeRuleEngine::IsFaultForSingleNodeRule(const ParamMap& params, const OrLo
             return true;
         }
         mIsValueMissing = mIsValueMissing || param->value.empty();
+        isComparable = isComparable || !param->type.empty();
+    }
+    if (!isComparable) {
+        Note(Reason::UNKNOWN_NAME);
     }
     return false;
 }
@@ -202,10 +232,12 @@ bool NodeRuleEngine::IsFaultForNodeRuleItem(const ParamIndex& params, const OrLo
         isThere = true;
         const bool hit = CompareParam(param, item.GetLogic(), item.GetValue(), param.value);
         mIsValueMissing = mIsValueMissing || (!hit && param.value.empty());
+        NoteType(param);
         return hit;
     });
     if (!isThere) {
         mIsValueMissing = true;
+        Note(Reason::UNKNOWN_NAME);
         CompareParam({{}, {}, item.GetParamId(), {}}, item.GetLogic(), item.GetValue(), {}); // noted, fails
     }
     return holds;

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "arborist/evaluation/formula.h"
 #include "arborist/evaluation/rule_checker.h"
 #include "arborist/model/condition.h"
 
@@ -23,7 +24,8 @@ public:
 private:
     class ParamIndex;
 
-    static void SetExpressNodeValue(const ParamIndex& params, const std::string& name, const std::string& value);
+    void SetExpressNodeValue(const ParamIndex& params, const std::string& name, const std::string& value) const;
+    void NoteFormula(const Formula::Outcome& outcome) const;
     static const std::string* GetExpressNodeValue(const ParamIndex& params, std::string_view name);
     /// True if every file could be read. An unreadable file has the empty value.
     bool SetParamValue(const NodeRule& rule, const ParamIndex& params);

@@ -1,5 +1,8 @@
 #include "arborist/evaluation/rule_checker.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "arborist/model/condition.h"
 #include "arborist/utilities/string_util.h"
 
@@ -37,6 +40,31 @@ bool TextHolds(const std::string& logic, const std::string& configured, const st
     return logic == RuleChecker::LOGIC_NE && configured != observed;
 }
 
+bool IsLogic(const std::string& word)
+{
+    constexpr std::string_view WORDS[] = {RuleChecker::LOGIC_GT, RuleChecker::LOGIC_LT, RuleChecker::LOGIC_LE,
+                                          RuleChecker::LOGIC_GE, RuleChecker::LOGIC_EQ, RuleChecker::LOGIC_NE};
+    return std::find(std::begin(WORDS), std::end(WORDS), word) != std::end(WORDS);
+}
+
+bool IsType(const std::string& word)
+{
+    constexpr std::string_view WORDS[] = {RuleChecker::TYPE_INT, RuleChecker::TYPE_LONG, RuleChecker::TYPE_FLOAT,
+                                          RuleChecker::TYPE_DOUBLE, RuleChecker::TYPE_STRING};
+    return std::find(std::begin(WORDS), std::end(WORDS), word) != std::end(WORDS);
+}
+
+bool IsTakenForZero(const std::string& type, const std::string& text)
+{
+    if (type == RuleChecker::TYPE_INT || type == RuleChecker::TYPE_LONG) {
+        return !StringUtil::HoldsInt32(text);
+    }
+    if (type == RuleChecker::TYPE_FLOAT) {
+        return !StringUtil::HoldsFloat(text);
+    }
+    return type == RuleChecker::TYPE_DOUBLE && !StringUtil::HoldsDouble(text);
+}
+
 } // namespace
 
 bool RuleChecker::IsFaultForParam(const std::string& logic, const std::string& type, const std::string& configured,
@@ -72,11 +100,42 @@ bool RuleChecker::CompareParam(const Param& param, const std::string& logic, con
                                std::string_view sourceId) const
 {
     const bool holds = IsFaultForParam(logic, param.type, configured, observed);
+    if (GetRecord() != nullptr && !observed.empty()) {
+        NoteConfigured(logic, param.type, configured);
+        NoteObserved(param.type, observed);
+    }
     if (GetComparisons() != nullptr) {
         GetComparisons()->push_back({param.id, param.key, param.type, logic, observed, configured, std::string(source),
             std::string(sourceId), holds});
     }
     return holds;
+}
+
+void RuleChecker::NoteConfigured(
+    const std::string& logic, const std::string& type, const std::string& configured) const
+{
+    if (!IsLogic(logic) || !(type.empty() || IsType(type))) {
+        Note(Evidence::Reason::UNKNOWN_NAME);
+    }
+    if (configured.empty()) {
+        Note(Evidence::Reason::NO_THRESHOLD);
+    } else if (IsTakenForZero(type, configured)) {
+        Note(Evidence::Reason::BAD_NUMBER);
+    }
+}
+
+void RuleChecker::NoteType(const Param& param) const
+{
+    if (param.type.empty()) {
+        Note(Evidence::Reason::UNKNOWN_NAME);
+    }
+}
+
+void RuleChecker::NoteObserved(const std::string& type, const std::string& observed) const
+{
+    if (!observed.empty() && IsTakenForZero(type, observed)) {
+        Note(Evidence::Reason::BAD_NUMBER);
+    }
 }
 
 bool RuleChecker::CompareValue(const std::string& logic, std::int32_t configured, std::int32_t observed)

@@ -80,6 +80,20 @@ protected:
     /// Sets the list for comparisons; null, the default of every new record, for none.
     void WriteComparisonsInto(std::vector<Evidence::Comparison>* comparisons) { mComparisons = comparisons; }
     std::vector<Evidence::Comparison>* GetComparisons() const { return mComparisons; }
+    /// Adds a reason to the record, if there is one, beside the one that decides.
+    void Note(Evidence::Reason reason) const
+    {
+        if (GetRecord() != nullptr) {
+            GetRecord()->Note(reason);
+        }
+    }
+    /// Notes what makes a comparison with this configured text less than an answer: a word that is not known, no value
+    /// to compare with, a text that is taken for 0. A parameter without a type is no part of the comparison.
+    void NoteConfigured(const std::string& logic, const std::string& type, const std::string& configured) const;
+    /// Notes a parameter that has no type although a condition names it.
+    void NoteType(const Param& param) const;
+    /// Notes an observed text that is taken for 0.
+    void NoteObserved(const std::string& type, const std::string& observed) const;
     void NoteReason(Evidence::Reason reason) { mReason = reason; }
     /// Notes the reason and returns `answer`: `return Decide(Reason::NO_NODES, false);`.
     bool Decide(Evidence::Reason reason, bool answer)

@@ -5,6 +5,7 @@
 #include "arborist/evaluation/alternative_finder.h"
 #include "arborist/evaluation/code_rule_engine.h"
 #include "arborist/evaluation/common_part_preparation.h"
+#include "arborist/evaluation/rule_check.h"
 #include "arborist/evaluation/rule_checker.h"
 #include "arborist/evaluation/rule_helper.h"
 #include "arborist/frame/detect_info.h"
@@ -35,6 +36,16 @@ Evidence::Rule* AddRecord(Evidence::Alternative* alternative, const std::string&
     return &record;
 }
 
+// What the rooms below tell of the event log makes a count less than an answer.
+void NoteTrouble(Evidence::Trouble::Kind kind, Evidence::Rule& record)
+{
+    if (kind == Evidence::Trouble::Kind::EVENT_LOG_UNREADABLE) {
+        record.Note(Reason::LOG_DAMAGED);
+    } else if (kind == Evidence::Trouble::Kind::BAD_EXTRA) {
+        record.Note(Reason::NO_VALUE);
+    }
+}
+
 } // namespace
 
 RuleEngine::RuleEngine(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<FaultTreeParser> faultTreeParser)
@@ -48,6 +59,7 @@ RuleEngine::RuleEngine(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<F
 
 void RuleEngine::Init()
 {
+    mTreeChecks.StartDetection();
     CommonPartDbHelper::GetInstance().Init();
     InitCommonPart();
 }
@@ -115,16 +127,28 @@ void RuleEngine::RunRules()
     if (mFaultTreeParser == nullptr) {
         return;
     }
+    mTreeChecks.StartTree();
     // Who has rules is settled before the first of them runs: a code rule calls the host, and the host may call back.
-    std::vector<std::pair<std::shared_ptr<Event>, std::shared_ptr<EventRule>>> events;
+    struct Place {
+        std::shared_ptr<Event> event;
+        std::shared_ptr<EventRule> eventRule;
+        bool hasEntry;
+    };
+    std::vector<Place> places;
     const auto& eventRules = mFaultTreeParser->GetEventRuleMap();
     for (const auto& event : mRuleEngineHelper->GetAllEventList()) {
         const auto entry = eventRules.find(event->GetId());
         if (entry != eventRules.end()) {
-            events.emplace_back(event, entry->second);
+            places.push_back({event, entry->second, true});
+        } else if (GetObserver() != nullptr) {
+            places.push_back({event, nullptr, false});
         }
     }
-    for (const auto& [event, eventRule] : events) {
+    for (const auto& [event, eventRule, hasEntry] : places) {
+        if (!hasEntry) {
+            mTreeChecks.AddWithoutEntry(*event);
+            continue;
+        }
         mRuleHelper->SetCurrentEvent(event);
         if (IsFaultHappenedForEvent(event, eventRule)) {
             FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: check error true %s:%s", "RuleEngine::RunRules",
@@ -138,19 +162,23 @@ bool RuleEngine::IsFaultHappenedForEvent(
     const std::shared_ptr<Event>& event, const std::shared_ptr<EventRule>& eventRule)
 {
     if (GetObserver() == nullptr) {
-        return DecideEvent(*event, eventRule.get(), nullptr);
+        return DecideEvent(*event, eventRule.get(), nullptr, nullptr);
     }
     Evidence::Event record;
     record.id = event->GetId();
     record.name = event->GetName();
-    const bool fired = record.fired = DecideEvent(*event, eventRule.get(), &record);
+    EventCheck eventCheck;
+    eventCheck.KeepTrue(mTreeChecks.GetTrueCheck(eventRule.get()));
+    const bool fired = record.fired = DecideEvent(*event, eventRule.get(), &eventCheck, &record);
+    mTreeChecks.AddDecided(*event, eventRule.get(), eventCheck, record);
     if (GetObserver() != nullptr) { // still: a code rule calls the host
         GetObserver()->OnEventDecided(std::move(record));
     }
     return fired;
 }
 
-bool RuleEngine::DecideEvent(const Event& event, EventRule* eventRule, Evidence::Event* record)
+bool RuleEngine::DecideEvent(
+    const Event& event, EventRule* eventRule, EventCheck* eventCheck, Evidence::Event* record)
 {
     Reason reason = Reason::NONE;
     bool fired = false;
@@ -162,7 +190,7 @@ bool RuleEngine::DecideEvent(const Event& event, EventRule* eventRule, Evidence:
         const auto names = eventRule != nullptr ? RuleHelper::GetRuleNamesByRuleList(eventRule->GetRuleList())
                                                 : std::vector<std::string>();
         reason = names.empty() ? Reason::NO_RULE_NAMES : Reason::NONE;
-        fired = !names.empty() && AskRulesOfEvent(event.GetId(), *eventRule, names, record);
+        fired = !names.empty() && AskRulesOfEvent(event.GetId(), *eventRule, names, eventCheck, record);
     }
     if (record != nullptr) {
         record->reason = reason;
@@ -171,27 +199,39 @@ bool RuleEngine::DecideEvent(const Event& event, EventRule* eventRule, Evidence:
 }
 
 bool RuleEngine::AskRulesOfEvent(const std::string& eventId, EventRule& eventRule,
-                                 const std::vector<std::string>& names, Evidence::Event* record)
+                                 const std::vector<std::string>& names, EventCheck* eventCheck,
+                                 Evidence::Event* record)
 {
     const AlternativeFinder finder(eventRule.GetRuleList());
-    for (const std::string& name : names) {
+    for (std::size_t number = 0; number < names.size(); ++number) {
+        const std::string& name = names[number];
         Evidence::Alternative* const alternative = record == nullptr ? nullptr : &record->alternatives.emplace_back();
-        if (name.find(RuleHelper::TYPE_COMMA) != std::string::npos) {
-            DoMultiRulesCheck(name, eventId, finder.Find(name), alternative);
-            continue;
-        }
-        const bool result = GetSingleRuleCheckResult(name, eventId, alternative);
-        // An alternative without a name stands for nothing; its rule is asked all the same.
-        const auto entry = name.empty() ? nullptr : RuleHelper::OrLogMissing(finder.Find(name));
-        if (entry != nullptr) {
-            entry->result = result;
+        const auto entry = name.find(RuleHelper::TYPE_COMMA) != std::string::npos
+            ? DoMultiRulesCheck(name, eventId, finder.Find(name), alternative)
+            : DoSingleRuleCheck(name, eventId, finder, alternative);
+        if (eventCheck != nullptr && entry != nullptr) {
+            eventCheck->Land(entry.get(), entry->result, CheckOfAlternative(*alternative), number);
         }
     }
     return eventRule.CheckResult();
 }
 
-void RuleEngine::DoMultiRulesCheck(const std::string& names, const std::string& eventId,
-                                   const std::shared_ptr<OrRuleSingle>& entry, Evidence::Alternative* alternative)
+// The entry that the result was written to; null for nowhere.
+std::shared_ptr<OrRuleSingle> RuleEngine::DoSingleRuleCheck(const std::string& name, const std::string& eventId,
+    const AlternativeFinder& finder, Evidence::Alternative* alternative)
+{
+    const bool result = GetSingleRuleCheckResult(name, eventId, alternative);
+    // An alternative without a name stands for nothing; its rule is asked all the same.
+    const auto entry = name.empty() ? nullptr : RuleHelper::OrLogMissing(finder.Find(name));
+    if (entry != nullptr) {
+        entry->result = result;
+    }
+    return entry;
+}
+
+// As DoSingleRuleCheck. Without a part between the commas nothing is asked, and nothing written.
+std::shared_ptr<OrRuleSingle> RuleEngine::DoMultiRulesCheck(const std::string& names, const std::string& eventId,
+    const std::shared_ptr<OrRuleSingle>& entry, Evidence::Alternative* alternative)
 {
     const auto parts = StringUtil::Split(names, RuleHelper::TYPE_COMMA);
     std::size_t place = 0;
@@ -203,14 +243,14 @@ void RuleEngine::DoMultiRulesCheck(const std::string& names, const std::string& 
     if (entry != nullptr && !parts.empty()) {
         entry->result = result;
     }
-    if (alternative == nullptr) {
-        return;
+    if (alternative != nullptr) {
+        alternative->inGroup = true;
+        for (; place < parts.size(); ++place) {
+            const auto rule = mFaultTreeParser->GetRuleByRuleName(parts[place]);
+            AddRecord(alternative, parts[place], rule.get())->reason = Reason::GROUP_ENDED;
+        }
     }
-    alternative->inGroup = true;
-    for (; place < parts.size(); ++place) {
-        const auto rule = mFaultTreeParser->GetRuleByRuleName(parts[place]);
-        AddRecord(alternative, parts[place], rule.get())->reason = Reason::GROUP_ENDED;
-    }
+    return parts.empty() ? nullptr : entry;
 }
 
 bool RuleEngine::GetSingleRuleCheckResult(
@@ -218,6 +258,15 @@ bool RuleEngine::GetSingleRuleCheckResult(
 {
     const std::shared_ptr<Rule> rule = mFaultTreeParser->GetRuleByRuleName(ruleName);
     Evidence::Rule* const record = AddRecord(alternative, ruleName, rule.get());
+    const bool fired = AskIfSupported(rule, eventId, record);
+    if (record != nullptr) {
+        record->check = CheckOfRule(*record);
+    }
+    return fired;
+}
+
+bool RuleEngine::AskIfSupported(const std::shared_ptr<Rule>& rule, const std::string& eventId, Evidence::Rule* record)
+{
     if (mRuleHelper->IsSpecifiedRuleItemSupported(rule)) {
         return AskRule(rule, eventId, record);
     }
@@ -238,6 +287,7 @@ bool RuleEngine::AskRule(const std::shared_ptr<Rule>& rule, const std::string& e
         watch.emplace([&](Evidence::Trouble trouble) {
             trouble.eventId = eventId;
             trouble.ruleName = rule->name;
+            NoteTrouble(trouble.kind, *record);
             if (GetObserver() != nullptr) { // still: a code rule calls the host
                 GetObserver()->OnTrouble(std::move(trouble));
             }

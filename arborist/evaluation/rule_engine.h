@@ -9,9 +9,11 @@
 
 #include "arborist/evaluation/rule_checkers.h"
 #include "arborist/evaluation/rule_engine_helper.h"
+#include "arborist/evaluation/tree_checks.h"
 #include "arborist/frame/detection_observer.h"
 #include "arborist/model/event_rule.h"
 
+class AlternativeFinder;
 class CommonPart;
 class DeviceDetails;
 class FaultTree;
@@ -48,6 +50,9 @@ public:
     /// CodeRuleEngine::GetCodeRuleInfoByType.
     std::vector<std::string> GetCodeRuleInfoByType(std::string_view type, const std::string& detectCode);
 
+    /// What the events of the tree that ran last rest on; empty when nobody listened.
+    const TreeChecks& GetTreeChecks() const { return mTreeChecks; }
+
     /// Told of each event that is decided. Not owned; outlives the engine or is taken away with null.
     void SetObserver(DetectionObserver* observer) { mObserver = observer; }
 
@@ -57,13 +62,16 @@ private:
     void MarkObservable();
     void RunRules();
     bool IsFaultHappenedForEvent(const std::shared_ptr<Event>& event, const std::shared_ptr<EventRule>& eventRule);
-    bool DecideEvent(const Event& event, EventRule* eventRule, Evidence::Event* record);
+    bool DecideEvent(const Event& event, EventRule* eventRule, EventCheck* eventCheck, Evidence::Event* record);
     bool AskRulesOfEvent(const std::string& eventId, EventRule& eventRule, const std::vector<std::string>& names,
-                         Evidence::Event* record);
+                         EventCheck* eventCheck, Evidence::Event* record);
     bool GetSingleRuleCheckResult(
         const std::string& ruleName, const std::string& eventId, Evidence::Alternative* alternative);
-    void DoMultiRulesCheck(const std::string& names, const std::string& eventId,
-                           const std::shared_ptr<OrRuleSingle>& entry, Evidence::Alternative* alternative);
+    bool AskIfSupported(const std::shared_ptr<Rule>& rule, const std::string& eventId, Evidence::Rule* record);
+    std::shared_ptr<OrRuleSingle> DoSingleRuleCheck(const std::string& name, const std::string& eventId,
+        const AlternativeFinder& finder, Evidence::Alternative* alternative);
+    std::shared_ptr<OrRuleSingle> DoMultiRulesCheck(const std::string& names, const std::string& eventId,
+        const std::shared_ptr<OrRuleSingle>& entry, Evidence::Alternative* alternative);
     bool AskRule(const std::shared_ptr<Rule>& rule, const std::string& eventId, Evidence::Rule* record);
     // Null without an observer.
     DetectionObserver* GetObserver() const { return mObserver; }
@@ -76,6 +84,7 @@ private:
     std::shared_ptr<CommonPart> mCommonPart;
     std::shared_ptr<FaultTree> mFaultTree;
     RuleCheckers mCheckers;
+    TreeChecks mTreeChecks;
     DetectionObserver* mObserver = nullptr;
 };
 

@@ -37,7 +37,7 @@ Evidence::Moment MomentOf(std::int64_t seconds)
     return {seconds, isDate ? local : ""};
 }
 
-std::string RepairIdOf(const Event& event)
+std::string RepairIdOf(const Event& event, bool& isUnreadable)
 {
     if (event.GetUserDefined().empty()) {
         return {};
@@ -47,6 +47,7 @@ std::string RepairIdOf(const Event& event)
     if (!ParseJson(event.GetUserDefined(), root, error)) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: parse userDefinedJson err. %s ",
             "RuleHelper::GetRepairIdFromCurEvent", error.c_str());
+        isUnreadable = true;
     }
     return MemberText(root, StartTimes::REPAIR_ID);
 }
@@ -88,7 +89,7 @@ std::int64_t StartTimes::GetDetectStartTime(std::int32_t days, const std::string
     raise(repair.time, Evidence::Floor::REPAIR);
     if (record != nullptr) {
         *record = {MomentOf(start), MomentOf(periodStart), MomentOf(reset), MomentOf(update), MomentOf(repair.time),
-            floor, period, word, std::move(repair.repairId)};
+            floor, period, word, std::move(repair.repairId), repair.isUnreadable};
     }
     return start;
 }
@@ -105,19 +106,20 @@ StartTimes::RepairTime StartTimes::GetRepairTimeByEventId(const std::string& eve
         return latest;
     }
     const auto consider = [this, &latest](const std::string& repairId) {
-        const std::int64_t time = GetRepairTimeFromDb(repairId);
+        const std::int64_t time = GetRepairTimeFromDb(repairId, latest.isUnreadable);
         if (time > latest.time) {
-            latest = {time, repairId};
+            latest.time = time;
+            latest.repairId = repairId;
         }
     };
     std::for_each(repairIds.begin(), repairIds.end(), consider);
     if (current != nullptr && current->GetId() == eventId) {
-        consider(RepairIdOf(*current));
+        consider(RepairIdOf(*current, latest.isUnreadable));
     }
     return latest;
 }
 
-std::int64_t StartTimes::GetRepairTimeFromDb(const std::string& repairId) const
+std::int64_t StartTimes::GetRepairTimeFromDb(const std::string& repairId, bool& isUnreadable) const
 {
     if (repairId.empty()) {
         return 0;
@@ -125,6 +127,7 @@ std::int64_t StartTimes::GetRepairTimeFromDb(const std::string& repairId) const
     const StatementTrouble kind(Evidence::Trouble::Kind::REPAIRS_UNREADABLE);
     const std::string date = mRepairDates->Query(repairId);
     const std::int64_t time = date.empty() ? 0 : TimeUtil::StrToTimeStamp(date, "%Y-%m-%d %H:%M:%S");
+    isUnreadable = isUnreadable || mRepairDates->HasFailed() || (time == 0 && !date.empty());
     if (time > TimeUtil::GetLastMoment()) {
         // The store keeps the latest date alone: when the repair was carried out before is not known any more.
         TroubleWatch::Tell(Evidence::Trouble::Kind::REPAIR_HISTORY_LOST, date, repairId);

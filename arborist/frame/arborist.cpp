@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "arborist/deduction/fault_tree_visitor.h"
+#include "arborist/deduction/judge_tree.h"
 #include "arborist/evaluation/rule_engine.h"
 #include "arborist/evaluation/rule_helper.h"
 #include "arborist/frame/log.h"
@@ -189,7 +190,8 @@ std::shared_ptr<FaultTreeResult> Arborist::RunFaultTree(const std::shared_ptr<Fa
         mObserver->OnTreeStarted({faultTree->GetId(), faultTree->GetVersion(), faultTree->GetType()});
     }
     mRuleEngine->StartRunRules(faultTree);
-    mFaultTreeVisitor->DeduceRootCause(faultTree);
+    const TreeChecks& checks = mRuleEngine->GetTreeChecks();
+    mFaultTreeVisitor->DeduceRootCause(faultTree, checks.GetChecks());
     const auto& nodes = mFaultTreeVisitor->GetRootCauseNodeList();
 
     auto result = std::make_shared<FaultTreeResult>(faultTree->GetId());
@@ -199,7 +201,9 @@ std::shared_ptr<FaultTreeResult> Arborist::RunFaultTree(const std::shared_ptr<Fa
         result->mRootCauseResults = GetRootCauseResultList(nodes);
     }
     if (mObserver != nullptr) {
-        mObserver->OnTreeFinished({result->mTreeId, result->mIsFault});
+        Evidence::TreeVerdict verdict = JudgeTree(*faultTree, result->mIsFault, checks.GetChecks());
+        verdict.open = checks.ListOpen(verdict.checks);
+        mObserver->OnTreeFinished({result->mTreeId, result->mIsFault, std::move(verdict)});
     }
     return result;
 }

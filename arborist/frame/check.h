@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "arborist/arborist_export.h"
+#include "arborist/frame/evidence_words.h"
 
 namespace Evidence {
 
@@ -34,6 +35,10 @@ enum class Check : unsigned char {
 /// for NONE.
 ARBORIST_EXPORT const char* CheckText(Check check);
 
+/// What an answer with this reason rests on, as far as the reason alone tells; NONE for NONE and for a rule that was not
+/// asked because its group had ended.
+ARBORIST_EXPORT Check CheckOf(Reason reason);
+
 /// Whether the answer could be another one if all that it needs were there.
 constexpr bool IsOpen(Check check)
 {
@@ -53,6 +58,10 @@ public:
     std::size_t Of(Check check) const { return mCounts[static_cast<std::size_t>(check)]; }
     std::size_t Total() const;
     std::size_t Open() const;
+
+#if defined(__cpp_impl_three_way_comparison)
+    bool operator==(const CheckCounts&) const = default;
+#endif
 
 private:
     std::array<std::size_t, static_cast<std::size_t>(Check::RULE_UNUSABLE) + 1> mCounts = {};

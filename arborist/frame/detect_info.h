@@ -18,6 +18,16 @@ public:
     /// The ids are those of the first event that uses the rule; `userDefinedInfo` is the rule's own text, unchanged.
     virtual bool RunCodeRule(std::vector<std::string> faultDescriptionIds, std::vector<std::string> suggestionIds,
         std::vector<std::string> repairIds, const std::string& userDefinedInfo) = 0;
+
+    /// How the last RunCodeRule ended.
+    enum class Outcome {
+        ANSWERED,
+        NOBODY_THERE, ///< nothing that could answer: the rule counts as one without a runner
+        BROKEN_OFF, ///< the test came to no answer
+    };
+    /// What RunCodeRule returns decides the rule in any case. Without an answer, what rests on it is open. ANSWERED
+    /// unless a host overrides it.
+    virtual Outcome GetOutcome() const { return Outcome::ANSWERED; }
 };
 
 /// Attributes of the device. All are texts; an empty text means that the attribute is not known.

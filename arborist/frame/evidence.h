@@ -10,7 +10,9 @@
 #include <vector>
 
 #include "arborist/arborist_export.h"
+#include "arborist/frame/check.h"
 #include "arborist/frame/evidence_words.h"
+#include "arborist/frame/tree_verdict.h"
 
 // From C++20 on records can be compared.
 #if defined(__cpp_impl_three_way_comparison)
@@ -47,6 +49,8 @@ struct Start {
     std::string beginFlag;
     /// The repair with the latest date; empty if there is none.
     std::string repairId;
+    /// A repair's date, or the event's repair id, could not be read: the start may be too early.
+    bool isRepairUnreadable = false;
 
     ARBORIST_COMPARABLE(Start)
 };
@@ -115,6 +119,8 @@ struct Window {
     WindowCount count;
     bool hit = false;
     Reason reason = Reason::NONE;
+    /// Why the count may be another one: NEGATIVE_WEIGHT, REPAIR_UNREADABLE.
+    std::vector<Reason> notes;
     std::vector<Test> tests;
 
     /// How much the best id lacked of the threshold; 0 for a hit and for a window that was not counted.
@@ -276,6 +282,8 @@ struct Rule {
     Reason reason = Reason::NONE;
     /// What else went wrong on the way, each once: a node file that is missing although the condition was met.
     std::vector<Reason> notes;
+    /// What the answer rests on: the worst of reason, notes, windows and statements.
+    Check check = Check::NONE;
     std::optional<Filter> filter;
     /// The unknown name in the rule (NO_COMMON_PART, NO_SUCH_DATABASE); the method that is none (NOT_SQL).
     std::optional<std::string> badName;
@@ -313,6 +321,7 @@ struct Event {
     /// NONE if the reasons are those of its rules.
     Reason reason = Reason::NONE;
     std::vector<Alternative> alternatives;
+    Check check = Check::NONE;
 
     ARBORIST_COMPARABLE(Event)
 };
@@ -329,7 +338,11 @@ struct FoldedEvent {
     EventState status = EventState::UNKNOWN;
     /// True for an intermediate event with rules of its own, which doesn't follow its gate.
     bool observable = false;
+    /// NONE for an intermediate event without rules of its own.
+    Check check = Check::NONE;
 
+    /// Whether it counts as true although its check is open.
+    bool RestsOnDefault() const { return IsInError() && IsOpen(check); }
     bool IsLeaf() const { return type != EventType::INTERMEDIATE; }
     bool IsInError() const { return Evidence::IsInError(status); }
 
@@ -383,6 +396,7 @@ struct TreeHead {
 struct TreeResult {
     std::string id;
     bool isFault = false;
+    TreeVerdict verdict;
 
     ARBORIST_COMPARABLE(TreeResult)
 };

@@ -25,6 +25,8 @@ const char* Evidence::ReasonText(Reason reason)
         return "filtered_device_type";
     case Reason::NO_CHECKER:
         return "no_checker";
+    case Reason::NO_GATE:
+        return "no_gate";
     case Reason::GROUP_ENDED:
         return "group_ended";
     case Reason::NO_ITEMS:
@@ -41,6 +43,12 @@ const char* Evidence::ReasonText(Reason reason)
         return "window_reached";
     case Reason::LOG_UNAVAILABLE:
         return "log_unavailable";
+    case Reason::LOG_DAMAGED:
+        return "log_damaged";
+    case Reason::NEGATIVE_WEIGHT:
+        return "negative_weight";
+    case Reason::REPAIR_UNREADABLE:
+        return "repair_unreadable";
     case Reason::NO_EVENT_ID:
         return "no_event_id";
     case Reason::NO_COMMON_PART:
@@ -51,8 +59,12 @@ const char* Evidence::ReasonText(Reason reason)
         return "no_such_database";
     case Reason::DATABASE_UNAVAILABLE:
         return "database_unavailable";
-    case Reason::ROW_COUNT_NOT_ONE:
-        return "row_count_not_one";
+    case Reason::TABLE_INCOMPLETE:
+        return "table_incomplete";
+    case Reason::STATEMENT_FAILED:
+        return "statement_failed";
+    case Reason::ROW_COUNT:
+        return "row_count";
     case Reason::NO_INTERVAL:
         return "no_interval";
     case Reason::NO_THRESHOLD:
@@ -69,6 +81,8 @@ const char* Evidence::ReasonText(Reason reason)
         return "no_runner";
     case Reason::RUNNER_ANSWERED:
         return "runner_answered";
+    case Reason::RUNNER_FAILED:
+        return "runner_failed";
     case Reason::NO_CONDITION:
         return "no_condition";
     case Reason::UNKNOWN_CONDITION:
@@ -79,6 +93,12 @@ const char* Evidence::ReasonText(Reason reason)
         return "condition_met";
     case Reason::CONDITION_NOT_MET:
         return "condition_not_met";
+    case Reason::BAD_FORMULA:
+        return "bad_formula";
+    case Reason::BAD_NUMBER:
+        return "bad_number";
+    case Reason::UNKNOWN_NAME:
+        return "unknown_name";
     }
     return "";
 }

@@ -27,6 +27,7 @@ enum class Reason {
     FILTERED_PLATFORM, ///< the platform is not among the rule's
     FILTERED_DEVICE_TYPE, ///< the device type is not among the rule's
     NO_CHECKER, ///< no checker for this class of rule
+    NO_GATE, ///< an intermediate event has no gate that could be read: what should lie below is not known
     GROUP_ENDED, ///< an earlier rule of the same "multipleRule" was false
     // Alarm rules.
     NO_ITEMS, ///< the rule has no "alarmId"
@@ -36,13 +37,18 @@ enum class Reason {
     WINDOW_SHORT, ///< less than the threshold was found
     WINDOW_REACHED, ///< the threshold was reached
     LOG_UNAVAILABLE, ///< the event log is missing or can't be opened
+    LOG_DAMAGED, ///< the log broke off while it was read: rows may be missing
+    NEGATIVE_WEIGHT, ///< a row takes away from the weights that reached the threshold
+    REPAIR_UNREADABLE, ///< a repair date or id could not be read: rows from before a repair may count
     // Command rules.
     NO_EVENT_ID, ///< the event has the empty id
     NO_COMMON_PART, ///< the named common part entry doesn't exist
     NOT_SQL, ///< the analysis method is not "SQL"
     NO_SUCH_DATABASE, ///< the referenced "defDBTable" doesn't exist
     DATABASE_UNAVAILABLE, ///< the database can't be opened
-    ROW_COUNT_NOT_ONE, ///< the query failed or gave another number of rows than one
+    TABLE_INCOMPLETE, ///< derived tables were not built, or not from a whole log
+    STATEMENT_FAILED, ///< the database refused the statement
+    ROW_COUNT, ///< the statement gave another number of rows than one
     NO_INTERVAL, ///< the columns between which values are scaled give no time to scale by
     NO_THRESHOLD, ///< the value to compare with is empty, in the rule or in the common part
     HITS_SHORT, ///< too few of the referenced databases hit
@@ -53,12 +59,16 @@ enum class Reason {
     // Code rules.
     NO_RUNNER, ///< the host gave no runner
     RUNNER_ANSWERED, ///< the host's runner decided
+    RUNNER_FAILED, ///< the host's runner has no answer
     // Conditions, of any family.
     NO_CONDITION, ///< no condition of a known kind
     UNKNOWN_CONDITION, ///< a condition of an unknown kind
     NO_VALUE, ///< a value to compare is missing or empty
     CONDITION_MET, ///< a condition held
     CONDITION_NOT_MET, ///< no condition held
+    BAD_FORMULA, ///< a formula lacks a value for an operator, or a parenthesis its other
+    BAD_NUMBER, ///< a text that is no number was taken for 0
+    UNKNOWN_NAME, ///< a name or word that stands for nothing: in a formula, a condition or a type
 };
 
 /// What set the moment from which a rule looks at the log.

@@ -10,6 +10,23 @@
 
 namespace Evidence {
 
+/// A check that is no answer, and why.
+struct OpenCheck {
+    std::string eventId;
+    /// The rule that made it so: of several with this check the first. Empty where no rule was asked.
+    std::string ruleName;
+    Check check = Check::NONE;
+    Reason reason = Reason::NONE;
+    /// What the reason is about: a file, a name, a database's words. May be empty.
+    std::string detail;
+    /// The event counts as true all the same.
+    bool restsOnDefault = false;
+
+#if defined(__cpp_impl_three_way_comparison)
+    bool operator==(const OpenCheck&) const = default;
+#endif
+};
+
 /// What a detection may say of one tree, and what it rests on.
 ///
 /// `isFault` says whether a root cause was found; if none was found, that is no proof as long as checks are open. The
@@ -33,6 +50,10 @@ struct TreeVerdict {
         std::string id;
         /// The path of each member, ids from the top down joined by "/".
         std::vector<std::string> cutSet;
+
+#if defined(__cpp_impl_three_way_comparison)
+        bool operator==(const PossibleCause&) const = default;
+#endif
     };
 
     Word word = Word::UNDECIDED;
@@ -45,6 +66,13 @@ struct TreeVerdict {
     std::vector<PossibleCause> possibleCauses;
     /// True if there are more than `possibleCauses` has.
     bool arePossibleCausesTruncated = false;
+    /// One for each open check, in pre-order. Where nothing was decided and nothing is open: what was not selected, or
+    /// the top event of a tree without checks.
+    std::vector<OpenCheck> open;
+
+#if defined(__cpp_impl_three_way_comparison)
+    bool operator==(const TreeVerdict&) const = default;
+#endif
 };
 
 /// "fault", "undecided", "no_fault", "not_applicable".

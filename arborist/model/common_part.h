@@ -226,6 +226,10 @@ public:
     std::shared_ptr<CombineCommonPart> GetCombineCommon() const { return mCombineCommon; }
     void SetCombineCommon(std::shared_ptr<CombineCommonPart> block) { mCombineCommon = std::move(block); }
 
+    /// Run-time: whether the derived tables have all that they are made of. As long as nobody looked, they do.
+    bool AreTablesWhole() const { return mAreTablesWhole; }
+    void SetTablesWhole(bool areWhole) { mAreTablesWhole = areWhole; }
+
     /// True if a threshold bean has this name; always false for the empty name.
     bool IsHasThredCommonPart(const std::string& name) const;
 
@@ -249,6 +253,7 @@ private:
     std::shared_ptr<ThresholdOrLumbraBean> FindThresholdBean(const std::string& name) const;
 
     std::shared_ptr<CombineCommonPart> mCombineCommon;
+    bool mAreTablesWhole = true;
 };
 
 #endif

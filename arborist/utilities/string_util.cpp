@@ -151,6 +151,27 @@ std::int64_t StringUtil::StringToInt64Def(
     return StringToInt32Def(text, Low32(defaultValue), base, endPosition);
 }
 
+bool StringUtil::HoldsInt32(const std::string& text)
+{
+    long long number = 0;
+    std::size_t used = 0;
+    return ConvertWhole(text, number, 10, used) == Conversion::DONE;
+}
+
+bool StringUtil::HoldsFloat(const std::string& text)
+{
+    float number = 0;
+    std::size_t used = 0;
+    return Convert(text, number, used, Platform::StrToFloat) == Conversion::DONE;
+}
+
+bool StringUtil::HoldsDouble(const std::string& text)
+{
+    double number = 0;
+    std::size_t used = 0;
+    return Convert(text, number, used, Platform::StrToDouble) == Conversion::DONE;
+}
+
 std::string StringUtil::FixedText(double number)
 {
     // Room for the sign, every digit that a double can have before the point, the point and six digits.

@@ -41,6 +41,12 @@ float StringToFloatDef(const std::string& text, float defaultValue);
 /// Converts like strtod; otherwise as StringToFloatDef.
 double StringToDoubleDef(const std::string& text, double defaultValue);
 
+/// True if the conversions above find a number at the front of `text`, where they would otherwise return the default.
+/// Logs nothing.
+bool HoldsInt32(const std::string& text);
+bool HoldsFloat(const std::string& text);
+bool HoldsDouble(const std::string& text);
+
 /// The number as "%f" writes it, with six digits behind the point, and a point in every locale.
 std::string FixedText(double number);
 

@@ -32,22 +32,23 @@ CodeAnswers::CodeAnswers(std::map<std::string, bool> recorded, CodeRunner runner
 bool CodeAnswers::RunCodeRule(std::vector<std::string> faultDescriptionIds, std::vector<std::string> suggestionIds,
     std::vector<std::string> repairIds, const std::string& userDefinedInfo)
 {
+    mOutcome = Outcome::ANSWERED;
     const auto recorded = mRecorded.find(userDefinedInfo);
     if (recorded != mRecorded.end()) {
         return recorded->second;
     }
     if (mRunner.path.empty()) {
-        return Warn("no_code_runner", "the code rule with \"" + userDefinedInfo
-            + "\" has no recorded answer, and no --code-runner was given: taken as not present");
+        mOutcome = Outcome::NOBODY_THERE; // the detection's warnings name the rule
+        return false;
     }
     const ProgramOutcome outcome = RunProgram(mRunner.path,
         Question(faultDescriptionIds, suggestionIds, repairIds, userDefinedInfo), mRunner.timeout);
     const std::string about = mRunner.path + ": asked about \"" + userDefinedInfo + "\": ";
     if (outcome.kind == ProgramOutcome::Kind::TROUBLE) {
-        return Warn("code_runner", about + outcome.trouble + ": taken as not present");
+        return Warn(Outcome::BROKEN_OFF, "code_runner", about + outcome.trouble + ": taken as not present");
     }
     if (outcome.exitStatus != 0 && outcome.exitStatus != 1) {
-        return Warn("code_runner", about + "exit status " + std::to_string(outcome.exitStatus)
+        return Warn(Outcome::BROKEN_OFF, "code_runner", about + "exit status " + std::to_string(outcome.exitStatus)
             + ", neither 0 (present) nor 1 (not present): taken as not present");
     }
     return Keep(userDefinedInfo, outcome.exitStatus == 0);
@@ -56,13 +57,14 @@ bool CodeAnswers::RunCodeRule(std::vector<std::string> faultDescriptionIds, std:
 bool CodeAnswers::Keep(const std::string& userDefinedInfo, bool answer)
 {
     if (mAnswers.try_emplace(userDefinedInfo, answer).first->second != answer) {
-        Warn("code_runner", mRunner.path + ": two answers about \"" + userDefinedInfo + "\" differ");
+        Warn(Outcome::ANSWERED, "code_runner", mRunner.path + ": two answers about \"" + userDefinedInfo + "\" differ");
     }
     return answer;
 }
 
-bool CodeAnswers::Warn(const std::string& code, const std::string& message)
+bool CodeAnswers::Warn(Outcome outcome, const std::string& code, const std::string& message)
 {
+    mOutcome = outcome;
     mWarnings.push_back({code, message});
     return false;
 }

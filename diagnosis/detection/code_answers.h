@@ -25,6 +25,7 @@ public:
 
     bool RunCodeRule(std::vector<std::string> faultDescriptionIds, std::vector<std::string> suggestionIds,
         std::vector<std::string> repairIds, const std::string& userDefinedInfo) override;
+    Outcome GetOutcome() const override { return mOutcome; }
 
     const std::vector<Warning>& GetWarnings() const { return mWarnings; }
     /// The answers of the program by the rule's text. If two answers differ, the first stays, with a warning.
@@ -32,12 +33,13 @@ public:
 
 private:
     bool Keep(const std::string& userDefinedInfo, bool answer);
-    bool Warn(const std::string& code, const std::string& message);
+    bool Warn(Outcome outcome, const std::string& code, const std::string& message);
 
     std::map<std::string, bool> mRecorded;
     CodeRunner mRunner;
     std::vector<Warning> mWarnings;
     std::map<std::string, bool> mAnswers;
+    Outcome mOutcome = Outcome::ANSWERED;
 };
 
 } // namespace diagnosis

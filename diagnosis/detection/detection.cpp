@@ -54,10 +54,18 @@ void ShowPaths(const BundleSession& session, Evidence::Rule& rule)
     }
 }
 
+void ShowPaths(const BundleSession& session, Evidence::TreeVerdict& verdict)
+{
+    for (Evidence::OpenCheck& open : verdict.open) {
+        open.detail = session.Shown(open.detail);
+    }
+}
+
 // Renames files in the explanation to their names in the bundle: the run kept them elsewhere.
 void ShowPaths(const BundleSession& session, Explanation& explanation)
 {
     for (ExplainedTree& tree : explanation.trees) {
+        ShowPaths(session, tree.verdict);
         for (Evidence::Event& event : tree.evidence) {
             for (Evidence::Alternative& alternative : event.alternatives) {
                 for (Evidence::Rule& rule : alternative.rules) {
@@ -73,6 +81,9 @@ void ShowPaths(const BundleSession& session, DetectionReport& report)
 {
     for (Warning& warning : report.warnings) {
         warning.message = session.Shown(warning.message);
+    }
+    for (Evidence::TreeVerdict& verdict : report.verdicts) {
+        ShowPaths(session, verdict);
     }
     if (report.failure) {
         report.failure->message = session.Shown(report.failure->message);
@@ -114,6 +125,7 @@ public:
             report.results.clear();
             return;
         }
+        report.verdicts = mRecorder->GetVerdicts();
         report.trees = mRecorder->GetTrees();
         if (mExplanation != nullptr) {
             ShowPaths(mSession, *mExplanation->GetExplanation());
@@ -144,6 +156,20 @@ bool DetectionReport::IsFault() const
 {
     return std::any_of(results.begin(), results.end(),
         [](const std::shared_ptr<FaultTreeResult>& result) { return result->mIsFault; });
+}
+
+bool DetectionReport::IsUndecided() const
+{
+    return std::any_of(verdicts.begin(), verdicts.end(), [](const Evidence::TreeVerdict& verdict) {
+        return verdict.word == Evidence::TreeVerdict::Word::UNDECIDED;
+    });
+}
+
+bool DetectionReport::HasUnusableRule() const
+{
+    return std::any_of(verdicts.begin(), verdicts.end(), [](const Evidence::TreeVerdict& verdict) {
+        return verdict.checks.Of(Evidence::Check::RULE_UNUSABLE) != 0;
+    });
 }
 
 std::optional<Failure> RuleSetFailure(const Evidence::RuleSet& ruleSet, const Bundle& bundle)

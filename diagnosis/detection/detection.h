@@ -30,6 +30,8 @@ struct DetectionReport {
     std::optional<Failure> failure;
     std::vector<Warning> warnings;
     std::vector<std::shared_ptr<FaultTreeResult>> results;
+    /// What each result rests on, in the same order.
+    std::vector<Evidence::TreeVerdict> verdicts;
     /// The trees of the results, in the same order; empty unless requested.
     std::vector<RecordedTree> trees;
     /// The bundle that was diagnosed, and the time of the diagnosis as local time. Set once the bundle is entered.
@@ -39,6 +41,9 @@ struct DetectionReport {
     std::shared_ptr<const Explanation> explanation;
 
     bool IsFault() const;
+    bool IsUndecided() const;
+    /// Whether a check of any tree is an error of the rule set.
+    bool HasUnusableRule() const;
 };
 
 /// Runs one detection for a bundle. Every failure, including an exception, is in the report.

@@ -35,4 +35,10 @@ void DetectionRecorder::OnRootCause(Evidence::RootCause rootCause)
     ++causes[known->second].count;
 }
 
+void DetectionRecorder::OnTreeFinished(Evidence::TreeResult result)
+{
+    mWarnings.OnTreeFinished(result);
+    mVerdicts.push_back(std::move(result.verdict));
+}
+
 } // namespace diagnosis

@@ -39,12 +39,15 @@ public:
     void OnEventDecided(Evidence::Event event) override { NoteWarnings(event); }
     void OnTreeFolded(std::vector<Evidence::FoldedEvent> events) override;
     void OnRootCause(Evidence::RootCause rootCause) override;
+    void OnTreeFinished(Evidence::TreeResult result) override;
     void OnTrouble(Evidence::Trouble trouble) override { mWarnings.OnTrouble(trouble); }
 
     /// The rule set after the last attempt to read it.
     const Evidence::RuleSet& GetRuleSet() const { return mRuleSet; }
     /// The trees in the order of the results.
     const std::vector<RecordedTree>& GetTrees() const { return mTrees; }
+    /// What each result rests on, in the order of the results.
+    const std::vector<Evidence::TreeVerdict>& GetVerdicts() const { return mVerdicts; }
     /// The problems that make the result less reliable.
     DetectionWarnings& GetWarnings() { return mWarnings; }
 
@@ -56,6 +59,7 @@ private:
     bool mKeepsEvents;
     Evidence::RuleSet mRuleSet;
     std::vector<RecordedTree> mTrees;
+    std::vector<Evidence::TreeVerdict> mVerdicts;
     // Index among the causes of the last tree, by id and cut set.
     std::map<std::pair<std::string, std::vector<std::string>>, std::size_t> mCausePlaces;
     DetectionWarnings mWarnings;

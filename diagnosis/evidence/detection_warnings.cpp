@@ -50,6 +50,14 @@ void DetectionWarnings::OnRuleSet(const Evidence::RuleSet& ruleSet)
     }
 }
 
+void DetectionWarnings::OnTreeFinished(const Evidence::TreeResult& result)
+{
+    if (result.verdict.isTrueWithoutCause) {
+        mList.Add("true_without_cause", "the top event of the tree " + Quoted(result.id)
+            + " is TRUE, and no cut set explains it: no root cause can be told");
+    }
+}
+
 void DetectionWarnings::OnTrouble(const Evidence::Trouble& trouble)
 {
     using Kind = Evidence::Trouble::Kind;

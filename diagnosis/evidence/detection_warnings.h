@@ -17,6 +17,7 @@ class DetectionWarnings {
 public:
     void OnRuleSet(const Evidence::RuleSet& ruleSet);
     void OnEvent(const Evidence::Event& event);
+    void OnTreeFinished(const Evidence::TreeResult& result);
     void OnTrouble(const Evidence::Trouble& trouble);
 
     /// Call it before the detection, which may create an empty log if there was none.

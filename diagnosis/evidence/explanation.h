@@ -40,6 +40,7 @@ struct ExplainedTree {
     /// The version of the tree itself; results have that of the tree file.
     std::string version;
     bool isFault = false;
+    Evidence::TreeVerdict verdict;
     /// In pre-order: the first event below another directly follows it.
     std::vector<ExplainedEvent> events;
     /// How each event with rules was decided. Events with the same id and equal evidence share one entry.

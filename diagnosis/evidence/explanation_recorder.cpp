@@ -63,6 +63,8 @@ void ExplanationRecorder::OnRootCause(Evidence::RootCause rootCause)
 void ExplanationRecorder::OnTreeFinished(Evidence::TreeResult result)
 {
     mTree.isFault = result.isFault;
+    mTree.verdict = result.verdict;
+    DetectionRecorder::OnTreeFinished(std::move(result));
     mPaths.reset();
     mExplanation->trees.push_back(std::move(mTree));
     mTree = ExplainedTree();

@@ -39,7 +39,9 @@ std::vector<Warning> WarningList::Told() const
 
 ExitStatus StrictStatus(const Warning& warning)
 {
-    return warning.code == "no_rules" || warning.code == "sql_failed" ? ExitStatus::RULE_SET : ExitStatus::INPUT;
+    const bool isOfRuleSet =
+        warning.code == "no_rules" || warning.code == "sql_failed" || warning.code == "true_without_cause";
+    return isOfRuleSet ? ExitStatus::RULE_SET : ExitStatus::INPUT;
 }
 
 } // namespace diagnosis

@@ -10,6 +10,7 @@
 #include "diagnosis/report/html.h"
 #include "diagnosis/report/report_causes.h"
 #include "diagnosis/report/report_style.h"
+#include "diagnosis/results/verdict_text.h"
 
 namespace diagnosis {
 
@@ -35,13 +36,22 @@ std::string Plural(std::size_t count, const std::string& one, const std::string&
     return std::to_string(count) + " " + (count == 1 ? one : more);
 }
 
+// Green is for an answer alone.
+const char* VerdictClass(const ExplainedTree& tree)
+{
+    return tree.isFault                                                    ? "fault"
+        : tree.verdict.word == Evidence::TreeVerdict::Word::NO_FAULT ? "sound"
+                                                                           : "undecided";
+}
+
 std::string Badge(const ExplainedTree& tree)
 {
+    const std::string words = VerdictWords(tree.verdict);
     if (!tree.isFault) {
-        return Html("span", "no fault", "badge sound");
+        return Html("span", words, std::string("badge ") + VerdictClass(tree));
     }
     const std::size_t causes = DistinctCausesOf(tree).size();
-    return Html("span", "FAULT, " + Plural(causes, "root cause", "root causes"), "badge fault");
+    return Html("span", "FAULT, " + Plural(causes, "root cause", "root causes") + words, "badge fault");
 }
 
 std::string TopName(const DrawnTree& tree)
@@ -54,7 +64,7 @@ std::string IndexOfTrees(const std::vector<DrawnTree>& trees, const Explanation&
     std::string items;
     for (std::size_t i = 0; i < std::min(trees.size(), explanation.trees.size()); ++i) {
         const ExplainedTree& tree = explanation.trees[i];
-        items += std::string("<li") + (tree.isFault ? " class=\"fault\"" : "") + "><a class=\"id\" href=\"#tree-"
+        items += std::string("<li class=\"") + VerdictClass(tree) + "\"><a class=\"id\" href=\"#tree-"
             + std::to_string(i + 1) + "\">" + Markup(ShownId(tree.id)) + "</a> " + Badge(tree)
             + Paragraph(TopName(trees[i])) + "</li>\n";
     }
@@ -69,6 +79,15 @@ std::string WarningsSection(const std::vector<Warning>& warnings)
     }
     return items.empty() ? "" : "<section class=\"warnings\" id=\"warnings\">\n<h2>Warnings</h2>\n"
             "<p>The result may be less than it looks.</p>\n<ul>\n" + items + "</ul>\n</section>\n";
+}
+
+std::string OpenSection(const Evidence::TreeVerdict& verdict)
+{
+    std::string items;
+    for (const Evidence::OpenCheck& open : verdict.open) {
+        items += "<li>" + Markup(OpenText(open)) + "</li>\n";
+    }
+    return items.empty() ? "" : "<h3>What is open</h3>\n<ul class=\"open\">\n" + items + "</ul>\n";
 }
 
 std::string EventItem(const DrawnTree& tree, std::size_t place)
@@ -140,7 +159,8 @@ std::string TreeSection(
 {
     std::string text = "<section id=\"tree-" + std::to_string(number) + "\">\n<h2>"
         + Html("span", ShownId(result.mTreeId), "id") + " " + Badge(explained) + "</h2>\n" + Paragraph(TopName(tree))
-        + Html("p", "Version " + ShownId(result.mVersion), "quiet") + CauseCards(explained, result);
+        + Html("p", "Version " + ShownId(result.mVersion), "quiet") + OpenSection(explained.verdict)
+        + CauseCards(explained, result);
     text += "<h3>The tree</h3>\n" + Picture(SvgTree(tree));
     return text + (result.mIsFault ? "<details open>" : "<details>")
         + Html("summary", "All events of the tree and their rules") + "\n" + EventList(tree, explained)
@@ -170,8 +190,13 @@ std::string Verdict(const DetectionReport& report)
     }
     const auto faults = std::count_if(report.results.begin(), report.results.end(),
         [](const auto& result) { return result->mIsFault; });
-    return faults == 0 ? "No fault found in " + Plural(report.results.size(), "tree", "trees")
-                       : "Faults in " + std::to_string(faults) + " of " + Plural(report.results.size(), "tree", "trees");
+    const std::string trees = Plural(report.results.size(), "tree", "trees");
+    const std::string found =
+        faults == 0 ? "No fault found in " + trees : "Faults in " + std::to_string(faults) + " of " + trees;
+    const auto undecided = std::count_if(report.verdicts.begin(), report.verdicts.end(), [](const auto& verdict) {
+        return verdict.word == Evidence::TreeVerdict::Word::UNDECIDED;
+    });
+    return undecided == 0 ? found : found + ", " + std::to_string(undecided) + " undecided";
 }
 
 std::string FailureSection(const Failure& failure)

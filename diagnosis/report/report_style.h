@@ -35,10 +35,12 @@ dt { color: var(--quiet); }
 dd { margin: 0; }
 .badge { font-size: .85rem; font-weight: 600; padding: .1rem .6rem; border-radius: 1rem; border: 1px solid; }
 .badge.fault { color: var(--fault); background: var(--fault-ground); }
+.badge.undecided { color: var(--unknown); background: var(--unknown-ground); }
 .badge.sound { color: var(--sound); background: var(--sound-ground); }
 .index { list-style: none; margin: 0; padding: 0; display: grid; gap: .6rem;
   grid-template-columns: repeat(auto-fill, minmax(min(20rem, 100%), 1fr)); }
-.index li { border: 1px solid var(--rule); border-left: 6px solid var(--sound); border-radius: 6px; padding: .5rem .8rem; }
+.index li { border: 1px solid var(--rule); border-left: 6px solid var(--unknown); border-radius: 6px; padding: .5rem .8rem; }
+.index li.sound { border-left-color: var(--sound); }
 .index li.fault { border-left-color: var(--fault); }
 .warnings { border-left: 6px solid var(--unknown); background: var(--unknown-ground); }
 .failure { border-left: 6px solid var(--fault); background: var(--fault-ground); }

@@ -1,6 +1,7 @@
 #include "diagnosis/results/detection_json.h"
 
 #include "diagnosis/results/explanation_json.h"
+#include "diagnosis/results/verdict_json.h"
 
 namespace diagnosis {
 
@@ -24,7 +25,9 @@ void WriteTree(JsonWriter& json, const std::vector<Evidence::FoldedEvent>& event
         }
         json.BeginObject().Text("id", event.id).Text("name", event.name).Text("kind", Evidence::TypeText(event.type));
         json.Text("gate", Evidence::GateText(event.gate)).Text("status", Evidence::StateText(event.status));
-        json.Bool("observable", event.type == Kind::INTERMEDIATE && event.observable).Key("children").BeginArray();
+        json.Bool("observable", event.type == Kind::INTERMEDIATE && event.observable);
+        json.Text("check", Evidence::CheckText(event.check)).Bool("restsOnDefault", event.RestsOnDefault());
+        json.Key("children").BeginArray();
         ++open;
     }
     for (; open > 0; --open) {
@@ -32,7 +35,8 @@ void WriteTree(JsonWriter& json, const std::vector<Evidence::FoldedEvent>& event
     }
 }
 
-void WriteResult(JsonWriter& json, const FaultTreeResult& result, const RecordedTree* tree)
+void WriteResult(JsonWriter& json, const FaultTreeResult& result, const Evidence::TreeVerdict& verdict,
+    const RecordedTree* tree)
 {
     json.BeginObject().Text("treeId", result.mTreeId).Text("version", result.mVersion);
     json.Bool("isFault", result.mIsFault).Key("rootCauses").BeginArray();
@@ -40,6 +44,7 @@ void WriteResult(JsonWriter& json, const FaultTreeResult& result, const Recorded
         WriteRootCause(json, *cause);
     }
     json.EndArray();
+    WriteVerdict(json, verdict);
     if (tree != nullptr && !tree->events.empty()) {
         json.Key("tree");
         WriteTree(json, tree->events);
@@ -84,7 +89,7 @@ std::string DetectionJson(const DetectionReport& report)
     WriteHead(json, "arborist.detect.1", report.bundle, !report.failure, report.warnings);
     json.Key("results").BeginArray();
     for (std::size_t i = 0; i < report.results.size(); ++i) {
-        WriteResult(json, *report.results[i], i < report.trees.size() ? &report.trees[i] : nullptr);
+        WriteResult(json, *report.results[i], report.verdicts[i], i < report.trees.size() ? &report.trees[i] : nullptr);
     }
     json.EndArray();
     if (report.explanation != nullptr) {

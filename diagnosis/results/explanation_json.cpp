@@ -6,6 +6,7 @@
 #include "diagnosis/analysis/minimal_sets.h"
 #include "diagnosis/results/detection_json.h"
 #include "diagnosis/results/rule_json.h"
+#include "diagnosis/results/verdict_json.h"
 
 namespace diagnosis {
 
@@ -29,6 +30,7 @@ public:
         // As in "detect", this is the version of the tree file, not the tree's own.
         mJson.BeginObject().Text("treeId", mTree.id);
         mJson.Text("version", mResult == nullptr ? mTree.version : mResult->mVersion).Bool("isFault", mTree.isFault);
+        WriteVerdict(mJson, mTree.verdict);
         if (!mView.brief) {
             WriteEvents();
             WriteEvidence();
@@ -86,6 +88,7 @@ private:
         mJson.BeginObject().Text("id", event.id).Text("name", event.name).Text("kind", Evidence::TypeText(event.type));
         mJson.Text("gate", Evidence::GateText(event.gate)).Text("status", Evidence::StateText(event.status));
         mJson.Bool("observable", event.observable);
+        mJson.Text("check", Evidence::CheckText(event.check)).Bool("restsOnDefault", event.RestsOnDefault());
         mJson.Text("reason", Evidence::ReasonText(ReasonOfEvent(mTree, event)));
         if (!event.IsLeaf()) {
             WriteLogic(place);
@@ -112,6 +115,7 @@ private:
         for (const Evidence::Event& evidence : mTree.evidence) {
             mJson.BeginObject().Text("event", evidence.id).Bool("fired", evidence.fired);
             mJson.Text("reason", Evidence::ReasonText(evidence.reason));
+            mJson.Text("check", Evidence::CheckText(evidence.check));
             mJson.Key("rules").BeginArray();
             for (const PlacedRule& placed : RulesOf(evidence)) {
                 if (IsShown(placed.rule, mView)) {

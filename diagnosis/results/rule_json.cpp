@@ -198,6 +198,19 @@ private:
     JsonWriter& mJson;
 };
 
+// What else went wrong on the way; left out where nothing did.
+void WriteNotes(JsonWriter& json, const std::vector<Evidence::Reason>& notes)
+{
+    if (notes.empty()) {
+        return;
+    }
+    json.Key("notes").BeginArray();
+    for (const Evidence::Reason note : notes) {
+        json.Text(Evidence::ReasonText(note));
+    }
+    json.EndArray();
+}
+
 } // namespace
 
 void WriteRule(JsonWriter& json, const PlacedRule& placed)
@@ -205,6 +218,8 @@ void WriteRule(JsonWriter& json, const PlacedRule& placed)
     const Evidence::Rule& rule = placed.rule;
     json.BeginObject().Text("name", rule.name).Text("family", Evidence::FamilyText(rule.GetFamily()));
     json.Text("verdict", Evidence::VerdictText(rule.verdict)).Text("reason", Evidence::ReasonText(rule.reason));
+    json.Text("check", Evidence::CheckText(rule.check));
+    WriteNotes(json, rule.notes);
     WriteCount(json, "alternative", placed.alternative);
     if (placed.inGroup) {
         WriteCount(json, "place", placed.place);

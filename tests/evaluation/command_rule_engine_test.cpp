@@ -179,7 +179,7 @@ TEST_F(CommandRuleEngineTest, QueryLooksBackThePeriodAndTheLimitItselfIsOut)
     EXPECT_TRUE(Fires());
     EventLogBuilder::Run(mDerived, "update Jank set occurrence_time = 1699913600 where n = 5");
     EXPECT_FALSE(Fires());
-    EXPECT_EQ(mReason, Reason::ROW_COUNT_NOT_ONE);
+    EXPECT_EQ(mReason, Reason::ROW_COUNT);
     EventLogBuilder::Run(mDerived, "update Jank set occurrence_time = 1699913601 where n = 5");
     EXPECT_TRUE(Fires());
 }
@@ -188,7 +188,7 @@ TEST_F(CommandRuleEngineTest, WhereInCapitalsGetsASecondClauseAndFails)
 {
     Item().sql = "select n, s from Jank WHERE n = 5";
     EXPECT_FALSE(Fires({Single("eq", "n", "5")}));
-    EXPECT_EQ(mReason, Reason::ROW_COUNT_NOT_ONE);
+    EXPECT_EQ(mReason, Reason::STATEMENT_FAILED);
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre(HasSubstr("near \"where\": syntax error")));
 }
 
@@ -426,7 +426,7 @@ TEST_F(CommandRuleEngineTest, WhyAStatementFailedIsNoted)
     mEngine.SetRecord(&mRecord);
     Item().sql = "select n from Missing";
     EXPECT_FALSE(Fires({Single("eq", "n", "5")}));
-    EXPECT_EQ(mReason, Reason::ROW_COUNT_NOT_ONE);
+    EXPECT_EQ(mReason, Reason::STATEMENT_FAILED);
     EXPECT_THAT(EvidenceLines(mRecord, "query"), ElementsAre("query " + mDerived
         + " rows 0: select n from Missing where occurrence_time >1697408000 failed: no such table: Missing"));
 }

@@ -405,7 +405,7 @@ TEST_F(NodeRuleEngineTest, FilesFormulaAndComparisonsAreNoted)
                 ElementsAre("node a a = '10'", "node b none unreadable ''",
                             "formula r = a - 3 - 2 as a - (3 - 2) -> 9.000000",
                             "compare 2 r double '9.000000' lt '9.5' holds", "compare 1 a int '10' lt '9' fails",
-                            "compare 3   '' eq '1' fails"));
+                            "compare 3   '' eq '1' fails", "note [unknown_name]"));
 }
 
 TEST_F(NodeRuleEngineTest, AMissingNodeIsNotedAlsoWhenTheConditionIsMet)
@@ -415,6 +415,7 @@ TEST_F(NodeRuleEngineTest, AMissingNodeIsNotedAlsoWhenTheConditionIsMet)
     NodeFile("a", "10");
     Node("b", "none");
     AddParam("1", "a", "int");
+    AddParam("2", "b", "");
     Conditions({SingleTest("eq", "10")});
     EXPECT_TRUE(Ask());
     EXPECT_THAT(record.notes, ElementsAre(Reason::NODE_UNREADABLE));

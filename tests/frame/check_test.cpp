@@ -39,6 +39,20 @@ TEST(CheckTest, WordsAreThoseOfResults)
     EXPECT_STREQ(Evidence::CheckText(Check::RULE_UNUSABLE), "error");
 }
 
+TEST(CheckTest, EveryReasonHasAWord)
+{
+    using Evidence::Reason;
+    // Reasons follow each other without a gap, and each has a text.
+    for (int number = 1; *Evidence::ReasonText(static_cast<Reason>(number)) != '\0'; ++number) {
+        const auto reason = static_cast<Reason>(number);
+        if (reason != Reason::GROUP_ENDED) {
+            EXPECT_NE(Evidence::CheckOf(reason), Check::NONE) << Evidence::ReasonText(reason);
+        }
+    }
+    EXPECT_EQ(Evidence::CheckOf(Reason::NONE), Check::NONE);
+    EXPECT_EQ(Evidence::CheckOf(Reason::GROUP_ENDED), Check::NONE);
+}
+
 TEST(CheckTest, VerdictsAreThoseOfResults)
 {
     using Word = Evidence::TreeVerdict::Word;

@@ -125,7 +125,7 @@ TEST_F(CodeRunnerTest, WithoutRunnerARuleWithoutARecordedAnswerIsAWarning)
     WriteCodeBundle(mDir, "recorded", {"yes", "asked"}, BundleJson(R"(, "codeAnswers": {"yes": true})"));
     WriteCodeBundle(mDir, "bare", {"asked"});
     EXPECT_THAT(RunArborist({"detect", "--json", "recorded"}).out, HasSubstr(R"("warnings": [{"code": "no_code_runner", )"
-        R"("message": "the code rule with \"asked\" has no recorded answer, and no --code-runner was given: )"));
+        R"("message": "the code rule \"ruleC2\" has no recorded answer, and no --code-runner was given: )"));
     EXPECT_THAT(RunArborist({"detect", "--json", "bare"}).out, HasSubstr(R"("warnings": [{"code": "no_code_runner", )"
         R"("message": "the code rule \"ruleC1\" has no recorded answer, and no --code-runner was given: )"));
 }

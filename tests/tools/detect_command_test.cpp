@@ -34,7 +34,8 @@ TEST_F(DetectCommandTest, AFaultIsToldWithAllItsIds)
                           "       suggestions   S1, S2\n"
                           "       repair        R1, operation clean, extra {\"R1\": \"{\\\"operat\\u0069on\\\": "
                           "\\\"clean\\\"}\"}\n"
-                          "       user defined  {}\n");
+                          "       user defined  {}\n"
+                          "  1 tree: 1 fault\n");
     EXPECT_THAT(result.err, IsEmpty());
     EXPECT_EQ(result.status, 0);
 }
@@ -47,7 +48,10 @@ TEST_F(DetectCommandTest, JsonHasExactlyTheKeysInTheirOrder)
         R"({"schema": "arborist.detect.1", "bundle": "b", "ok": true, "warnings": [], "results": [{"treeId": "T", )"
         R"("version": "3", "isFault": true, "rootCauses": [{"id": "HOT", "name": "Too hot", "userDefined": "{}", )"
         R"("faultDescription": "D1", "suggestions": ["S1", "S2"], "repairs": [{"id": "R1", )"
-        R"("extra": "{\"R1\": \"{\\\"operat\\u0069on\\\": \\\"clean\\\"}\"}", "operation": "clean"}]}]}]})"
+        R"("extra": "{\"R1\": \"{\\\"operat\\u0069on\\\": \\\"clean\\\"}\"}", "operation": "clean"}]}], )"
+        R"("verdict": "fault", "complete": true, "checks": {"total": 1, "decided": 1, "not_applicable": 0, )"
+        R"("not_selected": 0, "not_checked": 0, "no_data": 0, "error": 0}, "open": [], "possibleCauses": [], )"
+        R"("possibleCausesTruncated": false}]})"
         "\n");
     EXPECT_EQ(result.status, 0);
 }
@@ -56,9 +60,12 @@ TEST_F(DetectCommandTest, AHealthyTreeHasAResultWithoutRootCauses)
 {
     WriteHotBundle(mDir, "b");
     mDir.Write("b/temperature", "20\n");
-    EXPECT_EQ(RunArborist({"detect", "b"}).out, "b\n  T (version 3): no fault\n");
+    EXPECT_EQ(RunArborist({"detect", "b"}).out, "b\n  T (version 3): no fault\n  1 tree: 1 no fault\n");
     EXPECT_THAT(RunArborist({"detect", "--json", "b"}).out,
-        EndsWith(R"("results": [{"treeId": "T", "version": "3", "isFault": false, "rootCauses": []}]})" "\n"));
+        EndsWith(R"("results": [{"treeId": "T", "version": "3", "isFault": false, "rootCauses": [], )"
+        R"("verdict": "no_fault", "complete": true, "checks": {"total": 1, "decided": 1, "not_applicable": 0, )"
+        R"("not_selected": 0, "not_checked": 0, "no_data": 0, "error": 0}, "open": [], "possibleCauses": [], )"
+        R"("possibleCausesTruncated": false}]})" "\n"));
 }
 
 TEST_F(DetectCommandTest, TreeShowsEachEventWithItsStatus)
@@ -70,11 +77,13 @@ TEST_F(DetectCommandTest, TreeShowsEachEventWithItsStatus)
                                                                     "    TRUE      HOT\n"
                                                                     "    UNKNOWN   G AND\n"
                                                                     "    TRUE        HOT\n"
-                                                                    "    UNKNOWN     U (undeveloped)\n"));
+                                                                    "    UNKNOWN     U (undeveloped)\n"
+                                                                    "  1 tree: 1 fault\n"));
     EXPECT_THAT(RunArborist({"detect", "--tree", "--json", "b"}).out,
         HasSubstr(R"("tree": {"id": "T", "name": "", "kind": "intermediate", "gate": "or", "status": "TRUE", )"
-                  R"("observable": false, "children": [{"id": "HOT", "name": "", "kind": "basic", "gate": "", )"
-                  R"("status": "TRUE", "observable": false, "children": []}, {"id": "G")"));
+                  R"("observable": false, "check": "", "restsOnDefault": false, "children": [{"id": "HOT", "name": "", )"
+                  R"("kind": "basic", "gate": "", "status": "TRUE", "observable": false, "check": "decided", )"
+                  R"("restsOnDefault": false, "children": []}, {"id": "G")"));
 }
 
 struct BadBundleCase {
@@ -237,7 +246,7 @@ TEST_F(DetectCommandTest, AbsoluteNodePathsLieBelowTheDeviceRootOfTheirOwnBundle
     mDir.Write("captured/root" + path, "90");
     mDir.Write("temperature", "20");
     EXPECT_THAT(RunArborist({"detect", "captured", "live", "captured"}).out,
-        testing::MatchesRegex("captured\n.*FAULT(.|\n)*live\n.*no fault\ncaptured\n.*FAULT(.|\n)*"));
+        testing::MatchesRegex("captured\n.*FAULT(.|\n)*live\n.*no fault, UNDECIDED(.|\n)*captured\n.*FAULT(.|\n)*"));
 }
 
 TEST_F(DetectCommandTest, StandardOutputHasResultsOnlyWhateverTheLogLevel)

@@ -63,7 +63,8 @@ TEST_F(ExplainCommandTest, TellsTheTreeItsRulesAndTheRootCause)
                            "  Root cause HOT  Too hot\n"
                            "      T / HOT\n"
                            "        rule hot: condition_met, T 80 > 70: holds\n"
-                           "      description D1  suggestions S1, S2  repairs R1\n");
+                           "      description D1  suggestions S1, S2  repairs R1\n"
+                           "  1 tree: 1 fault\n");
 }
 
 TEST_F(ExplainCommandTest, JsonHasExactlyTheKeysInTheirOrder)
@@ -71,12 +72,16 @@ TEST_F(ExplainCommandTest, JsonHasExactlyTheKeysInTheirOrder)
     WriteHotBundle(mDir, "b");
     EXPECT_EQ(Explained({"--json"}),
         R"({"schema": "arborist.explain.1", "bundle": "b", "ok": true, "warnings": [], "results": [{"treeId": "T", )"
-        R"("version": "3", "isFault": true, "tree": {"id": "T", "name": "", "kind": "intermediate", "gate": "or", )"
-        R"("status": "TRUE", "observable": false, "reason": "", "logic": {"outcome": "TRUE", "below": 1, )"
+        R"("version": "3", "isFault": true, )"
+        R"("verdict": "fault", "complete": true, "checks": {"total": 1, "decided": 1, "not_applicable": 0, )"
+        R"("not_selected": 0, "not_checked": 0, "no_data": 0, "error": 0}, "open": [], "possibleCauses": [], )"
+        R"("possibleCausesTruncated": false, )"
+        R"("tree": {"id": "T", "name": "", "kind": "intermediate", "gate": "or", )"
+        R"("status": "TRUE", "observable": false, "check": "", "restsOnDefault": false, "reason": "", "logic": {"outcome": "TRUE", "below": 1, )"
         R"("inError": 1, "decidedBy": "HOT"}, "children": [{"id": "HOT", "name": "Too hot", "kind": "basic", )"
-        R"("gate": "", "status": "TRUE", "observable": false, "reason": "", "evidence": 0, "children": []}]}, )"
-        R"("evidence": [{"event": "HOT", "fired": true, "reason": "", "rules": [{"name": "hot", "family": "node", )"
-        R"("verdict": "TRUE", "reason": "condition_met", "alternative": 0, "files": [{"param": "T", )"
+        R"("gate": "", "status": "TRUE", "observable": false, "check": "decided", "restsOnDefault": false, "reason": "", "evidence": 0, "children": []}]}, )"
+        R"("evidence": [{"event": "HOT", "fired": true, "reason": "", "check": "decided", "rules": [{"name": "hot", "family": "node", )"
+        R"("verdict": "TRUE", "reason": "condition_met", "check": "decided", "alternative": 0, "files": [{"param": "T", )"
         R"("path": "temperature", "readable": true, "value": "80\n"}], "comparisons": [{"paramId": "t", )"
         R"("key": "T", "type": "int", "observed": "80\n", "logic": "gt", "threshold": "70", "source": "", )"
         R"("sourceId": "", "holds": true}]}]}], "rootCauses": [{"id": "HOT", "name": "Too hot", "userDefined": "{}", )"
@@ -100,7 +105,7 @@ TEST_F(ExplainCommandTest, EventsThatAnObservableOneCutsOffAreNamed)
     WriteTree(Or({Intermediate("G", Or({Basic("A"), Basic("B"), Basic("C")}))}), "G");
     EXPECT_THAT(Explained(), AllOf(
         HasSubstr("└─ G OR  [2 of 3 in error; decided by its own rules, its gate says TRUE]\n"),
-        EndsWith("  Cut off by G, which its own rules keep from error: A, B\n")));
+        EndsWith("  Cut off by G, which its own rules keep from error: A, B\n  1 tree: 1 no fault\n")));
     EXPECT_THAT(Explained({"--near-misses", "1"}), HasSubstr("  Near miss, 1 event short: G beside A\n"
                                                               "      T / G  FALSE\n"
                                                               "        rule no: FALSE condition_not_met, V 0 = 1: fails\n"));
@@ -110,7 +115,7 @@ TEST_F(ExplainCommandTest, EventsThatAnObservableOneCutsOffAreNamed)
 TEST_F(ExplainCommandTest, NearMissesBeyondTheLimitAreCounted)
 {
     WriteTree(Or({Basic("C"), Basic("D"), Basic("X")}));
-    EXPECT_THAT(Explained({"--near-misses", "1", "--limit", "2"}), EndsWith("  1 more left out\n"));
+    EXPECT_THAT(Explained({"--near-misses", "1", "--limit", "2"}), EndsWith("  1 more left out\n  1 tree: 1 undecided\n"));
     EXPECT_THAT(Explained({"--near-misses", "1", "--limit", "2", "--json"}),
         HasSubstr(R"("nearMisses": {"leftOut": 1, "complete": true, "sets": [{"missing": [{"id": "C")"));
 }
@@ -125,7 +130,7 @@ TEST_F(ExplainCommandTest, ACauseThatTheListRepeatsIsToldOnce)
                   "        rule yes: condition_met, V 1 = 1: holds\n"
                   "      T / G / B\n"),
         HasSubstr("rules as above\n")));
-    EXPECT_EQ(Explained({"--brief"}), "b\n  T: A + B  (stands 2 times in the list)\n");
+    EXPECT_EQ(Explained({"--brief"}), "b\n  T: A + B  (stands 2 times in the list)\n  1 tree: 1 fault\n");
 }
 
 TEST_F(ExplainCommandTest, MinimalSetsHaveSharesAndRepairs)
@@ -135,7 +140,8 @@ TEST_F(ExplainCommandTest, MinimalSetsHaveSharesAndRepairs)
                                                    "      A\n"
                                                    "  Share of the minimal cut sets\n"
                                                    "      100.0%  A\n"
-                                                   "  Repair A: no root cause would remain\n"));
+                                                   "  Repair A: no root cause would remain\n"
+                                                   "  1 tree: 1 fault\n"));
     EXPECT_THAT(Explained({"--minimal", "--json"}),
         HasSubstr(R"("minimal": {"listed": 2, "distinct": 2, "sets": [{"ids": ["A"], "times": 1}], "shares": )"
                   R"([{"id": "A", "sets": 1, "share": 1.000000}], "repairs": {"ids": ["A"], "smallest": true}})"));
@@ -150,7 +156,8 @@ TEST_F(ExplainCommandTest, AnEventCanBeSingledOut)
                                            "              path T / G / C\n"
                                            "              rule no (node): FALSE condition_not_met\n"
                                            "                  V = 0 from no\n"
-                                           "                  V 0 = 1 (int): fails\n");
+                                           "                  V 0 = 1 (int): fails\n"
+                                           "  1 tree: 1 fault\n");
     EXPECT_THAT(Explained({"--event", "A"}), HasSubstr("  Root cause A\n"));
     EXPECT_THAT(Explained({"--event", "C", "--json"}),
         AllOf(HasSubstr(R"("events": [{"id": "C")"), HasSubstr(R"("path": ["T", "G", "C"])"), Not(HasSubstr("\"tree\""))));
@@ -182,7 +189,8 @@ TEST_F(ExplainCommandTest, ANarrowViewHasTheNearMissesOfItsEvent)
     EXPECT_EQ(missesOf({"--event", "A"}), "D beside A\n");
     EXPECT_EQ(missesOf({"--event", "X"}), "X\n");
     EXPECT_EQ(missesOf({"--rule", "no"}), "C\nD beside A\n");
-    EXPECT_THAT(Explained({"--rule", "no", "--near-misses", "1", "--limit", "1"}), EndsWith("  1 more left out\n"));
+    EXPECT_THAT(Explained({"--rule", "no", "--near-misses", "1", "--limit", "1"}),
+        EndsWith("  1 more left out\n  1 tree: 1 undecided\n"));
 }
 
 TEST_F(ExplainCommandTest, AnEventThatIsNoRootCauseIsAskedForWithItsNearMisses)
@@ -204,7 +212,7 @@ TEST_F(ExplainCommandTest, BriefTellsWhatElseWasAskedFor)
     WriteTree(Or({Basic("A"), Basic("C")}));
     const auto text = Explained({"--brief", "--near-misses", "1", "--minimal"});
     EXPECT_THAT(text, StartsWith("b\n  T: A\n  Near miss, 1 event short: C\n"));
-    EXPECT_THAT(text, EndsWith("  Repair A: no root cause would remain\n"));
+    EXPECT_THAT(text, EndsWith("  Repair A: no root cause would remain\n  1 tree: 1 fault\n"));
 }
 
 TEST_F(ExplainCommandTest, ANarrowViewLeavesTreesOutThatHaveNothingOfIt)
@@ -214,8 +222,9 @@ TEST_F(ExplainCommandTest, ANarrowViewLeavesTreesOutThatHaveNothingOfIt)
         .Tree("T2", Or({Basic("C")})).Tree("T3", Or({Basic("A"), Basic("C")})).Text());
     EXPECT_THAT(Explained({"--event", "C"}), AllOf(Not(HasSubstr("T1")),
         StartsWith("b\n  T2 (version 3): no fault\n  FALSE    C\n"), HasSubstr("\n\n  T3 (version 3): FAULT")));
-    EXPECT_EQ(Explained({"--brief", "--event", "C"}), "b\n  T2: no fault\n");
-    EXPECT_THAT(Explained({"--event", "C", "--json"}), HasSubstr(R"("treeId": "T1", "version": "3", "isFault": true, "events": [])"));
+    EXPECT_EQ(Explained({"--brief", "--event", "C"}), "b\n  T2: no fault\n  3 trees: 2 fault, 1 no fault\n");
+    EXPECT_THAT(Explained({"--event", "C", "--json"}), AllOf(
+        HasSubstr(R"("treeId": "T1", "version": "3", "isFault": true, "verdict": "fault")"), HasSubstr(R"("events": [])")));
     EXPECT_THAT(Explained({"--event", "C", "--minimal"}), HasSubstr("  Minimal cut sets: none\n"));
 }
 

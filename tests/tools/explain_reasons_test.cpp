@@ -1,9 +1,11 @@
+#include <filesystem>
 #include <functional>
 #include <set>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "arborist/frame/check.h"
 #include "arborist/frame/evidence_words.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/temp_dir.h"
@@ -33,6 +35,8 @@ struct ReasonCase {
     /// Alternatives of the event; the rule "r" unless given.
     std::vector<Xml> alternatives = {};
     std::string detectMode = "";
+    /// More options of the command.
+    std::vector<std::string> options = {};
 };
 void PrintTo(const ReasonCase& reason, std::ostream* out) { *out << reason.name; }
 
@@ -99,6 +103,17 @@ void WriteLog(const TempDir& dir)
         {NOW - 300, 8, "1", "{\"N\":1}"}, {NOW - 400, 8, "1", "{\"N\":9}"}}).WriteTo(dir.Path(LOG));
 }
 
+void WriteDamagedLog(const TempDir& dir)
+{
+    EventLogBuilder builder;
+    for (int row = 1; row <= 2000; ++row) {
+        builder.Row({NOW - row, 7, "1", std::string(100, 'x')});
+    }
+    builder.WriteTo(dir.Path(LOG));
+    std::string file = dir.Read(LOG);
+    dir.Write(LOG, file.replace(file.size() / 2, 4096, 4096, '\xFF'));
+}
+
 void WriteBundle(const TempDir& dir, const ReasonCase& reason)
 {
     RuleXml rules("Tag");
@@ -111,24 +126,43 @@ void WriteBundle(const TempDir& dir, const ReasonCase& reason)
     reason.files(dir);
 }
 
+Evidence::Check CheckOfWord(const std::string& word)
+{
+    for (int number = 1; *Evidence::ReasonText(static_cast<Evidence::Reason>(number)) != '\0'; ++number) {
+        if (word == Evidence::ReasonText(static_cast<Evidence::Reason>(number))) {
+            return Evidence::CheckOf(static_cast<Evidence::Reason>(number));
+        }
+    }
+    return Evidence::Check::NONE;
+}
+
 class ExplainedReason : public testing::TestWithParam<ReasonCase> {};
 
 TEST_P(ExplainedReason, StandsInTextAndJsonWithWhatItRestsOn)
 {
     const TempDir dir;
     WriteBundle(dir, GetParam());
-    const auto text = RunArborist({"explain", "--log-level", "none", "b"});
+    std::vector<std::string> arguments{"explain", "--log-level", "none", "b"};
+    arguments.insert(arguments.end(), GetParam().options.begin(), GetParam().options.end());
+    const auto text = RunArborist(arguments);
     EXPECT_EQ(text.status, 0) << text.err;
     std::string rest = text.out;
     for (const std::string& line : GetParam().lines) {
         ASSERT_THAT(rest, HasSubstr(line)) << text.out;
         rest = rest.substr(rest.find(line) + line.size());
     }
-    const auto json = RunArborist({"explain", "--json", "--log-level", "none", "b"});
+    arguments.emplace_back("--json");
+    const auto json = RunArborist(arguments);
     EXPECT_THAT(json.out, HasSubstr("\"reason\": \"" + std::string(GetParam().name) + "\""));
     if (*GetParam().verdict != '\0') {
         EXPECT_THAT(json.out, HasSubstr("\"verdict\": \"" + std::string(GetParam().verdict) + "\", \"reason\": \""
             + GetParam().name + "\""));
+    }
+    const Evidence::Check check = CheckOfWord(GetParam().name);
+    if (Evidence::IsOpen(check)) {
+        EXPECT_THAT(json.out, HasSubstr("\"check\": \"" + std::string(Evidence::CheckText(check))
+            + "\", \"reason\": \"" + GetParam().name + "\""));
+        EXPECT_THAT(json.out, testing::Not(HasSubstr("\"verdict\": \"no_fault\"")));
     }
     static const Json::Value SCHEMA = ParsedJson(PageOfDocs("explain.schema.json"));
     EXPECT_THAT(Violations(SCHEMA, ParsedJson(json.out)), testing::IsEmpty());
@@ -182,6 +216,12 @@ std::vector<ReasonCase> CasesBeforeTheChecker()
         {"filtered_device_type", Filtered("deviceType", "laptop"), "SKIP",
             {"SKIP filtered_device_type", "the device has \"phone\", the rule asks for \"laptop\""},
             R"(, "device": {"DeviceType": "phone"})"},
+        {"no_gate", Node("5"), "", {"open: G: error, no_gate", "FALSE    ├─ G (no gate)"}, "",
+            [](const TempDir& dir) {
+                dir.Write("b/node", "3\n");
+                dir.Write("b/rules/FaultTrees.xml", TreeXml("Tag").Version("3").Tree("T",
+                    Or({Intermediate("G", Xml("xorGate").Child(Basic("E"))), Basic("E")})).Text());
+            }},
         {"group_ended", Node("5"), "SKIP",
             {"rule r (node): FALSE node_unreadable", "and rule s: SKIP group_ended"}, "", [](const TempDir&) {},
             {Multiple({"r", "s"})}},
@@ -217,6 +257,21 @@ std::vector<ReasonCase> AlarmCases()
             R"(, "settings": {"VersionName": "1", "ProgramDataDir": "programdata"})", WriteLog},
         {"log_unavailable", Alarm({AlarmItem({TimeXml("latest", "1", "3")})}), "FALSE",
             {"FALSE log_unavailable", "ids 7-8, latest since 2023-11-13 22:13:20 (period of 1 day): log_unavailable"}},
+        {"log_damaged", Alarm({AlarmItem({TimeXml("latest", "1", "9999")})}), "",
+            {"UNDECIDED: 1 of 1 check open (1 no_data)", "open: E, rule r: no_data, log_damaged"}, "", WriteDamagedLog},
+        {"negative_weight",
+            Alarm({AlarmIdXml("920000001", "920000001", {TimeXml("latest", "1", "1")}).Attr("BeginFlag", "4")}), "",
+            {"FAULT, 1 root cause, 1 of 1 check open (1 no_data)", "open: E, rule r: no_data, negative_weight, taken as TRUE"},
+            "",
+            [](const TempDir& dir) {
+                EventLogBuilder().Rows({{NOW - 100, 920000001, "", "{\"COUNT\":5}"},
+                    {NOW - 200, 920000001, "", "{\"COUNT\":-2}"}}).WriteTo(dir.Path(LOG));
+            }},
+        {"repair_unreadable",
+            [](RuleXml& rules) {
+                rules.Rule(AlarmRuleXml("r", {AlarmItem({TimeXml("latest", "1", "1")})})).Repair("E", {{"it's", ""}});
+            },
+            "", {"FAULT, 1 root cause, 1 of 1 check open (1 no_data)"}, "", WriteLog},
         {"no_condition", Alarm({AlarmItem({TimeXml("latest", "1", "3")}).Attr("type", "param_eventid")}), "FALSE",
             {"FALSE no_condition", "ids 7-8, latest since"}, "", WriteLog},
     };
@@ -242,9 +297,14 @@ std::vector<ReasonCase> CommandCases()
             [](const TempDir& dir) {
                 dir.MakeDir("b/programdata/Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db");
             }},
-        {"row_count_not_one", Command("select N from C", {StaticTest("5")}), "FALSE",
-            {"FALSE row_count_not_one", "since 2023-10-15 22:13:20 (period of 30 days)", "JankEventDb.db: 4 rows",
+        {"row_count", Command("select N from C", {StaticTest("5")}), "FALSE",
+            {"FALSE row_count", "since 2023-10-15 22:13:20 (period of 30 days)", "JankEventDb.db: 4 rows",
                 "select N from C where occurrence_time >1697408000"}, "", WriteLog},
+        {"statement_failed", Command("select absent from C", {StaticTest("5")}), "FALSE",
+            {"open: E, rule r: no_data, statement_failed (no such column: absent)", "FALSE statement_failed"}, "",
+            WriteLog},
+        {"table_incomplete", Command("select count(*) from C", {StaticTest("5")}), "",
+            {"open: E, rule r: no_data, table_incomplete"}, ""},
         {"no_interval",
             Command("select 3, 0, 0 from C where rowid = 1", {StaticTest("5")}, "normalization",
                 Xml("referenceCommonPart").TextChild("commonPartName", "C"),
@@ -290,6 +350,26 @@ std::vector<ReasonCase> NodeCodeAndConditionCases()
             {"rule r (code): TRUE runner_answered", "the host answers for CODE: present",
                 "descriptions D1; suggestions S1; repairs R1; info \"info\""},
             R"(, "codeAnswers": {"info": true})"},
+        {"runner_failed", [](RuleXml& rules) { rules.Rule(CodeRuleXml("r", "CODE", "info")); }, "FALSE",
+            {"open: E, rule r: no_data, runner_failed", "FALSE runner_failed"}, "",
+            [](const TempDir& dir) {
+                std::filesystem::permissions(dir.Write("runner", "#!/bin/sh\nexit 7\n"), std::filesystem::perms::all);
+            },
+            {}, "", {"--code-runner", "./runner"}},
+        {"bad_number", Node("5"), "", {"open: E, rule r: error, bad_number"}, "",
+            [](const TempDir& dir) { dir.Write("b/node", "none\n"); }},
+        {"unknown_name",
+            [](RuleXml& rules) {
+                rules.Rule(NodeRuleXml("r", {NodeInfoXml("V", "node"), ParamsXml({ParamXml("w", "V", "int")}),
+                    LogicExpressionXml("V+Volts", "V", "formula"), ConditionXml({SingleLogicXml(TestXml("gt", "w", "90"))})}));
+            },
+            "", {"open: E, rule r: error, unknown_name"}, "", node80},
+        {"bad_formula",
+            [](RuleXml& rules) {
+                rules.Rule(NodeRuleXml("r", {NodeInfoXml("V", "node"), ParamsXml({ParamXml("w", "V", "int")}),
+                    LogicExpressionXml("(V+1", "V", "formula"), ConditionXml({SingleLogicXml(TestXml("gt", "w", "90"))})}));
+            },
+            "", {"open: E, rule r: error, bad_formula"}, "", node80},
         {"no_condition",
             [](RuleXml& rules) {
                 rules.Rule(NodeRuleXml("r", {NodeInfoXml("V", "node"), ParamsXml({ParamXml("v", "V", "int")})}));

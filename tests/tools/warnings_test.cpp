@@ -274,6 +274,12 @@ std::vector<WarningCase> Warnings()
                 test.mDir.Write("b/rules/FaultTreeRules.xml", RuleXml("Other").Text());
             },
             "rules/FaultTreeRules.xml: no rule under the tree tag", 3},
+        {"true_without_cause",
+            [](auto& test) {
+                WriteHotBundle(test.mDir, "b");
+                test.mDir.Write("b/rules/FaultTrees.xml", TreeXml("Tag").Version("1").Tree("T", And({})).Text());
+            },
+            "the top event of the tree \"T\" is TRUE, and no cut set explains it", 3},
         {"sql_failed",
             [](auto& test) {
                 test.WriteBundle(Command("select n from NOWHERE"), "command", {Events()}, ALL_ATTRIBUTES);

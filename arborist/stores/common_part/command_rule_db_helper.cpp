@@ -142,6 +142,7 @@ CommandRuleDbHelper::ParamList CommandRuleDbHelper::RunSql(const std::string& sq
         record->rows = table.GetRecordCount();
         record->error = table.GetErrorMessage();
     }
+    mHasFailed = !table.IsOk();
     mIsIntervalMissing = false;
     ParamList result;
     const FT::sql::SqlRecord* const row = table.GetTopRecord();

@@ -41,6 +41,8 @@ public:
         const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second,
         Evidence::Statement* record = nullptr);
 
+    /// True if the database refused the last statement, at once or on the way.
+    bool HasFailed() const { return mHasFailed; }
     /// Number of rows of the last statement.
     std::uint64_t GetRowCount() const { return mRowCount; }
     /// True if the last RunSql had a row but could not scale its values.
@@ -60,6 +62,7 @@ private:
     FT::sql::SqlLimits mLimits;
     std::uint64_t mRowCount = 0;
     bool mIsIntervalMissing = false;
+    bool mHasFailed = false;
 };
 
 #endif

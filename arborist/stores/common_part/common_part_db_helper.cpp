@@ -71,13 +71,14 @@ bool CommonPartDbHelper::Init()
 }
 
 bool CommonPartDbHelper::IsSuccessCreateJankDb(
-    const std::string& eventDbPath, const std::shared_ptr<CommonPart>& commonPart)
+    const std::string& eventDbPath, const std::shared_ptr<CommonPart>& commonPart, bool* areWhole)
 {
     if (commonPart == nullptr || commonPart->GetCombineCommon() == nullptr) {
         return false;
     }
     bool isBuilt = false;
     bool isStopped = false;
+    bool isEachWhole = true;
     for (const auto& bean : commonPart->GetCombineCommon()->GetThresholdLumbraList()) {
         if (bean == nullptr || bean->GetLumbraDataList().empty()) {
             continue;
@@ -86,21 +87,30 @@ bool CommonPartDbHelper::IsSuccessCreateJankDb(
         if (isStopped || !GetEventIdList(bean->GetLumbraDataList(), ids)) {
             // Skips the beans that follow, too: rule sets are tested against this.
             isStopped = true;
+            isEachWhole = false;
             TroubleWatch::Tell(Evidence::Trouble::Kind::TABLE_NOT_BUILT, {}, bean->GetName());
             continue;
         }
         const DerivedTables::Table table{bean->GetName(), ColumnsOf(bean->GetLumbraDataList())};
-        isBuilt = bean->TakesEvents() ? IsSuccessCreatePerfDb(table, ids, eventDbPath)
-                                      : IsSuccessCreateLumbraPlusDb(table);
+        bool isWhole = true;
+        if (bean->TakesEvents()) {
+            isBuilt = IsSuccessCreatePerfDb(table, ids, eventDbPath, areWhole == nullptr ? nullptr : &isWhole);
+        } else {
+            isBuilt = isWhole = IsSuccessCreateLumbraPlusDb(table);
+        }
+        isEachWhole = isEachWhole && isWhole;
+    }
+    if (areWhole != nullptr) {
+        *areWhole = isEachWhole;
     }
     return isBuilt && !isStopped;
 }
 
 bool CommonPartDbHelper::IsSuccessCreatePerfDb(
-    const DerivedTables::Table& table, const EventIdList& ids, const std::string& eventDbPath)
+    const DerivedTables::Table& table, const EventIdList& ids, const std::string& eventDbPath, bool* isWhole)
 {
     const std::lock_guard<std::mutex> lock(perfDbMutex);
-    return DerivedTables::BuildFromEvents(table, ids, eventDbPath);
+    return DerivedTables::BuildFromEvents(table, ids, eventDbPath, isWhole);
 }
 
 bool CommonPartDbHelper::IsSuccessCreateLumbraPlusDb(const DerivedTables::Table& table)

@@ -38,7 +38,10 @@ public:
     /// Drops, creates and fills the table of each threshold bean that selects events, in list order. A bean that fails
     /// logs a line and the next one follows; a bean with two ids of 0 ends the call. Returns the result of the last
     /// bean that was built; false if there was none, and for a null common part.
-    bool IsSuccessCreateJankDb(const std::string& eventDbPath, const std::shared_ptr<CommonPart>& commonPart);
+    /// Sets `areWhole`, if it is not null, to whether every table was built with all events that it selects; a log
+    /// without such events makes a whole table without rows.
+    bool IsSuccessCreateJankDb(const std::string& eventDbPath, const std::shared_ptr<CommonPart>& commonPart,
+        bool* areWhole = nullptr);
 
     /// Searches the directories of each table bean, copies or unpacks the matching files into the directory
     /// Settings::APP_DATABASE_DIR, lists the copies in the bean and runs the bean's SQL on each. A failure logs a line
@@ -50,7 +53,7 @@ private:
     ~CommonPartDbHelper() = default;
 
     bool IsSuccessCreatePerfDb(
-        const DerivedTables::Table& table, const EventIdList& ids, const std::string& eventDbPath);
+        const DerivedTables::Table& table, const EventIdList& ids, const std::string& eventDbPath, bool* isWhole);
     bool IsSuccessCreateLumbraPlusDb(const DerivedTables::Table& table);
     void IsCreateDbByFileComplete(const std::vector<std::string>& files,
         const DefDbTableBean::CreateTableList& createTables, FT::sql::SqlLimits& limits);

@@ -8,6 +8,7 @@
 #include "arborist/stores/common_part/derived_table_writer.h"
 #include "arborist/stores/common_part/event_selection.h"
 #include "arborist/stores/common_part/lower_case.h"
+#include "arborist/stores/common_part/silent_look.h"
 #include "arborist/stores/sql/sql_operator.h"
 #include "arborist/utilities/device_paths.h"
 #include "arborist/utilities/time_util.h"
@@ -125,8 +126,11 @@ bool Fill(FT::sql::SqlDatabase& database, const Table& table, const RowList& row
 
 } // namespace
 
-bool BuildFromEvents(const Table& table, const EventIdList& ids, const std::string& eventDbPath)
+bool BuildFromEvents(const Table& table, const EventIdList& ids, const std::string& eventDbPath, bool* isWhole)
 {
+    if (isWhole != nullptr) {
+        *isWhole = false;
+    }
     FT::sql::SqlDatabase database;
     if (!OpenWithoutTable<FromEvents>(database, table.name)) {
         return TellUnbuilt(table);
@@ -137,8 +141,12 @@ bool BuildFromEvents(const Table& table, const EventIdList& ids, const std::stri
         return TellUnbuilt(table);
     }
     RowList rows;
-    EventSelection::GetLumbraDataByFilter(ids, eventDbPath, rows);
-    return Fill<FromEvents>(database, table, rows);
+    EventSelection::GetLumbraDataByFilter(ids, eventDbPath, rows, isWhole);
+    const bool isFilled = Fill<FromEvents>(database, table, rows);
+    if (isWhole != nullptr) {
+        *isWhole = *isWhole && SilentLook::CountRows(database, table.name) == rows.size();
+    }
+    return isFilled;
 }
 
 bool BuildFixed(const Table& table)

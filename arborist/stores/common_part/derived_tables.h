@@ -21,7 +21,10 @@ struct Table {
 
 /// Builds a table from the events with these ids in `eventDbPath`. False, with a line, if a step fails or no event is
 /// found; earlier steps are not undone.
-bool BuildFromEvents(const Table& table, const EventIdList& ids, const std::string& eventDbPath);
+/// Sets `isWhole`, if it is not null, to whether the table has all events with these ids: no step failed, no row was
+/// lost, and the log was read whole. A whole table may be empty.
+bool BuildFromEvents(
+    const Table& table, const EventIdList& ids, const std::string& eventDbPath, bool* isWhole = nullptr);
 
 /// Builds a table of one row that is the same on every device, without reading the event log. False, with a line, if a
 /// step fails.

@@ -11,6 +11,7 @@
 #include "arborist/frame/settings.h"
 #include "arborist/stores/common_part/database_steps.h"
 #include "arborist/stores/common_part/selected_rows.h"
+#include "arborist/stores/common_part/silent_look.h"
 #include "arborist/stores/repairs/reset_time_parser.h"
 #include "arborist/stores/sql/simple_database_helper.h"
 #include "arborist/stores/sql/sql_database.h"
@@ -43,11 +44,22 @@ std::int64_t LatestResetOrUpdate(const std::string& directory)
     return std::max(parser.GetResetTime(), parser.GetUpdateTime());
 }
 
+// Whether an event of the selection has no time, or a text in its place.
+bool HasUnseenEvents(const FT::sql::SqlDatabase& database, const std::string& selection)
+{
+    return SilentLook::FindsRowOrFails(database, SELECT_EVENTS + selection +
+        " AND (event_info_flow.event_pid IS NULL OR typeof(event_info_flow.occurrence_time) <> 'integer') LIMIT 1");
+}
+
 } // namespace
 
-void GetLumbraDataByFilter(const EventIdList& ids, const std::string& eventDbPath, std::vector<Json::Value>& rows)
+void GetLumbraDataByFilter(
+    const EventIdList& ids, const std::string& eventDbPath, std::vector<Json::Value>& rows, bool* isWhole)
 {
     static constexpr char NAME[] = "CommonPartDbHelper::GetLumbraDataByFilter";
+    if (isWhole != nullptr) {
+        *isWhole = false;
+    }
     FT::sql::SqlDatabase database;
     // Opening creates a missing log as an empty file, which is then rejected for its missing tables.
     database.Open(eventDbPath);
@@ -70,7 +82,10 @@ void GetLumbraDataByFilter(const EventIdList& ids, const std::string& eventDbPat
     if (version != 0) {
         sql += " AND event_info.version_id = " + std::to_string(version);
     }
-    SelectedRows::QueryDataSet(database, sql, rows, minTime);
+    const bool isReadToItsEnd = SelectedRows::QueryDataSet(database, sql, rows, minTime);
+    if (isWhole != nullptr) {
+        *isWhole = isReadToItsEnd && !HasUnseenEvents(database, ids.IsEmpty() ? DEFAULT_EVENTS : ids.ToSql());
+    }
 }
 
 std::string GenerateSql(const EventIdList& ids, const std::string& baseSql)

@@ -22,7 +22,11 @@ namespace EventSelection {
 /// Appends a row for each selected event, in the order in which SQLite returns them; see SelectedRows for the content
 /// of a row. Only reads the log, but creates an empty file if it is missing. On failure logs a line and leaves `rows`
 /// unchanged.
-void GetLumbraDataByFilter(const EventIdList& ids, const std::string& eventDbPath, std::vector<Json::Value>& rows);
+///
+/// Sets `isWhole`, if it is not null, to whether the log was read to its end and has a time for every event with these
+/// ids; the selection can't see an event without one. That costs another statement, which logs nothing.
+void GetLumbraDataByFilter(const EventIdList& ids, const std::string& eventDbPath, std::vector<Json::Value>& rows,
+                           bool* isWhole = nullptr);
 
 /// `baseSql` followed by its condition: the events of the last thirty days with these ids; without ids, the events of
 /// the last seven days of a default class.

@@ -124,7 +124,7 @@ void TellExtraWithoutJson(const std::string& extra)
 
 } // namespace
 
-void QueryDataSet(const FT::sql::SqlDatabase& database, const std::string& sql, std::vector<Json::Value>& rows,
+bool QueryDataSet(const FT::sql::SqlDatabase& database, const std::string& sql, std::vector<Json::Value>& rows,
                   std::int64_t minTime)
 {
     // Streams the rows: the selection need not be in memory twice, as text and as JSON.
@@ -163,6 +163,7 @@ void QueryDataSet(const FT::sql::SqlDatabase& database, const std::string& sql, 
         FT::Log::GetInstance().Output(
             FT::LEVEL_INFO, "FUNc:%s: event_info table record is empty.", "CommonPartDbHelper::QueryDataSet");
     }
+    return error.empty();
 }
 
 } // namespace SelectedRows

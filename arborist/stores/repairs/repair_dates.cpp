@@ -13,7 +13,11 @@ std::string RepairDates::Query(const std::string& repairId)
     RepairDbUtil* const kept = mConnection.Find(path);
     std::string date;
     if (kept != nullptr && kept->QueryAgain(repairId, date)) {
+        mHasFailed = kept->HasFailed();
         return date;
     }
-    return mConnection.Make(path).QueryRepairDate(repairId);
+    RepairDbUtil& made = mConnection.Make(path);
+    date = made.QueryRepairDate(repairId);
+    mHasFailed = made.HasFailed();
+    return date;
 }

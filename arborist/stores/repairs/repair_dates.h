@@ -20,9 +20,12 @@ public:
 
     /// See RepairDbUtil::QueryRepairDate.
     std::string Query(const std::string& repairId);
+    /// Whether the last question found no answer because the store could not be read.
+    bool HasFailed() const { return mHasFailed; }
 
 private:
     KeptConnection<RepairDbUtil> mConnection;
+    bool mHasFailed = false;
 };
 
 #endif

@@ -147,7 +147,8 @@ void RepairDbUtil::SaveRepairDataToDb(const std::string& repairId)
 
 std::string RepairDbUtil::QueryRepairDate(const std::string& repairId)
 {
-    if (!mDatabase->IsOpen()) {
+    mHasFailed = !mDatabase->IsOpen();
+    if (mHasFailed) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: RepairDbUtil::QueryRepairDate database not open",
             "RepairDbUtil::QueryRepairDate");
         return "";
@@ -178,6 +179,7 @@ bool RepairDbUtil::GetRepairDataRecord(const std::string& repairId, std::int32_t
     // The id is not escaped: an id with a single quote makes the statement fail. Hosts see that failure; it stays.
     FT::sql::SimpleDatabaseHelper().GetRecordCountByFullSql(
         repairs.table, "select _id,repair_id,repair_date from repair_data where repair_id='" + repairId + "'");
+    mHasFailed = !repairs.table.IsOk();
     const FT::sql::SqlRecord* const record = repairs.table.GetTopRecord();
     if (record == nullptr) {
         return false;

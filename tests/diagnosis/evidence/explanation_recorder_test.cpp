@@ -35,7 +35,7 @@ protected:
         for (const Evidence::RootCause& cause : causes) {
             mRecorder.OnRootCause(cause);
         }
-        mRecorder.OnTreeFinished({"T", true});
+        mRecorder.OnTreeFinished({"T", true, {}});
         return mRecorder.GetExplanation()->trees.back();
     }
 

@@ -225,7 +225,7 @@ private:
     void Finish(std::size_t bundle, BundleAnswer answer)
     {
         mStatus = MoreSerious(mStatus, answer.status);
-        mProgress.Count(answer.isFault, answer.status >= ExitStatus::RULE_SET);
+        mProgress.Count(answer.isFault, IsFailure(answer.status));
         if (!mOptions.isOrdered) {
             Print(answer.line);
             return;

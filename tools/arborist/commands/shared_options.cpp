@@ -85,7 +85,9 @@ CodeRunner MakeCodeRunner(const CodeRunnerOptions& options)
 
 void AddRunOptions(Command app, RunOptions& options)
 {
-    app.AddFlag("--strict", options.isStrict, "Exit with 3 on a warning about a rule set, with 4 on any other");
+    app.AddFlag("--strict", options.isStrict, "Exit with 3 on a warning about a rule set or a check that is an error, "
+        "with 4 on any other warning, with 6 on an undecided tree");
+    app.AddFlag("--fail-on-undecided", options.failsOnUndecided, "Exit with 6 when a tree is undecided");
     AddOverrides(app, options.detection.overrides);
     AddRules(app, options.detection.overrides);
     AddCodeRunnerOptions(app, options.codeRunner);
@@ -107,6 +109,12 @@ ExitStatus StatusOf(const DetectionReport& report, const RunOptions& options)
     ExitStatus status = ExitStatus::SUCCESS;
     for (const Warning& warning : report.warnings) {
         status = options.isStrict ? MoreSerious(status, StrictStatus(warning)) : status;
+    }
+    if (options.isStrict && report.HasUnusableRule()) {
+        status = MoreSerious(status, ExitStatus::RULE_SET);
+    }
+    if ((options.isStrict || options.failsOnUndecided) && report.IsUndecided()) {
+        status = MoreSerious(status, ExitStatus::UNDECIDED);
     }
     return status;
 }

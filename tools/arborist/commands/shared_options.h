@@ -39,13 +39,14 @@ struct RunOptions {
     CodeRunnerOptions codeRunner;
     LogOptions log;
     bool isStrict = false;
+    bool failsOnUndecided = false;
 };
 
-/// --strict, --now, --tz, --rules, --code-runner, --code-timeout, --log-level and --log-file.
+/// --strict, --fail-on-undecided, --now, --tz, --rules, --code-runner, --code-timeout, --log-level and --log-file.
 void AddRunOptions(Command app, RunOptions& options);
 /// How the detections are to be run, with the program of --code-runner found.
 DetectionOptions MakeDetectionOptions(const RunOptions& options);
-/// What a detection makes the process answer: its failure, or under --strict its warnings.
+/// What a detection makes the process answer: its failure, or under --strict its warnings and checks.
 ExitStatus StatusOf(const DetectionReport& report, const RunOptions& options);
 
 /// --color, which every command has.

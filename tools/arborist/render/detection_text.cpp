@@ -1,5 +1,6 @@
 #include "tools/arborist/render/detection_text.h"
 
+#include "diagnosis/results/verdict_text.h"
 #include "diagnosis/text/printable.h"
 
 namespace diagnosis::command {
@@ -60,13 +61,11 @@ std::string TreeText(const std::vector<Evidence::FoldedEvent>& events)
     return text;
 }
 
-std::string Verdict(const FaultTreeResult& result)
+std::string Verdict(const FaultTreeResult& result, const Evidence::TreeVerdict& verdict)
 {
     const std::size_t causes = result.mRootCauseResults.size();
-    if (!result.mIsFault) {
-        return "no fault";
-    }
-    return "FAULT, " + std::to_string(causes) + (causes == 1 ? " root cause" : " root causes");
+    const std::string fault = "FAULT, " + std::to_string(causes) + (causes == 1 ? " root cause" : " root causes");
+    return (result.mIsFault ? fault : "") + VerdictWords(verdict);
 }
 
 } // namespace
@@ -79,16 +78,20 @@ std::string DetectionText(const DetectionReport& report)
     }
     for (std::size_t i = 0; i < report.results.size(); ++i) {
         const FaultTreeResult& result = *report.results[i];
-        text += "  " + Shown(result.mTreeId) + " (version " + Shown(result.mVersion) + "): " + Verdict(result) + "\n";
+        text += "  " + Shown(result.mTreeId) + " (version " + Shown(result.mVersion) + "): "
+            + Verdict(result, report.verdicts[i]) + "\n";
         std::size_t number = 0;
         for (const auto& cause : result.mRootCauseResults) {
             text += RootCauseText(++number, *cause);
+        }
+        for (const Evidence::OpenCheck& open : report.verdicts[i].open) {
+            text += "    open: " + OpenText(open) + "\n";
         }
         if (i < report.trees.size()) {
             text += TreeText(report.trees[i].events);
         }
     }
-    return text;
+    return text + "  " + TreesText(report.verdicts) + "\n";
 }
 
 } // namespace diagnosis::command

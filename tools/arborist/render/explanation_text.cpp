@@ -6,6 +6,7 @@
 
 #include "diagnosis/analysis/gate_logic.h"
 #include "diagnosis/results/rule_text.h"
+#include "diagnosis/results/verdict_text.h"
 #include "diagnosis/text/printable.h"
 #include "tools/arborist/render/analysis_text.h"
 #include "tools/arborist/render/cause_text.h"
@@ -45,8 +46,11 @@ public:
     {
         mText += BriefCausesText(mTree, mResult, mView, mColour);
         if (!mTree.isFault) {
-            mText += "  " + mColour.Bold(Shown(mTree.id)) + ": " + mColour.Green("no fault") + "\n";
+            Line(mColour.Bold(Shown(mTree.id)) + ": " + ColouredVerdict());
+        } else if (!mTree.verdict.open.empty()) {
+            Line(mColour.Bold(Shown(mTree.id)) + ": " + VerdictWords(mTree.verdict).substr(2));
         }
+        WriteOpen("  ");
         mText += AnalysisText(mTree, mView, mColour);
         return mText;
     }
@@ -69,7 +73,23 @@ private:
             + (distinct == mTree.causes.size() ? "" : " (" + std::to_string(distinct) + " distinct)");
         const std::string& version = mResult == nullptr ? mTree.version : mResult->mVersion;
         Line(mColour.Bold(Shown(mTree.id)) + " (version " + Shown(version) + "): "
-            + (mTree.isFault ? mColour.Red("FAULT") + ", " + causes : mColour.Green("no fault")));
+            + (mTree.isFault ? mColour.Red("FAULT") + ", " + causes : "") + ColouredVerdict());
+        WriteOpen("  ");
+    }
+
+    // Green for an answer alone.
+    std::string ColouredVerdict() const
+    {
+        const std::string words = VerdictWords(mTree.verdict);
+        return mTree.verdict.word == Evidence::TreeVerdict::Word::NO_FAULT ? mColour.Green(words)
+            : mTree.isFault ? words : mColour.Yellow(words);
+    }
+
+    void WriteOpen(const std::string& indent)
+    {
+        for (const Evidence::OpenCheck& open : mTree.verdict.open) {
+            Line(indent + mColour.Yellow("open") + ": " + OpenText(open));
+        }
     }
 
     std::string GateText(std::size_t place) const
@@ -224,7 +244,10 @@ std::string ExplanationText(const DetectionReport& report, const ExplanationView
         const bool isFirst = !std::exchange(hasTree, true);
         text += view.brief ? tree.BriefText() : (isFirst ? "" : "\n") + tree.Text();
     }
-    return hasTree ? text : text + "  nothing in any tree fits " + NarrowingOptions(view) + "\n";
+    if (hasTree) {
+        return text + "  " + TreesText(report.verdicts) + "\n";
+    }
+    return text + "  nothing in any tree fits " + NarrowingOptions(view) + "\n";
 }
 
 } // namespace diagnosis::command

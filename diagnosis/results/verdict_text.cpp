@@ -1,0 +1,95 @@
+#include "diagnosis/results/verdict_text.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "diagnosis/text/printable.h"
+
+namespace diagnosis {
+
+namespace {
+
+using Evidence::Check;
+using Word = Evidence::TreeVerdict::Word;
+
+void Append(std::string& list, std::size_t count, const std::string& word)
+{
+    if (count != 0) {
+        list += (list.empty() ? "" : ", ") + std::to_string(count) + " " + word;
+    }
+}
+
+// "2 no_data, 1 error" of these words.
+std::string CountsText(const Evidence::CheckCounts& checks, const std::vector<Check>& words)
+{
+    std::string text;
+    for (const Check check : words) {
+        Append(text, checks.Of(check), Evidence::CheckText(check));
+    }
+    return text;
+}
+
+std::string ChecksText(std::size_t count)
+{
+    return std::to_string(count) + (count == 1 ? " check" : " checks");
+}
+
+std::string OpenCountText(const Evidence::CheckCounts& checks)
+{
+    return std::to_string(checks.Open()) + " of " + ChecksText(checks.Total()) + " open ("
+        + CountsText(checks, {Check::NOT_CHECKED, Check::DATA_MISSING, Check::RULE_UNUSABLE}) + ")";
+}
+
+// What an undecided tree without open checks lacks.
+std::string LackText(const Evidence::TreeVerdict& verdict)
+{
+    if (verdict.isTrueWithoutCause) {
+        return "its top event is TRUE, and no cut set explains it";
+    }
+    if (verdict.checks.Total() == 0) {
+        return "it has no checks";
+    }
+    return "none of " + ChecksText(verdict.checks.Total()) + " decided ("
+        + CountsText(verdict.checks, {Check::NOT_SELECTED, Check::NOT_APPLICABLE}) + ")";
+}
+
+} // namespace
+
+std::string VerdictWords(const Evidence::TreeVerdict& verdict)
+{
+    const std::string open = verdict.checks.Open() == 0 ? "" : OpenCountText(verdict.checks);
+    switch (verdict.word) {
+    case Word::FAULT:
+        return open.empty() ? "" : ", " + open;
+    case Word::UNDECIDED:
+        return "no fault, UNDECIDED: " + (open.empty() ? LackText(verdict) : open);
+    case Word::NO_FAULT:
+        return open.empty() ? "no fault" : "no fault, whatever is open: " + open;
+    case Word::NOT_APPLICABLE:
+        return "no fault, NOT APPLICABLE: none of " + ChecksText(verdict.checks.Total()) + " is for this device";
+    }
+    return "";
+}
+
+std::string OpenText(const Evidence::OpenCheck& open)
+{
+    std::string text = Shown(open.eventId);
+    text += open.ruleName.empty() ? "" : ", rule " + Shown(open.ruleName);
+    text += std::string(": ") + Evidence::CheckText(open.check) + ", " + Evidence::ReasonText(open.reason);
+    text += open.detail.empty() ? "" : " (" + Printable(open.detail) + ")";
+    return open.restsOnDefault ? text + ", taken as TRUE" : text;
+}
+
+std::string TreesText(const std::vector<Evidence::TreeVerdict>& verdicts)
+{
+    std::string words;
+    for (const auto& [word, text] : {std::pair(Word::FAULT, "fault"), std::pair(Word::NO_FAULT, "no fault"),
+             std::pair(Word::UNDECIDED, "undecided"), std::pair(Word::NOT_APPLICABLE, "not applicable")}) {
+        const auto count = std::count_if(verdicts.begin(), verdicts.end(),
+            [word = word](const Evidence::TreeVerdict& verdict) { return verdict.word == word; });
+        Append(words, static_cast<std::size_t>(count), text);
+    }
+    return std::to_string(verdicts.size()) + (verdicts.size() == 1 ? " tree: " : " trees: ") + words;
+}
+
+} // namespace diagnosis

@@ -1,0 +1,23 @@
+#ifndef ARBORIST_DIAGNOSIS_RESULTS_VERDICT_TEXT_H
+#define ARBORIST_DIAGNOSIS_RESULTS_VERDICT_TEXT_H
+
+#include <string>
+#include <vector>
+
+#include "arborist/frame/tree_verdict.h"
+
+namespace diagnosis {
+
+/// "no fault", "no fault, UNDECIDED: 3 of 44 checks open (2 no_data, 1 error)", or for a fault what stands behind the
+/// number of its root causes: ", 3 of 44 checks open (3 no_data)", or nothing.
+std::string VerdictWords(const Evidence::TreeVerdict& verdict);
+
+/// "A, rule r: no_data, node_unreadable (/sys/temp)", and ", taken as TRUE" for what counts as true all the same.
+std::string OpenText(const Evidence::OpenCheck& open);
+
+/// "6 trees: 1 fault, 4 no fault, 1 undecided".
+std::string TreesText(const std::vector<Evidence::TreeVerdict>& verdicts);
+
+} // namespace diagnosis
+
+#endif
