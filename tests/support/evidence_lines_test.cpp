@@ -14,7 +14,7 @@ TEST(EvidenceLinesTest, TellWhatAnAlarmRuleCounted)
         {100, ""}, {90, ""}, {100, ""}, {}, {}, Evidence::Floor::RESET, 30, "1", ""};
     Evidence::Rule rule;
     rule.part = Evidence::Alarm{{{0, 10, 20, "latest", 7, 5, start, true, {6, 1, 2, 3, 11, Evidence::Measure::WEIGHTS},
-        false, Reason::WINDOW_SHORT, {{"DROP", "int", "ge", "5", 6, 4}}}}};
+        false, Reason::WINDOW_SHORT, {}, {{"DROP", "int", "ge", "5", 6, 4}}}}};
     EXPECT_THAT(EvidenceLines(rule),
         ElementsAre("start 100 of period 90 reset 100 update 0 repair 0 by reset days 30 flag '1' repair id ''",
             "test DROP int ge '5' passed 4 of 6",

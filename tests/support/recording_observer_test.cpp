@@ -27,7 +27,7 @@ TEST(RecordingObserverTest, TellsTheCallsInOrder)
     observer.OnTreeStarted({"T", "2", "jank"});
     observer.OnEventDecided({"A", "name", false, Reason::NONE,
         {{false, {}}, {true, {filtered, RuleNamed("r2", Evidence::Family::CODE, Reason::GROUP_ENDED)}}}});
-    observer.OnTreeFinished({"T", true});
+    observer.OnTreeFinished({"T", true, {}});
     EXPECT_THAT(observer.Lines(), ElementsAre("file rules malformed r.xml count 0 line 3: bad element",
                                               "database D '.*'", "tree T version 2 type jank", "event A (name)",
                                               "ask A r1 node #1.0", "filter r1 '3' in '1,2' [filtered_scene]",
@@ -57,7 +57,7 @@ TEST(RecordingObserverTest, GivesTheLinesOfOneWord)
 {
     RecordingObserver observer;
     observer.OnTreeStarted({"T", "2", "jank"});
-    observer.OnTreeFinished({"T", false});
+    observer.OnTreeFinished({"T", false, {}});
     EXPECT_THAT(observer.Lines("finished"), ElementsAre("finished T no fault"));
     observer.Clear();
     EXPECT_TRUE(observer.Lines().empty());
