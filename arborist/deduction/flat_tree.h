@@ -28,6 +28,8 @@ public:
 
     /// Has no places if `top` is null. Refers to the pointer `top` itself, too.
     explicit FlatTree(const std::shared_ptr<Event>& top);
+    /// A temporary pointer, such as one that is converted on the way, would be gone before the first use.
+    explicit FlatTree(const std::shared_ptr<Event>&& top) = delete;
 
     Index Count() const { return static_cast<Index>(mPlaces.size()); }
     const Place& At(Index place) const { return mPlaces[place]; }

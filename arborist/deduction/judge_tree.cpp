@@ -71,7 +71,8 @@ void ListPossibleCauses(const VerdictFold& fold, TreeVerdict& verdict)
 
 TreeVerdict JudgeTree(const FaultTree& tree, bool isFault, const std::vector<Check>& checks)
 {
-    const FlatTree places(tree.GetIntermediateEvent());
+    const std::shared_ptr<Event> top = tree.GetIntermediateEvent();
+    const FlatTree places(top);
     TreeVerdict verdict;
     std::vector<bool> isOpen(places.Count());
     for (FlatTree::Index place = 0; place < places.Count() && place < checks.size(); ++place) {

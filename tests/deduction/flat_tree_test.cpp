@@ -26,7 +26,14 @@ TEST(FlatTreeTest, ListsPlacesInPreOrderWithTheirEnds)
 
 TEST(FlatTreeTest, HasNoPlacesWithoutATop)
 {
-    EXPECT_EQ(FlatTree(nullptr).Count(), 0U);
+    const std::shared_ptr<Event> none;
+    EXPECT_EQ(FlatTree(none).Count(), 0U);
+}
+
+TEST(FlatTreeTest, TakesNoTemporaryPointer)
+{
+    EXPECT_FALSE((std::is_constructible_v<FlatTree, std::shared_ptr<IntermediateEvent>>));
+    EXPECT_FALSE((std::is_constructible_v<FlatTree, std::shared_ptr<Event>>));
 }
 
 TEST(FlatTreeTest, AnEventThatStandsTwiceHasTwoPlaces)
