@@ -3,6 +3,7 @@
 #include <array>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <stdexcept>
 
 #include <minizip/unzip.h>
@@ -51,6 +52,7 @@ ZipEntries ReadZip(const std::string& path)
 {
     const unzFile archive = unzOpen(path.c_str());
     Require(archive != nullptr, path);
+    const std::unique_ptr<void, int (*)(unzFile)> closer(archive, unzClose);
     ZipEntries entries;
     for (int found = unzGoToFirstFile(archive); found == UNZ_OK; found = unzGoToNextFile(archive)) {
         std::array<char, 1024> name{};
@@ -64,6 +66,5 @@ ZipEntries ReadZip(const std::string& path)
         Require(unzCloseCurrentFile(archive) == UNZ_OK, path);
         entries.emplace_back(name.data(), content);
     }
-    unzClose(archive);
     return entries;
 }
