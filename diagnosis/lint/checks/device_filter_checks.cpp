@@ -5,6 +5,7 @@
 #include "diagnosis/lint/base/report.h"
 #include "diagnosis/lint/base/subject.h"
 #include "diagnosis/lint/checks/checks.h"
+#include "diagnosis/lint/checks/device_filter.h"
 #include "diagnosis/lint/checks/entry_overlap.h"
 #include "diagnosis/lint/checks/filters.h"
 
@@ -70,31 +71,6 @@ void CheckBlackProducts(const Subject& subject, Report& report)
 }
 
 // ---- Devices that are known. ----
-
-// An unknown text may have any value.
-bool MayHold(std::string_view filter, const std::string& text)
-{
-    return filter.empty() || text.empty() || filter.find(text) != std::string_view::npos;
-}
-
-bool MayHaveScene(std::string_view filter, const std::vector<int>& scenes)
-{
-    return scenes.empty() || std::any_of(scenes.begin(), scenes.end(), [filter](int scene) {
-        return filter.find(std::to_string(scene)) != std::string_view::npos;
-    });
-}
-
-// The filter that rejects a device; null if it may pass all of them.
-const char* RejectedBy(const Rule& rule, const DeviceProfile& device)
-{
-    const bool isBlack = !device.product.empty() && rule.blackProducts.find(device.product) != std::string_view::npos;
-    return isBlack                                        ? "blackProducts"
-        : !MayHold(rule.production, device.product)       ? "production"
-        : !MayHaveScene(rule.detectScene, device.scenes)  ? "detectScene"
-        : !MayHold(rule.platform, device.platform)        ? "platform"
-        : !MayHold(rule.deviceType, device.deviceType)    ? "deviceType"
-                                                          : nullptr;
-}
 
 // The filter that no device passes; "filters" if it is not the same one for all; empty if a device passes.
 std::string_view PassedByNone(const Rule& rule, const std::vector<DeviceProfile>& devices)
