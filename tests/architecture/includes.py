@@ -56,6 +56,7 @@ STOREYS = [
         ["capture"],
         ["analysis", "detection"],
         ["evidence"],
+        ["rule_set"],
         ["lint"],
         ["log_db"],
         ["bundle"],

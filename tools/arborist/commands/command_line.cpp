@@ -50,6 +50,7 @@ constexpr KnownCommand COMMANDS[] = {
     {"report", AddReportCommand},
     {"graph", AddGraphCommand},
     {"lint", AddLintCommand},
+    {"rules", AddRulesCommand},
     {"log", AddLogCommand},
     {"bundle", AddBundleCommand},
     {"help", AddHelpCommand},

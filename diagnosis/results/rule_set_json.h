@@ -1,0 +1,24 @@
+#ifndef ARBORIST_DIAGNOSIS_RESULTS_RULE_SET_JSON_H
+#define ARBORIST_DIAGNOSIS_RESULTS_RULE_SET_JSON_H
+
+#include <string>
+#include <vector>
+
+#include "diagnosis/lint/base/subject.h"
+#include "diagnosis/rule_set/difference.h"
+#include "diagnosis/rule_set/read_rule_set.h"
+
+namespace diagnosis {
+
+/// The results of the rules commands as one JSON object on one line: docs/rules.schema.json.
+std::string InventoryJson(const rule_set::ReadRuleSet& rules);
+/// What has the name under any tag.
+std::string ShowJson(const rule_set::ReadRuleSet& rules, const std::string& name);
+std::string CountsJson(const rule_set::ReadRuleSet& rules);
+std::string DifferenceJson(const rule_set::ReadRuleSet& before, const rule_set::ReadRuleSet& after,
+    const std::vector<rule_set::Change>& changes);
+std::string ReachJson(const rule_set::ReadRuleSet& rules, const std::vector<lint::DeviceProfile>& devices);
+
+} // namespace diagnosis
+
+#endif

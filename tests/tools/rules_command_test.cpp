@@ -1,0 +1,119 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/temp_dir.h"
+#include "tests/support/xml_builder.h"
+#include "tests/tools/command_bundle.h"
+#include "tests/tools/json_schema.h"
+
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr char LAPTOP[] = ARBORIST_SOURCE_DIR "/examples/laptop/rules";
+
+class RulesCommand : public testing::Test {
+protected:
+    // A rule set "a", and one "b" with another threshold.
+    void SetUp() override
+    {
+        Write("a", "3");
+        Write("b", "5");
+    }
+
+    void Write(const std::string& folder, const std::string& threshold) const
+    {
+        mDir.Write(folder + "/FaultTrees.xml", TreeXml("Tag").Tree("T", Or({Basic("E")})).Text());
+        mDir.Write(folder + "/FaultTreeRules.xml",
+            RuleXml("Tag").EventRule("E", {Single("r")})
+                .Rule(AlarmRuleXml("r", {AlarmIdXml("7", "9", {TimeXml("duration", "30", threshold)})})).Text());
+    }
+
+    static ProcessResult Rules(std::vector<std::string> arguments)
+    {
+        arguments.insert(arguments.begin(), "rules");
+        return RunArborist(arguments);
+    }
+
+    TempDir mDir;
+};
+
+TEST_F(RulesCommand, ListsWithThePlaceOfEachItem)
+{
+    const auto result = Rules({"list", "a"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_THAT(result.out, testing::MatchesRegex("Tag\n"
+        "  trees: 1\n    T \\(2 events\\)  FaultTrees.xml:[0-9]+\n"
+        "  events: 2\n    T \\(intermediate\\)  FaultTrees.xml:[0-9]+\n"
+        "    E \\(basic\\) <- r  FaultTrees.xml:[0-9]+\n"
+        "  rules: 1\n    r \\(alarm\\) -> E  FaultTreeRules.xml:[0-9]+\n"));
+}
+
+TEST_F(RulesCommand, DiffersLikeDiff)
+{
+    const auto equal = Rules({"diff", "a", "a"});
+    EXPECT_EQ(equal.status, 0);
+    EXPECT_EQ(equal.out, "no differences\n");
+    const auto different = Rules({"diff", "a", "b"});
+    EXPECT_EQ(different.status, 1);
+    EXPECT_THAT(different.out, testing::StartsWith("~ rule r, alarm item 1, duration, threshold: \"3\" -> \"5\"  a/FaultTreeRules"));
+    EXPECT_THAT(different.out, EndsWith("\n1 difference\n"));
+    const auto unreadable = Rules({"diff", "a", "nowhere"});
+    EXPECT_EQ(unreadable.status, 3);
+    EXPECT_EQ(unreadable.err, "arborist: nowhere/FaultTrees.xml: there is no such file\n");
+    EXPECT_EQ(Rules({"diff", "a"}).status, 2);
+}
+
+TEST_F(RulesCommand, ShowsARuleAndSaysWhenNothingHasTheName)
+{
+    const auto rule = Rules({"show", "a", "r"});
+    EXPECT_EQ(rule.status, 0);
+    EXPECT_THAT(rule.out, HasSubstr("\n  alarm item 1, ids: 7 to 9"));
+    EXPECT_THAT(rule.out, HasSubstr("\n  decides event E  FaultTreeRules.xml:"));
+    const auto unknown = Rules({"show", "a", "R"});
+    EXPECT_EQ(unknown.status, 1);
+    EXPECT_EQ(unknown.out, "");
+    EXPECT_EQ(unknown.err, "arborist: a: no tree, event, rule, shared data or database is named \"R\"; did you mean \"r\"?\n");
+}
+
+TEST_F(RulesCommand, TellsWhatADeviceCanReport)
+{
+    mDir.Write("device.json", R"([{"Product": "P", "scenes": [2]}, {"scenes": [1]}])");
+    const auto result = Rules({"reach", "a", "--device", "device.json"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, testing::MatchesRegex(
+        "product P, platform any, device type any, scenes 2\n  T: 0 of 1 root cause\n    cannot  E  FaultTrees.xml:[0-9]+\n"
+        "      rule r: detectScene \"1\" does not contain \"2\"  FaultTreeRules.xml:[0-9]+\n"
+        "product any, platform any, device type any, scenes 1\n  T: 1 of 1 root cause\n"
+        "    can     E  FaultTrees.xml:[0-9]+\n"));
+    mDir.Write("device.json", "[1]");
+    EXPECT_EQ(Rules({"reach", "a", "--device", "device.json"}).status, 2);
+    EXPECT_EQ(Rules({"reach", "a"}).status, 2);
+}
+
+TEST_F(RulesCommand, ShowsForeignNamesOnOneLine)
+{
+    mDir.Write("a/FaultTrees.xml", TreeXml("Tag").Tree("T", Or({Basic("A\x1b[31m\nB")})).Text());
+    EXPECT_THAT(Rules({"list", "a"}).out, HasSubstr("A\\x1B[31m\\x0AB (basic)"));
+}
+
+TEST_F(RulesCommand, PrintsJsonOfTheSchema)
+{
+    mDir.Write("device.json", R"({"Product": "P", "scenes": [2]})");
+    const Json::Value schema = ParsedJson(PageOfDocs("rules.schema.json"));
+    const std::vector<std::vector<std::string>> commands{{"list", LAPTOP}, {"stats", LAPTOP}, {"show", LAPTOP, "BATTERY_WORN"},
+        {"show", LAPTOP, "nowhere"}, {"diff", LAPTOP, LAPTOP}, {"diff", "a", "b"}, {"diff", "a", LAPTOP},
+        {"reach", LAPTOP, "--device", "device.json"}};
+    for (std::vector<std::string> command : commands) {
+        command.emplace_back("--json");
+        const std::string name = command.front();
+        Json::Value one = schema["$defs"][name];
+        one["$defs"] = schema["$defs"];
+        EXPECT_THAT(Violations(one, ParsedJson(Rules(command).out)), IsEmpty()) << testing::PrintToString(command);
+    }
+}
+
+} // namespace
