@@ -41,6 +41,16 @@ struct Bundle {
     std::map<std::string, bool> codeAnswers;
 };
 
+/// An attribute of a device by its name in bundle.json.
+struct DeviceAttribute {
+    const char* name;
+    void (DeviceDetails::*set)(const std::string& value);
+};
+inline constexpr DeviceAttribute DEVICE_ATTRIBUTES[] = {{"DeviceType", &DeviceDetails::SetDeviceType},
+    {"Product", &DeviceDetails::SetProduct}, {"Platform", &DeviceDetails::SetPlatform},
+    {"CpuName", &DeviceDetails::SetCpuName}, {"RamSize", &DeviceDetails::SetRamSize},
+    {"Resolution", &DeviceDetails::SetResolution}, {"BatteryCapacity", &DeviceDetails::SetBatteryCapacity}};
+
 /// The attributes of a device with their values, by the names and in the order of bundle.json.
 std::vector<std::pair<const char*, std::string>> DeviceAttributes(const DeviceDetails& device);
 

@@ -7,6 +7,7 @@
 #include <iterator>
 
 #include <json/value.h>
+#include <json/writer.h>
 
 #include "arborist/frame/settings.h"
 #include "diagnosis/bundle/moment.h"
@@ -105,14 +106,8 @@ private:
 
 void ReadDevice(const Json::Value& object, DeviceDetails& device, Findings& findings)
 {
-    using Setter = void (DeviceDetails::*)(const std::string&);
-    static constexpr std::pair<const char*, Setter> ATTRIBUTES[] = {
-        {"DeviceType", &DeviceDetails::SetDeviceType}, {"Product", &DeviceDetails::SetProduct},
-        {"Platform", &DeviceDetails::SetPlatform}, {"CpuName", &DeviceDetails::SetCpuName},
-        {"RamSize", &DeviceDetails::SetRamSize}, {"Resolution", &DeviceDetails::SetResolution},
-        {"BatteryCapacity", &DeviceDetails::SetBatteryCapacity}};
     ObjectReader reader(object, "device.", findings);
-    for (const auto& [key, set] : ATTRIBUTES) {
+    for (const auto& [key, set] : DEVICE_ATTRIBUTES) {
         std::string value;
         reader.Text(key, value);
         (device.*set)(value);
@@ -231,6 +226,37 @@ void ReadObject(const Json::Value& object, Bundle& bundle, Findings& findings)
     reader.WarnOfUnknownKeys();
 }
 
+// Seconds become a number.
+Json::Value NowValue(const std::string& now)
+{
+    const bool isNumber = now.find_first_not_of("-0123456789") == std::string::npos && IsMomentText(now);
+    return isNumber ? Json::Value(Json::Int64{std::stoll(now)}) : Json::Value(now);
+}
+
+Json::Value ObjectOf(const Bundle& bundle)
+{
+    Json::Value object(Json::objectValue);
+    object["detectScene"] = bundle.detectScene;
+    object["treeTag"] = bundle.treeTag;
+    object["ruleFileDir"] = bundle.ruleFileDir;
+    object["ruleFilePrefix"] = bundle.ruleFilePrefix;
+    object["logLocation"] = bundle.logLocation;
+    object["reservedText"] = bundle.reservedText;
+    object["now"] = NowValue(bundle.now);
+    object["tz"] = bundle.tz;
+    for (const auto& [key, value] : DeviceAttributes(bundle.device)) {
+        object["device"][key] = value;
+    }
+    for (const auto& [key, value] : bundle.settings) {
+        object["settings"][key] = value;
+    }
+    object["codeAnswers"] = Json::Value(Json::objectValue);
+    for (const auto& [info, answer] : bundle.codeAnswers) {
+        object["codeAnswers"][info] = answer;
+    }
+    return object;
+}
+
 std::string Joined(const std::vector<std::string>& errors)
 {
     std::string text;
@@ -259,6 +285,15 @@ std::optional<Failure> ReadBundleText(const std::string& path, const std::string
         return Failure{"bad_bundle", path + ": " + Joined(findings.errors)};
     }
     return std::nullopt;
+}
+
+std::string BundleText(const Bundle& bundle)
+{
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "  ";
+    builder["emitUTF8"] = true;
+    builder["enableYAMLCompatibility"] = true;
+    return Json::writeString(builder, ObjectOf(bundle)) + "\n";
 }
 
 std::optional<Failure> ReadBundleFile(const BundlePath& path, Bundle& bundle, std::vector<Warning>& warnings)

@@ -18,6 +18,9 @@ std::optional<Failure> ReadBundleFile(const BundlePath& path, Bundle& bundle, st
 std::optional<Failure> ReadBundleText(const std::string& path, const std::string& text, Bundle& bundle,
     std::vector<Warning>& warnings);
 
+/// The text of a bundle.json with all values of `bundle`.
+std::string BundleText(const Bundle& bundle);
+
 } // namespace diagnosis
 
 #endif

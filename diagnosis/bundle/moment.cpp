@@ -229,4 +229,10 @@ std::optional<std::string> FormatMoment(std::int64_t seconds)
     return text;
 }
 
+std::string MomentText(std::int64_t seconds)
+{
+    const auto text = FormatMoment(seconds);
+    return text && ParseMoment(*text) == seconds ? *text : std::to_string(seconds);
+}
+
 } // namespace diagnosis

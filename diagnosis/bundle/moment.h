@@ -25,6 +25,9 @@ bool IsMomentText(const std::string& text);
 /// Local time as "YYYY-MM-DD HH:MM:SS"; nothing outside the years 0 to 9999.
 std::optional<std::string> FormatMoment(std::int64_t seconds);
 
+/// A text that ParseMoment converts back to the same second: local time, for people, or else the number.
+std::string MomentText(std::int64_t seconds);
+
 } // namespace diagnosis
 
 #endif

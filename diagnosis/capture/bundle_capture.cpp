@@ -3,11 +3,11 @@
 #include <filesystem>
 #include <fstream>
 
-#include <json/writer.h>
 #include <strings.h>
 
 #include "arborist/frame/arborist.h"
 #include "diagnosis/archive/zip_writer.h"
+#include "diagnosis/bundle/bundle_file.h"
 #include "diagnosis/bundle/bundle_overlay.h"
 #include "diagnosis/bundle/repair_records.h"
 #include "diagnosis/bundle/moment.h"
@@ -31,22 +31,6 @@ using Problem = std::optional<Failure>;
 std::string InsideOr(const std::string& path, const char* otherwise)
 {
     return Inside(path).value_or(otherwise);
-}
-
-// A text, for people, if it can be converted back to the same second; otherwise a number.
-Json::Value MomentValue(std::int64_t seconds)
-{
-    const auto text = FormatMoment(seconds);
-    return text && ParseMoment(*text) == seconds ? Json::Value(*text) : Json::Value(Json::Int64{seconds});
-}
-
-Json::Value DeviceValue(const DeviceDetails& device)
-{
-    Json::Value value;
-    for (const auto& [key, attribute] : DeviceAttributes(device)) {
-        value[key] = attribute;
-    }
-    return value;
 }
 
 /// One capture of a bundle that is entered.
@@ -220,35 +204,11 @@ private:
 
     Problem AddDescription()
     {
+        mCaptured.now = MomentText(mSession.Now());
+        mCaptured.tz = mCaptured.tz.empty() ? ZoneOfThisMachine() : mCaptured.tz;
         std::ofstream file(mFiles.Path("bundle.json"), std::ios::binary);
-        file << Description() << "\n";
+        file << BundleText(mCaptured);
         return file.flush() ? mFiles.Count("bundle.json") : Failure{"not_packed", "bundle.json: can't be written"};
-    }
-
-    std::string Description() const
-    {
-        Json::Value bundle(Json::objectValue);
-        bundle["detectScene"] = mCaptured.detectScene;
-        bundle["treeTag"] = mCaptured.treeTag;
-        bundle["ruleFileDir"] = mCaptured.ruleFileDir;
-        bundle["ruleFilePrefix"] = mCaptured.ruleFilePrefix;
-        bundle["logLocation"] = mCaptured.logLocation;
-        bundle["reservedText"] = mCaptured.reservedText;
-        bundle["now"] = MomentValue(mSession.Now());
-        bundle["tz"] = mCaptured.tz.empty() ? ZoneOfThisMachine() : mCaptured.tz;
-        bundle["device"] = DeviceValue(mCaptured.device);
-        for (const auto& [key, value] : mCaptured.settings) {
-            bundle["settings"][key] = value;
-        }
-        bundle["codeAnswers"] = Json::Value(Json::objectValue);
-        for (const auto& [info, answer] : mCaptured.codeAnswers) {
-            bundle["codeAnswers"][info] = answer;
-        }
-        Json::StreamWriterBuilder builder;
-        builder["indentation"] = "  ";
-        builder["emitUTF8"] = true;
-        builder["enableYAMLCompatibility"] = true;
-        return Json::writeString(builder, bundle);
     }
 
     const BundleSession& mSession;
