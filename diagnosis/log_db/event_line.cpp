@@ -80,29 +80,31 @@ bool ReadMember(const std::string& line, const std::string& key, const Json::Val
 
 } // namespace
 
-std::optional<LoggedEvent> ParseEventLine(const std::string& line, std::string& problem)
+std::optional<LoggedEvent> ReadEvent(const std::string& text, const Json::Value& object, std::string& problem)
 {
-    const auto value = ParseJson(line, problem);
-    if (!value) {
-        return std::nullopt;
-    }
-    if (!value->isObject()) {
-        problem = std::string("must be an object, not ") + JsonKind(*value);
+    if (!object.isObject()) {
+        problem = std::string("must be an object, not ") + JsonKind(object);
         return std::nullopt;
     }
     LoggedEvent event;
-    for (const std::string& key : value->getMemberNames()) {
-        if (!ReadMember(line, key, (*value)[key], event, problem)) {
+    for (const std::string& key : object.getMemberNames()) {
+        if (!ReadMember(text, key, object[key], event, problem)) {
             return std::nullopt;
         }
     }
     for (const char* key : {"time", "event"}) {
-        if (!value->isMember(key)) {
+        if (!object.isMember(key)) {
             problem = std::string("\"") + key + "\" is missing";
             return std::nullopt;
         }
     }
     return event;
+}
+
+std::optional<LoggedEvent> ParseEventLine(const std::string& line, std::string& problem)
+{
+    const auto value = ParseJson(line, problem);
+    return value ? ReadEvent(line, *value, problem) : std::nullopt;
 }
 
 } // namespace diagnosis

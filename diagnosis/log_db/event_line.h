@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+#include <json/value.h>
+
 namespace diagnosis {
 
 /// One logged event, read from a line of JSON or a row of the event log. An absent text is NULL in the log.
@@ -21,6 +23,9 @@ struct LoggedEvent {
 /// seconds, "extra" an object, which is kept as it is written, or any text. "version" and "extra" may be missing
 /// (empty) or null. On failure returns nothing and sets `problem`.
 std::optional<LoggedEvent> ParseEventLine(const std::string& line, std::string& problem);
+
+/// The same for an object that was parsed from `text`.
+std::optional<LoggedEvent> ReadEvent(const std::string& text, const Json::Value& object, std::string& problem);
 
 } // namespace diagnosis
 

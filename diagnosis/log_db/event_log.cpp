@@ -105,6 +105,9 @@ std::optional<Failure> EventLogWriter::Open(const std::string& path)
     if (!mDatabase.Open(mFile.TemporaryPath(), Connection::Mode::CREATE) || !mDatabase.Execute("PRAGMA journal_mode = OFF")) {
         return Fail(mDatabase.GetError());
     }
+    if (mDurability == Durability::NONE && !mDatabase.Execute("PRAGMA synchronous = OFF")) {
+        return Fail(mDatabase.GetError());
+    }
     return CreateTables();
 }
 

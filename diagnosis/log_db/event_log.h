@@ -22,6 +22,12 @@ std::optional<std::string> CompanionOf(const std::string& path);
 /// target. Only Finish moves it to the target: without it nothing remains, and an existing log is unchanged.
 class EventLogWriter {
 public:
+    /// Whether the finished file must survive a crash of the machine. With NONE nothing waits for the disk: for files
+    /// that are removed soon.
+    enum class Durability { FULL, NONE };
+
+    explicit EventLogWriter(Durability durability = Durability::FULL) : mDurability(durability) {}
+
     std::optional<Failure> Open(const std::string& path);
     /// Gives the rows the keys 1, 2, ... in all tables that readers join.
     std::optional<Failure> Add(const LoggedEvent& event);
@@ -32,6 +38,7 @@ private:
     std::optional<std::int64_t> VersionId(const std::string& version);
     Failure Fail(const std::string& reason) const;
 
+    Durability mDurability;
     std::string mPath;
     NewFile mFile;
     Connection mDatabase;

@@ -40,6 +40,11 @@ void Statement::Bind(int parameter, std::int64_t value)
     sqlite3_bind_int64(mStatement.get(), parameter, value);
 }
 
+void Statement::BindReal(int parameter, double value)
+{
+    sqlite3_bind_double(mStatement.get(), parameter, value);
+}
+
 void Statement::Bind(int parameter, const std::string& text)
 {
     sqlite3_bind_text64(mStatement.get(), parameter, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);

@@ -15,6 +15,7 @@ namespace diagnosis {
 class Statement {
 public:
     void Bind(int parameter, std::int64_t value);
+    void BindReal(int parameter, double value);
     void Bind(int parameter, const std::string& text);
     void BindNull(int parameter);
     /// Runs to the next row. False at the end or on an error; see Connection::GetError.
