@@ -53,7 +53,7 @@ STOREYS = [
     Storey("diagnosis", [
         ["report"],
         ["results", "drawing"],
-        ["capture"],
+        ["capture", "cases"],
         ["analysis", "detection"],
         ["evidence"],
         ["rule_set"],

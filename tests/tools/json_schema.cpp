@@ -27,7 +27,8 @@ private:
     void Check(const Json::Value& schema, const Json::Value& value, const std::string& path)
     {
         static const std::set<std::string> KNOWN{"$schema", "title", "description", "$defs", "$ref", "type", "enum",
-            "const", "anyOf", "properties", "required", "items", "minimum", "maximum"};
+            "const", "anyOf", "properties", "additionalProperties", "required", "items", "minItems", "minimum",
+            "maximum"};
         for (const std::string& word : schema.getMemberNames()) {
             if (KNOWN.count(word) == 0) {
                 Fail(path, "unknown word of the schema: " + word);
@@ -76,6 +77,7 @@ private:
             : type == "array"                  ? value.isArray()
             : type == "string"                 ? value.isString()
             : type == "boolean"                ? value.isBool()
+            : type == "null"                   ? value.isNull()
             : type == "integer"                ? value.isInt64() || value.isUInt64()
                                                : type == "number" && value.isNumeric();
         if (!isOfType) {
@@ -83,6 +85,9 @@ private:
         } else if (type == "object") {
             CheckObject(schema, value, path);
         } else if (type == "array") {
+            if (value.size() < schema["minItems"].asUInt()) {
+                Fail(path, "has too few items");
+            }
             for (Json::ArrayIndex item = 0; item < value.size(); ++item) {
                 Check(schema["items"], value[item], path + "/" + std::to_string(item));
             }
@@ -102,9 +107,12 @@ private:
                 Fail(path, "lacks " + key.asString());
             }
         }
-        for (const std::string& key : value.getMemberNames()) {
+        const bool listsKeys = schema.isMember("properties") || schema.isMember("additionalProperties");
+        for (const std::string& key : listsKeys ? value.getMemberNames() : std::vector<std::string>()) {
             if (schema["properties"].isMember(key)) {
                 Check(schema["properties"][key], value[key], path + "/" + key);
+            } else if (schema["additionalProperties"].isObject()) {
+                Check(schema["additionalProperties"], value[key], path + "/" + key);
             } else {
                 Fail(path, "has the unlisted key " + key);
             }

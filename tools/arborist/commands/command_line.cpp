@@ -51,6 +51,7 @@ constexpr KnownCommand COMMANDS[] = {
     {"graph", AddGraphCommand},
     {"lint", AddLintCommand},
     {"rules", AddRulesCommand},
+    {"test", AddTestCommand},
     {"log", AddLogCommand},
     {"bundle", AddBundleCommand},
     {"help", AddHelpCommand},

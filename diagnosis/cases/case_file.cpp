@@ -1,0 +1,131 @@
+#include "diagnosis/cases/case_file.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+
+#include "diagnosis/cases/case_expectations.h"
+#include "diagnosis/cases/case_input.h"
+#include "diagnosis/cases/case_json.h"
+#include "diagnosis/text/json_text.h"
+
+namespace diagnosis::cases {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// As for bundle.json.
+constexpr std::uintmax_t LARGEST_FILE = 16U << 20U;
+
+constexpr char CASES[] = "cases";
+constexpr char NAME[] = "name";
+
+std::string NameOfFile(const std::string& path)
+{
+    const std::string name = fs::path(path).filename().string();
+    const std::string end = CASE_FILE_END;
+    const bool hasEnd = name.size() > end.size() && name.compare(name.size() - end.size(), end.size(), end) == 0;
+    return hasEnd ? name.substr(0, name.size() - end.size()) : name;
+}
+
+/// Reads the cases of one parsed file.
+class CaseFileReader {
+public:
+    CaseFileReader(const Json::Value& root, CaseProblems& problems) : mRoot(root), mProblems(problems) {}
+
+    std::vector<TestCase> Read()
+    {
+        if (!mRoot.isMember(CASES)) {
+            AddCase(mRoot, NameOfFile(mProblems.File()));
+            return mCases;
+        }
+        const Json::Value& list = mRoot[CASES];
+        if (!list.isArray() || list.empty()) {
+            mProblems.Add(list, "\"cases\" must be a list of at least one case");
+            return {};
+        }
+        for (const char* key : {NAME, "expect"}) {
+            if (mRoot.isMember(key)) {
+                mProblems.Add(mRoot[key], std::string("\"") + key + "\" belongs into each of the \"cases\"");
+            }
+        }
+        for (const Json::Value& own : list) {
+            if (!own.isObject()) {
+                mProblems.Add(own, std::string("a case must be an object, not ") + JsonKind(own));
+            } else {
+                AddCase(WithDefaults(own, mRoot), "");
+            }
+        }
+        return mCases;
+    }
+
+private:
+    void AddCase(const Json::Value& object, const std::string& nameOfFile)
+    {
+        TestCase testCase;
+        testCase.file = mProblems.File();
+        testCase.line = mProblems.LineOf(object);
+        testCase.name = nameOfFile;
+        CaseObject reader(object, "", mProblems);
+        if (!reader.Text(NAME, testCase.name) && nameOfFile.empty() && !reader.Has(NAME)) {
+            reader.Missing(NAME);
+        } else if (reader.Has(NAME) && !mNames.insert(testCase.name).second) {
+            mProblems.Add(object[NAME], "another case of the file has this name");
+        }
+        std::string note;
+        reader.Text("note", note);
+        reader.Bool("reviewed", testCase.isReviewed);
+        ReadInput(reader, object, testCase, mProblems);
+        ReadExpectations(reader, testCase.expected, mProblems);
+        reader.RefuseUnknownKeys();
+        mCases.push_back(std::move(testCase));
+    }
+
+    const Json::Value& mRoot;
+    CaseProblems& mProblems;
+    std::set<std::string> mNames;
+    std::vector<TestCase> mCases;
+};
+
+} // namespace
+
+CaseFile ReadCaseText(const std::string& path, const std::string& text)
+{
+    CaseProblems problems(path, text);
+    std::string problem;
+    const auto root = ParseJson(text, problem);
+    CaseFile file;
+    if (!root) {
+        problems.AddUnparsed(problem);
+    } else if (!root->isObject()) {
+        problems.Add(*root, std::string("must hold an object, not ") + JsonKind(*root));
+    } else {
+        file.cases = CaseFileReader(*root, problems).Read();
+    }
+    if (!problems.IsEmpty()) {
+        return {{}, problems.Failures()};
+    }
+    return file;
+}
+
+CaseFile ReadCaseFile(const std::string& path)
+{
+    std::error_code error;
+    // Ask first: reading a pipe or device of that name would block.
+    if (!fs::is_regular_file(path, error)) {
+        return {{}, {{"no_case_file", path + ": no such file"}}};
+    }
+    if (fs::file_size(path, error) > LARGEST_FILE) {
+        return {{}, {{"too_large", path + ": larger than 16 MiB", ExitStatus::INTERNAL}}};
+    }
+    std::ifstream stream(path, std::ios::binary);
+    if (!stream) {
+        return {{}, {{"no_case_file", path + ": can't be read"}}};
+    }
+    return ReadCaseText(path, {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()});
+}
+
+} // namespace diagnosis::cases

@@ -1,0 +1,138 @@
+#include "diagnosis/cases/test_run.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+
+#include "diagnosis/cases/case_file.h"
+
+namespace diagnosis::cases {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool IsCaseFile(const fs::path& path)
+{
+    const std::string name = path.filename().string();
+    const std::string end = CASE_FILE_END;
+    return name.size() > end.size() && name.compare(name.size() - end.size(), end.size(), end) == 0;
+}
+
+std::vector<std::string> CaseFilesBelow(const std::string& folder)
+{
+    std::vector<std::string> files;
+    std::error_code error;
+    const auto options = fs::directory_options::skip_permission_denied;
+    for (fs::recursive_directory_iterator entry(folder, options, error), end; !error && entry != end;
+         entry.increment(error)) {
+        if (IsCaseFile(entry->path()) && entry->is_regular_file(error)) {
+            files.push_back(entry->path().string());
+        }
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+/// Runs the cases of one path after the other.
+class TestRunner {
+public:
+    explicit TestRunner(const TestOptions& options) : mOptions(options), mRunner(options.rules) {}
+
+    void RunPath(const std::string& path)
+    {
+        std::error_code error;
+        if (!fs::is_directory(path, error)) {
+            RunFile(path);
+            return;
+        }
+        for (const std::string& file : CaseFilesBelow(path)) {
+            RunFile(file);
+        }
+    }
+
+    TestRun& Run() { return mRun; }
+
+private:
+    void RunFile(const std::string& path)
+    {
+        std::error_code error;
+        if (!mSeen.insert(fs::weakly_canonical(path, error).string()).second) {
+            return;
+        }
+        const CaseFile file = ReadCaseFile(path);
+        mRun.failures.insert(mRun.failures.end(), file.failures.begin(), file.failures.end());
+        for (const TestCase& testCase : file.cases) {
+            if (testCase.name.find(mOptions.filter) != std::string::npos) {
+                mRun.cases.push_back(mRunner.Run(testCase));
+                if (mOptions.onCase) {
+                    mOptions.onCase(mRun.cases.back());
+                }
+            }
+        }
+    }
+
+    const TestOptions& mOptions;
+    CaseRunner mRunner;
+    std::set<std::string> mSeen;
+    TestRun mRun;
+};
+
+bool IsSameEnd(const CaseOutcome& one, const CaseOutcome& other)
+{
+    const bool isFailureSame = one.failure.has_value() == other.failure.has_value()
+        && (!one.failure || one.failure->code == other.failure->code);
+    return isFailureSame && one.differences == other.differences;
+}
+
+} // namespace
+
+std::size_t TestRun::Passed() const
+{
+    return static_cast<std::size_t>(
+        std::count_if(cases.begin(), cases.end(), [](const CaseOutcome& outcome) { return outcome.HasPassed(); }));
+}
+
+std::size_t TestRun::Unreviewed() const
+{
+    return static_cast<std::size_t>(
+        std::count_if(cases.begin(), cases.end(), [](const CaseOutcome& outcome) { return !outcome.isReviewed; }));
+}
+
+ExitStatus TestRun::Status() const
+{
+    ExitStatus status = cases.empty() || Passed() < cases.size() ? ExitStatus::FAULT_FOUND : ExitStatus::SUCCESS;
+    for (const Failure& failure : failures) {
+        status = MoreSerious(status, failure.status);
+    }
+    for (const CaseOutcome& outcome : cases) {
+        status = outcome.failure ? MoreSerious(status, outcome.failure->status) : status;
+    }
+    return status;
+}
+
+TestRun RunTests(const std::vector<std::string>& paths, const TestOptions& options)
+{
+    TestRunner runner(options);
+    for (const std::string& path : paths) {
+        runner.RunPath(path);
+    }
+    return std::move(runner.Run());
+}
+
+std::optional<std::string> FirstOtherAnswer(const std::string& folder, const std::string& changed)
+{
+    TestOptions options;
+    const TestRun before = RunTests({folder}, options);
+    std::error_code error;
+    options.rules = fs::absolute(changed, error).lexically_normal().string();
+    const TestRun after = RunTests({folder}, options);
+    for (std::size_t i = 0; i < std::min(before.cases.size(), after.cases.size()); ++i) {
+        if (!IsSameEnd(before.cases[i], after.cases[i])) {
+            return before.cases[i].file + ": " + before.cases[i].name;
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace diagnosis::cases

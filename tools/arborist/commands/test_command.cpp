@@ -1,0 +1,82 @@
+#include <fstream>
+#include <memory>
+
+#include "diagnosis/cases/test_run.h"
+#include "diagnosis/results/test_json.h"
+#include "tools/arborist/commands/commands.h"
+#include "tools/arborist/commands/shared_options.h"
+#include "tools/arborist/render/test_text.h"
+#include "tools/arborist/terminal/colour.h"
+#include "tools/arborist/terminal/output.h"
+
+namespace diagnosis::command {
+
+namespace {
+
+struct TestCommandOptions {
+    std::vector<std::string> paths;
+    std::string filter;
+    BundleOverrides overrides;
+    bool asJson = false;
+    std::string junit;
+    bool requiresReview = false;
+};
+
+bool WriteFile(const std::string& path, const std::string& text)
+{
+    std::ofstream file(path, std::ios::binary);
+    file << text;
+    return static_cast<bool>(file.flush());
+}
+
+ExitStatus StatusOf(const cases::TestRun& run, const TestCommandOptions& options)
+{
+    const bool lacksReview = options.requiresReview && run.Unreviewed() > 0;
+    return MoreSerious(run.Status(), lacksReview ? ExitStatus::FAULT_FOUND : ExitStatus::SUCCESS);
+}
+
+ExitStatus Test(const TestCommandOptions& options)
+{
+    cases::TestOptions test;
+    test.filter = options.filter;
+    test.rules = options.overrides.rules;
+    if (!options.asJson) {
+        test.onCase = [](const cases::CaseOutcome& outcome) { PrintResult(CaseText(outcome, AreResultsColoured())); };
+    }
+    const cases::TestRun run = cases::RunTests(options.paths, test);
+    const ExitStatus status = StatusOf(run, options);
+    PrintResult(options.asJson ? TestJson(run, status == ExitStatus::SUCCESS) + "\n" : TestCountsText(run));
+    for (const Failure& failure : run.failures) {
+        PrintError(failure.message);
+    }
+    if (!options.junit.empty() && !WriteFile(options.junit, TestJunit(run))) {
+        PrintError(options.junit + ": can't be written");
+        return ExitStatus::INTERNAL;
+    }
+    return status;
+}
+
+} // namespace
+
+void AddTestCommand(Command app, ExitStatus& status)
+{
+    auto options = std::make_shared<TestCommandOptions>();
+    Command test = app.AddCommand("test", "Run the tests of rule sets: cases in *.test.json files");
+    test.Add("PATH", options->paths, "Case files, and folders that have some at any depth");
+    test.Add("--filter", options->filter, "Run only cases whose name contains this text").Takes("TEXT");
+    AddRules(test, options->overrides);
+    test.AddFlag("--json", options->asJson, "One JSON object for all cases");
+    test.Add("--junit", options->junit, "Write JUnit's XML to this file, too").Takes("FILE").NotEmpty();
+    test.AddFlag("--require-reviewed", options->requiresReview, "Fail if a case was recorded and not reviewed");
+    test.Footer("Exits with 1 if a case fails or there is none.\n"
+                 "Examples:\n  arborist test examples\n"
+                 "  arborist test examples/laptop/rules --filter battery --junit tests.xml");
+    test.OnCall([options, &status] {
+        if (options->paths.empty()) {
+            FailMissing("PATH");
+        }
+        status = Test(*options);
+    });
+}
+
+} // namespace diagnosis::command
