@@ -8,11 +8,22 @@
 namespace diagnosis {
 
 /// A problem that makes a result less reliable but doesn't stop the work. `code` is one of the codes of
-/// docs/command.md.
+/// docs/command.md. All but code and message are empty where nothing is known.
 struct Warning {
     std::string code;
     std::string message;
+    /// The check of lint that finds this mistake of the rule set: "A303".
+    std::string id = {};
+    /// The place in the rule set; the line counts from 1, 0 for the file as a whole.
+    std::string file = {};
+    int line = 0;
+    /// The rule, or the event, that it is about.
+    std::string rule = {};
+    std::string event = {};
 };
+
+/// The message behind its place: "rules/FaultTreeRules.xml:12: the event ...".
+std::string PlacedMessage(const Warning& warning);
 
 /// Why a bundle or a file could not be used. The message names the file and the reason, on one line.
 struct Failure {

@@ -1,12 +1,16 @@
 #include "diagnosis/capture/bundle_contents.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <filesystem>
+#include <limits>
 
 #include "arborist/frame/arborist.h"
 #include "diagnosis/bundle/bundle_overlay.h"
 #include "diagnosis/bundle/repair_records.h"
 #include "diagnosis/bundle/rule_paths.h"
 #include "diagnosis/detection/detection.h"
+#include "diagnosis/text/file_pattern.h"
 
 namespace diagnosis {
 
@@ -16,19 +20,41 @@ namespace {
 
 using State = BundleFinding::State;
 
-void LoadRules(const BundleSession& session, BundleContents& contents)
+bool HasBadPattern(const Evidence::RuleSet& ruleSet)
+{
+    return std::any_of(ruleSet.databases.begin(), ruleSet.databases.end(),
+        [](const Evidence::ExternalDatabase& database) { return !IsFilePattern(database.pattern); });
+}
+
+// Loads the rule set without running any rule. What a detection would make of the pattern of a file name that is none
+// depends on the files of the device, and is tried.
+void Load(const std::shared_ptr<DetectInfo>& info, const DetectionRecorder& recorder, Arborist& engine)
+{
+    engine.IsRunRule("any code"); // any query loads the rule set
+    if (HasBadPattern(recorder.GetRuleSet())) {
+        info->mDetectScene = std::numeric_limits<std::int32_t>::min(); // no rule names it
+        engine.StartDetection();
+    }
+}
+
+void LoadRules(const BundleSession& session, BundleLook look, BundleContents& contents)
 {
     const auto recorder = std::make_shared<DetectionRecorder>(false);
     try {
-        Arborist engine(session.MakeDetectInfo());
+        const auto info = session.MakeDetectInfo();
+        Arborist engine(info);
         engine.SetObserver(recorder);
-        // Any query loads the rule set; this one runs no rule.
-        engine.IsRunRule("any code");
+        Load(info, *recorder, engine);
         contents.ruleSetFailure = RuleSetFailure(recorder->GetRuleSet(), session.GetBundle());
     } catch (...) {
         contents.ruleSetFailure = FailureInFlight(recorder->GetRuleSet());
     }
     contents.ruleFiles = recorder->GetRuleSet().files;
+    if (look == BundleLook::FOR_MISTAKES) {
+        WarningList mistakes = recorder->GetWarnings().List();
+        AddRuleSetWarnings(session.GetBundle(), contents.ruleSetFailure, nullptr, mistakes);
+        contents.ruleSetWarnings = mistakes.Told();
+    }
 }
 
 std::vector<NamedPath> LookFor(const BundleSession& session, const std::vector<std::string>& paths)
@@ -44,12 +70,12 @@ std::vector<NamedPath> LookFor(const BundleSession& session, const std::vector<s
     return found;
 }
 
-void LookInto(const BundleSession& session, BundleContents& contents)
+void LookInto(const BundleSession& session, BundleLook look, BundleContents& contents)
 {
     contents.isZip = session.IsZip();
     contents.description = session.GetBundle();
     contents.now = session.Now();
-    LoadRules(session, contents);
+    LoadRules(session, look, contents);
     const std::string log = session.ProgramDataPath(EVENT_LOG);
     std::error_code error;
     contents.hasLog = fs::exists(log, error);
@@ -59,10 +85,14 @@ void LookInto(const BundleSession& session, BundleContents& contents)
     std::vector<RepairRecord> records;
     contents.repairFailure = ReadRepairRecords(session.ProgramDataPath(REPAIR_RECORDS), records);
     contents.repairRecords = records.size();
-    for (auto* failure : {&contents.logFailure, &contents.repairFailure}) {
+    for (auto* failure : {&contents.ruleSetFailure, &contents.logFailure, &contents.repairFailure}) {
         if (*failure) {
             (*failure)->message = session.Shown((*failure)->message);
         }
+    }
+    for (Warning& warning : contents.ruleSetWarnings) {
+        warning.message = session.Shown(warning.message);
+        warning.file = session.Shown(warning.file);
     }
     const RuleSetSummary ruleSet = SummariseRuleSet(session.GetBundle());
     contents.nodeFiles = LookFor(session, ruleSet.nodeFiles);
@@ -71,8 +101,13 @@ void LookInto(const BundleSession& session, BundleContents& contents)
 
 BundleFinding Finding(const std::string& sound, const std::optional<Failure>& failure)
 {
-    return failure ? BundleFinding{State::BROKEN, failure->code, failure->message, failure->status}
-                   : BundleFinding{State::SOUND, "", sound};
+    return failure ? BundleFinding{State::BROKEN, {failure->code, failure->message}, failure->status}
+                   : BundleFinding{State::SOUND, {"", sound}};
+}
+
+BundleFinding Missing(const std::string& code, const std::string& message)
+{
+    return {State::MISSING, {code, message}, ExitStatus::SUCCESS, ExitStatus::INPUT};
 }
 
 void CheckPaths(const std::vector<NamedPath>& paths, const std::string& kind, std::vector<BundleFinding>& findings)
@@ -81,11 +116,11 @@ void CheckPaths(const std::vector<NamedPath>& paths, const std::string& kind, st
     for (const NamedPath& path : paths) {
         there += path.isThere ? 1U : 0U;
         if (!path.isThere) {
-            findings.push_back({State::MISSING, "missing_path", kind + " " + path.path + " is not there"});
+            findings.push_back(Missing("missing_path", kind + " " + path.path + " is not there"));
         }
     }
-    findings.push_back({State::SOUND, "", kind + ": " + std::to_string(there) + " of " + std::to_string(paths.size())
-        + " are there"});
+    findings.push_back({State::SOUND, {"", kind + ": " + std::to_string(there) + " of " + std::to_string(paths.size())
+        + " are there"}});
 }
 
 } // namespace
@@ -100,7 +135,7 @@ std::size_t RuleSetCount(const BundleContents& contents, Evidence::RuleSetFileTy
     return 0;
 }
 
-BundleContents LookIntoBundle(const BundlePath& bundle, const BundleOverrides& overrides)
+BundleContents LookIntoBundle(const BundlePath& bundle, const BundleOverrides& overrides, BundleLook look)
 {
     BundleContents contents;
     contents.bundle = bundle.given;
@@ -109,7 +144,7 @@ BundleContents LookIntoBundle(const BundlePath& bundle, const BundleOverrides& o
         contents.failure = session.Enter(bundle, overrides);
         contents.warnings = session.GetWarnings();
         if (!contents.failure) {
-            LookInto(session, contents);
+            LookInto(session, look, contents);
         }
     } catch (...) {
         contents.failure = FailureInFlight({});
@@ -119,7 +154,10 @@ BundleContents LookIntoBundle(const BundlePath& bundle, const BundleOverrides& o
 
 const char* StateWord(State state)
 {
-    return state == State::SOUND ? "ok" : state == State::MISSING ? "missing" : "broken";
+    return state == State::SOUND ? "ok"
+        : state == State::DOUBTFUL ? "warning"
+        : state == State::MISSING  ? "missing"
+                                   : "broken";
 }
 
 std::vector<BundleFinding> CheckBundle(const BundleContents& contents)
@@ -129,13 +167,16 @@ std::vector<BundleFinding> CheckBundle(const BundleContents& contents)
         return findings;
     }
     for (const Warning& warning : contents.warnings) {
-        findings.push_back({State::MISSING, warning.code, warning.message});
+        findings.push_back(Missing(warning.code, warning.message));
     }
     findings.push_back(Finding("the rule set can be used", contents.ruleSetFailure));
+    for (const Warning& warning : contents.ruleSetWarnings) {
+        findings.push_back({State::DOUBTFUL, warning, ExitStatus::SUCCESS, StrictStatus(warning)});
+    }
     if (contents.hasLog) {
         findings.push_back(Finding("the event log can be read", contents.logFailure));
     } else {
-        findings.push_back({State::MISSING, "missing_log", "the event log is not there"});
+        findings.push_back(Missing("missing_log", "the event log is not there"));
     }
     findings.push_back(Finding("the repair records can be read", contents.repairFailure));
     CheckPaths(contents.nodeFiles, "node file", findings);

@@ -25,6 +25,8 @@ struct BundleContents {
     /// Set if the bundle could not be entered; all other members are empty then.
     std::optional<Failure> failure;
     std::vector<Warning> warnings;
+    /// The mistakes of the rule set, if they were looked for.
+    std::vector<Warning> ruleSetWarnings;
     bool isZip = false;
     Bundle description;
     /// The current time of the bundle in seconds since the epoch.
@@ -43,19 +45,25 @@ struct BundleContents {
 /// Number of entries of a file of the rule set; 0 if the file was not read.
 std::size_t RuleSetCount(const BundleContents& contents, Evidence::RuleSetFileType type);
 
-/// Reads the whole bundle without running any rule.
-BundleContents LookIntoBundle(const BundlePath& bundle, const BundleOverrides& overrides);
+/// Whether to look for mistakes in the rule set, too.
+enum class BundleLook { AS_IT_IS, FOR_MISTAKES };
 
-/// The result of one check. SOUND; MISSING: a detection works without it, but devices usually have it; or BROKEN.
+/// Reads the whole bundle without running any rule.
+BundleContents LookIntoBundle(
+    const BundlePath& bundle, const BundleOverrides& overrides, BundleLook look = BundleLook::AS_IT_IS);
+
+/// The result of one check. SOUND; DOUBTFUL: a detection works with it and warns of it; MISSING: a detection works without
+/// it, but devices usually have it; or BROKEN.
 struct BundleFinding {
-    enum class State { SOUND, MISSING, BROKEN };
+    enum class State { SOUND, DOUBTFUL, MISSING, BROKEN };
     State state;
-    std::string code;
-    std::string message;
+    Warning what;
     ExitStatus status = ExitStatus::SUCCESS;
+    /// The status under --strict.
+    ExitStatus strictStatus = status;
 };
 
-/// "ok", "missing" or "broken".
+/// "ok", "warning", "missing" or "broken".
 const char* StateWord(BundleFinding::State state);
 
 /// Checks piece by piece whether a bundle can be run with everything that its rules read.

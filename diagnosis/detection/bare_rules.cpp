@@ -35,6 +35,7 @@ DetectionReport ReadBareRules(const BundlePath& rules, const std::string& treeTa
     std::ofstream(scratch.Path("bundle.json")) << BundleText(rules.absolute, treeTag);
     DetectionOptions options;
     options.withTrees = true;
+    options.checksRuleSet = false;
     DetectionReport report = RunDetection({rules.given, scratch.Path()}, options);
     report.warnings.clear(); // about missing data of a device; there is no device
     return report;

@@ -81,6 +81,7 @@ void ShowPaths(const BundleSession& session, DetectionReport& report)
 {
     for (Warning& warning : report.warnings) {
         warning.message = session.Shown(warning.message);
+        warning.file = session.Shown(warning.file);
     }
     for (Evidence::TreeVerdict& verdict : report.verdicts) {
         ShowPaths(session, verdict);
@@ -94,7 +95,7 @@ void ShowPaths(const BundleSession& session, DetectionReport& report)
 class Detection {
 public:
     Detection(const BundleSession& session, const DetectionOptions& options)
-        : mSession(session), mInfo(session.MakeDetectInfo())
+        : mSession(session), mOptions(options), mInfo(session.MakeDetectInfo())
     {
         if (options.withExplanation) {
             mExplanation = std::make_shared<ExplanationRecorder>(options.withTrees);
@@ -123,26 +124,43 @@ public:
         }
         if (report.failure) {
             report.results.clear();
-            return;
+        } else {
+            TakeResults(report);
+            warnings.LookAfter(mSession);
         }
+        TakeWarnings(report);
+    }
+
+private:
+    void TakeResults(DetectionReport& report) const
+    {
         report.verdicts = mRecorder->GetVerdicts();
         report.trees = mRecorder->GetTrees();
         if (mExplanation != nullptr) {
             ShowPaths(mSession, *mExplanation->GetExplanation());
             report.explanation = mExplanation->GetExplanation();
         }
-        warnings.LookAfter(mSession);
+    }
+
+    // Without results nothing is told of what they rest on.
+    void TakeWarnings(DetectionReport& report) const
+    {
         WarningList all;
         all.Add(report.warnings);
-        all.Add(warnings.Told());
-        if (mAnswers != nullptr) {
+        if (!report.failure) {
+            all.Add(mRecorder->GetWarnings().List());
+        }
+        if (!report.failure && mAnswers != nullptr) {
             all.Add(mAnswers->GetWarnings());
+        }
+        if (mOptions.checksRuleSet) {
+            AddRuleSetWarnings(mSession.GetBundle(), report.failure, mOptions.ruleSets.get(), all);
         }
         report.warnings = all.Told();
     }
 
-private:
     const BundleSession& mSession;
+    const DetectionOptions& mOptions;
     std::shared_ptr<DetectInfo> mInfo;
     std::shared_ptr<DetectionRecorder> mRecorder;
     /// The recorder of the explanation; null if none is requested.
@@ -170,6 +188,17 @@ bool DetectionReport::HasUnusableRule() const
     return std::any_of(verdicts.begin(), verdicts.end(), [](const Evidence::TreeVerdict& verdict) {
         return verdict.checks.Of(Evidence::Check::RULE_UNUSABLE) != 0;
     });
+}
+
+void AddRuleSetWarnings(const Bundle& bundle, const std::optional<Failure>& failure, RuleSetMemory* known,
+    WarningList& warnings)
+{
+    static const std::set<std::string> OF_THE_FILES = {"rule_file_missing", "rule_file_malformed", "no_tree"};
+    if (failure && OF_THE_FILES.count(failure->code) != 0) {
+        return;
+    }
+    const RuleSetPaths paths{TreeFilePath(bundle), RuleFilePath(bundle), bundle.treeTag};
+    (known == nullptr ? CheckRuleSet(paths) : known->Check(paths))->AddTo(warnings);
 }
 
 std::optional<Failure> RuleSetFailure(const Evidence::RuleSet& ruleSet, const Bundle& bundle)

@@ -11,6 +11,7 @@
 #include "diagnosis/detection/code_answers.h"
 #include "diagnosis/evidence/detection_recorder.h"
 #include "diagnosis/evidence/explanation.h"
+#include "diagnosis/evidence/rule_set_memory.h"
 #include "diagnosis/problem.h"
 
 namespace diagnosis {
@@ -21,6 +22,10 @@ struct DetectionOptions {
     CodeRunner codeRunner;
     bool withTrees = false;
     bool withExplanation = false;
+    /// Warn of mistakes in the rule set, whichever rules the device asks for.
+    bool checksRuleSet = true;
+    /// What is known of rule sets from earlier detections; may be null.
+    std::shared_ptr<RuleSetMemory> ruleSets = nullptr;
 };
 
 /// The complete output of one detection, from which all renderings are made.
@@ -48,6 +53,11 @@ struct DetectionReport {
 
 /// Runs one detection for a bundle. Every failure, including an exception, is in the report.
 DetectionReport RunDetection(const BundlePath& bundle, const DetectionOptions& options);
+
+/// Adds the mistakes of the bundle's rule set, unless it failed so that the failure says what is wrong with it. Call it
+/// while the bundle is entered. `known` may be null.
+void AddRuleSetWarnings(const Bundle& bundle, const std::optional<Failure>& failure, RuleSetMemory* known,
+    WarningList& warnings);
 
 /// The failure if the loaded rule set can't be used: a file is missing or malformed, or the tag has no tree.
 std::optional<Failure> RuleSetFailure(const Evidence::RuleSet& ruleSet, const Bundle& bundle);

@@ -1,6 +1,7 @@
 #include "diagnosis/evidence/detection_warnings.h"
 
 #include <filesystem>
+#include <utility>
 
 #include "arborist/frame/settings.h"
 #include "diagnosis/bundle/bundle_overlay.h"
@@ -17,6 +18,13 @@ using Evidence::Reason;
 std::string Quoted(std::string_view text)
 {
     return "\"" + std::string(text) + "\"";
+}
+
+Warning OfRule(const char* code, std::string message, const std::string& rule)
+{
+    Warning warning{code, std::move(message)};
+    warning.rule = rule;
+    return warning;
 }
 
 // The number of skipped rows in words.
@@ -45,7 +53,7 @@ void DetectionWarnings::OnRuleSet(const Evidence::RuleSet& ruleSet)
     for (const Evidence::RuleSetFile& file : ruleSet.files) {
         if (file.type == Evidence::RuleSetFileType::RULES && file.state == Evidence::RuleSetFileState::LOADED
             && file.count == 0) {
-            mList.Add("no_rules", file.path + ": no rule under the tree tag");
+            mList.Add({"no_rules", file.path + ": no rule under the tree tag", "", file.path});
         }
     }
 }
@@ -64,9 +72,10 @@ void DetectionWarnings::OnTrouble(const Evidence::Trouble& trouble)
     switch (trouble.kind) {
     case Kind::STATEMENT_FAILED:
     case Kind::REPAIRS_UNREADABLE:
-        mList.Add("sql_failed",
+        mList.Add(OfRule("sql_failed",
             "SQL " + (trouble.ruleName.empty() ? "before the rules ran" : "of the rule " + Quoted(trouble.ruleName))
-                + " failed: " + trouble.words);
+                + " failed: " + trouble.words,
+            trouble.ruleName));
         break;
     case Kind::EVENT_LOG_UNREADABLE:
         mEventLogTrouble = trouble.words; // each id of a range may report it
@@ -120,8 +129,9 @@ void DetectionWarnings::OnRule(const Evidence::Rule& rule)
         }
     }
     if (rule.reason == Reason::NO_RUNNER) {
-        mList.Add("no_code_runner", "the code rule " + Quoted(rule.name)
-            + " has no recorded answer, and no --code-runner was given: taken as not present");
+        mList.Add(OfRule("no_code_runner", "the code rule " + Quoted(rule.name)
+                + " has no recorded answer, and no --code-runner was given: taken as not present",
+            rule.name));
     }
 }
 
@@ -133,8 +143,8 @@ void DetectionWarnings::OnStatement(const Evidence::Statement& statement, const 
             (database.empty() ? "the derived database" : "the database " + Quoted(database)) + " can't be opened");
     }
     if (!statement.error.empty()) {
-        mList.Add("sql_failed",
-            "SQL of the rule " + Quoted(ruleName) + " on " + Quoted(database) + " failed: " + statement.error);
+        mList.Add(OfRule("sql_failed",
+            "SQL of the rule " + Quoted(ruleName) + " on " + Quoted(database) + " failed: " + statement.error, ruleName));
     }
 }
 

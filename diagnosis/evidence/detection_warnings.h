@@ -25,7 +25,7 @@ public:
     /// Call it after the detection: compares what the rules read with the bundle.
     void LookAfter(const BundleSession& session);
 
-    std::vector<Warning> Told() const { return mList.Told(); }
+    const WarningList& List() const { return mList; }
 
 private:
     void OnRule(const Evidence::Rule& rule);

@@ -1,24 +1,33 @@
 #include "diagnosis/evidence/warning_list.h"
 
+#include <algorithm>
+
 namespace diagnosis {
 
-void WarningList::Add(const std::string& code, const std::string& message)
+void WarningList::Add(const Warning& warning, std::size_t count)
 {
-    const auto known = mPlaces.find({code, message});
+    const auto known = mPlaces.find({warning.code, warning.message});
     if (known != mPlaces.end()) {
-        ++mEntries[known->second].count;
+        mEntries[known->second].count += count;
         return;
     }
-    if (++mNumbers[code] <= LARGEST_NUMBER) {
-        mPlaces[{code, message}] = mEntries.size();
-        mEntries.push_back({{code, message}, 1});
+    if (++mNumbers[warning.code] <= LARGEST_NUMBER) {
+        mPlaces[{warning.code, warning.message}] = mEntries.size();
+        mEntries.push_back({warning, count});
     }
 }
 
 void WarningList::Add(const std::vector<Warning>& warnings)
 {
     for (const Warning& warning : warnings) {
-        Add(warning.code, warning.message);
+        Add(warning);
+    }
+}
+
+void WarningList::AddNumbers(const WarningList& others)
+{
+    for (const auto& [code, number] : others.mNumbers) {
+        mNumbers[code] += number - std::min(number, LARGEST_NUMBER);
     }
 }
 
@@ -27,7 +36,8 @@ std::vector<Warning> WarningList::Told() const
     std::vector<Warning> warnings;
     for (const Entry& entry : mEntries) {
         const std::string times = entry.count > 1 ? " (" + std::to_string(entry.count) + " times)" : "";
-        warnings.push_back({entry.warning.code, entry.warning.message + times});
+        warnings.push_back(entry.warning);
+        warnings.back().message += times;
     }
     for (const auto& [code, number] : mNumbers) {
         if (number > LARGEST_NUMBER) {
@@ -39,8 +49,8 @@ std::vector<Warning> WarningList::Told() const
 
 ExitStatus StrictStatus(const Warning& warning)
 {
-    const bool isOfRuleSet =
-        warning.code == "no_rules" || warning.code == "sql_failed" || warning.code == "true_without_cause";
+    const bool isOfRuleSet = !warning.id.empty() || warning.code == "no_rules" || warning.code == "sql_failed"
+        || warning.code == "true_without_cause";
     return isOfRuleSet ? ExitStatus::RULE_SET : ExitStatus::INPUT;
 }
 

@@ -18,9 +18,34 @@ class WarningList {
 public:
     static constexpr std::size_t LARGEST_NUMBER = 100;
 
-    /// Adds a warning; a repetition only increments the count of the first.
-    void Add(const std::string& code, const std::string& message);
+    /// Adds a warning; one with the code and message of another only increments the count of that one.
+    void Add(const Warning& warning) { Add(warning, 1); }
+    void Add(const std::string& code, const std::string& message) { Add({code, message}); }
     void Add(const std::vector<Warning>& warnings);
+    void Add(const WarningList& others)
+    {
+        AddUnless(others, [](const Warning&) { return false; });
+    }
+    /// Adds those for which `isKnown(warning)` does not hold.
+    template <typename IsKnown>
+    void AddUnless(const WarningList& others, IsKnown isKnown)
+    {
+        for (const Entry& entry : others.mEntries) {
+            if (!isKnown(entry.warning)) {
+                Add(entry.warning, entry.count);
+            }
+        }
+        AddNumbers(others);
+    }
+
+    /// Calls `visit(warning)` for each, which may change all but code and message.
+    template <typename Visit>
+    void ForEach(Visit visit)
+    {
+        for (Entry& entry : mEntries) {
+            visit(entry.warning);
+        }
+    }
 
     /// The warnings, with " (3 times)" behind repeated ones, and one line for each code with more than the limit.
     std::vector<Warning> Told() const;
@@ -30,6 +55,10 @@ private:
         Warning warning;
         std::size_t count;
     };
+
+    void Add(const Warning& warning, std::size_t count);
+    /// Adds the numbers of those that the other list left out.
+    void AddNumbers(const WarningList& others);
 
     std::vector<Entry> mEntries;
     std::map<std::pair<std::string, std::string>, std::size_t> mPlaces;

@@ -75,7 +75,8 @@ std::string WarningsSection(const std::vector<Warning>& warnings)
 {
     std::string items;
     for (const Warning& warning : warnings) {
-        items += "<li>" + Markup(warning.message) + " " + Html("span", "[" + warning.code + "]", "quiet") + "</li>\n";
+        const std::string code = warning.code + (warning.id.empty() ? "" : ", " + warning.id);
+        items += "<li>" + Markup(PlacedMessage(warning)) + " " + Html("span", "[" + code + "]", "quiet") + "</li>\n";
     }
     return items.empty() ? "" : "<section class=\"warnings\" id=\"warnings\">\n<h2>Warnings</h2>\n"
             "<p>The result may be less than it looks.</p>\n<ul>\n" + items + "</ul>\n</section>\n";

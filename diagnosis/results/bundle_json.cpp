@@ -85,8 +85,9 @@ std::string CheckJson(const std::string& bundle, bool isOk, const std::vector<Bu
     json.BeginObject().Text("schema", "arborist.verify.1").Text("bundle", bundle).Bool("ok", isOk);
     json.Key("findings").BeginArray();
     for (const BundleFinding& finding : findings) {
-        json.BeginObject().Text("state", StateWord(finding.state)).Text("code", finding.code);
-        json.Text("message", finding.message).EndObject();
+        json.BeginObject().Text("state", StateWord(finding.state));
+        WriteWarning(json, finding.what);
+        json.EndObject();
     }
     return json.EndArray().EndObject().Line();
 }

@@ -67,12 +67,29 @@ void WriteRootCauseTexts(JsonWriter& json, const FaultTreeResult::RootCauseResul
     json.EndArray();
 }
 
+void WriteWarning(JsonWriter& json, const Warning& warning)
+{
+    json.Text("code", warning.code).Text("message", warning.message);
+    const std::pair<const char*, const std::string&> texts[] = {
+        {"id", warning.id}, {"rule", warning.rule}, {"event", warning.event}, {"file", warning.file}};
+    for (const auto& [key, text] : texts) {
+        if (!text.empty()) {
+            json.Text(key, text);
+        }
+    }
+    if (!warning.file.empty()) {
+        json.Key("line").Number(warning.line);
+    }
+}
+
 void WriteHead(JsonWriter& json, const std::string& schema, const std::string& bundle, bool isOk,
     const std::vector<Warning>& warnings)
 {
     json.Text("schema", schema).Text("bundle", bundle).Bool("ok", isOk).Key("warnings").BeginArray();
     for (const Warning& warning : warnings) {
-        json.BeginObject().Text("code", warning.code).Text("message", warning.message).EndObject();
+        json.BeginObject();
+        WriteWarning(json, warning);
+        json.EndObject();
     }
     json.EndArray();
 }

@@ -14,6 +14,9 @@ std::string DetectionJson(const DetectionReport& report);
 /// Writes the members of a root cause: the ids and texts of the result.
 void WriteRootCauseTexts(JsonWriter& json, const FaultTreeResult::RootCauseResult& cause);
 
+/// Writes the members of a warning: "code", "message", and those of the others that are known.
+void WriteWarning(JsonWriter& json, const Warning& warning);
+
 /// Writes the members that every report has: "bundle", "ok", "warnings".
 void WriteHead(JsonWriter& json, const std::string& schema, const std::string& bundle, bool isOk,
     const std::vector<Warning>& warnings);

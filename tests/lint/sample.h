@@ -1,6 +1,7 @@
 #ifndef ARBORIST_TESTS_LINT_SAMPLE_H
 #define ARBORIST_TESTS_LINT_SAMPLE_H
 
+#include <ostream>
 #include <set>
 #include <string>
 #include <vector>
@@ -29,6 +30,7 @@ struct LintSample {
     /// Copies them into a folder.
     void CopyTo(const TempDir& dir, const std::string& which) const;
 };
+inline void PrintTo(const LintSample& sample, std::ostream* out) { *out << sample.folder; }
 
 /// What "effect.txt" of a sample says, in lines "key: text" as the examples of pages have them:
 ///

@@ -13,8 +13,6 @@
 #include "tests/support/case_name.h"
 #include "tests/support/example_run.h"
 
-void PrintTo(const LintSample& sample, std::ostream* out) { *out << sample.folder; }
-
 namespace {
 
 using diagnosis::lint::AllChecks;

@@ -172,11 +172,16 @@ TEST_F(DetectCommandTest, APatternThatIsNoRegularExpressionIsNamedWithItsEntry)
     mDir.Write("bad/rules/FaultTreeRules.xml",
         RuleXml("Tag").CommonPart({entry("FINE", ".*\\.db"), entry("BROKEN", "[a<\"")}).Text());
     const auto result = RunArborist({"detect", "--log-level", "none", "bad", "good"});
-    EXPECT_THAT(result.err, StartsWith("arborist: bad: rules/FaultTreeRules.xml: the dbName pattern \"[a<\"\" of the "
+    EXPECT_THAT(result.err, HasSubstr("\narborist: bad: rules/FaultTreeRules.xml: the dbName pattern \"[a<\"\" of the "
         "defDBTable \"BROKEN\" is no regular expression: "));
+    EXPECT_THAT(result.err, HasSubstr("arborist: bad: warning: rules/FaultTreeRules.xml:3: the pattern of the databases "
+        "\"BROKEN\" is no regular expression; put a backslash before signs that stand for themselves [A817]\n"));
     EXPECT_THAT(result.err, EndsWith(" [bad_pattern]\n"));
     EXPECT_THAT(result.out, AllOf(StartsWith("bad\n  NOT DIAGNOSED\ngood\n"), HasSubstr("FAULT")));
     EXPECT_EQ(result.status, 3);
+    const auto verified = RunArborist({"bundle", "verify", "bad"});
+    EXPECT_THAT(verified.out, HasSubstr("broken            rules/FaultTreeRules.xml: the dbName pattern \"[a<\"\""));
+    EXPECT_EQ(verified.status, 3);
 }
 
 TEST_F(DetectCommandTest, AFolderThatIsNoneIsNamed)
@@ -220,7 +225,8 @@ TEST_F(DetectCommandTest, ARuleFileWithoutRulesOfTheTagIsAWarning)
     WriteHotBundle(mDir, "b");
     mDir.Write("b/rules/FaultTreeRules.xml", RuleXml("Other").Text());
     const auto result = RunArborist({"detect", "b"});
-    EXPECT_EQ(result.err, "arborist: b: warning: rules/FaultTreeRules.xml: no rule under the tree tag\n");
+    EXPECT_EQ(result.err, "arborist: b: warning: rules/FaultTreeRules.xml:1: no rule under the tree tag [A102]\n"
+        "arborist: b: warning: rules/FaultTreeRules.xml:1: the rule file has no section \"EventRules\" [A102]\n");
     EXPECT_THAT(result.out, HasSubstr("no fault"));
 }
 

@@ -134,8 +134,10 @@ TEST_F(ReportCommandTest, ABranchThatIsWrittenOutTwiceHasOneCard)
 
 TEST_F(ReportCommandTest, LargeTreesAreListedAsFarAsTheyAreInError)
 {
-    std::vector<Xml> events(3000, Basic("COLD", {"", "", "", "2"})); // left to the host, so that nothing of it is open
-    events.push_back(Basic("HOT"));
+    std::vector<Xml> events{Basic("HOT")};
+    for (int number = 0; number < 3000; ++number) { // left to the host, so that nothing of them is open
+        events.push_back(Basic("COLD" + std::to_string(number), {"", "", "", "2"}));
+    }
     Trees(TreeXml("Tag").Tree("T", Or(events)));
     const std::string page = Report();
     EXPECT_THAT(page, AllOf(Not(HasSubstr("<svg")), HasSubstr("&quot;arborist graph --format svg&quot; draws it"),

@@ -17,6 +17,7 @@ namespace {
 
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::MatchesRegex;
 using testing::Not;
 using testing::StartsWith;
 
@@ -25,10 +26,9 @@ constexpr std::int64_t NOW = 1700000000;
 const std::string ALL_ATTRIBUTES =
     R"(, "device": {"CpuName": "c", "RamSize": "8", "Resolution": "r", "BatteryCapacity": "5"})";
 
-Xml Alarm(const std::string& beginFlag = "0")
+Xml Alarm(const std::string& beginFlag = "1")
 {
-    return AlarmRuleXml("alarm", {AlarmIdXml("5", "5", {Xml("BeginFlag").Attr("value", beginFlag),
-        TimeXml("duration", "30", "1")})});
+    return AlarmRuleXml("alarm", {AlarmIdXml("5", "5", {TimeXml("duration", "30", "1")}).Attr("BeginFlag", beginFlag)});
 }
 
 // A bean "EVENTS" whose derived table has the events of the number 5.
@@ -78,6 +78,12 @@ public:
         mDir.Write("b/bundle.json", BundleJson(", \"now\": " + std::to_string(NOW) + json));
         mDir.Write("b/rules/FaultTrees.xml", TreeXml("Tag").Version("1").Tree("T", Or({Basic("E")})).Text());
         mDir.Write("b/rules/FaultTreeRules.xml", rules.Text());
+    }
+
+    // An alarm rule "r" with one time.
+    void WriteTimedBundle(const std::string& type, const std::string& period)
+    {
+        WriteBundle(AlarmRuleXml("r", {AlarmIdXml("5", "5", {TimeXml(type, period, "1")})}), "r");
     }
 
     static ProcessResult Detect(const std::vector<std::string>& more = {})
@@ -158,7 +164,7 @@ TEST_F(WarningsTest, AnExtraThatIsNoJsonObjectIsCounted)
 {
     const auto tested = AlarmRuleXml("alarm", {AlarmIdXml("5", "5", {TimeXml("duration", "30", "1"),
         ParamsXml({ParamXml("p", "DROP", "int")}), ConditionXml({SingleLogicXml(TestXml("gt", "p", "70"))})})
-        .Attr("type", "ParamEventId")});
+        .Attr("type", "param_eventid")});
     WriteBundle(tested, "alarm");
     EventLogBuilder().Rows({{NOW - 5, 5, "", "[1]"}, {NOW - 5, 5, "", "{\"DROP\": }"}, {NOW - 5, 5, "", ""},
         {NOW - 5, 5, "", "{\"DROP\": 1}"}}).WriteTo(mDir.Path(LOG));
@@ -182,8 +188,8 @@ TEST_F(WarningsTest, FailedSqlIsToldWithItsRuleAndIsTheRuleSetsFault)
 {
     WriteBundle(Command("select n from NOWHERE"), "command", {Events()}, ALL_ATTRIBUTES);
     EventLogBuilder().Row({NOW - 5, 5, "", ""}).WriteTo(mDir.Path(LOG));
-    EXPECT_EQ(Detect().err, "arborist: b: warning: SQL of the rule \"command\" on \"JankEventDb.db\" failed: no such "
-                            "table: NOWHERE\n");
+    EXPECT_EQ(Detect().err, "arborist: b: warning: rules/FaultTreeRules.xml:9: SQL of the rule \"command\" on "
+                            "\"JankEventDb.db\" failed: no such table: NOWHERE [A625]\n");
     EXPECT_THAT(Detect({"--json"}).out, HasSubstr(R"("code": "sql_failed")"));
     EXPECT_EQ(Detect().status, 0);
     EXPECT_EQ(Detect({"--strict"}).status, 3);
@@ -273,7 +279,7 @@ std::vector<WarningCase> Warnings()
                 WriteHotBundle(test.mDir, "b");
                 test.mDir.Write("b/rules/FaultTreeRules.xml", RuleXml("Other").Text());
             },
-            "rules/FaultTreeRules.xml: no rule under the tree tag", 3},
+            "no rule under the tree tag", 3},
         {"true_without_cause",
             [](auto& test) {
                 WriteHotBundle(test.mDir, "b");
@@ -330,7 +336,7 @@ std::vector<WarningCase> Warnings()
             [](auto& test) {
                 test.WriteBundle(AlarmRuleXml("alarm", {AlarmIdXml("5", "5", {TimeXml("duration", "30", "1"),
                     ParamsXml({ParamXml("p", "DROP", "int")}), ConditionXml({SingleLogicXml(TestXml("gt", "p", "70"))})})
-                    .Attr("type", "ParamEventId")}), "alarm");
+                    .Attr("type", "param_eventid")}), "alarm");
                 WriteLog(test, {{NOW - 5, 5, "", "[1]"}});
             },
             "1 of 1 row of the event log have an \"extra\" that is no JSON object", 4},
@@ -356,6 +362,41 @@ std::vector<WarningCase> Warnings()
             "a node file can't be read: \"temperature\"", 4},
         {"no_code_runner", [](auto& test) { WriteCodeBundle(test.mDir, "b", {"info"}); },
             "the code rule \"ruleC1\" has no recorded answer, and no --code-runner was given", 4},
+        {"bad_number", [](auto& test) {
+                test.WriteTimedBundle("duration", "a month");
+                WriteLog(test, {ROW});
+            },
+            "rules/FaultTreeRules.xml:6: a time of the rule \"r\" has the period \"a month\", which is no number: 30 days "
+            "are taken; write the number of days, from 1 to 24855 [A410]",
+            3},
+        {"unknown_name", [](auto& test) {
+                test.WriteTimedBundle("durations", "30");
+                WriteLog(test, {ROW});
+            },
+            "rules/FaultTreeRules.xml:6: a time of the rule \"r\" has the unknown type \"durations\"", 3},
+        {"duplicate",
+            [](auto& test) {
+                WriteHotBundle(test.mDir, "b");
+                test.mDir.Write("b/rules/FaultTrees.xml",
+                    TreeXml("Tag").Version("1").Tree("T", Or({Basic("HOT"), Basic("HOT")})).Text());
+            },
+            "rules/FaultTrees.xml:3: the event \"HOT\" stands in this tree before", 3},
+        {"dropped",
+            [](auto& test) {
+                WriteHotBundle(test.mDir, "b");
+                test.mDir.Write("b/rules/FaultTrees.xml", TreeXml("Tag").Version("1").Tree("T", Or({Basic("HOT")}))
+                    .Element(Xml("Tree").Attr("id", "U").Attr("type", "t").Child(Intermediate("U", Or({Basic("HOT")})))).Text());
+            },
+            "rules/FaultTrees.xml:4: the tree \"U\" has no \"version\"", 3},
+        {"no_such_rule", [](auto& test) { test.WriteBundle(Alarm(), "alarms"); },
+            "rules/FaultTreeRules.xml:3: the event \"E\" asks for the rule \"alarms\", which is not there; did you mean "
+            "\"alarm\"? [A303]",
+            3},
+        {"unused_rule", [](auto& test) { test.WriteBundle(Alarm(), "alarms"); },
+            "rules/FaultTreeRules.xml:6: no event asks for the rule \"alarm\" [A309]", 3},
+        {"rule_set_error",
+            [](auto& test) { test.WriteBundle(CodeRuleXml("r", "CODE", "info", ""), "r"); },
+            "rules/FaultTreeRules.xml:6: the rule \"r\" names no scene", 3},
         {"code_runner",
             [](auto& test) {
                 WriteCodeBundle(test.mDir, "b", {"info"});
@@ -369,6 +410,28 @@ std::vector<WarningCase> Warnings()
 INSTANTIATE_TEST_SUITE_P(Table, EachWarning, testing::ValuesIn(Warnings()), [](const auto& warning) {
     return std::string(warning.param.code);
 });
+
+TEST_F(WarningsTest, AMistakeInTheRuleSetIsToldWithItsPlaceWhereverResultsAre)
+{
+    WriteBundle(Alarm(), "alarms");
+    const std::string json = "{\"code\": \"no_such_rule\", \"message\": \"the event \\\"E\\\" asks for the rule "
+        "\\\"alarms\\\", which is not there; did you mean \\\"alarm\\\"?\", \"id\": \"A303\", \"event\": \"E\", "
+        "\"file\": \"rules/FaultTreeRules.xml\", \"line\": 3}";
+    mDir.Write("list", "b\nb\nb\n");
+    const std::string lines = RunArborist({"detect", "--batch", "list", "--jobs", "1"}).out;
+    EXPECT_THAT(lines, MatchesRegex("([^\n]*no_such_rule[^\n]*\n){3}"));
+    EXPECT_THAT(lines, HasSubstr(json));
+    EXPECT_THAT(RunArborist({"explain", "--json", "b"}).out, HasSubstr(json));
+    EXPECT_THAT(RunArborist({"report", "b"}).out, HasSubstr("<li>rules/FaultTreeRules.xml:3: the event &quot;E&quot; asks "
+        "for the rule &quot;alarms&quot;, which is not there; did you mean &quot;alarm&quot;? "
+        "<span class=\"quiet\">[no_such_rule, A303]</span></li>"));
+    const auto verified = RunArborist({"bundle", "verify", "b"});
+    EXPECT_THAT(verified.out, HasSubstr("\n  warning           rules/FaultTreeRules.xml:3: the event \"E\" asks for the rule "
+        "\"alarms\", which is not there; did you mean \"alarm\"? [no_such_rule, A303]\n"));
+    EXPECT_EQ(verified.status, 0);
+    WriteLog(*this, {ROW});
+    EXPECT_EQ(RunArborist({"bundle", "verify", "--strict", "b"}).status, 3);
+}
 
 // Codes of the page's table of warnings.
 TEST(WarningsPageTest, ListsEveryCodeThatHasATest)

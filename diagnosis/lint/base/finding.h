@@ -35,6 +35,9 @@ struct Finding {
     std::string source;
     /// Its place as a path of names, "EventRules/Laptop/Event[WORN]", which doesn't change when lines move.
     std::string element;
+    /// The names of the rule and the event in which it lies; empty outside.
+    std::string rule;
+    std::string event;
     std::string message;
     /// What to do about it; may be empty.
     std::string help;

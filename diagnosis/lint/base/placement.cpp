@@ -185,6 +185,33 @@ void SetFingerprints(std::vector<Finding>& findings)
     }
 }
 
+bool IsRule(Element element)
+{
+    const std::string_view name = element.Name();
+    return name == "alarmRule" || name == "commandRule" || name == "codeRule" || name == "nodeRule";
+}
+
+// An entry of the event rules, or an event of a tree.
+bool IsEvent(Element element)
+{
+    const std::string_view name = element.Name();
+    return name == "Event" || name == "Basic-Event" || name == "Intermediate-Event" || name == "Undeveloped-Event";
+}
+
+void SetOwner(Element element, Finding& finding)
+{
+    for (; element; element = element.Parent()) {
+        if (IsRule(element)) {
+            finding.rule = element.Value("name");
+            return;
+        }
+        if (IsEvent(element)) {
+            finding.event = IdTextOf(element);
+            return;
+        }
+    }
+}
+
 Finding Placed(Reported& reported, PathMemory& paths)
 {
     Finding finding;
@@ -193,6 +220,7 @@ Finding Placed(Reported& reported, PathMemory& paths)
     finding.line = reported.line;
     finding.source = reported.file->Line(reported.line).substr(0, LONGEST_SOURCE);
     finding.element = paths.Of(reported.element);
+    SetOwner(reported.element, finding);
     SetColumn(reported, finding);
     SetEdits(reported, finding);
     finding.message = std::move(reported.message);

@@ -64,11 +64,11 @@ ExitStatus Verify(const BundleOptions& options)
     if (!IsLogOpen(options.log)) {
         return ExitStatus::WRONG_USE;
     }
-    const auto findings = CheckBundle(LookIntoBundle(MakeBundlePath(options.bundle), options.capture.overrides));
+    const auto findings = CheckBundle(
+        LookIntoBundle(MakeBundlePath(options.bundle), options.capture.overrides, BundleLook::FOR_MISTAKES));
     ExitStatus status = ExitStatus::SUCCESS;
     for (const BundleFinding& finding : findings) {
-        const bool isMissing = finding.state == BundleFinding::State::MISSING;
-        status = MoreSerious(status, isMissing && options.isStrict ? ExitStatus::INPUT : finding.status);
+        status = MoreSerious(status, options.isStrict ? finding.strictStatus : finding.status);
     }
     PrintResult(options.asJson ? CheckJson(options.bundle, status == ExitStatus::SUCCESS, findings) + "\n"
                                : CheckText(options.bundle, findings));
@@ -119,7 +119,7 @@ void AddBundleCommand(Command app, ExitStatus& status)
     auto verifyOptions = std::make_shared<BundleOptions>();
     Command verify = AddCommand(bundle, "verify", "Check whether a bundle can be run", verifyOptions);
     verify.AddFlag("--json", verifyOptions->asJson, "One JSON object");
-    verify.AddFlag("--strict", verifyOptions->isStrict, "What is missing counts as an error, too");
+    verify.AddFlag("--strict", verifyOptions->isStrict, "What is missing, and what a detection would warn of, counts as an error, too");
     verify.Footer("Example:\n  arborist bundle verify laptop.zip");
     verify.OnCall([verifyOptions, &status] { status = Verify(*verifyOptions); });
 }

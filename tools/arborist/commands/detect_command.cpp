@@ -160,6 +160,9 @@ ExitStatus Detect(DetectOptions options)
         return ExitStatus::WRONG_USE;
     }
     options.run.detection = MakeDetectionOptions(options.run);
+    if (!options.list.empty() || options.bundles.size() > 1) {
+        options.run.detection.ruleSets = std::make_shared<RuleSetMemory>();
+    }
     if (!options.list.empty()) {
         return DetectBatch(options);
     }

@@ -36,6 +36,7 @@ ExitStatus Explain(const ExplainOptions& options)
     }
     DetectionOptions detection = MakeDetectionOptions(options.run);
     detection.withExplanation = true;
+    detection.ruleSets = options.bundles.size() > 1 ? std::make_shared<RuleSetMemory>() : nullptr;
     std::vector<BundlePath> bundles;
     for (const std::string& bundle : options.bundles) {
         bundles.push_back(MakeBundlePath(bundle));

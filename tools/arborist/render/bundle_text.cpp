@@ -91,7 +91,9 @@ std::string CheckText(const std::string& bundle, const std::vector<BundleFinding
 {
     std::string text = Printable(bundle) + "\n";
     for (const BundleFinding& finding : findings) {
-        text += Line(StateWord(finding.state), finding.message + (finding.code.empty() ? "" : " [" + finding.code + "]"));
+        const Warning& what = finding.what;
+        const std::string code = what.code + (what.id.empty() ? "" : ", " + what.id);
+        text += Line(StateWord(finding.state), PlacedMessage(what) + (code.empty() ? "" : " [" + code + "]"));
     }
     return text;
 }

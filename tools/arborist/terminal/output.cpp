@@ -52,7 +52,8 @@ void PrintProblems(const std::string& about, const std::vector<Warning>& warning
 {
     const Colour colour(AreMessagesColoured());
     for (const Warning& warning : warnings) {
-        PrintMessage(Printable(about) + ": " + colour.Yellow("warning:") + " " + Printable(warning.message));
+        const std::string id = warning.id.empty() ? "" : " [" + warning.id + "]";
+        PrintMessage(Printable(about) + ": " + colour.Yellow("warning:") + " " + Printable(PlacedMessage(warning)) + id);
     }
     if (failure != nullptr) {
         PrintMessage(Printable(About(about, failure->message)) + " " + colour.Red("[" + failure->code + "]"));

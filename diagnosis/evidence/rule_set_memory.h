@@ -1,0 +1,42 @@
+#ifndef ARBORIST_DIAGNOSIS_EVIDENCE_RULE_SET_MEMORY_H
+#define ARBORIST_DIAGNOSIS_EVIDENCE_RULE_SET_MEMORY_H
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <string>
+#include <tuple>
+
+#include "diagnosis/evidence/rule_set_warnings.h"
+
+namespace diagnosis {
+
+/// The two files of a rule set, and the tag under which it is used.
+struct RuleSetPaths {
+    std::string treeFile;
+    std::string ruleFile;
+    std::string tag;
+};
+
+/// Checks a rule set.
+std::shared_ptr<const RuleSetWarnings> CheckRuleSet(const RuleSetPaths& paths);
+
+/// Checks rule sets and remembers what was found, so that many bundles with equal rule sets cost one check. Rule sets are
+/// recognised by a digest of their files; forging an equal one costs the forger's own warnings and no result.
+class RuleSetMemory {
+public:
+    std::shared_ptr<const RuleSetWarnings> Check(const RuleSetPaths& paths);
+
+private:
+    /// Of more rule sets all are forgotten: a batch of foreign bundles may have one for each.
+    static constexpr std::size_t LARGEST_NUMBER = 64;
+
+    /// The paths, too, as they stand in warnings.
+    using Key = std::tuple<std::string, std::string, std::string, std::size_t, std::size_t>;
+
+    std::map<Key, std::shared_ptr<const RuleSetWarnings>> mKnown;
+};
+
+} // namespace diagnosis
+
+#endif

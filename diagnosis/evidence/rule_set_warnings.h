@@ -1,0 +1,36 @@
+#ifndef ARBORIST_DIAGNOSIS_EVIDENCE_RULE_SET_WARNINGS_H
+#define ARBORIST_DIAGNOSIS_EVIDENCE_RULE_SET_WARNINGS_H
+
+#include <map>
+#include <string>
+
+#include "diagnosis/evidence/warning_list.h"
+#include "diagnosis/lint/base/check.h"
+#include "diagnosis/rule_source/rule_set.h"
+
+namespace diagnosis {
+
+/// The code of the warnings that the findings of a check become; null for a check that only lint runs. Of the checks that
+/// need nothing but the rule set these are all errors, and those of mistakes that change in silence what is read.
+const char* WarningCode(const lint::Check& check);
+
+/// The mistakes that lint finds in a rule set under one tag, as warnings of a detection. Owns all its texts.
+class RuleSetWarnings {
+public:
+    /// Checks files that were read already.
+    RuleSetWarnings(const rule_source::RuleSetFiles& files, const std::string& tag);
+
+    /// Adds the mistakes to what a detection has told. A mistake that was told already only gives that warning its id and
+    /// place. Warnings about a rule without a place get the place of the rule.
+    void AddTo(WarningList& told) const;
+
+private:
+    WarningList mMistakes;
+    std::string mRuleFile;
+    /// Lines of the rules that a detection can warn of by name.
+    std::map<std::string, int> mRuleLines;
+};
+
+} // namespace diagnosis
+
+#endif

@@ -1,0 +1,215 @@
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <regex>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "diagnosis/capture/bundle_contents.h"
+#include "diagnosis/detection/detection.h"
+#include "diagnosis/evidence/rule_set_memory.h"
+#include "diagnosis/lint/registry.h"
+#include "tests/lint/sample.h"
+#include "tests/support/case_name.h"
+#include "tests/support/log_capture.h"
+#include "tests/support/temp_dir.h"
+
+namespace {
+
+using diagnosis::BundleFinding;
+using diagnosis::Warning;
+using diagnosis::WarningCode;
+using diagnosis::lint::AllChecks;
+using diagnosis::lint::Check;
+using diagnosis::lint::CheckClass;
+using diagnosis::lint::Severity;
+using testing::Contains;
+
+std::string TextOf(const Warning& warning)
+{
+    return warning.code + " " + warning.id + " " + warning.rule + "|" + warning.event + " "
+        + diagnosis::PlacedMessage(warning);
+}
+
+// Data that a detection lacks is no matter of the rule set.
+bool IsOfRuleSet(const Warning& warning)
+{
+    return !warning.id.empty() || warning.code == "no_rules";
+}
+
+std::vector<Warning> OfRuleSet(const std::vector<Warning>& warnings)
+{
+    std::vector<Warning> found;
+    std::copy_if(warnings.begin(), warnings.end(), std::back_inserter(found), IsOfRuleSet);
+    return found;
+}
+
+std::vector<std::string> Texts(const std::vector<Warning>& warnings)
+{
+    std::vector<std::string> texts;
+    for (const Warning& warning : OfRuleSet(warnings)) {
+        texts.push_back(TextOf(warning));
+    }
+    std::sort(texts.begin(), texts.end());
+    return texts;
+}
+
+constexpr char BUNDLE[] = R"({"detectScene": 1, "treeTag": "Laptop", "ruleFileDir": ".", "now": 1700000000, "tz": "UTC0"})";
+
+/// A bundle with the rule set of a sample.
+class WarningsOfSample : public testing::TestWithParam<LintSample> {
+protected:
+    void SetUp() override
+    {
+        GetParam().CopyTo(mDir, "bad");
+        mDir.Write("bundle.json", BUNDLE);
+        mDetection = diagnosis::RunDetection(mBundle, {});
+    }
+
+    TempDir mDir;
+    LogCapture mLog;
+    diagnosis::BundlePath mBundle{"b", mDir.Path()};
+    diagnosis::DetectionReport mDetection;
+};
+
+TEST_P(WarningsOfSample, AreToldByADetectionWhereTheyAreErrorsOrChangeInSilenceWhatIsRead)
+{
+    const Check& check = *diagnosis::lint::FindCheck(GetParam().id);
+    const bool isTold = std::any_of(mDetection.warnings.begin(), mDetection.warnings.end(), [&](const Warning& warning) {
+        return warning.id == check.id && !warning.file.empty() && !warning.message.empty();
+    });
+    const bool isFailure = mDetection.failure && mDetection.failure->code != "bad_pattern";
+    EXPECT_EQ(isTold, WarningCode(check) != nullptr && !isFailure);
+}
+
+TEST_P(WarningsOfSample, AreTheSameInADetectionAndInACheckOfTheBundle)
+{
+    std::vector<Warning> verified;
+    const auto contents = diagnosis::LookIntoBundle(mBundle, {}, diagnosis::BundleLook::FOR_MISTAKES);
+    for (const BundleFinding& finding : diagnosis::CheckBundle(contents)) {
+        verified.push_back(finding.what);
+    }
+    // A statement that fails is told in the words of the run.
+    const auto withoutSql = [](std::vector<Warning> warnings) {
+        for (Warning& warning : warnings) {
+            warning.message = warning.code == "sql_failed" ? "" : warning.message;
+        }
+        return Texts(warnings);
+    };
+    EXPECT_EQ(withoutSql(verified), withoutSql(mDetection.warnings));
+    ASSERT_EQ(contents.ruleSetFailure.has_value(), mDetection.failure.has_value());
+    EXPECT_EQ(contents.ruleSetFailure ? contents.ruleSetFailure->message : "",
+        mDetection.failure ? mDetection.failure->message : "");
+}
+
+INSTANTIATE_TEST_SUITE_P(All, WarningsOfSample, testing::ValuesIn(AllLintSamples()), CaseName());
+
+bool NeedsData(const Check& check)
+{
+    return check.kind == CheckClass::DEVICE || check.kind == CheckClass::HOST;
+}
+
+TEST(RuleSetWarnings, AreAllErrorsAndNothingThatNeedsDataOfADevice)
+{
+    for (const Check* check : AllChecks()) {
+        EXPECT_TRUE(check->severity != Severity::ERROR || WarningCode(*check) != nullptr) << check->id;
+        EXPECT_TRUE(!NeedsData(*check) || WarningCode(*check) == nullptr) << check->id;
+    }
+}
+
+// The page names the checks of each code in parentheses.
+TEST(RuleSetWarnings, HaveTheCodesThatThePageLists)
+{
+    std::ifstream file(std::string(ARBORIST_SOURCE_DIR) + "/docs/command.md", std::ios::binary);
+    std::map<std::string, std::string> listed;
+    for (std::string line; std::getline(file, line);) {
+        const std::regex id("A[0-9]{3}");
+        for (std::sregex_iterator found(line.begin(), line.end(), id), end; line.rfind("| `", 0) == 0 && found != end;
+             ++found) {
+            listed[found->str()] = line.substr(3, line.find('`', 3) - 3);
+        }
+    }
+    std::map<std::string, std::string> expected;
+    for (const Check* check : AllChecks()) {
+        if (const char* const code = WarningCode(*check)) {
+            expected[check->id] = code;
+        }
+    }
+    EXPECT_EQ(listed, expected);
+}
+
+const LintSample& SampleNamed(const std::string& start)
+{
+    static const std::vector<LintSample> samples = AllLintSamples();
+    return *std::find_if(samples.begin(), samples.end(),
+        [&](const LintSample& sample) { return sample.name.rfind(start, 0) == 0; });
+}
+
+TEST(RuleSetMemory, ChecksEqualFilesUnderOneTagOnceAndOthersAnew)
+{
+    const TempDir dir;
+    SampleNamed("A303").CopyTo(dir, "bad");
+    dir.MakeDir("other");
+    for (const char* file : {"FaultTrees.xml", "FaultTreeRules.xml"}) {
+        std::filesystem::copy_file(file, std::string("other/") + file);
+    }
+    diagnosis::RuleSetMemory memory;
+    const diagnosis::RuleSetPaths paths{"FaultTrees.xml", "FaultTreeRules.xml", "Laptop"};
+    const auto known = memory.Check(paths);
+    EXPECT_EQ(memory.Check(paths), known);
+    EXPECT_NE(memory.Check({paths.treeFile, paths.ruleFile, "Other"}), known);
+    std::filesystem::current_path("other");
+    EXPECT_EQ(memory.Check(paths), known);
+    dir.Write("other/FaultTreeRules.xml", dir.Read("FaultTreeRules.xml") + "\n");
+    EXPECT_NE(memory.Check(paths), known);
+}
+
+TEST(RuleSetMemory, TellsEveryBundleOfARememberedRuleSet)
+{
+    const TempDir dir;
+    SampleNamed("A303").CopyTo(dir, "bad");
+    dir.Write("bundle.json", BUNDLE);
+    diagnosis::DetectionOptions options;
+    options.ruleSets = std::make_shared<diagnosis::RuleSetMemory>();
+    const auto first = diagnosis::RunDetection({"b", dir.Path()}, options);
+    const auto second = diagnosis::RunDetection({"b", dir.Path()}, options);
+    EXPECT_THAT(Texts(first.warnings), Contains(testing::HasSubstr("A303")));
+    EXPECT_EQ(Texts(second.warnings), Texts(first.warnings));
+}
+
+TEST(RuleSetWarnings, OfOneKindAreCountedBeyondAHundred)
+{
+    const TempDir dir;
+    SampleNamed("A303").CopyTo(dir, "bad");
+    std::string rules = dir.Read("FaultTreeRules.xml");
+    const std::string tag = "<EventRules>\n    <Laptop>";
+    ASSERT_NE(rules.find(tag), std::string::npos);
+    std::string entries;
+    for (int number = 0; number < 250; ++number) {
+        entries += "<Event a" + std::to_string(number) + "=\"1\"><ID>F" + std::to_string(number) + "</ID></Event>";
+    }
+    dir.Write("FaultTreeRules.xml", rules.insert(rules.find(tag) + tag.size(), entries));
+    dir.Write("bundle.json", BUNDLE);
+    const auto warnings = diagnosis::RunDetection({"b", dir.Path()}, {}).warnings;
+    EXPECT_EQ(std::count_if(warnings.begin(), warnings.end(), [](const Warning& one) { return one.id == "A104"; }), 100);
+    EXPECT_TRUE(std::any_of(warnings.begin(), warnings.end(), [](const Warning& one) {
+        return one.code == "unknown_name" && one.message == "and 150 more of this kind";
+    }));
+}
+
+TEST(RuleSetWarnings, AreSuppressedByTheCommentsThatLintReads)
+{
+    const TempDir dir;
+    SampleNamed("A303").CopyTo(dir, "bad");
+    std::string rules = dir.Read("FaultTreeRules.xml");
+    dir.Write("FaultTreeRules.xml", rules.insert(rules.find("<EventRules>"), "<!-- arborist-disable A303: meant -->"));
+    dir.Write("bundle.json", BUNDLE);
+    for (const Warning& warning : diagnosis::RunDetection({"b", dir.Path()}, {}).warnings) {
+        EXPECT_NE(warning.id, "A303");
+    }
+}
+
+} // namespace
