@@ -45,17 +45,6 @@ void AddWrapping(std::int32_t& sum, std::int32_t summand)
     sum = static_cast<std::int32_t>(static_cast<std::uint32_t>(sum) + static_cast<std::uint32_t>(summand));
 }
 
-// Records the counts of an id that reached more than those before it.
-void NoteReached(Evidence::WindowCount& count, const EventRows& rows, std::int64_t reached, Evidence::Measure measure)
-{
-    if (count.reachedById == 0 || reached > count.reached) {
-        count.reached = reached;
-        count.reachedById = rows.GetEventId();
-        count.measure = measure;
-        count.lastIdDecides = false;
-    }
-}
-
 } // namespace
 
 AlarmRuleEngine::AlarmRuleEngine(std::shared_ptr<RuleHelper> ruleHelper)
@@ -168,23 +157,14 @@ bool AlarmRuleEngine::IsRuleHitBySettingTime(const AlarmItem& item, std::size_t 
     const std::string& eventId, TimeSet::TimeType timeType, const IdRange& ids)
 {
     const std::shared_ptr<TimeSet> timeSet = RuleHelper::GetTimeSetByRuleType(item, timeType);
-    Window window{ids, timeType, 0, 0, false};
-    window.record = AddRecord(itemNumber, ids, TIME_TYPE_WORDS[timeType]);
+    Window window(ids, timeType, AddRecord(itemNumber, ids, TIME_TYPE_WORDS[timeType]));
     if (timeSet == nullptr) {
         return CloseWindow(window, Reason::WINDOW_ABSENT, false);
     }
     if (timeSet->period == 0 && timeSet->threshold == 0) {
         return CloseWindow(window, Reason::WINDOW_EMPTY, false);
     }
-    window.threshold = timeSet->threshold;
-    window.fromUpdate = mRuleHelper->IsDetectFromUpdate(item->BeginFlag);
-    Evidence::Start* start = nullptr;
-    if (window.record != nullptr) {
-        window.record->periodDays = timeSet->period;
-        window.record->threshold = timeSet->threshold;
-        window.record->versionFilter = window.fromUpdate;
-        start = &window.record->start.emplace();
-    }
+    Evidence::Start* const start = window.Open(*timeSet, mRuleHelper->IsDetectFromUpdate(item->BeginFlag));
     window.start = mRuleHelper->GetDetectStartTime(timeSet->period, item->BeginFlag, eventId, start);
     mIsLogReadable = true;
     const Measure measure = timeType == TimeSet::DAILY_PEAK ? Measure::DAILY_PEAK : Measure::PERIOD;
@@ -237,7 +217,7 @@ bool AlarmRuleEngine::IsHitForSingleTypeTestChecked(
 bool AlarmRuleEngine::IsHitForMultipleTypeTestChecked(
     const OrLogic& orLogic, const AlarmRule::AlarmItem& item, Window& window)
 {
-    const Evidence::WindowCount earlier = window.count;
+    const Evidence::WindowCount earlier = window.Count();
     std::uint64_t leastOfLastId = std::numeric_limits<std::uint64_t>::max();
     TestList tests;
     for (const std::shared_ptr<OrLogic::LogicItem>& logicItem : orLogic.GetLogicItemList()) {
@@ -254,7 +234,8 @@ bool AlarmRuleEngine::IsHitForMultipleTypeTestChecked(
         }
     }
     if (window.timeType != TimeSet::DURATION && !tests.empty()) {
-        NoteLastId(window, earlier, leastOfLastId);
+        // Of the tests of a condition the one that the last id passes least decides.
+        window.NoteLastId(earlier, leastOfLastId);
     }
     if (tests.empty()) {
         Note(Reason::NO_CONDITION);
@@ -299,34 +280,19 @@ bool AlarmRuleEngine::IsLastIdHit(
     bool isHit = false;
     const TestList tests{test};
     VisitIds(tests, window, [&](const EventRows& rows) {
-        const std::uint64_t passedByOthers = window.tallies.front().passed;
+        const std::uint64_t passedByOthers = window.RowsPassed(0);
         const bool isLast = rows.GetEventId() == window.ids.last;
         isHit = IsHit(Measure::PERIOD, rows, tests, window) && isLast;
-        passed = isLast ? window.tallies.front().passed - passedByOthers : 0;
+        passed = isLast ? window.RowsPassed(0) - passedByOthers : 0;
         return false;
     });
-    if (window.record != nullptr) {
-        window.record->tests.back().rowsPassedByLastId = passed;
-    }
+    window.NotePassedByLastId(passed);
     return isHit;
-}
-
-// Of the tests of a condition the one that the last id passes least decides; of several conditions the best counts.
-void AlarmRuleEngine::NoteLastId(Window& window, const Evidence::WindowCount& earlier, std::uint64_t passed)
-{
-    Evidence::WindowCount& count = window.count;
-    const auto reached = static_cast<std::int64_t>(passed);
-    const bool isBest = earlier.reachedById == 0 || reached > earlier.reached;
-    count.reached = isBest ? reached : earlier.reached;
-    count.reachedById = isBest ? window.ids.last : earlier.reachedById;
-    count.measure = isBest ? Evidence::Measure::ROWS : earlier.measure;
-    count.lastIdDecides = isBest || earlier.lastIdDecides;
 }
 
 void AlarmRuleEngine::VisitIds(const TestList& tests, Window& window, const RowsVisitor& visitor)
 {
-    window.rowsFailed = 0;
-    window.tallies.assign(tests.size(), {});
+    window.BeginCondition(tests.size());
     const EventRows::Questions questions(tests.begin(), tests.end());
     bool isOver = false;
     const StatementTrouble kind(Evidence::Trouble::Kind::EVENT_LOG_UNREADABLE);
@@ -339,27 +305,12 @@ void AlarmRuleEngine::VisitIds(const TestList& tests, Window& window, const Rows
             break;
         }
     }
-    CloseCount(tests, window);
-}
-
-void AlarmRuleEngine::CloseCount(const TestList& tests, Window& window) const
-{
-    std::uint64_t& failed = window.count.rowsFailedTest;
-    failed = window.conditionsCounted == 0 ? window.rowsFailed : std::min(failed, window.rowsFailed);
-    ++window.conditionsCounted;
-    for (std::size_t test = 0; window.record != nullptr && test < tests.size(); ++test) {
-        const TestPara& para = tests[test]->GetPara();
-        const Tally& tally = window.tallies[test];
-        window.record->tests.push_back({para.key, para.type, para.logic, para.value, tally.tested, tally.passed});
-    }
+    window.EndCondition(tests);
 }
 
 bool AlarmRuleEngine::IsHit(Measure measure, const EventRows& rows, const TestList& tests, Window& window)
 {
-    if (window.conditionsCounted == 0) { // the next conditions count the same rows again
-        window.count.rowsFound += rows.GetFoundCount();
-        window.count.rowsOfOtherVersion += rows.GetFoundCount() - std::min(rows.GetFoundCount(), rows.GetCount());
-    }
+    window.NoteFound(rows);
     if (rows.GetCount() == 0) {
         return false;
     }
@@ -373,22 +324,16 @@ bool AlarmRuleEngine::IsHit(Measure measure, const EventRows& rows, const TestLi
     }
 }
 
-void AlarmRuleEngine::CountTested(Window& window, std::size_t test, std::uint64_t tested, std::uint64_t passed)
-{
-    window.tallies[test].tested += tested;
-    window.tallies[test].passed += passed;
-}
-
 // A negative weight takes away, and wraps below 0. One look at each row: an unreadable one logs a line each time.
 std::uint64_t AlarmRuleEngine::SumOfWeights(const EventRows& rows, Window& window)
 {
-    if (window.record == nullptr) {
+    if (!window.HasRecord()) {
         return rows.Sum(0);
     }
     std::uint64_t sum = 0;
     rows.ForEach([&](const EventRows::Row& row) {
         const std::int64_t weight = row.Answer(0);
-        window.hasNegativeWeight = window.hasNegativeWeight || weight < 0;
+        window.NoteWeight(weight);
         sum += static_cast<std::uint64_t>(weight);
     });
     return sum;
@@ -401,10 +346,10 @@ bool AlarmRuleEngine::IsFaultForPeriod(const EventRows& rows, bool isTested, Win
         : isTested                        ? rows.Sum(0)
                                           : rows.GetCount();
     if (isTested) {
-        CountTested(window, 0, rows.GetCount(), count);
-        window.rowsFailed += rows.GetCount() - count;
+        window.NoteTested(0, rows.GetCount(), count);
+        window.NoteFailed(rows.GetCount() - count);
     }
-    NoteReached(window.count, rows, static_cast<std::int64_t>(count),
+    window.NoteReached(rows, static_cast<std::int64_t>(count),
         isWeighed ? Evidence::Measure::WEIGHTS : Evidence::Measure::ROWS);
     // Compares as unsigned, so that a negative threshold is never reached.
     return count >= static_cast<std::uint64_t>(std::int64_t{window.threshold});
@@ -424,7 +369,7 @@ bool AlarmRuleEngine::IsFaultForDaily(const EventRows& rows, bool isTested, Wind
             return;
         }
         const std::int32_t answer = row.Answer(0);
-        window.hasNegativeWeight = window.hasNegativeWeight || answer < 0;
+        window.NoteWeight(answer);
         ++tested;
         passed += answer != 0 ? 1 : 0;
         AddWrapping(days[static_cast<std::size_t>(day)], answer);
@@ -435,11 +380,11 @@ bool AlarmRuleEngine::IsFaultForDaily(const EventRows& rows, bool isTested, Wind
         rows.CountDays(days);
     }
     if (isTested) {
-        CountTested(window, 0, tested, passed);
-        window.rowsFailed += tested - passed;
+        window.NoteTested(0, tested, passed);
+        window.NoteFailed(tested - passed);
     }
     const std::int32_t peak = *std::max_element(days.begin(), days.end()); // that of day 0 is 0
-    NoteReached(window.count, rows, peak,
+    window.NoteReached(rows, peak,
         isWeighed ? Evidence::Measure::DAILY_WEIGHTS : Evidence::Measure::DAILY_ROWS);
     return peak >= window.threshold;
 }
@@ -459,24 +404,22 @@ bool AlarmRuleEngine::IsFaultForPeriodWithParam(const EventRows& rows, std::size
     });
     std::uint64_t tested = rows.GetCount();
     for (std::size_t test = 0; test < testCount; ++test) {
-        CountTested(window, test, tested, tested - rowsByPassed[test]);
+        window.NoteTested(test, tested, tested - rowsByPassed[test]);
         tested -= rowsByPassed[test];
     }
     const auto count = static_cast<std::int32_t>(tested); // wraps
-    window.rowsFailed += rows.GetCount() - tested;
-    NoteReached(window.count, rows, count, Evidence::Measure::ROWS);
+    window.NoteFailed(rows.GetCount() - tested);
+    window.NoteReached(rows, count, Evidence::Measure::ROWS);
     return count >= window.threshold;
 }
 
 // Counts what a reset, an update or a repair cut off, for whoever listens.
 void AlarmRuleEngine::NoteRowsBeforeStart(Window& window) const
 {
-    const bool isCounted = window.conditionsCounted > 0 && mIsLogReadable;
-    if (window.record == nullptr || !isCounted || window.record->start->floor == Evidence::Floor::PERIOD) {
-        return;
+    if (mIsLogReadable && window.IsCutOff()) {
+        window.NoteRowsBeforeStart(mEventStore->CountRows(
+            window.ids.first, window.ids.last, window.PeriodStart(), window.start));
     }
-    window.count.rowsBeforeStart = mEventStore->CountRows(
-        window.ids.first, window.ids.last, window.record->start->period.seconds, window.start);
 }
 
 Evidence::Window* AlarmRuleEngine::AddRecord(std::size_t itemNumber, const IdRange& ids, const char* kind) const
@@ -499,25 +442,8 @@ bool AlarmRuleEngine::CloseWindow(const Window& window, Reason reason, bool isHi
     if (reason != Reason::WINDOW_ABSENT) {
         NoteReason(reason);
     }
-    if (window.record != nullptr) {
-        window.record->count = window.count;
-        window.record->hit = isHit;
-        window.record->reason = reason;
-        NoteDoubts(window, isHit);
-    }
+    window.Close(reason, isHit);
     return isHit;
-}
-
-// Why a count that reached its threshold may be less.
-void AlarmRuleEngine::NoteDoubts(const Window& window, bool isHit)
-{
-    Evidence::Window& record = *window.record;
-    if (isHit && window.hasNegativeWeight) {
-        record.notes.push_back(Reason::NEGATIVE_WEIGHT);
-    }
-    if (isHit && record.start && record.start->isRepairUnreadable) {
-        record.notes.push_back(Reason::REPAIR_UNREADABLE);
-    }
 }
 
 void AlarmRuleEngine::NoteBounds(const AlarmRule::AlarmItem& item) const

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "arborist/evaluation/alarm_window.h"
 #include "arborist/evaluation/member_test.h"
 #include "arborist/evaluation/rule_checker.h"
 #include "arborist/model/rule.h"
@@ -41,41 +42,10 @@ public:
 
 private:
     using AlarmItem = std::shared_ptr<AlarmRule::AlarmItem>;
-    using TestList = std::vector<std::shared_ptr<const MemberTest>>;
+    using Window = AlarmWindow;
+    using IdRange = AlarmWindow::IdRange;
+    using TestList = AlarmWindow::TestList;
     using RowsVisitor = std::function<bool(const EventRows& rows)>;
-
-    // Ids from `first` to `last`.
-    struct IdRange {
-        std::int32_t first;
-        std::int32_t last;
-
-        bool IsEmpty() const { return first == 0 || first > last; }
-    };
-
-    // The result of one test in one count of a window.
-    struct Tally {
-        std::uint64_t tested = 0;
-        std::uint64_t passed = 0;
-    };
-
-    // The state of one window of one item while it is counted.
-    struct Window {
-        IdRange ids;
-        TimeSet::TimeType timeType;
-        std::int32_t threshold;
-        std::int64_t start;
-        bool fromUpdate;
-        Evidence::WindowCount count = {};
-        // Null without an observer.
-        Evidence::Window* record = nullptr;
-        // The reason if the threshold is not reached, provided that the log could be read.
-        Evidence::Reason miss = Evidence::Reason::WINDOW_SHORT;
-        bool hasNegativeWeight = false;
-        // Conditions are counted one after the other: how many so far, and what this one found.
-        std::size_t conditionsCounted = 0;
-        std::uint64_t rowsFailed = 0;
-        std::vector<Tally> tallies = {};
-    };
 
     // The number that is compared with the threshold for the rows of one id.
     enum class Measure { PERIOD, DAILY_PEAK, ALL_TESTS };
@@ -97,20 +67,16 @@ private:
     bool IsAnyIdHit(Measure measure, const TestList& tests, Window& window);
     // `passed` receives the number of rows of the last id that pass the test.
     bool IsLastIdHit(const std::shared_ptr<const MemberTest>& test, Window& window, std::uint64_t& passed);
-    static void NoteLastId(Window& window, const Evidence::WindowCount& earlier, std::uint64_t passed);
     void VisitIds(const TestList& tests, Window& window, const RowsVisitor& visitor);
-    void CloseCount(const TestList& tests, Window& window) const;
     bool IsHit(Measure measure, const EventRows& rows, const TestList& tests, Window& window);
     // With `isTested` only the rows count that pass the first test of the visit.
     bool IsFaultForPeriod(const EventRows& rows, bool isTested, Window& window);
     bool IsFaultForDaily(const EventRows& rows, bool isTested, Window& window);
     bool IsFaultForPeriodWithParam(const EventRows& rows, std::size_t testCount, Window& window);
-    static void CountTested(Window& window, std::size_t test, std::uint64_t tested, std::uint64_t passed);
     void NoteRowsBeforeStart(Window& window) const;
     Evidence::Window* AddRecord(std::size_t itemNumber, const IdRange& ids, const char* kind) const;
     bool CloseWindow(const Window& window, Evidence::Reason reason, bool isHit);
     static std::uint64_t SumOfWeights(const EventRows& rows, Window& window);
-    static void NoteDoubts(const Window& window, bool isHit);
     void NoteBounds(const AlarmRule::AlarmItem& item) const;
     void NoteTest(const TestPara& test) const;
 
