@@ -27,6 +27,7 @@ public:
 
     /// The weight of a DMD event: low 32 bits of "COUNT" in its extra; 1 if there is none or the extra is no JSON
     /// object, 0 if the extra is empty or "COUNT" is no number. Logs an error for a text that can't be read.
+    /// Kept for the tests, which count with it row by row; the engine asks WeightQuestion.
     static std::int32_t CheckDmdEventCount(const LogEvent& event);
     /// The same as a question about the rows of a log.
     static const std::shared_ptr<const RowQuestion>& WeightQuestion();

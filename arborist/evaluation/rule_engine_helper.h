@@ -23,7 +23,7 @@ public:
     /// or Reset.
     const EventList& GetAllEventList() const { return mAllEventList; }
     /// By id, the first of several events with one id. Built by the first call. Valid until the next FetchEvent or
-    /// Reset.
+    /// Reset. Kept for the tests, as RuleEngine::GetEventMap is.
     const EventMap& GetEventMap() const;
 
     /// Sets for each event whether it has a check of its own: all events do, except for intermediate events without an

@@ -63,7 +63,7 @@ public:
 
     /// The alternative that a name means: the first that is the single rule of this name, or that lists every part of
     /// the name between commas. Null for an empty name or list, and, with an error in the log, if no alternative
-    /// matches.
+    /// matches. Kept for the tests, which state its rules by it; the driver keeps one AlternativeFinder for each event.
     static std::shared_ptr<OrRuleSingle> GetRuleByName(const std::string& name, const OrRuleList& rules);
     /// Returns `rule`; if it is null, logs the error of GetRuleByName.
     static std::shared_ptr<OrRuleSingle> OrLogMissing(std::shared_ptr<OrRuleSingle> rule);
