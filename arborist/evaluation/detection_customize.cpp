@@ -2,7 +2,6 @@
 
 #include <json/value.h>
 
-#include "arborist/evaluation/silent_number.h"
 #include "arborist/frame/log.h"
 #include "arborist/frame/trouble_watch.h"
 #include "arborist/stores/event_log/log_event.h"
@@ -36,7 +35,7 @@ public:
     bool IsNumber() const override { return true; }
     std::optional<std::int32_t> AnswerInSilence(std::string_view count) const override
     {
-        return count.empty() ? 1 : SilentNumber::Int32Of(count);
+        return count.empty() ? 1 : StringUtil::Int32Of(count);
     }
     std::int32_t Answer(std::string_view extra) const override { return WeightOf(CountIn(extra)); }
 

@@ -170,7 +170,7 @@ private:
     // Only where somebody wants to hear of the grouping, too. A name with an empty value has its own reason.
     void NoteTakenForZero(std::string_view token, std::string_view text, const std::string* value)
     {
-        if (mGrouping == nullptr || IsSign(token.front()) || StringUtil::HoldsDouble(std::string(text))) {
+        if (mGrouping == nullptr || IsSign(token.front()) || StringUtil::DoubleOf(std::string(text))) {
             mHasBadNumber = mHasBadNumber || (value != nullptr && !value->empty() && IsSign(text.front()));
         } else if (value == nullptr) {
             mHasUnknownName = true;

@@ -5,7 +5,6 @@
 #include <json/value.h>
 
 #include "arborist/evaluation/rule_checker.h"
-#include "arborist/evaluation/silent_number.h"
 #include "arborist/frame/log.h"
 #include "arborist/frame/trouble_watch.h"
 #include "arborist/utilities/json_text.h"
@@ -36,11 +35,11 @@ MemberTest::MemberTest(const RuleChecker& checker, TestPara para)
     mHoldsEqual = logic == RuleChecker::LOGIC_LE || logic == RuleChecker::LOGIC_GE || logic == RuleChecker::LOGIC_EQ;
     mHoldsGreater = logic == RuleChecker::LOGIC_GT || logic == RuleChecker::LOGIC_GE || logic == RuleChecker::LOGIC_NE;
     if (mComparison == Comparison::INTEGER) {
-        mInteger = *SilentNumber::Int32Of(mPara.value);
+        mInteger = *StringUtil::Int32Of(mPara.value);
     } else if (mComparison == Comparison::FLOAT) {
-        mFloat = StringUtil::StringToFloatDef(mPara.value, 0);
+        mFloat = *StringUtil::FloatOf(mPara.value);
     } else if (mComparison == Comparison::DOUBLE) {
-        mDouble = StringUtil::StringToDoubleDef(mPara.value, 0);
+        mDouble = *StringUtil::DoubleOf(mPara.value);
     }
 }
 
@@ -54,15 +53,15 @@ MemberTest::Comparison MemberTest::ComparisonOf() const
         return Comparison::TEXT;
     }
     if (type == RuleChecker::TYPE_INT || type == RuleChecker::TYPE_LONG) {
-        return SilentNumber::Int32Of(mPara.value) ? Comparison::INTEGER : Comparison::LOUD;
+        return StringUtil::Int32Of(mPara.value) ? Comparison::INTEGER : Comparison::LOUD;
     }
-    if (type != RuleChecker::TYPE_FLOAT && type != RuleChecker::TYPE_DOUBLE) {
-        return Comparison::NONE;
+    if (type == RuleChecker::TYPE_FLOAT) {
+        return StringUtil::FloatOf(mPara.value) ? Comparison::FLOAT : Comparison::LOUD;
     }
-    if (!SilentNumber::IsReal(mPara.value)) {
-        return Comparison::LOUD;
+    if (type == RuleChecker::TYPE_DOUBLE) {
+        return StringUtil::DoubleOf(mPara.value) ? Comparison::DOUBLE : Comparison::LOUD;
     }
-    return type == RuleChecker::TYPE_FLOAT ? Comparison::FLOAT : Comparison::DOUBLE;
+    return Comparison::NONE;
 }
 
 std::string MemberTest::GetName() const
@@ -82,21 +81,16 @@ std::optional<std::int32_t> MemberTest::AnswerInSilence(std::string_view member)
         return 0;
     case Comparison::TEXT:
         return HoldsText(member);
-    case Comparison::INTEGER: {
-        const std::optional<std::int32_t> observed = SilentNumber::Int32Of(member);
-        return observed ? std::optional<std::int32_t>(Holds(*observed, mInteger)) : std::nullopt;
-    }
+    case Comparison::INTEGER:
+        return Compare(StringUtil::Int32Of(member), mInteger);
+    case Comparison::FLOAT:
+        return Compare(StringUtil::FloatOf(std::string(member)), mFloat);
+    case Comparison::DOUBLE:
+        return Compare(StringUtil::DoubleOf(std::string(member)), mDouble);
     case Comparison::LOUD:
-        return std::nullopt;
-    default:
         break;
     }
-    if (!SilentNumber::IsReal(member)) {
-        return std::nullopt;
-    }
-    const std::string observed(member);
-    return mComparison == Comparison::FLOAT ? Holds(StringUtil::StringToFloatDef(observed, 0), mFloat)
-                                            : Holds(StringUtil::StringToDoubleDef(observed, 0), mDouble);
+    return std::nullopt;
 }
 
 std::int32_t MemberTest::Answer(std::string_view extra) const
@@ -105,10 +99,21 @@ std::int32_t MemberTest::Answer(std::string_view extra) const
     return !observed.empty() && mChecker.IsFaultForParam(mPara.logic, mPara.type, mPara.value, observed) ? 1 : 0;
 }
 
+// Nothing for a text that is no number, which logs a line.
 template <typename Number>
-bool MemberTest::Holds(Number observed, Number configured) const
+std::optional<std::int32_t> MemberTest::Compare(std::optional<Number> observed, Number configured) const
 {
-    return observed < configured ? mHoldsLess : observed > configured ? mHoldsGreater : mHoldsEqual;
+    if (!observed) {
+        return std::nullopt;
+    }
+    if (*observed < configured) {
+        return mHoldsLess;
+    }
+    if (*observed > configured) {
+        return mHoldsGreater;
+    }
+    const bool isDifferent = !(*observed == configured); // as "nan" is from every number
+    return isDifferent ? mPara.logic == RuleChecker::LOGIC_NE : mHoldsEqual;
 }
 
 // Texts can only be equal or different; they have no order.

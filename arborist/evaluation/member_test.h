@@ -49,7 +49,7 @@ private:
 
     Comparison ComparisonOf() const;
     template <typename Number>
-    bool Holds(Number observed, Number configured) const;
+    std::optional<std::int32_t> Compare(std::optional<Number> observed, Number configured) const;
     bool HoldsText(std::string_view observed) const;
 
     const RuleChecker& mChecker;

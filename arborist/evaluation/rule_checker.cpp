@@ -57,12 +57,12 @@ bool IsType(const std::string& word)
 bool IsTakenForZero(const std::string& type, const std::string& text)
 {
     if (type == RuleChecker::TYPE_INT || type == RuleChecker::TYPE_LONG) {
-        return !StringUtil::HoldsInt32(text);
+        return !StringUtil::Int32Of(text);
     }
     if (type == RuleChecker::TYPE_FLOAT) {
-        return !StringUtil::HoldsFloat(text);
+        return !StringUtil::FloatOf(text);
     }
-    return type == RuleChecker::TYPE_DOUBLE && !StringUtil::HoldsDouble(text);
+    return type == RuleChecker::TYPE_DOUBLE && !StringUtil::DoubleOf(text);
 }
 
 } // namespace

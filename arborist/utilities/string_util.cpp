@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <iterator>
 #include <limits>
+#include <system_error>
 
 #include "arborist/frame/log.h"
 #include "arborist/utilities/platform.h"
@@ -151,25 +152,33 @@ std::int64_t StringUtil::StringToInt64Def(
     return StringToInt32Def(text, Low32(defaultValue), base, endPosition);
 }
 
-bool StringUtil::HoldsInt32(const std::string& text)
+std::optional<std::int32_t> StringUtil::Int32Of(std::string_view text)
 {
+    std::int64_t plain = 0;
+    // Where from_chars finds a number, strtoll finds the same; it also accepts white space and a plus sign before it.
+    if (std::from_chars(text.data(), text.data() + text.size(), plain).ec == std::errc()) {
+        return Low32(plain);
+    }
     long long number = 0;
     std::size_t used = 0;
-    return ConvertWhole(text, number, 10, used) == Conversion::DONE;
+    return ConvertWhole(std::string(text), number, 10, used) == Conversion::DONE ? std::optional(Low32(number))
+                                                                                  : std::nullopt;
 }
 
-bool StringUtil::HoldsFloat(const std::string& text)
+std::optional<float> StringUtil::FloatOf(const std::string& text)
 {
     float number = 0;
     std::size_t used = 0;
-    return Convert(text, number, used, Platform::StrToFloat) == Conversion::DONE;
+    return Convert(text, number, used, Platform::StrToFloat) == Conversion::DONE ? std::optional(number) : std::nullopt;
 }
 
-bool StringUtil::HoldsDouble(const std::string& text)
+std::optional<double> StringUtil::DoubleOf(const std::string& text)
 {
     double number = 0;
     std::size_t used = 0;
-    return Convert(text, number, used, Platform::StrToDouble) == Conversion::DONE;
+    const bool isNumber = ReadPlainNumber(text.c_str(), number)
+        || Convert(text, number, used, Platform::StrToDouble) == Conversion::DONE;
+    return isNumber ? std::optional(number) : std::nullopt;
 }
 
 std::string StringUtil::FixedText(double number)
@@ -181,26 +190,21 @@ std::string StringUtil::FixedText(double number)
 
 float StringUtil::StringToFloatDef(const std::string& text, float defaultValue)
 {
-    float value = defaultValue;
-    std::size_t used = 0;
-    if (Convert(text, value, used, Platform::StrToFloat) != Conversion::DONE) {
+    const std::optional<float> number = FloatOf(text);
+    if (!number) {
         FT::Log::GetInstance().Output(
             FT::LEVEL_ERROR, "FUNc:%s: The retVal is invalid.", "StringUtil::StringToFloatDef");
     }
-    return value;
+    return number.value_or(defaultValue);
 }
 
 double StringUtil::StringToDoubleDef(const std::string& text, double defaultValue)
 {
-    double value = defaultValue;
-    std::size_t used = 0;
-    if (ReadPlainNumber(text.c_str(), value)) {
-        return value;
-    }
-    if (Convert(text, value, used, Platform::StrToDouble) != Conversion::DONE) {
+    const std::optional<double> number = DoubleOf(text);
+    if (!number) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: stod error", "StringUtil::StringToDoubleDef");
     }
-    return value;
+    return number.value_or(defaultValue);
 }
 
 std::vector<std::string> StringUtil::Split(const std::string& text, const std::string& delimiters)

@@ -3,7 +3,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// Converts text to numbers, with a default on failure, and splits and trims text. Stateless; no function throws.
@@ -41,11 +43,11 @@ float StringToFloatDef(const std::string& text, float defaultValue);
 /// Converts like strtod; otherwise as StringToFloatDef.
 double StringToDoubleDef(const std::string& text, double defaultValue);
 
-/// True if the conversions above find a number at the front of `text`, where they would otherwise return the default.
-/// Logs nothing.
-bool HoldsInt32(const std::string& text);
-bool HoldsFloat(const std::string& text);
-bool HoldsDouble(const std::string& text);
+/// The result of StringToInt32Def in base 10, StringToFloatDef and StringToDoubleDef; nothing where they would log a line
+/// and return the default. Logs nothing.
+std::optional<std::int32_t> Int32Of(std::string_view text);
+std::optional<float> FloatOf(const std::string& text);
+std::optional<double> DoubleOf(const std::string& text);
 
 /// The number as "%f" writes it, with six digits behind the point, and a point in every locale.
 std::string FixedText(double number);

@@ -184,6 +184,32 @@ TEST_F(StringUtilTest, HostWithADecimalCommaChangesNoNumber)
     EXPECT_EQ(StringUtil::FixedText(1.5), "1.500000");
 }
 
+TEST_F(StringUtilTest, NumbersWithoutADefaultAreThoseOfTheConversions)
+{
+    for (const std::string text : {"0", "5", "-5", "007", "5x", "2.5", "4294967301", "-2147483649", "0x10", "+5", " 5",
+             "9223372036854775807", "-0.0", ".5", "1e1", "12345678901234567", "0.00000000000001"}) {
+        mLog.Clear();
+        EXPECT_EQ(StringUtil::FloatOf(text), StringUtil::StringToFloatDef(text, 77)) << text;
+        EXPECT_EQ(StringUtil::DoubleOf(text), StringUtil::StringToDoubleDef(text, 77)) << text;
+        EXPECT_THAT(mLog.Lines(), IsEmpty());
+        const std::int32_t number = StringUtil::StringToInt32Def(text, 77);
+        EXPECT_EQ(StringUtil::Int32Of(text), mLog.Lines().empty() ? std::optional(number) : std::nullopt) << text;
+    }
+}
+
+TEST_F(StringUtilTest, TextsWithoutANumberAreNothingAndLogNothing)
+{
+    for (const char* const text : {"", "x", "-", "+-5", "9223372036854775808"}) {
+        EXPECT_EQ(StringUtil::Int32Of(text), std::nullopt) << text;
+    }
+    for (const char* const text : {"", "x", "-", ".", "1e999", "1e-999"}) {
+        EXPECT_EQ(StringUtil::FloatOf(text), std::nullopt) << text;
+        EXPECT_EQ(StringUtil::DoubleOf(text), std::nullopt) << text;
+    }
+    EXPECT_EQ(StringUtil::FloatOf("1e39"), std::nullopt);
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
 TEST(FixedTextTest, WritesSixDigitsBehindThePoint)
 {
     for (const double number : {0.0, -0.0, 1.5, -2.0 / 3.0, 1e-7, 123456789.0, 1e22, 1.7976931348623157e308}) {
