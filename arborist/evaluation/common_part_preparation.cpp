@@ -19,40 +19,50 @@ bool AreAttributesKnown(const DeviceDetails* device)
         && !device->GetResolution().empty() && !device->GetBatteryCapacity().empty();
 }
 
-void TellThresholds(const CommonPart::CombineCommonPart& block, DetectionObserver& observer)
+bool HasThresholds(const ThresholdOrLumbraBean& bean)
+{
+    return !(bean.GetSystemParamMap().empty() && bean.GetThresholdMap().empty());
+}
+
+bool IsWithoutTable(const ThresholdOrLumbraBean& bean)
+{
+    return bean.GetTableState() == ThresholdOrLumbraBean::TableState::NOT_BUILT;
+}
+
+// Reports trouble of this kind for each bean to which `isConcerned` applies.
+void TellBeans(const CommonPart::CombineCommonPart& block, Evidence::Trouble::Kind kind,
+    bool (*isConcerned)(const ThresholdOrLumbraBean& bean))
 {
     for (const auto& bean : block.GetThresholdLumbraList()) {
-        if (bean != nullptr && !(bean->GetSystemParamMap().empty() && bean->GetThresholdMap().empty())) {
-            Evidence::Trouble trouble;
-            trouble.kind = Evidence::Trouble::Kind::NO_THRESHOLDS;
-            trouble.subject = bean->GetName();
-            observer.OnTrouble(std::move(trouble));
+        if (bean != nullptr && isConcerned(*bean)) {
+            TroubleWatch::Tell(kind, {}, {bean->GetName(), {}, bean->GetLine()});
         }
     }
 }
 
 } // namespace
 
-void PrepareCommonPart(const std::shared_ptr<CommonPart>& part, const DeviceDetails* device,
-                       DetectionObserver* observer)
+void PrepareCommonPart(const std::shared_ptr<CommonPart>& part, const std::string& ruleFile,
+    const DeviceDetails* device, DetectionObserver* observer)
 {
     const auto block = part->GetCombineCommon();
     std::optional<TroubleWatch> watch;
     if (observer != nullptr) {
-        watch.emplace([observer](Evidence::Trouble trouble) { observer->OnTrouble(std::move(trouble)); });
+        watch.emplace([&](Evidence::Trouble trouble) {
+            trouble.file = trouble.line == 0 ? trouble.file : ruleFile; // an entry of the rule file has a line
+            observer->OnTrouble(std::move(trouble));
+        });
     }
     if (!block->GetThresholdLumbraList().empty()) {
         if (device != nullptr) {
             part->SetThreshold(device->GetCpuName(), device->GetRamSize(), device->GetResolution(),
                 device->GetBatteryCapacity());
         }
-        if (observer != nullptr && !AreAttributesKnown(device)) {
-            TellThresholds(*block, *observer);
+        if (!AreAttributesKnown(device)) {
+            TellBeans(*block, Evidence::Trouble::Kind::NO_THRESHOLDS, HasThresholds);
         }
-        bool areWhole = true;
-        CommonPartDbHelper::GetInstance().IsSuccessCreateJankDb(
-            DevicePaths::EventLog(), part, observer == nullptr ? nullptr : &areWhole);
-        part->SetTablesWhole(areWhole);
+        CommonPartDbHelper::GetInstance().IsSuccessCreateJankDb(DevicePaths::EventLog(), part, observer != nullptr);
+        TellBeans(*block, Evidence::Trouble::Kind::TABLE_NOT_BUILT, IsWithoutTable);
     }
     if (!block->GetDefDbTableCommonList().empty()) {
         CommonPartDbHelper::GetInstance().CopyDbAndCreateTable(part);

@@ -6,6 +6,7 @@
 #include "arborist/frame/trouble_watch.h"
 #include "arborist/stores/event_log/log_event.h"
 #include "arborist/stores/event_log/row_question.h"
+#include "arborist/utilities/device_paths.h"
 #include "arborist/utilities/json_text.h"
 #include "arborist/utilities/string_util.h"
 
@@ -18,7 +19,7 @@ std::string CountIn(std::string_view extra)
     if (!ParseJson(extra, root, error)) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: parseJson err. %s ",
             "DetectionCustomize::CheckDmdEventCount", error.c_str());
-        TroubleWatch::Tell(Evidence::Trouble::Kind::BAD_EXTRA, error);
+        TroubleWatch::Tell(Evidence::Trouble::Kind::BAD_EXTRA, error, {{}, DevicePaths::EventLog()});
     }
     return MemberText(root, DetectionCustomize::KEY_COUNT);
 }

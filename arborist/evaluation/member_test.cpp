@@ -7,6 +7,7 @@
 #include "arborist/evaluation/rule_checker.h"
 #include "arborist/frame/log.h"
 #include "arborist/frame/trouble_watch.h"
+#include "arborist/utilities/device_paths.h"
 #include "arborist/utilities/json_text.h"
 #include "arborist/utilities/string_util.h"
 
@@ -20,7 +21,7 @@ std::string MemberOf(std::string_view extra, const std::string& key)
     if (!ParseJson(extra, root, error)) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: parse eventParamJson err. %s ",
             "AlarmRuleEngine::IsErrorForEventWithParam", error.c_str());
-        TroubleWatch::Tell(Evidence::Trouble::Kind::BAD_EXTRA, error);
+        TroubleWatch::Tell(Evidence::Trouble::Kind::BAD_EXTRA, error, {{}, DevicePaths::EventLog()});
     }
     return MemberText(root, key);
 }

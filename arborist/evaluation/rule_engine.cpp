@@ -106,7 +106,8 @@ void RuleEngine::InitCommonPart()
     }
     mCommonPart = std::make_shared<CommonPart>();
     mCommonPart->SetCombineCommon(block);
-    PrepareCommonPart(mCommonPart, mDeviceDetails.get(), mObserver);
+    PrepareCommonPart(
+        mCommonPart, mFaultTreeParser->GetRuleFileReport().path, mDeviceDetails.get(), mObserver);
 }
 
 void RuleEngine::Reset()

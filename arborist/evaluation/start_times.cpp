@@ -13,6 +13,7 @@
 #include "arborist/model/event.h"
 #include "arborist/stores/repairs/repair_dates.h"
 #include "arborist/stores/repairs/reset_time_parser.h"
+#include "arborist/utilities/device_paths.h"
 #include "arborist/utilities/json_text.h"
 #include "arborist/utilities/time_util.h"
 
@@ -130,7 +131,8 @@ std::int64_t StartTimes::GetRepairTimeFromDb(const std::string& repairId, bool& 
     isUnreadable = isUnreadable || mRepairDates->HasFailed() || (time == 0 && !date.empty());
     if (time > TimeUtil::GetLastMoment()) {
         // The store keeps the latest date alone: when the repair was carried out before is not known any more.
-        TroubleWatch::Tell(Evidence::Trouble::Kind::REPAIR_HISTORY_LOST, date, repairId);
+        TroubleWatch::Tell(
+            Evidence::Trouble::Kind::REPAIR_HISTORY_LOST, date, {repairId, DevicePaths::RepairDatabase()});
         return 0;
     }
     return time;

@@ -13,7 +13,7 @@ struct Trouble {
         EVENT_LOG_UNREADABLE, ///< a statement on the event log failed, or broke off on its way
         REPAIRS_UNREADABLE, ///< the same on the database of repair dates
         BAD_EXTRA, ///< what an event of the log says of itself is no JSON
-        NO_COPY_FOLDER, ///< external databases were found, and no setting says where to copy them
+        NO_COPY_FOLDER, ///< the databases `subject` were found, and no setting says where to copy them
         TABLE_NOT_BUILT, ///< the derived table `subject` could not be made, and no event was asked for it
         REPAIR_HISTORY_LOST, ///< the repair `subject` was recorded after Settings::AS_OF, and an earlier date is not kept
         NO_THRESHOLDS, ///< the entry `subject` of the common part has thresholds, and the device lacks an attribute
@@ -25,7 +25,8 @@ struct Trouble {
     std::string ruleName;
     /// The object of the problem, if the kind has one.
     std::string subject;
-    /// The place in the rule set if known: path, and line from 1, 0 for none.
+    /// The file of the problem: the database, or the rule file for an entry of it, then with the line of its element,
+    /// from 1. Otherwise the line is 0.
     std::string file;
     int line = 0;
     /// The message of the database or the reader.

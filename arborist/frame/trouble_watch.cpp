@@ -22,13 +22,15 @@ TroubleWatch::~TroubleWatch()
     innermost = mOuter;
 }
 
-void TroubleWatch::Tell(Kind kind, std::string_view words, std::string_view subject)
+void TroubleWatch::Tell(Kind kind, std::string_view words, const Place& place)
 {
     if (innermost != nullptr) {
         Evidence::Trouble trouble;
         trouble.kind = kind;
         trouble.words = words;
-        trouble.subject = subject;
+        trouble.subject = place.subject;
+        trouble.file = place.file;
+        trouble.line = place.line;
         innermost->mListener(std::move(trouble));
     }
 }
@@ -40,9 +42,9 @@ StatementTrouble::~StatementTrouble()
     statementKind = mOuter;
 }
 
-void StatementTrouble::Tell(std::string_view words)
+void StatementTrouble::Tell(std::string_view words, std::string_view file)
 {
     if (statementKind) {
-        TroubleWatch::Tell(*statementKind, words);
+        TroubleWatch::Tell(*statementKind, words, {{}, file});
     }
 }

@@ -14,13 +14,20 @@ class TroubleWatch {
 public:
     using Listener = std::function<void(Evidence::Trouble trouble)>;
 
+    /// Where the trouble is; see Evidence::Trouble.
+    struct Place {
+        std::string_view subject = {};
+        std::string_view file = {};
+        int line = 0;
+    };
+
     explicit TroubleWatch(Listener listener);
     ~TroubleWatch();
     TroubleWatch(const TroubleWatch&) = delete;
     TroubleWatch& operator=(const TroubleWatch&) = delete;
 
     /// Reports to the innermost watch of this thread, if there is one.
-    static void Tell(Evidence::Trouble::Kind kind, std::string_view words, std::string_view subject = {});
+    static void Tell(Evidence::Trouble::Kind kind, std::string_view words, const Place& place);
 
 private:
     Listener mListener;
@@ -36,7 +43,8 @@ public:
     StatementTrouble(const StatementTrouble&) = delete;
     StatementTrouble& operator=(const StatementTrouble&) = delete;
 
-    static void Tell(std::string_view words);
+    /// `file` is the database.
+    static void Tell(std::string_view words, std::string_view file);
 
 private:
     std::optional<Evidence::Trouble::Kind> mOuter;

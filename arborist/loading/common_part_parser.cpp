@@ -131,6 +131,7 @@ void ParseCommonPartAttr(const XMLElement& element, Bean& bean)
     bean.SetName(Attribute(element, "name"));
     bean.SetPlatform(Attribute(element, "platform"));
     bean.SetType(Attribute(element, "type"));
+    bean.SetLine(element.GetLineNum());
 }
 
 struct Entries {

@@ -116,6 +116,17 @@ std::shared_ptr<ThresholdOrLumbraBean> CommonPart::FindThresholdBean(const std::
     return nullptr;
 }
 
+bool CommonPart::AreTablesWhole() const
+{
+    using Bean = ThresholdOrLumbraBean;
+    const auto isWhole = [](const std::shared_ptr<Bean>& bean) {
+        return bean == nullptr || bean->GetTableState() == Bean::TableState::WHOLE;
+    };
+    return mCombineCommon == nullptr
+        || std::all_of(mCombineCommon->GetThresholdLumbraList().begin(), mCombineCommon->GetThresholdLumbraList().end(),
+            isWhole);
+}
+
 bool CommonPart::IsHasThredCommonPart(const std::string& name) const
 {
     return !name.empty() && FindThresholdBean(name) != nullptr;

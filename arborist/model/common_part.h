@@ -82,6 +82,13 @@ public:
 
     static constexpr char LUMBRA_PLUS_DATA[] = "lumbraPlusData";
 
+    /// What the last detection made of the bean's table.
+    enum class TableState {
+        NOT_BUILT, ///< it could not be made, and no event was asked for it
+        INCOMPLETE, ///< rows are missing
+        WHOLE, ///< it has a row for every event that it selects; also as long as nobody looked
+    };
+
     /// Name of the derived table, by which rules refer to this bean.
     const std::string& GetName() const { return name; }
     void SetName(const std::string& text) { name = text; }
@@ -100,6 +107,11 @@ public:
     void SetThresholdItemList(const ThresholdItemList& items) { thresholdItemList = items; }
     const LumbraDataList& GetLumbraDataList() const { return lumbraDataList; }
     void SetLumbraDataList(const LumbraDataList& items) { lumbraDataList = items; }
+    /// Line of the element in the rule file, from 1; 0 if it is not known.
+    int GetLine() const { return line; }
+    void SetLine(int number) { line = number; }
+    TableState GetTableState() const { return tableState; }
+    void SetTableState(TableState state) { tableState = state; }
 
 private:
     std::string name;
@@ -109,6 +121,8 @@ private:
     ParamMap thresholdMap;
     ThresholdItemList thresholdItemList;
     LumbraDataList lumbraDataList;
+    int line = 0;
+    TableState tableState = TableState::WHOLE;
 };
 
 /// External database files of one kind, and the SQL to run on the copy of each.
@@ -167,6 +181,9 @@ public:
     void SetDbName(const std::string& text) { dbName = text; }
     const CreateTableList& GetCreateTableList() const { return createTableList; }
     void SetCreateTableList(const CreateTableList& tables) { createTableList = tables; }
+    /// Line of the element in the rule file, from 1; 0 if it is not known.
+    int GetLine() const { return line; }
+    void SetLine(int number) { line = number; }
     /// Paths of the copies that were made, which rules query. Written while a detection is prepared.
     const std::vector<std::string>& GetCopyDbFileList() const { return copyDbFileList; }
     void SetCopyDbFileList(const std::vector<std::string>& files) { copyDbFileList = files; }
@@ -186,6 +203,7 @@ private:
     DbPathList dbPathList;
     std::string dbName;
     CreateTableList createTableList;
+    int line = 0;
     std::vector<std::string> copyDbFileList;
     Evidence::NoCopy noCopy = Evidence::NoCopy::NONE;
     std::string searchedFolder;
@@ -226,9 +244,8 @@ public:
     std::shared_ptr<CombineCommonPart> GetCombineCommon() const { return mCombineCommon; }
     void SetCombineCommon(std::shared_ptr<CombineCommonPart> block) { mCombineCommon = std::move(block); }
 
-    /// Run-time: whether the derived tables have all that they are made of. As long as nobody looked, they do.
-    bool AreTablesWhole() const { return mAreTablesWhole; }
-    void SetTablesWhole(bool areWhole) { mAreTablesWhole = areWhole; }
+    /// True if no derived table lacks rows. A rule's SQL may read any of them.
+    bool AreTablesWhole() const;
 
     /// True if a threshold bean has this name; always false for the empty name.
     bool IsHasThredCommonPart(const std::string& name) const;
@@ -253,7 +270,6 @@ private:
     std::shared_ptr<ThresholdOrLumbraBean> FindThresholdBean(const std::string& name) const;
 
     std::shared_ptr<CombineCommonPart> mCombineCommon;
-    bool mAreTablesWhole = true;
 };
 
 #endif

@@ -17,6 +17,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr std::int64_t NOW = 1700000000;
+constexpr char DERIVED[] = "root/Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db";
 
 Xml ThresholdsXml(const std::string& name)
 {
@@ -69,8 +70,13 @@ protected:
 
     std::vector<std::string> DerivedRows() const
     {
-        return DatabaseRows(mDir.Path("root/Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db"),
-            "select * from Jank");
+        return DatabaseRows(mDir.Path(DERIVED), "select * from Jank");
+    }
+
+    // The place of an element of the rule file.
+    std::string RuleLine(int line) const
+    {
+        return mParser->GetRuleFileReport().path + ":" + std::to_string(line);
     }
 
     TempDir mDir;
@@ -86,7 +92,7 @@ TEST_F(CommonPartPreparation, WithoutACommonPartOnlyTheDirectoryIsMade)
 {
     Init({});
     EXPECT_TRUE(mDir.Has("root/Comms/Lumbra/zxdetectrepair/databases"));
-    EXPECT_FALSE(mDir.Has("root/Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db"));
+    EXPECT_FALSE(mDir.Has(DERIVED));
     EXPECT_FALSE(mDir.Has("copies"));
     EXPECT_THAT(mLog.Lines(), IsEmpty());
     EXPECT_THAT(mObserver.Lines(), IsEmpty());
@@ -101,7 +107,7 @@ TEST_F(CommonPartPreparation, WithoutAParserOrDetectInfoOnlyTheDirectoryIsMade)
 TEST_F(CommonPartPreparation, TablesAloneAreCopiedAndNothingIsDerived)
 {
     Init({TablesXml(mDir.Path("device"))});
-    EXPECT_FALSE(mDir.Has("root/Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db"));
+    EXPECT_FALSE(mDir.Has(DERIVED));
     EXPECT_THAT(mParser->GetCommonPart()->GetDefDbTableCommonList()[0]->GetCopyDbFileList(),
         ElementsAre(mDir.Path("copies/ext.db")));
 }
@@ -118,14 +124,30 @@ TEST_F(CommonPartPreparation, DatabasesWithoutAFolderForTheirCopiesAreTrouble)
 {
     mSettings.Set(Settings::APP_DATABASE_DIR, "");
     Init({TablesXml(mDir.Path("device"))});
-    EXPECT_THAT(mObserver.Lines(), ElementsAre("trouble copies"));
+    EXPECT_THAT(mObserver.Lines(), ElementsAre("trouble copies Ext " + RuleLine(3)));
 }
 
 TEST_F(CommonPartPreparation, AStatementThatFailsIsTroubleBeforeAnyRule)
 {
     Init({ThresholdsXml("drop")});
     EXPECT_THAT(mObserver.Lines(),
-        ElementsAre("trouble statement: near \"drop\": syntax error", "trouble table drop"));
+        ElementsAre("trouble statement " + mDir.Path(DERIVED) + ": near \"drop\": syntax error",
+            "trouble table drop " + RuleLine(3)));
+}
+
+TEST_F(CommonPartPreparation, EachTableThatIsNotBuiltIsTroubleAtItsLine)
+{
+    Init({ThresholdsXml("drop"), ThresholdsXml("Jank").Raw("\n\n"), ThresholdsXml("table")});
+    EXPECT_THAT(mObserver.Lines("trouble table"),
+        ElementsAre("trouble table drop " + RuleLine(3), "trouble table table " + RuleLine(5)));
+}
+
+TEST_F(CommonPartPreparation, AnEventThatIsNoJsonIsTroubleOfTheLog)
+{
+    EventLogBuilder().Row({NOW - 1, 7, "", "{n"}).WriteTo(mDir.Path("root/Comms/Lumbra/workDir/0/log.db"));
+    Init({ThresholdsXml("Jank")});
+    EXPECT_THAT(mObserver.Lines(), ElementsAre(testing::StartsWith(
+        "trouble extra " + mDir.Path("root/Comms/Lumbra/workDir/0/log.db") + ": ")));
 }
 
 TEST_F(CommonPartPreparation, ThresholdsThatAreSetAreNoTrouble)
@@ -145,7 +167,7 @@ TEST_F(CommonPartPreparation, TheObserverHearsThatThresholdsStayUnset)
         mDevice = device;
         mObserver.Clear();
         Init({ThresholdsXml("Jank")});
-        EXPECT_THAT(mObserver.Lines(), ElementsAre("trouble thresholds Jank"));
+        EXPECT_THAT(mObserver.Lines(), ElementsAre("trouble thresholds Jank " + RuleLine(3)));
         EXPECT_EQ(mParser->GetCommonPart()->GetThresholdLumbraList()[0]->GetSystemParamMap().at("cpu")->value, "");
     }
 }

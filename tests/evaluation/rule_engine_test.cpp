@@ -267,7 +267,8 @@ TEST_F(RuleEngineTest, TroubleIsToldWithItsEventAndRule)
     RunWith(TreeXml(TAG).Tree("T", Or({Basic("A")})),
         RuleXml(TAG).Rule(AlarmRuleXml("r", {item}, "1")).EventRule("A", {Single("r")}));
     ASSERT_THAT(mObserver.Lines("trouble"), SizeIs(1));
-    EXPECT_THAT(mObserver.Lines("trouble")[0], testing::StartsWith("trouble extra A r: "));
+    EXPECT_THAT(mObserver.Lines("trouble")[0], testing::StartsWith(
+        "trouble extra A r " + mDir.Path("data/Comms/Lumbra/workDir/0/log.db") + ": "));
 }
 
 TEST_F(RuleEngineTest, AnObserverThatIsTakenAwayWithinARuleHearsNoMore)

@@ -6,6 +6,7 @@
 #include "arborist/frame/log.h"
 #include "arborist/frame/repair.h"
 #include "arborist/frame/settings.h"
+#include "arborist/frame/trouble_watch.h"
 #include "arborist/model/event.h"
 #include "arborist/stores/repairs/reset_time_parser.h"
 #include "tests/evaluation/rule_set.h"
@@ -121,6 +122,24 @@ TEST_F(StartTimesTest, DateThatIsNoDateCountsAsNone)
     EventLogBuilder::Run(mDir.Path("data/Comms/Lumbra/zxdetectrepair/databases/repair_record.db"),
         "update repair_data set repair_date = 'yesterday'");
     EXPECT_EQ(Start(7, "4", "E"), NOW - 7 * DAY);
+}
+
+TEST_F(StartTimesTest, TroubleWithRepairsNamesTheirDatabase)
+{
+    std::vector<std::string> places;
+    const TroubleWatch watch([&](const Evidence::Trouble& trouble) {
+        places.push_back(trouble.subject + " " + trouble.file);
+    });
+    const std::string path = mDir.Path("data/Comms/Lumbra/zxdetectrepair/databases/repair_record.db");
+    Repair("R1", 2 * DAY);
+    mSettings.Set(Settings::AS_OF, std::to_string(NOW - 3 * DAY));
+    Start(7, "4", "E");
+    EXPECT_THAT(places, ElementsAre("R1 " + path));
+    places.clear();
+    mSettings.Set(Settings::AS_OF, "");
+    EventLogBuilder::Run(path, "alter table repair_data rename column repair_date to other");
+    Start(7, "4", "E");
+    EXPECT_THAT(places, testing::AllOf(testing::Not(IsEmpty()), testing::Each(" " + path)));
 }
 
 TEST_F(StartTimesTest, EventOfAnotherIdDoesNotAddItsRepair)

@@ -12,6 +12,7 @@
 namespace {
 
 using LumbraDataList = ThresholdOrLumbraBean::LumbraDataList;
+using TableState = ThresholdOrLumbraBean::TableState;
 
 std::string ParentOf(const std::string& path)
 {
@@ -71,52 +72,45 @@ bool CommonPartDbHelper::Init()
 }
 
 bool CommonPartDbHelper::IsSuccessCreateJankDb(
-    const std::string& eventDbPath, const std::shared_ptr<CommonPart>& commonPart, bool* areWhole)
+    const std::string& eventDbPath, const std::shared_ptr<CommonPart>& commonPart, bool looksAtTables)
 {
     if (commonPart == nullptr || commonPart->GetCombineCommon() == nullptr) {
         return false;
     }
     bool isBuilt = false;
     bool isStopped = false;
-    bool isEachWhole = true;
     for (const auto& bean : commonPart->GetCombineCommon()->GetThresholdLumbraList()) {
         if (bean == nullptr || bean->GetLumbraDataList().empty()) {
             continue;
         }
         EventIdList ids;
-        if (isStopped || !GetEventIdList(bean->GetLumbraDataList(), ids)) {
-            // Skips the beans that follow, too: rule sets are tested against this.
-            isStopped = true;
-            isEachWhole = false;
-            TroubleWatch::Tell(Evidence::Trouble::Kind::TABLE_NOT_BUILT, {}, bean->GetName());
-            continue;
+        TableState state = TableState::NOT_BUILT;
+        // A bean with two ids of 0 skips those that follow, too: rule sets are tested against this.
+        isStopped = isStopped || !GetEventIdList(bean->GetLumbraDataList(), ids);
+        if (!isStopped) {
+            const DerivedTables::Table table{bean->GetName(), ColumnsOf(bean->GetLumbraDataList())};
+            TableState* const result = looksAtTables ? &state : nullptr;
+            isBuilt = bean->TakesEvents() ? IsSuccessCreatePerfDb(table, ids, eventDbPath, result)
+                                          : IsSuccessCreateLumbraPlusDb(table, result);
         }
-        const DerivedTables::Table table{bean->GetName(), ColumnsOf(bean->GetLumbraDataList())};
-        bool isWhole = true;
-        if (bean->TakesEvents()) {
-            isBuilt = IsSuccessCreatePerfDb(table, ids, eventDbPath, areWhole == nullptr ? nullptr : &isWhole);
-        } else {
-            isBuilt = isWhole = IsSuccessCreateLumbraPlusDb(table);
+        if (looksAtTables) {
+            bean->SetTableState(state);
         }
-        isEachWhole = isEachWhole && isWhole;
-    }
-    if (areWhole != nullptr) {
-        *areWhole = isEachWhole;
     }
     return isBuilt && !isStopped;
 }
 
 bool CommonPartDbHelper::IsSuccessCreatePerfDb(
-    const DerivedTables::Table& table, const EventIdList& ids, const std::string& eventDbPath, bool* isWhole)
+    const DerivedTables::Table& table, const EventIdList& ids, const std::string& eventDbPath, TableState* state)
 {
     const std::lock_guard<std::mutex> lock(perfDbMutex);
-    return DerivedTables::BuildFromEvents(table, ids, eventDbPath, isWhole);
+    return DerivedTables::BuildFromEvents(table, ids, eventDbPath, state);
 }
 
-bool CommonPartDbHelper::IsSuccessCreateLumbraPlusDb(const DerivedTables::Table& table)
+bool CommonPartDbHelper::IsSuccessCreateLumbraPlusDb(const DerivedTables::Table& table, TableState* state)
 {
     const std::lock_guard<std::mutex> lock(plusDbMutex);
-    return DerivedTables::BuildFixed(table);
+    return DerivedTables::BuildFixed(table, state);
 }
 
 void CommonPartDbHelper::CopyDbAndCreateTable(const std::shared_ptr<CommonPart>& commonPart)
@@ -139,6 +133,10 @@ void CommonPartDbHelper::CopyDbAndCreateTable(const std::shared_ptr<CommonPart>&
             const ExternalDatabases::Copies copies = ExternalDatabases::CopyDbFile(path, bean->GetDbName());
             bean->SetCopyDbFileList(copies.files);
             bean->SetNoCopy(copies.missing, dbPath->GetPathValue());
+            if (copies.missing == Evidence::NoCopy::SETTING_EMPTY) {
+                TroubleWatch::Tell(
+                    Evidence::Trouble::Kind::NO_COPY_FOLDER, {}, {bean->GetName(), {}, bean->GetLine()});
+            }
             IsCreateDbByFileComplete(bean->GetCopyDbFileList(), bean->GetCreateTableList(), limits);
         }
     }

@@ -38,10 +38,9 @@ public:
     /// Drops, creates and fills the table of each threshold bean that selects events, in list order. A bean that fails
     /// logs a line and the next one follows; a bean with two ids of 0 ends the call. Returns the result of the last
     /// bean that was built; false if there was none, and for a null common part.
-    /// Sets `areWhole`, if it is not null, to whether every table was built with all events that it selects; a log
-    /// without such events makes a whole table without rows.
+    /// With `looksAtTables` also sets the state of each bean's table, which takes one more query for each.
     bool IsSuccessCreateJankDb(const std::string& eventDbPath, const std::shared_ptr<CommonPart>& commonPart,
-        bool* areWhole = nullptr);
+        bool looksAtTables = false);
 
     /// Searches the directories of each table bean, copies or unpacks the matching files into the directory
     /// Settings::APP_DATABASE_DIR, lists the copies in the bean and runs the bean's SQL on each. A failure logs a line
@@ -52,9 +51,10 @@ private:
     CommonPartDbHelper() = default;
     ~CommonPartDbHelper() = default;
 
-    bool IsSuccessCreatePerfDb(
-        const DerivedTables::Table& table, const EventIdList& ids, const std::string& eventDbPath, bool* isWhole);
-    bool IsSuccessCreateLumbraPlusDb(const DerivedTables::Table& table);
+    // `state` may be null.
+    bool IsSuccessCreatePerfDb(const DerivedTables::Table& table, const EventIdList& ids,
+        const std::string& eventDbPath, ThresholdOrLumbraBean::TableState* state);
+    bool IsSuccessCreateLumbraPlusDb(const DerivedTables::Table& table, ThresholdOrLumbraBean::TableState* state);
     void IsCreateDbByFileComplete(const std::vector<std::string>& files,
         const DefDbTableBean::CreateTableList& createTables, FT::sql::SqlLimits& limits);
     bool CreateTable(const std::string& dbPath, const std::string& sql, FT::sql::SqlLimits& limits);

@@ -3,7 +3,6 @@
 #include <json/value.h>
 
 #include "arborist/frame/log.h"
-#include "arborist/frame/trouble_watch.h"
 #include "arborist/stores/common_part/database_steps.h"
 #include "arborist/stores/common_part/derived_table_writer.h"
 #include "arborist/stores/common_part/event_selection.h"
@@ -66,11 +65,11 @@ RowList FixedRows()
     return {row};
 }
 
-// Always false.
-bool TellUnbuilt(const Table& table)
+void SetState(State* state, State value)
 {
-    TroubleWatch::Tell(Evidence::Trouble::Kind::TABLE_NOT_BUILT, {}, table.name);
-    return false;
+    if (state != nullptr) {
+        *state = value;
+    }
 }
 
 template <typename Build>
@@ -126,41 +125,44 @@ bool Fill(FT::sql::SqlDatabase& database, const Table& table, const RowList& row
 
 } // namespace
 
-bool BuildFromEvents(const Table& table, const EventIdList& ids, const std::string& eventDbPath, bool* isWhole)
+bool BuildFromEvents(const Table& table, const EventIdList& ids, const std::string& eventDbPath, State* state)
 {
-    if (isWhole != nullptr) {
-        *isWhole = false;
-    }
+    SetState(state, State::NOT_BUILT);
     FT::sql::SqlDatabase database;
     if (!OpenWithoutTable<FromEvents>(database, table.name)) {
-        return TellUnbuilt(table);
+        return false;
     }
     if (!Create(database, table)) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: createJankDB : Step Create table %s fail.",
             FromEvents::FUNCTION, table.name.c_str());
-        return TellUnbuilt(table);
+        return false;
     }
     RowList rows;
-    EventSelection::GetLumbraDataByFilter(ids, eventDbPath, rows, isWhole);
+    bool isSelectionWhole = false;
+    EventSelection::GetLumbraDataByFilter(ids, eventDbPath, rows, state == nullptr ? nullptr : &isSelectionWhole);
     const bool isFilled = Fill<FromEvents>(database, table, rows);
-    if (isWhole != nullptr) {
-        *isWhole = *isWhole && SilentLook::CountRows(database, table.name) == rows.size();
+    if (state != nullptr) {
+        const bool isWhole = isSelectionWhole && SilentLook::CountRows(database, table.name) == rows.size();
+        *state = isWhole ? State::WHOLE : State::INCOMPLETE;
     }
     return isFilled;
 }
 
-bool BuildFixed(const Table& table)
+bool BuildFixed(const Table& table, State* state)
 {
+    SetState(state, State::NOT_BUILT);
     FT::sql::SqlDatabase database;
     if (!OpenWithoutTable<Fixed>(database, table.name)) {
-        return TellUnbuilt(table);
+        return false;
     }
     if (!Create(database, table)) {
         FT::Log::GetInstance().Output(
             FT::LEVEL_ERROR, "FUNc:%s: createJankDB : Step 3 Create table fail.", Fixed::FUNCTION);
-        return TellUnbuilt(table);
+        return false;
     }
-    return Fill<Fixed>(database, table, FixedRows());
+    const bool isFilled = Fill<Fixed>(database, table, FixedRows());
+    SetState(state, isFilled ? State::WHOLE : State::INCOMPLETE);
+    return isFilled;
 }
 
 } // namespace DerivedTables

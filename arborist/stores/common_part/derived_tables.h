@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "arborist/model/condition.h"
+#include "arborist/model/common_part.h"
 
 class EventIdList;
 
@@ -18,17 +18,18 @@ struct Table {
     std::string name;
     std::vector<std::shared_ptr<Param>> columns;
 };
+using State = ThresholdOrLumbraBean::TableState;
 
 /// Builds a table from the events with these ids in `eventDbPath`. False, with a line, if a step fails or no event is
 /// found; earlier steps are not undone.
-/// Sets `isWhole`, if it is not null, to whether the table has all events with these ids: no step failed, no row was
-/// lost, and the log was read whole. A whole table may be empty.
+/// Sets `state`, if it is not null, which takes one more query. The table is whole if no step failed, no row was lost,
+/// and the log was read whole; it may be empty.
 bool BuildFromEvents(
-    const Table& table, const EventIdList& ids, const std::string& eventDbPath, bool* isWhole = nullptr);
+    const Table& table, const EventIdList& ids, const std::string& eventDbPath, State* state = nullptr);
 
 /// Builds a table of one row that is the same on every device, without reading the event log. False, with a line, if a
-/// step fails.
-bool BuildFixed(const Table& table);
+/// step fails. Sets `state`, if it is not null.
+bool BuildFixed(const Table& table, State* state = nullptr);
 
 } // namespace DerivedTables
 

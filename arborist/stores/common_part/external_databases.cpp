@@ -7,7 +7,6 @@
 #include "arborist/frame/fault_tree_prop_global.h"
 #include "arborist/frame/log.h"
 #include "arborist/frame/settings.h"
-#include "arborist/frame/trouble_watch.h"
 #include "arborist/stores/common_part/database_search.h"
 #include "arborist/stores/common_part/database_steps.h"
 #include "arborist/stores/common_part/file_name_pattern.h"
@@ -129,7 +128,6 @@ Copies CopyDbFile(const std::string& path, const std::string& dbName)
     if (directory.empty()) {
         FT::Log::GetInstance().Output(
             FT::LEVEL_ERROR, "FUNc:%s: database dir is empty.", "CommonPartDbHelper::CopyDbFile");
-        TroubleWatch::Tell(Evidence::Trouble::Kind::NO_COPY_FOLDER, "");
         return {{}, Evidence::NoCopy::SETTING_EMPTY};
     }
     const std::string rootOfDevice = DevicePaths::RealRootOfDevice();

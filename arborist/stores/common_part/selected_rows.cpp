@@ -106,7 +106,7 @@ private:
 };
 
 // Logs why an `extra` is no JSON object.
-void TellExtraWithoutJson(const std::string& extra)
+void TellExtraWithoutJson(const std::string& extra, const std::string& eventDbPath)
 {
     static constexpr char NAME[] = "CommonPartDbHelper::ExtraStrToJson";
     if (extra.empty()) {
@@ -118,7 +118,7 @@ void TellExtraWithoutJson(const std::string& extra)
     if (!ParseJson(extra, ignored, error)) {
         FT::Log::GetInstance().Output(
             FT::LEVEL_ERROR, "FUNc:%s: jsonStr[%s] err. %s ", NAME, extra.c_str(), error.c_str());
-        TroubleWatch::Tell(Evidence::Trouble::Kind::BAD_EXTRA, error);
+        TroubleWatch::Tell(Evidence::Trouble::Kind::BAD_EXTRA, error, {{}, eventDbPath});
     }
 }
 
@@ -154,10 +154,10 @@ bool QueryDataSet(const FT::sql::SqlDatabase& database, const std::string& sql, 
         // The same line as for every failing statement of the stores. Rows read before it stay.
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Execute sql failed: %s",
             "FT::sql::SqlOperator::Execute", error.c_str());
-        StatementTrouble::Tell(error);
+        StatementTrouble::Tell(error, database.GetHandle().path);
     }
     for (const std::string& extra : builder.GetTextsWithoutJson()) { // after the line of a failed statement
-        TellExtraWithoutJson(extra);
+        TellExtraWithoutJson(extra, database.GetHandle().path);
     }
     if (isEmpty) {
         FT::Log::GetInstance().Output(

@@ -212,7 +212,7 @@ void EventLogSearch::TellBreak() const
     if (!error.empty()) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Execute sql failed: %s",
             "FT::sql::SqlOperator::Execute", error.c_str());
-        StatementTrouble::Tell(error);
+        StatementTrouble::Tell(error, mDb.path);
     }
 }
 

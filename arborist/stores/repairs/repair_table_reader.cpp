@@ -37,7 +37,7 @@ bool RepairTableReader::Holds(const std::string& repairId) const
     if (!rows.IsOk()) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Execute sql failed: %s",
             "FT::sql::SqlOperator::Execute", rows.GetError().c_str());
-        StatementTrouble::Tell(rows.GetError());
+        StatementTrouble::Tell(rows.GetError(), mDatabase.GetHandle().path);
     }
     return isKnown;
 }

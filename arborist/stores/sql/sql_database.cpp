@@ -142,6 +142,7 @@ bool SqlDatabase::Open(const std::string& path)
     Close();
     Configure();
     sqlite3_soft_heap_limit64(SOFT_HEAP_LIMIT);
+    handle->path = path;
     resultCode = sqlite3_open(path.c_str(), &handle->connection);
     if (!IsOpen()) {
         errorMessage = sqlite3_errmsg(handle->connection);

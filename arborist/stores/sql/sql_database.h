@@ -34,6 +34,8 @@ struct Sqlite3Db {
     mutable bool areLimitsOfFile = false;
     /// Steps that the running SQL text may still take.
     mutable std::uint64_t stepsLeft = 0;
+    /// The path with which it was opened.
+    std::string path = {};
 
     /// Call before each SQL text is run.
     void StartText() const { stepsLeft = limits.has_value() ? limits->steps : 0; }

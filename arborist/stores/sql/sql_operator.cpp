@@ -71,7 +71,7 @@ bool SqlOperator::Run(const std::string& sql, RowCallback callback)
     sqlite3_free(errorText);
     if (!errorMessage.empty()) {
         Log::GetInstance().Output(LEVEL_ERROR, Way::FAILED, Way::FUNCTION, errorMessage.c_str());
-        StatementTrouble::Tell(errorMessage);
+        StatementTrouble::Tell(errorMessage, db.path);
     }
     return false;
 }

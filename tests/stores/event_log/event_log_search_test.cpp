@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "arborist/frame/trouble_watch.h"
 #include "tests/stores/event_log/log_reading.h"
 #include "tests/stores/event_log/number_question.h"
 
@@ -94,7 +95,10 @@ TEST_F(EventLogSearchTest, BreakInTheEventsIsToldForEachIdAndLeavesTheRowsBefore
     const std::string each = AskEach(-1, 12);
     const std::vector<std::string> lines = mLog.Lines();
     mLog.Clear();
+    std::vector<std::string> files;
+    const TroubleWatch watch([&files](const Evidence::Trouble& trouble) { files.push_back(trouble.file); });
     EXPECT_EQ(Visit({-1, 12, 0, false}), each);
+    EXPECT_EQ(files, std::vector<std::string>(14, mPath));
     EXPECT_EQ(mReading, Reading::BROKEN_OFF);
     std::vector<std::string> told = mLog.Lines(FT::LEVEL_ERROR);
     EXPECT_EQ(told, lines);

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "arborist/frame/trouble_watch.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/temp_dir.h"
@@ -70,7 +71,10 @@ TEST_F(RepairTableReaderTest, IdIsFoundLetterByLetterWhateverTheColumnsOpinion)
 TEST_F(RepairTableReaderTest, FailureIsToldAsThatOfAnyStatement)
 {
     EventLogBuilder::Run(mPath, "drop table repair_data");
+    std::string file;
+    const TroubleWatch watch([&file](const Evidence::Trouble& trouble) { file = trouble.file; });
     EXPECT_FALSE(mReader.Holds("R"));
+    EXPECT_EQ(file, mPath);
     EXPECT_THAT(mLog.Lines(),
         ElementsAre("FUNc:FT::sql::SqlOperator::Execute: Execute sql failed: no such table: repair_data"));
 }
