@@ -383,7 +383,10 @@ bool AlarmRuleEngine::IsFaultForDaily(const EventRows& rows, bool isTested, Wind
         window.NoteTested(0, tested, passed);
         window.NoteFailed(tested - passed);
     }
-    const std::int32_t peak = *std::max_element(days.begin(), days.end()); // that of day 0 is 0
+    std::int32_t peak = 0; // day 0 has no rows, so that no peak is less
+    for (const std::int32_t count : days) {
+        peak = std::max(peak, count);
+    }
     window.NoteReached(rows, peak,
         isWeighed ? Evidence::Measure::DAILY_WEIGHTS : Evidence::Measure::DAILY_ROWS);
     return peak >= window.threshold;

@@ -140,17 +140,9 @@ std::size_t EventLogSnapshot::Count(const Run& run, const Filter& filter) const
 template <typename Condition>
 void EventLogSnapshot::CountDaysIf(const Run& run, LocalDays& localDays, DayCounts& days, Condition passes) const
 {
-    const std::uint32_t* const times = mColumns.times.data();
-    for (std::uint32_t row = run.begin; row < run.end;) {
-        // Consecutive rows mostly have the same day.
-        const LocalDays::Stretch stretch = localDays.StretchWith(times[row]);
-        const std::uint32_t length = stretch.end - stretch.begin;
-        std::int32_t count = 0;
-        do {
-            count += static_cast<std::int32_t>(passes(row));
-            ++row;
-        } while (row < run.end && times[row] - stretch.begin < length);
-        days[static_cast<std::size_t>(stretch.day)] += count;
+    for (std::uint32_t row = run.begin; row < run.end; ++row) {
+        days[static_cast<std::size_t>(localDays.DayOfMonth(mColumns.times[row]))] +=
+            static_cast<std::int32_t>(passes(row));
     }
 }
 

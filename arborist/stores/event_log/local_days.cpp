@@ -50,7 +50,7 @@ LocalDays::Day LocalDays::Ask(std::uint32_t day)
         return {day + 1, 0, 0, 0, 0};
     }
     return {day + 1, static_cast<std::uint32_t>(end - first.GetSecondOfDay()), static_cast<std::uint32_t>(end),
-        first.GetDay(), last.GetDay()};
+        static_cast<std::uint8_t>(first.GetDay()), static_cast<std::uint8_t>(last.GetDay())};
 }
 
 std::int32_t LocalDays::AskFor(std::int64_t time)

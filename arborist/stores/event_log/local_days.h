@@ -11,26 +11,17 @@
 /// one object for each use, as a host may change the zone in between.
 class LocalDays {
 public:
-    /// Times from `begin` to before `end` with the same day of the month.
-    struct Stretch {
-        std::uint32_t begin;
-        std::uint32_t end;
-        std::int32_t day;
-    };
-
-    std::int32_t DayOfMonth(std::uint32_t time) { return StretchWith(time).day; }
-
-    /// A stretch that includes `time`.
-    Stretch StretchWith(std::uint32_t time)
+    std::int32_t DayOfMonth(std::uint32_t time)
     {
         const std::uint32_t number = time / SECONDS_OF_DAY;
         Day& known = mDays[number % mDays.size()];
         if (known.number != number + 1) {
             known = Ask(number);
         }
-        return time < known.midnight ? Stretch{number * SECONDS_OF_DAY, known.midnight, known.before}
-            : time < known.end       ? Stretch{known.midnight, known.end, known.after}
-                                     : Stretch{time, time + 1, AskFor(time)};
+        if (time >= known.end) {
+            return AskFor(time);
+        }
+        return time < known.midnight ? known.before : known.after;
     }
 
 private:
@@ -41,8 +32,8 @@ private:
         std::uint32_t number; // from 1; 0 for none
         std::uint32_t midnight;
         std::uint32_t end; // 0 if clocks are changed
-        std::int32_t before;
-        std::int32_t after;
+        std::uint8_t before;
+        std::uint8_t after;
     };
 
     static Day Ask(std::uint32_t day);

@@ -33,16 +33,6 @@ TEST(LocalDaysTest, DaysBeginAtLocalMidnight)
     EXPECT_EQ(days.DayOfMonth(UINT32_MAX), WrittenDay(UINT32_MAX));
 }
 
-TEST(LocalDaysTest, StretchesEndAtLocalMidnight)
-{
-    const TimeZone zone("IST-5:30");
-    LocalDays days;
-    const LocalDays::Stretch before = days.StretchWith(1704047399);
-    EXPECT_EQ(before.day, 31);
-    EXPECT_EQ(before.end, 1704047400U);
-    EXPECT_EQ(days.StretchWith(1704047400).begin, 1704047400U);
-}
-
 // Clocks that are set back at a minute past midnight return to the day before.
 TEST(LocalDaysTest, ClocksThatAreChangedAMinutePastMidnightHaveTwoDaysInAnHour)
 {
