@@ -51,7 +51,11 @@ public:
         }
     }
 
-    TestRun& Run() { return mRun; }
+    TestRun& Run()
+    {
+        mRun.coverage = mCoverage.Result();
+        return mRun;
+    }
 
 private:
     void RunFile(const std::string& path)
@@ -64,17 +68,27 @@ private:
         mRun.failures.insert(mRun.failures.end(), file.failures.begin(), file.failures.end());
         for (const TestCase& testCase : file.cases) {
             if (testCase.name.find(mOptions.filter) != std::string::npos) {
-                mRun.cases.push_back(mRunner.Run(testCase));
-                if (mOptions.onCase) {
-                    mOptions.onCase(mRun.cases.back());
-                }
+                RunCase(testCase);
             }
+        }
+    }
+
+    void RunCase(const TestCase& testCase)
+    {
+        mRun.cases.push_back(mRunner.Run(testCase));
+        if (mOptions.withCoverage && mRunner.LastReport().explanation != nullptr) {
+            const RuleSets::Key& key = mRunner.LastRuleSet();
+            mCoverage.Add(key, mRunner.GetRuleSets().Get(key), *mRunner.LastReport().explanation);
+        }
+        if (mOptions.onCase) {
+            mOptions.onCase(mRun.cases.back());
         }
     }
 
     const TestOptions& mOptions;
     CaseRunner mRunner;
     std::set<std::string> mSeen;
+    Coverage mCoverage;
     TestRun mRun;
 };
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "diagnosis/cases/case_runner.h"
+#include "diagnosis/cases/coverage.h"
 #include "diagnosis/problem.h"
 
 namespace diagnosis::cases {
@@ -16,6 +17,7 @@ struct TestOptions {
     std::string filter;
     /// Folder of a rule set that replaces those of all cases; empty for none.
     std::string rules;
+    bool withCoverage = false;
     /// Called after each case, if set.
     std::function<void(const CaseOutcome& outcome)> onCase;
 };
@@ -26,6 +28,8 @@ struct TestRun {
     std::vector<CaseOutcome> cases;
     /// Files that can't be used, and paths without a case file.
     std::vector<Failure> failures;
+    /// What the cases have shown of each rule set; empty unless requested.
+    std::vector<RuleSetCoverage> coverage;
 
     std::size_t Passed() const;
     std::size_t Unreviewed() const;

@@ -46,6 +46,22 @@ void WriteCase(JsonWriter& json, const CaseOutcome& outcome)
     json.EndObject();
 }
 
+void WriteCoverage(JsonWriter& json, const cases::RuleSetCoverage& coverage)
+{
+    json.BeginObject().Text("rules", coverage.folder).Text("tag", coverage.tag);
+    WriteCount(json, "covered", coverage.Covered());
+    WriteCount(json, "total", coverage.Total());
+    json.Key("uncovered").BeginArray();
+    for (const cases::CoverageItem& item : coverage.items) {
+        if (item.Covered() < 2) {
+            json.BeginObject().Text("file", item.file).Key("line").Number(item.line);
+            json.Text("kind", cases::CoverageKindText(item.kind)).Text("subject", item.subject);
+            json.Key("never").Texts(item.Missing()).EndObject();
+        }
+    }
+    json.EndArray().EndObject();
+}
+
 std::string FailureText(const CaseOutcome& outcome)
 {
     std::string text = outcome.failure ? outcome.failure->message + "\n" : "";
@@ -106,7 +122,15 @@ std::string TestJson(const cases::TestRun& run, bool isOk)
     for (const Failure& failure : run.failures) {
         json.BeginObject().Text("code", failure.code).Text("message", failure.message).EndObject();
     }
-    return json.EndArray().EndObject().Line();
+    json.EndArray();
+    if (!run.coverage.empty()) {
+        json.Key("coverage").BeginArray();
+        for (const cases::RuleSetCoverage& coverage : run.coverage) {
+            WriteCoverage(json, coverage);
+        }
+        json.EndArray();
+    }
+    return json.EndObject().Line();
 }
 
 std::string TestJunit(const cases::TestRun& run)

@@ -16,6 +16,7 @@
 namespace {
 
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -158,6 +159,35 @@ TEST_F(TestCommand, JunitHasASuiteForEachFile)
     EXPECT_EQ(RunArborist({"test", "b", "--junit", "nowhere/out.xml"}).status, 5);
 }
 
+TEST_F(TestCommand, CoverageListsWhatNoCaseHasShown)
+{
+    Write("a.test.json", "");
+    const auto result = RunArborist({"test", "b", "--coverage"});
+    EXPECT_THAT(result.out, HasSubstr("1 case: 1 passed\n"
+                                      "coverage of b/rules, tag Tag: 4 of 8 outcomes, 50%\n"
+                                      "  leaves 1 of 2\n"
+                                      "  alternatives 1 of 2\n"
+                                      "  tests 1 of 2\n"
+                                      "  filters 1 of 2\n"
+                                      "b/rules/FaultTreeRules.xml:"));
+    EXPECT_THAT(result.out, HasSubstr(": event HOT: never false\n"));
+    EXPECT_EQ(result.status, 0);
+    const Json::Value report = ParsedJson(RunArborist({"test", "b", "--coverage", "--json"}).out);
+    const Json::Value& coverage = report["coverage"][0];
+    EXPECT_EQ(coverage["covered"].asInt() * 100 + coverage["total"].asInt(), 408);
+    EXPECT_EQ(coverage["uncovered"].size(), 4U);
+    EXPECT_EQ(coverage["uncovered"][3]["never"][0].asString(), "false");
+}
+
+TEST_F(TestCommand, TooLittleCoverageIsAFailure)
+{
+    Write("a.test.json", "");
+    EXPECT_EQ(RunArborist({"test", "b", "--coverage-threshold", "50"}).status, 0);
+    EXPECT_EQ(RunArborist({"test", "b", "--coverage-threshold", "51"}).status, 1);
+    EXPECT_FALSE(ParsedJson(RunArborist({"test", "b", "--json", "--coverage-threshold", "51"}).out)["ok"].asBool());
+    EXPECT_EQ(RunArborist({"test", "b", "--coverage-threshold", "101"}).status, 2);
+}
+
 TEST_F(TestCommand, AnotherRuleSetCanBeTried)
 {
     Write("a.test.json", "");
@@ -198,6 +228,13 @@ TEST(CasesPageTest, TheCommandsPageShowsWhatTheCommandPrints)
     EXPECT_EQ(page.substr(start, shown.size()), shown);
 }
 
+TEST(CasesPageTest, ItsCoverageIsThatOfTheLaptop)
+{
+    ProcessSetup setup;
+    setup.directory = ARBORIST_SOURCE_DIR;
+    EXPECT_THAT(RunArborist({"test", "examples/laptop", "--coverage"}, setup).out, EndsWith(BlockOfPage("text", 2)));
+}
+
 TEST(CasesPageTest, ItsTablesHaveEveryKeyOfTheSchema)
 {
     const std::string page = PageOfDocs("cases.md");
@@ -209,9 +246,9 @@ TEST(CasesPageTest, ItsTablesHaveEveryKeyOfTheSchema)
     }
 }
 
-TEST(ExampleCasesTest, AllPass)
+TEST(ExampleCasesTest, AllPassAndShowNearlyEverythingInTheRules)
 {
-    const auto result = RunArborist({"test", EXAMPLES, "--require-reviewed"});
+    const auto result = RunArborist({"test", EXAMPLES, "--require-reviewed", "--coverage-threshold", "99"});
     EXPECT_EQ(result.status, 0) << result.out << result.err;
 }
 

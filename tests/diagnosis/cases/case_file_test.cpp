@@ -90,7 +90,7 @@ TEST(CaseFileTest, ASmallCaseNeedsLittleAndIsAQuietDeviceInUtc)
     const TestCase one = Read(R"({"scene": 1, "expect": {"causes": {"T": []}}})");
     EXPECT_EQ(one.name, "t");
     EXPECT_TRUE(one.isReviewed);
-    EXPECT_EQ(one.bundle.ruleFileDir, "/rules/");
+    EXPECT_EQ(one.bundle.ruleFileDir, "/rules");
     EXPECT_EQ(one.bundle.treeTag + one.bundle.tz + one.bundle.now, "UTC2024-01-01 12:00:00");
     ASSERT_TRUE(one.events.has_value());
     EXPECT_THAT(*one.events, IsEmpty());

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <fstream>
 #include <memory>
 
@@ -20,6 +21,9 @@ struct TestCommandOptions {
     bool asJson = false;
     std::string junit;
     bool requiresReview = false;
+    bool withCoverage = false;
+    /// Percent; nothing is demanded at 0.
+    std::size_t coverageThreshold = 0;
 };
 
 bool WriteFile(const std::string& path, const std::string& text)
@@ -32,7 +36,18 @@ bool WriteFile(const std::string& path, const std::string& text)
 ExitStatus StatusOf(const cases::TestRun& run, const TestCommandOptions& options)
 {
     const bool lacksReview = options.requiresReview && run.Unreviewed() > 0;
-    return MoreSerious(run.Status(), lacksReview ? ExitStatus::FAULT_FOUND : ExitStatus::SUCCESS);
+    const bool lacksCoverage = std::any_of(run.coverage.begin(), run.coverage.end(),
+        [&options](const auto& coverage) { return !coverage.Reaches(options.coverageThreshold); });
+    return MoreSerious(run.Status(), lacksReview || lacksCoverage ? ExitStatus::FAULT_FOUND : ExitStatus::SUCCESS);
+}
+
+std::string SummaryText(const cases::TestRun& run)
+{
+    std::string text = TestCountsText(run);
+    for (const cases::RuleSetCoverage& coverage : run.coverage) {
+        text += CoverageText(coverage);
+    }
+    return text;
 }
 
 ExitStatus Test(const TestCommandOptions& options)
@@ -40,12 +55,13 @@ ExitStatus Test(const TestCommandOptions& options)
     cases::TestOptions test;
     test.filter = options.filter;
     test.rules = options.overrides.rules;
+    test.withCoverage = options.withCoverage || options.coverageThreshold > 0;
     if (!options.asJson) {
         test.onCase = [](const cases::CaseOutcome& outcome) { PrintResult(CaseText(outcome, AreResultsColoured())); };
     }
     const cases::TestRun run = cases::RunTests(options.paths, test);
     const ExitStatus status = StatusOf(run, options);
-    PrintResult(options.asJson ? TestJson(run, status == ExitStatus::SUCCESS) + "\n" : TestCountsText(run));
+    PrintResult(options.asJson ? TestJson(run, status == ExitStatus::SUCCESS) + "\n" : SummaryText(run));
     for (const Failure& failure : run.failures) {
         PrintError(failure.message);
     }
@@ -68,6 +84,9 @@ void AddTestCommand(Command app, ExitStatus& status)
     test.AddFlag("--json", options->asJson, "One JSON object for all cases");
     test.Add("--junit", options->junit, "Write JUnit's XML to this file, too").Takes("FILE").NotEmpty();
     test.AddFlag("--require-reviewed", options->requiresReview, "Fail if a case was recorded and not reviewed");
+    test.AddFlag("--coverage", options->withCoverage, "Tell what of the rule sets no case has shown, with file and line");
+    test.Add("--coverage-threshold", options->coverageThreshold, "The same, and fail if less of the outcomes of a rule "
+        "set is covered").Takes("PERCENT").Within(std::size_t{1}, std::size_t{100});
     test.Footer("Exits with 1 if a case fails or there is none.\n"
                  "Examples:\n  arborist test examples\n"
                  "  arborist test examples/laptop/rules --filter battery --junit tests.xml");
