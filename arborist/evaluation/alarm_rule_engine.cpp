@@ -161,6 +161,9 @@ bool AlarmRuleEngine::IsRuleHitBySettingTime(const AlarmItem& item, std::size_t 
     if (timeSet == nullptr) {
         return CloseWindow(window, Reason::WINDOW_ABSENT, false);
     }
+    if (timeSet->isBadPeriod || timeSet->isBadThreshold) {
+        Note(Reason::BAD_NUMBER);
+    }
     if (timeSet->period == 0 && timeSet->threshold == 0) {
         return CloseWindow(window, Reason::WINDOW_EMPTY, false);
     }

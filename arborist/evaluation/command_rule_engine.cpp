@@ -150,6 +150,9 @@ std::string CommandRuleEngine::GetSqlScript(const CommandRule::SqlItem& sqlItem,
         ? 0
         : mRuleHelper->GetDetectStartTime(sqlItem.time.period, sqlItem.BeginFlag, eventId,
               command == nullptr ? nullptr : &command->start.emplace());
+    if (reference == nullptr && sqlItem.time.isBadPeriod) {
+        Note(Reason::BAD_NUMBER);
+    }
     if (command != nullptr && command->start && command->start->isRepairUnreadable) {
         Note(Reason::REPAIR_UNREADABLE);
     }

@@ -16,6 +16,16 @@ using XmlWalk::FindFirstChildren;
 using XmlWalk::IsNamed;
 using XmlWalk::ReadAttributes;
 
+namespace {
+
+// Takes 0 for a text that is no number, and tells so. A missing attribute is 0.
+bool IsReadAsNumber(const XMLElement& element, const char* attribute, std::int32_t& number)
+{
+    return element.QueryIntAttribute(attribute, &number) != tinyxml2::XML_WRONG_ATTRIBUTE_TYPE;
+}
+
+} // namespace
+
 void RuleElementParse::ParseRuleAttr(Rule& rule) const
 {
     ReadAttributes(mElement, {
@@ -30,8 +40,8 @@ void RuleElementParse::ParseRuleAttr(Rule& rule) const
 
 void RuleElementParse::ParseTimeSet(const XMLElement& element, TimeSet& timeSet)
 {
-    timeSet.period = element.IntAttribute("period", 0);
-    timeSet.threshold = element.IntAttribute("threshold", 0);
+    timeSet.isBadPeriod = !IsReadAsNumber(element, "period", timeSet.period);
+    timeSet.isBadThreshold = !IsReadAsNumber(element, "threshold", timeSet.threshold);
     ReadAttributes(element, {{"type", &timeSet.type}});
 }
 

@@ -45,6 +45,9 @@ public:
     std::int32_t period = 0;
     /// Count to reach.
     std::int32_t threshold = 0;
+    /// Whether the rule file has a text there that is no number and was taken for 0.
+    bool isBadPeriod = false;
+    bool isBadThreshold = false;
     /// Run-time: the kind of this window within its item.
     TimeType timeType = DURATION;
 };

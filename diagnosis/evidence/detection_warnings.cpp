@@ -27,6 +27,17 @@ Warning OfRule(const char* code, std::string message, const std::string& rule)
     return warning;
 }
 
+// SQL of the common part has its line in the rule file; other SQL is placed by its rule.
+Warning OfStatement(const Evidence::Trouble& trouble)
+{
+    const std::string about =
+        trouble.ruleName.empty() ? "before the rules ran" : "of the rule " + Quoted(trouble.ruleName);
+    Warning warning = OfRule("sql_failed", "SQL " + about + " failed: " + trouble.words, trouble.ruleName);
+    warning.file = trouble.line == 0 ? "" : trouble.file;
+    warning.line = trouble.line;
+    return warning;
+}
+
 // The number of skipped rows in words.
 std::string OfRows(std::int64_t some, std::int64_t all)
 {
@@ -72,10 +83,7 @@ void DetectionWarnings::OnTrouble(const Evidence::Trouble& trouble)
     switch (trouble.kind) {
     case Kind::STATEMENT_FAILED:
     case Kind::REPAIRS_UNREADABLE:
-        mList.Add(OfRule("sql_failed",
-            "SQL " + (trouble.ruleName.empty() ? "before the rules ran" : "of the rule " + Quoted(trouble.ruleName))
-                + " failed: " + trouble.words,
-            trouble.ruleName));
+        mList.Add(OfStatement(trouble));
         break;
     case Kind::EVENT_LOG_UNREADABLE:
         mEventLogTrouble = trouble.words; // each id of a range may report it

@@ -181,6 +181,41 @@ TEST_F(VerdictTest, AnEventThatIsTrueByDefaultIsAFaultAndSaysSo)
     EXPECT_TRUE(mObserver->folded.back().RestsOnDefault());
 }
 
+TEST_F(VerdictTest, APeriodOrAThresholdThatIsNoNumberIsAnErrorWhetherOrNotTheRuleFires)
+{
+    EventLogBuilder().Row({NOW - 5, 7, "", ""}).WriteTo(mDir.Path("programdata/Comms/Lumbra/workDir/0/log.db"));
+    const auto timed = [](const std::string& name, const std::string& period, const std::string& threshold) {
+        return AlarmRuleXml(name, {AlarmIdXml("7", "7", {TimeXml("duration", period, threshold)})});
+    };
+    const RuleXml rules = Rules().Rule(timed("month", "month", "5")).Rule(timed("three", "30", "three"))
+        .Rule(timed("sound", "30", "5"));
+    EXPECT_EQ(DetectOne({Single("month")}, rules), "undecided, incomplete");
+    EXPECT_THAT(Open(), ElementsAre("A month error bad_number"));
+    mObserver->trees.clear();
+    EXPECT_EQ(DetectOne({Single("three")}, rules), "fault");
+    EXPECT_THAT(Open(), ElementsAre("A three error bad_number by default"));
+    mObserver->trees.clear();
+    EXPECT_EQ(DetectOne({Single("sound")}, rules), "no_fault");
+}
+
+TEST_F(VerdictTest, APeriodThatIsNoNumberIsAnErrorOfACommandRuleWithATimeLimit)
+{
+    const auto rules = [](const std::string& period) {
+        return Rules().CommonPart({Xml("thresholdsOrLumbraData").Attr("name", "C").Child(Xml("retrieveLumbraData")
+            .Child(AlarmIdXml("7", "7", {ParamsXml({ParamXml("1", "N", "int")})})))})
+            .Rule(CommandRuleXml("r").Child(Xml("referenceCommonPart").TextChild("commonPartName", "C"))
+                .Child(Xml("queryReturnParam").Child(ParamsXml({ParamXml("n", "n", "int")})))
+                .Child(AnalysisMethodXml("", {Xml("sql").Text("select count(*) from C"),
+                    TimeXml("duration", period, "0"), ConditionXml({SingleLogicXml(Xml("gt").Attr("type", "static")
+                        .TextChild("id", "n").TextChild("value", "5"))})})));
+    };
+    EventLogBuilder().Row({NOW - 5, 7, "", "{\"N\": 1}"}).WriteTo(mDir.Path("programdata/Comms/Lumbra/workDir/0/log.db"));
+    EXPECT_EQ(DetectOne({Single("r")}, rules("month")), "undecided, incomplete");
+    EXPECT_THAT(Open(), ElementsAre("A r error bad_number"));
+    mObserver->trees.clear();
+    EXPECT_EQ(DetectOne({Single("r")}, rules("30")), "no_fault");
+}
+
 TEST_F(VerdictTest, ANameWithoutARuleAndAnEntryWithoutNamesAreNotChecked)
 {
     EXPECT_EQ(DetectOne({Single("nothing")}), "undecided, incomplete");
