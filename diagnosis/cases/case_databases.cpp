@@ -31,10 +31,10 @@ void Bind(Statement& statement, int parameter, const Json::Value& value)
         statement.BindNull(parameter);
     } else if (value.isString()) {
         statement.Bind(parameter, value.asString());
-    } else if (value.isInt64()) {
-        statement.Bind(parameter, std::int64_t{value.asInt64()});
-    } else {
+    } else if (value.type() == Json::realValue) { // 1.0 stays real
         statement.BindReal(parameter, value.asDouble());
+    } else {
+        statement.Bind(parameter, std::int64_t{value.asInt64()});
     }
 }
 

@@ -175,7 +175,8 @@ std::optional<Failure> EventLogWriter::Finish()
 }
 
 std::optional<Failure> ShowEventLog(const std::string& path, bool asSeconds, std::optional<std::int64_t> asOf,
-    const std::function<void(const ShownEvent&)>& show)
+    const std::function<void(const ShownEvent&)>& show,
+    const std::function<bool(std::int64_t event, std::int64_t time)>& wants)
 {
     if (!Exists(path)) {
         return Failure{"no_log", path + ": no such file"};
@@ -193,6 +194,9 @@ std::optional<Failure> ShowEventLog(const std::string& path, bool asSeconds, std
         rows->Bind(1, *asOf);
     }
     while (rows->Step()) {
+        if (wants && !(rows->IsInteger(0) && rows->IsInteger(1) && wants(rows->Integer(1), rows->Integer(0)))) {
+            continue;
+        }
         show({TimeValue(*rows, asSeconds), NumberOrText(*rows, 1), TextOrNull(*rows, 2), ExtraValue(*rows)});
     }
     if (database.HasError()) {

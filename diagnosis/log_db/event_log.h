@@ -60,9 +60,11 @@ struct ShownEvent {
 
 /// Calls `show` for every event of the log at `path`, in the order of their keys; `asSeconds` gives times as numbers.
 /// If "extra" is a JSON object, its text is copied unchanged. Events later than `asOf`, in seconds since the epoch, are
-/// left out.
+/// left out. With `wants`, so are those for whose number and time it returns false, and those whose number or time is no
+/// whole number.
 std::optional<Failure> ShowEventLog(const std::string& path, bool asSeconds, std::optional<std::int64_t> asOf,
-    const std::function<void(const ShownEvent&)>& show);
+    const std::function<void(const ShownEvent&)>& show,
+    const std::function<bool(std::int64_t event, std::int64_t time)>& wants = nullptr);
 
 } // namespace diagnosis
 

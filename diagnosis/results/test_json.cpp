@@ -2,8 +2,8 @@
 
 #include <map>
 
+#include "diagnosis/cases/difference_text.h"
 #include "diagnosis/results/detection_json.h"
-#include "diagnosis/results/difference_text.h"
 #include "diagnosis/text/json_writer.h"
 #include "diagnosis/text/markup.h"
 
@@ -66,7 +66,7 @@ std::string FailureText(const CaseOutcome& outcome)
 {
     std::string text = outcome.failure ? outcome.failure->message + "\n" : "";
     for (const Difference& difference : outcome.differences) {
-        text += DifferenceText(difference, "");
+        text += cases::DifferenceText(difference, "");
     }
     return text;
 }

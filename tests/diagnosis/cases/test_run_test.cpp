@@ -3,13 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "diagnosis/results/difference_text.h"
+#include "diagnosis/cases/difference_text.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 
 namespace {
 
-using diagnosis::DifferenceText;
+using diagnosis::cases::DifferenceText;
 using diagnosis::ExitStatus;
 using diagnosis::cases::CaseOutcome;
 using diagnosis::cases::FirstOtherAnswer;

@@ -22,14 +22,14 @@ DetectionReport RunForDrawing(const BundlePath& bundle, const DrawingOptions& op
     return RunDetection(bundle, detection);
 }
 
-ExitStatus WriteDrawing(const BundlePath& target, const std::string& drawing)
+ExitStatus WriteTextFile(const BundlePath& target, const std::string& text)
 {
     if (target.given.empty()) {
-        PrintResult(drawing);
+        PrintResult(text);
         return ExitStatus::SUCCESS;
     }
     std::ofstream file(target.absolute, std::ios::binary);
-    file << drawing;
+    file << text;
     file.close();
     if (file.good()) {
         return ExitStatus::SUCCESS;

@@ -22,8 +22,8 @@ void AddDrawingOptions(Command app, DrawingOptions& options, const std::string& 
 /// Runs a detection that keeps its trees.
 DetectionReport RunForDrawing(const BundlePath& bundle, const DrawingOptions& options);
 
-/// Writes a drawing to the file `target`, or to standard output if it is empty. Prints an error if it can't.
-ExitStatus WriteDrawing(const BundlePath& target, const std::string& drawing);
+/// Writes a text to the file `target`, or to standard output if it is empty. Prints an error if it can't.
+ExitStatus WriteTextFile(const BundlePath& target, const std::string& text);
 
 } // namespace diagnosis::command
 

@@ -77,7 +77,7 @@ ExitStatus Graph(const GraphOptions& options)
     if (const auto failure = Draw(trees, options.format, drawing)) {
         return Fail(path.given, *failure);
     }
-    return MoreSerious(WriteDrawing(target, drawing), StatusOf(report, options.drawing.run));
+    return MoreSerious(WriteTextFile(target, drawing), StatusOf(report, options.drawing.run));
 }
 
 } // namespace

@@ -20,7 +20,7 @@ ExitStatus Report(DrawingOptions options)
     const DetectionReport report = RunForDrawing(path, options);
     PrintProblems(path.given, report.warnings, report.failure ? &*report.failure : nullptr);
     // A bundle that can't be diagnosed gets a page, too, which says why.
-    const ExitStatus written = WriteDrawing(target, ReportPage(report));
+    const ExitStatus written = WriteTextFile(target, ReportPage(report));
     return MoreSerious(written, StatusOf(report, options.run));
 }
 

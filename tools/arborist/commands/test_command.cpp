@@ -1,10 +1,12 @@
 #include <algorithm>
-#include <fstream>
 #include <memory>
 
+#include "diagnosis/cases/case_file.h"
+#include "diagnosis/cases/recording.h"
 #include "diagnosis/cases/test_run.h"
 #include "diagnosis/results/test_json.h"
 #include "tools/arborist/commands/commands.h"
+#include "tools/arborist/commands/drawing_options.h"
 #include "tools/arborist/commands/shared_options.h"
 #include "tools/arborist/render/test_text.h"
 #include "tools/arborist/terminal/colour.h"
@@ -24,14 +26,11 @@ struct TestCommandOptions {
     bool withCoverage = false;
     /// Percent; nothing is demanded at 0.
     std::size_t coverageThreshold = 0;
+    /// The bundle to record; empty to run cases.
+    std::string recorded;
+    std::string output;
+    CodeRunnerOptions codeRunner;
 };
-
-bool WriteFile(const std::string& path, const std::string& text)
-{
-    std::ofstream file(path, std::ios::binary);
-    file << text;
-    return static_cast<bool>(file.flush());
-}
 
 ExitStatus StatusOf(const cases::TestRun& run, const TestCommandOptions& options)
 {
@@ -65,11 +64,35 @@ ExitStatus Test(const TestCommandOptions& options)
     for (const Failure& failure : run.failures) {
         PrintError(failure.message);
     }
-    if (!options.junit.empty() && !WriteFile(options.junit, TestJunit(run))) {
-        PrintError(options.junit + ": can't be written");
-        return ExitStatus::INTERNAL;
-    }
-    return status;
+    const ExitStatus written =
+        options.junit.empty() ? ExitStatus::SUCCESS : WriteTextFile(MakeBundlePath(options.junit), TestJunit(run));
+    return MoreSerious(status, written);
+}
+
+ExitStatus Record(const TestCommandOptions& options)
+{
+    cases::RecordOptions record;
+    record.overrides = options.overrides;
+    record.codeRunner = MakeCodeRunner(options.codeRunner);
+    record.target = options.output;
+    const cases::Recording recording = cases::RecordCase(MakeBundlePath(options.recorded), record);
+    PrintProblems(options.recorded, recording.warnings, recording.failure ? &*recording.failure : nullptr);
+    return recording.failure ? recording.failure->status
+                             : WriteTextFile(MakeBundlePath(options.output), recording.text);
+}
+
+void AddRecording(Command app, TestCommandOptions& options)
+{
+    const Option record = app.Add("--record", options.recorded, "Diagnose this bundle, and write a case that answers as "
+        "it does, to be reviewed").Takes("BUNDLE").NotEmpty();
+    app.Add("--output", options.output, "File for the recorded case, whose name ends in .test.json; standard output "
+        "unless given").Takes("FILE").Needs(record).Check([](const std::string& path) {
+            const std::string end = cases::CASE_FILE_END;
+            const bool hasEnd = path.size() > end.size() && path.compare(path.size() - end.size(), end.size(), end) == 0;
+            return hasEnd ? "" : "does not end in " + end + ": " + path;
+        });
+    AddOverrides(app, options.overrides);
+    AddCodeRunnerOptions(app, options.codeRunner);
 }
 
 } // namespace
@@ -77,7 +100,7 @@ ExitStatus Test(const TestCommandOptions& options)
 void AddTestCommand(Command app, ExitStatus& status)
 {
     auto options = std::make_shared<TestCommandOptions>();
-    Command test = app.AddCommand("test", "Run the tests of rule sets: cases in *.test.json files");
+    Command test = app.AddCommand("test", "Run the tests of rule sets, cases in *.test.json files, or record a case");
     test.Add("PATH", options->paths, "Case files, and folders that have some at any depth");
     test.Add("--filter", options->filter, "Run only cases whose name contains this text").Takes("TEXT");
     AddRules(test, options->overrides);
@@ -87,14 +110,23 @@ void AddTestCommand(Command app, ExitStatus& status)
     test.AddFlag("--coverage", options->withCoverage, "Tell what of the rule sets no case has shown, with file and line");
     test.Add("--coverage-threshold", options->coverageThreshold, "The same, and fail if less of the outcomes of a rule "
         "set is covered").Takes("PERCENT").Within(std::size_t{1}, std::size_t{100});
+    AddRecording(test, *options);
     test.Footer("Exits with 1 if a case fails or there is none.\n"
                  "Examples:\n  arborist test examples\n"
-                 "  arborist test examples/laptop/rules --filter battery --junit tests.xml");
+                 "  arborist test examples/laptop/rules --filter battery --junit tests.xml\n"
+                 "  arborist test --record examples/laptop --output laptop.test.json");
     test.OnCall([options, &status] {
-        if (options->paths.empty()) {
+        if (!options->recorded.empty() && !options->paths.empty()) {
+            FailExcluded("--record", "PATH");
+        }
+        const BundleOverrides& given = options->overrides;
+        if (options->recorded.empty() && (given.isLive || !(given.now + given.asOf + given.tz).empty())) {
+            FailMissing("--record");
+        }
+        if (options->recorded.empty() && options->paths.empty()) {
             FailMissing("PATH");
         }
-        status = Test(*options);
+        status = options->recorded.empty() ? Test(*options) : Record(*options);
     });
 }
 

@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "diagnosis/results/difference_text.h"
+#include "diagnosis/cases/difference_text.h"
 #include "diagnosis/text/printable.h"
 #include "tools/arborist/terminal/colour.h"
 
@@ -42,7 +42,7 @@ std::string CaseText(const cases::CaseOutcome& outcome, bool isColoured)
         text += "  " + Printable(outcome.failure->message) + "\n";
     }
     for (const cases::Difference& difference : outcome.differences) {
-        text += DifferenceText(difference, "  ");
+        text += cases::DifferenceText(difference, "  ");
     }
     return text;
 }

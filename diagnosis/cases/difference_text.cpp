@@ -1,19 +1,19 @@
-#include "diagnosis/results/difference_text.h"
+#include "diagnosis/cases/difference_text.h"
 
 #include "diagnosis/text/printable.h"
 
-namespace diagnosis {
+namespace diagnosis::cases {
 
 namespace {
 
-std::string EntryText(const std::string& start, const cases::Difference::Entry& entry)
+std::string EntryText(const std::string& start, const Difference::Entry& entry)
 {
     return start + Shown(entry.text) + (entry.note.empty() ? "" : "  (" + Printable(entry.note) + ")") + "\n";
 }
 
 } // namespace
 
-std::string DifferenceText(const cases::Difference& difference, const std::string& indent)
+std::string DifferenceText(const Difference& difference, const std::string& indent)
 {
     std::string text = indent + Printable(difference.subject) + "\n";
     for (const auto& entry : difference.missing) {
@@ -25,4 +25,4 @@ std::string DifferenceText(const cases::Difference& difference, const std::strin
     return text;
 }
 
-} // namespace diagnosis
+} // namespace diagnosis::cases
