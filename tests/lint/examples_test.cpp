@@ -7,22 +7,21 @@ namespace {
 
 using diagnosis::lint::LintFolder;
 
-std::vector<std::string> ErrorsIn(const std::string& folder)
+std::vector<std::string> FindingsIn(const std::string& folder)
 {
     std::vector<std::string> found;
     for (const auto& finding : LintFolder(folder, {}).findings) {
-        if (finding.check->severity == diagnosis::lint::Severity::ERROR) {
-            found.push_back(
-                finding.file + ":" + std::to_string(finding.line) + ": " + finding.check->id + " " + finding.message);
-        }
+        found.push_back(
+            finding.file + ":" + std::to_string(finding.line) + ": " + finding.check->id + " " + finding.message);
     }
     return found;
 }
 
-TEST(LintOfExamples, FindsNothingThatCannotWork)
+// Comments in the files suppress, with a reason, what is meant.
+TEST(LintOfExamples, FindsNothing)
 {
-    EXPECT_THAT(ErrorsIn(ARBORIST_SOURCE_DIR "/examples/laptop/rules"), testing::IsEmpty());
-    EXPECT_THAT(ErrorsIn(ARBORIST_SOURCE_DIR "/examples/linux-host/rules"), testing::IsEmpty());
+    EXPECT_THAT(FindingsIn(ARBORIST_SOURCE_DIR "/examples/laptop/rules"), testing::IsEmpty());
+    EXPECT_THAT(FindingsIn(ARBORIST_SOURCE_DIR "/examples/linux-host/rules"), testing::IsEmpty());
 }
 
 } // namespace

@@ -18,6 +18,7 @@ from pathlib import Path
 
 ARBORIST = Path(sys.argv[1]).resolve()
 DATA = Path(sys.argv[2])
+BASELINE = Path(__file__).with_name("lint-baseline.txt")
 SKIPPED = 77
 
 FIRED = re.compile(r"check error true ([^:]*):")
@@ -90,6 +91,20 @@ class LinuxDataTest(unittest.TestCase):
             for name, scenario in EXPECTED["scenarios"].items():
                 with self.subTest(scenario=name, now=now):
                     self.check(scenario, now)
+
+    def test_lint_finds_what_the_baseline_gives_reasons_for_and_no_more(self):
+        with tempfile.TemporaryDirectory() as name:
+            folder = Path(name)
+            (folder / "rules").mkdir()
+            for file in ("FaultTrees.xml", "FaultTreeRules.xml"):
+                (folder / "rules" / file).write_bytes((DATA / file).read_bytes())
+            baseline = folder / "lint-baseline.txt"
+            baseline.write_bytes(BASELINE.read_bytes())
+            run = subprocess.run([ARBORIST, "lint", "rules", "--baseline", baseline, "--fail-level", "info"], cwd=folder,
+                                 capture_output=True, text=True, check=False)
+        known = [line for line in BASELINE.read_text().splitlines() if not line.startswith("#")]
+        number = sum(int(line.rpartition("\t")[2]) for line in known)
+        self.assertEqual((run.stdout, run.returncode), (f"no findings, {number} in the baseline\n", 0))
 
 
 if __name__ == "__main__":

@@ -171,6 +171,9 @@ TEST_F(LintCommand, LeavesOutAndPicksChecks)
     EXPECT_EQ(Lint({"rules", "--disable", "A401"}).status, 0);
     EXPECT_EQ(Lint({"rules", "--disable", "A303,A401"}).status, 0);
     EXPECT_EQ(Lint({"rules", "--only", "A303"}).status, 0);
+    // An option takes one value, and leaves the arguments behind it alone.
+    EXPECT_EQ(Lint({"--disable", "A303,A401", "rules"}).status, 0);
+    EXPECT_EQ(Lint({"--disable", "A303", "--disable", "A401", "--tag", "Laptop", "rules"}).status, 0);
     const auto unknown = Lint({"rules", "--only", "A40"});
     EXPECT_EQ(unknown.status, 2);
     EXPECT_EQ(unknown.err, "arborist: no such check: A40; did you mean \"A401\"?\n");

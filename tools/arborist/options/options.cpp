@@ -86,7 +86,9 @@ Option Command::Add(const std::string& name, std::string& value, const std::stri
 
 Option Command::Add(const std::string& name, std::vector<std::string>& values, const std::string& description)
 {
-    return Option(*mApp->add_option(name, values, description));
+    CLI::Option* const option = mApp->add_option(name, values, description);
+    // Otherwise an option would take the arguments behind its value as more values.
+    return Option(*option->allow_extra_args(option->get_positional()));
 }
 
 Option Command::Add(const std::string& name, std::size_t& value, const std::string& description)
