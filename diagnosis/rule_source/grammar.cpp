@@ -18,7 +18,7 @@ constexpr Words TEXT{};
 // ---- What several parts share. ----
 
 constexpr Names PARAM_ATTRIBUTES = {"id", "key", "type"};
-constexpr Words PARAM{.attributes = PARAM_ATTRIBUTES};
+constexpr Words PARAM{.attributes = PARAM_ATTRIBUTES, .neededAttributes = PARAM_ATTRIBUTES};
 constexpr Kids PARAMS_KIDS = {{"param", &PARAM, ALL}};
 constexpr Words PARAMS{.children = PARAMS_KIDS};
 constexpr Kids PARAM_BLOCKS_KIDS = {{"params", &PARAMS, ALL}};
@@ -26,15 +26,20 @@ constexpr Words PARAM_BLOCKS{.children = PARAM_BLOCKS_KIDS};
 
 constexpr Names TYPE_ATTRIBUTE = {"type"};
 constexpr Names ID_ATTRIBUTE = {"id"};
+constexpr Names ID_CHILD = {"ID"};
 
 constexpr Kids TEST_KIDS = {{"id", &TEXT, FIRST}, {"value", &TEXT, FIRST}, {"commonPartParamId", &TEXT, FIRST}};
-constexpr Words TEST{.attributes = TYPE_ATTRIBUTE, .children = TEST_KIDS};
+// A test names its parameter in a child with the word that is an attribute elsewhere.
+constexpr Words TEST{.attributes = TYPE_ATTRIBUTE, .children = TEST_KIDS, .neededChildren = ID_ATTRIBUTE};
 constexpr Kids TESTS_KIDS = {{"eq", &TEST, ALL}, {"gt", &TEST, ALL}, {"lt", &TEST, ALL}, {"ge", &TEST, ALL},
     {"le", &TEST, ALL}, {"ne", &TEST, ALL}, {"in", &TEST, ALL}};
 constexpr Words TESTS{.children = TESTS_KIDS};
 constexpr Kids ALTERNATIVE_KIDS = {{"and", &TESTS, FIRST}, {"eq", &TEST, ALL}, {"gt", &TEST, ALL}, {"lt", &TEST, ALL},
     {"ge", &TEST, ALL}, {"le", &TEST, ALL}, {"ne", &TEST, ALL}, {"in", &TEST, ALL}};
-constexpr Words ALTERNATIVE{.attributes = TYPE_ATTRIBUTE, .children = ALTERNATIVE_KIDS};
+constexpr Names LOGIC_TYPES = {"single_logic", "multiple_logic"};
+constexpr AttributeValues ALTERNATIVE_VALUES[] = {{"type", LOGIC_TYPES}};
+constexpr Words ALTERNATIVE{.attributes = TYPE_ATTRIBUTE, .children = ALTERNATIVE_KIDS,
+    .neededAttributes = TYPE_ATTRIBUTE, .values = ALTERNATIVE_VALUES};
 constexpr Kids CONDITION_KIDS = {{"or", &ALTERNATIVE, ALL}};
 constexpr Words CONDITION{.children = CONDITION_KIDS};
 
@@ -45,19 +50,21 @@ constexpr Words TIME{.attributes = TIME_ATTRIBUTES};
 
 constexpr Kids EVENT_KIDS = {{"ID", &TEXT, FIRST}, {"Name", &TEXT, FIRST}, {"Value", &TEXT, FIRST},
     {"UserDefined", &TEXT, FIRST}, {"DetectMode", &TEXT, FIRST}};
-constexpr Words LEAF_EVENT{.children = EVENT_KIDS};
+constexpr Words LEAF_EVENT{.children = EVENT_KIDS, .neededChildren = ID_CHILD};
 
 extern const Words GATE;
 constexpr Kids INTERMEDIATE_KIDS = {{"ID", &TEXT, FIRST}, {"Name", &TEXT, FIRST}, {"Value", &TEXT, FIRST},
     {"UserDefined", &TEXT, FIRST}, {"DetectMode", &TEXT, FIRST}, {"Or-Gate", &GATE, FIRST}, {"And-Gate", &GATE, FIRST}};
-constexpr Words INTERMEDIATE{.children = INTERMEDIATE_KIDS};
+constexpr Words INTERMEDIATE{.children = INTERMEDIATE_KIDS, .neededChildren = ID_CHILD};
 constexpr Kids GATE_KIDS = {{"Intermediate-Event", &INTERMEDIATE, ALL}, {"Basic-Event", &LEAF_EVENT, ALL}};
 // Any other name is an undeveloped event.
 constexpr Words GATE{.children = GATE_KIDS, .others = &LEAF_EVENT};
 
 constexpr Names TREE_ATTRIBUTES = {"id", "version", "type"};
 constexpr Kids TREE_KIDS = {{"Intermediate-Event", &INTERMEDIATE, ALL}};
-constexpr Words TREE{.attributes = TREE_ATTRIBUTES, .children = TREE_KIDS};
+constexpr Names TOP_EVENT = {"Intermediate-Event"};
+constexpr Words TREE{.attributes = TREE_ATTRIBUTES, .children = TREE_KIDS, .neededAttributes = TREE_ATTRIBUTES,
+    .neededChildren = TOP_EVENT};
 constexpr Words TREE_TAG{.others = &TREE};
 
 // ---- Event rules. ----
@@ -67,9 +74,12 @@ constexpr Words RULE_NAME{.children = RULE_NAME_KIDS};
 constexpr Kids GROUP_KIDS = {{"Rule", &RULE_NAME, ALL}};
 constexpr Words GROUP{.children = GROUP_KIDS};
 constexpr Kids BINDING_ALTERNATIVE_KIDS = {{"Rule", &RULE_NAME, ALL}, {"and", &GROUP, FIRST}};
-constexpr Words BINDING_ALTERNATIVE{.attributes = TYPE_ATTRIBUTE, .children = BINDING_ALTERNATIVE_KIDS};
+constexpr Names RULE_COUNTS = {"singleRule", "multipleRule"};
+constexpr AttributeValues BINDING_ALTERNATIVE_VALUES[] = {{"type", RULE_COUNTS}};
+constexpr Words BINDING_ALTERNATIVE{.attributes = TYPE_ATTRIBUTE, .children = BINDING_ALTERNATIVE_KIDS,
+    .neededAttributes = TYPE_ATTRIBUTE, .values = BINDING_ALTERNATIVE_VALUES};
 constexpr Kids BINDING_KIDS = {{"ID", &TEXT, FIRST}, {"or", &BINDING_ALTERNATIVE, ALL}};
-constexpr Words BINDING{.children = BINDING_KIDS};
+constexpr Words BINDING{.children = BINDING_KIDS, .neededChildren = ID_CHILD};
 constexpr Kids BINDINGS_KIDS = {{"Event", &BINDING, ALL}};
 constexpr Words BINDINGS{.children = BINDINGS_KIDS};
 
@@ -78,15 +88,22 @@ constexpr Words BINDINGS{.children = BINDINGS_KIDS};
 constexpr Names RULE_ATTRIBUTES = {
     "name", "type", "platform", "production", "blackProducts", "detectScene", "deviceType"};
 
+constexpr Names NAME_ATTRIBUTE = {"name"};
+constexpr Names WINDOW_TYPES = {"duration", "daily_peak", "latest"};
+constexpr AttributeValues WINDOW_VALUES[] = {{"type", WINDOW_TYPES}};
+constexpr Words WINDOW{.attributes = TIME_ATTRIBUTES, .neededAttributes = TYPE_ATTRIBUTE, .values = WINDOW_VALUES};
 constexpr Names ALARM_ID_ATTRIBUTES = {"type", "Eventid_Min", "Eventid_Max", "BeginFlag"};
-constexpr Kids ALARM_ID_KIDS = {{"time", &TIME, ALL}, {"params", &PARAMS, FIRST}, {"condition", &CONDITION, FIRST}};
+constexpr Kids ALARM_ID_KIDS = {{"time", &WINDOW, ALL}, {"params", &PARAMS, FIRST}, {"condition", &CONDITION, FIRST}};
 constexpr Words ALARM_ID{.attributes = ALARM_ID_ATTRIBUTES, .children = ALARM_ID_KIDS};
 constexpr Kids ALARM_RULE_KIDS = {{"alarmId", &ALARM_ID, ALL}};
-constexpr Words ALARM_RULE{.attributes = RULE_ATTRIBUTES, .children = ALARM_RULE_KIDS};
+constexpr Words ALARM_RULE{.attributes = RULE_ATTRIBUTES, .children = ALARM_RULE_KIDS,
+    .neededAttributes = NAME_ATTRIBUTE};
 
 constexpr Words DETECT_INFO{.attributes = ID_ATTRIBUTE};
 constexpr Kids CODE_RULE_KIDS = {{"detectInfo", &DETECT_INFO, FIRST}, {"userDefinedInfo", &TEXT, FIRST}};
-constexpr Words CODE_RULE{.attributes = RULE_ATTRIBUTES, .children = CODE_RULE_KIDS};
+constexpr Names DETECT_INFO_CHILD = {"detectInfo"};
+constexpr Words CODE_RULE{.attributes = RULE_ATTRIBUTES, .children = CODE_RULE_KIDS,
+    .neededAttributes = NAME_ATTRIBUTE, .neededChildren = DETECT_INFO_CHILD};
 
 constexpr Kids REFERENCE_KIDS = {{"commonPartDomain", &TEXT, FIRST}, {"commonPartName", &TEXT, FIRST}};
 constexpr Words REFERENCE{.children = REFERENCE_KIDS};
@@ -94,7 +111,7 @@ constexpr Kids DATABASE_KIDS = {{"defDBDomain", &TEXT, FIRST}, {"defDBName", &TE
 constexpr Words DATABASE{.attributes = TYPE_ATTRIBUTE, .children = DATABASE_KIDS};
 constexpr Names VALUE_ATTRIBUTE = {"value"};
 constexpr Words BEGIN_FLAG{.attributes = VALUE_ATTRIBUTE};
-constexpr Words PROPERTY{.attributes = ID_ATTRIBUTE};
+constexpr Words PROPERTY{.attributes = ID_ATTRIBUTE, .neededAttributes = ID_ATTRIBUTE};
 constexpr Kids NORMALIZATION_PARAM_KIDS = {{"defineNormalizationProp", &PROPERTY, ALL}};
 constexpr Words NORMALIZATION_PARAM{.children = NORMALIZATION_PARAM_KIDS};
 constexpr Kids TIME_PARAM_KIDS = {{"defineTimeProp", &PROPERTY, ALL}};
@@ -111,7 +128,8 @@ constexpr Kids ANALYSIS_KIDS = {{"SQL_Condition", &SQL_CONDITION, FIRST}};
 constexpr Words ANALYSIS{.attributes = TYPE_ATTRIBUTE, .children = ANALYSIS_KIDS};
 constexpr Kids COMMAND_RULE_KIDS = {{"referenceCommonPart", &REFERENCE, FIRST}, {"referenceDefDB", &DATABASE, FIRST},
     {"queryReturnParam", &PARAM_BLOCKS, FIRST}, {"AnalysisMethod", &ANALYSIS, FIRST}};
-constexpr Words COMMAND_RULE{.attributes = RULE_ATTRIBUTES, .children = COMMAND_RULE_KIDS};
+constexpr Words COMMAND_RULE{.attributes = RULE_ATTRIBUTES, .children = COMMAND_RULE_KIDS,
+    .neededAttributes = NAME_ATTRIBUTE};
 
 constexpr Names NODE_INFO_ATTRIBUTES = {"type", "path", "param"};
 constexpr Words NODE_INFO{.attributes = NODE_INFO_ATTRIBUTES};
@@ -119,7 +137,8 @@ constexpr Names EXPRESSION_ATTRIBUTES = {"type", "ret", "express"};
 constexpr Words EXPRESSION{.attributes = EXPRESSION_ATTRIBUTES};
 constexpr Kids NODE_RULE_KIDS = {{"nodeInfo", &NODE_INFO, ALL}, {"params", &PARAMS, FIRST},
     {"logicExpression", &EXPRESSION, FIRST}, {"condition", &CONDITION, FIRST}};
-constexpr Words NODE_RULE{.attributes = RULE_ATTRIBUTES, .children = NODE_RULE_KIDS};
+constexpr Words NODE_RULE{.attributes = RULE_ATTRIBUTES, .children = NODE_RULE_KIDS,
+    .neededAttributes = NAME_ATTRIBUTE};
 
 constexpr Kids RULE_KIDS = {{"alarmRule", &ALARM_RULE, ALL}, {"commandRule", &COMMAND_RULE, ALL},
     {"codeRule", &CODE_RULE, ALL}, {"nodeRule", &NODE_RULE, ALL}};
@@ -130,24 +149,24 @@ constexpr Words RULES{.children = RULES_KIDS};
 // ---- Descriptions. ----
 
 constexpr Names ENTRY_ATTRIBUTES = {"id", "extra"};
-constexpr Words ENTRY{.attributes = ENTRY_ATTRIBUTES};
+constexpr Words ENTRY{.attributes = ENTRY_ATTRIBUTES, .neededAttributes = ID_ATTRIBUTE};
 
 constexpr Kids FAULTS_KIDS = {{"description", &ENTRY, ALL}};
 constexpr Words FAULTS{.children = FAULTS_KIDS};
 constexpr Kids FAULT_ITEM_KIDS = {{"ID", &TEXT, FIRST}, {"FaultDescriptions", &FAULTS, FIRST}};
-constexpr Words FAULT_ITEM{.children = FAULT_ITEM_KIDS};
+constexpr Words FAULT_ITEM{.children = FAULT_ITEM_KIDS, .neededChildren = ID_CHILD};
 constexpr Kids FAULT_ITEMS_KIDS = {{"Event", &FAULT_ITEM, ALL}};
 constexpr Words FAULT_ITEMS{.children = FAULT_ITEMS_KIDS};
 
 constexpr Kids SOLUTIONS_KIDS = {{"solution", &PROPERTY, ALL}};
 constexpr Words SOLUTIONS{.children = SOLUTIONS_KIDS};
 constexpr Kids SOLUTION_ITEM_KIDS = {{"ID", &TEXT, FIRST}, {"Solutions", &SOLUTIONS, FIRST}};
-constexpr Words SOLUTION_ITEM{.children = SOLUTION_ITEM_KIDS};
+constexpr Words SOLUTION_ITEM{.children = SOLUTION_ITEM_KIDS, .neededChildren = ID_CHILD};
 constexpr Kids SOLUTION_ITEMS_KIDS = {{"Event", &SOLUTION_ITEM, ALL}};
 constexpr Words SOLUTION_ITEMS{.children = SOLUTION_ITEMS_KIDS};
 
 constexpr Kids REPAIR_ITEM_KIDS = {{"ID", &TEXT, FIRST}, {"Descriptions", &FAULTS, FIRST}};
-constexpr Words REPAIR_ITEM{.children = REPAIR_ITEM_KIDS};
+constexpr Words REPAIR_ITEM{.children = REPAIR_ITEM_KIDS, .neededChildren = ID_CHILD};
 constexpr Kids REPAIR_ITEMS_KIDS = {{"Event", &REPAIR_ITEM, ALL}};
 constexpr Words REPAIR_ITEMS{.children = REPAIR_ITEMS_KIDS};
 
@@ -157,14 +176,15 @@ constexpr Kids SET_KIDS = {{"value", &TEXT, ALL}};
 // Every element after the first value counts as a value, whatever its name.
 constexpr Words SET{.children = SET_KIDS, .others = &TEXT};
 constexpr Kids LIMIT_TEST_KIDS = {{"id", &TEXT, FIRST}, {"value", &TEXT, FIRST}, {"set", &SET, FIRST}};
-constexpr Words LIMIT_TEST{.children = LIMIT_TEST_KIDS};
+constexpr Words LIMIT_TEST{.children = LIMIT_TEST_KIDS, .neededChildren = ID_ATTRIBUTE};
 constexpr Kids LIMIT_TESTS_KIDS = {{"eq", &LIMIT_TEST, ALL}, {"gt", &LIMIT_TEST, ALL}, {"lt", &LIMIT_TEST, ALL},
     {"ge", &LIMIT_TEST, ALL}, {"le", &LIMIT_TEST, ALL}, {"ne", &LIMIT_TEST, ALL}, {"in", &LIMIT_TEST, ALL}};
-constexpr Words LIMIT_TESTS{.attributes = TYPE_ATTRIBUTE, .children = LIMIT_TESTS_KIDS};
+constexpr Words LIMIT_TESTS{
+    .attributes = TYPE_ATTRIBUTE, .children = LIMIT_TESTS_KIDS, .neededAttributes = TYPE_ATTRIBUTE};
 constexpr Kids LIMIT_CONDITION_KIDS = {{"or", &LIMIT_TESTS, ALL}};
 constexpr Words LIMIT_CONDITION{.children = LIMIT_CONDITION_KIDS};
 constexpr Names THRESHOLD_ATTRIBUTES = {"id", "value"};
-constexpr Words THRESHOLD{.attributes = THRESHOLD_ATTRIBUTES};
+constexpr Words THRESHOLD{.attributes = THRESHOLD_ATTRIBUTES, .neededAttributes = THRESHOLD_ATTRIBUTES};
 constexpr Kids THRESHOLDS_KIDS = {{"threshold", &THRESHOLD, ALL}};
 constexpr Words THRESHOLDS{.children = THRESHOLDS_KIDS};
 constexpr Kids THRESHOLD_ITEM_KIDS = {{"condition", &LIMIT_CONDITION, FIRST}, {"thresholds", &THRESHOLDS, FIRST}};
@@ -185,14 +205,14 @@ constexpr Kids DECOMPRESSION_KIDS = {{"type", &TEXT, ALL}};
 constexpr Words DECOMPRESSION{.children = DECOMPRESSION_KIDS};
 constexpr Names DB_PATH_ATTRIBUTES = {"decompression", "type", "value"};
 constexpr Kids DB_PATH_KIDS = {{"decompressionType", &DECOMPRESSION, FIRST}};
-constexpr Words DB_PATH{.attributes = DB_PATH_ATTRIBUTES, .children = DB_PATH_KIDS};
+constexpr Words DB_PATH{
+    .attributes = DB_PATH_ATTRIBUTES, .children = DB_PATH_KIDS, .neededAttributes = DB_PATH_ATTRIBUTES};
 constexpr Kids DB_PATHS_KIDS = {{"dbPath", &DB_PATH, ALL}};
 constexpr Words DB_PATHS{.children = DB_PATHS_KIDS};
-constexpr Names NAME_ATTRIBUTE = {"name"};
 constexpr Words DB_NAME{.attributes = NAME_ATTRIBUTE};
 constexpr Names TABLE_ATTRIBUTES = {"tableName"};
 constexpr Kids TABLE_KIDS = {{"sql", &TEXT, FIRST}};
-constexpr Words TABLE{.attributes = TABLE_ATTRIBUTES, .children = TABLE_KIDS};
+constexpr Words TABLE{.attributes = TABLE_ATTRIBUTES, .children = TABLE_KIDS, .neededAttributes = TABLE_ATTRIBUTES};
 constexpr Kids TABLES_KIDS = {{"createNewTable", &TABLE, ALL}};
 constexpr Words TABLES{.children = TABLES_KIDS};
 constexpr Kids TABLE_BEAN_KIDS = {
@@ -218,6 +238,11 @@ bool IsSame(std::string_view one, std::string_view other)
     return one.size() == other.size() && one[0] == other[0] && one == other;
 }
 
+bool Holds(std::span<const std::string_view> names, std::string_view name)
+{
+    return std::any_of(names.begin(), names.end(), [name](std::string_view word) { return IsSame(name, word); });
+}
+
 } // namespace
 
 const ChildWord* ElementWords::FindChild(std::string_view name) const
@@ -229,7 +254,27 @@ const ChildWord* ElementWords::FindChild(std::string_view name) const
 
 bool ElementWords::HasAttribute(std::string_view name) const
 {
-    return std::any_of(attributes.begin(), attributes.end(), [name](std::string_view word) { return IsSame(name, word); });
+    return Holds(attributes, name);
+}
+
+bool ElementWords::NeedsAttribute(std::string_view name) const
+{
+    return Holds(neededAttributes, name);
+}
+
+bool ElementWords::NeedsChild(std::string_view name) const
+{
+    return Holds(neededChildren, name);
+}
+
+std::span<const std::string_view> ElementWords::ValuesOf(std::string_view attribute) const
+{
+    for (const AttributeValues& known : values) {
+        if (known.attribute == attribute) {
+            return known.values;
+        }
+    }
+    return {};
 }
 
 const ElementWords& WordsOfTreeTag()

@@ -19,6 +19,12 @@ struct ChildWord {
     bool isSingle;
 };
 
+/// An attribute that means something for a few values only.
+struct AttributeValues {
+    std::string_view attribute;
+    std::span<const std::string_view> values;
+};
+
 /// The words that are read in an element of one kind.
 struct ElementWords {
     /// Its attributes.
@@ -26,9 +32,17 @@ struct ElementWords {
     std::span<const ChildWord> children = {};
     /// For children of any other name; null if they are not allowed.
     const ElementWords* others = nullptr;
+    /// Attributes and children without which the element, or nearly all that it says, is skipped.
+    std::span<const std::string_view> neededAttributes = {};
+    std::span<const std::string_view> neededChildren = {};
+    std::span<const AttributeValues> values = {};
 
     const ChildWord* FindChild(std::string_view name) const;
     bool HasAttribute(std::string_view name) const;
+    bool NeedsAttribute(std::string_view name) const;
+    bool NeedsChild(std::string_view name) const;
+    /// The values of an attribute that mean something; empty if any does.
+    std::span<const std::string_view> ValuesOf(std::string_view attribute) const;
 };
 
 /// The words below an element of the tag in the tree file.

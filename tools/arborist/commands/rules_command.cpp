@@ -4,6 +4,7 @@
 #include "diagnosis/results/rule_set_json.h"
 #include "diagnosis/rule_set/inventory.h"
 #include "diagnosis/rule_set/read_rule_set.h"
+#include "diagnosis/rule_set/schema.h"
 #include "diagnosis/text/near_match.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/render/rule_set_text.h"
@@ -138,6 +139,29 @@ ExitStatus Reach(const RulesOptions& options)
     return ExitStatus::SUCCESS;
 }
 
+struct SchemaOptions {
+    Selection selection;
+    /// "trees" or "rules", for RELAX NG; empty for XML Schema.
+    std::string relaxNg;
+};
+
+ExitStatus Schema(const SchemaOptions& options)
+{
+    if (!options.relaxNg.empty()) {
+        PrintResult(rule_set::RelaxNgOf(
+            options.relaxNg == "trees" ? rule_set::RuleFileKind::TREES : rule_set::RuleFileKind::RULES));
+        return ExitStatus::SUCCESS;
+    }
+    ReadRuleSet rules;
+    if (!options.selection.folder.empty()) {
+        if (const auto failure = ReadInto(options.selection, rules)) {
+            return Fail(*failure);
+        }
+    }
+    PrintResult(rule_set::XmlSchemaOf(rules.files, options.selection.tag));
+    return ExitStatus::SUCCESS;
+}
+
 using Run = ExitStatus (*)(const RulesOptions& options);
 
 /// Adds a command without its own options and arguments.
@@ -212,6 +236,26 @@ void AddReachCommand(Command rules, ExitStatus& status)
     reach.Footer("Example:\n  arborist rules reach examples/laptop/rules --device examples/laptop/bundle.json");
 }
 
+void AddSchemaCommand(Command rules, ExitStatus& status)
+{
+    auto options = std::make_shared<SchemaOptions>();
+    Command schema = rules.AddCommand("schema", "Print a schema of the rule files for editors and validators");
+    schema.Add("RULES_DIR", options->selection.folder, "Take names that may be any from this rule set");
+    schema.Add("--prefix", options->selection.prefix, "The files are named with this and \"_\" in front").Takes("PREFIX");
+    const Option tag = schema.Add("--tag", options->selection.tag, "An XML Schema of both files for this tag")
+        .Takes("TAG").NotEmpty();
+    schema.Add("--relax-ng", options->relaxNg, "A RELAX NG schema of one file for all tags")
+        .Takes("FILE").OneOf({"trees", "rules"}).Excludes(tag);
+    schema.Footer("Examples:\n  arborist rules schema --tag Laptop examples/laptop/rules > laptop.xsd\n"
+                  "  arborist rules schema --relax-ng trees > trees.rng");
+    schema.OnCall([options, &status] {
+        if (options->selection.tag.empty() && options->relaxNg.empty()) {
+            FailMissing("--tag");
+        }
+        status = Schema(*options);
+    });
+}
+
 } // namespace
 
 void AddRulesCommand(Command app, ExitStatus& status)
@@ -224,6 +268,7 @@ void AddRulesCommand(Command app, ExitStatus& status)
     AddStatsCommand(rules, status);
     AddDiffCommand(rules, status);
     AddReachCommand(rules, status);
+    AddSchemaCommand(rules, status);
 }
 
 } // namespace diagnosis::command
