@@ -94,6 +94,33 @@ TEST_F(RulesCommand, TellsWhatADeviceCanReport)
     EXPECT_EQ(Rules({"reach", "a"}).status, 2);
 }
 
+TEST_F(RulesCommand, MakesARuleSetThatPassesAllThatLooksAtIt)
+{
+    const auto made = Rules({"new", "heat"});
+    EXPECT_EQ(made.status, 0) << made.err;
+    EXPECT_THAT(made.out, HasSubstr("heat/rules/heat.test.json\n"));
+    EXPECT_EQ(RunArborist({"lint", "heat/rules", "--fail-level", "info"}).out, "no findings\n");
+    EXPECT_EQ(RunArborist({"bundle", "verify", "heat", "--strict"}).status, 0);
+    const auto detected = RunArborist({"detect", "heat", "--strict"});
+    EXPECT_EQ(detected.status, 0) << detected.err;
+    EXPECT_THAT(detected.out, HasSubstr("1. FAN_STUCK"));
+    const auto tested = RunArborist({"test", "heat"});
+    EXPECT_EQ(tested.status, 0) << tested.out;
+    EXPECT_THAT(tested.out, HasSubstr("5 cases: 5 passed"));
+}
+
+TEST_F(RulesCommand, MakesNoRuleSetWhereSomethingIs)
+{
+    mDir.Write("full/note.txt", "");
+    const auto refused = Rules({"new", "full"});
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_EQ(refused.err, "arborist: full: is not empty; nothing was written\n");
+    EXPECT_FALSE(mDir.Has("full/bundle.json"));
+    EXPECT_THAT(Rules({"new", "full/note.txt"}).err, HasSubstr("full/note.txt: can't be created"));
+    mDir.MakeDir("empty");
+    EXPECT_EQ(Rules({"new", "empty"}).status, 0);
+}
+
 TEST_F(RulesCommand, ShowsForeignNamesOnOneLine)
 {
     mDir.Write("a/FaultTrees.xml", TreeXml("Tag").Tree("T", Or({Basic("A\x1b[31m\nB")})).Text());

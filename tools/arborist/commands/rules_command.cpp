@@ -3,9 +3,11 @@
 #include "diagnosis/lint/device_profiles.h"
 #include "diagnosis/results/rule_set_json.h"
 #include "diagnosis/rule_set/inventory.h"
+#include "diagnosis/rule_set/new_rule_set.h"
 #include "diagnosis/rule_set/read_rule_set.h"
 #include "diagnosis/rule_set/schema.h"
 #include "diagnosis/text/near_match.h"
+#include "diagnosis/text/printable.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/render/rule_set_text.h"
 #include "tools/arborist/terminal/colour.h"
@@ -139,6 +141,18 @@ ExitStatus Reach(const RulesOptions& options)
     return ExitStatus::SUCCESS;
 }
 
+ExitStatus New(const std::string& folder)
+{
+    std::vector<std::string> paths;
+    if (const auto failure = rule_set::MakeRuleSet(folder, paths)) {
+        return Fail(*failure);
+    }
+    for (const std::string& path : paths) {
+        PrintResult(Printable(folder + "/" + path) + "\n");
+    }
+    return ExitStatus::SUCCESS;
+}
+
 struct SchemaOptions {
     Selection selection;
     /// "trees" or "rules", for RELAX NG; empty for XML Schema.
@@ -236,6 +250,15 @@ void AddReachCommand(Command rules, ExitStatus& status)
     reach.Footer("Example:\n  arborist rules reach examples/laptop/rules --device examples/laptop/bundle.json");
 }
 
+void AddNewCommand(Command rules, ExitStatus& status)
+{
+    auto folder = std::make_shared<std::string>();
+    Command made = rules.AddCommand("new", "Make a small rule set with its test and a bundle, to start from");
+    made.Add("DIR", *folder, "Folder to make; if there is one, it must be empty").Required().NotEmpty();
+    made.Footer("Example:\n  arborist rules new heat");
+    made.OnCall([folder, &status] { status = New(*folder); });
+}
+
 void AddSchemaCommand(Command rules, ExitStatus& status)
 {
     auto options = std::make_shared<SchemaOptions>();
@@ -269,6 +292,7 @@ void AddRulesCommand(Command app, ExitStatus& status)
     AddDiffCommand(rules, status);
     AddReachCommand(rules, status);
     AddSchemaCommand(rules, status);
+    AddNewCommand(rules, status);
 }
 
 } // namespace diagnosis::command
