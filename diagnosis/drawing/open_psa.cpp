@@ -1,25 +1,14 @@
 #include "diagnosis/drawing/open_psa.h"
 
-#include <cstdio>
 #include <map>
 #include <set>
 
+#include "diagnosis/text/escaped_name.h"
 #include "diagnosis/text/markup.h"
 
 namespace diagnosis {
 
 namespace {
-
-
-bool IsDigit(char letter)
-{
-    return letter >= '0' && letter <= '9';
-}
-
-bool IsLetter(char letter)
-{
-    return (letter >= 'A' && letter <= 'Z') || (letter >= 'a' && letter <= 'z');
-}
 
 std::string LabelText(const std::string& indent, const std::string& label)
 {
@@ -163,25 +152,6 @@ private:
 };
 
 } // namespace
-
-std::string EscapedName(const std::string& id)
-{
-    if (id.empty()) {
-        return "_x_";
-    }
-    std::string name;
-    for (std::size_t i = 0; i < id.size(); ++i) {
-        const bool isPlainLine = id[i] == '_' && !(i + 1 < id.size() && id[i + 1] == 'x');
-        if (IsLetter(id[i]) || isPlainLine || (IsDigit(id[i]) && i > 0)) {
-            name += id[i];
-            continue;
-        }
-        char escape[5];
-        std::snprintf(escape, sizeof escape, "_x%02X", static_cast<unsigned int>(static_cast<unsigned char>(id[i])));
-        name += escape;
-    }
-    return name;
-}
 
 std::string OpenPsa(const std::vector<DrawnTree>& trees)
 {

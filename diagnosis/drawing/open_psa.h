@@ -14,10 +14,6 @@ namespace diagnosis {
 /// Names are the ids if these consist of letters, digits and "_"; see EscapedName for others. Leaves out statuses.
 std::string OpenPsa(const std::vector<DrawnTree>& trees);
 
-/// Converts an id to a name that the format allows; different ids have different names. A byte that is not allowed (or
-/// "_" before "x", or a digit at the front) becomes "_x" and its two hexadecimal digits; the empty id becomes "_x_".
-std::string EscapedName(const std::string& id);
-
 } // namespace diagnosis
 
 #endif

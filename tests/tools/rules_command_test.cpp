@@ -1,3 +1,5 @@
+#include <filesystem>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -119,6 +121,54 @@ TEST_F(RulesCommand, MakesNoRuleSetWhereSomethingIs)
     EXPECT_THAT(Rules({"new", "full/note.txt"}).err, HasSubstr("full/note.txt: can't be created"));
     mDir.MakeDir("empty");
     EXPECT_EQ(Rules({"new", "empty"}).status, 0);
+}
+
+/// Exports the trees of a folder, and imports them into another with the same rule file.
+void ExportAndImport(const std::string& from, const std::string& tag, const std::string& to)
+{
+    const auto exported = RunArborist({"graph", from, "--tree-tag", tag, "--format", "openpsa", "--output", "model.xml"});
+    EXPECT_EQ(exported.status, 0) << exported.err;
+    std::filesystem::create_directory(to);
+    const auto imported = RunArborist({"rules", "import", "model.xml", "--tag", tag, "--output", to});
+    EXPECT_EQ(imported.status, 0) << imported.err;
+    std::filesystem::copy_file(from + "/FaultTreeRules.xml", to + "/FaultTreeRules.xml");
+}
+
+// The exchange format has no versions and types of trees, and of events only ids and names.
+TEST_F(RulesCommand, ImportsWhatGraphExports)
+{
+    const std::string examples = ARBORIST_SOURCE_DIR "/examples/";
+    for (const auto& [example, tag] : {std::pair("laptop", "Laptop"), std::pair("linux-host", "LinuxHost")}) {
+        const std::string once = std::string(example) + "-once";
+        const std::string twice = std::string(example) + "-twice";
+        ExportAndImport(examples + example + "/rules", tag, once);
+        const Json::Value diff = ParsedJson(Rules({"diff", "--json", examples + example + "/rules", once}).out);
+        for (const Json::Value& change : diff["changes"]) {
+            EXPECT_THAT(change["key"].asString(),
+                testing::AnyOf("version of the tree file", "type", "UserDefined", "DetectMode")) << change.toStyledString();
+        }
+        ExportAndImport(once, tag, twice);
+        EXPECT_EQ(Rules({"diff", once, twice}).out, "no differences\n");
+    }
+}
+
+TEST_F(RulesCommand, ImportsToStandardOutputAndTellsWhatItLeavesOut)
+{
+    mDir.Write("model.xml", "<opsa-mef><define-fault-tree name=\"T\"><define-gate name=\"G\"><basic-event name=\"A\"/>"
+        "</define-gate></define-fault-tree><model-data><define-basic-event name=\"A\"><float value=\"0.1\"/>"
+        "</define-basic-event></model-data></opsa-mef>");
+    const auto result = Rules({"import", "model.xml"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, HasSubstr("\n  <Imported>\n    <tree id=\"T\" version=\"1\" type=\"imported\">\n"));
+    EXPECT_EQ(result.err, "arborist: model.xml: the probabilities of 1 definitions are left out: a tree file has none\n");
+    const auto kept = Rules({"import", "model.xml", "--output", "a"});
+    EXPECT_EQ(kept.status, 2);
+    EXPECT_THAT(kept.err, EndsWith("arborist: a/FaultTrees.xml: is there already\n"));
+    mDir.Write("model.xml", "<opsa-mef>\n<x/></opsa-mef>");
+    const auto refused = Rules({"import", "model.xml"});
+    EXPECT_EQ(refused.status, 4);
+    EXPECT_THAT(refused.err, testing::StartsWith("arborist: model.xml:2: \"x\" can't be imported"));
+    EXPECT_EQ(Rules({"import", "model.xml", "--tag", "a b"}).status, 2);
 }
 
 TEST_F(RulesCommand, ShowsForeignNamesOnOneLine)

@@ -11,6 +11,7 @@
 #include "diagnosis/drawing/event_label.h"
 #include "diagnosis/drawing/mermaid.h"
 #include "diagnosis/drawing/open_psa.h"
+#include "diagnosis/text/escaped_name.h"
 
 namespace {
 

@@ -3,12 +3,10 @@
 #include "diagnosis/lint/device_profiles.h"
 #include "diagnosis/results/rule_set_json.h"
 #include "diagnosis/rule_set/inventory.h"
-#include "diagnosis/rule_set/new_rule_set.h"
 #include "diagnosis/rule_set/read_rule_set.h"
-#include "diagnosis/rule_set/schema.h"
 #include "diagnosis/text/near_match.h"
-#include "diagnosis/text/printable.h"
 #include "tools/arborist/commands/commands.h"
+#include "tools/arborist/commands/rules_making.h"
 #include "tools/arborist/render/rule_set_text.h"
 #include "tools/arborist/terminal/colour.h"
 #include "tools/arborist/terminal/output.h"
@@ -29,12 +27,6 @@ struct RulesOptions {
     bool asJson = false;
 };
 
-ExitStatus Fail(const Failure& failure)
-{
-    PrintError(failure.message);
-    return failure.status;
-}
-
 Colour ResultColour()
 {
     return Colour(AreResultsColoured());
@@ -44,7 +36,7 @@ ExitStatus List(const RulesOptions& options)
 {
     ReadRuleSet rules;
     if (const auto failure = ReadInto(options.selection, rules)) {
-        return Fail(*failure);
+        return FailureStatus(*failure);
     }
     PrintResult(options.asJson ? InventoryJson(rules) + "\n" : InventoryText(rules, ResultColour()));
     return ExitStatus::SUCCESS;
@@ -54,7 +46,7 @@ ExitStatus Stats(const RulesOptions& options)
 {
     ReadRuleSet rules;
     if (const auto failure = ReadInto(options.selection, rules)) {
-        return Fail(*failure);
+        return FailureStatus(*failure);
     }
     PrintResult(options.asJson ? CountsJson(rules) + "\n" : CountsText(rules, ResultColour()));
     return ExitStatus::SUCCESS;
@@ -75,7 +67,7 @@ ExitStatus Show(const RulesOptions& options)
 {
     ReadRuleSet rules;
     if (const auto failure = ReadInto(options.selection, rules)) {
-        return Fail(*failure);
+        return FailureStatus(*failure);
     }
     std::string text;
     for (const auto& tag : rules.tags) {
@@ -101,7 +93,7 @@ ExitStatus Diff(const RulesOptions& options)
     other.folder = options.other;
     for (const auto& failure : {ReadInto(options.selection, before), ReadInto(other, after)}) {
         if (failure) {
-            return Fail(*failure);
+            return FailureStatus(*failure);
         }
     }
     const auto changes = rule_set::DifferencesOf(before, after);
@@ -131,48 +123,13 @@ ExitStatus Reach(const RulesOptions& options)
         return ExitStatus::WRONG_USE;
     }
     if (const auto failure = ReadInto(options.selection, rules)) {
-        return Fail(*failure);
+        return FailureStatus(*failure);
     }
     std::string text;
     for (const lint::DeviceProfile& device : devices) {
         text += ReachText(rules, device, ResultColour());
     }
     PrintResult(options.asJson ? ReachJson(rules, devices) + "\n" : text);
-    return ExitStatus::SUCCESS;
-}
-
-ExitStatus New(const std::string& folder)
-{
-    std::vector<std::string> paths;
-    if (const auto failure = rule_set::MakeRuleSet(folder, paths)) {
-        return Fail(*failure);
-    }
-    for (const std::string& path : paths) {
-        PrintResult(Printable(folder + "/" + path) + "\n");
-    }
-    return ExitStatus::SUCCESS;
-}
-
-struct SchemaOptions {
-    Selection selection;
-    /// "trees" or "rules", for RELAX NG; empty for XML Schema.
-    std::string relaxNg;
-};
-
-ExitStatus Schema(const SchemaOptions& options)
-{
-    if (!options.relaxNg.empty()) {
-        PrintResult(rule_set::RelaxNgOf(
-            options.relaxNg == "trees" ? rule_set::RuleFileKind::TREES : rule_set::RuleFileKind::RULES));
-        return ExitStatus::SUCCESS;
-    }
-    ReadRuleSet rules;
-    if (!options.selection.folder.empty()) {
-        if (const auto failure = ReadInto(options.selection, rules)) {
-            return Fail(*failure);
-        }
-    }
-    PrintResult(rule_set::XmlSchemaOf(rules.files, options.selection.tag));
     return ExitStatus::SUCCESS;
 }
 
@@ -250,35 +207,6 @@ void AddReachCommand(Command rules, ExitStatus& status)
     reach.Footer("Example:\n  arborist rules reach examples/laptop/rules --device examples/laptop/bundle.json");
 }
 
-void AddNewCommand(Command rules, ExitStatus& status)
-{
-    auto folder = std::make_shared<std::string>();
-    Command made = rules.AddCommand("new", "Make a small rule set with its test and a bundle, to start from");
-    made.Add("DIR", *folder, "Folder to make; if there is one, it must be empty").Required().NotEmpty();
-    made.Footer("Example:\n  arborist rules new heat");
-    made.OnCall([folder, &status] { status = New(*folder); });
-}
-
-void AddSchemaCommand(Command rules, ExitStatus& status)
-{
-    auto options = std::make_shared<SchemaOptions>();
-    Command schema = rules.AddCommand("schema", "Print a schema of the rule files for editors and validators");
-    schema.Add("RULES_DIR", options->selection.folder, "Take names that may be any from this rule set");
-    schema.Add("--prefix", options->selection.prefix, "The files are named with this and \"_\" in front").Takes("PREFIX");
-    const Option tag = schema.Add("--tag", options->selection.tag, "An XML Schema of both files for this tag")
-        .Takes("TAG").NotEmpty();
-    schema.Add("--relax-ng", options->relaxNg, "A RELAX NG schema of one file for all tags")
-        .Takes("FILE").OneOf({"trees", "rules"}).Excludes(tag);
-    schema.Footer("Examples:\n  arborist rules schema --tag Laptop examples/laptop/rules > laptop.xsd\n"
-                  "  arborist rules schema --relax-ng trees > trees.rng");
-    schema.OnCall([options, &status] {
-        if (options->selection.tag.empty() && options->relaxNg.empty()) {
-            FailMissing("--tag");
-        }
-        status = Schema(*options);
-    });
-}
-
 } // namespace
 
 void AddRulesCommand(Command app, ExitStatus& status)
@@ -291,8 +219,7 @@ void AddRulesCommand(Command app, ExitStatus& status)
     AddStatsCommand(rules, status);
     AddDiffCommand(rules, status);
     AddReachCommand(rules, status);
-    AddSchemaCommand(rules, status);
-    AddNewCommand(rules, status);
+    AddRulesMakingCommands(rules, status);
 }
 
 } // namespace diagnosis::command

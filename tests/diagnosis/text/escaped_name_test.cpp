@@ -1,4 +1,4 @@
-#include "diagnosis/drawing/open_psa.h"
+#include "diagnosis/text/escaped_name.h"
 
 #include <gtest/gtest.h>
 
@@ -13,6 +13,7 @@ class OpenPsaName : public testing::TestWithParam<NameCase> {};
 TEST_P(OpenPsaName, IsOneThatTheFormatAllows)
 {
     EXPECT_EQ(diagnosis::EscapedName(GetParam().id), GetParam().escaped);
+    EXPECT_EQ(diagnosis::UnescapedName(GetParam().escaped), GetParam().id);
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, OpenPsaName, testing::Values(
@@ -24,5 +25,12 @@ INSTANTIATE_TEST_SUITE_P(Table, OpenPsaName, testing::Values(
     NameCase{"ALineBeforeAnEscape", "_-", "__x2D"},
     NameCase{"BytesBeyondAscii", "\xC3\xA4", "_xC3_xA4"}),
     CaseName());
+
+TEST(UnescapedName, KeepsNamesThatOtherProgramsMade)
+{
+    for (const char* name : {"pump-2", "a_x41", "a_x4", "a_xZZ", "_x", "2A", "a_x2d"}) {
+        EXPECT_EQ(diagnosis::UnescapedName(name), name);
+    }
+}
 
 } // namespace

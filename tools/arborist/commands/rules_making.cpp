@@ -1,0 +1,172 @@
+#include "tools/arborist/commands/rules_making.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+
+#include "diagnosis/rule_set/new_rule_set.h"
+#include "diagnosis/rule_set/open_psa/import.h"
+#include "diagnosis/rule_set/read_rule_set.h"
+#include "diagnosis/rule_set/schema.h"
+#include "diagnosis/scratch/new_file.h"
+#include "diagnosis/text/printable.h"
+#include "tools/arborist/terminal/output.h"
+
+namespace diagnosis::command {
+
+namespace {
+
+using rule_set::ReadRuleSet;
+using rule_set::Selection;
+
+ExitStatus New(const std::string& folder)
+{
+    std::vector<std::string> paths;
+    if (const auto failure = rule_set::MakeRuleSet(folder, paths)) {
+        return FailureStatus(*failure);
+    }
+    for (const std::string& path : paths) {
+        PrintResult(Printable(folder + "/" + path) + "\n");
+    }
+    return ExitStatus::SUCCESS;
+}
+
+struct ImportOptions {
+    std::string file;
+    std::string tag = "Imported";
+    std::string folder;
+};
+
+// Words that may be the name of an element.
+std::string TagProblem(const std::string& tag)
+{
+    const auto isLetter = [](char letter) { return std::isalpha(static_cast<unsigned char>(letter)) != 0 || letter == '_'; };
+    const bool isName = !tag.empty() && isLetter(tag.front()) && std::all_of(tag.begin(), tag.end(), [&](char letter) {
+        return isLetter(letter) || std::isdigit(static_cast<unsigned char>(letter)) != 0 || letter == '-' || letter == '.';
+    });
+    return isName ? "" : "a tag is a letter or \"_\", and then letters, digits, \"_\", \"-\" and \".\"";
+}
+
+// Keeps a tree file that is there: an author may have worked on it.
+std::optional<std::string> WriteTreeFile(const std::string& text, const std::string& folder)
+{
+    const std::string path = folder + "/FaultTrees.xml";
+    std::error_code error;
+    if (std::filesystem::exists(path, error)) {
+        return path + ": is there already";
+    }
+    NewFile file;
+    if (const auto problem = file.Make(path)) {
+        return path + ": " + *problem;
+    }
+    std::ofstream stream(file.TemporaryPath(), std::ios::binary);
+    stream << text;
+    stream.close();
+    const auto problem = stream ? file.PutInPlace() : std::optional<std::string>("can't be written");
+    return problem ? std::optional(path + ": " + *problem) : std::nullopt;
+}
+
+ExitStatus Import(const ImportOptions& options)
+{
+    rule_set::open_psa::ImportedTrees imported;
+    if (const auto failure = rule_set::open_psa::Import(options.file, options.tag, imported)) {
+        return FailureStatus(*failure);
+    }
+    if (imported.withProbabilities > 0) {
+        PrintError(options.file + ": the probabilities of " + std::to_string(imported.withProbabilities)
+            + " definitions are left out: a tree file has none");
+    }
+    if (options.folder.empty()) {
+        PrintResult(imported.text);
+        return ExitStatus::SUCCESS;
+    }
+    if (const auto problem = WriteTreeFile(imported.text, options.folder)) {
+        PrintError(*problem);
+        return ExitStatus::WRONG_USE;
+    }
+    PrintResult(Printable(options.folder) + "/FaultTrees.xml: " + std::to_string(imported.trees)
+        + (imported.trees == 1 ? " tree\n" : " trees\n"));
+    return ExitStatus::SUCCESS;
+}
+
+struct SchemaOptions {
+    Selection selection;
+    /// "trees" or "rules", for RELAX NG; empty for XML Schema.
+    std::string relaxNg;
+};
+
+ExitStatus Schema(const SchemaOptions& options)
+{
+    if (!options.relaxNg.empty()) {
+        PrintResult(rule_set::RelaxNgOf(
+            options.relaxNg == "trees" ? rule_set::RuleFileKind::TREES : rule_set::RuleFileKind::RULES));
+        return ExitStatus::SUCCESS;
+    }
+    ReadRuleSet rules;
+    if (!options.selection.folder.empty()) {
+        if (const auto failure = ReadInto(options.selection, rules)) {
+            return FailureStatus(*failure);
+        }
+    }
+    PrintResult(rule_set::XmlSchemaOf(rules.files, options.selection.tag));
+    return ExitStatus::SUCCESS;
+}
+
+void AddNewCommand(Command rules, ExitStatus& status)
+{
+    auto folder = std::make_shared<std::string>();
+    Command made = rules.AddCommand("new", "Make a small rule set with its test and a bundle, to start from");
+    made.Add("DIR", *folder, "Folder to make; if there is one, it must be empty").Required().NotEmpty();
+    made.Footer("Example:\n  arborist rules new heat");
+    made.OnCall([folder, &status] { status = New(*folder); });
+}
+
+void AddImportCommand(Command rules, ExitStatus& status)
+{
+    auto options = std::make_shared<ImportOptions>();
+    Command import = rules.AddCommand("import", "Turn fault trees in the Open-PSA exchange format into a tree file");
+    import.Add("FILE", options->file, "File with AND, OR and k of n over gates and basic events").Required();
+    import.Add("--tag", options->tag, "Tag of the trees").Takes("TAG").Check(TagProblem).ShowDefault();
+    import.Add("-o,--output", options->folder, "Folder for FaultTrees.xml; standard output without it").Takes("DIR");
+    import.Footer("Example:\n  arborist rules import model.xml --tag Device --output rules");
+    import.OnCall([options, &status] { status = Import(*options); });
+}
+
+void AddSchemaCommand(Command rules, ExitStatus& status)
+{
+    auto options = std::make_shared<SchemaOptions>();
+    Command schema = rules.AddCommand("schema", "Print a schema of the rule files for editors and validators");
+    schema.Add("RULES_DIR", options->selection.folder, "Take names that may be any from this rule set");
+    schema.Add("--prefix", options->selection.prefix, "The files are named with this and \"_\" in front").Takes("PREFIX");
+    const Option tag = schema.Add("--tag", options->selection.tag, "An XML Schema of both files for this tag")
+        .Takes("TAG").NotEmpty();
+    schema.Add("--relax-ng", options->relaxNg, "A RELAX NG schema of one file for all tags")
+        .Takes("FILE").OneOf({"trees", "rules"}).Excludes(tag);
+    schema.Footer("Examples:\n  arborist rules schema --tag Laptop examples/laptop/rules > laptop.xsd\n"
+                  "  arborist rules schema --relax-ng trees > trees.rng");
+    schema.OnCall([options, &status] {
+        if (options->selection.tag.empty() && options->relaxNg.empty()) {
+            FailMissing("--tag");
+        }
+        status = Schema(*options);
+    });
+}
+
+} // namespace
+
+void AddRulesMakingCommands(Command rules, ExitStatus& status)
+{
+    AddNewCommand(rules, status);
+    AddImportCommand(rules, status);
+    AddSchemaCommand(rules, status);
+}
+
+ExitStatus FailureStatus(const Failure& failure)
+{
+    PrintError(failure.message);
+    return failure.status;
+}
+
+} // namespace diagnosis::command
