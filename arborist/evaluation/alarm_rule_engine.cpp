@@ -302,7 +302,7 @@ void AlarmRuleEngine::VisitIds(const TestList& tests, Window& window, const Rows
     const auto visit = [&](const EventRows& rows) { return isOver = visitor(rows); };
     for (const IdRange& part : tests.empty() ? PartsOf(window.ids) : std::vector<IdRange>{window.ids}) {
         const auto reading = mEventStore->VisitEvents({part.first, part.last, window.start, window.fromUpdate,
-            tests.empty() ? QuestionsTo(part) : questions}, visit);
+            tests.empty() ? QuestionsTo(part) : questions, part.first - std::int64_t{window.ids.first}}, visit);
         mIsLogReadable = mIsLogReadable && reading != AlarmRuleDbHelper::Reading::UNREADABLE;
         if (isOver) {
             break;

@@ -62,11 +62,13 @@ AlarmRuleDbHelper::EventList AlarmRuleDbHelper::GetEventList(
 AlarmRuleDbHelper::Reading AlarmRuleDbHelper::VisitEvents(const Query& query, const Visitor& visitor)
 {
     Query rest = query;
-    for (std::int64_t id = query.firstId; !EnsureOpen(); rest.firstId = static_cast<std::int32_t>(id)) {
-        ++id;
-        if (id > query.lastId || id - query.firstId >= EventLogSearch::LONGEST_RANGE_TOLD) {
+    const std::int64_t end = query.GetToldEnd();
+    while (!(rest.firstId < end ? EnsureOpen() : mDatabase.IsOpen())) {
+        if (rest.firstId + std::int64_t{1} >= end) {
             return Reading::UNREADABLE;
         }
+        ++rest.firstId;
+        ++rest.idsBefore;
     }
     return mSearch.Visit(rest, CurrentVersion(), visitor);
 }

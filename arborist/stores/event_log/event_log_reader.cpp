@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "arborist/stores/event_log/event_query.h"
+#include "arborist/stores/event_log/file_check.h"
 #include "arborist/stores/event_log/log_state.h"
 #include "arborist/stores/event_log/query_plan.h"
 #include "arborist/stores/sql/sql_cursor.h"
@@ -35,11 +36,28 @@ bool Fits(std::int64_t value)
     return value >= std::numeric_limits<Number>::min() && value <= std::numeric_limits<Number>::max();
 }
 
+// Fits into 64 bits, and no rule can name an id as great.
+constexpr double BEYOND_IDS = 1e12;
+
+// The number that SQLite compares with the id of a query. Only a whole number is sure to be equal to it: text compares as
+// the number that it begins with, or not at all.
+template <typename Reading>
+std::int64_t IdIn(const Reading& reading, bool isInteger)
+{
+    return isInteger ? reading.GetInteger(0)
+                     : static_cast<std::int64_t>(std::clamp(reading.GetReal(0), -BEYOND_IDS, BEYOND_IDS));
+}
+
 // The whole number that `sql` returns; 0 if it returns none.
 std::int64_t NumberOf(const FT::sql::Sqlite3Db& database, const std::string& sql)
 {
     SqlCursor cursor(database, sql);
     return cursor.Step() && cursor.GetType(0) == SqlCursor::ColumnType::INTEGER ? cursor.GetInteger(0) : 0;
+}
+
+std::int64_t RowsThatFit(const FT::sql::Sqlite3Db& database)
+{
+    return NumberOf(database, "PRAGMA page_count") * NumberOf(database, "PRAGMA page_size") / SHORTEST_ROW;
 }
 
 // Guesses the number of rows: as many as there are row numbers from the first to the last, or as fit into the file.
@@ -49,10 +67,8 @@ std::size_t GuessRowCount(const FT::sql::Sqlite3Db& database, const std::string&
     const std::string numbers = "(" + rowName + ") from event_info)";
     const std::int64_t span =
         NumberOf(database, "select (select max" + numbers + " - (select min" + numbers + " + 1");
-    const std::int64_t fitting =
-        NumberOf(database, "PRAGMA page_count") * NumberOf(database, "PRAGMA page_size") / SHORTEST_ROW;
     return static_cast<std::size_t>(
-        std::clamp<std::int64_t>(span, 0, std::clamp<std::int64_t>(fitting, 0, MOST_GUESSED_ROWS)));
+        std::clamp<std::int64_t>(span, 0, std::clamp<std::int64_t>(RowsThatFit(database), 0, MOST_GUESSED_ROWS)));
 }
 
 } // namespace
@@ -82,14 +98,7 @@ std::shared_ptr<const EventLogSnapshot> EventLogReader::Read()
     mOrigin.rowName = QueryPlan::RowNameOfEvents(mDb);
     mOrigin.isInTableOrder = QueryPlan::IsScanOfEvents(mDb, query) && !mOrigin.rowName.empty();
     mOrigin.lastMoment = TimeUtil::GetLastMoment();
-    const bool isRead = (mOrigin.isInTableOrder || IsFileSound()) && ReadInOnePass();
-    if (!isRead) {
-        Clear();
-        mOrigin.isInTableOrder ? ReadRowByRow() : ReadIds();
-    }
-    if (!isRead || (HasDoubts() && !IsFileSound())) {
-        DoubtRows();
-    }
+    mOrigin.isInTableOrder ? ReadInTableOrder() : ReadInAnyOrder();
     mNumberOfId = IdDictionary();
     mOrigin.dataVersion = ReadDataVersion(mDb);
     return std::make_shared<EventLogSnapshot>(std::move(mIds), std::move(mNeedsQuery), std::move(mIdOfRow),
@@ -106,15 +115,39 @@ void EventLogReader::Clear()
     mVersionNumbers = {{"", EventLogSnapshot::UNNAMED_VERSION}};
     mVersions.clear();
     mOtherVersions.clear();
+    mDropped.clear();
     mIsInOrder = true;
     mLastRowId = std::numeric_limits<std::int64_t>::min();
 }
 
-// Also false for damage that no query would meet, as only running the queries could show that.
-bool EventLogReader::IsFileSound() const
+// Each query scans event_info as the pass does, so that only the look-ups of partners may depend on where they start.
+void EventLogReader::ReadInTableOrder()
 {
-    SqlCursor cursor(mDb, "PRAGMA integrity_check");
-    return cursor.Step() && cursor.GetText(0) == "ok";
+    FileCheck::Result partners = FileCheck::WorseOf(
+        FileCheck::OfTable(mDb, "event_info_flow"), FileCheck::OfTable(mDb, "event_version"));
+    const bool isRead = ReadInOnePass();
+    if (!isRead) {
+        Clear();
+        ReadRowByRow();
+    }
+    if (partners.state == FileCheck::Result::State::DISORDER || !mIsInOrder) {
+        mOrigin.damage = partners.message.empty() ? "rows of event_info are out of order" : std::move(partners.message);
+        LeaveAllToQueries();
+    } else if (partners.state != FileCheck::Result::State::SOUND) {
+        // A search that starts nearby may meet an unreadable page behind the place where the row should be.
+        LeaveDroppedToQueries();
+    }
+}
+
+// Rows are found by an index, say, whose damage the pass would not meet.
+void EventLogReader::ReadInAnyOrder()
+{
+    FileCheck::Result file = FileCheck::OfFile(mDb);
+    if (file.state != FileCheck::Result::State::SOUND || !ReadInOnePass()) {
+        Clear();
+        ReadIds();
+        mOrigin.damage = std::move(file.message);
+    }
 }
 
 bool EventLogReader::ReadInOnePass()
@@ -136,7 +169,8 @@ bool EventLogReader::ReadInOnePass()
         // Get types first: reading a text as a number may change its type.
         const bool isWhole = row.IsInteger(0) && row.IsInteger(1) && row.IsInteger(2) && row.IsInteger(3);
         const bool isFound = isWhole || !(row.IsNull(0) || row.IsNull(1) || row.IsNull(2));
-        TakeRow({isFound, isWhole, row.GetInteger(0), row.GetInteger(1), row.GetInteger(2), row.GetInteger(3)});
+        const std::int64_t id = IdIn(row, row.IsInteger(0));
+        TakeRow({isFound, isWhole, id, row.GetInteger(1), row.GetInteger(2), row.GetInteger(3)});
     }, error);
 }
 
@@ -160,7 +194,7 @@ void EventLogReader::ReadRowByRow()
         mOrigin.rowName + " = ?1");
     while (events.Step()) {
         const Type type = events.GetType(0);
-        const std::int64_t id = events.GetInteger(0);
+        const std::int64_t id = IdIn(events, type == Type::INTEGER);
         const std::int64_t rowId = events.GetInteger(1);
         if (type == Type::NONE || !Fits<std::int32_t>(id)) {
             continue;
@@ -182,38 +216,75 @@ void EventLogReader::ReadRowByRow()
     mOrigin.breakError = events.GetError();
 }
 
-// Whether the pass met something that an undamaged log as the service leaves it doesn't have.
-bool EventLogReader::HasDoubts() const
+void EventLogReader::LeaveDroppedToQueries()
 {
-    return !mDropped.empty() || !mIsInOrder;
-}
-
-// In a damaged page SQLite may miss a row without an error, and find it when it reaches the page another way.
-void EventLogReader::DoubtRows()
-{
-    if (!mIsInOrder) {
-        Clear();
-        ReadIds();
-    }
     for (const std::int32_t id : mDropped) {
         mNeedsQuery[NumberOfId(id)] = true;
     }
 }
 
-// Reads from both ends of the index, if there is one, and of the table, so that one unreadable page hides no id from
-// all four passes.
+void EventLogReader::LeaveAllToQueries()
+{
+    LeaveDroppedToQueries();
+    mNeedsQuery.assign(mNeedsQuery.size(), true);
+    mIdOfRow.clear();
+    mColumns = {};
+}
+
+// Indexes are read from both ends, as one of their rows may tell another id than the table's.
 void EventLogReader::ReadIds()
 {
     mOrigin.isEachIdAsked = true;
-    for (const std::string order : {" order by event_id", " order by event_id desc", " not indexed order by rowid",
-             " not indexed order by rowid desc"}) {
-        SqlCursor ids(mDb, "select event_id from event_info" + order);
-        while (ids.Step()) {
-            const std::int64_t id = ids.GetInteger(0);
-            if (Fits<std::int32_t>(id)) {
-                mNeedsQuery[NumberOfId(static_cast<std::int32_t>(id))] = true;
-            }
+    mOrigin.areAllIdsKnown = ReadIdsOfTable() || ReadIdsFrom("event_info");
+    SqlCursor indexes(mDb, "select replace(name, '\"', '\"\"') from sqlite_master"
+        " where type = 'index' and tbl_name = 'event_info' collate nocase");
+    while (indexes.Step()) {
+        const std::string from = "event_info indexed by \"" + std::string(indexes.GetText(0)) + "\" order by event_id";
+        if (!ReadIdsFrom(from)) {
+            ReadIdsFrom(from + " desc");
         }
+    }
+}
+
+// Reads the id of each row that a search for its row number finds, as the query for an id does in the end, whatever leads
+// it there. Behind an unreadable page only trying tells where the readable rows go on. False if that takes too long.
+bool EventLogReader::ReadIdsOfTable()
+{
+    const std::string flow = "select rowid from event_info_flow order by rowid";
+    const std::int64_t first = std::min<std::int64_t>(NumberOf(mDb, flow + " limit 1"), 1);
+    const std::int64_t lastOfFlow = NumberOf(mDb, flow + " desc limit 1");
+    const std::int64_t last = lastOfFlow == 0 ? RowsThatFit(mDb) : lastOfFlow; // no query finds a row without a flow
+    SqlCursor rows(mDb, "select event_id, rowid from event_info not indexed where rowid >= ?1 order by rowid");
+    std::int64_t next = std::numeric_limits<std::int64_t>::min();
+    for (std::int64_t tries = 0; rows.IsReady() && tries < MOST_GUESSED_ROWS; ++tries) {
+        rows.Restart(next);
+        while (rows.Step()) {
+            TakeId(rows);
+            next = rows.GetInteger(1);
+        }
+        if (rows.IsOk() || next >= last) {
+            return true;
+        }
+        next = std::max(next + 1, first);
+    }
+    return false;
+}
+
+// True if all were read.
+bool EventLogReader::ReadIdsFrom(const std::string& from)
+{
+    SqlCursor ids(mDb, "select event_id from " + from);
+    while (ids.Step()) {
+        TakeId(ids);
+    }
+    return ids.IsOk();
+}
+
+void EventLogReader::TakeId(const SqlCursor& row)
+{
+    const std::int64_t id = IdIn(row, row.GetType(0) == SqlCursor::ColumnType::INTEGER);
+    if (Fits<std::int32_t>(id)) {
+        mNeedsQuery[NumberOfId(static_cast<std::int32_t>(id))] = true;
     }
 }
 

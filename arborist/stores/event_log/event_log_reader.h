@@ -12,12 +12,16 @@
 #include "arborist/stores/event_log/id_dictionary.h"
 #include "arborist/stores/sql/sql_database.h"
 
+namespace FT::sql {
+class SqlCursor;
+}
+
 /// Reads the event log into a snapshot. Call Read once for each object.
 ///
-/// Reads an undamaged log in one pass, which touches everything that the query for any id touches, so that no such
+/// Checks the tables first in which a query searches, as a search may miss in a damaged table what a scan finds. Then
+/// reads an undamaged log in one pass, which touches everything that the query for any id touches, so that no such
 /// query can fail. If the pass fails, reads each row by itself, and leaves an id with an unreadable row to its own
-/// query. The same goes for an id with a row that lacks its partners, if the file is damaged. If SQLite doesn't run
-/// that query as a scan of event_info, checks the whole file first; if it is damaged, leaves every id to its own query.
+/// query. If rows may be found or not, depending on the way to them, leaves every id to its own query.
 class EventLogReader {
 public:
     explicit EventLogReader(const FT::sql::Sqlite3Db& database);
@@ -36,13 +40,17 @@ private:
     // A row of the join.
     struct Row;
 
+    void ReadInTableOrder();
+    void ReadInAnyOrder();
     bool ReadInOnePass();
     void ReadRowByRow();
     void ReadIds();
+    bool ReadIdsOfTable();
+    bool ReadIdsFrom(const std::string& from);
+    void TakeId(const FT::sql::SqlCursor& row);
     bool ReadVersions();
-    bool IsFileSound() const;
-    bool HasDoubts() const;
-    void DoubtRows();
+    void LeaveDroppedToQueries();
+    void LeaveAllToQueries();
     void Clear();
     void TakeVersion(std::int64_t rowNumber, bool isNumber, const std::string& name);
     Version& VersionOf(std::int64_t rowNumber);

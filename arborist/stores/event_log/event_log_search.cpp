@@ -74,21 +74,21 @@ EventLogSearch::Reading EventLogSearch::Visit(
         visit.questions.push_back(mRequests.NumberOf(question));
     }
     Foresee(query.firstId, query.lastId, query.questions);
-    const std::int64_t end = std::min(query.lastId + std::int64_t{1}, query.firstId + LONGEST_RANGE_TOLD);
     Refresh();
     // Without a snapshot, query each id, which logs its own failure. If the log becomes readable, continue with its
     // snapshot.
-    for (std::int64_t id = query.firstId; id < end; ++id) {
-        if (mSnapshot != nullptr) {
-            VisitIds(visit, id);
-            return visit.reading;
+    std::int64_t id = query.firstId;
+    for (const std::int64_t end = query.GetToldEnd(); mSnapshot == nullptr; ++id) {
+        if (id >= end) {
+            return Reading::UNREADABLE;
         }
         if (VisitByQuery(visit, static_cast<std::int32_t>(id))) {
             return visit.reading;
         }
         Refresh();
     }
-    return Reading::UNREADABLE;
+    VisitIds(visit, id);
+    return visit.reading;
 }
 
 std::optional<std::uint64_t> EventLogSearch::CountRows(
@@ -137,12 +137,17 @@ bool EventLogSearch::VisitIds(OpenVisit& visit, std::int64_t firstId)
         ? CountsFor({visit.query.startTime, snapshot.NumberOfVersion(visit.versionName)}) : visit.found;
     const EventLogSnapshot::Origin& origin = snapshot.GetOrigin();
     const bool isBroken = origin.isEachIdAsked || !origin.breakError.empty();
-    if (isBroken) {
+    if (!origin.damage.empty()) {
+        StatementTrouble::Tell(origin.damage, mDb.path);
+    }
+    if (isBroken || !origin.damage.empty()) {
         visit.reading = snapshot.GetEntryCount() == 0 ? Reading::UNREADABLE : Reading::BROKEN_OFF;
     }
     Prepare(visit);
     const std::int64_t end = visit.query.lastId + std::int64_t{1};
-    const std::int64_t toldEnd = isBroken ? std::min(end, firstId + LONGEST_RANGE_TOLD) : firstId;
+    // An id that may have rows is asked, however many there are.
+    const bool mayOthersHaveRows = origin.isEachIdAsked && !origin.areAllIdsKnown;
+    const std::int64_t toldEnd = mayOthersHaveRows ? end : isBroken ? visit.query.GetToldEnd() : firstId;
     std::int64_t id = firstId;
     for (std::size_t number = snapshot.FirstEntryFrom(firstId); id < end; ++number) {
         const bool isLast = number == snapshot.GetEntryCount();

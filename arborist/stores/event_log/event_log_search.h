@@ -1,6 +1,7 @@
 #ifndef ARBORIST_STORES_EVENT_LOG_EVENT_LOG_SEARCH_H
 #define ARBORIST_STORES_EVENT_LOG_EVENT_LOG_SEARCH_H
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -21,6 +22,10 @@
 /// so that neither damage nor any limit changes an answer.
 class EventLogSearch {
 public:
+    /// Beyond this many ids, a rule's range logs no line for an id that is known to have no rows: this bounds the lines
+    /// for a log that can't be read.
+    static constexpr std::int64_t LONGEST_RANGE_TOLD = 100000;
+
     /// The ids and times to search for.
     struct Query {
         std::int32_t firstId;
@@ -31,6 +36,14 @@ public:
         bool fromUpdate;
         /// The questions that the visitor may ask about the rows.
         EventRows::Questions questions = {};
+        /// How many ids of the rule's range come before the first: bounded lines are counted from there.
+        std::int64_t idsBefore = 0;
+
+        /// One behind the last id whose line is logged where there is nothing to ask; see LONGEST_RANGE_TOLD.
+        std::int64_t GetToldEnd() const
+        {
+            return std::min(lastId + std::int64_t{1}, firstId - idsBefore + LONGEST_RANGE_TOLD);
+        }
     };
 
     /// How completely the log could be read for a query.
@@ -42,10 +55,6 @@ public:
 
     /// Receives the rows of one id, which are valid during the call; returns true to end the visit.
     using Visitor = std::function<bool(const EventRows& rows)>;
-
-    /// Beyond this many ids from the first, a range only visits ids that a reading has found in the log: this bounds
-    /// the lines that a range logs for a log that can't be read.
-    static constexpr std::int64_t LONGEST_RANGE_TOLD = 100000;
 
     explicit EventLogSearch(const FT::sql::Sqlite3Db& database);
 

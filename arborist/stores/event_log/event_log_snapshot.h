@@ -43,9 +43,13 @@ public:
         bool isInTableOrder = false;
         /// True if only ids are known and no rows: every id, known or not, must be queried by itself.
         bool isEachIdAsked = false;
+        /// Where only ids are known: true if no other id can have rows.
+        bool areAllIdsKnown = false;
         /// SQLite's message for the error that ends the query of every id after the rows in the snapshot; empty if
         /// there is none.
         std::string breakError;
+        /// SQLite's message for damage because of which queries may miss rows without an error; empty if there is none.
+        std::string damage;
     };
 
     /// The rows of one event id, in the order in which the query for that id returns them.

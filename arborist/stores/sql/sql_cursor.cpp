@@ -79,6 +79,11 @@ std::int64_t SqlCursor::GetInteger(int column) const
     return sqlite3_column_int64(mStatement, column);
 }
 
+double SqlCursor::GetReal(int column) const
+{
+    return sqlite3_column_double(mStatement, column);
+}
+
 std::string_view SqlCursor::GetText(int column) const
 {
     const auto* const text = reinterpret_cast<const char*>(sqlite3_column_text(mStatement, column));

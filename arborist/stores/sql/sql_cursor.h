@@ -45,6 +45,7 @@ public:
     /// first zero byte, as in the rows of SqlOperator.
     ColumnType GetType(int column) const;
     std::int64_t GetInteger(int column) const;
+    double GetReal(int column) const;
     std::string_view GetText(int column) const;
 
 private:

@@ -42,7 +42,9 @@ int AllowOwnFile(void*, int action, const char* name, const char* value, const c
 int AllowReading(void*, int action, const char* name, const char* value, const char*, const char*)
 {
     static constexpr std::string_view FILE_STATES[] = {"data_version", "integrity_check", "page_count", "page_size"};
-    const bool asks = action == SQLITE_PRAGMA && value == nullptr && IsOneOf(FILE_STATES, name);
+    static constexpr std::string_view TABLE_STATES[] = {"quick_check"};
+    const bool asks =
+        action == SQLITE_PRAGMA && (IsOneOf(TABLE_STATES, name) || (value == nullptr && IsOneOf(FILE_STATES, name)));
     const bool reads = action == SQLITE_SELECT || action == SQLITE_READ || action == SQLITE_FUNCTION ||
         action == SQLITE_RECURSIVE || action == SQLITE_TRANSACTION;
     return reads || asks ? SQLITE_OK : SQLITE_DENY;

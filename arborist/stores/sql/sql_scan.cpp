@@ -66,6 +66,11 @@ std::int64_t ScannedRow::GetInteger(int column) const
     return sqlite3_value_int64(mValues[column]);
 }
 
+double ScannedRow::GetReal(int column) const
+{
+    return sqlite3_value_double(mValues[column]);
+}
+
 std::string_view ScannedRow::GetText(int column) const
 {
     const auto* const text = reinterpret_cast<const char*>(sqlite3_value_text(mValues[column]));

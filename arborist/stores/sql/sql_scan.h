@@ -21,6 +21,7 @@ public:
     bool IsNull(int column) const;
     /// The value converted to a number by SQLite, which may change its type: ask IsInteger and IsNull first.
     std::int64_t GetInteger(int column) const;
+    double GetReal(int column) const;
     /// The text up to its first zero byte, as in the rows of SqlOperator.
     std::string_view GetText(int column) const;
 

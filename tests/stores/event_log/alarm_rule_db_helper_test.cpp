@@ -167,6 +167,21 @@ TEST_F(AlarmRuleDbHelperTest, HugeRangeOverAMissingLogEnds)
     EXPECT_EQ(mLog.Lines().size(), 2U * EventLogSearch::LONGEST_RANGE_TOLD);
 }
 
+TEST_F(AlarmRuleDbHelperTest, PartsOfOneHugeRangeShareTheBoundOfLines)
+{
+    constexpr std::int32_t BOUND = EventLogSearch::LONGEST_RANGE_TOLD;
+    AlarmRuleDbHelper helper;
+    mLog.Clear();
+    EXPECT_EQ(Visit(helper, {BOUND - 1, INT32_MAX, 0, false, {}, BOUND - 2}), "unreadable ");
+    EXPECT_EQ(mLog.Lines().size(), 2U * 2U);
+    mLog.Clear();
+    EXPECT_EQ(Visit(helper, {BOUND + 1, INT32_MAX, 0, false, {}, BOUND}), "unreadable ");
+    EXPECT_THAT(mLog.Lines(), testing::IsEmpty());
+    Write(EventLogBuilder().Row({10, BOUND + 2, "1.0", ""}));
+    AlarmRuleDbHelper later;
+    EXPECT_EQ(Visit(later, {BOUND + 1, INT32_MAX, 0, false, {}, BOUND}), "100002 1/1");
+}
+
 TEST_F(AlarmRuleDbHelperTest, VisitGoesThroughTheIdsThatHaveRows)
 {
     Write(EventLogBuilder().Rows({{10, 9, "1.0", ""}, {20, -3, "2.0", ""}, {30, 9, "2.0", ""}, {40, 2000000, "", ""},

@@ -130,6 +130,29 @@ TEST_F(EventLogSearchTest, IndexedLogWithABadPageIsAskedIdById)
     }
 }
 
+TEST_F(EventLogSearchTest, IdsBetweenBadPagesAreAskedTooHoweverFarBehindTheFirst)
+{
+    EventLogBuilder builder;
+    std::vector<std::int32_t> ids;
+    for (int row = 1; row <= 2000; ++row) {
+        ids.push_back(1000000 * row);
+        builder.Row({row, ids.back(), "", std::string(60, ' ')});
+    }
+    Open(builder.Sql("create index i on event_info(event_id)"));
+    const std::size_t pages = mDir.Read("log.db").size() / PAGE;
+    // Bad pages of the table and of the index, with good ones between them and at their ends.
+    for (const std::size_t page : {pages * 35 / 100, pages * 45 / 100, pages * 55 / 100, pages - 4, pages - 2}) {
+        Damage(page * PAGE, PAGE);
+    }
+    std::string each;
+    for (const std::int32_t id : ids) {
+        each += AskEach(id, id);
+    }
+    EXPECT_EQ(Visit({1, INT32_MAX, 0, false}), each);
+    EXPECT_GT(each.size(), 5000U);
+    EXPECT_EQ(mReading, Reading::BROKEN_OFF);
+}
+
 TEST_F(EventLogSearchTest, LogThatCannotBeAskedIsToldForEachId)
 {
     Open(EventLogBuilder().Row({10, 7, "", ""}).Sql("drop table event_version"));
