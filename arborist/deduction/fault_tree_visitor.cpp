@@ -83,8 +83,19 @@ void FaultTreeVisitor::DeduceRootCause(
     if (tree == nullptr) {
         return;
     }
+    FoldStatuses(tree, checks);
+    AnalyzeRootCause();
+}
+
+void FaultTreeVisitor::FoldStatuses(
+    const std::shared_ptr<FaultTree>& tree, const std::vector<Evidence::Check>& checks)
+{
+    if (tree == nullptr) {
+        return;
+    }
     mRootCauseList.clear();
     mRootCauseNodeList.clear();
+    mIsFault = false;
     mFaultTree = tree;
     mFaultTree->Check();
     if (GetObserver() != nullptr && mFaultTree->GetIntermediateEvent() != nullptr) {
@@ -95,7 +106,6 @@ void FaultTreeVisitor::DeduceRootCause(
         }
         GetObserver()->OnTreeFolded(std::move(events));
     }
-    AnalyzeRootCause();
 }
 
 void FaultTreeVisitor::AnalyzeRootCause()

@@ -29,6 +29,10 @@ public:
     void DeduceRootCause(
         const std::shared_ptr<FaultTree>& tree, const std::vector<Evidence::Check>& checks = {});
 
+    /// Folds the statuses alone and tells the observer, without looking for root causes: there are none then. A null
+    /// tree changes nothing.
+    void FoldStatuses(const std::shared_ptr<FaultTree>& tree, const std::vector<Evidence::Check>& checks = {});
+
     /// True if the last deduction found root causes, whatever the status of the top event.
     bool IsFault() const { return mIsFault; }
     /// The leaf event of each root cause, in the order of GetRootCauseList. Valid until the next deduction.

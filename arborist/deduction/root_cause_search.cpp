@@ -9,6 +9,7 @@
 #include "arborist/deduction/path_walk.h"
 #include "arborist/deduction/root_cause.h"
 #include "arborist/deduction/surviving_tree.h"
+#include "arborist/frame/stopping.h"
 #include "arborist/model/event.h"
 #include "arborist/model/fault_tree.h"
 #include "arborist/utilities/text_hash.h"
@@ -53,6 +54,10 @@ private:
 
     Combination Join(Combination first, Combination second)
     {
+        constexpr std::size_t JOINS_BETWEEN_STOPS = 4096;
+        if (mJoins.size() % JOINS_BETWEEN_STOPS == 0) {
+            StopPoint::Pass();
+        }
         mJoins.emplace_back(first, second);
         return (mJoins.size() - 1) * 2 + 1;
     }
@@ -195,6 +200,7 @@ RootCauseSearch::Found CollectAll(const SurvivingTree& tree, bool withCutSets)
     std::vector<Index> members;
     found.rootCauses.reserve(combinations.Count());
     for (std::size_t combination = 0; combination < combinations.Count(); ++combination) {
+        StopPoint::Pass();
         combinations.ListMembers(combination, members);
         found.rootCauses.push_back(waysUp.Collect(members));
         if (withCutSets) {

@@ -5,6 +5,7 @@
 #include "arborist/evaluation/rule_engine_helper.h"
 #include "arborist/evaluation/rule_helper.h"
 #include "arborist/frame/detect_info.h"
+#include "arborist/frame/stopping.h"
 #include "arborist/loading/fault_tree_parser.h"
 #include "arborist/model/event.h"
 #include "arborist/model/event_rule.h"
@@ -54,6 +55,7 @@ bool CodeRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const st
     const auto suggestions = GetCodeRuleInfoByType(RuleHelper::SUGGESTION, detectCode);
     const auto repairs = GetCodeRuleInfoByType(RuleHelper::REPAIR, detectCode);
     const bool answer = runner->RunCodeRule(faults, suggestions, repairs, codeRule->userDefinedInfo);
+    StopPoint::Pass(); // a host that stops the detection may break off its runner, too
     if (record != nullptr) {
         *record = {detectCode, faults, suggestions, repairs, codeRule->userDefinedInfo, answer};
     }

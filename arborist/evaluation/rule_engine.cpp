@@ -10,6 +10,7 @@
 #include "arborist/evaluation/rule_helper.h"
 #include "arborist/frame/detect_info.h"
 #include "arborist/frame/log.h"
+#include "arborist/frame/stopping.h"
 #include "arborist/frame/trouble_watch.h"
 #include "arborist/loading/fault_tree_parser.h"
 #include "arborist/model/common_part.h"
@@ -35,6 +36,28 @@ Evidence::Rule* AddRecord(Evidence::Alternative* alternative, const std::string&
     record.SetFamily(FamilyOf(rule));
     return &record;
 }
+
+// As long as it exists, a checker writes into a record. An exception may end its work.
+class RecordOfRule {
+public:
+    RecordOfRule(RuleChecker* checker, Evidence::Rule* record) : mChecker(checker)
+    {
+        if (mChecker != nullptr) {
+            mChecker->SetRecord(record);
+        }
+    }
+    ~RecordOfRule()
+    {
+        if (mChecker != nullptr) {
+            mChecker->SetRecord(nullptr);
+        }
+    }
+    RecordOfRule(const RecordOfRule&) = delete;
+    RecordOfRule& operator=(const RecordOfRule&) = delete;
+
+private:
+    RuleChecker* mChecker;
+};
 
 // What the rooms below tell of the event log makes a count less than an answer.
 void NoteTrouble(Evidence::Trouble::Kind kind, Evidence::Rule& record)
@@ -150,12 +173,25 @@ void RuleEngine::RunRules()
             mTreeChecks.AddWithoutEntry(*event);
             continue;
         }
-        mRuleHelper->SetCurrentEvent(event);
+        if (StopPoint::HasStopped() || !RunRulesOfEvent(event, eventRule)) {
+            mTreeChecks.AddStopped(*event);
+        }
+    }
+}
+
+// False if the detection was stopped on the way: the event is then not decided, whatever its rules have answered so far.
+bool RuleEngine::RunRulesOfEvent(const std::shared_ptr<Event>& event, const std::shared_ptr<EventRule>& eventRule)
+{
+    mRuleHelper->SetCurrentEvent(event);
+    try {
         if (IsFaultHappenedForEvent(event, eventRule)) {
             FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: check error true %s:%s", "RuleEngine::RunRules",
                                           event->GetId().c_str(), event->GetName().c_str());
             event->SetResult(EventStatus::TRUE);
         }
+        return true;
+    } catch (const DetectionStopped&) {
+        return false;
     }
 }
 
@@ -283,6 +319,7 @@ bool RuleEngine::AskIfSupported(const std::shared_ptr<Rule>& rule, const std::st
 
 bool RuleEngine::AskRule(const std::shared_ptr<Rule>& rule, const std::string& eventId, Evidence::Rule* record)
 {
+    StopPoint::Pass();
     std::optional<TroubleWatch> watch;
     if (record != nullptr) {
         watch.emplace([&](Evidence::Trouble trouble) {
@@ -295,16 +332,11 @@ bool RuleEngine::AskRule(const std::shared_ptr<Rule>& rule, const std::string& e
         });
     }
     const std::shared_ptr<RuleChecker> checker = mCheckers.Get(rule.get(), mCommonPart);
-    if (checker != nullptr) {
-        checker->SetRecord(record);
-    }
+    const RecordOfRule recording(checker.get(), record);
     const bool fired = checker != nullptr && checker->IsFaultHappened(rule, eventId);
     if (record != nullptr) {
         record->verdict = checker == nullptr ? Verdict::SKIPPED : fired ? Verdict::FIRED : Verdict::NOT_FIRED;
         record->reason = checker == nullptr ? Reason::NO_CHECKER : checker->GetReason();
-    }
-    if (checker != nullptr) {
-        checker->SetRecord(nullptr);
     }
     return fired;
 }

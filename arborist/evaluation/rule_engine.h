@@ -61,6 +61,7 @@ private:
     void Reset();
     void MarkObservable();
     void RunRules();
+    bool RunRulesOfEvent(const std::shared_ptr<Event>& event, const std::shared_ptr<EventRule>& eventRule);
     bool IsFaultHappenedForEvent(const std::shared_ptr<Event>& event, const std::shared_ptr<EventRule>& eventRule);
     bool DecideEvent(const Event& event, EventRule* eventRule, EventCheck* eventCheck, Evidence::Event* record);
     bool AskRulesOfEvent(const std::string& eventId, EventRule& eventRule, const std::vector<std::string>& names,

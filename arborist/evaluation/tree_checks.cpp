@@ -56,6 +56,11 @@ void TreeChecks::AddWithoutEntry(const Event& event)
     Add({event.GetId(), {}, Evidence::CheckOf(reason), reason, {}, false});
 }
 
+void TreeChecks::AddStopped(const Event& event)
+{
+    Add({event.GetId(), {}, Evidence::CheckOf(Reason::STOPPED), Reason::STOPPED, {}, false});
+}
+
 void TreeChecks::AddDecided(
     const Event& event, const EventRule* entry, const EventCheck& eventCheck, Evidence::Event& record)
 {

@@ -21,6 +21,8 @@ public:
 
     /// The next event has no entry in the event rules.
     void AddWithoutEntry(const Event& event);
+    /// The detection was stopped before the next event was decided; it has an entry.
+    void AddStopped(const Event& event);
     /// The next event was decided by this entry; `eventCheck` has what its alternatives came to. Completes the record.
     void AddDecided(const Event& event, const EventRule* entry, const EventCheck& eventCheck, Evidence::Event& record);
 

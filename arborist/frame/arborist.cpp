@@ -1,5 +1,8 @@
 #include "arborist/frame/arborist.h"
 
+#include <algorithm>
+#include <chrono>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -7,11 +10,16 @@
 #include "arborist/deduction/judge_tree.h"
 #include "arborist/evaluation/rule_engine.h"
 #include "arborist/evaluation/rule_helper.h"
+#include "arborist/frame/fault_tree_prop_global.h"
 #include "arborist/frame/log.h"
+#include "arborist/frame/settings.h"
+#include "arborist/frame/stopping.h"
 #include "arborist/loading/fault_tree_parser.h"
 #include "arborist/model/common_part.h"
+#include "arborist/model/event.h"
 #include "arborist/model/fault_tree.h"
 #include "arborist/utilities/file_util.h"
+#include "arborist/utilities/string_util.h"
 #include "arborist/utilities/zip_util.h"
 
 namespace {
@@ -37,6 +45,45 @@ Evidence::RuleSet RecordOf(const FaultTreeParser& parser)
         }
     }
     return record;
+}
+
+std::optional<std::chrono::duration<double>> TimeLimit()
+{
+    const std::string text = FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(Settings::TIME_LIMIT, "");
+    const double seconds = StringUtil::DoubleOf(text).value_or(-1);
+    return seconds >= 0 ? std::optional(std::chrono::duration<double>(seconds)) : std::nullopt;
+}
+
+// As long as it exists, a detection runs on this thread, and can be stopped.
+class StoppableDetection {
+public:
+    explicit StoppableDetection(StopRequest& request) : mRequest(request), mScope(&request)
+    {
+        request.Start(TimeLimit());
+    }
+    ~StoppableDetection() { mRequest.End(); }
+    StoppableDetection(const StoppableDetection&) = delete;
+    StoppableDetection& operator=(const StoppableDetection&) = delete;
+
+private:
+    StopRequest& mRequest;
+    StopScope mScope;
+};
+
+// The verdict on a tree that the stop left undecided. That its rules did not all run, or its root causes were not
+// deduced, is the reason in any case.
+void MarkStopped(Evidence::TreeVerdict& verdict, const FaultTree& tree)
+{
+    verdict.word = Evidence::TreeVerdict::Word::UNDECIDED;
+    verdict.isComplete = false;
+    verdict.isTrueWithoutCause = false;
+    const bool isTold = std::any_of(verdict.open.begin(), verdict.open.end(),
+        [](const Evidence::OpenCheck& open) { return open.reason == Evidence::Reason::STOPPED; });
+    if (!isTold) {
+        const auto top = tree.GetIntermediateEvent();
+        verdict.open.push_back({top == nullptr ? std::string() : top->GetId(), {},
+            Evidence::CheckOf(Evidence::Reason::STOPPED), Evidence::Reason::STOPPED, {}, false});
+    }
 }
 
 } // namespace
@@ -69,13 +116,25 @@ struct Arborist::RepairQuery {
 Arborist::Arborist(std::shared_ptr<DetectInfo> detectInfo)
     : mFaultTreeParser(std::make_shared<FaultTreeParser>(detectInfo)),
       mRuleEngine(std::make_shared<RuleEngine>(detectInfo, mFaultTreeParser)),
-      mFaultTreeVisitor(std::make_shared<FaultTreeVisitor>(mFaultTreeParser)), mDetectInfo(std::move(detectInfo))
+      mFaultTreeVisitor(std::make_shared<FaultTreeVisitor>(mFaultTreeParser)), mStop(std::make_unique<StopRequest>()),
+      mDetectInfo(std::move(detectInfo))
 {
 }
 
 Arborist::~Arborist() = default;
 
 std::vector<std::shared_ptr<FaultTreeResult>> Arborist::StartDetection()
+{
+    const StoppableDetection stoppable(*mStop);
+    return Detect();
+}
+
+void Arborist::RequestStop() noexcept
+{
+    mStop->Request();
+}
+
+std::vector<std::shared_ptr<FaultTreeResult>> Arborist::Detect()
 {
     constexpr char FUNCTION[] = "Arborist::StartDetection";
     auto& log = FT::Log::GetInstance();
@@ -86,19 +145,35 @@ std::vector<std::shared_ptr<FaultTreeResult>> Arborist::StartDetection()
         return {};
     }
     log.Output(FT::LEVEL_DEBUG, "FUNc:%s: StartDetection Parse finished", FUNCTION);
-    mRuleEngine->Init();
+    PrepareRules();
     const auto faultTrees = mFaultTreeParser->GetFaultTrees();
     if (faultTrees.empty()) {
         log.Output(FT::LEVEL_WARN, "FUNc:%s: StartDetection fault tree is invalid", FUNCTION);
         return {};
     }
     auto results = RunFaultTrees(faultTrees);
+    if (mStop->HasStopped()) {
+        const auto stopped = std::count_if(
+            results.begin(), results.end(), [](const auto& result) { return result->mIsStopped; });
+        log.Output(FT::LEVEL_WARN, "FUNc:%s: StartDetection stopped, %zu of %zu trees not decided", FUNCTION,
+            static_cast<std::size_t>(stopped), results.size());
+    }
     log.Output(FT::LEVEL_DEBUG, "FUNc:%s: StartDetection Run finished", FUNCTION);
     return results;
 }
 
+void Arborist::PrepareRules()
+{
+    try {
+        mRuleEngine->Init();
+    } catch (const DetectionStopped&) {
+        // No rule runs from here on; each tree tells so by itself.
+    }
+}
+
 bool Arborist::IsRunRule(const std::string& codeRuleId)
 {
+    const StopScope unstoppable(nullptr);
     constexpr char FUNCTION[] = "Arborist::IsRunRule";
     if (mDetectInfo == nullptr || codeRuleId.empty()) {
         FT::Log::GetInstance().Output(
@@ -115,6 +190,7 @@ bool Arborist::IsRunRule(const std::string& codeRuleId)
 template <typename Query>
 std::string Arborist::GetCodeRuleId(const std::string& detectCode)
 {
+    const StopScope unstoppable(nullptr);
     auto& log = FT::Log::GetInstance();
     if (detectCode.empty()) {
         log.Output(FT::LEVEL_WARN, Query::EMPTY_CODE, Query::FUNCTION);
@@ -191,21 +267,41 @@ std::shared_ptr<FaultTreeResult> Arborist::RunFaultTree(const std::shared_ptr<Fa
     }
     mRuleEngine->StartRunRules(faultTree);
     const TreeChecks& checks = mRuleEngine->GetTreeChecks();
-    mFaultTreeVisitor->DeduceRootCause(faultTree, checks.GetChecks());
+    const bool isDeduced = DeduceRootCauses(faultTree);
     const auto& nodes = mFaultTreeVisitor->GetRootCauseNodeList();
 
     auto result = std::make_shared<FaultTreeResult>(faultTree->GetId());
     result->mVersion = mFaultTreeParser->GetTreeFileVersion();
-    result->mIsFault = mFaultTreeVisitor->IsFault() && !nodes.empty();
+    result->mIsStopped = !isDeduced;
+    result->mIsFault = isDeduced && mFaultTreeVisitor->IsFault() && !nodes.empty();
     if (result->mIsFault) {
         result->mRootCauseResults = GetRootCauseResultList(nodes);
     }
     if (mObserver != nullptr) {
         Evidence::TreeVerdict verdict = JudgeTree(*faultTree, result->mIsFault, checks.GetChecks());
         verdict.open = checks.ListOpen(verdict.checks);
+        if (result->mIsStopped) {
+            MarkStopped(verdict, *faultTree);
+        }
         mObserver->OnTreeFinished({result->mTreeId, result->mIsFault, std::move(verdict)});
     }
     return result;
+}
+
+// False if the detection was stopped before or on the way; the statuses are folded even so, for whoever looks at them.
+bool Arborist::DeduceRootCauses(const std::shared_ptr<FaultTree>& faultTree)
+{
+    const auto& checks = mRuleEngine->GetTreeChecks().GetChecks();
+    if (mStop->HasStopped()) {
+        mFaultTreeVisitor->FoldStatuses(faultTree, checks);
+        return false;
+    }
+    try {
+        mFaultTreeVisitor->DeduceRootCause(faultTree, checks);
+        return true;
+    } catch (const DetectionStopped&) {
+        return false;
+    }
 }
 
 std::vector<std::shared_ptr<FaultTreeResult::RootCauseResult>> Arborist::GetRootCauseResultList(

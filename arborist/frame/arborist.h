@@ -14,11 +14,12 @@ class FaultTree;
 class FaultTreeParser;
 class FaultTreeVisitor;
 class RuleEngine;
+class StopRequest;
 
 /// Diagnoses one device: runs every fault tree of a rule set and returns the root causes of each.
 ///
 /// A call that fails logs a line and returns an empty answer; no call throws on purpose. Call from one thread at a
-/// time; each call blocks until it is done.
+/// time, except for RequestStop; each call blocks until it is done.
 class ARBORIST_EXPORT Arborist {
 public:
     /// Shares ownership of the input and never writes to it. With null every call returns an empty answer. Reads no
@@ -33,6 +34,15 @@ public:
     /// which. If an earlier call has read a rule set and a file is missing or malformed now, that earlier content stays
     /// in use, with the events that fired then still true.
     std::vector<std::shared_ptr<FaultTreeResult>> StartDetection();
+
+    /// Asks the running detection to end early: at the next rule, SQLite step, file or archive entry. Every tree has its
+    /// result all the same; those that were not decided by then are marked FaultTreeResult::mIsStopped, and their
+    /// verdict is UNDECIDED with the reason STOPPED. The rule set is read to its end first. The engine can be used
+    /// again at once, and no store is left half written.
+    ///
+    /// Any thread and any signal handler may call it. Without a running detection it does nothing: a detection that
+    /// starts later is not stopped.
+    void RequestStop() noexcept;
 
     /// True if the code rule of a detect code would run on this device and scene. The first code rule of the file whose
     /// code contains the text `codeRuleId` decides. Reads the rule set if that has not happened yet.
@@ -62,6 +72,9 @@ private:
 
     void Parse();
     bool IsParsed();
+    std::vector<std::shared_ptr<FaultTreeResult>> Detect();
+    void PrepareRules();
+    bool DeduceRootCauses(const std::shared_ptr<FaultTree>& faultTree);
     std::vector<std::shared_ptr<FaultTreeResult>> RunFaultTrees(
         const std::vector<std::shared_ptr<FaultTree>>& faultTrees);
     std::shared_ptr<FaultTreeResult> RunFaultTree(const std::shared_ptr<FaultTree>& faultTree);
@@ -74,6 +87,7 @@ private:
     std::shared_ptr<FaultTreeParser> mFaultTreeParser;
     std::shared_ptr<RuleEngine> mRuleEngine;
     std::shared_ptr<FaultTreeVisitor> mFaultTreeVisitor;
+    std::unique_ptr<StopRequest> mStop;
     std::shared_ptr<DetectInfo> mDetectInfo;
     // Directory into which the rule archive is unpacked.
     std::string mUnzipDir;

@@ -50,6 +50,7 @@ Check CheckOf(Reason reason)
     case Reason::NO_EVENT_RULE:
     case Reason::NO_RULE_NAMES:
     case Reason::NO_SUCH_RULE:
+    case Reason::STOPPED:
     case Reason::NO_RUNNER:
         return Check::NOT_CHECKED;
     case Reason::LOG_UNAVAILABLE:

@@ -27,6 +27,8 @@ const char* Evidence::ReasonText(Reason reason)
         return "no_checker";
     case Reason::NO_GATE:
         return "no_gate";
+    case Reason::STOPPED:
+        return "stopped";
     case Reason::GROUP_ENDED:
         return "group_ended";
     case Reason::NO_ITEMS:

@@ -28,6 +28,7 @@ enum class Reason {
     FILTERED_DEVICE_TYPE, ///< the device type is not among the rule's
     NO_CHECKER, ///< no checker for this class of rule
     NO_GATE, ///< an intermediate event has no gate that could be read: what should lie below is not known
+    STOPPED, ///< the detection was stopped before it was asked
     GROUP_ENDED, ///< an earlier rule of the same "multipleRule" was false
     // Alarm rules.
     NO_ITEMS, ///< the rule has no "alarmId"

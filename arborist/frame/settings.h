@@ -32,9 +32,14 @@ inline constexpr char AS_OF[] = "AsOf";
 /// write waits for the disk. A crash of the machine may then leave broken databases. Repairs are still written safely.
 inline constexpr char TEMPORARY_STORES[] = "TemporaryStores";
 
+/// When set to a number: the seconds, with a fraction if need be, that a detection may take. It then ends as after
+/// Arborist::RequestStop.
+inline constexpr char TIME_LIMIT[] = "TimeLimit";
+
 /// The keys of all settings. Code that sets some temporarily empties all of these at the end.
 inline constexpr const char* ALL[] = {
-    APP_DATABASE_DIR, APP_FILE_DIR, VERSION_NAME, PROGRAM_DATA_DIR, DEVICE_ROOT_DIR, CURRENT_TIME, AS_OF, TEMPORARY_STORES};
+    APP_DATABASE_DIR, APP_FILE_DIR, VERSION_NAME, PROGRAM_DATA_DIR, DEVICE_ROOT_DIR, CURRENT_TIME, AS_OF, TEMPORARY_STORES,
+    TIME_LIMIT};
 
 } // namespace Settings
 

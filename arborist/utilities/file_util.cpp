@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "arborist/frame/log.h"
+#include "arborist/frame/stopping.h"
 #include "arborist/utilities/platform.h"
 
 namespace fs = std::filesystem;
@@ -24,6 +25,7 @@ bool Walk(const std::string& path, Visit visit)
     std::error_code error;
     fs::recursive_directory_iterator entry(path, fs::directory_options::skip_permission_denied, error);
     for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+        StopPoint::Pass();
         if (!visit(*entry)) {
             return false;
         }

@@ -7,6 +7,8 @@
 #include <minizip/unzip.h>
 #include <zlib.h>
 
+#include "arborist/frame/stopping.h"
+
 namespace {
 
 constexpr std::size_t NAME_LENGTH = 128; // with the terminator
@@ -94,6 +96,7 @@ bool CopyContent(void* archive, const ZipEntry& entry, std::FILE* file)
     std::array<char, BLOCK_LENGTH> block;
     uLong checksum = 0;
     for (std::uint64_t left = entry.length; left > 0;) {
+        StopPoint::Pass();
         const auto wanted = static_cast<unsigned int>(std::min<std::uint64_t>(left, block.size()));
         const int got = unzReadCurrentFile(archive, block.data(), wanted);
         if (got <= 0) {

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include <minizip/unzip.h>
@@ -141,19 +142,38 @@ std::string UnfinishedPath(const std::string& target)
     return target + name;
 }
 
+// A file that is removed at the end unless it was moved to its place.
+class UnfinishedFile {
+public:
+    explicit UnfinishedFile(std::string path) : mPath(std::move(path)) {}
+    ~UnfinishedFile()
+    {
+        std::error_code ignored;
+        if (!mIsInPlace) {
+            std::filesystem::remove(mPath, ignored);
+        }
+    }
+    UnfinishedFile(const UnfinishedFile&) = delete;
+    UnfinishedFile& operator=(const UnfinishedFile&) = delete;
+
+    const std::string& GetPath() const { return mPath; }
+    bool MoveTo(const std::string& place)
+    {
+        std::error_code error;
+        std::filesystem::rename(mPath, place, error);
+        return mIsInPlace = !error;
+    }
+
+private:
+    std::string mPath;
+    bool mIsInPlace = false;
+};
+
 // Unpacks a file beside its target and moves it there once it is complete; an existing file stays until then.
 bool ExtractFile(unzFile archive, const ZipEntry& entry, const std::string& target)
 {
-    const std::string unfinished = UnfinishedPath(target);
-    std::error_code error;
-    if (UnpackTo(archive, entry, unfinished)) {
-        std::filesystem::rename(unfinished, target + entry.name, error);
-        if (!error) {
-            return true;
-        }
-    }
-    std::filesystem::remove(unfinished, error);
-    return false;
+    UnfinishedFile unfinished(UnfinishedPath(target));
+    return UnpackTo(archive, entry, unfinished.GetPath()) && unfinished.MoveTo(target + entry.name);
 }
 
 // `unread` is the number of archive bytes that no entry has used yet. Entries that share bytes exceed it and fail: a

@@ -118,7 +118,7 @@ std::optional<Failure> BundleSession::EnterFolder(const BundlePath& path, const 
         return Failure{"no_bundle", path.given + ": can't be entered: " + reason.message()};
     }
     mPathsShown.Show(mNames);
-    SetSettings();
+    SetSettings(overrides);
     return std::nullopt;
 }
 
@@ -151,11 +151,12 @@ std::optional<Failure> BundleSession::SetMoment()
     return std::nullopt;
 }
 
-void BundleSession::SetSettings()
+void BundleSession::SetSettings(const BundleOverrides& overrides)
 {
     auto settings = mSettings;
     settings[Settings::CURRENT_TIME] = mMoment ? std::to_string(*mMoment) : "";
     settings[Settings::AS_OF] = mBundle.asOf.empty() ? "" : settings[Settings::CURRENT_TIME];
+    settings[Settings::TIME_LIMIT] = overrides.timeLimit > 0 ? std::to_string(overrides.timeLimit) : "";
     // The databases that a detection writes are removed with the scratch folder.
     settings[Settings::TEMPORARY_STORES] = mScratch.IsMade() ? "1" : "";
     mSettingsInForce.Set(settings);

@@ -29,6 +29,8 @@ struct BundleOverrides {
     std::string rules;
     /// Diagnose this machine with the bundle's rules and device record: its roots in place of those in the bundle.
     bool isLive = false;
+    /// Seconds that a detection may take; 0 for no limit.
+    double timeLimit = 0;
 };
 
 /// The purpose of entering a bundle. RUN doesn't change it: the library writes into a scratch folder. RECORD writes
@@ -73,7 +75,7 @@ private:
     std::optional<Failure> EnterFolder(const BundlePath& path, const BundleOverrides& overrides, BundleUse use);
     std::optional<Failure> CheckRoots(const BundlePath& path) const;
     std::optional<Failure> SetMoment();
-    void SetSettings();
+    void SetSettings(const BundleOverrides& overrides);
 
     Scratch mScratch;
     PathNames mNames;

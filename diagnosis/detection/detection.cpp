@@ -11,6 +11,7 @@
 #include "diagnosis/bundle/rule_paths.h"
 #include "diagnosis/detection/bad_pattern.h"
 #include "diagnosis/evidence/explanation_recorder.h"
+#include "diagnosis/process/interruption.h"
 #include "diagnosis/text/near_match.h"
 
 namespace diagnosis {
@@ -117,6 +118,10 @@ public:
         try {
             Arborist engine(mInfo);
             engine.SetObserver(mRecorder);
+            std::optional<StoppedBySignal> stoppable;
+            if (mOptions.stopsOnSignal) {
+                stoppable.emplace(engine);
+            }
             report.results = engine.StartDetection();
             report.failure = RuleSetFailure(mRecorder->GetRuleSet(), mSession.GetBundle());
         } catch (...) {

@@ -26,6 +26,8 @@ struct DetectionOptions {
     bool checksRuleSet = true;
     /// What is known of rule sets from earlier detections; may be null.
     std::shared_ptr<RuleSetMemory> ruleSets = nullptr;
+    /// A SIGINT stops the detection instead of ending the process; see StoppedBySignal.
+    bool stopsOnSignal = false;
 };
 
 /// The complete output of one detection, from which all renderings are made.

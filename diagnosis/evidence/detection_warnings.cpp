@@ -1,5 +1,6 @@
 #include "diagnosis/evidence/detection_warnings.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <utility>
 
@@ -71,6 +72,11 @@ void DetectionWarnings::OnRuleSet(const Evidence::RuleSet& ruleSet)
 
 void DetectionWarnings::OnTreeFinished(const Evidence::TreeResult& result)
 {
+    const auto& open = result.verdict.open;
+    ++mTrees;
+    mStoppedTrees += std::any_of(open.begin(), open.end(), [](const Evidence::OpenCheck& check) {
+        return check.reason == Reason::STOPPED;
+    }) ? 1U : 0U;
     if (result.verdict.isTrueWithoutCause) {
         mList.Add("true_without_cause", "the top event of the tree " + Quoted(result.id)
             + " is TRUE, and no cut set explains it: no root cause can be told");
@@ -163,11 +169,21 @@ void DetectionWarnings::LookBefore(const BundleSession& session)
 
 void DetectionWarnings::LookAfter(const BundleSession& session)
 {
-    if (mWantsLog || !mEventTables.empty()) {
+    TellStop();
+    // Looking at a log takes as long as reading it, for which a stopped detection has no time left.
+    if (mStoppedTrees == 0 && (mWantsLog || !mEventTables.empty())) {
         TellEventLog(session);
     }
     TellNodes();
     TellAttributes(session);
+}
+
+void DetectionWarnings::TellStop()
+{
+    if (mStoppedTrees != 0) {
+        mList.Add("stopped", "the detection was stopped: " + std::to_string(mStoppedTrees) + " of "
+            + std::to_string(mTrees) + (mTrees == 1 ? " tree is" : " trees are") + " not decided");
+    }
 }
 
 // A single warning for all files: rule sets for many kinds of devices name many files that one device lacks.

@@ -1,6 +1,7 @@
 #ifndef ARBORIST_DIAGNOSIS_EVIDENCE_DETECTION_WARNINGS_H
 #define ARBORIST_DIAGNOSIS_EVIDENCE_DETECTION_WARNINGS_H
 
+#include <cstddef>
 #include <set>
 #include <string>
 #include <vector>
@@ -30,6 +31,7 @@ public:
 private:
     void OnRule(const Evidence::Rule& rule);
     void OnStatement(const Evidence::Statement& statement, const std::string& ruleName);
+    void TellStop();
     void TellNodes();
     void TellEventLog(const BundleSession& session);
     void TellAttributes(const BundleSession& session);
@@ -43,6 +45,8 @@ private:
     bool mWantsLog = false;
     bool mHasBadExtra = false;
     bool mLacksThresholds = false;
+    std::size_t mTrees = 0;
+    std::size_t mStoppedTrees = 0;
 };
 
 } // namespace diagnosis

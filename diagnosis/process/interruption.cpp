@@ -1,11 +1,14 @@
 #include "diagnosis/process/interruption.h"
 
+#include <atomic>
 #include <climits>
+#include <csignal>
 #include <cstring>
 #include <optional>
 
 #include <unistd.h>
 
+#include "arborist/frame/arborist.h"
 #include "diagnosis/process/signals.h"
 #include "diagnosis/process/tree_removal.h"
 
@@ -24,19 +27,48 @@ struct Slot {
 };
 Slot slots[SLOTS];
 std::optional<SignalActions> listening;
-int usedSlots = 0;
+// Of slots and detections.
+int listeners = 0;
+
+/// The detection that the next SIGINT stops.
+std::atomic<Arborist*> stoppable = nullptr;
+static_assert(std::atomic<Arborist*>::is_always_lock_free);
+volatile std::sig_atomic_t hasStopped = 0;
+
+constexpr int HANDLER_FLAGS = static_cast<int>(SA_RESETHAND | SA_NODEFER);
+
+void CleanUp(bool groups)
+{
+    for (const Slot& slot : slots) {
+        if (slot.owner == getpid() && (slot.group != 0) == groups) {
+            groups ? static_cast<void>(kill(-slot.group, SIGKILL)) : RemoveTree(slot.folder);
+        }
+    }
+}
+
+// Stops the detection, if there is one to stop, and listens to the signal again.
+bool StopDetection(void (*handler)(int))
+{
+    Arborist* const engine = stoppable.exchange(nullptr);
+    if (engine == nullptr) {
+        return false;
+    }
+    struct sigaction action = {};
+    action.sa_handler = handler;
+    action.sa_flags = HANDLER_FLAGS;
+    sigaction(SIGINT, &action, nullptr);
+    hasStopped = 1;
+    engine->RequestStop();
+    return true;
+}
 
 void TidyUpAndEnd(int number)
 {
-    // Programs first, as they may write into a folder.
-    for (const bool isGroup : {true, false}) {
-        for (const Slot& slot : slots) {
-            if (slot.owner != getpid() || (slot.group != 0) != isGroup) {
-                continue;
-            }
-            isGroup ? static_cast<void>(kill(-slot.group, SIGKILL)) : RemoveTree(slot.folder);
-        }
+    CleanUp(true); // programs first, as they may write into a folder
+    if (number == SIGINT && StopDetection(TidyUpAndEnd)) {
+        return;
     }
+    CleanUp(false);
     // The handler is reset and the signal not blocked, so the process ends here.
     raise(number);
 }
@@ -46,8 +78,23 @@ void ListenToSignals()
     listening.emplace();
     for (const int number : ENDING_SIGNALS) {
         if (CurrentHandler(number) == SIG_DFL) {
-            listening->Handle(number, TidyUpAndEnd, static_cast<int>(SA_RESETHAND | SA_NODEFER));
+            listening->Handle(number, TidyUpAndEnd, HANDLER_FLAGS);
         }
+    }
+}
+
+// Call both while the signals are blocked.
+void AddListener()
+{
+    if (listeners++ == 0) {
+        ListenToSignals();
+    }
+}
+
+void RemoveListener()
+{
+    if (--listeners == 0) {
+        listening.reset();
     }
 }
 
@@ -60,9 +107,7 @@ int TakeSlot(const std::string& folder, pid_t group)
             slot.group = group;
             std::memcpy(slot.folder, folder.c_str(), folder.size() + 1);
             slot.owner = getpid();
-            if (usedSlots++ == 0) {
-                ListenToSignals();
-            }
+            AddListener();
             return number;
         }
     }
@@ -88,11 +133,35 @@ void Interruption::Forget()
     const SignalsHeldBack heldBack;
     if (mSlot >= 0 && slots[mSlot].owner == getpid()) {
         slots[mSlot].owner = 0;
-        if (--usedSlots == 0) {
-            listening.reset();
-        }
+        RemoveListener();
     }
     mSlot = -1;
+}
+
+StoppedBySignal::StoppedBySignal(Arborist& engine)
+{
+    const SignalsHeldBack heldBack;
+    AddListener();
+    stoppable = &engine;
+}
+
+StoppedBySignal::~StoppedBySignal()
+{
+    const SignalsHeldBack heldBack;
+    stoppable = nullptr;
+    RemoveListener();
+}
+
+bool WasStoppedBySignal()
+{
+    return hasStopped != 0;
+}
+
+void EndIfStoppedBySignal()
+{
+    if (WasStoppedBySignal()) {
+        raise(SIGINT);
+    }
 }
 
 } // namespace diagnosis

@@ -5,6 +5,8 @@
 
 #include <sys/types.h>
 
+class Arborist;
+
 namespace diagnosis {
 
 /// A folder with its content, or a group of processes, that is cleaned up when one of ENDING_SIGNALS ends the process.
@@ -25,6 +27,23 @@ public:
 private:
     int mSlot = -1;
 };
+
+/// As long as it exists, the first SIGINT does not end the process: it kills the programs that a detection runs and asks
+/// the detection to stop, so that its results so far can be shown. A second one ends the process as without this object.
+/// One at a time; the signal is left alone if it was ignored or had another handler.
+class StoppedBySignal {
+public:
+    /// `engine` must outlive the object.
+    explicit StoppedBySignal(Arborist& engine);
+    ~StoppedBySignal();
+    StoppedBySignal(const StoppedBySignal&) = delete;
+    StoppedBySignal& operator=(const StoppedBySignal&) = delete;
+};
+
+/// True if a SIGINT has stopped a detection of this process.
+bool WasStoppedBySignal();
+/// Ends the process by SIGINT if that is so: call it when everything is shown and cleaned up.
+void EndIfStoppedBySignal();
 
 } // namespace diagnosis
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "arborist/deduction/root_cause.h"
+#include "arborist/frame/stopping.h"
 #include "tests/deduction/cause_text.h"
 #include "tests/support/case_name.h"
 #include "tests/support/log_capture.h"
@@ -165,6 +166,28 @@ TEST(RootCauseSearchTest, ThousandsOfLevelsAreWalked)
         ASSERT_THAT(found.rootCauses, SizeIs(1));
         EXPECT_THAT(found.rootCauses[0]->GetPaths(), SizeIs(3002));
         EXPECT_THAT(found.rootCauses[0]->GetPaths().front(), Eq(leafId));
+    }
+}
+
+// The second point lies in the product, the last one where the causes of its cut sets are collected.
+TEST(RootCauseSearchTest, EndsWithTheDetectionOnItsWay)
+{
+    std::vector<std::shared_ptr<Event>> leaves;
+    for (int leaf = 0; leaf < 100; ++leaf) {
+        leaves.push_back(Leaf("E" + std::to_string(leaf), TRUE));
+    }
+    const auto tree = TreeOf(Inner("T", And({Inner("G", Or(leaves)), Inner("H", Or(leaves))})));
+    tree->Check();
+    StopRequest request;
+    const StopScope scope(&request);
+    request.Start(std::nullopt);
+    EXPECT_THAT(RootCauseSearch::Find(*tree).rootCauses, SizeIs(10'000));
+    const std::uint64_t questions = request.GetQuestions();
+    EXPECT_EQ(questions, 3 + 10'000U);
+    for (const std::uint64_t question : {std::uint64_t{2}, questions}) {
+        request.Start(std::nullopt);
+        request.StopAtQuestion(question);
+        EXPECT_THROW(RootCauseSearch::Find(*tree), DetectionStopped);
     }
 }
 

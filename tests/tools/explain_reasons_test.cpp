@@ -200,6 +200,8 @@ std::vector<ReasonCase> CasesBeforeTheChecker()
         {"no_event_rule", [](RuleXml& rules) { rules.In("EventRules", Xml("Event").TextChild("ID", "E")); }, "",
             {"E  [no_event_rule]"}, "",
             [](const TempDir& dir) { dir.Write("b/rules/FaultTreeRules.xml", RuleXml("Tag").Text()); }},
+        {"stopped", Node("5"), "", {"open: E: not_checked, stopped"}, "", [](const TempDir&) {}, {}, "",
+            {"--time-limit", "0.000001"}},
         {"no_such_rule", [](RuleXml&) {}, "SKIP", {"rule r: SKIP no_such_rule"}},
         {"filtered_black_product", Filtered("blackProducts", "P1,P2"), "SKIP",
             {"rule r (code): SKIP filtered_black_product", "the device has \"P1\", the rule excludes \"P1,P2\""},

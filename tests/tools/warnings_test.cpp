@@ -360,6 +360,8 @@ std::vector<WarningCase> Warnings()
                 std::filesystem::remove("b/temperature");
             },
             "a node file can't be read: \"temperature\"", 4},
+        {"stopped", [](auto& test) { WriteHotBundle(test.mDir, "b"); },
+            "the detection was stopped: 1 of 1 tree is not decided", 4, {"--time-limit", "0.000001"}},
         {"no_code_runner", [](auto& test) { WriteCodeBundle(test.mDir, "b", {"info"}); },
             "the code rule \"ruleC1\" has no recorded answer, and no --code-runner was given", 4},
         {"bad_number", [](auto& test) {

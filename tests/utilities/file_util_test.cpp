@@ -14,6 +14,7 @@
 #include <gmock/gmock.h>
 
 #include "arborist/frame/log.h"
+#include "arborist/frame/stopping.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/temp_dir.h"
 
@@ -590,6 +591,18 @@ TEST_F(FileUtilTest, ThreadTakesTheStartOfALongName)
     ASSERT_EQ(pthread_getname_np(pthread_self(), name, sizeof(name)), 0);
     FileUtil::SetThreadDescription(before);
     EXPECT_STREQ(name, "a name of more ");
+}
+
+TEST_F(FileUtilTest, WalkEndsWithTheDetectionAtTheNextEntry)
+{
+    mDir.Write("d/a", "");
+    StopRequest request;
+    const StopScope scope(&request);
+    request.Start(std::nullopt);
+    request.Request();
+    std::vector<std::string> files;
+    EXPECT_THROW(FileUtil::GetDirFiles("d", files), DetectionStopped);
+    EXPECT_THAT(files, IsEmpty());
 }
 
 } // namespace

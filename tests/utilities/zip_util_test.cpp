@@ -12,6 +12,7 @@
 #include <gmock/gmock.h>
 
 #include "arborist/frame/log.h"
+#include "arborist/frame/stopping.h"
 #include "tests/support/case_name.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/temp_dir.h"
@@ -360,6 +361,17 @@ TEST_F(ZipUtilTest, ArchiveThatCannotBeMadeIsNull)
 {
     EXPECT_EQ(ZipUtil::CreateZipFile("missing/a.zip"), nullptr);
     ZipUtil::CloseZipFile(nullptr);
+}
+
+TEST_F(ZipUtilTest, EndsWithTheDetectionWithinAnEntryAndLeavesNoHalfFile)
+{
+    StopRequest request;
+    const StopScope scope(&request);
+    request.Start(std::nullopt);
+    request.StopAtQuestion(100);
+    EXPECT_THROW(UnZip({{"a", "whole"}, {"b", std::string(300'000, 'x')}}), DetectionStopped);
+    EXPECT_EQ(mDir.Read("above/target/a"), "whole");
+    EXPECT_EQ(std::distance(fs::directory_iterator("above/target"), fs::directory_iterator()), 1);
 }
 
 } // namespace

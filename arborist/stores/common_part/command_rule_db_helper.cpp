@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "arborist/frame/evidence.h"
+#include "arborist/frame/stopping.h"
 #include "arborist/frame/trouble_watch.h"
 #include "arborist/stores/common_part/lower_case.h"
 #include "arborist/stores/sql/simple_database_helper.h"
@@ -135,7 +136,12 @@ CommandRuleDbHelper::ParamList CommandRuleDbHelper::RunSql(const std::string& sq
     // Only provides the fields: no table of that name exists.
     FT::sql::SqlTable table(database.GetHandle(), "tmp_table", fields.data(), fields.size());
     const StatementTrouble inRecord(std::nullopt);
-    mRowCount = FT::sql::SimpleDatabaseHelper().GetRecordCountByFullSql(table, sql);
+    try {
+        mRowCount = FT::sql::SimpleDatabaseHelper().GetRecordCountByFullSql(table, sql);
+    } catch (const DetectionStopped&) {
+        database.Close(); // a text of several statements may have left a transaction or a table of its own
+        throw;
+    }
     if (record != nullptr) {
         record->database = mConnection.GetPath();
         record->opened = database.IsOpen();

@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "arborist/frame/stopping.h"
 #include "arborist/stores/common_part/lower_case.h"
 #include "arborist/utilities/device_paths.h"
 #include "arborist/utilities/file_util.h"
@@ -93,6 +94,7 @@ private:
         std::vector<Entry> entries;
         std::vector<std::pair<std::size_t, const std::string*>> open; // directories with their paths
         for (const std::string& path : paths) {
+            StopPoint::Pass();
             while (!open.empty() && !IsBelow(path, *open.back().second)) {
                 entries[open.back().first].end = entries.size();
                 open.pop_back();
@@ -247,6 +249,7 @@ private:
         if (isFull && wasEntered) {
             return false;
         }
+        StopPoint::Pass();
         ++mEntered;
         wasEntered = true;
         return true;

@@ -3,6 +3,7 @@
 #include <string_view>
 #include <utility>
 
+#include "arborist/frame/stopping.h"
 #include "arborist/stores/sql/sql_cursor.h"
 #include "arborist/stores/sql/sql_database.h"
 
@@ -44,13 +45,17 @@ void DerivedTableStage::Publish(const std::function<void(const std::string& stat
     RunQuietly(mDatabase, "drop table temp." + mTableName);
 }
 
-void DerivedTableStage::WriteAhead(FT::sql::SqlDatabase& database, bool on)
+DerivedTableStage::WriteAhead::WriteAhead(FT::sql::SqlDatabase& database) : mDatabase(database)
 {
-    if (on) {
-        RunQuietly(database, "PRAGMA locking_mode=EXCLUSIVE");
-        RunQuietly(database, "PRAGMA journal_mode=WAL");
-        return;
-    }
-    RunQuietly(database, "PRAGMA journal_mode=DELETE");
-    RunQuietly(database, "PRAGMA locking_mode=NORMAL");
+    const StopScope unstoppable(nullptr);
+    RunQuietly(mDatabase, "PRAGMA locking_mode=EXCLUSIVE");
+    RunQuietly(mDatabase, "PRAGMA journal_mode=WAL");
+}
+
+DerivedTableStage::WriteAhead::~WriteAhead()
+{
+    const StopScope unstoppable(nullptr);
+    RunQuietly(mDatabase, "ROLLBACK"); // fails without an open transaction, as it mostly is
+    RunQuietly(mDatabase, "PRAGMA journal_mode=DELETE");
+    RunQuietly(mDatabase, "PRAGMA locking_mode=NORMAL");
 }

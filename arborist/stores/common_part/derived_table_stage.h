@@ -24,9 +24,18 @@ public:
     /// Drops the table in memory.
     void Publish(const std::function<void(const std::string& statement)>& insertRow);
 
-    /// Switches write-ahead logging on or off. It makes the transaction of a single row cheap, and the file stays
-    /// intact if the process dies in between. Switch it off at the end.
-    static void WriteAhead(FT::sql::SqlDatabase& database, bool on);
+    /// As long as it exists, write-ahead logging makes the transaction of a single row cheap; the file stays intact if
+    /// the process dies in between. The end drops a transaction that is still open.
+    class WriteAhead {
+    public:
+        explicit WriteAhead(FT::sql::SqlDatabase& database);
+        ~WriteAhead();
+        WriteAhead(const WriteAhead&) = delete;
+        WriteAhead& operator=(const WriteAhead&) = delete;
+
+    private:
+        FT::sql::SqlDatabase& mDatabase;
+    };
 
 private:
     FT::sql::SqlDatabase& mDatabase;

@@ -89,9 +89,8 @@ void DerivedTableWriter::Write(const std::vector<Json::Value>& rows)
         stage.Publish([this](const std::string& statement) { InsertRow(statement); });
         return;
     }
-    DerivedTableStage::WriteAhead(mDatabase, true);
+    const DerivedTableStage::WriteAhead writeAhead(mDatabase);
     InsertAll(rows, &DerivedTableWriter::InsertRow);
-    DerivedTableStage::WriteAhead(mDatabase, false);
 }
 
 void DerivedTableWriter::InsertAll(const std::vector<Json::Value>& rows, Insert insert)

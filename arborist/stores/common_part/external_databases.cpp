@@ -7,6 +7,7 @@
 #include "arborist/frame/fault_tree_prop_global.h"
 #include "arborist/frame/log.h"
 #include "arborist/frame/settings.h"
+#include "arborist/frame/stopping.h"
 #include "arborist/stores/common_part/database_search.h"
 #include "arborist/stores/common_part/database_steps.h"
 #include "arborist/stores/common_part/file_name_pattern.h"
@@ -61,6 +62,26 @@ bool HoldsTwoDots(const std::string& path)
 {
     return path.find("..") != std::string::npos;
 }
+
+// Removes a folder with its content if a stop ends the work in it: what is left there would pass for files of the next
+// archive.
+class WorkDirectory {
+public:
+    explicit WorkDirectory(std::string path) : mPath(std::move(path)) { FileUtil::ForceCreateDirectory(mPath); }
+    ~WorkDirectory()
+    {
+        if (StopPoint::HasStopped()) {
+            FileUtil::ForceRemoveDirectory(mPath, true);
+        }
+    }
+    WorkDirectory(const WorkDirectory&) = delete;
+    WorkDirectory& operator=(const WorkDirectory&) = delete;
+
+    const std::string& GetPath() const { return mPath; }
+
+private:
+    std::string mPath;
+};
 
 // `missing` receives why there are none.
 PathList GetFileList(
@@ -141,6 +162,7 @@ Copies CopyDbFile(const std::string& path, const std::string& dbName)
     FileNamePattern pattern(dbName);
     std::map<std::string, std::string> sourceByTarget; // the source of the last copy to each target
     for (const std::string& candidate : candidates) {
+        StopPoint::Pass();
         if (!FileUtil::FileExists(candidate)) {
             continue;
         }
@@ -180,25 +202,25 @@ PathList UnZipFile(const std::string& zipPath, const std::string& directory)
     }
     FileUtil::ForceCreateDirectory(directory);
     // Always the same directory: files that an earlier run left in it are copied, too.
-    const std::string workDirectory = directory + "/temp";
-    FileUtil::ForceCreateDirectory(workDirectory);
-    if (!ZipUtil::UnZipFile(zipPath, workDirectory + "/")) {
+    const WorkDirectory workDirectory(directory + "/temp");
+    if (!ZipUtil::UnZipFile(zipPath, workDirectory.GetPath() + "/")) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: unZip file fail.", NAME);
         return {};
     }
     PathList unpacked;
-    FileUtil::GetDirFiles(workDirectory, unpacked);
+    FileUtil::GetDirFiles(workDirectory.GetPath(), unpacked);
     for (const std::string& file : unpacked) {
         RemoveLeftovers(TargetOf(file, directory));
     }
     for (std::string& file : unpacked) {
+        StopPoint::Pass();
         if (!CopyFile(file, directory)) {
             FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Copy file fail.", NAME);
         }
         // Listed even if the copy failed: an older copy may exist there.
         file = TargetOf(file, directory);
     }
-    if (!FileUtil::ForceRemoveDirectory(workDirectory, true)) {
+    if (!FileUtil::ForceRemoveDirectory(workDirectory.GetPath(), true)) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: remove folder fail.", NAME);
     }
     return unpacked;

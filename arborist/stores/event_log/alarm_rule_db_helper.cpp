@@ -3,6 +3,7 @@
 #include "arborist/frame/fault_tree_prop_global.h"
 #include "arborist/frame/log.h"
 #include "arborist/frame/settings.h"
+#include "arborist/frame/stopping.h"
 #include "arborist/utilities/device_paths.h"
 #include "arborist/utilities/file_util.h"
 
@@ -61,6 +62,7 @@ AlarmRuleDbHelper::EventList AlarmRuleDbHelper::GetEventList(
 
 AlarmRuleDbHelper::Reading AlarmRuleDbHelper::VisitEvents(const Query& query, const Visitor& visitor)
 {
+    StopPoint::Pass();
     Query rest = query;
     const std::int64_t end = query.GetToldEnd();
     while (!(rest.firstId < end ? EnsureOpen() : mDatabase.IsOpen())) {

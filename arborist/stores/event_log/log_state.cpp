@@ -1,5 +1,6 @@
 #include "arborist/stores/event_log/log_state.h"
 
+#include "arborist/frame/stopping.h"
 #include "arborist/stores/sql/sql_cursor.h"
 
 using FT::sql::SqlCursor;
@@ -11,6 +12,7 @@ ReadTransaction::ReadTransaction(const FT::sql::Sqlite3Db& database) : mDb(datab
 
 ReadTransaction::~ReadTransaction()
 {
+    const StopScope unstoppable(nullptr);
     SqlCursor(mDb, "COMMIT").Step();
 }
 

@@ -109,12 +109,12 @@ bool RepairDbUtil::QueryAgain(const std::string& repairId, std::string& date)
     if (mReader == nullptr) {
         mReader = std::make_unique<RepairTableReader>(*mDatabase);
     }
+    const RepairTableReader::Lock lock(*mReader);
     if (!mReader->IsThere()) {
         return false;
     }
     LogTableExists(RepairTableReader::TABLE_NAME);
     date = QueryRepairDate(repairId);
-    mReader->Release();
     return true;
 }
 

@@ -13,6 +13,18 @@ public:
 
     explicit RepairTableReader(const FT::sql::SqlDatabase& database) : mDatabase(database) {}
 
+    /// Releases the lock of IsThere at its end.
+    class Lock {
+    public:
+        explicit Lock(RepairTableReader& reader) : mReader(reader) {}
+        ~Lock() { mReader.Release(); }
+        Lock(const Lock&) = delete;
+        Lock& operator=(const Lock&) = delete;
+
+    private:
+        RepairTableReader& mReader;
+    };
+
     /// True if the table exists; false also if the file can't be read. Logs nothing. After true the file stays locked
     /// for reading until Release, so that all queries in between belong to one transaction.
     bool IsThere();

@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include "arborist/frame/stopping.h"
+
 namespace FT::sql {
 
 SqlCursor::SqlCursor(const Sqlite3Db& database, const std::string& sql) : mDb(database)
@@ -10,10 +12,12 @@ SqlCursor::SqlCursor(const Sqlite3Db& database, const std::string& sql) : mDb(da
         mError = "database is closed";
         return;
     }
+    StopPoint::Pass();
     mDb.StartText();
     if (sqlite3_prepare_v2(mDb.connection, sql.c_str(), static_cast<int>(sql.size()) + 1, &mStatement, nullptr) !=
         SQLITE_OK) {
         Fail();
+        StopPoint::Pass();
     }
 }
 
@@ -35,12 +39,16 @@ bool SqlCursor::Step()
         Fail();
     }
     sqlite3_reset(mStatement);
+    if (!IsOk()) {
+        StopPoint::Pass();
+    }
     return false;
 }
 
 void SqlCursor::Restart()
 {
     Reset();
+    StopPoint::Pass();
     if (IsReady()) {
         mError.clear();
     }

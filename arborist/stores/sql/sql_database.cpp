@@ -11,6 +11,7 @@
 #include <sqlite3.h>
 
 #include "arborist/frame/log.h"
+#include "arborist/frame/stopping.h"
 #include "arborist/stores/sql/sql_operator.h"
 
 namespace FT::sql {
@@ -90,6 +91,9 @@ constexpr int STEPS_AT_ONCE = 1000;
 // Counts steps instead of time, so that a statement is interrupted at the same place on a busy machine.
 int TakeSteps(void* context)
 {
+    if (StopPoint::IsDue()) {
+        return 1; // whoever runs the statement passes a stop point after it
+    }
     const auto& database = *static_cast<const Sqlite3Db*>(context);
     database.stepsLeft -= std::min<std::uint64_t>(database.stepsLeft, STEPS_AT_ONCE);
     if (database.stepsLeft != 0) {

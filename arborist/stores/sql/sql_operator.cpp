@@ -8,6 +8,7 @@
 #include <sqlite3.h>
 
 #include "arborist/frame/log.h"
+#include "arborist/frame/stopping.h"
 #include "arborist/frame/trouble_watch.h"
 
 namespace FT::sql {
@@ -57,6 +58,7 @@ bool SqlOperator::Run(const std::string& sql, RowCallback callback)
         Log::GetInstance().Output(LEVEL_ERROR, Way::NO_DATABASE, Way::FUNCTION);
         return false;
     }
+    StopPoint::Pass();
     char* errorText = nullptr;
     db.StartText();
     resultCode = sqlite3_exec(db.connection, sql.c_str(), callback, callback == nullptr ? nullptr : this, &errorText);
@@ -69,6 +71,7 @@ bool SqlOperator::Run(const std::string& sql, RowCallback callback)
     }
     errorMessage = errorText;
     sqlite3_free(errorText);
+    StopPoint::Pass(); // the failure may be the stop's, and then belongs into no log
     if (!errorMessage.empty()) {
         Log::GetInstance().Output(LEVEL_ERROR, Way::FAILED, Way::FUNCTION, errorMessage.c_str());
         StatementTrouble::Tell(errorMessage, db.path);

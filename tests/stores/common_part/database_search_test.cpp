@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include "arborist/frame/stopping.h"
 #include "tests/support/temp_dir.h"
 
 namespace {
@@ -166,6 +167,25 @@ TEST_F(DatabaseSearchTest, OneWalkGivesTheOrderOfAllTheWalks)
     ListPlainly(mDir.Path("d"), plain);
     EXPECT_EQ(DatabaseSearch(".*\\.db").Find(mDir.Path("d"), true), plain);
     EXPECT_THAT(plain, SizeIs(2 + 2 + 2 * 4 + 8 + 2 + 8));
+}
+
+TEST_F(DatabaseSearchTest, EndsWithTheDetectionAtAnyEntry)
+{
+    for (const char* file : {"d/a.db", "d/m/b.db", "d/m/n/c.db"}) {
+        mDir.Write(file, "");
+    }
+    StopRequest request;
+    const StopScope scope(&request);
+    request.Start(std::nullopt);
+    const auto all = Find("d");
+    const std::uint64_t questions = request.GetQuestions();
+    EXPECT_GE(questions, 5U + 5U + 2U); // reading, looking and entering
+    for (std::uint64_t question = 1; question <= questions; ++question) {
+        request.Start(std::nullopt);
+        request.StopAtQuestion(question);
+        EXPECT_THROW(Find("d"), DetectionStopped) << question;
+        EXPECT_EQ(Find("d"), all);
+    }
 }
 
 } // namespace

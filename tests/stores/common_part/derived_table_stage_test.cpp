@@ -75,13 +75,26 @@ TEST_F(DerivedTableStageTest, StatementThatMakesNoTableOpensNoStageAndSaysNothin
 
 TEST_F(DerivedTableStageTest, LogWrittenAheadIsGoneAtItsEnd)
 {
-    DerivedTableStage::WriteAhead(mDatabase, true);
-    Run("insert into T (n) values (7)");
-    EXPECT_THAT(RowsInTheFile(), ElementsAre("error: database is locked"));
-    DerivedTableStage::WriteAhead(mDatabase, false);
+    {
+        const DerivedTableStage::WriteAhead writeAhead(mDatabase);
+        Run("insert into T (n) values (7)");
+        EXPECT_THAT(RowsInTheFile(), ElementsAre("error: database is locked"));
+    }
     mDatabase.Close();
     EXPECT_FALSE(mDir.Has("a.db-wal"));
     EXPECT_THAT(RowsInTheFile(), ElementsAre("7"));
+}
+
+TEST_F(DerivedTableStageTest, LogWrittenAheadEndsWithATransactionThatIsStillOpen)
+{
+    {
+        const DerivedTableStage::WriteAhead writeAhead(mDatabase);
+        Run("begin; insert into T (n) values (7)");
+    }
+    mDatabase.Close(); // releases the lock
+    constexpr std::size_t JOURNAL_BYTE = 18; // 2 while there is a write-ahead log
+    EXPECT_EQ(mDir.Read("a.db").at(JOURNAL_BYTE), '\1');
+    EXPECT_THAT(RowsInTheFile(), IsEmpty());
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "arborist/stores/event_log/log_state.h"
 
+#include "arborist/frame/stopping.h"
 #include "tests/stores/event_log/log_reading.h"
 
 namespace {
@@ -26,6 +27,22 @@ TEST_F(LogStateTest, ClosedDatabaseHasNoVersion)
     const ReadTransaction transaction(mDatabase.GetHandle());
     EXPECT_EQ(ReadDataVersion(mDatabase.GetHandle()), NO_DATA_VERSION);
     EXPECT_TRUE(mLog.Lines().empty());
+}
+
+TEST_F(LogStateTest, TransactionOfADetectionThatIsToEndIsClosed)
+{
+    EventLogBuilder().Row({10, 7, "", ""}).WriteTo(mPath);
+    mDatabase.Open(mPath);
+    StopRequest request;
+    const StopScope scope(&request);
+    request.Start(std::nullopt);
+    {
+        const ReadTransaction transaction(mDatabase.GetHandle());
+        ReadDataVersion(mDatabase.GetHandle());
+        request.Request();
+    }
+    EXPECT_FALSE(request.HasStopped());
+    EventLogBuilder::Run(mPath, "update event_info_flow set occurrence_time = 20"); // fails while somebody reads
 }
 
 } // namespace

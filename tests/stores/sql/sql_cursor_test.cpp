@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "arborist/frame/stopping.h"
 #include "arborist/stores/sql/sql_operator.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/temp_dir.h"
@@ -81,6 +82,29 @@ TEST_F(SqlCursorTest, ResetGivesTheReadLockBack)
     EXPECT_FALSE(writer.ExecuteNoCallback("insert into t values (3)"));
     cursor.Reset();
     EXPECT_TRUE(writer.ExecuteNoCallback("insert into t values (3)"));
+}
+
+TEST_F(SqlCursorTest, EndsWithTheDetectionThatItBelongsTo)
+{
+    mDatabase.Restrict(SqlAccess::OWN_FILE);
+    StopRequest request;
+    const StopScope scope(&request);
+    request.Start(std::nullopt);
+    SqlCursor endless(mDatabase.GetHandle(),
+        "with recursive c(n) as (select 1 union all select n + 1 from c) select count(*) from c");
+    request.StopAtQuestion(5); // within the first step
+    EXPECT_THROW(endless.Step(), DetectionStopped);
+    SqlCursor next(mDatabase.GetHandle(), "select 1"); // what tidies up after the stop runs
+    EXPECT_TRUE(next.Step());
+}
+
+TEST_F(SqlCursorTest, IsNotEvenPreparedWhenTheDetectionIsToEnd)
+{
+    StopRequest request;
+    const StopScope scope(&request);
+    request.Start(std::nullopt);
+    request.Request();
+    EXPECT_THROW(SqlCursor(mDatabase.GetHandle(), "select 1"), DetectionStopped);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include <memory>
 #include <thread>
 
+#include "diagnosis/process/interruption.h"
 #include "diagnosis/results/detection_json.h"
 #include "diagnosis/scratch/new_file.h"
 #include "tools/arborist/batch/batch.h"
@@ -167,8 +168,12 @@ ExitStatus Detect(DetectOptions options)
         return DetectBatch(options);
     }
     const std::vector<BundlePath> bundles = BundlePaths(options.bundles);
+    options.run.detection.stopsOnSignal = true;
     ExitStatus status = ExitStatus::SUCCESS;
     for (const BundlePath& bundle : bundles) {
+        if (WasStoppedBySignal()) {
+            break;
+        }
         const DetectionReport report = RunDetection(bundle, options.run.detection);
         Print(report, options);
         status = MoreSerious(status, StatusOf(report, options));

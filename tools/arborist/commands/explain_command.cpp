@@ -1,6 +1,7 @@
 #include <memory>
 
 #include "diagnosis/analysis/explanation_view.h"
+#include "diagnosis/process/interruption.h"
 #include "diagnosis/results/explanation_json.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/shared_options.h"
@@ -37,12 +38,16 @@ ExitStatus Explain(const ExplainOptions& options)
     DetectionOptions detection = MakeDetectionOptions(options.run);
     detection.withExplanation = true;
     detection.ruleSets = options.bundles.size() > 1 ? std::make_shared<RuleSetMemory>() : nullptr;
+    detection.stopsOnSignal = true;
     std::vector<BundlePath> bundles;
     for (const std::string& bundle : options.bundles) {
         bundles.push_back(MakeBundlePath(bundle));
     }
     ExitStatus status = ExitStatus::SUCCESS;
     for (const BundlePath& bundle : bundles) {
+        if (WasStoppedBySignal()) {
+            break;
+        }
         DetectionReport report = RunDetection(bundle, detection);
         Narrow(report, options.view);
         if (options.asJson) {

@@ -91,6 +91,8 @@ void AddRunOptions(Command app, RunOptions& options)
     AddOverrides(app, options.detection.overrides);
     AddRules(app, options.detection.overrides);
     AddCodeRunnerOptions(app, options.codeRunner);
+    AddSeconds(app, "--time-limit", options.detection.overrides.timeLimit, 0, "Seconds after which the detection stops: "
+        "trees that are not decided by then are undecided; 0 for no limit");
     AddLogOptions(app, options.log);
 }
 

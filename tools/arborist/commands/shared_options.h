@@ -42,7 +42,8 @@ struct RunOptions {
     bool failsOnUndecided = false;
 };
 
-/// --strict, --fail-on-undecided, --now, --tz, --rules, --code-runner, --code-timeout, --log-level and --log-file.
+/// --strict, --fail-on-undecided, --now, --tz, --rules, --code-runner, --code-timeout, --time-limit, --log-level and
+/// --log-file.
 void AddRunOptions(Command app, RunOptions& options);
 /// How the detections are to be run, with the program of --code-runner found.
 DetectionOptions MakeDetectionOptions(const RunOptions& options);

@@ -1,0 +1,77 @@
+#include "arborist/frame/stopping.h"
+
+#include <utility>
+
+namespace {
+
+thread_local StopRequest* innermost = nullptr;
+
+// A limit of years is none: the clock could not hold its end.
+constexpr double LONGEST_LIMIT = 1e9;
+
+} // namespace
+
+void StopRequest::Start(std::optional<std::chrono::duration<double>> limit)
+{
+    mDeadline.reset();
+    if (limit && limit->count() < LONGEST_LIMIT) {
+        mDeadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(*limit);
+    }
+    mQuestions = 0;
+    mIsDue = false;
+    mHasStopped = false;
+    mState.store(State::RUNNING);
+}
+
+void StopRequest::End()
+{
+    mState.store(State::IDLE);
+}
+
+void StopRequest::Request() noexcept
+{
+    State running = State::RUNNING;
+    mState.compare_exchange_strong(running, State::REQUESTED);
+}
+
+bool StopRequest::IsDue()
+{
+    if (mHasStopped || mIsDue) {
+        return mIsDue;
+    }
+    ++mQuestions;
+    mIsDue = mQuestions == mStopAt || mState.load(std::memory_order_relaxed) == State::REQUESTED ||
+        (mDeadline && Clock::now() >= *mDeadline);
+    return mIsDue;
+}
+
+void StopRequest::Stop()
+{
+    mHasStopped = true;
+    mIsDue = false;
+    throw DetectionStopped();
+}
+
+StopScope::StopScope(StopRequest* request) : mOuter(std::exchange(innermost, request)) {}
+
+StopScope::~StopScope()
+{
+    innermost = mOuter;
+}
+
+void StopPoint::Pass()
+{
+    if (IsDue()) {
+        innermost->Stop();
+    }
+}
+
+bool StopPoint::HasStopped()
+{
+    return innermost != nullptr && innermost->HasStopped();
+}
+
+bool StopPoint::IsDue()
+{
+    return innermost != nullptr && innermost->IsDue();
+}
