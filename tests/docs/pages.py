@@ -12,7 +12,7 @@ HEADING = re.compile(r"^#+ +(.*?) *$", re.MULTILINE)
 
 def pages():
     """Every page that links are followed in."""
-    return sorted(DOCS.rglob("*.md")) + [path for path in (ROOT / "README.md", ROOT / "CHANGELOG.md") if path.exists()]
+    return sorted(DOCS.rglob("*.md")) + [ROOT / name for name in ("README.md", "CHANGELOG.md", "CONTRIBUTING.md")]
 
 
 def blocks(text):
