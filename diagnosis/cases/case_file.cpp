@@ -1,5 +1,6 @@
 #include "diagnosis/cases/case_file.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -20,8 +21,22 @@ namespace {
 // As for bundle.json.
 constexpr std::uintmax_t LARGEST_FILE = 16U << 20U;
 
+// Each case is kept with all that it shares, so that a small file could describe more than memory holds.
+constexpr std::size_t MOST_SHARED = 1'000'000;
+constexpr std::size_t MOST_EVENTS_OF_A_FILE = 1'000'000;
+
 constexpr char CASES[] = "cases";
 constexpr char NAME[] = "name";
+
+// The number of members that `object` gives to each case.
+std::size_t SharedMembers(const Json::Value& object)
+{
+    std::size_t members = 0;
+    for (const std::string& key : object.getMemberNames()) {
+        members += key == CASES ? 0 : std::max<std::size_t>(1, object[key].size());
+    }
+    return members;
+}
 
 std::string NameOfFile(const std::string& path)
 {
@@ -47,6 +62,10 @@ public:
             mProblems.Add(list, "\"cases\" must be a list of at least one case");
             return {};
         }
+        if (SharedMembers(mRoot) * list.size() > MOST_SHARED) {
+            mProblems.Add(list, "too many cases share too much; put them into several files");
+            return {};
+        }
         for (const char* key : {NAME, "expect"}) {
             if (mRoot.isMember(key)) {
                 mProblems.Add(mRoot[key], std::string("\"") + key + "\" belongs into each of the \"cases\"");
@@ -57,6 +76,10 @@ public:
                 mProblems.Add(own, std::string("a case must be an object, not ") + JsonKind(own));
             } else {
                 AddCase(WithDefaults(own, mRoot), "");
+            }
+            if (mEvents > MOST_EVENTS_OF_A_FILE) {
+                mProblems.Add(own, "up to here the cases have more than 1,000,000 events; put them into several files");
+                return {};
             }
         }
         return mCases;
@@ -81,6 +104,7 @@ private:
         ReadInput(reader, object, testCase, mProblems);
         ReadExpectations(reader, testCase.expected, mProblems);
         reader.RefuseUnknownKeys();
+        mEvents += testCase.events ? testCase.events->size() : 0;
         mCases.push_back(std::move(testCase));
     }
 
@@ -88,6 +112,7 @@ private:
     CaseProblems& mProblems;
     std::set<std::string> mNames;
     std::vector<TestCase> mCases;
+    std::size_t mEvents = 0;
 };
 
 } // namespace

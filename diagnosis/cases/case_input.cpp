@@ -117,11 +117,12 @@ private:
             now = value->isString() ? value->asString() : std::to_string(value->asInt64());
         }
         const auto moment = ParseMoment(now);
-        if (!moment || !FormatMoment(*moment)) {
+        if (moment && FormatMoment(*moment)) {
+            mNow = *moment;
+        } else {
             mProblems.Add(value == nullptr ? mObject : *value, "\"now\" must be a local time \"YYYY-MM-DD HH:MM:SS\""
                 " that exists, or seconds since the epoch");
         }
-        mNow = moment.value_or(0);
         mCase.bundle.now = now;
     }
 

@@ -103,11 +103,12 @@ bool ReadText(const Json::Value& value, const std::string& what, std::string& ta
         problems.Add(value, "\"" + what + "\" must be a text, not " + JsonKind(value));
         return false;
     }
-    target = value.asString();
-    if (target.find('\0') != std::string::npos) {
+    std::string text = value.asString();
+    if (text.find('\0') != std::string::npos) {
         problems.Add(value, "\"" + what + "\" holds a NUL character");
         return false;
     }
+    target = std::move(text);
     return true;
 }
 

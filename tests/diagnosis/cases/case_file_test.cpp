@@ -227,6 +227,30 @@ TEST(CaseFileTest, NoMoreThanTwentyMistakesAreTold)
     EXPECT_THAT(Messages(ReadCaseText("t", "{\"scene\": 1, \"files\": {" + files + "}, " EXPECTS "}")), SizeIs(20));
 }
 
+TEST(CaseFileTest, WhatManyCasesShareHasALimit)
+{
+    std::string cases;
+    for (int i = 0; i < 11; ++i) {
+        cases += std::string(i == 0 ? "" : ", ") + "{\"name\": \"" + std::to_string(i) + "\", " EXPECTS "}";
+    }
+    EXPECT_THAT(Messages(ReadCaseText("t", "{\"scene\": 1, \"events\": [{\"time\": \"-1d\", \"event\": 1, \"count\": 100000}], "
+                             "\"cases\": [" + cases + "]}")),
+        ElementsAre(testing::EndsWith(": up to here the cases have more than 1,000,000 events; put them into several files")));
+    std::string files;
+    for (int i = 0; i < 100'000; ++i) {
+        files += std::string(i == 0 ? "" : ", ") + "\"" + std::to_string(i) + "\": 1";
+    }
+    EXPECT_THAT(Messages(ReadCaseText("t", "{\"scene\": 1, \"cases\": [" + cases + "], \"files\": {" + files + "}}")),
+        ElementsAre("t:1:23: too many cases share too much; put them into several files"));
+}
+
+TEST(CaseFileTest, AMomentOutsideTheYearsIsRefused)
+{
+    EXPECT_THAT(Messages(ReadCaseText("t", R"({"scene": 1, "now": 9223372036854775807,
+        "events": [{"time": "+1d", "event": 1}], )" EXPECTS "}")),
+        ElementsAre(testing::HasSubstr("t:1:21: \"now\" must be a local time")));
+}
+
 TEST(CaseFileTest, AFileThatIsNoneIsAFailure)
 {
     const TempDir dir;
