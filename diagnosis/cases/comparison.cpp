@@ -177,12 +177,10 @@ public:
         }
         CompareChecks();
         for (const auto& [event, word] : mExpected.statuses) {
-            CompareWords("status of " + event, word, mAnswer.StatusesOf(event), mAnswer.WhyOf(event),
-                [&] { return "no such event" + DidYouMean(event, mAnswer.EventIds()); });
+            CompareStatus(event, word);
         }
         for (const auto& [name, word] : mExpected.reasons) {
-            CompareWords("reason of " + name, word, mAnswer.ReasonsOf(name), "",
-                [&] { return "no such rule or event was asked" + DidYouMean(name, mAnswer.RuleNamesAndEventIds()); });
+            CompareReason(name, word);
         }
         CompareLog(logLines);
         return std::move(mDifferences);
@@ -194,9 +192,16 @@ private:
         const auto index = mAnswer.Tree(tree);
         if (!index) {
             mDifferences.push_back(
-                Replaced(subject, expected, "no such tree" + DidYouMean(tree, mAnswer.TreeIds())));
+                Replaced(subject, expected, "no such tree" + Suggestion(tree, &Answer::TreeIds)));
         }
         return index;
+    }
+
+    // A near name; none after the first few, as each looks at all names.
+    std::string Suggestion(const std::string& name, Ids (Answer::*names)() const)
+    {
+        static constexpr std::size_t MOST_SUGGESTIONS = 20;
+        return ++mSuggestions > MOST_SUGGESTIONS ? "" : DidYouMean(name, (mAnswer.*names)());
     }
 
     void CompareCauses(const std::string& tree, const Expectations::Causes& expected)
@@ -284,14 +289,35 @@ private:
         return word == "open" ? counts.Open() : counts.Total();
     }
 
-    template <typename Unknown>
-    void CompareWords(const std::string& subject, const std::string& word, const std::set<std::string>* found,
-        const std::string& note, Unknown unknown)
+    void CompareStatus(const std::string& event, const std::string& word)
     {
+        const auto* const found = mAnswer.StatusesOf(event);
+        const std::string subject = "status of " + event;
         if (found == nullptr) {
-            mDifferences.push_back(Replaced(subject, word, unknown()));
-        } else if (found->size() != 1 || *found->begin() != word) {
-            mDifferences.push_back(Replaced(subject, word, Joined(*found), note));
+            mDifferences.push_back(
+                Replaced(subject, word, "no such event" + Suggestion(event, &Answer::EventIds)));
+        } else {
+            CompareWord(subject, word, *found, mAnswer.WhyOf(event));
+        }
+    }
+
+    void CompareReason(const std::string& name, const std::string& word)
+    {
+        const auto* const found = mAnswer.ReasonsOf(name);
+        const std::string subject = "reason of " + name;
+        if (found == nullptr) {
+            mDifferences.push_back(Replaced(subject, word,
+                "no such rule or event was asked" + Suggestion(name, &Answer::RuleNamesAndEventIds)));
+        } else {
+            CompareWord(subject, word, *found, "");
+        }
+    }
+
+    void CompareWord(const std::string& subject, const std::string& word, const std::set<std::string>& found,
+        const std::string& note)
+    {
+        if (found.size() != 1 || *found.begin() != word) {
+            mDifferences.push_back(Replaced(subject, word, Joined(found), note));
         }
     }
 
@@ -321,6 +347,7 @@ private:
     const Expectations& mExpected;
     Answer mAnswer;
     std::vector<Difference> mDifferences;
+    std::size_t mSuggestions = 0;
 };
 
 } // namespace

@@ -1,3 +1,5 @@
+#include <filesystem>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <json/value.h>
@@ -9,8 +11,11 @@
 
 namespace {
 
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+
+namespace fs = std::filesystem;
 
 constexpr std::int64_t NOW = 1716206400; // 2024-05-20 12:00:00 in UTC
 constexpr std::int64_t DAY = 86400;
@@ -57,6 +62,54 @@ TEST_F(RecordCase, OfTheLaptopAnswersLikeTheLaptop)
     EXPECT_EQ(mCase["events"].size(), 24U);
     ExpectReplay("laptop", {"--now", "2025-01-01 00:00:00"});
     ExpectReplay("laptop", {"--as-of", "2024-05-14 00:00:00"});
+}
+
+TEST_F(RecordCase, HasOnlyTheDatabasesThatTheRulesAskedFor)
+{
+    PrepareLaptop("laptop");
+    fs::copy("laptop/device/data/panel/panel_a.db", "laptop/device/data/panel/other.db");
+    mDir.Write("laptop/device/data/panel/readme.txt", "\xFF");
+    ExpectReplay("laptop");
+    EXPECT_THAT(mCase["databases"].getMemberNames(),
+        ElementsAre("/data/panel/panel_a.db", "/data/panel/panel_b.zip/panel_b.db"));
+}
+
+TEST_F(RecordCase, OfDatabasesHasRealNumbersThatAreReadBackAlike)
+{
+    PrepareLaptop("laptop");
+    EventLogBuilder::Run("laptop/device/data/panel/panel_a.db", "CREATE TABLE t (a, \"b\"\"c\" TEXT);"
+        "INSERT INTO t VALUES (0.1, 'x'), (1.0, NULL), (0.1 + 0.2, ''), (1e300, '\"'), (-7, '7')");
+    ExpectReplay("laptop");
+    const Json::Value& table = mCase["databases"]["/data/panel/panel_a.db"]["t"];
+    EXPECT_EQ(table["columns"][1], "\"b\"\"c\" TEXT");
+    const std::string text = mDir.Read("laptop/rules/recorded.test.json");
+    EXPECT_THAT(text, HasSubstr(R"("rows": [[0.1, "x"], [1.0, null], [0.30000000000000004, ""], [1.0e+300, "\""], [-7, "7"]])"));
+}
+
+TEST_F(RecordCase, OfADatabaseWithTooManyRowsOrABlobIsRefused)
+{
+    PrepareLaptop("laptop");
+    const std::string file = "laptop/device/data/panel/panel_a.db";
+    EventLogBuilder::Run(file, "CREATE TABLE t (a); INSERT INTO t VALUES (x'00')");
+    EXPECT_THAT(RefusalOf("laptop"), HasSubstr("/data/panel/panel_a.db: a value is no text and no number [not_recorded]\n"));
+    EventLogBuilder::Run(file, "DELETE FROM t; WITH RECURSIVE n(i) AS (VALUES (1) UNION ALL SELECT i + 1 FROM n "
+        "WHERE i < 10000) INSERT INTO t SELECT i FROM n");
+    EXPECT_THAT(RefusalOf("laptop"), HasSubstr("/data/panel/panel_a.db: the rules asked for more rows than a case holds"));
+}
+
+TEST_F(RecordCase, HasTheRepairsThatTheRulesKnowUpToItsMoment)
+{
+    WriteDropsBundle(mDir, "b");
+    for (const char* id : {"R", "UNKNOWN"}) {
+        ASSERT_EQ(RunArborist({"repair", "record", "b", id, "--now", "2024-05-18 08:00:00"}).status, 0);
+    }
+    EventLogBuilder().Rows({{NOW - 4 * DAY, 1001, "", ""}}).WriteTo("b" + std::string(LOG_OF_BUNDLE));
+    ExpectReplay("b");
+    EXPECT_THAT(mCase["repairs"].getMemberNames(), ElementsAre("R"));
+    EXPECT_TRUE(mCase["events"].empty()); // from before the repair
+    ExpectReplay("b", {"--as-of", "2024-05-17 00:00:00"});
+    EXPECT_TRUE(mCase["repairs"].empty());
+    EXPECT_EQ(mCase["events"].size(), 1U);
 }
 
 TEST_F(RecordCase, OfTheOtherExampleIsADeviceWithoutFiles)

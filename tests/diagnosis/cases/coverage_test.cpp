@@ -154,6 +154,16 @@ TEST_F(CoverageTest, ARejectedRuleShowsTheFiltersUpToTheOneThatRejected)
             "rules/FaultTreeRules.xml:18 filters rule warm: detectScene=\"1\" never rejected"}));
 }
 
+TEST_F(CoverageTest, ARuleBehindTheEndOfItsGroupShowsNothing)
+{
+    std::string rules = RULES;
+    const std::string entry = "    <Event><ID>DROPS</ID>";
+    const auto start = rules.find(entry);
+    mDir.Write("rules/FaultTreeRules.xml", rules.erase(start, rules.find('\n', start) - start));
+    EXPECT_THAT(UncoveredBy({COLD}),
+        testing::Contains("rules/FaultTreeRules.xml:22 filters rule drops: detectScene=\"1\" never passed"));
+}
+
 TEST_F(CoverageTest, AThresholdIsReachedByItsPartOfTheOutcomes)
 {
     UncoveredBy({COLD});
