@@ -9,8 +9,7 @@ namespace diagnosis::cases {
 std::string RuleSets::ShownFolder(const std::string& folder)
 {
     std::error_code error;
-    const std::string near = std::filesystem::path(folder).lexically_normal()
-        .lexically_relative(std::filesystem::current_path(error)).string();
+    const std::string near = std::filesystem::proximate(folder, error).string();
     return near.empty() || near == "." || near.rfind("..", 0) == 0 ? folder : near;
 }
 

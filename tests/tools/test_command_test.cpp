@@ -1,6 +1,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <regex>
 #include <set>
 #include <sstream>
 
@@ -232,7 +233,9 @@ TEST(CasesPageTest, ItsCoverageIsThatOfTheLaptop)
 {
     ProcessSetup setup;
     setup.directory = ARBORIST_SOURCE_DIR;
-    EXPECT_THAT(RunArborist({"test", "examples/laptop", "--coverage"}, setup).out, EndsWith(BlockOfPage("text", 2)));
+    const auto withoutLines = [](const std::string& text) { return std::regex_replace(text, std::regex(":[0-9]+:"), ":"); };
+    EXPECT_THAT(withoutLines(RunArborist({"test", "examples/laptop", "--coverage"}, setup).out),
+        EndsWith(withoutLines(BlockOfPage("text", 2))));
 }
 
 TEST(CasesPageTest, ItsTablesHaveEveryKeyOfTheSchema)
