@@ -255,6 +255,22 @@ TEST(ExampleCasesTest, AllPassAndShowNearlyEverythingInTheRules)
     EXPECT_EQ(result.status, 0) << result.out << result.err;
 }
 
+TEST(CaseSchemaTest, HasNoKeyThatTheReaderDoesntKnow)
+{
+    const TempDir dir;
+    const Json::Value schema = ParsedJson(PageOfDocs("case.schema.json"));
+    for (const char* part : {"case", "expect"}) {
+        std::string keys;
+        for (const std::string& key : schema["$defs"][part]["properties"].getMemberNames()) {
+            keys += key == "cases" ? "" : (keys.empty() ? "\"" : ", \"") + key + "\": 0.5"; // of a wrong type for all of them
+        }
+        dir.Write("a.test.json", part == std::string("case") ? "{" + keys + "}" : "{\"scene\": 1, \"expect\": {" + keys + "}}");
+        const std::string problems = RunArborist({"test", "a.test.json"}).err;
+        EXPECT_THAT(problems, HasSubstr("must be"));
+        EXPECT_THAT(problems, Not(HasSubstr("unknown key")));
+    }
+}
+
 TEST(ExampleCasesTest, FollowTheSchema)
 {
     const Json::Value schema = ParsedJson(PageOfDocs("case.schema.json"));
