@@ -85,6 +85,20 @@ TEST_F(TestCommand, TellsEachCaseAndTheirNumber)
     EXPECT_EQ(RunArborist({"test", "b", "--filter", "a"}).status, 0);
 }
 
+TEST_F(TestCommand, LeavesNothingBehindAndItsInputsAlone)
+{
+    Write("a.test.json", ", \"events\": [{\"time\": \"-1d\", \"event\": 7}], \"repairs\": {\"R1\": \"-1d\"}");
+    Write("b.test.json", ", \"tag\": \"Other\"");
+    mDir.MakeDir("scratch");
+    const auto before = StateOf("b");
+    ProcessSetup setup;
+    setup.environment["TMPDIR"] = mDir.Path("scratch");
+    EXPECT_EQ(RunArborist({"test", "b"}, setup).status, 3);
+    RunArborist({"test", "--record", "b"}, setup);
+    EXPECT_TRUE(fs::is_empty("scratch"));
+    EXPECT_EQ(StateOf("b"), before);
+}
+
 TEST_F(TestCommand, NoCaseIsAFailure)
 {
     const auto result = RunArborist({"test", "b"});
