@@ -7,6 +7,7 @@
 #include "diagnosis/rule_set/inventory.h"
 #include "diagnosis/rule_set/schema.h"
 #include "fuzz/fuzz_support.h"
+#include "fuzz/small_rule_set.h"
 
 namespace {
 
@@ -14,12 +15,6 @@ using diagnosis::lint::DeviceProfile;
 using diagnosis::rule_set::ReadRuleSet;
 using diagnosis::rule_source::RuleSet;
 using diagnosis::rule_source::SourceFile;
-
-constexpr char TREES[] = "<r version='1'><t><T id='T' version='1' type='t'><Intermediate-Event><ID>T</ID><And-Gate>"
-                         "<Basic-Event><ID>E</ID></Basic-Event><Basic-Event><ID>F</ID></Basic-Event></And-Gate>"
-                         "</Intermediate-Event></T></t></r>";
-constexpr char RULES[] = "<r><EventRules><t><Event><ID>E</ID><or type='singleRule'><Rule><Rule-name>r</Rule-name></Rule>"
-                         "</or></Event></t></EventRules></r>";
 
 void Tell(const std::string& trees, const std::string& rules)
 {
@@ -49,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     static const FuzzDir quiet;
     const std::string text(reinterpret_cast<const char*>(data), size);
-    Tell(TREES, text);
-    Tell(text, RULES);
+    Tell(SMALL_TREE_FILE, text);
+    Tell(text, SMALL_RULE_FILE);
     return 0;
 }
