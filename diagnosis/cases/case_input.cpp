@@ -276,8 +276,7 @@ private:
             return;
         }
         for (const Json::Value& value : row) {
-            const bool isNumber = value.type() == Json::realValue || value.isInt64();
-            if (!value.isNull() && !value.isString() && !isNumber) {
+            if (value.isBool() || value.isArray() || value.isObject() || (value.isNumeric() && value.isUInt64() && !value.isInt64())) {
                 mProblems.Add(value, "a value must be a text, a number or null");
                 return;
             }

@@ -112,10 +112,9 @@ private:
     {
         for (const BindingAlternative& alternative : alternatives) {
             for (const std::string_view name : NamesOf(alternative)) {
-                if (mObstacles.size() == MOST_OBSTACLES) {
-                    return;
+                if (mObstacles.size() < MOST_OBSTACLES) {
+                    AddRule(name);
                 }
-                AddRule(name);
             }
         }
         if (mObstacles.empty()) {
