@@ -13,6 +13,7 @@
 #include <minizip/unzip.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <zlib.h>
 
 namespace diagnosis {
 
@@ -22,6 +23,8 @@ namespace {
 
 constexpr std::size_t LONGEST_NAME = 4095;
 constexpr int MOST_FOLDERS = 64;
+constexpr uLong STORED = 0;
+constexpr uLong ENCRYPTED = 1; // a flag
 
 struct ArchiveCloser {
     void operator()(void* archive) const { unzClose(archive); }
@@ -128,7 +131,7 @@ private:
             mWarnings.push_back({"zip_link", mShown + ": the symbolic link \"" + name + "\" is not made"});
             return std::nullopt;
         }
-        return name.back() == '/' ? MakeFolder(name) : UnpackFile(name);
+        return name.back() == '/' ? MakeFolder(name) : UnpackFile(name, info);
     }
 
     std::optional<Failure> MakeFolder(const std::string& name)
@@ -138,8 +141,13 @@ private:
         return error ? std::optional(Bad("\"" + name + "\" can't be made: " + error.message())) : std::nullopt;
     }
 
-    std::optional<Failure> UnpackFile(const std::string& name)
+    std::optional<Failure> UnpackFile(const std::string& name, const unz_file_info64& info)
     {
+        // The archive library would return the packed bytes.
+        const bool isKnown = info.compression_method == STORED || info.compression_method == Z_DEFLATED;
+        if (!isKnown || (info.flag & ENCRYPTED) != 0) {
+            return Bad("\"" + name + "\" is packed in an unknown way or encrypted");
+        }
         const fs::path path = fs::path(mTarget) / name;
         std::error_code error;
         fs::create_directories(path.parent_path(), error);
@@ -151,14 +159,15 @@ private:
             return Bad("\"" + name + "\" is damaged or encrypted");
         }
         auto failure = CopyOut(name, file.Get());
-        // Closing compares the checksum if all was read.
-        const int closed = unzCloseCurrentFile(mArchive.get());
-        return !failure && closed != UNZ_OK ? Bad("\"" + name + "\" is damaged") : failure;
+        // Closing compares the checksum only where the library knows that all was read.
+        const bool isWhole = unzCloseCurrentFile(mArchive.get()) == UNZ_OK && mChecksum == info.crc;
+        return !failure && !isWhole ? Bad("\"" + name + "\" is damaged") : failure;
     }
 
     // Counts the bytes that are really unpacked: the lengths that an archive declares need not be true.
     std::optional<Failure> CopyOut(const std::string& name, int file)
     {
+        mChecksum = 0;
         for (;;) {
             const int length = unzReadCurrentFile(mArchive.get(), mBuffer.data(),
                 static_cast<unsigned>(mBuffer.size()));
@@ -166,6 +175,7 @@ private:
                 return length == 0 ? std::nullopt : std::optional(Bad("\"" + name + "\" is damaged"));
             }
             mBytes += static_cast<std::uint64_t>(length);
+            mChecksum = crc32(mChecksum, reinterpret_cast<const Bytef*>(mBuffer.data()), static_cast<uInt>(length));
             if (mBytes > mLimits.bytes) {
                 return TooLarge("more than " + std::to_string(mLimits.bytes) + " bytes when unpacked");
             }
@@ -182,6 +192,7 @@ private:
     ZipLimits mLimits;
     std::unique_ptr<std::remove_pointer_t<unzFile>, ArchiveCloser> mArchive;
     std::uint64_t mBytes = 0;
+    uLong mChecksum = 0; // of the current entry
     std::array<char, 65536> mBuffer{};
 };
 

@@ -64,6 +64,35 @@ INSTANTIATE_TEST_SUITE_P(Table, BadEntryName, testing::Values(
     NameCase{"TooDeep", Deep()}),
     CaseName());
 
+// A field of an entry to change, at its places in the two headers, and its new bytes.
+struct Lie { std::size_t inEntry; std::size_t inDirectory; std::string bytes; };
+const Lie METHOD{8, 10, std::string("\x0C\0", 2)}; // bzip2
+const Lie CHECKSUM{14, 16, "abcd"};
+const Lie LENGTH{22, 24, "\xFF\xFF\xFF\xFF"}; // refers to a zip64 field, which is not there
+const Lie FLAGS{6, 8, std::string("\1\0", 2)}; // encrypted
+
+struct LieCase { const char* name; std::vector<Lie> lies; };
+void PrintTo(const LieCase& lieCase, std::ostream* out) { *out << lieCase.name; }
+class LyingEntry : public ZipReaderTest, public testing::WithParamInterface<LieCase> {};
+
+TEST_P(LyingEntry, MakesTheArchiveUnusable)
+{
+    WriteZip("z.zip", {{"name", std::string(1000, 'x')}});
+    std::string file = mDir.Read("z.zip");
+    for (const Lie& lie : GetParam().lies) {
+        file.replace(file.find("PK\3\4") + lie.inEntry, lie.bytes.size(), lie.bytes);
+        file.replace(file.find("PK\1\2") + lie.inDirectory, lie.bytes.size(), lie.bytes);
+    }
+    mDir.Write("z.zip", file);
+    const auto failure = Unpack();
+    ASSERT_TRUE(failure.has_value());
+    EXPECT_EQ(failure->code, "bad_zip");
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, LyingEntry, testing::Values(LieCase{"AnotherPacking", {METHOD}},
+    LieCase{"AWrongChecksum", {CHECKSUM}}, LieCase{"AWrongChecksumAndNoLength", {CHECKSUM, LENGTH}},
+    LieCase{"Encrypted", {FLAGS}}), CaseName());
+
 TEST_F(ZipReaderTest, ANameThatStandsTwiceIsRefused)
 {
     WriteZip("z.zip", {{"a", "1"}, {"a", "2"}});
