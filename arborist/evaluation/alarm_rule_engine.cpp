@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "arborist/evaluation/day_sums.h"
 #include "arborist/evaluation/detection_customize.h"
 #include "arborist/evaluation/rule_helper.h"
 #include "arborist/frame/log.h"
@@ -37,12 +38,6 @@ std::optional<std::int32_t> PlainBound(const std::string& text)
     const char* const end = text.data() + text.size();
     const auto [rest, error] = std::from_chars(text.data(), end, number);
     return !text.empty() && error == std::errc() && rest == end ? std::optional(number) : std::nullopt;
-}
-
-// Adds like a signed 32-bit number and wraps on overflow.
-void AddWrapping(std::int32_t& sum, std::int32_t summand)
-{
-    sum = static_cast<std::int32_t>(static_cast<std::uint32_t>(sum) + static_cast<std::uint32_t>(summand));
 }
 
 } // namespace
@@ -174,6 +169,7 @@ bool AlarmRuleEngine::IsRuleHitBySettingTime(const AlarmItem& item, std::size_t 
     const bool isHit = item->type == PARAM_EVENT_ID ? IsWithParamTestChecked(*item, *timeSet, window)
                                                     : IsAnyIdHit(measure, {}, window);
     NoteRowsBeforeStart(window);
+    NoteLog(window);
     const Reason miss = mIsLogReadable ? window.miss : Reason::LOG_UNAVAILABLE;
     return CloseWindow(window, isHit ? Reason::WINDOW_REACHED : miss, isHit);
 }
@@ -221,6 +217,7 @@ bool AlarmRuleEngine::IsHitForMultipleTypeTestChecked(
     const OrLogic& orLogic, const AlarmRule::AlarmItem& item, Window& window)
 {
     const Evidence::WindowCount earlier = window.Count();
+    window.SetRestsOnLaterRows(false);
     std::uint64_t leastOfLastId = std::numeric_limits<std::uint64_t>::max();
     TestList tests;
     for (const std::shared_ptr<OrLogic::LogicItem>& logicItem : orLogic.GetLogicItemList()) {
@@ -285,7 +282,9 @@ bool AlarmRuleEngine::IsLastIdHit(
     VisitIds(tests, window, [&](const EventRows& rows) {
         const std::uint64_t passedByOthers = window.RowsPassed(0);
         const bool isLast = rows.GetEventId() == window.ids.last;
+        const bool restedOnLater = window.RestsOnLaterRows();
         isHit = IsHit(Measure::PERIOD, rows, tests, window) && isLast;
+        window.SetRestsOnLaterRows(restedOnLater || (isLast && window.RestsOnLaterRows()));
         passed = isLast ? window.RowsPassed(0) - passedByOthers : 0;
         return false;
     });
@@ -328,34 +327,38 @@ bool AlarmRuleEngine::IsHit(Measure measure, const EventRows& rows, const TestLi
 }
 
 // A negative weight takes away, and wraps below 0. One look at each row: an unreadable one logs a line each time.
-std::uint64_t AlarmRuleEngine::SumOfWeights(const EventRows& rows, Window& window)
+AlarmRuleEngine::Sums AlarmRuleEngine::SumsOf(const EventRows& rows, bool isWeighed, Window& window)
 {
-    if (!window.HasRecord()) {
-        return rows.Sum(0);
+    const bool hasLater = window.Now() && rows.CountAfter(*window.Now()) != 0;
+    if (!hasLater && !(isWeighed && window.HasRecord())) {
+        const std::uint64_t sum = rows.Sum(0);
+        return {sum, sum};
     }
-    std::uint64_t sum = 0;
+    Sums sums{0, 0};
     rows.ForEach([&](const EventRows::Row& row) {
-        const std::int64_t weight = row.Answer(0);
-        window.NoteWeight(weight);
-        sum += static_cast<std::uint64_t>(weight);
+        const std::int64_t answer = row.Answer(0);
+        window.NoteWeight(answer);
+        sums.all += static_cast<std::uint64_t>(answer);
+        sums.untilNow += row.IsAfter(*window.Now()) ? 0 : static_cast<std::uint64_t>(answer);
     });
-    return sum;
+    return sums;
 }
 
 bool AlarmRuleEngine::IsFaultForPeriod(const EventRows& rows, bool isTested, Window& window)
 {
     const bool isWeighed = !isTested && DetectionCustomize::IsDmdEvent(rows.GetEventId());
-    const std::uint64_t count = isWeighed ? SumOfWeights(rows, window)
-        : isTested                        ? rows.Sum(0)
-                                          : rows.GetCount();
+    const std::size_t later = window.Now() ? rows.CountAfter(*window.Now()) : 0;
+    const Sums sums = isWeighed || isTested ? SumsOf(rows, isWeighed, window)
+                                            : Sums{rows.GetCount(), rows.GetCount() - later};
     if (isTested) {
-        window.NoteTested(0, rows.GetCount(), count);
-        window.NoteFailed(rows.GetCount() - count);
+        window.NoteTested(0, rows.GetCount(), sums.all);
+        window.NoteFailed(rows.GetCount() - sums.all);
     }
-    window.NoteReached(rows, static_cast<std::int64_t>(count),
+    window.NoteReached(rows, static_cast<std::int64_t>(sums.all),
         isWeighed ? Evidence::Measure::WEIGHTS : Evidence::Measure::ROWS);
     // Compares as unsigned, so that a negative threshold is never reached.
-    return count >= static_cast<std::uint64_t>(std::int64_t{window.threshold});
+    const auto threshold = static_cast<std::uint64_t>(std::int64_t{window.threshold});
+    return window.NoteHit(sums.all >= threshold, sums.untilNow >= threshold && later != rows.GetCount());
 }
 
 // Days are distinguished by their number in the month only: the 3rd of two months counts as one day. Rule files rely on
@@ -364,6 +367,7 @@ bool AlarmRuleEngine::IsFaultForDaily(const EventRows& rows, bool isTested, Wind
 {
     const bool isWeighed = !isTested && DetectionCustomize::IsDmdEvent(rows.GetEventId());
     EventRows::DayCounts days{};
+    EventRows::DayCounts later{};
     std::uint64_t tested = 0;
     std::uint64_t passed = 0;
     const auto take = [&](const EventRows::Row& row) {
@@ -376,23 +380,28 @@ bool AlarmRuleEngine::IsFaultForDaily(const EventRows& rows, bool isTested, Wind
         ++tested;
         passed += answer != 0 ? 1 : 0;
         AddWrapping(days[static_cast<std::size_t>(day)], answer);
+        AddWrapping(later[static_cast<std::size_t>(day)], window.Now() && row.IsAfter(*window.Now()) ? answer : 0);
     };
+    const std::size_t rowsLater = window.Now() ? rows.CountAfter(*window.Now()) : 0;
     if (isTested || isWeighed) {
         rows.ForEach(take);
     } else {
         rows.CountDays(days);
+        if (rowsLater != 0) {
+            rows.CountDaysAfter(*window.Now(), later);
+        }
     }
     if (isTested) {
         window.NoteTested(0, tested, passed);
         window.NoteFailed(tested - passed);
     }
-    std::int32_t peak = 0; // day 0 has no rows, so that no peak is less
-    for (const std::int32_t count : days) {
-        peak = std::max(peak, count);
-    }
+    const std::int32_t peak = PeakOf(days);
     window.NoteReached(rows, peak,
         isWeighed ? Evidence::Measure::DAILY_WEIGHTS : Evidence::Measure::DAILY_ROWS);
-    return peak >= window.threshold;
+    for (std::size_t day = 0; rowsLater != 0 && day < days.size(); ++day) {
+        SubtractWrapping(days[day], later[day]);
+    }
+    return window.NoteHit(peak >= window.threshold, PeakOf(days) >= window.threshold && rowsLater != rows.GetCount());
 }
 
 bool AlarmRuleEngine::IsFaultForPeriodWithParam(const EventRows& rows, std::size_t testCount, Window& window)
@@ -401,12 +410,15 @@ bool AlarmRuleEngine::IsFaultForPeriodWithParam(const EventRows& rows, std::size
         return false;
     }
     std::vector<std::uint64_t> rowsByPassed(testCount + 1); // by number of passed tests
+    std::uint64_t passedLater = 0;
+    const std::size_t rowsLater = window.Now() ? rows.CountAfter(*window.Now()) : 0;
     rows.ForEach([&](const EventRows::Row& row) {
         std::size_t passed = 0;
         while (passed < testCount && row.Answer(passed) != 0) {
             ++passed;
         }
         ++rowsByPassed[passed];
+        passedLater += passed == testCount && window.Now() && row.IsAfter(*window.Now()) ? 1 : 0;
     });
     std::uint64_t tested = rows.GetCount();
     for (std::size_t test = 0; test < testCount; ++test) {
@@ -416,7 +428,9 @@ bool AlarmRuleEngine::IsFaultForPeriodWithParam(const EventRows& rows, std::size
     const auto count = static_cast<std::int32_t>(tested); // wraps
     window.NoteFailed(rows.GetCount() - tested);
     window.NoteReached(rows, count, Evidence::Measure::ROWS);
-    return count >= window.threshold;
+    const auto untilNow = static_cast<std::int32_t>(tested - passedLater);
+    return window.NoteHit(
+        count >= window.threshold, untilNow >= window.threshold && rowsLater != rows.GetCount());
 }
 
 // Counts what a reset, an update or a repair cut off, for whoever listens.
@@ -425,6 +439,20 @@ void AlarmRuleEngine::NoteRowsBeforeStart(Window& window) const
     if (mIsLogReadable && window.IsCutOff()) {
         window.NoteRowsBeforeStart(mEventStore->CountRows(
             window.ids.first, window.ids.last, window.PeriodStart(), window.start));
+    }
+}
+
+// Notes what the log lacks, for whoever listens.
+void AlarmRuleEngine::NoteLog(Window& window) const
+{
+    if (!window.HasRecord() || !mIsLogReadable || !window.IsCounted()) {
+        return;
+    }
+    if (mEventStore->HasUnseen(window.ids.first, window.ids.last, window.start)) {
+        window.NoteUnseen();
+    }
+    if (const std::optional<std::int64_t> first = mEventStore->GetFirstTime()) {
+        window.NoteFirstTime(*first);
     }
 }
 

@@ -74,9 +74,12 @@ private:
     bool IsFaultForDaily(const EventRows& rows, bool isTested, Window& window);
     bool IsFaultForPeriodWithParam(const EventRows& rows, std::size_t testCount, Window& window);
     void NoteRowsBeforeStart(Window& window) const;
+    void NoteLog(Window& window) const;
     Evidence::Window* AddRecord(std::size_t itemNumber, const IdRange& ids, const char* kind) const;
     bool CloseWindow(const Window& window, Evidence::Reason reason, bool isHit);
-    static std::uint64_t SumOfWeights(const EventRows& rows, Window& window);
+    // The answers of all rows, and of those up to now.
+    struct Sums { std::uint64_t all; std::uint64_t untilNow; };
+    static Sums SumsOf(const EventRows& rows, bool isWeighed, Window& window);
     void NoteBounds(const AlarmRule::AlarmItem& item) const;
     void NoteTest(const TestPara& test) const;
 

@@ -2,6 +2,14 @@
 
 #include <algorithm>
 
+#include "arborist/utilities/time_util.h"
+
+namespace {
+
+constexpr std::int64_t SECONDS_A_DAY = 86400;
+
+} // namespace
+
 using Evidence::Reason;
 
 AlarmWindow::AlarmWindow(const IdRange& idRange, TimeSet::TimeType type, Evidence::Window* record)
@@ -19,12 +27,20 @@ Evidence::Start* AlarmWindow::Open(const TimeSet& timeSet, bool isFromUpdate)
     mRecord->periodDays = timeSet.period;
     mRecord->threshold = threshold;
     mRecord->versionFilter = fromUpdate;
+    mNow = TimeUtil::GetTimeOfDay();
     return &mRecord->start.emplace();
 }
 
 bool AlarmWindow::IsCutOff() const
 {
     return mRecord != nullptr && mConditionsCounted > 0 && mRecord->start->floor != Evidence::Floor::PERIOD;
+}
+
+void AlarmWindow::NoteFirstTime(std::int64_t time)
+{
+    if (mNow && time > start) {
+        mCount.coveredDays = std::max<std::int64_t>(*mNow - time, 0) / SECONDS_A_DAY;
+    }
 }
 
 void AlarmWindow::BeginCondition(std::size_t tests)
@@ -97,6 +113,14 @@ void AlarmWindow::Close(Reason reason, bool isHit) const
     // Why a count that reached its threshold may be less.
     if (isHit && mHasNegativeWeight) {
         mRecord->notes.push_back(Reason::NEGATIVE_WEIGHT);
+    }
+    if (isHit && mRestsOnLaterRows) {
+        mRecord->notes.push_back(Reason::ROWS_AFTER_NOW);
+    }
+    // A row more only takes away where rows weigh.
+    const bool isWeighed = mCount.measure == Evidence::Measure::WEIGHTS || mCount.measure == Evidence::Measure::DAILY_WEIGHTS;
+    if (mHasUnseen && (!isHit || isWeighed)) {
+        mRecord->notes.push_back(Reason::ROWS_UNSEEN);
     }
     if (isHit && mRecord->start && mRecord->start->isRepairUnreadable) {
         mRecord->notes.push_back(Reason::REPAIR_UNREADABLE);

@@ -35,6 +35,7 @@ public:
     /// Sets what is counted. Returns the record of the start time, which the caller fills in; null without an observer.
     Evidence::Start* Open(const TimeSet& timeSet, bool isFromUpdate);
 
+    bool IsCounted() const { return mConditionsCounted > 0; }
     bool HasRecord() const { return mRecord != nullptr; }
     /// True if any condition was counted, and the start was moved by a reset, an update or a repair.
     bool IsCutOff() const;
@@ -50,6 +51,21 @@ public:
     void NoteTested(std::size_t test, std::uint64_t tested, std::uint64_t passed);
     std::uint64_t RowsPassed(std::size_t test) const { return mTallies[test].passed; }
     void NoteFailed(std::uint64_t rows) { mRowsFailed += rows; }
+    /// The rows later than this don't make a hit sure; nothing without an observer.
+    const std::optional<std::int64_t>& Now() const { return mNow; }
+    /// Notes that an id reached the threshold, and whether it did so with rows up to now. Returns `isHit`.
+    bool NoteHit(bool isHit, bool isHitUntilNow)
+    {
+        mRestsOnLaterRows = isHit ? !isHitUntilNow : mRestsOnLaterRows;
+        return isHit;
+    }
+    bool RestsOnLaterRows() const { return mRestsOnLaterRows; }
+    void SetRestsOnLaterRows(bool does) { mRestsOnLaterRows = does; }
+    /// Notes that rows of the range can't be seen by any rule.
+    void NoteUnseen() { mHasUnseen = true; }
+    /// Notes when the log begins.
+    void NoteFirstTime(std::int64_t time);
+
     void NoteWeight(std::int64_t weight) { mHasNegativeWeight = mHasNegativeWeight || weight < 0; }
     /// Notes the count of an id if it is the largest so far.
     void NoteReached(const EventRows& rows, std::int64_t reached, Evidence::Measure measure);
@@ -81,6 +97,9 @@ private:
 
     Evidence::Window* mRecord;
     Evidence::WindowCount mCount;
+    std::optional<std::int64_t> mNow;
+    bool mRestsOnLaterRows = false;
+    bool mHasUnseen = false;
     bool mHasNegativeWeight = false;
     std::size_t mConditionsCounted = 0;
     // Of the current condition.

@@ -56,6 +56,8 @@ Check CheckOf(Reason reason)
     case Reason::LOG_UNAVAILABLE:
     case Reason::LOG_DAMAGED:
     case Reason::NEGATIVE_WEIGHT:
+    case Reason::ROWS_UNSEEN:
+    case Reason::ROWS_AFTER_NOW:
     case Reason::REPAIR_UNREADABLE:
     case Reason::DATABASE_UNAVAILABLE:
     case Reason::TABLE_INCOMPLETE:

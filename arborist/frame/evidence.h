@@ -97,6 +97,9 @@ struct WindowCount {
     /// Rows of the whole range, of any version, that lie in the period but before the start, which a reset, an update
     /// or a repair moved. Nothing where the period set the start, and for a damaged log, which can't tell.
     std::optional<std::uint64_t> rowsBeforeStart = std::nullopt;
+    /// Whole days from the first row of the log to now if the log begins after the window does. Nothing if it begins
+    /// before, and for a damaged log, which can't tell.
+    std::optional<std::int64_t> coveredDays = std::nullopt;
 
     ARBORIST_COMPARABLE(WindowCount)
 };
@@ -119,7 +122,7 @@ struct Window {
     WindowCount count;
     bool hit = false;
     Reason reason = Reason::NONE;
-    /// Why the count may be another one: NEGATIVE_WEIGHT, REPAIR_UNREADABLE.
+    /// Why the count may be another one: NEGATIVE_WEIGHT, ROWS_UNSEEN, ROWS_AFTER_NOW, REPAIR_UNREADABLE.
     std::vector<Reason> notes;
     std::vector<Test> tests;
 

@@ -49,6 +49,10 @@ const char* Evidence::ReasonText(Reason reason)
         return "log_damaged";
     case Reason::NEGATIVE_WEIGHT:
         return "negative_weight";
+    case Reason::ROWS_UNSEEN:
+        return "rows_unseen";
+    case Reason::ROWS_AFTER_NOW:
+        return "rows_after_now";
     case Reason::REPAIR_UNREADABLE:
         return "repair_unreadable";
     case Reason::NO_EVENT_ID:

@@ -40,6 +40,8 @@ enum class Reason {
     LOG_UNAVAILABLE, ///< the event log is missing or can't be opened
     LOG_DAMAGED, ///< the log broke off while it was read: rows may be missing
     NEGATIVE_WEIGHT, ///< a row takes away from the weights that reached the threshold
+    ROWS_UNSEEN, ///< rows of the log lack their time or version, so that no rule finds them
+    ROWS_AFTER_NOW, ///< the threshold was reached only with rows later than now
     REPAIR_UNREADABLE, ///< a repair date or id could not be read: rows from before a repair may count
     // Command rules.
     NO_EVENT_ID, ///< the event has the empty id

@@ -65,6 +65,9 @@ void WriteWindow(JsonWriter& json, const Evidence::Window& window)
         }
         WriteCount(json, "rowsOfOtherVersion", window.count.rowsOfOtherVersion);
         WriteCount(json, "rowsFailedTest", window.count.rowsFailedTest);
+        if (window.count.coveredDays) {
+            WriteNumber(json, "coveredDays", *window.count.coveredDays);
+        }
         WriteNumber(json, "reached", window.count.reached);
         WriteNumber(json, "reachedById", window.count.reachedById);
         json.Text("measure", Evidence::MeasureText(window.count.measure));

@@ -147,13 +147,23 @@ std::string CountText(const Evidence::Window& window)
     return text + (count.lastIdDecides && window.firstId != window.lastId ? "; the last id alone decides" : "");
 }
 
+std::string CoverText(const Evidence::WindowCount& count)
+{
+    if (!count.coveredDays) {
+        return "";
+    }
+    const auto days = static_cast<std::uint64_t>(*count.coveredDays);
+    return ", of which the log covers " + (days == 0 ? "less than a day" : Number(days, "day", "days"));
+}
+
 std::string WindowText(const Evidence::Window& window)
 {
     const std::string head = IdsText(window) + (window.kind.empty() ? "" : ", " + window.kind);
     if (!window.start) {
         return head + ": " + Evidence::ReasonText(window.reason);
     }
-    return head + " " + StartText(*window.start) + (window.versionFilter ? ", this version only" : "") + ": "
+    return head + " " + StartText(*window.start) + (window.versionFilter ? ", this version only" : "")
+        + CoverText(window.count) + ": "
         + (window.reason == Reason::WINDOW_SHORT || window.hit
                 ? CountText(window)
                 : std::string(Evidence::ReasonText(window.reason)));

@@ -1,6 +1,7 @@
 #include "arborist/evaluation/alarm_rule_engine.h"
 
 #include <algorithm>
+#include <functional>
 
 #include <gmock/gmock.h>
 
@@ -10,6 +11,7 @@
 #include "arborist/frame/settings.h"
 #include "tests/evaluation/alarm_rules.h"
 #include "tests/evaluation/rule_set.h"
+#include "tests/support/case_name.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/settings_guard.h"
@@ -177,6 +179,66 @@ TEST_F(AlarmEvidence, ALogThatCannotBeReadTellsNoNumber)
     EXPECT_EQ(Counted(Ids("7", "8").Duration(7, 5)).rowsBeforeStart, std::nullopt);
     mDir.Write(LOG, "no database");
     EXPECT_EQ(Counted(Ids("7", "8").Duration(7, 5)).rowsBeforeStart, std::nullopt);
+}
+
+// One way of counting, with a threshold to add.
+struct LaterCase { const char* name; const char* id; std::function<void(Ids&, int)> window; };
+void PrintTo(const LaterCase& later, std::ostream* out) { *out << later.name; }
+
+class RowsLaterThanNow : public AlarmEvidence, public testing::WithParamInterface<LaterCase> {};
+
+TEST_P(RowsLaterThanNow, AreToldWhereTheThresholdWasReachedWithThemAlone)
+{
+    const std::int32_t id = std::stoi(GetParam().id);
+    Log({{NOW, id, "1", R"({"a":1,"COUNT":1})"}, {NOW + 1, id, "1", R"({"a":1,"COUNT":1})"}});
+    Ids one(GetParam().id, GetParam().id);
+    GetParam().window(one, 1);
+    EXPECT_THAT(WindowOf(one, true).notes, testing::IsEmpty());
+    Ids two(GetParam().id, GetParam().id);
+    GetParam().window(two, 2);
+    EXPECT_THAT(WindowOf(two, true).notes, ElementsAre(Evidence::Reason::ROWS_AFTER_NOW));
+    SetNow(NOW + 1);
+    EXPECT_THAT(WindowOf(two, true).notes, testing::IsEmpty());
+}
+
+void WithTest(Ids& ids) { ids.WithParam("p", "a", "int").Single("p", "eq", "1"); }
+void WithTests(Ids& ids) { ids.WithParam("p", "a", "int").Multiple({{"p", "eq", "1"}, {"p", "ge", "1"}}); }
+
+INSTANTIATE_TEST_SUITE_P(Table, RowsLaterThanNow, testing::Values(
+    LaterCase{"Rows", "7", [](Ids& ids, int threshold) { ids.Latest(7, threshold); }},
+    LaterCase{"Weights", "920000001", [](Ids& ids, int threshold) { ids.Duration(7, threshold); }},
+    LaterCase{"DailyRows", "7", [](Ids& ids, int threshold) { ids.DailyPeak(7, threshold); }},
+    LaterCase{"DailyWeights", "920000001", [](Ids& ids, int threshold) { ids.DailyPeak(7, threshold); }},
+    LaterCase{"Tested", "7", [](Ids& ids, int threshold) { WithTest(ids); ids.Latest(7, threshold); }},
+    LaterCase{"DailyTested", "7", [](Ids& ids, int threshold) { WithTest(ids); ids.DailyPeak(7, threshold); }},
+    LaterCase{"AllTests", "7", [](Ids& ids, int threshold) { WithTests(ids); ids.Duration(7, threshold); }},
+    LaterCase{"TestsOfTheLastId", "7", [](Ids& ids, int threshold) { WithTests(ids); ids.Latest(7, threshold); }}),
+    CaseName());
+
+TEST_F(AlarmEvidence, RowsWithoutPartnersAreToldWhereMoreRowsWouldCount)
+{
+    const auto unseen = [this](const Ids& ids, bool expected, std::int64_t time) {
+        EventLogBuilder().Rows({{NOW, 7, "1", ""}, {time, 7, "1", ""}, {NOW, 8, "1", ""}})
+            .Sql("update event_info set version_id = 99 where _ID = 2").WriteTo(mDir.Path(LOG));
+        return WindowOf(ids, expected).notes;
+    };
+    EXPECT_THAT(unseen(Ids("7", "7").Latest(7, 2), false, NOW), ElementsAre(Evidence::Reason::ROWS_UNSEEN));
+    EXPECT_THAT(unseen(Ids("7", "7").Latest(7, 1), true, NOW), testing::IsEmpty());
+    EXPECT_THAT(unseen(Ids("8", "8").Latest(7, 2), false, NOW), testing::IsEmpty()) << "of another id";
+    EXPECT_THAT(unseen(Ids("7", "7").Latest(7, 2), false, PERIOD - 1), testing::IsEmpty()) << "before the window";
+    EventLogBuilder().Rows({{NOW, 920000001, "1", R"({"COUNT":1})"}, {NOW, 920000001, "1", ""}})
+        .Sql("delete from event_info_flow where _ID = 2").WriteTo(mDir.Path(LOG));
+    EXPECT_THAT(WindowOf(Ids("920000001", "920000001").Latest(7, 1), true).notes,
+        ElementsAre(Evidence::Reason::ROWS_UNSEEN)) << "it may weigh less than nothing";
+}
+
+TEST_F(AlarmEvidence, DaysThatALogCoversAreToldWhereItBeginsAfterTheWindow)
+{
+    Log({{NOW - 2 * DAY - 1, 1, "1", ""}, {NOW, 7, "1", ""}});
+    EXPECT_THAT(Counted(Ids("7", "7").Latest(7, 2)).coveredDays, Optional(2));
+    EXPECT_EQ(Counted(Ids("7", "7").Latest(2, 2)).coveredDays, std::nullopt);
+    Log({{NOW - 7 * DAY, 1, "1", ""}, {NOW, 7, "1", ""}});
+    EXPECT_EQ(Counted(Ids("7", "7").Latest(7, 2)).coveredDays, std::nullopt);
 }
 
 TEST_F(AlarmEvidence, CountingWhatWasCutOffLeavesNoLine)

@@ -419,10 +419,10 @@ TEST_F(AlarmRuleEngineTest, EachWindowIsNoted)
         .Latest(1, 2)));
     EXPECT_THAT(EvidenceLines(mRecord, "window"), ElementsAre(
         "window item 0 ids 7-8 duration days 1 threshold 3 since 1699913600 by version rows 5 other version 1 failed 1 "
-        "reached 2 rows by 8 miss [window_short]",
+        "covered 0 reached 2 rows by 8 miss [window_short]",
         testing::StartsWith("window item 0 ids 7-8 daily_peak days 0 threshold 0 since 0"),
         "window item 0 ids 7-8 latest days 1 threshold 2 since 1699913600 by version rows 5 other version 1 failed 1 "
-        "reached 2 rows by 8 hit [window_reached]"));
+        "covered 0 reached 2 rows by 8 hit [window_reached]"));
     EXPECT_THAT(EvidenceLines(mRecord, "start"), SizeIs(2));
 }
 

@@ -31,7 +31,8 @@ void Append(const Evidence::Window& window, Lines& lines)
     lines.push_back(Line("window item ", window.item, " ids ", window.firstId, '-', window.lastId, ' ', window.kind,
         " days ", window.periodDays, " threshold ", window.threshold, " since ",
         window.start ? window.start->start.seconds : 0, window.versionFilter ? " by version" : "", " rows ",
-        count.rowsFound, " other version ", count.rowsOfOtherVersion, " failed ", count.rowsFailedTest, " reached ",
+        count.rowsFound, " other version ", count.rowsOfOtherVersion, " failed ", count.rowsFailedTest,
+        count.coveredDays ? Line(" covered ", *count.coveredDays) : "", " reached ",
         count.reached, measure.empty() ? "" : " ", measure, " by ", count.lastIdDecides ? "last id " : "",
         count.reachedById, count.rowsBeforeStart ? Line(" before start ", *count.rowsBeforeStart) : "", window.hit ? " hit" : " miss",
         WhyText(window.reason)));

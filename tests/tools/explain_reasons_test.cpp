@@ -245,15 +245,15 @@ std::vector<ReasonCase> AlarmCases()
             {"FALSE window_empty", "ids 7-8, latest: window_empty"}},
         {"window_short", Alarm({AlarmItem({TimeXml("latest", "1", "3")})}), "FALSE",
             {"FALSE window_short",
-                "ids 7-8, latest since 2023-11-13 22:13:20 (period of 1 day): 4 rows; reached 2 by id 7 of 3 rows, "
+                "ids 7-8, latest since 2023-11-13 22:13:20 (period of 1 day), of which the log covers less than a day: 4 rows; reached 2 by id 7 of 3 rows, "
                     "1 missing"},
             "", WriteLog},
         {"window_reached",
             Alarm({AlarmIdXml("7", "8", {TimeXml("latest", "1", "1"), params, test}).Attr("BeginFlag", "2")
                 .Attr("type", "param_eventid")}), "TRUE",
             {"rule r (alarm): TRUE window_reached",
-                "ids 7-8, latest since 2023-11-13 22:13:20 (period of 1 day), this version only: 2 rows, 1 of another "
-                "version; reached 1 by id 7 of 1 row",
+                "ids 7-8, latest since 2023-11-13 22:13:20 (period of 1 day), this version only, "
+                "of which the log covers less than a day: 2 rows, 1 of another version; reached 1 by id 7 of 1 row",
                 "test N >= 5 (int): 1 of 1 row passes",
                 "Root cause E", "T / E", "rule r: window_reached, ids 7-8, latest since"},
             R"(, "settings": {"VersionName": "1", "ProgramDataDir": "programdata"})", WriteLog},
@@ -268,6 +268,18 @@ std::vector<ReasonCase> AlarmCases()
             [](const TempDir& dir) {
                 EventLogBuilder().Rows({{NOW - 100, 920000001, "", "{\"COUNT\":5}"},
                     {NOW - 200, 920000001, "", "{\"COUNT\":-2}"}}).WriteTo(dir.Path(LOG));
+            }},
+        {"rows_unseen", Alarm({AlarmItem({TimeXml("latest", "1", "5")})}), "",
+            {"UNDECIDED: 1 of 1 check open (1 no_data)", "open: E, rule r: no_data, rows_unseen"}, "",
+            [](const TempDir& dir) {
+                EventLogBuilder().Rows({{NOW - 100, 7, "", ""}, {NOW - 90, 7, "", ""}})
+                    .Sql("update event_info set version_id = 99 where _ID = 2").WriteTo(dir.Path(LOG));
+            }},
+        {"rows_after_now", Alarm({AlarmItem({TimeXml("latest", "1", "2")})}), "",
+            {"FAULT, 1 root cause, 1 of 1 check open (1 no_data)",
+                "open: E, rule r: no_data, rows_after_now, taken as TRUE"}, "",
+            [](const TempDir& dir) {
+                EventLogBuilder().Rows({{NOW - 10, 7, "", ""}, {NOW + 10, 7, "", ""}}).WriteTo(dir.Path(LOG));
             }},
         {"repair_unreadable",
             [](RuleXml& rules) {

@@ -40,6 +40,15 @@ public:
         return mSearch.CountRows(firstId, lastId, start, end);
     }
 
+    /// See EventLogSearch::GetFirstTime.
+    std::optional<std::int64_t> GetFirstTime() const { return mSearch.GetFirstTime(); }
+
+    /// See EventLogSearch::HasUnseen.
+    bool HasUnseen(std::int32_t firstId, std::int32_t lastId, std::int64_t start) const
+    {
+        return mSearch.HasUnseen(firstId, lastId, start);
+    }
+
     /// See EventLogSearch::Foresee.
     void Foresee(std::int32_t firstId, std::int32_t lastId, const EventRows::Questions& questions)
     {

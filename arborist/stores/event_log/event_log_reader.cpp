@@ -75,6 +75,7 @@ std::size_t GuessRowCount(const FT::sql::Sqlite3Db& database, const std::string&
 
 struct EventLogReader::Row {
     bool isFound; // a query finds the row, as it has an id and a time
+    bool hasTime;
     bool isWhole; // all are whole numbers
     std::int64_t id;
     std::int64_t time;
@@ -102,7 +103,7 @@ std::shared_ptr<const EventLogSnapshot> EventLogReader::Read()
     mNumberOfId = IdDictionary();
     mOrigin.dataVersion = ReadDataVersion(mDb);
     return std::make_shared<EventLogSnapshot>(std::move(mIds), std::move(mNeedsQuery), std::move(mIdOfRow),
-        std::move(mColumns), std::move(mVersionNumbers), std::move(mOrigin));
+        std::move(mColumns), std::move(mVersionNumbers), std::move(mDropped), std::move(mOrigin));
 }
 
 void EventLogReader::Clear()
@@ -169,8 +170,9 @@ bool EventLogReader::ReadInOnePass()
         // Get types first: reading a text as a number may change its type.
         const bool isWhole = row.IsInteger(0) && row.IsInteger(1) && row.IsInteger(2) && row.IsInteger(3);
         const bool isFound = isWhole || !(row.IsNull(0) || row.IsNull(1) || row.IsNull(2));
+        const bool hasTime = !row.IsNull(1);
         const std::int64_t id = IdIn(row, row.IsInteger(0));
-        TakeRow({isFound, isWhole, id, row.GetInteger(1), row.GetInteger(2), row.GetInteger(3)});
+        TakeRow({isFound, hasTime, isWhole, id, row.GetInteger(1), row.GetInteger(2), row.GetInteger(3)});
     }, error);
 }
 
@@ -207,7 +209,7 @@ void EventLogReader::ReadRowByRow()
                 partners.GetType(2) == Type::INTEGER;
             const bool isFound = partners.GetType(1) != Type::NONE && partners.GetType(2) != Type::NONE;
             TakeVersion(partners.GetInteger(2), isWhole, std::string(partners.GetText(3)));
-            TakeRow({isFound, isWhole, id, partners.GetInteger(1), partners.GetInteger(2), rowId});
+            TakeRow({isFound, partners.GetType(1) != Type::NONE, isWhole, id, partners.GetInteger(1), partners.GetInteger(2), rowId});
         }
         if (!isThere || !partners.IsOk()) {
             mNeedsQuery[NumberOfId(static_cast<std::int32_t>(id))] = true;
@@ -218,7 +220,7 @@ void EventLogReader::ReadRowByRow()
 
 void EventLogReader::LeaveDroppedToQueries()
 {
-    for (const std::int32_t id : mDropped) {
+    for (const auto& [id, time] : mDropped) {
         mNeedsQuery[NumberOfId(id)] = true;
     }
 }
@@ -334,7 +336,9 @@ void EventLogReader::TakeRow(const Row& row)
     // No query finds a row without an id, a time or partners, and no rule can name an id beyond 32 bits.
     if (!row.isFound || !Fits<std::int32_t>(row.id)) {
         if (Fits<std::int32_t>(row.id)) {
-            mDropped.insert(static_cast<std::int32_t>(row.id));
+            const std::int64_t time = row.hasTime ? row.time : std::numeric_limits<std::int64_t>::max();
+            std::int64_t& latest = mDropped.try_emplace(static_cast<std::int32_t>(row.id), time).first->second;
+            latest = std::max(latest, time);
         }
         return;
     }

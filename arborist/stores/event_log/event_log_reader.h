@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -65,7 +64,7 @@ private:
     std::vector<std::uint32_t> mIdOfRow;
     EventLogSnapshot::Columns mColumns;
     EventLogSnapshot::VersionNumbers mVersionNumbers;
-    std::set<std::int32_t> mDropped; // ids of rows without partners
+    EventLogSnapshot::Unseen mDropped; // ids of rows without partners
     bool mIsInOrder = true; // of their row ids
     std::int64_t mLastRowId = 0;
     std::vector<Version> mVersions; // by row number

@@ -91,10 +91,28 @@ EventLogSearch::Reading EventLogSearch::Visit(
     return visit.reading;
 }
 
+// Whether the snapshot has all rows, but for those of ids that need a query of their own.
+bool EventLogSearch::IsWhole() const
+{
+    return mSnapshot != nullptr && !mSnapshot->GetOrigin().isEachIdAsked && mSnapshot->GetOrigin().breakError.empty() &&
+        mSnapshot->GetOrigin().damage.empty();
+}
+
+std::optional<std::int64_t> EventLogSearch::GetFirstTime() const
+{
+    const std::optional<std::uint32_t> time = IsWhole() ? mSnapshot->GetFirstTime() : std::nullopt;
+    return time ? std::optional<std::int64_t>(*time) : std::nullopt;
+}
+
+bool EventLogSearch::HasUnseen(std::int32_t firstId, std::int32_t lastId, std::int64_t start) const
+{
+    return IsWhole() && mSnapshot->HasUnseen(firstId, lastId, start);
+}
+
 std::optional<std::uint64_t> EventLogSearch::CountRows(
     std::int32_t firstId, std::int32_t lastId, std::int64_t start, std::int64_t end) const
 {
-    if (mSnapshot == nullptr || mSnapshot->GetOrigin().isEachIdAsked || !mSnapshot->GetOrigin().breakError.empty()) {
+    if (!IsWhole()) {
         return std::nullopt;
     }
     const auto countSince = [this](const Entry& entry, std::int64_t time) {

@@ -72,6 +72,13 @@ public:
     std::optional<std::uint64_t> CountRows(
         std::int32_t firstId, std::int32_t lastId, std::int64_t start, std::int64_t end) const;
 
+    /// The time of the first row of any id in that state; nothing if that visit could not read the whole log, or if the
+    /// log is empty.
+    std::optional<std::int64_t> GetFirstTime() const;
+    /// True if one of these ids has a row at or after `start`, or at an unknown time, that no query finds for lack of a
+    /// partner. False if that visit could not read the whole log.
+    bool HasUnseen(std::int32_t firstId, std::int32_t lastId, std::int64_t start) const;
+
     static void TellVersionName(const std::string& versionName);
 
 private:
@@ -94,6 +101,7 @@ private:
     bool FillColumns(const OpenVisit& visit, const Entry& entry, EventRows::Known& known) const;
     bool FillTexts(EventRows::Known& known) const;
     bool IsCurrent() const;
+    bool IsWhole() const;
 
     const FT::sql::Sqlite3Db& mDb;
     EventQuery mEventQuery;

@@ -32,9 +32,9 @@ void GroupHalves(std::vector<Number>& column, const std::vector<std::uint32_t>& 
 } // namespace
 
 EventLogSnapshot::EventLogSnapshot(std::vector<std::int32_t> ids, std::vector<bool> needsQuery,
-    std::vector<std::uint32_t> idNumbers, Columns columns, VersionNumbers versionNumbers, Origin origin)
+    std::vector<std::uint32_t> idNumbers, Columns columns, VersionNumbers versionNumbers, Unseen unseen, Origin origin)
     : mOrigin(std::move(origin)), mIds(std::move(ids)), mColumns(std::move(columns)),
-      mVersionNumbers(std::move(versionNumbers))
+      mVersionNumbers(std::move(versionNumbers)), mUnseen(std::move(unseen))
 {
     const std::vector<std::uint32_t> entryOfId = SortIds(std::move(needsQuery));
     for (std::uint32_t& number : idNumbers) {
@@ -158,6 +158,29 @@ void EventLogSnapshot::CountDays(const Run& run, const Filter& filter, LocalDays
     } else {
         CountDaysIf(run, localDays, days, [](std::uint32_t) { return true; });
     }
+}
+
+std::optional<std::uint32_t> EventLogSnapshot::GetFirstTime() const
+{
+    const auto first = std::min_element(mColumns.times.begin(), mColumns.times.end());
+    return first == mColumns.times.end() ? std::nullopt : std::optional(*first);
+}
+
+bool EventLogSnapshot::HasUnseen(std::int32_t firstId, std::int32_t lastId, std::int64_t start) const
+{
+    return std::any_of(mUnseen.lower_bound(firstId), mUnseen.upper_bound(lastId),
+        [start](const auto& unseen) { return unseen.second >= start; });
+}
+
+std::size_t EventLogSnapshot::CountAfter(const Run& run, const Filter& filter, std::int64_t time) const
+{
+    return Count({run.begin, run.end, false}, {std::max(filter.start, time + 1), filter.version});
+}
+
+void EventLogSnapshot::CountDaysAfter(
+    const Run& run, const Filter& filter, std::int64_t time, LocalDays& localDays, DayCounts& days) const
+{
+    CountDays({run.begin, run.end, false}, {std::max(filter.start, time + 1), filter.version}, localDays, days);
 }
 
 RowBits EventLogSnapshot::Select(const Run& run, const Filter& filter) const

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -52,6 +53,10 @@ public:
         std::string damage;
     };
 
+    /// For each id the latest moment of its rows that no query finds for lack of a partner; the greatest number if one
+    /// of them has no time.
+    using Unseen = std::map<std::int32_t, std::int64_t>;
+
     /// The rows of one event id, in the order in which the query for that id returns them.
     struct Entry {
         std::int32_t eventId;
@@ -78,7 +83,7 @@ public:
 
     /// `idNumbers` gives, for each row in the order of the log, the index of its id in `ids`.
     EventLogSnapshot(std::vector<std::int32_t> ids, std::vector<bool> needsQuery, std::vector<std::uint32_t> idNumbers,
-        Columns columns, VersionNumbers versionNumbers, Origin origin);
+        Columns columns, VersionNumbers versionNumbers, Unseen unseen, Origin origin);
 
     const Origin& GetOrigin() const { return mOrigin; }
     std::size_t GetRowCount() const { return mColumns.times.size(); }
@@ -109,6 +114,15 @@ public:
     RowBits Select(const Run& run, const Filter& filter) const;
     std::uint32_t GetTime(std::uint32_t row) const { return mColumns.times[row]; }
     std::int64_t GetRowId(std::uint32_t row) const { return mColumns.rowIds[row]; }
+    /// The time of the earliest row; nothing if there are none.
+    std::optional<std::uint32_t> GetFirstTime() const;
+    /// True if one of these ids has a row that no query finds, at or after `start` or at an unknown time.
+    bool HasUnseen(std::int32_t firstId, std::int32_t lastId, std::int64_t start) const;
+    /// Counts the rows that pass the filter and are later than `time`.
+    std::size_t CountAfter(const Run& run, const Filter& filter, std::int64_t time) const;
+    /// The same by their day of the month.
+    void CountDaysAfter(
+        const Run& run, const Filter& filter, std::int64_t time, LocalDays& localDays, DayCounts& days) const;
     /// True if the row ids of every entry ascend.
     bool AreRowIdsAscending() const { return mAreRowIdsAscending; }
 
@@ -135,6 +149,7 @@ private:
     std::vector<bool> mNeedsQuery;
     Columns mColumns;
     VersionNumbers mVersionNumbers;
+    Unseen mUnseen;
     bool mAreRowIdsAscending = true;
 };
 

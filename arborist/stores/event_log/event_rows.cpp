@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "arborist/utilities/string_util.h"
+#include "arborist/utilities/time_util.h"
 
 namespace {
 
@@ -29,10 +30,37 @@ void EventRows::CountDays(DayCounts& days) const
         mKnown->snapshot.CountDays(mKnown->run, mKnown->filter, *mDays, days);
         return;
     }
-    ForEach([&days](const Row& row) {
-        const std::int32_t day = row.GetDayOfMonth();
-        if (day > 0 && static_cast<std::size_t>(day) < days.size()) {
-            ++days[static_cast<std::size_t>(day)];
+    ForEach([&](const Row& row) { AddDay(row, days); });
+}
+
+void EventRows::AddDay(const Row& row, DayCounts& days) const
+{
+    const std::int32_t day = row.GetDayOfMonth();
+    if (day > 0 && static_cast<std::size_t>(day) < days.size()) {
+        ++days[static_cast<std::size_t>(day)];
+    }
+}
+
+std::size_t EventRows::CountAfter(std::int64_t time) const
+{
+    if (mKnown) {
+        return mKnown->snapshot.CountAfter(mKnown->run, mKnown->filter, time);
+    }
+    std::size_t count = 0;
+    ForEach([&](const Row& row) { count += row.IsAfter(time) ? 1 : 0; });
+    return count;
+}
+
+void EventRows::CountDaysAfter(std::int64_t time, DayCounts& days) const
+{
+    if (mKnown) {
+        mKnown->snapshot.CountDaysAfter(mKnown->run, mKnown->filter, time, *mDays, days);
+        return;
+    }
+    ForEach([&](const Row& row) {
+        // Looking for the day of a time that is none logs a line, which counting has logged already.
+        if (row.IsAfter(time) && mEvents[row.mNumber]->occurrenceTime.find('Y') == std::string::npos) {
+            AddDay(row, days);
         }
     });
 }
@@ -55,6 +83,12 @@ std::uint64_t EventRows::Sum(std::size_t question) const
 std::int32_t EventRows::Ask(std::size_t question, std::string_view extra) const
 {
     return extra.empty() ? 0 : mQuestions[question]->Answer(extra);
+}
+
+// Texts of times compare like the times, but for an hour at the end of summer.
+bool EventRows::IsWholeAfter(std::uint32_t row, std::int64_t time) const
+{
+    return mEvents[row]->occurrenceTime > TimeUtil::GetFormatTime(time);
 }
 
 std::int32_t EventRows::WholeDayOf(std::uint32_t row) const

@@ -58,6 +58,11 @@ public:
                                 : mRows.Ask(question, mRows.mEvents[mNumber]->extra);
         }
 
+        bool IsAfter(std::int64_t time) const
+        {
+            return mRows.mKnown ? mRows.mKnown->snapshot.GetTime(mNumber) > time : mRows.IsWholeAfter(mNumber, time);
+        }
+
     private:
         friend class EventRows;
         Row(const EventRows& rows, std::uint32_t number) : mRows(rows), mNumber(number) {}
@@ -97,11 +102,17 @@ public:
 
     /// Counts the rows that count by their day of the month; skips rows without a day.
     void CountDays(DayCounts& days) const;
+    /// The number of rows that count and are later than `time`.
+    std::size_t CountAfter(std::int64_t time) const;
+    /// The same by their day of the month.
+    void CountDaysAfter(std::int64_t time, DayCounts& days) const;
     /// The sum of the answers of all rows, in order. A sum below 0 wraps.
     std::uint64_t Sum(std::size_t question) const;
 
 private:
     std::int32_t WholeDayOf(std::uint32_t row) const;
+    bool IsWholeAfter(std::uint32_t row, std::int64_t time) const;
+    void AddDay(const Row& row, DayCounts& days) const;
     std::int32_t KnownAnswer(const Answers& answers, std::uint32_t row, std::size_t question) const
     {
         const AnswerColumn& column = *answers.columns[question];

@@ -25,7 +25,7 @@ EventLogSnapshot Snapshot(const std::vector<Row>& rows)
         columns.rowIds.push_back(0x10000U * static_cast<std::uint32_t>(columns.times.size()) + 7);
     }
     const std::vector<bool> needsQuery(ids.size());
-    return EventLogSnapshot(ids, needsQuery, idNumbers, columns, {{"", 0}, {"v1", 1}, {"v2", 2}}, {});
+    return EventLogSnapshot(ids, needsQuery, idNumbers, columns, {{"", 0}, {"v1", 1}, {"v2", 2}}, {}, {});
 }
 
 class SnapshotOf {
