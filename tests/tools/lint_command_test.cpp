@@ -344,6 +344,24 @@ TEST_F(LintCommand, MakesUnsafeFixesWhenAskedTo)
     EXPECT_THAT(mDir.Read("rules/FaultTreeRules.xml"), HasSubstr("<Rule-name>r</Rule-name>"));
 }
 
+TEST_F(LintCommand, RefusesFixesWithWhichTheTestsOfTheRuleSetAnswerOtherwise)
+{
+    std::string rules = RuleFile(" detectScene=\"1\"");
+    rules.replace(rules.find("<Rule-name>r"), 12, "<Rule-name>r\n");
+    Write(rules);
+    mDir.Write("rules/quiet.test.json", R"({"scene": 1, "answers": {"r": true}, "expect": {"causes": {"T": []}}})");
+    ASSERT_EQ(RunArborist({"test", "rules"}).status, 0);
+    const auto refused = Lint({"rules", "--fix", "--unsafe-fixes"});
+    EXPECT_THAT(refused.err, StartsWith("arborist: rules: not mended: a test would answer otherwise: "));
+    EXPECT_THAT(refused.err, HasSubstr("quiet.test.json: quiet\n"));
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), rules);
+    EXPECT_EQ(Lint({"rules", "--diff", "--unsafe-fixes"}).out, "");
+    mDir.Write("rules/quiet.test.json", R"({"scene": 2, "answers": {"r": true}, "expect": {"causes": {"T": []}}})");
+    EXPECT_EQ(Lint({"rules", "--fix", "--unsafe-fixes"}).out, "no findings\n");
+    EXPECT_NE(mDir.Read("rules/FaultTreeRules.xml"), rules);
+}
+
 TEST_F(LintCommand, DoesNotMendWhatIsOnStandardInput)
 {
     EXPECT_EQ(Lint({"-", "--fix"}).status, 2);

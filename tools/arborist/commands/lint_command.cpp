@@ -14,6 +14,7 @@
 #include "diagnosis/lint/registry.h"
 #include "diagnosis/log_db/inspect_log.h"
 #include "tools/arborist/commands/commands.h"
+#include "tools/arborist/commands/lint_fixes.h"
 #include "tools/arborist/commands/shared_options.h"
 #include "tools/arborist/render/lint_text.h"
 #include "tools/arborist/terminal/colour.h"
@@ -227,10 +228,20 @@ bool LintFolders(LintRunner& runner, const LintCommandOptions& given, std::strin
     return FilterByBaseline(given, runner.Run(), problem);
 }
 
+// The fixes that the tests of the rule sets allow, after printing why others are refused.
+std::vector<lint::FileFix> FixesToMake(const lint::LintRun& run, const LintCommandOptions& given)
+{
+    TestedFixes tested = TestFixes(lint::FixesOf(run.findings, given.withUnsafeFixes));
+    for (const std::string& refusal : tested.refused) {
+        PrintError(refusal);
+    }
+    return std::move(tested.fixes);
+}
+
 // Fixes the files; false, after printing the reason, if one could not be written.
 bool Fix(const lint::LintRun& run, const LintCommandOptions& given)
 {
-    for (const lint::FileFix& fix : lint::FixesOf(run.findings, given.withUnsafeFixes)) {
+    for (const lint::FileFix& fix : FixesToMake(run, given)) {
         if (const auto problem = lint::WriteFix(fix)) {
             PrintError(*problem);
             return false;
@@ -242,7 +253,7 @@ bool Fix(const lint::LintRun& run, const LintCommandOptions& given)
 std::string Diff(const lint::LintRun& run, const LintCommandOptions& given)
 {
     std::string text;
-    for (const lint::FileFix& fix : lint::FixesOf(run.findings, given.withUnsafeFixes)) {
+    for (const lint::FileFix& fix : FixesToMake(run, given)) {
         text += lint::DiffOf(fix);
     }
     return text;

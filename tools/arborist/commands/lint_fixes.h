@@ -1,0 +1,25 @@
+#ifndef ARBORIST_TOOLS_COMMANDS_LINT_FIXES_H
+#define ARBORIST_TOOLS_COMMANDS_LINT_FIXES_H
+
+#include <string>
+#include <vector>
+
+#include "diagnosis/lint/fixes.h"
+
+namespace diagnosis::command {
+
+/// Fixes of rule sets, after the tests of the rule sets were asked.
+struct TestedFixes {
+    /// Those that may be made.
+    std::vector<lint::FileFix> fixes;
+    /// For each folder whose fixes are refused, why.
+    std::vector<std::string> refused;
+};
+
+/// Tries the fixes on copies of the rule sets. Refuses those of a folder if a case below it (*.test.json) would answer
+/// otherwise; a folder without cases refuses nothing.
+TestedFixes TestFixes(std::vector<lint::FileFix> fixes);
+
+} // namespace diagnosis::command
+
+#endif
