@@ -3,6 +3,7 @@
 
 /// The one header that a host includes: the facade, what goes in, what comes out, what a rule set names, the log and the settings.
 
+#include "arborist/arborist_version.h"
 #include "arborist/frame/arborist.h"
 #include "arborist/frame/detect_info.h"
 #include "arborist/frame/detection_observer.h"

@@ -1,10 +1,39 @@
+# What a host, a developer and a user of the command install. The static and the shared library are built in folders of their
+# own and can be installed to one place: each has its own file of targets, and the package takes the one that is asked for.
 include(CMakePackageConfigHelpers)
-install(TARGETS arborist EXPORT arborist-targets
-    FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-    FILE_SET generated_headers DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(EXPORT arborist-targets NAMESPACE arborist:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/arborist)
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/arborist)
+get_target_property(type arborist TYPE)
+string(REPLACE "_LIBRARY" "" kind ${type})
+string(TOLOWER ${kind} kind)
+
+install(TARGETS arborist EXPORT arborist-${kind}-targets
+    LIBRARY COMPONENT library NAMELINK_COMPONENT development
+    ARCHIVE COMPONENT development
+    FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development
+    FILE_SET generated_headers DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(EXPORT arborist-${kind}-targets NAMESPACE arborist:: DESTINATION ${package_dir} COMPONENT development)
+
 configure_package_config_file(cmake/arborist-config.cmake.in ${PROJECT_BINARY_DIR}/arborist-config.cmake
-    INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/arborist)
-write_basic_package_version_file(${PROJECT_BINARY_DIR}/arborist-config-version.cmake COMPATIBILITY SameMinorVersion)
+    INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/arborist-config-version.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/arborist-config.cmake ${PROJECT_BINARY_DIR}/arborist-config-version.cmake
-    DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/arborist)
+    DESTINATION ${package_dir} COMPONENT development)
+
+# The prefix is known when the package is installed, not when it is built.
+install(CODE "set(template [[${PROJECT_SOURCE_DIR}/cmake/arborist.pc.in]])
+set(PROJECT_VERSION [[${PROJECT_VERSION}]])
+set(PROJECT_DESCRIPTION [[${PROJECT_DESCRIPTION}]])
+set(CMAKE_INSTALL_INCLUDEDIR [[${CMAKE_INSTALL_INCLUDEDIR}]])
+set(CMAKE_INSTALL_LIBDIR [[${CMAKE_INSTALL_LIBDIR}]])
+configure_file(\"\${template}\" [[${PROJECT_BINARY_DIR}/arborist.pc]] @ONLY)" COMPONENT development)
+install(FILES ${PROJECT_BINARY_DIR}/arborist.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+# Debian's place for the licence of each package.
+foreach(owner IN ITEMS library:libarborist${PROJECT_VERSION_MAJOR} development:libarborist-dev command:arborist)
+    string(REPLACE ":" ";" owner ${owner})
+    list(GET owner 0 component)
+    list(GET owner 1 package)
+    install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} RENAME copyright COMPONENT ${component})
+endforeach()
+
+include(cmake/packages.cmake)

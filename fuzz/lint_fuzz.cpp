@@ -6,18 +6,13 @@
 #include "diagnosis/lint/lint.h"
 #include "diagnosis/lint/output/formats.h"
 #include "fuzz/fuzz_support.h"
+#include "fuzz/small_rule_set.h"
 
 namespace {
 
 namespace lint = diagnosis::lint;
 using diagnosis::rule_source::RuleSetFiles;
 using diagnosis::rule_source::SourceFile;
-
-constexpr char TREES[] = "<r version='1'><t><T id='T' version='1' type='t'><Intermediate-Event><ID>T</ID><And-Gate>"
-                         "<Basic-Event><ID>E</ID></Basic-Event><Basic-Event><ID>F</ID></Basic-Event></And-Gate>"
-                         "</Intermediate-Event></T></t></r>";
-constexpr char RULES[] = "<r><EventRules><t><Event><ID>E</ID><or type='singleRule'><Rule><Rule-name>r</Rule-name></Rule>"
-                         "</or></Event></t></EventRules></r>";
 
 void Lint(const std::string& trees, const std::string& rules)
 {
@@ -46,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     static const FuzzDir quiet;
     const std::string text(reinterpret_cast<const char*>(data), size);
-    Lint(TREES, text);
-    Lint(text, RULES);
+    Lint(SMALL_TREE_FILE, text);
+    Lint(text, SMALL_RULE_FILE);
     return 0;
 }

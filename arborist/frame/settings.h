@@ -36,10 +36,14 @@ inline constexpr char TEMPORARY_STORES[] = "TemporaryStores";
 /// Arborist::RequestStop.
 inline constexpr char TIME_LIMIT[] = "TimeLimit";
 
+/// If not empty, the library leaves SQLite's memory to the host: it neither configures SQLite nor sets its soft heap
+/// limit, which is one for the whole process. Otherwise each connection sets the limit to 100 KiB.
+inline constexpr char KEEP_SQLITE_MEMORY[] = "KeepSqliteMemory";
+
 /// The keys of all settings. Code that sets some temporarily empties all of these at the end.
 inline constexpr const char* ALL[] = {
     APP_DATABASE_DIR, APP_FILE_DIR, VERSION_NAME, PROGRAM_DATA_DIR, DEVICE_ROOT_DIR, CURRENT_TIME, AS_OF, TEMPORARY_STORES,
-    TIME_LIMIT};
+    TIME_LIMIT, KEEP_SQLITE_MEMORY};
 
 } // namespace Settings
 

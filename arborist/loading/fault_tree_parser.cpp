@@ -1,6 +1,5 @@
 #include "arborist/loading/fault_tree_parser.h"
 
-#include <filesystem>
 #include <functional>
 #include <system_error>
 #include <thread>
@@ -14,6 +13,7 @@
 #include "arborist/loading/event_rule_parser.h"
 #include "arborist/loading/rule_parser.h"
 #include "arborist/loading/tree_parser.h"
+#include "arborist/loading/xml_file.h"
 #include "arborist/utilities/file_util.h"
 
 namespace {
@@ -26,18 +26,14 @@ using State = Evidence::RuleSetFileState;
 bool LoadDocument(
     tinyxml2::XMLDocument& document, const std::string& path, const char* function, RuleSetFile& report)
 {
-    document.Clear();
-    std::error_code noStatus;
-    // Opening a pipe would block until somebody writes, so anything but a plain file counts as unreadable.
-    const bool isFile = std::filesystem::is_regular_file(path, noStatus);
-    const tinyxml2::XMLError error = isFile ? document.LoadFile(path.c_str()) : tinyxml2::XML_ERROR_FILE_READ_ERROR;
-    if (error == tinyxml2::XML_SUCCESS) {
+    XmlFile::Outcome outcome = XmlFile::Load(document, path);
+    if (outcome.error == tinyxml2::XML_SUCCESS) {
         report = {report.type, State::LOADED, path, "", 0, 0};
         return true;
     }
-    report = {report.type, State::MALFORMED, path, isFile ? document.ErrorStr() : "not a file", document.ErrorLineNum(), 0};
+    report = {report.type, State::MALFORMED, path, std::move(outcome.message), outcome.line, 0};
     FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: load tree rules xml failed %s, errno %d", function,
-        path.c_str(), static_cast<int>(error));
+        path.c_str(), static_cast<int>(outcome.error));
     return false;
 }
 

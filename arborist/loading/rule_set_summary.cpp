@@ -1,7 +1,6 @@
 #include "arborist/frame/rule_set_summary.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -10,6 +9,7 @@
 
 #include "arborist/frame/fault_tree_result.h"
 #include "arborist/loading/fault_tree_parser.h"
+#include "arborist/loading/xml_file.h"
 #include "arborist/loading/xml_walk.h"
 #include "arborist/utilities/json_text.h"
 #include "arborist/utilities/rooted_path.h"
@@ -35,9 +35,7 @@ class File {
 public:
     explicit File(const std::string& path)
     {
-        std::error_code error;
-        mIsRead = std::filesystem::is_regular_file(path, error)
-            && mDocument.LoadFile(path.c_str()) == tinyxml2::XML_SUCCESS;
+        mIsRead = XmlFile::Load(mDocument, path).error == tinyxml2::XML_SUCCESS;
     }
 
     bool IsRead() const { return mIsRead; }

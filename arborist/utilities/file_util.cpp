@@ -1,7 +1,7 @@
 #include "arborist/utilities/file_util.h"
 
 #include <algorithm>
-#include <fstream>
+#include <cstdio>
 #include <system_error>
 
 #include "arborist/frame/log.h"
@@ -218,8 +218,17 @@ void FileUtil::RemoveFolderBeginWith(const std::string& parent, const std::strin
 bool FileUtil::CopyFileToFolder(const std::string& source, const std::string& target, fs::copy_options options)
 {
     std::error_code error;
+    // One file into a folder, the common case, is copied so that nobody inherits its descriptors.
+    const bool isPlain = options == fs::copy_options::overwrite_existing && IsPlainFile(source) &&
+        fs::is_directory(target, error);
     try {
-        fs::copy(source, target, options, error);
+        if (isPlain && Platform::CopyContent(source, target + "/" + ExtractFileName(source))) {
+            return true;
+        }
+        error = isPlain ? std::make_error_code(std::errc::io_error) : std::error_code();
+        if (!isPlain) {
+            fs::copy(source, target, options, error);
+        }
     } catch (const fs::filesystem_error& failure) {
         error = failure.code(); // a read error inside a folder throws despite the error code
     }
@@ -340,9 +349,12 @@ bool FileUtil::SaveStringToFile(const std::string& path, const std::string& text
     if (!PathToRealPath(path, realPath) || fs::is_fifo(realPath, ignored)) {
         return false;
     }
-    std::ofstream file(realPath, truncate ? std::ios::trunc : std::ios::app);
-    file << text << std::flush;
-    return file.good();
+    std::FILE* const file = Platform::OpenFile(realPath, truncate ? "w" : "a");
+    if (file == nullptr) {
+        return false;
+    }
+    const bool isWritten = std::fwrite(text.data(), 1, text.size(), file) == text.size();
+    return std::fclose(file) == 0 && isWritten;
 }
 
 void FileUtil::SetThreadDescription(const std::string& name)

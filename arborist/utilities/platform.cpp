@@ -1,7 +1,9 @@
 #include "arborist/utilities/platform.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <vector>
 
 #include <fcntl.h>
 #include <locale.h>
@@ -12,7 +14,83 @@
 #endif
 #include <unistd.h>
 
+#include "arborist/frame/stopping.h"
+
 namespace {
+
+// Between two of them a detection can stop.
+constexpr std::size_t COPIED_AT_ONCE = 8 * 1024 * 1024;
+
+/// Closes a descriptor at its end.
+class Descriptor {
+public:
+    explicit Descriptor(int number) : mNumber(number) {}
+    ~Descriptor() { Close(); }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    int Get() const { return mNumber; }
+    // False if what was written could not be stored.
+    bool Close()
+    {
+        const int number = mNumber;
+        mNumber = -1;
+        return number < 0 || close(number) == 0;
+    }
+
+private:
+    int mNumber;
+};
+
+bool WriteAll(int file, const char* bytes, std::size_t length)
+{
+    while (length != 0) {
+        const ssize_t written = write(file, bytes, length);
+        if (written < 0 && errno != EINTR) {
+            return false;
+        }
+        bytes += std::max<ssize_t>(written, 0);
+        length -= static_cast<std::size_t>(std::max<ssize_t>(written, 0));
+    }
+    return true;
+}
+
+// The number of bytes that the system itself copied, so that they need not pass through this process; 0 where it can't,
+// and at the end of the file.
+std::size_t CopyInSystem(int from, int to)
+{
+#ifdef __linux__
+    return static_cast<std::size_t>(
+        std::max<ssize_t>(copy_file_range(from, nullptr, to, nullptr, COPIED_AT_ONCE, 0), 0));
+#else
+    (void)from;
+    (void)to;
+    return 0;
+#endif
+}
+
+// False on an error, and where the detection is to end.
+bool CopyToEnd(int from, int to)
+{
+    while (CopyInSystem(from, to) != 0) {
+        if (StopPoint::IsDue()) {
+            return false;
+        }
+    }
+    std::vector<char> block(128 * 1024);
+    for (;;) {
+        const ssize_t got = read(from, block.data(), block.size());
+        if (got < 0 && errno == EINTR) {
+            continue;
+        }
+        if (got <= 0) {
+            return got == 0;
+        }
+        if (StopPoint::IsDue() || !WriteAll(to, block.data(), static_cast<std::size_t>(got))) {
+            return false;
+        }
+    }
+}
 
 // Opening a device can have effects: a watchdog starts to count, a tape winds back. Opening these has none.
 bool IsMemoryDevice(const struct stat& status)
@@ -65,6 +143,39 @@ float Platform::StrToFloat(const char* text, char** end)
 double Platform::StrToDouble(const char* text, char** end)
 {
     return strtod_l(text, end, PlainLocale());
+}
+
+std::FILE* Platform::OpenFile(const std::string& path, const char* mode)
+{
+    return std::fopen(path.c_str(), (std::string(mode) + "e").c_str());
+}
+
+std::FILE* Platform::OpenForReading(const std::string& path)
+{
+    return OpenFile(path, "rb");
+}
+
+bool Platform::CopyContent(const std::string& source, const std::string& target)
+{
+    struct stat status;
+    struct stat before;
+    const Descriptor from(open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
+    if (from.Get() < 0 || fstat(from.Get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return false;
+    }
+    if (stat(target.c_str(), &before) == 0 && before.st_dev == status.st_dev && before.st_ino == status.st_ino) {
+        return false;
+    }
+    Descriptor to(open(target.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOCTTY, S_IWUSR));
+    if (to.Get() < 0) {
+        return false;
+    }
+    const bool isCopied = fchmod(to.Get(), status.st_mode & 07777) == 0 && CopyToEnd(from.Get(), to.Get());
+    if (StopPoint::IsDue()) {
+        unlink(target.c_str());
+        StopPoint::Pass();
+    }
+    return to.Close() && isCopied;
 }
 
 Platform::FileIdentity::FileIdentity(const std::string& path)

@@ -4,9 +4,10 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <string>
 
-/// Direct calls of the operating system, for FileUtil and ZipUtil.
+/// Direct calls of the operating system. No file that is opened here is inherited by a program that the host starts.
 namespace Platform {
 
 /// Sets the name of the calling thread; the system may keep only its first characters.
@@ -15,6 +16,14 @@ void NameThread(const std::string& name);
 /// strtof and strtod in the "C" locale: with a decimal point, whatever locale the host has set.
 float StrToFloat(const char* text, char** end);
 double StrToDouble(const char* text, char** end);
+
+/// fopen; null on failure.
+std::FILE* OpenFile(const std::string& path, const char* mode);
+std::FILE* OpenForReading(const std::string& path);
+
+/// Copies the content and the permissions of a plain file, and replaces an existing target; false on failure, also where
+/// both are the same file. If the detection is to end, it ends here and leaves no target; see StopPoint::Pass.
+bool CopyContent(const std::string& source, const std::string& target);
 
 /// Identity and state of the file at a path: two equal values mean the same file, not changed in between.
 class FileIdentity {

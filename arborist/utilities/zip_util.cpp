@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -17,6 +16,7 @@
 
 #include "arborist/frame/log.h"
 #include "arborist/utilities/file_util.h"
+#include "arborist/utilities/platform.h"
 #include "arborist/utilities/zip_entry.h"
 
 namespace {
@@ -53,10 +53,25 @@ uLong ReadAhead(void*, void* stream, void* buffer, uLong wanted)
     return wanted;
 }
 
-Archive OpenArchive(const std::string& path)
+// The modes of the archive library: to read, to change, to create.
+void* OpenByLibrary(void*, const void* path, int mode)
+{
+    const char* const word = (mode & ZLIB_FILEFUNC_MODE_READWRITEFILTER) == ZLIB_FILEFUNC_MODE_READ ? "rb"
+        : (mode & ZLIB_FILEFUNC_MODE_EXISTING) != 0 ? "r+b" : "wb";
+    return Platform::OpenFile(static_cast<const char*>(path), word);
+}
+
+zlib_filefunc64_def FileFunctions()
 {
     zlib_filefunc64_def functions{};
     fill_fopen64_filefunc(&functions);
+    functions.zopen64_file = OpenByLibrary;
+    return functions;
+}
+
+Archive OpenArchive(const std::string& path)
+{
+    zlib_filefunc64_def functions = FileFunctions();
     functions.zread_file = ReadAhead;
     return Archive(unzOpen2_64(path.c_str(), &functions));
 }
@@ -64,13 +79,15 @@ Archive OpenArchive(const std::string& path)
 // The end record of an archive, which has its number of entries; empty if the file has none or only a part of it.
 std::string EndRecord(const std::string& path)
 {
-    std::ifstream file(path, std::ios::binary | std::ios::ate);
-    const auto size = static_cast<std::size_t>(std::max<std::streamoff>(file.tellg(), 0));
+    const File file(Platform::OpenForReading(path));
+    const auto size = static_cast<std::size_t>(FileUtil::GetFileSize(path));
     std::string end(std::min(size, END_RECORD_LENGTH + MAX_COMMENT_LENGTH), '\0');
-    file.seekg(static_cast<std::streamoff>(size - end.size()));
-    file.read(end.data(), static_cast<std::streamsize>(end.size()));
+    if (file == nullptr || fseeko(file.get(), static_cast<off_t>(size - end.size()), SEEK_SET) != 0 ||
+        std::fread(end.data(), 1, end.size(), file.get()) != end.size()) {
+        return "";
+    }
     const std::size_t begin = end.rfind("PK\5\6");
-    if (!file || begin == std::string::npos || end.size() - begin < END_RECORD_LENGTH) {
+    if (begin == std::string::npos || end.size() - begin < END_RECORD_LENGTH) {
         return "";
     }
     return end.substr(begin, END_RECORD_LENGTH);
@@ -129,7 +146,7 @@ bool NormaliseSeparators(std::string& name)
 // Closes the file and checks the result: writing the last buffered bytes can still find the disk full.
 bool UnpackTo(unzFile archive, const ZipEntry& entry, const std::string& path)
 {
-    File file(std::fopen(path.c_str(), "wb"));
+    File file(Platform::OpenFile(path, "wb"));
     return file != nullptr && UnpackZipEntry(archive, entry, file.get()) && std::fclose(file.release()) == 0;
 }
 
@@ -215,7 +232,7 @@ std::FILE* OpenByDefault(const std::string& source)
     if (!FileUtil::PathToRealPath(source, realPath) || !FileUtil::IsPlainFile(realPath)) {
         return nullptr;
     }
-    return std::fopen(realPath.c_str(), "rb");
+    return Platform::OpenForReading(realPath);
 }
 
 std::string NameInArchive(const std::string& source, int mode, const std::string& entryName)
@@ -285,7 +302,8 @@ bool ZipUtil::UnZipFile(const std::string& archive, const std::string& target)
 
 ZipUtil::Handle ZipUtil::CreateZipFile(const std::string& path)
 {
-    return zipOpen(path.c_str(), APPEND_STATUS_CREATE);
+    zlib_filefunc64_def functions = FileFunctions();
+    return zipOpen2_64(path.c_str(), APPEND_STATUS_CREATE, nullptr, &functions);
 }
 
 bool ZipUtil::AddFileInZip(

@@ -29,13 +29,19 @@ void AskedRows::AddWindows(const Explanation& explanation, std::vector<Range>& r
     for (const ExplainedTree& tree : explanation.trees) {
         for (const Evidence::Event& event : tree.evidence) {
             for (const PlacedRule& placed : RulesOf(event)) {
-                const auto* const alarm = std::get_if<Evidence::Alarm>(&placed.rule.part);
-                for (const Evidence::Window& window : alarm == nullptr ? std::vector<Evidence::Window>() : alarm->windows) {
-                    if (window.start) {
-                        ranges.push_back({window.firstId, window.lastId, window.start->start.seconds});
-                    }
+                if (const auto* const alarm = std::get_if<Evidence::Alarm>(&placed.rule.part)) {
+                    AddWindows(*alarm, ranges);
                 }
             }
+        }
+    }
+}
+
+void AskedRows::AddWindows(const Evidence::Alarm& alarm, std::vector<Range>& ranges)
+{
+    for (const Evidence::Window& window : alarm.windows) {
+        if (window.start) {
+            ranges.push_back({window.firstId, window.lastId, window.start->start.seconds});
         }
     }
 }

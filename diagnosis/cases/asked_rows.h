@@ -29,6 +29,7 @@ private:
     };
 
     static void AddWindows(const Explanation& explanation, std::vector<Range>& ranges);
+    static void AddWindows(const Evidence::Alarm& alarm, std::vector<Range>& ranges);
     static void AddTables(const rule_source::RuleSet& ruleSet, std::int64_t now, std::vector<Range>& ranges);
     void Join(const std::vector<Range>& ranges);
 

@@ -117,7 +117,8 @@ private:
         const Json::Value* const object = mReader.FindObject(key);
         for (const std::string& name : object == nullptr ? Words() : object->getMemberNames()) {
             std::string word;
-            if (ReadText((*object)[name], std::string("expect.") + key, word, mProblems) && IsOneOf(known, (*object)[name], word)) {
+            const Json::Value& value = (*object)[name];
+            if (ReadText(value, std::string("expect.") + key, word, mProblems) && IsOneOf(known, value, word)) {
                 target[name] = word;
             }
         }

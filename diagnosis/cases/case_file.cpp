@@ -41,9 +41,7 @@ std::size_t SharedMembers(const Json::Value& object)
 std::string NameOfFile(const std::string& path)
 {
     const std::string name = fs::path(path).filename().string();
-    const std::string end = CASE_FILE_END;
-    const bool hasEnd = name.size() > end.size() && name.compare(name.size() - end.size(), end.size(), end) == 0;
-    return hasEnd ? name.substr(0, name.size() - end.size()) : name;
+    return name.ends_with(CASE_FILE_END) ? name.substr(0, name.size() - std::string_view(CASE_FILE_END).size()) : name;
 }
 
 /// Reads the cases of one parsed file.

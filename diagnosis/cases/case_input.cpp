@@ -276,7 +276,8 @@ private:
             return;
         }
         for (const Json::Value& value : row) {
-            if (value.isBool() || value.isArray() || value.isObject() || (value.isNumeric() && value.isUInt64() && !value.isInt64())) {
+            const bool isNumber = value.type() == Json::realValue || value.isInt64();
+            if (!value.isNull() && !value.isString() && !isNumber) {
                 mProblems.Add(value, "a value must be a text, a number or null");
                 return;
             }

@@ -106,15 +106,19 @@ public:
         return names;
     }
 
-    /// What explains the status of an event: "FALSE, rule charge_lost: window_short"; empty for an unknown event.
+    /// What decided an event: "rule charge_lost: window_short"; empty if nothing did.
     std::string WhyOf(const std::string& event) const
     {
-        const auto* const statuses = StatusesOf(event);
-        if (statuses == nullptr) {
-            return "";
-        }
         const auto why = mWhy.find(event);
-        return Joined(*statuses) + (why == mWhy.end() ? "" : ", " + why->second);
+        return why == mWhy.end() ? "" : why->second;
+    }
+
+    /// The same with its status in front; empty for an unknown event.
+    std::string StatusAndWhyOf(const std::string& event) const
+    {
+        const auto* const statuses = StatusesOf(event);
+        const std::string why = WhyOf(event);
+        return statuses == nullptr ? "" : Joined(*statuses) + (why.empty() ? "" : ", " + why);
     }
 
 private:
@@ -219,10 +223,10 @@ private:
         }
         Difference difference{subject, {}, {}};
         for (const std::string& id : Without(wanted, found)) {
-            difference.missing.push_back({id, mAnswer.WhyOf(id)});
+            difference.missing.push_back({id, mAnswer.StatusAndWhyOf(id)});
         }
         for (const std::string& id : Without(found, wanted)) {
-            difference.unexpected.push_back({id, mAnswer.WhyOf(id)});
+            difference.unexpected.push_back({id, mAnswer.StatusAndWhyOf(id)});
         }
         const bool isOrder = difference.missing.empty() && difference.unexpected.empty();
         mDifferences.push_back(

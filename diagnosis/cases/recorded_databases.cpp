@@ -125,7 +125,9 @@ private:
         for (std::size_t i = 0; i < columns; ++i) {
             const int column = static_cast<int>(2 * i);
             const std::string type = row.Text(column);
-            if (type == "blob" || (type == "real" && row.Text(column + 1).find_first_not_of("+-.0123456789e") != std::string::npos)) {
+            const bool isInfinite =
+                type == "real" && row.Text(column + 1).find_first_not_of("+-.0123456789e") != std::string::npos;
+            if (type == "blob" || isInfinite) {
                 return "a value is no text and no number";
             }
             type == "null"   ? json.Null()
@@ -183,9 +185,7 @@ Problem RecordedDatabases::AddArchive(const std::string& file, const std::string
     if (auto failure = AddFolder(scratch.Path(), name)) {
         return failure;
     }
-    const std::string end = ARCHIVE_END;
-    const bool hasEnd = name.size() > end.size() && name.compare(name.size() - end.size(), end.size(), end) == 0;
-    return mJson.size() > before && !hasEnd
+    return mJson.size() > before && !name.ends_with(ARCHIVE_END)
         ? std::optional(Refused(name, "a case can't hold an archive whose name doesn't end in .zip")) : std::nullopt;
 }
 

@@ -128,8 +128,8 @@ private:
     {
         std::error_code error;
         const fs::path folder = fs::absolute(mOptions.target, error).parent_path();
-        mText.AddText("rules",
-            fs::path(InBundle(mBundle.ruleFileDir)).lexically_normal().lexically_proximate(fs::weakly_canonical(folder, error)).string());
+        const fs::path rules = fs::path(InBundle(mBundle.ruleFileDir)).lexically_normal();
+        mText.AddText("rules", rules.lexically_proximate(fs::weakly_canonical(folder, error)).string());
         if (!mBundle.ruleFilePrefix.empty()) {
             mText.AddText("prefix", mBundle.ruleFilePrefix);
         }
@@ -150,8 +150,8 @@ private:
             }
         });
         mText.AddObject("files", files);
-        return unfit.empty() ? std::nullopt
-                             : std::optional(Refused(Printable(unfit) + ": holds bytes that are no text, which a case can't hold"));
+        const std::string reason = Printable(unfit) + ": holds bytes that are no text, which a case can't hold";
+        return unfit.empty() ? std::nullopt : std::optional(Refused(reason));
     }
 
     Problem AddEvents()
@@ -224,7 +224,10 @@ private:
         });
         RecordedDatabases databases(names, MOST_RECORDED_ROWS - mRows);
         const std::string root = SettingOf(Settings::DEVICE_ROOT_DIR);
-        for (const std::string& folder : names.empty() ? std::vector<std::string>() : SummariseRuleSet(mBundle).searchedFolders) {
+        for (const std::string& folder : SummariseRuleSet(mBundle).searchedFolders) {
+            if (names.empty()) {
+                break; // no rule asked: what lies there may be anything
+            }
             if (auto failure = databases.AddFolder(InBundle(PathOnDevice(root, folder)), folder)) {
                 return failure;
             }
@@ -325,7 +328,8 @@ Recording RecordCase(const BundlePath& bundle, const RecordOptions& options)
         BundleSession session;
         recording.failure = session.Enter(bundle, options.overrides);
         if (!recording.failure && session.IsZip() && options.overrides.rules.empty()) {
-            recording.failure = Refused(bundle.given + ": is a zip, and a case names the folder of its rule set; give the folder with --rules");
+            recording.failure = Refused(bundle.given + ": is a zip, and a case names the folder of its rule set; give the"
+                " folder with --rules");
         }
         if (!recording.failure) {
             CaseRecorder recorder(session, report, own);

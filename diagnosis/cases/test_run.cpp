@@ -12,13 +12,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool IsCaseFile(const fs::path& path)
-{
-    const std::string name = path.filename().string();
-    const std::string end = CASE_FILE_END;
-    return name.size() > end.size() && name.compare(name.size() - end.size(), end.size(), end) == 0;
-}
-
 std::vector<std::string> CaseFilesBelow(const std::string& folder)
 {
     std::vector<std::string> files;
@@ -26,7 +19,7 @@ std::vector<std::string> CaseFilesBelow(const std::string& folder)
     const auto options = fs::directory_options::skip_permission_denied;
     for (fs::recursive_directory_iterator entry(folder, options, error), end; !error && entry != end;
          entry.increment(error)) {
-        if (IsCaseFile(entry->path()) && entry->is_regular_file(error)) {
+        if (entry->path().string().ends_with(CASE_FILE_END) && entry->is_regular_file(error)) {
             files.push_back(entry->path().string());
         }
     }

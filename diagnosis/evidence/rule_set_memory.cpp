@@ -9,7 +9,7 @@ namespace diagnosis {
 
 namespace {
 
-using rule_source::RuleSetPaths;
+using rule_source::SourceFile;
 
 std::string TextOf(const std::string& path)
 {
@@ -19,22 +19,23 @@ std::string TextOf(const std::string& path)
 
 } // namespace
 
-std::shared_ptr<const RuleSetWarnings> CheckRuleSet(const RuleSetPaths& paths, const std::string& tag)
+std::shared_ptr<const RuleSetWarnings> CheckRuleSet(const RuleSetPaths& paths)
 {
-    return std::make_shared<RuleSetWarnings>(rule_source::ReadRuleSetFiles(paths), tag);
+    const rule_source::RuleSetFiles files{SourceFile::Read(paths.treeFile), SourceFile::Read(paths.ruleFile)};
+    return std::make_shared<RuleSetWarnings>(files, paths.tag);
 }
 
-std::shared_ptr<const RuleSetWarnings> RuleSetMemory::Check(const RuleSetPaths& paths, const std::string& tag)
+std::shared_ptr<const RuleSetWarnings> RuleSetMemory::Check(const RuleSetPaths& paths)
 {
     const auto digest = [](const std::string& path) { return std::hash<std::string>()(TextOf(path)); };
-    const Key key(paths.treeFile, paths.ruleFile, tag, digest(paths.treeFile), digest(paths.ruleFile));
+    const Key key(paths.treeFile, paths.ruleFile, paths.tag, digest(paths.treeFile), digest(paths.ruleFile));
     if (const auto known = mKnown.find(key); known != mKnown.end()) {
         return known->second;
     }
     if (mKnown.size() == LARGEST_NUMBER) {
         mKnown.clear();
     }
-    return mKnown[key] = CheckRuleSet(paths, tag);
+    return mKnown[key] = CheckRuleSet(paths);
 }
 
 } // namespace diagnosis

@@ -112,9 +112,10 @@ private:
     {
         for (const BindingAlternative& alternative : alternatives) {
             for (const std::string_view name : NamesOf(alternative)) {
-                if (mObstacles.size() < MOST_OBSTACLES) {
-                    AddRule(name);
+                if (mObstacles.size() == MOST_OBSTACLES) {
+                    return;
                 }
+                AddRule(name);
             }
         }
         if (mObstacles.empty()) {

@@ -1,6 +1,8 @@
 #include "diagnosis/rule_set/reach.h"
 
-#include <algorithm>
+#include <optional>
+#include <set>
+#include <unordered_map>
 
 #include "diagnosis/lint/checks/cut_sets.h"
 #include "diagnosis/rule_set/obstacles.h"
@@ -18,14 +20,15 @@ using rule_source::TreeEvent;
 // A scene passes a filter that has its digits. Whatever scene passes some filters, a scene of one digit does, too.
 std::vector<DeviceProfile> InEachScene(const DeviceProfile& device)
 {
-    std::vector<int> scenes = device.scenes;
+    std::set<int> scenes(device.scenes.begin(), device.scenes.end());
     for (int digit = 0; digit < 10 && device.scenes.empty(); ++digit) {
-        scenes.push_back(digit);
+        scenes.insert(digit);
     }
+    DeviceProfile inScene{device.product, device.platform, device.deviceType, {}};
     std::vector<DeviceProfile> devices;
     for (const int scene : scenes) {
-        devices.push_back(device);
-        devices.back().scenes = {scene};
+        inScene.scenes = {scene};
+        devices.push_back(inScene);
     }
     return devices;
 }
@@ -34,14 +37,20 @@ std::vector<DeviceProfile> InEachScene(const DeviceProfile& device)
 class ReachFinder {
 public:
     ReachFinder(const RuleSet& rules, const DeviceProfile& device)
-        : mRules(rules), mDevice(device), mCutSets(rules.trees)
+        : mRules(rules), mDevice(device), mCutSets(rules.trees), mIsReachable(rules.trees.events.size())
     {
         for (const DeviceProfile& inScene : InEachScene(device)) {
-            mScenes.emplace_back(rules, mCutSets, inScene);
+            SceneReach scene(rules, mCutSets, inScene);
+            for (std::size_t event = 0; event < mIsReachable.size(); ++event) {
+                mIsReachable[event] = mIsReachable[event] || scene.MayBeReported(event);
+            }
+            if (!mFirstScene) {
+                mFirstScene.emplace(std::move(scene));
+            }
         }
     }
 
-    std::vector<ReachedTree> Trees() const
+    std::vector<ReachedTree> Trees()
     {
         std::vector<ReachedTree> trees;
         for (const Tree& tree : mRules.trees.trees) {
@@ -53,7 +62,7 @@ public:
     }
 
 private:
-    std::vector<ReachedCause> CausesOf(const Tree& tree) const
+    std::vector<ReachedCause> CausesOf(const Tree& tree)
     {
         std::vector<ReachedCause> causes;
         for (std::size_t event = tree.begin; event < tree.end; ++event) {
@@ -65,26 +74,29 @@ private:
         return causes;
     }
 
-    ReachedCause CauseOf(std::size_t event) const
+    ReachedCause CauseOf(std::size_t event)
     {
         const TreeEvent& leaf = mRules.trees.events[event];
         ReachedCause cause{std::string(leaf.id), PlaceOf(leaf.element), false, {}};
-        cause.isReachable = std::any_of(
-            mScenes.begin(), mScenes.end(), [event](const SceneReach& scene) { return scene.MayBeReported(event); });
+        cause.isReachable = mIsReachable[event];
         if (!cause.isReachable) {
             // With several scenes the first one tells.
-            for (const std::size_t blocker : mScenes.front().BlockersOf(event)) {
-                AddObstacles(mRules.trees.events[blocker], cause.obstacles);
+            for (const std::size_t blocker : mFirstScene->BlockersOf(event)) {
+                AddObstacles(blocker, cause.obstacles);
             }
         }
         return cause;
     }
 
-    void AddObstacles(const TreeEvent& event, std::vector<Obstacle>& obstacles) const
+    void AddObstacles(std::size_t event, std::vector<Obstacle>& obstacles)
     {
-        for (Obstacle& obstacle : ObstaclesOf(mRules, event, mDevice)) {
+        const auto [found, isNew] = mObstacles.try_emplace(event);
+        if (isNew) {
+            found->second = ObstaclesOf(mRules, mRules.trees.events[event], mDevice);
+        }
+        for (const Obstacle& obstacle : found->second) {
             if (obstacles.size() < MOST_OBSTACLES) {
-                obstacles.push_back(std::move(obstacle));
+                obstacles.push_back(obstacle);
             }
         }
     }
@@ -92,7 +104,10 @@ private:
     const RuleSet& mRules;
     const DeviceProfile& mDevice;
     lint::CutSets mCutSets;
-    std::vector<SceneReach> mScenes;
+    std::vector<bool> mIsReachable;
+    std::optional<SceneReach> mFirstScene;
+    /// By event, as many leaves may have the same event in the way.
+    std::unordered_map<std::size_t, std::vector<Obstacle>> mObstacles;
 };
 
 } // namespace

@@ -14,6 +14,12 @@ using rule_source::RuleSet;
 using rule_source::Tree;
 using rule_source::TreeEvent;
 
+void AppendSome(const std::vector<std::size_t>& more, std::vector<std::size_t>& events)
+{
+    const std::size_t room = MOST_OBSTACLES - std::min(MOST_OBSTACLES, events.size());
+    events.insert(events.end(), more.begin(), more.begin() + static_cast<std::ptrdiff_t>(std::min(room, more.size())));
+}
+
 } // namespace
 
 SceneReach::SceneReach(const RuleSet& rules, const lint::CutSets& cutSets, const lint::DeviceProfile& device)
@@ -86,11 +92,11 @@ void SceneReach::MarkReported(std::size_t event)
     }
 }
 
-std::vector<std::size_t> SceneReach::BlockersOf(std::size_t leaf) const
+std::vector<std::size_t> SceneReach::BlockersOf(std::size_t leaf)
 {
     std::size_t from = leaf;
     for (std::size_t event = leaf; event != TreeEvent::NO_PARENT; event = mRules.trees.events[event].parent) {
-        const auto blockers = BlockersAt(event, from);
+        auto blockers = BlockersAt(event, from);
         if (!blockers.empty()) {
             return blockers;
         }
@@ -100,37 +106,57 @@ std::vector<std::size_t> SceneReach::BlockersOf(std::size_t leaf) const
 }
 
 // `from` is the child through which the walk came.
-std::vector<std::size_t> SceneReach::BlockersAt(std::size_t event, std::size_t from) const
+std::vector<std::size_t> SceneReach::BlockersAt(std::size_t event, std::size_t from)
 {
-    std::vector<std::size_t> blockers;
     if (!FollowsGate(event) && !mCanBeTrue[event]) {
         return {event};
     }
+    std::vector<std::size_t> blockers;
     if (mRules.trees.events[event].gateKind == GateKind::AND) {
-        mRules.trees.ForEachChild(event, [&](std::size_t child) {
-            const bool isMissing = mCutSets.Number(child) == 0 ? !mCanBeTrue[child] : !mHasCutSet[child];
-            if (child != from && isMissing) {
-                AddBlockersBelow(child, blockers);
+        for (const std::size_t child : MissingChildren(event)) {
+            if (child != from) {
+                AppendSome(BlockersBelow(child), blockers);
             }
-        });
+        }
     }
     return blockers;
 }
 
-// Not below one that has rules in its way itself. Trees are not deeper than the XML library reads.
-void SceneReach::AddBlockersBelow(std::size_t event, std::vector<std::size_t>& blockers) const
+// The children that an AND gate needs and that can't be there; not all, if they are many.
+const std::vector<std::size_t>& SceneReach::MissingChildren(std::size_t event)
 {
-    const TreeEvent& blocker = mRules.trees.events[event];
-    const bool isLast = !FollowsGate(event) && !mCanBeTrue[event];
-    if (isLast || blocker.end == event + 1) {
-        blockers.push_back(event);
-        return;
+    const auto [found, isNew] = mMissingChildren.try_emplace(event);
+    std::vector<std::size_t>& missing = found->second;
+    if (isNew) {
+        mRules.trees.ForEachChild(event, [&](std::size_t child) {
+            const bool isMissing = mCutSets.Number(child) == 0 ? !mCanBeTrue[child] : !mHasCutSet[child];
+            // One more than are told, as one may be that through which a walk comes.
+            if (isMissing && missing.size() <= MOST_OBSTACLES) {
+                missing.push_back(child);
+            }
+        });
     }
-    mRules.trees.ForEachChild(event, [&](std::size_t child) {
-        if (blockers.size() < MOST_OBSTACLES && !mHasCutSet[child]) {
-            AddBlockersBelow(child, blockers);
-        }
-    });
+    return missing;
+}
+
+// Goes not below an event that has rules in its way itself. Trees are not deeper than the XML library reads.
+const std::vector<std::size_t>& SceneReach::BlockersBelow(std::size_t event)
+{
+    if (const auto found = mBlockersBelow.find(event); found != mBlockersBelow.end()) {
+        return found->second;
+    }
+    std::vector<std::size_t> blockers;
+    const bool isLast = !FollowsGate(event) && !mCanBeTrue[event];
+    if (isLast || mRules.trees.events[event].end == event + 1) {
+        blockers.push_back(event);
+    } else {
+        mRules.trees.ForEachChild(event, [&](std::size_t child) {
+            if (blockers.size() < MOST_OBSTACLES && !mHasCutSet[child]) {
+                AppendSome(BlockersBelow(child), blockers);
+            }
+        });
+    }
+    return mBlockersBelow.emplace(event, std::move(blockers)).first->second;
 }
 
 } // namespace diagnosis::rule_set

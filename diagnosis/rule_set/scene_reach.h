@@ -1,6 +1,7 @@
 #ifndef ARBORIST_DIAGNOSIS_RULE_SET_SCENE_REACH_H
 #define ARBORIST_DIAGNOSIS_RULE_SET_SCENE_REACH_H
 
+#include <unordered_map>
 #include <vector>
 
 #include "diagnosis/lint/base/subject.h"
@@ -19,7 +20,7 @@ public:
     bool MayBeReported(std::size_t leaf) const { return mMayBeReported[leaf]; }
     /// The events whose rules are in the way of a leaf that can't be reported: itself, one above it, or those that an
     /// AND gate above it needs. Not all of them: those nearest to the leaf.
-    std::vector<std::size_t> BlockersOf(std::size_t leaf) const;
+    std::vector<std::size_t> BlockersOf(std::size_t leaf);
 
 private:
     bool FollowsGate(std::size_t event) const;
@@ -27,8 +28,9 @@ private:
     void MarkReported(std::size_t event);
     /// The children of an AND gate whose combinations are multiplied: a child without any drops those in front of it.
     std::vector<std::size_t> Factors(std::size_t event) const;
-    std::vector<std::size_t> BlockersAt(std::size_t event, std::size_t from) const;
-    void AddBlockersBelow(std::size_t event, std::vector<std::size_t>& blockers) const;
+    std::vector<std::size_t> BlockersAt(std::size_t event, std::size_t from);
+    const std::vector<std::size_t>& MissingChildren(std::size_t event);
+    const std::vector<std::size_t>& BlockersBelow(std::size_t event);
 
     const rule_source::RuleSet& mRules;
     const lint::CutSets& mCutSets;
@@ -37,6 +39,9 @@ private:
     /// ... and whether one of its combinations can be true with all events above its members, up to the event itself.
     std::vector<bool> mHasCutSet;
     std::vector<bool> mMayBeReported;
+    /// Found when asked for, as many leaves may have the same events in the way.
+    std::unordered_map<std::size_t, std::vector<std::size_t>> mMissingChildren;
+    std::unordered_map<std::size_t, std::vector<std::size_t>> mBlockersBelow;
 };
 
 } // namespace diagnosis::rule_set

@@ -166,6 +166,20 @@ TEST(ManualTest, ThePageHasTheOptionsOfTheHelpAndTellsOfEach)
     }
 }
 
+TEST(ManualTest, HelpAndManPagesHaveEveryExitStatusOfThePage)
+{
+    const std::string page = Page("command.md");
+    const std::string table = page.substr(page.find("## Exit statuses"), page.find("## Bundles") - page.find("## Exit statuses"));
+    const std::string help = RunArborist({"--help"}).out;
+    static const std::regex row("\n\\| ([0-9]) \\|");
+    std::size_t rows = 0;
+    for (std::sregex_iterator found(table.begin(), table.end(), row), end; found != end; ++found, ++rows) {
+        EXPECT_THAT(help, HasSubstr("\n  " + std::string((*found)[1]) + "  "));
+        EXPECT_THAT(ManPage({"test"}), HasSubstr("\n\\fB" + std::string((*found)[1]) + "\\fR\n"));
+    }
+    EXPECT_EQ(rows, 7U);
+}
+
 TEST(ManualTest, EveryHelpHasAnExample)
 {
     for (Words command : AllCommands()) {

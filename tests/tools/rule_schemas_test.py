@@ -2,6 +2,7 @@
 
     rule_schemas_test.py ARBORIST
 """
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -48,6 +49,14 @@ class RelaxNgTest(unittest.TestCase):
     def test_the_pages_are_those_that_the_command_prints(self):
         for kind, page in PAGES.items():
             self.assertEqual(page.read_text(), schema("--relax-ng", kind))
+
+    @unittest.skipUnless(shutil.which("trang"), "the converter is not installed")
+    def test_the_compact_pages_say_the_same(self):
+        with tempfile.TemporaryDirectory() as folder:
+            for page in PAGES.values():
+                compact = Path(folder) / page.with_suffix(".rnc").name
+                subprocess.run(["trang", str(page), str(compact)], check=True)
+                self.assertEqual(page.with_suffix(".rnc").read_text(), compact.read_text())
 
     def test_examples_and_good_samples_are_valid(self):
         for name, kind in FILES.items():

@@ -1,4 +1,6 @@
 #include <filesystem>
+#include <regex>
+#include <sstream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -175,6 +177,50 @@ TEST_F(RulesCommand, ShowsForeignNamesOnOneLine)
 {
     mDir.Write("a/FaultTrees.xml", TreeXml("Tag").Tree("T", Or({Basic("A\x1b[31m\nB")})).Text());
     EXPECT_THAT(Rules({"list", "a"}).out, HasSubstr("A\\x1B[31m\\x0AB (basic)"));
+}
+
+// The lines of the indented block that begins with `first`; "..." stands for lines that are left out.
+std::vector<std::string> ExampleOfPage(const std::string& first)
+{
+    const std::string page = PageOfDocs("rules.md");
+    std::istringstream lines(page.substr(page.find("\n    " + first) + 1));
+    std::vector<std::string> example;
+    for (std::string line; std::getline(lines, line) && line.rfind("    ", 0) == 0;) {
+        if (line.find("...") == std::string::npos) {
+            example.push_back(line.substr(4) + "\n");
+        }
+    }
+    return example;
+}
+
+TEST_F(RulesCommand, PrintsWhatItsPageShowsOfTheLaptop)
+{
+    const std::string listed = Rules({"list", LAPTOP}).out;
+    const auto list = ExampleOfPage("Laptop\n");
+    EXPECT_EQ(list.size(), 5U);
+    for (const std::string& line : list) {
+        EXPECT_THAT(listed, HasSubstr(line));
+    }
+    mDir.Write("device.json", R"({"Product": "LT-14", "Platform": "x86", "DeviceType": "tablet", "scenes": [1]})");
+    const std::string reached = Rules({"reach", LAPTOP, "--device", "device.json"}).out;
+    const auto reach = ExampleOfPage("product LT-14");
+    EXPECT_EQ(reach.size(), 5U);
+    for (const std::string& line : reach) {
+        EXPECT_THAT(reached, HasSubstr(line));
+    }
+    // The page shows how the laptop differs from one with another limit and another event.
+    std::filesystem::copy(LAPTOP, "old");
+    std::filesystem::copy(LAPTOP, "new");
+    mDir.Write("new/FaultTrees.xml", std::regex_replace(mDir.Read("old/FaultTrees.xml"),
+        std::regex("<Basic-Event><ID>BATTERY_WORN"), "<Basic-Event><ID>FUSE_BLOWN</ID></Basic-Event>$&"));
+    mDir.Write("new/FaultTreeRules.xml", std::regex_replace(mDir.Read("old/FaultTreeRules.xml"),
+        std::regex("<lt><id>percent</id><value>60"), "<lt><id>percent</id><value>70"));
+    const std::string differs = Rules({"diff", "old", "new"}).out;
+    const auto diff = ExampleOfPage("~ rule battery_wear");
+    EXPECT_EQ(diff.size(), 3U);
+    for (const std::string& line : diff) {
+        EXPECT_THAT(differs, HasSubstr(line));
+    }
 }
 
 TEST_F(RulesCommand, PrintsJsonOfTheSchema)

@@ -85,6 +85,20 @@ TEST_F(TestCommand, TellsEachCaseAndTheirNumber)
     EXPECT_EQ(RunArborist({"test", "b", "--filter", "a"}).status, 0);
 }
 
+TEST_F(TestCommand, LeavesNothingBehindAndItsInputsAlone)
+{
+    Write("a.test.json", ", \"events\": [{\"time\": \"-1d\", \"event\": 7}], \"repairs\": {\"R1\": \"-1d\"}");
+    Write("b.test.json", ", \"tag\": \"Other\"");
+    mDir.MakeDir("scratch");
+    const auto before = StateOf("b");
+    ProcessSetup setup;
+    setup.environment["TMPDIR"] = mDir.Path("scratch");
+    EXPECT_EQ(RunArborist({"test", "b"}, setup).status, 3);
+    RunArborist({"test", "--record", "b"}, setup);
+    EXPECT_TRUE(fs::is_empty("scratch"));
+    EXPECT_EQ(StateOf("b"), before);
+}
+
 TEST_F(TestCommand, NoCaseIsAFailure)
 {
     const auto result = RunArborist({"test", "b"});
@@ -253,6 +267,22 @@ TEST(ExampleCasesTest, AllPassAndShowNearlyEverythingInTheRules)
 {
     const auto result = RunArborist({"test", EXAMPLES, "--require-reviewed", "--coverage-threshold", "99"});
     EXPECT_EQ(result.status, 0) << result.out << result.err;
+}
+
+TEST(CaseSchemaTest, HasNoKeyThatTheReaderDoesntKnow)
+{
+    const TempDir dir;
+    const Json::Value schema = ParsedJson(PageOfDocs("case.schema.json"));
+    for (const char* part : {"case", "expect"}) {
+        std::string keys;
+        for (const std::string& key : schema["$defs"][part]["properties"].getMemberNames()) {
+            keys += key == "cases" ? "" : (keys.empty() ? "\"" : ", \"") + key + "\": 0.5"; // of a wrong type for all of them
+        }
+        dir.Write("a.test.json", part == std::string("case") ? "{" + keys + "}" : "{\"scene\": 1, \"expect\": {" + keys + "}}");
+        const std::string problems = RunArborist({"test", "a.test.json"}).err;
+        EXPECT_THAT(problems, HasSubstr("must be"));
+        EXPECT_THAT(problems, Not(HasSubstr("unknown key")));
+    }
 }
 
 TEST(ExampleCasesTest, FollowTheSchema)

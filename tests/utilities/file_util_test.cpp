@@ -605,4 +605,38 @@ TEST_F(FileUtilTest, WalkEndsWithTheDetectionAtTheNextEntry)
     EXPECT_THAT(files, IsEmpty());
 }
 
+TEST_F(FileUtilTest, CopyHasContentAndPermissionsAndReplacesWhatIsThere)
+{
+    const std::string content = std::string(20 * 1024 * 1024, 'x') + "end";
+    mDir.Write("a", content);
+    chmod("a", 0640);
+    mDir.Write("d/a", "longer than nothing");
+    EXPECT_TRUE(FileUtil::CopyFileToFolder("a", "d", fs::copy_options::overwrite_existing));
+    EXPECT_EQ(mDir.Read("d/a"), content);
+    EXPECT_EQ(fs::status("d/a").permissions(), fs::perms(0640));
+    mDir.Write("a", "");
+    EXPECT_TRUE(FileUtil::CopyFileToFolder("a", "d/", fs::copy_options::overwrite_existing));
+    EXPECT_EQ(mDir.Read("d/a"), "");
+}
+
+TEST_F(FileUtilTest, CopyOntoItselfFailsAndKeepsTheFile)
+{
+    mDir.Write("d/a", "kept");
+    EXPECT_FALSE(FileUtil::CopyFileToFolder("d/a", "d", fs::copy_options::overwrite_existing));
+    EXPECT_EQ(mDir.Read("d/a"), "kept");
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), SizeIs(1));
+}
+
+TEST_F(FileUtilTest, CopyEndsWithTheDetectionAndLeavesNoHalfFile)
+{
+    mDir.Write("a", std::string(20 * 1024 * 1024, 'x'));
+    mDir.MakeDir("d");
+    StopRequest request;
+    const StopScope scope(&request);
+    request.Start(std::nullopt);
+    request.StopAtQuestion(2);
+    EXPECT_THROW(FileUtil::CopyFileToFolder("a", "d", fs::copy_options::overwrite_existing), DetectionStopped);
+    EXPECT_TRUE(fs::is_empty("d"));
+}
+
 } // namespace

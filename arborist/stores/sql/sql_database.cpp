@@ -10,7 +10,9 @@
 
 #include <sqlite3.h>
 
+#include "arborist/frame/fault_tree_prop_global.h"
 #include "arborist/frame/log.h"
+#include "arborist/frame/settings.h"
 #include "arborist/frame/stopping.h"
 #include "arborist/stores/sql/sql_operator.h"
 
@@ -146,8 +148,10 @@ bool SqlDatabase::Open(const std::string& path)
 {
     static constexpr char NAME[] = "FT::sql::SqlDatabase::Open";
     Close();
-    Configure();
-    sqlite3_soft_heap_limit64(SOFT_HEAP_LIMIT);
+    if (FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(Settings::KEEP_SQLITE_MEMORY, "").empty()) {
+        Configure();
+        sqlite3_soft_heap_limit64(SOFT_HEAP_LIMIT);
+    }
     handle->path = path;
     resultCode = sqlite3_open(path.c_str(), &handle->connection);
     if (!IsOpen()) {

@@ -59,8 +59,8 @@ enum class SqlAccess {
     READ_ONLY,
 };
 
-/// One SQLite database, sized for a small device: a soft heap limit of 100 KiB for the whole process, ten pages of
-/// cache. Closes itself.
+/// One SQLite database, sized for a small device: a soft heap limit of 100 KiB for the whole process (unless
+/// Settings::KEEP_SQLITE_MEMORY says otherwise), ten pages of cache. Closes itself.
 ///
 /// Not thread-safe. Tables and operators are built on GetHandle and must not outlive the object; they follow when the
 /// connection is closed or reopened.

@@ -95,7 +95,7 @@ TEST_F(TestRunTest, OnlyWhatDiffersIsTold)
                     "  + 3\n"
                     "status of HOT\n"
                     "  - FALSE\n"
-                    "  + TRUE  (TRUE, rule hot: condition_met)\n"
+                    "  + TRUE  (rule hot: condition_met)\n"
                     "reason of hot\n"
                     "  - condition_not_met\n"
                     "  + condition_met\n"));

@@ -91,6 +91,17 @@ TEST_F(Inventory, ShowsAllThatTouchesARule)
     EXPECT_THAT(Texts(Show(Rules(), "sql").front().links), ElementsAre("uses bean", "uses nowhere (no such database)"));
 }
 
+TEST_F(Inventory, TiesARuleToNoEntryThatALaterOneReplaces)
+{
+    WriteRuleSet(mDir, "twice", TreeXml("Tag").Tree("T", Or({Basic("A")})),
+        RuleXml("Tag").EventRule("A", {Single("old")}).EventRule("A", {Single("new")}).Rule(CodeRuleXml("old", "C"))
+            .Rule(CodeRuleXml("new", "C")));
+    const auto rules = ReadFolder("twice");
+    EXPECT_THAT(Show(*rules->tags.front(), "old").front().links, IsEmpty());
+    EXPECT_THAT(Texts(Show(*rules->tags.front(), "A").front().links),
+        ElementsAre("stands in T (basic)", "decided by new (code)"));
+}
+
 TEST_F(Inventory, ShowsTheUsersOfSharedDataAndTheEventsOfATree)
 {
     EXPECT_THAT(Texts(Show(Rules(), "bean").front().links), ElementsAre("used by sql (command)"));

@@ -97,6 +97,17 @@ TEST(Reach, OfAnAndGateNeedsAllOfItsEvents)
     EXPECT_THAT(Causes(trees, more.EventRule("C", {Single("r")})), ElementsAre("A yes"));
 }
 
+TEST(Reach, TellsOfTwentyObstaclesAtMost)
+{
+    std::vector<Xml> events{Basic("A")};
+    for (int i = 0; i < 30; ++i) {
+        events.push_back(Basic("B" + std::to_string(i)));
+    }
+    const auto causes = Causes(TreeXml("Tag").Tree("T", And(events)), DecidedBy(CodeRuleXml("r", "C")));
+    ASSERT_EQ(causes.size(), 1U);
+    EXPECT_THAT(causes[0], testing::AllOf(testing::HasSubstr("B19: no rule decides it"), testing::Not(testing::HasSubstr("B20"))));
+}
+
 TEST(Reach, OfAnEventBelowOneWithRulesOfItsOwnNeedsThem)
 {
     const TreeXml trees = TreeXml("Tag").Tree("T", Or({Intermediate("G", Or({Basic("A")}))}));

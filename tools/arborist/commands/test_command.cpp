@@ -87,9 +87,8 @@ void AddRecording(Command app, TestCommandOptions& options)
         "it does, to be reviewed").Takes("BUNDLE").NotEmpty();
     app.Add("--output", options.output, "File for the recorded case, whose name ends in .test.json; standard output "
         "unless given").Takes("FILE").Needs(record).Check([](const std::string& path) {
-            const std::string end = cases::CASE_FILE_END;
-            const bool hasEnd = path.size() > end.size() && path.compare(path.size() - end.size(), end.size(), end) == 0;
-            return hasEnd ? "" : "does not end in " + end + ": " + path;
+            return path.ends_with(cases::CASE_FILE_END)
+                ? "" : std::string("does not end in ") + cases::CASE_FILE_END + ": " + path;
         });
     AddOverrides(app, options.overrides);
     AddCodeRunnerOptions(app, options.codeRunner);

@@ -1,0 +1,117 @@
+#include "arborist/loading/xml_file.h"
+
+#include <filesystem>
+
+#include <sys/stat.h>
+
+#include <gmock/gmock.h>
+
+#include "arborist/frame/log.h"
+#include "tests/support/case_name.h"
+#include "tests/support/log_capture.h"
+#include "tests/support/temp_dir.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// Longer than the files whose attributes aren't counted.
+const std::string LONG_TEXT(20'000, 'x');
+
+std::string Attributes(std::size_t count, char quote = '"')
+{
+    std::string text;
+    for (std::size_t attribute = 0; attribute < count; ++attribute) {
+        text += " a" + std::to_string(attribute) + "=" + quote + "v" + quote;
+    }
+    return text;
+}
+
+class XmlFileTest : public testing::Test {
+protected:
+    XmlFile::Outcome Load(const std::string& xml) { return XmlFile::Load(mDocument, mDir.Write("a.xml", xml)); }
+
+    TempDir mDir;
+    LogCapture mLog;
+    tinyxml2::XMLDocument mDocument;
+};
+
+TEST_F(XmlFileTest, MillionAttributesAreRefusedBeforeTheyAreCompared)
+{
+    const auto outcome = Load("<a>\n<b/>\n<c" + Attributes(1'000'000) + "/></a>");
+    EXPECT_EQ(outcome.error, tinyxml2::XML_ERROR_PARSING_ATTRIBUTE);
+    EXPECT_EQ(outcome.message, "an element has more than 256 attributes");
+    EXPECT_EQ(outcome.line, 3);
+    EXPECT_EQ(mDocument.RootElement(), nullptr);
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), ElementsAre("FUNc:XmlFile::Load: an element of " + mDir.Path("a.xml")
+        + " has more than 256 attributes"));
+}
+
+TEST_F(XmlFileTest, EachElementMayHaveAsManyAsTheLimit)
+{
+    std::string xml = "<a>";
+    for (int element = 0; element < 50; ++element) {
+        xml += "<b" + Attributes(XmlFile::MOST_ATTRIBUTES, element % 2 == 0 ? '"' : '\'') + ">text</b>";
+    }
+    EXPECT_EQ(Load(xml + "</a>").error, tinyxml2::XML_SUCCESS);
+    EXPECT_EQ(Load(xml + "<b" + Attributes(XmlFile::MOST_ATTRIBUTES + 1) + "/></a>").message,
+        "an element has more than 256 attributes");
+}
+
+struct HidingCase {
+    const char* name;
+    std::string begin;
+    std::string end;
+};
+void PrintTo(const HidingCase& hiding, std::ostream* out) { *out << hiding.name; }
+class AttributesIn : public XmlFileTest, public testing::WithParamInterface<HidingCase> {};
+
+// What only looks like attributes is none; behind it they count again. The length moves the places at which blocks end.
+TEST_P(AttributesIn, AreNone)
+{
+    for (std::size_t length = 65'530; length < 65'540; ++length) {
+        const std::string start = "<a>" + std::string(length - 3, ' ') + GetParam().begin + Attributes(300)
+            + GetParam().end;
+        EXPECT_EQ(Load(start + "</a>").error, tinyxml2::XML_SUCCESS) << length;
+        EXPECT_EQ(Load(start + "<b" + Attributes(300) + "/></a>").error, tinyxml2::XML_ERROR_PARSING_ATTRIBUTE) << length;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, AttributesIn, testing::Values(
+    HidingCase{"Text", "", ""},
+    HidingCase{"Comment", "<!-- <c", "/> - -- > --->"},
+    HidingCase{"EmptyLookingComment", "<!--> <c", "/> -->"},
+    HidingCase{"Cdata", "<![CDATA[ <c", "/> ]> ] ]]]>"},
+    HidingCase{"Declaration", "<!DOCTYPE c", ">"},
+    HidingCase{"Value", "<c a='<d", "></d>'/>"}), CaseName());
+
+TEST_F(XmlFileTest, BrokenMarkupIsLeftToTheReader)
+{
+    for (const std::string xml : {"<", "<!", "<!-", "<!--", "<![CDATA[", "<?", "<a b=\"", "<a", "<!>", "<!-x>", "<>"}) {
+        EXPECT_NE(Load("<r>" + LONG_TEXT + xml).error, tinyxml2::XML_SUCCESS) << xml;
+        EXPECT_THAT(mLog.Lines(), IsEmpty()) << xml;
+    }
+}
+
+TEST_F(XmlFileTest, WhatIsNoPlainFileIsUnreadable)
+{
+    ASSERT_EQ(mkfifo("pipe", 0600), 0);
+    for (const std::string name : {"pipe", ".", "missing"}) {
+        const auto outcome = XmlFile::Load(mDocument, mDir.Path(name));
+        EXPECT_EQ(outcome.error, tinyxml2::XML_ERROR_FILE_READ_ERROR);
+        EXPECT_EQ(outcome.message, "not a file");
+    }
+}
+
+TEST_F(XmlFileTest, FailureLeavesTheDocumentEmpty)
+{
+    EXPECT_EQ(Load("<a/>").error, tinyxml2::XML_SUCCESS);
+    EXPECT_NE(Load("<a>").error, tinyxml2::XML_SUCCESS);
+    EXPECT_EQ(mDocument.RootElement(), nullptr);
+    Load("<a/>");
+    XmlFile::Load(mDocument, "missing");
+    EXPECT_EQ(mDocument.RootElement(), nullptr);
+}
+
+} // namespace
