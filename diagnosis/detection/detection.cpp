@@ -202,8 +202,8 @@ void AddRuleSetWarnings(const Bundle& bundle, const std::optional<Failure>& fail
     if (failure && OF_THE_FILES.count(failure->code) != 0) {
         return;
     }
-    const RuleSetPaths paths{TreeFilePath(bundle), RuleFilePath(bundle), bundle.treeTag};
-    (known == nullptr ? CheckRuleSet(paths) : known->Check(paths))->AddTo(warnings);
+    const rule_source::RuleSetPaths paths{TreeFilePath(bundle), RuleFilePath(bundle)};
+    (known == nullptr ? CheckRuleSet(paths, bundle.treeTag) : known->Check(paths, bundle.treeTag))->AddTo(warnings);
 }
 
 std::optional<Failure> RuleSetFailure(const Evidence::RuleSet& ruleSet, const Bundle& bundle)

@@ -9,7 +9,7 @@ namespace diagnosis {
 
 namespace {
 
-using rule_source::SourceFile;
+using rule_source::RuleSetPaths;
 
 std::string TextOf(const std::string& path)
 {
@@ -19,23 +19,22 @@ std::string TextOf(const std::string& path)
 
 } // namespace
 
-std::shared_ptr<const RuleSetWarnings> CheckRuleSet(const RuleSetPaths& paths)
+std::shared_ptr<const RuleSetWarnings> CheckRuleSet(const RuleSetPaths& paths, const std::string& tag)
 {
-    const rule_source::RuleSetFiles files{SourceFile::Read(paths.treeFile), SourceFile::Read(paths.ruleFile)};
-    return std::make_shared<RuleSetWarnings>(files, paths.tag);
+    return std::make_shared<RuleSetWarnings>(rule_source::ReadRuleSetFiles(paths), tag);
 }
 
-std::shared_ptr<const RuleSetWarnings> RuleSetMemory::Check(const RuleSetPaths& paths)
+std::shared_ptr<const RuleSetWarnings> RuleSetMemory::Check(const RuleSetPaths& paths, const std::string& tag)
 {
     const auto digest = [](const std::string& path) { return std::hash<std::string>()(TextOf(path)); };
-    const Key key(paths.treeFile, paths.ruleFile, paths.tag, digest(paths.treeFile), digest(paths.ruleFile));
+    const Key key(paths.treeFile, paths.ruleFile, tag, digest(paths.treeFile), digest(paths.ruleFile));
     if (const auto known = mKnown.find(key); known != mKnown.end()) {
         return known->second;
     }
     if (mKnown.size() == LARGEST_NUMBER) {
         mKnown.clear();
     }
-    return mKnown[key] = CheckRuleSet(paths);
+    return mKnown[key] = CheckRuleSet(paths, tag);
 }
 
 } // namespace diagnosis

@@ -11,21 +11,14 @@
 
 namespace diagnosis {
 
-/// The two files of a rule set, and the tag under which it is used.
-struct RuleSetPaths {
-    std::string treeFile;
-    std::string ruleFile;
-    std::string tag;
-};
-
-/// Checks a rule set.
-std::shared_ptr<const RuleSetWarnings> CheckRuleSet(const RuleSetPaths& paths);
+/// Checks a rule set under a tag.
+std::shared_ptr<const RuleSetWarnings> CheckRuleSet(const rule_source::RuleSetPaths& paths, const std::string& tag);
 
 /// Checks rule sets and remembers what was found, so that many bundles with equal rule sets cost one check. Rule sets are
 /// recognised by a digest of their files; forging an equal one costs the forger's own warnings and no result.
 class RuleSetMemory {
 public:
-    std::shared_ptr<const RuleSetWarnings> Check(const RuleSetPaths& paths);
+    std::shared_ptr<const RuleSetWarnings> Check(const rule_source::RuleSetPaths& paths, const std::string& tag);
 
 private:
     /// Of more rule sets all are forgotten: a batch of foreign bundles may have one for each.

@@ -165,6 +165,7 @@ RuleSetWarnings::RuleSetWarnings(const rule_source::RuleSetFiles& files, const s
     lint::LintOptions options;
     options.tags = {tag};
     options.only = TOLD_CHECKS;
+    options.details.withOwners = true;
     for (const Finding& finding : lint::LintFiles(files, options).findings) {
         mMistakes.Add({CodeOf(finding), MessageOf(finding), finding.check->id, finding.file, finding.line,
             finding.rule, finding.event});

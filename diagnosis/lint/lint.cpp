@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "diagnosis/lint/base/placement.h"
 #include "diagnosis/lint/base/report.h"
 #include "diagnosis/lint/registry.h"
 #include "diagnosis/lint/sql/prepared_queries.h"
@@ -99,7 +98,7 @@ LintReport LintFiles(const RuleSetFiles& files, const LintOptions& options)
         RunChecks(files, tag, options, report);
     }
     DropSuppressed(files, options, report);
-    return {PlaceFindings(std::move(report.Findings())), IsReadable(files.trees) && IsReadable(files.rules)};
+    return {PlaceFindings(std::move(report.Findings()), options.details), IsReadable(files.trees) && IsReadable(files.rules)};
 }
 
 } // namespace diagnosis::lint

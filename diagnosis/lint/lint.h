@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "diagnosis/lint/base/finding.h"
+#include "diagnosis/lint/base/placement.h"
 #include "diagnosis/lint/base/subject.h"
 #include "diagnosis/rule_source/rule_set.h"
 
@@ -25,6 +26,7 @@ struct LintOptions {
     /// What an event log holds, and a folder with the files of a device: without either, checks of class HOST do not run.
     const EventCounts* counts = nullptr;
     std::string deviceRoot;
+    FindingDetails details = {};
 };
 
 /// What came of one rule set.

@@ -73,6 +73,9 @@ public:
     /// text that is none.
     std::optional<std::int32_t> Number(const char* attribute) const;
 
+    /// The element of the XML library, for this room alone.
+    const tinyxml2::XMLElement* Get() const { return mElement; }
+
 private:
     friend struct std::hash<Element>;
 

@@ -1,6 +1,7 @@
 #include "diagnosis/rule_source/grammar.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace diagnosis::rule_source {
 
@@ -232,29 +233,29 @@ constexpr Kids SECTION_WORDS = {{"EventRules", &BINDINGS, FIRST}, {"RuleList", &
 
 namespace {
 
-// Most names that are held against each other differ in length or in their first letter.
-bool IsSame(std::string_view one, std::string_view other)
+// Most names that are held against each other differ in their first letter.
+bool IsSame(const char* name, std::string_view word)
 {
-    return one.size() == other.size() && one[0] == other[0] && one == other;
+    return name[0] == word[0] && std::strncmp(name, word.data(), word.size()) == 0 && name[word.size()] == '\0';
 }
 
 bool Holds(std::span<const std::string_view> names, std::string_view name)
 {
-    return std::any_of(names.begin(), names.end(), [name](std::string_view word) { return IsSame(name, word); });
+    return std::find(names.begin(), names.end(), name) != names.end();
 }
 
 } // namespace
 
-const ChildWord* ElementWords::FindChild(std::string_view name) const
+const ChildWord* ElementWords::FindChild(const char* name) const
 {
     const auto found =
         std::find_if(children.begin(), children.end(), [name](const ChildWord& word) { return IsSame(name, word.name); });
     return found == children.end() ? nullptr : &*found;
 }
 
-bool ElementWords::HasAttribute(std::string_view name) const
+bool ElementWords::HasAttribute(const char* name) const
 {
-    return Holds(attributes, name);
+    return std::any_of(attributes.begin(), attributes.end(), [name](std::string_view word) { return IsSame(name, word); });
 }
 
 bool ElementWords::NeedsAttribute(std::string_view name) const

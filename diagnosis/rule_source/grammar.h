@@ -37,8 +37,8 @@ struct ElementWords {
     std::span<const std::string_view> neededChildren = {};
     std::span<const AttributeValues> values = {};
 
-    const ChildWord* FindChild(std::string_view name) const;
-    bool HasAttribute(std::string_view name) const;
+    const ChildWord* FindChild(const char* name) const;
+    bool HasAttribute(const char* name) const;
     bool NeedsAttribute(std::string_view name) const;
     bool NeedsChild(std::string_view name) const;
     /// The values of an attribute that mean something; empty if any does.

@@ -1,5 +1,8 @@
 #include "diagnosis/rule_source/rule_set.h"
 
+#include <future>
+#include <utility>
+
 namespace diagnosis::rule_source {
 
 namespace {
@@ -32,7 +35,15 @@ private:
 RuleSetFiles ReadRuleSetFiles(const std::string& folder, const std::string& prefix)
 {
     const std::string start = folder + "/" + (prefix.empty() ? "" : prefix + "_");
-    return {SourceFile::Read(start + "FaultTrees.xml"), SourceFile::Read(start + "FaultTreeRules.xml")};
+    return ReadRuleSetFiles(RuleSetPaths{start + "FaultTrees.xml", start + "FaultTreeRules.xml"});
+}
+
+RuleSetFiles ReadRuleSetFiles(const RuleSetPaths& paths)
+{
+    // Reading takes a quarter of the time of a lint; each file has a processor of its own if there are two.
+    auto trees = std::async(std::launch::async, [&paths] { return SourceFile::Read(paths.treeFile); });
+    auto rules = SourceFile::Read(paths.ruleFile);
+    return {trees.get(), std::move(rules)};
 }
 
 RuleSet::RuleSet(const RuleSetFiles& setFiles, const std::string& setTag) : files(setFiles), tag(setTag)

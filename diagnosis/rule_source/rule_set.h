@@ -30,6 +30,15 @@ struct RuleSetFiles {
 /// Reads the files of a folder. As in the engine, `prefix`, unless empty, and "_" precede their names.
 RuleSetFiles ReadRuleSetFiles(const std::string& folder, const std::string& prefix);
 
+/// The paths of the two files.
+struct RuleSetPaths {
+    std::string treeFile;
+    std::string ruleFile;
+};
+
+/// Reads both files at the same time.
+RuleSetFiles ReadRuleSetFiles(const RuleSetPaths& paths);
+
 /// Everything that the engine reads from a rule set for one tag, each item with its element, and what it skips.
 ///
 /// Refers to elements and texts of the files, which must outlive it.

@@ -157,14 +157,14 @@ TEST(RuleSetMemory, ChecksEqualFilesUnderOneTagOnceAndOthersAnew)
         std::filesystem::copy_file(file, std::string("other/") + file);
     }
     diagnosis::RuleSetMemory memory;
-    const diagnosis::RuleSetPaths paths{"FaultTrees.xml", "FaultTreeRules.xml", "Laptop"};
-    const auto known = memory.Check(paths);
-    EXPECT_EQ(memory.Check(paths), known);
-    EXPECT_NE(memory.Check({paths.treeFile, paths.ruleFile, "Other"}), known);
+    const diagnosis::rule_source::RuleSetPaths paths{"FaultTrees.xml", "FaultTreeRules.xml"};
+    const auto known = memory.Check(paths, "Laptop");
+    EXPECT_EQ(memory.Check(paths, "Laptop"), known);
+    EXPECT_NE(memory.Check(paths, "Other"), known);
     std::filesystem::current_path("other");
-    EXPECT_EQ(memory.Check(paths), known);
+    EXPECT_EQ(memory.Check(paths, "Laptop"), known);
     dir.Write("other/FaultTreeRules.xml", dir.Read("FaultTreeRules.xml") + "\n");
-    EXPECT_NE(memory.Check(paths), known);
+    EXPECT_NE(memory.Check(paths, "Laptop"), known);
 }
 
 TEST(RuleSetMemory, TellsEveryBundleOfARememberedRuleSet)

@@ -35,13 +35,14 @@ struct Finding {
     std::string source;
     /// Its place as a path of names, "EventRules/Laptop/Event[WORN]", which doesn't change when lines move.
     std::string element;
-    /// The names of the rule and the event in which it lies; empty outside.
+    /// The names of the rule and the event in which it lies; empty outside, and unless asked for.
     std::string rule;
     std::string event;
     std::string message;
     /// What to do about it; may be empty.
     std::string help;
-    /// Unique for each finding, and the same in every run as long as check, file, element and message are the same.
+    /// Unique for each finding, and the same in every run as long as check, file, element and message are the same. Empty
+    /// unless asked for.
     std::string fingerprint;
     std::vector<Edit> edits;
 };

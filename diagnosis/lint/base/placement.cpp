@@ -43,28 +43,46 @@ std::string StepOf(Element element)
     return std::string(element.Name()) + (key.empty() ? "" : "[" + std::string(key.substr(0, LONGEST_KEY)) + "]");
 }
 
-/// Finds paths of elements of which many have the same ones above them.
-class PathMemory {
+/// Makes the paths of elements. Those that follow each other mostly have the same ones above them.
+class PathMaker {
 public:
     std::string Of(Element element)
     {
-        const Element parent = element.Parent();
-        if (!parent) {
-            return "";
+        FindWay(element);
+        std::size_t same = 0;
+        while (same < mSteps.size() && same < mWay.size() && mSteps[same].element == mWay[mWay.size() - 1 - same]) {
+            ++same;
         }
-        const std::string& above = Remembered(parent);
-        return above + (above.empty() ? "" : "/") + StepOf(element);
+        mSteps.resize(same);
+        mPath.resize(same == 0 ? 0 : mSteps.back().end);
+        for (std::size_t step = same; step < mWay.size(); ++step) {
+            const Element next = mWay[mWay.size() - 1 - step];
+            mPath += (step == 0 ? "" : "/") + StepOf(next);
+            mSteps.push_back({next, mPath.size()});
+        }
+        return mPath;
     }
 
 private:
-    // As deep as the XML library lets elements be nested.
-    const std::string& Remembered(Element element)
+    struct Step {
+        Element element;
+        /// Length of the path up to this step.
+        std::size_t end = 0;
+    };
+
+    // From the element up to the one below the root.
+    void FindWay(Element element)
     {
-        const auto known = mPaths.find(element);
-        return known != mPaths.end() ? known->second : mPaths.emplace(element, Of(element)).first->second;
+        mWay.clear();
+        for (Element parent = element.Parent(); parent; parent = parent.Parent()) {
+            mWay.push_back(element);
+            element = parent;
+        }
     }
 
-    std::unordered_map<Element, std::string> mPaths;
+    std::vector<Element> mWay;
+    std::vector<Step> mSteps;
+    std::string mPath;
 };
 
 std::optional<SourcePlace> PlaceOf(const Reported& reported)
@@ -212,7 +230,7 @@ void SetOwner(Element element, Finding& finding)
     }
 }
 
-Finding Placed(Reported& reported, PathMemory& paths)
+Finding Placed(Reported& reported, PathMaker& paths)
 {
     Finding finding;
     finding.check = reported.check;
@@ -220,7 +238,6 @@ Finding Placed(Reported& reported, PathMemory& paths)
     finding.line = reported.line;
     finding.source = reported.file->Line(reported.line).substr(0, LONGEST_SOURCE);
     finding.element = paths.Of(reported.element);
-    SetOwner(reported.element, finding);
     SetColumn(reported, finding);
     SetEdits(reported, finding);
     finding.message = std::move(reported.message);
@@ -243,7 +260,7 @@ std::strong_ordering Compare(const Reported& one, const Reported& other)
 }
 
 // Each once, in order of line.
-std::vector<Reported*> Distinct(std::vector<Reported>& reported)
+std::vector<Reported*> Distinct(std::deque<Reported>& reported)
 {
     std::vector<Reported*> distinct;
     distinct.reserve(reported.size());
@@ -272,19 +289,24 @@ bool IsBefore(const Finding& one, const Finding& other)
 
 std::string ElementPath(Element element)
 {
-    return PathMemory().Of(element);
+    return PathMaker().Of(element);
 }
 
-std::vector<Finding> PlaceFindings(std::vector<Reported> reported)
+std::vector<Finding> PlaceFindings(std::deque<Reported> reported, const FindingDetails& details)
 {
     std::vector<Finding> findings;
     findings.reserve(reported.size());
-    PathMemory paths;
+    PathMaker paths;
     for (Reported* one : Distinct(reported)) {
         findings.push_back(Placed(*one, paths));
+        if (details.withOwners) {
+            SetOwner(one->element, findings.back());
+        }
     }
     SortLines(findings);
-    SetFingerprints(findings);
+    if (details.withFingerprints) {
+        SetFingerprints(findings);
+    }
     return findings;
 }
 

@@ -1,6 +1,7 @@
 #ifndef ARBORIST_DIAGNOSIS_LINT_BASE_PLACEMENT_H
 #define ARBORIST_DIAGNOSIS_LINT_BASE_PLACEMENT_H
 
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -13,8 +14,16 @@ namespace diagnosis::lint {
 /// stands what tells it from its neighbours: its "name", "id" or "ID".
 std::string ElementPath(rule_source::Element element);
 
+/// What is found out about each finding in addition; it takes time, and only some callers need it.
+struct FindingDetails {
+    /// Finding::fingerprint.
+    bool withFingerprints = false;
+    /// Finding::rule and Finding::event.
+    bool withOwners = false;
+};
+
 /// Looks up where each reported thing stands in its file, and puts them in order; things reported twice stay once.
-std::vector<Finding> PlaceFindings(std::vector<Reported> reported);
+std::vector<Finding> PlaceFindings(std::deque<Reported> reported, const FindingDetails& details);
 
 } // namespace diagnosis::lint
 

@@ -1,8 +1,8 @@
 #ifndef ARBORIST_DIAGNOSIS_LINT_BASE_REPORT_H
 #define ARBORIST_DIAGNOSIS_LINT_BASE_REPORT_H
 
+#include <deque>
 #include <string>
-#include <vector>
 
 #include "diagnosis/lint/base/check.h"
 #include "diagnosis/rule_source/source_file.h"
@@ -60,11 +60,12 @@ public:
     /// Adds a finding about a whole file, or about a line of it without an element.
     void AddToFile(const rule_source::SourceFile& file, int line, std::string message);
 
-    std::vector<Reported>& Findings() { return mFindings; }
+    std::deque<Reported>& Findings() { return mFindings; }
 
 private:
     const Check* mCheck = nullptr;
-    std::vector<Reported> mFindings;
+    /// No vector: it would move all of them again and again.
+    std::deque<Reported> mFindings;
 };
 
 /// A name in a message: in double quotes.

@@ -312,6 +312,7 @@ ExitStatus Lint(LintCommandOptions given)
         return WrongUse(problem);
     }
     options.counts = given.log.empty() ? nullptr : &counts;
+    options.details.withFingerprints = given.asJson || given.format != "text";
     return LintAll(given, options);
 }
 
