@@ -5,6 +5,7 @@
 
 #include "arborist/frame/evidence_words.h"
 #include "tests/support/temp_dir.h"
+#include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
 #include "tests/tools/json_schema.h"
 
@@ -52,6 +53,20 @@ TEST(ExplainPageTest, ItsExampleIsWhatTheCommandPrints)
     ASSERT_NE(middle, std::string::npos);
     EXPECT_THAT(result.out, testing::HasSubstr(block.substr(0, middle)));
     EXPECT_THAT(result.out, testing::HasSubstr(block.substr(middle + gap.size())));
+}
+
+TEST(ExplainPageTest, ItsStatusThatIsNoAnswerIsWhatTheCommandPrints)
+{
+    const TempDir dir;
+    WriteHotBundle(dir, "b");
+    dir.Write("b/temperature", "20\n");
+    dir.Write("b/rules/FaultTrees.xml",
+        TreeXml("Tag").Tree("T", And({Xml("House-Event").TextChild("ID", "U"), Basic("HOT")})).Text());
+    const std::string block = BlockOf(PageOfDocs("explain.md"), "text", 1);
+    const auto verdict = block.find(": no fault");
+    ASSERT_NE(verdict, std::string::npos);
+    const std::string told = std::regex_replace(RunArborist({"explain", "b"}).out, std::regex("HOT"), "A");
+    EXPECT_THAT(told, testing::HasSubstr(block.substr(verdict)));
 }
 
 TEST(RuleSetsPageTest, ItsFirstRuleSetIsExplainedAsThePageSays)
