@@ -302,6 +302,19 @@ TEST_F(LintCommand, LooksForTheEventsOfRulesInALog)
     EXPECT_EQ(Lint({"rules", "--log", "none.db"}).status, 2);
 }
 
+TEST_F(LintCommand, TellsWhatAWideRangeHoldsOfALog)
+{
+    EventLogBuilder().Rows({{1700000000, 999, "", ""}, {1700000000, 1001, "", ""}, {1700000000, 1001, "", ""},
+        {1700000000, 4000, "", ""}, {1700000000, 4001, "", ""}}).WriteTo(mDir.Path("log.db"));
+    Write(RuleFile(" detectScene=\"1\"", "<alarmRule name=\"a\" detectScene=\"1\"><alarmId Eventid_Min=\"1000\" "
+                                         "Eventid_Max=\"4000\"><time type=\"latest\" period=\"1\" threshold=\"1\"/>"
+                                         "</alarmId></alarmRule>"));
+    const std::vector<std::string> wide = {"rules", "--only", "A512", "--json"};
+    EXPECT_EQ(ParsedJson(Lint(wide).out)["findings"][0]["help"].asString(), "name the ids that are logged");
+    EXPECT_EQ(ParsedJson(Lint({"rules", "--only", "A512", "--json", "--log", "log.db"}).out)["findings"][0]["help"].asString(),
+        "name the ids that are logged: the log has 3 rows of 2 of them");
+}
+
 TEST_F(LintCommand, LooksForNodeFilesBelowTheRootOfADevice)
 {
     mDir.Write("device/sys/capacity", "80");

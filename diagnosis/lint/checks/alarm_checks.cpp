@@ -1,4 +1,5 @@
 #include "diagnosis/lint/base/near_names.h"
+#include "diagnosis/lint/base/event_counts.h"
 #include "diagnosis/lint/checks/alarm_items.h"
 #include "diagnosis/lint/checks/checks.h"
 #include "diagnosis/lint/checks/time_limits.h"
@@ -129,7 +130,19 @@ std::string Times(std::int64_t count, const char* one, const char* several)
     return std::to_string(count) + (count == 1 ? one : several);
 }
 
-void CheckWideRange(const AlarmRule& rule, const AlarmItem& item, Report& report)
+// What a wide range costs on a device whose log is known.
+std::string RangeHelp(const AlarmItem& item, const EventCounts* counts)
+{
+    const std::string help = "name the ids that are logged";
+    if (counts == nullptr) {
+        return help;
+    }
+    const EventCounts::Held held = counts->Of(item.ids.first, item.ids.last);
+    return help + ": the log has " + std::to_string(held.rows) + (held.rows == 1 ? " row" : " rows") + " of "
+        + std::to_string(held.events) + " of them";
+}
+
+void CheckWideRange(const AlarmRule& rule, const AlarmItem& item, const EventCounts* counts, Report& report)
 {
     static constexpr std::int64_t WIDE = 1000; // as many as the widest block of ids with a meaning of their own
     if (item.ids.Size() <= WIDE) {
@@ -144,7 +157,14 @@ void CheckWideRange(const AlarmRule& rule, const AlarmItem& item, Report& report
     report.Add(item.element,
         "the rule " + Quoted(rule.name) + " asks for " + std::to_string(item.ids.Size()) + " events, each for itself, in "
             + Times(windows, " time", " times") + (item.HasTests() ? " with " + Times(tests, " test", " tests") : ""),
-        {.attribute = item.element.Find("Eventid_Max"), .help = "name the ids that are logged"});
+        {.attribute = item.element.Find("Eventid_Max"), .help = RangeHelp(item, counts)});
+}
+
+void CheckWideRanges(const Subject& subject, Report& report)
+{
+    ForEachItem(subject, [&](const AlarmRule& rule, const AlarmItem& item) {
+        CheckWideRange(rule, item, subject.counts, report);
+    });
 }
 
 constexpr Check CHECKS[] = {
@@ -174,7 +194,7 @@ constexpr Check CHECKS[] = {
         "An \"alarmId\" with more than 1000 ids.",
         "each id is counted for itself and costs nothing in a log without it; where the log can't be read, each id asks "
         "again and writes its lines, for each time and test, up to 100000 of them",
-        OnItems<CheckWideRange>},
+        CheckWideRanges},
 };
 
 } // namespace
