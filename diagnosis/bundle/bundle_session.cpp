@@ -4,6 +4,7 @@
 #include <map>
 
 #include "diagnosis/archive/zip_reader.h"
+#include "diagnosis/bundle/bundle_bounds.h"
 #include "diagnosis/bundle/bundle_file.h"
 #include "diagnosis/bundle/bundle_overlay.h"
 #include "diagnosis/bundle/moment.h"
@@ -105,7 +106,8 @@ std::optional<Failure> BundleSession::EnterFolder(const BundlePath& path, const 
     if (overrides.isLive) {
         mBundle.settings[Settings::PROGRAM_DATA_DIR] = "";
         mBundle.settings[Settings::DEVICE_ROOT_DIR] = "";
-    } else if (auto failure = CheckRoots(path)) {
+    }
+    if (auto failure = CheckBounds(path, overrides)) {
         return failure;
     }
     mSettings = mBundle.settings;
@@ -122,19 +124,21 @@ std::optional<Failure> BundleSession::EnterFolder(const BundlePath& path, const 
     return std::nullopt;
 }
 
-// The settings name folders inside the bundle; a link in their place could still lead out of it.
-std::optional<Failure> BundleSession::CheckRoots(const BundlePath& path) const
+// A zip comes from elsewhere and must not choose files of this machine; who keeps a folder may share rules among several.
+std::optional<Failure> BundleSession::CheckBounds(const BundlePath& path, const BundleOverrides& overrides)
 {
-    const std::string data = mBundle.settings.at(Settings::PROGRAM_DATA_DIR);
-    for (const std::string& name : {mBundle.settings.at(Settings::DEVICE_ROOT_DIR), data, data + "/" + EVENT_LOG,
-             data + "/" + DERIVED_DATABASE, data + "/" + REPAIR_RECORDS}) {
-        std::error_code error;
-        const std::string real = fs::canonical(fs::path(mFolder) / name, error).string();
-        const bool isInside = real.compare(0, mFolder.size() + 1, mFolder + "/") == 0 || mFolder == "/";
-        if (!error && !isInside && real != mFolder) {
-            return Failure{"outside_bundle", path.given + ": " + name + " is a link that leads out of the bundle"};
-        }
+    const auto outside = overrides.isLive ? std::nullopt : PlaceOutside(mFolder, mBundle);
+    if (outside) {
+        return Failure{"outside_bundle", path.given + ": " + *outside + " is a link that leads out of the bundle"};
     }
+    if (!overrides.rules.empty() || !AreRulesOutside(mFolder, mBundle)) {
+        return std::nullopt;
+    }
+    const std::string message = "the rules in \"" + mBundle.ruleFileDir + "\" are not inside the bundle";
+    if (mIsZip) {
+        return Failure{"outside_bundle", path.given + ": " + message + "; --rules takes those of another folder"};
+    }
+    mWarnings.push_back({"rules_outside", message});
     return std::nullopt;
 }
 

@@ -73,7 +73,7 @@ public:
 private:
     std::optional<Failure> Unpack(const BundlePath& path);
     std::optional<Failure> EnterFolder(const BundlePath& path, const BundleOverrides& overrides, BundleUse use);
-    std::optional<Failure> CheckRoots(const BundlePath& path) const;
+    std::optional<Failure> CheckBounds(const BundlePath& path, const BundleOverrides& overrides);
     std::optional<Failure> SetMoment();
     void SetSettings(const BundleOverrides& overrides);
 

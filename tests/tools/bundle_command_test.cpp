@@ -15,6 +15,7 @@ namespace {
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::StartsWith;
 
 namespace fs = std::filesystem;
@@ -182,6 +183,62 @@ TEST_F(BundleCommandTest, LinksThatLeadOutOfTheBundleAreRefused)
     mDir.MakeDir("b/captured");
     fs::create_directory_symlink("captured", mDir.Path("b/device"));
     EXPECT_EQ(RunArborist({"detect", "b"}).status, 0);
+}
+
+TEST_F(BundleCommandTest, ALinkAboveADatabaseThatIsNotThereYetMakesNoneOutsideOfTheBundle)
+{
+    WriteDropsBundle(mDir, "b");
+    mDir.MakeDir("outside");
+    mDir.MakeDir("b/programdata/Comms/Lumbra");
+    fs::create_directory_symlink(mDir.Path("outside"), mDir.Path("b/programdata/Comms/Lumbra/zxdetectrepair"));
+    const auto result = RunArborist({"repair", "record", "b", "R"});
+    EXPECT_EQ(result.status, 4);
+    EXPECT_THAT(result.err, HasSubstr("is a link that leads out of the bundle [outside_bundle]"));
+    EXPECT_TRUE(fs::is_empty(mDir.Path("outside")));
+}
+
+TEST_F(BundleCommandTest, ALinkToNothingMakesNoDatabaseOutsideOfTheBundle)
+{
+    WriteDropsBundle(mDir, "b");
+    mDir.MakeDir("b/programdata/Comms/Lumbra/zxdetectrepair/databases");
+    fs::create_symlink("../../../../../../repairs.db",
+        mDir.Path("b/programdata/Comms/Lumbra/zxdetectrepair/databases/repair_record.db"));
+    EXPECT_EQ(RunArborist({"repair", "record", "b", "R"}).status, 4);
+    EXPECT_FALSE(fs::exists(mDir.Path("repairs.db")));
+}
+
+TEST_F(BundleCommandTest, LinksBesideADatabaseThatLeadOutOfTheBundleAreRefused)
+{
+    WriteDropsBundle(mDir, "b");
+    mDir.MakeDir("b/programdata/Comms/Lumbra/workDir/0");
+    EventLogBuilder().Row({NOW, 1001, "", ""}).WriteTo(mDir.Path("b") + LOG_OF_BUNDLE);
+    for (const std::string companion : {"-wal", "-journal"}) {
+        const std::string link = mDir.Path("b") + LOG_OF_BUNDLE + companion;
+        fs::create_symlink(mDir.Path("elsewhere"), link);
+        EXPECT_EQ(RunArborist({"detect", "b"}).status, 4) << companion;
+        fs::remove(link);
+    }
+    EXPECT_EQ(RunArborist({"detect", "b"}).status, 0);
+}
+
+TEST_F(BundleCommandTest, RulesOutsideOfAFolderAreToldAndThoseOfAZipRefused)
+{
+    WriteHotBundle(mDir, "b");
+    EXPECT_THAT(RunArborist({"detect", "b"}).err, Not(HasSubstr("not inside")));
+    fs::rename(mDir.Path("b/rules"), mDir.Path("rules"));
+    fs::create_directory_symlink("../rules", mDir.Path("b/rules"));
+    EXPECT_THAT(RunArborist({"detect", "b"}).err,
+        HasSubstr("b: warning: the rules in \"rules\" are not inside the bundle\n"));
+    EXPECT_THAT(RunArborist({"detect", "b", "--rules", "rules"}).err, Not(HasSubstr("not inside")));
+    fs::remove(mDir.Path("b/rules"));
+    for (const std::string& folder : {mDir.Path("rules"), std::string("../../rules")}) {
+        mDir.Write("b/bundle.json", BundleJson(", \"ruleFileDir\": \"" + folder + "\""));
+        ASSERT_EQ(RunProcess({"python3", "-m", "zipfile", "-c", "b.zip", "b"}).status, 0);
+        const auto result = RunArborist({"detect", "b.zip"});
+        EXPECT_EQ(result.status, 4) << folder;
+        EXPECT_THAT(result.err, HasSubstr("[outside_bundle]"));
+    }
+    EXPECT_EQ(RunArborist({"detect", "b.zip", "--rules", "rules"}).status, 0);
 }
 
 TEST_F(BundleCommandTest, NoNodeOfABundleIsReadFromThisMachine)
