@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -143,7 +144,7 @@ TEST_F(BatchTest, AThousandBundlesWithTenBrokenOnesGiveAThousandLines)
     EXPECT_THAT(Outcomes(result.out), UnorderedElementsAreArray(expected));
     EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 1000);
     EXPECT_THAT(result.err, StartsWith("arborist: 1000 bundles in "));
-    EXPECT_THAT(result.err, EndsWith(" a second: 0 without a fault, 990 with faults, 10 not diagnosed\n"));
+    EXPECT_THAT(result.err, EndsWith(" a second: 0 without a fault, 0 undecided, 990 with faults, 10 not diagnosed\n"));
     EXPECT_EQ(result.status, 5);
 }
 
@@ -358,10 +359,39 @@ TEST_F(BatchTest, OnATerminalALineTellsHowFarItIs)
     mDir.Write("list", Joined(WriteBundles(20)));
     const auto result = RunProcess({"script", "--quiet", "--return", "--command",
         "'" ARBORIST_COMMAND "' detect --batch list > results", "/dev/null"});
-    EXPECT_THAT(result.out, ContainsRegex("\r[0-9]+ of 20 bundles, .* a second, .* left, [0-9]+ with faults, [01] not "));
+    EXPECT_THAT(result.out, ContainsRegex("\r[0-9]+ of 20 bundles, .* a second, .* left, [0-9]+ undecided, [0-9]+ with faults, [01] not "));
     EXPECT_THAT(result.out, HasSubstr("\r\x1b[Karborist: 20 bundles in ")); // the summary replaces it
     EXPECT_EQ(result.status, 4);
     EXPECT_EQ(Lines(mDir.Read("results")).size(), 20U);
+}
+
+TEST_F(BatchTest, AnUndecidedBundleIsNotCountedAsOneWithoutAFault)
+{
+    WriteHotBundle(mDir, "open");
+    std::filesystem::remove("open/temperature");
+    WriteHotBundle(mDir, "sound");
+    mDir.Write("sound/temperature", "20\n");
+    const auto result = RunArborist({"detect", "--batch", "-", "--log-level", "none"}, {.input = "open\nsound\n"});
+    EXPECT_THAT(result.err, HasSubstr(": 1 without a fault, 1 undecided, 0 with faults, 0 not diagnosed\n"));
+}
+
+TEST_F(BatchTest, TheLineIsDrawnTenTimesASecondAlsoBetweenResults)
+{
+    if (RunProcess({"sh", "-c", "command -v script"}).status != 0) {
+        GTEST_SKIP() << "no program that makes a terminal";
+    }
+    mDir.Write("list", Joined(WriteBundles(60)));
+    const auto start = std::chrono::steady_clock::now();
+    const auto result = RunProcess({"script", "--quiet", "--return", "--command",
+        "'" ARBORIST_COMMAND "' detect --batch list", "/dev/null"});
+    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+    std::size_t drawings = 0;
+    for (auto at = result.out.find(" of 60 bundles"); at != std::string::npos;
+         at = result.out.find(" of 60 bundles", at + 1)) {
+        ++drawings;
+    }
+    EXPECT_GE(drawings, 1U);
+    EXPECT_LE(static_cast<double>(drawings), 10 * seconds.count() + 2);
 }
 
 TEST_F(BatchTest, TemporaryFilesAreRemovedAtTheEnd)

@@ -196,7 +196,7 @@ TEST_F(ExplainCommandTest, ANarrowViewHasTheNearMissesOfItsEvent)
 TEST_F(ExplainCommandTest, AnEventThatIsNoRootCauseIsAskedForWithItsNearMisses)
 {
     WriteTree(Or({Basic("A"), Basic("C")}));
-    EXPECT_EQ(Explained({"--cause", "C"}), "b\n  nothing in any tree fits --cause C\n");
+    EXPECT_EQ(Explained({"--cause", "C"}), "b\n  nothing in any tree fits --cause C\n  1 tree: 1 fault\n");
     EXPECT_THAT(Explained({"--cause", "C", "--near-misses", "1"}), AllOf(StartsWith("b\n  T (version 3): FAULT"),
         HasSubstr("\n  Near miss, 1 event short: C\n"), Not(HasSubstr("Root cause"))));
 }
@@ -204,7 +204,7 @@ TEST_F(ExplainCommandTest, AnEventThatIsNoRootCauseIsAskedForWithItsNearMisses)
 TEST_F(ExplainCommandTest, AViewThatNothingFitsSaysSo)
 {
     WriteTree(Or({Basic("A"), Basic("C")}));
-    EXPECT_EQ(Explained({"--event", "A", "--rule", "no"}), "b\n  nothing in any tree fits --event A and --rule no\n");
+    EXPECT_EQ(Explained({"--event", "A", "--rule", "no"}), "b\n  nothing in any tree fits --event A and --rule no\n  1 tree: 1 fault\n");
 }
 
 TEST_F(ExplainCommandTest, BriefTellsWhatElseWasAskedFor)

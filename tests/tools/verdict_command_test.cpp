@@ -45,6 +45,9 @@ TEST_F(VerdictCommandTest, NoViewLeavesOutWhatIsOpen)
     EXPECT_THAT(RunArborist({"explain", "--brief", "b"}).out,
         HasSubstr("  OPEN_TREE: no fault, UNDECIDED: 1 of 2 checks open (1 not_checked)\n    open: NOBODY"));
     EXPECT_THAT(RunArborist({"explain", "--event", "HOT", "b"}).out, HasSubstr("open: NOBODY"));
+    EXPECT_THAT(RunArborist({"explain", "--cause", "NOBODY", "b"}).out,
+        AllOf(HasSubstr("OPEN_TREE (version"), HasSubstr("no fault, UNDECIDED: 1 of 2 checks open"),
+            HasSubstr("open: NOBODY"), HasSubstr("nothing in any tree fits"), HasSubstr("\n  3 trees: ")));
     EXPECT_THAT(RunArborist({"explain", "--brief", "--json", "b"}).out, HasSubstr(R"("open": [{"event": "NOBODY")"));
     EXPECT_THAT(RunArborist({"explain", "--event", "HOT", "--json", "b"}).out,
         HasSubstr(R"("open": [{"event": "NOBODY")"));

@@ -181,7 +181,7 @@ private:
     void Wait()
     {
         std::vector<pollfd> sockets;
-        auto end = Clock::now() + std::chrono::hours(1);
+        auto end = std::min(Clock::now() + std::chrono::hours(1), mProgress.DueAgain());
         for (const auto& worker : mWorkers) {
             sockets.push_back({IsBusy(worker) ? worker->GetSocket() : -1, POLLIN, 0});
             end = IsBusy(worker) ? std::min(end, worker->GetDeadline()) : end;
@@ -225,7 +225,7 @@ private:
     void Finish(std::size_t bundle, BundleAnswer answer)
     {
         mStatus = MoreSerious(mStatus, answer.status);
-        mProgress.Count(answer.isFault, IsFailure(answer.status));
+        mProgress.Count(answer.outcome, IsFailure(answer.status));
         if (!mOptions.isOrdered) {
             Print(answer.line);
             return;

@@ -13,11 +13,14 @@
 
 namespace diagnosis::command {
 
+/// What a batch counts of a bundle that was diagnosed. A fault goes before a tree that is undecided.
+enum class BundleOutcome : unsigned char { NO_FAULT, UNDECIDED, FAULT };
+
 /// The result of one bundle of a batch: a line of JSON without the line end, and the exit status for this bundle.
 struct BundleAnswer {
     ExitStatus status = ExitStatus::SUCCESS;
     std::string line;
-    bool isFault = false;
+    BundleOutcome outcome = BundleOutcome::NO_FAULT;
 };
 
 /// The functions by which a batch handles its bundles.

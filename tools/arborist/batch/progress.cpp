@@ -41,6 +41,12 @@ std::string Bundles(std::size_t count)
     return std::to_string(count) + (count == 1 ? " bundle" : " bundles");
 }
 
+std::string OthersText(const BatchCounts& counts)
+{
+    return std::to_string(counts.undecided) + " undecided, " + std::to_string(counts.faults) + " with faults, "
+        + std::to_string(counts.failed) + " not diagnosed";
+}
+
 } // namespace
 
 std::string ProgressText(const BatchCounts& counts, std::chrono::milliseconds elapsed)
@@ -50,16 +56,15 @@ std::string ProgressText(const BatchCounts& counts, std::chrono::milliseconds el
     if (counts.done > 0) {
         text += ", " + Rate(rate) + ", " + Duration(static_cast<double>(counts.listed - counts.done) / rate) + " left";
     }
-    return text + ", " + std::to_string(counts.faults) + " with faults, " + std::to_string(counts.failed)
-        + " not diagnosed";
+    return text + ", " + OthersText(counts);
 }
 
 std::string SummaryText(const BatchCounts& counts, std::chrono::milliseconds elapsed)
 {
+    const std::size_t sound = counts.done - counts.undecided - counts.faults - counts.failed;
     std::string text = Bundles(counts.done) + " in " + Duration(static_cast<double>(elapsed.count()) / 1000) + ", "
-        + Rate(PerSecond(counts.done, elapsed)) + ": " + std::to_string(counts.done - counts.faults - counts.failed)
-        + " without a fault, " + std::to_string(counts.faults) + " with faults, " + std::to_string(counts.failed)
-        + " not diagnosed";
+        + Rate(PerSecond(counts.done, elapsed)) + ": " + std::to_string(sound) + " without a fault, "
+        + OthersText(counts);
     const std::size_t left = counts.listed - counts.done;
     return left == 0 ? text : text + "; " + std::to_string(left) + " of the list not reached";
 }
@@ -70,22 +75,31 @@ Progress::Progress(std::size_t listed)
     mCounts.listed = listed;
 }
 
-void Progress::Count(bool isFault, bool isFailed)
+void Progress::Count(BundleOutcome outcome, bool isFailed)
 {
     ++mCounts.done;
-    mCounts.faults += isFault ? 1 : 0;
-    mCounts.failed += isFailed ? 1 : 0;
+    if (isFailed) {
+        ++mCounts.failed;
+    } else {
+        mCounts.undecided += outcome == BundleOutcome::UNDECIDED ? 1 : 0;
+        mCounts.faults += outcome == BundleOutcome::FAULT ? 1 : 0;
+    }
 }
 
 void Progress::Show()
 {
     const auto now = Clock::now();
-    if (!mIsShown || (mIsDrawn && now - mLastDrawn < BETWEEN_DRAWINGS)) {
+    if (!mIsShown || now - mLastDrawn < BETWEEN_DRAWINGS) {
         return;
     }
     mLastDrawn = now;
     mIsDrawn = true;
     std::cerr << "\r" << ProgressText(mCounts, Elapsed()) << "\x1b[K";
+}
+
+Progress::Clock::time_point Progress::DueAgain() const
+{
+    return !mIsShown || mIsDrawn || mCounts.done == 0 ? Clock::time_point::max() : mLastDrawn + BETWEEN_DRAWINGS;
 }
 
 void Progress::MakeRoomForResult()

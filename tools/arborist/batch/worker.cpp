@@ -29,7 +29,7 @@ namespace {
 /// Precedes each answer on the socket.
 struct AnswerHead {
     std::int32_t status;
-    std::uint32_t isFault;
+    std::uint32_t outcome;
     std::uint32_t length;
 };
 
@@ -61,7 +61,7 @@ bool WriteAll(int socket, const std::string& bytes)
 
 std::string Packed(const BundleAnswer& answer)
 {
-    const AnswerHead head{static_cast<std::int32_t>(answer.status), answer.isFault ? 1U : 0U,
+    const AnswerHead head{static_cast<std::int32_t>(answer.status), static_cast<std::uint32_t>(answer.outcome),
         static_cast<std::uint32_t>(answer.line.size())};
     return std::string(reinterpret_cast<const char*>(&head), sizeof head) + answer.line;
 }
@@ -187,7 +187,8 @@ BundleAnswer Worker::TakeAnswer()
 {
     AnswerHead head;
     std::memcpy(&head, mReceived.data(), sizeof head);
-    BundleAnswer answer{static_cast<ExitStatus>(head.status), mReceived.substr(sizeof head), head.isFault != 0};
+    BundleAnswer answer{static_cast<ExitStatus>(head.status), mReceived.substr(sizeof head),
+        static_cast<BundleOutcome>(head.outcome)};
     mReceived.clear();
     mState = State::IDLE;
     return answer;

@@ -20,6 +20,12 @@ namespace diagnosis::command {
 
 namespace {
 
+BundleOutcome OutcomeOf(const DetectionReport& report)
+{
+    return report.IsFault() ? BundleOutcome::FAULT
+        : report.IsUndecided() ? BundleOutcome::UNDECIDED : BundleOutcome::NO_FAULT;
+}
+
 struct DetectOptions {
     std::vector<std::string> bundles;
     RunOptions run;
@@ -69,7 +75,7 @@ BatchWork MakeBatchWork(const DetectOptions& options)
     BatchWork work;
     work.run = [&options](const BundlePath& bundle) {
         const DetectionReport report = RunDetection(bundle, options.run.detection);
-        return BundleAnswer{StatusOf(report, options), DetectionJson(report), report.IsFault()};
+        return BundleAnswer{StatusOf(report, options), DetectionJson(report), OutcomeOf(report)};
     };
     work.fail = [](const BundlePath& bundle, const Failure& failure) {
         DetectionReport report;

@@ -42,6 +42,15 @@ public:
         return mText;
     }
 
+    // No view leaves out what is open.
+    std::string TextOfLeftOut()
+    {
+        if (!mTree.verdict.open.empty()) {
+            WriteHead();
+        }
+        return mText;
+    }
+
     std::string BriefText()
     {
         mText += BriefCausesText(mTree, mResult, mView, mColour);
@@ -237,17 +246,16 @@ std::string ExplanationText(const DetectionReport& report, const ExplanationView
     bool hasTree = false;
     for (std::size_t i = 0; i < report.explanation->trees.size(); ++i) {
         const FaultTreeResult* result = i < report.results.size() ? report.results[i].get() : nullptr;
+        TreeText tree(report.explanation->trees[i], result, view, colour);
         if (!HasShown(report.explanation->trees[i], view)) {
+            text += tree.TextOfLeftOut();
             continue;
         }
-        TreeText tree(report.explanation->trees[i], result, view, colour);
         const bool isFirst = !std::exchange(hasTree, true);
         text += view.brief ? tree.BriefText() : (isFirst ? "" : "\n") + tree.Text();
     }
-    if (hasTree) {
-        return text + "  " + TreesText(report.verdicts) + "\n";
-    }
-    return text + "  nothing in any tree fits " + NarrowingOptions(view) + "\n";
+    text += hasTree ? "" : "  nothing in any tree fits " + NarrowingOptions(view) + "\n";
+    return text + "  " + TreesText(report.verdicts) + "\n";
 }
 
 } // namespace diagnosis::command
