@@ -199,6 +199,7 @@ private:
         }
         LogSlice slice;
         slice.from = mSession.Now() - *mRuleSet.longestWindow * SECONDS_OF_A_DAY;
+        slice.keepsLastBefore = true;
         return SliceEventLog(source, target, slice);
     }
 

@@ -43,6 +43,14 @@ std::string TimeIs(const char* relation, std::int64_t time)
         + std::to_string(time) + ")";
 }
 
+// Of the events that queries of the log find; others don't show when it begins.
+std::string IsNotLastBefore(std::int64_t time)
+{
+    return " AND occurrence_time <> ifnull((SELECT max(occurrence_time) FROM event_info_flow"
+        " JOIN event_info ON event_info._ID = event_info_flow._ID"
+        " JOIN event_version ON event_info.version_id = event_version._ID WHERE " + TimeIs("<", time) + "), -1)";
+}
+
 std::string DeleteOutside(const LogSlice& slice, std::optional<std::int64_t> latest)
 {
     std::string sql;
@@ -50,7 +58,7 @@ std::string DeleteOutside(const LogSlice& slice, std::optional<std::int64_t> lat
         sql += "DELETE FROM event_info_flow WHERE " + condition + ";";
     };
     if (slice.from) {
-        add(TimeIs("<", *slice.from));
+        add(TimeIs("<", *slice.from) + (slice.keepsLastBefore ? IsNotLastBefore(*slice.from) : ""));
     }
     if (slice.until) {
         add(TimeIs(">", *slice.until));

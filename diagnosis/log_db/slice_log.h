@@ -18,6 +18,8 @@ struct LogSlice {
     std::optional<std::int64_t> until;
     /// Days before the latest event of the log.
     std::optional<std::int64_t> lastDays;
+    /// Keeps the last events before `from`, too: they show that the log began before the slice does.
+    bool keepsLastBefore = false;
     /// Ranges of event numbers, both ends inclusive.
     std::vector<std::pair<std::int64_t, std::int64_t>> ids;
 };

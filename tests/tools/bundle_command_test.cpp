@@ -277,10 +277,11 @@ TEST_F(BundleCommandTest, TheMomentAndTheZoneOfThePackingAreRecorded)
     EXPECT_THAT(mDir.Read("q/bundle.json"), HasSubstr("\"tz\": \"UTC\""));
 }
 
-TEST_F(BundleCommandTest, TheWindowLeavesOutWhatNoRuleReaches)
+// The last event before the window shows that the log began before it.
+TEST_F(BundleCommandTest, TheWindowLeavesOutWhatNoRuleReachesButTheLastEventBeforeIt)
 {
     WriteDropsBundle(mDir, "b");
-    EventLogBuilder().Rows({{NOW - 8 * DAY, 1001, "", ""}, {NOW - 7 * DAY, 1001, "", ""}, {NOW - DAY, 1001, "", ""},
+    EventLogBuilder().Rows({{NOW - 9 * DAY, 1001, "", ""}, {NOW - 8 * DAY, 1002, "", ""}, {NOW - 7 * DAY, 1001, "", ""}, {NOW - DAY, 1001, "", ""},
         {NOW, 1001, "", ""}}).WriteTo(mDir.Path("b") + LOG_OF_BUNDLE);
     Pack({"b", "-o", "whole"});
     Pack({"b", "-o", "part", "--window"});
@@ -288,8 +289,8 @@ TEST_F(BundleCommandTest, TheWindowLeavesOutWhatNoRuleReaches)
         const auto shown = RunArborist({"log", "show", bundle + LOG_OF_BUNDLE}).out;
         return std::count(shown.begin(), shown.end(), '\n');
     };
-    EXPECT_EQ(rows("whole"), 4);
-    EXPECT_EQ(rows("part"), 3);
+    EXPECT_EQ(rows("whole"), 5);
+    EXPECT_EQ(rows("part"), 4);
     EXPECT_EQ(mDir.Read("whole" + std::string(LOG_OF_BUNDLE)), mDir.Read("b" + std::string(LOG_OF_BUNDLE)));
     EXPECT_THAT(RunArborist({"detect", "part"}).out, HasSubstr("1. DROPS"));
 }

@@ -77,6 +77,8 @@ void EventLogSnapshot::GroupRows(const std::vector<std::uint32_t>& entryOfRow)
 
 void EventLogSnapshot::LookAtOrder()
 {
+    const auto first = std::min_element(mColumns.times.begin(), mColumns.times.end());
+    mFirstTime = first == mColumns.times.end() ? std::nullopt : std::optional(*first);
     mIsAscending.resize(mIds.size());
     for (std::size_t number = 0; number < mIds.size(); ++number) {
         const std::uint32_t begin = mBegins[number];
@@ -158,12 +160,6 @@ void EventLogSnapshot::CountDays(const Run& run, const Filter& filter, LocalDays
     } else {
         CountDaysIf(run, localDays, days, [](std::uint32_t) { return true; });
     }
-}
-
-std::optional<std::uint32_t> EventLogSnapshot::GetFirstTime() const
-{
-    const auto first = std::min_element(mColumns.times.begin(), mColumns.times.end());
-    return first == mColumns.times.end() ? std::nullopt : std::optional(*first);
 }
 
 bool EventLogSnapshot::HasUnseen(std::int32_t firstId, std::int32_t lastId, std::int64_t start) const

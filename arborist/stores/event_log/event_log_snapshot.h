@@ -115,7 +115,7 @@ public:
     std::uint32_t GetTime(std::uint32_t row) const { return mColumns.times[row]; }
     std::int64_t GetRowId(std::uint32_t row) const { return mColumns.rowIds[row]; }
     /// The time of the earliest row; nothing if there are none.
-    std::optional<std::uint32_t> GetFirstTime() const;
+    std::optional<std::uint32_t> GetFirstTime() const { return mFirstTime; }
     /// True if one of these ids has a row that no query finds, at or after `start` or at an unknown time.
     bool HasUnseen(std::int32_t firstId, std::int32_t lastId, std::int64_t start) const;
     /// Counts the rows that pass the filter and are later than `time`.
@@ -151,6 +151,7 @@ private:
     VersionNumbers mVersionNumbers;
     Unseen mUnseen;
     bool mAreRowIdsAscending = true;
+    std::optional<std::uint32_t> mFirstTime;
 };
 
 #endif
