@@ -63,7 +63,7 @@ public:
 
     std::string Text() const
     {
-        std::string text = "  subgraph cluster_" + mPrefix + " {\n    label=" + Quoted({mTree.tree->id}) + ";\n";
+        std::string text = "  subgraph cluster_" + mPrefix + " {\n    label=" + Quoted({TitleOf(mTree)}) + ";\n";
         for (std::size_t place = 0; place < mTree.events.size(); ++place) {
             text += EventText(place);
         }

@@ -99,7 +99,7 @@ std::vector<DrawnTree> DrawTrees(const DetectionReport& report, bool hasStatuses
     std::vector<DrawnTree> trees;
     for (const RecordedTree& tree : report.trees) {
         if (treeId.empty() || tree.id == treeId) {
-            trees.push_back({&tree, hasStatuses, {}});
+            trees.push_back({&tree, hasStatuses, {}, {}});
             Connect(trees.back());
             MarkCauses(trees.back());
         }

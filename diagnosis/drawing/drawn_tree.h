@@ -31,6 +31,8 @@ struct DrawnTree {
     /// False if only the shape is known, so that no status may be shown.
     bool hasStatuses;
     std::vector<DrawnEvent> events;
+    /// For the title: "FAULT", or what is open. Empty for none.
+    std::string verdict = {};
 };
 
 /// The trees of a report that was made with trees; if `treeId` is not empty, only those with this id.

@@ -27,6 +27,9 @@ std::vector<std::string> EventLabel(const DrawnTree& tree, std::size_t place)
     if (tree.hasStatuses) {
         lines.push_back(StatusWords(tree, place));
     }
+    if (const std::string open = OpenWords(tree, place); !open.empty()) {
+        lines.push_back(open);
+    }
     return lines;
 }
 
@@ -35,6 +38,17 @@ std::string StatusWords(const DrawnTree& tree, std::size_t place)
     const DrawnEvent& drawn = tree.events[place];
     const char* role = drawn.isRootCause ? ", ROOT CAUSE" : drawn.isInCutSet ? ", in its cut set" : "";
     return Evidence::StateText(drawn.event->status) + std::string(role);
+}
+
+std::string OpenWords(const DrawnTree& tree, std::size_t place)
+{
+    const Evidence::Check check = tree.events[place].event->check;
+    return tree.hasStatuses && Evidence::IsOpen(check) ? std::string("open: ") + Evidence::CheckText(check) : "";
+}
+
+std::string TitleOf(const DrawnTree& tree)
+{
+    return ShownId(tree.tree->id) + (tree.verdict.empty() ? "" : ": " + tree.verdict);
 }
 
 const char* StatusClass(const DrawnTree& tree, std::size_t place)

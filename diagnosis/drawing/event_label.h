@@ -8,11 +8,18 @@
 
 namespace diagnosis {
 
-/// The text in the box of an event, as printable lines: the id, the name, and after a run the status.
+/// The text in the box of an event, as printable lines: the id, the name, and after a run the status and its check
+/// if that is open.
 std::vector<std::string> EventLabel(const DrawnTree& tree, std::size_t place);
 
 /// The status and the role of the event in root causes: "TRUE, ROOT CAUSE".
 std::string StatusWords(const DrawnTree& tree, std::size_t place);
+
+/// "open: no_data" for an event whose status is an assumption after a run, otherwise nothing.
+std::string OpenWords(const DrawnTree& tree, std::size_t place);
+
+/// The id of the tree, and behind it the verdict where the tree has one.
+std::string TitleOf(const DrawnTree& tree);
 
 /// The CSS class of the event's status: "true", "false" or "unknown" after a run, otherwise nothing.
 const char* StatusClass(const DrawnTree& tree, std::size_t place);

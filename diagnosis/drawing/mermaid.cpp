@@ -81,7 +81,7 @@ std::string Mermaid(const std::vector<DrawnTree>& trees)
     bool hasStatuses = false;
     for (std::size_t i = 0; i < trees.size(); ++i) {
         const std::string prefix = "t" + std::to_string(i);
-        text += "  subgraph " + prefix + "[" + Quoted({ShownId(trees[i].tree->id)}) + "]\n";
+        text += "  subgraph " + prefix + "[" + Quoted({TitleOf(trees[i])}) + "]\n";
         for (std::size_t place = 0; place < trees[i].events.size(); ++place) {
             text += EventText(trees[i], place, prefix);
         }

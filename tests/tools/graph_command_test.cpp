@@ -48,7 +48,7 @@ TEST_F(GraphCommandTest, ARunColoursStatusesAndMakesTheWayOfTheRootCauseBold)
         "style=filled];\n"
         "  edge [color=\"#5c6270\", dir=none];\n"
         "  subgraph cluster_t0 {\n"
-        "    label=\"T\";\n"
+        "    label=\"T: FAULT, 1 of 2 checks open (1 not_checked)\";\n"
         "    t0e0 [label=\"T\\nTRUE\", shape=box, color=\"#a5170c\", fillcolor=\"#fde3df\", penwidth=3];\n"
         "    t0g0 [label=\"OR\", shape=hexagon, fontsize=9, margin=0.03, penwidth=3];\n"
         "    t0e0 -> t0g0 [penwidth=3, color=\"#a5170c\"];\n"
@@ -56,7 +56,8 @@ TEST_F(GraphCommandTest, ARunColoursStatusesAndMakesTheWayOfTheRootCauseBold)
         "    t0g0 -> t0e2;\n"
         "    t0e1 [label=\"HOT\\nToo hot\\nTRUE, ROOT CAUSE\", shape=ellipse, color=\"#a5170c\", "
         "fillcolor=\"#fde3df\", penwidth=3];\n"
-        "    t0e2 [label=\"COLD\\nFALSE\", shape=ellipse, color=\"#5c6270\", fillcolor=\"#f1f3f5\"];\n"
+        "    t0e2 [label=\"COLD\\nFALSE\\nopen: not_checked\", shape=ellipse, color=\"#5c6270\", "
+        "fillcolor=\"#f1f3f5\"];\n"
         "  }\n"
         "}\n");
 }
@@ -70,8 +71,8 @@ TEST_F(GraphCommandTest, KindsOfEventsAndGatesDiffer)
     EXPECT_THAT(graph, HasSubstr("t0g1 [label=\"OR\", shape=hexagon"));
     EXPECT_THAT(graph, HasSubstr("t0e1 [label=\"HOT\\nTRUE\", shape=box, peripheries=2")); // has a rule of its own
     EXPECT_THAT(graph, HasSubstr("t0e4 [label=\"G\\nFALSE\", shape=box, color"));
-    EXPECT_THAT(graph, HasSubstr("t0e3 [label=\"U\\nUNKNOWN\", shape=diamond, color=\"#7a5b00\", fillcolor=\"#fff3cd\", "
-                                 "style=\"filled,dashed\""));
+    EXPECT_THAT(graph, HasSubstr("t0e3 [label=\"U\\nUNKNOWN\\nopen: not_checked\", shape=diamond, color=\"#7a5b00\", "
+                                 "fillcolor=\"#fff3cd\", style=\"filled,dashed\""));
     EXPECT_THAT(graph, Not(HasSubstr("penwidth"))); // no fault
 }
 
@@ -126,7 +127,7 @@ TEST_F(GraphCommandTest, AMissingRuleSetIsNamed)
 TEST_F(GraphCommandTest, TreeLeavesTheOthersOut)
 {
     Trees(TreeXml("Tag").Tree("ONE", Or({Basic("A")})).Tree("TWO", Or({Basic("B")})));
-    EXPECT_THAT(Graph({"--tree", "TWO"}), AllOf(HasSubstr("label=\"TWO\""), Not(HasSubstr("ONE"))));
+    EXPECT_THAT(Graph({"--tree", "TWO"}), AllOf(HasSubstr("label=\"TWO: no fault, UNDECIDED: 1 of 1 check open (1 not_checked)\""), Not(HasSubstr("ONE"))));
     const auto result = RunArborist({"graph", "b", "--tree", "TW"});
     EXPECT_EQ(result.err, "arborist: b: no tree with the id \"TW\"; did you mean \"TWO\"? [no_such_tree]\n");
     EXPECT_EQ(result.status, 2);
@@ -152,7 +153,7 @@ TEST_F(GraphCommandTest, MermaidHasShapesAndClasses)
         Intermediate("G", And({Xml("House").TextChild("ID", "U")}))})));
     EXPECT_THAT(Graph({"--format", "mermaid"}),
         StartsWith("flowchart TD\n"
-                   "  subgraph t0[\"T\"]\n"
+                   "  subgraph t0[\"T: FAULT, 1 of 2 checks open (1 not_checked)\"]\n"
                    "    t0e0[\"T<br/>TRUE\"]\n"
                    "    class t0e0 fault\n"
                    "    class t0e0 path\n"
@@ -168,7 +169,7 @@ TEST_F(GraphCommandTest, MermaidHasShapesAndClasses)
                    "    t0g2[/\"AND\"\\]\n"
                    "    t0e2 --- t0g2\n"
                    "    t0g2 --- t0e3\n"
-                   "    t0e3{\"U<br/>UNKNOWN\"}\n"
+                   "    t0e3{\"U<br/>UNKNOWN<br/>open: not_checked\"}\n"
                    "    class t0e3 unknown\n"
                    "  end\n"
                    "  classDef fault "));

@@ -5,6 +5,7 @@
 #include "diagnosis/drawing/graphviz.h"
 #include "diagnosis/drawing/mermaid.h"
 #include "diagnosis/drawing/open_psa.h"
+#include "diagnosis/results/verdict_text.h"
 #include "diagnosis/text/near_match.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/drawing_options.h"
@@ -34,6 +35,18 @@ std::optional<Failure> Draw(const std::vector<DrawnTree>& trees, const std::stri
     }
     drawing = format == "mermaid" ? Mermaid(trees) : format == "openpsa" ? OpenPsa(trees) : Dot(trees);
     return std::nullopt;
+}
+
+// Without a run there are none.
+void AddVerdicts(const DetectionReport& report, std::vector<DrawnTree>& trees)
+{
+    for (DrawnTree& tree : trees) {
+        const auto place = static_cast<std::size_t>(tree.tree - report.trees.data());
+        if (tree.hasStatuses && place < report.verdicts.size()) {
+            const Evidence::TreeVerdict& verdict = report.verdicts[place];
+            tree.verdict = (verdict.word == Evidence::TreeVerdict::Word::FAULT ? "FAULT" : "") + VerdictWords(verdict);
+        }
+    }
 }
 
 Failure NoSuchTree(const DetectionReport& report, const std::string& tree)
@@ -69,10 +82,11 @@ ExitStatus Graph(const GraphOptions& options)
     if (report.failure) {
         return report.failure->status;
     }
-    const std::vector<DrawnTree> trees = DrawTrees(report, isBundle, options.tree);
+    std::vector<DrawnTree> trees = DrawTrees(report, isBundle, options.tree);
     if (trees.empty()) {
         return Fail(path.given, NoSuchTree(report, options.tree));
     }
+    AddVerdicts(report, trees);
     std::string drawing;
     if (const auto failure = Draw(trees, options.format, drawing)) {
         return Fail(path.given, *failure);
