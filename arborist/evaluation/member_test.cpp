@@ -97,6 +97,7 @@ std::optional<std::int32_t> MemberTest::AnswerInSilence(std::string_view member)
 std::int32_t MemberTest::Answer(std::string_view extra) const
 {
     const std::string observed = MemberOf(extra, mPara.key);
+    mChecker.NoteObserved(mPara.type, observed);
     return !observed.empty() && mChecker.IsFaultForParam(mPara.logic, mPara.type, mPara.value, observed) ? 1 : 0;
 }
 

@@ -55,6 +55,9 @@ public:
         mRecord = record;
         mComparisons = nullptr;
     }
+    /// Notes an observed text that is taken for 0.
+    void NoteObserved(const std::string& type, const std::string& observed) const;
+
     /// The reason of the last answer of IsFaultHappened.
     Evidence::Reason GetReason() const { return mReason; }
 
@@ -92,8 +95,6 @@ protected:
     void NoteConfigured(const std::string& logic, const std::string& type, const std::string& configured) const;
     /// Notes a parameter that has no type although a condition names it.
     void NoteType(const Param& param) const;
-    /// Notes an observed text that is taken for 0.
-    void NoteObserved(const std::string& type, const std::string& observed) const;
     void NoteReason(Evidence::Reason reason) { mReason = reason; }
     /// Notes the reason and returns `answer`: `return Decide(Reason::NO_NODES, false);`.
     bool Decide(Evidence::Reason reason, bool answer)

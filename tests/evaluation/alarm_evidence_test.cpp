@@ -232,6 +232,18 @@ TEST_F(AlarmEvidence, RowsWithoutPartnersAreToldWhereMoreRowsWouldCount)
         ElementsAre(Evidence::Reason::ROWS_UNSEEN)) << "it may weigh less than nothing";
 }
 
+TEST_F(AlarmEvidence, MemberThatIsTakenForZeroIsToldAlsoWhereTheRuleFires)
+{
+    const auto notes = [this](const char* member) {
+        Log({{NOW, 7, "1", std::string(R"({"a":")") + member + "\"}"}});
+        Evidence::Rule record;
+        EXPECT_TRUE(Fires(Ids("7", "7").WithParam("p", "a", "int").Single("p", "lt", "5").Latest(7, 1), &record));
+        return record.notes;
+    };
+    EXPECT_THAT(notes("none"), ElementsAre(Evidence::Reason::BAD_NUMBER));
+    EXPECT_THAT(notes("4"), testing::IsEmpty());
+}
+
 TEST_F(AlarmEvidence, DaysThatALogCoversAreToldWhereItBeginsAfterTheWindow)
 {
     Log({{NOW - 2 * DAY - 1, 1, "1", ""}, {NOW, 7, "1", ""}});
