@@ -108,10 +108,13 @@ std::vector<AlarmRuleEngine::IdRange> AlarmRuleEngine::PartsOf(const IdRange& id
 }
 
 // The questions about the rows of such a range if there are no tests.
-EventRows::Questions AlarmRuleEngine::QuestionsTo(const IdRange& part)
+EventRows::Questions AlarmRuleEngine::QuestionsTo(const IdRange& part) const
 {
-    return DetectionCustomize::IsDmdEvent(part.first) ? EventRows::Questions{DetectionCustomize::WeightQuestion()}
-                                                      : EventRows::Questions{};
+    if (!DetectionCustomize::IsDmdEvent(part.first)) {
+        return {};
+    }
+    return {DetectionCustomize::WeightQuestion(
+        [this](const std::string& count) { NoteObserved(std::string(TYPE_DOUBLE), count); })};
 }
 
 bool AlarmRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId)

@@ -53,7 +53,7 @@ private:
     IdRange GetAlarmIdList(const AlarmRule::AlarmItem& item) const;
     EventRows::Questions TestsOf(const AlarmRule::AlarmItem& item) const;
     static std::vector<IdRange> PartsOf(const IdRange& ids);
-    static EventRows::Questions QuestionsTo(const IdRange& part);
+    EventRows::Questions QuestionsTo(const IdRange& part) const;
     bool IsRuleHitBySettingTime(const AlarmItem& item, std::size_t itemNumber, const std::string& eventId,
         TimeSet::TimeType timeType, const IdRange& ids);
     bool IsWithParamTestChecked(const AlarmRule::AlarmItem& item, TimeSet& timeSet, Window& window);

@@ -1,5 +1,7 @@
 #include "arborist/evaluation/detection_customize.h"
 
+#include <utility>
+
 #include <json/value.h>
 
 #include "arborist/frame/log.h"
@@ -31,6 +33,8 @@ std::int32_t WeightOf(const std::string& count)
 
 class Weight : public RowQuestion {
 public:
+    explicit Weight(std::function<void(const std::string&)> tell) : mTell(std::move(tell)) {}
+
     std::string GetName() const override { return "weight"; }
     const std::string& GetKey() const override { return mKey; }
     bool IsNumber() const override { return true; }
@@ -38,10 +42,18 @@ public:
     {
         return count.empty() ? 1 : StringUtil::Int32Of(count);
     }
-    std::int32_t Answer(std::string_view extra) const override { return WeightOf(CountIn(extra)); }
+    std::int32_t Answer(std::string_view extra) const override
+    {
+        const std::string count = CountIn(extra);
+        if (mTell) {
+            mTell(count);
+        }
+        return WeightOf(count);
+    }
 
 private:
     const std::string mKey = DetectionCustomize::KEY_COUNT;
+    std::function<void(const std::string&)> mTell;
 };
 
 } // namespace
@@ -61,8 +73,7 @@ std::int32_t DetectionCustomize::CheckDmdEventCount(const LogEvent& event)
     return event.extra.empty() ? 0 : WeightOf(CountIn(event.extra));
 }
 
-const std::shared_ptr<const RowQuestion>& DetectionCustomize::WeightQuestion()
+std::shared_ptr<const RowQuestion> DetectionCustomize::WeightQuestion(std::function<void(const std::string&)> tell)
 {
-    static const std::shared_ptr<const RowQuestion> question = std::make_shared<Weight>();
-    return question;
+    return std::make_shared<Weight>(std::move(tell));
 }

@@ -2,7 +2,9 @@
 #define ARBORIST_EVALUATION_DETECTION_CUSTOMIZE_H
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <string>
 
 class LogEvent;
 class RowQuestion;
@@ -29,8 +31,8 @@ public:
     /// object, 0 if the extra is empty or "COUNT" is no number. Logs an error for a text that can't be read.
     /// Kept for the tests, which count with it row by row; the engine asks WeightQuestion.
     static std::int32_t CheckDmdEventCount(const LogEvent& event);
-    /// The same as a question about the rows of a log.
-    static const std::shared_ptr<const RowQuestion>& WeightQuestion();
+    /// The same as a question about the rows of a log. Tells the text of each "COUNT" that is read with log lines.
+    static std::shared_ptr<const RowQuestion> WeightQuestion(std::function<void(const std::string& count)> tell = {});
 };
 
 #endif

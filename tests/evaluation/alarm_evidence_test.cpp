@@ -244,6 +244,14 @@ TEST_F(AlarmEvidence, MemberThatIsTakenForZeroIsToldAlsoWhereTheRuleFires)
     EXPECT_THAT(notes("4"), testing::IsEmpty());
 }
 
+TEST_F(AlarmEvidence, CountThatIsNoNumberIsTold)
+{
+    Log({{NOW, 920000001, "1", R"({"COUNT":"many"})"}, {NOW, 920000001, "1", R"({"COUNT":"2"})"}});
+    Evidence::Rule record;
+    EXPECT_TRUE(Fires(Ids("920000001", "920000001").Latest(7, 2), &record));
+    EXPECT_THAT(record.notes, ElementsAre(Evidence::Reason::BAD_NUMBER));
+}
+
 TEST_F(AlarmEvidence, DaysThatALogCoversAreToldWhereItBeginsAfterTheWindow)
 {
     Log({{NOW - 2 * DAY - 1, 1, "1", ""}, {NOW, 7, "1", ""}});

@@ -40,7 +40,8 @@ INSTANTIATE_TEST_SUITE_P(Table, DmdWeight, testing::Values(
 TEST(DetectionCustomizeTest, WeightsOfMembersAreToldInSilenceOrNotAtAll)
 {
     LogCapture log;
-    const RowQuestion& weight = *DetectionCustomize::WeightQuestion();
+    const auto question = DetectionCustomize::WeightQuestion();
+    const RowQuestion& weight = *question;
     EXPECT_EQ(weight.GetKey(), "COUNT");
     EXPECT_EQ(weight.AnswerInSilence("7"), 7);
     EXPECT_EQ(weight.AnswerInSilence("4294967298"), 2);
