@@ -357,6 +357,22 @@ TEST_F(LintCommand, MakesUnsafeFixesWhenAskedTo)
     EXPECT_THAT(mDir.Read("rules/FaultTreeRules.xml"), HasSubstr("<Rule-name>r</Rule-name>"));
 }
 
+TEST_F(LintCommand, LeavesOutTheSemicolonAtTheEndOfAQueryAlone)
+{
+    const auto query = [](const std::string& sql) {
+        return RuleFile(" detectScene=\"1\"", "<commandRule name=\"c\" detectScene=\"1\"><referenceCommonPart>"
+            "<commonPartName>t</commonPartName></referenceCommonPart><AnalysisMethod type=\"SQL\"><SQL_Condition><SQLItem>"
+            "<sql>" + sql + "</sql></SQLItem></SQL_Condition></AnalysisMethod></commandRule>");
+    };
+    const std::vector<std::string> fix = {"rules", "--fix", "--unsafe-fixes", "--only", "A603"};
+    Write(query("select 1 where 2 &lt; 3 ; ;\n"));
+    EXPECT_EQ(Lint(fix).out, "no findings\n");
+    EXPECT_THAT(mDir.Read("rules/FaultTreeRules.xml"), HasSubstr("<sql>select 1 where 2 &lt; 3 </sql>"));
+    Write(query("select 1; select 2"));
+    EXPECT_EQ(Lint(fix).status, 1);
+    EXPECT_THAT(mDir.Read("rules/FaultTreeRules.xml"), HasSubstr("<sql>select 1; select 2</sql>"));
+}
+
 TEST_F(LintCommand, RefusesFixesWithWhichTheTestsOfTheRuleSetAnswerOtherwise)
 {
     std::string rules = RuleFile(" detectScene=\"1\"");

@@ -72,12 +72,21 @@ void CheckTail(const Subject& subject, Report& report)
     });
 }
 
+// Leaves a ";" out behind which nothing stands but blanks and others of its kind.
+FixOf WithoutSemicolon(std::string_view sql, const SqlToken& semicolon)
+{
+    const auto place = static_cast<std::size_t>(semicolon.text.data() - sql.data());
+    const bool isLast = sql.find_first_not_of(" \t\r\n;", place) == std::string_view::npos;
+    return isLast ? FixOf::Text(std::string(sql.substr(0, place)), false) : FixOf();
+}
+
 void CheckSemicolon(const Subject& subject, Report& report)
 {
     ForEachLimitedQuery(subject, [&report](const CommandRule& rule, const SqlPieces& pieces) {
         for (const SqlToken& token : pieces.tokens) {
             if (token.depth == 0 && IsSign(token, ';')) {
-                AddAboutSql(rule, "has a \";\" before its end", "leave the \";\" out", report);
+                report.Add(rule.sqlElement, "the query of the rule " + Quoted(rule.name) + " has a \";\" before its end",
+                    {.help = "leave the \";\" out", .fix = WithoutSemicolon(rule.sql, token), .isAboutText = true});
                 return;
             }
         }
