@@ -274,6 +274,12 @@ std::vector<WarningCase> Warnings()
     return {
         {"unknown_key", [](auto& test) { WriteHotBundle(test.mDir, "b", BundleJson(R"(, "detectScen": 1)")); },
             "b/bundle.json: unknown key \"detectScen\"", 4},
+        {"rules_outside",
+            [](auto& test) {
+                WriteHotBundle(test.mDir, "b", BundleJson(R"(, "ruleFileDir": "../rules")"));
+                std::filesystem::rename("b/rules", "rules");
+            },
+            "the rules in \"../rules\" are not inside the bundle", 4},
         {"no_rules",
             [](auto& test) {
                 WriteHotBundle(test.mDir, "b");
