@@ -29,10 +29,11 @@ bool ReadNumber(const char*& at, const char* end, std::int64_t& number)
     return error == std::errc();
 }
 
-std::optional<std::int64_t> LatestTime(Connection& database)
+std::optional<std::int64_t> LatestTime(Connection& database, std::optional<std::int64_t> asOf)
 {
     auto row = database.Prepare(
-        "SELECT max(occurrence_time) FROM event_info_flow WHERE typeof(occurrence_time) = 'integer'");
+        "SELECT max(occurrence_time) FROM event_info_flow WHERE typeof(occurrence_time) = 'integer'"
+        + (asOf ? " AND occurrence_time <= " + std::to_string(*asOf) : ""));
     return row && row->Step() && row->IsInteger(0) ? std::optional(row->Integer(0)) : std::nullopt;
 }
 
@@ -59,6 +60,9 @@ std::string DeleteOutside(const LogSlice& slice, std::optional<std::int64_t> lat
     };
     if (slice.from) {
         add(TimeIs("<", *slice.from) + (slice.keepsLastBefore ? IsNotLastBefore(*slice.from) : ""));
+    }
+    if (slice.asOf) {
+        add(TimeIs(">", *slice.asOf));
     }
     if (slice.until) {
         add(TimeIs(">", *slice.until));
@@ -105,7 +109,8 @@ std::optional<Failure> Cut(const std::string& source, const std::string& file, c
         return Failure{"bad_log", source + ": " + database.GetError()};
     }
     database.LimitToFile();
-    if (!database.Execute("PRAGMA journal_mode = OFF") || !database.Execute(DeleteOutside(slice, LatestTime(database)))) {
+    const std::string cut = DeleteOutside(slice, LatestTime(database, slice.asOf));
+    if (!database.Execute("PRAGMA journal_mode = OFF") || !database.Execute(cut)) {
         return Failure{"bad_log", source + ": " + database.GetError()};
     }
     return database.Close() ? std::nullopt : std::optional(Failure{"log_not_written", file + ": can't be closed"});

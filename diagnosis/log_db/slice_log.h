@@ -16,7 +16,9 @@ struct LogSlice {
     /// Seconds since the epoch, both inclusive.
     std::optional<std::int64_t> from;
     std::optional<std::int64_t> until;
-    /// Days before the latest event of the log.
+    /// Leaves out what is later, as if the log ended there.
+    std::optional<std::int64_t> asOf;
+    /// Days before the latest event of the log, or of what `asOf` leaves of it.
     std::optional<std::int64_t> lastDays;
     /// Keeps the last events before `from`, too: they show that the log began before the slice does.
     bool keepsLastBefore = false;

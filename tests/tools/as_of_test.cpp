@@ -59,6 +59,19 @@ TEST_F(AsOfTest, ARepairThatWasRecordedLaterCountsAsNotRecorded)
     EXPECT_THAT(Detect({"--as-of", std::to_string(NOW + 7199)}).out, HasSubstr("1. DROPS"));
 }
 
+TEST_F(AsOfTest, TheVersionStaysThatOfTheBundle)
+{
+    std::string rules = mDir.Read("b/rules/FaultTreeRules.xml");
+    mDir.Write("b/rules/FaultTreeRules.xml", rules.insert(rules.find("Eventid_Max"), "BeginFlag=\"2\" "));
+    EventLogBuilder().Rows({{NOW - 3, 1001, "4.1", ""}, {NOW - 2, 1001, "4.1", ""}, {NOW - 1, 1001, "4.1", ""},
+        {NOW + 1, 1001, "5.0", ""}}).WriteTo(mDir.Path("b") + LOG_OF_BUNDLE);
+    for (const auto& [version, isFault] : {std::pair("4.1", true), std::pair("5.0", false)}) {
+        mDir.Write("b/bundle.json",
+            BundleJson(R"(, "tz": "UTC", "settings": {"VersionName": ")" + std::string(version) + "\"}"));
+        EXPECT_EQ(Detect({"--as-of", std::to_string(NOW)}).out.find("1. DROPS") != std::string::npos, isFault) << version;
+    }
+}
+
 TEST_F(AsOfTest, LogsAreShownAndInspectedAsOfAMoment)
 {
     const std::string log = "b" + std::string(LOG_OF_BUNDLE);

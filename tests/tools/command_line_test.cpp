@@ -1,10 +1,13 @@
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 
 #include <csignal>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "diagnosis/exit_status.h"
 #include "tests/support/case_name.h"
 #include "tests/support/temp_dir.h"
 #include "tests/tools/command_bundle.h"
@@ -165,9 +168,27 @@ TEST(ClosedStreams, MessagesThatGoNowhereChangeNothing)
 
 TEST(CommandLineTest, VersionIsAResult)
 {
-    const auto result = RunArborist({"--version"});
-    EXPECT_THAT(result.out, testing::MatchesRegex("arborist [0-9]+\\.[0-9]+\\.[0-9]+\n"));
-    EXPECT_EQ(result.status, 0);
+    for (const char* option : {"--version", "-V"}) {
+        const auto result = RunArborist({option});
+        EXPECT_THAT(result.out, testing::MatchesRegex("arborist [0-9]+\\.[0-9]+\\.[0-9]+\n")) << option;
+        EXPECT_EQ(result.status, 0) << option;
+    }
+}
+
+// The table of docs/command.md, the help and each man page have every number, and no other.
+TEST(CommandLineTest, AllPagesHaveEveryExitStatus)
+{
+    const std::string help = RunArborist({"--help"}).out;
+    const std::string page = RunArborist({"help", "detect", "--man"}).out;
+    std::ifstream file(std::string(ARBORIST_SOURCE_DIR) + "/docs/command.md");
+    const std::string docs{std::istreambuf_iterator<char>(file), {}};
+    for (int status = 0; status <= 7; ++status) {
+        const std::string number = std::to_string(status);
+        const bool exists = status <= static_cast<int>(diagnosis::ExitStatus::UNDECIDED);
+        EXPECT_EQ(help.find("\n  " + number + "  ") != std::string::npos, exists) << help;
+        EXPECT_EQ(page.find("\n\\fB" + number + "\\fR\n") != std::string::npos, exists) << page;
+        EXPECT_EQ(docs.find("\n| " + number + " | ") != std::string::npos, exists) << number;
+    }
 }
 
 } // namespace

@@ -62,6 +62,15 @@ TEST_F(LogSliceTest, LastCountsFromTheLatestEvent)
     EXPECT_EQ(Slice({"--last", "0"}), "4|4");
 }
 
+TEST_F(LogSliceTest, AsOfAMomentTheLogEndsThere)
+{
+    const std::string then = std::to_string(12 * DAY);
+    EXPECT_EQ(Slice({"--as-of", then}), "1 2 3|1 2 3");
+    EXPECT_EQ(Slice({"--as-of", then, "--last", "1"}), "2 3|2 3");
+    EXPECT_EQ(Slice({"--as-of", "1970-01-12"}), "1 2|1 2"); // to its last second
+    EXPECT_EQ(Slice({"--as-of", then, "--from", then, "--until", std::to_string(20 * DAY)}), "3|3");
+}
+
 TEST_F(LogSliceTest, IdsAreNumbersAndRanges)
 {
     EXPECT_EQ(Slice({"--ids", "1001"}), "1 4|1 4");

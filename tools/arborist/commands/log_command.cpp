@@ -97,6 +97,7 @@ struct SliceOptions {
     std::string target;
     std::string from;
     std::string until;
+    std::string asOf;
     std::string ids;
     std::int64_t lastDays = -1;
     std::string zone;
@@ -108,6 +109,9 @@ ExitStatus Slice(const SliceOptions& options)
     LogSlice slice;
     slice.from = ParseMoment(IsDate(options.from) ? options.from + " 00:00:00" : options.from);
     slice.until = ParseMoment(IsDate(options.until) ? options.until + " 23:59:59" : options.until);
+    if (!ReadAsOf(options.asOf, slice.asOf)) {
+        return ExitStatus::WRONG_USE;
+    }
     for (const auto& [text, moment] : {std::pair(&options.from, &slice.from), std::pair(&options.until, &slice.until)}) {
         if (!text->empty() && !*moment) {
             PrintError("the moment \"" + *text + "\" does not exist in the time zone");
@@ -152,6 +156,7 @@ void AddSliceCommand(Command log, ExitStatus& status)
         .Takes("LOG.DB").Required();
     AddMomentOption(slice, "--from", options->from, "Events since then, inclusive; a date stands for its first second");
     AddMomentOption(slice, "--until", options->until, "Events until then, inclusive; a date stands for its last second");
+    AddMomentOption(slice, "--as-of", options->asOf, "Take the log for what it was then, also for --last");
     slice.Add("--last", options->lastDays, "Events of this many days before the latest one")
         .Takes("DAYS").Within(std::int64_t{0}, MOST_DAYS);
     slice.Add("--ids", options->ids, "Events of these numbers: 931001001,932000000-932999999")
