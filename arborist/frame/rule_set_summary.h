@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "arborist/arborist_export.h"
@@ -45,6 +46,11 @@ ARBORIST_EXPORT std::string RuleFilePath(const std::string& folder, const std::s
 /// (Settings::DEVICE_ROOT_DIR). Neither ".." nor a symbolic link leads out of that root, or for a relative path out of
 /// the working directory. With an empty `root`, for this machine, returns `path` itself; empty for links in a circle.
 ARBORIST_EXPORT std::string PathOnDevice(const std::string& root, const std::string& path);
+
+/// The line, from 1, of an element with more than 256 attributes; 0 if there is none, or if the text has at most 16 KiB. A
+/// file with such an element isn't read: the XML library compares each attribute with all before it, so that the time
+/// would grow with the square of their number.
+ARBORIST_EXPORT int LineOfTooManyAttributes(std::string_view xml);
 
 /// Reads both files of a rule set. Throws nothing, and logs only a repair whose operation can't be read.
 ARBORIST_EXPORT RuleSetSummary SummariseRuleSet(

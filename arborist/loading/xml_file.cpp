@@ -6,10 +6,14 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "arborist/frame/log.h"
+#include "arborist/frame/rule_set_summary.h"
 #include "arborist/utilities/platform.h"
 
 namespace XmlFile {
@@ -19,137 +23,76 @@ struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-// Finds an element with too many attributes in the bytes of a file, which are passed block by block. It counts quoted
-// texts, of which each attribute has one, and reads comments, CDATA sections and declarations as the XML library does.
-class AttributeCount {
-public:
-    /// The line of the element; 0 while none was found.
-    int GetLine() const { return mFoundLine; }
+// The characters that matter within a tag.
+constexpr std::array<bool, 256> TAG_MARKS = [] {
+    std::array<bool, 256> marks{};
+    marks['>'] = marks['"'] = marks['\''] = true;
+    return marks;
+}();
 
-    void Read(std::string_view block)
-    {
-        const char* at = block.data();
-        const char* const end = at + block.size();
-        while (at != end && mFoundLine == 0) {
-            at = mPlace == Place::TEXT ? SkipTo('<', at, end)
-                : mPlace == Place::QUOTED ? SkipTo(mEnd.back(), at, end) : at;
-            if (at != end) {
-                Take(*at++);
-            }
-        }
-    }
-
-private:
-    enum class Place { TEXT, OPENING, TAG, QUOTED, SKIPPED };
-
-    const char* SkipTo(char mark, const char* at, const char* end)
-    {
-        const void* const found = std::memchr(at, mark, static_cast<std::size_t>(end - at));
-        const char* const stop = found == nullptr ? end : static_cast<const char*>(found);
-        mLine += static_cast<int>(std::count(at, stop, '\n'));
-        return stop;
-    }
-
-    void Take(char character)
-    {
-        mLine += character == '\n' ? 1 : 0;
-        switch (mPlace) {
-        case Place::TEXT: // at "<"
-            mPlace = Place::OPENING;
-            mOpening.clear();
-            break;
-        case Place::OPENING:
-            TakeOpening(character);
-            break;
-        case Place::TAG:
-            TakeOfTag(character);
-            break;
-        case Place::QUOTED: // at its end
-            mPlace = Place::TAG;
-            break;
-        case Place::SKIPPED:
-            mPlace = character == '>' && IsBeforeEnd() ? Place::TEXT : Place::SKIPPED;
-            mBefore = {mBefore[1], character};
-            break;
-        }
-    }
-
-    // Decides by the first characters behind "<" what begins there.
-    void TakeOpening(char character)
-    {
-        constexpr std::string_view COMMENT = "!--";
-        constexpr std::string_view CDATA = "![CDATA[";
-        mOpening += character;
-        if (mOpening == "?") {
-            Skip("?>");
-        } else if (mOpening == COMMENT) {
-            Skip("-->");
-        } else if (mOpening == CDATA) {
-            Skip("]]>");
-        } else if (COMMENT.substr(0, mOpening.size()) != mOpening && CDATA.substr(0, mOpening.size()) != mOpening) {
-            if (mOpening.front() == '!') {
-                Skip(">");
-                mPlace = character == '>' ? Place::TEXT : mPlace;
-                return;
-            }
-            mPlace = Place::TAG;
-            mQuotes = 0;
-            TakeOfTag(character);
-        }
-    }
-
-    void Skip(std::string_view end)
-    {
-        mPlace = Place::SKIPPED;
-        mEnd = end;
-        mBefore = {};
-    }
-
-    // True if the last characters are those that stand in front of ">" at the end of what is skipped.
-    bool IsBeforeEnd() const
-    {
-        const std::size_t length = mEnd.size() - 1;
-        return std::equal(mBefore.end() - static_cast<std::ptrdiff_t>(length), mBefore.end(), mEnd.begin());
-    }
-
-    void TakeOfTag(char character)
-    {
-        if (character == '>') {
-            mPlace = Place::TEXT;
-        } else if (std::string_view("\"'").find(character) != std::string_view::npos) {
-            mPlace = Place::QUOTED;
-            mEnd = character;
-            mFoundLine = ++mQuotes > MOST_ATTRIBUTES ? mLine : 0;
-        }
-    }
-
-    Place mPlace = Place::TEXT;
-    std::string mOpening;
-    std::string mEnd; // of what is skipped, at most two characters and ">", or quoted
-    std::array<char, 2> mBefore{};
-    std::size_t mQuotes = 0;
-    int mLine = 1;
-    int mFoundLine = 0;
-};
-
-// The line of an element with too many attributes; 0 if there is none. Leaves the file at its start.
-int FindTooManyAttributes(std::FILE* file)
+// Position behind the tag whose name begins at `at`, or npos if it doesn't end. Counts quoted texts, of which each attribute
+// has one; stops at the end of the first one that is too many.
+std::size_t SkipTag(std::string_view xml, std::size_t at, std::size_t& attributes)
 {
-    // The attributes of shorter files can't take long, however they are distributed.
-    constexpr long SHORT_FILE = 16 * 1024;
-    if (std::fseek(file, 0, SEEK_END) != 0 || std::ftell(file) <= SHORT_FILE) {
-        std::rewind(file);
-        return 0;
+    const char* const end = xml.data() + xml.size();
+    for (const char* place = xml.data() + at;; ++place) {
+        while (place != end && !TAG_MARKS[static_cast<unsigned char>(*place)]) {
+            ++place;
+        }
+        if (place == end) {
+            return std::string_view::npos;
+        }
+        if (*place == '>') {
+            return static_cast<std::size_t>(place - xml.data()) + 1;
+        }
+        const char* const value = place + 1;
+        place = static_cast<const char*>(std::memchr(value, *place, static_cast<std::size_t>(end - value)));
+        if (place == nullptr) {
+            return std::string_view::npos;
+        }
+        if (++attributes > MOST_ATTRIBUTES) {
+            return static_cast<std::size_t>(place - xml.data());
+        }
     }
-    std::rewind(file);
-    AttributeCount count;
-    std::array<char, 64 * 1024> block;
-    for (std::size_t length = block.size(); length == block.size() && count.GetLine() == 0;) {
-        length = std::fread(block.data(), 1, block.size(), file);
-        count.Read({block.data(), length});
+}
+
+std::size_t SkipPast(std::string_view xml, std::string_view end, std::size_t at)
+{
+    const std::size_t found = xml.find(end, at);
+    return found == std::string_view::npos ? found : found + end.size();
+}
+
+// Position behind what begins with the "<" at `at`, as the XML library reads it; npos if it doesn't end.
+std::size_t SkipMarkup(std::string_view xml, std::size_t at, std::size_t& attributes)
+{
+    struct Kind {
+        std::string_view begin;
+        std::string_view end;
+    };
+    constexpr std::array OTHERS = {
+        Kind{"<!--", "-->"}, Kind{"<![CDATA[", "]]>"}, Kind{"<!", ">"}, Kind{"<?", "?>"}};
+    const char next = at + 1 < xml.size() ? xml[at + 1] : '>';
+    if (next == '!' || next == '?') {
+        for (const Kind& kind : OTHERS) {
+            if (xml.compare(at, kind.begin.size(), kind.begin) == 0) {
+                return SkipPast(xml, kind.end, at + kind.begin.size());
+            }
+        }
     }
-    std::rewind(file);
-    return count.GetLine();
+    return SkipTag(xml, at + 1, attributes);
+}
+
+// The content of a file; nothing if it can't be read.
+std::optional<std::string> ReadAll(std::FILE* file)
+{
+    const bool isAtEnd = std::fseek(file, 0, SEEK_END) == 0;
+    const long length = isAtEnd ? std::ftell(file) : -1;
+    if (length < 0 || std::fseek(file, 0, SEEK_SET) != 0) {
+        return std::nullopt;
+    }
+    std::string text(static_cast<std::size_t>(length), '\0');
+    text.resize(std::fread(text.data(), 1, text.size(), file));
+    return std::ferror(file) == 0 ? std::optional(std::move(text)) : std::nullopt;
 }
 
 } // namespace
@@ -163,15 +106,35 @@ Outcome Load(tinyxml2::XMLDocument& document, const std::string& path)
     if (file == nullptr) {
         return {tinyxml2::XML_ERROR_FILE_READ_ERROR, isFile ? "can't be opened" : "not a file", 0};
     }
-    if (const int line = FindTooManyAttributes(file.get())) {
+    const std::optional<std::string> text = ReadAll(file.get());
+    if (!text) {
+        return {tinyxml2::XML_ERROR_FILE_READ_ERROR, "can't be read", 0};
+    }
+    if (const int line = LineOfTooManyAttributes(*text)) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: an element of %s has more than %zu attributes",
             "XmlFile::Load", path.c_str(), MOST_ATTRIBUTES);
         return {tinyxml2::XML_ERROR_PARSING_ATTRIBUTE,
             "an element has more than " + std::to_string(MOST_ATTRIBUTES) + " attributes", line};
     }
-    const tinyxml2::XMLError error = document.LoadFile(file.get());
+    const tinyxml2::XMLError error = document.Parse(text->data(), text->size());
     return error == tinyxml2::XML_SUCCESS ? Outcome()
                                           : Outcome{error, document.ErrorStr(), document.ErrorLineNum()};
 }
 
 } // namespace XmlFile
+
+int LineOfTooManyAttributes(std::string_view xml)
+{
+    // The attributes of shorter texts can't take long, however they are distributed.
+    constexpr std::size_t SHORT_TEXT = 16 * 1024;
+    std::size_t at = xml.size() <= SHORT_TEXT ? std::string_view::npos : xml.find('<');
+    while (at != std::string_view::npos) {
+        std::size_t attributes = 0;
+        at = XmlFile::SkipMarkup(xml, at, attributes);
+        if (attributes > XmlFile::MOST_ATTRIBUTES) {
+            return 1 + static_cast<int>(std::count(xml.begin(), xml.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
+        }
+        at = at == std::string_view::npos ? at : xml.find('<', at);
+    }
+    return 0;
+}

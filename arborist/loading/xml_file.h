@@ -9,8 +9,7 @@
 /// Opens the XML files of rule sets.
 namespace XmlFile {
 
-/// Largest number of attributes of an element. The XML library compares each attribute with all before it, so that
-/// without a limit the time would grow with the square of their number.
+/// Largest number of attributes of an element; see LineOfTooManyAttributes.
 constexpr std::size_t MOST_ATTRIBUTES = 256;
 
 /// The outcome of a load.

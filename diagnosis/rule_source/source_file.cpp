@@ -7,6 +7,8 @@
 
 #include <tinyxml2.h>
 
+#include "arborist/frame/rule_set_summary.h"
+
 namespace diagnosis::rule_source {
 
 namespace {
@@ -79,6 +81,12 @@ std::unique_ptr<SourceFile> SourceFile::Of(const std::string& path, std::string 
 void SourceFile::Parse()
 {
     mDocument->SetUserData(this);
+    mProblemLine = LineOfTooManyAttributes(mText);
+    if (mProblemLine != 0) {
+        mState = State::MALFORMED;
+        mProblem = "an element has too many attributes";
+        return;
+    }
     const tinyxml2::XMLError error = mDocument->Parse(mText.data(), mText.size());
     if (error == tinyxml2::XML_SUCCESS) {
         mState = State::LOADED;

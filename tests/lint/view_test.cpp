@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "diagnosis/rule_source/source_file.h"
 #include "tests/lint/model_text.h"
 #include "tests/lint/sample.h"
 #include "tests/support/log_capture.h"
@@ -58,6 +59,18 @@ TEST(RuleSetView, ReadsWhatTheEngineReadsOfOddFiles)
         "<id>2</id></eq></or><or type='x'><eq><id>9</id></eq></or></condition></ThresholdItem></ThresholdMappingTable>"
         "</thresholdsOrLumbraData></commonPart></Tag></RuleCommonPart></r>");
     ExpectSameReading(dir.Path(), "Tag");
+}
+
+// The XML library would compare each attribute with all before it.
+TEST(SourceFileTest, MillionAttributesAreRefusedBeforeTheyAreCompared)
+{
+    std::string xml = "<a>\n<b";
+    for (int attribute = 0; attribute < 1'000'000; ++attribute) {
+        xml += " a" + std::to_string(attribute) + "=\"\"";
+    }
+    const auto file = diagnosis::rule_source::SourceFile::Of("a.xml", xml + "/></a>");
+    EXPECT_FALSE(file->IsLoaded());
+    EXPECT_EQ(file->ProblemLine(), 2);
 }
 
 } // namespace
