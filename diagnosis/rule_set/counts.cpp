@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <set>
 
-#include "diagnosis/lint/checks/cut_sets.h"
+#include "diagnosis/lint/reading/cut_sets.h"
 #include "diagnosis/rule_set/inventory.h"
 
 namespace diagnosis::rule_set {

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "diagnosis/lint/base/report.h"
-#include "diagnosis/lint/checks/device_filter.h"
+#include "diagnosis/lint/reading/device_filter.h"
 
 namespace diagnosis::rule_set {
 

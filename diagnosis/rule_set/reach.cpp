@@ -4,7 +4,7 @@
 #include <set>
 #include <unordered_map>
 
-#include "diagnosis/lint/checks/cut_sets.h"
+#include "diagnosis/lint/reading/cut_sets.h"
 #include "diagnosis/rule_set/obstacles.h"
 #include "diagnosis/rule_set/scene_reach.h"
 

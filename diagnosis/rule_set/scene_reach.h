@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "diagnosis/lint/base/subject.h"
-#include "diagnosis/lint/checks/cut_sets.h"
+#include "diagnosis/lint/reading/cut_sets.h"
 #include "diagnosis/rule_source/rule_set.h"
 
 namespace diagnosis::rule_set {

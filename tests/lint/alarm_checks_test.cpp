@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "arborist/evaluation/detection_customize.h"
-#include "diagnosis/lint/checks/weighted_ids.h"
+#include "diagnosis/lint/reading/weighted_ids.h"
 #include "tests/lint/rule_findings.h"
 #include "tests/support/case_name.h"
 

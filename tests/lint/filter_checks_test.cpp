@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "diagnosis/lint/checks/entry_overlap.h"
+#include "diagnosis/lint/reading/entry_overlap.h"
 #include "tests/lint/rule_findings.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "diagnosis/lint/checks/value_sets.h"
+#include "diagnosis/lint/reading/value_sets.h"
 #include "tests/support/random_cases.h"
 
 namespace {

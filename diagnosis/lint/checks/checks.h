@@ -7,7 +7,7 @@
 
 namespace diagnosis::lint {
 
-/// The checks of each file of this folder. The registry puts them together.
+/// The checks of each file in the folders beside this one. The registry puts them together.
 std::span<const Check> FileChecks();
 std::span<const Check> WordChecks();
 std::span<const Check> TreeChecks();

@@ -1,0 +1,38 @@
+#ifndef ARBORIST_DIAGNOSIS_LINT_READING_FORMULA_OUTLINE_H
+#define ARBORIST_DIAGNOSIS_LINT_READING_FORMULA_OUTLINE_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace diagnosis::lint {
+
+/// A piece of a node rule's formula: a sign, or an operand, which is a name or a number.
+struct FormulaPiece {
+    /// One of "()+-*/"; NUL for an operand.
+    char sign = '\0';
+    /// An operand without the blanks around it. The engine leaves out those within, too.
+    std::string_view operand = {};
+
+    bool IsOperand() const { return sign == '\0'; }
+    bool IsOperator() const { return sign == '+' || sign == '-' || sign == '*' || sign == '/'; }
+};
+
+/// Divides a formula as the engine does: every sign stands for itself, and blanks divide nothing.
+std::vector<FormulaPiece> ReadFormula(std::string_view formula);
+
+/// What is wrong with the form of a formula: "no operator stands before ...". Empty where each operator has two operands
+/// and each parenthesis its other one.
+std::string FaultOf(const std::vector<FormulaPiece>& pieces);
+
+/// A well-formed formula with the parentheses that the engine adds in thought: "*" and "/" go before "+" and "-", and
+/// within one level the right operator goes first.
+std::string WithParentheses(const std::vector<FormulaPiece>& pieces);
+
+/// Whether in a well-formed formula a "-" or a "/" is followed by another operator of its level, so that it matters
+/// which one goes first.
+bool IsOrderVital(const std::vector<FormulaPiece>& pieces);
+
+} // namespace diagnosis::lint
+
+#endif
