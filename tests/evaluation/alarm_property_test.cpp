@@ -2,7 +2,7 @@
 
 #include <random>
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include "arborist/evaluation/alarm_rule_engine.h"
 #include "arborist/evaluation/rule_helper.h"

@@ -1,6 +1,5 @@
 #include <filesystem>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "diagnosis/sqlite/connection.h"

@@ -1,7 +1,6 @@
 #include <filesystem>
 #include <random>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "arborist/frame/arborist.h"

@@ -4,7 +4,6 @@
 #include <set>
 #include <sstream>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <tinyxml2.h>
 
