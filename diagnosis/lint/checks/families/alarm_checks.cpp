@@ -1,7 +1,7 @@
 #include "diagnosis/lint/base/event_counts.h"
 #include "diagnosis/lint/base/near_names.h"
-#include "diagnosis/lint/reading/alarm_items.h"
 #include "diagnosis/lint/checks/checks.h"
+#include "diagnosis/lint/reading/alarm_items.h"
 #include "diagnosis/lint/reading/time_limits.h"
 
 namespace diagnosis::lint {
