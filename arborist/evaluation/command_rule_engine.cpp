@@ -67,10 +67,10 @@ bool CommandRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const
     if (commandRule->analysisMethod.type != ANALYSIS_SQL) {
         return Reject(Reason::NOT_SQL, commandRule->analysisMethod.type);
     }
-    if (!hasReference && !mCommonPart->AreTablesWhole()) {
+    const Query query = QueryOf(*commandRule, eventId);
+    if (!hasReference && !mCommonPart->AreTablesWhole(commandRule->commonPartName, query.sql)) {
         Note(Reason::TABLE_INCOMPLETE);
     }
-    const Query query = QueryOf(*commandRule, eventId);
     return hasReference ? IsFaultInReference(*commandRule, query) : IsFaultInDatabase(*commandRule, query, "");
 }
 
@@ -176,11 +176,7 @@ bool CommandRuleEngine::IsFaultInDatabase(const CommandRule& rule, const Query& 
     } else {
         // Judged by what the last query left.
         isFault = IsFaultForSingleSql(rule, query.params);
-        if (isFault) {
-            Note(Reason::DATABASE_UNAVAILABLE);
-        } else {
-            NoteReason(Reason::DATABASE_UNAVAILABLE);
-        }
+        NoteTrouble(Reason::DATABASE_UNAVAILABLE, isFault);
     }
     if (record != nullptr) {
         record->reason = GetReason();
@@ -194,12 +190,36 @@ bool CommandRuleEngine::IsFaultInOpenDatabase(
     const ParamList list =
         mDbHelper->RunSql(query.sql, query.params, query.isNormalization, query.first, query.second, record);
     const bool isFault = IsFaultForSingleSql(rule, list);
-    if (!isFault && mDbHelper->GetRowCount() != 1) {
-        NoteReason(mDbHelper->HasFailed() ? Reason::STATEMENT_FAILED : Reason::ROW_COUNT);
-    } else if (!isFault && mDbHelper->IsIntervalMissing()) {
-        NoteReason(Reason::NO_INTERVAL);
-    }
+    NoteTrouble(TroubleOfStatement(), isFault);
     return isFault;
+}
+
+// Why the last statement gave no row to compare, or perhaps not all of them.
+Evidence::Reason CommandRuleEngine::TroubleOfStatement() const
+{
+    if (mDbHelper->HasFailed()) {
+        return Reason::STATEMENT_FAILED; // also behind its first row
+    }
+    if (mDbHelper->GetRowCount() != 1) {
+        return Reason::ROW_COUNT;
+    }
+    return mDbHelper->IsIntervalMissing() ? Reason::NO_INTERVAL : Reason::NONE;
+}
+
+// Without a fault the trouble is the reason. What else keeps the rule from an answer is noted beside it.
+void CommandRuleEngine::NoteTrouble(Reason trouble, bool isFault)
+{
+    if (trouble == Reason::NONE) {
+        return;
+    }
+    if (isFault) {
+        Note(trouble);
+        return;
+    }
+    if (Evidence::CheckOf(GetReason()) == Evidence::Check::RULE_UNUSABLE) {
+        Note(GetReason());
+    }
+    NoteReason(trouble);
 }
 
 bool CommandRuleEngine::IsFaultInReference(const CommandRule& rule, const Query& query)
@@ -209,6 +229,7 @@ bool CommandRuleEngine::IsFaultInReference(const CommandRule& rule, const Query&
         return Reject(Reason::NO_SUCH_DATABASE, rule.referenceDefDb->defDBName);
     }
     const std::vector<std::string>& paths = bean->GetCopyDbFileList();
+    NoteCopies(*bean);
     std::int64_t hits = 0;
     for (const std::string& path : paths) {
         hits += IsFaultInDatabase(rule, query, path) ? 1 : 0;
@@ -220,9 +241,6 @@ bool CommandRuleEngine::IsFaultInReference(const CommandRule& rule, const Query&
         neededHits = number.empty() ? 0 : StringUtil::StringToInt32Def(number, 0, 10);
         NoteObserved(std::string(TYPE_INT), number.empty() ? "none" : number);
     }
-    if (paths.empty()) {
-        Note(Reason::DATABASE_UNAVAILABLE);
-    }
     if (auto* const command = GetPart<Evidence::Command>()) {
         command->hits = {rule.referenceDefDb->defDBName, paths.size(), hits, neededHits};
         if (paths.empty() && bean->GetNoCopy() != Evidence::NoCopy::NONE) {
@@ -230,6 +248,17 @@ bool CommandRuleEngine::IsFaultInReference(const CommandRule& rule, const Query&
         }
     }
     return hits >= neededHits ? Decide(Reason::HITS_REACHED, true) : Decide(Reason::HITS_SHORT, false);
+}
+
+// Notes what the databases lack that the rule asks.
+void CommandRuleEngine::NoteCopies(const DefDbTableBean& bean) const
+{
+    if (bean.GetCopyDbFileList().empty() || bean.LacksCopies()) {
+        Note(Reason::DATABASE_UNAVAILABLE);
+    }
+    if (bean.LacksTables()) {
+        Note(Reason::TABLE_INCOMPLETE);
+    }
 }
 
 std::shared_ptr<Param> CommandRuleEngine::GetParam(const ParamList& list, const std::string& id)

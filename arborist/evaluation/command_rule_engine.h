@@ -11,6 +11,7 @@
 
 class CommandRuleDbHelper;
 class CommonPart;
+class DefDbTableBean;
 class RuleHelper;
 
 /// Decides command rules: runs the rule's SQL on the derived database, or on each copy of an external one, and compares
@@ -55,7 +56,10 @@ private:
     static std::string JoinSqlStrWithTime(const std::string& sql, std::int64_t start);
     bool IsFaultInDatabase(const CommandRule& rule, const Query& query, const std::string& path);
     bool IsFaultInOpenDatabase(const CommandRule& rule, const Query& query, Evidence::Statement* record);
+    Reason TroubleOfStatement() const;
+    void NoteTrouble(Reason trouble, bool isFault);
     bool IsFaultInReference(const CommandRule& rule, const Query& query);
+    void NoteCopies(const DefDbTableBean& bean) const;
     static std::shared_ptr<Param> GetParam(const ParamList& list, const std::string& id);
     std::string GetThreshold(const std::shared_ptr<OrLogic>& orLogic, const CommandRule& rule) const;
     bool IsFaultForSingleSql(const CommandRule& rule, const ParamList& list);

@@ -100,8 +100,11 @@ std::string DetailOf(const Evidence::Node& node)
 std::string DetailOf(const Evidence::Command& command, Reason reason)
 {
     for (const Evidence::Statement& statement : command.statements) {
+        if (reason == Reason::STATEMENT_FAILED && !statement.error.empty()) {
+            return statement.error; // it may have failed behind the row that decided
+        }
         if (statement.reason == reason) {
-            return reason == Reason::STATEMENT_FAILED ? statement.error : statement.database;
+            return statement.database;
         }
     }
     return {};

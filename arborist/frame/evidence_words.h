@@ -48,9 +48,9 @@ enum class Reason {
     NO_COMMON_PART, ///< the named common part entry doesn't exist
     NOT_SQL, ///< the analysis method is not "SQL"
     NO_SUCH_DATABASE, ///< the referenced "defDBTable" doesn't exist
-    DATABASE_UNAVAILABLE, ///< the database can't be opened
-    TABLE_INCOMPLETE, ///< derived tables were not built, or not from a whole log
-    STATEMENT_FAILED, ///< the database refused the statement
+    DATABASE_UNAVAILABLE, ///< a database can't be opened or copied, or there is none
+    TABLE_INCOMPLETE, ///< a table was not built, or not from a whole log
+    STATEMENT_FAILED, ///< the database refused the statement, or broke it off
     ROW_COUNT, ///< the statement gave another number of rows than one
     NO_INTERVAL, ///< the columns between which values are scaled give no time to scale by
     NO_THRESHOLD, ///< the value to compare with is empty, in the rule or in the common part

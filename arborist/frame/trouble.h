@@ -14,6 +14,7 @@ struct Trouble {
         REPAIRS_UNREADABLE, ///< the same on the database of repair dates
         BAD_EXTRA, ///< what an event of the log says of itself is no JSON
         NO_COPY_FOLDER, ///< the databases `subject` were found, and no setting says where to copy them
+        NOT_COPIED, ///< the database or archive `subject` matches a pattern of the rule set and can't be copied or unpacked
         TABLE_NOT_BUILT, ///< the derived table `subject` could not be made, and no event was asked for it
         REPAIR_HISTORY_LOST, ///< the repair `subject` was recorded after Settings::AS_OF, and an earlier date is not kept
         NO_THRESHOLDS, ///< the entry `subject` of the common part has thresholds, and the device lacks an attribute

@@ -26,7 +26,9 @@ struct FileCloser {
 // The characters that matter within a tag.
 constexpr std::array<bool, 256> TAG_MARKS = [] {
     std::array<bool, 256> marks{};
-    marks['>'] = marks['"'] = marks['\''] = true;
+    for (const char mark : std::string_view(">\"'")) {
+        marks[static_cast<unsigned char>(mark)] = true;
+    }
     return marks;
 }();
 

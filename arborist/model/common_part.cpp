@@ -1,6 +1,7 @@
 #include "arborist/model/common_part.h"
 
 #include <algorithm>
+#include <cctype>
 
 #include "arborist/utilities/string_util.h"
 
@@ -86,6 +87,13 @@ void SetForThresholdItem(const CommonPart& part, const ThresholdOrLumbraBean::Th
     }
 }
 
+// Whether the name is anywhere in the text; SQL makes no difference between cases.
+bool Mentions(const std::string& sql, const std::string& name)
+{
+    const auto isEqual = [](unsigned char left, unsigned char right) { return std::tolower(left) == std::tolower(right); };
+    return std::search(sql.begin(), sql.end(), name.begin(), name.end(), isEqual) != sql.end();
+}
+
 // Tries every item, so that a later one overwrites what an earlier one set. An item without conditions never applies.
 void HandleThresholdItemList(const CommonPart& part, const ThresholdOrLumbraBean& bean)
 {
@@ -116,15 +124,16 @@ std::shared_ptr<ThresholdOrLumbraBean> CommonPart::FindThresholdBean(const std::
     return nullptr;
 }
 
-bool CommonPart::AreTablesWhole() const
+bool CommonPart::AreTablesWhole(const std::string& beanName, const std::string& sql) const
 {
-    using Bean = ThresholdOrLumbraBean;
-    const auto isWhole = [](const std::shared_ptr<Bean>& bean) {
-        return bean == nullptr || bean->GetTableState() == Bean::TableState::WHOLE;
-    };
-    return mCombineCommon == nullptr
-        || std::all_of(mCombineCommon->GetThresholdLumbraList().begin(), mCombineCommon->GetThresholdLumbraList().end(),
-            isWhole);
+    if (mCombineCommon == nullptr) {
+        return true;
+    }
+    const auto& beans = mCombineCommon->GetThresholdLumbraList();
+    return std::none_of(beans.begin(), beans.end(), [&](const std::shared_ptr<ThresholdOrLumbraBean>& bean) {
+        return bean != nullptr && bean->GetTableState() != ThresholdOrLumbraBean::TableState::WHOLE
+            && (bean->GetName() == beanName || Mentions(sql, bean->GetName()));
+    });
 }
 
 bool CommonPart::IsHasThredCommonPart(const std::string& name) const

@@ -195,6 +195,11 @@ public:
         noCopy = cause;
         searchedFolder = folder;
     }
+    /// Whether a file that matched could not be copied or unpacked, and whether the SQL of the bean failed on a copy.
+    bool LacksCopies() const { return lacksCopies; }
+    void SetLacksCopies(bool does) { lacksCopies = does; }
+    bool LacksTables() const { return lacksTables; }
+    void SetLacksTables(bool does) { lacksTables = does; }
 
 private:
     std::string name;
@@ -207,6 +212,8 @@ private:
     std::vector<std::string> copyDbFileList;
     Evidence::NoCopy noCopy = Evidence::NoCopy::NONE;
     std::string searchedFolder;
+    bool lacksCopies = false;
+    bool lacksTables = false;
 };
 
 /// The data that the rules of one tree tag share. SetThreshold chooses thresholds by the device's attributes.
@@ -244,8 +251,9 @@ public:
     std::shared_ptr<CombineCommonPart> GetCombineCommon() const { return mCombineCommon; }
     void SetCombineCommon(std::shared_ptr<CombineCommonPart> block) { mCombineCommon = std::move(block); }
 
-    /// True if no derived table lacks rows. A rule's SQL may read any of them.
-    bool AreTablesWhole() const;
+    /// True unless a derived table lacks rows that is the one of `beanName`, or whose name is in `sql`: a rule's SQL may
+    /// read any of them.
+    bool AreTablesWhole(const std::string& beanName, const std::string& sql) const;
 
     /// True if a threshold bean has this name; always false for the empty name.
     bool IsHasThredCommonPart(const std::string& name) const;

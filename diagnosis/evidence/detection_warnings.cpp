@@ -101,6 +101,10 @@ void DetectionWarnings::OnTrouble(const Evidence::Trouble& trouble)
         mList.Add("app_database_dir_empty", "the setting \"AppDatabaseDir\" is empty: databases that the rule set "
             "names are not copied, and rules on them find nothing");
         break;
+    case Kind::NOT_COPIED:
+        mList.Add("database_unavailable", "the database or archive " + Quoted(trouble.subject)
+            + " can't be copied or unpacked: rules on databases of its kind miss it");
+        break;
     case Kind::TABLE_NOT_BUILT:
         if (const auto table = mEventTables.find(trouble.subject); table != mEventTables.end()) {
             mEventTables.erase(table);

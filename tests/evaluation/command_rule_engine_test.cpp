@@ -421,6 +421,19 @@ TEST_F(CommandRuleEngineTest, StatementValuesAndComparisonsAreNoted)
         "compare n n int '5' gt '9' fails"));
 }
 
+// The row in front of the failure decides the rule, and yet nobody knows what the others hold.
+TEST_F(CommandRuleEngineTest, StatementThatBreaksOffBehindItsFirstRowIsNoted)
+{
+    EventLogBuilder::Run(mDerived, "insert into Jank values (-9223372036854775807 - 1, 'y', 1699999999)");
+    Item().sql = "select abs(n) as n, s from Jank";
+    EXPECT_FALSE(Fires({Single("eq", "n", "6")}));
+    EXPECT_EQ(mReason, Reason::STATEMENT_FAILED);
+    mEngine.SetRecord(&mRecord);
+    EXPECT_TRUE(Fires({Single("eq", "n", "5")}));
+    EXPECT_EQ(mReason, Reason::CONDITION_MET);
+    EXPECT_THAT(mRecord.notes, testing::Contains(Reason::STATEMENT_FAILED));
+}
+
 TEST_F(CommandRuleEngineTest, WhyAStatementFailedIsNoted)
 {
     mEngine.SetRecord(&mRecord);

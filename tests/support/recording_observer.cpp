@@ -30,6 +30,8 @@ const char* Text(Evidence::Trouble::Kind kind)
         return "extra";
     case Evidence::Trouble::Kind::NO_COPY_FOLDER:
         return "copies";
+    case Evidence::Trouble::Kind::NOT_COPIED:
+        return "copy";
     case Evidence::Trouble::Kind::TABLE_NOT_BUILT:
         return "table";
     case Evidence::Trouble::Kind::REPAIR_HISTORY_LOST:

@@ -1,5 +1,8 @@
 #include "arborist/stores/common_part/common_part_db_helper.h"
 
+#include <string_view>
+#include <unordered_set>
+
 #include "arborist/frame/log.h"
 #include "arborist/frame/trouble_watch.h"
 #include "arborist/stores/common_part/derived_tables.h"
@@ -124,6 +127,8 @@ void CommonPartDbHelper::CopyDbAndCreateTable(const std::shared_ptr<CommonPart>&
             continue;
         }
         bean->SetNoCopy(Evidence::NoCopy::FOLDER_MISSING, "");
+        bean->SetLacksCopies(false);
+        bean->SetLacksTables(false);
         for (const auto& dbPath : bean->GetDbPathList()) {
             const std::string path = dbPath == nullptr ? "" : DevicePaths::OnDevice(dbPath->GetPathValue());
             if (path.empty() || !FileUtil::FileExists(path)) {
@@ -133,27 +138,35 @@ void CommonPartDbHelper::CopyDbAndCreateTable(const std::shared_ptr<CommonPart>&
             const ExternalDatabases::Copies copies = ExternalDatabases::CopyDbFile(path, bean->GetDbName());
             bean->SetCopyDbFileList(copies.files);
             bean->SetNoCopy(copies.missing, dbPath->GetPathValue());
+            bean->SetLacksCopies(!copies.isWhole);
             if (copies.missing == Evidence::NoCopy::SETTING_EMPTY) {
                 TroubleWatch::Tell(
                     Evidence::Trouble::Kind::NO_COPY_FOLDER, {}, {bean->GetName(), {}, bean->GetLine()});
             }
-            IsCreateDbByFileComplete(bean->GetCopyDbFileList(), bean->GetCreateTableList(), limits);
+            bean->SetLacksTables(
+                !IsCreateDbByFileComplete(bean->GetCopyDbFileList(), bean->GetCreateTableList(), limits));
         }
     }
 }
 
-void CommonPartDbHelper::IsCreateDbByFileComplete(
+// A file that is listed again gets the statements again, which fail then where they created a table.
+bool CommonPartDbHelper::IsCreateDbByFileComplete(
     const std::vector<std::string>& files, const DefDbTableBean::CreateTableList& createTables,
     FT::sql::SqlLimits& limits)
 {
+    bool isComplete = true;
+    std::unordered_set<std::string_view> served;
     for (const std::string& file : files) {
+        const bool isFirst = served.insert(file).second;
         for (const auto& createTable : createTables) {
             if (!file.empty() && createTable != nullptr && !CreateTable(file, createTable->GetSql(), limits)) {
                 FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: create table %s fail.",
                     "CommonPartDbHelper::IsCreateDbByFileComplete", createTable->GetTableName().c_str());
+                isComplete = isComplete && !isFirst;
             }
         }
     }
+    return isComplete;
 }
 
 bool CommonPartDbHelper::CreateTable(const std::string& dbPath, const std::string& sql, FT::sql::SqlLimits& limits)

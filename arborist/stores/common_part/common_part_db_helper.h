@@ -55,7 +55,8 @@ private:
     bool IsSuccessCreatePerfDb(const DerivedTables::Table& table, const EventIdList& ids,
         const std::string& eventDbPath, ThresholdOrLumbraBean::TableState* state);
     bool IsSuccessCreateLumbraPlusDb(const DerivedTables::Table& table, ThresholdOrLumbraBean::TableState* state);
-    void IsCreateDbByFileComplete(const std::vector<std::string>& files,
+    // False if a statement failed on a file, which was not listed before.
+    bool IsCreateDbByFileComplete(const std::vector<std::string>& files,
         const DefDbTableBean::CreateTableList& createTables, FT::sql::SqlLimits& limits);
     bool CreateTable(const std::string& dbPath, const std::string& sql, FT::sql::SqlLimits& limits);
 

@@ -8,6 +8,7 @@
 #include "arborist/frame/log.h"
 #include "arborist/frame/settings.h"
 #include "arborist/frame/stopping.h"
+#include "arborist/frame/trouble_watch.h"
 #include "arborist/stores/common_part/database_search.h"
 #include "arborist/stores/common_part/database_steps.h"
 #include "arborist/stores/common_part/file_name_pattern.h"
@@ -135,6 +136,12 @@ bool CopyFile(const std::string& source, const std::string& directory)
     return FileUtil::FileExists(target);
 }
 
+void TellNotCopied(const std::string& source, bool& isWhole)
+{
+    isWhole = false;
+    TroubleWatch::Tell(Evidence::Trouble::Kind::NOT_COPIED, "the file can't be copied or unpacked", {source, source});
+}
+
 } // namespace
 
 Copies CopyDbFile(const std::string& path, const std::string& dbName)
@@ -159,19 +166,25 @@ Copies CopyDbFile(const std::string& path, const std::string& dbName)
         }
     }
     PathList copies;
+    bool isWhole = true;
     FileNamePattern pattern(dbName);
     std::map<std::string, std::string> sourceByTarget; // the source of the last copy to each target
     for (const std::string& candidate : candidates) {
         StopPoint::Pass();
         if (!FileUtil::FileExists(candidate)) {
+            TellNotCopied(candidate, isWhole);
             continue;
         }
         if (IsZip(candidate, rootOfDevice)) {
             sourceByTarget.clear();
-            for (const std::string& file : UnZipFile(candidate, directory)) {
+            bool isUnpacked = true;
+            for (const std::string& file : UnZipFile(candidate, directory, &isUnpacked)) {
                 if (!file.empty() && pattern.Matches(FileUtil::ExtractFileName(file))) {
                     copies.push_back(file);
                 }
+            }
+            if (!isUnpacked) {
+                TellNotCopied(candidate, isWhole);
             }
             continue;
         }
@@ -182,13 +195,17 @@ Copies CopyDbFile(const std::string& path, const std::string& dbName)
             copies.push_back(TargetOf(StringUtil::TrimSP(candidate), directory));
         } else {
             standing.clear();
+            TellNotCopied(candidate, isWhole);
         }
     }
-    return {copies, copies.empty() ? Evidence::NoCopy::NOT_COPIED : Evidence::NoCopy::NONE};
+    return {copies, copies.empty() ? Evidence::NoCopy::NOT_COPIED : Evidence::NoCopy::NONE, isWhole};
 }
 
-PathList UnZipFile(const std::string& zipPath, const std::string& directory)
+PathList UnZipFile(const std::string& zipPath, const std::string& directory, bool* isWhole)
 {
+    bool ignored = false;
+    bool& isUnpacked = isWhole == nullptr ? ignored : *isWhole;
+    isUnpacked = false;
     static constexpr char NAME[] = "CommonPartDbHelper::UnZipFile";
     if (zipPath.empty() || directory.empty()) {
         return {};
@@ -207,6 +224,7 @@ PathList UnZipFile(const std::string& zipPath, const std::string& directory)
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: unZip file fail.", NAME);
         return {};
     }
+    isUnpacked = true;
     PathList unpacked;
     FileUtil::GetDirFiles(workDirectory.GetPath(), unpacked);
     for (const std::string& file : unpacked) {
@@ -215,6 +233,7 @@ PathList UnZipFile(const std::string& zipPath, const std::string& directory)
     for (std::string& file : unpacked) {
         StopPoint::Pass();
         if (!CopyFile(file, directory)) {
+            isUnpacked = isUnpacked && FileUtil::IsDirectory(file); // folders are not copied
             FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Copy file fail.", NAME);
         }
         // Listed even if the copy failed: an older copy may exist there.

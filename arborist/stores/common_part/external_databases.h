@@ -13,10 +13,11 @@ struct SqlLimits;
 /// Copies databases of other software, so that rules can query them. The originals are only read.
 namespace ExternalDatabases {
 
-/// The paths of copies and, where there are none, why.
+/// The paths of copies and, where there are none, why. Not whole if a file could not be copied, or not unpacked whole.
 struct Copies {
     std::vector<std::string> files;
     Evidence::NoCopy missing = Evidence::NoCopy::NONE;
+    bool isWhole = true;
 };
 
 /// Searches `path` for files whose path matches the regular expression `dbName`, copies or unpacks them into the
@@ -25,7 +26,9 @@ struct Copies {
 Copies CopyDbFile(const std::string& path, const std::string& dbName);
 
 /// Unpacks an archive into `directory` and returns the paths of its files there, copied or not. Empty on failure.
-std::vector<std::string> UnZipFile(const std::string& zipPath, const std::string& directory);
+/// Sets `isWhole`, if it is not null: false if the archive or one of its files could not be unpacked or copied.
+std::vector<std::string> UnZipFile(
+    const std::string& zipPath, const std::string& directory, bool* isWhole = nullptr);
 
 /// Runs the statements of `sql`, separated by semicolons, on a copy, up to the first that fails. False, with a line, if
 /// one fails or there is none; statements that ran are not undone. Lowers `limits` after a statement that reached them.

@@ -88,4 +88,32 @@ TEST_F(MissingCopies, ACopyEndsWhatWasToldBefore)
     EXPECT_EQ(bean->GetNoCopy(), NoCopy::NONE);
 }
 
+// A sound database beside it must not hide what its rules lack.
+TEST_F(MissingCopies, AnArchiveThatCannotBeUnpackedIsToldBesideASoundDatabase)
+{
+    mDir.MakeDir("device");
+    EventLogBuilder::Run(mDir.Path("device/a.db"), "create table t(a)");
+    EXPECT_FALSE(Search({mDir.Path("device")}, ".*\\.(db|zip)")->LacksCopies());
+    mDir.Write("device/b.zip", "no archive");
+    const auto bean = Search({mDir.Path("device")}, ".*\\.(db|zip)");
+    EXPECT_EQ(bean->GetNoCopy(), NoCopy::NONE);
+    EXPECT_TRUE(bean->LacksCopies());
+}
+
+TEST_F(MissingCopies, AStatementOfTheRuleSetThatFailsOnACopyIsTold)
+{
+    mDir.MakeDir("device");
+    EventLogBuilder::Run(mDir.Path("device/a.db"), "create table t(a)");
+    const auto search = [this](const std::string& sql) {
+        const auto bean = TableBeanOf("B", {mDir.Path("device")}, ".*\\.db");
+        const auto create = std::make_shared<DefDbTableBean::CreateTable>();
+        create->SetSql(sql);
+        bean->SetCreateTableList({create});
+        CommonPartDbHelper::GetInstance().CopyDbAndCreateTable(PartOf({}, {bean}));
+        return bean->LacksTables();
+    };
+    EXPECT_FALSE(search("create table u as select a from t"));
+    EXPECT_TRUE(search("create table v as select a from missing"));
+}
+
 } // namespace
