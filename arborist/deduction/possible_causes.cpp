@@ -76,7 +76,7 @@ PossibleCauses::Index PossibleCauses::AddStep(Index branch, Index next)
     return static_cast<Index>(mSteps.size() - 1);
 }
 
-// The first of the branches from `branch` on through which the cut set can become an addition; `branch` itself if it is
+// The first branch, from `branch` on, through which the cut set can still become an addition; `branch` itself if it is
 // one already.
 PossibleCauses::Index PossibleCauses::FindUseful(Index branch, Index next) const
 {

@@ -178,7 +178,7 @@ bool NodeRuleEngine::CheckConditions(const NodeRule& rule)
         if (GetReason() == Reason::UNKNOWN_CONDITION) {
             Note(Reason::UNKNOWN_CONDITION);
         }
-        // The first of a known kind decides alone, even when it does not hold: rule files order them for that.
+        // Only the first alternative of a known kind decides, also if it is false: rule files rely on their order.
         if (logic->GetType() == SINGLE_LOGIC) {
             const bool holds = IsFaultForSingleNodeRule(rule.GetParamMap(), *logic);
             return Decide(holds ? Reason::CONDITION_MET : Reason::CONDITION_NOT_MET, holds);

@@ -9,7 +9,7 @@ namespace {
 using Evidence::Check;
 using Evidence::Reason;
 
-// Is told each reason of a rule with its word.
+// Receives each reason of a rule with what it is about.
 using Visitor = std::function<void(Reason, Check)>;
 
 // What a filter compared may be unknown, and a rule without scenes is switched off for good.

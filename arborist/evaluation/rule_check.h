@@ -14,7 +14,7 @@ Evidence::Check CheckOfRule(const Evidence::Rule& rule);
 /// The reason that gave a rule its word: its own where several have it.
 Evidence::Reason ReasonOfCheck(const Evidence::Rule& rule);
 
-/// What that reason is about: a path, a name, a database's words; empty where there is nothing to tell.
+/// What that reason is about: a path, a name, a database's message; may be empty.
 std::string DetailOfCheck(const Evidence::Rule& rule);
 
 /// What the answer of an alternative rests on. A rule behind the end of its group has no word. A group that ended with

@@ -59,7 +59,7 @@ private:
     RuleChecker* mChecker;
 };
 
-// What the rooms below tell of the event log makes a count less than an answer.
+// A count on a log with such problems is no reliable answer.
 void NoteTrouble(Evidence::Trouble::Kind kind, Evidence::Rule& record)
 {
     if (kind == Evidence::Trouble::Kind::EVENT_LOG_UNREADABLE) {
@@ -258,7 +258,7 @@ std::shared_ptr<OrRuleSingle> RuleEngine::DoSingleRuleCheck(const std::string& n
     const AlternativeFinder& finder, Evidence::Alternative* alternative)
 {
     const bool result = GetSingleRuleCheckResult(name, eventId, alternative);
-    // An alternative without a name stands for nothing; its rule is asked all the same.
+    // An alternative without a name finds no entry, but its rule is run nevertheless.
     const auto entry = name.empty() ? nullptr : RuleHelper::OrLogMissing(finder.Find(name));
     if (entry != nullptr) {
         entry->result = result;

@@ -53,7 +53,7 @@ public:
     /// What the events of the tree that ran last rest on; empty when nobody listened.
     const TreeChecks& GetTreeChecks() const { return mTreeChecks; }
 
-    /// Told of each event that is decided. Not owned; outlives the engine or is taken away with null.
+    /// Receives the evidence of each decided event. Not owned: must outlive the engine, or be removed by passing null.
     void SetObserver(DetectionObserver* observer) { mObserver = observer; }
 
 private:

@@ -23,7 +23,7 @@ enum class Check : unsigned char {
     NOT_SELECTED,
     /// Decided on existing data, or answered by the host.
     DECIDED,
-    /// Open: it has no rules, or there is nobody to check it.
+    /// Open: it has no rules, or nothing can check it.
     NOT_CHECKED,
     /// Open: the data is missing, unreadable or incomplete. Its text is "no_data".
     DATA_MISSING,
@@ -35,11 +35,11 @@ enum class Check : unsigned char {
 /// for NONE.
 ARBORIST_EXPORT const char* CheckText(Check check);
 
-/// What an answer with this reason rests on, as far as the reason alone tells; NONE for NONE and for a rule that was not
-/// asked because its group had ended.
+/// The check that this reason alone amounts to; NONE for NONE and for a rule that was not run because its group had
+/// ended.
 ARBORIST_EXPORT Check CheckOf(Reason reason);
 
-/// Whether the answer could be another one if all that it needs were there.
+/// True if the answer could differ with complete data and a working rule.
 constexpr bool IsOpen(Check check)
 {
     return check >= Check::NOT_CHECKED;

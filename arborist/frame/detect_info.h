@@ -70,7 +70,7 @@ private:
 
 /// Input of a detection. The host fills it and shares its ownership; the library only reads it.
 struct DetectInfo {
-    /// Number of the detection scene. A rule runs only if its "detectScene" text holds this number in decimal.
+    /// Number of the detection scene. A rule runs only if its "detectScene" text contains this number in decimal.
     std::int32_t mDetectScene = 0;
     /// Tree tag: the name of the element that is read in every section of both XML files.
     std::string mTreeTag;

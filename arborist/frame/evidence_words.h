@@ -18,9 +18,9 @@ enum class Reason {
     NONE,
     // Before a checker is asked.
     INTERACTION_EVENT, ///< the event is left to the host (detect mode "2")
-    NO_EVENT_RULE, ///< the event rules have no entry for the event: it is never asked, and no call tells of it
+    NO_EVENT_RULE, ///< the event rules have no entry for the event: it is never run, and no call reports it
     NO_RULE_NAMES, ///< the event's entry names no rule
-    NO_SUCH_RULE, ///< the name stands for no rule of the set
+    NO_SUCH_RULE, ///< no rule of the set has this name
     FILTERED_BLACK_PRODUCT, ///< the product is on the rule's black list
     FILTERED_PRODUCT, ///< the product is not among the rule's
     FILTERED_SCENE, ///< the scene is not among the rule's, or the rule names none
@@ -71,7 +71,7 @@ enum class Reason {
     CONDITION_NOT_MET, ///< no condition held
     BAD_FORMULA, ///< a formula lacks a value for an operator, or a parenthesis its other
     BAD_NUMBER, ///< a text that is no number was taken for 0
-    UNKNOWN_NAME, ///< a name or word that stands for nothing: in a formula, a condition or a type
+    UNKNOWN_NAME, ///< an unknown name or word in a formula, a condition or a type
 };
 
 /// What set the moment from which a rule looks at the log.
@@ -96,7 +96,7 @@ enum class NoCopy {
     FOLDER_EMPTY, ///< no file lies below the folder
     NO_MATCH, ///< there are files, and the pattern matches none of them
     SETTING_EMPTY, ///< files match, and the setting for the folder of the copies is empty
-    NOT_COPIED, ///< files match, and none could be copied, or the archives hold none that matches
+    NOT_COPIED, ///< files match, and none could be copied, or no file in the archives matches
 };
 
 enum class EventType { BASIC, INTERMEDIATE, UNDEVELOPED };

@@ -15,12 +15,12 @@ struct FaultTreeNode {
     std::string mUserDefined;
 };
 
-/// Result of one detection for one tree. Holds copies, so it outlives the engine.
+/// Result of one detection for one tree. Consists of copies, so it may outlive the engine.
 struct ARBORIST_EXPORT FaultTreeResult {
     /// One repair instruction.
     struct ARBORIST_EXPORT RepairInfo {
         std::string mId;
-        /// A JSON object from repair id to a text that holds JSON itself; empty when the rule set gives none.
+        /// A JSON object from repair id to a text that is JSON itself; empty if the rule set gives none.
         std::string mExtra;
 
         /// Returns the operation word of this repair from `mExtra`; empty if there is none, and also if `mExtra`

@@ -10,16 +10,16 @@
 
 namespace Evidence {
 
-/// A check that is no answer, and why.
+/// An open check, and the reason.
 struct OpenCheck {
     std::string eventId;
-    /// The rule that made it so: of several with this check the first. Empty where no rule was asked.
+    /// The first rule that caused it; empty if no rule was run.
     std::string ruleName;
     Check check = Check::NONE;
     Reason reason = Reason::NONE;
-    /// What the reason is about: a file, a name, a database's words. May be empty.
+    /// What the reason is about: a file, a name, a database's message. May be empty.
     std::string detail;
-    /// The event counts as true all the same.
+    /// True if the event counts as true nevertheless.
     bool restsOnDefault = false;
 
 #if defined(__cpp_impl_three_way_comparison)
@@ -27,7 +27,7 @@ struct OpenCheck {
 #endif
 };
 
-/// What a detection may say of one tree, and what it rests on.
+/// The result of a detection for one tree, and how reliable it is.
 ///
 /// `isFault` says whether a root cause was found; if none was found, that is no proof as long as checks are open. The
 /// verdict is exact over all answers of the open checks, taken as independent of each other. If two of them depend on

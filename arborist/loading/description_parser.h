@@ -12,7 +12,7 @@ class XMLDocument;
 class XMLElement;
 }
 
-/// Reads what to tell the user about an event: a section of "Event" elements that each list ids. The three kinds below
+/// Reads the texts for the user about an event: a section of "Event" elements that each list ids. The three kinds below
 /// differ in their words alone, and repairs carry one attribute more. Silent; an "Event" without an id is left out, one
 /// without a list is kept.
 class DescriptionParser {

@@ -44,7 +44,7 @@ void EventRuleParser::ParseOrRule(const XMLElement& element, OrRuleList& rules)
     } else if (rule->type == "multipleRule") {
         ParseMultipleRule(element, *rule);
     }
-    // An alternative without rule names is kept; it never holds.
+    // Keeps an alternative without rule names, which is never true.
     rules.push_back(std::move(rule));
 }
 

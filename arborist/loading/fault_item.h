@@ -11,7 +11,7 @@
 class FaultItem {
 public:
     const std::string& GetFaultItemId() const { return mFaultItemId; }
-    /// Ids in file order: of descriptions, suggestions or repairs, after the section that the element stood in.
+    /// Ids in file order: of descriptions, suggestions or repairs, depending on the section of the element.
     const std::vector<std::string>& GetResolutionSuggestions() const { return mResolutionSuggestions; }
     const std::vector<FaultTreeResult::RepairInfo>& GetRepairInfo() const { return mRepairInfo; }
 

@@ -140,7 +140,7 @@ void AddRepairsOfEvents(const XMLElement& trees, std::set<std::string>& repairs)
         if (text != nullptr) {
             Json::Value root;
             std::string error;
-            ParseJson(text, root, error); // what stands before a fault counts, as it does in a detection
+            ParseJson(text, root, error); // as in a detection, what precedes the error counts
             repairs.insert(MemberText(root, "Repairid"));
         }
     });

@@ -72,7 +72,7 @@ bool AllConditionsMet(const CommonPart& part, const ThresholdOrLumbraBean::Thres
         [&](const auto& condition) { return condition != nullptr && IsConditionMet(part, *condition, bean); });
 }
 
-// Sets the item's thresholds if all its conditions hold.
+// Sets the item's thresholds if all its conditions are met.
 void SetForThresholdItem(const CommonPart& part, const ThresholdOrLumbraBean::ThresholdItem& item,
     const ThresholdOrLumbraBean& bean)
 {

@@ -31,7 +31,7 @@ public:
         std::string value;
     };
 
-    /// Sets thresholds if every condition on the system parameters holds.
+    /// Sets thresholds if every condition on the system parameters is met.
     class ThresholdItem {
     public:
         using LogicList = std::vector<std::shared_ptr<Logic>>;

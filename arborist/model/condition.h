@@ -21,7 +21,7 @@ struct Param {
 
 using ParamMap = std::map<std::string, std::shared_ptr<Param>>;
 
-/// One alternative of a condition: a single test, or several that must all hold.
+/// One alternative of a condition: a single test, or several that must all be true.
 class OrLogic {
 public:
     /// One test of a "multiple_logic".
@@ -73,7 +73,7 @@ public:
     /// Kept for the tests, which build conditions by it.
     void InsertLogicItemList(const LogicItemList& items);
 
-    /// True if every non-null item holds, also without any item.
+    /// True if every non-null item is true, also without any item.
     bool CheckAndListResult() const;
 
 private:

@@ -106,7 +106,7 @@ void IntermediateEvent::Reset()
     }
 }
 
-// Always false, on purpose: an observable event answers for itself. The other reading stands ready behind it.
+// Always false, on purpose: an observable event doesn't follow its gate. With true it would, unless it is in error.
 bool IntermediateEvent::IsCareObservable() const
 {
     return false;

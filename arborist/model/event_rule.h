@@ -12,7 +12,7 @@ struct OrRuleSingle {
     std::string type;
     /// Of a "singleRule".
     std::string ruleName;
-    /// Run-time: true if the alternative held.
+    /// Run-time: true if the alternative was true.
     bool result = false;
     /// Of a "multipleRule".
     std::vector<std::string> ruleNameList;
@@ -34,7 +34,7 @@ public:
     bool IsRuleResult() const { return ruleResult; }
     void SetRuleResult(bool result) { ruleResult = result; }
 
-    /// True if any alternative holds or held at an earlier call: the result never goes back to false. Always false
+    /// True if any alternative is true, or was at an earlier call: the result never goes back to false. Always false
     /// without alternatives.
     bool CheckResult();
 

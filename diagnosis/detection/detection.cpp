@@ -147,7 +147,7 @@ private:
         }
     }
 
-    // Without results nothing is told of what they rest on.
+    // Without results there are no warnings about their reliability.
     void TakeWarnings(DetectionReport& report) const
     {
         WarningList all;

@@ -26,7 +26,7 @@ public:
     {
         AddUnless(others, [](const Warning&) { return false; });
     }
-    /// Adds those for which `isKnown(warning)` does not hold.
+    /// Adds those for which `isKnown(warning)` is false.
     template <typename IsKnown>
     void AddUnless(const WarningList& others, IsKnown isKnown)
     {

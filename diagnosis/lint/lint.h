@@ -23,7 +23,7 @@ struct LintOptions {
     std::set<std::string> only;
     /// Profiles of devices, without which checks of class DEVICE do not run.
     std::vector<DeviceProfile> devices;
-    /// What an event log holds, and a folder with the files of a device: without either, checks of class HOST do not run.
+    /// Events of an event log, and a folder with the files of a device: without both, checks of class HOST don't run.
     const EventCounts* counts = nullptr;
     std::string deviceRoot;
     FindingDetails details = {};

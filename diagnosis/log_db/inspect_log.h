@@ -41,7 +41,7 @@ struct UnseenRows {
     std::vector<std::string> keys;
 };
 
-/// What an event log holds.
+/// The content of an event log in numbers.
 struct LogInspection {
     std::uint64_t rows = 0;
     LoggedSpan span;

@@ -68,7 +68,7 @@ struct RuleSet {
     Descriptions repairs;
     CommonPart commonPart;
 
-    /// What means nothing where it stands, below the tag's elements of both files.
+    /// What the engine doesn't read below the tag's elements, in both files.
     Unread unread;
 
     /// An event of each id, the first in file order, as an index into trees.events.

@@ -7,14 +7,14 @@
 
 namespace diagnosis::rule_source {
 
-/// A child whose name means nothing where it stands.
+/// A child with a name that the engine doesn't know in its parent.
 struct UnknownChild {
     Element element;
     /// The words of its parent.
     const ElementWords* words = nullptr;
 };
 
-/// An attribute whose name means nothing where it stands.
+/// An attribute with a name that the engine doesn't know in its element.
 struct UnknownAttribute {
     Element element;
     Attribute attribute;

@@ -63,7 +63,7 @@ public:
         std::uint32_t begin;
         std::uint32_t end; ///< one behind the last
         bool isAscending; ///< times never fall from row to row
-        bool needsQuery; ///< only the id's own query tells its rows
+        bool needsQuery; ///< only the id's own query finds its rows
     };
 
     /// Rows of an entry.

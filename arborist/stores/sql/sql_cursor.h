@@ -11,7 +11,7 @@ struct sqlite3_stmt;
 
 namespace FT::sql {
 
-/// Steps through the rows of one select without holding them, for tables too large for SqlOperator.
+/// Steps through the rows of one select without keeping them, for tables too large for SqlOperator.
 ///
 /// Reports a failure by its return values and GetError and logs nothing. Destroy the cursor before its database is
 /// closed. It locks the file for reading from the first Step until the rows end, a step fails or Reset is called.

@@ -30,7 +30,7 @@ private:
 };
 
 /// Calls `visit` for every row of "select `columns` `from`", in the order of that select. True if all rows were read;
-/// otherwise `error` holds SQLite's message. Logs nothing. `visit` must not use the database.
+/// otherwise `error` is SQLite's message. Logs nothing. `visit` must not use the database.
 ///
 /// Runs inside SQLite's own loop, which is twice as fast as stepping through all rows.
 bool ScanRows(const Sqlite3Db& database, const std::string& columns, const std::string& from,

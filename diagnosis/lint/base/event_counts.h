@@ -6,7 +6,7 @@
 
 namespace diagnosis::lint {
 
-/// How many rows of each event an event log holds.
+/// The number of rows of each event in an event log.
 class EventCounts {
 public:
     void Add(std::int64_t event, std::uint64_t rows)

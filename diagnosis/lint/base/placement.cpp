@@ -17,14 +17,14 @@ using rule_source::Element;
 using rule_source::SourceFile;
 using rule_source::SourcePlace;
 
-// Longer ones would be written again for everything below.
+// A longer name would be repeated in the path of everything below it.
 constexpr std::size_t LONGEST_KEY = 80;
-// A file may be one line with findings all over.
+// A file may be a single line with findings anywhere in it.
 constexpr std::size_t LONGEST_SOURCE = 4096;
 
 std::string_view IdTextOf(Element element)
 {
-    // Where there is an "ID", it stands in front: wide elements are not searched for each of their children.
+    // An "ID" is the first child, so that the children of a wide element need not be searched.
     static constexpr int MOST_CHILDREN = 16;
     int looked = 0;
     for (const Element child : rule_source::Children(element)) {
@@ -99,7 +99,7 @@ int Characters(std::string_view text)
         text.begin(), text.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
 }
 
-// Only where the place lies on the finding's line, as nearly all do.
+// Only if the place is on the finding's line, as nearly all are.
 void SetColumn(const Reported& reported, Finding& finding)
 {
     const auto place = reported.element ? PlaceOf(reported) : std::nullopt;
@@ -170,7 +170,7 @@ std::string Hexadecimal(std::uint64_t number)
     return digits;
 }
 
-// They stand in order of line: only those of one line are left to be put in order.
+// They are sorted by line already; this sorts those of one line.
 void SortLines(std::vector<Finding>& findings)
 {
     const auto isOfLine = [](const Finding& one, const Finding& other) {
@@ -186,7 +186,7 @@ void SortLines(std::vector<Finding>& findings)
     }
 }
 
-// Equal findings are told apart by their number.
+// A number distinguishes equal findings.
 void SetFingerprints(std::vector<Finding>& findings)
 {
     std::unordered_map<std::uint64_t, int> seen;
@@ -245,7 +245,7 @@ Finding Placed(Reported& reported, PathMaker& paths)
     return finding;
 }
 
-// By file and line; equal for what is about a file and so is found again for each of its tags.
+// Sorts by file and line. Findings about a whole file are equal: each of its tags finds them again.
 std::strong_ordering Compare(const Reported& one, const Reported& other)
 {
     if (one.file != other.file) {
@@ -259,7 +259,7 @@ std::strong_ordering Compare(const Reported& one, const Reported& other)
     return one.line != other.line ? one.line <=> other.line : rest(one) <=> rest(other);
 }
 
-// Each once, in order of line.
+// Drops repeated ones and sorts by line.
 std::vector<Reported*> Distinct(std::deque<Reported>& reported)
 {
     std::vector<Reported*> distinct;

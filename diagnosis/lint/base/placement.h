@@ -10,8 +10,8 @@
 
 namespace diagnosis::lint {
 
-/// Where an element is by the names on the way to it, the root left out: "EventRules/Laptop/Event[WORN]". In brackets
-/// stands what tells it from its neighbours: its "name", "id" or "ID".
+/// The path of an element by names, without the root: "EventRules/Laptop/Event[WORN]". The brackets have its "name",
+/// "id" or "ID", which distinguishes it from its neighbours.
 std::string ElementPath(rule_source::Element element);
 
 /// What is found out about each finding in addition; it takes time, and only some callers need it.
@@ -22,7 +22,7 @@ struct FindingDetails {
     bool withOwners = false;
 };
 
-/// Looks up where each reported thing stands in its file, and puts them in order; things reported twice stay once.
+/// Looks up the place of each report in its file. Returns the findings in order, each once.
 std::vector<Finding> PlaceFindings(std::deque<Reported> reported, const FindingDetails& details);
 
 } // namespace diagnosis::lint

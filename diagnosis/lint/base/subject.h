@@ -8,28 +8,28 @@
 
 namespace diagnosis::lint {
 
-/// What is known of a kind of device, for checks of class DEVICE. An empty text is an attribute that is not known.
+/// The known attributes of a kind of device, for checks of class DEVICE. An unknown attribute is empty.
 struct DeviceProfile {
     std::string product;
     std::string platform;
     std::string deviceType;
-    /// Scenes that are asked of it; empty when any may be.
+    /// The scenes in which it is diagnosed; empty for any.
     std::vector<int> scenes;
 };
 
 class EventCounts;
 
-/// What SQLite says of the queries of command rules, for checks of class SQL.
+/// What SQLite reports about the queries of command rules, for checks of class SQL.
 class PreparedQueries;
 
-/// What a check looks at: a rule set as the engine reads it for one tag, and what else was given.
+/// The input of a check: a rule set as the engine reads it for one tag, and further data.
 struct Subject {
     const rule_source::RuleSet& rules;
     PreparedQueries& queries;
-    /// Null where none were given.
+    /// Null if there are none.
     const std::vector<DeviceProfile>* devices = nullptr;
     const EventCounts* counts = nullptr;
-    /// Folder that stands for the root of a device; empty where none was given.
+    /// The folder with the files of a device, as its root; empty if there is none.
     std::string deviceRoot = {};
 };
 

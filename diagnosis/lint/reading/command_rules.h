@@ -6,13 +6,14 @@
 
 namespace diagnosis::lint {
 
-/// Whether the engine puts a time limit behind its query: it reads derived tables, and no copies of databases.
+/// Whether the engine adds a time limit to its query: it does for queries on derived tables, not for those on copies of
+/// databases.
 inline bool IsLimited(const rule_source::CommandRule& rule)
 {
     return !rule.referenceDefDb;
 }
 
-/// Whether its query scales what it reads to thirty days.
+/// Whether the values of its query are scaled to thirty days.
 inline bool IsNormalizing(const rule_source::CommandRule& rule)
 {
     return rule.sqlConditionType == "normalization";

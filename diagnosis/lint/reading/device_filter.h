@@ -5,8 +5,8 @@
 
 namespace diagnosis::lint {
 
-/// The attribute whose filter rejects a device, the first in the engine's order; null if the device may pass all of
-/// them. What a profile doesn't tell passes.
+/// The first attribute, in the engine's order, whose filter rejects a device; null if the device may pass all of them.
+/// An attribute that is missing in the profile passes.
 const char* RejectedBy(const rule_source::Rule& rule, const DeviceProfile& device);
 
 } // namespace diagnosis::lint

@@ -7,7 +7,7 @@
 namespace diagnosis::lint {
 
 /// The entries of a filter of a rule ("LAP-A,LAP-B"), separated by commas, semicolons, bars and white space. The engine
-/// knows no entries: it searches the filter for the device's text.
+/// doesn't separate them: it searches the whole filter for the device's text.
 std::vector<std::string_view> EntriesOf(std::string_view filter);
 
 /// True if some scene passes both filters: a number whose digits are in both texts.

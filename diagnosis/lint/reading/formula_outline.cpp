@@ -23,7 +23,7 @@ bool IsOfSum(char sign)
     return sign == '+' || sign == '-';
 }
 
-// Joins operands by the two stacks of the engine, and counts the parentheses that each piece gets.
+// Joins operands with two stacks, like the engine, and counts the parentheses that each piece gets.
 class Joining {
 public:
     explicit Joining(const Pieces& pieces) : mPieces(pieces), mOpened(pieces.size()), mClosed(pieces.size()) {}
@@ -40,7 +40,7 @@ public:
     }
 
 private:
-    // What stands from one piece to another.
+    // A value: the pieces from `first` to `last`.
     struct Value {
         std::size_t first;
         std::size_t last;
@@ -70,7 +70,7 @@ private:
 
     char SignOf(std::size_t place) const { return mPieces[place].sign; }
 
-    // Operators of one level wait for those to their right.
+    // An operator is applied after those of its level to its right.
     static bool GoesBefore(char waiting, char sign)
     {
         return (waiting == '*' || waiting == '/') && (sign == '+' || sign == '-');
@@ -115,7 +115,7 @@ private:
     std::vector<std::size_t> mOpened;
     std::vector<std::size_t> mClosed;
     std::vector<Value> mValues;
-    std::vector<std::size_t> mOperators; // and parentheses that are open, as places of their pieces
+    std::vector<std::size_t> mOperators; // and open parentheses, as indexes of their pieces
 };
 
 } // namespace
@@ -168,8 +168,8 @@ std::string WithParentheses(const Pieces& pieces)
 
 bool IsOrderVital(const Pieces& pieces)
 {
-    // The operator before, in each pair of parentheses that is open. One of the higher level is behind when one of the
-    // lower comes, and starts afresh.
+    // The previous operator of each level in each open pair of parentheses. An operator of the lower level ends a run
+    // of the higher one.
     struct Level {
         char sum = '\0';
         char product = '\0';

@@ -11,22 +11,22 @@ namespace diagnosis::lint {
 struct FormulaPiece {
     /// One of "()+-*/"; NUL for an operand.
     char sign = '\0';
-    /// An operand without the blanks around it. The engine leaves out those within, too.
+    /// An operand without the blanks around it. The engine also drops those inside it.
     std::string_view operand = {};
 
     bool IsOperand() const { return sign == '\0'; }
     bool IsOperator() const { return sign == '+' || sign == '-' || sign == '*' || sign == '/'; }
 };
 
-/// Divides a formula as the engine does: every sign stands for itself, and blanks divide nothing.
+/// Divides a formula like the engine: each sign is a piece, and blanks don't separate operands.
 std::vector<FormulaPiece> ReadFormula(std::string_view formula);
 
-/// What is wrong with the form of a formula: "no operator stands before ...". Empty where each operator has two operands
-/// and each parenthesis its other one.
+/// The problem with the form of a formula, "no operator stands before ..."; empty if each operator has two operands
+/// and all parentheses are paired.
 std::string FaultOf(const std::vector<FormulaPiece>& pieces);
 
-/// A well-formed formula with the parentheses that the engine adds in thought: "*" and "/" go before "+" and "-", and
-/// within one level the right operator goes first.
+/// A well-formed formula with parentheses around each operation in the engine's order: "*" and "/" before "+" and
+/// "-", and within one level the right operator first.
 std::string WithParentheses(const std::vector<FormulaPiece>& pieces);
 
 /// Whether in a well-formed formula a "-" or a "/" is followed by another operator of its level, so that it matters

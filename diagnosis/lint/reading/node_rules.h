@@ -10,16 +10,16 @@
 
 namespace diagnosis::lint {
 
-/// Whether the engine works out its formula.
+/// Whether the engine calculates its formula.
 inline bool HasFormula(const rule_source::NodeRule& rule)
 {
     return !rule.expressionType.empty() && !rule.ret.empty() && !rule.express.empty();
 }
 
-/// The keys of its parameters, to find the one that a name was meant to be. The rule must outlive it.
+/// The keys of its parameters, for finding the one that a name was meant to be. The rule must outlive the result.
 NearNames KeysOf(const rule_source::NodeRule& rule);
 std::unordered_set<std::string_view> ParamKeys(const rule_source::NodeRule& rule);
-/// The keys that take the values of its node files.
+/// The keys that receive the values of its node files.
 std::unordered_set<std::string_view> NodeKeys(const rule_source::NodeRule& rule);
 
 } // namespace diagnosis::lint

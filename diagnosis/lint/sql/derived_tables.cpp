@@ -9,7 +9,7 @@ namespace {
 using rule_source::Param;
 using rule_source::ThresholdBean;
 
-// Its work is limited: a name can hold a query that counts for ever.
+// Limits its work: a name of the rule file can contain a query that never ends.
 std::unique_ptr<Connection> OpenInMemory()
 {
     auto database = std::make_unique<Connection>();
@@ -29,7 +29,7 @@ std::string ColumnOf(const Param& param)
     return param.key.empty() ? "" : ", " + std::string(param.key) + " " + std::string(param.type) + suffix;
 }
 
-// As the library makes it.
+// The same statement as the engine's.
 std::string StatementOf(const ThresholdBean& bean)
 {
     std::string sql = "CREATE TABLE " + std::string(bean.name) + " (_ID integer primary key autoincrement";
@@ -39,7 +39,7 @@ std::string StatementOf(const ThresholdBean& bean)
     return sql + ", occurrence_time int NOT NULL DEFAULT 0);";
 }
 
-// The names that a word such as "t.a" can lead to, and what stands in the quotes of a name.
+// The name behind the point of a word such as "main.t", or the text in the quotes of a name; otherwise empty.
 std::string_view NameIn(const SqlToken& token)
 {
     if (token.kind == SqlToken::Kind::WORD) {

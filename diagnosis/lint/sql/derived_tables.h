@@ -14,21 +14,21 @@
 
 namespace diagnosis::lint {
 
-/// A name in lower case, as SQLite compares names.
+/// The name in lower case: SQLite ignores case in names.
 std::string LowerName(std::string_view name);
 
-/// The derived tables of a common part, empty and in memory: queries are prepared on them, and never run.
+/// The derived tables of a common part, empty and in memory, for preparing queries that are never run.
 ///
-/// SQLite looks at all tables for each new one, so that only those are made that a query names.
+/// Creates only the tables that a query names, as SQLite checks all existing tables for each new one.
 class DerivedTables {
 public:
     explicit DerivedTables(const rule_source::CommonPart& common);
 
-    /// A database with the tables that these pieces of a query name, and maybe others. Null where one of them can't be
-    /// made, or where there are more than a query can join. Valid until the next call.
+    /// A database with the tables that these pieces of a query name, and possibly others. Null if one of them can't be
+    /// created, or if there are more than a query can join. Valid until the next call.
     Connection* For(std::span<const SqlToken> tokens);
 
-    /// What SQLite says against the table of an entry; empty where it can be made.
+    /// SQLite's message if the table of an entry can't be created; otherwise empty.
     static std::string ErrorOf(const rule_source::ThresholdBean& bean);
 
 private:
@@ -36,7 +36,7 @@ private:
 
     bool Make(const std::string& name, const rule_source::ThresholdBean& bean);
 
-    /// By name in lower case: of several the last one, which drops the tables of the others.
+    /// By name in lower case. Of several with one name the last, as building it drops the table of the others.
     std::unordered_map<std::string, const rule_source::ThresholdBean*> mBeans;
     std::unique_ptr<Connection> mDatabase;
     std::set<std::string> mMade;

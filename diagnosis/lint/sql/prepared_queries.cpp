@@ -9,7 +9,7 @@ namespace {
 using rule_source::CommandRule;
 using State = PreparedQuery::State;
 
-// SQLite runs some statements as far as to prepare them, "pragma" among them, so that nothing but a query is tried.
+// Tries only queries: preparing some statements, such as "pragma", already runs them.
 bool IsQuery(const SqlPieces& pieces)
 {
     for (const char* word : {"select", "with", "values"}) {
@@ -26,7 +26,7 @@ std::string WithLimit(std::string_view sql)
     return std::string(sql) + (hasWhere ? " and" : " where") + " occurrence_time >0";
 }
 
-// The tables of a database that is copied are not known, but a query may be wrong whatever they are.
+// The tables of copied databases are unknown, but some queries are wrong whatever the tables are.
 bool IsWrongOnAnyTables(const std::string& error)
 {
     for (const char* text : {"syntax error", "incomplete input", "unrecognized token"}) {

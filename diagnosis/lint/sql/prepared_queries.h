@@ -8,26 +8,26 @@
 
 namespace diagnosis::lint {
 
-/// What SQLite says of the query of a command rule on the empty derived tables.
+/// The result of preparing the query of a command rule on the empty derived tables.
 struct PreparedQuery {
     enum class State {
-        UNKNOWN, ///< it was not prepared: it reads tables that can't be made, or copies of unknown databases
-        FAILED, ///< it does not prepare, as `error` says
-        CHANGES, ///< it is no query, or changes the database
+        UNKNOWN, ///< not prepared: it reads tables that can't be created, or copies of unknown databases
+        FAILED, ///< can't be prepared; `error` says why
+        CHANGES, ///< no query, or one that changes the database
         PREPARED,
     };
 
     const rule_source::CommandRule* rule = nullptr;
     State state = State::UNKNOWN;
-    /// In the words of SQLite.
+    /// SQLite's message.
     std::string error = {};
-    /// What it says of the query with a time limit behind it; empty where that prepares and where it gets none.
+    /// SQLite's message for the query with the time limit added; empty if that can be prepared, or if it gets no limit.
     std::string limitedError = {};
     /// The names of its columns.
     std::vector<std::string> columns = {};
 };
 
-/// Prepares the queries of all command rules when they are first asked for.
+/// Prepares the queries of all command rules at the first call.
 class PreparedQueries {
 public:
     explicit PreparedQueries(const rule_source::RuleSet& rules) : mRules(rules) {}

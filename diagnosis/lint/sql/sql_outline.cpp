@@ -15,7 +15,7 @@ char Lower(char letter)
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
-// SQLite takes every byte beyond ASCII for a letter of a name.
+// For SQLite every byte beyond ASCII is a letter of a name.
 bool IsOfWord(char letter)
 {
     const char lower = Lower(letter);
@@ -77,7 +77,7 @@ private:
         }
     }
 
-    // A doubled quote stands for itself; it is enough to take it for the start of the next text.
+    // A doubled quote is an escaped one. Treating it as the start of another literal gives the same pieces around it.
     std::size_t QuotedLength(char closing) const
     {
         const std::size_t place = mRest.find(closing, 1);
@@ -109,7 +109,7 @@ private:
     }
 
     std::string_view mRest;
-    std::vector<std::size_t> mOpen; // the parentheses and "case" that are open, as places of their tokens
+    std::vector<std::size_t> mOpen; // open parentheses and "case", as indexes of their tokens
     SqlPieces mPieces;
 };
 
@@ -205,15 +205,15 @@ bool IsAggregate(Tokens tokens, std::size_t place)
     const SqlToken& parenthesis = tokens[place + 1];
     const std::size_t behind = place + parenthesis.within + 3;
     if (behind < tokens.size() && IsKeyword(tokens[behind], "over")) {
-        return false; // a window gives a row for each row
+        return false; // a window function returns a row for each row
     }
     if (IsOneOf(tokens[place], {"min", "max"})) {
-        return !parenthesis.hasComma; // of several values they take one
+        return !parenthesis.hasComma; // with several arguments they are no aggregates
     }
     return IsOneOf(tokens[place], {"count", "sum", "avg", "total", "group_concat", "string_agg"});
 }
 
-// An aggregate of a query in parentheses is not one of the query around it.
+// Skips queries in parentheses: their aggregates are not those of the query around them.
 bool HasAggregate(Tokens columns)
 {
     for (std::size_t place = 0; place < columns.size(); ++place) {
@@ -227,7 +227,7 @@ bool HasAggregate(Tokens columns)
     return false;
 }
 
-// The query in parentheses that a "from" clause consists of, but for its name; empty where there is another.
+// The query in parentheses that is the only source of a "from" clause; empty if there is another source.
 Tokens OnlyQuery(Tokens from)
 {
     if (from.empty() || !IsSign(from.front(), '(')) {

@@ -8,7 +8,7 @@
 
 namespace diagnosis::lint {
 
-/// A piece of an SQL text. Blanks and comments are none.
+/// A piece of an SQL text. Blanks and comments are no pieces.
 struct SqlToken {
     enum class Kind {
         WORD, ///< a keyword, a plain name or a number
@@ -18,55 +18,55 @@ struct SqlToken {
     };
 
     Kind kind = Kind::SIGN;
-    /// As the text has it, quotes included.
+    /// As in the text, with quotes.
     std::string_view text;
-    /// How many parentheses and "case" are open around it. A parenthesis belongs to what stands around it.
+    /// The number of parentheses and "case" around it. A parenthesis itself has the depth outside of it.
     std::size_t depth = 0;
-    /// Of a parenthesis that opens: how many pieces stand within, and whether commas divide them.
+    /// For an opening parenthesis: the number of pieces inside, and whether commas separate them.
     std::size_t within = 0;
     bool hasComma = false;
 };
 
-/// Whether a piece is this keyword, whatever its case. `word` is in lower case.
+/// Whether a piece is this keyword, ignoring case. `word` is in lower case.
 bool IsKeyword(const SqlToken& token, std::string_view word);
 /// Whether a piece is this sign.
 bool IsSign(const SqlToken& token, char sign);
 
-/// An SQL text as SQLite divides it. Holds views of the text.
+/// An SQL text divided like SQLite divides it. Refers to the text, which must outlive it.
 struct SqlPieces {
     std::vector<SqlToken> tokens;
-    /// Whether the text ends within a comment, so that what is put behind it belongs to the comment.
+    /// True if the text ends within a comment, so that anything appended to it becomes part of the comment.
     bool endsInComment = false;
 };
 
 SqlPieces ReadSql(std::string_view sql);
 
-/// What stands at the top level of the last "select" of a statement. A query in parentheses is not looked into.
+/// The top level of the last "select" of a statement, without the inside of queries in parentheses.
 struct SqlOutline {
     /// Whether several queries are joined by "union", "intersect" or "except".
     bool isCompound = false;
     /// The pieces between the "select" and its "from", and those of the "from" clause.
     std::span<const SqlToken> columns;
     std::span<const SqlToken> from;
-    /// The "where"; null where there is none.
+    /// The word "where"; null if there is none.
     const SqlToken* where = nullptr;
-    /// Whether an "or" stands in the condition of the "where".
+    /// Whether the condition of the "where" has an "or".
     bool hasOr = false;
     /// Whether the "from" clause has a join with "on".
     bool hasOn = false;
-    /// The first word of the clause that the query ends in and no condition can follow: "group", "having", "order" or
-    /// "limit"; null where there is none.
+    /// The first word of the first clause after which no condition can be added: "group", "having", "order" or "limit";
+    /// null if there is none.
     const SqlToken* tail = nullptr;
     /// Whether it has "group by", and whether it has "limit 1".
     bool isGrouped = false;
     bool hasLimitOne = false;
 };
 
-/// Outlines the last statement of some pieces. All of them stand in the same parentheses as the first.
+/// Outlines the last statement of some pieces, which begin and end at the same depth.
 SqlOutline OutlineOf(std::span<const SqlToken> tokens);
 
-/// Whether a query can give no more than one row for its form: it has an aggregate, "limit 1" or no "from", or reads
-/// all its rows from one query in parentheses that can't, either.
+/// True if the form of a query limits it to one row: it has an aggregate, "limit 1" or no "from", or its only source is
+/// a query in parentheses of such a form.
 bool HasAtMostOneRow(std::span<const SqlToken> tokens);
 
 } // namespace diagnosis::lint

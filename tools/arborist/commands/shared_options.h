@@ -56,7 +56,7 @@ void AddColour(Command app);
 /// The place is worked out before any bundle becomes the working directory.
 BundlePath MakeBundlePath(const std::string& given);
 
-/// Opens the library's log; false after telling why not, which is wrong use.
+/// Opens the library's log. False, with a message, if it can't be opened, which is wrong use of the command.
 bool IsLogOpen(const LogOptions& options);
 
 } // namespace diagnosis::command

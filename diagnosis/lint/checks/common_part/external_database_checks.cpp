@@ -77,8 +77,8 @@ void CheckArchives(const Subject& subject, Report& report)
     }
 }
 
-// Whether what an alternative of a pattern begins with may be the start of an absolute path. Only what is plainly
-// another letter is ruled out.
+// Whether an alternative of a pattern may match an absolute path, by how it begins. Excludes only what clearly begins
+// with another letter.
 bool CanBeginAPath(std::string_view pattern)
 {
     while (pattern.starts_with('^') || pattern.starts_with('(')) {
@@ -91,7 +91,7 @@ bool CanBeginAPath(std::string_view pattern)
     const char first = isEscaped ? pattern[1] : pattern.front();
     const bool isLetter = (first >= 'a' && first <= 'z') || (first >= 'A' && first <= 'Z') || first == '_';
     const std::string_view behind = pattern.substr(isEscaped ? 2 : 1);
-    // Behind the letter of a drive stands a colon.
+    // A colon follows the letter of a drive.
     const bool isOptional = !behind.empty() && std::string_view("?*{:").find(behind.front()) != NOWHERE;
     return isEscaped ? isLetter || first == '/' : !isLetter || isOptional;
 }
@@ -126,7 +126,7 @@ std::string_view CapitalIn(std::string_view pattern)
             if (std::string_view("BDSW").find(pattern[place + 1]) != NOWHERE) {
                 return pattern.substr(place, 2);
             }
-            ++place; // what is escaped is no escape
+            ++place; // skips the escaped character, which may be a backslash
         }
     }
     static constexpr std::string_view UPPER = "[:upper:]";
@@ -176,7 +176,7 @@ bool IsOneOf(const SqlToken& token, std::initializer_list<std::string_view> word
     return std::any_of(words.begin(), words.end(), [&token](auto word) { return IsKeyword(token, word); });
 }
 
-// The word of what a "create" at `place` makes, when it would make it again; null otherwise.
+// The word behind the "create" at `place`, "table" or the like, if the statement fails when run again; otherwise null.
 const SqlToken* MadeAgain(const std::vector<SqlToken>& tokens, std::size_t place)
 {
     const bool isStart = place == 0 || IsSign(tokens[place - 1], ';');

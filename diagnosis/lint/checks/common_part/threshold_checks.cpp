@@ -77,7 +77,7 @@ void CheckConditions(const Subject& subject, Report& report)
     });
 }
 
-// Names that dangle are looked for among those of the table of their bean.
+// Searches the near name of an unknown one in the table of its bean.
 void ReportUnknown(const ParamTable& table, Element element, Details details, std::string message,
     std::string_view id, Report& report)
 {
@@ -112,7 +112,8 @@ void CheckIds(const Subject& subject, Report& report)
 
 using Values = std::vector<std::string_view>;
 
-/// The values that an item's condition asks of each parameter. A word that is not looked at asks for none.
+/// The values that an item's condition requires of each parameter. A comparison word that the engine ignores requires
+/// none.
 std::map<std::string_view, Values> AskedOf(const ThresholdItem& item)
 {
     std::map<std::string_view, Values> asked;
@@ -128,7 +129,7 @@ std::map<std::string_view, Values> AskedOf(const ThresholdItem& item)
     return asked;
 }
 
-// Each combination of values for which a condition holds, as one text; of a condition with very many only some.
+// Each combination of values that meets a condition, as one text; for a condition with very many only some of them.
 std::vector<std::string> CasesOf(const std::map<std::string_view, Values>& asked)
 {
     static constexpr std::size_t MOST_CASES = 256;
@@ -148,7 +149,8 @@ std::vector<std::string> CasesOf(const std::map<std::string_view, Values>& asked
     return cases;
 }
 
-// By case and threshold: the item that sets it last. Thresholds of all items that hold are set, in order of the file.
+// By case and threshold, the item that sets it last: the engine sets the thresholds of all items that apply, in file
+    // order.
 class LaterItems {
 public:
     explicit LaterItems(const ThresholdBean& bean) : mBean(bean) {}

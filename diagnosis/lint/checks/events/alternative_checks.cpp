@@ -129,7 +129,7 @@ void CheckRedundant(const Subject& subject, Report& report)
     }
 }
 
-// ---- Groups that never hold. ----
+// ---- Groups that are never true. ----
 
 // The filters of two rules that no device and scene passes together; empty if some may.
 std::string Conflict(const Rule& one, const Rule& other)

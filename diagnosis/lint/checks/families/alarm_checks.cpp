@@ -84,7 +84,7 @@ void CheckSameWindows(const AlarmRule& rule, const AlarmItem& item, Report& repo
     }
 }
 
-// True if the count of the window is compared with its sign.
+// True if the count of the window is compared as a signed number.
 bool IsSigned(const AlarmItem& item, WindowKind kind)
 {
     return kind == WindowKind::DAILY_PEAK ? !item.HasTests() || HasAsked(item, Kind::SINGLE)

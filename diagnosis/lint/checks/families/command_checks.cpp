@@ -90,7 +90,7 @@ bool IsDynamic(const Test& test)
     return test.logicType == "dynamic";
 }
 
-// Where a test's limit stands in the common part; null where it stands in the test.
+// The section of the common part that has the limit of a test; null if the test has it.
 const ParamTable* TableOfLimit(const ThresholdBean& bean, const Test& test)
 {
     return IsDynamic(test) ? &bean.thresholds : test.logicType == "systemParam" ? &bean.systemParams : nullptr;
@@ -115,7 +115,7 @@ void CheckLimit(const Subject& subject, Report& report)
         const ThresholdBean* const bean = subject.rules.commonPart.FindBean(rule.commonPartName);
         ForEachAlternative(rule, [&](const ConditionAlternative& alternative, const Test& test) {
             if (alternative.kind != Kind::SINGLE || test.logicType == "static") {
-                return; // the tests of a "multiple_logic" have their values with them
+                return; // the tests of a "multiple_logic" have their own values
             }
             if (IsDynamic(test) || test.logicType == "systemParam") {
                 CheckLimitInCommonPart(rule, bean, test, report);
@@ -146,7 +146,7 @@ void CheckTestsOfOneColumn(const Subject& subject, Report& report)
     });
 }
 
-// An alternative with one test ends the rule when its parameter has no value, and only then can others behind it hold.
+// An alternative with one test ends the rule if its parameter has no value: those behind it run only if it has one.
 void CheckEarlierTests(const Subject& subject, Report& report)
 {
     ForEachKept(subject.rules.rules.commandRules, [&report](const CommandRule& rule) {

@@ -25,7 +25,7 @@ void AddAboutFormula(const NodeRule& rule, const std::string& what, std::string 
         {.attribute = rule.expression.Find("express"), .help = std::move(help)});
 }
 
-/// Calls `visit(rule, pieces)` for each formula that is worked out.
+/// Calls `visit(rule, pieces)` for each formula that the engine calculates.
 template <typename Visit>
 void ForEachFormula(const Subject& subject, Visit visit)
 {
@@ -67,7 +67,7 @@ bool IsLetter(char letter)
     return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z');
 }
 
-// The kernel gives temperatures, "temp1_input", and currents of batteries, "current_now", with a sign.
+// The kernel reports temperatures ("temp1_input") and the currents of batteries ("current_now") with a sign.
 bool IsOfSignedKind(std::string_view path)
 {
     static constexpr std::string_view TEMPERATURE = "temp";
@@ -116,7 +116,7 @@ bool IsDigit(char letter)
     return letter >= '0' && letter <= '9';
 }
 
-// "1e" before "-" and "5" is the start of a number that the sign cuts.
+// "1e" before "-" and "5" is the start of a number that the sign divides.
 bool IsCutNumber(const Pieces& pieces, std::size_t place)
 {
     const std::string_view text = pieces[place].operand;

@@ -45,7 +45,7 @@ Places PlacesOf(const std::vector<std::string>& columns)
     return places;
 }
 
-// The first parameter whose value another column of its name should give.
+// The first parameter that gets the value of another column although the query has a column with its name.
 const Param* FirstMisplaced(const PreparedQuery& query)
 {
     const auto& params = query.rule->params.Params();

@@ -40,7 +40,7 @@ void ForEachLimitedOutline(const Subject& subject, Visit visit)
     });
 }
 
-// The engine looks for the five letters in lower case and nothing else.
+// The engine searches for these five lower-case letters only.
 bool HasWhereLetters(const CommandRule& rule)
 {
     return rule.sql.find("where") != std::string_view::npos;
@@ -115,7 +115,7 @@ void CheckCapitals(const Subject& subject, Report& report)
 void CheckLetters(const Subject& subject, Report& report)
 {
     ForEachLimitedOutline(subject, [&report](const CommandRule& rule, const SqlOutline& outline) {
-        // Behind a join's "on" a condition goes on.
+        // After the "on" of a join an added condition continues that of the join.
         const bool canGoOn = outline.where != nullptr || (outline.hasOn && !outline.from.empty());
         if (!canGoOn && outline.tail == nullptr && HasWhereLetters(rule)) {
             AddAboutSql(rule, "has the letters \"where\", but no condition at its end",

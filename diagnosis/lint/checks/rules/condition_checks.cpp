@@ -42,7 +42,7 @@ void CheckFirstWord(const Subject& subject, Report& report)
     });
 }
 
-// ---- Alternatives that are not there. ----
+// ---- Alternatives that the engine drops. ----
 
 std::string WhyDropped(Element alternative)
 {
@@ -82,7 +82,7 @@ void CheckAlternatives(const Subject& subject, Report& report)
     });
 }
 
-// The other check reports an alternative of which no test is left.
+// The other check reports an alternative that has no test left.
 void CheckDroppedTests(const Subject& subject, Report& report)
 {
     ForEachAskedCondition(subject.rules, [&report](const RuleCondition& condition) {

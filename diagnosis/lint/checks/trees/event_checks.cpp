@@ -94,7 +94,7 @@ void CheckSpacesAroundIds(const Subject& subject, Report& report)
     }
 }
 
-// ---- What events say of themselves. ----
+// ---- User-defined texts. ----
 
 // The name of a rule of the event that is no code rule; empty if there is none.
 std::string_view RuleOfAnotherFamily(const TreeEvent& event)

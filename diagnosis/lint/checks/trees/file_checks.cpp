@@ -62,7 +62,7 @@ NearNames NamesOfChildren(Element parent)
     return names;
 }
 
-// True for sections that a tag need not have.
+// True for sections that are optional for a tag.
 bool IsOptional(SectionKind kind)
 {
     return kind != SectionKind::EVENT_RULES && kind != SectionKind::RULE_LIST;
@@ -131,7 +131,7 @@ void CheckTagsWithoutTrees(const RuleSet& rules, Report& report)
     }
     for (const SectionKind kind : SECTION_KINDS) {
         for (const Element tag : Children(rules.SectionOf(kind).element)) {
-            // A tag that is similar to one of the trees is reported where that one is missing.
+            // Another check reports a tag that is similar to a missing one.
             if (treeTags.count(tag.Name()) == 0 && near.Find(tag.Name()).empty()) {
                 report.Add(tag, "the tree file has no section " + Quoted(tag.Name()));
             }

@@ -18,7 +18,7 @@ using rule_source::SectionName;
 using rule_source::UnknownAttribute;
 using rule_source::UnknownChild;
 
-// ---- Elements that stand again. ----
+// ---- Repeated elements. ----
 
 void ReportAgain(Element element, const std::string& where, Report& report)
 {
@@ -49,9 +49,9 @@ void CheckRepeated(const Subject& subject, Report& report)
     }
 }
 
-// ---- Words that nobody knows. ----
+// ---- Unknown words. ----
 
-/// Finds near words for the first unknown ones; a file in which nothing is known would take for ever.
+/// Finds near words for the first unknown ones only: a file of unknown words would take for ever.
 class WordHelp {
 public:
     std::string ForChild(std::string_view name, const ElementWords& words)
@@ -88,7 +88,7 @@ bool IsGate(std::string_view name)
     return name == "Or-Gate" || name == "And-Gate";
 }
 
-// What another check tells, and tells better.
+// True for what another check reports in more detail.
 bool IsToldElsewhere(Element child)
 {
     const Element parent = child.Parent();
@@ -101,7 +101,7 @@ bool IsToldElsewhere(Element child)
     return IsGate(name) || isFirstOfTest || isEntryOfAnother || (in == "alarmId" && name == "BeginFlag");
 }
 
-// Sections whose names are nearly right are told by the check of sections.
+// The check of sections reports sections whose names are nearly right.
 void CheckSections(const RuleSet& rules, Report& report)
 {
     NearNames sections;
@@ -129,7 +129,7 @@ void CheckWords(const Subject& subject, Report& report)
     for (const UnknownAttribute& unknown : subject.rules.unread.attributes) {
         const std::string_view name = unknown.attribute.Name();
         if (name == "BeginFlag" && unknown.element.Name() == "SQLItem") {
-            continue; // another check tells it better
+            continue; // another check reports it in more detail
         }
         const std::string near = help.ForAttribute(name, *unknown.words);
         report.Add(unknown.element, "the attribute " + Quoted(name) + " of " + Quoted(unknown.element.Name())
