@@ -24,8 +24,8 @@ public:
     /// Folds the statuses of `tree` up to its top event and replaces the root causes by those of this tree. A null tree
     /// changes nothing.
     ///
-    /// The observer gets `checks` with the folded events: one for each event in pre-order, none for an event behind
-    /// the end of the list.
+    /// `checks` are passed to the observer with the folded events: one for each event in pre-order, NONE for events
+    /// beyond the end of the list.
     void DeduceRootCause(
         const std::shared_ptr<FaultTree>& tree, const std::vector<Evidence::Check>& checks = {});
 

@@ -329,7 +329,7 @@ bool AlarmRuleEngine::IsHit(Measure measure, const EventRows& rows, const TestLi
     }
 }
 
-// A negative weight takes away, and wraps below 0. One look at each row: an unreadable one logs a line each time.
+// Weights may be negative; a sum below 0 wraps. Asks each row once, as an unreadable row logs a line each time.
 AlarmRuleEngine::Sums AlarmRuleEngine::SumsOf(const EventRows& rows, bool isWeighed, Window& window)
 {
     const bool hasLater = window.Now() && rows.CountAfter(*window.Now()) != 0;
@@ -436,7 +436,7 @@ bool AlarmRuleEngine::IsFaultForPeriodWithParam(const EventRows& rows, std::size
         count >= window.threshold, untilNow >= window.threshold && rowsLater != rows.GetCount());
 }
 
-// Counts what a reset, an update or a repair cut off, for whoever listens.
+// Counts the rows before the start, for the record only.
 void AlarmRuleEngine::NoteRowsBeforeStart(Window& window) const
 {
     if (mIsLogReadable && window.IsCutOff()) {

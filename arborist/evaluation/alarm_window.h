@@ -73,8 +73,8 @@ public:
     /// Notes for the last test of the record how many rows of the last id passed it.
     void NotePassedByLastId(std::uint64_t passed);
     const Evidence::WindowCount& Count() const { return mCount; }
-    /// Notes that the last id alone decides. `passed` are its rows under the test of the condition that it passes least,
-    /// `earlier` the counts before the condition: of several conditions the best counts.
+    /// Notes that only the last id decides. `passed` is the smallest number of its rows that pass one of the tests.
+    /// `earlier` are the counts before this condition; the greater of both remains.
     void NoteLastId(const Evidence::WindowCount& earlier, std::uint64_t passed);
 
     /// Completes the record.

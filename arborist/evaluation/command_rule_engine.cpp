@@ -174,7 +174,7 @@ bool CommandRuleEngine::IsFaultInDatabase(const CommandRule& rule, const Query& 
     if (mDbHelper->IsOpenDbSuccess(path)) {
         isFault = IsFaultInOpenDatabase(rule, query, record);
     } else {
-        // Judged by what the last query left.
+        // Evaluates the values of the previous query, which are still in the parameters.
         isFault = IsFaultForSingleSql(rule, query.params);
         NoteTrouble(Reason::DATABASE_UNAVAILABLE, isFault);
     }
@@ -313,7 +313,7 @@ bool CommandRuleEngine::IsFaultForSingleSql(const CommandRule& rule, const Param
     return false;
 }
 
-// One that is no answer counts, too, when the one behind it decides.
+// Notes the reason of the previous condition if it is open: the next condition would overwrite it.
 void CommandRuleEngine::NoteEarlierCondition() const
 {
     if (GetReason() != Reason::NO_CONDITION && Evidence::IsOpen(Evidence::CheckOf(GetReason()))) {

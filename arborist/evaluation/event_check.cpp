@@ -29,7 +29,7 @@ EventCheck::Word EventCheck::GetWord() const
     return word;
 }
 
-// An answer, or the least that is open.
+// Prefers a decided alternative; otherwise takes the least open check.
 Check EventCheck::GetTrueCheck() const
 {
     Check least = mKept;

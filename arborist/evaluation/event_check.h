@@ -9,11 +9,11 @@
 
 struct OrRuleSingle;
 
-/// Works out what an event's status rests on, from its alternatives as their results land.
+/// Determines the check of an event from the checks of its alternatives.
 ///
-/// A result is written to the entry that the alternative's name leads to, which may be another alternative's: the last
-/// one written counts, and one that leads nowhere doesn't. Once true, an event stays true for all trees of a detection;
-/// what that rested on counts along.
+/// Each result is written to the entry that the alternative's name finds, which may belong to another alternative: the
+/// last result written to an entry counts; a result without an entry is ignored. An event that was true stays true for
+/// all trees of a detection, and its earlier check counts too.
 class EventCheck {
 public:
     /// A check, and the alternative that gave it where it is one of this event's.
@@ -27,10 +27,11 @@ public:
     /// The event was true before its rules were asked, which rested on `check`.
     void KeepTrue(Evidence::Check check);
 
-    /// DECIDED if an answer makes the event true; else the worst open word; else DECIDED if any rule had an answer;
-    /// else NOT_SELECTED, else NOT_APPLICABLE.
+    /// DECIDED if a decided alternative makes the event true. Otherwise the greatest open check; without open checks
+    /// DECIDED, NOT_SELECTED or NOT_APPLICABLE, in this order.
     Word GetWord() const;
-    /// What it rests on that the event is true; NONE where nothing makes it true.
+    /// The check of the alternative that makes the event true: a decided one if there is one, otherwise the least open
+    /// one. NONE if the event is not true.
     Evidence::Check GetTrueCheck() const;
 
 private:

@@ -9,7 +9,7 @@ namespace {
 using Evidence::Check;
 using Evidence::Reason;
 
-// Receives each reason of a rule with what it is about.
+// Called with each reason of a rule and the check that follows from it.
 using Visitor = std::function<void(Reason, Check)>;
 
 // What a filter compared may be unknown, and a rule without scenes is switched off for good.
@@ -47,7 +47,7 @@ void VisitWindows(const Evidence::Alarm& alarm, bool fired, const Visitor& visit
     }
 }
 
-// More rows would not take a window back below its threshold, unless they weigh less than nothing.
+// True if a window was reached that further rows can't undo: it counts rows, not weights, which may be negative.
 bool IsSureWithMoreRows(const Evidence::Alarm& alarm)
 {
     using Evidence::Measure;

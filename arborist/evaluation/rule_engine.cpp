@@ -59,7 +59,7 @@ private:
     RuleChecker* mChecker;
 };
 
-// A count on a log with such problems is no reliable answer.
+// Problems of the event log make a rule's count unreliable: notes them in its record.
 void NoteTrouble(Evidence::Trouble::Kind kind, Evidence::Rule& record)
 {
     if (kind == Evidence::Trouble::Kind::EVENT_LOG_UNREADABLE) {
@@ -152,7 +152,7 @@ void RuleEngine::RunRules()
         return;
     }
     mTreeChecks.StartTree();
-    // Who has rules is settled before the first of them runs: a code rule calls the host, and the host may call back.
+    // Find the entries of all events before the first rule runs: a code rule calls the host, which may call the engine.
     struct Place {
         std::shared_ptr<Event> event;
         std::shared_ptr<EventRule> eventRule;
@@ -208,7 +208,7 @@ bool RuleEngine::IsFaultHappenedForEvent(
     eventCheck.KeepTrue(mTreeChecks.GetTrueCheck(eventRule.get()));
     const bool fired = record.fired = DecideEvent(*event, eventRule.get(), &eventCheck, &record);
     mTreeChecks.AddDecided(*event, eventRule.get(), eventCheck, record);
-    if (GetObserver() != nullptr) { // still: a code rule calls the host
+    if (GetObserver() != nullptr) { // a code rule calls the host, which may have removed the observer
         GetObserver()->OnEventDecided(std::move(record));
     }
     return fired;
@@ -258,7 +258,7 @@ std::shared_ptr<OrRuleSingle> RuleEngine::DoSingleRuleCheck(const std::string& n
     const AlternativeFinder& finder, Evidence::Alternative* alternative)
 {
     const bool result = GetSingleRuleCheckResult(name, eventId, alternative);
-    // An alternative without a name finds no entry, but its rule is run nevertheless.
+    // An alternative with an empty name has no entry for its result. Its rule is run nevertheless.
     const auto entry = name.empty() ? nullptr : RuleHelper::OrLogMissing(finder.Find(name));
     if (entry != nullptr) {
         entry->result = result;
@@ -266,7 +266,8 @@ std::shared_ptr<OrRuleSingle> RuleEngine::DoSingleRuleCheck(const std::string& n
     return entry;
 }
 
-// As DoSingleRuleCheck. Without a part between the commas nothing is asked, and nothing written.
+// Returns the entry to which the result was written. If all parts between the commas are empty, runs no rule and
+// returns null.
 std::shared_ptr<OrRuleSingle> RuleEngine::DoMultiRulesCheck(const std::string& names, const std::string& eventId,
     const std::shared_ptr<OrRuleSingle>& entry, Evidence::Alternative* alternative)
 {
@@ -326,7 +327,7 @@ bool RuleEngine::AskRule(const std::shared_ptr<Rule>& rule, const std::string& e
             trouble.eventId = eventId;
             trouble.ruleName = rule->name;
             NoteTrouble(trouble.kind, *record);
-            if (GetObserver() != nullptr) { // still: a code rule calls the host
+            if (GetObserver() != nullptr) { // a code rule calls the host, which may have removed the observer
                 GetObserver()->OnTrouble(std::move(trouble));
             }
         });

@@ -50,10 +50,11 @@ public:
     /// CodeRuleEngine::GetCodeRuleInfoByType.
     std::vector<std::string> GetCodeRuleInfoByType(std::string_view type, const std::string& detectCode);
 
-    /// What the events of the tree that ran last rest on; empty when nobody listened.
+    /// The checks of the events of the last tree; complete only with an observer.
     const TreeChecks& GetTreeChecks() const { return mTreeChecks; }
 
-    /// Receives the evidence of each decided event. Not owned: must outlive the engine, or be removed by passing null.
+    /// Sets the observer that is notified of each decided event; null for none. Not owned: it must outlive the engine
+    /// or be removed with null.
     void SetObserver(DetectionObserver* observer) { mObserver = observer; }
 
 private:

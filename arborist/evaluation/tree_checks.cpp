@@ -100,7 +100,7 @@ OpenCheck TreeChecks::WordOf(const EventRule* entry, const EventCheck::Word& wor
     if (word.check != Check::NONE) {
         return check;
     }
-    // No result has landed anywhere: what the entry names stands for nothing.
+    // No result was written to any entry: none of the names in the event's entry could be used.
     check.reason = record.reason == Reason::NONE ? Reason::NO_RULE_NAMES : record.reason;
     check.check = Evidence::CheckOf(check.reason);
     return check;

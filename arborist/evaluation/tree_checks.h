@@ -26,7 +26,7 @@ public:
     /// The next event was decided by this entry; `eventCheck` has what its alternatives came to. Completes the record.
     void AddDecided(const Event& event, const EventRule* entry, const EventCheck& eventCheck, Evidence::Event& record);
 
-    /// What an entry was true on before; NONE for one that was not.
+    /// The check with which this entry was found true before in this detection; NONE if it wasn't.
     Evidence::Check GetTrueCheck(const EventRule* entry) const;
 
     /// One for each event, NONE for those without.

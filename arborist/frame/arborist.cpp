@@ -326,7 +326,7 @@ std::vector<std::shared_ptr<FaultTreeResult::RootCauseResult>> Arborist::GetRoot
     return causes;
 }
 
-// Kept for hosts that deliver the rule set as one archive; a detection reads the unpacked files and doesn't call it.
+// Not called by a detection, which reads unpacked files. Private: only the tests call it, through ArboristPeer.
 bool Arborist::InitFaultTree()
 {
     if (mDetectInfo == nullptr) {

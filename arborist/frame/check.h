@@ -35,17 +35,17 @@ enum class Check : unsigned char {
 /// for NONE.
 ARBORIST_EXPORT const char* CheckText(Check check);
 
-/// The check that this reason alone amounts to; NONE for NONE and for a rule that was not run because its group had
-/// ended.
+/// The check that follows from a reason alone. NONE for Reason::NONE and for a rule that was not run because its group
+/// had ended.
 ARBORIST_EXPORT Check CheckOf(Reason reason);
 
-/// True if the answer could differ with complete data and a working rule.
+/// True if the answer is unknown: with complete data and a usable rule it could be different.
 constexpr bool IsOpen(Check check)
 {
     return check >= Check::NOT_CHECKED;
 }
 
-/// The check of a whole with these two parts.
+/// The check that takes precedence; see Check.
 constexpr Check WorseOf(Check one, Check other)
 {
     return one < other ? other : one;

@@ -22,11 +22,11 @@ public:
     /// How the last RunCodeRule ended.
     enum class Outcome {
         ANSWERED,
-        NOBODY_THERE, ///< nothing that could answer: the rule counts as one without a runner
-        BROKEN_OFF, ///< the test came to no answer
+        NOBODY_THERE, ///< no test is available: treated like a host without a runner
+        BROKEN_OFF, ///< a test was tried and gave no answer
     };
-    /// What RunCodeRule returns decides the rule in any case. Without an answer, what rests on it is open. ANSWERED
-    /// unless a host overrides it.
+    /// Says whether the last return value of RunCodeRule is a real answer; ANSWERED by default. The return value
+    /// decides the rule in any case; unless ANSWERED, the check is open (Evidence::IsOpen).
     virtual Outcome GetOutcome() const { return Outcome::ANSWERED; }
 };
 

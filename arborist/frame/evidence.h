@@ -72,7 +72,7 @@ struct Test {
     std::string value;
     std::uint64_t rowsTested = 0;
     std::uint64_t rowsPassed = 0;
-    /// Of these, the rows of the last id of the range; nothing where other ids decide, too.
+    /// The part of rowsPassed that belongs to the last id of the range. Set only if that id alone decides.
     std::optional<std::uint64_t> rowsPassedByLastId = std::nullopt;
 
     ARBORIST_COMPARABLE(Test)
@@ -80,22 +80,23 @@ struct Test {
 
 /// The counts of a window of an alarm rule.
 struct WindowCount {
-    /// Rows of the range since the start, up to the id that reached the threshold; those of another version; those
-    /// that failed a test, of the condition under which the fewest did.
+    /// Rows of the range since the start. Counting ends with the id that reached the threshold.
     std::uint64_t rowsFound = 0;
+    /// Of these, rows of another version, which don't count.
     std::uint64_t rowsOfOtherVersion = 0;
+    /// Rows that failed a test. Of several conditions, the smallest number.
     std::uint64_t rowsFailedTest = 0;
     /// The largest count, weight or daily peak of an id, and that id; both 0 without rows. See
     /// lastIdDecides.
     std::int64_t reached = 0;
     std::int64_t reachedById = 0;
-    /// What `reached` is; NONE if no row was counted.
+    /// The unit of `reached`; NONE if no row was counted.
     Measure measure = Measure::NONE;
-    /// Only the last id of the range decides: `reached` is its count under the test that it passes least, 0 without
-    /// rows. So it is where a condition has several tests and the window is no "duration".
+    /// True for a condition with several tests in a "daily_peak" or "latest" window: only the last id of the range
+    /// decides. `reached` is then the smallest number of its rows that pass one of the tests; 0 without rows.
     bool lastIdDecides = false;
     /// Rows of the whole range, of any version, that lie in the period but before the start, which a reset, an update
-    /// or a repair moved. Nothing where the period set the start, and for a damaged log, which can't tell.
+    /// or a repair moved. Not set if the period determined the start, or if the log is damaged.
     std::optional<std::uint64_t> rowsBeforeStart = std::nullopt;
     /// Whole days from the first row of the log to now if the log begins after the window does. Nothing if it begins
     /// before, and for a damaged log, which can't tell.
@@ -219,7 +220,7 @@ struct Hits {
     std::int64_t hits = 0;
     /// The number of hits at which the rule fires; with 0 or less it needs none.
     std::int64_t needed = 0;
-    /// Where there are no databases.
+    /// Set if no database was copied: why not.
     std::optional<MissingCopies> missingCopies = std::nullopt;
 
     /// How many hits are missing; 0 if there are enough.
@@ -310,7 +311,7 @@ struct Rule {
 /// One way for an event to be decided: one rule, or the rules of a "multipleRule", which must all fire.
 struct Alternative {
     bool inGroup = false;
-    /// In the order in which they ran; those behind the end of a group follow as GROUP_ENDED.
+    /// In the order of running. Rules of a group that were not reached follow, with the reason GROUP_ENDED.
     std::vector<Rule> rules;
 
     ARBORIST_COMPARABLE(Alternative)

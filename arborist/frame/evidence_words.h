@@ -10,7 +10,7 @@ namespace Evidence {
 /// The family of a rule, which is also the kind of its checker.
 enum class Family { NONE, ALARM, COMMAND, NODE, CODE };
 
-/// How a rule ended: its checker answered, or it was passed over and counts as false.
+/// The answer of a rule. A skipped rule was not run and counts as false.
 enum class Verdict { FIRED, NOT_FIRED, SKIPPED };
 
 /// Why a rule, a window or a condition ended as it did.
@@ -18,9 +18,9 @@ enum class Reason {
     NONE,
     // Before a checker is asked.
     INTERACTION_EVENT, ///< the event is left to the host (detect mode "2")
-    NO_EVENT_RULE, ///< the event rules have no entry for the event: it is never run, and no call reports it
+    NO_EVENT_RULE, ///< no entry in the event rules: the event is never evaluated, and OnEventDecided isn't called
     NO_RULE_NAMES, ///< the event's entry names no rule
-    NO_SUCH_RULE, ///< no rule of the set has this name
+    NO_SUCH_RULE, ///< no rule of the rule set has this name
     FILTERED_BLACK_PRODUCT, ///< the product is on the rule's black list
     FILTERED_PRODUCT, ///< the product is not among the rule's
     FILTERED_SCENE, ///< the scene is not among the rule's, or the rule names none
@@ -38,8 +38,8 @@ enum class Reason {
     WINDOW_SHORT, ///< less than the threshold was found
     WINDOW_REACHED, ///< the threshold was reached
     LOG_UNAVAILABLE, ///< the event log is missing or can't be opened
-    LOG_DAMAGED, ///< the log broke off while it was read: rows may be missing
-    NEGATIVE_WEIGHT, ///< a row takes away from the weights that reached the threshold
+    LOG_DAMAGED, ///< reading the event log failed before its end: rows may be missing
+    NEGATIVE_WEIGHT, ///< a negative weight was counted: further rows could bring the sum below the threshold
     ROWS_UNSEEN, ///< rows of the log lack their time or version, so that no rule finds them
     ROWS_AFTER_NOW, ///< the threshold was reached only with rows later than now
     REPAIR_UNREADABLE, ///< a repair date or id could not be read: rows from before a repair may count
@@ -52,7 +52,7 @@ enum class Reason {
     TABLE_INCOMPLETE, ///< a table was not built, or not from a whole log
     STATEMENT_FAILED, ///< the database refused the statement, or broke it off
     ROW_COUNT, ///< the statement gave another number of rows than one
-    NO_INTERVAL, ///< the columns between which values are scaled give no time to scale by
+    NO_INTERVAL, ///< values can't be scaled: the two time columns are missing or give no interval
     NO_THRESHOLD, ///< the value to compare with is empty, in the rule or in the common part
     HITS_SHORT, ///< too few of the referenced databases hit
     HITS_REACHED, ///< enough of the referenced databases hit
@@ -69,9 +69,9 @@ enum class Reason {
     NO_VALUE, ///< a value to compare is missing or empty
     CONDITION_MET, ///< a condition held
     CONDITION_NOT_MET, ///< no condition held
-    BAD_FORMULA, ///< a formula lacks a value for an operator, or a parenthesis its other
-    BAD_NUMBER, ///< a text that is no number was taken for 0
-    UNKNOWN_NAME, ///< an unknown name or word in a formula, a condition or a type
+    BAD_FORMULA, ///< a formula with an operator that lacks a value, or with an unmatched parenthesis
+    BAD_NUMBER, ///< a text that is not a number was read as 0
+    UNKNOWN_NAME, ///< an unknown name in a formula, an unknown comparison, or an unknown type
 };
 
 /// What set the moment from which a rule looks at the log.
@@ -85,18 +85,18 @@ enum class EventState {
     UNKNOWN,
 };
 
-/// What an alarm window counted for one id: rows, or the sum of what the rows say of themselves, over the period or on
-/// its best day.
+/// The unit of an alarm window's count for one id: number of rows or sum of their weights, over the whole period or on
+/// the day with the most.
 enum class Measure { NONE, ROWS, WEIGHTS, DAILY_ROWS, DAILY_WEIGHTS };
 
-/// Why a rule on copied databases has none to ask.
+/// Why there is no copy of an external database for a rule to query.
 enum class NoCopy {
-    NONE, ///< there are some, or nobody looked
-    FOLDER_MISSING, ///< no folder to search is named, or none of those that are exists
+    NONE, ///< there are copies, or no search was made
+    FOLDER_MISSING, ///< the rule set names no folder to search, or none of them exists
     FOLDER_EMPTY, ///< no file lies below the folder
     NO_MATCH, ///< there are files, and the pattern matches none of them
     SETTING_EMPTY, ///< files match, and the setting for the folder of the copies is empty
-    NOT_COPIED, ///< files match, and none could be copied, or no file in the archives matches
+    NOT_COPIED, ///< files match but no copy succeeded, or archives contain no match
 };
 
 enum class EventType { BASIC, INTERMEDIATE, UNDEVELOPED };

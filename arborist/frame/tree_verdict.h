@@ -10,16 +10,16 @@
 
 namespace Evidence {
 
-/// An open check, and the reason.
+/// A check without a reliable answer, and the reason.
 struct OpenCheck {
     std::string eventId;
-    /// The first rule that caused it; empty if no rule was run.
+    /// The first rule of the event with this check; empty if the check comes from no rule.
     std::string ruleName;
     Check check = Check::NONE;
     Reason reason = Reason::NONE;
     /// What the reason is about: a file, a name, a database's message. May be empty.
     std::string detail;
-    /// True if the event counts as true nevertheless.
+    /// True if the event is TRUE although its check is open.
     bool restsOnDefault = false;
 
 #if defined(__cpp_impl_three_way_comparison)

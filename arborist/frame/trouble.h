@@ -9,10 +9,10 @@ namespace Evidence {
 /// too; this is for programs.
 struct Trouble {
     enum class Kind {
-        STATEMENT_FAILED, ///< a database refused a statement other than a command rule's own, which has a record
+        STATEMENT_FAILED, ///< a database statement failed; for command rules see Statement::error instead
         EVENT_LOG_UNREADABLE, ///< a statement on the event log failed, or broke off on its way
         REPAIRS_UNREADABLE, ///< the same on the database of repair dates
-        BAD_EXTRA, ///< what an event of the log says of itself is no JSON
+        BAD_EXTRA, ///< the "extra" of a logged event is not JSON
         NO_COPY_FOLDER, ///< the databases `subject` were found, and no setting says where to copy them
         NOT_COPIED, ///< the database or archive `subject` matches a pattern of the rule set and can't be copied or unpacked
         TABLE_NOT_BUILT, ///< the derived table `subject` could not be made, and no event was asked for it

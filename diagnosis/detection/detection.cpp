@@ -147,7 +147,7 @@ private:
         }
     }
 
-    // Without results there are no warnings about their reliability.
+    // A failed detection has no results, so warnings about the reliability of results are left out.
     void TakeWarnings(DetectionReport& report) const
     {
         WarningList all;

@@ -14,14 +14,15 @@ namespace diagnosis {
 /// Checks a rule set under a tag.
 std::shared_ptr<const RuleSetWarnings> CheckRuleSet(const rule_source::RuleSetPaths& paths, const std::string& tag);
 
-/// Checks rule sets and remembers what was found, so that many bundles with equal rule sets cost one check. Rule sets are
-/// recognised by a digest of their files; forging an equal one costs the forger's own warnings and no result.
+/// Checks rule sets and remembers what was found, so that many bundles with equal rule sets cost one check. Rule sets
+/// are compared by a hash of their files. A collision only gives a bundle the warnings of another rule set; results
+/// don't depend on it.
 class RuleSetMemory {
 public:
     std::shared_ptr<const RuleSetWarnings> Check(const rule_source::RuleSetPaths& paths, const std::string& tag);
 
 private:
-    /// Of more rule sets all are forgotten: a batch of foreign bundles may have one for each.
+    /// At this many entries the memory is cleared, as a batch of foreign bundles may have a rule set for each.
     static constexpr std::size_t LARGEST_NUMBER = 64;
 
     /// The paths, too, as they stand in warnings.

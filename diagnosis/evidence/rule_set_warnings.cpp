@@ -111,8 +111,8 @@ std::string MessageOf(const Finding& finding)
     return finding.message + (finding.help.empty() ? "" : "; " + finding.help);
 }
 
-// Whether a warning tells of the mistake already; that one gets its place. Detections themselves tell only what has one of
-// these two codes.
+// True if the detection has already warned of the mistake; adds the mistake's place to that warning. Only these two
+// codes occur in both.
 bool IsTold(const Warning& mistake, WarningList& told)
 {
     bool isTold = false;

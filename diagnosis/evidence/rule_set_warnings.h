@@ -20,8 +20,8 @@ public:
     /// Checks files that were read already.
     RuleSetWarnings(const rule_source::RuleSetFiles& files, const std::string& tag);
 
-    /// Adds the mistakes to what a detection has told. A mistake that was told already only gives that warning its id and
-    /// place. Warnings about a rule without a place get the place of the rule.
+    /// Adds the mistakes to the warnings of a detection. If the detection has already warned of a mistake, adds only
+    /// its check id and place to that warning. Rule warnings without a place get the file and line of the rule.
     void AddTo(WarningList& told) const;
 
 private:

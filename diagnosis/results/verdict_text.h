@@ -8,8 +8,8 @@
 
 namespace diagnosis {
 
-/// "no fault", "no fault, UNDECIDED: 3 of 44 checks open (2 no_data, 1 error)", or for a fault what stands behind the
-/// number of its root causes: ", 3 of 44 checks open (3 no_data)", or nothing.
+/// "no fault", or "no fault, UNDECIDED: 3 of 44 checks open (2 no_data, 1 error)". For a fault the text to append to
+/// the number of root causes: ", 3 of 44 checks open (3 no_data)", or nothing.
 std::string VerdictWords(const Evidence::TreeVerdict& verdict);
 
 /// "A, rule r: no_data, node_unreadable (/sys/temp)", and ", taken as TRUE" for what counts as true all the same.

@@ -26,7 +26,7 @@ struct BindingAlternative {
     enum class Kind {
         SINGLE, ///< "singleRule"
         GROUP, ///< "multipleRule": all of its rules must hold
-        UNKNOWN, ///< a type of another word: kept, and never true
+        UNKNOWN, ///< any other type: the engine keeps it, and it is never true
         DROPPED, ///< without a type
     };
 

@@ -7,7 +7,7 @@ namespace diagnosis::rule_source {
 
 namespace {
 
-/// Looks names up in a map. Both files are mostly in one order: then the name is the one behind the last.
+/// Looks up names in a map. Tries the entry after the last match first, as both files usually have the same order.
 template <typename Map>
 class NextFirst {
 public:

@@ -68,7 +68,7 @@ struct RuleSet {
     Descriptions repairs;
     CommonPart commonPart;
 
-    /// What the engine doesn't read below the tag's elements, in both files.
+    /// Elements and attributes that the engine ignores, below the tag's elements of both files.
     Unread unread;
 
     /// An event of each id, the first in file order, as an index into trees.events.

@@ -7,7 +7,7 @@
 
 namespace diagnosis::rule_source {
 
-/// A child with a name that the engine doesn't know in its parent.
+/// A child whose name the engine doesn't know in this place.
 struct UnknownChild {
     Element element;
     /// The words of its parent.
@@ -22,7 +22,7 @@ struct UnknownAttribute {
     const ElementWords* words = nullptr;
 };
 
-/// What the engine passes over below some elements, for the words that it has.
+/// Elements and attributes that the engine ignores: their names are not in its grammar, or it reads only the first.
 struct Unread {
     std::vector<UnknownChild> children;
     std::vector<UnknownAttribute> attributes;

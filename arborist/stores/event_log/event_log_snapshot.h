@@ -63,7 +63,7 @@ public:
         std::uint32_t begin;
         std::uint32_t end; ///< one behind the last
         bool isAscending; ///< times never fall from row to row
-        bool needsQuery; ///< only the id's own query finds its rows
+        bool needsQuery; ///< the rows are not in the snapshot: run the query of this id
     };
 
     /// Rows of an entry.

@@ -16,7 +16,7 @@
 #include "arborist/stores/event_log/row_question.h"
 
 /// The rows of one event id that a query of the event log finds, in its order, with their answers to the questions of
-/// the visit. Valid during one call of a visitor; the visit keeps the data alive.
+/// the visit. Can't be copied; refers to the visit's data, so don't keep a reference beyond the visitor's call.
 class EventRows {
 public:
     using EventList = EventQuery::EventList;

@@ -77,7 +77,7 @@ void BecomeWorker(const WorkerPlace& place, const SignalsHeldBack& signals)
     for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
         signal(number, SIG_DFL);
     }
-    signal(SIGPIPE, SIG_IGN); // a closed standard error must cost no bundle
+    signal(SIGPIPE, SIG_IGN); // so that writing to a closed standard error doesn't end the worker
     signal(SIGTTOU, SIG_IGN); // a background group may still write to the terminal
     signals.LetIn();
     KeepTemporaryFilesIn(place.folder);

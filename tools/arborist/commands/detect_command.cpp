@@ -96,7 +96,7 @@ ExitStatus WrongUse(const std::string& message)
     return ExitStatus::WRONG_USE;
 }
 
-// The file comes into being whole, at the end: one that is there has all lines.
+// Creates the file under its name only at the end, so that it is complete whenever it exists.
 ExitStatus RunBatchIntoFile(const std::vector<BundlePath>& bundles, BatchWork work, const DetectOptions& options)
 {
     NewFile output;

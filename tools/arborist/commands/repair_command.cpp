@@ -36,7 +36,7 @@ std::string RecordText(const RepairRecord& record, bool asJson)
     return (asJson ? RepairJson(record) : Printable(record.date) + "  " + Printable(record.id)) + "\n";
 }
 
-// A slip of the pen looks like a repair that made no difference.
+// Warns of an id that the rule set doesn't name: with a misspelt id the repair would have no effect, silently.
 void WarnOfUnknownRepair(const BundleSession& session, const RepairOptions& options)
 {
     const RuleSetSummary ruleSet = SummariseRuleSet(session.GetBundle());
@@ -52,7 +52,7 @@ void WarnOfUnknownRepair(const BundleSession& session, const RepairOptions& opti
         + (longer == known.end() ? DidYouMean(options.id, known) : "; did you mean \"" + *longer + "\"?")}}, nullptr);
 }
 
-// The library answers nothing when it records, so the record is read back: an old one may have stayed.
+// UpdateRepairDb returns nothing, so read the record back and compare its date: an old record may have remained.
 std::optional<Failure> Record(const BundleSession& session, const RepairOptions& options)
 {
     const std::string path = session.ProgramDataPath(REPAIR_RECORDS);

@@ -47,16 +47,17 @@ struct RunOptions {
 void AddRunOptions(Command app, RunOptions& options);
 /// How the detections are to be run, with the program of --code-runner found.
 DetectionOptions MakeDetectionOptions(const RunOptions& options);
-/// What a detection makes the process answer: its failure, or under --strict its warnings and checks.
+/// The exit status for a report: that of its failure; with --strict also of its warnings and checks, with
+/// --fail-on-undecided also of undecided trees.
 ExitStatus StatusOf(const DetectionReport& report, const RunOptions& options);
 
 /// --color, which every command has.
 void AddColour(Command app);
 
-/// The place is worked out before any bundle becomes the working directory.
+/// Makes the path absolute. Call it before a bundle is entered, which changes the working directory.
 BundlePath MakeBundlePath(const std::string& given);
 
-/// Opens the library's log. False, with a message, if it can't be opened, which is wrong use of the command.
+/// Opens the target of the library's log. On failure prints the reason and returns false; exit with WRONG_USE.
 bool IsLogOpen(const LogOptions& options);
 
 } // namespace diagnosis::command
