@@ -15,11 +15,6 @@ class EventQuery {
 public:
     using EventList = std::vector<std::shared_ptr<LogEvent>>;
 
-    /// The tables that the query joins.
-    static constexpr char JOINED_TABLES[] =
-        " from event_info join event_info_flow on event_info._ID=event_info_flow._ID"
-        " join event_version on event_info.version_id=event_version._ID";
-
     explicit EventQuery(const FT::sql::Sqlite3Db& database);
 
     static std::string TextFor(std::int32_t eventId, std::int64_t startTime);
