@@ -51,9 +51,11 @@ public:
     /// The first fault description, suggestion or repair id of the event that uses the code rule of this detect code;
     /// empty when there is none. Reads the rule set if that has not happened yet. Before the first detection the events
     /// of all trees are searched, after it those of the last tree.
+    ///@{
     std::string GetCodeRuleFaultDescId(const std::string& detectCode);
     std::string GetCodeRuleSuggestionId(const std::string& detectCode);
     std::string GetCodeRuleRepairId(const std::string& detectCode);
+    ///@}
 
     /// Sets the observer, which is notified of everything that decides the results of later calls, and shares its
     /// ownership; null removes it. Don't call this from within an observer.

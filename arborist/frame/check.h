@@ -54,9 +54,13 @@ constexpr Check WorseOf(Check one, Check other)
 /// Counts the checks of a tree by their value, without NONE.
 class ARBORIST_EXPORT CheckCounts {
 public:
+    /// Counts one more check; NONE counts nothing.
     void Add(Check check);
+    /// The number of checks with this value.
     std::size_t Of(Check check) const { return mCounts[static_cast<std::size_t>(check)]; }
+    /// The number of all checks.
     std::size_t Total() const;
+    /// The number of open checks; see IsOpen.
     std::size_t Open() const;
 
 #if defined(__cpp_impl_three_way_comparison)

@@ -33,7 +33,9 @@ public:
 /// Attributes of the device. All are texts; an empty text means that the attribute is not known.
 class DeviceDetails {
 public:
+    /// A device of which no attribute is known.
     DeviceDetails() = default;
+    /// A device with these attributes.
     DeviceDetails(std::string deviceType, std::string product, std::string platform, std::string cpuName,
         std::string ramSize, std::string resolution, std::string batteryCapacity)
         : mDeviceType(std::move(deviceType)), mProduct(std::move(product)), mPlatform(std::move(platform)),
@@ -42,6 +44,8 @@ public:
     {
     }
 
+    /// The attribute as it was set.
+    ///@{
     std::string GetDeviceType() const { return mDeviceType; }
     std::string GetProduct() const { return mProduct; }
     std::string GetPlatform() const { return mPlatform; }
@@ -49,7 +53,10 @@ public:
     std::string GetRamSize() const { return mRamSize; }
     std::string GetResolution() const { return mResolution; }
     std::string GetBatteryCapacity() const { return mBatteryCapacity; }
+    ///@}
 
+    /// Replaces the attribute.
+    ///@{
     void SetDeviceType(const std::string& deviceType) { mDeviceType = deviceType; }
     void SetProduct(const std::string& product) { mProduct = product; }
     void SetPlatform(const std::string& platform) { mPlatform = platform; }
@@ -57,6 +64,7 @@ public:
     void SetRamSize(const std::string& ramSize) { mRamSize = ramSize; }
     void SetResolution(const std::string& resolution) { mResolution = resolution; }
     void SetBatteryCapacity(const std::string& batteryCapacity) { mBatteryCapacity = batteryCapacity; }
+    ///@}
 
 private:
     std::string mDeviceType;
@@ -80,6 +88,7 @@ struct DetectInfo {
     std::string mReservedText;
     /// Directory of the recovery logs.
     std::string mLogLocation;
+    /// The device for which rules are filtered and thresholds are chosen. May be null: no attribute is known then.
     std::shared_ptr<DeviceDetails> mDeviceDetails;
     /// May be null: code rules then answer false.
     std::shared_ptr<CodeRuleRunner> mCodeRuleRunner;

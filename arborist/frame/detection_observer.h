@@ -28,6 +28,7 @@ public:
     virtual void OnTreeFolded(std::vector<Evidence::FoldedEvent> events);
     /// Called for each entry of the list of root causes, in order.
     virtual void OnRootCause(Evidence::RootCause rootCause);
+    /// Called last for each tree, with its verdict.
     virtual void OnTreeFinished(Evidence::TreeResult result);
     /// Called for a problem that belongs to no record of a rule.
     virtual void OnTrouble(Evidence::Trouble trouble);

@@ -9,7 +9,9 @@
 
 /// Identity of a root cause: copies of the texts of its event.
 struct FaultTreeNode {
+    /// Id of the event, unique in its tree.
     std::string mId;
+    /// Name of the event, for people.
     std::string mName;
     /// Free text of the rule author, by custom a JSON object.
     std::string mUserDefined;
@@ -19,6 +21,7 @@ struct FaultTreeNode {
 struct ARBORIST_EXPORT FaultTreeResult {
     /// One repair instruction.
     struct ARBORIST_EXPORT RepairInfo {
+        /// Id of the repair.
         std::string mId;
         /// A JSON object from repair id to a text that is JSON itself; empty if the rule set gives none.
         std::string mExtra;
@@ -30,6 +33,7 @@ struct ARBORIST_EXPORT FaultTreeResult {
 
     /// One root cause with the ids that the host turns into texts and repairs.
     struct RootCauseResult {
+        /// The event of the root cause; never null.
         std::shared_ptr<FaultTreeNode> mNode;
         /// The first fault description id; empty when there is none.
         std::string mFaultDescription;
@@ -39,6 +43,7 @@ struct ARBORIST_EXPORT FaultTreeResult {
         std::vector<RepairInfo> mRepairInfos;
     };
 
+    /// A result without root causes for the tree with this id.
     explicit FaultTreeResult(std::string treeId);
 
     /// The nodes of all root causes, in order of deduction.
@@ -46,6 +51,7 @@ struct ARBORIST_EXPORT FaultTreeResult {
 
     /// Version of the tree file, "-1" when it names none.
     std::string mVersion;
+    /// Id of the tree.
     std::string mTreeId;
     /// True when at least one root cause was found.
     bool mIsFault = false;

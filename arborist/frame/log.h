@@ -52,6 +52,7 @@ public:
     Log(const Log&) = delete;
     Log& operator=(const Log&) = delete;
 
+    /// The channel; it lives as long as the process.
     static Log& GetInstance();
 
     /// Passes a message to the current logger. `level` is a LogLevel; `format` and arguments are as for printf. Every

@@ -14,13 +14,15 @@
 struct RuleSetSummary {
     /// A tag of the tree file, and the line of its first element.
     struct Tag {
-        std::string name;
-        int line = 0;
+        std::string name; ///< as the element is called
+        int line = 0;     ///< from 1
     };
 
     /// False for a file that is missing or no well-formed XML; it then adds nothing.
+    ///@{
     bool isTreeFileRead = false;
     bool isRuleFileRead = false;
+    ///@}
 
     /// The tags of all trees in the file, each once, in file order.
     std::vector<Tag> tags;
@@ -28,8 +30,10 @@ struct RuleSetSummary {
     // The members below cover the requested tag only; each entry is listed once.
 
     /// Paths of node files, and of folders that are searched for databases, as the rules name them, in file order.
+    ///@{
     std::vector<std::string> nodeFiles;
     std::vector<std::string> searchedFolders;
+    ///@}
     /// Detection codes of the code rules, in file order.
     std::vector<std::string> detectCodes;
     /// The longest look-back of all rules and derived tables, in days; 0 if there is none, nothing if one is unlimited.

@@ -12,10 +12,13 @@ namespace Evidence {
 
 /// A check without a reliable answer, and the reason.
 struct OpenCheck {
+    /// Id of the event that the check belongs to.
     std::string eventId;
     /// The first rule of the event with this check; empty if the check comes from no rule.
     std::string ruleName;
+    /// The value of the check: mostly an open one; see TreeVerdict::open.
     Check check = Check::NONE;
+    /// Why there is no reliable answer.
     Reason reason = Reason::NONE;
     /// What the reason is about: a file, a name, a database's message. May be empty.
     std::string detail;
@@ -33,6 +36,7 @@ struct OpenCheck {
 /// verdict is exact over all answers of the open checks, taken as independent of each other. If two of them depend on
 /// one missing source, some combinations may be impossible: the verdict then errs towards UNDECIDED.
 struct TreeVerdict {
+    /// The verdict itself.
     enum class Word : unsigned char {
         /// A root cause was found.
         FAULT,
@@ -56,11 +60,13 @@ struct TreeVerdict {
 #endif
     };
 
+    /// The verdict.
     Word word = Word::UNDECIDED;
     /// True if no answer of an open check could change the verdict or add a root cause.
     bool isComplete = true;
     /// The top event is true and no cut set explains it.
     bool isTrueWithoutCause = false;
+    /// The number of checks of the tree, by their value.
     CheckCounts checks;
     /// The first possible causes, in the order in which a detection would find them.
     std::vector<PossibleCause> possibleCauses;

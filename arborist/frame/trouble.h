@@ -8,6 +8,7 @@ namespace Evidence {
 /// A problem that makes a result less reliable and belongs to no record of a rule. Most of them have a line in the log,
 /// too; this is for programs.
 struct Trouble {
+    /// What went wrong.
     enum class Kind {
         STATEMENT_FAILED, ///< a database statement failed; for command rules see Statement::error instead
         EVENT_LOG_UNREADABLE, ///< a statement on the event log failed, or broke off on its way
@@ -20,16 +21,21 @@ struct Trouble {
         NO_THRESHOLDS, ///< the entry `subject` of the common part has thresholds, and the device lacks an attribute
     };
 
+    /// What went wrong.
     Kind kind = Kind::STATEMENT_FAILED;
     /// The event whose rules were running, and the rule; empty before the first.
+    ///@{
     std::string eventId;
     std::string ruleName;
+    ///@}
     /// The object of the problem, if the kind has one.
     std::string subject;
     /// The file of the problem: the database, or the rule file for an entry of it, then with the line of its element,
     /// from 1. Otherwise the line is 0.
+    ///@{
     std::string file;
     int line = 0;
+    ///@}
     /// The message of the database or the reader.
     std::string words;
 };
