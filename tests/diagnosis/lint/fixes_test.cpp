@@ -3,8 +3,8 @@
 
 #include "diagnosis/lint/fixes.h"
 #include "diagnosis/lint/lint.h"
-#include "tests/lint/model_text.h"
-#include "tests/lint/sample.h"
+#include "tests/diagnosis/lint/sample.h"
+#include "tests/diagnosis/rule_source/model_text.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/temp_dir.h"
 

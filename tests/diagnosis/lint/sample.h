@@ -10,11 +10,11 @@
 #include "tests/support/example_page.h"
 #include "tests/support/temp_dir.h"
 
-/// A folder of tests/lint named "A303-words": what is wrong, and the same as it should be.
+/// A folder of tests/diagnosis/lint/samples named "A303-words": what is wrong, and the same as it should be.
 ///
 /// "bad" and "good" hold the file of the rule set that shows it, or both. A file that they lack is that of the folder
-/// itself, and where it has none, either, that of tests/lint/plain: the tree T = OR(E) of the tag "Laptop", and the code
-/// rule "r" for E, which holds. "effect.txt" tells what the engine makes of both: see ReadEffect.
+/// itself, and where it has none, either, that of tests/diagnosis/lint/samples/plain: the tree T = OR(E) of the tag
+/// "Laptop", and the code rule "r" for E, which holds. "effect.txt" tells what the engine makes of both: see ReadEffect.
 struct LintSample {
     /// "A303".
     std::string id;

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "diagnosis/lint/reading/entry_overlap.h"
-#include "tests/lint/rule_findings.h"
+#include "tests/diagnosis/lint/rule_findings.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include "arborist/loading/fault_tree_parser.h"
 #include "arborist/model/event.h"
 #include "arborist/model/gate.h"
-#include "tests/lint/model_text.h"
+#include "tests/diagnosis/rule_source/model_text.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include "arborist/evaluation/detection_customize.h"
 #include "diagnosis/lint/reading/weighted_ids.h"
-#include "tests/lint/rule_findings.h"
+#include "tests/diagnosis/lint/rule_findings.h"
 #include "tests/support/case_name.h"
 
 namespace {

@@ -21,7 +21,7 @@ using testing::StartsWith;
 
 namespace fs = std::filesystem;
 
-constexpr char SAMPLES[] = ARBORIST_SOURCE_DIR "/tests/lint/";
+constexpr char SAMPLES[] = ARBORIST_SOURCE_DIR "/tests/diagnosis/lint/samples/";
 
 // Line 12 of the rule file names no scene.
 std::string RuleFile(const std::string& attributes = "", const std::string& before = "")

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/lint/rule_findings.h"
+#include "tests/diagnosis/lint/rule_findings.h"
 #include "tests/support/case_name.h"
 
 namespace {

@@ -9,7 +9,7 @@
 #include "diagnosis/lint/device_profiles.h"
 #include "diagnosis/lint/lint.h"
 #include "diagnosis/lint/registry.h"
-#include "tests/lint/sample.h"
+#include "tests/diagnosis/lint/sample.h"
 #include "tests/support/case_name.h"
 #include "tests/support/example_run.h"
 
@@ -119,7 +119,7 @@ INSTANTIATE_TEST_SUITE_P(All, SampleOf, testing::ValuesIn(AllLintSamples()), Cas
 /// The lines of a file of this folder, without comments: the first word of each, and the rest.
 std::map<std::string, std::string> ReadList(const std::string& name)
 {
-    std::ifstream file(std::string(ARBORIST_SOURCE_DIR) + "/tests/lint/" + name);
+    std::ifstream file(std::string(ARBORIST_SOURCE_DIR) + "/tests/diagnosis/lint/" + name);
     std::map<std::string, std::string> list;
     for (std::string line; std::getline(file, line);) {
         if (!line.empty() && line.front() != '#') {

@@ -11,8 +11,8 @@ import xml.etree.ElementTree as ElementTree
 from pathlib import Path
 
 ARBORIST = sys.argv.pop(1)
-ROOT = Path(__file__).resolve().parents[2]
-SAMPLES = ROOT / "tests" / "lint"
+ROOT = Path(__file__).resolve().parents[3]
+SAMPLES = ROOT / "tests" / "diagnosis" / "lint" / "samples"
 FILES = {"FaultTrees.xml": "trees", "FaultTreeRules.xml": "rules"}
 PAGES = {"trees": ROOT / "docs/schema/fault-trees.rng", "rules": ROOT / "docs/schema/fault-tree-rules.rng"}
 

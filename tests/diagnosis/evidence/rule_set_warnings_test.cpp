@@ -12,7 +12,7 @@
 #include "diagnosis/detection/detection.h"
 #include "diagnosis/evidence/rule_set_memory.h"
 #include "diagnosis/lint/registry.h"
-#include "tests/lint/sample.h"
+#include "tests/diagnosis/lint/sample.h"
 #include "tests/support/case_name.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/temp_dir.h"

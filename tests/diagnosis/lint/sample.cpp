@@ -1,4 +1,4 @@
-#include "tests/lint/sample.h"
+#include "tests/diagnosis/lint/sample.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -9,7 +9,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr char ROOT[] = ARBORIST_SOURCE_DIR "/tests/lint";
+constexpr char ROOT[] = ARBORIST_SOURCE_DIR "/tests/diagnosis/lint/samples";
 
 std::string PathOf(const std::vector<std::string>& folders, const std::string& name)
 {

@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 
 #include "diagnosis/rule_set/difference.h"
-#include "tests/lint/model_text.h"
-#include "tests/lint/sample.h"
+#include "tests/diagnosis/lint/sample.h"
+#include "tests/diagnosis/rule_source/model_text.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/temp_dir.h"
 

@@ -1,6 +1,6 @@
 #include <sstream>
 
-#include "tests/lint/model_text.h"
+#include "tests/diagnosis/rule_source/model_text.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tests/lint/rule_findings.h"
+#include "tests/diagnosis/lint/rule_findings.h"
 
 #include "diagnosis/lint/lint.h"
 #include "tests/support/temp_dir.h"
