@@ -51,6 +51,13 @@ public:
     }
 
 private:
+    bool IsWanted(const TestCase& testCase) const
+    {
+        std::error_code error;
+        return testCase.name.find(mOptions.filter) != std::string::npos
+            && (mOptions.onlyRules.empty() || fs::equivalent(testCase.bundle.ruleFileDir, mOptions.onlyRules, error));
+    }
+
     void RunFile(const std::string& path)
     {
         std::error_code error;
@@ -60,7 +67,7 @@ private:
         const CaseFile file = ReadCaseFile(path);
         mRun.failures.insert(mRun.failures.end(), file.failures.begin(), file.failures.end());
         for (const TestCase& testCase : file.cases) {
-            if (testCase.name.find(mOptions.filter) != std::string::npos) {
+            if (IsWanted(testCase)) {
                 RunCase(testCase);
             }
         }
@@ -127,13 +134,15 @@ TestRun RunTests(const std::vector<std::string>& paths, const TestOptions& optio
     return std::move(runner.Run());
 }
 
-std::optional<std::string> FirstOtherAnswer(const std::string& folder, const std::string& changed)
+std::optional<std::string> FirstOtherAnswer(
+    const std::vector<std::string>& paths, const std::string& folder, const std::string& changed)
 {
     TestOptions options;
-    const TestRun before = RunTests({folder}, options);
+    options.onlyRules = folder;
+    const TestRun before = RunTests(paths, options);
     std::error_code error;
     options.rules = fs::absolute(changed, error).lexically_normal().string();
-    const TestRun after = RunTests({folder}, options);
+    const TestRun after = RunTests(paths, options);
     for (std::size_t i = 0; i < std::min(before.cases.size(), after.cases.size()); ++i) {
         if (!IsSameEnd(before.cases[i], after.cases[i])) {
             return before.cases[i].file + ": " + before.cases[i].name;

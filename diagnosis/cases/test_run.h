@@ -17,6 +17,8 @@ struct TestOptions {
     std::string filter;
     /// Folder of a rule set that replaces those of all cases; empty for none.
     std::string rules;
+    /// Runs only cases of the rule set in this folder; empty for all.
+    std::string onlyRules;
     bool withCoverage = false;
     /// Called after each case, if set.
     std::function<void(const CaseOutcome& outcome)> onCase;
@@ -41,10 +43,12 @@ struct TestRun {
 /// then restores the library's own logger.
 TestRun RunTests(const std::vector<std::string>& paths, const TestOptions& options);
 
-/// Whether the rule set in `changed` gives other answers to the cases below `folder` than their own rule set: the name
-/// of the first case, with its file, that ends otherwise, or nothing. Failed cases count as well: they must fail in the
-/// same way. For a tool that changes a rule set and wants to know, before it writes, whether its tests notice.
-std::optional<std::string> FirstOtherAnswer(const std::string& folder, const std::string& changed);
+/// Whether the rule set in `changed` gives other answers than the one in `folder` to its cases, which are searched in
+/// `paths`: the name of the first case, with its file, that ends otherwise, or nothing. Failed cases count as well: they
+/// must fail in the same way. For a tool that changes a rule set and wants to know, before it writes, whether its tests
+/// notice.
+std::optional<std::string> FirstOtherAnswer(
+    const std::vector<std::string>& paths, const std::string& folder, const std::string& changed);
 
 } // namespace diagnosis::cases
 

@@ -1,7 +1,6 @@
 #include "diagnosis/lint/fixes.h"
 
 #include <algorithm>
-#include <fstream>
 #include <map>
 
 #include "diagnosis/rule_source/source_file.h"
@@ -182,28 +181,50 @@ private:
     std::string mText;
 };
 
+using Findings = std::vector<const Finding*>;
+
+// How many findings have an edit that is made.
+std::size_t Mended(const Findings& findings, const std::vector<Edit>& edits)
+{
+    return static_cast<std::size_t>(std::count_if(findings.begin(), findings.end(), [&edits](const Finding* finding) {
+        const auto isBefore = [](const Edit& edit, std::size_t offset) { return edit.offset < offset; };
+        const std::size_t offset = finding->edits.front().offset;
+        const auto edit = std::lower_bound(edits.begin(), edits.end(), offset, isBefore);
+        return edit != edits.end() && edit->offset == offset;
+    }));
+}
+
+// The fix of a file; nothing if the file has changed or would not be well-formed.
+std::optional<FileFix> FixOfFile(const std::string& path, const Findings& findings)
+{
+    std::vector<Edit> edits;
+    for (const Finding* finding : findings) {
+        edits.insert(edits.end(), finding->edits.begin(), finding->edits.end());
+    }
+    const auto file = SourceFile::Read(path);
+    FileFix fix{path, file->Text(), "", 0, Separate(std::move(edits))};
+    if (!file->IsLoaded() || !AreStillThere(fix.edits, fix.before)) {
+        return std::nullopt;
+    }
+    fix.after = Applied(fix.before, fix.edits, 0);
+    fix.findings = Mended(findings, fix.edits);
+    return SourceFile::Of(path, fix.after)->IsLoaded() ? std::optional(std::move(fix)) : std::nullopt;
+}
+
 } // namespace
 
 std::vector<FileFix> FixesOf(const std::vector<Finding>& findings, bool withUnsafe)
 {
-    std::map<std::string, std::vector<Edit>> byFile;
+    std::map<std::string, Findings> byFile;
     for (const Finding& finding : findings) {
-        for (const Edit& edit : finding.edits) {
-            if (edit.isSafe || withUnsafe) {
-                byFile[finding.file].push_back(edit);
-            }
+        if (!finding.edits.empty() && (withUnsafe || finding.edits.front().isSafe)) {
+            byFile[finding.file].push_back(&finding);
         }
     }
     std::vector<FileFix> fixes;
-    for (auto& [path, edits] : byFile) {
-        const auto file = SourceFile::Read(path);
-        FileFix fix{path, file->Text(), "", Separate(std::move(edits))};
-        if (!file->IsLoaded() || !AreStillThere(fix.edits, fix.before)) {
-            continue;
-        }
-        fix.after = Applied(fix.before, fix.edits, 0);
-        if (SourceFile::Of(path, fix.after)->IsLoaded()) {
-            fixes.push_back(std::move(fix));
+    for (const auto& [path, ofFile] : byFile) {
+        if (auto fix = FixOfFile(path, ofFile)) {
+            fixes.push_back(std::move(*fix));
         }
     }
     return fixes;
@@ -221,18 +242,7 @@ std::string DiffOf(const FileFix& fix)
 
 std::optional<std::string> WriteFix(const FileFix& fix)
 {
-    NewFile file;
-    if (const auto problem = file.Make(fix.path)) {
-        return fix.path + ": " + *problem;
-    }
-    std::ofstream stream(file.TemporaryPath(), std::ios::binary);
-    stream << fix.after;
-    stream.close();
-    if (!stream) {
-        return fix.path + ": it can't be written";
-    }
-    const auto problem = file.PutInPlace();
-    return problem ? std::optional(fix.path + ": " + *problem) : std::nullopt;
+    return WriteNewFile(fix.path, fix.after);
 }
 
 } // namespace diagnosis::lint

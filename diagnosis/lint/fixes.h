@@ -14,6 +14,8 @@ struct FileFix {
     std::string path;
     std::string before;
     std::string after;
+    /// Number of findings that it mends; one may need several edits.
+    std::size_t findings = 0;
     /// In order of their place, none overlapping another.
     std::vector<Edit> edits;
 };

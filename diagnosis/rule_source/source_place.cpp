@@ -1,6 +1,8 @@
 #include "diagnosis/rule_source/source_place.h"
 
+#include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace diagnosis::rule_source {
 
@@ -102,7 +104,46 @@ AttributePlace FindAttribute(Element element, Attribute attribute)
     return place;
 }
 
+// The offset behind a comment or a CDATA section that begins at `at`; `at` if none does.
+std::size_t BehindPassage(std::string_view text, std::size_t at)
+{
+    for (const auto& [start, end] : {std::pair<std::string_view, std::string_view>{"<!--", "-->"}, {"<![CDATA[", "]]>"}}) {
+        if (text.substr(at).starts_with(start)) {
+            return std::min(text.find(end, at), text.size() - end.size()) + end.size();
+        }
+    }
+    return at;
+}
+
+// Whether a tag that begins with `start`, such as "</", is at this offset and has this name.
+bool IsTag(std::string_view text, std::size_t at, std::string_view start, std::string_view name)
+{
+    const std::size_t behind = at + start.size() + name.size();
+    return text.substr(at).starts_with(start) && text.substr(at + start.size()).starts_with(name)
+        && behind < text.size() && (IsBlank(text[behind]) || text[behind] == '>' || text[behind] == '/');
+}
+
 } // namespace
+
+std::optional<SourcePlace> PlaceOfEndName(Element element)
+{
+    const std::string_view text = element.File()->Text();
+    const std::string_view name = element.Name();
+    const std::size_t start = NameOffset(element);
+    int open = 1;
+    for (std::size_t at = start == NONE ? NONE : TagEnd(text, start); at != NONE; at = text.find('<', at)) {
+        if (const std::size_t behind = BehindPassage(text, at); behind != at) {
+            at = behind;
+            continue;
+        }
+        if (IsTag(text, at, "</", name) && --open == 0) {
+            return SourcePlace{at + 2, name.size()};
+        }
+        open += IsTag(text, at, "<", name) && TagEnd(text, at) != NONE ? 1 : 0;
+        ++at;
+    }
+    return std::nullopt;
+}
 
 std::optional<SourcePlace> PlaceOfName(Element element)
 {
@@ -127,6 +168,13 @@ std::optional<SourcePlace> PlaceOfValue(Element element, Attribute attribute)
     const AttributePlace place = FindAttribute(element, attribute);
     return place.end == NONE ? std::nullopt
                              : std::optional<SourcePlace>({place.quote + 1, place.end - place.quote - 1});
+}
+
+std::optional<SourcePlace> PlaceOfAttributeName(Element element, Attribute attribute)
+{
+    const AttributePlace place = FindAttribute(element, attribute);
+    return place.end == NONE ? std::nullopt
+                             : std::optional<SourcePlace>({place.name, attribute.Name().size()});
 }
 
 std::optional<SourcePlace> PlaceOfAttribute(Element element, Attribute attribute)

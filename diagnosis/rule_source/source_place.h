@@ -19,10 +19,14 @@ struct SourcePlace {
 
 /// The name in an element's start tag.
 std::optional<SourcePlace> PlaceOfName(Element element);
+/// The name in an element's end tag; nothing for an element that its start tag ends.
+std::optional<SourcePlace> PlaceOfEndName(Element element);
 /// The text of an element as written, with entities; nothing if it is not one piece of plain text.
 std::optional<SourcePlace> PlaceOfText(Element element);
 /// The value of an attribute as written, without its quotes. May be empty.
 std::optional<SourcePlace> PlaceOfValue(Element element, Attribute attribute);
+/// The name of an attribute.
+std::optional<SourcePlace> PlaceOfAttributeName(Element element, Attribute attribute);
 /// An attribute with the white space in front of it, which is removed with it.
 std::optional<SourcePlace> PlaceOfAttribute(Element element, Attribute attribute);
 

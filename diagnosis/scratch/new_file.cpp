@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 
 namespace diagnosis {
 
@@ -33,6 +34,19 @@ std::optional<std::string> NewFile::PutInPlace()
         return std::string("can't be put in place: ") + std::strerror(errno);
     }
     return std::nullopt;
+}
+
+std::optional<std::string> WriteNewFile(const std::string& path, const std::string& text)
+{
+    NewFile file;
+    if (const auto problem = file.Make(path)) {
+        return path + ": " + *problem;
+    }
+    std::ofstream stream(file.TemporaryPath(), std::ios::binary);
+    stream << text;
+    stream.close();
+    const auto problem = stream ? file.PutInPlace() : std::optional<std::string>("can't be written");
+    return problem ? std::optional(path + ": " + *problem) : std::nullopt;
 }
 
 bool IsOneFile(const std::string& one, const std::string& other)

@@ -24,6 +24,9 @@ private:
     Scratch mFolder;
 };
 
+/// Writes a text into a file, atomically. Returns the path and the reason if it can't.
+std::optional<std::string> WriteNewFile(const std::string& path, const std::string& text);
+
 /// True if two paths name the same file. Guards against replacing an input by its own output.
 bool IsOneFile(const std::string& one, const std::string& other);
 

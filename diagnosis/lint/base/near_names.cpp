@@ -1,6 +1,7 @@
 #include "diagnosis/lint/base/near_names.h"
 
-#include "diagnosis/lint/base/report.h"
+#include <algorithm>
+
 #include "diagnosis/text/near_match.h"
 
 namespace diagnosis::lint {
@@ -20,10 +21,14 @@ std::string NearNames::Find(std::string_view name)
     return mLettersLooked > MOST_LETTERS ? "" : NearMatch(std::string(name), mNames);
 }
 
-std::string NearNames::Help(std::string_view name)
+std::string NearIdIn(const rule_source::ParamTable& table, std::string_view id)
 {
-    const std::string near = Find(name);
-    return near.empty() ? "" : "did you mean " + Quoted(near) + "?";
+    static constexpr std::size_t MOST_IDS = 100;
+    NearNames near;
+    for (std::size_t place = 0; place < std::min(MOST_IDS, table.Params().size()); ++place) {
+        near.Add(table.Params()[place].id);
+    }
+    return near.Find(id);
 }
 
 } // namespace diagnosis::lint

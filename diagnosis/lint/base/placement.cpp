@@ -141,22 +141,43 @@ std::string Escaped(const std::string& text, bool isValue)
     return escaped;
 }
 
-void SetEdits(const Reported& reported, Finding& finding)
+std::optional<SourcePlace> PlaceToFix(const Reported& reported)
 {
     using What = FixOf::What;
-    const FixOf& fix = reported.details.fix;
-    std::optional<SourcePlace> place;
-    if (fix.what == What::TEXT) {
-        place = rule_source::PlaceOfText(reported.element);
-    } else if (fix.what == What::VALUE) {
-        place = rule_source::PlaceOfValue(reported.element, reported.details.attribute);
-    } else if (fix.what == What::REMOVE_ATTRIBUTE) {
-        place = rule_source::PlaceOfAttribute(reported.element, reported.details.attribute);
+    const rule_source::Attribute attribute = reported.details.attribute;
+    switch (reported.details.fix.what) {
+    case What::TEXT:
+        return rule_source::PlaceOfText(reported.element);
+    case What::VALUE:
+        return rule_source::PlaceOfValue(reported.element, attribute);
+    case What::NAME:
+        return rule_source::PlaceOfName(reported.element);
+    case What::ATTRIBUTE_NAME:
+        return rule_source::PlaceOfAttributeName(reported.element, attribute);
+    case What::REMOVE_ATTRIBUTE:
+        return rule_source::PlaceOfAttribute(reported.element, attribute);
+    default:
+        return std::nullopt;
     }
-    if (place) {
-        finding.edits.push_back({place->offset, place->length,
-            reported.file->Text().substr(place->offset, place->length), Escaped(fix.text, fix.what == What::VALUE),
-            fix.isSafe});
+}
+
+void AddEdit(const Reported& reported, const SourcePlace& place, Finding& finding)
+{
+    const FixOf& fix = reported.details.fix;
+    finding.edits.push_back({place.offset, place.length, reported.file->Text().substr(place.offset, place.length),
+        Escaped(fix.text, fix.what == FixOf::What::VALUE), fix.isSafe});
+}
+
+void SetEdits(const Reported& reported, Finding& finding)
+{
+    const auto place = PlaceToFix(reported);
+    if (!place) {
+        return;
+    }
+    AddEdit(reported, *place, finding);
+    const bool isName = reported.details.fix.what == FixOf::What::NAME;
+    if (const auto end = isName ? rule_source::PlaceOfEndName(reported.element) : std::nullopt) {
+        AddEdit(reported, *end, finding);
     }
 }
 

@@ -2,8 +2,23 @@
 
 namespace diagnosis::lint {
 
+namespace {
+
+FixOf ReplacementOf(const Details& details)
+{
+    return details.attribute  ? FixOf::Value(details.near, false)
+        : details.isAboutText ? FixOf::Text(details.near, false)
+                              : FixOf::Name(details.near);
+}
+
+} // namespace
+
 void Report::Add(rule_source::Element element, std::string message, Details details)
 {
+    if (!details.near.empty()) {
+        details.help = DidYouMean(details.near);
+        details.fix = details.fix.what == FixOf::What::NOTHING ? ReplacementOf(details) : details.fix;
+    }
     Reported reported;
     reported.check = mCheck;
     reported.file = element.File();
@@ -22,6 +37,11 @@ void Report::AddToFile(const rule_source::SourceFile& file, int line, std::strin
     reported.line = line;
     reported.message = std::move(message);
     mFindings.push_back(std::move(reported));
+}
+
+std::string DidYouMean(const std::string& near)
+{
+    return near.empty() ? "" : "did you mean " + Quoted(near) + "?";
 }
 
 std::string Quoted(std::string_view name)

@@ -11,7 +11,7 @@ namespace diagnosis::lint {
 
 /// The fix of a finding. The text is the new content without XML escapes, which are added when it is written.
 struct FixOf {
-    enum class What { NOTHING, TEXT, VALUE, REMOVE_ATTRIBUTE };
+    enum class What { NOTHING, TEXT, VALUE, NAME, ATTRIBUTE_NAME, REMOVE_ATTRIBUTE };
 
     What what = What::NOTHING;
     std::string text = {};
@@ -22,6 +22,10 @@ struct FixOf {
     static FixOf Text(std::string text, bool isSafe) { return {What::TEXT, std::move(text), isSafe}; }
     /// Replaces the value of the attribute.
     static FixOf Value(std::string text, bool isSafe) { return {What::VALUE, std::move(text), isSafe}; }
+    /// Renames the element, which changes what the engine reads.
+    static FixOf Name(std::string name) { return {What::NAME, std::move(name), false}; }
+    /// Renames the attribute, which changes what the engine reads.
+    static FixOf AttributeName(std::string name) { return {What::ATTRIBUTE_NAME, std::move(name), false}; }
     /// Removes an attribute that nothing reads.
     static FixOf Removal() { return {What::REMOVE_ATTRIBUTE, "", true}; }
 };
@@ -33,6 +37,9 @@ struct Details {
     /// What to do about it, as a sentence without a full stop: `did you mean "worn"?`.
     std::string help = {};
     FixOf fix = {};
+    /// The known name that was probably meant. If there is one, it becomes the help, and an unsafe fix puts it where the
+    /// caret points, unless the finding has a fix of its own.
+    std::string near = {};
     /// True if the caret points at the element's text; otherwise, without an attribute, it points at its name.
     bool isAboutText = false;
 };
@@ -67,6 +74,9 @@ private:
     /// No vector: it would move all of them again and again.
     std::deque<Reported> mFindings;
 };
+
+/// The help for a near name: `did you mean "worn"?`; empty without one.
+std::string DidYouMean(const std::string& near);
 
 /// A name in a message: in double quotes.
 std::string Quoted(std::string_view name);

@@ -31,6 +31,7 @@ std::string CountsText(const LintRun& run)
         text = "no findings";
     }
     Append(run.known, "in the baseline", "in the baseline", text);
+    Append(run.fixed, "fixed", "fixed", text);
     return text;
 }
 

@@ -15,11 +15,13 @@ struct LintRun {
     std::vector<Finding> findings;
     /// Number of findings in the baseline, which are not reported.
     std::size_t known = 0;
+    /// Number of findings that --fix has mended.
+    std::size_t fixed = 0;
 
     std::size_t Count(Severity severity) const;
 };
 
-/// "2 errors, 1 warning, 3 in the baseline"; "no findings" if there are none.
+/// "2 errors, 1 warning, 3 in the baseline, 1 fixed"; "no findings" if there are none.
 std::string CountsText(const LintRun& run);
 
 /// The formats below are complete, with their last line end, and valid without findings, too.

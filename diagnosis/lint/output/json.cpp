@@ -44,6 +44,7 @@ std::string RunJson(const LintRun& run)
     json.Key("warnings").Number(static_cast<std::int64_t>(run.Count(Severity::WARNING)));
     json.Key("infos").Number(static_cast<std::int64_t>(run.Count(Severity::INFO)));
     json.Key("known").Number(static_cast<std::int64_t>(run.known));
+    json.Key("fixed").Number(static_cast<std::int64_t>(run.fixed));
     return json.EndObject().Line() + "\n";
 }
 

@@ -199,12 +199,12 @@ TEST_F(TestRunTest, AChangedRuleSetIsToldFromOneThatAnswersAlike)
 {
     Write("a.test.json", "\"cases\": [{\"name\": \"bad\", \"expect\": {\"causes\": {\"T\": [\"DROPS\"]}}}, {\"name\": \"cold\", " + SOUND + "}]");
     WriteRules("same", "65");
-    EXPECT_EQ(FirstOtherAnswer("rules", "same"), std::nullopt);
+    EXPECT_EQ(FirstOtherAnswer({"rules"}, "rules", "same"), std::nullopt);
     WriteRules("other", "50");
-    EXPECT_EQ(FirstOtherAnswer("rules", "other"), "rules/a.test.json: bad");
+    EXPECT_EQ(FirstOtherAnswer({"rules"}, "rules", "other"), "rules/a.test.json: bad");
     WriteRules("broken", "70");
     mDir.Write("broken/FaultTrees.xml", "<");
-    EXPECT_EQ(FirstOtherAnswer("rules", "broken"), "rules/a.test.json: bad");
+    EXPECT_EQ(FirstOtherAnswer({"rules"}, "rules", "broken"), "rules/a.test.json: bad");
 }
 
 } // namespace

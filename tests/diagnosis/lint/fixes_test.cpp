@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <set>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -47,6 +50,33 @@ TEST(LintFixes, LeaveNothingToMendBehind)
         }
         EXPECT_THAT(FixesOf(LintFolder(dir.Path(), {}).findings, true), IsEmpty()) << sample.folder;
     }
+}
+
+// Whether the bad sample of the folder still has its finding after all fixes.
+bool IsFoundAfterFixes(const LintSample& sample)
+{
+    const TempDir dir;
+    const LogCapture log;
+    sample.CopyTo(dir, "bad");
+    for (const FileFix& fix : FixesOf(LintFolder(dir.Path(), {}).findings, true)) {
+        EXPECT_EQ(WriteFix(fix), std::nullopt);
+    }
+    const auto findings = LintFolder(dir.Path(), {}).findings;
+    return std::any_of(findings.begin(), findings.end(), [&](const Finding& left) { return left.check->id == sample.id; });
+}
+
+TEST(LintFixes, PutTheNearNameInThePlaceOfAnUnknownOne)
+{
+    std::set<std::string> mended;
+    for (const LintSample& sample : AllLintSamples()) {
+        if (!IsFoundAfterFixes(sample)) {
+            mended.insert(sample.folder.substr(sample.folder.rfind('/') + 1));
+        }
+    }
+    EXPECT_THAT(mended, testing::IsSupersetOf({"A102-tag-in-lower-case", "A104-attribute-misspelt",
+        "A206-event-word-in-lower-case", "A303-rule-name-misspelt", "A426-word-gte", "A503-misspelt-type",
+        "A613-type-of-a-query-misspelt", "A614-common-part-misspelt", "A623-databases-misspelt", "A708-result-misspelt",
+        "A712-node-for-an-unknown-key"}));
 }
 
 Finding Of(const std::string& path, diagnosis::lint::Edit edit)

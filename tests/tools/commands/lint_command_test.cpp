@@ -14,6 +14,7 @@
 namespace {
 
 using testing::AllOf;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -64,7 +65,8 @@ TEST_F(LintCommand, ShowsPlaceLineHelpAndWhatHappensAtRunTime)
     const auto result = Lint({"rules"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out,
-        "rules/FaultTreeRules.xml:12: error A401: the rule \"r\" names no scene\n"
+        "rules/FaultTreeRules.xml:12: error A401: rule without a scene\n"
+        "  the rule \"r\" names no scene\n"
         " 12 |         <codeRule name=\"r\"><detectInfo id=\"C\"/></codeRule>\n"
         "    |          ^^^^^^^^\n"
         "   = help: name its scenes in \"detectScene\"\n"
@@ -74,6 +76,14 @@ TEST_F(LintCommand, ShowsPlaceLineHelpAndWhatHappensAtRunTime)
     Mend();
     EXPECT_EQ(Lint({"rules"}).out, "no findings\n");
     EXPECT_EQ(Lint({"rules"}).status, 0);
+}
+
+TEST_F(LintCommand, ShowsNoCaretIfTheTextIsSeveralTimesInItsLine)
+{
+    const std::string rule = "<codeRule name=\"r\"><detectInfo id=\"C\"/></codeRule>";
+    Write(RuleFile(" detectScene=\"1\"", rule + rule));
+    EXPECT_THAT(Lint({"rules", "--only", "A401"}).out, AllOf(HasSubstr("\n 11 | " + rule + rule), Not(HasSubstr("^"))));
+    EXPECT_FALSE(ParsedJson(Lint({"rules", "--only", "A401", "--json"}).out)["findings"][0].isMember("column"));
 }
 
 TEST_F(LintCommand, ReportsToEditorsInOneLineEach)
@@ -194,11 +204,12 @@ TEST_F(LintCommand, LooksAtAllFilesWhenOneCanNotBeRead)
     mDir.Write("broken/FaultTrees.xml", "<a>\n<b></a>");
     const auto result = Lint({"broken", "rules", "missing"});
     EXPECT_EQ(result.status, 3);
-    EXPECT_THAT(result.out, HasSubstr("broken/FaultTrees.xml:2: error A101: FaultTrees.xml is no well-formed XML: "
-                                      "mismatched element\n"));
+    EXPECT_THAT(result.out, HasSubstr("broken/FaultTrees.xml:2: error A101: file missing or not well-formed\n"
+                                      "  FaultTrees.xml is no well-formed XML: mismatched element\n"));
     EXPECT_THAT(result.out, HasSubstr("broken/FaultTreeRules.xml:12: error A401"));
     EXPECT_THAT(result.out, HasSubstr("rules/FaultTreeRules.xml:12: error A401"));
-    EXPECT_THAT(result.out, HasSubstr("missing/FaultTrees.xml: error A101: FaultTrees.xml can't be used: there is no"));
+    EXPECT_THAT(result.out, HasSubstr("missing/FaultTrees.xml: error A101: file missing or not well-formed\n"
+                                      "  FaultTrees.xml can't be used: there is no"));
 }
 
 TEST_F(LintCommand, ACommentSuppressesWhatTheElementBehindItHolds)
@@ -206,7 +217,8 @@ TEST_F(LintCommand, ACommentSuppressesWhatTheElementBehindItHolds)
     Write(RuleFile("", "<!-- arborist-disable A401: the host picks the scene -->"));
     EXPECT_EQ(Lint({"rules"}).out, "no findings\n");
     Write("<!-- arborist-disable A303, A401 -->" + RuleFile());
-    EXPECT_THAT(Lint({"rules"}).out, AllOf(HasSubstr(":1: info A001: the comment suppresses \"A303\", which finds nothing"),
+    EXPECT_THAT(Lint({"rules"}).out, AllOf(HasSubstr(":1: info A001: suppression without use\n"
+                                                   "  the comment suppresses \"A303\", which finds nothing"),
                                          Not(HasSubstr("error A401"))));
     Write(RuleFile(" detectScene=\"1\"", "<!-- arborist-disable A999 -->"));
     EXPECT_THAT(Lint({"rules"}).out, HasSubstr("the comment suppresses \"A999\", which is no check"));
@@ -231,6 +243,28 @@ TEST_F(LintCommand, ABaselineHoldsWhatIsKnown)
     mDir.Write("lint.txt", "A401 rules\n");
     EXPECT_EQ(Lint({"rules", "--baseline", "lint.txt"}).status, 2);
     EXPECT_EQ(Lint({"rules", "--baseline", "none.txt"}).status, 2);
+}
+
+TEST_F(LintCommand, WritesABaselineAgainWithItsCommentsAndTellsNoneOfIt)
+{
+    const std::string again = "<codeRule detectScene=\"1\"><detectInfo id=\"D\"/></codeRule>\n";
+    Write(RuleFile("", again));
+    ASSERT_EQ(Lint({"rules", "--write-baseline", "lint.txt"}).out, "no findings, 2 in the baseline\n");
+    std::string known = mDir.Read("lint.txt");
+    const std::string first = known.substr(known.find("A401"), known.find('\n', known.find("A401")) - known.find("A401") + 1);
+    known.insert(known.find("A404"), "# Is given a name by the host.\n");
+    known.insert(known.find("A401"), "# Meant.\n");
+    mDir.Write("lint.txt", known);
+    Mend();
+    EXPECT_EQ(Lint({"rules", "--write-baseline", "lint.txt"}).status, 0);
+    EXPECT_EQ(mDir.Read("lint.txt").find("A40"), std::string::npos);
+    mDir.Write("lint.txt", known);
+    Write(RuleFile());
+    EXPECT_EQ(Lint({"rules", "--write-baseline", "lint.txt"}).status, 0);
+    EXPECT_THAT(mDir.Read("lint.txt"), EndsWith("number.\n# Meant.\n" + first));
+    // A file of another kind is no baseline to be written again.
+    EXPECT_EQ(Lint({"rules", "--write-baseline", "rules/FaultTreeRules.xml"}).status, 2);
+    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), RuleFile());
 }
 
 TEST_F(LintCommand, TakesItsOptionsFromAConfiguration)
@@ -267,7 +301,7 @@ TEST_F(LintCommand, ReadsFilesWithAPrefixAndOneTagAlone)
     EXPECT_EQ(Lint({"rules"}).status, 3);
     EXPECT_EQ(Lint({"rules", "--prefix", "P"}).status, 1);
     EXPECT_THAT(Lint({"rules", "--prefix", "P", "--tag", "laptop"}).out,
-        HasSubstr("A102: the tree file has no section \"laptop\"\n"));
+        HasSubstr("A102: tag or section that is not there\n  the tree file has no section \"laptop\"\n"));
 }
 
 TEST_F(LintCommand, ListsAndExplainsChecks)
@@ -339,7 +373,7 @@ TEST_F(LintCommand, ShowsAndMakesFixes)
                                     "</codeRule>\n+        <codeRule name=\"r\" detectScene=\"1\"><detectInfo"));
     EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), before);
     mDir.Write("lint.diff", diff.out);
-    EXPECT_EQ(Lint({"rules", "--fix"}).out, "no findings\n");
+    EXPECT_EQ(Lint({"rules", "--fix"}).out, "no findings, 1 fixed\n");
     const std::string after = mDir.Read("rules/FaultTreeRules.xml");
     EXPECT_THAT(after, Not(HasSubstr("colour")));
     EXPECT_EQ(RunProcess({"patch", "-R", "-p0", "-i", "lint.diff"}).status, 0);
@@ -353,8 +387,33 @@ TEST_F(LintCommand, MakesUnsafeFixesWhenAskedTo)
     Write(rules);
     EXPECT_EQ(Lint({"rules", "--fix"}).status, 1);
     EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), rules);
-    EXPECT_EQ(Lint({"rules", "--fix", "--unsafe-fixes"}).out, "no findings\n");
+    EXPECT_EQ(Lint({"rules", "--fix", "--unsafe-fixes"}).out, "no findings, 1 fixed\n");
     EXPECT_THAT(mDir.Read("rules/FaultTreeRules.xml"), HasSubstr("<Rule-name>r</Rule-name>"));
+}
+
+TEST_F(LintCommand, PutsTheNearKeyInEveryPlaceOfAnUnknownNameOfAFormula)
+{
+    const auto node = [](const std::string& formula) {
+        return RuleFile(" detectScene=\"1\"", "<nodeRule name=\"n\" detectScene=\"1\"><nodeInfo param=\"full\" path=\"f\"/>"
+            "<params><param id=\"1\" key=\"full\" type=\"int\"/><param id=\"2\" key=\"sum\" type=\"double\"/></params>"
+            "<logicExpression type=\"double\" ret=\"sum\" express=\"" + formula + "\"/></nodeRule>");
+    };
+    Write(node("(fulll + 2 ) * fulll"));
+    EXPECT_EQ(Lint({"rules", "--fix", "--unsafe-fixes", "--only", "A704"}).out, "no findings, 1 fixed\n");
+    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), node("(full + 2 ) * full"));
+}
+
+TEST_F(LintCommand, RenamesAnElementWithItsEndTagAndLeavesEqualWordsInItAlone)
+{
+    const auto rules = [](const std::string& word) {
+        return "<R>\n<" + word + "><!-- </" + word + "> --><Laptop>\n<rule/>\n</Laptop></" + word + ">\n<EventRules><Laptop/>"
+            "</EventRules></R>";
+    };
+    Write(rules("Rulelist"));
+    EXPECT_EQ(Lint({"rules", "--fix", "--unsafe-fixes", "--only", "A102"}).out, "no findings, 1 fixed\n");
+    std::string mended = rules("RuleList");
+    mended.replace(mended.find("<!-- </RuleList"), 15, "<!-- </Rulelist");
+    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), mended);
 }
 
 TEST_F(LintCommand, LeavesOutTheSemicolonAtTheEndOfAQueryAlone)
@@ -366,7 +425,7 @@ TEST_F(LintCommand, LeavesOutTheSemicolonAtTheEndOfAQueryAlone)
     };
     const std::vector<std::string> fix = {"rules", "--fix", "--unsafe-fixes", "--only", "A603"};
     Write(query("select 1 where 2 &lt; 3 ; ;\n"));
-    EXPECT_EQ(Lint(fix).out, "no findings\n");
+    EXPECT_EQ(Lint(fix).out, "no findings, 1 fixed\n");
     EXPECT_THAT(mDir.Read("rules/FaultTreeRules.xml"), HasSubstr("<sql>select 1 where 2 &lt; 3 </sql>"));
     Write(query("select 1; select 2"));
     EXPECT_EQ(Lint(fix).status, 1);
@@ -387,8 +446,24 @@ TEST_F(LintCommand, RefusesFixesWithWhichTheTestsOfTheRuleSetAnswerOtherwise)
     EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), rules);
     EXPECT_EQ(Lint({"rules", "--diff", "--unsafe-fixes"}).out, "");
     mDir.Write("rules/quiet.test.json", R"({"scene": 2, "answers": {"r": true}, "expect": {"causes": {"T": []}}})");
-    EXPECT_EQ(Lint({"rules", "--fix", "--unsafe-fixes"}).out, "no findings\n");
+    EXPECT_EQ(Lint({"rules", "--fix", "--unsafe-fixes"}).out, "no findings, 1 fixed\n");
     EXPECT_NE(mDir.Read("rules/FaultTreeRules.xml"), rules);
+}
+
+TEST_F(LintCommand, RefusesFixesWithWhichTestsInAnotherFolderAnswerOtherwise)
+{
+    std::string rules = RuleFile(" detectScene=\"1\"");
+    rules.replace(rules.find("<Rule-name>r"), 12, "<Rule-name>r\n");
+    Write(rules);
+    const std::string quiet = R"("scene": 1, "answers": {"r": true}, "expect": {"causes": {"T": []}}})";
+    mDir.Write("tests/quiet.test.json", R"({"rules": "../rules", )" + quiet);
+    const std::vector<std::string> fix = {"rules", "--fix", "--unsafe-fixes", "--tests", "tests"};
+    EXPECT_THAT(Lint(fix).err, HasSubstr("tests/quiet.test.json: quiet\n"));
+    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), rules);
+    // A case of another rule set says nothing about this one.
+    fs::copy("rules", "others");
+    mDir.Write("tests/quiet.test.json", R"({"rules": "../others", )" + quiet);
+    EXPECT_EQ(Lint(fix).out, "no findings, 1 fixed\n");
 }
 
 TEST_F(LintCommand, DoesNotMendWhatIsOnStandardInput)

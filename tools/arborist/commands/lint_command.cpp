@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <fstream>
 #include <iostream>
 #include <iterator>
 #include <memory>
@@ -41,6 +40,7 @@ struct LintCommandOptions {
     bool isFixed = false;
     bool asDiff = false;
     bool withUnsafeFixes = false;
+    std::vector<std::string> tests;
     std::string format = "text";
     bool asJson = false;
     std::string stdinFile;
@@ -195,17 +195,22 @@ bool IsAtLevel(const lint::LintRun& run, const std::string& failLevel)
         [level](const lint::Finding& finding) { return finding.check->severity >= level; });
 }
 
-bool WriteBaseline(const lint::LintRun& run, const std::string& path)
+// Writes the new baseline, if one is asked for: all findings are known then. Returns the reason if it can't.
+std::optional<std::string> WriteBaseline(const LintCommandOptions& options, lint::LintRun& run)
 {
-    std::ofstream file(path, std::ios::binary);
-    file << lint::Baseline::TextOf(run.findings, path);
-    return static_cast<bool>(file.flush());
+    if (options.newBaseline.empty()) {
+        return std::nullopt;
+    }
+    const auto problem = lint::Baseline::Write(run.findings, options.newBaseline);
+    run.known = run.findings.size();
+    run.findings.clear();
+    return problem;
 }
 
 // Removes the findings that are in the baseline; false, with the reason, if it can't be read.
 bool FilterByBaseline(const LintCommandOptions& options, lint::LintRun& run, std::string& problem)
 {
-    if (options.baseline.empty() || options.withoutBaseline) {
+    if (options.baseline.empty() || options.withoutBaseline || !options.newBaseline.empty()) {
         return true;
     }
     auto baseline = lint::Baseline::Read(options.baseline, problem);
@@ -215,15 +220,11 @@ bool FilterByBaseline(const LintCommandOptions& options, lint::LintRun& run, std
     return baseline.has_value();
 }
 
-// Lints all folders and leaves out findings of the baseline; false, with the reason, if that can't be read or written.
+// Lints all folders and leaves out findings of the baseline; false, with the reason, if that can't be read.
 bool LintFolders(LintRunner& runner, const LintCommandOptions& given, std::string& problem)
 {
     for (const std::string& folder : given.folders) {
         runner.Lint(folder);
-    }
-    if (!given.newBaseline.empty() && !WriteBaseline(runner.Run(), given.newBaseline)) {
-        problem = given.newBaseline + ": it can't be written";
-        return false;
     }
     return FilterByBaseline(given, runner.Run(), problem);
 }
@@ -231,21 +232,22 @@ bool LintFolders(LintRunner& runner, const LintCommandOptions& given, std::strin
 // The fixes that the tests of the rule sets allow, after printing why others are refused.
 std::vector<lint::FileFix> FixesToMake(const lint::LintRun& run, const LintCommandOptions& given)
 {
-    TestedFixes tested = TestFixes(lint::FixesOf(run.findings, given.withUnsafeFixes));
+    TestedFixes tested = TestFixes(lint::FixesOf(run.findings, given.withUnsafeFixes), given.tests);
     for (const std::string& refusal : tested.refused) {
         PrintError(refusal);
     }
     return std::move(tested.fixes);
 }
 
-// Fixes the files; false, after printing the reason, if one could not be written.
-bool Fix(const lint::LintRun& run, const LintCommandOptions& given)
+// Fixes the files and adds the findings that they mend to `fixed`; false, after printing the reason, if a file can't be written.
+bool Fix(const lint::LintRun& run, const LintCommandOptions& given, std::size_t& fixed)
 {
     for (const lint::FileFix& fix : FixesToMake(run, given)) {
         if (const auto problem = lint::WriteFix(fix)) {
             PrintError(*problem);
             return false;
         }
+        fixed += fix.findings;
     }
     return true;
 }
@@ -259,12 +261,16 @@ std::string Diff(const lint::LintRun& run, const LintCommandOptions& given)
     return text;
 }
 
-ExitStatus Tell(const LintRunner& runner, const LintCommandOptions& given)
+ExitStatus Tell(LintRunner& runner, const LintCommandOptions& given)
 {
-    const lint::LintRun& run = runner.Run();
+    lint::LintRun& run = runner.Run();
+    if (const auto problem = WriteBaseline(given, run)) {
+        return WrongUse(*problem);
+    }
     PrintResult(given.asDiff ? Diff(run, given) : Formatted(run, given));
-    const bool isBad = IsAtLevel(run, given.failLevel) && given.newBaseline.empty();
-    return !runner.IsReadable() ? ExitStatus::RULE_SET : isBad ? ExitStatus::FAULT_FOUND : ExitStatus::SUCCESS;
+    return !runner.IsReadable()              ? ExitStatus::RULE_SET
+        : IsAtLevel(run, given.failLevel) ? ExitStatus::FAULT_FOUND
+                                          : ExitStatus::SUCCESS;
 }
 
 ExitStatus LintAll(const LintCommandOptions& given, const lint::LintOptions& options)
@@ -279,7 +285,7 @@ ExitStatus LintAll(const LintCommandOptions& given, const lint::LintOptions& opt
     }
     // Report the findings that remain in the fixed files.
     LintRunner again(given, options);
-    if (!Fix(runner.Run(), given) || !LintFolders(again, given, problem)) {
+    if (!Fix(runner.Run(), given, again.Run().fixed) || !LintFolders(again, given, problem)) {
         return problem.empty() ? ExitStatus::WRONG_USE : WrongUse(problem);
     }
     return Tell(again, given);
@@ -340,6 +346,8 @@ void AddFixes(Command app, LintCommandOptions& options)
     app.AddFlag("--diff", options.asDiff, "Show what --fix would change, and change nothing").Excludes(fix);
     app.AddFlag("--unsafe-fixes", options.withUnsafeFixes, "With --fix or --diff: also what changes what is read, as it "
         "was most likely meant");
+    app.Add("--tests", options.tests, "Cases, and folders of cases, that must answer alike after a fix, in addition to "
+        "those below RULES_DIR").Takes("PATH");
 }
 
 void AddOutput(Command app, LintCommandOptions& options)
@@ -355,7 +363,7 @@ void AddOutput(Command app, LintCommandOptions& options)
         .OneOf({"error", "warning", "info"});
     const Option baseline = app.Add("--baseline", options.baseline, "Leave out findings that this file holds")
         .Takes("FILE");
-    app.Add("--write-baseline", options.newBaseline, "Write all findings to this file, and exit with 0")
+    app.Add("--write-baseline", options.newBaseline, "Write all findings to this file, and keep the comments that it has")
         .Takes("FILE").Excludes(baseline);
     app.AddFlag("--no-baseline", options.withoutBaseline, "Tell all, also what the baseline of --config holds");
 }

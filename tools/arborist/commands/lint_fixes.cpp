@@ -48,7 +48,8 @@ bool CopyFixed(const std::string& folder, const std::vector<lint::FileFix>& fixe
 }
 
 // Why the fixes of a folder are refused; nothing if they are not.
-std::optional<std::string> Refusal(const std::string& folder, const std::vector<lint::FileFix>& fixes)
+std::optional<std::string> Refusal(
+    const std::string& folder, const std::vector<lint::FileFix>& fixes, std::vector<std::string> tests)
 {
     Scratch copy;
     if (const auto failure = copy.Make()) {
@@ -57,13 +58,14 @@ std::optional<std::string> Refusal(const std::string& folder, const std::vector<
     if (!CopyFixed(folder, fixes, copy)) {
         return folder + ": not mended: it can't be copied to be tested";
     }
-    const auto other = cases::FirstOtherAnswer(folder, copy.Path());
+    tests.insert(tests.begin(), folder);
+    const auto other = cases::FirstOtherAnswer(tests, folder, copy.Path());
     return other ? std::optional(folder + ": not mended: a test would answer otherwise: " + *other) : std::nullopt;
 }
 
 } // namespace
 
-TestedFixes TestFixes(std::vector<lint::FileFix> fixes)
+TestedFixes TestFixes(std::vector<lint::FileFix> fixes, const std::vector<std::string>& tests)
 {
     std::map<std::string, std::vector<lint::FileFix>> byFolder;
     for (lint::FileFix& fix : fixes) {
@@ -72,7 +74,7 @@ TestedFixes TestFixes(std::vector<lint::FileFix> fixes)
     }
     TestedFixes tested;
     for (auto& [folder, ofFolder] : byFolder) {
-        if (auto refusal = Refusal(folder, ofFolder)) {
+        if (auto refusal = Refusal(folder, ofFolder, tests)) {
             tested.refused.push_back(std::move(*refusal));
             continue;
         }

@@ -16,9 +16,10 @@ struct TestedFixes {
     std::vector<std::string> refused;
 };
 
-/// Tries the fixes on copies of the rule sets. Refuses those of a folder if a case below it (*.test.json) would answer
-/// otherwise; a folder without cases refuses nothing.
-TestedFixes TestFixes(std::vector<lint::FileFix> fixes);
+/// Tries the fixes on copies of the rule sets. Refuses those of a folder if one of its cases would answer otherwise: a
+/// case of this rule set below it (*.test.json) or in `tests`, which are case files and folders. A rule set without cases
+/// refuses nothing.
+TestedFixes TestFixes(std::vector<lint::FileFix> fixes, const std::vector<std::string>& tests);
 
 } // namespace diagnosis::command
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 
 #include "diagnosis/rule_set/new_rule_set.h"
@@ -57,15 +56,7 @@ std::optional<std::string> WriteTreeFile(const std::string& text, const std::str
     if (std::filesystem::exists(path, error)) {
         return path + ": is there already";
     }
-    NewFile file;
-    if (const auto problem = file.Make(path)) {
-        return path + ": " + *problem;
-    }
-    std::ofstream stream(file.TemporaryPath(), std::ios::binary);
-    stream << text;
-    stream.close();
-    const auto problem = stream ? file.PutInPlace() : std::optional<std::string>("can't be written");
-    return problem ? std::optional(path + ": " + *problem) : std::nullopt;
+    return WriteNewFile(path, text);
 }
 
 ExitStatus Import(const ImportOptions& options)

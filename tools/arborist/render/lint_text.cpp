@@ -68,7 +68,10 @@ std::string FindingText(const Finding& finding, bool withNote, const Colour& col
     const std::string place =
         Printable(finding.file) + (finding.line > 0 ? ":" + std::to_string(finding.line) : "") + ": ";
     std::string text = colour.Bold(place) + ColouredSeverity(finding.check->severity, colour) + " "
-        + colour.Bold(finding.check->id) + ": " + Printable(finding.message) + "\n";
+        + colour.Bold(finding.check->id) + ": " + finding.check->title + "\n";
+    for (const std::string& line : Wrapped(Printable(finding.message), WIDTH, 20)) {
+        text += "  " + line + "\n";
+    }
     text += Frame(finding, colour);
     text += finding.help.empty() ? "" : Note("help", finding.help);
     text += withNote ? Note("note", std::string("at run time ") + finding.check->atRunTime) : "";

@@ -7,8 +7,8 @@
 
 namespace diagnosis::command {
 
-/// The findings of a run as text: each with its place, message, line of the file with a caret if that is known, help,
-/// and once for each check the effect at run time; then the counts.
+/// The findings of a run as text: each with its place, the check's title, message, line of the file with a caret if that
+/// is known, help, and once for each check the effect at run time; then the counts.
 std::string LintText(const lint::LintRun& run, bool isColoured);
 
 /// All checks, a line each: id, severity, what the check needs beside the files, title.

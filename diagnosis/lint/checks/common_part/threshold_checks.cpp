@@ -35,16 +35,12 @@ void ForEachItem(const Subject& subject, Visit visit)
 void CheckSystemParams(const Subject& subject, Report& report)
 {
     static constexpr std::array<std::string_view, 4> WORDS = {"CPU_NAME", "RAM_SIZE", "RESOLUTION", "BATTFULL_DESIGN"};
-    NearNames near([](NearNames& names) {
-        for (const std::string_view word : WORDS) {
-            names.Add(word);
-        }
-    });
+    NearNames near(WORDS.begin(), WORDS.end());
     for (const ThresholdBean& bean : subject.rules.commonPart.beans) {
         for (const Param& param : bean.systemParams.Params()) {
             if (std::find(WORDS.begin(), WORDS.end(), param.key) == WORDS.end()) {
                 report.Add(param.element, "nothing gives the system parameter " + Quoted(param.key) + " a value",
-                    {.attribute = param.element.Find("key"), .help = near.Help(param.key)});
+                    {.attribute = param.element.Find("key"), .near = near.Find(param.key)});
             }
         }
     }
@@ -84,12 +80,7 @@ void ReportUnknown(const ParamTable& table, Element element, Details details, st
     if (table.Find(id) != nullptr) {
         return;
     }
-    NearNames near;
-    static constexpr std::size_t MOST_NAMES = 100;
-    for (std::size_t place = 0; place < std::min(MOST_NAMES, table.Params().size()); ++place) {
-        near.Add(table.Params()[place].id);
-    }
-    details.help = near.Help(id);
+    details.near = NearIdIn(table, id);
     report.Add(element, std::move(message), std::move(details));
 }
 

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <set>
 
+#include "diagnosis/lint/base/near_names.h"
 #include "diagnosis/lint/base/report.h"
 #include "diagnosis/lint/base/subject.h"
 #include "diagnosis/lint/reading/binding_walk.h"
@@ -31,6 +32,12 @@ std::string TroubleOf(const BindingAlternative& alternative)
     }
 }
 
+std::string NearTypeOf(const BindingAlternative& alternative)
+{
+    const bool isUnknown = alternative.kind == BindingAlternative::Kind::UNKNOWN;
+    return isUnknown ? NearNames{"singleRule", "multipleRule"}.Find(alternative.element.Value("type")) : "";
+}
+
 void CheckAlternatives(const Subject& subject, Report& report)
 {
     ForEachAlternative(subject.rules, [&report](const Binding& binding, const BindingAlternative& alternative) {
@@ -39,7 +46,8 @@ void CheckAlternatives(const Subject& subject, Report& report)
             report.Add(alternative.element, "an alternative of the event " + Quoted(binding.id) + " " + trouble,
                 {.attribute = alternative.element.Find("type"),
                     .help = "write type=\"singleRule\" with a \"Rule\", or type=\"multipleRule\" with an \"and\" of "
-                            "several"});
+                            "several",
+                    .near = NearTypeOf(alternative)});
         }
     });
 }

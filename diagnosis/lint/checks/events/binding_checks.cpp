@@ -100,7 +100,7 @@ void CheckEventsWithoutRules(const Subject& subject, Report& report)
         }
         if (event.binding == nullptr) {
             report.Add(event.idElement, "no entry of \"EventRules\" is for the event " + Quoted(event.id),
-                {.help = ids.Help(event.id), .isAboutText = true});
+                {.help = DidYouMean(ids.Find(event.id)), .isAboutText = true}); // the entry is renamed, not the event
         } else if (event.binding->alternatives.empty()) {
             report.Add(event.binding->element, "the entry of the event " + Quoted(event.id) + " names no rule");
         }
@@ -122,12 +122,9 @@ void CheckUnknownRules(const Subject& subject, Report& report)
         if (name.rule != nullptr || IsPadded(name.name) || name.name.find(RULE_NAME_COMMA) != std::string_view::npos) {
             return; // other checks report the last two
         }
-        const std::string near = names.Find(name.name);
         report.Add(name.element,
             "the event " + Quoted(binding.id) + " asks for the rule " + Quoted(name.name) + ", which is not there",
-            {.help = near.empty() ? "" : "did you mean " + Quoted(near) + "?",
-                .fix = near.empty() ? FixOf() : FixOf::Text(near, false),
-                .isAboutText = true});
+            {.near = names.Find(name.name), .isAboutText = true});
     });
 }
 
@@ -154,7 +151,7 @@ void CheckEntriesWithoutEvents(const Subject& subject, Report& report)
     for (const Binding& binding : rules.bindings.all) {
         if (binding.isKept && !binding.isReplaced && binding.event == nullptr && !IsPadded(binding.id)) {
             report.Add(binding.idElement, "no tree has the event " + Quoted(binding.id),
-                {.help = ids.Help(binding.id), .isAboutText = true});
+                {.near = ids.Find(binding.id), .isAboutText = true});
         }
     }
 }

@@ -89,7 +89,7 @@ void CheckUnreported(const Subject& subject, Report& report)
         }
         if (item.event == nullptr) {
             report.Add(item.idElement, "no tree has the event " + Quoted(item.id),
-                {.help = ids.Help(item.id), .isAboutText = true});
+                {.near = ids.Find(item.id), .isAboutText = true});
         } else if (item.event->kind == EventKind::INTERMEDIATE) {
             report.Add(item.idElement, "the event " + Quoted(item.id) + " has a gate and is never reported",
                 {.help = "describe the basic events below it", .isAboutText = true});

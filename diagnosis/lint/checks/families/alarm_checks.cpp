@@ -60,10 +60,8 @@ void CheckWindowTypes(const AlarmRule& rule, const AlarmItem& item, Report& repo
         const std::string start = "a time of the rule " + Quoted(rule.name);
         const Attribute type = time.element.Find("type");
         if (word == WINDOW_WORDS.end()) {
-            NearNames near;
-            std::for_each(WINDOW_WORDS.begin(), WINDOW_WORDS.end(), [&near](const char* known) { near.Add(known); });
             report.Add(time.element, start + (type ? " has the unknown type " + Quoted(time.type) : " has no type"),
-                {.attribute = type, .help = near.Help(time.type)});
+                {.attribute = type, .near = NearNames(WINDOW_WORDS.begin(), WINDOW_WORDS.end()).Find(time.type)});
             continue;
         }
         const TimeWindow& last = item.windows[static_cast<std::size_t>(word - WINDOW_WORDS.begin())];

@@ -36,7 +36,8 @@ void CheckTestsUnread(const AlarmRule& rule, const AlarmItem& item, Report& repo
     if (item.condition.element && !item.HasTests()) {
         report.Add(item.element, "the rule " + Quoted(rule.name) + " has tests, and its type is not "
                 "\"param_eventid\"",
-            {.attribute = item.element.Find("type"), .help = "write type=\"param_eventid\""});
+            {.attribute = item.element.Find("type"), .help = "write type=\"param_eventid\"",
+                .near = NearNames{"param_eventid"}.Find(item.element.Value("type"))});
     }
 }
 
@@ -65,7 +66,7 @@ void CheckTestIds(const AlarmRule& rule, const AlarmItem& item, Report& report)
     ForEachTest(item, [&](const Test& test) {
         if (item.params.Find(test.id) == nullptr) {
             report.Add(test.idElement, "the rule " + Quoted(rule.name) + " has no parameter " + Quoted(test.id),
-                {.help = ids.Help(test.id), .isAboutText = true});
+                {.near = ids.Find(test.id), .isAboutText = true});
         }
     });
 }

@@ -42,7 +42,7 @@ void CheckCommonPartName(const Subject& subject, Report& report)
         } else {
             report.Add(rule.commonPartNameElement, "the rule " + Quoted(rule.name) + " asks for the common part "
                     + Quoted(rule.commonPartName) + ", which is not there",
-                {.help = names.Help(rule.commonPartName), .isAboutText = true});
+                {.near = names.Find(rule.commonPartName), .isAboutText = true});
         }
     });
 }
@@ -69,7 +69,8 @@ void CheckConditionType(const Subject& subject, Report& report)
         const std::string_view type = rule.sqlConditionType;
         if (!type.empty() && type != "defDBSql" && type != "normalization") {
             report.Add(rule.sqlCondition, "the rule " + Quoted(rule.name) + " has the unknown type " + Quoted(type),
-                {.attribute = rule.sqlCondition.Find("type"), .help = "write type=\"defDBSql\""});
+                {.attribute = rule.sqlCondition.Find("type"), .help = "write type=\"defDBSql\"",
+                    .near = NearNames{"defDBSql", "normalization"}.Find(type)});
         }
     });
 }
@@ -106,7 +107,8 @@ void CheckLimitInCommonPart(const CommandRule& rule, const ThresholdBean* bean, 
         "a test of the rule " + Quoted(rule.name) + " asks for the "
             + (IsDynamic(test) ? "threshold " : "system parameter ") + Quoted(test.commonPartParamId)
             + ", which its common part does not have",
-        {.isAboutText = static_cast<bool>(test.commonPartParamIdElement)});
+        {.near = table == nullptr || !test.commonPartParamIdElement ? "" : NearIdIn(*table, test.commonPartParamId),
+            .isAboutText = static_cast<bool>(test.commonPartParamIdElement)});
 }
 
 void CheckLimit(const Subject& subject, Report& report)
@@ -124,7 +126,8 @@ void CheckLimit(const Subject& subject, Report& report)
                         + (test.logicType.empty() ? "no type" : "the unknown type " + Quoted(test.logicType)),
                     {.attribute = test.element.Find("type"),
                         .help = "write type=\"static\" for the value in the test, \"dynamic\" for a threshold of the "
-                                "common part, \"systemParam\" for a system parameter"});
+                                "common part, \"systemParam\" for a system parameter",
+                        .near = NearNames{"static", "dynamic", "systemParam"}.Find(test.logicType)});
             }
         });
     });
@@ -237,7 +240,8 @@ void CheckDatabaseName(const Subject& subject, Report& report)
             report.Add(rule.defDbNameElement ? rule.defDbNameElement : rule.referenceDefDb,
                 "the rule " + Quoted(rule.name) + " asks for the databases " + Quoted(rule.defDbName)
                     + ", which no \"defDBTable\" names",
-                {.help = names.Help(rule.defDbName), .isAboutText = static_cast<bool>(rule.defDbNameElement)});
+                {.near = rule.defDbNameElement ? names.Find(rule.defDbName) : "",
+                    .isAboutText = static_cast<bool>(rule.defDbNameElement)});
         }
     });
 }

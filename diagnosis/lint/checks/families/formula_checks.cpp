@@ -131,6 +131,28 @@ bool HasBlank(std::string_view operand)
     return operand.find(' ') != std::string_view::npos;
 }
 
+// The formula with another name in every place of a name.
+std::string Renamed(std::string_view formula, const Pieces& pieces, std::string_view name, const std::string& other)
+{
+    std::string renamed(formula);
+    for (auto piece = pieces.rbegin(); piece != pieces.rend(); ++piece) {
+        if (piece->operand == name) {
+            renamed.replace(static_cast<std::size_t>(piece->operand.data() - formula.data()), name.size(), other);
+        }
+    }
+    return renamed;
+}
+
+void ReportUnknownName(const NodeRule& rule, const Pieces& pieces, std::string_view name, const std::string& near,
+    Report& report)
+{
+    report.Add(rule.expression, "the formula of the rule " + Quoted(rule.name) + " names " + Quoted(name)
+            + ", which is the key of no parameter",
+        {.attribute = rule.expression.Find("express"),
+            .fix = near.empty() ? FixOf() : FixOf::Value(Renamed(rule.express, pieces, name, near), false),
+            .near = near});
+}
+
 void CheckNames(const Subject& subject, Report& report)
 {
     ForEachFormula(subject, [&report](const NodeRule& rule, const Pieces& pieces) {
@@ -141,8 +163,7 @@ void CheckNames(const Subject& subject, Report& report)
             const std::string_view name = pieces[place].operand;
             const bool isKnown = name.empty() || keys.count(name) != 0 || rule_source::IsDecimalNumber(name);
             if (!isKnown && !HasBlank(name) && !IsCutNumber(pieces, place) && told.insert(name).second) {
-                AddAboutFormula(rule, "names " + Quoted(name) + ", which is the key of no parameter", near.Help(name),
-                    report);
+                ReportUnknownName(rule, pieces, name, near.Find(name), report);
             }
         }
     });

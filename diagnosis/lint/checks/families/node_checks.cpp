@@ -38,7 +38,7 @@ void CheckResult(const Subject& subject, Report& report)
         NearNames keys = KeysOf(rule);
         report.Add(rule.expression, "no parameter of the rule " + Quoted(rule.name) + " has the key " + Quoted(rule.ret)
                 + " for the result of the formula",
-            {.attribute = rule.expression.Find("ret"), .help = keys.Help(rule.ret)});
+            {.attribute = rule.expression.Find("ret"), .near = keys.Find(rule.ret)});
     });
 }
 
@@ -106,7 +106,7 @@ void CheckNodes(const Subject& subject, Report& report)
             if (keys.count(node.param) == 0) {
                 report.Add(node.element, "no parameter of the rule " + Quoted(rule.name) + " has the key "
                         + Quoted(node.param),
-                    {.attribute = node.element.Find("param"), .help = near.Help(node.param)});
+                    {.attribute = node.element.Find("param"), .near = near.Find(node.param)});
             }
         }
     });

@@ -64,15 +64,14 @@ void CheckOrderOfTexts(const Subject& subject, Report& report)
 
 void CheckTypes(const Subject& subject, Report& report)
 {
-    NearNames near;
-    std::for_each(TYPES.begin(), TYPES.end(), [&near](const char* type) { near.Add(type); });
+    NearNames near(TYPES.begin(), TYPES.end());
     ForEachAskedTest(subject.rules, [&](const AskedTest& asked) {
         for (const Param& param : asked.params) {
             const bool isKnown = std::find(TYPES.begin(), TYPES.end(), param.type) != TYPES.end();
             if (!isKnown) {
                 report.Add(param.element, "the parameter " + Quoted(param.id) + " of the rule "
                         + Quoted(asked.RuleName()) + " has the unknown type " + Quoted(param.type),
-                    {.attribute = param.element.Find("type"), .help = near.Help(param.type)});
+                    {.attribute = param.element.Find("type"), .near = near.Find(param.type)});
             }
         }
     });

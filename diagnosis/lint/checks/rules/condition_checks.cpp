@@ -26,17 +26,15 @@ using Kind = ConditionAlternative::Kind;
 
 void CheckFirstWord(const Subject& subject, Report& report)
 {
-    NearNames words;
-    for (const char* word : {"eq", "gt", "lt", "ge", "le", "ne"}) {
-        words.Add(word);
-    }
+    // Of equally near words the first is taken: "ge" for "gte", "le" for "lte".
+    NearNames words{"eq", "ge", "le", "gt", "lt", "ne"};
     ForEachAskedCondition(subject.rules, [&](const RuleCondition& condition) {
         for (const ConditionAlternative& alternative : condition.condition->alternatives) {
             if (alternative.kind == Kind::EMPTY) {
                 const Element first = alternative.element.FirstChild();
                 report.Add(first, "an alternative of the rule " + Quoted(condition.rule->name) + " begins with "
                         + Quoted(first.Name()) + ", which is no comparison",
-                    {.help = words.Help(first.Name())});
+                    {.near = words.Find(first.Name())});
             }
         }
     });
@@ -56,22 +54,23 @@ std::string WhyDropped(Element alternative)
     return alternative.Has("type") ? "has the unknown type " + Quoted(type) : "has no type";
 }
 
-std::string TypeHelp(Element alternative)
+// A type that is right has no near one.
+std::string NearType(Element alternative, NearNames& types)
 {
-    NearNames types;
-    types.Add("single_logic");
-    types.Add("multiple_logic");
-    const std::string near = types.Help(alternative.Value("type"));
-    return near.empty() ? "write type=\"single_logic\" with a test, or type=\"multiple_logic\" with an \"and\" of several"
-                        : near;
+    const std::string_view type = alternative.Value("type");
+    const bool isKnown = type == "single_logic" || type == "multiple_logic";
+    return isKnown ? "" : types.Find(type);
 }
 
 void CheckAlternatives(const Subject& subject, Report& report)
 {
-    ForEachAskedCondition(subject.rules, [&report](const RuleCondition& condition) {
+    NearNames types{"single_logic", "multiple_logic"};
+    ForEachAskedCondition(subject.rules, [&](const RuleCondition& condition) {
         for (const Element dropped : condition.condition->dropped) {
             report.Add(dropped, "an alternative of the rule " + Quoted(condition.rule->name) + " " + WhyDropped(dropped),
-                {.attribute = dropped.Find("type"), .help = TypeHelp(dropped)});
+                {.attribute = dropped.Find("type"),
+                    .help = "write type=\"single_logic\" with a test, or type=\"multiple_logic\" with an \"and\" of several",
+                    .near = NearType(dropped, types)});
         }
     });
     ForEachAskedTest(subject.rules, [&report](const AskedTest& asked) {

@@ -29,17 +29,14 @@ bool IsMeantUndeveloped(std::string_view word)
 
 void CheckEventWords(const Subject& subject, Report& report)
 {
-    NearNames words;
-    for (const char* word : {"Intermediate-Event", "Basic-Event", "Undeveloped-Event"}) {
-        words.Add(word);
-    }
+    NearNames words{"Intermediate-Event", "Basic-Event", "Undeveloped-Event"};
     for (const TreeEvent& event : subject.rules.trees.events) {
         if (event.kind != EventKind::UNDEVELOPED || IsMeantUndeveloped(event.element.Name())) {
             continue;
         }
-        const std::string help = words.Help(event.element.Name());
         report.Add(event.element, Quoted(event.element.Name()) + " is no kind of event",
-            {.help = help.empty() ? "an event that nobody decides is an \"Undeveloped-Event\"" : help});
+            {.help = "an event that nobody decides is an \"Undeveloped-Event\"",
+                .near = words.Find(event.element.Name())});
     }
 }
 

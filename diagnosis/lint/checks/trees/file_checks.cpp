@@ -53,13 +53,22 @@ void CheckDepth(const Subject& subject, Report& report)
     ReportTooDeep(subject.rules.files.rules.get(), report);
 }
 
-NearNames NamesOfChildren(Element parent)
+// The child whose name was probably meant to be `name`; null if there is none.
+Element NearChild(Element parent, std::string_view name)
 {
     NearNames names;
     for (const Element child : Children(parent)) {
         names.Add(child.Name());
     }
-    return names;
+    const std::string near = names.Find(name);
+    return near.empty() ? Element() : parent.FirstChild(near.c_str());
+}
+
+// Reports that `parent` has no child of a name, at the child that was probably meant to have it.
+void ReportAbsent(Element parent, std::string_view name, const std::string& message, Report& report)
+{
+    const Element near = NearChild(parent, name);
+    report.Add(near ? near : parent, message, {.near = near ? std::string(name) : ""});
 }
 
 // True for sections that are optional for a tag.
@@ -72,8 +81,10 @@ void CheckTreeTag(const RuleSet& rules, Report& report)
 {
     const Element root = rules.files.TreeRoot();
     if (rules.hasTrees && root && !rules.treeTag) {
+        // The author of the tag picked it by hand: the tree file is probably right.
+        const Element near = NearChild(root, rules.tag);
         report.Add(root, "the tree file has no section " + Quoted(rules.tag),
-            {.help = NamesOfChildren(root).Help(rules.tag)});
+            {.help = DidYouMean(near ? std::string(near.Name()) : "")});
     }
 }
 
@@ -83,18 +94,16 @@ void CheckSectionTag(const RuleSet& rules, SectionKind kind, Report& report)
     const Element root = rules.files.RuleRoot();
     if (!section.element) {
         if (!IsOptional(kind)) {
-            report.Add(root, "the rule file has no section " + Quoted(SectionName(kind)),
-                {.help = NamesOfChildren(root).Help(SectionName(kind))});
+            ReportAbsent(root, SectionName(kind), "the rule file has no section " + Quoted(SectionName(kind)), report);
         }
         return;
     }
     if (section.tag) {
         return;
     }
-    const std::string help = NamesOfChildren(section.element).Help(rules.tag);
-    if (!IsOptional(kind) || !help.empty()) {
-        report.Add(section.element, Quoted(SectionName(kind)) + " has no element " + Quoted(rules.tag),
-            {.help = help});
+    if (!IsOptional(kind) || NearChild(section.element, rules.tag)) {
+        ReportAbsent(section.element, rules.tag, Quoted(SectionName(kind)) + " has no element " + Quoted(rules.tag),
+            report);
     }
 }
 
@@ -110,9 +119,9 @@ void CheckSectionNames(const RuleSet& rules, Report& report)
         }
     }
     for (const Element child : Children(rules.files.RuleRoot())) {
-        const std::string help = known.count(child.Name()) == 0 ? missing.Help(child.Name()) : "";
-        if (!help.empty()) {
-            report.Add(child, Quoted(child.Name()) + " is no section of the rule file", {.help = help});
+        const std::string near = known.count(child.Name()) == 0 ? missing.Find(child.Name()) : "";
+        if (!near.empty()) {
+            report.Add(child, Quoted(child.Name()) + " is no section of the rule file", {.near = near});
         }
     }
 }

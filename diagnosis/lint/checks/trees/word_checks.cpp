@@ -52,7 +52,7 @@ void CheckRepeated(const Subject& subject, Report& report)
 // ---- Unknown words. ----
 
 /// Finds near words for the first unknown ones only: a file of unknown words would take for ever.
-class WordHelp {
+class NearWords {
 public:
     std::string ForChild(std::string_view name, const ElementWords& words)
     {
@@ -60,24 +60,21 @@ public:
         for (const ChildWord& word : words.children) {
             near.Add(word.name);
         }
-        return Help(name, near);
+        return Near(name, near);
     }
 
     std::string ForAttribute(std::string_view name, const ElementWords& words)
     {
-        NearNames near;
-        for (const std::string_view word : words.attributes) {
-            near.Add(word);
-        }
-        return Help(name, near);
+        NearNames near(words.attributes.begin(), words.attributes.end());
+        return Near(name, near);
     }
 
 private:
     static constexpr int MOST_LOOKED_FOR = 10'000;
 
-    std::string Help(std::string_view name, NearNames& near)
+    std::string Near(std::string_view name, NearNames& near)
     {
-        return ++mLookedFor > MOST_LOOKED_FOR ? "" : near.Help(name);
+        return ++mLookedFor > MOST_LOOKED_FOR ? "" : near.Find(name);
     }
 
     int mLookedFor = 0;
@@ -117,13 +114,13 @@ void CheckSections(const RuleSet& rules, Report& report)
 
 void CheckWords(const Subject& subject, Report& report)
 {
-    WordHelp help;
+    NearWords near;
     CheckSections(subject.rules, report);
     for (const UnknownChild& child : subject.rules.unread.children) {
         if (!IsToldElsewhere(child.element)) {
             const std::string_view name = child.element.Name();
             report.Add(child.element, Quoted(name) + " in " + Quoted(child.element.Parent().Name()) + " is not read",
-                {.help = help.ForChild(name, *child.words)});
+                {.near = near.ForChild(name, *child.words)});
         }
     }
     for (const UnknownAttribute& unknown : subject.rules.unread.attributes) {
@@ -131,10 +128,11 @@ void CheckWords(const Subject& subject, Report& report)
         if (name == "BeginFlag" && unknown.element.Name() == "SQLItem") {
             continue; // another check reports it in more detail
         }
-        const std::string near = help.ForAttribute(name, *unknown.words);
+        const std::string meant = near.ForAttribute(name, *unknown.words);
         report.Add(unknown.element, "the attribute " + Quoted(name) + " of " + Quoted(unknown.element.Name())
                 + " is not read",
-            {.attribute = unknown.attribute, .help = near, .fix = near.empty() ? FixOf::Removal() : FixOf()});
+            {.attribute = unknown.attribute, .fix = meant.empty() ? FixOf::Removal() : FixOf::AttributeName(meant),
+                .near = meant});
     }
 }
 
