@@ -1,6 +1,20 @@
 #include "diagnosis/bundle/bundle.h"
 
+#include <filesystem>
+
 namespace diagnosis {
+
+BundlePath MakeBundlePath(const std::string& given)
+{
+    std::error_code error;
+    return {given, std::filesystem::absolute(given, error).string()};
+}
+
+std::string MakeRulesPath(const std::string& given)
+{
+    std::error_code error;
+    return std::filesystem::absolute(given, error).lexically_normal().string();
+}
 
 std::vector<std::pair<const char*, std::string>> DeviceAttributes(const DeviceDetails& device)
 {

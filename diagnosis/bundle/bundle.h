@@ -18,6 +18,11 @@ struct BundlePath {
     std::string absolute;
 };
 
+/// Makes the path absolute. Call it before a bundle is entered, which changes the working directory.
+BundlePath MakeBundlePath(const std::string& given);
+/// The absolute path of a folder with another rule set, in normal form; for the same moment.
+std::string MakeRulesPath(const std::string& given);
+
 /// The content of bundle.json: a device, a rule set and the time of a recording. Relative paths are inside the bundle.
 struct Bundle {
     std::int32_t detectScene = 0;

@@ -37,12 +37,25 @@ bool CodeAnswers::RunCodeRule(std::vector<std::string> faultDescriptionIds, std:
     if (recorded != mRecorded.end()) {
         return recorded->second;
     }
-    if (mRunner.path.empty()) {
+    if (!mRunner.IsThere()) {
         mOutcome = Outcome::NOBODY_THERE; // the detection's warnings name the rule
         return false;
     }
-    const ProgramOutcome outcome = RunProgram(mRunner.path,
-        Question(faultDescriptionIds, suggestionIds, repairIds, userDefinedInfo), mRunner.timeout);
+    const std::string question = Question(faultDescriptionIds, suggestionIds, repairIds, userDefinedInfo);
+    return mRunner.ask ? AskHost(question, userDefinedInfo) : AskProgram(question, userDefinedInfo);
+}
+
+bool CodeAnswers::AskHost(const std::string& question, const std::string& userDefinedInfo)
+{
+    const std::optional<bool> answer = mRunner.ask(question);
+    return answer ? Keep(userDefinedInfo, *answer)
+                  : Warn(Outcome::BROKEN_OFF, "code_runner",
+                      "the host: asked about \"" + userDefinedInfo + "\": gave no answer: taken as not present");
+}
+
+bool CodeAnswers::AskProgram(const std::string& question, const std::string& userDefinedInfo)
+{
+    const ProgramOutcome outcome = RunProgram(mRunner.path, question, mRunner.timeout);
     const std::string about = mRunner.path + ": asked about \"" + userDefinedInfo + "\": ";
     if (outcome.kind == ProgramOutcome::Kind::TROUBLE) {
         return Warn(Outcome::BROKEN_OFF, "code_runner", about + outcome.trouble + ": taken as not present");
@@ -57,7 +70,7 @@ bool CodeAnswers::RunCodeRule(std::vector<std::string> faultDescriptionIds, std:
 bool CodeAnswers::Keep(const std::string& userDefinedInfo, bool answer)
 {
     if (mAnswers.try_emplace(userDefinedInfo, answer).first->second != answer) {
-        Warn(Outcome::ANSWERED, "code_runner", mRunner.path + ": two answers about \"" + userDefinedInfo + "\" differ");
+        Warn(Outcome::ANSWERED, "code_runner", (mRunner.ask ? "the host" : mRunner.path) + ": two answers about \"" + userDefinedInfo + "\" differ");
     }
     return answer;
 }

@@ -2,7 +2,9 @@
 #define ARBORIST_DIAGNOSIS_DETECTION_CODE_ANSWERS_H
 
 #include <chrono>
+#include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,14 +13,21 @@
 
 namespace diagnosis {
 
-/// The program of --code-runner; an empty path for none.
+/// Who is asked about code rules without a recorded answer: the program of --code-runner, a function of the host, or
+/// nobody.
 struct CodeRunner {
+    /// Empty for no program.
     std::string path;
     std::chrono::milliseconds timeout = std::chrono::seconds(30);
+    /// Asked in place of a program, on the detection's thread: takes the JSON object that a program reads, returns
+    /// whether the fault is present, or nothing if that can't be told.
+    std::function<std::optional<bool>(const std::string& question)> ask = {};
+
+    bool IsThere() const { return ask || !path.empty(); }
 };
 
-/// Answers the code rules of a bundle: with the recorded answer for the rule's user-defined text, otherwise by running
-/// the program. If there is neither, the fault counts as not present, with a warning.
+/// Answers the code rules of a bundle: with the recorded answer for the rule's user-defined text, otherwise by asking
+/// the program or the host. If there is none of them, the fault counts as not present, with a warning.
 class CodeAnswers : public CodeRuleRunner {
 public:
     CodeAnswers(std::map<std::string, bool> recorded, CodeRunner runner);
@@ -32,6 +41,8 @@ public:
     const std::map<std::string, bool>& GetAnswers() const { return mAnswers; }
 
 private:
+    bool AskProgram(const std::string& question, const std::string& userDefinedInfo);
+    bool AskHost(const std::string& question, const std::string& userDefinedInfo);
     bool Keep(const std::string& userDefinedInfo, bool answer);
     bool Warn(Outcome outcome, const std::string& code, const std::string& message);
 

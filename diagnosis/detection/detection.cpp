@@ -105,7 +105,7 @@ public:
             mRecorder = std::make_shared<DetectionRecorder>(options.withTrees);
         }
         // Without a source of answers the library gets no runner, so that code rules end with that reason.
-        if (!session.GetBundle().codeAnswers.empty() || !options.codeRunner.path.empty()) {
+        if (!session.GetBundle().codeAnswers.empty() || options.codeRunner.IsThere()) {
             mAnswers = std::make_shared<CodeAnswers>(session.GetBundle().codeAnswers, options.codeRunner);
             mInfo->mCodeRuleRunner = mAnswers;
         }
@@ -122,6 +122,7 @@ public:
             if (mOptions.stopsOnSignal) {
                 stoppable.emplace(engine);
             }
+            const StopSwitch::Running running(mOptions.stop, engine);
             report.results = engine.StartDetection();
             report.failure = RuleSetFailure(mRecorder->GetRuleSet(), mSession.GetBundle());
         } catch (...) {

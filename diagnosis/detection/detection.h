@@ -9,6 +9,7 @@
 #include "arborist/frame/fault_tree_result.h"
 #include "diagnosis/bundle/bundle_session.h"
 #include "diagnosis/detection/code_answers.h"
+#include "diagnosis/detection/stop_switch.h"
 #include "diagnosis/evidence/detection_recorder.h"
 #include "diagnosis/evidence/explanation.h"
 #include "diagnosis/evidence/rule_set_memory.h"
@@ -28,6 +29,8 @@ struct DetectionOptions {
     std::shared_ptr<RuleSetMemory> ruleSets = nullptr;
     /// A SIGINT stops the detection instead of ending the process; see StoppedBySignal.
     bool stopsOnSignal = false;
+    /// Lets another thread stop the detection; may be null. It must outlive the detection.
+    StopSwitch* stop = nullptr;
 };
 
 /// The complete output of one detection, from which all renderings are made.

@@ -4,10 +4,14 @@
 
 namespace diagnosis {
 
-std::string RepairJson(const RepairRecord& record)
+std::string RepairLines(const std::vector<RepairRecord>& records)
 {
-    JsonWriter json;
-    return json.BeginObject().Text("id", record.id).Text("date", record.date).EndObject().Line();
+    std::string lines;
+    for (const RepairRecord& record : records) {
+        JsonWriter json;
+        lines += json.BeginObject().Text("id", record.id).Text("date", record.date).EndObject().Line() + "\n";
+    }
+    return lines;
 }
 
 } // namespace diagnosis

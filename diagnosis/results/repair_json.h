@@ -2,13 +2,14 @@
 #define ARBORIST_DIAGNOSIS_RESULTS_REPAIR_JSON_H
 
 #include <string>
+#include <vector>
 
 #include "diagnosis/bundle/repair_records.h"
 
 namespace diagnosis {
 
-/// A repair record as one line of JSON, without the line end.
-std::string RepairJson(const RepairRecord& record);
+/// Repair records as JSON Lines: one object for each, every line ended.
+std::string RepairLines(const std::vector<RepairRecord>& records);
 
 } // namespace diagnosis
 

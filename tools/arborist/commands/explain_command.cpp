@@ -2,6 +2,7 @@
 
 #include "diagnosis/analysis/explanation_view.h"
 #include "diagnosis/process/interruption.h"
+#include "diagnosis/results/explained_report.h"
 #include "diagnosis/results/explanation_json.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/shared_options.h"
@@ -20,23 +21,12 @@ struct ExplainOptions {
     bool asJson = false;
 };
 
-void Narrow(DetectionReport& report, const ExplanationView& view)
-{
-    if (!report.failure && report.explanation != nullptr) {
-        report.failure = UnknownWord(*report.explanation, view);
-    }
-    if (report.failure) {
-        report.explanation.reset();
-    }
-}
-
 ExitStatus Explain(const ExplainOptions& options)
 {
     if (!IsLogOpen(options.run.log)) {
         return ExitStatus::WRONG_USE;
     }
     DetectionOptions detection = MakeDetectionOptions(options.run);
-    detection.withExplanation = true;
     detection.ruleSets = options.bundles.size() > 1 ? std::make_shared<RuleSetMemory>() : nullptr;
     detection.stopsOnSignal = true;
     std::vector<BundlePath> bundles;
@@ -48,8 +38,7 @@ ExitStatus Explain(const ExplainOptions& options)
         if (WasStoppedBySignal()) {
             break;
         }
-        DetectionReport report = RunDetection(bundle, detection);
-        Narrow(report, options.view);
+        const DetectionReport report = RunExplanation(bundle, detection, options.view);
         if (options.asJson) {
             PrintResult(ExplanationJson(report, options.view) + "\n");
         } else {

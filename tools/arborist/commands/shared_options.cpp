@@ -1,7 +1,5 @@
 #include "tools/arborist/commands/shared_options.h"
 
-#include <filesystem>
-
 #include "diagnosis/bundle/moment.h"
 #include "diagnosis/detection/code_program.h"
 #include "tools/arborist/commands/seconds.h"
@@ -36,9 +34,8 @@ void AddLive(Command app, BundleOverrides& overrides)
 void AddRules(Command app, BundleOverrides& overrides)
 {
     const auto takeOver = [&overrides](const std::string& folder) {
-        std::error_code error;
         // Meant from here, and not from the bundle that becomes the working directory.
-        overrides.rules = std::filesystem::absolute(folder, error).lexically_normal().string();
+        overrides.rules = MakeRulesPath(folder);
     };
     app.Add("--rules", takeOver, "Folder of a rule set to use instead of the bundle's")
         .Takes("DIR");
@@ -127,12 +124,6 @@ void AddColour(Command app)
         .Takes("WHEN")
         .OneOf({"auto", "always", "never"})
         .Default("auto");
-}
-
-BundlePath MakeBundlePath(const std::string& given)
-{
-    std::error_code error;
-    return {given, std::filesystem::absolute(given, error).string()};
 }
 
 bool IsLogOpen(const LogOptions& options)

@@ -54,9 +54,6 @@ ExitStatus StatusOf(const DetectionReport& report, const RunOptions& options);
 /// --color, which every command has.
 void AddColour(Command app);
 
-/// Makes the path absolute. Call it before a bundle is entered, which changes the working directory.
-BundlePath MakeBundlePath(const std::string& given);
-
 /// Opens the target of the library's log. On failure prints the reason and returns false; exit with WRONG_USE.
 bool IsLogOpen(const LogOptions& options);
 
