@@ -50,6 +50,9 @@ STOREYS = [
         ["batch", "manual", "render"],
         ["options", "terminal"],
     ], {"main": "the command"}),
+    Storey("bindings", [
+        ["c"],
+    ]),
     Storey("diagnosis", [
         ["report"],
         ["results", "drawing"],
@@ -85,6 +88,12 @@ STOREYS = [
 ]
 ENGINE = STOREYS[-1]
 
+# Storeys of one level, which don't know each other.
+BESIDE = {"tools/arborist", "bindings"}
+
+# Where installed headers are kept that lie elsewhere than their names say.
+HOMES = {"arborist/arborist_c.h": "bindings/c/include/arborist/arborist_c.h"}
+
 # Pairs of rooms of one level that may know each other, and rooms that see less than all below them.
 NEIGHBOURS = [{"model", "the records"}]
 SEES_ONLY = {"arborist/stores/sql": {"the ground"}}
@@ -110,7 +119,7 @@ INCLUDE = re.compile(r'^\s*#\s*include\s*["<]([^">]+)[">]', re.MULTILINE)
 
 
 def includes_of(text):
-    return INCLUDE.findall(text)
+    return [HOMES.get(include, include) for include in INCLUDE.findall(text)]
 
 
 def storey_of(path):
@@ -158,6 +167,8 @@ def file_faults(path, text, public):
         if target is storey:
             fault = fault_inside(storey, path, include)
             faults += [f"{path}: {fault}"] if fault else []
+        elif storey and {storey.folder, target.folder} == BESIDE:
+            faults.append(f"{path}: {include} is of a storey beside")
         elif storey and STOREYS.index(target) < STOREYS.index(storey):
             faults.append(f"{path}: {include} is of a higher storey")
         elif not is_public(include, public):

@@ -83,6 +83,15 @@ class CheckTest(unittest.TestCase):
             ("arborist/frame/arborist.cpp", "diagnosis/problem.h"),
             ("diagnosis/detection/detection.cpp", "tools/arborist/terminal/output.h"))
 
+    def test_bindings_stand_beside_the_command(self):
+        self.assert_passes(("bindings/c/x.cpp", "diagnosis/detection/detection.h"),
+                           ("bindings/c/x.cpp", "arborist/arborist_c.h"),
+                           ("examples/x.cpp", "arborist/arborist_c.h"))
+        self.assert_faults(("bindings/c/x.cpp", "tools/arborist/terminal/output.h"),
+                           ("tools/arborist/terminal/x.cpp", "bindings/c/answer.h"),
+                           ("diagnosis/detection/x.cpp", "arborist/arborist_c.h"),
+                           ("arborist/frame/arborist.cpp", "arborist/arborist_c.h"))
+
     def test_other_storeys_and_examples_see_public_headers_alone(self):
         for path in ("diagnosis/text/x.cpp", "tools/arborist/batch/x.cpp", "examples/x.cpp"):
             self.assert_passes((path, "arborist/frame/log.h"))
