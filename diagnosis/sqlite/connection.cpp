@@ -176,11 +176,6 @@ std::string Connection::GetError() const
     return mDatabase == nullptr ? "out of memory" : sqlite3_errmsg(mDatabase.get());
 }
 
-std::int64_t Connection::LastRowId() const
-{
-    return sqlite3_last_insert_rowid(mDatabase.get());
-}
-
 bool Connection::Close()
 {
     return sqlite3_close(mDatabase.release()) == SQLITE_OK;

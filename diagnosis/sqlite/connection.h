@@ -64,7 +64,6 @@ public:
     bool HasError() const;
     bool IsInterrupted() const;
     std::string GetError() const;
-    std::int64_t LastRowId() const;
     bool Close();
 
 private:

@@ -1,4 +1,4 @@
-"""Holds the #include lines of the tree against the map of the house: they point down, never up, and go in no circle."""
+"""Checks the #include lines of the tree: they point down its list of rooms, never up, and make no cycle."""
 import re
 from pathlib import Path
 
@@ -7,7 +7,7 @@ class Storey:
     """A folder of the root with its rooms, from the highest level to the lowest.
 
     A room includes itself, with the folders in it, and the rooms of lower levels. `files` names, without their endings,
-    files that stand in another room than their folder's.
+    files that belong to another room than their folder's.
     """
 
     def __init__(self, folder, levels, files=None):
@@ -22,7 +22,7 @@ class Storey:
         return path[len(self.folder) + 1:]
 
     def room(self, path):
-        """The room of a file, or None: the deepest that holds it."""
+        """The room of a file, or None: the deepest whose folder contains it."""
         name = self.inside(path)
         stem = name.rsplit(".", 1)[0]
         if stem in self.files:
@@ -33,7 +33,7 @@ class Storey:
         return folder if folder in self.level_of else None
 
     def place(self, path):
-        """Where a file stands for circles of folders: the room that `files` says, else its own folder."""
+        """The place of a file in the graph of folders: the room that `files` names, otherwise its own folder."""
         stem = self.inside(path).rsplit(".", 1)[0]
         return self.files.get(stem, self.inside(path).rpartition("/")[0])
 
@@ -211,7 +211,7 @@ def cycle_in(graph):
 
 
 def cycle_faults(storey, files):
-    """A circle of files and one of folders in a storey, if there are; `files` are texts by their path from the root."""
+    """A cycle of files and one of folders in a storey, if there are any; `files` are texts by their path from the root."""
     graph = {path: [include for include in includes_of(text) if storey.owns(include)]
              for path, text in files.items() if storey.owns(path)}
     folders = {}
