@@ -4,7 +4,8 @@ import re
 from includes import STOREYS
 
 # Where the tests of a storey are. The room "text" of diagnosis/ has its tests in tests/diagnosis/text.
-TESTS_OF = {"arborist": "tests", "diagnosis": "tests/diagnosis", "tools/arborist": "tests/tools"}
+TESTS_OF = {"arborist": "tests", "diagnosis": "tests/diagnosis", "tools/arborist": "tests/tools",
+            "bindings": "tests/bindings"}
 
 # Folders of tests without a room of their name.
 OTHER_TESTS = {
@@ -19,7 +20,8 @@ OTHER_TESTS = {
 }
 
 # The tables of the page, in the order of its text: what precedes each, and the storey that it lists.
-TABLES = [("The engine:", "arborist"), ("Diagnosis:", "diagnosis"), ("The command:", "tools/arborist")]
+TABLES = [("The engine:", "arborist"), ("Diagnosis:", "diagnosis"), ("The command:", "tools/arborist"),
+          ("The bindings:", "bindings")]
 
 
 def has_sources(folder):
