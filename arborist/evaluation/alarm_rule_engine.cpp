@@ -401,7 +401,10 @@ bool AlarmRuleEngine::IsFaultForDaily(const EventRows& rows, bool isTested, Wind
     const std::int32_t peak = PeakOf(days);
     window.NoteReached(rows, peak,
         isWeighed ? Evidence::Measure::DAILY_WEIGHTS : Evidence::Measure::DAILY_ROWS);
-    for (std::size_t day = 0; rowsLater != 0 && day < days.size(); ++day) {
+    if (rowsLater == 0) {
+        return window.NoteHit(peak >= window.threshold, true);
+    }
+    for (std::size_t day = 0; day < days.size(); ++day) {
         SubtractWrapping(days[day], later[day]);
     }
     return window.NoteHit(peak >= window.threshold, PeakOf(days) >= window.threshold && rowsLater != rows.GetCount());

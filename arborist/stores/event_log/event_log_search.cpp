@@ -61,7 +61,7 @@ void EventLogSearch::Refresh()
         mCounts.clear();
         mAnswers.reset();
         mSnapshot.reset();
-        mSnapshot = EventLogReader(mDb).Read();
+        mSnapshot = ReadEventLog(mDb);
         mCanReadAnswers = true;
     }
 }

@@ -15,7 +15,7 @@
 #include "arborist/utilities/text_hash.h"
 
 /// The rows of one state of the event log, without their texts, grouped by event id as queries for each id would find
-/// them. Takes ten bytes a row and about ten an id. Built by EventLogReader; immutable.
+/// them. Takes ten bytes a row and about ten an id. Made by SnapshotBuilder; immutable.
 class EventLogSnapshot {
 public:
     /// Version number of a row without a version name.

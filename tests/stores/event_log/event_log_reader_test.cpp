@@ -105,6 +105,19 @@ TEST_F(EventLogReaderTest, VersionRowsWithoutAUniqueNumberNeedAQuery)
         "1?; 2: 20 20; 3: 30; 4?");
 }
 
+TEST_F(EventLogReaderTest, VersionsAreFoundByWhatSQLiteTakesForTheirNumbers)
+{
+    EXPECT_EQ(RowsOf(EventLogBuilder()
+        .Schema("CREATE TABLE event_version (_ID integer primary key, VERSION_NAME text);"
+            "CREATE TABLE event_info (_ID integer primary key, event_id integer, extra text, version_id);"
+            "CREATE TABLE event_info_flow (_ID integer primary key, event_pid integer, occurrence_time integer);")
+        .Rows({{10, 1, "a", ""}, {20, 2, "b", ""}, {30, 3, "a", ""}, {40, 4, "a", ""}, {50, 5, "a", ""}})
+        .Sql("update event_info set version_id = '1' where _ID = 1")
+        .Sql("update event_info set version_id = 2.0 where _ID = 2")
+        .Sql("update event_info set version_id = '1x' where _ID = 3")
+        .Sql("update event_info set version_id = 7 where _ID = 4")), "1: 10; 2: 20; 5: 50");
+}
+
 TEST_F(EventLogReaderTest, LogWithoutRowNumbersNeedsQueries)
 {
     EXPECT_EQ(RowsOf(EventLogBuilder()
@@ -117,7 +130,7 @@ TEST_F(EventLogReaderTest, LogWithoutRowNumbersNeedsQueries)
 
 TEST_F(EventLogReaderTest, LogThatCannotBeAskedHasNoSnapshot)
 {
-    EXPECT_EQ(EventLogReader(mDatabase.GetHandle()).Read(), nullptr) << "closed";
+    EXPECT_EQ(ReadEventLog(mDatabase.GetHandle()), nullptr) << "closed";
     EXPECT_EQ(RowsOf(EventLogBuilder().Row({10, 7, "", ""}).Sql("drop table event_version")), "none");
     EXPECT_EQ(RowsOf(EventLogBuilder().Row({10, 7, "", ""}).Sql("alter table event_info drop column extra")), "none");
     EXPECT_THAT(mLog.Lines(), testing::IsEmpty());

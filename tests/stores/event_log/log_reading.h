@@ -23,7 +23,7 @@ protected:
     std::shared_ptr<const EventLogSnapshot> ReadAgain()
     {
         mDatabase.Open(mPath);
-        return EventLogReader(mDatabase.GetHandle()).Read();
+        return ReadEventLog(mDatabase.GetHandle());
     }
 
     // "id: time time; id: ..." with "?" for ids that need a query of their own.
