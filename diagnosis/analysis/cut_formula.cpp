@@ -7,14 +7,14 @@ namespace diagnosis {
 namespace {
 
 
-CutFormula::Kind KindOf(const ExplainedEvent& event)
+CutFormula::Kind KindOf(const RecordedEvent& event)
 {
     return event.gate == Evidence::GateType::OR ? CutFormula::Kind::OR : CutFormula::Kind::AND;
 }
 
 } // namespace
 
-CutFormula::CutFormula(const ExplainedTree& tree) : mTree(tree)
+CutFormula::CutFormula(const RecordedTree& tree) : mTree(tree)
 {
     if (tree.events.empty()) {
         return;
@@ -31,7 +31,7 @@ void CutFormula::FindEmpty()
 {
     mIsEmpty.assign(mTree.events.size(), false);
     for (std::size_t event = mTree.events.size(); event-- > 0;) {
-        const ExplainedEvent& explained = mTree.events[event];
+        const RecordedEvent& explained = mTree.events[event];
         if (explained.IsLeaf()) {
             continue;
         }
@@ -46,7 +46,7 @@ void CutFormula::FindEmpty()
 
 void CutFormula::CountPlaces()
 {
-    for (const ExplainedEvent& event : mTree.events) {
+    for (const RecordedEvent& event : mTree.events) {
         if (event.IsLeaf() ? !event.IsInError() : IsBarred(event)) {
             ++mPlacesMissing[event.id];
         }
@@ -55,7 +55,7 @@ void CutFormula::CountPlaces()
 
 std::uint32_t CutFormula::Build(std::size_t event)
 {
-    const ExplainedEvent& explained = mTree.events[event];
+    const RecordedEvent& explained = mTree.events[event];
     if (explained.IsLeaf()) {
         return MakeEvent(event);
     }
@@ -70,7 +70,7 @@ std::uint32_t CutFormula::Build(std::size_t event)
 // Merges a gate below one of the same kind into it: collects the branches of both.
 void CutFormula::CollectParts(std::size_t event, Kind kind, std::vector<std::uint32_t>& parts)
 {
-    const ExplainedEvent& explained = mTree.events[event];
+    const RecordedEvent& explained = mTree.events[event];
     if (explained.IsLeaf() || KindOf(explained) != kind || (kind == Kind::OR && IsBarred(explained))) {
         parts.push_back(Build(event));
         return;
@@ -99,7 +99,7 @@ std::vector<std::size_t> CutFormula::BranchesOf(std::size_t event) const
 
 std::uint32_t CutFormula::MakeEvent(std::size_t event)
 {
-    const ExplainedEvent& explained = mTree.events[event];
+    const RecordedEvent& explained = mTree.events[event];
     const bool isMissing = !explained.IsInError();
     const double share = isMissing ? 1.0 / static_cast<double>(mPlacesMissing[explained.id]) : 0.0;
     return Intern((isMissing ? "-" : "+") + explained.id, {Kind::EVENT, event, isMissing, {}, share});
@@ -131,7 +131,7 @@ std::uint32_t CutFormula::MakeGate(Kind kind, std::vector<std::uint32_t> branche
     std::sort(key.begin(), key.end());
     std::string text(kind == Kind::OR ? "|" : "&");
     text.append(reinterpret_cast<const char*>(key.data()), key.size() * sizeof(key.front()));
-    return Intern(text, {kind, ExplainedEvent::NONE, false, std::move(parts), least});
+    return Intern(text, {kind, RecordedEvent::NONE, false, std::move(parts), least});
 }
 
 std::uint32_t CutFormula::Intern(const std::string& key, Node node)

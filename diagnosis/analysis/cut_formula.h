@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "diagnosis/evidence/explanation.h"
+#include "diagnosis/evidence/recorded_tree.h"
 
 namespace diagnosis {
 
@@ -28,7 +28,7 @@ public:
 
     struct Node {
         Kind kind;
-        /// For an EVENT: an index into ExplainedTree::events, of the first with that id and status.
+        /// For an EVENT: an index into RecordedTree::events, of the first with that id and status.
         std::size_t event;
         bool isMissing;
         /// The parts of a gate, each once.
@@ -40,7 +40,7 @@ public:
 
     static constexpr std::uint32_t NONE = UINT32_MAX;
 
-    explicit CutFormula(const ExplainedTree& tree);
+    explicit CutFormula(const RecordedTree& tree);
 
     /// NONE for a tree without cut sets.
     std::uint32_t GetTop() const { return mTop; }
@@ -56,9 +56,9 @@ private:
     std::uint32_t MakeEvent(std::size_t event);
     std::uint32_t MakeGate(Kind kind, std::vector<std::uint32_t> branches);
     std::uint32_t Intern(const std::string& key, Node node);
-    bool IsBarred(const ExplainedEvent& event) const { return event.observable && !event.IsInError(); }
+    bool IsBarred(const RecordedEvent& event) const { return event.observable && !event.IsInError(); }
 
-    const ExplainedTree& mTree;
+    const RecordedTree& mTree;
     /// True if the expansion of an event has no cut set, whatever the statuses.
     std::vector<bool> mIsEmpty;
     std::unordered_map<std::string, std::size_t> mPlacesMissing;

@@ -11,12 +11,12 @@ namespace {
 using Numbers = std::vector<std::uint32_t>;
 
 // Numbers the ids: one number for each event, equal for equal ids.
-Numbers NumberIds(const ExplainedTree& tree)
+Numbers NumberIds(const RecordedTree& tree)
 {
     std::unordered_map<std::string_view, std::uint32_t> numbers;
     Numbers numberOfEvent;
     numberOfEvent.reserve(tree.events.size());
-    for (const ExplainedEvent& event : tree.events) {
+    for (const RecordedEvent& event : tree.events) {
         numberOfEvent.push_back(
             numbers.try_emplace(event.id, static_cast<std::uint32_t>(numbers.size())).first->second);
     }
@@ -30,11 +30,11 @@ std::string KeyOf(Numbers members)
     return {reinterpret_cast<const char*>(members.data()), members.size() * sizeof(Numbers::value_type)};
 }
 
-std::vector<std::string> IdsOf(const ExplainedTree& tree, const ExplainedCause& cause)
+std::vector<std::string> IdsOf(const RecordedTree& tree, const RecordedCause& cause)
 {
     std::vector<std::string> ids;
     for (const std::size_t member : cause.members) {
-        if (member != ExplainedEvent::NONE
+        if (member != RecordedEvent::NONE
             && std::find(ids.begin(), ids.end(), tree.events[member].id) == ids.end()) {
             ids.push_back(tree.events[member].id);
         }
@@ -44,17 +44,17 @@ std::vector<std::string> IdsOf(const ExplainedTree& tree, const ExplainedCause& 
 
 } // namespace
 
-std::vector<DistinctCause> DistinctCausesOf(const ExplainedTree& tree)
+std::vector<DistinctCause> DistinctCausesOf(const RecordedTree& tree)
 {
     const Numbers numberOfEvent = NumberIds(tree);
     std::unordered_map<std::string, std::size_t> causes;
     std::vector<DistinctCause> distinct;
     Numbers members;
     for (std::size_t place = 0; place < tree.causes.size(); ++place) {
-        const ExplainedCause& cause = tree.causes[place];
+        const RecordedCause& cause = tree.causes[place];
         members.clear();
         for (const std::size_t member : cause.members) {
-            if (member != ExplainedEvent::NONE) {
+            if (member != RecordedEvent::NONE) {
                 members.push_back(numberOfEvent[member]);
             }
         }

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "diagnosis/evidence/explanation.h"
+#include "diagnosis/evidence/recorded_tree.h"
 
 namespace diagnosis {
 
@@ -15,14 +15,14 @@ namespace diagnosis {
 struct DistinctCause {
     /// Ids of the members, each once, in the order of the first entry's cut set.
     std::vector<std::string> ids;
-    /// Index of the first such entry in ExplainedTree::causes.
+    /// Index of the first such entry in RecordedTree::causes.
     std::size_t first = 0;
     /// Number of such entries in the list.
     std::uint64_t times = 0;
 };
 
 /// The distinct root causes in the order of their first entries.
-std::vector<DistinctCause> DistinctCausesOf(const ExplainedTree& tree);
+std::vector<DistinctCause> DistinctCausesOf(const RecordedTree& tree);
 
 } // namespace diagnosis
 

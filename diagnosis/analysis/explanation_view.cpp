@@ -10,7 +10,7 @@ namespace diagnosis {
 
 namespace {
 
-bool HasRule(const ExplainedTree& tree, const ExplainedEvent& event, const std::string& name)
+bool HasRule(const RecordedTree& tree, const RecordedEvent& event, const std::string& name)
 {
     const Evidence::Event* evidence = tree.EvidenceOf(event);
     if (evidence == nullptr) {
@@ -21,9 +21,9 @@ bool HasRule(const ExplainedTree& tree, const ExplainedEvent& event, const std::
 }
 
 // True if the event itself or one above it has this id.
-bool IsBelow(const ExplainedTree& tree, std::size_t event, const std::string& id)
+bool IsBelow(const RecordedTree& tree, std::size_t event, const std::string& id)
 {
-    for (; event != ExplainedEvent::NONE; event = tree.events[event].parent) {
+    for (; event != RecordedEvent::NONE; event = tree.events[event].parent) {
         if (tree.events[event].id == id) {
             return true;
         }
@@ -31,13 +31,13 @@ bool IsBelow(const ExplainedTree& tree, std::size_t event, const std::string& id
     return false;
 }
 
-bool IsOnTheWay(const ExplainedTree& tree, const ExplainedCause& cause, const std::string& id)
+bool IsOnTheWay(const RecordedTree& tree, const RecordedCause& cause, const std::string& id)
 {
     return std::any_of(cause.members.begin(), cause.members.end(),
         [&](std::size_t member) { return IsBelow(tree, member, id); });
 }
 
-bool ShowsNearMiss(const ExplainedTree& tree, const NearMiss& nearMiss, const ExplanationView& view)
+bool ShowsNearMiss(const RecordedTree& tree, const NearMiss& nearMiss, const ExplanationView& view)
 {
     std::vector<std::size_t> members = nearMiss.missing;
     members.insert(members.end(), nearMiss.present.begin(), nearMiss.present.end());
@@ -52,9 +52,9 @@ bool IsMember(const DistinctCause& cause, const std::string& id)
     return std::find(cause.ids.begin(), cause.ids.end(), id) != cause.ids.end();
 }
 
-bool ShowsCause(const ExplainedTree& tree, const DistinctCause& cause, const ExplanationView& view)
+bool ShowsCause(const RecordedTree& tree, const DistinctCause& cause, const ExplanationView& view)
 {
-    const ExplainedCause& first = tree.causes[cause.first];
+    const RecordedCause& first = tree.causes[cause.first];
     if (!view.cause.empty() && !IsMember(cause, view.cause)) {
         return false;
     }
@@ -62,7 +62,7 @@ bool ShowsCause(const ExplainedTree& tree, const DistinctCause& cause, const Exp
         return false;
     }
     return view.rule.empty() || std::any_of(first.members.begin(), first.members.end(), [&](std::size_t member) {
-        return member != ExplainedEvent::NONE && HasRule(tree, tree.events[member], view.rule);
+        return member != RecordedEvent::NONE && HasRule(tree, tree.events[member], view.rule);
     });
 }
 
@@ -79,15 +79,15 @@ std::optional<Failure> Unless(
 
 } // namespace
 
-std::optional<Failure> UnknownWord(const Explanation& explanation, const ExplanationView& view)
+std::optional<Failure> UnknownWord(const TreeReports& reports, const ExplanationView& view)
 {
     std::set<std::string> events;
     std::set<std::string> rules;
-    for (const ExplainedTree& tree : explanation.trees) {
-        for (const ExplainedEvent& event : tree.events) {
+    for (const TreeReport& report : reports) {
+        for (const RecordedEvent& event : report.tree.events) {
             events.insert(event.id);
         }
-        for (const Evidence::Event& evidence : tree.evidence) {
+        for (const Evidence::Event& evidence : report.tree.evidence) {
             for (const PlacedRule& placed : RulesOf(evidence)) {
                 rules.insert(placed.rule.name);
             }
@@ -100,15 +100,15 @@ std::optional<Failure> UnknownWord(const Explanation& explanation, const Explana
         return failure;
     }
     // Accept any event as a root cause: the view also shows how far it is from being one.
-    for (const ExplainedTree& tree : explanation.trees) {
-        for (const ExplainedCause& cause : tree.causes) {
+    for (const TreeReport& report : reports) {
+        for (const RecordedCause& cause : report.tree.causes) {
             events.insert(cause.id);
         }
     }
     return Unless(events, "root cause", "unknown_cause", view.cause);
 }
 
-std::vector<std::size_t> ShownEvents(const ExplainedTree& tree, const ExplanationView& view)
+std::vector<std::size_t> ShownEvents(const RecordedTree& tree, const ExplanationView& view)
 {
     std::set<std::string> onTheWay;
     if (!view.cause.empty()) {
@@ -121,7 +121,7 @@ std::vector<std::size_t> ShownEvents(const ExplainedTree& tree, const Explanatio
     std::vector<std::size_t> shown;
     std::set<std::pair<std::string, std::size_t>> known;
     for (std::size_t place = 0; place < tree.events.size(); ++place) {
-        const ExplainedEvent& event = tree.events[place];
+        const RecordedEvent& event = tree.events[place];
         const bool isMeant = (view.event.empty() || event.id == view.event)
             && (view.rule.empty() || HasRule(tree, event, view.rule))
             && (view.cause.empty() || onTheWay.count(event.id) != 0);
@@ -132,7 +132,7 @@ std::vector<std::size_t> ShownEvents(const ExplainedTree& tree, const Explanatio
     return shown;
 }
 
-bool HasShown(const ExplainedTree& tree, const ExplanationView& view)
+bool HasShown(const RecordedTree& tree, const ExplanationView& view)
 {
     return !view.IsNarrow() || !ShownEvents(tree, view).empty()
         || (view.nearMisses > 0 && !ShownNearMisses(tree, view).sets.empty());
@@ -143,7 +143,7 @@ bool IsShown(const Evidence::Rule& rule, const ExplanationView& view)
     return view.rule.empty() || rule.name == view.rule;
 }
 
-NearMisses ShownNearMisses(const ExplainedTree& tree, const ExplanationView& view)
+NearMisses ShownNearMisses(const RecordedTree& tree, const ExplanationView& view)
 {
     if (!view.IsNarrow()) {
         return FindNearMisses(tree, view.nearMisses, view.limit);
@@ -158,7 +158,7 @@ NearMisses ShownNearMisses(const ExplainedTree& tree, const ExplanationView& vie
     return found;
 }
 
-std::vector<DistinctCause> ShownCauses(const ExplainedTree& tree, const ExplanationView& view)
+std::vector<DistinctCause> ShownCauses(const RecordedTree& tree, const ExplanationView& view)
 {
     std::vector<DistinctCause> causes = DistinctCausesOf(tree);
     std::erase_if(causes, [&](const DistinctCause& cause) { return !ShowsCause(tree, cause, view); });

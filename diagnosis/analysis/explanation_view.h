@@ -8,7 +8,7 @@
 
 #include "diagnosis/analysis/distinct_causes.h"
 #include "diagnosis/analysis/near_misses.h"
-#include "diagnosis/evidence/explanation.h"
+#include "diagnosis/evidence/recorded_tree.h"
 #include "diagnosis/problem.h"
 
 namespace diagnosis {
@@ -30,23 +30,23 @@ struct ExplanationView {
     bool IsNarrow() const { return !event.empty() || !rule.empty() || !cause.empty(); }
 };
 
-/// The failure if an id or a name of the view is not in the explanation, with similar names; nothing otherwise.
-std::optional<Failure> UnknownWord(const Explanation& explanation, const ExplanationView& view);
+/// The failure if an id or a name of the view is not in the explained trees, with similar names; nothing otherwise.
+std::optional<Failure> UnknownWord(const TreeReports& reports, const ExplanationView& view);
 
 /// Indexes of the events that a narrowed view shows: the first one for each id and evidence.
-std::vector<std::size_t> ShownEvents(const ExplainedTree& tree, const ExplanationView& view);
+std::vector<std::size_t> ShownEvents(const RecordedTree& tree, const ExplanationView& view);
 
 /// True if the view shows the whole tree, or an event or a near miss of it.
-bool HasShown(const ExplainedTree& tree, const ExplanationView& view);
+bool HasShown(const RecordedTree& tree, const ExplanationView& view);
 
 /// True if the view shows this rule of a shown event.
 bool IsShown(const Evidence::Rule& rule, const ExplanationView& view);
 
 /// The near misses that the view shows; for a narrowed view those that involve its event, rule or cause.
-NearMisses ShownNearMisses(const ExplainedTree& tree, const ExplanationView& view);
+NearMisses ShownNearMisses(const RecordedTree& tree, const ExplanationView& view);
 
 /// The distinct root causes that the view shows.
-std::vector<DistinctCause> ShownCauses(const ExplainedTree& tree, const ExplanationView& view);
+std::vector<DistinctCause> ShownCauses(const RecordedTree& tree, const ExplanationView& view);
 
 } // namespace diagnosis
 

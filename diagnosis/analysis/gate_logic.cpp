@@ -7,12 +7,12 @@ namespace diagnosis {
 
 namespace {
 
-std::vector<std::size_t> LeavesInError(const ExplainedTree& tree, std::size_t event)
+std::vector<std::size_t> LeavesInError(const RecordedTree& tree, std::size_t event)
 {
     std::vector<std::size_t> leaves;
     std::unordered_set<std::string_view> ids;
     for (std::size_t below = event + 1; below < tree.events[event].end; ++below) {
-        const ExplainedEvent& leaf = tree.events[below];
+        const RecordedEvent& leaf = tree.events[below];
         if (leaf.IsLeaf() && leaf.IsInError() && ids.insert(leaf.id).second) {
             leaves.push_back(below);
         }
@@ -22,17 +22,17 @@ std::vector<std::size_t> LeavesInError(const ExplainedTree& tree, std::size_t ev
 
 } // namespace
 
-GateLogic GateLogicOf(const ExplainedTree& tree, std::size_t event)
+GateLogic GateLogicOf(const RecordedTree& tree, std::size_t event)
 {
     const bool isOr = tree.events[event].gate == Evidence::GateType::OR;
     GateLogic logic;
     bool hasUnknown = false;
     for (std::size_t child = event + 1; child < tree.events[event].end; child = tree.events[child].end) {
-        const ExplainedEvent& below = tree.events[child];
+        const RecordedEvent& below = tree.events[child];
         ++logic.below;
         logic.inError += below.IsInError() ? 1U : 0U;
         hasUnknown = hasUnknown || below.status == Evidence::EventState::UNKNOWN;
-        if (logic.decider == ExplainedEvent::NONE && below.IsInError() == isOr) {
+        if (logic.decider == RecordedEvent::NONE && below.IsInError() == isOr) {
             logic.decider = child;
         }
     }
@@ -41,16 +41,16 @@ GateLogic GateLogicOf(const ExplainedTree& tree, std::size_t event)
         logic.outcome = logic.inError > 0 ? Evidence::EventState::PRESENT : otherwise;
     } else {
         logic.outcome =
-            logic.decider == ExplainedEvent::NONE ? Evidence::EventState::PRESENT : tree.events[logic.decider].status;
+            logic.decider == RecordedEvent::NONE ? Evidence::EventState::PRESENT : tree.events[logic.decider].status;
     }
     return logic;
 }
 
-std::vector<CutOff> CutOffsOf(const ExplainedTree& tree)
+std::vector<CutOff> CutOffsOf(const RecordedTree& tree)
 {
     std::vector<CutOff> cutOffs;
     for (std::size_t event = 0; event < tree.events.size(); ++event) {
-        const ExplainedEvent& explained = tree.events[event];
+        const RecordedEvent& explained = tree.events[event];
         if (explained.IsLeaf() || !explained.observable || explained.IsInError()) {
             continue;
         }

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "diagnosis/evidence/explanation.h"
+#include "diagnosis/evidence/recorded_tree.h"
 
 namespace diagnosis {
 
@@ -15,10 +15,10 @@ struct GateLogic {
     std::size_t inError = 0;
     /// Index of the event that decided: for an OR the first in error, for an AND the first that is not. NONE if all of
     /// them decided together.
-    std::size_t decider = ExplainedEvent::NONE;
+    std::size_t decider = RecordedEvent::NONE;
 };
 
-GateLogic GateLogicOf(const ExplainedTree& tree, std::size_t event);
+GateLogic GateLogicOf(const RecordedTree& tree, std::size_t event);
 
 /// An observable intermediate event that is not in error although events below it are: these can't be root causes.
 struct CutOff {
@@ -28,7 +28,7 @@ struct CutOff {
     std::vector<std::size_t> leaves;
 };
 
-std::vector<CutOff> CutOffsOf(const ExplainedTree& tree);
+std::vector<CutOff> CutOffsOf(const RecordedTree& tree);
 
 } // namespace diagnosis
 

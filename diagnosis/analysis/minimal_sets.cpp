@@ -226,7 +226,7 @@ RepairSet FindRepairs(const std::vector<DistinctCause>& sets, std::size_t steps)
     return repairs;
 }
 
-MinimalSets FindMinimalSets(const ExplainedTree& tree)
+MinimalSets FindMinimalSets(const RecordedTree& tree)
 {
     MinimalSets minimal;
     const std::vector<DistinctCause> causes = DistinctCausesOf(tree);

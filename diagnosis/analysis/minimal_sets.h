@@ -37,7 +37,7 @@ struct MinimalSets {
     RepairSet repairs;
 };
 
-MinimalSets FindMinimalSets(const ExplainedTree& tree);
+MinimalSets FindMinimalSets(const RecordedTree& tree);
 
 /// The causes that are no supersets of others, in the same order.
 std::vector<DistinctCause> MinimalAmong(const std::vector<DistinctCause>& causes);

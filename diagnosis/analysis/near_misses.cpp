@@ -255,7 +255,7 @@ private:
 
 } // namespace
 
-NearMisses FindNearMisses(const ExplainedTree& tree, std::size_t mostMissing, std::size_t limit, std::size_t steps)
+NearMisses FindNearMisses(const RecordedTree& tree, std::size_t mostMissing, std::size_t limit, std::size_t steps)
 {
     NearMisses found;
     const CutFormula formula(tree);

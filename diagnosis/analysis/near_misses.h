@@ -4,13 +4,13 @@
 #include <cstddef>
 #include <vector>
 
-#include "diagnosis/evidence/explanation.h"
+#include "diagnosis/evidence/recorded_tree.h"
 
 namespace diagnosis {
 
 /// The events that keep a cut set from being a root cause.
 struct NearMiss {
-    /// Indexes into ExplainedTree::events, one for each id: members that are not in error, and observable intermediate
+    /// Indexes into RecordedTree::events, one for each id: members that are not in error, and observable intermediate
     /// events above members that are not in error.
     std::vector<std::size_t> missing;
     /// The events in error in one cut set that lacks just these; there may be more such cut sets.
@@ -29,7 +29,7 @@ struct NearMisses {
 /// of them. Cut sets are those of the library's plain expansion, which is not carried out: events in error need no
 /// choice.
 NearMisses FindNearMisses(
-    const ExplainedTree& tree, std::size_t mostMissing, std::size_t limit, std::size_t steps = 2000000);
+    const RecordedTree& tree, std::size_t mostMissing, std::size_t limit, std::size_t steps = 2000000);
 
 } // namespace diagnosis
 

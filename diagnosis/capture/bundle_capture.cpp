@@ -14,6 +14,7 @@
 #include "diagnosis/bundle/rule_paths.h"
 #include "diagnosis/capture/captured_files.h"
 #include "diagnosis/detection/detection.h"
+#include "diagnosis/evidence/detection_recorder.h"
 #include "diagnosis/log_db/slice_log.h"
 #include "diagnosis/scratch/new_file.h"
 #include "diagnosis/sqlite/database_files.h"
@@ -71,7 +72,7 @@ private:
     // Runs a detection, which shows whether the rules can be used and runs the code rules of this device.
     Problem LookAtRules()
     {
-        const auto recorder = std::make_shared<DetectionRecorder>(false);
+        const auto recorder = std::make_shared<DetectionRecorder>();
         const auto answers = std::make_shared<CodeAnswers>(mOwn.codeAnswers, mOptions.codeRunner);
         const auto info = mSession.MakeDetectInfo();
         info->mCodeRuleRunner = answers;

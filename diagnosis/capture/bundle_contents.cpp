@@ -39,7 +39,7 @@ void Load(const std::shared_ptr<DetectInfo>& info, const DetectionRecorder& reco
 
 void LoadRules(const BundleSession& session, BundleLook look, BundleContents& contents)
 {
-    const auto recorder = std::make_shared<DetectionRecorder>(false);
+    const auto recorder = std::make_shared<DetectionRecorder>();
     try {
         const auto info = session.MakeDetectInfo();
         Arborist engine(info);

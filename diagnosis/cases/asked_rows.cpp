@@ -16,18 +16,18 @@ constexpr std::int64_t DAYS_OF_DEFAULT_EVENTS = 7;
 
 } // namespace
 
-AskedRows::AskedRows(const Explanation& explanation, const rule_source::RuleSet& ruleSet, std::int64_t now)
+AskedRows::AskedRows(const TreeReports& trees, const rule_source::RuleSet& ruleSet, std::int64_t now)
 {
     std::vector<Range> ranges;
-    AddWindows(explanation, ranges);
+    AddWindows(trees, ranges);
     AddTables(ruleSet, now, ranges);
     Join(ranges);
 }
 
-void AskedRows::AddWindows(const Explanation& explanation, std::vector<Range>& ranges)
+void AskedRows::AddWindows(const TreeReports& trees, std::vector<Range>& ranges)
 {
-    for (const ExplainedTree& tree : explanation.trees) {
-        for (const Evidence::Event& event : tree.evidence) {
+    for (const TreeReport& tree : trees) {
+        for (const Evidence::Event& event : tree.tree.evidence) {
             for (const PlacedRule& placed : RulesOf(event)) {
                 if (const auto* const alarm = std::get_if<Evidence::Alarm>(&placed.rule.part)) {
                     AddWindows(*alarm, ranges);

@@ -5,7 +5,7 @@
 #include <map>
 #include <vector>
 
-#include "diagnosis/evidence/explanation.h"
+#include "diagnosis/evidence/recorded_tree.h"
 #include "diagnosis/rule_source/rule_set.h"
 
 namespace diagnosis::cases {
@@ -13,9 +13,9 @@ namespace diagnosis::cases {
 /// The rows of the event log for which the rules of a detection asked.
 class AskedRows {
 public:
-    /// The windows of alarm rules in an explanation, and the events of the derived tables of a rule set. `now` in
+    /// The windows of alarm rules in explained trees, and the events of the derived tables of a rule set. `now` in
     /// seconds since the epoch.
-    AskedRows(const Explanation& explanation, const rule_source::RuleSet& ruleSet, std::int64_t now);
+    AskedRows(const TreeReports& trees, const rule_source::RuleSet& ruleSet, std::int64_t now);
 
     /// Whether a rule asked for events with this number at this time.
     bool Contains(std::int64_t event, std::int64_t time) const;
@@ -28,7 +28,7 @@ private:
         std::int64_t since;
     };
 
-    static void AddWindows(const Explanation& explanation, std::vector<Range>& ranges);
+    static void AddWindows(const TreeReports& trees, std::vector<Range>& ranges);
     static void AddWindows(const Evidence::Alarm& alarm, std::vector<Range>& ranges);
     static void AddTables(const rule_source::RuleSet& ruleSet, std::int64_t now, std::vector<Range>& ranges);
     void Join(const std::vector<Range>& ranges);

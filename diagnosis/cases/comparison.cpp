@@ -62,11 +62,9 @@ class Answer {
 public:
     explicit Answer(const DetectionReport& report) : mReport(report)
     {
-        for (std::size_t i = 0; i < report.results.size(); ++i) {
-            mTrees.emplace(report.results[i]->mTreeId, i);
-        }
-        for (const ExplainedTree& tree : report.explanation->trees) {
-            Index(tree);
+        for (std::size_t i = 0; i < report.trees.size(); ++i) {
+            mTrees.emplace(report.trees[i].Id(), i);
+            Index(report.trees[i].tree);
         }
     }
 
@@ -80,13 +78,13 @@ public:
     Ids CausesOf(std::size_t tree) const
     {
         Ids ids;
-        for (const auto& cause : mReport.results[tree]->mRootCauseResults) {
+        for (const auto& cause : mReport.trees[tree].result->mRootCauseResults) {
             ids.push_back(cause->mNode->mId);
         }
         return ids;
     }
 
-    const Evidence::TreeVerdict& VerdictOf(std::size_t tree) const { return mReport.verdicts[tree]; }
+    const Evidence::TreeVerdict& VerdictOf(std::size_t tree) const { return mReport.trees[tree].verdict; }
 
     /// The words in all places of a name; null for an unknown one.
     const std::set<std::string>* StatusesOf(const std::string& event) const { return Find(mStatuses, event); }
@@ -124,9 +122,9 @@ public:
 private:
     using Words = std::map<std::string, std::set<std::string>>;
 
-    void Index(const ExplainedTree& tree)
+    void Index(const RecordedTree& tree)
     {
-        for (const ExplainedEvent& event : tree.events) {
+        for (const RecordedEvent& event : tree.events) {
             mStatuses[event.id].insert(Evidence::StateText(event.status));
             const Reason reason = ReasonOfEvent(tree, event);
             if (reason != Reason::NONE) {

@@ -43,12 +43,12 @@ class RuleSetCollector {
 public:
     RuleSetCollector(const RuleSets::Key& key, const rule_source::RuleSet& ruleSet) : mKey(key), mItems(ruleSet) {}
 
-    void Add(const Explanation& explanation)
+    void Add(const TreeReports& trees)
     {
         // Trees stand in the order of the file; a rule set that changed in between is not looked at.
-        for (std::size_t tree = 0; tree < std::min(explanation.trees.size(), mItems.leaves.size()); ++tree) {
-            AddLeaves(explanation.trees[tree], mItems.leaves[tree]);
-            for (const Evidence::Event& event : explanation.trees[tree].evidence) {
+        for (std::size_t tree = 0; tree < std::min(trees.size(), mItems.leaves.size()); ++tree) {
+            AddLeaves(trees[tree].tree, mItems.leaves[tree]);
+            for (const Evidence::Event& event : trees[tree].tree.evidence) {
                 AddAlternatives(event);
                 for (const PlacedRule& placed : RulesOf(event)) {
                     AddRule(placed.rule);
@@ -68,7 +68,7 @@ private:
         }
     }
 
-    void AddLeaves(const ExplainedTree& tree, const std::vector<std::size_t>& leaves)
+    void AddLeaves(const RecordedTree& tree, const std::vector<std::size_t>& leaves)
     {
         for (std::size_t i = 0; i < std::min(tree.events.size(), leaves.size()); ++i) {
             if (tree.events[i].check == Check::DECIDED) {
@@ -196,13 +196,13 @@ std::size_t RuleSetCoverage::Covered() const
 Coverage::Coverage() = default;
 Coverage::~Coverage() = default;
 
-void Coverage::Add(const RuleSets::Key& key, const rule_source::RuleSet& ruleSet, const Explanation& explanation)
+void Coverage::Add(const RuleSets::Key& key, const rule_source::RuleSet& ruleSet, const TreeReports& trees)
 {
     auto& collector = mCollectors[key];
     if (collector == nullptr) {
         collector = std::make_unique<RuleSetCollector>(key, ruleSet);
     }
-    collector->Add(explanation);
+    collector->Add(trees);
 }
 
 std::vector<RuleSetCoverage> Coverage::Result() const

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "diagnosis/cases/rule_sets.h"
-#include "diagnosis/evidence/explanation.h"
+#include "diagnosis/evidence/recorded_tree.h"
 
 namespace diagnosis::cases {
 
@@ -63,7 +63,7 @@ public:
     Coverage(const Coverage&) = delete;
     Coverage& operator=(const Coverage&) = delete;
 
-    void Add(const RuleSets::Key& key, const rule_source::RuleSet& ruleSet, const Explanation& explanation);
+    void Add(const RuleSets::Key& key, const rule_source::RuleSet& ruleSet, const TreeReports& trees);
     std::vector<RuleSetCoverage> Result() const;
 
 private:

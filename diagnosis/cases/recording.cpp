@@ -55,10 +55,10 @@ std::string NameOf(const std::string& bundle)
 
 // Calls `visit` for each rule that a detection ran.
 template <typename Visit>
-void ForEachRule(const Explanation& explanation, Visit visit)
+void ForEachRule(const TreeReports& trees, Visit visit)
 {
-    for (const ExplainedTree& tree : explanation.trees) {
-        for (const Evidence::Event& event : tree.evidence) {
+    for (const TreeReport& tree : trees) {
+        for (const Evidence::Event& event : tree.tree.evidence) {
             for (const PlacedRule& placed : RulesOf(event)) {
                 visit(placed.rule);
             }
@@ -140,7 +140,7 @@ private:
     {
         JsonByKey files;
         std::string unfit;
-        ForEachRule(*mReport.explanation, [&files, &unfit](const Evidence::Rule& rule) {
+        ForEachRule(mReport.trees, [&files, &unfit](const Evidence::Rule& rule) {
             const auto* const node = std::get_if<Evidence::Node>(&rule.part);
             for (const auto& file : node == nullptr ? std::vector<Evidence::NodeFile>() : node->files) {
                 if (file.readable) {
@@ -165,7 +165,7 @@ private:
         const rule_source::RuleSetFiles files =
             rule_source::ReadRuleSetFiles(InBundle(mBundle.ruleFileDir), mBundle.ruleFilePrefix);
         const rule_source::RuleSet ruleSet(files, mBundle.treeTag);
-        const AskedRows asked(*mReport.explanation, ruleSet, mSession.Now());
+        const AskedRows asked(mReport.trees, ruleSet, mSession.Now());
         const auto asOf = mBundle.asOf.empty() ? std::nullopt : std::optional(mSession.Now());
         std::vector<std::string> events;
         auto failure = ShowEventLog(log, false, asOf,
@@ -214,7 +214,7 @@ private:
     Problem AddDatabases()
     {
         std::set<std::string> names;
-        ForEachRule(*mReport.explanation, [&names](const Evidence::Rule& rule) {
+        ForEachRule(mReport.trees, [&names](const Evidence::Rule& rule) {
             const auto* const command = std::get_if<Evidence::Command>(&rule.part);
             if (command != nullptr && command->hits) {
                 for (const Evidence::Statement& statement : command->statements) {
@@ -239,7 +239,7 @@ private:
     void AddAnswers()
     {
         JsonByKey answers;
-        ForEachRule(*mReport.explanation, [&answers](const Evidence::Rule& rule) {
+        ForEachRule(mReport.trees, [&answers](const Evidence::Rule& rule) {
             const auto* const code = std::get_if<Evidence::Code>(&rule.part);
             if (code != nullptr && code->answer && rule.reason == Reason::RUNNER_ANSWERED) {
                 answers[rule.name] = *code->answer ? "true" : "false";
@@ -254,19 +254,16 @@ private:
         JsonByKey verdicts;
         JsonByKey statuses;
         std::set<std::string> ambiguous;
-        for (std::size_t i = 0; i < mReport.results.size(); ++i) {
-            const FaultTreeResult& result = *mReport.results[i];
+        for (const TreeReport& tree : mReport.trees) {
             JsonWriter ids;
             ids.BeginArray();
-            for (const auto& cause : result.mRootCauseResults) {
+            for (const auto& cause : tree.result->mRootCauseResults) {
                 ids.Text(cause->mNode->mId);
             }
             // Of two trees with one id the first is looked at.
-            causes.emplace(result.mTreeId, ids.EndArray().Line());
-            verdicts.emplace(result.mTreeId, QuotedJson(Evidence::TreeVerdictText(mReport.verdicts[i].word)));
-        }
-        for (const ExplainedTree& tree : mReport.explanation->trees) {
-            for (const ExplainedEvent& event : tree.events) {
+            causes.emplace(tree.Id(), ids.EndArray().Line());
+            verdicts.emplace(tree.Id(), QuotedJson(Evidence::TreeVerdictText(tree.verdict.word)));
+            for (const RecordedEvent& event : tree.tree.events) {
                 const std::string status = QuotedJson(Evidence::StateText(event.status));
                 if (event.IsLeaf() && statuses.emplace(event.id, status).first->second != status) {
                     ambiguous.insert(event.id);

@@ -76,9 +76,9 @@ private:
     void RunCase(const TestCase& testCase)
     {
         mRun.cases.push_back(mRunner.Run(testCase));
-        if (mOptions.withCoverage && mRunner.LastReport().explanation != nullptr) {
+        if (mOptions.withCoverage && !mRunner.LastReport().failure) {
             const RuleSets::Key& key = mRunner.LastRuleSet();
-            mCoverage.Add(key, mRunner.GetRuleSets().Get(key), *mRunner.LastReport().explanation);
+            mCoverage.Add(key, mRunner.GetRuleSets().Get(key), mRunner.LastReport().trees);
         }
         if (mOptions.onCase) {
             mOptions.onCase(mRun.cases.back());

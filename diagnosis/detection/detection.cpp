@@ -10,7 +10,7 @@
 #include "diagnosis/bundle/moment.h"
 #include "diagnosis/bundle/rule_paths.h"
 #include "diagnosis/detection/bad_pattern.h"
-#include "diagnosis/evidence/explanation_recorder.h"
+#include "diagnosis/evidence/detection_recorder.h"
 #include "diagnosis/process/interruption.h"
 #include "diagnosis/text/near_match.h"
 
@@ -55,19 +55,21 @@ void ShowPaths(const BundleSession& session, Evidence::Rule& rule)
     }
 }
 
-void ShowPaths(const BundleSession& session, Evidence::TreeVerdict& verdict)
+// Renames files to their names in the bundle: the run kept them elsewhere. Messages may quote the library or SQLite.
+void ShowPaths(const BundleSession& session, DetectionReport& report)
 {
-    for (Evidence::OpenCheck& open : verdict.open) {
-        open.detail = session.Shown(open.detail);
+    for (Warning& warning : report.warnings) {
+        warning.message = session.Shown(warning.message);
+        warning.file = session.Shown(warning.file);
     }
-}
-
-// Renames files in the explanation to their names in the bundle: the run kept them elsewhere.
-void ShowPaths(const BundleSession& session, Explanation& explanation)
-{
-    for (ExplainedTree& tree : explanation.trees) {
-        ShowPaths(session, tree.verdict);
-        for (Evidence::Event& event : tree.evidence) {
+    if (report.failure) {
+        report.failure->message = session.Shown(report.failure->message);
+    }
+    for (TreeReport& tree : report.trees) {
+        for (Evidence::OpenCheck& open : tree.verdict.open) {
+            open.detail = session.Shown(open.detail);
+        }
+        for (Evidence::Event& event : tree.tree.evidence) {
             for (Evidence::Alternative& alternative : event.alternatives) {
                 for (Evidence::Rule& rule : alternative.rules) {
                     ShowPaths(session, rule);
@@ -77,33 +79,13 @@ void ShowPaths(const BundleSession& session, Explanation& explanation)
     }
 }
 
-// Renames files in messages, too, which may quote the library or SQLite.
-void ShowPaths(const BundleSession& session, DetectionReport& report)
-{
-    for (Warning& warning : report.warnings) {
-        warning.message = session.Shown(warning.message);
-        warning.file = session.Shown(warning.file);
-    }
-    for (Evidence::TreeVerdict& verdict : report.verdicts) {
-        ShowPaths(session, verdict);
-    }
-    if (report.failure) {
-        report.failure->message = session.Shown(report.failure->message);
-    }
-}
-
 /// One detection with its observers.
 class Detection {
 public:
     Detection(const BundleSession& session, const DetectionOptions& options)
-        : mSession(session), mOptions(options), mInfo(session.MakeDetectInfo())
+        : mSession(session), mOptions(options), mInfo(session.MakeDetectInfo()),
+          mRecorder(std::make_shared<DetectionRecorder>(DetailOf(options)))
     {
-        if (options.withExplanation) {
-            mExplanation = std::make_shared<ExplanationRecorder>(options.withTrees);
-            mRecorder = mExplanation;
-        } else {
-            mRecorder = std::make_shared<DetectionRecorder>(options.withTrees);
-        }
         // Without a source of answers the library gets no runner, so that code rules end with that reason.
         if (!session.GetBundle().codeAnswers.empty() || options.codeRunner.IsThere()) {
             mAnswers = std::make_shared<CodeAnswers>(session.GetBundle().codeAnswers, options.codeRunner);
@@ -123,29 +105,29 @@ public:
                 stoppable.emplace(engine);
             }
             const StopSwitch::Running running(mOptions.stop, engine);
-            report.results = engine.StartDetection();
+            const auto results = engine.StartDetection();
             report.failure = RuleSetFailure(mRecorder->GetRuleSet(), mSession.GetBundle());
+            if (!report.failure) {
+                report.trees = mRecorder->TakeTrees();
+                for (std::size_t tree = 0; tree < results.size(); ++tree) {
+                    report.trees.at(tree).result = results[tree];
+                }
+            }
         } catch (...) {
             report.failure = FailureInFlight(mRecorder->GetRuleSet());
+            report.trees.clear();
         }
-        if (report.failure) {
-            report.results.clear();
-        } else {
-            TakeResults(report);
+        if (!report.failure) {
             warnings.LookAfter(mSession);
         }
         TakeWarnings(report);
     }
 
 private:
-    void TakeResults(DetectionReport& report) const
+    static DetectionRecorder::Detail DetailOf(const DetectionOptions& options)
     {
-        report.verdicts = mRecorder->GetVerdicts();
-        report.trees = mRecorder->GetTrees();
-        if (mExplanation != nullptr) {
-            ShowPaths(mSession, *mExplanation->GetExplanation());
-            report.explanation = mExplanation->GetExplanation();
-        }
+        using Detail = DetectionRecorder::Detail;
+        return options.withExplanation ? Detail::EVIDENCE : options.withTrees ? Detail::EVENTS : Detail::VERDICT;
     }
 
     // A failed detection has no results, so warnings about the reliability of results are left out.
@@ -169,8 +151,6 @@ private:
     const DetectionOptions& mOptions;
     std::shared_ptr<DetectInfo> mInfo;
     std::shared_ptr<DetectionRecorder> mRecorder;
-    /// The recorder of the explanation; null if none is requested.
-    std::shared_ptr<ExplanationRecorder> mExplanation;
     std::shared_ptr<CodeAnswers> mAnswers;
 };
 
@@ -178,21 +158,18 @@ private:
 
 bool DetectionReport::IsFault() const
 {
-    return std::any_of(results.begin(), results.end(),
-        [](const std::shared_ptr<FaultTreeResult>& result) { return result->mIsFault; });
+    return std::any_of(trees.begin(), trees.end(), [](const TreeReport& tree) { return tree.IsFault(); });
 }
 
 bool DetectionReport::IsUndecided() const
 {
-    return std::any_of(verdicts.begin(), verdicts.end(), [](const Evidence::TreeVerdict& verdict) {
-        return verdict.word == Evidence::TreeVerdict::Word::UNDECIDED;
-    });
+    return std::any_of(trees.begin(), trees.end(), [](const TreeReport& tree) { return tree.IsUndecided(); });
 }
 
 bool DetectionReport::HasUnusableRule() const
 {
-    return std::any_of(verdicts.begin(), verdicts.end(), [](const Evidence::TreeVerdict& verdict) {
-        return verdict.checks.Of(Evidence::Check::RULE_UNUSABLE) != 0;
+    return std::any_of(trees.begin(), trees.end(), [](const TreeReport& tree) {
+        return tree.verdict.checks.Of(Evidence::Check::RULE_UNUSABLE) != 0;
     });
 }
 
@@ -248,6 +225,8 @@ DetectionReport RunDetection(const BundlePath& bundle, const DetectionOptions& o
 {
     DetectionReport report;
     report.bundle = bundle.given;
+    report.withTrees = options.withTrees;
+    report.withExplanation = options.withExplanation;
     try {
         BundleSession session;
         report.failure = session.Enter(bundle, options.overrides);

@@ -6,12 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "arborist/frame/fault_tree_result.h"
 #include "diagnosis/bundle/bundle_session.h"
 #include "diagnosis/detection/code_answers.h"
 #include "diagnosis/detection/stop_switch.h"
-#include "diagnosis/evidence/detection_recorder.h"
-#include "diagnosis/evidence/explanation.h"
+#include "diagnosis/evidence/recorded_tree.h"
 #include "diagnosis/evidence/rule_set_memory.h"
 #include "diagnosis/problem.h"
 
@@ -36,19 +34,16 @@ struct DetectionOptions {
 /// The complete output of one detection, from which all renderings are made.
 struct DetectionReport {
     std::string bundle;
-    /// Set if the bundle could not be run; there are no results then.
+    /// Set if the bundle could not be run; there are no trees then.
     std::optional<Failure> failure;
     std::vector<Warning> warnings;
-    std::vector<std::shared_ptr<FaultTreeResult>> results;
-    /// What each result rests on, in the same order.
-    std::vector<Evidence::TreeVerdict> verdicts;
-    /// The trees of the results, in the same order; empty unless requested.
-    std::vector<RecordedTree> trees;
+    TreeReports trees;
+    /// As requested: whether the report shows the trees, and the explanation.
+    bool withTrees = false;
+    bool withExplanation = false;
     /// The bundle that was diagnosed, and the time of the diagnosis as local time. Set once the bundle is entered.
     Bundle subject;
     std::string moment;
-    /// Null unless requested.
-    std::shared_ptr<const Explanation> explanation;
 
     bool IsFault() const;
     bool IsUndecided() const;

@@ -4,6 +4,7 @@
 
 #include "arborist/frame/arborist.h"
 #include "diagnosis/bundle/rule_paths.h"
+#include "diagnosis/evidence/detection_recorder.h"
 #include "diagnosis/text/near_match.h"
 
 namespace diagnosis {
@@ -38,7 +39,7 @@ QueryReport RunQuery(const BundlePath& bundle, const std::string& code, const Bu
     QueryReport report;
     report.bundle = bundle.given;
     report.code = code;
-    const auto recorder = std::make_shared<DetectionRecorder>(false);
+    const auto recorder = std::make_shared<DetectionRecorder>();
     try {
         BundleSession session;
         report.failure = session.Enter(bundle, overrides);

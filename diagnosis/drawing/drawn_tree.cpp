@@ -1,107 +1,71 @@
 #include "diagnosis/drawing/drawn_tree.h"
 
-#include <algorithm>
-#include <cstdint>
+#include <map>
 #include <string_view>
 #include <unordered_set>
-
-#include "diagnosis/text/running_hash.h"
+#include <utility>
 
 namespace diagnosis {
 
 namespace {
 
-// A hash of the path of each place. The texts of all paths would grow with the square of the depth of the tree.
-std::vector<RunningHash> PathHashes(const DrawnTree& tree)
+// A number for each place, equal for places with equal ids from the top down.
+std::vector<std::size_t> PathNumbers(const RecordedTree& tree)
 {
-    std::vector<RunningHash> hashes;
-    hashes.reserve(tree.events.size());
-    for (std::size_t place = 0; place < tree.events.size(); ++place) {
-        const DrawnEvent& drawn = tree.events[place];
-        const RunningHash above = place == 0 ? RunningHash() : hashes[drawn.parent].Extended("/");
-        hashes.push_back(above.Extended(drawn.event->id));
+    std::map<std::pair<std::size_t, std::string_view>, std::size_t> known;
+    std::vector<std::size_t> numbers;
+    numbers.reserve(tree.events.size());
+    for (const RecordedEvent& event : tree.events) {
+        const std::size_t above = event.parent == RecordedEvent::NONE ? RecordedEvent::NONE : numbers[event.parent];
+        numbers.push_back(known.try_emplace({above, event.id}, known.size()).first->second);
     }
-    return hashes;
+    return numbers;
 }
 
-// Ids from the top event down to the place, joined by "/": how a cut set names its members.
-std::string PathOf(const DrawnTree& tree, std::size_t place)
+// A cut set names its members by their paths: of siblings with one id it means all that are in error.
+void MarkCauses(const RecordedTree& tree, DrawnTree& drawn)
 {
-    std::vector<std::size_t> way = {place};
-    while (tree.events[way.back()].parent != way.back()) {
-        way.push_back(tree.events[way.back()].parent);
-    }
-    std::string path;
-    for (auto step = way.rbegin(); step != way.rend(); ++step) {
-        path += (step == way.rbegin() ? "" : "/") + tree.events[*step].event->id;
-    }
-    return path;
-}
-
-void Connect(DrawnTree& drawn)
-{
-    // The place at each depth of the branch that is being read.
-    std::vector<std::size_t> branch;
-    for (const Evidence::FoldedEvent& event : drawn.tree->events) {
-        const std::size_t place = drawn.events.size();
-        branch.resize(std::min(branch.size(), event.depth));
-        const std::size_t parent = branch.empty() ? place : branch.back();
-        if (parent != place) {
-            drawn.events[parent].children.push_back(place);
-        }
-        drawn.events.push_back({&event, parent});
-        branch.push_back(place);
-    }
-}
-
-void MarkCauses(DrawnTree& drawn)
-{
-    std::vector<std::string> members;
+    const std::vector<std::size_t> numbers = PathNumbers(tree);
+    std::unordered_set<std::size_t> members;
     std::unordered_set<std::string_view> causes;
-    for (const RecordedCause& cause : drawn.tree->causes) {
+    for (const RecordedCause& cause : tree.causes) {
         causes.insert(cause.id);
-        members.insert(members.end(), cause.cutSet.begin(), cause.cutSet.end());
+        for (const std::size_t member : cause.members) {
+            members.insert(member == RecordedEvent::NONE ? RecordedEvent::NONE : numbers[member]);
+        }
     }
-    for (const std::size_t place : PlacesOf(drawn, members)) {
+    for (std::size_t place = 0; place < tree.events.size(); ++place) {
+        if (!tree.events[place].IsInError() || members.count(numbers[place]) == 0) {
+            continue;
+        }
         drawn.events[place].isInCutSet = true;
-        drawn.events[place].isRootCause = causes.count(drawn.events[place].event->id) != 0;
-        for (std::size_t above = place; !drawn.events[above].isOnCausePath; above = drawn.events[above].parent) {
+        drawn.events[place].isRootCause = causes.count(tree.events[place].id) != 0;
+        for (std::size_t above = place; above != RecordedEvent::NONE && !drawn.events[above].isOnCausePath;
+             above = tree.events[above].parent) {
             drawn.events[above].isOnCausePath = true;
         }
     }
 }
 
-} // namespace
-
-std::vector<std::size_t> PlacesOf(const DrawnTree& tree, const std::vector<std::string>& members)
+DrawnTree Draw(const TreeReport& report, bool hasStatuses)
 {
-    if (members.empty()) {
-        return {};
+    DrawnTree drawn{&report, hasStatuses};
+    drawn.events.reserve(report.tree.events.size());
+    for (const RecordedEvent& event : report.tree.events) {
+        drawn.events.push_back({&event, report.tree.ChildrenOf(drawn.events.size())});
     }
-    const std::unordered_set<std::string_view> paths(members.begin(), members.end());
-    std::unordered_set<std::uint64_t> wanted;
-    for (const std::string_view path : paths) {
-        wanted.insert(RunningHash().Extended(path).Value());
-    }
-    std::vector<std::size_t> places;
-    const std::vector<RunningHash> hashes = PathHashes(tree);
-    for (std::size_t place = 0; place < hashes.size(); ++place) {
-        const bool isInError = Evidence::IsInError(tree.events[place].event->status);
-        if (isInError && wanted.count(hashes[place].Value()) != 0 && paths.count(PathOf(tree, place)) != 0) {
-            places.push_back(place);
-        }
-    }
-    return places;
+    MarkCauses(report.tree, drawn);
+    return drawn;
 }
+
+} // namespace
 
 std::vector<DrawnTree> DrawTrees(const DetectionReport& report, bool hasStatuses, const std::string& treeId)
 {
     std::vector<DrawnTree> trees;
-    for (const RecordedTree& tree : report.trees) {
-        if (treeId.empty() || tree.id == treeId) {
-            trees.push_back({&tree, hasStatuses, {}, {}});
-            Connect(trees.back());
-            MarkCauses(trees.back());
+    for (const TreeReport& tree : report.trees) {
+        if (treeId.empty() || tree.Id() == treeId) {
+            trees.push_back(Draw(tree, hasStatuses));
         }
     }
     return trees;

@@ -11,11 +11,9 @@ namespace diagnosis {
 
 /// One place of a tree. An event that occurs in several places has one DrawnEvent for each.
 struct DrawnEvent {
-    /// Lives as long as the recorded tree.
-    const Evidence::FoldedEvent* event;
-    /// The top event is its own parent.
-    std::size_t parent;
-    std::vector<std::size_t> children = {};
+    /// Lives as long as the report.
+    const RecordedEvent* event;
+    std::vector<std::size_t> children;
     /// Is a member of a cut set that explains the fault.
     bool isInCutSet = false;
     /// Is the member that gives the root cause its name.
@@ -27,19 +25,16 @@ struct DrawnEvent {
 /// The input of all drawings of one tree: its events in pre-order, the top event first.
 struct DrawnTree {
     /// Lives as long as the report.
-    const RecordedTree* tree;
+    const TreeReport* report;
     /// False if only the shape is known, so that no status may be shown.
     bool hasStatuses;
-    std::vector<DrawnEvent> events;
+    std::vector<DrawnEvent> events = {};
     /// For the title: "FAULT", or what is open. Empty for none.
     std::string verdict = {};
 };
 
 /// The trees of a report that was made with trees; if `treeId` is not empty, only those with this id.
 std::vector<DrawnTree> DrawTrees(const DetectionReport& report, bool hasStatuses, const std::string& treeId);
-
-/// The places that the members of a cut set name: more than one for a member if siblings share an id.
-std::vector<std::size_t> PlacesOf(const DrawnTree& tree, const std::vector<std::string>& members);
 
 } // namespace diagnosis
 

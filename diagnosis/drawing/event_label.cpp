@@ -48,7 +48,7 @@ std::string OpenWords(const DrawnTree& tree, std::size_t place)
 
 std::string TitleOf(const DrawnTree& tree)
 {
-    return ShownId(tree.tree->id) + (tree.verdict.empty() ? "" : ": " + tree.verdict);
+    return ShownId(tree.report->Id()) + (tree.verdict.empty() ? "" : ": " + tree.verdict);
 }
 
 const char* StatusClass(const DrawnTree& tree, std::size_t place)

@@ -88,7 +88,7 @@ private:
             const bool isGate = drawn.event->type == Evidence::EventType::INTERMEDIATE;
             names.push_back(isGate ? mNames.NewName(drawn.event->id) : EscapedName(drawn.event->id));
         }
-        std::string text = "  <define-fault-tree name=\"" + mTreeNames.NewName(tree.tree->id) + "\">\n";
+        std::string text = "  <define-fault-tree name=\"" + mTreeNames.NewName(tree.report->Id()) + "\">\n";
         for (std::size_t place = 0; place < tree.events.size(); ++place) {
             if (tree.events[place].event->type == Evidence::EventType::INTERMEDIATE) {
                 text += GateText(tree, place, names);

@@ -100,7 +100,7 @@ private:
 
     std::string Description() const
     {
-        std::string text = "Fault tree " + mTree.tree->id + " with " + std::to_string(mTree.events.size()) + " events.";
+        std::string text = "Fault tree " + mTree.report->Id() + " with " + std::to_string(mTree.events.size()) + " events.";
         for (const DrawnEvent& drawn : mTree.events) {
             text += drawn.isRootCause ? " Root cause: " + ShownId(drawn.event->id) + "." : "";
         }

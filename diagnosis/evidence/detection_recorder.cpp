@@ -8,37 +8,89 @@ void DetectionRecorder::OnRuleSetRead(Evidence::RuleSet ruleSet)
     mRuleSet = std::move(ruleSet);
 }
 
-void DetectionRecorder::OnTreeStarted(Evidence::TreeHead tree)
+void DetectionRecorder::OnTreeStarted(Evidence::TreeHead)
 {
-    mTrees.push_back({std::move(tree.id), {}, {}});
-    mCausePlaces.clear();
+    mTrees.emplace_back();
+    mAsked.clear();
+    mPaths.reset();
 }
 
-void DetectionRecorder::OnTreeFolded(std::vector<Evidence::FoldedEvent> events)
+void DetectionRecorder::OnEventDecided(Evidence::Event event)
 {
-    if (mKeepsEvents && !mTrees.empty()) {
-        mTrees.back().events = std::move(events);
+    mWarnings.OnEvent(event);
+    if (mDetail < Detail::EVIDENCE) {
+        return;
     }
+    std::vector<Evidence::Event>& evidence = Tree().evidence;
+    auto& runs = mAsked[event.id].runs;
+    if (!runs.empty() && evidence[runs.back().first] == event) {
+        ++runs.back().second;
+        return;
+    }
+    runs.emplace_back(evidence.size(), 1);
+    evidence.push_back(std::move(event));
+}
+
+void DetectionRecorder::OnTreeFolded(std::vector<Evidence::FoldedEvent> folded)
+{
+    if (mDetail < Detail::EVENTS) {
+        return;
+    }
+    std::vector<RecordedEvent>& events = Tree().events;
+    std::vector<std::size_t> open; // indexes of the events above the one that is being added
+    const auto closeTo = [&](std::size_t depth) {
+        for (; open.size() > depth; open.pop_back()) {
+            events[open.back()].end = events.size();
+        }
+    };
+    events.reserve(folded.size());
+    for (Evidence::FoldedEvent& event : folded) {
+        closeTo(event.depth);
+        const std::size_t parent = open.empty() ? RecordedEvent::NONE : open.back();
+        const std::size_t evidence = NextEvidence(event.id);
+        open.push_back(events.size());
+        events.push_back({std::move(event), parent, 0, evidence});
+    }
+    closeTo(0);
 }
 
 void DetectionRecorder::OnRootCause(Evidence::RootCause rootCause)
 {
-    if (!mKeepsEvents || mTrees.empty()) {
+    if (mDetail < Detail::EVENTS) {
         return;
     }
-    std::vector<RecordedCause>& causes = mTrees.back().causes;
-    std::pair<std::string, std::vector<std::string>> key(std::move(rootCause.id), std::move(rootCause.cutSet));
-    const auto [known, isNew] = mCausePlaces.emplace(std::move(key), causes.size());
-    if (isNew) {
-        causes.push_back({known->first.first, known->first.second, 0});
+    if (!mPaths) {
+        mPaths.emplace(Tree().events);
     }
-    ++causes[known->second].count;
+    RecordedCause& cause = Tree().causes.emplace_back();
+    cause.id = std::move(rootCause.id);
+    cause.members.reserve(rootCause.cutSet.size());
+    for (const std::string& path : rootCause.cutSet) {
+        cause.members.push_back(mPaths->Find(path));
+    }
 }
 
 void DetectionRecorder::OnTreeFinished(Evidence::TreeResult result)
 {
     mWarnings.OnTreeFinished(result);
-    mVerdicts.push_back(std::move(result.verdict));
+    mTrees.back().verdict = std::move(result.verdict);
+    mPaths.reset();
+}
+
+// Events are decided and folded in the same order, so that the nth event with an id is the same both times.
+std::size_t DetectionRecorder::NextEvidence(const std::string& id)
+{
+    const auto entry = mAsked.find(id);
+    if (entry == mAsked.end() || entry->second.run == entry->second.runs.size()) {
+        return RecordedEvent::NONE;
+    }
+    Asked& asked = entry->second;
+    const auto [evidence, length] = asked.runs[asked.run];
+    if (++asked.taken == length) {
+        asked.taken = 0;
+        ++asked.run;
+    }
+    return evidence;
 }
 
 } // namespace diagnosis

@@ -2,41 +2,34 @@
 #define ARBORIST_DIAGNOSIS_EVIDENCE_DETECTION_RECORDER_H
 
 #include <cstddef>
-#include <map>
+#include <optional>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "arborist/frame/detection_observer.h"
 #include "diagnosis/evidence/detection_warnings.h"
+#include "diagnosis/evidence/path_index.h"
+#include "diagnosis/evidence/recorded_tree.h"
 
 namespace diagnosis {
 
-/// A root cause with its cut set.
-struct RecordedCause {
-    std::string id;
-    /// Path of each member, ids from the top down joined by "/".
-    std::vector<std::string> cutSet;
-    /// How often the list of root causes has it: a branch that the tree repeats gives it several times.
-    std::size_t count;
-};
-
-/// One tree with its events in pre-order, and its root causes without repetition.
-struct RecordedTree {
-    std::string id;
-    std::vector<Evidence::FoldedEvent> events;
-    std::vector<RecordedCause> causes;
-};
-
-/// Records what is shown of a detection in addition to its results.
+/// Records what is shown of a detection in addition to its results. Use an object for one detection.
 class DetectionRecorder : public DetectionObserver {
 public:
-    /// Keeps events and root causes only with `keepsEvents`, as trees can be large.
-    explicit DetectionRecorder(bool keepsEvents) : mKeepsEvents(keepsEvents) {}
+    /// What is kept of each tree. Each value includes those before it.
+    enum class Detail {
+        VERDICT,
+        EVENTS, ///< its events and root causes
+        EVIDENCE, ///< the evidence of its events
+    };
+
+    explicit DetectionRecorder(Detail detail = Detail::VERDICT) : mDetail(detail) {}
 
     void OnRuleSetRead(Evidence::RuleSet ruleSet) override;
     void OnTreeStarted(Evidence::TreeHead tree) override;
-    void OnEventDecided(Evidence::Event event) override { NoteWarnings(event); }
+    void OnEventDecided(Evidence::Event event) override;
     void OnTreeFolded(std::vector<Evidence::FoldedEvent> events) override;
     void OnRootCause(Evidence::RootCause rootCause) override;
     void OnTreeFinished(Evidence::TreeResult result) override;
@@ -44,24 +37,29 @@ public:
 
     /// The rule set after the last attempt to read it.
     const Evidence::RuleSet& GetRuleSet() const { return mRuleSet; }
-    /// The trees in the order of the results.
-    const std::vector<RecordedTree>& GetTrees() const { return mTrees; }
-    /// What each result rests on, in the order of the results.
-    const std::vector<Evidence::TreeVerdict>& GetVerdicts() const { return mVerdicts; }
+    /// The trees of the detection, as yet without results. Leaves none.
+    TreeReports TakeTrees() { return std::move(mTrees); }
     /// The problems that make the result less reliable.
     DetectionWarnings& GetWarnings() { return mWarnings; }
 
-protected:
-    bool KeepsEvents() const { return mKeepsEvents; }
-    void NoteWarnings(const Evidence::Event& event) { mWarnings.OnEvent(event); }
-
 private:
-    bool mKeepsEvents;
+    /// The evidence of all events with one id, in the order of the tree.
+    struct Asked {
+        /// Index of the evidence of each event, run-length encoded.
+        std::vector<std::pair<std::size_t, std::size_t>> runs;
+        std::size_t run = 0;
+        std::size_t taken = 0;
+    };
+
+    RecordedTree& Tree() { return mTrees.back().tree; }
+    std::size_t NextEvidence(const std::string& id);
+
+    Detail mDetail;
     Evidence::RuleSet mRuleSet;
-    std::vector<RecordedTree> mTrees;
-    std::vector<Evidence::TreeVerdict> mVerdicts;
-    // Index among the causes of the last tree, by id and cut set.
-    std::map<std::pair<std::string, std::vector<std::string>>, std::size_t> mCausePlaces;
+    TreeReports mTrees;
+    std::unordered_map<std::string, Asked> mAsked;
+    /// Index of the last tree; built for its first root cause.
+    std::optional<PathIndex> mPaths;
     DetectionWarnings mWarnings;
 };
 

@@ -4,7 +4,7 @@
 
 namespace diagnosis {
 
-PathIndex::PathIndex(const std::vector<ExplainedEvent>& events) : mEvents(events)
+PathIndex::PathIndex(const std::vector<RecordedEvent>& events) : mEvents(events)
 {
     // Hashes instead of texts: the texts of all paths would grow with the square of the depth of the tree.
     std::vector<RunningHash> hashes;
@@ -12,8 +12,8 @@ PathIndex::PathIndex(const std::vector<ExplainedEvent>& events) : mEvents(events
     hashes.reserve(events.size());
     isInErrorToTheTop.reserve(events.size());
     for (std::size_t place = 0; place < events.size(); ++place) {
-        const ExplainedEvent& event = events[place];
-        const bool isTop = event.parent == ExplainedEvent::NONE;
+        const RecordedEvent& event = events[place];
+        const bool isTop = event.parent == RecordedEvent::NONE;
         hashes.push_back((isTop ? RunningHash() : hashes[event.parent].Extended("/")).Extended(event.id));
         isInErrorToTheTop.push_back(event.IsInError() && (isTop || isInErrorToTheTop[event.parent]));
         const auto [entry, isNew] = mPlaces.try_emplace(hashes.back().Value(), place);
@@ -26,13 +26,13 @@ PathIndex::PathIndex(const std::vector<ExplainedEvent>& events) : mEvents(events
 std::size_t PathIndex::Find(std::string_view path) const
 {
     const auto found = mPlaces.find(RunningHash().Extended(path).Value());
-    return found != mPlaces.end() && IsPathOf(found->second, path) ? found->second : ExplainedEvent::NONE;
+    return found != mPlaces.end() && IsPathOf(found->second, path) ? found->second : RecordedEvent::NONE;
 }
 
 bool PathIndex::IsPathOf(std::size_t event, std::string_view path) const
 {
-    for (; event != ExplainedEvent::NONE; event = mEvents[event].parent) {
-        const bool isTop = mEvents[event].parent == ExplainedEvent::NONE;
+    for (; event != RecordedEvent::NONE; event = mEvents[event].parent) {
+        const bool isTop = mEvents[event].parent == RecordedEvent::NONE;
         const std::string& id = mEvents[event].id;
         if (!path.ends_with(id)) {
             return false;

@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "diagnosis/evidence/explanation.h"
+#include "diagnosis/evidence/recorded_tree.h"
 
 namespace diagnosis {
 
@@ -16,7 +16,7 @@ namespace diagnosis {
 class PathIndex {
 public:
     /// `events` must be in pre-order, must not change and must outlive the index.
-    explicit PathIndex(const std::vector<ExplainedEvent>& events);
+    explicit PathIndex(const std::vector<RecordedEvent>& events);
 
     /// The event with this path. Of several, the first that is in error together with all events above it, as members
     /// of cut sets in evidence are; if there is none, the first. NONE if no event has the path.
@@ -25,7 +25,7 @@ public:
 private:
     bool IsPathOf(std::size_t event, std::string_view path) const;
 
-    const std::vector<ExplainedEvent>& mEvents;
+    const std::vector<RecordedEvent>& mEvents;
     std::unordered_map<std::uint64_t, std::size_t> mPlaces;
 };
 

@@ -113,11 +113,10 @@ std::string LookedAt(const Evidence::Rule& rule)
 /// Writes the cards of one tree.
 class CardWriter {
 public:
-    CardWriter(const ExplainedTree& tree, const FaultTreeResult& result) : mTree(tree), mResult(result) {}
+    explicit CardWriter(const RecordedTree& tree) : mTree(tree) {}
 
-    std::string Card(const DistinctCause& distinct) const
+    std::string Card(const DistinctCause& distinct, const Cause& cause) const
     {
-        const Cause& cause = *mResult.mRootCauseResults[distinct.first];
         std::string repairs;
         for (const FaultTreeResult::RepairInfo& repair : cause.mRepairInfos) {
             repairs += RepairMarkup(repair);
@@ -138,14 +137,14 @@ private:
     std::vector<std::size_t> MembersOf(const DistinctCause& distinct) const
     {
         std::vector<std::size_t> members = mTree.causes[distinct.first].members;
-        std::erase(members, ExplainedEvent::NONE);
+        std::erase(members, RecordedEvent::NONE);
         return members;
     }
 
     std::string Way(std::size_t member) const
     {
         std::string markup;
-        for (; member != ExplainedEvent::NONE; member = mTree.events[member].parent) {
+        for (; member != RecordedEvent::NONE; member = mTree.events[member].parent) {
             markup += (markup.empty() ? "" : " <span class=\"arrow\">&rarr;</span> ")
                 + Html(markup.empty() ? "b" : "span", ShownId(mTree.events[member].id), "id");
         }
@@ -170,7 +169,7 @@ private:
         std::string markup;
         std::unordered_set<std::size_t> told;
         for (std::size_t i = 0; i < members.size() && i < MOST_MEMBERS; ++i) {
-            const ExplainedEvent& event = mTree.events[members[i]];
+            const RecordedEvent& event = mTree.events[members[i]];
             const Evidence::Event* evidence = mTree.EvidenceOf(event);
             if (evidence == nullptr || !told.insert(event.evidence).second) {
                 continue;
@@ -185,11 +184,10 @@ private:
         return markup;
     }
 
-    const ExplainedTree& mTree;
-    const FaultTreeResult& mResult;
+    const RecordedTree& mTree;
 };
 
-std::string CutOffLines(const ExplainedTree& tree)
+std::string CutOffLines(const RecordedTree& tree)
 {
     const std::vector<CutOff> cutOffs = CutOffsOf(tree);
     std::string markup;
@@ -207,18 +205,19 @@ std::string CutOffLines(const ExplainedTree& tree)
 
 } // namespace
 
-std::string CauseCards(const ExplainedTree& tree, const FaultTreeResult& result)
+std::string CauseCards(const TreeReport& report)
 {
-    const std::vector<DistinctCause> causes = DistinctCausesOf(tree);
-    const CardWriter writer(tree, result);
+    const std::vector<DistinctCause> causes = DistinctCausesOf(report.tree);
+    const CardWriter writer(report.tree);
     std::string cards;
     for (std::size_t i = 0; i < causes.size() && i < MOST_CAUSES; ++i) {
-        cards += causes[i].first < result.mRootCauseResults.size() ? writer.Card(causes[i]) : "";
+        const Cause* const cause = report.ResultOf(causes[i].first);
+        cards += cause == nullptr ? "" : writer.Card(causes[i], *cause);
     }
     std::string markup = causes.empty() ? "" : "<h3>Root causes</h3>\n<ol class=\"causes\">\n" + cards + "</ol>\n";
     markup += causes.size() <= MOST_CAUSES ? "" : Paragraph("And " + std::to_string(causes.size() - MOST_CAUSES)
         + " more; \"arborist explain --brief\" lists them all.");
-    return markup + CutOffLines(tree);
+    return markup + CutOffLines(report.tree);
 }
 
 std::string RuleVerdicts(const Evidence::Event& evidence)

@@ -37,20 +37,20 @@ std::string Plural(std::size_t count, const std::string& one, const std::string&
 }
 
 // Green is for an answer alone.
-const char* VerdictClass(const ExplainedTree& tree)
+const char* VerdictClass(const TreeReport& report)
 {
-    return tree.isFault                                                    ? "fault"
-        : tree.verdict.word == Evidence::TreeVerdict::Word::NO_FAULT ? "sound"
-                                                                           : "undecided";
+    return report.IsFault()                                                ? "fault"
+        : report.verdict.word == Evidence::TreeVerdict::Word::NO_FAULT ? "sound"
+                                                                         : "undecided";
 }
 
-std::string Badge(const ExplainedTree& tree)
+std::string Badge(const TreeReport& report)
 {
-    const std::string words = VerdictWords(tree.verdict);
-    if (!tree.isFault) {
-        return Html("span", words, std::string("badge ") + VerdictClass(tree));
+    const std::string words = VerdictWords(report.verdict);
+    if (!report.IsFault()) {
+        return Html("span", words, std::string("badge ") + VerdictClass(report));
     }
-    const std::size_t causes = DistinctCausesOf(tree).size();
+    const std::size_t causes = DistinctCausesOf(report.tree).size();
     return Html("span", "FAULT, " + Plural(causes, "root cause", "root causes") + words, "badge fault");
 }
 
@@ -59,13 +59,13 @@ std::string TopName(const DrawnTree& tree)
     return tree.events.empty() ? "" : tree.events.front().event->name;
 }
 
-std::string IndexOfTrees(const std::vector<DrawnTree>& trees, const Explanation& explanation)
+std::string IndexOfTrees(const std::vector<DrawnTree>& trees)
 {
     std::string items;
-    for (std::size_t i = 0; i < std::min(trees.size(), explanation.trees.size()); ++i) {
-        const ExplainedTree& tree = explanation.trees[i];
-        items += std::string("<li class=\"") + VerdictClass(tree) + "\"><a class=\"id\" href=\"#tree-"
-            + std::to_string(i + 1) + "\">" + Markup(ShownId(tree.id)) + "</a> " + Badge(tree)
+    for (std::size_t i = 0; i < trees.size(); ++i) {
+        const TreeReport& report = *trees[i].report;
+        items += std::string("<li class=\"") + VerdictClass(report) + "\"><a class=\"id\" href=\"#tree-"
+            + std::to_string(i + 1) + "\">" + Markup(ShownId(report.Id())) + "</a> " + Badge(report)
             + Paragraph(TopName(trees[i])) + "</li>\n";
     }
     return "<section>\n<h2>Trees</h2>\n<ul class=\"index\">\n" + items + "</ul>\n" + LEGEND + "</section>\n";
@@ -107,15 +107,14 @@ bool IsListed(const DrawnTree& tree, std::size_t place)
 }
 
 // The verdicts of the rules of an event; for an event in several places only the first time.
-std::string Verdicts(const ExplainedTree& explained, std::size_t place, std::unordered_set<std::size_t>& told)
+std::string Verdicts(const RecordedTree& tree, const RecordedEvent& event, std::unordered_set<std::size_t>& told)
 {
-    const Evidence::Event* evidence =
-        place < explained.events.size() ? explained.EvidenceOf(explained.events[place]) : nullptr;
-    const bool isNew = evidence != nullptr && told.insert(explained.events[place].evidence).second;
+    const Evidence::Event* evidence = tree.EvidenceOf(event);
+    const bool isNew = evidence != nullptr && told.insert(event.evidence).second;
     return isNew ? RuleVerdicts(*evidence) : "";
 }
 
-std::string EventList(const DrawnTree& tree, const ExplainedTree& explained)
+std::string EventList(const DrawnTree& tree)
 {
     std::unordered_set<std::size_t> told;
     std::string text = "<ul class=\"tree\">\n";
@@ -132,7 +131,7 @@ std::string EventList(const DrawnTree& tree, const ExplainedTree& explained)
         }
         text += listed == 0 ? "<li>" : depth > open ? "<ul><li>" : "</li>\n<li>";
         open = depth;
-        text += EventItem(tree, place) + Verdicts(explained, place, told);
+        text += EventItem(tree, place) + Verdicts(tree.report->tree, *tree.events[place].event, told);
         ++listed;
     }
     for (; open > 0; --open) {
@@ -155,16 +154,16 @@ std::string Picture(const SvgPicture& picture)
         + picture.svg + "</div>\n";
 }
 
-std::string TreeSection(
-    const DrawnTree& tree, const ExplainedTree& explained, const FaultTreeResult& result, std::size_t number)
+std::string TreeSection(const DrawnTree& tree, std::size_t number)
 {
+    const TreeReport& report = *tree.report;
     std::string text = "<section id=\"tree-" + std::to_string(number) + "\">\n<h2>"
-        + Html("span", ShownId(result.mTreeId), "id") + " " + Badge(explained) + "</h2>\n" + Paragraph(TopName(tree))
-        + Html("p", "Version " + ShownId(result.mVersion), "quiet") + OpenSection(explained.verdict)
-        + CauseCards(explained, result);
+        + Html("span", ShownId(report.Id()), "id") + " " + Badge(report) + "</h2>\n" + Paragraph(TopName(tree))
+        + Html("p", "Version " + ShownId(report.result->mVersion), "quiet") + OpenSection(report.verdict)
+        + CauseCards(report);
     text += "<h3>The tree</h3>\n" + Picture(SvgTree(tree));
-    return text + (result.mIsFault ? "<details open>" : "<details>")
-        + Html("summary", "All events of the tree and their rules") + "\n" + EventList(tree, explained)
+    return text + (report.IsFault() ? "<details open>" : "<details>")
+        + Html("summary", "All events of the tree and their rules") + "\n" + EventList(tree)
         + "</details>\n</section>\n";
 }
 
@@ -189,14 +188,12 @@ std::string Verdict(const DetectionReport& report)
     if (report.failure) {
         return "Not diagnosed";
     }
-    const auto faults = std::count_if(report.results.begin(), report.results.end(),
-        [](const auto& result) { return result->mIsFault; });
-    const std::string trees = Plural(report.results.size(), "tree", "trees");
+    const auto count = [&report](auto isMeant) { return std::count_if(report.trees.begin(), report.trees.end(), isMeant); };
+    const auto faults = count([](const TreeReport& tree) { return tree.IsFault(); });
+    const std::string trees = Plural(report.trees.size(), "tree", "trees");
     const std::string found =
         faults == 0 ? "No fault found in " + trees : "Faults in " + std::to_string(faults) + " of " + trees;
-    const auto undecided = std::count_if(report.verdicts.begin(), report.verdicts.end(), [](const auto& verdict) {
-        return verdict.word == Evidence::TreeVerdict::Word::UNDECIDED;
-    });
+    const auto undecided = count([](const TreeReport& tree) { return tree.IsUndecided(); });
     return undecided == 0 ? found : found + ", " + std::to_string(undecided) + " undecided";
 }
 
@@ -216,11 +213,11 @@ std::string ReportPage(const DetectionReport& report)
         + Html("h1", Verdict(report)) + (report.failure ? "" : Facts(report)) + "</header>\n<main>\n";
     page += report.failure ? FailureSection(*report.failure) : "";
     page += WarningsSection(report.warnings);
-    if (!report.failure && report.explanation != nullptr) {
+    if (!report.failure) {
         const std::vector<DrawnTree> trees = DrawTrees(report, true, "");
-        page += IndexOfTrees(trees, *report.explanation);
-        for (std::size_t i = 0; i < std::min(trees.size(), report.explanation->trees.size()); ++i) {
-            page += TreeSection(trees[i], report.explanation->trees[i], *report.results[i], i + 1);
+        page += IndexOfTrees(trees);
+        for (std::size_t i = 0; i < trees.size(); ++i) {
+            page += TreeSection(trees[i], i + 1);
         }
     }
     page += "</main>\n<footer>" + Html("p", "Made by arborist " ARBORIST_VERSION) + "</footer>\n";

@@ -1,5 +1,6 @@
 #include "diagnosis/results/detection_json.h"
 
+#include "diagnosis/results/event_json.h"
 #include "diagnosis/results/explanation_json.h"
 #include "diagnosis/results/verdict_json.h"
 
@@ -14,40 +15,20 @@ void WriteRootCause(JsonWriter& json, const FaultTreeResult::RootCauseResult& ca
     json.EndObject();
 }
 
-// The events are in pre-order: an event that is deeper than the one before is its child.
-void WriteTree(JsonWriter& json, const std::vector<Evidence::FoldedEvent>& events)
+void WriteTree(JsonWriter& json, const TreeReport& report, bool withEvents)
 {
-    using Kind = Evidence::EventType;
-    std::size_t open = 0;
-    for (const Evidence::FoldedEvent& event : events) {
-        for (; open > event.depth; --open) {
-            json.EndArray().EndObject();
-        }
-        json.BeginObject().Text("id", event.id).Text("name", event.name).Text("kind", Evidence::TypeText(event.type));
-        json.Text("gate", Evidence::GateText(event.gate)).Text("status", Evidence::StateText(event.status));
-        json.Bool("observable", event.type == Kind::INTERMEDIATE && event.observable);
-        json.Text("check", Evidence::CheckText(event.check)).Bool("restsOnDefault", event.RestsOnDefault());
-        json.Key("children").BeginArray();
-        ++open;
-    }
-    for (; open > 0; --open) {
-        json.EndArray().EndObject();
-    }
-}
-
-void WriteResult(JsonWriter& json, const FaultTreeResult& result, const Evidence::TreeVerdict& verdict,
-    const RecordedTree* tree)
-{
+    const FaultTreeResult& result = *report.result;
     json.BeginObject().Text("treeId", result.mTreeId).Text("version", result.mVersion);
     json.Bool("isFault", result.mIsFault).Key("rootCauses").BeginArray();
     for (const auto& cause : result.mRootCauseResults) {
         WriteRootCause(json, *cause);
     }
     json.EndArray();
-    WriteVerdict(json, verdict);
-    if (tree != nullptr && !tree->events.empty()) {
+    WriteVerdict(json, report.verdict);
+    const std::vector<RecordedEvent>& events = report.tree.events;
+    if (withEvents && !events.empty()) {
         json.Key("tree");
-        WriteTree(json, tree->events);
+        WritePreOrder(json, events, [&](std::size_t place) { WriteFoldedEvent(json, events[place]); });
     }
     json.EndObject();
 }
@@ -105,13 +86,13 @@ std::string DetectionJson(const DetectionReport& report)
     json.BeginObject();
     WriteHead(json, "arborist.detect.1", report.bundle, !report.failure, report.warnings);
     json.Key("results").BeginArray();
-    for (std::size_t i = 0; i < report.results.size(); ++i) {
-        WriteResult(json, *report.results[i], report.verdicts[i], i < report.trees.size() ? &report.trees[i] : nullptr);
+    for (const TreeReport& tree : report.trees) {
+        WriteTree(json, tree, report.withTrees);
     }
     json.EndArray();
-    if (report.explanation != nullptr) {
+    if (report.withExplanation && !report.failure) {
         json.Key("explanation");
-        WriteExplainedTrees(json, report, {});
+        WriteExplainedTrees(json, report.trees, {});
     }
     if (report.failure) {
         WriteError(json, *report.failure);

@@ -6,11 +6,11 @@ DetectionReport RunExplanation(const BundlePath& bundle, DetectionOptions option
 {
     options.withExplanation = true;
     DetectionReport report = RunDetection(bundle, options);
-    if (!report.failure && report.explanation != nullptr) {
-        report.failure = UnknownWord(*report.explanation, view);
+    if (!report.failure) {
+        report.failure = UnknownWord(report.trees, view);
     }
     if (report.failure) {
-        report.explanation.reset();
+        report.trees.clear();
     }
     return report;
 }

@@ -6,8 +6,8 @@
 
 namespace diagnosis {
 
-/// Runs one detection with its explanation. Fails, without an explanation, also if the view names an id or a rule that
-/// the explanation lacks.
+/// Runs one detection with its explanation. Fails, without trees, also if the view names an id or a rule that the trees
+/// lack.
 DetectionReport RunExplanation(const BundlePath& bundle, DetectionOptions options, const ExplanationView& view);
 
 } // namespace diagnosis

@@ -5,6 +5,7 @@
 #include "diagnosis/analysis/gate_logic.h"
 #include "diagnosis/analysis/minimal_sets.h"
 #include "diagnosis/results/detection_json.h"
+#include "diagnosis/results/event_json.h"
 #include "diagnosis/results/rule_json.h"
 #include "diagnosis/results/verdict_json.h"
 
@@ -20,17 +21,16 @@ void WriteCount(JsonWriter& json, const char* key, std::uint64_t number)
 /// Writes one tree of an explanation as an object.
 class TreeJson {
 public:
-    TreeJson(JsonWriter& json, const ExplainedTree& tree, const FaultTreeResult* result, const ExplanationView& view)
-        : mJson(json), mTree(tree), mResult(result), mView(view)
+    TreeJson(JsonWriter& json, const TreeReport& report, const ExplanationView& view)
+        : mJson(json), mReport(report), mTree(report.tree), mView(view)
     {
     }
 
     void Write()
     {
-        // As in "detect", this is the version of the tree file, not the tree's own.
-        mJson.BeginObject().Text("treeId", mTree.id);
-        mJson.Text("version", mResult == nullptr ? mTree.version : mResult->mVersion).Bool("isFault", mTree.isFault);
-        WriteVerdict(mJson, mTree.verdict);
+        mJson.BeginObject().Text("treeId", mReport.Id());
+        mJson.Text("version", mReport.result->mVersion).Bool("isFault", mReport.IsFault());
+        WriteVerdict(mJson, mReport.verdict);
         if (!mView.brief) {
             WriteEvents();
             WriteEvidence();
@@ -54,46 +54,26 @@ private:
         if (mView.IsNarrow()) {
             mJson.Key("events").BeginArray();
             for (const std::size_t place : ShownEvents(mTree, mView)) {
-                BeginEvent(place);
-                mJson.Key("path").Texts(mTree.PathIds(place));
-                mJson.EndObject();
+                mJson.BeginObject();
+                WriteEvent(place);
+                mJson.Key("path").Texts(mTree.PathIds(place)).EndObject();
             }
             mJson.EndArray();
         } else if (!mTree.events.empty()) {
             mJson.Key("tree");
-            WriteTree();
+            WritePreOrder(mJson, mTree.events, [this](std::size_t place) { WriteEvent(place); });
         }
     }
 
-    // The events are in pre-order: those between an event and its end are below it.
-    void WriteTree()
+    void WriteEvent(std::size_t place)
     {
-        std::size_t open = 0;
-        for (std::size_t place = 0; place < mTree.events.size(); ++place) {
-            for (; open > mTree.events[place].depth; --open) {
-                mJson.EndArray().EndObject();
-            }
-            BeginEvent(place);
-            mJson.Key("children").BeginArray();
-            ++open;
-        }
-        for (; open > 0; --open) {
-            mJson.EndArray().EndObject();
-        }
-    }
-
-    void BeginEvent(std::size_t place)
-    {
-        const ExplainedEvent& event = mTree.events[place];
-        mJson.BeginObject().Text("id", event.id).Text("name", event.name).Text("kind", Evidence::TypeText(event.type));
-        mJson.Text("gate", Evidence::GateText(event.gate)).Text("status", Evidence::StateText(event.status));
-        mJson.Bool("observable", event.observable);
-        mJson.Text("check", Evidence::CheckText(event.check)).Bool("restsOnDefault", event.RestsOnDefault());
+        const RecordedEvent& event = mTree.events[place];
+        WriteFoldedEvent(mJson, event);
         mJson.Text("reason", Evidence::ReasonText(ReasonOfEvent(mTree, event)));
         if (!event.IsLeaf()) {
             WriteLogic(place);
         }
-        if (event.evidence != ExplainedEvent::NONE) {
+        if (event.evidence != RecordedEvent::NONE) {
             WriteCount(mJson, "evidence", event.evidence);
         }
     }
@@ -104,7 +84,7 @@ private:
         mJson.Key("logic").BeginObject().Text("outcome", Evidence::StateText(logic.outcome));
         WriteCount(mJson, "below", logic.below);
         WriteCount(mJson, "inError", logic.inError);
-        mJson.Text("decidedBy", logic.decider == ExplainedEvent::NONE ? "" : mTree.events[logic.decider].id);
+        mJson.Text("decidedBy", logic.decider == RecordedEvent::NONE ? "" : mTree.events[logic.decider].id);
         mJson.EndObject();
     }
 
@@ -132,13 +112,13 @@ private:
         mJson.Key("rootCauses").BeginArray();
         for (const DistinctCause& cause : ShownCauses(mTree, mView)) {
             mJson.BeginObject();
-            if (mResult != nullptr && cause.first < mResult->mRootCauseResults.size()) {
-                WriteRootCauseTexts(mJson, *mResult->mRootCauseResults[cause.first]);
+            if (const auto* const texts = mReport.ResultOf(cause.first)) {
+                WriteRootCauseTexts(mJson, *texts);
             }
             WriteCount(mJson, "times", cause.times);
             mJson.Key("cutSet").BeginArray();
             for (const std::size_t member : mTree.causes[cause.first].members) {
-                if (member != ExplainedEvent::NONE) {
+                if (member != RecordedEvent::NONE) {
                     WriteMember(member);
                 }
             }
@@ -149,10 +129,10 @@ private:
 
     void WriteMember(std::size_t place)
     {
-        const ExplainedEvent& event = mTree.events[place];
+        const RecordedEvent& event = mTree.events[place];
         mJson.BeginObject().Text("id", event.id).Text("status", Evidence::StateText(event.status));
         mJson.Key("path").Texts(mTree.PathIds(place));
-        if (event.evidence != ExplainedEvent::NONE) {
+        if (event.evidence != RecordedEvent::NONE) {
             WriteCount(mJson, "evidence", event.evidence);
         }
         mJson.EndObject();
@@ -220,19 +200,18 @@ private:
     }
 
     JsonWriter& mJson;
-    const ExplainedTree& mTree;
-    const FaultTreeResult* mResult;
+    const TreeReport& mReport;
+    const RecordedTree& mTree;
     const ExplanationView& mView;
 };
 
 } // namespace
 
-void WriteExplainedTrees(JsonWriter& json, const DetectionReport& report, const ExplanationView& view)
+void WriteExplainedTrees(JsonWriter& json, const TreeReports& trees, const ExplanationView& view)
 {
     json.BeginArray();
-    for (std::size_t i = 0; report.explanation != nullptr && i < report.explanation->trees.size(); ++i) {
-        const FaultTreeResult* result = i < report.results.size() ? report.results[i].get() : nullptr;
-        TreeJson(json, report.explanation->trees[i], result, view).Write();
+    for (const TreeReport& tree : trees) {
+        TreeJson(json, tree, view).Write();
     }
     json.EndArray();
 }
@@ -243,7 +222,7 @@ std::string ExplanationJson(const DetectionReport& report, const ExplanationView
     json.BeginObject();
     WriteHead(json, "arborist.explain.1", report.bundle, !report.failure, report.warnings);
     json.Key("results");
-    WriteExplainedTrees(json, report, view);
+    WriteExplainedTrees(json, report.trees, view);
     if (report.failure) {
         WriteError(json, *report.failure);
     }

@@ -14,7 +14,7 @@ namespace diagnosis {
 std::string ExplanationJson(const DetectionReport& report, const ExplanationView& view);
 
 /// Writes the list of explained trees, for other reports that include it.
-void WriteExplainedTrees(JsonWriter& json, const DetectionReport& report, const ExplanationView& view);
+void WriteExplainedTrees(JsonWriter& json, const TreeReports& trees, const ExplanationView& view);
 
 } // namespace diagnosis
 

@@ -1,7 +1,7 @@
 #ifndef ARBORIST_DIAGNOSIS_RESULTS_RULE_JSON_H
 #define ARBORIST_DIAGNOSIS_RESULTS_RULE_JSON_H
 
-#include "diagnosis/evidence/explanation.h"
+#include "diagnosis/evidence/recorded_tree.h"
 #include "diagnosis/text/json_writer.h"
 
 namespace diagnosis {

@@ -80,16 +80,16 @@ std::string OpenText(const Evidence::OpenCheck& open)
     return open.restsOnDefault ? text + ", taken as TRUE" : text;
 }
 
-std::string TreesText(const std::vector<Evidence::TreeVerdict>& verdicts)
+std::string TreesText(const TreeReports& trees)
 {
     std::string words;
     for (const auto& [word, text] : {std::pair(Word::FAULT, "fault"), std::pair(Word::NO_FAULT, "no fault"),
              std::pair(Word::UNDECIDED, "undecided"), std::pair(Word::NOT_APPLICABLE, "not applicable")}) {
-        const auto count = std::count_if(verdicts.begin(), verdicts.end(),
-            [word = word](const Evidence::TreeVerdict& verdict) { return verdict.word == word; });
+        const auto count = std::count_if(trees.begin(), trees.end(),
+            [word = word](const TreeReport& tree) { return tree.verdict.word == word; });
         Append(words, static_cast<std::size_t>(count), text);
     }
-    return std::to_string(verdicts.size()) + (verdicts.size() == 1 ? " tree: " : " trees: ") + words;
+    return std::to_string(trees.size()) + (trees.size() == 1 ? " tree: " : " trees: ") + words;
 }
 
 } // namespace diagnosis

@@ -2,9 +2,8 @@
 #define ARBORIST_DIAGNOSIS_RESULTS_VERDICT_TEXT_H
 
 #include <string>
-#include <vector>
 
-#include "arborist/frame/tree_verdict.h"
+#include "diagnosis/evidence/recorded_tree.h"
 
 namespace diagnosis {
 
@@ -16,7 +15,7 @@ std::string VerdictWords(const Evidence::TreeVerdict& verdict);
 std::string OpenText(const Evidence::OpenCheck& open);
 
 /// "6 trees: 1 fault, 4 no fault, 1 undecided".
-std::string TreesText(const std::vector<Evidence::TreeVerdict>& verdicts);
+std::string TreesText(const TreeReports& trees);
 
 } // namespace diagnosis
 

@@ -6,7 +6,7 @@
 #include "arborist/frame/arborist.h"
 #include "diagnosis/bundle/bundle_session.h"
 #include "diagnosis/detection/code_answers.h"
-#include "diagnosis/evidence/explanation_recorder.h"
+#include "diagnosis/evidence/detection_recorder.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/temp_dir.h"
@@ -51,7 +51,7 @@ Run RunBundle(const std::string& path, bool isObserved)
         std::make_shared<diagnosis::CodeAnswers>(session.GetBundle().codeAnswers, diagnosis::CodeRunner());
     Arborist engine(info);
     if (isObserved) {
-        engine.SetObserver(std::make_shared<diagnosis::ExplanationRecorder>(true));
+        engine.SetObserver(std::make_shared<diagnosis::DetectionRecorder>(diagnosis::DetectionRecorder::Detail::EVIDENCE));
     }
     Run run;
     run.results = Text(engine.StartDetection());

@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/diagnosis/evidence/explained_tree.h"
+#include "tests/diagnosis/evidence/recorded_tree.h"
 
 namespace {
 
@@ -33,13 +33,13 @@ std::vector<std::string> Texts(const std::vector<DistinctCause>& causes)
     return texts;
 }
 
-diagnosis::ExplainedTree TreeOf(const std::vector<std::vector<std::string>>& causes)
+diagnosis::RecordedTree TreeOf(const std::vector<std::vector<std::string>>& causes)
 {
     std::vector<ToldEvent> events;
     for (char letter = 'A'; letter <= 'J'; ++letter) {
         events.push_back(Event(std::string(1, letter), true));
     }
-    diagnosis::ExplainedTree tree = Told(GateEvent("T", true, events, true));
+    diagnosis::RecordedTree tree = Told(GateEvent("T", true, events, true));
     for (const auto& cause : causes) {
         AddCause(tree, cause);
     }

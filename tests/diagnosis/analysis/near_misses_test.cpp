@@ -8,15 +8,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/diagnosis/evidence/explained_tree.h"
+#include "tests/diagnosis/evidence/recorded_tree.h"
 
 namespace {
 
-using diagnosis::ExplainedTree;
+using diagnosis::RecordedTree;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-std::string Text(const ExplainedTree& tree, const diagnosis::NearMiss& nearMiss)
+std::string Text(const RecordedTree& tree, const diagnosis::NearMiss& nearMiss)
 {
     std::set<std::string> missing;
     std::set<std::string> present;
@@ -40,7 +40,7 @@ std::string Text(const ExplainedTree& tree, const diagnosis::NearMiss& nearMiss)
 std::vector<std::string> Texts(
     const ToldEvent& top, std::size_t mostMissing, std::size_t limit = 1000, std::size_t* leftOut = nullptr)
 {
-    const ExplainedTree tree = Told(top);
+    const RecordedTree tree = Told(top);
     const auto found = diagnosis::FindNearMisses(tree, mostMissing, limit);
     std::vector<std::string> texts;
     for (const auto& nearMiss : found.sets) {
@@ -92,7 +92,7 @@ TEST(NearMissesTest, WhatIsLeftOutIsCounted)
 TEST(NearMissesTest, TreeWithoutCutSetsHasNone)
 {
     EXPECT_THAT(Texts(GateEvent("T", true, {}), 3), IsEmpty());
-    EXPECT_THAT(diagnosis::FindNearMisses(ExplainedTree(), 3, 10).sets, IsEmpty());
+    EXPECT_THAT(diagnosis::FindNearMisses(RecordedTree(), 3, 10).sets, IsEmpty());
 }
 
 TEST(NearMissesTest, ABranchWrittenOutManyTimesCostsNothing)
@@ -100,7 +100,7 @@ TEST(NearMissesTest, ABranchWrittenOutManyTimesCostsNothing)
     const ToldEvent shared = GateEvent("S", true, {Event("A", true), Event("B", true)}, true);
     std::vector<ToldEvent> below(60, shared);
     below.push_back(Event("M", false));
-    const ExplainedTree tree = Told(GateEvent("T", false, below));
+    const RecordedTree tree = Told(GateEvent("T", false, below));
     const auto found = diagnosis::FindNearMisses(tree, 1, 10);
     EXPECT_TRUE(found.isComplete);
     EXPECT_EQ(found.sets.size(), 1U);
@@ -142,7 +142,7 @@ TEST(NearMissesTest, FewStepsFindLessAndNothingElse)
 {
     const ToldEvent shared = GateEvent("S", true, {Event("A", false), Event("B", false), Event("C", true)});
     const ToldEvent top = GateEvent("T", false, {shared, shared, GateEvent("G", true, {Event("D", false), shared})});
-    const ExplainedTree tree = Told(top);
+    const RecordedTree tree = Told(top);
     std::set<std::string> all;
     for (const auto& nearMiss : diagnosis::FindNearMisses(tree, 3, 1000).sets) {
         all.insert(Text(tree, nearMiss).substr(0, Text(tree, nearMiss).find('|')));
@@ -273,7 +273,7 @@ TEST(NearMissesTest, AreThoseOfThePlainExpansion)
                 plain.insert(PlainText(set));
             }
         }
-        const ExplainedTree tree = Told(top);
+        const RecordedTree tree = Told(top);
         const auto found = diagnosis::FindNearMisses(tree, 3, 100000);
         ASSERT_TRUE(found.isComplete);
         std::set<Ids> quick;

@@ -6,7 +6,7 @@
 
 namespace {
 
-using diagnosis::Explanation;
+using diagnosis::TreeReports;
 using diagnosis::cases::AskedRows;
 using diagnosis::rule_source::RuleSet;
 using diagnosis::rule_source::RuleSetFiles;
@@ -15,7 +15,7 @@ using diagnosis::rule_source::SourceFile;
 constexpr std::int64_t DAY = 86400;
 constexpr std::int64_t NOW = 100 * DAY;
 
-/// An explanation with one alarm rule.
+/// A tree with one alarm rule.
 class AskedRowsTest : public testing::Test {
 protected:
     void Window(std::int64_t firstId, std::int64_t lastId, std::int64_t since)
@@ -33,12 +33,12 @@ protected:
         rule.part = mAlarm;
         Evidence::Event event;
         event.alternatives.push_back({false, {rule}});
-        Explanation explanation;
-        explanation.trees.emplace_back().evidence.push_back(event);
+        TreeReports trees(1);
+        trees.front().tree.evidence.push_back(event);
         RuleSetFiles files;
         files.rules = SourceFile::Of("r", "<FaultTreeRules><RuleCommonPart><Tag><commonPart>" + commonPart
             + "</commonPart></Tag></RuleCommonPart></FaultTreeRules>");
-        return AskedRows(explanation, RuleSet(files, "Tag"), NOW);
+        return AskedRows(trees, RuleSet(files, "Tag"), NOW);
     }
 
     Evidence::Alarm mAlarm;

@@ -16,6 +16,7 @@ namespace {
 
 using diagnosis::DetectionReport;
 using diagnosis::DrawnTree;
+using diagnosis::RecordedEvent;
 using Truth = std::map<std::string, bool>;
 
 // Ids that a format could mistake for its own syntax, for another id, or for a generated name.
@@ -31,8 +32,8 @@ public:
     {
         DetectionReport report;
         for (unsigned count = 1 + Below(3); count > 0; --count) {
-            report.trees.push_back({Id(), {}, {}});
-            Add(report.trees.back(), 0);
+            report.trees.push_back({std::make_shared<FaultTreeResult>(Id()), {}, {}});
+            Add(report.trees.back().tree, RecordedEvent::NONE, 0);
         }
         return report;
     }
@@ -42,7 +43,7 @@ public:
 private:
     std::string Id() { return IDS[Below(static_cast<unsigned>(IDS.size()))]; }
 
-    void Add(diagnosis::RecordedTree& tree, std::size_t depth)
+    void Add(diagnosis::RecordedTree& tree, std::size_t parent, std::size_t depth)
     {
         const bool isLeaf = depth > 0 && (depth == 4 || Below(2) == 0);
         const auto kind = !isLeaf ? Evidence::EventType::INTERMEDIATE
@@ -50,10 +51,12 @@ private:
                                   : Evidence::EventType::BASIC;
         const auto gate = isLeaf ? Evidence::GateType::NONE : Below(2) == 0 ? Evidence::GateType::OR : Evidence::GateType::AND;
         const auto status = static_cast<Evidence::EventState>(Below(4));
-        tree.events.push_back({depth, kind, gate, Id(), Id(), "", status, !isLeaf && Below(4) == 0});
+        const std::size_t place = tree.events.size();
+        tree.events.push_back({{depth, kind, gate, Id(), Id(), "", status, !isLeaf && Below(4) == 0}, parent});
         for (unsigned count = isLeaf ? 0 : Below(4); count > 0; --count) {
-            Add(tree, depth + 1);
+            Add(tree, place, depth + 1);
         }
+        tree.events[place].end = tree.events.size();
     }
 
     std::mt19937 mRandom;
@@ -303,7 +306,7 @@ TEST(MermaidStructureTest, NodesAreDefinedOnceAndSayWhatTheEventsSay)
         ASSERT_EQ(chart.trees.size(), trees.size());
         std::size_t nodes = 0;
         for (std::size_t tree = 0; tree < trees.size(); ++tree) {
-            EXPECT_EQ(chart.trees[tree], diagnosis::ShownId(trees[tree].tree->id));
+            EXPECT_EQ(chart.trees[tree], diagnosis::ShownId(trees[tree].report->Id()));
             for (std::size_t place = 0; place < trees[tree].events.size(); ++place) {
                 const std::string name = "t" + std::to_string(tree) + "e" + std::to_string(place);
                 EXPECT_EQ(chart.events.at(name), Joined(diagnosis::EventLabel(trees[tree], place)));

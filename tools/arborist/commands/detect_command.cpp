@@ -50,7 +50,7 @@ void Print(const DetectionReport& report, const DetectOptions& options)
     }
     PrintProblems(report.bundle, report.warnings, report.failure ? &*report.failure : nullptr);
     PrintResult(DetectionText(report));
-    if (report.explanation != nullptr) {
+    if (options.run.detection.withExplanation) {
         PrintResult(ExplanationText(report, {}, AreResultsColoured()));
     }
 }

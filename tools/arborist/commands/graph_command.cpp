@@ -38,13 +38,11 @@ std::optional<Failure> Draw(const std::vector<DrawnTree>& trees, const std::stri
 }
 
 // Without a run there are none.
-void AddVerdicts(const DetectionReport& report, std::vector<DrawnTree>& trees)
+void AddVerdicts(std::vector<DrawnTree>& trees)
 {
     for (DrawnTree& tree : trees) {
-        const auto place = static_cast<std::size_t>(tree.tree - report.trees.data());
-        if (tree.hasStatuses && place < report.verdicts.size()) {
-            const Evidence::TreeVerdict& verdict = report.verdicts[place];
-            tree.verdict = (verdict.word == Evidence::TreeVerdict::Word::FAULT ? "FAULT" : "") + VerdictWords(verdict);
+        if (tree.hasStatuses) {
+            tree.verdict = (tree.report->IsFault() ? "FAULT" : "") + VerdictWords(tree.report->verdict);
         }
     }
 }
@@ -52,8 +50,8 @@ void AddVerdicts(const DetectionReport& report, std::vector<DrawnTree>& trees)
 Failure NoSuchTree(const DetectionReport& report, const std::string& tree)
 {
     std::vector<std::string> ids;
-    for (const RecordedTree& known : report.trees) {
-        ids.push_back(known.id);
+    for (const TreeReport& known : report.trees) {
+        ids.push_back(known.Id());
     }
     return {"no_such_tree", "no tree with the id \"" + tree + "\"" + DidYouMean(tree, ids), ExitStatus::WRONG_USE};
 }
@@ -86,7 +84,7 @@ ExitStatus Graph(const GraphOptions& options)
     if (trees.empty()) {
         return Fail(path.given, NoSuchTree(report, options.tree));
     }
-    AddVerdicts(report, trees);
+    AddVerdicts(trees);
     std::string drawing;
     if (const auto failure = Draw(trees, options.format, drawing)) {
         return Fail(path.given, *failure);

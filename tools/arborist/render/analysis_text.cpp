@@ -13,7 +13,7 @@ namespace {
 
 class AnalysisWriter {
 public:
-    AnalysisWriter(const ExplainedTree& tree, const ExplanationView& view, Colour colour)
+    AnalysisWriter(const RecordedTree& tree, const ExplanationView& view, Colour colour)
         : mTree(tree), mView(view), mColour(colour)
     {
     }
@@ -58,7 +58,7 @@ private:
 
     void WriteMissing(std::size_t place)
     {
-        const ExplainedEvent& event = mTree.events[place];
+        const RecordedEvent& event = mTree.events[place];
         Line("    " + Joined(mTree.PathIds(place), " / ") + "  " + Evidence::StateText(event.status));
         const Evidence::Event* evidence = mTree.EvidenceOf(event);
         const std::vector<PlacedRule> rules = evidence == nullptr ? std::vector<PlacedRule>() : RulesOf(*evidence);
@@ -100,7 +100,7 @@ private:
             + (minimal.repairs.isSmallest ? "" : " (a small set; a smaller one may exist)"));
     }
 
-    const ExplainedTree& mTree;
+    const RecordedTree& mTree;
     const ExplanationView& mView;
     Colour mColour;
     std::string mText;
@@ -108,7 +108,7 @@ private:
 
 } // namespace
 
-std::string AnalysisText(const ExplainedTree& tree, const ExplanationView& view, Colour colour)
+std::string AnalysisText(const RecordedTree& tree, const ExplanationView& view, Colour colour)
 {
     return AnalysisWriter(tree, view, colour).Text();
 }

@@ -10,7 +10,7 @@ namespace diagnosis::command {
 
 /// The near misses, and the minimal cut sets in evidence with the shares of events and the repairs, as far as the view
 /// requests them. Empty if it requests neither; every line has a line end.
-std::string AnalysisText(const ExplainedTree& tree, const ExplanationView& view, Colour colour);
+std::string AnalysisText(const RecordedTree& tree, const ExplanationView& view, Colour colour);
 
 } // namespace diagnosis::command
 

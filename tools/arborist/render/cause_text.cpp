@@ -12,8 +12,8 @@ namespace {
 
 class CauseText {
 public:
-    CauseText(const ExplainedTree& tree, const FaultTreeResult* result, const ExplanationView& view, Colour colour)
-        : mTree(tree), mResult(result), mView(view), mColour(colour)
+    CauseText(const TreeReport& report, const ExplanationView& view, Colour colour)
+        : mReport(report), mTree(report.tree), mView(view), mColour(colour)
     {
     }
 
@@ -37,7 +37,7 @@ public:
     std::string BriefText()
     {
         for (const DistinctCause& cause : ShownCauses(mTree, mView)) {
-            mText += "  " + mColour.Bold(Shown(mTree.id)) + ": " + mColour.Red(Joined(cause.ids, " + "));
+            mText += "  " + mColour.Bold(Shown(mReport.Id())) + ": " + mColour.Red(Joined(cause.ids, " + "));
             const std::string name = NameOf(cause);
             const std::string ids = IdsOf(cause);
             mText += (name.empty() ? "" : "  " + Printable(name)) + (ids.empty() ? "" : "  " + ids);
@@ -49,22 +49,16 @@ public:
 private:
     void Line(const std::string& text) { mText += "  " + text + "\n"; }
 
-    const FaultTreeResult::RootCauseResult* ResultOf(const DistinctCause& cause) const
-    {
-        const bool isThere = mResult != nullptr && cause.first < mResult->mRootCauseResults.size();
-        return isThere ? mResult->mRootCauseResults[cause.first].get() : nullptr;
-    }
-
     std::string NameOf(const DistinctCause& cause) const
     {
-        const auto* result = ResultOf(cause);
+        const auto* result = mReport.ResultOf(cause.first);
         return result == nullptr ? "" : result->mNode->mName;
     }
 
     // The ids of its description, suggestions and repairs, with two blanks between them.
     std::string IdsOf(const DistinctCause& cause) const
     {
-        const auto* result = ResultOf(cause);
+        const auto* result = mReport.ResultOf(cause.first);
         if (result == nullptr) {
             return "";
         }
@@ -84,10 +78,10 @@ private:
 
     void WriteMember(std::size_t member)
     {
-        if (member == ExplainedEvent::NONE) {
+        if (member == RecordedEvent::NONE) {
             return;
         }
-        const ExplainedEvent& event = mTree.events[member];
+        const RecordedEvent& event = mTree.events[member];
         Line("    " + Joined(mTree.PathIds(member), " / "));
         const Evidence::Event* evidence = mTree.EvidenceOf(event);
         if (evidence == nullptr) {
@@ -103,8 +97,8 @@ private:
         }
     }
 
-    const ExplainedTree& mTree;
-    const FaultTreeResult* mResult;
+    const TreeReport& mReport;
+    const RecordedTree& mTree;
     const ExplanationView& mView;
     Colour mColour;
     std::string mText;
@@ -112,16 +106,14 @@ private:
 
 } // namespace
 
-std::string CausesText(const ExplainedTree& tree, const FaultTreeResult* result, const ExplanationView& view,
-    Colour colour)
+std::string CausesText(const TreeReport& report, const ExplanationView& view, Colour colour)
 {
-    return CauseText(tree, result, view, colour).Text();
+    return CauseText(report, view, colour).Text();
 }
 
-std::string BriefCausesText(const ExplainedTree& tree, const FaultTreeResult* result, const ExplanationView& view,
-    Colour colour)
+std::string BriefCausesText(const TreeReport& report, const ExplanationView& view, Colour colour)
 {
-    return CauseText(tree, result, view, colour).BriefText();
+    return CauseText(report, view, colour).BriefText();
 }
 
 } // namespace diagnosis::command

@@ -48,11 +48,11 @@ const char* Mark(const Evidence::FoldedEvent& event)
     return event.gate == Evidence::GateType::OR ? " OR" : event.gate == Evidence::GateType::AND ? " AND" : " (no gate)";
 }
 
-std::string TreeText(const std::vector<Evidence::FoldedEvent>& events)
+std::string EventsText(const std::vector<RecordedEvent>& events)
 {
     static constexpr std::size_t STATUS_WIDTH = 8;
     std::string text;
-    for (const Evidence::FoldedEvent& event : events) {
+    for (const RecordedEvent& event : events) {
         std::string status = Evidence::StateText(event.status);
         status.resize(std::max(status.size(), STATUS_WIDTH), ' ');
         text += "    " + status + std::string(2 * event.depth, ' ') + Shown(event.id) + Mark(event);
@@ -61,11 +61,21 @@ std::string TreeText(const std::vector<Evidence::FoldedEvent>& events)
     return text;
 }
 
-std::string Verdict(const FaultTreeResult& result, const Evidence::TreeVerdict& verdict)
+std::string TreeText(const TreeReport& report, bool withEvents)
 {
+    const FaultTreeResult& result = *report.result;
     const std::size_t causes = result.mRootCauseResults.size();
     const std::string fault = "FAULT, " + std::to_string(causes) + (causes == 1 ? " root cause" : " root causes");
-    return (result.mIsFault ? fault : "") + VerdictWords(verdict);
+    std::string text = "  " + Shown(result.mTreeId) + " (version " + Shown(result.mVersion) + "): "
+        + (result.mIsFault ? fault : "") + VerdictWords(report.verdict) + "\n";
+    std::size_t number = 0;
+    for (const auto& cause : result.mRootCauseResults) {
+        text += RootCauseText(++number, *cause);
+    }
+    for (const Evidence::OpenCheck& open : report.verdict.open) {
+        text += "    open: " + OpenText(open) + "\n";
+    }
+    return text + (withEvents ? EventsText(report.tree.events) : "");
 }
 
 } // namespace
@@ -76,22 +86,10 @@ std::string DetectionText(const DetectionReport& report)
     if (report.failure) {
         return text + "  NOT DIAGNOSED\n";
     }
-    for (std::size_t i = 0; i < report.results.size(); ++i) {
-        const FaultTreeResult& result = *report.results[i];
-        text += "  " + Shown(result.mTreeId) + " (version " + Shown(result.mVersion) + "): "
-            + Verdict(result, report.verdicts[i]) + "\n";
-        std::size_t number = 0;
-        for (const auto& cause : result.mRootCauseResults) {
-            text += RootCauseText(++number, *cause);
-        }
-        for (const Evidence::OpenCheck& open : report.verdicts[i].open) {
-            text += "    open: " + OpenText(open) + "\n";
-        }
-        if (i < report.trees.size()) {
-            text += TreeText(report.trees[i].events);
-        }
+    for (const TreeReport& tree : report.trees) {
+        text += TreeText(tree, report.withTrees);
     }
-    return text + "  " + TreesText(report.verdicts) + "\n";
+    return text + "  " + TreesText(report.trees) + "\n";
 }
 
 } // namespace diagnosis::command

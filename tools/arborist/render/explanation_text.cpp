@@ -23,8 +23,8 @@ constexpr std::size_t STATUS_WIDTH = 9;
 /// Writes one tree of an explanation.
 class TreeText {
 public:
-    TreeText(const ExplainedTree& tree, const FaultTreeResult* result, const ExplanationView& view, Colour colour)
-        : mTree(tree), mResult(result), mView(view), mColour(colour)
+    TreeText(const TreeReport& report, const ExplanationView& view, Colour colour)
+        : mReport(report), mTree(report.tree), mView(view), mColour(colour)
     {
     }
 
@@ -36,7 +36,7 @@ public:
         } else {
             WriteTree();
         }
-        mText += CausesText(mTree, mResult, mView, mColour);
+        mText += CausesText(mReport, mView, mColour);
         WriteCutOffs();
         mText += AnalysisText(mTree, mView, mColour);
         return mText;
@@ -45,7 +45,7 @@ public:
     // No view leaves out what is open.
     std::string TextOfLeftOut()
     {
-        if (!mTree.verdict.open.empty()) {
+        if (!mReport.verdict.open.empty()) {
             WriteHead();
         }
         return mText;
@@ -53,11 +53,11 @@ public:
 
     std::string BriefText()
     {
-        mText += BriefCausesText(mTree, mResult, mView, mColour);
-        if (!mTree.isFault) {
-            Line(mColour.Bold(Shown(mTree.id)) + ": " + ColouredVerdict());
-        } else if (!mTree.verdict.open.empty()) {
-            Line(mColour.Bold(Shown(mTree.id)) + ": " + VerdictWords(mTree.verdict).substr(2));
+        mText += BriefCausesText(mReport, mView, mColour);
+        if (!mReport.IsFault()) {
+            Line(mColour.Bold(Shown(mReport.Id())) + ": " + ColouredVerdict());
+        } else if (!mReport.verdict.open.empty()) {
+            Line(mColour.Bold(Shown(mReport.Id())) + ": " + VerdictWords(mReport.verdict).substr(2));
         }
         WriteOpen("  ");
         mText += AnalysisText(mTree, mView, mColour);
@@ -80,30 +80,29 @@ private:
         const std::size_t distinct = DistinctCausesOf(mTree).size();
         const std::string causes = Counted(mTree.causes.size(), "root cause", "root causes")
             + (distinct == mTree.causes.size() ? "" : " (" + std::to_string(distinct) + " distinct)");
-        const std::string& version = mResult == nullptr ? mTree.version : mResult->mVersion;
-        Line(mColour.Bold(Shown(mTree.id)) + " (version " + Shown(version) + "): "
-            + (mTree.isFault ? mColour.Red("FAULT") + ", " + causes : "") + ColouredVerdict());
+        Line(mColour.Bold(Shown(mReport.Id())) + " (version " + Shown(mReport.result->mVersion) + "): "
+            + (mReport.IsFault() ? mColour.Red("FAULT") + ", " + causes : "") + ColouredVerdict());
         WriteOpen("  ");
     }
 
     // Green for an answer alone.
     std::string ColouredVerdict() const
     {
-        const std::string words = VerdictWords(mTree.verdict);
-        return mTree.verdict.word == Evidence::TreeVerdict::Word::NO_FAULT ? mColour.Green(words)
-            : mTree.isFault ? words : mColour.Yellow(words);
+        const std::string words = VerdictWords(mReport.verdict);
+        return mReport.verdict.word == Evidence::TreeVerdict::Word::NO_FAULT ? mColour.Green(words)
+            : mReport.IsFault() ? words : mColour.Yellow(words);
     }
 
     void WriteOpen(const std::string& indent)
     {
-        for (const Evidence::OpenCheck& open : mTree.verdict.open) {
+        for (const Evidence::OpenCheck& open : mReport.verdict.open) {
             Line(indent + mColour.Yellow("open") + ": " + OpenText(open));
         }
     }
 
     std::string GateText(std::size_t place) const
     {
-        const ExplainedEvent& event = mTree.events[place];
+        const RecordedEvent& event = mTree.events[place];
         if (event.type == Evidence::EventType::UNDEVELOPED) {
             return " (undeveloped)";
         }
@@ -116,14 +115,14 @@ private:
     // How the gate evaluates the events below, and whether the event follows it.
     std::string LogicText(std::size_t place) const
     {
-        const ExplainedEvent& event = mTree.events[place];
+        const RecordedEvent& event = mTree.events[place];
         if (event.IsLeaf()) {
             const Reason reason = ReasonOfEvent(mTree, event);
             return reason == Reason::NONE ? "" : Evidence::ReasonText(reason);
         }
         const GateLogic logic = GateLogicOf(mTree, place);
         std::string text = std::to_string(logic.inError) + " of " + std::to_string(logic.below) + " in error";
-        if (event.gate == Evidence::GateType::AND && logic.decider != ExplainedEvent::NONE) {
+        if (event.gate == Evidence::GateType::AND && logic.decider != RecordedEvent::NONE) {
             text += ", " + Shown(mTree.events[logic.decider].id) + " decides";
         }
         if (event.observable) {
@@ -136,7 +135,7 @@ private:
 
     std::string EventText(std::size_t place) const
     {
-        const ExplainedEvent& event = mTree.events[place];
+        const RecordedEvent& event = mTree.events[place];
         std::string text = (event.IsInError() ? mColour.Bold(Shown(event.id)) : Shown(event.id)) + GateText(place);
         text += event.name.empty() ? "" : "  " + Printable(event.name);
         const std::string logic = LogicText(place);
@@ -147,8 +146,8 @@ private:
     {
         std::vector<bool> isLastAt;
         for (std::size_t place = 0; place < mTree.events.size(); ++place) {
-            const ExplainedEvent& event = mTree.events[place];
-            const bool isLast = event.parent == ExplainedEvent::NONE || event.end == mTree.events[event.parent].end;
+            const RecordedEvent& event = mTree.events[place];
+            const bool isLast = event.parent == RecordedEvent::NONE || event.end == mTree.events[event.parent].end;
             isLastAt.resize(event.depth);
             std::string bars;
             for (std::size_t depth = 1; depth < event.depth; ++depth) {
@@ -163,7 +162,7 @@ private:
         }
     }
 
-    void WriteRules(const ExplainedEvent& event, const std::string& indent)
+    void WriteRules(const RecordedEvent& event, const std::string& indent)
     {
         const Evidence::Event* evidence = mTree.EvidenceOf(event);
         const std::vector<PlacedRule> rules = evidence == nullptr ? std::vector<PlacedRule>() : RulesOf(*evidence);
@@ -196,7 +195,7 @@ private:
     void WriteShownEvents()
     {
         for (const std::size_t place : ShownEvents(mTree, mView)) {
-            const ExplainedEvent& event = mTree.events[place];
+            const RecordedEvent& event = mTree.events[place];
             Line(Status(event.status) + EventText(place));
             const std::string indent(STATUS_WIDTH + 3, ' ');
             Line(indent + mColour.Faint("path " + Joined(mTree.PathIds(place), " / ")));
@@ -215,8 +214,8 @@ private:
         }
     }
 
-    const ExplainedTree& mTree;
-    const FaultTreeResult* mResult;
+    const TreeReport& mReport;
+    const RecordedTree& mTree;
     const ExplanationView& mView;
     Colour mColour;
     std::string mText;
@@ -240,14 +239,13 @@ std::string ExplanationText(const DetectionReport& report, const ExplanationView
 {
     const Colour colour(isColoured);
     std::string text = colour.Bold(Shown(report.bundle)) + "\n";
-    if (report.failure || report.explanation == nullptr) {
+    if (report.failure) {
         return text + "  " + colour.Yellow("NOT DIAGNOSED") + "\n";
     }
     bool hasTree = false;
-    for (std::size_t i = 0; i < report.explanation->trees.size(); ++i) {
-        const FaultTreeResult* result = i < report.results.size() ? report.results[i].get() : nullptr;
-        TreeText tree(report.explanation->trees[i], result, view, colour);
-        if (!HasShown(report.explanation->trees[i], view)) {
+    for (const TreeReport& shown : report.trees) {
+        TreeText tree(shown, view, colour);
+        if (!HasShown(shown.tree, view)) {
             text += tree.TextOfLeftOut();
             continue;
         }
@@ -255,7 +253,7 @@ std::string ExplanationText(const DetectionReport& report, const ExplanationView
         text += view.brief ? tree.BriefText() : (isFirst ? "" : "\n") + tree.Text();
     }
     text += hasTree ? "" : "  nothing in any tree fits " + NarrowingOptions(view) + "\n";
-    return text + "  " + TreesText(report.verdicts) + "\n";
+    return text + "  " + TreesText(report.trees) + "\n";
 }
 
 } // namespace diagnosis::command

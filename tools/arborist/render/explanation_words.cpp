@@ -26,7 +26,7 @@ std::string VerdictText(const Evidence::Rule& rule, Colour colour)
     return word;
 }
 
-std::vector<std::string> IdsAt(const ExplainedTree& tree, const std::vector<std::size_t>& places)
+std::vector<std::string> IdsAt(const RecordedTree& tree, const std::vector<std::size_t>& places)
 {
     std::vector<std::string> ids;
     for (const std::size_t place : places) {

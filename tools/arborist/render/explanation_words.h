@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "diagnosis/evidence/explanation.h"
+#include "diagnosis/evidence/recorded_tree.h"
 #include "tools/arborist/terminal/colour.h"
 
 namespace diagnosis::command {
@@ -20,7 +20,7 @@ std::string TimesText(std::uint64_t times, Colour colour);
 std::string VerdictText(const Evidence::Rule& rule, Colour colour);
 
 /// The ids of the events at these indexes of a tree.
-std::vector<std::string> IdsAt(const ExplainedTree& tree, const std::vector<std::size_t>& places);
+std::vector<std::string> IdsAt(const RecordedTree& tree, const std::vector<std::size_t>& places);
 
 } // namespace diagnosis::command
 

@@ -1,52 +1,47 @@
-#ifndef ARBORIST_DIAGNOSIS_EVIDENCE_EXPLANATION_H
-#define ARBORIST_DIAGNOSIS_EVIDENCE_EXPLANATION_H
+#ifndef ARBORIST_DIAGNOSIS_EVIDENCE_RECORDED_TREE_H
+#define ARBORIST_DIAGNOSIS_EVIDENCE_RECORDED_TREE_H
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "arborist/frame/evidence.h"
+#include "arborist/frame/fault_tree_result.h"
 
 namespace diagnosis {
-
-/// The explanation of a detection's results: the evidence that the engine passed to its observer, and the trees to
-/// which it belongs. Outlives the engine.
 
 using Reason = Evidence::Reason;
 
 /// One place of an event in a tree.
-struct ExplainedEvent : Evidence::FoldedEvent {
+struct RecordedEvent : Evidence::FoldedEvent {
     static constexpr std::size_t NONE = SIZE_MAX;
 
-    /// Index of the event above in ExplainedTree::events; NONE for the top event.
+    /// Index of the event above in RecordedTree::events; NONE for the top event.
     std::size_t parent = NONE;
     /// One past the index of the last event below this one.
     std::size_t end = 0;
-    /// Index into ExplainedTree::evidence; NONE for an event without rules.
+    /// Index into RecordedTree::evidence; NONE for an event without rules, and if no evidence is kept.
     std::size_t evidence = NONE;
 };
 
 /// One entry of the detection's list of root causes.
-struct ExplainedCause {
+struct RecordedCause {
     /// The id of the root cause in the result.
     std::string id;
-    /// Indexes of the cut set's members in ExplainedTree::events; NONE for a member whose path no event has.
+    /// Indexes of the cut set's members in RecordedTree::events; NONE for a member whose path no event has.
     std::vector<std::size_t> members;
 };
 
-struct ExplainedTree {
-    std::string id;
-    /// The version of the tree itself; results have that of the tree file.
-    std::string version;
-    bool isFault = false;
-    Evidence::TreeVerdict verdict;
+/// The events, the evidence and the root causes of one tree, as the engine passed them to its observer.
+struct RecordedTree {
     /// In pre-order: the first event below another directly follows it.
-    std::vector<ExplainedEvent> events;
+    std::vector<RecordedEvent> events;
     /// How each event with rules was decided. Events with the same id and equal evidence share one entry.
     std::vector<Evidence::Event> evidence;
     /// In the order of deduction, with the repetitions of the result.
-    std::vector<ExplainedCause> causes;
+    std::vector<RecordedCause> causes;
 
     /// Indexes of the events directly below one, in order.
     std::vector<std::size_t> ChildrenOf(std::size_t event) const;
@@ -54,17 +49,33 @@ struct ExplainedTree {
     std::vector<std::size_t> PathTo(std::size_t event) const;
     /// Ids from the top down to this event.
     std::vector<std::string> PathIds(std::size_t event) const;
-    const Evidence::Event* EvidenceOf(const ExplainedEvent& event) const;
+    const Evidence::Event* EvidenceOf(const RecordedEvent& event) const;
 };
 
-struct Explanation {
-    /// In the order of the results.
-    std::vector<ExplainedTree> trees;
+/// All that a detection found about one tree. Outlives the engine.
+struct TreeReport {
+    std::shared_ptr<const FaultTreeResult> result;
+    /// What the result rests on.
+    Evidence::TreeVerdict verdict;
+    /// Empty unless requested.
+    RecordedTree tree;
+
+    const std::string& Id() const { return result->mTreeId; }
+    bool IsFault() const { return result->mIsFault; }
+    bool IsUndecided() const { return verdict.word == Evidence::TreeVerdict::Word::UNDECIDED; }
+    /// The texts of an entry of RecordedTree::causes; null if the tree was stopped, which has none in its result.
+    const FaultTreeResult::RootCauseResult* ResultOf(std::size_t cause) const
+    {
+        return cause < result->mRootCauseResults.size() ? result->mRootCauseResults[cause].get() : nullptr;
+    }
 };
+
+/// In the order of the results.
+using TreeReports = std::vector<TreeReport>;
 
 /// The reason for the status of an event that no rule decided: INTERACTION_EVENT and the like, or NO_EVENT_RULE for a
 /// basic event without an entry in the event rules; otherwise NONE.
-Reason ReasonOfEvent(const ExplainedTree& tree, const ExplainedEvent& event);
+Reason ReasonOfEvent(const RecordedTree& tree, const RecordedEvent& event);
 
 /// A rule with its place in the event: its alternative, and its position within a "multipleRule".
 struct PlacedRule {

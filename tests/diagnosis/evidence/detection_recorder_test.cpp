@@ -1,18 +1,18 @@
-#include "diagnosis/evidence/explanation_recorder.h"
+#include "diagnosis/evidence/detection_recorder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace {
 
-using diagnosis::ExplainedEvent;
-using diagnosis::ExplanationRecorder;
+using diagnosis::RecordedEvent;
+using diagnosis::DetectionRecorder;
 using Evidence::Reason;
 using testing::ElementsAre;
 
-class ExplanationRecorderTest : public testing::Test {
+class DetectionRecorderTest : public testing::Test {
 protected:
-    ExplanationRecorderTest() { mRecorder.OnTreeStarted({"T", "1", ""}); }
+    DetectionRecorderTest() { mRecorder.OnTreeStarted({"T", "1", ""}); }
 
     void Decide(const std::string& id, Reason reason)
     {
@@ -29,21 +29,23 @@ protected:
             isLeaf ? Evidence::GateType::NONE : Evidence::GateType::OR, id, "", "", state, false});
     }
 
-    const diagnosis::ExplainedTree& Finish(const std::vector<Evidence::RootCause>& causes = {})
+    const diagnosis::RecordedTree& Finish(const std::vector<Evidence::RootCause>& causes = {})
     {
         mRecorder.OnTreeFolded(mEvents);
         for (const Evidence::RootCause& cause : causes) {
             mRecorder.OnRootCause(cause);
         }
         mRecorder.OnTreeFinished({"T", true, {}});
-        return mRecorder.GetExplanation()->trees.back();
+        mTrees = mRecorder.TakeTrees();
+        return mTrees.back().tree;
     }
 
-    ExplanationRecorder mRecorder{false};
+    DetectionRecorder mRecorder{DetectionRecorder::Detail::EVIDENCE};
     std::vector<Evidence::FoldedEvent> mEvents;
+    diagnosis::TreeReports mTrees;
 };
 
-TEST_F(ExplanationRecorderTest, EventsKnowWhatIsAboveAndBelow)
+TEST_F(DetectionRecorderTest, EventsKnowWhatIsAboveAndBelow)
 {
     Fold(0, "T", false);
     Fold(1, "G", false);
@@ -54,11 +56,11 @@ TEST_F(ExplanationRecorderTest, EventsKnowWhatIsAboveAndBelow)
     EXPECT_THAT(tree.ChildrenOf(0), ElementsAre(1, 4));
     EXPECT_THAT(tree.ChildrenOf(1), ElementsAre(2, 3));
     EXPECT_THAT(tree.PathIds(3), ElementsAre("T", "G", "B"));
-    EXPECT_EQ(tree.events[0].parent, ExplainedEvent::NONE);
+    EXPECT_EQ(tree.events[0].parent, RecordedEvent::NONE);
     EXPECT_EQ(tree.events[0].end, 5U);
 }
 
-TEST_F(ExplanationRecorderTest, EventsWithOneIdShareEvidenceWhileNothingDiffers)
+TEST_F(DetectionRecorderTest, EventsWithOneIdShareEvidenceWhileNothingDiffers)
 {
     Decide("A", Reason::NO_VALUE);
     Decide("A", Reason::NO_VALUE);
@@ -69,13 +71,13 @@ TEST_F(ExplanationRecorderTest, EventsWithOneIdShareEvidenceWhileNothingDiffers)
     }
     const auto& tree = Finish();
     EXPECT_EQ(tree.evidence.size(), 2U);
-    EXPECT_EQ(tree.events[0].evidence, ExplainedEvent::NONE);
+    EXPECT_EQ(tree.events[0].evidence, RecordedEvent::NONE);
     EXPECT_EQ(tree.events[1].evidence, tree.events[2].evidence);
     EXPECT_EQ(tree.EvidenceOf(tree.events[2])->alternatives[0].rules[0].reason, Reason::NO_VALUE);
     EXPECT_EQ(tree.EvidenceOf(tree.events[3])->alternatives[0].rules[0].reason, Reason::NO_NODES);
 }
 
-TEST_F(ExplanationRecorderTest, MembersAreFoundByTheirPathsAlsoWithSeparatorsInIds)
+TEST_F(DetectionRecorderTest, MembersAreFoundByTheirPathsAlsoWithSeparatorsInIds)
 {
     Fold(0, "T", false);
     Fold(1, "G", false);
@@ -84,10 +86,10 @@ TEST_F(ExplanationRecorderTest, MembersAreFoundByTheirPathsAlsoWithSeparatorsInI
     Fold(2, "B");
     const auto& tree = Finish({{"A", {"T/G/A", "T/G/A/B"}, {}}, {"X", {"T/X", "U/A"}, {}}});
     EXPECT_THAT(tree.causes[0].members, ElementsAre(2, 4));
-    EXPECT_THAT(tree.causes[1].members, ElementsAre(ExplainedEvent::NONE, ExplainedEvent::NONE));
+    EXPECT_THAT(tree.causes[1].members, ElementsAre(RecordedEvent::NONE, RecordedEvent::NONE));
 }
 
-TEST_F(ExplanationRecorderTest, OfSiblingsWithOneIdTheWayThatIsInErrorIsTaken)
+TEST_F(DetectionRecorderTest, OfSiblingsWithOneIdTheWayThatIsInErrorIsTaken)
 {
     Fold(0, "T", false);
     Fold(1, "G", false);
@@ -102,7 +104,7 @@ TEST_F(ExplanationRecorderTest, OfSiblingsWithOneIdTheWayThatIsInErrorIsTaken)
 }
 
 // Each "/" could separate two ids or belong to one; trying all possibilities would never end.
-TEST_F(ExplanationRecorderTest, IdsFullOfSeparatorsCostNoMoreThanTheirLength)
+TEST_F(DetectionRecorderTest, IdsFullOfSeparatorsCostNoMoreThanTheirLength)
 {
     std::string path;
     std::size_t depth = 0;
@@ -115,10 +117,10 @@ TEST_F(ExplanationRecorderTest, IdsFullOfSeparatorsCostNoMoreThanTheirLength)
         ++depth;
     }
     const auto& tree = Finish({{"A", {path, path + "A"}, {}}});
-    EXPECT_THAT(tree.causes[0].members, ElementsAre(899, ExplainedEvent::NONE));
+    EXPECT_THAT(tree.causes[0].members, ElementsAre(899, RecordedEvent::NONE));
 }
 
-TEST_F(ExplanationRecorderTest, RulesAreListedWithTheirPlaceInTheEvent)
+TEST_F(DetectionRecorderTest, RulesAreListedWithTheirPlaceInTheEvent)
 {
     Evidence::Event event;
     event.alternatives = {{false, {{}}}, {true, {{}, {}}}};

@@ -1,10 +1,10 @@
-#ifndef ARBORIST_TESTS_DIAGNOSIS_EVIDENCE_EXPLAINED_TREE_H
-#define ARBORIST_TESTS_DIAGNOSIS_EVIDENCE_EXPLAINED_TREE_H
+#ifndef ARBORIST_TESTS_DIAGNOSIS_EVIDENCE_RECORDED_TREE_H
+#define ARBORIST_TESTS_DIAGNOSIS_EVIDENCE_RECORDED_TREE_H
 
 #include <string>
 #include <vector>
 
-#include "diagnosis/evidence/explanation.h"
+#include "diagnosis/evidence/recorded_tree.h"
 
 /// Builds explained trees: `Told({Gate::OR, "T", {Event("A", TRUE), ...}})`.
 struct ToldEvent {
@@ -29,7 +29,7 @@ inline ToldEvent GateEvent(const std::string& id, bool isOr, std::vector<ToldEve
         isOr ? GateType::OR : GateType::AND, std::move(below), observable, false};
 }
 
-inline void Append(const ToldEvent& told, std::size_t parent, std::size_t depth, diagnosis::ExplainedTree& tree)
+inline void Append(const ToldEvent& told, std::size_t parent, std::size_t depth, diagnosis::RecordedTree& tree)
 {
     using Type = Evidence::EventType;
     const std::size_t place = tree.events.size();
@@ -42,18 +42,17 @@ inline void Append(const ToldEvent& told, std::size_t parent, std::size_t depth,
     tree.events[place].end = tree.events.size();
 }
 
-inline diagnosis::ExplainedTree Told(const ToldEvent& top)
+inline diagnosis::RecordedTree Told(const ToldEvent& top)
 {
-    diagnosis::ExplainedTree tree;
-    tree.id = top.id;
-    Append(top, diagnosis::ExplainedEvent::NONE, 0, tree);
+    diagnosis::RecordedTree tree;
+    Append(top, diagnosis::RecordedEvent::NONE, 0, tree);
     return tree;
 }
 
 /// Adds an entry to the list of root causes, with the first places of these ids.
-inline void AddCause(diagnosis::ExplainedTree& tree, const std::vector<std::string>& ids)
+inline void AddCause(diagnosis::RecordedTree& tree, const std::vector<std::string>& ids)
 {
-    diagnosis::ExplainedCause& cause = tree.causes.emplace_back();
+    diagnosis::RecordedCause& cause = tree.causes.emplace_back();
     cause.id = ids.front();
     for (const std::string& id : ids) {
         for (std::size_t place = 0; place < tree.events.size(); ++place) {

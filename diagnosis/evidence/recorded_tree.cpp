@@ -1,10 +1,10 @@
-#include "diagnosis/evidence/explanation.h"
+#include "diagnosis/evidence/recorded_tree.h"
 
 #include <algorithm>
 
 namespace diagnosis {
 
-std::vector<std::size_t> ExplainedTree::ChildrenOf(std::size_t event) const
+std::vector<std::size_t> RecordedTree::ChildrenOf(std::size_t event) const
 {
     std::vector<std::size_t> children;
     for (std::size_t child = event + 1; child < events[event].end; child = events[child].end) {
@@ -13,17 +13,17 @@ std::vector<std::size_t> ExplainedTree::ChildrenOf(std::size_t event) const
     return children;
 }
 
-std::vector<std::size_t> ExplainedTree::PathTo(std::size_t event) const
+std::vector<std::size_t> RecordedTree::PathTo(std::size_t event) const
 {
     std::vector<std::size_t> path;
-    for (; event != ExplainedEvent::NONE; event = events[event].parent) {
+    for (; event != RecordedEvent::NONE; event = events[event].parent) {
         path.push_back(event);
     }
     std::reverse(path.begin(), path.end());
     return path;
 }
 
-std::vector<std::string> ExplainedTree::PathIds(std::size_t event) const
+std::vector<std::string> RecordedTree::PathIds(std::size_t event) const
 {
     std::vector<std::string> ids;
     for (const std::size_t place : PathTo(event)) {
@@ -32,12 +32,12 @@ std::vector<std::string> ExplainedTree::PathIds(std::size_t event) const
     return ids;
 }
 
-const Evidence::Event* ExplainedTree::EvidenceOf(const ExplainedEvent& event) const
+const Evidence::Event* RecordedTree::EvidenceOf(const RecordedEvent& event) const
 {
-    return event.evidence == ExplainedEvent::NONE ? nullptr : &evidence[event.evidence];
+    return event.evidence == RecordedEvent::NONE ? nullptr : &evidence[event.evidence];
 }
 
-Reason ReasonOfEvent(const ExplainedTree& tree, const ExplainedEvent& event)
+Reason ReasonOfEvent(const RecordedTree& tree, const RecordedEvent& event)
 {
     if (const Evidence::Event* evidence = tree.EvidenceOf(event)) {
         return evidence->reason;
