@@ -29,15 +29,15 @@ public:
     void DeduceRootCause(
         const std::shared_ptr<FaultTree>& tree, const std::vector<Evidence::Check>& checks = {});
 
-    /// Folds the statuses alone and tells the observer, without looking for root causes: there are none then. A null
-    /// tree changes nothing.
+    /// Folds the statuses and passes them to the observer, but looks for no root causes: both lists are empty afterwards.
+    /// A null tree changes nothing.
     void FoldStatuses(const std::shared_ptr<FaultTree>& tree, const std::vector<Evidence::Check>& checks = {});
 
     /// True if the last deduction found root causes, whatever the status of the top event.
     bool IsFault() const { return mIsFault; }
     /// The leaf event of each root cause, in the order of GetRootCauseList. Valid until the next deduction.
     const std::vector<std::shared_ptr<FaultTreeNode>>& GetRootCauseNodeList() const { return mRootCauseNodeList; }
-    /// The root causes, in the order in which they were found. Valid until the next deduction.
+    /// The root causes, in the order in which they were found. Valid until the next deduction. Kept for tests and benches.
     const std::vector<std::shared_ptr<RootCause>>& GetRootCauseList() const { return mRootCauseList; }
 
     /// Sets the observer that is notified of folded events and root causes; null, the default, for none. Not owned.
@@ -46,7 +46,6 @@ public:
 private:
     void AnalyzeRootCause();
     void TellRootCauses(MinimalCutSet cutSets) const;
-    DetectionObserver* GetObserver() const { return mObserver; }
 
     std::shared_ptr<FaultTree> mFaultTree;
     std::vector<std::shared_ptr<RootCause>> mRootCauseList;
