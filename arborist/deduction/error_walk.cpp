@@ -22,7 +22,7 @@ bool IsEmpty(const Gate& gate)
     if (gate.GetKind() == GateKind::OR) {
         return std::all_of(events.begin(), events.end(), [](const auto& child) { return IsEmpty(*child); });
     }
-    // In an AND gate an empty branch drops the cut sets of the branches before it, and those behind it start anew. So
+    // In an AND gate an empty branch drops the cut sets of the branches before it; those after it begin anew. So
     // the gate is empty if its last branch is.
     return events.empty() || IsEmpty(*events.back());
 }

@@ -29,7 +29,7 @@ public:
     void DeduceRootCause(
         const std::shared_ptr<FaultTree>& tree, const std::vector<Evidence::Check>& checks = {});
 
-    /// Folds the statuses and passes them to the observer, but looks for no root causes: both lists are empty afterwards.
+    /// Folds the statuses and passes them to the observer, but looks for no root causes: both lists are empty then.
     /// A null tree changes nothing.
     void FoldStatuses(const std::shared_ptr<FaultTree>& tree, const std::vector<Evidence::Check>& checks = {});
 
@@ -37,7 +37,7 @@ public:
     bool IsFault() const { return mIsFault; }
     /// The leaf event of each root cause, in the order of GetRootCauseList. Valid until the next deduction.
     const std::vector<std::shared_ptr<FaultTreeNode>>& GetRootCauseNodeList() const { return mRootCauseNodeList; }
-    /// The root causes, in the order in which they were found. Valid until the next deduction. Kept for tests and benches.
+    /// The root causes, in the order in which they were found. Valid until the next deduction. For tests and benches.
     const std::vector<std::shared_ptr<RootCause>>& GetRootCauseList() const { return mRootCauseList; }
 
     /// Sets the observer that is notified of folded events and root causes; null, the default, for none. Not owned.

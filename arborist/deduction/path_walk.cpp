@@ -64,8 +64,8 @@ PathWalk::Outcome PathWalk::EnterGate(Index place, SurvivingTree::BranchKind kin
         if (kind == SurvivingTree::BranchKind::OR) {
             outcome = std::max(outcome, ofChild);
         } else if (outcome == Outcome::EMPTY) {
-            // The first branch, or the first behind an empty one, which drops the combinations before it: they start
-            // anew here.
+            // The first branch, or the first after an empty one, which drops all combinations before it: the
+            // combinations begin anew here.
             outcome = ofChild;
             first = SurvivingTree::NONE;
         } else {

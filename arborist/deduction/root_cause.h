@@ -9,7 +9,8 @@ class Event;
 
 /// One explanation of a fault: the members of a cut set and all events above them, leaves first.
 ///
-/// Shares ownership of its events. The lists of events and ids have the same order.
+/// Shares ownership of its events. The lists of events and ids have the same order. The deduction sets both lists
+/// whole; AddEvent and AddPath are kept for the plain expansion and the tests.
 class RootCause {
 public:
     virtual ~RootCause() = default;

@@ -31,7 +31,7 @@ public:
     static constexpr std::string_view SUGGESTION = "suggestionId";
     static constexpr std::string_view REPAIR = "repairId";
     static constexpr std::string_view USER_DEFINED = "userDefine";
-    /// See StartTimes.
+    /// The constants of StartTimes, under the names that rule code knows.
     static constexpr const char* REPAIR_ID = StartTimes::REPAIR_ID;
     static constexpr std::string_view DETECT_FROM_RESET_OR_UPDATE = StartTimes::FROM_RESET_OR_UPDATE;
     static constexpr std::string_view DETECT_FROM_UPDATE = StartTimes::FROM_UPDATE;
@@ -45,8 +45,9 @@ public:
     /// `detectInfo` must not be null.
     RuleHelper(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<FaultTreeParser> faultTreeParser);
 
+    /// Kept for the tests.
     const std::shared_ptr<DetectInfo>& GetDetectInfo() const { return mDetectInfo; }
-    /// The event whose rules are being run; null before the first.
+    /// The event whose rules are being run; null before the first. Kept for the tests.
     const std::shared_ptr<Event>& GetCurrentEvent() const { return mCurrentEvent; }
     void SetCurrentEvent(const std::shared_ptr<Event>& event) { mCurrentEvent = event; }
 

@@ -54,7 +54,7 @@ std::optional<std::chrono::duration<double>> TimeLimit()
     return seconds >= 0 ? std::optional(std::chrono::duration<double>(seconds)) : std::nullopt;
 }
 
-// As long as it exists, a detection runs on this thread, and can be stopped.
+// While it exists, a detection runs on this thread and can be stopped.
 class StoppableDetection {
 public:
     explicit StoppableDetection(StopRequest& request) : mRequest(request), mScope(&request)
@@ -70,8 +70,8 @@ private:
     StopScope mScope;
 };
 
-// The verdict on a tree that the stop left undecided. That its rules did not all run, or its root causes were not
-// deduced, is the reason in any case.
+// Makes the verdict UNDECIDED. The reason STOPPED is always in it, even if all rules ran and only the root causes are
+// missing.
 void MarkStopped(Evidence::TreeVerdict& verdict, const FaultTree& tree)
 {
     verdict.word = Evidence::TreeVerdict::Word::UNDECIDED;
@@ -167,7 +167,7 @@ void Arborist::PrepareRules()
     try {
         mRuleEngine->Init();
     } catch (const DetectionStopped&) {
-        // No rule runs from here on; each tree tells so by itself.
+        // No rule runs from here on; each tree reports that itself.
     }
 }
 
@@ -288,7 +288,7 @@ std::shared_ptr<FaultTreeResult> Arborist::RunFaultTree(const std::shared_ptr<Fa
     return result;
 }
 
-// False if the detection was stopped before or on the way; the statuses are folded even so, for whoever looks at them.
+// False if the detection was stopped before or during the deduction. Folds the statuses in any case, for the observer.
 bool Arborist::DeduceRootCauses(const std::shared_ptr<FaultTree>& faultTree)
 {
     const auto& checks = mRuleEngine->GetTreeChecks().GetChecks();

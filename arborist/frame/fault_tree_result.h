@@ -55,8 +55,8 @@ struct ARBORIST_EXPORT FaultTreeResult {
     std::string mTreeId;
     /// True when at least one root cause was found.
     bool mIsFault = false;
-    /// True when the detection was stopped before this tree was decided: there are no root causes, and `mIsFault` tells
-    /// nothing.
+    /// True when the detection was stopped before this tree was decided: there are no root causes, and `mIsFault` has
+    /// no meaning.
     bool mIsStopped = false;
     /// In order of deduction. A cause may occur more than once: once for each cut set that explains the fault.
     std::vector<std::shared_ptr<RootCauseResult>> mRootCauseResults;

@@ -6,7 +6,7 @@ namespace {
 
 thread_local StopRequest* innermost = nullptr;
 
-// A limit of years is none: the clock could not hold its end.
+// A limit of years counts as none: the clock can't represent its end.
 constexpr double LONGEST_LIMIT = 1e9;
 
 } // namespace

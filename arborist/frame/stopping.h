@@ -6,11 +6,11 @@
 #include <cstdint>
 #include <optional>
 
-/// Thrown where a detection ends early, once for each. Arborist::StartDetection and the driver catch it; it never leaves
-/// the library.
+/// Thrown once when a detection ends early. Arborist::StartDetection and the driver catch it; it never leaves the
+/// library.
 struct DetectionStopped {};
 
-/// Says whether a detection is to end early: because somebody asked for it, or because its time is over.
+/// Decides whether a detection must end early: a stop was requested, or its time limit is over.
 ///
 /// Belongs to the thread of the detection, except for Request.
 class StopRequest {
@@ -21,7 +21,8 @@ public:
     void Start(std::optional<std::chrono::duration<double>> limit);
     /// Ends it: from now on requests have no effect.
     void End();
-    /// Asks the running detection to end; without one nothing happens. Any thread and any signal handler may call it.
+    /// Requests the end of the running detection; does nothing without one. Any thread and any signal handler may call
+    /// it.
     void Request() noexcept;
 
     /// True from the request on until the detection has stopped.
@@ -30,9 +31,9 @@ public:
     [[noreturn]] void Stop();
     bool HasStopped() const { return mHasStopped; }
 
-    /// Makes the next detections stop when they ask for the `question`th time, for tests; 0 for not.
+    /// For tests: makes the next detections stop at their `question`th stop point, counted from 1; 0 for none.
     void StopAtQuestion(std::uint64_t question) { mStopAt = question; }
-    /// How often the detection has asked so far.
+    /// For tests: the number of stop points that the detection has passed.
     std::uint64_t GetQuestions() const { return mQuestions; }
 
 private:
@@ -47,8 +48,8 @@ private:
     bool mHasStopped = false;
 };
 
-/// As long as it exists, the stop points of this thread ask this request; null for none, so that nothing is stopped. Of
-/// nested scopes only the innermost counts: a host may call the library from within a detection.
+/// While it exists, the stop points of this thread check this request; with null they never stop. Of nested scopes only
+/// the innermost counts: a host may call the library from within a detection.
 class StopScope {
 public:
     explicit StopScope(StopRequest* request);
@@ -63,9 +64,9 @@ private:
 /// The places at which a detection may end early.
 namespace StopPoint {
 
-/// Throws DetectionStopped if the detection on this thread is to end. Don't call it in a destructor.
+/// Throws DetectionStopped if the detection on this thread must end. Don't call it in a destructor.
 void Pass();
-/// The same as an answer, for callers that must not throw: they end their work, and their caller calls Pass.
+/// True if Pass would throw, for callers that must not throw: they end their work, and their caller calls Pass.
 bool IsDue();
 /// True if the detection on this thread has stopped: what is left of it is only concluded.
 bool HasStopped();

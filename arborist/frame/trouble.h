@@ -16,7 +16,7 @@ struct Trouble {
         BAD_EXTRA, ///< the "extra" of a logged event is not JSON
         NO_COPY_FOLDER, ///< the databases `subject` were found, and no setting says where to copy them
         NOT_COPIED, ///< the database or archive `subject` matches a pattern of the rule set and can't be copied or unpacked
-        TABLE_NOT_BUILT, ///< the derived table `subject` could not be made, and no event was asked for it
+        TABLE_NOT_BUILT, ///< the derived table `subject` could not be created; no event was selected for it
         REPAIR_HISTORY_LOST, ///< the repair `subject` was recorded after Settings::AS_OF, and an earlier date is not kept
         NO_THRESHOLDS, ///< the entry `subject` of the common part has thresholds, and the device lacks an attribute
     };

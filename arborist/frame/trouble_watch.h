@@ -7,9 +7,9 @@
 
 #include "arborist/frame/trouble.h"
 
-/// As long as it exists, passes the trouble that lower layers of the engine report on this thread to its listener. Of
-/// nested watches only the innermost receives it. The layers report trouble where they log it, without knowing whether
-/// anybody listens.
+/// While it exists, passes the trouble that lower layers of the engine report on this thread to its listener. Of nested
+/// watches only the innermost receives it. The layers report trouble where they log it, whether or not there is a
+/// listener.
 class TroubleWatch {
 public:
     using Listener = std::function<void(Evidence::Trouble trouble)>;
@@ -34,7 +34,7 @@ private:
     TroubleWatch* mOuter;
 };
 
-/// As long as it exists, sets the kind of trouble for statements that fail on this thread, as the layer that runs
+/// While it exists, sets the kind of trouble for statements that fail on this thread, as the layer that runs
 /// statements doesn't know their purpose. Nothing for statements whose failure is reported elsewhere.
 class StatementTrouble {
 public:

@@ -12,14 +12,14 @@ class XMLDocument;
 class XMLElement;
 }
 
-/// Reads the texts for the user about an event: a section of "Event" elements that each list ids. The three kinds below
-/// differ in their words alone, and repairs carry one attribute more. Silent; an "Event" without an id is left out, one
-/// without a list is kept.
+/// Reads one section of ids for the user: "Event" elements, each with a list. The three sections below differ in the
+/// names of their elements only; repairs have one more attribute. Logs nothing. Leaves out an "Event" without an id and
+/// keeps one without a list.
 class DescriptionParser {
 public:
     using FaultItemList = std::vector<std::shared_ptr<FaultItem>>;
 
-    /// Appends one item for each event of the tag, in file order; an id that comes twice gives two items.
+    /// Appends one item for each event of the tag, in file order; an id that occurs twice gives two items.
     void Parse(const tinyxml2::XMLDocument& document);
     /// Moves the list out of the parser, which is empty afterwards.
     FaultItemList TakeItemList();
@@ -53,6 +53,7 @@ private:
 class FaultDescriptionParser final : public DescriptionParser {
 public:
     explicit FaultDescriptionParser(std::string treeTag = "");
+    /// GetItemList, as rule code names it; kept for the tests.
     const FaultItemList& GetFaultDescriptionList() const { return GetItemList(); }
 };
 
@@ -67,6 +68,7 @@ public:
 class RepairDescriptionParser final : public DescriptionParser {
 public:
     explicit RepairDescriptionParser(std::string treeTag = "");
+    /// GetItemList, as rule code names it; kept for the tests.
     const FaultItemList& GetFaultItemList() const { return GetItemList(); }
 
 private:

@@ -13,15 +13,15 @@ class XMLDocument;
 class XMLElement;
 }
 
-/// Reads the "EventRules" of one tag: which rules decide which event. Rule names stay texts; only the evaluation looks
-/// for rules of these names.
+/// Reads the "EventRules" of one tag: which rules decide which event. Keeps the names of rules as texts: the
+/// evaluation looks up the rules.
 class EventRuleParser {
 public:
     using EventRuleMap = std::map<std::string, std::shared_ptr<EventRule>>;
 
     explicit EventRuleParser(std::string treeTag) : mTreeTag(std::move(treeTag)) {}
 
-    /// Adds the events of the tag to the map; a later event of the same id replaces the earlier. Silent.
+    /// Adds the events of the tag to the map; a later event of the same id replaces the earlier. Logs nothing.
     void Parse(const tinyxml2::XMLDocument& document);
     const EventRuleMap& GetEventRuleMap() const { return mEventRuleMap; }
     /// Moves the map out of the parser, which is empty afterwards.

@@ -67,7 +67,7 @@ public:
     /// All code rules in file order, including those that a later rule of the same name replaced in the rule map.
     const CodeRuleList& GetCodeRuleList() const { return mCodeRuleList; }
     const EventRuleMap& GetEventRuleMap() const { return mEventRuleMap; }
-    /// In file order. If several items have the same event id, the look-ups take the last.
+    /// In file order. If several items have the same event id, the look-ups take the last. Kept for the tests.
     const FaultItemList& GetFaultDescList() const { return mFaultDescList; }
     const FaultItemList& GetSuggestionList() const { return mSuggestionList; }
     /// Null if the rule set has no common part.
@@ -77,7 +77,7 @@ public:
     const std::shared_ptr<Rule>& GetRuleByRuleName(const std::string& ruleName) const;
     /// Null if the event rules have no entry for this event. Kept for the tests; the driver walks GetEventRuleMap.
     const std::shared_ptr<EventRule>& GetEventRuleByEventId(const std::string& eventId) const;
-    /// Name of the first code rule with this detect code that the rule map still holds; empty if there is none.
+    /// Name of the first code rule with this detect code that is still in the rule map; empty if there is none.
     std::string GetCodeRuleNameById(const std::string& detectCode) const;
     /// The ids in the last item of this event id; empty if there is no item, and for the empty id.
     const std::vector<std::string>& GetFaultDescListById(const std::string& eventId) const;

@@ -18,7 +18,7 @@ using XmlWalk::ReadAttributes;
 
 namespace {
 
-// Takes 0 for a text that is no number, and tells so. A missing attribute is 0.
+// Reads an attribute; false for a text that is no number, which leaves `number` unchanged, as a missing one does.
 bool IsReadAsNumber(const XMLElement& element, const char* attribute, std::int32_t& number)
 {
     return element.QueryIntAttribute(attribute, &number) != tinyxml2::XML_WRONG_ATTRIBUTE_TYPE;

@@ -22,7 +22,7 @@ using XmlWalk::IsNamed;
 
 // The look-back of a window that names no period, and of derived tables.
 constexpr std::int64_t USUAL_DAYS = 30;
-// Longer ones wrap around in 32 bits of seconds.
+// The seconds of a longer one exceed 32 bits and wrap around.
 constexpr std::int64_t MOST_DAYS = 24855;
 
 std::string InRuleSet(const std::string& folder, const std::string& prefix, const char* name)
@@ -47,7 +47,7 @@ private:
     bool mIsRead = false;
 };
 
-// Shows `look` all elements from `top` down, without recursion: files nest as deep as they like.
+// Passes all elements from `top` down to `look`, without recursion, as a file may nest them to any depth.
 template <typename Look>
 void Visit(const XMLElement& top, Look look)
 {
@@ -119,7 +119,7 @@ private:
     Names mCodes;
 };
 
-// The repairs that a section of the rule file describes, with the operation word behind their ids.
+// The repairs that a section of the rule file describes: their ids, followed by the operation word.
 void AddRepairs(const XMLElement& section, std::set<std::string>& repairs)
 {
     Visit(section, [&repairs](const XMLElement& element) {

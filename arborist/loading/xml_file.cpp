@@ -32,8 +32,8 @@ constexpr std::array<bool, 256> TAG_MARKS = [] {
     return marks;
 }();
 
-// Position behind the tag whose name begins at `at`, or npos if it doesn't end. Counts quoted texts, of which each attribute
-// has one; stops at the end of the first one that is too many.
+// The position after the tag whose name begins at `at`; npos if the tag doesn't end. Counts quoted texts, as each
+// attribute has one, and stops at the end of the first one beyond the limit.
 std::size_t SkipTag(std::string_view xml, std::size_t at, std::size_t& attributes)
 {
     const char* const end = xml.data() + xml.size();
@@ -64,7 +64,7 @@ std::size_t SkipPast(std::string_view xml, std::string_view end, std::size_t at)
     return found == std::string_view::npos ? found : found + end.size();
 }
 
-// Position behind what begins with the "<" at `at`, as the XML library reads it; npos if it doesn't end.
+// The position after the markup that begins with the "<" at `at`, as the XML library reads it; npos if it doesn't end.
 std::size_t SkipMarkup(std::string_view xml, std::size_t at, std::size_t& attributes)
 {
     struct Kind {

@@ -22,7 +22,7 @@ struct Outcome {
 };
 
 /// Loads a file into `document`, which is empty after a failure. An element with too many attributes is a failure with
-/// a line in the log, before anything is parsed. Anything but a plain file counts as unreadable, as opening a pipe would
+/// a line in the log, before anything is parsed. A file that is not a plain file is unreadable: opening a pipe would
 /// wait for its writer.
 Outcome Load(tinyxml2::XMLDocument& document, const std::string& path);
 

@@ -84,9 +84,9 @@ public:
 
     /// What the last detection made of the bean's table.
     enum class TableState {
-        NOT_BUILT, ///< it could not be made, and no event was asked for it
+        NOT_BUILT, ///< it could not be created; no event was selected for it
         INCOMPLETE, ///< rows are missing
-        WHOLE, ///< it has a row for every event that it selects; also as long as nobody looked
+        WHOLE, ///< it has a row for every selected event; also the state before the first attempt
     };
 
     /// Name of the derived table, by which rules refer to this bean.
@@ -141,6 +141,7 @@ public:
         void SetDecompress(bool isDecompress) { decompress = isDecompress; }
         const std::string& GetType() const { return type; }
         void SetType(const std::string& text) { type = text; }
+        /// Read by nothing, either.
         const std::vector<std::string>& GetDecompressTypeList() const { return decompressTypeList; }
         void SetDecompressTypeList(const std::vector<std::string>& types) { decompressTypeList = types; }
 
@@ -251,8 +252,8 @@ public:
     std::shared_ptr<CombineCommonPart> GetCombineCommon() const { return mCombineCommon; }
     void SetCombineCommon(std::shared_ptr<CombineCommonPart> block) { mCombineCommon = std::move(block); }
 
-    /// True unless a derived table lacks rows that is the one of `beanName`, or whose name is in `sql`: a rule's SQL may
-    /// read any of them.
+    /// False if the derived table of `beanName`, or one whose name occurs in `sql`, lacks rows: a rule's SQL may read
+    /// any table.
     bool AreTablesWhole(const std::string& beanName, const std::string& sql) const;
 
     /// True if a threshold bean has this name; always false for the empty name.

@@ -12,7 +12,7 @@
 class Gate;
 class IntermediateEvent;
 
-/// The kind of an event. Kept as a field because walks over a million events ask for it, and a cast costs more.
+/// The kind of an event. A field, as walks over a million events read it and a cast costs more.
 enum class EventKind : unsigned char { PLAIN, BASIC, INTERMEDIATE, UNDEVELOPED };
 
 /// One event of a fault tree: its texts and its status.

@@ -31,8 +31,11 @@ public:
     const std::string& SetEventId() const { return eventId; }
     const OrRuleList& GetRuleList() const { return ruleList; }
     void SetRuleList(OrRuleList rules) { ruleList = std::move(rules); }
+    /// The result of CheckResult, which alone sets it; these two are kept for the tests.
+    ///@{
     bool IsRuleResult() const { return ruleResult; }
     void SetRuleResult(bool result) { ruleResult = result; }
+    ///@}
 
     /// True if any alternative is true, or was at an earlier call: the result never goes back to false. Always false
     /// without alternatives.

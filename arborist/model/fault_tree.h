@@ -22,9 +22,12 @@ public:
     /// deduction.
     bool IsResult() const { return mResult; }
 
+    /// The loader passes all three to the constructor; these setters are kept for the tests.
+    ///@{
     void SetId(std::string id);
     void SetVersion(std::string version);
     void SetType(std::string type);
+    ///@}
     void SetIntermediateEvent(std::shared_ptr<IntermediateEvent> event);
     void SetResult(bool result) { mResult = result; }
 

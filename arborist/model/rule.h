@@ -45,7 +45,7 @@ public:
     std::int32_t period = 0;
     /// Count to reach.
     std::int32_t threshold = 0;
-    /// Whether the rule file has a text there that is no number and was taken for 0.
+    /// True if the rule file has a text that is no number in one of the two: it was read as 0.
     bool isBadPeriod = false;
     bool isBadThreshold = false;
     /// Run-time: the kind of this window within its item.
@@ -94,7 +94,7 @@ public:
 class CodeRule : public Rule {
 public:
     struct CodeItem {
-        /// The detect code by which the host asks for this rule.
+        /// The detect code by which the host refers to this rule.
         std::string id;
     };
 
@@ -107,7 +107,7 @@ public:
     std::string userDefinedInfo;
 };
 
-/// Runs SQL over a prepared database and judges the one row that comes back.
+/// Runs SQL on a prepared database and compares the values of the row that it returns.
 class CommandRule : public Rule {
 public:
     struct SqlItem {
@@ -171,7 +171,7 @@ private:
     std::string type;
 };
 
-/// Reads node files, works out a formula and compares.
+/// Reads node files, calculates a formula and compares the result.
 class NodeRule : public Rule {
 public:
     class LogicExpression {

@@ -24,8 +24,8 @@ std::string RealRootOfDevice();
 /// The path on the device of `realPath`: without the leading `realRoot` if it is below that, otherwise unchanged.
 std::string PathOnDevice(const std::string& realPath, const std::string& realRoot);
 /// The real path of an absolute `path`, empty if nothing is there. With Settings::DEVICE_ROOT_DIR set, its links are
-/// resolved within `realRoot` (see RealRootOfDevice) or, for a path that does not lie below that, within the working
-/// directory; a path in neither gives nothing.
+/// resolved within `realRoot` (see RealRootOfDevice) or, for a path that is not below that, within the working
+/// directory; empty for a path in neither.
 std::string RealPath(const std::string& path, const std::string& realRoot);
 
 } // namespace DevicePaths

@@ -18,7 +18,7 @@
 
 namespace {
 
-// Between two of them a detection can stop.
+// A detection can stop between two such pieces.
 constexpr std::size_t COPIED_AT_ONCE = 8 * 1024 * 1024;
 
 /// Closes a descriptor at its end.
@@ -55,7 +55,7 @@ bool WriteAll(int file, const char* bytes, std::size_t length)
     return true;
 }
 
-// The number of bytes that the system itself copied, so that they need not pass through this process; 0 where it can't,
+// The number of bytes that the system itself copied, so that they need not pass through this process; 0 if it can't,
 // and at the end of the file.
 std::size_t CopyInSystem(int from, int to)
 {
@@ -69,7 +69,7 @@ std::size_t CopyInSystem(int from, int to)
 #endif
 }
 
-// False on an error, and where the detection is to end.
+// False on an error, and if the detection must end.
 bool CopyToEnd(int from, int to)
 {
     while (CopyInSystem(from, to) != 0) {

@@ -14,9 +14,9 @@ namespace RootedPath {
 /// changes the folder meanwhile.
 std::string Resolve(const std::string& root, const std::string& path);
 
-/// Where `path`, as a rule file names it, lies on a device whose root directory is `root`: an absolute path is resolved
-/// below `root`, a relative one below the working directory, which it doesn't leave. With an empty `root`, for this
-/// machine, `path` itself.
+/// The path on this machine of `path`, which a rule file names, for a device whose root directory is `root`: an
+/// absolute path is resolved below `root`, a relative one below the working directory, which it doesn't leave. With an
+/// empty `root`, for this machine, returns `path` itself.
 std::string OnDevice(const std::string& root, const std::string& path);
 
 } // namespace RootedPath

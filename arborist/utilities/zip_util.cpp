@@ -40,7 +40,7 @@ struct FileCloser {
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-// Reads like fread, but returns zeros behind the end of the file: if the archive library mistakes a packed length for 4
+// Reads like fread, but returns zeros after the end of the file: if the archive library mistakes a packed length for 4
 // GiB (see ResolveLengths), it reads ahead that far and would fail at the end of a small archive.
 uLong ReadAhead(void*, void* stream, void* buffer, uLong wanted)
 {
@@ -125,7 +125,7 @@ bool LeadsOut(const std::string& target, std::string_view name)
         return true;
     }
 #endif
-    // Behind an empty target an absolute name stays absolute, and behind one that ends in "." the name "./x" becomes
+    // After an empty target an absolute name remains absolute, and after one that ends in "." the name "./x" becomes
     // "../x".
     const std::string lastElement = target.substr(target.rfind('/') + 1);
     return (target.empty() && name.substr(0, 1) == "/") ||
@@ -271,7 +271,7 @@ bool ZipUtil::UnZipFile(const std::string& archive, const std::string& target)
     if (!FileUtil::IsPlainFile(archive)) {
         return false;
     }
-    // A truncated end record would pass for one with no entries.
+    // A truncated end record would look like one without entries.
     const std::string endRecord = EndRecord(archive);
     if (endRecord.empty()) {
         return false;

@@ -10,14 +10,14 @@
 
 namespace diagnosis::cases {
 
-/// The rows of the event log for which the rules of a detection asked.
+/// The rows of the event log that the rules of a detection queried.
 class AskedRows {
 public:
     /// The windows of alarm rules in explained trees, and the events of the derived tables of a rule set. `now` in
     /// seconds since the epoch.
     AskedRows(const TreeReports& trees, const rule_source::RuleSet& ruleSet, std::int64_t now);
 
-    /// Whether a rule asked for events with this number at this time.
+    /// True if a rule queried events with this number at this time.
     bool Contains(std::int64_t event, std::int64_t time) const;
 
 private:
@@ -33,7 +33,7 @@ private:
     static void AddTables(const rule_source::RuleSet& ruleSet, std::int64_t now, std::vector<Range>& ranges);
     void Join(const std::vector<Range>& ranges);
 
-    /// By the first number of a part, the earliest moment that a rule asked for; the part ends at the next.
+    /// From the first number of a part to the earliest queried moment; a part ends where the next begins.
     std::map<std::int64_t, std::int64_t> mSince;
 };
 

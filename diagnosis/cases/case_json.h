@@ -78,7 +78,7 @@ public:
     void Missing(const char* key);
     /// Reports a value of a wrong type.
     void Wrong(const std::string& key, const Json::Value& value, const char* wanted);
-    /// Reports every key that was not asked for. Call it after all others.
+    /// Reports every key that was not read. Call it after all others.
     void RefuseUnknownKeys();
 
 private:

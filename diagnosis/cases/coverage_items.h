@@ -14,7 +14,7 @@
 
 namespace diagnosis::cases {
 
-/// The filters of a rule in the order in which the engine asks them.
+/// The filters of a rule in the order in which the engine applies them.
 struct RuleFilterWord {
     Evidence::Reason rejection;
     const char* attribute;
@@ -28,7 +28,7 @@ inline constexpr std::array<RuleFilterWord, 5> RULE_FILTERS = {{
     {Evidence::Reason::FILTERED_DEVICE_TYPE, "deviceType", &rule_source::Rule::deviceType},
 }};
 
-/// Everything in a rule set that cases can cover, with the names under which evidence tells of it. Values are indexes
+/// Everything in a rule set that cases can cover, with the names that evidence uses. Values are indexes
 /// into `items`.
 class CoverageItems {
 public:

@@ -11,7 +11,7 @@
 
 namespace diagnosis::cases {
 
-/// Writes external databases of a device as a case holds them.
+/// Writes external databases of a device in the form that cases have.
 class RecordedDatabases {
 public:
     /// Takes the files of these names, at most `mostRows` rows.

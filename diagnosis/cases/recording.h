@@ -25,16 +25,16 @@ struct RecordOptions {
 
 /// A case as the content of a file.
 struct Recording {
-    /// Set if there is none: the bundle can't be diagnosed, its rules ask for too many rows, or a case can't hold what
-    /// they read.
+    /// Set if there is none: the bundle can't be diagnosed, its rules query too many rows, or a case can't represent
+    /// what they read.
     std::optional<Failure> failure;
     std::vector<Warning> warnings;
     std::string text;
 };
 
-/// Diagnoses a bundle, and writes the case of a device that answers alike: with what the rules asked for and nothing
-/// else, and the root causes, verdicts and statuses as they are now, right or wrong, marked as not reviewed. The case
-/// was run and passes. Takes the library's log meanwhile, as RunTests does.
+/// Diagnoses a bundle, and writes a case of a device that gives the same answers: its data is what the rules read, and
+/// it expects the root causes, verdicts and statuses of this run, right or wrong, marked as not reviewed. The case was
+/// run and passes. Takes the library's log meanwhile, as RunTests does.
 Recording RecordCase(const BundlePath& bundle, const RecordOptions& options);
 
 } // namespace diagnosis::cases

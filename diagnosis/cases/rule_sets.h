@@ -27,7 +27,7 @@ public:
     /// The rule set of a tag. Without sections for files that can't be read, and for an unknown tag.
     const rule_source::RuleSet& Get(const Key& key);
 
-    /// A folder as messages name it: from the working directory if it lies below.
+    /// A folder as messages name it: relative to the working directory if it is below it.
     static std::string ShownFolder(const std::string& folder);
 
 private:

@@ -57,7 +57,7 @@ struct CaseTable {
 
 /// An external database on the device.
 struct CaseDatabase {
-    /// Its path on the device. A part of the path that ends in ".zip" is an archive with what stands behind it.
+    /// Its path on the device. A part of the path that ends in ".zip" is an archive, and the rest is the path in it.
     std::string path;
     std::vector<CaseTable> tables;
     /// Its line in the case file.

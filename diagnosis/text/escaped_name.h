@@ -10,7 +10,7 @@ namespace diagnosis {
 /// id becomes "_x_".
 std::string EscapedName(const std::string& id);
 
-/// The id of which EscapedName makes the name; a name that it doesn't make is its own id.
+/// The inverse of EscapedName; returns a name that EscapedName can't return unchanged.
 std::string UnescapedName(const std::string& name);
 
 } // namespace diagnosis

@@ -45,7 +45,7 @@ std::vector<std::string_view> Characters(std::string_view printable)
     return characters;
 }
 
-// The end of the line that starts at `start`: behind the last word that fits, or inside a word that is too long.
+// The end of the line that starts at `start`: after the last word that fits, or inside a word that is too long.
 std::size_t LineEnd(const std::vector<std::string_view>& characters, std::size_t start, std::size_t width)
 {
     if (characters.size() - start <= width) {

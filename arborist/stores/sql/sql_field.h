@@ -24,7 +24,8 @@ enum FieldUse : std::int32_t {
     FieldUseEnd = 1, ///< the field ends an array of fields
 };
 
-/// One column of a table. An array of them describes a table; its creator owns it. See SqlTable.
+/// One column of a table. An array of them describes a table; its creator owns it. See SqlTable. IsPrimaryKey completes
+/// the set; nothing calls it.
 class SqlField {
 public:
     /// A plain column that may be null.

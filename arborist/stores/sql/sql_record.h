@@ -20,8 +20,8 @@ using FieldMap = std::map<std::string, SqlField*>;
 /// names.
 ///
 /// Does not own the map, which must outlive the record. For a column that the map or the row doesn't have, setters do
-/// nothing and getters return null.
-/// The stores set columns by name; the other setters are kept for the tests.
+/// nothing and getters return null. The stores set columns by name; the other setters and GetColumnCount are kept for
+/// the tests.
 class SqlRecord {
 public:
     /// Creates one default value for each entry of `fieldMap`; none for null.

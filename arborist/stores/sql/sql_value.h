@@ -7,7 +7,8 @@
 
 namespace FT::sql {
 
-/// One column of one row, kept as text. Its type matters only when it is read as a number or written as SQL.
+/// One column of one row, kept as text. Its type matters only when it is read as a number or written as SQL. The stores
+/// set texts and whole numbers; SetNull, SetDouble and AsDouble are kept for the tests.
 class SqlValue {
 public:
     SqlValue() = default;
