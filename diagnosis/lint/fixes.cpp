@@ -46,7 +46,7 @@ bool AreStillThere(const std::vector<Edit>& edits, const std::string& text)
 /// Lines of a text, each with its end.
 class Lines {
 public:
-    explicit Lines(const std::string& text) : mText(text)
+    explicit Lines(const std::string& text)
     {
         for (std::size_t start = 0; start < text.size(); start = std::min(text.find('\n', start), text.size() - 1) + 1) {
             mStarts.push_back(start);
@@ -64,7 +64,6 @@ public:
     }
 
 private:
-    const std::string& mText;
     std::vector<std::size_t> mStarts;
 };
 

@@ -136,9 +136,9 @@ private:
     bool Passes(std::uint32_t row, const Run& run, const Filter& filter) const
     {
         const std::uint16_t version = mColumns.versions[row];
-        const bool isOfVersion = !filter.version.has_value() | (version == UNNAMED_VERSION) |
-            (version == filter.version.value_or(UNNAMED_VERSION));
-        return isOfVersion & (run.isSince | (std::int64_t{mColumns.times[row]} >= filter.start));
+        const int isOfVersion = int{!filter.version.has_value()} | int{version == UNNAMED_VERSION} |
+            int{version == filter.version.value_or(UNNAMED_VERSION)};
+        return (isOfVersion & (int{run.isSince} | int{std::int64_t{mColumns.times[row]} >= filter.start})) != 0;
     }
 
     Origin mOrigin;
