@@ -1,8 +1,9 @@
-// Any bytes as the zip of a bundle: nothing may be written outside the target, no link into it, and no more than the
-// limits allow.
+// Any bytes as the zip of a bundle, or choices from which one is made: nothing may be written outside the target, no
+// link into it, and no more than the limits allow.
 
 #include "diagnosis/archive/zip_reader.h"
 #include "fuzz/fuzz_support.h"
+#include "fuzz/made_archive.h"
 
 namespace {
 
@@ -27,7 +28,7 @@ bool IsWithinLimits(const std::string& folder)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     static const FuzzDir dir;
-    const std::string archive = dir.Write("bundle.zip", data, size);
+    const std::string archive = dir.Write("bundle.zip", ArchiveOf(data, size));
     const std::string target = dir.Path("above/target");
     fs::create_directories(target);
     std::vector<diagnosis::Warning> warnings;

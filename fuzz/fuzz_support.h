@@ -53,8 +53,11 @@ public:
     /// Writes a file of the folder anew and returns its path.
     std::string Write(const std::string& name, const std::uint8_t* data, std::size_t size) const
     {
-        std::ofstream(Path(name), std::ios::binary)
-            .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+        return Write(name, std::string(reinterpret_cast<const char*>(data), size));
+    }
+    std::string Write(const std::string& name, const std::string& bytes) const
+    {
+        std::ofstream(Path(name), std::ios::binary) << bytes;
         return Path(name);
     }
 

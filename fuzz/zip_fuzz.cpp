@@ -1,9 +1,11 @@
-// Any bytes as an archive: nothing may be written outside the target, and no incomplete file may be left there.
+// Any bytes as an archive, or choices from which one is made: nothing may be written outside the target, and no
+// incomplete file may be left there.
 
 #include <algorithm>
 
 #include "arborist/utilities/zip_util.h"
 #include "fuzz/fuzz_support.h"
+#include "fuzz/made_archive.h"
 
 namespace {
 
@@ -19,7 +21,7 @@ bool IsUnfinished(const std::filesystem::directory_entry& entry)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     static const FuzzDir dir;
-    const std::string archive = dir.Write("archive.zip", data, size);
+    const std::string archive = dir.Write("archive.zip", ArchiveOf(data, size));
     std::filesystem::create_directories(dir.Path("above/target"));
     ZipUtil::UnZipFile(archive, dir.Path("above/target/"));
     const std::filesystem::directory_iterator unpacked(dir.Path("above/target"));
