@@ -2,6 +2,8 @@
 
 #include <map>
 #include <set>
+#include <utility>
+#include <vector>
 
 #include "diagnosis/text/escaped_name.h"
 #include "diagnosis/text/markup.h"
@@ -15,10 +17,15 @@ std::string LabelText(const std::string& indent, const std::string& label)
     return label.empty() ? "" : indent + "<label>" + Markup(label) + "</label>\n";
 }
 
-std::string AttributeText(const std::string& indent, const std::string& name, const std::string& value)
+using Attributes = std::vector<std::pair<std::string, std::string>>;
+
+std::string AttributesText(const std::string& indent, const Attributes& attributes)
 {
-    return indent + "<attributes>\n" + indent + "  <attribute name=\"" + name + "\" value=\"" + value + "\"/>\n"
-        + indent + "</attributes>\n";
+    std::string text;
+    for (const auto& [name, value] : attributes) {
+        text += indent + "  <attribute name=\"" + name + "\" value=\"" + Markup(value) + "\"/>\n";
+    }
+    return text.empty() ? "" : indent + "<attributes>\n" + text + indent + "</attributes>\n";
 }
 
 /// Gives each gate and tree a unique name: its id, with "-2", "-3" and so on from the second of the same id.
@@ -100,9 +107,16 @@ private:
     static std::string GateText(const DrawnTree& tree, std::size_t place, const std::vector<std::string>& names)
     {
         const Evidence::FoldedEvent& event = *tree.events[place].event;
+        Attributes attributes;
+        if (event.observable) {
+            attributes.emplace_back("observable", "true");
+        }
+        // A name that is not that of its id would be imported as another id.
+        if (names[place] != EscapedName(event.id)) {
+            attributes.emplace_back("event-id", event.id);
+        }
         return "    <define-gate name=\"" + names[place] + "\">\n" + LabelText("      ", event.name)
-            + (event.observable ? AttributeText("      ", "observable", "true") : "") + FormulaText(tree, place, names)
-            + "    </define-gate>\n";
+            + AttributesText("      ", attributes) + FormulaText(tree, place, names) + "    </define-gate>\n";
     }
 
     // The format requires at least two different arguments of "or" and "and".
@@ -138,7 +152,7 @@ private:
         std::string text = "  <model-data>\n";
         for (const auto& [name, basic] : mBasicEvents) {
             const std::string content = LabelText("      ", basic.label)
-                + (basic.isUndeveloped ? AttributeText("      ", "flavor", "undeveloped") : "");
+                + (basic.isUndeveloped ? AttributesText("      ", {{"flavor", "undeveloped"}}) : "");
             text += "    <define-basic-event name=\"" + name
                 + (content.empty() ? "\"/>\n" : "\">\n" + content + "    </define-basic-event>\n");
         }

@@ -1,5 +1,6 @@
 #include "diagnosis/results/rule_set_json.h"
 
+#include "diagnosis/results/detection_json.h"
 #include "diagnosis/rule_set/inventory.h"
 #include "diagnosis/rule_set/reach.h"
 #include "diagnosis/text/json_writer.h"
@@ -221,6 +222,14 @@ std::string ReachJson(const ReadRuleSet& rules, const std::vector<lint::DevicePr
     }
     json.EndArray().EndObject();
     return json.Line();
+}
+
+std::string RulesFailureJson(const std::string& command, const std::string& folder, const Failure& failure)
+{
+    JsonWriter json;
+    json.BeginObject().Text("schema", "arborist.rules." + command + ".1").Text("rules", folder);
+    WriteError(json, failure);
+    return json.EndObject().Line();
 }
 
 } // namespace diagnosis

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "diagnosis/lint/base/subject.h"
+#include "diagnosis/problem.h"
 #include "diagnosis/rule_set/difference.h"
 #include "diagnosis/rule_set/read_rule_set.h"
 
@@ -18,6 +19,9 @@ std::string CountsJson(const rule_set::ReadRuleSet& rules);
 std::string DifferenceJson(const rule_set::ReadRuleSet& before, const rule_set::ReadRuleSet& after,
     const std::vector<rule_set::Change>& changes);
 std::string ReachJson(const rule_set::ReadRuleSet& rules, const std::vector<lint::DeviceProfile>& devices);
+
+/// Why one of the commands, "list", can't be carried out.
+std::string RulesFailureJson(const std::string& command, const std::string& folder, const Failure& failure);
 
 } // namespace diagnosis
 

@@ -3,6 +3,7 @@
 #include <unordered_set>
 
 #include "diagnosis/rule_set/items.h"
+#include "diagnosis/text/json_text.h"
 
 namespace diagnosis::rule_set {
 
@@ -73,6 +74,7 @@ std::vector<Link> LinkIndex::OfEvent(std::string_view id) const
     if (const Binding* const binding = mRules.bindings.Find(id)) {
         AddRulesOf(*binding, links);
     }
+    AddRepairsOf(id, links);
     AddDescriptionsOf(id, links);
     return links;
 }
@@ -83,6 +85,19 @@ void LinkIndex::AddTreesOf(std::string_view eventId, std::vector<Link>& links) c
         const rule_source::TreeEvent& event = mRules.trees.events[place];
         links.push_back({"stands in", ItemKind::TREE, std::string(mRules.trees.trees[event.tree].id),
             PlaceOf(event.element), EventWord(event.kind)});
+    }
+}
+
+// The user-defined text of an event names a repair: what was logged before its date doesn't count.
+void LinkIndex::AddRepairsOf(std::string_view eventId, std::vector<Link>& links) const
+{
+    for (const std::size_t place : PlacesOf(eventId)) {
+        const rule_source::Element text = mRules.trees.events[place].userDefined;
+        std::string problem;
+        const auto json = text.HasText() ? ParseJson(std::string(text.Text()), problem) : std::nullopt;
+        if (json && json->isObject() && (*json)["Repairid"].isString()) {
+            links.push_back({"counts since repair", ItemKind::REPAIRS, (*json)["Repairid"].asString(), PlaceOf(text), ""});
+        }
     }
 }
 
@@ -146,6 +161,7 @@ std::vector<Link> LinkIndex::AllOfRule(const Rule& rule) const
         for (const Use& use : uses->second) {
             if (seen.insert(use.binding->id).second) {
                 AddTreesOf(use.binding->id, links);
+                AddRepairsOf(use.binding->id, links);
                 AddDescriptionsOf(use.binding->id, links);
             }
         }

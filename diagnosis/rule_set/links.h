@@ -29,7 +29,7 @@ class LinkIndex {
 public:
     explicit LinkIndex(const rule_source::RuleSet& rules);
 
-    /// The trees that an event is in, the rules that decide it, and what describes it.
+    /// The trees that an event is in, the rules that decide it, the repairs after which its rows count, and what describes it.
     std::vector<Link> OfEvent(std::string_view id) const;
     /// The events that a rule decides and the shared data that it uses.
     std::vector<Link> OfRule(const rule_source::Rule& rule) const;
@@ -56,6 +56,7 @@ private:
     void AddRulesOf(const rule_source::Binding& binding, std::vector<Link>& links) const;
     void AddDescriptionsOf(std::string_view eventId, std::vector<Link>& links) const;
     void AddTreesOf(std::string_view eventId, std::vector<Link>& links) const;
+    void AddRepairsOf(std::string_view eventId, std::vector<Link>& links) const;
     static std::vector<Link> UsersOf(std::string_view name, const RulesByName& users);
 
     const rule_source::RuleSet& mRules;

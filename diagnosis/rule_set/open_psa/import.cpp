@@ -71,7 +71,7 @@ std::string EventLines(const char* element, const std::string& id, const std::st
 class GateWriter {
 public:
     GateWriter(const Model& model, const GateDefinition& gate)
-        : mModel(model), mGate(gate), mId(UnescapedName(gate.name))
+        : mModel(model), mGate(gate), mId(gate.eventId)
     {
     }
 

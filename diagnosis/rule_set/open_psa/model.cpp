@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "diagnosis/rule_set/open_psa/references.h"
+#include "diagnosis/text/escaped_name.h"
 
 namespace diagnosis::rule_set::open_psa {
 
@@ -51,6 +52,17 @@ private:
     void Refuse(Element element)
     {
         Fail(element, Quoted(element.Name()) + " can't be imported: a tree file has AND, OR, k of n, and basic events");
+    }
+
+    // The value of one of the "attributes" of a definition; empty without it.
+    static std::string_view AttributeOf(Element element, std::string_view name)
+    {
+        for (const Element attribute : Children(element.FirstChild("attributes"), "attribute")) {
+            if (attribute.Value("name") == name) {
+                return attribute.Value("value");
+            }
+        }
+        return {};
     }
 
     static bool IsRemark(Element element) { return element.Name() == "label" || element.Name() == "attributes"; }
@@ -111,6 +123,8 @@ private:
     {
         GateDefinition gate;
         gate.name = NameOf(element);
+        const std::string_view id = AttributeOf(element, "event-id");
+        gate.eventId = id.empty() ? UnescapedName(gate.name) : std::string(id);
         gate.label = element.FirstChild("label").Text();
         gate.line = element.Line();
         gate.tree = mModel.trees.size() - 1;
@@ -138,10 +152,7 @@ private:
             hasProbability = hasProbability || !IsRemark(child);
         }
         mModel.withProbabilities += hasProbability ? 1 : 0;
-        for (const Element attribute : Children(element.FirstChild("attributes"), "attribute")) {
-            const bool isFlavor = attribute.Value("name") == "flavor" && attribute.Value("value") == "undeveloped";
-            basic.isUndeveloped = basic.isUndeveloped || isFlavor;
-        }
+        basic.isUndeveloped = AttributeOf(element, "flavor") == "undeveloped";
     }
 
     std::vector<Formula> ReadFormulas(Element element)

@@ -28,6 +28,8 @@ struct Formula {
 
 struct GateDefinition {
     std::string name;
+    /// The id of its event: the attribute "event-id", or its name.
+    std::string eventId;
     std::string label;
     Formula formula;
     int line = 0;

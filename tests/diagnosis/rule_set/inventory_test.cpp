@@ -81,6 +81,20 @@ TEST_F(Inventory, ShowsAllThatTouchesAnEvent)
             "described by D2", "repaired by R ({})"));
 }
 
+TEST_F(Inventory, ShowsTheRepairThatAnEventCountsSinceForItAndItsRules)
+{
+    const TempDir dir;
+    WriteRuleSet(dir, "rules",
+        TreeXml("Tag").Tree("T", Or({Basic("A").TextChild("UserDefined", R"({"Repairid": "R7"})"), Basic("B")})),
+        RuleXml("Tag").EventRule("A", {Single("r")}).Rule(AlarmRuleXml("r", {})));
+    const auto rules = ReadFolder("rules");
+    EXPECT_THAT(Texts(Show(*rules->tags.front(), "A").front().links),
+        ElementsAre("stands in T (basic)", "decided by r (alarm)", "counts since repair R7"));
+    EXPECT_THAT(Texts(Show(*rules->tags.front(), "r").front().links),
+        ElementsAre("decides A", "stands in T (basic)", "counts since repair R7"));
+    EXPECT_THAT(Texts(Show(*rules->tags.front(), "B").front().links), ElementsAre("stands in T (basic)"));
+}
+
 TEST_F(Inventory, ShowsAllThatTouchesARule)
 {
     const auto shown = Show(Rules(), "r");

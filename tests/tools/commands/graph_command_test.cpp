@@ -192,6 +192,9 @@ TEST_F(GraphCommandTest, OpenPsaHasAGateForEachPlaceAndABasicEventForEachId)
       </or>
     </define-gate>
     <define-gate name="A-2">
+      <attributes>
+        <attribute name="event-id" value="A"/>
+      </attributes>
       <and>
         <basic-event name="A"/>
         <basic-event name="U"/>

@@ -154,6 +154,18 @@ TEST_F(RulesCommand, ImportsWhatGraphExports)
     }
 }
 
+TEST_F(RulesCommand, ImportsTheIdsOfGatesThatGraphHadToNameApart)
+{
+    const std::string trees = TreeXml("Tag").Tree("T", Or({Intermediate("G", And({Basic("A"), Basic("B")})),
+        Intermediate("H", And({Intermediate("G", Or({Basic("A")})), Basic("C")}))})).Text();
+    mDir.Write("a/FaultTrees.xml", trees);
+    ExportAndImport("a", "Tag", "again");
+    const Json::Value diff = ParsedJson(Rules({"diff", "--json", "a", "again"}).out);
+    for (const Json::Value& change : diff["changes"]) {
+        EXPECT_THAT(change["key"].asString(), testing::AnyOf("version of the tree file", "type")) << change.toStyledString();
+    }
+}
+
 TEST_F(RulesCommand, ImportsToStandardOutputAndTellsWhatItLeavesOut)
 {
     mDir.Write("model.xml", "<opsa-mef><define-fault-tree name=\"T\"><define-gate name=\"G\"><basic-event name=\"A\"/>"
@@ -162,7 +174,7 @@ TEST_F(RulesCommand, ImportsToStandardOutputAndTellsWhatItLeavesOut)
     const auto result = Rules({"import", "model.xml"});
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.out, HasSubstr("\n  <Imported>\n    <tree id=\"T\" version=\"1\" type=\"imported\">\n"));
-    EXPECT_EQ(result.err, "arborist: model.xml: the probabilities of 1 definitions are left out: a tree file has none\n");
+    EXPECT_EQ(result.err, "arborist: model.xml: the probabilities of 1 definition is left out: a tree file has none\n");
     const auto kept = Rules({"import", "model.xml", "--output", "a"});
     EXPECT_EQ(kept.status, 2);
     EXPECT_THAT(kept.err, EndsWith("arborist: a/FaultTrees.xml: is there already\n"));
@@ -220,6 +232,22 @@ TEST_F(RulesCommand, PrintsWhatItsPageShowsOfTheLaptop)
     EXPECT_EQ(diff.size(), 3U);
     for (const std::string& line : diff) {
         EXPECT_THAT(differs, HasSubstr(line));
+    }
+}
+
+TEST_F(RulesCommand, TellsAFailureAsJson)
+{
+    const std::vector<std::vector<std::string>> commands{{"list", "nowhere"}, {"stats", "nowhere"}, {"show", "nowhere", "E"},
+        {"diff", "a", "nowhere"}, {"reach", "a", "--device", "nowhere.json"}};
+    const Json::Value schema = ParsedJson(PageOfDocs("rules.schema.json"));
+    for (std::vector<std::string> command : commands) {
+        command.emplace_back("--json");
+        const auto result = Rules(command);
+        const Json::Value failure = ParsedJson(result.out);
+        EXPECT_EQ(failure["schema"].asString(), "arborist.rules." + command.front() + ".1");
+        EXPECT_EQ(failure["error"]["code"].asString(), command.front() == "reach" ? "bad_device" : "rule_file_missing");
+        EXPECT_EQ(result.err, "arborist: " + failure["error"]["message"].asString() + "\n");
+        EXPECT_THAT(Violations(schema["$defs"]["failure"], failure), IsEmpty());
     }
 }
 

@@ -19,6 +19,8 @@ using rule_set::ReadRuleSet;
 using rule_set::Selection;
 
 struct RulesOptions {
+    /// The command: "list".
+    std::string command;
     Selection selection;
     /// The other folder of a comparison.
     std::string other;
@@ -32,11 +34,20 @@ Colour ResultColour()
     return Colour(AreResultsColoured());
 }
 
+// Prints why the command can't be carried out, with --json also as an object on standard output.
+ExitStatus Failed(const Failure& failure, const RulesOptions& options)
+{
+    if (options.asJson) {
+        PrintResult(RulesFailureJson(options.command, options.selection.folder, failure) + "\n");
+    }
+    return FailureStatus(failure);
+}
+
 ExitStatus List(const RulesOptions& options)
 {
     ReadRuleSet rules;
     if (const auto failure = ReadInto(options.selection, rules)) {
-        return FailureStatus(*failure);
+        return Failed(*failure, options);
     }
     PrintResult(options.asJson ? InventoryJson(rules) + "\n" : InventoryText(rules, ResultColour()));
     return ExitStatus::SUCCESS;
@@ -46,7 +57,7 @@ ExitStatus Stats(const RulesOptions& options)
 {
     ReadRuleSet rules;
     if (const auto failure = ReadInto(options.selection, rules)) {
-        return FailureStatus(*failure);
+        return Failed(*failure, options);
     }
     PrintResult(options.asJson ? CountsJson(rules) + "\n" : CountsText(rules, ResultColour()));
     return ExitStatus::SUCCESS;
@@ -67,7 +78,7 @@ ExitStatus Show(const RulesOptions& options)
 {
     ReadRuleSet rules;
     if (const auto failure = ReadInto(options.selection, rules)) {
-        return FailureStatus(*failure);
+        return Failed(*failure, options);
     }
     std::string text;
     for (const auto& tag : rules.tags) {
@@ -93,7 +104,7 @@ ExitStatus Diff(const RulesOptions& options)
     other.folder = options.other;
     for (const auto& failure : {ReadInto(options.selection, before), ReadInto(other, after)}) {
         if (failure) {
-            return FailureStatus(*failure);
+            return Failed(*failure, options);
         }
     }
     const auto changes = rule_set::DifferencesOf(before, after);
@@ -101,29 +112,27 @@ ExitStatus Diff(const RulesOptions& options)
     return changes.empty() ? ExitStatus::SUCCESS : ExitStatus::FAULT_FOUND;
 }
 
-bool ReadDevices(const std::vector<std::string>& files, std::vector<lint::DeviceProfile>& devices)
+std::optional<Failure> ReadDevices(const std::vector<std::string>& files, std::vector<lint::DeviceProfile>& devices)
 {
     for (const std::string& file : files) {
         std::string problem;
         const auto more = lint::ReadDeviceProfiles(file, problem);
         if (!more) {
-            PrintError(problem);
-            return false;
+            return Failure{"bad_device", problem, ExitStatus::WRONG_USE};
         }
         devices.insert(devices.end(), more->begin(), more->end());
     }
-    return true;
+    return std::nullopt;
 }
 
 ExitStatus Reach(const RulesOptions& options)
 {
     ReadRuleSet rules;
     std::vector<lint::DeviceProfile> devices;
-    if (!ReadDevices(options.devices, devices)) {
-        return ExitStatus::WRONG_USE;
-    }
-    if (const auto failure = ReadInto(options.selection, rules)) {
-        return FailureStatus(*failure);
+    for (const auto& failure : {ReadDevices(options.devices, devices), ReadInto(options.selection, rules)}) {
+        if (failure) {
+            return Failed(*failure, options);
+        }
     }
     std::string text;
     for (const lint::DeviceProfile& device : devices) {
@@ -139,6 +148,7 @@ using Run = ExitStatus (*)(const RulesOptions& options);
 Command Add(Command rules, const std::string& name, const std::string& description,
     const std::shared_ptr<RulesOptions>& options, Run run, ExitStatus& status)
 {
+    options->command = name;
     Command command = rules.AddCommand(name, description);
     command.Add("--prefix", options->selection.prefix, "The files are named with this and \"_\" in front").Takes("PREFIX");
     command.AddFlag("--json", options->asJson, "One JSON object");

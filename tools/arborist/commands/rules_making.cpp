@@ -67,7 +67,7 @@ ExitStatus Import(const ImportOptions& options)
     }
     if (imported.withProbabilities > 0) {
         PrintError(options.file + ": the probabilities of " + std::to_string(imported.withProbabilities)
-            + " definitions are left out: a tree file has none");
+            + (imported.withProbabilities == 1 ? " definition is" : " definitions are") + " left out: a tree file has none");
     }
     if (options.folder.empty()) {
         PrintResult(imported.text);
