@@ -98,19 +98,19 @@ void FaultTreeVisitor::FoldStatuses(
     mIsFault = false;
     mFaultTree = tree;
     mFaultTree->Check();
-    if (mObserver != nullptr && mFaultTree->GetIntermediateEvent() != nullptr) {
+    if (GetObserver() != nullptr && mFaultTree->GetIntermediateEvent() != nullptr) {
         std::vector<Evidence::FoldedEvent> events;
         AppendFoldedEvents(*mFaultTree->GetIntermediateEvent(), 0, events);
         for (std::size_t event = 0; event < events.size() && event < checks.size(); ++event) {
             events[event].check = checks[event];
         }
-        mObserver->OnTreeFolded(std::move(events));
+        GetObserver()->OnTreeFolded(std::move(events));
     }
 }
 
 void FaultTreeVisitor::AnalyzeRootCause()
 {
-    RootCauseSearch::Found found = RootCauseSearch::Find(*mFaultTree, mObserver != nullptr);
+    RootCauseSearch::Found found = RootCauseSearch::Find(*mFaultTree, GetObserver() != nullptr);
     mRootCauseList = std::move(found.rootCauses);
     mIsFault = !mRootCauseList.empty();
     FT::Log::GetInstance().Output(FT::LEVEL_INFO, "FUNc:%s: status= %d ", "FaultTreeVisitor::AnalyzeRootCause",
@@ -123,7 +123,7 @@ void FaultTreeVisitor::AnalyzeRootCause()
         mRootCauseNodeList.push_back(
             std::make_shared<FaultTreeNode>(FaultTreeNode{leaf.GetId(), leaf.GetName(), leaf.GetUserDefined()}));
     }
-    if (mObserver != nullptr) {
+    if (GetObserver() != nullptr) {
         TellRootCauses(std::move(found.cutSets));
     }
 }
@@ -131,7 +131,7 @@ void FaultTreeVisitor::AnalyzeRootCause()
 void FaultTreeVisitor::TellRootCauses(MinimalCutSet cutSets) const
 {
     for (std::size_t cause = 0; cause < mRootCauseList.size(); ++cause) {
-        mObserver->OnRootCause(
+        GetObserver()->OnRootCause(
             {mRootCauseNodeList[cause]->mId, std::move(cutSets[cause]), mRootCauseList[cause]->GetPaths()});
     }
 }

@@ -46,6 +46,8 @@ public:
 private:
     void AnalyzeRootCause();
     void TellRootCauses(MinimalCutSet cutSets) const;
+    // Each use of the observer goes through this call, of which the bench of the observer makes one that returns null.
+    DetectionObserver* GetObserver() const { return mObserver; }
 
     std::shared_ptr<FaultTree> mFaultTree;
     std::vector<std::shared_ptr<RootCause>> mRootCauseList;
