@@ -72,7 +72,7 @@ public:
             const Entry entry = snapshot.GetEntry(number);
             mEntryOfId.emplace(entry.eventId, number);
             mNextOfEntry[number] = entry.end;
-            if (segments.OfEntry(number) != nullptr) {
+            if (segments.OfEntry(number) != nullptr && !entry.needsQuery) {
                 Want(number, entry, since);
             }
         }
@@ -138,8 +138,11 @@ std::shared_ptr<const AnswerTable> AnswerReader::ReadAll(
     TextReader reader;
     const std::string& rowName = mSnapshot.GetOrigin().rowName;
     std::string error;
-    FT::sql::ScanRows(mDb, rowName + ", event_id, extra", "from event_info where " + rowName + " between " +
-        std::to_string(finder.GetFirstRowId()) + " and " + std::to_string(finder.GetLastRowId()),
+    // Rows that can't be searched are met by reading all.
+    const std::string range = " where " + rowName + " between " + std::to_string(finder.GetFirstRowId()) + " and " +
+        std::to_string(finder.GetLastRowId());
+    FT::sql::ScanRows(mDb, rowName + ", event_id, extra",
+        "from event_info" + (mSnapshot.GetOrigin().canSearchEvents ? range : " not indexed"),
         [&](const FT::sql::ScannedRow& row) {
             if (const auto found = finder.Find(row.GetInteger(1), row.GetInteger(0))) {
                 reader.Take(*segments.OfEntry(found->entry), found->row, row.GetText(2));
@@ -179,7 +182,7 @@ template <typename Take>
 bool AnswerReader::ReadEach(const std::vector<std::uint32_t>& rows, Take take) const
 {
     SqlCursor extras(mDb, "select extra from event_info where " + mSnapshot.GetOrigin().rowName + " = ?1");
-    bool isRead = extras.IsReady();
+    bool isRead = extras.IsReady() && mSnapshot.GetOrigin().canSearchEvents;
     for (std::size_t place = 0; isRead && place < rows.size(); ++place) {
         extras.Restart(mSnapshot.GetRowId(rows[place]));
         isRead = extras.Step();

@@ -8,6 +8,7 @@
 #include <string>
 #include <utility>
 
+#include "arborist/stores/event_log/event_id.h"
 #include "arborist/stores/event_log/event_query.h"
 #include "arborist/stores/event_log/file_check.h"
 #include "arborist/stores/event_log/log_state.h"
@@ -32,26 +33,6 @@ constexpr char JOIN_VERSION[] = " left join event_version on event_info.version_
 constexpr std::int64_t SHORTEST_ROW = 16;
 // Limit on the guess, as a file with holes may claim any size.
 constexpr std::int64_t MOST_GUESSED_ROWS = 1 << 24;
-
-// Fits into 64 bits, and no rule can name an id as great.
-constexpr double BEYOND_IDS = 1e12;
-
-// The number that SQLite compares with the id of a query. Only a whole number is sure to be equal to it: text compares as
-// the number that it begins with, or not at all.
-template <typename Reading>
-std::int64_t IdIn(const Reading& reading, bool isInteger)
-{
-    return isInteger ? reading.GetInteger(0)
-                     : static_cast<std::int64_t>(std::clamp(reading.GetReal(0), -BEYOND_IDS, BEYOND_IDS));
-}
-
-// The id of a row if a rule can name it.
-std::optional<std::int32_t> IdOf(const SqlCursor& row)
-{
-    using Limits = std::numeric_limits<std::int32_t>;
-    const std::int64_t id = IdIn(row, row.GetType(0) == SqlCursor::ColumnType::INTEGER);
-    return id < Limits::min() || id > Limits::max() ? std::nullopt : std::optional(static_cast<std::int32_t>(id));
-}
 
 // The whole number that `sql` returns; 0 if it returns none.
 std::int64_t NumberOf(const Sqlite3Db& database, const std::string& sql)
@@ -117,7 +98,7 @@ std::optional<SnapshotBuilder> ReadInOnePass(const Sqlite3Db& database, const Or
             hasOddVersions = hasOddVersions || (!isVersionWhole && !row.IsNull(2));
             const std::int64_t version = row.GetInteger(2);
             builder.AddRow({isThere && (!isByNumber || builder.HasVersion(version)), hasTime, isWhole,
-                IdIn(row, isIdWhole), row.GetInteger(1), version, row.GetInteger(3)});
+                EventIdIn(row, isIdWhole), row.GetInteger(1), version, row.GetInteger(3)});
         }, error);
     return isRead && !(isByNumber && hasOddVersions) ? std::optional(std::move(builder)) : std::nullopt;
 }
@@ -134,7 +115,7 @@ SnapshotBuilder ReadRowByRow(const Sqlite3Db& database, Origin& origin)
         " where event_info." + origin.rowName + " = ?1");
     while (events.Step()) {
         const Type type = events.GetType(0);
-        const std::optional<std::int32_t> id = IdOf(events);
+        const std::optional<std::int32_t> id = EventIdOf(events);
         const std::int64_t rowId = events.GetInteger(1);
         if (type == Type::NONE || !id) {
             continue;
@@ -166,10 +147,15 @@ SnapshotBuilder ReadInTableOrder(const Sqlite3Db& database, Origin& origin)
         FileCheck::OfTable(database, "event_info_flow"), FileCheck::OfTable(database, "event_version"));
     auto rows = ReadInOnePass(database, origin, VersionSearch::BY_NUMBER);
     rows = rows ? std::move(rows) : ReadInOnePass(database, origin, VersionSearch::BY_JOIN);
-    SnapshotBuilder builder = rows ? std::move(*rows) : ReadRowByRow(database, origin);
-    if (partners.state == State::DISORDER || !builder.IsInOrder()) {
-        origin.damage = partners.message.empty() ? "rows of event_info are out of order" : std::move(partners.message);
+    const bool hasPassed = rows.has_value();
+    SnapshotBuilder builder = hasPassed ? std::move(*rows) : ReadRowByRow(database, origin);
+    origin.canSearchEvents = builder.IsInOrder();
+    origin.damage = partners.state == State::DISORDER ? std::move(partners.message)
+        : builder.IsInOrder() ? "" : "rows of event_info are out of order";
+    if (partners.state == State::DISORDER || (!hasPassed && !builder.IsInOrder())) {
         builder.LeaveAllToQueries();
+    } else if (!builder.IsInOrder()) {
+        builder.LeaveUnorderedToQueries();
     } else if (partners.state != State::SOUND) {
         // A search that starts nearby may meet an unreadable page behind the place where the row should be.
         builder.LeaveDroppedToQueries();
@@ -182,7 +168,7 @@ bool ReadIds(const Sqlite3Db& database, const std::string& from, SnapshotBuilder
 {
     SqlCursor ids(database, "select event_id from " + from);
     while (ids.Step()) {
-        if (const auto id = IdOf(ids)) {
+        if (const auto id = EventIdOf(ids)) {
             builder.LeaveToQuery(*id);
         }
     }
@@ -203,7 +189,7 @@ bool ReadIdsByRowNumber(const Sqlite3Db& database, SnapshotBuilder& builder)
     for (std::int64_t tries = 0; rows.IsReady() && tries < MOST_GUESSED_ROWS; ++tries) {
         rows.Restart(next);
         while (rows.Step()) {
-            if (const auto id = IdOf(rows)) {
+            if (const auto id = EventIdOf(rows)) {
                 builder.LeaveToQuery(*id);
             }
             next = rows.GetInteger(1);

@@ -14,6 +14,8 @@ namespace {
 
 // One pass over all rows costs as much as reading one row in this many by itself.
 constexpr std::size_t WORTH_READING_ALL = 32;
+// After so many queries of ids, it pays to look where the rows of all such ids are.
+constexpr std::size_t FEW_QUERIES = 3;
 // Number of filters whose counts are kept: those of three windows, with and without a version.
 constexpr std::size_t MOST_COUNTS = 6;
 // Bytes that counts may take for each row of the log. If ids have few rows, counts are not worth keeping.
@@ -63,6 +65,8 @@ void EventLogSearch::Refresh()
         mSnapshot.reset();
         mSnapshot = ReadEventLog(mDb);
         mCanReadAnswers = true;
+        mQueries = 0;
+        mRowsOfIds.reset();
     }
 }
 
@@ -189,7 +193,7 @@ bool EventLogSearch::VisitAbsent(OpenVisit& visit, std::int32_t eventId)
     if (mSnapshot->GetOrigin().isEachIdAsked) {
         return VisitByQuery(visit, eventId);
     }
-    TellBreak();
+    TellBreak(mSnapshot->GetOrigin().breakError);
     return false;
 }
 
@@ -201,23 +205,52 @@ bool EventLogSearch::VisitEntry(OpenVisit& visit, std::size_t entryNumber)
     }
     const std::size_t found = visit.found->Of(entryNumber);
     if (found == 0) {
-        TellBreak();
+        TellBreak(mSnapshot->GetOrigin().breakError);
         return false;
     }
     EventRows::Known known{*mSnapshot, EventLogSnapshot::RunOf(entry, found), visit.counts->GetFilter(), nullptr};
     if (!visit.questions.empty() && !FillAnswers(visit, entry, known)) {
         return VisitByQuery(visit, entry.eventId);
     }
-    TellBreak();
+    TellBreak(mSnapshot->GetOrigin().breakError);
     TellVersionName(visit.versionName);
     return visit.visitor(EventRows(entry.eventId, std::move(known), found, visit.counts->Of(entryNumber),
         visit.query.questions, visit.days));
 }
 
+// Runs the query for an id, among its rows if they are known. False if it breaks off.
+bool EventLogSearch::RunQuery(std::int32_t eventId, std::int64_t startTime)
+{
+    ++mQueries;
+    if (mQueries <= FEW_QUERIES || mSnapshot == nullptr || !mSnapshot->GetOrigin().isInTableOrder) {
+        mEventQuery.Run(eventId, startTime);
+        return mEventQuery.IsWhole();
+    }
+    return RunAmongRows(eventId, startTime);
+}
+
+bool EventLogSearch::RunAmongRows(std::int32_t eventId, std::int64_t startTime)
+{
+    const ReadTransaction transaction(mDb);
+    const bool isCurrent = IsCurrent();
+    if (isCurrent && mQueries == FEW_QUERIES + 1) {
+        mRowsOfIds = RowsOfIds::Read(transaction, *mSnapshot);
+    }
+    const auto condition = isCurrent && mRowsOfIds ? mRowsOfIds->GetCondition(eventId) : std::nullopt;
+    if (!condition) {
+        mEventQuery.Run(eventId, startTime);
+        return mEventQuery.IsWhole();
+    }
+    mEventQuery.RunAmong(eventId, startTime, *condition);
+    if (mEventQuery.IsWhole()) {
+        TellBreak(mRowsOfIds->GetScanError());
+    }
+    return mEventQuery.IsWhole() && mRowsOfIds->GetScanError().empty();
+}
+
 bool EventLogSearch::VisitByQuery(OpenVisit& visit, std::int32_t eventId)
 {
-    mEventQuery.Run(eventId, visit.query.startTime);
-    if (!mEventQuery.IsWhole() && visit.reading == Reading::WHOLE) {
+    if (!RunQuery(eventId, visit.query.startTime) && visit.reading == Reading::WHOLE) {
         visit.reading = Reading::BROKEN_OFF;
     }
     if (mEventQuery.GetCount() == 0) {
@@ -229,9 +262,8 @@ bool EventLogSearch::VisitByQuery(OpenVisit& visit, std::int32_t eventId)
 }
 
 // Logs the line of a query that fails in the middle.
-void EventLogSearch::TellBreak() const
+void EventLogSearch::TellBreak(const std::string& error) const
 {
-    const std::string& error = mSnapshot->GetOrigin().breakError;
     if (!error.empty()) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Execute sql failed: %s",
             "FT::sql::SqlOperator::Execute", error.c_str());
@@ -257,7 +289,9 @@ void EventLogSearch::Prepare(const OpenVisit& visit)
     }
     const std::uint32_t firstRow = mSnapshot->GetEntry(first).begin;
     const std::uint32_t endRow = mSnapshot->GetEntry(end - 1).end;
-    if ((endRow - firstRow) * WORTH_READING_ALL >= mSnapshot->GetRowCount() && !HasAnswers(visit, firstRow, endRow)) {
+    const bool isWorthwhile = (endRow - firstRow) * WORTH_READING_ALL >= mSnapshot->GetRowCount() ||
+        !mSnapshot->GetOrigin().canSearchEvents; // then rows can't be read one by one
+    if (isWorthwhile && !HasAnswers(visit, firstRow, endRow)) {
         ReadAnswers(visit);
     }
 }

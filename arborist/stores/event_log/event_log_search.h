@@ -16,6 +16,7 @@
 #include "arborist/stores/event_log/local_days.h"
 #include "arborist/stores/event_log/requests.h"
 #include "arborist/stores/event_log/row_counts.h"
+#include "arborist/stores/event_log/rows_of_ids.h"
 
 /// Answers queries for ranges of ids from one reading of the log, as long as the log doesn't change. Results and log
 /// lines equal those of EventQuery for each id. Runs EventQuery itself for everything that the reading does not cover,
@@ -93,7 +94,9 @@ private:
     bool VisitEntry(OpenVisit& visit, std::size_t entryNumber);
     std::shared_ptr<RowCounts> CountsFor(const EventLogSnapshot::Filter& filter);
     bool VisitByQuery(OpenVisit& visit, std::int32_t eventId);
-    void TellBreak() const;
+    bool RunQuery(std::int32_t eventId, std::int64_t startTime);
+    bool RunAmongRows(std::int32_t eventId, std::int64_t startTime);
+    void TellBreak(const std::string& error) const;
     void Prepare(const OpenVisit& visit);
     void ReadAnswers(const OpenVisit& visit);
     bool HasAnswers(const OpenVisit& visit, std::uint32_t firstRow, std::uint32_t endRow) const;
@@ -110,6 +113,8 @@ private:
     std::vector<std::shared_ptr<RowCounts>> mCounts; // of the filters used last, the latest at the end
     std::shared_ptr<const AnswerTable> mAnswers; // those of the last reading
     bool mCanReadAnswers = true; // in one pass
+    std::size_t mQueries = 0; // that were run for ids of the snapshot
+    std::optional<RowsOfIds> mRowsOfIds;
 };
 
 #endif

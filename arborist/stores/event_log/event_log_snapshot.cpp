@@ -86,7 +86,8 @@ void EventLogSnapshot::LookAtOrder()
         bool isAscending = true;
         for (std::uint32_t row = begin + 1; row < end; ++row) {
             isAscending = isAscending && mColumns.times[row - 1] <= mColumns.times[row];
-            mAreRowIdsAscending = mAreRowIdsAscending && mColumns.rowIds[row - 1] < mColumns.rowIds[row];
+            mAreRowIdsAscending =
+                mAreRowIdsAscending && (mColumns.rowIds[row - 1] < mColumns.rowIds[row] || mNeedsQuery[number]);
         }
         mIsAscending[number] = isAscending;
     }

@@ -42,6 +42,8 @@ public:
         std::string rowName;
         /// True if the query for an id returns rows in the order of event_info; otherwise their order isn't known.
         bool isInTableOrder = false;
+        /// True if a search in event_info for the number of a row in the snapshot finds that row or fails.
+        bool canSearchEvents = true;
         /// True if only ids are known and no rows: every id, known or not, must be queried by itself.
         bool isEachIdAsked = false;
         /// Where only ids are known: true if no other id can have rows.
@@ -123,7 +125,7 @@ public:
     /// The same by their day of the month.
     void CountDaysAfter(
         const Run& run, const Filter& filter, std::int64_t time, LocalDays& localDays, DayCounts& days) const;
-    /// True if the row ids of every entry ascend.
+    /// True if the row ids of every entry ascend that needs no query.
     bool AreRowIdsAscending() const { return mAreRowIdsAscending; }
 
 private:

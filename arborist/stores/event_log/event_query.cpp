@@ -17,8 +17,8 @@ constexpr char VERSION_NAME[] = "VERSION_NAME";
 // Joins the tables by their own ids; the derived tables join by event_pid. The monitoring service supports both.
 constexpr char EVENT_QUERY[] =
     "select event_info.event_id,event_info.extra,event_info_flow.occurrence_time,event_version.VERSION_NAME"
-    " from event_info join event_info_flow on event_info._ID=event_info_flow._ID"
-    " join event_version on event_info.version_id=event_version._ID where event_id = %d and occurrence_time >= %lld";
+    " from event_info %sjoin event_info_flow on event_info._ID=event_info_flow._ID"
+    " %sjoin event_version on event_info.version_id=event_version._ID where event_id = %d and occurrence_time >= %lld";
 // Room for the query with two numbers of the greatest length.
 constexpr int QUERY_SIZE = sizeof(EVENT_QUERY) + 64;
 
@@ -45,6 +45,16 @@ std::string TextOf(const FT::sql::SqlValue* value)
     return value == nullptr ? std::string() : value->AsString();
 }
 
+std::string TextOfQuery(const char* join, std::int32_t eventId, std::int64_t startTime)
+{
+    char query[QUERY_SIZE];
+    FT::sql::Sqlite3Snprintf(
+        QUERY_SIZE, query, EVENT_QUERY, join, join, eventId, static_cast<long long>(startTime));
+    const std::int64_t last = TimeUtil::GetLastMoment();
+    return last == std::numeric_limits<std::int64_t>::max()
+        ? query : std::string(query) + " and occurrence_time <= " + std::to_string(last);
+}
+
 } // namespace
 
 EventQuery::EventQuery(const FT::sql::Sqlite3Db& database)
@@ -54,16 +64,23 @@ EventQuery::EventQuery(const FT::sql::Sqlite3Db& database)
 
 std::string EventQuery::TextFor(std::int32_t eventId, std::int64_t startTime)
 {
-    char query[QUERY_SIZE];
-    FT::sql::Sqlite3Snprintf(QUERY_SIZE, query, EVENT_QUERY, eventId, static_cast<long long>(startTime));
-    const std::int64_t last = TimeUtil::GetLastMoment();
-    return last == std::numeric_limits<std::int64_t>::max()
-        ? query : std::string(query) + " and occurrence_time <= " + std::to_string(last);
+    return TextOfQuery("", eventId, startTime);
 }
 
 void EventQuery::Run(std::int32_t eventId, std::int64_t startTime)
 {
-    mFound = FT::sql::SimpleDatabaseHelper().GetRecordCountByFullSql(mEventInfoUnion, TextFor(eventId, startTime));
+    RunText(TextFor(eventId, startTime));
+}
+
+// A cross join visits the tables in their order, whatever the condition is.
+void EventQuery::RunAmong(std::int32_t eventId, std::int64_t startTime, const std::string& condition)
+{
+    RunText(TextOfQuery("cross ", eventId, startTime) + condition);
+}
+
+void EventQuery::RunText(const std::string& text)
+{
+    mFound = FT::sql::SimpleDatabaseHelper().GetRecordCountByFullSql(mEventInfoUnion, text);
     mIsWhole = mEventInfoUnion.IsOk();
 }
 

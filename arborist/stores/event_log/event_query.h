@@ -21,6 +21,8 @@ public:
 
     /// Queries the events of `eventId` since `startTime`. A failure logs its line; rows read before it stay.
     void Run(std::int32_t eventId, std::int64_t startTime);
+    /// The same if all its events meet `condition`; see RowsOfIds.
+    void RunAmong(std::int32_t eventId, std::int64_t startTime, const std::string& condition);
     /// True if the last query did not fail.
     bool IsWhole() const { return mIsWhole; }
     /// Number of rows of the last query.
@@ -29,6 +31,8 @@ public:
     EventList GetEvents(bool fromUpdate, const std::string& versionName) const;
 
 private:
+    void RunText(const std::string& text);
+
     FT::sql::SqlTable mEventInfoUnion;
     bool mIsWhole = false;
     std::size_t mFound = 0;

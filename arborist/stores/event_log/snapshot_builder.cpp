@@ -118,6 +118,19 @@ void SnapshotBuilder::LeaveDroppedToQueries()
     }
 }
 
+void SnapshotBuilder::LeaveUnorderedToQueries()
+{
+    std::vector<std::int64_t> last(mIds.size(), -1);
+    for (std::size_t row = 0; row < mIdOfRow.size(); ++row) {
+        std::int64_t& before = last[mIdOfRow[row]];
+        if (mColumns.rowIds[row] <= before) {
+            mNeedsQuery[mIdOfRow[row]] = true;
+        }
+        before = mColumns.rowIds[row];
+    }
+    LeaveDroppedToQueries();
+}
+
 void SnapshotBuilder::LeaveAllToQueries()
 {
     LeaveDroppedToQueries();

@@ -43,6 +43,9 @@ public:
     void LeaveDroppedToQueries();
     /// Leaves all ids that have rows to their queries.
     void LeaveAllToQueries();
+    /// Leaves the ids to their queries whose rows can't be told apart by their row ids, as these don't ascend or belong
+    /// to dropped rows, too.
+    void LeaveUnorderedToQueries();
     /// True if the row ids of all rows ascend.
     bool IsInOrder() const { return mIsInOrder; }
 

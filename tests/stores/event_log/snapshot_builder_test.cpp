@@ -104,6 +104,19 @@ TEST_F(SnapshotBuilderTest, IdsAreLeftToQueriesWithTheirDroppedRowsOrAllTogether
     EXPECT_EQ(Built(), "1?; 2?; ");
 }
 
+TEST_F(SnapshotBuilderTest, IdsWhoseRowsCannotBeToldApartAreLeftToQueries)
+{
+    mBuilder.AddRow(RowOf(1, 10, 9));
+    mBuilder.AddRow(RowOf(2, 10, 4));
+    mBuilder.AddRow(RowOf(1, 20, 9));
+    mBuilder.AddRow(RowOf(3, 10, 3));
+    mBuilder.AddRow(DroppedRow(3, 10, 5));
+    mBuilder.AddRow(RowOf(2, 20, 6));
+    mBuilder.LeaveUnorderedToQueries();
+    EXPECT_EQ(Built(), "1? 10 20; 2: 10 20; 3? 10; ");
+    EXPECT_TRUE(mSnapshot->AreRowIdsAscending());
+}
+
 TEST_F(SnapshotBuilderTest, OrderIsThatOfAllRowIds)
 {
     mBuilder.AddRow(RowOf(1, 10, 5));
