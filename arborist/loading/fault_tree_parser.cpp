@@ -1,5 +1,6 @@
 #include "arborist/loading/fault_tree_parser.h"
 
+#include <exception>
 #include <functional>
 #include <system_error>
 #include <thread>
@@ -37,13 +38,25 @@ bool LoadDocument(
     return false;
 }
 
-// Runs `job` on a thread of its own and waits for it; on the caller's thread if the system has no thread left.
+// Runs `job` on a thread of its own and waits for it; on the caller's thread if the system has no thread left. An
+// exception of the job reaches the caller: one that left its thread would end the process.
 void RunOnThread(const std::function<void()>& job)
 {
+    std::exception_ptr failure;
+    const auto guarded = [&job, &failure] {
+        try {
+            job();
+        } catch (...) {
+            failure = std::current_exception();
+        }
+    };
     try {
-        std::thread(job).join();
+        std::thread(guarded).join();
     } catch (const std::system_error&) {
-        job();
+        guarded();
+    }
+    if (failure != nullptr) {
+        std::rethrow_exception(failure);
     }
 }
 
@@ -107,6 +120,7 @@ void FaultTreeParser::StartParse()
             "FaultTreeParser::StartParse", path.c_str());
         return;
     }
+    mIsParseDone = false; // until the new rules are whole, should memory run out on the way
     RunOnThread([this, &path] { ParseRuleXml(path); });
     // Also done after a malformed file: a second attempt would read the same bytes.
     mIsParseDone = true;
