@@ -43,7 +43,7 @@ Evidence::MissingCopies MissingCopiesOf(const DefDbTableBean& bean)
 } // namespace
 
 CommandRuleEngine::CommandRuleEngine(std::shared_ptr<CommonPart> commonPart, std::shared_ptr<RuleHelper> ruleHelper)
-    : mCommonPart(std::move(commonPart)), mRuleHelper(std::move(ruleHelper)),
+    : mCommonPart(std::move(commonPart)), mPrepared(mCommonPart), mRuleHelper(std::move(ruleHelper)),
       mDbHelper(std::make_shared<CommandRuleDbHelper>())
 {
 }
@@ -68,7 +68,7 @@ bool CommandRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const
         return Reject(Reason::NOT_SQL, commandRule->analysisMethod.type);
     }
     const Query query = QueryOf(*commandRule, eventId);
-    if (!hasReference && !mCommonPart->AreTablesWhole(commandRule->commonPartName, query.sql)) {
+    if (!hasReference && !mPrepared->AreTablesWhole(commandRule->commonPartName, query.sql)) {
         Note(Reason::TABLE_INCOMPLETE);
     }
     return hasReference ? IsFaultInReference(*commandRule, query) : IsFaultInDatabase(*commandRule, query, "");
@@ -229,7 +229,7 @@ bool CommandRuleEngine::IsFaultInReference(const CommandRule& rule, const Query&
         return Reject(Reason::NO_SUCH_DATABASE, rule.referenceDefDb->defDBName);
     }
     const std::vector<std::string>& paths = bean->GetCopyDbFileList();
-    NoteCopies(*bean);
+    NoteCopies(mPrepared->GetDefDbCommonPart(rule.referenceDefDb->defDBName).value_or(*bean));
     std::int64_t hits = 0;
     for (const std::string& path : paths) {
         hits += IsFaultInDatabase(rule, query, path) ? 1 : 0;

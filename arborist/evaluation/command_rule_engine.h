@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "arborist/evaluation/rule_checker.h"
@@ -26,6 +27,9 @@ public:
     ~CommandRuleEngine() override;
 
     bool IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId) override;
+    /// The common part of the running detection: it tells which tables and copies are whole, whichever gives the
+    /// thresholds. Until the first call, the one of the constructor. Not null.
+    void SetPrepared(std::shared_ptr<CommonPart> prepared) { mPrepared = std::move(prepared); }
 
 private:
     friend struct CommandRuleEnginePeer; // tests reach the steps through it
@@ -68,6 +72,7 @@ private:
     bool IsFaultForSqlMultiLogic(const ParamList& list, const std::shared_ptr<OrLogic>& orLogic);
 
     std::shared_ptr<CommonPart> mCommonPart;
+    std::shared_ptr<CommonPart> mPrepared;
     std::shared_ptr<RuleHelper> mRuleHelper;
     std::shared_ptr<CommandRuleDbHelper> mDbHelper;
 };

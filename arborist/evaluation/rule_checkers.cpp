@@ -45,7 +45,11 @@ std::shared_ptr<RuleChecker> RuleCheckers::Get(const Rule* rule, const std::shar
     case Family::COMMAND:
         // Keeps the common part of the first call, on purpose: later detections of this engine decide command rules by
         // the thresholds of the first.
-        return MakeOnce(mCommandRuleEngine, commonPart, mRuleHelper);
+        MakeOnce(mCommandRuleEngine, commonPart, mRuleHelper);
+        if (commonPart != nullptr) {
+            mCommandRuleEngine->SetPrepared(commonPart);
+        }
+        return mCommandRuleEngine;
     case Family::NODE:
         return MakeOnce(mNodeRuleEngine);
     case Family::CODE:
