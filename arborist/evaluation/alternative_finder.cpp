@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <unordered_set>
+#include <utility>
 
 #include "arborist/evaluation/rule_helper.h"
 #include "arborist/utilities/string_util.h"
@@ -85,29 +86,22 @@ std::shared_ptr<OrRuleSingle> AlternativeFinder::FindByIndex(const std::string& 
 {
     const auto single = mFirstSingle.find(name);
     const std::size_t end = single != mFirstSingle.end() ? single->second : mRules.size();
-    const std::vector<const Places*> listings = ListingsOf(name);
-    if (!listings.empty()) {
-        for (const std::size_t place : *listings.front()) {
-            if (place >= end) {
-                break;
-            }
-            const bool listsAll = std::all_of(listings.begin() + 1, listings.end(), [place](const Places* places) {
-                return std::binary_search(places->begin(), places->end(), place);
-            });
-            if (listsAll) {
-                return mRules[place];
-            }
-        }
-    }
-    return end < mRules.size() ? mRules[end] : nullptr;
+    const std::size_t first = end == 0 ? end : std::min(end, FirstListing(name));
+    return first < mRules.size() ? mRules[first] : nullptr;
 }
 
-// For each part the alternatives that list it, the shortest list first; empty if no alternative lists one of the parts.
-std::vector<const AlternativeFinder::Places*> AlternativeFinder::ListingsOf(const std::string& name) const
+// The names in a list of names, sorted, each once.
+std::vector<std::string> AlternativeFinder::PartsOf(const std::string& name) const
 {
     std::vector<std::string> parts = StringUtil::Split(name, RuleHelper::TYPE_COMMA);
     std::sort(parts.begin(), parts.end());
     parts.erase(std::unique(parts.begin(), parts.end()), parts.end());
+    return parts;
+}
+
+// For each part the alternatives that list it, the shortest list first; empty if no alternative lists one of the parts.
+std::vector<const AlternativeFinder::Places*> AlternativeFinder::ListingsOf(const std::vector<std::string>& parts) const
+{
     std::vector<const Places*> listings;
     for (const auto& part : parts) {
         const auto listing = mListing.find(part);
@@ -119,4 +113,32 @@ std::vector<const AlternativeFinder::Places*> AlternativeFinder::ListingsOf(cons
     std::sort(listings.begin(), listings.end(),
         [](const Places* one, const Places* other) { return one->size() < other->size(); });
     return listings;
+}
+
+// The position of the first alternative that lists all parts of the name; their number if there is none.
+std::size_t AlternativeFinder::FirstListing(const std::string& name) const
+{
+    const std::vector<std::string> parts = PartsOf(name);
+    std::string set;
+    for (const std::string& part : parts) {
+        set.append(part).append(RuleHelper::TYPE_COMMA); // no part contains one
+    }
+    const auto [known, isNew] = mFirstListing.try_emplace(std::move(set), mRules.size());
+    if (isNew) {
+        known->second = FirstOfAll(ListingsOf(parts));
+    }
+    return known->second;
+}
+
+std::size_t AlternativeFinder::FirstOfAll(const std::vector<const Places*>& listings) const
+{
+    if (listings.empty()) {
+        return mRules.size();
+    }
+    const auto first = std::find_if(listings.front()->begin(), listings.front()->end(), [&](std::size_t place) {
+        return std::all_of(listings.begin() + 1, listings.end(), [place](const Places* places) {
+            return std::binary_search(places->begin(), places->end(), place);
+        });
+    });
+    return first == listings.front()->end() ? mRules.size() : *first;
 }

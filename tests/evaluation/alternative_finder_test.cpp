@@ -98,6 +98,23 @@ TEST(AlternativeFinderTest, EveryPartCountsAmongManyAlternatives)
     EXPECT_EQ(finder.Find(","), nullptr);
 }
 
+// Half of the alternatives list "a", the others "b", and each asks who lists both. Were each look-up to go through one
+// half, this test would take minutes.
+TEST(AlternativeFinderTest, NamesThatNobodyListsTogetherAreSoughtOnce)
+{
+    constexpr std::size_t HALF = 50'000;
+    OrRuleList rules;
+    for (const char* const listed : {"a", "b"}) {
+        for (std::size_t place = 0; place < HALF; ++place) {
+            rules.push_back(Alternative("multipleRule", "a,b", {listed}));
+        }
+    }
+    const AlternativeFinder finder(rules);
+    for (std::size_t look = 0; look < rules.size(); ++look) {
+        ASSERT_EQ(finder.Find(look % 2 == 0 ? "a,b" : "b,a,b"), nullptr);
+    }
+}
+
 TEST(AlternativeFinderTest, NullEntriesArePassedOver)
 {
     OrRuleList rules{nullptr, Alternative("singleRule", "a", {})};
