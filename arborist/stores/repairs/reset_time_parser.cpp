@@ -1,7 +1,7 @@
 #include "arborist/stores/repairs/reset_time_parser.h"
 
 #include <algorithm>
-#include <fstream>
+#include <sstream>
 #include <utility>
 
 #include "arborist/frame/log.h"
@@ -18,18 +18,21 @@ bool Contains(const std::string& line, std::string_view text)
     return line.find(text) != std::string::npos;
 }
 
-// Opens a log; on failure returns a stream in the failed state.
-std::ifstream OpenLog(const std::string& path)
+// The content of a log; on failure a stream in the failed state.
+std::istringstream OpenLog(const std::string& path)
 {
     std::string realPath;
-    std::ifstream file;
-    file.setstate(std::ios::failbit);
-    // Opening a pipe would wait for its writer, and a device may have no end.
-    if (FileUtil::PathToRealPath(path, realPath) && FileUtil::IsPlainFile(realPath)) {
-        file.clear();
-        file.open(realPath, std::ios::binary);
+    std::string text;
+    std::istringstream log;
+    // A device may have no end.
+    const bool isRead = FileUtil::PathToRealPath(path, realPath) && FileUtil::IsPlainFile(realPath) &&
+        FileUtil::LoadStringFromFile(realPath, text);
+    if (isRead) {
+        log.str(std::move(text));
+    } else {
+        log.setstate(std::ios::failbit);
     }
-    return file;
+    return log;
 }
 
 // The last line that isn't empty; the empty text if all are empty.
@@ -73,7 +76,7 @@ void ResetTimeParser::GetFileContent(const std::vector<std::string>& files)
 
 void ResetTimeParser::ParseRecoveryLog(const std::string& path)
 {
-    std::ifstream file = OpenLog(path);
+    std::istringstream file = OpenLog(path);
     if (!file) {
         return;
     }
@@ -134,7 +137,7 @@ void ResetTimeParser::ParseZipContent(const std::string& archiveBase, const std:
 
 std::int64_t ResetTimeParser::GetResetLogTime(const std::string& path)
 {
-    std::ifstream file = OpenLog(path);
+    std::istringstream file = OpenLog(path);
     if (!file) {
         return 0;
     }

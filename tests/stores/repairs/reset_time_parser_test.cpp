@@ -94,6 +94,13 @@ TEST_F(ResetTimeParserTest, EndOfAnUpdateIsTheUpdateTime)
             Line("dateTime: 1705309200"), Line("updateTime: 1705309200, resetTime: 0")));
 }
 
+TEST_F(ResetTimeParserTest, LogOfMoreThan32MebibytesCountsAsUnreadable)
+{
+    ParseLog(Begin(9, "UPDATE") + End(10) + std::string(32 << 20, '\n'));
+    EXPECT_EQ(mParser.GetUpdateTime(), 0);
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
 TEST_F(ResetTimeParserTest, EndOfAResetIsTheResetTimeAndEndsTheReading)
 {
     ParseLog(Begin(9, "wipe_data") + ResetEnd(10) + End(11));
