@@ -1,6 +1,7 @@
 #include "arborist/model/gate.h"
 
 #include <iterator>
+#include <new>
 #include <utility>
 
 #include "arborist/model/event.h"
@@ -21,6 +22,15 @@ bool OwnsAllBelow(const std::shared_ptr<Event>& event)
 // Left to themselves the destructors would nest as deep as the tree, and a tree made by hand may be deeper than a
 // stack is long. So the branches that die with this gate hand over their gates first, level by level.
 Gate::~Gate()
+{
+    try {
+        TakeBranchesApart();
+    } catch (const std::bad_alloc&) {
+        // The destructors nest then, which all but trees made by hand survive.
+    }
+}
+
+void Gate::TakeBranchesApart()
 {
     std::vector<std::shared_ptr<Gate>> dying;
     const auto collect = [&dying](const Events& events) {

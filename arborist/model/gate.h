@@ -40,6 +40,8 @@ protected:
     void CheckEvents();
 
 private:
+    void TakeBranchesApart();
+
     GateKind mKind;
     std::vector<std::shared_ptr<Event>> mEvents;
 };

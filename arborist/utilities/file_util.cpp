@@ -1,8 +1,10 @@
 #include "arborist/utilities/file_util.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <system_error>
+#include <utility>
 
 #include "arborist/frame/log.h"
 #include "arborist/frame/stopping.h"
@@ -17,32 +19,64 @@ constexpr std::size_t MAX_PATH_LENGTH = 4095;
 constexpr std::uint16_t MAX_FILE_MODE = 0xFFF;
 constexpr std::uint16_t WRITE_BITS = 0222;
 
-// Calls `visit` for each entry below `path` until it returns false. An error of the file system ends the walk in
-// silence.
+// Calls `visit` with the path of each entry below `path`, each folder before what is in it; follows no links. Folders that
+// may not be read pass for empty ones; any other error of the file system ends the walk in silence.
 template <typename Visit>
-bool Walk(const std::string& path, Visit visit)
+void Walk(const std::string& path, Visit visit)
 {
-    std::error_code error;
-    fs::recursive_directory_iterator entry(path, fs::directory_options::skip_permission_denied, error);
-    for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+    struct Level {
+        Platform::Folder folder;
+        std::size_t length; // of the path of the folder
+    };
+    std::vector<Level> levels;
+    Platform::Folder top(path);
+    if (top.IsOpen()) {
+        levels.push_back({std::move(top), path.size()});
+    }
+    std::string entry = path;
+    while (!levels.empty()) {
+        Platform::Folder& folder = levels.back().folder;
+        if (!folder.Next()) {
+            levels.pop_back();
+            continue;
+        }
         StopPoint::Pass();
-        if (!visit(*entry)) {
-            return false;
+        entry.resize(levels.back().length);
+        entry.append(entry.back() == '/' ? "" : "/").append(folder.Name());
+        visit(entry);
+        if (!folder.IsFolder()) {
+            continue;
+        }
+        Platform::Folder below = folder.OpenEntry();
+        if (below.IsOpen()) {
+            levels.push_back({std::move(below), entry.size()});
+        } else if (errno != EACCES) {
+            return;
         }
     }
-    return true;
 }
 
-bool IsLink(const fs::directory_entry& entry)
+bool IsFolderNamedWith(const std::string& path, const std::string& prefix)
 {
     std::error_code ignored;
-    return entry.is_symlink(ignored);
+    return fs::is_directory(fs::symlink_status(path, ignored)) &&
+        FileUtil::ExtractFileName(path).rfind(prefix, 0) == 0;
 }
 
-bool IsFolderNamedWith(const fs::directory_entry& entry, const std::string& prefix)
+// Removes what is at the path, and for a folder all that is in it; a link is removed, not followed. The standard library
+// has the same, but ends the process where it lacks memory.
+void RemoveAll(const std::string& path, std::error_code& error)
 {
-    std::error_code ignored;
-    return !IsLink(entry) && entry.is_directory(ignored) && entry.path().filename().string().rfind(prefix, 0) == 0;
+    std::vector<std::string> entries = {path};
+    if (!fs::is_symlink(path, error)) {
+        Walk(path, [&entries](const std::string& entry) { entries.push_back(entry); });
+    }
+    for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
+        if (std::remove(entry->c_str()) != 0 && errno != ENOENT) {
+            error = std::error_code(errno, std::generic_category());
+            return;
+        }
+    }
 }
 
 // Appends the whole content of `file`. False on an error or beyond the limit; the end of `content` is then undefined.
@@ -176,7 +210,7 @@ bool FileUtil::ForceRemoveDirectory(const std::string& path, bool)
         return true;
     }
     std::error_code error;
-    fs::remove_all(path, error);
+    RemoveAll(path, error);
     if (error) {
         FT::Log::GetInstance().Output(
             FT::LEVEL_ERROR, "FUNc:%s: remove dir failed %s", "FileUtil::ForceRemoveDirectory", path.c_str());
@@ -204,11 +238,10 @@ void FileUtil::RemoveFolderBeginWith(const std::string& parent, const std::strin
 {
     // List first, then remove: removing during the walk would delete directories that it still visits.
     std::vector<std::string> folders;
-    Walk(parent, [&folders, &prefix](const fs::directory_entry& entry) {
+    Walk(parent, [&folders, &prefix](const std::string& entry) {
         if (IsFolderNamedWith(entry, prefix)) {
-            folders.push_back(entry.path().string());
+            folders.push_back(entry);
         }
-        return true;
     });
     for (const std::string& folder : folders) {
         ForceRemoveDirectory(folder, true);
@@ -242,10 +275,9 @@ bool FileUtil::CopyFileToFolder(const std::string& source, const std::string& ta
 
 void FileUtil::GetDirFiles(const std::string& path, std::vector<std::string>& files)
 {
-    Walk(path, [&files](const fs::directory_entry& entry) {
-        files.push_back(entry.path().generic_string());
+    Walk(path, [&files](const std::string& entry) {
+        files.push_back(entry);
         FormatPath2UnixStyle(files.back());
-        return true;
     });
 }
 
@@ -278,9 +310,11 @@ bool FileUtil::ChangeModeDirectory(const std::string& path, std::uint16_t mode)
     if (!FileExists(path)) {
         return false;
     }
-    const bool changed = Walk(path, [mode](const fs::directory_entry& entry) {
+    bool changed = true;
+    Walk(path, [mode, &changed](const std::string& entry) {
         // The target of a link may lie outside of `path`.
-        return IsLink(entry) || ChangeMode(entry.path().generic_string(), mode);
+        std::error_code ignored;
+        changed = changed && (fs::is_symlink(entry, ignored) || ChangeMode(entry, mode));
     });
     return changed && ChangeMode(path, mode);
 }

@@ -1,6 +1,7 @@
 #include "arborist/utilities/json_text.h"
 
 #include <memory>
+#include <new>
 
 #include <json/reader.h>
 
@@ -13,6 +14,12 @@ Json::CharReader& Reader()
     return *reader;
 }
 
+// Where the JSON library has no memory for a text, it throws its own error instead of std::bad_alloc.
+bool IsLackOfMemory(std::string_view words)
+{
+    return words.find("Failed to allocate") != std::string_view::npos;
+}
+
 } // namespace
 
 bool ParseJson(std::string_view text, Json::Value& root, std::string& error)
@@ -21,6 +28,9 @@ bool ParseJson(std::string_view text, Json::Value& root, std::string& error)
     try {
         return Reader().parse(text.data(), text.data() + text.size(), &root, &error) && error.empty();
     } catch (const Json::Exception& exception) {
+        if (IsLackOfMemory(exception.what())) {
+            throw std::bad_alloc();
+        }
         error = exception.what();
         return false;
     }

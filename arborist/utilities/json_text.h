@@ -9,7 +9,7 @@
 /// Parses `text` as JSON into `root`. True, with `error` empty, if the text has no error.
 ///
 /// Otherwise `error` describes the error and `root` has the part that was read before it, or its former value if
-/// nothing was. Text that is nested too deeply is an error, too. Does not throw.
+/// nothing was. Text that is nested too deeply is an error, too. Throws nothing but std::bad_alloc.
 bool ParseJson(std::string_view text, Json::Value& root, std::string& error);
 
 /// The member `key` of an object as text, converted from a number or boolean if needed. Empty if `root` is no object,

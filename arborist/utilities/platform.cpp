@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
+#include <new>
 #include <vector>
 
 #include <fcntl.h>
@@ -176,6 +178,55 @@ bool Platform::CopyContent(const std::string& source, const std::string& target)
         StopPoint::Pass();
     }
     return to.Close() && isCopied;
+}
+
+Platform::Folder::Folder(const std::string& path) : Folder(opendir(path.c_str())) {}
+
+Platform::Folder::Folder(DIR* stream) : mStream(stream)
+{
+    if (stream == nullptr && errno == ENOMEM) {
+        throw std::bad_alloc();
+    }
+}
+
+Platform::Folder Platform::Folder::OpenEntry() const
+{
+    const int descriptor = openat(dirfd(mStream), Name(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    DIR* const stream = descriptor < 0 ? nullptr : fdopendir(descriptor);
+    if (descriptor >= 0 && stream == nullptr) {
+        close(descriptor);
+        errno = ENOMEM;
+    }
+    return Folder(stream);
+}
+
+Platform::Folder::~Folder()
+{
+    if (IsOpen()) {
+        closedir(mStream);
+    }
+}
+
+bool Platform::Folder::Next()
+{
+    do {
+        mEntry = readdir(mStream);
+    } while (mEntry != nullptr && (std::strcmp(Name(), ".") == 0 || std::strcmp(Name(), "..") == 0));
+    return mEntry != nullptr;
+}
+
+const char* Platform::Folder::Name() const
+{
+    return mEntry->d_name;
+}
+
+bool Platform::Folder::IsFolder() const
+{
+    if (mEntry->d_type != DT_UNKNOWN) {
+        return mEntry->d_type == DT_DIR;
+    }
+    struct stat status;
+    return fstatat(dirfd(mStream), Name(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode);
 }
 
 Platform::FileIdentity::FileIdentity(const std::string& path)

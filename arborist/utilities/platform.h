@@ -6,6 +6,9 @@
 #include <cstdint>
 #include <cstdio>
 #include <string>
+#include <utility>
+
+#include <dirent.h>
 
 /// Direct calls of the operating system. No file that is opened here is inherited by a program that the host starts.
 namespace Platform {
@@ -24,6 +27,35 @@ std::FILE* OpenForReading(const std::string& path);
 /// Copies the content and the permissions of a plain file, and replaces an existing target; false on failure, also where
 /// both are the same file. If the detection is to end, it ends here and leaves no target; see StopPoint::Pass.
 bool CopyContent(const std::string& source, const std::string& target);
+
+/// The entries of a folder, in the order of the system. Throws std::bad_alloc if memory runs out, where the
+/// standard library would end the process.
+class Folder {
+public:
+    /// Follows a link at the end of the path.
+    explicit Folder(const std::string& path);
+    ~Folder();
+    Folder(Folder&& other) noexcept : mStream(std::exchange(other.mStream, nullptr)), mEntry(other.mEntry) {}
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+
+    /// If not, errno has the reason.
+    bool IsOpen() const { return mStream != nullptr; }
+    /// Opens the current entry, which must be a folder.
+    Folder OpenEntry() const;
+    /// Moves to the next entry other than "." and "..". False at the end and on an error.
+    bool Next();
+    /// The name of the current entry, until the next call.
+    const char* Name() const;
+    /// True if the current entry is a folder, and not a link to one.
+    bool IsFolder() const;
+
+private:
+    explicit Folder(DIR* stream);
+
+    DIR* mStream;
+    dirent* mEntry = nullptr;
+};
 
 /// Identity and state of the file at a path: two equal values mean the same file, not changed in between.
 class FileIdentity {

@@ -30,11 +30,6 @@ constexpr std::size_t MAX_ADDED_NAME_LENGTH = 0xFFFF; // the format has no room 
 constexpr std::uint16_t DIRECTORY_MODE = 0700;
 constexpr int WITH_PARENT = 1;
 
-struct ArchiveCloser {
-    void operator()(void* archive) const { unzClose(archive); }
-};
-using Archive = std::unique_ptr<void, ArchiveCloser>;
-
 struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
@@ -69,12 +64,48 @@ zlib_filefunc64_def FileFunctions()
     return functions;
 }
 
-Archive OpenArchive(const std::string& path)
-{
-    zlib_filefunc64_def functions = FileFunctions();
-    functions.zread_file = ReadAhead;
-    return Archive(unzOpen2_64(path.c_str(), &functions));
-}
+// An archive that is open for reading.
+class Archive {
+public:
+    explicit Archive(const std::string& path)
+    {
+        zlib_filefunc64_def functions = FileFunctions();
+        functions.zopen64_file = Open;
+        functions.zread_file = ReadAhead;
+        functions.zclose_file = Close;
+        functions.opaque = this;
+        mHandle = unzOpen2_64(path.c_str(), &functions);
+    }
+    ~Archive()
+    {
+        if (mHandle != nullptr) {
+            unzClose(mHandle);
+        } else if (mFile != nullptr) { // the library leaves it open where it has no memory for itself
+            std::fclose(mFile);
+        }
+    }
+    Archive(const Archive&) = delete;
+    Archive& operator=(const Archive&) = delete;
+
+    // The library's; null if the file is no archive.
+    unzFile Get() const { return mHandle; }
+
+private:
+    static void* Open(void* self, const void* path, int mode)
+    {
+        auto& file = static_cast<Archive*>(self)->mFile;
+        file = static_cast<std::FILE*>(OpenByLibrary(nullptr, path, mode));
+        return file;
+    }
+    static int Close(void* self, void* stream)
+    {
+        static_cast<Archive*>(self)->mFile = nullptr;
+        return std::fclose(static_cast<std::FILE*>(stream));
+    }
+
+    std::FILE* mFile = nullptr;
+    unzFile mHandle = nullptr;
+};
 
 // The end record of an archive, which has its number of entries; empty if the file has none or only a part of it.
 std::string EndRecord(const std::string& path)
@@ -162,7 +193,7 @@ std::string UnfinishedPath(const std::string& target)
 // A file that is removed at the end unless it was moved to its place.
 class UnfinishedFile {
 public:
-    explicit UnfinishedFile(std::string path) : mPath(std::move(path)) {}
+    explicit UnfinishedFile(const std::string& path) : mPath(path) {}
     ~UnfinishedFile()
     {
         std::error_code ignored;
@@ -173,7 +204,7 @@ public:
     UnfinishedFile(const UnfinishedFile&) = delete;
     UnfinishedFile& operator=(const UnfinishedFile&) = delete;
 
-    const std::string& GetPath() const { return mPath; }
+    const std::string& GetPath() const { return mPath.native(); }
     bool MoveTo(const std::string& place)
     {
         std::error_code error;
@@ -182,7 +213,7 @@ public:
     }
 
 private:
-    std::string mPath;
+    std::filesystem::path mPath; // not made of a text at the end: that allocates, and may throw
     bool mIsInPlace = false;
 };
 
@@ -280,20 +311,20 @@ bool ZipUtil::UnZipFile(const std::string& archive, const std::string& target)
     if (TellsOfNothing(endRecord) && FileUtil::GetFileSize(archive) == END_RECORD_LENGTH) {
         return true;
     }
-    const Archive opened = OpenArchive(archive);
-    if (opened == nullptr) {
+    const Archive opened(archive);
+    if (opened.Get() == nullptr) {
         return false;
     }
     unz_global_info64 content{};
-    if (unzGetGlobalInfo64(opened.get(), &content) != UNZ_OK) {
+    if (unzGetGlobalInfo64(opened.Get(), &content) != UNZ_OK) {
         return false;
     }
     std::uint64_t unread = FileUtil::GetFileSize(archive);
     for (std::uint64_t entry = 0; entry < content.number_entry; ++entry) {
-        if (entry != 0 && unzGoToNextFile(opened.get()) != UNZ_OK) {
+        if (entry != 0 && unzGoToNextFile(opened.Get()) != UNZ_OK) {
             return false;
         }
-        if (!ExtractEntry(opened.get(), target, unread)) {
+        if (!ExtractEntry(opened.Get(), target, unread)) {
             return false;
         }
     }

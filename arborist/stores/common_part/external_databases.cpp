@@ -1,7 +1,9 @@
 #include "arborist/stores/common_part/external_databases.h"
 
+#include <exception>
 #include <filesystem>
 #include <map>
+#include <new>
 #include <system_error>
 
 #include "arborist/frame/fault_tree_prop_global.h"
@@ -64,15 +66,20 @@ bool HoldsTwoDots(const std::string& path)
     return path.find("..") != std::string::npos;
 }
 
-// Removes a folder with its content if a stop ends the work in it: what is left there would pass for files of the next
-// archive.
+// Removes a folder with its content if an exception ends the work in it, a stop or a lack of memory: what is left there
+// would pass for files of the next archive.
 class WorkDirectory {
 public:
     explicit WorkDirectory(std::string path) : mPath(std::move(path)) { FileUtil::ForceCreateDirectory(mPath); }
     ~WorkDirectory()
     {
-        if (StopPoint::HasStopped()) {
+        if (std::uncaught_exceptions() == mExceptions) {
+            return;
+        }
+        try {
             FileUtil::ForceRemoveDirectory(mPath, true);
+        } catch (const std::bad_alloc&) {
+            // The next archive finds whole files only: each is moved to its place once it is complete.
         }
     }
     WorkDirectory(const WorkDirectory&) = delete;
@@ -82,6 +89,7 @@ public:
 
 private:
     std::string mPath;
+    int mExceptions = std::uncaught_exceptions();
 };
 
 // `missing` receives why there are none.

@@ -5,15 +5,15 @@
 
 using FT::sql::SqlCursor;
 
-ReadTransaction::ReadTransaction(const FT::sql::Sqlite3Db& database) : mDb(database)
+ReadTransaction::ReadTransaction(const FT::sql::Sqlite3Db& database) : mCommit(database, "COMMIT")
 {
-    SqlCursor(mDb, "BEGIN").Step();
+    SqlCursor(database, "BEGIN").Step();
 }
 
 ReadTransaction::~ReadTransaction()
 {
     const StopScope unstoppable(nullptr);
-    SqlCursor(mDb, "COMMIT").Step();
+    mCommit.Step();
 }
 
 std::int64_t ReadDataVersion(const FT::sql::Sqlite3Db& database)

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "arborist/stores/sql/sql_cursor.h"
 #include "arborist/stores/sql/sql_database.h"
 
 /// As long as it exists, all statements see the same state of the log. For reading only: nothing is committed at its
@@ -16,7 +17,7 @@ public:
     ReadTransaction& operator=(const ReadTransaction&) = delete;
 
 private:
-    const FT::sql::Sqlite3Db& mDb;
+    FT::sql::SqlCursor mCommit; // prepared first: the end must not fail for lack of memory and leave the log locked
 };
 
 /// A number that changes whenever another connection changes the file. Inside a transaction it belongs to the state

@@ -1,5 +1,7 @@
 #include "arborist/stores/sql/sql_cursor.h"
 
+#include <new>
+
 #include <sqlite3.h>
 
 #include "arborist/frame/stopping.h"
@@ -95,6 +97,9 @@ double SqlCursor::GetReal(int column) const
 std::string_view SqlCursor::GetText(int column) const
 {
     const auto* const text = reinterpret_cast<const char*>(sqlite3_column_text(mStatement, column));
+    if (text == nullptr && sqlite3_errcode(mDb.connection) == SQLITE_NOMEM) {
+        throw std::bad_alloc(); // no later step would tell, and the text would pass for an empty one
+    }
     return text == nullptr ? std::string_view() : std::string_view(text);
 }
 

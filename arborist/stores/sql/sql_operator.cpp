@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -62,15 +63,17 @@ bool SqlOperator::Run(const std::string& sql, RowCallback callback)
     char* errorText = nullptr;
     db.StartText();
     resultCode = sqlite3_exec(db.connection, sql.c_str(), callback, callback == nullptr ? nullptr : this, &errorText);
+    const std::unique_ptr<char, void (*)(void*)> owned(errorText, sqlite3_free);
     if (IsOk()) {
         return true;
     }
-    if (errorText == nullptr) {
+    if (errorText == nullptr) { // there was no memory for the words either
         Log::GetInstance().Output(LEVEL_ERROR, Way::NO_WORDS, Way::FUNCTION);
+        errorMessage = sqlite3_errstr(resultCode);
+        StatementTrouble::Tell(errorMessage, db.path);
         return false;
     }
     errorMessage = errorText;
-    sqlite3_free(errorText);
     StopPoint::Pass(); // the failure may be the stop's, and then belongs into no log
     if (!errorMessage.empty()) {
         Log::GetInstance().Output(LEVEL_ERROR, Way::FAILED, Way::FUNCTION, errorMessage.c_str());
