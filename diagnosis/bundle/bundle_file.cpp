@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 
 #include <json/value.h>
 #include <json/writer.h>
@@ -12,6 +10,7 @@
 #include "arborist/frame/settings.h"
 #include "diagnosis/bundle/moment.h"
 #include "diagnosis/bundle/rule_paths.h"
+#include "diagnosis/text/file_text.h"
 #include "diagnosis/text/json_text.h"
 #include "diagnosis/text/near_match.h"
 
@@ -312,12 +311,8 @@ std::optional<Failure> ReadBundleFile(const BundlePath& path, Bundle& bundle, st
     if (fs::file_size(file, error) > LARGEST_FILE) {
         return Failure{"too_large", name + ": larger than 16 MiB", ExitStatus::INTERNAL};
     }
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream) {
-        return Failure{"no_bundle_json", name + ": can't be read"};
-    }
-    const std::string text{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-    return ReadBundleText(name, text, bundle, warnings);
+    const auto text = FileText(file.string());
+    return text ? ReadBundleText(name, *text, bundle, warnings) : Failure{"no_bundle_json", name + ": can't be read"};
 }
 
 } // namespace diagnosis

@@ -3,13 +3,12 @@
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <set>
 
 #include "diagnosis/cases/case_expectations.h"
 #include "diagnosis/cases/case_input.h"
 #include "diagnosis/cases/case_json.h"
+#include "diagnosis/text/file_text.h"
 #include "diagnosis/text/json_text.h"
 
 namespace diagnosis::cases {
@@ -21,7 +20,7 @@ namespace {
 // As for bundle.json.
 constexpr std::uintmax_t LARGEST_FILE = 16U << 20U;
 
-// Each case is kept with all that it shares, so that a small file could describe more than memory holds.
+// Each case is kept with all that it shares, so that a small file could describe more than fits into memory.
 constexpr std::size_t MOST_SHARED = 1'000'000;
 constexpr std::size_t MOST_EVENTS_OF_A_FILE = 1'000'000;
 
@@ -144,11 +143,8 @@ CaseFile ReadCaseFile(const std::string& path)
     if (fs::file_size(path, error) > LARGEST_FILE) {
         return {{}, {{"too_large", path + ": larger than 16 MiB", ExitStatus::INTERNAL}}};
     }
-    std::ifstream stream(path, std::ios::binary);
-    if (!stream) {
-        return {{}, {{"no_case_file", path + ": can't be read"}}};
-    }
-    return ReadCaseText(path, {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()});
+    const auto text = FileText(path);
+    return text ? ReadCaseText(path, *text) : CaseFile{{}, {{"no_case_file", path + ": can't be read"}}};
 }
 
 } // namespace diagnosis::cases

@@ -1,9 +1,8 @@
 #include "diagnosis/evidence/rule_set_memory.h"
 
-#include <fstream>
 #include <functional>
-#include <iterator>
-#include <string_view>
+
+#include "diagnosis/text/file_text.h"
 
 namespace diagnosis {
 
@@ -11,10 +10,10 @@ namespace {
 
 using rule_source::RuleSetPaths;
 
-std::string TextOf(const std::string& path)
+// A file that can't be read is like an empty one.
+std::size_t DigestOf(const std::string& path)
 {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    return std::hash<std::string>()(FileText(path).value_or(""));
 }
 
 } // namespace
@@ -26,8 +25,7 @@ std::shared_ptr<const RuleSetWarnings> CheckRuleSet(const RuleSetPaths& paths, c
 
 std::shared_ptr<const RuleSetWarnings> RuleSetMemory::Check(const RuleSetPaths& paths, const std::string& tag)
 {
-    const auto digest = [](const std::string& path) { return std::hash<std::string>()(TextOf(path)); };
-    const Key key(paths.treeFile, paths.ruleFile, tag, digest(paths.treeFile), digest(paths.ruleFile));
+    const Key key(paths.treeFile, paths.ruleFile, tag, DigestOf(paths.treeFile), DigestOf(paths.ruleFile));
     if (const auto known = mKnown.find(key); known != mKnown.end()) {
         return known->second;
     }

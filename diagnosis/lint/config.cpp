@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "diagnosis/lint/registry.h"
+#include "diagnosis/text/file_text.h"
 #include "diagnosis/text/json_text.h"
 #include "diagnosis/text/near_match.h"
 
@@ -82,29 +81,26 @@ std::string Judge(const Config& config)
 
 std::optional<Config> ReadConfig(const std::string& path, std::string& problem)
 {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    if (!file || !(text << file.rdbuf())) {
-        problem = path + ": it can't be read";
+    const auto json = ReadJsonFile(path, problem);
+    if (!json) {
         return std::nullopt;
     }
     Config config;
-    const auto json = ParseJson(text.str(), problem);
-    if (json) {
-        problem = TakeAll(*json, {{"tags", &config.tags, nullptr}, {"prefix", nullptr, &config.prefix},
-            {"disable", &config.disable, nullptr}, {"only", &config.only, nullptr},
-            {"failLevel", nullptr, &config.failLevel}, {"baseline", nullptr, &config.baseline},
-            {"devices", &config.devices, nullptr}});
-        problem = problem.empty() ? Judge(config) : problem;
-    }
+    problem = TakeAll(*json, {{"tags", &config.tags, nullptr}, {"prefix", nullptr, &config.prefix},
+        {"disable", &config.disable, nullptr}, {"only", &config.only, nullptr},
+        {"failLevel", nullptr, &config.failLevel}, {"baseline", nullptr, &config.baseline},
+        {"devices", &config.devices, nullptr}, {"tests", &config.tests, nullptr}});
+    problem = problem.empty() ? Judge(config) : problem;
     if (!problem.empty()) {
         problem = path + ": " + problem;
         return std::nullopt;
     }
     const std::filesystem::path folder = std::filesystem::path(path).parent_path();
     config.baseline = config.baseline.empty() ? "" : (folder / config.baseline).string();
-    for (std::string& device : config.devices) {
-        device = (folder / device).string();
+    for (auto* files : {&config.devices, &config.tests}) {
+        for (std::string& file : *files) {
+            file = (folder / file).string();
+        }
     }
     return config;
 }

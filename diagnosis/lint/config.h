@@ -19,6 +19,8 @@ struct Config {
     /// Files, relative to the folder of the configuration; empty for none.
     std::string baseline;
     std::vector<std::string> devices;
+    /// Cases that guard fixes.
+    std::vector<std::string> tests;
 };
 
 /// Nothing, with the reason in `problem`, if the file can't be read, or for unknown keys, ids and words.

@@ -1,9 +1,6 @@
 #include "diagnosis/lint/device_profiles.h"
 
-#include <fstream>
-#include <sstream>
-
-#include "diagnosis/text/json_text.h"
+#include "diagnosis/text/file_text.h"
 
 namespace diagnosis::lint {
 
@@ -55,15 +52,8 @@ std::optional<DeviceProfile> ReadProfile(const Json::Value& object)
 
 std::optional<std::vector<DeviceProfile>> ReadDeviceProfiles(const std::string& path, std::string& problem)
 {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    if (!file || !(text << file.rdbuf())) {
-        problem = path + ": it can't be read";
-        return std::nullopt;
-    }
-    const auto json = ParseJson(text.str(), problem);
+    const auto json = ReadJsonFile(path, problem);
     if (!json) {
-        problem = path + ": " + problem;
         return std::nullopt;
     }
     Json::Value list = *json;

@@ -1,13 +1,13 @@
 #include "diagnosis/rule_source/source_file.h"
 
 #include <filesystem>
-#include <fstream>
 #include <system_error>
 #include <utility>
 
 #include <tinyxml2.h>
 
 #include "arborist/frame/rule_set_summary.h"
+#include "diagnosis/text/file_text.h"
 
 namespace diagnosis::rule_source {
 
@@ -30,19 +30,6 @@ std::string ReasonOf(const tinyxml2::XMLDocument& document)
     return name;
 }
 
-bool IsReadable(const std::string& path, std::string& text)
-{
-    std::ifstream file(path, std::ios::binary);
-    if (!file) {
-        return false;
-    }
-    std::error_code error;
-    text.resize(std::filesystem::file_size(path, error));
-    file.read(text.data(), static_cast<std::streamsize>(text.size()));
-    text.resize(static_cast<std::size_t>(file.gcount()));
-    return !error && !file.bad();
-}
-
 } // namespace
 
 SourceFile::SourceFile(std::string path)
@@ -61,11 +48,13 @@ std::unique_ptr<SourceFile> SourceFile::Read(const std::string& path)
         file->mProblem = "there is no such file";
         return file;
     }
-    if (!std::filesystem::is_regular_file(status) || !IsReadable(path, file->mText)) {
+    auto text = std::filesystem::is_regular_file(status) ? FileText(path) : std::nullopt;
+    if (!text) {
         file->mState = State::UNREADABLE;
         file->mProblem = std::filesystem::is_directory(status) ? "it is a folder" : "it can't be read";
         return file;
     }
+    file->mText = std::move(*text);
     file->Parse();
     return file;
 }
