@@ -30,7 +30,7 @@ ExitStatus Pack(BundleOptions options)
     }
     options.capture.codeRunner = MakeCodeRunner(options.codeRunner);
     const auto report = CaptureBundle(MakeBundlePath(options.bundle), options.target, options.capture);
-    PrintProblems(options.bundle, report.warnings, report.failure ? &*report.failure : nullptr);
+    PrintProblems(options.bundle, report.warnings, report.failure);
     if (report.failure) {
         return report.failure->status;
     }
@@ -53,7 +53,7 @@ ExitStatus Info(const BundleOptions& options)
     if (options.asJson) {
         PrintResult(BundleJson(contents) + "\n");
     } else {
-        PrintProblems(options.bundle, contents.warnings, contents.failure ? &*contents.failure : nullptr);
+        PrintProblems(options.bundle, contents.warnings, contents.failure);
         PrintResult(BundleText(contents));
     }
     return contents.failure ? contents.failure->status : ExitStatus::SUCCESS;

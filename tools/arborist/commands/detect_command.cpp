@@ -48,7 +48,7 @@ void Print(const DetectionReport& report, const DetectOptions& options)
         PrintResult(DetectionJson(report) + "\n");
         return;
     }
-    PrintProblems(report.bundle, report.warnings, report.failure ? &*report.failure : nullptr);
+    PrintProblems(report.bundle, report.warnings, report.failure);
     PrintResult(DetectionText(report));
     if (options.run.detection.withExplanation) {
         PrintResult(ExplanationText(report, {}, AreResultsColoured()));

@@ -42,7 +42,7 @@ ExitStatus Explain(const ExplainOptions& options)
         if (options.asJson) {
             PrintResult(ExplanationJson(report, options.view) + "\n");
         } else {
-            PrintProblems(report.bundle, report.warnings, report.failure ? &*report.failure : nullptr);
+            PrintProblems(report.bundle, report.warnings, report.failure);
             PrintResult(ExplanationText(report, options.view, AreResultsColoured()));
         }
         status = MoreSerious(status, StatusOf(report, options.run));

@@ -24,7 +24,7 @@ struct GraphOptions {
 
 ExitStatus Fail(const std::string& about, const Failure& failure)
 {
-    PrintProblems(about, {}, &failure);
+    PrintProblems(about, {}, failure);
     return failure.status;
 }
 
@@ -76,7 +76,7 @@ ExitStatus Graph(const GraphOptions& options)
     const BundlePath target = MakeBundlePath(options.drawing.file);
     const DetectionReport report =
         isBundle ? RunForDrawing(path, options.drawing) : ReadBareRules(path, options.treeTag);
-    PrintProblems(path.given, report.warnings, report.failure ? &*report.failure : nullptr);
+    PrintProblems(path.given, report.warnings, report.failure);
     if (report.failure) {
         return report.failure->status;
     }

@@ -28,7 +28,7 @@ ExitStatus Query(const QueryOptions& options)
     if (options.asJson) {
         PrintResult(QueryJson(report) + "\n");
     } else {
-        PrintProblems(report.bundle, report.warnings, report.failure ? &*report.failure : nullptr);
+        PrintProblems(report.bundle, report.warnings, report.failure);
         PrintResult(QueryText(report));
     }
     return report.failure ? report.failure->status : ExitStatus::SUCCESS;

@@ -31,7 +31,7 @@ std::string RecordsText(const std::vector<RepairRecord>& records)
 ExitStatus Print(const RepairReport& report, bool asJson)
 {
     PrintResult(asJson ? RepairLines(report.records) : RecordsText(report.records));
-    PrintProblems(report.bundle, report.warnings, report.failure ? &*report.failure : nullptr);
+    PrintProblems(report.bundle, report.warnings, report.failure);
     return report.failure ? report.failure->status : ExitStatus::SUCCESS;
 }
 

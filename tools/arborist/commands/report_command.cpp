@@ -18,7 +18,7 @@ ExitStatus Report(DrawingOptions options)
     const BundlePath target = MakeBundlePath(options.file);
     options.run.detection.withExplanation = true;
     const DetectionReport report = RunForDrawing(path, options);
-    PrintProblems(path.given, report.warnings, report.failure ? &*report.failure : nullptr);
+    PrintProblems(path.given, report.warnings, report.failure);
     // A bundle that can't be diagnosed gets a page, too, which says why.
     const ExitStatus written = WriteTextFile(target, ReportPage(report));
     return MoreSerious(written, StatusOf(report, options.run));

@@ -48,14 +48,14 @@ void PrintError(const std::string& message)
     PrintMessage(Printable(message));
 }
 
-void PrintProblems(const std::string& about, const std::vector<Warning>& warnings, const Failure* failure)
+void PrintProblems(const std::string& about, const std::vector<Warning>& warnings, const std::optional<Failure>& failure)
 {
     const Colour colour(AreMessagesColoured());
     for (const Warning& warning : warnings) {
         const std::string id = warning.id.empty() ? "" : " [" + warning.id + "]";
         PrintMessage(Printable(about) + ": " + colour.Yellow("warning:") + " " + Printable(PlacedMessage(warning)) + id);
     }
-    if (failure != nullptr) {
+    if (failure) {
         PrintMessage(Printable(About(about, failure->message)) + " " + colour.Red("[" + failure->code + "]"));
     }
 }

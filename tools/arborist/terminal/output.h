@@ -1,6 +1,7 @@
 #ifndef ARBORIST_TOOLS_TERMINAL_OUTPUT_H
 #define ARBORIST_TOOLS_TERMINAL_OUTPUT_H
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,7 +21,7 @@ void PrintResult(const std::string& text);
 void PrintError(const std::string& message);
 
 /// Prints warnings and failure on standard error, as text results don't contain them; each with its bundle or file.
-void PrintProblems(const std::string& about, const std::vector<Warning>& warnings, const Failure* failure);
+void PrintProblems(const std::string& about, const std::vector<Warning>& warnings, const std::optional<Failure>& failure);
 
 /// Returns the final exit status: INTERNAL, with a message, if results or the library's log could not be written.
 ExitStatus FinishOutput(ExitStatus status);
