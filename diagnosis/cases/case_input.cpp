@@ -296,7 +296,7 @@ private:
         });
     }
 
-    // Calls `read` for each member of an object. null stands for a member that is not there: a case takes away with it
+    // Calls `read` for each member of an object. null means that the member is absent: a case takes away with it
     // what its file gives to all.
     template <typename Read>
     void ForEachMember(const char* key, Read read)

@@ -75,7 +75,7 @@ std::optional<Failure> CaseRunner::Describe(const TestCase& testCase, Bundle& de
         }
         description.treeTag = tags.empty() ? "-" : tags.front();
     }
-    // The detection tells that a rule set without the tag can't be used.
+    // The detection reports a rule set without the tag as unusable.
     const bool hasTag = std::find(tags.begin(), tags.end(), description.treeTag) != tags.end();
     mRuleSet = {description.ruleFileDir, description.ruleFilePrefix, description.treeTag};
     return testCase.answers.empty() || !hasTag ? std::nullopt : Answer(testCase, description);

@@ -45,7 +45,7 @@ public:
 
     void Add(const TreeReports& trees)
     {
-        // Trees stand in the order of the file; a rule set that changed in between is not looked at.
+        // Trees are in the order of the file; a rule set that has changed since is skipped.
         for (std::size_t tree = 0; tree < std::min(trees.size(), mItems.leaves.size()); ++tree) {
             AddLeaves(trees[tree].tree, mItems.leaves[tree]);
             for (const Evidence::Event& event : trees[tree].tree.evidence) {

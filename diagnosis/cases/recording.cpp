@@ -34,7 +34,7 @@ Failure Refused(const std::string& reason)
     return {"not_recorded", reason};
 }
 
-// A case is JSON: what it holds must be valid UTF-8 without NUL characters.
+// A case is JSON: its texts must be valid UTF-8 without NUL characters.
 bool IsPlainText(std::string_view text)
 {
     while (!text.empty()) {
@@ -288,7 +288,7 @@ private:
     std::size_t mRows = 0;
 };
 
-// A device whose case answers otherwise has something that a case can't hold, a damaged log for instance.
+// A device whose case answers otherwise has something that a case can't describe, such as a damaged log.
 Problem ProblemOfReplay(CaseRunner& runner, const std::string& target, const std::string& text)
 {
     const CaseFile file = ReadCaseText(target, text);

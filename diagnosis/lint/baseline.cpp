@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char HEADING[] = "# Findings that arborist lint does not tell again: check, file, element, number.\n";
+constexpr char HEADING[] = "# Known findings, which arborist lint does not report: check, file, element, number.\n";
 
 // The line of a finding without the number: control characters, tabs among them, are written as "\xNN".
 std::string KeyOf(const Finding& finding, const std::string& baselinePath)

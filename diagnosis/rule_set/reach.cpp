@@ -80,7 +80,7 @@ private:
         ReachedCause cause{std::string(leaf.id), PlaceOf(leaf.element), false, {}};
         cause.isReachable = mIsReachable[event];
         if (!cause.isReachable) {
-            // With several scenes the first one tells.
+            // Of several scenes, the first one's obstacles are shown.
             for (const std::size_t blocker : mFirstScene->BlockersOf(event)) {
                 AddObstacles(blocker, cause.obstacles);
             }

@@ -39,7 +39,7 @@ struct ReachedTree {
 };
 
 /// Which root causes of one tag the filters let a device of this profile report in one of its scenes. Values that the
-/// profile doesn't tell may be any. Looks at no data: what can be true may still need rows that a device never logs.
+/// profile lacks may be any. Looks at no data: what can be true may still need rows that a device never logs.
 std::vector<ReachedTree> ReachOf(const rule_source::RuleSet& rules, const lint::DeviceProfile& device);
 
 } // namespace diagnosis::rule_set

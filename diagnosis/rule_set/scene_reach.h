@@ -10,7 +10,7 @@
 
 namespace diagnosis::rule_set {
 
-/// Which events a device can find true in one scene if its data lets every rule hold that its filters let run.
+/// Which events a device can find true in one scene if every rule that its filters let run fires.
 class SceneReach {
 public:
     /// `device` has one scene. The rule set must outlive the object.

@@ -33,7 +33,7 @@ private:
     std::vector<std::pair<const rule_source::ElementWords*, std::string>> mInOrder;
 };
 
-/// True for elements that hold text alone.
+/// True for elements whose only content is text.
 bool IsText(const rule_source::ElementWords& words);
 
 } // namespace diagnosis::rule_set

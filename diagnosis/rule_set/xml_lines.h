@@ -5,7 +5,7 @@
 
 namespace diagnosis::rule_set {
 
-/// An element in lines of its own. `start` is what its start tag holds, escaped: `attribute name="id"`. `content` is
+/// An element in lines of its own. `start` is the content of its start tag, escaped: `attribute name="id"`. `content` is
 /// empty, or lines that end in line ends; they are indented.
 std::string XmlLines(const std::string& start, const std::string& content = "");
 

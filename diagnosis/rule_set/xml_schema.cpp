@@ -139,7 +139,7 @@ private:
         return text;
     }
 
-    // Only where each child occurs once can its number be told without an order.
+    // Children without an order can only be counted if each occurs at most once.
     std::string ChildrenOf(const ElementWords& words)
     {
         const bool isAll = words.others == nullptr

@@ -25,7 +25,7 @@ struct RuleName {
 struct BindingAlternative {
     enum class Kind {
         SINGLE, ///< "singleRule"
-        GROUP, ///< "multipleRule": all of its rules must hold
+        GROUP, ///< "multipleRule": all of its rules must be true
         UNKNOWN, ///< any other type: the engine keeps it, and it is never true
         DROPPED, ///< without a type
     };

@@ -34,7 +34,7 @@ Test ReadTest(Element element);
 struct ConditionAlternative {
     enum class Kind {
         SINGLE, ///< one test
-        MULTIPLE, ///< tests that must all hold
+        MULTIPLE, ///< tests that must all be true
         EMPTY, ///< a "single_logic" whose first child is no test: kept without a test, and of no kind that checkers know
     };
 

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view BLANKS = " \t\r\n";
 constexpr std::size_t NONE = std::string_view::npos;
-// A caret in a longer line helps nobody, and a file may be a single line with many findings.
+// A caret in a longer line doesn't help, and a file may be a single line with many findings.
 constexpr std::size_t LONGEST_LINE = 4096;
 
 bool IsBlank(char character)

@@ -53,7 +53,7 @@ private:
 
     /// Events that have rows.
     std::map<std::int64_t, std::uint64_t> mRows;
-    /// For each of them what those below it hold.
+    /// For each event, the sums of the events below it.
     mutable std::map<std::int64_t, Held> mSums;
     mutable Held mAll;
 };

@@ -149,7 +149,7 @@ std::string FaultOf(const Pieces& pieces)
         const bool isStart = piece.IsOperand() || piece.sign == '(';
         const std::string text = piece.IsOperand() ? std::string(piece.operand) : std::string(1, piece.sign);
         if (isStart != wantsOperand) {
-            return std::string(wantsOperand ? "no number or name" : "no operator") + " stands before \"" + text + "\"";
+            return std::string(wantsOperand ? "there is no number or name" : "there is no operator") + " before \"" + text + "\"";
         }
         if (piece.sign == ')' && open == 0) {
             return "a \")\" has no \"(\"";
@@ -158,7 +158,7 @@ std::string FaultOf(const Pieces& pieces)
         open -= piece.sign == ')' ? 1U : 0U;
         wantsOperand = piece.sign == '(' || piece.IsOperator();
     }
-    return wantsOperand ? "no number or name stands at its end" : open > 0 ? "a \"(\" has no \")\"" : "";
+    return wantsOperand ? "there is no number or name at its end" : open > 0 ? "a \"(\" has no \")\"" : "";
 }
 
 std::string WithParentheses(const Pieces& pieces)

@@ -21,7 +21,7 @@ struct FormulaPiece {
 /// Divides a formula like the engine: each sign is a piece, and blanks don't separate operands.
 std::vector<FormulaPiece> ReadFormula(std::string_view formula);
 
-/// The problem with the form of a formula, "no operator stands before ..."; empty if each operator has two operands
+/// The problem with the form of a formula, "there is no operator before ..."; empty if each operator has two operands
 /// and all parentheses are paired.
 std::string FaultOf(const std::vector<FormulaPiece>& pieces);
 

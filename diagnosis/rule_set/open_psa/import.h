@@ -13,7 +13,7 @@ struct ImportedTrees {
     /// The text of FaultTrees.xml.
     std::string text;
     std::size_t trees = 0;
-    /// How many definitions had probabilities, which a tree file can't hold.
+    /// How many definitions had probabilities, which a tree file can't have.
     std::size_t withProbabilities = 0;
 };
 

@@ -202,7 +202,7 @@ private:
         }
     }
 
-    // An "event" is told apart when all names are known.
+    // Whether an "event" is a gate is decided once all names are known.
     Formula ReadReference(Element element)
     {
         const std::string_view word = element.Name() == "event" ? element.Value("type") : element.Name();

@@ -16,7 +16,7 @@ struct Formula {
     enum class Kind { AND, OR, AT_LEAST, GATE, BASIC_EVENT };
 
     Kind kind = Kind::OR;
-    /// Of AT_LEAST: how many arguments must hold, from 1 to their number.
+    /// Of AT_LEAST: how many arguments must be true, from 1 to their number.
     std::size_t least = 0;
     /// Of GATE and BASIC_EVENT.
     std::string name = {};
@@ -53,9 +53,9 @@ struct Model {
     std::vector<GateDefinition> gates;
     std::map<std::string, std::size_t> gatesByName;
     std::map<std::string, BasicEventDefinition> basicEvents;
-    /// All gates, as indices into gates, in an order in which each stands behind its arguments.
+    /// All gates, as indices into gates, ordered so that each comes after its arguments.
     std::vector<std::size_t> argumentsFirst;
-    /// How many definitions have something that a tree file can't hold: probabilities and parameters.
+    /// How many definitions have something that a tree file can't have: probabilities and parameters.
     std::size_t withProbabilities = 0;
 };
 

@@ -19,7 +19,7 @@ void Resolve(const Model& model, Formula& reference, std::optional<Failure>& fai
     }
 }
 
-/// Puts gates in an order in which each stands behind its arguments. Goes without recursion: a file may have a chain of
+/// Orders gates so that each comes after its arguments. Goes without recursion: a file may have a chain of
 /// any number of gates.
 class GateOrder {
 public:

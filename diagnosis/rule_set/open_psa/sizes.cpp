@@ -39,7 +39,7 @@ public:
         for (const std::size_t gate : mModel.argumentsFirst) {
             const Formula& formula = mModel.gates[gate].formula;
             const bool isReference = formula.kind == Formula::Kind::GATE || formula.kind == Formula::Kind::BASIC_EVENT;
-            // The event of a gate stands above a single reference, and is that of any other formula.
+            // A gate adds an event above a single reference; any other formula becomes the event itself.
             const Size size = SizeOf(formula);
             mSizes[gate] = isReference ? Size{Sum(size.events, 1), size.levels + 1} : size;
         }

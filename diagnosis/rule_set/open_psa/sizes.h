@@ -15,7 +15,7 @@ inline constexpr std::size_t MOST_LEVELS = 47;
 
 /// What a gate, or a part of its formula, is when it is written out.
 struct Size {
-    /// MOST_EVENTS + 1 stands for all larger numbers.
+    /// MOST_EVENTS + 1 means that or any larger number.
     std::uint64_t events = 1;
     std::size_t levels = 1;
 };

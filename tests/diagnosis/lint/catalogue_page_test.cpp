@@ -32,7 +32,7 @@ std::string AsMarkdown(std::string text)
 std::string PageOfRegistry()
 {
     std::string page = "# The checks of `arborist lint`\n\n"
-        "`arborist lint --explain ID` shows a bad and a good sample of each. [lint.md](lint.md) tells how to run them.\n\n"
+        "`arborist lint --explain ID` shows a bad and a good sample of each. [lint.md](lint.md) describes how to run them.\n\n"
         "| Id | Severity | Needs | Finds | At run time |\n|---|---|---|---|---|\n";
     for (const Check* check : diagnosis::lint::AllChecks()) {
         page += std::string("| ") + check->id + " | " + SeverityWord(check->severity) + " | " + Needs(*check) + " | **"

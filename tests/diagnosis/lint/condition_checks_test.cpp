@@ -133,7 +133,7 @@ INSTANTIATE_TEST_SUITE_P(Forms, ConditionChecks, testing::Values(
         {"A428: " + TEST_OF_R + "has no \"value\""}},
     ConditionCase{"ParametersOfSharedData", {"A429"}, Command("<param key=\"a\" type=\"int\"/>" + INT + INT, ""),
         {"A429: a parameter has no \"id\"",
-            "A429: the parameter \"1\" stands again, and the one in line 1 counts"}},
+            "A429: the parameter \"1\" is declared again, and the one in line 1 counts"}},
     ConditionCase{"ParameterOfANodeRuleWithoutAKey", {"A429"}, Node("<param id=\"1\" type=\"int\"/>", ""),
         {"A429: a parameter has no \"key\""}}),
     CaseName());

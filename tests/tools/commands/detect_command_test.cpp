@@ -175,7 +175,7 @@ TEST_F(DetectCommandTest, APatternThatIsNoRegularExpressionIsNamedWithItsEntry)
     EXPECT_THAT(result.err, HasSubstr("\narborist: bad: rules/FaultTreeRules.xml: the dbName pattern \"[a<\"\" of the "
         "defDBTable \"BROKEN\" is no regular expression: "));
     EXPECT_THAT(result.err, HasSubstr("arborist: bad: warning: rules/FaultTreeRules.xml:3: the pattern of the databases "
-        "\"BROKEN\" is no regular expression; put a backslash before signs that stand for themselves [A817]\n"));
+        "\"BROKEN\" is no regular expression; put a backslash before a sign that means itself [A817]\n"));
     EXPECT_THAT(result.err, EndsWith(" [bad_pattern]\n"));
     EXPECT_THAT(result.out, AllOf(StartsWith("bad\n  NOT DIAGNOSED\ngood\n"), HasSubstr("FAULT")));
     EXPECT_EQ(result.status, 3);

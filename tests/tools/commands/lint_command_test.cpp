@@ -403,6 +403,17 @@ TEST_F(LintCommand, PutsTheNearKeyInEveryPlaceOfAnUnknownNameOfAFormula)
     EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), node("(full + 2 ) * full"));
 }
 
+TEST_F(LintCommand, RenamesAnAttributeUnlessTheElementHasTheOther)
+{
+    const std::vector<std::string> fix = {"rules", "--fix", "--unsafe-fixes", "--only", "A104"};
+    Write(RuleFile(" detectscene=\"1\""));
+    EXPECT_EQ(Lint(fix).out, "no findings, 1 fixed\n");
+    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), RuleFile(" detectScene=\"1\""));
+    Write(RuleFile(" detectScene=\"1\" detectscene=\"2\""));
+    EXPECT_THAT(Lint(fix).out, HasSubstr("did you mean \"detectScene\"?"));
+    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), RuleFile(" detectScene=\"1\" detectscene=\"2\""));
+}
+
 TEST_F(LintCommand, RenamesAnElementWithItsEndTagAndLeavesEqualWordsInItAlone)
 {
     const auto rules = [](const std::string& word) {
@@ -459,6 +470,8 @@ TEST_F(LintCommand, RefusesFixesWithWhichTestsInAnotherFolderAnswerOtherwise)
     mDir.Write("tests/quiet.test.json", R"({"rules": "../rules", )" + quiet);
     const std::vector<std::string> fix = {"rules", "--fix", "--unsafe-fixes", "--tests", "tests"};
     EXPECT_THAT(Lint(fix).err, HasSubstr("tests/quiet.test.json: quiet\n"));
+    mDir.Write("config/lint.json", R"({"tests": ["../tests"]})");
+    EXPECT_THAT(Lint({"rules", "--fix", "--unsafe-fixes", "--config", "config/lint.json"}).err, HasSubstr("quiet\n"));
     EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), rules);
     // A case of another rule set says nothing about this one.
     fs::copy("rules", "others");

@@ -388,7 +388,7 @@ std::vector<WarningCase> Warnings()
                 test.mDir.Write("b/rules/FaultTrees.xml",
                     TreeXml("Tag").Version("1").Tree("T", Or({Basic("HOT"), Basic("HOT")})).Text());
             },
-            "rules/FaultTrees.xml:3: the event \"HOT\" stands in this tree before", 3},
+            "rules/FaultTrees.xml:3: the event \"HOT\" is already in this tree", 3},
         {"dropped",
             [](auto& test) {
                 WriteHotBundle(test.mDir, "b");

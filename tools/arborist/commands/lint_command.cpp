@@ -76,6 +76,7 @@ bool TakeConfig(LintCommandOptions& options, std::string& problem)
     options.baseline = options.baseline.empty() ? config->baseline : options.baseline;
     AppendTo(options.disable, config->disable);
     AppendTo(options.devices, config->devices);
+    AppendTo(options.tests, config->tests);
     return true;
 }
 
@@ -341,11 +342,11 @@ void AddSelection(Command app, LintCommandOptions& options)
 
 void AddFixes(Command app, LintCommandOptions& options)
 {
-    const Option fix = app.AddFlag("--fix", options.isFixed, "Mend the files where that changes nothing that is read; "
-        "findings that are left are told");
+    const Option fix = app.AddFlag("--fix", options.isFixed, "Fix the files where that does not change what the engine reads; "
+        "the findings that remain are reported");
     app.AddFlag("--diff", options.asDiff, "Show what --fix would change, and change nothing").Excludes(fix);
-    app.AddFlag("--unsafe-fixes", options.withUnsafeFixes, "With --fix or --diff: also what changes what is read, as it "
-        "was most likely meant");
+    app.AddFlag("--unsafe-fixes", options.withUnsafeFixes, "With --fix or --diff: also fixes that change what the engine "
+        "reads to what was most likely meant");
     app.Add("--tests", options.tests, "Cases, and folders of cases, that must answer alike after a fix, in addition to "
         "those below RULES_DIR").Takes("PATH");
 }
@@ -361,11 +362,11 @@ void AddOutput(Command app, LintCommandOptions& options)
     app.Add("--fail-level", options.failLevel, "Exit with 1 from findings of this level on; error unless given")
         .Takes("LEVEL")
         .OneOf({"error", "warning", "info"});
-    const Option baseline = app.Add("--baseline", options.baseline, "Leave out findings that this file holds")
+    const Option baseline = app.Add("--baseline", options.baseline, "Leave out the findings in this file")
         .Takes("FILE");
     app.Add("--write-baseline", options.newBaseline, "Write all findings to this file, and keep the comments that it has")
         .Takes("FILE").Excludes(baseline);
-    app.AddFlag("--no-baseline", options.withoutBaseline, "Tell all, also what the baseline of --config holds");
+    app.AddFlag("--no-baseline", options.withoutBaseline, "Report all findings, including those in the baseline of --config");
 }
 
 } // namespace
@@ -373,15 +374,15 @@ void AddOutput(Command app, LintCommandOptions& options)
 void AddLintCommand(Command app, ExitStatus& status)
 {
     auto options = std::make_shared<LintCommandOptions>();
-    Command lint = app.AddCommand("lint", "Look for mistakes in rule sets that their readers pass over in silence");
+    Command lint = app.AddCommand("lint", "Find mistakes in rule sets that the engine skips silently");
     lint.Add("RULES_DIR", options->folders, "Folders with FaultTrees.xml and FaultTreeRules.xml; - for a file "
         "on standard input");
     AddSelection(lint, *options);
     AddFixes(lint, *options);
     AddOutput(lint, *options);
     lint.AddFlag("--list", options->asList, "List all checks");
-    lint.Add("--explain", options->explained, "Tell what a check finds, what happens at run time, and show a "
-        "bad and a good sample").Takes("ID");
+    lint.Add("--explain", options->explained, "Show what a check finds, what happens at run time, and a bad "
+        "and a good sample").Takes("ID");
     lint.Footer("Examples:\n  arborist lint examples/laptop/rules\n  arborist lint --explain A303\n"
                  "  arborist lint rules --format sarif --fail-level warning > lint.sarif");
     lint.OnCall([options, &status] {

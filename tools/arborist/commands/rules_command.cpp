@@ -199,7 +199,7 @@ void AddStatsCommand(Command rules, ExitStatus& status)
 void AddDiffCommand(Command rules, ExitStatus& status)
 {
     auto options = std::make_shared<RulesOptions>();
-    Command diff = Add(rules, "diff", "Tell where two rule sets differ in what the engine reads", options, Diff, status);
+    Command diff = Add(rules, "diff", "List where two rule sets differ in what the engine reads", options, Diff, status);
     diff.Add("A", options->selection.folder, "Folder of the rule set before").Required();
     diff.Add("B", options->other, "Folder of the rule set after").Required();
     AddTag(diff, *options);
@@ -210,7 +210,7 @@ void AddDiffCommand(Command rules, ExitStatus& status)
 void AddReachCommand(Command rules, ExitStatus& status)
 {
     auto options = std::make_shared<RulesOptions>();
-    Command reach = Add(rules, "reach", "Tell which root causes the filters let a device report", options, Reach, status);
+    Command reach = Add(rules, "reach", "List the root causes that the filters let a device report", options, Reach, status);
     AddFolder(reach, *options);
     reach.Add("--device", options->devices, "Profiles of devices, as for lint, or a bundle.json").Takes("FILE").Required();
     AddTag(reach, *options);

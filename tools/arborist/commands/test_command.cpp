@@ -76,7 +76,7 @@ ExitStatus Record(const TestCommandOptions& options)
     record.codeRunner = MakeCodeRunner(options.codeRunner);
     record.target = options.output;
     const cases::Recording recording = cases::RecordCase(MakeBundlePath(options.recorded), record);
-    PrintProblems(options.recorded, recording.warnings, recording.failure ? &*recording.failure : nullptr);
+    PrintProblems(options.recorded, recording.warnings, recording.failure);
     return recording.failure ? recording.failure->status
                              : WriteTextFile(MakeBundlePath(options.output), recording.text);
 }
@@ -106,7 +106,7 @@ void AddTestCommand(Command app, ExitStatus& status)
     test.AddFlag("--json", options->asJson, "One JSON object for all cases");
     test.Add("--junit", options->junit, "Write JUnit's XML to this file, too").Takes("FILE").NotEmpty();
     test.AddFlag("--require-reviewed", options->requiresReview, "Fail if a case was recorded and not reviewed");
-    test.AddFlag("--coverage", options->withCoverage, "Tell what of the rule sets no case has shown, with file and line");
+    test.AddFlag("--coverage", options->withCoverage, "List what of the rule sets no case has shown, with file and line");
     test.Add("--coverage-threshold", options->coverageThreshold, "The same, and fail if less of the outcomes of a rule "
         "set is covered").Takes("PERCENT").Within(std::size_t{1}, std::size_t{100});
     AddRecording(test, *options);

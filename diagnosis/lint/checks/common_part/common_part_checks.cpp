@@ -190,7 +190,7 @@ constexpr Check CHECKS[] = {
         "A \"param\" of a second or later \"alarmId\" of \"retrieveLumbraData\" that the first one lacks.",
         "the first item names the columns of the table, and this one is not made", CheckLaterColumns},
     {"A807", Severity::ERROR, CheckClass::STATIC, "two common parts with one name",
-        "Two \"thresholdsOrLumbraData\" with one name. SQLite does not tell case apart.",
+        "Two \"thresholdsOrLumbraData\" with one name. SQLite ignores case.",
         "the later one drops the table of the earlier, and rules find the thresholds of the earlier",
         CheckNamesOfBeans},
     {"A822", Severity::INFO, CheckClass::STATIC, "events of a table with one fixed row",

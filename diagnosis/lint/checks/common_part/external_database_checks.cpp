@@ -112,7 +112,7 @@ void CheckGrammar(const Subject& subject, Report& report)
 {
     for (const TableBean& bean : Beans(subject)) {
         if (!bean.dbName.empty() && !IsFilePattern(LowerName(bean.dbName))) {
-            AddAboutPattern(bean, "is no regular expression", "put a backslash before signs that stand for themselves",
+            AddAboutPattern(bean, "is no regular expression", "put a backslash before a sign that means itself",
                 report);
         }
     }

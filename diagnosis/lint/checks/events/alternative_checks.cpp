@@ -199,7 +199,7 @@ constexpr Check CHECKS[] = {
         "A rule name with a comma, at the rule or where an event asks for it.",
         "the name is split at the comma, and the parts are looked for as a group of rules", CheckCommas},
     {"A308", Severity::INFO, CheckClass::STATIC, "alternative that adds nothing",
-        "An alternative of an event that holds only where another one does, or one that names a rule twice.",
+        "An alternative of an event that is true only if another one is, too, or one that names a rule twice.",
         "it is asked in vain, and the result of a group may be stored with another alternative that has its names",
         CheckRedundant},
     {"A310", Severity::WARNING, CheckClass::STATIC, "group whose rules exclude each other",

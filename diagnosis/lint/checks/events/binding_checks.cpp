@@ -206,7 +206,7 @@ constexpr Check CHECKS[] = {
         "Two \"Event\" entries of \"EventRules\" with one id.",
         "the later entry takes the place of the earlier; their rules are not put together", CheckRepeatedEntries},
     {"A309", Severity::INFO, CheckClass::STATIC, "rule that no event asks for",
-        "A rule whose name stands in no entry of \"EventRules\".",
+        "A rule that no entry of \"EventRules\" names.",
         "it is never asked; for the code of a code rule there are no descriptions, suggestions and repairs",
         CheckUnnamedRules},
 };

@@ -71,7 +71,7 @@ void CheckContainedCodes(const Subject& subject, Report& report)
     for (const CodeRule& rule : subject.rules.rules.codeRules) {
         const CodeRule* const part = rule.isKept ? codes.PartOf(rule) : nullptr;
         if (part != nullptr) {
-            report.Add(rule.detectInfo, "the code " + Quoted(rule.code) + " holds the code " + Quoted(part->code)
+            report.Add(rule.detectInfo, "the code " + Quoted(rule.code) + " contains the code " + Quoted(part->code)
                     + " of the rule " + Quoted(part->name),
                 {.attribute = rule.detectInfo.Find("id"), .help = "choose codes of which none is a part of another"});
         }
@@ -98,12 +98,12 @@ constexpr Check CHECKS[] = {
     {"A908", Severity::ERROR, CheckClass::STATIC, "code rule without a code", "A \"codeRule\" without \"detectInfo\".",
         "the rule is dropped, without a line in the log", CheckDetectInfo},
     {"A909", Severity::WARNING, CheckClass::STATIC, "code that is a part of another",
-        "A detect code that holds the code of another rule.",
-        "asked whether the shorter code would run, the engine answers for the first rule of the file whose code holds it",
+        "A detect code that contains the code of another rule.",
+        "asked whether the shorter code would run, the engine answers for the first rule of the file whose code contains it",
         CheckContainedCodes},
     {"A910", Severity::WARNING, CheckClass::STATIC, "code rule of two events",
         "A code rule that two events ask for.",
-        "the host gets the descriptions, suggestions and repairs of the event that stands first in the trees, for both",
+        "the host gets the descriptions, suggestions and repairs of the event that comes first in the trees, for both",
         CheckSharedRules},
 };
 

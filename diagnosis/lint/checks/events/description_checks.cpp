@@ -146,7 +146,7 @@ std::string TroubleOf(const std::string& extra)
     }
     for (const std::string& id : json->getMemberNames()) {
         if (!(*json)[id].isString()) {
-            return "has " + Quoted(id) + " as " + JsonKind((*json)[id]) + " and not as a text that holds JSON";
+            return "has " + Quoted(id) + " as " + JsonKind((*json)[id]) + " and not as a text with JSON in it";
         }
     }
     return "";
@@ -223,7 +223,7 @@ constexpr Check CHECKS[] = {
     {"A911", Severity::ERROR, CheckClass::STATIC, "quote in a repair id", "A repair id with a single quote.",
         "the date of the repair is stored and never found again", CheckQuotes},
     {"A912", Severity::INFO, CheckClass::STATIC, "repair that several events share",
-        "A repair id that stands at more than one event.",
+        "A repair id that several events have.",
         "one repair hides what happened to all of these events before it", CheckSharedRepairs},
 };
 

@@ -59,8 +59,8 @@ void CheckNodePaths(const Subject& subject, Report& report)
 }
 
 constexpr Check CHECKS[] = {
-    {"A515", Severity::INFO, CheckClass::HOST, "events that the log does not hold",
-        "An \"alarmId\" of a rule of whose events the log of --log holds no row.", "nothing is counted on this device",
+    {"A515", Severity::INFO, CheckClass::HOST, "events that the log does not have",
+        "An \"alarmId\" of a rule for whose events the log of --log has no row.", "nothing is counted on this device",
         CheckEventsOfLog},
     {"A714", Severity::WARNING, CheckClass::HOST, "node file that the device does not have",
         "A \"nodeInfo\" whose path is not there below the folder of --device-root.",

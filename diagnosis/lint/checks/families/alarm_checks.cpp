@@ -31,8 +31,8 @@ void CheckIds(const AlarmRule& rule, const AlarmItem& item, Report& report)
     if (item.ids.IsEmpty()) {
         report.Add(item.element, "the rule " + Quoted(rule.name) + " asks for no event: " + WhyEmpty(item),
             {.attribute = item.element.Find("Eventid_Max"),
-                .help = "name the lowest id in \"Eventid_Min\" and the highest in \"Eventid_Max\"; a single id "
-                        "stands in \"Eventid_Max\" alone"});
+                .help = "name the lowest id in \"Eventid_Min\" and the highest in \"Eventid_Max\"; for a single id, "
+                        "\"Eventid_Max\" alone"});
     }
 }
 

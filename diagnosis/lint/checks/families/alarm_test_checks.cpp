@@ -156,8 +156,8 @@ constexpr Check CHECKS[] = {
         "A test of an \"alarmId\" with the type \"dynamic\" or \"systemParam\".",
         "the type is ignored, and the test compares with its own \"value\"", OnItems<CheckTestSources>},
     {"A514", Severity::WARNING, CheckClass::STATIC, "tests on events that carry a count",
-        "An \"alarmId\" of the type \"param_eventid\" over ids whose rows tell in \"COUNT\" for how many events they "
-        "stand: 909030000 to 909031999, 912001000 to 912001999 and 920000000 to 929999999.",
+        "An \"alarmId\" of the type \"param_eventid\" over ids whose rows have the number of their events in "
+        "\"COUNT\": 909030000 to 909031999, 912001000 to 912001999 and 920000000 to 929999999.",
         "each row that passes counts once, whatever its \"COUNT\" says", OnItems<CheckWeightedTests>},
 };
 

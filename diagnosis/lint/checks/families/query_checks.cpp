@@ -29,7 +29,7 @@ void CheckTimeColumn(const Subject& subject, Report& report)
     for (const PreparedQuery& query : subject.queries.All()) {
         if (query.state == State::PREPARED && query.limitedError.find("occurrence_time") != std::string::npos) {
             AddAboutQuery(query, "cannot be limited in time: " + query.limitedError,
-                "let what stands in \"from\" give one column \"occurrence_time\"", report);
+                "let the tables of \"from\" give one column \"occurrence_time\"", report);
         }
     }
 }
@@ -126,7 +126,7 @@ constexpr Check CHECKS[] = {
         "A query whose outermost \"from\" gives no column \"occurrence_time\", or several.",
         "the time limit that is put behind the query makes it fail, and the rule is false", CheckTimeColumn},
     {"A609", Severity::ERROR, CheckClass::SQL, "columns in another order than the parameters",
-        "A query that selects the key of a parameter at the place of another. Parameters stand in the order of their "
+        "A query that selects the key of a parameter at the place of another. Parameters are in the order of their "
         "ids as texts, so that \"10\" comes before \"2\".",
         "columns are matched by place, and the values are swapped", CheckOrder},
     {"A611", Severity::WARNING, CheckClass::SQL, "fewer columns than parameters",

@@ -72,7 +72,7 @@ void CheckTail(const Subject& subject, Report& report)
     });
 }
 
-// Leaves a ";" out behind which nothing stands but blanks and others of its kind.
+// Removes a ";" that only blanks and other semicolons follow.
 FixOf WithoutSemicolon(std::string_view sql, const SqlToken& semicolon)
 {
     const auto place = static_cast<std::size_t>(semicolon.text.data() - sql.data());
@@ -147,9 +147,9 @@ void CheckRows(const Subject& subject, Report& report)
 
 constexpr Check CHECKS[] = {
     {"A601", Severity::ERROR, CheckClass::STATIC, "\"or\" in the condition that the limit joins",
-        "The condition of a query, in which \"or\" stands outside parentheses. The time limit is put behind it with "
+        "A query whose condition has an \"or\" outside parentheses. The time limit is put behind it with "
         "\"and\".",
-        "the limit holds for what stands behind the last \"or\" alone, and for the rest rows of any age are judged",
+        "the limit applies only to the part after the last \"or\"; in the other parts rows of any age count",
         CheckOr},
     {"A602", Severity::ERROR, CheckClass::STATIC, "query ends in a clause behind the condition",
         "A query that ends in \"group by\", \"order by\", \"having\" or \"limit\". The time limit is put behind it.",
@@ -171,7 +171,7 @@ constexpr Check CHECKS[] = {
         "the limit is put behind it with \"and\", the query fails, and the rule is false", CheckLetters},
     {"A607", Severity::WARNING, CheckClass::STATIC, "several queries joined",
         "Queries joined by \"union\", \"intersect\" or \"except\". The time limit is put behind the last one.",
-        "the limit holds for the last query alone, and in the others rows of any age are judged", CheckCompound},
+        "the limit applies only to the last query; in the others rows of any age count", CheckCompound},
     {"A610", Severity::WARNING, CheckClass::STATIC, "query may give several rows",
         "A query without an aggregate and without \"limit 1\", or with groups.",
         "with any other number of rows than one the rule is false", CheckRows},

@@ -107,7 +107,7 @@ void CheckTable(const ParamTable& table, Report& report)
             {.attribute = param.FirstAttribute(), .help = "write \"id\", \"key\" and \"type\""});
     }
     for (const Param& param : table.Repeated()) {
-        report.Add(param.element, "the parameter " + Quoted(param.id) + " stands again, and the one in line "
+        report.Add(param.element, "the parameter " + Quoted(param.id) + " is declared again, and the one in line "
                 + std::to_string(table.Find(param.id)->element.Line()) + " counts",
             {.attribute = param.element.Find("id"), .help = "give each parameter an id of its own"});
     }

@@ -117,7 +117,7 @@ constexpr Check CHECKS[] = {
         "A rule with every entry of \"production\" in \"blackProducts\".", "the rule is rejected on every device",
         CheckBlackProducts},
     {"A406", Severity::WARNING, CheckClass::DEVICE, "filter that no known device passes",
-        "A rule whose filters turn away every device of the profiles. What a profile does not tell passes.",
+        "A rule whose filters turn away every device of the profiles. A filter on something that the profile lacks turns nothing away.",
         "the rule is rejected on all these devices", CheckDevices},
 };
 

@@ -33,7 +33,7 @@ void CheckRepeatedNames(const Subject& subject, Report& report)
     for (const Rule* rule : subject.rules.rules.all) {
         if (rule->isReplaced) {
             const Rule& last = *subject.rules.rules.Find(rule->name);
-            report.Add(rule->element, "the rule " + Quoted(rule->name) + " stands again in line "
+            report.Add(rule->element, "the rule " + Quoted(rule->name) + " is defined again in line "
                     + std::to_string(last.element.Line()) + ", which takes the place of this one",
                 {.attribute = rule->element.Find("name"), .help = "give each rule a name of its own"});
         }

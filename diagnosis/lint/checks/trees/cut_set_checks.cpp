@@ -81,7 +81,7 @@ void CheckLeavesInSecondPlace(const Subject& subject, Report& report)
     for (std::size_t index = 0; index < trees.events.size(); ++index) {
         const TreeEvent& event = trees.events[index];
         if (event.kind == EventKind::BASIC && !sets.MayBeFirst(index)) {
-            report.Add(event.element, "the event " + Quoted(event.id) + " never stands first in a combination",
+            report.Add(event.element, "the event " + Quoted(event.id) + " is never the first one of a combination",
                 {.help = "put the event that is to be reported first in its AND gate"});
         }
     }
@@ -92,7 +92,7 @@ void CheckRulesOfIntermediateEvents(const Subject& subject, Report& report)
     for (const TreeEvent& event : subject.rules.trees.events) {
         if (event.kind == EventKind::INTERMEDIATE && event.binding != nullptr && !event.id.empty()) {
             report.Add(event.binding->element, "the event " + Quoted(event.id) + " has a gate and rules of its own",
-                {.help = "give the rules to a basic event, or be sure that they hold whenever something below does"});
+                {.help = "give the rules to a basic event, or be sure that they are true whenever something below is"});
         }
     }
 }
@@ -105,7 +105,7 @@ constexpr Check CHECKS[] = {
     {"A213", Severity::WARNING, CheckClass::STATIC, "AND gate with a child that has nothing below it",
         "An intermediate event under an AND gate that no combination of basic events makes true: it has no gate, or an "
         "empty one.",
-        "the combinations that were gathered before it are dropped, and those of the children behind it stand alone",
+        "the combinations that were gathered before it are dropped, and those of the children after it count without them",
         CheckChildrenWithoutSets},
     {"A214", Severity::WARNING, CheckClass::STATIC, "tree with very many combinations",
         "A tree with more than 10000 combinations of basic events that make its top event true.",
@@ -113,7 +113,7 @@ constexpr Check CHECKS[] = {
         CheckNumberOfSets},
     {"A215", Severity::WARNING, CheckClass::STATIC, "rules on an event with a gate",
         "An entry of \"EventRules\" for an intermediate event.",
-        "the event keeps what its own rules say: where they do not hold, everything below it is cut off",
+        "the event keeps what its own rules say: if they are false, everything below it is cut off",
         CheckRulesOfIntermediateEvents},
     {"A216", Severity::INFO, CheckClass::STATIC, "basic event that is never reported",
         "A basic event that is never the first one of a combination, as a child of an AND gate behind another.",

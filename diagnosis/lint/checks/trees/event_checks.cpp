@@ -58,7 +58,7 @@ void CheckRepeatedIds(const Subject& subject, Report& report)
     std::set<std::tuple<std::size_t, std::string_view>> seen;
     for (const TreeEvent& event : subject.rules.trees.events) {
         if (!event.id.empty() && !seen.insert({event.tree, event.id}).second) {
-            report.Add(event.idElement, NamedEvent(event) + " stands in this tree before",
+            report.Add(event.idElement, NamedEvent(event) + " is already in this tree",
                 {.help = "give each event an id of its own; events of one id share their rules", .isAboutText = true});
         }
     }
@@ -162,7 +162,7 @@ constexpr Check CHECKS[] = {
         "the path is split in the wrong place, leads nowhere, and the cut set is dropped", CheckSeparators},
     {"A209", Severity::WARNING, CheckClass::STATIC, "event id twice in one tree",
         "Two events of one tree with one id.",
-        "their rules run once for each of them, and a root cause that holds both lists the id once", CheckRepeatedIds},
+        "their rules run once for each of them, and a root cause with both lists the id once", CheckRepeatedIds},
     {"A210", Severity::ERROR, CheckClass::STATIC, "event without an id",
         "An event of a tree without an \"ID\" or with an empty one, and an entry of \"EventRules\" without one.",
         "an event without an id can't be given rules; an entry without one is dropped", CheckEmptyIds},
@@ -171,7 +171,7 @@ constexpr Check CHECKS[] = {
         "its rules are not asked: it keeps the status that it starts with", CheckDetectModes},
     {"A219", Severity::ERROR, CheckClass::STATIC, "user-defined text that names no repair",
         "A \"UserDefined\" that is no JSON object, or whose \"Repairid\" is no text.",
-        "no repair is read of it, so that what happened before a repair counts again; a text that is no JSON is told in "
+        "no repair is read of it, so that what happened before a repair counts again; a text that is no JSON leaves a line in "
         "the log", CheckUserDefined},
     {"A220", Severity::INFO, CheckClass::STATIC, "spaces around an id of the tree file",
         "An \"ID\" of an event with spaces at its ends.", "they are stripped here, and nowhere else",

@@ -131,7 +131,7 @@ constexpr Check CHECKS[] = {
         "A tree file whose root element has no \"version\".", "every result carries the version \"-1\"", CheckVersion},
     {"A201", Severity::ERROR, CheckClass::STATIC, "intermediate event without gate",
         "An \"Intermediate-Event\" with neither an \"Or-Gate\" nor an \"And-Gate\" as its child.",
-        "a line in the log tells of it; the event keeps the status that its own rules give it, and no root cause is "
+        "it leaves a line in the log; the event keeps the status that its own rules give it, and no root cause is "
         "ever found below it", CheckGates},
     {"A202", Severity::ERROR, CheckClass::STATIC, "tree without id, version or type",
         "A tree that lacks one of its three attributes.", "the whole tree is left out, without a line in the log",
@@ -142,9 +142,9 @@ constexpr Check CHECKS[] = {
         CheckTopEvents},
     {"A204", Severity::WARNING, CheckClass::STATIC, "event with both kinds of gates",
         "An intermediate event with an \"Or-Gate\" and an \"And-Gate\".",
-        "the OR gate counts, wherever it stands, and the AND gate is not read", CheckBothGates},
+        "the OR gate counts, whichever comes first, and the AND gate is not read", CheckBothGates},
     {"A205", Severity::WARNING, CheckClass::STATIC, "gate below a basic or undeveloped event",
-        "A gate in an element that is no \"Intermediate-Event\".", "all that stands in the gate is not read",
+        "A gate in an element that is no \"Intermediate-Event\".", "nothing in the gate is read",
         CheckGatesOfLeaves},
     {"A207", Severity::WARNING, CheckClass::STATIC, "empty gate", "A gate without events.",
         "an empty AND gate is TRUE and an empty OR gate FALSE; neither has a combination, so that a top event can be TRUE "

@@ -112,6 +112,14 @@ void CheckSections(const RuleSet& rules, Report& report)
     }
 }
 
+// Removes an attribute that means nothing. Renames one with a near word, unless the element has that attribute, too.
+FixOf FixOfAttribute(const UnknownAttribute& unknown, const std::string& near)
+{
+    return near.empty()                          ? FixOf::Removal()
+        : unknown.element.Has(near.c_str()) ? FixOf()
+                                            : FixOf::AttributeName(near);
+}
+
 void CheckWords(const Subject& subject, Report& report)
 {
     NearWords near;
@@ -131,8 +139,7 @@ void CheckWords(const Subject& subject, Report& report)
         const std::string meant = near.ForAttribute(name, *unknown.words);
         report.Add(unknown.element, "the attribute " + Quoted(name) + " of " + Quoted(unknown.element.Name())
                 + " is not read",
-            {.attribute = unknown.attribute, .fix = meant.empty() ? FixOf::Removal() : FixOf::AttributeName(meant),
-                .near = meant});
+            {.attribute = unknown.attribute, .help = DidYouMean(meant), .fix = FixOfAttribute(unknown, meant)});
     }
 }
 
@@ -141,9 +148,9 @@ constexpr Check CHECKS[] = {
         "A second section, a second element of the tag, or a second element of any word of which only one is read: "
         "\"params\", \"condition\", \"sql\", a gate of the same kind and others.",
         "only the first one is read", CheckRepeated},
-    {"A104", Severity::WARNING, CheckClass::STATIC, "element or attribute that nobody reads",
+    {"A104", Severity::WARNING, CheckClass::STATIC, "element or attribute that is not read",
         "An element or attribute whose name means nothing in its place. Names are compared with case.",
-        "it is skipped; a line in the log tells of it in \"rule\" and \"commonPart\" only", CheckWords},
+        "it is skipped, with a line in the log only inside \"rule\" and \"commonPart\"", CheckWords},
 };
 
 } // namespace
