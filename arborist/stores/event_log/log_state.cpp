@@ -5,7 +5,8 @@
 
 using FT::sql::SqlCursor;
 
-ReadTransaction::ReadTransaction(const FT::sql::Sqlite3Db& database) : mCommit(database, "COMMIT")
+ReadTransaction::ReadTransaction(const FT::sql::Sqlite3Db& database)
+    : mDb(database), mCommit(database, "COMMIT")
 {
     SqlCursor(database, "BEGIN").Step();
 }

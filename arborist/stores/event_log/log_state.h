@@ -17,6 +17,7 @@ public:
     ReadTransaction& operator=(const ReadTransaction&) = delete;
 
 private:
+    const FT::sql::Sqlite3Db& mDb;
     FT::sql::SqlCursor mCommit; // prepared first: the end must not fail for lack of memory and leave the log locked
 };
 
