@@ -24,6 +24,10 @@ namespace {
 constexpr std::size_t READ_BUFFER_LENGTH = 102400;
 constexpr std::size_t LONGEST_ENTRY_NAME = 127;
 constexpr std::uint64_t FOUR_GIB = 1ULL << 32;
+// Limit on what the members of an archive unpack to: a few bytes can stand for a thousand times as many. Databases pack to
+// a tenth or so.
+constexpr std::uint64_t LEAST_UNPACKED = 256ULL << 20;
+constexpr std::uint64_t UNPACKED_FOR_A_BYTE = 100;
 constexpr std::size_t END_RECORD_LENGTH = 22;
 constexpr std::size_t MAX_COMMENT_LENGTH = 0xFFFF; // of the comment behind the end record
 constexpr std::size_t MAX_ADDED_NAME_LENGTH = 0xFFFF; // the format has no room for more
@@ -224,15 +228,21 @@ bool ExtractFile(unzFile archive, const ZipEntry& entry, const std::string& targ
     return UnpackTo(archive, entry, unfinished.GetPath()) && unfinished.MoveTo(target + entry.name);
 }
 
-// `unread` is the number of archive bytes that no entry has used yet. Entries that share bytes exceed it and fail: a
-// small archive could have any number of them.
-bool ExtractEntry(unzFile archive, const std::string& target, std::uint64_t& unread)
+// What the entries of an archive may still use.
+struct Room {
+    // The archive's bytes. Entries that share bytes exceed it and fail: a small archive could have any number of them.
+    std::uint64_t packed;
+    std::uint64_t unpacked;
+};
+
+bool ExtractEntry(unzFile archive, const std::string& target, Room& room)
 {
     std::optional<ZipEntry> entry = ReadZipEntry(archive);
-    if (!entry || entry->packedLength > unread) {
+    if (!entry || entry->packedLength > room.packed || entry->length > room.unpacked) {
         return false;
     }
-    unread -= entry->packedLength;
+    room.packed -= entry->packedLength;
+    room.unpacked -= entry->length;
     if (LeadsOut(target, entry->name)) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: entry %s leads out of the target.",
             "ZipUtil::UnZipFile", entry->name.c_str());
@@ -319,12 +329,13 @@ bool ZipUtil::UnZipFile(const std::string& archive, const std::string& target)
     if (unzGetGlobalInfo64(opened.Get(), &content) != UNZ_OK) {
         return false;
     }
-    std::uint64_t unread = FileUtil::GetFileSize(archive);
+    const std::uint64_t size = FileUtil::GetFileSize(archive);
+    Room room{size, LEAST_UNPACKED + UNPACKED_FOR_A_BYTE * size};
     for (std::uint64_t entry = 0; entry < content.number_entry; ++entry) {
         if (entry != 0 && unzGoToNextFile(opened.Get()) != UNZ_OK) {
             return false;
         }
-        if (!ExtractEntry(opened.Get(), target, unread)) {
+        if (!ExtractEntry(opened.Get(), target, room)) {
             return false;
         }
     }

@@ -221,6 +221,15 @@ TEST_F(ZipUtilTest, EntriesThatShareTheirBytesFail)
     EXPECT_FALSE(UnZipBytes(WithEntryRepeated(archive, 1000)));
 }
 
+TEST_F(ZipUtilTest, MemberThatUnpacksToAThousandTimesTheArchiveFails)
+{
+    ZipEntries entries{{"a", ""}};
+    entries[0].second.assign(300 << 20, 'x');
+    WriteZip("a.zip", entries);
+    EXPECT_FALSE(UnZipBytes(mDir.Read("a.zip")));
+    EXPECT_FALSE(mDir.Has("above/target/a"));
+}
+
 TEST_F(ZipUtilTest, BrokenContentFails)
 {
     const std::string archive = WriteZip("a.zip", {{"f", std::string(2000, 'x')}});
