@@ -8,4 +8,4 @@ cmake --build build/dev --parallel --target c_call c_contract arborist_tool
 export TZ="CET-1CEST,M3.5.0,M10.5.0/3" ARBORIST_CALLS=${1:-10000}
 build=$PWD/build/dev
 python3 -B tests/bindings/c/c_interface_test.py "$build/tests/bindings/c/c_call" "$build/tests/bindings/c/c_contract" \
-    "$build/tools/arborist/arborist" "$build/bindings/c/libarborist-c.so" "" CInterfaceTest.test_memory_stays_flat
+    "$build/tools/arborist/arborist" "$build/bindings/c/libarborist-c.so" nm CInterfaceTest.test_memory_stays_flat

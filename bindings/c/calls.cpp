@@ -119,7 +119,7 @@ Answer RuleSet(arborist_engine&, Request& request)
     }
     rule_set::ReadRuleSet rules;
     if (const auto failure = ReadInto(selection, rules)) {
-        return Refused(*failure);
+        return {*failure, RulesFailureJson("list", selection.folder, *failure) + "\n", {}};
     }
     return {std::nullopt, InventoryJson(rules) + "\n", {}};
 }
