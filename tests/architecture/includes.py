@@ -51,6 +51,7 @@ STOREYS = [
         ["options", "terminal"],
     ], {"main": "the command"}),
     Storey("bindings", [
+        ["python"],
         ["c"],
     ]),
     Storey("diagnosis", [

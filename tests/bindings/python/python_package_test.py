@@ -1,0 +1,244 @@
+"""The Python package: the command's answers as Python objects, and a log, callbacks and threads that a host can live with.
+
+usage: python_package_test.py COMMAND     with the built package in PYTHONPATH
+"""
+import dataclasses
+import json
+import logging
+import os
+import pickle
+import shutil
+import subprocess
+import sys
+import tempfile
+import threading
+import unittest
+from pathlib import Path
+
+import arborist
+from arborist import _log
+
+ROOT = Path(__file__).resolve().parents[3]
+
+
+def command(*arguments):
+    return subprocess.run([COMMAND, *arguments], capture_output=True, check=False, text=True).stdout
+
+
+class Records(logging.Handler):
+    """Keeps the engine's log as long as it exists."""
+
+    def __init__(self, level=logging.DEBUG):
+        super().__init__()
+        self.records = []
+        self.logger = logging.getLogger("arborist")
+        self.level_asked = level
+
+    def emit(self, record):
+        self.records.append(record)
+
+    def __enter__(self):
+        self.logger.addHandler(self)
+        self.logger.setLevel(self.level_asked)
+        self.logger.propagate = False
+        return self
+
+    def __exit__(self, *_):
+        self.logger.removeHandler(self)
+        self.logger.setLevel(logging.NOTSET)
+        self.logger.propagate = True
+
+
+class PackageTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory()
+        os.chdir(cls.folder.name)
+        subprocess.run([ROOT / "examples/laptop/prepare.sh", COMMAND, "laptop"], check=True, capture_output=True)
+
+    @classmethod
+    def tearDownClass(cls):
+        os.chdir("/")
+        cls.folder.cleanup()
+
+    def test_json_is_the_commands(self):
+        self.assertEqual(arborist.detect("laptop").json, command("detect", "--json", "laptop"))
+        self.assertEqual(arborist.detect(Path("laptop"), now="2024-06-01 00:00:00", tz="UTC", tree=True).json,
+                         command("detect", "--json", "--tree", "--now", "2024-06-01 00:00:00", "--tz", "UTC", "laptop"))
+        self.assertEqual(arborist.detect("laptop", as_of=1715000000, rules="laptop/rules").json,
+                         command("detect", "--json", "--as-of", "1715000000", "--rules", "laptop/rules", "laptop"))
+        self.assertEqual(arborist.explain("laptop", near_misses=1, minimal=True).json,
+                         command("explain", "--json", "--near-misses", "1", "--minimal", "laptop"))
+        self.assertEqual(arborist.query("laptop", "KEYBOARD_TEST").json,
+                         command("query", "--json", "laptop", "KEYBOARD_TEST"))
+        self.assertEqual(arborist.rule_set("laptop/rules").json, command("rules", "list", "--json", "laptop/rules"))
+
+    def test_a_detection_is_frozen_and_has_all_of_the_json(self):
+        detection = arborist.detect("laptop")
+        answer = json.loads(detection.json)
+        self.assertEqual([tree.id for tree in detection.trees], [tree["treeId"] for tree in answer["results"]])
+        for tree, entry in zip(detection.trees, answer["results"]):
+            self.assertEqual((tree.version, tree.is_fault, tree.verdict, tree.complete),
+                             (entry["version"], entry["isFault"], entry["verdict"], entry["complete"]))
+            self.assertEqual(dataclasses.asdict(tree.checks), entry["checks"])
+            self.assertEqual([(check.event, check.rule, check.check, check.reason, check.detail, check.rests_on_default)
+                              for check in tree.open], [tuple(check.values()) for check in entry["open"]])
+            self.assertEqual([(cause.id, cause.name, cause.user_defined, cause.fault_description,
+                               list(cause.suggestions), [dataclasses.asdict(repair) for repair in cause.repairs])
+                              for cause in tree.root_causes], [tuple(cause.values()) for cause in entry["rootCauses"]])
+            self.assertEqual([(cause.id, list(cause.cut_set)) for cause in tree.possible_causes],
+                             [tuple(cause.values()) for cause in entry["possibleCauses"]])
+        self.assertEqual([(warning.code, warning.line) for warning in detection.warnings],
+                         [(warning["code"], warning["line"]) for warning in answer["warnings"]])
+        self.assertTrue(detection.is_fault)
+        self.assertTrue(detection.tree("LAPTOP_POWER").is_fault)
+        self.assertRaises(KeyError, detection.tree, "LAPTOP_SAIL")
+        with self.assertRaises(dataclasses.FrozenInstanceError):
+            detection.trees[0].id = "other"
+        self.assertEqual(pickle.loads(pickle.dumps(detection)), detection)
+
+    def test_a_failure_is_an_exception_with_the_commands_code(self):
+        Path("lacking").mkdir(exist_ok=True)
+        Path("lacking/bundle.json").write_text('{"detectScene": 1, "treeTag": "Laptop"}')
+        for kind, code, bundle in [(arborist.InputError, "no_bundle", "nowhere"),
+                                   (arborist.RuleSetError, "rule_file_missing", "lacking"),
+                                   (arborist.WrongUseError, "bad_request", "")]:
+            with self.assertRaises(kind) as raised:
+                arborist.detect(bundle)
+            self.assertIsInstance(raised.exception, arborist.ArboristError)
+            self.assertEqual(raised.exception.code, code)
+            self.assertTrue(str(raised.exception).startswith(code + ": "))
+            copy = pickle.loads(pickle.dumps(raised.exception))
+            self.assertEqual((copy.code, copy.message, copy.json), (code, raised.exception.message, raised.exception.json))
+        with self.assertRaises(arborist.InputError) as raised:
+            arborist.query("nowhere", "X")
+        self.assertEqual(raised.exception.json, command("query", "--json", "nowhere", "X"))
+        self.assertRaises(TypeError, arborist.detect, 5)
+
+    def test_a_path_that_is_no_utf_8_is_found(self):
+        name = os.fsdecode(b"lap\xfftop")
+        shutil.copytree("laptop", name)
+        self.assertTrue(arborist.detect(name).is_fault)
+
+    def test_repairs_are_recorded_and_listed(self):
+        shutil.copytree("laptop", "mended")
+        record = arborist.record_repair("mended", "REPAIR_FAN", now="2024-05-19 08:00:00")
+        self.assertEqual((record.id, record.date, record.warnings), ("REPAIR_FAN", "2024-05-19 08:00:00", ()))
+        unknown = arborist.record_repair("mended", "REPAIR_FON")
+        self.assertEqual([warning.code for warning in unknown.warnings], ["unknown_repair"])
+        self.assertEqual([record.id for record in arborist.repairs("mended")],
+                         ["REPAIR_KEYBOARD", "REPAIR_FAN", "REPAIR_FON"])
+
+    def test_the_host_answers_code_rules(self):
+        questions = []
+
+        def answer(question):
+            questions.append(question)
+            return None if "pixel" in question.user_defined_info else True
+
+        detection = arborist.detect("laptop", code_runner=answer)
+        self.assertEqual(questions[1], arborist.CodeQuestion('{"test": "keyboard"}', ("DESC_KEYBOARD_DEAD",),
+                                                             ("SUGGEST_KEYBOARD_DEAD",), ("REPAIR_KEYBOARD",)))
+        self.assertTrue(detection.tree("LAPTOP_INPUT").is_fault)
+        self.assertEqual([warning.code for warning in detection.warnings], ["code_runner"])
+
+    def test_an_exception_of_the_runner_stops_the_detection_and_is_raised(self):
+        asked = []
+
+        def fail(question):
+            asked.append(question)
+            raise LookupError("no hands free")
+
+        with self.assertRaisesRegex(LookupError, "no hands free"):
+            arborist.detect("laptop", code_runner=fail)
+        self.assertEqual(len(asked), 1)
+
+    def test_a_call_out_of_the_runner_is_busy(self):
+        codes = []
+
+        def call_again(_):
+            try:
+                arborist.detect("laptop")
+            except arborist.WrongUseError as error:
+                codes.append(error.code)
+            return False
+
+        arborist.detect("laptop", code_runner=call_again)
+        self.assertEqual(codes, ["busy", "busy"])
+
+    def test_a_stop_leaves_the_rest_open(self):
+        stop = arborist.Stop()
+        stop.stop()  # nothing runs: nothing happens
+
+        def stop_and_answer(_):
+            stop.stop()
+            return True
+
+        detection = arborist.detect("laptop", code_runner=stop_and_answer, stop=stop)
+        self.assertIn("stopped", [warning.code for warning in detection.warnings])
+        self.assertTrue(detection.tree("LAPTOP_POWER").is_fault)
+        self.assertIn("stopped", {check.reason for check in detection.tree("LAPTOP_RADIO").open})
+
+    def test_the_log_comes_when_the_call_has_ended(self):
+        with Records() as log:
+            during = []
+
+            def count(_):
+                during.append(len(log.records))
+                return False
+
+            arborist.detect("laptop", code_runner=count)
+            self.assertEqual(during, [0, 0])
+            self.assertGreater(len(log.records), 10)
+            self.assertEqual({record.name for record in log.records}, {"arborist"})
+            self.assertEqual({record.levelno for record in log.records},
+                             {logging.DEBUG, logging.INFO, logging.WARNING})
+
+    def test_the_log_has_what_the_logger_asks_for_and_no_more_than_its_bound(self):
+        with Records(logging.WARNING) as log:
+            arborist.detect("laptop")
+            self.assertEqual({record.levelno for record in log.records}, {logging.WARNING})
+        most, _log.MOST_MESSAGES = _log.MOST_MESSAGES, 3
+        try:
+            with Records() as log:
+                arborist.detect("laptop")
+        finally:
+            _log.MOST_MESSAGES = most
+        self.assertEqual(len(log.records), 4)
+        self.assertRegex(log.records[-1].getMessage(), r"^\d+ further messages of this call were dropped$")
+
+    def test_a_call_that_waits_or_runs_leaves_other_threads_running(self):
+        may_answer, answers = threading.Event(), []
+
+        def wait(_):
+            self.assertTrue(may_answer.wait(60))
+            return False
+
+        threads = [threading.Thread(target=lambda: answers.append(arborist.detect("laptop", code_runner=wait).is_fault))
+                   for _ in range(3)]
+        for thread in threads:
+            thread.start()
+        may_answer.set()  # with Python's lock held by a waiting call, this thread would not get here
+        for thread in threads:
+            thread.join(60)
+        self.assertEqual(answers, [True] * 3)
+
+    def test_the_example_prints_what_it_should(self):
+        Path("fleet").mkdir()
+        printed = subprocess.run([sys.executable, "-B", ROOT / "examples/python-host/fleet.py", "laptop", "fleet"],
+                                 check=True, capture_output=True, text=True)
+        self.assertEqual(printed.stdout, (ROOT / "examples/python-host/expected.txt").read_text())
+        self.assertEqual(printed.stderr, "")
+
+    def test_types_are_strict(self):
+        if shutil.which("mypy") is None:
+            self.skipTest("no mypy")
+        for target in (ROOT / "bindings/python/arborist", ROOT / "examples/python-host/fleet.py"):
+            checked = subprocess.run(["mypy", "--strict", "--cache-dir", "mypy-cache", target], capture_output=True,
+                                     text=True, check=False, env={**os.environ, "MYPYPATH": f"{ROOT}/bindings/python"})
+            self.assertEqual(checked.returncode, 0, checked.stdout)
+
+
+if __name__ == "__main__":
+    COMMAND = sys.argv[1]
+    sys.exit(unittest.main(argv=sys.argv[:1] + sys.argv[2:]))
