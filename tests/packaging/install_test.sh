@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Installs the package and builds the smallest host against it, as a stranger would: C++17, find_package, nothing else.
-# usage: install_test.sh static|shared SOURCE_DIR BUILD_DIR WORK_DIR
+# Then the other examples, if there is a command to prepare a bundle with.
+# usage: install_test.sh static|shared SOURCE_DIR BUILD_DIR WORK_DIR [COMMAND]
 set -euo pipefail
-kind=$1 source=$2 build=$3 work=$4
+kind=$1 source=$2 build=$3 work=$4 command=${5:-}
 
 rm -rf "$work"
 mkdir -p "$work"
@@ -40,3 +41,13 @@ fi
 cd "$work"
 host/minimal_host "$source/examples/laptop/rules" Laptop | tee by_cmake.txt
 diff by_cmake.txt by_pkg_config.txt
+
+if [ -n "$command" ]; then
+    "$source/examples/laptop/prepare.sh" "$command" "$work/laptop" >/dev/null
+    hosts=(cpp repair)
+    if [ "$kind" = static ]; then
+        hosts+=(c)
+    fi
+    STATIC=$static "$source/tests/packaging/examples_test.sh" \
+        "$source" "$work/prefix" "$work/laptop" "$work/examples" "$command" "${hosts[@]}"
+fi
