@@ -56,7 +56,7 @@ AlarmRuleDbHelper::EventList AlarmRuleDbHelper::GetEventList(
         return {};
     }
     const std::string version = CurrentVersion();
-    EventLogSearch::TellVersionName(version);
+    EventLogSearch::LogVersionName(version);
     return query.GetEvents(fromUpdate, version);
 }
 
@@ -64,7 +64,7 @@ AlarmRuleDbHelper::Reading AlarmRuleDbHelper::VisitEvents(const Query& query, co
 {
     StopPoint::Pass();
     Query rest = query;
-    const std::int64_t end = query.GetToldEnd();
+    const std::int64_t end = query.GetLoggedEnd();
     while (!(rest.firstId < end ? EnsureOpen() : mDatabase.IsOpen())) {
         if (rest.firstId + std::int64_t{1} >= end) {
             return Reading::UNREADABLE;

@@ -30,7 +30,7 @@ public:
 
     /// Calls the visitor with the result of GetEventList for each id of the query, in ascending order, and logs the
     /// same lines. Skips ids without rows since the start at no cost. If the log can't be opened, logs the lines for
-    /// each of the first EventLogSearch::LONGEST_RANGE_TOLD ids of the rule's range.
+    /// each of the first EventLogSearch::LONGEST_LOGGED_RANGE ids of the rule's range.
     Reading VisitEvents(const Query& query, const Visitor& visitor);
 
     /// See EventLogSearch::CountRows.

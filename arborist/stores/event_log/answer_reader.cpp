@@ -104,7 +104,7 @@ public:
 private:
     void Want(std::uint32_t number, const Entry& entry, std::int64_t since)
     {
-        const std::uint32_t first = mSnapshot.RunSince(entry, since).begin;
+        const std::uint32_t first = mSnapshot.RangeSince(entry, since).begin;
         if (first != entry.end) {
             mNextOfEntry[number] = first;
             mFirstRowId = std::min(mFirstRowId, mSnapshot.GetRowId(first));
@@ -123,9 +123,8 @@ private:
 
 } // namespace
 
-AnswerReader::AnswerReader(
-    const FT::sql::Sqlite3Db& database, const EventLogSnapshot& snapshot, const Requests& requests)
-    : mDb(database), mSnapshot(snapshot), mRequests(requests)
+AnswerReader::AnswerReader(const UnchangedLog& log, const Requests& requests)
+    : mDb(log.GetDatabase()), mSnapshot(log.GetSnapshot()), mRequests(requests)
 {
 }
 
@@ -170,9 +169,9 @@ std::optional<std::vector<std::shared_ptr<const AnswerColumn>>> AnswerReader::Re
     return isRead ? std::optional(std::move(columns)) : std::nullopt;
 }
 
-std::optional<AnswerReader::Texts> AnswerReader::ReadTexts(const std::vector<std::uint32_t>& rows) const
+std::optional<RowTexts> AnswerReader::ReadTexts(const std::vector<std::uint32_t>& rows) const
 {
-    Texts texts;
+    RowTexts texts;
     const bool isRead =
         ReadEach(rows, [&texts](std::uint32_t row, std::string_view extra) { texts.emplace(row, extra); });
     return isRead ? std::optional(std::move(texts)) : std::nullopt;

@@ -12,15 +12,15 @@
 #include "arborist/stores/event_log/answer_table.h"
 #include "arborist/stores/event_log/event_log_snapshot.h"
 #include "arborist/stores/event_log/requests.h"
+#include "arborist/stores/event_log/row_answers.h"
+#include "arborist/stores/event_log/unchanged_log.h"
 #include "arborist/stores/sql/sql_database.h"
 
 /// Reads the texts of a snapshot's rows and stores their answers to questions. Logs nothing: a row whose answer would
-/// log a line is marked to be asked again. Stateless. Call it only while the log has not changed since the snapshot.
+/// log a line is marked to be asked again. Stateless; use it while `log` and `requests` exist.
 class AnswerReader {
 public:
-    using Texts = std::map<std::uint32_t, std::string>; // by row
-
-    AnswerReader(const FT::sql::Sqlite3Db& database, const EventLogSnapshot& snapshot, const Requests& requests);
+    AnswerReader(const UnchangedLog& log, const Requests& requests);
 
     /// Reads all texts since `since` in one pass and answers as many requests of `wanted`, from the first on, as there
     /// is room for. Null if the log can't be read in this way.
@@ -31,7 +31,7 @@ public:
     std::optional<std::vector<std::shared_ptr<const AnswerColumn>>> ReadOneByOne(
         const EventLogSnapshot::Entry& entry, const RowBits& rows, const std::vector<Requests::Number>& questions) const;
     /// The texts of these rows.
-    std::optional<Texts> ReadTexts(const std::vector<std::uint32_t>& rows) const;
+    std::optional<RowTexts> ReadTexts(const std::vector<std::uint32_t>& rows) const;
 
 private:
     template <typename Take>

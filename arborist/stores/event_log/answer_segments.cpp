@@ -25,62 +25,62 @@ void AnswerSegment::Add(AnswerColumn& column, const RowQuestion& question)
     }
 }
 
-// The begin or the end of a run.
+// The begin or the end of a range.
 struct AnswerSegments::Boundary {
     std::uint32_t entry;
     bool isBegin;
-    Run run;
+    EntryRange range;
 };
 
 AnswerSegments::AnswerSegments(const EventLogSnapshot& snapshot, const Requests& requests,
     const std::vector<Requests::Request>& wanted, AnswerTable& table)
     : mSnapshot(snapshot), mSegmentOfEntry(snapshot.GetEntryCount())
 {
-    std::vector<Run> runs = RunsWithRoom(requests, wanted);
-    std::vector<Boundary> boundaries = BoundariesOf(runs);
+    std::vector<EntryRange> ranges = RangesWithRoom(requests, wanted);
+    std::vector<Boundary> boundaries = BoundariesOf(ranges);
     while (!HasRoomFor(boundaries)) {
-        runs.resize(runs.size() / 2);
-        boundaries = BoundariesOf(runs);
+        ranges.resize(ranges.size() / 2);
+        boundaries = BoundariesOf(ranges);
     }
     MakeSegments(boundaries, requests, table);
 }
 
-std::vector<AnswerSegments::Run> AnswerSegments::RunsWithRoom(
+std::vector<AnswerSegments::EntryRange> AnswerSegments::RangesWithRoom(
     const Requests& requests, const std::vector<Requests::Request>& wanted) const
 {
     std::size_t room = ROOM + ROOM_FOR_A_ROW * mSnapshot.GetRowCount();
-    std::vector<Run> runs;
-    std::set<Run> known;
+    std::vector<EntryRange> ranges;
+    std::set<EntryRange> known;
     for (const Requests::Request& request : wanted) {
         const auto first = static_cast<std::uint32_t>(mSnapshot.FirstEntryFrom(request.firstId));
         const auto end = static_cast<std::uint32_t>(mSnapshot.FirstEntryFrom(std::int64_t{request.lastId} + 1));
-        const Run run{request.question, first, end};
-        if (first >= end || !known.insert(run).second) {
+        const EntryRange range{request.question, first, end};
+        if (first >= end || !known.insert(range).second) {
             continue;
         }
         const std::uint32_t rows = mSnapshot.GetEntry(end - 1).end - mSnapshot.GetEntry(first).begin;
-        const std::size_t size = AnswerColumn::SizeFor(rows, requests.GetQuestion(run.question).IsNumber());
+        const std::size_t size = AnswerColumn::SizeFor(rows, requests.GetQuestion(range.question).IsNumber());
         if (size <= room) {
             room -= size;
-            runs.push_back(run);
+            ranges.push_back(range);
         }
     }
-    return runs;
+    return ranges;
 }
 
-// Joins overlapping runs of the same question.
-std::vector<AnswerSegments::Boundary> AnswerSegments::BoundariesOf(std::vector<Run> runs) const
+// Joins overlapping ranges of the same question.
+std::vector<AnswerSegments::Boundary> AnswerSegments::BoundariesOf(std::vector<EntryRange> ranges) const
 {
-    std::sort(runs.begin(), runs.end());
+    std::sort(ranges.begin(), ranges.end());
     std::vector<Boundary> boundaries;
-    for (std::size_t place = 0; place < runs.size();) {
-        Run run = runs[place];
-        for (++place; place < runs.size() && runs[place].question == run.question && runs[place].first <= run.end;
+    for (std::size_t place = 0; place < ranges.size();) {
+        EntryRange range = ranges[place];
+        for (++place; place < ranges.size() && ranges[place].question == range.question && ranges[place].first <= range.end;
              ++place) {
-            run.end = std::max(run.end, runs[place].end);
+            range.end = std::max(range.end, ranges[place].end);
         }
-        boundaries.push_back({run.first, true, run});
-        boundaries.push_back({run.end, false, run});
+        boundaries.push_back({range.first, true, range});
+        boundaries.push_back({range.end, false, range});
     }
     std::sort(boundaries.begin(), boundaries.end(),
         [](const Boundary& left, const Boundary& right) { return left.entry < right.entry; });
@@ -106,13 +106,13 @@ void AnswerSegments::MakeSegments(
     for (std::size_t place = 0; place < boundaries.size();) {
         const std::uint32_t entry = boundaries[place].entry;
         for (; place < boundaries.size() && boundaries[place].entry == entry; ++place) {
-            const Run& run = boundaries[place].run;
+            const EntryRange& range = boundaries[place].range;
             if (!boundaries[place].isBegin) {
-                open.erase(run.question);
+                open.erase(range.question);
                 continue;
             }
-            open[run.question] = table.Add(run.question, mSnapshot.GetEntry(run.first).begin,
-                mSnapshot.GetEntry(run.end - 1).end, requests.GetQuestion(run.question).IsNumber()).get();
+            open[range.question] = table.Add(range.question, mSnapshot.GetEntry(range.first).begin,
+                mSnapshot.GetEntry(range.end - 1).end, requests.GetQuestion(range.question).IsNumber()).get();
         }
         if (open.empty()) {
             continue;

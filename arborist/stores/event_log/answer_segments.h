@@ -11,7 +11,7 @@
 #include "arborist/stores/event_log/event_log_snapshot.h"
 #include "arborist/stores/event_log/requests.h"
 
-/// A run of consecutive entries with the same questions.
+/// Consecutive entries with the same questions.
 struct AnswerSegment {
     /// A question, the column for its answers, and the index of its key.
     struct Target {
@@ -42,17 +42,17 @@ public:
 
 private:
     // A request with numbers of entries in place of ids.
-    struct Run {
+    struct EntryRange {
         Requests::Number question;
         std::uint32_t first;
         std::uint32_t end;
 
-        auto operator<=>(const Run&) const = default;
+        auto operator<=>(const EntryRange&) const = default;
     };
     struct Boundary;
 
-    std::vector<Run> RunsWithRoom(const Requests& requests, const std::vector<Requests::Request>& wanted) const;
-    std::vector<Boundary> BoundariesOf(std::vector<Run> runs) const;
+    std::vector<EntryRange> RangesWithRoom(const Requests& requests, const std::vector<Requests::Request>& wanted) const;
+    std::vector<Boundary> BoundariesOf(std::vector<EntryRange> ranges) const;
     bool HasRoomFor(const std::vector<Boundary>& boundaries) const;
     void MakeSegments(const std::vector<Boundary>& boundaries, const Requests& requests, AnswerTable& table);
 

@@ -5,15 +5,11 @@
 
 #include "arborist/frame/log.h"
 #include "arborist/frame/trouble_watch.h"
-#include "arborist/stores/event_log/answer_reader.h"
 #include "arborist/stores/event_log/event_log_reader.h"
-#include "arborist/stores/event_log/log_state.h"
-#include "arborist/utilities/time_util.h"
+#include "arborist/stores/event_log/unchanged_log.h"
 
 namespace {
 
-// One pass over all rows costs as much as reading one row in this many by itself.
-constexpr std::size_t WORTH_READING_ALL = 32;
 // After so many queries of ids, it pays to look where the rows of all such ids are.
 constexpr std::size_t FEW_QUERIES = 3;
 // Number of filters whose counts are kept: those of three windows, with and without a version.
@@ -27,44 +23,37 @@ struct EventLogSearch::OpenVisit {
     const Query& query;
     const std::string& versionName;
     const Visitor& visitor;
-    std::vector<Requests::Number> questions{};
+    AnswerCache::Asked asked;
+    std::shared_ptr<EventRows::Visit> shared{};
     // Shared, so that they outlive the call of the visitor that uses them.
     std::shared_ptr<RowCounts> found{}; // since the start, of any version
     std::shared_ptr<RowCounts> counts{};
-    LocalDays days{};
     Reading reading = Reading::WHOLE;
 };
 
-EventLogSearch::EventLogSearch(const FT::sql::Sqlite3Db& database) : mDb(database), mEventQuery(database) {}
+EventLogSearch::EventLogSearch(const FT::sql::Sqlite3Db& database) : mDb(database), mEventQuery(database), mAnswers(database)
+{
+}
 
 void EventLogSearch::Foresee(std::int32_t firstId, std::int32_t lastId, const EventRows::Questions& questions)
 {
-    for (const auto& question : questions) {
-        mRequests.Add({firstId, lastId, mRequests.NumberOf(question)});
-    }
+    mAnswers.Foresee(firstId, lastId, questions);
 }
 
-void EventLogSearch::TellVersionName(const std::string& versionName)
+void EventLogSearch::LogVersionName(const std::string& versionName)
 {
     FT::Log::GetInstance().Output(FT::LEVEL_DEBUG, "FUNc:%s: version name: %s", "AlarmRuleDbHelper::GetEventList",
         versionName.c_str());
 }
 
-bool EventLogSearch::IsCurrent() const
-{
-    return mSnapshot != nullptr && mSnapshot->GetOrigin().dataVersion != NO_DATA_VERSION &&
-        mSnapshot->GetOrigin().lastMoment == TimeUtil::GetLastMoment() &&
-        ReadDataVersion(mDb) == mSnapshot->GetOrigin().dataVersion;
-}
-
 void EventLogSearch::Refresh()
 {
-    if (!IsCurrent()) {
+    if (!UnchangedLog::IsIn(mDb, mSnapshot)) {
         mCounts.clear();
-        mAnswers.reset();
+        mAnswers.Reset(nullptr);
         mSnapshot.reset();
         mSnapshot = ReadEventLog(mDb);
-        mCanReadAnswers = true;
+        mAnswers.Reset(mSnapshot);
         mQueries = 0;
         mRowsOfIds.reset();
     }
@@ -73,16 +62,15 @@ void EventLogSearch::Refresh()
 EventLogSearch::Reading EventLogSearch::Visit(
     const Query& query, const std::string& versionName, const Visitor& visitor)
 {
-    OpenVisit visit{query, versionName, visitor};
-    for (const auto& question : query.questions) {
-        visit.questions.push_back(mRequests.NumberOf(question));
-    }
-    Foresee(query.firstId, query.lastId, query.questions);
+    OpenVisit visit{query, versionName, visitor,
+        {query.firstId, query.lastId, query.startTime,
+            mAnswers.Foresee(query.firstId, query.lastId, query.questions)}};
+    visit.shared = std::make_shared<EventRows::Visit>(EventRows::Visit{query.questions});
     Refresh();
     // Without a snapshot, query each id, which logs its own failure. If the log becomes readable, continue with its
     // snapshot.
     std::int64_t id = query.firstId;
-    for (const std::int64_t end = query.GetToldEnd(); mSnapshot == nullptr; ++id) {
+    for (const std::int64_t end = query.GetLoggedEnd(); mSnapshot == nullptr; ++id) {
         if (id >= end) {
             return Reading::UNREADABLE;
         }
@@ -120,7 +108,7 @@ std::optional<std::uint64_t> EventLogSearch::CountRows(
         return std::nullopt;
     }
     const auto countSince = [this](const Entry& entry, std::int64_t time) {
-        return mSnapshot->Count(mSnapshot->RunSince(entry, time), {time, std::nullopt});
+        return mSnapshot->Count(mSnapshot->RangeSince(entry, time), {time, std::nullopt});
     };
     std::uint64_t count = 0;
     const std::size_t last = mSnapshot->FirstEntryFrom(lastId + std::int64_t{1});
@@ -154,6 +142,7 @@ std::shared_ptr<RowCounts> EventLogSearch::CountsFor(const EventLogSnapshot::Fil
 bool EventLogSearch::VisitIds(OpenVisit& visit, std::int64_t firstId)
 {
     const EventLogSnapshot& snapshot = *mSnapshot;
+    visit.shared->snapshot = mSnapshot;
     visit.found = CountsFor({visit.query.startTime, std::nullopt});
     visit.counts = visit.query.fromUpdate
         ? CountsFor({visit.query.startTime, snapshot.NumberOfVersion(visit.versionName)}) : visit.found;
@@ -165,16 +154,16 @@ bool EventLogSearch::VisitIds(OpenVisit& visit, std::int64_t firstId)
     if (isBroken || !origin.damage.empty()) {
         visit.reading = snapshot.GetEntryCount() == 0 ? Reading::UNREADABLE : Reading::BROKEN_OFF;
     }
-    Prepare(visit);
+    mAnswers.Prepare(visit.asked);
     const std::int64_t end = visit.query.lastId + std::int64_t{1};
     // An id that may have rows is asked, however many there are.
     const bool mayOthersHaveRows = origin.isEachIdAsked && !origin.areAllIdsKnown;
-    const std::int64_t toldEnd = mayOthersHaveRows ? end : isBroken ? visit.query.GetToldEnd() : firstId;
+    const std::int64_t loggedEnd = mayOthersHaveRows ? end : isBroken ? visit.query.GetLoggedEnd() : firstId;
     std::int64_t id = firstId;
     for (std::size_t number = snapshot.FirstEntryFrom(firstId); id < end; ++number) {
         const bool isLast = number == snapshot.GetEntryCount();
         const std::int64_t next = isLast ? end : std::min<std::int64_t>(snapshot.GetIds()[number], end);
-        for (; id < std::min(next, toldEnd); ++id) {
+        for (; id < std::min(next, loggedEnd); ++id) {
             if (VisitAbsent(visit, static_cast<std::int32_t>(id))) {
                 return true;
             }
@@ -193,7 +182,7 @@ bool EventLogSearch::VisitAbsent(OpenVisit& visit, std::int32_t eventId)
     if (mSnapshot->GetOrigin().isEachIdAsked) {
         return VisitByQuery(visit, eventId);
     }
-    TellBreak(mSnapshot->GetOrigin().breakError);
+    LogBreak(mSnapshot->GetOrigin().breakError);
     return false;
 }
 
@@ -205,17 +194,20 @@ bool EventLogSearch::VisitEntry(OpenVisit& visit, std::size_t entryNumber)
     }
     const std::size_t found = visit.found->Of(entryNumber);
     if (found == 0) {
-        TellBreak(mSnapshot->GetOrigin().breakError);
+        LogBreak(mSnapshot->GetOrigin().breakError);
         return false;
     }
-    EventRows::Known known{*mSnapshot, EventLogSnapshot::RunOf(entry, found), visit.counts->GetFilter(), nullptr};
-    if (!visit.questions.empty() && !FillAnswers(visit, entry, known)) {
-        return VisitByQuery(visit, entry.eventId);
+    EventRows::Known known{EventLogSnapshot::RangeOf(entry, found), visit.counts->GetFilter(), nullptr};
+    if (!visit.asked.questions.empty()) {
+        known.answers = mAnswers.Find(visit.asked, entry, known.range, known.filter);
+        if (known.answers == nullptr) {
+            return VisitByQuery(visit, entry.eventId);
+        }
     }
-    TellBreak(mSnapshot->GetOrigin().breakError);
-    TellVersionName(visit.versionName);
-    return visit.visitor(EventRows(entry.eventId, std::move(known), found, visit.counts->Of(entryNumber),
-        visit.query.questions, visit.days));
+    LogBreak(mSnapshot->GetOrigin().breakError);
+    LogVersionName(visit.versionName);
+    return visit.visitor(
+        EventRows(entry.eventId, visit.shared, std::move(known), found, visit.counts->Of(entryNumber)));
 }
 
 // Runs the query for an id, among its rows if they are known. False if it breaks off.
@@ -231,19 +223,18 @@ bool EventLogSearch::RunQuery(std::int32_t eventId, std::int64_t startTime)
 
 bool EventLogSearch::RunAmongRows(std::int32_t eventId, std::int64_t startTime)
 {
-    const ReadTransaction transaction(mDb);
-    const bool isCurrent = IsCurrent();
-    if (isCurrent && mQueries == FEW_QUERIES + 1) {
-        mRowsOfIds = RowsOfIds::Read(transaction, *mSnapshot);
+    const auto log = UnchangedLog::Open(mDb, mSnapshot);
+    if (log != nullptr && mQueries == FEW_QUERIES + 1) {
+        mRowsOfIds = RowsOfIds::Read(*log);
     }
-    const auto condition = isCurrent && mRowsOfIds ? mRowsOfIds->GetCondition(eventId) : std::nullopt;
+    const auto condition = log != nullptr && mRowsOfIds ? mRowsOfIds->GetCondition(eventId) : std::nullopt;
     if (!condition) {
         mEventQuery.Run(eventId, startTime);
         return mEventQuery.IsWhole();
     }
     mEventQuery.RunAmong(eventId, startTime, *condition);
     if (mEventQuery.IsWhole()) {
-        TellBreak(mRowsOfIds->GetScanError());
+        LogBreak(mRowsOfIds->GetScanError());
     }
     return mEventQuery.IsWhole() && mRowsOfIds->GetScanError().empty();
 }
@@ -256,111 +247,17 @@ bool EventLogSearch::VisitByQuery(OpenVisit& visit, std::int32_t eventId)
     if (mEventQuery.GetCount() == 0) {
         return false;
     }
-    TellVersionName(visit.versionName);
-    return visit.visitor(EventRows(eventId, mEventQuery.GetEvents(visit.query.fromUpdate, visit.versionName),
-        mEventQuery.GetCount(), visit.query.questions));
+    LogVersionName(visit.versionName);
+    return visit.visitor(EventRows(eventId, visit.shared,
+        mEventQuery.GetEvents(visit.query.fromUpdate, visit.versionName), mEventQuery.GetCount()));
 }
 
 // Logs the line of a query that fails in the middle.
-void EventLogSearch::TellBreak(const std::string& error) const
+void EventLogSearch::LogBreak(const std::string& error) const
 {
     if (!error.empty()) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Execute sql failed: %s",
             "FT::sql::SqlOperator::Execute", error.c_str());
         StatementTrouble::Tell(error, mDb.path);
     }
-}
-
-bool EventLogSearch::HasAnswers(const OpenVisit& visit, std::uint32_t firstRow, std::uint32_t endRow) const
-{
-    return mAnswers != nullptr && mAnswers->GetSince() <= visit.query.startTime &&
-        std::all_of(visit.questions.begin(), visit.questions.end(), [&](Requests::Number question) {
-            return mAnswers->Find(question, firstRow, endRow) != nullptr;
-        });
-}
-
-// Reads the answers of all rows in one pass if the visit needs many of them.
-void EventLogSearch::Prepare(const OpenVisit& visit)
-{
-    const std::size_t first = mSnapshot->FirstEntryFrom(visit.query.firstId);
-    const std::size_t end = mSnapshot->FirstEntryFrom(visit.query.lastId + std::int64_t{1});
-    if (visit.questions.empty() || first == end || !mCanReadAnswers || !mSnapshot->AreRowIdsAscending()) {
-        return;
-    }
-    const std::uint32_t firstRow = mSnapshot->GetEntry(first).begin;
-    const std::uint32_t endRow = mSnapshot->GetEntry(end - 1).end;
-    const bool isWorthwhile = (endRow - firstRow) * WORTH_READING_ALL >= mSnapshot->GetRowCount() ||
-        !mSnapshot->GetOrigin().canSearchEvents; // then rows can't be read one by one
-    if (isWorthwhile && !HasAnswers(visit, firstRow, endRow)) {
-        ReadAnswers(visit);
-    }
-}
-
-// Requests the questions of this visit first, then those that were added after them, as far as there is room.
-void EventLogSearch::ReadAnswers(const OpenVisit& visit)
-{
-    std::vector<Requests::Request> wanted;
-    for (const Requests::Number question : visit.questions) {
-        wanted.push_back({visit.query.firstId, visit.query.lastId, question});
-    }
-    const std::vector<Requests::Request> all = mRequests.AllFrom(wanted.back());
-    wanted.insert(wanted.end(), all.begin(), all.end());
-    mAnswers.reset();
-    const ReadTransaction transaction(mDb);
-    if (IsCurrent()) {
-        mAnswers = AnswerReader(mDb, *mSnapshot, mRequests).ReadAll(wanted, visit.query.startTime);
-        mCanReadAnswers = mAnswers != nullptr;
-    }
-}
-
-// False if the log has changed, or if rows must be asked again in an order that only the id's own query knows.
-bool EventLogSearch::FillAnswers(const OpenVisit& visit, const Entry& entry, EventRows::Known& known) const
-{
-    known.answers = std::make_unique<EventRows::Answers>();
-    known.answers->rows = mSnapshot->Select(known.run, known.filter);
-    return FillColumns(visit, entry, known) && FillTexts(known);
-}
-
-bool EventLogSearch::FillColumns(const OpenVisit& visit, const Entry& entry, EventRows::Known& known) const
-{
-    if (HasAnswers(visit, entry.begin, entry.end)) {
-        for (const Requests::Number question : visit.questions) {
-            known.answers->columns.push_back(mAnswers->Find(question, entry.begin, entry.end));
-        }
-        return true;
-    }
-    const ReadTransaction transaction(mDb);
-    auto columns = IsCurrent()
-        ? AnswerReader(mDb, *mSnapshot, mRequests).ReadOneByOne(entry, known.answers->rows, visit.questions)
-        : std::nullopt;
-    if (columns) {
-        known.answers->columns = std::move(*columns);
-    }
-    return columns.has_value();
-}
-
-bool EventLogSearch::FillTexts(EventRows::Known& known) const
-{
-    const bool isAny = std::any_of(known.answers->columns.begin(), known.answers->columns.end(),
-        [](const auto& column) { return column->HasAskedAgain(); });
-    std::vector<std::uint32_t> asked;
-    const RowBits none;
-    (isAny ? known.answers->rows : none).ForEach([&](std::uint32_t row) {
-        if (std::any_of(known.answers->columns.begin(), known.answers->columns.end(),
-                [row](const auto& column) { return column->IsAskedAgain(row); })) {
-            asked.push_back(row);
-        }
-    });
-    if (asked.empty()) {
-        return true;
-    }
-    if (!mSnapshot->GetOrigin().isInTableOrder) {
-        return false;
-    }
-    const ReadTransaction transaction(mDb);
-    auto texts = IsCurrent() ? AnswerReader(mDb, *mSnapshot, mRequests).ReadTexts(asked) : std::nullopt;
-    if (texts) {
-        known.answers->texts = std::move(*texts);
-    }
-    return texts.has_value();
 }

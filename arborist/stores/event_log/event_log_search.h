@@ -9,12 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "arborist/stores/event_log/answer_table.h"
+#include "arborist/stores/event_log/answer_cache.h"
 #include "arborist/stores/event_log/event_log_snapshot.h"
 #include "arborist/stores/event_log/event_query.h"
 #include "arborist/stores/event_log/event_rows.h"
-#include "arborist/stores/event_log/local_days.h"
-#include "arborist/stores/event_log/requests.h"
 #include "arborist/stores/event_log/row_counts.h"
 #include "arborist/stores/event_log/rows_of_ids.h"
 
@@ -25,7 +23,7 @@ class EventLogSearch {
 public:
     /// Beyond this many ids, a rule's range logs no line for an id that is known to have no rows: this bounds the lines
     /// for a log that can't be read.
-    static constexpr std::int64_t LONGEST_RANGE_TOLD = 100000;
+    static constexpr std::int64_t LONGEST_LOGGED_RANGE = 100000;
 
     /// The ids and times to search for.
     struct Query {
@@ -40,10 +38,10 @@ public:
         /// How many ids of the rule's range come before the first: bounded lines are counted from there.
         std::int64_t idsBefore = 0;
 
-        /// One behind the last id whose line is logged where there is nothing to ask; see LONGEST_RANGE_TOLD.
-        std::int64_t GetToldEnd() const
+        /// One behind the last id whose line is logged where there is nothing to ask; see LONGEST_LOGGED_RANGE.
+        std::int64_t GetLoggedEnd() const
         {
-            return std::min(lastId + std::int64_t{1}, firstId - idsBefore + LONGEST_RANGE_TOLD);
+            return std::min(lastId + std::int64_t{1}, firstId - idsBefore + LONGEST_LOGGED_RANGE);
         }
     };
 
@@ -54,7 +52,7 @@ public:
         UNREADABLE ///< nothing could be read
     };
 
-    /// Receives the rows of one id, which are valid during the call; returns true to end the visit.
+    /// Receives the rows of one id; returns true to end the visit. A copy of the rows may be kept.
     using Visitor = std::function<bool(const EventRows& rows)>;
 
     explicit EventLogSearch(const FT::sql::Sqlite3Db& database);
@@ -80,7 +78,7 @@ public:
     /// partner. False if that visit could not read the whole log.
     bool HasUnseen(std::int32_t firstId, std::int32_t lastId, std::int64_t start) const;
 
-    static void TellVersionName(const std::string& versionName);
+    static void LogVersionName(const std::string& versionName);
 
 private:
     using Entry = EventLogSnapshot::Entry;
@@ -96,23 +94,14 @@ private:
     bool VisitByQuery(OpenVisit& visit, std::int32_t eventId);
     bool RunQuery(std::int32_t eventId, std::int64_t startTime);
     bool RunAmongRows(std::int32_t eventId, std::int64_t startTime);
-    void TellBreak(const std::string& error) const;
-    void Prepare(const OpenVisit& visit);
-    void ReadAnswers(const OpenVisit& visit);
-    bool HasAnswers(const OpenVisit& visit, std::uint32_t firstRow, std::uint32_t endRow) const;
-    bool FillAnswers(const OpenVisit& visit, const Entry& entry, EventRows::Known& known) const;
-    bool FillColumns(const OpenVisit& visit, const Entry& entry, EventRows::Known& known) const;
-    bool FillTexts(EventRows::Known& known) const;
-    bool IsCurrent() const;
+    void LogBreak(const std::string& error) const;
     bool IsWhole() const;
 
     const FT::sql::Sqlite3Db& mDb;
     EventQuery mEventQuery;
-    Requests mRequests;
+    AnswerCache mAnswers;
     std::shared_ptr<const EventLogSnapshot> mSnapshot; // null if the log can't be read
     std::vector<std::shared_ptr<RowCounts>> mCounts; // of the filters used last, the latest at the end
-    std::shared_ptr<const AnswerTable> mAnswers; // those of the last reading
-    bool mCanReadAnswers = true; // in one pass
     std::size_t mQueries = 0; // that were run for ids of the snapshot
     std::optional<RowsOfIds> mRowsOfIds;
 };

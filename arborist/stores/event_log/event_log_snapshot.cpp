@@ -104,7 +104,7 @@ std::uint16_t EventLogSnapshot::NumberOfVersion(const std::string& name) const
     return found == mVersionNumbers.end() ? UNNAMED_VERSION : found->second;
 }
 
-EventLogSnapshot::Run EventLogSnapshot::RunSince(const Entry& entry, std::int64_t start) const
+EventLogSnapshot::RowRange EventLogSnapshot::RangeSince(const Entry& entry, std::int64_t start) const
 {
     if (!entry.isAscending) {
         return {entry.begin, entry.end, false};
@@ -120,46 +120,46 @@ EventLogSnapshot::Run EventLogSnapshot::RunSince(const Entry& entry, std::int64_
     return {static_cast<std::uint32_t>(found - begin), entry.end, true};
 }
 
-std::size_t EventLogSnapshot::Count(const Run& run, const Filter& filter) const
+std::size_t EventLogSnapshot::Count(const RowRange& range, const Filter& filter) const
 {
-    if (run.isSince && !filter.version) {
-        return run.end - run.begin;
+    if (range.isSince && !filter.version) {
+        return range.end - range.begin;
     }
     std::uint32_t count = 0;
-    if (run.isSince) {
+    if (range.isSince) {
         const std::uint16_t* const versions = mColumns.versions.data();
         const std::uint16_t version = *filter.version;
-        for (std::uint32_t row = run.begin; row < run.end; ++row) {
+        for (std::uint32_t row = range.begin; row < range.end; ++row) {
             count += static_cast<std::uint32_t>((versions[row] == UNNAMED_VERSION) | (versions[row] == version));
         }
         return count;
     }
-    for (std::uint32_t row = run.begin; row < run.end; ++row) {
-        count += static_cast<std::uint32_t>(Passes(row, run, filter));
+    for (std::uint32_t row = range.begin; row < range.end; ++row) {
+        count += static_cast<std::uint32_t>(Passes(row, range, filter));
     }
     return count;
 }
 
 template <typename Condition>
-void EventLogSnapshot::CountDaysIf(const Run& run, LocalDays& localDays, DayCounts& days, Condition passes) const
+void EventLogSnapshot::CountDaysIf(const RowRange& range, LocalDays& localDays, DayCounts& days, Condition passes) const
 {
-    for (std::uint32_t row = run.begin; row < run.end; ++row) {
+    for (std::uint32_t row = range.begin; row < range.end; ++row) {
         days[static_cast<std::size_t>(localDays.DayOfMonth(mColumns.times[row]))] +=
             static_cast<std::int32_t>(passes(row));
     }
 }
 
-void EventLogSnapshot::CountDays(const Run& run, const Filter& filter, LocalDays& localDays, DayCounts& days) const
+void EventLogSnapshot::CountDays(const RowRange& range, const Filter& filter, LocalDays& localDays, DayCounts& days) const
 {
-    if (!run.isSince) {
-        CountDaysIf(run, localDays, days, [&](std::uint32_t row) { return Passes(row, run, filter); });
+    if (!range.isSince) {
+        CountDaysIf(range, localDays, days, [&](std::uint32_t row) { return Passes(row, range, filter); });
     } else if (filter.version) {
-        CountDaysIf(run, localDays, days,
+        CountDaysIf(range, localDays, days,
             [versions = mColumns.versions.data(), version = *filter.version](std::uint32_t row) {
                 return (versions[row] == UNNAMED_VERSION) | (versions[row] == version);
             });
     } else {
-        CountDaysIf(run, localDays, days, [](std::uint32_t) { return true; });
+        CountDaysIf(range, localDays, days, [](std::uint32_t) { return true; });
     }
 }
 
@@ -169,25 +169,25 @@ bool EventLogSnapshot::HasUnseen(std::int32_t firstId, std::int32_t lastId, std:
         [start](const auto& unseen) { return unseen.second >= start; });
 }
 
-std::size_t EventLogSnapshot::CountAfter(const Run& run, const Filter& filter, std::int64_t time) const
+std::size_t EventLogSnapshot::CountAfter(const RowRange& range, const Filter& filter, std::int64_t time) const
 {
-    return Count({run.begin, run.end, false}, {std::max(filter.start, time + 1), filter.version});
+    return Count({range.begin, range.end, false}, {std::max(filter.start, time + 1), filter.version});
 }
 
 void EventLogSnapshot::CountDaysAfter(
-    const Run& run, const Filter& filter, std::int64_t time, LocalDays& localDays, DayCounts& days) const
+    const RowRange& range, const Filter& filter, std::int64_t time, LocalDays& localDays, DayCounts& days) const
 {
-    CountDays({run.begin, run.end, false}, {std::max(filter.start, time + 1), filter.version}, localDays, days);
+    CountDays({range.begin, range.end, false}, {std::max(filter.start, time + 1), filter.version}, localDays, days);
 }
 
-RowBits EventLogSnapshot::Select(const Run& run, const Filter& filter) const
+RowBits EventLogSnapshot::Select(const RowRange& range, const Filter& filter) const
 {
-    RowBits rows(run.begin, run.end);
-    for (std::uint32_t row = run.begin; row < run.end;) {
+    RowBits rows(range.begin, range.end);
+    for (std::uint32_t row = range.begin; row < range.end;) {
         const std::uint32_t number = row / RowBits::WORD_BITS;
         RowBits::Word word = 0;
-        for (; row < run.end && row / RowBits::WORD_BITS == number; ++row) {
-            word |= static_cast<RowBits::Word>(Passes(row, run, filter)) << row % RowBits::WORD_BITS;
+        for (; row < range.end && row / RowBits::WORD_BITS == number; ++row) {
+            word |= static_cast<RowBits::Word>(Passes(row, range, filter)) << row % RowBits::WORD_BITS;
         }
         rows.SetWord(number, word);
     }

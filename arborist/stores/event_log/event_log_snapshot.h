@@ -69,7 +69,7 @@ public:
     };
 
     /// Rows of an entry.
-    struct Run {
+    struct RowRange {
         std::uint32_t begin;
         std::uint32_t end; ///< one behind the last
         bool isSince; ///< all lie at or after the start that was asked for
@@ -101,19 +101,19 @@ public:
     const std::vector<std::int32_t>& GetIds() const { return mIds; }
 
     /// A superset of the entry's rows at or after `start`.
-    Run RunSince(const Entry& entry, std::int64_t start) const;
+    RowRange RangeSince(const Entry& entry, std::int64_t start) const;
     /// The same if it is known that there are `found` such rows.
-    static Run RunOf(const Entry& entry, std::size_t found)
+    static RowRange RangeOf(const Entry& entry, std::size_t found)
     {
         const std::uint32_t first = entry.end - static_cast<std::uint32_t>(found);
         return {entry.isAscending ? first : entry.begin, entry.end, entry.isAscending};
     }
     /// The number of the version with this name; UNNAMED_VERSION if no row has it.
     std::uint16_t NumberOfVersion(const std::string& name) const;
-    std::size_t Count(const Run& run, const Filter& filter) const;
+    std::size_t Count(const RowRange& range, const Filter& filter) const;
     /// Counts the rows that pass the filter by their day of the month.
-    void CountDays(const Run& run, const Filter& filter, LocalDays& localDays, DayCounts& days) const;
-    RowBits Select(const Run& run, const Filter& filter) const;
+    void CountDays(const RowRange& range, const Filter& filter, LocalDays& localDays, DayCounts& days) const;
+    RowBits Select(const RowRange& range, const Filter& filter) const;
     std::uint32_t GetTime(std::uint32_t row) const { return mColumns.times[row]; }
     std::int64_t GetRowId(std::uint32_t row) const { return mColumns.rowIds[row]; }
     /// The time of the earliest row; nothing if there are none.
@@ -121,10 +121,10 @@ public:
     /// True if one of these ids has a row that no query finds, at or after `start` or at an unknown time.
     bool HasUnseen(std::int32_t firstId, std::int32_t lastId, std::int64_t start) const;
     /// Counts the rows that pass the filter and are later than `time`.
-    std::size_t CountAfter(const Run& run, const Filter& filter, std::int64_t time) const;
+    std::size_t CountAfter(const RowRange& range, const Filter& filter, std::int64_t time) const;
     /// The same by their day of the month.
     void CountDaysAfter(
-        const Run& run, const Filter& filter, std::int64_t time, LocalDays& localDays, DayCounts& days) const;
+        const RowRange& range, const Filter& filter, std::int64_t time, LocalDays& localDays, DayCounts& days) const;
     /// True if the row ids of every entry ascend that needs no query.
     bool AreRowIdsAscending() const { return mAreRowIdsAscending; }
 
@@ -133,14 +133,14 @@ private:
     void GroupRows(const std::vector<std::uint32_t>& entryOfRow);
     void LookAtOrder();
     template <typename Condition>
-    void CountDaysIf(const Run& run, LocalDays& localDays, DayCounts& days, Condition passes) const;
+    void CountDaysIf(const RowRange& range, LocalDays& localDays, DayCounts& days, Condition passes) const;
     // Without branches, so that compilers can vectorise loops over rows.
-    bool Passes(std::uint32_t row, const Run& run, const Filter& filter) const
+    bool Passes(std::uint32_t row, const RowRange& range, const Filter& filter) const
     {
         const std::uint16_t version = mColumns.versions[row];
         const int isOfVersion = int{!filter.version.has_value()} | int{version == UNNAMED_VERSION} |
             int{version == filter.version.value_or(UNNAMED_VERSION)};
-        return (isOfVersion & (int{run.isSince} | int{std::int64_t{mColumns.times[row]} >= filter.start})) != 0;
+        return (isOfVersion & (int{range.isSince} | int{std::int64_t{mColumns.times[row]} >= filter.start})) != 0;
     }
 
     Origin mOrigin;

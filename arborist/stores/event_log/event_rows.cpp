@@ -13,21 +13,22 @@ constexpr std::size_t DAY_LENGTH = 10;
 
 } // namespace
 
-EventRows::EventRows(std::int32_t eventId, Known known, std::size_t found, std::size_t count,
-    const Questions& questions, LocalDays& days)
-    : mEventId(eventId), mFound(found), mCount(count), mQuestions(questions), mKnown(std::move(known)), mDays(&days)
+EventRows::EventRows(
+    std::int32_t eventId, std::shared_ptr<const Visit> visit, Known known, std::size_t found, std::size_t count)
+    : mEventId(eventId), mFound(found), mCount(count), mVisit(std::move(visit)), mKnown(std::move(known))
 {
 }
 
-EventRows::EventRows(std::int32_t eventId, EventList events, std::size_t found, const Questions& questions)
-    : mEventId(eventId), mFound(found), mCount(events.size()), mQuestions(questions), mEvents(std::move(events))
+EventRows::EventRows(
+    std::int32_t eventId, std::shared_ptr<const Visit> visit, EventList events, std::size_t found)
+    : mEventId(eventId), mFound(found), mCount(events.size()), mVisit(std::move(visit)), mEvents(std::move(events))
 {
 }
 
 void EventRows::CountDays(DayCounts& days) const
 {
     if (mKnown) {
-        mKnown->snapshot.CountDays(mKnown->run, mKnown->filter, *mDays, days);
+        mVisit->snapshot->CountDays(mKnown->range, mKnown->filter, mVisit->days, days);
         return;
     }
     ForEach([&](const Row& row) { AddDay(row, days); });
@@ -44,7 +45,7 @@ void EventRows::AddDay(const Row& row, DayCounts& days) const
 std::size_t EventRows::CountAfter(std::int64_t time) const
 {
     if (mKnown) {
-        return mKnown->snapshot.CountAfter(mKnown->run, mKnown->filter, time);
+        return mVisit->snapshot->CountAfter(mKnown->range, mKnown->filter, time);
     }
     std::size_t count = 0;
     ForEach([&](const Row& row) { count += row.IsAfter(time) ? 1 : 0; });
@@ -54,7 +55,7 @@ std::size_t EventRows::CountAfter(std::int64_t time) const
 void EventRows::CountDaysAfter(std::int64_t time, DayCounts& days) const
 {
     if (mKnown) {
-        mKnown->snapshot.CountDaysAfter(mKnown->run, mKnown->filter, time, *mDays, days);
+        mVisit->snapshot->CountDaysAfter(mKnown->range, mKnown->filter, time, mVisit->days, days);
         return;
     }
     ForEach([&](const Row& row) {
@@ -82,7 +83,7 @@ std::uint64_t EventRows::Sum(std::size_t question) const
 
 std::int32_t EventRows::Ask(std::size_t question, std::string_view extra) const
 {
-    return extra.empty() ? 0 : mQuestions[question]->Answer(extra);
+    return extra.empty() ? 0 : mVisit->questions[question]->Answer(extra);
 }
 
 // Texts of times compare like the times, but for an hour at the end of summer.

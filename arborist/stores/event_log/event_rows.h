@@ -8,47 +8,45 @@
 #include <string_view>
 #include <vector>
 
-#include "arborist/stores/event_log/answer_reader.h"
-#include "arborist/stores/event_log/answer_table.h"
 #include "arborist/stores/event_log/event_log_snapshot.h"
 #include "arborist/stores/event_log/event_query.h"
 #include "arborist/stores/event_log/local_days.h"
+#include "arborist/stores/event_log/row_answers.h"
 #include "arborist/stores/event_log/row_question.h"
 
 /// The rows of one event id that a query of the event log finds, in its order, with their answers to the questions of
-/// the visit. Can't be copied; refers to the visit's data, so don't keep a reference beyond the visitor's call.
+/// the visit. Shares ownership of all that it shows: a copy is valid for as long as it is kept, whatever becomes of the
+/// visit, the search and the log. Copies of one visit share a cache, so use them from one thread.
 class EventRows {
 public:
     using EventList = EventQuery::EventList;
     using Questions = std::vector<std::shared_ptr<const RowQuestion>>;
-    using Columns = std::vector<std::shared_ptr<const AnswerColumn>>;
 
-    /// The answers of the rows of an entry.
-    struct Answers {
-        /// The rows that count.
-        RowBits rows;
-        /// For each question the column with its answers.
-        Columns columns;
-        /// The texts of the rows to ask again.
-        AnswerReader::Texts texts;
+    /// What the rows of all ids of a visit share.
+    struct Visit {
+        Questions questions;
+        std::shared_ptr<const EventLogSnapshot> snapshot{};
+        mutable LocalDays days{};
     };
 
-    /// Rows of a snapshot.
+    /// Rows of the visit's snapshot.
     struct Known {
-        const EventLogSnapshot& snapshot;
-        EventLogSnapshot::Run run;
+        EventLogSnapshot::RowRange range;
         EventLogSnapshot::Filter filter;
         /// Null if there are no questions.
-        std::unique_ptr<Answers> answers;
+        std::shared_ptr<const RowAnswers> answers;
     };
 
-    /// One row that counts. Valid during one call of ForEach's function.
+    /// One row that counts, shown to ForEach's function, which can't keep it.
     class Row {
     public:
+        Row(const Row&) = delete;
+        Row& operator=(const Row&) = delete;
+
         /// Day of the month in local time; 0 if the row has no time.
         std::int32_t GetDayOfMonth() const
         {
-            return mRows.mKnown ? mRows.mDays->DayOfMonth(mRows.mKnown->snapshot.GetTime(mNumber))
+            return mRows.mKnown ? mRows.mVisit->days.DayOfMonth(mRows.mVisit->snapshot->GetTime(mNumber))
                                 : mRows.WholeDayOf(mNumber);
         }
         /// The answer of the row to the question with this index; logs the lines that belong to it.
@@ -60,7 +58,7 @@ public:
 
         bool IsAfter(std::int64_t time) const
         {
-            return mRows.mKnown ? mRows.mKnown->snapshot.GetTime(mNumber) > time : mRows.IsWholeAfter(mNumber, time);
+            return mRows.mKnown ? mRows.mVisit->snapshot->GetTime(mNumber) > time : mRows.IsWholeAfter(mNumber, time);
         }
 
     private:
@@ -72,12 +70,10 @@ public:
     };
 
     /// `found` is the number of rows since the start, of any version; `count` of those that count.
-    EventRows(std::int32_t eventId, Known known, std::size_t found, std::size_t count, const Questions& questions,
-        LocalDays& days);
+    EventRows(std::int32_t eventId, std::shared_ptr<const Visit> visit, Known known, std::size_t found,
+        std::size_t count);
     /// For rows that the id's own query has read with their texts.
-    EventRows(std::int32_t eventId, EventList events, std::size_t found, const Questions& questions);
-    EventRows(const EventRows&) = delete;
-    EventRows& operator=(const EventRows&) = delete;
+    EventRows(std::int32_t eventId, std::shared_ptr<const Visit> visit, EventList events, std::size_t found);
 
     std::int32_t GetEventId() const { return mEventId; }
     /// Number of rows since the start, of any version; at least one.
@@ -113,7 +109,7 @@ private:
     std::int32_t WholeDayOf(std::uint32_t row) const;
     bool IsWholeAfter(std::uint32_t row, std::int64_t time) const;
     void AddDay(const Row& row, DayCounts& days) const;
-    std::int32_t KnownAnswer(const Answers& answers, std::uint32_t row, std::size_t question) const
+    std::int32_t KnownAnswer(const RowAnswers& answers, std::uint32_t row, std::size_t question) const
     {
         const AnswerColumn& column = *answers.columns[question];
         return column.IsAskedAgain(row) ? Ask(question, answers.texts.at(row)) : column.Get(row);
@@ -123,9 +119,8 @@ private:
     std::int32_t mEventId;
     std::size_t mFound;
     std::size_t mCount;
-    const Questions& mQuestions;
+    std::shared_ptr<const Visit> mVisit;
     std::optional<Known> mKnown; // not set if the rows were read with their texts
-    LocalDays* mDays = nullptr;
     EventList mEvents;
 };
 

@@ -8,8 +8,8 @@
 
 #include "arborist/utilities/text_hash.h"
 
-/// Keyed hash of event ids: multiplies, adds and shifts with two numbers drawn for the process, so that nobody can
-/// write a log whose ids all collide.
+/// Keyed hash of event ids: multiply-add-shift (Dietzfelbinger) with two numbers drawn for the process. It is universal:
+/// nobody can write a log whose ids all collide.
 struct IdHash {
     std::size_t operator()(std::int32_t id) const
     {

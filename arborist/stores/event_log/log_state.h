@@ -12,7 +12,6 @@ class ReadTransaction {
 public:
     explicit ReadTransaction(const FT::sql::Sqlite3Db& database);
     ~ReadTransaction();
-    const FT::sql::Sqlite3Db& GetDatabase() const { return mDb; }
     ReadTransaction(const ReadTransaction&) = delete;
     ReadTransaction& operator=(const ReadTransaction&) = delete;
 

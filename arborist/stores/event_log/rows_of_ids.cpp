@@ -11,9 +11,10 @@ constexpr std::size_t MOST_ROWS = 10000;
 
 } // namespace
 
-std::optional<RowsOfIds> RowsOfIds::Read(const ReadTransaction& transaction, const EventLogSnapshot& snapshot)
+std::optional<RowsOfIds> RowsOfIds::Read(const UnchangedLog& log)
 {
-    const FT::sql::Sqlite3Db& database = transaction.GetDatabase();
+    const FT::sql::Sqlite3Db& database = log.GetDatabase();
+    const EventLogSnapshot& snapshot = log.GetSnapshot();
     const EventLogSnapshot::Origin& origin = snapshot.GetOrigin();
     if (!origin.isInTableOrder || !origin.canSearchEvents ||
         FileCheck::OfTable(database, "event_info").state == FileCheck::Result::State::DISORDER) {

@@ -7,8 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "arborist/stores/event_log/event_log_snapshot.h"
-#include "arborist/stores/event_log/log_state.h"
+#include "arborist/stores/event_log/unchanged_log.h"
 
 /// Which rows of event_info have the ids that are left to their own queries. With them such a query goes straight to its
 /// rows. It finds the same rows in the same order, searches the same partners in the same order and meets the same
@@ -17,7 +16,7 @@ class RowsOfIds {
 public:
     /// Scans event_info once. Nothing if a search in it may miss a row that a scan finds, or if the query for an id
     /// would not scan it.
-    static std::optional<RowsOfIds> Read(const ReadTransaction& transaction, const EventLogSnapshot& snapshot);
+    static std::optional<RowsOfIds> Read(const UnchangedLog& log);
 
     /// A condition that selects the rows of this id, to be added to its query. Nothing for an id with too many rows.
     std::optional<std::string> GetCondition(std::int32_t eventId) const;

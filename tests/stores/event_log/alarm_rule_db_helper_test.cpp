@@ -164,12 +164,12 @@ TEST_F(AlarmRuleDbHelperTest, HugeRangeOverAMissingLogEnds)
     AlarmRuleDbHelper helper;
     mLog.Clear();
     EXPECT_EQ(Visit(helper, {INT32_MIN, INT32_MAX, 0, false}), "unreadable ");
-    EXPECT_EQ(mLog.Lines().size(), 2U * EventLogSearch::LONGEST_RANGE_TOLD);
+    EXPECT_EQ(mLog.Lines().size(), 2U * EventLogSearch::LONGEST_LOGGED_RANGE);
 }
 
 TEST_F(AlarmRuleDbHelperTest, PartsOfOneHugeRangeShareTheBoundOfLines)
 {
-    constexpr std::int32_t BOUND = EventLogSearch::LONGEST_RANGE_TOLD;
+    constexpr std::int32_t BOUND = EventLogSearch::LONGEST_LOGGED_RANGE;
     AlarmRuleDbHelper helper;
     mLog.Clear();
     EXPECT_EQ(Visit(helper, {BOUND - 1, INT32_MAX, 0, false, {}, BOUND - 2}), "unreadable ");

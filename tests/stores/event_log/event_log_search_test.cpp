@@ -40,7 +40,7 @@ protected:
     // Ids without rows are asked for their lines, too. Leaves these out for all but the first of them.
     static EventLogSearch::Query FewLines(EventLogSearch::Query query)
     {
-        query.idsBefore = EventLogSearch::LONGEST_RANGE_TOLD - 20;
+        query.idsBefore = EventLogSearch::LONGEST_LOGGED_RANGE - 20;
         return query;
     }
 
@@ -245,7 +245,7 @@ TEST_F(EventLogSearchTest, LogThatCannotBeAskedIsToldForEachId)
     EXPECT_EQ(mLog.Lines().size(), 2U);
     mLog.Clear();
     Visit({INT32_MIN, INT32_MAX, 0, false});
-    EXPECT_EQ(mLog.Lines().size(), EventLogSearch::LONGEST_RANGE_TOLD);
+    EXPECT_EQ(mLog.Lines().size(), EventLogSearch::LONGEST_LOGGED_RANGE);
 }
 
 TEST_F(EventLogSearchTest, ChangeOfTheLogIsSeenByTheNextVisit)

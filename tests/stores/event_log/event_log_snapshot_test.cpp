@@ -34,12 +34,12 @@ public:
 
     std::size_t Count(std::int64_t start, std::optional<std::uint16_t> version = std::nullopt) const
     {
-        return mSnapshot.Count(mSnapshot.RunSince(mSnapshot.GetEntry(0), start), {start, version});
+        return mSnapshot.Count(mSnapshot.RangeSince(mSnapshot.GetEntry(0), start), {start, version});
     }
     std::vector<std::uint32_t> Times(std::int64_t start, std::optional<std::uint16_t> version = std::nullopt) const
     {
         std::vector<std::uint32_t> times;
-        mSnapshot.Select(mSnapshot.RunSince(mSnapshot.GetEntry(0), start), {start, version})
+        mSnapshot.Select(mSnapshot.RangeSince(mSnapshot.GetEntry(0), start), {start, version})
             .ForEach([&](std::uint32_t row) { times.push_back(mSnapshot.GetTime(row)); });
         return times;
     }
@@ -47,7 +47,7 @@ public:
     {
         EventLogSnapshot::DayCounts counts{};
         LocalDays days;
-        mSnapshot.CountDays(mSnapshot.RunSince(mSnapshot.GetEntry(0), start), {start, version}, days, counts);
+        mSnapshot.CountDays(mSnapshot.RangeSince(mSnapshot.GetEntry(0), start), {start, version}, days, counts);
         std::string text;
         for (std::size_t day = 0; day < counts.size(); ++day) {
             text += counts[day] == 0 ? "" : std::to_string(day) + ":" + std::to_string(counts[day]) + " ";
@@ -106,12 +106,12 @@ TEST(EventLogSnapshotTest, CountsRowsOutOfOrderOneByOne)
     EXPECT_THAT(rows.Times(25, 1), ElementsAre(40U, 30U));
 }
 
-TEST(EventLogSnapshotTest, RunsOfKnownLengthAreThoseSinceTheStart)
+TEST(EventLogSnapshotTest, RangesOfKnownLengthAreThoseSinceTheStart)
 {
     const EventLogSnapshot snapshot = Snapshot({{7, 10}, {7, 20}, {7, 30}, {8, 30}, {8, 10}});
-    EXPECT_EQ(EventLogSnapshot::RunOf(snapshot.GetEntry(0), 2).begin, snapshot.RunSince(snapshot.GetEntry(0), 15).begin);
-    EXPECT_EQ(EventLogSnapshot::RunOf(snapshot.GetEntry(1), 1).begin, snapshot.GetEntry(1).begin);
-    EXPECT_FALSE(EventLogSnapshot::RunOf(snapshot.GetEntry(1), 1).isSince);
+    EXPECT_EQ(EventLogSnapshot::RangeOf(snapshot.GetEntry(0), 2).begin, snapshot.RangeSince(snapshot.GetEntry(0), 15).begin);
+    EXPECT_EQ(EventLogSnapshot::RangeOf(snapshot.GetEntry(1), 1).begin, snapshot.GetEntry(1).begin);
+    EXPECT_FALSE(EventLogSnapshot::RangeOf(snapshot.GetEntry(1), 1).isSince);
 }
 
 TEST(EventLogSnapshotTest, VersionsAreFoundByTheirNames)

@@ -78,6 +78,26 @@ TEST_F(EventRowsTest, AnswerWhatTheirTextsHold)
     EXPECT_EQ(Sum(NumberQuestion::IsThere("a")), 3U);
 }
 
+TEST_F(EventRowsTest, CopiesOutliveTheVisitAndTheLog)
+{
+    Open(EventLogBuilder().Rows({{86400, 7, "1.0", R"({"a":5})"}, {86400, 7, "1.0", "{"}, {86400, 7, "2.0", ""}}));
+    std::vector<EventRows> kept;
+    {
+        const EventRows::Questions questions{NumberQuestion::Of("a")};
+        Show(questions, [&kept](const EventRows& rows) { kept.push_back(rows); });
+    }
+    mHelper.reset();
+    mDir.Write("data/Comms/Lumbra/workDir/0/log.db", "");
+    ASSERT_EQ(kept.size(), 1U);
+    EXPECT_EQ(kept[0].GetEventId(), 7);
+    EXPECT_EQ(kept[0].GetFoundCount(), 3U);
+    EXPECT_EQ(kept[0].Sum(0), 4U);
+    EXPECT_EQ(kept[0].CountAfter(86399), 2U);
+    EventRows::DayCounts days{};
+    kept[0].CountDays(days);
+    EXPECT_EQ(days[2], 2);
+}
+
 TEST_F(EventRowsTest, SumBelowZeroWraps)
 {
     Open(EventLogBuilder().Rows({{10, 7, "1.0", R"({"a":-5})"}, {20, 7, "1.0", R"({"a":2})"}}));

@@ -25,8 +25,8 @@ protected:
 
     std::optional<RowsOfIds> RowsOfSnapshot()
     {
-        const ReadTransaction transaction(mDatabase.GetHandle());
-        return RowsOfIds::Read(transaction, *mSnapshot);
+        const auto log = UnchangedLog::Open(mDatabase.GetHandle(), mSnapshot);
+        return log == nullptr ? std::nullopt : RowsOfIds::Read(*log);
     }
 
     static std::string ConditionFor(const std::optional<RowsOfIds>& rows, std::int32_t id)
