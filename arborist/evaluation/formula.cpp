@@ -165,6 +165,7 @@ public:
     double Result() const { return mNumbers.back(); }
     bool HasBadNumber() const { return mHasBadNumber; }
     bool HasUnknownName() const { return mHasUnknownName; }
+    bool HasDividedByZero() const { return mHasDividedByZero; }
 
 private:
     // Only where somebody wants to hear of the grouping, too. A name with an empty value has its own reason.
@@ -219,6 +220,7 @@ private:
         if (mGrouping != nullptr) {
             mGrouping->Join(sign);
         }
+        mHasDividedByZero = mHasDividedByZero || (sign == '/' && right == 0);
         if (IsLegalOperator(sign)) { // an unclosed "(" drops both values
             mNumbers.push_back(Combine(sign, left, right));
         }
@@ -252,6 +254,7 @@ private:
     Grouping* mGrouping;
     bool mHasBadNumber = false;
     bool mHasUnknownName = false;
+    bool mHasDividedByZero = false;
 };
 
 } // namespace
@@ -278,5 +281,6 @@ Formula::Outcome Formula::Calculate(const ValueOf& valueOf, bool withGrouping) c
     }
     outcome.hasBadNumber = calculation.HasBadNumber();
     outcome.hasUnknownName = calculation.HasUnknownName();
+    outcome.hasDividedByZero = calculation.HasDividedByZero();
     return outcome;
 }

@@ -27,6 +27,8 @@ public:
         bool hasBadNumber = false;
         /// A name that nothing has, and that is no number, counts as 0.
         bool hasUnknownName = false;
+        /// A division by 0 gave 0.
+        bool hasDividedByZero = false;
     };
 
     explicit Formula(std::string expression);

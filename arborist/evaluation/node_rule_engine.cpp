@@ -76,16 +76,21 @@ bool NodeRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const st
     const ParamIndex params(nodeRule->GetParamMap(), &Param::key);
     const bool allRead = SetParamValue(*nodeRule, params);
     RunLogicExpression(*nodeRule, params);
-    const bool answer = CheckConditions(*nodeRule);
-    if (GetReason() == Reason::CONDITION_NOT_MET && !allRead) {
-        NoteReason(Reason::NODE_UNREADABLE);
-    } else if (GetReason() == Reason::CONDITION_NOT_MET && mIsValueMissing) {
-        NoteReason(Reason::NO_VALUE);
+    const Reason outcome = CheckConditions(*nodeRule);
+    return Decide(ReasonOf(outcome, allRead), outcome == Reason::CONDITION_MET);
+}
+
+// The reason for an outcome of the conditions: one that is not met may lack its file or its value. A missing file is
+// noted where it is not the reason.
+Reason NodeRuleEngine::ReasonOf(Reason outcome, bool allRead) const
+{
+    if (!allRead && outcome == Reason::CONDITION_NOT_MET) {
+        return Reason::NODE_UNREADABLE;
     }
-    if (record != nullptr && !allRead && GetReason() != Reason::NODE_UNREADABLE) {
-        GetRecord()->Note(Reason::NODE_UNREADABLE);
+    if (!allRead) {
+        Note(Reason::NODE_UNREADABLE);
     }
-    return answer;
+    return mIsValueMissing && outcome == Reason::CONDITION_NOT_MET ? Reason::NO_VALUE : outcome;
 }
 
 bool NodeRuleEngine::SetParamValue(const NodeRule& rule, const ParamIndex& params)
@@ -143,6 +148,7 @@ void NodeRuleEngine::RunLogicExpression(const NodeRule& rule, const ParamIndex& 
     }
     const Formula formula(expression);
     if (formula.IsEmpty()) {
+        Note(Reason::BAD_FORMULA);
         return;
     }
     auto* const record = GetPart<Evidence::Node>();
@@ -166,30 +172,33 @@ void NodeRuleEngine::NoteFormula(const Formula::Outcome& outcome) const
     if (outcome.hasUnknownName) {
         Note(Reason::UNKNOWN_NAME);
     }
+    if (outcome.hasDividedByZero) {
+        Note(Reason::DIVISION_BY_ZERO);
+    }
 }
 
-bool NodeRuleEngine::CheckConditions(const NodeRule& rule)
+// CONDITION_MET, CONDITION_NOT_MET, or why no condition could decide.
+Reason NodeRuleEngine::CheckConditions(const NodeRule& rule)
 {
-    NoteReason(Reason::NO_CONDITION);
+    bool hasUnknown = false;
     for (const auto& logic : rule.GetConditionList()) {
         if (logic == nullptr) {
-            return Decide(Reason::NO_CONDITION, false);
+            return Reason::NO_CONDITION;
         }
-        if (GetReason() == Reason::UNKNOWN_CONDITION) {
+        const bool isSingle = logic->GetType() == SINGLE_LOGIC;
+        if (!isSingle && logic->GetType() != MULTIPLE_LOGIC) {
+            hasUnknown = true;
+            continue;
+        }
+        if (hasUnknown) {
             Note(Reason::UNKNOWN_CONDITION);
         }
         // Only the first alternative of a known kind decides, also if it is false: rule files rely on their order.
-        if (logic->GetType() == SINGLE_LOGIC) {
-            const bool holds = IsFaultForSingleNodeRule(rule.GetParamMap(), *logic);
-            return Decide(holds ? Reason::CONDITION_MET : Reason::CONDITION_NOT_MET, holds);
-        }
-        if (logic->GetType() == MULTIPLE_LOGIC) {
-            const bool holds = IsFaultForMultipleNodeRule(rule.GetParamMap(), *logic);
-            return Decide(holds ? Reason::CONDITION_MET : Reason::CONDITION_NOT_MET, holds);
-        }
-        NoteReason(Reason::UNKNOWN_CONDITION);
+        const bool holds = isSingle ? IsFaultForSingleNodeRule(rule.GetParamMap(), *logic)
+                                    : IsFaultForMultipleNodeRule(rule.GetParamMap(), *logic);
+        return holds ? Reason::CONDITION_MET : Reason::CONDITION_NOT_MET;
     }
-    return false;
+    return hasUnknown ? Reason::UNKNOWN_CONDITION : Reason::NO_CONDITION;
 }
 
 // True if any parameter of the rule passes: the condition's own parameter id is ignored. Rule files rely on it and give

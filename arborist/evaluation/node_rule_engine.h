@@ -30,7 +30,8 @@ private:
     /// True if every file could be read. An unreadable file has the empty value.
     bool SetParamValue(const NodeRule& rule, const ParamIndex& params);
     void RunLogicExpression(const NodeRule& rule, const ParamIndex& params);
-    bool CheckConditions(const NodeRule& rule);
+    Evidence::Reason CheckConditions(const NodeRule& rule);
+    Evidence::Reason ReasonOf(Evidence::Reason outcome, bool allRead) const;
     bool IsFaultForSingleNodeRule(const ParamMap& params, const OrLogic& logic);
     bool IsFaultForMultipleNodeRule(const ParamMap& params, const OrLogic& logic);
     bool IsFaultForNodeRuleItem(const ParamIndex& params, const OrLogic::LogicItem& item);

@@ -66,6 +66,8 @@ Check CheckOf(Reason reason)
     case Reason::NO_INTERVAL:
     case Reason::NODE_UNREADABLE:
     case Reason::RUNNER_FAILED:
+    case Reason::DIVISION_BY_ZERO:
+    case Reason::VERSION_UNKNOWN:
     case Reason::NO_VALUE:
         return Check::DATA_MISSING;
     case Reason::NO_GATE:

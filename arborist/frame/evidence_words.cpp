@@ -105,6 +105,10 @@ const char* Evidence::ReasonText(Reason reason)
         return "bad_number";
     case Reason::UNKNOWN_NAME:
         return "unknown_name";
+    case Reason::DIVISION_BY_ZERO:
+        return "division_by_zero";
+    case Reason::VERSION_UNKNOWN:
+        return "version_unknown";
     }
     return "";
 }

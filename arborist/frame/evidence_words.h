@@ -69,9 +69,11 @@ enum class Reason {
     NO_VALUE, ///< a value to compare is missing or empty
     CONDITION_MET, ///< a condition held
     CONDITION_NOT_MET, ///< no condition held
-    BAD_FORMULA, ///< a formula with an operator that lacks a value, or with an unmatched parenthesis
+    BAD_FORMULA, ///< a formula of blanks, with an operator that lacks a value, or with an unmatched parenthesis
     BAD_NUMBER, ///< a text that is not a number was read as 0
     UNKNOWN_NAME, ///< an unknown name in a formula, an unknown comparison, or an unknown type
+    DIVISION_BY_ZERO, ///< a formula divided by 0, which gives 0
+    VERSION_UNKNOWN, ///< rows of a version were passed over, and the version of the device is not known
 };
 
 /// What set the moment from which a rule looks at the log.

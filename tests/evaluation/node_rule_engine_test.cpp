@@ -426,6 +426,43 @@ TEST_F(NodeRuleEngineTest, AMissingNodeIsNotedAlsoWhenTheConditionIsMet)
     EXPECT_THAT(record.notes, IsEmpty()) << "what decided is told once";
 }
 
+// The quotient is 0 whatever the condition makes of it.
+TEST_F(NodeRuleEngineTest, DivisionByZeroIsNotedWhetherTheConditionIsMetOrNot)
+{
+    Evidence::Rule record;
+    NodeFile("errors", "7");
+    NodeFile("packets", "0");
+    AddParam("1", "errors", "");
+    AddParam("2", "packets", "");
+    const auto share = AddParam("3", "share", "double");
+    Express("100 * errors / packets", "share");
+    for (const auto& [limit, answer] : {std::pair("5", false), std::pair("-1", true)}) {
+        record = {};
+        mEngine.SetRecord(&record);
+        Conditions({SingleTest("gt", limit)});
+        EXPECT_EQ(Ask(), answer);
+        EXPECT_EQ(share->value, "0.000000");
+        EXPECT_THAT(record.notes, ElementsAre(Reason::DIVISION_BY_ZERO));
+    }
+    mDir.Write("packets", "4");
+    record = {};
+    mEngine.SetRecord(&record);
+    EXPECT_TRUE(Ask());
+    EXPECT_THAT(record.notes, IsEmpty());
+}
+
+TEST_F(NodeRuleEngineTest, ExpressionOfBlanksIsNoted)
+{
+    Evidence::Rule record;
+    mEngine.SetRecord(&record);
+    NodeFile("a", "5");
+    AddParam("1", "a", "int");
+    Express("  ", "a");
+    Conditions({SingleTest("eq", "5")});
+    EXPECT_TRUE(Ask());
+    EXPECT_THAT(record.notes, ElementsAre(Reason::BAD_FORMULA));
+}
+
 TEST_F(NodeRuleEngineTest, AnswersAndLogAreTheSameWithAndWithoutARecord)
 {
     NodeFile("a", "x");

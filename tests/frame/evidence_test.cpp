@@ -14,8 +14,8 @@ using testing::ElementsAre;
 TEST(EvidenceWordsTest, EveryReasonHasAWordOfItsOwn)
 {
     std::set<std::string> words;
-    // UNKNOWN_NAME is the last.
-    for (int number = 0; number <= static_cast<int>(Reason::UNKNOWN_NAME); ++number) {
+    // VERSION_UNKNOWN is the last.
+    for (int number = 0; number <= static_cast<int>(Reason::VERSION_UNKNOWN); ++number) {
         const std::string word = Evidence::ReasonText(static_cast<Reason>(number));
         EXPECT_EQ(word.empty(), number == 0) << number;
         EXPECT_TRUE(words.insert(word).second) << word;
