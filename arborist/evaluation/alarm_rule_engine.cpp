@@ -454,6 +454,9 @@ void AlarmRuleEngine::NoteLog(Window& window) const
     if (!window.HasRecord() || !mIsLogReadable || !window.IsCounted()) {
         return;
     }
+    if (window.fromUpdate && AlarmRuleDbHelper::CurrentVersion().empty()) {
+        window.NoteUnknownVersion();
+    }
     if (mEventStore->HasUnseen(window.ids.first, window.ids.last, window.start)) {
         window.NoteUnseen();
     }

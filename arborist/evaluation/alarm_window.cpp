@@ -77,6 +77,7 @@ void AlarmWindow::NoteTested(std::size_t test, std::uint64_t tested, std::uint64
 
 void AlarmWindow::NoteReached(const EventRows& rows, std::int64_t reached, Evidence::Measure measure)
 {
+    mHasWeights = mHasWeights || measure == Evidence::Measure::WEIGHTS || measure == Evidence::Measure::DAILY_WEIGHTS;
     if (mCount.reachedById == 0 || reached > mCount.reached) {
         mCount.reached = reached;
         mCount.reachedById = rows.GetEventId();
@@ -110,19 +111,24 @@ void AlarmWindow::Close(Reason reason, bool isHit) const
     mRecord->count = mCount;
     mRecord->hit = isHit;
     mRecord->reason = reason;
-    // Why a count that reached its threshold may be less.
-    if (isHit && mHasNegativeWeight) {
-        mRecord->notes.push_back(Reason::NEGATIVE_WEIGHT);
-    }
-    if (isHit && mRestsOnLaterRows) {
-        mRecord->notes.push_back(Reason::ROWS_AFTER_NOW);
-    }
-    // A row more only takes away where rows weigh.
-    const bool isWeighed = mCount.measure == Evidence::Measure::WEIGHTS || mCount.measure == Evidence::Measure::DAILY_WEIGHTS;
-    if (mHasUnseen && (!isHit || isWeighed)) {
-        mRecord->notes.push_back(Reason::ROWS_UNSEEN);
-    }
-    if (isHit && mRecord->start && mRecord->start->isRepairUnreadable) {
-        mRecord->notes.push_back(Reason::REPAIR_UNREADABLE);
-    }
+    // Further rows add to a count of rows, and may take away from a sum of weights; with fewer rows it is the reverse.
+    const bool isWeighed = mHasWeights && !IsSureOfRows(isHit);
+    const bool wouldMoreRowsMatter = !isHit || isWeighed;
+    const bool wouldFewerRowsMatter = isHit || isWeighed;
+    const auto noteIf = [this](bool applies, Reason note) {
+        if (applies) {
+            mRecord->notes.push_back(note);
+        }
+    };
+    noteIf(mHasNegativeWeight, Reason::NEGATIVE_WEIGHT);
+    noteIf(isHit && mRestsOnLaterRows, Reason::ROWS_AFTER_NOW);
+    noteIf(mHasUnseen && wouldMoreRowsMatter, Reason::ROWS_UNSEEN);
+    noteIf(mHasUnknownVersion && mCount.rowsOfOtherVersion != 0 && wouldMoreRowsMatter, Reason::VERSION_UNKNOWN);
+    noteIf(mRecord->start && mRecord->start->isRepairUnreadable && wouldFewerRowsMatter, Reason::REPAIR_UNREADABLE);
+}
+
+// True if the threshold was reached by a number of rows, which further rows only raise.
+bool AlarmWindow::IsSureOfRows(bool isHit) const
+{
+    return isHit && (mCount.measure == Evidence::Measure::ROWS || mCount.measure == Evidence::Measure::DAILY_ROWS);
 }

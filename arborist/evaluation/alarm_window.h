@@ -63,6 +63,8 @@ public:
     void SetRestsOnLaterRows(bool does) { mRestsOnLaterRows = does; }
     /// Notes that rows of the range can't be seen by any rule.
     void NoteUnseen() { mHasUnseen = true; }
+    /// Notes that nobody knows which version is the current one.
+    void NoteUnknownVersion() { mHasUnknownVersion = true; }
     /// Notes when the log begins.
     void NoteFirstTime(std::int64_t time);
 
@@ -90,6 +92,8 @@ public:
     Evidence::Reason miss = Evidence::Reason::WINDOW_SHORT;
 
 private:
+    bool IsSureOfRows(bool isHit) const;
+
     struct Tally {
         std::uint64_t tested = 0;
         std::uint64_t passed = 0;
@@ -100,6 +104,8 @@ private:
     std::optional<std::int64_t> mNow;
     bool mRestsOnLaterRows = false;
     bool mHasUnseen = false;
+    bool mHasUnknownVersion = false;
+    bool mHasWeights = false;
     bool mHasNegativeWeight = false;
     std::size_t mConditionsCounted = 0;
     // Of the current condition.

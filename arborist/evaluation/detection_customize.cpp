@@ -2,28 +2,20 @@
 
 #include <utility>
 
-#include <json/value.h>
-
+#include "arborist/evaluation/extra_member.h"
 #include "arborist/frame/log.h"
-#include "arborist/frame/trouble_watch.h"
 #include "arborist/stores/event_log/log_event.h"
 #include "arborist/stores/event_log/row_question.h"
-#include "arborist/utilities/device_paths.h"
-#include "arborist/utilities/json_text.h"
 #include "arborist/utilities/string_util.h"
 
 namespace {
 
 std::string CountIn(std::string_view extra)
 {
-    Json::Value root;
-    std::string error;
-    if (!ParseJson(extra, root, error)) {
+    return ExtraMember::Read(extra, DetectionCustomize::KEY_COUNT, [](const std::string& error) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: parseJson err. %s ",
             "DetectionCustomize::CheckDmdEventCount", error.c_str());
-        TroubleWatch::Tell(Evidence::Trouble::Kind::BAD_EXTRA, error, {{}, DevicePaths::EventLog()});
-    }
-    return MemberText(root, DetectionCustomize::KEY_COUNT);
+    });
 }
 
 std::int32_t WeightOf(const std::string& count)

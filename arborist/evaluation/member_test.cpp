@@ -2,28 +2,17 @@
 
 #include <utility>
 
-#include <json/value.h>
-
+#include "arborist/evaluation/extra_member.h"
 #include "arborist/evaluation/rule_checker.h"
 #include "arborist/frame/log.h"
-#include "arborist/frame/trouble_watch.h"
-#include "arborist/utilities/device_paths.h"
-#include "arborist/utilities/json_text.h"
 #include "arborist/utilities/string_util.h"
 
 namespace {
 
-// Reads the member with the full JSON reader.
-std::string MemberOf(std::string_view extra, const std::string& key)
+void LogNoJson(const std::string& error)
 {
-    Json::Value root;
-    std::string error;
-    if (!ParseJson(extra, root, error)) {
-        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: parse eventParamJson err. %s ",
-            "AlarmRuleEngine::IsErrorForEventWithParam", error.c_str());
-        TroubleWatch::Tell(Evidence::Trouble::Kind::BAD_EXTRA, error, {{}, DevicePaths::EventLog()});
-    }
-    return MemberText(root, key);
+    FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: parse eventParamJson err. %s ",
+        "AlarmRuleEngine::IsErrorForEventWithParam", error.c_str());
 }
 
 } // namespace
@@ -96,7 +85,7 @@ std::optional<std::int32_t> MemberTest::AnswerInSilence(std::string_view member)
 
 std::int32_t MemberTest::Answer(std::string_view extra) const
 {
-    const std::string observed = MemberOf(extra, mPara.key);
+    const std::string observed = ExtraMember::Read(extra, mPara.key, LogNoJson);
     mChecker.NoteObserved(mPara.type, observed);
     return !observed.empty() && mChecker.IsFaultForParam(mPara.logic, mPara.type, mPara.value, observed) ? 1 : 0;
 }

@@ -50,6 +50,7 @@ std::string RepairIdOf(const Event& event, bool& isUnreadable)
             "RuleHelper::GetRepairIdFromCurEvent", error.c_str());
         isUnreadable = true;
     }
+    isUnreadable = isUnreadable || !IsMemberReadable(root, StartTimes::REPAIR_ID);
     return MemberText(root, StartTimes::REPAIR_ID);
 }
 

@@ -123,7 +123,8 @@ struct Window {
     WindowCount count;
     bool hit = false;
     Reason reason = Reason::NONE;
-    /// Why the count may be another one: NEGATIVE_WEIGHT, ROWS_UNSEEN, ROWS_AFTER_NOW, REPAIR_UNREADABLE.
+    /// Why the count may be another one: NEGATIVE_WEIGHT, ROWS_UNSEEN, ROWS_AFTER_NOW, VERSION_UNKNOWN,
+    /// REPAIR_UNREADABLE.
     std::vector<Reason> notes;
     std::vector<Test> tests;
 

@@ -39,7 +39,7 @@ enum class Reason {
     WINDOW_REACHED, ///< the threshold was reached
     LOG_UNAVAILABLE, ///< the event log is missing or can't be opened
     LOG_DAMAGED, ///< reading the event log failed before its end: rows may be missing
-    NEGATIVE_WEIGHT, ///< a negative weight was counted: further rows could bring the sum below the threshold
+    NEGATIVE_WEIGHT, ///< a negative weight was counted: the sum is no measure of what happened
     ROWS_UNSEEN, ///< rows of the log lack their time or version, so that no rule finds them
     ROWS_AFTER_NOW, ///< the threshold was reached only with rows later than now
     REPAIR_UNREADABLE, ///< a repair date or id could not be read: rows from before a repair may count
@@ -49,7 +49,7 @@ enum class Reason {
     NOT_SQL, ///< the analysis method is not "SQL"
     NO_SUCH_DATABASE, ///< the referenced "defDBTable" doesn't exist
     DATABASE_UNAVAILABLE, ///< a database can't be opened or copied, or there is none
-    TABLE_INCOMPLETE, ///< a table was not built, or not from a whole log
+    TABLE_INCOMPLETE, ///< a table was not built, or not from a whole log, or a row of it lacks a value
     STATEMENT_FAILED, ///< the database refused the statement, or broke it off
     ROW_COUNT, ///< the statement gave another number of rows than one
     NO_INTERVAL, ///< values can't be scaled: the two time columns are missing or give no interval
@@ -66,7 +66,7 @@ enum class Reason {
     // Conditions, of any family.
     NO_CONDITION, ///< no condition of a known kind
     UNKNOWN_CONDITION, ///< a condition of an unknown kind
-    NO_VALUE, ///< a value to compare is missing or empty
+    NO_VALUE, ///< a value to compare is missing or empty, or the "extra" of a row can't be used
     CONDITION_MET, ///< a condition held
     CONDITION_NOT_MET, ///< no condition held
     BAD_FORMULA, ///< a formula of blanks, with an operator that lacks a value, or with an unmatched parenthesis

@@ -13,7 +13,7 @@ struct Trouble {
         STATEMENT_FAILED, ///< a database statement failed; for command rules see Statement::error instead
         EVENT_LOG_UNREADABLE, ///< a statement on the event log failed, or broke off on its way
         REPAIRS_UNREADABLE, ///< the same on the database of repair dates
-        BAD_EXTRA, ///< the "extra" of a logged event is not JSON
+        BAD_EXTRA, ///< the "extra" of a logged event is no JSON object, or its member `subject` can't be used as a value
         NO_COPY_FOLDER, ///< the databases `subject` were found, and no setting says where to copy them
         NOT_COPIED, ///< the database or archive `subject` matches a pattern of the rule set and can't be copied or unpacked
         TABLE_NOT_BUILT, ///< the derived table `subject` could not be created; no event was selected for it

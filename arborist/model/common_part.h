@@ -85,7 +85,7 @@ public:
     /// What the last detection made of the bean's table.
     enum class TableState {
         NOT_BUILT, ///< it could not be created; no event was selected for it
-        INCOMPLETE, ///< rows are missing
+        INCOMPLETE, ///< rows are missing, or values of rows
         WHOLE, ///< it has a row for every selected event; also the state before the first attempt
     };
 

@@ -20,6 +20,17 @@ bool IsLackOfMemory(std::string_view words)
     return words.find("Failed to allocate") != std::string_view::npos;
 }
 
+// Null if there is none.
+const Json::Value* MemberOf(const Json::Value& root, std::string_view key)
+{
+    return root.isObject() ? root.find(key.data(), key.data() + key.size()) : nullptr;
+}
+
+bool IsNested(const Json::Value& value)
+{
+    return value.isObject() || value.isArray();
+}
+
 } // namespace
 
 bool ParseJson(std::string_view text, Json::Value& root, std::string& error)
@@ -38,12 +49,12 @@ bool ParseJson(std::string_view text, Json::Value& root, std::string& error)
 
 std::string MemberText(const Json::Value& root, std::string_view key)
 {
-    if (!root.isObject()) {
-        return "";
-    }
-    const Json::Value* const member = root.find(key.data(), key.data() + key.size());
-    if (member == nullptr || member->isObject() || member->isArray()) {
-        return "";
-    }
-    return member->asString();
+    const Json::Value* const member = MemberOf(root, key);
+    return member == nullptr || IsNested(*member) ? "" : member->asString();
+}
+
+bool IsMemberReadable(const Json::Value& root, std::string_view key)
+{
+    const Json::Value* const member = MemberOf(root, key);
+    return root.isObject() && (member == nullptr || !IsNested(*member));
 }

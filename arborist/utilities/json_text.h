@@ -16,4 +16,8 @@ bool ParseJson(std::string_view text, Json::Value& root, std::string& error);
 /// or if the member is missing, null, an object or an array. Does not throw.
 std::string MemberText(const Json::Value& root, std::string_view key);
 
+/// True if an empty MemberText means that there is no value: `root` is an object, and the member is neither an object
+/// nor an array. Does not throw.
+bool IsMemberReadable(const Json::Value& root, std::string_view key);
+
 #endif

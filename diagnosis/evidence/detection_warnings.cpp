@@ -95,7 +95,11 @@ void DetectionWarnings::OnTrouble(const Evidence::Trouble& trouble)
         mEventLogTrouble = trouble.words; // each id of a range may report it
         break;
     case Kind::BAD_EXTRA:
-        mHasBadExtra = true;
+        if (trouble.subject.empty()) {
+            mHasBadExtra = true;
+        } else {
+            mBadMembers.insert(trouble.subject);
+        }
         break;
     case Kind::NO_COPY_FOLDER:
         mList.Add("app_database_dir_empty", "the setting \"AppDatabaseDir\" is empty: databases that the rule set "
@@ -134,6 +138,7 @@ void DetectionWarnings::OnRule(const Evidence::Rule& rule)
     if (const auto* const alarm = std::get_if<Evidence::Alarm>(&rule.part)) {
         for (const Evidence::Window& window : alarm->windows) {
             mWantsLog = mWantsLog || (window.reason != Reason::WINDOW_ABSENT && window.reason != Reason::WINDOW_EMPTY);
+            mHasOtherVersions = mHasOtherVersions || (window.versionFilter && window.count.rowsOfOtherVersion != 0);
         }
     } else if (const auto* const node = std::get_if<Evidence::Node>(&rule.part)) {
         for (const Evidence::NodeFile& file : node->files) {
@@ -215,7 +220,9 @@ void DetectionWarnings::TellEventLog(const BundleSession& session)
         mList.Add("event_log_missing", "there is no event log: rules and tables that ask for events find none");
         return;
     }
-    const EventLogLook look = LookAtEventLog(session.ProgramDataPath(EVENT_LOG), session.Now(), mHasBadExtra);
+    const std::string version = Setting(session.GetBundle(), Settings::VERSION_NAME);
+    const EventLogLook look =
+        LookAtEventLog(session.ProgramDataPath(EVENT_LOG), {session.Now(), mHasBadExtra, version});
     const std::string& trouble = look.problem.empty() ? mEventLogTrouble : look.problem;
     if (!trouble.empty()) {
         mList.Add("event_log_unreadable", "the event log can't be read to its end: " + trouble);
@@ -234,14 +241,21 @@ void DetectionWarnings::TellEventLog(const BundleSession& session)
         tellRows("rows_unseen", look.withoutParent, "can't be seen by derived tables: no time names them as its "
             "\"event_pid\"");
     }
-    if (Setting(session.GetBundle(), Settings::VERSION_NAME).empty()) {
+    if (version.empty()) {
         tellRows("version_name_empty", look.ofAVersion, "carry a version, and the setting \"VersionName\" is empty: "
             "rules that count from the last update on pass them over");
+    } else if (mHasOtherVersions && !look.isVersionKnown) {
+        tellRows("version_name_unknown", look.ofAVersion, "carry a version, and none of them is the setting "
+            "\"VersionName\", " + Quoted(version) + ": rules that count from the last update on pass them over");
     }
     if (session.GetBundle().asOf.empty()) {
         tellRows("events_after_now", look.afterNow, "are later than now, and count; --as-of hides them");
     }
     tellRows("bad_extra", look.badExtra, "have an \"extra\" that is no JSON object");
+    for (const std::string& member : mBadMembers) {
+        mList.Add("bad_extra", "the member " + Quoted(member) + " of an \"extra\" in the event log can't be used: it is "
+            "no text and no number");
+    }
 }
 
 void DetectionWarnings::TellAttributes(const BundleSession& session)

@@ -44,6 +44,9 @@ private:
     bool mHadLog = false;
     bool mWantsLog = false;
     bool mHasBadExtra = false;
+    /// Members of "extra" that can't be used as values.
+    std::set<std::string> mBadMembers;
+    bool mHasOtherVersions = false;
     bool mLacksThresholds = false;
     std::size_t mTrees = 0;
     std::size_t mStoppedTrees = 0;

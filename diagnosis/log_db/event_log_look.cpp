@@ -35,9 +35,19 @@ std::int64_t WithoutParent(Connection& database, std::int64_t withoutTime)
     return Number(database, COUNT_ADOPTED) == 0 ? withoutTime : Number(database, COUNT_CHILDLESS).value_or(0);
 }
 
+bool IsVersionKnown(Connection& database, const std::string& version)
+{
+    auto rows = database.Prepare("SELECT count(*) FROM event_version WHERE VERSION_NAME = ?1");
+    if (!rows) {
+        return true;
+    }
+    rows->Bind(1, version);
+    return !rows->Step() || rows->Integer(0) != 0;
+}
+
 } // namespace
 
-EventLogLook LookAtEventLog(const std::string& path, std::int64_t now, bool readsExtra)
+EventLogLook LookAtEventLog(const std::string& path, const EventLogQuestion& question)
 {
     EventLogLook look;
     Connection database;
@@ -51,7 +61,7 @@ EventLogLook LookAtEventLog(const std::string& path, std::int64_t now, bool read
         look.problem = database.GetError();
         return look;
     }
-    rows->Bind(1, now);
+    rows->Bind(1, question.now);
     if (!rows->Step()) {
         look.problem = database.IsInterrupted() ? "" : database.GetError();
         return look;
@@ -62,7 +72,8 @@ EventLogLook LookAtEventLog(const std::string& path, std::int64_t now, bool read
     look.ofAVersion = rows->Integer(3);
     look.afterNow = rows->Integer(5);
     look.withoutParent = WithoutParent(database, look.withoutTime);
-    if (readsExtra || rows->Integer(4) > 0) {
+    look.isVersionKnown = question.version.empty() || IsVersionKnown(database, question.version);
+    if (question.readsExtra || rows->Integer(4) > 0) {
         look.badExtra = Number(database, COUNT_BAD_EXTRA).value_or(rows->Integer(4));
     }
     return look;

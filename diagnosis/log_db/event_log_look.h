@@ -20,11 +20,22 @@ struct EventLogLook {
     std::int64_t afterNow = 0;
     /// Rows that no row of times names as its parent, by which derived tables join the two.
     std::int64_t withoutParent = 0;
+    /// Whether the log has the version that was asked for, with events or without; also if that can't be read.
+    bool isVersionKnown = true;
 };
 
-/// Reads the log at `path` without writing. A log that would take too long is treated as one without findings. `now` in
-/// seconds since the epoch. For large logs "extra" is parsed as JSON only if it doesn't look like an object, or with `readsExtra`.
-EventLogLook LookAtEventLog(const std::string& path, std::int64_t now, bool readsExtra);
+/// What to look for.
+struct EventLogQuestion {
+    /// Seconds since the epoch.
+    std::int64_t now = 0;
+    /// Parses every "extra" as JSON, also one that looks like an object.
+    bool readsExtra = false;
+    /// The version to look for; empty for none.
+    std::string version = {};
+};
+
+/// Reads the log at `path` without writing. A log that would take too long is treated as one without findings.
+EventLogLook LookAtEventLog(const std::string& path, const EventLogQuestion& question);
 
 } // namespace diagnosis
 

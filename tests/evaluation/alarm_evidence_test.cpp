@@ -7,8 +7,10 @@
 
 #include "arborist/evaluation/rule_helper.h"
 #include "arborist/frame/detect_info.h"
+#include "arborist/frame/log.h"
 #include "arborist/frame/repair.h"
 #include "arborist/frame/settings.h"
+#include "arborist/frame/trouble_watch.h"
 #include "tests/evaluation/alarm_rules.h"
 #include "tests/evaluation/rule_set.h"
 #include "tests/support/case_name.h"
@@ -230,6 +232,82 @@ TEST_F(AlarmEvidence, RowsWithoutPartnersAreToldWhereMoreRowsWouldCount)
         .Sql("delete from event_info_flow where _ID = 2").WriteTo(mDir.Path(LOG));
     EXPECT_THAT(WindowOf(Ids("920000001", "920000001").Latest(7, 1), true).notes,
         ElementsAre(Evidence::Reason::ROWS_UNSEEN)) << "it may weigh less than nothing";
+}
+
+TEST_F(AlarmEvidence, RowsThatAnUnknownVersionRejectsAreToldWhereMoreRowsWouldCount)
+{
+    using Evidence::Reason;
+    const std::int32_t weighed = 920000001;
+    Log({{NOW, 7, "4.1", ""}, {NOW, 7, "", ""}, {NOW, 8, "", ""}, {NOW, weighed, "", R"({"COUNT":1})"},
+        {NOW, weighed, "4.1", R"({"COUNT":1})"}});
+    const auto notes = [this](const char* id, const char* begin, std::int32_t threshold, bool expected) {
+        return WindowOf(Ids(id, id).Begin(begin).Latest(7, threshold), expected).notes;
+    };
+    EXPECT_THAT(notes("7", "1", 2, false), testing::IsEmpty()) << "the device has another version, as after an update";
+    mSettings.Set(Settings::VERSION_NAME, "");
+    EXPECT_THAT(notes("7", "1", 2, false), ElementsAre(Reason::VERSION_UNKNOWN));
+    EXPECT_THAT(notes("7", "1", 1, true), testing::IsEmpty());
+    EXPECT_THAT(notes("7", "4", 3, false), testing::IsEmpty()) << "asks for no version";
+    EXPECT_THAT(notes("8", "1", 2, false), testing::IsEmpty()) << "none was rejected";
+    EXPECT_THAT(notes("920000001", "1", 1, true), ElementsAre(Reason::VERSION_UNKNOWN)) << "one may weigh less than 0";
+}
+
+TEST_F(AlarmEvidence, WeightsWithoutAReadableRepairAreToldAlsoWhereTheyAreShort)
+{
+    using Evidence::Reason;
+    Log({{NOW - 2, 920000001, "1", R"({"COUNT":5})"}, {NOW - 1, 920000001, "1", R"({"COUNT":10})"},
+        {NOW, 7, "1", ""}});
+    Repair();
+    EventLogBuilder::Run(mDir.Path("data/Comms/Lumbra/zxdetectrepair/databases/repair_record.db"),
+        "update repair_data set repair_date = null");
+    const auto notes = [this](const char* id, std::int32_t threshold, bool expected) {
+        return WindowOf(Ids(id, id).Latest(7, threshold), expected).notes;
+    };
+    EXPECT_THAT(notes("920000001", 16, false), ElementsAre(Reason::REPAIR_UNREADABLE));
+    EXPECT_THAT(notes("920000001", 15, true), ElementsAre(Reason::REPAIR_UNREADABLE));
+    EXPECT_THAT(notes("7", 2, false), testing::IsEmpty()) << "fewer rows are short, too";
+    EXPECT_THAT(notes("7", 1, true), ElementsAre(Reason::REPAIR_UNREADABLE));
+}
+
+TEST_F(AlarmEvidence, NegativeWeightIsToldAlsoWhereTheSumIsShort)
+{
+    Log({{NOW - 2, 920000001, "1", R"({"COUNT":-5})"}, {NOW - 1, 920000001, "1", R"({"COUNT":10})"}});
+    const auto notes = [this](const Ids& ids, bool expected) { return WindowOf(ids, expected).notes; };
+    const Ids ids("920000001", "920000001");
+    for (const auto& [threshold, expected] : {std::pair(8, false), {5, true}}) {
+        EXPECT_THAT(notes(Ids(ids).Latest(7, threshold), expected), ElementsAre(Evidence::Reason::NEGATIVE_WEIGHT));
+    }
+}
+
+// Such a row is no hit for any test, and nobody knows what it tells.
+TEST_F(AlarmEvidence, ExtraThatCannotBeUsedIsTroubleOfItsRowAndNothingElse)
+{
+    std::vector<std::string> troubles;
+    const TroubleWatch watch([&](const Evidence::Trouble& trouble) {
+        ASSERT_EQ(trouble.kind, Evidence::Trouble::Kind::BAD_EXTRA);
+        troubles.push_back(trouble.subject + ": " + trouble.words);
+    });
+    const auto told = [&](const char* extra, const Ids& ids, std::int32_t id, bool expected) {
+        troubles.clear();
+        Log({{NOW, id, "1", extra}});
+        Evidence::Rule record;
+        EXPECT_EQ(Fires(ids, &record), expected) << extra;
+        EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), testing::IsEmpty()) << extra;
+        return troubles;
+    };
+    const Ids tested = Ids("7", "7").WithParam("p", "a", "int").Single("p", "lt", "5").Latest(7, 1);
+    for (const char* const noObject : {"[1]", "1", R"("x")", "null", "true"}) {
+        EXPECT_THAT(told(noObject, tested, 7, false), ElementsAre(": no JSON object")) << noObject;
+    }
+    EXPECT_THAT(told(R"({"a":[1]})", tested, 7, false), ElementsAre("a: a list or an object"));
+    EXPECT_THAT(told(R"({"a":{}})", tested, 7, false), ElementsAre("a: a list or an object"));
+    for (const char* const usable : {"", "{}", R"({"b":[1]})", R"({"a":null})"}) {
+        EXPECT_THAT(told(usable, tested, 7, false), testing::IsEmpty()) << usable;
+    }
+    const Ids weighed = Ids("920000001", "920000001").Latest(7, 1);
+    EXPECT_THAT(told(R"({"COUNT":[3]})", weighed, 920000001, true), ElementsAre("COUNT: a list or an object"));
+    EXPECT_THAT(told("[3]", weighed, 920000001, true), ElementsAre(": no JSON object"));
+    EXPECT_THAT(told("{}", weighed, 920000001, true), testing::IsEmpty());
 }
 
 TEST_F(AlarmEvidence, MemberThatIsTakenForZeroIsToldAlsoWhereTheRuleFires)

@@ -4,6 +4,8 @@
 
 #include "arborist/evaluation/rule_engine.h"
 #include "arborist/frame/settings.h"
+#include "arborist/loading/fault_tree_parser.h"
+#include "arborist/model/common_part.h"
 #include "tests/evaluation/rule_set.h"
 #include "tests/support/database_rows.h"
 #include "tests/support/event_log_builder.h"
@@ -148,6 +150,26 @@ TEST_F(CommonPartPreparation, AnEventThatIsNoJsonIsTroubleOfTheLog)
     Init({ThresholdsXml("Jank")});
     EXPECT_THAT(mObserver.Lines(), ElementsAre(testing::StartsWith(
         "trouble extra " + mDir.Path("root/Comms/Lumbra/workDir/0/log.db") + ": ")));
+}
+
+TEST_F(CommonPartPreparation, ATableOfValuesThatCannotBeUsedIsIncomplete)
+{
+    using State = ThresholdOrLumbraBean::TableState;
+    const auto stateOf = [this](const std::string& extra) {
+        EventLogBuilder().Rows({{NOW - 1, 7, "", R"({"n":3})"}, {NOW - 1, 7, "", extra}})
+            .WriteTo(mDir.Path("root/Comms/Lumbra/workDir/0/log.db"));
+        mObserver = {};
+        Init({ThresholdsXml("Jank")});
+        return mParser->GetCommonPart()->GetThresholdLumbraList().front()->GetTableState();
+    };
+    for (const char* const extra : {"{n", "[1]", "1", R"({"n":true})", R"({"n":[1]})", R"({"N":{}})"}) {
+        EXPECT_EQ(stateOf(extra), State::INCOMPLETE) << extra;
+        EXPECT_EQ(mObserver.Lines("trouble extra").size(), 1U) << extra;
+    }
+    for (const char* const extra : {"", "{}", R"({"n":"x"})", R"({"n":null})", R"({"m":true})"}) {
+        EXPECT_EQ(stateOf(extra), State::WHOLE) << extra;
+        EXPECT_THAT(mObserver.Lines(), IsEmpty()) << extra;
+    }
 }
 
 TEST_F(CommonPartPreparation, ThresholdsThatAreSetAreNoTrouble)

@@ -26,7 +26,13 @@ constexpr std::int64_t NOW = 1700000000;
 constexpr std::int64_t DAY = 86400;
 
 // A user-defined text that names a repair, and whether it is found.
-struct UserDefinedCase { const char* name; const char* text; bool findsRepair; std::size_t errors; };
+struct UserDefinedCase {
+    const char* name;
+    const char* text;
+    bool findsRepair;
+    std::size_t errors;
+    bool isUnreadable = false;
+};
 void PrintTo(const UserDefinedCase& userDefined, std::ostream* out) { *out << userDefined.name; }
 
 class StartTimesTest : public testing::TestWithParam<UserDefinedCase> {
@@ -124,6 +130,21 @@ TEST_F(StartTimesTest, DateThatIsNoDateCountsAsNone)
     EXPECT_EQ(Start(7, "4", "E"), NOW - 7 * DAY);
 }
 
+// The repair took place, and nobody knows when.
+TEST_F(StartTimesTest, RepairThatIsRecordedWithoutADateIsUnreadable)
+{
+    const std::string path = mDir.Path("data/Comms/Lumbra/zxdetectrepair/databases/repair_record.db");
+    Repair("R1", 2 * DAY);
+    for (const char* const date : {"null", "''", "'yesterday'"}) {
+        EventLogBuilder::Run(path, std::string("update repair_data set repair_date = ") + date);
+        EXPECT_EQ(Start(7, "4", "E"), NOW - 7 * DAY);
+        EXPECT_TRUE(mRecord.isRepairUnreadable) << date;
+    }
+    EventLogBuilder::Run(path, "delete from repair_data");
+    Start(7, "4", "E");
+    EXPECT_FALSE(mRecord.isRepairUnreadable) << "not recorded";
+}
+
 TEST_F(StartTimesTest, TroubleWithRepairsNamesTheirDatabase)
 {
     std::vector<std::string> places;
@@ -163,6 +184,7 @@ TEST_P(StartTimesTest, CurrentEventMayNameARepair)
     mCurrent = event;
     mLog.Clear();
     EXPECT_EQ(Start(7, "4", "E"), GetParam().findsRepair ? NOW - DAY : NOW - 5 * DAY);
+    EXPECT_EQ(mRecord.isRepairUnreadable, GetParam().isUnreadable);
     const auto errors = mLog.Lines(FT::LEVEL_ERROR);
     EXPECT_EQ(errors.size(), GetParam().errors);
     EXPECT_THAT(errors, testing::Each(StartsWith("FUNc:RuleHelper::GetRepairIdFromCurEvent: parse userDefinedJson err. ")));
@@ -170,9 +192,10 @@ TEST_P(StartTimesTest, CurrentEventMayNameARepair)
 
 INSTANTIATE_TEST_SUITE_P(Table, StartTimesTest, testing::Values(
     UserDefinedCase{"Names", R"({"Repairid":"R3"})", true, 0}, UserDefinedCase{"Empty", "", false, 0},
-    UserDefinedCase{"NamesNone", R"({"repairid":"R3"})", false, 0}, UserDefinedCase{"NoObject", "[1]", false, 0},
-    UserDefinedCase{"NamesAnObject", R"({"Repairid":{}})", false, 0},
-    UserDefinedCase{"NoJson", "{Repairid", false, 1}),
+    UserDefinedCase{"NamesNone", R"({"repairid":"R3"})", false, 0}, UserDefinedCase{"NoObject", "[1]", false, 0, true},
+    UserDefinedCase{"NamesAnObject", R"({"Repairid":{}})", false, 0, true},
+    UserDefinedCase{"NamesAList", R"({"Repairid":["R3"]})", false, 0, true},
+    UserDefinedCase{"NamesANumber", R"({"Repairid":3})", false, 0}, UserDefinedCase{"NoJson", "{Repairid", false, 1, true}),
     CaseName());
 
 TEST_F(StartTimesTest, ThePartsAreNoted)

@@ -87,7 +87,7 @@ TEST_F(ParseJsonTest, EachThreadReadsForItself)
     EXPECT_TRUE(Parse("[]"));
 }
 
-struct MemberCase { const char* name; const char* json; const char* expected; };
+struct MemberCase { const char* name; const char* json; const char* expected; bool isReadable = true; };
 void PrintTo(const MemberCase& memberCase, std::ostream* out) { *out << memberCase.name; }
 class MemberTextTest : public testing::TestWithParam<MemberCase> {};
 
@@ -97,6 +97,7 @@ TEST_P(MemberTextTest, GivesTheMemberAsText)
     std::string error;
     ASSERT_TRUE(ParseJson(GetParam().json, root, error)) << error;
     EXPECT_EQ(MemberText(root, "key"), GetParam().expected);
+    EXPECT_EQ(IsMemberReadable(root, "key"), GetParam().isReadable);
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, MemberTextTest, testing::Values(
@@ -107,13 +108,13 @@ INSTANTIATE_TEST_SUITE_P(Table, MemberTextTest, testing::Values(
     MemberCase{"True", R"({"key": true})", "true"},
     MemberCase{"False", R"({"key": false})", "false"},
     MemberCase{"Null", R"({"key": null})", ""},
-    MemberCase{"Object", R"({"key": {"a": 1}})", ""},
-    MemberCase{"Array", R"({"key": [1]})", ""},
+    MemberCase{"Object", R"({"key": {"a": 1}})", "", false},
+    MemberCase{"Array", R"({"key": [1]})", "", false},
     MemberCase{"Missing", R"({"Key": 1})", ""},
-    MemberCase{"RootIsAnArray", R"(["key"])", ""},
-    MemberCase{"RootIsAText", R"("key")", ""},
-    MemberCase{"RootIsANumber", "1", ""},
-    MemberCase{"RootIsNull", "null", ""}),
+    MemberCase{"RootIsAnArray", R"(["key"])", "", false},
+    MemberCase{"RootIsAText", R"("key")", "", false},
+    MemberCase{"RootIsANumber", "1", "", false},
+    MemberCase{"RootIsNull", "null", "", false}),
     CaseName());
 
 } // namespace

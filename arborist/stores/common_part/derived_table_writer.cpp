@@ -105,7 +105,7 @@ void DerivedTableWriter::InsertAll(const std::vector<Json::Value>& rows, Insert 
     }
 }
 
-void DerivedTableWriter::UpdateValuesOfSetDataToTable(const Json::Value& row, ValueMap& values) const
+void DerivedTableWriter::UpdateValuesOfSetDataToTable(const Json::Value& row, ValueMap& values)
 {
     if (!row.isObject()) {
         return;
@@ -119,6 +119,7 @@ void DerivedTableWriter::UpdateValuesOfSetDataToTable(const Json::Value& row, Va
         if (literal.empty()) {
             FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: lumbra data type is not conventional",
                 "CommonPartDbHelper::UpdateValuesOfSetDataToTable");
+            mColumnLeftOut = member->isNull() ? mColumnLeftOut : member.name();
             continue;
         }
         values[std::move(column)] = std::move(literal);

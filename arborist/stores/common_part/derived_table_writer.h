@@ -36,12 +36,16 @@ public:
     /// without any other members. A row that fails logs a line and is skipped.
     void Write(const std::vector<Json::Value>& rows);
 
+    /// The column that was left to its default as the value in a row can't be used: a boolean, a list or an object; the
+    /// last of several. Empty if there is none.
+    const std::string& GetColumnLeftOut() const { return mColumnLeftOut; }
+
 private:
     /// Literals by column name.
     using ValueMap = std::map<std::string, std::string>;
 
     void GetColumnNames(const ParamList& params);
-    void UpdateValuesOfSetDataToTable(const Json::Value& row, ValueMap& values) const;
+    void UpdateValuesOfSetDataToTable(const Json::Value& row, ValueMap& values);
     using Insert = void (DerivedTableWriter::*)(const std::string& statement);
 
     void InsertAll(const std::vector<Json::Value>& rows, Insert insert);
@@ -56,6 +60,7 @@ private:
     std::string mCreateSql;
     std::unordered_set<std::string, TextHash> mColumns;
     bool mHasPlainColumns = true;
+    std::string mColumnLeftOut;
 };
 
 #endif

@@ -3,6 +3,7 @@
 #include <json/value.h>
 
 #include "arborist/frame/log.h"
+#include "arborist/frame/trouble_watch.h"
 #include "arborist/stores/common_part/database_steps.h"
 #include "arborist/stores/common_part/derived_table_writer.h"
 #include "arborist/stores/common_part/event_selection.h"
@@ -94,7 +95,9 @@ bool Create(const FT::sql::SqlDatabase& database, const Table& table)
     return FT::sql::SqlOperator(database.GetHandle()).ExecuteNoCallback(GenerateCreateSql(table));
 }
 
-bool IsSetedDataToTable(FT::sql::SqlDatabase& database, const Table& table, const RowList& rows)
+// `columnLeftOut` receives the name of a column whose value in a row can't be used; empty if there is none.
+bool IsSetedDataToTable(
+    FT::sql::SqlDatabase& database, const Table& table, const RowList& rows, std::string& columnLeftOut)
 {
     if (table.name.empty() || table.columns.empty() || rows.empty()) {
         return false;
@@ -104,18 +107,20 @@ bool IsSetedDataToTable(FT::sql::SqlDatabase& database, const Table& table, cons
             "CommonPartDbHelper::IsSetedDataToTable", table.name.c_str());
         return false;
     }
-    DerivedTableWriter(database, table.name, table.columns, GenerateCreateSql(table)).Write(rows);
+    DerivedTableWriter writer(database, table.name, table.columns, GenerateCreateSql(table));
+    writer.Write(rows);
+    columnLeftOut = writer.GetColumnLeftOut();
     return true;
 }
 
 template <typename Build>
-bool Fill(FT::sql::SqlDatabase& database, const Table& table, const RowList& rows)
+bool Fill(FT::sql::SqlDatabase& database, const Table& table, const RowList& rows, std::string& columnLeftOut)
 {
     if (rows.empty()) {
         FT::Log::GetInstance().Output(FT::LEVEL_WARN, Build::NO_ROWS, Build::FUNCTION);
         return false;
     }
-    if (!IsSetedDataToTable(database, table, rows)) {
+    if (!IsSetedDataToTable(database, table, rows, columnLeftOut)) {
         FT::Log::GetInstance().Output(
             FT::LEVEL_ERROR, "FUNc:%s: insert data into table %s fail.", Build::FUNCTION, table.name.c_str());
         return false;
@@ -140,9 +145,15 @@ bool BuildFromEvents(const Table& table, const EventIdList& ids, const std::stri
     RowList rows;
     bool isSelectionWhole = false;
     EventSelection::GetLumbraDataByFilter(ids, eventDbPath, rows, state == nullptr ? nullptr : &isSelectionWhole);
-    const bool isFilled = Fill<FromEvents>(database, table, rows);
+    std::string columnLeftOut;
+    const bool isFilled = Fill<FromEvents>(database, table, rows, columnLeftOut);
+    if (!columnLeftOut.empty()) {
+        TroubleWatch::Tell(
+            Evidence::Trouble::Kind::BAD_EXTRA, "a boolean, a list or an object", {columnLeftOut, eventDbPath});
+    }
     if (state != nullptr) {
-        const bool isWhole = isSelectionWhole && SilentLook::CountRows(database, table.name) == rows.size();
+        const bool isWhole = isSelectionWhole && columnLeftOut.empty() &&
+            SilentLook::CountRows(database, table.name) == rows.size();
         *state = isWhole ? State::WHOLE : State::INCOMPLETE;
     }
     return isFilled;
@@ -160,7 +171,8 @@ bool BuildFixed(const Table& table, State* state)
             FT::LEVEL_ERROR, "FUNc:%s: createJankDB : Step 3 Create table fail.", Fixed::FUNCTION);
         return false;
     }
-    const bool isFilled = Fill<Fixed>(database, table, FixedRows());
+    std::string ignored;
+    const bool isFilled = Fill<Fixed>(database, table, FixedRows(), ignored);
     SetState(state, isFilled ? State::WHOLE : State::INCOMPLETE);
     return isFilled;
 }

@@ -23,7 +23,7 @@ using State = ThresholdOrLumbraBean::TableState;
 /// Builds a table from the events with these ids in `eventDbPath`. False, with a line, if a step fails or no event is
 /// found; earlier steps are not undone.
 /// Sets `state`, if it is not null, which takes one more query. The table is whole if no step failed, no row was lost,
-/// and the log was read whole; it may be empty.
+/// the log was read whole, and every value for a column could be used; it may be empty.
 bool BuildFromEvents(
     const Table& table, const EventIdList& ids, const std::string& eventDbPath, State* state = nullptr);
 

@@ -82,9 +82,9 @@ void GetLumbraDataByFilter(
     if (version != 0) {
         sql += " AND event_info.version_id = " + std::to_string(version);
     }
-    const bool isReadToItsEnd = SelectedRows::QueryDataSet(database, sql, rows, minTime);
+    const bool isEachRowRead = SelectedRows::QueryDataSet(database, sql, rows, minTime);
     if (isWhole != nullptr) {
-        *isWhole = isReadToItsEnd && !HasUnseenEvents(database, ids.IsEmpty() ? DEFAULT_EVENTS : ids.ToSql());
+        *isWhole = isEachRowRead && !HasUnseenEvents(database, ids.IsEmpty() ? DEFAULT_EVENTS : ids.ToSql());
     }
 }
 

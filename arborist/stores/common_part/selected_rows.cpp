@@ -73,6 +73,8 @@ public:
     }
 
     const std::vector<std::string>& GetTextsWithoutJson() const { return mWithoutJson; }
+    /// True if a text was JSON, but no object.
+    bool HasOtherJson() const { return mHasOtherJson; }
 
 private:
     static constexpr std::size_t BATCH_BYTES = 65536;
@@ -88,6 +90,8 @@ private:
         Json::Value& row = mRows.emplace_back();
         if (!HoldsJson(extra, row)) {
             mWithoutJson.emplace_back(extra);
+        } else if (!row.isObject()) {
+            mHasOtherJson = true;
         }
         if (IsStatisticTotal(row)) {
             mRows.pop_back();
@@ -103,23 +107,30 @@ private:
     std::string mTexts; // concatenated
     std::vector<Waiting> mWaiting;
     std::vector<std::string> mWithoutJson;
+    bool mHasOtherJson = false;
 };
 
-// Logs why an `extra` is no JSON object.
-void TellExtraWithoutJson(const std::string& extra, const std::string& eventDbPath)
+void TellBadExtra(std::string_view words, std::string_view eventDbPath)
+{
+    TroubleWatch::Tell(Evidence::Trouble::Kind::BAD_EXTRA, words, {{}, eventDbPath});
+}
+
+// Logs why an `extra` is no JSON. False if it has text that could not be read.
+bool TellExtraWithoutJson(const std::string& extra, const std::string& eventDbPath)
 {
     static constexpr char NAME[] = "CommonPartDbHelper::ExtraStrToJson";
     if (extra.empty()) {
         FT::Log::GetInstance().Output(FT::LEVEL_DEBUG, "FUNc:%s: extra is empty.", NAME);
-        return;
+        return true;
     }
     Json::Value ignored;
     std::string error;
     if (!ParseJson(extra, ignored, error)) {
         FT::Log::GetInstance().Output(
             FT::LEVEL_ERROR, "FUNc:%s: jsonStr[%s] err. %s ", NAME, extra.c_str(), error.c_str());
-        TroubleWatch::Tell(Evidence::Trouble::Kind::BAD_EXTRA, error, {{}, eventDbPath});
+        TellBadExtra(error, eventDbPath);
     }
+    return false;
 }
 
 } // namespace
@@ -156,14 +167,18 @@ bool QueryDataSet(const FT::sql::SqlDatabase& database, const std::string& sql, 
             "FT::sql::SqlOperator::Execute", error.c_str());
         StatementTrouble::Tell(error, database.GetHandle().path);
     }
+    bool isEachRead = true;
     for (const std::string& extra : builder.GetTextsWithoutJson()) { // after the line of a failed statement
-        TellExtraWithoutJson(extra, database.GetHandle().path);
+        isEachRead = TellExtraWithoutJson(extra, database.GetHandle().path) && isEachRead;
+    }
+    if (builder.HasOtherJson()) {
+        TellBadExtra("no JSON object", database.GetHandle().path);
     }
     if (isEmpty) {
         FT::Log::GetInstance().Output(
             FT::LEVEL_INFO, "FUNc:%s: event_info table record is empty.", "CommonPartDbHelper::QueryDataSet");
     }
-    return error.empty();
+    return error.empty() && isEachRead && !builder.HasOtherJson();
 }
 
 } // namespace SelectedRows

@@ -33,6 +33,9 @@ public:
     /// each of the first EventLogSearch::LONGEST_LOGGED_RANGE ids of the rule's range.
     Reading VisitEvents(const Query& query, const Visitor& visitor);
 
+    /// The version whose events are selected with `fromUpdate`; empty if it is not known.
+    static std::string CurrentVersion();
+
     /// See EventLogSearch::CountRows.
     std::optional<std::uint64_t> CountRows(
         std::int32_t firstId, std::int32_t lastId, std::int64_t start, std::int64_t end) const
@@ -58,7 +61,6 @@ public:
 private:
     bool OpenDatabase();
     bool EnsureOpen();
-    static std::string CurrentVersion();
 
     FT::sql::SqlDatabase mDatabase;
     EventLogSearch mSearch;

@@ -37,10 +37,11 @@ public:
         std::string error;
         const bool isJson = ParseJson(extra, root, error);
         for (const AnswerSegment::Target& target : segment.targets) {
-            if (isJson) {
-                Answer(target, row, MemberText(root, segment.keys[target.key]));
+            const std::string& key = segment.keys[target.key];
+            if (isJson && IsMemberReadable(root, key)) {
+                Answer(target, row, MemberText(root, key));
             } else {
-                target.column->SetAskAgain(row); // each reading logs an error
+                target.column->SetAskAgain(row); // each reading logs an error, or tells trouble
             }
         }
     }

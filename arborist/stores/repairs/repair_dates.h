@@ -20,7 +20,7 @@ public:
 
     /// See RepairDbUtil::QueryRepairDate.
     std::string Query(const std::string& repairId);
-    /// Whether the last question found no answer because the store could not be read.
+    /// See RepairDbUtil::HasFailed.
     bool HasFailed() const { return mHasFailed; }
 
 private:

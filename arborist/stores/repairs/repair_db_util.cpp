@@ -155,7 +155,9 @@ std::string RepairDbUtil::QueryRepairDate(const std::string& repairId)
     }
     std::int32_t id = 0;
     std::string date;
-    return GetRepairDataRecord(repairId, id, date) ? date : "";
+    const bool isRecorded = GetRepairDataRecord(repairId, id, date);
+    mHasFailed = mHasFailed || (isRecorded && date.empty());
+    return date;
 }
 
 bool RepairDbUtil::QueryRepairId(const std::string& repairId)

@@ -29,7 +29,8 @@ public:
     /// Local time of the latest repair, "%Y-%m-%d %H:%M:%S"; empty if there is none. An id with a single quote can be
     /// saved but not queried: its query fails.
     std::string QueryRepairDate(const std::string& repairId);
-    /// True if the last query got no answer because the store could not be read.
+    /// True if the last query got no answer although there may be one: the store could not be read, or the repair is
+    /// recorded without a date.
     bool HasFailed() const { return mHasFailed; }
     /// QueryRepairDate for an object that is used again: logs the lines that opening logs for an existing table, then
     /// stores the date in `date`. If the table is gone or can't be read, returns false and logs nothing.

@@ -160,6 +160,39 @@ TEST_F(WarningsTest, AnEmptyVersionNameIsToldWhereRowsCarryVersions)
     EXPECT_THAT(Detect().err, IsEmpty());
 }
 
+// Once for the bundle, however many rules and windows pass rows over.
+TEST_F(WarningsTest, AVersionNameThatTheLogLacksIsToldOnceWhereRulesPassRowsOver)
+{
+    const auto rows = std::vector<LoggedRow>{{NOW - 5, 5, "4.1", ""}, {NOW - 5, 5, "", ""}, {NOW - 5, 6, "4.2", ""}};
+    const auto detect = [&](const char* first, const char* last, const char* setting) {
+        WriteBundle(AlarmRuleXml("alarm", {AlarmIdXml(first, last,
+            {TimeXml("latest", "30", "9"), TimeXml("duration", "30", "9")})}), "alarm", {}, setting);
+        EventLogBuilder().Rows(rows).WriteTo(mDir.Path(LOG));
+        return Detect().err;
+    };
+    EXPECT_EQ(detect("5", "6", R"(, "settings": {"VersionName": "5.0"})"),
+        "arborist: b: warning: 2 of 3 rows of the event log carry a version, and none of them is the setting "
+        "\"VersionName\", \"5.0\": rules that count from the last update on pass them over\n");
+    EXPECT_THAT(Detect({"--json"}).out, testing::AllOf(HasSubstr(R"("code": "version_name_unknown")"),
+        HasSubstr(R"("verdict": "no_fault")")));
+    EXPECT_THAT(detect("5", "6", R"(, "settings": {"VersionName": "4.2"})"), IsEmpty());
+    EXPECT_THAT(detect("7", "7", R"(, "settings": {"VersionName": "5.0"})"), IsEmpty()) << "no row was passed over";
+}
+
+TEST_F(WarningsTest, AMemberThatIsAListIsNamed)
+{
+    const auto tested = AlarmRuleXml("alarm", {AlarmIdXml("5", "5", {TimeXml("duration", "30", "1"),
+        ParamsXml({ParamXml("p", "DROP", "int")}), ConditionXml({SingleLogicXml(TestXml("gt", "p", "70"))})})
+        .Attr("type", "param_eventid")});
+    WriteBundle(tested, "alarm");
+    EventLogBuilder().Rows({{NOW - 5, 5, "", R"({"DROP": [80]})"}, {NOW - 5, 5, "", R"({"DROP": [90]})"}})
+        .WriteTo(mDir.Path(LOG));
+    EXPECT_EQ(Detect().err, "arborist: b: warning: the member \"DROP\" of an \"extra\" in the event log can't be used: "
+        "it is no text and no number\n");
+    EXPECT_THAT(Detect({"--json"}).out, testing::AllOf(HasSubstr(R"("code": "bad_extra")"),
+        HasSubstr(R"("verdict": "undecided")"), HasSubstr(R"("reason": "no_value")")));
+}
+
 TEST_F(WarningsTest, AnExtraThatIsNoJsonObjectIsCounted)
 {
     const auto tested = AlarmRuleXml("alarm", {AlarmIdXml("5", "5", {TimeXml("duration", "30", "1"),
@@ -338,6 +371,12 @@ std::vector<WarningCase> Warnings()
                 WriteLog(test, {{NOW - 5, 5, "4.1", ""}});
             },
             "1 of 1 row of the event log carry a version, and the setting \"VersionName\" is empty", 4},
+        {"version_name_unknown",
+            [](auto& test) {
+                test.WriteBundle(Alarm(), "alarm", {}, R"(, "settings": {"VersionName": "5"})");
+                WriteLog(test, {{NOW - 5, 5, "4.1", ""}});
+            },
+            "1 of 1 row of the event log carry a version, and none of them is the setting \"VersionName\", \"5\"", 4},
         {"bad_extra",
             [](auto& test) {
                 test.WriteBundle(AlarmRuleXml("alarm", {AlarmIdXml("5", "5", {TimeXml("duration", "30", "1"),

@@ -275,6 +275,9 @@ std::vector<ReasonCase> AlarmCases()
                 EventLogBuilder().Rows({{NOW - 100, 7, "", ""}, {NOW - 90, 7, "", ""}})
                     .Sql("update event_info set version_id = 99 where _ID = 2").WriteTo(dir.Path(LOG));
             }},
+        {"version_unknown",
+            Alarm({AlarmIdXml("7", "8", {TimeXml("latest", "1", "1")}).Attr("BeginFlag", "2")}), "",
+            {"UNDECIDED: 1 of 1 check open (1 no_data)", "open: E, rule r: no_data, version_unknown"}, "", WriteLog},
         {"rows_after_now", Alarm({AlarmItem({TimeXml("latest", "1", "2")})}), "",
             {"FAULT, 1 root cause, 1 of 1 check open (1 no_data)",
                 "open: E, rule r: no_data, rows_after_now, taken as TRUE"}, "",
@@ -378,6 +381,13 @@ std::vector<ReasonCase> NodeCodeAndConditionCases()
                     LogicExpressionXml("V+Volts", "V", "formula"), ConditionXml({SingleLogicXml(TestXml("gt", "w", "90"))})}));
             },
             "", {"open: E, rule r: error, unknown_name"}, "", node80},
+        {"division_by_zero",
+            [](RuleXml& rules) {
+                rules.Rule(NodeRuleXml("r", {NodeInfoXml("V", "node"), ParamsXml({ParamXml("w", "V", "double")}),
+                    LogicExpressionXml("V / (V-80)", "V", "formula"),
+                    ConditionXml({SingleLogicXml(TestXml("gt", "w", "1"))})}));
+            },
+            "", {"UNDECIDED", "open: E, rule r: no_data, division_by_zero"}, "", node80},
         {"bad_formula",
             [](RuleXml& rules) {
                 rules.Rule(NodeRuleXml("r", {NodeInfoXml("V", "node"), ParamsXml({ParamXml("w", "V", "int")}),
