@@ -123,7 +123,7 @@ bool CommandRuleDbHelper::IsOpenDbSuccess(const std::string& path)
     }
     FT::sql::SqlDatabase& database = mConnection.Make(file);
     database.Open(file);
-    database.Restrict(FT::sql::SqlAccess::OWN_FILE, mLimits);
+    database.Restrict(FT::sql::SqlAccess::OWN_FILE);
     return database.IsOpen();
 }
 
@@ -132,6 +132,7 @@ CommandRuleDbHelper::ParamList CommandRuleDbHelper::RunSql(const std::string& sq
     Evidence::Statement* record)
 {
     FT::sql::SqlDatabase& database = mConnection.Get();
+    database.Limit(mLimits.Of(sql));
     std::vector<FT::sql::SqlField> fields = FieldsOf(params, first, second);
     // Only provides the fields: no table of that name exists.
     FT::sql::SqlTable table(database.GetHandle(), "tmp_table", fields.data(), fields.size());
@@ -156,7 +157,7 @@ CommandRuleDbHelper::ParamList CommandRuleDbHelper::RunSql(const std::string& sq
         result = isNormalization ? UpdateParamListOfNormalization(params, *row, first, second, record)
                                  : UpdateParamList(params, *row, record);
     }
-    mLimits.LowerAfter(database.GetHandle());
+    mLimits.LowerAfter(sql, database.GetHandle());
     // Close after a failure, so that opening a file that can't be read logs its line again for the next statement.
     if (!table.IsOk() || !IsPlainSelect(sql)) {
         database.Close();

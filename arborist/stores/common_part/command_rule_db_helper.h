@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "arborist/model/condition.h"
+#include "arborist/stores/common_part/text_limits.h"
 #include "arborist/stores/kept_connection.h"
 #include "arborist/stores/sql/sql_database.h"
 
@@ -59,7 +60,7 @@ private:
         std::uint64_t days, Evidence::Statement* record);
 
     KeptConnection<FT::sql::SqlDatabase> mConnection;
-    FT::sql::SqlLimits mLimits;
+    TextLimits mLimits;
     std::uint64_t mRowCount = 0;
     bool mIsIntervalMissing = false;
     bool mHasFailed = false;

@@ -8,7 +8,7 @@
 #include "arborist/stores/common_part/derived_tables.h"
 #include "arborist/stores/common_part/event_id_list.h"
 #include "arborist/stores/common_part/external_databases.h"
-#include "arborist/stores/sql/sql_database.h"
+#include "arborist/stores/common_part/text_limits.h"
 #include "arborist/utilities/device_paths.h"
 #include "arborist/utilities/file_util.h"
 
@@ -121,7 +121,7 @@ void CommonPartDbHelper::CopyDbAndCreateTable(const std::shared_ptr<CommonPart>&
     if (commonPart == nullptr || commonPart->GetCombineCommon() == nullptr) {
         return;
     }
-    FT::sql::SqlLimits limits;
+    TextLimits limits;
     for (const auto& bean : commonPart->GetCombineCommon()->GetDefDbTableCommonList()) {
         if (bean == nullptr) {
             continue;
@@ -151,8 +151,7 @@ void CommonPartDbHelper::CopyDbAndCreateTable(const std::shared_ptr<CommonPart>&
 
 // A file that is listed again gets the statements again, which fail then where they created a table.
 bool CommonPartDbHelper::IsCreateDbByFileComplete(
-    const std::vector<std::string>& files, const DefDbTableBean::CreateTableList& createTables,
-    FT::sql::SqlLimits& limits)
+    const std::vector<std::string>& files, const DefDbTableBean::CreateTableList& createTables, TextLimits& limits)
 {
     bool isComplete = true;
     std::unordered_set<std::string_view> served;
@@ -169,7 +168,7 @@ bool CommonPartDbHelper::IsCreateDbByFileComplete(
     return isComplete;
 }
 
-bool CommonPartDbHelper::CreateTable(const std::string& dbPath, const std::string& sql, FT::sql::SqlLimits& limits)
+bool CommonPartDbHelper::CreateTable(const std::string& dbPath, const std::string& sql, TextLimits& limits)
 {
     const std::lock_guard<std::mutex> lock(createTableMutex);
     return ExternalDatabases::CreateTable(dbPath, sql, limits);

@@ -9,13 +9,10 @@
 #include "arborist/model/common_part.h"
 
 class EventIdList;
+class TextLimits;
 
 namespace DerivedTables {
 struct Table;
-}
-
-namespace FT::sql {
-struct SqlLimits;
 }
 
 /// Builds the databases that command rules query: the derived database, with a table of events for each threshold bean,
@@ -57,8 +54,8 @@ private:
     bool IsSuccessCreateLumbraPlusDb(const DerivedTables::Table& table, ThresholdOrLumbraBean::TableState* state);
     // False if a statement failed on a file, which was not listed before.
     bool IsCreateDbByFileComplete(const std::vector<std::string>& files,
-        const DefDbTableBean::CreateTableList& createTables, FT::sql::SqlLimits& limits);
-    bool CreateTable(const std::string& dbPath, const std::string& sql, FT::sql::SqlLimits& limits);
+        const DefDbTableBean::CreateTableList& createTables, TextLimits& limits);
+    bool CreateTable(const std::string& dbPath, const std::string& sql, TextLimits& limits);
 
     std::mutex initMutex;
     std::mutex perfDbMutex;

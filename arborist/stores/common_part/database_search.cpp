@@ -5,6 +5,7 @@
 #include <system_error>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "arborist/frame/stopping.h"
 #include "arborist/stores/common_part/lower_case.h"
@@ -13,10 +14,8 @@
 
 namespace {
 
-// Limit on links that are followed one after the other: links can lead from directory to directory without end.
-constexpr std::size_t MOST_LEVELS = 64;
-// Limit on entering directories: without circles of links every directory that is entered lists a file.
-constexpr std::size_t MOST_ENTERED = MOST_LEVELS * DatabaseSearch::MOST_LISTINGS;
+// Limit on entering directories again, which bounds the time where circles of links lead to no file.
+constexpr std::size_t MOST_ENTERED = 2 * DatabaseSearch::MOST_LISTINGS_IN_ALL;
 
 bool IsLink(const std::string& path)
 {
@@ -34,7 +33,7 @@ struct Entry {
     std::size_t end = 0;
     /// True if a matching file is this entry, is below it or is reached through it.
     bool isUseful = false;
-    bool wasEntered = false;
+    std::size_t timesEntered = 0;
 };
 
 // The entries below a directory in pre-order.
@@ -43,7 +42,7 @@ struct Walk {
     std::size_t level;
     std::vector<Entry> entries{};
     bool isUseful = false;
-    bool wasEntered = false;
+    std::size_t timesEntered = 0;
     bool isOnItsWay = false;
 };
 
@@ -65,26 +64,31 @@ public:
         MarkUsefulWalks();
         for (Walk& walk : walks) {
             MarkUsefulEntries(walk.entries);
+            KeepUsefulEntries(walk.entries);
         }
     }
 
     std::vector<Walk> walks;
     std::vector<std::string> matches;
     bool hasSeenFiles = false;
+    bool hasLeftOutLinks = false;
 
 private:
     static constexpr std::size_t NONE = SIZE_MAX;
 
     std::size_t WalkOf(const std::string& realPath, std::size_t level)
     {
-        if (realPath.empty() || level > MOST_LEVELS) {
+        const auto known = mWalkOfPath.find(realPath);
+        if (known != mWalkOfPath.end()) {
+            return known->second;
+        }
+        hasLeftOutLinks = hasLeftOutLinks || level > DatabaseSearch::MOST_LINKS;
+        if (realPath.empty() || level > DatabaseSearch::MOST_LINKS) {
             return NONE;
         }
-        const auto [known, isNew] = mWalkOfPath.try_emplace(realPath, walks.size());
-        if (isNew) {
-            walks.push_back({realPath, level});
-        }
-        return known->second;
+        mWalkOfPath.emplace(realPath, walks.size());
+        walks.push_back({realPath, level});
+        return walks.size() - 1;
     }
 
     std::vector<Entry> ReadEntries(const std::string& directory, std::size_t level)
@@ -193,6 +197,19 @@ private:
         }
     }
 
+    // Leaves out the others, so that a listing visits what leads to a file and nothing else.
+    static void KeepUsefulEntries(std::vector<Entry>& entries)
+    {
+        std::vector<std::size_t> placeOf(entries.size() + 1); // number of useful entries before an entry
+        for (std::size_t index = 0; index < entries.size(); ++index) {
+            placeOf[index + 1] = placeOf[index] + (entries[index].isUseful ? 1U : 0U);
+        }
+        for (Entry& entry : entries) {
+            entry.end = placeOf[entry.end];
+        }
+        std::erase_if(entries, [](const Entry& entry) { return !entry.isUseful; });
+    }
+
     FileNamePattern& mPattern;
     bool mFollowLinks;
     std::string mRootOfDevice;
@@ -211,53 +228,67 @@ public:
     void List(Walk& walk)
     {
         walk.isOnItsWay = true;
+        ++mWalksOnTheirWay;
         List(walk, 0, walk.entries.size());
+        --mWalksOnTheirWay;
         walk.isOnItsWay = false;
     }
 
     std::vector<std::string> files;
     bool isCutShort = false;
+    bool hasLeftOutLinks = false;
 
 private:
     void List(Walk& walk, std::size_t first, std::size_t last)
     {
         for (std::size_t index = first; index < last; index = walk.entries[index].end) {
             Entry& entry = walk.entries[index];
-            if (!entry.isUseful) {
-                continue;
-            }
             if (entry.kind == Entry::Kind::FILE) {
                 ListFile(entry.target);
             } else if (entry.kind == Entry::Kind::LINK) {
-                Walk& behind = mTree.walks[entry.target];
-                if (!behind.isOnItsWay && MayEnter(behind.wasEntered)) {
-                    List(behind);
-                }
+                Follow(mTree.walks[entry.target]);
             } else { // first for the directory itself, then for the walk that found it
-                for (int time = 0; time < mTimesOfDirectory && MayEnter(entry.wasEntered); ++time) {
+                for (int time = 0; time < mTimesOfDirectory && MayEnter(entry.timesEntered); ++time) {
                     List(walk, index + 1, entry.end);
                 }
             }
         }
     }
 
-    // True if the walk may enter the directory: always once, and again only while repetitions are still listed.
-    bool MayEnter(bool& wasEntered)
+    // Lists the target of a link unless the walks came through it.
+    void Follow(Walk& target)
     {
-        const bool isFull = files.size() >= DatabaseSearch::MOST_LISTINGS || mEntered >= MOST_ENTERED;
-        isCutShort = isCutShort || (isFull && wasEntered);
-        if (isFull && wasEntered) {
+        if (target.isOnItsWay) {
+            return;
+        }
+        if (mWalksOnTheirWay > DatabaseSearch::MOST_LINKS) {
+            hasLeftOutLinks = true;
+        } else if (MayEnter(target.timesEntered)) {
+            List(target);
+        }
+    }
+
+    bool IsFull() const
+    {
+        return files.size() >= DatabaseSearch::MOST_LISTINGS_IN_ALL || mEntered >= MOST_ENTERED;
+    }
+
+    // True if the walk may enter the directory: always once, and again as long as there is room for its repetitions.
+    bool MayEnter(std::size_t& timesEntered)
+    {
+        if (timesEntered >= DatabaseSearch::MOST_LISTINGS || (IsFull() && timesEntered != 0)) {
+            isCutShort = true;
             return false;
         }
         StopPoint::Pass();
         ++mEntered;
-        wasEntered = true;
+        ++timesEntered;
         return true;
     }
 
     void ListFile(std::size_t match)
     {
-        if (mIsListed[match] && files.size() >= DatabaseSearch::MOST_LISTINGS) {
+        if (mIsListed[match] && IsFull()) {
             isCutShort = true;
             return;
         }
@@ -269,6 +300,7 @@ private:
     int mTimesOfDirectory;
     std::vector<bool> mIsListed;
     std::size_t mEntered = 0;
+    std::size_t mWalksOnTheirWay = 0;
 };
 
 } // namespace
@@ -288,5 +320,6 @@ std::vector<std::string> DatabaseSearch::Find(const std::string& directory, bool
     Listing listing(tree, recursive);
     listing.List(tree.walks.front());
     mIsCutShort = listing.isCutShort;
+    mHasLeftOutLinks = tree.hasLeftOutLinks || listing.hasLeftOutLinks;
     return std::move(listing.files);
 }

@@ -13,13 +13,16 @@
 /// Every directory is searched by a walk of its own and again by the walk of each directory above it: a file one level
 /// down is listed twice, two levels down four times, in the order of these walks. Rule sets rely on the repetition; the
 /// file system is read only once. The target of a link to a directory is searched at its own place, once, so that links
-/// in a circle end. Time and memory are proportional to the number of entries below the directory. Use an object for
-/// one search.
+/// in a circle end. Time and memory are proportional to the number of entries below the directory and of listings. Use an
+/// object for one search.
 class DatabaseSearch {
 public:
-    /// Once the list is this long, files are not repeated any more; files that are not listed yet are always added.
-    /// Allows 13 levels of repetition for one file.
+    /// Listings of one directory, whatever else is found: a file 13 levels down is listed as often as one below.
     static constexpr std::size_t MOST_LISTINGS = 8192;
+    /// Once the list is this long, no directory is listed again; every file is listed at least once.
+    static constexpr std::size_t MOST_LISTINGS_IN_ALL = 1024 * 1024;
+    /// Links that are followed one after the other.
+    static constexpr std::size_t MOST_LINKS = 64;
 
     /// `pattern` is an ECMAScript regular expression; see FileNamePattern for the errors that it may throw.
     explicit DatabaseSearch(const std::string& pattern);
@@ -29,12 +32,15 @@ public:
 
     /// True if a repetition was left out.
     bool IsCutShort() const { return mIsCutShort; }
+    /// True if the target of a link was left out because of MOST_LINKS.
+    bool HasLeftOutLinks() const { return mHasLeftOutLinks; }
     /// True if there was a file, whether it matched or not.
     bool HasSeenFiles() const { return mHasSeenFiles; }
 
 private:
     FileNamePattern mPattern;
     bool mIsCutShort = false;
+    bool mHasLeftOutLinks = false;
     bool mHasSeenFiles = false;
 };
 

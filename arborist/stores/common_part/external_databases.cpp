@@ -15,6 +15,7 @@
 #include "arborist/stores/common_part/database_steps.h"
 #include "arborist/stores/common_part/file_name_pattern.h"
 #include "arborist/stores/common_part/lower_case.h"
+#include "arborist/stores/common_part/text_limits.h"
 #include "arborist/stores/sql/sql_database.h"
 #include "arborist/stores/sql/sql_operator.h"
 #include "arborist/utilities/device_paths.h"
@@ -92,11 +93,16 @@ private:
     int mExceptions = std::uncaught_exceptions();
 };
 
-// `missing` receives why there are none.
-PathList GetFileList(
-    const std::string& directory, const std::string& pattern, bool recursive, Evidence::NoCopy& missing)
+// The files that a search lists and, where there are none, why. Not whole if a limit kept some listings out.
+struct Found {
+    PathList files;
+    Evidence::NoCopy missing = Evidence::NoCopy::NO_MATCH;
+    bool isWhole = true;
+};
+
+Found GetFileList(const std::string& directory, const std::string& pattern, bool recursive)
 {
-    missing = Evidence::NoCopy::NO_MATCH;
+    static constexpr char NAME[] = "CommonPartDbHelper::GetFileList";
     if (directory.empty() || pattern.empty()) {
         return {};
     }
@@ -104,11 +110,16 @@ PathList GetFileList(
     PathList files = search.Find(directory, recursive);
     if (search.IsCutShort()) {
         FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: files are listed %zu times, repetitions end here.",
-            "CommonPartDbHelper::GetFileList", files.size());
+            NAME, files.size());
     }
-    missing = !files.empty() ? Evidence::NoCopy::NONE
+    if (search.HasLeftOutLinks()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_WARN,
+            "FUNc:%s: links lead from one to another, those behind the first %zu are not searched.", NAME,
+            DatabaseSearch::MOST_LINKS);
+    }
+    const Evidence::NoCopy missing = !files.empty() ? Evidence::NoCopy::NONE
         : search.HasSeenFiles() ? Evidence::NoCopy::NO_MATCH : Evidence::NoCopy::FOLDER_EMPTY;
-    return files;
+    return {std::move(files), missing, !search.IsCutShort() && !search.HasLeftOutLinks()};
 }
 
 bool CopyFile(const std::string& source, const std::string& directory)
@@ -154,10 +165,10 @@ void TellNotCopied(const std::string& source, bool& isWhole)
 
 Copies CopyDbFile(const std::string& path, const std::string& dbName)
 {
-    Evidence::NoCopy missing = Evidence::NoCopy::NONE;
-    const PathList candidates = GetFileList(path, dbName, true, missing);
+    const Found found = GetFileList(path, dbName, true);
+    const PathList& candidates = found.files;
     if (candidates.empty()) {
-        return {{}, missing};
+        return {{}, found.missing, found.isWhole};
     }
     const std::string directory = FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(Settings::APP_DATABASE_DIR,
         "");
@@ -174,7 +185,7 @@ Copies CopyDbFile(const std::string& path, const std::string& dbName)
         }
     }
     PathList copies;
-    bool isWhole = true;
+    bool isWhole = found.isWhole;
     FileNamePattern pattern(dbName);
     std::map<std::string, std::string> sourceByTarget; // the source of the last copy to each target
     for (const std::string& candidate : candidates) {
@@ -253,7 +264,7 @@ PathList UnZipFile(const std::string& zipPath, const std::string& directory, boo
     return unpacked;
 }
 
-bool CreateTable(const std::string& dbPath, const std::string& sql, FT::sql::SqlLimits& limits)
+bool CreateTable(const std::string& dbPath, const std::string& sql, TextLimits& limits)
 {
     static constexpr char NAME[] = "CommonPartDbHelper::CreateTable";
     if (dbPath.empty() || sql.empty()) {
@@ -278,11 +289,11 @@ bool CreateTable(const std::string& dbPath, const std::string& sql, FT::sql::Sql
             FileUtil::ExtractFileName(dbPath).c_str());
         return false;
     }
-    PrepareForWriting(database, limits);
+    PrepareForWriting(database, limits.Of(sql));
     FT::sql::SqlOperator connection(database.GetHandle());
     for (const std::string& statement : statements) {
         if (!connection.ExecuteNoCallback(statement)) {
-            limits.LowerAfter(database.GetHandle());
+            limits.LowerAfter(sql, database.GetHandle());
             FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: execute sql fail.", NAME);
             return false;
         }

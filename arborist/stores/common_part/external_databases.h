@@ -6,14 +6,13 @@
 
 #include "arborist/frame/evidence_words.h"
 
-namespace FT::sql {
-struct SqlLimits;
-}
+class TextLimits;
 
 /// Copies databases of other software, so that rules can query them. The originals are only read.
 namespace ExternalDatabases {
 
-/// The paths of copies and, where there are none, why. Not whole if a file could not be copied, or not unpacked whole.
+/// The paths of copies and, where there are none, why. Not whole if a file could not be copied, or not unpacked whole,
+/// or if a limit of the search kept listings out.
 struct Copies {
     std::vector<std::string> files;
     Evidence::NoCopy missing = Evidence::NoCopy::NONE;
@@ -31,8 +30,9 @@ std::vector<std::string> UnZipFile(
     const std::string& zipPath, const std::string& directory, bool* isWhole = nullptr);
 
 /// Runs the statements of `sql`, separated by semicolons, on a copy, up to the first that fails. False, with a line, if
-/// one fails or there is none; statements that ran are not undone. Lowers `limits` after a statement that reached them.
-bool CreateTable(const std::string& dbPath, const std::string& sql, FT::sql::SqlLimits& limits);
+/// one fails or there is none; statements that ran are not undone. Lowers the limits of `sql` after a
+/// statement that reached them.
+bool CreateTable(const std::string& dbPath, const std::string& sql, TextLimits& limits);
 
 } // namespace ExternalDatabases
 

@@ -115,13 +115,6 @@ int TakeSteps(void* context)
 
 } // namespace
 
-void SqlLimits::LowerAfter(const Sqlite3Db& database)
-{
-    if (database.limits.has_value() && database.stepsLeft == 0) {
-        steps /= 2;
-    }
-}
-
 bool Sqlite3Db::RaiseLimits() const
 {
     if (!areLimitsOfFile) {
@@ -191,6 +184,13 @@ void SqlDatabase::Restrict(SqlAccess access, const SqlLimits& limits)
     // file.
     if (isReadOnly && SizeOf(connection, WAITING_CHANGES) > 0) {
         sqlite3_db_config(connection, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    }
+}
+
+void SqlDatabase::Limit(const SqlLimits& limits)
+{
+    if (handle->limits.has_value() && !handle->areLimitsOfFile) {
+        handle->limits = limits;
     }
 }
 

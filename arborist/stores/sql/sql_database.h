@@ -20,10 +20,6 @@ struct SqlLimits {
     /// Limits on the rows that a SqlOperator keeps, and on the bytes of all their texts.
     std::size_t rows = 100'000;
     std::uint64_t bytes = 256 * 1024 * 1024;
-
-    /// Halves the allowed steps if the last SQL text on `database` was interrupted for taking too many: a text that
-    /// never ends then costs no more on a thousand files than on two.
-    void LowerAfter(const Sqlite3Db& database);
 };
 
 /// A connection; null while closed.
@@ -39,6 +35,8 @@ struct Sqlite3Db {
 
     /// Call before each SQL text is run.
     void StartText() const { stepsLeft = limits.has_value() ? limits->steps : 0; }
+    /// True if the last SQL text was interrupted for taking too many steps.
+    bool HasTakenAllSteps() const { return limits.has_value() && stepsLeft == 0; }
     /// Call when an SQL text has reached its limits. True if the limits are higher now because the file has grown.
     bool RaiseLimits() const;
     /// True if the rows of one SQL text may take this many bytes.
@@ -79,6 +77,8 @@ public:
     /// Restricts what statements may do until the database is closed, for foreign statements and foreign files. A
     /// statement that goes further fails. `limits` applies to OWN_FILE only.
     void Restrict(SqlAccess access, const SqlLimits& limits = {});
+    /// Replaces the limits of OWN_FILE for the SQL texts that follow.
+    void Limit(const SqlLimits& limits);
     /// From now on no write waits for the disk; a crash of the machine may lose what was written.
     void WriteWithoutWaiting();
     /// Takes WriteWithoutWaiting back: from now on a committed write survives a crash of the machine.

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <map>
+#include <fstream>
 #include <set>
 
 #include <gmock/gmock.h>
@@ -115,19 +115,104 @@ TEST_F(DatabaseSearchTest, NoFileIsCrowdedOutByRepetitionsOfOthers)
     const std::vector<std::string> files = search.Find(mDir.Path("d"), true);
     EXPECT_TRUE(search.IsCutShort());
     EXPECT_THAT(std::set<std::string>(files.begin(), files.end()), SizeIs(41));
-    EXPECT_LE(files.size(), DatabaseSearch::MOST_LISTINGS + 41);
+    EXPECT_EQ(std::count(files.begin(), files.end(), mDir.Path("d/y/z/late.db")), 4);
+    for (int level = 0; level < 40; ++level) {
+        const std::string name = "/" + std::to_string(level) + ".db";
+        const auto listings = std::count_if(files.begin(), files.end(),
+            [&name](const std::string& file) { return file.ends_with(name); });
+        EXPECT_EQ(listings, level < 12 ? 2 << level : 8192) << name;
+    }
 }
 
-TEST_F(DatabaseSearchTest, MoreFilesThanRepetitionsMayBeAreAllListed)
+TEST_F(DatabaseSearchTest, ManyFilesAreListedAsOftenAsFew)
 {
+    mDir.MakeDir("d/1");
     for (std::size_t file = 0; file < DatabaseSearch::MOST_LISTINGS + 10; ++file) {
-        mDir.Write("d/1/" + std::to_string(file) + ".db", "");
+        std::ofstream(mDir.Path("d/1/") + std::to_string(file) + ".db");
     }
     DatabaseSearch search(".*\\.db");
     const std::vector<std::string> files = search.Find(mDir.Path("d"), true);
-    EXPECT_THAT(files, SizeIs(DatabaseSearch::MOST_LISTINGS + 10)); // each once, as the list is full then
+    EXPECT_THAT(files, SizeIs(2 * (DatabaseSearch::MOST_LISTINGS + 10)));
     EXPECT_THAT(std::set<std::string>(files.begin(), files.end()), SizeIs(DatabaseSearch::MOST_LISTINGS + 10));
+    EXPECT_FALSE(search.IsCutShort());
+}
+
+TEST_F(DatabaseSearchTest, AListAsLongAsItMayBeStillTakesFilesThatAreNotOnIt)
+{
+    std::string path = "d";
+    for (int level = 0; level < 13; ++level) {
+        path += "/x";
+    }
+    mDir.Write(path + "/0.db", "");
+    for (std::size_t file = 1; file < 130; ++file) { // 130 times 8192 are more than there is room for
+        std::ofstream(mDir.Path(path + "/") + std::to_string(file) + ".db");
+    }
+    mDir.Write("d/y/late.db", "");
+    DatabaseSearch search(".*\\.db");
+    const std::vector<std::string> files = search.Find(mDir.Path("d"), true);
+    EXPECT_THAT(std::set<std::string>(files.begin(), files.end()), SizeIs(131));
+    EXPECT_LE(files.size(), DatabaseSearch::MOST_LISTINGS_IN_ALL + 131);
     EXPECT_TRUE(search.IsCutShort());
+}
+
+// Each path is asked twice whether to stop, when the folder is read and when it is looked at, and each listing of a
+// folder once.
+TEST_F(DatabaseSearchTest, StepsAndMemoryGrowWithTheFilesAndNoFaster)
+{
+    constexpr std::size_t FOLDERS = 20;
+    for (const std::size_t filesInEach : {std::size_t{50}, std::size_t{1000}}) {
+        const std::string root = "d" + std::to_string(filesInEach);
+        for (std::size_t folder = 0; folder < FOLDERS; ++folder) {
+            const std::string path = mDir.MakeDir(root + "/" + std::to_string(folder)) + "/";
+            for (std::size_t file = 0; file < filesInEach; ++file) {
+                std::ofstream(path + std::to_string(file) + ".db");
+            }
+        }
+        StopRequest request;
+        const StopScope scope(&request);
+        request.Start(std::nullopt);
+        DatabaseSearch search(".*\\.db");
+        const std::vector<std::string> files = search.Find(mDir.Path(root), true);
+        EXPECT_THAT(files, SizeIs(2 * FOLDERS * filesInEach));
+        EXPECT_LE(files.capacity(), 4 * FOLDERS * filesInEach);
+        EXPECT_EQ(request.GetQuestions(), 2 * FOLDERS * filesInEach + 4 * FOLDERS);
+        EXPECT_FALSE(search.IsCutShort());
+    }
+}
+
+TEST_F(DatabaseSearchTest, LinksBehindTooManyOthersAreLeftOutAndTold)
+{
+    const auto link = [this](std::size_t from, std::size_t to) {
+        std::filesystem::create_directory_symlink(
+            mDir.MakeDir("e/" + std::to_string(to)), mDir.MakeDir("e/" + std::to_string(from)) + "/next");
+    };
+    for (std::size_t level = 0; level < DatabaseSearch::MOST_LINKS; ++level) {
+        link(level, level + 1);
+    }
+    const std::string last = "e/" + std::to_string(DatabaseSearch::MOST_LINKS);
+    mDir.Write(last + "/a.db", "");
+    DatabaseSearch search(".*\\.db");
+    EXPECT_THAT(search.Find(mDir.Path("e/0"), true), ElementsAre(mDir.Path(last + "/a.db")));
+    EXPECT_FALSE(search.HasLeftOutLinks());
+    link(DatabaseSearch::MOST_LINKS, DatabaseSearch::MOST_LINKS + 1);
+    mDir.Write("e/" + std::to_string(DatabaseSearch::MOST_LINKS + 1) + "/b.db", "");
+    DatabaseSearch further(".*\\.db");
+    EXPECT_THAT(further.Find(mDir.Path("e/0"), true), ElementsAre(mDir.Path(last + "/a.db")));
+    EXPECT_TRUE(further.HasLeftOutLinks());
+}
+
+// All of them are found by the first walk, and each leads to the next.
+TEST_F(DatabaseSearchTest, LinksBesideEachOtherNestNoDeeperThanTheyMay)
+{
+    constexpr int FOLDERS = 200;
+    for (int folder = 0; folder < FOLDERS; ++folder) {
+        std::filesystem::create_directory_symlink(mDir.Path("d/" + std::to_string(folder + 1)),
+            mDir.MakeDir("d/" + std::to_string(folder)) + "/next");
+    }
+    mDir.Write("d/" + std::to_string(FOLDERS) + "/a.db", "");
+    DatabaseSearch search(".*\\.db");
+    EXPECT_THAT(search.Find(mDir.Path("d"), true), testing::Contains(testing::EndsWith("/a.db")));
+    EXPECT_TRUE(search.HasLeftOutLinks());
 }
 
 TEST_F(DatabaseSearchTest, LinksThatLeadToEachOtherWithoutAFileEnd)

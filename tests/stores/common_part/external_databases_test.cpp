@@ -532,10 +532,26 @@ TEST_F(ExternalDatabasesTest, MoreListingsThanOneSearchMayMakeAreTold)
     mDir.Write(path + "/a.db", "");
     EXPECT_THAT(Copy(".*\\.db"), IsEmpty());
     EXPECT_THAT(mLog.Lines(FT::LEVEL_WARN), IsEmpty());
-    mDir.Write(path + "/b.db", "");
+    std::filesystem::remove_all(mDir.Path("device"));
+    mDir.Write(path + "/x/b.db", "");
     EXPECT_THAT(Copy(".*\\.db"), IsEmpty());
     EXPECT_THAT(mLog.Lines(FT::LEVEL_WARN),
         ElementsAre(Line("GetFileList: files are listed 8192 times, repetitions end here.")));
+}
+
+// A rule may count its hits: nobody knows what the listings that are left out would have added.
+TEST_F(ExternalDatabasesTest, CopiesAreNotWholeWhereALimitKeptListingsOut)
+{
+    std::string path = "device";
+    for (int level = 0; level < 14; ++level) {
+        path += "/x";
+    }
+    mDir.Write(path + "/a.db", "");
+    mDir.Write("device/b.db", "");
+    const auto cutShort = ExternalDatabases::CopyDbFile(mDir.Path("device"), ".*a\\.db");
+    EXPECT_EQ(cutShort.files.size(), 8192U);
+    EXPECT_FALSE(cutShort.isWhole);
+    EXPECT_TRUE(ExternalDatabases::CopyDbFile(mDir.Path("device"), ".*b\\.db").isWhole);
 }
 
 TEST_F(ExternalDatabasesTest, DirectoryInAnArchiveFailsToBeCopiedAndIsListedAllTheSame)
