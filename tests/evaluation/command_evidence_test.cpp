@@ -101,6 +101,36 @@ TEST_F(CommandEvidenceTest, WhyAStatementFailedIsNoted)
         + " rows 0: select n from Missing where occurrence_time >1697408000 failed: no such table: Missing"));
 }
 
+// The statement may be mended on the device, the condition in the rule set only.
+TEST_F(CommandEvidenceTest, AnErrorOfTheRuleIsNotedBesideTheTroubleOfItsStatement)
+{
+    mEngine.SetRecord(&mRecord);
+    Item().sql = "select n from Missing";
+    auto unknown = Single("eq", "n", "5");
+    unknown->SetType("triple_logic");
+    EXPECT_FALSE(Fires({unknown}));
+    EXPECT_EQ(mReason, Reason::STATEMENT_FAILED);
+    EXPECT_THAT(mRecord.notes, ElementsAre(Reason::UNKNOWN_CONDITION));
+}
+
+// Whatever the copies that are there answer.
+TEST_F(CommandEvidenceTest, ACopyOrATableThatIsMissingBesideSoundOnesIsNoted)
+{
+    const auto notes = [this] {
+        mRecord = {};
+        mEngine.SetRecord(&mRecord);
+        Fires({Single("eq", "n", "5")});
+        return mRecord.notes;
+    };
+    Refer("singleDB", "", {30});
+    EXPECT_THAT(notes(), IsEmpty());
+    mTable->SetLacksCopies(true);
+    EXPECT_THAT(notes(), ElementsAre(Reason::DATABASE_UNAVAILABLE));
+    mTable->SetLacksCopies(false);
+    mTable->SetLacksTables(true);
+    EXPECT_THAT(notes(), ElementsAre(Reason::TABLE_INCOMPLETE));
+}
+
 TEST_F(CommandEvidenceTest, TheIntervalAndWhatIsScaledByItAreNoted)
 {
     mEngine.SetRecord(&mRecord);

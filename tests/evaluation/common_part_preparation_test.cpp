@@ -129,6 +129,20 @@ TEST_F(CommonPartPreparation, DatabasesWithoutAFolderForTheirCopiesAreTrouble)
     EXPECT_THAT(mObserver.Lines(), ElementsAre("trouble copies Ext " + RuleLine(3)));
 }
 
+TEST_F(CommonPartPreparation, AFileThatCannotBeCopiedBesideASoundOneIsTroubleAndMissed)
+{
+    const Xml found = TablesXml(mDir.Path("device"));
+    Init({found});
+    EXPECT_THAT(mObserver.Lines(), IsEmpty());
+    EXPECT_FALSE(mParser->GetCommonPart()->GetDefDbTableCommonList().front()->LacksCopies());
+    const std::string archive = mDir.Write("device/zipped.db", "no archive");
+    Init({found});
+    EXPECT_THAT(mObserver.Lines(), ElementsAre(testing::HasSubstr(archive)));
+    const auto& bean = *mParser->GetCommonPart()->GetDefDbTableCommonList().front();
+    EXPECT_TRUE(bean.LacksCopies());
+    EXPECT_EQ(bean.GetCopyDbFileList().size(), 1U);
+}
+
 TEST_F(CommonPartPreparation, AStatementThatFailsIsTroubleBeforeAnyRule)
 {
     Init({ThresholdsXml("drop")});

@@ -72,6 +72,16 @@ protected:
     CommonPart mPart;
 };
 
+// A rule whose statement names no such table isn't opened by it.
+TEST_F(CommonPartTest, ATableThatLacksRowsMattersToTheRulesThatNameIt)
+{
+    EXPECT_TRUE(mPart.AreTablesWhole("Jank", "select n from Jank"));
+    mBean->SetTableState(ThresholdOrLumbraBean::TableState::INCOMPLETE);
+    EXPECT_FALSE(mPart.AreTablesWhole("Jank", "select 1"));
+    EXPECT_FALSE(mPart.AreTablesWhole("Other", "select n from JANK"));
+    EXPECT_TRUE(mPart.AreTablesWhole("Other", "select n from Other"));
+}
+
 TEST_F(CommonPartTest, DeviceAttributesFillTheSystemParametersOfTheirKeys)
 {
     SetThreshold();
