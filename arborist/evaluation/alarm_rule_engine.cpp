@@ -6,8 +6,6 @@
 #include <system_error>
 #include <utility>
 
-#include "arborist/evaluation/day_sums.h"
-#include "arborist/evaluation/detection_customize.h"
 #include "arborist/evaluation/rule_helper.h"
 #include "arborist/frame/log.h"
 #include "arborist/frame/trouble_watch.h"
@@ -19,17 +17,6 @@ using Evidence::Reason;
 
 constexpr TimeSet::TimeType TIME_TYPES[] = {TimeSet::DURATION, TimeSet::DAILY_PEAK, TimeSet::LATEST};
 constexpr const char* TIME_TYPE_WORDS[] = {"duration", "daily_peak", "latest"};
-constexpr std::int32_t LAST_DAY = 31;
-
-void TakeParam(const std::string& paramId, const ParamMap& params, TestPara& test)
-{
-    // With an unknown id the test has neither key nor type, so that no row passes it.
-    const auto found = params.find(paramId);
-    if (found != params.end() && found->second != nullptr) {
-        test.key = found->second->key;
-        test.type = found->second->type;
-    }
-}
 
 // A bound as a number; nothing for a text that would log an error.
 std::optional<std::int32_t> PlainBound(const std::string& text)
@@ -60,61 +47,13 @@ void AlarmRuleEngine::Foresee(const AlarmRule& rule)
             continue;
         }
         if (item->type == PARAM_EVENT_ID) {
-            mEventStore->Foresee(ids.first, ids.last, TestsOf(*item));
+            mEventStore->Foresee(ids.first, ids.last, mQuestions.TestsOf(*item));
             continue;
         }
-        for (const IdRange& part : PartsOf(ids)) {
-            mEventStore->Foresee(part.first, part.last, QuestionsTo(part));
+        for (const IdRange& part : AlarmQuestions::PartsOf(ids)) {
+            mEventStore->Foresee(part.first, part.last, mQuestions.WeightOf(part));
         }
     }
-}
-
-// The tests of all conditions of an item, as questions about rows.
-EventRows::Questions AlarmRuleEngine::TestsOf(const AlarmRule::AlarmItem& item) const
-{
-    EventRows::Questions tests;
-    const auto add = [&](TestPara para) { tests.push_back(std::make_shared<MemberTest>(*this, std::move(para))); };
-    for (const std::shared_ptr<OrLogic>& orLogic : item.conditionList) {
-        if (orLogic == nullptr || item.params.empty()) {
-            continue;
-        }
-        if (orLogic->GetType() == SINGLE_LOGIC) {
-            add(GetOrLogicParamItem(*orLogic, item.params));
-        }
-        for (const std::shared_ptr<OrLogic::LogicItem>& logicItem : orLogic->GetLogicItemList()) {
-            if (std::optional<TestPara> para = GetAndLogicParamItem(logicItem, item.params)) {
-                add(std::move(*para));
-            }
-        }
-    }
-    return tests;
-}
-
-// Splits the ids, in order, into ranges with and without weighted rows.
-std::vector<AlarmRuleEngine::IdRange> AlarmRuleEngine::PartsOf(const IdRange& ids)
-{
-    std::vector<IdRange> parts;
-    std::int64_t first = ids.first;
-    while (first <= ids.last) {
-        std::int64_t last = ids.last;
-        for (const DetectionCustomize::IdRange& dmd : DetectionCustomize::DMD_RANGES) {
-            const std::int64_t lastAlike = first < dmd.first ? dmd.first - 1 : dmd.last;
-            last = lastAlike < first ? last : std::min(last, lastAlike);
-        }
-        parts.push_back({static_cast<std::int32_t>(first), static_cast<std::int32_t>(last)});
-        first = last + 1;
-    }
-    return parts;
-}
-
-// The questions about the rows of such a range if there are no tests.
-EventRows::Questions AlarmRuleEngine::QuestionsTo(const IdRange& part) const
-{
-    if (!DetectionCustomize::IsDmdEvent(part.first)) {
-        return {};
-    }
-    return {DetectionCustomize::WeightQuestion(
-        [this](const std::string& count) { NoteObserved(std::string(TYPE_DOUBLE), count); })};
 }
 
 bool AlarmRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId)
@@ -208,7 +147,8 @@ bool AlarmRuleEngine::IsWithParamTestChecked(const AlarmRule::AlarmItem& item, T
 bool AlarmRuleEngine::IsHitForSingleTypeTestChecked(
     const OrLogic& orLogic, const AlarmRule::AlarmItem& item, Window& window)
 {
-    const TestList tests{std::make_shared<MemberTest>(*this, GetOrLogicParamItem(orLogic, item.params))};
+    const TestList tests{
+        std::make_shared<MemberTest>(*this, AlarmQuestions::GetOrLogicParamItem(orLogic, item.params))};
     NoteTest(tests.front()->GetPara());
     return IsAnyIdHit(
         window.timeType == TimeSet::DAILY_PEAK ? Measure::DAILY_PEAK : Measure::PERIOD, tests, window);
@@ -224,7 +164,7 @@ bool AlarmRuleEngine::IsHitForMultipleTypeTestChecked(
     std::uint64_t leastOfLastId = std::numeric_limits<std::uint64_t>::max();
     TestList tests;
     for (const std::shared_ptr<OrLogic::LogicItem>& logicItem : orLogic.GetLogicItemList()) {
-        std::optional<TestPara> para = GetAndLogicParamItem(logicItem, item.params);
+        std::optional<TestPara> para = AlarmQuestions::GetAndLogicParamItem(logicItem, item.params);
         if (!para) {
             continue;
         }
@@ -247,32 +187,13 @@ bool AlarmRuleEngine::IsHitForMultipleTypeTestChecked(
                                                 : orLogic.CheckAndListResult();
 }
 
-TestPara AlarmRuleEngine::GetOrLogicParamItem(const OrLogic& orLogic, const ParamMap& params)
-{
-    TestPara test;
-    TakeParam(orLogic.GetParamId(), params, test);
-    test.logic = orLogic.GetLogic();
-    test.value = orLogic.GetValue();
-    return test;
-}
-
-std::optional<TestPara> AlarmRuleEngine::GetAndLogicParamItem(
-    const std::shared_ptr<OrLogic::LogicItem>& logicItem, const ParamMap& params)
-{
-    if (logicItem == nullptr) {
-        return std::nullopt;
-    }
-    TestPara test;
-    TakeParam(logicItem->GetParamId(), params, test);
-    test.logic = logicItem->GetLogic();
-    test.value = logicItem->GetValue();
-    return test;
-}
-
 bool AlarmRuleEngine::IsAnyIdHit(Measure measure, const TestList& tests, Window& window)
 {
     bool isHit = false;
-    VisitIds(tests, window, [&](const EventRows& rows) { return isHit = IsHit(measure, rows, tests, window); });
+    VisitIds(tests, window, [&](const EventRows& rows) {
+        isHit = AlarmCount::IsHit(measure, rows, tests.size(), window);
+        return isHit;
+    });
     return isHit;
 }
 
@@ -286,7 +207,7 @@ bool AlarmRuleEngine::IsLastIdHit(
         const std::uint64_t passedByOthers = window.RowsPassed(0);
         const bool isLast = rows.GetEventId() == window.ids.last;
         const bool restedOnLater = window.RestsOnLaterRows();
-        isHit = IsHit(Measure::PERIOD, rows, tests, window) && isLast;
+        isHit = AlarmCount::IsHit(Measure::PERIOD, rows, tests.size(), window) && isLast;
         window.SetRestsOnLaterRows(restedOnLater || (isLast && window.RestsOnLaterRows()));
         passed = isLast ? window.RowsPassed(0) - passedByOthers : 0;
         return false;
@@ -302,141 +223,16 @@ void AlarmRuleEngine::VisitIds(const TestList& tests, Window& window, const Rows
     bool isOver = false;
     const StatementTrouble kind(Evidence::Trouble::Kind::EVENT_LOG_UNREADABLE);
     const auto visit = [&](const EventRows& rows) { return isOver = visitor(rows); };
-    for (const IdRange& part : tests.empty() ? PartsOf(window.ids) : std::vector<IdRange>{window.ids}) {
+    const auto parts = tests.empty() ? AlarmQuestions::PartsOf(window.ids) : std::vector<IdRange>{window.ids};
+    for (const IdRange& part : parts) {
         const auto reading = mEventStore->VisitEvents({part.first, part.last, window.start, window.fromUpdate,
-            tests.empty() ? QuestionsTo(part) : questions, part.first - std::int64_t{window.ids.first}}, visit);
+            tests.empty() ? mQuestions.WeightOf(part) : questions, part.first - std::int64_t{window.ids.first}}, visit);
         mIsLogReadable = mIsLogReadable && reading != AlarmRuleDbHelper::Reading::UNREADABLE;
         if (isOver) {
             break;
         }
     }
     window.EndCondition(tests);
-}
-
-bool AlarmRuleEngine::IsHit(Measure measure, const EventRows& rows, const TestList& tests, Window& window)
-{
-    window.NoteFound(rows);
-    if (rows.GetCount() == 0) {
-        return false;
-    }
-    switch (measure) {
-    case Measure::DAILY_PEAK:
-        return IsFaultForDaily(rows, !tests.empty(), window);
-    case Measure::ALL_TESTS:
-        return IsFaultForPeriodWithParam(rows, tests.size(), window);
-    default:
-        return IsFaultForPeriod(rows, !tests.empty(), window);
-    }
-}
-
-// Weights may be negative; a sum below 0 wraps. Asks each row once, as an unreadable row logs a line each time.
-AlarmRuleEngine::Sums AlarmRuleEngine::SumsOf(const EventRows& rows, bool isWeighed, Window& window)
-{
-    const bool hasLater = window.Now() && rows.CountAfter(*window.Now()) != 0;
-    if (!hasLater && !(isWeighed && window.HasRecord())) {
-        const std::uint64_t sum = rows.Sum(0);
-        return {sum, sum};
-    }
-    Sums sums{0, 0};
-    rows.ForEach([&](const EventRows::Row& row) {
-        const std::int64_t answer = row.Answer(0);
-        window.NoteWeight(answer);
-        sums.all += static_cast<std::uint64_t>(answer);
-        sums.untilNow += row.IsAfter(*window.Now()) ? 0 : static_cast<std::uint64_t>(answer);
-    });
-    return sums;
-}
-
-bool AlarmRuleEngine::IsFaultForPeriod(const EventRows& rows, bool isTested, Window& window)
-{
-    const bool isWeighed = !isTested && DetectionCustomize::IsDmdEvent(rows.GetEventId());
-    const std::size_t later = window.Now() ? rows.CountAfter(*window.Now()) : 0;
-    const Sums sums = isWeighed || isTested ? SumsOf(rows, isWeighed, window)
-                                            : Sums{rows.GetCount(), rows.GetCount() - later};
-    if (isTested) {
-        window.NoteTested(0, rows.GetCount(), sums.all);
-        window.NoteFailed(rows.GetCount() - sums.all);
-    }
-    window.NoteReached(rows, static_cast<std::int64_t>(sums.all),
-        isWeighed ? Evidence::Measure::WEIGHTS : Evidence::Measure::ROWS);
-    // Compares as unsigned, so that a negative threshold is never reached.
-    const auto threshold = static_cast<std::uint64_t>(std::int64_t{window.threshold});
-    return window.NoteHit(sums.all >= threshold, sums.untilNow >= threshold && later != rows.GetCount());
-}
-
-// Days are distinguished by their number in the month only: the 3rd of two months counts as one day. Rule files rely on
-// it.
-bool AlarmRuleEngine::IsFaultForDaily(const EventRows& rows, bool isTested, Window& window)
-{
-    const bool isWeighed = !isTested && DetectionCustomize::IsDmdEvent(rows.GetEventId());
-    EventRows::DayCounts days{};
-    EventRows::DayCounts later{};
-    std::uint64_t tested = 0;
-    std::uint64_t passed = 0;
-    const auto take = [&](const EventRows::Row& row) {
-        const std::int32_t day = row.GetDayOfMonth();
-        if (day < 1 || day > LAST_DAY) {
-            return;
-        }
-        const std::int32_t answer = row.Answer(0);
-        window.NoteWeight(answer);
-        ++tested;
-        passed += answer != 0 ? 1 : 0;
-        AddWrapping(days[static_cast<std::size_t>(day)], answer);
-        AddWrapping(later[static_cast<std::size_t>(day)], window.Now() && row.IsAfter(*window.Now()) ? answer : 0);
-    };
-    const std::size_t rowsLater = window.Now() ? rows.CountAfter(*window.Now()) : 0;
-    if (isTested || isWeighed) {
-        rows.ForEach(take);
-    } else {
-        rows.CountDays(days);
-        if (rowsLater != 0) {
-            rows.CountDaysAfter(*window.Now(), later);
-        }
-    }
-    if (isTested) {
-        window.NoteTested(0, tested, passed);
-        window.NoteFailed(tested - passed);
-    }
-    const std::int32_t peak = PeakOf(days);
-    window.NoteReached(rows, peak,
-        isWeighed ? Evidence::Measure::DAILY_WEIGHTS : Evidence::Measure::DAILY_ROWS);
-    if (rowsLater == 0) {
-        return window.NoteHit(peak >= window.threshold, true);
-    }
-    for (std::size_t day = 0; day < days.size(); ++day) {
-        SubtractWrapping(days[day], later[day]);
-    }
-    return window.NoteHit(peak >= window.threshold, PeakOf(days) >= window.threshold && rowsLater != rows.GetCount());
-}
-
-bool AlarmRuleEngine::IsFaultForPeriodWithParam(const EventRows& rows, std::size_t testCount, Window& window)
-{
-    if (testCount == 0) {
-        return false;
-    }
-    std::vector<std::uint64_t> rowsByPassed(testCount + 1); // by number of passed tests
-    std::uint64_t passedLater = 0;
-    const std::size_t rowsLater = window.Now() ? rows.CountAfter(*window.Now()) : 0;
-    rows.ForEach([&](const EventRows::Row& row) {
-        std::size_t passed = 0;
-        while (passed < testCount && row.Answer(passed) != 0) {
-            ++passed;
-        }
-        ++rowsByPassed[passed];
-        passedLater += passed == testCount && window.Now() && row.IsAfter(*window.Now()) ? 1 : 0;
-    });
-    std::uint64_t tested = rows.GetCount();
-    for (std::size_t test = 0; test < testCount; ++test) {
-        window.NoteTested(test, tested, tested - rowsByPassed[test]);
-        tested -= rowsByPassed[test];
-    }
-    const auto count = static_cast<std::int32_t>(tested); // wraps
-    window.NoteFailed(rows.GetCount() - tested);
-    window.NoteReached(rows, count, Evidence::Measure::ROWS);
-    const auto untilNow = static_cast<std::int32_t>(tested - passedLater);
-    return window.NoteHit(
-        count >= window.threshold, untilNow >= window.threshold && rowsLater != rows.GetCount());
 }
 
 // Counts the rows before the start, for the record only.

@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "arborist/evaluation/alarm_count.h"
+#include "arborist/evaluation/alarm_questions.h"
 #include "arborist/evaluation/alarm_window.h"
 #include "arborist/evaluation/member_test.h"
 #include "arborist/evaluation/rule_checker.h"
@@ -46,43 +48,28 @@ private:
     using IdRange = AlarmWindow::IdRange;
     using TestList = AlarmWindow::TestList;
     using RowsVisitor = std::function<bool(const EventRows& rows)>;
-
-    // The number that is compared with the threshold for the rows of one id.
-    enum class Measure { PERIOD, DAILY_PEAK, ALL_TESTS };
+    using Measure = AlarmCount::Measure;
 
     IdRange GetAlarmIdList(const AlarmRule::AlarmItem& item) const;
-    EventRows::Questions TestsOf(const AlarmRule::AlarmItem& item) const;
-    static std::vector<IdRange> PartsOf(const IdRange& ids);
-    EventRows::Questions QuestionsTo(const IdRange& part) const;
     bool IsRuleHitBySettingTime(const AlarmItem& item, std::size_t itemNumber, const std::string& eventId,
         TimeSet::TimeType timeType, const IdRange& ids);
     bool IsWithParamTestChecked(const AlarmRule::AlarmItem& item, TimeSet& timeSet, Window& window);
     bool IsHitForSingleTypeTestChecked(const OrLogic& orLogic, const AlarmRule::AlarmItem& item, Window& window);
     bool IsHitForMultipleTypeTestChecked(
         const OrLogic& orLogic, const AlarmRule::AlarmItem& item, Window& window);
-    static TestPara GetOrLogicParamItem(const OrLogic& orLogic, const ParamMap& params);
-    static std::optional<TestPara> GetAndLogicParamItem(
-        const std::shared_ptr<OrLogic::LogicItem>& logicItem, const ParamMap& params);
 
     bool IsAnyIdHit(Measure measure, const TestList& tests, Window& window);
     // `passed` receives the number of rows of the last id that pass the test.
     bool IsLastIdHit(const std::shared_ptr<const MemberTest>& test, Window& window, std::uint64_t& passed);
     void VisitIds(const TestList& tests, Window& window, const RowsVisitor& visitor);
-    bool IsHit(Measure measure, const EventRows& rows, const TestList& tests, Window& window);
-    // With `isTested` only the rows count that pass the first test of the visit.
-    bool IsFaultForPeriod(const EventRows& rows, bool isTested, Window& window);
-    bool IsFaultForDaily(const EventRows& rows, bool isTested, Window& window);
-    bool IsFaultForPeriodWithParam(const EventRows& rows, std::size_t testCount, Window& window);
     void NoteRowsBeforeStart(Window& window) const;
     void NoteLog(Window& window) const;
     Evidence::Window* AddRecord(std::size_t itemNumber, const IdRange& ids, const char* kind) const;
     bool CloseWindow(const Window& window, Evidence::Reason reason, bool isHit);
-    // The answers of all rows, and of those up to now.
-    struct Sums { std::uint64_t all; std::uint64_t untilNow; };
-    static Sums SumsOf(const EventRows& rows, bool isWeighed, Window& window);
     void NoteBounds(const AlarmRule::AlarmItem& item) const;
     void NoteTest(const TestPara& test) const;
 
+    AlarmQuestions mQuestions{*this};
     std::shared_ptr<AlarmRuleDbHelper> mEventStore;
     std::shared_ptr<RuleHelper> mRuleHelper;
     bool mIsLogReadable = true; // in the window that is being counted

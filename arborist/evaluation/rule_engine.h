@@ -1,24 +1,17 @@
 #ifndef ARBORIST_EVALUATION_RULE_ENGINE_H
 #define ARBORIST_EVALUATION_RULE_ENGINE_H
 
-#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "arborist/evaluation/rule_checkers.h"
+#include "arborist/evaluation/event_decider.h"
 #include "arborist/evaluation/rule_engine_helper.h"
-#include "arborist/evaluation/tree_checks.h"
-#include "arborist/frame/detection_observer.h"
-#include "arborist/model/event_rule.h"
 
-class AlternativeFinder;
-class CommonPart;
 class DeviceDetails;
 class FaultTree;
 class FaultTreeParser;
-class Rule;
 class RuleHelper;
 struct DetectInfo;
 
@@ -28,8 +21,8 @@ struct DetectInfo;
 /// Shares ownership of its arguments. Runs on the caller's thread and locks nothing.
 class RuleEngine {
 public:
-    /// Detect mode of events that are left to the host: their rules never run here.
-    static constexpr std::string_view DETECT_INTERACTION_RULE = "2";
+    /// See EventDecider.
+    static constexpr std::string_view DETECT_INTERACTION_RULE = EventDecider::DETECT_INTERACTION_RULE;
     static constexpr char EMPTY_STRING[] = "";
 
     /// With a null `detectInfo` there is no helper, and running a tree does nothing.
@@ -51,11 +44,11 @@ public:
     std::vector<std::string> GetCodeRuleInfoByType(std::string_view type, const std::string& detectCode);
 
     /// The checks of the events of the last tree; complete only with an observer.
-    const TreeChecks& GetTreeChecks() const { return mTreeChecks; }
+    const TreeChecks& GetTreeChecks() const { return mDecider.GetTreeChecks(); }
 
     /// Sets the observer that is notified of each decided event; null for none. Not owned: it must outlive the engine
     /// or be removed with null.
-    void SetObserver(DetectionObserver* observer) { mObserver = observer; }
+    void SetObserver(DetectionObserver* observer) { mDecider.GetRules().SetObserver(observer); }
 
 private:
     void InitCommonPart();
@@ -63,31 +56,14 @@ private:
     void MarkObservable();
     void RunRules();
     bool RunRulesOfEvent(const std::shared_ptr<Event>& event, const std::shared_ptr<EventRule>& eventRule);
-    bool IsFaultHappenedForEvent(const std::shared_ptr<Event>& event, const std::shared_ptr<EventRule>& eventRule);
-    bool DecideEvent(const Event& event, EventRule* eventRule, EventCheck* eventCheck, Evidence::Event* record);
-    bool AskRulesOfEvent(const std::string& eventId, EventRule& eventRule, const std::vector<std::string>& names,
-                         EventCheck* eventCheck, Evidence::Event* record);
-    bool GetSingleRuleCheckResult(
-        const std::string& ruleName, const std::string& eventId, Evidence::Alternative* alternative);
-    bool AskIfSupported(const std::shared_ptr<Rule>& rule, const std::string& eventId, Evidence::Rule* record);
-    std::shared_ptr<OrRuleSingle> DoSingleRuleCheck(const std::string& name, const std::string& eventId,
-        const AlternativeFinder& finder, Evidence::Alternative* alternative);
-    std::shared_ptr<OrRuleSingle> DoMultiRulesCheck(const std::string& names, const std::string& eventId,
-        const std::shared_ptr<OrRuleSingle>& entry, Evidence::Alternative* alternative);
-    bool AskRule(const std::shared_ptr<Rule>& rule, const std::string& eventId, Evidence::Rule* record);
-    // Null without an observer.
-    DetectionObserver* GetObserver() const { return mObserver; }
 
     std::shared_ptr<FaultTreeParser> mFaultTreeParser;
     std::shared_ptr<DetectInfo> mDetectInfo;
     std::shared_ptr<DeviceDetails> mDeviceDetails;
     std::shared_ptr<RuleHelper> mRuleHelper;
     std::shared_ptr<RuleEngineHelper> mRuleEngineHelper;
-    std::shared_ptr<CommonPart> mCommonPart;
     std::shared_ptr<FaultTree> mFaultTree;
-    RuleCheckers mCheckers;
-    TreeChecks mTreeChecks;
-    DetectionObserver* mObserver = nullptr;
+    EventDecider mDecider;
 };
 
 #endif

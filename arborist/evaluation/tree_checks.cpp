@@ -3,8 +3,8 @@
 #include <string>
 #include <utility>
 
+#include "arborist/evaluation/event_decider.h"
 #include "arborist/evaluation/rule_check.h"
-#include "arborist/evaluation/rule_engine.h"
 #include "arborist/model/event.h"
 
 namespace {
@@ -28,7 +28,7 @@ Reason ReasonWithoutEntry(const Event& event)
     if (event.AsIntermediate() != nullptr) {
         return Reason::NONE;
     }
-    return event.GetDetectMode() == RuleEngine::DETECT_INTERACTION_RULE ? Reason::INTERACTION_EVENT
+    return event.GetDetectMode() == EventDecider::DETECT_INTERACTION_RULE ? Reason::INTERACTION_EVENT
                                                                         : Reason::NO_EVENT_RULE;
 }
 
