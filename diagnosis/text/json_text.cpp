@@ -20,7 +20,7 @@ std::unique_ptr<Json::CharReader> StrictReader()
 std::string Cut(const std::string& reason)
 {
     static constexpr std::size_t LONGEST = 200;
-    return reason.size() <= LONGEST ? reason : reason.substr(0, LONGEST) + "...";
+    return reason.size() <= LONGEST ? reason : reason.substr(0, LONGEST).append("...");
 }
 
 // Takes the first error only; the reader describes each on two or three lines ("* Line 1, Column 2\n  reason\nSee
