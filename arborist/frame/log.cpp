@@ -57,10 +57,16 @@ void Log::Output(int level, const char* format, ...)
     if (format == nullptr) {
         return;
     }
+    // Loggers take a string, and a detection can log a line for each event id: use the memory of the last one. A logger
+    // that logs itself finds none.
+    thread_local std::string spare;
+    std::string text = std::move(spare);
+    text = format;
     va_list args;
     va_start(args, format);
-    mLogger->Print(static_cast<unsigned int>(level), format, args);
+    mLogger->Print(static_cast<unsigned int>(level), text, args);
     va_end(args);
+    spare = std::move(text);
 }
 
 bool Log::SetUserLogger(std::unique_ptr<ILogger> logger)

@@ -85,4 +85,30 @@ TEST(LogTest, NullLoggerIsRefusedAndTheOldOneStays)
     EXPECT_TRUE(destroyed);
 }
 
+class LoggingLogger : public FT::ILogger {
+public:
+    explicit LoggingLogger(std::vector<std::string>& formats) : mFormats(formats) {}
+    void Print(unsigned int, const std::string& format, va_list) override
+    {
+        if (mFormats.size() < 2) {
+            mFormats.push_back("");
+            FT::Log::GetInstance().Output(FT::LEVEL_INFO, "FUNc:%s: inner", "Here");
+            mFormats.push_back(format);
+        }
+    }
+
+private:
+    std::vector<std::string>& mFormats;
+};
+
+TEST(LogTest, LoggerThatLogsItselfKeepsItsFormat)
+{
+    std::vector<std::string> formats;
+    FT::Log::GetInstance().SetUserLogger(std::make_unique<LoggingLogger>(formats));
+    FT::Log::GetInstance().Output(FT::LEVEL_INFO, "FUNc:%s: outer", "Here");
+    FT::Log::GetInstance().SetUserLogger(std::make_unique<FT::DefaultLogger>());
+    const std::vector<std::string> expected = {"", "", "FUNc:%s: inner", "FUNc:%s: outer"};
+    EXPECT_EQ(formats, expected);
+}
+
 } // namespace
