@@ -1,4 +1,5 @@
 """The includes of this tree point down, and the check that says so finds what it is there for."""
+import re
 import sys
 import unittest
 from pathlib import Path
@@ -26,6 +27,13 @@ class TreeTest(unittest.TestCase):
 
     def test_public_headers_are_found(self):
         self.assertIn("frame/log.h", includes.public_headers(ROOT))
+
+    # Only the preset release builds the bench, which replaces these calls in a copy of the headers.
+    def test_the_bench_of_the_observer_finds_the_calls_that_it_replaces(self):
+        lists = (ROOT / "bench/CMakeLists.txt").read_text()
+        for header in re.search(r"foreach\(header IN ITEMS ([^)]*)\)", lists).group(1).split():
+            text = (ROOT / "arborist" / header).read_text()
+            self.assertRegex(text, r"return (mObserver|mRecord|mComparisons);", header)
 
     def test_every_room_holds_files(self):
         files = includes.source_files(ROOT)
