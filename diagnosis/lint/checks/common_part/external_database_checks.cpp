@@ -96,6 +96,37 @@ bool CanBeginAPath(std::string_view pattern)
     return isEscaped ? isLetter || first == '/' : !isLetter || isOptional;
 }
 
+// The folder of a path with a "/" at its end, in lower case; empty unless it is absolute and says plainly where it is.
+std::string FolderOf(std::string_view path)
+{
+    const bool isPlain = path.starts_with('/') && path.find("//") == NOWHERE && path.find("/.") == NOWHERE;
+    const std::string folder = isPlain ? LowerName(path) : "";
+    return folder.empty() || folder.ends_with('/') ? folder : folder + '/';
+}
+
+// Whether a file below the folder may have a path that begins like this.
+bool IsAlong(const std::string& folder, const std::string& start)
+{
+    return folder.empty() || folder.starts_with(start) || start.starts_with(folder);
+}
+
+// The first folder that is searched, if the pattern begins with other folders than all that are; otherwise empty.
+std::string FolderLeftOut(const TableBean& bean)
+{
+    const std::string start = LiteralStart(LowerName(bean.dbName));
+    std::string first;
+    for (const DbPath& path : bean.paths) {
+        const std::string folder = FolderOf(path.value);
+        if (path.isKept && !path.value.empty()) {
+            if (IsAlong(folder, start)) {
+                return "";
+            }
+            first = first.empty() ? std::string(path.value) : first;
+        }
+    }
+    return first;
+}
+
 void CheckCover(const Subject& subject, Report& report)
 {
     for (const TableBean& bean : Beans(subject)) {
@@ -104,6 +135,9 @@ void CheckCover(const Subject& subject, Report& report)
                 {.help = "give them a \"dbName\" with a \"name\": .*/usage\\.db"});
         } else if (bean.dbName.find('|') == NOWHERE && !CanBeginAPath(bean.dbName)) {
             AddAboutPattern(bean, "does not cover the folders of a path", "let it begin with .*/", report);
+        } else if (const std::string folder = FolderLeftOut(bean); !folder.empty()) {
+            AddAboutPattern(bean, "begins with other folders than " + Quoted(folder) + ", which is searched",
+                "let it begin with .*/", report);
         }
     }
 }
@@ -231,7 +265,9 @@ constexpr Check CHECKS[] = {
         "path nor pattern has the letters.",
         "\"decompression\" is not looked at: a file is unpacked if its path has the letters \"zip\"", CheckArchives},
     {"A816", Severity::ERROR, CheckClass::STATIC, "pattern that does not cover the path",
-        "A \"dbName\" that is missing or empty, or begins with a letter that no path begins with.",
+        "A \"dbName\" that is missing or empty, or begins with a letter that no path begins with, or with other folders than "
+        "every \"dbPath\". Files behind a link have the path of their real place: where one leads out of the folders, the "
+        "pattern may be right.",
         "the pattern must match the whole path, and no file is found", CheckCover},
     {"A817", Severity::ERROR, CheckClass::STATIC, "pattern that is no regular expression",
         "A \"dbName\" that is no regular expression in the grammar of ECMAScript, or longer than 4096 characters.",
