@@ -232,4 +232,12 @@ std::string RulesFailureJson(const std::string& command, const std::string& fold
     return json.EndObject().Line();
 }
 
+std::string LintFailureJson(const Failure& failure)
+{
+    JsonWriter json;
+    json.BeginObject();
+    WriteError(json, failure);
+    return json.EndObject().Line();
+}
+
 } // namespace diagnosis

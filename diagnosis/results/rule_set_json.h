@@ -22,6 +22,8 @@ std::string ReachJson(const rule_set::ReadRuleSet& rules, const std::vector<lint
 
 /// Why one of the commands, "list", can't be carried out.
 std::string RulesFailureJson(const std::string& command, const std::string& folder, const Failure& failure);
+/// Why lint can't be carried out: an object with "error".
+std::string LintFailureJson(const Failure& failure);
 
 } // namespace diagnosis
 

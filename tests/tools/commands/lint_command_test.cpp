@@ -227,6 +227,45 @@ TEST_F(LintCommand, ACommentSuppressesWhatTheElementBehindItHolds)
     EXPECT_EQ(Lint({"rules", "--disable", "A401"}).out, "no findings\n");
 }
 
+struct FailureCase {
+    const char* name;
+    std::vector<std::string> options;
+    std::string code;
+};
+
+void PrintTo(const FailureCase& failure, std::ostream* out) { *out << failure.code; }
+
+class LintFailure : public LintCommand, public testing::WithParamInterface<FailureCase> {};
+
+TEST_P(LintFailure, IsAnObjectWithTheErrorWhereJsonIsAskedFor)
+{
+    mDir.Write("broken.txt", "{");
+    std::vector<std::string> options = GetParam().options;
+    const auto text = Lint(options);
+    EXPECT_EQ(text.status, 2);
+    EXPECT_EQ(text.out, "");
+    options.insert(options.end(), {"--format", "json"});
+    const auto json = Lint(options);
+    EXPECT_EQ(json.status, 2);
+    EXPECT_EQ(json.err, text.err);
+    const Json::Value object = ParsedJson(json.out);
+    EXPECT_EQ(object.getMemberNames(), std::vector<std::string>{"error"});
+    EXPECT_EQ(object["error"]["code"].asString(), GetParam().code);
+    EXPECT_EQ("arborist: " + object["error"]["message"].asString() + "\n", json.err);
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, LintFailure,
+    testing::ValuesIn(std::vector<FailureCase>{
+        {"NoConfig", {"rules", "--config", "none.json"}, "bad_config"},
+        {"CheckThatIsNone", {"rules", "--only", "A4"}, "unknown_check"},
+        {"NoCheckToExplain", {"--explain", "A4"}, "unknown_check"},
+        {"NoDevice", {"rules", "--device", "broken.txt"}, "bad_device"},
+        {"NoBaseline", {"rules", "--baseline", "none.txt"}, "bad_baseline"},
+        {"NoFolderForABaseline", {"rules", "--write-baseline", "none/lint.txt"}, "not_written"},
+        {"NoLog", {"rules", "--log", "none.db"}, "no_log"},
+    }),
+    CaseName());
+
 TEST_F(LintCommand, ABaselineHoldsWhatIsKnown)
 {
     EXPECT_EQ(Lint({"rules", "--write-baseline", "known/lint.txt"}).status, 2);

@@ -2,6 +2,7 @@
 #include <iostream>
 #include <iterator>
 #include <memory>
+#include <optional>
 
 #include "diagnosis/lint/base/event_counts.h"
 #include "diagnosis/lint/baseline.h"
@@ -12,6 +13,7 @@
 #include "diagnosis/lint/output/formats.h"
 #include "diagnosis/lint/registry.h"
 #include "diagnosis/log_db/inspect_log.h"
+#include "diagnosis/results/rule_set_json.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/lint_fixes.h"
 #include "tools/arborist/commands/shared_options.h"
@@ -48,10 +50,26 @@ struct LintCommandOptions {
     std::string explained;
 };
 
-ExitStatus WrongUse(const std::string& message)
+using Problem = std::optional<Failure>;
+
+Problem WrongUse(const char* code, const std::string& message)
 {
-    PrintError(message);
-    return ExitStatus::WRONG_USE;
+    return Failure{code, message, ExitStatus::WRONG_USE};
+}
+
+bool IsJson(const LintCommandOptions& options)
+{
+    return options.asJson || options.format == "json";
+}
+
+// Prints why the command can't be carried out, for JSON also as an object on standard output.
+ExitStatus Failed(const Failure& failure, const LintCommandOptions& options)
+{
+    if (IsJson(options)) {
+        PrintResult(LintFailureJson(failure) + "\n");
+    }
+    PrintError(failure.message);
+    return failure.status;
 }
 
 void AppendTo(std::vector<std::string>& list, const std::vector<std::string>& more)
@@ -60,14 +78,15 @@ void AppendTo(std::vector<std::string>& list, const std::vector<std::string>& mo
 }
 
 // Takes options that the command line leaves out from the configuration; joins lists of both.
-bool TakeConfig(LintCommandOptions& options, std::string& problem)
+Problem TakeConfig(LintCommandOptions& options)
 {
     if (options.config.empty()) {
-        return true;
+        return std::nullopt;
     }
+    std::string problem;
     const auto config = lint::ReadConfig(options.config, problem);
     if (!config) {
-        return false;
+        return WrongUse("bad_config", problem);
     }
     options.tags = options.tags.empty() ? config->tags : options.tags;
     options.prefix = options.prefix.empty() ? config->prefix : options.prefix;
@@ -77,24 +96,27 @@ bool TakeConfig(LintCommandOptions& options, std::string& problem)
     AppendTo(options.disable, config->disable);
     AppendTo(options.devices, config->devices);
     AppendTo(options.tests, config->tests);
-    return true;
+    return std::nullopt;
 }
 
-bool ReadCounts(const std::string& log, lint::EventCounts& counts, std::string& problem)
+Problem ReadCounts(const std::string& log, lint::EventCounts& counts)
 {
+    if (log.empty()) {
+        return std::nullopt;
+    }
     LogInspection inspection;
     if (const auto failure = InspectEventLog(log, inspection)) {
-        problem = failure->message;
-        return false;
+        return WrongUse(failure->code.c_str(), failure->message);
     }
     for (const LoggedId& event : inspection.ids) {
         counts.Add(event.id, event.rows);
     }
-    return true;
+    return std::nullopt;
 }
 
-bool MakeOptions(const LintCommandOptions& given, lint::LintOptions& options, std::string& problem)
+Problem MakeOptions(const LintCommandOptions& given, lint::LintOptions& options)
 {
+    std::string problem;
     options.tags = given.tags;
     options.prefix = given.prefix;
     options.deviceRoot = given.deviceRoot;
@@ -103,17 +125,17 @@ bool MakeOptions(const LintCommandOptions& given, lint::LintOptions& options, st
     for (const auto* ids : {&given.disable, &given.only}) {
         problem = lint::UnknownCheck(*ids);
         if (!problem.empty()) {
-            return false;
+            return WrongUse("unknown_check", problem);
         }
     }
     for (const std::string& file : given.devices) {
         const auto profiles = lint::ReadDeviceProfiles(file, problem);
         if (!profiles) {
-            return false;
+            return WrongUse("bad_device", problem);
         }
         options.devices.insert(options.devices.end(), profiles->begin(), profiles->end());
     }
-    return true;
+    return std::nullopt;
 }
 
 bool EndsWith(const std::string& text, const std::string& end)
@@ -179,8 +201,8 @@ private:
 
 std::string Formatted(const lint::LintRun& run, const LintCommandOptions& options)
 {
-    const std::string format = options.asJson ? "json" : options.format;
-    return format == "json"   ? lint::RunJson(run)
+    const std::string& format = options.format;
+    return IsJson(options)    ? lint::RunJson(run)
         : format == "short"   ? lint::RunShort(run)
         : format == "github"  ? lint::RunGithub(run)
         : format == "gitlab"  ? lint::RunGitlab(run)
@@ -196,8 +218,8 @@ bool IsAtLevel(const lint::LintRun& run, const std::string& failLevel)
         [level](const lint::Finding& finding) { return finding.check->severity >= level; });
 }
 
-// Writes the new baseline, if one is asked for: all findings are known then. Returns the reason if it can't.
-std::optional<std::string> WriteBaseline(const LintCommandOptions& options, lint::LintRun& run)
+// Writes the new baseline, if one is asked for: all findings are known then.
+Problem WriteBaseline(const LintCommandOptions& options, lint::LintRun& run)
 {
     if (options.newBaseline.empty()) {
         return std::nullopt;
@@ -205,29 +227,31 @@ std::optional<std::string> WriteBaseline(const LintCommandOptions& options, lint
     const auto problem = lint::Baseline::Write(run.findings, options.newBaseline);
     run.known = run.findings.size();
     run.findings.clear();
-    return problem;
+    return problem ? WrongUse("not_written", *problem) : std::nullopt;
 }
 
-// Removes the findings that are in the baseline; false, with the reason, if it can't be read.
-bool FilterByBaseline(const LintCommandOptions& options, lint::LintRun& run, std::string& problem)
+// Removes the findings that are in the baseline.
+Problem FilterByBaseline(const LintCommandOptions& options, lint::LintRun& run)
 {
     if (options.baseline.empty() || options.withoutBaseline || !options.newBaseline.empty()) {
-        return true;
+        return std::nullopt;
     }
+    std::string problem;
     auto baseline = lint::Baseline::Read(options.baseline, problem);
-    if (baseline) {
-        run.known = baseline->Filter(run.findings);
+    if (!baseline) {
+        return WrongUse("bad_baseline", problem);
     }
-    return baseline.has_value();
+    run.known = baseline->Filter(run.findings);
+    return std::nullopt;
 }
 
-// Lints all folders and leaves out findings of the baseline; false, with the reason, if that can't be read.
-bool LintFolders(LintRunner& runner, const LintCommandOptions& given, std::string& problem)
+// Lints all folders and leaves out findings of the baseline.
+Problem LintFolders(LintRunner& runner, const LintCommandOptions& given)
 {
     for (const std::string& folder : given.folders) {
         runner.Lint(folder);
     }
-    return FilterByBaseline(given, runner.Run(), problem);
+    return FilterByBaseline(given, runner.Run());
 }
 
 // The fixes that the tests of the rule sets allow, after printing why others are refused.
@@ -240,17 +264,16 @@ std::vector<lint::FileFix> FixesToMake(const lint::LintRun& run, const LintComma
     return std::move(tested.fixes);
 }
 
-// Fixes the files and adds the findings that they mend to `fixed`; false, after printing the reason, if a file can't be written.
-bool Fix(const lint::LintRun& run, const LintCommandOptions& given, std::size_t& fixed)
+// Fixes the files and adds the findings that they mend to `fixed`.
+Problem Fix(const lint::LintRun& run, const LintCommandOptions& given, std::size_t& fixed)
 {
     for (const lint::FileFix& fix : FixesToMake(run, given)) {
         if (const auto problem = lint::WriteFix(fix)) {
-            PrintError(*problem);
-            return false;
+            return WrongUse("not_written", *problem);
         }
         fixed += fix.findings;
     }
-    return true;
+    return std::nullopt;
 }
 
 std::string Diff(const lint::LintRun& run, const LintCommandOptions& given)
@@ -266,7 +289,7 @@ ExitStatus Tell(LintRunner& runner, const LintCommandOptions& given)
 {
     lint::LintRun& run = runner.Run();
     if (const auto problem = WriteBaseline(given, run)) {
-        return WrongUse(*problem);
+        return Failed(*problem, given);
     }
     PrintResult(given.asDiff ? Diff(run, given) : Formatted(run, given));
     return !runner.IsReadable()              ? ExitStatus::RULE_SET
@@ -276,29 +299,30 @@ ExitStatus Tell(LintRunner& runner, const LintCommandOptions& given)
 
 ExitStatus LintAll(const LintCommandOptions& given, const lint::LintOptions& options)
 {
-    std::string problem;
     LintRunner runner(given, options);
-    if (!LintFolders(runner, given, problem)) {
-        return WrongUse(problem);
+    if (const auto problem = LintFolders(runner, given)) {
+        return Failed(*problem, given);
     }
     if (!given.isFixed) {
         return Tell(runner, given);
     }
     // Report the findings that remain in the fixed files.
     LintRunner again(given, options);
-    if (!Fix(runner.Run(), given, again.Run().fixed) || !LintFolders(again, given, problem)) {
-        return problem.empty() ? ExitStatus::WRONG_USE : WrongUse(problem);
+    Problem problem = Fix(runner.Run(), given, again.Run().fixed);
+    problem = problem ? problem : LintFolders(again, given);
+    if (problem) {
+        return Failed(*problem, given);
     }
     return Tell(again, given);
 }
 
-ExitStatus Explain(const std::string& id)
+ExitStatus Explain(const LintCommandOptions& given)
 {
-    const std::string unknown = lint::UnknownCheck({id});
+    const std::string unknown = lint::UnknownCheck({given.explained});
     if (!unknown.empty()) {
-        return WrongUse(unknown);
+        return Failed(*WrongUse("unknown_check", unknown), given);
     }
-    PrintResult(CheckText(*lint::FindCheck(id)));
+    PrintResult(CheckText(*lint::FindCheck(given.explained)));
     return ExitStatus::SUCCESS;
 }
 
@@ -309,14 +333,15 @@ ExitStatus Lint(LintCommandOptions given)
         return ExitStatus::SUCCESS;
     }
     if (!given.explained.empty()) {
-        return Explain(given.explained);
+        return Explain(given);
     }
-    std::string problem;
     lint::LintOptions options;
     lint::EventCounts counts;
-    if (!TakeConfig(given, problem) || !MakeOptions(given, options, problem)
-        || (!given.log.empty() && !ReadCounts(given.log, counts, problem))) {
-        return WrongUse(problem);
+    Problem problem = TakeConfig(given);
+    problem = problem ? problem : MakeOptions(given, options);
+    problem = problem ? problem : ReadCounts(given.log, counts);
+    if (problem) {
+        return Failed(*problem, given);
     }
     options.counts = given.log.empty() ? nullptr : &counts;
     options.details.withFingerprints = given.asJson || given.format != "text";
