@@ -148,12 +148,16 @@ std::vector<Shown> Show(const RuleSet& rules, const std::string& name)
     for (Shown& one : shown) {
         one.links = LinksOf(rules, index, one.kind, name);
     }
+    if (auto links = index.OfRepair(name); !links.empty()) {
+        const Item repair{ItemKind::REPAIRS, name, name, "", links.front().place, {}};
+        shown.push_back({ItemKind::REPAIRS, name, {repair}, std::move(links)});
+    }
     return shown;
 }
 
 std::vector<std::string> NamesOf(const RuleSet& rules)
 {
-    std::set<std::string> names;
+    std::set<std::string> names = LinkIndex(rules).RepairIds();
     for (const Entry& entry : InventoryOf(rules)) {
         names.insert(entry.name);
     }

@@ -33,7 +33,7 @@ struct Shown {
     std::vector<Link> links;
 };
 
-/// Every tree, event, rule, shared data and database with this name. Empty if nothing has it.
+/// Every tree, event, rule, shared data, database and repair with this name. Empty if nothing has it.
 std::vector<Shown> Show(const rule_source::RuleSet& rules, const std::string& name);
 
 /// The names that Show knows.

@@ -1,5 +1,6 @@
 #include "diagnosis/rule_set/links.h"
 
+#include <optional>
 #include <unordered_set>
 
 #include "diagnosis/rule_set/items.h"
@@ -33,6 +34,15 @@ constexpr Described DESCRIBED[] = {
 Link ToRule(const Rule& rule, const char* relation)
 {
     return {relation, ItemKind::RULE, std::string(rule.name), PlaceOf(rule.element), FamilyWord(rule.family)};
+}
+
+// The repair that the user-defined text of an event names: what was logged before its date doesn't count.
+std::optional<std::string> RepairNamedBy(rule_source::Element userDefined)
+{
+    std::string problem;
+    const auto json = userDefined.HasText() ? ParseJson(std::string(userDefined.Text()), problem) : std::nullopt;
+    const bool isNamed = json && json->isObject() && (*json)["Repairid"].isString();
+    return isNamed ? std::optional((*json)["Repairid"].asString()) : std::nullopt;
 }
 
 } // namespace
@@ -88,17 +98,59 @@ void LinkIndex::AddTreesOf(std::string_view eventId, std::vector<Link>& links) c
     }
 }
 
-// The user-defined text of an event names a repair: what was logged before its date doesn't count.
 void LinkIndex::AddRepairsOf(std::string_view eventId, std::vector<Link>& links) const
 {
     for (const std::size_t place : PlacesOf(eventId)) {
         const rule_source::Element text = mRules.trees.events[place].userDefined;
-        std::string problem;
-        const auto json = text.HasText() ? ParseJson(std::string(text.Text()), problem) : std::nullopt;
-        if (json && json->isObject() && (*json)["Repairid"].isString()) {
-            links.push_back({"counts since repair", ItemKind::REPAIRS, (*json)["Repairid"].asString(), PlaceOf(text), ""});
+        if (const auto repair = RepairNamedBy(text)) {
+            links.push_back({"counts since repair", ItemKind::REPAIRS, *repair, PlaceOf(text), ""});
         }
     }
+}
+
+std::vector<std::pair<std::string, Link>> LinkIndex::RepairLinks() const
+{
+    std::vector<std::pair<std::string, Link>> links;
+    for (const auto& [event, place] : mRules.repairs.byId) {
+        for (const rule_source::DescriptionEntry& entry : mRules.repairs.items[place].entries) {
+            links.emplace_back(entry.id,
+                Link{"listed by", ItemKind::EVENT, std::string(event), PlaceOf(entry.element), std::string(entry.extra)});
+        }
+    }
+    for (const rule_source::TreeEvent& event : mRules.trees.events) {
+        if (const auto repair = RepairNamedBy(event.userDefined)) {
+            links.emplace_back(
+                *repair, Link{"named by", ItemKind::EVENT, std::string(event.id), PlaceOf(event.userDefined), ""});
+        }
+    }
+    return links;
+}
+
+std::vector<Link> LinkIndex::OfRepair(std::string_view id) const
+{
+    std::vector<Link> links;
+    std::set<std::string> events;
+    for (auto& [repair, link] : RepairLinks()) {
+        if (repair == id && !id.empty()) {
+            events.insert(link.name);
+            links.push_back(std::move(link));
+        }
+    }
+    for (const std::string& event : events) {
+        if (const Binding* const binding = mRules.bindings.Find(event)) {
+            AddRulesOf(*binding, links);
+        }
+    }
+    return links;
+}
+
+std::set<std::string> LinkIndex::RepairIds() const
+{
+    std::set<std::string> ids;
+    for (const auto& [repair, link] : RepairLinks()) {
+        ids.insert(repair);
+    }
+    return ids;
 }
 
 void LinkIndex::AddRulesOf(const Binding& binding, std::vector<Link>& links) const

@@ -1,9 +1,11 @@
 #ifndef ARBORIST_DIAGNOSIS_RULE_SET_LINKS_H
 #define ARBORIST_DIAGNOSIS_RULE_SET_LINKS_H
 
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "diagnosis/rule_set/item.h"
@@ -40,6 +42,11 @@ public:
     /// The rules that use shared data or a database.
     std::vector<Link> OfSharedData(std::string_view name) const;
     std::vector<Link> OfDatabase(std::string_view name) const;
+    /// The events that list a repair, those whose user-defined text names it, and the rules of both. Their counts start anew
+    /// with it.
+    std::vector<Link> OfRepair(std::string_view id) const;
+    /// The ids of all repairs that an event lists or names.
+    std::set<std::string> RepairIds() const;
 
     /// Every place of an event, as indices into Trees::events.
     const std::vector<std::size_t>& PlacesOf(std::string_view eventId) const;
@@ -57,6 +64,8 @@ private:
     void AddDescriptionsOf(std::string_view eventId, std::vector<Link>& links) const;
     void AddTreesOf(std::string_view eventId, std::vector<Link>& links) const;
     void AddRepairsOf(std::string_view eventId, std::vector<Link>& links) const;
+    /// All links from repairs to events, each with the id of its repair.
+    std::vector<std::pair<std::string, Link>> RepairLinks() const;
     static std::vector<Link> UsersOf(std::string_view name, const RulesByName& users);
 
     const rule_source::RuleSet& mRules;

@@ -95,6 +95,30 @@ TEST_F(Inventory, ShowsTheRepairThatAnEventCountsSinceForItAndItsRules)
     EXPECT_THAT(Texts(Show(*rules->tags.front(), "B").front().links), ElementsAre("stands in T (basic)"));
 }
 
+TEST_F(Inventory, ShowsTheEventsAndRulesThatARepairTouches)
+{
+    const TempDir dir;
+    WriteRuleSet(dir, "rules",
+        TreeXml("Tag").Tree("T", Or({Basic("A").TextChild("UserDefined", R"({"Repairid": "R7"})"), Basic("B"), Basic("C")})),
+        RuleXml("Tag")
+            .EventRule("A", {Single("r")})
+            .EventRule("B", {Single("s")})
+            .EventRule("C", {Single("t")})
+            .Rule(AlarmRuleXml("r", {}))
+            .Rule(CodeRuleXml("s", "C"))
+            .Rule(CodeRuleXml("t", "C"))
+            .Repair("B", {{"R7", "{}"}, {"R8", ""}}));
+    const auto rules = ReadFolder("rules");
+    const auto shown = Show(*rules->tags.front(), "R7");
+    ASSERT_EQ(shown.size(), 1U);
+    EXPECT_EQ(shown[0].items.size(), 1U);
+    EXPECT_THAT(Texts(shown[0].links),
+        ElementsAre("listed by B ({})", "named by A", "decided by r (alarm)", "decided by s (code)"));
+    EXPECT_THAT(Texts(Show(*rules->tags.front(), "R8").front().links), ElementsAre("listed by B", "decided by s (code)"));
+    EXPECT_THAT(Show(*rules->tags.front(), ""), IsEmpty());
+    EXPECT_THAT(Show(*rules->tags.front(), "R"), IsEmpty());
+}
+
 TEST_F(Inventory, ShowsAllThatTouchesARule)
 {
     const auto shown = Show(Rules(), "r");
@@ -129,7 +153,7 @@ TEST_F(Inventory, ShowsTheUsersOfSharedDataAndTheEventsOfATree)
 TEST_F(Inventory, ShowsNothingForAnUnknownName)
 {
     EXPECT_THAT(Show(Rules(), "nowhere"), IsEmpty());
-    EXPECT_THAT(NamesOf(Rules()), ElementsAre("A", "B", "G", "T", "U", "bean", "r", "sql"));
+    EXPECT_THAT(NamesOf(Rules()), ElementsAre("A", "B", "G", "R", "T", "U", "bean", "r", "sql"));
 }
 
 TEST_F(Inventory, CountsWhatIsKept)

@@ -80,7 +80,7 @@ TEST_F(RulesCommand, ShowsARuleAndSaysWhenNothingHasTheName)
     const auto unknown = Rules({"show", "a", "R"});
     EXPECT_EQ(unknown.status, 1);
     EXPECT_EQ(unknown.out, "");
-    EXPECT_EQ(unknown.err, "arborist: a: no tree, event, rule, shared data or database is named \"R\"; did you mean \"r\"?\n");
+    EXPECT_EQ(unknown.err, "arborist: a: no tree, event, rule, shared data, database or repair is named \"R\"; did you mean \"r\"?\n");
 }
 
 TEST_F(RulesCommand, TellsWhatADeviceCanReport)
@@ -256,6 +256,7 @@ TEST_F(RulesCommand, PrintsJsonOfTheSchema)
     mDir.Write("device.json", R"({"Product": "P", "scenes": [2]})");
     const Json::Value schema = ParsedJson(PageOfDocs("rules.schema.json"));
     const std::vector<std::vector<std::string>> commands{{"list", LAPTOP}, {"stats", LAPTOP}, {"show", LAPTOP, "BATTERY_WORN"},
+        {"show", LAPTOP, "REPAIR_BATTERY"},
         {"show", LAPTOP, "nowhere"}, {"diff", LAPTOP, LAPTOP}, {"diff", "a", "b"}, {"diff", "a", LAPTOP},
         {"reach", LAPTOP, "--device", "device.json"}};
     for (std::vector<std::string> command : commands) {

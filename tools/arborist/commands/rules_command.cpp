@@ -70,7 +70,7 @@ std::string Unknown(const ReadRuleSet& rules, const std::string& name)
         const auto more = rule_set::NamesOf(*tag);
         names.insert(names.end(), more.begin(), more.end());
     }
-    return rules.folder + ": no tree, event, rule, shared data or database is named \"" + name + "\""
+    return rules.folder + ": no tree, event, rule, shared data, database or repair is named \"" + name + "\""
         + DidYouMean(name, names);
 }
 
@@ -178,7 +178,7 @@ void AddListCommand(Command rules, ExitStatus& status)
 void AddShowCommand(Command rules, ExitStatus& status)
 {
     auto options = std::make_shared<RulesOptions>();
-    Command show = Add(rules, "show", "Show a rule, event, tree or shared data, and everything that touches it", options,
+    Command show = Add(rules, "show", "Show a rule, event, tree, shared data or repair, and everything that touches it", options,
         Show, status);
     AddFolder(show, *options);
     show.Add("NAME", options->name, "Its name or id").Required();
