@@ -101,7 +101,7 @@ bool NodeRuleEngine::SetParamValue(const NodeRule& rule, const ParamIndex& param
             continue;
         }
         std::string value;
-        const bool readable = FileUtil::LoadStringFromFile(DevicePaths::OnDevice(node->GetPath()), value);
+        const bool readable = FileUtil::LoadStringFromFile(DevicePaths::Find(node->GetPath()).Path(), value);
         allRead = allRead && readable;
         if (auto* const record = GetPart<Evidence::Node>()) {
             record->files.push_back({node->GetParam(), node->GetPath(), readable, value});

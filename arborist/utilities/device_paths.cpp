@@ -5,7 +5,6 @@
 
 #include "arborist/frame/fault_tree_prop_global.h"
 #include "arborist/frame/settings.h"
-#include "arborist/utilities/rooted_path.h"
 
 namespace {
 
@@ -51,6 +50,11 @@ std::string DevicePaths::RepairDatabase()
 std::string DevicePaths::OnDevice(const std::string& path)
 {
     return RootedPath::OnDevice(Setting(Settings::DEVICE_ROOT_DIR), path);
+}
+
+RootedPath::Target DevicePaths::Find(const std::string& path)
+{
+    return RootedPath::Target(Setting(Settings::DEVICE_ROOT_DIR), path);
 }
 
 std::string DevicePaths::RealRootOfDevice()

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "arborist/utilities/rooted_path.h"
+
 /// The fixed paths of the library, and the place on this machine of a path on the device. Each call reads the settings.
 ///
 /// The fixed paths are below Settings::PROGRAM_DATA_DIR; if that is empty, below "C:\ProgramData" on Windows and
@@ -18,6 +20,8 @@ std::string RepairDatabase();
 
 /// Where the library looks up a path that a rule file names: RootedPath::OnDevice with Settings::DEVICE_ROOT_DIR.
 std::string OnDevice(const std::string& path);
+/// The same, kept open for reading.
+RootedPath::Target Find(const std::string& path);
 /// The real path of Settings::DEVICE_ROOT_DIR, with which the real path of every file of the device begins; empty if
 /// the setting is empty or the directory doesn't exist.
 std::string RealRootOfDevice();

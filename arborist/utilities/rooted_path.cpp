@@ -1,10 +1,21 @@
 #include "arborist/utilities/rooted_path.h"
 
+#include <cstdint>
 #include <deque>
 #include <filesystem>
+#include <optional>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
+
+#if defined(__linux__)
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#endif
 
 namespace {
 
@@ -35,9 +46,143 @@ std::string Joined(const std::string& root, const std::vector<std::string>& elem
     return path;
 }
 
+#if defined(__linux__)
+
+class Descriptor {
+public:
+    explicit Descriptor(int number) : mNumber(number) {}
+    ~Descriptor()
+    {
+        if (IsOpen()) {
+            close(mNumber);
+        }
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    int Get() const { return mNumber; }
+    bool IsOpen() const { return mNumber >= 0; }
+    int Release() { return std::exchange(mNumber, -1); }
+
+private:
+    int mNumber;
+};
+
+// The kernel's `struct open_how` and RESOLVE_IN_ROOT, as its headers may be older than the kernel.
+struct OpenHow {
+    std::uint64_t flags;
+    std::uint64_t mode;
+    std::uint64_t resolve;
+};
+constexpr std::uint64_t IN_ROOT = 0x10;
+constexpr long OPENAT2 = 437; // on every architecture
+
+int OpenFolder(const std::string& path)
+{
+    return open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+}
+
+// Finds `path` with `root` as the root directory. The number is negative, with errno, if nothing is found.
+int FindBelow(int root, const std::string& path)
+{
+    OpenHow how = {O_PATH | O_CLOEXEC, 0, IN_ROOT};
+    long found = -1;
+    // The kernel gives up where something was renamed meanwhile.
+    for (int attempts = 0; attempts < 32 && found < 0 && (attempts == 0 || errno == EAGAIN); ++attempts) {
+        found = syscall(OPENAT2, root, path.c_str(), &how, sizeof how);
+    }
+    return static_cast<int>(found);
+}
+
+// True if it was the call that failed, not the search: an old kernel, or a sandbox.
+bool IsCallRefused()
+{
+    return errno == ENOSYS || errno == EPERM || errno == EINVAL || errno == E2BIG;
+}
+
+std::string PathOf(int descriptor)
+{
+    return "/proc/self/fd/" + std::to_string(descriptor);
+}
+
+// The path by which the kernel knows an open file; empty if it can't say.
+std::string NameOf(int descriptor)
+{
+    std::error_code error;
+    const std::string name = std::filesystem::read_symlink(PathOf(descriptor), error).string();
+    struct stat opened = {};
+    struct stat named = {};
+    const bool isThere = !error && fstat(descriptor, &opened) == 0 && lstat(name.c_str(), &named) == 0;
+    return isThere && opened.st_ino == named.st_ino && opened.st_dev == named.st_dev ? name : "";
+}
+
+// `root` followed by the path to which the kernel resolves `path`; empty if it finds nothing or doesn't tell.
+std::string ResolveByKernel(const std::string& root, const std::string& path)
+{
+    const Descriptor folder(OpenFolder(root));
+    const Descriptor found(folder.IsOpen() ? FindBelow(folder.Get(), path) : -1);
+    if (!found.IsOpen()) {
+        return "";
+    }
+    std::string above = NameOf(folder.Get());
+    const std::string name = NameOf(found.Get());
+    if (above == "/") {
+        above.clear();
+    }
+    if (name == above) {
+        return root + "/";
+    }
+    const bool isBelow = name.size() > above.size() && name.compare(0, above.size(), above) == 0
+        && name[above.size()] == '/';
+    return isBelow ? root + name.substr(above.size()) : "";
+}
+
+// Like the constructor of Target. Nothing if the kernel has no such call; an open file is in `kept`.
+std::optional<std::string> FindByKernel(const std::string& root, const std::string& path, int& kept)
+{
+    const Descriptor folder(OpenFolder(root));
+    if (!folder.IsOpen()) {
+        return "";
+    }
+    int found = FindBelow(folder.Get(), path);
+    if (found < 0 && !IsCallRefused()) {
+        const std::string resolved = RootedPath::ResolveStepByStep(root, path);
+        found = resolved.empty() ? -1 : FindBelow(folder.Get(), resolved.substr(root.size()));
+        if (found < 0) {
+            return "";
+        }
+    }
+    Descriptor target(found);
+    if (!target.IsOpen() || access(PathOf(found).c_str(), F_OK) != 0) {
+        return std::nullopt; // also where /proc is missing
+    }
+    kept = target.Release();
+    return PathOf(kept);
+}
+
+#else
+
+std::string ResolveByKernel(const std::string&, const std::string&)
+{
+    return "";
+}
+
+std::optional<std::string> FindByKernel(const std::string&, const std::string&, int&)
+{
+    return std::nullopt;
+}
+
+#endif
+
 } // namespace
 
 std::string RootedPath::Resolve(const std::string& root, const std::string& path)
+{
+    const std::string resolved = path.size() < LONGEST_PATH ? ResolveByKernel(root, path) : "";
+    return resolved.empty() ? ResolveStepByStep(root, path) : resolved;
+}
+
+std::string RootedPath::ResolveStepByStep(const std::string& root, const std::string& path)
 {
     if (path.size() >= LONGEST_PATH) {
         return "";
@@ -83,4 +228,22 @@ std::string RootedPath::OnDevice(const std::string& root, const std::string& pat
     static constexpr std::string_view HERE = "./";
     const std::string resolved = Resolve(".", path);
     return resolved.size() > HERE.size() ? resolved.substr(HERE.size()) : resolved;
+}
+
+RootedPath::Target::Target(const std::string& root, const std::string& path)
+{
+    if (root.empty() || path.empty()) {
+        mPath = path;
+        return;
+    }
+    const bool isShort = path.size() < LONGEST_PATH;
+    const auto found = isShort ? FindByKernel(path.front() == '/' ? root : ".", path, mDescriptor) : std::optional<std::string>("");
+    mPath = found ? *found : OnDevice(root, path);
+}
+
+RootedPath::Target::~Target()
+{
+#if defined(__linux__)
+    const Descriptor closing(mDescriptor);
+#endif
 }

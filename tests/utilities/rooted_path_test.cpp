@@ -1,9 +1,12 @@
 #include "arborist/utilities/rooted_path.h"
 
 #include <filesystem>
+#include <fstream>
 
 #include <gtest/gtest.h>
 
+#include "arborist/utilities/file_util.h"
+#include "tests/support/random_cases.h"
 #include "tests/support/temp_dir.h"
 
 namespace {
@@ -72,6 +75,103 @@ TEST_F(RootedPathTest, LoopAndOverlongPathGiveNothing)
     Link("loop", "loop");
     EXPECT_EQ(Resolve("/loop/x"), "");
     EXPECT_EQ(Resolve("/" + std::string(4095, 'x')), "");
+}
+
+TEST_F(RootedPathTest, FolderThatIsMissingIsLeftByItsName)
+{
+    mDir.Write("root/b", "1");
+    EXPECT_EQ(Resolve("/not/captured/../../b"), "root/b");
+}
+
+TEST_F(RootedPathTest, RootMayBeALinkOrTheWorkingDirectory)
+{
+    mDir.Write("root/sys/value", "1");
+    Link("link", "/sys");
+    std::filesystem::create_symlink("root", mDir.Path("other"));
+    EXPECT_EQ(RootedPath::Resolve("other", "/link/value"), "other/sys/value");
+    EXPECT_EQ(RootedPath::Resolve(".", "root/link"), "./sys"); // whose root is the working directory
+}
+
+// Folders, files and links with few names, so that paths often meet them.
+class RandomTree {
+public:
+    RandomTree(RandomCases& random, const std::string& root) : mRandom(random)
+    {
+        std::filesystem::create_directories(root);
+        for (int entry = 0; entry < 12; ++entry) {
+            const std::filesystem::path path = root + "/" + Names(3, "/", {"a", "b", "c"});
+            std::error_code taken;
+            std::filesystem::create_directories(path.parent_path(), taken);
+            switch (taken ? 3 : mRandom.Below(3)) {
+            case 0: std::filesystem::create_symlink(PathText(), path, taken); break;
+            case 1: std::filesystem::create_directory(path, taken); break;
+            case 2: std::ofstream(path).put('1'); break;
+            default: break;
+            }
+        }
+    }
+
+    std::string PathText()
+    {
+        return (mRandom.OnceIn(2) ? "/" : "") + Names(5, mRandom.OnceIn(9) ? "//" : "/", {"a", "b", "c", "..", "."})
+            + (mRandom.OnceIn(9) ? "/" : "");
+    }
+
+private:
+    std::string Names(std::size_t most, const std::string& between, const std::vector<std::string>& names)
+    {
+        std::string text = mRandom.OneOf(names);
+        for (std::size_t count = mRandom.Below(most); count > 0; --count) {
+            text += between + mRandom.OneOf(names);
+        }
+        return text;
+    }
+
+    RandomCases& mRandom;
+};
+
+TEST_F(RootedPathTest, KernelAndStepsFindTheSame)
+{
+    RandomCases random(60);
+    SCOPED_TRACE(random.GetSeed());
+    for (int tree = 0; tree < random.GetCount(); ++tree) {
+        const std::string root = "tree" + std::to_string(tree);
+        RandomTree files(random, root);
+        for (int asked = 0; asked < 60; ++asked) {
+            const std::string path = files.PathText();
+            const std::string resolved = RootedPath::ResolveStepByStep(root, path);
+            EXPECT_EQ(RootedPath::Resolve(root, path), resolved) << path;
+            const RootedPath::Target target(root, "/" + path);
+            std::error_code error;
+            EXPECT_EQ(std::filesystem::exists(target.Path(), error), std::filesystem::exists(resolved, error)) << path;
+        }
+        std::filesystem::remove_all(root);
+    }
+}
+
+#if defined(__linux__)
+TEST_F(RootedPathTest, TargetStaysInTheRootWhenAFolderIsReplacedByALink)
+{
+    mDir.Write("root/sys/value", "of the device");
+    mDir.Write("outside/value", "of the machine");
+    const RootedPath::Target target("root", "/sys/value");
+    if (target.Path().rfind("/proc/self/fd/", 0) != 0) {
+        GTEST_SKIP() << "this kernel resolves no path below a root";
+    }
+    std::filesystem::rename("root/sys", "root/old");
+    std::filesystem::create_symlink(mDir.Path("outside"), "root/sys");
+    std::string text;
+    EXPECT_TRUE(FileUtil::LoadStringFromFile(target.Path(), text));
+    EXPECT_EQ(text, "of the device");
+    EXPECT_EQ(RootedPath::Target("root", "/sys/value").Path(), "");
+}
+#endif
+
+TEST_F(RootedPathTest, TargetWithoutARootIsThePathItself)
+{
+    EXPECT_EQ(RootedPath::Target("", "/proc/../x").Path(), "/proc/../x");
+    EXPECT_EQ(RootedPath::Target("root", "").Path(), "");
+    EXPECT_EQ(RootedPath::Target("root", "/" + std::string(4095, 'x')).Path(), "");
 }
 
 } // namespace
