@@ -1,7 +1,10 @@
 #include "tools/arborist/terminal/width.h"
 
+#include <sstream>
+
 #include <gtest/gtest.h>
 
+#include "tests/tools/all_commands.h"
 #include "tests/tools/command_bundle.h"
 
 namespace {
@@ -43,6 +46,18 @@ TEST(TerminalWidthTest, HelpOfACommandFitsTheTerminal)
         }
     }
     EXPECT_LE(longest, 61U); // a terminal adds a carriage return
+}
+
+TEST(TerminalWidthTest, HelpIntoAPipeHasEightyColumns)
+{
+    for (std::vector<std::string> command : AllCommands()) {
+        command.emplace_back("--help");
+        std::istringstream help(RunArborist(command).out);
+        for (std::string line; std::getline(help, line);) {
+            const bool isExample = line.rfind("  ", 0) == 0 && line.find("arborist ") != std::string::npos;
+            EXPECT_TRUE(line.size() <= 80 || isExample) << line;
+        }
+    }
 }
 
 } // namespace

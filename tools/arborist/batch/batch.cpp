@@ -114,10 +114,10 @@ public:
     {
         while (IsUnfinished() && caughtSignal == 0 && mCanPrint) {
             HandOut();
+            mProgress.Show([this] { PrintKept(); });
             if (IsUnfinished()) {
                 Wait();
             }
-            mProgress.Show();
         }
         Conclude();
         return mStatus;
@@ -243,15 +243,23 @@ private:
     {
         const std::sig_atomic_t signal = caughtSignal;
         if (mCanPrint && signal != SIGPIPE) {
-            mProgress.Finish();
+            mProgress.Finish([this] { PrintKept(); });
             caughtSignal = signal;
         }
     }
 
     void Print(const std::string& line)
     {
-        mProgress.MakeRoomForResult();
-        mCanPrint = mWork.print(line + "\n") && mCanPrint;
+        mKept += line + "\n";
+        if (!mProgress.KeepsResults()) {
+            PrintKept();
+        }
+    }
+
+    void PrintKept()
+    {
+        mCanPrint = (mKept.empty() || mWork.print(mKept)) && mCanPrint;
+        mKept.clear();
     }
 
     const std::vector<BundlePath>& mBundles;
@@ -265,6 +273,7 @@ private:
     std::size_t mPrinted = 0;
     bool mCanPrint = true;
     std::map<std::size_t, std::string> mWaiting;
+    std::string mKept; // lines for a terminal that shows the progress, too
     ExitStatus mStatus = ExitStatus::SUCCESS;
 };
 

@@ -29,7 +29,7 @@ struct BatchWork {
     std::function<BundleAnswer(const BundlePath& bundle)> run;
     /// Makes the result of a bundle whose worker died.
     std::function<BundleAnswer(const BundlePath& bundle, const Failure& failure)> fail;
-    /// Writes one result, a line with its line end. False if it could not be written, which ends the batch.
+    /// Writes results, lines with their line ends. False if it could not be written, which ends the batch.
     std::function<bool(const std::string& line)> print;
 };
 

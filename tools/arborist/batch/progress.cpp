@@ -11,6 +11,8 @@ namespace diagnosis::command {
 namespace {
 
 constexpr std::chrono::milliseconds BETWEEN_DRAWINGS(100);
+// The time that is left counts down also while no bundle ends.
+constexpr std::chrono::milliseconds LONGEST_STANDSTILL(1000);
 
 double PerSecond(std::size_t done, std::chrono::milliseconds elapsed)
 {
@@ -69,10 +71,15 @@ std::string SummaryText(const BatchCounts& counts, std::chrono::milliseconds ela
     return left == 0 ? text : text + "; " + std::to_string(left) + " of the list not reached";
 }
 
-Progress::Progress(std::size_t listed)
-    : mIsShown(isatty(STDERR_FILENO) == 1), mSharesTerminal(mIsShown && isatty(STDOUT_FILENO) == 1)
+ProgressScreen ProgressScreen::OfProcess()
+{
+    return {std::cerr, isatty(STDERR_FILENO) == 1, isatty(STDOUT_FILENO) == 1, std::chrono::steady_clock::now};
+}
+
+Progress::Progress(std::size_t listed, ProgressScreen screen) : mScreen(std::move(screen)), mStart(mScreen.now())
 {
     mCounts.listed = listed;
+    mLastDrawn = mStart - BETWEEN_DRAWINGS;
 }
 
 void Progress::Count(BundleOutcome outcome, bool isFailed)
@@ -86,44 +93,46 @@ void Progress::Count(BundleOutcome outcome, bool isFailed)
     }
 }
 
-void Progress::Show()
+void Progress::Show(const std::function<void()>& printResults)
 {
-    const auto now = Clock::now();
-    if (!mIsShown || now - mLastDrawn < BETWEEN_DRAWINGS) {
+    const auto now = mScreen.now();
+    if (!mScreen.isTerminal || now - mLastDrawn < BETWEEN_DRAWINGS) {
         return;
+    }
+    if (KeepsResults()) {
+        Clear();
+        printResults();
     }
     mLastDrawn = now;
     mIsDrawn = true;
-    std::cerr << "\r" << ProgressText(mCounts, Elapsed()) << "\x1b[K";
+    mDrawnCount = mCounts.done;
+    mScreen.messages << "\r" + ProgressText(mCounts, Elapsed()) + "\x1b[K" << std::flush;
 }
 
 Progress::Clock::time_point Progress::DueAgain() const
 {
-    return !mIsShown || mIsDrawn || mCounts.done == 0 ? Clock::time_point::max() : mLastDrawn + BETWEEN_DRAWINGS;
-}
-
-void Progress::MakeRoomForResult()
-{
-    if (mSharesTerminal) {
-        Clear();
+    if (!mScreen.isTerminal) {
+        return Clock::time_point::max();
     }
+    return mLastDrawn + (mIsDrawn && mDrawnCount == mCounts.done ? LONGEST_STANDSTILL : BETWEEN_DRAWINGS);
 }
 
-void Progress::Finish()
+void Progress::Finish(const std::function<void()>& printResults)
 {
     Clear();
-    std::cerr << "arborist: " << SummaryText(mCounts, Elapsed()) << "\n";
+    printResults();
+    mScreen.messages << "arborist: " + SummaryText(mCounts, Elapsed()) + "\n" << std::flush;
 }
 
 std::chrono::milliseconds Progress::Elapsed() const
 {
-    return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - mStart);
+    return std::chrono::duration_cast<std::chrono::milliseconds>(mScreen.now() - mStart);
 }
 
 void Progress::Clear()
 {
     if (mIsDrawn) {
-        std::cerr << "\r\x1b[K";
+        mScreen.messages << "\r\x1b[K" << std::flush;
         mIsDrawn = false;
     }
 }

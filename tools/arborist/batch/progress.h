@@ -3,6 +3,8 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
+#include <iosfwd>
 #include <string>
 
 #include "tools/arborist/batch/batch.h"
@@ -24,37 +26,50 @@ std::string ProgressText(const BatchCounts& counts, std::chrono::milliseconds el
 /// bundle, in which open checks could make a fault, is not counted as one without.
 std::string SummaryText(const BatchCounts& counts, std::chrono::milliseconds elapsed);
 
+/// Where a batch shows its progress, and the time; tests have their own.
+struct ProgressScreen {
+    /// The screen of this process: standard error and the real time.
+    static ProgressScreen OfProcess();
+
+    std::ostream& messages;
+    /// True if messages go to a terminal.
+    bool isTerminal;
+    /// True if results go to the same one.
+    bool hasResults;
+    std::function<std::chrono::steady_clock::time_point()> now;
+};
+
 /// Shows the progress of a batch on standard error: on a terminal one line, redrawn at most ten times a second; at the
-/// end one closing line, on a terminal or not.
+/// end one closing line, on a terminal or not. Results that go to the same terminal appear above the line, together
+/// with its next drawing, so that the line is there all the time.
 class Progress {
 public:
     using Clock = std::chrono::steady_clock;
 
-    explicit Progress(std::size_t listed);
+    explicit Progress(std::size_t listed, ProgressScreen screen = ProgressScreen::OfProcess());
 
     /// Counts one bundle.
     void Count(BundleOutcome outcome, bool isFailed);
     const BatchCounts& GetCounts() const { return mCounts; }
 
-    /// Redraws the line if it was last drawn long enough ago.
-    void Show();
-    /// When Show should be called even if nothing happens: after a result had to clear the line. The far end of time if
-    /// the line is there, is never shown, or has nothing to tell yet.
+    /// True if results are to be kept until the next drawing.
+    bool KeepsResults() const { return mScreen.isTerminal && mScreen.hasResults; }
+    /// If the line was last drawn long enough ago, calls `printResults` and draws it anew below them.
+    void Show(const std::function<void()>& printResults);
+    /// When Show should be called even if nothing happens. The far end of time if the line is never shown.
     Clock::time_point DueAgain() const;
-    /// Clears the line if results go to the same terminal; Show redraws it when it is due.
-    void MakeRoomForResult();
-    /// Clears the line and prints the closing line.
-    void Finish();
+    /// Clears the line, calls `printResults` and prints the closing line.
+    void Finish(const std::function<void()>& printResults);
 
 private:
     std::chrono::milliseconds Elapsed() const;
     void Clear();
 
+    ProgressScreen mScreen;
     BatchCounts mCounts;
-    bool mIsShown;
-    bool mSharesTerminal;
     bool mIsDrawn = false;
-    Clock::time_point mStart = Clock::now();
+    std::size_t mDrawnCount = 0;
+    Clock::time_point mStart;
     Clock::time_point mLastDrawn;
 };
 

@@ -7,6 +7,7 @@
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/shared_options.h"
 #include "tools/arborist/render/bundle_text.h"
+#include "tools/arborist/terminal/colour.h"
 #include "tools/arborist/terminal/output.h"
 
 namespace diagnosis::command {
@@ -71,7 +72,7 @@ ExitStatus Verify(const BundleOptions& options)
         status = MoreSerious(status, options.isStrict ? finding.strictStatus : finding.status);
     }
     PrintResult(options.asJson ? CheckJson(options.bundle, status == ExitStatus::SUCCESS, findings) + "\n"
-                               : CheckText(options.bundle, findings));
+                               : CheckText(options.bundle, findings, Colour(AreResultsColoured())));
     return status;
 }
 

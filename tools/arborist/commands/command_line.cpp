@@ -84,14 +84,16 @@ void AddColourEverywhere(Command app)
     }
 }
 
+// Of a help that goes into a pipe or a file.
+constexpr std::size_t WIDTH_WITHOUT_TERMINAL = 80;
+
 /// Wraps the lines of a help at the width of the terminal.
 class TerminalFormatter : public CLI::Formatter {
 public:
     std::string make_help(const CLI::App* app, std::string name, CLI::AppFormatMode mode) const override
     {
         const std::string help = CLI::Formatter::make_help(app, std::move(name), mode);
-        const auto width = TerminalWidth();
-        return width ? WrapHelp(help, *width) : help;
+        return WrapHelp(help, TerminalWidth().value_or(WIDTH_WITHOUT_TERMINAL));
     }
 };
 

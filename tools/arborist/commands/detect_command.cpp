@@ -49,7 +49,7 @@ void Print(const DetectionReport& report, const DetectOptions& options)
         return;
     }
     PrintProblems(report.bundle, report.warnings, report.failure);
-    PrintResult(DetectionText(report));
+    PrintResult(DetectionText(report, Colour(AreResultsColoured())));
     if (options.run.detection.withExplanation) {
         PrintResult(ExplanationText(report, {}, AreResultsColoured()));
     }

@@ -11,10 +11,24 @@ namespace {
 
 using FileKind = Evidence::RuleSetFileType;
 
-std::string Line(const std::string& label, const std::string& text)
+std::string Padded(std::string label)
 {
     constexpr std::size_t WIDTH = 18;
-    return "  " + label + std::string(label.size() < WIDTH ? WIDTH - label.size() : 1, ' ') + Printable(text) + "\n";
+    label.resize(std::max(label.size() + 1, WIDTH), ' ');
+    return label;
+}
+
+std::string Line(const std::string& label, const std::string& text)
+{
+    return "  " + Padded(label) + Printable(text) + "\n";
+}
+
+std::string ColouredState(BundleFinding::State state, Colour colour)
+{
+    const std::string word = Padded(StateWord(state));
+    return state == BundleFinding::State::SOUND  ? colour.Green(word)
+        : state == BundleFinding::State::BROKEN ? colour.Red(word)
+                                                : colour.Yellow(word);
 }
 
 std::string Count(std::size_t count, const std::string& what)
@@ -87,13 +101,14 @@ std::string BundleText(const BundleContents& contents)
         + Line("code answers", std::to_string(contents.description.codeAnswers.size()));
 }
 
-std::string CheckText(const std::string& bundle, const std::vector<BundleFinding>& findings)
+std::string CheckText(const std::string& bundle, const std::vector<BundleFinding>& findings, Colour colour)
 {
     std::string text = Printable(bundle) + "\n";
     for (const BundleFinding& finding : findings) {
         const Warning& what = finding.what;
         const std::string code = what.code + (what.id.empty() ? "" : ", " + what.id);
-        text += Line(StateWord(finding.state), PlacedMessage(what) + (code.empty() ? "" : " [" + code + "]"));
+        text += "  " + ColouredState(finding.state, colour)
+            + Printable(PlacedMessage(what) + (code.empty() ? "" : " [" + code + "]")) + "\n";
     }
     return text;
 }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "diagnosis/capture/bundle_contents.h"
+#include "tools/arborist/terminal/colour.h"
 
 namespace diagnosis::command {
 
@@ -12,7 +13,7 @@ namespace diagnosis::command {
 std::string BundleText(const BundleContents& contents);
 
 /// The findings of a check of a bundle, one line each.
-std::string CheckText(const std::string& bundle, const std::vector<BundleFinding>& findings);
+std::string CheckText(const std::string& bundle, const std::vector<BundleFinding>& findings, Colour colour);
 
 } // namespace diagnosis::command
 

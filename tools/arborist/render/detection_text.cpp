@@ -2,6 +2,7 @@
 
 #include "diagnosis/results/verdict_text.h"
 #include "diagnosis/text/printable.h"
+#include "tools/arborist/render/explanation_words.h"
 
 namespace diagnosis::command {
 
@@ -48,46 +49,46 @@ const char* Mark(const Evidence::FoldedEvent& event)
     return event.gate == Evidence::GateType::OR ? " OR" : event.gate == Evidence::GateType::AND ? " AND" : " (no gate)";
 }
 
-std::string EventsText(const std::vector<RecordedEvent>& events)
+std::string EventsText(const std::vector<RecordedEvent>& events, Colour colour)
 {
     static constexpr std::size_t STATUS_WIDTH = 8;
     std::string text;
     for (const RecordedEvent& event : events) {
-        std::string status = Evidence::StateText(event.status);
-        status.resize(std::max(status.size(), STATUS_WIDTH), ' ');
-        text += "    " + status + std::string(2 * event.depth, ' ') + Shown(event.id) + Mark(event);
+        text += "    " + ColouredStatus(event.status, STATUS_WIDTH, colour) + std::string(2 * event.depth, ' ')
+            + Shown(event.id) + Mark(event);
         text += event.name.empty() ? "\n" : "  " + Printable(event.name) + "\n";
     }
     return text;
 }
 
-std::string TreeText(const TreeReport& report, bool withEvents)
+std::string TreeText(const TreeReport& report, bool withEvents, Colour colour)
 {
     const FaultTreeResult& result = *report.result;
     const std::size_t causes = result.mRootCauseResults.size();
-    const std::string fault = "FAULT, " + std::to_string(causes) + (causes == 1 ? " root cause" : " root causes");
-    std::string text = "  " + Shown(result.mTreeId) + " (version " + Shown(result.mVersion) + "): "
-        + (result.mIsFault ? fault : "") + VerdictWords(report.verdict) + "\n";
+    const std::string fault = colour.Red("FAULT") + ", " + std::to_string(causes)
+        + (causes == 1 ? " root cause" : " root causes");
+    std::string text = "  " + colour.Bold(Shown(result.mTreeId)) + " (version " + Shown(result.mVersion) + "): "
+        + (result.mIsFault ? fault : "") + ColouredVerdict(report.verdict, colour) + "\n";
     std::size_t number = 0;
     for (const auto& cause : result.mRootCauseResults) {
         text += RootCauseText(++number, *cause);
     }
     for (const Evidence::OpenCheck& open : report.verdict.open) {
-        text += "    open: " + OpenText(open) + "\n";
+        text += "    " + colour.Yellow("open") + ": " + OpenText(open) + "\n";
     }
-    return text + (withEvents ? EventsText(report.tree.events) : "");
+    return text + (withEvents ? EventsText(report.tree.events, colour) : "");
 }
 
 } // namespace
 
-std::string DetectionText(const DetectionReport& report)
+std::string DetectionText(const DetectionReport& report, Colour colour)
 {
     std::string text = Shown(report.bundle) + "\n";
     if (report.failure) {
-        return text + "  NOT DIAGNOSED\n";
+        return text + "  " + colour.Red("NOT DIAGNOSED") + "\n";
     }
     for (const TreeReport& tree : report.trees) {
-        text += TreeText(tree, report.withTrees);
+        text += TreeText(tree, report.withTrees, colour);
     }
     return text + "  " + TreesText(report.trees) + "\n";
 }

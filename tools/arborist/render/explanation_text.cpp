@@ -55,7 +55,7 @@ public:
     {
         mText += BriefCausesText(mReport, mView, mColour);
         if (!mReport.IsFault()) {
-            Line(mColour.Bold(Shown(mReport.Id())) + ": " + ColouredVerdict());
+            Line(mColour.Bold(Shown(mReport.Id())) + ": " + ColouredVerdict(mReport.verdict, mColour));
         } else if (!mReport.verdict.open.empty()) {
             Line(mColour.Bold(Shown(mReport.Id())) + ": " + VerdictWords(mReport.verdict).substr(2));
         }
@@ -67,30 +67,14 @@ public:
 private:
     void Line(const std::string& text) { mText += "  " + text + "\n"; }
 
-    std::string Status(Evidence::EventState status) const
-    {
-        std::string word = Evidence::StateText(status);
-        word.resize(std::max(word.size(), STATUS_WIDTH), ' ');
-        return Evidence::IsInError(status) ? mColour.Red(word)
-            : status == Evidence::EventState::UNKNOWN ? mColour.Yellow(word) : mColour.Green(word);
-    }
-
     void WriteHead()
     {
         const std::size_t distinct = DistinctCausesOf(mTree).size();
         const std::string causes = Counted(mTree.causes.size(), "root cause", "root causes")
             + (distinct == mTree.causes.size() ? "" : " (" + std::to_string(distinct) + " distinct)");
         Line(mColour.Bold(Shown(mReport.Id())) + " (version " + Shown(mReport.result->mVersion) + "): "
-            + (mReport.IsFault() ? mColour.Red("FAULT") + ", " + causes : "") + ColouredVerdict());
+            + (mReport.IsFault() ? mColour.Red("FAULT") + ", " + causes : "") + ColouredVerdict(mReport.verdict, mColour));
         WriteOpen("  ");
-    }
-
-    // Green for an answer alone.
-    std::string ColouredVerdict() const
-    {
-        const std::string words = VerdictWords(mReport.verdict);
-        return mReport.verdict.word == Evidence::TreeVerdict::Word::NO_FAULT ? mColour.Green(words)
-            : mReport.IsFault() ? words : mColour.Yellow(words);
     }
 
     void WriteOpen(const std::string& indent)
@@ -153,7 +137,8 @@ private:
             for (std::size_t depth = 1; depth < event.depth; ++depth) {
                 bars += isLastAt[depth] ? "   " : "│  ";
             }
-            mText += "  " + Status(event.status) + mColour.Faint(bars + (event.depth == 0 ? "" : isLast ? "└─ " : "├─ "))
+            mText += "  " + ColouredStatus(event.status, STATUS_WIDTH, mColour)
+                + mColour.Faint(bars + (event.depth == 0 ? "" : isLast ? "└─ " : "├─ "))
                 + EventText(place) + "\n";
             isLastAt.push_back(isLast);
             const std::string below = bars + (event.depth == 0 ? "" : isLast ? "   " : "│  ")
@@ -196,7 +181,7 @@ private:
     {
         for (const std::size_t place : ShownEvents(mTree, mView)) {
             const RecordedEvent& event = mTree.events[place];
-            Line(Status(event.status) + EventText(place));
+            Line(ColouredStatus(event.status, STATUS_WIDTH, mColour) + EventText(place));
             const std::string indent(STATUS_WIDTH + 3, ' ');
             Line(indent + mColour.Faint("path " + Joined(mTree.PathIds(place), " / ")));
             WriteRules(event, indent);
