@@ -3,11 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <memory>
 #include <type_traits>
+#include <vector>
 
 #include <fcntl.h>
 #include <minizip/unzip.h>
@@ -64,6 +67,41 @@ bool IsSafeName(const std::string& name)
     return true;
 }
 
+// Reads like fread, but returns zeros behind the end of the file: the archive library takes a length in the zip64 field
+// for 4 GiB, reads ahead that far and would fail at the end of a small archive.
+uLong ReadAhead(void*, void* stream, void* buffer, uLong wanted)
+{
+    const std::size_t got = std::fread(buffer, 1, wanted, static_cast<std::FILE*>(stream));
+    const bool isAtEnd = std::feof(static_cast<std::FILE*>(stream)) != 0;
+    std::fill(static_cast<char*>(buffer) + got, static_cast<char*>(buffer) + wanted, '\0');
+    return isAtEnd ? wanted : static_cast<uLong>(got);
+}
+
+std::uint64_t NumberAt(const std::string& bytes, std::size_t at, std::size_t length)
+{
+    std::uint64_t number = 0;
+    for (std::size_t byte = length; byte-- > 0;) {
+        number = number << 8 | static_cast<unsigned char>(bytes[at + byte]);
+    }
+    return number;
+}
+
+// The lengths in the zip64 field of an entry, the real one first where it is missing elsewhere; empty without a field.
+std::vector<std::uint64_t> LengthsInField(const std::string& extra)
+{
+    constexpr std::size_t HEAD = 4;
+    std::vector<std::uint64_t> lengths;
+    for (std::size_t at = 0; at + HEAD <= extra.size();) {
+        const bool isZip64 = NumberAt(extra, at, 2) == 1;
+        const std::size_t end = at + HEAD + NumberAt(extra, at + 2, 2);
+        for (at += HEAD; isZip64 && at + 8 <= std::min(end, extra.size()); at += 8) {
+            lengths.push_back(NumberAt(extra, at, 8));
+        }
+        at = end;
+    }
+    return lengths;
+}
+
 bool WriteAll(int file, const char* bytes, std::size_t length)
 {
     while (length > 0) {
@@ -87,7 +125,12 @@ public:
 
     std::optional<Failure> Run(const std::string& path)
     {
-        mArchive.reset(unzOpen64(path.c_str()));
+        zlib_filefunc64_def functions{};
+        fill_fopen64_filefunc(&functions);
+        functions.zread_file = ReadAhead;
+        mArchive.reset(unzOpen2_64(path.c_str(), &functions));
+        std::error_code error;
+        mSize = fs::file_size(path, error);
         if (mArchive == nullptr) {
             return Bad("is no zip that can be read");
         }
@@ -158,22 +201,47 @@ private:
         if (unzOpenCurrentFile(mArchive.get()) != UNZ_OK) {
             return Bad("\"" + name + "\" is damaged or encrypted");
         }
-        auto failure = CopyOut(name, file.Get());
+        const auto length = StoredLength(info);
+        auto failure = length ? CopyOut(name, file.Get(), *length) : Bad("\"" + name + "\" is damaged");
         // Closing compares the checksum only where the library knows that all was read.
         const bool isWhole = unzCloseCurrentFile(mArchive.get()) == UNZ_OK && mChecksum == info.crc;
         return !failure && !isWhole ? Bad("\"" + name + "\" is damaged") : failure;
     }
 
+    // Where a stored entry ends. The archive library leaves lengths in the zip64 field where they are, and would read
+    // on; it finds the end of any other entry by itself. Nothing for lengths that can't be true.
+    std::optional<std::uint64_t> StoredLength(const unz_file_info64& info)
+    {
+        constexpr std::uint64_t IN_THE_FIELD = 0xFFFFFFFF;
+        if (info.compression_method != STORED || info.uncompressed_size != IN_THE_FIELD) {
+            return std::numeric_limits<std::uint64_t>::max();
+        }
+        std::string extra(info.size_file_extra, '\0');
+        unz_file_info64 again{};
+        if (unzGetCurrentFileInfo64(mArchive.get(), &again, nullptr, 0, extra.data(), info.size_file_extra, nullptr, 0)
+            != UNZ_OK) {
+            return std::nullopt;
+        }
+        const std::vector<std::uint64_t> lengths = LengthsInField(extra);
+        const bool isPackedInField = info.compressed_size == IN_THE_FIELD;
+        if (lengths.size() < (isPackedInField ? 2 : 1)) {
+            return std::nullopt;
+        }
+        const std::uint64_t packed = isPackedInField ? lengths[1] : info.compressed_size;
+        return packed == lengths[0] && packed <= mSize ? std::optional(packed) : std::nullopt;
+    }
+
     // Counts the bytes that are really unpacked: the lengths that an archive declares need not be true.
-    std::optional<Failure> CopyOut(const std::string& name, int file)
+    std::optional<Failure> CopyOut(const std::string& name, int file, std::uint64_t left)
     {
         mChecksum = 0;
         for (;;) {
             const int length = unzReadCurrentFile(mArchive.get(), mBuffer.data(),
-                static_cast<unsigned>(mBuffer.size()));
+                static_cast<unsigned>(std::min<std::uint64_t>(mBuffer.size(), left)));
             if (length <= 0) {
                 return length == 0 ? std::nullopt : std::optional(Bad("\"" + name + "\" is damaged"));
             }
+            left -= static_cast<std::uint64_t>(length);
             mBytes += static_cast<std::uint64_t>(length);
             mChecksum = crc32(mChecksum, reinterpret_cast<const Bytef*>(mBuffer.data()), static_cast<uInt>(length));
             if (mBytes > mLimits.bytes) {
@@ -191,6 +259,7 @@ private:
     std::vector<Warning>& mWarnings;
     ZipLimits mLimits;
     std::unique_ptr<std::remove_pointer_t<unzFile>, ArchiveCloser> mArchive;
+    std::uint64_t mSize = 0;
     std::uint64_t mBytes = 0;
     uLong mChecksum = 0; // of the current entry
     std::array<char, 65536> mBuffer{};

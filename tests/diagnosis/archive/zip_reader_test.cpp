@@ -1,11 +1,16 @@
 #include "diagnosis/archive/zip_reader.h"
 
+#include <cstdint>
 #include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <minizip/zip.h>
 #include <sys/stat.h>
+#include <zlib.h>
 
 #include "tests/support/case_name.h"
 #include "tests/support/temp_dir.h"
@@ -28,6 +33,40 @@ protected:
     TempDir mDir;
     std::vector<diagnosis::Warning> mWarnings;
 };
+
+std::string LittleEndian(std::uint64_t number, std::size_t bytes)
+{
+    std::string text;
+    for (; bytes > 0; --bytes, number >>= 8) {
+        text += static_cast<char>(number & 0xFF);
+    }
+    return text;
+}
+
+// The extra field with these lengths: the real one, then the packed one.
+std::string Zip64Field(const std::vector<std::uint64_t>& lengths)
+{
+    std::string field = LittleEndian(1, 2) + LittleEndian(lengths.size() * 8, 2);
+    for (const std::uint64_t length : lengths) {
+        field += LittleEndian(length, 8);
+    }
+    return field;
+}
+
+// An archive of one entry of "content", packed by the method as `content`, whose lengths are in `extra` alone.
+void WriteZip64(const std::string& path, std::uint64_t method, const std::string& content, const std::string& extra)
+{
+    const std::string name = "name";
+    const auto checksum = crc32(0, reinterpret_cast<const Bytef*>("content"), 7);
+    const std::string head = LittleEndian(45, 2) + LittleEndian(0, 2) + LittleEndian(method, 2) + LittleEndian(0, 4)
+        + LittleEndian(checksum, 4)
+        + LittleEndian(0xFFFFFFFF, 4) + LittleEndian(0xFFFFFFFF, 4) + LittleEndian(name.size(), 2)
+        + LittleEndian(extra.size(), 2);
+    const std::string entry = "PK\3\4" + head + name + extra + content;
+    const std::string list = "PK\1\2" + LittleEndian(45, 2) + head + LittleEndian(0, 14) + name + extra;
+    std::ofstream(path, std::ios::binary) << entry << list << "PK\5\6" << LittleEndian(0, 4) << LittleEndian(1, 2)
+        << LittleEndian(1, 2) << LittleEndian(list.size(), 4) << LittleEndian(entry.size(), 4) << LittleEndian(0, 2);
+}
 
 struct NameCase { const char* name; std::string entry; };
 void PrintTo(const NameCase& nameCase, std::ostream* out) { *out << nameCase.name; }
@@ -92,6 +131,38 @@ TEST_P(LyingEntry, MakesTheArchiveUnusable)
 INSTANTIATE_TEST_SUITE_P(Table, LyingEntry, testing::Values(LieCase{"AnotherPacking", {METHOD}},
     LieCase{"AWrongChecksum", {CHECKSUM}}, LieCase{"AWrongChecksumAndNoLength", {CHECKSUM, LENGTH}},
     LieCase{"Encrypted", {FLAGS}}), CaseName());
+
+TEST_F(ZipReaderTest, StoredEntryWithItsLengthsInTheZip64FieldIsUnpacked)
+{
+    WriteZip64("z.zip", 0, "content", Zip64Field({7, 7}));
+    const auto failure = Unpack();
+    EXPECT_FALSE(failure.has_value()) << failure->message;
+    EXPECT_EQ(mDir.Read("in/out/name"), "content");
+}
+
+TEST_F(ZipReaderTest, DeflatedEntryWithItsLengthsInTheZip64FieldIsUnpacked)
+{
+    const std::string deflated("\x4B\xCE\xCF\x2B\x49\xCD\x2B\x01\x00", 9);
+    WriteZip64("z.zip", 8, deflated, Zip64Field({7, 9}));
+    const auto failure = Unpack();
+    EXPECT_FALSE(failure.has_value()) << failure->message;
+    EXPECT_EQ(mDir.Read("in/out/name"), "content");
+    fs::remove_all("in");
+    WriteZip64("z.zip", 8, deflated.substr(0, 6), Zip64Field({7, 6}));
+    EXPECT_TRUE(Unpack().has_value());
+}
+
+TEST_F(ZipReaderTest, StoredEntryWhoseZip64FieldLiesIsRefused)
+{
+    for (const std::string& field : {Zip64Field({6, 6}), Zip64Field({8, 8}), Zip64Field({7}), Zip64Field({}), std::string(),
+             Zip64Field({7, 1ULL << 40}), Zip64Field({1ULL << 40, 1ULL << 40})}) {
+        WriteZip64("z.zip", 0, "content", field);
+        const auto failure = Unpack();
+        ASSERT_TRUE(failure.has_value()) << field.size();
+        EXPECT_EQ(failure->code, "bad_zip");
+        fs::remove_all("in");
+    }
+}
 
 TEST_F(ZipReaderTest, ANameThatStandsTwiceIsRefused)
 {
