@@ -8,6 +8,7 @@
 #include <cstring>
 #include <ctime>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <sstream>
 
@@ -170,6 +171,19 @@ ProgramOutcome WaitFor(pid_t child, const ChildSignal& signal, std::chrono::mill
     return OutcomeOf(status);
 }
 
+// The program that runs a script, from its first line; empty for any other file.
+std::string InterpreterOf(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::string line;
+    if (file.get() != '#' || file.get() != '!' || !std::getline(file, line)) {
+        return "";
+    }
+    std::string interpreter;
+    std::istringstream(line) >> interpreter;
+    return interpreter;
+}
+
 } // namespace
 
 void NoteProgramGroup(std::atomic<pid_t>* place)
@@ -199,7 +213,14 @@ std::optional<std::string> ProgramProblem(const std::string& path)
     if (access(path.c_str(), X_OK) != 0) {
         return std::strerror(errno);
     }
-    return fs::is_regular_file(path, error) ? std::nullopt : std::optional<std::string>("is no file");
+    if (!fs::is_regular_file(path, error)) {
+        return "is no file";
+    }
+    const std::string interpreter = InterpreterOf(path);
+    if (!interpreter.empty() && access(interpreter.c_str(), X_OK) != 0) {
+        return "its interpreter " + interpreter + ": " + std::strerror(errno);
+    }
+    return std::nullopt;
 }
 
 ProgramOutcome RunProgram(const std::string& path, const std::string& input, std::chrono::milliseconds timeout)

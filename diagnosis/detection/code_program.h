@@ -23,7 +23,8 @@ struct ProgramOutcome {
 /// before a bundle becomes the working directory: a bundle must not choose what is run.
 std::string FindProgram(const std::string& name);
 
-/// The reason why the program at `path` can't be started; nothing if it is an executable file.
+/// The reason why the program at `path` can't be started; nothing if it is an executable file and, for a script, its
+/// interpreter is one.
 std::optional<std::string> ProgramProblem(const std::string& path);
 
 /// Runs the program at `path` without a shell and without arguments, with `input` on its standard input; its output

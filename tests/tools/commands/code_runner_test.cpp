@@ -84,13 +84,23 @@ TEST_F(CodeRunnerTest, OneThatCannotBeStartedIsWrongUseBeforeTheFirstBundle)
     }
 }
 
-TEST_F(CodeRunnerTest, OneWhoseInterpreterIsMissingIsAWarning)
+TEST_F(CodeRunnerTest, OneWhoseInterpreterIsMissingIsWrongUse)
 {
     WriteCodeBundle(mDir, "b", {"info"});
-    std::filesystem::permissions(mDir.Write("runner", "#!/no/such/shell\n"), std::filesystem::perms::owner_all);
+    std::filesystem::permissions(mDir.Write("runner", "#! /no/such/shell -e\n"), std::filesystem::perms::owner_all);
+    const auto result = RunArborist({"detect", "--json", "--code-runner", "./runner", "b"});
+    EXPECT_THAT(result.err, HasSubstr("its interpreter /no/such/shell: No such file or directory"));
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.status, 2);
+}
+
+TEST_F(CodeRunnerTest, OneThatTheSystemTakesForNoProgramIsAWarning)
+{
+    WriteCodeBundle(mDir, "b", {"info"});
+    std::filesystem::permissions(mDir.Write("runner", "neither script nor program\n"), std::filesystem::perms::owner_all);
     const auto result = RunArborist({"detect", "--json", "--code-runner", "./runner", "b"});
     EXPECT_THAT(result.out, AllOf(HasSubstr(R"("ok": true, "warnings": [{"code": "code_runner", "message": ")"),
-        HasSubstr("can't be started: No such file or directory")));
+        HasSubstr("can't be started: Exec format error")));
     EXPECT_EQ(result.status, 0);
 }
 
