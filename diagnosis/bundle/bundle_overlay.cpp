@@ -13,6 +13,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr char EVENT_LOG_FOLDER[] = "Comms/Lumbra/workDir";
+constexpr char COPIES[] = "databases";
 
 std::optional<Failure> Link(const fs::path& source, const fs::path& target)
 {
@@ -40,13 +41,26 @@ std::optional<Failure> LayEventLog(const fs::path& data, const fs::path& overlay
 {
     const fs::path log = data / EVENT_LOG;
     std::error_code error;
-    if (!fs::exists(log, error) || IsTouchedByReading(log.string())) {
+    if (!fs::exists(log, error)) {
+        return std::nullopt;
+    }
+    if (IsTouchedByReading(log.string())) {
         return Copy(log, overlay / EVENT_LOG);
     }
     return Link(data / EVENT_LOG_FOLDER, overlay / EVENT_LOG_FOLDER);
 }
 
 } // namespace
+
+std::vector<std::string> FoldersOfOverlay()
+{
+    std::vector<std::string> folders = {COPIES};
+    for (std::string folder = fs::path(REPAIR_RECORDS).parent_path(); !folder.empty();
+         folder = fs::path(folder).parent_path()) {
+        folders.insert(folders.begin() + 1, folder);
+    }
+    return folders;
+}
 
 std::optional<Failure> LayOverlay(const std::string& folder, Scratch& scratch,
     std::map<std::string, std::string>& settings, PathNames& names)
@@ -65,7 +79,7 @@ std::optional<Failure> LayOverlay(const std::string& folder, Scratch& scratch,
     }
     // Leave it empty if it is: without a folder the library refuses to copy and reports that.
     if (std::string& databases = settings[Settings::APP_DATABASE_DIR]; !databases.empty()) {
-        const std::string copies = scratch.Path("databases");
+        const std::string copies = scratch.Path(COPIES);
         names.Add(copies, databases);
         databases = copies;
     }

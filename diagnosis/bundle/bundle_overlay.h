@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "diagnosis/problem.h"
 #include "diagnosis/scratch/scratch.h"
@@ -17,6 +18,10 @@ inline constexpr char MACHINE_DATA[] = "/var/lib/arborist";
 /// The fixed paths below that root, in addition to REPAIR_RECORDS.
 inline constexpr char EVENT_LOG[] = "Comms/Lumbra/workDir/0/log.db";
 inline constexpr char DERIVED_DATABASE[] = "Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db";
+
+/// The folders that each overlay has, below its root: those worth keeping in a ReusedScratch. "databases" is that of the
+/// copies.
+std::vector<std::string> FoldersOfOverlay();
 
 /// Creates in `scratch` everything of a bundle's data that a run would write: the root of the event log and of the
 /// library's own databases, and the folder of the copies. Points `settings` there and adds the paths of the bundle to

@@ -55,7 +55,7 @@ std::optional<Failure> BundleSession::Enter(const BundlePath& path, const Bundle
         return Failure{"bundle_is_zip", path.given + ": is a capture of a device; --live takes a folder"};
     }
     if (mIsZip || use == BundleUse::RUN) {
-        if (auto failure = mScratch.Make()) {
+        if (auto failure = mScratch.MakeOrReuse()) {
             return failure;
         }
     }

@@ -1,9 +1,13 @@
 #include "diagnosis/scratch/scratch.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <random>
+#include <utility>
 
 #include <unistd.h>
 
@@ -22,6 +26,43 @@ std::string TemporaryRoot()
     std::error_code error;
     const fs::path root = fs::canonical(given == nullptr || *given == '\0' ? "/tmp" : given, error);
     return error ? "" : root.string();
+}
+
+ReusedScratch* reused = nullptr;
+
+// A path beside `path` that nothing has. It has no letter behind f, and so no "zip".
+std::string NewName(const std::string& path)
+{
+    static constexpr char DIGITS[] = "0123456789abcdef";
+    std::random_device random;
+    std::string name = fs::path(path).parent_path().string() + "/arborist-";
+    for (int digits = 0; digits < 12; ++digits) {
+        name += DIGITS[random() % 16];
+    }
+    return name;
+}
+
+// Removes everything below `root`/`folder` but the folders `kept`. True if nothing else is left.
+bool RemoveAllBut(const std::vector<std::string>& kept, const std::string& root, const std::string& folder)
+{
+    std::error_code error;
+    std::vector<std::string> names;
+    for (fs::directory_iterator entry(root + "/" + folder, error), end; !error && entry != end; entry.increment(error)) {
+        names.push_back(folder + (folder.empty() ? "" : "/") + entry->path().filename().string());
+    }
+    bool isEmptied = !error;
+    for (const std::string& name : names) {
+        const std::string path = root + "/" + name;
+        std::error_code ignored;
+        if (std::find(kept.begin(), kept.end(), name) != kept.end()
+            && fs::symlink_status(path, ignored).type() == fs::file_type::directory) {
+            isEmptied = RemoveAllBut(kept, root, name) && isEmptied;
+        } else {
+            RemoveTree(path.c_str());
+            isEmptied = isEmptied && fs::symlink_status(path, ignored).type() == fs::file_type::not_found;
+        }
+    }
+    return isEmptied;
 }
 
 bool HoldsZip(const std::string& name)
@@ -60,11 +101,57 @@ std::optional<std::string> Scratch::MakeIn(const std::string& root)
     }
 }
 
+std::optional<Failure> Scratch::MakeOrReuse()
+{
+    if (IsMade() || reused == nullptr) {
+        return Make();
+    }
+    mIsReusable = true;
+    return reused->mKept.empty() || !TakeKept() ? Make() : std::nullopt;
+}
+
+bool Scratch::TakeKept()
+{
+    const SignalsHeldBack heldBack;
+    const std::string path = NewName(reused->mKept);
+    const bool isTaken = std::rename(reused->mKept.c_str(), path.c_str()) == 0;
+    if (isTaken) {
+        mInterruption.Remove(path);
+        mPath = path;
+        reused->mInterruption.Forget();
+        reused->mKept.clear();
+    }
+    return isTaken;
+}
+
 Scratch::~Scratch()
 {
-    if (IsMade()) {
+    if (IsMade() && !(mIsReusable && reused != nullptr && reused->Keep(mPath))) {
         RemoveTree(mPath.c_str());
     }
+}
+
+ReusedScratch::ReusedScratch(std::vector<std::string> folders) : mFolders(std::move(folders))
+{
+    reused = this;
+}
+
+ReusedScratch::~ReusedScratch()
+{
+    reused = nullptr;
+    if (!mKept.empty()) {
+        RemoveTree(mKept.c_str());
+    }
+}
+
+bool ReusedScratch::Keep(const std::string& path)
+{
+    if (!mKept.empty() || !RemoveAllBut(mFolders, path, "")) {
+        return false;
+    }
+    mInterruption.Remove(path);
+    mKept = path;
+    return true;
 }
 
 } // namespace diagnosis

@@ -16,8 +16,10 @@
 #include <sys/prctl.h>
 #endif
 
+#include "diagnosis/bundle/bundle_overlay.h"
 #include "diagnosis/detection/code_program.h"
 #include "diagnosis/process/process_state.h"
+#include "diagnosis/scratch/scratch.h"
 #include "tools/arborist/batch/processors.h"
 
 namespace diagnosis::command {
@@ -146,6 +148,7 @@ void Worker::Serve(int socket, const std::vector<int>& others) const
         close(other); // otherwise the sockets would stay open after the batch has died
     }
     NoteProgramGroup(&mProgramGroup);
+    const ReusedScratch reused(FoldersOfOverlay()); // the batch removes it with the worker's folder
     std::uint32_t bundle = 0;
     while (ReadAll(socket, &bundle, sizeof bundle)) {
         if (!WriteAll(socket, Packed(mSetup.work.run(mSetup.bundles[bundle])))) {

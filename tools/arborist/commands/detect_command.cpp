@@ -1,11 +1,14 @@
 #include <fstream>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <thread>
 
+#include "diagnosis/bundle/bundle_overlay.h"
 #include "diagnosis/process/interruption.h"
 #include "diagnosis/results/detection_json.h"
 #include "diagnosis/scratch/new_file.h"
+#include "diagnosis/scratch/scratch.h"
 #include "tools/arborist/batch/batch.h"
 #include "tools/arborist/batch/bundle_list.h"
 #include "tools/arborist/commands/commands.h"
@@ -175,6 +178,10 @@ ExitStatus Detect(DetectOptions options)
     }
     const std::vector<BundlePath> bundles = BundlePaths(options.bundles);
     options.run.detection.stopsOnSignal = true;
+    std::optional<ReusedScratch> reused;
+    if (bundles.size() > 1) {
+        reused.emplace(FoldersOfOverlay());
+    }
     ExitStatus status = ExitStatus::SUCCESS;
     for (const BundlePath& bundle : bundles) {
         if (WasStoppedBySignal()) {

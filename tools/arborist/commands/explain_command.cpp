@@ -1,9 +1,12 @@
 #include <memory>
+#include <optional>
 
 #include "diagnosis/analysis/explanation_view.h"
+#include "diagnosis/bundle/bundle_overlay.h"
 #include "diagnosis/process/interruption.h"
 #include "diagnosis/results/explained_report.h"
 #include "diagnosis/results/explanation_json.h"
+#include "diagnosis/scratch/scratch.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/shared_options.h"
 #include "tools/arborist/render/explanation_text.h"
@@ -32,6 +35,10 @@ ExitStatus Explain(const ExplainOptions& options)
     std::vector<BundlePath> bundles;
     for (const std::string& bundle : options.bundles) {
         bundles.push_back(MakeBundlePath(bundle));
+    }
+    std::optional<ReusedScratch> reused;
+    if (bundles.size() > 1) {
+        reused.emplace(FoldersOfOverlay());
     }
     ExitStatus status = ExitStatus::SUCCESS;
     for (const BundlePath& bundle : bundles) {
