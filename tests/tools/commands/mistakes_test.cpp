@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <memory>
@@ -19,6 +20,7 @@ constexpr char BUNDLE[] = "bundle.json";
 constexpr char LOG[] = "programdata/Comms/Lumbra/workDir/0/log.db";
 constexpr char REPAIRS[] = "programdata/Comms/Lumbra/zxdetectrepair/databases/repair_record.db";
 constexpr char PANEL_A[] = "device/data/panel/panel_a.db";
+constexpr char PANEL_B[] = "device/data/panel/panel_b.zip";
 constexpr char CHARGE[] = "device/sys/class/power_supply/BAT0/charge_full";
 constexpr char DESIGN[] = "device/sys/class/power_supply/BAT0/charge_full_design";
 
@@ -40,7 +42,7 @@ struct Answer {
     std::set<std::string> warnings;
 };
 
-class MistakeTest : public testing::TestWithParam<Mistake> {
+class MistakenLaptopTest : public testing::Test {
 protected:
     void SetUp() override
     {
@@ -88,6 +90,8 @@ protected:
 
     TempDir mDir;
 };
+
+class MistakeTest : public MistakenLaptopTest, public testing::WithParamInterface<Mistake> {};
 
 TEST_P(MistakeTest, IsToldByAWarningOrAVerdict)
 {
@@ -173,6 +177,13 @@ INSTANTIATE_TEST_SUITE_P(CommandRules, MistakeTest, testing::Values(
 
 INSTANTIATE_TEST_SUITE_P(Bundles, MistakeTest, testing::Values(
     Mistake{"NoVersionName", BUNDLE, "", "\"VersionName\": \"4.1\"", "\"VersionName\": \"\""},
+    Mistake{"DeviceRootThatIsTheMachine", BUNDLE, "", "\"DeviceRootDir\": \"device\"", "\"DeviceRootDir\": \"/\""},
+    Mistake{"EmptyDeviceRoot", BUNDLE, "", "\"DeviceRootDir\": \"device\"", "\"DeviceRootDir\": \"\""},
+    Mistake{"EmptyDataRoot", BUNDLE, "", "\"ProgramDataDir\": \"programdata\"", "\"ProgramDataDir\": \"\""},
+    Mistake{"DataRootOutsideOfTheBundle", BUNDLE, "", "\"ProgramDataDir\": \"programdata\"",
+        "\"ProgramDataDir\": \"../programdata\""},
+    Mistake{"RepeatedKey", BUNDLE, "", "{", "{\"detectScene\": 1,"},
+    Mistake{"CommentInTheBundle", BUNDLE, "", "{", "{ // laptop\n"},
     Mistake{"NoFolderForDatabases", BUNDLE, "", "\"AppDatabaseDir\": \"databases\",", ""},
     Mistake{"NoLog", BUNDLE, "", "\"ProgramDataDir\": \"programdata\"", "\"ProgramDataDir\": \"programs\""},
     Mistake{"NoDevice", BUNDLE, "", "\"DeviceRootDir\": \"device\"", "\"DeviceRootDir\": \"devices\""},
@@ -200,9 +211,47 @@ INSTANTIATE_TEST_SUITE_P(DamagedData, MistakeTest, testing::Values(
     Mistake{"WeightThatIsNoJson", LOG, "", "{\"COUNT\": \"65\"}", "[\"COUNT\": \"65\"}"},
     Mistake{"ColumnOfATableThatIsNoJson", LOG, "", "{\"SWAP_MB\": 5120", "[\"SWAP_MB\": 5120"},
     Mistake{"RepairsThatAreNoDatabase", REPAIRS, "", "SQLite format 3", "SQLite format 9"},
+    Mistake{"ArchiveWhoseEntryHasABrokenHead", PANEL_B, "", "PK\3\4", "KP\3\4"},
+    Mistake{"ArchiveWhoseListIsBroken", PANEL_B, "", "PK\1\2", "KP\1\2"},
+    Mistake{"ArchiveWithoutAnEnd", PANEL_B, "", "PK\5\6", "KP\5\6"},
     Mistake{"CopyThatIsNoDatabase", PANEL_A, "", "SQLite format 3", "SQLite format 9"},
     Mistake{"CopyWithoutTheTable", PANEL_A, "", "CREATE TABLE zones", "CREATE TABLE zonen"},
     Mistake{"NodeThatIsNoNumber", CHARGE, "", "", "full "},
     Mistake{"NodeWithoutAValue", DESIGN, "", "5000000", " "}), CaseName());
+
+// Links in the place of something in the bundle. Each leads to what is there, so that only the place is wrong.
+struct LinkMistake {
+    const char* name;
+    const char* place;
+};
+void PrintTo(const LinkMistake& mistake, std::ostream* out) { *out << mistake.name; }
+class LinkOutOfTheBundle : public testing::TestWithParam<LinkMistake> {};
+
+TEST_P(LinkOutOfTheBundle, IsToldByAWarningOrAFailure)
+{
+    const TempDir dir;
+    PrepareLaptop("laptop");
+    const std::filesystem::path place = dir.Path("laptop/" + std::string(GetParam().place));
+    ASSERT_TRUE(std::filesystem::exists(place));
+    std::filesystem::rename(place, dir.Path("outside"));
+    std::filesystem::create_symlink(dir.Path("outside"), place);
+    const ProcessResult result = RunArborist({"detect", "--strict", "--json", "laptop"});
+    EXPECT_NE(result.out.find("outside"), std::string::npos) << result.out;
+    EXPECT_NE(result.status, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, LinkOutOfTheBundle, testing::Values(LinkMistake{"Device", "device"},
+    LinkMistake{"Data", "programdata"}, LinkMistake{"FolderOfData", "programdata/Comms/Lumbra/zxdetectrepair"},
+    LinkMistake{"Log", LOG}, LinkMistake{"Repairs", REPAIRS}, LinkMistake{"Rules", "rules"}), CaseName());
+
+// A link on the device leads nowhere outside of it: what it hides is told as missing.
+TEST_F(MistakenLaptopTest, NodeThatIsALinkToThisMachineIsTold)
+{
+    mDir.Write("node", mDir.Read("laptop/" + std::string(CHARGE)));
+    const Answer sound = Detect();
+    std::filesystem::remove("laptop/" + std::string(CHARGE));
+    std::filesystem::create_symlink(mDir.Path("node"), "laptop/" + std::string(CHARGE));
+    EXPECT_NE(Detect().undecided, sound.undecided);
+}
 
 } // namespace
