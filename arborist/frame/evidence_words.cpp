@@ -1,228 +1,177 @@
 #include "arborist/frame/evidence_words.h"
 
-const char* Evidence::ReasonText(Reason reason)
+#include <cstddef>
+
+#include "arborist/frame/check.h"
+#include "arborist/frame/tree_verdict.h"
+
+namespace Evidence {
+
+namespace {
+
+// What is said of each reason.
+struct ReasonRow {
+    Reason reason;
+    const char* text;
+    Check check;
+};
+
+constexpr ReasonRow REASONS[] = {
+    {Reason::NONE, "", Check::NONE},
+    {Reason::INTERACTION_EVENT, "interaction_event", Check::NOT_SELECTED},
+    {Reason::NO_EVENT_RULE, "no_event_rule", Check::NOT_CHECKED},
+    {Reason::NO_RULE_NAMES, "no_rule_names", Check::NOT_CHECKED},
+    {Reason::NO_SUCH_RULE, "no_such_rule", Check::NOT_CHECKED},
+    {Reason::FILTERED_BLACK_PRODUCT, "filtered_black_product", Check::NOT_APPLICABLE},
+    {Reason::FILTERED_PRODUCT, "filtered_product", Check::NOT_APPLICABLE},
+    {Reason::FILTERED_SCENE, "filtered_scene", Check::NOT_SELECTED},
+    {Reason::FILTERED_PLATFORM, "filtered_platform", Check::NOT_APPLICABLE},
+    {Reason::FILTERED_DEVICE_TYPE, "filtered_device_type", Check::NOT_APPLICABLE},
+    {Reason::NO_CHECKER, "no_checker", Check::RULE_UNUSABLE},
+    {Reason::NO_GATE, "no_gate", Check::RULE_UNUSABLE},
+    {Reason::STOPPED, "stopped", Check::NOT_CHECKED},
+    {Reason::GROUP_ENDED, "group_ended", Check::NONE},
+    {Reason::NO_ITEMS, "no_items", Check::RULE_UNUSABLE},
+    {Reason::NO_IDS, "no_ids", Check::RULE_UNUSABLE},
+    {Reason::WINDOW_ABSENT, "window_absent", Check::RULE_UNUSABLE},
+    {Reason::WINDOW_EMPTY, "window_empty", Check::RULE_UNUSABLE},
+    {Reason::WINDOW_SHORT, "window_short", Check::DECIDED},
+    {Reason::WINDOW_REACHED, "window_reached", Check::DECIDED},
+    {Reason::LOG_UNAVAILABLE, "log_unavailable", Check::DATA_MISSING},
+    {Reason::LOG_DAMAGED, "log_damaged", Check::DATA_MISSING},
+    {Reason::NEGATIVE_WEIGHT, "negative_weight", Check::DATA_MISSING},
+    {Reason::ROWS_UNSEEN, "rows_unseen", Check::DATA_MISSING},
+    {Reason::ROWS_AFTER_NOW, "rows_after_now", Check::DATA_MISSING},
+    {Reason::REPAIR_UNREADABLE, "repair_unreadable", Check::DATA_MISSING},
+    {Reason::NO_EVENT_ID, "no_event_id", Check::RULE_UNUSABLE},
+    {Reason::NO_COMMON_PART, "no_common_part", Check::RULE_UNUSABLE},
+    {Reason::NOT_SQL, "not_sql", Check::RULE_UNUSABLE},
+    {Reason::NO_SUCH_DATABASE, "no_such_database", Check::RULE_UNUSABLE},
+    {Reason::DATABASE_UNAVAILABLE, "database_unavailable", Check::DATA_MISSING},
+    {Reason::TABLE_INCOMPLETE, "table_incomplete", Check::DATA_MISSING},
+    {Reason::STATEMENT_FAILED, "statement_failed", Check::DATA_MISSING},
+    {Reason::ROW_COUNT, "row_count", Check::DATA_MISSING},
+    {Reason::NO_INTERVAL, "no_interval", Check::DATA_MISSING},
+    {Reason::NO_THRESHOLD, "no_threshold", Check::RULE_UNUSABLE},
+    {Reason::HITS_SHORT, "hits_short", Check::DECIDED},
+    {Reason::HITS_REACHED, "hits_reached", Check::DECIDED},
+    {Reason::NO_NODES, "no_nodes", Check::RULE_UNUSABLE},
+    {Reason::NODE_UNREADABLE, "node_unreadable", Check::DATA_MISSING},
+    {Reason::NO_RUNNER, "no_runner", Check::NOT_CHECKED},
+    {Reason::RUNNER_ANSWERED, "runner_answered", Check::DECIDED},
+    {Reason::RUNNER_FAILED, "runner_failed", Check::DATA_MISSING},
+    {Reason::NO_CONDITION, "no_condition", Check::RULE_UNUSABLE},
+    {Reason::UNKNOWN_CONDITION, "unknown_condition", Check::RULE_UNUSABLE},
+    {Reason::NO_VALUE, "no_value", Check::DATA_MISSING},
+    {Reason::CONDITION_MET, "condition_met", Check::DECIDED},
+    {Reason::CONDITION_NOT_MET, "condition_not_met", Check::DECIDED},
+    {Reason::BAD_FORMULA, "bad_formula", Check::RULE_UNUSABLE},
+    {Reason::BAD_NUMBER, "bad_number", Check::RULE_UNUSABLE},
+    {Reason::UNKNOWN_NAME, "unknown_name", Check::RULE_UNUSABLE},
+    {Reason::DIVISION_BY_ZERO, "division_by_zero", Check::DATA_MISSING},
+    {Reason::VERSION_UNKNOWN, "version_unknown", Check::DATA_MISSING},
+};
+
+constexpr std::size_t REASON_COUNT = sizeof REASONS / sizeof REASONS[0];
+
+constexpr bool AreInOrder()
 {
-    switch (reason) {
-    case Reason::NONE:
-        return "";
-    case Reason::INTERACTION_EVENT:
-        return "interaction_event";
-    case Reason::NO_EVENT_RULE:
-        return "no_event_rule";
-    case Reason::NO_RULE_NAMES:
-        return "no_rule_names";
-    case Reason::NO_SUCH_RULE:
-        return "no_such_rule";
-    case Reason::FILTERED_BLACK_PRODUCT:
-        return "filtered_black_product";
-    case Reason::FILTERED_PRODUCT:
-        return "filtered_product";
-    case Reason::FILTERED_SCENE:
-        return "filtered_scene";
-    case Reason::FILTERED_PLATFORM:
-        return "filtered_platform";
-    case Reason::FILTERED_DEVICE_TYPE:
-        return "filtered_device_type";
-    case Reason::NO_CHECKER:
-        return "no_checker";
-    case Reason::NO_GATE:
-        return "no_gate";
-    case Reason::STOPPED:
-        return "stopped";
-    case Reason::GROUP_ENDED:
-        return "group_ended";
-    case Reason::NO_ITEMS:
-        return "no_items";
-    case Reason::NO_IDS:
-        return "no_ids";
-    case Reason::WINDOW_ABSENT:
-        return "window_absent";
-    case Reason::WINDOW_EMPTY:
-        return "window_empty";
-    case Reason::WINDOW_SHORT:
-        return "window_short";
-    case Reason::WINDOW_REACHED:
-        return "window_reached";
-    case Reason::LOG_UNAVAILABLE:
-        return "log_unavailable";
-    case Reason::LOG_DAMAGED:
-        return "log_damaged";
-    case Reason::NEGATIVE_WEIGHT:
-        return "negative_weight";
-    case Reason::ROWS_UNSEEN:
-        return "rows_unseen";
-    case Reason::ROWS_AFTER_NOW:
-        return "rows_after_now";
-    case Reason::REPAIR_UNREADABLE:
-        return "repair_unreadable";
-    case Reason::NO_EVENT_ID:
-        return "no_event_id";
-    case Reason::NO_COMMON_PART:
-        return "no_common_part";
-    case Reason::NOT_SQL:
-        return "not_sql";
-    case Reason::NO_SUCH_DATABASE:
-        return "no_such_database";
-    case Reason::DATABASE_UNAVAILABLE:
-        return "database_unavailable";
-    case Reason::TABLE_INCOMPLETE:
-        return "table_incomplete";
-    case Reason::STATEMENT_FAILED:
-        return "statement_failed";
-    case Reason::ROW_COUNT:
-        return "row_count";
-    case Reason::NO_INTERVAL:
-        return "no_interval";
-    case Reason::NO_THRESHOLD:
-        return "no_threshold";
-    case Reason::HITS_SHORT:
-        return "hits_short";
-    case Reason::HITS_REACHED:
-        return "hits_reached";
-    case Reason::NO_NODES:
-        return "no_nodes";
-    case Reason::NODE_UNREADABLE:
-        return "node_unreadable";
-    case Reason::NO_RUNNER:
-        return "no_runner";
-    case Reason::RUNNER_ANSWERED:
-        return "runner_answered";
-    case Reason::RUNNER_FAILED:
-        return "runner_failed";
-    case Reason::NO_CONDITION:
-        return "no_condition";
-    case Reason::UNKNOWN_CONDITION:
-        return "unknown_condition";
-    case Reason::NO_VALUE:
-        return "no_value";
-    case Reason::CONDITION_MET:
-        return "condition_met";
-    case Reason::CONDITION_NOT_MET:
-        return "condition_not_met";
-    case Reason::BAD_FORMULA:
-        return "bad_formula";
-    case Reason::BAD_NUMBER:
-        return "bad_number";
-    case Reason::UNKNOWN_NAME:
-        return "unknown_name";
-    case Reason::DIVISION_BY_ZERO:
-        return "division_by_zero";
-    case Reason::VERSION_UNKNOWN:
-        return "version_unknown";
+    for (std::size_t i = 0; i < REASON_COUNT; ++i) {
+        if (static_cast<std::size_t>(REASONS[i].reason) != i) {
+            return false;
+        }
     }
-    return "";
+    return true;
+}
+static_assert(AreInOrder() && REASONS[REASON_COUNT - 1].reason == LAST_REASON, "one row for each reason");
+
+// The row of a reason; that of NONE for a number that is no reason.
+const ReasonRow& RowOf(Reason reason)
+{
+    const auto place = static_cast<std::size_t>(reason);
+    return REASONS[place < REASON_COUNT ? place : 0];
 }
 
-const char* Evidence::FamilyText(Family family)
+// The text of an enumerator whose texts are listed in its order.
+template <typename Word, std::size_t COUNT>
+const char* TextIn(const char* const (&texts)[COUNT], Word word)
 {
-    switch (family) {
-    case Family::NONE:
-        return "";
-    case Family::ALARM:
-        return "alarm";
-    case Family::COMMAND:
-        return "command";
-    case Family::NODE:
-        return "node";
-    case Family::CODE:
-        return "code";
-    }
-    return "";
+    const auto place = static_cast<std::size_t>(word);
+    return place < COUNT ? texts[place] : "";
 }
 
-const char* Evidence::VerdictText(Verdict verdict)
+} // namespace
+
+const char* ReasonText(Reason reason)
 {
-    switch (verdict) {
-    case Verdict::FIRED:
-        return "TRUE";
-    case Verdict::NOT_FIRED:
-        return "FALSE";
-    case Verdict::SKIPPED:
-        return "SKIP";
-    }
-    return "";
+    return RowOf(reason).text;
 }
 
-const char* Evidence::FloorText(Floor floor)
+Check CheckOf(Reason reason)
 {
-    switch (floor) {
-    case Floor::PERIOD:
-        return "period";
-    case Floor::RESET:
-        return "reset";
-    case Floor::UPDATE:
-        return "update";
-    case Floor::REPAIR:
-        return "repair";
-    }
-    return "";
+    return RowOf(reason).check;
 }
 
-const char* Evidence::StateText(EventState state)
+const char* CheckText(Check check)
 {
-    switch (state) {
-    case EventState::PRESENT:
-        return "TRUE";
-    case EventState::ABSENT:
-        return "FALSE";
-    case EventState::INTERMEDIATE_PRESENT:
-        return "INTERMEDIATE_TRUE";
-    case EventState::UNKNOWN:
-        return "UNKNOWN";
-    }
-    return "";
+    static constexpr const char* TEXTS[] = {
+        "", "not_applicable", "not_selected", "decided", "not_checked", "no_data", "error"};
+    return TextIn(TEXTS, check);
 }
 
-const char* Evidence::NoCopyText(NoCopy cause)
+const char* TreeVerdictText(TreeVerdict::Word word)
 {
-    switch (cause) {
-    case NoCopy::NONE:
-        return "";
-    case NoCopy::FOLDER_MISSING:
-        return "folder_missing";
-    case NoCopy::FOLDER_EMPTY:
-        return "folder_empty";
-    case NoCopy::NO_MATCH:
-        return "no_match";
-    case NoCopy::SETTING_EMPTY:
-        return "setting_empty";
-    case NoCopy::NOT_COPIED:
-        return "not_copied";
-    }
-    return "";
+    static constexpr const char* TEXTS[] = {"fault", "undecided", "no_fault", "not_applicable"};
+    return TextIn(TEXTS, word);
 }
 
-const char* Evidence::MeasureText(Measure measure)
+const char* FamilyText(Family family)
 {
-    switch (measure) {
-    case Measure::NONE:
-        return "";
-    case Measure::ROWS:
-        return "rows";
-    case Measure::WEIGHTS:
-        return "weights";
-    case Measure::DAILY_ROWS:
-        return "daily_rows";
-    case Measure::DAILY_WEIGHTS:
-        return "daily_weights";
-    }
-    return "";
+    static constexpr const char* TEXTS[] = {"", "alarm", "command", "node", "code"};
+    return TextIn(TEXTS, family);
 }
 
-const char* Evidence::TypeText(EventType type)
+const char* VerdictText(Verdict verdict)
 {
-    switch (type) {
-    case EventType::BASIC:
-        return "basic";
-    case EventType::INTERMEDIATE:
-        return "intermediate";
-    case EventType::UNDEVELOPED:
-        return "undeveloped";
-    }
-    return "";
+    static constexpr const char* TEXTS[] = {"TRUE", "FALSE", "SKIP"};
+    return TextIn(TEXTS, verdict);
 }
 
-const char* Evidence::GateText(GateType gate)
+const char* FloorText(Floor floor)
 {
-    return gate == GateType::OR ? "or" : gate == GateType::AND ? "and" : "";
+    static constexpr const char* TEXTS[] = {"period", "reset", "update", "repair"};
+    return TextIn(TEXTS, floor);
 }
+
+const char* StateText(EventState state)
+{
+    static constexpr const char* TEXTS[] = {"TRUE", "FALSE", "INTERMEDIATE_TRUE", "UNKNOWN"};
+    return TextIn(TEXTS, state);
+}
+
+const char* NoCopyText(NoCopy cause)
+{
+    static constexpr const char* TEXTS[] = {
+        "", "folder_missing", "folder_empty", "no_match", "setting_empty", "not_copied", "not_in_archive"};
+    return TextIn(TEXTS, cause);
+}
+
+const char* MeasureText(Measure measure)
+{
+    static constexpr const char* TEXTS[] = {"", "rows", "weights", "daily_rows", "daily_weights"};
+    return TextIn(TEXTS, measure);
+}
+
+const char* TypeText(EventType type)
+{
+    static constexpr const char* TEXTS[] = {"basic", "intermediate", "undeveloped"};
+    return TextIn(TEXTS, type);
+}
+
+const char* GateText(GateType gate)
+{
+    static constexpr const char* TEXTS[] = {"", "or", "and"};
+    return TextIn(TEXTS, gate);
+}
+
+} // namespace Evidence

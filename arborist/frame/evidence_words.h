@@ -76,6 +76,9 @@ enum class Reason {
     VERSION_UNKNOWN, ///< rows of a version were passed over, and the version of the device is not known
 };
 
+/// The last reason.
+constexpr Reason LAST_REASON = Reason::VERSION_UNKNOWN;
+
 /// What set the moment from which a rule looks at the log.
 enum class Floor { PERIOD, RESET, UPDATE, REPAIR };
 
@@ -98,7 +101,8 @@ enum class NoCopy {
     FOLDER_EMPTY, ///< no file lies below the folder
     NO_MATCH, ///< there are files, and the pattern matches none of them
     SETTING_EMPTY, ///< files match, and the setting for the folder of the copies is empty
-    NOT_COPIED, ///< files match but no copy succeeded, or archives contain no match
+    NOT_COPIED, ///< files match, and one of them could not be copied or unpacked
+    NOT_IN_ARCHIVE, ///< only archives match, and they contain no file that matches
 };
 
 enum class EventType { BASIC, INTERMEDIATE, UNDEVELOPED };
@@ -116,7 +120,7 @@ ARBORIST_EXPORT const char* VerdictText(Verdict verdict);
 ARBORIST_EXPORT const char* FloorText(Floor floor);
 /// "rows", "weights", "daily_rows", "daily_weights"; empty for NONE.
 ARBORIST_EXPORT const char* MeasureText(Measure measure);
-/// "folder_missing", "folder_empty", "no_match", "setting_empty", "not_copied"; empty for NONE.
+/// "folder_missing", "folder_empty", "no_match", "setting_empty", "not_copied", "not_in_archive"; empty for NONE.
 ARBORIST_EXPORT const char* NoCopyText(NoCopy cause);
 /// "TRUE", "FALSE", "INTERMEDIATE_TRUE" or "UNKNOWN".
 ARBORIST_EXPORT const char* StateText(EventState state);

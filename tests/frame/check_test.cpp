@@ -1,5 +1,8 @@
 #include "arborist/frame/check.h"
 
+#include <set>
+#include <string>
+
 #include <gtest/gtest.h>
 
 #include "arborist/frame/tree_verdict.h"
@@ -39,18 +42,25 @@ TEST(CheckTest, WordsAreThoseOfResults)
     EXPECT_STREQ(Evidence::CheckText(Check::RULE_UNUSABLE), "error");
 }
 
-TEST(CheckTest, EveryReasonHasAWord)
+TEST(CheckTest, EveryReasonHasAWordAndACheck)
 {
     using Evidence::Reason;
-    // VERSION_UNKNOWN is the last.
-    for (int number = 1; number <= static_cast<int>(Reason::VERSION_UNKNOWN); ++number) {
+    std::set<std::string> words;
+    for (int number = 1; number <= static_cast<int>(Evidence::LAST_REASON); ++number) {
         const auto reason = static_cast<Reason>(number);
-        if (reason != Reason::GROUP_ENDED) {
-            EXPECT_NE(Evidence::CheckOf(reason), Check::NONE) << Evidence::ReasonText(reason);
-        }
+        EXPECT_TRUE(words.insert(Evidence::ReasonText(reason)).second) << number;
+        EXPECT_EQ(Evidence::CheckOf(reason) == Check::NONE, reason == Reason::GROUP_ENDED) << Evidence::ReasonText(reason);
     }
+    EXPECT_EQ(words.count(""), 0U);
     EXPECT_EQ(Evidence::CheckOf(Reason::NONE), Check::NONE);
-    EXPECT_EQ(Evidence::CheckOf(Reason::GROUP_ENDED), Check::NONE);
+}
+
+TEST(CheckTest, NumbersThatAreNoEnumeratorHaveNoWord)
+{
+    EXPECT_STREQ(Evidence::ReasonText(static_cast<Evidence::Reason>(1000)), "");
+    EXPECT_EQ(Evidence::CheckOf(static_cast<Evidence::Reason>(-1)), Check::NONE);
+    EXPECT_STREQ(Evidence::FamilyText(static_cast<Evidence::Family>(5)), "");
+    EXPECT_STREQ(Evidence::GateText(static_cast<Evidence::GateType>(-1)), "");
 }
 
 TEST(CheckTest, VerdictsAreThoseOfResults)

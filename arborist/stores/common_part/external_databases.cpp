@@ -155,9 +155,9 @@ bool CopyFile(const std::string& source, const std::string& directory)
     return FileUtil::FileExists(target);
 }
 
-void TellNotCopied(const std::string& source, bool& isWhole)
+void TellNotCopied(const std::string& source, bool& areAllCopied)
 {
-    isWhole = false;
+    areAllCopied = false;
     TroubleWatch::Tell(Evidence::Trouble::Kind::NOT_COPIED, "the file can't be copied or unpacked", {source, source});
 }
 
@@ -185,13 +185,13 @@ Copies CopyDbFile(const std::string& path, const std::string& dbName)
         }
     }
     PathList copies;
-    bool isWhole = found.isWhole;
+    bool areAllCopied = true;
     FileNamePattern pattern(dbName);
     std::map<std::string, std::string> sourceByTarget; // the source of the last copy to each target
     for (const std::string& candidate : candidates) {
         StopPoint::Pass();
         if (!FileUtil::FileExists(candidate)) {
-            TellNotCopied(candidate, isWhole);
+            TellNotCopied(candidate, areAllCopied);
             continue;
         }
         if (IsZip(candidate, rootOfDevice)) {
@@ -203,7 +203,7 @@ Copies CopyDbFile(const std::string& path, const std::string& dbName)
                 }
             }
             if (!isUnpacked) {
-                TellNotCopied(candidate, isWhole);
+                TellNotCopied(candidate, areAllCopied);
             }
             continue;
         }
@@ -214,10 +214,12 @@ Copies CopyDbFile(const std::string& path, const std::string& dbName)
             copies.push_back(TargetOf(StringUtil::TrimSP(candidate), directory));
         } else {
             standing.clear();
-            TellNotCopied(candidate, isWhole);
+            TellNotCopied(candidate, areAllCopied);
         }
     }
-    return {copies, copies.empty() ? Evidence::NoCopy::NOT_COPIED : Evidence::NoCopy::NONE, isWhole};
+    using Evidence::NoCopy;
+    const NoCopy missing = !copies.empty() ? NoCopy::NONE : areAllCopied ? NoCopy::NOT_IN_ARCHIVE : NoCopy::NOT_COPIED;
+    return {copies, missing, found.isWhole && areAllCopied};
 }
 
 PathList UnZipFile(const std::string& zipPath, const std::string& directory, bool* isWhole)

@@ -75,6 +75,12 @@ TEST_F(MissingCopies, AnArchiveWithoutAFileThatMatchesIsTold)
 {
     mDir.MakeDir("device");
     WriteZip(mDir.Path("device/a.zip"), {{"readme.txt", "text"}});
+    EXPECT_EQ(Search({mDir.Path("device")}, ".*\\.(db|zip)")->GetNoCopy(), NoCopy::NOT_IN_ARCHIVE);
+}
+
+TEST_F(MissingCopies, AnArchiveThatCanNotBeUnpackedIsTold)
+{
+    mDir.Write("device/a.zip", "PK\x03\x04 and no more");
     EXPECT_EQ(Search({mDir.Path("device")}, ".*\\.(db|zip)")->GetNoCopy(), NoCopy::NOT_COPIED);
 }
 
