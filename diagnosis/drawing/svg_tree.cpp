@@ -36,19 +36,22 @@ std::string Number(int number)
 struct Label {
     std::vector<std::string> id;
     std::vector<std::string> name;
+    /// Empty for a check that is not open.
+    std::string open;
 
-    std::size_t Lines() const { return id.size() + name.size() + 1; }
+    std::size_t Lines() const { return id.size() + name.size() + (open.empty() ? 1 : 2); }
 };
 
 class TreePicture {
 public:
     explicit TreePicture(const DrawnTree& tree) : mTree(tree)
     {
-        for (const DrawnEvent& drawn : tree.events) {
-            const Evidence::FoldedEvent& event = *drawn.event;
-            mLabels.push_back({Wrapped(ShownId(event.id), ID_WIDTH, 2), Wrapped(event.name, NAME_WIDTH, 2)});
+        for (std::size_t place = 0; place < tree.events.size(); ++place) {
+            const Evidence::FoldedEvent& event = *tree.events[place].event;
+            mLabels.push_back({Wrapped(ShownId(event.id), ID_WIDTH, 2), Wrapped(event.name, NAME_WIDTH, 2),
+                OpenWords(tree, place)});
             mLines = std::max(mLines, mLabels.back().Lines());
-            mDepth = std::max(mDepth, drawn.event->depth);
+            mDepth = std::max(mDepth, event.depth);
         }
         Place();
     }
@@ -154,7 +157,9 @@ private:
         for (const std::string& words : mLabels[place].name) {
             text += Line(words, "name", line);
         }
-        return text + (mTree.hasStatuses ? Line(StatusWords(mTree, place), "status", line) : "") + "</g>\n";
+        text += mTree.hasStatuses ? Line(StatusWords(mTree, place), "status", line) : "";
+        const std::string& open = mLabels[place].open;
+        return text + (open.empty() ? "" : Line(open, "open", line)) + "</g>\n";
     }
 
     std::string Box(int inset) const

@@ -63,6 +63,7 @@ dd { margin: 0; }
 .picture text { fill: var(--ink); }
 .picture .id { font-weight: 700; font-size: 11.5px; font-family: inherit; }
 .picture .status { font-weight: 600; font-size: 11px; }
+.picture .open { font-size: 11px; fill: var(--unknown); }
 .picture rect, .picture circle, .picture .event path { fill: var(--paper); stroke: var(--line); stroke-width: 1.2; }
 .picture .true rect, .picture .true circle { fill: var(--fault-ground); stroke: var(--fault); }
 .picture .true .status { fill: var(--fault); }

@@ -42,6 +42,52 @@ TEST(ReportPageTest, WithoutWarningsThereIsNoSectionForThem)
     EXPECT_THAT(ReportPage({}), Not(HasSubstr("id=\"warnings\"")));
 }
 
+// A tree T over the event E, whose alarm rule counted one row of a log that began two days ago.
+diagnosis::TreeReport ShortTree(Evidence::Reason reason, Evidence::Check check)
+{
+    using Evidence::EventState;
+    diagnosis::TreeReport report{std::make_shared<FaultTreeResult>("T"), {}, {}};
+    Evidence::Window window;
+    window.firstId = window.lastId = 7;
+    window.kind = "latest";
+    window.threshold = 3;
+    window.start.emplace().periodDays = 7;
+    window.count = {1, 0, 0, 1, 7, Evidence::Measure::ROWS};
+    window.count.coveredDays = 2;
+    window.reason = reason;
+    Evidence::Rule rule;
+    rule.name = "r";
+    rule.part = Evidence::Alarm{{window}};
+    report.tree.evidence.push_back({"E", "", false, Evidence::Reason::NONE, {{false, {rule}}}});
+    report.tree.events = {
+        {{0, Evidence::EventType::INTERMEDIATE, Evidence::GateType::OR, "T", "", "", EventState::ABSENT},
+            diagnosis::RecordedEvent::NONE, 2},
+        {{1, Evidence::EventType::BASIC, Evidence::GateType::NONE, "E", "", "", EventState::ABSENT, false, check}, 0, 2, 0}};
+    report.verdict.checks.Add(check);
+    return report;
+}
+
+std::string PageOf(const diagnosis::TreeReport& tree)
+{
+    DetectionReport report;
+    report.trees = {tree};
+    return ReportPage(report);
+}
+
+TEST(ReportPageTest, AWindowNamesTheDaysThatTheLogCovers)
+{
+    EXPECT_THAT(PageOf(ShortTree(Evidence::Reason::WINDOW_SHORT, Evidence::Check::DECIDED)),
+        HasSubstr("(period of 7 days), of which the log covers 2 days: 1 row; reached 1 of 3 rows, 2 missing"));
+}
+
+TEST(ReportPageTest, ThePictureNamesWhatIsOpen)
+{
+    const auto tree = ShortTree(Evidence::Reason::LOG_DAMAGED, Evidence::Check::DATA_MISSING);
+    EXPECT_THAT(PageOf(tree), HasSubstr(">FALSE</text><text class=\"open\" x=\"10\" y=\"52\">open: no_data</text>"));
+    const auto decided = ShortTree(Evidence::Reason::WINDOW_SHORT, Evidence::Check::DECIDED);
+    EXPECT_THAT(PageOf(decided), Not(HasSubstr("open: ")));
+}
+
 TEST(ReportPageTest, LoadsAndRunsNothing)
 {
     const std::string page = ReportPage({});
