@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "arborist/deduction/root_cause_search.h"
+#include "bench/heap_gauge.h"
 #include "tests/deduction/cause_text.h"
 #include "tests/support/case_name.h"
 #include "tests/support/log_capture.h"
@@ -193,7 +194,10 @@ TEST(JudgeTreeTest, ATwentyfoldProductIsJudgedWithoutExpandingIt)
         gates.push_back(Inner("G" + std::to_string(gate), Or(leaves)));
     }
     // Trying the answers one after the other would not end: there are 10^20 cut sets.
-    const TreeVerdict verdict = Judge(AndOf(gates), checks);
+    const auto top = AndOf(gates);
+    const HeapGauge heap;
+    const TreeVerdict verdict = Judge(top, checks);
+    EXPECT_LT(heap.Peak(), 500'000.0) << "bytes, of which the paths of the hundred causes that are told take most";
     EXPECT_EQ(TextOf(verdict), "undecided, incomplete");
     ASSERT_THAT(verdict.possibleCauses, SizeIs(MOST_POSSIBLE_CAUSES));
     EXPECT_EQ(verdict.possibleCauses[13].cutSet[18], "T/G18/L1");
