@@ -44,10 +44,15 @@ fs::path Destination(const fs::path& path)
     return path;
 }
 
+// `real` has no links.
+bool IsBelow(const std::string& folder, const std::string& real)
+{
+    return folder == "/" || real == folder || real.compare(0, folder.size() + 1, folder + "/") == 0;
+}
+
 bool IsInside(const std::string& folder, const fs::path& path)
 {
-    const std::string real = Destination(path).string();
-    return folder == "/" || real == folder || real.compare(0, folder.size() + 1, folder + "/") == 0;
+    return IsBelow(folder, Destination(path).string());
 }
 
 } // namespace
@@ -62,12 +67,13 @@ std::optional<std::string> PlaceOutside(const std::string& folder, const Bundle&
     }
     for (const char* database : {EVENT_LOG, DERIVED_DATABASE, REPAIR_RECORDS}) {
         const std::string name = data + "/" + database;
-        const fs::path real = Destination(fs::path(folder) / name);
-        if (!IsInside(folder, real)) {
+        const std::string real = Destination(fs::path(folder) / name).string();
+        if (!IsBelow(folder, real)) {
             return name;
         }
         for (const char* companion : COMPANIONS) {
-            if (!IsInside(folder, real.string() + companion)) {
+            std::error_code error; // beside the database, it leads elsewhere only as a link
+            if (fs::is_symlink(real + companion, error) && !IsInside(folder, real + companion)) {
                 return name + companion;
             }
         }
