@@ -124,7 +124,7 @@ void AlarmWindow::Close(Reason reason, bool isHit) const
     noteIf(isHit && mRestsOnLaterRows, Reason::ROWS_AFTER_NOW);
     noteIf(mHasUnseen && wouldMoreRowsMatter, Reason::ROWS_UNSEEN);
     noteIf(mHasUnknownVersion && mCount.rowsOfOtherVersion != 0 && wouldMoreRowsMatter, Reason::VERSION_UNKNOWN);
-    noteIf(mRecord->start && mRecord->start->isRepairUnreadable && wouldFewerRowsMatter, Reason::REPAIR_UNREADABLE);
+    noteIf(mRecord->start && !mRecord->start->unreadableRepair.empty() && wouldFewerRowsMatter, Reason::REPAIR_UNREADABLE);
 }
 
 // True if the threshold was reached by a number of rows, which further rows only raise.

@@ -153,7 +153,7 @@ std::string CommandRuleEngine::GetSqlScript(const CommandRule::SqlItem& sqlItem,
     if (reference == nullptr && sqlItem.time.isBadPeriod) {
         Note(Reason::BAD_NUMBER);
     }
-    if (command != nullptr && command->start && command->start->isRepairUnreadable) {
+    if (command != nullptr && command->start && !command->start->unreadableRepair.empty()) {
         Note(Reason::REPAIR_UNREADABLE);
     }
     return reference == nullptr ? JoinSqlStrWithTime(sqlItem.sql, start) : sqlItem.sql;

@@ -87,6 +87,16 @@ void VisitReasons(const Evidence::Rule& rule, const Visitor& visit)
     VisitNotes(rule, alarm, visit);
 }
 
+std::string DetailOf(const Evidence::Alarm& alarm, Reason reason)
+{
+    for (const Evidence::Window& window : alarm.windows) {
+        if (reason == Reason::REPAIR_UNREADABLE && window.start && !window.start->unreadableRepair.empty()) {
+            return window.start->unreadableRepair;
+        }
+    }
+    return {};
+}
+
 std::string DetailOf(const Evidence::Node& node)
 {
     for (const Evidence::NodeFile& file : node.files) {
@@ -99,6 +109,9 @@ std::string DetailOf(const Evidence::Node& node)
 
 std::string DetailOf(const Evidence::Command& command, Reason reason)
 {
+    if (reason == Reason::REPAIR_UNREADABLE && command.start) {
+        return command.start->unreadableRepair;
+    }
     for (const Evidence::Statement& statement : command.statements) {
         if (reason == Reason::STATEMENT_FAILED && !statement.error.empty()) {
             return statement.error; // it may have failed behind the row that decided
@@ -142,7 +155,11 @@ std::string DetailOfCheck(const Evidence::Rule& rule)
     if (const auto* const command = std::get_if<Evidence::Command>(&rule.part)) {
         return DetailOf(*command, reason);
     }
-    return {};
+    const auto* const alarm = std::get_if<Evidence::Alarm>(&rule.part);
+    if (reason == Reason::LOG_DAMAGED || (alarm != nullptr && reason == Reason::NO_VALUE)) {
+        return rule.logProblem;
+    }
+    return alarm == nullptr ? "" : DetailOf(*alarm, reason);
 }
 
 Check CheckOfAlternative(const Evidence::Alternative& alternative)

@@ -38,12 +38,15 @@ private:
 };
 
 // Problems of the event log make a rule's count unreliable: notes them in its record.
-void NoteTrouble(Evidence::Trouble::Kind kind, Evidence::Rule& record)
+void NoteTrouble(const Evidence::Trouble& trouble, Evidence::Rule& record)
 {
-    if (kind == Evidence::Trouble::Kind::EVENT_LOG_UNREADABLE) {
-        record.Note(Reason::LOG_DAMAGED);
-    } else if (kind == Evidence::Trouble::Kind::BAD_EXTRA) {
-        record.Note(Reason::NO_VALUE);
+    const bool isDamage = trouble.kind == Evidence::Trouble::Kind::EVENT_LOG_UNREADABLE;
+    if (!isDamage && trouble.kind != Evidence::Trouble::Kind::BAD_EXTRA) {
+        return;
+    }
+    record.Note(isDamage ? Reason::LOG_DAMAGED : Reason::NO_VALUE);
+    if (record.logProblem.empty()) {
+        record.logProblem = trouble.file + ": " + trouble.words;
     }
 }
 
@@ -119,7 +122,7 @@ bool RuleDecider::Ask(const std::shared_ptr<Rule>& rule, const std::string& even
 void RuleDecider::Tell(
     Evidence::Trouble trouble, const Rule& rule, const std::string& eventId, Evidence::Rule& record) const
 {
-    NoteTrouble(trouble.kind, record);
+    NoteTrouble(trouble, record);
     if (GetObserver() != nullptr) { // a code rule calls the host, which may have removed the observer
         trouble.eventId = eventId;
         trouble.ruleName = rule.name;

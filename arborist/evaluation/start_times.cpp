@@ -38,19 +38,21 @@ Evidence::Moment MomentOf(std::int64_t seconds)
     return {seconds, isDate ? local : ""};
 }
 
-std::string RepairIdOf(const Event& event, bool& isUnreadable)
+std::string RepairIdOf(const Event& event, std::string& unreadable)
 {
     if (event.GetUserDefined().empty()) {
         return {};
     }
     Json::Value root;
     std::string error;
-    if (!ParseJson(event.GetUserDefined(), root, error)) {
+    const bool isJson = ParseJson(event.GetUserDefined(), root, error);
+    if (!isJson) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: parse userDefinedJson err. %s ",
             "RuleHelper::GetRepairIdFromCurEvent", error.c_str());
-        isUnreadable = true;
     }
-    isUnreadable = isUnreadable || !IsMemberReadable(root, StartTimes::REPAIR_ID);
+    if (!isJson || !IsMemberReadable(root, StartTimes::REPAIR_ID)) {
+        unreadable = "the repair id in the user-defined text of " + event.GetId();
+    }
     return MemberText(root, StartTimes::REPAIR_ID);
 }
 
@@ -91,7 +93,7 @@ std::int64_t StartTimes::GetDetectStartTime(std::int32_t days, const std::string
     raise(repair.time, Evidence::Floor::REPAIR);
     if (record != nullptr) {
         *record = {MomentOf(start), MomentOf(periodStart), MomentOf(reset), MomentOf(update), MomentOf(repair.time),
-            floor, period, word, std::move(repair.repairId), repair.isUnreadable};
+            floor, period, word, std::move(repair.repairId), std::move(repair.unreadable)};
     }
     return start;
 }
@@ -108,7 +110,7 @@ StartTimes::RepairTime StartTimes::GetRepairTimeByEventId(const std::string& eve
         return latest;
     }
     const auto consider = [this, &latest](const std::string& repairId) {
-        const std::int64_t time = GetRepairTimeFromDb(repairId, latest.isUnreadable);
+        const std::int64_t time = GetRepairTimeFromDb(repairId, latest.unreadable);
         if (time > latest.time) {
             latest.time = time;
             latest.repairId = repairId;
@@ -116,12 +118,12 @@ StartTimes::RepairTime StartTimes::GetRepairTimeByEventId(const std::string& eve
     };
     std::for_each(repairIds.begin(), repairIds.end(), consider);
     if (current != nullptr && current->GetId() == eventId) {
-        consider(RepairIdOf(*current, latest.isUnreadable));
+        consider(RepairIdOf(*current, latest.unreadable));
     }
     return latest;
 }
 
-std::int64_t StartTimes::GetRepairTimeFromDb(const std::string& repairId, bool& isUnreadable) const
+std::int64_t StartTimes::GetRepairTimeFromDb(const std::string& repairId, std::string& unreadable) const
 {
     if (repairId.empty()) {
         return 0;
@@ -129,7 +131,9 @@ std::int64_t StartTimes::GetRepairTimeFromDb(const std::string& repairId, bool& 
     const StatementTrouble kind(Evidence::Trouble::Kind::REPAIRS_UNREADABLE);
     const std::string date = mRepairDates->Query(repairId);
     const std::int64_t time = date.empty() ? 0 : TimeUtil::StrToTimeStamp(date, "%Y-%m-%d %H:%M:%S");
-    isUnreadable = isUnreadable || mRepairDates->HasFailed() || (time == 0 && !date.empty());
+    if (mRepairDates->HasFailed() || (time == 0 && !date.empty())) {
+        unreadable = repairId;
+    }
     if (time > TimeUtil::GetLastMoment()) {
         // The store keeps the latest date alone: when the repair was carried out before is not known any more.
         TroubleWatch::Tell(

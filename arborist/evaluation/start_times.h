@@ -46,12 +46,12 @@ private:
     struct RepairTime {
         std::int64_t time = 0;
         std::string repairId;
-        /// A date or id could not be read, and might be later.
-        bool isUnreadable = false;
+        /// See Evidence::Start.
+        std::string unreadable;
     };
 
     RepairTime GetRepairTimeByEventId(const std::string& eventId, const Event* current) const;
-    std::int64_t GetRepairTimeFromDb(const std::string& repairId, bool& isUnreadable) const;
+    std::int64_t GetRepairTimeFromDb(const std::string& repairId, std::string& unreadable) const;
 
     std::shared_ptr<ResetTimeParser> mResetTimes;
     std::shared_ptr<FaultTreeParser> mFaultTreeParser;

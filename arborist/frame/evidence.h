@@ -49,8 +49,9 @@ struct Start {
     std::string beginFlag;
     /// The repair with the latest date; empty if there is none.
     std::string repairId;
-    /// A repair's date, or the event's repair id, could not be read: the start may be too early.
-    bool isRepairUnreadable = false;
+    /// A repair whose date could not be read, or why the event's own repair id could not: the start may be too early.
+    /// Empty if all could be read.
+    std::string unreadableRepair;
 
     ARBORIST_COMPARABLE(Start)
 };
@@ -289,6 +290,8 @@ struct Rule {
     std::vector<Reason> notes;
     /// What the answer rests on: the worst of reason, notes, windows and statements.
     Check check = Check::NONE;
+    /// The file and the message of the first problem with the event log while the rule ran; empty without one.
+    std::string logProblem;
     std::optional<Filter> filter;
     /// The unknown name in the rule (NO_COMMON_PART, NO_SUCH_DATABASE); the method that is none (NOT_SQL).
     std::optional<std::string> badName;

@@ -43,6 +43,7 @@ std::string NoTree(const std::string& treeFile, const Bundle& bundle)
 
 void ShowPaths(const BundleSession& session, Evidence::Rule& rule)
 {
+    rule.logProblem = session.Shown(rule.logProblem);
     if (auto* const command = std::get_if<Evidence::Command>(&rule.part)) {
         for (Evidence::Statement& statement : command->statements) {
             statement.database = session.Shown(statement.database);

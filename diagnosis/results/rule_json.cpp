@@ -14,6 +14,19 @@ void WriteCount(JsonWriter& json, const char* key, std::uint64_t number)
     json.Key(key).Raw(std::to_string(number));
 }
 
+// What else went wrong on the way; left out where nothing did.
+void WriteNotes(JsonWriter& json, const std::vector<Evidence::Reason>& notes)
+{
+    if (notes.empty()) {
+        return;
+    }
+    json.Key("notes").BeginArray();
+    for (const Evidence::Reason note : notes) {
+        json.Text(Evidence::ReasonText(note));
+    }
+    json.EndArray();
+}
+
 void WriteMoment(JsonWriter& json, const char* key, const Evidence::Moment& moment)
 {
     json.Key(key).BeginObject();
@@ -32,7 +45,11 @@ void WriteStart(JsonWriter& json, const Evidence::Start& start)
     WriteMoment(json, "reset", start.reset);
     WriteMoment(json, "update", start.update);
     WriteMoment(json, "repair", start.repair);
-    json.Text("repairId", start.repairId).EndObject();
+    json.Text("repairId", start.repairId);
+    if (!start.unreadableRepair.empty()) {
+        json.Text("unreadableRepair", start.unreadableRepair);
+    }
+    json.EndObject();
 }
 
 void WriteTest(JsonWriter& json, const Evidence::Test& test)
@@ -55,6 +72,7 @@ void WriteWindow(JsonWriter& json, const Evidence::Window& window)
     WriteNumber(json, "lastId", window.lastId);
     json.Text("window", window.kind).Bool("hit", window.hit);
     json.Text("reason", Evidence::ReasonText(window.reason));
+    WriteNotes(json, window.notes);
     if (window.start) {
         WriteNumber(json, "periodDays", window.periodDays);
         WriteStart(json, *window.start);
@@ -99,7 +117,7 @@ void WriteStatement(JsonWriter& json, const Evidence::Statement& statement)
 {
     json.BeginObject().Text("database", statement.database).Text("sql", statement.sql).Bool("opened", statement.opened);
     WriteCount(json, "rows", statement.rows);
-    json.Text("error", statement.error);
+    json.Text("error", statement.error).Text("reason", Evidence::ReasonText(statement.reason));
     if (statement.interval) {
         json.Key("interval").BeginObject().Text("startKey", statement.interval->startKey);
         json.Text("endKey", statement.interval->endKey);
@@ -201,19 +219,6 @@ private:
     JsonWriter& mJson;
 };
 
-// What else went wrong on the way; left out where nothing did.
-void WriteNotes(JsonWriter& json, const std::vector<Evidence::Reason>& notes)
-{
-    if (notes.empty()) {
-        return;
-    }
-    json.Key("notes").BeginArray();
-    for (const Evidence::Reason note : notes) {
-        json.Text(Evidence::ReasonText(note));
-    }
-    json.EndArray();
-}
-
 } // namespace
 
 void WriteRule(JsonWriter& json, const PlacedRule& placed)
@@ -223,6 +228,9 @@ void WriteRule(JsonWriter& json, const PlacedRule& placed)
     json.Text("verdict", Evidence::VerdictText(rule.verdict)).Text("reason", Evidence::ReasonText(rule.reason));
     json.Text("check", Evidence::CheckText(rule.check));
     WriteNotes(json, rule.notes);
+    if (!rule.logProblem.empty()) {
+        json.Text("logProblem", rule.logProblem);
+    }
     WriteCount(json, "alternative", placed.alternative);
     if (placed.inGroup) {
         WriteCount(json, "place", placed.place);

@@ -84,7 +84,7 @@ struct AppendPart {
             lines.push_back(StartText(*command.start));
         }
         for (const Evidence::Statement& statement : command.statements) {
-            AppendStatement(statement, lines);
+            AppendStatement(statement, reason, lines);
         }
         if (command.hits) {
             lines.push_back(HitsText(*command.hits));
@@ -111,6 +111,7 @@ struct AppendPart {
         }
     }
 
+    Reason reason;
     std::vector<std::string>& lines;
 };
 
@@ -156,7 +157,10 @@ std::vector<std::string> RuleLines(const Evidence::Rule& rule)
     if (rule.badName) {
         lines.push_back(BadNameText(rule));
     }
-    std::visit(AppendPart{lines}, rule.part);
+    std::visit(AppendPart{rule.reason, lines}, rule.part);
+    if (const std::string notes = NotesText(rule.notes, rule.reason); !notes.empty()) {
+        lines.push_back(notes + (rule.logProblem.empty() ? "" : ": " + Cut(rule.logProblem, LONGEST_SQL)));
+    }
     return lines;
 }
 

@@ -84,6 +84,8 @@ std::string MissingCopiesText(const Evidence::MissingCopies& missing)
         return "no file below " + folders + " matches the pattern " + Quoted(missing.pattern);
     case NoCopy::SETTING_EMPTY:
         return "the setting AppDatabaseDir is empty";
+    case NoCopy::NOT_IN_ARCHIVE:
+        return "no file in the archives below " + folders + " matches the pattern " + Quoted(missing.pattern);
     default:
         return "nothing could be copied of what matches below " + folders;
     }
@@ -114,14 +116,17 @@ std::string Deciding(const std::vector<Evidence::Comparison>& comparisons)
     return text + (first->holds ? ": holds" : ": fails");
 }
 
-void AppendStatement(const Evidence::Statement& statement, std::vector<std::string>& lines)
+void AppendStatement(
+    const Evidence::Statement& statement, Evidence::Reason reasonOfRule, std::vector<std::string>& lines)
 {
+    // The text of NONE is empty, too.
+    const std::string reason = statement.reason == reasonOfRule ? "" : Evidence::ReasonText(statement.reason);
     const std::string outcome = !statement.opened    ? "database can't be opened"
         : !statement.error.empty()                   ? "failed: " + Cut(statement.error, LONGEST_SQL)
                                                  : Number(statement.rows, "row", "rows");
     if (!statement.sql.empty()) {
         const std::string file = fs::path(statement.database).filename().string();
-        lines.push_back((file.empty() ? "derived database" : Printable(file)) + ": " + outcome);
+        lines.push_back((file.empty() ? "derived database" : Printable(file)) + ": " + outcome + InParentheses(reason));
         lines.push_back("  " + SqlText(statement.sql));
     }
     if (statement.interval) {

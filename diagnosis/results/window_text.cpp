@@ -87,11 +87,21 @@ std::string StartText(const Evidence::Start& start)
     default:
         text += std::string("last ") + Evidence::FloorText(start.floor);
     }
-    return text + ")";
+    return text + (start.unreadableRepair.empty() ? ")" : "; can't be read: " + Printable(start.unreadableRepair) + ")");
+}
+
+std::string NotesText(const std::vector<Evidence::Reason>& notes, Evidence::Reason reason)
+{
+    std::string text;
+    for (const Evidence::Reason note : notes) {
+        text += note == reason ? "" : (text.empty() ? "also " : ", ") + std::string(Evidence::ReasonText(note));
+    }
+    return text;
 }
 
 std::string WindowText(const Evidence::Window& window)
 {
+    const std::string notes = NotesText(window.notes, window.reason);
     const std::string head = IdsText(window) + (window.kind.empty() ? "" : ", " + window.kind);
     if (!window.start) {
         return head + ": " + Evidence::ReasonText(window.reason);
@@ -100,7 +110,8 @@ std::string WindowText(const Evidence::Window& window)
         + CoverText(window.count) + ": "
         + (window.reason == Reason::WINDOW_SHORT || window.hit
                 ? CountText(window)
-                : std::string(Evidence::ReasonText(window.reason)));
+                : std::string(Evidence::ReasonText(window.reason)))
+        + (notes.empty() ? "" : ", " + notes);
 }
 
 std::string TestText(const Evidence::Test& test)

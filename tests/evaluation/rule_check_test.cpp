@@ -130,6 +130,34 @@ TEST(RuleCheckTest, EachStatementCounts)
     EXPECT_EQ(DetailOfCheck(rule), "no such table: a");
 }
 
+TEST(RuleCheckTest, TheDetailOfALogProblemIsItsFileAndMessage)
+{
+    for (const Reason reason : {Reason::LOG_DAMAGED, Reason::NO_VALUE}) {
+        Evidence::Rule rule = RuleOf(Reason::WINDOW_SHORT, {reason});
+        rule.part = Evidence::Alarm{{WindowOf(0, Reason::WINDOW_SHORT)}};
+        rule.logProblem = "log.db: malformed";
+        rule.check = CheckOfRule(rule);
+        EXPECT_EQ(DetailOfCheck(rule), "log.db: malformed") << Evidence::ReasonText(reason);
+    }
+}
+
+TEST(RuleCheckTest, TheDetailOfARepairThatCanNotBeReadIsTheRepair)
+{
+    Evidence::Rule alarm;
+    Evidence::Window window = WindowOf(0, Reason::WINDOW_REACHED, {Reason::REPAIR_UNREADABLE});
+    window.start.emplace().unreadableRepair = "it's";
+    alarm.part = Evidence::Alarm{{WindowOf(0, Reason::WINDOW_SHORT), window}};
+    alarm.verdict = Verdict::FIRED;
+    alarm.check = CheckOfRule(alarm);
+    EXPECT_EQ(DetailOfCheck(alarm), "it's");
+    Evidence::Rule command = RuleOf(Reason::CONDITION_MET, {Reason::REPAIR_UNREADABLE});
+    Evidence::Command part;
+    part.start.emplace().unreadableRepair = "R";
+    command.part = part;
+    command.check = CheckOfRule(command);
+    EXPECT_EQ(DetailOfCheck(command), "R");
+}
+
 struct GroupCase {
     const char* name;
     /// Check and whether it fired, of each rule that was asked.

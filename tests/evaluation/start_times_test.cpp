@@ -138,11 +138,11 @@ TEST_F(StartTimesTest, RepairThatIsRecordedWithoutADateIsUnreadable)
     for (const char* const date : {"null", "''", "'yesterday'"}) {
         EventLogBuilder::Run(path, std::string("update repair_data set repair_date = ") + date);
         EXPECT_EQ(Start(7, "4", "E"), NOW - 7 * DAY);
-        EXPECT_TRUE(mRecord.isRepairUnreadable) << date;
+        EXPECT_EQ(mRecord.unreadableRepair, "R1") << date;
     }
     EventLogBuilder::Run(path, "delete from repair_data");
     Start(7, "4", "E");
-    EXPECT_FALSE(mRecord.isRepairUnreadable) << "not recorded";
+    EXPECT_EQ(mRecord.unreadableRepair, "") << "not recorded";
 }
 
 TEST_F(StartTimesTest, TroubleWithRepairsNamesTheirDatabase)
@@ -184,7 +184,7 @@ TEST_P(StartTimesTest, CurrentEventMayNameARepair)
     mCurrent = event;
     mLog.Clear();
     EXPECT_EQ(Start(7, "4", "E"), GetParam().findsRepair ? NOW - DAY : NOW - 5 * DAY);
-    EXPECT_EQ(mRecord.isRepairUnreadable, GetParam().isUnreadable);
+    EXPECT_EQ(mRecord.unreadableRepair, GetParam().isUnreadable ? "the repair id in the user-defined text of E" : "");
     const auto errors = mLog.Lines(FT::LEVEL_ERROR);
     EXPECT_EQ(errors.size(), GetParam().errors);
     EXPECT_THAT(errors, testing::Each(StartsWith("FUNc:RuleHelper::GetRepairIdFromCurEvent: parse userDefinedJson err. ")));

@@ -87,7 +87,9 @@ INSTANTIATE_TEST_SUITE_P(Table, RuleTextMissing, testing::Values(
     MissingCase{"FolderEmpty", {NoCopy::FOLDER_EMPTY, {"/a"}, "x"}, "no file lies below /a"},
     MissingCase{"NoMatch", {NoCopy::NO_MATCH, {"/a"}, ""}, "no file below /a matches the pattern \"\""},
     MissingCase{"SettingEmpty", {NoCopy::SETTING_EMPTY, {"/a"}, "x"}, "the setting AppDatabaseDir is empty"},
-    MissingCase{"NotCopied", {NoCopy::NOT_COPIED, {"/a"}, "x"}, "nothing could be copied of what matches below /a"}),
+    MissingCase{"NotCopied", {NoCopy::NOT_COPIED, {"/a"}, "x"}, "nothing could be copied of what matches below /a"},
+    MissingCase{"NotInArchive", {NoCopy::NOT_IN_ARCHIVE, {"/a"}, "x"},
+        "no file in the archives below /a matches the pattern \"x\""}),
     CaseName());
 
 TEST(RuleTextTest, MissingHitsAreCounted)

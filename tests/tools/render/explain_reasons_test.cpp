@@ -288,7 +288,10 @@ std::vector<ReasonCase> AlarmCases()
             [](RuleXml& rules) {
                 rules.Rule(AlarmRuleXml("r", {AlarmItem({TimeXml("latest", "1", "1")})})).Repair("E", {{"it's", ""}});
             },
-            "", {"FAULT, 1 root cause, 1 of 1 check open (1 no_data)"}, "", WriteLog},
+            "", {"FAULT, 1 root cause, 1 of 1 check open (1 no_data)",
+                "open: E, rule r: no_data, repair_unreadable (it's), taken as TRUE",
+                "(period of 1 day; can't be read: it's), of which the log covers", "also repair_unreadable"},
+            "", WriteLog},
         {"no_condition", Alarm({AlarmItem({TimeXml("latest", "1", "3")}).Attr("type", "param_eventid")}), "FALSE",
             {"FALSE no_condition", "ids 7-8, latest since"}, "", WriteLog},
     };
