@@ -177,6 +177,7 @@ INSTANTIATE_TEST_SUITE_P(CommandRules, MistakeTest, testing::Values(
 
 INSTANTIATE_TEST_SUITE_P(Bundles, MistakeTest, testing::Values(
     Mistake{"NoVersionName", BUNDLE, "", "\"VersionName\": \"4.1\"", "\"VersionName\": \"\""},
+    Mistake{"VersionNameThatTheLogLacks", BUNDLE, "", "\"VersionName\": \"4.1\"", "\"VersionName\": \"14.1\""},
     Mistake{"DeviceRootThatIsTheMachine", BUNDLE, "", "\"DeviceRootDir\": \"device\"", "\"DeviceRootDir\": \"/\""},
     Mistake{"EmptyDeviceRoot", BUNDLE, "", "\"DeviceRootDir\": \"device\"", "\"DeviceRootDir\": \"\""},
     Mistake{"EmptyDataRoot", BUNDLE, "", "\"ProgramDataDir\": \"programdata\"", "\"ProgramDataDir\": \"\""},
