@@ -33,7 +33,8 @@ section { padding: 1rem 1.2rem; margin: 0 0 1.2rem; }
 dt { color: var(--quiet); }
 .facts dt { white-space: nowrap; }
 dd { margin: 0; }
-.badge { font-size: .85rem; font-weight: 600; padding: .1rem .6rem; border-radius: 1rem; border: 1px solid; }
+.badge { display: inline-block; font-size: .85rem; font-weight: 600; padding: .1rem .6rem; border: 1px solid;
+  border-radius: 1rem; }
 .badge.fault { color: var(--fault); background: var(--fault-ground); }
 .badge.undecided { color: var(--unknown); background: var(--unknown-ground); }
 .badge.sound { color: var(--sound); background: var(--sound-ground); }
@@ -99,7 +100,7 @@ footer { font-size: .85rem; color: var(--quiet); }
   body { background: #fff; font-size: 11pt; }
   section { border: 0; padding: 0; }
   .card, .index li, .picture { break-inside: avoid; }
-  h2, h3, h4, summary { break-after: avoid; }
+  h2, h3, h4, summary, section > p { break-after: avoid; }
   .causes { display: block; }
   .card { margin-bottom: .8rem; }
   .scroll { overflow: visible; max-height: none; }
