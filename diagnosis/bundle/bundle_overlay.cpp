@@ -41,12 +41,11 @@ std::optional<Failure> LayEventLog(const fs::path& data, const fs::path& overlay
 {
     const fs::path log = data / EVENT_LOG;
     std::error_code error;
-    if (!fs::exists(log, error)) {
-        return std::nullopt;
-    }
-    if (IsTouchedByReading(log.string())) {
+    // Without an event log its folder is made all the same, as on a device that has not logged anything yet.
+    if (!fs::exists(log, error) || IsTouchedByReading(log.string())) {
         return Copy(log, overlay / EVENT_LOG);
     }
+    fs::remove_all(overlay / EVENT_LOG_FOLDER, error); // what a bundle without a log left in a scratch folder
     return Link(data / EVENT_LOG_FOLDER, overlay / EVENT_LOG_FOLDER);
 }
 
@@ -55,9 +54,10 @@ std::optional<Failure> LayEventLog(const fs::path& data, const fs::path& overlay
 std::vector<std::string> FoldersOfOverlay()
 {
     std::vector<std::string> folders = {COPIES};
-    for (std::string folder = fs::path(REPAIR_RECORDS).parent_path(); !folder.empty();
-         folder = fs::path(folder).parent_path()) {
-        folders.insert(folders.begin() + 1, folder);
+    for (const char* file : {REPAIR_RECORDS, EVENT_LOG}) {
+        for (fs::path folder = fs::path(file).parent_path(); !folder.empty(); folder = folder.parent_path()) {
+            folders.push_back(folder.string());
+        }
     }
     return folders;
 }

@@ -11,7 +11,7 @@ using testing::ElementsAre;
 TEST(EvidenceLinesTest, TellWhatAnAlarmRuleCounted)
 {
     const Evidence::Start start{
-        {100, ""}, {90, ""}, {100, ""}, {}, {}, Evidence::Floor::RESET, 30, "1", ""};
+        {100, ""}, {90, ""}, {100, ""}, {}, {}, Evidence::Floor::RESET, 30, "1", "", ""};
     Evidence::Rule rule;
     rule.part = Evidence::Alarm{{{0, 10, 20, "latest", 7, 5, start, true, {6, 1, 2, 3, 11, Evidence::Measure::WEIGHTS},
         false, Reason::WINDOW_SHORT, {}, {{"DROP", "int", "ge", "5", 6, 4}}}}};
