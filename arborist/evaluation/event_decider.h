@@ -26,7 +26,6 @@ public:
     bool IsFaultHappenedForEvent(const Event& event, const std::shared_ptr<EventRule>& eventRule);
 
     RuleDecider& GetRules() { return mRules; }
-    const RuleDecider& GetRules() const { return mRules; }
     /// The checks of the events of a tree; complete only with an observer.
     TreeChecks& GetTreeChecks() { return mTreeChecks; }
     const TreeChecks& GetTreeChecks() const { return mTreeChecks; }

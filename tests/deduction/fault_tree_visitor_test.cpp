@@ -168,4 +168,35 @@ TEST_F(FaultTreeVisitorTest, AnObserverOfAnEmptyTreeSeesNothing)
     EXPECT_THAT(observer.mLines, IsEmpty());
 }
 
+/// Keeps what an observer is told of a folded tree.
+class FoldKeeper : public DetectionObserver {
+public:
+    void OnTreeFolded(std::vector<Evidence::FoldedEvent> events) override { folded = std::move(events); }
+    std::vector<Evidence::FoldedEvent> folded;
+};
+
+TEST_F(FaultTreeVisitorTest, FoldingANullTreeChangesNothing)
+{
+    Deduce(Or({Leaf("A", TRUE)}));
+    mVisitor.FoldStatuses(nullptr, {});
+    EXPECT_THAT(NodeIds(), ElementsAre("A"));
+}
+
+TEST_F(FaultTreeVisitorTest, AnObserverSeesEveryKindAndStatus)
+{
+    FoldKeeper keeper;
+    mVisitor.SetObserver(&keeper);
+    auto plain = std::make_shared<Event>();
+    plain->SetId("P");
+    mVisitor.FoldStatuses(TreeOf(Inner("T", Or({Leaf("A", EventStatus::INTERMEDIATE_TRUE), Undeveloped("U"), plain}))), {});
+    mVisitor.SetObserver(nullptr);
+    ASSERT_EQ(keeper.folded.size(), 4U);
+    EXPECT_EQ(keeper.folded[1].status, Evidence::EventState::INTERMEDIATE_PRESENT);
+    EXPECT_TRUE(keeper.folded[1].IsInError());
+    EXPECT_TRUE(keeper.folded[1].IsLeaf());
+    EXPECT_FALSE(keeper.folded[0].IsLeaf());
+    EXPECT_EQ(keeper.folded[2].type, Evidence::EventType::UNDEVELOPED);
+    EXPECT_EQ(keeper.folded[3].type, Evidence::EventType::BASIC) << "an event of no kind";
+}
+
 } // namespace

@@ -205,4 +205,10 @@ TEST(JudgeTreeTest, ATwentyfoldProductIsJudgedWithoutExpandingIt)
     EXPECT_TRUE(verdict.arePossibleCausesTruncated);
 }
 
+TEST(JudgeTreeTest, WhatHasNoCheckIsNoOpenOne)
+{
+    EXPECT_EQ(TextOf(Judge(OrOf({Healthy(), Healthy()}), {NONE, OPEN})), "undecided, incomplete");
+    EXPECT_EQ(TextOf(Judge(OrOf({Healthy(), Healthy()}), {NONE, SURE})), TextOf(Judge(OrOf({Healthy()}), {NONE, SURE})));
+}
+
 } // namespace

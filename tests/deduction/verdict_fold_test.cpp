@@ -70,4 +70,18 @@ TEST(VerdictFoldTest, APathThatLeadsToAnotherEventHasItsStatus)
     EXPECT_TRUE(VerdictFold(tree, {false, true, false}).AddsCutSet());
 }
 
+TEST(VerdictFoldTest, AnIntermediateEventWithoutAGateIsALeafWhileItsCheckIsOpen)
+{
+    const std::shared_ptr<Event> top = Inner("T", Or({Inner("G", nullptr), Leaf("A")}));
+    const FlatTree tree(top);
+    const VerdictFold closed(tree, {false, false, false});
+    EXPECT_FALSE(closed.IsLeaf(1));
+    EXPECT_FALSE(closed.HasCutSet());
+    const VerdictFold open(tree, {false, true, false});
+    EXPECT_TRUE(open.IsLeaf(1));
+    EXPECT_TRUE(open.AddsCutSet());
+    EXPECT_TRUE(open.IsOr(0));
+    EXPECT_FALSE(open.IsOr(1)) << "it has no gate";
+}
+
 } // namespace

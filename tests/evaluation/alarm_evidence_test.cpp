@@ -189,6 +189,16 @@ void PrintTo(const LaterCase& later, std::ostream* out) { *out << later.name; }
 
 class RowsLaterThanNow : public AlarmEvidence, public testing::WithParamInterface<LaterCase> {};
 
+TEST_P(RowsLaterThanNow, AreToldWhereNoOtherRowIsThere)
+{
+    const std::int32_t id = std::stoi(GetParam().id);
+    Log({{NOW + 1, id, "1", R"({"a":1,"COUNT":1})"}});
+    Ids none(GetParam().id, GetParam().id);
+    GetParam().window(none, 0);
+    EXPECT_THAT(WindowOf(none, true).notes, ElementsAre(Evidence::Reason::ROWS_AFTER_NOW))
+        << "no threshold is reached without any row";
+}
+
 TEST_P(RowsLaterThanNow, AreToldWhereTheThresholdWasReachedWithThemAlone)
 {
     const std::int32_t id = std::stoi(GetParam().id);

@@ -57,4 +57,20 @@ TEST(AlarmQuestionsTest, EachConditionAsksItsTests)
     EXPECT_EQ(tests[2]->GetKey(), "") << "no parameter has this id";
 }
 
+TEST(AlarmQuestionsTest, WhatIsMissingAsksNothing)
+{
+    const NoChecker checker;
+    const AlarmQuestions questions(checker);
+    const Ids ids = Ids("7", "7").WithParam("p", "a", "int").Condition(nullptr).Single("p", "eq", "1");
+    EXPECT_EQ(questions.TestsOf(*ids.Item()).size(), 1U);
+    ids.Item()->params["p"] = nullptr;
+    ASSERT_EQ(questions.TestsOf(*ids.Item()).size(), 1U);
+    EXPECT_EQ(questions.TestsOf(*ids.Item()).front()->GetKey(), "") << "the parameter is null";
+    ids.Item()->params.clear();
+    EXPECT_THAT(questions.TestsOf(*ids.Item()), testing::IsEmpty()) << "an item without parameters has no tests";
+    const Ids nullTest = Ids("7", "7").WithParam("p", "a", "int").Multiple({});
+    nullTest.Item()->conditionList.front()->SetLogicItemList({nullptr});
+    EXPECT_THAT(questions.TestsOf(*nullTest.Item()), testing::IsEmpty());
+}
+
 } // namespace

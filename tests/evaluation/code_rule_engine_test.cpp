@@ -256,4 +256,17 @@ TEST_F(CodeRuleEngineTest, AnotherParseIsSeenAtOnce)
     EXPECT_THAT(engine.GetCodeRuleInfoByType(RuleHelper::FAULT, "C"), ElementsAre("F3"));
 }
 
+TEST_F(CodeRuleEngineTest, WhatTheRunnerSaysOfItsAnswerIsTheReason)
+{
+    using Outcome = CodeRuleRunner::Outcome;
+    LoadUsual();
+    for (const auto& [outcome, reason] : {std::pair(Outcome::ANSWERED, Reason::RUNNER_ANSWERED),
+             std::pair(Outcome::NOBODY_THERE, Reason::NO_RUNNER), std::pair(Outcome::BROKEN_OFF, Reason::RUNNER_FAILED)}) {
+        mRunner->outcome = outcome;
+        CodeRuleEngine engine(mStore, mParser, mInfo);
+        engine.IsFaultHappened(mParser->GetRuleByRuleName("r"), "A");
+        EXPECT_EQ(engine.GetReason(), reason);
+    }
+}
+
 } // namespace

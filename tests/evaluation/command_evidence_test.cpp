@@ -174,4 +174,16 @@ TEST_F(CommandEvidenceTest, AnEmptyThresholdIsAReasonOfItsOwn)
     EXPECT_EQ(mReason, Reason::NO_THRESHOLD);
 }
 
+TEST_F(CommandEvidenceTest, WithoutAReasonForNoCopyNoneIsNoted)
+{
+    mEngine.SetRecord(&mRecord);
+    Refer("countDB", "2", {});
+    Fires();
+    EXPECT_THAT(EvidenceLines(mRecord, "missing"), IsEmpty());
+    mTable->SetDbPathList({nullptr});
+    mTable->SetNoCopy(Evidence::NoCopy::FOLDER_MISSING, "");
+    Fires();
+    EXPECT_THAT(EvidenceLines(mRecord, "missing"), ElementsAre("missing folder_missing ''"));
+}
+
 } // namespace

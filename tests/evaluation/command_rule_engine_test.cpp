@@ -264,4 +264,43 @@ TEST_F(CommandRuleEngineTest, StatementThatWritesLeavesTheEventLogAlone)
     EXPECT_EQ(mDir.Read("root/Comms/Lumbra/workDir/0/log.db"), before);
 }
 
+TEST_F(CommandRuleEngineTest, WhatIsNullInARuleIsPassedOver)
+{
+    mRule->params["gone"] = nullptr;
+    EXPECT_TRUE(Fires({nullptr, Single("eq", "n", "5")}));
+    EXPECT_FALSE(Fires({nullptr}));
+    EXPECT_EQ(mReason, Reason::NO_CONDITION);
+    Item().type = "normalization";
+    Item().timeParamList = {"s", "gone", "n"};
+    Item().sql = "select 1, n, occurrence_time, occurrence_time from Jank";
+    EXPECT_TRUE(Fires({Single("eq", "n", "150")}));
+}
+
+TEST_F(CommandRuleEngineTest, SeveralTestsBehindANullOneFail)
+{
+    const auto tests = Multiple({{"eq", "n", "5"}});
+    tests->SetLogicItemList({nullptr, tests->GetLogicItemList().front()});
+    mEngine.SetRecord(&mRecord);
+    EXPECT_FALSE(Fires({tests}));
+    EXPECT_THAT(mRecord.notes, ElementsAre(Reason::NO_CONDITION));
+    EXPECT_FALSE(Fires({Multiple({})}));
+}
+
+TEST_F(CommandRuleEngineTest, SeveralTestsOfAnEmptyValueFail)
+{
+    EventLogBuilder::Run(mDerived, "update Jank set s = '' where n = 5");
+    EXPECT_FALSE(Fires({Multiple({{"ne", "s", "x"}})}));
+    EXPECT_EQ(mReason, Reason::NO_VALUE);
+    mRule->params.clear();
+    EXPECT_FALSE(Fires({Multiple({{"ne", "s", "x"}})}));
+}
+
+TEST_F(CommandRuleEngineTest, WithoutAHelperNoRowIsTooOld)
+{
+    CommandRuleEngine engine(PartOf({mBean}, {mTable}), nullptr);
+    Conditions({Single("eq", "s", "old")});
+    Item().sql = "select n, s from Jank where n = 7";
+    EXPECT_TRUE(engine.IsFaultHappened(mRule, "event"));
+}
+
 } // namespace

@@ -480,4 +480,65 @@ TEST_F(NodeRuleEngineTest, AnswersAndLogAreTheSameWithAndWithoutARecord)
     EXPECT_FALSE(lines.empty());
 }
 
+TEST_F(NodeRuleEngineTest, NullParametersArePassedOver)
+{
+    NodeFile("mode", "on");
+    mRule->InsertParamMap({{"0", nullptr}});
+    AddParam("1", "mode", "string");
+    Conditions({SingleTest("eq", "on")});
+    EXPECT_TRUE(Ask());
+    Conditions({SingleTest("eq", "off")});
+    EXPECT_FALSE(Ask());
+}
+
+TEST_F(NodeRuleEngineTest, EveryFileIsReadAlsoBehindOneThatCanNotBe)
+{
+    Evidence::Rule record;
+    mEngine.SetRecord(&record);
+    Node("gone", "gone");
+    Node("none", "none");
+    NodeFile("mode", "on");
+    AddParam("1", "gone", "string");
+    AddParam("2", "none", "string");
+    AddParam("3", "mode", "string");
+    Conditions({SingleTest("eq", "off")});
+    EXPECT_FALSE(Ask());
+    EXPECT_EQ(mEngine.GetReason(), Reason::NODE_UNREADABLE);
+    Conditions({SingleTest("eq", "on")});
+    EXPECT_TRUE(Ask());
+    mEngine.SetRecord(nullptr);
+}
+
+TEST_F(NodeRuleEngineTest, WithoutAParameterOfAnyTypeASingleConditionComparesNothing)
+{
+    Evidence::Rule record;
+    mEngine.SetRecord(&record);
+    NodeFile("mode", "on");
+    AddParam("1", "mode", "");
+    Conditions({SingleTest("eq", "on")});
+    EXPECT_FALSE(Ask());
+    EXPECT_THAT(record.notes, ElementsAre(Reason::UNKNOWN_NAME));
+    record.notes.clear();
+    Conditions({MultipleTest({Item("1", "eq", "on")})});
+    EXPECT_FALSE(Ask());
+    EXPECT_THAT(record.notes, ElementsAre(Reason::UNKNOWN_NAME)) << "of an item, too";
+    mEngine.SetRecord(nullptr);
+}
+
+TEST_F(NodeRuleEngineTest, ValuesThatAreNoNumbersAreNotedOnce)
+{
+    Evidence::Rule record;
+    mEngine.SetRecord(&record);
+    NodeFile("a", "x");
+    NodeFile("b", "y");
+    AddParam("1", "a", "");
+    AddParam("2", "b", "");
+    AddParam("3", "r", "double");
+    Express("a + b", "r");
+    Conditions({SingleTest("eq", "0")});
+    EXPECT_TRUE(Ask());
+    EXPECT_THAT(record.notes, ElementsAre(Reason::BAD_NUMBER));
+    mEngine.SetRecord(nullptr);
+}
+
 } // namespace

@@ -158,6 +158,81 @@ TEST(RuleCheckTest, TheDetailOfARepairThatCanNotBeReadIsTheRepair)
     EXPECT_EQ(DetailOfCheck(command), "R");
 }
 
+TEST(RuleCheckTest, TheNameThatLeadsNowhereIsTheDetail)
+{
+    Evidence::Rule rule = RuleOf(Reason::NO_SUCH_DATABASE);
+    rule.part = Evidence::Command{};
+    rule.badName = "Copies";
+    rule.check = CheckOfRule(rule);
+    EXPECT_EQ(DetailOfCheck(rule), "Copies");
+}
+
+TEST(RuleCheckTest, TheDetailOfANodeThatCanNotBeReadIsItsPath)
+{
+    Evidence::Rule rule = RuleOf(Reason::NODE_UNREADABLE);
+    Evidence::Node node;
+    node.files = {{"a", "/sys/a", true, "1"}, {"b", "/sys/b", false, ""}};
+    rule.part = node;
+    rule.check = CheckOfRule(rule);
+    EXPECT_EQ(DetailOfCheck(rule), "/sys/b");
+    node.files.pop_back();
+    rule.part = node;
+    EXPECT_EQ(DetailOfCheck(rule), "") << "no file is unreadable";
+}
+
+TEST(RuleCheckTest, TheDetailOfAStatementIsItsDatabaseUnlessItFailed)
+{
+    Evidence::Rule rule = RuleOf(Reason::ROW_COUNT);
+    Evidence::Command command;
+    command.statements.resize(2);
+    command.statements[0].reason = Reason::CONDITION_MET;
+    command.statements[0].database = "one.db";
+    command.statements[1].reason = Reason::ROW_COUNT;
+    command.statements[1].database = "two.db";
+    rule.part = command;
+    rule.check = CheckOfRule(rule);
+    EXPECT_EQ(DetailOfCheck(rule), "two.db");
+    command.statements.clear();
+    rule.part = command;
+    EXPECT_EQ(DetailOfCheck(rule), "") << "no statement has the reason";
+}
+
+TEST(RuleCheckTest, AStatementThatFailedWithoutAMessageIsToldByItsDatabase)
+{
+    Evidence::Rule rule = RuleOf(Reason::STATEMENT_FAILED);
+    Evidence::Command command;
+    command.statements.resize(1);
+    command.statements[0].reason = Reason::STATEMENT_FAILED;
+    command.statements[0].database = "one.db";
+    rule.part = command;
+    rule.check = CheckOfRule(rule);
+    EXPECT_EQ(DetailOfCheck(rule), "one.db");
+}
+
+TEST(RuleCheckTest, WithoutTheStartOrWindowThatTellsItADetailIsEmpty)
+{
+    Evidence::Rule command = RuleOf(Reason::CONDITION_MET, {Reason::REPAIR_UNREADABLE});
+    command.part = Evidence::Command{};
+    command.check = CheckOfRule(command);
+    EXPECT_EQ(DetailOfCheck(command), "");
+    Evidence::Rule alarm;
+    Evidence::Window window = WindowOf(0, Reason::WINDOW_REACHED, {Reason::REPAIR_UNREADABLE});
+    window.start.emplace();
+    alarm.part = Evidence::Alarm{{window}};
+    alarm.verdict = Verdict::FIRED;
+    alarm.check = CheckOfRule(alarm);
+    EXPECT_EQ(DetailOfCheck(alarm), "");
+}
+
+TEST(RuleCheckTest, AnAlarmRuleWithoutWindowsHasAReasonOfItsOwn)
+{
+    Evidence::Rule rule = RuleOf(Reason::NO_ITEMS);
+    rule.part = Evidence::Alarm{};
+    rule.check = CheckOfRule(rule);
+    EXPECT_EQ(rule.check, Evidence::CheckOf(Reason::NO_ITEMS));
+    EXPECT_EQ(ReasonOfCheck(rule), Reason::NO_ITEMS);
+}
+
 struct GroupCase {
     const char* name;
     /// Check and whether it fired, of each rule that was asked.

@@ -125,4 +125,18 @@ TEST_F(RuleCheckerTest, RemembersWhatDecidedTheLastAnswer)
     EXPECT_EQ(mChecker.GetReason(), Evidence::Reason::NO_NODES);
 }
 
+TEST_F(RuleCheckerTest, AWordThatTheRuleSetDoesNotKnowIsNoted)
+{
+    struct Case { const char* logic; const char* type; std::vector<Evidence::Reason> notes; };
+    const Case cases[] = {{"eq", "int", {}}, {"eq", "", {}}, {"is", "int", {Evidence::Reason::UNKNOWN_NAME}},
+        {"eq", "number", {Evidence::Reason::UNKNOWN_NAME}}};
+    for (const auto& [logic, type, notes] : cases) {
+        Evidence::Rule record;
+        mChecker.SetRecord(&record);
+        mChecker.CompareParam({"k", type, "p", ""}, logic, "1", "1");
+        EXPECT_EQ(record.notes, notes) << logic << " of " << type;
+    }
+    mChecker.SetRecord(nullptr);
+}
+
 } // namespace

@@ -99,4 +99,33 @@ TEST(EvidenceTest, RecordsAreEqualIfNothingInThemDiffers)
     EXPECT_NE(event, other);
 }
 
+TEST(EvidenceTest, AnEventRestsOnADefaultIfItIsInErrorWithAnOpenCheck)
+{
+    using Evidence::Check;
+    using Evidence::EventState;
+    Evidence::FoldedEvent event;
+    event.status = EventState::PRESENT;
+    event.check = Check::DATA_MISSING;
+    EXPECT_TRUE(event.RestsOnDefault());
+    event.check = Check::DECIDED;
+    EXPECT_FALSE(event.RestsOnDefault());
+    event.check = Check::DATA_MISSING;
+    event.status = EventState::ABSENT;
+    EXPECT_FALSE(event.RestsOnDefault());
+    event.status = EventState::INTERMEDIATE_PRESENT;
+    EXPECT_TRUE(event.RestsOnDefault());
+}
+
+TEST(EvidenceTest, VerdictsAreEqualIfTheirChecksAndCausesAre)
+{
+    Evidence::TreeVerdict first;
+    Evidence::TreeVerdict second;
+    first.open = second.open = {{"A", "r", Evidence::Check::DATA_MISSING, Reason::NO_VALUE, {}, false}};
+    first.possibleCauses = second.possibleCauses = {{}};
+    EXPECT_EQ(first.open, second.open);
+    EXPECT_EQ(first.possibleCauses, second.possibleCauses);
+    second.open.front().restsOnDefault = true;
+    EXPECT_NE(first.open, second.open);
+}
+
 } // namespace

@@ -111,4 +111,19 @@ TEST(LogTest, LoggerThatLogsItselfKeepsItsFormat)
     EXPECT_EQ(formats, expected);
 }
 
+TEST(LogTest, NoFormatIsNoLine)
+{
+    testing::internal::CaptureStdout();
+    FT::Log::GetInstance().Output(FT::LEVEL_INFO, nullptr);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+}
+
+TEST(DefaultLoggerTest, WhatCanNotBeFormattedIsAnEmptyLine)
+{
+    testing::internal::CaptureStdout();
+    // No letter outside of ASCII has a form in the locale of a program that sets none.
+    FT::Log::GetInstance().Output(FT::LEVEL_INFO, "%ls", L"\x4e2d");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "[[INFO] ]:\n");
+}
+
 } // namespace

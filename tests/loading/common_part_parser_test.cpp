@@ -203,7 +203,7 @@ TEST_F(CommonPartParserTest, EventDataHasIdsTypeAndTheParametersOfAllItsBlocks)
 TEST_F(CommonPartParserTest, DbPathNeedsAllThreeAttributesAndOnlyTrueUnpacks)
 {
     const auto& table = Table("<dbPaths><dbPath decompression='true' type='a' value='/one'><decompressionType>"
-                              "<type>zip</type><type/><type>gz</type></decompressionType></dbPath>"
+                              "<type>zip</type><type/><type><![CDATA[]]></type><type>gz</type></decompressionType></dbPath>"
                               "<dbPath decompression='True' type='b' value='/two'><decompressionType><type/></decompressionType>"
                               "</dbPath><dbPath decompression='true' value='/three'/><dbPath type='c' value='/four'/>"
                               "<dbPath decompression='true' type='d'/><dbPath decompression='' type='' value=''/></dbPaths>");

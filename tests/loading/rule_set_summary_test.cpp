@@ -55,6 +55,15 @@ TEST_F(RuleSetSummaryTest, FilesAndFoldersAreThoseOfTheTagEachOnceInFileOrder)
     EXPECT_THAT(Summary("Other").nodeFiles, IsEmpty());
 }
 
+TEST_F(RuleSetSummaryTest, WhatHasNoPathOrAnEmptyOneNamesNothing)
+{
+    const auto summary = SummaryOf(RuleXml("Tag")
+        .Rule(NodeRuleXml("r", {Xml("nodeInfo").Attr("param", "T"), NodeInfoXml("T", "")}))
+        .CommonPart({Xml("defDBTable").Child(Xml("dbPaths").Child(Xml("dbPath"))), FolderXml("")}));
+    EXPECT_THAT(summary.nodeFiles, IsEmpty());
+    EXPECT_THAT(summary.searchedFolders, IsEmpty());
+}
+
 TEST_F(RuleSetSummaryTest, CodesAreThoseOfReplacedRulesToo)
 {
     const auto summary = SummaryOf(RuleXml("Tag").Rule(CodeRuleXml("r", "850")).Rule(CodeRuleXml("r", "12"))

@@ -236,4 +236,22 @@ TEST(LumbraDataItemTest, BoundsAreNumbersAndZeroForAnyOtherText)
     EXPECT_THAT(log.Lines(), ElementsAre("FUNc:StringUtil::StollS: stoll exception: invalid stoll argument"));
 }
 
+TEST_F(CommonPartTest, NullParametersAndConditionsNeverHold)
+{
+    ParamMap params = mBean->GetSystemParamMap();
+    params["6"] = nullptr;
+    mBean->SetSystemParaMap(params);
+    SetItems({ItemOf({nullptr}, {{"T1", "7"}}), ItemOf({Condition("eq", "1", "i7")}, {{"T2", "8"}})});
+    SetThreshold();
+    EXPECT_EQ(System("4"), "5000") << "the others are set";
+    EXPECT_EQ(System("6"), "");
+    EXPECT_EQ(Threshold("T1"), "");
+    EXPECT_EQ(Threshold("T2"), "8");
+}
+
+TEST(CommonPartWithoutBlock, HasNoTableThatLacksRows)
+{
+    EXPECT_TRUE(CommonPart().AreTablesWhole("Jank", "select n from Jank"));
+}
+
 } // namespace

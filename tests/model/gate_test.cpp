@@ -135,4 +135,12 @@ TEST(GateTest, EventsThatOthersHoldOutliveTheirGate)
     EXPECT_THAT(sharedGate->GetEvents(), ElementsAre(leaf));
 }
 
+TEST(GateTest, AGateThatIsUsedElsewhereOutlivesTheTreesItWasIn)
+{
+    const auto shared = Or({Leaf("A"), Leaf("B")});
+    Or({Inner("G", shared), Inner("H", Or({Leaf("C")}))}).reset();
+    EXPECT_EQ(shared->GetEvents().size(), 2U);
+    EXPECT_EQ(shared.use_count(), 1);
+}
+
 } // namespace

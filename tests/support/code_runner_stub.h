@@ -10,6 +10,7 @@
 /// A host that gives the same answer to every code rule and records its arguments, "faults|suggestions|repairs|info".
 struct CodeRunnerStub : CodeRuleRunner {
     bool answer = false;
+    Outcome outcome = Outcome::ANSWERED;
     std::vector<std::string> calls;
     /// Called during each run, if set.
     std::function<void()> onCall;
@@ -24,6 +25,8 @@ struct CodeRunnerStub : CodeRuleRunner {
         }
         return answer;
     }
+
+    Outcome GetOutcome() const override { return outcome; }
 
 private:
     static std::string Joined(const std::vector<std::string>& ids)
