@@ -5,6 +5,11 @@ if(ARBORIST_SANITIZE)
     target_link_options(arborist_sanitizers INTERFACE -fsanitize=${ARBORIST_SANITIZE})
 endif()
 if(ARBORIST_COVERAGE)
-    target_compile_options(arborist_sanitizers INTERFACE --coverage)
-    target_link_options(arborist_sanitizers INTERFACE --coverage)
+    if(NOT CMAKE_CXX_COMPILER_ID STREQUAL Clang)
+        message(FATAL_ERROR "ARBORIST_COVERAGE needs clang++")
+    endif()
+    # Relocated counters can lie in the profile's file itself: a process that is killed or ends by _exit has counted, too.
+    target_compile_options(arborist_sanitizers INTERFACE -fprofile-instr-generate -fcoverage-mapping
+        "SHELL:-mllvm -runtime-counter-relocation")
+    target_link_options(arborist_sanitizers INTERFACE -fprofile-instr-generate)
 endif()
