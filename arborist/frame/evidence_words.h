@@ -105,9 +105,13 @@ enum class NoCopy {
     NOT_IN_ARCHIVE, ///< only archives match, and they contain no file that matches
 };
 
+/// The kind of an event of a tree.
 enum class EventType { BASIC, INTERMEDIATE, UNDEVELOPED };
+/// The gate below an event; NONE for a leaf.
 enum class GateType { NONE, OR, AND };
+/// The file with the trees or the file with the rules.
 enum class RuleSetFileType { TREES, RULES };
+/// The result of reading a file.
 enum class RuleSetFileState { LOADED, MISSING, MALFORMED };
 
 /// "filtered_scene"; empty for NONE and for a number that is no reason.

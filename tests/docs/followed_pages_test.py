@@ -1,6 +1,6 @@
-"""Does what docs/rule-authors.md tells a reader to do, block by block, and compares what it prints.
+"""Does what docs/getting-started.md and docs/rule-authors.md tell a reader to do, block by block, and compares what it prints.
 
-    rule_authors_test.py ARBORIST
+    followed_pages_test.py ARBORIST
 
 A block of "sh" is run by a shell in a folder that all blocks share. The block of "text" behind it is what it prints, errors
 included; a line "..." stands for any lines. "# exits with 1" at the end of a command is the status that it must have. A
@@ -16,7 +16,7 @@ from pathlib import Path
 
 import pages
 
-PAGE = pages.DOCS / "rule-authors.md"
+PAGES = [pages.DOCS / "getting-started.md", pages.DOCS / "rule-authors.md"]
 STATUS = re.compile(r" +# exits with (\d+)$")
 
 
@@ -62,23 +62,25 @@ class Walk:
             file.write_text(changed(file.read_text(), lines))
 
 
-class RuleAuthorsTest(unittest.TestCase):
-    def test_the_page_can_be_followed(self):
-        with tempfile.TemporaryDirectory() as folder:
-            walk = Walk(folder, Path(ARBORIST).resolve().parent)
-            blocks = pages.blocks(PAGE.read_text())
-            self.assertGreater(len(blocks), 10)
-            for word, content, line in blocks:
-                self.assertIn(word, ("sh", "text", "diff", "xml"), line)
-                walk.do(word, content, line)
-            if walk.faults:
-                self.fail("\n".join(walk.faults))
+class FollowedPagesTest(unittest.TestCase):
+    def test_the_pages_can_be_followed(self):
+        for page in PAGES:
+            with self.subTest(page=page.name), tempfile.TemporaryDirectory() as folder:
+                walk = Walk(folder, Path(ARBORIST).resolve().parent)
+                blocks = pages.blocks(page.read_text())
+                self.assertGreater(len(blocks), 8)
+                for word, content, line in blocks:
+                    self.assertIn(word, ("sh", "text", "diff", "xml"), line)
+                    walk.do(word, content, line)
+                if walk.faults:
+                    self.fail("\n".join(walk.faults))
 
     def test_every_command_is_followed_by_its_output_or_prints_none(self):
-        blocks = pages.blocks(PAGE.read_text())
-        for (word, content, line), (after, _, _) in zip(blocks, blocks[1:] + [("", "", 0)]):
-            if word == "sh" and after != "text":
-                self.assertNotIn("exits with", content, line)
+        for page in PAGES:
+            blocks = pages.blocks(page.read_text())
+            for (word, content, line), (after, _, _) in zip(blocks, blocks[1:] + [("", "", 0)]):
+                if word == "sh" and after != "text":
+                    self.assertNotIn("exits with", content, f"{page.name}:{line}")
 
 
 class WalkTest(unittest.TestCase):
