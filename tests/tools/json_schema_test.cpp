@@ -1,9 +1,13 @@
 #include "tests/tools/json_schema.h"
 
+#include <fstream>
+#include <iterator>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "arborist/frame/detection_observer.h"
+#include "diagnosis/bundle/bundle_file.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
@@ -19,6 +23,74 @@ std::vector<std::string> ViolationsOf(const std::vector<std::string>& arguments)
 {
     const auto result = RunArborist(arguments);
     return Violations(Schema(), ParsedJson(result.out));
+}
+
+class DetectSchemaTest : public testing::Test {
+protected:
+    void SetUp() override { PrepareLaptop("laptop"); }
+
+    TempDir mDir;
+};
+
+TEST_F(DetectSchemaTest, HoldsForEveryKindOfResult)
+{
+    mDir.Write("bad/bundle.json", "{}");
+    const Json::Value schema = ParsedJson(PageOfDocs("detect.schema.json"));
+    const std::vector<std::vector<std::string>> calls{{"laptop"}, {"laptop", "--tree"}, {"laptop", "--explain"},
+        {"laptop", "--as-of", "2020-01-01 00:00:00", "--tree"}, {"laptop", "--rules", "nowhere"}, {"nowhere"}, {"bad"}};
+    for (const std::vector<std::string>& call : calls) {
+        std::vector<std::string> arguments{"detect", "--json"};
+        arguments.insert(arguments.end(), call.begin(), call.end());
+        EXPECT_THAT(Violations(schema, ParsedJson(RunArborist(arguments).out)), IsEmpty())
+            << testing::PrintToString(call);
+    }
+}
+
+TEST(DetectSchemaWordsTest, DefinitionsAreThoseOfExplanations)
+{
+    const Json::Value detect = ParsedJson(PageOfDocs("detect.schema.json"))["$defs"];
+    for (const char* word : {"reason", "check", "checks", "openCheck", "possibleCause", "problem", "warning", "status",
+             "repair"}) {
+        EXPECT_EQ(detect[word], Schema()["$defs"][word]) << word;
+    }
+}
+
+// The reader refuses or warns of what the schema doesn't allow, and of nothing else.
+TEST(BundleSchemaTest, AllowsWhatTheReaderTakesWithoutAWarning)
+{
+    const Json::Value schema = ParsedJson(PageOfDocs("bundle.schema.json"));
+    const std::string start = R"({"detectScene": 1, "treeTag": "T")";
+    for (const std::string text : {"", R"(, "now": 5, "tz": "UTC0")", R"(, "now": "2024-01-01 00:00:00")",
+             R"(, "now": 5.5)", R"(, "now": true)", R"(, "tz": 1)", R"(, "device": {"Product": "P", "RamSize": "8"})",
+             R"(, "device": {"Product": 1})", R"(, "device": {"Colour": "red"})", R"(, "device": [])",
+             R"(, "settings": {"ProgramDataDir": "p", "AppDatabaseDir": "", "AppFileDir": "", "VersionName": "1",
+                "DeviceRootDir": "d"})", R"(, "settings": {"CurrentTime": "1"})", R"(, "settings": {"VersionName": 1})",
+             R"(, "codeAnswers": {"a": true, "b": false})", R"(, "codeAnswers": {"a": "yes"})", R"(, "codeAnswers": 1)",
+             R"(, "ruleFileDir": "r", "ruleFilePrefix": "p", "logLocation": "l", "reservedText": "x")",
+             R"(, "ruleFileDir": null)", R"(, "rules": "r")"}) {
+        diagnosis::Bundle bundle;
+        std::vector<diagnosis::Warning> warnings;
+        const auto failure = diagnosis::ReadBundleText("bundle.json", start + text + "}", bundle, warnings);
+        EXPECT_EQ(Violations(schema, ParsedJson(start + text + "}")).empty(), !failure && warnings.empty()) << text;
+    }
+    for (const char* text : {R"({"treeTag": "T"})", R"({"detectScene": 1})", R"({"detectScene": 1.5, "treeTag": "T"})",
+             R"({"detectScene": 2147483648, "treeTag": "T"})", R"({"detectScene": "1", "treeTag": "T"})", "[]"}) {
+        EXPECT_FALSE(Violations(schema, ParsedJson(text)).empty()) << text;
+    }
+}
+
+TEST(BundleSchemaTest, HoldsForTheExamplesAndForWhatACaptureWrites)
+{
+    const Json::Value schema = ParsedJson(PageOfDocs("bundle.schema.json"));
+    for (const char* name : {"laptop", "linux-host"}) {
+        std::ifstream file(std::string(ARBORIST_SOURCE_DIR "/examples/") + name + "/bundle.json");
+        const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+        EXPECT_THAT(Violations(schema, ParsedJson(text)), IsEmpty()) << name;
+        diagnosis::Bundle bundle;
+        std::vector<diagnosis::Warning> warnings;
+        ASSERT_FALSE(diagnosis::ReadBundleText("bundle.json", text, bundle, warnings));
+        EXPECT_THAT(Violations(schema, ParsedJson(diagnosis::BundleText(bundle))), IsEmpty()) << name;
+    }
 }
 
 TEST(ViolationsTest, NameThePlaceAndWhatIsWrong)
