@@ -15,6 +15,15 @@ if [ "$kind" = shared ]; then
 fi
 cmake --install "$build" --prefix "$work/prefix" >"$work/install.log"
 
+if [ -n "$command" ]; then
+    # The command's pages and completions lie where man and the shells look for them.
+    for file in bin/arborist share/man/man1/arborist.1 share/man/man1/arborist-detect.1 \
+        share/bash-completion/completions/arborist share/zsh/site-functions/_arborist \
+        share/fish/vendor_completions.d/arborist.fish; do
+        [ "$kind" = shared ] || [ -s "$work/prefix/$file" ] || { echo "not installed: $file"; exit 1; }
+    done
+fi
+
 cmake -S "$source/examples/minimal-host" -B "$work/host" -G Ninja -DCMAKE_PREFIX_PATH="$work/prefix" \
     -DCMAKE_CXX_STANDARD=17 -DCMAKE_CXX_EXTENSIONS=OFF >"$work/host-configure.log"
 cmake --build "$work/host" >"$work/host-build.log" || { cat "$work/host-build.log"; exit 1; }

@@ -3,10 +3,12 @@
 usage: python_package_test.py COMMAND     with the built package in PYTHONPATH
 """
 import dataclasses
+import gc
 import json
 import logging
 import os
 import pickle
+import re
 import shutil
 import subprocess
 import sys
@@ -19,10 +21,27 @@ import arborist
 from arborist import _log
 
 ROOT = Path(__file__).resolve().parents[3]
+MOST_GROWN = 2 * 1024 * 1024
 
 
 def command(*arguments):
     return subprocess.run([COMMAND, *arguments], capture_output=True, check=False, text=True).stdout
+
+
+def pages():
+    return int(Path("/proc/self/statm").read_text().split()[1])
+
+
+def grown_by(call, log, times):
+    """Bytes by which the process grows from a tenth of the calls to the last one. What the log brought is forgotten."""
+    for done in range(times):
+        if done == times // 10:
+            gc.collect()
+            before = pages()
+        call()
+        log.records.clear()
+    gc.collect()
+    return (pages() - before) * os.sysconf("SC_PAGESIZE")
 
 
 class Records(logging.Handler):
@@ -229,6 +248,41 @@ class PackageTest(unittest.TestCase):
                                  check=True, capture_output=True, text=True)
         self.assertEqual(printed.stdout, (ROOT / "examples/python-host/expected.txt").read_text())
         self.assertEqual(printed.stderr, "")
+
+    def test_the_blocks_of_the_page_run(self):
+        blocks = re.findall(r"^```python\n(.*?)^```", (ROOT / "docs/python.md").read_text(), re.MULTILINE | re.DOTALL)
+        printed, asked = [], []
+
+        def answer(question):
+            asked.append(question)
+            return "yes"
+
+        names = {"print": lambda *words: printed.append(words), "input": answer}
+        for block in blocks:
+            exec(block, names)  # pylint: disable=exec-used
+        self.assertEqual(len(blocks), 2)
+        self.assertIn(("LAPTOP_POWER", "The battery has lost capacity", ["REPAIR_BATTERY"]), printed)
+        self.assertEqual(asked[1], '{"test": "keyboard"}: is the fault present? ')
+        self.assertTrue(names["detection"].tree("LAPTOP_INPUT").is_fault)
+
+    def test_memory_stays_flat(self):
+        """Of ARBORIST_CALLS calls of each kind; scripts/flat-memory.sh makes many."""
+        shutil.copytree(ROOT / "tests/bindings/c/code_rules", "flat/rules")
+        Path("flat/bundle.json").write_text('{"detectScene": 1, "treeTag": "Tag"}')
+
+        def fail(_):
+            raise LookupError("no hands free")
+
+        def answered():
+            arborist.detect("flat", code_runner=lambda question: True, tree=True)
+
+        def failing():
+            self.assertRaises(LookupError, arborist.detect, "flat", code_runner=fail)
+            self.assertRaises(arborist.InputError, arborist.detect, "nowhere")
+
+        for call in (answered, failing, lambda: arborist.explain("flat")):
+            with Records(logging.DEBUG) as log:
+                self.assertLess(grown_by(call, log, int(os.environ.get("ARBORIST_CALLS", "300"))), MOST_GROWN)
 
     def test_types_are_strict(self):
         if shutil.which("mypy") is None:
