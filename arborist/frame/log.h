@@ -8,7 +8,10 @@
 #include "arborist/arborist_export.h"
 
 // Lets the compiler check arguments against the format; positions count from the first parameter, `this` included.
-#if defined(__GNUC__)
+#if defined(__MINGW32__)
+#define ARBORIST_PRINTF_LIKE(formatIndex, firstArgument) \
+    __attribute__((format(gnu_printf, formatIndex, firstArgument)))
+#elif defined(__GNUC__)
 #define ARBORIST_PRINTF_LIKE(formatIndex, firstArgument) \
     __attribute__((format(printf, formatIndex, firstArgument)))
 #else

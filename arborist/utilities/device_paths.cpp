@@ -1,5 +1,6 @@
 #include "arborist/utilities/device_paths.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
@@ -10,8 +11,10 @@ namespace {
 
 #ifdef _WIN32
 constexpr char DEFAULT_ROOT[] = "C:\\ProgramData";
+constexpr char SEPARATOR = '\\';
 #else
 constexpr char DEFAULT_ROOT[] = "/var/lib/arborist";
+constexpr char SEPARATOR = '/';
 #endif
 
 std::string Setting(const char* key)
@@ -24,9 +27,13 @@ bool IsBelow(const std::string& path, const std::string& folder)
     return path.compare(0, folder.size(), folder) == 0 && path.size() > folder.size() && path[folder.size()] == '/';
 }
 
-std::string BelowRoot(const char* path)
+// `path` begins with "/". The fixed root has the system's own separators behind it, a root that the host has set has "/".
+std::string BelowRoot(std::string path)
 {
     const std::string root = Setting(Settings::PROGRAM_DATA_DIR);
+    if (root.empty()) {
+        std::replace(path.begin(), path.end(), '/', SEPARATOR);
+    }
     return (root.empty() ? DEFAULT_ROOT : root) + path;
 }
 
@@ -61,7 +68,7 @@ std::string DevicePaths::RealRootOfDevice()
 {
     const std::string root = Setting(Settings::DEVICE_ROOT_DIR);
     std::error_code error;
-    const std::string realRoot = root.empty() ? "" : std::filesystem::canonical(root, error).string();
+    const std::string realRoot = root.empty() ? "" : std::filesystem::canonical(root, error).generic_string();
     return realRoot == "/" ? "" : realRoot;
 }
 
@@ -76,8 +83,8 @@ std::string DevicePaths::RealPath(const std::string& path, const std::string& re
     std::string resolved = path;
     if (!Setting(Settings::DEVICE_ROOT_DIR).empty()) {
         const bool isBelowRoot = !realRoot.empty() && IsBelow(path, realRoot);
-        const std::string root = isBelowRoot ? realRoot : std::filesystem::current_path(error).string();
+        const std::string root = isBelowRoot ? realRoot : std::filesystem::current_path(error).generic_string();
         resolved = IsBelow(path, root) ? RootedPath::Resolve(root, path.substr(root.size())) : "";
     }
-    return std::filesystem::canonical(resolved, error).string();
+    return std::filesystem::canonical(resolved, error).generic_string();
 }

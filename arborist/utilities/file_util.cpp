@@ -72,7 +72,7 @@ void RemoveAll(const std::string& path, std::error_code& error)
         Walk(path, [&entries](const std::string& entry) { entries.push_back(entry); });
     }
     for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
-        if (std::remove(entry->c_str()) != 0 && errno != ENOENT) {
+        if (!Platform::Remove(*entry) && errno != ENOENT) {
             error = std::error_code(errno, std::generic_category());
             return;
         }

@@ -5,8 +5,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <utility>
 #include <vector>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <locale.h>
 #include <pthread.h>
@@ -147,6 +149,22 @@ double Platform::StrToDouble(const char* text, char** end)
     return strtod_l(text, end, PlainLocale());
 }
 
+bool Platform::LocalTime(std::int64_t seconds, std::tm& local)
+{
+    const std::time_t moment = seconds;
+    return localtime_r(&moment, &local) != nullptr;
+}
+
+std::int64_t Platform::MomentOf(std::tm local)
+{
+    return std::mktime(&local);
+}
+
+bool Platform::Remove(const std::string& path)
+{
+    return std::remove(path.c_str()) == 0;
+}
+
 std::FILE* Platform::OpenFile(const std::string& path, const char* mode)
 {
     return std::fopen(path.c_str(), (std::string(mode) + "e").c_str());
@@ -180,53 +198,64 @@ bool Platform::CopyContent(const std::string& source, const std::string& target)
     return to.Close() && isCopied;
 }
 
-Platform::Folder::Folder(const std::string& path) : Folder(opendir(path.c_str())) {}
+struct Platform::Folder::Listing {
+    explicit Listing(DIR* opened) : stream(opened) {}
+    ~Listing() { closedir(stream); }
+    Listing(const Listing&) = delete;
+    Listing& operator=(const Listing&) = delete;
 
-Platform::Folder::Folder(DIR* stream) : mStream(stream)
-{
-    if (stream == nullptr && errno == ENOMEM) {
-        throw std::bad_alloc();
+    // Null without a stream.
+    static std::unique_ptr<Listing> Of(DIR* stream)
+    {
+        if (stream == nullptr && errno == ENOMEM) {
+            throw std::bad_alloc();
+        }
+        return stream == nullptr ? nullptr : std::make_unique<Listing>(stream);
     }
-}
+
+    DIR* stream;
+    dirent* entry = nullptr;
+};
+
+Platform::Folder::Folder(const std::string& path) : Folder(Listing::Of(opendir(path.c_str()))) {}
+
+Platform::Folder::Folder(std::unique_ptr<Listing> listing) : mListing(std::move(listing)) {}
+
+Platform::Folder::Folder(Folder&& other) noexcept = default;
+
+Platform::Folder::~Folder() = default;
 
 Platform::Folder Platform::Folder::OpenEntry() const
 {
-    const int descriptor = openat(dirfd(mStream), Name(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    const int descriptor = openat(dirfd(mListing->stream), Name(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     DIR* const stream = descriptor < 0 ? nullptr : fdopendir(descriptor);
     if (descriptor >= 0 && stream == nullptr) {
         close(descriptor);
         errno = ENOMEM;
     }
-    return Folder(stream);
-}
-
-Platform::Folder::~Folder()
-{
-    if (IsOpen()) {
-        closedir(mStream);
-    }
+    return Folder(Listing::Of(stream));
 }
 
 bool Platform::Folder::Next()
 {
     do {
-        mEntry = readdir(mStream);
-    } while (mEntry != nullptr && (std::strcmp(Name(), ".") == 0 || std::strcmp(Name(), "..") == 0));
-    return mEntry != nullptr;
+        mListing->entry = readdir(mListing->stream);
+    } while (mListing->entry != nullptr && (std::strcmp(Name(), ".") == 0 || std::strcmp(Name(), "..") == 0));
+    return mListing->entry != nullptr;
 }
 
 const char* Platform::Folder::Name() const
 {
-    return mEntry->d_name;
+    return mListing->entry->d_name;
 }
 
 bool Platform::Folder::IsFolder() const
 {
-    if (mEntry->d_type != DT_UNKNOWN) {
-        return mEntry->d_type == DT_DIR;
+    if (mListing->entry->d_type != DT_UNKNOWN) {
+        return mListing->entry->d_type == DT_DIR;
     }
     struct stat status;
-    return fstatat(dirfd(mStream), Name(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode);
+    return fstatat(dirfd(mListing->stream), Name(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode);
 }
 
 Platform::FileIdentity::FileIdentity(const std::string& path)

@@ -5,12 +5,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <ctime>
+#include <memory>
 #include <string>
-#include <utility>
 
-#include <dirent.h>
-
-/// Direct calls of the operating system. No file that is opened here is inherited by a program that the host starts.
+/// Direct calls of the operating system: platform.cpp for POSIX, platform_windows.cpp for Windows. No file that is opened
+/// here is inherited by a program that the host starts.
+///
+/// Paths are UTF-8 on Windows, which knows them as UTF-16; elsewhere they are the bytes that the system has.
 namespace Platform {
 
 /// Sets the name of the calling thread; the system may keep only its first characters.
@@ -19,6 +21,14 @@ void NameThread(const std::string& name);
 /// strtof and strtod in the "C" locale: with a decimal point, whatever locale the host has set.
 float StrToFloat(const char* text, char** end);
 double StrToDouble(const char* text, char** end);
+
+/// The local time of a moment, in seconds since the epoch; false if the system can't say.
+bool LocalTime(std::int64_t seconds, std::tm& local);
+/// The moment of a local time, as mktime: -1 if the system can't say. With tm_isdst 0 the clock is not that of summer.
+std::int64_t MomentOf(std::tm local);
+
+/// remove, for a file or an empty folder; false, with errno, on failure.
+bool Remove(const std::string& path);
 
 /// fopen; null on failure.
 std::FILE* OpenFile(const std::string& path, const char* mode);
@@ -35,12 +45,12 @@ public:
     /// Follows a link at the end of the path.
     explicit Folder(const std::string& path);
     ~Folder();
-    Folder(Folder&& other) noexcept : mStream(std::exchange(other.mStream, nullptr)), mEntry(other.mEntry) {}
+    Folder(Folder&& other) noexcept;
     Folder(const Folder&) = delete;
     Folder& operator=(const Folder&) = delete;
 
     /// If not, errno has the reason.
-    bool IsOpen() const { return mStream != nullptr; }
+    bool IsOpen() const { return mListing != nullptr; }
     /// Opens the current entry, which must be a folder.
     Folder OpenEntry() const;
     /// Moves to the next entry other than "." and "..". False at the end and on an error.
@@ -51,10 +61,10 @@ public:
     bool IsFolder() const;
 
 private:
-    explicit Folder(DIR* stream);
+    struct Listing;
+    explicit Folder(std::unique_ptr<Listing> listing);
 
-    DIR* mStream;
-    dirent* mEntry = nullptr;
+    std::unique_ptr<Listing> mListing; // null if the folder could not be opened
 };
 
 /// Identity and state of the file at a path: two equal values mean the same file, not changed in between.

@@ -12,6 +12,7 @@
 
 #include "arborist/frame/fault_tree_prop_global.h"
 #include "arborist/frame/settings.h"
+#include "arborist/utilities/platform.h"
 #include "arborist/utilities/string_util.h"
 
 namespace {
@@ -82,9 +83,8 @@ void TimeUtil::Sleep(std::uint32_t seconds)
 
 std::string TimeUtil::GetFormatTime(std::int64_t seconds)
 {
-    const std::time_t time = seconds;
     std::tm local{};
-    if (localtime_r(&time, &local) == nullptr) {
+    if (!Platform::LocalTime(seconds, local)) {
         return "YYYY-MM-DD HH:MM:SS";
     }
     char text[64];
@@ -106,7 +106,7 @@ std::int64_t TimeUtil::StrToTimeStamp(const std::string& text)
     local.tm_hour = field(8, 2);
     local.tm_min = field(10, 2);
     local.tm_sec = field(12, 2);
-    return std::mktime(&local);
+    return Platform::MomentOf(local);
 }
 
 std::int64_t TimeUtil::StrToTimeStamp(const std::string& text, const std::string& format)
@@ -114,5 +114,5 @@ std::int64_t TimeUtil::StrToTimeStamp(const std::string& text, const std::string
     std::tm local{};
     std::istringstream stream(text);
     stream >> std::get_time(&local, format.c_str());
-    return stream.fail() ? 0 : std::mktime(&local);
+    return stream.fail() ? 0 : Platform::MomentOf(local);
 }

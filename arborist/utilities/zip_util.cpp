@@ -197,7 +197,7 @@ std::string UnfinishedPath(const std::string& target)
 // A file that is removed at the end unless it was moved to its place.
 class UnfinishedFile {
 public:
-    explicit UnfinishedFile(const std::string& path) : mPath(path) {}
+    explicit UnfinishedFile(const std::string& path) : mText(path), mPath(path) {}
     ~UnfinishedFile()
     {
         std::error_code ignored;
@@ -208,7 +208,7 @@ public:
     UnfinishedFile(const UnfinishedFile&) = delete;
     UnfinishedFile& operator=(const UnfinishedFile&) = delete;
 
-    const std::string& GetPath() const { return mPath.native(); }
+    const std::string& GetPath() const { return mText; }
     bool MoveTo(const std::string& place)
     {
         std::error_code error;
@@ -217,6 +217,7 @@ public:
     }
 
 private:
+    std::string mText;
     std::filesystem::path mPath; // not made of a text at the end: that allocates, and may throw
     bool mIsInPlace = false;
 };

@@ -17,6 +17,8 @@ OTHER_TESTS = {
     "tests/reliability": "calls that fail, sudden death, and inputs that are costly on purpose",
     "tests/stores": "stores that several rooms of stores use",
     "tests/support": "fixtures and builders, with tests of their own",
+    "tests/support/windows": "what tests use of POSIX and Windows lacks",
+    "tests/support/windows/sys": "the same, headers of a folder of the system",
     "tests/tools": "the command as a whole, the README and the examples",
 }
 

@@ -307,10 +307,10 @@ TEST_F(StoppedDetection, IsStoppedFromASignalHandler)
 {
     static Arborist* detecting = nullptr;
     detecting = mEngine.get();
-    const auto before = std::signal(SIGUSR1, [](int) { detecting->RequestStop(); });
-    mObserver->onEvent = [] { std::raise(SIGUSR1); };
+    const auto before = std::signal(SIGTERM, [](int) { detecting->RequestStop(); });
+    mObserver->onEvent = [] { std::raise(SIGTERM); };
     EXPECT_THAT(Detect().results, ElementsAre("T stopped", "U stopped"));
-    std::signal(SIGUSR1, before);
+    std::signal(SIGTERM, before);
 }
 
 TEST_F(StoppedDetection, EndsWhenItsTimeIsOver)

@@ -17,11 +17,19 @@ protected:
 
 TEST_F(DevicePathsTest, StandBelowTheDefaultRoot)
 {
+#ifdef _WIN32
+    EXPECT_EQ(DevicePaths::EventLog(), R"(C:\ProgramData\Comms\Lumbra\workDir\0\log.db)");
+    EXPECT_EQ(DevicePaths::DerivedDatabase(),
+        R"(C:\ProgramData\Comms\Lumbra\zxdetectrepair\databases\JankEventDb.db)");
+    EXPECT_EQ(DevicePaths::RepairDatabase(),
+        R"(C:\ProgramData\Comms\Lumbra\zxdetectrepair\databases\repair_record.db)");
+#else
     EXPECT_EQ(DevicePaths::EventLog(), "/var/lib/arborist/Comms/Lumbra/workDir/0/log.db");
     EXPECT_EQ(DevicePaths::DerivedDatabase(),
         "/var/lib/arborist/Comms/Lumbra/zxdetectrepair/databases/JankEventDb.db");
     EXPECT_EQ(DevicePaths::RepairDatabase(),
         "/var/lib/arborist/Comms/Lumbra/zxdetectrepair/databases/repair_record.db");
+#endif
 }
 
 TEST_F(DevicePathsTest, FollowTheSettingAtEachCall)
