@@ -23,7 +23,7 @@ void Lint(const std::string& trees, const std::string& rules)
     run.findings = lint::LintFiles(files, options).findings;
     for (const lint::Finding& finding : run.findings) {
         for (const lint::Edit& edit : finding.edits) {
-            const std::string& text = finding.file == "FaultTrees.xml" ? trees : rules;
+            const std::string& text = edit.file == "FaultTrees.xml" ? trees : rules;
             if (text.compare(edit.offset, edit.length, edit.old) != 0) {
                 std::abort();
             }

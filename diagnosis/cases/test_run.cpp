@@ -1,6 +1,7 @@
 #include "diagnosis/cases/test_run.h"
 
 #include <algorithm>
+#include <deque>
 #include <filesystem>
 #include <set>
 
@@ -25,6 +26,24 @@ std::vector<std::string> CaseFilesBelow(const std::string& folder)
     }
     std::sort(files.begin(), files.end());
     return files;
+}
+
+// What a folder has, in order of names.
+std::vector<fs::directory_entry> EntriesOf(const fs::path& folder, std::size_t most)
+{
+    std::vector<fs::directory_entry> entries;
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end && entries.size() < most;
+         entry.increment(error)) {
+        entries.push_back(*entry);
+    }
+    std::sort(entries.begin(), entries.end());
+    return entries;
+}
+
+bool IsHidden(const fs::path& path)
+{
+    return path.filename().string().starts_with('.');
 }
 
 /// Runs the cases of one path after the other.
@@ -132,6 +151,28 @@ TestRun RunTests(const std::vector<std::string>& paths, const TestOptions& optio
         runner.RunPath(path);
     }
     return std::move(runner.Run());
+}
+
+NearbyCases FindCasesNear(const std::string& folder, std::size_t most)
+{
+    std::error_code error;
+    NearbyCases near;
+    const fs::path start = fs::canonical(folder, error).parent_path();
+    near.folder = start.string();
+    std::deque<fs::path> open(error ? 0 : 1, start);
+    for (std::size_t left = most; near.isComplete && !open.empty(); open.pop_front()) {
+        const auto entries = EntriesOf(open.front(), left + 1);
+        near.isComplete = entries.size() <= left;
+        left -= std::min(left, entries.size());
+        for (const fs::directory_entry& entry : entries) {
+            if (entry.is_directory(error) && !entry.is_symlink(error) && !IsHidden(entry.path())) {
+                open.push_back(entry.path());
+            } else if (entry.path().string().ends_with(CASE_FILE_END) && entry.is_regular_file(error)) {
+                near.files.push_back(entry.path().string());
+            }
+        }
+    }
+    return near;
 }
 
 std::optional<std::string> FirstOtherAnswer(

@@ -43,6 +43,17 @@ struct TestRun {
 /// then restores the library's own logger.
 TestRun RunTests(const std::vector<std::string>& paths, const TestOptions& options);
 
+/// The case files that are probably about the rule set in a folder: those anywhere below the folder that contains it, where
+/// projects keep their tests, near ones first. Looks into no hidden folder, follows no link, and looks at no more than `most` files and folders.
+struct NearbyCases {
+    std::vector<std::string> files;
+    /// The folder that was searched.
+    std::string folder;
+    /// False if there was more to look at.
+    bool isComplete = true;
+};
+NearbyCases FindCasesNear(const std::string& folder, std::size_t most = 20'000);
+
 /// Whether the rule set in `changed` gives other answers than the one in `folder` to its cases, which are searched in
 /// `paths`: the name of the first case, with its file, that ends otherwise, or nothing. Failed cases count as well: they
 /// must fail in the same way. For a tool that changes a rule set and wants to know, before it writes, whether its tests

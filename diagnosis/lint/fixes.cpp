@@ -217,7 +217,7 @@ std::vector<FileFix> FixesOf(const std::vector<Finding>& findings, bool withUnsa
     std::map<std::string, Findings> byFile;
     for (const Finding& finding : findings) {
         if (!finding.edits.empty() && (withUnsafe || finding.edits.front().isSafe)) {
-            byFile[finding.file].push_back(&finding);
+            byFile[finding.edits.front().file].push_back(&finding);
         }
     }
     std::vector<FileFix> fixes;

@@ -2,6 +2,7 @@
 #define ARBORIST_DIAGNOSIS_LINT_BASE_EVENT_COUNTS_H
 
 #include <cstdint>
+#include <limits>
 #include <map>
 
 namespace diagnosis::lint {
@@ -33,6 +34,9 @@ public:
         const Held below = Before(first);
         return first > last ? Held{} : Held{upTo.events - below.events, upTo.rows - below.rows};
     }
+
+    /// The number of rows of all events.
+    std::uint64_t Rows() const { return Before(std::numeric_limits<std::int64_t>::max()).rows; }
 
 private:
     /// Of the events below `event`. Sums up at the first call after Add, as rules may ask for the same ones again.

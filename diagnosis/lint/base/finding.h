@@ -20,6 +20,8 @@ struct Edit {
     std::string text;
     /// True if the engine reads the same afterwards.
     bool isSafe = false;
+    /// The path of the file, mostly that of the finding. All edits of a finding are in one file.
+    std::string file = {};
 };
 
 /// A problem that a check has found in a rule set, with its place.

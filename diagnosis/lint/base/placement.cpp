@@ -141,21 +141,28 @@ std::string Escaped(const std::string& text, bool isValue)
     return escaped;
 }
 
+Element ElementToFix(const Reported& reported)
+{
+    const Element other = reported.details.fix.element;
+    return other ? other : reported.element;
+}
+
 std::optional<SourcePlace> PlaceToFix(const Reported& reported)
 {
     using What = FixOf::What;
     const rule_source::Attribute attribute = reported.details.attribute;
+    const Element element = ElementToFix(reported);
     switch (reported.details.fix.what) {
     case What::TEXT:
-        return rule_source::PlaceOfText(reported.element);
+        return rule_source::PlaceOfText(element);
     case What::VALUE:
-        return rule_source::PlaceOfValue(reported.element, attribute);
+        return rule_source::PlaceOfValue(element, attribute);
     case What::NAME:
-        return rule_source::PlaceOfName(reported.element);
+        return rule_source::PlaceOfName(element);
     case What::ATTRIBUTE_NAME:
-        return rule_source::PlaceOfAttributeName(reported.element, attribute);
+        return rule_source::PlaceOfAttributeName(element, attribute);
     case What::REMOVE_ATTRIBUTE:
-        return rule_source::PlaceOfAttribute(reported.element, attribute);
+        return rule_source::PlaceOfAttribute(element, attribute);
     default:
         return std::nullopt;
     }
@@ -164,8 +171,9 @@ std::optional<SourcePlace> PlaceToFix(const Reported& reported)
 void AddEdit(const Reported& reported, const SourcePlace& place, Finding& finding)
 {
     const FixOf& fix = reported.details.fix;
-    finding.edits.push_back({place.offset, place.length, reported.file->Text().substr(place.offset, place.length),
-        Escaped(fix.text, fix.what == FixOf::What::VALUE), fix.isSafe});
+    const rule_source::SourceFile& file = *ElementToFix(reported).File();
+    finding.edits.push_back({place.offset, place.length, file.Text().substr(place.offset, place.length),
+        Escaped(fix.text, fix.what == FixOf::What::VALUE), fix.isSafe, file.Path()});
 }
 
 void SetEdits(const Reported& reported, Finding& finding)

@@ -17,9 +17,16 @@ struct FixOf {
     std::string text = {};
     /// Whether the engine reads the same afterwards.
     bool isSafe = false;
+    /// The element that is changed, if it is another one than that of the finding.
+    rule_source::Element element = {};
 
     /// Replaces the text of the element.
     static FixOf Text(std::string text, bool isSafe) { return {What::TEXT, std::move(text), isSafe}; }
+    /// Replaces the text of another element, which changes what the engine reads.
+    static FixOf TextOf(rule_source::Element element, std::string text)
+    {
+        return {What::TEXT, std::move(text), false, element};
+    }
     /// Replaces the value of the attribute.
     static FixOf Value(std::string text, bool isSafe) { return {What::VALUE, std::move(text), isSafe}; }
     /// Renames the element, which changes what the engine reads.

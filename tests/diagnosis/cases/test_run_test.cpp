@@ -1,5 +1,7 @@
 #include "diagnosis/cases/test_run.h"
 
+#include <filesystem>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -178,6 +180,35 @@ TEST_F(TestRunTest, FilesAreFoundBelowFoldersInOrderAndRunOnce)
     EXPECT_EQ(run.Passed(), 3U);
     options.filter = "b";
     EXPECT_THAT(RunTests({"rules"}, options).cases, SizeIs(1));
+}
+
+TEST_F(TestRunTest, CasesNearARuleSetAreFoundBesideItWithoutFollowingLinksOrLookingIntoHiddenFolders)
+{
+    for (const char* file : {"p/rules/a.test.json", "p/b.test.json", "p/tests/deep/c.test.json", "p/.hidden/d.test.json",
+             "p/notes.json", "e.test.json"}) {
+        mDir.Write(file, "{}");
+    }
+    std::filesystem::create_directory_symlink(mDir.Path(), "p/link");
+    const auto near = diagnosis::cases::FindCasesNear("p/rules");
+    const std::string parent = std::filesystem::canonical("p").string();
+    EXPECT_THAT(near.files, ElementsAre(parent + "/b.test.json", parent + "/rules/a.test.json", parent + "/tests/deep/c.test.json"));
+    EXPECT_EQ(near.folder, parent);
+    EXPECT_TRUE(near.isComplete);
+    EXPECT_THAT(diagnosis::cases::FindCasesNear("none").files, testing::IsEmpty());
+}
+
+TEST_F(TestRunTest, CasesNearARuleSetAreLookedForInABoundedNumberOfPlaces)
+{
+    mDir.MakeDir("p/rules");
+    mDir.MakeDir("p/z");
+    for (int i = 0; i < 10; ++i) {
+        mDir.Write("p/z/" + std::to_string(i), "");
+    }
+    mDir.Write("p/a.test.json", "{}");
+    const auto near = diagnosis::cases::FindCasesNear("p/rules", 12);
+    EXPECT_EQ(near.files.size(), 1U);
+    EXPECT_FALSE(near.isComplete);
+    EXPECT_TRUE(diagnosis::cases::FindCasesNear("p/rules", 13).isComplete);
 }
 
 TEST_F(TestRunTest, TheTagOfARuleSetWithSeveralMustBeNamed)

@@ -83,6 +83,7 @@ Finding Of(const std::string& path, diagnosis::lint::Edit edit)
 {
     Finding finding;
     finding.file = path;
+    edit.file = path;
     finding.edits.push_back(std::move(edit));
     return finding;
 }

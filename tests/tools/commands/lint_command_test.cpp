@@ -385,7 +385,8 @@ TEST_F(LintCommand, TellsWhatAWideRangeHoldsOfALog)
     const std::vector<std::string> wide = {"rules", "--only", "A512", "--json"};
     EXPECT_EQ(ParsedJson(Lint(wide).out)["findings"][0]["help"].asString(), "name the ids that are logged");
     EXPECT_EQ(ParsedJson(Lint({"rules", "--only", "A512", "--json", "--log", "log.db"}).out)["findings"][0]["help"].asString(),
-        "name the ids that are logged: the log has 3 rows of 2 of them");
+        "name the ids that are logged: the log has 3 rows of 2 of them; a detection looks at up to 3 rows, and if it has to ask "
+        "for each id by itself, it needs 3001 scans of 5 rows");
 }
 
 TEST_F(LintCommand, LooksForNodeFilesBelowTheRootOfADevice)
@@ -466,6 +467,19 @@ TEST_F(LintCommand, RenamesAnElementWithItsEndTagAndLeavesEqualWordsInItAlone)
     EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), mended);
 }
 
+TEST_F(LintCommand, RenamesTheEntryThatWasMeantForAnEventWithoutOne)
+{
+    std::string rules = RuleFile(" detectScene=\"1\"");
+    Write(rules);
+    const std::string trees = mDir.Read("rules/FaultTrees.xml");
+    rules.replace(rules.find("<ID>E"), 5, "<ID>EE");
+    Write(rules);
+    EXPECT_THAT(Lint({"rules", "--only", "A301"}).out, HasSubstr("help: did you mean \"EE\"?"));
+    EXPECT_EQ(Lint({"rules", "--fix", "--unsafe-fixes"}).out, "no findings, 1 fixed\n");
+    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), RuleFile(" detectScene=\"1\""));
+    EXPECT_EQ(mDir.Read("rules/FaultTrees.xml"), trees);
+}
+
 TEST_F(LintCommand, LeavesOutTheSemicolonAtTheEndOfAQueryAlone)
 {
     const auto query = [](const std::string& sql) {
@@ -506,15 +520,33 @@ TEST_F(LintCommand, RefusesFixesWithWhichTestsInAnotherFolderAnswerOtherwise)
     rules.replace(rules.find("<Rule-name>r"), 12, "<Rule-name>r\n");
     Write(rules);
     const std::string quiet = R"("scene": 1, "answers": {"r": true}, "expect": {"causes": {"T": []}}})";
-    mDir.Write("tests/quiet.test.json", R"({"rules": "../rules", )" + quiet);
-    const std::vector<std::string> fix = {"rules", "--fix", "--unsafe-fixes", "--tests", "tests"};
+    fs::create_directory("project");
+    fs::rename("rules", "project/rules");
+    mDir.Write("tests/quiet.test.json", R"({"rules": "../project/rules", )" + quiet);
+    const std::vector<std::string> fix = {"project/rules", "--fix", "--unsafe-fixes", "--tests", "tests"};
     EXPECT_THAT(Lint(fix).err, HasSubstr("tests/quiet.test.json: quiet\n"));
     mDir.Write("config/lint.json", R"({"tests": ["../tests"]})");
-    EXPECT_THAT(Lint({"rules", "--fix", "--unsafe-fixes", "--config", "config/lint.json"}).err, HasSubstr("quiet\n"));
-    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), rules);
+    EXPECT_THAT(
+        Lint({"project/rules", "--fix", "--unsafe-fixes", "--config", "config/lint.json"}).err, HasSubstr("quiet\n"));
+    EXPECT_EQ(mDir.Read("project/rules/FaultTreeRules.xml"), rules);
     // A case of another rule set says nothing about this one.
-    fs::copy("rules", "others");
+    fs::copy("project/rules", "others");
     mDir.Write("tests/quiet.test.json", R"({"rules": "../others", )" + quiet);
+    EXPECT_EQ(Lint(fix).out, "no findings, 1 fixed\n");
+}
+
+TEST_F(LintCommand, FindsTheTestsBesideARuleSet)
+{
+    std::string rules = RuleFile(" detectScene=\"1\"");
+    rules.replace(rules.find("<Rule-name>r"), 12, "<Rule-name>r\n");
+    Write(rules);
+    const std::string quiet = R"("scene": 1, "answers": {"r": true}, "expect": {"causes": {"T": []}}})";
+    mDir.Write("tests/deep/quiet.test.json", R"({"rules": "../../rules", )" + quiet);
+    const std::vector<std::string> fix = {"rules", "--fix", "--unsafe-fixes"};
+    EXPECT_THAT(Lint(fix).err, HasSubstr("tests/deep/quiet.test.json: quiet\n"));
+    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), rules);
+    fs::copy("rules", "others");
+    mDir.Write("tests/deep/quiet.test.json", R"({"rules": "../../others", )" + quiet);
     EXPECT_EQ(Lint(fix).out, "no findings, 1 fixed\n");
 }
 

@@ -4,19 +4,16 @@
 #include <memory>
 #include <optional>
 
-#include "diagnosis/lint/base/event_counts.h"
 #include "diagnosis/lint/baseline.h"
 #include "diagnosis/lint/config.h"
-#include "diagnosis/lint/device_profiles.h"
 #include "diagnosis/lint/fixes.h"
 #include "diagnosis/lint/lint.h"
 #include "diagnosis/lint/output/formats.h"
 #include "diagnosis/lint/registry.h"
-#include "diagnosis/log_db/inspect_log.h"
 #include "diagnosis/results/rule_set_json.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/lint_fixes.h"
-#include "tools/arborist/commands/shared_options.h"
+#include "tools/arborist/commands/lint_options.h"
 #include "tools/arborist/render/lint_text.h"
 #include "tools/arborist/terminal/colour.h"
 #include "tools/arborist/terminal/output.h"
@@ -25,37 +22,7 @@ namespace diagnosis::command {
 
 namespace {
 
-struct LintCommandOptions {
-    std::vector<std::string> folders;
-    std::vector<std::string> tags;
-    std::string prefix;
-    std::vector<std::string> disable;
-    std::vector<std::string> only;
-    std::vector<std::string> devices;
-    std::string log;
-    std::string deviceRoot;
-    std::string config;
-    std::string failLevel;
-    std::string baseline;
-    std::string newBaseline;
-    bool withoutBaseline = false;
-    bool isFixed = false;
-    bool asDiff = false;
-    bool withUnsafeFixes = false;
-    std::vector<std::string> tests;
-    std::string format = "text";
-    bool asJson = false;
-    std::string stdinFile;
-    bool asList = false;
-    std::string explained;
-};
-
 using Problem = std::optional<Failure>;
-
-Problem WrongUse(const char* code, const std::string& message)
-{
-    return Failure{code, message, ExitStatus::WRONG_USE};
-}
 
 bool IsJson(const LintCommandOptions& options)
 {
@@ -70,72 +37,6 @@ ExitStatus Failed(const Failure& failure, const LintCommandOptions& options)
     }
     PrintError(failure.message);
     return failure.status;
-}
-
-void AppendTo(std::vector<std::string>& list, const std::vector<std::string>& more)
-{
-    list.insert(list.end(), more.begin(), more.end());
-}
-
-// Takes options that the command line leaves out from the configuration; joins lists of both.
-Problem TakeConfig(LintCommandOptions& options)
-{
-    if (options.config.empty()) {
-        return std::nullopt;
-    }
-    std::string problem;
-    const auto config = lint::ReadConfig(options.config, problem);
-    if (!config) {
-        return WrongUse("bad_config", problem);
-    }
-    options.tags = options.tags.empty() ? config->tags : options.tags;
-    options.prefix = options.prefix.empty() ? config->prefix : options.prefix;
-    options.only = options.only.empty() ? config->only : options.only;
-    options.failLevel = options.failLevel.empty() ? config->failLevel : options.failLevel;
-    options.baseline = options.baseline.empty() ? config->baseline : options.baseline;
-    AppendTo(options.disable, config->disable);
-    AppendTo(options.devices, config->devices);
-    AppendTo(options.tests, config->tests);
-    return std::nullopt;
-}
-
-Problem ReadCounts(const std::string& log, lint::EventCounts& counts)
-{
-    if (log.empty()) {
-        return std::nullopt;
-    }
-    LogInspection inspection;
-    if (const auto failure = InspectEventLog(log, inspection)) {
-        return WrongUse(failure->code.c_str(), failure->message);
-    }
-    for (const LoggedId& event : inspection.ids) {
-        counts.Add(event.id, event.rows);
-    }
-    return std::nullopt;
-}
-
-Problem MakeOptions(const LintCommandOptions& given, lint::LintOptions& options)
-{
-    std::string problem;
-    options.tags = given.tags;
-    options.prefix = given.prefix;
-    options.deviceRoot = given.deviceRoot;
-    options.disabled.insert(given.disable.begin(), given.disable.end());
-    options.only.insert(given.only.begin(), given.only.end());
-    for (const auto* ids : {&given.disable, &given.only}) {
-        problem = lint::UnknownCheck(*ids);
-        if (!problem.empty()) {
-            return WrongUse("unknown_check", problem);
-        }
-    }
-    for (const std::string& file : given.devices) {
-        const auto profiles = lint::ReadDeviceProfiles(file, problem);
-        if (!profiles) {
-            return WrongUse("bad_device", problem);
-        }
-        options.devices.insert(options.devices.end(), profiles->begin(), profiles->end());
-    }
-    return std::nullopt;
 }
 
 bool EndsWith(const std::string& text, const std::string& end)
@@ -227,7 +128,7 @@ Problem WriteBaseline(const LintCommandOptions& options, lint::LintRun& run)
     const auto problem = lint::Baseline::Write(run.findings, options.newBaseline);
     run.known = run.findings.size();
     run.findings.clear();
-    return problem ? WrongUse("not_written", *problem) : std::nullopt;
+    return problem ? Problem(WrongUse("not_written", *problem)) : std::nullopt;
 }
 
 // Removes the findings that are in the baseline.
@@ -258,8 +159,10 @@ Problem LintFolders(LintRunner& runner, const LintCommandOptions& given)
 std::vector<lint::FileFix> FixesToMake(const lint::LintRun& run, const LintCommandOptions& given)
 {
     TestedFixes tested = TestFixes(lint::FixesOf(run.findings, given.withUnsafeFixes), given.tests);
-    for (const std::string& refusal : tested.refused) {
-        PrintError(refusal);
+    for (const auto* messages : {&tested.notes, &tested.refused}) {
+        for (const std::string& message : *messages) {
+            PrintError(message);
+        }
     }
     return std::move(tested.fixes);
 }
@@ -320,7 +223,7 @@ ExitStatus Explain(const LintCommandOptions& given)
 {
     const std::string unknown = lint::UnknownCheck({given.explained});
     if (!unknown.empty()) {
-        return Failed(*WrongUse("unknown_check", unknown), given);
+        return Failed(WrongUse("unknown_check", unknown), given);
     }
     PrintResult(CheckText(*lint::FindCheck(given.explained)));
     return ExitStatus::SUCCESS;
@@ -338,60 +241,11 @@ ExitStatus Lint(LintCommandOptions given)
     lint::LintOptions options;
     lint::EventCounts counts;
     Problem problem = TakeConfig(given);
-    problem = problem ? problem : MakeOptions(given, options);
-    problem = problem ? problem : ReadCounts(given.log, counts);
+    problem = problem ? problem : MakeLintOptions(given, counts, options);
     if (problem) {
         return Failed(*problem, given);
     }
-    options.counts = given.log.empty() ? nullptr : &counts;
-    options.details.withFingerprints = given.asJson || given.format != "text";
     return LintAll(given, options);
-}
-
-void AddSelection(Command app, LintCommandOptions& options)
-{
-    app.Add("--tag", options.tags, "Look at this tag alone; may be given several times").Takes("TAG");
-    app.Add("--prefix", options.prefix, "The files are named with this and \"_\" in front").Takes("PREFIX");
-    app.Add("--disable", options.disable, "Leave this check out; several with commas between, or several times")
-        .Takes("ID").SplitAt(',');
-    app.Add("--only", options.only, "Run this check alone; several as for --disable")
-        .Takes("ID").SplitAt(',');
-    app.Add("--device", options.devices, "Profiles of devices, for checks that need them").Takes("FILE");
-    app.Add("--log", options.log, "An event log, for checks that look at what devices log").Takes("LOG.DB");
-    app.Add("--device-root", options.deviceRoot, "A folder with the files of a device, for checks that look at them")
-        .Takes("DIR");
-    app.Add("--config", options.config, "Read options from a file of JSON").Takes("FILE");
-    app.Add("--stdin-filename", options.stdinFile, "What the text of standard input is, for -")
-        .Takes("FILE");
-}
-
-void AddFixes(Command app, LintCommandOptions& options)
-{
-    const Option fix = app.AddFlag("--fix", options.isFixed, "Fix the files where that does not change what the engine reads; "
-        "the findings that remain are reported");
-    app.AddFlag("--diff", options.asDiff, "Show what --fix would change, and change nothing").Excludes(fix);
-    app.AddFlag("--unsafe-fixes", options.withUnsafeFixes, "With --fix or --diff: also fixes that change what the engine "
-        "reads to what was most likely meant");
-    app.Add("--tests", options.tests, "Cases, and folders of cases, that must answer alike after a fix, in addition to "
-        "those below RULES_DIR").Takes("PATH");
-}
-
-void AddOutput(Command app, LintCommandOptions& options)
-{
-    app.Add("--format", options.format, "text: for people; short: for editors; github, gitlab: for their "
-        "pipelines; json, sarif, junit")
-        .Takes("FORMAT")
-        .OneOf({"text", "short", "json", "github", "gitlab", "sarif", "junit"})
-        .ShowDefault();
-    app.AddFlag("--json", options.asJson, "The same as --format json");
-    app.Add("--fail-level", options.failLevel, "Exit with 1 from findings of this level on; error unless given")
-        .Takes("LEVEL")
-        .OneOf({"error", "warning", "info"});
-    const Option baseline = app.Add("--baseline", options.baseline, "Leave out the findings in this file")
-        .Takes("FILE");
-    app.Add("--write-baseline", options.newBaseline, "Write all findings to this file, and keep the comments that it has")
-        .Takes("FILE").Excludes(baseline);
-    app.AddFlag("--no-baseline", options.withoutBaseline, "Report all findings, including those in the baseline of --config");
 }
 
 } // namespace
@@ -402,9 +256,7 @@ void AddLintCommand(Command app, ExitStatus& status)
     Command lint = app.AddCommand("lint", "Find mistakes in rule sets that the engine skips silently");
     lint.Add("RULES_DIR", options->folders, "Folders with FaultTrees.xml and FaultTreeRules.xml; - for a file "
         "on standard input");
-    AddSelection(lint, *options);
-    AddFixes(lint, *options);
-    AddOutput(lint, *options);
+    AddLintOptions(lint, *options);
     lint.AddFlag("--list", options->asList, "List all checks");
     lint.Add("--explain", options->explained, "Show what a check finds, what happens at run time, and a bad "
         "and a good sample").Takes("ID");

@@ -48,8 +48,8 @@ bool CopyFixed(const std::string& folder, const std::vector<lint::FileFix>& fixe
 }
 
 // Why the fixes of a folder are refused; nothing if they are not.
-std::optional<std::string> Refusal(
-    const std::string& folder, const std::vector<lint::FileFix>& fixes, std::vector<std::string> tests)
+std::optional<std::string> Refusal(const std::string& folder, const std::vector<lint::FileFix>& fixes,
+    std::vector<std::string> tests, std::vector<std::string>& notes)
 {
     Scratch copy;
     if (const auto failure = copy.Make()) {
@@ -58,7 +58,12 @@ std::optional<std::string> Refusal(
     if (!CopyFixed(folder, fixes, copy)) {
         return folder + ": not mended: it can't be copied to be tested";
     }
+    cases::NearbyCases near = cases::FindCasesNear(folder);
+    tests.insert(tests.begin(), near.files.begin(), near.files.end());
     tests.insert(tests.begin(), folder);
+    if (!near.isComplete) {
+        notes.push_back(near.folder + ": has too many files to look for tests in all; name those of " + folder + " with --tests");
+    }
     const auto other = cases::FirstOtherAnswer(tests, folder, copy.Path());
     return other ? std::optional(folder + ": not mended: a test would answer otherwise: " + *other) : std::nullopt;
 }
@@ -74,7 +79,7 @@ TestedFixes TestFixes(std::vector<lint::FileFix> fixes, const std::vector<std::s
     }
     TestedFixes tested;
     for (auto& [folder, ofFolder] : byFolder) {
-        if (auto refusal = Refusal(folder, ofFolder, tests)) {
+        if (auto refusal = Refusal(folder, ofFolder, tests, tested.notes)) {
             tested.refused.push_back(std::move(*refusal));
             continue;
         }

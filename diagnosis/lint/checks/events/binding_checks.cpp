@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "diagnosis/lint/base/near_names.h"
@@ -81,26 +82,52 @@ bool IsInteractive(const TreeEvent& event)
     return event.detectMode.Text() == "2";
 }
 
+/// Finds the entry that was probably meant for an event, among those for no event.
+class NearEntries {
+public:
+    explicit NearEntries(const RuleSet& rules)
+        : mIds([this, &rules](NearNames& near) {
+              for (const Binding& binding : rules.bindings.all) {
+                  if (binding.event == nullptr && !binding.isReplaced && mEntries.emplace(binding.id, &binding).second) {
+                      near.Add(binding.id);
+                  }
+              }
+          })
+    {
+    }
+    NearEntries(const NearEntries&) = delete;
+    NearEntries& operator=(const NearEntries&) = delete;
+
+    /// Null if none is near.
+    const Binding* Find(std::string_view event)
+    {
+        const auto entry = mEntries.find(mIds.Find(event));
+        return entry == mEntries.end() ? nullptr : entry->second;
+    }
+
+private:
+    std::unordered_map<std::string_view, const Binding*> mEntries;
+    NearNames mIds;
+};
+
 void CheckEventsWithoutRules(const Subject& subject, Report& report)
 {
     const RuleSet& rules = subject.rules;
     if (!HasSection(rules, SectionKind::EVENT_RULES)) {
         return;
     }
-    NearNames ids([&rules](NearNames& near) {
-        for (const Binding& binding : rules.bindings.all) {
-            if (binding.event == nullptr) {
-                near.Add(binding.id);
-            }
-        }
-    });
+    NearEntries entries(rules);
     for (const TreeEvent& event : rules.trees.events) {
         if (event.kind != EventKind::BASIC || event.id.empty() || IsInteractive(event)) {
             continue;
         }
         if (event.binding == nullptr) {
+            const Binding* const near = entries.Find(event.id);
             report.Add(event.idElement, "no entry of \"EventRules\" is for the event " + Quoted(event.id),
-                {.help = DidYouMean(ids.Find(event.id)), .isAboutText = true}); // the entry is renamed, not the event
+                near == nullptr ? Details{.isAboutText = true}
+                                : Details{.help = DidYouMean(std::string(near->id)),
+                                      .fix = FixOf::TextOf(near->idElement, std::string(event.id)),
+                                      .isAboutText = true}); // the entry is renamed, as it may be the only one
         } else if (event.binding->alternatives.empty()) {
             report.Add(event.binding->element, "the entry of the event " + Quoted(event.id) + " names no rule");
         }

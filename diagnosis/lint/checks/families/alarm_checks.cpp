@@ -128,16 +128,44 @@ std::string Times(std::int64_t count, const char* one, const char* several)
     return std::to_string(count) + (count == 1 ? one : several);
 }
 
-// What a wide range costs on a device whose log is known.
-std::string RangeHelp(const AlarmItem& item, const EventCounts* counts)
+/// A number that grows up to a bound: ids, times and tests come from a file, and their product may be larger than any type.
+class Estimate {
+public:
+    explicit Estimate(std::uint64_t number) : mNumber(std::min(number, LARGEST)) {}
+
+    Estimate operator*(std::uint64_t factor) const
+    {
+        return Estimate(factor != 0 && mNumber > LARGEST / factor ? LARGEST : mNumber * factor);
+    }
+
+    std::string Of(const char* one, const char* several) const
+    {
+        return mNumber == LARGEST ? std::string("more than 10^18") + several
+                                  : std::to_string(mNumber) + (mNumber == 1 ? one : several);
+    }
+
+private:
+    static constexpr std::uint64_t LARGEST = 1'000'000'000'000'000'000;
+
+    std::uint64_t mNumber;
+};
+
+// What a wide range costs on a device whose log is known, if each id is counted `rounds` times.
+std::string RangeHelp(const AlarmItem& item, std::int64_t rounds, const EventCounts* counts)
 {
     const std::string help = "name the ids that are logged";
     if (counts == nullptr) {
         return help;
     }
+    const auto times = static_cast<std::uint64_t>(rounds);
     const EventCounts::Held held = counts->Of(item.ids.first, item.ids.last);
-    return help + ": the log has " + std::to_string(held.rows) + (held.rows == 1 ? " row" : " rows") + " of "
-        + std::to_string(held.events) + " of them";
+    const Estimate rows(held.rows);
+    const Estimate all(counts->Rows());
+    const Estimate scans = Estimate(static_cast<std::uint64_t>(item.ids.Size())) * times;
+    return help + ": the log has " + rows.Of(" row", " rows") + " of " + std::to_string(held.events)
+        + " of them; a detection looks at up to " + (rows * times).Of(" row", " rows")
+        + ", and if it has to ask for each id by itself, it needs " + scans.Of(" scan", " scans") + " of "
+        + all.Of(" row", " rows");
 }
 
 void CheckWideRange(const AlarmRule& rule, const AlarmItem& item, const EventCounts* counts, Report& report)
@@ -155,7 +183,8 @@ void CheckWideRange(const AlarmRule& rule, const AlarmItem& item, const EventCou
     report.Add(item.element,
         "the rule " + Quoted(rule.name) + " asks for " + std::to_string(item.ids.Size()) + " events, each for itself, in "
             + Times(windows, " time", " times") + (item.HasTests() ? " with " + Times(tests, " test", " tests") : ""),
-        {.attribute = item.element.Find("Eventid_Max"), .help = RangeHelp(item, counts)});
+        {.attribute = item.element.Find("Eventid_Max"),
+            .help = RangeHelp(item, windows * (item.HasTests() ? std::max<std::int64_t>(1, tests) : 1), counts)});
 }
 
 void CheckWideRanges(const Subject& subject, Report& report)
