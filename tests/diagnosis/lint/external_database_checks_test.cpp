@@ -40,15 +40,17 @@ std::vector<std::string> FindingsInDatabases(const std::vector<std::string>& fol
 
 class PatternChecks : public testing::TestWithParam<PatternCase> {};
 
-TEST_P(PatternChecks, FindAPatternThatBeginsWithFoldersThatAreNotSearched)
+TEST_P(PatternChecks, FindAPatternThatMatchesNothingBelowTheFoldersThatAreSearched)
 {
     EXPECT_THAT(FindingsInDatabases(GetParam().folders, GetParam().pattern), ElementsAreArray(GetParam().findings));
 }
 
 std::vector<std::string> Outside(const std::string& folder)
 {
-    return {"the pattern of the databases \"d\" begins with other folders than \"" + folder + "\", which is searched"};
+    return {"the pattern of the databases \"d\" matches no path below \"" + folder + "\", which is searched"};
 }
+
+const std::vector<std::string> NO_PATH = {"the pattern of the databases \"d\" does not cover the folders of a path"};
 
 INSTANTIATE_TEST_SUITE_P(Each, PatternChecks,
     testing::ValuesIn(std::vector<PatternCase>{
@@ -62,6 +64,17 @@ INSTANTIATE_TEST_SUITE_P(Each, PatternChecks,
         {"Letters", {"/Data"}, "/dATA/.*", {}},
         {"SecondOfTwo", {"/data", "/other"}, "/other/.*", {}},
         {"Alternatives", {"/data"}, "/other/x|/data/x", {}},
+        {"AlternativesOutside", {"/data"}, "/(other|more)/x\\.db", Outside("/data")},
+        {"FolderItself", {"/data"}, "/data/?", Outside("/data")},
+        {"CharacterOfASet", {"/data"}, "/[^d].*", Outside("/data")},
+        {"NameOfAFile", {"/data"}, "usage\\.db", NO_PATH},
+        {"NamesOfFiles", {"/data"}, "(usage|battery)\\.db", NO_PATH},
+        {"LettersWithoutFolders", {"/data"}, "\\w+\\.db", NO_PATH},
+        {"SetWithoutFolders", {"/data"}, "[a-z0-9_]+\\.db", NO_PATH},
+        {"Drive", {"data"}, "c:/data/.*", {}},
+        {"CapitalClassIsPutInLowerCase", {"/data"}, "\\D+", NO_PATH},
+        {"NoPattern", {"/data"}, "(usage", {}},
+        {"ManyPaths", {"/a", "/b", "/c", "/d", "/e"}, "/other/.*", {}},
         {"AnyFolder", {"/data"}, ".*/usage\\.db", {}},
         {"CharacterThatMayBeLeftOut", {"/data"}, "/data/?x", {}},
         {"TopFolder", {"/"}, "/other/.*", {}},

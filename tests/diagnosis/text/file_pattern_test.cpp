@@ -4,30 +4,15 @@
 
 namespace {
 
-using diagnosis::LiteralStart;
+using diagnosis::IsFilePattern;
 
-TEST(FilePatternTest, StartsWithTheCharactersThatEveryMatchBeginsWith)
+TEST(FilePatternTest, IsARegularExpressionThatIsNotTooLong)
 {
-    EXPECT_EQ(LiteralStart("/data/.*\\.db"), "/data/");
-    EXPECT_EQ(LiteralStart("^/data/usage\\.db$"), "/data/usage.db");
-    EXPECT_EQ(LiteralStart("\\/data\\/x"), "/data/x");
-    EXPECT_EQ(LiteralStart("/data[0-9]"), "/data");
-    EXPECT_EQ(LiteralStart("/(data|other)/x"), "");
-    EXPECT_EQ(LiteralStart("/data/x\\.db|/other/x\\.db"), "");
-    EXPECT_EQ(LiteralStart(".*/x"), "");
-    EXPECT_EQ(LiteralStart("\\w/x"), "");
-    EXPECT_EQ(LiteralStart("/data\\d"), "/data");
-    EXPECT_EQ(LiteralStart("/data\\"), "/data");
-    EXPECT_EQ(LiteralStart(""), "");
-}
-
-TEST(FilePatternTest, EndsTheStartBeforeACharacterThatMayBeLeftOut)
-{
-    EXPECT_EQ(LiteralStart("/data?/x"), "/dat");
-    EXPECT_EQ(LiteralStart("/data*/x"), "/dat");
-    EXPECT_EQ(LiteralStart("/data{0,1}/x"), "/dat");
-    EXPECT_EQ(LiteralStart("/data\\.?/x"), "/data");
-    EXPECT_EQ(LiteralStart("/data+/x"), "/data");
+    EXPECT_TRUE(IsFilePattern(".*/usage\\.db"));
+    EXPECT_FALSE(IsFilePattern("*.db"));
+    EXPECT_FALSE(IsFilePattern("(usage"));
+    EXPECT_TRUE(IsFilePattern(std::string(4096, 'a')));
+    EXPECT_FALSE(IsFilePattern(std::string(4097, 'a')));
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "diagnosis/lint/sql/derived_tables.h"
 #include "diagnosis/lint/sql/sql_outline.h"
 #include "diagnosis/text/file_pattern.h"
+#include "diagnosis/text/pattern_start.h"
 
 namespace diagnosis::lint {
 
@@ -77,25 +78,6 @@ void CheckArchives(const Subject& subject, Report& report)
     }
 }
 
-// Whether an alternative of a pattern may match an absolute path, by how it begins. Excludes only what clearly begins
-// with another letter.
-bool CanBeginAPath(std::string_view pattern)
-{
-    while (pattern.starts_with('^') || pattern.starts_with('(')) {
-        pattern.remove_prefix(pattern.starts_with("(?:") ? 3 : 1);
-    }
-    const bool isEscaped = pattern.size() > 1 && pattern.front() == '\\';
-    if (pattern.empty()) {
-        return true;
-    }
-    const char first = isEscaped ? pattern[1] : pattern.front();
-    const bool isLetter = (first >= 'a' && first <= 'z') || (first >= 'A' && first <= 'Z') || first == '_';
-    const std::string_view behind = pattern.substr(isEscaped ? 2 : 1);
-    // A colon follows the letter of a drive.
-    const bool isOptional = !behind.empty() && std::string_view("?*{:").find(behind.front()) != NOWHERE;
-    return isEscaped ? isLetter || first == '/' : !isLetter || isOptional;
-}
-
 // The folder of a path with a "/" at its end, in lower case; empty unless it is absolute and says plainly where it is.
 std::string FolderOf(std::string_view path)
 {
@@ -104,27 +86,51 @@ std::string FolderOf(std::string_view path)
     return folder.empty() || folder.ends_with('/') ? folder : folder + '/';
 }
 
-// Whether a file below the folder may have a path that begins like this.
-bool IsAlong(const std::string& folder, const std::string& start)
+// Whether the pattern may match an absolute path, which begins with a "/" or with the letter of a drive.
+bool MayMatchAPath(const std::string& pattern)
 {
-    return folder.empty() || folder.starts_with(start) || start.starts_with(folder);
+    static constexpr std::string_view LETTERS = "abcdefghijklmnopqrstuvwxyz";
+    return MayMatchBeyond(pattern, "/") || std::any_of(LETTERS.begin(), LETTERS.end(), [&pattern](char letter) {
+        return MayMatchBeyond(pattern, std::string{letter, ':'});
+    });
 }
 
-// The first folder that is searched, if the pattern begins with other folders than all that are; otherwise empty.
-std::string FolderLeftOut(const TableBean& bean)
+// Whether the pattern may match the path of a file below the folder; a long path counts by its beginning.
+bool MayMatchBelow(const std::string& pattern, std::string_view path)
 {
-    const std::string start = LiteralStart(LowerName(bean.dbName));
-    std::string first;
+    static constexpr std::size_t MOST_LETTERS = 128;
+    const std::string folder = FolderOf(path);
+    return folder.empty() || MayMatchBeyond(pattern, std::string_view(folder).substr(0, MOST_LETTERS));
+}
+
+// The first folder that is searched, if the pattern matches nothing below any of them; otherwise empty.
+std::string FolderLeftOut(const TableBean& bean, const std::string& pattern)
+{
+    static constexpr std::ptrdiff_t MOST_PATHS = 4; // one is the rule, and a foreign file may have any number
+    std::vector<std::string_view> searched;
     for (const DbPath& path : bean.paths) {
-        const std::string folder = FolderOf(path.value);
         if (path.isKept && !path.value.empty()) {
-            if (IsAlong(folder, start)) {
-                return "";
-            }
-            first = first.empty() ? std::string(path.value) : first;
+            searched.push_back(path.value);
         }
     }
-    return first;
+    const bool isLeftOut = !searched.empty() && std::ssize(searched) <= MOST_PATHS
+        && std::none_of(searched.begin(), searched.end(),
+            [&pattern](std::string_view path) { return MayMatchBelow(pattern, path); });
+    return isLeftOut ? std::string(searched.front()) : "";
+}
+
+void CheckPattern(const TableBean& bean, Report& report)
+{
+    const std::string pattern = LowerName(bean.dbName);
+    if (!IsFilePattern(pattern)) {
+        return; // another check reports it
+    }
+    if (!MayMatchAPath(pattern)) {
+        AddAboutPattern(bean, "does not cover the folders of a path", "let it begin with .*/", report);
+    } else if (const std::string folder = FolderLeftOut(bean, pattern); !folder.empty()) {
+        AddAboutPattern(bean, "matches no path below " + Quoted(folder) + ", which is searched", "let it begin with .*/",
+            report);
+    }
 }
 
 void CheckCover(const Subject& subject, Report& report)
@@ -133,11 +139,8 @@ void CheckCover(const Subject& subject, Report& report)
         if (bean.dbName.empty()) {
             report.Add(bean.dbNameElement ? bean.dbNameElement : bean.element, Named(bean) + " have no pattern",
                 {.help = "give them a \"dbName\" with a \"name\": .*/usage\\.db"});
-        } else if (bean.dbName.find('|') == NOWHERE && !CanBeginAPath(bean.dbName)) {
-            AddAboutPattern(bean, "does not cover the folders of a path", "let it begin with .*/", report);
-        } else if (const std::string folder = FolderLeftOut(bean); !folder.empty()) {
-            AddAboutPattern(bean, "begins with other folders than " + Quoted(folder) + ", which is searched",
-                "let it begin with .*/", report);
+        } else {
+            CheckPattern(bean, report);
         }
     }
 }
@@ -265,9 +268,9 @@ constexpr Check CHECKS[] = {
         "path nor pattern has the letters.",
         "\"decompression\" is not looked at: a file is unpacked if its path has the letters \"zip\"", CheckArchives},
     {"A816", Severity::ERROR, CheckClass::STATIC, "pattern that does not cover the path",
-        "A \"dbName\" that is missing or empty, or begins with a letter that no path begins with, or with other folders than "
-        "every \"dbPath\". Files behind a link have the path of their real place: where one leads out of the folders, the "
-        "pattern may be right.",
+        "A \"dbName\" that is missing or empty, that matches no path at all, as one for the name of a file alone, or none "
+        "below any \"dbPath\". Files behind a link have the path of their real place: where one leads out of the folders, "
+        "the pattern may be right.",
         "the pattern must match the whole path, and no file is found", CheckCover},
     {"A817", Severity::ERROR, CheckClass::STATIC, "pattern that is no regular expression",
         "A \"dbName\" that is no regular expression in the grammar of ECMAScript, or longer than 4096 characters.",
