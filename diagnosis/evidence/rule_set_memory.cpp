@@ -1,14 +1,39 @@
 #include "diagnosis/evidence/rule_set_memory.h"
 
+#include <algorithm>
+#include <filesystem>
 #include <functional>
+#include <string_view>
+#include <vector>
 
+#include "arborist/frame/rule_set_summary.h"
 #include "diagnosis/text/file_text.h"
 
 namespace diagnosis {
 
+namespace fs = std::filesystem;
+
 namespace {
 
 using rule_source::RuleSetPaths;
+
+// The prefixes of the rule sets in a folder, in order; an empty one for the rule set without.
+std::vector<std::string> PrefixesIn(const std::string& folder)
+{
+    static constexpr std::string_view TREE_FILE = "FaultTrees.xml";
+    std::vector<std::string> prefixes;
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+        const std::string name = entry->path().filename().string();
+        if (name == TREE_FILE) {
+            prefixes.emplace_back();
+        } else if (name.ends_with("_" + std::string(TREE_FILE))) {
+            prefixes.push_back(name.substr(0, name.size() - TREE_FILE.size() - 1));
+        }
+    }
+    std::sort(prefixes.begin(), prefixes.end());
+    return prefixes;
+}
 
 // A file that can't be read is like an empty one.
 std::size_t DigestOf(const std::string& path)
@@ -33,6 +58,25 @@ std::shared_ptr<const RuleSetWarnings> RuleSetMemory::Check(const RuleSetPaths& 
         mKnown.clear();
     }
     return mKnown[key] = CheckRuleSet(paths, tag);
+}
+
+void RuleSetMemory::CheckFolder(const std::string& folder)
+{
+    for (const std::string& prefix : PrefixesIn(folder)) {
+        CheckTags({TreeFilePath(folder, prefix), RuleFilePath(folder, prefix)});
+    }
+}
+
+void RuleSetMemory::CheckTags(const RuleSetPaths& paths)
+{
+    const std::size_t trees = DigestOf(paths.treeFile);
+    const std::size_t rules = DigestOf(paths.ruleFile);
+    const rule_source::RuleSetFiles files = rule_source::ReadRuleSetFiles(paths);
+    for (const std::string& tag : rule_source::TagsOf(files.TreeRoot(), rule_source::Element())) {
+        if (mKnown.size() < LARGEST_NUMBER) {
+            mKnown[Key(paths.treeFile, paths.ruleFile, tag, trees, rules)] = std::make_shared<RuleSetWarnings>(files, tag);
+        }
+    }
 }
 
 } // namespace diagnosis

@@ -21,12 +21,21 @@ class RuleSetMemory {
 public:
     std::shared_ptr<const RuleSetWarnings> Check(const rule_source::RuleSetPaths& paths, const std::string& tag);
 
+    /// Checks every rule set of a folder under each of its tags, until the memory is full. For a process that is about to
+    /// fork workers, which then share what was found.
+    void CheckFolder(const std::string& folder);
+
+    /// How many rule sets are remembered, each under one tag.
+    std::size_t Count() const { return mKnown.size(); }
+
 private:
     /// At this many entries the memory is cleared, as a batch of foreign bundles may have a rule set for each.
     static constexpr std::size_t LARGEST_NUMBER = 64;
 
     /// The paths, too, as they stand in warnings.
     using Key = std::tuple<std::string, std::string, std::string, std::size_t, std::size_t>;
+
+    void CheckTags(const rule_source::RuleSetPaths& paths);
 
     std::map<Key, std::shared_ptr<const RuleSetWarnings>> mKnown;
 };

@@ -167,6 +167,44 @@ TEST(RuleSetMemory, ChecksEqualFilesUnderOneTagOnceAndOthersAnew)
     EXPECT_NE(memory.Check(paths, "Laptop"), known);
 }
 
+TEST(RuleSetMemory, KnowsEveryRuleSetOfAFolderThatWasCheckedBefore)
+{
+    const TempDir dir;
+    SampleNamed("A303").CopyTo(dir, "bad");
+    for (const char* file : {"FaultTrees.xml", "FaultTreeRules.xml"}) {
+        dir.Write(std::string("rules/") + file, dir.Read(file));
+        dir.Write(std::string("rules/P_") + file, dir.Read(file));
+    }
+    dir.Write("rules/Q_FaultTrees.xml", "<F><One/><Two/></F>");
+    dir.Write("rules/OtherFaultTrees.xml", "<F><Three/></F>"); // no file of a rule set
+    diagnosis::RuleSetMemory memory;
+    memory.CheckFolder("rules");
+    EXPECT_EQ(memory.Count(), 4U);
+    for (const std::string start : {"rules/", "rules/P_"}) {
+        const auto known = memory.Check({start + "FaultTrees.xml", start + "FaultTreeRules.xml"}, "Laptop");
+        diagnosis::WarningList told;
+        known->AddTo(told);
+        EXPECT_THAT(Texts(told.Told()), Contains(testing::HasSubstr("A303")));
+    }
+    memory.Check({"rules/Q_FaultTrees.xml", "rules/Q_FaultTreeRules.xml"}, "Two");
+    EXPECT_EQ(memory.Count(), 4U);
+    memory.CheckFolder("none");
+    EXPECT_EQ(memory.Count(), 4U);
+}
+
+TEST(RuleSetMemory, RemembersNoMoreOfAFolderThanThereIsRoomFor)
+{
+    const TempDir dir;
+    std::string tags;
+    for (int i = 0; i < 70; ++i) {
+        tags += "<T" + std::to_string(i) + "/>";
+    }
+    dir.Write("FaultTrees.xml", "<F>" + tags + "</F>");
+    diagnosis::RuleSetMemory memory;
+    memory.CheckFolder(".");
+    EXPECT_EQ(memory.Count(), 64U);
+}
+
 TEST(RuleSetMemory, TellsEveryBundleOfARememberedRuleSet)
 {
     const TempDir dir;

@@ -128,6 +128,10 @@ ExitStatus DetectBatch(DetectOptions& options)
     }
     options.bundles = TakeShard(options.bundles, ParseShard(options.shard).value_or(Shard{}));
     options.batch.timeout = Milliseconds(options.timeout);
+    if (!options.run.detection.overrides.rules.empty()) {
+        // A rule set from the command line is checked here, and those of foreign bundles in the workers, which may crash.
+        options.run.detection.ruleSets->CheckFolder(options.run.detection.overrides.rules);
+    }
     const std::vector<BundlePath> bundles = BundlePaths(options.bundles);
     return options.output.empty() ? RunBatch(bundles, MakeBatchWork(options), options.batch)
                                   : RunBatchIntoFile(bundles, MakeBatchWork(options), options);
