@@ -22,6 +22,8 @@ using rule_set::ReachedTree;
 using rule_set::ReadRuleSet;
 using rule_set::Shown;
 
+constexpr char IMPORT_SCHEMA[] = "arborist.rules.import.1";
+
 void WritePlace(const Place& place, JsonWriter& json)
 {
     json.Text("file", place.file);
@@ -222,6 +224,25 @@ std::string ReachJson(const ReadRuleSet& rules, const std::vector<lint::DevicePr
     }
     json.EndArray().EndObject();
     return json.Line();
+}
+
+std::string ImportJson(
+    const std::string& file, const rule_set::open_psa::ImportedTrees& imported, const std::string& output)
+{
+    JsonWriter json;
+    json.BeginObject().Text("schema", IMPORT_SCHEMA).Text("file", file);
+    json.Key("trees").Number(static_cast<std::int64_t>(imported.trees));
+    json.Key("probabilitiesLeftOut").Number(static_cast<std::int64_t>(imported.withProbabilities));
+    json.Text(output.empty() ? "text" : "output", output.empty() ? imported.text : output);
+    return json.EndObject().Line();
+}
+
+std::string ImportFailureJson(const std::string& file, const Failure& failure)
+{
+    JsonWriter json;
+    json.BeginObject().Text("schema", IMPORT_SCHEMA).Text("file", file);
+    WriteError(json, failure);
+    return json.EndObject().Line();
 }
 
 std::string RulesFailureJson(const std::string& command, const std::string& folder, const Failure& failure)

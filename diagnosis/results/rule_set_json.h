@@ -7,6 +7,7 @@
 #include "diagnosis/lint/base/subject.h"
 #include "diagnosis/problem.h"
 #include "diagnosis/rule_set/difference.h"
+#include "diagnosis/rule_set/open_psa/import.h"
 #include "diagnosis/rule_set/read_rule_set.h"
 
 namespace diagnosis {
@@ -20,7 +21,13 @@ std::string DifferenceJson(const rule_set::ReadRuleSet& before, const rule_set::
     const std::vector<rule_set::Change>& changes);
 std::string ReachJson(const rule_set::ReadRuleSet& rules, const std::vector<lint::DeviceProfile>& devices);
 
-/// Why one of the commands, "list", can't be carried out.
+/// What became of an imported file; `output` is the tree file that was written, empty if the object has the text itself.
+std::string ImportJson(
+    const std::string& file, const rule_set::open_psa::ImportedTrees& imported, const std::string& output);
+/// Why a file was not imported.
+std::string ImportFailureJson(const std::string& file, const Failure& failure);
+
+/// Why one of the other commands, "list", can't be carried out.
 std::string RulesFailureJson(const std::string& command, const std::string& folder, const Failure& failure);
 /// Why lint can't be carried out: an object with "error".
 std::string LintFailureJson(const Failure& failure);

@@ -185,6 +185,32 @@ TEST_F(RulesCommand, ImportsToStandardOutputAndTellsWhatItLeavesOut)
     EXPECT_EQ(Rules({"import", "model.xml", "--tag", "a b"}).status, 2);
 }
 
+TEST_F(RulesCommand, ImportsAsJsonOfTheSchema)
+{
+    const auto importAs = [](const std::string& name, std::vector<std::string> arguments) {
+        const auto result = Rules([&arguments] {
+            arguments.insert(arguments.begin(), {"import", "model.xml", "--json"});
+            return arguments;
+        }());
+        const Json::Value schema = ParsedJson(PageOfDocs("rules.schema.json"));
+        Json::Value part = schema["$defs"][name];
+        part["$defs"] = schema["$defs"];
+        const Json::Value line = ParsedJson(result.out);
+        EXPECT_THAT(Violations(part, line), IsEmpty());
+        EXPECT_EQ(line["file"].asString(), "model.xml");
+        const std::string message = line["error"]["message"].asString();
+        EXPECT_EQ(result.err, message.empty() ? "" : "arborist: " + message + "\n");
+        return line;
+    };
+    EXPECT_EQ(importAs("importFailure", {})["error"]["code"].asString(), "bad_model");
+    mDir.Write("model.xml", "<opsa-mef><define-fault-tree name=\"T\"><define-gate name=\"G\"><basic-event name=\"A\"/>"
+        "</define-gate></define-fault-tree><model-data><define-basic-event name=\"A\"/></model-data></opsa-mef>");
+    EXPECT_EQ(importAs("import", {})["text"].asString(), Rules({"import", "model.xml"}).out);
+    mDir.MakeDir("new");
+    EXPECT_EQ(importAs("import", {"--output", "new"})["output"].asString(), "new/FaultTrees.xml");
+    EXPECT_EQ(importAs("importFailure", {"--output", "new"})["error"]["code"].asString(), "not_written");
+}
+
 TEST_F(RulesCommand, ShowsForeignNamesOnOneLine)
 {
     mDir.Write("a/FaultTrees.xml", TreeXml("Tag").Tree("T", Or({Basic("A\x1b[31m\nB")})).Text());

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "diagnosis/results/rule_set_json.h"
 #include "diagnosis/rule_set/new_rule_set.h"
 #include "diagnosis/rule_set/open_psa/import.h"
 #include "diagnosis/rule_set/read_rule_set.h"
@@ -36,6 +37,7 @@ struct ImportOptions {
     std::string file;
     std::string tag = "Imported";
     std::string folder;
+    bool asJson = false;
 };
 
 // Words that may be the name of an element.
@@ -48,37 +50,52 @@ std::string TagProblem(const std::string& tag)
     return isName ? "" : "a tag is a letter or \"_\", and then letters, digits, \"_\", \"-\" and \".\"";
 }
 
-// Keeps a tree file that is there: an author may have worked on it.
-std::optional<std::string> WriteTreeFile(const std::string& text, const std::string& folder)
+std::string TreeFileIn(const std::string& folder)
 {
-    const std::string path = folder + "/FaultTrees.xml";
-    std::error_code error;
-    if (std::filesystem::exists(path, error)) {
-        return path + ": is there already";
-    }
-    return WriteNewFile(path, text);
+    return folder + "/FaultTrees.xml";
 }
 
-ExitStatus Import(const ImportOptions& options)
+// Keeps a tree file that is there: an author may have worked on it.
+std::optional<Failure> WriteTreeFile(const std::string& text, const std::string& folder)
 {
-    rule_set::open_psa::ImportedTrees imported;
-    if (const auto failure = rule_set::open_psa::Import(options.file, options.tag, imported)) {
-        return FailureStatus(*failure);
+    const std::string path = TreeFileIn(folder);
+    std::error_code error;
+    const auto problem =
+        std::filesystem::exists(path, error) ? std::optional(path + ": is there already") : WriteNewFile(path, text);
+    return problem ? std::optional(Failure{"not_written", *problem, ExitStatus::WRONG_USE}) : std::nullopt;
+}
+
+std::optional<Failure> Import(const ImportOptions& options, rule_set::open_psa::ImportedTrees& imported)
+{
+    if (auto failure = rule_set::open_psa::Import(options.file, options.tag, imported)) {
+        return failure;
     }
     if (imported.withProbabilities > 0) {
         PrintError(options.file + ": the probabilities of " + std::to_string(imported.withProbabilities)
             + (imported.withProbabilities == 1 ? " definition is" : " definitions are") + " left out: a tree file has none");
     }
-    if (options.folder.empty()) {
-        PrintResult(imported.text);
-        return ExitStatus::SUCCESS;
+    return options.folder.empty() ? std::nullopt : WriteTreeFile(imported.text, options.folder);
+}
+
+std::string ImportText(const rule_set::open_psa::ImportedTrees& imported, const std::string& folder)
+{
+    return folder.empty() ? imported.text
+                          : Printable(TreeFileIn(folder)) + ": " + std::to_string(imported.trees)
+            + (imported.trees == 1 ? " tree\n" : " trees\n");
+}
+
+ExitStatus Import(const ImportOptions& options)
+{
+    rule_set::open_psa::ImportedTrees imported;
+    if (const auto failure = Import(options, imported)) {
+        if (options.asJson) {
+            PrintResult(ImportFailureJson(options.file, *failure) + "\n");
+        }
+        return FailureStatus(*failure);
     }
-    if (const auto problem = WriteTreeFile(imported.text, options.folder)) {
-        PrintError(*problem);
-        return ExitStatus::WRONG_USE;
-    }
-    PrintResult(Printable(options.folder) + "/FaultTrees.xml: " + std::to_string(imported.trees)
-        + (imported.trees == 1 ? " tree\n" : " trees\n"));
+    PrintResult(options.asJson
+            ? ImportJson(options.file, imported, options.folder.empty() ? "" : TreeFileIn(options.folder)) + "\n"
+            : ImportText(imported, options.folder));
     return ExitStatus::SUCCESS;
 }
 
@@ -121,6 +138,7 @@ void AddImportCommand(Command rules, ExitStatus& status)
     import.Add("FILE", options->file, "File with AND, OR and k of n over gates and basic events").Required();
     import.Add("--tag", options->tag, "Tag of the trees").Takes("TAG").Check(TagProblem).ShowDefault();
     import.Add("-o,--output", options->folder, "Folder for FaultTrees.xml; standard output without it").Takes("DIR");
+    import.AddFlag("--json", options->asJson, "One JSON object");
     import.Footer("Example:\n  arborist rules import model.xml --tag Device --output rules");
     import.OnCall([options, &status] { status = Import(*options); });
 }
