@@ -8,10 +8,13 @@
 #include <filesystem>
 #include <fstream>
 #include <string_view>
+#include <utility>
 
 namespace diagnosis {
 
 namespace {
+
+constexpr int MINUTES_OF_A_DAY = 1440;
 
 // Parses a POSIX rule: names and offsets, and for a zone with summer time the two days on which clocks change. Written
 // by hand, as compiling a regular expression for it takes longer than a whole detection.
@@ -167,6 +170,36 @@ std::optional<std::tm> ParseDate(const std::string& text)
     return IsInCalendar(date) ? std::optional(date) : std::nullopt;
 }
 
+long OffsetAt(std::time_t seconds)
+{
+    std::tm date = {};
+    return localtime_r(&seconds, &date) == nullptr ? 0 : date.tm_gmtoff;
+}
+
+// The first and the last moment at which clocks show `text`: two where they are turned back. Which of the two mktime
+// finds depends on what it was asked before.
+std::optional<std::pair<std::int64_t, std::int64_t>> MomentsOf(const std::string& text)
+{
+    constexpr std::int64_t A_DAY = 86400;
+    auto date = ParseDate(text);
+    const std::int64_t found = date ? std::mktime(&*date) : 0;
+    // A time in an hour that the clocks skip is formatted as another one.
+    if (!date || FormatMoment(found) != text) {
+        return std::nullopt;
+    }
+    const std::int64_t first = found + OffsetAt(found) - OffsetAt(found - A_DAY);
+    const std::int64_t last = found + OffsetAt(found) - OffsetAt(found + A_DAY);
+    return std::pair(FormatMoment(first) == text ? std::min(first, found) : found,
+        FormatMoment(last) == text ? std::max(last, found) : found);
+}
+
+std::string MinuteText(const std::string& day, int minute, const char* seconds)
+{
+    char text[16];
+    std::snprintf(text, sizeof text, " %02d:%02d:%s", minute / 60, minute % 60, seconds);
+    return day + text;
+}
+
 } // namespace
 
 bool IsTimeZone(const std::string& zone)
@@ -207,13 +240,33 @@ std::optional<std::int64_t> ParseMoment(const std::string& text)
     if (const auto seconds = ParseSeconds(text)) {
         return seconds;
     }
-    auto date = ParseDate(text);
-    if (!date) {
-        return std::nullopt;
+    const auto moments = MomentsOf(text);
+    return moments ? std::optional(moments->first) : std::nullopt;
+}
+
+bool IsDay(const std::string& text)
+{
+    return text.size() == std::string_view("2024-05-19").size() && ParseDate(text + " 00:00:00");
+}
+
+std::optional<std::int64_t> FirstSecondOf(const std::string& day)
+{
+    for (int minute = 0; IsDay(day) && minute < MINUTES_OF_A_DAY; ++minute) {
+        if (const auto moments = MomentsOf(MinuteText(day, minute, "00"))) {
+            return moments->first;
+        }
     }
-    const std::int64_t seconds = std::mktime(&*date);
-    // A time in an hour that the clocks skip is formatted as another one.
-    return FormatMoment(seconds) == text ? std::optional(seconds) : std::nullopt;
+    return std::nullopt;
+}
+
+std::optional<std::int64_t> LastSecondOf(const std::string& day)
+{
+    for (int minute = MINUTES_OF_A_DAY; IsDay(day) && minute-- > 0;) {
+        if (const auto moments = MomentsOf(MinuteText(day, minute, "59"))) {
+            return moments->second;
+        }
+    }
+    return std::nullopt;
 }
 
 std::optional<std::string> FormatMoment(std::int64_t seconds)

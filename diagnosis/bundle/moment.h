@@ -16,8 +16,16 @@ bool IsTimeZone(const std::string& zone);
 std::string ZoneOfThisMachine();
 
 /// Converts "YYYY-MM-DD HH:MM:SS" in local time, or a number of seconds, to seconds since the epoch. Nothing for any
-/// other text, for a date that doesn't exist, and for a time in an hour that the clocks skip.
+/// other text, for a date that doesn't exist, and for a time in an hour that the clocks skip. In an hour that comes
+/// twice, as clocks are turned back, a time stands for the first of both.
 std::optional<std::int64_t> ParseMoment(const std::string& text);
+
+/// True for a date of the calendar, "YYYY-MM-DD".
+bool IsDay(const std::string& text);
+/// The first and the last second of a local day "YYYY-MM-DD", also where clocks are changed at midnight. Nothing for any
+/// other text, and for a day that the zone leaves out.
+std::optional<std::int64_t> FirstSecondOf(const std::string& day);
+std::optional<std::int64_t> LastSecondOf(const std::string& day);
 
 /// True if ParseMoment accepts the text in some zone: its form and its date are valid.
 bool IsMomentText(const std::string& text);

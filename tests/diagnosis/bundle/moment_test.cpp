@@ -7,9 +7,12 @@
 
 namespace {
 
+using diagnosis::FirstSecondOf;
 using diagnosis::FormatMoment;
+using diagnosis::IsDay;
 using diagnosis::IsMomentText;
 using diagnosis::IsTimeZone;
+using diagnosis::LastSecondOf;
 using diagnosis::ParseMoment;
 using diagnosis::TimeZoneGuard;
 
@@ -60,6 +63,41 @@ TEST(MomentTest, WhatIsNoMomentIsNone)
     EXPECT_TRUE(IsMomentText("2024-02-29 00:00:00"));
     EXPECT_EQ(FormatMoment(INT64_MAX), std::nullopt);
     EXPECT_EQ(FormatMoment(253402300800), std::nullopt) << "the year 10000";
+}
+
+TEST(MomentTest, AnHourThatComesTwiceIsTheFirstWhateverWasAskedBefore)
+{
+    const TimeZoneGuard zone(BERLIN);
+    for (const char* before : {"2024-07-01 12:00:00", "2024-12-01 12:00:00"}) {
+        ASSERT_TRUE(ParseMoment(before));
+        EXPECT_EQ(ParseMoment("2024-10-27 02:00:00"), 1729987200) << before;
+        EXPECT_EQ(ParseMoment("2024-10-27 02:59:59"), 1729990799) << before;
+        EXPECT_EQ(ParseMoment("2024-10-27 01:59:59"), 1729987199) << before;
+        EXPECT_EQ(ParseMoment("2024-10-27 03:00:00"), 1729994400) << before;
+    }
+}
+
+TEST(MomentTest, ADayReachesFromItsFirstSecondToItsLast)
+{
+    const TimeZoneGuard zone(BERLIN);
+    EXPECT_EQ(FirstSecondOf("2024-05-01"), ParseMoment("2024-05-01 00:00:00"));
+    EXPECT_EQ(LastSecondOf("2024-05-01"), ParseMoment("2024-05-01 23:59:59"));
+    for (const char* text : {"", "2024-02-30", "2024-05-1", "2024-05-01 00:00:00", "1714550400"}) {
+        EXPECT_FALSE(IsDay(text)) << text;
+        EXPECT_EQ(FirstSecondOf(text), std::nullopt) << text;
+        EXPECT_EQ(LastSecondOf(text), std::nullopt) << text;
+    }
+}
+
+// Clocks that are changed at midnight: forward from 00:00 to 01:00, and back from 00:00 to 23:00 of the day before.
+TEST(MomentTest, ADayHasEndsWhereTheClocksAreChangedAtMidnight)
+{
+    const TimeZoneGuard zone("AAA3BBB,M10.3.0/0,M2.3.0/0");
+    EXPECT_EQ(ParseMoment("2023-10-15 00:00:00"), std::nullopt);
+    EXPECT_EQ(FirstSecondOf("2023-10-15"), ParseMoment("2023-10-15 01:00:00"));
+    EXPECT_EQ(*FirstSecondOf("2023-10-15"), *LastSecondOf("2023-10-14") + 1);
+    EXPECT_EQ(*ParseMoment("2024-02-17 23:59:59") + 3600, LastSecondOf("2024-02-17"));
+    EXPECT_EQ(*FirstSecondOf("2024-02-18"), *LastSecondOf("2024-02-17") + 1);
 }
 
 } // namespace

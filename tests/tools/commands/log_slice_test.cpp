@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 
 #include <gtest/gtest.h>
@@ -23,8 +24,11 @@ protected:
     // "event keys | keys of moments" of the slice.
     std::string Slice(const std::vector<std::string>& options) const
     {
-        std::vector<std::string> arguments = {"log", "slice", "log.db", "--to", "slice.db", "--tz", "UTC"};
+        std::vector<std::string> arguments = {"log", "slice", "log.db", "--to", "slice.db"};
         arguments.insert(arguments.end(), options.begin(), options.end());
+        if (std::find(options.begin(), options.end(), "--tz") == options.end()) {
+            arguments.insert(arguments.end(), {"--tz", "UTC"});
+        }
         const auto before = mDir.Read("log.db");
         const auto result = RunArborist(arguments);
         EXPECT_EQ(result.status, 0) << result.err;
@@ -107,6 +111,32 @@ TEST_F(LogSliceTest, TablesOfOthersAndTheOldLogStay)
     EXPECT_EQ(result.status, 4);
     EXPECT_EQ(mDir.Read("slice.db"), before);
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator("."), {}), 3);
+}
+
+TEST_F(LogSliceTest, TheFoldersOfTheTargetAreMade)
+{
+    EXPECT_EQ(RunArborist({"log", "slice", "log.db", "--to", "a/b/log.db"}).status, 0);
+    EXPECT_TRUE(mDir.Has("a/b/log.db"));
+    const auto below = RunArborist({"log", "slice", "log.db", "--to", "log.db/a/log.db"});
+    EXPECT_EQ(below.err, "arborist: log.db/a/log.db: can't be written: Not a directory\n");
+    EXPECT_EQ(below.status, 4);
+}
+
+// Clocks that go from 00:00 to 01:00 on 2023-10-15, and on 2024-02-18 from 00:00 back to 23:00 of the day before.
+TEST_F(LogSliceTest, DatesAreWholeDaysWhereTheClocksAreChangedAtMidnight)
+{
+    constexpr std::int64_t FIRST = 1697338800; // 2023-10-15 01:00:00
+    constexpr std::int64_t LAST = 1708225199;  // 2024-02-17 23:59:59 for the second time
+    EventLogBuilder().Rows({{FIRST - 1, 1, "", ""}, {FIRST, 1, "", ""}, {LAST, 1, "", ""}, {LAST + 1, 1, "", ""}})
+        .WriteTo(mDir.Path("log.db"));
+    const std::vector<std::string> zone = {"--tz", "AAA3BBB,M10.3.0/0,M2.3.0/0"};
+    const auto slice = [this, &zone](std::vector<std::string> options) {
+        options.insert(options.end(), zone.begin(), zone.end());
+        return Slice(options);
+    };
+    EXPECT_EQ(slice({"--from", "2023-10-15", "--until", "2024-02-17"}), "2 3|2 3");
+    EXPECT_EQ(slice({"--as-of", "2024-02-17"}), "1 2 3|1 2 3");
+    EXPECT_EQ(slice({"--as-of", "2023-10-14"}), "1|1");
 }
 
 TEST_F(LogSliceTest, TheLogThatIsReadIsNotReplaced)

@@ -24,20 +24,22 @@ struct LogFileOptions {
     bool asSeconds = false;
 };
 
-// True for a date without a time of day, "2024-05-19".
-bool IsDate(const std::string& text)
-{
-    return text.size() == std::string_view("2024-05-19").size() && IsMomentText(text + " 00:00:00");
-}
+using DayEnd = std::optional<std::int64_t> (*)(const std::string& day);
 
-// The moment of --as-of; wrong use after a message if it doesn't exist in the time zone. Nothing for the empty text.
-bool ReadAsOf(const std::string& text, std::optional<std::int64_t>& asOf)
+// The moment of an option, where a date stands for its first or last second. Nothing for the empty text; false after a
+// message for a moment that doesn't exist in the time zone.
+bool ReadMoment(const std::string& text, DayEnd ofDay, std::optional<std::int64_t>& moment)
 {
-    asOf = ParseMoment(IsDate(text) ? text + " 23:59:59" : text);
-    if (!text.empty() && !asOf) {
+    moment = IsDay(text) ? ofDay(text) : ParseMoment(text);
+    if (!text.empty() && !moment) {
         PrintError("the moment \"" + text + "\" does not exist in the time zone");
     }
-    return text.empty() || asOf;
+    return text.empty() || moment;
+}
+
+bool ReadAsOf(const std::string& text, std::optional<std::int64_t>& asOf)
+{
+    return ReadMoment(text, LastSecondOf, asOf);
 }
 
 ExitStatus Finish(const std::vector<Failure>& failures)
@@ -107,16 +109,9 @@ ExitStatus Slice(const SliceOptions& options)
 {
     const TimeZoneGuard zone(options.zone);
     LogSlice slice;
-    slice.from = ParseMoment(IsDate(options.from) ? options.from + " 00:00:00" : options.from);
-    slice.until = ParseMoment(IsDate(options.until) ? options.until + " 23:59:59" : options.until);
-    if (!ReadAsOf(options.asOf, slice.asOf)) {
+    if (!ReadAsOf(options.asOf, slice.asOf) || !ReadMoment(options.from, FirstSecondOf, slice.from)
+        || !ReadMoment(options.until, LastSecondOf, slice.until)) {
         return ExitStatus::WRONG_USE;
-    }
-    for (const auto& [text, moment] : {std::pair(&options.from, &slice.from), std::pair(&options.until, &slice.until)}) {
-        if (!text->empty() && !*moment) {
-            PrintError("the moment \"" + *text + "\" does not exist in the time zone");
-            return ExitStatus::WRONG_USE;
-        }
     }
     slice.ids = ParseIdRanges(options.ids).value_or(slice.ids);
     if (options.lastDays >= 0) {
@@ -129,7 +124,7 @@ ExitStatus Slice(const SliceOptions& options)
 void AddMomentOption(Command app, const std::string& name, std::string& moment, const std::string& description)
 {
     app.Add(name, moment, description).Takes("TIME").Check([](const std::string& text) {
-        return IsMomentText(text) || IsDate(text)
+        return IsMomentText(text) || IsDay(text)
             ? "" : "is neither \"YYYY-MM-DD\", \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: " + text;
     });
 }
@@ -152,7 +147,7 @@ void AddSliceCommand(Command log, ExitStatus& status)
     auto options = std::make_shared<SliceOptions>();
     Command slice = log.AddCommand("slice", "Make an event log of a part of another");
     slice.Add("LOG.DB", options->file, "The event log, which stays as it is").Required();
-    slice.Add("--to", options->target, "The log.db to make; an old one is replaced")
+    slice.Add("--to", options->target, "The log.db to make, with its folders; an old one is replaced")
         .Takes("LOG.DB").Required();
     AddMomentOption(slice, "--from", options->from, "Events since then, inclusive; a date stands for its first second");
     AddMomentOption(slice, "--until", options->until, "Events until then, inclusive; a date stands for its last second");
