@@ -63,6 +63,8 @@ public:
     const std::vector<Warning>& GetWarnings() const { return mWarnings; }
     /// The current time of the bundle in seconds since the epoch.
     std::int64_t Now() const { return mMoment ? *mMoment : std::time(nullptr); }
+    /// The moment after which nothing counts; nothing without one.
+    std::optional<std::int64_t> AsOf() const { return mBundle.asOf.empty() ? std::nullopt : mMoment; }
     /// The library's input for the bundle, without a code rule runner.
     std::shared_ptr<DetectInfo> MakeDetectInfo() const;
     /// Absolute path at which the library finds a file below the fixed root ("Comms/Lumbra/...").

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "diagnosis/bundle/moment.h"
 #include "diagnosis/sqlite/connection.h"
 
 namespace diagnosis {
@@ -28,6 +29,30 @@ std::optional<Failure> ReadRepairRecords(const std::string& path, std::vector<Re
         return Failure{"bad_repair_records", path + ": " + database.GetError()};
     }
     return std::nullopt;
+}
+
+std::vector<RepairRecord> DeleteLaterRepairs(const std::string& path, std::int64_t moment)
+{
+    std::vector<RepairRecord> records;
+    if (ReadRepairRecords(path, records)) {
+        return {};
+    }
+    std::erase_if(records, [moment](const RepairRecord& record) {
+        const auto time = ParseMoment(record.date);
+        return !time || *time <= moment;
+    });
+    Connection database;
+    auto deletion = !records.empty() && database.Open(path, Connection::Mode::CREATE)
+        ? database.Prepare("DELETE FROM repair_data WHERE repair_id = ?1 AND repair_date = ?2") : std::nullopt;
+    for (const RepairRecord& record : records) {
+        if (deletion) {
+            deletion->Bind(1, record.id);
+            deletion->Bind(2, record.date);
+            deletion->Step();
+            deletion->Reset();
+        }
+    }
+    return records;
 }
 
 } // namespace diagnosis

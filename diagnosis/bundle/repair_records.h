@@ -1,6 +1,7 @@
 #ifndef ARBORIST_DIAGNOSIS_BUNDLE_REPAIR_RECORDS_H
 #define ARBORIST_DIAGNOSIS_BUNDLE_REPAIR_RECORDS_H
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,6 +23,10 @@ struct RepairRecord {
 /// Reads all records of the database at `path`, in the order in which they were first written. A database that does not
 /// exist has none.
 std::optional<Failure> ReadRepairRecords(const std::string& path, std::vector<RepairRecord>& records);
+
+/// Deletes the records of the database at `path` that are later than `moment`, in seconds, and returns them. A date that
+/// is none stays, and so does everything in a database that can't be read.
+std::vector<RepairRecord> DeleteLaterRepairs(const std::string& path, std::int64_t moment);
 
 } // namespace diagnosis
 

@@ -185,6 +185,9 @@ private:
             }
             auto failure = file == EVENT_LOG ? AddLog(source, mFiles.Path(name))
                                              : CopyDatabase(source, mFiles.Path(name));
+            if (file == REPAIR_RECORDS && !failure) {
+                ForgetLaterRepairs(mFiles.Path(name));
+            }
             failure = failure ? failure : mFiles.Count(name);
             if (failure) {
                 return failure;
@@ -195,13 +198,25 @@ private:
 
     Problem AddLog(const std::string& source, const std::string& target) const
     {
-        if (!mOptions.isWindowOnly || !mRuleSet.longestWindow) {
-            return CopyDatabase(source, target);
-        }
         LogSlice slice;
-        slice.from = mSession.Now() - *mRuleSet.longestWindow * SECONDS_OF_A_DAY;
-        slice.keepsLastBefore = true;
-        return SliceEventLog(source, target, slice);
+        slice.asOf = mSession.AsOf();
+        if (mOptions.isWindowOnly && mRuleSet.longestWindow) {
+            slice.from = mSession.Now() - *mRuleSet.longestWindow * SECONDS_OF_A_DAY;
+            slice.keepsLastBefore = true;
+        }
+        return slice.from || slice.asOf ? SliceEventLog(source, target, slice) : CopyDatabase(source, target);
+    }
+
+    // As of a moment, the bundle is the device as it was then.
+    void ForgetLaterRepairs(const std::string& path)
+    {
+        if (!mSession.AsOf()) {
+            return;
+        }
+        for (const RepairRecord& record : DeleteLaterRepairs(path, *mSession.AsOf())) {
+            mWarnings.push_back({"repair_history_lost", "the repair \"" + record.id + "\" was recorded later, at "
+                + record.date + ": it is left out, and an earlier date of it is not kept"});
+        }
     }
 
     Problem AddDescription()

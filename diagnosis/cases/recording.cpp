@@ -166,9 +166,8 @@ private:
             rule_source::ReadRuleSetFiles(InBundle(mBundle.ruleFileDir), mBundle.ruleFilePrefix);
         const rule_source::RuleSet ruleSet(files, mBundle.treeTag);
         const AskedRows asked(mReport.trees, ruleSet, mSession.Now());
-        const auto asOf = mBundle.asOf.empty() ? std::nullopt : std::optional(mSession.Now());
         std::vector<std::string> events;
-        auto failure = ShowEventLog(log, false, asOf,
+        auto failure = ShowEventLog(log, false, mSession.AsOf(),
             [this, &events](const ShownEvent& event) {
                 if (++mRows <= MOST_RECORDED_ROWS) {
                     events.push_back(EventJson(event));
@@ -201,7 +200,7 @@ private:
         JsonByKey repairs;
         for (const RepairRecord& record : records) {
             const auto moment = ParseMoment(record.date);
-            const bool isHidden = !mBundle.asOf.empty() && moment && *moment > mSession.Now();
+            const bool isHidden = moment && mSession.AsOf() && *moment > *mSession.AsOf();
             if (!isHidden && std::binary_search(known.begin(), known.end(), record.id)) {
                 repairs.emplace(record.id, QuotedJson(record.date));
             }

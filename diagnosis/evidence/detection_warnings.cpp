@@ -221,8 +221,8 @@ void DetectionWarnings::TellEventLog(const BundleSession& session)
         return;
     }
     const std::string version = Setting(session.GetBundle(), Settings::VERSION_NAME);
-    const EventLogLook look =
-        LookAtEventLog(session.ProgramDataPath(EVENT_LOG), {session.Now(), mHasBadExtra, version});
+    const EventLogLook look = LookAtEventLog(
+        session.ProgramDataPath(EVENT_LOG), {session.Now(), session.AsOf(), mHasBadExtra, version});
     const std::string& trouble = look.problem.empty() ? mEventLogTrouble : look.problem;
     if (!trouble.empty()) {
         mList.Add("event_log_unreadable", "the event log can't be read to its end: " + trouble);
@@ -248,9 +248,7 @@ void DetectionWarnings::TellEventLog(const BundleSession& session)
         tellRows("version_name_unknown", look.ofAVersion, "carry a version, and none of them is the setting "
             "\"VersionName\", " + Quoted(version) + ": rules that count from the last update on pass them over");
     }
-    if (session.GetBundle().asOf.empty()) {
-        tellRows("events_after_now", look.afterNow, "are later than now, and count; --as-of hides them");
-    }
+    tellRows("events_after_now", look.afterNow, "are later than now, and count; --as-of hides them");
     tellRows("bad_extra", look.badExtra, "have an \"extra\" that is no JSON object");
     for (const std::string& member : mBadMembers) {
         mList.Add("bad_extra", "the member " + Quoted(member) + " of an \"extra\" in the event log can't be used: it is "

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "diagnosis/bundle/moment.h"
+#include "diagnosis/log_db/hidden_rows.h"
 #include "diagnosis/sqlite/database_files.h"
 #include "diagnosis/text/json_text.h"
 #include "diagnosis/text/json_writer.h"
@@ -22,11 +23,13 @@ constexpr char CREATE_INDEXES[] =
     "CREATE INDEX event_info_event_id ON event_info (event_id);"
     "CREATE INDEX event_info_flow_event_pid ON event_info_flow (event_pid);";
 
-constexpr char SELECT_EVENTS[] =
-    "SELECT flow.occurrence_time, info.event_id, version.VERSION_NAME, info.extra FROM event_info AS info"
-    " LEFT JOIN event_info_flow AS flow ON flow.event_pid = info._ID"
-    " LEFT JOIN event_version AS version ON version._ID = info.version_id"
-    " WHERE ?1 IS NULL OR flow.occurrence_time IS NULL OR flow.occurrence_time <= ?1 ORDER BY info._ID, flow._ID";
+std::string SelectEvents()
+{
+    return "SELECT flow.occurrence_time, info.event_id, version.VERSION_NAME, info.extra FROM event_info AS info"
+        " LEFT JOIN event_info_flow AS flow ON flow.event_pid = info._ID AND NOT " + hidden_rows::IsLater("flow")
+        + " LEFT JOIN event_version AS version ON version._ID = info.version_id"
+        " WHERE NOT " + hidden_rows::IsHidden("info") + " ORDER BY info._ID, flow._ID";
+}
 
 std::string Quoted(const std::string& text)
 {
@@ -186,7 +189,7 @@ std::optional<Failure> ShowEventLog(const std::string& path, bool asSeconds, std
         return failure;
     }
     Connection& database = file.Get();
-    std::optional<Statement> rows = database.Prepare(SELECT_EVENTS);
+    std::optional<Statement> rows = database.Prepare(SelectEvents());
     if (!rows) {
         return Failure{"bad_log", path + ": " + database.GetError()};
     }

@@ -1,6 +1,7 @@
 #include "diagnosis/log_db/event_log_look.h"
 
 #include <optional>
+#include <utility>
 
 #include "diagnosis/sqlite/connection.h"
 
@@ -8,31 +9,51 @@ namespace diagnosis {
 
 namespace {
 
+// In each query ?1 is now, and ?2 the moment after which rows are hidden; null for none.
 constexpr char COUNT_ROWS[] =
     "SELECT count(*), total(flow._ID IS NULL), total(version._ID IS NULL), total(version.VERSION_NAME <> ''),"
     " total(info.extra <> '' AND (substr(info.extra, 1, 1) <> '{' OR substr(info.extra, -1) <> '}'))"
     ", total(flow.occurrence_time > ?1)"
     " FROM event_info AS info LEFT JOIN event_info_flow AS flow ON flow._ID = info._ID"
-    " LEFT JOIN event_version AS version ON version._ID = info.version_id";
+    " LEFT JOIN event_version AS version ON version._ID = info.version_id"
+    " WHERE ?2 IS NULL OR flow._ID IS NULL OR flow.occurrence_time <= ?2";
 constexpr char COUNT_BAD_EXTRA[] =
     "SELECT total(CASE WHEN json_valid(extra) THEN json_type(extra) <> 'object' ELSE 1 END) FROM event_info"
-    " WHERE extra <> ''";
+    " WHERE extra <> '' AND (?2 IS NULL OR _ID NOT IN (SELECT _ID FROM event_info_flow"
+    " WHERE _ID IS NOT NULL AND occurrence_time > ?2))";
 // Usually a row of times has the key of its parent; only then the expensive join can be left out.
-constexpr char COUNT_ADOPTED[] = "SELECT count(*) FROM event_info_flow WHERE event_pid IS NOT _ID";
+constexpr char COUNT_ADOPTED[] = "SELECT count(*) FROM event_info_flow WHERE event_pid IS NOT _ID"
+    " AND (?2 IS NULL OR occurrence_time <= ?2)";
 constexpr char COUNT_CHILDLESS[] =
     "SELECT count(*) FROM event_info AS info LEFT JOIN event_info_flow AS flow ON flow.event_pid = info._ID"
-    " WHERE flow.event_pid IS NULL";
+    " WHERE flow.event_pid IS NULL AND (?2 IS NULL OR info._ID NOT IN (SELECT _ID FROM event_info_flow"
+    " WHERE _ID IS NOT NULL AND occurrence_time > ?2))";
 
-// The single number that a query returns; nothing if it fails.
-std::optional<std::int64_t> Number(Connection& database, const char* query)
+// The first row that a query returns; nothing if it fails.
+std::optional<Statement> FirstRow(Connection& database, const char* query, const EventLogQuestion& question)
 {
     auto rows = database.Prepare(query);
-    return rows && rows->Step() ? std::optional(rows->Integer(0)) : std::nullopt;
+    if (!rows) {
+        return std::nullopt;
+    }
+    rows->Bind(1, question.now);
+    if (question.asOf) {
+        rows->Bind(2, *question.asOf);
+    }
+    return rows->Step() ? std::move(rows) : std::nullopt;
 }
 
-std::int64_t WithoutParent(Connection& database, std::int64_t withoutTime)
+// The single number that a query returns; nothing if it fails.
+std::optional<std::int64_t> Number(Connection& database, const char* query, const EventLogQuestion& question)
 {
-    return Number(database, COUNT_ADOPTED) == 0 ? withoutTime : Number(database, COUNT_CHILDLESS).value_or(0);
+    const auto row = FirstRow(database, query, question);
+    return row ? std::optional(row->Integer(0)) : std::nullopt;
+}
+
+std::int64_t WithoutParent(Connection& database, std::int64_t withoutTime, const EventLogQuestion& question)
+{
+    return Number(database, COUNT_ADOPTED, question) == 0
+        ? withoutTime : Number(database, COUNT_CHILDLESS, question).value_or(0);
 }
 
 bool IsVersionKnown(Connection& database, const std::string& version)
@@ -56,13 +77,8 @@ EventLogLook LookAtEventLog(const std::string& path, const EventLogQuestion& que
         return look;
     }
     database.LimitToFile();
-    auto rows = database.Prepare(COUNT_ROWS);
+    const auto rows = FirstRow(database, COUNT_ROWS, question);
     if (!rows) {
-        look.problem = database.GetError();
-        return look;
-    }
-    rows->Bind(1, question.now);
-    if (!rows->Step()) {
         look.problem = database.IsInterrupted() ? "" : database.GetError();
         return look;
     }
@@ -71,10 +87,10 @@ EventLogLook LookAtEventLog(const std::string& path, const EventLogQuestion& que
     look.withoutVersion = rows->Integer(2);
     look.ofAVersion = rows->Integer(3);
     look.afterNow = rows->Integer(5);
-    look.withoutParent = WithoutParent(database, look.withoutTime);
+    look.withoutParent = WithoutParent(database, look.withoutTime, question);
     look.isVersionKnown = question.version.empty() || IsVersionKnown(database, question.version);
     if (question.readsExtra || rows->Integer(4) > 0) {
-        look.badExtra = Number(database, COUNT_BAD_EXTRA).value_or(rows->Integer(4));
+        look.badExtra = Number(database, COUNT_BAD_EXTRA, question).value_or(rows->Integer(4));
     }
     return look;
 }

@@ -2,6 +2,7 @@
 #define ARBORIST_DIAGNOSIS_LOG_DB_EVENT_LOG_LOOK_H
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace diagnosis {
@@ -28,6 +29,8 @@ struct EventLogLook {
 struct EventLogQuestion {
     /// Seconds since the epoch.
     std::int64_t now = 0;
+    /// Rows later than this are hidden, and count nowhere.
+    std::optional<std::int64_t> asOf = std::nullopt;
     /// Parses every "extra" as JSON, also one that looks like an object.
     bool readsExtra = false;
     /// The version to look for; empty for none.

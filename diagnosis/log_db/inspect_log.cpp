@@ -9,6 +9,7 @@
 #include <json/reader.h>
 #include <json/value.h>
 
+#include "diagnosis/log_db/hidden_rows.h"
 #include "diagnosis/sqlite/database_files.h"
 
 namespace diagnosis {
@@ -18,16 +19,18 @@ namespace {
 constexpr std::size_t MOST_KEYS = 5;
 
 // Alarm rules join events and times by their keys, derived tables by event_pid: this checks both.
-constexpr char SELECT_ROWS[] =
-    "SELECT info._ID, info.event_id, typeof(info.event_id), info.extra, version._ID IS NULL, version.VERSION_NAME,"
-    " flow._ID IS NULL, flow.occurrence_time, typeof(flow.occurrence_time), named.pid IS NULL, named.first, named.last,"
-    " named.texts FROM event_info AS info"
-    " LEFT JOIN event_info_flow AS flow ON flow._ID = info._ID"
-    " LEFT JOIN event_version AS version ON version._ID = info.version_id"
-    " LEFT JOIN (SELECT event_pid AS pid, min(occurrence_time) AS first, max(occurrence_time) AS last,"
-    " sum(typeof(occurrence_time) <> 'integer') AS texts FROM event_info_flow GROUP BY event_pid) AS named"
-    " ON named.pid = info._ID WHERE ?1 IS NULL OR ifnull(flow.occurrence_time, named.first) IS NULL"
-    " OR ifnull(flow.occurrence_time, named.first) <= ?1";
+std::string SelectRows()
+{
+    return "SELECT info._ID, info.event_id, typeof(info.event_id), info.extra, version._ID IS NULL,"
+        " version.VERSION_NAME, flow._ID IS NULL, flow.occurrence_time, typeof(flow.occurrence_time), named.pid IS NULL,"
+        " named.first, named.last, named.texts FROM event_info AS info"
+        " LEFT JOIN event_info_flow AS flow ON flow._ID = info._ID AND NOT " + hidden_rows::IsLater("flow")
+        + " LEFT JOIN event_version AS version ON version._ID = info.version_id"
+        " LEFT JOIN (SELECT event_pid AS pid, min(occurrence_time) AS first, max(occurrence_time) AS last,"
+        " sum(typeof(occurrence_time) <> 'integer') AS texts FROM event_info_flow AS parent WHERE NOT "
+        + hidden_rows::IsLater("parent") + " GROUP BY event_pid) AS named ON named.pid = info._ID WHERE NOT "
+        + hidden_rows::IsHidden("info");
+}
 
 enum Column {
     KEY, EVENT, EVENT_TYPE, EXTRA, NO_VERSION, VERSION, NO_FLOW, TIME, TIME_TYPE, NOT_NAMED, FIRST, LAST, TEXT_TIMES
@@ -157,7 +160,7 @@ std::optional<Failure> InspectEventLog(
     if (auto failure = file.Open(path, "bad_log")) {
         return failure;
     }
-    auto rows = file.Get().Prepare(SELECT_ROWS);
+    auto rows = file.Get().Prepare(SelectRows());
     if (rows && asOf) {
         rows->Bind(1, *asOf);
     }

@@ -44,10 +44,22 @@ std::int64_t LatestResetOrUpdate(const std::string& directory)
     return std::max(parser.GetResetTime(), parser.GetUpdateTime());
 }
 
-// Whether an event of the selection has no time, or a text in its place.
+// The condition that a time is later, or not later, than the last moment that counts; empty if every moment counts.
+std::string ComparedWithLastMoment(const std::string& column, const char* relation)
+{
+    const std::int64_t last = TimeUtil::GetLastMoment();
+    return last == std::numeric_limits<std::int64_t>::max()
+        ? "" : " AND " + column + " " + relation + " " + std::to_string(last);
+}
+
+// Whether an event of the selection has no time, or a text in its place. An event that is found under its own key alone
+// is none if it is later than the last moment that counts.
 bool HasUnseenEvents(const FT::sql::SqlDatabase& database, const std::string& selection)
 {
-    return SilentLook::FindsRowOrFails(database, SELECT_EVENTS + selection +
+    const std::string later = ComparedWithLastMoment("own.occurrence_time", ">");
+    const std::string hidden = later.empty() ? "" : " AND event_info._ID NOT IN (SELECT own._ID FROM event_info_flow"
+        " AS own WHERE own._ID IS NOT NULL AND typeof(own.occurrence_time) = 'integer'" + later + ")";
+    return SilentLook::FindsRowOrFails(database, SELECT_EVENTS + selection + hidden +
         " AND (event_info_flow.event_pid IS NULL OR typeof(event_info_flow.occurrence_time) <> 'integer') LIMIT 1");
 }
 
@@ -93,10 +105,8 @@ std::string GenerateSql(const EventIdList& ids, const std::string& baseSql)
     const std::int64_t now = TimeUtil::GetTimeOfDay();
     const std::string selection = ids.IsEmpty() ? DEFAULT_EVENTS : ids.ToSql();
     const std::int64_t floor = now - (ids.IsEmpty() ? SEVEN_DAYS : THIRTY_DAYS);
-    const std::int64_t last = TimeUtil::GetLastMoment();
     return baseSql + selection + " AND event_info_flow.occurrence_time > " + std::to_string(floor)
-        + (last == std::numeric_limits<std::int64_t>::max()
-                ? "" : " AND event_info_flow.occurrence_time <= " + std::to_string(last));
+        + ComparedWithLastMoment("event_info_flow.occurrence_time", "<=");
 }
 
 std::int64_t QueryVersion(const FT::sql::SqlDatabase& database)

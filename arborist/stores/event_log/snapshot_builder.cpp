@@ -79,7 +79,9 @@ std::uint32_t SnapshotBuilder::NumberOf(std::int32_t id)
 
 void SnapshotBuilder::Drop(const Row& row)
 {
-    const std::int64_t time = row.hasTime ? row.time : std::numeric_limits<std::int64_t>::max();
+    using Limits = std::numeric_limits<std::int64_t>;
+    // A row that is hidden anyway is missed in no window; its id is one with a dropped row all the same.
+    const std::int64_t time = !row.hasTime ? Limits::max() : row.time > mLastMoment ? Limits::min() : row.time;
     std::int64_t& latest = mDropped.try_emplace(static_cast<std::int32_t>(row.id), time).first->second;
     latest = std::max(latest, time);
 }

@@ -80,6 +80,22 @@ TEST_F(EventSelectionTest, StatementEndsAtTheLastMomentThatCounts)
     EXPECT_EQ(Fetch(Ids({3})).size(), 1U);
 }
 
+TEST_F(EventSelectionTest, EventThatNoTimeNamesIsMissedUnlessItsOwnTimeIsLaterThanCounts)
+{
+    EventLogBuilder().Rows({{NOW - 2, 3, "", "{\"a\":1}"}, {NOW, 3, "", "{\"a\":2}"}})
+        .Sql("update event_info_flow set event_pid = 9 where _ID = 2").WriteTo(mPath);
+    const auto isWhole = [this](const std::string& last) {
+        mSettings.Set(Settings::AS_OF, last);
+        std::vector<Json::Value> rows;
+        bool whole = false;
+        EventSelection::GetLumbraDataByFilter(Ids({3}), mPath, rows, &whole);
+        return whole;
+    };
+    EXPECT_FALSE(isWhole(""));
+    EXPECT_FALSE(isWhole(std::to_string(NOW)));
+    EXPECT_TRUE(isWhole(std::to_string(NOW - 1)));
+}
+
 TEST_F(EventSelectionTest, DefaultClassHasItsBounds)
 {
     EventLogBuilder()

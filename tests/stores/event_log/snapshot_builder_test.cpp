@@ -92,6 +92,17 @@ TEST_F(SnapshotBuilderTest, DroppedRowsAreUnseen)
     EXPECT_TRUE(mSnapshot->HasUnseen(8, 8, NEVER)) << "its time is not known";
 }
 
+TEST_F(SnapshotBuilderTest, DroppedRowsAfterTheLastMomentAreMissedByNobody)
+{
+    mBuilder.AddRow(DroppedRow(7, 101, 1));
+    mBuilder.AddRow(DroppedRow(8, 101, 2));
+    mBuilder.AddRow(DroppedRow(8, 100, 3));
+    mBuilder.LeaveDroppedToQueries();
+    EXPECT_EQ(Built(), "7?; 8?; ");
+    EXPECT_FALSE(mSnapshot->HasUnseen(7, 7, -1000));
+    EXPECT_TRUE(mSnapshot->HasUnseen(8, 8, 100));
+}
+
 TEST_F(SnapshotBuilderTest, IdsAreLeftToQueriesWithTheirDroppedRowsOrAllTogether)
 {
     mBuilder.AddRow(RowOf(1, 10, 1));
