@@ -88,3 +88,15 @@ std::string DevicePaths::RealPath(const std::string& path, const std::string& re
     }
     return std::filesystem::canonical(resolved, error).generic_string();
 }
+
+RootedPath::Target DevicePaths::FindReal(const std::string& realPath, const std::string& realRoot)
+{
+    std::error_code error;
+    const std::string root = Setting(Settings::DEVICE_ROOT_DIR);
+    for (const std::string& folder : {realRoot, std::filesystem::current_path(error).string()}) {
+        if (!root.empty() && !folder.empty() && (realPath == folder || IsBelow(realPath, folder))) {
+            return RootedPath::Target(folder, "/" + realPath.substr(folder.size()));
+        }
+    }
+    return RootedPath::Target(root, realPath);
+}

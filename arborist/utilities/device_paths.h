@@ -31,6 +31,9 @@ std::string PathOnDevice(const std::string& realPath, const std::string& realRoo
 /// resolved within `realRoot` (see RealRootOfDevice) or, for a path that is not below that, within the working
 /// directory; empty for a path in neither.
 std::string RealPath(const std::string& path, const std::string& realRoot);
+/// What is at a path that RealPath returned, kept open for reading: a folder on the way that was replaced by a link since
+/// then doesn't lead out either.
+RootedPath::Target FindReal(const std::string& realPath, const std::string& realRoot);
 
 } // namespace DevicePaths
 

@@ -248,6 +248,16 @@ void FileUtil::RemoveFolderBeginWith(const std::string& parent, const std::strin
     }
 }
 
+namespace {
+
+void LogFailedCopy(const std::string& source, const std::string& target)
+{
+    FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Failed to copy file %s to directory %s.",
+        "FileUtil::CopyFileToFolder", source.c_str(), target.c_str());
+}
+
+} // namespace
+
 bool FileUtil::CopyFileToFolder(const std::string& source, const std::string& target, fs::copy_options options)
 {
     std::error_code error;
@@ -266,11 +276,19 @@ bool FileUtil::CopyFileToFolder(const std::string& source, const std::string& ta
         error = failure.code(); // a read error inside a folder throws despite the error code
     }
     if (error) {
-        FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Failed to copy file %s to directory %s.",
-            "FileUtil::CopyFileToFolder", source.c_str(), target.c_str());
+        LogFailedCopy(source, target);
         return false;
     }
     return true;
+}
+
+bool FileUtil::CopyContentToFolder(const std::string& content, const std::string& source, const std::string& target)
+{
+    if (IsPlainFile(content) && Platform::CopyContent(content, target + "/" + ExtractFileName(source))) {
+        return true;
+    }
+    LogFailedCopy(source, target);
+    return false;
 }
 
 void FileUtil::GetDirFiles(const std::string& path, std::vector<std::string>& files)

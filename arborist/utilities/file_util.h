@@ -49,6 +49,9 @@ void RemoveFolderBeginWith(const std::string& parent, const std::string& prefix)
 /// std::filesystem::copy, with its options. Logs failures.
 bool CopyFileToFolder(
     const std::string& source, const std::string& target, std::filesystem::copy_options options);
+/// Copies the plain file that is open at `content` into a folder, under the last element of `source`, and replaces a file
+/// there. Logs failures like CopyFileToFolder.
+bool CopyContentToFolder(const std::string& content, const std::string& source, const std::string& target);
 /// Appends the paths of all files and directories below `path`, recursively, with "/" in place of every "\". Lists
 /// links to directories but doesn't enter them; skips unreadable directories. Appends nothing if `path` is no
 /// directory.

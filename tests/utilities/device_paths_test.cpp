@@ -85,6 +85,32 @@ TEST_F(DevicePathsTest, RealPathStaysInTheRootOfTheDevice)
     EXPECT_EQ(DevicePaths::RealPath(root + "/outside", ""), "/etc/passwd");
 }
 
+#if defined(__linux__)
+TEST_F(DevicePathsTest, RealPathIsOpenedWhereItsFoldersAreReplacedByLinks)
+{
+    const TempDir dir;
+    const std::string root = dir.MakeDir("root");
+    const std::string onDevice = dir.Write("root/data/a.db", "");
+    const std::string besides = dir.Write("besides/a.db", "");
+    const auto isFound = [&root](const std::string& path) {
+        return std::filesystem::exists(DevicePaths::FindReal(path, root).Path());
+    };
+    mSettings.Set(Settings::DEVICE_ROOT_DIR, "root");
+    EXPECT_TRUE(isFound(onDevice));
+    EXPECT_TRUE(isFound(besides)); // below the working directory
+    EXPECT_TRUE(isFound(root));
+    EXPECT_FALSE(isFound("/etc/passwd"));
+    for (const char* folder : {"root/data", "besides"}) {
+        std::filesystem::remove_all(folder);
+        std::filesystem::create_directory_symlink("/etc", folder);
+    }
+    EXPECT_FALSE(isFound(root + "/data/passwd"));
+    EXPECT_FALSE(isFound(dir.Path("besides/passwd")));
+    mSettings.Set(Settings::DEVICE_ROOT_DIR, "");
+    EXPECT_EQ(DevicePaths::FindReal("/etc/passwd", "").Path(), "/etc/passwd");
+}
+#endif
+
 TEST_F(DevicePathsTest, PathOnTheDeviceIsWhatStandsBelowItsRoot)
 {
     EXPECT_EQ(DevicePaths::PathOnDevice("/capture/root/data/a.db", "/capture/root"), "/data/a.db");

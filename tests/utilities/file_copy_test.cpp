@@ -59,6 +59,18 @@ TEST_F(FileCopyTest, CopyHasContentAndPermissionsAndReplacesWhatIsThere)
     EXPECT_EQ(mDir.Read("d/a"), "");
 }
 
+TEST_F(FileCopyTest, ContentThatIsOpenElsewhereIsCopiedUnderTheNameOfItsSource)
+{
+    mDir.Write("opened", "content");
+    mDir.Write("d/a", "longer than the new content");
+    EXPECT_TRUE(FileUtil::CopyContentToFolder("opened", "somewhere/a", "d"));
+    EXPECT_EQ(mDir.Read("d/a"), "content");
+    EXPECT_FALSE(FileUtil::CopyContentToFolder("d", "somewhere/a", "d"));
+    EXPECT_FALSE(FileUtil::CopyContentToFolder("", "somewhere/a", "d"));
+    EXPECT_EQ(mDir.Read("d/a"), "content");
+    EXPECT_THAT(mLog.Lines(), testing::Each("FUNc:FileUtil::CopyFileToFolder: Failed to copy file somewhere/a to directory d."));
+}
+
 TEST_F(FileCopyTest, CopyOntoItselfFailsAndKeepsTheFile)
 {
     mDir.Write("d/a", "kept");

@@ -177,6 +177,16 @@ TEST_F(PackagedZipTest, ArchiveFromAPipeIsRead)
     EXPECT_EQ(mDir.Read("target/-"), "from a pipe into a pipe");
 }
 
+TEST_F(PackagedZipTest, PackedLinkIsAFileWithItsTarget)
+{
+    mDir.MakeDir("outside");
+    fs::create_symlink(mDir.Path("outside"), "link");
+    Zip({"-q", "-y", "a.zip", "link"});
+    EXPECT_TRUE(UnZip("a.zip"));
+    EXPECT_FALSE(fs::is_symlink("target/link"));
+    EXPECT_EQ(mDir.Read("target/link"), mDir.Path("outside"));
+}
+
 TEST_F(PackagedZipTest, EncryptedEntryFailsAndLeavesNothing)
 {
     mDir.Write("file", "text");

@@ -93,8 +93,7 @@ private:
 
     std::vector<Entry> ReadEntries(const std::string& directory, std::size_t level)
     {
-        std::vector<std::string> paths;
-        FileUtil::GetDirFiles(directory, paths);
+        const std::vector<std::string> paths = PathsBelow(directory);
         std::vector<Entry> entries;
         std::vector<std::pair<std::size_t, const std::string*>> open; // directories with their paths
         for (const std::string& path : paths) {
@@ -111,6 +110,18 @@ private:
             entries[entry].end = entries.size();
         }
         return entries;
+    }
+
+    // The folder is opened within the device: it may have been replaced by a link since it was found.
+    std::vector<std::string> PathsBelow(const std::string& directory) const
+    {
+        const RootedPath::Target opened = DevicePaths::FindReal(directory, mRootOfDevice);
+        std::vector<std::string> paths;
+        FileUtil::GetDirFiles(opened.Path(), paths);
+        for (std::string& path : paths) {
+            path.replace(0, opened.Path().size(), directory);
+        }
+        return paths;
     }
 
     static bool IsBelow(const std::string& path, const std::string& directory)

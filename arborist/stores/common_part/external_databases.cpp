@@ -122,7 +122,8 @@ Found GetFileList(const std::string& directory, const std::string& pattern, bool
     return {std::move(files), missing, !search.IsCutShort() && !search.HasLeftOutLinks()};
 }
 
-bool CopyFile(const std::string& source, const std::string& directory)
+// Reads the file at `opened`, another path of `source`.
+bool CopyFile(const std::string& source, const std::string& opened, const std::string& directory)
 {
     static constexpr char NAME[] = "CommonPartDbHelper::CopyFile";
     if (source.empty() || directory.empty()) {
@@ -145,7 +146,8 @@ bool CopyFile(const std::string& source, const std::string& directory)
     }
     const std::string target = TargetOf(source, directory);
     FileUtil::RemoveFile(target);
-    if (!FileUtil::CopyFileToFolder(source, directory, fs::copy_options::overwrite_existing)) {
+    if (opened == source ? !FileUtil::CopyFileToFolder(source, directory, fs::copy_options::overwrite_existing)
+                         : !FileUtil::CopyContentToFolder(opened, source, directory)) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: copy file to folder fail.", NAME);
         return false;
     }
@@ -190,14 +192,16 @@ Copies CopyDbFile(const std::string& path, const std::string& dbName)
     std::map<std::string, std::string> sourceByTarget; // the source of the last copy to each target
     for (const std::string& candidate : candidates) {
         StopPoint::Pass();
-        if (!FileUtil::FileExists(candidate)) {
+        // Opened once: its folders may be replaced by links until its turn comes.
+        const RootedPath::Target opened = DevicePaths::FindReal(candidate, rootOfDevice);
+        if (!FileUtil::FileExists(opened.Path())) {
             TellNotCopied(candidate, areAllCopied);
             continue;
         }
         if (IsZip(candidate, rootOfDevice)) {
             sourceByTarget.clear();
             bool isUnpacked = true;
-            for (const std::string& file : UnZipFile(candidate, directory, &isUnpacked)) {
+            for (const std::string& file : UnZipFile(candidate, directory, &isUnpacked, opened.Path())) {
                 if (!file.empty() && pattern.Matches(FileUtil::ExtractFileName(file))) {
                     copies.push_back(file);
                 }
@@ -209,7 +213,7 @@ Copies CopyDbFile(const std::string& path, const std::string& dbName)
         }
         // A repeated file counts as one more copy, but the same bytes need not be written again.
         std::string& standing = sourceByTarget[TargetOf(candidate, directory)];
-        if (standing == candidate || CopyFile(candidate, directory)) {
+        if (standing == candidate || CopyFile(candidate, opened.Path(), directory)) {
             standing = candidate;
             copies.push_back(TargetOf(StringUtil::TrimSP(candidate), directory));
         } else {
@@ -222,7 +226,8 @@ Copies CopyDbFile(const std::string& path, const std::string& dbName)
     return {copies, missing, found.isWhole && areAllCopied};
 }
 
-PathList UnZipFile(const std::string& zipPath, const std::string& directory, bool* isWhole)
+PathList UnZipFile(
+    const std::string& zipPath, const std::string& directory, bool* isWhole, const std::string& opened)
 {
     bool ignored = false;
     bool& isUnpacked = isWhole == nullptr ? ignored : *isWhole;
@@ -241,7 +246,7 @@ PathList UnZipFile(const std::string& zipPath, const std::string& directory, boo
     FileUtil::ForceCreateDirectory(directory);
     // Always the same directory: files that an earlier run left in it are copied, too.
     const WorkDirectory workDirectory(directory + "/temp");
-    if (!ZipUtil::UnZipFile(zipPath, workDirectory.GetPath() + "/")) {
+    if (!ZipUtil::UnZipFile(opened.empty() ? zipPath : opened, workDirectory.GetPath() + "/")) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: unZip file fail.", NAME);
         return {};
     }
@@ -253,7 +258,7 @@ PathList UnZipFile(const std::string& zipPath, const std::string& directory, boo
     }
     for (std::string& file : unpacked) {
         StopPoint::Pass();
-        if (!CopyFile(file, directory)) {
+        if (!CopyFile(file, file, directory)) {
             isUnpacked = isUnpacked && FileUtil::IsDirectory(file); // folders are not copied
             FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Copy file fail.", NAME);
         }

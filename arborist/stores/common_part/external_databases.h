@@ -25,9 +25,10 @@ struct Copies {
 Copies CopyDbFile(const std::string& path, const std::string& dbName);
 
 /// Unpacks an archive into `directory` and returns the paths of its files there, copied or not. Empty on failure.
-/// Sets `isWhole`, if it is not null: false if the archive or one of its files could not be unpacked or copied.
-std::vector<std::string> UnZipFile(
-    const std::string& zipPath, const std::string& directory, bool* isWhole = nullptr);
+/// Sets `isWhole`, if it is not null: false if the archive or one of its files could not be unpacked or copied. Reads the
+/// archive at `opened`, another path of it, if that is not empty.
+std::vector<std::string> UnZipFile(const std::string& zipPath, const std::string& directory, bool* isWhole = nullptr,
+    const std::string& opened = {});
 
 /// Runs the statements of `sql`, separated by semicolons, on a copy, up to the first that fails. False, with a line, if
 /// one fails or there is none; statements that ran are not undone. Lowers the limits of `sql` after a
