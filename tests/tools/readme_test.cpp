@@ -110,8 +110,19 @@ TEST(MinimalHostTest, TellsTheRootCausesOfAnExample)
     const auto result = RunProcess({MINIMAL_HOST, "rules", "Laptop"});
     EXPECT_THAT(result.out, HasSubstr("LAPTOP_RADIO: no fault\n"));
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(RunProcess({MINIMAL_HOST, "nowhere", "Laptop"}).err, HasSubstr("not exist"));
     EXPECT_EQ(RunProcess({MINIMAL_HOST}).status, 2);
+}
+
+TEST(MinimalHostTest, SaysThatNoTreeWasDiagnosed)
+{
+    const TempDir dir;
+    ASSERT_EQ(RunProcess({"cp", "-r", SOURCE + "examples/laptop/rules", "rules"}).status, 0);
+    const auto missing = RunProcess({MINIMAL_HOST, "nowhere", "Laptop"});
+    EXPECT_EQ(missing.out, "no tree\n");
+    EXPECT_THAT(missing.err, HasSubstr("not exist"));
+    EXPECT_EQ(RunProcess({MINIMAL_HOST, "rules", "Laptops"}).out, "no tree\n");
+    dir.Write("rules/FaultTrees.xml", "<FaultTrees>");
+    EXPECT_EQ(RunProcess({MINIMAL_HOST, "rules", "Laptop"}).out, "no tree\n");
 }
 
 } // namespace

@@ -88,6 +88,26 @@ TEST(ReportPageTest, ThePictureNamesWhatIsOpen)
     EXPECT_THAT(PageOf(decided), Not(HasSubstr("open: ")));
 }
 
+// What a browser shows of it is looked at in tests/tools/commands/report_browser_test.py.
+TEST(ReportPageTest, IsMadeForPaperPhonesAndDarkScreens)
+{
+    const std::string page = PageOf(ShortTree(Evidence::Reason::WINDOW_SHORT, Evidence::Check::DECIDED));
+    const auto style = [&page](const std::string& medium) {
+        const auto start = page.find("@media " + medium + " {");
+        EXPECT_NE(start, std::string::npos) << medium;
+        return page.substr(start, page.find("\n}", start) - start);
+    };
+    const std::string paper = style("print");
+    EXPECT_THAT(paper, HasSubstr(".card, .index li, .picture { break-inside: avoid; }"));
+    EXPECT_THAT(paper, HasSubstr(".picture { max-width: 100%; max-height: 24cm; height: auto; }"));
+    EXPECT_THAT(paper, HasSubstr("details::details-content { content-visibility: visible;"));
+    EXPECT_THAT(style("screen and (prefers-color-scheme: dark)"), HasSubstr("--paper:"));
+    EXPECT_THAT(style("(max-width: 40rem)"), HasSubstr(".card dl { grid-template-columns: 1fr;"));
+    EXPECT_THAT(page, HasSubstr("<meta name=\"viewport\""));
+    // Where the top event is drawn, which the picture shows first.
+    EXPECT_THAT(page, testing::ContainsRegex("<span class=\"start\" style=\"top: [0-9]+px\"></span>\n<svg"));
+}
+
 TEST(ReportPageTest, LoadsAndRunsNothing)
 {
     const std::string page = ReportPage({});

@@ -159,6 +159,20 @@ TEST(ManualTest, HelpAndManPagesHaveEveryExitStatusOfThePage)
     EXPECT_EQ(rows, 7U);
 }
 
+TEST(ManualTest, EveryManPageHasTheSectionsOfOne)
+{
+    for (const Words& command : AllCommands()) {
+        const std::string page = ManPage(command);
+        for (const char* section : {"NAME", "SYNOPSIS", "DESCRIPTION", "EXIT STATUS", "ENVIRONMENT", "FILES", "EXAMPLES"}) {
+            const auto start = page.find("\n.SH " + std::string(section) + "\n");
+            ASSERT_NE(start, std::string::npos) << Joined(command) << " " << section;
+            EXPECT_NE(page.compare(page.find('\n', start + 1), 5, "\n.SH "), 0) << Joined(command) << " " << section;
+        }
+    }
+    const std::string detect = ManPage({"detect"});
+    EXPECT_THAT(detect.substr(0, detect.find("\n.SH DESCRIPTION")), HasSubstr("\\-\\-batch\\fR \\fILIST\\fR"));
+}
+
 TEST(ManualTest, EveryHelpHasAnExample)
 {
     for (Words command : AllCommands()) {
