@@ -29,7 +29,7 @@ DerivedTableStage::DerivedTableStage(FT::sql::SqlDatabase& database, std::string
 
 bool DerivedTableStage::Open(const std::string& createSql)
 {
-    return createSql.rfind(CREATE_TABLE, 0) == 0 && RunQuietly(mDatabase, "PRAGMA temp_store=MEMORY") &&
+    return createSql.rfind(CREATE_TABLE, 0) == 0 && mDatabase.KeepTemporaryTablesInMemory() &&
         RunQuietly(mDatabase, "CREATE TEMP TABLE " + createSql.substr(CREATE_TABLE.size()));
 }
 

@@ -15,6 +15,7 @@
 #include "arborist/frame/settings.h"
 #include "arborist/frame/stopping.h"
 #include "arborist/stores/sql/sql_operator.h"
+#include "arborist/stores/sql/temporary_files.h"
 
 namespace FT::sql {
 namespace {
@@ -32,14 +33,18 @@ bool IsOneOf(const std::string_view (&names)[COUNT], const char* name)
 }
 
 // While it runs, VACUUM attaches a database without a name.
-int AllowOwnFile(void*, int action, const char* name, const char* value, const char*, const char*)
+int AllowOwnFile(void* runsOwnStatement, int action, const char* name, const char* value, const char*, const char*)
 {
     // These affect every connection of the process, the host's own included.
     static constexpr std::string_view PROCESS_WIDE[] = {
         "data_store_directory", "hard_heap_limit", "soft_heap_limit", "temp_store_directory"};
+    // This would have SQLite sort in memory, without a limit.
+    static constexpr std::string_view PLACE_OF_SORTS[] = {"temp_store"};
     const bool isOtherFile = action == SQLITE_ATTACH && (name == nullptr || *name != '\0');
-    const bool isProcessWide = action == SQLITE_PRAGMA && value != nullptr && IsOneOf(PROCESS_WIDE, name);
-    return isOtherFile || isProcessWide ? SQLITE_DENY : SQLITE_OK;
+    const bool isSetting = action == SQLITE_PRAGMA && value != nullptr;
+    const bool isForbidden = IsOneOf(PROCESS_WIDE, name) ||
+        (IsOneOf(PLACE_OF_SORTS, name) && !*static_cast<const bool*>(runsOwnStatement));
+    return isOtherFile || (isSetting && isForbidden) ? SQLITE_DENY : SQLITE_OK;
 }
 
 int AllowReading(void*, int action, const char* name, const char* value, const char*, const char*)
@@ -85,7 +90,11 @@ SqlLimits LimitsForReading(sqlite3* connection)
     constexpr std::uint64_t MOST_BELIEVED = 1ULL << 36; // a file with holes may claim any size
     const std::uint64_t size = SizeOf(connection, "") + SizeOf(connection, WAITING_CHANGES);
     const std::uint64_t believed = std::min(size, MOST_BELIEVED);
-    return {LEAST_STEPS + STEPS_FOR_A_BYTE * believed, SIZE_MAX, LEAST_BYTES + BYTES_FOR_A_BYTE * believed};
+    SqlLimits limits;
+    limits.steps = LEAST_STEPS + STEPS_FOR_A_BYTE * believed;
+    limits.rows = SIZE_MAX;
+    limits.bytes = LEAST_BYTES + BYTES_FOR_A_BYTE * believed;
+    return limits;
 }
 
 constexpr int STEPS_AT_ONCE = 1000;
@@ -146,7 +155,10 @@ bool SqlDatabase::Open(const std::string& path)
         sqlite3_soft_heap_limit64(SOFT_HEAP_LIMIT);
     }
     handle->path = path;
-    resultCode = sqlite3_open(path.c_str(), &handle->connection);
+    mostTemporaryBytes = UINT64_MAX;
+    temporaryFiles = std::make_unique<TemporaryFiles>(mostTemporaryBytes);
+    resultCode = sqlite3_open_v2(path.c_str(), &handle->connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
+        temporaryFiles->GetName());
     if (!IsOpen()) {
         errorMessage = sqlite3_errmsg(handle->connection);
         Log::GetInstance().Output(LEVEL_INFO, "FUNc:%s: open db:%s failed, error msg is :%s", NAME, path.c_str(),
@@ -173,9 +185,10 @@ void SqlDatabase::Restrict(SqlAccess access, const SqlLimits& limits)
     }
     const bool isReadOnly = access == SqlAccess::READ_ONLY;
     sqlite3* const connection = handle->connection;
-    sqlite3_set_authorizer(connection, isReadOnly ? AllowReading : AllowOwnFile, nullptr);
+    sqlite3_set_authorizer(connection, isReadOnly ? AllowReading : AllowOwnFile, &runsOwnStatement);
     handle->areLimitsOfFile = isReadOnly;
     handle->limits = isReadOnly ? LimitsForReading(connection) : limits;
+    mostTemporaryBytes = handle->limits->temporaryBytes;
     sqlite3_progress_handler(connection, STEPS_AT_ONCE, TakeSteps, handle.get());
     sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, LONGEST_TEXT);
     // Forbids everything that could leave a file which SQLite itself can't read any more.
@@ -191,6 +204,7 @@ void SqlDatabase::Limit(const SqlLimits& limits)
 {
     if (handle->limits.has_value() && !handle->areLimitsOfFile) {
         handle->limits = limits;
+        mostTemporaryBytes = limits.temporaryBytes;
     }
 }
 
@@ -210,6 +224,15 @@ void SqlDatabase::WriteSafely()
     }
 }
 
+bool SqlDatabase::KeepTemporaryTablesInMemory()
+{
+    runsOwnStatement = true;
+    const bool isSet = IsOpen() &&
+        sqlite3_exec(handle->connection, "PRAGMA temp_store=MEMORY", nullptr, nullptr, nullptr) == SQLITE_OK;
+    runsOwnStatement = false;
+    return isSet;
+}
+
 void SqlDatabase::Close()
 {
     if (handle->connection == nullptr) {
@@ -217,6 +240,7 @@ void SqlDatabase::Close()
     }
     sqlite3_close(handle->connection);
     handle->connection = nullptr;
+    temporaryFiles.reset();
     handle->limits.reset();
     handle->areLimitsOfFile = false;
     errorMessage.clear();

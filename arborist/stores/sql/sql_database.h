@@ -12,6 +12,7 @@ struct sqlite3;
 namespace FT::sql {
 
 struct Sqlite3Db;
+class TemporaryFiles;
 
 /// Limits beyond which statements are interrupted.
 struct SqlLimits {
@@ -20,6 +21,8 @@ struct SqlLimits {
     /// Limits on the rows that a SqlOperator keeps, and on the bytes of all their texts.
     std::size_t rows = 100'000;
     std::uint64_t bytes = 256 * 1024 * 1024;
+    /// Limit on the files in which SQLite sorts and joins what doesn't fit into memory, together.
+    std::uint64_t temporaryBytes = 1024 * 1024 * 1024;
 };
 
 /// A connection; null while closed.
@@ -46,8 +49,9 @@ struct Sqlite3Db {
 /// What statements on a connection may do.
 enum class SqlAccess {
     /// Everything that affects neither another file nor the whole process: ATTACH, VACUUM INTO and setting SQLite's
-    /// memory limits or directories fail with "not authorized". Only schema statements can change the schema, and there
-    /// is always a journal. A statement that exceeds SqlLimits fails with "interrupted" or "query aborted".
+    /// memory limits, its directories or the place of temporary files fail with "not authorized". Only schema statements
+    /// can change the schema, and there is always a journal. A statement that exceeds SqlLimits fails with
+    /// "interrupted", "query aborted" or "database or disk is full".
     OWN_FILE,
     /// Only select, transactions, and queries of the state of the file (data_version, integrity_check, page_count,
     /// page_size). The file stays unchanged byte for byte, even if changes by others wait in its write-ahead log. The
@@ -83,6 +87,9 @@ public:
     void WriteWithoutWaiting();
     /// Takes WriteWithoutWaiting back: from now on a committed write survives a crash of the machine.
     void WriteSafely();
+    /// From now on temporary tables of this connection are in memory; SqlLimits::temporaryBytes doesn't count them. False
+    /// on failure. Not for connections on which foreign statements run.
+    bool KeepTemporaryTablesInMemory();
     const Sqlite3Db& GetHandle() const { return *handle; }
 
     /// There is no rollback: a transaction that isn't committed is dropped when the connection closes.
@@ -91,6 +98,9 @@ public:
 
 private:
     std::unique_ptr<Sqlite3Db> handle;
+    std::unique_ptr<TemporaryFiles> temporaryFiles;
+    std::uint64_t mostTemporaryBytes = UINT64_MAX;
+    bool runsOwnStatement = false;
     std::string errorMessage;
     std::int32_t resultCode = 1;
 };
