@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "arborist/frame/log.h"
 #include "arborist/model/rule.h"
 #include "arborist/utilities/device_paths.h"
 #include "arborist/utilities/file_util.h"
@@ -101,7 +102,7 @@ bool NodeRuleEngine::SetParamValue(const NodeRule& rule, const ParamIndex& param
             continue;
         }
         std::string value;
-        const bool readable = FileUtil::LoadStringFromFile(DevicePaths::Find(node->GetPath()).Path(), value);
+        const bool readable = ReadNode(node->GetPath(), value);
         allRead = allRead && readable;
         if (auto* const record = GetPart<Evidence::Node>()) {
             record->files.push_back({node->GetParam(), node->GetPath(), readable, value});
@@ -112,6 +113,19 @@ bool NodeRuleEngine::SetParamValue(const NodeRule& rule, const ParamIndex& param
         SetExpressNodeValue(params, node->GetParam(), value);
     }
     return allRead;
+}
+
+bool NodeRuleEngine::ReadNode(const std::string& path, std::string& value)
+{
+    if (mBytesLeft == 0 || !FileUtil::LoadStringFromFile(DevicePaths::Find(path).Path(), value)) {
+        return false;
+    }
+    mBytesLeft -= std::min(mBytesLeft, value.size());
+    if (mBytesLeft == 0) {
+        FT::Log::GetInstance().Output(FT::LEVEL_WARN,
+            "FUNc:%s: the node files have %zu bytes or more, no other is read.", "NodeRuleEngine::SetParamValue", MOST_BYTES);
+    }
+    return true;
 }
 
 void NodeRuleEngine::SetExpressNodeValue(

@@ -33,6 +33,13 @@ RuleCheckers::RuleCheckers(std::shared_ptr<RuleHelper> ruleHelper, std::shared_p
 {
 }
 
+void RuleCheckers::StartDetection()
+{
+    if (mNodeRuleEngine != nullptr) {
+        mNodeRuleEngine->StartDetection();
+    }
+}
+
 std::shared_ptr<RuleChecker> RuleCheckers::Get(const Rule* rule, const std::shared_ptr<CommonPart>& commonPart)
 {
     switch (FamilyOf(rule)) {

@@ -28,6 +28,8 @@ public:
     RuleCheckers(std::shared_ptr<RuleHelper> ruleHelper, std::shared_ptr<RuleEngineHelper> ruleEngineHelper,
                  std::shared_ptr<FaultTreeParser> faultTreeParser, std::shared_ptr<DetectInfo> detectInfo);
 
+    /// Call before the rules of a detection are run.
+    void StartDetection();
     /// The checker of the rule's family; null, with a warning in the log, if there is none. The checker of command
     /// rules keeps the `commonPart` of the call that creates it.
     std::shared_ptr<RuleChecker> Get(const Rule* rule, const std::shared_ptr<CommonPart>& commonPart);

@@ -27,6 +27,7 @@ RuleEngine::RuleEngine(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<F
 void RuleEngine::Init()
 {
     mDecider.GetTreeChecks().StartDetection();
+    mDecider.GetRules().GetCheckers().StartDetection();
     CommonPartDbHelper::GetInstance().Init();
     InitCommonPart();
 }

@@ -4,10 +4,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <system_error>
-#include <utility>
 
 #include "arborist/frame/log.h"
-#include "arborist/frame/stopping.h"
+#include "arborist/utilities/directory_walk.h"
 #include "arborist/utilities/platform.h"
 
 namespace fs = std::filesystem;
@@ -18,43 +17,6 @@ constexpr std::size_t MAX_FILE_LENGTH = 0x2000000;
 constexpr std::size_t MAX_PATH_LENGTH = 4095;
 constexpr std::uint16_t MAX_FILE_MODE = 0xFFF;
 constexpr std::uint16_t WRITE_BITS = 0222;
-
-// Calls `visit` with the path of each entry below `path`, each folder before what is in it; follows no links. Folders that
-// may not be read pass for empty ones; any other error of the file system ends the walk in silence.
-template <typename Visit>
-void Walk(const std::string& path, Visit visit)
-{
-    struct Level {
-        Platform::Folder folder;
-        std::size_t length; // of the path of the folder
-    };
-    std::vector<Level> levels;
-    Platform::Folder top(path);
-    if (top.IsOpen()) {
-        levels.push_back({std::move(top), path.size()});
-    }
-    std::string entry = path;
-    while (!levels.empty()) {
-        Platform::Folder& folder = levels.back().folder;
-        if (!folder.Next()) {
-            levels.pop_back();
-            continue;
-        }
-        StopPoint::Pass();
-        entry.resize(levels.back().length);
-        entry.append(entry.back() == '/' ? "" : "/").append(folder.Name());
-        visit(entry);
-        if (!folder.IsFolder()) {
-            continue;
-        }
-        Platform::Folder below = folder.OpenEntry();
-        if (below.IsOpen()) {
-            levels.push_back({std::move(below), entry.size()});
-        } else if (errno != EACCES) {
-            return;
-        }
-    }
-}
 
 bool IsFolderNamedWith(const std::string& path, const std::string& prefix)
 {
@@ -69,7 +31,10 @@ void RemoveAll(const std::string& path, std::error_code& error)
 {
     std::vector<std::string> entries = {path};
     if (!fs::is_symlink(path, error)) {
-        Walk(path, [&entries](const std::string& entry) { entries.push_back(entry); });
+        DirectoryWalk::Run(path, [&entries](const std::string& entry) {
+            entries.push_back(entry);
+            return true;
+        });
     }
     for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
         if (!Platform::Remove(*entry) && errno != ENOENT) {
@@ -238,10 +203,11 @@ void FileUtil::RemoveFolderBeginWith(const std::string& parent, const std::strin
 {
     // List first, then remove: removing during the walk would delete directories that it still visits.
     std::vector<std::string> folders;
-    Walk(parent, [&folders, &prefix](const std::string& entry) {
+    DirectoryWalk::Run(parent, [&folders, &prefix](const std::string& entry) {
         if (IsFolderNamedWith(entry, prefix)) {
             folders.push_back(entry);
         }
+        return true;
     });
     for (const std::string& folder : folders) {
         ForceRemoveDirectory(folder, true);
@@ -293,9 +259,10 @@ bool FileUtil::CopyContentToFolder(const std::string& content, const std::string
 
 void FileUtil::GetDirFiles(const std::string& path, std::vector<std::string>& files)
 {
-    Walk(path, [&files](const std::string& entry) {
+    DirectoryWalk::Run(path, [&files](const std::string& entry) {
         files.push_back(entry);
         FormatPath2UnixStyle(files.back());
+        return true;
     });
 }
 
@@ -329,10 +296,11 @@ bool FileUtil::ChangeModeDirectory(const std::string& path, std::uint16_t mode)
         return false;
     }
     bool changed = true;
-    Walk(path, [mode, &changed](const std::string& entry) {
+    DirectoryWalk::Run(path, [mode, &changed](const std::string& entry) {
         // The target of a link may lie outside of `path`.
         std::error_code ignored;
-        changed = changed && (fs::is_symlink(entry, ignored) || ChangeMode(entry, mode));
+        changed = fs::is_symlink(entry, ignored) || ChangeMode(entry, mode);
+        return changed;
     });
     return changed && ChangeMode(path, mode);
 }

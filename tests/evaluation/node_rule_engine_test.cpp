@@ -284,6 +284,33 @@ TEST_F(NodeRuleEngineTest, DirectoryIsUnreadable)
     EXPECT_EQ(mEngine.GetReason(), Reason::NODE_UNREADABLE);
 }
 
+TEST_F(NodeRuleEngineTest, FilesOfADetectionBeyond256MebibytesCountAsUnreadable)
+{
+    constexpr std::size_t LARGEST = 32 * 1024 * 1024;
+    std::filesystem::resize_file(mDir.Write("large", "5\n"), LARGEST);
+    mDir.Write("small", "5\n");
+    AddParam("1", "small", "int");
+    Conditions({SingleTest("eq", "5")});
+    for (std::size_t bytes = 0; bytes < NodeRuleEngine::MOST_BYTES; bytes += LARGEST) {
+        Node("large", "large"); // no parameter keeps it
+    }
+    Node("small", "small");
+    EXPECT_FALSE(Ask());
+    EXPECT_EQ(mEngine.GetReason(), Reason::NODE_UNREADABLE);
+    const char* const line =
+        "FUNc:NodeRuleEngine::SetParamValue: the node files have 268435456 bytes or more, no other is read.";
+    EXPECT_THAT(mLog.Lines(), ElementsAre(line));
+
+    mRule = std::make_shared<NodeRule>();
+    Node("small", "small");
+    AddParam("1", "small", "int");
+    Conditions({SingleTest("eq", "5")});
+    EXPECT_FALSE(Ask());
+    mEngine.StartDetection();
+    EXPECT_TRUE(Ask());
+    EXPECT_THAT(mLog.Lines(), ElementsAre(line));
+}
+
 TEST_F(NodeRuleEngineTest, ConditionOfUnknownTypeIsPassedOver)
 {
     NodeFile("a", "5");

@@ -10,6 +10,7 @@
 #include "arborist/frame/stopping.h"
 #include "arborist/stores/common_part/lower_case.h"
 #include "arborist/utilities/device_paths.h"
+#include "arborist/utilities/directory_walk.h"
 #include "arborist/utilities/file_util.h"
 
 namespace {
@@ -49,8 +50,9 @@ struct Walk {
 // The entries below a directory and, if links are followed, below their targets. Reads each directory once.
 class FoundTree {
 public:
-    FoundTree(FileNamePattern& pattern, bool followLinks)
-        : mPattern(pattern), mFollowLinks(followLinks), mRootOfDevice(DevicePaths::RealRootOfDevice())
+    FoundTree(FileNamePattern& pattern, bool followLinks, std::size_t mostEntries)
+        : mPattern(pattern), mFollowLinks(followLinks), mEntriesLeft(mostEntries),
+          mRootOfDevice(DevicePaths::RealRootOfDevice())
     {
     }
 
@@ -72,6 +74,7 @@ public:
     std::vector<std::string> matches;
     bool hasSeenFiles = false;
     bool hasLeftOutLinks = false;
+    bool hasLeftOutEntries = false;
 
 private:
     static constexpr std::size_t NONE = SIZE_MAX;
@@ -93,35 +96,31 @@ private:
 
     std::vector<Entry> ReadEntries(const std::string& directory, std::size_t level)
     {
-        const std::vector<std::string> paths = PathsBelow(directory);
+        // The folder is opened within the device: it may have been replaced by a link since it was found.
+        const RootedPath::Target opened = DevicePaths::FindReal(directory, mRootOfDevice);
         std::vector<Entry> entries;
-        std::vector<std::pair<std::size_t, const std::string*>> open; // directories with their paths
-        for (const std::string& path : paths) {
-            StopPoint::Pass();
-            while (!open.empty() && !IsBelow(path, *open.back().second)) {
+        std::vector<std::pair<std::size_t, std::string>> open; // directories with their paths
+        DirectoryWalk::Run(opened.Path(), [&](std::string path) {
+            if (mEntriesLeft == 0) {
+                hasLeftOutEntries = true;
+                return false;
+            }
+            --mEntriesLeft;
+            path.replace(0, opened.Path().size(), directory);
+            FileUtil::FormatPath2UnixStyle(path);
+            while (!open.empty() && !IsBelow(path, open.back().second)) {
                 entries[open.back().first].end = entries.size();
                 open.pop_back();
             }
             if (Look(path, level, entries)) {
-                open.emplace_back(entries.size() - 1, &path);
+                open.emplace_back(entries.size() - 1, std::move(path));
             }
-        }
+            return true;
+        });
         for (const auto& [entry, path] : open) {
             entries[entry].end = entries.size();
         }
         return entries;
-    }
-
-    // The folder is opened within the device: it may have been replaced by a link since it was found.
-    std::vector<std::string> PathsBelow(const std::string& directory) const
-    {
-        const RootedPath::Target opened = DevicePaths::FindReal(directory, mRootOfDevice);
-        std::vector<std::string> paths;
-        FileUtil::GetDirFiles(opened.Path(), paths);
-        for (std::string& path : paths) {
-            path.replace(0, opened.Path().size(), directory);
-        }
-        return paths;
     }
 
     static bool IsBelow(const std::string& path, const std::string& directory)
@@ -223,6 +222,7 @@ private:
 
     FileNamePattern& mPattern;
     bool mFollowLinks;
+    std::size_t mEntriesLeft;
     std::string mRootOfDevice;
     std::unordered_map<std::string, std::size_t> mWalkOfPath; // by canonical path
     std::unordered_map<std::string, std::size_t> mMatchOfPath;
@@ -316,15 +316,19 @@ private:
 
 } // namespace
 
-DatabaseSearch::DatabaseSearch(const std::string& pattern) : mPattern(LowerCase(pattern)) {}
+DatabaseSearch::DatabaseSearch(const std::string& pattern, std::size_t mostEntries)
+    : mPattern(LowerCase(pattern)), mMostEntries(mostEntries)
+{
+}
 
 std::vector<std::string> DatabaseSearch::Find(const std::string& directory, bool recursive)
 {
     std::string realPath;
     FileUtil::PathToRealPath(directory, realPath);
-    FoundTree tree(mPattern, recursive);
+    FoundTree tree(mPattern, recursive, mMostEntries);
     tree.Read(realPath);
     mHasSeenFiles = tree.hasSeenFiles;
+    mHasLeftOutEntries = tree.hasLeftOutEntries;
     if (tree.walks.empty()) {
         return {};
     }

@@ -11,7 +11,6 @@
 #include "arborist/frame/settings.h"
 #include "arborist/frame/stopping.h"
 #include "arborist/frame/trouble_watch.h"
-#include "arborist/stores/common_part/database_search.h"
 #include "arborist/stores/common_part/database_steps.h"
 #include "arborist/stores/common_part/file_name_pattern.h"
 #include "arborist/stores/common_part/lower_case.h"
@@ -100,14 +99,14 @@ struct Found {
     bool isWhole = true;
 };
 
-Found GetFileList(const std::string& directory, const std::string& pattern, bool recursive)
+Found GetFileList(const std::string& directory, const std::string& pattern, std::size_t mostEntries)
 {
     static constexpr char NAME[] = "CommonPartDbHelper::GetFileList";
     if (directory.empty() || pattern.empty()) {
         return {};
     }
-    DatabaseSearch search(pattern);
-    PathList files = search.Find(directory, recursive);
+    DatabaseSearch search(pattern, mostEntries);
+    PathList files = search.Find(directory, true);
     if (search.IsCutShort()) {
         FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: files are listed %zu times, repetitions end here.",
             NAME, files.size());
@@ -117,9 +116,14 @@ Found GetFileList(const std::string& directory, const std::string& pattern, bool
             "FUNc:%s: links lead from one to another, those behind the first %zu are not searched.", NAME,
             DatabaseSearch::MOST_LINKS);
     }
+    if (search.HasLeftOutEntries()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_WARN,
+            "FUNc:%s: more than %zu files and directories, the others are not searched.", NAME, mostEntries);
+    }
     const Evidence::NoCopy missing = !files.empty() ? Evidence::NoCopy::NONE
         : search.HasSeenFiles() ? Evidence::NoCopy::NO_MATCH : Evidence::NoCopy::FOLDER_EMPTY;
-    return {std::move(files), missing, !search.IsCutShort() && !search.HasLeftOutLinks()};
+    return {std::move(files), missing,
+        !search.IsCutShort() && !search.HasLeftOutLinks() && !search.HasLeftOutEntries()};
 }
 
 // Reads the file at `opened`, another path of `source`.
@@ -165,9 +169,9 @@ void TellNotCopied(const std::string& source, bool& areAllCopied)
 
 } // namespace
 
-Copies CopyDbFile(const std::string& path, const std::string& dbName)
+Copies CopyDbFile(const std::string& path, const std::string& dbName, std::size_t mostEntries)
 {
-    const Found found = GetFileList(path, dbName, true);
+    const Found found = GetFileList(path, dbName, mostEntries);
     const PathList& candidates = found.files;
     if (candidates.empty()) {
         return {{}, found.missing, found.isWhole};

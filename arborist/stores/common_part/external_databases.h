@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "arborist/frame/evidence_words.h"
+#include "arborist/stores/common_part/database_search.h"
 
 class TextLimits;
 
@@ -22,7 +23,9 @@ struct Copies {
 /// Searches `path` for files whose path matches the regular expression `dbName`, copies or unpacks them into the
 /// directory Settings::APP_DATABASE_DIR and returns the copies; a file that the search repeats is listed again. A
 /// failure logs a line and doesn't end the call. Throws std::regex_error for a pattern that is no regular expression.
-Copies CopyDbFile(const std::string& path, const std::string& dbName);
+/// Searches `mostEntries` files and directories, and no others.
+Copies CopyDbFile(const std::string& path, const std::string& dbName,
+    std::size_t mostEntries = DatabaseSearch::MOST_ENTRIES);
 
 /// Unpacks an archive into `directory` and returns the paths of its files there, copied or not. Empty on failure.
 /// Sets `isWhole`, if it is not null: false if the archive or one of its files could not be unpacked or copied. Reads the

@@ -103,6 +103,29 @@ TEST_F(DatabaseSearchTest, DeepTreeIsCutShortInsteadOfFillingTheMemory)
     EXPECT_TRUE(search.IsCutShort());
 }
 
+TEST_F(DatabaseSearchTest, SearchEndsBehindTheMostEntriesThatItMayLookAt)
+{
+    for (const char* name : {"d/1/2/a.db", "d/1/b.db", "d/c.txt"}) { // five entries with the folders
+        mDir.Write(name, "");
+    }
+    DatabaseSearch whole(".*\\.db", 5);
+    EXPECT_THAT(whole.Find(mDir.Path("d"), true), SizeIs(6));
+    EXPECT_FALSE(whole.HasLeftOutEntries());
+    DatabaseSearch shortened(".*\\.db", 4);
+    shortened.Find(mDir.Path("d"), true);
+    EXPECT_TRUE(shortened.HasLeftOutEntries());
+}
+
+TEST_F(DatabaseSearchTest, EntriesBehindLinksCountAsWell)
+{
+    mDir.Write("e/a.db", "");
+    mDir.MakeDir("d");
+    std::filesystem::create_directory_symlink(mDir.Path("e"), mDir.Path("d/link"));
+    DatabaseSearch search(".*\\.db", 1);
+    EXPECT_THAT(search.Find(mDir.Path("d"), true), IsEmpty());
+    EXPECT_TRUE(search.HasLeftOutEntries());
+}
+
 TEST_F(DatabaseSearchTest, NoFileIsCrowdedOutByRepetitionsOfOthers)
 {
     std::string path = "d";
@@ -175,7 +198,7 @@ TEST_F(DatabaseSearchTest, StepsAndMemoryGrowWithTheFilesAndNoFaster)
         const std::vector<std::string> files = search.Find(mDir.Path(root), true);
         EXPECT_THAT(files, SizeIs(2 * FOLDERS * filesInEach));
         EXPECT_LE(files.capacity(), 4 * FOLDERS * filesInEach);
-        EXPECT_EQ(request.GetQuestions(), 2 * FOLDERS * filesInEach + 4 * FOLDERS);
+        EXPECT_EQ(request.GetQuestions(), FOLDERS * filesInEach + 3 * FOLDERS); // each entry, each entering of a folder
         EXPECT_FALSE(search.IsCutShort());
     }
 }
@@ -264,7 +287,7 @@ TEST_F(DatabaseSearchTest, EndsWithTheDetectionAtAnyEntry)
     request.Start(std::nullopt);
     const auto all = Find("d");
     const std::uint64_t questions = request.GetQuestions();
-    EXPECT_GE(questions, 5U + 5U + 2U); // reading, looking and entering
+    EXPECT_EQ(questions, 5U + 2U + 4U); // each entry; two folders are entered twice and four times
     for (std::uint64_t question = 1; question <= questions; ++question) {
         request.Start(std::nullopt);
         request.StopAtQuestion(question);

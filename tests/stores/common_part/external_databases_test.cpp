@@ -627,6 +627,18 @@ TEST_F(ExternalDatabasesTest, CopiesAreNotWholeWhereALimitKeptListingsOut)
     EXPECT_TRUE(ExternalDatabases::CopyDbFile(mDir.Path("device"), ".*b\\.db").isWhole);
 }
 
+TEST_F(ExternalDatabasesTest, FoldersWithMoreEntriesThanASearchTakesAreTold)
+{
+    mDir.Write("device/a.db", "");
+    mDir.Write("device/b.db", "");
+    const auto copies = ExternalDatabases::CopyDbFile(mDir.Path("device"), ".*\\.db", 1);
+    EXPECT_EQ(copies.files.size(), 1U);
+    EXPECT_FALSE(copies.isWhole);
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_WARN),
+        ElementsAre(Line("GetFileList: more than 1 files and directories, the others are not searched.")));
+    EXPECT_TRUE(ExternalDatabases::CopyDbFile(mDir.Path("device"), ".*\\.db", 2).isWhole);
+}
+
 TEST_F(ExternalDatabasesTest, DirectoryInAnArchiveFailsToBeCopiedAndIsListedAllTheSame)
 {
     mDir.MakeDir("device");
