@@ -7,6 +7,7 @@
 
 #include "arborist/frame/arborist.h"
 #include "arborist/frame/log.h"
+#include "arborist/frame/repair.h"
 #include "arborist/frame/settings.h"
 #include "tests/support/code_runner_stub.h"
 #include "tests/support/event_log_builder.h"
@@ -57,14 +58,14 @@ protected:
     }
     ~TwoEngines() override { FT::Log::GetInstance().SetUserLogger(std::make_unique<FT::DefaultLogger>()); }
 
-    // A rule set under `tag` whose event `tag` + "-calm" doesn't fire.
+    // A rule set under `tag`, in a folder of this name, whose event `tag` + "-calm" doesn't fire.
     void WriteRules(const std::string& tag) const
     {
-        mDir.Write(tag + "_FaultTrees.xml", TreeXml(tag).Tree(tag, Or({Basic(tag + "-alarm"), Basic(tag + "-peak"),
+        mDir.Write(tag + "/FaultTrees.xml", TreeXml(tag).Tree(tag, Or({Basic(tag + "-alarm"), Basic(tag + "-peak"),
             Basic(tag + "-node"), Basic(tag + "-code"), Basic(tag + "-calm")})).Text());
         const Xml test = ConditionXml({SingleLogicXml(TestXml("gt", "m", "50"))});
         const Xml params = ParamsXml({ParamXml("m", "ms", "int")});
-        mDir.Write(tag + "_FaultTreeRules.xml", RuleXml(tag)
+        mDir.Write(tag + "/FaultTreeRules.xml", RuleXml(tag)
             .Rule(AlarmRuleXml("alarm", {AlarmIdXml("700", "702", {TimeXml("duration", "30", "10"), params, test})
                 .Attr("type", "param_eventid")}))
             .Rule(AlarmRuleXml("peak", {AlarmIdXml("700", "700", {TimeXml("daily_peak", "30", "3")})}))
@@ -85,7 +86,7 @@ protected:
     std::vector<std::string> Run(const std::string& tag) const
     {
         const auto info = DetectInfoFor(mDir, tag);
-        info->mRuleFilePrefix = tag;
+        info->mRuleFileDir = mDir.Path(tag);
         const auto runner = std::make_shared<CodeRunnerStub>();
         runner->answer = true;
         info->mCodeRuleRunner = runner;
@@ -120,11 +121,17 @@ TEST_F(TwoEngines, OfTwoThreadsAnswerAsEachAlone)
     std::vector<std::string> two;
     std::thread first([&] { one = Run("one"); });
     std::thread second([&] { two = Run("two"); });
+    std::thread repairs([&] {
+        for (int round = 0; round < ROUNDS; ++round) {
+            UpdateRepairDb("R"); // which no rule asks for
+        }
+    });
     first.join();
     second.join();
+    repairs.join();
     EXPECT_EQ(one, oneAlone);
     EXPECT_EQ(two, twoAlone);
-    EXPECT_EQ(*mLines, 2 * linesAlone);
+    EXPECT_GE(*mLines, 2 * linesAlone); // recording repairs logs lines of its own
 }
 
 } // namespace
