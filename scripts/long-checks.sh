@@ -8,5 +8,6 @@ export ARBORIST_SEED=${2:-$(date +%s)}
 
 echo "== $ARBORIST_CASES cases of each, seed $ARBORIST_SEED"
 cmake --preset dev
-cmake --build --preset dev --target evaluation_tests stores_tests utilities_tests
+cmake --build --preset dev --target evaluation_tests stores_tests utilities_tests arborist_tool
 ctest --preset dev -R '^(evaluation|stores|utilities)_tests\..*RandomTest'
+python3 -B tests/reliability/plain_reading_test.py build/dev/tools/arborist/arborist
