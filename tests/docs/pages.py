@@ -46,6 +46,17 @@ def anchors_of(text):
     return anchors
 
 
+def tests_of(folder):
+    """The names of all tests below a folder: "Suite.Name" of C++, and those that CMake files add."""
+    names = set()
+    for source in folder.rglob("*.cpp"):
+        names.update(f"{suite}.{name}" for suite, name in
+                     re.findall(r"^TEST(?:_[FP])?\(\s*(\w+),\s*(\w+)\)", source.read_text(), re.MULTILINE))
+    for listing in folder.rglob("CMakeLists.txt"):
+        names.update(re.findall(r"add_test\(NAME ([\w.]+)", listing.read_text()))
+    return names
+
+
 def targets_of(path):
     """The files that a page links to, itself left out."""
     links = (link.partition("#")[0] for link in LINK.findall(without_code(path.read_text())))

@@ -43,6 +43,21 @@ class PagesTest(unittest.TestCase):
                         faults.append(f"{page.name}:{line}: {error}")
         self.assertEqual(faults, [])
 
+    def test_tests_that_are_named_exist(self):
+        known = pages.tests_of(pages.ROOT / "tests")
+        unknown = []
+        for name in ("security.md", "process.md", "testing.md"):
+            text = (pages.DOCS / name).read_text()
+            unknown += [f"{name}: {test}" for test in re.findall(r"`(\w+\.[A-Z]\w{8,})`", text) if test not in known]
+        self.assertEqual(unknown, [])
+
+    def test_every_boundary_of_security_names_a_test(self):
+        text = (pages.DOCS / "security.md").read_text()
+        section = text[text.index("## What each boundary checks"):text.index("## What stays open")]
+        rows = pages.table_rows(section)[1:]
+        self.assertGreater(len(rows), 15)
+        self.assertEqual([row[0] for row in rows if not re.search(r"`\w+\.[A-Z]\w+`", row[-1])], [])
+
     def test_every_setting_is_listed_and_has_its_row(self):
         header = (pages.ROOT / "arborist" / "frame" / "settings.h").read_text()
         keys = re.findall(r'inline constexpr char (\w+)\[\] = "(\w+)"', header)
@@ -69,6 +84,13 @@ class ReaderTest(unittest.TestCase):
 
     def test_blocks_tell_their_word_and_line(self):
         self.assertEqual(pages.blocks("x\n```xml\n<a/>\n```\n"), [("xml", "<a/>\n", 2)])
+
+    def test_tests_are_found_in_sources_and_listings(self):
+        with tempfile.TemporaryDirectory() as name:
+            folder = Path(name)
+            (folder / "a.cpp").write_text("TEST(A, One)\nTEST_F(B, Two)\nTEST_P(C,\n    Three)\n// TEST(D, Four)\n")
+            (folder / "CMakeLists.txt").write_text("add_test(NAME docs.Five COMMAND x)\n")
+            self.assertEqual(pages.tests_of(folder), {"A.One", "B.Two", "C.Three", "docs.Five"})
 
     def test_a_pipe_in_a_code_span_stays_in_its_cell(self):
         self.assertEqual(pages.table_rows("| a | `b|c` |\n|---|---|\n"), [["a", "`b|c`"]])
