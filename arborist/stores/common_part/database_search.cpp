@@ -94,7 +94,8 @@ private:
         return walks.size() - 1;
     }
 
-    std::vector<Entry> ReadEntries(const std::string& directory, std::size_t level)
+    // `directory` is a copy: links that are found on the way append to `walks`.
+    std::vector<Entry> ReadEntries(const std::string directory, std::size_t level)
     {
         // The folder is opened within the device: it may have been replaced by a link since it was found.
         const RootedPath::Target opened = DevicePaths::FindReal(directory, mRootOfDevice);
