@@ -24,7 +24,10 @@ struct ExplanationView {
     /// Most near misses that are shown for a tree.
     std::size_t limit = 20;
     bool minimal = false;
-    /// Shows one line for each distinct root cause, and otherwise only what `nearMisses` and `minimal` ask for.
+    /// Shows up to this many checks to close next of each undecided tree; 0 for none.
+    std::size_t next = 0;
+    /// Shows one line for each distinct root cause, and otherwise only what `nearMisses`, `minimal` and `next` ask
+    /// for.
     bool brief = false;
 
     bool IsNarrow() const { return !event.empty() || !rule.empty() || !cause.empty(); }

@@ -1,9 +1,11 @@
 #include "diagnosis/results/explanation_json.h"
 
 #include <cstdio>
+#include <utility>
 
 #include "diagnosis/analysis/gate_logic.h"
 #include "diagnosis/analysis/minimal_sets.h"
+#include "diagnosis/analysis/next_checks.h"
 #include "diagnosis/results/detection_json.h"
 #include "diagnosis/results/event_json.h"
 #include "diagnosis/results/rule_json.h"
@@ -16,6 +18,30 @@ namespace {
 void WriteCount(JsonWriter& json, const char* key, std::uint64_t number)
 {
     json.Key(key).Raw(std::to_string(number));
+}
+
+// Null for a number that can't be reached.
+void WriteFewest(JsonWriter& json, const FewestChecks& fewest)
+{
+    for (const auto& [key, number] : {std::pair("toProve", fewest.toProve), std::pair("toRuleOut", fewest.toRuleOut)}) {
+        json.Key(key);
+        number == FewestChecks::NEVER ? json.Null() : json.Number(number);
+    }
+}
+
+void WriteMissingSources(JsonWriter& json, const TreeReports& trees)
+{
+    const MissingSources missing = FindMissingSources(trees);
+    json.Key("missing").BeginObject();
+    WriteCount(json, "undecided", missing.undecided);
+    json.Key("sources").BeginArray();
+    for (const MissingSource& source : missing.sources) {
+        json.BeginObject().Text("reason", Evidence::ReasonText(source.reason)).Text("detail", source.detail);
+        WriteCount(json, "checks", source.checks);
+        WriteCount(json, "decides", source.decides);
+        json.EndObject();
+    }
+    json.EndArray().EndObject();
 }
 
 /// Writes one tree of an explanation as an object.
@@ -44,6 +70,9 @@ public:
         }
         if (mView.minimal) {
             WriteMinimalSets();
+        }
+        if (mView.next > 0) {
+            WriteNext();
         }
         mJson.EndObject();
     }
@@ -199,6 +228,37 @@ private:
         mJson.Bool("smallest", minimal.repairs.isSmallest).EndObject().EndObject();
     }
 
+    // Null for a tree that is not undecided.
+    void WriteNext()
+    {
+        mJson.Key("next");
+        if (!mReport.IsUndecided()) {
+            mJson.Null();
+            return;
+        }
+        const NextChecks next = FindNextChecks(mReport, mView.next);
+        mJson.BeginObject();
+        WriteFewest(mJson, next.fewest);
+        mJson.Bool("aboutCause", next.isAboutCause).Bool("atMost", next.isAtMost);
+        mJson.Key("checks").BeginArray();
+        for (const NextCheck& check : next.checks) {
+            WriteNextCheck(check);
+        }
+        mJson.EndArray().EndObject();
+    }
+
+    void WriteNextCheck(const NextCheck& check)
+    {
+        const Evidence::OpenCheck* const open = OpenCheckOf(mReport, mTree.events[check.event].id);
+        mJson.BeginObject().Text("event", mTree.events[check.event].id);
+        mJson.Text("rule", open == nullptr ? "" : open->ruleName);
+        mJson.Text("reason", open == nullptr ? "" : Evidence::ReasonText(open->reason));
+        mJson.Text("detail", open == nullptr ? "" : open->detail);
+        mJson.Key("path").Texts(mTree.PathIds(check.event));
+        WriteFewest(mJson, check.before);
+        mJson.EndObject();
+    }
+
     JsonWriter& mJson;
     const TreeReport& mReport;
     const RecordedTree& mTree;
@@ -223,6 +283,9 @@ std::string ExplanationJson(const DetectionReport& report, const ExplanationView
     WriteHead(json, "arborist.explain.1", report.bundle, !report.failure, report.warnings);
     json.Key("results");
     WriteExplainedTrees(json, report.trees, view);
+    if (view.next > 0) {
+        WriteMissingSources(json, report.trees);
+    }
     if (report.failure) {
         WriteError(json, *report.failure);
     }

@@ -80,6 +80,36 @@ std::string OpenText(const Evidence::OpenCheck& open)
     return open.restsOnDefault ? text + ", taken as TRUE" : text;
 }
 
+std::string MissingText(Reason reason, const std::string& detail)
+{
+    const std::string about = detail.empty() ? "" : " (" + Printable(detail) + ")";
+    const std::string word = Evidence::ReasonText(reason);
+    switch (reason) {
+    case Reason::LOG_UNAVAILABLE:
+        return "the event log" + about;
+    case Reason::LOG_DAMAGED:
+        return "a sound event log" + about;
+    case Reason::NODE_UNREADABLE:
+        return "the node file" + (detail.empty() ? "" : " " + Printable(detail));
+    case Reason::DATABASE_UNAVAILABLE:
+        return "a database" + about;
+    case Reason::TABLE_INCOMPLETE:
+        return "a complete table" + about;
+    case Reason::NO_RUNNER:
+        return "a program for code rules" + about;
+    case Reason::RUNNER_FAILED:
+        return "an answer to a code rule" + about;
+    case Reason::NO_EVENT_RULE:
+    case Reason::NO_RULE_NAMES:
+    case Reason::NO_SUCH_RULE:
+        return "a rule" + about;
+    case Reason::STOPPED:
+        return "time" + about;
+    default:
+        return (Evidence::CheckOf(reason) == Check::RULE_UNUSABLE ? "a rule that can work, " : "data, ") + word + about + ",";
+    }
+}
+
 std::string TreesText(const TreeReports& trees)
 {
     std::string words;

@@ -14,6 +14,9 @@ std::string VerdictWords(const Evidence::TreeVerdict& verdict);
 /// "A, rule r: no_data, node_unreadable (/sys/temp)", and ", taken as TRUE" for what counts as true all the same.
 std::string OpenText(const Evidence::OpenCheck& open);
 
+/// What an open check lacks, for "would decide" and "is missing": "the event log", "the node file /sys/temp".
+std::string MissingText(Evidence::Reason reason, const std::string& detail);
+
 /// "6 trees: 1 fault, 4 no fault, 1 undecided".
 std::string TreesText(const TreeReports& trees);
 

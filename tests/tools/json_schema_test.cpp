@@ -114,7 +114,7 @@ protected:
 
 TEST_F(ExplainSchemaTest, HoldsForALaptopInEveryView)
 {
-    const std::vector<std::vector<std::string>> views{{}, {"--minimal", "--near-misses", "3"}, {"--brief"},
+    const std::vector<std::vector<std::string>> views{{}, {"--minimal", "--near-misses", "3"}, {"--brief"}, {"--next", "3"},
         {"--brief", "--minimal"}, {"--event", "BATTERY_WORN"}, {"--rule", "keys_bounce"}, {"--cause", "CHARGE_LOST"},
         {"--event", "NOWHERE"}, {"--rules", "nowhere"}};
     for (const std::vector<std::string>& view : views) {

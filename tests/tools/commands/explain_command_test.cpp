@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <sstream>
 
 #include <gmock/gmock.h>
@@ -7,6 +8,8 @@
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -118,6 +121,41 @@ TEST_F(ExplainCommandTest, NearMissesBeyondTheLimitAreCounted)
     EXPECT_THAT(Explained({"--near-misses", "1", "--limit", "2"}), EndsWith("  1 more left out\n  1 tree: 1 undecided\n"));
     EXPECT_THAT(Explained({"--near-misses", "1", "--limit", "2", "--json"}),
         HasSubstr(R"("nearMisses": {"leftOut": 1, "complete": true, "sets": [{"missing": [{"id": "C")"));
+}
+
+TEST_F(ExplainCommandTest, TellsTheNextChecksOfAnUndecidedTree)
+{
+    WriteTree(Or({Intermediate("G", And({Basic("C"), Basic("D")})), Basic("X")}));
+    fs::remove("b/no");
+    EXPECT_THAT(Explained({"--next", "3"}), EndsWith(
+        "  Fewest checks, not likeliest cause: 1 check can prove a fault, at most 2 rule it out\n"
+        "    next: X, because a rule is missing\n"
+        "    then: C, rule no, because the node file no is missing\n"
+        "    then: D, rule no, because the node file no is missing\n"
+        "  1 tree: 1 undecided\n"));
+    EXPECT_THAT(Explained({"--next", "1"}), Not(HasSubstr("then: ")));
+    EXPECT_THAT(Explained(), Not(HasSubstr("Fewest checks")));
+}
+
+TEST_F(ExplainCommandTest, TellsWhatMissingThingWouldDecideFirst)
+{
+    WriteTree(Or({Basic("C"), Basic("D")}));
+    fs::remove("b/no");
+    EXPECT_THAT(Explained({"--next", "1"}), StartsWith("b\n  the node file no would decide 1 of 1 undecided tree (2 checks)\n"));
+    EXPECT_THAT(Explained({"--next", "1", "--json"}),
+        AllOf(HasSubstr(R"("next": {"toProve": 1, "toRuleOut": 2, "aboutCause": true, "atMost": true, "checks": [{"event": "C", )"
+                        R"("rule": "no", "reason": "node_unreadable", "detail": "no", "path": ["T", "C"], "toProve": 1, )"
+                        R"("toRuleOut": 2}]})"),
+            HasSubstr(R"("missing": {"undecided": 1, "sources": [{"reason": "node_unreadable", "detail": "no", "checks": 2, )"
+                      R"("decides": 1}]})")));
+}
+
+TEST_F(ExplainCommandTest, TellsNoNextChecksOfADecidedTree)
+{
+    WriteTree(Or({Basic("A"), Basic("X")}));
+    EXPECT_THAT(Explained({"--next", "1"}), AllOf(Not(HasSubstr("Fewest")), Not(HasSubstr("would decide"))));
+    EXPECT_THAT(Explained({"--next", "1", "--json"}),
+        AllOf(HasSubstr(R"("next": null)"), HasSubstr(R"("missing": {"undecided": 0, "sources": []})")));
 }
 
 TEST_F(ExplainCommandTest, ACauseThatTheListRepeatsIsToldOnce)

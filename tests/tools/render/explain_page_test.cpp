@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <regex>
 
 #include <gmock/gmock.h>
@@ -67,6 +68,16 @@ TEST(ExplainPageTest, ItsStatusThatIsNoAnswerIsWhatTheCommandPrints)
     ASSERT_NE(verdict, std::string::npos);
     const std::string told = std::regex_replace(RunArborist({"explain", "b"}).out, std::regex("HOT"), "A");
     EXPECT_THAT(told, testing::HasSubstr(block.substr(verdict)));
+}
+
+TEST(ExplainPageTest, ItsNextChecksAreWhatTheCommandPrints)
+{
+    const TempDir dir;
+    std::filesystem::copy(ARBORIST_SOURCE_DIR "/examples/laptop", "laptop", std::filesystem::copy_options::recursive);
+    const auto result = RunArborist({"explain", "--brief", "--next", "2", "laptop"});
+    for (const int number : {0, 1}) {
+        EXPECT_THAT(result.out, testing::HasSubstr("\n" + BlockOf(PageOfDocs("explain.md"), "text next", number)));
+    }
 }
 
 TEST(RuleSetsPageTest, ItsFirstRuleSetIsExplainedAsThePageSays)

@@ -61,6 +61,7 @@ void AddViewOptions(Command explain, ExplanationView& view)
 {
     static constexpr std::size_t MOST_MISSING = 100;
     static constexpr std::size_t MOST_SHOWN = 100000;
+    static constexpr std::size_t MOST_NEXT = 100;
     explain.Add("--event", view.event, "Only events with this id, and root causes on whose way they stand")
         .Takes("ID");
     explain.Add("--rule", view.rule, "Only this rule, and the events that ask it").Takes("NAME");
@@ -74,6 +75,10 @@ void AddViewOptions(Command explain, ExplanationView& view)
         .ShowDefault();
     explain.AddFlag("--minimal", view.minimal, "The minimal cut sets in evidence, the events by their share of them, "
         "and a smallest set of repairs");
+    explain.Add("--next", view.next, "Up to N open checks to close next of each undecided tree, and what is missing that "
+        "would decide most trees: the fewest checks, not the likeliest cause")
+        .Takes("N")
+        .Within(std::size_t{1}, MOST_NEXT);
     explain.AddFlag("--brief", view.brief, "One line a distinct root cause");
 }
 
@@ -90,6 +95,7 @@ void AddExplainCommand(Command app, ExitStatus& status)
     AddRunOptions(explain, options->run);
     explain.Footer("Examples:\n  arborist explain examples/laptop\n"
                     "  arborist explain --event BATTERY_WORN examples/laptop\n"
+                    "  arborist explain --brief --next 3 examples/laptop\n"
                     "  arborist explain --near-misses 1 --minimal --json devices/* > explained.jsonl");
     explain.OnCall([options, &status] { status = Explain(*options); });
 }

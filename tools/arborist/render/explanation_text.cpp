@@ -11,6 +11,7 @@
 #include "tools/arborist/render/analysis_text.h"
 #include "tools/arborist/render/cause_text.h"
 #include "tools/arborist/render/explanation_words.h"
+#include "tools/arborist/render/next_text.h"
 #include "tools/arborist/terminal/colour.h"
 
 namespace diagnosis::command {
@@ -39,6 +40,7 @@ public:
         mText += CausesText(mReport, mView, mColour);
         WriteCutOffs();
         mText += AnalysisText(mTree, mView, mColour);
+        WriteNext();
         return mText;
     }
 
@@ -61,6 +63,7 @@ public:
         }
         WriteOpen("  ");
         mText += AnalysisText(mTree, mView, mColour);
+        WriteNext();
         return mText;
     }
 
@@ -188,6 +191,13 @@ private:
         }
     }
 
+    void WriteNext()
+    {
+        if (mView.next > 0) {
+            mText += NextChecksText(mReport, mView.next, mColour);
+        }
+    }
+
     void WriteCutOffs()
     {
         if (mView.IsNarrow()) {
@@ -227,6 +237,7 @@ std::string ExplanationText(const DetectionReport& report, const ExplanationView
     if (report.failure) {
         return text + "  " + colour.Yellow("NOT DIAGNOSED") + "\n";
     }
+    text += view.next > 0 ? MissingSourcesText(report.trees, colour) : "";
     bool hasTree = false;
     for (const TreeReport& shown : report.trees) {
         TreeText tree(shown, view, colour);
