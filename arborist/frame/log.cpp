@@ -4,6 +4,8 @@
 #include <map>
 #include <utility>
 
+#include "arborist/frame/thread_value.h"
+
 namespace FT {
 namespace {
 
@@ -59,7 +61,7 @@ void Log::Output(int level, const char* format, ...)
     }
     // Loggers take a string, and a detection can log a line for each event id: use the memory of the last one. A logger
     // that logs itself finds none.
-    thread_local std::string spare;
+    std::string& spare = ValueOfThread<std::string, Log>();
     std::string text = std::move(spare);
     text = format;
     va_list args;

@@ -93,7 +93,7 @@ RootedPath::Target DevicePaths::FindReal(const std::string& realPath, const std:
 {
     std::error_code error;
     const std::string root = Setting(Settings::DEVICE_ROOT_DIR);
-    for (const std::string& folder : {realRoot, std::filesystem::current_path(error).string()}) {
+    for (const std::string& folder : {realRoot, std::filesystem::current_path(error).generic_string()}) {
         if (!root.empty() && !folder.empty() && (realPath == folder || IsBelow(realPath, folder))) {
             return RootedPath::Target(folder, "/" + realPath.substr(folder.size()));
         }

@@ -5,13 +5,18 @@
 
 #include <json/reader.h>
 
+#include "arborist/frame/thread_value.h"
+
 namespace {
 
 // One reader for each thread: creating one takes longer than parsing a short text.
+struct ReaderOfThread {
+    const std::unique_ptr<Json::CharReader> reader{Json::CharReaderBuilder().newCharReader()};
+};
+
 Json::CharReader& Reader()
 {
-    thread_local const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-    return *reader;
+    return *ValueOfThread<ReaderOfThread, ReaderOfThread>().reader;
 }
 
 // Where the JSON library has no memory for a text, it throws its own error instead of std::bad_alloc.

@@ -154,7 +154,12 @@ bool Platform::Remove(const std::string& path)
 {
     const std::wstring wide = Wide(path);
     const DWORD attributes = GetFileAttributesW(wide.c_str());
-    const bool isFolder = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    const bool isThere = attributes != INVALID_FILE_ATTRIBUTES;
+    const bool isFolder = isThere && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    if (isThere && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+        // The attribute would keep it from being removed, as the permissions of a file don't elsewhere.
+        SetFileAttributesW(wide.c_str(), attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY));
+    }
     return (isFolder ? _wrmdir(wide.c_str()) : _wremove(wide.c_str())) == 0;
 }
 

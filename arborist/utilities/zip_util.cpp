@@ -111,13 +111,22 @@ private:
     unzFile mHandle = nullptr;
 };
 
+bool Seek(std::FILE* file, std::uint64_t offset)
+{
+#ifdef _WIN32
+    return _fseeki64(file, static_cast<long long>(offset), SEEK_SET) == 0; // an off_t has 32 bits there
+#else
+    return fseeko(file, static_cast<off_t>(offset), SEEK_SET) == 0;
+#endif
+}
+
 // The end record of an archive, which has its number of entries; empty if the file has none or only a part of it.
 std::string EndRecord(const std::string& path)
 {
     const File file(Platform::OpenForReading(path));
     const auto size = static_cast<std::size_t>(FileUtil::GetFileSize(path));
     std::string end(std::min(size, END_RECORD_LENGTH + MAX_COMMENT_LENGTH), '\0');
-    if (file == nullptr || fseeko(file.get(), static_cast<off_t>(size - end.size()), SEEK_SET) != 0 ||
+    if (file == nullptr || !Seek(file.get(), size - end.size()) ||
         std::fread(end.data(), 1, end.size(), file.get()) != end.size()) {
         return "";
     }

@@ -84,7 +84,7 @@ STOREYS = [
         **files_in("the records", "frame/check frame/detect_info frame/fault_tree_result frame/detection_observer"
                                   " frame/evidence frame/evidence_words frame/rule_set_summary frame/tree_verdict"),
         **files_in("the ground", "arborist_export arborist_version frame/log frame/settings frame/fault_tree_prop_global"
-                                 " frame/stopping frame/trouble frame/trouble_watch"),
+                                 " frame/stopping frame/thread_value frame/trouble frame/trouble_watch"),
     }),
 ]
 ENGINE = STOREYS[-1]

@@ -13,7 +13,7 @@ TempDir::TempDir() : mBefore(fs::current_path())
     if (mkdtemp(pattern.data()) == nullptr) {
         throw std::runtime_error("no temporary folder at " + pattern);
     }
-    mPath = fs::canonical(pattern).string();
+    mPath = fs::canonical(pattern).generic_string();
     fs::current_path(mPath);
 }
 
@@ -40,7 +40,7 @@ std::string TempDir::Write(const std::string& name, const std::string& content) 
     if (!file.flush()) {
         throw std::runtime_error("can't write " + path.string());
     }
-    return path.string();
+    return path.generic_string();
 }
 
 std::string TempDir::Read(const std::string& name) const
@@ -56,7 +56,7 @@ std::string TempDir::MakeDir(const std::string& name) const
 {
     const fs::path path = fs::path(mPath) / name;
     fs::create_directories(path);
-    return path.string();
+    return path.generic_string();
 }
 
 bool TempDir::Has(const std::string& name) const

@@ -3,12 +3,15 @@
 
 /// Windows has no limits for the size of files.
 
+using rlim_t = unsigned long long;
+
 struct rlimit {
-    unsigned long long rlim_cur;
-    unsigned long long rlim_max;
+    rlim_t rlim_cur;
+    rlim_t rlim_max;
 };
 
 constexpr int RLIMIT_FSIZE = 1;
+constexpr int SIGXFSZ = 25;
 
 inline int getrlimit(int, rlimit*)
 {
