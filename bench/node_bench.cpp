@@ -1,7 +1,6 @@
 // Node rules against only reading their files.
 
 #include <fcntl.h>
-#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -11,6 +10,7 @@
 #include "arborist/evaluation/node_rule_engine.h"
 #include "arborist/model/rule.h"
 #include "bench/compare.h"
+#include "bench/scratch_folder.h"
 
 namespace {
 
@@ -73,10 +73,8 @@ std::size_t AskAll(const std::vector<std::shared_ptr<NodeRule>>& rules)
 int main()
 {
     bench::SilenceLog();
-    std::string folder = (std::filesystem::temp_directory_path() / "arborist-bench-XXXXXX").string();
-    if (mkdtemp(folder.data()) == nullptr) {
-        return 1;
-    }
+    const bench::ScratchFolder scratch;
+    const std::string& folder = scratch.Path();
     std::vector<std::string> paths;
     std::vector<std::shared_ptr<NodeRule>> rules;
     for (int i = 0; i < FILES; ++i) {
@@ -87,5 +85,4 @@ int main()
     const auto times = bench::Alternate(
         ROUNDS, [&] { bench::Keep(AskAll(rules)); }, [&] { bench::Keep(ReadAll(paths)); });
     bench::Report("node rules: 5,000 files and formulas", times, 1.3);
-    std::filesystem::remove_all(folder);
 }

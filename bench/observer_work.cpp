@@ -1,7 +1,6 @@
 // The same work without an observer in two programs: one with the library, one with a variant of it in which every call
 // to an observer is empty. Their instructions are counted while ObservedWork runs.
 
-#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -16,6 +15,7 @@
 #include "bench/compare.h"
 #include "bench/event_log_generator.h"
 #include "bench/rule_set_generator.h"
+#include "bench/scratch_folder.h"
 
 namespace {
 
@@ -65,10 +65,8 @@ struct RuleSet {
 int main()
 {
     bench::SilenceLog();
-    std::string folder = (std::filesystem::temp_directory_path() / "arborist-bench-XXXXXX").string();
-    if (mkdtemp(folder.data()) == nullptr) {
-        return 1;
-    }
+    const bench::ScratchFolder scratch;
+    const std::string& folder = scratch.Path();
     EventLogShape shape;
     shape.rows = 20000;
     SetFaultTreeProperty(Settings::PROGRAM_DATA_DIR, folder);
@@ -78,5 +76,4 @@ int main()
     RuleSet rules(folder);
     ObservedWork(rules,
                  bench::Rules(bench::Tests::ONE_RULE_IN_FIVE, bench::Range::NARROW, shape.ids / 1000));
-    std::filesystem::remove_all(folder);
 }

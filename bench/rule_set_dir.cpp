@@ -1,25 +1,14 @@
 #include "bench/rule_set_dir.h"
 
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 
 namespace bench {
 
 RuleSetDir::RuleSetDir(const RuleSetSize& size)
 {
-    std::string pattern = (std::filesystem::temp_directory_path() / "arborist-bench-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) {
-        std::abort();
-    }
-    mPath = pattern;
     std::ofstream(TreeFile()) << TreeFileText(size);
     std::ofstream(RuleFile()) << RuleFileText(size);
-}
-
-RuleSetDir::~RuleSetDir()
-{
-    std::filesystem::remove_all(mPath);
 }
 
 std::unique_ptr<FaultTreeParser> Parsed(const RuleSetDir& dir, const RuleSetSize& size)

@@ -6,6 +6,7 @@
 
 #include "arborist/loading/fault_tree_parser.h"
 #include "bench/rule_set_generator.h"
+#include "bench/scratch_folder.h"
 
 namespace bench {
 
@@ -13,16 +14,13 @@ namespace bench {
 class RuleSetDir {
 public:
     explicit RuleSetDir(const RuleSetSize& size);
-    ~RuleSetDir();
-    RuleSetDir(const RuleSetDir&) = delete;
-    RuleSetDir& operator=(const RuleSetDir&) = delete;
 
-    const std::string& Path() const { return mPath; }
-    std::string TreeFile() const { return mPath + "/" + FaultTreeParser::FAULT_TREE_FILE; }
-    std::string RuleFile() const { return mPath + "/" + FaultTreeParser::FAULT_TREE_RULES_FILE; }
+    const std::string& Path() const { return mFolder.Path(); }
+    std::string TreeFile() const { return Path() + "/" + FaultTreeParser::FAULT_TREE_FILE; }
+    std::string RuleFile() const { return Path() + "/" + FaultTreeParser::FAULT_TREE_RULES_FILE; }
 
 private:
-    std::string mPath;
+    ScratchFolder mFolder;
 };
 
 /// Lets the engine's loader read such a folder.

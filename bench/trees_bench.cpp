@@ -14,6 +14,7 @@
 #include "arborist/loading/fault_tree_parser.h"
 #include "arborist/model/fault_tree.h"
 #include "bench/compare.h"
+#include "bench/scratch_folder.h"
 
 namespace {
 
@@ -179,13 +180,10 @@ void CompareQueries(const std::string& few, const std::string& many)
 int main()
 {
     bench::SilenceLog();
-    std::string folder = (std::filesystem::temp_directory_path() / "arborist-bench-XXXXXX").string();
-    if (mkdtemp(folder.data()) == nullptr) {
-        return 1;
-    }
+    const bench::ScratchFolder scratch;
+    const std::string& folder = scratch.Path();
     std::filesystem::create_directory(folder + "/few");
     std::filesystem::create_directory(folder + "/many");
     CompareTrees(folder);
     CompareQueries(folder + "/few", folder + "/many");
-    std::filesystem::remove_all(folder);
 }

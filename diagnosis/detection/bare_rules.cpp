@@ -15,7 +15,7 @@ namespace {
 std::string BundleText(const std::string& rules, const std::string& treeTag)
 {
     JsonWriter json;
-    json.BeginObject().Key("detectScene").Number(std::numeric_limits<std::int32_t>::min());
+    json.BeginObject().Number("detectScene", std::numeric_limits<std::int32_t>::min());
     json.Text("treeTag", treeTag).Text("ruleFileDir", rules);
     json.Key("settings").BeginObject().Text("ProgramDataDir", "programdata").Text("DeviceRootDir", "device");
     return json.EndObject().EndObject().Line();

@@ -15,11 +15,6 @@ namespace diagnosis {
 
 namespace {
 
-void WriteCount(JsonWriter& json, const char* key, std::uint64_t number)
-{
-    json.Key(key).Raw(std::to_string(number));
-}
-
 // Null for a number that can't be reached.
 void WriteFewest(JsonWriter& json, const FewestChecks& fewest)
 {
@@ -32,14 +27,10 @@ void WriteFewest(JsonWriter& json, const FewestChecks& fewest)
 void WriteMissingSources(JsonWriter& json, const TreeReports& trees)
 {
     const MissingSources missing = FindMissingSources(trees);
-    json.Key("missing").BeginObject();
-    WriteCount(json, "undecided", missing.undecided);
-    json.Key("sources").BeginArray();
+    json.Key("missing").BeginObject().Count("undecided", missing.undecided).Key("sources").BeginArray();
     for (const MissingSource& source : missing.sources) {
         json.BeginObject().Text("reason", Evidence::ReasonText(source.reason)).Text("detail", source.detail);
-        WriteCount(json, "checks", source.checks);
-        WriteCount(json, "decides", source.decides);
-        json.EndObject();
+        json.Count("checks", source.checks).Count("decides", source.decides).EndObject();
     }
     json.EndArray().EndObject();
 }
@@ -103,7 +94,7 @@ private:
             WriteLogic(place);
         }
         if (event.evidence != RecordedEvent::NONE) {
-            WriteCount(mJson, "evidence", event.evidence);
+            mJson.Count("evidence", event.evidence);
         }
     }
 
@@ -111,8 +102,8 @@ private:
     {
         const GateLogic logic = GateLogicOf(mTree, place);
         mJson.Key("logic").BeginObject().Text("outcome", Evidence::StateText(logic.outcome));
-        WriteCount(mJson, "below", logic.below);
-        WriteCount(mJson, "inError", logic.inError);
+        mJson.Count("below", logic.below);
+        mJson.Count("inError", logic.inError);
         mJson.Text("decidedBy", logic.decider == RecordedEvent::NONE ? "" : mTree.events[logic.decider].id);
         mJson.EndObject();
     }
@@ -144,7 +135,7 @@ private:
             if (const auto* const texts = mReport.ResultOf(cause.first)) {
                 WriteRootCauseTexts(mJson, *texts);
             }
-            WriteCount(mJson, "times", cause.times);
+            mJson.Count("times", cause.times);
             mJson.Key("cutSet").BeginArray();
             for (const std::size_t member : mTree.causes[cause.first].members) {
                 if (member != RecordedEvent::NONE) {
@@ -162,7 +153,7 @@ private:
         mJson.BeginObject().Text("id", event.id).Text("status", Evidence::StateText(event.status));
         mJson.Key("path").Texts(mTree.PathIds(place));
         if (event.evidence != RecordedEvent::NONE) {
-            WriteCount(mJson, "evidence", event.evidence);
+            mJson.Count("evidence", event.evidence);
         }
         mJson.EndObject();
     }
@@ -192,7 +183,7 @@ private:
     {
         const NearMisses nearMisses = ShownNearMisses(mTree, mView);
         mJson.Key("nearMisses").BeginObject();
-        WriteCount(mJson, "leftOut", nearMisses.leftOut);
+        mJson.Count("leftOut", nearMisses.leftOut);
         mJson.Bool("complete", nearMisses.isComplete);
         mJson.Key("sets").BeginArray();
         for (const NearMiss& nearMiss : nearMisses.sets) {
@@ -208,18 +199,18 @@ private:
     {
         const MinimalSets minimal = FindMinimalSets(mTree);
         mJson.Key("minimal").BeginObject();
-        WriteCount(mJson, "listed", minimal.listed);
-        WriteCount(mJson, "distinct", minimal.distinct);
+        mJson.Count("listed", minimal.listed);
+        mJson.Count("distinct", minimal.distinct);
         mJson.Key("sets").BeginArray();
         for (const DistinctCause& set : minimal.sets) {
             mJson.BeginObject().Key("ids").Texts(set.ids);
-            WriteCount(mJson, "times", set.times);
+            mJson.Count("times", set.times);
             mJson.EndObject();
         }
         mJson.EndArray().Key("shares").BeginArray();
         for (const EventShare& share : minimal.shares) {
             mJson.BeginObject().Text("id", share.id);
-            WriteCount(mJson, "sets", share.sets);
+            mJson.Count("sets", share.sets);
             char number[32];
             std::snprintf(number, sizeof number, "%.6f", share.share);
             mJson.Key("share").Raw(number).EndObject();

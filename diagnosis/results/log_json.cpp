@@ -18,7 +18,7 @@ void WriteSpan(JsonWriter& json, const LoggedSpan& span)
 
 JsonWriter& WriteRows(JsonWriter& json, std::uint64_t rows)
 {
-    return json.Key("rows").Number(static_cast<std::int64_t>(rows));
+    return json.Count("rows", rows);
 }
 
 void WriteUnseen(JsonWriter& json, const std::vector<UnseenRows>& kinds)
@@ -41,7 +41,7 @@ std::string LogJson(const std::string& log, const LogInspection& inspection)
     WriteSpan(json, inspection.span);
     json.Key("ids").BeginArray();
     for (const LoggedId& id : inspection.ids) {
-        json.BeginObject().Key("id").Number(id.id);
+        json.BeginObject().Number("id", id.id);
         WriteRows(json, id.rows);
         WriteSpan(json, id.span);
         json.EndObject();

@@ -4,16 +4,6 @@ namespace diagnosis {
 
 namespace {
 
-void WriteNumber(JsonWriter& json, const char* key, std::int64_t number)
-{
-    json.Key(key).Number(number);
-}
-
-void WriteCount(JsonWriter& json, const char* key, std::uint64_t number)
-{
-    json.Key(key).Raw(std::to_string(number));
-}
-
 // What else went wrong on the way; left out where nothing did.
 void WriteNotes(JsonWriter& json, const std::vector<Evidence::Reason>& notes)
 {
@@ -30,16 +20,16 @@ void WriteNotes(JsonWriter& json, const std::vector<Evidence::Reason>& notes)
 void WriteMoment(JsonWriter& json, const char* key, const Evidence::Moment& moment)
 {
     json.Key(key).BeginObject();
-    WriteNumber(json, "seconds", moment.seconds);
+    json.Number("seconds", moment.seconds);
     json.Text("local", moment.local).EndObject();
 }
 
 void WriteStart(JsonWriter& json, const Evidence::Start& start)
 {
     json.Key("start").BeginObject();
-    WriteNumber(json, "seconds", start.start.seconds);
+    json.Number("seconds", start.start.seconds);
     json.Text("local", start.start.local).Text("floor", Evidence::FloorText(start.floor));
-    WriteNumber(json, "periodDays", start.periodDays);
+    json.Number("periodDays", start.periodDays);
     json.Text("beginFlag", start.beginFlag);
     WriteMoment(json, "period", start.period);
     WriteMoment(json, "reset", start.reset);
@@ -56,10 +46,10 @@ void WriteTest(JsonWriter& json, const Evidence::Test& test)
 {
     json.BeginObject().Text("key", test.key).Text("type", test.type).Text("logic", test.logic);
     json.Text("value", test.value);
-    WriteCount(json, "rowsTested", test.rowsTested);
-    WriteCount(json, "rowsPassed", test.rowsPassed);
+    json.Count("rowsTested", test.rowsTested);
+    json.Count("rowsPassed", test.rowsPassed);
     if (test.rowsPassedByLastId) {
-        WriteCount(json, "rowsPassedByLastId", *test.rowsPassedByLastId);
+        json.Count("rowsPassedByLastId", *test.rowsPassedByLastId);
     }
     json.EndObject();
 }
@@ -67,31 +57,31 @@ void WriteTest(JsonWriter& json, const Evidence::Test& test)
 void WriteWindow(JsonWriter& json, const Evidence::Window& window)
 {
     json.BeginObject();
-    WriteCount(json, "item", window.item);
-    WriteNumber(json, "firstId", window.firstId);
-    WriteNumber(json, "lastId", window.lastId);
+    json.Count("item", window.item);
+    json.Number("firstId", window.firstId);
+    json.Number("lastId", window.lastId);
     json.Text("window", window.kind).Bool("hit", window.hit);
     json.Text("reason", Evidence::ReasonText(window.reason));
     WriteNotes(json, window.notes);
     if (window.start) {
-        WriteNumber(json, "periodDays", window.periodDays);
+        json.Number("periodDays", window.periodDays);
         WriteStart(json, *window.start);
         json.Bool("versionFilter", window.versionFilter);
-        WriteCount(json, "rowsFound", window.count.rowsFound);
+        json.Count("rowsFound", window.count.rowsFound);
         if (window.count.rowsBeforeStart) {
-            WriteCount(json, "rowsBeforeStart", *window.count.rowsBeforeStart);
+            json.Count("rowsBeforeStart", *window.count.rowsBeforeStart);
         }
-        WriteCount(json, "rowsOfOtherVersion", window.count.rowsOfOtherVersion);
-        WriteCount(json, "rowsFailedTest", window.count.rowsFailedTest);
+        json.Count("rowsOfOtherVersion", window.count.rowsOfOtherVersion);
+        json.Count("rowsFailedTest", window.count.rowsFailedTest);
         if (window.count.coveredDays) {
-            WriteNumber(json, "coveredDays", *window.count.coveredDays);
+            json.Number("coveredDays", *window.count.coveredDays);
         }
-        WriteNumber(json, "reached", window.count.reached);
-        WriteNumber(json, "reachedById", window.count.reachedById);
+        json.Number("reached", window.count.reached);
+        json.Number("reachedById", window.count.reachedById);
         json.Text("measure", Evidence::MeasureText(window.count.measure));
         json.Bool("lastIdDecides", window.count.lastIdDecides);
-        WriteNumber(json, "threshold", window.threshold);
-        WriteNumber(json, "missing", window.Missing());
+        json.Number("threshold", window.threshold);
+        json.Number("missing", window.Missing());
         json.Key("tests").BeginArray();
         for (const Evidence::Test& test : window.tests) {
             WriteTest(json, test);
@@ -116,14 +106,14 @@ void WriteComparisons(JsonWriter& json, const std::vector<Evidence::Comparison>&
 void WriteStatement(JsonWriter& json, const Evidence::Statement& statement)
 {
     json.BeginObject().Text("database", statement.database).Text("sql", statement.sql).Bool("opened", statement.opened);
-    WriteCount(json, "rows", statement.rows);
+    json.Count("rows", statement.rows);
     json.Text("error", statement.error).Text("reason", Evidence::ReasonText(statement.reason));
     if (statement.interval) {
         json.Key("interval").BeginObject().Text("startKey", statement.interval->startKey);
         json.Text("endKey", statement.interval->endKey);
-        WriteNumber(json, "start", statement.interval->start);
-        WriteNumber(json, "end", statement.interval->end);
-        WriteCount(json, "days", statement.interval->days);
+        json.Number("start", statement.interval->start);
+        json.Number("end", statement.interval->end);
+        json.Count("days", statement.interval->days);
         json.Bool("usable", statement.interval->usable).EndObject();
     }
     json.Key("parameters").BeginArray();
@@ -174,10 +164,10 @@ public:
         }
         if (command.hits) {
             mJson.Key("hits").BeginObject().Text("name", command.hits->name);
-            WriteCount(mJson, "databases", command.hits->databases);
-            WriteNumber(mJson, "hits", command.hits->hits);
-            WriteNumber(mJson, "needed", command.hits->needed);
-            WriteNumber(mJson, "missing", command.hits->Missing());
+            mJson.Count("databases", command.hits->databases);
+            mJson.Number("hits", command.hits->hits);
+            mJson.Number("needed", command.hits->needed);
+            mJson.Number("missing", command.hits->Missing());
             if (command.hits->missingCopies) {
                 WriteMissingCopies(mJson, *command.hits->missingCopies);
             }
@@ -231,9 +221,9 @@ void WriteRule(JsonWriter& json, const PlacedRule& placed)
     if (!rule.logProblem.empty()) {
         json.Text("logProblem", rule.logProblem);
     }
-    WriteCount(json, "alternative", placed.alternative);
+    json.Count("alternative", placed.alternative);
     if (placed.inGroup) {
-        WriteCount(json, "place", placed.place);
+        json.Count("place", placed.place);
     }
     if (rule.filter) {
         json.Key("filter").BeginObject().Text("deviceValue", rule.filter->deviceValue);

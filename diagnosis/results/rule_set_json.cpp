@@ -27,7 +27,7 @@ constexpr char IMPORT_SCHEMA[] = "arborist.rules.import.1";
 void WritePlace(const Place& place, JsonWriter& json)
 {
     json.Text("file", place.file);
-    json.Key("line").Number(place.line);
+    json.Number("line", place.line);
 }
 
 void WriteIfAny(const char* key, const std::string& text, JsonWriter& json)
@@ -66,7 +66,7 @@ void WriteItem(const Item& item, JsonWriter& json)
     json.Key("facts").BeginArray();
     for (const Fact& fact : item.facts) {
         json.BeginObject().Text("key", fact.key).Text("value", fact.value);
-        json.Key("line").Number(fact.line);
+        json.Number("line", fact.line);
         json.EndObject();
     }
     json.EndArray().EndObject();
@@ -188,7 +188,7 @@ std::string CountsJson(const ReadRuleSet& rules)
     for (const auto& tag : rules.tags) {
         json.BeginObject().Text("tag", tag->tag).Key("counts").BeginArray();
         for (const auto& [name, count] : rule_set::CountsOf(*tag)) {
-            json.BeginObject().Text("of", name).Key("count").Number(static_cast<std::int64_t>(count)).EndObject();
+            json.BeginObject().Text("of", name).Count("count", count).EndObject();
         }
         json.EndArray().EndObject();
     }

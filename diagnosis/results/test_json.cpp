@@ -14,11 +14,6 @@ namespace {
 using cases::CaseOutcome;
 using cases::Difference;
 
-JsonWriter& WriteCount(JsonWriter& json, const char* key, std::size_t number)
-{
-    return json.Key(key).Number(static_cast<std::int64_t>(number));
-}
-
 void WriteEntries(JsonWriter& json, const char* key, const std::vector<Difference::Entry>& entries)
 {
     json.Key(key).BeginArray();
@@ -30,7 +25,7 @@ void WriteEntries(JsonWriter& json, const char* key, const std::vector<Differenc
 
 void WriteCase(JsonWriter& json, const CaseOutcome& outcome)
 {
-    json.BeginObject().Text("file", outcome.file).Key("line").Number(outcome.line).Text("name", outcome.name);
+    json.BeginObject().Text("file", outcome.file).Number("line", outcome.line).Text("name", outcome.name);
     json.Bool("passed", outcome.HasPassed()).Bool("reviewed", outcome.isReviewed);
     json.Key("differences").BeginArray();
     for (const Difference& difference : outcome.differences) {
@@ -49,12 +44,12 @@ void WriteCase(JsonWriter& json, const CaseOutcome& outcome)
 void WriteCoverage(JsonWriter& json, const cases::RuleSetCoverage& coverage)
 {
     json.BeginObject().Text("rules", coverage.folder).Text("tag", coverage.tag);
-    WriteCount(json, "covered", coverage.Covered());
-    WriteCount(json, "total", coverage.Total());
+    json.Count("covered", coverage.Covered());
+    json.Count("total", coverage.Total());
     json.Key("uncovered").BeginArray();
     for (const cases::CoverageItem& item : coverage.items) {
         if (item.Covered() < 2) {
-            json.BeginObject().Text("file", item.file).Key("line").Number(item.line);
+            json.BeginObject().Text("file", item.file).Number("line", item.line);
             json.Text("kind", cases::CoverageKindText(item.kind)).Text("subject", item.subject);
             json.Key("never").Texts(item.Missing()).EndObject();
         }
@@ -111,9 +106,9 @@ std::string TestJson(const cases::TestRun& run, bool isOk)
 {
     JsonWriter json;
     json.BeginObject().Text("schema", "arborist.test.1").Bool("ok", isOk);
-    WriteCount(json, "total", run.cases.size());
-    WriteCount(json, "passed", run.Passed());
-    WriteCount(json, "unreviewed", run.Unreviewed());
+    json.Count("total", run.cases.size());
+    json.Count("passed", run.Passed());
+    json.Count("unreviewed", run.Unreviewed());
     json.Key("cases").BeginArray();
     for (const CaseOutcome& outcome : run.cases) {
         WriteCase(json, outcome);

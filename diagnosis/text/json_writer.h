@@ -30,6 +30,8 @@ public:
     /// Writes a member with its value.
     JsonWriter& Text(std::string_view key, std::string_view text) { return Key(key).Text(text); }
     JsonWriter& Bool(std::string_view key, bool value) { return Key(key).Bool(value); }
+    JsonWriter& Number(std::string_view key, std::int64_t number) { return Key(key).Number(number); }
+    JsonWriter& Count(std::string_view key, std::uint64_t count) { return Key(key).Raw(std::to_string(count)); }
 
     const std::string& Line() const { return mLine; }
 

@@ -16,7 +16,6 @@ class AnswerColumn {
 public:
     AnswerColumn(std::uint32_t firstRow, std::uint32_t endRow, bool isNumber);
 
-    std::uint32_t GetFirstRow() const { return mFirstRow; }
     std::uint32_t GetEndRow() const { return mEndRow; }
     bool IsNumber() const { return mIsNumber; }
 
@@ -38,9 +37,8 @@ public:
     /// True if a row must be asked again.
     bool HasAskedAgain() const { return !mAgain.IsEmpty(); }
 
-    /// The bits for yes of 64 rows, and the bits of those to ask again; see RowBits::GetWord.
+    /// The bits for yes of 64 rows; see RowBits::GetWord.
     RowBits::Word GetYes(std::uint32_t word) const { return mYes.GetWord(word); }
-    RowBits::Word GetAskedAgain(std::uint32_t word) const { return mAgain.IsEmpty() ? 0 : mAgain.GetWord(word); }
 
     /// Bytes that a column takes, including the bits of rows to ask again.
     static std::size_t SizeFor(std::uint32_t rows, bool isNumber);

@@ -19,7 +19,6 @@ public:
     {
     }
 
-    const EventLogSnapshot& GetSnapshot() const { return *mSnapshot; }
     const EventLogSnapshot::Filter& GetFilter() const { return mFilter; }
     std::size_t Of(std::size_t entryNumber)
     {

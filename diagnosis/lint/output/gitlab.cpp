@@ -23,7 +23,7 @@ std::string RunGitlab(const LintRun& run)
         json.BeginObject().Text("description", finding.message).Text("check_name", finding.check->id);
         json.Text("fingerprint", finding.fingerprint).Text("severity", SeverityOf(finding));
         json.Key("location").BeginObject().Text("path", finding.file);
-        json.Key("lines").BeginObject().Key("begin").Number(std::max(1, finding.line)).EndObject();
+        json.Key("lines").BeginObject().Number("begin", std::max(1, finding.line)).EndObject();
         json.EndObject().EndObject();
     }
     return json.EndArray().Line() + "\n";

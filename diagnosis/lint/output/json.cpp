@@ -15,9 +15,9 @@ void AppendFinding(const Finding& finding, JsonWriter& json)
     json.BeginObject();
     json.Text("id", finding.check->id).Text("severity", SeverityWord(finding.check->severity));
     json.Text("title", finding.check->title);
-    json.Text("file", finding.file).Key("line").Number(finding.line);
+    json.Text("file", finding.file).Number("line", finding.line);
     if (finding.column > 0) {
-        json.Key("column").Number(finding.column).Key("columns").Number(finding.columns);
+        json.Number("column", finding.column).Number("columns", finding.columns);
     }
     json.Text("element", finding.element).Text("message", finding.message);
     if (!finding.help.empty()) {
@@ -40,11 +40,11 @@ std::string RunJson(const LintRun& run)
         AppendFinding(finding, json);
     }
     json.EndArray();
-    json.Key("errors").Number(static_cast<std::int64_t>(run.Count(Severity::ERROR)));
-    json.Key("warnings").Number(static_cast<std::int64_t>(run.Count(Severity::WARNING)));
-    json.Key("infos").Number(static_cast<std::int64_t>(run.Count(Severity::INFO)));
-    json.Key("known").Number(static_cast<std::int64_t>(run.known));
-    json.Key("fixed").Number(static_cast<std::int64_t>(run.fixed));
+    json.Count("errors", run.Count(Severity::ERROR));
+    json.Count("warnings", run.Count(Severity::WARNING));
+    json.Count("infos", run.Count(Severity::INFO));
+    json.Count("known", run.known);
+    json.Count("fixed", run.fixed);
     return json.EndObject().Line() + "\n";
 }
 

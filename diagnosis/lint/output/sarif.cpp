@@ -58,10 +58,10 @@ void AppendLocation(const Finding& finding, JsonWriter& json)
     json.Key("locations").BeginArray().BeginObject().Key("physicalLocation").BeginObject();
     json.Key("artifactLocation").BeginObject().Text("uri", UriOf(finding.file)).EndObject();
     if (finding.line > 0) {
-        json.Key("region").BeginObject().Key("startLine").Number(finding.line);
+        json.Key("region").BeginObject().Number("startLine", finding.line);
         if (finding.column > 0) {
-            json.Key("startColumn").Number(finding.column);
-            json.Key("endColumn").Number(finding.column + finding.columns);
+            json.Number("startColumn", finding.column);
+            json.Number("endColumn", finding.column + finding.columns);
         }
         json.EndObject();
     }

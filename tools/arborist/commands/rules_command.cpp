@@ -166,13 +166,14 @@ void AddTag(Command command, RulesOptions& options)
     command.Add("--tag", options.selection.tag, "Look at this tag alone").Takes("TAG");
 }
 
-void AddListCommand(Command rules, ExitStatus& status)
+// A command that only takes a folder, with an example of its use.
+void AddPlainCommand(Command rules, const std::string& name, const std::string& description, Run run, ExitStatus& status)
 {
     auto options = std::make_shared<RulesOptions>();
-    Command list = Add(rules, "list", "List trees, events, rules and shared data, and who names whom", options, List, status);
-    AddFolder(list, *options);
-    AddTag(list, *options);
-    list.Footer("Example:\n  arborist rules list examples/laptop/rules");
+    Command plain = Add(rules, name, description, options, run, status);
+    AddFolder(plain, *options);
+    AddTag(plain, *options);
+    plain.Footer("Example:\n  arborist rules " + name + " examples/laptop/rules");
 }
 
 void AddShowCommand(Command rules, ExitStatus& status)
@@ -185,15 +186,6 @@ void AddShowCommand(Command rules, ExitStatus& status)
     AddTag(show, *options);
     show.Footer("Exits with 1 if nothing has the name.\n"
                 "Example:\n  arborist rules show examples/laptop/rules BATTERY_WORN");
-}
-
-void AddStatsCommand(Command rules, ExitStatus& status)
-{
-    auto options = std::make_shared<RulesOptions>();
-    Command stats = Add(rules, "stats", "Count what a rule set has", options, Stats, status);
-    AddFolder(stats, *options);
-    AddTag(stats, *options);
-    stats.Footer("Example:\n  arborist rules stats examples/laptop/rules");
 }
 
 void AddDiffCommand(Command rules, ExitStatus& status)
@@ -224,9 +216,9 @@ void AddRulesCommand(Command app, ExitStatus& status)
     Command rules = app.AddCommand("rules", "Rule sets: list, show, compare");
     rules.RequireCommand();
     rules.Footer("Example:\n  arborist rules list examples/laptop/rules");
-    AddListCommand(rules, status);
+    AddPlainCommand(rules, "list", "List trees, events, rules and shared data, and who names whom", List, status);
     AddShowCommand(rules, status);
-    AddStatsCommand(rules, status);
+    AddPlainCommand(rules, "stats", "Count what a rule set has", Stats, status);
     AddDiffCommand(rules, status);
     AddReachCommand(rules, status);
     AddRulesMakingCommands(rules, status);

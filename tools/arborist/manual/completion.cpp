@@ -85,16 +85,28 @@ std::string ChoiceCases(const CommandReference& root, const std::string& open, c
     return lines;
 }
 
+// The cases for commands: the options and the words that may follow.
+std::string CommandCases(const CommandReference& root, const std::string& open, const std::string& close)
+{
+    std::string lines;
+    Visit(root, [&](const CommandReference& command) {
+        lines += "    " + Quoted(command.words) + ") options=" + open + Names(command.options) + close + " commands="
+            + open + NextWords(command) + close + " ;;\n";
+    });
+    return lines;
+}
+
+// A pattern that any command matches.
+std::string AnyCommand(const CommandReference& root)
+{
+    std::string commands;
+    Visit(root, [&commands](const CommandReference& command) { commands += "|" + Quoted(command.words); });
+    return commands.substr(1);
+}
+
 // The words up to the cursor select a command; the script completes its options, subcommands and files.
 std::string Bash(const CommandReference& root)
 {
-    std::string lines;
-    Visit(root, [&lines](const CommandReference& command) {
-        lines += "    " + Quoted(command.words) + ") options=" + Quoted(Names(command.options)) + " commands="
-            + Quoted(NextWords(command)) + " ;;\n";
-    });
-    std::string commands;
-    Visit(root, [&commands](const CommandReference& command) { commands += "|" + Quoted(command.words); });
     return "# Completion for arborist: made by \"arborist completion bash\".\n"
            "_arborist() {\n"
            "    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]}\n"
@@ -106,10 +118,10 @@ std::string Bash(const CommandReference& root)
            "    fi\n"
            "    for word in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do\n"
            "        case \"$words $word\" in\n"
-           "        " + commands.substr(1) + ") words=\"$words $word\" ;;\n"
+           "        " + AnyCommand(root) + ") words=\"$words $word\" ;;\n"
            "        esac\n"
            "    done\n"
-           "    case \"$words\" in\n" + lines + "    esac\n"
+           "    case \"$words\" in\n" + CommandCases(root, "'", "'") + "    esac\n"
            "    case \"$words $previous\" in\n" + ChoiceCases(root, "'", "'") + "    esac\n"
            "    if [[ -n $values ]]; then\n"
            "        mapfile -t COMPREPLY < <(compgen -W \"$values\" -- \"$current\")\n"
@@ -126,13 +138,6 @@ std::string Bash(const CommandReference& root)
 
 std::string Zsh(const CommandReference& root)
 {
-    std::string lines;
-    std::string commands;
-    Visit(root, [&](const CommandReference& command) {
-        commands += "|" + Quoted(command.words);
-        lines += "    " + Quoted(command.words) + ") options=(" + Names(command.options) + ") commands=("
-            + NextWords(command) + ") ;;\n";
-    });
     return "#compdef arborist\n"
            "# Completion for arborist: made by \"arborist completion zsh\".\n"
            "_arborist() {\n"
@@ -140,10 +145,10 @@ std::string Zsh(const CommandReference& root)
            "    local -a options commands values\n"
            "    for word in \"${(@)words[2,CURRENT-1]}\"; do\n"
            "        case \"$path_words $word\" in\n"
-           "        (" + commands.substr(1) + ") path_words=\"$path_words $word\" ;;\n"
+           "        (" + AnyCommand(root) + ") path_words=\"$path_words $word\" ;;\n"
            "        esac\n"
            "    done\n"
-           "    case \"$path_words\" in\n" + lines + "    esac\n"
+           "    case \"$path_words\" in\n" + CommandCases(root, "(", ")") + "    esac\n"
            "    case \"$path_words $previous\" in\n" + ChoiceCases(root, "(", ")") + "    esac\n"
            "    if (( $#values )); then\n"
            "        compadd -- $values\n"
