@@ -2,15 +2,15 @@
 #define ARBORIST_DIAGNOSIS_PROBLEM_H
 
 #include <string>
+#include <utility>
 
 #include "diagnosis/exit_status.h"
+#include "diagnosis/warning_code.h"
 
 namespace diagnosis {
 
-/// A problem that makes a result less reliable but doesn't stop the work. `code` is one of the codes of
-/// docs/command.md. All but code and message are empty where nothing is known.
-struct Warning {
-    std::string code;
+/// What is wrong, and where. All but the message are empty where nothing is known.
+struct Problem {
     std::string message;
     /// The check of lint that finds this mistake of the rule set: "A303".
     std::string id = {};
@@ -22,8 +22,16 @@ struct Warning {
     std::string event = {};
 };
 
+/// A problem that makes a result less reliable but doesn't stop the work.
+struct Warning : Problem {
+    Warning(WarningCode warningCode, Problem problem) : Problem(std::move(problem)), code(warningCode) {}
+    Warning(WarningCode warningCode, std::string text) : Warning(warningCode, Problem{std::move(text)}) {}
+
+    WarningCode code;
+};
+
 /// The message behind its place: "rules/FaultTreeRules.xml:12: the event ...".
-std::string PlacedMessage(const Warning& warning);
+std::string PlacedMessage(const Problem& problem);
 
 /// Why a bundle or a file could not be used. The message names the file and the reason, on one line.
 struct Failure {

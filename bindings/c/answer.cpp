@@ -9,13 +9,8 @@ namespace diagnosis::bindings {
 std::string WarningsJson(const std::vector<Warning>& warnings)
 {
     JsonWriter json;
-    json.BeginArray();
-    for (const Warning& warning : warnings) {
-        json.BeginObject();
-        WriteWarning(json, warning);
-        json.EndObject();
-    }
-    return json.EndArray().Line();
+    WriteWarnings(json, warnings);
+    return json.Line();
 }
 
 std::string ValidUtf8(const std::string& text)

@@ -90,7 +90,7 @@ public:
     {
         for (const std::string& name : mObject.getMemberNames()) {
             if (std::find(mKnown.begin(), mKnown.end(), name) == mKnown.end()) {
-                mFindings.warnings.push_back({"unknown_key",
+                mFindings.warnings.push_back({WarningCode::UNKNOWN_KEY,
                     mFindings.path + ": unknown key \"" + mPrefix + name + "\"" + DidYouMean(name, mKnown)});
             }
         }

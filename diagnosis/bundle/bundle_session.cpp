@@ -138,7 +138,7 @@ std::optional<Failure> BundleSession::CheckBounds(const BundlePath& path, const 
     if (mIsZip) {
         return Failure{"outside_bundle", path.given + ": " + message + "; --rules takes those of another folder"};
     }
-    mWarnings.push_back({"rules_outside", message});
+    mWarnings.push_back({WarningCode::RULES_OUTSIDE, message});
     return std::nullopt;
 }
 

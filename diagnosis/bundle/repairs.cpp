@@ -23,7 +23,7 @@ void WarnOfUnknownRepair(const BundleSession& session, const std::string& id, st
     // The operation word behind an id is easily forgotten.
     const auto longer = std::find_if(known.begin(), known.end(),
         [&](const std::string& candidate) { return candidate.rfind(id + "_", 0) == 0; });
-    warnings.push_back({"unknown_repair", "no event of the rule set names the repair \"" + id + "\""
+    warnings.push_back({WarningCode::UNKNOWN_REPAIR, "no event of the rule set names the repair \"" + id + "\""
         + (longer == known.end() ? DidYouMean(id, known) : "; did you mean \"" + *longer + "\"?")});
 }
 

@@ -145,7 +145,7 @@ private:
     {
         const auto name = Inside(NameOnDevice(mCaptured.settings[Settings::DEVICE_ROOT_DIR], path));
         if (!name) {
-            mWarnings.push_back({"not_captured", path + ": leads out of the bundle, and is left out"});
+            mWarnings.push_back({WarningCode::NOT_CAPTURED, path + ": leads out of the bundle, and is left out"});
         }
         return name;
     }
@@ -214,7 +214,7 @@ private:
             return;
         }
         for (const RepairRecord& record : DeleteLaterRepairs(path, *mSession.AsOf())) {
-            mWarnings.push_back({"repair_history_lost", "the repair \"" + record.id + "\" was recorded later, at "
+            mWarnings.push_back({WarningCode::REPAIR_HISTORY_LOST, "the repair \"" + record.id + "\" was recorded later, at "
                 + record.date + ": it is left out, and an earlier date of it is not kept"});
         }
     }

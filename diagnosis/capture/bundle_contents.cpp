@@ -101,13 +101,13 @@ void LookInto(const BundleSession& session, BundleLook look, BundleContents& con
 
 BundleFinding Finding(const std::string& sound, const std::optional<Failure>& failure)
 {
-    return failure ? BundleFinding{State::BROKEN, {failure->code, failure->message}, failure->status}
-                   : BundleFinding{State::SOUND, {"", sound}};
+    return failure ? BundleFinding{State::BROKEN, failure->code, {failure->message}, failure->status}
+                   : BundleFinding{State::SOUND, "", {sound}};
 }
 
 BundleFinding Missing(const std::string& code, const std::string& message)
 {
-    return {State::MISSING, {code, message}, ExitStatus::SUCCESS, ExitStatus::INPUT};
+    return {State::MISSING, code, {message}, ExitStatus::SUCCESS, ExitStatus::INPUT};
 }
 
 void CheckPaths(const std::vector<NamedPath>& paths, const std::string& kind, std::vector<BundleFinding>& findings)
@@ -119,7 +119,7 @@ void CheckPaths(const std::vector<NamedPath>& paths, const std::string& kind, st
             findings.push_back(Missing("missing_path", kind + " " + path.path + " is not there"));
         }
     }
-    findings.push_back({State::SOUND, {"", kind + ": " + std::to_string(there) + " of " + std::to_string(paths.size())
+    findings.push_back({State::SOUND, "", {kind + ": " + std::to_string(there) + " of " + std::to_string(paths.size())
         + " are there"}});
 }
 
@@ -167,11 +167,12 @@ std::vector<BundleFinding> CheckBundle(const BundleContents& contents)
         return findings;
     }
     for (const Warning& warning : contents.warnings) {
-        findings.push_back(Missing(warning.code, warning.message));
+        findings.push_back(Missing(CodeWord(warning.code), warning.message));
     }
     findings.push_back(Finding("the rule set can be used", contents.ruleSetFailure));
     for (const Warning& warning : contents.ruleSetWarnings) {
-        findings.push_back({State::DOUBTFUL, warning, ExitStatus::SUCCESS, StrictStatus(warning)});
+        findings.push_back(
+            {State::DOUBTFUL, CodeWord(warning.code), warning, ExitStatus::SUCCESS, StrictStatus(warning.code)});
     }
     if (contents.hasLog) {
         findings.push_back(Finding("the event log can be read", contents.logFailure));

@@ -57,7 +57,9 @@ BundleContents LookIntoBundle(
 struct BundleFinding {
     enum class State { SOUND, DOUBTFUL, MISSING, BROKEN };
     State state;
-    Warning what;
+    /// The word of the failure or the warning; empty for a sound one.
+    std::string code;
+    Problem what;
     ExitStatus status = ExitStatus::SUCCESS;
     /// The status under --strict.
     ExitStatus strictStatus = status;

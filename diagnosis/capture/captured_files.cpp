@@ -164,7 +164,7 @@ std::optional<Failure> CapturedFiles::Take(const std::string& source, const std:
         from.open(source, std::ios::binary);
     }
     if (!from.is_open()) {
-        mWarnings.push_back({"not_captured", source + ": can't be read, and is left out"});
+        mWarnings.push_back({WarningCode::NOT_CAPTURED, source + ": can't be read, and is left out"});
         return std::nullopt;
     }
     std::ofstream to(target, std::ios::binary | std::ios::trunc);

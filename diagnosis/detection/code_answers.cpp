@@ -49,7 +49,7 @@ bool CodeAnswers::AskHost(const std::string& question, const std::string& userDe
 {
     const std::optional<bool> answer = mRunner.ask(question);
     return answer ? Keep(userDefinedInfo, *answer)
-                  : Warn(Outcome::BROKEN_OFF, "code_runner",
+                  : Warn(Outcome::BROKEN_OFF,
                       "the host: asked about \"" + userDefinedInfo + "\": gave no answer: taken as not present");
 }
 
@@ -58,10 +58,10 @@ bool CodeAnswers::AskProgram(const std::string& question, const std::string& use
     const ProgramOutcome outcome = RunProgram(mRunner.path, question, mRunner.timeout);
     const std::string about = mRunner.path + ": asked about \"" + userDefinedInfo + "\": ";
     if (outcome.kind == ProgramOutcome::Kind::TROUBLE) {
-        return Warn(Outcome::BROKEN_OFF, "code_runner", about + outcome.trouble + ": taken as not present");
+        return Warn(Outcome::BROKEN_OFF, about + outcome.trouble + ": taken as not present");
     }
     if (outcome.exitStatus != 0 && outcome.exitStatus != 1) {
-        return Warn(Outcome::BROKEN_OFF, "code_runner", about + "exit status " + std::to_string(outcome.exitStatus)
+        return Warn(Outcome::BROKEN_OFF, about + "exit status " + std::to_string(outcome.exitStatus)
             + ", neither 0 (present) nor 1 (not present): taken as not present");
     }
     return Keep(userDefinedInfo, outcome.exitStatus == 0);
@@ -70,15 +70,15 @@ bool CodeAnswers::AskProgram(const std::string& question, const std::string& use
 bool CodeAnswers::Keep(const std::string& userDefinedInfo, bool answer)
 {
     if (mAnswers.try_emplace(userDefinedInfo, answer).first->second != answer) {
-        Warn(Outcome::ANSWERED, "code_runner", (mRunner.ask ? "the host" : mRunner.path) + ": two answers about \"" + userDefinedInfo + "\" differ");
+        Warn(Outcome::ANSWERED, (mRunner.ask ? "the host" : mRunner.path) + ": two answers about \"" + userDefinedInfo + "\" differ");
     }
     return answer;
 }
 
-bool CodeAnswers::Warn(Outcome outcome, const std::string& code, const std::string& message)
+bool CodeAnswers::Warn(Outcome outcome, const std::string& message)
 {
     mOutcome = outcome;
-    mWarnings.push_back({code, message});
+    mWarnings.push_back({WarningCode::CODE_RUNNER, message});
     return false;
 }
 

@@ -44,7 +44,7 @@ private:
     bool AskProgram(const std::string& question, const std::string& userDefinedInfo);
     bool AskHost(const std::string& question, const std::string& userDefinedInfo);
     bool Keep(const std::string& userDefinedInfo, bool answer);
-    bool Warn(Outcome outcome, const std::string& code, const std::string& message);
+    bool Warn(Outcome outcome, const std::string& message);
 
     std::map<std::string, bool> mRecorded;
     CodeRunner mRunner;

@@ -15,7 +15,7 @@ namespace {
 void WarnOfUnknownCode(const std::vector<std::string>& codes, QueryReport& report)
 {
     if (std::find(codes.begin(), codes.end(), report.code) == codes.end()) {
-        report.warnings.push_back({"unknown_code",
+        report.warnings.push_back({WarningCode::UNKNOWN_CODE,
             "no code rule has the code \"" + report.code + "\"" + DidYouMean(report.code, codes)});
     }
 }

@@ -21,11 +21,9 @@ std::string Quoted(std::string_view text)
     return "\"" + std::string(text) + "\"";
 }
 
-Warning OfRule(const char* code, std::string message, const std::string& rule)
+Warning OfRule(WarningCode code, std::string message, const std::string& rule)
 {
-    Warning warning{code, std::move(message)};
-    warning.rule = rule;
-    return warning;
+    return {code, {.message = std::move(message), .rule = rule}};
 }
 
 // SQL of the common part has its line in the rule file; other SQL is placed by its rule.
@@ -33,10 +31,11 @@ Warning OfStatement(const Evidence::Trouble& trouble)
 {
     const std::string about =
         trouble.ruleName.empty() ? "before the rules ran" : "of the rule " + Quoted(trouble.ruleName);
-    Warning warning = OfRule("sql_failed", "SQL " + about + " failed: " + trouble.words, trouble.ruleName);
-    warning.file = trouble.line == 0 ? "" : trouble.file;
-    warning.line = trouble.line;
-    return warning;
+    return {WarningCode::SQL_FAILED,
+        {.message = "SQL " + about + " failed: " + trouble.words,
+            .file = trouble.line == 0 ? "" : trouble.file,
+            .line = trouble.line,
+            .rule = trouble.ruleName}};
 }
 
 // The number of skipped rows in words.
@@ -65,7 +64,7 @@ void DetectionWarnings::OnRuleSet(const Evidence::RuleSet& ruleSet)
     for (const Evidence::RuleSetFile& file : ruleSet.files) {
         if (file.type == Evidence::RuleSetFileType::RULES && file.state == Evidence::RuleSetFileState::LOADED
             && file.count == 0) {
-            mList.Add({"no_rules", file.path + ": no rule under the tree tag", "", file.path});
+            mList.Add({WarningCode::NO_RULES, {.message = file.path + ": no rule under the tree tag", .file = file.path}});
         }
     }
 }
@@ -78,7 +77,7 @@ void DetectionWarnings::OnTreeFinished(const Evidence::TreeResult& result)
         return check.reason == Reason::STOPPED;
     }) ? 1U : 0U;
     if (result.verdict.isTrueWithoutCause) {
-        mList.Add("true_without_cause", "the top event of the tree " + Quoted(result.id)
+        mList.Add(WarningCode::TRUE_WITHOUT_CAUSE, "the top event of the tree " + Quoted(result.id)
             + " is TRUE, and no cut set explains it: no root cause can be told");
     }
 }
@@ -102,11 +101,11 @@ void DetectionWarnings::OnTrouble(const Evidence::Trouble& trouble)
         }
         break;
     case Kind::NO_COPY_FOLDER:
-        mList.Add("app_database_dir_empty", "the setting \"AppDatabaseDir\" is empty: databases that the rule set "
+        mList.Add(WarningCode::APP_DATABASE_DIR_EMPTY, "the setting \"AppDatabaseDir\" is empty: databases that the rule set "
             "names are not copied, and rules on them find nothing");
         break;
     case Kind::NOT_COPIED:
-        mList.Add("database_unavailable", "the database or archive " + Quoted(trouble.subject)
+        mList.Add(WarningCode::DATABASE_UNAVAILABLE, "the database or archive " + Quoted(trouble.subject)
             + " can't be copied or unpacked: rules on databases of its kind miss it");
         break;
     case Kind::TABLE_NOT_BUILT:
@@ -115,7 +114,7 @@ void DetectionWarnings::OnTrouble(const Evidence::Trouble& trouble)
         }
         break;
     case Kind::REPAIR_HISTORY_LOST:
-        mList.Add("repair_history_lost", "the repair " + Quoted(trouble.subject) + " was recorded later, at "
+        mList.Add(WarningCode::REPAIR_HISTORY_LOST, "the repair " + Quoted(trouble.subject) + " was recorded later, at "
             + trouble.words + ": it counts as not recorded, and an earlier date of it is not kept");
         break;
     case Kind::NO_THRESHOLDS:
@@ -152,7 +151,7 @@ void DetectionWarnings::OnRule(const Evidence::Rule& rule)
         }
     }
     if (rule.reason == Reason::NO_RUNNER) {
-        mList.Add(OfRule("no_code_runner", "the code rule " + Quoted(rule.name)
+        mList.Add(OfRule(WarningCode::NO_CODE_RUNNER, "the code rule " + Quoted(rule.name)
                 + " has no recorded answer, and no --code-runner was given: taken as not present",
             rule.name));
     }
@@ -162,11 +161,11 @@ void DetectionWarnings::OnStatement(const Evidence::Statement& statement, const 
 {
     const std::string database = fs::path(statement.database).filename().string();
     if (!statement.opened) {
-        mList.Add("database_unavailable",
+        mList.Add(WarningCode::DATABASE_UNAVAILABLE,
             (database.empty() ? "the derived database" : "the database " + Quoted(database)) + " can't be opened");
     }
     if (!statement.error.empty()) {
-        mList.Add(OfRule("sql_failed",
+        mList.Add(OfRule(WarningCode::SQL_FAILED,
             "SQL of the rule " + Quoted(ruleName) + " on " + Quoted(database) + " failed: " + statement.error, ruleName));
     }
 }
@@ -190,7 +189,7 @@ void DetectionWarnings::LookAfter(const BundleSession& session)
 void DetectionWarnings::TellStop()
 {
     if (mStoppedTrees != 0) {
-        mList.Add("stopped", "the detection was stopped: " + std::to_string(mStoppedTrees) + " of "
+        mList.Add(WarningCode::STOPPED, "the detection was stopped: " + std::to_string(mStoppedTrees) + " of "
             + std::to_string(mTrees) + (mTrees == 1 ? " tree is" : " trees are") + " not decided");
     }
 }
@@ -210,14 +209,14 @@ void DetectionWarnings::TellNodes()
         return;
     }
     message += number > LARGEST_NUMBER ? " and " + std::to_string(number - LARGEST_NUMBER) + " more" : "";
-    mList.Add("node_unreadable", (number == 1 ? "a node file" : std::to_string(number) + " node files")
+    mList.Add(WarningCode::NODE_UNREADABLE, (number == 1 ? "a node file" : std::to_string(number) + " node files")
         + " can't be read: " + message);
 }
 
 void DetectionWarnings::TellEventLog(const BundleSession& session)
 {
     if (!mHadLog) {
-        mList.Add("event_log_missing", "there is no event log: rules and tables that ask for events find none");
+        mList.Add(WarningCode::EVENT_LOG_MISSING, "there is no event log: rules and tables that ask for events find none");
         return;
     }
     const std::string version = Setting(session.GetBundle(), Settings::VERSION_NAME);
@@ -225,33 +224,33 @@ void DetectionWarnings::TellEventLog(const BundleSession& session)
         session.ProgramDataPath(EVENT_LOG), {session.Now(), session.AsOf(), mHasBadExtra, version});
     const std::string& trouble = look.problem.empty() ? mEventLogTrouble : look.problem;
     if (!trouble.empty()) {
-        mList.Add("event_log_unreadable", "the event log can't be read to its end: " + trouble);
+        mList.Add(WarningCode::EVENT_LOG_UNREADABLE, "the event log can't be read to its end: " + trouble);
     }
-    const auto tellRows = [&](const char* code, std::int64_t some, const std::string& what) {
+    const auto tellRows = [&](WarningCode code, std::int64_t some, const std::string& what) {
         if (some > 0) {
             mList.Add(code, OfRows(some, look.rows) + " of the event log " + what);
         }
     };
     if (mWantsLog) {
-        tellRows("rows_unseen", look.withoutTime, "can't be seen by alarm rules: no time stands under the same key");
-        tellRows("rows_unseen", look.withoutVersion, "can't be seen by alarm rules: no version stands under their "
+        tellRows(WarningCode::ROWS_UNSEEN, look.withoutTime, "can't be seen by alarm rules: no time stands under the same key");
+        tellRows(WarningCode::ROWS_UNSEEN, look.withoutVersion, "can't be seen by alarm rules: no version stands under their "
             "\"version_id\"");
     }
     if (!mEventTables.empty()) {
-        tellRows("rows_unseen", look.withoutParent, "can't be seen by derived tables: no time names them as its "
+        tellRows(WarningCode::ROWS_UNSEEN, look.withoutParent, "can't be seen by derived tables: no time names them as its "
             "\"event_pid\"");
     }
     if (version.empty()) {
-        tellRows("version_name_empty", look.ofAVersion, "carry a version, and the setting \"VersionName\" is empty: "
+        tellRows(WarningCode::VERSION_NAME_EMPTY, look.ofAVersion, "carry a version, and the setting \"VersionName\" is empty: "
             "rules that count from the last update on pass them over");
     } else if (mHasOtherVersions && !look.isVersionKnown) {
-        tellRows("version_name_unknown", look.ofAVersion, "carry a version, and none of them is the setting "
+        tellRows(WarningCode::VERSION_NAME_UNKNOWN, look.ofAVersion, "carry a version, and none of them is the setting "
             "\"VersionName\", " + Quoted(version) + ": rules that count from the last update on pass them over");
     }
-    tellRows("events_after_now", look.afterNow, "are later than now, and count; --as-of hides them");
-    tellRows("bad_extra", look.badExtra, "have an \"extra\" that is no JSON object");
+    tellRows(WarningCode::EVENTS_AFTER_NOW, look.afterNow, "are later than now, and count; --as-of hides them");
+    tellRows(WarningCode::BAD_EXTRA, look.badExtra, "have an \"extra\" that is no JSON object");
     for (const std::string& member : mBadMembers) {
-        mList.Add("bad_extra", "the member " + Quoted(member) + " of an \"extra\" in the event log can't be used: it is "
+        mList.Add(WarningCode::BAD_EXTRA, "the member " + Quoted(member) + " of an \"extra\" in the event log can't be used: it is "
             "no text and no number");
     }
 }
@@ -269,7 +268,7 @@ void DetectionWarnings::TellAttributes(const BundleSession& session)
     for (const auto& [name, value] : attributes) {
         empty += value.empty() ? (empty.empty() ? "" : ", ") + Quoted(name) : "";
     }
-    mList.Add("attribute_empty", "the device has no " + empty + ": the rule set's thresholds for this device are "
+    mList.Add(WarningCode::ATTRIBUTE_EMPTY, "the device has no " + empty + ": the rule set's thresholds for this device are "
         "not set, and rules that compare with them find nothing");
 }
 

@@ -4,10 +4,10 @@
 #include <filesystem>
 #include <functional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "arborist/frame/rule_set_summary.h"
-#include "diagnosis/text/file_text.h"
 
 namespace diagnosis {
 
@@ -36,28 +36,34 @@ std::vector<std::string> PrefixesIn(const std::string& folder)
 }
 
 // A file that can't be read is like an empty one.
-std::size_t DigestOf(const std::string& path)
+std::size_t DigestOf(const rule_source::SourceFile::Content& file)
 {
-    return std::hash<std::string>()(FileText(path).value_or(""));
+    return std::hash<std::string>()(file.text);
+}
+
+std::shared_ptr<const RuleSetWarnings> WarningsOf(rule_source::RuleSetContents contents, const std::string& tag)
+{
+    return std::make_shared<RuleSetWarnings>(rule_source::ParseRuleSetFiles(std::move(contents)), tag);
 }
 
 } // namespace
 
 std::shared_ptr<const RuleSetWarnings> CheckRuleSet(const RuleSetPaths& paths, const std::string& tag)
 {
-    return std::make_shared<RuleSetWarnings>(rule_source::ReadRuleSetFiles(paths), tag);
+    return WarningsOf(rule_source::ReadRuleSetContents(paths), tag);
 }
 
 std::shared_ptr<const RuleSetWarnings> RuleSetMemory::Check(const RuleSetPaths& paths, const std::string& tag)
 {
-    const Key key(paths.treeFile, paths.ruleFile, tag, DigestOf(paths.treeFile), DigestOf(paths.ruleFile));
+    auto contents = rule_source::ReadRuleSetContents(paths);
+    const Key key(paths.treeFile, paths.ruleFile, tag, DigestOf(contents.trees), DigestOf(contents.rules));
     if (const auto known = mKnown.find(key); known != mKnown.end()) {
         return known->second;
     }
     if (mKnown.size() == LARGEST_NUMBER) {
         mKnown.clear();
     }
-    return mKnown[key] = CheckRuleSet(paths, tag);
+    return mKnown[key] = WarningsOf(std::move(contents), tag);
 }
 
 void RuleSetMemory::CheckFolder(const std::string& folder)
@@ -69,9 +75,10 @@ void RuleSetMemory::CheckFolder(const std::string& folder)
 
 void RuleSetMemory::CheckTags(const RuleSetPaths& paths)
 {
-    const std::size_t trees = DigestOf(paths.treeFile);
-    const std::size_t rules = DigestOf(paths.ruleFile);
-    const rule_source::RuleSetFiles files = rule_source::ReadRuleSetFiles(paths);
+    auto contents = rule_source::ReadRuleSetContents(paths);
+    const std::size_t trees = DigestOf(contents.trees);
+    const std::size_t rules = DigestOf(contents.rules);
+    const rule_source::RuleSetFiles files = rule_source::ParseRuleSetFiles(std::move(contents));
     for (const std::string& tag : rule_source::TagsOf(files.TreeRoot(), rule_source::Element())) {
         if (mKnown.size() < LARGEST_NUMBER) {
             mKnown[Key(paths.treeFile, paths.ruleFile, tag, trees, rules)] = std::make_shared<RuleSetWarnings>(files, tag);

@@ -5,7 +5,6 @@
 #include <set>
 #include <string_view>
 
-#include "diagnosis/lint/base/report.h"
 #include "diagnosis/lint/lint.h"
 #include "diagnosis/lint/registry.h"
 
@@ -16,69 +15,66 @@ namespace {
 using lint::Check;
 using lint::CheckClass;
 using lint::Finding;
-using rule_source::Children;
-using rule_source::Element;
 using rule_source::SectionKind;
-using rule_source::SectionName;
 
 struct CodeOfCheck {
     std::string_view id;
-    const char* code;
+    WarningCode code;
 };
 
-// The checks whose mistakes have a word of their own, in order of id. Other errors are a "rule_set_error".
+// The checks whose mistakes have a code of their own, in order of id. Other errors are a RULE_SET_ERROR.
 constexpr std::array CODES = {
-    CodeOfCheck{"A102", "unknown_name"}, // a section or a tag
-    CodeOfCheck{"A103", "duplicate"}, // an element of which only the first is read
-    CodeOfCheck{"A104", "unknown_name"}, // an element or an attribute
-    CodeOfCheck{"A202", "dropped"}, // a tree
-    CodeOfCheck{"A203", "dropped"}, // a tree, or its second top event
-    CodeOfCheck{"A204", "dropped"}, // an AND gate
-    CodeOfCheck{"A205", "dropped"}, // a gate
-    CodeOfCheck{"A206", "unknown_name"}, // an event
-    CodeOfCheck{"A209", "duplicate"}, // an event in a tree
-    CodeOfCheck{"A217", "duplicate"}, // a tree
-    CodeOfCheck{"A303", "no_such_rule"},
-    CodeOfCheck{"A304", "duplicate"}, // an event entry
-    CodeOfCheck{"A305", "unknown_name"}, // the type of an alternative
-    CodeOfCheck{"A306", "dropped"}, // a rule name
-    CodeOfCheck{"A309", "unused_rule"},
-    CodeOfCheck{"A404", "dropped"}, // a rule
-    CodeOfCheck{"A405", "duplicate"}, // a rule
-    CodeOfCheck{"A407", "unknown_name"}, // a BeginFlag
-    CodeOfCheck{"A408", "unknown_name"}, // a BeginFlag in the wrong form
-    CodeOfCheck{"A410", "bad_number"}, // a period
-    CodeOfCheck{"A411", "bad_number"}, // a threshold
-    CodeOfCheck{"A420", "unknown_name"}, // a comparison
-    CodeOfCheck{"A422", "unknown_name"}, // a type
-    CodeOfCheck{"A423", "bad_number"}, // a value
-    CodeOfCheck{"A424", "bad_number"}, // a value
-    CodeOfCheck{"A426", "unknown_name"}, // a comparison
-    CodeOfCheck{"A427", "unknown_name"}, // a logic word
-    CodeOfCheck{"A428", "dropped"}, // a test
-    CodeOfCheck{"A429", "dropped"}, // a parameter
-    CodeOfCheck{"A501", "bad_number"}, // event ids
-    CodeOfCheck{"A503", "unknown_name"}, // a window
-    CodeOfCheck{"A506", "unknown_name"}, // the type of an item with tests
-    CodeOfCheck{"A508", "unknown_name"}, // a parameter
-    CodeOfCheck{"A605", "sql_failed"},
-    CodeOfCheck{"A606", "sql_failed"},
-    CodeOfCheck{"A608", "sql_failed"},
-    CodeOfCheck{"A613", "unknown_name"}, // the type of a query
-    CodeOfCheck{"A614", "unknown_name"}, // a common part
-    CodeOfCheck{"A615", "unknown_name"}, // the type or the threshold of a test
-    CodeOfCheck{"A622", "bad_number"}, // a number of databases
-    CodeOfCheck{"A623", "unknown_name"}, // databases
-    CodeOfCheck{"A625", "sql_failed"},
-    CodeOfCheck{"A704", "unknown_name"}, // a name in a formula
-    CodeOfCheck{"A708", "unknown_name"}, // the result of a formula
-    CodeOfCheck{"A712", "unknown_name"}, // the parameter of a node
-    CodeOfCheck{"A807", "duplicate"}, // a common part
-    CodeOfCheck{"A808", "unknown_name"}, // a system parameter
-    CodeOfCheck{"A809", "unknown_name"}, // a comparison of a threshold
-    CodeOfCheck{"A811", "unknown_name"}, // a threshold or a system parameter
-    CodeOfCheck{"A814", "dropped"}, // a path of databases
-    CodeOfCheck{"A908", "dropped"}, // a code rule
+    CodeOfCheck{"A102", WarningCode::UNKNOWN_NAME}, // a section or a tag
+    CodeOfCheck{"A103", WarningCode::DUPLICATE}, // an element of which only the first is read
+    CodeOfCheck{"A104", WarningCode::UNKNOWN_NAME}, // an element or an attribute
+    CodeOfCheck{"A202", WarningCode::DROPPED}, // a tree
+    CodeOfCheck{"A203", WarningCode::DROPPED}, // a tree, or its second top event
+    CodeOfCheck{"A204", WarningCode::DROPPED}, // an AND gate
+    CodeOfCheck{"A205", WarningCode::DROPPED}, // a gate
+    CodeOfCheck{"A206", WarningCode::UNKNOWN_NAME}, // an event
+    CodeOfCheck{"A209", WarningCode::DUPLICATE}, // an event in a tree
+    CodeOfCheck{"A217", WarningCode::DUPLICATE}, // a tree
+    CodeOfCheck{"A303", WarningCode::NO_SUCH_RULE},
+    CodeOfCheck{"A304", WarningCode::DUPLICATE}, // an event entry
+    CodeOfCheck{"A305", WarningCode::UNKNOWN_NAME}, // the type of an alternative
+    CodeOfCheck{"A306", WarningCode::DROPPED}, // a rule name
+    CodeOfCheck{"A309", WarningCode::UNUSED_RULE},
+    CodeOfCheck{"A404", WarningCode::DROPPED}, // a rule
+    CodeOfCheck{"A405", WarningCode::DUPLICATE}, // a rule
+    CodeOfCheck{"A407", WarningCode::UNKNOWN_NAME}, // a BeginFlag
+    CodeOfCheck{"A408", WarningCode::UNKNOWN_NAME}, // a BeginFlag in the wrong form
+    CodeOfCheck{"A410", WarningCode::BAD_NUMBER}, // a period
+    CodeOfCheck{"A411", WarningCode::BAD_NUMBER}, // a threshold
+    CodeOfCheck{"A420", WarningCode::UNKNOWN_NAME}, // a comparison
+    CodeOfCheck{"A422", WarningCode::UNKNOWN_NAME}, // a type
+    CodeOfCheck{"A423", WarningCode::BAD_NUMBER}, // a value
+    CodeOfCheck{"A424", WarningCode::BAD_NUMBER}, // a value
+    CodeOfCheck{"A426", WarningCode::UNKNOWN_NAME}, // a comparison
+    CodeOfCheck{"A427", WarningCode::UNKNOWN_NAME}, // a logic word
+    CodeOfCheck{"A428", WarningCode::DROPPED}, // a test
+    CodeOfCheck{"A429", WarningCode::DROPPED}, // a parameter
+    CodeOfCheck{"A501", WarningCode::BAD_NUMBER}, // event ids
+    CodeOfCheck{"A503", WarningCode::UNKNOWN_NAME}, // a window
+    CodeOfCheck{"A506", WarningCode::UNKNOWN_NAME}, // the type of an item with tests
+    CodeOfCheck{"A508", WarningCode::UNKNOWN_NAME}, // a parameter
+    CodeOfCheck{"A605", WarningCode::SQL_FAILED},
+    CodeOfCheck{"A606", WarningCode::SQL_FAILED},
+    CodeOfCheck{"A608", WarningCode::SQL_FAILED},
+    CodeOfCheck{"A613", WarningCode::UNKNOWN_NAME}, // the type of a query
+    CodeOfCheck{"A614", WarningCode::UNKNOWN_NAME}, // a common part
+    CodeOfCheck{"A615", WarningCode::UNKNOWN_NAME}, // the type or the threshold of a test
+    CodeOfCheck{"A622", WarningCode::BAD_NUMBER}, // a number of databases
+    CodeOfCheck{"A623", WarningCode::UNKNOWN_NAME}, // databases
+    CodeOfCheck{"A625", WarningCode::SQL_FAILED},
+    CodeOfCheck{"A704", WarningCode::UNKNOWN_NAME}, // a name in a formula
+    CodeOfCheck{"A708", WarningCode::UNKNOWN_NAME}, // the result of a formula
+    CodeOfCheck{"A712", WarningCode::UNKNOWN_NAME}, // the parameter of a node
+    CodeOfCheck{"A807", WarningCode::DUPLICATE}, // a common part
+    CodeOfCheck{"A808", WarningCode::UNKNOWN_NAME}, // a system parameter
+    CodeOfCheck{"A809", WarningCode::UNKNOWN_NAME}, // a comparison of a threshold
+    CodeOfCheck{"A811", WarningCode::UNKNOWN_NAME}, // a threshold or a system parameter
+    CodeOfCheck{"A814", WarningCode::DROPPED}, // a path of databases
+    CodeOfCheck{"A908", WarningCode::DROPPED}, // a code rule
 };
 
 constexpr bool IsBefore(const CodeOfCheck& one, const CodeOfCheck& other)
@@ -91,7 +87,7 @@ std::set<std::string> ToldChecks()
 {
     std::set<std::string> told;
     for (const Check* check : lint::AllChecks()) {
-        if (WarningCode(*check) != nullptr) {
+        if (CodeOfMistakes(*check)) {
             told.insert(check->id);
         }
     }
@@ -99,11 +95,9 @@ std::set<std::string> ToldChecks()
 }
 
 // Without the tag's element of the rule list there are no rules at all, which has a code of its own.
-std::string CodeOf(const Finding& finding)
+WarningCode CodeOf(const Finding& finding)
 {
-    const bool isAboutRules = finding.check->id == std::string_view("A102")
-        && finding.message.find(lint::Quoted(SectionName(SectionKind::RULE_LIST))) != std::string::npos;
-    return isAboutRules ? "no_rules" : WarningCode(*finding.check);
+    return finding.absent == SectionKind::RULE_LIST ? WarningCode::NO_RULES : *CodeOfMistakes(*finding.check);
 }
 
 std::string MessageOf(const Finding& finding)
@@ -116,7 +110,7 @@ std::string MessageOf(const Finding& finding)
 bool IsTold(const Warning& mistake, WarningList& told)
 {
     bool isTold = false;
-    if (mistake.code == "sql_failed" || mistake.code == "no_rules") {
+    if (mistake.code == WarningCode::SQL_FAILED || mistake.code == WarningCode::NO_RULES) {
         told.ForEach([&](Warning& warning) {
             if (warning.code != mistake.code || warning.rule != mistake.rule) {
                 return;
@@ -132,46 +126,35 @@ bool IsTold(const Warning& mistake, WarningList& told)
     return isTold;
 }
 
-// A detection warns of code rules and command rules. Of several with one name the last counts.
-std::map<std::string, int> RuleLines(Element root, const std::string& tag)
-{
-    std::map<std::string, int> lines;
-    const auto section = rule_source::FindSection(root, SectionName(SectionKind::RULE_LIST), tag);
-    for (const Element rule : Children(section.tag, "rule")) {
-        for (const Element element : Children(rule)) {
-            if (element.Name() == "codeRule" || element.Name() == "commandRule") {
-                lines[std::string(element.Value("name"))] = element.Line();
-            }
-        }
-    }
-    return lines;
-}
-
 } // namespace
 
-const char* WarningCode(const Check& check)
+std::optional<WarningCode> CodeOfMistakes(const Check& check)
 {
     if (check.kind == CheckClass::DEVICE || check.kind == CheckClass::HOST) {
-        return nullptr;
+        return std::nullopt;
     }
-    const auto code = std::lower_bound(CODES.begin(), CODES.end(), CodeOfCheck{check.id, nullptr}, IsBefore);
-    const bool hasCode = code != CODES.end() && code->id == check.id;
-    return hasCode ? code->code : check.severity == lint::Severity::ERROR ? "rule_set_error" : nullptr;
+    const auto row = std::lower_bound(CODES.begin(), CODES.end(), CodeOfCheck{check.id, {}}, IsBefore);
+    if (row != CODES.end() && row->id == check.id) {
+        return row->code;
+    }
+    return check.severity == lint::Severity::ERROR ? std::optional(WarningCode::RULE_SET_ERROR) : std::nullopt;
 }
 
 RuleSetWarnings::RuleSetWarnings(const rule_source::RuleSetFiles& files, const std::string& tag)
 {
     static const std::set<std::string> TOLD_CHECKS = ToldChecks();
     lint::LintOptions options;
-    options.tags = {tag};
     options.only = TOLD_CHECKS;
     options.details.withOwners = true;
-    for (const Finding& finding : lint::LintFiles(files, options).findings) {
-        mMistakes.Add({CodeOf(finding), MessageOf(finding), finding.check->id, finding.file, finding.line,
-            finding.rule, finding.event});
+    const rule_source::RuleSet rules(files, tag);
+    for (const Finding& finding : lint::LintRuleSet(rules, options).findings) {
+        mMistakes.Add({CodeOf(finding),
+            {MessageOf(finding), finding.check->id, finding.file, finding.line, finding.rule, finding.event}});
     }
     mRuleFile = files.rules == nullptr ? "" : files.rules->Path();
-    mRuleLines = RuleLines(files.RuleRoot(), tag);
+    for (const auto& [name, rule] : rules.rules.byName) {
+        mRuleLines.emplace_hint(mRuleLines.end(), name, rule->element.Line());
+    }
 }
 
 void RuleSetWarnings::AddTo(WarningList& told) const

@@ -2,6 +2,7 @@
 #define ARBORIST_DIAGNOSIS_EVIDENCE_RULE_SET_WARNINGS_H
 
 #include <map>
+#include <optional>
 #include <string>
 
 #include "diagnosis/evidence/warning_list.h"
@@ -10,9 +11,9 @@
 
 namespace diagnosis {
 
-/// The code of the warnings that the findings of a check become; null for a check that only lint runs. Of the checks that
-/// need nothing but the rule set these are all errors, and those of mistakes that change in silence what is read.
-const char* WarningCode(const lint::Check& check);
+/// The code of the warnings that the findings of a check become; nothing for a check that only lint runs. Of the checks
+/// that need nothing but the rule set these are all errors, and those of mistakes that change in silence what is read.
+std::optional<WarningCode> CodeOfMistakes(const lint::Check& check);
 
 /// The mistakes that lint finds in a rule set under one tag, as warnings of a detection. Owns all its texts.
 class RuleSetWarnings {
@@ -27,7 +28,7 @@ public:
 private:
     WarningList mMistakes;
     std::string mRuleFile;
-    /// Lines of the rules that a detection can warn of by name.
+    /// The lines of the rules by name.
     std::map<std::string, int> mRuleLines;
 };
 

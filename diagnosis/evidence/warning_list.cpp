@@ -47,11 +47,4 @@ std::vector<Warning> WarningList::Told() const
     return warnings;
 }
 
-ExitStatus StrictStatus(const Warning& warning)
-{
-    const bool isOfRuleSet = !warning.id.empty() || warning.code == "no_rules" || warning.code == "sql_failed"
-        || warning.code == "true_without_cause";
-    return isOfRuleSet ? ExitStatus::RULE_SET : ExitStatus::INPUT;
-}
-
 } // namespace diagnosis

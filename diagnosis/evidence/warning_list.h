@@ -20,7 +20,7 @@ public:
 
     /// Adds a warning; one with the code and message of another only increments the count of that one.
     void Add(const Warning& warning) { Add(warning, 1); }
-    void Add(const std::string& code, const std::string& message) { Add({code, message}); }
+    void Add(WarningCode code, const std::string& message) { Add(Warning(code, message)); }
     void Add(const std::vector<Warning>& warnings);
     void Add(const WarningList& others)
     {
@@ -61,12 +61,9 @@ private:
     void AddNumbers(const WarningList& others);
 
     std::vector<Entry> mEntries;
-    std::map<std::pair<std::string, std::string>, std::size_t> mPlaces;
-    std::map<std::string, std::size_t> mNumbers;
+    std::map<std::pair<WarningCode, std::string>, std::size_t> mPlaces;
+    std::map<WarningCode, std::size_t> mNumbers;
 };
-
-/// The exit status of a warning under --strict: RULE_SET if the rule set is at fault, otherwise INPUT.
-ExitStatus StrictStatus(const Warning& warning);
 
 } // namespace diagnosis
 

@@ -1,6 +1,7 @@
 #include "diagnosis/lint/lint.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "diagnosis/lint/base/report.h"
 #include "diagnosis/lint/registry.h"
@@ -36,9 +37,8 @@ std::vector<const Check*> WantedChecks(const LintOptions& options)
     return wanted;
 }
 
-void RunChecks(const RuleSetFiles& files, const std::string& tag, const LintOptions& options, Report& report)
+void RunChecks(const RuleSet& rules, const LintOptions& options, Report& report)
 {
-    const RuleSet rules(files, tag);
     PreparedQueries queries(rules);
     const Subject subject{rules, queries, options.devices.empty() ? nullptr : &options.devices, options.counts,
         options.deviceRoot};
@@ -84,6 +84,12 @@ bool IsReadable(const std::unique_ptr<SourceFile>& file)
     return file == nullptr || file->IsLoaded();
 }
 
+LintReport Finished(const RuleSetFiles& files, const LintOptions& options, Report report)
+{
+    DropSuppressed(files, options, report);
+    return {PlaceFindings(std::move(report.Findings()), options.details), IsReadable(files.trees) && IsReadable(files.rules)};
+}
+
 } // namespace
 
 LintReport LintFolder(const std::string& folder, const LintOptions& options)
@@ -91,14 +97,20 @@ LintReport LintFolder(const std::string& folder, const LintOptions& options)
     return LintFiles(rule_source::ReadRuleSetFiles(folder, options.prefix), options);
 }
 
+LintReport LintRuleSet(const RuleSet& rules, const LintOptions& options)
+{
+    Report report;
+    RunChecks(rules, options, report);
+    return Finished(rules.files, options, std::move(report));
+}
+
 LintReport LintFiles(const RuleSetFiles& files, const LintOptions& options)
 {
     Report report;
     for (const std::string& tag : TagsToCheck(files, options)) {
-        RunChecks(files, tag, options, report);
+        RunChecks(RuleSet(files, tag), options, report);
     }
-    DropSuppressed(files, options, report);
-    return {PlaceFindings(std::move(report.Findings()), options.details), IsReadable(files.trees) && IsReadable(files.rules)};
+    return Finished(files, options, std::move(report));
 }
 
 } // namespace diagnosis::lint

@@ -40,6 +40,9 @@ struct LintReport {
 /// Checks the rule set of a folder.
 LintReport LintFolder(const std::string& folder, const LintOptions& options);
 
+/// Checks one rule set under its tag; the tags of the options don't count.
+LintReport LintRuleSet(const rule_source::RuleSet& rules, const LintOptions& options);
+
 /// Checks files that were read already. They are only needed until the call returns.
 LintReport LintFiles(const rule_source::RuleSetFiles& files, const LintOptions& options);
 

@@ -75,7 +75,7 @@ std::string WarningsSection(const std::vector<Warning>& warnings)
 {
     std::string items;
     for (const Warning& warning : warnings) {
-        const std::string code = warning.code + (warning.id.empty() ? "" : ", " + warning.id);
+        const std::string code = CodeWord(warning.code) + (warning.id.empty() ? "" : ", " + warning.id);
         items += "<li>" + Markup(PlacedMessage(warning)) + " " + Html("span", "[" + code + "]", "quiet") + "</li>\n";
     }
     return items.empty() ? "" : "<section class=\"warnings\" id=\"warnings\">\n<h2>Warnings</h2>\n"

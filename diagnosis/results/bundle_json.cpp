@@ -24,15 +24,10 @@ void WriteOptionalError(JsonWriter& json, const std::optional<Failure>& failure)
     }
 }
 
-JsonWriter& WriteNumber(JsonWriter& json, const char* key, std::size_t number)
-{
-    return json.Key(key).Number(static_cast<std::int64_t>(number));
-}
-
 void WriteDescription(JsonWriter& json, const BundleContents& contents)
 {
     const Bundle& bundle = contents.description;
-    json.Text("kind", contents.isZip ? "zip" : "folder").Key("detectScene").Number(bundle.detectScene);
+    json.Text("kind", contents.isZip ? "zip" : "folder").Number("detectScene", bundle.detectScene);
     json.Text("treeTag", bundle.treeTag).Text("now", bundle.now).Text("tz", bundle.tz);
     json.Key("device").BeginObject();
     for (const auto& [key, value] : DeviceAttributes(bundle.device)) {
@@ -43,20 +38,20 @@ void WriteDescription(JsonWriter& json, const BundleContents& contents)
         json.Text(key, value);
     }
     json.EndObject();
-    WriteNumber(json, "codeAnswers", bundle.codeAnswers.size());
+    json.Count("codeAnswers", bundle.codeAnswers.size());
 }
 
 void WriteContents(JsonWriter& json, const BundleContents& contents)
 {
     json.Key("rules").BeginObject().Text("folder", contents.description.ruleFileDir);
-    WriteNumber(json, "trees", RuleSetCount(contents, FileKind::TREES));
-    WriteNumber(json, "rules", RuleSetCount(contents, FileKind::RULES));
+    json.Count("trees", RuleSetCount(contents, FileKind::TREES));
+    json.Count("rules", RuleSetCount(contents, FileKind::RULES));
     WriteOptionalError(json, contents.ruleSetFailure);
     json.EndObject().Key("log").BeginObject().Bool("exists", contents.hasLog);
-    WriteNumber(json, "rows", contents.log.rows);
+    json.Count("rows", contents.log.rows);
     WriteOptionalError(json, contents.logFailure);
     json.EndObject().Key("repairs").BeginObject();
-    WriteNumber(json, "rows", contents.repairRecords);
+    json.Count("rows", contents.repairRecords);
     WriteOptionalError(json, contents.repairFailure);
     json.EndObject();
     WritePaths(json, "nodeFiles", contents.nodeFiles);
@@ -86,7 +81,7 @@ std::string CheckJson(const std::string& bundle, bool isOk, const std::vector<Bu
     json.Key("findings").BeginArray();
     for (const BundleFinding& finding : findings) {
         json.BeginObject().Text("state", StateWord(finding.state));
-        WriteWarning(json, finding.what);
+        WriteProblem(json, finding.code, finding.what);
         json.EndObject();
     }
     return json.EndArray().EndObject().Line();

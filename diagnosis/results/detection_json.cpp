@@ -48,31 +48,37 @@ void WriteRootCauseTexts(JsonWriter& json, const FaultTreeResult::RootCauseResul
     json.EndArray();
 }
 
-void WriteWarning(JsonWriter& json, const Warning& warning)
+void WriteProblem(JsonWriter& json, const std::string& code, const Problem& problem)
 {
-    json.Text("code", warning.code).Text("message", warning.message);
+    json.Text("code", code).Text("message", problem.message);
     const std::pair<const char*, const std::string&> texts[] = {
-        {"id", warning.id}, {"rule", warning.rule}, {"event", warning.event}, {"file", warning.file}};
+        {"id", problem.id}, {"rule", problem.rule}, {"event", problem.event}, {"file", problem.file}};
     for (const auto& [key, text] : texts) {
         if (!text.empty()) {
             json.Text(key, text);
         }
     }
-    if (!warning.file.empty()) {
-        json.Key("line").Number(warning.line);
+    if (!problem.file.empty()) {
+        json.Number("line", problem.line);
     }
+}
+
+void WriteWarnings(JsonWriter& json, const std::vector<Warning>& warnings)
+{
+    json.BeginArray();
+    for (const Warning& warning : warnings) {
+        json.BeginObject();
+        WriteProblem(json, CodeWord(warning.code), warning);
+        json.EndObject();
+    }
+    json.EndArray();
 }
 
 void WriteHead(JsonWriter& json, const std::string& schema, const std::string& bundle, bool isOk,
     const std::vector<Warning>& warnings)
 {
-    json.Text("schema", schema).Text("bundle", bundle).Bool("ok", isOk).Key("warnings").BeginArray();
-    for (const Warning& warning : warnings) {
-        json.BeginObject();
-        WriteWarning(json, warning);
-        json.EndObject();
-    }
-    json.EndArray();
+    json.Text("schema", schema).Text("bundle", bundle).Bool("ok", isOk).Key("warnings");
+    WriteWarnings(json, warnings);
 }
 
 void WriteError(JsonWriter& json, const Failure& failure)

@@ -2,6 +2,7 @@
 #define ARBORIST_DIAGNOSIS_RESULTS_DETECTION_JSON_H
 
 #include <string>
+#include <vector>
 
 #include "diagnosis/detection/detection.h"
 #include "diagnosis/text/json_writer.h"
@@ -14,8 +15,10 @@ std::string DetectionJson(const DetectionReport& report);
 /// Writes the members of a root cause: the ids and texts of the result.
 void WriteRootCauseTexts(JsonWriter& json, const FaultTreeResult::RootCauseResult& cause);
 
-/// Writes the members of a warning: "code", "message", and those of the others that are known.
-void WriteWarning(JsonWriter& json, const Warning& warning);
+/// Writes the members of a problem: "code", "message", and those of the others that are known.
+void WriteProblem(JsonWriter& json, const std::string& code, const Problem& problem);
+/// Writes an array of warnings.
+void WriteWarnings(JsonWriter& json, const std::vector<Warning>& warnings);
 
 /// Writes the members that every report has: "bundle", "ok", "warnings".
 void WriteHead(JsonWriter& json, const std::string& schema, const std::string& bundle, bool isOk,

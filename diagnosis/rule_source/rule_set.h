@@ -36,7 +36,16 @@ struct RuleSetPaths {
     std::string ruleFile;
 };
 
-/// Reads both files at the same time.
+/// The content of the two files.
+struct RuleSetContents {
+    SourceFile::Content trees;
+    SourceFile::Content rules;
+};
+RuleSetContents ReadRuleSetContents(const RuleSetPaths& paths);
+
+/// Parses both files at the same time.
+RuleSetFiles ParseRuleSetFiles(RuleSetContents contents);
+/// Reads and parses both files.
 RuleSetFiles ReadRuleSetFiles(const RuleSetPaths& paths);
 
 /// Everything that the engine reads from a rule set for one tag, each item with its element, and what it skips.
@@ -75,8 +84,6 @@ struct RuleSet {
     std::map<std::string_view, std::size_t> eventsById;
 
     const Section& SectionOf(SectionKind kind) const { return sections[static_cast<std::size_t>(kind)]; }
-    /// Null for an id that no event of the trees has.
-    const TreeEvent* FindEvent(std::string_view id) const;
 
 private:
     void Link();

@@ -32,57 +32,56 @@ std::string ReasonOf(const tinyxml2::XMLDocument& document)
 
 } // namespace
 
-SourceFile::SourceFile(std::string path)
-    : mPath(std::move(path)), mDocument(std::make_unique<tinyxml2::XMLDocument>())
+SourceFile::SourceFile(Content content)
+    : mContent(std::move(content)), mDocument(std::make_unique<tinyxml2::XMLDocument>())
 {
 }
 
 SourceFile::~SourceFile() = default;
 
-std::unique_ptr<SourceFile> SourceFile::Read(const std::string& path)
+SourceFile::Content SourceFile::ReadContent(const std::string& path)
 {
-    std::unique_ptr<SourceFile> file(new SourceFile(path));
     std::error_code error;
     const auto status = std::filesystem::status(path, error);
     if (!std::filesystem::exists(status)) {
-        file->mProblem = "there is no such file";
-        return file;
+        return {path, "", State::MISSING, "there is no such file"};
     }
     auto text = std::filesystem::is_regular_file(status) ? FileText(path) : std::nullopt;
     if (!text) {
-        file->mState = State::UNREADABLE;
-        file->mProblem = std::filesystem::is_directory(status) ? "it is a folder" : "it can't be read";
-        return file;
+        return {path, "", State::UNREADABLE, std::filesystem::is_directory(status) ? "it is a folder" : "it can't be read"};
     }
-    file->mText = std::move(*text);
-    file->Parse();
+    return {path, std::move(*text)};
+}
+
+std::unique_ptr<SourceFile> SourceFile::Of(Content content)
+{
+    std::unique_ptr<SourceFile> file(new SourceFile(std::move(content)));
+    if (file->IsLoaded()) {
+        file->Parse();
+    }
     return file;
 }
 
 std::unique_ptr<SourceFile> SourceFile::Of(const std::string& path, std::string text)
 {
-    std::unique_ptr<SourceFile> file(new SourceFile(path));
-    file->mText = std::move(text);
-    file->Parse();
-    return file;
+    return Of(Content{path, std::move(text)});
 }
 
 void SourceFile::Parse()
 {
     mDocument->SetUserData(this);
-    mProblemLine = LineOfTooManyAttributes(mText);
+    mProblemLine = LineOfTooManyAttributes(mContent.text);
     if (mProblemLine != 0) {
-        mState = State::MALFORMED;
-        mProblem = "an element has too many attributes";
+        mContent.state = State::MALFORMED;
+        mContent.problem = "an element has too many attributes";
         return;
     }
-    const tinyxml2::XMLError error = mDocument->Parse(mText.data(), mText.size());
+    const tinyxml2::XMLError error = mDocument->Parse(mContent.text.data(), mContent.text.size());
     if (error == tinyxml2::XML_SUCCESS) {
-        mState = State::LOADED;
         return;
     }
-    mState = error == tinyxml2::XML_ELEMENT_DEPTH_EXCEEDED ? State::TOO_DEEP : State::MALFORMED;
-    mProblem = ReasonOf(*mDocument);
+    mContent.state = error == tinyxml2::XML_ELEMENT_DEPTH_EXCEEDED ? State::TOO_DEEP : State::MALFORMED;
+    mContent.problem = ReasonOf(*mDocument);
     mProblemLine = mDocument->ErrorLineNum();
 }
 
@@ -95,18 +94,18 @@ std::size_t SourceFile::LineStart(int number) const
 {
     if (mLineStarts.empty()) {
         mLineStarts.push_back(0);
-        for (std::size_t end = mText.find('\n'); end != std::string::npos; end = mText.find('\n', end + 1)) {
+        for (std::size_t end = mContent.text.find('\n'); end != std::string::npos; end = mContent.text.find('\n', end + 1)) {
             mLineStarts.push_back(end + 1);
         }
     }
     const auto index = static_cast<std::size_t>(number) - 1;
-    return number < 1 || index >= mLineStarts.size() ? mText.size() : mLineStarts[index];
+    return number < 1 || index >= mLineStarts.size() ? mContent.text.size() : mLineStarts[index];
 }
 
 std::string_view SourceFile::Line(int number) const
 {
     const std::size_t start = LineStart(number);
-    std::string_view line = std::string_view(mText).substr(start, mText.find('\n', start) - start);
+    std::string_view line = std::string_view(mContent.text).substr(start, mContent.text.find('\n', start) - start);
     if (!line.empty() && line.back() == '\r') {
         line.remove_suffix(1);
     }

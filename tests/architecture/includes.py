@@ -69,7 +69,7 @@ STOREYS = [
         ["process"],
         ["text"],
         ["the ground"],
-    ], files_in("the ground", "problem exit_status")),
+    ], files_in("the ground", "problem warning_code exit_status")),
     Storey("arborist", [
         ["deduction/plain"],  # for the tests: no part of the library
         ["the facade"],

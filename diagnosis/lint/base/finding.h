@@ -2,10 +2,12 @@
 #define ARBORIST_DIAGNOSIS_LINT_BASE_FINDING_H
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "diagnosis/lint/base/check.h"
+#include "diagnosis/rule_source/sections.h"
 
 namespace diagnosis::lint {
 
@@ -43,6 +45,8 @@ struct Finding {
     std::string message;
     /// What to do about it; may be empty.
     std::string help;
+    /// The section that the rule file lacks, or lacks for the tag.
+    std::optional<rule_source::SectionKind> absent;
     /// Unique for each finding, and the same in every run as long as check, file, element and message are the same. Empty
     /// unless asked for.
     std::string fingerprint;

@@ -271,6 +271,7 @@ Finding Placed(Reported& reported, PathMaker& paths)
     SetEdits(reported, finding);
     finding.message = std::move(reported.message);
     finding.help = std::move(reported.details.help);
+    finding.absent = reported.details.absent;
     return finding;
 }
 
@@ -314,11 +315,6 @@ auto Order(const Finding& finding)
 bool IsBefore(const Finding& one, const Finding& other)
 {
     return Order(one) < Order(other);
-}
-
-std::string ElementPath(Element element)
-{
-    return PathMaker().Of(element);
 }
 
 std::vector<Finding> PlaceFindings(std::deque<Reported> reported, const FindingDetails& details)

@@ -10,10 +10,6 @@
 
 namespace diagnosis::lint {
 
-/// The path of an element by names, without the root: "EventRules/Laptop/Event[WORN]". The brackets have its "name",
-/// "id" or "ID", which distinguishes it from its neighbours.
-std::string ElementPath(rule_source::Element element);
-
 /// What is found out about each finding in addition; it takes time, and only some callers need it.
 struct FindingDetails {
     /// Finding::fingerprint.

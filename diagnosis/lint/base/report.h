@@ -2,9 +2,11 @@
 #define ARBORIST_DIAGNOSIS_LINT_BASE_REPORT_H
 
 #include <deque>
+#include <optional>
 #include <string>
 
 #include "diagnosis/lint/base/check.h"
+#include "diagnosis/rule_source/sections.h"
 #include "diagnosis/rule_source/source_file.h"
 
 namespace diagnosis::lint {
@@ -49,6 +51,8 @@ struct Details {
     std::string near = {};
     /// True if the caret points at the element's text; otherwise, without an attribute, it points at its name.
     bool isAboutText = false;
+    /// The section that the rule file lacks, or lacks for the tag.
+    std::optional<rule_source::SectionKind> absent = {};
 };
 
 /// A finding as it was reported. Refers to elements, so that the files must outlive it.

@@ -193,7 +193,7 @@ TEST_F(ZipReaderTest, SymbolicLinksAreNotMade)
     EXPECT_FALSE(Unpack().has_value());
     EXPECT_FALSE(fs::is_symlink("in/out/link") || mDir.Has("in/out/link"));
     ASSERT_EQ(mWarnings.size(), 1U);
-    EXPECT_EQ(mWarnings[0].code, "zip_link");
+    EXPECT_EQ(mWarnings[0].code, diagnosis::WarningCode::ZIP_LINK);
 }
 
 } // namespace

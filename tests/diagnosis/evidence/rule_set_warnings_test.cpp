@@ -20,6 +20,9 @@
 namespace {
 
 using diagnosis::BundleFinding;
+using diagnosis::CodeOfMistakes;
+using diagnosis::CodeWord;
+using diagnosis::Problem;
 using diagnosis::Warning;
 using diagnosis::WarningCode;
 using diagnosis::lint::AllChecks;
@@ -28,33 +31,45 @@ using diagnosis::lint::CheckClass;
 using diagnosis::lint::Severity;
 using testing::Contains;
 
-std::string TextOf(const Warning& warning)
+std::string TextOf(const std::string& code, const Problem& problem)
 {
-    return warning.code + " " + warning.id + " " + warning.rule + "|" + warning.event + " "
-        + diagnosis::PlacedMessage(warning);
+    return code + " " + problem.id + " " + problem.rule + "|" + problem.event + " " + diagnosis::PlacedMessage(problem);
 }
 
-// Data that a detection lacks is no matter of the rule set.
-bool IsOfRuleSet(const Warning& warning)
-{
-    return !warning.id.empty() || warning.code == "no_rules";
-}
-
-std::vector<Warning> OfRuleSet(const std::vector<Warning>& warnings)
-{
-    std::vector<Warning> found;
-    std::copy_if(warnings.begin(), warnings.end(), std::back_inserter(found), IsOfRuleSet);
-    return found;
-}
-
-std::vector<std::string> Texts(const std::vector<Warning>& warnings)
-{
-    std::vector<std::string> texts;
-    for (const Warning& warning : OfRuleSet(warnings)) {
-        texts.push_back(TextOf(warning));
+/// The problems of the rule set by their texts. Data that a detection lacks is no matter of the rule set.
+class RuleSetProblems {
+public:
+    void Add(const std::string& code, Problem problem)
+    {
+        // A statement that fails is told in the words of the run.
+        problem.message = mIsWithoutSql && code == "sql_failed" ? "" : problem.message;
+        if (!problem.id.empty() || code == "no_rules") {
+            mTexts.push_back(TextOf(code, problem));
+        }
     }
-    std::sort(texts.begin(), texts.end());
-    return texts;
+    std::vector<std::string> Texts()
+    {
+        std::sort(mTexts.begin(), mTexts.end());
+        return mTexts;
+    }
+    static RuleSetProblems WithoutWordsOfSql()
+    {
+        RuleSetProblems problems;
+        problems.mIsWithoutSql = true;
+        return problems;
+    }
+
+private:
+    bool mIsWithoutSql = false;
+    std::vector<std::string> mTexts;
+};
+
+std::vector<std::string> Texts(const std::vector<Warning>& warnings, RuleSetProblems problems = {})
+{
+    for (const Warning& warning : warnings) {
+        problems.Add(CodeWord(warning.code), warning);
+    }
+    return problems.Texts();
 }
 
 constexpr char BUNDLE[] = R"({"detectScene": 1, "treeTag": "Laptop", "ruleFileDir": ".", "now": 1700000000, "tz": "UTC0"})";
@@ -82,24 +97,17 @@ TEST_P(WarningsOfSample, AreToldByADetectionWhereTheyAreErrorsOrChangeInSilenceW
         return warning.id == check.id && !warning.file.empty() && !warning.message.empty();
     });
     const bool isFailure = mDetection.failure && mDetection.failure->code != "bad_pattern";
-    EXPECT_EQ(isTold, WarningCode(check) != nullptr && !isFailure);
+    EXPECT_EQ(isTold, CodeOfMistakes(check).has_value() && !isFailure);
 }
 
 TEST_P(WarningsOfSample, AreTheSameInADetectionAndInACheckOfTheBundle)
 {
-    std::vector<Warning> verified;
     const auto contents = diagnosis::LookIntoBundle(mBundle, {}, diagnosis::BundleLook::FOR_MISTAKES);
+    auto verified = RuleSetProblems::WithoutWordsOfSql();
     for (const BundleFinding& finding : diagnosis::CheckBundle(contents)) {
-        verified.push_back(finding.what);
+        verified.Add(finding.code, finding.what);
     }
-    // A statement that fails is told in the words of the run.
-    const auto withoutSql = [](std::vector<Warning> warnings) {
-        for (Warning& warning : warnings) {
-            warning.message = warning.code == "sql_failed" ? "" : warning.message;
-        }
-        return Texts(warnings);
-    };
-    EXPECT_EQ(withoutSql(verified), withoutSql(mDetection.warnings));
+    EXPECT_EQ(verified.Texts(), Texts(mDetection.warnings, RuleSetProblems::WithoutWordsOfSql()));
     ASSERT_EQ(contents.ruleSetFailure.has_value(), mDetection.failure.has_value());
     EXPECT_EQ(contents.ruleSetFailure ? contents.ruleSetFailure->message : "",
         mDetection.failure ? mDetection.failure->message : "");
@@ -115,9 +123,19 @@ bool NeedsData(const Check& check)
 TEST(RuleSetWarnings, AreAllErrorsAndNothingThatNeedsDataOfADevice)
 {
     for (const Check* check : AllChecks()) {
-        EXPECT_TRUE(check->severity != Severity::ERROR || WarningCode(*check) != nullptr) << check->id;
-        EXPECT_TRUE(!NeedsData(*check) || WarningCode(*check) == nullptr) << check->id;
+        EXPECT_TRUE(check->severity != Severity::ERROR || CodeOfMistakes(*check)) << check->id;
+        EXPECT_TRUE(!NeedsData(*check) || !CodeOfMistakes(*check)) << check->id;
     }
+}
+
+// Also of the warning that counts those beyond a hundred, which has no check.
+TEST(RuleSetWarnings, AreTheFaultOfTheRuleSetByTheirCode)
+{
+    for (const Check* check : AllChecks()) {
+        const auto code = CodeOfMistakes(*check);
+        EXPECT_TRUE(!code || diagnosis::StrictStatus(*code) == diagnosis::ExitStatus::RULE_SET) << check->id;
+    }
+    EXPECT_EQ(diagnosis::StrictStatus(WarningCode::EVENT_LOG_MISSING), diagnosis::ExitStatus::INPUT);
 }
 
 // The page names the checks of each code in parentheses.
@@ -134,8 +152,8 @@ TEST(RuleSetWarnings, HaveTheCodesThatThePageLists)
     }
     std::map<std::string, std::string> expected;
     for (const Check* check : AllChecks()) {
-        if (const char* const code = WarningCode(*check)) {
-            expected[check->id] = code;
+        if (const auto code = CodeOfMistakes(*check)) {
+            expected[check->id] = CodeWord(*code);
         }
     }
     EXPECT_EQ(listed, expected);
@@ -234,7 +252,7 @@ TEST(RuleSetWarnings, OfOneKindAreCountedBeyondAHundred)
     const auto warnings = diagnosis::RunDetection({"b", dir.Path()}, {}).warnings;
     EXPECT_EQ(std::count_if(warnings.begin(), warnings.end(), [](const Warning& one) { return one.id == "A104"; }), 100);
     EXPECT_TRUE(std::any_of(warnings.begin(), warnings.end(), [](const Warning& one) {
-        return one.code == "unknown_name" && one.message == "and 150 more of this kind";
+        return one.code == WarningCode::UNKNOWN_NAME && one.message == "and 150 more of this kind";
     }));
 }
 

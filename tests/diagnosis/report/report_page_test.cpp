@@ -10,6 +10,7 @@ namespace {
 using diagnosis::DetectionReport;
 using diagnosis::Failure;
 using diagnosis::ReportPage;
+using diagnosis::WarningCode;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -29,11 +30,12 @@ TEST(ReportPageTest, AFailureIsShownInsteadOfADiagnosis)
 TEST(ReportPageTest, WarningsHaveTheirPlaceCodeAndCheck)
 {
     DetectionReport report;
-    report.warnings = {{"missing_file", "node/x: no such file"},
-        {"rule_set", "rule \"<r>\" has no scene", "A401", "rules/FaultTreeRules.xml", 12}};
+    report.warnings = {{WarningCode::NODE_UNREADABLE, "node/x: no such file"},
+        {WarningCode::RULE_SET_ERROR,
+            {.message = "rule \"<r>\" has no scene", .id = "A401", .file = "rules/FaultTreeRules.xml", .line = 12}}};
     const std::string page = ReportPage(report);
-    EXPECT_THAT(page, HasSubstr("<li>node/x: no such file <span class=\"quiet\">[missing_file]</span></li>\n"
-        "<li>rules/FaultTreeRules.xml:12: rule &quot;&lt;r&gt;&quot; has no scene <span class=\"quiet\">[rule_set, A401]"
+    EXPECT_THAT(page, HasSubstr("<li>node/x: no such file <span class=\"quiet\">[node_unreadable]</span></li>\n"
+        "<li>rules/FaultTreeRules.xml:12: rule &quot;&lt;r&gt;&quot; has no scene <span class=\"quiet\">[rule_set_error, A401]"
         "</span></li>\n"));
 }
 

@@ -107,7 +107,7 @@ ExitStatus StatusOf(const DetectionReport& report, const RunOptions& options)
     }
     ExitStatus status = ExitStatus::SUCCESS;
     for (const Warning& warning : report.warnings) {
-        status = options.isStrict ? MoreSerious(status, StrictStatus(warning)) : status;
+        status = options.isStrict ? MoreSerious(status, StrictStatus(warning.code)) : status;
     }
     if (options.isStrict && report.HasUnusableRule()) {
         status = MoreSerious(status, ExitStatus::RULE_SET);

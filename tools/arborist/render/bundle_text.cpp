@@ -105,8 +105,8 @@ std::string CheckText(const std::string& bundle, const std::vector<BundleFinding
 {
     std::string text = Printable(bundle) + "\n";
     for (const BundleFinding& finding : findings) {
-        const Warning& what = finding.what;
-        const std::string code = what.code + (what.id.empty() ? "" : ", " + what.id);
+        const Problem& what = finding.what;
+        const std::string code = finding.code + (what.id.empty() ? "" : ", " + what.id);
         text += "  " + ColouredState(finding.state, colour)
             + Printable(PlacedMessage(what) + (code.empty() ? "" : " [" + code + "]")) + "\n";
     }

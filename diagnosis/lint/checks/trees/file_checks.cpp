@@ -65,10 +65,10 @@ Element NearChild(Element parent, std::string_view name)
 }
 
 // Reports that `parent` has no child of a name, at the child that was probably meant to have it.
-void ReportAbsent(Element parent, std::string_view name, const std::string& message, Report& report)
+void ReportAbsent(SectionKind kind, Element parent, std::string_view name, const std::string& message, Report& report)
 {
     const Element near = NearChild(parent, name);
-    report.Add(near ? near : parent, message, {.near = near ? std::string(name) : ""});
+    report.Add(near ? near : parent, message, {.near = near ? std::string(name) : "", .absent = kind});
 }
 
 // True for sections that are optional for a tag.
@@ -94,7 +94,8 @@ void CheckSectionTag(const RuleSet& rules, SectionKind kind, Report& report)
     const Element root = rules.files.RuleRoot();
     if (!section.element) {
         if (!IsOptional(kind)) {
-            ReportAbsent(root, SectionName(kind), "the rule file has no section " + Quoted(SectionName(kind)), report);
+            ReportAbsent(
+                kind, root, SectionName(kind), "the rule file has no section " + Quoted(SectionName(kind)), report);
         }
         return;
     }
@@ -102,8 +103,8 @@ void CheckSectionTag(const RuleSet& rules, SectionKind kind, Report& report)
         return;
     }
     if (!IsOptional(kind) || NearChild(section.element, rules.tag)) {
-        ReportAbsent(section.element, rules.tag, Quoted(SectionName(kind)) + " has no element " + Quoted(rules.tag),
-            report);
+        ReportAbsent(kind, section.element, rules.tag,
+            Quoted(SectionName(kind)) + " has no element " + Quoted(rules.tag), report);
     }
 }
 
