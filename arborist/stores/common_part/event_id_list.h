@@ -13,7 +13,6 @@ public:
     /// Adds all ids from `first` to `last`; none if `first` is greater.
     void Append(std::int32_t first, std::int32_t last);
     bool IsEmpty() const { return mRanges.empty(); }
-    void Clear() { mRanges.clear(); }
 
     /// The condition that `event_info.event_id` is one of the ids: " ( event_info.event_id = 1 OR event_info.event_id =
     /// 2)". An id that was added twice appears twice. If there are too many ids for an expression of SQLite, the
