@@ -188,15 +188,26 @@ TEST_F(FaultTreeVisitorTest, AnObserverSeesEveryKindAndStatus)
     mVisitor.SetObserver(&keeper);
     auto plain = std::make_shared<Event>();
     plain->SetId("P");
-    mVisitor.FoldStatuses(TreeOf(Inner("T", Or({Leaf("A", EventStatus::INTERMEDIATE_TRUE), Undeveloped("U"), plain}))), {});
+    mVisitor.FoldStatuses(TreeOf(Inner("T", Or({Leaf("A", EventStatus::INTERMEDIATE_TRUE), Undeveloped("U"), plain}))),
+        {Evidence::Check::NOT_CHECKED, Evidence::Check::DECIDED});
     mVisitor.SetObserver(nullptr);
     ASSERT_EQ(keeper.folded.size(), 4U);
+    EXPECT_EQ(keeper.folded[0].check, Evidence::Check::NOT_CHECKED);
+    EXPECT_EQ(keeper.folded[1].check, Evidence::Check::DECIDED);
+    EXPECT_EQ(keeper.folded[2].check, Evidence::Check::NONE);
     EXPECT_EQ(keeper.folded[1].status, Evidence::EventState::INTERMEDIATE_PRESENT);
     EXPECT_TRUE(keeper.folded[1].IsInError());
     EXPECT_TRUE(keeper.folded[1].IsLeaf());
     EXPECT_FALSE(keeper.folded[0].IsLeaf());
     EXPECT_EQ(keeper.folded[2].type, Evidence::EventType::UNDEVELOPED);
     EXPECT_EQ(keeper.folded[3].type, Evidence::EventType::BASIC) << "an event of no kind";
+}
+
+TEST_F(FaultTreeVisitorTest, AnOrOfEmptyBranchesDropsWhatStandsBeforeItAndNotBehind)
+{
+    const auto empty = Inner("O", Or({Observable("G", TRUE, nullptr), Inner("H", nullptr)}));
+    Deduce(And({Leaf("A", TRUE), empty, Leaf("C", TRUE)}));
+    EXPECT_THAT(Causes(), ElementsAre("C < T"));
 }
 
 } // namespace

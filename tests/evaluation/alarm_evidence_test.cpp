@@ -287,6 +287,9 @@ TEST_F(AlarmEvidence, NegativeWeightIsToldAlsoWhereTheSumIsShort)
     for (const auto& [threshold, expected] : {std::pair(8, false), {5, true}}) {
         EXPECT_THAT(notes(Ids(ids).Latest(7, threshold), expected), ElementsAre(Evidence::Reason::NEGATIVE_WEIGHT));
     }
+    Log({{NOW - 2, 920000001, "1", R"({"COUNT":-1})"}, {NOW - 1, 920000001, "1", R"({"COUNT":10})"}});
+    EXPECT_THAT(notes(Ids("920000001", "920000001").DailyPeak(7, 9), true),
+        ElementsAre(Evidence::Reason::NEGATIVE_WEIGHT));
 }
 
 // Such a row is no hit for any test, and nobody knows what it tells.
@@ -357,6 +360,17 @@ TEST_F(AlarmEvidence, CountingWhatWasCutOffLeavesNoLine)
     const std::vector<std::string> unobserved = mLog.Lines();
     EXPECT_EQ(WindowOf(Ids("7", "8").Duration(7, 5)).count.rowsBeforeStart, 2U);
     EXPECT_EQ(mLog.Lines(), unobserved);
+}
+
+TEST_F(AlarmEvidence, TheWordForTheBeginReachesTheStart)
+{
+    Log(SEVEN_AND_EIGHT);
+    for (const char* const word : {"1", "4", ""}) {
+        const Evidence::Window window = WindowOf(Ids("7", "7").Begin(word).Latest(7, 1), true);
+        ASSERT_TRUE(window.start.has_value());
+        EXPECT_EQ(window.start->beginFlag, word);
+        EXPECT_EQ(window.start->periodDays, 7);
+    }
 }
 
 } // namespace

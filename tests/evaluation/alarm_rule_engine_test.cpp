@@ -478,4 +478,37 @@ TEST_F(AlarmRuleEngineTest, SeparateTestsAreNotedEachAgainstAllRows)
         "test a int eq '5' passed 1 of 2 last id 1", "test a int eq '8' passed 0 of 2 last id 0"));
 }
 
+TEST_F(AlarmRuleEngineTest, WhatAsksForNoIdIsNotForeseen)
+{
+    Log(Days(2, 7));
+    const auto rule = RuleOf({Ids("9", "8").Latest(7, 1), Ids("x", "").Latest(7, 1), Ids("7", "7").Latest(7, 2)});
+    rule->alarmItemList.insert(rule->alarmItemList.begin(), nullptr);
+    const auto helper = std::make_shared<RuleHelper>(std::make_shared<DetectInfo>(), nullptr);
+    AlarmRuleEngine engine(helper);
+    engine.Foresee(*rule);
+    EXPECT_TRUE(engine.IsFaultHappened(RuleOf({Ids("7", "7").Latest(7, 2)}), "event"));
+    EXPECT_FALSE(engine.IsFaultHappened(rule, "event")) << "an item that is null has no ids";
+    EXPECT_EQ(engine.GetReason(), Reason::NO_IDS);
+}
+
+TEST_F(AlarmRuleEngineTest, ANumberOfAWindowThatIsNoneIsNoted)
+{
+    Log(Days(2, 7));
+    for (bool TimeSet::*bad : {&TimeSet::isBadPeriod, &TimeSet::isBadThreshold}) {
+        const Ids item = Ids("7", "7").Latest(7, 2);
+        (*item.Item()->latest).*bad = true;
+        mRecord = {};
+        EXPECT_TRUE(Fires(item));
+        EXPECT_THAT(mRecord.notes, ElementsAre(Reason::BAD_NUMBER));
+    }
+}
+
+TEST_F(AlarmRuleEngineTest, ConditionThatIsNullIsOfNoKnownType)
+{
+    Log(Days(2, 7, R"({"a":5})"));
+    EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").Condition(nullptr).Latest(7, 2)));
+    EXPECT_EQ(mReason, Reason::UNKNOWN_CONDITION);
+    EXPECT_TRUE(Fires(Ids("7", "7").WithParam("p", "a", "int").Condition(nullptr).Single("p", "eq", "5").Latest(7, 2)));
+}
+
 } // namespace

@@ -40,6 +40,9 @@ TEST(CodeRuleIndexTest, TextNeverReachesIntoTheNextCode)
     EXPECT_EQ(index.FindFirst("A\0BA"sv, rules), nullptr);
     EXPECT_EQ(index.FindFirst("\0B"sv, rules), nullptr);
     EXPECT_EQ(index.FindFirst("\0"sv, rules), nullptr);
+    const auto zeros = RulesOf({"A", std::string(1, '\0')}); // a match that crosses ends where one within begins
+    EXPECT_EQ(CodeRuleIndex().FindFirst("\0"sv, zeros), zeros[1]);
+    EXPECT_EQ(CodeRuleIndex().FindFirst("B", {}), nullptr);
 }
 
 TEST(CodeRuleIndexTest, AnotherListIsReadAnew)

@@ -85,4 +85,14 @@ TEST_F(EventCheckTest, AnAnswerTakesThePlaceOfADefaultThatWasTrueBefore)
     EXPECT_EQ(mCheck.GetTrueCheck(), Check::DECIDED);
 }
 
+TEST_F(EventCheckTest, WhatWasTrueBeforeIsToldBeforeAnAlternativeOfTheSameWord)
+{
+    mCheck.KeepTrue(Check::DATA_MISSING);
+    mCheck.Land(&mFirst, false, Check::DATA_MISSING, 0);
+    EXPECT_EQ(mCheck.GetWord().check, Check::DATA_MISSING);
+    EXPECT_FALSE(mCheck.GetWord().alternative.has_value());
+    mCheck.Land(&mSecond, false, Check::RULE_UNUSABLE, 1);
+    EXPECT_EQ(mCheck.GetWord().alternative, 1U);
+}
+
 } // namespace

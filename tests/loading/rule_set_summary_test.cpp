@@ -132,4 +132,11 @@ TEST_F(RuleSetSummaryTest, APrefixStandsBeforeTheNamesOfBothFiles)
     EXPECT_THAT(summary.nodeFiles, ElementsAre("a"));
 }
 
+TEST_F(RuleSetSummaryTest, PathOfARuleStandsBelowTheRootOfTheDevice)
+{
+    mDir.Write("device/sys/value", "1");
+    EXPECT_EQ(PathOnDevice(mDir.Path("device"), "/sys/value"), mDir.Path("device/sys/value"));
+    EXPECT_EQ(PathOnDevice("", "/sys/value"), "/sys/value");
+}
+
 } // namespace
