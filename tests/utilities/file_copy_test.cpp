@@ -91,4 +91,13 @@ TEST_F(FileCopyTest, CopyEndsWithTheDetectionAndLeavesNoHalfFile)
     EXPECT_TRUE(fs::is_empty("d"));
 }
 
+TEST_F(FileCopyTest, CopyIntoWhatIsNoFolderFollowsTheOptions)
+{
+    mDir.Write("a", "new");
+    mDir.Write("b", "old");
+    EXPECT_TRUE(FileUtil::CopyFileToFolder("a", "b", fs::copy_options::overwrite_existing));
+    EXPECT_EQ(mDir.Read("b"), "new");
+    EXPECT_FALSE(FileUtil::CopyFileToFolder("a", "no/b", fs::copy_options::overwrite_existing));
+}
+
 } // namespace

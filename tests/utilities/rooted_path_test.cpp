@@ -174,4 +174,16 @@ TEST_F(RootedPathTest, TargetWithoutARootIsThePathItself)
     EXPECT_EQ(RootedPath::Target("root", "/" + std::string(4095, 'x')).Path(), "");
 }
 
+TEST_F(RootedPathTest, WholeSystemMayBeTheRoot)
+{
+    mDir.Write("file", "");
+    EXPECT_TRUE(std::filesystem::equivalent(RootedPath::Resolve("/", mDir.Path("file")), "file"));
+    EXPECT_TRUE(std::filesystem::equivalent(RootedPath::Resolve("/", "/"), "/"));
+}
+
+TEST_F(RootedPathTest, WorkingDirectoryItselfIsAPathOnTheDevice)
+{
+    EXPECT_TRUE(std::filesystem::equivalent(RootedPath::OnDevice(mDir.Path(), "."), "."));
+}
+
 } // namespace

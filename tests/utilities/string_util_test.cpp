@@ -251,7 +251,7 @@ TEST(TrimSPTest, RemovesSpacesAtBothEndsOnly)
 TEST_F(StringUtilTest, PlainNumbersReadAsTheStandardConversionReadsThem)
 {
     for (const char* text : {"0", "7", "007", "5.", "5.e1", "75.000000", "0.1", "999999999999999", "9999999999999999",
-             "0.123456789012345", "123456.7890123456", "12.5x", "12.5e1", "1e", "0x", "0x1p3", "1.2.3", "30000\n"}) {
+             "0.123456789012345", "123456.7890123456", "12.5x", "12.5e1", "1e", "0x", "0X", "0X1F", "0x1p3", "1.2.3", "30000\n"}) {
         EXPECT_EQ(StringUtil::StringToDoubleDef(text, -1), std::strtod(text, nullptr)) << text;
     }
     std::mt19937_64 random(20);

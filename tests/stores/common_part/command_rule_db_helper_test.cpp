@@ -307,4 +307,12 @@ TEST_F(CommandRuleDbHelperTest, ARecordHoldsTheStatementAndEachValueRawAndScaled
     EXPECT_THAT(record.columns, IsEmpty());
 }
 
+TEST_F(CommandRuleDbHelperTest, BlankTextGivesNothing)
+{
+    const ParamList params = {ParamOf("a", "int")};
+    EXPECT_THAT(Run("", params), IsEmpty());
+    EXPECT_THAT(Run(" \t\r\n", params), IsEmpty());
+    EXPECT_EQ(Text(Run("select a from t", params)), "a:a:int=5");
+}
+
 } // namespace

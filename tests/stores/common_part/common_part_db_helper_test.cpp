@@ -80,4 +80,17 @@ TEST_F(CommonPartDbHelperTest, AnswerIsThatOfTheLastBeanBuilt)
     EXPECT_TRUE(Build({BeanOf("B", {EventsOf("8", "8")}), BeanOf("A", {EventsOf("7", "7")}), BeanOf("C", {})}));
 }
 
+TEST_F(CommonPartDbHelperTest, NullItemsAndColumnsArePassedOver)
+{
+    LogExtras({R"({"a":5})"});
+    const auto events = EventsOf("7", "7", {ParamOf("a", "int")});
+    ParamMap columns = events->GetParamMap();
+    columns["0"] = nullptr;
+    events->SetParamMap(columns);
+    EXPECT_TRUE(Build({BeanOf("T", {events, nullptr})}));
+    EXPECT_THAT(Rows("select a from T"), ElementsAre("5"));
+    EXPECT_TRUE(Build({BeanOf("U", {nullptr, events})}));
+    EXPECT_THAT(Rows("select * from U"), ElementsAre("1|1699999999")) << "the columns are those of the first item";
+}
+
 } // namespace

@@ -151,4 +151,15 @@ TEST_F(DerivedTableWriterTest, RowsThatTheFileRefusesAreLostOneByOne)
         "FUNc:CommonPartDbHelper::IsSetedDataToTable: execute sql fail."));
 }
 
+TEST_F(DerivedTableWriterTest, TableWhoseNameNeedsQuotesIsFilledRowByRow)
+{
+    FT::sql::SqlOperator(mDatabase.GetHandle()).ExecuteNoCallback("create table [a b] (_ID integer primary key, n int)");
+    std::vector<Json::Value> rows(5);
+    rows[4]["n"] = 7;
+    DerivedTableWriter(mDatabase, "[a b]", {ParamOf("n", "int")}, "create table [a b] (_ID integer primary key, n int)")
+        .Write(rows);
+    mDatabase.Close(); // which kept the file to itself
+    EXPECT_THAT(DatabaseRows(mPath, "select n from [a b]"), ElementsAre("7"));
+}
+
 } // namespace

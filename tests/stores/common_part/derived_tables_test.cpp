@@ -44,6 +44,13 @@ TEST_F(DerivedTablesTest, ColumnsAreThoseOfTheFirstItemInTheOrderOfTheirIdsAndTh
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), IsEmpty());
 }
 
+TEST_F(DerivedTablesTest, EachWordForANumberOrTextHasItsDefault)
+{
+    EXPECT_TRUE(BuildFromExtras({"{}"}, {ParamOf("a", "integer"), ParamOf("b", "long"), ParamOf("c", "text"),
+        ParamOf("d", "float")}));
+    EXPECT_THAT(Rows("select a, b, c, d from T"), ElementsAre("0|0||null"));
+}
+
 TEST_F(DerivedTablesTest, FirstItemWithoutParametersGivesKeyAndTimeOnly)
 {
     EXPECT_TRUE(BuildFromExtras({R"({"a":1})"}, {}));

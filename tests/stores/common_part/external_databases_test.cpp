@@ -685,4 +685,19 @@ TEST_F(ExternalDatabasesTest, ArchiveThatLeadsOutWritesNothingOutside)
     EXPECT_FALSE(mDir.Has("copies/evil.db"));
 }
 
+TEST_F(ExternalDatabasesTest, NullPathsAndStatementsArePassedOver)
+{
+    MakeDb("device/a.db");
+    const auto bean = TableBeanOf("B", {mDir.Path("device")}, ".*a\\.db", {"create table made(x)"});
+    auto paths = bean->GetDbPathList();
+    paths.push_back(nullptr);
+    bean->SetDbPathList(paths);
+    auto statements = bean->GetCreateTableList();
+    statements.insert(statements.begin(), nullptr);
+    bean->SetCreateTableList(statements);
+    Run(bean);
+    EXPECT_THAT(Below(bean->GetCopyDbFileList()), ElementsAre("copies/a.db"));
+    EXPECT_THAT(DatabaseRows(mDir.Path("copies/a.db"), "select count(*) from made"), ElementsAre("0"));
+}
+
 } // namespace

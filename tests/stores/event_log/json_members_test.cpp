@@ -23,6 +23,7 @@ TEST(JsonMembersTest, ValuesBecomeText)
     EXPECT_THAT(Members(R"( { "n" : 12 , "s":"a b", "t":true, "f":false,"z":null, "m":-7,"o":0 } )",
         {"n", "s", "t", "f", "z", "m", "o", "missing"}), ElementsAre("12", "a b", "true", "false", "", "-7", "0", ""));
     EXPECT_THAT(Members("{}", {"a"}), ElementsAre(""));
+    EXPECT_THAT(Members("{\r\n\t\"a\"\r:\r1}\r", {"a"}), ElementsAre("1"));
     EXPECT_THAT(Members("{\"a\":1}", {}), ElementsAre());
 }
 

@@ -278,5 +278,14 @@ TEST_F(SqlDatabaseTest, RestrictingAClosedDatabaseDoesNothing)
     EXPECT_FALSE(mDatabase.IsOpen());
 }
 
+TEST_F(SqlDatabaseTest, HowAClosedDatabaseIsWrittenIsSetNowhere)
+{
+    mDatabase.WriteSafely();
+    mDatabase.WriteWithoutWaiting();
+    mDatabase.Limit({});
+    EXPECT_FALSE(mDatabase.IsOpen());
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
 } // namespace
 } // namespace FT::sql

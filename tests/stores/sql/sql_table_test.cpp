@@ -201,5 +201,35 @@ TEST_F(SqlTableTest, NameIsNotQuoted)
     EXPECT_EQ(mLog.Lines(LEVEL_ERROR).size(), 1U);
 }
 
+TEST_F(SqlTableTest, NameAndKeyAreAsTheyWereGiven)
+{
+    EXPECT_EQ(mTable.GetName(), "things");
+    EXPECT_TRUE(mFields[0].IsPrimaryKey());
+    EXPECT_FALSE(mFields[1].IsPrimaryKey());
+    const SqlField copy(mFields[0]);
+    EXPECT_EQ(copy.GetDefinition(), mFields[0].GetDefinition());
+}
+
+TEST_F(SqlTableTest, UpdateWithoutFieldsSetsNothing)
+{
+    const SqlTable none(mDatabase.GetHandle(), "t", nullptr, 0);
+    EXPECT_EQ(none.GetUpdateString(SqlRecord(none.GetFields())), "update t set ");
+}
+
+TEST_F(SqlTableTest, WhatTheDatabaseRefusesIsFalse)
+{
+    ASSERT_TRUE(mTable.Create());
+    EXPECT_FALSE(mTable.Open("no such column = 1"));
+    SqlDatabase reader;
+    reader.Open(mDir.Path("a.db"));
+    reader.BeginTransaction();
+    SqlOperator(reader.GetHandle()).ExecuteNoCallback("insert into things values (1, 'a', 1)");
+    EXPECT_FALSE(mTable.Truncate()) << "somebody else writes";
+    EXPECT_FALSE(mTable.Remove());
+    reader.Close();
+    EXPECT_TRUE(mTable.Truncate());
+    EXPECT_TRUE(mTable.Remove());
+}
+
 } // namespace
 } // namespace FT::sql
