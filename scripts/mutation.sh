@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes small mistakes in the library and runs the tests on each: "mutation.sh [COUNT [SEED]]", by default 400 mistakes
+# Makes small mistakes in the library and runs the tests on each: "mutation.sh [COUNT [SEED [ROOM...]]]", by default 400 mistakes
 # (mutants) chosen by seed 1, as many in each room of scripts/mutation/rooms.py. All mutants are compiled in at once; the
 # environment variable ARBORIST_MUTANT switches one on. A run goes on where the last one stopped.
 # Fails if a mutant survived that scripts/mutation/survivors.md doesn't list with its reason.
@@ -26,4 +26,4 @@ while true; do
     fi
     "${python[@]}" scripts/mutation/refused.py "$folder" "$folder/build.log" || { tail -50 "$folder/build.log"; exit 1; }
 done
-"${python[@]}" scripts/mutation/run.py "$folder" "$count" "$seed"
+"${python[@]}" scripts/mutation/run.py "$folder" "$count" "$seed" "${@:3}"

@@ -37,6 +37,11 @@ def lines_of(segments):
     return counts
 
 
+def written_lines(counts, text):
+    """Without functions that the compiler makes."""
+    return {line: count for line, count in counts.items() if not text[line - 1].rstrip().endswith("= default;")}
+
+
 def branches_of(records, text):
     """The conditions of a file. Those of a template are counted for all of its instances together."""
     found = {}
@@ -75,7 +80,7 @@ def files_of(export, root):
         if name == record["filename"]:
             continue
         text = (root / name).read_text().splitlines()
-        files[name] = File(name, lines_of(record["segments"]), branches_of(record["branches"], text))
+        files[name] = File(name, written_lines(lines_of(record["segments"]), text), branches_of(record["branches"], text))
     return files
 
 

@@ -1,4 +1,5 @@
-"""Tries mutants: "run.py FOLDER COUNT SEED [JOBS]", on what generate.py wrote to FOLDER and mutation.sh built there.
+"""Tries mutants: "run.py FOLDER COUNT SEED [ROOM...]", on what generate.py wrote to FOLDER and mutation.sh built there.
+With rooms only their share of COUNT.
 
 What was tried is kept in FOLDER/state.json: a second run goes on where the first stopped, and tries those again that no
 test caught. Each test runs once without a mutant, to see which mutants it comes past; a mutant is tried with these tests
@@ -15,6 +16,7 @@ from programs import reach_of, tests_of, verdict_on
 from rooms import ROOMS
 from survivors import key_of, listed_reasons, name_of, number_twins, row_of
 
+JOBS = 2
 CAUGHT = ("failed", "crashed", "time")
 
 
@@ -72,10 +74,10 @@ def by_mutant(reach):
     return {"of_mutant": of_mutant, "seconds": {test: found["seconds"] for test, found in reach.items()}}
 
 
-def report(mutants, picked, state):
+def report(rooms, mutants, picked, state):
     reasons = listed_reasons()
     unlisted = 0
-    for room in ROOMS:
+    for room in rooms:
         numbers = [number for number in picked if mutants[number]["room"] == room.name]
         verdicts = Counter(state[key_of(mutants[number])] for number in numbers)
         survivors = [number for number in numbers if state[key_of(mutants[number])] not in CAUGHT]
@@ -94,21 +96,21 @@ def report(mutants, picked, state):
 
 def main():
     folder, count, seed = Path(sys.argv[1]).resolve(), int(sys.argv[2]), sys.argv[3]
-    jobs = int(sys.argv[4]) if len(sys.argv) > 4 else 2
+    tried_rooms = [room for room in ROOMS if room.name in sys.argv[4:] or len(sys.argv) == 4]
     mutants = json.loads((folder / "mutants.json").read_text())
     number_twins(mutants)
     state = read(folder / "state.json", {})
-    programs = {room.name: room.programs for room in ROOMS}
-    picked = chosen(mutants, count, seed)
-    with ThreadPoolExecutor(jobs) as pool:
+    programs = {room.name: room.programs for room in tried_rooms}
+    picked = [number for number in chosen(mutants, count, seed) if mutants[number]["room"] in programs]
+    with ThreadPoolExecutor(JOBS) as pool:
         reach = {program: by_mutant(find_reach(folder, program, pool))
-                 for program in sorted({program for room in ROOMS for program in room.programs})}
+                 for program in sorted({program for room in tried_rooms for program in room.programs})}
         open_ones = [number for number in picked if state.get(key_of(mutants[number])) not in CAUGHT]
         tried = pool.map(lambda number: try_mutant(folder, number, programs[mutants[number]["room"]], reach), open_ones)
         for number, verdict in zip(open_ones, tried):
             state[key_of(mutants[number])] = verdict
             write(folder / "state.json", state)
-    sys.exit(1 if report(mutants, picked, state) else 0)
+    sys.exit(1 if report(tried_rooms, mutants, picked, state) else 0)
 
 
 if __name__ == "__main__":

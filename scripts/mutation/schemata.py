@@ -31,9 +31,10 @@ def _switched(inside, mutants):
     leaves_out = [number for number, mutant in mutants if mutant.kind == "return" and mutant.replacement == ""]
     if leaves_out:
         return b"{ if (!::mutant::Is(%d)) %s }" % (leaves_out[0], inside)
-    text = b"bool(%s)" % inside if any(mutant.is_condition for _, mutant in mutants) else inside
+    # A place that one mutant takes for a condition is one for all: the parts of ?: have one type.
+    is_condition = any(mutant.is_condition for _, mutant in mutants)
+    whole = b"bool(%s)" if is_condition else b"(%s)"
+    text = whole % inside if is_condition else inside
     for number, mutant in reversed(mutants):
-        replacement = mutant.replacement.encode()
-        replacement = b"bool(%s)" % replacement if mutant.is_condition else b"(%s)" % replacement
-        text = b"(::mutant::Is(%d) ? %s : %s)" % (number, replacement, text)
+        text = b"(::mutant::Is(%d) ? %s : %s)" % (number, whole % mutant.replacement.encode(), text)
     return text

@@ -14,6 +14,7 @@ OTHER_TESTS = {
     "tests/docs": "the pages in docs/",
     "tests/linux_data": "rule sets and bundles outside of this repository",
     "tests/packaging": "what is installed",
+    "tests/scripts": "the scripts that measure the tests",
     "tests/reliability": "calls that fail, sudden death, and inputs that are costly on purpose",
     "tests/stores": "stores that several rooms of stores use",
     "tests/support": "fixtures and builders, with tests of their own",
