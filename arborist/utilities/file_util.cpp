@@ -328,7 +328,7 @@ bool FileUtil::LoadBufferFromNodeFile(const std::string& path, std::vector<std::
     if (!IsPathLengthAllowed(path)) {
         return false;
     }
-    Platform::InputFile file(path);
+    Platform::InputFile file(path, Platform::InputFile::Content::TEXT);
     if (!file.IsOpen()) {
         return false;
     }
@@ -346,7 +346,7 @@ bool FileUtil::LoadStringFromFile(const std::string& path, std::string& text)
     }
     // Opens the path as given: its canonical form names the same file but costs a system call for each directory on the
     // way.
-    Platform::InputFile file(path);
+    Platform::InputFile file(path, Platform::InputFile::Content::TEXT);
     if (!file.IsOpen() || file.Size() > MAX_FILE_LENGTH) {
         return false;
     }

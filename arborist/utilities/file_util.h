@@ -70,16 +70,16 @@ std::uint16_t Umask(std::uint16_t mode);
 /// Reads a file of a known size, up to 33554432 bytes, into `buffer`; a file of size 0 empties it. `buffer` is
 /// unchanged if the file can't be opened or is larger. Never blocks: see LoadStringFromFile.
 bool LoadBufferFromFile(const std::string& path, std::vector<std::uint8_t>& buffer);
-/// Appends the bytes of a file whose size isn't known. False, with `buffer` emptied, on a read error or if `buffer`
-/// grows beyond 33554432 bytes.
+/// Appends the text of a file whose size isn't known; see LoadStringFromFile. False, with `buffer` emptied, on a read
+/// error or if `buffer` grows beyond 33554432 bytes.
 bool LoadBufferFromNodeFile(const std::string& path, std::vector<std::uint8_t>& buffer);
-/// Reads a file to its end into `text`. False if it can't be read or has more than 33554432 bytes (`text` is then empty
-/// if the size was not known beforehand). Never blocks: a pipe, a socket, a directory or most devices return false at
-/// once.
+/// Reads a file to its end into `text`, on Windows with its line ends turned into "\n". False if it can't be read or
+/// has more than 33554432 bytes (`text` is then empty if the size was not known beforehand). Never blocks: a pipe, a
+/// socket, a directory or most devices return false at once.
 bool LoadStringFromFile(const std::string& path, std::string& text);
 /// Writes `text` to an existing file: replaces the content with `truncate`, otherwise appends to it. False for a file
 /// that doesn't exist, which is not created, and for a pipe, which could block. With an empty text returns true and
-/// writes nothing.
+/// writes nothing. Line ends on Windows are those of Windows.
 bool SaveStringToFile(const std::string& path, const std::string& text, bool truncate);
 
 /// Sets the name of the calling thread for debuggers; the system may keep only its first characters.

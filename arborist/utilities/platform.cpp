@@ -271,7 +271,7 @@ Platform::FileIdentity::FileIdentity(const std::string& path)
         static_cast<std::int64_t>(status.st_ctim.tv_nsec)};
 }
 
-Platform::InputFile::InputFile(const std::string& path)
+Platform::InputFile::InputFile(const std::string& path, Content)
 {
     struct stat status;
     if (stat(path.c_str(), &status) != 0 || !(S_ISREG(status.st_mode) || IsMemoryDevice(status))) {

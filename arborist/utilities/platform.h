@@ -30,7 +30,7 @@ std::int64_t MomentOf(std::tm local);
 /// remove, for a file or an empty folder; false, with errno, on failure.
 bool Remove(const std::string& path);
 
-/// fopen; null on failure.
+/// fopen; null on failure. Without a "b" in the mode, line ends on Windows are those of Windows.
 std::FILE* OpenFile(const std::string& path, const char* mode);
 std::FILE* OpenForReading(const std::string& path);
 
@@ -88,7 +88,11 @@ private:
 /// pipe could block, and opening another device can have effects.
 class InputFile {
 public:
-    explicit InputFile(const std::string& path);
+    /// TEXT turns the line ends of Windows into those of C, on Windows alone; the number of bytes that are read is then
+    /// less than Size().
+    enum class Content { BYTES, TEXT };
+
+    explicit InputFile(const std::string& path, Content content = Content::BYTES);
     ~InputFile();
     InputFile(const InputFile&) = delete;
     InputFile& operator=(const InputFile&) = delete;

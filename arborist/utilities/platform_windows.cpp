@@ -165,9 +165,7 @@ bool Platform::Remove(const std::string& path)
 
 std::FILE* Platform::OpenFile(const std::string& path, const char* mode)
 {
-    // "N": not inherited. Nothing that the library writes wants other line ends.
-    const std::string binary = std::strchr(mode, 'b') == nullptr ? std::string(mode) + "b" : mode;
-    return _wfopen(Wide(path).c_str(), Wide(binary + "N").c_str());
+    return _wfopen(Wide(path).c_str(), Wide(std::string(mode) + "N").c_str()); // "N": not inherited
 }
 
 std::FILE* Platform::OpenForReading(const std::string& path)
@@ -264,14 +262,15 @@ Platform::FileIdentity::FileIdentity(const std::string& path)
         times.CreationTime.QuadPart, 0};
 }
 
-Platform::InputFile::InputFile(const std::string& path)
+Platform::InputFile::InputFile(const std::string& path, Content content)
 {
     const std::wstring wide = Wide(path);
     struct _stat64 status;
     if (!IsPlain(wide) || _wstat64(wide.c_str(), &status) != 0) {
         return;
     }
-    mDescriptor = _wopen(wide.c_str(), _O_RDONLY | _O_BINARY | _O_NOINHERIT);
+    const int lineEnds = content == Content::TEXT ? _O_TEXT : _O_BINARY;
+    mDescriptor = _wopen(wide.c_str(), _O_RDONLY | lineEnds | _O_NOINHERIT);
     mSize = static_cast<std::uint64_t>(status.st_size);
 }
 
