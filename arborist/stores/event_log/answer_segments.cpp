@@ -59,6 +59,9 @@ std::vector<AnswerSegments::EntryRange> AnswerSegments::RangesWithRoom(
             continue;
         }
         const std::uint32_t rows = mSnapshot.GetEntry(end - 1).end - mSnapshot.GetEntry(first).begin;
+        if (rows == 0) {
+            continue; // entries may have no rows in the snapshot; a column is found by its first row
+        }
         const std::size_t size = AnswerColumn::SizeFor(rows, requests.GetQuestion(range.question).IsNumber());
         if (size <= room) {
             room -= size;

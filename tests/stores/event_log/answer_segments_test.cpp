@@ -2,8 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include "arborist/frame/settings.h"
 #include "tests/stores/event_log/log_reading.h"
 #include "tests/stores/event_log/number_question.h"
+#include "tests/support/settings_guard.h"
 
 namespace {
 
@@ -49,6 +51,20 @@ TEST_F(AnswerSegmentsTest, EachEntryIsAskedWhatIsWantedOfItsId)
     EXPECT_EQ(KeysOfIds({{2, 4, a}, {3, 6, a}, {6, 6, a}, {2, 4, a}}), " a a a a a    ");
     EXPECT_EQ(KeysOfIds({{20, 30, a}, {-5, 0, a}}), "         ");
     EXPECT_EQ(KeysOfIds({{INT32_MIN, INT32_MAX, b}}), "b b b b b b b b b b");
+}
+
+TEST_F(AnswerSegmentsTest, IdsWithoutRowsInTheSnapshotTakeNoColumnFromThoseBehindThem)
+{
+    SettingsGuard settings;
+    settings.Set(Settings::AS_OF, "5");
+    // The rows of the ids 1 and 2 are hidden.
+    mSnapshot = Read(EventLogBuilder().Rows({{9, 1, "", ""}, {9, 2, "", ""}, {1, 3, "", ""}, {2, 3, "", ""}}));
+    const auto a = Number("a");
+    AnswerTable table(0);
+    const AnswerSegments segments(*mSnapshot, mRequests, {{1, 1, a}, {3, 3, a}}, table);
+    EXPECT_EQ(segments.OfEntry(0), nullptr);
+    ASSERT_NE(segments.OfEntry(2), nullptr);
+    EXPECT_NE(table.Find(a, 0, 2), nullptr);
 }
 
 TEST_F(AnswerSegmentsTest, OneKeyIsReadOnceForAllItsQuestions)
