@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "arborist/stores/event_log/event_log_search.h"
 #include "arborist/stores/sql/sql_database.h"
@@ -50,6 +51,20 @@ public:
     bool HasUnseen(std::int32_t firstId, std::int32_t lastId, std::int64_t start) const
     {
         return mSearch.HasUnseen(firstId, lastId, start);
+    }
+
+    /// See EventLogSearch::ListLatestUnseen.
+    std::vector<std::int64_t> ListLatestUnseen(std::int32_t firstId, std::int32_t lastId) const
+    {
+        return mSearch.ListLatestUnseen(firstId, lastId);
+    }
+
+    /// See EventLogSearch::ReadAhead. Does nothing if the log can't be opened.
+    void ReadAhead()
+    {
+        if (mDatabase.IsOpen()) {
+            mSearch.ReadAhead();
+        }
     }
 
     /// See EventLogSearch::Foresee.

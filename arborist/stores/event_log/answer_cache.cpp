@@ -66,15 +66,18 @@ void AnswerCache::Prepare(const Asked& asked)
     }
     const std::uint32_t firstRow = mSnapshot->GetEntry(first).begin;
     const std::uint32_t endRow = mSnapshot->GetEntry(end - 1).end;
+    if (firstRow == endRow) {
+        return;
+    }
     const bool isWorthwhile = (endRow - firstRow) * WORTH_READING_ALL >= mSnapshot->GetRowCount() ||
         !mSnapshot->GetOrigin().canSearchEvents; // then rows can't be read one by one
     if (isWorthwhile && !Has(asked, firstRow, endRow)) {
-        ReadAll(asked);
+        ReadAllFor(asked);
     }
 }
 
 // Requests the questions of this visit first, then those that were added after them, as far as there is room.
-void AnswerCache::ReadAll(const Asked& asked)
+void AnswerCache::ReadAllFor(const Asked& asked)
 {
     std::vector<Requests::Request> wanted;
     for (const Requests::Number question : asked.questions) {
@@ -82,9 +85,22 @@ void AnswerCache::ReadAll(const Asked& asked)
     }
     const std::vector<Requests::Request> all = mRequests.AllFrom(wanted.back());
     wanted.insert(wanted.end(), all.begin(), all.end());
+    ReadAll(wanted, asked.startTime);
+}
+
+void AnswerCache::ReadForeseen()
+{
+    const std::vector<Requests::Request>& wanted = mRequests.All();
+    if (!wanted.empty() && mAnswers == nullptr && mCanReadAll && mSnapshot->AreRowIdsAscending()) {
+        ReadAll(wanted, 0);
+    }
+}
+
+void AnswerCache::ReadAll(const std::vector<Requests::Request>& wanted, std::int64_t since)
+{
     mAnswers.reset();
     if (const auto log = UnchangedLog::Open(mDb, mSnapshot)) {
-        mAnswers = AnswerReader(*log, mRequests).ReadAll(wanted, asked.startTime);
+        mAnswers = AnswerReader(*log, mRequests).ReadAll(wanted, since);
         mCanReadAll = mAnswers != nullptr;
     }
 }

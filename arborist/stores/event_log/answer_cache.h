@@ -33,6 +33,8 @@ public:
 
     /// Forgets all answers; from now on those of this snapshot are meant.
     void Reset(std::shared_ptr<const EventLogSnapshot> snapshot);
+    /// Reads in one pass the answers of all rows to the announced questions, as far as there is room.
+    void ReadForeseen();
     /// Reads the answers in one pass if the visit needs many of them.
     void Prepare(const Asked& asked);
     /// The answers of the rows in `range` of an entry that pass the filter. Null if the log has changed since the
@@ -44,7 +46,8 @@ private:
     using Entry = EventLogSnapshot::Entry;
 
     bool Has(const Asked& asked, std::uint32_t firstRow, std::uint32_t endRow) const;
-    void ReadAll(const Asked& asked);
+    void ReadAll(const std::vector<Requests::Request>& wanted, std::int64_t since);
+    void ReadAllFor(const Asked& asked);
     bool FillColumns(const Asked& asked, const Entry& entry, RowAnswers& answers) const;
     bool FillTexts(RowAnswers& answers) const;
 

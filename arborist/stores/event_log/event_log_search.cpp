@@ -1,12 +1,14 @@
 #include "arborist/stores/event_log/event_log_search.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "arborist/frame/log.h"
 #include "arborist/frame/trouble_watch.h"
 #include "arborist/stores/event_log/event_log_reader.h"
 #include "arborist/stores/event_log/unchanged_log.h"
+#include "arborist/utilities/time_util.h"
 
 namespace {
 
@@ -24,6 +26,7 @@ struct EventLogSearch::OpenVisit {
     const std::string& versionName;
     const Visitor& visitor;
     AnswerCache::Asked asked;
+    std::int64_t last;
     std::shared_ptr<EventRows::Visit> shared{};
     // Shared, so that they outlive the call of the visitor that uses them.
     std::shared_ptr<RowCounts> found{}; // since the start, of any version
@@ -64,7 +67,7 @@ EventLogSearch::Reading EventLogSearch::Visit(
 {
     OpenVisit visit{query, versionName, visitor,
         {query.firstId, query.lastId, query.startTime,
-            mAnswers.Foresee(query.firstId, query.lastId, query.questions)}};
+            mAnswers.Foresee(query.firstId, query.lastId, query.questions)}, TimeUtil::GetLastMoment()};
     visit.shared = std::make_shared<EventRows::Visit>(EventRows::Visit{query.questions});
     Refresh();
     // Without a snapshot, query each id, which logs its own failure. If the log becomes readable, continue with its
@@ -93,7 +96,20 @@ bool EventLogSearch::IsWhole() const
 std::optional<std::int64_t> EventLogSearch::GetFirstTime() const
 {
     const std::optional<std::uint32_t> time = IsWhole() ? mSnapshot->GetFirstTime() : std::nullopt;
-    return time ? std::optional<std::int64_t>(*time) : std::nullopt;
+    return time && *time <= TimeUtil::GetLastMoment() ? std::optional<std::int64_t>(*time) : std::nullopt;
+}
+
+std::vector<std::int64_t> EventLogSearch::ListLatestUnseen(std::int32_t firstId, std::int32_t lastId) const
+{
+    return IsWhole() ? mSnapshot->ListLatestUnseen(firstId, lastId) : std::vector<std::int64_t>();
+}
+
+void EventLogSearch::ReadAhead()
+{
+    Refresh();
+    if (mSnapshot != nullptr) {
+        mAnswers.ReadForeseen();
+    }
 }
 
 bool EventLogSearch::HasUnseen(std::int32_t firstId, std::int32_t lastId, std::int64_t start) const
@@ -107,8 +123,8 @@ std::optional<std::uint64_t> EventLogSearch::CountRows(
     if (!IsWhole()) {
         return std::nullopt;
     }
-    const auto countSince = [this](const Entry& entry, std::int64_t time) {
-        return mSnapshot->Count(mSnapshot->RangeSince(entry, time), {time, std::nullopt});
+    const auto countSince = [this, last = TimeUtil::GetLastMoment()](const Entry& entry, std::int64_t time) {
+        return mSnapshot->Count(mSnapshot->RangeSince(entry, time, last), {time, std::nullopt, last});
     };
     std::uint64_t count = 0;
     const std::size_t last = mSnapshot->FirstEntryFrom(lastId + std::int64_t{1});
@@ -143,10 +159,12 @@ bool EventLogSearch::VisitIds(OpenVisit& visit, std::int64_t firstId)
 {
     const EventLogSnapshot& snapshot = *mSnapshot;
     visit.shared->snapshot = mSnapshot;
-    visit.found = CountsFor({visit.query.startTime, std::nullopt});
-    visit.counts = visit.query.fromUpdate
-        ? CountsFor({visit.query.startTime, snapshot.NumberOfVersion(visit.versionName)}) : visit.found;
     const EventLogSnapshot::Origin& origin = snapshot.GetOrigin();
+    const std::int64_t last =
+        visit.last >= origin.lastMoment ? std::numeric_limits<std::int64_t>::max() : visit.last;
+    visit.found = CountsFor({visit.query.startTime, std::nullopt, last});
+    visit.counts = visit.query.fromUpdate
+        ? CountsFor({visit.query.startTime, snapshot.NumberOfVersion(visit.versionName), last}) : visit.found;
     const bool isBroken = origin.isEachIdAsked || !origin.breakError.empty();
     if (!origin.damage.empty()) {
         StatementTrouble::Tell(origin.damage, mDb.path);
@@ -197,7 +215,10 @@ bool EventLogSearch::VisitEntry(OpenVisit& visit, std::size_t entryNumber)
         LogBreak(mSnapshot->GetOrigin().breakError);
         return false;
     }
-    EventRows::Known known{EventLogSnapshot::RangeOf(entry, found), visit.counts->GetFilter(), nullptr};
+    const EventLogSnapshot::Filter& filter = visit.counts->GetFilter();
+    const bool isBounded = filter.last != std::numeric_limits<std::int64_t>::max();
+    EventRows::Known known{isBounded ? mSnapshot->RangeSince(entry, filter.start, filter.last)
+                                     : EventLogSnapshot::RangeOf(entry, found), filter, nullptr};
     if (!visit.asked.questions.empty()) {
         known.answers = mAnswers.Find(visit.asked, entry, known.range, known.filter);
         if (known.answers == nullptr) {

@@ -104,20 +104,23 @@ std::uint16_t EventLogSnapshot::NumberOfVersion(const std::string& name) const
     return found == mVersionNumbers.end() ? UNNAMED_VERSION : found->second;
 }
 
-EventLogSnapshot::RowRange EventLogSnapshot::RangeSince(const Entry& entry, std::int64_t start) const
+EventLogSnapshot::RowRange EventLogSnapshot::RangeSince(
+    const Entry& entry, std::int64_t start, std::int64_t last) const
 {
     if (!entry.isAscending) {
         return {entry.begin, entry.end, false};
     }
     // Times of rows have 32 bits, so that none is greater.
     constexpr std::int64_t LAST_TIME = std::numeric_limits<std::uint32_t>::max();
-    if (start > LAST_TIME) {
+    if (start > LAST_TIME || last < std::max<std::int64_t>(start, 0)) {
         return {entry.end, entry.end, true};
     }
-    const auto first = static_cast<std::uint32_t>(std::max<std::int64_t>(start, 0));
     const auto begin = mColumns.times.begin();
-    const auto found = std::lower_bound(begin + entry.begin, begin + entry.end, first);
-    return {static_cast<std::uint32_t>(found - begin), entry.end, true};
+    const auto end = begin + entry.end;
+    const auto found =
+        std::lower_bound(begin + entry.begin, end, static_cast<std::uint32_t>(std::max<std::int64_t>(start, 0)));
+    const auto behind = last >= LAST_TIME ? end : std::upper_bound(found, end, static_cast<std::uint32_t>(last));
+    return {static_cast<std::uint32_t>(found - begin), static_cast<std::uint32_t>(behind - begin), true};
 }
 
 std::size_t EventLogSnapshot::Count(const RowRange& range, const Filter& filter) const
@@ -169,15 +172,30 @@ bool EventLogSnapshot::HasUnseen(std::int32_t firstId, std::int32_t lastId, std:
         [start](const auto& unseen) { return unseen.second >= start; });
 }
 
+std::vector<std::int64_t> EventLogSnapshot::ListLatestUnseen(std::int32_t firstId, std::int32_t lastId) const
+{
+    std::vector<std::int64_t> moments;
+    for (auto unseen = mUnseen.lower_bound(firstId); unseen != mUnseen.upper_bound(lastId); ++unseen) {
+        if (unseen->second != std::numeric_limits<std::int64_t>::max()) {
+            moments.push_back(unseen->second);
+        }
+    }
+    return moments;
+}
+
 std::size_t EventLogSnapshot::CountAfter(const RowRange& range, const Filter& filter, std::int64_t time) const
 {
-    return Count({range.begin, range.end, false}, {std::max(filter.start, time + 1), filter.version});
+    if (filter.last <= time) {
+        return 0;
+    }
+    return Count({range.begin, range.end, false}, {std::max(filter.start, time + 1), filter.version, filter.last});
 }
 
 void EventLogSnapshot::CountDaysAfter(
     const RowRange& range, const Filter& filter, std::int64_t time, LocalDays& localDays, DayCounts& days) const
 {
-    CountDays({range.begin, range.end, false}, {std::max(filter.start, time + 1), filter.version}, localDays, days);
+    CountDays({range.begin, range.end, false}, {std::max(filter.start, time + 1), filter.version, filter.last},
+        localDays, days);
 }
 
 RowBits EventLogSnapshot::Select(const RowRange& range, const Filter& filter) const
@@ -192,4 +210,19 @@ RowBits EventLogSnapshot::Select(const RowRange& range, const Filter& filter) co
         rows.SetWord(number, word);
     }
     return rows;
+}
+
+void EventLogSnapshot::AppendTimes(
+    const RowRange& range, const Filter& filter, std::vector<std::uint32_t>& times) const
+{
+    if (range.isSince && !filter.version) {
+        times.insert(times.end(), mColumns.times.begin() + range.begin, mColumns.times.begin() + range.end);
+        return;
+    }
+    times.reserve(times.size() + (range.end - range.begin));
+    for (std::uint32_t row = range.begin; row < range.end; ++row) {
+        if (Passes(row, range, filter)) {
+            times.push_back(mColumns.times[row]);
+        }
+    }
 }

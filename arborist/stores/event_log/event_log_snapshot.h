@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <optional>
 #include <string>
@@ -36,7 +37,7 @@ public:
     struct Origin {
         /// Data version of the connection; see ReadDataVersion.
         std::int64_t dataVersion = 0;
-        /// Rows later than this are left out; see TimeUtil::GetLastMoment.
+        /// Rows later than this are left out. A search as of an earlier moment leaves out more: see Filter.
         std::int64_t lastMoment = 0;
         /// The column of event_info by which a row is found again; empty if there is none.
         std::string rowName;
@@ -72,13 +73,14 @@ public:
     struct RowRange {
         std::uint32_t begin;
         std::uint32_t end; ///< one behind the last
-        bool isSince; ///< all lie at or after the start that was asked for
+        bool isSince; ///< all lie in the time that was asked for
     };
 
     /// Selects the rows of an id that count.
     struct Filter {
         std::int64_t start; ///< seconds since the epoch, inclusive
         std::optional<std::uint16_t> version; ///< counts beside the unnamed one; all count where there is none
+        std::int64_t last = std::numeric_limits<std::int64_t>::max(); ///< seconds since the epoch, inclusive
 
         bool operator==(const Filter&) const = default;
     };
@@ -100,9 +102,10 @@ public:
     std::size_t FirstEntryFrom(std::int64_t id) const;
     const std::vector<std::int32_t>& GetIds() const { return mIds; }
 
-    /// A superset of the entry's rows at or after `start`.
-    RowRange RangeSince(const Entry& entry, std::int64_t start) const;
-    /// The same if it is known that there are `found` such rows.
+    /// A superset of the entry's rows from `start` to `last`, both inclusive.
+    RowRange RangeSince(
+        const Entry& entry, std::int64_t start, std::int64_t last = std::numeric_limits<std::int64_t>::max()) const;
+    /// The same if it is known that there are `found` rows since a start, and none is too late.
     static RowRange RangeOf(const Entry& entry, std::size_t found)
     {
         const std::uint32_t first = entry.end - static_cast<std::uint32_t>(found);
@@ -114,12 +117,16 @@ public:
     /// Counts the rows that pass the filter by their day of the month.
     void CountDays(const RowRange& range, const Filter& filter, LocalDays& localDays, DayCounts& days) const;
     RowBits Select(const RowRange& range, const Filter& filter) const;
+    /// Appends the times of the rows that pass the filter.
+    void AppendTimes(const RowRange& range, const Filter& filter, std::vector<std::uint32_t>& times) const;
     std::uint32_t GetTime(std::uint32_t row) const { return mColumns.times[row]; }
     std::int64_t GetRowId(std::uint32_t row) const { return mColumns.rowIds[row]; }
     /// The time of the earliest row; nothing if there are none.
     std::optional<std::uint32_t> GetFirstTime() const { return mFirstTime; }
     /// True if one of these ids has a row that no query finds, at or after `start` or at an unknown time.
     bool HasUnseen(std::int32_t firstId, std::int32_t lastId, std::int64_t start) const;
+    /// The latest moment of such rows for each of these ids that has one, without those at an unknown time.
+    std::vector<std::int64_t> ListLatestUnseen(std::int32_t firstId, std::int32_t lastId) const;
     /// Counts the rows that pass the filter and are later than `time`.
     std::size_t CountAfter(const RowRange& range, const Filter& filter, std::int64_t time) const;
     /// The same by their day of the month.
@@ -140,7 +147,8 @@ private:
         const std::uint16_t version = mColumns.versions[row];
         const int isOfVersion = int{!filter.version.has_value()} | int{version == UNNAMED_VERSION} |
             int{version == filter.version.value_or(UNNAMED_VERSION)};
-        return (isOfVersion & (int{range.isSince} | int{std::int64_t{mColumns.times[row]} >= filter.start})) != 0;
+        const std::int64_t time = mColumns.times[row];
+        return (isOfVersion & (int{range.isSince} | (int{time >= filter.start} & int{time <= filter.last}))) != 0;
     }
 
     Origin mOrigin;

@@ -56,6 +56,14 @@ public:
                                 : mRows.Ask(question, mRows.mEvents[mNumber]->extra);
         }
 
+        /// Seconds since the epoch. Requires HasTimes.
+        std::int64_t GetTime() const { return mRows.mVisit->snapshot->GetTime(mNumber); }
+        /// True if each Answer to the question reads the row's text again and logs its lines. Requires HasTimes.
+        bool IsAskedAgain(std::size_t question) const
+        {
+            return mRows.mKnown->answers->columns[question]->IsAskedAgain(mNumber);
+        }
+
         bool IsAfter(std::int64_t time) const
         {
             return mRows.mKnown ? mRows.mVisit->snapshot->GetTime(mNumber) > time : mRows.IsWholeAfter(mNumber, time);
@@ -81,17 +89,31 @@ public:
     /// Number of rows that count; 0 if all are of another version.
     std::size_t GetCount() const { return mCount; }
 
-    /// Calls `take` with each row that counts. Requires a visit with questions.
+    /// False for rows that the id's own query has read, of which only the local time is known.
+    bool HasTimes() const { return mKnown.has_value(); }
+
+    /// Calls `take` with each row that counts.
     template <typename Take>
     void ForEach(Take take) const
     {
         if (mKnown) {
-            mKnown->answers->rows.ForEach([&](std::uint32_t row) { take(Row(*this, row)); });
+            const auto show = [&](std::uint32_t row) { take(Row(*this, row)); };
+            if (mKnown->answers != nullptr) {
+                mKnown->answers->rows.ForEach(show);
+            } else {
+                mVisit->snapshot->Select(mKnown->range, mKnown->filter).ForEach(show);
+            }
             return;
         }
         for (std::uint32_t row = 0; row < mCount; ++row) {
             take(Row(*this, row));
         }
+    }
+
+    /// Appends the times of all rows that count. Requires HasTimes.
+    void AppendTimes(std::vector<std::uint32_t>& times) const
+    {
+        mVisit->snapshot->AppendTimes(mKnown->range, mKnown->filter, times);
     }
 
     using DayCounts = EventLogSnapshot::DayCounts;

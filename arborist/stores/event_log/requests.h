@@ -30,6 +30,8 @@ public:
 
     /// Adds a request unless it was added before.
     void Add(const Request& request);
+    /// All requests, in the order of adding.
+    const std::vector<Request>& All() const { return mRequests; }
     /// All requests, starting with `first` and wrapping around at the end: rules ask in the order of adding, so the
     /// next ones come first.
     std::vector<Request> AllFrom(const Request& first) const;

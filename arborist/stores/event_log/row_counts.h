@@ -26,7 +26,7 @@ public:
         if (count == NOT_COUNTED) {
             const EventLogSnapshot::Entry entry = mSnapshot->GetEntry(entryNumber);
             count = static_cast<std::uint32_t>(
-                mSnapshot->Count(mSnapshot->RangeSince(entry, mFilter.start), mFilter));
+                mSnapshot->Count(mSnapshot->RangeSince(entry, mFilter.start, mFilter.last), mFilter));
         }
         return count;
     }

@@ -5,7 +5,7 @@
 bool UnchangedLog::IsIn(const FT::sql::Sqlite3Db& database, const Snapshot& snapshot)
 {
     return snapshot != nullptr && snapshot->GetOrigin().dataVersion != NO_DATA_VERSION &&
-        snapshot->GetOrigin().lastMoment == TimeUtil::GetLastMoment() &&
+        snapshot->GetOrigin().lastMoment >= TimeUtil::GetLastMoment() &&
         ReadDataVersion(database) == snapshot->GetOrigin().dataVersion;
 }
 

@@ -15,7 +15,8 @@ public:
 
     /// Null if the log has changed since the snapshot was read.
     static std::unique_ptr<const UnchangedLog> Open(const FT::sql::Sqlite3Db& database, const Snapshot& snapshot);
-    /// True if the log has not changed; false for a null snapshot.
+    /// True if the log has not changed, and the snapshot has all its rows up to the last moment that counts; it may
+    /// have later ones. False for a null snapshot.
     static bool IsIn(const FT::sql::Sqlite3Db& database, const Snapshot& snapshot);
 
     const FT::sql::Sqlite3Db& GetDatabase() const { return mDb; }

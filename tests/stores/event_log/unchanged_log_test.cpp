@@ -32,10 +32,14 @@ TEST_F(UnchangedLogTest, LogThatHasChangedIsNotOpened)
     EXPECT_NE(Open(), nullptr);
 }
 
-TEST_F(UnchangedLogTest, AnotherLastMomentIsAnotherState)
+TEST_F(UnchangedLogTest, AnEarlierLastMomentIsTheSameStateAndALaterOneIsNot)
 {
     SettingsGuard settings;
     settings.Set(Settings::AS_OF, "5");
+    EXPECT_NE(Open(), nullptr);
+    mSnapshot = ReadAgain();
+    EXPECT_NE(Open(), nullptr);
+    settings.Set(Settings::AS_OF, "6");
     EXPECT_EQ(Open(), nullptr);
 }
 
