@@ -10,9 +10,11 @@
 #include "arborist/frame/evidence.h"
 #include "arborist/frame/fault_tree_result.h"
 #include "arborist/frame/log.h"
+#include "arborist/frame/log_sweep.h"
 #include "arborist/frame/repair.h"
 #include "arborist/frame/rule_set_summary.h"
 #include "arborist/frame/settings.h"
+#include "arborist/frame/sweep_observer.h"
 #include "arborist/frame/trouble.h"
 
 #endif

@@ -8,6 +8,9 @@ export ARBORIST_SEED=${2:-$(date +%s)}
 
 echo "== $ARBORIST_CASES cases of each, seed $ARBORIST_SEED"
 cmake --preset dev
-cmake --build --preset dev --target evaluation_tests stores_tests utilities_tests arborist_tool
+cmake --build --preset dev --target evaluation_tests frame_tests stores_tests utilities_tests arborist_tool
 ctest --preset dev -R '^(evaluation|stores|utilities)_tests\..*RandomTest'
 python3 -B tests/reliability/plain_reading_test.py build/dev/tools/arborist/arborist
+
+# Each moment of these is a detection of its own: a thousand random ones, and every change point with the second before it.
+ARBORIST_CASES=1000 ctest --preset dev -R '^frame_tests\..*LogSweepProperty'

@@ -10,6 +10,9 @@ namespace {
 
 constexpr std::int32_t LAST_DAY = 31;
 
+using AlarmCount::IsReached;
+using AlarmCount::Measure;
+
 // The answers of all rows, and of those up to now.
 struct Sums { std::uint64_t all; std::uint64_t untilNow; };
 
@@ -44,9 +47,8 @@ bool IsFaultForPeriod(const EventRows& rows, bool isTested, AlarmWindow& window)
     }
     window.NoteReached(rows, static_cast<std::int64_t>(sums.all),
         isWeighed ? Evidence::Measure::WEIGHTS : Evidence::Measure::ROWS);
-    // Compares as unsigned, so that a negative threshold is never reached.
-    const auto threshold = static_cast<std::uint64_t>(std::int64_t{window.threshold});
-    return window.NoteHit(sums.all >= threshold, sums.untilNow >= threshold && later != rows.GetCount());
+    const auto isReached = [&](std::uint64_t sum) { return IsReached(Measure::PERIOD, sum, 0, window.threshold); };
+    return window.NoteHit(isReached(sums.all), isReached(sums.untilNow) && later != rows.GetCount());
 }
 
 // Days are distinguished by their number in the month only: the 3rd of two months counts as one day. Rule files rely on
@@ -87,12 +89,13 @@ bool IsFaultForDaily(const EventRows& rows, bool isTested, AlarmWindow& window)
     window.NoteReached(rows, peak,
         isWeighed ? Evidence::Measure::DAILY_WEIGHTS : Evidence::Measure::DAILY_ROWS);
     if (rowsLater == 0) {
-        return window.NoteHit(peak >= window.threshold, true);
+        return window.NoteHit(IsReached(Measure::DAILY_PEAK, 0, peak, window.threshold), true);
     }
     for (std::size_t day = 0; day < days.size(); ++day) {
         SubtractWrapping(days[day], later[day]);
     }
-    return window.NoteHit(peak >= window.threshold, PeakOf(days) >= window.threshold && rowsLater != rows.GetCount());
+    const auto isReached = [&](std::int32_t best) { return IsReached(Measure::DAILY_PEAK, 0, best, window.threshold); };
+    return window.NoteHit(isReached(peak), isReached(PeakOf(days)) && rowsLater != rows.GetCount());
 }
 
 bool IsFaultForPeriodWithParam(const EventRows& rows, std::size_t testCount, AlarmWindow& window)
@@ -116,12 +119,10 @@ bool IsFaultForPeriodWithParam(const EventRows& rows, std::size_t testCount, Ala
         window.NoteTested(test, tested, tested - rowsByPassed[test]);
         tested -= rowsByPassed[test];
     }
-    const auto count = static_cast<std::int32_t>(tested); // wraps
     window.NoteFailed(rows.GetCount() - tested);
-    window.NoteReached(rows, count, Evidence::Measure::ROWS);
-    const auto untilNow = static_cast<std::int32_t>(tested - passedLater);
-    return window.NoteHit(
-        count >= window.threshold, untilNow >= window.threshold && rowsLater != rows.GetCount());
+    window.NoteReached(rows, static_cast<std::int32_t>(tested), Evidence::Measure::ROWS);
+    const auto isReached = [&](std::uint64_t sum) { return IsReached(Measure::ALL_TESTS, sum, 0, window.threshold); };
+    return window.NoteHit(isReached(tested), isReached(tested - passedLater) && rowsLater != rows.GetCount());
 }
 
 } // namespace

@@ -56,6 +56,45 @@ void AlarmRuleEngine::Foresee(const AlarmRule& rule)
     }
 }
 
+void AlarmRuleEngine::ListCounts(
+    const std::shared_ptr<AlarmRule>& rule, const std::string& eventId, CountListener listener)
+{
+    mCountListener = std::move(listener);
+    IsFaultHappened(rule, eventId);
+    mCountListener = nullptr;
+}
+
+bool AlarmRuleEngine::IsListed(Measure measure, const TestList& tests, const Window& window)
+{
+    if (mCountListener != nullptr) {
+        mCountListener({window, mFloors, measure, tests});
+    }
+    return mCountListener != nullptr;
+}
+
+bool AlarmRuleEngine::VisitHistory(const Count& count, const std::function<void(const EventRows& rows)>& visitor)
+{
+    Window window = count.window;
+    window.start = std::numeric_limits<std::int64_t>::min();
+    bool hasRows = false;
+    VisitIds(count.tests, window, [&](const EventRows& rows) {
+        hasRows = true;
+        visitor(rows);
+        return false;
+    });
+    return mIsLogWhole || !hasRows;
+}
+
+std::vector<std::int64_t> AlarmRuleEngine::ListLatestUnseen(const Window& window) const
+{
+    return mEventStore->ListLatestUnseen(window.ids.first, window.ids.last);
+}
+
+void AlarmRuleEngine::ReadAhead()
+{
+    mEventStore->ReadAhead();
+}
+
 bool AlarmRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId)
 {
     const auto alarmRule = std::dynamic_pointer_cast<AlarmRule>(rule);
@@ -106,6 +145,9 @@ bool AlarmRuleEngine::IsRuleHitBySettingTime(const AlarmItem& item, std::size_t 
     }
     Evidence::Start* const start = window.Open(*timeSet, mRuleHelper->IsDetectFromUpdate(item->BeginFlag));
     window.start = mRuleHelper->GetDetectStartTime(timeSet->period, item->BeginFlag, eventId, start);
+    if (mCountListener != nullptr) {
+        mFloors = mRuleHelper->GetFloors(timeSet->period, item->BeginFlag, eventId);
+    }
     mIsLogReadable = true;
     const Measure measure = timeType == TimeSet::DAILY_PEAK ? Measure::DAILY_PEAK : Measure::PERIOD;
     const bool isHit = item->type == PARAM_EVENT_ID ? IsWithParamTestChecked(*item, *timeSet, window)
@@ -189,6 +231,9 @@ bool AlarmRuleEngine::IsHitForMultipleTypeTestChecked(
 
 bool AlarmRuleEngine::IsAnyIdHit(Measure measure, const TestList& tests, Window& window)
 {
+    if (IsListed(measure, tests, window)) {
+        return false;
+    }
     bool isHit = false;
     VisitIds(tests, window, [&](const EventRows& rows) {
         isHit = AlarmCount::IsHit(measure, rows, tests.size(), window);
@@ -203,6 +248,9 @@ bool AlarmRuleEngine::IsLastIdHit(
     // Visit all ids, as each logs its lines; an id without rows is no hit.
     bool isHit = false;
     const TestList tests{test};
+    if (IsListed(Measure::PERIOD, tests, window)) {
+        return false;
+    }
     VisitIds(tests, window, [&](const EventRows& rows) {
         const std::uint64_t passedByOthers = window.RowsPassed(0);
         const bool isLast = rows.GetEventId() == window.ids.last;
@@ -219,6 +267,7 @@ bool AlarmRuleEngine::IsLastIdHit(
 void AlarmRuleEngine::VisitIds(const TestList& tests, Window& window, const RowsVisitor& visitor)
 {
     window.BeginCondition(tests.size());
+    mIsLogWhole = true;
     const EventRows::Questions questions(tests.begin(), tests.end());
     bool isOver = false;
     const StatementTrouble kind(Evidence::Trouble::Kind::EVENT_LOG_UNREADABLE);
@@ -228,6 +277,7 @@ void AlarmRuleEngine::VisitIds(const TestList& tests, Window& window, const Rows
         const auto reading = mEventStore->VisitEvents({part.first, part.last, window.start, window.fromUpdate,
             tests.empty() ? mQuestions.WeightOf(part) : questions, part.first - std::int64_t{window.ids.first}}, visit);
         mIsLogReadable = mIsLogReadable && reading != AlarmRuleDbHelper::Reading::UNREADABLE;
+        mIsLogWhole = mIsLogWhole && reading == AlarmRuleDbHelper::Reading::WHOLE;
         if (isOver) {
             break;
         }

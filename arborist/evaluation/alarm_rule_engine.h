@@ -15,6 +15,7 @@
 #include "arborist/evaluation/alarm_window.h"
 #include "arborist/evaluation/member_test.h"
 #include "arborist/evaluation/rule_checker.h"
+#include "arborist/evaluation/start_times.h"
 #include "arborist/model/rule.h"
 #include "arborist/stores/event_log/event_rows.h"
 
@@ -37,6 +38,26 @@ public:
     /// Announces that this rule will run, so that the event log is read once for the tests of all announced rules.
     /// Doesn't change any answer.
     void Foresee(const AlarmRule& rule);
+
+    /// One count of a window: of the rows of each of its ids, all of them or those that pass tests.
+    struct Count {
+        const AlarmWindow& window;
+        /// What determines the start of the window.
+        const StartTimes::Floors& floors;
+        AlarmCount::Measure measure;
+        const AlarmWindow::TestList& tests;
+    };
+    using CountListener = std::function<void(const Count& count)>;
+
+    /// Tells the listener all counts that may decide a rule, in the order of counting, instead of making them.
+    void ListCounts(const std::shared_ptr<AlarmRule>& rule, const std::string& eventId, CountListener listener);
+    /// Calls the visitor with the rows of each id of a count, whatever their time. Only within a call of the listener.
+    /// False if the log could not be read whole; without any rows that is true.
+    bool VisitHistory(const Count& count, const std::function<void(const EventRows& rows)>& visitor);
+    /// The moments at which a row that no rule can see is the last one of its id in the log.
+    std::vector<std::int64_t> ListLatestUnseen(const AlarmWindow& window) const;
+    /// Reads from the log at once what the announced rules need at any moment.
+    void ReadAhead();
 
     /// True if any window of any item reaches its threshold. An item without ids ends the rule: rule files rely on the
     /// items behind it being ignored.
@@ -64,6 +85,7 @@ private:
     void VisitIds(const TestList& tests, Window& window, const RowsVisitor& visitor);
     void NoteRowsBeforeStart(Window& window) const;
     void NoteLog(Window& window) const;
+    bool IsListed(AlarmCount::Measure measure, const TestList& tests, const Window& window);
     Evidence::Window* AddRecord(std::size_t itemNumber, const IdRange& ids, const char* kind) const;
     bool CloseWindow(const Window& window, Evidence::Reason reason, bool isHit);
     void NoteBounds(const AlarmRule::AlarmItem& item) const;
@@ -73,6 +95,10 @@ private:
     std::shared_ptr<AlarmRuleDbHelper> mEventStore;
     std::shared_ptr<RuleHelper> mRuleHelper;
     bool mIsLogReadable = true; // in the window that is being counted
+    bool mIsLogWhole = true; // in the last visit of rows
+    // Set while counts are listed; the floors are those of the window at hand.
+    CountListener mCountListener;
+    StartTimes::Floors mFloors;
 };
 
 #endif

@@ -78,6 +78,11 @@ public:
     /// The start time of a check of the current event; see StartTimes::GetDetectStartTime.
     std::int64_t GetDetectStartTime(std::int32_t days, const std::string& word, const std::string& eventId,
                                     Evidence::Start* record = nullptr) const;
+    /// All that determines such a start time; see StartTimes::GetFloors.
+    StartTimes::Floors GetFloors(std::int32_t days, const std::string& word, const std::string& eventId) const
+    {
+        return mStartTimes.GetFloors(days, word, eventId, mCurrentEvent.get());
+    }
     /// True if a check with this start word counts only events of the current version.
     static bool IsDetectFromUpdate(const std::string& word) { return StartTimes::IsDetectFromUpdate(word); }
 

@@ -23,11 +23,14 @@ constexpr std::int32_t DEFAULT_DAYS = 30;
 constexpr std::uint32_t SECONDS_OF_DAY = 86400;
 
 // The product has 32 bits and wraps: some 24,855 days on, the window's length changes its sign.
+std::int64_t SecondsOf(std::int32_t days)
+{
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(days == 0 ? DEFAULT_DAYS : days) * SECONDS_OF_DAY);
+}
+
 std::int64_t DaysBefore(std::int64_t now, std::int32_t days)
 {
-    const auto seconds = static_cast<std::int32_t>(static_cast<std::uint32_t>(days) * SECONDS_OF_DAY);
-    return static_cast<std::int64_t>(
-        static_cast<std::uint64_t>(now) - static_cast<std::uint64_t>(std::int64_t{seconds}));
+    return static_cast<std::int64_t>(static_cast<std::uint64_t>(now) - static_cast<std::uint64_t>(SecondsOf(days)));
 }
 
 Evidence::Moment MomentOf(std::int64_t seconds)
@@ -80,9 +83,8 @@ std::int64_t StartTimes::GetDetectStartTime(std::int32_t days, const std::string
         floor = time > start ? to : floor;
         start = std::max(start, time);
     };
-    // Any word that isn't known takes both.
-    const std::int64_t reset = word == FROM_UPDATE || word == ALL ? 0 : mResetTimes->GetResetTime();
-    const std::int64_t update = word == FROM_RESET || word == ALL ? 0 : mResetTimes->GetUpdateTime();
+    const std::int64_t reset = ResetTimeFor(word);
+    const std::int64_t update = UpdateTimeFor(word);
     if (reset != 0) {
         raise(reset, Evidence::Floor::RESET);
     }
@@ -98,28 +100,60 @@ std::int64_t StartTimes::GetDetectStartTime(std::int32_t days, const std::string
     return start;
 }
 
-StartTimes::RepairTime StartTimes::GetRepairTimeByEventId(const std::string& eventId, const Event* current) const
+// Any word that isn't known takes both.
+std::int64_t StartTimes::ResetTimeFor(const std::string& word) const
 {
-    RepairTime latest;
+    return word == FROM_UPDATE || word == ALL ? 0 : mResetTimes->GetResetTime();
+}
+
+std::int64_t StartTimes::UpdateTimeFor(const std::string& word) const
+{
+    return word == FROM_RESET || word == ALL ? 0 : mResetTimes->GetUpdateTime();
+}
+
+StartTimes::Floors StartTimes::GetFloors(
+    std::int32_t days, const std::string& word, const std::string& eventId, const Event* current) const
+{
+    Floors floors{SecondsOf(days), std::max<std::int64_t>({ResetTimeFor(word), UpdateTimeFor(word), 0})};
+    std::string unreadable;
+    VisitRepairs(eventId, current, unreadable, [&](const std::string& repairId) {
+        const std::int64_t time = GetRepairTimeFromDb(repairId, unreadable);
+        if (time > 0) {
+            floors.repairs.push_back(time);
+        }
+    });
+    std::sort(floors.repairs.begin(), floors.repairs.end());
+    return floors;
+}
+
+template <typename Consider>
+void StartTimes::VisitRepairs(
+    const std::string& eventId, const Event* current, std::string& unreadable, Consider consider) const
+{
     if (eventId.empty() || mFaultTreeParser == nullptr) {
-        return latest;
+        return;
     }
     const std::vector<std::string> repairIds = mFaultTreeParser->GetRepairListById(eventId);
     // Without repairs of its own the event's user-defined text isn't asked either.
     if (repairIds.empty()) {
-        return latest;
+        return;
     }
-    const auto consider = [this, &latest](const std::string& repairId) {
+    std::for_each(repairIds.begin(), repairIds.end(), consider);
+    if (current != nullptr && current->GetId() == eventId) {
+        consider(RepairIdOf(*current, unreadable));
+    }
+}
+
+StartTimes::RepairTime StartTimes::GetRepairTimeByEventId(const std::string& eventId, const Event* current) const
+{
+    RepairTime latest;
+    VisitRepairs(eventId, current, latest.unreadable, [&](const std::string& repairId) {
         const std::int64_t time = GetRepairTimeFromDb(repairId, latest.unreadable);
         if (time > latest.time) {
             latest.time = time;
             latest.repairId = repairId;
         }
-    };
-    std::for_each(repairIds.begin(), repairIds.end(), consider);
-    if (current != nullptr && current->GetId() == eventId) {
-        consider(RepairIdOf(*current, latest.unreadable));
-    }
+    });
     return latest;
 }
 

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 class Event;
 class FaultTreeParser;
@@ -39,6 +40,17 @@ public:
     std::int64_t GetDetectStartTime(std::int32_t days, const std::string& word, const std::string& eventId,
                                     const Event* current, Evidence::Start* record = nullptr) const;
 
+    /// All that determines the start of a check, whatever moment is now: the latest of `period` seconds before now, of
+    /// `always`, and of those of `repairs`, in ascending order, that lie not after now.
+    struct Floors {
+        std::int64_t period = 0;
+        std::int64_t always = 0;
+        std::vector<std::int64_t> repairs = {};
+    };
+    /// The arguments are those of GetDetectStartTime. Has the repairs up to the last moment that counts.
+    Floors GetFloors(
+        std::int32_t days, const std::string& word, const std::string& eventId, const Event* current) const;
+
     /// True if a check with this start word counts only events of the current version.
     static bool IsDetectFromUpdate(const std::string& word);
 
@@ -50,7 +62,14 @@ private:
         std::string unreadable;
     };
 
+    // Calls `consider` with each repair id that counts for an event.
+    template <typename Consider>
+    void VisitRepairs(
+        const std::string& eventId, const Event* current, std::string& unreadable, Consider consider) const;
     RepairTime GetRepairTimeByEventId(const std::string& eventId, const Event* current) const;
+    // 0 if the start word leaves them out.
+    std::int64_t ResetTimeFor(const std::string& word) const;
+    std::int64_t UpdateTimeFor(const std::string& word) const;
     std::int64_t GetRepairTimeFromDb(const std::string& repairId, std::string& unreadable) const;
 
     std::shared_ptr<ResetTimeParser> mResetTimes;

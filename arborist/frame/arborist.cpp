@@ -15,6 +15,7 @@
 #include "arborist/frame/settings.h"
 #include "arborist/frame/stopping.h"
 #include "arborist/loading/fault_tree_parser.h"
+#include "arborist/loading/rule_set_record.h"
 #include "arborist/model/common_part.h"
 #include "arborist/model/event.h"
 #include "arborist/model/fault_tree.h"
@@ -23,29 +24,6 @@
 #include "arborist/utilities/zip_util.h"
 
 namespace {
-
-Evidence::RuleSet RecordOf(const FaultTreeParser& parser)
-{
-    Evidence::RuleSet record;
-    for (const auto& file : {parser.GetTreeFileReport(), parser.GetRuleFileReport()}) {
-        if (!file.path.empty()) {
-            record.files.push_back(file);
-        }
-    }
-    if (const auto commonPart = parser.GetCommonPart()) {
-        for (const auto& bean : commonPart->GetDefDbTableCommonList()) {
-            if (bean != nullptr) {
-                record.databases.push_back({bean->GetName(), bean->GetDbName()});
-            }
-        }
-        for (const auto& bean : commonPart->GetThresholdLumbraList()) {
-            if (bean != nullptr && bean->TakesEvents()) {
-                record.eventTables.push_back(bean->GetName());
-            }
-        }
-    }
-    return record;
-}
 
 std::optional<std::chrono::duration<double>> TimeLimit()
 {
@@ -235,7 +213,7 @@ void Arborist::Parse()
 {
     mFaultTreeParser->StartParse();
     if (mObserver != nullptr) {
-        mObserver->OnRuleSetRead(RecordOf(*mFaultTreeParser));
+        mObserver->OnRuleSetRead(RuleSetRecordOf(*mFaultTreeParser));
     }
 }
 

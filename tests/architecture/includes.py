@@ -57,7 +57,7 @@ STOREYS = [
     Storey("diagnosis", [
         ["report"],
         ["results", "drawing"],
-        ["capture", "cases"],
+        ["capture", "cases", "sweep"],
         ["analysis", "detection"],
         ["evidence"],
         ["rule_set"],
@@ -80,9 +80,10 @@ STOREYS = [
         ["utilities"],
         ["the ground"],
     ], {
-        **files_in("the facade", "arborist frame/arborist frame/repair"),
+        **files_in("the facade", "arborist frame/arborist frame/log_sweep frame/repair"),
         **files_in("the records", "frame/check frame/detect_info frame/fault_tree_result frame/detection_observer"
-                                  " frame/evidence frame/evidence_words frame/rule_set_summary frame/tree_verdict"),
+                                  " frame/evidence frame/evidence_words frame/rule_set_summary frame/sweep_observer"
+                                  " frame/tree_verdict"),
         **files_in("the ground", "arborist_export arborist_version frame/log frame/settings frame/fault_tree_prop_global"
                                  " frame/stopping frame/thread_value frame/trouble frame/trouble_watch"),
     }),

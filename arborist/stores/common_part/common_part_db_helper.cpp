@@ -37,23 +37,6 @@ std::vector<std::shared_ptr<Param>> ColumnsOf(const LumbraDataList& dataItems)
     return columns;
 }
 
-// False if an item selects the id 0.
-bool GetEventIdList(const LumbraDataList& dataItems, EventIdList& ids)
-{
-    for (const auto& item : dataItems) {
-        if (item == nullptr) {
-            continue;
-        }
-        const std::int32_t min = item->GetAlarmIdMin();
-        const std::int32_t max = item->GetAlarmIdMax();
-        if (min == 0 && max == 0) {
-            return false;
-        }
-        ids.Append(min == 0 ? max : min, max);
-    }
-    return true;
-}
-
 } // namespace
 
 CommonPartDbHelper& CommonPartDbHelper::GetInstance()
@@ -89,7 +72,7 @@ bool CommonPartDbHelper::IsSuccessCreateJankDb(
         EventIdList ids;
         TableState state = TableState::NOT_BUILT;
         // A bean with two ids of 0 skips those that follow, too: rule sets are tested against this.
-        isStopped = isStopped || !GetEventIdList(bean->GetLumbraDataList(), ids);
+        isStopped = isStopped || !DerivedTables::GetEventIdList(bean->GetLumbraDataList(), ids);
         if (!isStopped) {
             const DerivedTables::Table table{bean->GetName(), ColumnsOf(bean->GetLumbraDataList())};
             TableState* const result = looksAtTables ? &state : nullptr;

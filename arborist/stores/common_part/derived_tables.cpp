@@ -130,6 +130,22 @@ bool Fill(FT::sql::SqlDatabase& database, const Table& table, const RowList& row
 
 } // namespace
 
+bool GetEventIdList(const ThresholdOrLumbraBean::LumbraDataList& dataItems, EventIdList& ids)
+{
+    for (const auto& item : dataItems) {
+        if (item == nullptr) {
+            continue;
+        }
+        const std::int32_t min = item->GetAlarmIdMin();
+        const std::int32_t max = item->GetAlarmIdMax();
+        if (min == 0 && max == 0) {
+            return false;
+        }
+        ids.Append(min == 0 ? max : min, max);
+    }
+    return true;
+}
+
 bool BuildFromEvents(const Table& table, const EventIdList& ids, const std::string& eventDbPath, State* state)
 {
     SetState(state, State::NOT_BUILT);

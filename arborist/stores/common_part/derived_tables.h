@@ -20,6 +20,9 @@ struct Table {
 };
 using State = ThresholdOrLumbraBean::TableState;
 
+/// Adds the ids of the events that the items of a bean select. False if an item selects the id 0.
+bool GetEventIdList(const ThresholdOrLumbraBean::LumbraDataList& dataItems, EventIdList& ids);
+
 /// Builds a table from the events with these ids in `eventDbPath`. False, with a line, if a step fails or no event is
 /// found; earlier steps are not undone.
 /// Sets `state`, if it is not null, which takes one more query. The table is whole if no step failed, no row was lost,

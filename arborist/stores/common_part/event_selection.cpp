@@ -100,11 +100,16 @@ void GetLumbraDataByFilter(
     }
 }
 
+std::int64_t PeriodOf(const EventIdList& ids)
+{
+    return ids.IsEmpty() ? SEVEN_DAYS : THIRTY_DAYS;
+}
+
 std::string GenerateSql(const EventIdList& ids, const std::string& baseSql)
 {
     const std::int64_t now = TimeUtil::GetTimeOfDay();
     const std::string selection = ids.IsEmpty() ? DEFAULT_EVENTS : ids.ToSql();
-    const std::int64_t floor = now - (ids.IsEmpty() ? SEVEN_DAYS : THIRTY_DAYS);
+    const std::int64_t floor = now - PeriodOf(ids);
     return baseSql + selection + " AND event_info_flow.occurrence_time > " + std::to_string(floor)
         + ComparedWithLastMoment("event_info_flow.occurrence_time", "<=");
 }

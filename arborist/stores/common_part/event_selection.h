@@ -28,6 +28,9 @@ namespace EventSelection {
 void GetLumbraDataByFilter(const EventIdList& ids, const std::string& eventDbPath, std::vector<Json::Value>& rows,
                            bool* isWhole = nullptr);
 
+/// The seconds for which an event stays selected.
+std::int64_t PeriodOf(const EventIdList& ids);
+
 /// `baseSql` followed by its condition: the events of the last thirty days with these ids; without ids, the events of
 /// the last seven days of a default class.
 std::string GenerateSql(const EventIdList& ids, const std::string& baseSql);

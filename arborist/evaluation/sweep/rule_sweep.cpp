@@ -1,0 +1,294 @@
+#include "arborist/evaluation/sweep/rule_sweep.h"
+
+#include <algorithm>
+#include <iterator>
+#include <set>
+#include <utility>
+
+#include "arborist/evaluation/alarm_rule_engine.h"
+#include "arborist/evaluation/common_part_preparation.h"
+#include "arborist/evaluation/rule_helper.h"
+#include "arborist/evaluation/sweep/alarm_moments.h"
+#include "arborist/evaluation/sweep/table_moments.h"
+#include "arborist/frame/detect_info.h"
+#include "arborist/loading/fault_tree_parser.h"
+#include "arborist/model/common_part.h"
+#include "arborist/model/event.h"
+#include "arborist/model/fault_tree.h"
+#include "arborist/stores/common_part/common_part_db_helper.h"
+#include "arborist/utilities/device_paths.h"
+#include "arborist/utilities/string_util.h"
+
+namespace {
+
+void SortOnce(Moments& moments)
+{
+    std::sort(moments.begin(), moments.end());
+    moments.erase(std::unique(moments.begin(), moments.end()), moments.end());
+}
+
+// The names of all rules of an entry, each once, in the order of the alternatives.
+std::vector<std::string> RuleNamesOf(const EventRule& entry)
+{
+    std::vector<std::string> names;
+    std::set<std::string> known;
+    for (const std::string& joined : RuleHelper::GetRuleNamesByRuleList(entry.GetRuleList())) {
+        for (const std::string& name : StringUtil::Split(joined, RuleHelper::TYPE_COMMA)) {
+            if (known.insert(name).second) {
+                names.push_back(name);
+            }
+        }
+    }
+    return names;
+}
+
+} // namespace
+
+/// Passes on the first of the events that are decided for a unit.
+class RuleSweep::Listener : public DetectionObserver {
+public:
+    void OnEventDecided(Evidence::Event event) override
+    {
+        if (isFirst && tell) {
+            tell(moment, event);
+        }
+        isFirst = false;
+    }
+
+    std::function<void(std::int64_t moment, const Evidence::Event& event)> tell;
+    std::int64_t moment = 0;
+    bool isFirst = true;
+};
+
+RuleSweep::RuleSweep(
+    std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<FaultTreeParser> ruleSet, SweepRequest request)
+    : mDetectInfo(std::move(detectInfo)), mRuleSet(std::move(ruleSet)), mRequest(std::move(request)),
+      mRange{mRequest.from, mRequest.until}, mRuleHelper(std::make_shared<RuleHelper>(mDetectInfo, mRuleSet)),
+      mEvents(std::make_shared<RuleEngineHelper>()), mListener(std::make_unique<Listener>()),
+      mDecider(RuleDecider(mRuleSet, mRuleHelper, RuleCheckers(mRuleHelper, mEvents, mRuleSet, mDetectInfo)))
+{
+    mDecider.GetRules().SetObserver(mListener.get());
+}
+
+RuleSweep::~RuleSweep() = default;
+
+SweepPlan RuleSweep::Plan()
+{
+    mMoment.Set(mRange.last);
+    PrepareCommonPart();
+    for (const auto& tree : mRuleSet->GetFaultTrees()) {
+        if (tree != nullptr) {
+            FetchTree(tree);
+        }
+    }
+    SweepPlan plan;
+    for (Unit& unit : mUnits) {
+        FindMoments(unit, plan);
+    }
+    LimitTables(plan);
+    NoteUnsweptTrees(plan);
+    MakeTurns();
+    for (std::size_t turn = 0; turn < mTurns.size(); ++turn) {
+        plan.moments += turn > 0 && mTurns[turn].moment != mTurns[turn - 1].moment ? 1 : 0;
+    }
+    return plan;
+}
+
+void RuleSweep::PrepareCommonPart()
+{
+    CommonPartDbHelper::GetInstance().Init();
+    const auto block = mRuleSet->GetCommonPart();
+    if (block != nullptr && !(block->GetThresholdLumbraList().empty() && block->GetDefDbTableCommonList().empty())) {
+        mCommonPart = std::make_shared<CommonPart>();
+        mCommonPart->SetCombineCommon(block);
+        mDecider.GetRules().SetCommonPart(mCommonPart);
+        ::PrepareCommonPart(
+            mCommonPart, mRuleSet->GetRuleFileReport().path, mDetectInfo->mDeviceDetails.get(), mListener.get());
+    }
+    mTableMoments = std::make_unique<TableMoments>(block, mRange);
+}
+
+void RuleSweep::FetchTree(const std::shared_ptr<FaultTree>& tree)
+{
+    const auto& entries = mRuleSet->GetEventRuleMap();
+    mEvents->Reset();
+    tree->Reset();
+    mEvents->FetchEvent(tree->GetIntermediateEvent());
+    mEvents->MarkObservable(entries);
+    Tree swept{tree, mEvents->GetAllEventList(), {}, {}};
+    swept.checks.resize(swept.events.size());
+    swept.isTrue.resize(swept.events.size());
+    for (std::size_t place = 0; place < swept.events.size(); ++place) {
+        const Event& event = *swept.events[place];
+        const auto entry = entries.find(event.GetId());
+        if (entry == entries.end()) {
+            mDecider.GetTreeChecks().StartTree();
+            mDecider.GetTreeChecks().AddWithoutEntry(event);
+            swept.checks[place] = mDecider.GetTreeChecks().GetChecks().back();
+            continue;
+        }
+        const auto [unit, isNew] = mUnitOf.emplace(event.GetId(), mUnits.size());
+        if (isNew) {
+            mUnits.push_back({event.GetId(), entry->second, {}, {}, {}, false});
+        }
+        mUnits[unit->second].places.push_back({mTrees.size(), place});
+    }
+    mTrees.push_back(std::move(swept));
+}
+
+void RuleSweep::FindMoments(Unit& unit, SweepPlan& plan)
+{
+    if (unit.entry == nullptr) {
+        return;
+    }
+    const std::vector<std::string> names = RuleNamesOf(*unit.entry);
+    std::set<std::string> known; // the texts of its events: a repair in such a text belongs to that event alone
+    for (const Place& place : unit.places) {
+        const auto& event = mTrees[place.tree].events[place.event];
+        if (event->GetDetectMode() == EventDecider::DETECT_INTERACTION_RULE || !known.insert(event->GetUserDefined()).second) {
+            continue;
+        }
+        mRuleHelper->SetCurrentEvent(event);
+        for (const std::string& name : names) {
+            FindMomentsOfRule(unit, name, plan);
+        }
+    }
+    SortOnce(unit.tableMoments);
+    unit.moments.insert(unit.moments.end(), unit.tableMoments.begin(), unit.tableMoments.end());
+    SortOnce(unit.moments);
+}
+
+void RuleSweep::FindMomentsOfRule(Unit& unit, const std::string& ruleName, SweepPlan& plan)
+{
+    const std::shared_ptr<Rule> rule = mRuleSet->GetRuleByRuleName(ruleName);
+    if (!mRuleHelper->IsSpecifiedRuleItemSupported(rule)) {
+        return;
+    }
+    const auto unswept = mRequest.unsweptRules.find(ruleName);
+    const char* problem = unswept == mRequest.unsweptRules.end() ? nullptr : unswept->second.c_str();
+    if (const auto alarm = std::dynamic_pointer_cast<AlarmRule>(rule)) {
+        auto& checker = static_cast<AlarmRuleEngine&>(*mDecider.GetRules().GetCheckers().Get(rule.get(), mCommonPart));
+        checker.ReadAhead();
+        problem = AlarmMoments(checker, mRange).Add(alarm, unit.eventId, unit.moments);
+    } else if (const auto command = std::dynamic_pointer_cast<CommandRule>(rule)) {
+        const auto& sqlItem = command->analysisMethod.sqlItem;
+        mTableMoments->Add(*command,
+            mRuleHelper->GetFloors(sqlItem.time.period, sqlItem.BeginFlag, unit.eventId), unit.tableMoments);
+        unit.readsTables = unit.readsTables || (command->referenceDefDb == nullptr && mCommonPart != nullptr);
+    }
+    if (problem != nullptr) {
+        plan.unswept.push_back({unit.eventId, ruleName, problem});
+    }
+}
+
+// Leaves rules on derived tables out if the tables would have to be built too often.
+void RuleSweep::LimitTables(SweepPlan& plan)
+{
+    std::set<std::int64_t> all;
+    for (const Unit& unit : mUnits) {
+        if (unit.readsTables) {
+            all.insert(unit.moments.begin(), unit.moments.end());
+        }
+    }
+    plan.tableMoments = all.size();
+    const bool isTooMany = all.size() > mRequest.mostTableMoments;
+    for (Unit& unit : mUnits) {
+        if (!unit.readsTables) {
+            continue;
+        }
+        if (!isTooMany) {
+            plan.asked.push_back({unit.eventId, unit.moments.size() + 1});
+            continue;
+        }
+        unit.readsTables = false;
+        Moments rest;
+        std::set_difference(unit.moments.begin(), unit.moments.end(), unit.tableMoments.begin(),
+            unit.tableMoments.end(), std::back_inserter(rest));
+        unit.moments = std::move(rest);
+        for (const std::string& name : RuleNamesOf(*unit.entry)) {
+            const auto command = std::dynamic_pointer_cast<CommandRule>(mRuleSet->GetRuleByRuleName(name));
+            if (command != nullptr && command->referenceDefDb == nullptr) {
+                plan.unswept.push_back({unit.eventId, name, "too_many_moments"});
+            }
+        }
+    }
+}
+
+void RuleSweep::NoteUnsweptTrees(SweepPlan& plan) const
+{
+    std::set<std::size_t> trees;
+    for (const SweepPlan::Unswept& rule : plan.unswept) {
+        for (const Place& place : mUnits[mUnitOf.at(rule.eventId)].places) {
+            trees.insert(place.tree);
+        }
+    }
+    plan.unsweptTrees.assign(trees.begin(), trees.end());
+}
+
+void RuleSweep::MakeTurns()
+{
+    for (std::uint32_t unit = 0; unit < mUnits.size(); ++unit) {
+        mTurns.push_back({mRange.first, unit});
+        for (const std::int64_t moment : mUnits[unit].moments) {
+            mTurns.push_back({moment, unit});
+        }
+        mUnits[unit].moments = Moments();
+        mUnits[unit].tableMoments = Moments();
+    }
+    std::sort(mTurns.begin(), mTurns.end());
+}
+
+void RuleSweep::Run(const std::function<void(std::int64_t moment)>& judge,
+    const std::function<void(std::int64_t moment, const Evidence::Event& event)>& tell)
+{
+    mListener->tell = tell;
+    if (mTurns.empty()) { // no event has rules
+        judge(mRange.first);
+    }
+    for (auto turn = mTurns.begin(); turn != mTurns.end();) {
+        const std::int64_t moment = turn->moment;
+        const auto end = std::find_if(turn, mTurns.end(), [moment](const Turn& other) { return other.moment != moment; });
+        mMoment.Set(moment);
+        mListener->moment = moment;
+        if (std::any_of(turn, end, [this](const Turn& at) { return mUnits[at.unit].readsTables; })) {
+            BuildTables();
+        }
+        for (; turn != end; ++turn) {
+            Decide(mUnits[turn->unit]);
+        }
+        judge(moment);
+    }
+}
+
+void RuleSweep::BuildTables()
+{
+    if (mCommonPart != nullptr && !mCommonPart->GetCombineCommon()->GetThresholdLumbraList().empty()) {
+        CommonPartDbHelper::GetInstance().IsSuccessCreateJankDb(DevicePaths::EventLog(), mCommonPart, true);
+    }
+}
+
+// As a detection of this moment would, which begins with a fresh entry.
+void RuleSweep::Decide(Unit& unit)
+{
+    if (unit.entry != nullptr) {
+        unit.entry->SetRuleResult(false);
+        for (const auto& alternative : unit.entry->GetRuleList()) {
+            if (alternative != nullptr) {
+                alternative->result = false;
+            }
+        }
+    }
+    TreeChecks& checks = mDecider.GetTreeChecks();
+    checks.StartDetection();
+    checks.StartTree();
+    mListener->isFirst = true;
+    for (const Place& place : unit.places) {
+        Tree& tree = mTrees[place.tree];
+        mRuleHelper->SetCurrentEvent(tree.events[place.event]);
+        const bool isTrue = mDecider.IsFaultHappenedForEvent(*tree.events[place.event], unit.entry);
+        const Evidence::Check check = checks.GetChecks().back();
+        tree.isChanged = tree.isChanged || isTrue != tree.isTrue[place.event] || check != tree.checks[place.event];
+        tree.isTrue[place.event] = isTrue;
+        tree.checks[place.event] = check;
+    }
+}

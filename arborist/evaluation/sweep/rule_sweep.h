@@ -1,0 +1,111 @@
+#ifndef ARBORIST_EVALUATION_SWEEP_RULE_SWEEP_H
+#define ARBORIST_EVALUATION_SWEEP_RULE_SWEEP_H
+
+#include <cstddef>
+#include <cstdint>
+#include <compare>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "arborist/evaluation/event_decider.h"
+#include "arborist/evaluation/rule_engine_helper.h"
+#include "arborist/evaluation/sweep/moment_in_force.h"
+#include "arborist/evaluation/sweep/moment_range.h"
+#include "arborist/frame/sweep_observer.h"
+
+class CommonPart;
+class Event;
+class EventRule;
+class FaultTree;
+class FaultTreeParser;
+class RuleHelper;
+class TableMoments;
+struct DetectInfo;
+
+/// Decides the events of all trees at all moments at which an answer may change, by the checkers of a detection.
+///
+/// All events with one id share the rules of an entry, and what they leave in it: together they are a unit, which is
+/// decided anew where one of its rules may answer differently. Nothing else is asked twice.
+class RuleSweep {
+public:
+    /// A tree with the answers of its events, both in pre-order.
+    struct Tree {
+        std::shared_ptr<FaultTree> tree;
+        RuleEngineHelper::EventList events;
+        std::vector<Evidence::Check> checks;
+        std::vector<bool> isTrue;
+        bool isChanged = true;
+    };
+
+    /// The rule set must have been read. Keeps the arguments.
+    RuleSweep(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<FaultTreeParser> ruleSet, SweepRequest request);
+    ~RuleSweep();
+
+    /// Prepares the shared data of the rules and finds the moments. Throws std::regex_error like a detection.
+    SweepPlan Plan();
+
+    /// Decides what may change, moment after moment; sets Tree::isChanged for trees with another answer, and calls
+    /// `judge` after each moment, which may clear it. `tell` gets each event that was decided.
+    void Run(const std::function<void(std::int64_t moment)>& judge,
+        const std::function<void(std::int64_t moment, const Evidence::Event& event)>& tell);
+
+    std::vector<Tree>& GetTrees() { return mTrees; }
+
+private:
+    class Listener;
+
+    /// The place of an event: its tree, and its index in it.
+    struct Place {
+        std::size_t tree;
+        std::size_t event;
+    };
+
+    struct Unit {
+        std::string eventId;
+        std::shared_ptr<EventRule> entry;
+        std::vector<Place> places;
+        Moments moments;
+        /// The part of `moments` at which derived tables change.
+        Moments tableMoments;
+        bool readsTables = false;
+    };
+
+    /// One unit at one moment.
+    struct Turn {
+        std::int64_t moment;
+        std::uint32_t unit;
+
+        auto operator<=>(const Turn&) const = default;
+    };
+
+    void PrepareCommonPart();
+    void FetchTree(const std::shared_ptr<FaultTree>& tree);
+    void FindMoments(Unit& unit, SweepPlan& plan);
+    void FindMomentsOfRule(Unit& unit, const std::string& ruleName, SweepPlan& plan);
+    void LimitTables(SweepPlan& plan);
+    void NoteUnsweptTrees(SweepPlan& plan) const;
+    void MakeTurns();
+    void BuildTables();
+    void Decide(Unit& unit);
+
+    std::shared_ptr<DetectInfo> mDetectInfo;
+    std::shared_ptr<FaultTreeParser> mRuleSet;
+    SweepRequest mRequest;
+    MomentRange mRange;
+    MomentInForce mMoment;
+    std::shared_ptr<RuleHelper> mRuleHelper;
+    std::shared_ptr<RuleEngineHelper> mEvents;
+    std::unique_ptr<Listener> mListener;
+    EventDecider mDecider;
+    std::shared_ptr<CommonPart> mCommonPart;
+    std::unique_ptr<TableMoments> mTableMoments;
+    std::vector<Tree> mTrees;
+    std::vector<Unit> mUnits;
+    std::map<std::string, std::size_t> mUnitOf; // by event id
+    std::vector<Turn> mTurns;
+};
+
+#endif

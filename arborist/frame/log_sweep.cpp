@@ -1,0 +1,104 @@
+#include "arborist/frame/log_sweep.h"
+
+#include <map>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "arborist/deduction/judge_tree.h"
+#include "arborist/deduction/root_cause.h"
+#include "arborist/deduction/root_cause_search.h"
+#include "arborist/evaluation/sweep/rule_sweep.h"
+#include "arborist/loading/fault_tree_parser.h"
+#include "arborist/loading/rule_set_record.h"
+#include "arborist/model/event.h"
+#include "arborist/model/fault_tree.h"
+
+namespace {
+
+/// Asks the host once for each code rule: the answer is part of what has no history.
+class AnswersOnce : public CodeRuleRunner {
+public:
+    using Ids = std::vector<std::string>;
+
+    explicit AnswersOnce(std::shared_ptr<CodeRuleRunner> runner) : mRunner(std::move(runner)) {}
+
+    bool RunCodeRule(Ids faultDescriptionIds, Ids suggestionIds, Ids repairIds, const std::string& userDefinedInfo) override
+    {
+        const auto [known, isNew] =
+            mAnswers.try_emplace(Question(faultDescriptionIds, suggestionIds, repairIds, userDefinedInfo));
+        if (isNew) {
+            known->second.first =
+                mRunner->RunCodeRule(faultDescriptionIds, suggestionIds, repairIds, userDefinedInfo);
+            known->second.second = mRunner->GetOutcome();
+        }
+        mOutcome = known->second.second;
+        return known->second.first;
+    }
+
+    Outcome GetOutcome() const override { return mOutcome; }
+
+private:
+    using Question = std::tuple<Ids, Ids, Ids, std::string>;
+
+    std::shared_ptr<CodeRuleRunner> mRunner;
+    std::map<Question, std::pair<bool, Outcome>> mAnswers;
+    Outcome mOutcome = Outcome::ANSWERED;
+};
+
+// Folds the statuses of a tree and finds its root causes and its verdict, as a detection does.
+void Judge(RuleSweep::Tree& swept, std::size_t number, std::int64_t moment, SweepObserver& observer)
+{
+    FaultTree& tree = *swept.tree;
+    tree.Reset();
+    for (std::size_t place = 0; place < swept.events.size(); ++place) {
+        if (swept.isTrue[place]) {
+            swept.events[place]->SetResult(EventStatus::TRUE);
+        }
+    }
+    tree.Check();
+    RootCauseSearch::Found found = RootCauseSearch::Find(tree, true);
+    std::vector<Evidence::RootCause> causes;
+    for (std::size_t cause = 0; cause < found.rootCauses.size(); ++cause) {
+        const RootCause& rootCause = *found.rootCauses[cause];
+        causes.push_back(
+            {rootCause.GetLeaf().front()->GetId(), std::move(found.cutSets[cause]), rootCause.GetPaths()});
+    }
+    const bool isFault = !causes.empty();
+    observer.OnTreeJudged(moment, number, {tree.GetId(), isFault, JudgeTree(tree, isFault, swept.checks)}, causes);
+    swept.isChanged = false;
+}
+
+} // namespace
+
+LogSweep::LogSweep(std::shared_ptr<DetectInfo> detectInfo) : mDetectInfo(std::make_shared<DetectInfo>(*detectInfo))
+{
+    if (mDetectInfo->mCodeRuleRunner != nullptr) {
+        mDetectInfo->mCodeRuleRunner = std::make_shared<AnswersOnce>(mDetectInfo->mCodeRuleRunner);
+    }
+}
+
+LogSweep::~LogSweep() = default;
+
+bool LogSweep::Run(const SweepRequest& request, SweepObserver& observer)
+{
+    const auto ruleSet = std::make_shared<FaultTreeParser>(mDetectInfo);
+    ruleSet->StartParse();
+    observer.OnRuleSetRead(RuleSetRecordOf(*ruleSet));
+    if (!ruleSet->IsParseDone() || ruleSet->GetFaultTrees().empty()) {
+        return false;
+    }
+    RuleSweep sweep(mDetectInfo, ruleSet, request);
+    observer.OnPlan(sweep.Plan());
+    sweep.Run(
+        [&](std::int64_t moment) {
+            for (std::size_t number = 0; number < sweep.GetTrees().size(); ++number) {
+                if (sweep.GetTrees()[number].isChanged) {
+                    Judge(sweep.GetTrees()[number], number, moment, observer);
+                }
+            }
+        },
+        [&](std::int64_t moment, const Evidence::Event& event) { observer.OnEventDecided(moment, event); });
+    return true;
+}

@@ -1,0 +1,75 @@
+#ifndef ARBORIST_FRAME_SWEEP_OBSERVER_H
+#define ARBORIST_FRAME_SWEEP_OBSERVER_H
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "arborist/arborist_export.h"
+#include "arborist/frame/evidence.h"
+
+/// The moments of a sweep, and its limits.
+struct SweepRequest {
+    /// The first and the last moment, in seconds since the epoch, both included.
+    std::int64_t from = 0;
+    std::int64_t until = 0;
+    /// The derived tables are built anew for at most so many moments.
+    std::size_t mostTableMoments = 1000;
+    /// Rules that can't be swept, as their answer may change without a change of the log: a statement that reads the
+    /// clock. For the name of each, a word for the reason.
+    std::map<std::string, std::string> unsweptRules = {};
+};
+
+/// What a sweep will ask, and what it can't.
+struct SweepPlan {
+    /// A rule whose answers at the moments between are not known, and all that rests on it.
+    struct Unswept {
+        std::string eventId;
+        std::string ruleName;
+        /// "log_damaged", "odd_times", "too_many_moments" or a word of SweepRequest::unsweptRules.
+        std::string reason;
+
+        bool operator<(const Unswept& other) const
+        {
+            return eventId != other.eventId ? eventId < other.eventId : ruleName < other.ruleName;
+        }
+    };
+
+    /// How often the rules of an event with a rule on derived tables are asked.
+    struct Asked {
+        std::string eventId;
+        std::size_t times = 0;
+    };
+
+    /// The number of different moments after the first.
+    std::size_t moments = 0;
+    /// The number of moments for which derived tables are built; beyond SweepRequest::mostTableMoments, those for which
+    /// they would have been.
+    std::size_t tableMoments = 0;
+    std::vector<Unswept> unswept;
+    /// The numbers of the trees with an event that has such a rule, in ascending order.
+    std::vector<std::size_t> unsweptTrees;
+    std::vector<Asked> asked;
+};
+
+/// Receives the answers of a sweep, in order of time. At the first moment it receives all of them, later only what may
+/// have changed; everything else still holds.
+class ARBORIST_EXPORT SweepObserver {
+public:
+    virtual ~SweepObserver();
+
+    /// Called first, after the attempt to read the rule set.
+    virtual void OnRuleSetRead(Evidence::RuleSet ruleSet);
+    /// Called before the first moment.
+    virtual void OnPlan(SweepPlan plan);
+    /// Called for each event that was decided again; for several events with one id, for the first of them.
+    virtual void OnEventDecided(std::int64_t moment, const Evidence::Event& event);
+    /// Called for each tree with another answer of an event than before. `tree` is its number in the results of a
+    /// detection, from 0. `result` is what a detection as of this moment finds, without TreeVerdict::open.
+    virtual void OnTreeJudged(std::int64_t moment, std::size_t tree, const Evidence::TreeResult& result,
+        const std::vector<Evidence::RootCause>& rootCauses);
+};
+
+#endif

@@ -1,0 +1,182 @@
+#include "arborist/frame/log_sweep.h"
+
+#include <gmock/gmock.h>
+
+#include "arborist/frame/fault_tree_prop_global.h"
+#include "arborist/frame/repair.h"
+#include "arborist/frame/settings.h"
+#include "tests/support/event_log_builder.h"
+#include "tests/support/log_capture.h"
+#include "tests/support/settings_guard.h"
+#include "tests/support/temp_dir.h"
+#include "tests/support/xml_builder.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr std::int64_t DAY = 86400;
+
+// A tree "T" whose event "E" asks the rule "r".
+class LogSweepTest : public testing::Test, public SweepObserver {
+protected:
+    LogSweepTest()
+    {
+        mSettings.Set(Settings::PROGRAM_DATA_DIR, mDir.Path("data"));
+        mSettings.Set(Settings::TEMPORARY_STORES, "1");
+        mSettings.Set(Settings::VERSION_NAME, "1");
+        mDir.Write("rules/FaultTrees.xml", TreeXml("Tag").Version("1").Tree("T", Or({Basic("E")})).Text());
+        Rules(AlarmRuleXml("r", {AlarmIdXml("7", "7", {TimeXml("duration", "1", "2")})}));
+    }
+
+    void Rules(const Xml& rule)
+    {
+        const Xml table = Xml("thresholdsOrLumbraData").Attr("name", "TABLE_A").Child(Xml("retrieveLumbraData")
+            .Child(Xml("alarmId").Attr("Eventid_Min", "7").Attr("Eventid_Max", "7")
+                .Child(ParamsXml({ParamXml("1", "a", "int")}))));
+        mDir.Write("rules/FaultTreeRules.xml", RuleXml("Tag").CommonPart({table}).EventRule("E", {Single("r")})
+            .Repair("E", {{"R", ""}}).Rule(rule).Text());
+    }
+
+    static Xml TableRule()
+    {
+        const Xml condition = ConditionXml({SingleLogicXml(
+            Xml("ge").Attr("type", "static").TextChild("id", "n").TextChild("value", "1"))});
+        return CommandRuleXml("r").Child(Xml("referenceCommonPart").TextChild("commonPartName", "TABLE_A"))
+            .Child(Xml("queryReturnParam").Child(ParamsXml({ParamXml("n", "n", "int")})))
+            .Child(AnalysisMethodXml("", {Xml("sql").Text("select count(*) as n from TABLE_A"),
+                TimeXml("duration", "2", "0"), condition}));
+    }
+
+    void Log(const std::vector<LoggedRow>& rows)
+    {
+        EventLogBuilder().Rows(rows).Sql("update event_info_flow set event_pid = _ID")
+            .WriteTo(mDir.Path("data/Comms/Lumbra/workDir/0/log.db"));
+    }
+
+    bool Sweep(SweepRequest request)
+    {
+        auto info = std::make_shared<DetectInfo>();
+        info->mDetectScene = 1;
+        info->mTreeTag = "Tag";
+        info->mRuleFileDir = mDir.Path("rules");
+        return LogSweep(info).Run(request, *this);
+    }
+
+    void OnPlan(SweepPlan plan) override { mPlan = std::move(plan); }
+    void OnTreeJudged(std::int64_t moment, std::size_t, const Evidence::TreeResult& result,
+        const std::vector<Evidence::RootCause>& causes) override
+    {
+        mAnswers.push_back(std::to_string(moment) + " " + Evidence::TreeVerdictText(result.verdict.word)
+            + (causes.empty() ? "" : " " + causes.front().id));
+    }
+
+    std::vector<std::string> Unswept() const
+    {
+        std::vector<std::string> rules;
+        for (const SweepPlan::Unswept& rule : mPlan.unswept) {
+            rules.push_back(rule.eventId + " " + rule.ruleName + " " + rule.reason);
+        }
+        return rules;
+    }
+
+    TempDir mDir;
+    SettingsGuard mSettings;
+    LogCapture mLog;
+    SweepPlan mPlan;
+    std::vector<std::string> mAnswers;
+};
+
+TEST_F(LogSweepTest, TreeIsAFaultFromTheRowThatReachesTheThresholdUntilTheFirstLeaves)
+{
+    Log({{10 * DAY, 7, "", ""}, {10 * DAY + 5, 7, "", ""}});
+    ASSERT_TRUE(Sweep({DAY, 30 * DAY}));
+    EXPECT_THAT(mAnswers, ElementsAre(std::to_string(DAY) + " no_fault", std::to_string(10 * DAY + 5) + " fault E",
+        std::to_string(11 * DAY + 1) + " no_fault"));
+    EXPECT_EQ(mPlan.moments, 2U);
+    EXPECT_EQ(mPlan.tableMoments, 0U);
+}
+
+TEST_F(LogSweepTest, ARepairEndsAFault)
+{
+    Log({{10 * DAY, 7, "", ""}, {10 * DAY + 5, 7, "", ""}});
+    mSettings.Set(Settings::CURRENT_TIME, std::to_string(10 * DAY + 9));
+    UpdateRepairDb("R");
+    ASSERT_TRUE(Sweep({10 * DAY + 5, 30 * DAY}));
+    EXPECT_THAT(mAnswers,
+        ElementsAre(std::to_string(10 * DAY + 5) + " fault E", std::to_string(10 * DAY + 9) + " no_fault"));
+}
+
+TEST_F(LogSweepTest, TheMomentInForceIsRestored)
+{
+    Log({{10 * DAY, 7, "", ""}});
+    mSettings.Set(Settings::CURRENT_TIME, "17");
+    mSettings.Set(Settings::AS_OF, "");
+    ASSERT_TRUE(Sweep({DAY, 30 * DAY}));
+    const auto& settings = FaultTreePropGlobal::GetInstance();
+    EXPECT_EQ(settings.GetFaultTreeProperty(Settings::CURRENT_TIME, ""), "17");
+    EXPECT_EQ(settings.GetFaultTreeProperty(Settings::AS_OF, "?"), "");
+}
+
+TEST_F(LogSweepTest, AMissingLogIsNotJudgedAtAnyMoment)
+{
+    ASSERT_TRUE(Sweep({DAY, 30 * DAY}));
+    EXPECT_THAT(mAnswers, ElementsAre(std::to_string(DAY) + " undecided"));
+}
+
+TEST_F(LogSweepTest, StatementsOnDerivedTablesExcludeTheirLimit)
+{
+    Rules(TableRule());
+    Log({{10 * DAY, 7, "", ""}});
+    ASSERT_TRUE(Sweep({DAY, 60 * DAY}));
+    EXPECT_THAT(mAnswers, ElementsAre(std::to_string(DAY) + " no_fault", std::to_string(10 * DAY) + " fault E",
+        std::to_string(12 * DAY) + " no_fault"));
+    EXPECT_EQ(mPlan.tableMoments, 3U); // also where the row leaves the table
+    ASSERT_EQ(mPlan.asked.size(), 1U);
+    EXPECT_EQ(mPlan.asked[0].times, 4U);
+}
+
+TEST_F(LogSweepTest, DerivedTablesThatChangeTooOftenAreNotSwept)
+{
+    Rules(TableRule());
+    Log({{10 * DAY, 7, "", ""}});
+    SweepRequest request{DAY, 60 * DAY};
+    request.mostTableMoments = 2;
+    ASSERT_TRUE(Sweep(request));
+    EXPECT_THAT(Unswept(), ElementsAre("E r too_many_moments"));
+    EXPECT_THAT(mPlan.unsweptTrees, ElementsAre(0U));
+    EXPECT_EQ(mPlan.tableMoments, 3U);
+    EXPECT_EQ(mAnswers.size(), 1U);
+    request.mostTableMoments = 3;
+    ASSERT_TRUE(Sweep(request));
+    EXPECT_THAT(Unswept(), IsEmpty());
+}
+
+TEST_F(LogSweepTest, RulesThatTheCallerNamesAreToldAsNotSwept)
+{
+    Rules(TableRule());
+    SweepRequest request{DAY, 60 * DAY};
+    request.unsweptRules = {{"r", "reads_clock"}, {"other", "reads_clock"}};
+    ASSERT_TRUE(Sweep(request));
+    EXPECT_THAT(Unswept(), ElementsAre("E r reads_clock"));
+}
+
+TEST_F(LogSweepTest, EventsWithTimesThatAreNoWholeSecondsAreNotSwept)
+{
+    Log({{10 * DAY, 7, "", ""}, {10 * DAY + 5, 7, "", ""}});
+    EventLogBuilder::Run(mDir.Path("data/Comms/Lumbra/workDir/0/log.db"),
+        "update event_info_flow set occurrence_time = occurrence_time + 0.5 where _ID = 2");
+    ASSERT_TRUE(Sweep({DAY, 30 * DAY}));
+    EXPECT_THAT(Unswept(), ElementsAre("E r odd_times"));
+}
+
+TEST_F(LogSweepTest, WithoutARuleFileNothingIsSwept)
+{
+    auto info = std::make_shared<DetectInfo>();
+    info->mRuleFileDir = mDir.Path("nowhere");
+    EXPECT_FALSE(LogSweep(info).Run({0, 5}, *this));
+    EXPECT_THAT(mAnswers, IsEmpty());
+}
+
+} // namespace
