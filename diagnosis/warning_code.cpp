@@ -31,6 +31,7 @@ constexpr std::array ROWS = {
     CodeRow{WarningCode::NO_SUCH_RULE, "no_such_rule", ExitStatus::RULE_SET},
     CodeRow{WarningCode::NODE_UNREADABLE, "node_unreadable", ExitStatus::INPUT},
     CodeRow{WarningCode::NOT_CAPTURED, "not_captured", ExitStatus::INPUT},
+    CodeRow{WarningCode::NOT_SWEPT, "not_swept", ExitStatus::INPUT},
     CodeRow{WarningCode::REPAIR_HISTORY_LOST, "repair_history_lost", ExitStatus::INPUT},
     CodeRow{WarningCode::ROWS_UNSEEN, "rows_unseen", ExitStatus::INPUT},
     CodeRow{WarningCode::RULE_SET_ERROR, "rule_set_error", ExitStatus::RULE_SET},

@@ -25,6 +25,7 @@ enum class WarningCode {
     NO_SUCH_RULE,
     NODE_UNREADABLE,
     NOT_CAPTURED,
+    NOT_SWEPT,
     REPAIR_HISTORY_LOST,
     ROWS_UNSEEN,
     RULE_SET_ERROR,

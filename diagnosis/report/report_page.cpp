@@ -6,6 +6,7 @@
 #include "diagnosis/analysis/distinct_causes.h"
 #include "diagnosis/drawing/drawn_tree.h"
 #include "diagnosis/drawing/event_label.h"
+#include "diagnosis/drawing/svg_timeline.h"
 #include "diagnosis/drawing/svg_tree.h"
 #include "diagnosis/report/html.h"
 #include "diagnosis/report/report_causes.h"
@@ -203,12 +204,28 @@ std::string FailureSection(const Failure& failure)
         + Html("p", "[" + failure.code + "]", "quiet") + "</section>\n";
 }
 
+// The sweep's own warnings: those about the bundle are told above.
+std::string SweepSection(const SweepReport& sweep)
+{
+    std::string text = "<section id=\"sweep\">\n<h2>Over time</h2>\n";
+    if (sweep.failure) {
+        return text + Paragraph(sweep.failure->message) + "</section>\n";
+    }
+    text += Html("p", "A bar: the fault or root cause is there as of that moment. A dashed frame: it can't be told. A thin "
+        "line: it is not there. Above: how many rows the event log has.", "legend") + "\n";
+    for (const Warning& warning : sweep.warnings) {
+        text += warning.code == WarningCode::NOT_SWEPT ? Paragraph(warning.message) : "";
+    }
+    return text + "<div class=\"scroll\" tabindex=\"0\" role=\"group\" aria-label=\"Timelines\">\n" + SvgTimeline(sweep)
+        + "</div>\n</section>\n";
+}
+
 } // namespace
 
-std::string ReportPage(const DetectionReport& report)
+std::string ReportPage(const DetectionReport& report, const SweepReport* sweep)
 {
     std::string page = HEAD;
-    page += Html("title", Verdict(report) + ": " + report.bundle) + "\n<style>" + REPORT_STYLE + "</style>\n</head>\n";
+    page += Html("title", Verdict(report) + ": " + report.bundle) + "\n<style>" + REPORT_STYLE + (sweep == nullptr ? "" : TIMELINE_STYLE) + "</style>\n</head>\n";
     page += "<body>\n<header>\n" + Html("p", "Fault tree diagnosis of " + report.bundle, "quiet")
         + Html("h1", Verdict(report)) + (report.failure ? "" : Facts(report)) + "</header>\n<main>\n";
     page += report.failure ? FailureSection(*report.failure) : "";
@@ -216,6 +233,7 @@ std::string ReportPage(const DetectionReport& report)
     if (!report.failure) {
         const std::vector<DrawnTree> trees = DrawTrees(report, true, "");
         page += IndexOfTrees(trees);
+        page += sweep == nullptr ? "" : SweepSection(*sweep);
         for (std::size_t i = 0; i < trees.size(); ++i) {
             page += TreeSection(trees[i], i + 1);
         }

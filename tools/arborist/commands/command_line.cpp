@@ -48,6 +48,7 @@ constexpr KnownCommand COMMANDS[] = {
     {"query", AddQueryCommand},
     {"repair", AddRepairCommand},
     {"report", AddReportCommand},
+    {"sweep", AddSweepCommand},
     {"graph", AddGraphCommand},
     {"lint", AddLintCommand},
     {"rules", AddRulesCommand},

@@ -13,6 +13,7 @@ void AddExplainCommand(Command app, ExitStatus& status);
 void AddQueryCommand(Command app, ExitStatus& status);
 void AddRepairCommand(Command app, ExitStatus& status);
 void AddReportCommand(Command app, ExitStatus& status);
+void AddSweepCommand(Command app, ExitStatus& status);
 void AddGraphCommand(Command app, ExitStatus& status);
 void AddLintCommand(Command app, ExitStatus& status);
 void AddRulesCommand(Command app, ExitStatus& status);

@@ -121,14 +121,6 @@ ExitStatus Slice(const SliceOptions& options)
     return Finish(failure ? std::vector<Failure>{*failure} : std::vector<Failure>{});
 }
 
-void AddMomentOption(Command app, const std::string& name, std::string& moment, const std::string& description)
-{
-    app.Add(name, moment, description).Takes("TIME").Check([](const std::string& text) {
-        return IsMomentText(text) || IsDay(text)
-            ? "" : "is neither \"YYYY-MM-DD\", \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: " + text;
-    });
-}
-
 void AddInspectCommand(Command log, ExitStatus& status)
 {
     auto options = std::make_shared<InspectOptions>();

@@ -1,4 +1,5 @@
 #include <memory>
+#include <optional>
 
 #include "diagnosis/report/report_page.h"
 #include "tools/arborist/commands/commands.h"
@@ -9,7 +10,11 @@ namespace diagnosis::command {
 
 namespace {
 
-ExitStatus Report(DrawingOptions options)
+struct ReportOptions : DrawingOptions {
+    bool withSweep = false;
+};
+
+ExitStatus Report(ReportOptions options)
 {
     if (!IsLogOpen(options.run.log)) {
         return ExitStatus::WRONG_USE;
@@ -20,17 +25,29 @@ ExitStatus Report(DrawingOptions options)
     const DetectionReport report = RunForDrawing(path, options);
     PrintProblems(path.given, report.warnings, report.failure);
     // A bundle that can't be diagnosed gets a page, too, which says why.
-    const ExitStatus written = WriteTextFile(target, ReportPage(report));
-    return MoreSerious(written, StatusOf(report, options.run));
+    std::optional<SweepReport> sweep;
+    if (options.withSweep && !report.failure) {
+        SweepOptions asked;
+        asked.overrides = options.run.detection.overrides;
+        asked.until = asked.overrides.asOf;
+        asked.codeRunner = MakeCodeRunner(options.run.codeRunner);
+        sweep = RunSweep(path, asked);
+        PrintProblems(path.given, sweep->warnings, sweep->failure);
+    }
+    const ExitStatus written = WriteTextFile(target, ReportPage(report, sweep ? &*sweep : nullptr));
+    const ExitStatus swept = sweep && sweep->failure ? sweep->failure->status : ExitStatus::SUCCESS;
+    return MoreSerious(MoreSerious(written, swept), StatusOf(report, options.run));
 }
 
 } // namespace
 
 void AddReportCommand(Command app, ExitStatus& status)
 {
-    auto options = std::make_shared<DrawingOptions>();
+    auto options = std::make_shared<ReportOptions>();
     Command report = app.AddCommand("report", "Diagnose a bundle and write one HTML page about it");
     AddDrawingOptions(report, *options, "Bundle to diagnose");
+    report.AddFlag("--sweep", options->withSweep, "Show also when each tree and root cause was there before, as 'arborist "
+        "sweep' tells");
     report.Footer("The page needs neither network nor scripts, and can be printed.\n"
                    "Example:\n  arborist report examples/laptop -o report.html");
     report.OnCall([options, &status] { status = Report(*options); });

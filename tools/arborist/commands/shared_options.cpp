@@ -41,6 +41,14 @@ void AddRules(Command app, BundleOverrides& overrides)
         .Takes("DIR");
 }
 
+void AddMomentOption(Command app, const std::string& name, std::string& moment, const std::string& description)
+{
+    app.Add(name, moment, description).Takes("TIME").Check([](const std::string& text) {
+        return IsMomentText(text) || IsDay(text)
+            ? "" : "is neither \"YYYY-MM-DD\", \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: " + text;
+    });
+}
+
 void AddTimeZone(Command app, std::string& zone)
 {
     app.Add("--tz", zone, "Time zone of local times, \"Europe/Berlin\" or a POSIX rule")

@@ -17,6 +17,8 @@ void AddOverrides(Command app, BundleOverrides& overrides);
 void AddLive(Command app, BundleOverrides& overrides);
 /// --rules: another rule set than the bundle's.
 void AddRules(Command app, BundleOverrides& overrides);
+/// An option for a moment or a date.
+void AddMomentOption(Command app, const std::string& name, std::string& moment, const std::string& description);
 /// --tz alone.
 void AddTimeZone(Command app, std::string& zone);
 /// --log-level and --log-file.

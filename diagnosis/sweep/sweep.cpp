@@ -1,0 +1,205 @@
+#include "diagnosis/sweep/sweep.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "arborist/frame/log_sweep.h"
+#include "diagnosis/bundle/bundle_overlay.h"
+#include "diagnosis/bundle/moment.h"
+#include "diagnosis/bundle/rule_paths.h"
+#include "diagnosis/detection/detection.h"
+#include "diagnosis/lint/sql/derived_tables.h"
+#include "diagnosis/log_db/log_density.h"
+#include "diagnosis/rule_source/rule_set.h"
+#include "diagnosis/sweep/clock_statements.h"
+#include "diagnosis/text/near_match.h"
+
+namespace diagnosis {
+
+namespace {
+
+constexpr std::size_t DENSITY_PARTS = 240;
+constexpr char FIXED_TABLE[] = "lumbraPlusData";
+
+bool NamesFixedTable(const rule_source::CommonPart& common, const std::string& sql)
+{
+    const std::string lower = lint::LowerName(sql);
+    return std::any_of(common.beans.begin(), common.beans.end(), [&lower](const rule_source::ThresholdBean& bean) {
+        return bean.type == FIXED_TABLE && lower.find(lint::LowerName(bean.name)) != std::string::npos;
+    });
+}
+
+// The rules whose statements may change without the log, with the reason of each.
+std::map<std::string, std::string> RulesOfTheClock(const Bundle& bundle)
+{
+    std::map<std::string, std::string> found;
+    const rule_source::RuleSetFiles files =
+        rule_source::ReadRuleSetFiles(rule_source::RuleSetPaths{TreeFilePath(bundle), RuleFilePath(bundle)});
+    const rule_source::RuleSet rules(files, bundle.treeTag);
+    for (const rule_source::CommandRule& rule : rules.rules.commandRules) {
+        const std::string sql(rule.sql);
+        const char* const reason =
+            rule.referenceDefDb ? nullptr : ClockUseOf(sql, NamesFixedTable(rules.commonPart, sql));
+        if (reason != nullptr && !rule.isReplaced) {
+            found.emplace(rule.name, reason);
+        }
+    }
+    return found;
+}
+
+std::string Sentence(const SweepPlan::Unswept& rule, std::size_t tableMoments)
+{
+    const std::string subject = "the rule \"" + rule.ruleName + "\" of \"" + rule.eventId + "\" is not swept: ";
+    if (rule.reason == "log_damaged") {
+        return subject + "the event log is damaged";
+    }
+    if (rule.reason == "odd_times") {
+        return subject + "its events have times that are no whole seconds";
+    }
+    if (rule.reason == "too_many_moments") {
+        return subject + "the derived tables change at " + std::to_string(tableMoments)
+            + " moments; --table-moments allows more";
+    }
+    if (rule.reason == "reads_clock") {
+        return subject + "its statement reads the clock";
+    }
+    return subject + (rule.reason == "fixed_table" ? "its statement reads the time in a table of one fixed row"
+                                                   : "its statement calculates an occurrence_time of its own");
+}
+
+/// One sweep of a bundle that is entered.
+class Sweep {
+public:
+    Sweep(const BundleSession& session, const SweepOptions& options, SweepReport& report)
+        : mSession(session), mOptions(options), mReport(report), mLog(session.ProgramDataPath(EVENT_LOG)),
+          mInfo(session.MakeDetectInfo())
+    {
+        if (!session.GetBundle().codeAnswers.empty() || options.codeRunner.IsThere()) {
+            mAnswers = std::make_shared<CodeAnswers>(session.GetBundle().codeAnswers, options.codeRunner);
+            mInfo->mCodeRuleRunner = mAnswers;
+        }
+    }
+
+    void Run()
+    {
+        mReport.failure = SetRange();
+        if (mReport.failure) {
+            return;
+        }
+        SweepRequest request{mReport.from, mReport.until, mOptions.mostTableMoments};
+        request.unsweptRules = RulesOfTheClock(mSession.GetBundle());
+        try {
+            LogSweep(mInfo).Run(request, mRecorder);
+            mReport.failure = RuleSetFailure(mRecorder.GetRuleSet(), mSession.GetBundle());
+        } catch (...) {
+            mReport.failure = FailureInFlight(mRecorder.GetRuleSet());
+        }
+        if (!mReport.failure) {
+            TakeAnswers();
+        }
+    }
+
+private:
+    std::optional<Failure> SetRange()
+    {
+        const LoggedSpan span = SpanOfLog(mLog);
+        const std::int64_t now = mSession.Now();
+        const auto read = [](const std::string& text, auto ofDay) { return IsDay(text) ? ofDay(text) : ParseMoment(text); };
+        const auto from = mOptions.from.empty() ? span.first.value_or(now) : read(mOptions.from, FirstSecondOf);
+        const auto until =
+            mOptions.until.empty() ? std::max(now, span.last.value_or(now)) : read(mOptions.until, LastSecondOf);
+        for (const auto& [text, moment] : {std::pair(&mOptions.from, from), std::pair(&mOptions.until, until)}) {
+            if (!moment) {
+                return Failure{"bad_moment", "the moment \"" + *text + "\" does not exist in the time zone",
+                    ExitStatus::WRONG_USE};
+            }
+        }
+        if (*from > *until) {
+            return Failure{"bad_moment", "the sweep would end at " + MomentText(*until) + ", before it begins at "
+                + MomentText(*from), ExitStatus::WRONG_USE};
+        }
+        mReport.from = *from;
+        mReport.until = *until;
+        return std::nullopt;
+    }
+
+    void TakeAnswers()
+    {
+        mRecorder.Close(mReport.until);
+        mReport.plan = mRecorder.GetPlan();
+        mReport.trees = mRecorder.TakeTrees();
+        mReport.rules = mRecorder.TakeRules();
+        mReport.density = DensityOfLog(mLog, mReport.from, mReport.until, DENSITY_PARTS);
+        for (const SweepPlan::Unswept& rule : mReport.plan.unswept) {
+            mReport.warnings.push_back({WarningCode::NOT_SWEPT,
+                Problem{Sentence(rule, mReport.plan.tableMoments), {}, {}, 0, rule.ruleName, rule.eventId}});
+        }
+        if (mAnswers != nullptr) {
+            const auto& warnings = mAnswers->GetWarnings();
+            mReport.warnings.insert(mReport.warnings.end(), warnings.begin(), warnings.end());
+        }
+        Select();
+    }
+
+    // Leaves what --tree and --rule name.
+    void Select()
+    {
+        std::vector<std::string> trees;
+        std::vector<std::string> rules;
+        for (const SweptTree& tree : mReport.trees) {
+            trees.push_back(tree.id);
+        }
+        for (const SweptRule& rule : mReport.rules) {
+            rules.push_back(rule.name);
+        }
+        const auto isKnown = [](const std::string& name, const std::vector<std::string>& names) {
+            return name.empty() || std::count(names.begin(), names.end(), name) != 0;
+        };
+        if (!isKnown(mOptions.tree, trees)) {
+            mReport.failure = Failure{"no_such_tree", mReport.bundle + ": has no tree \"" + mOptions.tree + "\""
+                + DidYouMean(mOptions.tree, trees), ExitStatus::WRONG_USE};
+        } else if (!isKnown(mOptions.rule, rules)) {
+            mReport.failure = Failure{"no_such_rule", mReport.bundle + ": no event asks a rule \"" + mOptions.rule
+                + "\"" + DidYouMean(mOptions.rule, rules), ExitStatus::WRONG_USE};
+        }
+        std::erase_if(mReport.trees, [this](const SweptTree& tree) {
+            return !mOptions.tree.empty() ? tree.id != mOptions.tree : !mOptions.rule.empty();
+        });
+        std::erase_if(mReport.rules, [this](const SweptRule& rule) {
+            return !mOptions.rule.empty() ? rule.name != mOptions.rule : !mOptions.tree.empty();
+        });
+    }
+
+    const BundleSession& mSession;
+    const SweepOptions& mOptions;
+    SweepReport& mReport;
+    std::string mLog;
+    std::shared_ptr<DetectInfo> mInfo;
+    std::shared_ptr<CodeAnswers> mAnswers;
+    SweepRecorder mRecorder;
+};
+
+} // namespace
+
+SweepReport RunSweep(const BundlePath& bundle, const SweepOptions& options)
+{
+    SweepReport report;
+    report.bundle = bundle.given;
+    try {
+        BundleSession session;
+        report.failure = session.Enter(bundle, options.overrides);
+        report.warnings = session.GetWarnings();
+        if (!report.failure) {
+            report.tz = session.GetBundle().tz;
+            Sweep(session, options, report).Run();
+        }
+        if (report.failure) {
+            report.failure->message = session.Shown(report.failure->message);
+        }
+    } catch (...) {
+        report.failure = FailureInFlight({});
+    }
+    return report;
+}
+
+} // namespace diagnosis

@@ -1,0 +1,182 @@
+#include "diagnosis/sweep/sweep_recorder.h"
+
+#include <algorithm>
+
+namespace diagnosis {
+
+namespace {
+
+using Evidence::Check;
+using Evidence::Reason;
+using Word = Evidence::TreeVerdict::Word;
+
+constexpr char NOT_SWEPT[] = "not_swept";
+
+SweptState StateOf(Word word)
+{
+    switch (word) {
+    case Word::FAULT:
+        return SweptState::TRUE;
+    case Word::NO_FAULT:
+    case Word::NOT_APPLICABLE:
+        return SweptState::FALSE;
+    case Word::UNDECIDED:
+        break;
+    }
+    return SweptState::NOT_JUDGED;
+}
+
+bool HasOpen(Reason reason)
+{
+    return Evidence::IsOpen(Evidence::CheckOf(reason));
+}
+
+// Why a rule has no answer: the first reason that leaves its check open.
+Reason OpenReasonOf(const Evidence::Rule& rule)
+{
+    std::vector<Reason> reasons{rule.reason};
+    if (const auto* const alarm = std::get_if<Evidence::Alarm>(&rule.part)) {
+        for (const Evidence::Window& window : alarm->windows) {
+            reasons.push_back(window.reason);
+            reasons.insert(reasons.end(), window.notes.begin(), window.notes.end());
+        }
+    } else if (const auto* const command = std::get_if<Evidence::Command>(&rule.part)) {
+        for (const Evidence::Statement& statement : command->statements) {
+            reasons.push_back(statement.reason);
+        }
+    }
+    reasons.insert(reasons.end(), rule.notes.begin(), rule.notes.end());
+    const auto open = std::find_if(reasons.begin(), reasons.end(), HasOpen);
+    return open == reasons.end() ? rule.reason : *open;
+}
+
+SweptSource SourceOf(const Evidence::Rule& rule)
+{
+    if (rule.filter) {
+        return SweptSource::CAPTURED;
+    }
+    const auto* const command = std::get_if<Evidence::Command>(&rule.part);
+    if (command != nullptr) {
+        return command->hits ? SweptSource::CAPTURED : SweptSource::TABLES;
+    }
+    return rule.GetFamily() == Evidence::Family::ALARM ? SweptSource::LOG : SweptSource::CAPTURED;
+}
+
+} // namespace
+
+const char* SweptSourceText(SweptSource source)
+{
+    switch (source) {
+    case SweptSource::LOG:
+        return "log";
+    case SweptSource::TABLES:
+        return "tables";
+    case SweptSource::CAPTURED:
+        break;
+    }
+    return "captured";
+}
+
+SweptState SweepRecorder::Possible::StateOf(const CutSet& cutSet) const
+{
+    return areTruncated || causes.count(cutSet) != 0 ? SweptState::NOT_JUDGED : SweptState::FALSE;
+}
+
+void SweepRecorder::OnPlan(SweepPlan plan)
+{
+    mPlan = std::move(plan);
+    for (const SweepPlan::Unswept& rule : mPlan.unswept) {
+        mUnswept.emplace(std::pair(rule.eventId, rule.ruleName), rule.reason);
+    }
+}
+
+void SweepRecorder::OnEventDecided(std::int64_t moment, const Evidence::Event& event)
+{
+    for (const Evidence::Alternative& alternative : event.alternatives) {
+        std::string unswept; // also for the rules of a group that are asked behind such a rule
+        for (const Evidence::Rule& rule : alternative.rules) {
+            const auto reason = mUnswept.find(std::pair(event.id, rule.name));
+            unswept = reason == mUnswept.end() ? (unswept.empty() ? "" : NOT_SWEPT) : reason->second;
+            TakeRule(moment, event.id, rule, unswept);
+        }
+    }
+}
+
+void SweepRecorder::TakeRule(
+    std::int64_t moment, const std::string& eventId, const Evidence::Rule& rule, const std::string& unswept)
+{
+    const auto [known, isNew] = mRuleOf.emplace(std::pair(eventId, rule.name), mRules.size());
+    if (isNew) {
+        mRules.push_back({eventId, rule.name, SourceOf(rule), {}});
+    }
+    SweptRule& swept = mRules[known->second];
+    if (rule.verdict != Evidence::Verdict::SKIPPED) {
+        swept.source = SourceOf(rule);
+    }
+    if (!unswept.empty()) {
+        swept.timeline.Set(moment, SweptState::NOT_JUDGED, unswept);
+    } else if (rule.verdict == Evidence::Verdict::FIRED) {
+        swept.timeline.Set(moment, SweptState::TRUE);
+    } else if (rule.verdict == Evidence::Verdict::NOT_FIRED && !Evidence::IsOpen(rule.check)) {
+        swept.timeline.Set(moment, SweptState::FALSE);
+    } else {
+        swept.timeline.Set(moment, SweptState::NOT_JUDGED, Evidence::ReasonText(OpenReasonOf(rule)));
+    }
+}
+
+void SweepRecorder::OnTreeJudged(std::int64_t moment, std::size_t tree, const Evidence::TreeResult& result,
+    const std::vector<Evidence::RootCause>& rootCauses)
+{
+    while (mTrees.size() <= tree) {
+        mTrees.emplace_back();
+        mMemories.emplace_back();
+    }
+    SweptTree& swept = mTrees[tree];
+    swept.id = result.id;
+    if (std::binary_search(mPlan.unsweptTrees.begin(), mPlan.unsweptTrees.end(), tree)) {
+        swept.timeline.Set(moment, SweptState::NOT_JUDGED, NOT_SWEPT);
+        return;
+    }
+    swept.timeline.Set(moment, StateOf(result.verdict.word), Evidence::TreeVerdictText(result.verdict.word));
+    Possible possible{moment, {}, result.verdict.arePossibleCausesTruncated};
+    for (const Evidence::TreeVerdict::PossibleCause& cause : result.verdict.possibleCauses) {
+        possible.causes.insert(cause.cutSet);
+    }
+    mMemories[tree].possible.push_back(std::move(possible));
+    TakeCauses(moment, tree, rootCauses);
+}
+
+void SweepRecorder::TakeCauses(
+    std::int64_t moment, std::size_t tree, const std::vector<Evidence::RootCause>& rootCauses)
+{
+    SweptTree& swept = mTrees[tree];
+    TreeMemory& memory = mMemories[tree];
+    for (SweptCause& cause : swept.causes) {
+        cause.timeline.Set(moment, memory.possible.back().StateOf(cause.cutSet));
+    }
+    for (const Evidence::RootCause& found : rootCauses) {
+        const auto [known, isNew] = memory.causes.emplace(found.cutSet, swept.causes.size());
+        if (isNew) {
+            SweptCause& cause = swept.causes.emplace_back(SweptCause{found.id, found.cutSet, {}});
+            for (const Possible& before : memory.possible) {
+                cause.timeline.Set(before.moment, before.StateOf(cause.cutSet));
+            }
+        }
+        swept.causes[known->second].timeline.Set(moment, SweptState::TRUE);
+    }
+}
+
+void SweepRecorder::Close(std::int64_t until)
+{
+    for (SweptTree& tree : mTrees) {
+        tree.timeline.Close(until);
+        for (SweptCause& cause : tree.causes) {
+            cause.timeline.Close(until);
+        }
+    }
+    for (SweptRule& rule : mRules) {
+        rule.timeline.Close(until);
+    }
+}
+
+} // namespace diagnosis

@@ -1,0 +1,101 @@
+#ifndef ARBORIST_DIAGNOSIS_SWEEP_SWEEP_RECORDER_H
+#define ARBORIST_DIAGNOSIS_SWEEP_SWEEP_RECORDER_H
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "arborist/frame/sweep_observer.h"
+#include "diagnosis/sweep/timeline.h"
+
+namespace diagnosis {
+
+/// One root cause of a tree: true while it is found, not judged while open checks could add it.
+struct SweptCause {
+    std::string id;
+    /// The path of each member.
+    std::vector<std::string> cutSet;
+    Timeline timeline;
+};
+
+/// A tree: true while it is a fault, false while it is none or doesn't apply, not judged while it is undecided.
+struct SweptTree {
+    std::string id;
+    Timeline timeline;
+    /// Each that is ever found, in the order in which they are first found.
+    std::vector<SweptCause> causes;
+};
+
+/// Where the history of a rule comes from.
+enum class SweptSource {
+    LOG, ///< the event log
+    TABLES, ///< derived tables, built for each of its moments
+    CAPTURED, ///< data without a history: one answer for all moments
+};
+
+/// "log", "tables", "captured".
+const char* SweptSourceText(SweptSource source);
+
+/// A rule as one event asks it: true while it fires, not judged while it is not asked or has no data.
+struct SweptRule {
+    std::string eventId;
+    std::string name;
+    SweptSource source = SweptSource::LOG;
+    Timeline timeline;
+};
+
+/// Turns what a sweep tells into timelines.
+class SweepRecorder : public SweepObserver {
+public:
+    void OnRuleSetRead(Evidence::RuleSet ruleSet) override { mRuleSet = std::move(ruleSet); }
+    void OnPlan(SweepPlan plan) override;
+    void OnEventDecided(std::int64_t moment, const Evidence::Event& event) override;
+    void OnTreeJudged(std::int64_t moment, std::size_t tree, const Evidence::TreeResult& result,
+        const std::vector<Evidence::RootCause>& rootCauses) override;
+
+    /// Ends all timelines.
+    void Close(std::int64_t until);
+
+    const Evidence::RuleSet& GetRuleSet() const { return mRuleSet; }
+    const SweepPlan& GetPlan() const { return mPlan; }
+    std::vector<SweptTree> TakeTrees() { return std::move(mTrees); }
+    std::vector<SweptRule> TakeRules() { return std::move(mRules); }
+
+private:
+    using CutSet = std::vector<std::string>;
+
+    /// What open checks could add to a tree from a moment on.
+    struct Possible {
+        std::int64_t moment = 0;
+        std::set<CutSet> causes;
+        bool areTruncated = false;
+
+        SweptState StateOf(const CutSet& cutSet) const;
+    };
+
+    /// What is kept of a tree beside its timelines.
+    struct TreeMemory {
+        std::map<CutSet, std::size_t> causes; // index of each
+        std::vector<Possible> possible;
+    };
+
+    void TakeRule(
+        std::int64_t moment, const std::string& eventId, const Evidence::Rule& rule, const std::string& unswept);
+    void TakeCauses(std::int64_t moment, std::size_t tree, const std::vector<Evidence::RootCause>& rootCauses);
+
+    Evidence::RuleSet mRuleSet;
+    SweepPlan mPlan;
+    std::map<std::pair<std::string, std::string>, std::string> mUnswept; // reasons by event and rule
+    std::vector<SweptTree> mTrees;
+    std::vector<SweptRule> mRules;
+    std::map<std::pair<std::string, std::string>, std::size_t> mRuleOf; // by event and rule
+    std::vector<TreeMemory> mMemories; // of each tree
+};
+
+} // namespace diagnosis
+
+#endif

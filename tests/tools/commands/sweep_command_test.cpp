@@ -1,0 +1,256 @@
+#include <map>
+#include <set>
+#include <sstream>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/event_log_builder.h"
+#include "tests/support/temp_dir.h"
+#include "tests/support/xml_builder.h"
+#include "tests/tools/command_bundle.h"
+#include "tests/tools/json_schema.h"
+
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+// 2024-05-20 12:00:00 in UTC, the moment of the bundle.
+constexpr std::int64_t NOW = 1716206400;
+constexpr std::int64_t DAY = 86400;
+
+std::vector<Json::Value> Lines(const std::string& text)
+{
+    std::vector<Json::Value> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) {
+        lines.push_back(ParsedJson(line));
+    }
+    return lines;
+}
+
+// What a detection as of a moment says of each tree, and of its root causes.
+std::map<std::string, std::string> DetectAsOf(const std::string& bundle, std::int64_t moment)
+{
+    const auto result = RunArborist({"detect", "--json", "--as-of", std::to_string(moment), bundle});
+    std::map<std::string, std::string> told;
+    const Json::Value report = ParsedJson(result.out);
+    for (const Json::Value& tree : report["results"]) {
+        std::set<std::string> causes;
+        for (const Json::Value& cause : tree["rootCauses"]) {
+            causes.insert(cause["id"].asString());
+        }
+        std::string& text = told[tree["treeId"].asString()];
+        text = tree["verdict"].asString();
+        for (const std::string& cause : causes) {
+            text += " " + cause;
+        }
+    }
+    return told;
+}
+
+// The same by the intervals of a sweep.
+std::map<std::string, std::string> SweptAt(const std::vector<Json::Value>& lines, std::int64_t moment)
+{
+    std::map<std::string, std::string> told;
+    std::map<std::string, std::set<std::string>> causes;
+    for (const Json::Value& line : lines) {
+        if (line["kind"] != "interval" || line["from"].asInt64() > moment || line["until"].asInt64() < moment) {
+            continue;
+        }
+        if (line["of"] == "tree") {
+            told[line["tree"].asString()] = line["word"].asString();
+        } else if (line["of"] == "cause" && line["state"] == "true") {
+            causes[line["tree"].asString()].insert(line["cause"].asString());
+        }
+    }
+    for (const auto& [tree, ids] : causes) {
+        for (const std::string& id : ids) {
+            told[tree] += " " + id;
+        }
+    }
+    return told;
+}
+
+class SweepCommandTest : public testing::Test {
+protected:
+    // Three drops, an hour apart; three in seven days are a fault.
+    void WriteDrops()
+    {
+        WriteDropsBundle(mDir, "b");
+        EventLogBuilder().Rows({{NOW - 3600, 1001, "", ""}, {NOW, 1001, "", ""}, {NOW + 3600, 1001, "", ""}})
+            .WriteTo(mDir.Path("b") + LOG_OF_BUNDLE);
+    }
+
+    void WriteStatement(const std::string& statement)
+    {
+        const Xml events = Xml("thresholdsOrLumbraData").Attr("name", "DROPS_TABLE")
+            .Child(Xml("retrieveLumbraData").Child(Xml("alarmId").Attr("Eventid_Min", "1001").Attr("Eventid_Max", "1001")
+                .Child(ParamsXml({ParamXml("1", "LOST", "int")}))));
+        const Xml three = ConditionXml({SingleLogicXml(
+            Xml("ge").Attr("type", "static").TextChild("id", "n").TextChild("value", "3"))});
+        const Xml rule = CommandRuleXml("r").Child(Xml("referenceCommonPart").TextChild("commonPartName", "DROPS_TABLE"))
+            .Child(Xml("queryReturnParam").Child(ParamsXml({ParamXml("n", "n", "int")})))
+            .Child(AnalysisMethodXml("", {Xml("sql").Text(statement), TimeXml("duration", "30", "0"), three}));
+        mDir.Write("b/rules/FaultTreeRules.xml",
+            RuleXml("Tag").CommonPart({events}).EventRule("DROPS", {Single("r")}).Rule(rule).Text());
+    }
+
+    static ProcessResult Sweep(std::vector<std::string> arguments = {})
+    {
+        arguments.insert(arguments.begin(), {"sweep", "b", "--tz", "UTC"});
+        return RunArborist(arguments);
+    }
+
+    TempDir mDir;
+};
+
+TEST_F(SweepCommandTest, TellsWhenEachTreeAndRuleWasFirstTrueForHowLongAndHowOften)
+{
+    WriteDrops();
+    const auto result = Sweep({"--until", "2024-06-01"});
+    EXPECT_EQ(result.out,
+        "b: as of every second from 2024-05-20 11:00:00 to 2024-06-01 23:59:59; 2 moments at which an answer may change\n"
+        "                  first true           how long     how often  not judged\n"
+        "tree T            2024-05-20 13:00:00  6d 22:00:01  1          -\n"
+        "  cause DROPS     2024-05-20 13:00:00  6d 22:00:01  1          -\n"
+        "rules\n"
+        "  drops of DROPS  2024-05-20 13:00:00  6d 22:00:01  1          -\n");
+    EXPECT_THAT(result.err, IsEmpty());
+    EXPECT_EQ(result.status, 0);
+}
+
+TEST_F(SweepCommandTest, UnlessToldOtherwiseItGoesFromTheFirstRowToNowOrTheLastRow)
+{
+    WriteDrops();
+    EXPECT_THAT(Sweep().out, HasSubstr("from 2024-05-20 11:00:00 to 2024-05-20 13:00:00;"));
+    EventLogBuilder().Rows({{NOW - DAY, 1001, "", ""}}).WriteTo(mDir.Path("b") + LOG_OF_BUNDLE);
+    EXPECT_THAT(Sweep().out, HasSubstr("from 2024-05-19 12:00:00 to 2024-05-20 12:00:00;"));
+}
+
+TEST_F(SweepCommandTest, OneTreeOrOneRuleIsToldAlone)
+{
+    WriteDrops();
+    EXPECT_THAT(Sweep({"--tree", "T"}).out, AllOf(HasSubstr("tree T"), Not(HasSubstr("rules"))));
+    EXPECT_THAT(Sweep({"--rule", "drops"}).out, AllOf(HasSubstr("drops of DROPS"), Not(HasSubstr("tree"))));
+    const auto unknown = Sweep({"--tree", "TT"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_THAT(unknown.err, HasSubstr("has no tree \"TT\""));
+    EXPECT_THAT(Sweep({"--rule", "drop"}).err, HasSubstr("no event asks a rule \"drop\"; did you mean \"drops\"?"));
+}
+
+TEST_F(SweepCommandTest, AnEndBeforeTheBeginningIsWrongUse)
+{
+    WriteDrops();
+    const auto result = Sweep({"--from", "2024-05-20", "--until", "2024-05-19"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.err, HasSubstr("the sweep would end at 2024-05-19 23:59:59, before it begins"));
+}
+
+TEST_F(SweepCommandTest, AMomentThatTheClocksSkipIsWrongUse)
+{
+    WriteDrops();
+    const auto result =
+        RunArborist({"sweep", "b", "--tz", "CET-1CEST,M3.5.0,M10.5.0/3", "--from", "2024-03-31 02:30:00"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.err, HasSubstr("the moment \"2024-03-31 02:30:00\" does not exist"));
+}
+
+TEST_F(SweepCommandTest, AStatementThatReadsTheClockIsNamedAndNotJudged)
+{
+    WriteDrops();
+    WriteStatement("select count(*) as n from DROPS_TABLE where LOST < strftime('%s', 'now')");
+    const auto result = Sweep({"--strict"});
+    EXPECT_THAT(result.err,
+        HasSubstr("the rule \"r\" of \"DROPS\" is not swept: its statement reads the clock"));
+    EXPECT_THAT(result.out, AllOf(HasSubstr("02:00:01 (reads_clock)"), HasSubstr("02:00:01 (not_swept)")));
+    EXPECT_EQ(result.status, 4);
+    EXPECT_EQ(Sweep().status, 0);
+}
+
+TEST_F(SweepCommandTest, DerivedTablesAreBuiltForALimitedNumberOfMoments)
+{
+    WriteDrops();
+    WriteStatement("select count(*) as n from DROPS_TABLE");
+    EXPECT_THAT(Sweep({"--table-moments", "2"}).out,
+        AllOf(HasSubstr("2024-05-20 13:00:00"), HasSubstr("rules of DROPS on derived tables asked 3 times")));
+    EXPECT_THAT(Sweep({"--table-moments", "1"}).err,
+        HasSubstr("is not swept: the derived tables change at 2 moments; --table-moments allows more"));
+}
+
+TEST_F(SweepCommandTest, ABundleThatCantBeSweptSaysWhy)
+{
+    const auto result = RunArborist({"sweep", "nowhere"});
+    EXPECT_EQ(result.out, "nowhere: NOT SWEPT\n");
+    EXPECT_EQ(result.status, 4);
+    const auto json = RunArborist({"sweep", "--json", "nowhere"});
+    EXPECT_THAT(Violations(ParsedJson(PageOfDocs("sweep.schema.json")), ParsedJson(json.out)), IsEmpty());
+}
+
+TEST_F(SweepCommandTest, JsonLinesFollowTheSchemaAndHaveNoGap)
+{
+    WriteDrops();
+    const Json::Value schema = ParsedJson(PageOfDocs("sweep.schema.json"));
+    const auto lines = Lines(Sweep({"--json", "--until", "2024-06-01"}).out);
+    ASSERT_EQ(lines.size(), 10U); // and three intervals of the tree, its cause and its rule
+    std::int64_t next = lines[0]["from"].asInt64();
+    for (const Json::Value& line : lines) {
+        EXPECT_THAT(Violations(schema, line), IsEmpty());
+        if (line["of"] == "tree") {
+            EXPECT_EQ(line["from"].asInt64(), next);
+            next = line["until"].asInt64() + 1;
+        }
+    }
+    EXPECT_EQ(next, lines[0]["until"].asInt64() + 1);
+    EXPECT_EQ(lines[1]["fromLocal"], "2024-05-20 11:00:00");
+}
+
+TEST_F(SweepCommandTest, ThePictureGoesIntoAFileBesideTheTable)
+{
+    WriteDrops();
+    const auto result = Sweep({"--svg", "drops.svg"});
+    EXPECT_THAT(result.out, HasSubstr("tree T"));
+    EXPECT_THAT(mDir.Read("drops.svg"), AllOf(HasSubstr("<svg"), HasSubstr("<title>DROPS: true from 2024-05-20 13:00:00")));
+}
+
+TEST_F(SweepCommandTest, TheReportPageHasTheTimelinesOnRequest)
+{
+    WriteDrops();
+    const std::vector<std::string> report{"report", "b", "--as-of", std::to_string(NOW + 3600), "--tz", "UTC"};
+    EXPECT_THAT(RunArborist(report).out, Not(HasSubstr("id=\"sweep\"")));
+    auto swept = report;
+    swept.emplace_back("--sweep");
+    EXPECT_THAT(RunArborist(swept).out, AllOf(HasSubstr("<section id=\"sweep\">"), HasSubstr(".timeline rect.true"),
+        HasSubstr("<title>DROPS: true from 2024-05-20 13:00:00 to 2024-05-20 13:00:00</title>")));
+}
+
+TEST_F(SweepCommandTest, TheLaptopIsSweptToWhatDetectionsFindAtEachChangeAndASecondBefore)
+{
+    PrepareLaptop("laptop");
+    const auto lines = Lines(RunArborist({"sweep", "--json", "laptop"}).out);
+    std::set<std::int64_t> moments;
+    for (const Json::Value& line : lines) {
+        if (line["of"] == "tree" || line["of"] == "cause") {
+            moments.insert({line["from"].asInt64(), line["until"].asInt64()});
+        }
+    }
+    EXPECT_GT(moments.size(), 15U);
+    for (const std::int64_t moment : moments) {
+        EXPECT_EQ(SweptAt(lines, moment), DetectAsOf("laptop", moment)) << moment;
+    }
+}
+
+TEST_F(SweepCommandTest, ThePageHasTheTableOfTheLaptop)
+{
+    PrepareLaptop("laptop");
+    const std::string page = PageOfDocs("sweep.md");
+    const std::string fence = "```text\n";
+    const auto start = page.find(fence) + fence.size();
+    EXPECT_EQ(RunArborist({"sweep", "laptop"}).out, page.substr(start, page.find("```\n", start) - start));
+}
+
+} // namespace
