@@ -85,9 +85,9 @@ bool AlarmRuleEngine::VisitHistory(const Count& count, const std::function<void(
     return mIsLogWhole || !hasRows;
 }
 
-std::vector<std::int64_t> AlarmRuleEngine::ListLatestUnseen(const Window& window) const
+std::vector<std::int64_t> AlarmRuleEngine::ListUnseen(const Window& window) const
 {
-    return mEventStore->ListLatestUnseen(window.ids.first, window.ids.last);
+    return mEventStore->ListUnseen(window.ids.first, window.ids.last);
 }
 
 void AlarmRuleEngine::ReadAhead()

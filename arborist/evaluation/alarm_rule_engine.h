@@ -54,8 +54,8 @@ public:
     /// Calls the visitor with the rows of each id of a count, whatever their time. Only within a call of the listener.
     /// False if the log could not be read whole; without any rows that is true.
     bool VisitHistory(const Count& count, const std::function<void(const EventRows& rows)>& visitor);
-    /// The moments at which a row that no rule can see is the last one of its id in the log.
-    std::vector<std::int64_t> ListLatestUnseen(const AlarmWindow& window) const;
+    /// The moments of the rows of a window's ids that no rule can see, in any order.
+    std::vector<std::int64_t> ListUnseen(const AlarmWindow& window) const;
     /// Reads from the log at once what the announced rules need at any moment.
     void ReadAhead();
 

@@ -163,6 +163,21 @@ TEST_F(StartTimesTest, TroubleWithRepairsNamesTheirDatabase)
     EXPECT_THAT(places, testing::AllOf(testing::Not(IsEmpty()), testing::Each(" " + path)));
 }
 
+TEST_F(StartTimesTest, FloorsHoldForAnyMomentAndHaveTheRepairsUpToTheLast)
+{
+    const auto floors = [this](std::int32_t days, const std::string& word) {
+        return mStartTimes->GetFloors(days, word, "E", mCurrent.get());
+    };
+    Repair("R1", 2 * DAY);
+    Repair("R2", 5 * DAY);
+    EXPECT_EQ(floors(7, "4").period, 7 * DAY);
+    EXPECT_EQ(floors(0, "4").period, 30 * DAY);
+    EXPECT_EQ(floors(7, "1").always, 0);
+    EXPECT_THAT(floors(7, "4").repairs, ElementsAre(NOW - 5 * DAY, NOW - 2 * DAY));
+    mSettings.Set(Settings::AS_OF, std::to_string(NOW - 3 * DAY));
+    EXPECT_THAT(floors(7, "4").repairs, ElementsAre(NOW - 5 * DAY));
+}
+
 TEST_F(StartTimesTest, EventOfAnotherIdDoesNotAddItsRepair)
 {
     Repair("R3", DAY);

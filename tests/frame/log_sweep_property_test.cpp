@@ -153,6 +153,9 @@ protected:
             builder.Sql(OneOf(changes) + Number(60));
         }
         builder.Sql("update event_info_flow set event_pid = _ID");
+        for (std::size_t lost = isOdd ? Below(3) : 0; lost > 0; --lost) {
+            builder.Sql("update event_info_flow set event_pid = 5000 where _ID = " + Number(60));
+        }
         if (!mRandom.OnceIn(12)) {
             builder.WriteTo(mDir.Path("data/Comms/Lumbra/workDir/0/log.db"));
         }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <limits>
 
 #include "arborist/evaluation/detection_customize.h"
 #include "arborist/stores/event_log/alarm_rule_db_helper.h"
@@ -80,6 +81,12 @@ private:
     bool mHasWeights = false;
 };
 
+// Tells when there are rows at all.
+SlidingCount PresenceOf(const Count& count)
+{
+    return {AlarmCount::Measure::PERIOD, 0, count.floors, false, true};
+}
+
 } // namespace
 
 const char* AlarmMoments::Add(
@@ -109,9 +116,20 @@ void AlarmMoments::AddCount(const Count& count, Moments& moments)
     for (const std::int64_t repair : count.floors.repairs) {
         mRange.Add(repair, moments);
     }
-    for (const std::int64_t unseen : mChecker.ListLatestUnseen(count.window)) {
-        mRange.Add(unseen + count.floors.period + 1, moments);
+    AddUnseen(count, moments);
+}
+
+// Whether the window has rows that no rule can see.
+void AlarmMoments::AddUnseen(const Count& count, Moments& moments)
+{
+    RowHistory unseen;
+    for (const std::int64_t moment : mChecker.ListUnseen(count.window)) {
+        if (moment >= 0 && moment <= mRange.last && moment <= std::numeric_limits<std::uint32_t>::max()) {
+            unseen.times.push_back(static_cast<std::uint32_t>(moment));
+        }
     }
+    unseen.SortByTime();
+    PresenceOf(count).AddChanges(unseen, mRange, moments);
 }
 
 // Where nobody knows the current version, rows that don't count matter, too: a rule can't be sure while there are any.
@@ -130,11 +148,10 @@ void AlarmMoments::AddOtherVersions(const Count& count, Moments& moments)
     };
     const auto all = timesOf(false);
     const auto counted = timesOf(true); // of the same ids
-    const SlidingCount sliding{AlarmCount::Measure::PERIOD, 0, count.floors, false, true};
     for (std::size_t id = 0; id < all.size(); ++id) {
         RowHistory others;
         std::set_difference(all[id].begin(), all[id].end(), counted[id].begin(), counted[id].end(),
             std::back_inserter(others.times));
-        sliding.AddChanges(others, mRange, moments);
+        PresenceOf(count).AddChanges(others, mRange, moments);
     }
 }

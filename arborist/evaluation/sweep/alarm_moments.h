@@ -24,6 +24,7 @@ public:
 
 private:
     void AddCount(const AlarmRuleEngine::Count& count, Moments& moments);
+    void AddUnseen(const AlarmRuleEngine::Count& count, Moments& moments);
     void AddOtherVersions(const AlarmRuleEngine::Count& count, Moments& moments);
 
     AlarmRuleEngine& mChecker;

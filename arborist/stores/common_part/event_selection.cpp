@@ -96,8 +96,13 @@ void GetLumbraDataByFilter(
     }
     const bool isEachRowRead = SelectedRows::QueryDataSet(database, sql, rows, minTime);
     if (isWhole != nullptr) {
-        *isWhole = isEachRowRead && !HasUnseenEvents(database, ids.IsEmpty() ? DEFAULT_EVENTS : ids.ToSql());
+        *isWhole = isEachRowRead && !HasUnseenEvents(database, ConditionOf(ids));
     }
+}
+
+std::string ConditionOf(const EventIdList& ids)
+{
+    return ids.IsEmpty() ? DEFAULT_EVENTS : ids.ToSql();
 }
 
 std::int64_t PeriodOf(const EventIdList& ids)
@@ -108,9 +113,8 @@ std::int64_t PeriodOf(const EventIdList& ids)
 std::string GenerateSql(const EventIdList& ids, const std::string& baseSql)
 {
     const std::int64_t now = TimeUtil::GetTimeOfDay();
-    const std::string selection = ids.IsEmpty() ? DEFAULT_EVENTS : ids.ToSql();
     const std::int64_t floor = now - PeriodOf(ids);
-    return baseSql + selection + " AND event_info_flow.occurrence_time > " + std::to_string(floor)
+    return baseSql + ConditionOf(ids) + " AND event_info_flow.occurrence_time > " + std::to_string(floor)
         + ComparedWithLastMoment("event_info_flow.occurrence_time", "<=");
 }
 

@@ -28,6 +28,9 @@ namespace EventSelection {
 void GetLumbraDataByFilter(const EventIdList& ids, const std::string& eventDbPath, std::vector<Json::Value>& rows,
                            bool* isWhole = nullptr);
 
+/// The condition that an event has one of these ids, or one of the default class without ids.
+std::string ConditionOf(const EventIdList& ids);
+
 /// The seconds for which an event stays selected.
 std::int64_t PeriodOf(const EventIdList& ids);
 

@@ -53,10 +53,10 @@ public:
         return mSearch.HasUnseen(firstId, lastId, start);
     }
 
-    /// See EventLogSearch::ListLatestUnseen.
-    std::vector<std::int64_t> ListLatestUnseen(std::int32_t firstId, std::int32_t lastId) const
+    /// See EventLogSearch::ListUnseen.
+    std::vector<std::int64_t> ListUnseen(std::int32_t firstId, std::int32_t lastId) const
     {
-        return mSearch.ListLatestUnseen(firstId, lastId);
+        return mSearch.ListUnseen(firstId, lastId);
     }
 
     /// See EventLogSearch::ReadAhead. Does nothing if the log can't be opened.

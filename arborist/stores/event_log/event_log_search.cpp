@@ -99,9 +99,9 @@ std::optional<std::int64_t> EventLogSearch::GetFirstTime() const
     return time && *time <= TimeUtil::GetLastMoment() ? std::optional<std::int64_t>(*time) : std::nullopt;
 }
 
-std::vector<std::int64_t> EventLogSearch::ListLatestUnseen(std::int32_t firstId, std::int32_t lastId) const
+std::vector<std::int64_t> EventLogSearch::ListUnseen(std::int32_t firstId, std::int32_t lastId) const
 {
-    return IsWhole() ? mSnapshot->ListLatestUnseen(firstId, lastId) : std::vector<std::int64_t>();
+    return IsWhole() ? mSnapshot->ListUnseen(firstId, lastId) : std::vector<std::int64_t>();
 }
 
 void EventLogSearch::ReadAhead()
@@ -114,7 +114,7 @@ void EventLogSearch::ReadAhead()
 
 bool EventLogSearch::HasUnseen(std::int32_t firstId, std::int32_t lastId, std::int64_t start) const
 {
-    return IsWhole() && mSnapshot->HasUnseen(firstId, lastId, start);
+    return IsWhole() && mSnapshot->HasUnseen(firstId, lastId, start, TimeUtil::GetLastMoment());
 }
 
 std::optional<std::uint64_t> EventLogSearch::CountRows(

@@ -77,8 +77,8 @@ public:
     /// True if one of these ids has a row at or after `start`, or at an unknown time, that no query finds for lack of a
     /// partner. False if that visit could not read the whole log.
     bool HasUnseen(std::int32_t firstId, std::int32_t lastId, std::int64_t start) const;
-    /// See EventLogSnapshot::ListLatestUnseen. Empty if that visit could not read the whole log.
-    std::vector<std::int64_t> ListLatestUnseen(std::int32_t firstId, std::int32_t lastId) const;
+    /// See EventLogSnapshot::ListUnseen. Empty if that visit could not read the whole log.
+    std::vector<std::int64_t> ListUnseen(std::int32_t firstId, std::int32_t lastId) const;
 
     /// Reads the log up to the last moment that counts, unless that is known, and the answers of all its rows to the
     /// questions announced so far, as far as there is room: for whoever asks about many moments.

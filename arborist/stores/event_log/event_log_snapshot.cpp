@@ -1,6 +1,7 @@
 #include "arborist/stores/event_log/event_log_snapshot.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <numeric>
 #include <utility>
@@ -8,6 +9,7 @@
 namespace {
 
 constexpr unsigned int HALF_BITS = 16;
+constexpr std::int64_t UNKNOWN_TIME = std::numeric_limits<std::int64_t>::max();
 
 // Sorts a column from the order of the log into the order of the entries. Moves sixteen bits at a time, so that it
 // needs only two extra bytes a row.
@@ -166,19 +168,22 @@ void EventLogSnapshot::CountDays(const RowRange& range, const Filter& filter, Lo
     }
 }
 
-bool EventLogSnapshot::HasUnseen(std::int32_t firstId, std::int32_t lastId, std::int64_t start) const
+bool EventLogSnapshot::HasUnseen(
+    std::int32_t firstId, std::int32_t lastId, std::int64_t start, std::int64_t last) const
 {
-    return std::any_of(mUnseen.lower_bound(firstId), mUnseen.upper_bound(lastId),
-        [start](const auto& unseen) { return unseen.second >= start; });
+    return std::any_of(mUnseen.lower_bound(firstId), mUnseen.upper_bound(lastId), [start, last](const auto& unseen) {
+        const std::vector<std::int64_t>& moments = unseen.second;
+        const auto first = std::lower_bound(moments.begin(), moments.end(), start);
+        return first != moments.end() && (*first <= last || moments.back() == UNKNOWN_TIME);
+    });
 }
 
-std::vector<std::int64_t> EventLogSnapshot::ListLatestUnseen(std::int32_t firstId, std::int32_t lastId) const
+std::vector<std::int64_t> EventLogSnapshot::ListUnseen(std::int32_t firstId, std::int32_t lastId) const
 {
     std::vector<std::int64_t> moments;
     for (auto unseen = mUnseen.lower_bound(firstId); unseen != mUnseen.upper_bound(lastId); ++unseen) {
-        if (unseen->second != std::numeric_limits<std::int64_t>::max()) {
-            moments.push_back(unseen->second);
-        }
+        std::copy_if(unseen->second.begin(), unseen->second.end(), std::back_inserter(moments),
+            [](std::int64_t moment) { return moment != UNKNOWN_TIME; });
     }
     return moments;
 }

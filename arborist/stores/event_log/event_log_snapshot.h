@@ -56,9 +56,9 @@ public:
         std::string damage;
     };
 
-    /// For each id the latest moment of its rows that no query finds for lack of a partner; the greatest number if one
-    /// of them has no time.
-    using Unseen = std::map<std::int32_t, std::int64_t>;
+    /// For each id the moments of its rows that no query finds for lack of a partner, in ascending order; the greatest
+    /// number for one without a time.
+    using Unseen = std::map<std::int32_t, std::vector<std::int64_t>>;
 
     /// The rows of one event id, in the order in which the query for that id returns them.
     struct Entry {
@@ -123,10 +123,11 @@ public:
     std::int64_t GetRowId(std::uint32_t row) const { return mColumns.rowIds[row]; }
     /// The time of the earliest row; nothing if there are none.
     std::optional<std::uint32_t> GetFirstTime() const { return mFirstTime; }
-    /// True if one of these ids has a row that no query finds, at or after `start` or at an unknown time.
-    bool HasUnseen(std::int32_t firstId, std::int32_t lastId, std::int64_t start) const;
-    /// The latest moment of such rows for each of these ids that has one, without those at an unknown time.
-    std::vector<std::int64_t> ListLatestUnseen(std::int32_t firstId, std::int32_t lastId) const;
+    /// True if one of these ids has a row that no query finds, from `start` to `last` or at an unknown time.
+    bool HasUnseen(std::int32_t firstId, std::int32_t lastId, std::int64_t start,
+        std::int64_t last = std::numeric_limits<std::int64_t>::max()) const;
+    /// The moments of such rows of these ids, but not those without a time, in any order.
+    std::vector<std::int64_t> ListUnseen(std::int32_t firstId, std::int32_t lastId) const;
     /// Counts the rows that pass the filter and are later than `time`.
     std::size_t CountAfter(const RowRange& range, const Filter& filter, std::int64_t time) const;
     /// The same by their day of the month.

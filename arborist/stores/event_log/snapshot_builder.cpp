@@ -79,11 +79,11 @@ std::uint32_t SnapshotBuilder::NumberOf(std::int32_t id)
 
 void SnapshotBuilder::Drop(const Row& row)
 {
-    using Limits = std::numeric_limits<std::int64_t>;
+    std::vector<std::int64_t>& moments = mDropped[static_cast<std::int32_t>(row.id)];
     // A row that is hidden anyway is missed in no window; its id is one with a dropped row all the same.
-    const std::int64_t time = !row.hasTime ? Limits::max() : row.time > mLastMoment ? Limits::min() : row.time;
-    std::int64_t& latest = mDropped.try_emplace(static_cast<std::int32_t>(row.id), time).first->second;
-    latest = std::max(latest, time);
+    if (!row.hasTime || row.time <= mLastMoment) {
+        moments.push_back(row.hasTime ? row.time : std::numeric_limits<std::int64_t>::max());
+    }
 }
 
 void SnapshotBuilder::AddRow(const Row& row)
@@ -115,7 +115,7 @@ void SnapshotBuilder::AddRow(const Row& row)
 
 void SnapshotBuilder::LeaveDroppedToQueries()
 {
-    for (const auto& [id, time] : mDropped) {
+    for (const auto& [id, moments] : mDropped) {
         LeaveToQuery(id);
     }
 }
@@ -144,6 +144,9 @@ void SnapshotBuilder::LeaveAllToQueries()
 std::shared_ptr<const EventLogSnapshot> SnapshotBuilder::Build(EventLogSnapshot::Origin origin) &&
 {
     mNumberOfId = IdDictionary();
+    for (auto& [id, moments] : mDropped) {
+        std::sort(moments.begin(), moments.end());
+    }
     origin.lastMoment = mLastMoment;
     return std::make_shared<EventLogSnapshot>(std::move(mIds), std::move(mNeedsQuery), std::move(mIdOfRow),
         std::move(mColumns), std::move(mVersionNumbers), std::move(mDropped), std::move(origin));

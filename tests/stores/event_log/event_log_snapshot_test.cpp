@@ -59,6 +59,42 @@ private:
     EventLogSnapshot mSnapshot;
 };
 
+// The rows of one id from 15 to `last`, in every way in which they are asked.
+void ExpectRowsUntil(const EventLogSnapshot& snapshot, std::int64_t last, const std::vector<std::uint32_t>& expected)
+{
+    const EventLogSnapshot::Filter filter{15, std::nullopt, last};
+    const auto range = snapshot.RangeSince(snapshot.GetEntry(0), filter.start, filter.last);
+    EXPECT_EQ(snapshot.Count(range, filter), expected.size());
+    std::vector<std::uint32_t> times;
+    snapshot.AppendTimes(range, filter, times);
+    EXPECT_EQ(times, expected);
+    times.clear();
+    snapshot.Select(range, filter).ForEach([&](std::uint32_t row) { times.push_back(snapshot.GetTime(row)); });
+    EXPECT_EQ(times, expected);
+    EXPECT_EQ(snapshot.CountAfter(range, filter, last), 0U);
+}
+
+TEST(EventLogSnapshotTest, AFilterEndsAtItsLastSecondWhateverTheOrderOfTheRows)
+{
+    for (const bool isInOrder : {true, false}) {
+        const EventLogSnapshot snapshot =
+            Snapshot(isInOrder ? std::vector<Row>{{7, 10}, {7, 20}, {7, 30}} : std::vector<Row>{{7, 20}, {7, 10}, {7, 30}});
+        ExpectRowsUntil(snapshot, 30, {20, 30});
+        ExpectRowsUntil(snapshot, 29, {20});
+        ExpectRowsUntil(snapshot, 20, {20});
+        ExpectRowsUntil(snapshot, 19, {});
+        ExpectRowsUntil(snapshot, -1, {});
+    }
+}
+
+TEST(EventLogSnapshotTest, TimesAreThoseOfTheVersion)
+{
+    const EventLogSnapshot snapshot = Snapshot({{7, 10, 1}, {7, 20, 2}, {7, 30}});
+    std::vector<std::uint32_t> times{5};
+    snapshot.AppendTimes(snapshot.RangeSince(snapshot.GetEntry(0), 0), {0, 1}, times);
+    EXPECT_THAT(times, ElementsAre(5, 10, 30));
+}
+
 TEST(EventLogSnapshotTest, GroupsRowsByIdInTheOrderOfTheLog)
 {
     const EventLogSnapshot snapshot =

@@ -90,6 +90,10 @@ TEST_F(SnapshotBuilderTest, DroppedRowsAreUnseen)
     EXPECT_TRUE(mSnapshot->HasUnseen(7, 7, 40));
     EXPECT_FALSE(mSnapshot->HasUnseen(7, 7, 41));
     EXPECT_TRUE(mSnapshot->HasUnseen(8, 8, NEVER)) << "its time is not known";
+    EXPECT_TRUE(mSnapshot->HasUnseen(8, 8, NEVER, 5));
+    EXPECT_TRUE(mSnapshot->HasUnseen(7, 7, 40, 40));
+    EXPECT_FALSE(mSnapshot->HasUnseen(7, 7, 0, mSnapshot->ListUnseen(7, 7).front() - 1));
+    EXPECT_TRUE(mSnapshot->ListUnseen(8, 8).empty());
 }
 
 TEST_F(SnapshotBuilderTest, DroppedRowsAfterTheLastMomentAreMissedByNobody)

@@ -1,0 +1,121 @@
+#include "diagnosis/sweep/sweep_recorder.h"
+
+#include <gmock/gmock.h>
+
+namespace diagnosis {
+namespace {
+
+using Evidence::TreeVerdict;
+using testing::ElementsAre;
+
+using enum SweptState;
+
+Evidence::TreeResult Result(TreeVerdict::Word word, const std::vector<std::string>& possible = {}, bool areTruncated = false)
+{
+    Evidence::TreeResult result{"T", word == TreeVerdict::Word::FAULT, {}};
+    result.verdict.word = word;
+    result.verdict.arePossibleCausesTruncated = areTruncated;
+    for (const std::string& id : possible) {
+        result.verdict.possibleCauses.push_back({id, {"T/" + id}});
+    }
+    return result;
+}
+
+std::vector<Evidence::RootCause> Causes(const std::vector<std::string>& ids)
+{
+    std::vector<Evidence::RootCause> causes;
+    for (const std::string& id : ids) {
+        causes.push_back({id, {"T/" + id}, {}});
+    }
+    return causes;
+}
+
+std::vector<SweptState> StatesOf(const Timeline& timeline)
+{
+    std::vector<SweptState> states;
+    for (const SweptInterval& interval : timeline.GetIntervals()) {
+        states.push_back(interval.state);
+    }
+    return states;
+}
+
+// An event with one alternative of these rules.
+Evidence::Event Asked(const std::vector<Evidence::Rule>& rules)
+{
+    Evidence::Event event;
+    event.id = "E";
+    event.alternatives.push_back({rules.size() > 1, rules});
+    return event;
+}
+
+Evidence::Rule Rule(const std::string& name, Evidence::Verdict verdict, Evidence::Check check = Evidence::Check::DECIDED)
+{
+    Evidence::Rule rule;
+    rule.name = name;
+    rule.verdict = verdict;
+    rule.check = check;
+    rule.SetFamily(Evidence::Family::ALARM);
+    return rule;
+}
+
+TEST(SweepRecorderTest, ACauseHasAHistoryFromBeforeItWasFirstFound)
+{
+    SweepRecorder recorder;
+    recorder.OnTreeJudged(0, 0, Result(TreeVerdict::Word::NO_FAULT), {});
+    recorder.OnTreeJudged(10, 0, Result(TreeVerdict::Word::UNDECIDED, {"A"}), {});
+    recorder.OnTreeJudged(20, 0, Result(TreeVerdict::Word::FAULT), Causes({"A"}));
+    recorder.OnTreeJudged(30, 0, Result(TreeVerdict::Word::UNDECIDED, {"B"}, true), {});
+    recorder.Close(40);
+    const std::vector<SweptTree> trees = recorder.TakeTrees();
+    ASSERT_EQ(trees.size(), 1U);
+    EXPECT_THAT(StatesOf(trees[0].timeline), ElementsAre(FALSE, NOT_JUDGED, TRUE, NOT_JUDGED));
+    ASSERT_EQ(trees[0].causes.size(), 1U); // B was never found
+    EXPECT_THAT(trees[0].causes[0].timeline.GetIntervals(), ElementsAre(SweptInterval{0, 9, FALSE, ""},
+        SweptInterval{10, 19, NOT_JUDGED, ""}, SweptInterval{20, 29, TRUE, ""}, SweptInterval{30, 40, NOT_JUDGED, ""}));
+}
+
+TEST(SweepRecorderTest, ARuleIsTrueFalseOrNotJudgedWithTheReason)
+{
+    SweepRecorder recorder;
+    Evidence::Rule open = Rule("r", Evidence::Verdict::NOT_FIRED, Evidence::Check::DATA_MISSING);
+    open.reason = Evidence::Reason::WINDOW_SHORT;
+    open.Note(Evidence::Reason::ROWS_UNSEEN);
+    recorder.OnEventDecided(0, Asked({open}));
+    recorder.OnEventDecided(10, Asked({Rule("r", Evidence::Verdict::NOT_FIRED)}));
+    recorder.OnEventDecided(20, Asked({Rule("r", Evidence::Verdict::FIRED)}));
+    Evidence::Rule skipped = Rule("r", Evidence::Verdict::SKIPPED, Evidence::Check::NONE);
+    skipped.reason = Evidence::Reason::GROUP_ENDED;
+    recorder.OnEventDecided(30, Asked({skipped}));
+    recorder.Close(40);
+    const std::vector<SweptRule> rules = recorder.TakeRules();
+    ASSERT_EQ(rules.size(), 1U);
+    EXPECT_EQ(rules[0].source, SweptSource::LOG);
+    EXPECT_THAT(rules[0].timeline.GetIntervals(), ElementsAre(SweptInterval{0, 9, NOT_JUDGED, "rows_unseen"},
+        SweptInterval{10, 19, FALSE, ""}, SweptInterval{20, 29, TRUE, ""}, SweptInterval{30, 40, NOT_JUDGED, "group_ended"}));
+}
+
+TEST(SweepRecorderTest, ARuleThatIsNotSweptTakesThoseBehindItInItsGroupAndItsTreesAlong)
+{
+    SweepRecorder recorder;
+    SweepPlan plan;
+    plan.unswept = {{"E", "b", "reads_clock"}};
+    plan.unsweptTrees = {1};
+    recorder.OnPlan(plan);
+    recorder.OnEventDecided(0, Asked({Rule("a", Evidence::Verdict::FIRED), Rule("b", Evidence::Verdict::FIRED),
+        Rule("c", Evidence::Verdict::FIRED)}));
+    recorder.OnTreeJudged(0, 0, Result(TreeVerdict::Word::FAULT), Causes({"A"}));
+    recorder.OnTreeJudged(0, 1, Result(TreeVerdict::Word::FAULT), Causes({"A"}));
+    recorder.Close(9);
+    const std::vector<SweptRule> rules = recorder.TakeRules();
+    ASSERT_EQ(rules.size(), 3U);
+    EXPECT_THAT(rules[0].timeline.GetIntervals(), ElementsAre(SweptInterval{0, 9, TRUE, ""}));
+    EXPECT_THAT(rules[1].timeline.GetIntervals(), ElementsAre(SweptInterval{0, 9, NOT_JUDGED, "reads_clock"}));
+    EXPECT_THAT(rules[2].timeline.GetIntervals(), ElementsAre(SweptInterval{0, 9, NOT_JUDGED, "not_swept"}));
+    const std::vector<SweptTree> trees = recorder.TakeTrees();
+    EXPECT_THAT(StatesOf(trees[0].timeline), ElementsAre(TRUE));
+    EXPECT_THAT(trees[1].timeline.GetIntervals(), ElementsAre(SweptInterval{0, 9, NOT_JUDGED, "not_swept"}));
+    EXPECT_TRUE(trees[1].causes.empty());
+}
+
+} // namespace
+} // namespace diagnosis
