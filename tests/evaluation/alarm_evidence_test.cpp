@@ -292,6 +292,17 @@ TEST_F(AlarmEvidence, NegativeWeightIsToldAlsoWhereTheSumIsShort)
         ElementsAre(Evidence::Reason::NEGATIVE_WEIGHT));
 }
 
+TEST_F(AlarmEvidence, RowsThatReachTheThresholdAreSureBesideWeightsThatDoNot)
+{
+    Log({{NOW, 909031999, "1", R"({"COUNT":1})"}, {NOW, 909032000, "1", ""}, {NOW, 909032000, "1", ""}});
+    Repair(); // of the event, before the rows
+    for (const Ids& ids : {Ids("909031999", "909032000").Latest(7, 2), Ids("909031999", "909032000").DailyPeak(7, 2)}) {
+        const Evidence::Window window = WindowOf(ids, true);
+        EXPECT_EQ(window.count.reachedById, 909032000);
+        EXPECT_THAT(window.notes, testing::IsEmpty());
+    }
+}
+
 // Such a row is no hit for any test, and nobody knows what it tells.
 TEST_F(AlarmEvidence, ExtraThatCannotBeUsedIsTroubleOfItsRowAndNothingElse)
 {

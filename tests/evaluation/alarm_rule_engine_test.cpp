@@ -481,7 +481,7 @@ TEST_F(AlarmRuleEngineTest, SeparateTestsAreNotedEachAgainstAllRows)
 TEST_F(AlarmRuleEngineTest, WhatAsksForNoIdIsNotForeseen)
 {
     Log(Days(2, 7));
-    const auto rule = RuleOf({Ids("9", "8").Latest(7, 1), Ids("x", "").Latest(7, 1), Ids("7", "7").Latest(7, 2)});
+    const auto rule = RuleOf({Ids("9", "8").Latest(7, 1), Ids("x", "").Latest(7, 1), Ids("7x", "9").Latest(7, 1), Ids("7", "7").Latest(7, 2)});
     rule->alarmItemList.insert(rule->alarmItemList.begin(), nullptr);
     const auto helper = std::make_shared<RuleHelper>(std::make_shared<DetectInfo>(), nullptr);
     AlarmRuleEngine engine(helper);
@@ -508,7 +508,21 @@ TEST_F(AlarmRuleEngineTest, ConditionThatIsNullIsOfNoKnownType)
     Log(Days(2, 7, R"({"a":5})"));
     EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").Condition(nullptr).Latest(7, 2)));
     EXPECT_EQ(mReason, Reason::UNKNOWN_CONDITION);
+    EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").Single("p", "eq", "4").Condition(nullptr).Latest(7, 2)));
+    EXPECT_EQ(mReason, Reason::WINDOW_SHORT) << "a condition of a known type was counted before";
     EXPECT_TRUE(Fires(Ids("7", "7").WithParam("p", "a", "int").Condition(nullptr).Single("p", "eq", "5").Latest(7, 2)));
+}
+
+TEST_F(AlarmRuleEngineTest, ARowWhoseTimeIsBeyondTheCalendarCountsForNoDay)
+{
+    constexpr std::int64_t BEYOND = 67768036191676800; // no year of the calendar has it
+    Log({{BEYOND, 7, "1", R"({"a":5})"}, {NOW, 7, "1", R"({"a":5})"}});
+    const auto tested = [](int threshold) {
+        return Ids("7", "7").WithParam("p", "a", "int").Single("p", "eq", "5").DailyPeak(7, threshold);
+    };
+    EXPECT_TRUE(Fires(tested(1)));
+    EXPECT_FALSE(Fires(tested(2)));
+    EXPECT_TRUE(Fires(Ids("7", "7").Latest(7, 2))) << "but as a row";
 }
 
 } // namespace

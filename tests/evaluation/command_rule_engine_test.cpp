@@ -301,6 +301,18 @@ TEST_F(CommandRuleEngineTest, WithoutAHelperNoRowIsTooOld)
     Conditions({Single("eq", "s", "old")});
     Item().sql = "select n, s from Jank where n = 7";
     EXPECT_TRUE(engine.IsFaultHappened(mRule, "event"));
+    engine.SetRecord(&mRecord);
+    EXPECT_TRUE(engine.IsFaultHappened(mRule, "event"));
+    EXPECT_FALSE(std::get<Evidence::Command>(mRecord.part).start.has_value());
+    engine.SetRecord(nullptr);
+}
+
+TEST_F(CommandRuleEngineTest, NullParametersArePassedOverWhereNoDatabaseOpens)
+{
+    mRule->params["gone"] = nullptr;
+    mSettings.Set(Settings::PROGRAM_DATA_DIR, mDir.Path("nowhere"));
+    EXPECT_FALSE(Fires({Single("eq", "n", "5")}));
+    EXPECT_EQ(mReason, Reason::DATABASE_UNAVAILABLE);
 }
 
 } // namespace

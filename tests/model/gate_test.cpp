@@ -138,7 +138,10 @@ TEST(GateTest, EventsThatOthersHoldOutliveTheirGate)
 TEST(GateTest, AGateThatIsUsedElsewhereOutlivesTheTreesItWasIn)
 {
     const auto shared = Or({Leaf("A"), Leaf("B")});
-    Or({Inner("G", shared), Inner("H", Or({Leaf("C")}))}).reset();
+    {
+        const auto tree = Or({Inner("G", shared), Inner("H", Or({Leaf("C")}))});
+        EXPECT_EQ(shared.use_count(), 2);
+    }
     EXPECT_EQ(shared->GetEvents().size(), 2U);
     EXPECT_EQ(shared.use_count(), 1);
 }

@@ -252,6 +252,7 @@ INSTANTIATE_TEST_SUITE_P(Table, NormalisedValue, testing::Values(
     ScaleCase{"Double", "double", "1.5", "1000000", "45.000000"},
     ScaleCase{"Float", "float", "1.5", "1200000", "15.000000"},
     ScaleCase{"NoNumberIsZero", "int", "'x'", "1000000", "0"},
+    ScaleCase{"NoNumberIsZeroOfFloat", "float", "'x'", "1000000", "0.000000"},
     ScaleCase{"NoNumberIsZeroInItsForm", "double", "'x'", "1000000", "0.000000"},
     ScaleCase{"UnknownTypeKeepsItsValue", "bool", "5", "1000000", "old"},
     ScaleCase{"EmptyColumnKeepsItsValue", "int", "null", "1000000", "old"}),
