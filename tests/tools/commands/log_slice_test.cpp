@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "diagnosis/sqlite/connection.h"
@@ -158,6 +159,25 @@ TEST_F(LogSliceTest, WrongMomentsAndListsAreWrongUse)
         EXPECT_EQ(RunArborist({"log", "slice", "log.db", "--to", "s.db", option, value}).status, 2) << option << value;
     }
     EXPECT_FALSE(mDir.Has("s.db"));
+}
+
+TEST(MomentsOfLogs, ThatNoClockShowedAreWrongUse)
+{
+    const TempDir dir;
+    EventLogBuilder().Row({1, 7, "", ""}).WriteTo(dir.Path("log.db"));
+    const std::string moment = "2024-03-31 02:30:00";
+    const std::vector<std::vector<std::string>> uses = {{"log", "show", "log.db", "--as-of"},
+        {"log", "inspect", "log.db", "--as-of"}, {"log", "slice", "log.db", "--to", "new.db", "--as-of"},
+        {"log", "slice", "log.db", "--to", "new.db", "--from"}, {"log", "slice", "log.db", "--to", "new.db", "--until"}};
+    for (std::vector<std::string> arguments : uses) {
+        const std::string option = arguments.back();
+        arguments.insert(arguments.end(), {moment, "--tz", "CET-1CEST,M3.5.0,M10.5.0/3"});
+        const auto result = RunArborist(arguments);
+        EXPECT_THAT(result.err, testing::HasSubstr("\"" + moment + "\" does not exist in the time zone")) << option;
+        EXPECT_EQ(result.status, 2) << option;
+        EXPECT_EQ(result.out, "") << option;
+    }
+    EXPECT_FALSE(dir.Has("new.db"));
 }
 
 } // namespace

@@ -294,4 +294,28 @@ TEST_F(RulesCommand, PrintsJsonOfTheSchema)
     }
 }
 
+TEST_F(RulesCommand, PrintsASchemaForATagOrForOneFile)
+{
+    EXPECT_THAT(Rules({"schema", "--tag", "Tag"}).out, HasSubstr("Tag"));
+    EXPECT_THAT(Rules({"schema", "--tag", "Tag", "a"}).out, HasSubstr("Tag"));
+    const auto trees = Rules({"schema", "--relax-ng", "trees"});
+    const auto rules = Rules({"schema", "--relax-ng", "rules"});
+    EXPECT_THAT(trees.out, HasSubstr("<grammar"));
+    EXPECT_NE(trees.out, rules.out);
+    EXPECT_EQ(Rules({"schema"}).status, 2);
+    EXPECT_EQ(Rules({"schema", "--tag", "Tag", "nowhere"}).out, "");
+}
+
+TEST_F(RulesCommand, TakesTheNameOfAnElementForATag)
+{
+    mDir.Write("model.xml", "<opsa-mef><define-fault-tree name=\"F\"><define-gate name=\"G\"><basic-event name=\"A\"/>"
+        "</define-gate></define-fault-tree><model-data><define-basic-event name=\"A\"/></model-data></opsa-mef>");
+    for (const char* const tag : {"Tag", "_t", "a-b.c_9"}) {
+        EXPECT_THAT(Rules({"import", "model.xml", "--tag", tag}).out, HasSubstr(tag));
+    }
+    for (const char* const tag : {"", "9a", "-a", "a b", "a<b"}) {
+        EXPECT_EQ(Rules({"import", "model.xml", "--tag", tag}).status, 2) << tag;
+    }
+}
+
 } // namespace
