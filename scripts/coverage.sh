@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Measures which lines and branches of library, diagnosis and command the tests run: "coverage.sh [PROGRAM...]" builds the
 # preset "coverage", runs its test programs, or those that are named ("stores_tests"), and prints the figures by folder.
-# Fails where a line or branch that never ran is not listed with its reason in scripts/coverage/unreached.md, or a listed
-# one runs. Named programs add to what earlier runs counted, as far as nothing they consist of was built again.
+# Fails where a line or branch that never ran is not listed with its reason in scripts/coverage/unreached.md, and where a
+# folder for which that page has shares instead falls below them. Named programs add to what earlier runs counted, as far
+# as nothing that they consist of was built again.
 #
 # Clang's own coverage counts the conditions of the source, and neither exceptions nor what the compiler adds. Its counters
 # lie in the profile's file from the start: workers, signal handlers and processes that are killed have counted, too.
@@ -29,6 +30,10 @@ for program in "${programs[@]}"; do
     "$program" >"$build/$name.log" 2>&1 || failed+=("$name")
     echo "== $name: $((SECONDS - start)) seconds"
 done
+
+if [ $# -eq 0 ]; then
+    ctest --preset coverage -R '^fuzz\.' >"$build/replays.log" || failed+=(replays)
+fi
 
 llvm-profdata merge -sparse -o "$build/tests.profdata" "$build"/profiles/*.profraw
 objects=()

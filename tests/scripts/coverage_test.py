@@ -59,6 +59,15 @@ class GapsTest(unittest.TestCase):
         self.assertEqual(report.text_of(row), "| `a.cpp` | `f` | `x ¦¦ 'y'` | true |")
         self.assertEqual(list(report.listed_rows(["# T", report.text_of(row), "| File | Function | Text | |"])), [row])
 
+    def test_a_folder_may_have_shares_instead_of_a_list(self):
+        floors = report.listed_floors(["| `tools/` | 50 | 75.5 |", "| Folder | Lines | Branches |"])
+        self.assertEqual(floors, {"tools": (50.0, 75.5)})
+        self.assertEqual(report.folder_with_floor("tools/a.cpp", floors), "tools")
+        self.assertIsNone(report.folder_with_floor("toolsmith/a.cpp", floors))
+        files = {"tools/a.cpp": counts.File("tools/a.cpp", {1: 1, 2: 0}, {(1, 1, 1, 2): [1, 1], (2, 1, 2, 2): [1, 0]})}
+        self.assertEqual(len(report.folders_below(files, floors)), 1)
+        self.assertEqual(report.folders_below(files, {"tools": (50.0, 75.0)}), [])
+
     def test_every_listed_row_has_a_reason_above(self):
         reason = ""
         for line in report.LIST.read_text().splitlines():
