@@ -2,11 +2,17 @@
 #include <filesystem>
 #include <map>
 
+#include <climits>
 #include <csignal>
+
+#include <sys/inotify.h>
+#include <unistd.h>
 
 #include <gmock/gmock.h>
 
 #include "tests/tools/batch/batch_fixture.h"
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -68,6 +74,42 @@ TEST_F(BatchTest, ALineIsTheSameAsThatOfASingleDetection)
     WriteHotBundle(mDir, "b");
     EXPECT_EQ(RunArborist({"detect", "--batch", "-", "--tree"}, {.input = "b\n"}).out,
         RunArborist({"detect", "--json", "--tree", "b"}).out);
+}
+
+/// Notices whether a file is opened while it lives.
+class OpenWatch {
+public:
+    explicit OpenWatch(const std::string& path) : mQueue(inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
+    {
+        EXPECT_NE(inotify_add_watch(mQueue, path.c_str(), IN_OPEN), -1);
+    }
+    ~OpenWatch() { close(mQueue); }
+    OpenWatch(const OpenWatch&) = delete;
+    OpenWatch& operator=(const OpenWatch&) = delete;
+
+    bool WasOpened() const
+    {
+        alignas(inotify_event) char event[sizeof(inotify_event) + NAME_MAX + 1];
+        return read(mQueue, event, sizeof event) > 0;
+    }
+
+private:
+    int mQueue;
+};
+
+// No bundle names the second rule set of the folder, so that no worker reads it.
+TEST_F(BatchTest, TheRuleSetsOfTheOptionAreCheckedBeforeTheWorkersAre)
+{
+    WriteHotBundle(mDir, "b");
+    fs::rename("b/rules", "rules");
+    for (const char* file : {"FaultTrees.xml", "FaultTreeRules.xml"}) {
+        mDir.Write(std::string("rules/P_") + file, mDir.Read(std::string("rules/") + file));
+    }
+    const OpenWatch watch("rules/P_FaultTrees.xml");
+    const auto alone = RunArborist({"detect", "--json", "--rules", "rules", "b"});
+    EXPECT_FALSE(watch.WasOpened());
+    EXPECT_EQ(RunArborist({"detect", "--batch", "-", "--rules", "rules"}, {.input = "b\n"}).out, alone.out);
+    EXPECT_TRUE(watch.WasOpened());
 }
 
 TEST_F(BatchTest, OrderedKeepsTheOrderOfTheList)
