@@ -26,6 +26,7 @@ constexpr std::array ROWS = {
     CodeRow{WarningCode::EVENT_LOG_MISSING, "event_log_missing", ExitStatus::INPUT},
     CodeRow{WarningCode::EVENT_LOG_UNREADABLE, "event_log_unreadable", ExitStatus::INPUT},
     CodeRow{WarningCode::EVENTS_AFTER_NOW, "events_after_now", ExitStatus::INPUT},
+    CodeRow{WarningCode::NEGATIVE_VALUE, "negative_value", ExitStatus::INPUT},
     CodeRow{WarningCode::NO_CODE_RUNNER, "no_code_runner", ExitStatus::INPUT},
     CodeRow{WarningCode::NO_RULES, "no_rules", ExitStatus::RULE_SET},
     CodeRow{WarningCode::NO_SUCH_RULE, "no_such_rule", ExitStatus::RULE_SET},
@@ -47,6 +48,7 @@ constexpr std::array ROWS = {
     CodeRow{WarningCode::VERSION_NAME_EMPTY, "version_name_empty", ExitStatus::INPUT},
     CodeRow{WarningCode::VERSION_NAME_UNKNOWN, "version_name_unknown", ExitStatus::INPUT},
     CodeRow{WarningCode::ZIP_LINK, "zip_link", ExitStatus::INPUT},
+    CodeRow{WarningCode::ZONE_DIFFERS, "zone_differs", ExitStatus::INPUT},
 };
 
 constexpr bool AreInOrder()
@@ -57,7 +59,7 @@ constexpr bool AreInOrder()
             return false;
         }
     }
-    return ROWS.back().code == WarningCode::ZIP_LINK;
+    return ROWS.back().code == WarningCode::ZONE_DIFFERS;
 }
 static_assert(AreInOrder(), "one row for each code, in order of the words");
 

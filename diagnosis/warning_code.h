@@ -20,6 +20,7 @@ enum class WarningCode {
     EVENT_LOG_MISSING,
     EVENT_LOG_UNREADABLE,
     EVENTS_AFTER_NOW,
+    NEGATIVE_VALUE,
     NO_CODE_RUNNER,
     NO_RULES,
     NO_SUCH_RULE,
@@ -41,6 +42,7 @@ enum class WarningCode {
     VERSION_NAME_EMPTY,
     VERSION_NAME_UNKNOWN,
     ZIP_LINK,
+    ZONE_DIFFERS,
 };
 
 /// The word in JSON and text: "no_rules".

@@ -87,6 +87,16 @@ std::optional<Failure> BundleSession::Unpack(const BundlePath& path)
     return std::nullopt;
 }
 
+void BundleSession::SetZone(const std::string& zone)
+{
+    if (!zone.empty() && !mBundle.tz.empty() && zone != mBundle.tz) {
+        mWarnings.emplace_back(WarningCode::ZONE_DIFFERS, "local times are those of " + zone
+            + ", and the bundle was recorded in " + mBundle.tz + ": its days begin at another moment");
+    }
+    mBundle.tz = zone.empty() ? mBundle.tz : zone;
+    mZone.emplace(mBundle.tz);
+}
+
 std::optional<Failure> BundleSession::EnterFolder(const BundlePath& path, const BundleOverrides& overrides,
     BundleUse use)
 {
@@ -95,9 +105,8 @@ std::optional<Failure> BundleSession::EnterFolder(const BundlePath& path, const 
     }
     mBundle.asOf = overrides.asOf;
     mBundle.now = !overrides.asOf.empty() ? overrides.asOf : overrides.now.empty() ? mBundle.now : overrides.now;
-    mBundle.tz = overrides.tz.empty() ? mBundle.tz : overrides.tz;
+    SetZone(overrides.tz);
     mBundle.ruleFileDir = overrides.rules.empty() ? mBundle.ruleFileDir : overrides.rules;
-    mZone.emplace(mBundle.tz);
     if (auto failure = SetMoment()) {
         return failure;
     }

@@ -76,6 +76,7 @@ private:
     std::optional<Failure> Unpack(const BundlePath& path);
     std::optional<Failure> EnterFolder(const BundlePath& path, const BundleOverrides& overrides, BundleUse use);
     std::optional<Failure> CheckBounds(const BundlePath& path, const BundleOverrides& overrides);
+    void SetZone(const std::string& zone);
     std::optional<Failure> SetMoment();
     void SetSettings(const BundleOverrides& overrides);
 

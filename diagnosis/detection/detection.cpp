@@ -182,7 +182,9 @@ void AddRuleSetWarnings(const Bundle& bundle, const std::optional<Failure>& fail
         return;
     }
     const rule_source::RuleSetPaths paths{TreeFilePath(bundle), RuleFilePath(bundle)};
-    (known == nullptr ? CheckRuleSet(paths, bundle.treeTag) : known->Check(paths, bundle.treeTag))->AddTo(warnings);
+    const auto found = known == nullptr ? CheckRuleSet(paths, bundle.treeTag) : known->Check(paths, bundle.treeTag);
+    found->AddTo(warnings);
+    found->AddEmptyAttributes(bundle.device, warnings);
 }
 
 std::optional<Failure> RuleSetFailure(const Evidence::RuleSet& ruleSet, const Bundle& bundle)

@@ -50,6 +50,27 @@ std::string Setting(const Bundle& bundle, const char* key)
     return setting == bundle.settings.end() ? "" : setting->second;
 }
 
+// A formula takes a "-" at the front for an operator.
+bool IsNegative(const std::string& value)
+{
+    const std::size_t first = value.find_first_not_of(" \t\r\n");
+    return first != std::string::npos && value[first] == '-';
+}
+
+// "a, b and 3 more" of these, each in quotes.
+std::string Listed(const std::set<std::string>& texts)
+{
+    static constexpr std::size_t LARGEST_NUMBER = 20;
+    std::string list;
+    std::size_t number = 0;
+    for (const std::string& text : texts) {
+        if (++number <= LARGEST_NUMBER) {
+            list += (list.empty() ? "" : ", ") + Quoted(text);
+        }
+    }
+    return list + (number > LARGEST_NUMBER ? " and " + std::to_string(number - LARGEST_NUMBER) + " more" : "");
+}
+
 bool Exists(const std::string& path)
 {
     std::error_code error;
@@ -144,6 +165,9 @@ void DetectionWarnings::OnRule(const Evidence::Rule& rule)
             if (!file.readable) {
                 mUnreadableNodes.insert(file.path);
             }
+            if (node->formula && IsNegative(file.value)) {
+                mNegativeNodes.insert(file.path);
+            }
         }
     } else if (const auto* const command = std::get_if<Evidence::Command>(&rule.part)) {
         for (const Evidence::Statement& statement : command->statements) {
@@ -197,20 +221,15 @@ void DetectionWarnings::TellStop()
 // A single warning for all files: rule sets for many kinds of devices name many files that one device lacks.
 void DetectionWarnings::TellNodes()
 {
-    static constexpr std::size_t LARGEST_NUMBER = 20;
-    std::string message;
-    std::size_t number = 0;
-    for (const std::string& path : mUnreadableNodes) {
-        if (++number <= LARGEST_NUMBER) {
-            message += (message.empty() ? "" : ", ") + Quoted(path);
-        }
+    const std::size_t number = mUnreadableNodes.size();
+    if (number != 0) {
+        mList.Add(WarningCode::NODE_UNREADABLE, (number == 1 ? "a node file" : std::to_string(number) + " node files")
+            + " can't be read: " + Listed(mUnreadableNodes));
     }
-    if (number == 0) {
-        return;
+    if (!mNegativeNodes.empty()) {
+        mList.Add(WarningCode::NEGATIVE_VALUE,
+            "formulas take the \"-\" of a negative value for an operator: " + Listed(mNegativeNodes));
     }
-    message += number > LARGEST_NUMBER ? " and " + std::to_string(number - LARGEST_NUMBER) + " more" : "";
-    mList.Add(WarningCode::NODE_UNREADABLE, (number == 1 ? "a node file" : std::to_string(number) + " node files")
-        + " can't be read: " + message);
 }
 
 void DetectionWarnings::TellEventLog(const BundleSession& session)

@@ -38,6 +38,8 @@ private:
 
     WarningList mList;
     std::set<std::string> mUnreadableNodes;
+    /// Node files with a negative value that a formula uses.
+    std::set<std::string> mNegativeNodes;
     /// Derived tables whose events were read from the log; two may have the same name.
     std::multiset<std::string> mEventTables;
     std::string mEventLogTrouble;

@@ -126,6 +126,20 @@ bool IsTold(const Warning& mistake, WarningList& told)
     return isTold;
 }
 
+/// An attribute of a rule, and that of a device with which it is compared.
+struct Filter {
+    const char* ofRule;
+    const char* ofDevice;
+};
+constexpr std::array FILTERS = {Filter{"production", "Product"}, Filter{"blackProducts", "Product"},
+    Filter{"platform", "Platform"}, Filter{"deviceType", "DeviceType"}};
+
+std::string ValueOf(const DeviceDetails& device, const std::string& attribute)
+{
+    return attribute == "Product" ? device.GetProduct()
+        : attribute == "Platform" ? device.GetPlatform() : device.GetDeviceType();
+}
+
 } // namespace
 
 std::optional<WarningCode> CodeOfMistakes(const Check& check)
@@ -154,6 +168,21 @@ RuleSetWarnings::RuleSetWarnings(const rule_source::RuleSetFiles& files, const s
     mRuleFile = files.rules == nullptr ? "" : files.rules->Path();
     for (const auto& [name, rule] : rules.rules.byName) {
         mRuleLines.emplace_hint(mRuleLines.end(), name, rule->element.Line());
+        for (const Filter& filter : FILTERS) {
+            if (!rule->element.Value(filter.ofRule).empty()) {
+                mFilters.insert(filter.ofDevice);
+            }
+        }
+    }
+}
+
+void RuleSetWarnings::AddEmptyAttributes(const DeviceDetails& device, WarningList& told) const
+{
+    for (const std::string& attribute : mFilters) {
+        if (ValueOf(device, attribute).empty()) {
+            told.Add(WarningCode::ATTRIBUTE_EMPTY, "the device has no " + lint::Quoted(attribute) + ": rules for some values of "
+                "it run as if they were for this device, and rules with a black list don't");
+        }
     }
 }
 

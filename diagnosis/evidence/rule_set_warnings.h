@@ -3,8 +3,10 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 
+#include "arborist/frame/detect_info.h"
 #include "diagnosis/evidence/warning_list.h"
 #include "diagnosis/lint/base/check.h"
 #include "diagnosis/rule_source/rule_set.h"
@@ -25,11 +27,17 @@ public:
     /// its check id and place to that warning. Rule warnings without a place get the file and line of the rule.
     void AddTo(WarningList& told) const;
 
+    /// Adds a warning for each attribute that rules are filtered by and the device doesn't have: an empty one is part of
+    /// every list, black lists included.
+    void AddEmptyAttributes(const DeviceDetails& device, WarningList& told) const;
+
 private:
     WarningList mMistakes;
     std::string mRuleFile;
     /// The lines of the rules by name.
     std::map<std::string, int> mRuleLines;
+    /// The names of attributes by which a rule is filtered.
+    std::set<std::string> mFilters;
 };
 
 } // namespace diagnosis

@@ -302,6 +302,15 @@ void WriteLog(const WarningsTest& test, const std::vector<LoggedRow>& rows, cons
 
 const LoggedRow ROW{NOW - 5, 5, "", ""};
 
+// The sum of a node file and 1.
+Xml FormulaRule()
+{
+    return NodeRuleXml("formula", {NodeInfoXml("A", "current"),
+        ParamsXml({ParamXml("a", "A", "int"), ParamXml("s", "S", "int")}),
+        Xml("logicExpression").Attr("type", "double").Attr("ret", "S").Attr("express", "A+1"),
+        ConditionXml({SingleLogicXml(TestXml("gt", "s", "70"))})});
+}
+
 std::vector<WarningCase> Warnings()
 {
     return {
@@ -405,6 +414,14 @@ std::vector<WarningCase> Warnings()
                 std::filesystem::remove("b/temperature");
             },
             "a node file can't be read: \"temperature\"", 4},
+        {"negative_value",
+            [](auto& test) {
+                test.WriteBundle(FormulaRule(), "formula");
+                test.mDir.Write("b/current", " -5\n");
+            },
+            "formulas take the \"-\" of a negative value for an operator: \"current\"", 4},
+        {"zone_differs", [](auto& test) { WriteHotBundle(test.mDir, "b", BundleJson(R"(, "tz": "Europe/Berlin")")); },
+            "local times are those of UTC, and the bundle was recorded in Europe/Berlin", 4, {"--tz", "UTC"}},
         {"stopped", [](auto& test) { WriteHotBundle(test.mDir, "b"); },
             "the detection was stopped: 1 of 1 tree is not decided", 4, {"--time-limit", "0.000001"}},
         {"no_code_runner", [](auto& test) { WriteCodeBundle(test.mDir, "b", {"info"}); },
@@ -506,6 +523,44 @@ TEST_F(WarningsTest, EmptyAttributesAreNothingToARuleSetWithoutThresholds)
     WriteBundle(Command("select count(*) as n from EVENTS"), "command", {Events()});
     WriteLog(*this, {ROW});
     EXPECT_THAT(Detect().err, IsEmpty());
+}
+
+TEST_F(WarningsTest, APositiveNodeAndANegativeOneWithoutAFormulaAreNothing)
+{
+    WriteBundle(FormulaRule(), "formula");
+    mDir.Write("b/current", "5\n");
+    EXPECT_EQ(Detect().err, "");
+    WriteHotBundle(mDir, "b");
+    mDir.Write("b/temperature", "-5\n");
+    EXPECT_EQ(Detect().err, "");
+    WriteHotBundle(mDir, "b", BundleJson(R"(, "tz": "UTC")"));
+    EXPECT_EQ(Detect({"--tz", "UTC"}).err, "");
+}
+
+TEST_F(WarningsTest, EmptyAttributesAreToldWhereRulesAreFilteredByThem)
+{
+    const auto writeFiltered = [this](const std::string& json) {
+        WriteBundle(NodeRuleXml("r", {NodeInfoXml("T", "temperature"), ParamsXml({ParamXml("t", "T", "int")}),
+            ConditionXml({SingleLogicXml(TestXml("gt", "t", "70"))})}).Attr("blackProducts", "P").Attr("platform", "x86"),
+            "r", {}, json);
+        mDir.Write("b/temperature", "60\n");
+    };
+    writeFiltered("");
+    const std::string message = ": rules for some values of it run as if they were for this device, and rules with a black "
+                                "list don't\n";
+    EXPECT_EQ(Detect().err, "arborist: b: warning: the device has no \"Platform\"" + message
+            + "arborist: b: warning: the device has no \"Product\"" + message);
+    EXPECT_THAT(Detect({"--json"}).out, HasSubstr(R"({"code": "attribute_empty", "message": "the device has no \"Platform\":)"));
+    EXPECT_EQ(Detect({"--strict"}).status, 4);
+    writeFiltered(R"(, "device": {"Product": "Q", "Platform": "x86"})");
+    EXPECT_EQ(Detect().err, "");
+}
+
+TEST_F(WarningsTest, ARowThatAQuoteKeepsOutOfADerivedTableLeavesItsCheckOpen)
+{
+    WriteBundle(Command("select count(*) as n from EVENTS"), "command", {Events()}, ALL_ATTRIBUTES);
+    WriteLog(*this, {{NOW - 5, 5, "", R"({"LOST": "it's"})"}});
+    EXPECT_THAT(Detect({"--json"}).out, HasSubstr("\"reason\": \"table_incomplete\""));
 }
 
 TEST_F(WarningsTest, TwoOfTheEventLogAreToldTogether)
