@@ -1,9 +1,9 @@
 #include "diagnosis/cases/recorded_databases.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <vector>
 
+#include "arborist/frame/rule_set_summary.h"
 #include "diagnosis/archive/zip_reader.h"
 #include "diagnosis/scratch/scratch.h"
 #include "diagnosis/sqlite/database_files.h"
@@ -145,18 +145,23 @@ private:
 
 } // namespace
 
-Problem RecordedDatabases::AddFolder(const std::string& folder, const std::string& name)
+Problem RecordedDatabases::AddFolder(const std::string& folder, const std::string& name, const std::string& root)
 {
-    std::vector<std::string> files;
+    std::map<std::string, std::string> files; // real paths by their names below the folder
     std::error_code error;
-    for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-        if (entry->is_regular_file(error)) {
-            files.push_back(entry->path().lexically_relative(folder).string());
+    const fs::path real = fs::canonical(folder, error);
+    for (fs::recursive_directory_iterator entry(real, error), end; !error && entry != end; entry.increment(error)) {
+        const fs::path& path = entry->path();
+        std::error_code ignored;
+        const bool isLink = entry->is_symlink(ignored) && !root.empty();
+        const std::string target =
+            isLink ? PathOnDevice(root, "/" + path.lexically_relative(root).string()) : path.string();
+        if (fs::is_regular_file(target, ignored)) {
+            files[path.lexically_relative(real).string()] = target;
         }
     }
-    std::sort(files.begin(), files.end());
-    for (const std::string& file : files) {
-        if (auto failure = AddFile((fs::path(folder) / file).string(), (fs::path(name) / file).string())) {
+    for (const auto& [file, target] : files) {
+        if (auto failure = AddFile(target, (fs::path(name) / file).string())) {
             return failure;
         }
     }
@@ -182,7 +187,7 @@ Problem RecordedDatabases::AddArchive(const std::string& file, const std::string
         return std::nullopt; // no archive for the engine either
     }
     const std::size_t before = mJson.size();
-    if (auto failure = AddFolder(scratch.Path(), name)) {
+    if (auto failure = AddFolder(scratch.Path(), name, "")) {
         return failure;
     }
     return mJson.size() > before && !name.ends_with(ARCHIVE_END)

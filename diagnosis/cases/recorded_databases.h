@@ -20,8 +20,9 @@ public:
     {
     }
 
-    /// Takes the databases below `folder`, and those in archives below it. `name` is the folder's path on the device.
-    std::optional<Failure> AddFolder(const std::string& folder, const std::string& name);
+    /// Takes the databases below `folder`, and those in archives below it. `name` is the folder's path on the device,
+    /// `root` the device's root directory, which links don't leave; empty for this machine.
+    std::optional<Failure> AddFolder(const std::string& folder, const std::string& name, const std::string& root);
 
     /// The tables of each database as JSON, by path. "/data/panel.zip/panel.db" for one in an archive.
     const std::map<std::string, std::string>& Json() const { return mJson; }

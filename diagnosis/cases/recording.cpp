@@ -227,7 +227,10 @@ private:
             if (names.empty()) {
                 break; // no rule asked: what lies there may be anything
             }
-            if (auto failure = databases.AddFolder(InBundle(PathOnDevice(root, folder)), folder)) {
+            std::error_code error;
+            const std::string bounds = fs::canonical(InBundle(folder.starts_with('/') ? root : ""), error).string();
+            const std::string source = InBundle(PathOnDevice(root, folder));
+            if (auto failure = databases.AddFolder(source, folder, root.empty() ? "" : bounds)) {
                 return failure;
             }
         }

@@ -64,6 +64,25 @@ TEST_F(RecordCase, OfTheLaptopAnswersLikeTheLaptop)
     ExpectReplay("laptop", {"--as-of", "2024-05-14 00:00:00"});
 }
 
+TEST_F(RecordCase, LinksOfTheDeviceDoNotLeadToDatabasesOfThisMachine)
+{
+    PrepareLaptop("laptop");
+    const std::string panel = "laptop/device/data/panel/";
+    EventLogBuilder::Run(mDir.Path("panel_a.db"), "CREATE TABLE secret(a)");
+    fs::create_directory(panel + "sub");
+    fs::create_symlink(mDir.Path("panel_a.db"), panel + "sub/panel_a.db");
+    fs::create_symlink("../../../../../" + mDir.Path("panel_a.db"), panel + "sub/panel_b.db");
+    ExpectReplay("laptop");
+    EXPECT_THAT(mCase["databases"].getMemberNames(),
+        ElementsAre("/data/panel/panel_a.db", "/data/panel/panel_b.zip/panel_b.db"));
+    EXPECT_THAT(mDir.Read("laptop/rules/recorded.test.json"), testing::Not(HasSubstr("secret")));
+    fs::create_directory("laptop/device/moved");
+    fs::rename(panel + "panel_a.db", "laptop/device/moved/panel_a.db");
+    fs::create_symlink("/moved/panel_a.db", panel + "panel_a.db");
+    ExpectReplay("laptop");
+    EXPECT_TRUE(mCase["databases"].isMember("/data/panel/panel_a.db"));
+}
+
 TEST_F(RecordCase, HasOnlyTheDatabasesThatTheRulesAskedFor)
 {
     PrepareLaptop("laptop");
