@@ -160,6 +160,31 @@ TEST_P(AlarmProperty, AnswersAndLogLinesAreThoseOfAQueryForEachId)
     }
 }
 
+TEST_P(AlarmProperty, AsOfAMomentAnswersAndLogLinesAreThoseOfALogThatEndsThere)
+{
+    WriteLog();
+    std::vector<std::shared_ptr<AlarmRule>> rules;
+    for (int rule = 0; rule < 20; ++rule) {
+        rules.push_back(RuleOf({Item()}));
+    }
+    const auto answers = [this, &rules] {
+        AlarmRuleEngine engine(mHelper);
+        std::vector<std::pair<bool, std::vector<std::string>>> told;
+        for (const auto& rule : rules) {
+            mLog.Clear();
+            const bool answer = engine.IsFaultHappened(rule, "");
+            told.emplace_back(answer, mLog.Lines());
+        }
+        return told;
+    };
+    const std::string last = std::to_string(NOW - Below(30) * DAY - Below(static_cast<int>(DAY)));
+    mSettings.Set(Settings::AS_OF, last);
+    const auto asOf = answers();
+    mSettings.Set(Settings::AS_OF, "");
+    EventLogBuilder::Run(mPath, "delete from event_info_flow where occurrence_time > " + last);
+    EXPECT_EQ(answers(), asOf);
+}
+
 TEST_P(AlarmProperty, PlainCountsAreThoseOfOneGroupedStatement)
 {
     WriteLog();
