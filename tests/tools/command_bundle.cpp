@@ -7,17 +7,39 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/xml_builder.h"
+#include "tests/tools/input_guard.h"
+
+namespace {
+
+std::vector<std::string> ValuesOf(const std::map<std::string, std::string>& environment)
+{
+    std::vector<std::string> values;
+    for (const auto& [name, value] : environment) {
+        values.push_back(value);
+    }
+    return values;
+}
+
+} // namespace
 
 ProcessResult RunArborist(std::vector<std::string> arguments, const ProcessSetup& setup)
 {
+    const InputGuard inputs(arguments, ValuesOf(setup.environment));
     arguments.insert(arguments.begin(), ARBORIST_COMMAND);
     return RunProcess(arguments, setup);
 }
 
 ProcessResult RunArboristOnTerminal(std::vector<std::string> arguments, const ProcessSetup& setup)
 {
+    const InputGuard inputs(arguments, ValuesOf(setup.environment));
     arguments.insert(arguments.begin(), ARBORIST_COMMAND);
     return RunOnTerminal(arguments, setup);
+}
+
+ProcessResult RunScript(const std::string& script, const ProcessSetup& setup)
+{
+    const InputGuard inputs({script}, ValuesOf(setup.environment));
+    return RunProcess({"sh", "-c", script}, setup);
 }
 
 std::string BundleJson(const std::string& more)

@@ -8,11 +8,14 @@
 #include "tests/support/process.h"
 #include "tests/support/temp_dir.h"
 
-/// Runs the real command with these arguments.
+/// Runs the real command with these arguments. The test fails if an input changes; see InputGuard.
 ProcessResult RunArborist(std::vector<std::string> arguments, const ProcessSetup& setup = {});
 
 /// The same with standard output on a terminal.
 ProcessResult RunArboristOnTerminal(std::vector<std::string> arguments, const ProcessSetup& setup = {});
+
+/// Runs a script of the shell, which runs the command, under the same guard.
+ProcessResult RunScript(const std::string& script, const ProcessSetup& setup = {});
 
 /// A bundle.json with the two required keys, the tag "Tag", and `more` members (", \"now\": 5").
 std::string BundleJson(const std::string& more = "");

@@ -11,6 +11,9 @@ import tempfile
 import unittest
 from pathlib import Path
 
+sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "support"))
+from unchanged_inputs import UnchangedInputs
+
 ROOT = Path(__file__).resolve().parents[3]
 
 
@@ -32,7 +35,7 @@ def error_of(result):
     return next((line for line in result.stderr.decode().splitlines() if line.startswith("error ")), "")
 
 
-class CInterfaceTest(unittest.TestCase):
+class CInterfaceTest(UnchangedInputs):
     @classmethod
     def setUpClass(cls):
         cls.folder = tempfile.TemporaryDirectory()

@@ -20,6 +20,9 @@ from pathlib import Path
 import arborist
 from arborist import _log
 
+sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "support"))
+from unchanged_inputs import UnchangedInputs
+
 ROOT = Path(__file__).resolve().parents[3]
 MOST_GROWN = 2 * 1024 * 1024
 
@@ -68,7 +71,7 @@ class Records(logging.Handler):
         self.logger.propagate = True
 
 
-class PackageTest(unittest.TestCase):
+class PackageTest(UnchangedInputs):
     @classmethod
     def setUpClass(cls):
         cls.folder = tempfile.TemporaryDirectory()

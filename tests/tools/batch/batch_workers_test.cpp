@@ -196,7 +196,7 @@ TEST_F(BatchTest, TemporaryFilesAreRemovedAtTheEnd)
 TEST_F(BatchTest, LinesThatCannotBeWrittenAreAnInternalError)
 {
     WriteHotBundle(mDir, "b");
-    const auto result = RunProcess({"sh", "-c", "echo b | '" ARBORIST_COMMAND "' detect --batch - > /dev/full"});
+    const auto result = RunScript("echo b | '" ARBORIST_COMMAND "' detect --batch - > /dev/full");
     EXPECT_EQ(result.err, // without a summary, as nobody received the lines
         "arborist: standard output could not be written\n");
     EXPECT_EQ(result.status, 5);
@@ -206,8 +206,8 @@ TEST_F(BatchTest, AReaderOfMessagesWhoLeavesCostsNoBundle)
 {
     WriteHotBundle(mDir, "b");
     mDir.Write("list", "b\nb\n");
-    const auto result = RunProcess({"sh", "-c", "mkfifo nobody; exec 3<>nobody; exec 2>nobody; exec 3>&-; exec '"
-        ARBORIST_COMMAND "' detect --batch list --jobs 1 --log-level debug"});
+    const auto result = RunScript("mkfifo nobody; exec 3<>nobody; exec 2>nobody; exec 3>&-; exec '"
+        ARBORIST_COMMAND "' detect --batch list --jobs 1 --log-level debug");
     EXPECT_THAT(Outcomes(result.out), ElementsAre("b", "b"));
     EXPECT_EQ(result.status, 0);
 }

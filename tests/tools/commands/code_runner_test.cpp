@@ -116,8 +116,8 @@ TEST_F(CodeRunnerTest, ItsWholeProcessGroupIsKilled)
     WriteCodeBundle(mDir, "b", {"info"});
     const auto runner = Script("runner", "sleep 600 > ../pipe & wait");
     // The reader of the pipe ends when no process has its other side open any more.
-    const auto reader = RunProcess({"sh", "-c", "mkfifo pipe; '" ARBORIST_COMMAND "' detect --code-timeout 0.5 "
-        "--code-runner '" + runner + "' b >/dev/null 2>&1 & timeout 60 cat pipe"});
+    const auto reader = RunScript("mkfifo pipe; '" ARBORIST_COMMAND "' detect --code-timeout 0.5 "
+        "--code-runner '" + runner + "' b >/dev/null 2>&1 & timeout 60 cat pipe");
     EXPECT_EQ(reader.status, 0);
 }
 

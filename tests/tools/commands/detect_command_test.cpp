@@ -306,7 +306,7 @@ TEST_F(DetectCommandTest, ALogThatCannotBeWrittenToItsEndIsToldOnce)
 TEST_F(DetectCommandTest, ResultsThatCannotBeWrittenAreAnInternalError)
 {
     WriteHotBundle(mDir, "b");
-    const auto result = RunProcess({"sh", "-c", "'" ARBORIST_COMMAND "' detect b > /dev/full"});
+    const auto result = RunScript("'" ARBORIST_COMMAND "' detect b > /dev/full");
     EXPECT_EQ(result.err, "arborist: standard output could not be written\n");
     EXPECT_EQ(result.status, 5);
 }

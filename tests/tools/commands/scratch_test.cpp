@@ -144,8 +144,8 @@ TEST_F(ScratchTest, AProgramThatIsRunningEndsWithTheProcess)
     WriteCodeBundle(mDir, "b", {"info"});
     // The reader of the pipe ends when no process of the program's group has its other side open any more.
     Script("runner", "exec 3> ../pipe\nsleep 600 &\nkill -TERM $PPID\nwait");
-    const auto reader = RunProcess({"sh", "-c", "mkfifo pipe; '" ARBORIST_COMMAND "' detect --code-timeout 600 "
-        "--code-runner ./runner b & timeout 60 cat pipe && wait $!"});
+    const auto reader = RunScript("mkfifo pipe; '" ARBORIST_COMMAND "' detect --code-timeout 600 "
+        "--code-runner ./runner b & timeout 60 cat pipe && wait $!");
     EXPECT_EQ(reader.status, 128 + SIGTERM);
 }
 
@@ -167,9 +167,9 @@ TEST_F(ScratchTest, ALogThatIsBeingMadeIsGoneAfterSignals)
     for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
         // The lines are more than a pipe buffers, so that once all are written the command is reading them and its file
         // exists.
-        const auto result = RunProcess({"sh", "-c", "rm -f pipe; mkfifo pipe; env --default-signal '" ARBORIST_COMMAND
+        const auto result = RunScript("rm -f pipe; mkfifo pipe; env --default-signal '" ARBORIST_COMMAND
             "' log import - --to made/log.db < pipe & exec 3> pipe; cat lines >&3; ls made; kill -"
-            + std::to_string(number) + " $!; wait $!"});
+            + std::to_string(number) + " $!; wait $!");
         EXPECT_EQ(result.status, 128 + number);
         EXPECT_THAT(result.out, StartsWith("arborist-"));
         EXPECT_EQ(StateOf("made").size(), 1U);

@@ -13,7 +13,7 @@ using testing::HasSubstr;
 
 ProcessResult RunInShell(const std::string& arguments)
 {
-    return RunProcess({"sh", "-c", "exec '" ARBORIST_COMMAND "' " + arguments});
+    return RunScript("exec '" ARBORIST_COMMAND "' " + arguments);
 }
 
 TEST(ClosedStreams, ResultsThatGoNowhereAreAnError)
@@ -33,8 +33,8 @@ TEST(ClosedStreams, ResultsThatGoNowhereAreAnError)
 // Standard output is a pipe without a reader, as after "| head -1".
 ProcessResult RunForNobody(const std::string& command, const ProcessSetup& setup)
 {
-    return RunProcess({"sh", "-c", "mkfifo nobody; exec 3<>nobody; exec >nobody; exec 3>&-; rm nobody; exec '"
-        ARBORIST_COMMAND "' " + command}, setup);
+    return RunScript("mkfifo nobody; exec 3<>nobody; exec >nobody; exec 3>&-; rm nobody; exec '"
+        ARBORIST_COMMAND "' " + command, setup);
 }
 
 TEST(ClosedStreams, AReaderWhoLeavesEndsTheCommandInSilence)
