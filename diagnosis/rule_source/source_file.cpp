@@ -105,7 +105,14 @@ std::size_t SourceFile::LineStart(int number) const
 std::string_view SourceFile::Line(int number) const
 {
     const std::size_t start = LineStart(number);
-    std::string_view line = std::string_view(mContent.text).substr(start, mContent.text.find('\n', start) - start);
+    if (start == mContent.text.size()) {
+        return {};
+    }
+    // Not searched for: a file may be one line of many megabytes, of which thousands of findings ask.
+    std::string_view line = std::string_view(mContent.text).substr(start, LineStart(number + 1) - start);
+    if (line.back() == '\n') {
+        line.remove_suffix(1);
+    }
     if (!line.empty() && line.back() == '\r') {
         line.remove_suffix(1);
     }
