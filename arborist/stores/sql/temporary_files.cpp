@@ -163,9 +163,7 @@ TemporaryFiles::TemporaryFiles(const std::uint64_t& mostBytes) : mVfs(std::make_
     mVfs->own.zName = mVfs->name.c_str();
     mVfs->own.pAppData = mVfs.get();
     PassAllCalls(mVfs->own);
-    if (sqlite3_vfs_register(&mVfs->own, 0) != SQLITE_OK) {
-        mVfs->base = nullptr;
-    }
+    sqlite3_vfs_register(&mVfs->own, 0); // succeeds where SQLite is initialised, as it is after sqlite3_vfs_find
 }
 
 TemporaryFiles::~TemporaryFiles()

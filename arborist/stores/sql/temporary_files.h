@@ -22,8 +22,7 @@ public:
     TemporaryFiles(const TemporaryFiles&) = delete;
     TemporaryFiles& operator=(const TemporaryFiles&) = delete;
 
-    /// The name for sqlite3_open_v2; null, which stands for SQLite's own file system, if SQLite has no memory or has no
-    /// file system.
+    /// The name for sqlite3_open_v2; null, which stands for SQLite's own file system, if SQLite can't be initialised.
     const char* GetName() const;
 
     struct Vfs;

@@ -137,6 +137,12 @@ TEST_F(TemporaryFilesTest, CallsOfTheFileSystemReachTheOneBelow)
     EXPECT_EQ(own->xDlOpen(own, mDir.Path("none.so").c_str()), nullptr);
     own->xDlError(own, sizeof(words), words);
     EXPECT_THAT(words, testing::HasSubstr("none.so"));
+    void* const library = own->xDlOpen(own, "libsqlite3.so.0");
+    ASSERT_NE(library, nullptr);
+    EXPECT_NE(own->xDlSym(own, library, "sqlite3_libversion"), nullptr);
+    own->xDlClose(own, library);
+    EXPECT_EQ(own->xGetLastError(own, sizeof(words), words), sqlite3_vfs_find(nullptr)->xGetLastError(
+        sqlite3_vfs_find(nullptr), sizeof(words), words));
 }
 
 } // namespace
