@@ -24,7 +24,8 @@ bool IsOneOf(const std::string& word, std::initializer_list<const char*> words)
 
 bool IsOutput(const std::string& option)
 {
-    return IsOneOf(option, {"-o", "--output", "--to", "--log-file", "--junit", "--write-baseline", "--man-to"});
+    return IsOneOf(option, {"-o", "--output", "--to", "--log-file", "--junit", "--write-baseline", "--man-to",
+        "--svg"});
 }
 
 bool IsOfABundle(const std::string& path)
