@@ -108,6 +108,8 @@ INSTANTIATE_TEST_SUITE_P(OfOddTrees, Verdicts, testing::Values(
                 {NONE, SURE, NONE, OPEN, NONE}, "undecided, incomplete"},
     VerdictCase{"NoGate", OrOf({Healthy(), Inner("G", nullptr)}), {NONE, SURE, Check::RULE_UNUSABLE},
                 "undecided, incomplete"},
+    VerdictCase{"NoGateThatNoCheckTells", OrOf({Healthy(), Inner("G", nullptr)}), {NONE, SURE, NONE},
+                "undecided, incomplete"},
     VerdictCase{"NoGateWhereItCouldNotMatter", AndOf({Healthy(), Inner("G", nullptr)}),
                 {NONE, SURE, Check::RULE_UNUSABLE}, "undecided, incomplete"},
     VerdictCase{"NoGateBesideARootCause", OrOf({Leaf("A", TRUE), Inner("G", nullptr)}),

@@ -82,6 +82,11 @@ TEST(VerdictFoldTest, AnIntermediateEventWithoutAGateIsALeafWhileItsCheckIsOpen)
     EXPECT_TRUE(open.AddsCutSet());
     EXPECT_TRUE(open.IsOr(0));
     EXPECT_FALSE(open.IsOr(1)) << "it has no gate";
+    const std::shared_ptr<Event> both = Inner("T", And({Inner("G", nullptr), Leaf("A")}));
+    const FlatTree joined(both);
+    const VerdictFold fold(joined, {false, false, true});
+    EXPECT_FALSE(fold.IsTopInError()) << "without a gate nothing puts it in error";
+    EXPECT_FALSE(fold.HasCutSet());
 }
 
 } // namespace
