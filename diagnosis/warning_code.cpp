@@ -19,6 +19,7 @@ constexpr std::array ROWS = {
     CodeRow{WarningCode::ATTRIBUTE_EMPTY, "attribute_empty", ExitStatus::INPUT},
     CodeRow{WarningCode::BAD_EXTRA, "bad_extra", ExitStatus::INPUT},
     CodeRow{WarningCode::BAD_NUMBER, "bad_number", ExitStatus::RULE_SET},
+    CodeRow{WarningCode::CAUSES_LEFT_OUT, "causes_left_out", ExitStatus::INPUT},
     CodeRow{WarningCode::CODE_RUNNER, "code_runner", ExitStatus::INPUT},
     CodeRow{WarningCode::DATABASE_UNAVAILABLE, "database_unavailable", ExitStatus::INPUT},
     CodeRow{WarningCode::DROPPED, "dropped", ExitStatus::RULE_SET},

@@ -13,6 +13,7 @@ enum class WarningCode {
     ATTRIBUTE_EMPTY,
     BAD_EXTRA,
     BAD_NUMBER,
+    CAUSES_LEFT_OUT,
     CODE_RUNNER,
     DATABASE_UNAVAILABLE,
     DROPPED,

@@ -110,7 +110,9 @@ void FaultTreeVisitor::FoldStatuses(
 
 void FaultTreeVisitor::AnalyzeRootCause()
 {
-    RootCauseSearch::Found found = RootCauseSearch::Find(*mFaultTree, GetObserver() != nullptr);
+    const std::size_t most = RootCauseSearch::LimitOfSettings();
+    RootCauseSearch::Found found = RootCauseSearch::Find(*mFaultTree, GetObserver() != nullptr, most,
+        [this, most](const std::string& number) { TellLimit(number, most); });
     mRootCauseList = std::move(found.rootCauses);
     mIsFault = !mRootCauseList.empty();
     FT::Log::GetInstance().Output(FT::LEVEL_INFO, "FUNc:%s: status= %d ", "FaultTreeVisitor::AnalyzeRootCause",
@@ -125,6 +127,19 @@ void FaultTreeVisitor::AnalyzeRootCause()
     }
     if (GetObserver() != nullptr) {
         TellRootCauses(std::move(found.cutSets));
+    }
+}
+
+void FaultTreeVisitor::TellLimit(const std::string& number, std::size_t most) const
+{
+    FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: the tree %s has %s root causes, only the first %zu are told.",
+        "FaultTreeVisitor::AnalyzeRootCause", mFaultTree->GetId().c_str(), number.c_str(), most);
+    if (GetObserver() != nullptr) {
+        Evidence::Trouble trouble;
+        trouble.kind = Evidence::Trouble::Kind::CAUSES_LEFT_OUT;
+        trouble.subject = mFaultTree->GetId();
+        trouble.words = number;
+        GetObserver()->OnTrouble(std::move(trouble));
     }
 }
 

@@ -1,7 +1,9 @@
 #ifndef ARBORIST_DEDUCTION_FAULT_TREE_VISITOR_H
 #define ARBORIST_DEDUCTION_FAULT_TREE_VISITOR_H
 
+#include <cstddef>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "arborist/deduction/cut_set.h"
@@ -15,7 +17,8 @@ struct FaultTreeNode;
 
 /// Computes the root causes of a tree whose events have the results of their rules.
 ///
-/// Keeps the results of the last deduction. Not thread-safe.
+/// Keeps the results of the last deduction. Of a tree with more root causes than Settings::CAUSE_LIMIT it finds the first
+/// ones, and tells log and observer how many there are before it builds them. Not thread-safe.
 class FaultTreeVisitor {
 public:
     /// Stores `faultTreeParser` but doesn't use it; it may be null.
@@ -45,6 +48,7 @@ public:
 
 private:
     void AnalyzeRootCause();
+    void TellLimit(const std::string& number, std::size_t most) const;
     void TellRootCauses(MinimalCutSet cutSets) const;
     // Each use of the observer goes through this call, of which the bench of the observer makes one that returns null.
     DetectionObserver* GetObserver() const { return mObserver; }

@@ -1,6 +1,8 @@
 #include "arborist/deduction/root_cause_search.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdio>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -9,20 +11,41 @@
 #include "arborist/deduction/path_walk.h"
 #include "arborist/deduction/root_cause.h"
 #include "arborist/deduction/surviving_tree.h"
+#include "arborist/frame/fault_tree_prop_global.h"
+#include "arborist/frame/settings.h"
 #include "arborist/frame/stopping.h"
 #include "arborist/model/event.h"
 #include "arborist/model/fault_tree.h"
+#include "arborist/utilities/string_util.h"
 #include "arborist/utilities/text_hash.h"
 
 namespace {
 
 using Index = SurvivingTree::Index;
 
-// All combinations of a surviving tree, in the order of expansion. A combination is a leaf or joins two others, so that
+// The number of combinations of a branch; inexact above 2^53.
+double CountBelow(const SurvivingTree& tree, Index branch)
+{
+    const SurvivingTree::Branch& head = tree.GetBranch(branch);
+    if (head.kind == SurvivingTree::BranchKind::LEAF) {
+        return 1;
+    }
+    const bool isSum = head.kind == SurvivingTree::BranchKind::OR;
+    double count = isSum ? 0 : 1;
+    for (Index below = head.first; below != SurvivingTree::NONE; below = tree.GetBranch(below).next) {
+        count = isSum ? count + CountBelow(tree, below) : count * CountBelow(tree, below);
+    }
+    return count;
+}
+
+// The first `most` combinations of a surviving tree, in the order of expansion. A combination is a leaf or joins two others, so that
 // combinations share their common parts.
 class Combinations {
 public:
-    explicit Combinations(const SurvivingTree& tree) : mTree(tree) { Append(tree.GetTop(), mAll); }
+    Combinations(const SurvivingTree& tree, std::size_t most) : mTree(tree), mMost(most)
+    {
+        Append(tree.GetTop(), mAll);
+    }
 
     std::size_t Count() const { return mAll.size(); }
 
@@ -62,13 +85,15 @@ private:
         return (mJoins.size() - 1) * 2 + 1;
     }
 
+    // Stops where `result` has the most: what follows comes behind it in each product, too.
     void Append(Index branch, std::vector<Combination>& result)
     {
         const SurvivingTree::Branch& head = mTree.GetBranch(branch);
         if (head.kind == SurvivingTree::BranchKind::LEAF) {
             result.push_back(std::size_t{branch} * 2);
         } else if (head.kind == SurvivingTree::BranchKind::OR) {
-            for (Index below = head.first; below != SurvivingTree::NONE; below = mTree.GetBranch(below).next) {
+            for (Index below = head.first; below != SurvivingTree::NONE && result.size() < mMost;
+                 below = mTree.GetBranch(below).next) {
                 Append(below, result);
             }
         } else {
@@ -87,7 +112,8 @@ private:
             Append(below, factor);
             product = Multiply(std::move(product), factor);
         }
-        result.insert(result.end(), product.begin(), product.end());
+        const auto room = static_cast<std::ptrdiff_t>(std::min(product.size(), mMost - result.size()));
+        result.insert(result.end(), product.begin(), product.begin() + room);
     }
 
     // Joins every combination of `left` with every one of `right`; `left` is the outer loop.
@@ -100,9 +126,12 @@ private:
             return left;
         }
         std::vector<Combination> product;
-        product.reserve(left.size() * right.size());
+        product.reserve(left.size() > mMost / right.size() ? mMost : left.size() * right.size());
         for (const Combination first : left) {
             for (const Combination second : right) {
+                if (product.size() == mMost) {
+                    return product;
+                }
                 product.push_back(Join(first, second));
             }
         }
@@ -110,6 +139,7 @@ private:
     }
 
     const SurvivingTree& mTree;
+    std::size_t mMost;
     std::vector<std::pair<Combination, Combination>> mJoins;
     std::vector<Combination> mAll;
     std::vector<Combination> mToVisit;
@@ -192,10 +222,10 @@ SurvivingTree CutDown(const std::shared_ptr<Event>& top)
     return tree;
 }
 
-RootCauseSearch::Found CollectAll(const SurvivingTree& tree, bool withCutSets)
+RootCauseSearch::Found Collect(const SurvivingTree& tree, bool withCutSets, std::size_t most)
 {
     RootCauseSearch::Found found;
-    Combinations combinations(tree);
+    Combinations combinations(tree, most);
     WaysUp waysUp(tree);
     std::vector<Index> members;
     found.rootCauses.reserve(combinations.Count());
@@ -215,7 +245,15 @@ RootCauseSearch::Found CollectAll(const SurvivingTree& tree, bool withCutSets)
 
 } // namespace
 
-RootCauseSearch::Found RootCauseSearch::Find(const FaultTree& tree, bool withCutSets)
+std::size_t RootCauseSearch::LimitOfSettings()
+{
+    const std::string text = FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(Settings::CAUSE_LIMIT, "");
+    const std::int32_t limit = StringUtil::Int32Of(text).value_or(0);
+    return limit > 0 ? static_cast<std::size_t>(limit) : NO_LIMIT;
+}
+
+RootCauseSearch::Found RootCauseSearch::Find(const FaultTree& tree, bool withCutSets, std::size_t most,
+    const std::function<void(const std::string& number)>& tellNumber)
 {
     const std::shared_ptr<Event> top = tree.GetIntermediateEvent();
     // The top event is above every member and part of every path: it must be in error, and "&" in its id would split
@@ -224,5 +262,14 @@ RootCauseSearch::Found RootCauseSearch::Find(const FaultTree& tree, bool withCut
         return {};
     }
     const SurvivingTree survivors = CutDown(top);
-    return survivors.GetTop() == SurvivingTree::NONE ? Found() : CollectAll(survivors, withCutSets);
+    if (survivors.GetTop() == SurvivingTree::NONE) {
+        return {};
+    }
+    const double number = CountBelow(survivors, survivors.GetTop());
+    if (tellNumber && number > static_cast<double>(most)) {
+        char text[32];
+        std::snprintf(text, sizeof(text), "%.15g", number);
+        tellNumber(text);
+    }
+    return Collect(survivors, withCutSets, most);
 }

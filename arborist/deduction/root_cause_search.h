@@ -1,7 +1,11 @@
 #ifndef ARBORIST_DEDUCTION_ROOT_CAUSE_SEARCH_H
 #define ARBORIST_DEDUCTION_ROOT_CAUSE_SEARCH_H
 
+#include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "arborist/deduction/cut_set.h"
@@ -16,13 +20,21 @@ class RootCause;
 /// are proportional to the size of the tree plus that of the result, not to that of the expansion.
 class RootCauseSearch {
 public:
+    static constexpr std::size_t NO_LIMIT = SIZE_MAX;
+
     struct Found {
         std::vector<std::shared_ptr<RootCause>> rootCauses;
         /// The cut set of each root cause, if they were requested.
         MinimalCutSet cutSets;
     };
 
-    static Found Find(const FaultTree& tree, bool withCutSets = false);
+    /// What Settings::CAUSE_LIMIT says; NO_LIMIT where it is no number above 0.
+    static std::size_t LimitOfSettings();
+
+    /// Finds the first `most` of them. Their number is worked out before the first is built: if it is above `most`,
+    /// `tellNumber`, which may be null, receives it, with 15 digits.
+    static Found Find(const FaultTree& tree, bool withCutSets = false, std::size_t most = NO_LIMIT,
+        const std::function<void(const std::string& number)>& tellNumber = nullptr);
 };
 
 #endif

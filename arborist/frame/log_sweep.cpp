@@ -58,7 +58,7 @@ void Judge(RuleSweep::Tree& swept, std::size_t number, std::int64_t moment, Swee
         }
     }
     tree.Check();
-    RootCauseSearch::Found found = RootCauseSearch::Find(tree, true);
+    RootCauseSearch::Found found = RootCauseSearch::Find(tree, true, RootCauseSearch::LimitOfSettings());
     std::vector<Evidence::RootCause> causes;
     for (std::size_t cause = 0; cause < found.rootCauses.size(); ++cause) {
         const RootCause& rootCause = *found.rootCauses[cause];

@@ -36,6 +36,10 @@ inline constexpr char TEMPORARY_STORES[] = "TemporaryStores";
 /// Arborist::RequestStop.
 inline constexpr char TIME_LIMIT[] = "TimeLimit";
 
+/// When set to a number above 0: the most root causes of a tree that are searched for. A tree of a few hundred events may
+/// have a billion, and each takes memory: the first ones are then told, as many as the limit says.
+inline constexpr char CAUSE_LIMIT[] = "CauseLimit";
+
 /// If not empty, the library leaves SQLite's memory to the host: it neither configures SQLite nor sets its soft heap
 /// limit, which is one for the whole process. Otherwise each connection sets the limit to 100 KiB.
 inline constexpr char KEEP_SQLITE_MEMORY[] = "KeepSqliteMemory";
@@ -43,7 +47,7 @@ inline constexpr char KEEP_SQLITE_MEMORY[] = "KeepSqliteMemory";
 /// The keys of all settings. Code that sets some temporarily empties all of these at the end.
 inline constexpr const char* ALL[] = {
     APP_DATABASE_DIR, APP_FILE_DIR, VERSION_NAME, PROGRAM_DATA_DIR, DEVICE_ROOT_DIR, CURRENT_TIME, AS_OF, TEMPORARY_STORES,
-    TIME_LIMIT, KEEP_SQLITE_MEMORY};
+    TIME_LIMIT, CAUSE_LIMIT, KEEP_SQLITE_MEMORY};
 
 } // namespace Settings
 

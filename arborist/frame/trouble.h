@@ -19,6 +19,7 @@ struct Trouble {
         TABLE_NOT_BUILT, ///< the derived table `subject` could not be created; no event was selected for it
         REPAIR_HISTORY_LOST, ///< the repair `subject` was recorded after Settings::AS_OF, and an earlier date is not kept
         NO_THRESHOLDS, ///< the entry `subject` of the common part has thresholds, and the device lacks an attribute
+        CAUSES_LEFT_OUT, ///< the tree `subject` has more root causes than Settings::CAUSE_LIMIT, `words` in all
     };
 
     /// What went wrong.

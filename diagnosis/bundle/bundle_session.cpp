@@ -170,6 +170,7 @@ void BundleSession::SetSettings(const BundleOverrides& overrides)
     settings[Settings::CURRENT_TIME] = mMoment ? std::to_string(*mMoment) : "";
     settings[Settings::AS_OF] = mBundle.asOf.empty() ? "" : settings[Settings::CURRENT_TIME];
     settings[Settings::TIME_LIMIT] = overrides.timeLimit > 0 ? std::to_string(overrides.timeLimit) : "";
+    settings[Settings::CAUSE_LIMIT] = std::to_string(MOST_ROOT_CAUSES);
     // The databases that a detection writes are removed with the scratch folder.
     settings[Settings::TEMPORARY_STORES] = mScratch.IsMade() ? "1" : "";
     mSettingsInForce.Set(settings);

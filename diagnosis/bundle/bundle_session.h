@@ -19,6 +19,10 @@ struct DetectInfo;
 
 namespace diagnosis {
 
+/// The root causes of one tree that a detection looks for, those of the first cut sets: a small bundle may have a tree with
+/// more of them than any memory takes.
+inline constexpr int MOST_ROOT_CAUSES = 100'000;
+
 /// Values of the command line that replace those of a bundle; an empty text replaces nothing.
 struct BundleOverrides {
     std::string now;

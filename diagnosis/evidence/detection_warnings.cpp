@@ -6,6 +6,7 @@
 
 #include "arborist/frame/settings.h"
 #include "diagnosis/bundle/bundle_overlay.h"
+#include "diagnosis/bundle/bundle_session.h"
 #include "diagnosis/log_db/event_log_look.h"
 
 namespace diagnosis {
@@ -140,6 +141,10 @@ void DetectionWarnings::OnTrouble(const Evidence::Trouble& trouble)
         break;
     case Kind::NO_THRESHOLDS:
         mLacksThresholds = true;
+        break;
+    case Kind::CAUSES_LEFT_OUT:
+        mList.Add(WarningCode::CAUSES_LEFT_OUT, "the tree " + Quoted(trouble.subject) + " has " + trouble.words + " root causes: the first "
+            + std::to_string(MOST_ROOT_CAUSES) + " are listed");
         break;
     }
 }

@@ -9,8 +9,11 @@
 #include "arborist/frame/detection_observer.h"
 #include "arborist/frame/fault_tree_result.h"
 #include "arborist/frame/log.h"
+#include "arborist/frame/settings.h"
 #include "tests/deduction/cause_text.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/recording_observer.h"
+#include "tests/support/settings_guard.h"
 #include "tests/support/tree_builder.h"
 
 namespace {
@@ -45,6 +48,29 @@ TEST_F(FaultTreeVisitorTest, NothingFiredIsNoFaultAndLogsStatusAndSizeZero)
     EXPECT_THAT(mLog.Lines(FT::LEVEL_INFO),
                 ElementsAre("FUNc:FaultTreeVisitor::AnalyzeRootCause: status= 0 ",
                             "FUNc:FaultTreeVisitor::AnalyzeRootCause: mRootCauseList size= 0"));
+}
+
+TEST_F(FaultTreeVisitorTest, CausesBeyondTheLimitAreLeftOutAndTold)
+{
+    SettingsGuard settings;
+    const auto deduce = [this] { Deduce(Or({Leaf("A", TRUE), Leaf("B", TRUE), Leaf("C", TRUE)})); };
+    RecordingObserver observer;
+    mVisitor.SetObserver(&observer);
+    settings.Set(Settings::CAUSE_LIMIT, "2");
+    deduce();
+    EXPECT_TRUE(mVisitor.IsFault());
+    EXPECT_THAT(NodeIds(), ElementsAre("A", "B"));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_WARN), ElementsAre(
+        "FUNc:FaultTreeVisitor::AnalyzeRootCause: the tree Tree has 3 root causes, only the first 2 are told."));
+    EXPECT_THAT(observer.Lines("trouble"), ElementsAre("trouble causes Tree: 3"));
+    mLog.Clear();
+    mVisitor.SetObserver(nullptr);
+    for (const char* none : {"3", "0", "-1", "x", ""}) {
+        settings.Set(Settings::CAUSE_LIMIT, none);
+        deduce();
+        EXPECT_THAT(NodeIds(), ElementsAre("A", "B", "C")) << none;
+    }
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_WARN), IsEmpty());
 }
 
 TEST_F(FaultTreeVisitorTest, TrueLeavesAreFaultsInCutSetOrder)

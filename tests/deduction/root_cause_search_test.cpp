@@ -1,5 +1,7 @@
 #include "arborist/deduction/root_cause_search.h"
 
+#include <algorithm>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -124,6 +126,44 @@ std::shared_ptr<FaultTree> ProductTree(int branches, int width, IsTrue isTrue)
         inner.push_back(Inner("G" + std::to_string(branch), Or(leaves)));
     }
     return TreeOf(Observable("T", TRUE, And(inner)));
+}
+
+TEST(RootCauseSearchTest, ALimitFindsTheFirstOnesAndTellsTheNumberOfAll)
+{
+    const auto leaves = [](const std::string& ids) {
+        EventList events;
+        for (const char id : ids) {
+            events.push_back(Leaf(std::string(1, id), TRUE));
+        }
+        return Or(events);
+    };
+    const auto tree = TreeOf(Inner("T", Or({Leaf("X", TRUE),
+        Inner("P", And({Inner("G", leaves("ABC")), Inner("H", And({Inner("I", leaves("DE")), Leaf("F", TRUE)})),
+            Inner("J", leaves("GHI"))})),
+        Leaf("Y", TRUE)})));
+    const auto all = TextOf(Search(tree).cutSets);
+    ASSERT_THAT(all, SizeIs(20));
+    for (std::size_t most = 1; most <= 21; ++most) {
+        std::vector<std::string> told;
+        const auto found = RootCauseSearch::Find(*tree, true, most, [&](const std::string& number) { told.push_back(number); });
+        const std::size_t expected = std::min<std::size_t>(most, 20);
+        EXPECT_THAT(TextOf(found.cutSets), ElementsAreArray(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(expected)));
+        EXPECT_THAT(found.rootCauses, SizeIs(expected));
+        EXPECT_EQ(told, most < 20 ? std::vector<std::string>{"20"} : std::vector<std::string>{});
+    }
+}
+
+TEST(RootCauseSearchTest, ALimitHoldsForMoreThanAnyMemoryTakes)
+{
+    const auto tree = ProductTree(10, 1000, [](int, int) { return true; });
+    const LogCapture log; // keeps the lines of the fold off the output
+    tree->Check();
+    std::string told;
+    const auto found = RootCauseSearch::Find(*tree, true, 1500, [&](const std::string& number) { told = number; });
+    ASSERT_THAT(found.cutSets, SizeIs(1500));
+    EXPECT_EQ(found.cutSets[1499][8], "T/G8/E1");
+    EXPECT_EQ(found.cutSets[1499][9], "T/G9/E499");
+    EXPECT_EQ(told, "1e+30");
 }
 
 TEST(RootCauseSearchTest, AnExpansionOfTenToTheHundredIsNotExpanded)

@@ -38,6 +38,8 @@ const char* Text(Evidence::Trouble::Kind kind)
         return "repair history";
     case Evidence::Trouble::Kind::NO_THRESHOLDS:
         return "thresholds";
+    case Evidence::Trouble::Kind::CAUSES_LEFT_OUT:
+        return "causes";
     }
     return "";
 }

@@ -328,6 +328,14 @@ std::vector<WarningCase> Warnings()
                 test.mDir.Write("b/rules/FaultTreeRules.xml", RuleXml("Other").Text());
             },
             "no rule under the tree tag", 3},
+        {"causes_left_out",
+            [](auto& test) {
+                WriteHotBundle(test.mDir, "b");
+                const auto gate = Or(std::vector<Xml>(317, Basic("HOT")));
+                test.mDir.Write("b/rules/FaultTrees.xml", TreeXml("Tag").Version("1").Tree("T",
+                    And({Intermediate("G", gate), Intermediate("H", gate)})).Text());
+            },
+            "the tree \"T\" has 100489 root causes: the first 100000 are listed", 4},
         {"true_without_cause",
             [](auto& test) {
                 WriteHotBundle(test.mDir, "b");
