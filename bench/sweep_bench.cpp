@@ -48,7 +48,8 @@ void WriteRuleSet(const std::string& folder, const EventLogShape& shape)
         const std::string event = "E" + std::to_string(number);
         if (number % RULES_OF_TREE == 0) {
             const int tree = number / RULES_OF_TREE;
-            trees << "<Fault-Tree id=\"T" << tree << "\"><Intermediate-Event><ID>T" << tree << "</ID><Or-Gate>\n";
+            trees << "<Fault-Tree id=\"T" << tree << "\" version=\"1\" type=\"bench\"><Intermediate-Event><ID>T" << tree
+                  << "</ID><Or-Gate>\n";
         }
         trees << "<Basic-Event><ID>" << event << "</ID></Basic-Event>\n";
         trees << (number % RULES_OF_TREE == RULES_OF_TREE - 1 ? "</Or-Gate></Intermediate-Event></Fault-Tree>\n" : "");
