@@ -49,6 +49,8 @@ std::vector<View> AllViews()
         {{"repair", "record"}, {"b", "R", "--json"}, false},
         {{"repair", "list"}, {"b"}, false},
         {{"repair", "list"}, {"b", "--json"}, false},
+        {{"sweep"}, {"b"}, false},
+        {{"sweep"}, {"b", "--json"}, false},
         {{"report"}, {"b"}, false},
         {{"graph"}, {"b", "--format", "mermaid"}, false},
         {{"graph"}, {"b", "--format", "dot"}, false},
