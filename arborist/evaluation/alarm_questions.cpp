@@ -51,13 +51,13 @@ EventRows::Questions AlarmQuestions::WeightOf(const IdRange& part) const
     })};
 }
 
-std::vector<AlarmQuestions::IdRange> AlarmQuestions::PartsOf(const IdRange& ids)
+std::vector<IdRange> AlarmQuestions::PartsOf(const IdRange& ids)
 {
     std::vector<IdRange> parts;
     std::int64_t first = ids.first;
     while (first <= ids.last) {
         std::int64_t last = ids.last;
-        for (const DetectionCustomize::IdRange& dmd : DetectionCustomize::DMD_RANGES) {
+        for (const IdRange& dmd : DetectionCustomize::DMD_RANGES) {
             const std::int64_t lastAlike = first < dmd.first ? dmd.first - 1 : dmd.last;
             last = lastAlike < first ? last : std::min(last, lastAlike);
         }

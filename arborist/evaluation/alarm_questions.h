@@ -7,6 +7,7 @@
 
 #include "arborist/evaluation/alarm_window.h"
 #include "arborist/evaluation/member_test.h"
+#include "arborist/model/id_range.h"
 #include "arborist/model/rule.h"
 #include "arborist/stores/event_log/event_rows.h"
 
@@ -16,7 +17,6 @@ class RuleChecker;
 /// weighs. They refer to the checker, which notes what a row can't answer.
 class AlarmQuestions {
 public:
-    using IdRange = AlarmWindow::IdRange;
 
     explicit AlarmQuestions(const RuleChecker& checker) : mChecker(checker) {}
 

@@ -122,7 +122,7 @@ bool AlarmRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const s
 }
 
 // With only an upper bound the range is that one id; with only a lower bound it is empty.
-AlarmRuleEngine::IdRange AlarmRuleEngine::GetAlarmIdList(const AlarmRule::AlarmItem& item) const
+IdRange AlarmRuleEngine::GetAlarmIdList(const AlarmRule::AlarmItem& item) const
 {
     const std::int32_t last = item.GetEventIdMax();
     const std::int32_t lower = item.GetEventIdMin();

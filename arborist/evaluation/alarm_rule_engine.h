@@ -66,7 +66,6 @@ public:
 private:
     using AlarmItem = std::shared_ptr<AlarmRule::AlarmItem>;
     using Window = AlarmWindow;
-    using IdRange = AlarmWindow::IdRange;
     using TestList = AlarmWindow::TestList;
     using RowsVisitor = std::function<bool(const EventRows& rows)>;
     using Measure = AlarmCount::Measure;

@@ -9,6 +9,7 @@
 
 #include "arborist/evaluation/member_test.h"
 #include "arborist/frame/evidence.h"
+#include "arborist/model/id_range.h"
 #include "arborist/model/rule.h"
 #include "arborist/stores/event_log/event_rows.h"
 
@@ -21,16 +22,8 @@ class AlarmWindow {
 public:
     using TestList = std::vector<std::shared_ptr<const MemberTest>>;
 
-    /// Ids from `first` to `last`.
-    struct IdRange {
-        std::int32_t first;
-        std::int32_t last;
-
-        bool IsEmpty() const { return first == 0 || first > last; }
-    };
-
     /// `record` is null without an observer, and must outlive the window.
-    AlarmWindow(const IdRange& ids, TimeSet::TimeType timeType, Evidence::Window* record);
+    AlarmWindow(const IdRange& idRange, TimeSet::TimeType type, Evidence::Window* record);
 
     /// Sets what is counted. Returns the record of the start time, which the caller fills in; null without an observer.
     Evidence::Start* Open(const TimeSet& timeSet, bool isFromUpdate);

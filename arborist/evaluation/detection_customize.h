@@ -6,6 +6,8 @@
 #include <memory>
 #include <string>
 
+#include "arborist/model/id_range.h"
+
 class LogEvent;
 class RowQuestion;
 
@@ -14,11 +16,6 @@ class DetectionCustomize {
 public:
     static constexpr char KEY_COUNT[] = "COUNT";
 
-    /// Event ids from `first` to `last`.
-    struct IdRange {
-        std::int32_t first;
-        std::int32_t last;
-    };
     /// The ids of DMD events.
     static constexpr IdRange DMD_RANGES[] = {{920000000, 929999999}, {909030000, 909031999}, {912001000, 912001999}};
 

@@ -73,7 +73,7 @@ EventDecider::Entry EventDecider::DoSingleRuleCheck(const std::string& name, con
 {
     const bool result = mRules.Fires(name, eventId, alternative);
     // An alternative with an empty name has no entry for its result. Its rule is run nevertheless.
-    const Entry entry = name.empty() ? nullptr : RuleHelper::OrLogMissing(finder.Find(name));
+    Entry entry = name.empty() ? nullptr : RuleHelper::OrLogMissing(finder.Find(name));
     if (entry != nullptr) {
         entry->result = result;
     }

@@ -58,7 +58,7 @@ void MarkStopped(Evidence::TreeVerdict& verdict, const FaultTree& tree)
     const bool isTold = std::any_of(verdict.open.begin(), verdict.open.end(),
         [](const Evidence::OpenCheck& open) { return open.reason == Evidence::Reason::STOPPED; });
     if (!isTold) {
-        const auto top = tree.GetIntermediateEvent();
+        const auto& top = tree.GetIntermediateEvent();
         verdict.open.push_back({top == nullptr ? std::string() : top->GetId(), {},
             Evidence::CheckOf(Evidence::Reason::STOPPED), Evidence::Reason::STOPPED, {}, false});
     }

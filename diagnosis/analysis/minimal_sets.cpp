@@ -4,6 +4,7 @@
 #include <numeric>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 namespace diagnosis {
 
@@ -24,7 +25,7 @@ struct NumberedSets {
     {
         std::unordered_map<std::string_view, Number> numbers;
         for (const DistinctCause& cause : causes) {
-            Numbers& set = sets.emplace_back();
+            Numbers set;
             for (const std::string& id : cause.ids) {
                 const auto [entry, isNew] = numbers.try_emplace(id, static_cast<Number>(ids.size()));
                 if (isNew) {
@@ -35,6 +36,7 @@ struct NumberedSets {
                 ++counts[entry->second];
             }
             std::sort(set.begin(), set.end());
+            sets.push_back(std::move(set));
         }
     }
 };

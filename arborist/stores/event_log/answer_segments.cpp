@@ -96,7 +96,11 @@ bool AnswerSegments::HasRoomFor(const std::vector<Boundary>& boundaries) const
     std::size_t open = 0;
     std::size_t targets = 0;
     for (const Boundary& boundary : boundaries) {
-        open += boundary.isBegin ? 1 : static_cast<std::size_t>(-1);
+        if (boundary.isBegin) {
+            ++open;
+        } else {
+            --open;
+        }
         targets += open;
     }
     return targets <= most;
@@ -117,7 +121,8 @@ void AnswerSegments::MakeSegments(
             open[range.question] = table.Add(range.question, mSnapshot.GetEntry(range.first).begin,
                 mSnapshot.GetEntry(range.end - 1).end, requests.GetQuestion(range.question).IsNumber()).get();
         }
-        if (open.empty()) {
+        // The last boundary is the end of the last range: behind it nothing is open.
+        if (open.empty() || place == boundaries.size()) {
             continue;
         }
         AnswerSegment& segment = mSegments.emplace_back();

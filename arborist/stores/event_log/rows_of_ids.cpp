@@ -31,8 +31,10 @@ std::optional<RowsOfIds> RowsOfIds::Read(const UnchangedLog& log)
     FT::sql::SqlCursor events(database, "select event_id, " + rows.mRowName + " from event_info not indexed");
     while (events.Step()) {
         const auto id = EventIdOf(events);
-        const auto found = id ? rows.mRows.find(*id) : rows.mRows.end();
-        if (found != rows.mRows.end()) {
+        if (!id) {
+            continue;
+        }
+        if (const auto found = rows.mRows.find(*id); found != rows.mRows.end()) {
             found->second.push_back(events.GetInteger(1));
         }
     }

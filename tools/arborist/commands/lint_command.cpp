@@ -62,11 +62,12 @@ rule_source::RuleSetFiles FilesOfEditor(const std::string& name)
     }
     const std::string own = isRuleFile ? "FaultTreeRules.xml" : "FaultTrees.xml";
     const std::string start = EndsWith(name, own) ? name.substr(0, name.size() - own.size()) : "";
+    (isRuleFile ? files.rules : files.trees) = std::move(edited);
     auto other = SourceFile::Read(start + (isRuleFile ? "FaultTrees.xml" : "FaultTreeRules.xml"));
     // The other file was not asked for: findings about the file itself are reported when the whole rule set is linted.
-    other = other->IsLoaded() ? std::move(other) : nullptr;
-    files.rules = isRuleFile ? std::move(edited) : std::move(other);
-    files.trees = isRuleFile ? std::move(other) : std::move(edited);
+    if (other->IsLoaded()) {
+        (isRuleFile ? files.trees : files.rules) = std::move(other);
+    }
     return files;
 }
 
