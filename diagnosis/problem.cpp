@@ -2,16 +2,16 @@
 
 namespace diagnosis {
 
-std::string PlacedMessage(const Problem& problem)
+std::string PlacedMessage(const Remark& remark)
 {
-    if (problem.file.empty()) {
-        return problem.message;
+    if (remark.file.empty()) {
+        return remark.message;
     }
     // A message about a file as a whole begins with its path anyway.
-    const std::string path = problem.file + ": ";
-    const bool hasPath = problem.message.rfind(path, 0) == 0;
-    const std::string place = problem.line == 0 ? path : problem.file + ":" + std::to_string(problem.line) + ": ";
-    return place + (hasPath ? problem.message.substr(path.size()) : problem.message);
+    const std::string path = remark.file + ": ";
+    const bool hasPath = remark.message.rfind(path, 0) == 0;
+    const std::string place = remark.line == 0 ? path : remark.file + ":" + std::to_string(remark.line) + ": ";
+    return place + (hasPath ? remark.message.substr(path.size()) : remark.message);
 }
 
 } // namespace diagnosis

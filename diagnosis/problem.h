@@ -10,7 +10,7 @@
 namespace diagnosis {
 
 /// What is wrong, and where. All but the message are empty where nothing is known.
-struct Problem {
+struct Remark {
     std::string message;
     /// The check of lint that finds this mistake of the rule set: "A303".
     std::string id = {};
@@ -23,15 +23,15 @@ struct Problem {
 };
 
 /// A problem that makes a result less reliable but doesn't stop the work.
-struct Warning : Problem {
-    Warning(WarningCode warningCode, Problem problem) : Problem(std::move(problem)), code(warningCode) {}
-    Warning(WarningCode warningCode, std::string text) : Warning(warningCode, Problem{std::move(text)}) {}
+struct Warning : Remark {
+    Warning(WarningCode warningCode, Remark remark) : Remark(std::move(remark)), code(warningCode) {}
+    Warning(WarningCode warningCode, std::string text) : Warning(warningCode, Remark{std::move(text)}) {}
 
     WarningCode code;
 };
 
 /// The message behind its place: "rules/FaultTreeRules.xml:12: the event ...".
-std::string PlacedMessage(const Problem& problem);
+std::string PlacedMessage(const Remark& remark);
 
 /// Why a bundle or a file could not be used. The message names the file and the reason, on one line.
 struct Failure {

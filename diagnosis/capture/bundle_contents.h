@@ -59,7 +59,7 @@ struct BundleFinding {
     State state;
     /// The word of the failure or the warning; empty for a sound one.
     std::string code;
-    Problem what;
+    Remark what;
     ExitStatus status = ExitStatus::SUCCESS;
     /// The status under --strict.
     ExitStatus strictStatus = status;

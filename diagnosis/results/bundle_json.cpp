@@ -81,7 +81,7 @@ std::string CheckJson(const std::string& bundle, bool isOk, const std::vector<Bu
     json.Key("findings").BeginArray();
     for (const BundleFinding& finding : findings) {
         json.BeginObject().Text("state", StateWord(finding.state));
-        WriteProblem(json, finding.code, finding.what);
+        WriteRemark(json, finding.code, finding.what);
         json.EndObject();
     }
     return json.EndArray().EndObject().Line();

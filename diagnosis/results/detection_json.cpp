@@ -48,18 +48,18 @@ void WriteRootCauseTexts(JsonWriter& json, const FaultTreeResult::RootCauseResul
     json.EndArray();
 }
 
-void WriteProblem(JsonWriter& json, const std::string& code, const Problem& problem)
+void WriteRemark(JsonWriter& json, const std::string& code, const Remark& remark)
 {
-    json.Text("code", code).Text("message", problem.message);
+    json.Text("code", code).Text("message", remark.message);
     const std::pair<const char*, const std::string&> texts[] = {
-        {"id", problem.id}, {"rule", problem.rule}, {"event", problem.event}, {"file", problem.file}};
+        {"id", remark.id}, {"rule", remark.rule}, {"event", remark.event}, {"file", remark.file}};
     for (const auto& [key, text] : texts) {
         if (!text.empty()) {
             json.Text(key, text);
         }
     }
-    if (!problem.file.empty()) {
-        json.Number("line", problem.line);
+    if (!remark.file.empty()) {
+        json.Number("line", remark.line);
     }
 }
 
@@ -68,7 +68,7 @@ void WriteWarnings(JsonWriter& json, const std::vector<Warning>& warnings)
     json.BeginArray();
     for (const Warning& warning : warnings) {
         json.BeginObject();
-        WriteProblem(json, CodeWord(warning.code), warning);
+        WriteRemark(json, CodeWord(warning.code), warning);
         json.EndObject();
     }
     json.EndArray();

@@ -15,8 +15,8 @@ std::string DetectionJson(const DetectionReport& report);
 /// Writes the members of a root cause: the ids and texts of the result.
 void WriteRootCauseTexts(JsonWriter& json, const FaultTreeResult::RootCauseResult& cause);
 
-/// Writes the members of a problem: "code", "message", and those of the others that are known.
-void WriteProblem(JsonWriter& json, const std::string& code, const Problem& problem);
+/// Writes the members of a remark: "code", "message", and those of the others that are known.
+void WriteRemark(JsonWriter& json, const std::string& code, const Remark& remark);
 /// Writes an array of warnings.
 void WriteWarnings(JsonWriter& json, const std::vector<Warning>& warnings);
 

@@ -132,7 +132,7 @@ private:
         mReport.density = DensityOfLog(mLog, mReport.from, mReport.until, DENSITY_PARTS);
         for (const SweepPlan::Unswept& rule : mReport.plan.unswept) {
             mReport.warnings.push_back({WarningCode::NOT_SWEPT,
-                Problem{Sentence(rule, mReport.plan.tableMoments), {}, {}, 0, rule.ruleName, rule.eventId}});
+                {.message = Sentence(rule, mReport.plan.tableMoments), .rule = rule.ruleName, .event = rule.eventId}});
         }
         if (mAnswers != nullptr) {
             const auto& warnings = mAnswers->GetWarnings();

@@ -22,7 +22,7 @@ namespace {
 using diagnosis::BundleFinding;
 using diagnosis::CodeOfMistakes;
 using diagnosis::CodeWord;
-using diagnosis::Problem;
+using diagnosis::Remark;
 using diagnosis::Warning;
 using diagnosis::WarningCode;
 using diagnosis::lint::AllChecks;
@@ -31,20 +31,20 @@ using diagnosis::lint::CheckClass;
 using diagnosis::lint::Severity;
 using testing::Contains;
 
-std::string TextOf(const std::string& code, const Problem& problem)
+std::string TextOf(const std::string& code, const Remark& remark)
 {
-    return code + " " + problem.id + " " + problem.rule + "|" + problem.event + " " + diagnosis::PlacedMessage(problem);
+    return code + " " + remark.id + " " + remark.rule + "|" + remark.event + " " + diagnosis::PlacedMessage(remark);
 }
 
 /// The problems of the rule set by their texts. Data that a detection lacks is no matter of the rule set.
 class RuleSetProblems {
 public:
-    void Add(const std::string& code, Problem problem)
+    void Add(const std::string& code, Remark remark)
     {
         // A statement that fails is told in the words of the run.
-        problem.message = mIsWithoutSql && code == "sql_failed" ? "" : problem.message;
-        if (!problem.id.empty() || code == "no_rules") {
-            mTexts.push_back(TextOf(code, problem));
+        remark.message = mIsWithoutSql && code == "sql_failed" ? "" : remark.message;
+        if (!remark.id.empty() || code == "no_rules") {
+            mTexts.push_back(TextOf(code, remark));
         }
     }
     std::vector<std::string> Texts()

@@ -105,7 +105,7 @@ std::string CheckText(const std::string& bundle, const std::vector<BundleFinding
 {
     std::string text = Printable(bundle) + "\n";
     for (const BundleFinding& finding : findings) {
-        const Problem& what = finding.what;
+        const Remark& what = finding.what;
         const std::string code = finding.code + (what.id.empty() ? "" : ", " + what.id);
         text += "  " + ColouredState(finding.state, colour)
             + Printable(PlacedMessage(what) + (code.empty() ? "" : " [" + code + "]")) + "\n";
