@@ -97,7 +97,8 @@ private:
     int mQueue;
 };
 
-// No bundle names the second rule set of the folder, so that no worker reads it.
+// No bundle names the second rule set of the folder, so that no worker reads it. The runs have no guard of their inputs,
+// which would open it.
 TEST_F(BatchTest, TheRuleSetsOfTheOptionAreCheckedBeforeTheWorkersAre)
 {
     WriteHotBundle(mDir, "b");
@@ -106,9 +107,10 @@ TEST_F(BatchTest, TheRuleSetsOfTheOptionAreCheckedBeforeTheWorkersAre)
         mDir.Write(std::string("rules/P_") + file, mDir.Read(std::string("rules/") + file));
     }
     const OpenWatch watch("rules/P_FaultTrees.xml");
-    const auto alone = RunArborist({"detect", "--json", "--rules", "rules", "b"});
+    const auto alone = RunProcess({ARBORIST_COMMAND, "detect", "--json", "--rules", "rules", "b"});
     EXPECT_FALSE(watch.WasOpened());
-    EXPECT_EQ(RunArborist({"detect", "--batch", "-", "--rules", "rules"}, {.input = "b\n"}).out, alone.out);
+    EXPECT_EQ(
+        RunProcess({ARBORIST_COMMAND, "detect", "--batch", "-", "--rules", "rules"}, {.input = "b\n"}).out, alone.out);
     EXPECT_TRUE(watch.WasOpened());
 }
 
