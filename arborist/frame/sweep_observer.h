@@ -12,9 +12,9 @@
 
 /// The moments of a sweep, and its limits.
 struct SweepRequest {
-    /// The first and the last moment, in seconds since the epoch, both included.
+    /// The first moment, in seconds since the epoch, included as is the last.
     std::int64_t from = 0;
-    std::int64_t until = 0;
+    std::int64_t until = 0; ///< The last moment.
     /// The derived tables are built anew for at most so many moments.
     std::size_t mostTableMoments = 1000;
     /// Rules that can't be swept, as their answer may change without a change of the log: a statement that reads the
@@ -26,11 +26,12 @@ struct SweepRequest {
 struct SweepPlan {
     /// A rule whose answers at the moments between are not known, and all that rests on it.
     struct Unswept {
-        std::string eventId;
-        std::string ruleName;
+        std::string eventId; ///< The event that names the rule.
+        std::string ruleName; ///< The rule.
         /// "log_damaged", "odd_times", "too_many_moments" or a word of SweepRequest::unsweptRules.
         std::string reason;
 
+        /// The order by event and rule.
         bool operator<(const Unswept& other) const
         {
             return eventId != other.eventId ? eventId < other.eventId : ruleName < other.ruleName;
@@ -39,8 +40,8 @@ struct SweepPlan {
 
     /// How often the rules of an event with a rule on derived tables are asked.
     struct Asked {
-        std::string eventId;
-        std::size_t times = 0;
+        std::string eventId; ///< The event.
+        std::size_t times = 0; ///< At how many moments its rules are asked.
     };
 
     /// The number of different moments after the first.
@@ -48,9 +49,11 @@ struct SweepPlan {
     /// The number of moments for which derived tables are built; beyond SweepRequest::mostTableMoments, those for which
     /// they would have been.
     std::size_t tableMoments = 0;
+    /// The rules that can't be swept, by event and rule.
     std::vector<Unswept> unswept;
     /// The numbers of the trees with an event that has such a rule, in ascending order.
     std::vector<std::size_t> unsweptTrees;
+    /// The events with a rule on derived tables.
     std::vector<Asked> asked;
 };
 

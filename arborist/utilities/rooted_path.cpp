@@ -156,8 +156,9 @@ std::optional<std::string> FindByKernel(const std::string& root, const std::stri
     if (!target.IsOpen() || access(PathOf(found).c_str(), F_OK) != 0) {
         return std::nullopt; // also where /proc is missing
     }
+    std::string opened = PathOf(found); // may throw, while `target` still closes the file
     kept = target.Release();
-    return PathOf(kept);
+    return opened;
 }
 
 #else
@@ -236,9 +237,12 @@ RootedPath::Target::Target(const std::string& root, const std::string& path)
         mPath = path;
         return;
     }
-    const bool isShort = path.size() < LONGEST_PATH;
-    const auto found = isShort ? FindByKernel(path.front() == '/' ? root : ".", path, mDescriptor) : std::optional<std::string>("");
-    mPath = found ? *found : OnDevice(root, path);
+    std::optional<std::string> found = std::string();
+    if (path.size() < LONGEST_PATH) {
+        found = FindByKernel(path.front() == '/' ? root : ".", path, mDescriptor);
+    }
+    // Moved: nothing may throw here once the file is open, as the destructor of a half-made object doesn't run.
+    mPath = found ? std::move(*found) : OnDevice(root, path);
 }
 
 RootedPath::Target::~Target()

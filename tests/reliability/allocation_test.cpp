@@ -2,6 +2,8 @@
 // before. This program stands in for the allocation functions.
 #include <cerrno>
 #include <cstdlib>
+#include <deque>
+#include <fstream>
 #include <new>
 
 #include <gtest/gtest.h>
@@ -9,6 +11,7 @@
 
 #include "arborist/frame/arborist.h"
 #include "arborist/frame/repair.h"
+#include "arborist/utilities/rooted_path.h"
 #include "tests/reliability/call_counter.h"
 #include "tests/reliability/observed_detection.h"
 #include "tests/support/database_rows.h"
@@ -151,6 +154,25 @@ TEST_F(FailingAllocation, OneOfThemLeavesAnHonestAnswerAndAnEngineThatWorks)
 TEST_F(FailingAllocation, AllFromOneOnLeaveAnHonestAnswerAndAnEngineThatWorks)
 {
     FailEach(Failing::ALL_FROM_IT_ON, 30);
+}
+
+TEST_F(FailingAllocation, PathOfTheDeviceIsClosedWhereItsNameHasNoMemory)
+{
+    // A name of a descriptor with two digits is too long to be kept inside a string.
+    std::deque<std::ifstream> held;
+    while (held.size() < 10) {
+        held.emplace_back("/dev/null");
+    }
+    const std::size_t files = OpenFiles();
+    for (std::uint64_t number = 1; number <= 20; ++number) {
+        CallCounter::Start(number, Failing::ONE);
+        try {
+            const RootedPath::Target target("/", "/dev/null");
+        } catch (const std::bad_alloc&) {
+        }
+        CallCounter::Stop();
+        EXPECT_EQ(OpenFiles(), files) << "allocation " << number;
+    }
 }
 
 } // namespace
