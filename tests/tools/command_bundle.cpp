@@ -86,6 +86,20 @@ void WriteDropsBundle(const TempDir& dir, const std::string& name)
         RuleXml("Tag").EventRule("DROPS", {Single("drops")}).Rule(rule).Repair("DROPS", {{"R", ""}}).Text());
 }
 
+void WriteDropsTableRules(const TempDir& dir, const std::string& name, const std::string& statement)
+{
+    const Xml events = Xml("thresholdsOrLumbraData").Attr("name", "DROPS_TABLE")
+        .Child(Xml("retrieveLumbraData").Child(Xml("alarmId").Attr("Eventid_Min", "1001").Attr("Eventid_Max", "1001")
+            .Child(ParamsXml({ParamXml("1", "LOST", "int")}))));
+    const Xml three = ConditionXml({SingleLogicXml(
+        Xml("ge").Attr("type", "static").TextChild("id", "n").TextChild("value", "3"))});
+    const Xml rule = CommandRuleXml("r").Child(Xml("referenceCommonPart").TextChild("commonPartName", "DROPS_TABLE"))
+        .Child(Xml("queryReturnParam").Child(ParamsXml({ParamXml("n", "n", "int")})))
+        .Child(AnalysisMethodXml("", {Xml("sql").Text(statement), TimeXml("duration", "30", "0"), three}));
+    dir.Write(name + "/rules/FaultTreeRules.xml",
+        RuleXml("Tag").CommonPart({events}).EventRule("DROPS", {Single("r")}).Rule(rule).Text());
+}
+
 void PrepareLaptop(const std::string& name)
 {
     const auto script = std::string(ARBORIST_SOURCE_DIR) + "/examples/laptop/prepare.sh";

@@ -33,6 +33,10 @@ void WriteCodeBundle(const TempDir& dir, const std::string& name, const std::vec
 /// least three events 1001 within 7 days before 2024-05-20 12:00:00 in UTC. It has a repair "R".
 void WriteDropsBundle(const TempDir& dir, const std::string& name);
 
+/// Replaces the rules of such a bundle: "DROPS" is true if the column "n" of `statement`, which can read the events 1001
+/// in the derived table DROPS_TABLE, is at least three within 30 days. There is no repair.
+void WriteDropsTableRules(const TempDir& dir, const std::string& name, const std::string& statement);
+
 /// Path of the event log in a bundle.
 inline constexpr char LOG_OF_BUNDLE[] = "/programdata/Comms/Lumbra/workDir/0/log.db";
 

@@ -6,7 +6,6 @@
 #include "tests/support/case_name.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/temp_dir.h"
-#include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
 
 namespace {
@@ -78,19 +77,8 @@ TEST_F(AsOfTest, TheVersionStaysThatOfTheBundle)
 
 TEST_F(AsOfTest, DerivedTablesLackTheRowsLaterThanTheMoment)
 {
-    const Xml events = Xml("thresholdsOrLumbraData").Attr("name", "DROPS_TABLE")
-        .Child(Xml("retrieveLumbraData").Child(Xml("alarmId").Attr("Eventid_Min", "1001").Attr("Eventid_Max", "1001")
-            .Child(ParamsXml({ParamXml("1", "LOST", "int")}))));
-    const Xml three = ConditionXml({SingleLogicXml(
-        Xml("ge").Attr("type", "static").TextChild("id", "n").TextChild("value", "3"))});
-    const Xml rule = CommandRuleXml("r").Child(Xml("referenceCommonPart").TextChild("commonPartName", "DROPS_TABLE"))
-        .Child(Xml("queryReturnParam").Child(ParamsXml({ParamXml("n", "n", "int")})))
-        .Child(AnalysisMethodXml(
-            "", {Xml("sql").Text("select count(*) as n from DROPS_TABLE"), TimeXml("duration", "30", "0"), three}));
     mDir.Write("b/bundle.json", BundleJson(R"(, "tz": "UTC")"));
-    mDir.Write("b/rules/FaultTrees.xml", TreeXml("Tag").Version("1").Tree("T", Or({Basic("DROPS")})).Text());
-    mDir.Write("b/rules/FaultTreeRules.xml",
-        RuleXml("Tag").CommonPart({events}).EventRule("DROPS", {Single("r")}).Rule(rule).Text());
+    WriteDropsTableRules(mDir, "b", "select count(*) as n from DROPS_TABLE");
     EXPECT_THAT(Detect({"--as-of", std::to_string(NOW + 3600)}).out, HasSubstr("1. DROPS"));
     const auto before = Detect({"--as-of", std::to_string(NOW + 3599)});
     EXPECT_THAT(before.out, testing::AllOf(HasSubstr("no fault"), Not(HasSubstr("UNDECIDED"))));

@@ -7,7 +7,6 @@
 
 #include "tests/support/event_log_builder.h"
 #include "tests/support/temp_dir.h"
-#include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
 #include "tests/tools/json_schema.h"
 
@@ -86,20 +85,6 @@ protected:
             .WriteTo(mDir.Path("b") + LOG_OF_BUNDLE);
     }
 
-    void WriteStatement(const std::string& statement)
-    {
-        const Xml events = Xml("thresholdsOrLumbraData").Attr("name", "DROPS_TABLE")
-            .Child(Xml("retrieveLumbraData").Child(Xml("alarmId").Attr("Eventid_Min", "1001").Attr("Eventid_Max", "1001")
-                .Child(ParamsXml({ParamXml("1", "LOST", "int")}))));
-        const Xml three = ConditionXml({SingleLogicXml(
-            Xml("ge").Attr("type", "static").TextChild("id", "n").TextChild("value", "3"))});
-        const Xml rule = CommandRuleXml("r").Child(Xml("referenceCommonPart").TextChild("commonPartName", "DROPS_TABLE"))
-            .Child(Xml("queryReturnParam").Child(ParamsXml({ParamXml("n", "n", "int")})))
-            .Child(AnalysisMethodXml("", {Xml("sql").Text(statement), TimeXml("duration", "30", "0"), three}));
-        mDir.Write("b/rules/FaultTreeRules.xml",
-            RuleXml("Tag").CommonPart({events}).EventRule("DROPS", {Single("r")}).Rule(rule).Text());
-    }
-
     static ProcessResult Sweep(std::vector<std::string> arguments = {})
     {
         arguments.insert(arguments.begin(), {"sweep", "b", "--tz", "UTC"});
@@ -163,7 +148,7 @@ TEST_F(SweepCommandTest, AMomentThatTheClocksSkipIsWrongUse)
 TEST_F(SweepCommandTest, AStatementThatReadsTheClockIsNamedAndNotJudged)
 {
     WriteDrops();
-    WriteStatement("select count(*) as n from DROPS_TABLE where LOST < strftime('%s', 'now')");
+    WriteDropsTableRules(mDir, "b", "select count(*) as n from DROPS_TABLE where LOST < strftime('%s', 'now')");
     const auto result = Sweep({"--strict"});
     EXPECT_THAT(result.err,
         HasSubstr("the rule \"r\" of \"DROPS\" is not swept: its statement reads the clock"));
@@ -175,7 +160,7 @@ TEST_F(SweepCommandTest, AStatementThatReadsTheClockIsNamedAndNotJudged)
 TEST_F(SweepCommandTest, DerivedTablesAreBuiltForALimitedNumberOfMoments)
 {
     WriteDrops();
-    WriteStatement("select count(*) as n from DROPS_TABLE");
+    WriteDropsTableRules(mDir, "b", "select count(*) as n from DROPS_TABLE");
     EXPECT_THAT(Sweep({"--table-moments", "2"}).out,
         AllOf(HasSubstr("2024-05-20 13:00:00"), HasSubstr("rules of DROPS on derived tables asked 3 times")));
     EXPECT_THAT(Sweep({"--table-moments", "1"}).err,
