@@ -13,7 +13,7 @@ if [ "${1:-}" = --write ]; then
 fi
 
 scripts/install-dependencies.sh build-essential cmake ninja-build pkg-config ccache python3 \
-    libtinyxml2-dev libsqlite3-dev libjsoncpp-dev libminizip-dev zlib1g-dev robin-map-dev libcli11-dev \
+    libtinyxml2-dev libsqlite3-dev libjsoncpp-dev libminizip-dev zlib1g-dev libsodium-dev robin-map-dev libcli11-dev \
     libgtest-dev libgmock-dev sqlite3 binutils valgrind >&2
 
 echo "== Building (preset release)" >&2

@@ -6,7 +6,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 demo=build/demo
 
 scripts/install-dependencies.sh build-essential cmake ninja-build pkg-config python3 sqlite3 \
-    libtinyxml2-dev libsqlite3-dev libjsoncpp-dev libminizip-dev zlib1g-dev robin-map-dev libcli11-dev
+    libtinyxml2-dev libsqlite3-dev libjsoncpp-dev libminizip-dev zlib1g-dev libsodium-dev robin-map-dev libcli11-dev
 
 if ! mkdir -p "$demo" 2>/dev/null || [ ! -w "$demo" ]; then
     echo "$demo can't be written (made by another user, with sudo?); remove it and try again" >&2

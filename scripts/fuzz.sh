@@ -9,7 +9,7 @@ minutes=${1:?usage: scripts/fuzz.sh MINUTES [NAME...]}
 shift
 
 scripts/install-dependencies.sh cmake ninja-build pkg-config ccache clang libclang-rt-14-dev \
-    libtinyxml2-dev libsqlite3-dev libjsoncpp-dev libminizip-dev zlib1g-dev robin-map-dev libcli11-dev >&2
+    libtinyxml2-dev libsqlite3-dev libjsoncpp-dev libminizip-dev zlib1g-dev libsodium-dev robin-map-dev libcli11-dev >&2
 cmake --preset fuzz >&2
 cmake --build --preset fuzz --parallel >&2
 

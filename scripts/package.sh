@@ -7,7 +7,7 @@ source=$PWD
 folder=${1:-build/packages}
 
 scripts/install-dependencies.sh build-essential cmake ninja-build pkg-config git dpkg-dev file \
-    libtinyxml2-dev libsqlite3-dev libjsoncpp-dev libminizip-dev zlib1g-dev robin-map-dev libcli11-dev \
+    libtinyxml2-dev libsqlite3-dev libjsoncpp-dev libminizip-dev zlib1g-dev libsodium-dev robin-map-dev libcli11-dev \
     python3-dev python3-cffi
 
 SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct 2>/dev/null || stat -c %Y CMakeLists.txt)}

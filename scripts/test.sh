@@ -5,7 +5,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 preset=${1:-dev}
 
 scripts/install-dependencies.sh build-essential cmake ninja-build pkg-config ccache python3 \
-    libtinyxml2-dev libsqlite3-dev libjsoncpp-dev libminizip-dev zlib1g-dev robin-map-dev libcli11-dev \
+    libtinyxml2-dev libsqlite3-dev libjsoncpp-dev libminizip-dev zlib1g-dev libsodium-dev robin-map-dev libcli11-dev \
     python3-dev python3-cffi python3-venv mypy patchelf binutils \
     libgtest-dev libgmock-dev doxygen tzdata sqlite3 libxml2-utils zip parallel groff man-db zsh fish graphviz chromium \
     poppler-utils

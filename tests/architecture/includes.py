@@ -67,7 +67,7 @@ STOREYS = [
         ["archive", "sqlite", "rule_source"],
         ["scratch"],
         ["process"],
-        ["text"],
+        ["digest", "text"],
         ["the ground"],
     ], files_in("the ground", "problem warning_code exit_status")),
     Storey("arborist", [
@@ -106,6 +106,8 @@ DOORS = {
     "sqlite3.h": ("arborist/stores/sql/", "diagnosis/sqlite/", "tools/arborist/commands/versions."),
     **{header: ("arborist/utilities/", "diagnosis/archive/")
        for header in ("unzip.h", "zip.h", "minizip/unzip.h", "minizip/zip.h")},
+    **{f"sodium{header}.h": ("diagnosis/digest/",)
+       for header in ("", "/crypto_auth_hmacsha256", "/crypto_hash_sha256", "/utils")},
     "CLI/CLI.hpp": ("tools/arborist/options/", "tools/arborist/commands/command_line.",
                     "tools/arborist/manual/reference."),
 }

@@ -214,7 +214,7 @@ TEST(ManualTest, TheVersionsOfTheLibrariesAreOneJsonObject)
     EXPECT_THAT(versions,
         MatchesRegex("\\{\"schema\": \"arborist.version.1\", \"arborist\": \"[0-9.]+\", \"libraries\": \\{\"sqlite\": "
                      "\"[0-9.]+\", \"sqliteLinked\": \"[0-9.]+\", \"tinyxml2\": \"[0-9.]+\", \"jsoncpp\": \"[0-9.]+\", "
-                     "\"zlib\": \"[0-9.]+\", \"minizip\": \"[0-9.]+\"\\}\\}\n"));
+                     "\"zlib\": \"[0-9.]+\", \"minizip\": \"[0-9.]+\", \"libsodium\": \"[0-9.]+\"\\}\\}\n"));
 }
 
 // ---- No input ends the command in any other way than by an exit status. ----

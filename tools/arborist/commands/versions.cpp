@@ -14,6 +14,7 @@ std::string VersionsJson()
     json.Text("sqlite", SQLITE_VERSION).Text("sqliteLinked", sqlite3_libversion());
     json.Text("tinyxml2", TINYXML2_VERSION_TEXT).Text("jsoncpp", JSONCPP_VERSION_TEXT);
     json.Text("zlib", ZLIB_VERSION_TEXT).Text("minizip", MINIZIP_VERSION_TEXT);
+    json.Text("libsodium", LIBSODIUM_VERSION_TEXT);
     return json.EndObject().EndObject().Line();
 }
 
