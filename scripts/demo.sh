@@ -13,9 +13,10 @@ if ! mkdir -p "$demo" 2>/dev/null || [ ! -w "$demo" ]; then
     exit 1
 fi
 
+# Optimised a little, so that the first answer is soon there: the level 1 compiles in three quarters of the time.
 echo "== Building the command (log: $demo/build.log)"
 if ! { cmake --preset release -B "$demo/release" -DARBORIST_BUILD_BENCH=OFF -DARBORIST_BUILD_TESTS=OFF \
-    -DARBORIST_WARNINGS_AS_ERRORS=OFF -DARBORIST_PRECOMPILE=ON &&
+    -DARBORIST_WARNINGS_AS_ERRORS=OFF -DARBORIST_PRECOMPILE=ON "-DCMAKE_CXX_FLAGS_RELEASE=-O1 -DNDEBUG" &&
     cmake --build "$demo/release" --target arborist_tool --parallel; } >"$demo/build.log" 2>&1; then
     tail -n 30 "$demo/build.log" >&2
     exit 1
