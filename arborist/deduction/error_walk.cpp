@@ -60,7 +60,7 @@ bool ErrorWalk::Walk(const std::shared_ptr<Event>& top, SurvivingTree& tree)
 ErrorWalk::Outcome ErrorWalk::Enter(const std::shared_ptr<Event>& event, Index parent, Index& branch)
 {
     const SurvivingTree::Mark mark = mTree.GetMark();
-    const Index place = mTree.AddPlace(event, parent);
+    const Index place = mTree.Add(event, parent);
     const IntermediateEvent* intermediate = event->AsIntermediate();
     if (intermediate == nullptr) {
         branch = mTree.AddLeaf(place);

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 
-#include "arborist/deduction/way_up.h"
 #include "arborist/model/event.h"
 #include "arborist/model/gate.h"
 
@@ -24,8 +23,8 @@ FlatTree::FlatTree(const std::shared_ptr<Event>& top)
     }
     std::vector<OpenGate> open;
     const auto enter = [&](const std::shared_ptr<Event>& event, Index parent) {
-        const auto place = Count();
-        Add(event, parent);
+        const Index place = Add(event, parent);
+        mEnds.push_back(place + 1);
         if (const Gate* gate = GetGate(place)) {
             open.push_back({&gate->GetEvents(), 0, place});
         }
@@ -36,29 +35,14 @@ FlatTree::FlatTree(const std::shared_ptr<Event>& top)
         if (gate.next < gate.events->size()) {
             enter((*gate.events)[gate.next++], gate.place); // may invalidate `gate`
         } else {
-            mPlaces[gate.place].end = Count();
+            mEnds[gate.place] = Count();
             open.pop_back();
         }
     }
-}
-
-void FlatTree::Add(const std::shared_ptr<Event>& event, Index parent)
-{
-    mPlaces.push_back({&event, parent, Count() + 1});
 }
 
 const Gate* FlatTree::GetGate(Index place) const
 {
     const IntermediateEvent* intermediate = GetEvent(place).AsIntermediate();
     return intermediate == nullptr ? nullptr : intermediate->GetGate().get();
-}
-
-const std::string& FlatTree::GetId(Index place) const
-{
-    return GetEvent(place).GetId();
-}
-
-std::string FlatTree::GetPath(Index place) const
-{
-    return PathTo(*this, place);
 }

@@ -27,9 +27,9 @@ PathIndex::PathIndex(const FlatTree& tree) : mTree(tree)
 
 void PathIndex::AddFacts(Index place)
 {
-    const std::string& id = mTree.GetEvent(place).GetId();
+    const std::string& id = mTree.GetId(place);
     Facts facts{TextHash::Continue(TextHash::START, id), id.find(MEMBER_SEPARATOR) != std::string::npos};
-    const Index parent = mTree.At(place).parent;
+    const Index parent = mTree.GetParent(place);
     if (parent != FlatTree::NONE) {
         facts.pathHash = TextHash::Continue(TextHash::Continue(mFacts[parent].pathHash, PATH_SEPARATOR), id);
         facts.holdsMemberSeparator = facts.holdsMemberSeparator || mFacts[parent].holdsMemberSeparator;
@@ -44,10 +44,10 @@ void PathIndex::IndexPaths()
     std::vector<bool> isIndexed(mFacts.size());
     mPlaceOfPath.reserve(mFacts.size());
     for (Index place = 0; place < mFacts.size(); ++place) {
-        if (mTree.At(place).end != place + 1) {
+        if (mTree.GetEnd(place) != place + 1) {
             continue;
         }
-        for (Index above = place; above != FlatTree::NONE && !isIndexed[above]; above = mTree.At(above).parent) {
+        for (Index above = place; above != FlatTree::NONE && !isIndexed[above]; above = mTree.GetParent(above)) {
             isIndexed[above] = true;
             IndexPath(above);
         }

@@ -19,10 +19,10 @@ PathWalk::PathWalk(const std::shared_ptr<Event>& top, SurvivingTree& tree)
     : mPlaces(top), mPaths(mPlaces), mIsErrorToTop(mPlaces.Count()), mTree(tree)
 {
     for (Index place = 0; place < mPlaces.Count(); ++place) {
-        const auto& [event, parent, end] = mPlaces.At(place);
-        mTree.AddPlace(*event, parent);
-        mIsErrorToTop[place] =
-            IsError((*event)->GetResult()) && (parent == FlatTree::NONE || mIsErrorToTop[parent]);
+        const Index parent = mPlaces.GetParent(place);
+        mTree.Add(mPlaces.GetSharedEvent(place), parent);
+        mIsErrorToTop[place] = IsError(mPlaces.GetEvent(place).GetResult())
+            && (parent == FlatTree::NONE || mIsErrorToTop[parent]);
     }
 }
 
@@ -58,7 +58,7 @@ PathWalk::Outcome PathWalk::EnterGate(Index place, SurvivingTree::BranchKind kin
     Outcome outcome = Outcome::EMPTY;
     Index first = SurvivingTree::NONE;
     Index last = SurvivingTree::NONE;
-    for (Index child = place + 1; child != mPlaces.At(place).end; child = mPlaces.At(child).end) {
+    for (Index child = place + 1; child != mPlaces.GetEnd(place); child = mPlaces.GetEnd(child)) {
         Index below = SurvivingTree::NONE;
         const Outcome ofChild = Enter(child, below);
         if (kind == SurvivingTree::BranchKind::OR) {

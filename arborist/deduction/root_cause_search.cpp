@@ -149,7 +149,7 @@ private:
 class WaysUp {
 public:
     explicit WaysUp(const SurvivingTree& tree)
-        : mTree(tree), mIdOfPlace(tree.GetPlaces().size(), SurvivingTree::NONE), mRoundOfPlace(mIdOfPlace.size(), 0)
+        : mTree(tree), mIdOfPlace(tree.Count(), SurvivingTree::NONE), mRoundOfPlace(mIdOfPlace.size(), 0)
     {
     }
 
@@ -165,7 +165,7 @@ public:
         events.reserve(mWay.size());
         ids.reserve(mWay.size());
         for (const Index place : mWay) {
-            events.push_back(*mTree.GetPlaces()[place].event);
+            events.push_back(mTree.GetSharedEvent(place));
             ids.push_back(mTree.GetId(place));
         }
         auto rootCause = std::make_shared<RootCause>();
@@ -179,7 +179,7 @@ private:
     void GoUp(Index member)
     {
         for (Index place = member; place != SurvivingTree::NONE && mRoundOfPlace[place] != mRound;
-             place = mTree.GetPlaces()[place].parent) {
+             place = mTree.GetParent(place)) {
             mRoundOfPlace[place] = mRound;
             std::size_t& roundOfId = mRoundOfId[IdOf(place)];
             if (roundOfId != mRound) {

@@ -1,14 +1,5 @@
 #include "arborist/deduction/surviving_tree.h"
 
-#include "arborist/deduction/way_up.h"
-#include "arborist/model/event.h"
-
-SurvivingTree::Index SurvivingTree::AddPlace(const std::shared_ptr<Event>& event, Index parent)
-{
-    mPlaces.push_back({&event, parent});
-    return static_cast<Index>(mPlaces.size() - 1);
-}
-
 SurvivingTree::Index SurvivingTree::AddLeaf(const std::vector<Index>& members)
 {
     const auto first = static_cast<Index>(mMembers.size());
@@ -32,17 +23,7 @@ SurvivingTree::Index SurvivingTree::AddGate(BranchKind kind, Index first)
 
 void SurvivingTree::Rewind(const Mark& mark)
 {
-    mPlaces.resize(mark.places);
+    Shorten(mark.places);
     mBranches.resize(mark.branches);
     mMembers.resize(mark.members);
-}
-
-const std::string& SurvivingTree::GetId(Index place) const
-{
-    return (*mPlaces[place].event)->GetId();
-}
-
-std::string SurvivingTree::GetPath(Index place) const
-{
-    return PathTo(*this, place);
 }

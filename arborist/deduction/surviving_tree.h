@@ -2,29 +2,14 @@
 #define ARBORIST_DEDUCTION_SURVIVING_TREE_H
 
 #include <cstddef>
-#include <cstdint>
-#include <memory>
-#include <string>
 #include <vector>
 
-class Event;
+#include "arborist/deduction/event_places.h"
 
 /// The part of a fault tree that can be in a root cause: leaves whose members qualify and the gates above them. Every
 /// combination of these leaves is a root cause.
-///
-/// Refers to the fault tree, which must not change.
-class SurvivingTree {
+class SurvivingTree : public EventPlaces {
 public:
-    using Index = std::uint32_t;
-    static constexpr Index NONE = UINT32_MAX;
-
-    /// A place of an event in the tree. One event may have several places.
-    struct Place {
-        const std::shared_ptr<Event>* event;
-        /// Place of the event above; NONE for the top event.
-        Index parent;
-    };
-
     /// Outcome of a branch of the fault tree. EMPTY: it has no combinations, whatever the statuses; in an AND gate it
     /// also drops those of the branches before it. DEAD: it has combinations, but none survives. ALIVE: some survive.
     /// In ascending order: the outcome of an OR gate is the greatest of its branches.
@@ -50,7 +35,7 @@ public:
         std::size_t members;
     };
 
-    Index AddPlace(const std::shared_ptr<Event>& event, Index parent);
+    using EventPlaces::Add;
     /// `members` are the places that the leaf's path names.
     Index AddLeaf(const std::vector<Index>& members);
     Index AddLeaf(Index member);
@@ -59,22 +44,16 @@ public:
     void Chain(Index branch, Index next) { mBranches[branch].next = next; }
     void SetTop(Index branch) { mTop = branch; }
 
-    Mark GetMark() const { return {mPlaces.size(), mBranches.size(), mMembers.size()}; }
+    Mark GetMark() const { return {Count(), mBranches.size(), mMembers.size()}; }
     /// Removes everything that was added since `mark`.
     void Rewind(const Mark& mark);
 
     /// The branch of the top event; NONE if nothing survived.
     Index GetTop() const { return mTop; }
-    const std::vector<Place>& GetPlaces() const { return mPlaces; }
     const Branch& GetBranch(Index branch) const { return mBranches[branch]; }
     Index GetMember(std::size_t member) const { return mMembers[member]; }
-    const std::string& GetId(Index place) const;
-    Index GetParent(Index place) const { return mPlaces[place].parent; }
-    /// The ids from the top down to a place, joined by "/".
-    std::string GetPath(Index place) const;
 
 private:
-    std::vector<Place> mPlaces;
     std::vector<Branch> mBranches;
     std::vector<Index> mMembers;
     Index mTop = NONE;

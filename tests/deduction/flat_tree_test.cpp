@@ -11,7 +11,7 @@ std::vector<std::string> Places(const FlatTree& tree)
 {
     std::vector<std::string> places;
     for (FlatTree::Index place = 0; place < tree.Count(); ++place) {
-        places.push_back(tree.GetPath(place) + " to " + std::to_string(tree.At(place).end));
+        places.push_back(tree.GetPath(place) + " to " + std::to_string(tree.GetEnd(place)));
     }
     return places;
 }
