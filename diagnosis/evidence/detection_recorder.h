@@ -10,7 +10,7 @@
 
 #include "arborist/frame/detection_observer.h"
 #include "diagnosis/evidence/detection_warnings.h"
-#include "diagnosis/evidence/path_index.h"
+#include "diagnosis/evidence/recorded_path_index.h"
 #include "diagnosis/evidence/recorded_tree.h"
 
 namespace diagnosis {
@@ -59,7 +59,7 @@ private:
     TreeReports mTrees;
     std::unordered_map<std::string, Asked> mAsked;
     /// Index of the last tree; built for its first root cause.
-    std::optional<PathIndex> mPaths;
+    std::optional<RecordedPathIndex> mPaths;
     DetectionWarnings mWarnings;
 };
 

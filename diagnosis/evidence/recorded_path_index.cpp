@@ -1,10 +1,10 @@
-#include "diagnosis/evidence/path_index.h"
+#include "diagnosis/evidence/recorded_path_index.h"
 
 #include "diagnosis/text/running_hash.h"
 
 namespace diagnosis {
 
-PathIndex::PathIndex(const std::vector<RecordedEvent>& events) : mEvents(events)
+RecordedPathIndex::RecordedPathIndex(const std::vector<RecordedEvent>& events) : mEvents(events)
 {
     // Hashes instead of texts: the texts of all paths would grow with the square of the depth of the tree.
     std::vector<RunningHash> hashes;
@@ -23,13 +23,13 @@ PathIndex::PathIndex(const std::vector<RecordedEvent>& events) : mEvents(events)
     }
 }
 
-std::size_t PathIndex::Find(std::string_view path) const
+std::size_t RecordedPathIndex::Find(std::string_view path) const
 {
     const auto found = mPlaces.find(RunningHash().Extended(path).Value());
     return found != mPlaces.end() && IsPathOf(found->second, path) ? found->second : RecordedEvent::NONE;
 }
 
-bool PathIndex::IsPathOf(std::size_t event, std::string_view path) const
+bool RecordedPathIndex::IsPathOf(std::size_t event, std::string_view path) const
 {
     for (; event != RecordedEvent::NONE; event = mEvents[event].parent) {
         const bool isTop = mEvents[event].parent == RecordedEvent::NONE;

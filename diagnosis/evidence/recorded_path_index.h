@@ -1,5 +1,5 @@
-#ifndef ARBORIST_DIAGNOSIS_EVIDENCE_PATH_INDEX_H
-#define ARBORIST_DIAGNOSIS_EVIDENCE_PATH_INDEX_H
+#ifndef ARBORIST_DIAGNOSIS_EVIDENCE_RECORDED_PATH_INDEX_H
+#define ARBORIST_DIAGNOSIS_EVIDENCE_RECORDED_PATH_INDEX_H
 
 #include <cstddef>
 #include <cstdint>
@@ -13,10 +13,10 @@ namespace diagnosis {
 
 /// Finds the events of a tree by their paths: ids from the top down joined by "/", as cut sets name their members.
 /// Takes time proportional to the length of the texts, whatever the ids are.
-class PathIndex {
+class RecordedPathIndex {
 public:
     /// `events` must be in pre-order, must not change and must outlive the index.
-    explicit PathIndex(const std::vector<RecordedEvent>& events);
+    explicit RecordedPathIndex(const std::vector<RecordedEvent>& events);
 
     /// The event with this path. Of several, the first that is in error together with all events above it, as members
     /// of cut sets in evidence are; if there is none, the first. NONE if no event has the path.
