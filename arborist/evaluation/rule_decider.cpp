@@ -79,18 +79,21 @@ void RuleDecider::SkipInGroup(const std::string& ruleName, Evidence::Alternative
 bool RuleDecider::AskIfSupported(
     const std::shared_ptr<Rule>& rule, const std::string& eventId, Evidence::Rule* record)
 {
-    if (mRuleHelper->IsSpecifiedRuleItemSupported(rule)) {
-        StopPoint::Pass();
-        return record == nullptr ? Ask(rule, eventId, nullptr) : AskAndRecord(rule, eventId, *record);
+    if (rule == nullptr) {
+        if (record != nullptr) {
+            record->reason = Reason::NO_SUCH_RULE;
+        }
+        return false;
     }
-    if (record != nullptr) {
-        record->reason = Reason::NO_SUCH_RULE;
-        if (const auto& rejection = mRuleHelper->GetRejection()) {
+    if (const auto rejection = mRuleHelper->Reject(*rule)) {
+        if (record != nullptr) {
             record->reason = rejection->reason;
             record->filter = {rejection->deviceValue, std::string(rejection->ruleText)};
         }
+        return false;
     }
-    return false;
+    StopPoint::Pass();
+    return record == nullptr ? Ask(rule, eventId, nullptr) : AskAndRecord(rule, eventId, *record);
 }
 
 bool RuleDecider::AskAndRecord(

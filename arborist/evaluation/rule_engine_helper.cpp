@@ -28,7 +28,7 @@ void RuleEngineHelper::FetchEvent(const std::shared_ptr<Event>& event)
     }
 }
 
-const RuleEngineHelper::EventMap& RuleEngineHelper::GetEventMap() const
+const RuleEngineHelper::EventMap& RuleEngineHelper::GetEventMap()
 {
     for (; mMappedEvents < mAllEventList.size(); ++mMappedEvents) {
         const auto& event = mAllEventList[mMappedEvents];

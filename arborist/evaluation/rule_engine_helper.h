@@ -24,7 +24,7 @@ public:
     const EventList& GetAllEventList() const { return mAllEventList; }
     /// By id, the first of several events with one id. Built by the first call. Valid until the next FetchEvent or
     /// Reset. Kept for the tests, as RuleEngine::GetEventMap is.
-    const EventMap& GetEventMap() const;
+    const EventMap& GetEventMap();
 
     /// Sets for each event whether it has a check of its own: all events do, except for intermediate events without an
     /// entry for their id.
@@ -36,8 +36,8 @@ public:
 
 private:
     EventList mAllEventList;
-    mutable EventMap mEventMap;
-    mutable std::size_t mMappedEvents = 0; // number of listed events that are in the map
+    EventMap mEventMap;
+    std::size_t mMappedEvents = 0; // number of listed events that are in the map
     std::uint64_t mRevision = 0;
 };
 

@@ -32,12 +32,11 @@ RuleHelper::RuleHelper(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<F
 
 bool RuleHelper::IsSpecifiedRuleItemSupported(const std::shared_ptr<Rule>& rule) const
 {
-    mRejection = rule == nullptr ? std::nullopt : mFilter.Reject(*rule);
-    return rule != nullptr && !mRejection;
+    return rule != nullptr && !Reject(*rule);
 }
 
 bool RuleHelper::IsSpecifiedCodeRuleSupported(
-    const std::string& detectCode, const std::shared_ptr<FaultTreeParser>& faultTreeParser) const
+    const std::string& detectCode, const std::shared_ptr<FaultTreeParser>& faultTreeParser)
 {
     constexpr char FUNCTION[] = "RuleHelper::IsSpecifiedCodeRuleSupported";
     if (detectCode.empty() || faultTreeParser == nullptr) {

@@ -51,16 +51,15 @@ public:
     const std::shared_ptr<Event>& GetCurrentEvent() const { return mCurrentEvent; }
     void SetCurrentEvent(const std::shared_ptr<Event>& event) { mCurrentEvent = event; }
 
-    /// True if the rule applies to this device and scene; false for null. GetRejection then returns the filter that
-    /// rejected it.
+    /// The filter that rejects the rule on this device and in this scene; nothing if it applies. Its texts are valid as
+    /// long as the rule.
+    std::optional<RuleFilter::Rejection> Reject(const Rule& rule) const { return mFilter.Reject(rule); }
+    /// True if no filter rejects the rule; false for null.
     bool IsSpecifiedRuleItemSupported(const std::shared_ptr<Rule>& rule) const;
     /// IsSpecifiedRuleItemSupported for the first code rule whose detect code contains `detectCode`; false if there is
-    /// none. One pass over the detect codes of the rule set.
+    /// none. One pass over the detect codes of the rule set, which the helper keeps for the next call.
     bool IsSpecifiedCodeRuleSupported(const std::string& detectCode,
-                                      const std::shared_ptr<FaultTreeParser>& faultTreeParser) const;
-    /// The filter that rejected the rule in the last IsSpecifiedRuleItemSupported; nothing if the rule passed or was
-    /// null. Its texts are valid as long as that rule.
-    const std::optional<RuleFilter::Rejection>& GetRejection() const { return mRejection; }
+                                      const std::shared_ptr<FaultTreeParser>& faultTreeParser);
 
     /// The alternative that a name means: the first that is the single rule of this name, or that lists every part of
     /// the name between commas. Null for an empty name or list, and, with an error in the log, if no alternative
@@ -92,8 +91,7 @@ private:
     RuleFilter mFilter;
     StartTimes mStartTimes;
     std::shared_ptr<Event> mCurrentEvent;
-    mutable std::optional<RuleFilter::Rejection> mRejection;
-    mutable CodeRuleIndex mCodeRuleIndex;
+    CodeRuleIndex mCodeRuleIndex;
 };
 
 #endif

@@ -40,18 +40,19 @@ TEST_F(RuleHelperTest, NullRuleAndNullInputAreRejected)
     EXPECT_FALSE(Passes(nullptr, RuleForScene("2")));
 }
 
-TEST_F(RuleHelperTest, FilterThatRejectsIsKeptWithBothTexts)
+TEST_F(RuleHelperTest, FilterThatRejectsIsReturnedWithBothTexts)
 {
-    RuleHelper helper(InfoOf(LAPTOP, 2), nullptr);
+    const RuleHelper helper(InfoOf(LAPTOP, 2), nullptr);
     const auto rule = RuleForScene("1");
     rule->production = "AB";
     EXPECT_FALSE(helper.IsSpecifiedRuleItemSupported(rule));
-    ASSERT_TRUE(helper.GetRejection().has_value());
-    EXPECT_EQ(helper.GetRejection()->reason, Reason::FILTERED_SCENE);
-    EXPECT_EQ(helper.GetRejection()->deviceValue, "2");
-    EXPECT_EQ(helper.GetRejection()->ruleText, "1");
+    const auto rejection = helper.Reject(*rule);
+    ASSERT_TRUE(rejection.has_value());
+    EXPECT_EQ(rejection->reason, Reason::FILTERED_SCENE);
+    EXPECT_EQ(rejection->deviceValue, "2");
+    EXPECT_EQ(rejection->ruleText, "1");
     EXPECT_TRUE(helper.IsSpecifiedRuleItemSupported(RuleForScene("2")));
-    EXPECT_FALSE(helper.GetRejection().has_value());
+    EXPECT_FALSE(helper.Reject(*RuleForScene("2")).has_value());
 }
 
 TEST_F(RuleHelperTest, CodeRuleIsFoundByAnyPartOfItsDetectCode)
@@ -66,7 +67,7 @@ TEST_F(RuleHelperTest, CodeRuleIsFoundByAnyPartOfItsDetectCode)
                                  .Rule(CodeRuleXml("second", "CD", "", "1"))
                                  .Rule(CodeRuleXml("third", "CDE", "", "2")),
                              info);
-    const RuleHelper helper(info, parser);
+    RuleHelper helper(info, parser);
     mLog.Clear();
     EXPECT_TRUE(helper.IsSpecifiedCodeRuleSupported("AB", parser));
     EXPECT_FALSE(helper.IsSpecifiedCodeRuleSupported("CD", parser)); // the first that contains it decides
@@ -91,7 +92,7 @@ TEST_F(RuleHelperTest, WithoutCodeRulesNoneIsSupported)
 TEST_F(RuleHelperTest, EmptyCodeAndNullLoaderAreQuietlyUnsupported)
 {
     const auto info = InfoOf(LAPTOP, 2);
-    const RuleHelper helper(info, nullptr);
+    RuleHelper helper(info, nullptr);
     EXPECT_FALSE(helper.IsSpecifiedCodeRuleSupported("", std::make_shared<FaultTreeParser>(info)));
     EXPECT_FALSE(helper.IsSpecifiedCodeRuleSupported("AB", nullptr));
     EXPECT_THAT(mLog.Lines(), IsEmpty());
