@@ -62,7 +62,7 @@ STOREYS = [
         ["evidence"],
         ["rule_set"],
         ["lint"],
-        ["log_db"],
+        ["log_db", "results_db"],
         ["bundle"],
         ["archive", "sqlite", "rule_source"],
         ["scratch"],
