@@ -258,6 +258,11 @@ void ReadMembers(Members object, ResultLine& line, std::string& problem)
     if (object.Has("engine")) {
         ReadOrigin(object, line, problem);
     }
+    if (object.Has("repaired")) {
+        object.ForEach("repaired", [&line](Members repair) {
+            line.repaired.push_back({repair.Text("id"), repair.Text("date")});
+        });
+    }
 }
 
 } // namespace

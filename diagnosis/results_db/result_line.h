@@ -91,6 +91,13 @@ struct ResultError {
     bool retry = false;
 };
 
+/// A repair that the bundle has on record.
+struct ResultRepaired {
+    std::string id;
+    /// As the record has it: "YYYY-MM-DD HH:MM:SS".
+    std::string date;
+};
+
 /// A line of "arborist detect --json". Warnings and trees that read alike in several lines may be one object.
 struct ResultLine {
     std::string bundle;
@@ -104,6 +111,7 @@ struct ResultLine {
     double seconds = 0;
     std::vector<std::shared_ptr<const ResultWarning>> warnings;
     std::vector<std::shared_ptr<const ResultTree>> trees;
+    std::vector<ResultRepaired> repaired;
     /// Empty unless asked for.
     std::vector<ResultEvidence> evidence;
 };

@@ -77,6 +77,13 @@ CREATE TABLE repair(
     operation TEXT NOT NULL,
     PRIMARY KEY(cause_def, place)) WITHOUT ROWID;
 
+CREATE TABLE repaired(
+    bundle INTEGER NOT NULL REFERENCES bundle,
+    place INTEGER NOT NULL,
+    repair TEXT NOT NULL,
+    date INTEGER,
+    PRIMARY KEY(bundle, place)) WITHOUT ROWID;
+
 CREATE TABLE root_cause(
     bundle INTEGER NOT NULL REFERENCES bundle,
     place INTEGER NOT NULL,

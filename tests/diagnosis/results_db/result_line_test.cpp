@@ -62,6 +62,23 @@ TEST(ResultLineTest, HasTheErrorOfABundleThatFailed)
     EXPECT_TRUE(line->error.retry);
 }
 
+TEST(ResultLineTest, HasTheRepairsOnRecord)
+{
+    std::string problem;
+    const std::string text = LineOf("b").Repaired("FAN", "2024-05-01 08:00:00").Repaired("", "").Text();
+    const auto line = ReadResultLine(text, false, problem);
+    ASSERT_TRUE(line) << problem;
+    ASSERT_EQ(line->repaired.size(), 2U);
+    EXPECT_EQ(line->repaired[0].id + " " + line->repaired[0].date, "FAN 2024-05-01 08:00:00");
+    EXPECT_EQ(line->repaired[1].id + line->repaired[1].date, "");
+    EXPECT_EQ(ProblemOf(Replaced(text, "\"date\": \"\"", "\"date\": 7")), "repaired[1].date must be a text, not a number");
+}
+
+TEST(ResultLineTest, ReadsLinesOfBeforeRepairsWereTold)
+{
+    EXPECT_EQ(ProblemOf(Replaced(GOOD, ", \"repaired\": []", "")), "none");
+}
+
 TEST(ResultLineTest, TakesEvidenceAsItStandsInTheLineIfAsked)
 {
     const std::string evidence = R"({"event": "A",  "fired": true, "rules": [1.50]})";

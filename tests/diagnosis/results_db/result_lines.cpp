@@ -121,6 +121,12 @@ LineOf& LineOf::Device(const std::string& device)
     return *this;
 }
 
+LineOf& LineOf::Repaired(const std::string& repair, const std::string& date)
+{
+    Append(mRepaired, "{" + Texts({{"id", repair}, {"date", date}}) + "}");
+    return *this;
+}
+
 LineOf& LineOf::Explained(const std::string& tree, const std::string& evidence)
 {
     Append(mExplanation, "{" + Texts({{"treeId", tree}}) + ", \"evidence\": [" + evidence + "]}");
@@ -135,5 +141,5 @@ std::string LineOf::Text() const
         + (mError.empty() ? "true" : "false") + ", \"warnings\": [" + mWarnings + "], \"results\": ["
         + (mError.empty() ? mResults : "") + "]" + explanation + ", \"error\": " + (mError.empty() ? none : mError) + ", "
         + Texts({{"device", mDevice}, {"engine", mEngine}, {"ruleSet", mRuleSet}, {"now", mNow}}) + ", \"seconds\": "
-        + mSeconds + "}\n";
+        + mSeconds + ", \"repaired\": [" + mRepaired + "]}\n";
 }

@@ -22,6 +22,8 @@ public:
     LineOf& Now(const std::string& now);
     LineOf& Seconds(const std::string& seconds);
     LineOf& Device(const std::string& device);
+    /// A repair on record.
+    LineOf& Repaired(const std::string& repair, const std::string& date);
     /// The objects of evidence of one tree.
     LineOf& Explained(const std::string& tree, const std::string& evidence);
 
@@ -41,6 +43,7 @@ private:
     std::string mNow = "2024-05-20 12:00:00";
     std::string mSeconds = "0.25";
     std::string mDevice;
+    std::string mRepaired;
 };
 
 #endif
