@@ -9,10 +9,13 @@ namespace diagnosis {
 
 namespace {
 
+constexpr unsigned DEEPEST = 1000;
+
 std::unique_ptr<Json::CharReader> StrictReader()
 {
     Json::CharReaderBuilder builder;
     Json::CharReaderBuilder::strictMode(&builder.settings_);
+    builder.settings_["stackLimit"] = DEEPEST;
     return std::unique_ptr<Json::CharReader>(builder.newCharReader());
 }
 
@@ -76,8 +79,38 @@ bool IsNumber(std::string_view text)
     return text.empty();
 }
 
-/// Finds what the reader accepts although it is no JSON: some comments, numbers like 01, control characters. Expects a
-/// text that the reader has accepted, so that all strings and brackets are closed.
+std::string FaultAt(std::string_view text, std::size_t at, const std::string& reason)
+{
+    const std::string_view before = text.substr(0, at);
+    const auto line = 1 + std::count(before.begin(), before.end(), '\n');
+    const auto column = at - (before.rfind('\n') + 1) + 1; // after the last line end, or the start
+    return "line " + std::to_string(line) + ", column " + std::to_string(column) + ": " + reason;
+}
+
+// The first bracket in which the reader takes no value. It has accepted the text up to there.
+std::string TooDeep(std::string_view text)
+{
+    unsigned depth = 0;
+    bool isInText = false;
+    std::size_t at = 0;
+    for (; at < text.size(); ++at) {
+        if (text[at] == '"') {
+            isInText = !isInText;
+        } else if (isInText) {
+            at += text[at] == '\\' ? 1 : 0;
+        } else if (text[at] == '[' || text[at] == '{') {
+            if (++depth == DEEPEST) {
+                break;
+            }
+        } else if (text[at] == ']' || text[at] == '}') {
+            --depth;
+        }
+    }
+    return FaultAt(text, at, std::to_string(DEEPEST) + " brackets are open: nested too deep");
+}
+
+/// Finds what the reader accepts although it is no JSON: some comments, numbers like 01, control characters, and anything
+/// behind a NUL. Expects a text that the reader has accepted, so that all strings and brackets are closed.
 class Leniencies {
 public:
     explicit Leniencies(std::string_view text) : mText(text) {}
@@ -93,6 +126,8 @@ public:
                 }
             } else if (mText[mAt] == '/') {
                 return Fault("a comment is no JSON");
+            } else if (mText[mAt] == '\0') {
+                return Fault("a NUL character is no JSON");
             } else if (NUMBER.substr(0, 13).find(mText[mAt]) != std::string_view::npos) {
                 const std::string_view number =
                     mText.substr(mAt, mText.find_first_not_of(NUMBER, mAt) - mAt);
@@ -118,13 +153,7 @@ private:
         return true;
     }
 
-    std::string Fault(const std::string& reason) const
-    {
-        const std::string_view before = mText.substr(0, mAt);
-        const auto line = 1 + std::count(before.begin(), before.end(), '\n');
-        const auto column = mAt - (before.rfind('\n') + 1) + 1; // after the last line end, or the start
-        return "line " + std::to_string(line) + ", column " + std::to_string(column) + ": " + reason;
-    }
+    std::string Fault(const std::string& reason) const { return FaultAt(mText, mAt, reason); }
 
     std::string_view mText;
     std::size_t mAt = 0;
@@ -143,8 +172,8 @@ std::optional<Json::Value> ParseJson(std::string_view text, std::string& problem
             problem = Leniencies(text).First();
             return problem.empty() ? std::optional(value) : std::nullopt;
         }
-    } catch (const Json::Exception& exception) {
-        problem = exception.what(); // nested too deeply for the reader
+    } catch (const Json::Exception&) {
+        problem = TooDeep(text);
         return std::nullopt;
     }
     problem = FirstError(errors);

@@ -116,7 +116,7 @@ class CInterfaceTest(UnchangedInputs):
     def test_a_wrong_request_is_refused_with_the_reason(self):
         for operation, request, reason in [
                 ("detect", "", "line 1, column 1"), ("detect", "[]", "is a list, not an object"),
-                ("detect", "{", "line 1"), ("detect", "{} x", "line 1"), ("detect", "[" * 5000, "stackLimit"),
+                ("detect", "{", "line 1"), ("detect", "{} x", "line 1"), ("detect", "[" * 5000, "nested too deep"),
                 ("detect", {}, '"bundle" is missing or empty'), ("detect", {"bundle": ""}, '"bundle" is missing or empty'),
                 ("detect", {"bundle": 5}, '"bundle" is a number, not a text'),
                 ("detect", {"bundle": "laptop\0x"}, '"bundle" has a NUL character'),

@@ -53,6 +53,27 @@ INSTANTIATE_TEST_SUITE_P(Table, LooseJson, testing::Values(
     LooseCase{"LineEndInAText", "[\"a\nb\"]", "line 1, column 4: a control character stands in a text"}),
     CaseName());
 
+TEST(JsonTextTest, WhatFollowsANulIsRefused)
+{
+    using std::string_literals::operator""s;
+    std::string problem;
+    for (const std::string& text : {"{\"a\": 1}\n\0"s, "{\"a\": 1}\n\0 {"s}) {
+        EXPECT_FALSE(diagnosis::ParseJson(text, problem).has_value());
+        EXPECT_EQ(problem, "line 2, column 1: a NUL character is no JSON");
+    }
+}
+
+TEST(JsonTextTest, BracketsNestTooDeepFromThePlaceThatIsTold)
+{
+    const auto nested = [](std::size_t deep, const std::string& value) {
+        return "[\"[{\\\"[\",[],\n" + std::string(deep - 1, '[') + value + std::string(deep, ']');
+    };
+    std::string problem;
+    EXPECT_TRUE(diagnosis::ParseJson(nested(999, "1"), problem).has_value()) << problem;
+    EXPECT_FALSE(diagnosis::ParseJson(nested(1000, "1"), problem).has_value());
+    EXPECT_EQ(problem, "line 2, column 999: 1000 brackets are open: nested too deep");
+}
+
 TEST(JsonTextTest, WhatOnlyLooksLooseIsTaken)
 {
     std::string problem;
