@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "diagnosis/bundle/moment.h"
+#include "diagnosis/drawing/svg_parts.h"
 #include "diagnosis/process/process_state.h"
 #include "diagnosis/text/markup.h"
 
@@ -45,13 +46,6 @@ std::string Number(int number)
     return std::to_string(number);
 }
 
-// With one digit behind the point, in every locale.
-std::string Tenths(double number)
-{
-    const auto tenths = static_cast<long>(number * 10 + 0.5);
-    return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
-}
-
 class TimelinePicture {
 public:
     explicit TimelinePicture(const SweepReport& report) : mReport(report)
@@ -69,9 +63,8 @@ public:
     std::string Text(const std::string& attributes, const std::string& style) const
     {
         const int height = TOP + static_cast<int>(mRows.size() + (mLeftOut == 0 ? 0 : 1)) * ROW + 2 * MARGIN;
-        std::string text = "<svg class=\"picture timeline\" role=\"img\" aria-label=\"" + Markup(Description()) + "\""
-            + attributes + " width=\"" + Number(WIDTH) + "\" height=\"" + Number(height) + "\" viewBox=\"0 0 "
-            + Number(WIDTH) + " " + Number(height) + "\">\n" + style + Density() + Axis(height);
+        std::string text =
+            SvgStart("timeline", Description(), WIDTH, height, attributes) + style + Density() + Axis(height);
         for (std::size_t row = 0; row < mRows.size(); ++row) {
             text += RowText(mRows[row], TOP + static_cast<int>(row) * ROW);
         }
@@ -120,7 +113,7 @@ private:
             const double height =
                 static_cast<double>(mReport.density[part]) / static_cast<double>(*most) * DENSITY;
             if (height > 0) {
-                text += Rectangle("density", MARGIN + LABELS + static_cast<double>(part) * width,
+                text += SvgRectangle("density", MARGIN + LABELS + static_cast<double>(part) * width,
                     MARGIN + DENSITY - std::max(height, 1.0), width, std::max(height, 1.0)) + "/>\n";
             }
         }
@@ -132,18 +125,12 @@ private:
         std::string text;
         for (int tick = 0; tick < TICKS; ++tick) {
             const std::int64_t moment = mReport.from + (mReport.until - mReport.from) / (TICKS - 1) * tick;
-            const std::string x = Tenths(Place(moment));
-            text += "<line class=\"axis\" x1=\"" + x + "\" x2=\"" + x + "\" y1=\"" + Number(MARGIN + DENSITY)
-                + "\" y2=\"" + Number(height - MARGIN) + "\"/><text class=\"tick\" text-anchor=\"middle\" x=\"" + x
-                + "\" y=\"" + Number(MARGIN + DENSITY + 15) + "\">" + MomentText(moment).substr(0, 16) + "</text>\n";
+            const double x = Place(moment);
+            text += SvgLine("axis", x, MARGIN + DENSITY, x, height - MARGIN)
+                + "<text class=\"tick\" text-anchor=\"middle\" x=\"" + SvgTenths(x) + "\" y=\""
+                + Number(MARGIN + DENSITY + 15) + "\">" + MomentText(moment).substr(0, 16) + "</text>\n";
         }
         return text;
-    }
-
-    static std::string Rectangle(const std::string& style, double x, double y, double width, double height)
-    {
-        return "<rect class=\"" + style + "\" x=\"" + Tenths(x) + "\" y=\"" + Tenths(y) + "\" width=\"" + Tenths(width)
-            + "\" height=\"" + Tenths(height) + "\"";
     }
 
     // Intervals that begin in the same tenth of a pixel as one before can't be seen beside it.
@@ -151,11 +138,10 @@ private:
     {
         const int middle = top + ROW / 2;
         std::string text = Label((row.isTree ? "" : "\u2003") + row.name, top, row.isTree ? "heading" : "cause");
-        text += "<line class=\"false\" x1=\"" + Number(MARGIN + LABELS) + "\" x2=\"" + Number(MARGIN + LABELS + CHART)
-            + "\" y1=\"" + Number(middle) + "\" y2=\"" + Number(middle) + "\"/>\n";
+        text += SvgLine("false", MARGIN + LABELS, middle, MARGIN + LABELS + CHART, middle);
         std::array<std::string, 3> last;
         for (const SweptInterval& interval : row.timeline->GetIntervals()) {
-            const std::string x = Tenths(Place(interval.from));
+            const std::string x = SvgTenths(Place(interval.from));
             std::string& before = last.at(static_cast<std::size_t>(interval.state));
             if (interval.state == SweptState::FALSE || x == before) {
                 continue;
@@ -164,9 +150,9 @@ private:
             const double width = std::max(Place(interval.until + 1) - Place(interval.from), 1.0);
             const std::string state =
                 interval.state == SweptState::TRUE ? "true" : "not judged" + (interval.word.empty() ? "" : ", " + interval.word);
-            text += Rectangle(SweptStateText(interval.state), Place(interval.from), middle - BAR / 2, width, BAR)
-                + "><title>" + Markup(row.name + ": " + state + " from " + MomentText(interval.from) + " to "
-                + MomentText(interval.until)) + "</title></rect>\n";
+            text += SvgRectangle(SweptStateText(interval.state), Place(interval.from), middle - BAR / 2, width, BAR)
+                + ">" + SvgTitle(row.name + ": " + state + " from " + MomentText(interval.from) + " to "
+                + MomentText(interval.until)) + "</rect>\n";
         }
         return text;
     }

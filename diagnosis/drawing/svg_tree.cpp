@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "diagnosis/drawing/event_label.h"
+#include "diagnosis/drawing/svg_parts.h"
 #include "diagnosis/text/markup.h"
 
 namespace diagnosis {
@@ -62,9 +63,7 @@ public:
     {
         const int width = 2 * MARGIN + static_cast<int>(mDepth) * COLUMN + BOX_WIDTH + SYMBOL_SIZE;
         const int height = 2 * MARGIN + mRows * RowHeight() - ROW_GAP;
-        std::string text = "<svg class=\"picture\" role=\"img\" aria-label=\"" + Markup(Description()) + "\" width=\""
-            + Number(width) + "\" height=\"" + Number(height) + "\" viewBox=\"0 0 " + Number(width) + " "
-            + Number(height) + "\">\n";
+        std::string text = SvgStart("", Description(), width, height);
         for (const bool isBold : {false, true}) { // draws the paths of root causes on top
             for (std::size_t place = 0; place < mTree.events.size(); ++place) {
                 text += LinesBelow(place, isBold);
