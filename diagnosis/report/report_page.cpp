@@ -9,18 +9,13 @@
 #include "diagnosis/drawing/svg_timeline.h"
 #include "diagnosis/drawing/svg_tree.h"
 #include "diagnosis/report/html.h"
+#include "diagnosis/report/page.h"
 #include "diagnosis/report/report_causes.h"
-#include "diagnosis/report/report_style.h"
 #include "diagnosis/results/verdict_text.h"
 
 namespace diagnosis {
 
 namespace {
-
-constexpr char HEAD[] =
-    "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
-    "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-    "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src 'unsafe-inline'\">\n";
 
 constexpr char LEGEND[] =
     "<p class=\"legend\">How to read the pictures: the top event stands on the left. A circle is a basic event, a "
@@ -31,11 +26,6 @@ constexpr char LEGEND[] =
 constexpr std::size_t MOST_LISTED = 2000;
 // Browsers don't render deeper markup.
 constexpr std::size_t DEEPEST_LIST = 60;
-
-std::string Plural(std::size_t count, const std::string& one, const std::string& more)
-{
-    return std::to_string(count) + " " + (count == 1 ? one : more);
-}
 
 // Green is for an answer alone.
 const char* VerdictClass(const TreeReport& report)
@@ -168,11 +158,6 @@ std::string TreeSection(const DrawnTree& tree, std::size_t number)
         + "</details>\n</section>\n";
 }
 
-std::string Fact(const std::string& label, const std::string& value)
-{
-    return value.empty() ? "" : "<div>" + Html("dt", label) + Html("dd", value) + "</div>\n";
-}
-
 std::string Facts(const DetectionReport& report)
 {
     const DeviceDetails& device = report.subject.device;
@@ -224,9 +209,8 @@ std::string SweepSection(const SweepReport& sweep)
 
 std::string ReportPage(const DetectionReport& report, const SweepReport* sweep)
 {
-    std::string page = HEAD;
-    page += Html("title", Verdict(report) + ": " + report.bundle) + "\n<style>" + REPORT_STYLE + (sweep == nullptr ? "" : TIMELINE_STYLE) + "</style>\n</head>\n";
-    page += "<body>\n<header>\n" + Html("p", "Fault tree diagnosis of " + report.bundle, "quiet")
+    std::string page = PageStart(Verdict(report) + ": " + report.bundle, sweep == nullptr ? "" : TIMELINE_STYLE);
+    page += "<header>\n" + Html("p", "Fault tree diagnosis of " + report.bundle, "quiet")
         + Html("h1", Verdict(report)) + (report.failure ? "" : Facts(report)) + "</header>\n<main>\n";
     page += report.failure ? FailureSection(*report.failure) : "";
     page += WarningsSection(report.warnings);
@@ -238,8 +222,7 @@ std::string ReportPage(const DetectionReport& report, const SweepReport* sweep)
             page += TreeSection(trees[i], i + 1);
         }
     }
-    page += "</main>\n<footer>" + Html("p", "Made by arborist " ARBORIST_VERSION) + "</footer>\n";
-    return page + "</body>\n</html>\n";
+    return page + "</main>\n" + PageEnd();
 }
 
 } // namespace diagnosis
