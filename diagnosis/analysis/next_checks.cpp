@@ -16,17 +16,12 @@ namespace {
 using Evidence::OpenCheck;
 using SourceKey = std::pair<Reason, std::string>;
 
-bool IsAboutLog(Reason reason)
-{
-    return reason == Reason::LOG_UNAVAILABLE || reason == Reason::LOG_DAMAGED || reason == Reason::TABLE_INCOMPLETE;
-}
-
 // Whether checks of a tree lack the event log. Those on tables that are derived from it then do so, too, whatever their own
 // reason is.
 std::optional<Reason> MissingLog(const TreeReport& report)
 {
     const auto& open = report.verdict.open;
-    for (const Reason reason : {Reason::LOG_UNAVAILABLE, Reason::LOG_DAMAGED, Reason::TABLE_INCOMPLETE}) {
+    for (const Reason reason : LOG_REASONS) {
         if (std::any_of(open.begin(), open.end(), [reason](const OpenCheck& check) { return check.reason == reason; })) {
             return reason;
         }
@@ -36,8 +31,7 @@ std::optional<Reason> MissingLog(const TreeReport& report)
 
 SourceKey KeyOf(const OpenCheck& open, std::optional<Reason> missingLog)
 {
-    const bool isOfLog = IsAboutLog(open.reason) || open.detail.ends_with(DERIVED_DATABASE);
-    return missingLog && isOfLog ? SourceKey(*missingLog, "") : SourceKey(open.reason, open.detail);
+    return missingLog && RestsOnLog(open.reason, open.detail) ? SourceKey(*missingLog, "") : SourceKey(open.reason, open.detail);
 }
 
 // Whether what is missing may be behind several checks: a file, a database, a program. An event without rules is missing
@@ -139,6 +133,12 @@ void SortByMost(std::vector<MissingSource>& sources, Number number)
 }
 
 } // namespace
+
+bool RestsOnLog(Reason reason, const std::string& detail)
+{
+    return std::find(LOG_REASONS.begin(), LOG_REASONS.end(), reason) != LOG_REASONS.end()
+        || detail.ends_with(DERIVED_DATABASE);
+}
 
 MissingSource SourceOf(const TreeReport& report, const OpenCheck& open)
 {

@@ -1,6 +1,7 @@
 #ifndef ARBORIST_DIAGNOSIS_ANALYSIS_NEXT_CHECKS_H
 #define ARBORIST_DIAGNOSIS_ANALYSIS_NEXT_CHECKS_H
 
+#include <array>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -46,6 +47,14 @@ struct MissingSource {
     /// How many undecided trees are decided if all these checks come out true, and also if all come out false.
     std::size_t decides = 0;
 };
+
+/// The reasons of checks that lack the event log. Where several stand in one tree, the first of them counts.
+inline constexpr std::array<Evidence::Reason, 3> LOG_REASONS = {
+    Evidence::Reason::LOG_UNAVAILABLE, Evidence::Reason::LOG_DAMAGED, Evidence::Reason::TABLE_INCOMPLETE};
+
+/// Whether a check lacks the event log if another one of its tree does: it has such a reason, or the detail names tables
+/// that are derived from the log.
+bool RestsOnLog(Evidence::Reason reason, const std::string& detail);
 
 /// What an open check of a tree lacks, without numbers.
 MissingSource SourceOf(const TreeReport& report, const Evidence::OpenCheck& open);

@@ -55,6 +55,7 @@ STOREYS = [
         ["c"],
     ]),
     Storey("diagnosis", [
+        ["results_report"],
         ["report"],
         ["results", "drawing"],
         ["capture", "cases", "sweep"],

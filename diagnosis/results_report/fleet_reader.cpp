@@ -1,0 +1,33 @@
+#include "diagnosis/results_report/fleet_reader.h"
+
+#include "diagnosis/results_db/results_database.h"
+#include "diagnosis/results_report/bundle_figures.h"
+#include "diagnosis/results_report/cause_figures.h"
+#include "diagnosis/results_report/open_figures.h"
+#include "diagnosis/results_report/questions.h"
+#include "diagnosis/results_report/repair_figures.h"
+
+namespace diagnosis {
+
+std::optional<Failure> ReadFleet(const std::string& path, std::int64_t withinDays, Fleet& fleet)
+{
+    Connection database;
+    if (const auto failure = results_db::OpenResults(path, database)) {
+        return failure;
+    }
+    database.LimitToFile();
+    // One transaction, so that all figures are of one state of the file.
+    if (!database.Execute("BEGIN")) {
+        return results_db::DatabaseFailure(path, database);
+    }
+    Questions questions(database);
+    const TrendWeeks weeks = ReadBundleFigures(questions, fleet);
+    const CauseNumbers causes(questions);
+    ReadCauseFigures(questions, causes, weeks, fleet.causes);
+    ReadOpenFigures(questions, fleet.open);
+    ReadRepairFigures(questions, causes, withinDays, fleet.repairs);
+    return questions.Problem().empty() ? std::nullopt
+                                       : std::optional(Failure{"bad_results", path + ": " + questions.Problem()});
+}
+
+} // namespace diagnosis

@@ -1,0 +1,19 @@
+#ifndef ARBORIST_DIAGNOSIS_RESULTS_REPORT_REPAIR_FIGURES_H
+#define ARBORIST_DIAGNOSIS_RESULTS_REPORT_REPAIR_FIGURES_H
+
+#include <cstdint>
+
+#include "diagnosis/results_report/cause_figures.h"
+#include "diagnosis/results_report/fleet.h"
+#include "diagnosis/results_report/questions.h"
+
+namespace diagnosis {
+
+/// Fills in what repairs came to, for devices followed for `withinDays` days. Reads bundles device by device in order of
+/// time; keeps what belongs to one device.
+void ReadRepairFigures(
+    Questions& questions, const CauseNumbers& numbers, std::int64_t withinDays, RepairFigures& figures);
+
+} // namespace diagnosis
+
+#endif
