@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Makes small mistakes in the library and runs the tests on each: "mutation.sh [COUNT [SEED [ROOM...]]]", by default 400 mistakes
 # (mutants) chosen by seed 1, as many in each room of scripts/mutation/rooms.py. All mutants are compiled in at once; the
-# environment variable ARBORIST_MUTANT switches one on. A run goes on where the last one stopped.
+# environment variable ARBORIST_MUTANT switches one on. A run goes on where the last one stopped. The standard library checks
+# what it is asked, so that a mutant which reads behind the end of a vector, or out of an empty optional, is caught.
 # Fails if a mutant survived that scripts/mutation/survivors.md doesn't list with its reason.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -15,7 +16,8 @@ scripts/install-dependencies.sh python3-clang-14 libclang-14-dev
 mkdir -p "$folder"
 "${python[@]}" scripts/mutation/generate.py . "$folder" copy
 cmake -S "$folder/source" -B "$folder/build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DARBORIST_BUILD_C=OFF \
-    "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -w -Wno-narrowing -fpermissive" -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null
+    "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -w -Wno-narrowing -fpermissive -D_GLIBCXX_ASSERTIONS" \
+    -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null
 
 # A mutant that is no C++, such as a swapped argument of a template, is left out, and the rest built again.
 while true; do

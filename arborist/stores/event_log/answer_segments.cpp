@@ -110,26 +110,24 @@ void AnswerSegments::MakeSegments(
     const std::vector<Boundary>& boundaries, const Requests& requests, AnswerTable& table)
 {
     std::map<Requests::Number, AnswerColumn*> open;
-    for (std::size_t place = 0; place < boundaries.size();) {
-        const std::uint32_t entry = boundaries[place].entry;
-        for (; place < boundaries.size() && boundaries[place].entry == entry; ++place) {
-            const EntryRange& range = boundaries[place].range;
-            if (!boundaries[place].isBegin) {
-                open.erase(range.question);
-                continue;
-            }
+    // The last boundary is the end of the last range: behind it nothing is open.
+    for (std::size_t place = 0; place + 1 < boundaries.size(); ++place) {
+        const auto& [entry, isBegin, range] = boundaries[place];
+        if (isBegin) {
             open[range.question] = table.Add(range.question, mSnapshot.GetEntry(range.first).begin,
                 mSnapshot.GetEntry(range.end - 1).end, requests.GetQuestion(range.question).IsNumber()).get();
+        } else {
+            open.erase(range.question);
         }
-        // The last boundary is the end of the last range: behind it nothing is open.
-        if (open.empty() || place == boundaries.size()) {
+        const std::uint32_t next = boundaries[place + 1].entry;
+        if (open.empty() || next == entry) {
             continue;
         }
         AnswerSegment& segment = mSegments.emplace_back();
         for (const auto& [question, column] : open) {
             segment.Add(*column, requests.GetQuestion(question));
         }
-        std::fill(mSegmentOfEntry.begin() + entry, mSegmentOfEntry.begin() + boundaries[place].entry,
+        std::fill(mSegmentOfEntry.begin() + entry, mSegmentOfEntry.begin() + next,
             static_cast<std::uint32_t>(mSegments.size()));
     }
 }

@@ -45,11 +45,12 @@ std::optional<RowsOfIds> RowsOfIds::Read(const UnchangedLog& log)
 std::optional<std::string> RowsOfIds::GetCondition(std::int32_t eventId) const
 {
     const auto found = mRows.find(eventId);
-    if (found == mRows.end() || found->second.size() > MOST_ROWS) {
+    const std::vector<std::int64_t>* const rowsOfId = found == mRows.end() ? nullptr : &found->second;
+    if (rowsOfId == nullptr || rowsOfId->size() > MOST_ROWS) {
         return std::nullopt;
     }
     std::string condition;
-    for (const std::int64_t row : found->second) {
+    for (const std::int64_t row : *rowsOfId) {
         condition += (condition.empty() ? " and event_info." + mRowName + " in (" : ",") + std::to_string(row);
     }
     return condition.empty() ? " and 0" : condition + ")";

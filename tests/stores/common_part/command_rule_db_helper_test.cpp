@@ -297,6 +297,7 @@ TEST_F(CommandRuleDbHelperTest, ARecordHoldsTheStatementAndEachValueRawAndScaled
     Evidence::Statement record;
     Normalise("5, 1, 1", {ParamOf("v", "int")}, "start", "start", &record);
     EXPECT_EQ(record.sql, "") << "the caller's";
+    EXPECT_EQ(record.database, mPath);
     EXPECT_EQ(record.rows, 1U);
     EXPECT_TRUE(record.opened);
     ASSERT_EQ(record.columns.size(), 1U);

@@ -16,18 +16,19 @@ namespace {
 
 class SelectedRowsTest : public testing::Test {
 protected:
-    std::vector<std::string> Query(const std::string& sql, std::int64_t minTime) const
+    std::vector<std::string> Query(const std::string& sql, std::int64_t minTime)
     {
         FT::sql::SqlDatabase database;
         database.Open(mPath);
         std::vector<Json::Value> rows;
-        SelectedRows::QueryDataSet(database, sql, rows, minTime);
+        mIsWhole = SelectedRows::QueryDataSet(database, sql, rows, minTime);
         return TextsOf(rows);
     }
 
     TempDir mDir;
     LogCapture mLog;
     std::string mPath = mDir.Path("log.db");
+    bool mIsWhole = false; // what the last query said
 };
 
 TEST_F(SelectedRowsTest, EventAtTheMinimumTimeIsDropped)
@@ -72,6 +73,19 @@ TEST_F(SelectedRowsTest, LinesOfRowsWithoutJsonComeInTheirOrder)
     Query("select 'broken', 7 union all select '', 8 union all select 'x', 9 union all select 'y', 0", 0);
     EXPECT_THAT(mLog.Lines(), ElementsAre(HasSubstr("jsonStr[broken] err."), HasSubstr("extra is empty."),
         HasSubstr("jsonStr[x] err.")));
+}
+
+TEST_F(SelectedRowsTest, SelectionIsWholeIfAllItsTextsAreObjectsOrEmpty)
+{
+    for (const char* sql : {"select '{\"a\":1}', 7", "select '', 7", "select '{}', 7 union all select '', 8"}) {
+        Query(sql, 0);
+        EXPECT_TRUE(mIsWhole) << sql;
+    }
+    for (const char* sql : {"select 'x', 7", "select 'x', 7 union all select '', 8", "select '[1]', 7",
+             "select '', 7 union all select abs(-9223372036854775808), 9"}) {
+        Query(sql, 0);
+        EXPECT_FALSE(mIsWhole) << sql;
+    }
 }
 
 TEST_F(SelectedRowsTest, EmptyExtraIsTold)

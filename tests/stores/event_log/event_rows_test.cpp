@@ -98,6 +98,18 @@ TEST_F(EventRowsTest, CopiesOutliveTheVisitAndTheLog)
     EXPECT_EQ(days[2], 2);
 }
 
+TEST_F(EventRowsTest, SumOfAnswersOfYesOrNoCountsThoseOfTheRowsThatCount)
+{
+    EventLogBuilder builder;
+    for (int row = 0; row < 500; ++row) { // those from 50 to 349 are of id 7, two thirds of them count
+        const std::string extra = "{\"a\":" + std::to_string(row % 2) + "}";
+        builder.Row({row, row < 50 ? 6 : row < 350 ? 7 : 8, row % 3 == 0 ? "2.0" : "1.0", extra});
+    }
+    Open(builder);
+    EXPECT_EQ(Sum(NumberQuestion::IsThere("a")), 100U);
+    EXPECT_EQ(Sum(NumberQuestion::IsThere("b")), 0U);
+}
+
 TEST_F(EventRowsTest, SumBelowZeroWraps)
 {
     Open(EventLogBuilder().Rows({{10, 7, "1.0", R"({"a":-5})"}, {20, 7, "1.0", R"({"a":2})"}}));

@@ -5,6 +5,7 @@
 #include "arborist/frame/log.h"
 #include "arborist/stores/sql/sql_operator.h"
 #include "arborist/stores/sql/sql_table.h"
+#include "tests/support/event_log_builder.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/temp_dir.h"
 
@@ -161,6 +162,26 @@ TEST_F(SqlDatabaseTest, ForeignTextSetsNothingForTheWholeProcess)
     }
     EXPECT_TRUE(statement.ExecuteNoCallback("pragma hard_heap_limit"));
     EXPECT_TRUE(statement.ExecuteNoCallback("pragma user_version = 7"));
+}
+
+TEST_F(SqlDatabaseTest, TableMayHaveTheNameOfASettingThatIsForbidden)
+{
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    mDatabase.Restrict(SqlAccess::OWN_FILE);
+    EXPECT_TRUE(SqlOperator(mDatabase.GetHandle()).ExecuteNoCallback(
+        "create table temp_store(a); insert into temp_store values (1); select a from temp_store"));
+}
+
+TEST_F(SqlDatabaseTest, ClosingMovesWaitingChangesIntoTheFileUnlessItIsOnlyRead)
+{
+    for (const SqlAccess access : {SqlAccess::READ_ONLY, SqlAccess::OWN_FILE}) {
+        EventLogBuilder::RunIntoWal(mDir.Path("a.db"), "create table if not exists t(a); insert into t values (1)");
+        ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+        mDatabase.Restrict(access);
+        ASSERT_TRUE(SqlOperator(mDatabase.GetHandle()).ExecuteNoCallback("select a from t"));
+        mDatabase.Close();
+        EXPECT_EQ(mDir.Has("a.db-wal"), access == SqlAccess::READ_ONLY);
+    }
 }
 
 TEST_F(SqlDatabaseTest, ForeignTextLeavesAFileThatCanBeRead)
