@@ -211,6 +211,7 @@ void ReadObject(const Json::Value& object, Bundle& bundle, Findings& findings)
     reader.Text("ruleFilePrefix", bundle.ruleFilePrefix);
     reader.Text("logLocation", bundle.logLocation);
     reader.Text("reservedText", bundle.reservedText);
+    reader.Text("deviceId", bundle.deviceId);
     ReadNow(reader, bundle.now);
     ReadZone(reader, bundle.tz);
     if (const Json::Value* device = reader.Find("device", &Json::Value::isObject, "an object")) {
@@ -241,6 +242,9 @@ Json::Value ObjectOf(const Bundle& bundle)
     object["ruleFilePrefix"] = bundle.ruleFilePrefix;
     object["logLocation"] = bundle.logLocation;
     object["reservedText"] = bundle.reservedText;
+    if (!bundle.deviceId.empty()) { // earlier versions warn of the key
+        object["deviceId"] = bundle.deviceId;
+    }
     object["now"] = NowValue(bundle.now);
     object["tz"] = bundle.tz;
     for (const auto& [key, value] : DeviceAttributes(bundle.device)) {

@@ -33,7 +33,7 @@ void WriteDescription(JsonWriter& json, const BundleContents& contents)
     for (const auto& [key, value] : DeviceAttributes(bundle.device)) {
         json.Text(key, value);
     }
-    json.EndObject().Key("settings").BeginObject();
+    json.EndObject().Bool("hasDeviceId", !bundle.deviceId.empty()).Key("settings").BeginObject();
     for (const auto& [key, value] : bundle.settings) {
         json.Text(key, value);
     }

@@ -14,7 +14,9 @@ using diagnosis::Failure;
 using diagnosis::ReadBundleText;
 using diagnosis::Warning;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::Pair;
 
 TEST(BundleFileTest, EveryKeyIsRead)
@@ -22,7 +24,7 @@ TEST(BundleFileTest, EveryKeyIsRead)
     Bundle bundle;
     std::vector<Warning> warnings;
     const auto failure = ReadBundleText("b.json", R"({"detectScene": -3, "treeTag": "T", "ruleFileDir": "r//",
-        "ruleFilePrefix": "p", "logLocation": "l", "reservedText": "x", "now": 5, "tz": "UTC",
+        "ruleFilePrefix": "p", "logLocation": "l", "reservedText": "x", "deviceId": "i", "now": 5, "tz": "UTC",
         "device": {"DeviceType": "1", "Product": "2", "Platform": "3", "CpuName": "4", "RamSize": "5",
             "Resolution": "6", "BatteryCapacity": "7"},
         "settings": {"ProgramDataDir": "a", "AppDatabaseDir": "b", "AppFileDir": "c", "VersionName": "d",
@@ -31,8 +33,8 @@ TEST(BundleFileTest, EveryKeyIsRead)
     EXPECT_FALSE(failure.has_value());
     EXPECT_THAT(warnings, IsEmpty());
     EXPECT_EQ(bundle.detectScene, -3);
-    EXPECT_EQ(bundle.treeTag + bundle.ruleFileDir + bundle.ruleFilePrefix + bundle.logLocation + bundle.reservedText,
-        "Trplx");
+    EXPECT_EQ(bundle.treeTag + bundle.ruleFileDir + bundle.ruleFilePrefix + bundle.logLocation + bundle.reservedText
+            + bundle.deviceId, "Trplxi");
     EXPECT_EQ(bundle.now + bundle.tz, "5UTC");
     const DeviceDetails& device = bundle.device;
     EXPECT_EQ(device.GetDeviceType() + device.GetProduct() + device.GetPlatform() + device.GetCpuName()
@@ -78,6 +80,8 @@ INSTANTIATE_TEST_SUITE_P(Table, BadBundleKey, testing::Values(
     BadKeyCase{"SceneTooLarge", R"({"detectScene": 4294967296, "treeTag": "T"})",
         "\"detectScene\" must be a whole number of 32 bits"},
     BadKeyCase{"TagWithNul", R"({"detectScene": 1, "treeTag": "a\u0000b"})", "\"treeTag\" holds a NUL character"},
+    BadKeyCase{"DeviceIdAsNumber", R"({"detectScene": 1, "treeTag": "T", "deviceId": 77})",
+        "\"deviceId\" must be a text, not a number"},
     BadKeyCase{"DeviceAttributeAsNumber", R"({"detectScene": 1, "treeTag": "T", "device": {"RamSize": 8}})",
         "\"device.RamSize\" must be a text, not a number"},
     BadKeyCase{"SettingAsNull", R"({"detectScene": 1, "treeTag": "T", "settings": {"VersionName": null}})",
@@ -91,6 +95,14 @@ INSTANTIATE_TEST_SUITE_P(Table, BadBundleKey, testing::Values(
     BadKeyCase{"UnknownZone", R"({"detectScene": 1, "treeTag": "T", "tz": "Mars"})",
         "\"tz\" names no time zone that this machine knows: \"Mars\""}),
     CaseName());
+
+TEST(BundleFileTest, ADeviceWithoutAnIdIsWrittenWithoutTheKey)
+{
+    Bundle bundle;
+    EXPECT_THAT(diagnosis::BundleText(bundle), Not(HasSubstr("deviceId")));
+    bundle.deviceId = "SN-1";
+    EXPECT_THAT(diagnosis::BundleText(bundle), HasSubstr("\"deviceId\": \"SN-1\""));
+}
 
 TEST(BundleFileTest, ACommentBeforeAKeyIsBadJsonAndHasItsPlace)
 {

@@ -88,12 +88,14 @@ std::string BundleText(const BundleContents& contents)
     for (const auto& [key, value] : DeviceAttributes(contents.description.device)) {
         device += value.empty() ? "" : (device.empty() ? "" : ", ") + (key + (" " + value));
     }
+    const std::string& id = contents.description.deviceId;
     std::string settings;
     for (const auto& [key, value] : contents.description.settings) {
         settings += value.empty() ? "" : Line(settings.empty() ? "settings" : "", key + (" " + value));
     }
     return head + Line("rules", RulesText(contents)) + Line("scene", std::to_string(contents.description.detectScene))
-        + Line("moment", MomentText(contents)) + Line("device", device.empty() ? "not known" : device) + settings
+        + Line("moment", MomentText(contents)) + Line("device", device.empty() ? "not known" : device)
+        + (id.empty() ? "" : Line("device id", "given")) + settings
         + Line("event log", LogLine(contents))
         + Line("repair records", contents.repairFailure ? contents.repairFailure->message
                                                         : std::to_string(contents.repairRecords))
