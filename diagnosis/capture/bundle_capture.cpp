@@ -12,6 +12,7 @@
 #include "diagnosis/bundle/repair_records.h"
 #include "diagnosis/bundle/moment.h"
 #include "diagnosis/bundle/rule_paths.h"
+#include "diagnosis/capture/capture_redaction.h"
 #include "diagnosis/capture/captured_files.h"
 #include "diagnosis/detection/detection.h"
 #include "diagnosis/evidence/detection_recorder.h"
@@ -39,7 +40,8 @@ class Capture {
 public:
     Capture(const BundleSession& session, const CaptureOptions& options, const std::string& folder)
         : mSession(session), mOptions(options), mOwn(session.GetBundle()),
-          mFiles(folder, ZipLimits{}, {fs::path(folder).parent_path().string(), session.ScratchPath()})
+          mAside(fs::path(folder).parent_path().string()), mFiles(folder, ZipLimits{}, {mAside, session.ScratchPath()}),
+          mRedaction(options.redaction.get(), mFiles)
     {
     }
 
@@ -50,11 +52,12 @@ public:
         }
         MakeRelative();
         for (const auto step : {&Capture::AddRules, &Capture::AddNodeFiles, &Capture::AddFolders,
-                 &Capture::AddDatabases, &Capture::AddDescription}) {
+                 &Capture::AddDatabases, &Capture::RedactNodeFiles, &Capture::AddDescription}) {
             if (auto failure = (this->*step)()) {
                 return failure;
             }
         }
+        mRedacted = mRedaction.Finish(mOwn, mRuleSet);
         return std::nullopt;
     }
 
@@ -66,6 +69,7 @@ public:
         report.files = mFiles.Files();
         report.bytes = mFiles.Bytes();
         report.names = mFiles.GetNames();
+        report.redaction = mRedacted;
     }
 
 private:
@@ -183,6 +187,10 @@ private:
             if (!fs::is_regular_file(source, error)) {
                 continue;
             }
+            if (file == DERIVED_DATABASE && mRedaction.TouchesLog()) {
+                mRedaction.LeaveDerivedDatabaseOut(source);
+                continue;
+            }
             auto failure = file == EVENT_LOG ? AddLog(source, mFiles.Path(name))
                                              : CopyDatabase(source, mFiles.Path(name));
             if (file == REPAIR_RECORDS && !failure) {
@@ -196,7 +204,28 @@ private:
         return std::nullopt;
     }
 
-    Problem AddLog(const std::string& source, const std::string& target) const
+    Problem AddLog(const std::string& source, const std::string& target)
+    {
+        if (!mRedaction.TouchesLog()) {
+            return AddPlainLog(source, target);
+        }
+        const std::string plain = (fs::path(mAside) / "plain_log.db").string();
+        auto failure = AddPlainLog(source, plain);
+        failure = failure ? failure : mRedaction.WriteLog(plain, target);
+        if (failure && failure->message.rfind(plain, 0) == 0) {
+            failure->message.replace(0, plain.size(), source);
+        }
+        return failure;
+    }
+
+    Problem RedactNodeFiles()
+    {
+        return mRedaction.ReplaceNodeFiles(mRuleSet.nodeFiles, [this](const std::string& path) {
+            return Inside(NameOnDevice(mCaptured.settings[Settings::DEVICE_ROOT_DIR], path));
+        });
+    }
+
+    Problem AddPlainLog(const std::string& source, const std::string& target) const
     {
         LogSlice slice;
         slice.asOf = mSession.AsOf();
@@ -221,6 +250,7 @@ private:
 
     Problem AddDescription()
     {
+        mRedaction.ReplaceKeys(mCaptured);
         mCaptured.now = MomentText(mSession.Now());
         mCaptured.tz = mCaptured.tz.empty() ? ZoneOfThisMachine() : mCaptured.tz;
         std::ofstream file(mFiles.Path("bundle.json"), std::ios::binary);
@@ -233,7 +263,11 @@ private:
     const Bundle& mOwn;
     Bundle mCaptured;
     RuleSetSummary mRuleSet;
+    // A folder for what is no part of the capture, around it.
+    std::string mAside;
     CapturedFiles mFiles;
+    CaptureRedaction mRedaction;
+    std::optional<RedactionReport> mRedacted;
     std::vector<Warning> mWarnings;
 };
 

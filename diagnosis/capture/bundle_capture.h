@@ -2,6 +2,7 @@
 #define ARBORIST_DIAGNOSIS_CAPTURE_BUNDLE_CAPTURE_H
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -9,6 +10,8 @@
 #include "diagnosis/bundle/bundle_session.h"
 #include "diagnosis/detection/code_answers.h"
 #include "diagnosis/problem.h"
+#include "diagnosis/redaction/redaction_file.h"
+#include "diagnosis/redaction/redaction_report.h"
 
 namespace diagnosis {
 
@@ -19,6 +22,8 @@ struct CaptureOptions {
     CodeRunner codeRunner;
     /// Captures only the part of the event log within the longest window of the rules.
     bool isWindowOnly = false;
+    /// What is replaced by keyed hashes in the capture; may be null.
+    std::shared_ptr<const Redaction> redaction;
 };
 
 struct CaptureReport {
@@ -28,6 +33,8 @@ struct CaptureReport {
     std::uint64_t bytes = 0;
     /// The names of the captured files, in the order of copying.
     std::vector<std::string> names;
+    /// What was replaced; set if a redaction was asked for and nothing failed.
+    std::optional<RedactionReport> redaction;
 };
 
 /// Copies a bundle, with everything outside it that its rules name, into a self-contained bundle: a zip if `given` ends

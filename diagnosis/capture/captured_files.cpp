@@ -151,6 +151,17 @@ std::optional<Failure> CapturedFiles::Count(const std::string& name)
     return std::nullopt;
 }
 
+std::optional<Failure> CapturedFiles::Replace(const std::string& name, const std::string& content)
+{
+    const std::string path = Path(name);
+    std::error_code error;
+    mBytes -= std::min<std::uint64_t>(mBytes, fs::file_size(path, error));
+    mBytes += content.size();
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    file << content;
+    return file.flush() ? std::nullopt : std::optional(Failure{"not_packed", name + ": can't be written"});
+}
+
 std::optional<Failure> CapturedFiles::Take(const std::string& source, const std::string& name, std::uint64_t longest)
 {
     std::error_code error;

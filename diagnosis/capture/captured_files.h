@@ -31,6 +31,8 @@ public:
     std::optional<Failure> AddFolder(const std::string& source, const std::string& name, const std::string& root = "");
     /// Adds a file to the limits that was written to Path(name) in another way.
     std::optional<Failure> Count(const std::string& name);
+    /// Replaces the content of a file that was copied.
+    std::optional<Failure> Replace(const std::string& name, const std::string& content);
     /// The path of `name` in the folder; creates the folders above it.
     std::string Path(const std::string& name) const;
 

@@ -234,8 +234,10 @@ DetectionReport RunDetection(const BundlePath& bundle, const DetectionOptions& o
         BundleSession session;
         report.failure = session.Enter(bundle, options.overrides);
         report.warnings = session.GetWarnings();
+        report.device = options.deviceNames.Of(session.GetBundle().deviceId);
         if (!report.failure) {
             report.subject = session.GetBundle();
+            report.subject.deviceId.clear();
             report.moment = FormatMoment(session.Now()).value_or("");
             Detection(session, options).Run(report);
             ShowPaths(session, report);

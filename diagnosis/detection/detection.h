@@ -12,6 +12,7 @@
 #include "diagnosis/evidence/recorded_tree.h"
 #include "diagnosis/evidence/rule_set_memory.h"
 #include "diagnosis/problem.h"
+#include "diagnosis/redaction/hash_key.h"
 
 namespace diagnosis {
 
@@ -27,6 +28,7 @@ struct DetectionOptions {
     std::shared_ptr<RuleSetMemory> ruleSets = nullptr;
     /// A SIGINT stops the detection instead of ending the process; see StoppedBySignal.
     bool stopsOnSignal = false;
+    DeviceNames deviceNames;
     /// Lets another thread stop the detection; may be null. It must outlive the detection.
     StopSwitch* stop = nullptr;
 };
@@ -38,10 +40,12 @@ struct DetectionReport {
     std::optional<Failure> failure;
     std::vector<Warning> warnings;
     TreeReports trees;
+    /// The name of the device, as the options ask for it; empty for a device without an id.
+    std::string device;
     /// As requested: whether the report shows the trees, and the explanation.
     bool withTrees = false;
     bool withExplanation = false;
-    /// The bundle that was diagnosed, and the time of the diagnosis as local time. Set once the bundle is entered.
+    /// The bundle that was diagnosed, without the id of its device, and the time of the diagnosis as local time. Set once the bundle is entered.
     Bundle subject;
     std::string moment;
 

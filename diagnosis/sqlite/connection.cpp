@@ -55,6 +55,11 @@ void Statement::BindNull(int parameter)
     sqlite3_bind_null(mStatement.get(), parameter);
 }
 
+void Statement::BindColumn(int parameter, const Statement& row, int column)
+{
+    sqlite3_bind_value(mStatement.get(), parameter, sqlite3_column_value(row.mStatement.get(), column));
+}
+
 bool Statement::Step()
 {
     return sqlite3_step(mStatement.get()) == SQLITE_ROW;
@@ -94,6 +99,13 @@ bool Statement::IsInteger(int column) const
 std::int64_t Statement::Integer(int column) const
 {
     return sqlite3_column_int64(mStatement.get(), column);
+}
+
+std::uint64_t Statement::Bytes(int column) const
+{
+    const int type = sqlite3_column_type(mStatement.get(), column);
+    const bool isText = type == SQLITE_TEXT || type == SQLITE_BLOB;
+    return isText ? static_cast<std::uint64_t>(sqlite3_column_bytes(mStatement.get(), column)) : 0;
 }
 
 std::string Statement::Text(int column) const

@@ -18,6 +18,8 @@ public:
     void BindReal(int parameter, double value);
     void Bind(int parameter, const std::string& text);
     void BindNull(int parameter);
+    /// Binds the value of a column of another statement's row, of whatever type, unchanged.
+    void BindColumn(int parameter, const Statement& row, int column);
     /// Runs to the next row. False at the end or on an error; see Connection::GetError.
     bool Step();
     /// Prepares the statement to run again.
@@ -32,6 +34,8 @@ public:
     bool IsNull(int column) const;
     bool IsInteger(int column) const;
     std::int64_t Integer(int column) const;
+    /// How many bytes a text or a blob of the column has; 0 for a number and for null.
+    std::uint64_t Bytes(int column) const;
     /// The column converted to text by SQLite, NUL characters included.
     std::string Text(int column) const;
 

@@ -62,6 +62,7 @@ STOREYS = [
         ["analysis", "detection"],
         ["evidence"],
         ["rule_set"],
+        ["redaction"],
         ["lint"],
         ["log_db", "results_db"],
         ["bundle"],

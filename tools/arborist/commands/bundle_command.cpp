@@ -2,11 +2,14 @@
 
 #include "diagnosis/capture/bundle_capture.h"
 #include "diagnosis/capture/bundle_contents.h"
+#include "diagnosis/redaction/redaction_file.h"
 #include "diagnosis/results/bundle_json.h"
+#include "diagnosis/results/capture_json.h"
 #include "diagnosis/text/printable.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/shared_options.h"
 #include "tools/arborist/render/bundle_text.h"
+#include "tools/arborist/render/redaction_text.h"
 #include "tools/arborist/terminal/colour.h"
 #include "tools/arborist/terminal/output.h"
 
@@ -17,6 +20,8 @@ namespace {
 struct BundleOptions {
     std::string bundle;
     std::string target;
+    /// The redaction file; empty for none.
+    std::string redaction;
     CaptureOptions capture;
     LogOptions log;
     CodeRunnerOptions codeRunner;
@@ -24,17 +29,37 @@ struct BundleOptions {
     bool isStrict = false;
 };
 
+// Reads the redaction file, if there is one. On failure prints the reason and returns false.
+bool HasRedaction(BundleOptions& options)
+{
+    if (options.redaction.empty()) {
+        return true;
+    }
+    const auto redaction = std::make_shared<Redaction>();
+    options.capture.redaction = redaction;
+    const auto failure = ReadRedactionFile(options.redaction, *redaction);
+    if (failure) {
+        PrintError(failure->message);
+    }
+    return !failure;
+}
+
 ExitStatus Pack(BundleOptions options)
 {
-    if (!IsLogOpen(options.log)) {
+    if (!IsLogOpen(options.log) || !HasRedaction(options)) {
         return ExitStatus::WRONG_USE;
     }
     options.capture.codeRunner = MakeCodeRunner(options.codeRunner);
     const auto report = CaptureBundle(MakeBundlePath(options.bundle), options.target, options.capture);
+    if (options.asJson) {
+        PrintResult(CaptureJson(options.bundle, options.target, report) + "\n");
+        return report.failure ? report.failure->status : ExitStatus::SUCCESS;
+    }
     PrintProblems(options.bundle, report.warnings, report.failure);
     if (report.failure) {
         return report.failure->status;
     }
+    PrintResult(report.redaction ? RedactionText(*report.redaction) : "");
     if (options.capture.overrides.isLive) {
         for (const std::string& name : report.names) {
             PrintResult(Printable(name) + "\n");
@@ -95,9 +120,13 @@ void AddPackCommand(Command bundle, ExitStatus& status)
         .Takes("OUT").Required().NotEmpty();
     pack.AddFlag("--window", options->capture.isWindowOnly,
         "Of the event log only what the longest window of the rules reaches");
+    pack.Add("--redact", options->redaction, "Replace what this JSON file lists by keyed hashes, and tell what was replaced")
+        .Takes("FILE").NotEmpty();
+    pack.AddFlag("--json", options->asJson, "One JSON object");
     AddCodeRunnerOptions(pack, options->codeRunner);
     pack.Footer("The answers of --code-runner are recorded.\nExamples:\n  arborist bundle pack examples/laptop -o laptop.zip\n"
                  "  arborist bundle pack examples/linux-host --live -o this-machine.zip\n"
+                 "  arborist bundle pack examples/laptop --redact redaction.json -o for-others.zip\n"
                  "  arborist bundle pack . --window --code-runner ./tests.sh -o /tmp/device-7");
     pack.OnCall([options, &status] { status = Pack(*options); });
 }
