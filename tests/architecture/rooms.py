@@ -12,6 +12,7 @@ OTHER_TESTS = {
     "tests/architecture": "rules about the sources of all storeys",
     "tests/diagnosis": "the ground of diagnosis, which has no folder of its own",
     "tests/docs": "the pages in docs/",
+    "tests/fleet": "batches on the engines of examples/fleet",
     "tests/linux_data": "rule sets and bundles outside of this repository",
     "tests/packaging": "what is installed",
     "tests/scripts": "the scripts that measure the tests",
