@@ -14,6 +14,7 @@
 
 #include "arborist/frame/log.h"
 #include "arborist/frame/rule_set_summary.h"
+#include "arborist/utilities/native_path.h"
 #include "arborist/utilities/platform.h"
 
 namespace XmlFile {
@@ -103,7 +104,7 @@ Outcome Load(tinyxml2::XMLDocument& document, const std::string& path)
 {
     document.Clear();
     std::error_code noStatus;
-    const bool isFile = std::filesystem::is_regular_file(path, noStatus);
+    const bool isFile = std::filesystem::is_regular_file(NativePath(path), noStatus);
     const std::unique_ptr<std::FILE, FileCloser> file(isFile ? Platform::OpenForReading(path) : nullptr);
     if (file == nullptr) {
         return {tinyxml2::XML_ERROR_FILE_READ_ERROR, isFile ? "can't be opened" : "not a file", 0};

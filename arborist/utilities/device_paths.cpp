@@ -6,6 +6,7 @@
 
 #include "arborist/frame/fault_tree_prop_global.h"
 #include "arborist/frame/settings.h"
+#include "arborist/utilities/native_path.h"
 
 namespace {
 
@@ -68,7 +69,7 @@ std::string DevicePaths::RealRootOfDevice()
 {
     const std::string root = Setting(Settings::DEVICE_ROOT_DIR);
     std::error_code error;
-    const std::string realRoot = root.empty() ? "" : std::filesystem::canonical(root, error).generic_string();
+    const std::string realRoot = root.empty() ? "" : std::filesystem::canonical(NativePath(root), error).generic_string();
     return realRoot == "/" ? "" : realRoot;
 }
 
@@ -86,7 +87,7 @@ std::string DevicePaths::RealPath(const std::string& path, const std::string& re
         const std::string root = isBelowRoot ? realRoot : std::filesystem::current_path(error).generic_string();
         resolved = IsBelow(path, root) ? RootedPath::Resolve(root, path.substr(root.size())) : "";
     }
-    return std::filesystem::canonical(resolved, error).generic_string();
+    return std::filesystem::canonical(NativePath(resolved), error).generic_string();
 }
 
 RootedPath::Target DevicePaths::FindReal(const std::string& realPath, const std::string& realRoot)

@@ -7,6 +7,7 @@
 
 #include "arborist/frame/log.h"
 #include "arborist/utilities/directory_walk.h"
+#include "arborist/utilities/native_path.h"
 #include "arborist/utilities/platform.h"
 
 namespace fs = std::filesystem;
@@ -21,7 +22,7 @@ constexpr std::uint16_t WRITE_BITS = 0222;
 bool IsFolderNamedWith(const std::string& path, const std::string& prefix)
 {
     std::error_code ignored;
-    return fs::is_directory(fs::symlink_status(path, ignored)) &&
+    return fs::is_directory(fs::symlink_status(NativePath(path), ignored)) &&
         FileUtil::ExtractFileName(path).rfind(prefix, 0) == 0;
 }
 
@@ -30,7 +31,7 @@ bool IsFolderNamedWith(const std::string& path, const std::string& prefix)
 void RemoveAll(const std::string& path, std::error_code& error)
 {
     std::vector<std::string> entries = {path};
-    if (!fs::is_symlink(path, error)) {
+    if (!fs::is_symlink(NativePath(path), error)) {
         DirectoryWalk::Run(path, [&entries](const std::string& entry) {
             entries.push_back(entry);
             return true;
@@ -79,7 +80,7 @@ bool IsPathLengthAllowed(const std::string& path)
 bool FileUtil::FileExists(const std::string& path)
 {
     std::error_code error;
-    const fs::file_status status = fs::status(path, error);
+    const fs::file_status status = fs::status(NativePath(path), error);
     if (status.type() == fs::file_type::not_found) {
         return false;
     }
@@ -94,14 +95,14 @@ bool FileUtil::FileExists(const std::string& path)
 bool FileUtil::FileExistsA(const std::string& path)
 {
     std::error_code error;
-    const fs::file_status status = fs::status(path, error);
+    const fs::file_status status = fs::status(NativePath(path), error);
     return fs::exists(status) && !fs::is_directory(status);
 }
 
 bool FileUtil::IsDirectory(const std::string& path)
 {
     std::error_code error;
-    const fs::file_status status = fs::status(path, error);
+    const fs::file_status status = fs::status(NativePath(path), error);
     if (error && status.type() != fs::file_type::not_found) {
         FT::Log::GetInstance().Output(
             FT::LEVEL_ERROR, "FUNc:%s: Failed to judge directory %s.", "FileUtil::IsDirectory", path.c_str());
@@ -113,13 +114,13 @@ bool FileUtil::IsDirectory(const std::string& path)
 bool FileUtil::IsPlainFile(const std::string& path)
 {
     std::error_code error;
-    return fs::is_regular_file(path, error);
+    return fs::is_regular_file(NativePath(path), error);
 }
 
 std::uint64_t FileUtil::GetFileSize(const std::string& path)
 {
     std::error_code error;
-    const std::uintmax_t size = fs::file_size(path, error);
+    const std::uintmax_t size = fs::file_size(NativePath(path), error);
     return error ? 0 : size;
 }
 
@@ -139,7 +140,7 @@ bool FileUtil::PathToRealPath(const std::string& path, std::string& realPath)
         return false;
     }
     std::error_code error;
-    const fs::path canonical = fs::canonical(path, error);
+    const fs::path canonical = fs::canonical(NativePath(path), error);
     if (error) {
         return false;
     }
@@ -155,7 +156,7 @@ bool FileUtil::ForceCreateDirectory(const std::string& path)
     // Strip separators at the end: the empty name behind the last one would count as one more directory.
     const std::size_t end = path.find_last_not_of('/');
     std::error_code error;
-    const bool created = fs::create_directories(path.substr(0, end + 1), error);
+    const bool created = fs::create_directories(NativePath(path.substr(0, end + 1)), error);
     if (error) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Failed to create directory %s.",
             "FileUtil::ForceCreateDirectory", path.c_str());
@@ -190,7 +191,7 @@ bool FileUtil::RemoveFile(const std::string& path)
         return true;
     }
     std::error_code error;
-    fs::remove(path, error);
+    fs::remove(NativePath(path), error);
     if (error) {
         FT::Log::GetInstance().Output(
             FT::LEVEL_ERROR, "FUNc:%s: Failed to remove file %s.", "FileUtil::RemoveFile", path.c_str());
@@ -229,14 +230,14 @@ bool FileUtil::CopyFileToFolder(const std::string& source, const std::string& ta
     std::error_code error;
     // One file into a folder, the common case, is copied so that nobody inherits its descriptors.
     const bool isPlain = options == fs::copy_options::overwrite_existing && IsPlainFile(source) &&
-        fs::is_directory(target, error);
+        fs::is_directory(NativePath(target), error);
     try {
         if (isPlain && Platform::CopyContent(source, target + "/" + ExtractFileName(source))) {
             return true;
         }
         error = isPlain ? std::make_error_code(std::errc::io_error) : std::error_code();
         if (!isPlain) {
-            fs::copy(source, target, options, error);
+            fs::copy(NativePath(source), NativePath(target), options, error);
         }
     } catch (const fs::filesystem_error& failure) {
         error = failure.code(); // a read error inside a folder throws despite the error code
@@ -273,9 +274,9 @@ bool FileUtil::ChangeMode(const std::string& path, std::uint16_t mode)
     }
     std::error_code error;
     if ((mode & WRITE_BITS) == 0) {
-        fs::permissions(path, fs::perms{WRITE_BITS}, fs::perm_options::remove, error);
+        fs::permissions(NativePath(path), fs::perms{WRITE_BITS}, fs::perm_options::remove, error);
     } else {
-        fs::permissions(path, fs::perms::owner_write, fs::perm_options::add, error);
+        fs::permissions(NativePath(path), fs::perms::owner_write, fs::perm_options::add, error);
     }
     if (error) {
         FT::Log::GetInstance().Output(
@@ -299,7 +300,7 @@ bool FileUtil::ChangeModeDirectory(const std::string& path, std::uint16_t mode)
     DirectoryWalk::Run(path, [mode, &changed](const std::string& entry) {
         // The target of a link may lie outside of `path`.
         std::error_code ignored;
-        changed = fs::is_symlink(entry, ignored) || ChangeMode(entry, mode);
+        changed = fs::is_symlink(NativePath(entry), ignored) || ChangeMode(entry, mode);
         return changed;
     });
     return changed && ChangeMode(path, mode);
@@ -366,7 +367,7 @@ bool FileUtil::SaveStringToFile(const std::string& path, const std::string& text
     std::string realPath;
     std::error_code ignored;
     // Opening a pipe would wait for its reader.
-    if (!PathToRealPath(path, realPath) || fs::is_fifo(realPath, ignored)) {
+    if (!PathToRealPath(path, realPath) || fs::is_fifo(NativePath(realPath), ignored)) {
         return false;
     }
     std::FILE* const file = Platform::OpenFile(realPath, truncate ? "w" : "a");

@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "arborist/utilities/native_path.h"
+
 #if defined(__linux__)
 #include <cerrno>
 #include <fcntl.h>
@@ -202,7 +204,7 @@ std::string RootedPath::ResolveStepByStep(const std::string& root, const std::st
         }
         walked.push_back(element);
         std::error_code error;
-        const std::string target = std::filesystem::read_symlink(Joined(root, walked), error).string();
+        const std::string target = std::filesystem::read_symlink(NativePath(Joined(root, walked)), error).string();
         if (error) {
             continue; // no link, or it doesn't exist
         }

@@ -16,6 +16,7 @@
 
 #include "arborist/frame/log.h"
 #include "arborist/utilities/file_util.h"
+#include "arborist/utilities/native_path.h"
 #include "arborist/utilities/platform.h"
 #include "arborist/utilities/zip_entry.h"
 
@@ -206,7 +207,7 @@ std::string UnfinishedPath(const std::string& target)
 // A file that is removed at the end unless it was moved to its place.
 class UnfinishedFile {
 public:
-    explicit UnfinishedFile(const std::string& path) : mText(path), mPath(path) {}
+    explicit UnfinishedFile(const std::string& path) : mText(path), mPath(NativePath(path)) {}
     ~UnfinishedFile()
     {
         std::error_code ignored;
@@ -221,7 +222,7 @@ public:
     bool MoveTo(const std::string& place)
     {
         std::error_code error;
-        std::filesystem::rename(mPath, place, error);
+        std::filesystem::rename(mPath, NativePath(place), error);
         return mIsInPlace = !error;
     }
 

@@ -5,6 +5,8 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "arborist/utilities/native_path.h"
+
 namespace fs = std::filesystem;
 
 TempDir::TempDir() : mBefore(fs::current_path())
@@ -33,7 +35,7 @@ TempDir::~TempDir()
 
 std::string TempDir::Write(const std::string& name, const std::string& content) const
 {
-    const fs::path path = fs::path(mPath) / name;
+    const fs::path path = fs::path(NativePath(mPath)) / NativePath(name);
     fs::create_directories(path.parent_path());
     std::ofstream file(path, std::ios::binary);
     file << content;
@@ -45,7 +47,7 @@ std::string TempDir::Write(const std::string& name, const std::string& content) 
 
 std::string TempDir::Read(const std::string& name) const
 {
-    std::ifstream file(fs::path(mPath) / name, std::ios::binary);
+    std::ifstream file(fs::path(NativePath(mPath)) / NativePath(name), std::ios::binary);
     if (!file) {
         throw std::runtime_error("can't read " + name);
     }
@@ -54,12 +56,12 @@ std::string TempDir::Read(const std::string& name) const
 
 std::string TempDir::MakeDir(const std::string& name) const
 {
-    const fs::path path = fs::path(mPath) / name;
+    const fs::path path = fs::path(NativePath(mPath)) / NativePath(name);
     fs::create_directories(path);
     return path.generic_string();
 }
 
 bool TempDir::Has(const std::string& name) const
 {
-    return fs::exists(fs::path(mPath) / name);
+    return fs::exists(fs::path(NativePath(mPath)) / NativePath(name));
 }

@@ -12,6 +12,7 @@
 #include "arborist/utilities/device_paths.h"
 #include "arborist/utilities/directory_walk.h"
 #include "arborist/utilities/file_util.h"
+#include "arborist/utilities/native_path.h"
 
 namespace {
 
@@ -21,7 +22,7 @@ constexpr std::size_t MOST_ENTERED = 2 * DatabaseSearch::MOST_LISTINGS_IN_ALL;
 bool IsLink(const std::string& path)
 {
     std::error_code ignored;
-    return std::filesystem::is_symlink(path, ignored);
+    return std::filesystem::is_symlink(NativePath(path), ignored);
 }
 
 // An entry that a walk keeps: a directory, a link to a directory or a matching file.

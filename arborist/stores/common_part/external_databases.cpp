@@ -19,6 +19,7 @@
 #include "arborist/stores/sql/sql_operator.h"
 #include "arborist/utilities/device_paths.h"
 #include "arborist/utilities/file_util.h"
+#include "arborist/utilities/native_path.h"
 #include "arborist/utilities/string_util.h"
 #include "arborist/utilities/zip_util.h"
 
@@ -38,11 +39,11 @@ std::string TargetOf(const std::string& source, const std::string& directory)
 bool IsInDirectory(const std::string& source, const std::string& directory)
 {
     std::error_code error;
-    const fs::path sourceFolder = fs::canonical(fs::absolute(source, error).parent_path(), error);
+    const fs::path sourceFolder = fs::canonical(fs::absolute(NativePath(source), error).parent_path(), error);
     if (error) {
         return false;
     }
-    return fs::equivalent(sourceFolder, directory, error) && !error;
+    return fs::equivalent(sourceFolder, NativePath(directory), error) && !error;
 }
 
 // Decides by the path on the device, so that the folder of a recorded device makes no difference.
@@ -157,7 +158,7 @@ bool CopyFile(const std::string& source, const std::string& opened, const std::s
     }
     // Make the copy writable even if the file is not, as statements change the copy.
     std::error_code ignored;
-    fs::permissions(target, fs::perms::owner_read | fs::perms::owner_write, fs::perm_options::add, ignored);
+    fs::permissions(NativePath(target), fs::perms::owner_read | fs::perms::owner_write, fs::perm_options::add, ignored);
     return FileUtil::FileExists(target);
 }
 

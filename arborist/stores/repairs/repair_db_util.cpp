@@ -13,6 +13,7 @@
 #include "arborist/stores/sql/simple_database_helper.h"
 #include "arborist/utilities/device_paths.h"
 #include "arborist/utilities/file_util.h"
+#include "arborist/utilities/native_path.h"
 #include "arborist/utilities/time_util.h"
 
 namespace {
@@ -74,7 +75,7 @@ bool RepairDbUtil::OpenDb()
     }
     mReader.reset();
     const std::string path = DevicePaths::RepairDatabase();
-    const std::string folder = std::filesystem::path(path).parent_path().string();
+    const std::string folder = std::filesystem::path(NativePath(path)).parent_path().string();
     if (!FileUtil::FileExists(folder) && !FileUtil::ForceCreateDirectory(folder)) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: create dir %s fail.", NAME, folder.c_str());
         return false;

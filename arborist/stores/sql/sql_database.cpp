@@ -74,8 +74,10 @@ constexpr char WAITING_CHANGES[] = "-wal";
 std::uint64_t SizeOf(sqlite3* connection, const char* suffix)
 {
     const char* const path = sqlite3_db_filename(connection, "main");
+    const std::string name = std::string(path == nullptr ? "" : path) + suffix;
     std::error_code error;
-    const auto size = std::filesystem::file_size(std::string(path == nullptr ? "" : path) + suffix, error);
+    // SQLite's text is UTF-8, and said to be: on Windows other texts have the letters of the C locale.
+    const auto size = std::filesystem::file_size(std::u8string(name.begin(), name.end()), error);
     return error ? 0 : size;
 }
 

@@ -1,0 +1,21 @@
+#ifndef ARBORIST_UTILITIES_NATIVE_PATH_H
+#define ARBORIST_UTILITIES_NATIVE_PATH_H
+
+#include <filesystem>
+#include <string>
+
+/// The text of a path as the standard library takes it: UTF-8 on Windows, where the library would read the letters of
+/// the C locale; elsewhere the bytes as they are. Paths that the library returns are UTF-8 on Windows anyway.
+#ifdef _WIN32
+inline std::filesystem::path NativePath(const std::string& text)
+{
+    return std::u8string(text.begin(), text.end());
+}
+#else
+inline const std::string& NativePath(const std::string& text)
+{
+    return text;
+}
+#endif
+
+#endif
