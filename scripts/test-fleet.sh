@@ -9,7 +9,7 @@ scripts/install-dependencies.sh parallel snakemake cwltool python3-distributed p
 cmake --preset dev
 cmake --build --preset dev --target arborist_tool arborist_python
 export TZ="CET-1CEST,M3.5.0,M10.5.0/3" PYTHONPATH=$PWD/build/dev/python
-for engine in bundles kubernetes parallel snakemake cwl dask; do
+for engine in bundles shard kubernetes parallel snakemake cwl dask; do
     echo "== $engine"
     /usr/bin/python3 -B tests/fleet/engines_test.py build/dev/tools/arborist/arborist "$engine" "${1:-60}"
 done

@@ -1,6 +1,8 @@
 """Runs a small fleet on an engine of examples/fleet: its merged lines are those of one machine, each bundle once.
 
-    engines_test.py ARBORIST ENGINE [BUNDLES]     ENGINE: parallel, snakemake, cwl, dask, kubernetes, or bundles for the fleet itself
+    engines_test.py ARBORIST ENGINE [BUNDLES]
+
+ENGINE is parallel, snakemake, cwl, dask or kubernetes; bundles and shard are what all engines share.
 """
 import json
 import os
@@ -55,6 +57,26 @@ class BundlesTest(FleetTest):
     def test_seconds_alone_may_differ(self):
         self.assertEqual(fleet.by_bundle('{"bundle": "a", "seconds": 1.5e-3}'), fleet.by_bundle('{"bundle": "a", "seconds": 7}'))
         self.assertNotEqual(fleet.by_bundle('{"bundle": "a", "now": 1}'), fleet.by_bundle('{"bundle": "a", "now": 2}'))
+
+
+class ShardTest(FleetTest):
+    def test_a_shard_that_runs_twice_at_once_is_run_once(self):
+        runs = [subprocess.Popen(["./shard.sh", "2", "3"], cwd=self.fleet.folder, env=self.fleet.environment, text=True,
+                                 stderr=subprocess.PIPE) for _ in range(2)]
+        told = "".join(run.communicate()[1] for run in runs)
+        self.assertEqual([run.returncode for run in runs], [0, 0])
+        self.assertEqual(told.count(" bundles in "), 1, told)
+        self.assertEqual(list(fleet.by_bundle(self.shards())), self.fleet.bundles[1::3])
+
+    def test_the_status_speaks_of_the_shard_and_not_of_its_broken_bundles(self):
+        self.run_in_fleet("./shard.sh", "1", "1", "2")
+        self.assertIn('"ok": false', self.shards())
+        for status, spoil in ((3, lambda: (self.fleet.folder / "rules/FaultTrees.xml").write_text("<a")),
+                              (2, lambda: (self.fleet.folder / "bundles.txt").unlink())):
+            spoil()
+            result = subprocess.run(["./shard.sh", "2", "2"], cwd=self.fleet.folder, env=self.fleet.environment, capture_output=True)
+            self.assertEqual(result.returncode, status, result.stderr)
+            self.assertEqual(list(self.fleet.folder.glob("results/2.jsonl")), [])
 
 
 class ParallelTest(FleetTest):
@@ -144,7 +166,7 @@ class KubernetesTest(unittest.TestCase):
         self.assertIn(f" {job['spec']['completions']} ", container["command"][-1])
 
 
-TESTS = {"bundles": BundlesTest, "parallel": ParallelTest, "snakemake": SnakemakeTest, "cwl": CwlTest, "dask": DaskTest,
+TESTS = {"bundles": BundlesTest, "shard": ShardTest, "parallel": ParallelTest, "snakemake": SnakemakeTest, "cwl": CwlTest, "dask": DaskTest,
          "kubernetes": KubernetesTest}
 
 

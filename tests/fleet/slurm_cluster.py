@@ -1,15 +1,17 @@
 """A Slurm cluster of two nodes on this machine's loopback: daemons without systemd, cgroups or a database.
 
 Configuration, key, sockets, state and spool are in a folder of the caller; nothing of a system-wide Slurm is read or changed.
-The daemons are killed when their starter dies, and everything that has the cluster's configuration in its environment (jobs,
-too) when the cluster is left.
+A process beside the caller, "slurm_cluster.py FOLDER", waits until the cluster is left or the caller dies in whatever way. It
+then kills everything that has the cluster's configuration in its environment, daemons and jobs, and removes the folder.
 """
 import os
 import pwd
 import secrets
+import shutil
 import signal
 import socket
 import subprocess
+import sys
 import time
 from pathlib import Path
 
@@ -70,33 +72,38 @@ def wait_until(is_so, what, seconds=120):
 
 
 class Cluster:
-    """Controller and nodes; `with` starts them and ends them."""
+    """Controller and nodes; `with` starts them, ends them and removes their folder with whatever is in it."""
 
-    def __init__(self, folder, environment):
+    def __init__(self, folder):
         self.folder = Path(folder)
-        self.environment = {**environment, "PATH": f"{environment['PATH']}:/usr/sbin",
-                            "SLURM_CONF": str(self.folder / "slurm.conf")}
+        self.environment = self._with_configuration(os.environ)
         self.daemons = {}
 
     def __enter__(self):
+        self.end = subprocess.Popen([sys.executable, "-B", __file__, self.folder], stdin=subprocess.PIPE, start_new_session=True)
         try:
             self._configure()
             self._start_all()
         except BaseException:
-            self._end()
+            self.__exit__()
             raise
         return self
 
     def __exit__(self, *_):
-        self._end()
+        self.end.stdin.close()
+        self.end.wait()
+        for daemon in self.daemons.values():
+            daemon.wait()
 
-    def ask(self, *command, cwd=None):
+    def ask(self, *command, environment=None, cwd=None):
         """What one of Slurm's commands prints, without the line end."""
-        return subprocess.run(command, env=self.environment, cwd=cwd, capture_output=True, text=True, timeout=60,
+        return subprocess.run(command, env=environment or self.environment, cwd=cwd, capture_output=True, text=True, timeout=60,
                               check=True).stdout.strip()
 
-    def submit(self, script, array, cwd):
-        return self.ask("sbatch", "--parsable", f"--array={array}", script, cwd=cwd)
+    def submit(self, script, array, fleet):
+        """Runs shards of a fleet in its folder and with its environment; the number of the job."""
+        return self.ask("sbatch", "--parsable", f"--array={array}", script, cwd=fleet.folder,
+                        environment=self._with_configuration(fleet.environment))
 
     def tasks(self, job, state=None):
         """The tasks of an array that are in the queue, as {number: node}; those in one state only, as "R", if it is named."""
@@ -113,9 +120,9 @@ class Cluster:
         daemon = self.daemons.pop(node)
         daemon.kill()
         daemon.wait()
-        tasks = self._processes(f"SLURMD_NODENAME={node}")
-        for process in {self._parent(task) for task in tasks} & set(self._processes()) | set(tasks):
-            self._kill(process)
+        tasks = processes_of(self.folder, f"SLURMD_NODENAME={node}")
+        for process in {parent_of(task) for task in tasks} & set(processes_of(self.folder)) | set(tasks):
+            kill(process)
 
     def ended_tasks(self):
         """What Slurm kept of each task that ended, in the order of ends: its keys by name, as "JobState"."""
@@ -126,6 +133,9 @@ class Cluster:
         """The last lines of each log, for a failure."""
         return "\n".join(f"== {log.name}\n" + "\n".join(log.read_text(errors="replace").splitlines()[-15:])
                          for log in sorted(self.folder.glob("*.log")))
+
+    def _with_configuration(self, environment):
+        return {**environment, "PATH": f"{environment['PATH']}:/usr/sbin", "SLURM_CONF": f"{self.folder}/slurm.conf"}
 
     def _configure(self):
         key = self.folder / "munge.key"
@@ -161,41 +171,45 @@ class Cluster:
 
     def _start(self, name, program, *arguments):
         with (self.folder / f"{name}.out.log").open("wb") as out:
-            self.daemons[name] = subprocess.Popen(
-                ["setpriv", "--pdeathsig", "KILL", program, *arguments], env=self.environment,
-                stdin=subprocess.DEVNULL, stdout=out, stderr=out)
+            self.daemons[name] = subprocess.Popen([program, *arguments], env=self.environment, stdin=subprocess.DEVNULL,
+                                                  stdout=out, stderr=out)
 
-    def _end(self):
-        for daemon in self.daemons.values():
-            daemon.kill()
-            daemon.wait()
-        while left := self._processes():
-            for process in left:
-                self._kill(process)
-            time.sleep(0.05)
 
-    def _processes(self, *marks):
-        """The ids of all processes with our configuration, which no other cluster has, and these marks in their environment."""
-        needed = {mark.encode() for mark in (f"SLURM_CONF={self.folder}/slurm.conf", *marks)}
-        found = []
-        for process in Path("/proc").glob("[0-9]*"):
-            try:
-                if needed <= set((process / "environ").read_bytes().split(b"\0")):
-                    found.append(int(process.name))
-            except OSError:
-                continue  # it has ended, or belongs to somebody else
-        return found
-
-    @staticmethod
-    def _parent(process):
+def processes_of(folder, *marks):
+    """The ids of all processes with a cluster's configuration, which no other has, and these marks in their environment."""
+    needed = {mark.encode() for mark in (f"SLURM_CONF={folder}/slurm.conf", *marks)}
+    found = []
+    for process in Path("/proc").glob("[0-9]*"):
         try:
-            return int(Path(f"/proc/{process}/stat").read_text().rpartition(")")[2].split()[1])
+            if needed <= set((process / "environ").read_bytes().split(b"\0")):
+                found.append(int(process.name))
         except OSError:
-            return 0
+            continue  # it has ended, or belongs to somebody else
+    return found
 
-    @staticmethod
-    def _kill(process):
-        try:
-            os.kill(process, signal.SIGKILL)
-        except ProcessLookupError:
-            pass
+
+def parent_of(process):
+    try:
+        return int(Path(f"/proc/{process}/stat").read_text().rpartition(")")[2].split()[1])
+    except OSError:
+        return 0
+
+
+def kill(process):
+    try:
+        os.kill(process, signal.SIGKILL)
+    except ProcessLookupError:
+        pass
+
+
+def end(folder):
+    while left := processes_of(folder):
+        for process in left:
+            kill(process)
+        time.sleep(0.05)
+    shutil.rmtree(folder)
+
+
+if __name__ == "__main__":
+    sys.stdin.read()  # to the end of it, which comes with that of the caller
+    end(Path(sys.argv[1]))

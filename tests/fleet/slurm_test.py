@@ -7,7 +7,7 @@ import time
 import unittest
 
 import fleet
-from slurm_cluster import Cluster, wait_until
+from slurm_cluster import Cluster, processes_of, wait_until
 
 SCRIPT = fleet.EXAMPLES / "slurm.sh"
 SHARDS = 8
@@ -25,31 +25,31 @@ class SlurmTest(unittest.TestCase):
     def setUp(self):
         self.start = time.monotonic()
         self.scratch = fleet.scratch_folder(self)
-        self.fleet = fleet.Fleet(ARBORIST, self.scratch / "fleet", BUNDLES)
-        (self.scratch / "cluster").mkdir()
 
     def test_lines_are_those_of_one_machine_after_a_shard_and_a_node_were_lost(self):
-        self.tell(f"{BUNDLES} bundles are made")
-        expected = self.fleet.lines_of_one_machine()
-        self.tell("they ran on one machine")
-        with Cluster(self.scratch / "cluster", self.fleet.environment) as cluster:
+        with Cluster(self.scratch) as cluster:
             self.tell("controller and nodes are up")
+            self.fleet = fleet.Fleet(ARBORIST, self.scratch / "fleet", BUNDLES)
+            self.tell(f"{BUNDLES} bundles are made")
+            expected = self.fleet.lines_of_one_machine()
+            self.tell("they ran on one machine")
             try:
                 self.run_fleet(cluster)
             except Exception:
                 print(cluster.logs(), file=sys.stderr)
                 raise
-        merged = "".join(path.read_text() for path in sorted(self.fleet.folder.glob("results/*.jsonl")))
+            merged = "".join(path.read_text() for path in sorted(self.fleet.folder.glob("results/*.jsonl")))
         self.assertEqual(fleet.faults(self.fleet, expected, merged), [])
+        self.assertEqual((processes_of(self.scratch), self.scratch.exists()), ([], False))
 
     def run_fleet(self, cluster):
-        job = cluster.submit(SCRIPT, f"1-{SHARDS}", self.fleet.folder)
+        job = cluster.submit(SCRIPT, f"1-{SHARDS}", self.fleet)
         killed = self.kill_a_shard(cluster, job)
         lost = self.kill_a_node(cluster, job)
         wait_until(lambda: not cluster.tasks(job), "the array", 1800)
         self.assertEqual(self.shards_that_ended(cluster, "COMPLETED"), set(range(1, SHARDS + 1)) - {killed})
         self.assertTrue(lost, "no shard was running on the node that was killed")
-        again = cluster.submit(SCRIPT, killed, self.fleet.folder)
+        again = cluster.submit(SCRIPT, killed, self.fleet)
         wait_until(lambda: not cluster.tasks(again), "the shard that was submitted again", 600)
         self.tell("the shard that was submitted again has ended")
 
