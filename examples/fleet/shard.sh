@@ -16,6 +16,10 @@ rules=()
 if [ -d rules ]; then
     rules=(--rules "$PWD/rules")
 fi
+status=0
 arborist detect --batch bundles.txt "${rules[@]}" --shard "$shard/$shards" --jobs "$jobs" --log-level none \
-    >"results/$shard.part" || [ $? -eq 4 ]
+    >"results/$shard.part" || status=$?
+if [ $status -ne 0 ] && [ $status -ne 4 ]; then
+    exit $status
+fi
 mv "results/$shard.part" "results/$shard.jsonl"
