@@ -6,7 +6,7 @@
 
 #include <json/value.h>
 
-#include "diagnosis/bundle/moment.h"
+#include "diagnosis/results_db/local_moment.h"
 #include "diagnosis/text/json_text.h"
 
 namespace diagnosis::results_db {
@@ -233,8 +233,7 @@ void ReadOrigin(Members object, ResultLine& line, std::string& problem)
     line.ruleSet = object.Text("ruleSet");
     line.now = object.Text("now");
     line.seconds = object.Seconds("seconds");
-    static constexpr std::size_t LENGTH = std::char_traits<char>::length("YYYY-MM-DD HH:MM:SS");
-    if (problem.empty() && !line.now.empty() && (line.now.size() != LENGTH || !IsMomentText(line.now))) {
+    if (problem.empty() && !line.now.empty() && !LocalMoment(line.now)) {
         problem = "now must be \"YYYY-MM-DD HH:MM:SS\" or empty";
     }
 }

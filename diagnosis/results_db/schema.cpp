@@ -19,7 +19,7 @@ CREATE TABLE bundle(
     ok INTEGER NOT NULL,
     microseconds INTEGER NOT NULL,
     device TEXT NOT NULL);
-CREATE UNIQUE INDEX bundle_name ON bundle(name, run, now);
+CREATE UNIQUE INDEX bundle_name ON bundle(name, ok, run, now);
 
 CREATE TABLE failure(
     bundle INTEGER PRIMARY KEY REFERENCES bundle,
@@ -86,9 +86,8 @@ CREATE TABLE repaired(
 
 CREATE TABLE root_cause(
     bundle INTEGER NOT NULL REFERENCES bundle,
-    place INTEGER NOT NULL,
     cause_def INTEGER NOT NULL REFERENCES cause_def,
-    PRIMARY KEY(bundle, place)) WITHOUT ROWID;
+    PRIMARY KEY(bundle, cause_def)) WITHOUT ROWID;
 
 CREATE TABLE check_def(
     id INTEGER PRIMARY KEY,
@@ -102,9 +101,8 @@ CREATE TABLE check_def(
 
 CREATE TABLE open_check(
     bundle INTEGER NOT NULL REFERENCES bundle,
-    place INTEGER NOT NULL,
     check_def INTEGER NOT NULL REFERENCES check_def,
-    PRIMARY KEY(bundle, place)) WITHOUT ROWID;
+    PRIMARY KEY(bundle, check_def)) WITHOUT ROWID;
 
 CREATE TABLE warning_def(
     id INTEGER PRIMARY KEY,
@@ -118,9 +116,8 @@ CREATE TABLE warning_def(
 
 CREATE TABLE warning(
     bundle INTEGER NOT NULL REFERENCES bundle,
-    place INTEGER NOT NULL,
     warning_def INTEGER NOT NULL REFERENCES warning_def,
-    PRIMARY KEY(bundle, place)) WITHOUT ROWID;
+    PRIMARY KEY(bundle, warning_def)) WITHOUT ROWID;
 
 CREATE VIEW bundles AS
 SELECT bundle.id AS bundle_id, bundle.name AS bundle, bundle.ok, run.engine, run.rule_set, bundle.device,
@@ -137,20 +134,20 @@ FROM tree JOIN bundle ON bundle.id = tree.bundle JOIN tree_def ON tree_def.id = 
     JOIN outcome_def ON outcome_def.id = tree.outcome_def;
 
 CREATE VIEW root_causes AS
-SELECT root_cause.bundle AS bundle_id, bundle.name AS bundle, root_cause.place, tree_def.tree, cause_def.event AS cause,
+SELECT root_cause.bundle AS bundle_id, bundle.name AS bundle, tree_def.tree, cause_def.event AS cause,
     cause_def.name, cause_def.cut_set, cause_def.fault_description, cause_def.suggestions, cause_def.user_defined,
     cause_def.id AS cause_def
 FROM root_cause JOIN bundle ON bundle.id = root_cause.bundle JOIN cause_def ON cause_def.id = root_cause.cause_def
     JOIN tree_def ON tree_def.id = cause_def.tree_def;
 
 CREATE VIEW open_checks AS
-SELECT open_check.bundle AS bundle_id, bundle.name AS bundle, open_check.place, tree_def.tree, check_def.event,
+SELECT open_check.bundle AS bundle_id, bundle.name AS bundle, tree_def.tree, check_def.event,
     check_def.rule, check_def."check", check_def.reason, check_def.detail, check_def.rests_on_default
 FROM open_check JOIN bundle ON bundle.id = open_check.bundle JOIN check_def ON check_def.id = open_check.check_def
     JOIN tree_def ON tree_def.id = check_def.tree_def;
 
 CREATE VIEW warnings AS
-SELECT warning.bundle AS bundle_id, bundle.name AS bundle, warning.place, warning_def.code, warning_def.message,
+SELECT warning.bundle AS bundle_id, bundle.name AS bundle, warning_def.code, warning_def.message,
     warning_def.lint, warning_def.rule, warning_def.event, warning_def.file, warning_def.line
 FROM warning JOIN bundle ON bundle.id = warning.bundle JOIN warning_def ON warning_def.id = warning.warning_def;
 

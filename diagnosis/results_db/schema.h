@@ -26,12 +26,12 @@ inline constexpr std::int64_t SCHEMA_VERSION = 1;
 /// | cause_def | a root cause: tree, event, texts and cut set, each different one once | cut_set: the sorted paths of the members, joined by " & " |
 /// | cut_set_member | a member of the cut set of a cause_def | path: ids from the top event, joined by "/" |
 /// | repair | a repair that a cause_def suggests | in the order of the rule set |
-/// | repaired | a repair that a bundle has on record | date: as bundle.now, NULL where it is no moment; place as below |
-/// | root_cause | a root cause that a bundle has | place: 0, 1, ... in the order of the line |
+/// | repaired | a repair that a bundle has on record | date: as bundle.now, NULL where it is no moment; place: 0, 1, ... in the order of the line |
+/// | root_cause | a root cause that a bundle has | in no order: the line has that of the deduction |
 /// | check_def | an open check: tree, event, rule, check, reason, detail | |
-/// | open_check | a check that was open in a bundle | place as above |
+/// | open_check | a check that was open in a bundle | |
 /// | warning_def | a warning: code, message, and where the rule set has the mistake | |
-/// | warning | a warning of a bundle | place as above |
+/// | warning | a warning of a bundle | |
 ///
 /// EVIDENCE_SCHEMA adds one more on demand. The views are bundles, trees, root_causes, open_checks,
 /// warnings, repairs (one row for a root cause of a bundle and a repair), top_causes, undecided_by_reason,

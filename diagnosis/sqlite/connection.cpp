@@ -108,6 +108,11 @@ std::uint64_t Statement::Bytes(int column) const
     return isText ? static_cast<std::uint64_t>(sqlite3_column_bytes(mStatement.get(), column)) : 0;
 }
 
+double Statement::Real(int column) const
+{
+    return sqlite3_column_double(mStatement.get(), column);
+}
+
 std::string Statement::Text(int column) const
 {
     const auto* text = sqlite3_column_text(mStatement.get(), column);

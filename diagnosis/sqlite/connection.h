@@ -36,6 +36,7 @@ public:
     std::int64_t Integer(int column) const;
     /// How many bytes a text or a blob of the column has; 0 for a number and for null.
     std::uint64_t Bytes(int column) const;
+    double Real(int column) const;
     /// The column converted to text by SQLite, NUL characters included.
     std::string Text(int column) const;
 

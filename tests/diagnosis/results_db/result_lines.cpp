@@ -39,6 +39,13 @@ std::string Cause(const std::string& tree, const std::string& cutSet)
         + "}";
 }
 
+std::string OpenCheck(const std::string& event, const std::string& reason)
+{
+    return "{" + Texts({{"event", event}, {"rule", "rule_" + event}, {"check", "not_checked"}, {"reason", reason},
+               {"detail", ""}})
+        + ", \"restsOnDefault\": false}";
+}
+
 } // namespace
 
 LineOf::LineOf(std::string bundle) : mBundle(std::move(bundle))
@@ -75,8 +82,15 @@ LineOf& LineOf::NoFault(const std::string& tree)
 
 LineOf& LineOf::Undecided(const std::string& tree, const std::string& event, const std::string& reason)
 {
-    return Tree(tree, "undecided", "{" + Texts({{"event", event}, {"rule", "rule_" + event}, {"check", "not_checked"},
-        {"reason", reason}, {"detail", ""}}) + ", \"restsOnDefault\": false}", "");
+    return Tree(tree, "undecided", OpenCheck(event, reason), "");
+}
+
+LineOf& LineOf::Open(const std::string& tree, const std::string& event, const std::string& reason)
+{
+    static const std::string LIST = "\"open\": [";
+    const auto start = mResults.find(LIST, mResults.find("\"treeId\": \"" + tree + "\"")) + LIST.size();
+    mResults.insert(start, OpenCheck(event, reason) + (mResults[start] == ']' ? "" : ", "));
+    return *this;
 }
 
 LineOf& LineOf::Warning(const std::string& code, const std::string& message)

@@ -15,6 +15,8 @@ public:
     LineOf& NoFault(const std::string& tree);
     /// A tree without root cause that an open check of `event` keeps undecided.
     LineOf& Undecided(const std::string& tree, const std::string& event, const std::string& reason = "no_runner");
+    /// Opens the check of an event in a tree that was added before, whose verdict stays.
+    LineOf& Open(const std::string& tree, const std::string& event, const std::string& reason = "no_runner");
     LineOf& Warning(const std::string& code, const std::string& message);
     LineOf& Failed(const std::string& code, bool retry = false);
     LineOf& RuleSet(const std::string& digest);

@@ -56,8 +56,7 @@ FleetDatabase& FleetDatabase::Cause(
         Run("INSERT OR IGNORE INTO repair VALUES (" + std::to_string(cause) + ", " + std::to_string(place) + ", ?1, '', '')",
             {repairs[place]});
     }
-    Run("INSERT INTO root_cause VALUES (" + std::to_string(mBundle) + ", " + Place("root_cause") + ", "
-        + std::to_string(cause) + ")");
+    Run("INSERT INTO root_cause VALUES (" + std::to_string(mBundle) + ", " + std::to_string(cause) + ")");
     return *this;
 }
 
@@ -66,8 +65,7 @@ FleetDatabase& FleetDatabase::Open(
 {
     const std::int64_t id = IdIn("check_def", "tree_def, event, rule, \"check\", reason, detail, rests_on_default",
         {std::to_string(mTree), event, "", check, reason, detail, "0"});
-    Run("INSERT INTO open_check VALUES (" + std::to_string(mBundle) + ", " + Place("open_check") + ", "
-        + std::to_string(id) + ")");
+    Run("INSERT INTO open_check VALUES (" + std::to_string(mBundle) + ", " + std::to_string(id) + ")");
     return *this;
 }
 

@@ -319,7 +319,7 @@ TEST(FleetReaderTest, AllPartsAddUp)
             const std::string verdict = oneOf({"fault", "undecided", "no_fault", "not_applicable"});
             database.Tree(tree, verdict, verdict != "undecided");
             for (auto left = random() % 4; left > 0 && verdict == "undecided"; --left, ++open) {
-                database.Open(oneOf({"X", "Y"}), "no_data", oneOf({"log_damaged", "no_value"}), oneOf({"", "jank_db.db"}));
+                database.Open("E" + std::to_string(left), "no_data", oneOf({"log_damaged", "no_value"}), oneOf({"", "jank_db.db"}));
             }
         }
     }

@@ -49,6 +49,7 @@ constexpr KnownCommand COMMANDS[] = {
     {"repair", AddRepairCommand},
     {"report", AddReportCommand},
     {"sweep", AddSweepCommand},
+    {"results", AddResultsCommand},
     {"graph", AddGraphCommand},
     {"lint", AddLintCommand},
     {"rules", AddRulesCommand},

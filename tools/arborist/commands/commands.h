@@ -14,6 +14,7 @@ void AddQueryCommand(Command app, ExitStatus& status);
 void AddRepairCommand(Command app, ExitStatus& status);
 void AddReportCommand(Command app, ExitStatus& status);
 void AddSweepCommand(Command app, ExitStatus& status);
+void AddResultsCommand(Command app, ExitStatus& status);
 void AddGraphCommand(Command app, ExitStatus& status);
 void AddLintCommand(Command app, ExitStatus& status);
 void AddRulesCommand(Command app, ExitStatus& status);

@@ -1,0 +1,123 @@
+#ifndef ARBORIST_DIAGNOSIS_RESULTS_DB_DIFF_SIDE_H
+#define ARBORIST_DIAGNOSIS_RESULTS_DB_DIFF_SIDE_H
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "diagnosis/results_db/definitions.h"
+#include "diagnosis/results_db/results_diff.h"
+#include "diagnosis/sqlite/connection.h"
+
+namespace diagnosis::results_db {
+
+/// Numbers for trees, events, root causes and open checks that are the same on both sides of a comparison.
+class DiffCatalogue {
+public:
+    using Number = std::int64_t;
+
+    struct Cause {
+        std::string tree;
+        std::vector<std::string> cutSet;
+        std::string id;
+        std::string name;
+        /// All events on its paths, sorted.
+        std::vector<Number> events;
+        Number treeNumber = 0;
+    };
+    struct Check {
+        std::string tree;
+        std::string event;
+        std::string rule;
+        std::string reason;
+        Number treeNumber = 0;
+        Number eventNumber = 0;
+        /// Its event has the separator of paths in its id, so that no path tells whether it is part of it.
+        bool mayBeAnywhere = false;
+    };
+
+    Number Tree(const std::string& id);
+    /// The cut set is sorted, and has each path once. Id and name of the last call count; of one side, the smallest.
+    Number AddCause(const std::string& tree, std::vector<std::string> cutSet, const std::string& id, const std::string& name);
+    Number AddCheck(const Check& check);
+    /// Ids and names from now on are those of the later side.
+    void BeginLaterSide();
+
+    const std::string& TreeOf(Number tree) const { return mTreeIds[Place(tree)]; }
+    const Cause& CauseOf(Number cause) const { return mCauses[Place(cause)]; }
+    const Check& CheckOf(Number check) const { return mChecks[Place(check)]; }
+    std::size_t CauseCount() const { return mCauses.size(); }
+
+private:
+    static std::size_t Place(Number number) { return static_cast<std::size_t>(number - 1); }
+    Number Event(const std::string& id);
+    std::vector<Number> EventsOf(const std::vector<std::string>& cutSet);
+
+    Definitions mTrees;
+    Definitions mEvents;
+    Definitions mCauseNumbers;
+    Definitions mCheckNumbers;
+    std::vector<std::string> mTreeIds;
+    std::vector<Cause> mCauses;
+    std::vector<Check> mChecks;
+    /// How many sides have named a cause: by its place.
+    std::vector<int> mNamedBy;
+    int mSide = 1;
+};
+
+/// What one line of a bundle says, in the catalogue's numbers, each list sorted.
+struct DiffLine {
+    std::vector<std::pair<DiffCatalogue::Number, TreeVerdict>> trees;
+    std::vector<DiffCatalogue::Number> causes;
+    std::vector<DiffCatalogue::Number> checks;
+};
+
+/// Reads one side of a comparison, bundle by bundle in the order of their names.
+class DiffSide {
+public:
+    /// A line of the bundle at hand.
+    struct Line {
+        std::int64_t id = 0;
+        bool ok = false;
+        std::string now;
+        double seconds = 0;
+    };
+
+    /// Reads the definitions of the side into the catalogue.
+    DiffSide(Connection& database, DiffCatalogue& catalogue);
+
+    /// Moves to the next bundle. False at the end.
+    bool Next();
+    const std::string& Bundle() const { return mBundle; }
+    /// Its lines, the latest moment first.
+    const std::vector<Line>& Lines() const { return mLines; }
+    DiffLine Read(const Line& line);
+    /// Whether a statement could not be prepared, as of a database that lacks a table.
+    bool HasFailed() const;
+
+private:
+    using Numbers = std::map<std::int64_t, DiffCatalogue::Number>;
+
+    void LoadTrees(Connection& database, DiffCatalogue& catalogue);
+    void LoadCauses(Connection& database, DiffCatalogue& catalogue);
+    void LoadChecks(Connection& database, DiffCatalogue& catalogue);
+
+    Numbers mTrees;
+    Numbers mCauses;
+    Numbers mChecks;
+    std::map<std::int64_t, TreeVerdict> mOutcomes;
+    std::optional<Statement> mBundles;
+    std::optional<Statement> mFindTrees;
+    std::optional<Statement> mFindCauses;
+    std::optional<Statement> mFindChecks;
+    bool mHasRow = false;
+    std::string mBundle;
+    std::vector<Line> mLines;
+};
+
+} // namespace diagnosis::results_db
+
+#endif

@@ -1,0 +1,202 @@
+#include "diagnosis/results_db/import_results.h"
+
+#include <filesystem>
+#include <memory>
+#include <set>
+
+#include "diagnosis/results_db/result_writer.h"
+#include "diagnosis/results_db/results_database.h"
+#include "diagnosis/scratch/new_file.h"
+#include "diagnosis/text/input_lines.h"
+
+namespace diagnosis::results_db {
+
+namespace {
+
+constexpr std::size_t MOST_FAILURES = 20;
+
+/// The database in which an import works: an existing one, or a new file that is put in its place at the end.
+class Target {
+public:
+    std::optional<Failure> Open(const std::string& path)
+    {
+        mPath = path;
+        std::error_code error;
+        mIsNew = !std::filesystem::exists(path, error) || std::filesystem::file_size(path, error) == 0;
+        if (const auto failure = mIsNew ? MakeFile() : OpenFile()) {
+            return failure;
+        }
+        if (!mDatabase.Execute("BEGIN IMMEDIATE")) {
+            return DatabaseFailure(mPath, mDatabase);
+        }
+        return mIsNew ? CreateSchema(mDatabase, mPath) : std::nullopt;
+    }
+
+    std::optional<Failure> Commit()
+    {
+        if (!mDatabase.Execute("COMMIT")) {
+            return DatabaseFailure(mPath, mDatabase);
+        }
+        if (mIsNew) {
+            mDatabase.Close();
+            if (const auto problem = mFile.PutInPlace()) {
+                return Failure{NOT_WRITTEN, mPath + ": " + *problem};
+            }
+        }
+        return std::nullopt;
+    }
+
+    Connection& Database() { return mDatabase; }
+
+private:
+    static constexpr char NOT_WRITTEN[] = "results_not_written";
+
+    std::optional<Failure> MakeFile()
+    {
+        // No check here: if the folder can't be created, making the file fails and reports it.
+        std::error_code error;
+        std::filesystem::create_directories(std::filesystem::path(mPath).parent_path(), error);
+        if (const auto problem = mFile.Make(mPath)) {
+            return Failure{NOT_WRITTEN, mPath + ": " + *problem};
+        }
+        // Nobody sees the file before it is complete, so it needs no journal.
+        const bool isOpen = mDatabase.Open(mFile.TemporaryPath(), Connection::Mode::CREATE)
+            && mDatabase.Execute("PRAGMA journal_mode = OFF");
+        return isOpen ? std::nullopt : std::optional(DatabaseFailure(mPath, mDatabase));
+    }
+
+    std::optional<Failure> OpenFile()
+    {
+        if (!mDatabase.Open(mPath, Connection::Mode::CREATE)) {
+            return DatabaseFailure(mPath, mDatabase);
+        }
+        return CheckSchema(mDatabase, mPath);
+    }
+
+    std::string mPath;
+    bool mIsNew = false;
+    // In this order, so that the connection is closed before its file is removed.
+    NewFile mFile;
+    Connection mDatabase;
+};
+
+/// One import: its lines, one after the other.
+class Import {
+public:
+    Import(const ImportOptions& options, ImportReport& report) : mOptions(options), mReport(report) {}
+
+    std::optional<Failure> Run(const std::vector<std::string>& files, const std::string& path)
+    {
+        for (const std::string& file : files) {
+            if (file != "-" && IsOneFile(file, path)) {
+                return Failure{"results_not_written", path + ": is a file that is read"};
+            }
+        }
+        mPath = path;
+        if (auto failure = mTarget.Open(path)) {
+            return failure;
+        }
+        LoadRuleSets();
+        mWriter.emplace(mTarget.Database(), mOptions.withEvidence);
+        for (const std::string& file : files) {
+            if (auto failure = ReadFile(file)) {
+                return failure;
+            }
+        }
+        mWriter.reset();
+        return mReport.failures.empty() || mOptions.skipsBadLines ? mTarget.Commit() : std::nullopt;
+    }
+
+private:
+    void LoadRuleSets()
+    {
+        auto rows = mTarget.Database().Prepare("SELECT DISTINCT rule_set FROM run WHERE rule_set <> ''");
+        while (rows && rows->Step()) {
+            mRuleSets.insert(rows->Text(0));
+        }
+    }
+
+    std::optional<Failure> ReadFile(const std::string& file)
+    {
+        InputLines lines(file);
+        while (!IsGivenUp() && lines.Next()) {
+            std::string problem;
+            const auto line = ReadResultLine(lines.Line(), mOptions.withEvidence, problem);
+            if (!line) {
+                NoteBadLine(lines.Place() + ": " + problem);
+            } else if (auto failure = AddLine(*line, lines)) {
+                return failure;
+            }
+        }
+        return lines.HasFailed() ? std::optional(Failure{"no_results", file + ": can't be read"}) : std::nullopt;
+    }
+
+    // More bad lines than these are not looked for, unless they are skipped.
+    bool IsGivenUp() const { return !mOptions.skipsBadLines && mReport.failures.size() > MOST_FAILURES; }
+
+    void NoteBadLine(const std::string& message)
+    {
+        ++mReport.counts.skipped;
+        if (mReport.failures.size() < MOST_FAILURES) {
+            mReport.failures.push_back({"bad_line", message});
+        } else if (mReport.failures.size() == MOST_FAILURES) {
+            mReport.failures.push_back({"bad_line", "further lines that can't be used are not listed"});
+        }
+    }
+
+    std::optional<Failure> AddLine(const ResultLine& line, const InputLines& lines)
+    {
+        if (auto failure = OtherRules(line, lines)) {
+            return failure;
+        }
+        switch (mWriter->Add(line)) {
+        case Added::NEW:
+            ++mReport.counts.added;
+            break;
+        case Added::REPLACED:
+            ++mReport.counts.replaced;
+            break;
+        case Added::THERE:
+            ++mReport.counts.there;
+            break;
+        case Added::FAILED:
+            return Failure{"results_not_written", mPath + ": " + mWriter->Error(), ExitStatus::INTERNAL};
+        }
+        return std::nullopt;
+    }
+
+    std::optional<Failure> OtherRules(const ResultLine& line, const InputLines& lines)
+    {
+        if (line.ruleSet.empty() || mRuleSets.contains(line.ruleSet)) {
+            return std::nullopt;
+        }
+        if (!mRuleSets.empty() && !mOptions.acceptsMixedRules) {
+            return Failure{"mixed_rules", lines.Place() + ": is of the rule set \"" + line.ruleSet + "\", and " + mPath
+                + " has results of \"" + *mRuleSets.begin() + "\"; --mixed-rules takes both"};
+        }
+        mRuleSets.insert(line.ruleSet);
+        return std::nullopt;
+    }
+
+    const ImportOptions& mOptions;
+    ImportReport& mReport;
+    std::string mPath;
+    Target mTarget;
+    std::optional<ResultWriter> mWriter;
+    std::set<std::string> mRuleSets;
+};
+
+} // namespace
+
+ImportReport ImportResults(const std::vector<std::string>& files, const std::string& target, const ImportOptions& options)
+{
+    ImportReport report;
+    if (const auto failure = Import(options, report).Run(files, target)) {
+        report.failures.push_back(*failure);
+        return report;
+    }
+    report.isImported = report.failures.empty() || options.skipsBadLines;
+    return report;
+}
+
+} // namespace diagnosis::results_db

@@ -1,0 +1,200 @@
+#include "diagnosis/results_db/result_writer.h"
+
+#include <cmath>
+
+#include "diagnosis/results_db/local_moment.h"
+#include "diagnosis/results_db/schema.h"
+
+namespace diagnosis::results_db {
+
+namespace {
+
+// The tables with rows of a bundle, evidence apart.
+constexpr const char* TABLES_OF_BUNDLES[] = {"failure", "tree", "root_cause", "open_check", "warning", "repaired"};
+
+// Stands for the run of a failed bundle whose rule set is not known.
+constexpr std::int64_t NO_RULE_SET = 0;
+
+} // namespace
+
+ResultWriter::ResultWriter(Connection& database, bool withEvidence)
+    : mRunner(database),
+      mDefinitions(database, mRunner),
+      mAddBundle(database.Prepare("INSERT INTO bundle VALUES (?, ?, ?, ?, ?, ?, ?)")),
+      mAddFailure(database.Prepare("INSERT INTO failure VALUES (?, ?, ?, ?)")),
+      mAddTree(database.Prepare("INSERT OR IGNORE INTO tree VALUES (?, ?, ?)")),
+      mAddCause(database.Prepare("INSERT OR IGNORE INTO root_cause VALUES (?, ?)")),
+      mAddCheck(database.Prepare("INSERT OR IGNORE INTO open_check VALUES (?, ?)")),
+      mAddWarning(database.Prepare("INSERT OR IGNORE INTO warning VALUES (?, ?)")),
+      mAddRepaired(database.Prepare("INSERT INTO repaired VALUES (?, ?, ?, ?)")),
+      mFindBundle(database.Prepare("SELECT 1 FROM bundle WHERE name = ? AND ok = 1 AND run = ? AND now IS ?")),
+      mFindInRun(database.Prepare("SELECT 1 FROM bundle WHERE name = ? AND ok = 1 AND run = ?")),
+      mFindInAnyRun(database.Prepare("SELECT 1 FROM bundle WHERE name = ? AND ok = 1")),
+      mFindFailure(database.Prepare("SELECT 1 FROM failure JOIN bundle ON bundle.id = failure.bundle WHERE bundle.id = ?"
+          " AND code = ? AND message = ? AND retry = ? AND run = ? AND now IS ?"))
+{
+    if (withEvidence && database.Execute(EVIDENCE_SCHEMA)) {
+        mAddEvidence = database.Prepare("INSERT INTO evidence VALUES (?, ?, ?, ?, ?)");
+    }
+    for (const std::string table : TABLES_OF_BUNDLES) {
+        mRemove.push_back(database.Prepare("DELETE FROM " + table + " WHERE bundle = ?"));
+    }
+    mRemove.push_back(database.Prepare("DELETE FROM bundle WHERE id = ?"));
+    Load(database);
+}
+
+void ResultWriter::Load(Connection& database)
+{
+    auto last = database.Prepare("SELECT max(id) FROM bundle");
+    if (last && last->Step()) {
+        mLastBundle = last->Integer(0);
+    }
+    auto failed = database.Prepare("SELECT name, iif(rule_set = '', 0, run), bundle.id FROM failure JOIN bundle"
+        " ON bundle.id = failure.bundle JOIN run ON run.id = bundle.run");
+    while (failed && failed->Step()) {
+        mFailed[{failed->Text(0), failed->Integer(1)}] = failed->Integer(2);
+    }
+}
+
+Added ResultWriter::Add(const ResultLine& line)
+{
+    const std::int64_t run = mDefinitions.Run(line.engine, line.ruleSet);
+    const Added added = line.ok ? AddDiagnosed(line, run) : AddFailed(line, run);
+    return Error().empty() ? added : Added::FAILED;
+}
+
+Added ResultWriter::AddDiagnosed(const ResultLine& line, std::int64_t run)
+{
+    if (mRunner.HasRow(mFindBundle, line.bundle, run, LocalMoment(line.now))) {
+        return Added::THERE;
+    }
+    const bool hadFailed = RemoveFailed(mFailed.find({line.bundle, run}));
+    const bool hadFailedEarly = RemoveFailed(mFailed.find({line.bundle, NO_RULE_SET}));
+    const std::int64_t bundle = AddBundle(line, run);
+    AddTrees(bundle, line);
+    AddWarnings(bundle, line);
+    AddRepaired(bundle, line);
+    AddEvidence(bundle, line);
+    return hadFailed || hadFailedEarly ? Added::REPLACED : Added::NEW;
+}
+
+Added ResultWriter::AddFailed(const ResultLine& line, std::int64_t run)
+{
+    const FailedKey key{line.bundle, line.ruleSet.empty() ? NO_RULE_SET : run};
+    if (key.second == NO_RULE_SET ? mRunner.HasRow(mFindInAnyRun, line.bundle)
+                                  : mRunner.HasRow(mFindInRun, line.bundle, run)) {
+        return Added::THERE;
+    }
+    const auto before = FailedBefore(key);
+    const ResultError& error = line.error;
+    if (before != mFailed.end()
+        && mRunner.HasRow(
+            mFindFailure, before->second, error.code, error.message, error.retry, run, LocalMoment(line.now))) {
+        return Added::THERE;
+    }
+    const bool isReplaced = RemoveFailed(before);
+    const std::int64_t bundle = AddBundle(line, run);
+    mRunner.Run(mAddFailure, bundle, error.code, error.message, error.retry);
+    AddWarnings(bundle, line);
+    AddRepaired(bundle, line);
+    mFailed[key] = bundle;
+    return isReplaced ? Added::REPLACED : Added::NEW;
+}
+
+// The line that a failed one takes the place of: of the same run, of no known rule set, or any if its own is not known.
+ResultWriter::Failed::iterator ResultWriter::FailedBefore(const FailedKey& key)
+{
+    if (const auto same = mFailed.find(key); same != mFailed.end()) {
+        return same;
+    }
+    const auto first = mFailed.lower_bound({key.first, NO_RULE_SET});
+    const bool isOfBundle = first != mFailed.end() && first->first.first == key.first;
+    const bool fits = key.second == NO_RULE_SET || (isOfBundle && first->first.second == NO_RULE_SET);
+    return isOfBundle && fits ? first : mFailed.end();
+}
+
+// False if there is none at this place.
+bool ResultWriter::RemoveFailed(Failed::iterator place)
+{
+    if (place == mFailed.end()) {
+        return false;
+    }
+    for (auto& statement : mRemove) {
+        mRunner.Run(statement, place->second);
+    }
+    mFailed.erase(place);
+    return true;
+}
+
+std::int64_t ResultWriter::AddBundle(const ResultLine& line, std::int64_t run)
+{
+    const std::int64_t microseconds = std::llround(line.seconds * 1e6);
+    mRunner.Run(mAddBundle, ++mLastBundle, run, line.bundle, LocalMoment(line.now), line.ok, microseconds, line.device);
+    return mLastBundle;
+}
+
+void ResultWriter::AddWarnings(std::int64_t bundle, const ResultLine& line)
+{
+    for (const auto& warning : line.warnings) {
+        mRunner.Run(mAddWarning, bundle, mDefinitions.Warning(*warning));
+    }
+}
+
+void ResultWriter::AddTrees(std::int64_t bundle, const ResultLine& line)
+{
+    for (const auto& tree : line.trees) {
+        const TreeRows& rows = RowsOf(tree);
+        mRunner.Run(mAddTree, bundle, rows.treeDef, rows.outcome);
+        for (const std::int64_t cause : rows.causes) {
+            mRunner.Run(mAddCause, bundle, cause);
+        }
+        for (const std::int64_t check : rows.open) {
+            mRunner.Run(mAddCheck, bundle, check);
+        }
+    }
+}
+
+void ResultWriter::AddRepaired(std::int64_t bundle, const ResultLine& line)
+{
+    std::int64_t place = 0;
+    for (const ResultRepaired& repaired : line.repaired) {
+        mRunner.Run(mAddRepaired, bundle, place++, repaired.id, LocalMoment(repaired.date));
+    }
+}
+
+void ResultWriter::AddEvidence(std::int64_t bundle, const ResultLine& line)
+{
+    std::map<std::string, std::int64_t> treeOf;
+    for (const auto& tree : line.trees) {
+        if (!line.evidence.empty()) {
+            treeOf[tree->id] = RowsOf(tree).treeDef;
+        }
+    }
+    std::int64_t place = 0;
+    for (const ResultEvidence& evidence : line.evidence) {
+        mRunner.Run(mAddEvidence, bundle, place++, treeOf[evidence.treeId], evidence.event, evidence.json);
+    }
+}
+
+const ResultWriter::TreeRows& ResultWriter::RowsOf(const std::shared_ptr<const ResultTree>& tree)
+{
+    static constexpr std::size_t MOST_KEPT = 100'000;
+    if (mTreeRows.size() > MOST_KEPT) {
+        mTreeRows.clear();
+    }
+    TreeRows& rows = mTreeRows[tree.get()];
+    // The address may be that of an earlier tree, which is no more.
+    if (rows.tree.lock() == tree) {
+        return rows;
+    }
+    rows = {tree, mDefinitions.Tree(*tree), mDefinitions.Outcome(*tree), {}, {}};
+    for (const ResultCause& cause : tree->causes) {
+        rows.causes.push_back(mDefinitions.Cause(rows.treeDef, cause));
+    }
+    for (const ResultOpenCheck& check : tree->open) {
+        rows.open.push_back(mDefinitions.OpenCheck(rows.treeDef, check));
+    }
+    return rows;
+}
+
+} // namespace diagnosis::results_db

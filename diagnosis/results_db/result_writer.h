@@ -1,0 +1,90 @@
+#ifndef ARBORIST_DIAGNOSIS_RESULTS_DB_RESULT_WRITER_H
+#define ARBORIST_DIAGNOSIS_RESULTS_DB_RESULT_WRITER_H
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "diagnosis/results_db/definition_tables.h"
+#include "diagnosis/results_db/result_line.h"
+#include "diagnosis/results_db/statement_runner.h"
+
+namespace diagnosis::results_db {
+
+/// What became of a line.
+enum class Added {
+    NEW,
+    /// It took the place of a line of a bundle that had failed.
+    REPLACED,
+    /// The database had it, or a better one: see ResultWriter.
+    THERE,
+    FAILED, ///< see ResultWriter::Error
+};
+
+/// Adds lines to a results database; the caller has begun a transaction.
+///
+/// Lines of one engine and one rule set are a run. A bundle that was diagnosed has one line for each run and `now`: a
+/// further one adds nothing. A bundle that failed has one line until it is diagnosed in the same run, or at all if the
+/// rule set of the failed line is not known: then that line goes; a later failure takes the place of an earlier one.
+class ResultWriter {
+public:
+    ResultWriter(Connection& database, bool withEvidence);
+
+    Added Add(const ResultLine& line);
+    /// SQLite's reason of the first failure; empty if there was none.
+    const std::string& Error() const { return mRunner.Error(); }
+
+private:
+    /// The rows that a tree of a line amounts to.
+    struct TreeRows {
+        std::weak_ptr<const ResultTree> tree;
+        std::int64_t treeDef = 0;
+        std::int64_t outcome = 0;
+        std::vector<std::int64_t> causes;
+        std::vector<std::int64_t> open;
+    };
+    /// The bundle and its run, 0 for one without rule set.
+    using FailedKey = std::pair<std::string, std::int64_t>;
+
+    using Failed = std::map<FailedKey, std::int64_t>;
+
+    void Load(Connection& database);
+    Added AddDiagnosed(const ResultLine& line, std::int64_t run);
+    Added AddFailed(const ResultLine& line, std::int64_t run);
+    Failed::iterator FailedBefore(const FailedKey& key);
+    bool RemoveFailed(Failed::iterator place);
+    std::int64_t AddBundle(const ResultLine& line, std::int64_t run);
+    void AddWarnings(std::int64_t bundle, const ResultLine& line);
+    void AddTrees(std::int64_t bundle, const ResultLine& line);
+    void AddRepaired(std::int64_t bundle, const ResultLine& line);
+    void AddEvidence(std::int64_t bundle, const ResultLine& line);
+    const TreeRows& RowsOf(const std::shared_ptr<const ResultTree>& tree);
+
+    StatementRunner mRunner;
+    DefinitionTables mDefinitions;
+    std::optional<Statement> mAddBundle;
+    std::optional<Statement> mAddFailure;
+    std::optional<Statement> mAddTree;
+    std::optional<Statement> mAddCause;
+    std::optional<Statement> mAddCheck;
+    std::optional<Statement> mAddWarning;
+    std::optional<Statement> mAddRepaired;
+    std::optional<Statement> mAddEvidence;
+    std::optional<Statement> mFindBundle;
+    std::optional<Statement> mFindInRun;
+    std::optional<Statement> mFindInAnyRun;
+    std::optional<Statement> mFindFailure;
+    std::vector<std::optional<Statement>> mRemove;
+    std::int64_t mLastBundle = 0;
+    Failed mFailed;
+    std::unordered_map<const ResultTree*, TreeRows> mTreeRows;
+};
+
+} // namespace diagnosis::results_db
+
+#endif

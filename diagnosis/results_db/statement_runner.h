@@ -1,0 +1,69 @@
+#ifndef ARBORIST_DIAGNOSIS_RESULTS_DB_STATEMENT_RUNNER_H
+#define ARBORIST_DIAGNOSIS_RESULTS_DB_STATEMENT_RUNNER_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "diagnosis/sqlite/connection.h"
+
+namespace diagnosis::results_db {
+
+/// Runs prepared statements of one connection, and keeps the reason of the first that fails; nothing runs after that.
+/// Values are bound, never put into the SQL.
+class StatementRunner {
+public:
+    explicit StatementRunner(Connection& database) : mDatabase(database) {}
+
+    /// Runs the statement with its parameters in order.
+    template <typename... Values>
+    void Run(std::optional<Statement>& statement, const Values&... values)
+    {
+        HasRow(statement, values...);
+    }
+
+    /// The same; true if the statement gives a row.
+    template <typename... Values>
+    bool HasRow(std::optional<Statement>& statement, const Values&... values)
+    {
+        if (!statement) {
+            mError = mError.empty() ? "lacks a table or a column of results" : mError;
+        }
+        if (!mError.empty()) {
+            return false;
+        }
+        int parameter = 0;
+        (Bind(*statement, ++parameter, values), ...);
+        const bool hasRow = statement->Step();
+        if (mDatabase.HasError()) {
+            mError = mDatabase.GetError();
+        }
+        statement->Reset();
+        return hasRow;
+    }
+
+    /// The reason of the first failure; empty if there was none.
+    const std::string& Error() const { return mError; }
+
+private:
+    template <typename Value>
+    static void Bind(Statement& statement, int parameter, const Value& value)
+    {
+        statement.Bind(parameter, value);
+    }
+    static void Bind(Statement& statement, int parameter, const std::optional<std::int64_t>& number)
+    {
+        if (number) {
+            statement.Bind(parameter, *number);
+        } else {
+            statement.BindNull(parameter);
+        }
+    }
+
+    Connection& mDatabase;
+    std::string mError;
+};
+
+} // namespace diagnosis::results_db
+
+#endif

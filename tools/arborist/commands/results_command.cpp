@@ -1,0 +1,70 @@
+#include <memory>
+
+#include "diagnosis/results_db/import_results.h"
+#include "tools/arborist/commands/commands.h"
+#include "tools/arborist/terminal/output.h"
+
+namespace diagnosis::command {
+
+namespace {
+
+struct ResultsImportOptions {
+    std::vector<std::string> files;
+    std::string target;
+    results_db::ImportOptions import;
+};
+
+// "1,000 added, 2 replaced, 3 there already, 1 skipped"
+std::string Summary(const results_db::ImportCounts& counts)
+{
+    std::string text = std::to_string(counts.added) + " added";
+    const std::pair<std::int64_t, const char*> others[] = {
+        {counts.replaced, " replaced"}, {counts.there, " there already"}, {counts.skipped, " skipped"}};
+    for (const auto& [count, what] : others) {
+        text += count == 0 ? "" : ", " + std::to_string(count) + what;
+    }
+    return text;
+}
+
+ExitStatus Import(const ResultsImportOptions& options)
+{
+    const results_db::ImportReport report = ImportResults(options.files, options.target, options.import);
+    ExitStatus status = ExitStatus::SUCCESS;
+    for (const Failure& failure : report.failures) {
+        PrintError(failure.message);
+        status = MoreSerious(status, failure.status);
+    }
+    if (!report.isImported) {
+        return status;
+    }
+    PrintError(options.target + ": " + Summary(report.counts));
+    return ExitStatus::SUCCESS;
+}
+
+void AddImportCommand(Command results, ExitStatus& status)
+{
+    auto options = std::make_shared<ResultsImportOptions>();
+    Command import = results.AddCommand("import", "Put lines of \"detect --json\" into a database that SQL can ask");
+    import.Add("FILE", options->files, "JSON Lines of detect --json or --batch; - for standard input").Required();
+    import.Add("--to", options->target, "The results database, made with its folders if it is not there")
+        .Takes("R.DB")
+        .Required();
+    import.AddFlag("--evidence", options->import.withEvidence, "Also keep the evidence of lines made with --explain");
+    import.AddFlag("--mixed-rules", options->import.acceptsMixedRules, "Accept lines of several rule sets");
+    import.AddFlag("--skip-bad-lines", options->import.skipsBadLines, "Pass over lines that can't be used");
+    import.Footer("Importing lines again adds nothing. A line that can't be used is named, and nothing is imported.\n"
+                  "Example:\n  arborist results import results.jsonl --to results.db");
+    import.OnCall([options, &status] { status = Import(*options); });
+}
+
+} // namespace
+
+void AddResultsCommand(Command app, ExitStatus& status)
+{
+    Command results = app.AddCommand("results", "Results of many bundles: ask them, compare them");
+    results.RequireCommand();
+    results.Footer("Example:\n  arborist results import results.jsonl --to results.db");
+    AddImportCommand(results, status);
+}
+
+} // namespace diagnosis::command
