@@ -7,6 +7,7 @@ ENGINE is parallel, snakemake, cwl, dask or kubernetes; bundles and shard are wh
 import json
 import os
 import re
+import shutil
 import signal
 import subprocess
 import sys
@@ -77,6 +78,19 @@ class ShardTest(FleetTest):
         self.assertEqual(list(self.fleet.folder.glob("results/2.jsonl")), [])
 
 
+    @unittest.skipUnless(shutil.which("jq"), "needs jq")
+    def test_the_commands_of_the_page_make_a_fleet_and_find_it_complete(self):
+        page = (fleet.ROOT / "docs" / "scale.md").read_text()
+        make, check = [block.partition("```")[0] for block in page.split("```sh\n")[1:3]]
+        (self.scratch / "page").mkdir()
+        (self.scratch / "page" / "examples").symlink_to(fleet.ROOT / "examples")
+        script = make.replace("5000", "20") + "for shard in {1..8}; do ./shard.sh $shard 8; done\n"
+        told = [subprocess.run(["bash", "-euo", "pipefail", "-c", text], cwd=self.scratch / "page" / place, capture_output=True,
+                               env=self.fleet.environment, text=True).stdout
+                for text, place in ((script, "."), (check, "fleet"))]
+        self.assertEqual(told, ["", "complete\n"])
+
+
 class ParallelTest(FleetTest):
     def test_shards_run_and_one_that_was_killed_is_run_again(self):
         self.break_first_try_of(3)
@@ -106,10 +120,8 @@ class SnakemakeTest(ParallelTest):
 
 class CwlTest(FleetTest):
     def test_the_workflow_scatters_shards_and_merges_their_lines(self):
-        job = {"devices": {"class": "Directory", "path": "devices"}, "rules": {"class": "Directory", "path": "rules"},
-               "list": {"class": "File", "path": "bundles.txt"}, "shards": [f"{shard}/4" for shard in range(1, 5)]}
-        (self.fleet.folder / "job.json").write_text(json.dumps(job))
-        self.run_in_fleet("cwltool", "--parallel", "--outdir", "out", fleet.EXAMPLES / "fleet.cwl", "job.json")
+        shutil.copy(fleet.EXAMPLES / "job.yml", self.fleet.folder)
+        self.run_in_fleet("cwltool", "--parallel", "--outdir", "out", fleet.EXAMPLES / "fleet.cwl", "job.yml")
         # Each job sees the rule files below a folder of its own, which warnings name.
         text = (self.fleet.folder / "out" / "results.jsonl").read_text()
         self.expect_all_lines(re.sub(r'"file": "[^"]*/rules/', f'"file": "{self.fleet.rules}/', text))
@@ -121,8 +133,8 @@ class CwlTest(FleetTest):
 
 class DaskTest(FleetTest):
     def test_pieces_of_a_worker_that_was_killed_run_on_another(self):
-        from distributed import LocalCluster
         os.environ.update(self.fleet.environment)
+        from distributed import LocalCluster
         with LocalCluster(n_workers=2, threads_per_worker=1, dashboard_address=None, local_directory=self.scratch) as cluster:
             run = subprocess.Popen([sys.executable, "-B", fleet.EXAMPLES / "dask_fleet.py", self.fleet.folder, "--scheduler",
                                     cluster.scheduler_address, "--piece", "2"], env=self.fleet.environment)

@@ -36,9 +36,10 @@ class Fleet:
         self.bundles = (self.folder / "bundles.txt").read_text().split()
 
         (self.folder / "tmp").mkdir()
-        # Of jobs that are killed, temporary files stay: here they go with the folder.
-        self.environment = {**os.environ, "PATH": f"{self.arborist.parent}:{os.environ['PATH']}",
-                            "TMPDIR": str(self.folder.resolve() / "tmp")}
+        # Of jobs that are killed, temporary files stay, and some engines leave settings: here they go with the folder.
+        temporary = str(self.folder.resolve() / "tmp")
+        self.environment = {**os.environ, "PATH": f"{self.arborist.parent}:{os.environ['PATH']}", "TMPDIR": temporary,
+                            "HOME": temporary, "XDG_CACHE_HOME": temporary}
 
     def lines_of_one_machine(self):
         """The line of each bundle from one run on this machine, by its name."""
