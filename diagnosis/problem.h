@@ -38,6 +38,10 @@ struct Failure {
     std::string code;
     std::string message;
     ExitStatus status = ExitStatus::INPUT;
+
+    /// True if the reason may be gone at another try, as it lies in the machine, not in the input: the codes no_scratch,
+    /// out_of_memory, timeout, crashed and not_copied. Neither the status nor the message makes a difference.
+    bool IsWorthARetry() const;
 };
 
 } // namespace diagnosis

@@ -61,6 +61,7 @@ Answer Detect(arborist_engine& engine, Request& request)
     Run run = RunOf(engine, request);
     run.options.withTrees = request.Flag("tree");
     run.options.withExplanation = request.Flag("explain");
+    run.options.isForLine = true;
     if (const auto failure = request.End()) {
         return Refused(*failure);
     }

@@ -1,6 +1,7 @@
 #include "diagnosis/detection/detection.h"
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
 #include <new>
 #include <regex>
@@ -19,6 +20,11 @@ namespace diagnosis {
 namespace {
 
 using State = Evidence::RuleSetFileState;
+
+rule_source::RuleSetPaths RulePaths(const Bundle& bundle)
+{
+    return {TreeFilePath(bundle), RuleFilePath(bundle)};
+}
 
 std::string FileTrouble(const Evidence::RuleSetFile& file)
 {
@@ -85,7 +91,7 @@ class Detection {
 public:
     Detection(const BundleSession& session, const DetectionOptions& options)
         : mSession(session), mOptions(options), mInfo(session.MakeDetectInfo()),
-          mRecorder(std::make_shared<DetectionRecorder>(DetailOf(options)))
+          mRecorder(std::make_shared<DetectionRecorder>(DetailOf(options), options.isForLine))
     {
         // Without a source of answers the library gets no runner, so that code rules end with that reason.
         if (!session.GetBundle().codeAnswers.empty() || options.codeRunner.IsThere()) {
@@ -181,7 +187,7 @@ void AddRuleSetWarnings(const Bundle& bundle, const std::optional<Failure>& fail
     if (failure && OF_THE_FILES.count(failure->code) != 0) {
         return;
     }
-    const rule_source::RuleSetPaths paths{TreeFilePath(bundle), RuleFilePath(bundle)};
+    const rule_source::RuleSetPaths paths = RulePaths(bundle);
     const auto found = known == nullptr ? CheckRuleSet(paths, bundle.treeTag) : known->Check(paths, bundle.treeTag);
     found->AddTo(warnings);
     found->AddEmptyAttributes(bundle.device, warnings);
@@ -226,6 +232,8 @@ std::optional<Failure> FailureInFlight(const Evidence::RuleSet& ruleSet)
 
 DetectionReport RunDetection(const BundlePath& bundle, const DetectionOptions& options)
 {
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point start = Clock::now();
     DetectionReport report;
     report.bundle = bundle.given;
     report.withTrees = options.withTrees;
@@ -239,12 +247,16 @@ DetectionReport RunDetection(const BundlePath& bundle, const DetectionOptions& o
             report.subject = session.GetBundle();
             report.subject.deviceId.clear();
             report.moment = FormatMoment(session.Now()).value_or("");
+            if (options.isForLine) {
+                report.ruleSet = DigestOf(rule_source::ReadRuleSetContents(RulePaths(report.subject)));
+            }
             Detection(session, options).Run(report);
             ShowPaths(session, report);
         }
     } catch (...) {
         report.failure = FailureInFlight({});
     }
+    report.seconds = std::chrono::duration<double>(Clock::now() - start).count();
     return report;
 }
 

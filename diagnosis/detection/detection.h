@@ -22,6 +22,8 @@ struct DetectionOptions {
     CodeRunner codeRunner;
     bool withTrees = false;
     bool withExplanation = false;
+    /// Keep what nothing but the line of JSON shows: the cut sets of root causes and the digest of the rule set.
+    bool isForLine = false;
     /// Warn of mistakes in the rule set, whichever rules the device asks for.
     bool checksRuleSet = true;
     /// What is known of rule sets from earlier detections; may be null.
@@ -48,6 +50,10 @@ struct DetectionReport {
     /// The bundle that was diagnosed, without the id of its device, and the time of the diagnosis as local time. Set once the bundle is entered.
     Bundle subject;
     std::string moment;
+    /// DigestOf the rule set, if requested and if it can be read.
+    std::string ruleSet = {};
+    /// How long the detection took, by the clock on the wall.
+    double seconds = 0;
 
     bool IsFault() const;
     bool IsUndecided() const;

@@ -56,14 +56,21 @@ void DetectionRecorder::OnTreeFolded(std::vector<Evidence::FoldedEvent> folded)
 
 void DetectionRecorder::OnRootCause(Evidence::RootCause rootCause)
 {
-    if (mDetail < Detail::EVENTS) {
-        return;
+    if (mDetail >= Detail::EVENTS) {
+        RecordCause(rootCause);
     }
+    if (mKeepsCutSets) {
+        mTrees.back().cutSets.push_back(std::move(rootCause.cutSet));
+    }
+}
+
+void DetectionRecorder::RecordCause(const Evidence::RootCause& rootCause)
+{
     if (!mPaths) {
         mPaths.emplace(Tree().events);
     }
     RecordedCause& cause = Tree().causes.emplace_back();
-    cause.id = std::move(rootCause.id);
+    cause.id = rootCause.id;
     cause.members.reserve(rootCause.cutSet.size());
     for (const std::string& path : rootCause.cutSet) {
         cause.members.push_back(mPaths->Find(path));

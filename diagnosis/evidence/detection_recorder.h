@@ -25,7 +25,11 @@ public:
         EVIDENCE, ///< the evidence of its events
     };
 
-    explicit DetectionRecorder(Detail detail = Detail::VERDICT) : mDetail(detail) {}
+    /// With `keepsCutSets` it also keeps TreeReport::cutSets, whatever the detail.
+    explicit DetectionRecorder(Detail detail = Detail::VERDICT, bool keepsCutSets = false)
+        : mDetail(detail), mKeepsCutSets(keepsCutSets)
+    {
+    }
 
     void OnRuleSetRead(Evidence::RuleSet ruleSet) override;
     void OnTreeStarted(Evidence::TreeHead tree) override;
@@ -54,7 +58,10 @@ private:
     RecordedTree& Tree() { return mTrees.back().tree; }
     std::size_t NextEvidence(const std::string& id);
 
+    void RecordCause(const Evidence::RootCause& rootCause);
+
     Detail mDetail;
+    bool mKeepsCutSets;
     Evidence::RuleSet mRuleSet;
     TreeReports mTrees;
     std::unordered_map<std::string, Asked> mAsked;

@@ -59,6 +59,9 @@ struct TreeReport {
     Evidence::TreeVerdict verdict;
     /// Empty unless requested.
     RecordedTree tree;
+    /// The cut set of each root cause of the result, in its order: the path of each member, ids from the top down joined by
+    /// "/". Empty unless requested.
+    std::vector<std::vector<std::string>> cutSets = {};
 
     const std::string& Id() const { return result->mTreeId; }
     bool IsFault() const { return result->mIsFault; }

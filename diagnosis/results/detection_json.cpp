@@ -8,22 +8,31 @@ namespace diagnosis {
 
 namespace {
 
-void WriteRootCause(JsonWriter& json, const FaultTreeResult::RootCauseResult& cause)
+void WriteRootCauses(JsonWriter& json, const TreeReport& report)
 {
-    json.BeginObject();
-    WriteRootCauseTexts(json, cause);
-    json.EndObject();
+    json.Key("rootCauses").BeginArray();
+    for (std::size_t cause = 0; cause < report.result->mRootCauseResults.size(); ++cause) {
+        json.BeginObject();
+        WriteRootCauseTexts(json, *report.result->mRootCauseResults[cause]);
+        json.Key("cutSet").Texts(cause < report.cutSets.size() ? report.cutSets[cause] : std::vector<std::string>());
+        json.EndObject();
+    }
+    json.EndArray();
+}
+
+// What makes the line comparable with others.
+void WriteProvenance(JsonWriter& json, const DetectionReport& report)
+{
+    json.Text("device", report.device).Text("engine", ARBORIST_VERSION).Text("ruleSet", report.ruleSet);
+    json.Text("now", report.moment).Seconds("seconds", report.seconds);
 }
 
 void WriteTree(JsonWriter& json, const TreeReport& report, bool withEvents)
 {
     const FaultTreeResult& result = *report.result;
     json.BeginObject().Text("treeId", result.mTreeId).Text("version", result.mVersion);
-    json.Bool("isFault", result.mIsFault).Key("rootCauses").BeginArray();
-    for (const auto& cause : result.mRootCauseResults) {
-        WriteRootCause(json, *cause);
-    }
-    json.EndArray();
+    json.Bool("isFault", result.mIsFault);
+    WriteRootCauses(json, report);
     WriteVerdict(json, report.verdict);
     const std::vector<RecordedEvent>& events = report.tree.events;
     if (withEvents && !events.empty()) {
@@ -50,17 +59,8 @@ void WriteRootCauseTexts(JsonWriter& json, const FaultTreeResult::RootCauseResul
 
 void WriteRemark(JsonWriter& json, const std::string& code, const Remark& remark)
 {
-    json.Text("code", code).Text("message", remark.message);
-    const std::pair<const char*, const std::string&> texts[] = {
-        {"id", remark.id}, {"rule", remark.rule}, {"event", remark.event}, {"file", remark.file}};
-    for (const auto& [key, text] : texts) {
-        if (!text.empty()) {
-            json.Text(key, text);
-        }
-    }
-    if (!remark.file.empty()) {
-        json.Number("line", remark.line);
-    }
+    json.Text("code", code).Text("message", remark.message).Text("id", remark.id).Text("rule", remark.rule);
+    json.Text("event", remark.event).Text("file", remark.file).Number("line", remark.line);
 }
 
 void WriteWarnings(JsonWriter& json, const std::vector<Warning>& warnings)
@@ -100,9 +100,10 @@ std::string DetectionJson(const DetectionReport& report)
         json.Key("explanation");
         WriteExplainedTrees(json, report.trees, {});
     }
-    if (report.failure) {
-        WriteError(json, *report.failure);
-    }
+    const Failure failure = report.failure.value_or(Failure{});
+    json.Key("error").BeginObject().Text("code", failure.code).Text("message", failure.message);
+    json.Bool("retry", failure.IsWorthARetry()).EndObject();
+    WriteProvenance(json, report);
     return json.EndObject().Line();
 }
 

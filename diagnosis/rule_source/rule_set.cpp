@@ -3,6 +3,8 @@
 #include <future>
 #include <utility>
 
+#include "diagnosis/digest/digest.h"
+
 namespace diagnosis::rule_source {
 
 namespace {
@@ -36,6 +38,13 @@ RuleSetFiles ReadRuleSetFiles(const std::string& folder, const std::string& pref
 {
     const std::string start = folder + "/" + (prefix.empty() ? "" : prefix + "_");
     return ReadRuleSetFiles(RuleSetPaths{start + "FaultTrees.xml", start + "FaultTreeRules.xml"});
+}
+
+std::string DigestOf(const RuleSetContents& contents)
+{
+    const bool areRead = contents.trees.state == SourceFile::State::LOADED
+        && contents.rules.state == SourceFile::State::LOADED;
+    return areRead ? "sha256:" + Sha256HexOf({contents.trees.text, contents.rules.text}) : "";
 }
 
 RuleSetContents ReadRuleSetContents(const RuleSetPaths& paths)

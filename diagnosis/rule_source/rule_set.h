@@ -42,6 +42,9 @@ struct RuleSetContents {
     SourceFile::Content rules;
 };
 RuleSetContents ReadRuleSetContents(const RuleSetPaths& paths);
+/// "sha256:" and the digest of both files, which is that of another rule set if a byte is another one or in the other file;
+/// empty if a file can't be read. Nothing but the bytes counts: neither paths nor whether they are XML.
+std::string DigestOf(const RuleSetContents& contents);
 
 /// Parses both files at the same time.
 RuleSetFiles ParseRuleSetFiles(RuleSetContents contents);

@@ -1,5 +1,7 @@
 #include "diagnosis/text/json_writer.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 #include "diagnosis/text/printable.h"
@@ -118,6 +120,14 @@ JsonWriter& JsonWriter::Text(std::string_view text)
 JsonWriter& JsonWriter::Number(std::int64_t number)
 {
     return Raw(std::to_string(number));
+}
+
+JsonWriter& JsonWriter::Seconds(std::string_view key, double seconds)
+{
+    static constexpr std::int64_t MICROSECONDS = 1'000'000;
+    const std::int64_t count = std::llround(std::max(seconds, 0.0) * static_cast<double>(MICROSECONDS));
+    const std::string decimals = std::to_string(MICROSECONDS + count % MICROSECONDS).substr(1);
+    return Key(key).Raw(std::to_string(count / MICROSECONDS) + "." + decimals);
 }
 
 JsonWriter& JsonWriter::Bool(bool value)

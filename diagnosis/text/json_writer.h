@@ -31,6 +31,8 @@ public:
     JsonWriter& Text(std::string_view key, std::string_view text) { return Key(key).Text(text); }
     JsonWriter& Bool(std::string_view key, bool value) { return Key(key).Bool(value); }
     JsonWriter& Number(std::string_view key, std::int64_t number) { return Key(key).Number(number); }
+    /// Writes seconds with six decimals, whatever the locale of the process says about them; negative ones as 0.
+    JsonWriter& Seconds(std::string_view key, double seconds);
     JsonWriter& Count(std::string_view key, std::uint64_t count) { return Key(key).Raw(std::to_string(count)); }
 
     const std::string& Line() const { return mLine; }

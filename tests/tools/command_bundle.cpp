@@ -1,8 +1,10 @@
 #include "tests/tools/command_bundle.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <string_view>
 
 #include <gtest/gtest.h>
 
@@ -18,6 +20,23 @@ std::vector<std::string> ValuesOf(const std::map<std::string, std::string>& envi
         values.push_back(value);
     }
     return values;
+}
+
+// The values that follow each key, of characters of `kind` and with one of `needed`, replaced by `value`.
+std::string Replaced(
+    const std::string& lines, std::string_view key, const char* kind, const char* needed, const char* value)
+{
+    std::string same;
+    std::size_t copied = 0;
+    for (std::size_t at = lines.find(key); at != std::string::npos; at = lines.find(key, copied)) {
+        const std::size_t start = at + key.size();
+        const std::size_t end = std::min(lines.size(), lines.find_first_not_of(kind, start));
+        const std::string found = lines.substr(start, end - start);
+        same += lines.substr(copied, start - copied);
+        same += found.find_first_of(needed) == std::string::npos ? found : value;
+        copied = end;
+    }
+    return same + lines.substr(copied);
 }
 
 } // namespace
@@ -40,6 +59,17 @@ ProcessResult RunScript(const std::string& script, const ProcessSetup& setup)
 {
     const InputGuard inputs({script}, ValuesOf(setup.environment));
     return RunProcess({"sh", "-c", script}, setup);
+}
+
+std::string WithoutSeconds(const std::string& lines)
+{
+    // Moments of evidence are whole seconds, and stay.
+    return Replaced(lines, "\"seconds\": ", "0123456789.", ".", "0");
+}
+
+std::string WithoutTimes(const std::string& lines)
+{
+    return Replaced(WithoutSeconds(lines), "\"now\": \"", "0123456789-: ", "-", "");
 }
 
 std::string BundleJson(const std::string& more)

@@ -17,6 +17,12 @@ ProcessResult RunArboristOnTerminal(std::vector<std::string> arguments, const Pr
 /// Runs a script of the shell, which runs the command, under the same guard.
 ProcessResult RunScript(const std::string& script, const ProcessSetup& setup = {});
 
+/// Lines of results with 0 for every value of "seconds", the one that equal inputs don't share.
+std::string WithoutSeconds(const std::string& lines);
+
+/// The same for bundles that are diagnosed as of the real time: with an empty "now", too.
+std::string WithoutTimes(const std::string& lines);
+
 /// A bundle.json with the two required keys, the tag "Tag", and `more` members (", \"now\": 5").
 std::string BundleJson(const std::string& more = "");
 

@@ -9,7 +9,7 @@ from typing import Any
 
 @dataclass(frozen=True)
 class Warning:
-    """Something that makes an answer less reliable. All but `code` and `message` may be empty; `line` 0 is none."""
+    """Something that makes an answer less reliable. All but `code` and `message` may be empty; `line` 0 is none, too."""
 
     code: str
     message: str
@@ -31,7 +31,7 @@ class Repair:
 
 @dataclass(frozen=True)
 class RootCause:
-    """An event that explains the fault of a tree."""
+    """An event that explains the fault of a tree, and its cut set: each member is its path, ids joined by "/"."""
 
     id: str
     name: str
@@ -39,6 +39,7 @@ class RootCause:
     fault_description: str
     suggestions: tuple[str, ...]
     repairs: tuple[Repair, ...]
+    cut_set: tuple[str, ...]
 
 
 @dataclass(frozen=True)
@@ -92,12 +93,22 @@ class Tree:
 
 @dataclass(frozen=True)
 class Detection:
-    """The answer of one detection: a tree for each of the rule set, in file order."""
+    """The answer of one detection: a tree for each of the rule set, in file order.
+
+    Answers can be compared if `engine`, the version, and `rule_set`, a digest of the rule files, are the same. `device` is
+    a keyed hash of the device's id, or empty; `now` the moment of the detection; `seconds` how long it took, which is the
+    one thing that differs between detections of the same.
+    """
 
     bundle: str
     trees: tuple[Tree, ...]
     warnings: tuple[Warning, ...]
-    json: str = field(repr=False)
+    device: str
+    engine: str
+    rule_set: str
+    now: str
+    seconds: float = field(compare=False)
+    json: str = field(repr=False, compare=False)
 
     @property
     def is_fault(self) -> bool:
@@ -165,18 +176,9 @@ class CodeQuestion:
 
 
 def warnings_of(text: str) -> tuple[Warning, ...]:
-    return tuple(
-        Warning(
-            entry["code"],
-            entry["message"],
-            entry.get("id", ""),
-            entry.get("rule", ""),
-            entry.get("event", ""),
-            entry.get("file", ""),
-            entry.get("line", 0),
-        )
-        for entry in json.loads(text)
-    )
+    # Later versions may tell more.
+    names = Warning.__dataclass_fields__
+    return tuple(Warning(**{name: entry[name] for name in names}) for entry in json.loads(text))
 
 
 def _root_cause_of(entry: dict[str, Any]) -> RootCause:
@@ -188,6 +190,7 @@ def _root_cause_of(entry: dict[str, Any]) -> RootCause:
         entry["faultDescription"],
         tuple(entry["suggestions"]),
         repairs,
+        tuple(entry["cutSet"]),
     )
 
 
@@ -217,7 +220,15 @@ def _tree_of(entry: dict[str, Any]) -> Tree:
 def detection_of(text: str, warnings: str) -> Detection:
     answer = json.loads(text)
     return Detection(
-        answer["bundle"], tuple(_tree_of(entry) for entry in answer["results"]), warnings_of(warnings), text
+        bundle=answer["bundle"],
+        trees=tuple(_tree_of(entry) for entry in answer["results"]),
+        warnings=warnings_of(warnings),
+        device=answer["device"],
+        engine=answer["engine"],
+        rule_set=answer["ruleSet"],
+        now=answer["now"],
+        seconds=answer["seconds"],
+        json=text,
     )
 
 

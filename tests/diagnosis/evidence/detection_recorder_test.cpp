@@ -133,4 +133,19 @@ TEST_F(DetectionRecorderTest, RulesAreListedWithTheirPlaceInTheEvent)
     EXPECT_EQ(&rules[2].rule, &event.alternatives[1].rules[1]);
 }
 
+TEST_F(DetectionRecorderTest, CutSetsAreKeptOnRequestWhateverTheDetail)
+{
+    for (const bool isKept : {false, true}) {
+        DetectionRecorder recorder(DetectionRecorder::Detail::VERDICT, isKept);
+        recorder.OnTreeStarted({"T", "1", ""});
+        recorder.OnRootCause({"A", {"T/A", "T/G/B"}, {}});
+        recorder.OnRootCause({"C", {"T/C"}, {}});
+        recorder.OnTreeFinished({"T", true, {}});
+        const diagnosis::TreeReports trees = recorder.TakeTrees();
+        EXPECT_TRUE(trees[0].tree.causes.empty());
+        EXPECT_EQ(trees[0].cutSets, isKept
+            ? (std::vector<std::vector<std::string>>{{"T/A", "T/G/B"}, {"T/C"}}) : std::vector<std::vector<std::string>>{});
+    }
+}
+
 } // namespace

@@ -15,4 +15,11 @@ TEST(JsonWriterTest, KeepsTheOrderOfMembersAndEscapesTexts)
                            "\"d\": {}}");
 }
 
+TEST(JsonWriterTest, WritesSecondsWithSixDecimals)
+{
+    JsonWriter json;
+    json.BeginObject().Seconds("a", 0.0123456).Seconds("b", 61).Seconds("c", 1.9999996).Seconds("d", -1).EndObject();
+    EXPECT_EQ(json.Line(), R"({"a": 0.012346, "b": 61.000000, "c": 2.000000, "d": 0.000000})");
+}
+
 } // namespace

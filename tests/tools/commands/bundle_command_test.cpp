@@ -39,7 +39,7 @@ protected:
     {
         std::vector<std::string> arguments = {"detect", "--json", "--tree", "--log-level", "none", bundle};
         arguments.insert(arguments.end(), more.begin(), more.end());
-        return RunArborist(arguments, {.environment = {{"TZ", "Asia/Tokyo"}}, .directory = folder}).out;
+        return WithoutSeconds(RunArborist(arguments, {.environment = {{"TZ", "Asia/Tokyo"}}, .directory = folder}).out);
     }
 
     // A bundle for `--live`: its rule names the absolute path of a file with `value`.
@@ -85,7 +85,7 @@ TEST_F(BundleCommandTest, ADeviceWithoutAZoneReplaysInAnotherZone)
         arguments.insert(arguments.end(), {"--log-level", "none", "b"});
         const auto result = RunArborist(arguments, {.environment = {{"TZ", zone}}, .directory = mDir.Path(folder)});
         EXPECT_EQ(result.status, 0) << result.err;
-        return result.out;
+        return WithoutSeconds(result.out);
     };
     const std::string here = "America/New_York";
     const std::vector<std::string> now = {"--now", "2024-05-20 06:00:00"};

@@ -73,7 +73,7 @@ protected:
         EXPECT_EQ(StateOf("in"), state);
         EXPECT_TRUE(fs::is_empty("tmp"));
         fs::remove_all("out/made");
-        return result.out;
+        return WithoutTimes(result.out);
     }
 
     TempDir mDir;

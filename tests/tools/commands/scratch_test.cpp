@@ -59,7 +59,7 @@ TEST_F(ScratchTest, RunsLeaveABundleOfAllFamiliesAsItIs)
     EXPECT_EQ(Run({"query", "laptop", "SPEAKER_TEST"}).status, 0);
     EXPECT_THAT(Run({"repair", "list", "laptop"}).out, HasSubstr("REPAIR_KEYBOARD"));
     EXPECT_EQ(StateOf("laptop"), before);
-    EXPECT_EQ(Run(detect).out, first.out);
+    EXPECT_EQ(WithoutSeconds(Run(detect).out), WithoutSeconds(first.out));
     EXPECT_TRUE(IsScratchGone());
 }
 

@@ -487,7 +487,7 @@ TEST_F(WarningsTest, AMistakeInTheRuleSetIsToldWithItsPlaceWhereverResultsAre)
 {
     WriteBundle(Alarm(), "alarms");
     const std::string json = "{\"code\": \"no_such_rule\", \"message\": \"the event \\\"E\\\" asks for the rule "
-        "\\\"alarms\\\", which is not there; did you mean \\\"alarm\\\"?\", \"id\": \"A303\", \"event\": \"E\", "
+        "\\\"alarms\\\", which is not there; did you mean \\\"alarm\\\"?\", \"id\": \"A303\", \"rule\": \"\", \"event\": \"E\", "
         "\"file\": \"rules/FaultTreeRules.xml\", \"line\": 3}";
     mDir.Write("list", "b\nb\nb\n");
     const std::string lines = RunArborist({"detect", "--batch", "list", "--jobs", "1"}).out;

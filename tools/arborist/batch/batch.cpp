@@ -161,7 +161,7 @@ private:
         // If others are busy, try again when one of them ends and frees resources.
         if (std::none_of(mWorkers.begin(), mWorkers.end(), IsBusy)) {
             ++mNext;
-            Fail(number, {"internal", "a worker process can't be started: " + reason, ExitStatus::INTERNAL});
+            Fail(number, {"internal", "a worker process can't be started: " + reason, ExitStatus::INTERNAL}, 0);
         }
     }
 
@@ -198,7 +198,7 @@ private:
             } else if (IsBusy(mWorkers[i]) && Clock::now() >= mWorkers[i]->GetDeadline()) {
                 mWorkers[i]->End();
                 Fail(mWorkers[i]->GetBundle(), {"timeout", "took longer than " + InSeconds(mOptions.timeout)
-                    + " and was given up", ExitStatus::INTERNAL});
+                    + " and was given up", ExitStatus::INTERNAL}, mWorkers[i]->GetSeconds());
             }
         }
     }
@@ -210,16 +210,17 @@ private:
             Finish(worker.GetBundle(), worker.TakeAnswer());
             break;
         case Worker::State::DEAD:
-            Fail(worker.GetBundle(), {"crashed", "the worker process " + worker.End(), ExitStatus::INTERNAL});
+            Fail(worker.GetBundle(), {"crashed", "the worker process " + worker.End(), ExitStatus::INTERNAL},
+                worker.GetSeconds());
             break;
         default:
             break;
         }
     }
 
-    void Fail(std::size_t bundle, const Failure& failure)
+    void Fail(std::size_t bundle, const Failure& failure, double seconds)
     {
-        Finish(bundle, mWork.fail(mBundles[bundle], failure));
+        Finish(bundle, mWork.fail(mBundles[bundle], failure, seconds));
     }
 
     void Finish(std::size_t bundle, BundleAnswer answer)

@@ -27,8 +27,8 @@ struct BundleAnswer {
 struct BatchWork {
     /// Diagnoses a bundle; called in a worker process.
     std::function<BundleAnswer(const BundlePath& bundle)> run;
-    /// Makes the result of a bundle whose worker died.
-    std::function<BundleAnswer(const BundlePath& bundle, const Failure& failure)> fail;
+    /// Makes the result of a bundle whose worker died after so many seconds.
+    std::function<BundleAnswer(const BundlePath& bundle, const Failure& failure, double seconds)> fail;
     /// Writes results, lines with their line ends. False if it could not be written, which ends the batch.
     std::function<bool(const std::string& line)> print;
 };

@@ -162,6 +162,7 @@ void Worker::Serve(int socket, const std::vector<int>& others) const
 bool Worker::Send(std::uint32_t bundle, Clock::time_point deadline)
 {
     mBundle = bundle;
+    mSent = Clock::now();
     mDeadline = deadline;
     if (send(mSocket, &bundle, sizeof bundle, MSG_NOSIGNAL) != sizeof bundle) {
         return false;

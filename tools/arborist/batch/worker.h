@@ -59,6 +59,8 @@ public:
     int GetSocket() const { return mSocket; }
     std::uint32_t GetBundle() const { return mBundle; }
     Clock::time_point GetDeadline() const { return mDeadline; }
+    /// Since the bundle was sent.
+    double GetSeconds() const { return std::chrono::duration<double>(Clock::now() - mSent).count(); }
 
 private:
     [[noreturn]] void Serve(int socket, const std::vector<int>& others) const;
@@ -70,6 +72,7 @@ private:
     int mSocket = -1;
     State mState = State::DEAD;
     std::uint32_t mBundle = 0;
+    Clock::time_point mSent;
     Clock::time_point mDeadline;
     std::string mReceived;
 };

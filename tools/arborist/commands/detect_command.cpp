@@ -80,10 +80,11 @@ BatchWork MakeBatchWork(const DetectOptions& options)
         const DetectionReport report = RunDetection(bundle, options.run.detection);
         return BundleAnswer{StatusOf(report, options), DetectionJson(report), OutcomeOf(report)};
     };
-    work.fail = [](const BundlePath& bundle, const Failure& failure) {
+    work.fail = [](const BundlePath& bundle, const Failure& failure, double seconds) {
         DetectionReport report;
         report.bundle = bundle.given;
         report.failure = failure;
+        report.seconds = seconds;
         return BundleAnswer{failure.status, DetectionJson(report)};
     };
     work.print = [](const std::string& line) {
@@ -174,6 +175,7 @@ ExitStatus Detect(DetectOptions options)
         return ExitStatus::WRONG_USE;
     }
     options.run.detection = MakeDetectionOptions(options.run);
+    options.run.detection.isForLine = options.asJson || !options.list.empty();
     if (!options.list.empty() || options.bundles.size() > 1) {
         options.run.detection.ruleSets = std::make_shared<RuleSetMemory>();
     }

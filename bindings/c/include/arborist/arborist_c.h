@@ -127,8 +127,8 @@ ARBORIST_C_API arborist_status arborist_rule_set(arborist_engine* engine, const 
     arborist_result** result, arborist_error** error);
 /** @} */
 
-/** The answer: byte for byte what the command prints on standard output, one JSON object a line, line ends included.
- * A NUL follows its `length` bytes. `length` may be NULL. */
+/** The answer: byte for byte what the command prints on standard output, one JSON object a line, line ends included; only
+ * the "seconds" that a detection took are its own. A NUL follows its `length` bytes. `length` may be NULL. */
 ARBORIST_C_API const char* arborist_result_json(const arborist_result* result, size_t* length);
 /** The warnings of the call as a JSON array of objects with "code", "message" and what else is known; also those that
  * the command prints on standard error alone. */
