@@ -87,8 +87,8 @@ def run(arborist, folder, temporary, *options):
     """One batch with one worker; its lines go to the folder's file `lines`."""
     before = input_and_output()
     with (folder / "lines").open("wb") as out, open(os.devnull, "wb") as nothing:
-        process = subprocess.Popen([arborist, "detect", "--batch", "list", "--rules", "rules", "--jobs", "1", "--log-level", "none",
-                                    *options], cwd=folder, env={**os.environ, "TMPDIR": temporary}, stdout=out, stderr=nothing)
+        command = [arborist, "detect", "--batch", "list", "--rules", "rules", "--jobs", "1", "--log-level", "none", *options]
+        process = subprocess.Popen(command, cwd=folder, env={**os.environ, "TMPDIR": temporary}, stdout=out, stderr=nothing)
         peak, seconds = wait_for(process)
     after = input_and_output()
     if process.returncode != 0:
@@ -118,8 +118,9 @@ def measure(arborist, fleet, rows, copies, bundles, temporary):
     shorter = [run_first(arborist, fleet, few, temporary) for _ in range(ROUNDS)]
     longer = [run_first(arborist, fleet, bundles, temporary) for _ in range(ROUNDS)]
     names = (fleet / "list").read_text().split()
-    return Cost(rows, RULES * copies, (min(entry.seconds for entry in longer) - min(entry.seconds for entry in shorter)) / more,
-                max(entry.peak for entry in longer), sum((fleet / name).stat().st_size for name in names) / bundles,
+    seconds = min(entry.seconds for entry in longer) - min(entry.seconds for entry in shorter)
+    return Cost(rows, RULES * copies, seconds / more, max(entry.peak for entry in longer),
+                sum((fleet / name).stat().st_size for name in names) / bundles,
                 (longer[0].read - shorter[0].read) / more, (longer[0].written - shorter[0].written) / more,
                 (fleet / "lines").stat().st_size / bundles)
 
@@ -136,15 +137,13 @@ def renamed(element, number):
 
 
 def multiply_rules(folder, copies):
-    for file, left_out in (("FaultTrees.xml", ()), ("FaultTreeRules.xml", ("RuleCommonPart",))):
-        document = ElementTree.parse(folder / file)
-        root = document.getroot()
-        sections = [root.find("Laptop")] if file == "FaultTrees.xml" else [
-            section.find("Laptop") for section in root if section.tag not in left_out]
-        for section in sections:
-            for element in list(section):
+    for file in (folder / "FaultTrees.xml", folder / "FaultTreeRules.xml"):
+        document = ElementTree.parse(file)
+        common = document.find("RuleCommonPart/Laptop")
+        for section in list(document.iter("Laptop")):
+            for element in list(section) if section is not common else ():
                 section.extend(renamed(element, number) for number in range(2, copies + 1))
-        document.write(folder / file, encoding="utf-8", xml_declaration=True)
+        document.write(file, encoding="utf-8", xml_declaration=True)
 
 
 def measure_all(arborist):
@@ -155,8 +154,8 @@ def measure_all(arborist):
         temporary.mkdir()
         for rows, copies, bundles in SIZES:
             fleet = Path(scratch) / f"{rows}-{copies}"
-            subprocess.run([sys.executable, "-B", ROOT / "examples/fleet/make_bundles.py", arborist, fleet, "--count", str(bundles),
-                            "--rows", str(rows), "--broken-every", "0"], check=True)
+            subprocess.run([sys.executable, "-B", ROOT / "examples/fleet/make_bundles.py", arborist, fleet,
+                            "--count", str(bundles), "--rows", str(rows), "--broken-every", "0"], check=True)
             multiply_rules(fleet / "rules", copies)
             cost = measure(arborist, fleet, rows, copies, bundles, temporary)
             print(cost, file=sys.stderr)
@@ -204,8 +203,8 @@ def short(value):
 
 
 def cost_table(costs, factors):
-    lines = ["| rows of the log | rules | bundles a second and core | ms of processor time | the model's ms | MB of a worker | "
-             "KB of the bundle | KB read | KB written | KB of the line |", "|" + "---:|" * 10]
+    lines = ["| rows of the log | rules | bundles a second and core | ms of processor time | the model's ms | "
+             "MB of a worker | KB of the bundle | KB read | KB written | KB of the line |", "|" + "---:|" * 10]
     for cost in costs:
         lines.append(f"| {cost.rows:,} | {cost.rules:,} | {1 / cost.seconds:.0f} | {cost.seconds * 1e3:.2f} | "
                      f"{predicted(factors, cost) * 1e3:.2f} | {cost.peak / 1e6:.1f} | {cost.file_bytes / 1e3:.1f} | "
@@ -219,8 +218,8 @@ def error_of(factors, costs, value):
 
 def fleet_table(costs, seconds):
     """What fleets need with the laptop's rules, by the model's seconds and the bytes that were measured."""
-    lines = ["| devices a day | rows of the log | bundles a second | cores | GB of memory | MB/s of bundles read | GB of lines a day | "
-             "MB/s written to temporary files |", "|" + "---:|" * 8]
+    lines = ["| devices a day | rows of the log | bundles a second | cores | GB of memory | MB/s of bundles read | "
+             "GB of lines a day | MB/s written to temporary files |", "|" + "---:|" * 8]
     for devices in (10 ** 6, 10 ** 9):
         for cost in (entry for entry in costs if entry.rules == RULES):
             rate = devices / DAY

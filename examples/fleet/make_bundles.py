@@ -3,8 +3,8 @@
 
     make_bundles.py ARBORIST FOLDER [--count N] [--rows N] [--seed N] [--broken-every N]
 
-FOLDER gets `devices/00001.zip` and so on, as devices would send them, the folder `rules`, and `bundles.txt`, the list of the
-devices. Equal arguments make bundles with equal answers.
+FOLDER gets `devices/00001.zip` and so on, as devices would send them, the folder `rules`, and `bundles.txt`, the list of
+the devices. Equal arguments make bundles with equal answers. Needs Python 3.11.
 """
 import argparse
 import random
@@ -25,8 +25,8 @@ class Template:
     """The prepared laptop: the files that all devices share, and its event log."""
 
     def __init__(self, laptop):
-        files = [laptop / "bundle.json"] + [path for name in ("device", "programdata") for path in sorted((laptop / name).rglob("*"))
-                                            if path.is_file()]
+        inside = [path for name in ("device", "programdata") for path in sorted((laptop / name).rglob("*"))]
+        files = [laptop / "bundle.json"] + [path for path in inside if path.is_file()]
         self.files = {path.relative_to(laptop).as_posix(): path.read_bytes() for path in files}
         del self.files[CHARGE]
         log = opened(self.files.pop(LOG))

@@ -25,8 +25,8 @@ class FleetTest(unittest.TestCase):
         self.fleet = fleet.Fleet(ARBORIST, self.scratch / "fleet", BUNDLES, broken_every=10)
         self.expected = self.fleet.lines_of_one_machine()
 
-    def run_in_fleet(self, *command, **more):
-        result = subprocess.run(command, cwd=self.fleet.folder, env=self.fleet.environment, capture_output=True, text=True, **more)
+    def run_in_fleet(self, *command):
+        result = subprocess.run(command, cwd=self.fleet.folder, env=self.fleet.environment, capture_output=True, text=True)
         self.assertEqual(result.returncode, 0, result.stderr)
         return result
 
@@ -56,7 +56,8 @@ class BundlesTest(FleetTest):
         self.assertEqual(len(fleet.faults(self.fleet, self.expected, "\n".join(other))), 1)
 
     def test_seconds_alone_may_differ(self):
-        self.assertEqual(fleet.by_bundle('{"bundle": "a", "seconds": 1.5e-3}'), fleet.by_bundle('{"bundle": "a", "seconds": 7}'))
+        self.assertEqual(fleet.by_bundle('{"bundle": "a", "seconds": 1.5e-3}'),
+                         fleet.by_bundle('{"bundle": "a", "seconds": 7}'))
         self.assertNotEqual(fleet.by_bundle('{"bundle": "a", "now": 1}'), fleet.by_bundle('{"bundle": "a", "now": 2}'))
 
 
@@ -73,7 +74,8 @@ class ShardTest(FleetTest):
         self.run_in_fleet("./shard.sh", "1", "1", "2")
         self.assertIn('"ok": false', self.shards())
         (self.fleet.folder / "bundles.txt").unlink()
-        result = subprocess.run(["./shard.sh", "2", "2"], cwd=self.fleet.folder, env=self.fleet.environment, capture_output=True)
+        result = subprocess.run(["./shard.sh", "2", "2"], cwd=self.fleet.folder, env=self.fleet.environment,
+                                capture_output=True)
         self.assertEqual(result.returncode, 2, result.stderr)
         self.assertEqual(list(self.fleet.folder.glob("results/2.jsonl")), [])
 
@@ -135,9 +137,10 @@ class DaskTest(FleetTest):
     def test_pieces_of_a_worker_that_was_killed_run_on_another(self):
         os.environ.update(self.fleet.environment)
         from distributed import LocalCluster
-        with LocalCluster(n_workers=2, threads_per_worker=1, dashboard_address=None, local_directory=self.scratch) as cluster:
-            run = subprocess.Popen([sys.executable, "-B", fleet.EXAMPLES / "dask_fleet.py", self.fleet.folder, "--scheduler",
-                                    cluster.scheduler_address, "--piece", "2"], env=self.fleet.environment)
+        with LocalCluster(n_workers=2, threads_per_worker=1, dashboard_address=None,
+                          local_directory=self.scratch) as cluster:
+            run = subprocess.Popen([sys.executable, "-B", fleet.EXAMPLES / "dask_fleet.py", self.fleet.folder,
+                                    "--scheduler", cluster.scheduler_address, "--piece", "2"], env=self.fleet.environment)
             killed = self.kill_a_busy_worker(cluster, run)
             self.assertEqual(run.wait(), 0)
         self.assertTrue(killed)

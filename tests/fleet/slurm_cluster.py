@@ -80,7 +80,8 @@ class Cluster:
         self.daemons = {}
 
     def __enter__(self):
-        self.end = subprocess.Popen([sys.executable, "-B", __file__, self.folder], stdin=subprocess.PIPE, start_new_session=True)
+        self.end = subprocess.Popen([sys.executable, "-B", __file__, self.folder], stdin=subprocess.PIPE,
+                                    start_new_session=True)
         try:
             self._configure()
             self._start_all()
@@ -97,8 +98,8 @@ class Cluster:
 
     def ask(self, *command, environment=None, cwd=None):
         """What one of Slurm's commands prints, without the line end."""
-        return subprocess.run(command, env=environment or self.environment, cwd=cwd, capture_output=True, text=True, timeout=60,
-                              check=True).stdout.strip()
+        return subprocess.run(command, env=environment or self.environment, cwd=cwd, capture_output=True, text=True,
+                              timeout=60, check=True).stdout.strip()
 
     def submit(self, script, array, fleet):
         """Runs shards of a fleet in its folder and with its environment; the number of the job."""
