@@ -49,6 +49,16 @@ std::optional<Failure> LayEventLog(const fs::path& data, const fs::path& overlay
     return Link(data / EVENT_LOG_FOLDER, overlay / EVENT_LOG_FOLDER);
 }
 
+std::optional<Failure> CopyOwnDatabases(const fs::path& own, const fs::path& overlay)
+{
+    for (const char* file : {DERIVED_DATABASE, REPAIR_RECORDS}) {
+        if (auto failure = Copy(own / file, overlay / file)) {
+            return failure;
+        }
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 std::vector<std::string> FoldersOfOverlay()
@@ -72,10 +82,8 @@ std::optional<Failure> LayOverlay(const std::string& folder, Scratch& scratch,
     if (auto failure = LayEventLog(own, overlay)) {
         return failure;
     }
-    for (const char* file : {DERIVED_DATABASE, REPAIR_RECORDS}) {
-        if (auto failure = Copy(own / file, overlay / file)) {
-            return failure;
-        }
+    if (auto failure = CopyOwnDatabases(own, overlay)) {
+        return failure;
     }
     // Leave it empty if it is: without a folder the library refuses to copy and reports that.
     if (std::string& databases = settings[Settings::APP_DATABASE_DIR]; !databases.empty()) {
@@ -86,6 +94,27 @@ std::optional<Failure> LayOverlay(const std::string& folder, Scratch& scratch,
     names.Add(overlay.string(), root);
     data = overlay.string();
     return std::nullopt;
+}
+
+std::optional<Failure> LayDatabasesAnew(const std::string& folder, Scratch& scratch, const std::string& root)
+{
+    const fs::path overlay = scratch.Path();
+    std::error_code error;
+    for (const char* file : {DERIVED_DATABASE, REPAIR_RECORDS}) {
+        for (const char* companion : {"", "-wal", "-shm", "-journal"}) {
+            fs::remove(overlay / (file + std::string(companion)), error);
+        }
+    }
+    const fs::path own = fs::path(folder) / (root.empty() ? MACHINE_DATA : root);
+    if (!fs::exists(own / EVENT_LOG, error)) {
+        fs::remove(overlay / EVENT_LOG, error); // the empty one that building a derived table leaves
+    }
+    const fs::path copies = scratch.Path(COPIES);
+    for (const fs::directory_entry& entry : fs::directory_iterator(copies, error)) {
+        std::error_code ignored;
+        fs::remove_all(entry.path(), ignored);
+    }
+    return CopyOwnDatabases(own, overlay);
 }
 
 } // namespace diagnosis

@@ -32,6 +32,10 @@ std::vector<std::string> FoldersOfOverlay();
 std::optional<Failure> LayOverlay(const std::string& folder, Scratch& scratch,
     std::map<std::string, std::string>& settings, PathNames& names);
 
+/// Puts the library's own databases of an overlay back to the state of the bundle's, and empties the folder of the copies:
+/// what a detection has left must not reach the next one. `root` is the bundle's own root of data.
+std::optional<Failure> LayDatabasesAnew(const std::string& folder, Scratch& scratch, const std::string& root);
+
 } // namespace diagnosis
 
 #endif

@@ -129,7 +129,8 @@ std::optional<Failure> BundleSession::EnterFolder(const BundlePath& path, const 
         return Failure{"no_bundle", path.given + ": can't be entered: " + reason.message()};
     }
     mPathsShown.Show(mNames);
-    SetSettings(overrides);
+    mTimeLimit = overrides.timeLimit;
+    SetSettings();
     return std::nullopt;
 }
 
@@ -164,12 +165,26 @@ std::optional<Failure> BundleSession::SetMoment()
     return std::nullopt;
 }
 
-void BundleSession::SetSettings(const BundleOverrides& overrides)
+std::optional<Failure> BundleSession::TakeRules(const std::string& folder)
+{
+    mBundle.ruleFileDir = folder;
+    const auto root = mBundle.settings.find(Settings::PROGRAM_DATA_DIR);
+    auto failure = LayDatabasesAnew(mFolder, mScratch, root == mBundle.settings.end() ? "" : root->second);
+    return failure ? Failure{failure->code, mNames.Shown(failure->message), failure->status} : failure;
+}
+
+void BundleSession::HoldMoment()
+{
+    mMoment = Now();
+    SetSettings();
+}
+
+void BundleSession::SetSettings()
 {
     auto settings = mSettings;
     settings[Settings::CURRENT_TIME] = mMoment ? std::to_string(*mMoment) : "";
     settings[Settings::AS_OF] = mBundle.asOf.empty() ? "" : settings[Settings::CURRENT_TIME];
-    settings[Settings::TIME_LIMIT] = overrides.timeLimit > 0 ? std::to_string(overrides.timeLimit) : "";
+    settings[Settings::TIME_LIMIT] = mTimeLimit > 0 ? std::to_string(mTimeLimit) : "";
     settings[Settings::CAUSE_LIMIT] = std::to_string(MOST_ROOT_CAUSES);
     // The databases that a detection writes are removed with the scratch folder.
     settings[Settings::TEMPORARY_STORES] = mScratch.IsMade() ? "1" : "";

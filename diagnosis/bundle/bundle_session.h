@@ -53,6 +53,12 @@ public:
     std::optional<Failure> Enter(const BundlePath& path, const BundleOverrides& overrides,
         BundleUse use = BundleUse::RUN);
 
+    /// For another detection of the same bundle: takes the rules of `folder`, an absolute path, in place of those so far, and
+    /// puts the library's own databases back to what the bundle has. The bundle must be entered to RUN.
+    std::optional<Failure> TakeRules(const std::string& folder);
+    /// Makes the moment of entering the current time of all detections, if the bundle has none of its own.
+    void HoldMoment();
+
     /// The bundle with the values of the command line; its settings are the bundle's own.
     const Bundle& GetBundle() const { return mBundle; }
     /// Absolute path of the bundle's folder; for a zip, of the folder into which it was unpacked.
@@ -82,7 +88,7 @@ private:
     std::optional<Failure> CheckBounds(const BundlePath& path, const BundleOverrides& overrides);
     void SetZone(const std::string& zone);
     std::optional<Failure> SetMoment();
-    void SetSettings(const BundleOverrides& overrides);
+    void SetSettings();
 
     Scratch mScratch;
     PathNames mNames;
@@ -92,6 +98,7 @@ private:
     std::vector<Warning> mWarnings;
     std::string mFolder;
     std::optional<std::int64_t> mMoment;
+    double mTimeLimit = 0;
     std::optional<TimeZoneGuard> mZone;
     WorkingDirectory mDirectory;
     PathsShown mPathsShown;

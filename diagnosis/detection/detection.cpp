@@ -161,6 +161,42 @@ private:
     std::shared_ptr<CodeAnswers> mAnswers;
 };
 
+class Stopwatch {
+public:
+    double Seconds() const { return std::chrono::duration<double>(Clock::now() - mStart).count(); }
+
+private:
+    using Clock = std::chrono::steady_clock;
+    Clock::time_point mStart = Clock::now();
+};
+
+DetectionReport EmptyReport(const BundlePath& bundle, const DetectionOptions& options)
+{
+    DetectionReport report;
+    report.bundle = bundle.given;
+    report.withTrees = options.withTrees;
+    report.withExplanation = options.withExplanation;
+    return report;
+}
+
+// Runs a detection in a session that was entered, unless that failed.
+void RunEntered(const BundleSession& session, const DetectionOptions& options, DetectionReport& report)
+{
+    report.warnings = session.GetWarnings();
+    report.device = options.deviceNames.Of(session.GetBundle().deviceId);
+    if (report.failure) {
+        return;
+    }
+    report.subject = session.GetBundle();
+    report.subject.deviceId.clear();
+    report.moment = FormatMoment(session.Now()).value_or("");
+    if (options.isForLine) {
+        report.ruleSet = DigestOf(rule_source::ReadRuleSetContents(RulePaths(report.subject)));
+    }
+    Detection(session, options).Run(report);
+    ShowPaths(session, report);
+}
+
 } // namespace
 
 bool DetectionReport::IsFault() const
@@ -232,32 +268,47 @@ std::optional<Failure> FailureInFlight(const Evidence::RuleSet& ruleSet)
 
 DetectionReport RunDetection(const BundlePath& bundle, const DetectionOptions& options)
 {
-    using Clock = std::chrono::steady_clock;
-    const Clock::time_point start = Clock::now();
-    DetectionReport report;
-    report.bundle = bundle.given;
-    report.withTrees = options.withTrees;
-    report.withExplanation = options.withExplanation;
+    const Stopwatch watch;
+    DetectionReport report = EmptyReport(bundle, options);
     try {
         BundleSession session;
         report.failure = session.Enter(bundle, options.overrides);
-        report.warnings = session.GetWarnings();
-        report.device = options.deviceNames.Of(session.GetBundle().deviceId);
-        if (!report.failure) {
-            report.subject = session.GetBundle();
-            report.subject.deviceId.clear();
-            report.moment = FormatMoment(session.Now()).value_or("");
-            if (options.isForLine) {
-                report.ruleSet = DigestOf(rule_source::ReadRuleSetContents(RulePaths(report.subject)));
-            }
-            Detection(session, options).Run(report);
-            ShowPaths(session, report);
-        }
+        RunEntered(session, options, report);
     } catch (...) {
         report.failure = FailureInFlight({});
     }
-    report.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    report.seconds = watch.Seconds();
     return report;
+}
+
+std::vector<DetectionReport> RunDetections(
+    const BundlePath& bundle, const DetectionOptions& options, const std::vector<std::string>& rules)
+{
+    std::vector<DetectionReport> reports;
+    DetectionOptions first = options;
+    first.overrides.rules = rules.empty() ? "" : rules.front();
+    BundleSession session;
+    std::optional<Failure> failure;
+    try {
+        failure = session.Enter(bundle, first.overrides);
+        if (!failure) {
+            session.HoldMoment();
+        }
+    } catch (...) {
+        failure = FailureInFlight({});
+    }
+    for (const std::string& folder : rules) {
+        const Stopwatch watch;
+        DetectionReport& report = reports.emplace_back(EmptyReport(bundle, options));
+        try {
+            report.failure = failure || reports.size() == 1 ? failure : session.TakeRules(folder);
+            RunEntered(session, options, report);
+        } catch (...) {
+            report.failure = FailureInFlight({});
+        }
+        report.seconds = watch.Seconds();
+    }
+    return reports;
 }
 
 } // namespace diagnosis

@@ -64,6 +64,11 @@ struct DetectionReport {
 /// Runs one detection for a bundle. Every failure, including an exception, is in the report.
 DetectionReport RunDetection(const BundlePath& bundle, const DetectionOptions& options);
 
+/// Runs one detection with each of these rule sets, absolute paths of folders, in turn: the bundle is entered once, with one
+/// moment for all, and each detection starts from the bundle's own databases. A report for each, as RunDetection makes it, with the seconds of its own detection.
+std::vector<DetectionReport> RunDetections(
+    const BundlePath& bundle, const DetectionOptions& options, const std::vector<std::string>& rules);
+
 /// Adds the mistakes of the bundle's rule set, unless it failed so that the failure says what is wrong with it. Call it
 /// while the bundle is entered. `known` may be null.
 void AddRuleSetWarnings(const Bundle& bundle, const std::optional<Failure>& failure, RuleSetMemory* known,

@@ -10,6 +10,12 @@ namespace diagnosis::command {
 
 void AddOverrides(Command app, BundleOverrides& overrides)
 {
+    AddMoments(app, overrides);
+    AddLive(app, overrides);
+}
+
+void AddMoments(Command app, BundleOverrides& overrides)
+{
     app.Add("--now", overrides.now, "Diagnose as of this moment, \"YYYY-MM-DD HH:MM:SS\" local time or seconds "
         "since the epoch, instead of \"now\" of the bundle")
         .Takes("TIME")
@@ -23,7 +29,6 @@ void AddOverrides(Command app, BundleOverrides& overrides)
             return IsMomentText(text) ? "" : "is neither \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: " + text;
         });
     AddTimeZone(app, overrides.tz);
-    AddLive(app, overrides);
 }
 
 void AddLive(Command app, BundleOverrides& overrides)

@@ -11,7 +11,9 @@
 
 namespace diagnosis::command {
 
-/// --now, --tz and --live.
+/// --now, --as-of and --tz.
+void AddMoments(Command app, BundleOverrides& overrides);
+/// The same and --live.
 void AddOverrides(Command app, BundleOverrides& overrides);
 /// --live alone.
 void AddLive(Command app, BundleOverrides& overrides);
