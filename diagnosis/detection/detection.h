@@ -47,7 +47,8 @@ struct DetectionReport {
     /// As requested: whether the report shows the trees, and the explanation.
     bool withTrees = false;
     bool withExplanation = false;
-    /// The bundle that was diagnosed, without the id of its device, and the time of the diagnosis as local time. Set once the bundle is entered.
+    /// The bundle that was diagnosed, without the id of its device, and the time of the diagnosis as local time. Set once the
+    /// bundle is entered.
     Bundle subject;
     std::string moment;
     /// DigestOf the rule set, if requested and if it can be read.

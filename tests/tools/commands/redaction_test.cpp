@@ -165,12 +165,38 @@ TEST_F(RedactionTest, ANodeFileBecomesItsHashAndALineEnd)
     EXPECT_THAT(packed.out, HasSubstr("  rule       hot may answer differently: it reads node file temperature\n"));
 }
 
-TEST_F(RedactionTest, NothingShowsTheIdOfADevice)
+TEST_F(RedactionTest, ADeviceIsNamedByTheKeyOrPlainlyOrNotAtAll)
+{
+    WriteHotBundle(mDir, "b", BundleJson(", \"deviceId\": \"" + SECRET + "\""));
+    mDir.Write("key", KEY);
+    mDir.Write("list", "b\n");
+    const auto device = [](std::vector<std::string> more) {
+        more.insert(more.begin(), {"detect", "--json"});
+        return ParsedJson(RunArborist(more).out)["device"].asString();
+    };
+    EXPECT_EQ(device({"b"}), "");
+    EXPECT_EQ(device({"b", "--device-key", "key"}), diagnosis::KeyedHash(KEY, SECRET));
+    EXPECT_EQ(device({"--batch", "list", "--device-key", "key"}), diagnosis::KeyedHash(KEY, SECRET));
+    EXPECT_EQ(device({"b", "--plain-ids"}), SECRET);
+    EXPECT_EQ(RunArborist({"detect", "b", "--plain-ids", "--device-key", "key"}).status, 2);
+    mDir.Write("short", "0123456789abcde");
+    EXPECT_THAT(RunArborist({"detect", "b", "--device-key", "short"}).err,
+        HasSubstr("--device-key: short: a key needs 16 bytes, and this one has 15"));
+    // A redacted bundle names its device as a plain one does under the same key.
+    WriteRedaction(R"(, "bundle": ["deviceId"])");
+    Pack({"b", "--redact", "redaction.json", "-o", "r"});
+    EXPECT_EQ(device({"r", "--plain-ids"}), diagnosis::KeyedHash(KEY, SECRET));
+    fs::remove("b/rules/FaultTrees.xml");
+    EXPECT_EQ(device({"b", "--device-key", "key"}), diagnosis::KeyedHash(KEY, SECRET));
+}
+
+TEST_F(RedactionTest, NothingElseShowsTheIdOfADevice)
 {
     WriteHotBundle(mDir, "b", BundleJson(", \"deviceId\": \"" + SECRET + "\", \"device\": {\"Product\": \"P\"}"));
     mDir.Write("list", "b\n");
+    mDir.Write("key", KEY);
     for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{{"detect", "b", "--tree", "--explain"},
-             {"detect", "b", "--json", "--tree", "--explain"}, {"detect", "--batch", "list"}, {"explain", "b"},
+             {"detect", "b", "--json", "--tree", "--explain", "--device-key", "key"}, {"detect", "--batch", "list"}, {"explain", "b"},
              {"explain", "b", "--json"}, {"report", "b"}, {"graph", "b"}, {"sweep", "b"}, {"bundle", "info", "b"},
              {"bundle", "info", "b", "--json"}, {"bundle", "verify", "b"}, {"query", "b", "CODE"}, {"repair", "list", "b"},
              {"test", "--record", "b", "--output", "case.test.json"}, {"bundle", "pack", "b", "-o", "p.zip"}}) {

@@ -12,6 +12,7 @@
 #include "tools/arborist/batch/batch.h"
 #include "tools/arborist/batch/bundle_list.h"
 #include "tools/arborist/commands/commands.h"
+#include "tools/arborist/commands/device_names.h"
 #include "tools/arborist/commands/seconds.h"
 #include "tools/arborist/commands/shared_options.h"
 #include "tools/arborist/render/detection_text.h"
@@ -212,6 +213,7 @@ void AddDetectCommand(Command app, ExitStatus& status)
     detect.AddFlag("--explain", options->run.detection.withExplanation, "Tell why as well: what 'arborist explain' tells, "
         "of the same run");
     detect.AddFlag("--fail-on-fault", options->failsOnFault, "Exit with 1 when a fault is found");
+    AddDeviceNames(detect, options->run.detection.deviceNames);
     AddRunOptions(detect, options->run);
     AddBatchOptions(detect, *options);
     detect.Footer("Examples:\n  arborist detect examples/laptop\n"
