@@ -1,8 +1,10 @@
 #include "bindings/c/engine.h"
 
 #include <atomic>
+#include <cstring>
 #include <mutex>
 #include <thread>
+#include <type_traits>
 
 #include "bindings/c/answer.h"
 #include "diagnosis/process/library_log.h"
@@ -72,8 +74,11 @@ DetectionOptions OptionsOf(arborist_engine& engine)
     if (engine.codeRule != nullptr) {
         options.codeRunner.ask = [&engine](const std::string& question) -> std::optional<bool> {
             const auto answer = engine.codeRule(engine.codeRuleUser, question.c_str(), question.size());
-            const bool isAnswer = answer == ARBORIST_PRESENT || answer == ARBORIST_NOT_PRESENT;
-            return isAnswer ? std::optional(answer == ARBORIST_PRESENT) : std::nullopt;
+            // A host in C may return any number; one beyond the enumeration is no value of it in C++.
+            std::underlying_type_t<arborist_code_answer> number = ARBORIST_NO_ANSWER;
+            std::memcpy(&number, &answer, sizeof(number));
+            const bool isAnswer = number == ARBORIST_PRESENT || number == ARBORIST_NOT_PRESENT;
+            return isAnswer ? std::optional(number == ARBORIST_PRESENT) : std::nullopt;
         };
     }
     return options;
