@@ -1,5 +1,6 @@
 # Precompiled headers hold other people's headers only, those that many files of a target include. Each file still names
-# every header that it uses: the presets asan and release compile without them, and fail where one is missing.
+# every header that it uses: the preset release and scripts/check-code.sh compile without them, and fail where one is
+# missing.
 option(ARBORIST_PRECOMPILE "Precompile the headers that many files include" ON)
 
 # Optimising, GCC 12 forgets that what it inlines out of a precompiled header is the system's, and warns of overflows

@@ -16,7 +16,7 @@
 #include "tests/reliability/observed_detection.h"
 #include "tests/support/database_rows.h"
 
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(ARBORIST_SANITIZES_ADDRESSES)
 // The sanitizer's own functions allocate, and find leaks and corruption. Only those of C++ and of SQLite fail.
 void* operator new(std::size_t size)
 {
@@ -75,7 +75,7 @@ namespace {
 
 using CallCounter::Failing;
 
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(ARBORIST_SANITIZES_ADDRESSES)
 sqlite3_mem_methods plain;
 
 // Must come before SQLite's first use in the process.
