@@ -72,7 +72,7 @@ void Judge(RuleSweep::Tree& swept, std::size_t number, std::int64_t moment, Swee
 
 } // namespace
 
-LogSweep::LogSweep(std::shared_ptr<DetectInfo> detectInfo) : mDetectInfo(std::make_shared<DetectInfo>(*detectInfo))
+LogSweep::LogSweep(const std::shared_ptr<DetectInfo>& detectInfo) : mDetectInfo(std::make_shared<DetectInfo>(*detectInfo))
 {
     if (mDetectInfo->mCodeRuleRunner != nullptr) {
         mDetectInfo->mCodeRuleRunner = std::make_shared<AnswersOnce>(mDetectInfo->mCodeRuleRunner);

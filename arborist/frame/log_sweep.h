@@ -19,7 +19,7 @@
 class ARBORIST_EXPORT LogSweep {
 public:
     /// Shares ownership of the input, which must not be null, and never writes to it.
-    explicit LogSweep(std::shared_ptr<DetectInfo> detectInfo);
+    explicit LogSweep(const std::shared_ptr<DetectInfo>& detectInfo);
     ~LogSweep();
     LogSweep(const LogSweep&) = delete;
     LogSweep& operator=(const LogSweep&) = delete;

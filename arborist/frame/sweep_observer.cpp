@@ -2,9 +2,11 @@
 
 SweepObserver::~SweepObserver() = default;
 
+// Empty by default, so that an observer overrides only the calls that it needs. One that keeps a record moves it.
+// NOLINTBEGIN(performance-unnecessary-value-param)
 void SweepObserver::OnRuleSetRead(Evidence::RuleSet) {}
-
 void SweepObserver::OnPlan(SweepPlan) {}
+// NOLINTEND(performance-unnecessary-value-param)
 
 void SweepObserver::OnEventDecided(std::int64_t, const Evidence::Event&) {}
 

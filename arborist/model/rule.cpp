@@ -2,6 +2,7 @@
 
 #include "arborist/utilities/string_util.h"
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the signature is part of the given interface
 std::int32_t AlarmRule::AlarmItem::ParseAlarmIdToInt(std::string text)
 {
     // An absent bound is no error, and the conversion would log one.

@@ -43,7 +43,7 @@ std::string Request::Text(const std::string& key)
         Fail("\"" + key + "\" is " + JsonKind(value) + ", not a text");
         return "";
     }
-    const std::string text = value.asString();
+    std::string text = value.asString();
     if (text.find('\0') != std::string::npos) {
         Fail("\"" + key + "\" has a NUL character");
         return "";
@@ -53,7 +53,7 @@ std::string Request::Text(const std::string& key)
 
 std::string Request::Needed(const std::string& key)
 {
-    const std::string text = Text(key);
+    std::string text = Text(key);
     if (text.empty()) {
         Fail("\"" + key + "\" is missing or empty");
     }
@@ -85,7 +85,7 @@ std::size_t Request::Count(const std::string& key, std::size_t least, std::size_
 std::string Request::Moment(const std::string& key)
 {
     const Json::Value& value = Take(key);
-    const std::string text = value.isInt64() ? std::to_string(value.asInt64()) : Text(key);
+    std::string text = value.isInt64() ? std::to_string(value.asInt64()) : Text(key);
     if (!text.empty() && !IsMomentText(text)) {
         Fail("\"" + key + "\" is neither \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: " + text);
     }

@@ -63,7 +63,7 @@ std::uint32_t CutFormula::Build(std::size_t event)
     for (const std::size_t branch : BranchesOf(event)) {
         CollectParts(branch, KindOf(explained), parts);
     }
-    const std::uint32_t gate = MakeGate(KindOf(explained), std::move(parts));
+    const std::uint32_t gate = MakeGate(KindOf(explained), parts);
     return IsBarred(explained) ? MakeGate(Kind::AND, {MakeEvent(event), gate}) : gate;
 }
 
@@ -105,7 +105,7 @@ std::uint32_t CutFormula::MakeEvent(std::size_t event)
     return Intern((isMissing ? "-" : "+") + explained.id, {Kind::EVENT, event, isMissing, {}, share});
 }
 
-std::uint32_t CutFormula::MakeGate(Kind kind, std::vector<std::uint32_t> branches)
+std::uint32_t CutFormula::MakeGate(Kind kind, const std::vector<std::uint32_t>& branches)
 {
     // Taking an event twice equals taking it once, and so does choosing twice between the same branches of an OR.
     std::vector<Part> parts;

@@ -54,7 +54,7 @@ private:
     void CollectParts(std::size_t event, Kind kind, std::vector<std::uint32_t>& parts);
     std::vector<std::size_t> BranchesOf(std::size_t event) const;
     std::uint32_t MakeEvent(std::size_t event);
-    std::uint32_t MakeGate(Kind kind, std::vector<std::uint32_t> branches);
+    std::uint32_t MakeGate(Kind kind, const std::vector<std::uint32_t>& branches);
     std::uint32_t Intern(const std::string& key, Node node);
     bool IsBarred(const RecordedEvent& event) const { return event.observable && !event.IsInError(); }
 

@@ -171,7 +171,7 @@ private:
         }
         constexpr unsigned MODE_SHIFT = 16;
         if (S_ISLNK(info.external_fa >> MODE_SHIFT)) {
-            mWarnings.push_back({WarningCode::ZIP_LINK, mShown + ": the symbolic link \"" + name + "\" is not made"});
+            mWarnings.emplace_back(WarningCode::ZIP_LINK, mShown + ": the symbolic link \"" + name + "\" is not made");
             return std::nullopt;
         }
         return name.back() == '/' ? MakeFolder(name) : UnpackFile(name, info);

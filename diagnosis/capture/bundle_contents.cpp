@@ -172,7 +172,8 @@ std::vector<BundleFinding> CheckBundle(const BundleContents& contents)
     findings.push_back(Finding("the rule set can be used", contents.ruleSetFailure));
     for (const Warning& warning : contents.ruleSetWarnings) {
         findings.push_back(
-            {State::DOUBTFUL, CodeWord(warning.code), warning, ExitStatus::SUCCESS, StrictStatus(warning.code)});
+            {State::DOUBTFUL, CodeWord(warning.code), static_cast<const Remark&>(warning), ExitStatus::SUCCESS,
+                StrictStatus(warning.code)});
     }
     if (contents.hasLog) {
         findings.push_back(Finding("the event log can be read", contents.logFailure));

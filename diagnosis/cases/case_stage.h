@@ -20,7 +20,7 @@ public:
     std::optional<Failure> Build(const TestCase& testCase, const Bundle& description, std::string& folder);
 
 private:
-    std::optional<Failure> WriteEventLog(const TestCase& testCase, const std::string& folder);
+    std::optional<Failure> WriteEventLog(const TestCase& testCase, const std::string& path);
     std::optional<Failure> WriteFiles(const TestCase& testCase, const std::string& folder);
 
     Scratch mScratch;

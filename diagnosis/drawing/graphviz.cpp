@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+// NOLINTNEXTLINE(readability-redundant-declaration): not every system's header has it
 extern char** environ;
 
 namespace diagnosis {

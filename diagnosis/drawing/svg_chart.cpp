@@ -1,6 +1,7 @@
 #include "diagnosis/drawing/svg_chart.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "diagnosis/drawing/svg_parts.h"
@@ -49,7 +50,7 @@ double Share(std::uint64_t part, std::uint64_t whole)
 
 std::string Percent(double share)
 {
-    return std::to_string(static_cast<int>(share * 100 + 0.5)) + " %";
+    return std::to_string(std::lround(share * 100)) + " %";
 }
 
 std::uint64_t Sum(const ChartBar& bar)

@@ -1,5 +1,7 @@
 #include "diagnosis/drawing/svg_parts.h"
 
+#include <cmath>
+
 #include "diagnosis/text/markup.h"
 
 namespace diagnosis {
@@ -15,7 +17,7 @@ std::string SvgStart(const std::string& kind, const std::string& description, in
 
 std::string SvgTenths(double number)
 {
-    const auto tenths = static_cast<long>(number * 10 + 0.5);
+    const long tenths = std::lround(number * 10);
     return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
 }
 

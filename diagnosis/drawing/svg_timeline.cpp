@@ -137,6 +137,7 @@ private:
     std::string RowText(const Row& row, int top) const
     {
         const int middle = top + ROW / 2;
+        const int topOfBar = middle - BAR / 2;
         std::string text = Label((row.isTree ? "" : "\u2003") + row.name, top, row.isTree ? "heading" : "cause");
         text += SvgLine("false", MARGIN + LABELS, middle, MARGIN + LABELS + CHART, middle);
         std::array<std::string, 3> last;
@@ -150,7 +151,7 @@ private:
             const double width = std::max(Place(interval.until + 1) - Place(interval.from), 1.0);
             const std::string state =
                 interval.state == SweptState::TRUE ? "true" : "not judged" + (interval.word.empty() ? "" : ", " + interval.word);
-            text += SvgRectangle(SweptStateText(interval.state), Place(interval.from), middle - BAR / 2, width, BAR)
+            text += SvgRectangle(SweptStateText(interval.state), Place(interval.from), topOfBar, width, BAR)
                 + ">" + SvgTitle(row.name + ": " + state + " from " + MomentText(interval.from) + " to "
                 + MomentText(interval.until)) + "</rect>\n";
         }

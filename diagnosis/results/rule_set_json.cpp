@@ -13,7 +13,6 @@ using rule_set::Change;
 using rule_set::Entry;
 using rule_set::Fact;
 using rule_set::Item;
-using rule_set::ItemKind;
 using rule_set::Link;
 using rule_set::Obstacle;
 using rule_set::Place;

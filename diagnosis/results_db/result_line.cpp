@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 #include <initializer_list>
+#include <utility>
 
 #include <json/value.h>
 
@@ -208,7 +209,7 @@ ResultTree ReadTree(Members object)
     });
     object.ForEach("possibleCauses", [&tree](const Members&) { ++tree.possibleCauses; });
     tree.arePossibleCausesTruncated = object.Bool("possibleCausesTruncated");
-    object.ForEach("rootCauses", [&tree](Members cause) { tree.causes.push_back(ReadCause(cause)); });
+    object.ForEach("rootCauses", [&tree](Members cause) { tree.causes.push_back(ReadCause(std::move(cause))); });
     return tree;
 }
 
@@ -244,10 +245,10 @@ void ReadMembers(Members object, ResultLine& line, std::string& problem)
     line.bundle = object.Text("bundle");
     line.ok = object.Bool("ok");
     object.ForEach("warnings", [&line](Members warning) {
-        line.warnings.push_back(std::make_shared<const ResultWarning>(ReadWarning(warning)));
+        line.warnings.push_back(std::make_shared<const ResultWarning>(ReadWarning(std::move(warning))));
     });
     object.ForEach("results", [&line](Members tree) {
-        line.trees.push_back(std::make_shared<const ResultTree>(ReadTree(tree)));
+        line.trees.push_back(std::make_shared<const ResultTree>(ReadTree(std::move(tree))));
     });
     if (!line.ok || object.Has("error")) {
         Members error = object.Object("error");

@@ -116,10 +116,10 @@ struct ResultLine {
     std::vector<ResultEvidence> evidence;
 };
 
-/// Reads the line; `withEvidence` also takes the evidence of its explanation. Members that are not known are ignored, as
-/// later versions add some. Returns nothing for anything but a line of the schema "arborist.detect.1", and sets
+/// Reads the text of a line; `withEvidence` also takes the evidence of its explanation. Members that are not known are
+/// ignored, as later versions add some. Returns nothing for anything but a line of the schema "arborist.detect.1", and sets
 /// `problem` to the reason.
-std::optional<ResultLine> ReadResultLine(std::string_view line, bool withEvidence, std::string& problem);
+std::optional<ResultLine> ReadResultLine(std::string_view text, bool withEvidence, std::string& problem);
 
 } // namespace diagnosis::results_db
 

@@ -1,5 +1,6 @@
 #include "diagnosis/results_report/fleet_json.h"
 
+#include <cmath>
 
 #include "diagnosis/results_report/wilson.h"
 #include "diagnosis/text/json_writer.h"
@@ -11,7 +12,7 @@ namespace {
 // From 0 to 1, with four digits behind the point in every locale.
 std::string ShareText(double share)
 {
-    const std::string digits = std::to_string(static_cast<int>(share * 10000 + 0.5) + 100000);
+    const std::string digits = std::to_string(std::lround(share * 10000) + 100000);
     return digits.substr(1, 1) + "." + digits.substr(2);
 }
 

@@ -6,7 +6,6 @@ namespace diagnosis {
 
 namespace {
 
-using Evidence::Check;
 using Evidence::Reason;
 using Word = Evidence::TreeVerdict::Word;
 

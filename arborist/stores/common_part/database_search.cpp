@@ -60,8 +60,9 @@ public:
     void Read(const std::string& realPath)
     {
         WalkOf(realPath, 0);
-        for (std::size_t walk = 0; walk < walks.size(); ++walk) { // reading appends to it
-            std::vector<Entry> entries = ReadEntries(walks[walk].path, walks[walk].level);
+        for (std::size_t walk = 0; walk < walks.size(); ++walk) {
+            const std::string path = walks[walk].path; // a copy: links that are found on the way append to `walks`
+            std::vector<Entry> entries = ReadEntries(path, walks[walk].level);
             walks[walk].entries = std::move(entries);
         }
         MarkUsefulWalks();
@@ -95,8 +96,7 @@ private:
         return walks.size() - 1;
     }
 
-    // `directory` is a copy: links that are found on the way append to `walks`.
-    std::vector<Entry> ReadEntries(const std::string directory, std::size_t level)
+    std::vector<Entry> ReadEntries(const std::string& directory, std::size_t level)
     {
         // The folder is opened within the device: it may have been replaced by a link since it was found.
         const RootedPath::Target opened = DevicePaths::FindReal(directory, mRootOfDevice);

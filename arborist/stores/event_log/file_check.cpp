@@ -104,5 +104,5 @@ Result FileCheck::OfTable(const FT::sql::Sqlite3Db& database, const std::string&
 
 Result FileCheck::WorseOf(Result one, Result other)
 {
-    return one.state < other.state ? other : one;
+    return one.state < other.state ? std::move(other) : std::move(one);
 }

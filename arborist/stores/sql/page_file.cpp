@@ -13,7 +13,7 @@ namespace FT::sql {
 namespace {
 
 // The header of the file: what it begins with, and the places of what follows.
-constexpr std::string_view MAGIC{"SQLite format 3", 16}; // with its zero byte
+constexpr std::string_view MAGIC{"SQLite format 3\0", 16};
 constexpr std::size_t PAGE_SIZE = 16;
 constexpr std::size_t WRITE_VERSION = 18;
 constexpr std::size_t READ_VERSION = 19;

@@ -14,7 +14,6 @@ namespace diagnosis::lint {
 namespace {
 
 using rule_source::Element;
-using rule_source::SourceFile;
 using rule_source::SourcePlace;
 
 // A longer name would be repeated in the path of everything below it.

@@ -18,7 +18,7 @@ std::string TimesText(std::uint64_t times, Colour colour)
 
 std::string VerdictText(const Evidence::Rule& rule, Colour colour)
 {
-    const std::string word = Evidence::VerdictText(rule.verdict);
+    std::string word = Evidence::VerdictText(rule.verdict);
     switch (rule.verdict) {
     case Evidence::Verdict::FIRED:
         return colour.Red(word);
@@ -51,6 +51,7 @@ std::string ColouredStatus(Evidence::EventState status, std::size_t width, Colou
 std::vector<std::string> IdsAt(const RecordedTree& tree, const std::vector<std::size_t>& places)
 {
     std::vector<std::string> ids;
+    ids.reserve(places.size());
     for (const std::size_t place : places) {
         ids.push_back(tree.events[place].id);
     }
