@@ -11,7 +11,7 @@ fi
 scripts/install-dependencies.sh build-essential cmake ninja-build pkg-config ccache python3 \
     libtinyxml2-dev libsqlite3-dev libjsoncpp-dev libminizip-dev zlib1g-dev libsodium-dev robin-map-dev libcli11-dev \
     python3-dev python3-cffi python3-venv mypy patchelf binutils \
-    libgtest-dev libgmock-dev doxygen tzdata sqlite3 libxml2-utils zip parallel groff man-db zsh fish graphviz chromium \
+    libgtest-dev libgmock-dev doxygen tzdata sqlite3 jq libxml2-utils zip parallel groff man-db zsh fish graphviz chromium \
     poppler-utils "${sanitizer[@]}"
 
 echo "== Building (preset $preset)"

@@ -4,13 +4,14 @@
 #include "tests/support/database_rows.h"
 #include "tests/support/temp_dir.h"
 #include "tests/tools/command_bundle.h"
+#include "tests/tools/json_schema.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::StartsWith;
+using testing::Not;
 
 class ResultsCommandTest : public testing::Test {
 protected:
@@ -85,10 +86,72 @@ TEST_F(ResultsCommandTest, RefusesWhatIsNoDatabaseOfResults)
     EXPECT_EQ(mDir.Read("r.db"), std::string(1000, 'x'));
 }
 
+TEST_F(ResultsCommandTest, TellsWhereTwoResultsDiffer)
+{
+    WriteHotBundle(mDir, "one");
+    WriteHotBundle(mDir, "two");
+    mDir.Write("before.jsonl", DetectedLine("one") + DetectedLine("two"));
+    mDir.Write("two/temperature", "20\n");
+    mDir.Write("after.jsonl", DetectedLine("two") + DetectedLine("one"));
+    const auto same = RunArborist({"results", "diff", "--exit-code", "before.jsonl", "before.jsonl"});
+    EXPECT_THAT(same.out, HasSubstr("\nroot causes: 0 new, 0 gone, 2 unchanged, 0 not comparable\n"));
+    EXPECT_EQ(same.status, 0);
+    const auto other = RunArborist({"results", "diff", "before.jsonl", "after.jsonl"});
+    EXPECT_THAT(other.out, HasSubstr("\nroot causes: 0 new, 1 gone, 1 unchanged, 0 not comparable\n"));
+    EXPECT_THAT(other.out, HasSubstr("\n  ~ T: fault -> no_fault in 1 bundle: two\n"));
+    EXPECT_EQ(other.status, 0);
+    EXPECT_EQ(RunArborist({"results", "diff", "--exit-code", "before.jsonl", "after.jsonl"}).status, 1);
+}
+
+TEST_F(ResultsCommandTest, DifferencesAreOneObjectOfJson)
+{
+    const Json::Value schema = ParsedJson(PageOfDocs("results-diff.schema.json"));
+    const std::string examples = std::string(ARBORIST_SOURCE_DIR) + "/examples/results/";
+    const auto result = RunArborist({"results", "diff", "--json", examples + "before.jsonl", examples + "after.jsonl"});
+    const Json::Value diff = ParsedJson(result.out);
+    EXPECT_THAT(Violations(schema, diff), IsEmpty());
+    EXPECT_EQ(diff["new"].asInt() * 10 + diff["gone"].asInt(), 12);
+    EXPECT_EQ(diff["causes"][0]["gone"]["examples"][1], "may/birch.zip");
+    EXPECT_EQ(diff["notComparable"][0]["reason"], "failed_before");
+    EXPECT_FALSE(diff["equal"].asBool());
+    const auto failed = RunArborist({"results", "diff", "--json", "none.jsonl", examples + "after.jsonl"});
+    EXPECT_THAT(Violations(schema, ParsedJson(failed.out)), IsEmpty());
+    EXPECT_EQ(ParsedJson(failed.out)["error"]["code"], "no_results");
+    EXPECT_EQ(failed.err, "arborist: none.jsonl: can't be read\n");
+    EXPECT_EQ(failed.status, 4);
+}
+
+TEST_F(ResultsCommandTest, LongListsOfDifferencesAreCut)
+{
+    std::string before;
+    std::string after;
+    for (int number = 10; number < 60; ++number) {
+        const std::string tree = R"({"treeId": "T)" + std::to_string(number) + R"(", "version": "", "verdict": )";
+        const std::string rest = R"(, "complete": true, "checks": {"total": 0, "decided": 0, "not_applicable": 0, )"
+            R"("not_selected": 0, "not_checked": 0, "no_data": 0, "error": 0}, "open": [], "possibleCauses": [], )"
+            R"("possibleCausesTruncated": false})";
+        before += (before.empty() ? "" : ", ") + tree + R"("no_fault", "isFault": false, "rootCauses": [])" + rest;
+        after += (after.empty() ? "" : ", ") + tree + R"("fault", "isFault": true, "rootCauses": [{"id": "A", "name": "", )"
+            R"("userDefined": "", "faultDescription": "", "suggestions": [], "repairs": [], "cutSet": ["A"]}])" + rest;
+    }
+    const auto line = [](const std::string& trees) {
+        return R"({"schema": "arborist.detect.1", "bundle": "b", "ok": true, "warnings": [], "results": [)" + trees + R"(], )"
+            R"("error": {"code": "", "message": "", "retry": false}, "device": "", "engine": "1", "ruleSet": "", "now": "", )"
+            R"("seconds": 0, "repaired": []})" "\n";
+    };
+    mDir.Write("before.jsonl", line(before));
+    mDir.Write("after.jsonl", line(after));
+    const auto result = RunArborist({"results", "diff", "before.jsonl", "after.jsonl"});
+    EXPECT_THAT(result.out, HasSubstr("T39: A"));
+    EXPECT_THAT(result.out, Not(HasSubstr("T40: A")));
+    EXPECT_THAT(result.out, HasSubstr("\n  and 20 more, see --json\n"));
+}
+
 TEST_F(ResultsCommandTest, NeedsFilesAndATarget)
 {
     EXPECT_EQ(RunArborist({"results", "import", "lines.jsonl"}).status, 2);
     EXPECT_EQ(RunArborist({"results", "import", "--to", "r.db"}).status, 2);
+    EXPECT_EQ(RunArborist({"results", "diff", "before.jsonl"}).status, 2);
     EXPECT_EQ(RunArborist({"results"}).status, 2);
 }
 

@@ -1,7 +1,10 @@
 #include <memory>
 
+#include "diagnosis/results/results_diff_json.h"
 #include "diagnosis/results_db/import_results.h"
 #include "tools/arborist/commands/commands.h"
+#include "tools/arborist/render/results_diff_text.h"
+#include "tools/arborist/terminal/colour.h"
 #include "tools/arborist/terminal/output.h"
 
 namespace diagnosis::command {
@@ -57,6 +60,41 @@ void AddImportCommand(Command results, ExitStatus& status)
     import.OnCall([options, &status] { status = Import(*options); });
 }
 
+struct ResultsDiffOptions {
+    std::string before;
+    std::string after;
+    bool asJson = false;
+    bool exitsByDifference = false;
+};
+
+ExitStatus Diff(const ResultsDiffOptions& options)
+{
+    results_db::ResultsDiff diff;
+    if (const auto failure = CompareResults(options.before, options.after, diff)) {
+        if (options.asJson) {
+            PrintResult(ResultsDiffFailureJson(*failure) + "\n");
+        }
+        PrintError(failure->message);
+        return failure->status;
+    }
+    PrintResult(options.asJson ? ResultsDiffJson(diff) + "\n" : ResultsDiffText(diff, Colour(AreResultsColoured())));
+    return options.exitsByDifference && diff.HasDifference() ? ExitStatus::FAULT_FOUND : ExitStatus::SUCCESS;
+}
+
+void AddDiffCommand(Command results, ExitStatus& status)
+{
+    auto options = std::make_shared<ResultsDiffOptions>();
+    Command diff = results.AddCommand("diff", "Tell where two results of the same bundles differ");
+    diff.Add("OLD", options->before, "The results before: JSON Lines, or a results database; - for standard input")
+        .Required();
+    diff.Add("NEW", options->after, "The results after").Required();
+    diff.AddFlag("--exit-code", options->exitsByDifference, "Exit with 1 if they differ");
+    diff.AddFlag("--json", options->asJson, "One JSON object");
+    diff.Footer("Results that failed, are undecided or are missing on a side are not comparable: neither new nor gone.\n"
+                "Example:\n  arborist results diff before.jsonl after.jsonl");
+    diff.OnCall([options, &status] { status = Diff(*options); });
+}
+
 } // namespace
 
 void AddResultsCommand(Command app, ExitStatus& status)
@@ -65,6 +103,7 @@ void AddResultsCommand(Command app, ExitStatus& status)
     results.RequireCommand();
     results.Footer("Example:\n  arborist results import results.jsonl --to results.db");
     AddImportCommand(results, status);
+    AddDiffCommand(results, status);
 }
 
 } // namespace diagnosis::command
