@@ -121,7 +121,10 @@ private:
         InputLines lines(file);
         while (!IsGivenUp() && lines.Next()) {
             std::string problem;
-            const auto line = ReadResultLine(lines.Line(), mOptions.withEvidence, problem);
+            auto line = ReadResultLine(lines.Line(), mOptions.withEvidence, problem);
+            if (line && mOptions.redact) {
+                mOptions.redact(*line);
+            }
             if (!line) {
                 NoteBadLine(lines.Place() + ": " + problem);
             } else if (auto failure = AddLine(*line, lines)) {

@@ -2,10 +2,12 @@
 #define ARBORIST_DIAGNOSIS_RESULTS_DB_IMPORT_RESULTS_H
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "diagnosis/problem.h"
+#include "diagnosis/results_db/result_line.h"
 
 namespace diagnosis::results_db {
 
@@ -16,6 +18,8 @@ struct ImportOptions {
     bool acceptsMixedRules = false;
     /// Pass over lines that can't be used.
     bool skipsBadLines = false;
+    /// Changes each line before it is added, so that the database doesn't have what must not be in it; may be null.
+    std::function<void(ResultLine& line)> redact = nullptr;
 };
 
 struct ImportCounts {

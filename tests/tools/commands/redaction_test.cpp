@@ -153,6 +153,30 @@ TEST_F(RedactionTest, WhatCannotBeRedactedIsNotPacked)
     EXPECT_FALSE(mDir.Has("r.zip"));
 }
 
+TEST_F(RedactionTest, ImportedLinesHaveHashesInPlaceOfTheListedParts)
+{
+    WriteHotBundle(mDir, SECRET + "-b", BundleJson(", \"" + SECRET + "\": 1"));
+    fs::remove(SECRET + "-b/temperature");
+    mDir.Write("lines.jsonl", RunArborist({"detect", "--json", "--explain", SECRET + "-b", SECRET + "-nowhere"}).out);
+    const auto import = [](const std::string& target) {
+        return RunArborist({"results", "import", "lines.jsonl", "--to", target, "--evidence", "--redact", "redaction.json"});
+    };
+    WriteRedaction(R"(, "results": ["bundle", "details", "warnings", "error", "explanation"])");
+    const auto imported = import("r.db");
+    EXPECT_EQ(imported.status, 0) << imported.err;
+    EXPECT_THAT(imported.err, HasSubstr("replaced: bundle, 2 values\n"));
+    EXPECT_THAT(imported.err, HasSubstr("replaced: error, 1 value\n"));
+    EXPECT_THAT(imported.err, HasSubstr("left out: the evidence of 1 event\n"));
+    EXPECT_THAT(mDir.Read("r.db"), Not(HasSubstr(SECRET)));
+    EXPECT_THAT(mDir.Read("r.db"), HasSubstr(diagnosis::KeyedHash(KEY, SECRET + "-nowhere")));
+    EXPECT_THAT(import("r.db").err, HasSubstr("2 there already"));
+    WriteRedaction(R"(, "bundle": ["deviceId"])");
+    const auto refused = import("other.db");
+    EXPECT_EQ(refused.err, "arborist: redaction.json: lists nothing under \"results\"\n");
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_FALSE(mDir.Has("other.db"));
+}
+
 // The whole file is the value of a node; a file that several patterns and spellings name is replaced once.
 TEST_F(RedactionTest, ANodeFileBecomesItsHashAndALineEnd)
 {

@@ -1,5 +1,6 @@
 #include <memory>
 
+#include "diagnosis/redaction/line_redaction.h"
 #include "diagnosis/results/results_diff_json.h"
 #include "diagnosis/results_db/import_results.h"
 #include "tools/arborist/commands/commands.h"
@@ -14,6 +15,8 @@ namespace {
 struct ResultsImportOptions {
     std::vector<std::string> files;
     std::string target;
+    /// The redaction file; empty for none.
+    std::string redaction;
     results_db::ImportOptions import;
 };
 
@@ -44,6 +47,36 @@ ExitStatus Import(const ResultsImportOptions& options)
     return ExitStatus::SUCCESS;
 }
 
+// What was replaced, a line for each part: "replaced: details, 12 values".
+void PrintReplaced(const LineRedaction& lines)
+{
+    for (const auto& [part, count] : lines.GetCounts()) {
+        const std::string many = count == 1 ? "" : "s";
+        PrintError(part == "explanation" ? "left out: the evidence of " + std::to_string(count) + " event" + many
+                                         : "replaced: " + part + ", " + std::to_string(count) + " value" + many);
+    }
+}
+
+ExitStatus ImportRedacted(ResultsImportOptions options)
+{
+    Redaction redaction;
+    auto failure = ReadRedactionFile(options.redaction, redaction);
+    if (!failure && redaction.results.empty()) {
+        failure = Failure{"bad_redaction", options.redaction + ": lists nothing under \"results\""};
+    }
+    if (failure) {
+        PrintError(failure->message);
+        return ExitStatus::WRONG_USE;
+    }
+    LineRedaction lines(redaction);
+    options.import.redact = [&lines](results_db::ResultLine& line) { lines.Redact(line); };
+    const ExitStatus status = Import(options);
+    if (status == ExitStatus::SUCCESS) {
+        PrintReplaced(lines);
+    }
+    return status;
+}
+
 void AddImportCommand(Command results, ExitStatus& status)
 {
     auto options = std::make_shared<ResultsImportOptions>();
@@ -57,7 +90,11 @@ void AddImportCommand(Command results, ExitStatus& status)
     import.AddFlag("--skip-bad-lines", options->import.skipsBadLines, "Pass over lines that can't be used");
     import.Footer("Importing lines again adds nothing. A line that can't be used is named, and nothing is imported.\n"
                   "Example:\n  arborist results import results.jsonl --to results.db");
-    import.OnCall([options, &status] { status = Import(*options); });
+    import.Add("--redact", options->redaction, "Replace the parts of lines that this JSON file lists under \"results\" by keyed "
+        "hashes, and tell how many were").Takes("FILE").NotEmpty();
+    import.OnCall([options, &status] {
+        status = options->redaction.empty() ? Import(*options) : ImportRedacted(*options);
+    });
 }
 
 struct ResultsDiffOptions {
