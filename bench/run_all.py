@@ -22,6 +22,7 @@ def commands(build, names, isWhole):
         found["alarm"].append("largest")
     found["observer"] = [sys.executable, "-B", ROOT / "bench/observer_bench.py", build]
     found["batch"] = [sys.executable, "-B", ROOT / "bench/batch_bench.py", build]
+    found["compare"] = [sys.executable, "-B", ROOT / "bench/compare_bench.py", build]
     found["process"] = [sys.executable, "-B", ROOT / "bench/process_bench.py", build]
     return {name: command for name, command in found.items() if not names or name in names}
 

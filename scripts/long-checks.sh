@@ -12,5 +12,10 @@ cmake --build --preset dev --target evaluation_tests frame_tests stores_tests ut
 ctest --preset dev -R '^(evaluation|stores|utilities)_tests\..*RandomTest'
 python3 -B tests/reliability/plain_reading_test.py build/dev/tools/arborist/arborist
 
+# Each bundle of these is packed twice, or run by four rule sets.
+for test in redaction compare; do
+    ARBORIST_CASES=2000 python3 -B "tests/tools/commands/${test}_random_test.py" build/dev/tools/arborist/arborist
+done
+
 # Each moment of these is a detection of its own: a thousand random ones, and every change point with the second before it.
 ARBORIST_CASES=1000 ctest --preset dev -R '^frame_tests\..*LogSweepProperty'

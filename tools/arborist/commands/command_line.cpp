@@ -55,6 +55,7 @@ constexpr KnownCommand COMMANDS[] = {
     {"rules", AddRulesCommand},
     {"test", AddTestCommand},
     {"log", AddLogCommand},
+    {"compare", AddCompareCommand},
     {"bundle", AddBundleCommand},
     {"help", AddHelpCommand},
 };

@@ -20,6 +20,7 @@ void AddLintCommand(Command app, ExitStatus& status);
 void AddRulesCommand(Command app, ExitStatus& status);
 void AddTestCommand(Command app, ExitStatus& status);
 void AddLogCommand(Command app, ExitStatus& status);
+void AddCompareCommand(Command app, ExitStatus& status);
 void AddBundleCommand(Command app, ExitStatus& status);
 /// Adds "help" and "completion", which show all commands of `app`, including those that are added later.
 void AddHelpCommand(Command app, ExitStatus& status);
