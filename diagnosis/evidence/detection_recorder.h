@@ -34,7 +34,7 @@ public:
     void OnRuleSetRead(Evidence::RuleSet ruleSet) override;
     void OnTreeStarted(Evidence::TreeHead tree) override;
     void OnEventDecided(Evidence::Event event) override;
-    void OnTreeFolded(std::vector<Evidence::FoldedEvent> events) override;
+    void OnTreeFolded(std::vector<Evidence::FoldedEvent> folded) override;
     void OnRootCause(Evidence::RootCause rootCause) override;
     void OnTreeFinished(Evidence::TreeResult result) override;
     void OnTrouble(Evidence::Trouble trouble) override { mWarnings.OnTrouble(trouble); }

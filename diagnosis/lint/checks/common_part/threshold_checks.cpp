@@ -12,7 +12,6 @@ namespace diagnosis::lint {
 
 namespace {
 
-using rule_source::Children;
 using rule_source::Element;
 using rule_source::Param;
 using rule_source::ParamTable;

@@ -8,7 +8,6 @@ namespace diagnosis::lint {
 
 namespace {
 
-using rule_source::Children;
 using rule_source::Element;
 using rule_source::EventKind;
 using rule_source::GateKind;
