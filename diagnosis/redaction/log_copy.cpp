@@ -4,7 +4,6 @@
 #include <filesystem>
 
 #include "diagnosis/redaction/redaction_file.h"
-#include "diagnosis/sqlite/database_files.h"
 
 namespace diagnosis {
 
@@ -48,11 +47,10 @@ std::string Joined(const std::vector<std::string>& parts)
 
 std::optional<Failure> LogCopy::Run(const std::string& source, const std::string& target, const NewExtra& newExtra)
 {
-    ReadOnlyDatabase file;
-    if (auto failure = file.Open(source, "bad_log")) {
+    if (auto failure = mLog.Open(source, "bad_log")) {
         return failure;
     }
-    mSource = &file.Get();
+    mSource = &mLog.Get();
     std::error_code error;
     // Views of a foreign log may have far more than the file.
     mBytesLeft = 4 * std::filesystem::file_size(source, error) + (std::uint64_t{64} << 20U);

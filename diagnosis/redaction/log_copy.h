@@ -9,6 +9,7 @@
 
 #include "diagnosis/problem.h"
 #include "diagnosis/sqlite/connection.h"
+#include "diagnosis/sqlite/database_files.h"
 
 namespace diagnosis {
 
@@ -48,7 +49,8 @@ private:
     bool CopyIndexes(const std::string& table, const std::vector<Column>& columns);
     void CountOtherTables();
 
-    Connection* mSource = nullptr;
+    ReadOnlyDatabase mLog;
+    Connection* mSource = nullptr; // that of mLog
     Connection mTarget;
     std::uint64_t mBytesLeft = 0;
     std::uint64_t mIndexes = 0;
