@@ -62,7 +62,9 @@ void RedactBundle(const Redaction& redaction, Bundle& bundle, RedactionReport& r
 
 bool IsRedactedNode(const Redaction& redaction, const std::string& path)
 {
-    return std::any_of(redaction.nodes.begin(), redaction.nodes.end(),
+    // No file has a longer path, and matching takes stack for each character.
+    static constexpr std::size_t LONGEST_PATH = 4095;
+    return path.size() <= LONGEST_PATH && std::any_of(redaction.nodes.begin(), redaction.nodes.end(),
         [&path](const NodePattern& node) { return std::regex_match(path, node.pattern); });
 }
 

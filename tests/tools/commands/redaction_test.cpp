@@ -177,6 +177,19 @@ TEST_F(RedactionTest, ImportedLinesHaveHashesInPlaceOfTheListedParts)
     EXPECT_FALSE(mDir.Has("other.db"));
 }
 
+// A foreign rule set may name any path, and a pattern is matched by recursion.
+TEST_F(RedactionTest, APathOfAMillionCharactersMatchesNothing)
+{
+    WriteHotBundle(mDir, "b");
+    auto rules = mDir.Read("b/rules/FaultTreeRules.xml");
+    rules.replace(rules.find("path=\"temperature\""), 18, "path=\"" + std::string(1'000'000, 'x') + "\"");
+    mDir.Write("b/rules/FaultTreeRules.xml", rules);
+    WriteRedaction(R"(, "nodes": ["(x|y)*"])");
+    const auto packed = Pack({"b", "--redact", "redaction.json", "-o", "r.zip"});
+    EXPECT_EQ(packed.status, 0) << packed.err;
+    EXPECT_THAT(packed.out, HasSubstr("  not there  node file: (x|y)*\n"));
+}
+
 // The whole file is the value of a node; a file that several patterns and spellings name is replaced once.
 TEST_F(RedactionTest, ANodeFileBecomesItsHashAndALineEnd)
 {
