@@ -19,3 +19,7 @@ done
 
 # Each moment of these is a detection of its own: a thousand random ones, and every change point with the second before it.
 ARBORIST_CASES=1000 ctest --preset dev -R '^frame_tests\..*LogSweepProperty'
+
+# A batch that is killed a hundred times and goes on each time.
+cmake --build --preset dev --target tools_tests
+ARBORIST_KILLS=100 ctest --preset dev -R '^tools_tests\..*BatchResumeTest.*KilledAgainAndAgain'

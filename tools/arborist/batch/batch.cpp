@@ -5,11 +5,13 @@
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
+#include <deque>
 #include <map>
 #include <memory>
 #include <new>
 #include <optional>
 #include <sstream>
+#include <unordered_map>
 
 #include <poll.h>
 #include <sys/mman.h>
@@ -99,8 +101,9 @@ std::string InSeconds(std::chrono::milliseconds time)
 class Batch {
 public:
     Batch(const std::vector<BundlePath>& bundles, const BatchWork& work, const BatchOptions& options,
-        const SignalsHeldBack& signals, const std::string& folder)
-        : mBundles(bundles), mWork(work), mOptions(options), mSetup{bundles, work, signals},
+        const SignalsHeldBack& signals, const std::string& folder, BatchSummary& summary)
+        : mBundles(bundles), mWork(work), mOptions(options), mSummary(summary), mSetup{bundles, work, signals},
+          mIsKept(bundles.size()),
           mGroups(std::max<std::size_t>(1, std::min(options.jobs, bundles.size()))), mProgress(bundles.size())
     {
         const auto processors = ProcessorsOf(std::min(options.jobs, bundles.size()));
@@ -120,10 +123,19 @@ public:
             }
         }
         Conclude();
+        FillIn();
         return mStatus;
     }
 
 private:
+    void FillIn()
+    {
+        mSummary.listed = mBundles.size();
+        mSummary.done = mProgress.GetCounts().done;
+        mSummary.seconds = std::chrono::duration<double>(Clock::now() - mStart).count();
+        mSummary.isComplete = !IsUnfinished() && mCanPrint;
+    }
+
     // Limits the lines that wait for an earlier one, as they take memory: beyond it a slow bundle delays the others.
     static constexpr std::size_t LARGEST_LEAD = 4096;
 
@@ -132,35 +144,89 @@ private:
     void HandOut()
     {
         for (const auto& worker : mWorkers) {
-            const bool isHeldUp = mOptions.isOrdered && mNext - mPrinted >= LARGEST_LEAD;
-            if (mNext >= mBundles.size() || isHeldUp) {
-                return;
-            }
             if (worker->GetState() == Worker::State::IDLE || worker->GetState() == Worker::State::DEAD) {
-                HandOutTo(*worker);
+                const auto number = NextBundle();
+                if (!number) {
+                    return;
+                }
+                HandOutTo(*worker, *number);
             }
         }
     }
 
-    void HandOutTo(Worker& worker)
+    // The bundle to run next; none while earlier answers are being taken, and if all are handed out or held up.
+    std::optional<std::uint32_t> NextBundle()
+    {
+        KeepAnswers();
+        if (HasMoreToKeep()) {
+            return std::nullopt;
+        }
+        if (mNext < mBundles.size() && !IsHeldUp()) {
+            return static_cast<std::uint32_t>(mNext);
+        }
+        return mAgain.empty() ? std::nullopt : std::optional(mAgain.front());
+    }
+
+    void TookOver(std::uint32_t number)
+    {
+        if (number != mNext) {
+            mAgain.pop_front();
+            return;
+        }
+        ++mNext;
+        SkipKept();
+    }
+
+    void SkipKept()
+    {
+        while (mNext < mAsked && mIsKept[mNext]) {
+            ++mNext;
+        }
+    }
+
+    bool IsHeldUp() const { return mOptions.isOrdered && mNext - mPrinted >= LARGEST_LEAD; }
+
+    // With an order the answers are taken one by one when it is their turn, as they wait in memory otherwise.
+    bool HasMoreToKeep() const
+    {
+        const std::size_t end = mOptions.isOrdered ? std::min(mNext + 1, mBundles.size()) : mBundles.size();
+        return mWork.keep && mAsked < end && !IsHeldUp();
+    }
+
+    // Takes some of the answers of an earlier run: in between, signals come through.
+    void KeepAnswers()
+    {
+        static constexpr std::size_t MOST_AT_ONCE = 1000;
+        for (std::size_t taken = 0; HasMoreToKeep() && taken < MOST_AT_ONCE; ++taken) {
+            const std::size_t bundle = mAsked++;
+            auto answer = mWork.keep(bundle);
+            mIsKept[bundle] = answer.has_value();
+            if (answer) {
+                ++mSummary.kept;
+                Finish(bundle, std::move(*answer));
+            }
+            SkipKept();
+        }
+    }
+
+    void HandOutTo(Worker& worker, std::uint32_t number)
     {
         const auto deadline =
             mOptions.timeout.count() > 0 ? Clock::now() + mOptions.timeout : Clock::time_point::max();
-        const auto number = static_cast<std::uint32_t>(mNext);
         if (worker.GetState() == Worker::State::IDLE && worker.Send(number, deadline)) {
-            ++mNext;
+            TookOver(number);
             return;
         }
         worker.End(); // no process yet, or one that died while idle and so cost no bundle
         if (worker.Start(Sockets()) && worker.Send(number, deadline)) {
-            ++mNext;
+            TookOver(number);
             return;
         }
         const std::string reason = std::strerror(errno);
         worker.End();
         // If others are busy, try again when one of them ends and frees resources.
         if (std::none_of(mWorkers.begin(), mWorkers.end(), IsBusy)) {
-            ++mNext;
+            TookOver(number);
             Fail(number, {"internal", "a worker process can't be started: " + reason, ExitStatus::INTERNAL}, 0);
         }
     }
@@ -186,6 +252,8 @@ private:
             sockets.push_back({IsBusy(worker) ? worker->GetSocket() : -1, POLLIN, 0});
             end = IsBusy(worker) ? std::min(end, worker->GetDeadline()) : end;
         }
+        const bool goesOn = HasMoreToKeep() && !std::all_of(mWorkers.begin(), mWorkers.end(), IsBusy);
+        end = goesOn ? Clock::now() : end;
         const auto left = std::max(Clock::duration::zero(), end - Clock::now());
         const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
         timespec time = {};
@@ -207,7 +275,7 @@ private:
     {
         switch (worker.Receive()) {
         case Worker::State::ANSWERED:
-            Finish(worker.GetBundle(), worker.TakeAnswer());
+            FinishOrRunAgain(worker.GetBundle(), worker.TakeAnswer());
             break;
         case Worker::State::DEAD:
             Fail(worker.GetBundle(), {"crashed", "the worker process " + worker.End(), ExitStatus::INTERNAL},
@@ -220,13 +288,37 @@ private:
 
     void Fail(std::size_t bundle, const Failure& failure, double seconds)
     {
-        Finish(bundle, mWork.fail(mBundles[bundle], failure, seconds));
+        FinishOrRunAgain(bundle, mWork.fail(mBundles[bundle], failure, seconds));
+    }
+
+    // Of a bundle that is run again no line is printed.
+    void FinishOrRunAgain(std::size_t bundle, BundleAnswer answer)
+    {
+        if (answer.isWorthARetry && mTries[bundle] < mOptions.retries) {
+            ++mTries[bundle];
+            mAgain.push_back(static_cast<std::uint32_t>(bundle));
+            return;
+        }
+        Finish(bundle, std::move(answer));
+    }
+
+    void Count(const BundleAnswer& answer)
+    {
+        if (!mOptions.forgivesBundles || !IsFailure(answer.status)) {
+            mStatus = MoreSerious(mStatus, answer.status);
+        }
+        mProgress.Count(answer.outcome, IsFailure(answer.status));
+        if (!answer.code.empty()) {
+            ++mSummary.failed[answer.code];
+        }
+        for (std::size_t verdict = 0; verdict < VERDICTS.size(); ++verdict) {
+            mSummary.trees[verdict] += answer.verdicts[verdict];
+        }
     }
 
     void Finish(std::size_t bundle, BundleAnswer answer)
     {
-        mStatus = MoreSerious(mStatus, answer.status);
-        mProgress.Count(answer.outcome, IsFailure(answer.status));
+        Count(answer);
         if (!mOptions.isOrdered) {
             Print(answer.line);
             return;
@@ -266,11 +358,17 @@ private:
     const std::vector<BundlePath>& mBundles;
     const BatchWork& mWork;
     const BatchOptions& mOptions;
+    BatchSummary& mSummary;
     WorkerSetup mSetup;
+    std::vector<bool> mIsKept;
     ProgramGroups mGroups;
     std::vector<std::unique_ptr<Worker>> mWorkers;
     Progress mProgress;
+    Clock::time_point mStart = Clock::now();
     std::size_t mNext = 0;
+    std::size_t mAsked = 0; // how many of the bundles were looked up in the earlier run
+    std::deque<std::uint32_t> mAgain;
+    std::unordered_map<std::size_t, std::size_t> mTries;
     std::size_t mPrinted = 0;
     bool mCanPrint = true;
     std::map<std::size_t, std::string> mWaiting;
@@ -280,8 +378,16 @@ private:
 
 } // namespace
 
-ExitStatus RunBatch(const std::vector<BundlePath>& bundles, const BatchWork& work, const BatchOptions& options)
+BundleOutcome OutcomeOf(const VerdictCounts& verdicts)
 {
+    return verdicts[0] > 0 ? BundleOutcome::FAULT : verdicts[1] > 0 ? BundleOutcome::UNDECIDED : BundleOutcome::NO_FAULT;
+}
+
+ExitStatus RunBatch(const std::vector<BundlePath>& bundles, const BatchWork& work, const BatchOptions& options,
+    BatchSummary* summary)
+{
+    BatchSummary unused;
+    BatchSummary& filled = summary == nullptr ? unused : *summary;
     ExitStatus status = ExitStatus::SUCCESS;
     {
         const EndingSignals signals;
@@ -290,7 +396,11 @@ ExitStatus RunBatch(const std::vector<BundlePath>& bundles, const BatchWork& wor
             PrintError(failure->message);
             return failure->status;
         }
-        status = Batch(bundles, work, options, signals.HeldBack(), folder.Path()).Run();
+        status = Batch(bundles, work, options, signals.HeldBack(), folder.Path(), filled).Run();
+        if (caughtSignal != 0 && work.interrupted) {
+            filled.isComplete = false;
+            work.interrupted(filled);
+        }
     }
     if (caughtSignal != 0) {
         raise(caughtSignal); // ends by the signal, after cleaning up

@@ -4,12 +4,14 @@
 #include <chrono>
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "diagnosis/bundle/bundle.h"
 #include "diagnosis/exit_status.h"
 #include "diagnosis/problem.h"
+#include "tools/arborist/batch/batch_summary.h"
 
 namespace diagnosis::command {
 
@@ -21,7 +23,15 @@ struct BundleAnswer {
     ExitStatus status = ExitStatus::SUCCESS;
     std::string line;
     BundleOutcome outcome = BundleOutcome::NO_FAULT;
+    /// Code of the error; empty for a bundle that was diagnosed.
+    std::string code = {};
+    /// See Failure::IsWorthARetry.
+    bool isWorthARetry = false;
+    VerdictCounts verdicts = {};
 };
+
+/// What a batch counts of a bundle with such trees.
+BundleOutcome OutcomeOf(const VerdictCounts& verdicts);
 
 /// The functions by which a batch handles its bundles.
 struct BatchWork {
@@ -29,6 +39,11 @@ struct BatchWork {
     std::function<BundleAnswer(const BundlePath& bundle)> run;
     /// Makes the result of a bundle whose worker died after so many seconds.
     std::function<BundleAnswer(const BundlePath& bundle, const Failure& failure, double seconds)> fail;
+    /// The answer that an earlier run had for a bundle by its number in the list, which is not run again; nothing for one
+    /// without. May be empty. Asked once for each, before the bundle is run.
+    std::function<std::optional<BundleAnswer>(std::size_t bundle)> keep;
+    /// Receives the summary before a signal ends the process. May be empty.
+    std::function<void(const BatchSummary& summary)> interrupted;
     /// Writes results, lines with their line ends. False if it could not be written, which ends the batch.
     std::function<bool(const std::string& line)> print;
 };
@@ -40,16 +55,24 @@ struct BatchOptions {
     bool isOrdered = false;
     /// Time limit for each bundle; zero for none.
     std::chrono::milliseconds timeout = {};
+    /// How often a bundle whose error is worth it is run again.
+    std::size_t retries = 0;
+    /// Bundles that could not be diagnosed, or not with all that was asked for, don't count for the status.
+    bool forgivesBundles = false;
 };
 
 /// Runs all bundles in worker processes and prints exactly one line for each: a worker that crashes or exceeds the time
 /// limit costs only its own bundle and is replaced. Shows its Progress on standard error. Returns the most serious
-/// status.
+/// status, and fills in the summary if there is one.
+///
+/// Answers of an earlier run come first, so that a run that is killed has them all; with an order, in theirs. Bundles that
+/// are run again are so at the end, when the machine may have what it lacked.
 ///
 /// Call it before the process has a second thread, as the workers are forked. On SIGHUP, SIGINT, SIGPIPE (the reader of
 /// the results has left) and SIGTERM it ends the workers, removes their temporary files and then ends the process by
 /// the signal.
-ExitStatus RunBatch(const std::vector<BundlePath>& bundles, const BatchWork& work, const BatchOptions& options);
+ExitStatus RunBatch(const std::vector<BundlePath>& bundles, const BatchWork& work, const BatchOptions& options,
+    BatchSummary* summary = nullptr);
 
 } // namespace diagnosis::command
 

@@ -32,7 +32,12 @@ namespace {
 struct AnswerHead {
     std::int32_t status;
     std::uint32_t outcome;
-    std::uint32_t length;
+    std::uint32_t isWorthARetry;
+    VerdictCounts verdicts;
+    std::uint32_t codeLength;
+    std::uint32_t lineLength;
+
+    std::size_t Length() const { return std::size_t{codeLength} + lineLength; }
 };
 
 bool ReadAll(int socket, void* target, std::size_t size)
@@ -64,8 +69,9 @@ bool WriteAll(int socket, const std::string& bytes)
 std::string Packed(const BundleAnswer& answer)
 {
     const AnswerHead head{static_cast<std::int32_t>(answer.status), static_cast<std::uint32_t>(answer.outcome),
+        answer.isWorthARetry ? 1U : 0U, answer.verdicts, static_cast<std::uint32_t>(answer.code.size()),
         static_cast<std::uint32_t>(answer.line.size())};
-    return std::string(reinterpret_cast<const char*>(&head), sizeof head) + answer.line;
+    return std::string(reinterpret_cast<const char*>(&head), sizeof head) + answer.code + answer.line;
 }
 
 // Gives the forked process its own group, signals and temporary folder, and detaches it from the standard input and
@@ -182,7 +188,7 @@ Worker::State Worker::Receive()
     AnswerHead head;
     if (mReceived.size() >= sizeof head) {
         std::memcpy(&head, mReceived.data(), sizeof head);
-        mState = mReceived.size() >= sizeof head + head.length ? State::ANSWERED : mState;
+        mState = mReceived.size() >= sizeof head + head.Length() ? State::ANSWERED : mState;
     }
     return mState;
 }
@@ -191,8 +197,9 @@ BundleAnswer Worker::TakeAnswer()
 {
     AnswerHead head;
     std::memcpy(&head, mReceived.data(), sizeof head);
-    BundleAnswer answer{static_cast<ExitStatus>(head.status), mReceived.substr(sizeof head),
-        static_cast<BundleOutcome>(head.outcome)};
+    BundleAnswer answer{static_cast<ExitStatus>(head.status), mReceived.substr(sizeof head + head.codeLength),
+        static_cast<BundleOutcome>(head.outcome), mReceived.substr(sizeof head, head.codeLength),
+        head.isWorthARetry != 0, head.verdicts};
     mReceived.clear();
     mState = State::IDLE;
     return answer;

@@ -1,0 +1,117 @@
+#include "tools/arborist/batch/earlier_lines.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <string_view>
+
+#include "diagnosis/results_db/result_line.h"
+
+namespace diagnosis::command {
+
+namespace {
+
+using results_db::ResultLine;
+using results_db::ResultTree;
+
+/// The bundles of a list by their names, each with the numbers that have no line yet, the first last.
+class OpenBundles {
+public:
+    explicit OpenBundles(const std::vector<std::string>& bundles)
+    {
+        for (std::size_t number = bundles.size(); number-- > 0;) {
+            mNumbers[bundles[number]].push_back(number);
+        }
+    }
+
+    std::optional<std::size_t> Take(const std::string& name)
+    {
+        const auto entry = mNumbers.find(name);
+        if (entry == mNumbers.end() || entry->second.empty()) {
+            return std::nullopt;
+        }
+        const std::size_t number = entry->second.back();
+        entry->second.pop_back();
+        return number;
+    }
+
+private:
+    std::unordered_map<std::string, std::vector<std::size_t>> mNumbers;
+};
+
+// The status that a detection gives a failure of this code.
+ExitStatus StatusOfCode(const std::string& code)
+{
+    static constexpr std::array<std::string_view, 4> OF_RULE_SETS = {
+        "rule_file_missing", "rule_file_malformed", "no_tree", "bad_pattern"};
+    static constexpr std::array<std::string_view, 6> OF_LIMITS = {
+        "too_large", "no_scratch", "out_of_memory", "timeout", "crashed", "internal"};
+    const auto isIn = [&code](const auto& codes) { return std::find(codes.begin(), codes.end(), code) != codes.end(); };
+    return isIn(OF_RULE_SETS) ? ExitStatus::RULE_SET : isIn(OF_LIMITS) ? ExitStatus::INTERNAL : ExitStatus::INPUT;
+}
+
+BundleAnswer AnswerOf(const ResultLine& line)
+{
+    BundleAnswer answer;
+    if (!line.ok) {
+        answer.code = line.error.code;
+        answer.status = StatusOfCode(answer.code);
+    }
+    for (const auto& tree : line.trees) {
+        const auto word = std::find_if(VERDICTS.begin(), VERDICTS.end(),
+            [&tree](Evidence::TreeVerdict::Word verdict) { return tree->verdict == Evidence::TreeVerdictText(verdict); });
+        if (word != VERDICTS.end()) {
+            ++answer.verdicts[static_cast<std::size_t>(word - VERDICTS.begin())];
+        }
+    }
+    answer.outcome = OutcomeOf(answer.verdicts);
+    return answer;
+}
+
+} // namespace
+
+std::optional<std::string> EarlierLines::Read(const std::string& path, const std::vector<std::string>& bundles)
+{
+    std::error_code error;
+    if (!std::filesystem::exists(path, error) && !error) {
+        return std::nullopt;
+    }
+    mFile.open(path, std::ios::binary);
+    if (!mFile || std::filesystem::is_directory(path, error)) {
+        return path + ": can't be read: " + (mFile ? "is a folder" : std::strerror(errno));
+    }
+    OpenBundles open(bundles);
+    std::streamoff start = 0;
+    std::size_t number = 1;
+    for (std::string line; std::getline(mFile, line) && !mFile.eof(); ++number) { // at its end a line was torn
+        std::string problem;
+        const auto result = results_db::ReadResultLine(line, false, problem);
+        if (!result) {
+            return path + ":" + std::to_string(number) + ": " + problem;
+        }
+        const auto bundle = result->error.retry ? std::nullopt : open.Take(result->bundle);
+        if (bundle) {
+            mLines[*bundle] = {start, line.size(), command::AnswerOf(*result)};
+        }
+        start += static_cast<std::streamoff>(line.size()) + 1;
+    }
+    return mFile.bad() ? std::optional(path + ": can't be read to its end") : std::nullopt;
+}
+
+std::optional<BundleAnswer> EarlierLines::AnswerOf(std::size_t bundle)
+{
+    const auto entry = mLines.find(bundle);
+    if (entry == mLines.end()) {
+        return std::nullopt;
+    }
+    BundleAnswer answer = entry->second.answer;
+    answer.line.resize(entry->second.length);
+    mFile.clear();
+    mFile.seekg(entry->second.start);
+    return mFile.read(answer.line.data(), static_cast<std::streamsize>(answer.line.size())) ? std::optional(answer)
+                                                                                             : std::nullopt;
+}
+
+} // namespace diagnosis::command

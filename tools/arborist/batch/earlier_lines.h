@@ -1,0 +1,47 @@
+#ifndef ARBORIST_TOOLS_BATCH_EARLIER_LINES_H
+#define ARBORIST_TOOLS_BATCH_EARLIER_LINES_H
+
+#include <cstddef>
+#include <cstdint>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "tools/arborist/batch/batch.h"
+
+namespace diagnosis::command {
+
+/// The lines of an earlier run that hold for the bundles of a list, so that these need not be run again.
+///
+/// A line holds for the first bundle of the list that has its name and no line yet. Lines whose error is worth a retry,
+/// those of bundles that are not in the list, and a last line without its end, which the earlier run could not finish,
+/// hold for none. The lines stay in their file; an answer is read when it is taken.
+class EarlierLines {
+public:
+    /// Reads the file; one that doesn't exist has no lines. Returns the reason, with the number of the line, if it
+    /// can't be read or has a line that is no result of a detection.
+    std::optional<std::string> Read(const std::string& path, const std::vector<std::string>& bundles);
+
+    /// Numbers of bundles that have a line.
+    std::size_t Count() const { return mLines.size(); }
+
+    /// The answer for a bundle by its number in the list, as its worker gave it, but with no status other than that of
+    /// its error; nothing for a bundle without a line, or if the file can't be read again.
+    std::optional<BundleAnswer> AnswerOf(std::size_t bundle);
+
+private:
+    struct Line {
+        std::streamoff start = 0;
+        std::size_t length = 0;
+        BundleAnswer answer;
+    };
+
+    std::ifstream mFile;
+    std::unordered_map<std::size_t, Line> mLines;
+};
+
+} // namespace diagnosis::command
+
+#endif
