@@ -1,7 +1,5 @@
 #include "diagnosis/results/results_diff_json.h"
 
-#include <cstdio>
-
 #include "diagnosis/results/detection_json.h"
 
 namespace diagnosis {
@@ -15,12 +13,10 @@ constexpr char SCHEMA[] = "arborist.results.diff.1";
 
 void WriteSide(JsonWriter& json, const char* key, const results_db::ResultsSide& side)
 {
-    char seconds[32];
-    std::snprintf(seconds, sizeof seconds, "%.6f", side.seconds);
     json.Key(key).BeginObject().Text("path", side.path).Number("bundles", side.bundles).Number("failed", side.failed);
     json.Key("engines").Texts(side.engines).Key("ruleSets").Texts(side.ruleSets);
     json.Text("firstMoment", side.firstMoment).Text("lastMoment", side.lastMoment);
-    json.Key("seconds").Raw(seconds).EndObject();
+    json.Seconds("seconds", side.seconds).EndObject();
 }
 
 void WriteMembers(JsonWriter& json, const Occurrences& bundles)

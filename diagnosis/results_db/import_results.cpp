@@ -83,7 +83,10 @@ private:
 /// One import: its lines, one after the other.
 class Import {
 public:
-    Import(const ImportOptions& options, ImportReport& report) : mOptions(options), mReport(report) {}
+    Import(const ImportOptions& options, ImportReport& report)
+        : mOptions(options), mReport(report), mReader(options.withEvidence)
+    {
+    }
 
     std::optional<Failure> Run(const std::vector<std::string>& files, const std::string& path)
     {
@@ -121,7 +124,7 @@ private:
         InputLines lines(file);
         while (!IsGivenUp() && lines.Next()) {
             std::string problem;
-            auto line = ReadResultLine(lines.Line(), mOptions.withEvidence, problem);
+            auto line = mReader.Read(lines.Line(), problem);
             if (line && mOptions.redact) {
                 mOptions.redact(*line);
             }
@@ -184,6 +187,7 @@ private:
     const ImportOptions& mOptions;
     ImportReport& mReport;
     std::string mPath;
+    ResultLineReader mReader;
     Target mTarget;
     std::optional<ResultWriter> mWriter;
     std::set<std::string> mRuleSets;

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "diagnosis/results_db/line_pieces.h"
+
 namespace diagnosis::results_db {
 
 /// The records below have the members of docs/detect.schema.json, which describes them.
@@ -120,6 +122,23 @@ struct ResultLine {
 /// ignored, as later versions add some. Returns nothing for anything but a line of the schema "arborist.detect.1", and sets
 /// `problem` to the reason.
 std::optional<ResultLine> ReadResultLine(std::string_view text, bool withEvidence, std::string& problem);
+
+/// Reads many lines, with the answers of ReadResultLine. The lines of a fleet repeat each other's trees and warnings, so
+/// that one which reads as before is not read again.
+class ResultLineReader {
+public:
+    explicit ResultLineReader(bool withEvidence) : mWithEvidence(withEvidence) {}
+
+    std::optional<ResultLine> Read(std::string_view line, std::string& problem);
+
+private:
+    std::optional<ResultLine> ReadPieces();
+
+    bool mWithEvidence;
+    LinePieces mPieces;
+    KnownPieces<ResultWarning> mWarnings;
+    KnownPieces<ResultTree> mTrees;
+};
 
 } // namespace diagnosis::results_db
 

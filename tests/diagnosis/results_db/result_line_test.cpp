@@ -125,6 +125,10 @@ INSTANTIATE_TEST_SUITE_P(Table, RefusedLine, testing::Values(
     BadLine{"PathNoText", "\"TOP_T/C\"", "null", "results[0].rootCauses[1].cutSet[0] must be a text, not null"},
     BadLine{"NoSuchDay", "2024-05-20", "2024-02-31", "now must be \"YYYY-MM-DD HH:MM:SS\" or empty"},
     BadLine{"NowInSeconds", "2024-05-20 12:00:00", "1713607200", "now must be \"YYYY-MM-DD HH:MM:SS\" or empty"},
+    BadLine{"NoOrigin", ", \"engine\": \"1.0\"", "", "engine is missing"},
+    BadLine{"NoError", "\"error\"", "\"eror\"", "error is missing"},
+    BadLine{"NoCutSet", "\"cutSet\"", "\"cutsSet\"", "results[0].rootCauses[0].cutSet is missing"},
+    BadLine{"WarningWithoutLine", "\"line\"", "\"lime\"", "warnings[0].line is missing"},
     BadLine{"NegativeSeconds", "0.25", "-1", "seconds must be a number of seconds"},
     BadLine{"EndlessSeconds", "0.25", "1e300", "seconds must be a number of seconds"}),
     CaseName());

@@ -95,7 +95,7 @@ LineOf& LineOf::Open(const std::string& tree, const std::string& event, const st
 
 LineOf& LineOf::Warning(const std::string& code, const std::string& message)
 {
-    Append(mWarnings, "{" + Texts({{"code", code}, {"message", message}, {"rule", ""}, {"file", ""}}) + ", \"line\": 0}");
+    Append(mWarnings, "{" + Texts({{"code", code}, {"message", message}, {"id", ""}, {"rule", ""}, {"event", ""}, {"file", ""}}) + ", \"line\": 0}");
     return *this;
 }
 
