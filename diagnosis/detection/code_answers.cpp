@@ -82,4 +82,14 @@ bool CodeAnswers::Warn(Outcome outcome, const std::string& message)
     return false;
 }
 
+std::shared_ptr<CodeAnswers> AnswerCodeRules(const Bundle& bundle, const CodeRunner& runner, DetectInfo& detection)
+{
+    if (bundle.codeAnswers.empty() && !runner.IsThere()) {
+        return nullptr;
+    }
+    auto answers = std::make_shared<CodeAnswers>(bundle.codeAnswers, runner);
+    detection.mCodeRuleRunner = answers;
+    return answers;
+}
+
 } // namespace diagnosis

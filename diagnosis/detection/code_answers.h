@@ -4,11 +4,13 @@
 #include <chrono>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "arborist/frame/detect_info.h"
+#include "diagnosis/bundle/bundle.h"
 #include "diagnosis/problem.h"
 
 namespace diagnosis {
@@ -52,6 +54,10 @@ private:
     std::map<std::string, bool> mAnswers;
     Outcome mOutcome = Outcome::ANSWERED;
 };
+
+/// Answers the code rules of a detection from here on. Null if the bundle has no answers and nobody can be asked: the
+/// library then gets no runner, so that code rules end with that reason.
+std::shared_ptr<CodeAnswers> AnswerCodeRules(const Bundle& bundle, const CodeRunner& runner, DetectInfo& detection);
 
 } // namespace diagnosis
 

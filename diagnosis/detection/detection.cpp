@@ -91,13 +91,9 @@ class Detection {
 public:
     Detection(const BundleSession& session, const DetectionOptions& options)
         : mSession(session), mOptions(options), mInfo(session.MakeDetectInfo()),
-          mRecorder(std::make_shared<DetectionRecorder>(DetailOf(options), options.isForLine))
+          mRecorder(std::make_shared<DetectionRecorder>(DetailOf(options), options.isForLine)),
+          mAnswers(AnswerCodeRules(session.GetBundle(), options.codeRunner, *mInfo))
     {
-        // Without a source of answers the library gets no runner, so that code rules end with that reason.
-        if (!session.GetBundle().codeAnswers.empty() || options.codeRunner.IsThere()) {
-            mAnswers = std::make_shared<CodeAnswers>(session.GetBundle().codeAnswers, options.codeRunner);
-            mInfo->mCodeRuleRunner = mAnswers;
-        }
     }
 
     void Run(DetectionReport& report)

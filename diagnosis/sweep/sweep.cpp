@@ -72,12 +72,8 @@ class Sweep {
 public:
     Sweep(const BundleSession& session, const SweepOptions& options, SweepReport& report)
         : mSession(session), mOptions(options), mReport(report), mLog(session.ProgramDataPath(EVENT_LOG)),
-          mInfo(session.MakeDetectInfo())
+          mInfo(session.MakeDetectInfo()), mAnswers(AnswerCodeRules(session.GetBundle(), options.codeRunner, *mInfo))
     {
-        if (!session.GetBundle().codeAnswers.empty() || options.codeRunner.IsThere()) {
-            mAnswers = std::make_shared<CodeAnswers>(session.GetBundle().codeAnswers, options.codeRunner);
-            mInfo->mCodeRuleRunner = mAnswers;
-        }
     }
 
     void Run()
