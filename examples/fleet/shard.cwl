@@ -2,7 +2,7 @@
 cwlVersion: v1.2
 class: CommandLineTool
 label: Diagnoses one shard of a list of bundles
-baseCommand: [arborist, detect, --log-level, none]
+baseCommand: [arborist, detect, --log-level, none, --retries, "2", --exit-zero-on-bundle-errors]
 requirements:
   InitialWorkDirRequirement:
     listing: [$(inputs.devices)]
@@ -25,6 +25,6 @@ inputs:
 stdout: lines.jsonl
 outputs:
   lines: stdout
-successCodes: [0, 4]
-permanentFailCodes: [2, 3]
+successCodes: [0]
+permanentFailCodes: [2, 3, 4]
 temporaryFailCodes: [5, 137, 143]

@@ -33,6 +33,17 @@ class FleetTest(unittest.TestCase):
     def expect_all_lines(self, text):
         self.assertEqual(fleet.faults(self.fleet, self.expected, text), [])
 
+    def lines_of_an_earlier_run(self):
+        """Of the first bundles, with seconds of their own."""
+        lines = list(self.expected.values())[:9]
+        return [line.removesuffix("}") + f', "seconds": {number}.5}}\n' for number, line in enumerate(lines)]
+
+    def line_of_a_crash(self):
+        """A line of the next bundle whose failure another try may mend."""
+        broken, name = self.fleet.bundles[9], self.fleet.bundles[10]
+        line = self.expected[broken].replace(broken, name).replace('"retry": false', '"retry": true')
+        return line.removesuffix("}") + ', "seconds": 1}\n'
+
     def shards(self):
         return "".join(path.read_text() for path in sorted(self.fleet.folder.glob("results/*.jsonl")))
 
@@ -73,11 +84,24 @@ class ShardTest(FleetTest):
     def test_the_status_speaks_of_the_shard_and_not_of_its_broken_bundles(self):
         self.run_in_fleet("./shard.sh", "1", "1", "2")
         self.assertIn('"ok": false', self.shards())
-        (self.fleet.folder / "bundles.txt").unlink()
-        result = subprocess.run(["./shard.sh", "2", "2"], cwd=self.fleet.folder, env=self.fleet.environment,
-                                capture_output=True)
-        self.assertEqual(result.returncode, 2, result.stderr)
-        self.assertEqual(list(self.fleet.folder.glob("results/2.jsonl")), [])
+        for spoiled, text, status in (("bundles.txt", "", 2), ("rules/FaultTrees.xml", "<a", 3)):
+            (self.fleet.folder / spoiled).write_text(text)
+            result = subprocess.run(["./shard.sh", "2", "2"], cwd=self.fleet.folder, env=self.fleet.environment,
+                                    capture_output=True)
+            self.assertEqual(result.returncode, status, result.stderr)
+            self.assertFalse((self.fleet.folder / "results/2.jsonl").exists())
+
+    def test_a_shard_that_was_ended_goes_on_behind_its_whole_lines(self):
+        results = self.fleet.folder / "results"
+        results.mkdir()
+        first = self.lines_of_an_earlier_run()
+        (results / "1.earlier").write_text("".join(first[:4]))
+        (results / "1.part").write_text("".join(first[2:]) + self.line_of_a_crash() + '{"schema": "arbor')
+        self.run_in_fleet("./shard.sh", "1", "1")
+        text = (results / "1.jsonl").read_text()
+        self.assertEqual([line for line in first if line not in text], [])
+        self.expect_all_lines(text)
+        self.assertEqual(sorted(path.name for path in results.iterdir()), ["1.jsonl", "1.lock"])
 
 
     @unittest.skipUnless(shutil.which("jq"), "needs jq")
@@ -147,11 +171,11 @@ class DaskTest(FleetTest):
         self.expect_all_lines((self.fleet.folder / "results.jsonl").read_text())
 
     def test_a_run_that_was_ended_goes_on(self):
-        first = list(self.expected.values())[:7]
-        (self.fleet.folder / "results.jsonl").write_text("\n".join(first) + '\n{"schema": "arbor')
+        first = self.lines_of_an_earlier_run()
+        (self.fleet.folder / "results.jsonl").write_text("".join(first) + self.line_of_a_crash() + '{"schema": "arbor')
         self.run_in_fleet(sys.executable, "-B", fleet.EXAMPLES / "dask_fleet.py", self.fleet.folder)
         text = (self.fleet.folder / "results.jsonl").read_text()
-        self.assertEqual(text.splitlines()[:7], first)
+        self.assertEqual(text.splitlines(True)[:len(first)], first)
         self.expect_all_lines(text)
 
     def kill_a_busy_worker(self, cluster, run):

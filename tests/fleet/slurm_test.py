@@ -13,18 +13,19 @@ SCRIPT = fleet.EXAMPLES / "slurm.sh"
 SHARDS = 8
 
 
-def lines_in(folder, shard):
-    """The lines that an unfinished shard has written so far."""
+def lines_of(folder, shard):
+    """The whole lines that an unfinished shard has written so far."""
     try:
-        return (folder / f"results/{shard}.part").read_bytes().count(b"\n")
+        return [line for line in (folder / f"results/{shard}.part").read_text().splitlines(True) if line.endswith("\n")]
     except FileNotFoundError:
-        return 0
+        return []
 
 
 class SlurmTest(unittest.TestCase):
     def setUp(self):
         self.start = time.monotonic()
         self.scratch = fleet.scratch_folder(self)
+        self.kept = []  # lines, with their seconds, that a shard had written when it was killed
 
     def test_lines_are_those_of_one_machine_after_a_shard_and_a_node_were_lost(self):
         with Cluster(self.scratch) as cluster:
@@ -40,6 +41,8 @@ class SlurmTest(unittest.TestCase):
                 raise
             merged = "".join(path.read_text() for path in sorted(self.fleet.folder.glob("results/*.jsonl")))
         self.assertEqual(fleet.faults(self.fleet, expected, merged), [])
+        merged_lines = set(merged.splitlines(True))
+        self.assertEqual([line for line in self.kept if line not in merged_lines], [])
         self.assertEqual((processes_of(self.scratch), self.scratch.exists()), ([], False))
 
     def run_fleet(self, cluster):
@@ -57,7 +60,7 @@ class SlurmTest(unittest.TestCase):
         shard = min(self.wait_for_tasks_in_the_middle(cluster, job, "node1"))
         cluster.ask("scancel", "--signal=KILL", "--full", f"{job}_{shard}")
         wait_until(lambda: shard not in cluster.tasks(job), "the end of the shard that was killed")
-        self.tell(f"shard {shard} was killed behind {lines_in(self.fleet.folder, shard)} lines")
+        self.keep_lines_of(shard)
         return shard
 
     def kill_a_node(self, cluster, job):
@@ -65,9 +68,16 @@ class SlurmTest(unittest.TestCase):
         cluster.kill_node("node2")
         shards = [shard for shard, node in cluster.tasks(job, "R").items() if node == "node2"]
         self.tell(f"node2 was killed with shards {shards}")
+        for shard in shards:
+            self.keep_lines_of(shard)
         wait_until(lambda: cluster.node_state("node2").startswith("down"), "the controller to miss node2")
         self.tell("the controller misses node2")
         return shards
+
+    def keep_lines_of(self, shard):
+        lines = lines_of(self.fleet.folder, shard)
+        self.tell(f"shard {shard} was killed behind {len(lines)} lines")
+        self.kept += lines[:-1]  # the last one, which might have been torn, is run again
 
     def shards_that_ended(self, cluster, state):
         return {int(task["ArrayTaskId"]) for task in cluster.ended_tasks() if task["JobState"] == state}
@@ -81,7 +91,7 @@ class SlurmTest(unittest.TestCase):
 
         def in_the_middle():
             running = [shard for shard, where in cluster.tasks(job, "R").items() if where == node]
-            return [shard for shard in running if share // 5 < lines_in(self.fleet.folder, shard) < share * 4 // 5]
+            return [shard for shard in running if share // 5 < len(lines_of(self.fleet.folder, shard)) < share * 4 // 5]
         return wait_until(in_the_middle, f"shards in the middle on {node}")
 
 
