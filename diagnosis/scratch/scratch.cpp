@@ -83,16 +83,16 @@ std::optional<Failure> Scratch::Make()
         + (root.empty() ? "TMPDIR" : root) + ": " + *reason, ExitStatus::INTERNAL}) : std::nullopt;
 }
 
-std::optional<std::string> Scratch::MakeIn(const std::string& root)
+std::optional<std::string> Scratch::MakeIn(const std::string& folder)
 {
     for (;;) {
-        std::string path = root + "/arborist-XXXXXX";
+        std::string path = folder + "/arborist-XXXXXX";
         const SignalsHeldBack heldBack;
-        if (root.empty() || mkdtemp(path.data()) == nullptr) {
-            return std::strerror(root.empty() ? ENOENT : errno);
+        if (folder.empty() || mkdtemp(path.data()) == nullptr) {
+            return std::strerror(folder.empty() ? ENOENT : errno);
         }
         // The library treats every file as an archive whose path contains these letters anywhere.
-        if (!HoldsZip(path.substr(root.size()))) {
+        if (!HoldsZip(path.substr(folder.size()))) {
             mInterruption.Remove(path);
             mPath = path;
             return std::nullopt;

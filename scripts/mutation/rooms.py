@@ -13,10 +13,11 @@ class Room:
 VERDICT = ("arborist/deduction/judge_tree.cpp", "arborist/deduction/possible_causes.cpp",
            "arborist/deduction/surviving_tree.cpp", "arborist/deduction/verdict_fold.cpp")
 
+# The sweep of a log and the record of a rule set are tested through the facade.
 ROOMS = (
-    Room("evaluation", "arborist/evaluation", ("evaluation/evaluation_tests",)),
+    Room("evaluation", "arborist/evaluation", ("evaluation/evaluation_tests", "frame/frame_tests")),
     Room("deduction", "arborist/deduction", ("deduction/deduction_tests",)),
-    Room("loading", "arborist/loading", ("loading/loading_tests",)),
+    Room("loading", "arborist/loading", ("loading/loading_tests", "frame/frame_tests")),
     Room("stores", "arborist/stores", ("stores/stores_tests",)),
     Room("verdict", "arborist/deduction", ("deduction/deduction_tests", "frame/frame_tests"), VERDICT),
 )

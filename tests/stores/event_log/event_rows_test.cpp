@@ -146,6 +146,19 @@ TEST_F(EventRowsTest, QuestionsAreAnsweredForeseenOrNot)
     EXPECT_EQ(Answers({a}, 200).substr(0, 8), "206 216 ");
 }
 
+TEST_F(EventRowsTest, QuestionsThatAreReadAheadAreAnsweredTheSame)
+{
+    const auto a = NumberQuestion::Of("a");
+    Open(EventLogBuilder().Rows({{10, 7, "1.0", R"({"a":5})"}, {20, 7, "1.0", R"({"a":8})"}}));
+    mHelper->Foresee(7, 7, {a});
+    mHelper->ReadAhead();
+    EXPECT_EQ(Answers({a}), "5 8 ");
+    Open(EventLogBuilder().Row({10, 7, "1.0", R"({"a":5})"}).Sql("drop table event_version"));
+    mHelper->Foresee(7, 7, {a});
+    mHelper->ReadAhead();
+    EXPECT_EQ(Answers({a}), "") << "a log that can't be asked";
+}
+
 TEST_F(EventRowsTest, QuestionsWithoutRoomAreAnsweredToo)
 {
     EventLogBuilder builder;

@@ -56,6 +56,12 @@ TEST_F(RowsOfIdsTest, IdsMayBeTexts)
     EXPECT_EQ(ConditionFor(rows, 7), " and event_info._ID in (1,3,4)") << "the query leaves out what isn't equal";
 }
 
+TEST_F(RowsOfIdsTest, IdsThatNoRuleCanNameAreLeftOut)
+{
+    const auto rows = RowsOf(SomeRows().Sql("update event_info set event_id = 4294967303 where _ID = 4"));
+    EXPECT_EQ(ConditionFor(rows, 7), " and event_info._ID in (1,3)") << "4294967303 is 7 in 32 bits";
+}
+
 TEST_F(RowsOfIdsTest, IdWithTooManyRowsIsAskedByAScan)
 {
     const auto rows = RowsOf(SomeRows().Sql("with recursive n(i) as (select 10 union all select i + 1 from n where "
