@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <fstream>
 #include <memory>
+#include <string_view>
 #include <thread>
 
 #include "diagnosis/detection/detection.h"
@@ -13,6 +14,7 @@
 #include "tools/arborist/batch/batch.h"
 #include "tools/arborist/batch/bundle_list.h"
 #include "tools/arborist/commands/commands.h"
+#include "tools/arborist/commands/detect_batch.h"
 #include "tools/arborist/commands/rules_making.h"
 #include "tools/arborist/commands/seconds.h"
 #include "tools/arborist/commands/shared_options.h"
@@ -114,14 +116,10 @@ bool Run(CompareOptions& options, const std::vector<std::string>& names, Lines& 
         rules.push_back(MakeRulesPath(folder));
         options.detection.ruleSets->CheckFolder(rules.back());
     }
-    std::vector<BundlePath> bundles;
-    for (const std::string& name : names) {
-        bundles.push_back(MakeBundlePath(name));
-    }
     options.detection.isForLine = true;
     options.detection.codeRunner = MakeCodeRunner(options.codeRunner);
     options.batch.timeout = Milliseconds(options.timeout);
-    RunBatch(bundles, MakeWork(options, rules, lines), options.batch);
+    RunBatch(BundlePaths(names), MakeWork(options, rules, lines), options.batch);
     const bool isKept = lines.Close();
     if (!isKept) {
         PrintError("the results can't be written to the temporary folder");
