@@ -20,6 +20,8 @@ def commands(build, names, isWhole):
     found = {path.stem.removesuffix("_bench"): [path] for path in sorted((build / "bench").glob("*_bench"))}
     if isWhole:
         found["alarm"].append("largest")
+    if "results" in found:
+        found["results"].append(ROOT / "examples/results/before.jsonl")
     found["observer"] = [sys.executable, "-B", ROOT / "bench/observer_bench.py", build]
     found["batch"] = [sys.executable, "-B", ROOT / "bench/batch_bench.py", build]
     found["compare"] = [sys.executable, "-B", ROOT / "bench/compare_bench.py", build]
