@@ -16,6 +16,9 @@
 
 namespace diagnosis::results_db {
 
+/// The longest wall time that a line may tell.
+inline constexpr double MOST_SECONDS = 1e9;
+
 /// Takes members of one JSON object and notes the first that is missing or of another type.
 class Members {
 public:
@@ -58,9 +61,8 @@ public:
 
     double Seconds(const char* key)
     {
-        static constexpr double MOST = 1e9;
         const auto isDuration = [](const Json::Value& value) {
-            return value.isNumeric() && value.asDouble() >= 0 && value.asDouble() <= MOST;
+            return value.isNumeric() && value.asDouble() >= 0 && value.asDouble() <= MOST_SECONDS;
         };
         const Json::Value* value = Find(key, isDuration, "a number of seconds");
         return value == nullptr ? 0 : value->asDouble();

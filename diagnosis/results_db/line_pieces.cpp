@@ -1,5 +1,6 @@
 #include "diagnosis/results_db/line_pieces.h"
 
+#include <algorithm>
 #include <array>
 
 namespace diagnosis::results_db {
@@ -101,6 +102,101 @@ private:
     std::string_view mLine;
 };
 
+/// Cuts one line.
+class Cutter {
+public:
+    Cutter(std::string_view line, LinePieces& pieces) : mLine(line), mWalk(line), mPieces(pieces) {}
+
+    bool Cut()
+    {
+        if (!mWalk.IsAt(0, '{')) {
+            return false;
+        }
+        for (std::size_t at = mWalk.Next(1, HAS_MEANING); at != NOWHERE; at = mWalk.Next(at, HAS_MEANING)) {
+            if (mLine[at] == '}') {
+                Keep(mLine.size(), "");
+                return true;
+            }
+            if (mLine[at] != '"') {
+                at = mWalk.PassBrackets(at);
+            } else {
+                const std::size_t end = mWalk.PassText(at + 1);
+                at = end != NOWHERE && mWalk.IsAt(end, ':')
+                    ? PassMember(mLine.substr(at, end - at), mWalk.PassSpaces(end + 1)) : end;
+            }
+        }
+        return false;
+    }
+
+private:
+    // Passes the value at `at` of a member if it is one to cut out; otherwise stays before it.
+    std::size_t PassMember(std::string_view key, std::size_t at)
+    {
+        if (key == "\"warnings\"" || key == "\"results\"") {
+            return mWalk.IsAt(at, '[') ? PassList(at, key == "\"results\"" ? mPieces.results : mPieces.warnings) : NOWHERE;
+        }
+        if (key == "\"seconds\"") {
+            return PassNumber(at);
+        }
+        auto* const text = key == "\"bundle\"" ? &mPieces.bundle
+            : key == "\"device\""              ? &mPieces.device
+            : key == "\"now\""                 ? &mPieces.now
+                                               : nullptr;
+        return text == nullptr || !mWalk.IsAt(at, '"') ? at : PassPlainText(at, *text);
+    }
+
+    std::size_t PassList(std::size_t at, std::vector<std::string_view>& objects)
+    {
+        const std::size_t end = mWalk.PassObjects(at + 1, objects);
+        if (end != NOWHERE) {
+            Keep(at, "[]");
+            mKept = end;
+        }
+        return end;
+    }
+
+    std::size_t PassPlainText(std::size_t at, std::optional<std::string_view>& text)
+    {
+        const std::size_t end = mWalk.PassText(at + 1);
+        const std::string_view content = mLine.substr(at + 1, end == NOWHERE ? 0 : end - at - 2);
+        const auto isPlain = [](char byte) { return byte != '\\' && static_cast<unsigned char>(byte) >= 0x20; };
+        if (end != NOWHERE && !text && std::all_of(content.begin(), content.end(), isPlain)) {
+            text = content;
+            Keep(at, "\"\"");
+            mKept = end;
+        }
+        return end;
+    }
+
+    // Digits, a point, digits.
+    std::size_t PassNumber(std::size_t at)
+    {
+        const std::size_t point = mLine.find_first_not_of("0123456789", at);
+        const std::size_t end = mWalk.IsAt(point, '.') ? mLine.find_first_not_of("0123456789", point + 1) : NOWHERE;
+        const bool isNumber = end != NOWHERE && point > at && end > point + 1 && (mLine[at] != '0' || point == at + 1)
+            && (mWalk.IsAt(end, ',') || mWalk.IsAt(end, '}'));
+        if (!isNumber || mPieces.seconds) {
+            return at;
+        }
+        mPieces.seconds = mLine.substr(at, end - at);
+        Keep(at, "0");
+        mKept = end;
+        return end;
+    }
+
+    // Appends what was not kept yet, up to `at`, to the frame, and a text in place of what is cut out there.
+    void Keep(std::size_t at, std::string_view instead)
+    {
+        mPieces.frame.append(mLine.substr(mKept, at - mKept)).append(instead);
+        mKept = at;
+    }
+
+    std::string_view mLine;
+    Walk mWalk;
+    LinePieces& mPieces;
+    std::size_t mKept = 0;
+};
+
 } // namespace
 
 bool CutLine(std::string_view line, LinePieces& pieces)
@@ -108,35 +204,8 @@ bool CutLine(std::string_view line, LinePieces& pieces)
     pieces.frame.clear();
     pieces.warnings.clear();
     pieces.results.clear();
-    const Walk walk(line);
-    std::size_t kept = 0;
-    if (!walk.IsAt(0, '{')) {
-        return false;
-    }
-    for (std::size_t at = walk.Next(1, HAS_MEANING); at != NOWHERE; at = walk.Next(at, HAS_MEANING)) {
-        if (line[at] == '}') {
-            pieces.frame.append(line.substr(kept));
-            return true;
-        }
-        if (line[at] != '"') {
-            at = walk.PassBrackets(at);
-            continue;
-        }
-        const std::size_t end = walk.PassText(at + 1);
-        const std::string_view text = line.substr(at, end == NOWHERE ? 0 : end - at);
-        const bool isWarnings = text == "\"warnings\"";
-        at = end;
-        if ((isWarnings || text == "\"results\"") && walk.IsAt(end, ':')) {
-            const std::size_t list = walk.PassSpaces(end + 1);
-            if (!walk.IsAt(list, '[')) {
-                return false;
-            }
-            at = walk.PassObjects(list + 1, isWarnings ? pieces.warnings : pieces.results);
-            pieces.frame.append(line.substr(kept, list + 1 - kept)).append("]");
-            kept = at;
-        }
-    }
-    return false;
+    pieces.bundle = pieces.device = pieces.now = pieces.seconds = std::nullopt;
+    return Cutter(line, pieces).Cut();
 }
 
 } // namespace diagnosis::results_db

@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -12,12 +13,18 @@
 
 namespace diagnosis::results_db {
 
-/// A line of results in pieces: the objects in its lists "warnings" and "results", and the line with these lists empty.
+/// A line of results in pieces: the objects in its lists "warnings" and "results", the values that differ from bundle to
+/// bundle, and the line without them: with empty lists and texts, and the number 0.
 struct LinePieces {
     std::string frame;
     /// Valid as long as the line.
     std::vector<std::string_view> warnings;
     std::vector<std::string_view> results;
+    /// Texts without escapes, and a number without exponent; a value of another form stays in the frame.
+    std::optional<std::string_view> bundle;
+    std::optional<std::string_view> device;
+    std::optional<std::string_view> now;
+    std::optional<std::string_view> seconds;
 };
 
 /// Cuts a line into pieces. If frame and pieces are JSON, so is the line, and says what they say. False if it can't be

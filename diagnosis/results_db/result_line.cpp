@@ -1,6 +1,7 @@
 #include "diagnosis/results_db/result_line.h"
 
 #include <algorithm>
+#include <charconv>
 #include <utility>
 
 #include <json/value.h>
@@ -134,6 +135,22 @@ std::shared_ptr<const Record> ReadPiece(std::string_view text)
     return problem.empty() ? record : nullptr;
 }
 
+// Puts the values that were cut out of a frame into its record. False if one can't be used.
+bool FillIn(const LinePieces& pieces, ResultLine& line)
+{
+    line.bundle = pieces.bundle.value_or(line.bundle);
+    line.device = pieces.device.value_or(line.device);
+    line.now = pieces.now.value_or(line.now);
+    if (pieces.seconds) {
+        const std::string_view text = *pieces.seconds;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), line.seconds);
+        if (error != std::errc() || end != text.data() + text.size() || line.seconds > MOST_SECONDS) {
+            return false;
+        }
+    }
+    return line.now.empty() || LocalMoment(line.now);
+}
+
 } // namespace
 
 std::optional<ResultLine> ReadResultLine(std::string_view text, bool withEvidence, std::string& problem)
@@ -166,9 +183,17 @@ std::optional<ResultLine> ResultLineReader::Read(std::string_view text, std::str
 
 std::optional<ResultLine> ResultLineReader::ReadPieces()
 {
-    std::string problem;
-    auto line = ReadResultLine(mPieces.frame, false, problem);
-    if (!line || !line->warnings.empty() || !line->trees.empty()) {
+    const auto frame = mFrames.Find(mPieces.frame, [](std::string_view text) {
+        std::string problem;
+        auto line = ReadResultLine(text, false, problem);
+        const bool isFrame = line && line->warnings.empty() && line->trees.empty();
+        return isFrame ? std::make_shared<const ResultLine>(std::move(*line)) : nullptr;
+    });
+    if (frame == nullptr) {
+        return std::nullopt;
+    }
+    std::optional<ResultLine> line = *frame;
+    if (!FillIn(mPieces, *line)) {
         return std::nullopt;
     }
     const auto readAll = [](const std::vector<std::string_view>& texts, auto& known, auto& records, auto read) {

@@ -136,6 +136,7 @@ private:
 
     bool mWithEvidence;
     LinePieces mPieces;
+    KnownPieces<ResultLine> mFrames;
     KnownPieces<ResultWarning> mWarnings;
     KnownPieces<ResultTree> mTrees;
 };

@@ -14,20 +14,22 @@ constexpr const char* TABLES_OF_BUNDLES[] = {"failure", "tree", "root_cause", "o
 
 // Stands for the run of a failed bundle whose rule set is not known.
 constexpr std::int64_t NO_RULE_SET = 0;
+// No number of a row.
+constexpr std::int64_t NONE = 0;
 
 } // namespace
 
 ResultWriter::ResultWriter(Connection& database, bool withEvidence)
     : mRunner(database),
       mDefinitions(database, mRunner),
-      mAddBundle(database.Prepare("INSERT INTO bundle VALUES (?, ?, ?, ?, ?, ?, ?)")),
+      mAddBundle(database.Prepare("INSERT OR IGNORE INTO bundle VALUES (?, ?, ?, ?, ?, ?, ?)")),
       mAddFailure(database.Prepare("INSERT INTO failure VALUES (?, ?, ?, ?)")),
       mAddTree(database.Prepare("INSERT OR IGNORE INTO tree VALUES (?, ?, ?)")),
       mAddCause(database.Prepare("INSERT OR IGNORE INTO root_cause VALUES (?, ?)")),
       mAddCheck(database.Prepare("INSERT OR IGNORE INTO open_check VALUES (?, ?)")),
       mAddWarning(database.Prepare("INSERT OR IGNORE INTO warning VALUES (?, ?)")),
       mAddRepaired(database.Prepare("INSERT INTO repaired VALUES (?, ?, ?, ?)")),
-      mFindBundle(database.Prepare("SELECT 1 FROM bundle WHERE name = ? AND ok = 1 AND run = ? AND now IS ?")),
+      mFindUndated(database.Prepare("SELECT 1 FROM bundle WHERE name = ? AND ok = 1 AND run = ? AND now IS NULL")),
       mFindInRun(database.Prepare("SELECT 1 FROM bundle WHERE name = ? AND ok = 1 AND run = ?")),
       mFindInAnyRun(database.Prepare("SELECT 1 FROM bundle WHERE name = ? AND ok = 1")),
       mFindFailure(database.Prepare("SELECT 1 FROM failure JOIN bundle ON bundle.id = failure.bundle WHERE bundle.id = ?"
@@ -65,12 +67,16 @@ Added ResultWriter::Add(const ResultLine& line)
 
 Added ResultWriter::AddDiagnosed(const ResultLine& line, std::int64_t run)
 {
-    if (mRunner.HasRow(mFindBundle, line.bundle, run, LocalMoment(line.now))) {
+    // The index of bundles refuses what is there, but for lines without moment.
+    if (line.now.empty() && mRunner.HasRow(mFindUndated, line.bundle, run)) {
+        return Added::THERE;
+    }
+    const std::int64_t bundle = AddBundle(line, run);
+    if (bundle == NONE) {
         return Added::THERE;
     }
     const bool hadFailed = RemoveFailed(mFailed.find({line.bundle, run}));
     const bool hadFailedEarly = RemoveFailed(mFailed.find({line.bundle, NO_RULE_SET}));
-    const std::int64_t bundle = AddBundle(line, run);
     AddTrees(bundle, line);
     AddWarnings(bundle, line);
     AddRepaired(bundle, line);
@@ -94,6 +100,9 @@ Added ResultWriter::AddFailed(const ResultLine& line, std::int64_t run)
     }
     const bool isReplaced = RemoveFailed(before);
     const std::int64_t bundle = AddBundle(line, run);
+    if (bundle == NONE) {
+        return Added::THERE;
+    }
     mRunner.Run(mAddFailure, bundle, error.code, error.message, error.retry);
     AddWarnings(bundle, line);
     AddRepaired(bundle, line);
@@ -126,17 +135,19 @@ bool ResultWriter::RemoveFailed(Failed::iterator place)
     return true;
 }
 
+// The number of the bundle, NONE if it is there already.
 std::int64_t ResultWriter::AddBundle(const ResultLine& line, std::int64_t run)
 {
     const std::int64_t microseconds = std::llround(line.seconds * 1e6);
-    mRunner.Run(mAddBundle, ++mLastBundle, run, line.bundle, LocalMoment(line.now), line.ok, microseconds, line.device);
-    return mLastBundle;
+    const bool isNew = mRunner.HasChanged(
+        mAddBundle, mLastBundle + 1, run, line.bundle, LocalMoment(line.now), line.ok, microseconds, line.device);
+    return isNew ? ++mLastBundle : NONE;
 }
 
 void ResultWriter::AddWarnings(std::int64_t bundle, const ResultLine& line)
 {
     for (const auto& warning : line.warnings) {
-        mRunner.Run(mAddWarning, bundle, mDefinitions.Warning(*warning));
+        mRunner.Run(mAddWarning, bundle, mWarningRows.Find(warning, [&] { return mDefinitions.Warning(*warning); }));
     }
 }
 
@@ -178,23 +189,16 @@ void ResultWriter::AddEvidence(std::int64_t bundle, const ResultLine& line)
 
 const ResultWriter::TreeRows& ResultWriter::RowsOf(const std::shared_ptr<const ResultTree>& tree)
 {
-    static constexpr std::size_t MOST_KEPT = 100'000;
-    if (mTreeRows.size() > MOST_KEPT) {
-        mTreeRows.clear();
-    }
-    TreeRows& rows = mTreeRows[tree.get()];
-    // The address may be that of an earlier tree, which is no more.
-    if (rows.tree.lock() == tree) {
+    return mTreeRows.Find(tree, [&] {
+        TreeRows rows{mDefinitions.Tree(*tree), mDefinitions.Outcome(*tree), {}, {}};
+        for (const ResultCause& cause : tree->causes) {
+            rows.causes.push_back(mDefinitions.Cause(rows.treeDef, cause));
+        }
+        for (const ResultOpenCheck& check : tree->open) {
+            rows.open.push_back(mDefinitions.OpenCheck(rows.treeDef, check));
+        }
         return rows;
-    }
-    rows = {tree, mDefinitions.Tree(*tree), mDefinitions.Outcome(*tree), {}, {}};
-    for (const ResultCause& cause : tree->causes) {
-        rows.causes.push_back(mDefinitions.Cause(rows.treeDef, cause));
-    }
-    for (const ResultOpenCheck& check : tree->open) {
-        rows.open.push_back(mDefinitions.OpenCheck(rows.treeDef, check));
-    }
-    return rows;
+    });
 }
 
 } // namespace diagnosis::results_db

@@ -26,6 +26,32 @@ enum class Added {
     FAILED, ///< see ResultWriter::Error
 };
 
+/// What records amount to in a database, as long as they are shared.
+template <typename Record, typename Rows>
+class RowsOfRecords {
+public:
+    /// The rows of a record; those of a new one are made by `make()`.
+    template <typename Make>
+    const Rows& Find(const std::shared_ptr<const Record>& record, Make make)
+    {
+        if (mRows.size() > MOST) {
+            mRows.clear();
+        }
+        auto& [owner, rows] = mRows[record.get()];
+        // The address may be that of an earlier record, which is no more.
+        if (owner.lock() != record) {
+            rows = make();
+            owner = record;
+        }
+        return rows;
+    }
+
+private:
+    static constexpr std::size_t MOST = 100'000;
+
+    std::unordered_map<const Record*, std::pair<std::weak_ptr<const Record>, Rows>> mRows;
+};
+
 /// Adds lines to a results database; the caller has begun a transaction.
 ///
 /// Lines of one engine and one rule set are a run. A bundle that was diagnosed has one line for each run and `now`: a
@@ -42,7 +68,6 @@ public:
 private:
     /// The rows that a tree of a line amounts to.
     struct TreeRows {
-        std::weak_ptr<const ResultTree> tree;
         std::int64_t treeDef = 0;
         std::int64_t outcome = 0;
         std::vector<std::int64_t> causes;
@@ -75,14 +100,15 @@ private:
     std::optional<Statement> mAddWarning;
     std::optional<Statement> mAddRepaired;
     std::optional<Statement> mAddEvidence;
-    std::optional<Statement> mFindBundle;
+    std::optional<Statement> mFindUndated;
     std::optional<Statement> mFindInRun;
     std::optional<Statement> mFindInAnyRun;
     std::optional<Statement> mFindFailure;
     std::vector<std::optional<Statement>> mRemove;
     std::int64_t mLastBundle = 0;
     Failed mFailed;
-    std::unordered_map<const ResultTree*, TreeRows> mTreeRows;
+    RowsOfRecords<ResultTree, TreeRows> mTreeRows;
+    RowsOfRecords<ResultWarning, std::int64_t> mWarningRows;
 };
 
 } // namespace diagnosis::results_db

@@ -42,6 +42,14 @@ public:
         return hasRow;
     }
 
+    /// Runs a statement that may leave its row out; true if it changed one.
+    template <typename... Values>
+    bool HasChanged(std::optional<Statement>& statement, const Values&... values)
+    {
+        Run(statement, values...);
+        return mError.empty() && mDatabase.Changes() > 0;
+    }
+
     /// The reason of the first failure; empty if there was none.
     const std::string& Error() const { return mError; }
 

@@ -144,6 +144,11 @@ bool Connection::Execute(const std::string& sql)
     return sqlite3_exec(mDatabase.get(), sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
+std::int64_t Connection::Changes() const
+{
+    return sqlite3_changes(mDatabase.get());
+}
+
 std::optional<Statement> Connection::Prepare(const std::string& sql)
 {
     sqlite3_stmt* prepared = nullptr;

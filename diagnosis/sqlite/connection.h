@@ -58,6 +58,8 @@ public:
     bool Open(const std::string& path, Mode mode);
     /// Runs statements that have neither parameters nor results.
     bool Execute(const std::string& sql);
+    /// How many rows the last statement that changes rows has changed.
+    std::int64_t Changes() const;
     /// Nothing on failure; see GetError.
     std::optional<Statement> Prepare(const std::string& sql);
 

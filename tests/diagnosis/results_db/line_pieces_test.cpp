@@ -45,6 +45,28 @@ TEST(LinePiecesTest, AreNotCutOfWhatIsWrittenOtherwise)
     }
 }
 
+TEST(LinePiecesTest, AreTheValuesOfOneBundle)
+{
+    LinePieces pieces;
+    ASSERT_TRUE(CutLine(R"({"bundle": "b", "x": "bundle", "device": "d", "now": "n", "seconds": 0.250000})", pieces));
+    EXPECT_EQ(pieces.frame, R"({"bundle": "", "x": "bundle", "device": "", "now": "", "seconds": 0})");
+    EXPECT_EQ(std::string(*pieces.bundle) + std::string(*pieces.device) + std::string(*pieces.now), "bdn");
+    EXPECT_EQ(*pieces.seconds, "0.250000");
+}
+
+TEST(LinePiecesTest, ValuesOfAnotherFormStayInTheFrame)
+{
+    LinePieces pieces;
+    for (const char* line : {R"({"bundle": "a\"b", "seconds": 1e3})", R"({"bundle": 7, "seconds": 01.5})", R"({"bundle": null, "seconds": -1.5})",
+             R"({"bundle": ["b"], "seconds": 1.5 })", "{\"bundle\": \"a\tb\", \"seconds\": 1.}"}) {
+        ASSERT_TRUE(CutLine(line, pieces)) << line;
+        EXPECT_EQ(pieces.frame, line);
+        EXPECT_FALSE(pieces.bundle || pieces.seconds) << line;
+    }
+    ASSERT_TRUE(CutLine(R"({"bundle": "a", "bundle": "b"})", pieces));
+    EXPECT_EQ(pieces.frame, R"({"bundle": "", "bundle": "b"})");
+}
+
 TEST(LinePiecesTest, EqualTextsAreReadOnce)
 {
     KnownPieces<std::string> known;
