@@ -129,7 +129,7 @@ class ResultLineReader {
 public:
     explicit ResultLineReader(bool withEvidence) : mWithEvidence(withEvidence) {}
 
-    std::optional<ResultLine> Read(std::string_view line, std::string& problem);
+    std::optional<ResultLine> Read(std::string_view text, std::string& problem);
 
 private:
     std::optional<ResultLine> ReadPieces();

@@ -14,7 +14,6 @@ namespace diagnosis::command {
 namespace {
 
 using results_db::ResultLine;
-using results_db::ResultTree;
 
 /// The bundles of a list by their names, each with the numbers that have no line yet, the first last.
 class OpenBundles {
