@@ -1,5 +1,6 @@
 #include "diagnosis/bundle/repair_records.h"
 
+#include <algorithm>
 #include <filesystem>
 
 #include "diagnosis/bundle/moment.h"
@@ -31,20 +32,28 @@ std::optional<Failure> ReadRepairRecords(const std::string& path, std::vector<Re
     return std::nullopt;
 }
 
+std::vector<RepairRecord> TakeLaterRepairs(std::vector<RepairRecord>& records, std::int64_t moment)
+{
+    const auto later = std::stable_partition(records.begin(), records.end(), [moment](const RepairRecord& record) {
+        const auto time = ParseMoment(record.date);
+        return !time || *time <= moment;
+    });
+    std::vector<RepairRecord> taken(later, records.end());
+    records.erase(later, records.end());
+    return taken;
+}
+
 std::vector<RepairRecord> DeleteLaterRepairs(const std::string& path, std::int64_t moment)
 {
     std::vector<RepairRecord> records;
     if (ReadRepairRecords(path, records)) {
         return {};
     }
-    std::erase_if(records, [moment](const RepairRecord& record) {
-        const auto time = ParseMoment(record.date);
-        return !time || *time <= moment;
-    });
+    const std::vector<RepairRecord> later = TakeLaterRepairs(records, moment);
     Connection database;
-    auto deletion = !records.empty() && database.Open(path, Connection::Mode::CREATE)
+    auto deletion = !later.empty() && database.Open(path, Connection::Mode::CREATE)
         ? database.Prepare("DELETE FROM repair_data WHERE repair_id = ?1 AND repair_date = ?2") : std::nullopt;
-    for (const RepairRecord& record : records) {
+    for (const RepairRecord& record : later) {
         if (deletion) {
             deletion->Bind(1, record.id);
             deletion->Bind(2, record.date);
@@ -52,7 +61,7 @@ std::vector<RepairRecord> DeleteLaterRepairs(const std::string& path, std::int64
             deletion->Reset();
         }
     }
-    return records;
+    return later;
 }
 
 } // namespace diagnosis

@@ -24,6 +24,9 @@ struct RepairRecord {
 /// exist has none.
 std::optional<Failure> ReadRepairRecords(const std::string& path, std::vector<RepairRecord>& records);
 
+/// Drops the records that are later than `moment`, in seconds, and returns them. A date that is none stays.
+std::vector<RepairRecord> TakeLaterRepairs(std::vector<RepairRecord>& records, std::int64_t moment);
+
 /// Deletes the records of the database at `path` that are later than `moment`, in seconds, and returns them. A date that
 /// is none stays, and so does everything in a database that can't be read.
 std::vector<RepairRecord> DeleteLaterRepairs(const std::string& path, std::int64_t moment);

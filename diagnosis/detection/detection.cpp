@@ -86,6 +86,19 @@ void ShowPaths(const BundleSession& session, DetectionReport& report)
     }
 }
 
+// None if they can't be read, which the detection warns of.
+std::vector<RepairRecord> RepairsOnRecord(const BundleSession& session)
+{
+    std::vector<RepairRecord> records;
+    if (ReadRepairRecords(session.ProgramDataPath(REPAIR_RECORDS), records)) {
+        return {};
+    }
+    if (session.AsOf()) {
+        TakeLaterRepairs(records, *session.AsOf());
+    }
+    return records;
+}
+
 /// One detection with its observers.
 class Detection {
 public:
@@ -191,6 +204,9 @@ void RunEntered(const BundleSession& session, const DetectionOptions& options, D
     }
     Detection(session, options).Run(report);
     ShowPaths(session, report);
+    if (options.isForLine && !report.failure) {
+        report.repaired = RepairsOnRecord(session);
+    }
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "diagnosis/bundle/bundle_session.h"
+#include "diagnosis/bundle/repair_records.h"
 #include "diagnosis/detection/code_answers.h"
 #include "diagnosis/detection/stop_switch.h"
 #include "diagnosis/evidence/recorded_tree.h"
@@ -22,7 +23,8 @@ struct DetectionOptions {
     CodeRunner codeRunner;
     bool withTrees = false;
     bool withExplanation = false;
-    /// Keep what nothing but the line of JSON shows: the cut sets of root causes and the digest of the rule set.
+    /// Keep what nothing but the line of JSON shows: the cut sets of root causes, the digest of the rule set, and the
+    /// repairs on record.
     bool isForLine = false;
     /// Warn of mistakes in the rule set, whichever rules the device asks for.
     bool checksRuleSet = true;
@@ -53,6 +55,8 @@ struct DetectionReport {
     std::string moment;
     /// DigestOf the rule set, if requested and if it can be read.
     std::string ruleSet = {};
+    /// The repairs on record at that moment, if requested; none of a bundle that could not be run.
+    std::vector<RepairRecord> repaired = {};
     /// How long the detection took, by the clock on the wall.
     double seconds = 0;
 

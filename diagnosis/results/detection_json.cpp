@@ -2,6 +2,7 @@
 
 #include "diagnosis/results/event_json.h"
 #include "diagnosis/results/explanation_json.h"
+#include "diagnosis/results/repair_json.h"
 #include "diagnosis/results/verdict_json.h"
 
 namespace diagnosis {
@@ -20,11 +21,17 @@ void WriteRootCauses(JsonWriter& json, const TreeReport& report)
     json.EndArray();
 }
 
-// What makes the line comparable with others.
+// What makes the line comparable with others, and what was done to the device.
 void WriteProvenance(JsonWriter& json, const DetectionReport& report)
 {
     json.Text("device", report.device).Text("engine", ARBORIST_VERSION).Text("ruleSet", report.ruleSet);
-    json.Text("now", report.moment).Seconds("seconds", report.seconds);
+    json.Text("now", report.moment).Seconds("seconds", report.seconds).Key("repaired").BeginArray();
+    for (const RepairRecord& record : report.repaired) {
+        json.BeginObject();
+        WriteRepairRecord(json, record);
+        json.EndObject();
+    }
+    json.EndArray();
 }
 
 void WriteTree(JsonWriter& json, const TreeReport& report, bool withEvents)

@@ -1,15 +1,20 @@
 #include "diagnosis/results/repair_json.h"
 
-#include "diagnosis/text/json_writer.h"
-
 namespace diagnosis {
+
+void WriteRepairRecord(JsonWriter& json, const RepairRecord& record)
+{
+    json.Text("id", record.id).Text("date", record.date);
+}
 
 std::string RepairLines(const std::vector<RepairRecord>& records)
 {
     std::string lines;
     for (const RepairRecord& record : records) {
         JsonWriter json;
-        lines += json.BeginObject().Text("id", record.id).Text("date", record.date).EndObject().Line() + "\n";
+        json.BeginObject();
+        WriteRepairRecord(json, record);
+        lines += json.EndObject().Line() + "\n";
     }
     return lines;
 }

@@ -56,9 +56,29 @@ TEST_F(DetectCommandTest, JsonHasExactlyTheKeysInTheirOrder)
         R"("not_selected": 0, "not_checked": 0, "no_data": 0, "error": 0}, "open": [], "possibleCauses": [], )"
         R"("possibleCausesTruncated": false}], "error": {"code": "", "message": "", "retry": false}, "device": "", )"
         R"("engine": ")" ARBORIST_VERSION_STRING R"(", "ruleSet": "sha256:3b266238f927cd76d303c71f7a786d0ddfdf286ce9d7065872196280252e0480", )"
-        R"("now": "2024-05-20 12:00:00", "seconds": 0})"
+        R"("now": "2024-05-20 12:00:00", "seconds": 0, "repaired": []})"
         "\n");
     EXPECT_EQ(result.status, 0);
+}
+
+TEST_F(DetectCommandTest, TheLineHasTheRepairsOnRecordAtItsMoment)
+{
+    WriteHotBundle(mDir, "b");
+    for (const auto& [repair, date] : {std::pair("R2", "2024-05-03 10:00:00"), std::pair("R1", "2024-05-01 10:00:00")}) {
+        EXPECT_EQ(RunArborist({"repair", "record", "b", repair, "--now", date}).status, 0);
+    }
+    const auto endOf = [](const std::vector<std::string>& call) {
+        std::vector<std::string> arguments{"detect", "--json"};
+        arguments.insert(arguments.end(), call.begin(), call.end());
+        const std::string line = RunArborist(arguments).out;
+        return line.substr(line.find("\"repaired\": "));
+    };
+    EXPECT_EQ(endOf({"b"}), R"("repaired": [{"id": "R2", "date": "2024-05-03 10:00:00"}, {"id": "R1", "date": "2024-05-01 10:00:00"}]})"
+        "\n");
+    EXPECT_EQ(endOf({"b", "--as-of", "2024-05-02 10:00:00"}), R"("repaired": [{"id": "R1", "date": "2024-05-01 10:00:00"}]})" "\n");
+    EXPECT_EQ(endOf({"nowhere"}), "\"repaired\": []}\n");
+    mDir.Write("b/rules/FaultTrees.xml", "<");
+    EXPECT_EQ(endOf({"b"}), "\"repaired\": []}\n");
 }
 
 TEST_F(DetectCommandTest, EqualInputsGiveEqualLinesButForTheSeconds)
