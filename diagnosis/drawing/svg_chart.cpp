@@ -15,7 +15,7 @@ namespace {
 constexpr double MARGIN = 8;
 constexpr double LABELS = 260;
 constexpr double CHART = 480;
-constexpr double WORDS = 280;
+constexpr double WORDS = 330;
 constexpr double LEFT = MARGIN + LABELS;
 constexpr double RIGHT = LEFT + CHART;
 constexpr int WIDTH = static_cast<int>(RIGHT + WORDS);
@@ -28,7 +28,7 @@ constexpr double CELL = 46;
 constexpr double LEAST_LABEL = 90; // from one label of a column to the next
 
 constexpr std::size_t LABEL_WIDTH = 34; // in characters
-constexpr std::size_t WORDS_WIDTH = 44;
+constexpr std::size_t WORDS_WIDTH = 54;
 
 std::string Text(const std::string& style, const std::string& anchor, double x, double y, const std::string& words,
     std::size_t width = WORDS_WIDTH)
@@ -125,8 +125,20 @@ std::string ColumnText(const ChartBar& column, std::uint64_t largest, double x, 
     return text;
 }
 
+// Of these the least that no share is above has the height of the chart.
+double HighestShare(const std::vector<ChartLine>& lines)
+{
+    double highest = 0;
+    for (const ChartLine& line : lines) {
+        for (const double share : line.shares) {
+            highest = std::max(highest, share);
+        }
+    }
+    return highest <= 0.1 ? 0.1 : highest <= 0.2 ? 0.2 : highest <= 0.5 ? 0.5 : 1;
+}
+
 // A line is broken where there is no number; a number without neighbours is a dot.
-std::string LineText(const ChartLine& line)
+std::string LineText(const ChartLine& line, double highest)
 {
     const double step = CHART / static_cast<double>(std::max<std::size_t>(line.shares.size(), 1));
     std::string text;
@@ -134,7 +146,7 @@ std::string LineText(const ChartLine& line)
     for (std::size_t place = 0; place <= line.shares.size(); ++place) {
         if (place < line.shares.size() && line.shares[place] >= 0) {
             points += SvgTenths(LEFT + (static_cast<double>(place) + 0.5) * step) + ","
-                + SvgTenths(MARGIN + (1 - line.shares[place]) * HEIGHT) + " ";
+                + SvgTenths(MARGIN + (1 - line.shares[place] / highest) * HEIGHT) + " ";
         } else if (!points.empty()) {
             const bool isDot = points.find(' ') + 1 == points.size();
             points += isDot ? points : "";
@@ -208,11 +220,12 @@ std::string SvgColumns(const std::string& description, const std::vector<ChartBa
 std::string SvgLines(const std::string& description, const std::vector<std::string>& places,
     const std::vector<ChartLine>& lines)
 {
+    const double highest = HighestShare(lines);
     std::string text = SvgStart("chart", description, WIDTH, static_cast<int>(HEIGHT + AXIS + 2 * MARGIN))
-        + Levels(MARGIN, "50 %", "100 %");
+        + Levels(MARGIN, Percent(highest / 2), Percent(highest));
     double top = MARGIN;
     for (const ChartLine& line : lines) {
-        text += LineText(line) + LineKey(line, top);
+        text += LineText(line, highest) + LineKey(line, top);
         top += ROW;
     }
     return text + Places(places, MARGIN + HEIGHT) + "</svg>\n";

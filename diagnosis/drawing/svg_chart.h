@@ -57,7 +57,7 @@ struct ChartLine {
     std::vector<double> shares;
 };
 
-/// Lines of shares in percent, with their names beside them.
+/// Lines of shares in percent, with their names beside them. The chart reaches up to 10, 20, 50 or 100 percent.
 std::string SvgLines(const std::string& description, const std::vector<std::string>& places,
     const std::vector<ChartLine>& lines);
 

@@ -148,7 +148,7 @@ OpenCounter CountOpen(Questions& questions, const Definitions& definitions, std:
     questions.Ask("SELECT open_check.bundle, check_def.tree_def, ifnull((SELECT verdict = 'undecided' FROM tree "
                   "JOIN outcome_def ON outcome_def.id = tree.outcome_def WHERE tree.bundle = open_check.bundle "
                   "AND tree.tree_def = check_def.tree_def), 0), check_def.id FROM open_check CROSS JOIN check_def "
-                  "ON check_def.id = open_check.check_def ORDER BY open_check.bundle, open_check.check_def",
+                  "ON check_def.id = open_check.check_def ORDER BY open_check.bundle, check_def.tree_def",
         [&](const Statement& row) {
             if (const Definition* const definition = definitions.Of(row.Integer(3))) {
                 ++checks;

@@ -76,7 +76,7 @@ void RepairEffects::RepairBefore(std::int64_t moment)
 void RepairEffects::Repair(Course& course, std::int64_t moment) const
 {
     CloseBefore(course, moment);
-    if (course.IsDone() || course.seen == Outcome::GONE) {
+    if (course.IsDone()) {
         return;
     }
     if (course.last != Answer::THERE) {

@@ -65,6 +65,12 @@ TEST(SvgChartTest, ALineIsBrokenWhereThereIsNoNumber)
     EXPECT_TRUE(IsWellFormed(svg)) << svg;
 }
 
+TEST(SvgChartTest, LinesOfSmallSharesAreDrawnLarger)
+{
+    const std::string svg = SvgLines("Shares", {"a"}, {{"line1", "small", {0.15}}, {"line2", "none", {-1}}});
+    EXPECT_THAT(svg, AllOf(HasSubstr(">20 %</text>"), HasSubstr(">10 %</text>"), HasSubstr("points=\"508.0,53.0 ")));
+}
+
 TEST(SvgChartTest, AMatrixIsShadedByTheShareOfItsRow)
 {
     const std::string svg = SvgMatrix("Pairs", {{"A", "<B>"}, {{100, 50}, {50, 60}}});

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <tuple>
 
 #include "diagnosis/bundle/bundle_overlay.h"
 #include "diagnosis/results_report/bundle_figures.h"
@@ -148,6 +149,24 @@ TEST(FleetReaderTest, ChecksThatLackTheLogAreOneSourceInATreeThatSaysSo)
         "log_unavailable () 2 in 1, 1 trees", std::string("no_value (table t of ") + DERIVED_DATABASE + ") 1 in 1, 1 trees"));
 }
 
+TEST(FleetReaderTest, OfSeveralReasonsWhyTheLogIsMissingTheFirstCounts)
+{
+    FleetDatabase database;
+    database.Bundle("a", "").Tree("T", "undecided", false).Open("X", "no_data", "log_unavailable")
+        .Open("Y", "no_data", "log_damaged");
+    EXPECT_THAT(Texts(database.Read().open.bySource), ElementsAre("log_unavailable () 2 in 1, 1 trees"));
+}
+
+TEST(FleetReaderTest, ATreeCountsOnceForASourceInWhateverOrderItsChecksWereSeenFirst)
+{
+    FleetDatabase database;
+    database.Bundle("a", "").Tree("T", "undecided", false).Open("X", "no_data", "no_value");
+    database.Tree("U", "undecided", false).Open("Y", "no_data", "no_value");
+    database.Bundle("b", "").Tree("T", "undecided", false).Open("X", "no_data", "no_value").Open("Z", "no_data", "no_value");
+    database.Tree("U", "undecided", false).Open("Y", "no_data", "no_value");
+    EXPECT_THAT(Texts(database.Read().open.bySource), ElementsAre("no_value () 5 in 2, 4 trees"));
+}
+
 TEST(FleetReaderTest, SourcesBeyondTheListAreAddedUp)
 {
     FleetDatabase database;
@@ -241,6 +260,63 @@ TEST(FleetReaderTest, DevicesAreFollowedThroughTheirBundles)
     EXPECT_THAT(Texts(repairs.effects), ElementsAre("FAN: 1 again 1 gone 2 not; without 1 again 0 gone 1 not"));
 }
 
+TEST(FleetReaderTest, ATrendHasAsManyWeeksAsItMayAndOfEqualOnesTheLast)
+{
+    for (const auto& [later, weeks, before] :
+        {std::tuple("2024-05-19 12:00:00", 104U, 0U), std::tuple("2024-05-20 12:00:00", 1U, 1U)}) {
+        FleetDatabase database;
+        database.Bundle("a", "2022-05-23 12:00:00").Bundle("b", later);
+        const FleetTrend trend = database.Read().trend;
+        ASSERT_EQ(trend.weeks.size(), weeks);
+        EXPECT_EQ(trend.before, before);
+        EXPECT_EQ(trend.weeks.back().monday, weeks == 1 ? "2024-05-20" : "2024-05-13");
+    }
+}
+
+TEST(FleetReaderTest, RepairsOfDevicesWithoutBundlesDoNotHideThoseOfOthers)
+{
+    FleetDatabase database;
+    database.Bundle("a", "2024-05-01 12:00:00", "a").Repaired("FAN", "2024-04-01 12:00:00").Failed("bad_bundle");
+    database.Bundle("b1", "2024-05-01 12:00:00", "b").Tree("T", "fault").Cause("HOT", {"FAN"});
+    database.Bundle("b2", "2024-05-03 12:00:00", "b").Tree("T", "no_fault").Repaired("FAN", "2024-05-02 12:00:00");
+    EXPECT_THAT(Texts(database.Read().repairs.effects), ElementsAre("FAN: 0 again 1 gone 1 not; without 0 again 0 gone 0 not"));
+}
+
+TEST(FleetReaderTest, AFailedBundleDoesNotShowADevice)
+{
+    FleetDatabase database;
+    database.Bundle("b1", "2024-05-01 12:00:00", "b").Tree("T", "fault").Cause("HOT", {"FAN"});
+    database.Bundle("b2", "2024-05-03 12:00:00", "b").Repaired("FAN", "2024-05-02 12:00:00").Failed("timeout");
+    EXPECT_EQ(database.Read().repairs.effects.at(0).notSeenAfter, 1U);
+}
+
+TEST(FleetReaderTest, AnotherFaultOfTheTreeWithOpenChecksDoesNotExcludeTheFault)
+{
+    FleetDatabase database;
+    database.Bundle("b1", "2024-05-01 12:00:00", "b").Tree("T", "fault").Cause("HOT", {"FAN"});
+    database.Bundle("b2", "2024-05-03 12:00:00", "b").Tree("T", "fault", false).Cause("OLD")
+        .Repaired("FAN", "2024-05-02 12:00:00");
+    EXPECT_EQ(database.Read().repairs.effects.at(0).notToldAfter, 1U);
+}
+
+TEST(FleetReaderTest, AFaultIsGoneIfAllTreesOfItsCausesSaySo)
+{
+    FleetDatabase database;
+    const auto bundle = [&database](const char* name, const char* now) -> FleetDatabase& {
+        return database.Bundle(name, now, "a");
+    };
+    bundle("a1", "2024-05-01 12:00:00").Tree("Z", "fault").Cause("HOT", {"FAN"}).Tree("A", "fault").Cause("HOT", {"FAN"});
+    bundle("a2", "2024-05-03 12:00:00").Tree("Z", "no_fault").Tree("A", "not_applicable")
+        .Repaired("FAN", "2024-05-02 12:00:00");
+    EXPECT_EQ(database.Read().repairs.effects.at(0).notToldAfter, 1U);
+    FleetDatabase other;
+    other.Bundle("b1", "2024-05-01 12:00:00", "b").Tree("Z", "fault").Cause("HOT", {"FAN"}).Tree("A", "fault")
+        .Cause("HOT", {"FAN"});
+    other.Bundle("b2", "2024-05-03 12:00:00", "b").Tree("Z", "no_fault").Tree("A", "no_fault")
+        .Repaired("FAN", "2024-05-02 12:00:00");
+    EXPECT_EQ(other.Read().repairs.effects.at(0).repaired.gone, 1U);
+}
+
 TEST(FleetReaderTest, DaysToFollowAreThoseThatWereAskedFor)
 {
     for (const auto& [days, expected] : {std::pair(18, "FAN: 0 again 0 gone 1 not; without 0 again 0 gone 0 not"),
@@ -297,6 +373,19 @@ TEST(FleetReaderTest, ADatabaseThatLacksATableIsToldAsSuch)
     const auto failure = ReadFleet(database.Path(), 30, fleet);
     ASSERT_TRUE(failure);
     EXPECT_THAT(failure->message, testing::EndsWith("results.db: no such table: repaired"));
+}
+
+TEST(FleetReaderTest, ARootCauseWithoutItsDefinitionIsPassedOver)
+{
+    FleetDatabase database;
+    database.Bundle("a", "").Tree("T", "fault").Cause("X");
+    database.Read();
+    Connection connection;
+    ASSERT_TRUE(connection.Open(database.Path(), Connection::Mode::CREATE));
+    ASSERT_TRUE(connection.Execute("INSERT INTO root_cause VALUES (1, 0), (1, 7), (2, 0)"));
+    Fleet fleet;
+    ASSERT_FALSE(ReadFleet(database.Path(), 30, fleet));
+    EXPECT_THAT(Texts(fleet.causes.causes), ElementsAre("T/X 1"));
 }
 
 // Random fleets: every list adds up to the numbers above it.

@@ -112,6 +112,7 @@ INSTANTIATE_TEST_SUITE_P(Table, RepairEffectOfOneDevice, testing::Values(
     HistoryCase{"IsFollowedFromTheLastRepairWithoutAnAnswerBetween", "+1 r2 r20 +45", AGAIN},
     HistoryCase{"KeepsTheFirstReasonWhyItIsNotFollowed", "r1 +2 r3 ?4", NOT_BEFORE},
     HistoryCase{"IsRepairedAgainAfterAnAnswer", "+1 r2 -3 r4 +5", AGAIN},
+    HistoryCase{"HasItsRepairsInAnyOrder", "+1 r20 r2 -3", GONE},
     HistoryCase{"WithoutRepairShowsItAgain", "+1 +5", OTHER_AGAIN},
     HistoryCase{"WithoutRepairIsSoundLater", "+1 -5", OTHER_GONE},
     HistoryCase{"WithoutRepairCountsFromTheFirstBundleThatIsFollowed", "+1 +40 -41", OTHER_GONE},
