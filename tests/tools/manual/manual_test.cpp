@@ -132,7 +132,7 @@ TEST(ManualTest, ThePageHasTheOptionsOfTheHelpAndTellsOfEach)
     const std::string command = Page("command.md");
     const auto told = OptionsIn(command.substr(command.find("\nResults go to")) + Page("explain.md") + Page("batch.md")
         + Page("lint.md") + Page("cases.md") + Page("rules.md") + Page("sweep.md") + Page("redaction.md") + Page("compare.md")
-        + Page("results.md"));
+        + Page("results.md") + Page("results-report.md"));
     for (const Words& words : AllCommands()) {
         auto options = LongOptions(words);
         options.erase("--help");

@@ -22,6 +22,8 @@ void AddTestCommand(Command app, ExitStatus& status);
 void AddLogCommand(Command app, ExitStatus& status);
 void AddCompareCommand(Command app, ExitStatus& status);
 void AddBundleCommand(Command app, ExitStatus& status);
+/// Adds "report" to the command "results".
+void AddResultsReportCommand(Command results, ExitStatus& status);
 /// Adds "help" and "completion", which show all commands of `app`, including those that are added later.
 void AddHelpCommand(Command app, ExitStatus& status);
 

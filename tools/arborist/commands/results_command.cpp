@@ -141,6 +141,7 @@ void AddResultsCommand(Command app, ExitStatus& status)
     results.Footer("Example:\n  arborist results import results.jsonl --to results.db");
     AddImportCommand(results, status);
     AddDiffCommand(results, status);
+    AddResultsReportCommand(results, status);
 }
 
 } // namespace diagnosis::command
