@@ -200,7 +200,8 @@ void RunEntered(const BundleSession& session, const DetectionOptions& options, D
     report.subject.deviceId.clear();
     report.moment = FormatMoment(session.Now()).value_or("");
     if (options.isForLine) {
-        report.ruleSet = DigestOf(rule_source::ReadRuleSetContents(RulePaths(report.subject)));
+        const auto contents = rule_source::ReadRuleSetContents(RulePaths(report.subject));
+        report.ruleSet = options.ruleSets != nullptr ? options.ruleSets->Digest(contents) : DigestOf(contents);
     }
     Detection(session, options).Run(report);
     ShowPaths(session, report);

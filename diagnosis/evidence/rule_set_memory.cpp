@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <functional>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "arborist/frame/rule_set_summary.h"
+#include "diagnosis/digest/digest.h"
 
 namespace diagnosis {
 
@@ -35,12 +35,6 @@ std::vector<std::string> PrefixesIn(const std::string& folder)
     return prefixes;
 }
 
-// A file that can't be read is like an empty one.
-std::size_t DigestOf(const rule_source::SourceFile::Content& file)
-{
-    return std::hash<std::string>()(file.text);
-}
-
 std::shared_ptr<const RuleSetWarnings> WarningsOf(rule_source::RuleSetContents contents, const std::string& tag)
 {
     return std::make_shared<RuleSetWarnings>(rule_source::ParseRuleSetFiles(std::move(contents)), tag);
@@ -56,7 +50,7 @@ std::shared_ptr<const RuleSetWarnings> CheckRuleSet(const RuleSetPaths& paths, c
 std::shared_ptr<const RuleSetWarnings> RuleSetMemory::Check(const RuleSetPaths& paths, const std::string& tag)
 {
     auto contents = rule_source::ReadRuleSetContents(paths);
-    const Key key(paths.treeFile, paths.ruleFile, tag, DigestOf(contents.trees), DigestOf(contents.rules));
+    const Key key(paths.treeFile, paths.ruleFile, tag, DigestOfTexts(contents));
     if (const auto known = mKnown.find(key); known != mKnown.end()) {
         return known->second;
     }
@@ -64,6 +58,41 @@ std::shared_ptr<const RuleSetWarnings> RuleSetMemory::Check(const RuleSetPaths& 
         mKnown.clear();
     }
     return mKnown[key] = WarningsOf(std::move(contents), tag);
+}
+
+std::string RuleSetMemory::Digest(const rule_source::RuleSetContents& contents)
+{
+    return rule_source::AreRead(contents) ? rule_source::DIGEST_KIND + DigestOfTexts(contents) : "";
+}
+
+// A file that can't be read is like an empty one.
+const std::string& RuleSetMemory::DigestOfTexts(const rule_source::RuleSetContents& contents)
+{
+    const std::string& trees = contents.trees.text;
+    const std::string& rules = contents.rules.text;
+    const auto known = std::find_if(mTexts.begin(), mTexts.end(),
+        [&](const Texts& texts) { return texts.trees == trees && texts.rules == rules; });
+    if (known != mTexts.end()) {
+        return known->digest;
+    }
+    ++mComputed;
+    MakeRoomFor(trees.size() + rules.size());
+    return mTexts.emplace_back(Texts{trees, rules, Sha256HexOf({trees, rules})}).digest;
+}
+
+// The texts that come next are kept whatever their size: until others take their place.
+void RuleSetMemory::MakeRoomFor(std::size_t bytes)
+{
+    const auto isFull = [&] {
+        std::size_t kept = bytes;
+        for (const Texts& texts : mTexts) {
+            kept += texts.Bytes();
+        }
+        return mTexts.size() >= MOST_TEXTS || kept > MOST_BYTES;
+    };
+    while (!mTexts.empty() && isFull()) {
+        mTexts.pop_front();
+    }
 }
 
 void RuleSetMemory::CheckFolder(const std::string& folder)
@@ -76,12 +105,11 @@ void RuleSetMemory::CheckFolder(const std::string& folder)
 void RuleSetMemory::CheckTags(const RuleSetPaths& paths)
 {
     auto contents = rule_source::ReadRuleSetContents(paths);
-    const std::size_t trees = DigestOf(contents.trees);
-    const std::size_t rules = DigestOf(contents.rules);
+    const std::string digest = DigestOfTexts(contents);
     const rule_source::RuleSetFiles files = rule_source::ParseRuleSetFiles(std::move(contents));
     for (const std::string& tag : rule_source::TagsOf(files.TreeRoot(), rule_source::Element())) {
         if (mKnown.size() < LARGEST_NUMBER) {
-            mKnown[Key(paths.treeFile, paths.ruleFile, tag, trees, rules)] = std::make_shared<RuleSetWarnings>(files, tag);
+            mKnown[Key(paths.treeFile, paths.ruleFile, tag, digest)] = std::make_shared<RuleSetWarnings>(files, tag);
         }
     }
 }

@@ -40,11 +40,14 @@ RuleSetFiles ReadRuleSetFiles(const std::string& folder, const std::string& pref
     return ReadRuleSetFiles(RuleSetPaths{start + "FaultTrees.xml", start + "FaultTreeRules.xml"});
 }
 
+bool AreRead(const RuleSetContents& contents)
+{
+    return contents.trees.state == SourceFile::State::LOADED && contents.rules.state == SourceFile::State::LOADED;
+}
+
 std::string DigestOf(const RuleSetContents& contents)
 {
-    const bool areRead = contents.trees.state == SourceFile::State::LOADED
-        && contents.rules.state == SourceFile::State::LOADED;
-    return areRead ? "sha256:" + Sha256HexOf({contents.trees.text, contents.rules.text}) : "";
+    return AreRead(contents) ? DIGEST_KIND + Sha256HexOf({contents.trees.text, contents.rules.text}) : "";
 }
 
 RuleSetContents ReadRuleSetContents(const RuleSetPaths& paths)

@@ -42,7 +42,11 @@ struct RuleSetContents {
     SourceFile::Content rules;
 };
 RuleSetContents ReadRuleSetContents(const RuleSetPaths& paths);
-/// "sha256:" and the digest of both files, which is that of another rule set if a byte is another one or in the other file;
+/// Whether both files could be read, XML or not.
+bool AreRead(const RuleSetContents& contents);
+/// Before a digest, names how it was made.
+inline constexpr char DIGEST_KIND[] = "sha256:";
+/// DIGEST_KIND and the digest of both files, which is that of another rule set if a byte is another one or in the other file;
 /// empty if a file can't be read. Nothing but the bytes counts: neither paths nor whether they are XML.
 std::string DigestOf(const RuleSetContents& contents);
 

@@ -236,6 +236,41 @@ TEST(RuleSetMemory, TellsEveryBundleOfARememberedRuleSet)
     EXPECT_EQ(Texts(second.warnings), Texts(first.warnings));
 }
 
+TEST(RuleSetMemory, HashesEqualFilesOnce)
+{
+    const TempDir dir;
+    dir.Write("FaultTrees.xml", "<F><T/></F>");
+    dir.Write("FaultTreeRules.xml", "<R/>");
+    diagnosis::RuleSetMemory memory;
+    memory.CheckFolder(".");
+    const auto contents = diagnosis::rule_source::ReadRuleSetContents({"FaultTrees.xml", "FaultTreeRules.xml"});
+    const std::string digest = DigestOf(contents);
+    EXPECT_THAT(digest, testing::StartsWith("sha256:"));
+    EXPECT_EQ(memory.Digest(contents), digest);
+    EXPECT_EQ(memory.CountDigests(), 1U);
+    dir.Write("other/FaultTrees.xml", "<F><T/></F>");
+    dir.Write("other/FaultTreeRules.xml", "<R/>");
+    EXPECT_EQ(memory.Digest(diagnosis::rule_source::ReadRuleSetContents(
+                  {"other/FaultTrees.xml", "other/FaultTreeRules.xml"})), digest);
+    EXPECT_EQ(memory.CountDigests(), 1U);
+    EXPECT_EQ(memory.Digest(diagnosis::rule_source::ReadRuleSetContents({"FaultTrees.xml", "nowhere"})), "");
+}
+
+TEST(RuleSetMemory, TellsRuleSetsWithOneByteOfDifferenceApart)
+{
+    const TempDir dir;
+    diagnosis::RuleSetMemory memory;
+    for (int round = 0; round < 2; ++round) {
+        for (int number = 0; number < 20; ++number) { // more than are kept
+            dir.Write("t", "<F" + std::string(1, static_cast<char>('a' + number)) + "/>");
+            dir.Write("r", "<R/>");
+            const auto contents = diagnosis::rule_source::ReadRuleSetContents({"t", "r"});
+            EXPECT_EQ(memory.Digest(contents), DigestOf(contents));
+        }
+    }
+    EXPECT_EQ(memory.CountDigests(), 40U);
+}
+
 TEST(RuleSetWarnings, OfOneKindAreCountedBeyondAHundred)
 {
     const TempDir dir;
