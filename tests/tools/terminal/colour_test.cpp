@@ -79,6 +79,7 @@ std::vector<View> AllViews()
         {{"bundle", "verify"}, {"b", "--json"}, false},
         {{"results", "import"}, {"lines.jsonl", "--to", "new"}, false},
         {{"results", "diff"}, {"lines.jsonl", "lines.jsonl"}, false},
+        {{"results", "report"}, {"r.db", "--json"}, false},
         {{"compare"}, {"--rules", "rules", "--rules", "changed", "--batch", "list"}, true},
         {{"help"}, {"detect"}, false},
         {{"completion"}, {"bash"}, false},
@@ -115,6 +116,7 @@ protected:
         mDir.Write("psa.xml", "<opsa-mef/>");
         mDir.Write("list", "b\n");
         mDir.Write("lines.jsonl", RunArborist({"detect", "--json", "b"}).out);
+        EXPECT_EQ(RunArborist({"results", "import", "lines.jsonl", "--to", "r.db"}).status, 0);
         mDir.Write("events.jsonl", R"({"time": 5, "event": 1})" "\n");
         EXPECT_EQ(RunArborist({"rules", "new", "sample"}).status, 0);
         EXPECT_EQ(RunArborist({"log", "import", "events.jsonl", "--to", "log.db"}).status, 0);
