@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "arborist/arborist_export.h"
+#include "arborist/frame/comparable.h"
 #include "arborist/frame/evidence_words.h"
 
 namespace Evidence {
@@ -63,9 +64,7 @@ public:
     /// The number of open checks; see IsOpen.
     std::size_t Open() const;
 
-#if defined(__cpp_impl_three_way_comparison)
-    bool operator==(const CheckCounts&) const = default;
-#endif
+    ARBORIST_COMPARABLE(CheckCounts)
 
 private:
     std::array<std::size_t, static_cast<std::size_t>(Check::RULE_UNUSABLE) + 1> mCounts = {};

@@ -7,6 +7,7 @@
 
 #include "arborist/arborist_export.h"
 #include "arborist/frame/check.h"
+#include "arborist/frame/comparable.h"
 
 namespace Evidence {
 
@@ -25,9 +26,7 @@ struct OpenCheck {
     /// True if the event is TRUE although its check is open.
     bool restsOnDefault = false;
 
-#if defined(__cpp_impl_three_way_comparison)
-    bool operator==(const OpenCheck&) const = default;
-#endif
+    ARBORIST_COMPARABLE(OpenCheck)
 };
 
 /// The result of a detection for one tree, and how reliable it is.
@@ -55,9 +54,7 @@ struct TreeVerdict {
         /// The path of each member, ids from the top down joined by "/".
         std::vector<std::string> cutSet;
 
-#if defined(__cpp_impl_three_way_comparison)
-        bool operator==(const PossibleCause&) const = default;
-#endif
+        ARBORIST_COMPARABLE(PossibleCause)
     };
 
     /// The verdict.
@@ -76,9 +73,7 @@ struct TreeVerdict {
     /// the top event of a tree without checks.
     std::vector<OpenCheck> open;
 
-#if defined(__cpp_impl_three_way_comparison)
-    bool operator==(const TreeVerdict&) const = default;
-#endif
+    ARBORIST_COMPARABLE(TreeVerdict)
 };
 
 /// "fault", "undecided", "no_fault", "not_applicable".
