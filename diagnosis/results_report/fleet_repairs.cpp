@@ -98,7 +98,7 @@ std::string Explanation(std::int64_t days)
 std::string Missing(const RepairFigures& repairs)
 {
     std::string text = repairs.devices == 0
-        ? Paragraph("No result names a device: bundles need a \"deviceId\" and the batch a key for it.") : "";
+        ? Paragraph("No result names a device: bundles need a \"deviceId\", and the batch the option --device-key.") : "";
     text += repairs.devices != 0 && repairs.effects.empty()
         ? Paragraph("No device has a repair on record that a root cause of these results names.") : "";
     text += repairs.leftOut != 0
