@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 
 #include "diagnosis/bundle/moment.h"
 #include "diagnosis/sqlite/connection.h"
@@ -38,7 +39,8 @@ std::vector<RepairRecord> TakeLaterRepairs(std::vector<RepairRecord>& records, s
         const auto time = ParseMoment(record.date);
         return !time || *time <= moment;
     });
-    std::vector<RepairRecord> taken(later, records.end());
+    std::vector<RepairRecord> taken;
+    std::move(later, records.end(), std::back_inserter(taken));
     records.erase(later, records.end());
     return taken;
 }
