@@ -9,7 +9,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
 EXAMPLES = ROOT / "examples" / "fleet"
-SECONDS = re.compile(r', "seconds": [-+.e\d]+(?=})')
+SECONDS = re.compile(r', "seconds": [-+.e\d]+(?=[,}])')
 BUNDLE = re.compile(r'"bundle": "([^"]*)"')
 
 

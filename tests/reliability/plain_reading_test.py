@@ -33,8 +33,9 @@ def detected(arborist, folder, numbers):
     answers = {}
     for line in batch.stdout.splitlines():
         found = json.loads(line)
-        answers[int(Path(found["bundle"]).name)] = found.get("error") or [
-            (tree["treeId"], [cause["id"] for cause in tree["rootCauses"]]) for tree in found["results"]]
+        answers[int(Path(found["bundle"]).name)] = [
+            (tree["treeId"], [cause["id"] for cause in tree["rootCauses"]]) for tree in found["results"]
+        ] if found["ok"] else found["error"]
     return answers
 
 
