@@ -57,7 +57,7 @@ public:
         if (bundle != mBundle) {
             EndBundle();
             mBundle = bundle;
-            mMoment = moment;
+            mWeek = moment ? mWeeks.Of(*moment) : nullptr;
         }
         for (std::size_t rank = 0; rank < mCounts.size(); ++rank) {
             mFound[rank] = mFound[rank] || mCommonest[rank] == cause;
@@ -66,13 +66,12 @@ public:
 
     void EndBundle()
     {
-        FleetWeek* const week = mMoment && mFound.any() ? mWeeks.Of(*mMoment) : nullptr;
         for (std::size_t one = 0; one < mCounts.size(); ++one) {
             for (std::size_t other = 0; mFound[one] && other < mCounts.size(); ++other) {
                 mCounts[one][other] += mFound[other] ? 1 : 0;
             }
-            if (week != nullptr && one < week->causes.size() && mFound[one]) {
-                ++week->causes[one];
+            if (mWeek != nullptr && one < mWeek->causes.size() && mFound[one]) {
+                ++mWeek->causes[one];
             }
         }
         mFound.reset();
@@ -83,7 +82,7 @@ private:
     const TrendWeeks& mWeeks;
     std::vector<std::vector<std::uint64_t>>& mCounts;
     std::int64_t mBundle = NO_BUNDLE;
-    std::optional<std::int64_t> mMoment;
+    FleetWeek* mWeek = nullptr;
     std::bitset<CommonCauses::MOST_TOGETHER> mFound;
 };
 
