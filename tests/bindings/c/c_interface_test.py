@@ -86,7 +86,7 @@ class CInterfaceTest(UnchangedInputs):
         Path("broken").mkdir(exist_ok=True)
         Path("broken/bundle.json").write_text("{")
         Path("lacking").mkdir(exist_ok=True)
-        Path("lacking/bundle.json").write_text('{"detectScene": 1, "treeTag": "Laptop"}')
+        Path("lacking/bundle.json").write_text('{"detectScene": 1, "treeTag": "Laptop", "now": "2024-05-20 12:00:00"}')
         for bundle, code, status in [("nowhere", "no_bundle", 4), ("broken", "bad_json", 4),
                                      ("lacking", "rule_file_missing", 3)]:
             for operation, arguments in [("detect", ["detect", "--json", bundle]), ("explain", ["explain", "--json", bundle]),
