@@ -11,6 +11,7 @@ import argparse
 import json
 import os
 import sys
+from collections import Counter
 from pathlib import Path
 
 import arborist
@@ -30,23 +31,46 @@ def diagnose(folder, bundles):
     return [line_of(bundle, f"{folder}/rules") for bundle in bundles]
 
 
+def lines_of(path):
+    """The lines of a file, which line feeds alone end: names and texts may have other separators of lines."""
+    return path.read_bytes().decode("utf-8", "surrogateescape").split("\n") if path.exists() else []
+
+
 def kept_lines(results):
     """The lines of an earlier run that count: whole ones, and no failures that another try may mend."""
-    lines = results.read_text().splitlines(keepends=True) if results.exists() else []
-    whole = [line for line in lines if line.endswith("\n")]
-    return [line for line in whole if not json.loads(line).get("error", {}).get("retry")]
+    whole = lines_of(results)[:-1]
+    return [line for line in whole if not json.loads(line)["error"]["retry"]]
+
+
+def rest_of(bundles, kept):
+    """The bundles that have no line yet; one that is listed twice needs two."""
+    done = Counter(json.loads(line)["bundle"] for line in kept)
+    rest = []
+    for bundle in filter(None, bundles):
+        if done[bundle] > 0:
+            done[bundle] -= 1
+        else:
+            rest.append(bundle)
+    return rest
+
+
+def write_anew(results, lines):
+    """Puts the lines in place of what is there at once, so that a run which is ended meanwhile loses none."""
+    part = results.with_name(results.name + ".new")
+    with part.open("w", encoding="utf-8", errors="surrogateescape", newline="\n") as out:
+        out.writelines(line + "\n" for line in lines)
+    part.replace(results)
 
 
 def run(client, folder, piece):
     results = folder / "results.jsonl"
     kept = kept_lines(results)
-    done = {json.loads(line)["bundle"] for line in kept}
-    rest = [bundle for bundle in (folder / "bundles.txt").read_text().splitlines() if bundle not in done]
+    rest = rest_of(lines_of(folder / "bundles.txt"), kept)
     pieces = [rest[first:first + piece] for first in range(0, len(rest), piece)]
     futures = client.map(diagnose, [str(folder)] * len(pieces), pieces, pure=False)
+    write_anew(results, kept)
     lost = 0
-    with results.open("w") as out:
-        out.writelines(kept)
+    with results.open("a", encoding="utf-8", errors="surrogateescape", newline="\n") as out:
         for future in as_completed(futures):
             if future.status == "finished":
                 out.writelines(line.rstrip("\n") + "\n" for line in future.result())

@@ -4,6 +4,7 @@
 
 ENGINE is parallel, snakemake, cwl, dask or kubernetes; bundles and shard are what all engines share.
 """
+import importlib.util
 import json
 import os
 import re
@@ -13,6 +14,7 @@ import subprocess
 import sys
 import time
 import unittest
+from pathlib import Path
 
 import fleet
 
@@ -177,6 +179,18 @@ class DaskTest(FleetTest):
         text = (self.fleet.folder / "results.jsonl").read_text()
         self.assertEqual(text.splitlines(True)[:len(first)], first)
         self.expect_all_lines(text)
+
+    def test_names_may_have_other_separators_of_lines_and_stand_in_the_list_twice(self):
+        spec = importlib.util.spec_from_file_location("dask_fleet", fleet.EXAMPLES / "dask_fleet.py")
+        dask_fleet = importlib.util.module_from_spec(spec)
+        spec.loader.exec_module(dask_fleet)
+        earlier = Path(self.scratch) / "earlier.jsonl"
+        earlier.write_text('{"bundle": "a\u2028b", "error": {"retry": false}}\n{"bundle": "a\u2028b", "err', encoding="utf-8")
+        kept = dask_fleet.kept_lines(earlier)
+        self.assertEqual(len(kept), 1)
+        self.assertEqual(dask_fleet.rest_of(["a\u2028b", "c", "a\u2028b", ""], kept), ["c", "a\u2028b"])
+        dask_fleet.write_anew(earlier, kept)
+        self.assertEqual(dask_fleet.kept_lines(earlier), kept)
 
     def kill_a_busy_worker(self, cluster, run):
         """Kills the process of a worker that has a piece, after the first lines were written."""
