@@ -141,6 +141,8 @@ private:
         }
         if (!entry.isMember("members")) {
             Wrong("\"log.members\" is missing");
+        } else if (entry["members"].empty()) {
+            Wrong("\"log.members\" names no member");
         }
         if (entry.isMember("events")) {
             const auto ranges = entry["events"].isString() ? ParseIdRanges(entry["events"].asString()) : std::nullopt;

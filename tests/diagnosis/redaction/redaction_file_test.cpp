@@ -60,6 +60,8 @@ INSTANTIATE_TEST_SUITE_P(Table, BadRedactionFile, testing::Values(
     BadFileCase{"MisspeltKey", R"({"key": "0123456789abcdef", "node": ["x"]})", "unknown key \"node\"; did you mean \"nodes\"?"},
     BadFileCase{"MisspeltMembers", R"({"key": "0123456789abcdef", "log": [{"member": ["x"]}]})",
         "unknown key \"log.member\"; did you mean \"members\"?; \"log.members\" is missing"},
+    BadFileCase{"NoMembers", R"({"key": "0123456789abcdef", "log": [{"members": []}, {"members": null}]})",
+        "\"log.members\" names no member; \"log.members\" names no member"},
     BadFileCase{"PlaceOfTheBundle", R"({"key": "0123456789abcdef", "bundle": ["ruleFileDir", "device.Cpuname"]})",
         "\"bundle\" can't replace \"ruleFileDir\"; \"bundle\" can't replace \"device.Cpuname\"; did you mean \"device.CpuName\"?"},
     BadFileCase{"NoPattern", R"({"key": "0123456789abcdef", "nodes": ["["]})",

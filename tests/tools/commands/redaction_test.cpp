@@ -143,6 +143,10 @@ TEST_F(RedactionTest, WhatCannotBeRedactedIsNotPacked)
     const auto wrong = Pack({"b", "--redact", "redaction.json", "-o", "r.zip"});
     EXPECT_EQ(wrong.err, "arborist: redaction.json: unknown key \"logs\"; did you mean \"log\"?\n");
     EXPECT_EQ(wrong.status, 2);
+    WriteRedaction(R"(, "log": [], "results": ["bundle"])");
+    const auto nothing = Pack({"b", "--redact", "redaction.json", "-o", "r.zip"});
+    EXPECT_EQ(nothing.err, "arborist: redaction.json: lists nothing that a bundle has\n");
+    EXPECT_EQ(nothing.status, 2);
     WriteRedaction(R"(, "log": [{"members": ["USER"]}])");
     fs::remove(mDir.Path("b") + LOG_OF_BUNDLE + "-wal");
     mDir.Write("b" + std::string(LOG_OF_BUNDLE), "no log, but " + SECRET);

@@ -37,7 +37,10 @@ bool HasRedaction(BundleOptions& options)
     }
     const auto redaction = std::make_shared<Redaction>();
     options.capture.redaction = redaction;
-    const auto failure = ReadRedactionFile(options.redaction, *redaction);
+    auto failure = ReadRedactionFile(options.redaction, *redaction);
+    if (!failure && redaction->bundleKeys.empty() && redaction->nodes.empty() && redaction->log.empty()) {
+        failure = Failure{"bad_redaction", options.redaction + ": lists nothing that a bundle has"};
+    }
     if (failure) {
         PrintError(failure->message);
     }
