@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <initializer_list>
 
+#include "diagnosis/sqlite/questions.h"
 #include "diagnosis/text/json_writer.h"
 
 namespace diagnosis::results_db {
@@ -42,18 +43,18 @@ RowKey KeyFrom(const Values&... values)
     return key;
 }
 
-void LoadRows(Connection& database, const std::string& sql, Definitions& definitions)
+void LoadRows(Questions& questions, const std::string& sql, Definitions& definitions)
 {
-    auto rows = database.Prepare(sql);
-    while (rows && rows->Step()) {
-        definitions.Know(KeyOf(*rows), rows->Integer(0));
-    }
+    questions.Ask(sql, [&](const Statement& row) { definitions.Know(KeyOf(row), row.Integer(0)); });
 }
 
 /// Rows of a table that belong to causes, read along with these in the order of their numbers.
 class PartsOfCauses {
 public:
-    PartsOfCauses(Connection& database, const std::string& sql) : mRows(database.Prepare(sql)) { Next(); }
+    PartsOfCauses(Questions& questions, const std::string& sql) : mQuestions(questions), mRows(questions.Prepare(sql))
+    {
+        Next();
+    }
 
     /// Appends the rows of this cause to its key.
     void AppendTo(RowKey& key, std::int64_t cause)
@@ -68,25 +69,26 @@ public:
     }
 
 private:
-    void Next() { mIsThere = mRows && mRows->Step(); }
+    void Next() { mIsThere = mRows && mQuestions.Next(*mRows); }
 
+    Questions& mQuestions;
     std::optional<Statement> mRows;
     bool mIsThere = false;
 };
 
-void LoadCauses(Connection& database, Definitions& causes)
+void LoadCauses(Questions& questions, Definitions& causes)
 {
-    PartsOfCauses members(database, "SELECT cause_def, path FROM cut_set_member ORDER BY cause_def, place");
-    PartsOfCauses repairs(database, "SELECT cause_def, repair, extra, operation FROM repair ORDER BY cause_def, place");
-    auto rows = database.Prepare("SELECT id, tree_def, event, name, fault_description, suggestions, user_defined,"
-        " (SELECT count(*) FROM cut_set_member WHERE cause_def = id) FROM cause_def ORDER BY id");
-    while (rows && rows->Step()) {
-        const std::int64_t id = rows->Integer(0);
-        RowKey key = KeyOf(*rows);
+    PartsOfCauses members(questions, "SELECT cause_def, path FROM cut_set_member ORDER BY cause_def, place");
+    PartsOfCauses repairs(questions, "SELECT cause_def, repair, extra, operation FROM repair ORDER BY cause_def, place");
+    const auto know = [&](const Statement& row) {
+        const std::int64_t id = row.Integer(0);
+        RowKey key = KeyOf(row);
         members.AppendTo(key, id);
         repairs.AppendTo(key, id);
         causes.Know(key, id);
-    }
+    };
+    questions.Ask("SELECT id, tree_def, event, name, fault_description, suggestions, user_defined,"
+        " (SELECT count(*) FROM cut_set_member WHERE cause_def = id) FROM cause_def ORDER BY id", know);
 }
 
 std::string Joined(std::vector<std::string> paths)
@@ -117,12 +119,14 @@ DefinitionTables::DefinitionTables(Connection& database, StatementRunner& runner
 
 void DefinitionTables::Load(Connection& database)
 {
-    LoadRows(database, "SELECT * FROM run", mRuns);
-    LoadRows(database, "SELECT * FROM tree_def", mTrees);
-    LoadRows(database, "SELECT * FROM outcome_def", mOutcomes);
-    LoadRows(database, "SELECT * FROM check_def", mChecks);
-    LoadRows(database, "SELECT * FROM warning_def", mWarnings);
-    LoadCauses(database, mCauses);
+    Questions questions(database);
+    LoadRows(questions, "SELECT * FROM run", mRuns);
+    LoadRows(questions, "SELECT * FROM tree_def", mTrees);
+    LoadRows(questions, "SELECT * FROM outcome_def", mOutcomes);
+    LoadRows(questions, "SELECT * FROM check_def", mChecks);
+    LoadRows(questions, "SELECT * FROM warning_def", mWarnings);
+    LoadCauses(questions, mCauses);
+    mRunner.Note(questions.Problem());
 }
 
 std::int64_t DefinitionTables::Run(const std::string& engine, const std::string& ruleSet)

@@ -26,15 +26,14 @@ TreeVerdict VerdictOf(const std::string& word)
 // Passes what `values` has for the first column of each row of a statement whose only parameter is `id`. A row that refers
 // to nothing, as in a damaged database, is passed over.
 template <typename Values, typename Take>
-void ForEachOf(std::optional<Statement>& statement, std::int64_t id, const Values& values, Take take)
+void ForEachOf(Questions& questions, Statement& statement, std::int64_t id, const Values& values, Take take)
 {
-    statement->Bind(1, id);
-    while (statement->Step()) {
-        if (const auto value = values.find(statement->Integer(0)); value != values.end()) {
-            take(value->second, *statement);
+    statement.Bind(1, id);
+    questions.Ask(statement, [&](const Statement& row) {
+        if (const auto value = values.find(row.Integer(0)); value != values.end()) {
+            take(value->second, row);
         }
-    }
-    statement->Reset();
+    });
 }
 
 } // namespace
@@ -101,67 +100,58 @@ void DiffCatalogue::BeginLaterSide()
     ++mSide;
 }
 
-DiffSide::DiffSide(Connection& database, DiffCatalogue& catalogue)
-    // A line without moment, and one that failed, come last; equal lines in an order that doesn't depend on the import.
-    : mBundles(database.Prepare("SELECT name, bundle.id, ok, ifnull(datetime(now, 'unixepoch'), ''), microseconds / 1e6"
+DiffSide::DiffSide(Questions& questions, DiffCatalogue& catalogue)
+    : mQuestions(questions),
+      // A line without moment, and one that failed, come last; equal lines in an order that doesn't depend on the import.
+      mBundles(questions.Prepare("SELECT name, bundle.id, ok, ifnull(datetime(now, 'unixepoch'), ''), microseconds / 1e6"
           " FROM bundle JOIN run ON run.id = run ORDER BY name, now DESC, ok DESC, engine DESC, rule_set")),
-      mFindTrees(database.Prepare("SELECT tree_def, outcome_def FROM tree WHERE bundle = ?")),
-      mFindCauses(database.Prepare("SELECT cause_def FROM root_cause WHERE bundle = ?")),
-      mFindChecks(database.Prepare("SELECT check_def FROM open_check WHERE bundle = ?"))
+      mFindTrees(questions.Prepare("SELECT tree_def, outcome_def FROM tree WHERE bundle = ?")),
+      mFindCauses(questions.Prepare("SELECT cause_def FROM root_cause WHERE bundle = ?")),
+      mFindChecks(questions.Prepare("SELECT check_def FROM open_check WHERE bundle = ?"))
 {
-    LoadTrees(database, catalogue);
-    LoadCauses(database, catalogue);
-    LoadChecks(database, catalogue);
-    mHasRow = mBundles && mBundles->Step();
+    LoadTrees(catalogue);
+    LoadCauses(catalogue);
+    LoadChecks(catalogue);
+    mHasRow = NextRow();
 }
 
-bool DiffSide::HasFailed() const
+void DiffSide::LoadTrees(DiffCatalogue& catalogue)
 {
-    return !mBundles || !mFindTrees || !mFindCauses || !mFindChecks;
+    mQuestions.Ask("SELECT id, tree FROM tree_def",
+        [&](const Statement& row) { mTrees[row.Integer(0)] = catalogue.Tree(row.Text(1)); });
+    mQuestions.Ask("SELECT id, verdict FROM outcome_def",
+        [&](const Statement& row) { mOutcomes[row.Integer(0)] = VerdictOf(row.Text(1)); });
 }
 
-void DiffSide::LoadTrees(Connection& database, DiffCatalogue& catalogue)
+void DiffSide::LoadCauses(DiffCatalogue& catalogue)
 {
-    auto trees = database.Prepare("SELECT id, tree FROM tree_def");
-    while (trees && trees->Step()) {
-        mTrees[trees->Integer(0)] = catalogue.Tree(trees->Text(1));
-    }
-    auto outcomes = database.Prepare("SELECT id, verdict FROM outcome_def");
-    while (outcomes && outcomes->Step()) {
-        mOutcomes[outcomes->Integer(0)] = VerdictOf(outcomes->Text(1));
-    }
-}
-
-void DiffSide::LoadCauses(Connection& database, DiffCatalogue& catalogue)
-{
-    auto members = database.Prepare("SELECT cause_def, path FROM cut_set_member ORDER BY cause_def");
-    auto causes = database.Prepare("SELECT cause_def.id, tree, event, name FROM cause_def JOIN tree_def"
-        " ON tree_def.id = tree_def ORDER BY cause_def.id");
-    bool hasMember = members && members->Step();
-    while (causes && causes->Step()) {
+    auto members = mQuestions.Prepare("SELECT cause_def, path FROM cut_set_member ORDER BY cause_def");
+    bool hasMember = members && mQuestions.Next(*members);
+    const auto addCause = [&](const Statement& cause) {
         std::vector<std::string> cutSet;
-        for (; hasMember && members->Integer(0) <= causes->Integer(0); hasMember = members->Step()) {
-            if (members->Integer(0) == causes->Integer(0)) {
+        for (; hasMember && members->Integer(0) <= cause.Integer(0); hasMember = mQuestions.Next(*members)) {
+            if (members->Integer(0) == cause.Integer(0)) {
                 cutSet.push_back(members->Text(1));
             }
         }
-        mCauses[causes->Integer(0)] =
-            catalogue.AddCause(causes->Text(1), std::move(cutSet), causes->Text(2), causes->Text(3));
-    }
+        mCauses[cause.Integer(0)] = catalogue.AddCause(cause.Text(1), std::move(cutSet), cause.Text(2), cause.Text(3));
+    };
+    mQuestions.Ask("SELECT cause_def.id, tree, event, name FROM cause_def JOIN tree_def"
+        " ON tree_def.id = tree_def ORDER BY cause_def.id", addCause);
 }
 
-void DiffSide::LoadChecks(Connection& database, DiffCatalogue& catalogue)
+void DiffSide::LoadChecks(DiffCatalogue& catalogue)
 {
-    auto checks = database.Prepare(
-        "SELECT check_def.id, tree, event, rule, reason FROM check_def JOIN tree_def ON tree_def.id = tree_def");
-    while (checks && checks->Step()) {
+    const auto addCheck = [&](const Statement& row) {
         DiffCatalogue::Check check;
-        check.tree = checks->Text(1);
-        check.event = checks->Text(2);
-        check.rule = checks->Text(3);
-        check.reason = checks->Text(4);
-        mChecks[checks->Integer(0)] = catalogue.AddCheck(check);
-    }
+        check.tree = row.Text(1);
+        check.event = row.Text(2);
+        check.rule = row.Text(3);
+        check.reason = row.Text(4);
+        mChecks[row.Integer(0)] = catalogue.AddCheck(check);
+    };
+    mQuestions.Ask("SELECT check_def.id, tree, event, rule, reason FROM check_def JOIN tree_def ON tree_def.id = tree_def",
+        addCheck);
 }
 
 bool DiffSide::Next()
@@ -170,7 +160,7 @@ bool DiffSide::Next()
     if (!mHasRow) {
         return false;
     }
-    for (mBundle = mBundles->Text(0); mHasRow && mBundles->Text(0) == mBundle; mHasRow = mBundles->Step()) {
+    for (mBundle = mBundles->Text(0); mHasRow && mBundles->Text(0) == mBundle; mHasRow = NextRow()) {
         mLines.push_back({mBundles->Integer(1), mBundles->Integer(2) != 0, mBundles->Text(3), mBundles->Real(4)});
     }
     return true;
@@ -179,13 +169,13 @@ bool DiffSide::Next()
 DiffLine DiffSide::Read(const Line& line)
 {
     DiffLine read;
-    ForEachOf(mFindTrees, line.id, mTrees, [&](DiffCatalogue::Number tree, const Statement& row) {
+    ForEachOf(mQuestions, *mFindTrees, line.id, mTrees, [&](DiffCatalogue::Number tree, const Statement& row) {
         const auto outcome = mOutcomes.find(row.Integer(1));
         read.trees.emplace_back(tree, outcome == mOutcomes.end() ? TreeVerdict::UNDECIDED : outcome->second);
     });
-    ForEachOf(mFindCauses, line.id, mCauses,
+    ForEachOf(mQuestions, *mFindCauses, line.id, mCauses,
         [&read](DiffCatalogue::Number cause, const Statement&) { read.causes.push_back(cause); });
-    ForEachOf(mFindChecks, line.id, mChecks,
+    ForEachOf(mQuestions, *mFindChecks, line.id, mChecks,
         [&read](DiffCatalogue::Number check, const Statement&) { read.checks.push_back(check); });
     // Of several versions of a tree in one line the most serious verdict counts, which is the first in order.
     std::sort(read.trees.begin(), read.trees.end());

@@ -10,7 +10,7 @@
 
 #include "diagnosis/results_db/definitions.h"
 #include "diagnosis/results_db/results_diff.h"
-#include "diagnosis/sqlite/connection.h"
+#include "diagnosis/sqlite/questions.h"
 
 namespace diagnosis::results_db {
 
@@ -86,8 +86,9 @@ public:
         double seconds = 0;
     };
 
-    /// Reads the definitions of the side into the catalogue.
-    DiffSide(Connection& database, DiffCatalogue& catalogue);
+    /// Reads the definitions of the side into the catalogue. What can't be read stays with the questions, and ends the
+    /// bundles.
+    DiffSide(Questions& questions, DiffCatalogue& catalogue);
 
     /// Moves to the next bundle. False at the end.
     bool Next();
@@ -95,16 +96,16 @@ public:
     /// Its lines, the latest moment first.
     const std::vector<Line>& Lines() const { return mLines; }
     DiffLine Read(const Line& line);
-    /// Whether a statement could not be prepared, as of a database that lacks a table.
-    bool HasFailed() const;
 
 private:
     using Numbers = std::map<std::int64_t, DiffCatalogue::Number>;
 
-    void LoadTrees(Connection& database, DiffCatalogue& catalogue);
-    void LoadCauses(Connection& database, DiffCatalogue& catalogue);
-    void LoadChecks(Connection& database, DiffCatalogue& catalogue);
+    void LoadTrees(DiffCatalogue& catalogue);
+    void LoadCauses(DiffCatalogue& catalogue);
+    void LoadChecks(DiffCatalogue& catalogue);
+    bool NextRow() { return mBundles && mQuestions.Next(*mBundles); }
 
+    Questions& mQuestions;
     Numbers mTrees;
     Numbers mCauses;
     Numbers mChecks;

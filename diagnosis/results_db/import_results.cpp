@@ -7,6 +7,7 @@
 #include "diagnosis/results_db/result_writer.h"
 #include "diagnosis/results_db/results_database.h"
 #include "diagnosis/scratch/new_file.h"
+#include "diagnosis/sqlite/questions.h"
 #include "diagnosis/text/input_lines.h"
 
 namespace diagnosis::results_db {
@@ -99,7 +100,9 @@ public:
         if (auto failure = mTarget.Open(path)) {
             return failure;
         }
-        LoadRuleSets();
+        if (auto failure = LoadRuleSets()) {
+            return failure;
+        }
         mWriter.emplace(mTarget.Database(), mOptions.withEvidence);
         for (const std::string& file : files) {
             if (auto failure = ReadFile(file)) {
@@ -111,12 +114,14 @@ public:
     }
 
 private:
-    void LoadRuleSets()
+    std::optional<Failure> LoadRuleSets()
     {
-        auto rows = mTarget.Database().Prepare("SELECT DISTINCT rule_set FROM run WHERE rule_set <> ''");
-        while (rows && rows->Step()) {
-            mRuleSets.insert(rows->Text(0));
-        }
+        Questions questions(mTarget.Database());
+        questions.Ask("SELECT DISTINCT rule_set FROM run WHERE rule_set <> ''",
+            [this](const Statement& row) { mRuleSets.insert(row.Text(0)); });
+        return questions.Problem().empty()
+            ? std::nullopt
+            : std::optional(Failure{"bad_results", mPath + ": " + questions.Problem()});
     }
 
     std::optional<Failure> ReadFile(const std::string& file)

@@ -4,6 +4,7 @@
 
 #include "diagnosis/results_db/local_moment.h"
 #include "diagnosis/results_db/schema.h"
+#include "diagnosis/sqlite/questions.h"
 
 namespace diagnosis::results_db {
 
@@ -47,15 +48,12 @@ ResultWriter::ResultWriter(Connection& database, bool withEvidence)
 
 void ResultWriter::Load(Connection& database)
 {
-    auto last = database.Prepare("SELECT max(id) FROM bundle");
-    if (last && last->Step()) {
-        mLastBundle = last->Integer(0);
-    }
-    auto failed = database.Prepare("SELECT name, iif(rule_set = '', 0, run), bundle.id FROM failure JOIN bundle"
-        " ON bundle.id = failure.bundle JOIN run ON run.id = bundle.run");
-    while (failed && failed->Step()) {
-        mFailed[{failed->Text(0), failed->Integer(1)}] = failed->Integer(2);
-    }
+    Questions questions(database);
+    questions.Ask("SELECT max(id) FROM bundle", [this](const Statement& last) { mLastBundle = last.Integer(0); });
+    questions.Ask("SELECT name, iif(rule_set = '', 0, run), bundle.id FROM failure JOIN bundle"
+        " ON bundle.id = failure.bundle JOIN run ON run.id = bundle.run",
+        [this](const Statement& failed) { mFailed[{failed.Text(0), failed.Integer(1)}] = failed.Integer(2); });
+    mRunner.Note(questions.Problem());
 }
 
 Added ResultWriter::Add(const ResultLine& line)

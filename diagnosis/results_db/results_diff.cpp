@@ -69,12 +69,10 @@ std::pair<const Line*, const Line*> ChooseLines(const std::vector<Line>& before,
 /// Walks through both sides and fills a ResultsDiff.
 class Comparison {
 public:
-    Comparison(Connection& before, Connection& after, ResultsDiff& diff)
+    Comparison(Questions& before, Questions& after, ResultsDiff& diff)
         : mBefore(before, mCatalogue), mAfter((mCatalogue.BeginLaterSide(), after), mCatalogue), mDiff(diff)
     {
     }
-
-    bool HasFailed() const { return mBefore.HasFailed() || mAfter.HasFailed(); }
 
     void Run()
     {
@@ -290,25 +288,29 @@ private:
     ReadOnlyDatabase mDatabase;
 };
 
-std::vector<std::string> Texts(Connection& database, const std::string& sql)
+std::vector<std::string> Texts(Questions& questions, const std::string& sql)
 {
     std::vector<std::string> texts;
-    auto rows = database.Prepare(sql);
-    while (rows && rows->Step()) {
-        texts.push_back(rows->Text(0));
-    }
+    questions.Ask(sql, [&texts](const Statement& row) { texts.push_back(row.Text(0)); });
     return texts;
 }
 
-void Describe(Connection& database, ResultsSide& side)
+// What is read of a damaged database would be differences that there are not.
+std::optional<Failure> FailureOf(const Questions& questions, const ResultsSide& side)
 {
-    side.engines = Texts(database, "SELECT DISTINCT engine FROM run WHERE id IN (SELECT run FROM bundle) ORDER BY engine");
-    side.ruleSets = Texts(database, "SELECT DISTINCT rule_set FROM run WHERE rule_set <> ''"
+    return questions.Problem().empty() ? std::nullopt
+                                       : std::optional(Failure{"bad_results", side.path + ": " + questions.Problem()});
+}
+
+void Describe(Questions& questions, ResultsSide& side)
+{
+    side.engines = Texts(questions, "SELECT DISTINCT engine FROM run WHERE id IN (SELECT run FROM bundle) ORDER BY engine");
+    side.ruleSets = Texts(questions, "SELECT DISTINCT rule_set FROM run WHERE rule_set <> ''"
         " AND id IN (SELECT run FROM bundle) ORDER BY rule_set");
-    for (const std::string& text : Texts(database, "SELECT datetime(min(now), 'unixepoch') FROM bundle")) {
+    for (const std::string& text : Texts(questions, "SELECT datetime(min(now), 'unixepoch') FROM bundle")) {
         side.firstMoment = text;
     }
-    for (const std::string& text : Texts(database, "SELECT datetime(max(now), 'unixepoch') FROM bundle")) {
+    for (const std::string& text : Texts(questions, "SELECT datetime(max(now), 'unixepoch') FROM bundle")) {
         side.lastMoment = text;
     }
 }
@@ -367,19 +369,13 @@ bool ResultsDiff::HasDifference() const
 
 std::optional<Failure> CompareDatabases(Connection& before, Connection& after, ResultsDiff& diff)
 {
-    Comparison comparison(before, after, diff);
-    if (comparison.HasFailed()) {
-        return Failure{"bad_results", "a results database lacks a table or a column"};
-    }
-    comparison.Run();
-    for (Connection* database : {&before, &after}) {
-        if (database->HasError()) {
-            return Failure{"bad_results", "a results database can't be read: " + database->GetError()};
-        }
-    }
-    Describe(before, diff.before);
-    Describe(after, diff.after);
-    return std::nullopt;
+    Questions ofBefore(before);
+    Questions ofAfter(after);
+    Comparison(ofBefore, ofAfter, diff).Run();
+    Describe(ofBefore, diff.before);
+    Describe(ofAfter, diff.after);
+    const auto failure = FailureOf(ofBefore, diff.before);
+    return failure ? failure : FailureOf(ofAfter, diff.after);
 }
 
 std::optional<Failure> CompareResults(const std::string& before, const std::string& after, ResultsDiff& diff)

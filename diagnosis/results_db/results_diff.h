@@ -124,7 +124,7 @@ struct ResultsDiff {
 /// Returns the failure, if any.
 std::optional<Failure> CompareResults(const std::string& before, const std::string& after, ResultsDiff& diff);
 
-/// The same for two open results databases. Sets all but the paths of the sides.
+/// The same for two open results databases. Sets all but the paths of the sides, which a failure names.
 std::optional<Failure> CompareDatabases(Connection& before, Connection& after, ResultsDiff& diff);
 
 } // namespace diagnosis::results_db

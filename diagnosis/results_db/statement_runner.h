@@ -50,6 +50,9 @@ public:
         return mError.empty() && mDatabase.Changes() > 0;
     }
 
+    /// Keeps a reason of the caller, who failed at a statement of its own; empty for none.
+    void Note(const std::string& problem) { mError = mError.empty() ? problem : mError; }
+
     /// The reason of the first failure; empty if there was none.
     const std::string& Error() const { return mError; }
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "diagnosis/results_report/fleet.h"
-#include "diagnosis/results_report/questions.h"
+#include "diagnosis/sqlite/questions.h"
 
 namespace diagnosis {
 

@@ -9,7 +9,7 @@
 
 #include "diagnosis/results_report/bundle_figures.h"
 #include "diagnosis/results_report/fleet.h"
-#include "diagnosis/results_report/questions.h"
+#include "diagnosis/sqlite/questions.h"
 
 namespace diagnosis {
 

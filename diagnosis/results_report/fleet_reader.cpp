@@ -4,8 +4,8 @@
 #include "diagnosis/results_report/bundle_figures.h"
 #include "diagnosis/results_report/cause_figures.h"
 #include "diagnosis/results_report/open_figures.h"
-#include "diagnosis/results_report/questions.h"
 #include "diagnosis/results_report/repair_figures.h"
+#include "diagnosis/sqlite/questions.h"
 
 namespace diagnosis {
 

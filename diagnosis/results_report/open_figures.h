@@ -2,7 +2,7 @@
 #define ARBORIST_DIAGNOSIS_RESULTS_REPORT_OPEN_FIGURES_H
 
 #include "diagnosis/results_report/fleet.h"
-#include "diagnosis/results_report/questions.h"
+#include "diagnosis/sqlite/questions.h"
 
 namespace diagnosis {
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "diagnosis/sqlite/connection.h"
+#include "tests/diagnosis/results_db/damaged_table.h"
 #include "tests/diagnosis/results_db/result_lines.h"
 #include "tests/support/database_rows.h"
 #include "tests/support/temp_dir.h"
@@ -278,6 +279,21 @@ TEST_F(ImportResultsTest, AnAlteredDatabaseIsAFailure)
     ASSERT_TRUE(database.Open("r.db", Connection::Mode::CREATE));
     ASSERT_TRUE(database.Execute("DROP TABLE tree"));
     EXPECT_THAT(Text(Import({LineOf("b2").NoFault("T")})), HasSubstr("results_not_written: r.db: lacks a table"));
+}
+
+TEST_F(ImportResultsTest, NothingIsAddedToADatabaseWithADamagedPage)
+{
+    for (const std::string table : {"run", "failure", "tree_def", "outcome_def", "check_def", "warning_def", "cause_def",
+             "cut_set_member", "repair"}) {
+        mDir.Write("lines.jsonl", LineOf("b").Fault("T", {"A"}).RuleSet("sha256:bb").Text());
+        const std::string path = table + ".db";
+        ASSERT_TRUE(ImportResults({"lines.jsonl"}, path, {}).isImported);
+        DamageTable(path, table);
+        const std::string before = mDir.Read(path);
+        mDir.Write("lines.jsonl", LineOf("c").NoFault("T").RuleSet(table == "run" ? "sha256:cc" : "sha256:bb").Text());
+        EXPECT_THAT(Text(ImportResults({"lines.jsonl"}, path, {})), HasSubstr(path + ": database disk image is malformed"));
+        EXPECT_EQ(mDir.Read(path), before);
+    }
 }
 
 TEST_F(ImportResultsTest, ForeignTextIsText)

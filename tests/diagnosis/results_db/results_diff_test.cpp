@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "diagnosis/results_db/import_results.h"
+#include "tests/diagnosis/results_db/damaged_table.h"
 #include "tests/diagnosis/results_db/result_lines.h"
 #include "tests/support/temp_dir.h"
 
@@ -295,7 +296,33 @@ TEST_F(ResultsDiffTest, AnAlteredDatabaseIsAFailureOrReadAsFarAsItGoes)
     ASSERT_TRUE(database.Execute("DELETE FROM cause_def; DELETE FROM tree_def; DELETE FROM outcome_def; DELETE FROM check_def"));
     EXPECT_EQ(FailureOf("r.db", "good.jsonl"), "none");
     ASSERT_TRUE(database.Execute("DROP TABLE open_check"));
-    EXPECT_EQ(FailureOf("good.jsonl", "r.db"), "bad_results: a results database lacks a table or a column");
+    EXPECT_EQ(FailureOf("good.jsonl", "r.db"), "bad_results: r.db: no such table: open_check");
+}
+
+TEST_F(ResultsDiffTest, ADatabaseWithADamagedPageIsRefusedInsteadOfCompared)
+{
+    mDir.Write("good.jsonl", LineOf("b").Fault("T", {"A"}).Text());
+    for (const std::string table : {"tree_def", "outcome_def", "cause_def", "cut_set_member", "check_def", "tree",
+             "root_cause", "open_check", "bundle", "run"}) {
+        mDir.Write("lines.jsonl", LineOf("b").Fault("T", {"A"}).Open("T", "B").Text());
+        const std::string path = table + ".db";
+        ASSERT_TRUE(diagnosis::results_db::ImportResults({"lines.jsonl"}, path, {}).isImported);
+        DamageTable(path, table);
+        EXPECT_EQ(FailureOf(path, "good.jsonl"), "bad_results: " + path + ": database disk image is malformed");
+        EXPECT_EQ(FailureOf("good.jsonl", path), "bad_results: " + path + ": database disk image is malformed");
+    }
+}
+
+TEST_F(ResultsDiffTest, AViewThatNeverEndsIsRefused)
+{
+    mDir.Write("good.jsonl", LineOf("b").Fault("T", {"A"}).Text());
+    ASSERT_TRUE(diagnosis::results_db::ImportResults({"good.jsonl"}, "r.db", {}).isImported);
+    diagnosis::Connection database;
+    ASSERT_TRUE(database.Open("r.db", diagnosis::Connection::Mode::CREATE));
+    ASSERT_TRUE(database.Execute("DROP TABLE outcome_def; CREATE VIEW outcome_def AS"
+        " WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT i AS id, '' AS verdict FROM n WHERE i < 0"))
+        << database.GetError();
+    EXPECT_EQ(FailureOf("r.db", "good.jsonl"), "bad_results: r.db: takes more work than a database of its size can need");
 }
 
 } // namespace
