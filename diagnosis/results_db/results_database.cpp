@@ -64,6 +64,11 @@ std::optional<Failure> OpenResults(const std::string& path, Connection& database
 bool IsDatabaseFile(const std::string& path)
 {
     static constexpr std::string_view MAGIC("SQLite format 3\0", 16);
+    // Of a pipe the first bytes would be gone.
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error)) {
+        return false;
+    }
     std::ifstream file(path, std::ios::binary);
     std::string start(MAGIC.size(), '\0');
     file.read(start.data(), static_cast<std::streamsize>(start.size()));

@@ -21,7 +21,7 @@ std::optional<Failure> OpenResults(const std::string& path, Connection& database
 /// The failure `bad_results` for what the connection reports last.
 Failure DatabaseFailure(const std::string& path, const Connection& database);
 
-/// True if the file starts as every SQLite database does.
+/// True if a regular file starts as every SQLite database does. Reads nothing of a pipe.
 bool IsDatabaseFile(const std::string& path);
 
 } // namespace diagnosis::results_db

@@ -103,6 +103,25 @@ TEST_F(ResultsCommandTest, TellsWhereTwoResultsDiffer)
     EXPECT_EQ(RunArborist({"results", "diff", "--exit-code", "before.jsonl", "after.jsonl"}).status, 1);
 }
 
+TEST_F(ResultsCommandTest, ComparesWhatAPipeGives)
+{
+    WriteHotBundle(mDir, "hot");
+    mDir.Write("lines.jsonl", DetectedLine("hot"));
+    const auto result = RunScript("mkfifo pipe; cat lines.jsonl >pipe & "
+        "'" ARBORIST_COMMAND "' results diff lines.jsonl pipe");
+    EXPECT_THAT(result.out, HasSubstr("\nroot causes: 0 new, 0 gone, 1 unchanged, 0 not comparable\n"));
+    EXPECT_EQ(result.err, "");
+    const auto input = RunScript("'" ARBORIST_COMMAND "' results diff lines.jsonl /dev/stdin <lines.jsonl");
+    EXPECT_EQ(input.status, 0) << input.err;
+}
+
+TEST_F(ResultsCommandTest, StandardInputCanOnlyBeOneSide)
+{
+    const auto result = RunArborist({"results", "diff", "-", "-"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "arborist: OLD and NEW can't both be standard input\n");
+}
+
 TEST_F(ResultsCommandTest, DifferencesAreOneObjectOfJson)
 {
     const Json::Value schema = ParsedJson(PageOfDocs("results-diff.schema.json"));

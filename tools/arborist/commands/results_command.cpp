@@ -106,6 +106,10 @@ struct ResultsDiffOptions {
 
 ExitStatus Diff(const ResultsDiffOptions& options)
 {
+    if (options.before == "-" && options.after == "-") {
+        PrintError("OLD and NEW can't both be standard input");
+        return ExitStatus::WRONG_USE;
+    }
     results_db::ResultsDiff diff;
     if (const auto failure = CompareResults(options.before, options.after, diff)) {
         if (options.asJson) {
