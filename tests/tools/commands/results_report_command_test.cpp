@@ -115,7 +115,7 @@ TEST_F(ResultsReportCommandTest, WantsAPageOrTheFigures)
 {
     const auto result = Report({});
     EXPECT_EQ(result.status, 2);
-    EXPECT_THAT(result.err, HasSubstr("--html"));
+    EXPECT_THAT(result.err, HasSubstr("--html or --json is required"));
 }
 
 TEST_F(ResultsReportCommandTest, RefusesWhatIsNoResultsDatabase)
@@ -125,6 +125,16 @@ TEST_F(ResultsReportCommandTest, RefusesWhatIsNoResultsDatabase)
     EXPECT_EQ(result.status, 4);
     EXPECT_THAT(result.err, StartsWith("arborist: r.db: "));
     EXPECT_FALSE(mDir.Has("page.html"));
+}
+
+TEST_F(ResultsReportCommandTest, ThePageNeverReplacesItsDatabase)
+{
+    ImportTheFleet();
+    const std::string before = mDir.Read("r.db");
+    const auto result = Report({"--html", "./r.db"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "arborist: ./r.db: is a file that is read\n");
+    EXPECT_EQ(mDir.Read("r.db"), before);
 }
 
 TEST_F(ResultsReportCommandTest, TellsAPageThatCannotBeWritten)

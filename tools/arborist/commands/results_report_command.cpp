@@ -3,6 +3,7 @@
 #include "diagnosis/results_report/fleet_json.h"
 #include "diagnosis/results_report/fleet_page.h"
 #include "diagnosis/results_report/fleet_reader.h"
+#include "diagnosis/scratch/new_file.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/drawing_options.h"
 #include "tools/arborist/terminal/output.h"
@@ -23,7 +24,11 @@ struct ResultsReportOptions {
 ExitStatus ReportResults(const ResultsReportOptions& options)
 {
     if (options.page.empty() && !options.asJson) {
-        FailMissing("--html");
+        FailMissing("--html or --json");
+    }
+    if (!options.page.empty() && IsOneFile(options.page, options.database)) {
+        PrintError(options.page + ": is a file that is read");
+        return ExitStatus::WRONG_USE;
     }
     Fleet fleet;
     if (const auto failure = ReadFleet(options.database, options.withinDays, fleet)) {
