@@ -9,7 +9,8 @@
 
 namespace diagnosis {
 
-std::optional<Failure> ReadRepairRecords(const std::string& path, std::vector<RepairRecord>& records)
+std::optional<Failure> ReadRepairRecords(
+    const std::string& path, std::vector<RepairRecord>& records, const RepairLimits& limits)
 {
     std::error_code error;
     if (!std::filesystem::exists(path, error)) {
@@ -20,12 +21,15 @@ std::optional<Failure> ReadRepairRecords(const std::string& path, std::vector<Re
         return Failure{"bad_repair_records", path + ": " + database.GetError()};
     }
     database.LimitToFile();
-    auto rows = database.Prepare("SELECT repair_id, repair_date FROM repair_data ORDER BY _id");
+    auto rows = database.Prepare("SELECT repair_id, repair_date FROM repair_data ORDER BY _id LIMIT ?");
     if (!rows) {
         return Failure{"bad_repair_records", path + ": " + database.GetError()};
     }
+    rows->Bind(1, limits.records);
     while (rows->Step()) {
-        records.push_back({rows->Text(0), rows->Text(1)});
+        if (rows->Bytes(0) <= limits.bytes && rows->Bytes(1) <= limits.bytes) {
+            records.push_back({rows->Text(0), rows->Text(1)});
+        }
     }
     if (database.HasError()) {
         return Failure{"bad_repair_records", path + ": " + database.GetError()};

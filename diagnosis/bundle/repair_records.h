@@ -2,6 +2,7 @@
 #define ARBORIST_DIAGNOSIS_BUNDLE_REPAIR_RECORDS_H
 
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,9 +21,18 @@ struct RepairRecord {
     std::string date;
 };
 
-/// Reads all records of the database at `path`, in the order in which they were first written. A database that does not
+/// What is read at most of a database that may be foreign: no device has as many repairs, nor as long ids.
+struct RepairLimits {
+    std::int64_t records = std::numeric_limits<std::int64_t>::max();
+    /// Of an id or a date. A record with a longer one is left out.
+    std::uint64_t bytes = std::numeric_limits<std::uint64_t>::max();
+};
+inline constexpr RepairLimits LIMITS_OF_LINES = {10'000, 1'000};
+
+/// Reads the records of the database at `path`, in the order in which they were first written. A database that does not
 /// exist has none.
-std::optional<Failure> ReadRepairRecords(const std::string& path, std::vector<RepairRecord>& records);
+std::optional<Failure> ReadRepairRecords(
+    const std::string& path, std::vector<RepairRecord>& records, const RepairLimits& limits = {});
 
 /// Drops the records that are later than `moment`, in seconds, and returns them. A date that is none stays.
 std::vector<RepairRecord> TakeLaterRepairs(std::vector<RepairRecord>& records, std::int64_t moment);

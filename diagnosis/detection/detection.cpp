@@ -90,7 +90,7 @@ void ShowPaths(const BundleSession& session, DetectionReport& report)
 std::vector<RepairRecord> RepairsOnRecord(const BundleSession& session)
 {
     std::vector<RepairRecord> records;
-    if (ReadRepairRecords(session.ProgramDataPath(REPAIR_RECORDS), records)) {
+    if (ReadRepairRecords(session.ProgramDataPath(REPAIR_RECORDS), records, LIMITS_OF_LINES)) {
         return {};
     }
     if (session.AsOf()) {
