@@ -7,9 +7,13 @@ namespace diagnosis {
 
 std::optional<std::string> ReadHashKey(const std::string& path, std::string& problem)
 {
-    auto key = FileText(path);
+    auto key = FileText(path, MOST_WRITTEN_BYTES);
     if (!key) {
         problem = path + ": the key can't be read";
+        return std::nullopt;
+    }
+    if (key->size() > MOST_WRITTEN_BYTES) {
+        problem = path + ": " + TOO_LARGE;
         return std::nullopt;
     }
     if (key->size() < SHORTEST_KEY) {

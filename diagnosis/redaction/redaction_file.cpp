@@ -189,7 +189,7 @@ std::string LowerLetters(std::string text)
 std::optional<Failure> ReadRedactionFile(const std::string& path, Redaction& redaction)
 {
     std::string problem;
-    const auto json = ReadJsonFile(path, problem);
+    const auto json = ReadJsonFile(path, problem, MOST_WRITTEN_BYTES);
     if (!json) {
         return Failure{"bad_redaction", problem, ExitStatus::WRONG_USE};
     }

@@ -31,6 +31,16 @@ TEST(HashKeyTest, AShortOrMissingKeyIsRefused)
     EXPECT_EQ(problem, "none: the key can't be read");
 }
 
+TEST(HashKeyTest, AFileLargerThanAMebibyteIsRefused)
+{
+    const TempDir dir;
+    std::string problem;
+    EXPECT_TRUE(ReadHashKey(dir.Write("full", std::string(1 << 20, 'x')), problem).has_value());
+    dir.Write("key", std::string((1 << 20) + 1, 'x'));
+    EXPECT_FALSE(ReadHashKey("key", problem).has_value());
+    EXPECT_EQ(problem, "key: is larger than 1 MiB");
+}
+
 TEST(HashKeyTest, ADeviceIsNamedByItsHashAndWithoutAKeyNotAtAll)
 {
     const DeviceNames hashed{"0123456789abcdef"};

@@ -76,4 +76,15 @@ INSTANTIATE_TEST_SUITE_P(Table, BadRedactionFile, testing::Values(
     BadFileCase{"UnknownPartOfResults", R"({"key": "0123456789abcdef", "results": ["detail"]})",
         "\"results\" can't replace \"detail\"; did you mean \"details\"?"}), CaseName());
 
+TEST(RedactionFileTest, AFileLargerThanAMebibyteIsRefused)
+{
+    const TempDir dir;
+    dir.Write("large.json", "{\"key\": \"0123456789abcdef\"}" + std::string(1 << 20, ' '));
+    diagnosis::Redaction redaction;
+    const auto failure = diagnosis::ReadRedactionFile("large.json", redaction);
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->message, "large.json: is larger than 1 MiB");
+    EXPECT_EQ(failure->status, diagnosis::ExitStatus::WRONG_USE);
+}
+
 } // namespace

@@ -18,6 +18,14 @@ TEST(FileTextTest, IsAllThatAFileHas)
     EXPECT_EQ(FileText(dir.Write("large", large)), large);
 }
 
+TEST(FileTextTest, OfAFileWithoutAnEndIsReadAsFarAsAsked)
+{
+    const auto text = FileText("/dev/zero", 100'000);
+    ASSERT_TRUE(text);
+    EXPECT_GT(text->size(), 100'000U);
+    EXPECT_LT(text->size(), 200'000U);
+}
+
 TEST(FileTextTest, OfAFolderAndOfNothingIsNone)
 {
     const TempDir dir;
