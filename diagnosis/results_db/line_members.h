@@ -64,7 +64,7 @@ public:
         const auto isDuration = [](const Json::Value& value) {
             return value.isNumeric() && value.asDouble() >= 0 && value.asDouble() <= MOST_SECONDS;
         };
-        const Json::Value* value = Find(key, isDuration, "a number of seconds");
+        const Json::Value* value = Find(key, isDuration, "a number from 0 to 1e9");
         return value == nullptr ? 0 : value->asDouble();
     }
 

@@ -129,8 +129,8 @@ INSTANTIATE_TEST_SUITE_P(Table, RefusedLine, testing::Values(
     BadLine{"NoError", "\"error\"", "\"eror\"", "error is missing"},
     BadLine{"NoCutSet", "\"cutSet\"", "\"cutsSet\"", "results[0].rootCauses[0].cutSet is missing"},
     BadLine{"WarningWithoutLine", "\"line\"", "\"lime\"", "warnings[0].line is missing"},
-    BadLine{"NegativeSeconds", "0.25", "-1", "seconds must be a number of seconds"},
-    BadLine{"EndlessSeconds", "0.25", "1e300", "seconds must be a number of seconds"}),
+    BadLine{"NegativeSeconds", "0.25", "-1", "seconds must be a number from 0 to 1e9, not a number"},
+    BadLine{"EndlessSeconds", "0.25", "1e300", "seconds must be a number from 0 to 1e9, not a number"}),
     CaseName());
 
 TEST(ResultLineTest, QuotesOnlyTheStartOfALongText)

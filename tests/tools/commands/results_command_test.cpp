@@ -122,6 +122,15 @@ TEST_F(ResultsCommandTest, StandardInputCanOnlyBeOneSide)
     EXPECT_EQ(result.err, "arborist: OLD and NEW can't both be standard input\n");
 }
 
+TEST_F(ResultsCommandTest, OfNoBundlesNeitherEngineNorVerdictsAreTold)
+{
+    mDir.Write("none.jsonl", "");
+    const auto result = RunArborist({"results", "diff", "none.jsonl", "none.jsonl"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("\n        engine not known\n"));
+    EXPECT_THAT(result.out, Not(HasSubstr("verdicts in")));
+}
+
 TEST_F(ResultsCommandTest, DifferencesAreOneObjectOfJson)
 {
     const Json::Value schema = ParsedJson(PageOfDocs("results-diff.schema.json"));

@@ -49,7 +49,7 @@ std::string SideText(const char* name, const ResultsSide& side)
 {
     std::string text = std::string(name) + " " + Printable(side.path) + ": " + Count(side.bundles, "bundle");
     text += side.failed == 0 ? "" : ", " + std::to_string(side.failed) + " failed";
-    text += "\n        engine " + Joined(side.engines, ", ");
+    text += "\n        engine " + (side.engines.empty() ? "not known" : Joined(side.engines, ", "));
     text += "\n        rules  " + (side.ruleSets.empty() ? "not known" : Joined(side.ruleSets, ", "));
     if (!side.firstMoment.empty()) {
         text += "\n        now    " + side.firstMoment;
@@ -92,6 +92,9 @@ std::vector<std::size_t> ShownVerdicts(const ResultsDiff& diff)
 std::string MatrixText(const ResultsDiff& diff, const Colour& colour)
 {
     static constexpr std::size_t WIDTH = 16;
+    if (diff.compared == 0) {
+        return "";
+    }
     const auto word = [](std::size_t verdict) { return VerdictWord(static_cast<TreeVerdict>(verdict)); };
     const std::vector<std::size_t> shown = ShownVerdicts(diff);
     std::string text = "\nverdicts in " + Count(diff.compared, "bundle") + ", before (down) and after (across):\n"
