@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "diagnosis/sqlite/connection.h"
 #include "tests/support/case_name.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
@@ -79,6 +80,19 @@ TEST_F(DetectCommandTest, TheLineHasTheRepairsOnRecordAtItsMoment)
     EXPECT_EQ(endOf({"nowhere"}), "\"repaired\": []}\n");
     mDir.Write("b/rules/FaultTrees.xml", "<");
     EXPECT_EQ(endOf({"b"}), "\"repaired\": []}\n");
+}
+
+TEST_F(DetectCommandTest, TheLineTakesTenThousandRepairsOfAForeignDatabase)
+{
+    WriteHotBundle(mDir, "b");
+    EXPECT_EQ(RunArborist({"repair", "record", "b", "R", "--now", "2024-05-01 10:00:00"}).status, 0);
+    diagnosis::Connection records;
+    ASSERT_TRUE(records.Open("b/programdata/Comms/Lumbra/zxdetectrepair/databases/repair_record.db",
+        diagnosis::Connection::Mode::CREATE));
+    ASSERT_TRUE(records.Execute("DROP TABLE repair_data; CREATE VIEW repair_data AS WITH RECURSIVE n(i) AS"
+        " (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 20000)"
+        " SELECT i AS _id, 'R' || i AS repair_id, '2024-05-01 10:00:00' AS repair_date FROM n")) << records.GetError();
+    EXPECT_EQ(ParsedJson(RunArborist({"detect", "--json", "b"}).out)["repaired"].size(), 10'000U);
 }
 
 TEST_F(DetectCommandTest, EqualInputsGiveEqualLinesButForTheSeconds)
