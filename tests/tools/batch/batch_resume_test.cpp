@@ -123,6 +123,49 @@ TEST_F(BatchResumeTest, AFileThatIsNoResultIsRefused)
     EXPECT_EQ(mDir.Read("whole"), KeptLine("b0"));
 }
 
+TEST_F(BatchResumeTest, APipeOfEarlierLinesIsRefused)
+{
+    List(2);
+    mDir.Write("earlier", KeptLine("b0"));
+    const auto piped = RunScript("cat earlier | '" ARBORIST_COMMAND "' detect --batch list --resume /dev/stdin");
+    EXPECT_EQ(piped.err, "arborist: /dev/stdin: can't be read: is no plain file\n");
+    EXPECT_EQ(piped.status, 2);
+    EXPECT_EQ(Run({"--resume", "/dev/null"}).status, 2);
+    const auto plain = RunScript("'" ARBORIST_COMMAND "' detect --batch list --resume /dev/stdin < earlier");
+    EXPECT_THAT(plain.out, StartsWith(KeptLine("b0")));
+}
+
+// The bundle that comes first empties the file.
+TEST_F(BatchResumeTest, ALineThatCannotBeReadAgainEndsTheBatch)
+{
+    WriteCodeBundle(mDir, "emptying", {"info"});
+    WriteHotBundle(mDir, "b");
+    mDir.Write("list", "emptying\nb\n");
+    const std::string empty = Script(": > '" + mDir.Path("earlier") + "'; exit 1");
+    mDir.Write("earlier", KeptLine("b"));
+    // One worker, so that the line is not read before.
+    std::vector<std::string> command = {"detect", "--batch", "list", "--jobs", "1", "--ordered", "--resume", "earlier",
+        "--code-runner", empty};
+    const auto result = RunArborist(command);
+    EXPECT_THAT(Outcomes(result.out), ElementsAre("emptying"));
+    EXPECT_THAT(result.err, HasSubstr("arborist: earlier: can't be read again"));
+    EXPECT_EQ(result.status, 5);
+    mDir.Write("earlier", KeptLine("b"));
+    mDir.Write("results", "before\n");
+    command.insert(command.end(), {"--output", "results"});
+    EXPECT_EQ(RunArborist(command).status, 5);
+    EXPECT_EQ(mDir.Read("results"), "before\n");
+}
+
+TEST_F(BatchResumeTest, ABatchThatCannotStartLeavesTheOutputAsItIs)
+{
+    List(2);
+    mDir.Write("whole", KeptLine("b0"));
+    const auto result = RunScript("TMPDIR=/nowhere '" ARBORIST_COMMAND "' detect --batch list --resume whole --output whole");
+    EXPECT_EQ(result.status, 5) << result.err;
+    EXPECT_EQ(mDir.Read("whole"), KeptLine("b0"));
+}
+
 TEST_F(BatchResumeTest, TheOutputMayBeTheFileThatIsResumed)
 {
     List(3);

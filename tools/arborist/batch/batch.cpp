@@ -115,7 +115,7 @@ public:
 
     ExitStatus Run()
     {
-        while (IsUnfinished() && caughtSignal == 0 && mCanPrint) {
+        while (IsUnfinished() && caughtSignal == 0 && mCanPrint && mCanKeep) {
             HandOut();
             mProgress.Show([this] { PrintKept(); });
             if (IsUnfinished()) {
@@ -158,7 +158,7 @@ private:
     std::optional<std::uint32_t> NextBundle()
     {
         KeepAnswers();
-        if (HasMoreToKeep()) {
+        if (HasMoreToKeep() || !mCanKeep) {
             return std::nullopt;
         }
         if (mNext < mBundles.size() && !IsHeldUp()) {
@@ -190,7 +190,7 @@ private:
     bool HasMoreToKeep() const
     {
         const std::size_t end = mOptions.isOrdered ? std::min(mNext + 1, mBundles.size()) : mBundles.size();
-        return mWork.keep && mAsked < end && !IsHeldUp();
+        return mWork.keep && mCanKeep && mAsked < end && !IsHeldUp();
     }
 
     // Takes some of the answers of an earlier run: in between, signals come through.
@@ -199,7 +199,12 @@ private:
         static constexpr std::size_t MOST_AT_ONCE = 1000;
         for (std::size_t taken = 0; HasMoreToKeep() && taken < MOST_AT_ONCE; ++taken) {
             const std::size_t bundle = mAsked++;
-            auto answer = mWork.keep(bundle);
+            std::optional<BundleAnswer> answer;
+            if (!mWork.keep(bundle, answer)) {
+                mCanKeep = false;
+                mStatus = MoreSerious(mStatus, ExitStatus::INTERNAL);
+                return;
+            }
             mIsKept[bundle] = answer.has_value();
             if (answer) {
                 ++mSummary.kept;
@@ -371,6 +376,7 @@ private:
     std::unordered_map<std::size_t, std::size_t> mTries;
     std::size_t mPrinted = 0;
     bool mCanPrint = true;
+    bool mCanKeep = true;
     std::map<std::size_t, std::string> mWaiting;
     std::string mKept; // lines for a terminal that shows the progress, too
     ExitStatus mStatus = ExitStatus::SUCCESS;

@@ -39,9 +39,10 @@ struct BatchWork {
     std::function<BundleAnswer(const BundlePath& bundle)> run;
     /// Makes the result of a bundle whose worker died after so many seconds.
     std::function<BundleAnswer(const BundlePath& bundle, const Failure& failure, double seconds)> fail;
-    /// The answer that an earlier run had for a bundle by its number in the list, which is not run again; nothing for one
-    /// without. May be empty. Asked once for each, before the bundle is run.
-    std::function<std::optional<BundleAnswer>(std::size_t bundle)> keep;
+    /// Sets the answer that an earlier run had for a bundle by its number in the list, which is not run again; nothing for
+    /// one without. False if it can't be read, which ends the batch: run again, the bundle would hide that. May be empty.
+    /// Asked once for each, before the bundle is run.
+    std::function<bool(std::size_t bundle, std::optional<BundleAnswer>& answer)> keep;
     /// Receives the summary before a signal ends the process. May be empty.
     std::function<void(const BatchSummary& summary)> interrupted;
     /// Writes results, lines with their line ends. False if it could not be written, which ends the batch.

@@ -74,12 +74,20 @@ BundleAnswer AnswerOf(const ResultLine& line)
 std::optional<std::string> EarlierLines::Read(const std::string& path, const std::vector<std::string>& bundles)
 {
     std::error_code error;
-    if (!std::filesystem::exists(path, error) && !error) {
+    const auto type = std::filesystem::status(path, error).type();
+    if (type == std::filesystem::file_type::not_found) {
         return std::nullopt;
     }
+    if (type == std::filesystem::file_type::directory) {
+        return path + ": can't be read: is a folder";
+    }
+    // A pipe would be empty by the time when a line is taken; opening one could wait for ever.
+    if (!error && type != std::filesystem::file_type::regular) {
+        return path + ": can't be read: is no plain file";
+    }
     mFile.open(path, std::ios::binary);
-    if (!mFile || std::filesystem::is_directory(path, error)) {
-        return path + ": can't be read: " + (mFile ? "is a folder" : std::strerror(errno));
+    if (!mFile) {
+        return path + ": can't be read: " + std::strerror(errno);
     }
     OpenBundles open(bundles);
     std::streamoff start = 0;
@@ -99,18 +107,18 @@ std::optional<std::string> EarlierLines::Read(const std::string& path, const std
     return mFile.bad() ? std::optional(path + ": can't be read to its end") : std::nullopt;
 }
 
-std::optional<BundleAnswer> EarlierLines::AnswerOf(std::size_t bundle)
+bool EarlierLines::AnswerOf(std::size_t bundle, std::optional<BundleAnswer>& answer)
 {
     const auto entry = mLines.find(bundle);
     if (entry == mLines.end()) {
-        return std::nullopt;
+        answer = std::nullopt;
+        return true;
     }
-    BundleAnswer answer = entry->second.answer;
-    answer.line.resize(entry->second.length);
+    answer = entry->second.answer;
+    answer->line.resize(entry->second.length);
     mFile.clear();
     mFile.seekg(entry->second.start);
-    return mFile.read(answer.line.data(), static_cast<std::streamsize>(answer.line.size())) ? std::optional(answer)
-                                                                                             : std::nullopt;
+    return static_cast<bool>(mFile.read(answer->line.data(), static_cast<std::streamsize>(answer->line.size())));
 }
 
 } // namespace diagnosis::command

@@ -21,15 +21,16 @@ namespace diagnosis::command {
 class EarlierLines {
 public:
     /// Reads the file; one that doesn't exist has no lines. Returns the reason, with the number of the line, if it
-    /// can't be read or has a line that is no result of a detection.
+    /// can't be read, is no plain file, as only there lines can be read again, or has a line that is no result of a
+    /// detection.
     std::optional<std::string> Read(const std::string& path, const std::vector<std::string>& bundles);
 
     /// Numbers of bundles that have a line.
     std::size_t Count() const { return mLines.size(); }
 
-    /// The answer for a bundle by its number in the list, as its worker gave it, but with no status other than that of
-    /// its error; nothing for a bundle without a line, or if the file can't be read again.
-    std::optional<BundleAnswer> AnswerOf(std::size_t bundle);
+    /// Sets the answer for a bundle by its number in the list, as its worker gave it, but with no status other than that
+    /// of its error; nothing for a bundle without a line. False if its line can't be read again.
+    bool AnswerOf(std::size_t bundle, std::optional<BundleAnswer>& answer);
 
 private:
     struct Line {

@@ -31,7 +31,7 @@ BundleAnswer AnswerOf(const DetectionReport& report, ExitStatus status)
 }
 
 // Its status as if the bundle had been run, apart from that of warnings, which the line of an earlier run doesn't have.
-std::optional<BundleAnswer> EarlierAnswer(std::optional<BundleAnswer> answer, const DetectOptions& options)
+void CompleteStatus(std::optional<BundleAnswer>& answer, const DetectOptions& options)
 {
     if (answer && options.failsOnFault && answer->outcome == BundleOutcome::FAULT) {
         answer->status = MoreSerious(answer->status, ExitStatus::FAULT_FOUND);
@@ -39,7 +39,6 @@ std::optional<BundleAnswer> EarlierAnswer(std::optional<BundleAnswer> answer, co
     if (answer && (options.run.failsOnUndecided || options.run.isStrict) && answer->verdicts[1] > 0) {
         answer->status = MoreSerious(answer->status, ExitStatus::UNDECIDED);
     }
-    return answer;
 }
 
 // Returns the reason if they can't be read, or would be read while they are written.
@@ -79,7 +78,14 @@ BatchWork MakeBatchWork(const DetectOptions& options, EarlierLines& earlier)
         return AnswerOf(report, failure.status);
     };
     if (earlier.Count() > 0) {
-        work.keep = [&options, &earlier](std::size_t bundle) { return EarlierAnswer(earlier.AnswerOf(bundle), options); };
+        work.keep = [&options, &earlier](std::size_t bundle, std::optional<BundleAnswer>& answer) {
+            if (!earlier.AnswerOf(bundle, answer)) {
+                PrintError(options.earlier + ": can't be read again: was it changed meanwhile?");
+                return false;
+            }
+            CompleteStatus(answer, options);
+            return true;
+        };
     }
     work.interrupted = [&options](const BatchSummary& summary) { WriteSummary(options.summary, summary); };
     work.print = [](const std::string& line) {
@@ -95,7 +101,8 @@ ExitStatus WrongUse(const std::string& message)
     return ExitStatus::WRONG_USE;
 }
 
-// Creates the file under its name only at the end, so that it is complete whenever it exists.
+// Creates the file under its name only at the end, and only if all lines are in it, so that it is complete whenever it
+// exists.
 ExitStatus RunBatchIntoFile(const std::vector<BundlePath>& bundles, BatchWork work, const DetectOptions& options,
     BatchSummary& summary)
 {
@@ -107,6 +114,9 @@ ExitStatus RunBatchIntoFile(const std::vector<BundlePath>& bundles, BatchWork wo
     work.print = [&file](const std::string& line) { return static_cast<bool>(file << line); };
     const ExitStatus status = RunBatch(bundles, work, options.batch, &summary);
     file.close();
+    if (file && !summary.isComplete) {
+        return status; // RunBatch or its work told why
+    }
     const auto problem = file ? output.PutInPlace() : "could not be written";
     if (problem) {
         summary.isComplete = false;
