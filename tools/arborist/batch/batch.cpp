@@ -118,7 +118,7 @@ public:
         while (IsUnfinished() && caughtSignal == 0 && mCanPrint && mCanKeep) {
             HandOut();
             mProgress.Show([this] { PrintKept(); });
-            if (IsUnfinished()) {
+            if (IsUnfinished() && mCanKeep) {
                 Wait();
             }
         }
