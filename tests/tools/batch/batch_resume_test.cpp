@@ -237,7 +237,38 @@ TEST_F(BatchResumeTest, ASummaryHasTheNumbersOfTheBatch)
         R"({"schema": "arborist.batch.1", "listed": 22, "done": 22, "kept": 1, "failed": {"bad_json": 1, "bad_zip": 1, )"
         R"("no_bundle": 1}, "trees": {"fault": 18, "undecided": 0, "no_fault": 1, "not_applicable": 0}, "seconds": 0, )"
         R"("complete": true})" "\n");
-    EXPECT_EQ(Run({"--summary", "no/folder"}).status, 5);
+}
+
+TEST_F(BatchResumeTest, ASummaryThatCannotBeWrittenIsToldBeforeTheBatch)
+{
+    List(1);
+    const auto result = Run({"--summary", "no/folder"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_THAT(result.err, StartsWith("arborist: no/folder: can't be written: "));
+}
+
+TEST_F(BatchResumeTest, AnOutputThatWouldReplaceAnotherFileOfTheBatchIsRefused)
+{
+    List(2);
+    mDir.Write("earlier", KeptLine("b0"));
+    std::filesystem::create_hard_link("list", "same");
+    const std::vector<std::vector<std::string>> uses = {{"--output", "./list"}, {"--output", "same"}, {"--summary", "list"},
+        {"--summary", "same"}, {"--summary", "new", "--output", "./new"}, {"--summary", "earlier", "--resume", "earlier"},
+        {"--summary", "./later", "--resume", "later"}};
+    const std::string list = mDir.Read("list");
+    for (const auto& use : uses) {
+        const auto result = Run(use);
+        EXPECT_EQ(result.status, 2) << use.back();
+        EXPECT_EQ(result.out, "") << use.back();
+        EXPECT_THAT(result.err, HasSubstr(": is the file of --")) << use.back();
+    }
+    const std::string detect = "'" ARBORIST_COMMAND "' detect --batch ";
+    EXPECT_EQ(RunScript(detect + "- --output list < list").status, 2);
+    EXPECT_EQ(RunScript(detect + "list --summary out > out").status, 2);
+    EXPECT_EQ(mDir.Read("list"), list);
+    EXPECT_EQ(mDir.Read("earlier"), KeptLine("b0"));
+    EXPECT_FALSE(std::filesystem::exists("new"));
 }
 
 TEST_F(BatchResumeTest, AnInterruptedBatchSaysInItsSummaryThatItIsNotComplete)

@@ -1,6 +1,7 @@
 #include "tools/arborist/commands/detect_batch.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <optional>
@@ -51,6 +52,51 @@ std::optional<std::string> ReadEarlierLines(const DetectOptions& options, Earlie
         return options.earlier + ": is standard output, too; --output may name the same file";
     }
     return earlier.Read(options.earlier, options.bundles);
+}
+
+// The path by which files that are not there yet are told apart, too.
+std::filesystem::path PlaceOf(const std::string& path)
+{
+    std::error_code error;
+    const auto absolute = std::filesystem::absolute(path, error);
+    const auto place = std::filesystem::weakly_canonical(absolute, error);
+    return error ? absolute.lexically_normal() : place;
+}
+
+// Returns the reason if an output would replace an input or another output. Only FILE of --resume may be the output: it
+// has been read by then, and all its lines that hold are in the output.
+std::optional<std::string> FileUsedTwice(const DetectOptions& options)
+{
+    struct Use {
+        std::string option;
+        std::string path;
+    };
+    const Use list = {"--batch", options.list == "-" ? "/dev/stdin" : options.list};
+    const Use output = {options.output.empty() ? "standard output" : "--output",
+        options.output.empty() ? "/dev/stdout" : options.output};
+    const Use summary = {"--summary", options.summary};
+    std::vector<std::pair<Use, Use>> pairs = {{output, summary}, {{"--resume", options.earlier}, summary}, {list, summary}};
+    if (!options.output.empty()) {
+        pairs.emplace_back(list, output);
+    }
+    for (const auto& [one, other] : pairs) {
+        if (!one.path.empty() && !other.path.empty()
+            && (IsOneFile(one.path, other.path) || PlaceOf(one.path) == PlaceOf(other.path))) {
+            return other.path + ": is the file of " + one.option + ", too, which " + other.option + " would replace";
+        }
+    }
+    return std::nullopt;
+}
+
+// Returns the reason if an output can't be written, before hours of work are lost to it.
+std::optional<std::string> FileProblem(const DetectOptions& options)
+{
+    if (const auto problem = FileUsedTwice(options)) {
+        return problem;
+    }
+    NewFile summary;
+    const auto problem = options.summary.empty() ? std::nullopt : summary.Make(options.summary);
+    return problem ? std::optional(options.summary + ": " + *problem) : std::nullopt;
 }
 
 ExitStatus WriteSummary(const std::string& path, const BatchSummary& summary)
@@ -145,6 +191,9 @@ std::vector<BundlePath> BundlePaths(const std::vector<std::string>& given)
 
 ExitStatus DetectBatch(DetectOptions& options)
 {
+    if (const auto problem = FileProblem(options)) {
+        return WrongUse(*problem);
+    }
     if (const auto problem = ReadBundleList(options.list, options.isListNulEnded, options.bundles)) {
         return WrongUse(*problem);
     }
