@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "diagnosis/problem.h"
 #include "diagnosis/results_db/results_diff.h"
 #include "diagnosis/rule_set/difference.h"
 
@@ -13,6 +14,8 @@ namespace diagnosis {
 /// and what "results diff" give.
 std::string CompareJson(const rule_set::ReadRuleSet& before, const rule_set::ReadRuleSet& after,
     const std::vector<rule_set::Change>& changes, const results_db::ResultsDiff& diff);
+/// Why there is no comparison, an object of the same schema.
+std::string CompareFailureJson(const Failure& failure);
 
 } // namespace diagnosis
 

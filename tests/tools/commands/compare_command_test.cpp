@@ -108,9 +108,41 @@ TEST_F(CompareCommandTest, BundlesThatCannotBeRunAreNotComparable)
     EXPECT_THAT(result.out, HasSubstr("  1 bundle failed on both sides: nowhere\n"));
 }
 
+TEST_F(CompareCommandTest, ACorpusOfWhichNothingCanBeDiagnosedIsAFailure)
+{
+    mDir.Write("list", "nowhere\nelsewhere\n");
+    for (const std::vector<std::string>& more : {std::vector<std::string>(), {"--fail-on", "any"}, {"--fail-on", "gone", "--json"}}) {
+        const auto result = Compare(more);
+        EXPECT_EQ(result.status, 4);
+        EXPECT_NE(result.out, "");
+        EXPECT_THAT(result.err, EndsWith("arborist: no bundle could be diagnosed, with either rule set\n"));
+    }
+}
+
+TEST_F(CompareCommandTest, RuleSetsAreGivenTwice)
+{
+    const std::string words = "--rules must be given twice: the rule set before and the one after";
+    const auto once = RunArborist({"compare", "--rules", "old", "--batch", "list"});
+    EXPECT_EQ(once.status, 2);
+    EXPECT_THAT(once.err, HasSubstr(words));
+    const auto thrice = Compare({"--rules", "old"});
+    EXPECT_EQ(thrice.status, 2);
+    EXPECT_THAT(thrice.err, HasSubstr(words));
+}
+
+TEST_F(CompareCommandTest, AsJsonARuleSetThatCannotBeReadIsAnObject)
+{
+    fs::remove("new/FaultTrees.xml");
+    const auto result = Compare({"--json"});
+    EXPECT_EQ(result.status, 3);
+    const auto json = ParsedJson(result.out);
+    EXPECT_EQ(json["schema"], "arborist.compare.1");
+    EXPECT_EQ(json["error"]["code"], "rule_file_missing");
+    EXPECT_THAT(json["error"]["message"].asString(), HasSubstr("FaultTrees.xml"));
+}
+
 TEST_F(CompareCommandTest, WhatItNeedsIsAskedFor)
 {
-    EXPECT_EQ(RunArborist({"compare", "--rules", "old", "--batch", "list"}).status, 2);
     EXPECT_EQ(RunArborist({"compare", "--rules", "old", "--rules", "new"}).status, 2);
     EXPECT_EQ(Compare({}, "no-list").status, 2);
     EXPECT_EQ(Compare({"--fail-on", "old"}).status, 2);

@@ -107,8 +107,9 @@ BatchWork MakeWork(const CompareOptions& options, const std::vector<std::string>
     return work;
 }
 
-// Runs both rule sets over all bundles. False, with a message, if what they gave can't be kept.
-bool Run(CompareOptions& options, const std::vector<std::string>& names, Lines& lines)
+// Runs both rule sets over all bundles. Returns the most serious status of them; sets `isRun` to false, after a message,
+// if the batch could not be run to its end or what it gave can't be kept.
+ExitStatus Run(CompareOptions& options, const std::vector<std::string>& names, Lines& lines, bool& isRun)
 {
     std::vector<std::string> rules;
     options.detection.ruleSets = std::make_shared<RuleSetMemory>();
@@ -119,18 +120,34 @@ bool Run(CompareOptions& options, const std::vector<std::string>& names, Lines& 
     options.detection.isForLine = true;
     options.detection.codeRunner = MakeCodeRunner(options.codeRunner);
     options.batch.timeout = Milliseconds(options.timeout);
-    RunBatch(BundlePaths(names), MakeWork(options, rules, lines), options.batch);
-    const bool isKept = lines.Close();
-    if (!isKept) {
+    BatchSummary summary;
+    const ExitStatus status = RunBatch(BundlePaths(names), MakeWork(options, rules, lines), options.batch, &summary);
+    isRun = summary.isComplete;
+    if (!lines.Close()) {
         PrintError("the results can't be written to the temporary folder");
+        isRun = false;
     }
-    return isKept;
+    return isRun ? status : ExitStatus::INTERNAL;
+}
+
+// Such a corpus, a mistyped one perhaps, shows nothing of the rule sets.
+bool IsNothingDiagnosed(const ResultsDiff& diff)
+{
+    return diff.before.failed == diff.before.bundles && diff.after.failed == diff.after.bundles;
 }
 
 bool IsToFail(const CompareOptions& options, const ResultsDiff& diff)
 {
     return (options.failOn == "new" && diff.Added() > 0) || (options.failOn == "gone" && diff.Gone() > 0)
         || (options.failOn == "any" && diff.HasDifference());
+}
+
+ExitStatus Fail(const CompareOptions& options, const Failure& failure)
+{
+    if (options.asJson) {
+        PrintResult(CompareFailureJson(failure) + "\n");
+    }
+    return FailureStatus(failure);
 }
 
 ExitStatus Compare(CompareOptions& options)
@@ -143,7 +160,7 @@ ExitStatus Compare(CompareOptions& options)
     for (const auto& failure : {ReadInto({options.rules.front(), options.prefix, ""}, before),
              ReadInto({options.rules.back(), options.prefix, ""}, after)}) {
         if (failure) {
-            return FailureStatus(*failure);
+            return Fail(options, *failure);
         }
     }
     std::vector<std::string> names;
@@ -157,21 +174,27 @@ ExitStatus Compare(CompareOptions& options)
     }
     Scratch folder;
     if (const auto failure = folder.Make()) {
-        return FailureStatus(*failure);
+        return Fail(options, *failure);
     }
     Lines lines(folder);
     ResultsDiff diff;
-    if (!Run(options, names, lines)) {
-        return ExitStatus::INTERNAL;
+    bool isRun = false;
+    const ExitStatus status = Run(options, names, lines, isRun);
+    if (!isRun) {
+        return status;
     }
     if (const auto failure = CompareResults(lines.Path(0), lines.Path(1), diff)) {
-        return FailureStatus(*failure);
+        return Fail(options, *failure);
     }
     diff.before.path = options.rules.front();
     diff.after.path = options.rules.back();
     const auto changes = rule_set::DifferencesOf(before, after);
     PrintResult(options.asJson ? CompareJson(before, after, changes, diff) + "\n"
                                : CompareText(changes, diff, Colour(AreResultsColoured())));
+    if (IsNothingDiagnosed(diff)) {
+        PrintError("no bundle could be diagnosed, with either rule set");
+        return status;
+    }
     return IsToFail(options, diff) ? ExitStatus::FAULT_FOUND : ExitStatus::SUCCESS;
 }
 
@@ -210,7 +233,7 @@ void AddCompareCommand(Command app, ExitStatus& status)
                    "  arborist compare --rules old/rules --rules new/rules --batch corpus.txt --fail-on gone");
     compare.OnCall([options, &status] {
         if (options->rules.size() != 2) {
-            FailMissing("--rules"); // once for each
+            FailUse("--rules must be given twice: the rule set before and the one after");
         }
         status = Compare(*options);
     });

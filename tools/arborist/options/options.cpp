@@ -180,4 +180,9 @@ void FailExcluded(const std::string& option, const std::string& other)
     throw CLI::ExcludesError(option, other);
 }
 
+void FailUse(const std::string& message)
+{
+    throw CLI::ValidationError(message, CLI::ExitCodes::ValidationError);
+}
+
 } // namespace diagnosis::command

@@ -93,6 +93,8 @@ std::vector<std::string> CommandNames(const Command& command);
 /// To call from OnCall: ends the parse with the error that an argument is missing, or that two exclude each other.
 [[noreturn]] void FailMissing(const std::string& argument);
 [[noreturn]] void FailExcluded(const std::string& option, const std::string& other);
+/// The same with a message of its own.
+[[noreturn]] void FailUse(const std::string& message);
 
 } // namespace diagnosis::command
 
