@@ -123,6 +123,17 @@ TEST_F(BatchResumeTest, AFileThatIsNoResultIsRefused)
     EXPECT_EQ(mDir.Read("whole"), KeptLine("b0"));
 }
 
+TEST_F(BatchResumeTest, BlankLinesAndAByteOrderMarkArePassedOver)
+{
+    List(3);
+    mDir.Write("earlier", "\xEF\xBB\xBF" + KeptLine("b0") + "\n \t\r\n" + KeptLine("b1"));
+    const auto result = Run({"--resume", "earlier"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, StartsWith(KeptLine("b0") + KeptLine("b1")));
+    mDir.Write("earlier", "\xEF\xBB\xBF\n" + KeptLine("b1") + "\n{}\n");
+    EXPECT_THAT(Run({"--resume", "earlier"}).err, StartsWith("arborist: earlier:4: "));
+}
+
 TEST_F(BatchResumeTest, APipeOfEarlierLinesIsRefused)
 {
     List(2);

@@ -69,6 +69,18 @@ BundleAnswer AnswerOf(const ResultLine& line)
     return answer;
 }
 
+bool IsBlank(std::string_view line)
+{
+    return line.find_first_not_of(" \t\r") == std::string_view::npos;
+}
+
+// The length of the byte order mark that some programs put in front of a file.
+std::size_t MarkLength(std::string_view firstLine)
+{
+    static constexpr std::string_view MARK = "\xEF\xBB\xBF";
+    return firstLine.starts_with(MARK) ? MARK.size() : 0;
+}
+
 } // namespace
 
 std::optional<std::string> EarlierLines::Read(const std::string& path, const std::vector<std::string>& bundles)
@@ -93,6 +105,13 @@ std::optional<std::string> EarlierLines::Read(const std::string& path, const std
     std::streamoff start = 0;
     std::size_t number = 1;
     for (std::string line; std::getline(mFile, line) && !mFile.eof(); ++number) { // at its end a line was torn
+        const std::size_t mark = number == 1 ? MarkLength(line) : 0;
+        line.erase(0, mark);
+        start += static_cast<std::streamoff>(mark);
+        if (IsBlank(line)) {
+            start += static_cast<std::streamoff>(line.size()) + 1;
+            continue;
+        }
         std::string problem;
         const auto result = results_db::ReadResultLine(line, false, problem);
         if (!result) {
