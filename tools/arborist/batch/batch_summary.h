@@ -22,7 +22,7 @@ using VerdictCounts = std::array<std::uint32_t, VERDICTS.size()>;
 /// What a batch came to.
 struct BatchSummary {
     std::size_t listed = 0;
-    /// Bundles with a line, those that an earlier run had included.
+    /// Bundles that were run to their end, their lines printed or not, and those that an earlier run had.
     std::size_t done = 0;
     /// Lines that an earlier run had.
     std::size_t kept = 0;
