@@ -3,6 +3,7 @@
 #include <memory>
 #include <string_view>
 #include <thread>
+#include <unordered_set>
 
 #include "diagnosis/detection/detection.h"
 #include "diagnosis/results/compare_json.h"
@@ -142,6 +143,18 @@ bool IsToFail(const CompareOptions& options, const ResultsDiff& diff)
         || (options.failOn == "any" && diff.HasDifference());
 }
 
+// Results know bundles by their names, so that a second run of one would say nothing more.
+void DropRepeats(std::vector<std::string>& names)
+{
+    std::unordered_set<std::string> known;
+    const std::size_t listed = names.size();
+    std::erase_if(names, [&known](const std::string& name) { return !known.insert(name).second; });
+    if (names.size() < listed) {
+        PrintError("the list repeats bundles: of " + std::to_string(listed) + " entries, " + std::to_string(names.size())
+            + " are run");
+    }
+}
+
 ExitStatus Fail(const CompareOptions& options, const Failure& failure)
 {
     if (options.asJson) {
@@ -172,6 +185,7 @@ ExitStatus Compare(CompareOptions& options)
         PrintError((options.list == "-" ? "standard input" : options.list) + ": names no bundle");
         return ExitStatus::WRONG_USE;
     }
+    DropRepeats(names);
     Scratch folder;
     if (const auto failure = folder.Make()) {
         return Fail(options, *failure);
