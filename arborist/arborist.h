@@ -9,6 +9,7 @@
 #include "arborist/frame/detection_observer.h"
 #include "arborist/frame/evidence.h"
 #include "arborist/frame/fault_tree_result.h"
+#include "arborist/frame/loaded_rule_set.h"
 #include "arborist/frame/log.h"
 #include "arborist/frame/log_sweep.h"
 #include "arborist/frame/repair.h"

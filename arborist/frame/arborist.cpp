@@ -11,6 +11,7 @@
 #include "arborist/evaluation/rule_engine.h"
 #include "arborist/evaluation/rule_helper.h"
 #include "arborist/frame/fault_tree_prop_global.h"
+#include "arborist/frame/loaded_rule_set.h"
 #include "arborist/frame/log.h"
 #include "arborist/frame/settings.h"
 #include "arborist/frame/stopping.h"
@@ -91,8 +92,33 @@ struct Arborist::RepairQuery {
     static constexpr char FOUND[] = "FUNc:%s: get the Repair id by fault tree : %s ";
 };
 
-Arborist::Arborist(std::shared_ptr<DetectInfo> detectInfo)
-    : mFaultTreeParser(std::make_shared<FaultTreeParser>(detectInfo)),
+/// While it exists, a detection uses the engine's loaded rule set, if it has one.
+class Arborist::Turn {
+public:
+    explicit Turn(LoadedRuleSet* ruleSet) : mRuleSet(ruleSet), mIsTaken(ruleSet == nullptr || ruleSet->Take()) {}
+    ~Turn()
+    {
+        if (mRuleSet != nullptr && mIsTaken) {
+            mRuleSet->Release();
+        }
+    }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+    /// False if another detection uses it.
+    bool IsTaken() const { return mIsTaken; }
+
+private:
+    LoadedRuleSet* mRuleSet;
+    bool mIsTaken;
+};
+
+Arborist::Arborist(std::shared_ptr<DetectInfo> detectInfo) : Arborist(std::move(detectInfo), nullptr) {}
+
+// Without an input there is nothing to diagnose, whatever the rule set has.
+Arborist::Arborist(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<LoadedRuleSet> ruleSet)
+    : mRuleSet(detectInfo == nullptr ? nullptr : std::move(ruleSet)),
+      mFaultTreeParser(mRuleSet == nullptr ? std::make_shared<FaultTreeParser>(detectInfo) : mRuleSet->GetParser()),
       mRuleEngine(std::make_shared<RuleEngine>(detectInfo, mFaultTreeParser)),
       mFaultTreeVisitor(std::make_shared<FaultTreeVisitor>(mFaultTreeParser)), mStop(std::make_unique<StopRequest>()),
       mDetectInfo(std::move(detectInfo))
@@ -104,6 +130,12 @@ Arborist::~Arborist() = default;
 std::vector<std::shared_ptr<FaultTreeResult>> Arborist::StartDetection()
 {
     const StoppableDetection stoppable(*mStop);
+    const Turn turn(mRuleSet.get());
+    if (!turn.IsTaken()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: StartDetection rule set is in use by another detection",
+            "Arborist::StartDetection");
+        return {};
+    }
     return Detect();
 }
 
@@ -211,7 +243,12 @@ void Arborist::SetObserver(std::shared_ptr<DetectionObserver> observer)
 
 void Arborist::Parse()
 {
-    mFaultTreeParser->StartParse();
+    if (mRuleSet == nullptr) {
+        mFaultTreeParser->StartParse();
+    } else {
+        mRuleSet->LogLines();
+    }
+    mHasParsed = true;
     if (mObserver != nullptr) {
         mObserver->OnRuleSetRead(RuleSetRecordOf(*mFaultTreeParser));
     }
@@ -219,7 +256,7 @@ void Arborist::Parse()
 
 bool Arborist::IsParsed()
 {
-    if (!mFaultTreeParser->IsParseDone()) {
+    if (!mHasParsed || !mFaultTreeParser->IsParseDone()) {
         Parse();
     }
     return mFaultTreeParser->IsParseDone();

@@ -13,6 +13,7 @@
 class FaultTree;
 class FaultTreeParser;
 class FaultTreeVisitor;
+class LoadedRuleSet;
 class RuleEngine;
 class StopRequest;
 
@@ -25,6 +26,9 @@ public:
     /// Shares ownership of the input and never writes to it. With null every call returns an empty answer. Reads no
     /// rule file yet.
     explicit Arborist(std::shared_ptr<DetectInfo> detectInfo);
+    /// Starts from a rule set that was read before, wherever the other calls say that they read it; the three fields of
+    /// the input that name a rule set are not used. Shares ownership of the set. With null reads by itself, as above.
+    Arborist(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<LoadedRuleSet> ruleSet);
     ~Arborist();
     Arborist(const Arborist&) = delete;
     Arborist& operator=(const Arborist&) = delete;
@@ -33,6 +37,9 @@ public:
     /// they outlive this object and later calls. Empty if the rule file is missing or there is no tree; a warning says
     /// which. If an earlier call has read a rule set and a file is missing or malformed now, that earlier content stays
     /// in use, with the events that fired then still true.
+    ///
+    /// With a loaded rule set reads no file: each call starts from what the set held when it was read, and logs the lines
+    /// that were logged then. Empty, with a warning, if another detection is using the set.
     std::vector<std::shared_ptr<FaultTreeResult>> StartDetection();
 
     /// Asks the running detection to end early: at the next rule, SQLite step, file or archive entry. Every tree has its
@@ -67,6 +74,7 @@ private:
     struct FaultDescQuery;
     struct SuggestionQuery;
     struct RepairQuery;
+    class Turn;
 
     static constexpr char FAULT_TREE_NAME[] = "FaultTree.zip";
     static constexpr char TEMP_NAME[] = "temp_";
@@ -86,6 +94,10 @@ private:
     std::string GetCodeRuleId(const std::string& detectCode);
     bool InitFaultTree();
 
+    // Null for an engine that reads its rule set itself.
+    std::shared_ptr<LoadedRuleSet> mRuleSet;
+    // Whether the lines of the rule set were logged, and the observer was told of it.
+    bool mHasParsed = false;
     std::shared_ptr<FaultTreeParser> mFaultTreeParser;
     std::shared_ptr<RuleEngine> mRuleEngine;
     std::shared_ptr<FaultTreeVisitor> mFaultTreeVisitor;

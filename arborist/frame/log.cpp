@@ -4,6 +4,7 @@
 #include <map>
 #include <utility>
 
+#include "arborist/frame/log_recording.h"
 #include "arborist/frame/thread_value.h"
 
 namespace FT {
@@ -66,7 +67,11 @@ void Log::Output(int level, const char* format, ...)
     text = format;
     va_list args;
     va_start(args, format);
-    mLogger->Print(static_cast<unsigned int>(level), text, args);
+    if (LogLines* const recorded = LogRecording::OfThread()) {
+        recorded->push_back({level, Formatted(text, args)});
+    } else {
+        mLogger->Print(static_cast<unsigned int>(level), text, args);
+    }
     va_end(args);
     spare = std::move(text);
 }

@@ -9,6 +9,7 @@
 #include <tinyxml2.h>
 
 #include "arborist/frame/log.h"
+#include "arborist/frame/log_recording.h"
 #include "arborist/loading/common_part_parser.h"
 #include "arborist/loading/description_parser.h"
 #include "arborist/loading/event_rule_parser.h"
@@ -39,11 +40,13 @@ bool LoadDocument(
 }
 
 // Runs `job` on a thread of its own and waits for it; on the caller's thread if the system has no thread left. An
-// exception of the job reaches the caller: one that left its thread would end the process.
+// exception of the job reaches the caller: one that left its thread would end the process. So do its log lines, if the
+// caller records them.
 void RunOnThread(const std::function<void()>& job)
 {
     std::exception_ptr failure;
-    const auto guarded = [&job, &failure] {
+    const auto guarded = [&job, &failure, lines = FT::LogRecording::OfThread()] {
+        const FT::LogRecording recording(lines);
         try {
             job();
         } catch (...) {
@@ -75,6 +78,7 @@ public:
         return LoadDocument(mDocument, path, "FaultTreeParser::InnerXmlHelper::LoadXmlFile", report);
     }
     const tinyxml2::XMLDocument& GetDocument() const { return mDocument; }
+    void Forget() { mDocument.Clear(); }
 
 private:
     tinyxml2::XMLDocument mDocument{true, tinyxml2::PRESERVE_WHITESPACE};
@@ -124,6 +128,11 @@ void FaultTreeParser::StartParse()
     RunOnThread([this, &path] { ParseRuleXml(path); });
     // Also done after a malformed file: a second attempt would read the same bytes.
     mIsParseDone = true;
+}
+
+void FaultTreeParser::ForgetDocument()
+{
+    mXmlHelper->Forget();
 }
 
 void FaultTreeParser::ParseTreeXml()

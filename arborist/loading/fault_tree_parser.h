@@ -48,6 +48,8 @@ public:
     /// Reads the tree file, then the rule file. A missing or malformed file logs a line and leaves what was read
     /// before. With a null DetectInfo nothing happens.
     void StartParse();
+    /// Frees the XML of the rule file, which takes many times the memory of what was read of it.
+    void ForgetDocument();
     /// True once a StartParse has found a rule file, even a malformed one; false as long as the file was missing each
     /// time.
     bool IsParseDone() const { return mIsParseDone; }

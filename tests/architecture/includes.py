@@ -82,13 +82,14 @@ STOREYS = [
         ["utilities"],
         ["the ground"],
     ], {
-        **files_in("the facade", "arborist frame/arborist frame/log_sweep frame/repair"),
+        **files_in("the facade", "arborist frame/arborist frame/loaded_rule_set frame/log_sweep frame/repair"),
         **files_in("the records", "frame/check frame/comparable frame/detect_info frame/fault_tree_result"
                                   " frame/detection_observer frame/evidence frame/evidence_alarm frame/evidence_code"
                                   " frame/evidence_command frame/evidence_node frame/evidence_rule_set"
                                   " frame/evidence_tree frame/evidence_values frame/evidence_words"
                                   " frame/rule_set_summary frame/sweep_observer frame/tree_verdict"),
-        **files_in("the ground", "arborist_export arborist_version frame/log frame/settings frame/fault_tree_prop_global"
+        **files_in("the ground", "arborist_export arborist_version frame/log frame/log_recording frame/settings"
+                                 " frame/fault_tree_prop_global"
                                  " frame/stopping frame/thread_value frame/trouble frame/trouble_watch"),
     }),
 ]
