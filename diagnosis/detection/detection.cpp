@@ -99,13 +99,26 @@ std::vector<RepairRecord> RepairsOnRecord(const BundleSession& session)
     return records;
 }
 
+// What lint finds in the bundle's rule set; held rule sets are not read for it.
+std::shared_ptr<const RuleSetWarnings> CheckOf(const Bundle& bundle, RuleSetMemory* known)
+{
+    if (known == nullptr) {
+        return CheckRuleSet(RulePaths(bundle), bundle.treeTag);
+    }
+    const HeldRuleSet* const held = known->FindHeld(bundle.ruleFileDir, bundle.ruleFilePrefix, bundle.treeTag);
+    return held != nullptr ? held->warnings : known->Check(RulePaths(bundle), bundle.treeTag);
+}
+
 /// One detection with its observers.
 class Detection {
 public:
     Detection(const BundleSession& session, const DetectionOptions& options)
         : mSession(session), mOptions(options), mInfo(session.MakeDetectInfo()),
           mRecorder(std::make_shared<DetectionRecorder>(DetailOf(options), options.isForLine)),
-          mAnswers(AnswerCodeRules(session.GetBundle(), options.codeRunner, *mInfo))
+          mAnswers(AnswerCodeRules(session.GetBundle(), options.codeRunner, *mInfo)),
+          mHeld(options.ruleSets == nullptr ? nullptr : options.ruleSets->FindHeld(
+              mInfo->mRuleFileDir, mInfo->mRuleFilePrefix, mInfo->mTreeTag)),
+          mLoaded(mHeld == nullptr ? nullptr : mHeld->loaded)
     {
     }
 
@@ -114,7 +127,8 @@ public:
         DetectionWarnings& warnings = mRecorder->GetWarnings();
         warnings.LookBefore(mSession);
         try {
-            Arborist engine(mInfo);
+            TakeDigest(report);
+            Arborist engine(mInfo, mLoaded);
             engine.SetObserver(mRecorder);
             std::optional<StoppedBySignal> stoppable;
             if (mOptions.stopsOnSignal) {
@@ -146,6 +160,25 @@ private:
         return options.withExplanation ? Detail::EVIDENCE : options.withTrees ? Detail::EVENTS : Detail::VERDICT;
     }
 
+    // Rule sets that are not held are read for it, and loaded if the memory keeps them.
+    void TakeDigest(DetectionReport& report)
+    {
+        if (!mOptions.isForLine) {
+            return;
+        }
+        if (mHeld != nullptr) {
+            report.ruleSet = mHeld->digest;
+            return;
+        }
+        const auto contents = rule_source::ReadRuleSetContents(RulePaths(mSession.GetBundle()));
+        if (mOptions.ruleSets == nullptr) {
+            report.ruleSet = DigestOf(contents);
+            return;
+        }
+        report.ruleSet = mOptions.ruleSets->Digest(contents);
+        mLoaded = mOptions.ruleSets->KeptOrLoad(*mInfo, contents);
+    }
+
     // A failed detection has no results, so warnings about the reliability of results are left out.
     void TakeWarnings(DetectionReport& report) const
     {
@@ -168,6 +201,9 @@ private:
     std::shared_ptr<DetectInfo> mInfo;
     std::shared_ptr<DetectionRecorder> mRecorder;
     std::shared_ptr<CodeAnswers> mAnswers;
+    // What earlier detections left of the rule set; null for none.
+    const HeldRuleSet* mHeld;
+    std::shared_ptr<LoadedRuleSet> mLoaded;
 };
 
 class Stopwatch {
@@ -199,10 +235,6 @@ void RunEntered(const BundleSession& session, const DetectionOptions& options, D
     report.subject = session.GetBundle();
     report.subject.deviceId.clear();
     report.moment = FormatMoment(session.Now()).value_or("");
-    if (options.isForLine) {
-        const auto contents = rule_source::ReadRuleSetContents(RulePaths(report.subject));
-        report.ruleSet = options.ruleSets != nullptr ? options.ruleSets->Digest(contents) : DigestOf(contents);
-    }
     Detection(session, options).Run(report);
     ShowPaths(session, report);
     if (options.isForLine && !report.failure) {
@@ -236,8 +268,7 @@ void AddRuleSetWarnings(const Bundle& bundle, const std::optional<Failure>& fail
     if (failure && OF_THE_FILES.count(failure->code) != 0) {
         return;
     }
-    const rule_source::RuleSetPaths paths = RulePaths(bundle);
-    const auto found = known == nullptr ? CheckRuleSet(paths, bundle.treeTag) : known->Check(paths, bundle.treeTag);
+    const auto found = CheckOf(bundle, known);
     found->AddTo(warnings);
     found->AddEmptyAttributes(bundle.device, warnings);
 }

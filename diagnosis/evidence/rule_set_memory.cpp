@@ -95,23 +95,60 @@ void RuleSetMemory::MakeRoomFor(std::size_t bytes)
     }
 }
 
+RuleSetMemory::Name RuleSetMemory::NameOf(const DetectInfo& info)
+{
+    return {info.mRuleFileDir, info.mRuleFilePrefix, info.mTreeTag};
+}
+
 void RuleSetMemory::CheckFolder(const std::string& folder)
 {
     for (const std::string& prefix : PrefixesIn(folder)) {
-        CheckTags({TreeFilePath(folder, prefix), RuleFilePath(folder, prefix)});
+        CheckTags(folder, prefix);
     }
 }
 
-void RuleSetMemory::CheckTags(const RuleSetPaths& paths)
+void RuleSetMemory::CheckTags(const std::string& folder, const std::string& prefix)
 {
+    const RuleSetPaths paths{TreeFilePath(folder, prefix), RuleFilePath(folder, prefix)};
     auto contents = rule_source::ReadRuleSetContents(paths);
     const std::string digest = DigestOfTexts(contents);
+    DetectInfo info;
+    info.mRuleFileDir = folder;
+    info.mRuleFilePrefix = prefix;
+    const bool areRead = rule_source::AreRead(contents);
     const rule_source::RuleSetFiles files = rule_source::ParseRuleSetFiles(std::move(contents));
     for (const std::string& tag : rule_source::TagsOf(files.TreeRoot(), rule_source::Element())) {
-        if (mKnown.size() < LARGEST_NUMBER) {
-            mKnown[Key(paths.treeFile, paths.ruleFile, tag, digest)] = std::make_shared<RuleSetWarnings>(files, tag);
+        if (mKnown.size() >= LARGEST_NUMBER) {
+            return;
+        }
+        const auto warnings = std::make_shared<RuleSetWarnings>(files, tag);
+        mKnown[Key(paths.treeFile, paths.ruleFile, tag, digest)] = warnings;
+        if (areRead) {
+            info.mTreeTag = tag;
+            mHeld[NameOf(info)] = {rule_source::DIGEST_KIND + digest, warnings, std::make_shared<LoadedRuleSet>(info)};
         }
     }
+}
+
+const HeldRuleSet* RuleSetMemory::FindHeld(
+    const std::string& folder, const std::string& prefix, const std::string& tag) const
+{
+    const auto held = mHeld.find(Name(folder, prefix, tag));
+    return held == mHeld.end() ? nullptr : &held->second;
+}
+
+std::shared_ptr<LoadedRuleSet> RuleSetMemory::KeptOrLoad(
+    const DetectInfo& info, const rule_source::RuleSetContents& contents)
+{
+    std::string digest = mKeepsLast ? Digest(contents) : "";
+    if (digest.empty()) {
+        return nullptr;
+    }
+    if (mLast.loaded == nullptr || mLast.digest != digest || mLastName != NameOf(info)) {
+        mLast = {std::move(digest), nullptr, std::make_shared<LoadedRuleSet>(info)};
+        mLastName = NameOf(info);
+    }
+    return mLast.loaded;
 }
 
 } // namespace diagnosis

@@ -256,6 +256,59 @@ TEST(RuleSetMemory, HashesEqualFilesOnce)
     EXPECT_EQ(memory.Digest(diagnosis::rule_source::ReadRuleSetContents({"FaultTrees.xml", "nowhere"})), "");
 }
 
+TEST(RuleSetMemory, HoldsTheRuleSetsOfAFolderWhateverBecomesOfTheFiles)
+{
+    const TempDir dir;
+    dir.Write("FaultTrees.xml", "<F><T/></F>");
+    dir.Write("FaultTreeRules.xml", "<R/>");
+    diagnosis::RuleSetMemory memory;
+    memory.CheckFolder(".");
+    const std::string digest =
+        DigestOf(diagnosis::rule_source::ReadRuleSetContents({"FaultTrees.xml", "FaultTreeRules.xml"}));
+    std::filesystem::remove("FaultTreeRules.xml");
+    const diagnosis::HeldRuleSet* const held = memory.FindHeld(".", "", "T");
+    ASSERT_NE(held, nullptr);
+    EXPECT_EQ(held->digest, digest);
+    EXPECT_NE(held->warnings, nullptr);
+    EXPECT_NE(held->loaded, nullptr);
+    EXPECT_EQ(memory.FindHeld(".", "P", "T"), nullptr);
+    EXPECT_EQ(memory.FindHeld("other", "", "T"), nullptr);
+    EXPECT_EQ(memory.FindHeld(".", "", "Other"), nullptr);
+}
+
+TEST(RuleSetMemory, HoldsNoRuleSetWithAFileThatCannotBeRead)
+{
+    const TempDir dir;
+    dir.Write("FaultTrees.xml", "<F><T/></F>");
+    diagnosis::RuleSetMemory memory;
+    memory.CheckFolder(".");
+    EXPECT_EQ(memory.FindHeld(".", "", "T"), nullptr);
+}
+
+TEST(RuleSetMemory, KeepsTheLastRuleSetAsLongAsNamesAndFilesAreTheSame)
+{
+    const TempDir dir;
+    dir.Write("FaultTrees.xml", "<F><T/></F>");
+    dir.Write("FaultTreeRules.xml", "<R/>");
+    const auto read = [] { return diagnosis::rule_source::ReadRuleSetContents({"FaultTrees.xml", "FaultTreeRules.xml"}); };
+    DetectInfo info;
+    info.mRuleFileDir = ".";
+    info.mTreeTag = "T";
+    diagnosis::RuleSetMemory memory;
+    EXPECT_EQ(memory.KeptOrLoad(info, read()), nullptr);
+    memory.KeepLast();
+    const auto first = memory.KeptOrLoad(info, read());
+    EXPECT_NE(first, nullptr);
+    EXPECT_EQ(memory.KeptOrLoad(info, read()), first);
+    info.mTreeTag = "Other";
+    const auto second = memory.KeptOrLoad(info, read());
+    EXPECT_NE(second, first);
+    dir.Write("FaultTreeRules.xml", "<R> </R>");
+    EXPECT_NE(memory.KeptOrLoad(info, read()), second);
+    std::filesystem::remove("FaultTreeRules.xml");
+    EXPECT_EQ(memory.KeptOrLoad(info, read()), nullptr);
+}
+
 TEST(RuleSetMemory, TellsRuleSetsWithOneByteOfDifferenceApart)
 {
     const TempDir dir;

@@ -119,6 +119,27 @@ TEST_F(BatchTest, TheRuleSetsOfTheOptionAreCheckedBeforeTheWorkersAre)
     EXPECT_TRUE(watch.WasOpened());
 }
 
+TEST_F(BatchTest, BundlesWithOneRuleSetAnswerAsByThemselves)
+{
+    const auto names = WriteBundles(6);
+    mDir.Write(names[2] + "/temperature", "5\n");
+    fs::copy("b0/rules", "shared");
+    for (std::vector<std::string> options : {std::vector<std::string>{}, {"--rules", "shared"}}) {
+        options.insert(options.end(), {"--explain", "--now", "2024-05-20 12:00:00"});
+        std::string list;
+        std::string alone;
+        const auto run = [&options](std::vector<std::string> arguments, const std::string& input) {
+            arguments.insert(arguments.end(), options.begin(), options.end());
+            return RunArborist(arguments, {.input = input}).out;
+        };
+        for (const std::string& name : names) {
+            alone += run({"detect", "--json", name}, "");
+            list += name + "\n";
+        }
+        EXPECT_EQ(WithoutSeconds(run({"detect", "--batch", "-", "--jobs", "1", "--ordered"}, list)), WithoutSeconds(alone));
+    }
+}
+
 TEST_F(BatchTest, OrderedKeepsTheOrderOfTheList)
 {
     auto names = WriteBundles(60);
