@@ -6,6 +6,7 @@
 #include <iostream>
 #include <optional>
 #include <thread>
+#include <utility>
 
 #include "diagnosis/results/detection_json.h"
 #include "diagnosis/scratch/new_file.h"
