@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Fuzzes every target, or those that are named, for MINUTES each, two at a time; prints a line for each: runs, covered
-# branches, inputs kept, findings. Corpora stay in build/fuzz/corpus, findings in build/fuzz/findings: make a test of each.
+# branches, inputs kept, findings, and the processor seconds that it got. Corpora stay in build/fuzz/corpus, findings in
+# build/fuzz/findings: make a test of each.
 # usage: scripts/fuzz.sh MINUTES [NAME...]     NAME: "zip" for fuzz/zip_fuzz.cpp
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -30,14 +31,16 @@ fuzz_one() {
         lint | rule_set) seeds=fuzz/seeds/rule_file ;;
     esac
     mkdir -p "build/fuzz/corpus/$name"
-    local status=0
-    "build/fuzz/fuzz/fuzz_$name" -max_total_time="$seconds" -timeout=60 -rss_limit_mb=3000 \
-        -artifact_prefix="build/fuzz/findings/$name-" "build/fuzz/corpus/$name" "$seeds" >"$log" 2>&1 || status=$?
+    local status=0 TIMEFORMAT='%U %S'
+    {
+        time "build/fuzz/fuzz/fuzz_$name" -max_total_time="$seconds" -timeout=60 -rss_limit_mb=3000 \
+            -artifact_prefix="build/fuzz/findings/$name-" "build/fuzz/corpus/$name" "$seeds" >"$log" 2>&1
+    } 2>"$log.seconds" || status=$?
     local last
     last=$(grep -E '^#[0-9]+' "$log" | tail -1)
-    printf '%-16s runs %-10s %s findings %s\n' "$name" "$(sed -E 's/^#([0-9]+).*/\1/' <<<"$last")" \
+    printf '%-16s runs %-10s %s findings %s processor seconds %.0f\n' "$name" "$(sed -E 's/^#([0-9]+).*/\1/' <<<"$last")" \
         "$(sed -E 's/.*(cov: [0-9]+).*(corp: [0-9]+).*/\1 \2/' <<<"$last")" \
-        "$(find build/fuzz/findings -name "$name-*" | wc -l)"
+        "$(find build/fuzz/findings -name "$name-*" | wc -l)" "$(awk '{ print $1 + $2 }' "$log.seconds")"
     return "$status"
 }
 export -f fuzz_one
