@@ -257,7 +257,9 @@ private:
             sockets.push_back({IsBusy(worker) ? worker->GetSocket() : -1, POLLIN, 0});
             end = IsBusy(worker) ? std::min(end, worker->GetDeadline()) : end;
         }
-        const bool goesOn = HasMoreToKeep() && !std::all_of(mWorkers.begin(), mWorkers.end(), IsBusy);
+        // Where nobody is busy, a worker could not be started: the next bundle's turn has come.
+        const bool goesOn = std::none_of(mWorkers.begin(), mWorkers.end(), IsBusy)
+            || (HasMoreToKeep() && !std::all_of(mWorkers.begin(), mWorkers.end(), IsBusy));
         end = goesOn ? Clock::now() : end;
         const auto left = std::max(Clock::duration::zero(), end - Clock::now());
         const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
