@@ -196,4 +196,88 @@ TEST_F(ZipReaderTest, SymbolicLinksAreNotMade)
     EXPECT_EQ(mWarnings[0].code, diagnosis::WarningCode::ZIP_LINK);
 }
 
+TEST_F(ZipReaderTest, EntriesInTheWayOfEachOtherAreRefused)
+{
+    for (const ZipEntries& entries : {ZipEntries{{"a", "1"}, {"a/", ""}}, ZipEntries{{"a", "1"}, {"a/b", "2"}}}) {
+        WriteZip("z.zip", entries);
+        EXPECT_THAT(Unpack()->message, HasSubstr("\"" + entries[1].first + "\" can't be made: "));
+        EXPECT_EQ(mDir.Read("in/out/a"), "1");
+        fs::remove_all("in");
+    }
+}
+
+TEST_F(ZipReaderTest, ANameThatIsTooLongOrHasANulIsRefused)
+{
+    WriteZip("z.zip", {{std::string(4096, 'x'), "1"}});
+    EXPECT_THAT(Unpack()->message, testing::StartsWith("z.zip: the name of an entry can't be used: \"xxx"));
+    WriteZip("z.zip", {{"a_b", "1"}});
+    std::string file = mDir.Read("z.zip");
+    for (const std::size_t name : {file.find("a_b"), file.rfind("a_b")}) {
+        file[name + 1] = '\0';
+    }
+    mDir.Write("z.zip", file);
+    EXPECT_THAT(Unpack()->message, HasSubstr("the name of an entry can't be used: "));
+}
+
+TEST_F(ZipReaderTest, AnotherFieldBesideThatWithTheLengthsIsPassedOver)
+{
+    const std::string other = LittleEndian(9, 2) + LittleEndian(3, 2) + "abc";
+    WriteZip64("z.zip", 0, "content", other + Zip64Field({7, 7}) + LittleEndian(9, 1));
+    const auto failure = Unpack();
+    EXPECT_FALSE(failure.has_value()) << failure->message;
+    EXPECT_EQ(mDir.Read("in/out/name"), "content");
+}
+
+struct DamageCase { const char* name; void (*damage)(std::string& file); const char* message; };
+void PrintTo(const DamageCase& damageCase, std::ostream* out) { *out << damageCase.name; }
+class DamagedArchive : public ZipReaderTest, public testing::WithParamInterface<DamageCase> {};
+
+TEST_P(DamagedArchive, IsRefused)
+{
+    WriteZip("z.zip", {{"a", "content of a"}, {"b", "content of b"}});
+    std::string file = mDir.Read("z.zip");
+    GetParam().damage(file);
+    mDir.Write("z.zip", file);
+    const auto failure = Unpack();
+    ASSERT_TRUE(failure.has_value());
+    EXPECT_EQ(failure->code, "bad_zip");
+    EXPECT_EQ(failure->message, std::string("z.zip: ") + GetParam().message);
+}
+
+constexpr char ENTRY[] = "PK\3\4";
+constexpr char LISTED[] = "PK\1\2";
+constexpr char END[] = "PK\5\6";
+
+INSTANTIATE_TEST_SUITE_P(Table, DamagedArchive, testing::Values(
+    DamageCase{"WithoutItsEnd", [](std::string& file) { file.resize(file.find(END)); }, "is no zip that can be read"},
+    DamageCase{"WithMoreEntriesThanItLists", [](std::string& file) { file[file.find(END) + 8] = file[file.find(END) + 10] = 3; }, "is damaged"},
+    DamageCase{"WithoutASecondEntryInItsList", [](std::string& file) { file[file.rfind(LISTED) + 2] = 'x'; }, "is damaged"},
+    DamageCase{"WithoutAFirstEntryInItsList", [](std::string& file) { file[file.find(LISTED) + 2] = 'x'; }, "is damaged"},
+    DamageCase{"WithoutTheHeadOfAnEntry", [](std::string& file) { file[file.find(ENTRY)] = 'x'; },
+        "\"a\" is damaged or encrypted"},
+    DamageCase{"WithOtherBytesInAnEntry", [](std::string& file) { file[file.find(ENTRY) + 31] = '\xFF'; },
+        "\"a\" is damaged"}),
+    CaseName());
+
+TEST_F(ZipReaderTest, AnArchiveThatIsNotThereIsNone)
+{
+    EXPECT_EQ(Unpack()->message, "z.zip: is no zip that can be read");
+}
+
+TEST(IsZipTest, AFileIsOneByItsFirstBytes)
+{
+    const TempDir dir;
+    dir.MakeDir("folder");
+    EXPECT_FALSE(diagnosis::IsZip("folder"));
+    EXPECT_FALSE(diagnosis::IsZip("none"));
+    for (const char* start : {"PK\3\4", "PK\5\6 and more"}) {
+        dir.Write("file", start);
+        EXPECT_TRUE(diagnosis::IsZip("file")) << start;
+    }
+    for (const char* start : {"", "PK\3", "XK\3\4", "PX\3\4", "PK\7\10"}) {
+        dir.Write("file", start);
+        EXPECT_FALSE(diagnosis::IsZip("file")) << start;
+    }
+}
+
 } // namespace
