@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "diagnosis/exit_status.h"
+#include "diagnosis/failure_code.h"
 #include "diagnosis/warning_code.h"
 
 namespace diagnosis {
@@ -35,13 +36,10 @@ std::string PlacedMessage(const Remark& remark);
 
 /// Why a bundle or a file could not be used. The message names the file and the reason, on one line.
 struct Failure {
-    std::string code;
+    FailureCode code;
     std::string message;
-    ExitStatus status = ExitStatus::INPUT;
-
-    /// True if the reason may be gone at another try, as it lies in the machine, not in the input: the codes no_scratch,
-    /// out_of_memory, timeout, crashed and not_copied. Neither the status nor the message makes a difference.
-    bool IsWorthARetry() const;
+    /// Differs from that of the code where the same failure is the user's mistake: a log named by an option of lint.
+    ExitStatus status = StatusOf(code);
 };
 
 } // namespace diagnosis

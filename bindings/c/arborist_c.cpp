@@ -10,8 +10,8 @@
 
 namespace {
 
-using diagnosis::ExitStatus;
 using diagnosis::Failure;
+using diagnosis::FailureCode;
 using diagnosis::bindings::Answer;
 using diagnosis::bindings::Call;
 using diagnosis::bindings::Request;
@@ -20,7 +20,7 @@ using diagnosis::bindings::Turn;
 /// Handed out where there is no memory for an error; never freed.
 arborist_error* NoMemory()
 {
-    static arborist_error error{{"out_of_memory", "memory ran out", ExitStatus::INTERNAL}, ""};
+    static arborist_error error{{FailureCode::OUT_OF_MEMORY, "memory ran out"}, ""};
     return &error;
 }
 
@@ -57,19 +57,19 @@ arborist_status StoreExceptionInFlight(arborist_result** result, arborist_error*
     }
 }
 
-Answer Refused(const char* code, const char* message)
+Answer Refused(FailureCode code, const char* message)
 {
-    return {Failure{code, message, ExitStatus::WRONG_USE}, "", {}};
+    return {Failure{code, message}, "", {}};
 }
 
 Answer AnswerOf(Call call, arborist_engine* engine, const char* text, std::size_t length)
 {
     if (engine == nullptr || (text == nullptr && length > 0)) {
-        return Refused("bad_request", "no engine or no request");
+        return Refused(FailureCode::BAD_REQUEST, "no engine or no request");
     }
     const Turn turn(*engine);
     if (!turn.IsTaken()) {
-        return Refused("busy", "the call comes out of a callback of a call that runs");
+        return Refused(FailureCode::BUSY, "the call comes out of a callback of a call that runs");
     }
     Request request(std::string_view(text == nullptr ? "" : text, length));
     return call(*engine, request);
@@ -208,7 +208,7 @@ arborist_status arborist_error_status(const arborist_error* error)
 
 const char* arborist_error_code(const arborist_error* error)
 {
-    return error->failure.code.c_str();
+    return diagnosis::CodeWord(error->failure.code);
 }
 
 const char* arborist_error_message(const arborist_error* error)

@@ -23,7 +23,7 @@ Request::Request(std::string_view text)
 void Request::Fail(const std::string& message)
 {
     if (!mFailure) {
-        mFailure = Failure{"bad_request", "the request: " + message, ExitStatus::WRONG_USE};
+        mFailure = Failure{FailureCode::BAD_REQUEST, "the request: " + message};
     }
 }
 

@@ -67,14 +67,13 @@ bool ShowsCause(const RecordedTree& tree, const DistinctCause& cause, const Expl
 }
 
 std::optional<Failure> Unless(
-    const std::set<std::string>& known, const std::string& kind, const std::string& code, const std::string& word)
+    const std::set<std::string>& known, const std::string& kind, FailureCode code, const std::string& word)
 {
     if (word.empty() || known.count(word) != 0) {
         return std::nullopt;
     }
     const std::vector<std::string> candidates(known.begin(), known.end());
-    return Failure{code, "no " + kind + " \"" + word + "\" in this detection" + DidYouMean(word, candidates),
-        ExitStatus::WRONG_USE};
+    return Failure{code, "no " + kind + " \"" + word + "\" in this detection" + DidYouMean(word, candidates)};
 }
 
 } // namespace
@@ -93,10 +92,10 @@ std::optional<Failure> UnknownWord(const TreeReports& reports, const Explanation
             }
         }
     }
-    if (auto failure = Unless(events, "event", "unknown_event", view.event)) {
+    if (auto failure = Unless(events, "event", FailureCode::UNKNOWN_EVENT, view.event)) {
         return failure;
     }
-    if (auto failure = Unless(rules, "rule", "unknown_rule", view.rule)) {
+    if (auto failure = Unless(rules, "rule", FailureCode::UNKNOWN_RULE, view.rule)) {
         return failure;
     }
     // Accept any event as a root cause: the view also shows how far it is from being one.
@@ -105,7 +104,7 @@ std::optional<Failure> UnknownWord(const TreeReports& reports, const Explanation
             events.insert(cause.id);
         }
     }
-    return Unless(events, "root cause", "unknown_cause", view.cause);
+    return Unless(events, "root cause", FailureCode::UNKNOWN_CAUSE, view.cause);
 }
 
 std::vector<std::size_t> ShownEvents(const RecordedTree& tree, const ExplanationView& view)

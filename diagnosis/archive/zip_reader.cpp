@@ -150,11 +150,11 @@ public:
     }
 
 private:
-    Failure Bad(const std::string& reason) const { return Failure{"bad_zip", mShown + ": " + reason}; }
+    Failure Bad(const std::string& reason) const { return Failure{FailureCode::BAD_ZIP, mShown + ": " + reason}; }
 
     Failure TooLarge(const std::string& reason) const
     {
-        return Failure{"too_large", mShown + ": " + reason, ExitStatus::INTERNAL};
+        return Failure{FailureCode::TOO_LARGE, mShown + ": " + reason};
     }
 
     std::optional<Failure> UnpackEntry()
@@ -248,8 +248,8 @@ private:
                 return TooLarge("more than " + std::to_string(mLimits.bytes) + " bytes when unpacked");
             }
             if (!WriteAll(file, mBuffer.data(), static_cast<std::size_t>(length))) {
-                return Failure{"no_scratch", mShown + ": \"" + name + "\" can't be unpacked: " + std::strerror(errno),
-                    ExitStatus::INTERNAL};
+                return Failure{FailureCode::NO_SCRATCH,
+                    mShown + ": \"" + name + "\" can't be unpacked: " + std::strerror(errno)};
             }
         }
     }

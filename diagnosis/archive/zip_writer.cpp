@@ -71,7 +71,7 @@ std::optional<Failure> PackZip(const std::string& folder, const std::string& tar
 {
     const zipFile archive = zipOpen64(target.c_str(), APPEND_STATUS_CREATE);
     if (archive == nullptr) {
-        return Failure{"not_packed", shown + ": can't be written"};
+        return Failure{FailureCode::NOT_PACKED, shown + ": can't be written"};
     }
     bool isWhole = true;
     for (const fs::path& path : SortedPaths(folder)) {
@@ -79,7 +79,7 @@ std::optional<Failure> PackZip(const std::string& folder, const std::string& tar
         isWhole = isWhole && (fs::is_directory(path) ? AddFolder(archive, name) : AddFile(archive, path, name));
     }
     const bool isClosed = zipClose(archive, nullptr) == ZIP_OK;
-    return isWhole && isClosed ? std::nullopt : std::optional(Failure{"not_packed", shown + ": can't be written"});
+    return isWhole && isClosed ? std::nullopt : std::optional(Failure{FailureCode::NOT_PACKED, shown + ": can't be written"});
 }
 
 } // namespace diagnosis

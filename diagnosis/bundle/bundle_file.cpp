@@ -277,15 +277,15 @@ std::optional<Failure> ReadBundleText(const std::string& path, const std::string
     std::string problem;
     const auto value = ParseJson(text, problem);
     if (!value) {
-        return Failure{"bad_json", path + ": " + problem};
+        return Failure{FailureCode::BAD_JSON, path + ": " + problem};
     }
     if (!value->isObject()) {
-        return Failure{"bad_bundle", path + ": must hold an object, not " + JsonKind(*value)};
+        return Failure{FailureCode::BAD_BUNDLE, path + ": must hold an object, not " + JsonKind(*value)};
     }
     Findings findings{path, {}, warnings};
     ReadObject(*value, bundle, findings);
     if (!findings.errors.empty()) {
-        return Failure{"bad_bundle", path + ": " + Joined(findings.errors)};
+        return Failure{FailureCode::BAD_BUNDLE, path + ": " + Joined(findings.errors)};
     }
     return std::nullopt;
 }
@@ -304,19 +304,21 @@ std::optional<Failure> ReadBundleFile(const BundlePath& path, Bundle& bundle, st
     std::error_code error;
     const fs::path folder = path.absolute;
     if (!fs::is_directory(folder, error)) {
-        return Failure{"no_bundle", path.given + (fs::exists(folder, error) ? ": is neither a folder nor a zip" : ": no such folder or zip")};
+        const char* reason = fs::exists(folder, error) ? ": is neither a folder nor a zip" : ": no such folder or zip";
+        return Failure{FailureCode::NO_BUNDLE, path.given + reason};
     }
     const fs::path file = folder / "bundle.json";
     const std::string name = (fs::path(path.given) / "bundle.json").string();
     // Ask first: reading a pipe or device of that name would block.
     if (!fs::is_regular_file(file, error)) {
-        return Failure{"no_bundle_json", name + ": no such file; a bundle is a folder or a zip with a bundle.json"};
+        return Failure{FailureCode::NO_BUNDLE_JSON, name + ": no such file; a bundle is a folder or a zip with a bundle.json"};
     }
     if (fs::file_size(file, error) > LARGEST_FILE) {
-        return Failure{"too_large", name + ": larger than 16 MiB", ExitStatus::INTERNAL};
+        return Failure{FailureCode::TOO_LARGE, name + ": larger than 16 MiB"};
     }
     const auto text = FileText(file.string());
-    return text ? ReadBundleText(name, *text, bundle, warnings) : Failure{"no_bundle_json", name + ": can't be read"};
+    return text ? ReadBundleText(name, *text, bundle, warnings)
+                : Failure{FailureCode::NO_BUNDLE_JSON, name + ": can't be read"};
 }
 
 } // namespace diagnosis

@@ -20,7 +20,7 @@ std::optional<Failure> Link(const fs::path& source, const fs::path& target)
     std::error_code error;
     fs::create_directories(target.parent_path(), error);
     fs::create_symlink(source, target, error);
-    return error ? std::optional(Failure{"no_scratch", target.string() + ": " + error.message(), ExitStatus::INTERNAL})
+    return error ? std::optional(Failure{FailureCode::NO_SCRATCH, target.string() + ": " + error.message()})
                  : std::nullopt;
 }
 

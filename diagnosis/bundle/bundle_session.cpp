@@ -45,14 +45,14 @@ std::string DataPath(const std::string& folder, const std::map<std::string, std:
 std::optional<Failure> BundleSession::Enter(const BundlePath& path, const BundleOverrides& overrides, BundleUse use)
 {
     if (path.given.find('\0') != std::string::npos) {
-        return Failure{"no_bundle", path.given + ": no such folder or zip; a path holds no NUL character"};
+        return Failure{FailureCode::NO_BUNDLE, path.given + ": no such folder or zip; a path holds no NUL character"};
     }
     mIsZip = diagnosis::IsZip(path.absolute);
     if (mIsZip && use == BundleUse::RECORD) {
-        return Failure{"bundle_is_zip", path.given + ": nothing can be recorded in a zip; unpack it first"};
+        return Failure{FailureCode::BUNDLE_IS_ZIP, path.given + ": nothing can be recorded in a zip; unpack it first"};
     }
     if (mIsZip && overrides.isLive) {
-        return Failure{"bundle_is_zip", path.given + ": is a capture of a device; --live takes a folder"};
+        return Failure{FailureCode::BUNDLE_IS_ZIP, path.given + ": is a capture of a device; --live takes a folder"};
     }
     if (mIsZip || use == BundleUse::RUN) {
         if (auto failure = mScratch.MakeOrReuse()) {
@@ -78,7 +78,7 @@ std::optional<Failure> BundleSession::Unpack(const BundlePath& path)
     }
     const auto folders = FoldersWithBundleFile(unpacked);
     if (folders.size() > 1) {
-        return Failure{"no_bundle_json", path.given + ": holds " + std::to_string(folders.size())
+        return Failure{FailureCode::NO_BUNDLE_JSON, path.given + ": holds " + std::to_string(folders.size())
             + " bundles; unpack it and name one"};
     }
     mFolder = folders.front();
@@ -126,7 +126,7 @@ std::optional<Failure> BundleSession::EnterFolder(const BundlePath& path, const 
         }
     }
     if (const std::error_code reason = mDirectory.Enter(path.absolute)) {
-        return Failure{"no_bundle", path.given + ": can't be entered: " + reason.message()};
+        return Failure{FailureCode::NO_BUNDLE, path.given + ": can't be entered: " + reason.message()};
     }
     mPathsShown.Show(mNames);
     mTimeLimit = overrides.timeLimit;
@@ -139,14 +139,14 @@ std::optional<Failure> BundleSession::CheckBounds(const BundlePath& path, const 
 {
     const auto outside = overrides.isLive ? std::nullopt : PlaceOutside(mFolder, mBundle);
     if (outside) {
-        return Failure{"outside_bundle", path.given + ": " + *outside + " is a link that leads out of the bundle"};
+        return Failure{FailureCode::OUTSIDE_BUNDLE, path.given + ": " + *outside + " is a link that leads out of the bundle"};
     }
     if (!overrides.rules.empty() || !AreRulesOutside(mFolder, mBundle)) {
         return std::nullopt;
     }
     const std::string message = "the rules in \"" + mBundle.ruleFileDir + "\" are not inside the bundle";
     if (mIsZip) {
-        return Failure{"outside_bundle", path.given + ": " + message + "; --rules takes those of another folder"};
+        return Failure{FailureCode::OUTSIDE_BUNDLE, path.given + ": " + message + "; --rules takes those of another folder"};
     }
     mWarnings.push_back({WarningCode::RULES_OUTSIDE, message});
     return std::nullopt;
@@ -159,7 +159,7 @@ std::optional<Failure> BundleSession::SetMoment()
     }
     mMoment = ParseMoment(mBundle.now);
     if (!mMoment || !FormatMoment(*mMoment)) {
-        return Failure{"bad_bundle", "the moment \"" + mBundle.now + "\" does not exist in the time zone"
+        return Failure{FailureCode::BAD_BUNDLE, "the moment \"" + mBundle.now + "\" does not exist in the time zone"
             + (mBundle.tz.empty() ? "" : " " + mBundle.tz)};
     }
     return std::nullopt;

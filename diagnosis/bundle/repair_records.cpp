@@ -18,12 +18,12 @@ std::optional<Failure> ReadRepairRecords(
     }
     Connection database;
     if (!database.Open(path, Connection::Mode::READ_ONLY)) {
-        return Failure{"bad_repair_records", path + ": " + database.GetError()};
+        return Failure{FailureCode::BAD_REPAIR_RECORDS, path + ": " + database.GetError()};
     }
     database.LimitToFile();
     auto rows = database.Prepare("SELECT repair_id, repair_date FROM repair_data ORDER BY _id LIMIT ?");
     if (!rows) {
-        return Failure{"bad_repair_records", path + ": " + database.GetError()};
+        return Failure{FailureCode::BAD_REPAIR_RECORDS, path + ": " + database.GetError()};
     }
     rows->Bind(1, limits.records);
     while (rows->Step()) {
@@ -32,7 +32,7 @@ std::optional<Failure> ReadRepairRecords(
         }
     }
     if (database.HasError()) {
-        return Failure{"bad_repair_records", path + ": " + database.GetError()};
+        return Failure{FailureCode::BAD_REPAIR_RECORDS, path + ": " + database.GetError()};
     }
     return std::nullopt;
 }

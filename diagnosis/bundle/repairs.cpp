@@ -40,7 +40,7 @@ std::optional<Failure> Record(const BundleSession& session, const std::string& i
     const auto record = std::find_if(records.begin(), records.end(),
         [&](const RepairRecord& candidate) { return candidate.id == id && candidate.date >= earliest; });
     if (record == records.end()) {
-        return Failure{"repair_not_recorded", path + ": the repair was not recorded; the library's log tells why"};
+        return Failure{FailureCode::REPAIR_NOT_RECORDED, path + ": the repair was not recorded; the library's log tells why"};
     }
     report.records.push_back(*record);
     WarnOfUnknownRepair(session, id, report.warnings);

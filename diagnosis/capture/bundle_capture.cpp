@@ -255,7 +255,7 @@ private:
         mCaptured.tz = mCaptured.tz.empty() ? ZoneOfThisMachine() : mCaptured.tz;
         std::ofstream file(mFiles.Path("bundle.json"), std::ios::binary);
         file << BundleText(mCaptured);
-        return file.flush() ? mFiles.Count("bundle.json") : Failure{"not_packed", "bundle.json: can't be written"};
+        return file.flush() ? mFiles.Count("bundle.json") : Failure{FailureCode::NOT_PACKED, "bundle.json: can't be written"};
     }
 
     const BundleSession& mSession;
@@ -288,7 +288,7 @@ Target MakeTarget(const std::string& given)
 
 Failure NotPacked(const Target& target, const std::string& reason)
 {
-    return {"not_packed", target.given + ": " + reason};
+    return {FailureCode::NOT_PACKED, target.given + ": " + reason};
 }
 
 Problem PutZip(const std::string& folder, const Target& target)

@@ -101,7 +101,7 @@ void LookInto(const BundleSession& session, BundleLook look, BundleContents& con
 
 BundleFinding Finding(const std::string& sound, const std::optional<Failure>& failure)
 {
-    return failure ? BundleFinding{State::BROKEN, failure->code, {failure->message}, failure->status}
+    return failure ? BundleFinding{State::BROKEN, CodeWord(failure->code), {failure->message}, failure->status}
                    : BundleFinding{State::SOUND, "", {sound}};
 }
 

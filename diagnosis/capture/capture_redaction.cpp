@@ -41,7 +41,7 @@ std::optional<Failure> CaptureRedaction::ReplaceNodeFiles(const std::vector<std:
         }
         const auto text = FileText(mFiles.Path(*name));
         auto failure = text ? mFiles.Replace(*name, RedactedNodeText(*mRedaction, *text))
-                            : Failure{"not_packed", path + ": can't be redacted"};
+                            : Failure{FailureCode::NOT_PACKED, path + ": can't be redacted"};
         if (failure) {
             return failure;
         }

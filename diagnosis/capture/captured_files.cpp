@@ -133,8 +133,7 @@ std::optional<Failure> CapturedFiles::AddFolder(
         }
     }
     return all.size() > mLimits.entries
-        ? std::optional(Failure{"too_large", source + ": more than " + std::to_string(mLimits.entries) + " files",
-              ExitStatus::INTERNAL})
+        ? std::optional(Failure{FailureCode::TOO_LARGE, source + ": more than " + std::to_string(mLimits.entries) + " files"})
         : std::nullopt;
 }
 
@@ -145,8 +144,8 @@ std::optional<Failure> CapturedFiles::Count(const std::string& name)
     mBytes += error ? 0 : size;
     mNames.push_back(name);
     if (++mFiles > mLimits.entries || mBytes > mLimits.bytes) {
-        return Failure{"too_large", "more than " + std::to_string(mLimits.entries) + " files or "
-            + std::to_string(mLimits.bytes) + " bytes to capture", ExitStatus::INTERNAL};
+        return Failure{FailureCode::TOO_LARGE, "more than " + std::to_string(mLimits.entries) + " files or "
+            + std::to_string(mLimits.bytes) + " bytes to capture"};
     }
     return std::nullopt;
 }
@@ -159,7 +158,7 @@ std::optional<Failure> CapturedFiles::Replace(const std::string& name, const std
     mBytes += content.size();
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     file << content;
-    return file.flush() ? std::nullopt : std::optional(Failure{"not_packed", name + ": can't be written"});
+    return file.flush() ? std::nullopt : std::optional(Failure{FailureCode::NOT_PACKED, name + ": can't be written"});
 }
 
 std::optional<Failure> CapturedFiles::Take(const std::string& source, const std::string& name, std::uint64_t longest)
@@ -191,7 +190,7 @@ std::optional<Failure> CapturedFiles::Take(const std::string& source, const std:
         length += static_cast<std::uint64_t>(from.gcount());
     }
     if (!to.flush()) {
-        return Failure{"not_packed", source + ": can't be captured: " + std::strerror(errno)};
+        return Failure{FailureCode::NOT_PACKED, source + ": can't be captured: " + std::strerror(errno)};
     }
     return Count(name);
 }

@@ -79,7 +79,7 @@ Problem WriteDatabase(const std::string& file, const CaseDatabase& given, const 
     if (isWritten && database.Execute("COMMIT")) {
         return std::nullopt;
     }
-    return Failure{"bad_case", file + ":" + std::to_string(given.line) + ": the database \"" + given.path
+    return Failure{FailureCode::BAD_CASE, file + ":" + std::to_string(given.line) + ": the database \"" + given.path
         + "\" can't be made: " + database.GetError()};
 }
 

@@ -138,13 +138,13 @@ CaseFile ReadCaseFile(const std::string& path)
     std::error_code error;
     // Ask first: reading a pipe or device of that name would block.
     if (!fs::is_regular_file(path, error)) {
-        return {{}, {{"no_case_file", path + ": no such file"}}};
+        return {{}, {{FailureCode::NO_CASE_FILE, path + ": no such file"}}};
     }
     if (fs::file_size(path, error) > LARGEST_FILE) {
-        return {{}, {{"too_large", path + ": larger than 16 MiB", ExitStatus::INTERNAL}}};
+        return {{}, {{FailureCode::TOO_LARGE, path + ": larger than 16 MiB"}}};
     }
     const auto text = FileText(path);
-    return text ? ReadCaseText(path, *text) : CaseFile{{}, {{"no_case_file", path + ": can't be read"}}};
+    return text ? ReadCaseText(path, *text) : CaseFile{{}, {{FailureCode::NO_CASE_FILE, path + ": can't be read"}}};
 }
 
 } // namespace diagnosis::cases

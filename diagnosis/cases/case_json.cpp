@@ -35,7 +35,7 @@ void CaseProblems::Add(const Json::Value& value, const std::string& message)
     const int line = LineOf(value);
     const auto column = value.getOffsetStart() - mLineStarts[static_cast<std::size_t>(line) - 1] + 1;
     mFailures.push_back(
-        {"bad_case", mFile + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + message});
+        {FailureCode::BAD_CASE, mFile + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + message});
 }
 
 void CaseProblems::AddUnparsed(const std::string& problem)
@@ -45,7 +45,7 @@ void CaseProblems::AddUnparsed(const std::string& problem)
     int end = 0;
     const bool hasPlace = std::sscanf(problem.c_str(), "line %d, column %d: %n", &line, &column, &end) == 2 && end > 0;
     const std::string place = hasPlace ? ":" + std::to_string(line) + ":" + std::to_string(column) : "";
-    mFailures.push_back({"bad_json", mFile + place + ": " + problem.substr(static_cast<std::size_t>(end))});
+    mFailures.push_back({FailureCode::BAD_JSON, mFile + place + ": " + problem.substr(static_cast<std::size_t>(end))});
 }
 
 int CaseProblems::LineOf(const Json::Value& value) const

@@ -70,7 +70,7 @@ std::optional<Failure> CaseRunner::Describe(const TestCase& testCase, Bundle& de
     const auto& tags = mRuleSets.TagsOf(description.ruleFileDir, description.ruleFilePrefix);
     if (description.treeTag.empty()) {
         if (tags.size() > 1) {
-            return Failure{"bad_case", testCase.file + ":" + std::to_string(testCase.line) + ": the rule set has "
+            return Failure{FailureCode::BAD_CASE, testCase.file + ":" + std::to_string(testCase.line) + ": the rule set has "
                 + std::to_string(tags.size()) + " tags; name one of them in \"tag\""};
         }
         description.treeTag = tags.empty() ? "-" : tags.front();
@@ -91,7 +91,7 @@ std::optional<Failure> CaseRunner::Answer(const TestCase& testCase, Bundle& desc
         names.emplace_back(rule.name);
     }
     const auto fail = [&testCase](const std::string& reason) {
-        return Failure{"bad_case", testCase.file + ":" + std::to_string(testCase.line) + ": " + reason};
+        return Failure{FailureCode::BAD_CASE, testCase.file + ":" + std::to_string(testCase.line) + ": " + reason};
     };
     for (const auto& [name, answer] : testCase.answers) {
         const auto text = texts.find(name);

@@ -22,7 +22,7 @@ using Problem = std::optional<Failure>;
 
 Problem NotWritten(const std::string& path, const std::string& reason)
 {
-    return Failure{"no_scratch", path + ": " + reason, ExitStatus::INTERNAL};
+    return Failure{FailureCode::NO_SCRATCH, path + ": " + reason};
 }
 
 Problem WriteFile(const fs::path& path, const std::string& content)

@@ -21,7 +21,7 @@ constexpr char ARCHIVE_END[] = ".zip";
 
 Failure Refused(const std::string& name, const std::string& reason)
 {
-    return {"not_recorded", name + ": " + reason};
+    return {FailureCode::NOT_RECORDED, name + ": " + reason};
 }
 
 std::string Quoted(const std::string& name)
@@ -197,7 +197,7 @@ Problem RecordedDatabases::AddArchive(const std::string& file, const std::string
 Problem RecordedDatabases::AddDatabase(const std::string& file, const std::string& name)
 {
     ReadOnlyDatabase database;
-    if (auto failure = database.Open(file, "not_recorded")) {
+    if (auto failure = database.Open(file, FailureCode::NOT_RECORDED)) {
         return failure;
     }
     JsonWriter json;

@@ -31,7 +31,7 @@ using JsonByKey = std::map<std::string, std::string>;
 
 Failure Refused(const std::string& reason)
 {
-    return {"not_recorded", reason};
+    return {FailureCode::NOT_RECORDED, reason};
 }
 
 // A case is JSON: its texts must be valid UTF-8 without NUL characters.

@@ -264,8 +264,9 @@ bool DetectionReport::HasUnusableRule() const
 void AddRuleSetWarnings(const Bundle& bundle, const std::optional<Failure>& failure, RuleSetMemory* known,
     WarningList& warnings)
 {
-    static const std::set<std::string> OF_THE_FILES = {"rule_file_missing", "rule_file_malformed", "no_tree"};
-    if (failure && OF_THE_FILES.count(failure->code) != 0) {
+    static constexpr FailureCode OF_THE_FILES[] = {
+        FailureCode::RULE_FILE_MISSING, FailureCode::RULE_FILE_MALFORMED, FailureCode::NO_TREE};
+    if (failure && std::find(std::begin(OF_THE_FILES), std::end(OF_THE_FILES), failure->code) != std::end(OF_THE_FILES)) {
         return;
     }
     const auto found = CheckOf(bundle, known);
@@ -280,17 +281,18 @@ std::optional<Failure> RuleSetFailure(const Evidence::RuleSet& ruleSet, const Bu
     bool hasTrees = false;
     for (const Evidence::RuleSetFile& file : ruleSet.files) {
         if (file.state != State::LOADED) {
-            const std::string code = file.state == State::MISSING ? "rule_file_missing" : "rule_file_malformed";
+            const auto code =
+                file.state == State::MISSING ? FailureCode::RULE_FILE_MISSING : FailureCode::RULE_FILE_MALFORMED;
             // If both files are faulty, the code is that of the first, and the message names both.
             failure = failure ? Failure{failure->code, failure->message + "; " + FileTrouble(file), failure->status}
-                              : Failure{code, FileTrouble(file), ExitStatus::RULE_SET};
+                              : Failure{code, FileTrouble(file)};
         } else if (file.type == Evidence::RuleSetFileType::TREES) {
             treeFile = file.path;
             hasTrees = file.count > 0;
         }
     }
     if (!failure && !hasTrees) {
-        failure = Failure{"no_tree", NoTree(treeFile, bundle), ExitStatus::RULE_SET};
+        failure = Failure{FailureCode::NO_TREE, NoTree(treeFile, bundle)};
     }
     return failure;
 }
@@ -300,13 +302,13 @@ std::optional<Failure> FailureInFlight(const Evidence::RuleSet& ruleSet)
     try {
         throw;
     } catch (const std::regex_error& error) {
-        return Failure{"bad_pattern", BadPatternMessage(ruleSet, error.what()), ExitStatus::RULE_SET};
+        return Failure{FailureCode::BAD_PATTERN, BadPatternMessage(ruleSet, error.what())};
     } catch (const std::bad_alloc&) {
-        return Failure{"out_of_memory", "memory ran out", ExitStatus::INTERNAL};
+        return Failure{FailureCode::OUT_OF_MEMORY, "memory ran out"};
     } catch (const std::exception& error) {
-        return Failure{"internal", std::string("internal error: ") + error.what(), ExitStatus::INTERNAL};
+        return Failure{FailureCode::INTERNAL, std::string("internal error: ") + error.what()};
     } catch (...) {
-        return Failure{"internal", "internal error", ExitStatus::INTERNAL};
+        return Failure{FailureCode::INTERNAL, "internal error"};
     }
 }
 

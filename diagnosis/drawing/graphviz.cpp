@@ -42,7 +42,7 @@ std::string Content(std::FILE* file)
 
 Failure Trouble(const std::string& reason)
 {
-    return {"graphviz", "Graphviz's program dot could not draw the graph: " + reason, ExitStatus::INTERNAL};
+    return {FailureCode::GRAPHVIZ, "Graphviz's program dot could not draw the graph: " + reason};
 }
 
 // Returns 0, or the error number if the program could not be started.
@@ -72,9 +72,8 @@ std::optional<Failure> DrawWithGraphviz(const std::string& graph, std::string& s
     pid_t child = 0;
     const int error = Start(input.get(), output.get(), child);
     if (error == ENOENT) {
-        return Failure{"no_graphviz", "--format svg needs Graphviz's program dot, which is not installed (Debian: "
-            "apt-get install graphviz); --format dot, mermaid and openpsa, and arborist report, do without",
-            ExitStatus::WRONG_USE};
+        return Failure{FailureCode::NO_GRAPHVIZ, "--format svg needs Graphviz's program dot, which is not installed (Debian: "
+            "apt-get install graphviz); --format dot, mermaid and openpsa, and arborist report, do without"};
     }
     if (error != 0) {
         return Trouble(std::strerror(error));

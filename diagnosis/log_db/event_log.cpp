@@ -92,7 +92,7 @@ std::optional<std::string> CompanionOf(const std::string& path)
 
 Failure EventLogWriter::Fail(const std::string& reason) const
 {
-    return Failure{"log_not_written", mPath + ": " + reason};
+    return Failure{FailureCode::LOG_NOT_WRITTEN, mPath + ": " + reason};
 }
 
 std::optional<Failure> EventLogWriter::Open(const std::string& path)
@@ -182,16 +182,16 @@ std::optional<Failure> ShowEventLog(const std::string& path, bool asSeconds, std
     const std::function<bool(std::int64_t event, std::int64_t time)>& wants)
 {
     if (!Exists(path)) {
-        return Failure{"no_log", path + ": no such file"};
+        return Failure{FailureCode::NO_LOG, path + ": no such file"};
     }
     ReadOnlyDatabase file;
-    if (auto failure = file.Open(path, "bad_log")) {
+    if (auto failure = file.Open(path, FailureCode::BAD_LOG)) {
         return failure;
     }
     Connection& database = file.Get();
     std::optional<Statement> rows = database.Prepare(SelectEvents());
     if (!rows) {
-        return Failure{"bad_log", path + ": " + database.GetError()};
+        return Failure{FailureCode::BAD_LOG, path + ": " + database.GetError()};
     }
     if (asOf) {
         rows->Bind(1, *asOf);
@@ -203,7 +203,7 @@ std::optional<Failure> ShowEventLog(const std::string& path, bool asSeconds, std
         show({TimeValue(*rows, asSeconds), NumberOrText(*rows, 1), TextOrNull(*rows, 2), ExtraValue(*rows)});
     }
     if (database.HasError()) {
-        return Failure{"bad_log", path + ": " + database.GetError()};
+        return Failure{FailureCode::BAD_LOG, path + ": " + database.GetError()};
     }
     return std::nullopt;
 }

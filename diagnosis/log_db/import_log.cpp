@@ -18,9 +18,9 @@ std::vector<Failure> ImportLines(InputLines& lines, const std::string& name, Eve
         std::string problem;
         const auto event = ParseEventLine(lines.Line(), problem);
         if (!event) {
-            failures.push_back({"bad_line", lines.Place() + ": " + problem});
+            failures.push_back({FailureCode::BAD_LINE, lines.Place() + ": " + problem});
             if (failures.size() == MOST_FAILURES) {
-                failures.push_back({"bad_line", name + ": given up after " + std::to_string(MOST_FAILURES)
+                failures.push_back({FailureCode::BAD_LINE, name + ": given up after " + std::to_string(MOST_FAILURES)
                     + " lines that can't be used"});
                 break;
             }
@@ -31,7 +31,7 @@ std::vector<Failure> ImportLines(InputLines& lines, const std::string& name, Eve
         }
     }
     if (lines.HasFailed()) {
-        failures.push_back({"no_events", name + ": can't be read"});
+        failures.push_back({FailureCode::NO_EVENTS, name + ": can't be read"});
     }
     return failures;
 }
@@ -42,10 +42,10 @@ std::vector<Failure> ImportEventLog(const std::string& file, const std::string& 
 {
     InputLines lines(file);
     if (lines.HasFailed()) {
-        return {{"no_events", file + ": can't be read"}};
+        return {{FailureCode::NO_EVENTS, file + ": can't be read"}};
     }
     if (file != "-" && IsOneFile(file, target)) {
-        return {{"log_not_written", target + ": is the file that is read"}};
+        return {{FailureCode::LOG_NOT_WRITTEN, target + ": is the file that is read"}};
     }
     // No check here: if the folder can't be created, writing the file fails and reports it.
     std::error_code error;

@@ -154,10 +154,10 @@ std::optional<Failure> InspectEventLog(
 {
     std::error_code error;
     if (!std::filesystem::exists(path, error)) {
-        return Failure{"no_log", path + ": no such file"};
+        return Failure{FailureCode::NO_LOG, path + ": no such file"};
     }
     ReadOnlyDatabase file;
-    if (auto failure = file.Open(path, "bad_log")) {
+    if (auto failure = file.Open(path, FailureCode::BAD_LOG)) {
         return failure;
     }
     auto rows = file.Get().Prepare(SelectRows());
@@ -169,7 +169,7 @@ std::optional<Failure> InspectEventLog(
         reading.Add(*rows);
     }
     if (!rows || file.Get().HasError()) {
-        return Failure{"bad_log", path + ": " + file.Get().GetError()};
+        return Failure{FailureCode::BAD_LOG, path + ": " + file.Get().GetError()};
     }
     inspection = reading.Result();
     return std::nullopt;

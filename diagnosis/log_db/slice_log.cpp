@@ -89,7 +89,7 @@ std::string DeleteOutside(const LogSlice& slice, std::optional<std::int64_t> lat
 std::optional<Failure> CopyInto(const std::string& source, const std::string& target)
 {
     ReadOnlyDatabase file;
-    if (auto failure = file.Open(source, "bad_log")) {
+    if (auto failure = file.Open(source, FailureCode::BAD_LOG)) {
         return failure;
     }
     // Copies a consistent state even while a service writes.
@@ -99,21 +99,21 @@ std::optional<Failure> CopyInto(const std::string& source, const std::string& ta
         copy->Step();
     }
     return copy && !file.Get().HasError() ? std::nullopt
-                                          : std::optional(Failure{"bad_log", source + ": " + file.Get().GetError()});
+                                          : std::optional(Failure{FailureCode::BAD_LOG, source + ": " + file.Get().GetError()});
 }
 
 std::optional<Failure> Cut(const std::string& source, const std::string& file, const LogSlice& slice)
 {
     Connection database;
     if (!database.Open(file, Connection::Mode::CREATE)) {
-        return Failure{"bad_log", source + ": " + database.GetError()};
+        return Failure{FailureCode::BAD_LOG, source + ": " + database.GetError()};
     }
     database.LimitToFile();
     const std::string cut = DeleteOutside(slice, LatestTime(database, slice.asOf));
     if (!database.Execute("PRAGMA journal_mode = OFF") || !database.Execute(cut)) {
-        return Failure{"bad_log", source + ": " + database.GetError()};
+        return Failure{FailureCode::BAD_LOG, source + ": " + database.GetError()};
     }
-    return database.Close() ? std::nullopt : std::optional(Failure{"log_not_written", file + ": can't be closed"});
+    return database.Close() ? std::nullopt : std::optional(Failure{FailureCode::LOG_NOT_WRITTEN, file + ": can't be closed"});
 }
 
 } // namespace
@@ -149,19 +149,19 @@ std::optional<Failure> SliceEventLog(const std::string& source, const std::strin
 {
     std::error_code error;
     if (!std::filesystem::exists(source, error)) {
-        return Failure{"no_log", source + ": no such file"};
+        return Failure{FailureCode::NO_LOG, source + ": no such file"};
     }
     if (IsOneFile(source, target)) {
-        return Failure{"log_not_written", target + ": is the log that is read"};
+        return Failure{FailureCode::LOG_NOT_WRITTEN, target + ": is the log that is read"};
     }
     if (const auto companion = CompanionOf(target)) {
-        return Failure{"log_not_written", target + ": is in use: there is " + *companion};
+        return Failure{FailureCode::LOG_NOT_WRITTEN, target + ": is in use: there is " + *companion};
     }
     // No check here: if the folder can't be created, writing the file fails and reports it.
     std::filesystem::create_directories(std::filesystem::path(target).parent_path(), error);
     NewFile file;
     if (const auto problem = file.Make(target)) {
-        return Failure{"log_not_written", target + ": " + *problem};
+        return Failure{FailureCode::LOG_NOT_WRITTEN, target + ": " + *problem};
     }
     if (auto failure = CopyInto(source, file.TemporaryPath())) {
         return failure;
@@ -170,7 +170,7 @@ std::optional<Failure> SliceEventLog(const std::string& source, const std::strin
         return failure;
     }
     const auto problem = file.PutInPlace();
-    return problem ? std::optional(Failure{"log_not_written", target + ": " + *problem}) : std::nullopt;
+    return problem ? std::optional(Failure{FailureCode::LOG_NOT_WRITTEN, target + ": " + *problem}) : std::nullopt;
 }
 
 } // namespace diagnosis

@@ -47,7 +47,7 @@ std::string Joined(const std::vector<std::string>& parts)
 
 std::optional<Failure> LogCopy::Run(const std::string& source, const std::string& target, const NewExtra& newExtra)
 {
-    if (auto failure = mLog.Open(source, "bad_log")) {
+    if (auto failure = mLog.Open(source, FailureCode::BAD_LOG)) {
         return failure;
     }
     mSource = &mLog.Get();
@@ -61,10 +61,10 @@ std::optional<Failure> LogCopy::Run(const std::string& source, const std::string
     if (!isCopied) {
         const std::string reason = mTarget.HasError() ? mTarget.GetError() : mSource->HasError() ? mSource->GetError()
             : "has more text than its file can hold";
-        return Failure{"bad_log", source + ": can't be redacted: " + reason};
+        return Failure{FailureCode::BAD_LOG, source + ": can't be redacted: " + reason};
     }
     CountOtherTables();
-    return mTarget.Close() ? std::nullopt : std::optional(Failure{"log_not_written", target + ": can't be closed"});
+    return mTarget.Close() ? std::nullopt : std::optional(Failure{FailureCode::LOG_NOT_WRITTEN, target + ": can't be closed"});
 }
 
 bool LogCopy::Open(const std::string& target)

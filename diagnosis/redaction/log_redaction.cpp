@@ -96,7 +96,7 @@ void LeaveDerivedDatabaseOut(const std::string& path, RedactionReport& report)
 {
     report.leftOut.emplace_back("the derived database of an earlier run");
     ReadOnlyDatabase database;
-    if (database.Open(path, "bad_database")) {
+    if (database.Open(path, FailureCode::BAD_LOG)) {
         return;
     }
     auto table = database.Get().Prepare("SELECT name FROM sqlite_master WHERE type IN ('table', 'view')");

@@ -191,17 +191,17 @@ std::optional<Failure> ReadRedactionFile(const std::string& path, Redaction& red
     std::string problem;
     const auto json = ReadJsonFile(path, problem, MOST_WRITTEN_BYTES);
     if (!json) {
-        return Failure{"bad_redaction", problem, ExitStatus::WRONG_USE};
+        return Failure{FailureCode::BAD_REDACTION, problem};
     }
     if (!json->isObject()) {
-        return Failure{"bad_redaction", path + ": must hold an object, not " + JsonKind(*json), ExitStatus::WRONG_USE};
+        return Failure{FailureCode::BAD_REDACTION, path + ": must hold an object, not " + JsonKind(*json)};
     }
     std::string errors;
     for (const std::string& error : Reader(path, redaction).Read(*json)) {
         errors += (errors.empty() ? "" : "; ") + error;
     }
     return errors.empty() ? std::nullopt
-                          : std::optional(Failure{"bad_redaction", path + ": " + errors, ExitStatus::WRONG_USE});
+                          : std::optional(Failure{FailureCode::BAD_REDACTION, path + ": " + errors});
 }
 
 } // namespace diagnosis

@@ -186,7 +186,7 @@ std::string Verdict(const DetectionReport& report)
 std::string FailureSection(const Failure& failure)
 {
     return "<section class=\"failure\">\n<h2>Not diagnosed</h2>\n" + Paragraph(failure.message)
-        + Html("p", "[" + failure.code + "]", "quiet") + "</section>\n";
+        + Html("p", std::string("[") + CodeWord(failure.code) + "]", "quiet") + "</section>\n";
 }
 
 // The sweep's own warnings: those about the bundle are told above.

@@ -90,7 +90,7 @@ void WriteHead(JsonWriter& json, const std::string& schema, const std::string& b
 
 void WriteError(JsonWriter& json, const Failure& failure)
 {
-    json.Key("error").BeginObject().Text("code", failure.code).Text("message", failure.message).EndObject();
+    json.Key("error").BeginObject().Text("code", CodeWord(failure.code)).Text("message", failure.message).EndObject();
 }
 
 std::string DetectionJson(const DetectionReport& report)
@@ -107,9 +107,10 @@ std::string DetectionJson(const DetectionReport& report)
         json.Key("explanation");
         WriteExplainedTrees(json, report.trees, {});
     }
-    const Failure failure = report.failure.value_or(Failure{});
-    json.Key("error").BeginObject().Text("code", failure.code).Text("message", failure.message);
-    json.Bool("retry", failure.IsWorthARetry()).EndObject();
+    const std::optional<Failure>& failure = report.failure;
+    json.Key("error").BeginObject().Text("code", failure ? CodeWord(failure->code) : "");
+    json.Text("message", failure ? failure->message : "");
+    json.Bool("retry", failure && IsWorthARetry(failure->code)).EndObject();
     WriteProvenance(json, report);
     return json.EndObject().Line();
 }

@@ -115,7 +115,7 @@ std::string TestJson(const cases::TestRun& run, bool isOk)
     }
     json.EndArray().Key("errors").BeginArray();
     for (const Failure& failure : run.failures) {
-        json.BeginObject().Text("code", failure.code).Text("message", failure.message).EndObject();
+        json.BeginObject().Text("code", CodeWord(failure.code)).Text("message", failure.message).EndObject();
     }
     json.EndArray();
     if (!run.coverage.empty()) {

@@ -41,7 +41,7 @@ public:
         if (mIsNew) {
             mDatabase.Close();
             if (const auto problem = mFile.PutInPlace()) {
-                return Failure{NOT_WRITTEN, mPath + ": " + *problem};
+                return Failure{FailureCode::RESULTS_NOT_WRITTEN, mPath + ": " + *problem};
             }
         }
         return std::nullopt;
@@ -50,15 +50,13 @@ public:
     Connection& Database() { return mDatabase; }
 
 private:
-    static constexpr char NOT_WRITTEN[] = "results_not_written";
-
     std::optional<Failure> MakeFile()
     {
         // No check here: if the folder can't be created, making the file fails and reports it.
         std::error_code error;
         std::filesystem::create_directories(std::filesystem::path(mPath).parent_path(), error);
         if (const auto problem = mFile.Make(mPath)) {
-            return Failure{NOT_WRITTEN, mPath + ": " + *problem};
+            return Failure{FailureCode::RESULTS_NOT_WRITTEN, mPath + ": " + *problem};
         }
         // Nobody sees the file before it is complete, so it needs no journal.
         const bool isOpen = mDatabase.Open(mFile.TemporaryPath(), Connection::Mode::CREATE)
@@ -93,7 +91,7 @@ public:
     {
         for (const std::string& file : files) {
             if (file != "-" && IsOneFile(file, path)) {
-                return Failure{"results_not_written", path + ": is a file that is read"};
+                return Failure{FailureCode::RESULTS_NOT_WRITTEN, path + ": is a file that is read"};
             }
         }
         mPath = path;
@@ -121,7 +119,7 @@ private:
             [this](const Statement& row) { mRuleSets.insert(row.Text(0)); });
         return questions.Problem().empty()
             ? std::nullopt
-            : std::optional(Failure{"bad_results", mPath + ": " + questions.Problem()});
+            : std::optional(Failure{FailureCode::BAD_RESULTS, mPath + ": " + questions.Problem()});
     }
 
     std::optional<Failure> ReadFile(const std::string& file)
@@ -139,7 +137,7 @@ private:
                 return failure;
             }
         }
-        return lines.HasFailed() ? std::optional(Failure{"no_results", file + ": can't be read"}) : std::nullopt;
+        return lines.HasFailed() ? std::optional(Failure{FailureCode::NO_RESULTS, file + ": can't be read"}) : std::nullopt;
     }
 
     // More bad lines than these are not looked for, unless they are skipped.
@@ -149,9 +147,9 @@ private:
     {
         ++mReport.counts.skipped;
         if (mReport.failures.size() < MOST_FAILURES) {
-            mReport.failures.push_back({"bad_line", message});
+            mReport.failures.push_back({FailureCode::BAD_LINE, message});
         } else if (mReport.failures.size() == MOST_FAILURES) {
-            mReport.failures.push_back({"bad_line", "further lines that can't be used are not listed"});
+            mReport.failures.push_back({FailureCode::BAD_LINE, "further lines that can't be used are not listed"});
         }
     }
 
@@ -171,7 +169,7 @@ private:
             ++mReport.counts.there;
             break;
         case Added::FAILED:
-            return Failure{"results_not_written", mPath + ": " + mWriter->Error(), ExitStatus::INTERNAL};
+            return Failure{FailureCode::RESULTS_NOT_WRITTEN, mPath + ": " + mWriter->Error()};
         }
         return std::nullopt;
     }
@@ -182,7 +180,7 @@ private:
             return std::nullopt;
         }
         if (!mRuleSets.empty() && !mOptions.acceptsMixedRules) {
-            return Failure{"mixed_rules", lines.Place() + ": is of the rule set \"" + line.ruleSet + "\", and " + mPath
+            return Failure{FailureCode::MIXED_RULES, lines.Place() + ": is of the rule set \"" + line.ruleSet + "\", and " + mPath
                 + " has results of \"" + *mRuleSets.begin() + "\"; --mixed-rules takes both"};
         }
         mRuleSets.insert(line.ruleSet);

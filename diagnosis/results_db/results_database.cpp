@@ -10,8 +10,6 @@ namespace diagnosis::results_db {
 
 namespace {
 
-constexpr char CODE[] = "bad_results";
-
 std::optional<std::int64_t> Number(Connection& database, const std::string& sql)
 {
     auto statement = database.Prepare(sql);
@@ -22,7 +20,7 @@ std::optional<std::int64_t> Number(Connection& database, const std::string& sql)
 
 Failure DatabaseFailure(const std::string& path, const Connection& database)
 {
-    return {CODE, path + ": " + database.GetError()};
+    return {FailureCode::BAD_RESULTS, path + ": " + database.GetError()};
 }
 
 std::optional<Failure> CreateSchema(Connection& database, const std::string& path)
@@ -40,10 +38,10 @@ std::optional<Failure> CheckSchema(Connection& database, const std::string& path
         return DatabaseFailure(path, database);
     }
     if (*application != APPLICATION_ID) {
-        return Failure{CODE, path + ": is no results database"};
+        return Failure{FailureCode::BAD_RESULTS, path + ": is no results database"};
     }
     if (*version != SCHEMA_VERSION) {
-        return Failure{CODE, path + ": is a results database of version " + std::to_string(*version)
+        return Failure{FailureCode::BAD_RESULTS, path + ": is a results database of version " + std::to_string(*version)
             + ", and this command reads version " + std::to_string(SCHEMA_VERSION) + ": import the lines again"};
     }
     return std::nullopt;
@@ -53,7 +51,7 @@ std::optional<Failure> OpenResults(const std::string& path, Connection& database
 {
     std::error_code error;
     if (!std::filesystem::exists(path, error)) {
-        return Failure{CODE, path + ": no such file"};
+        return Failure{FailureCode::BAD_RESULTS, path + ": no such file"};
     }
     if (!database.Open(path, Connection::Mode::READ_ONLY)) {
         return DatabaseFailure(path, database);

@@ -277,7 +277,7 @@ public:
 private:
     std::optional<Failure> OpenDatabase(const std::string& path, const std::string& name)
     {
-        if (auto failure = mDatabase.Open(path, "bad_results")) {
+        if (auto failure = mDatabase.Open(path, FailureCode::BAD_RESULTS)) {
             return failure;
         }
         return CheckSchema(mDatabase.Get(), name);
@@ -299,7 +299,7 @@ std::vector<std::string> Texts(Questions& questions, const std::string& sql)
 std::optional<Failure> FailureOf(const Questions& questions, const ResultsSide& side)
 {
     return questions.Problem().empty() ? std::nullopt
-                                       : std::optional(Failure{"bad_results", side.path + ": " + questions.Problem()});
+                                       : std::optional(Failure{FailureCode::BAD_RESULTS, side.path + ": " + questions.Problem()});
 }
 
 void Describe(Questions& questions, ResultsSide& side)

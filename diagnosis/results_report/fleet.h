@@ -94,7 +94,7 @@ struct OpenChecks {
 };
 
 /// Bundles that failed alike.
-struct FailureCode {
+struct CommonFailure {
     std::string code;
     bool retry = false;
     std::uint64_t bundles = 0;
@@ -166,7 +166,7 @@ struct Fleet {
     std::uint64_t treesLeftOut = 0;
     CommonCauses causes;
     OpenChecks open;
-    std::vector<FailureCode> failures;
+    std::vector<CommonFailure> failures;
     RunTimes times;
     FleetTrend trend;
     RepairFigures repairs;

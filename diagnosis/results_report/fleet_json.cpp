@@ -90,7 +90,7 @@ void WriteOpen(JsonWriter& json, const OpenChecks& open)
 
 void WriteRuns(JsonWriter& json, const Fleet& fleet)
 {
-    WriteList(json, "failures", fleet.failures, [&json](const FailureCode& failure) {
+    WriteList(json, "failures", fleet.failures, [&json](const CommonFailure& failure) {
         json.Text("code", failure.code).Bool("retry", failure.retry).Count("bundles", failure.bundles);
         json.Text("example", failure.example);
     });

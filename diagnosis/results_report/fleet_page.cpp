@@ -206,7 +206,7 @@ std::string FailureSection(const Fleet& fleet)
         return "";
     }
     FigureTable table({"Code", "Bundles", "Share of all", "Running again may help", "Example"});
-    for (const FailureCode& failure : fleet.failures) {
+    for (const CommonFailure& failure : fleet.failures) {
         table.Row({FigureCell::Id(failure.code), failure.bundles, PercentCell(failure.bundles, fleet.bundles.All()),
             failure.retry ? "yes" : "no", failure.example});
     }

@@ -27,7 +27,7 @@ std::optional<Failure> ReadFleet(const std::string& path, std::int64_t withinDay
     ReadOpenFigures(questions, fleet.open);
     ReadRepairFigures(questions, causes, withinDays, fleet.repairs);
     return questions.Problem().empty() ? std::nullopt
-                                       : std::optional(Failure{"bad_results", path + ": " + questions.Problem()});
+                                       : std::optional(Failure{FailureCode::BAD_RESULTS, path + ": " + questions.Problem()});
 }
 
 } // namespace diagnosis

@@ -21,7 +21,7 @@ constexpr char ZONE[] = "UTC";
 
 Failure NotWritten(const std::string& path, const std::string& reason)
 {
-    return {"not_written", path + ": " + reason, ExitStatus::WRONG_USE};
+    return {FailureCode::NOT_WRITTEN, path + ": " + reason};
 }
 
 std::optional<Failure> MakeEmptyFolder(const std::string& folder)

@@ -17,14 +17,14 @@ std::optional<Failure> ProblemOf(const SourceFile& file)
     }
     const bool isMissing = file.GetState() == SourceFile::State::MISSING;
     const std::string line = file.ProblemLine() > 0 ? ":" + std::to_string(file.ProblemLine()) : "";
-    return Failure{isMissing ? "rule_file_missing" : "rule_file_malformed",
-        file.Path() + line + ": " + file.Problem(), ExitStatus::RULE_SET};
+    return Failure{isMissing ? FailureCode::RULE_FILE_MISSING : FailureCode::RULE_FILE_MALFORMED,
+        file.Path() + line + ": " + file.Problem()};
 }
 
 std::optional<Failure> UnknownTag(const SourceFile& trees, const std::string& tag, const std::vector<std::string>& tags)
 {
     const std::string reason = tags.empty() ? "it has no tag" : "it has no tag \"" + tag + "\"" + DidYouMean(tag, tags);
-    return Failure{"no_tree", trees.Path() + ": " + reason, ExitStatus::RULE_SET};
+    return Failure{FailureCode::NO_TREE, trees.Path() + ": " + reason};
 }
 
 } // namespace

@@ -79,8 +79,8 @@ std::optional<Failure> Scratch::Make()
     }
     const std::string root = TemporaryRoot();
     const auto reason = MakeIn(root);
-    return reason ? std::optional(Failure{"no_scratch", "no folder for temporary files can be made in "
-        + (root.empty() ? "TMPDIR" : root) + ": " + *reason, ExitStatus::INTERNAL}) : std::nullopt;
+    return reason ? std::optional(Failure{FailureCode::NO_SCRATCH, "no folder for temporary files can be made in "
+        + (root.empty() ? "TMPDIR" : root) + ": " + *reason}) : std::nullopt;
 }
 
 std::optional<std::string> Scratch::MakeIn(const std::string& folder)

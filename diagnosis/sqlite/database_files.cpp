@@ -36,7 +36,7 @@ std::optional<Failure> CopyOne(const std::string& source, const std::string& tar
     if (!error) {
         fs::permissions(target, fs::perms::owner_read | fs::perms::owner_write, fs::perm_options::add, error);
     }
-    return error ? std::optional(Failure{"not_copied", source + ": can't be copied: " + error.message()})
+    return error ? std::optional(Failure{FailureCode::NOT_COPIED, source + ": can't be copied: " + error.message()})
                  : std::nullopt;
 }
 
@@ -75,7 +75,7 @@ std::optional<Failure> CopyDatabase(const std::string& source, const std::string
     return std::nullopt;
 }
 
-std::optional<Failure> ReadOnlyDatabase::Open(const std::string& path, const std::string& code)
+std::optional<Failure> ReadOnlyDatabase::Open(const std::string& path, FailureCode code)
 {
     std::string file = path;
     auto mode = Connection::Mode::READ_ONLY;

@@ -23,7 +23,7 @@ std::optional<Failure> CopyDatabase(const std::string& source, const std::string
 class ReadOnlyDatabase {
 public:
     /// `code` is the code of the failure.
-    std::optional<Failure> Open(const std::string& path, const std::string& code);
+    std::optional<Failure> Open(const std::string& path, FailureCode code);
     Connection& Get() { return mConnection; }
 
 private:

@@ -106,13 +106,12 @@ private:
             mOptions.until.empty() ? std::max(now, span.last.value_or(now)) : read(mOptions.until, LastSecondOf);
         for (const auto& [text, moment] : {std::pair(&mOptions.from, from), std::pair(&mOptions.until, until)}) {
             if (!moment) {
-                return Failure{"bad_moment", "the moment \"" + *text + "\" does not exist in the time zone",
-                    ExitStatus::WRONG_USE};
+                return Failure{FailureCode::BAD_MOMENT, "the moment \"" + *text + "\" does not exist in the time zone"};
             }
         }
         if (*from > *until) {
-            return Failure{"bad_moment", "the sweep would end at " + MomentText(*until) + ", before it begins at "
-                + MomentText(*from), ExitStatus::WRONG_USE};
+            return Failure{FailureCode::BAD_MOMENT, "the sweep would end at " + MomentText(*until) + ", before it begins at "
+                + MomentText(*from)};
         }
         mReport.from = *from;
         mReport.until = *until;
@@ -152,11 +151,11 @@ private:
             return name.empty() || std::count(names.begin(), names.end(), name) != 0;
         };
         if (!isKnown(mOptions.tree, trees)) {
-            mReport.failure = Failure{"no_such_tree", mReport.bundle + ": has no tree \"" + mOptions.tree + "\""
-                + DidYouMean(mOptions.tree, trees), ExitStatus::WRONG_USE};
+            mReport.failure = Failure{FailureCode::NO_SUCH_TREE, mReport.bundle + ": has no tree \"" + mOptions.tree + "\""
+                + DidYouMean(mOptions.tree, trees)};
         } else if (!isKnown(mOptions.rule, rules)) {
-            mReport.failure = Failure{"no_such_rule", mReport.bundle + ": no event asks a rule \"" + mOptions.rule
-                + "\"" + DidYouMean(mOptions.rule, rules), ExitStatus::WRONG_USE};
+            mReport.failure = Failure{FailureCode::NO_SUCH_RULE, mReport.bundle + ": no event asks a rule \"" + mOptions.rule
+                + "\"" + DidYouMean(mOptions.rule, rules)};
         }
         std::erase_if(mReport.trees, [this](const SweptTree& tree) {
             return !mOptions.tree.empty() ? tree.id != mOptions.tree : !mOptions.rule.empty();

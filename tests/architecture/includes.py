@@ -71,7 +71,7 @@ STOREYS = [
         ["process"],
         ["digest", "text"],
         ["the ground"],
-    ], files_in("the ground", "problem warning_code exit_status")),
+    ], files_in("the ground", "problem warning_code failure_code exit_status")),
     Storey("arborist", [
         ["deduction/plain"],  # for the tests: no part of the library
         ["the facade"],

@@ -227,7 +227,7 @@ private:
 
 Failure FailureAt(const std::string& path, int line, const std::string& message)
 {
-    return {"bad_model", path + (line > 0 ? ":" + std::to_string(line) : "") + ": " + message};
+    return {FailureCode::BAD_MODEL, path + (line > 0 ? ":" + std::to_string(line) : "") + ": " + message};
 }
 
 std::optional<Failure> ReadModel(const std::string& path, Model& model)

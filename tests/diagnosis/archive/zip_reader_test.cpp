@@ -77,7 +77,7 @@ TEST_P(BadEntryName, IsRefused)
     WriteZip("z.zip", {{GetParam().entry, "x"}});
     const auto failure = Unpack();
     ASSERT_TRUE(failure.has_value());
-    EXPECT_EQ(failure->code, "bad_zip");
+    EXPECT_EQ(failure->code, diagnosis::FailureCode::BAD_ZIP);
     EXPECT_TRUE(fs::is_empty("in/out"));
     EXPECT_FALSE(mDir.Has("evil"));
     EXPECT_FALSE(mDir.Has("in/evil"));
@@ -125,7 +125,7 @@ TEST_P(LyingEntry, MakesTheArchiveUnusable)
     mDir.Write("z.zip", file);
     const auto failure = Unpack();
     ASSERT_TRUE(failure.has_value());
-    EXPECT_EQ(failure->code, "bad_zip");
+    EXPECT_EQ(failure->code, diagnosis::FailureCode::BAD_ZIP);
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, LyingEntry, testing::Values(LieCase{"AnotherPacking", {METHOD}},
@@ -159,7 +159,7 @@ TEST_F(ZipReaderTest, StoredEntryWhoseZip64FieldLiesIsRefused)
         WriteZip64("z.zip", 0, "content", field);
         const auto failure = Unpack();
         ASSERT_TRUE(failure.has_value()) << field.size();
-        EXPECT_EQ(failure->code, "bad_zip");
+        EXPECT_EQ(failure->code, diagnosis::FailureCode::BAD_ZIP);
         fs::remove_all("in");
     }
 }
@@ -176,7 +176,7 @@ TEST_F(ZipReaderTest, MoreBytesOrEntriesThanTheLimitsAreRefused)
     WriteZip("z.zip", {{"a", std::string(100000, 'x')}, {"b", std::string(100000, 'x')}});
     EXPECT_EQ(Unpack({.bytes = 150000})->message, "z.zip: more than 150000 bytes when unpacked");
     fs::remove_all("in");
-    EXPECT_EQ(Unpack({.entries = 1})->code, "too_large");
+    EXPECT_EQ(Unpack({.entries = 1})->code, diagnosis::FailureCode::TOO_LARGE);
     fs::remove_all("in");
     EXPECT_FALSE(Unpack({.entries = 2, .bytes = 200000}).has_value());
 }

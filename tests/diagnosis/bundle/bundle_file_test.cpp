@@ -66,7 +66,7 @@ TEST_P(BadBundleKey, IsNamedWithItsReason)
     const auto failure = ReadBundleText("b.json", GetParam().json, bundle, warnings);
     ASSERT_TRUE(failure.has_value());
     EXPECT_EQ(failure->message, std::string("b.json: ") + GetParam().message);
-    EXPECT_EQ(failure->code, "bad_bundle");
+    EXPECT_EQ(failure->code, diagnosis::FailureCode::BAD_BUNDLE);
     EXPECT_EQ(failure->status, diagnosis::ExitStatus::INPUT);
 }
 
@@ -110,7 +110,7 @@ TEST(BundleFileTest, ACommentBeforeAKeyIsBadJsonAndHasItsPlace)
     std::vector<Warning> warnings;
     const auto failure = ReadBundleText("b.json", "{\n  // one\n  \"detectScene\": 1}", bundle, warnings);
     ASSERT_TRUE(failure.has_value());
-    EXPECT_EQ(failure->code, "bad_json");
+    EXPECT_EQ(failure->code, diagnosis::FailureCode::BAD_JSON);
     EXPECT_EQ(failure->message, "b.json: line 2, column 3: a comment is no JSON");
 }
 
@@ -120,7 +120,7 @@ TEST(BundleFileTest, JsonNestedTooDeepIsBadJson)
     std::vector<Warning> warnings;
     const auto failure = ReadBundleText("b.json", std::string(100000, '['), bundle, warnings);
     ASSERT_TRUE(failure.has_value());
-    EXPECT_EQ(failure->code, "bad_json");
+    EXPECT_EQ(failure->code, diagnosis::FailureCode::BAD_JSON);
 }
 
 TEST(BundleFileTest, APipeInPlaceOfTheFileBlocksNothing)
@@ -131,7 +131,7 @@ TEST(BundleFileTest, APipeInPlaceOfTheFileBlocksNothing)
     std::vector<Warning> warnings;
     const auto failure = diagnosis::ReadBundleFile({"b", dir.Path("b")}, bundle, warnings);
     ASSERT_TRUE(failure.has_value());
-    EXPECT_EQ(failure->code, "no_bundle_json");
+    EXPECT_EQ(failure->code, diagnosis::FailureCode::NO_BUNDLE_JSON);
 }
 
 } // namespace

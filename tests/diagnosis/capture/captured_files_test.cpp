@@ -24,7 +24,7 @@ TEST(CapturedFilesTest, FoldersAreCapturedWithEmptyOnesAndWithoutEndlessLinks)
     EXPECT_FALSE(dir.Has("target/device/source/a/up"));
     EXPECT_EQ(files.Files(), 2U);
     diagnosis::CapturedFiles few(dir.MakeDir("few"), {.entries = 1});
-    EXPECT_EQ(few.AddFolder("source", "s")->code, "too_large");
+    EXPECT_EQ(few.AddFolder("source", "s")->code, diagnosis::FailureCode::TOO_LARGE);
 }
 
 TEST(CapturedFilesTest, LinksInAFolderAreFollowedWithinTheRoot)

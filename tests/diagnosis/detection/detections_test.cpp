@@ -66,7 +66,7 @@ protected:
 
     std::string Text(const DetectionReport& report) const
     {
-        std::string text = report.failure ? "failure " + report.failure->code + "\n" : "";
+        std::string text = report.failure ? "failure " + (CodeWord(report.failure->code) + std::string("\n")) : "";
         for (const diagnosis::Warning& warning : report.warnings) {
             text += CodeWord(warning.code) + std::string(": ") + warning.message + "\n";
         }

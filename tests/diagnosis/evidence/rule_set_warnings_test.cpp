@@ -96,7 +96,7 @@ TEST_P(WarningsOfSample, AreToldByADetectionWhereTheyAreErrorsOrChangeInSilenceW
     const bool isTold = std::any_of(mDetection.warnings.begin(), mDetection.warnings.end(), [&](const Warning& warning) {
         return warning.id == check.id && !warning.file.empty() && !warning.message.empty();
     });
-    const bool isFailure = mDetection.failure && mDetection.failure->code != "bad_pattern";
+    const bool isFailure = mDetection.failure && mDetection.failure->code != diagnosis::FailureCode::BAD_PATTERN;
     EXPECT_EQ(isTold, CodeOfMistakes(check).has_value() && !isFailure);
 }
 

@@ -36,7 +36,7 @@ protected:
     {
         std::filesystem::remove("new.db");
         const auto failure = diagnosis::RedactLog("log.db", "new.db", mRedaction, mReport);
-        return failure ? failure->code + ": " + failure->message : "";
+        return failure ? CodeWord(failure->code) + (": " + failure->message) : "";
     }
 
     static std::string Extra(const std::string& user) { return R"({"USER": ")" + user + R"("})"; }

@@ -45,7 +45,7 @@ TEST_P(BadRedactionFile, IsRefusedWithAllReasons)
     const auto failure = ReadRedactionFile("r.json", redaction);
     ASSERT_TRUE(failure.has_value());
     EXPECT_EQ(failure->message, std::string("r.json: ") + GetParam().message);
-    EXPECT_EQ(failure->code, "bad_redaction");
+    EXPECT_EQ(failure->code, diagnosis::FailureCode::BAD_REDACTION);
     EXPECT_EQ(failure->status, diagnosis::ExitStatus::WRONG_USE);
 }
 

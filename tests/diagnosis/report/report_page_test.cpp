@@ -19,7 +19,7 @@ TEST(ReportPageTest, AFailureIsShownInsteadOfADiagnosis)
     DetectionReport report;
     report.bundle = "devices/<b>";
     report.moment = "2024-05-20 12:00:00";
-    report.failure = Failure{"bad_bundle", "b & c is missing"};
+    report.failure = Failure{diagnosis::FailureCode::BAD_BUNDLE, "b & c is missing"};
     const std::string page = ReportPage(report);
     EXPECT_THAT(page, HasSubstr("<title>Not diagnosed: devices/&lt;b&gt;</title>"));
     EXPECT_THAT(page, HasSubstr("<p>b &amp; c is missing</p>\n<p class=\"quiet\">[bad_bundle]</p>"));

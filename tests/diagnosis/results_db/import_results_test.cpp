@@ -44,7 +44,7 @@ protected:
         const auto& counts = report.counts;
         return report.isImported ? "new " + std::to_string(counts.added) + ", replaced " + std::to_string(counts.replaced)
                 + ", there " + std::to_string(counts.there) + ", skipped " + std::to_string(counts.skipped)
-                                 : report.failures.at(0).code + ": " + report.failures.at(0).message;
+                                 : CodeWord(report.failures.at(0).code) + (": " + report.failures.at(0).message);
     }
 
     static std::vector<std::string> Rows(const std::string& sql) { return DatabaseRows("r.db", sql); }

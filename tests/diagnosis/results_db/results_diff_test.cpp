@@ -103,7 +103,7 @@ protected:
     {
         ResultsDiff diff;
         const auto failure = CompareResults(before, after, diff);
-        return failure ? failure->code + ": " + failure->message : "none";
+        return failure ? CodeWord(failure->code) + (": " + failure->message) : "none";
     }
 
     TempDir mDir;

@@ -27,7 +27,7 @@ protected:
     {
         Connection database;
         const auto failure = OpenResults(path, database);
-        return failure ? failure->code + ": " + failure->message : "none";
+        return failure ? CodeWord(failure->code) + (": " + failure->message) : "none";
     }
 
     TempDir mDir;

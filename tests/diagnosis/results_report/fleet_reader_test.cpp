@@ -359,7 +359,7 @@ TEST(FleetReaderTest, AFileThatIsNoResultsDatabaseIsRefused)
     Fleet fleet;
     const auto failure = ReadFleet(dir.Path("none.db"), 30, fleet);
     ASSERT_TRUE(failure);
-    EXPECT_EQ(failure->code, "bad_results");
+    EXPECT_EQ(failure->code, diagnosis::FailureCode::BAD_RESULTS);
 }
 
 TEST(FleetReaderTest, ADatabaseThatLacksATableIsToldAsSuch)
@@ -418,7 +418,7 @@ TEST(FleetReaderTest, AllPartsAddUp)
         EXPECT_EQ(tree.All() + fleet.bundles.failed, 300U);
     }
     std::uint64_t failed = 0;
-    for (const FailureCode& failure : fleet.failures) {
+    for (const CommonFailure& failure : fleet.failures) {
         failed += failure.bundles;
     }
     EXPECT_EQ(failed, fleet.bundles.failed);

@@ -84,7 +84,7 @@ TEST_F(DatabaseFilesTest, WhatCannotBeCopiedIsAFailureThatNamesTheSource)
 {
     const auto failure = CopyDatabase("none.db", "copy.db");
     ASSERT_TRUE(failure);
-    EXPECT_EQ(failure->code, "not_copied");
+    EXPECT_EQ(failure->code, diagnosis::FailureCode::NOT_COPIED);
     EXPECT_THAT(failure->message, testing::StartsWith("none.db: can't be copied: "));
 }
 
@@ -96,7 +96,7 @@ TEST_F(DatabaseFilesTest, ReadingLeavesTheFolderAsItIs)
     const std::string wal = mDir.Read("a.db-wal");
     {
         ReadOnlyDatabase database;
-        ASSERT_FALSE(database.Open("a.db", "bad_log"));
+        ASSERT_FALSE(database.Open("a.db", diagnosis::FailureCode::BAD_LOG));
         auto count = database.Get().Prepare("select count(*) from t");
         ASSERT_TRUE(count && count->Step());
         EXPECT_EQ(count->Integer(0), 2);
@@ -108,9 +108,9 @@ TEST_F(DatabaseFilesTest, ReadingLeavesTheFolderAsItIs)
 
 TEST_F(DatabaseFilesTest, ADatabaseThatCannotBeOpenedIsAFailureOfTheCallersCode)
 {
-    const auto failure = ReadOnlyDatabase().Open("none.db", "bad_log");
+    const auto failure = ReadOnlyDatabase().Open("none.db", diagnosis::FailureCode::BAD_LOG);
     ASSERT_TRUE(failure);
-    EXPECT_EQ(failure->code, "bad_log");
+    EXPECT_EQ(failure->code, diagnosis::FailureCode::BAD_LOG);
     EXPECT_EQ(failure->message, "none.db: unable to open database file");
 }
 

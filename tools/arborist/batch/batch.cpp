@@ -232,7 +232,7 @@ private:
         // If others are busy, try again when one of them ends and frees resources.
         if (std::none_of(mWorkers.begin(), mWorkers.end(), IsBusy)) {
             TookOver(number);
-            Fail(number, {"internal", "a worker process can't be started: " + reason, ExitStatus::INTERNAL}, 0);
+            Fail(number, {FailureCode::INTERNAL, "a worker process can't be started: " + reason}, 0);
         }
     }
 
@@ -272,8 +272,8 @@ private:
                 Receive(*mWorkers[i]);
             } else if (IsBusy(mWorkers[i]) && Clock::now() >= mWorkers[i]->GetDeadline()) {
                 mWorkers[i]->End();
-                Fail(mWorkers[i]->GetBundle(), {"timeout", "took longer than " + InSeconds(mOptions.timeout)
-                    + " and was given up", ExitStatus::INTERNAL}, mWorkers[i]->GetSeconds());
+                Fail(mWorkers[i]->GetBundle(), {FailureCode::TIMEOUT, "took longer than " + InSeconds(mOptions.timeout)
+                    + " and was given up"}, mWorkers[i]->GetSeconds());
             }
         }
     }
@@ -285,7 +285,7 @@ private:
             FinishOrRunAgain(worker.GetBundle(), worker.TakeAnswer());
             break;
         case Worker::State::DEAD:
-            Fail(worker.GetBundle(), {"crashed", "the worker process " + worker.End(), ExitStatus::INTERNAL},
+            Fail(worker.GetBundle(), {FailureCode::CRASHED, "the worker process " + worker.End()},
                 worker.GetSeconds());
             break;
         default:

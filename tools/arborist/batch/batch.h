@@ -25,7 +25,7 @@ struct BundleAnswer {
     BundleOutcome outcome = BundleOutcome::NO_FAULT;
     /// Code of the error; empty for a bundle that was diagnosed.
     std::string code = {};
-    /// See Failure::IsWorthARetry.
+    /// See IsWorthARetry(FailureCode).
     bool isWorthARetry = false;
     VerdictCounts verdicts = {};
 };

@@ -40,23 +40,13 @@ private:
     std::unordered_map<std::string, std::vector<std::size_t>> mNumbers;
 };
 
-// The status that a detection gives a failure of this code.
-ExitStatus StatusOfCode(const std::string& code)
-{
-    static constexpr std::array<std::string_view, 4> OF_RULE_SETS = {
-        "rule_file_missing", "rule_file_malformed", "no_tree", "bad_pattern"};
-    static constexpr std::array<std::string_view, 6> OF_LIMITS = {
-        "too_large", "no_scratch", "out_of_memory", "timeout", "crashed", "internal"};
-    const auto isIn = [&code](const auto& codes) { return std::find(codes.begin(), codes.end(), code) != codes.end(); };
-    return isIn(OF_RULE_SETS) ? ExitStatus::RULE_SET : isIn(OF_LIMITS) ? ExitStatus::INTERNAL : ExitStatus::INPUT;
-}
-
 BundleAnswer AnswerOf(const ResultLine& line)
 {
     BundleAnswer answer;
     if (!line.ok) {
         answer.code = line.error.code;
-        answer.status = StatusOfCode(answer.code);
+        const auto code = FailureCodeOf(answer.code);
+        answer.status = code ? StatusOf(*code) : ExitStatus::INPUT;
     }
     for (const auto& tree : line.trees) {
         const auto word = std::find_if(VERDICTS.begin(), VERDICTS.end(),

@@ -39,7 +39,7 @@ bool HasRedaction(BundleOptions& options)
     options.capture.redaction = redaction;
     auto failure = ReadRedactionFile(options.redaction, *redaction);
     if (!failure && redaction->bundleKeys.empty() && redaction->nodes.empty() && redaction->log.empty()) {
-        failure = Failure{"bad_redaction", options.redaction + ": lists nothing that a bundle has"};
+        failure = Failure{FailureCode::BAD_REDACTION, options.redaction + ": lists nothing that a bundle has"};
     }
     if (failure) {
         PrintError(failure->message);

@@ -27,8 +27,8 @@ BundleAnswer AnswerOf(const DetectionReport& report, ExitStatus status)
         ++answer.verdicts[static_cast<std::size_t>(word - VERDICTS.begin())];
     }
     answer.outcome = OutcomeOf(answer.verdicts);
-    answer.code = report.failure ? report.failure->code : "";
-    answer.isWorthARetry = report.failure && report.failure->IsWorthARetry();
+    answer.code = report.failure ? CodeWord(report.failure->code) : "";
+    answer.isWorthARetry = report.failure && IsWorthARetry(report.failure->code);
     return answer;
 }
 

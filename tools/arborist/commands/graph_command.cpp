@@ -53,7 +53,7 @@ Failure NoSuchTree(const DetectionReport& report, const std::string& tree)
     for (const TreeReport& known : report.trees) {
         ids.push_back(known.Id());
     }
-    return {"no_such_tree", "no tree with the id \"" + tree + "\"" + DidYouMean(tree, ids), ExitStatus::WRONG_USE};
+    return {FailureCode::NO_SUCH_TREE, "no tree with the id \"" + tree + "\"" + DidYouMean(tree, ids)};
 }
 
 // Without a bundle the library's lines about missing data of a device mean nothing.

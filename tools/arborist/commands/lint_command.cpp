@@ -129,7 +129,7 @@ Problem WriteBaseline(const LintCommandOptions& options, lint::LintRun& run)
     const auto problem = lint::Baseline::Write(run.findings, options.newBaseline);
     run.known = run.findings.size();
     run.findings.clear();
-    return problem ? Problem(WrongUse("not_written", *problem)) : std::nullopt;
+    return problem ? Problem(WrongUse(FailureCode::NOT_WRITTEN, *problem)) : std::nullopt;
 }
 
 // Removes the findings that are in the baseline.
@@ -141,7 +141,7 @@ Problem FilterByBaseline(const LintCommandOptions& options, lint::LintRun& run)
     std::string problem;
     auto baseline = lint::Baseline::Read(options.baseline, problem);
     if (!baseline) {
-        return WrongUse("bad_baseline", problem);
+        return WrongUse(FailureCode::BAD_BASELINE, problem);
     }
     run.known = baseline->Filter(run.findings);
     return std::nullopt;
@@ -173,7 +173,7 @@ Problem Fix(const lint::LintRun& run, const LintCommandOptions& given, std::size
 {
     for (const lint::FileFix& fix : FixesToMake(run, given)) {
         if (const auto problem = lint::WriteFix(fix)) {
-            return WrongUse("not_written", *problem);
+            return WrongUse(FailureCode::NOT_WRITTEN, *problem);
         }
         fixed += fix.findings;
     }
@@ -224,7 +224,7 @@ ExitStatus Explain(const LintCommandOptions& given)
 {
     const std::string unknown = lint::UnknownCheck({given.explained});
     if (!unknown.empty()) {
-        return Failed(WrongUse("unknown_check", unknown), given);
+        return Failed(WrongUse(FailureCode::UNKNOWN_CHECK, unknown), given);
     }
     PrintResult(CheckText(*lint::FindCheck(given.explained)));
     return ExitStatus::SUCCESS;

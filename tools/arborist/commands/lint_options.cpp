@@ -23,7 +23,7 @@ Problem ReadCounts(const std::string& log, lint::EventCounts& counts)
     }
     LogInspection inspection;
     if (const auto failure = InspectEventLog(log, inspection)) {
-        return WrongUse(failure->code.c_str(), failure->message);
+        return WrongUse(failure->code, failure->message);
     }
     for (const LoggedId& event : inspection.ids) {
         counts.Add(event.id, event.rows);
@@ -79,7 +79,7 @@ void AddOutput(Command app, LintCommandOptions& options)
 
 } // namespace
 
-Failure WrongUse(const char* code, const std::string& message)
+Failure WrongUse(FailureCode code, const std::string& message)
 {
     return Failure{code, message, ExitStatus::WRONG_USE};
 }
@@ -99,7 +99,7 @@ std::optional<Failure> TakeConfig(LintCommandOptions& options)
     std::string problem;
     const auto config = lint::ReadConfig(options.config, problem);
     if (!config) {
-        return WrongUse("bad_config", problem);
+        return WrongUse(FailureCode::BAD_CONFIG, problem);
     }
     options.tags = options.tags.empty() ? config->tags : options.tags;
     options.prefix = options.prefix.empty() ? config->prefix : options.prefix;
@@ -124,13 +124,13 @@ std::optional<Failure> MakeLintOptions(
     for (const auto* ids : {&given.disable, &given.only}) {
         problem = lint::UnknownCheck(*ids);
         if (!problem.empty()) {
-            return WrongUse("unknown_check", problem);
+            return WrongUse(FailureCode::UNKNOWN_CHECK, problem);
         }
     }
     for (const std::string& file : given.devices) {
         const auto profiles = lint::ReadDeviceProfiles(file, problem);
         if (!profiles) {
-            return WrongUse("bad_device", problem);
+            return WrongUse(FailureCode::BAD_DEVICE, problem);
         }
         options.devices.insert(options.devices.end(), profiles->begin(), profiles->end());
     }

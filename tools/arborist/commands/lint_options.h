@@ -39,7 +39,7 @@ struct LintCommandOptions {
 };
 
 /// A failure with the status WRONG_USE.
-Failure WrongUse(const char* code, const std::string& message);
+Failure WrongUse(FailureCode code, const std::string& message);
 
 /// Adds all options but those that only print what checks there are.
 void AddLintOptions(Command lint, LintCommandOptions& options);

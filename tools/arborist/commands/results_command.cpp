@@ -62,7 +62,7 @@ ExitStatus ImportRedacted(ResultsImportOptions options)
     Redaction redaction;
     auto failure = ReadRedactionFile(options.redaction, redaction);
     if (!failure && redaction.results.empty()) {
-        failure = Failure{"bad_redaction", options.redaction + ": lists nothing under \"results\""};
+        failure = Failure{FailureCode::BAD_REDACTION, options.redaction + ": lists nothing under \"results\""};
     }
     if (failure) {
         PrintError(failure->message);

@@ -118,7 +118,7 @@ std::optional<Failure> ReadDevices(const std::vector<std::string>& files, std::v
         std::string problem;
         const auto more = lint::ReadDeviceProfiles(file, problem);
         if (!more) {
-            return Failure{"bad_device", problem, ExitStatus::WRONG_USE};
+            return Failure{FailureCode::BAD_DEVICE, problem};
         }
         devices.insert(devices.end(), more->begin(), more->end());
     }

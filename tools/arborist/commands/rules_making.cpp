@@ -62,7 +62,7 @@ std::optional<Failure> WriteTreeFile(const std::string& text, const std::string&
     std::error_code error;
     const auto problem =
         std::filesystem::exists(path, error) ? std::optional(path + ": is there already") : WriteNewFile(path, text);
-    return problem ? std::optional(Failure{"not_written", *problem, ExitStatus::WRONG_USE}) : std::nullopt;
+    return problem ? std::optional(Failure{FailureCode::NOT_WRITTEN, *problem}) : std::nullopt;
 }
 
 std::optional<Failure> Import(const ImportOptions& options, rule_set::open_psa::ImportedTrees& imported)

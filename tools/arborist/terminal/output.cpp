@@ -56,7 +56,8 @@ void PrintProblems(const std::string& about, const std::vector<Warning>& warning
         PrintMessage(Printable(about) + ": " + colour.Yellow("warning:") + " " + Printable(PlacedMessage(warning)) + id);
     }
     if (failure) {
-        PrintMessage(Printable(About(about, failure->message)) + " " + colour.Red("[" + failure->code + "]"));
+        const std::string code = "[" + std::string(CodeWord(failure->code)) + "]";
+        PrintMessage(Printable(About(about, failure->message)) + " " + colour.Red(code));
     }
 }
 
