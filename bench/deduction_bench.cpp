@@ -36,8 +36,8 @@ std::size_t CountErrors(const Event& event)
 std::size_t CountMembers(const FaultTree& tree)
 {
     std::size_t members = 0;
-    for (const auto& cutSet : RootCauseSearch::Find(tree, true).cutSets) {
-        members += cutSet.size();
+    for (const auto& found : RootCauseSearch::Find(tree, true)) {
+        members += found.cutSet.size();
     }
     return members;
 }

@@ -111,9 +111,12 @@ void FaultTreeVisitor::FoldStatuses(
 void FaultTreeVisitor::AnalyzeRootCause()
 {
     const std::size_t most = RootCauseSearch::LimitOfSettings();
-    RootCauseSearch::Found found = RootCauseSearch::Find(*mFaultTree, GetObserver() != nullptr, most,
+    std::vector<RootCauseSearch::Found> found = RootCauseSearch::Find(*mFaultTree, GetObserver() != nullptr, most,
         [this, most](const std::string& number) { TellLimit(number, most); });
-    mRootCauseList = std::move(found.rootCauses);
+    mRootCauseList.reserve(found.size());
+    for (const RootCauseSearch::Found& each : found) {
+        mRootCauseList.push_back(each.rootCause);
+    }
     mIsFault = !mRootCauseList.empty();
     FT::Log::GetInstance().Output(FT::LEVEL_INFO, "FUNc:%s: status= %d ", "FaultTreeVisitor::AnalyzeRootCause",
                                   static_cast<int>(mIsFault));
@@ -126,7 +129,9 @@ void FaultTreeVisitor::AnalyzeRootCause()
             std::make_shared<FaultTreeNode>(FaultTreeNode{leaf.GetId(), leaf.GetName(), leaf.GetUserDefined()}));
     }
     if (GetObserver() != nullptr) {
-        TellRootCauses(std::move(found.cutSets));
+        for (RootCauseSearch::Found& each : found) {
+            GetObserver()->OnRootCause(each.TakeRecord());
+        }
     }
 }
 
@@ -140,13 +145,5 @@ void FaultTreeVisitor::TellLimit(const std::string& number, std::size_t most) co
         trouble.subject = mFaultTree->GetId();
         trouble.words = number;
         GetObserver()->OnTrouble(std::move(trouble));
-    }
-}
-
-void FaultTreeVisitor::TellRootCauses(MinimalCutSet cutSets) const
-{
-    for (std::size_t cause = 0; cause < mRootCauseList.size(); ++cause) {
-        GetObserver()->OnRootCause(
-            {mRootCauseNodeList[cause]->mId, std::move(cutSets[cause]), mRootCauseList[cause]->GetPaths()});
     }
 }

@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "arborist/deduction/cut_set.h"
 #include "arborist/frame/check.h"
 
 class DetectionObserver;
@@ -49,7 +48,6 @@ public:
 private:
     void AnalyzeRootCause();
     void TellLimit(const std::string& number, std::size_t most) const;
-    void TellRootCauses(MinimalCutSet cutSets) const;
     // Each use of the observer goes through this call, of which the bench of the observer makes one that returns null.
     DetectionObserver* GetObserver() const { return mObserver; }
 

@@ -222,19 +222,18 @@ SurvivingTree CutDown(const std::shared_ptr<Event>& top)
     return tree;
 }
 
-RootCauseSearch::Found Collect(const SurvivingTree& tree, bool withCutSets, std::size_t most)
+std::vector<RootCauseSearch::Found> Collect(const SurvivingTree& tree, bool withCutSets, std::size_t most)
 {
-    RootCauseSearch::Found found;
+    std::vector<RootCauseSearch::Found> found;
     Combinations combinations(tree, most);
     WaysUp waysUp(tree);
     std::vector<Index> members;
-    found.rootCauses.reserve(combinations.Count());
+    found.reserve(combinations.Count());
     for (std::size_t combination = 0; combination < combinations.Count(); ++combination) {
         StopPoint::Pass();
         combinations.ListMembers(combination, members);
-        found.rootCauses.push_back(waysUp.Collect(members));
+        CutSet& cutSet = found.emplace_back(RootCauseSearch::Found{waysUp.Collect(members)}).cutSet;
         if (withCutSets) {
-            CutSet& cutSet = found.cutSets.emplace_back();
             for (const Index member : members) {
                 cutSet.push_back(tree.GetPath(member));
             }
@@ -252,7 +251,12 @@ std::size_t RootCauseSearch::LimitOfSettings()
     return limit > 0 ? static_cast<std::size_t>(limit) : NO_LIMIT;
 }
 
-RootCauseSearch::Found RootCauseSearch::Find(const FaultTree& tree, bool withCutSets, std::size_t most,
+Evidence::RootCause RootCauseSearch::Found::TakeRecord()
+{
+    return {rootCause->GetLeaf().front()->GetId(), std::move(cutSet), rootCause->GetPaths()};
+}
+
+std::vector<RootCauseSearch::Found> RootCauseSearch::Find(const FaultTree& tree, bool withCutSets, std::size_t most,
     const std::function<void(const std::string& number)>& tellNumber)
 {
     const std::shared_ptr<Event> top = tree.GetIntermediateEvent();

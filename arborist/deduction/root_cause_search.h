@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "arborist/deduction/cut_set.h"
+#include "arborist/frame/evidence_tree.h"
 
 class FaultTree;
 class RootCause;
@@ -23,9 +24,12 @@ public:
     static constexpr std::size_t NO_LIMIT = SIZE_MAX;
 
     struct Found {
-        std::vector<std::shared_ptr<RootCause>> rootCauses;
-        /// The cut set of each root cause, if they were requested.
-        MinimalCutSet cutSets;
+        std::shared_ptr<RootCause> rootCause;
+        /// Empty unless cut sets were requested.
+        CutSet cutSet = {};
+
+        /// What an observer is told of it. Takes the cut set.
+        Evidence::RootCause TakeRecord();
     };
 
     /// What Settings::CAUSE_LIMIT says; NO_LIMIT where it is no number above 0.
@@ -33,7 +37,7 @@ public:
 
     /// Finds the first `most` of them. Their number is worked out before the first is built: if it is above `most`,
     /// `tellNumber`, which may be null, receives it, with 15 digits.
-    static Found Find(const FaultTree& tree, bool withCutSets = false, std::size_t most = NO_LIMIT,
+    static std::vector<Found> Find(const FaultTree& tree, bool withCutSets = false, std::size_t most = NO_LIMIT,
         const std::function<void(const std::string& number)>& tellNumber = nullptr);
 };
 

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "arborist/deduction/judge_tree.h"
-#include "arborist/deduction/root_cause.h"
 #include "arborist/deduction/root_cause_search.h"
 #include "arborist/evaluation/sweep/rule_sweep.h"
 #include "arborist/loading/fault_tree_parser.h"
@@ -52,21 +51,21 @@ void Judge(RuleSweep::Tree& swept, std::size_t number, std::int64_t moment, Swee
 {
     FaultTree& tree = *swept.tree;
     tree.Reset();
-    for (std::size_t place = 0; place < swept.events.size(); ++place) {
-        if (swept.isTrue[place]) {
-            swept.events[place]->SetResult(EventStatus::TRUE);
+    std::vector<Evidence::Check> checks;
+    checks.reserve(swept.events.size());
+    for (const RuleSweep::SweptEvent& place : swept.events) {
+        if (place.isTrue) {
+            place.event->SetResult(EventStatus::TRUE);
         }
+        checks.push_back(place.check);
     }
     tree.Check();
-    RootCauseSearch::Found found = RootCauseSearch::Find(tree, true, RootCauseSearch::LimitOfSettings());
     std::vector<Evidence::RootCause> causes;
-    for (std::size_t cause = 0; cause < found.rootCauses.size(); ++cause) {
-        const RootCause& rootCause = *found.rootCauses[cause];
-        causes.push_back(
-            {rootCause.GetLeaf().front()->GetId(), std::move(found.cutSets[cause]), rootCause.GetPaths()});
+    for (auto& found : RootCauseSearch::Find(tree, true, RootCauseSearch::LimitOfSettings())) {
+        causes.push_back(found.TakeRecord());
     }
     const bool isFault = !causes.empty();
-    observer.OnTreeJudged(moment, number, {tree.GetId(), isFault, JudgeTree(tree, isFault, swept.checks)}, causes);
+    observer.OnTreeJudged(moment, number, {tree.GetId(), isFault, JudgeTree(tree, isFault, checks)}, causes);
     swept.isChanged = false;
 }
 

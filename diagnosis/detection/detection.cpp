@@ -140,7 +140,7 @@ public:
             if (!report.failure) {
                 report.trees = mRecorder->TakeTrees();
                 for (std::size_t tree = 0; tree < results.size(); ++tree) {
-                    report.trees.at(tree).result = results[tree];
+                    report.trees.at(tree).SetResult(results[tree]);
                 }
             }
         } catch (...) {

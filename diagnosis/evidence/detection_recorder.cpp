@@ -56,25 +56,29 @@ void DetectionRecorder::OnTreeFolded(std::vector<Evidence::FoldedEvent> folded)
 
 void DetectionRecorder::OnRootCause(Evidence::RootCause rootCause)
 {
+    if (mDetail < Detail::EVENTS && !mKeepsCutSets) {
+        return;
+    }
+    RecordedCause& cause = Tree().causes.emplace_back(RecordedCause{std::move(rootCause.id)});
     if (mDetail >= Detail::EVENTS) {
-        RecordCause(rootCause);
+        cause.members = PlacesOf(rootCause.cutSet);
     }
     if (mKeepsCutSets) {
-        mTrees.back().cutSets.push_back(std::move(rootCause.cutSet));
+        cause.cutSet = std::move(rootCause.cutSet);
     }
 }
 
-void DetectionRecorder::RecordCause(const Evidence::RootCause& rootCause)
+std::vector<std::size_t> DetectionRecorder::PlacesOf(const std::vector<std::string>& paths)
 {
     if (!mPaths) {
         mPaths.emplace(Tree().events);
     }
-    RecordedCause& cause = Tree().causes.emplace_back();
-    cause.id = rootCause.id;
-    cause.members.reserve(rootCause.cutSet.size());
-    for (const std::string& path : rootCause.cutSet) {
-        cause.members.push_back(mPaths->Find(path));
+    std::vector<std::size_t> places;
+    places.reserve(paths.size());
+    for (const std::string& path : paths) {
+        places.push_back(mPaths->Find(path));
     }
+    return places;
 }
 
 void DetectionRecorder::OnTreeFinished(Evidence::TreeResult result)

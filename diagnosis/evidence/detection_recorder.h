@@ -25,7 +25,7 @@ public:
         EVIDENCE, ///< the evidence of its events
     };
 
-    /// With `keepsCutSets` it also keeps TreeReport::cutSets, whatever the detail.
+    /// With `keepsCutSets` it also keeps the root causes with RecordedCause::cutSet, whatever the detail.
     explicit DetectionRecorder(Detail detail = Detail::VERDICT, bool keepsCutSets = false)
         : mDetail(detail), mKeepsCutSets(keepsCutSets)
     {
@@ -58,7 +58,7 @@ private:
     RecordedTree& Tree() { return mTrees.back().tree; }
     std::size_t NextEvidence(const std::string& id);
 
-    void RecordCause(const Evidence::RootCause& rootCause);
+    std::vector<std::size_t> PlacesOf(const std::vector<std::string>& paths);
 
     Detail mDetail;
     bool mKeepsCutSets;

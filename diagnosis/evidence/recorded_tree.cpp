@@ -1,6 +1,7 @@
 #include "diagnosis/evidence/recorded_tree.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace diagnosis {
 
@@ -55,6 +56,15 @@ std::vector<PlacedRule> RulesOf(const Evidence::Event& event)
         }
     }
     return placed;
+}
+
+void TreeReport::SetResult(std::shared_ptr<const FaultTreeResult> found)
+{
+    result = std::move(found);
+    const std::size_t told = std::min(tree.causes.size(), result->mRootCauseResults.size());
+    for (std::size_t cause = 0; cause < told; ++cause) {
+        tree.causes[cause].result = result->mRootCauseResults[cause];
+    }
 }
 
 } // namespace diagnosis

@@ -30,8 +30,13 @@ struct RecordedEvent : Evidence::FoldedEvent {
 struct RecordedCause {
     /// The id of the root cause in the result.
     std::string id;
-    /// Indexes of the cut set's members in RecordedTree::events; NONE for a member whose path no event has.
-    std::vector<std::size_t> members;
+    /// Indexes of the cut set's members in RecordedTree::events; NONE for a member whose path no event has. Empty if the
+    /// events are not kept.
+    std::vector<std::size_t> members = {};
+    /// The path of each member, ids from the top down joined by "/". Empty unless requested.
+    std::vector<std::string> cutSet = {};
+    /// The same entry of the result, with its texts; null if the tree was stopped, whose result has none.
+    std::shared_ptr<const FaultTreeResult::RootCauseResult> result = nullptr;
 };
 
 /// The events, the evidence and the root causes of one tree, as the engine passed them to its observer.
@@ -59,18 +64,12 @@ struct TreeReport {
     Evidence::TreeVerdict verdict;
     /// Empty unless requested.
     RecordedTree tree;
-    /// The cut set of each root cause of the result, in its order: the path of each member, ids from the top down joined by
-    /// "/". Empty unless requested.
-    std::vector<std::vector<std::string>> cutSets = {};
 
+    /// Sets the result of the tree, and in its root causes their entries of the result.
+    void SetResult(std::shared_ptr<const FaultTreeResult> found);
     const std::string& Id() const { return result->mTreeId; }
     bool IsFault() const { return result->mIsFault; }
     bool IsUndecided() const { return verdict.word == Evidence::TreeVerdict::Word::UNDECIDED; }
-    /// The texts of an entry of RecordedTree::causes; null if the tree was stopped, which has none in its result.
-    const FaultTreeResult::RootCauseResult* ResultOf(std::size_t cause) const
-    {
-        return cause < result->mRootCauseResults.size() ? result->mRootCauseResults[cause].get() : nullptr;
-    }
 };
 
 /// In the order of the results.

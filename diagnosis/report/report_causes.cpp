@@ -211,7 +211,7 @@ std::string CauseCards(const TreeReport& report)
     const CardWriter writer(report.tree);
     std::string cards;
     for (std::size_t i = 0; i < causes.size() && i < MOST_CAUSES; ++i) {
-        const Cause* const cause = report.ResultOf(causes[i].first);
+        const auto& cause = report.tree.causes[causes[i].first].result;
         cards += cause == nullptr ? "" : writer.Card(causes[i], *cause);
     }
     std::string markup = causes.empty() ? "" : "<h3>Root causes</h3>\n<ol class=\"causes\">\n" + cards + "</ol>\n";

@@ -12,11 +12,12 @@ namespace {
 void WriteRootCauses(JsonWriter& json, const TreeReport& report)
 {
     json.Key("rootCauses").BeginArray();
-    for (std::size_t cause = 0; cause < report.result->mRootCauseResults.size(); ++cause) {
-        json.BeginObject();
-        WriteRootCauseTexts(json, *report.result->mRootCauseResults[cause]);
-        json.Key("cutSet").Texts(cause < report.cutSets.size() ? report.cutSets[cause] : std::vector<std::string>());
-        json.EndObject();
+    for (const RecordedCause& cause : report.tree.causes) {
+        if (cause.result != nullptr) {
+            json.BeginObject();
+            WriteRootCauseTexts(json, *cause.result);
+            json.Key("cutSet").Texts(cause.cutSet).EndObject();
+        }
     }
     json.EndArray();
 }

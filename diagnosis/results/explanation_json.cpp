@@ -132,12 +132,13 @@ private:
         mJson.Key("rootCauses").BeginArray();
         for (const DistinctCause& cause : ShownCauses(mTree, mView)) {
             mJson.BeginObject();
-            if (const auto* const texts = mReport.ResultOf(cause.first)) {
-                WriteRootCauseTexts(mJson, *texts);
+            const RecordedCause& first = mTree.causes[cause.first];
+            if (first.result != nullptr) {
+                WriteRootCauseTexts(mJson, *first.result);
             }
             mJson.Count("times", cause.times);
             mJson.Key("cutSet").BeginArray();
-            for (const std::size_t member : mTree.causes[cause.first].members) {
+            for (const std::size_t member : first.members) {
                 if (member != RecordedEvent::NONE) {
                     WriteMember(member);
                 }

@@ -115,23 +115,21 @@ void RuleSweep::FetchTree(const std::shared_ptr<FaultTree>& tree)
     tree->Reset();
     mEvents->FetchEvent(tree->GetIntermediateEvent());
     mEvents->MarkObservable(entries);
-    Tree swept{tree, mEvents->GetAllEventList(), {}, {}};
-    swept.checks.resize(swept.events.size());
-    swept.isTrue.resize(swept.events.size());
-    for (std::size_t place = 0; place < swept.events.size(); ++place) {
-        const Event& event = *swept.events[place];
-        const auto entry = entries.find(event.GetId());
+    Tree swept{tree, {}};
+    for (const auto& event : mEvents->GetAllEventList()) {
+        SweptEvent& place = swept.events.emplace_back(SweptEvent{event});
+        const auto entry = entries.find(event->GetId());
         if (entry == entries.end()) {
             mDecider.GetTreeChecks().StartTree();
-            mDecider.GetTreeChecks().AddWithoutEntry(event);
-            swept.checks[place] = mDecider.GetTreeChecks().GetChecks().back();
+            mDecider.GetTreeChecks().AddWithoutEntry(*event);
+            place.check = mDecider.GetTreeChecks().GetChecks().back();
             continue;
         }
-        const auto [unit, isNew] = mUnitOf.emplace(event.GetId(), mUnits.size());
+        const auto [unit, isNew] = mUnitOf.emplace(event->GetId(), mUnits.size());
         if (isNew) {
-            mUnits.push_back({event.GetId(), entry->second, {}, {}, {}, false});
+            mUnits.push_back({event->GetId(), entry->second, {}, {}, {}, false});
         }
-        mUnits[unit->second].places.push_back({mTrees.size(), place});
+        mUnits[unit->second].places.push_back({mTrees.size(), swept.events.size() - 1});
     }
     mTrees.push_back(std::move(swept));
 }
@@ -144,7 +142,7 @@ void RuleSweep::FindMoments(Unit& unit, SweepPlan& plan)
     const std::vector<std::string> names = RuleNamesOf(*unit.entry);
     std::set<std::string> known; // the texts of its events: a repair in such a text belongs to that event alone
     for (const Place& place : unit.places) {
-        const auto& event = mTrees[place.tree].events[place.event];
+        const auto& event = mTrees[place.tree].events[place.event].event;
         if (event->GetDetectMode() == EventDecider::DETECT_INTERACTION_RULE || !known.insert(event->GetUserDefined()).second) {
             continue;
         }
@@ -284,11 +282,12 @@ void RuleSweep::Decide(Unit& unit)
     mListener->isFirst = true;
     for (const Place& place : unit.places) {
         Tree& tree = mTrees[place.tree];
-        mRuleHelper->SetCurrentEvent(tree.events[place.event]);
-        const bool isTrue = mDecider.IsFaultHappenedForEvent(*tree.events[place.event], unit.entry);
+        SweptEvent& swept = tree.events[place.event];
+        mRuleHelper->SetCurrentEvent(swept.event);
+        const bool isTrue = mDecider.IsFaultHappenedForEvent(*swept.event, unit.entry);
         const Evidence::Check check = checks.GetChecks().back();
-        tree.isChanged = tree.isChanged || isTrue != tree.isTrue[place.event] || check != tree.checks[place.event];
-        tree.isTrue[place.event] = isTrue;
-        tree.checks[place.event] = check;
+        tree.isChanged = tree.isChanged || isTrue != swept.isTrue || check != swept.check;
+        swept.isTrue = isTrue;
+        swept.check = check;
     }
 }

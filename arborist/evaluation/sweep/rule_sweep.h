@@ -31,12 +31,17 @@ struct DetectInfo;
 /// decided anew where one of its rules may answer differently. Nothing else is asked twice.
 class RuleSweep {
 public:
-    /// A tree with the answers of its events, both in pre-order.
+    /// An event with its latest answer.
+    struct SweptEvent {
+        std::shared_ptr<Event> event;
+        Evidence::Check check = Evidence::Check::NONE;
+        bool isTrue = false;
+    };
+
+    /// A tree with its events in pre-order.
     struct Tree {
         std::shared_ptr<FaultTree> tree;
-        RuleEngineHelper::EventList events;
-        std::vector<Evidence::Check> checks;
-        std::vector<bool> isTrue;
+        std::vector<SweptEvent> events;
         bool isChanged = true;
     };
 

@@ -51,14 +51,14 @@ private:
 
     std::string NameOf(const DistinctCause& cause) const
     {
-        const auto* result = mReport.ResultOf(cause.first);
+        const auto& result = mTree.causes[cause.first].result;
         return result == nullptr ? "" : result->mNode->mName;
     }
 
     // The ids of its description, suggestions and repairs, with two blanks between them.
     std::string IdsOf(const DistinctCause& cause) const
     {
-        const auto* result = mReport.ResultOf(cause.first);
+        const auto& result = mTree.causes[cause.first].result;
         if (result == nullptr) {
             return "";
         }
