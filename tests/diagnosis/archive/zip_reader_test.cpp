@@ -240,7 +240,7 @@ TEST_P(DamagedArchive, IsRefused)
     mDir.Write("z.zip", file);
     const auto failure = Unpack();
     ASSERT_TRUE(failure.has_value());
-    EXPECT_EQ(failure->code, "bad_zip");
+    EXPECT_EQ(failure->code, diagnosis::FailureCode::BAD_ZIP);
     EXPECT_EQ(failure->message, std::string("z.zip: ") + GetParam().message);
 }
 

@@ -43,7 +43,9 @@ TreeReport ReportOf(diagnosis::RecordedTree tree)
         cause->mNode = std::make_shared<FaultTreeNode>();
         cause->mNode->mId = recorded.id;
     }
-    return {result, {}, std::move(tree)};
+    TreeReport report{nullptr, {}, std::move(tree)};
+    report.SetResult(result);
+    return report;
 }
 
 // A report whose only cause has a repair with this extra.
