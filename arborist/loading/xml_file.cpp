@@ -33,8 +33,8 @@ constexpr std::array<bool, 256> TAG_MARKS = [] {
     return marks;
 }();
 
-// The position after the tag whose name begins at `at`; npos if the tag doesn't end. Counts quoted texts, as each
-// attribute has one, and stops at the end of the first one beyond the limit.
+// The position after the tag that `at` is within; npos if the tag doesn't end. Counts quoted texts, as each attribute has
+// one, and stops at the end of the first one beyond the limit.
 std::size_t SkipTag(std::string_view xml, std::size_t at, std::size_t& attributes)
 {
     const char* const end = xml.data() + xml.size();
@@ -65,8 +65,9 @@ std::size_t SkipPast(std::string_view xml, std::string_view end, std::size_t at)
     return found == std::string_view::npos ? found : found + end.size();
 }
 
-// The position after the markup that begins with the "<" at `at`, as the XML library reads it; npos if it doesn't end.
-std::size_t SkipMarkup(std::string_view xml, std::size_t at, std::size_t& attributes)
+// The position after the comment, declaration or the like that begins at `at` with "<!" or "<?", as the XML library reads
+// it; npos if it doesn't end.
+std::size_t SkipOther(std::string_view xml, std::size_t at)
 {
     struct Kind {
         std::string_view begin;
@@ -74,27 +75,104 @@ std::size_t SkipMarkup(std::string_view xml, std::size_t at, std::size_t& attrib
     };
     constexpr std::array OTHERS = {
         Kind{"<!--", "-->"}, Kind{"<![CDATA[", "]]>"}, Kind{"<!", ">"}, Kind{"<?", "?>"}};
-    const char next = at + 1 < xml.size() ? xml[at + 1] : '>';
-    if (next == '!' || next == '?') {
-        for (const Kind& kind : OTHERS) {
-            if (xml.compare(at, kind.begin.size(), kind.begin) == 0) {
-                return SkipPast(xml, kind.end, at + kind.begin.size());
-            }
-        }
-    }
-    return SkipTag(xml, at + 1, attributes);
+    const auto* const kind = std::find_if(OTHERS.begin(), OTHERS.end(),
+        [&](const Kind& other) { return xml.compare(at, other.begin.size(), other.begin) == 0; });
+    return SkipPast(xml, kind->end, at + kind->begin.size());
 }
 
+// The next place of one character. However often it is asked, with growing positions, it goes through the text once.
+class NextOf {
+public:
+    NextOf(std::string_view text, char letter) : mText(text), mLetter(letter), mPlace(text.find(letter)) {}
+
+    std::size_t From(std::size_t at)
+    {
+        if (mPlace < at) {
+            mPlace = mText.find(mLetter, at);
+        }
+        return mPlace;
+    }
+
+private:
+    std::string_view mText;
+    char mLetter;
+    std::size_t mPlace;
+};
+
+// Goes through a text from one mark to the next: to quotes, which attributes have, and to the "!" or "?" of markup that
+// may hold quotes which are none. Most tags have no attributes, so that all between two marks is passed over by a search.
+class AttributeCount {
+public:
+    explicit AttributeCount(std::string_view xml)
+        : mXml(xml), mMarks{NextOf(xml, '"'), NextOf(xml, '\''), NextOf(xml, '!'), NextOf(xml, '?')}
+    {
+    }
+
+    // A place in the first element that has more attributes than the limit; npos if there is none.
+    std::size_t FindTooMany()
+    {
+        for (std::size_t mark = NextMark(0); mark != std::string_view::npos; mark = NextMark(mark)) {
+            const bool isQuote = mXml[mark] == '"' || mXml[mark] == '\'';
+            const bool isOther = !isQuote && mark > 0 && mXml[mark - 1] == '<' && !IsInTag(mark - 1);
+            if (isQuote && IsInTag(mark)) {
+                std::size_t attributes = 0;
+                mark = SkipTag(mXml, mark, attributes);
+                if (attributes > MOST_ATTRIBUTES) {
+                    return mark;
+                }
+                mOutside = mark;
+            } else if (isQuote) {
+                mOutside = ++mark;
+            } else {
+                mark = isOther ? mOutside = SkipOther(mXml, mark - 1) : mark + 1;
+            }
+        }
+        return std::string_view::npos;
+    }
+
+private:
+    std::size_t NextMark(std::size_t at)
+    {
+        std::size_t next = std::string_view::npos;
+        for (NextOf& mark : mMarks) {
+            next = std::min(next, mark.From(at));
+        }
+        return next;
+    }
+
+    // True if `at` is within a tag, if there is neither a quote nor other markup between it and `mOutside`.
+    bool IsInTag(std::size_t at) const
+    {
+        while (at > mOutside && mXml[at - 1] != '<' && mXml[at - 1] != '>') {
+            --at;
+        }
+        return at > mOutside && mXml[at - 1] == '<';
+    }
+
+    std::string_view mXml;
+    std::array<NextOf, 4> mMarks;
+    // The last place that is known to be in no tag.
+    std::size_t mOutside = 0;
+};
+
+struct Text {
+    std::string_view View() const { return {bytes.get(), length}; }
+
+    std::unique_ptr<char[]> bytes;
+    std::size_t length = 0;
+};
+
 // The content of a file; nothing if it can't be read.
-std::optional<std::string> ReadAll(std::FILE* file)
+std::optional<Text> ReadAll(std::FILE* file)
 {
     const bool isAtEnd = std::fseek(file, 0, SEEK_END) == 0;
     const long length = isAtEnd ? std::ftell(file) : -1;
     if (length < 0 || std::fseek(file, 0, SEEK_SET) != 0) {
         return std::nullopt;
     }
-    std::string text(static_cast<std::size_t>(length), '\0');
-    text.resize(std::fread(text.data(), 1, text.size(), file));
+    const auto size = static_cast<std::size_t>(length);
+    Text text{std::make_unique_for_overwrite<char[]>(size)};
+    text.length = std::fread(text.bytes.get(), 1, size, file);
     return std::ferror(file) == 0 ? std::optional(std::move(text)) : std::nullopt;
 }
 
@@ -109,17 +187,17 @@ Outcome Load(tinyxml2::XMLDocument& document, const std::string& path)
     if (file == nullptr) {
         return {tinyxml2::XML_ERROR_FILE_READ_ERROR, isFile ? "can't be opened" : "not a file", 0};
     }
-    const std::optional<std::string> text = ReadAll(file.get());
+    const std::optional<Text> text = ReadAll(file.get());
     if (!text) {
         return {tinyxml2::XML_ERROR_FILE_READ_ERROR, "can't be read", 0};
     }
-    if (const int line = LineOfTooManyAttributes(*text)) {
+    if (const int line = LineOfTooManyAttributes(text->View())) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: an element of %s has more than %zu attributes",
             "XmlFile::Load", path.c_str(), MOST_ATTRIBUTES);
         return {tinyxml2::XML_ERROR_PARSING_ATTRIBUTE,
             "an element has more than " + std::to_string(MOST_ATTRIBUTES) + " attributes", line};
     }
-    const tinyxml2::XMLError error = document.Parse(text->data(), text->size());
+    const tinyxml2::XMLError error = document.Parse(text->bytes.get(), text->length);
     return error == tinyxml2::XML_SUCCESS ? Outcome()
                                           : Outcome{error, document.ErrorStr(), document.ErrorLineNum()};
 }
@@ -130,14 +208,7 @@ int LineOfTooManyAttributes(std::string_view xml)
 {
     // The attributes of shorter texts can't take long, however they are distributed.
     constexpr std::size_t SHORT_TEXT = 16 * 1024;
-    std::size_t at = xml.size() <= SHORT_TEXT ? std::string_view::npos : xml.find('<');
-    while (at != std::string_view::npos) {
-        std::size_t attributes = 0;
-        at = XmlFile::SkipMarkup(xml, at, attributes);
-        if (attributes > XmlFile::MOST_ATTRIBUTES) {
-            return 1 + static_cast<int>(std::count(xml.begin(), xml.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
-        }
-        at = at == std::string_view::npos ? at : xml.find('<', at);
-    }
-    return 0;
+    const std::size_t place = xml.size() <= SHORT_TEXT ? std::string_view::npos : XmlFile::AttributeCount(xml).FindTooMany();
+    return place == std::string_view::npos
+        ? 0 : 1 + static_cast<int>(std::count(xml.begin(), xml.begin() + static_cast<std::ptrdiff_t>(place), '\n'));
 }

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include "arborist/frame/log.h"
+#include "arborist/frame/rule_set_summary.h"
 #include "tests/support/case_name.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/temp_dir.h"
@@ -84,7 +85,18 @@ INSTANTIATE_TEST_SUITE_P(Table, AttributesIn, testing::Values(
     HidingCase{"EmptyLookingComment", "<!--> <c", "/> -->"},
     HidingCase{"Cdata", "<![CDATA[ <c", "/> ]> ] ]]]>"},
     HidingCase{"Declaration", "<!DOCTYPE c", ">"},
+    HidingCase{"TextBehindSigns", "? ! don't > \"", ""},
     HidingCase{"Value", "<c a='<d", "></d>'/>"}), CaseName());
+
+// Neither a sign within a tag nor a quote in a text changes what follows.
+TEST_F(XmlFileTest, AttributesCountWhateverSignsStandAround)
+{
+    for (const std::string around : {"<b !", "<b ?", "<b <!-- ", "text's <b", "<!----><b", "<?x ' ?><b", "<b c='!'", "<b c='<?'"}) {
+        const std::string xml = "<a>" + LONG_TEXT + around;
+        EXPECT_EQ(LineOfTooManyAttributes(xml + Attributes(300) + "/></a>"), 1) << around;
+        EXPECT_EQ(LineOfTooManyAttributes(xml + Attributes(200) + "/><d" + Attributes(200) + "/></a>"), 0) << around;
+    }
+}
 
 TEST_F(XmlFileTest, BrokenMarkupIsLeftToTheReader)
 {
