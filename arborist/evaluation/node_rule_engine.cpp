@@ -1,7 +1,8 @@
 #include "arborist/evaluation/node_rule_engine.h"
 
 #include <algorithm>
-#include <vector>
+#include <map>
+#include <string_view>
 
 #include "arborist/frame/log.h"
 #include "arborist/model/rule.h"
@@ -15,8 +16,13 @@ class NodeRuleEngine::ParamIndex {
 public:
     ParamIndex(const ParamMap& params, std::string Param::*field) : mParams(params), mField(field)
     {
-        if (!HasFew()) {
-            Sort();
+        if (HasFew()) {
+            return;
+        }
+        for (const auto& [id, param] : params) {
+            if (param != nullptr) {
+                mSorted.emplace((*param).*field, param.get());
+            }
         }
     }
 
@@ -29,37 +35,17 @@ public:
                 return entry.second != nullptr && (*entry.second).*mField == text && visit(*entry.second);
             });
         }
-        const auto isBefore = [this](const Param* param, std::string_view value) {
-            return (param->*mField).compare(value) < 0;
-        };
-        for (auto place = std::lower_bound(mSorted.begin(), mSorted.end(), text, isBefore);
-             place != mSorted.end() && (*place)->*mField == text; ++place) {
-            if (visit(**place)) {
-                return true;
-            }
-        }
-        return false;
+        const auto [first, last] = mSorted.equal_range(text);
+        return std::any_of(first, last, [&](const auto& entry) { return visit(*entry.second); });
     }
 
 private:
     // Few parameters are searched one by one, which is cheaper than sorting them.
     bool HasFew() const { return mParams.size() <= 8; }
 
-    void Sort()
-    {
-        mSorted.reserve(mParams.size());
-        for (const auto& [id, param] : mParams) {
-            if (param != nullptr) {
-                mSorted.push_back(param.get());
-            }
-        }
-        std::stable_sort(mSorted.begin(), mSorted.end(),
-            [this](const Param* left, const Param* right) { return left->*mField < right->*mField; });
-    }
-
     const ParamMap& mParams;
     std::string Param::*mField;
-    std::vector<Param*> mSorted;
+    std::multimap<std::string_view, Param*> mSorted;
 };
 
 bool NodeRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId)

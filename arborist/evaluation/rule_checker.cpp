@@ -1,6 +1,7 @@
 #include "arborist/evaluation/rule_checker.h"
 
 #include <algorithm>
+#include <compare>
 #include <iterator>
 
 #include "arborist/model/condition.h"
@@ -8,26 +9,26 @@
 
 namespace {
 
-template <typename Number>
-bool Holds(const std::string& logic, Number configured, Number observed)
+// `relation` is that of the observed value to the configured one.
+bool Holds(const std::string& logic, std::partial_ordering relation)
 {
     if (logic == RuleChecker::LOGIC_GT) {
-        return observed > configured;
+        return relation > 0;
     }
     if (logic == RuleChecker::LOGIC_LT) {
-        return observed < configured;
+        return relation < 0;
     }
     if (logic == RuleChecker::LOGIC_LE) {
-        return observed <= configured;
+        return relation <= 0;
     }
     if (logic == RuleChecker::LOGIC_GE) {
-        return observed >= configured;
+        return relation >= 0;
     }
     if (logic == RuleChecker::LOGIC_EQ) {
-        return observed == configured;
+        return relation == 0;
     }
     if (logic == RuleChecker::LOGIC_NE) {
-        return observed != configured;
+        return relation != 0;
     }
     return false;
 }
@@ -140,15 +141,15 @@ void RuleChecker::NoteObserved(const std::string& type, const std::string& obser
 
 bool RuleChecker::CompareValue(const std::string& logic, std::int32_t configured, std::int32_t observed)
 {
-    return Holds(logic, configured, observed);
+    return Holds(logic, observed <=> configured);
 }
 
 bool RuleChecker::CompareValue(const std::string& logic, float configured, float observed)
 {
-    return Holds(logic, configured, observed);
+    return Holds(logic, observed <=> configured);
 }
 
 bool RuleChecker::CompareValue(const std::string& logic, double configured, double observed)
 {
-    return Holds(logic, configured, observed);
+    return Holds(logic, observed <=> configured);
 }
