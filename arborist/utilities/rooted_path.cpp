@@ -128,6 +128,9 @@ std::string ResolveByKernel(const std::string& root, const std::string& path)
     }
     std::string above = NameOf(folder.Get());
     const std::string name = NameOf(found.Get());
+    if (above.empty() || name.empty()) {
+        return "";
+    }
     if (above == "/") {
         above.clear();
     }

@@ -1,19 +1,12 @@
-// Detections over calls of the file system that fail. This program stands in for those calls, for the libraries below the
-// library, too, so that permissions fail for every user.
+// Detections over calls of the file system that fail.
 #include <cerrno>
-#include <cstdarg>
-#include <cstdio>
 
-#include <dirent.h>
-#include <dlfcn.h>
-#include <fcntl.h>
 #include <gmock/gmock.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include "arborist/frame/arborist.h"
 #include "arborist/frame/repair.h"
 #include "tests/reliability/call_counter.h"
+#include "tests/reliability/failing_files.h"
 #include "tests/reliability/observed_detection.h"
 #include "tests/support/case_name.h"
 #include "tests/support/database_rows.h"
@@ -21,92 +14,8 @@
 
 namespace {
 
-enum class Call { OPEN, READ, WRITE, RENAME, MAKE_FOLDER, REMOVE };
-
-Call watched = Call::OPEN;
-int failure = EIO;
-
-bool Fails(Call call)
-{
-    if (call != watched || !CallCounter::Fails()) {
-        return false;
-    }
-    errno = failure;
-    return true;
-}
-
-template <typename Function>
-Function* Next(const char* name)
-{
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
-
-mode_t ModeOf(int flags, va_list arguments)
-{
-    return (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
-}
-
-} // namespace
-
-// Calls the function of the C library unless the call is to fail.
-#define STAND_IN(kind, failed, Result, name, parameters, arguments) \
-    extern "C" Result name parameters                               \
-    {                                                               \
-        static auto* const next = Next<Result parameters>(#name);   \
-        return Fails(kind) ? failed : next arguments;               \
-    }
-#define STAND_IN_FOR_OPEN(name)                                                    \
-    extern "C" int name(const char* path, int flags, ...)                          \
-    {                                                                              \
-        static auto* const next = Next<int(const char*, int, ...)>(#name);         \
-        va_list arguments;                                                         \
-        va_start(arguments, flags);                                                \
-        const mode_t mode = ModeOf(flags, arguments);                              \
-        va_end(arguments);                                                         \
-        return Fails(Call::OPEN) ? -1 : next(path, flags, mode);                   \
-    }
-#define STAND_IN_FOR_OPENAT(name)                                                  \
-    extern "C" int name(int folder, const char* path, int flags, ...)              \
-    {                                                                              \
-        static auto* const next = Next<int(int, const char*, int, ...)>(#name);    \
-        va_list arguments;                                                         \
-        va_start(arguments, flags);                                                \
-        const mode_t mode = ModeOf(flags, arguments);                              \
-        va_end(arguments);                                                         \
-        return Fails(Call::OPEN) ? -1 : next(folder, path, flags, mode);           \
-    }
-
-STAND_IN_FOR_OPEN(open)
-STAND_IN_FOR_OPEN(open64)
-STAND_IN_FOR_OPENAT(openat)
-STAND_IN_FOR_OPENAT(openat64)
-STAND_IN(Call::OPEN, nullptr, FILE*, fopen, (const char* path, const char* mode), (path, mode))
-STAND_IN(Call::OPEN, nullptr, FILE*, fopen64, (const char* path, const char* mode), (path, mode))
-STAND_IN(Call::OPEN, nullptr, DIR*, opendir, (const char* path), (path))
-STAND_IN(Call::READ, -1, ssize_t, read, (int file, void* bytes, size_t length), (file, bytes, length))
-STAND_IN(Call::READ, -1, ssize_t, pread, (int file, void* bytes, size_t length, off_t from), (file, bytes, length, from))
-STAND_IN(Call::READ, -1, ssize_t, pread64, (int file, void* bytes, size_t length, off64_t from),
-    (file, bytes, length, from))
-STAND_IN(Call::WRITE, -1, ssize_t, write, (int file, const void* bytes, size_t length), (file, bytes, length))
-STAND_IN(Call::WRITE, -1, ssize_t, pwrite64, (int file, const void* bytes, size_t length, off64_t from),
-    (file, bytes, length, from))
-STAND_IN(Call::WRITE, -1, ssize_t, copy_file_range,
-    (int from, off64_t* fromAt, int to, off64_t* toAt, size_t length, unsigned int flags),
-    (from, fromAt, to, toAt, length, flags))
-STAND_IN(Call::WRITE, 0, size_t, fwrite, (const void* bytes, size_t size, size_t count, FILE* file),
-    (bytes, size, count, file))
-STAND_IN(Call::RENAME, -1, int, rename, (const char* from, const char* to), (from, to))
-STAND_IN(Call::MAKE_FOLDER, -1, int, mkdir, (const char* path, mode_t mode), (path, mode))
-STAND_IN(Call::REMOVE, -1, int, unlink, (const char* path), (path))
-STAND_IN(Call::REMOVE, -1, int, rmdir, (const char* path), (path))
-STAND_IN(Call::REMOVE, -1, int, remove, (const char* path), (path))
-// Waiting for the disk would take most of the time, and is of no interest here.
-extern "C" int fsync(int) { return 0; }
-extern "C" int fdatasync(int) { return 0; }
-
-namespace {
-
 using CallCounter::Failing;
+using FailingFiles::Call;
 using testing::ElementsAre;
 
 constexpr char EVENT_LOG[] = "programdata/Comms/Lumbra/workDir/0/log.db";
@@ -132,8 +41,7 @@ protected:
     Answer DetectFirst(std::uint64_t number)
     {
         ForgetDetections();
-        watched = GetParam().call;
-        failure = GetParam().error;
+        FailingFiles::Watch(GetParam().call, GetParam().error);
         CallCounter::Start(number, GetParam().failing);
         const Answer answer = DetectAnew();
         UpdateRepairDb("R2");
@@ -186,6 +94,14 @@ INSTANTIATE_TEST_SUITE_P(Table, FailingFileCall, testing::Values(
     CallCase{"Rename", Call::RENAME, EACCES, Failing::ONE},
     CallCase{"MakeFolder", Call::MAKE_FOLDER, EACCES, Failing::ONE},
     CallCase{"EveryMakeFolder", Call::MAKE_FOLDER, ENOSPC, Failing::ALL_FROM_IT_ON},
-    CallCase{"Remove", Call::REMOVE, EACCES, Failing::ONE}), CaseName());
+    CallCase{"Remove", Call::REMOVE, EACCES, Failing::ONE},
+    CallCase{"Status", Call::STATUS, EACCES, Failing::ONE},
+    CallCase{"EveryStatus", Call::STATUS, EACCES, Failing::ALL_FROM_IT_ON},
+    CallCase{"Close", Call::CLOSE, EIO, Failing::ONE},
+    CallCase{"EveryClose", Call::CLOSE, EIO, Failing::ALL_FROM_IT_ON},
+    CallCase{"Seek", Call::SEEK, EIO, Failing::ONE},
+    CallCase{"ChangeMode", Call::CHANGE_MODE, EPERM, Failing::ALL_FROM_IT_ON},
+    CallCase{"NextEntry", Call::NEXT_ENTRY, EIO, Failing::ONE},
+    CallCase{"DeadStream", Call::DEAD_STREAM, EIO, Failing::ONE}), CaseName());
 
 } // namespace
