@@ -65,6 +65,10 @@ protected:
     }
 
     void OnPlan(SweepPlan plan) override { mPlan = std::move(plan); }
+    void OnEventDecided(std::int64_t moment, const Evidence::Event& event) override
+    {
+        mDecided.push_back(std::to_string(moment) + " " + event.id + (event.fired ? " fired" : ""));
+    }
     void OnTreeJudged(std::int64_t moment, std::size_t, const Evidence::TreeResult& result,
         const std::vector<Evidence::RootCause>& causes) override
     {
@@ -86,6 +90,7 @@ protected:
     LogCapture mLog;
     SweepPlan mPlan;
     std::vector<std::string> mAnswers;
+    std::vector<std::string> mDecided;
 };
 
 TEST_F(LogSweepTest, TreeIsAFaultFromTheRowThatReachesTheThresholdUntilTheFirstLeaves)
@@ -96,6 +101,41 @@ TEST_F(LogSweepTest, TreeIsAFaultFromTheRowThatReachesTheThresholdUntilTheFirstL
         std::to_string(11 * DAY + 1) + " no_fault"));
     EXPECT_EQ(mPlan.moments, 2U);
     EXPECT_EQ(mPlan.tableMoments, 0U);
+}
+
+TEST_F(LogSweepTest, ARowCountsStillInTheSecondInWhichItsWindowBegins)
+{
+    Log({{10 * DAY, 7, "", ""}, {11 * DAY, 7, "", ""}});
+    ASSERT_TRUE(Sweep({DAY, 30 * DAY}));
+    EXPECT_THAT(mAnswers, ElementsAre(std::to_string(DAY) + " no_fault", std::to_string(11 * DAY) + " fault E",
+        std::to_string(11 * DAY + 1) + " no_fault"));
+}
+
+TEST_F(LogSweepTest, TheTopEventIsDecidedByItsOwnRules)
+{
+    mDir.Write("rules/FaultTreeRules.xml", RuleXml("Tag").EventRule("T", {Single("r")})
+        .Rule(AlarmRuleXml("r", {AlarmIdXml("7", "7", {TimeXml("duration", "1", "2")})})).Text());
+    Log({{10 * DAY, 7, "", ""}, {10 * DAY + 5, 7, "", ""}});
+    ASSERT_TRUE(Sweep({DAY, 30 * DAY}));
+    EXPECT_THAT(mDecided, ElementsAre(std::to_string(DAY) + " T", std::to_string(10 * DAY + 5) + " T fired",
+        std::to_string(11 * DAY + 1) + " T"));
+}
+
+// Its version is none that the log names.
+TEST_F(LogSweepTest, ARowThatNoRuleCanSeeIsAskedForWhileItsWindowHasIt)
+{
+    const auto momentsWithRowAt = [this](std::int64_t time) {
+        Log({{time, 7, "", ""}});
+        EventLogBuilder::Run(
+            mDir.Path("data/Comms/Lumbra/workDir/0/log.db"), "update event_info set version_id = 77");
+        EXPECT_TRUE(Sweep({DAY, 30 * DAY}));
+        EXPECT_THAT(Unswept(), IsEmpty());
+        return mPlan.moments;
+    };
+    EXPECT_EQ(momentsWithRowAt(10 * DAY), 2U);
+    EXPECT_EQ(momentsWithRowAt(40 * DAY), 0U);
+    EXPECT_EQ(momentsWithRowAt(10 * DAY - (std::int64_t{1} << 32)), 0U);
+    EXPECT_EQ(momentsWithRowAt(10 * DAY + (std::int64_t{1} << 32)), 0U);
 }
 
 TEST_F(LogSweepTest, ARepairEndsAFault)

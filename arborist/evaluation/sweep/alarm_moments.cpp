@@ -81,10 +81,10 @@ private:
     bool mHasWeights = false;
 };
 
-// Tells when there are rows at all.
+// Tells when there are rows at all: any number of them reaches a threshold of 0.
 SlidingCount PresenceOf(const Count& count)
 {
-    return {AlarmCount::Measure::PERIOD, 0, count.floors, false, true};
+    return {AlarmCount::Measure::PERIOD, 0, count.floors};
 }
 
 } // namespace
