@@ -53,12 +53,11 @@ uLong ReadAhead(void*, void* stream, void* buffer, uLong wanted)
     return wanted;
 }
 
-// The modes of the archive library: to read, to change, to create.
+// The modes of the archive library that are used here: to read, and to create.
 void* OpenByLibrary(void*, const void* path, int mode)
 {
-    const char* const word = (mode & ZLIB_FILEFUNC_MODE_READWRITEFILTER) == ZLIB_FILEFUNC_MODE_READ ? "rb"
-        : (mode & ZLIB_FILEFUNC_MODE_EXISTING) != 0 ? "r+b" : "wb";
-    return Platform::OpenFile(static_cast<const char*>(path), word);
+    const bool isToRead = (mode & ZLIB_FILEFUNC_MODE_READWRITEFILTER) == ZLIB_FILEFUNC_MODE_READ;
+    return Platform::OpenFile(static_cast<const char*>(path), isToRead ? "rb" : "wb");
 }
 
 zlib_filefunc64_def FileFunctions()

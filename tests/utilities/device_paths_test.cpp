@@ -119,6 +119,16 @@ TEST_F(DevicePathsTest, PathOnTheDeviceIsWhatStandsBelowItsRoot)
     EXPECT_EQ(DevicePaths::PathOnDevice("/data/a.db", ""), "/data/a.db");
 }
 
+TEST_F(DevicePathsTest, WithoutTheFolderOfADeviceNothingIsFoundOutside)
+{
+    const TempDir dir;
+    dir.Write("here", "1");
+    mSettings.Set(Settings::DEVICE_ROOT_DIR, "/no/such/folder");
+    EXPECT_EQ(DevicePaths::RealPath(dir.Path("here"), ""), dir.Path("here")) << "below the working directory";
+    EXPECT_EQ(DevicePaths::RealPath("/etc/passwd", ""), "");
+    EXPECT_EQ(DevicePaths::FindReal("/etc/passwd", "").Path(), "");
+}
+
 TEST_F(DevicePathsTest, RealRootOfTheDeviceHasNoLinks)
 {
     EXPECT_EQ(DevicePaths::RealRootOfDevice(), "");

@@ -138,9 +138,19 @@ TEST_F(FileContentTest, NullDeviceIsEmpty)
     EXPECT_EQ(text, "");
 }
 
+TEST_F(FileContentTest, DevicesOfMemoryAreOpened)
+{
+    for (const char* const device : {"/dev/null", "/dev/zero", "/dev/full", "/dev/random", "/dev/urandom"}) {
+        Bytes buffer = {1};
+        EXPECT_TRUE(FileUtil::LoadBufferFromFile(device, buffer)) << device; // its size is 0, so that nothing is read
+        EXPECT_THAT(buffer, IsEmpty());
+    }
+}
+
 TEST_F(FileContentTest, DeviceWhoseOpeningMayHaveEffectsIsRefused)
 {
     std::string text;
+    EXPECT_FALSE(FileUtil::LoadStringFromFile("/dev/kmsg", text)); // its reading takes lines away
     EXPECT_FALSE(FileUtil::LoadStringFromFile("/dev/tty", text));
     EXPECT_FALSE(FileUtil::LoadStringFromFile("/dev/ptmx", text));
 }

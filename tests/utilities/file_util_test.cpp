@@ -208,6 +208,15 @@ TEST_F(FileUtilTest, RemoveDirectoryTakesAllThatItHolds)
     EXPECT_TRUE(mDir.Has("outside/file"));
 }
 
+TEST_F(FileUtilTest, RemoveDirectoryTakesALinkAndLeavesItsTarget)
+{
+    mDir.Write("d/a", "");
+    fs::create_directory_symlink("d", "link");
+    EXPECT_TRUE(FileUtil::ForceRemoveDirectory("link", true));
+    EXPECT_FALSE(fs::is_symlink("link"));
+    EXPECT_TRUE(mDir.Has("d/a"));
+}
+
 TEST_F(FileUtilTest, RemoveOfWhatIsMissingIsTrue)
 {
     EXPECT_TRUE(FileUtil::ForceRemoveDirectory("missing", true));

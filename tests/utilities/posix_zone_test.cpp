@@ -55,9 +55,16 @@ TEST(PosixZoneTest, WhatIsNotWrittenOutIsNoZone)
 {
     for (const char* text : {"", "Europe/Berlin", ":UTC0", "CE-1", "CET", "CET-25", "CET-1CEST", "CET-1CEST,M3.5.0",
              "CET-1CEST,M13.5.0,M10.5.0", "CET-1CEST,M3.6.0,M10.5.0", "CET-1CEST,M3.5.7,M10.5.0", "CET-1CEST,J0,J9",
-             "CET-1CEST,M3.5.0,M10.5.0/168", "CET-1CEST,M3.5.0,M10.5.0 ", "<+1-1", "CET--1", "CET-1:60"}) {
+             "CET-1CE", "CET-1CEST:", "CET-1CEST-2", "CET-1CEST,M3",
+             "CET-1CEST,M3.5", "<a>-1", "CET-1CEST,M3.5.0,M10.5.0/168", "CET-1CEST,M3.5.0,M10.5.0 ", "<+1-1", "CET--1", "CET-1:60"}) {
         EXPECT_FALSE(PosixZone::Of(text).has_value()) << text;
     }
+}
+
+TEST(PosixZoneTest, OffsetOfWinterIsThatWithoutSummer)
+{
+    EXPECT_EQ(PosixZone::Of(CENTRAL_EUROPE)->StandardOffset(), 3600);
+    EXPECT_EQ(PosixZone::Of("NST3:30NDT,M3.2.0,M11.1.0")->StandardOffset(), -12600);
 }
 
 TEST(PosixZoneTest, ClocksChangeAtTheSecond)

@@ -183,6 +183,11 @@ TEST_F(ZipUtilTest, TargetAndNameDoNotLeadOutTogether)
     EXPECT_FALSE(mDir.Has("out"));
     EXPECT_TRUE(ZipUtil::UnZipFile("dot.zip", "target/"));
     EXPECT_EQ(mDir.Read("target/out"), "1");
+    WriteZip("plain.zip", {{"plain", "2"}});
+    EXPECT_TRUE(ZipUtil::UnZipFile("plain.zip", ""));
+    EXPECT_EQ(mDir.Read("plain"), "2");
+    EXPECT_TRUE(ZipUtil::UnZipFile("plain.zip", "target/."));
+    EXPECT_EQ(mDir.Read("target/.plain"), "2");
 }
 
 // Writes the number twice at `position`, as two little-endian bytes each.

@@ -125,11 +125,10 @@ bool TellExtraWithoutJson(const std::string& extra, const std::string& eventDbPa
     }
     Json::Value ignored;
     std::string error;
-    if (!ParseJson(extra, ignored, error)) {
-        FT::Log::GetInstance().Output(
-            FT::LEVEL_ERROR, "FUNc:%s: jsonStr[%s] err. %s ", NAME, extra.c_str(), error.c_str());
-        TellBadExtra(error, eventDbPath);
-    }
+    ParseJson(extra, ignored, error); // fails again, now for its words
+    FT::Log::GetInstance().Output(
+        FT::LEVEL_ERROR, "FUNc:%s: jsonStr[%s] err. %s ", NAME, extra.c_str(), error.c_str());
+    TellBadExtra(error, eventDbPath);
     return false;
 }
 

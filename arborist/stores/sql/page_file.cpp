@@ -26,7 +26,7 @@ constexpr std::size_t GREATEST_PAGE = 65536; // told as 1
 
 bool ReadBytes(sqlite3_file* file, unsigned char* bytes, std::size_t count, std::uint64_t place)
 {
-    return file != nullptr && file->pMethods != nullptr &&
+    return file->pMethods != nullptr && // a database in memory has none
         file->pMethods->xRead(file, bytes, static_cast<int>(count), static_cast<sqlite3_int64>(place)) == SQLITE_OK;
 }
 

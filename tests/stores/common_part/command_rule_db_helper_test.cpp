@@ -61,6 +61,22 @@ protected:
     CommandRuleDbHelper mHelper;
 };
 
+TEST_F(CommandRuleDbHelperTest, RowBeforeAStatementThatFailsStillCounts)
+{
+    EXPECT_EQ(Text(Run("select a from t; select nothing from t", {ParamOf("a", "int")})), "a:a:int=5");
+    EXPECT_TRUE(mHelper.HasFailed());
+}
+
+TEST_F(CommandRuleDbHelperTest, IntervalWithoutColumnsIsMissing)
+{
+    Evidence::Statement record;
+    EXPECT_TRUE(mHelper.IsOpenDbSuccess(mPath));
+    EXPECT_THAT(mHelper.RunSql("select a from t", {ParamOf("a", "int")}, true, nullptr, nullptr, &record), IsEmpty());
+    EXPECT_TRUE(mHelper.IsIntervalMissing());
+    ASSERT_TRUE(record.interval.has_value());
+    EXPECT_EQ(record.interval->startKey + record.interval->endKey, "");
+}
+
 TEST_F(CommandRuleDbHelperTest, OneRowFillsTheParametersAndComesBackAsCopies)
 {
     const ParamList params = {ParamOf("a", "int"), nullptr, ParamOf("b", "string")};

@@ -56,6 +56,29 @@ TEST_F(DatabaseSearchTest, WithoutRecursionOnlyTheOneWalkCounts)
     EXPECT_THAT(Find("d", false), ElementsAre("d/1/2/a.db"));
 }
 
+TEST_F(DatabaseSearchTest, WithoutRecursionLinksAreNotFollowed)
+{
+    mDir.Write("d/a.db", "");
+    mDir.Write("e/b.db", "");
+    std::filesystem::create_directory_symlink(mDir.Path("e"), mDir.Path("d/link"));
+    EXPECT_THAT(Find("d", false), ElementsAre("d/a.db"));
+    EXPECT_THAT(Find("d"), UnorderedElementsAre("d/a.db", "e/b.db"));
+}
+
+#ifndef _WIN32
+// Such a name reads like a folder with a file, whatever the folder is that was visited before.
+TEST_F(DatabaseSearchTest, BackslashInANameEndsTheFolderThatWasVisitedBefore)
+{
+    for (char letter = 'a'; letter <= 'p'; letter = static_cast<char>(letter + 2)) {
+        const std::string folder(2, letter);
+        const std::string other(2, static_cast<char>(letter + 1));
+        mDir.Write("d/" + folder + "/a.db", "");
+        mDir.Write("d/" + other + "\\a.txt", "");
+    }
+    EXPECT_THAT(Find("d", false), SizeIs(8));
+}
+#endif
+
 TEST_F(DatabaseSearchTest, PathAndPatternMeetInLowerCaseAndTheFileKeepsItsSpelling)
 {
     mDir.Write("D/Game.DB", "");

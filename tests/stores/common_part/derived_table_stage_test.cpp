@@ -73,6 +73,13 @@ TEST_F(DerivedTableStageTest, StatementThatMakesNoTableOpensNoStageAndSaysNothin
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
+TEST_F(DerivedTableStageTest, ClosedDatabaseHasNoStage)
+{
+    mDatabase.Close();
+    EXPECT_FALSE(mStage.Open("CREATE TABLE T (_ID integer primary key autoincrement, n int);"));
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
 TEST_F(DerivedTableStageTest, LogWrittenAheadIsGoneAtItsEnd)
 {
     {

@@ -56,6 +56,18 @@ TEST_F(DerivedTableWriterTest, FewAndManyRowsAreNumberedAlike)
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
+TEST_F(DerivedTableWriterTest, RowsThatCanNotBeStagedAreWrittenOneByOne)
+{
+    std::vector<Json::Value> rows(5);
+    for (Json::Value& row : rows) {
+        row["n"] = 7;
+    }
+    DerivedTableWriter(mDatabase, "T", {ParamOf("n", "int")}, "another statement").Write(rows);
+    mDatabase.Close();
+    EXPECT_THAT(Rows(), ElementsAre("1|7", "2|7", "3|7", "4|7", "5|7"));
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
 TEST_F(DerivedTableWriterTest, RowWithoutAnyMemberThatIsAColumnRunsNoStatement)
 {
     for (const std::size_t strangers : {1U, 5U}) { // a few rows are inserted into the file, more through a stage

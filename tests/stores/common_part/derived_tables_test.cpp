@@ -222,6 +222,19 @@ TEST_F(DerivedTablesTest, PlusBeanTellsItsOwnFailures)
         Line("IsSuccessCreateLumbraPlusDb: insert data into table \"p\" fail.")));
 }
 
+TEST_F(DerivedTablesTest, TableWithoutColumnsIsMadeAndNotFilled)
+{
+    EXPECT_FALSE(DerivedTables::BuildFixed({"T", {}}));
+    EXPECT_THAT(mLog.Lines(), ElementsAre(Line("IsSuccessCreateLumbraPlusDb: insert data into table T fail.")));
+    EXPECT_THAT(Rows("select count(*) from T"), ElementsAre("0"));
+}
+
+TEST_F(DerivedTablesTest, ColumnThatIsNoneIsLeftOut)
+{
+    EXPECT_TRUE(DerivedTables::BuildFixed({"T", {nullptr, ParamOf("DEVICE_TYPE", "string")}}));
+    EXPECT_THAT(Rows("select * from T"), ElementsAre("1|tv"));
+}
+
 // ---- Against plain SQL with SQLite's own JSON functions. ----
 
 struct RandomLog {

@@ -55,6 +55,12 @@ TEST_F(EventTimesTest, TheFirstEventThatNoTimeNamesIsThereByItsOwnTime)
     EXPECT_THAT(Times(), UnorderedElementsAre(NOW + 1));
 }
 
+TEST_F(EventTimesTest, AFolderInPlaceOfTheLogHasNone)
+{
+    mDir.MakeDir("log.db");
+    EXPECT_THAT(Times(), IsEmpty());
+}
+
 TEST_F(EventTimesTest, ALogThatCantBeReadHasNone)
 {
     EXPECT_THAT(Times(), IsEmpty());

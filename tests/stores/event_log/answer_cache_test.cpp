@@ -62,6 +62,27 @@ TEST_F(AnswerCacheTest, TextsOfRowsToAskAgainAreThere)
     EXPECT_TRUE(Find(Ask(7, 7, 51), 0)->texts.empty()) << "they don't count";
 }
 
+TEST_F(AnswerCacheTest, WhatIsReadAheadStaysKnownWhateverHappensToTheLog)
+{
+    mCache.ReadForeseen(); // of nothing
+    const auto asked = Ask(7, 8, 51);
+    mCache.ReadForeseen();
+    mCache.ReadForeseen(); // once is enough
+    const auto late = Ask(7, 8, 51, "b");
+    EventLogBuilder::Run(mPath, "update event_info set extra = ''");
+    EXPECT_EQ(Answer(asked, 0, 60), 60);
+    EXPECT_EQ(Answer(asked, 1, 100), 1000);
+    EXPECT_EQ(Find(late, 0), nullptr);
+}
+
+TEST_F(AnswerCacheTest, LogThatHasChangedIsNotReadAhead)
+{
+    const auto asked = Ask(7, 8, 0);
+    EventLogBuilder::Run(mPath, "update event_info set extra = ''");
+    mCache.ReadForeseen();
+    EXPECT_EQ(Find(asked, 1), nullptr);
+}
+
 // What was read in one pass stays known; the rest would be read from another state of the log.
 TEST_F(AnswerCacheTest, LogThatHasChangedHasNoFurtherAnswers)
 {

@@ -4,10 +4,12 @@
 
 #include <gmock/gmock.h>
 
+#include "arborist/frame/settings.h"
 #include "arborist/frame/trouble_watch.h"
 #include "arborist/stores/sql/sql_cursor.h"
 #include "tests/stores/event_log/log_reading.h"
 #include "tests/stores/event_log/number_question.h"
+#include "tests/support/settings_guard.h"
 
 namespace {
 
@@ -108,6 +110,15 @@ protected:
         EXPECT_GT(each.size(), 50U);
     }
 
+    // A log that was not read whole can't tell what it lacks.
+    void ExpectNothingSaidOfAll()
+    {
+        EXPECT_EQ(mSearch.CountRows(1, 10, 0, 4000), std::nullopt);
+        EXPECT_EQ(mSearch.GetFirstTime(), std::nullopt);
+        EXPECT_FALSE(mSearch.HasUnseen(1, 10, 0));
+        EXPECT_TRUE(mSearch.ListUnseen(1, 10).empty());
+    }
+
     EventLogSearch mSearch{mDatabase.GetHandle()};
     Reading mReading = Reading::WHOLE;
 };
@@ -142,6 +153,27 @@ TEST_F(EventLogSearchTest, ManyStartsHaveTheirOwnCounts)
     }
 }
 
+TEST_F(EventLogSearchTest, RowsAreCountedUnlessAnIdNeedsItsOwnQuery)
+{
+    Open(ManyRows(100).Sql("update event_info_flow set occurrence_time = 7.5 where _ID = 3"));
+    EXPECT_EQ(mSearch.CountRows(1, 10, 0, 100), std::nullopt) << "before the first visit";
+    Visit({1, 10, 0, false});
+    EXPECT_EQ(mSearch.CountRows(5, 10, 0, 200), 60U);
+    EXPECT_EQ(mSearch.CountRows(5, 10, 0, 51), 30U);
+    EXPECT_EQ(mSearch.CountRows(1, 10, 0, 200), std::nullopt) << "a time between two seconds";
+}
+
+TEST_F(EventLogSearchTest, FirstTimeAfterTheLastMomentIsNone)
+{
+    Open(ManyRows(100));
+    Visit({1, 10, 0, false});
+    EXPECT_EQ(mSearch.GetFirstTime(), 1);
+    const SettingsGuard settings;
+    settings.Set(Settings::AS_OF, "0");
+    EXPECT_EQ(mSearch.GetFirstTime(), std::nullopt);
+    EXPECT_EQ(Visit({1, 10, 0, false}), "");
+}
+
 TEST_F(EventLogSearchTest, BreakInTheEventsIsToldForEachIdAndLeavesTheRowsBefore)
 {
     Open(ManyRows(3000));
@@ -157,6 +189,7 @@ TEST_F(EventLogSearchTest, BreakInTheEventsIsToldForEachIdAndLeavesTheRowsBefore
     std::vector<std::string> told = mLog.Lines(FT::LEVEL_ERROR);
     EXPECT_EQ(told, lines);
     EXPECT_EQ(told, std::vector<std::string>(14, MALFORMED));
+    ExpectNothingSaidOfAll();
 }
 
 TEST_F(EventLogSearchTest, IdsFarBehindTheFirstAreAskedToo)
@@ -198,6 +231,7 @@ TEST_F(EventLogSearchTest, EventsOutOfOrderAreReadInOnePass)
         return false;
     });
     EXPECT_EQ(sum, 3000U * 3001 / 2);
+    ExpectNothingSaidOfAll();
 }
 
 TEST_F(EventLogSearchTest, IndexedLogWithABadPageIsAskedIdById)
@@ -212,6 +246,7 @@ TEST_F(EventLogSearchTest, IndexedLogWithABadPageIsAskedIdById)
         Damage(page * PAGE, PAGE);
         EXPECT_EQ(Visit(FewLines({-5, INT32_MAX, 0, false})), AskEach(-5, 12) + AskEach(2000000000, 2000000001));
     }
+    ExpectNothingSaidOfAll();
 }
 
 TEST_F(EventLogSearchTest, IdsBetweenBadPagesAreAskedTooHoweverFarBehindTheFirst)

@@ -159,6 +159,17 @@ TEST_F(EventRowsTest, QuestionsThatAreReadAheadAreAnsweredTheSame)
     EXPECT_EQ(Answers({a}), "") << "a log that can't be asked";
 }
 
+// The index has the rows of an id in the order of their texts.
+TEST_F(EventRowsTest, RowsThatAreReadInAnotherOrderAreNotReadAheadAndAnswerTheSame)
+{
+    const auto a = NumberQuestion::Of("a");
+    Open(EventLogBuilder().Rows({{10, 7, "1.0", R"({"a":8})"}, {20, 7, "1.0", R"({"a":5})"}})
+        .Sql("create index i on event_info(event_id, extra, version_id)"));
+    mHelper->Foresee(7, 7, {a});
+    mHelper->ReadAhead();
+    EXPECT_EQ(Sum(a), 13U);
+}
+
 TEST_F(EventRowsTest, QuestionsWithoutRoomAreAnsweredToo)
 {
     EventLogBuilder builder;
@@ -222,6 +233,21 @@ TEST_F(EventRowsTest, RowsReadWholeAnswerAndHaveDaysToo)
     }, -5);
     EXPECT_THAT(each, ElementsAre(1, 1));
     EXPECT_EQ(days[1], 2);
+}
+
+TEST_F(EventRowsTest, RowsReadWholeAreCountedFromATimeOnToo)
+{
+    Open(EventLogBuilder().Rows({{1704065400, 7, "1.0", ""}, {1703980800, 7, "1.0", ""}, {0, 7, "1.0", ""}})
+        .Sql("update event_info_flow set occurrence_time = -1 where _ID = 3"));
+    EventRows::DayCounts days{};
+    Show({}, [&days](const EventRows& rows) {
+        EXPECT_FALSE(rows.HasTimes());
+        EXPECT_EQ(rows.CountAfter(1703980800), 1U);
+        EXPECT_EQ(rows.CountAfter(1703980799), 2U);
+        rows.CountDaysAfter(0, days);
+    }, -5);
+    EXPECT_EQ(days[1], 1);
+    EXPECT_EQ(days[31], 1);
 }
 
 } // namespace

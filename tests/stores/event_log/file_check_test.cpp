@@ -112,6 +112,26 @@ TEST_F(FileCheckTest, OddValuesAreNoDamage)
     EXPECT_EQ(OfFile().state, State::SOUND) << OfFile().message;
 }
 
+// Behind the hundredth message SQLite looks at nothing more.
+TEST_F(FileCheckTest, SoManyOddValuesThatDamageMayBeBehindThemAreDisorder)
+{
+    const auto stateWithOdd = [this](const std::string& rows) {
+        Change(0, "");
+        EventLogBuilder::Run(mPath, "update t set c = null where " + rows + "; pragma writable_schema = 1; "
+            "update sqlite_master set sql = replace(sql, 'c text', 'c text not null') where name = 't'");
+        return OfFile().state;
+    };
+    EXPECT_EQ(stateWithOdd("a <= 198"), State::SOUND);
+    EXPECT_EQ(stateWithOdd("a <= 200"), State::DISORDER);
+}
+
+TEST_F(FileCheckTest, OddValuesAreNoDamageOfATableThatSQLiteChecks)
+{
+    EventLogBuilder::Run(mPath, "pragma writable_schema = 1; update sqlite_master set sql = replace(sql, 'c text', "
+        "'c text not null') where name = 't'; update t set c = null; pragma journal_mode = wal");
+    EXPECT_EQ(OfTable().state, State::SOUND);
+}
+
 TEST_F(FileCheckTest, FileThatIsNoDatabaseIsDisorder)
 {
     mDir.Write("a.db", std::string(2000, 'x'));

@@ -160,4 +160,25 @@ TEST_F(SnapshotBuilderTest, VersionsAreKnownByTheirRowNumbers)
     EXPECT_NE(mSnapshot->NumberOfVersion("4.0"), EventLogSnapshot::UNNAMED_VERSION);
 }
 
+TEST_F(SnapshotBuilderTest, VersionOfTwoNamesStaysAmbiguous)
+{
+    mBuilder.AddVersion(2, true, "2.0");
+    mBuilder.AddVersion(2, true, "3.0");
+    mBuilder.AddVersion(2, true, "3.0");
+    mBuilder.AddRow(RowOf(5, 10, 1, 2));
+    EXPECT_EQ(Built(), "5?; ");
+}
+
+TEST_F(SnapshotBuilderTest, NamesThatAreKnownKeepTheirNumbersWhereThereAreTooMany)
+{
+    for (int number = 2; number <= 70000; ++number) {
+        mBuilder.AddVersion(number, true, std::to_string(number));
+    }
+    mBuilder.AddVersion(80000, true, "2");
+    mBuilder.AddRow(RowOf(5, 10, 1, 80000));
+    mBuilder.AddRow(RowOf(6, 10, 2, 70000));
+    EXPECT_EQ(Built(), "5: 10; 6?; ");
+    EXPECT_EQ(mSnapshot->Count({0, 1, true}, {0, mSnapshot->NumberOfVersion("2")}), 1U);
+}
+
 } // namespace

@@ -105,6 +105,75 @@ TEST_F(TableTreeTest, InATreeInOrderSearchesFindWhatAScanFinds)
     EXPECT_LT(inOrder, cases.GetCount());
 }
 
+// A tree of three levels: the root is the second page.
+class ChangedTree : public TableTreeTest {
+protected:
+    ChangedTree()
+    {
+        Write(std::string(MANY_ROWS) + "; insert into t select a + 6000, b from t");
+        mFile = mDir.Read("a.db");
+        EXPECT_EQ(mFile[ROOT], INNER);
+        EXPECT_EQ(mFile[mInner = Child(ROOT, 0)], INNER);
+        EXPECT_EQ(mFile[mLeaf = Child(mInner, 0)], 13);
+    }
+
+    std::size_t Byte(std::size_t place) const { return static_cast<unsigned char>(mFile[place]); }
+    std::size_t Cell(std::size_t page, std::size_t cell) const
+    {
+        const std::size_t list = page + (mFile[page] == INNER ? 12 : 8) + 2 * cell;
+        return page + Byte(list) * 256 + Byte(list + 1);
+    }
+    std::size_t Child(std::size_t page, std::size_t cell) const
+    {
+        const std::size_t place = Cell(page, cell);
+        return (Byte(place + 2) * 256 + Byte(place + 3) - 1) * PAGE;
+    }
+
+    bool IsInOrderWith(std::size_t place, const std::string& bytes)
+    {
+        std::string file = mFile;
+        mDir.Write("a.db", file.replace(place, bytes.size(), bytes));
+        return IsInOrder();
+    }
+
+    static constexpr char INNER = 5;
+    static constexpr std::size_t ROOT = PAGE;
+    std::string mFile;
+    std::size_t mInner = 0;
+    std::size_t mLeaf = 0;
+};
+
+TEST_F(ChangedTree, PageWithoutCellsIsNotInOrder)
+{
+    EXPECT_FALSE(IsInOrderWith(mInner + 3, std::string(2, '\0')));
+    EXPECT_FALSE(IsInOrderWith(mLeaf + 3, std::string(2, '\0')));
+}
+
+TEST_F(ChangedTree, CellOutsideOfItsPageIsNotInOrder)
+{
+    EXPECT_FALSE(IsInOrderWith(mInner + 12, std::string(2, '\0'))) << "in the head";
+    EXPECT_FALSE(IsInOrderWith(mInner + 12, "\x01\xFE")) << "too near to the end";
+    // The last that fits, whose guide then goes on behind the page.
+    const std::string child = mFile.substr(Cell(mInner, 0), 4);
+    mFile.replace(mInner + PAGE - 4, 4, child);
+    EXPECT_FALSE(IsInOrderWith(mInner + 12, "\x01\xFC"));
+}
+
+TEST_F(ChangedTree, GuideBeyondThatOfThePageAboveIsNotInOrder)
+{
+    EXPECT_FALSE(IsInOrderWith(Cell(mInner, 1) + 4, "\xFF\x7F"));
+}
+
+TEST_F(ChangedTree, LeavesAtDifferentDepthsAreNotInOrder)
+{
+    EXPECT_FALSE(IsInOrderWith(Cell(ROOT, 0), mFile.substr(Cell(mInner, 0), 4)));
+}
+
+TEST_F(ChangedTree, LengthInMoreBytesThanItNeedsIsNotInOrder)
+{
+    EXPECT_FALSE(IsInOrderWith(Cell(mLeaf, 0), "\x80\x80\x80\x05"));
+}
+
 TEST_F(TableTreeTest, EachGuideCounts)
 {
     Write(MANY_ROWS);

@@ -17,6 +17,7 @@
 
 /// Reaches the private steps of the store.
 struct RepairDbUtilPeer {
+    static void Close(RepairDbUtil& repairs) { repairs.CloseDb(); }
     static bool Open(RepairDbUtil& repairs) { return repairs.OpenDb(); }
 
     // Closes the connection, as if it was lost, and then runs every step by itself.
@@ -297,6 +298,26 @@ TEST_F(RepairDbUtilTest, FullDatabaseKeepsWhatItHas)
         HasSubstr("ExecuteNoCallback sql failed: database or disk is full"),
         HasSubstr("cannot commit - no transaction is active")));
     EXPECT_EQ(Rows(), "1/R/2023-11-14 23:13:20");
+}
+
+// The id is part of the statement as it stands.
+TEST_F(RepairDbUtilTest, IdThatEndsTheStatementAndBeginsAnotherHasNoDate)
+{
+    RepairDbUtil repairs;
+    EXPECT_EQ(repairs.QueryRepairDate("R'; select 7; --"), "");
+    EXPECT_TRUE(repairs.HasFailed());
+}
+
+TEST_F(RepairDbUtilTest, ClosedDatabaseIsNotAskedAgain)
+{
+    UpdateRepairDb("R");
+    RepairDbUtil repairs;
+    std::string date;
+    EXPECT_TRUE(repairs.QueryAgain("R", date));
+    RepairDbUtilPeer::Close(repairs);
+    date = "kept";
+    EXPECT_FALSE(repairs.QueryAgain("R", date));
+    EXPECT_EQ(date, "kept");
 }
 
 } // namespace

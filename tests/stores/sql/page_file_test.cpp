@@ -1,5 +1,7 @@
 #include "arborist/stores/sql/page_file.h"
 
+#include <filesystem>
+
 #include <gtest/gtest.h>
 
 #include "arborist/stores/sql/sql_cursor.h"
@@ -68,6 +70,40 @@ TEST_F(PageFileTest, PagesThatMayBeNewerElsewhereAreNotRead)
     PageFile::Page page;
     EXPECT_EQ(PageFile(mDatabase.GetHandle()).GetUsableSize(), 0U);
     EXPECT_FALSE(PageFile(mDatabase.GetHandle()).Read(1, page));
+}
+
+TEST_F(PageFileTest, HeaderThatTellsOddSizesOrOtherVersionsHasNoPages)
+{
+    EventLogBuilder::Run(mPath, "pragma page_size = 1024; create table t(a)");
+    const std::string sound = mDir.Read("a.db");
+    const auto sizeWith = [&](std::size_t place, char byte) {
+        std::string content = sound;
+        content[place] = byte;
+        mDir.Write("a.db", content);
+        EXPECT_TRUE(mDatabase.Open(mPath));
+        return PageFile(mDatabase.GetHandle()).GetUsableSize();
+    };
+    EXPECT_EQ(sizeWith(16, 4), 1024U);
+    EXPECT_EQ(sizeWith(16, 5), 0U) << "1280 is no power of two";
+    EXPECT_EQ(sizeWith(16, 1), 0U) << "256 is less than SQLite has";
+    EXPECT_EQ(sizeWith(18, 2), 0U) << "written with changes beside the file";
+    EXPECT_EQ(sizeWith(19, 2), 0U) << "read with them";
+}
+
+TEST_F(PageFileTest, PageThatWasCutOffMeanwhileIsNotRead)
+{
+    Open("pragma page_size = 1024; create table t(a)");
+    const PageFile file(mDatabase.GetHandle());
+    std::filesystem::resize_file(mPath, 1024);
+    PageFile::Page page;
+    EXPECT_TRUE(file.Read(1, page));
+    EXPECT_FALSE(file.Read(2, page));
+}
+
+TEST_F(PageFileTest, DatabaseInMemoryHasNoPages)
+{
+    ASSERT_TRUE(mDatabase.Open(":memory:"));
+    EXPECT_EQ(PageFile(mDatabase.GetHandle()).GetUsableSize(), 0U);
 }
 
 TEST_F(PageFileTest, WhatIsNoDatabaseHasNoPages)

@@ -84,6 +84,15 @@ TEST_F(SqlCursorTest, ResetGivesTheReadLockBack)
     EXPECT_TRUE(writer.ExecuteNoCallback("insert into t values (3)"));
 }
 
+TEST_F(SqlCursorTest, StatementThatCouldNotBePreparedKeepsItsErrorWhenItStartsAnew)
+{
+    SqlCursor cursor(mDatabase.GetHandle(), "select a from missing");
+    EXPECT_FALSE(cursor.IsReady());
+    cursor.Restart();
+    EXPECT_FALSE(cursor.Step());
+    EXPECT_EQ(cursor.GetError(), "no such table: missing");
+}
+
 TEST_F(SqlCursorTest, EndsWithTheDetectionThatItBelongsTo)
 {
     mDatabase.Restrict(SqlAccess::OWN_FILE);

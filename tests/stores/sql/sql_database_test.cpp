@@ -46,6 +46,44 @@ TEST_F(SqlDatabaseTest, FailedOpenSaysWhyAndKeepsItsConnectionUntilClose)
     EXPECT_TRUE(mDatabase.Open(mDir.Path("a.db")));
 }
 
+TEST_F(SqlDatabaseTest, TemporaryTablesMoveIntoMemoryOnlyWhereThereAreNone)
+{
+    EXPECT_FALSE(mDatabase.KeepTemporaryTablesInMemory()) << "closed";
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    SqlOperator statement(mDatabase.GetHandle());
+    ASSERT_TRUE(statement.ExecuteNoCallback("begin; create temp table t (a)"));
+    EXPECT_FALSE(mDatabase.KeepTemporaryTablesInMemory()) << "a transaction uses one";
+    ASSERT_TRUE(statement.ExecuteNoCallback("commit"));
+    EXPECT_TRUE(mDatabase.KeepTemporaryTablesInMemory());
+}
+
+TEST_F(SqlDatabaseTest, LimitsOfAFileAreNotReplaced)
+{
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    mDatabase.Restrict(SqlAccess::READ_ONLY);
+    mDatabase.Limit({.rows = 0});
+    SqlField field("a", TypeInteger);
+    SqlTable table(mDatabase.GetHandle(), "t", &field, 1);
+    EXPECT_TRUE(table.Query("select 7"));
+    EXPECT_EQ(table.GetRecordCount(), 1U);
+}
+
+TEST_F(SqlDatabaseTest, FileThatGrowsMayTellMore)
+{
+    const std::string path = mDir.Path("a.db");
+    EventLogBuilder::Run(path, "create table t (a)");
+    ASSERT_TRUE(mDatabase.Open(path));
+    mDatabase.Restrict(SqlAccess::READ_ONLY);
+    const Sqlite3Db& handle = mDatabase.GetHandle();
+    const std::uint64_t bytes = handle.limits->bytes;
+    EXPECT_TRUE(handle.AllowsBytes(bytes));
+    EXPECT_FALSE(handle.AllowsBytes(bytes + 1));
+    EventLogBuilder::Run(path, "insert into t values (zeroblob(100000))");
+    EXPECT_TRUE(handle.AllowsBytes(bytes + 1));
+    EventLogBuilder::Run(path, "insert into t values (zeroblob(100000))");
+    EXPECT_FALSE(handle.AllowsBytes(10 * bytes));
+}
+
 TEST_F(SqlDatabaseTest, FileThatIsNoDatabaseOpensWithTwoComplaints)
 {
     const std::string path = mDir.Write("text.db", std::string(1000, 'x'));

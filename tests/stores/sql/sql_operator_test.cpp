@@ -50,6 +50,29 @@ TEST_F(SqlOperatorTest, RowsComeAsTextByPosition)
     EXPECT_EQ(mOperator.GetTopRecordFirstValue()->AsInteger(), 7);
 }
 
+// With this setting SQLite tells of a row where there is none.
+TEST_F(SqlOperatorTest, ResultWithoutRowsKeepsNone)
+{
+    ASSERT_TRUE(mOperator.Execute("pragma empty_result_callbacks = 1; select 7, 'x' where 0"));
+    EXPECT_EQ(mOperator.GetCount(), 0U);
+}
+
+TEST_F(SqlOperatorTest, WithoutFieldsByNameNoRowIsKept)
+{
+    SqlOperator statement(mDatabase.GetHandle(), &mList, nullptr);
+    ASSERT_TRUE(statement.Execute("select 7, 'x'"));
+    EXPECT_EQ(statement.GetCount(), 0U);
+}
+
+TEST_F(SqlOperatorTest, FailureWithoutWordsIsNotLogged)
+{
+    ASSERT_TRUE(mOperator.ExecuteNoCallback(
+        "create table t (a); create trigger f before insert on t begin select raise(abort, ''); end"));
+    EXPECT_FALSE(mOperator.ExecuteNoCallback("insert into t values (1)"));
+    EXPECT_EQ(mOperator.GetErrorMessage(), "");
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
 TEST_F(SqlOperatorTest, NullAndEmptyTextAreTheSame)
 {
     ASSERT_TRUE(mOperator.Execute("select null, ''"));

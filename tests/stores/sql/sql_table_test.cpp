@@ -34,6 +34,15 @@ protected:
     SqlTable mTable{mDatabase.GetHandle(), "things", mFields.data(), mFields.size()};
 };
 
+// The name of a derived table comes from a rule set.
+TEST_F(SqlTableTest, NameThatLeavesTheQuestionWithoutARowIsNoTable)
+{
+    ASSERT_TRUE(mTable.Create());
+    SqlTable table(mDatabase.GetHandle(), "things' limit 0 --", mFields.data(), mFields.size());
+    EXPECT_FALSE(table.Exists());
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
 TEST_F(SqlTableTest, FieldsEndAtTheMarkAndAreNumbered)
 {
     EXPECT_EQ(mTable.GetFieldsString(), "_id, name, weight");

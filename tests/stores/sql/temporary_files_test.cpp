@@ -1,5 +1,9 @@
 #include "arborist/stores/sql/temporary_files.h"
 
+#include <cstdint>
+#include <string>
+#include <vector>
+
 #include <gmock/gmock.h>
 #include <sqlite3.h>
 
@@ -114,6 +118,60 @@ TEST_F(TemporaryFilesTest, OnlyOpenConnectionsAreKnownToTheProcess)
     mDatabase.Close();
     other.Close();
     EXPECT_EQ(VfsCount(), before);
+}
+
+// The default file system of SQLite is the host's to choose.
+TEST_F(TemporaryFilesTest, FileSystemOfTheFirstVersionIsEnough)
+{
+    sqlite3_vfs* const usual = sqlite3_vfs_find(nullptr);
+    sqlite3_vfs first = *usual;
+    first.iVersion = 1;
+    first.zName = "first";
+    sqlite3_vfs_register(&first, 1);
+    Open(SqlAccess::OWN_FILE, MEBIBYTE);
+    EXPECT_TRUE(Run("create table t (v)"));
+    EXPECT_FALSE(Run(SORT));
+    mDatabase.Close();
+    sqlite3_vfs_unregister(&first);
+    sqlite3_vfs_register(usual, 1);
+}
+
+TEST_F(TemporaryFilesTest, WithoutAnyFileSystemNothingIsOpened)
+{
+    std::vector<sqlite3_vfs*> known;
+    while (sqlite3_vfs* const next = sqlite3_vfs_find(nullptr)) {
+        known.push_back(next);
+        sqlite3_vfs_unregister(next);
+    }
+    const std::uint64_t most = 0;
+    EXPECT_EQ(TemporaryFiles(most).GetName(), nullptr);
+    EXPECT_FALSE(mDatabase.Open(mDir.Path("a.db")));
+    mDatabase.Close();
+    for (sqlite3_vfs* const vfs : known) {
+        sqlite3_vfs_register(vfs, vfs == known.front() ? 1 : 0);
+    }
+    EXPECT_THAT(mLog.Lines().back(), testing::HasSubstr("no such vfs"));
+    EXPECT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+}
+
+TEST_F(TemporaryFilesTest, BytesThatAreCutOffMayBeWrittenAgain)
+{
+    const std::uint64_t most = 1000;
+    const TemporaryFiles files(most);
+    sqlite3_vfs* const own = sqlite3_vfs_find(files.GetName());
+    ASSERT_NE(own, nullptr);
+    std::vector<std::uint64_t> memory(static_cast<std::size_t>(own->szOsFile) / sizeof(std::uint64_t) + 1);
+    auto* const file = reinterpret_cast<sqlite3_file*>(memory.data());
+    constexpr int FLAGS = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_EXCLUSIVE |
+        SQLITE_OPEN_DELETEONCLOSE | SQLITE_OPEN_TEMP_DB;
+    ASSERT_EQ(own->xOpen(own, nullptr, file, FLAGS, nullptr), SQLITE_OK);
+    const std::string bytes(1000, 'x');
+    EXPECT_EQ(file->pMethods->xWrite(file, bytes.data(), 1000, 0), SQLITE_OK);
+    EXPECT_EQ(file->pMethods->xWrite(file, bytes.data(), 1, 1000), SQLITE_FULL);
+    EXPECT_EQ(file->pMethods->xTruncate(file, 400), SQLITE_OK);
+    EXPECT_EQ(file->pMethods->xWrite(file, bytes.data(), 601, 400), SQLITE_FULL);
+    EXPECT_EQ(file->pMethods->xWrite(file, bytes.data(), 600, 400), SQLITE_OK);
+    EXPECT_EQ(file->pMethods->xClose(file), SQLITE_OK);
 }
 
 TEST_F(TemporaryFilesTest, CallsOfTheFileSystemReachTheOneBelow)
