@@ -159,6 +159,17 @@ TEST_F(LogSweepTest, TheMomentInForceIsRestored)
     EXPECT_EQ(settings.GetFaultTreeProperty(Settings::AS_OF, "?"), "");
 }
 
+TEST_F(LogSweepTest, TreesWithoutRulesAreJudgedOnce)
+{
+    mDir.Write("rules/FaultTreeRules.xml",
+        RuleXml("Tag").Rule(AlarmRuleXml("r", {AlarmIdXml("7", "7", {TimeXml("duration", "1", "2")})})).Text());
+    Log({{10 * DAY, 7, "", ""}});
+    ASSERT_TRUE(Sweep({DAY, 30 * DAY}));
+    EXPECT_THAT(mAnswers, ElementsAre(testing::StartsWith(std::to_string(DAY))));
+    EXPECT_THAT(mDecided, IsEmpty());
+    EXPECT_EQ(mPlan.moments, 0U);
+}
+
 TEST_F(LogSweepTest, AMissingLogIsNotJudgedAtAnyMoment)
 {
     ASSERT_TRUE(Sweep({DAY, 30 * DAY}));

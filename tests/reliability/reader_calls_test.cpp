@@ -61,8 +61,9 @@ TEST_F(FailingUtilityCall, ArchiveThatCannotBeWrittenIsNotReported)
     }
     mDir.Write("a", text);
     const ZipUtil::Handle archive = ZipUtil::CreateZipFile("a.zip");
-    const Failure failure(Call::WRITE, ENOSPC, 1, Failing::ALL_FROM_IT_ON);
+    const Failure failure(Call::WRITE, ENOSPC, 14, Failing::ALL_FROM_IT_ON); // the first dozen write the entry's header
     EXPECT_TRUE(ZipUtil::AddFileInZip(archive, "a", 0));
+    EXPECT_TRUE(ZipUtil::AddFileInZip(archive, "a", 0)) << "with its header, too";
     ZipUtil::CloseZipFile(archive);
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }

@@ -167,6 +167,17 @@ TEST_F(RootedPathTest, TargetStaysInTheRootWhenAFolderIsReplacedByALink)
 }
 #endif
 
+TEST_F(RootedPathTest, TargetOfARelativePathIsBelowTheWorkingDirectory)
+{
+    mDir.Write("root/a", "of the device");
+    mDir.Write("a", "here");
+    for (const char* const path : {"a", "../a", "no/../a"}) {
+        std::string text;
+        EXPECT_TRUE(FileUtil::LoadStringFromFile(RootedPath::Target("root", path).Path(), text)) << path;
+        EXPECT_EQ(text, "here") << path;
+    }
+}
+
 TEST_F(RootedPathTest, TargetWithoutARootIsThePathItself)
 {
     EXPECT_EQ(RootedPath::Target("", "/proc/../x").Path(), "/proc/../x");

@@ -195,7 +195,8 @@ TEST_F(EventLogSearchTest, BreakInTheEventsIsToldForEachIdAndLeavesTheRowsBefore
 TEST_F(EventLogSearchTest, IdsFarBehindTheFirstAreAskedToo)
 {
     EventLogBuilder builder = ManyRows(3000);
-    builder.Sql("update event_info set event_id = 2000000000 where _ID % 10 = 5");
+    builder.Sql("update event_info set event_id = 2000000000 where _ID % 10 = 5")
+        .Sql("update event_info set event_id = 5000000000 where _ID % 100 = 7");
     Open(builder);
     Damage(mDir.Read("log.db").size() / 2, PAGE);
     const std::string visited = Visit({-5, INT32_MAX, 0, false});
@@ -247,6 +248,34 @@ TEST_F(EventLogSearchTest, IndexedLogWithABadPageIsAskedIdById)
         EXPECT_EQ(Visit(FewLines({-5, INT32_MAX, 0, false})), AskEach(-5, 12) + AskEach(2000000000, 2000000001));
     }
     ExpectNothingSaidOfAll();
+}
+
+// Its rows can't be searched one behind the other, so that a bad page hides the ids behind it.
+TEST_F(EventLogSearchTest, LogWithoutRowNumbersAndWithABadPageIsAskedIdById)
+{
+    EventLogBuilder builder;
+    builder.Schema("CREATE TABLE event_version (_ID integer primary key, VERSION_NAME text);"
+        "CREATE TABLE event_info (_ID integer primary key, event_id integer, extra text, version_id integer) without rowid;"
+        "CREATE TABLE event_info_flow (_ID integer primary key, event_pid integer, occurrence_time integer);");
+    for (int row = 0; row < 3000; ++row) {
+        builder.Row({row, row / 100, "", std::string(60, ' ')});
+    }
+    builder.Sql("update event_info set event_id = 5000000000 where _ID % 100 = 7");
+    Open(builder);
+    const std::size_t pages = mDir.Read("log.db").size() / PAGE;
+    for (std::size_t page = 4; page < pages; page += 7) {
+        SCOPED_TRACE(page);
+        builder.WriteTo(mPath);
+        Damage(page * PAGE, PAGE);
+        const std::string each = AskEach(-5, 40);
+        EXPECT_EQ(Visit({-5, 40, 0, false}), each);
+        std::vector<std::int32_t> visited;
+        mSearch.Visit({20, 40, 0, false}, "1", [&visited](const EventRows& rows) {
+            visited.push_back(rows.GetEventId());
+            return true;
+        });
+        EXPECT_EQ(visited, each.find("20 ") == std::string::npos ? std::vector<std::int32_t>() : std::vector<std::int32_t>{20});
+    }
 }
 
 TEST_F(EventLogSearchTest, IdsBetweenBadPagesAreAskedTooHoweverFarBehindTheFirst)

@@ -210,6 +210,16 @@ TEST_F(EventRowsTest, DaysAreLocal)
     EXPECT_THAT(Days(), ElementsAre(31, 31)) << "in the zone in force when it is asked";
 }
 
+TEST_F(EventRowsTest, RowsOfTheVersionAreShownWithoutAnyQuestion)
+{
+    Open(EventLogBuilder().Rows({{10, 7, "1.0", ""}, {20, 7, "2.0", ""}, {30, 7, "1.0", ""}}));
+    std::vector<std::int64_t> times;
+    Show({}, [&times](const EventRows& rows) {
+        rows.ForEach([&times](const EventRows::Row& row) { times.push_back(row.GetTime()); });
+    });
+    EXPECT_THAT(times, ElementsAre(10, 30));
+}
+
 TEST_F(EventRowsTest, DaysAreCounted)
 {
     Open(EventLogBuilder().Rows({{1704065400, 7, "1.0", ""}, {1703980800, 7, "1.0", ""}, {1703980801, 7, "2.0", ""}}));

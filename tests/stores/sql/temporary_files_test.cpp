@@ -174,6 +174,29 @@ TEST_F(TemporaryFilesTest, BytesThatAreCutOffMayBeWrittenAgain)
     EXPECT_EQ(file->pMethods->xClose(file), SQLITE_OK);
 }
 
+TEST_F(TemporaryFilesTest, FileThatIsNotOpenedBelowIsNotOpen)
+{
+    sqlite3_vfs* const usual = sqlite3_vfs_find(nullptr);
+    sqlite3_vfs none = *usual;
+    none.zName = "none";
+    none.xOpen = [](sqlite3_vfs*, const char*, sqlite3_file* file, int, int*) {
+        file->pMethods = nullptr;
+        return SQLITE_CANTOPEN;
+    };
+    sqlite3_vfs_register(&none, 1);
+    {
+        const std::uint64_t most = 1000;
+        const TemporaryFiles files(most);
+        sqlite3_vfs* const own = sqlite3_vfs_find(files.GetName());
+        std::vector<std::uint64_t> memory(static_cast<std::size_t>(own->szOsFile) / sizeof(std::uint64_t) + 1, 1);
+        auto* const file = reinterpret_cast<sqlite3_file*>(memory.data());
+        EXPECT_EQ(own->xOpen(own, nullptr, file, SQLITE_OPEN_TEMP_DB, nullptr), SQLITE_CANTOPEN);
+        EXPECT_EQ(file->pMethods, nullptr) << "so that SQLite doesn't close it";
+    }
+    sqlite3_vfs_unregister(&none);
+    sqlite3_vfs_register(usual, 1);
+}
+
 TEST_F(TemporaryFilesTest, CallsOfTheFileSystemReachTheOneBelow)
 {
     const std::uint64_t most = 0;
