@@ -8,7 +8,6 @@
 #include "arborist/evaluation/rule_helper.h"
 #include "arborist/frame/log.h"
 #include "arborist/model/event.h"
-#include "arborist/utilities/string_util.h"
 
 using Evidence::Reason;
 
@@ -84,7 +83,7 @@ EventDecider::Entry EventDecider::DoSingleRuleCheck(const std::string& name, con
 EventDecider::Entry EventDecider::DoMultiRulesCheck(const std::string& names, const std::string& eventId,
     const Entry& entry, Evidence::Alternative* alternative)
 {
-    const auto parts = StringUtil::Split(names, RuleHelper::TYPE_COMMA);
+    const auto parts = RuleNamesIn(names);
     std::size_t place = 0;
     bool result = true;
     for (; place < parts.size() && result; ++place) {

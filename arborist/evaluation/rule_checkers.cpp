@@ -88,7 +88,7 @@ void RuleCheckers::ForeseeAlarmRules()
     if (mFaultTreeParser == nullptr) {
         return;
     }
-    for (const auto& [name, rule] : mFaultTreeParser->GetRuleMap()) {
+    for (const auto& rule : mFaultTreeParser->GetNamedRules()) {
         if (const auto* const alarmRule = dynamic_cast<const AlarmRule*>(rule.get())) {
             mAlarmRuleEngine->Foresee(*alarmRule);
         }

@@ -8,20 +8,6 @@
 #include "arborist/loading/fault_tree_parser.h"
 #include "arborist/stores/repairs/reset_time_parser.h"
 
-namespace {
-
-std::string JoinNames(const std::vector<std::string>& names)
-{
-    std::string joined;
-    for (const auto& name : names) {
-        joined += &name == &names.front() ? RuleHelper::EMPTY_STRING : RuleHelper::TYPE_COMMA;
-        joined += name;
-    }
-    return joined;
-}
-
-} // namespace
-
 RuleHelper::RuleHelper(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<FaultTreeParser> faultTreeParser)
     : mDetectInfo(std::move(detectInfo)),
       mResetTimeParser(std::make_shared<ResetTimeParser>(mDetectInfo == nullptr ? "" : mDetectInfo->mLogLocation)),
@@ -75,7 +61,7 @@ std::vector<std::string> RuleHelper::GetRuleNamesByRuleList(const OrRuleList& ru
     names.reserve(rules.size());
     for (const auto& rule : rules) {
         if (rule != nullptr) {
-            names.push_back(rule->type == SINGLE_RULE ? rule->ruleName : JoinNames(rule->ruleNameList));
+            names.push_back(NameOf(*rule));
         }
     }
     return names;

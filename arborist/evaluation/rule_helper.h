@@ -67,7 +67,7 @@ public:
     static std::shared_ptr<OrRuleSingle> GetRuleByName(const std::string& name, const OrRuleList& rules);
     /// Returns `rule`; if it is null, logs the error of GetRuleByName.
     static std::shared_ptr<OrRuleSingle> OrLogMissing(std::shared_ptr<OrRuleSingle> rule);
-    /// The name of each alternative, in order: for a single rule its own, otherwise the listed names joined by commas.
+    /// The name of each alternative, in order.
     static std::vector<std::string> GetRuleNamesByRuleList(const OrRuleList& rules);
 
     /// The item's window of this kind; null if the item is null or has none.

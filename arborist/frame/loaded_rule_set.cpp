@@ -35,6 +35,8 @@ LoadedRuleSet::LoadedRuleSet(const DetectInfo& detectInfo) : mContent(std::make_
     mContent->parser = std::make_shared<FaultTreeParser>(PlaceOf(detectInfo));
     mContent->parser->StartParse();
     mContent->parser->ForgetDocument();
+    // Not by the first detection: a process that forks shares them, and engines of several threads ask queries.
+    mContent->parser->BuildIndexes();
 }
 
 LoadedRuleSet::~LoadedRuleSet() = default;

@@ -13,6 +13,7 @@
 #include "arborist/loading/common_part_parser.h"
 #include "arborist/loading/description_parser.h"
 #include "arborist/loading/event_rule_parser.h"
+#include "arborist/loading/named_rules.h"
 #include "arborist/loading/rule_parser.h"
 #include "arborist/loading/tree_parser.h"
 #include "arborist/loading/xml_file.h"
@@ -109,6 +110,7 @@ void FaultTreeParser::StartParse()
     if (mDetectInfo == nullptr) {
         return;
     }
+    mNamedRules.reset();
     RunOnThread([this] { ParseTreeXml(); });
     if (mXmlHelper == nullptr) {
         FT::Log::GetInstance().Output(
@@ -133,6 +135,16 @@ void FaultTreeParser::StartParse()
 void FaultTreeParser::ForgetDocument()
 {
     mXmlHelper->Forget();
+}
+
+void FaultTreeParser::BuildIndexes() const
+{
+    const std::string any = "any"; // each look-up builds its index, whatever it finds
+    GetNamedRules();
+    GetCodeRuleNameById(any);
+    GetFaultDescListById(any);
+    GetSuggestionListById(any);
+    GetRepairInfoById(any);
 }
 
 void FaultTreeParser::ParseTreeXml()
@@ -229,6 +241,14 @@ void FaultTreeParser::StartRuleParse()
     mRuleMap = parser.TakeRuleMap();
     mCodeRuleList = parser.TakeCodeRuleList();
     mCodeRuleNames = parser.TakeCodeRuleNames();
+}
+
+const FaultTreeParser::RuleList& FaultTreeParser::GetNamedRules() const
+{
+    if (!mNamedRules) {
+        mNamedRules = FindNamedRules(*this);
+    }
+    return *mNamedRules;
 }
 
 const std::shared_ptr<Rule>& FaultTreeParser::GetRuleByRuleName(const std::string& ruleName) const

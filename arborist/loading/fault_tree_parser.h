@@ -30,6 +30,7 @@ class FaultTreeParser {
 public:
     using FaultTreeList = std::vector<std::shared_ptr<FaultTree>>;
     using RuleMap = std::map<std::string, std::shared_ptr<Rule>>;
+    using RuleList = std::vector<std::shared_ptr<Rule>>;
     using CodeRuleList = std::vector<std::shared_ptr<CodeRule>>;
     using EventRuleMap = std::map<std::string, std::shared_ptr<EventRule>>;
     using FaultItemList = std::vector<std::shared_ptr<FaultItem>>;
@@ -50,6 +51,9 @@ public:
     void StartParse();
     /// Frees the XML of the rule file, which takes many times the memory of what was read of it.
     void ForgetDocument();
+    /// Builds the indexes of all look-ups now. Until the next StartParse look-ups then write nothing, and any number of
+    /// threads may look up at a time.
+    void BuildIndexes() const;
     /// True once a StartParse has found a rule file, even a malformed one; false as long as the file was missing each
     /// time.
     bool IsParseDone() const { return mIsParseDone; }
@@ -66,6 +70,8 @@ public:
     /// Version of the tree file; "-1" if the file names none, empty before the first file was read.
     std::string GetTreeFileVersion() const { return mTreeFileVersion; }
     const RuleMap& GetRuleMap() const { return mRuleMap; }
+    /// The rules that a detection may ask: see FindNamedRules.
+    const RuleList& GetNamedRules() const;
     /// All code rules in file order, including those that a later rule of the same name replaced in the rule map.
     const CodeRuleList& GetCodeRuleList() const { return mCodeRuleList; }
     const EventRuleMap& GetEventRuleMap() const { return mEventRuleMap; }
@@ -133,7 +139,8 @@ private:
         Evidence::RuleSetFileType::TREES, Evidence::RuleSetFileState::MISSING, {}, {}, 0, 0};
     Evidence::RuleSetFile mRuleFileReport{
         Evidence::RuleSetFileType::RULES, Evidence::RuleSetFileState::MISSING, {}, {}, 0, 0};
-    // Built by the first look-up after a parse: a detection without a fault needs none of them.
+    // Built by the first look-up after a parse: a detection without alarm rules and without a fault needs none of them.
+    mutable std::optional<RuleList> mNamedRules;
     mutable std::optional<CodeRuleIndex> mCodeRuleByDetectCode;
     mutable std::optional<FaultItemIndex> mFaultDescById;
     mutable std::optional<FaultItemIndex> mSuggestionById;

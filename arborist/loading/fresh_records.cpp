@@ -1,11 +1,9 @@
 #include "arborist/loading/fresh_records.h"
 
 #include <memory>
-#include <vector>
 
 #include "arborist/loading/fault_tree_parser.h"
-#include "arborist/model/event.h"
-#include "arborist/model/gate.h"
+#include "arborist/loading/tree_walk.h"
 
 namespace {
 
@@ -124,22 +122,6 @@ void Refresh(Event& event)
     }
 }
 
-void Refresh(const FaultTree& tree)
-{
-    std::vector<Event*> open{tree.GetIntermediateEvent().get()};
-    while (!open.empty()) {
-        Event& event = *open.back();
-        open.pop_back();
-        Refresh(event);
-        const IntermediateEvent* const above = event.AsIntermediate();
-        if (above != nullptr && above->GetGate() != nullptr) {
-            for (const auto& below : above->GetGate()->GetEvents()) {
-                open.push_back(below.get());
-            }
-        }
-    }
-}
-
 void Refresh(const CommonPart::CombineCommonPart& part)
 {
     for (const auto& bean : part.GetThresholdLumbraList()) {
@@ -155,12 +137,14 @@ void Refresh(const CommonPart::CombineCommonPart& part)
 void MakeRecordsFresh(const FaultTreeParser& parser)
 {
     for (const auto& tree : parser.GetFaultTrees()) {
-        Refresh(*tree);
+        ForEachEvent(*tree, [&](Event& event) {
+            Refresh(event);
+            if (const auto& entry = parser.GetEventRuleByEventId(event.GetId())) {
+                Refresh(*entry);
+            }
+        });
     }
-    for (const auto& [name, rule] : parser.GetRuleMap()) {
-        Refresh(*rule);
-    }
-    for (const auto& [id, rule] : parser.GetEventRuleMap()) {
+    for (const auto& rule : parser.GetNamedRules()) {
         Refresh(*rule);
     }
     if (const auto part = parser.GetCommonPart()) {

@@ -43,6 +43,7 @@ protected:
             .Rule(CommandRuleXml("command").Child(Xml("queryReturnParam").Child(params)).Child(AnalysisMethodXml("",
                 {Xml("sql").Text("select 1"), TimeXml("duration", "3", "0"), tests})))
             .Rule(NodeRuleXml("node", {NodeInfoXml("p", "/x"), params, tests}))
+            .Rule(NodeRuleXml("unnamed", {NodeInfoXml("p", "/x"), params, tests}))
             .Rule(CodeRuleXml("code", "C1"))
             .EventRule("A", {Single("alarm"), Multiple({"node", "command"})})
             .Text());
@@ -132,6 +133,14 @@ TEST_F(FreshRecords, AreThoseOfASecondReading)
     FaultTreeParser again(DetectInfoFor(mDir, "jank"));
     again.StartParse();
     EXPECT_EQ(DumpOf(mParser), DumpOf(again));
+}
+
+TEST_F(FreshRecords, RulesThatNoEventNamesAreNotLookedAt)
+{
+    Set(RuleOf<NodeRule>("unnamed").GetParamMap());
+    const auto written = DumpOf(mParser);
+    MakeRecordsFresh(mParser);
+    EXPECT_EQ(DumpOf(mParser), written);
 }
 
 TEST_F(FreshRecords, NoFileLeavesNothingToDo)

@@ -1,8 +1,10 @@
 #include "arborist/model/event_rule.h"
 
 #include <memory>
+#include <string>
+#include <vector>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace {
 
@@ -43,6 +45,22 @@ TEST(EventRuleTest, OnceTrueStaysTrue)
     ASSERT_TRUE(rule.CheckResult());
     rule.GetRuleList().front()->result = false;
     EXPECT_TRUE(rule.CheckResult());
+}
+
+TEST(EventRuleTest, NameOfAnAlternativeIsThatOfItsRuleOrItsListJoined)
+{
+    EXPECT_EQ(NameOf({"singleRule", "a,b", false, {"c"}}), "a,b");
+    EXPECT_EQ(NameOf({"multipleRule", "a", false, {"b", "", "c"}}), "b,,c");
+    EXPECT_EQ(NameOf({"other", "a", false, {}}), "");
+}
+
+TEST(EventRuleTest, NameWithoutACommaAsksTheRuleOfThatNameAndOneWithCommasThoseBetween)
+{
+    using testing::ElementsAre;
+    EXPECT_THAT(RuleNamesIn("a b"), ElementsAre("a b"));
+    EXPECT_THAT(RuleNamesIn(""), ElementsAre(""));
+    EXPECT_THAT(RuleNamesIn("b,,c,"), ElementsAre("b", "c"));
+    EXPECT_THAT(RuleNamesIn(","), testing::IsEmpty());
 }
 
 TEST(EventRuleTest, TheIdIsReadThroughTheOverloadWithoutArgument)
