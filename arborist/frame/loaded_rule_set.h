@@ -15,8 +15,10 @@ struct DetectInfo;
 /// the set was read. Later changes of the files have no effect. A process that forks shares the set with its children,
 /// each of which has a set of its own from then on.
 ///
-/// One thread at a time uses a set, with all engines that were made with it. A detection that starts while another is
-/// using the set, on another thread or from within a host's callback, returns an empty answer and logs a warning.
+/// Any number of threads may make engines with a set and destroy them, and ask queries, each of its own engine. Detections
+/// take turns: one that starts while another is using the set, on another thread or from within a host's callback, returns
+/// an empty answer and logs a warning. A host whose threads share a set therefore lets them start one detection after the
+/// other, by a lock of its own, or gives each thread a set.
 class ARBORIST_EXPORT LoadedRuleSet {
 public:
     /// Reads the rule set that `mRuleFileDir`, `mRuleFilePrefix` and `mTreeTag` name; uses nothing else of the input, and

@@ -1,11 +1,13 @@
 // Engines are independent: each belongs to one thread, and several threads may have one each.
 #include <atomic>
 #include <cstdio>
+#include <mutex>
 #include <thread>
 
 #include <gmock/gmock.h>
 
 #include "arborist/frame/arborist.h"
+#include "arborist/frame/loaded_rule_set.h"
 #include "arborist/frame/log.h"
 #include "arborist/frame/repair.h"
 #include "arborist/frame/settings.h"
@@ -40,8 +42,16 @@ private:
     std::shared_ptr<std::atomic<int>> mLines;
 };
 
+// Orders no threads, so that the thread sanitizer sees what the library alone orders.
+class SilentLogger : public FT::ILogger {
+public:
+    void Print(unsigned int, const std::string&, va_list) override {}
+};
+
 class TwoEngines : public testing::Test {
 protected:
+    using Causes = std::vector<std::string>;
+
     TwoEngines()
     {
         mSettings.Set(Settings::PROGRAM_DATA_DIR, mDir.Path("data"));
@@ -82,23 +92,50 @@ protected:
             .Text());
     }
 
-    // The root causes of each round, and the answer of one query.
-    std::vector<std::string> Run(const std::string& tag) const
+    std::shared_ptr<DetectInfo> InfoOf(const std::string& tag) const
     {
-        const auto info = DetectInfoFor(mDir, tag);
+        auto info = DetectInfoFor(mDir, tag);
         info->mRuleFileDir = mDir.Path(tag);
         const auto runner = std::make_shared<CodeRunnerStub>();
         runner->answer = true;
         info->mCodeRuleRunner = runner;
-        std::vector<std::string> answers;
+        return info;
+    }
+
+    static Causes CausesOf(Arborist& arborist)
+    {
+        Causes causes;
+        for (const auto& result : arborist.StartDetection()) {
+            for (const auto& cause : result->mRootCauseResults) {
+                causes.push_back(cause->mNode->mId);
+            }
+        }
+        return causes;
+    }
+
+    // The root causes of each round, and the answer of one query.
+    Causes Run(const std::string& tag) const
+    {
+        const auto info = InfoOf(tag);
+        Causes answers;
         for (int round = 0; round < ROUNDS; ++round) {
             Arborist arborist(info);
             answers.push_back(arborist.GetCodeRuleFaultDescId("C"));
-            for (const auto& result : arborist.StartDetection()) {
-                for (const auto& cause : result->mRootCauseResults) {
-                    answers.push_back(cause->mNode->mId);
-                }
-            }
+            const Causes causes = CausesOf(arborist);
+            answers.insert(answers.end(), causes.begin(), causes.end());
+        }
+        return answers;
+    }
+
+    // The root causes of each round, every engine made with this set.
+    std::vector<Causes> RunWith(const std::shared_ptr<LoadedRuleSet>& ruleSet, std::mutex* turns) const
+    {
+        const auto info = InfoOf("one");
+        std::vector<Causes> answers;
+        for (int round = 0; round < ROUNDS; ++round) {
+            Arborist arborist(info, ruleSet);
+            const auto turn = turns == nullptr ? std::unique_lock<std::mutex>() : std::unique_lock(*turns);
+            answers.push_back(CausesOf(arborist));
         }
         return answers;
     }
@@ -112,13 +149,13 @@ TEST_F(TwoEngines, OfTwoThreadsAnswerAsEachAlone)
 {
     WriteRules("one");
     WriteRules("two");
-    const std::vector<std::string> oneAlone = Run("one");
-    const std::vector<std::string> twoAlone = Run("two");
-    ASSERT_THAT(std::vector<std::string>(oneAlone.begin(), oneAlone.begin() + 5),
+    const Causes oneAlone = Run("one");
+    const Causes twoAlone = Run("two");
+    ASSERT_THAT(Causes(oneAlone.begin(), oneAlone.begin() + 5),
         testing::ElementsAre("described", "one-alarm", "one-peak", "one-node", "one-code"));
     const int linesAlone = *mLines;
-    std::vector<std::string> one;
-    std::vector<std::string> two;
+    Causes one;
+    Causes two;
     std::thread first([&] { one = Run("one"); });
     std::thread second([&] { two = Run("two"); });
     std::thread repairs([&] {
@@ -132,6 +169,63 @@ TEST_F(TwoEngines, OfTwoThreadsAnswerAsEachAlone)
     EXPECT_EQ(one, oneAlone);
     EXPECT_EQ(two, twoAlone);
     EXPECT_GE(*mLines, 2 * linesAlone); // recording repairs logs lines of its own
+}
+
+TEST_F(TwoEngines, OfTwoThreadsTakeTurnsWithOneLoadedRuleSet)
+{
+    WriteRules("one");
+    const auto ruleSet = std::make_shared<LoadedRuleSet>(*InfoOf("one"));
+    const std::vector<Causes> all(ROUNDS, {"one-alarm", "one-peak", "one-node", "one-code"});
+    std::mutex turns;
+    std::vector<Causes> first;
+    std::thread other([&] { first = RunWith(ruleSet, &turns); });
+    const std::vector<Causes> second = RunWith(ruleSet, &turns);
+    other.join();
+    EXPECT_EQ(first, all);
+    EXPECT_EQ(second, all);
+}
+
+TEST_F(TwoEngines, OfTwoThreadsThatMeetAtOneLoadedRuleSetAnswerWholeOrAreRefused)
+{
+    WriteRules("one");
+    const auto ruleSet = std::make_shared<LoadedRuleSet>(*InfoOf("one"));
+    const auto isWholeOrRefused =
+        testing::AnyOf(testing::ElementsAre("one-alarm", "one-peak", "one-node", "one-code"), testing::IsEmpty());
+    std::vector<Causes> first;
+    std::thread other([&] { first = RunWith(ruleSet, nullptr); });
+    const std::vector<Causes> second = RunWith(ruleSet, nullptr);
+    other.join();
+    EXPECT_THAT(first, testing::Each(isWholeOrRefused));
+    EXPECT_THAT(second, testing::Each(isWholeOrRefused));
+}
+
+TEST_F(TwoEngines, OfOneLoadedRuleSetAnswerQueriesDuringADetection)
+{
+    WriteRules("one");
+    FT::Log::GetInstance().SetUserLogger(std::make_unique<SilentLogger>());
+    for (int set = 0; set < 20; ++set) { // what the first use of a set alone would do is seldom done by two at once
+        const auto ruleSet = std::make_shared<LoadedRuleSet>(*InfoOf("one"));
+        std::atomic<int> ready = 0;
+        const auto meet = [&ready] { // without an order for the sanitizer to go by
+            ready.fetch_add(1, std::memory_order_relaxed);
+            while (ready.load(std::memory_order_relaxed) < 3) {
+                std::this_thread::yield();
+            }
+        };
+        const auto ask = [&] {
+            Arborist arborist(InfoOf("one"), ruleSet);
+            meet();
+            EXPECT_EQ(arborist.GetCodeRuleFaultDescId("C"), "described");
+            EXPECT_TRUE(arborist.IsRunRule("C"));
+        };
+        std::thread first(ask);
+        std::thread second(ask);
+        Arborist arborist(InfoOf("one"), ruleSet);
+        meet();
+        EXPECT_EQ(CausesOf(arborist), Causes({"one-alarm", "one-peak", "one-node", "one-code"}));
+        first.join();
+        second.join();
+    }
 }
 
 } // namespace
