@@ -52,7 +52,7 @@ void LoadRules(const BundleSession& session, BundleLook look, BundleContents& co
     contents.ruleFiles = recorder->GetRuleSet().files;
     if (look == BundleLook::FOR_MISTAKES) {
         WarningList mistakes = recorder->GetWarnings().List();
-        AddRuleSetWarnings(session.GetBundle(), contents.ruleSetFailure, nullptr, mistakes);
+        AddRuleSetWarnings(session.GetBundle(), contents.ruleSetFailure, mistakes);
         contents.ruleSetWarnings = mistakes.Told();
     }
 }

@@ -99,14 +99,18 @@ std::vector<RepairRecord> RepairsOnRecord(const BundleSession& session)
     return records;
 }
 
-// What lint finds in the bundle's rule set; held rule sets are not read for it.
-std::shared_ptr<const RuleSetWarnings> CheckOf(const Bundle& bundle, RuleSetMemory* known)
+// Whether the failure says itself what is wrong with the files of the rule set.
+bool IsOfTheFiles(const std::optional<Failure>& failure)
 {
-    if (known == nullptr) {
-        return CheckRuleSet(RulePaths(bundle), bundle.treeTag);
-    }
-    const HeldRuleSet* const held = known->FindHeld(bundle.ruleFileDir, bundle.ruleFilePrefix, bundle.treeTag);
-    return held != nullptr ? held->warnings : known->Check(RulePaths(bundle), bundle.treeTag);
+    static constexpr FailureCode CODES[] = {
+        FailureCode::RULE_FILE_MISSING, FailureCode::RULE_FILE_MALFORMED, FailureCode::NO_TREE};
+    return failure && std::find(std::begin(CODES), std::end(CODES), failure->code) != std::end(CODES);
+}
+
+void AddMistakes(const RuleSetWarnings& found, const Bundle& bundle, WarningList& warnings)
+{
+    found.AddTo(warnings);
+    found.AddEmptyAttributes(bundle.device, warnings);
 }
 
 /// One detection with its observers.
@@ -160,7 +164,7 @@ private:
         return options.withExplanation ? Detail::EVIDENCE : options.withTrees ? Detail::EVENTS : Detail::VERDICT;
     }
 
-    // Rule sets that are not held are read for it, and loaded if the memory keeps them.
+    // A rule set that is not held is read for it, and loaded if the memory keeps loaded ones.
     void TakeDigest(DetectionReport& report)
     {
         if (!mOptions.isForLine) {
@@ -170,17 +174,39 @@ private:
             report.ruleSet = mHeld->digest;
             return;
         }
-        const auto contents = rule_source::ReadRuleSetContents(RulePaths(mSession.GetBundle()));
-        if (mOptions.ruleSets == nullptr) {
-            report.ruleSet = DigestOf(contents);
-            return;
+        mFiles = Read();
+        report.ruleSet = mFiles->GetDigest();
+        if (mOptions.ruleSets != nullptr) {
+            mLoaded = mOptions.ruleSets->KeptOrLoad(*mInfo, RulePaths(mSession.GetBundle()), *mFiles);
         }
-        report.ruleSet = mOptions.ruleSets->Digest(contents);
-        mLoaded = mOptions.ruleSets->KeptOrLoad(*mInfo, contents);
+    }
+
+    RuleSetReading Read() const
+    {
+        const rule_source::RuleSetPaths paths = RulePaths(mSession.GetBundle());
+        if (mOptions.ruleSets != nullptr) {
+            return mOptions.ruleSets->Read(paths);
+        }
+        auto contents = rule_source::ReadRuleSetContents(paths);
+        std::string digest = mOptions.isForLine ? rule_source::DigestOfTexts(contents) : "";
+        return {std::move(contents), std::move(digest)};
+    }
+
+    // What lint finds in the rule set, of which nothing is read again.
+    std::shared_ptr<const RuleSetWarnings> Check()
+    {
+        if (mHeld != nullptr) {
+            return mHeld->warnings;
+        }
+        RuleSetReading files = mFiles ? std::move(*mFiles) : Read();
+        const Bundle& bundle = mSession.GetBundle();
+        return mOptions.ruleSets == nullptr
+            ? CheckRuleSet(std::move(files.contents), bundle.treeTag)
+            : mOptions.ruleSets->Check(RulePaths(bundle), bundle.treeTag, std::move(files));
     }
 
     // A failed detection has no results, so warnings about the reliability of results are left out.
-    void TakeWarnings(DetectionReport& report) const
+    void TakeWarnings(DetectionReport& report)
     {
         WarningList all;
         all.Add(report.warnings);
@@ -190,8 +216,8 @@ private:
         if (!report.failure && mAnswers != nullptr) {
             all.Add(mAnswers->GetWarnings());
         }
-        if (mOptions.checksRuleSet) {
-            AddRuleSetWarnings(mSession.GetBundle(), report.failure, mOptions.ruleSets.get(), all);
+        if (mOptions.checksRuleSet && !IsOfTheFiles(report.failure)) {
+            AddMistakes(*Check(), mSession.GetBundle(), all);
         }
         report.warnings = all.Told();
     }
@@ -204,6 +230,8 @@ private:
     // What earlier detections left of the rule set; null for none.
     const HeldRuleSet* mHeld;
     std::shared_ptr<LoadedRuleSet> mLoaded;
+    // The files of a rule set that is not held, once they are read.
+    std::optional<RuleSetReading> mFiles;
 };
 
 class Stopwatch {
@@ -261,17 +289,11 @@ bool DetectionReport::HasUnusableRule() const
     });
 }
 
-void AddRuleSetWarnings(const Bundle& bundle, const std::optional<Failure>& failure, RuleSetMemory* known,
-    WarningList& warnings)
+void AddRuleSetWarnings(const Bundle& bundle, const std::optional<Failure>& failure, WarningList& warnings)
 {
-    static constexpr FailureCode OF_THE_FILES[] = {
-        FailureCode::RULE_FILE_MISSING, FailureCode::RULE_FILE_MALFORMED, FailureCode::NO_TREE};
-    if (failure && std::find(std::begin(OF_THE_FILES), std::end(OF_THE_FILES), failure->code) != std::end(OF_THE_FILES)) {
-        return;
+    if (!IsOfTheFiles(failure)) {
+        AddMistakes(*CheckRuleSet(rule_source::ReadRuleSetContents(RulePaths(bundle)), bundle.treeTag), bundle, warnings);
     }
-    const auto found = CheckOf(bundle, known);
-    found->AddTo(warnings);
-    found->AddEmptyAttributes(bundle.device, warnings);
 }
 
 std::optional<Failure> RuleSetFailure(const Evidence::RuleSet& ruleSet, const Bundle& bundle)

@@ -53,7 +53,7 @@ struct DetectionReport {
     /// bundle is entered.
     Bundle subject;
     std::string moment;
-    /// DigestOf the rule set, if requested and if it can be read.
+    /// RuleSetReading::GetDigest, if requested.
     std::string ruleSet = {};
     /// The repairs on record at that moment, if requested; none of a bundle that could not be run.
     std::vector<RepairRecord> repaired = {};
@@ -74,10 +74,9 @@ DetectionReport RunDetection(const BundlePath& bundle, const DetectionOptions& o
 std::vector<DetectionReport> RunDetections(
     const BundlePath& bundle, const DetectionOptions& options, const std::vector<std::string>& rules);
 
-/// Adds the mistakes of the bundle's rule set, unless it failed so that the failure says what is wrong with it. Call it
-/// while the bundle is entered. `known` may be null.
-void AddRuleSetWarnings(const Bundle& bundle, const std::optional<Failure>& failure, RuleSetMemory* known,
-    WarningList& warnings);
+/// Reads the bundle's rule set and adds its mistakes, unless the bundle failed so that the failure says what is wrong with
+/// the files. Call it while the bundle is entered.
+void AddRuleSetWarnings(const Bundle& bundle, const std::optional<Failure>& failure, WarningList& warnings);
 
 /// The failure if the loaded rule set can't be used: a file is missing or malformed, or the tag has no tree.
 std::optional<Failure> RuleSetFailure(const Evidence::RuleSet& ruleSet, const Bundle& bundle);

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "arborist/frame/rule_set_summary.h"
-#include "diagnosis/digest/digest.h"
 
 namespace diagnosis {
 
@@ -35,34 +34,36 @@ std::vector<std::string> PrefixesIn(const std::string& folder)
     return prefixes;
 }
 
-std::shared_ptr<const RuleSetWarnings> WarningsOf(rule_source::RuleSetContents contents, const std::string& tag)
+} // namespace
+
+std::shared_ptr<const RuleSetWarnings> CheckRuleSet(rule_source::RuleSetContents contents, const std::string& tag)
 {
     return std::make_shared<RuleSetWarnings>(rule_source::ParseRuleSetFiles(std::move(contents)), tag);
 }
 
-} // namespace
-
-std::shared_ptr<const RuleSetWarnings> CheckRuleSet(const RuleSetPaths& paths, const std::string& tag)
+std::string RuleSetReading::GetDigest() const
 {
-    return WarningsOf(rule_source::ReadRuleSetContents(paths), tag);
+    return rule_source::AreRead(contents) ? "sha256:" + digestOfTexts : "";
 }
 
-std::shared_ptr<const RuleSetWarnings> RuleSetMemory::Check(const RuleSetPaths& paths, const std::string& tag)
+RuleSetReading RuleSetMemory::Read(const RuleSetPaths& paths)
 {
     auto contents = rule_source::ReadRuleSetContents(paths);
-    const Key key(paths.treeFile, paths.ruleFile, tag, DigestOfTexts(contents));
+    const std::string& digest = DigestOfTexts(contents);
+    return {std::move(contents), digest};
+}
+
+std::shared_ptr<const RuleSetWarnings> RuleSetMemory::Check(
+    const RuleSetPaths& paths, const std::string& tag, RuleSetReading files)
+{
+    const Key key(paths.treeFile, paths.ruleFile, tag, files.digestOfTexts);
     if (const auto known = mKnown.find(key); known != mKnown.end()) {
         return known->second;
     }
     if (mKnown.size() == LARGEST_NUMBER) {
         mKnown.clear();
     }
-    return mKnown[key] = WarningsOf(std::move(contents), tag);
-}
-
-std::string RuleSetMemory::Digest(const rule_source::RuleSetContents& contents)
-{
-    return rule_source::AreRead(contents) ? rule_source::DIGEST_KIND + DigestOfTexts(contents) : "";
+    return mKnown[key] = CheckRuleSet(std::move(files.contents), tag);
 }
 
 // A file that can't be read is like an empty one.
@@ -76,22 +77,20 @@ const std::string& RuleSetMemory::DigestOfTexts(const rule_source::RuleSetConten
         return known->digest;
     }
     ++mComputed;
-    MakeRoomFor(trees.size() + rules.size());
-    return mTexts.emplace_back(Texts{trees, rules, Sha256HexOf({trees, rules})}).digest;
+    MakeRoom(mTexts, trees.size() + rules.size(), ROOM_FOR_TEXTS);
+    return mTexts.emplace_back(Texts{trees, rules, rule_source::DigestOfTexts(contents)}).digest;
 }
 
-// The texts that come next are kept whatever their size: until others take their place.
-void RuleSetMemory::MakeRoomFor(std::size_t bytes)
+// What comes next, of so many bytes, is kept whatever its size: until others take its place.
+template <typename Entry>
+void RuleSetMemory::MakeRoom(std::deque<Entry>& entries, std::size_t bytes, const Room& room)
 {
-    const auto isFull = [&] {
-        std::size_t kept = bytes;
-        for (const Texts& texts : mTexts) {
-            kept += texts.Bytes();
-        }
-        return mTexts.size() >= MOST_TEXTS || kept > MOST_BYTES;
-    };
-    while (!mTexts.empty() && isFull()) {
-        mTexts.pop_front();
+    for (const Entry& entry : entries) {
+        bytes += entry.Bytes();
+    }
+    while (!entries.empty() && (entries.size() >= room.entries || bytes > room.bytes)) {
+        bytes -= entries.front().Bytes();
+        entries.pop_front();
     }
 }
 
@@ -110,22 +109,21 @@ void RuleSetMemory::CheckFolder(const std::string& folder)
 void RuleSetMemory::CheckTags(const std::string& folder, const std::string& prefix)
 {
     const RuleSetPaths paths{TreeFilePath(folder, prefix), RuleFilePath(folder, prefix)};
-    auto contents = rule_source::ReadRuleSetContents(paths);
-    const std::string digest = DigestOfTexts(contents);
+    RuleSetReading reading = Read(paths);
+    const std::string digest = reading.GetDigest();
     DetectInfo info;
     info.mRuleFileDir = folder;
     info.mRuleFilePrefix = prefix;
-    const bool areRead = rule_source::AreRead(contents);
-    const rule_source::RuleSetFiles files = rule_source::ParseRuleSetFiles(std::move(contents));
+    const rule_source::RuleSetFiles files = rule_source::ParseRuleSetFiles(std::move(reading.contents));
     for (const std::string& tag : rule_source::TagsOf(files.TreeRoot(), rule_source::Element())) {
         if (mKnown.size() >= LARGEST_NUMBER) {
             return;
         }
         const auto warnings = std::make_shared<RuleSetWarnings>(files, tag);
-        mKnown[Key(paths.treeFile, paths.ruleFile, tag, digest)] = warnings;
-        if (areRead) {
+        mKnown[Key(paths.treeFile, paths.ruleFile, tag, reading.digestOfTexts)] = warnings;
+        if (!digest.empty()) {
             info.mTreeTag = tag;
-            mHeld[NameOf(info)] = {rule_source::DIGEST_KIND + digest, warnings, std::make_shared<LoadedRuleSet>(info)};
+            mHeld[NameOf(info)] = {digest, warnings, std::make_shared<LoadedRuleSet>(info)};
         }
     }
 }
@@ -138,17 +136,24 @@ const HeldRuleSet* RuleSetMemory::FindHeld(
 }
 
 std::shared_ptr<LoadedRuleSet> RuleSetMemory::KeptOrLoad(
-    const DetectInfo& info, const rule_source::RuleSetContents& contents)
+    const DetectInfo& info, const RuleSetPaths& paths, const RuleSetReading& files)
 {
-    std::string digest = mKeepsLast ? Digest(contents) : "";
-    if (digest.empty()) {
+    if (!mKeepsLoaded || !rule_source::AreRead(files.contents)) {
         return nullptr;
     }
-    if (mLast.loaded == nullptr || mLast.digest != digest || mLastName != NameOf(info)) {
-        mLast = {std::move(digest), nullptr, std::make_shared<LoadedRuleSet>(info)};
-        mLastName = NameOf(info);
+    const Name name = NameOf(info);
+    const auto known = std::find_if(mKept.begin(), mKept.end(),
+        [&](const Kept& kept) { return kept.name == name && kept.digestOfTexts == files.digestOfTexts; });
+    if (known != mKept.end()) {
+        return known->loaded;
     }
-    return mLast.loaded;
+    auto loaded = std::make_shared<LoadedRuleSet>(info);
+    if (Read(paths).digestOfTexts != files.digestOfTexts) {
+        return nullptr; // else what was loaded would stand for the bytes that were there before
+    }
+    const std::size_t bytes = files.contents.trees.text.size() + files.contents.rules.text.size();
+    MakeRoom(mKept, bytes, ROOM_FOR_LOADED);
+    return mKept.emplace_back(Kept{name, files.digestOfTexts, bytes, std::move(loaded)}).loaded;
 }
 
 } // namespace diagnosis

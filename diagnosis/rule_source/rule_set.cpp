@@ -45,9 +45,9 @@ bool AreRead(const RuleSetContents& contents)
     return contents.trees.state == SourceFile::State::LOADED && contents.rules.state == SourceFile::State::LOADED;
 }
 
-std::string DigestOf(const RuleSetContents& contents)
+std::string DigestOfTexts(const RuleSetContents& contents)
 {
-    return AreRead(contents) ? DIGEST_KIND + Sha256HexOf({contents.trees.text, contents.rules.text}) : "";
+    return Sha256HexOf({contents.trees.text, contents.rules.text});
 }
 
 RuleSetContents ReadRuleSetContents(const RuleSetPaths& paths)

@@ -44,11 +44,9 @@ struct RuleSetContents {
 RuleSetContents ReadRuleSetContents(const RuleSetPaths& paths);
 /// Whether both files could be read, XML or not.
 bool AreRead(const RuleSetContents& contents);
-/// Before a digest, names how it was made.
-inline constexpr char DIGEST_KIND[] = "sha256:";
-/// DIGEST_KIND and the digest of both files, which is that of another rule set if a byte is another one or in the other file;
-/// empty if a file can't be read. Nothing but the bytes counts: neither paths nor whether they are XML.
-std::string DigestOf(const RuleSetContents& contents);
+/// The digest of both texts, in hexadecimal digits, which is that of other texts if a byte is another one or in the other
+/// file. A file that can't be read is like an empty one. Nothing but the bytes counts: neither paths nor whether they are XML.
+std::string DigestOfTexts(const RuleSetContents& contents);
 
 /// Parses both files at the same time.
 RuleSetFiles ParseRuleSetFiles(RuleSetContents contents);

@@ -69,6 +69,13 @@ std::vector<LintSample> AllLintSamples()
     return samples;
 }
 
+const LintSample& SampleNamed(const std::string& start)
+{
+    static const std::vector<LintSample> samples = AllLintSamples();
+    return *std::find_if(samples.begin(), samples.end(),
+        [&](const LintSample& sample) { return sample.name.rfind(start, 0) == 0; });
+}
+
 LintEffect ReadEffect(const LintSample& sample)
 {
     std::ifstream file(sample.folder + "/effect.txt");

@@ -47,6 +47,9 @@ struct LintEffect {
 /// All samples in order of id.
 std::vector<LintSample> AllLintSamples();
 
+/// The first sample whose name begins so.
+const LintSample& SampleNamed(const std::string& start);
+
 /// Empty for a sample without the file.
 LintEffect ReadEffect(const LintSample& sample);
 

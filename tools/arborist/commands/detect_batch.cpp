@@ -203,7 +203,7 @@ ExitStatus DetectBatch(DetectOptions& options)
     }
     options.bundles = TakeShard(options.bundles, ParseShard(options.shard).value_or(Shard{}));
     options.batch.timeout = Milliseconds(options.timeout);
-    options.run.detection.ruleSets->KeepLast();
+    options.run.detection.ruleSets->KeepLoaded();
     if (!options.run.detection.overrides.rules.empty()) {
         // A rule set from the command line is read here, and those of foreign bundles in the workers, which may crash.
         options.run.detection.ruleSets->CheckFolder(options.run.detection.overrides.rules);
