@@ -12,6 +12,9 @@ cmake --build --preset dev --target evaluation_tests frame_tests stores_tests ut
 ctest --preset dev -R '^(evaluation|stores|utilities)_tests\..*RandomTest'
 python3 -B tests/reliability/plain_reading_test.py build/dev/tools/arborist/arborist
 
+# Each bundle of these is run four times.
+ARBORIST_CASES=3000 python3 -B tests/reliability/one_rule_set_test.py build/dev/tools/arborist/arborist
+
 # Each bundle of these is packed twice, or run by four rule sets.
 for test in redaction compare; do
     ARBORIST_CASES=2000 python3 -B "tests/tools/commands/${test}_random_test.py" build/dev/tools/arborist/arborist
