@@ -161,6 +161,11 @@ std::optional<Failure> CapturedFiles::Replace(const std::string& name, const std
     return file.flush() ? std::nullopt : std::optional(Failure{FailureCode::NOT_PACKED, name + ": can't be written"});
 }
 
+void CapturedFiles::WarnOfUnreadable(const std::string& source)
+{
+    mWarnings.push_back({WarningCode::NOT_CAPTURED, source + ": can't be read, and is left out"});
+}
+
 std::optional<Failure> CapturedFiles::Take(const std::string& source, const std::string& name, std::uint64_t longest)
 {
     std::error_code error;
@@ -174,7 +179,7 @@ std::optional<Failure> CapturedFiles::Take(const std::string& source, const std:
         from.open(source, std::ios::binary);
     }
     if (!from.is_open()) {
-        mWarnings.push_back({WarningCode::NOT_CAPTURED, source + ": can't be read, and is left out"});
+        WarnOfUnreadable(source);
         return std::nullopt;
     }
     std::ofstream to(target, std::ios::binary | std::ios::trunc);
@@ -191,6 +196,11 @@ std::optional<Failure> CapturedFiles::Take(const std::string& source, const std:
     }
     if (!to.flush()) {
         return Failure{FailureCode::NOT_PACKED, source + ": can't be captured: " + std::strerror(errno)};
+    }
+    if (from.bad()) { // a part of it would pass for the whole
+        fs::remove(target, error);
+        WarnOfUnreadable(source);
+        return std::nullopt;
     }
     return Count(name);
 }

@@ -21,7 +21,8 @@ public:
     {
     }
 
-    /// Copies the file at `source`. Skips a missing file, and with a warning one that is no plain file.
+    /// Copies the file at `source`. Skips a missing file, and with a warning one that is no plain file
+    /// or can't be read to its end.
     std::optional<Failure> AddFile(const std::string& source, const std::string& name);
     /// The same for a node file, whose length may not be known beforehand. Truncates a file as soon as it is longer
     /// than the library accepts.
@@ -44,6 +45,7 @@ public:
 
 private:
     std::optional<Failure> Take(const std::string& source, const std::string& name, std::uint64_t longest);
+    void WarnOfUnreadable(const std::string& source);
 
     std::string mFolder;
     ZipLimits mLimits;

@@ -44,6 +44,10 @@ std::optional<Baseline> Baseline::Read(const std::string& path, std::string& pro
             return std::nullopt;
         }
     }
+    if (file.bad()) { // a folder, for one
+        problem = path + ": it can't be read";
+        return std::nullopt;
+    }
     return baseline;
 }
 
