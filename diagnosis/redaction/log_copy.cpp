@@ -59,7 +59,8 @@ std::optional<Failure> LogCopy::Run(const std::string& source, const std::string
         isCopied = isCopied && CopyTable(table.name, table.columns, newExtra);
     }
     if (!isCopied) {
-        const std::string reason = mTarget.HasError() ? mTarget.GetError() : mSource->HasError() ? mSource->GetError()
+        // The source first: where it can't be read, the target may not even be open.
+        const std::string reason = mSource->HasError() ? mSource->GetError() : mTarget.HasError() ? mTarget.GetError()
             : "has more text than its file can hold";
         return Failure{FailureCode::BAD_LOG, source + ": can't be redacted: " + reason};
     }

@@ -27,7 +27,7 @@ WholeNumber ReadWholeNumber(std::string_view text)
 
 bool ReadDecimalNumber(std::string_view text, double& number)
 {
-    if (!text.empty() && text.front() == '+') {
+    if (text.starts_with('+') && !text.starts_with("+-")) {
         text.remove_prefix(1);
     }
     double read = 0;

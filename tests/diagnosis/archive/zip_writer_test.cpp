@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "diagnosis/archive/zip_reader.h"
 #include "tests/support/temp_dir.h"
@@ -29,6 +30,25 @@ TEST(ZipWriterTest, WritingAndReadingGiveTheSameFilesAndTheSameBytes)
     EXPECT_EQ(dir.Read("in/out/a"), std::string(200000, 'y'));
     EXPECT_TRUE(fs::is_directory("in/out/empty"));
     EXPECT_THAT(ReadZip("z.zip"), testing::SizeIs(5));
+}
+
+TEST(ZipWriterTest, LinksAndPipesAreLeftOut)
+{
+    const TempDir dir;
+    dir.Write("f/a", "content");
+    fs::create_symlink("a", "f/link");
+    ASSERT_EQ(mkfifo("f/pipe", 0600), 0);
+    EXPECT_FALSE(diagnosis::PackZip("f", "z.zip", "z.zip").has_value());
+    EXPECT_THAT(ReadZip("z.zip"), testing::ElementsAre(testing::Pair("a", "content")));
+}
+
+TEST(ZipWriterTest, AnArchiveThatCannotBeMadeIsTold)
+{
+    const TempDir dir;
+    dir.Write("f/a", "content");
+    const auto failure = diagnosis::PackZip("f", "none/z.zip", "z.zip");
+    ASSERT_TRUE(failure.has_value());
+    EXPECT_EQ(failure->code + " " + failure->message, "not_packed z.zip: can't be written");
 }
 
 } // namespace

@@ -77,6 +77,7 @@ INSTANTIATE_TEST_SUITE_P(Table, BadBundleKey, testing::Values(
     BadKeyCase{"EmptyTag", R"({"detectScene": 1, "treeTag": ""})", "\"treeTag\" must not be empty"},
     BadKeyCase{"SceneWithFraction", R"({"detectScene": 1.5, "treeTag": "T"})",
         "\"detectScene\" must be a whole number of 32 bits"},
+    BadKeyCase{"SceneAsText", R"({"detectScene": "1", "treeTag": "T"})", "\"detectScene\" must be a number, not a text"},
     BadKeyCase{"SceneTooLarge", R"({"detectScene": 4294967296, "treeTag": "T"})",
         "\"detectScene\" must be a whole number of 32 bits"},
     BadKeyCase{"TagWithNul", R"({"detectScene": 1, "treeTag": "a\u0000b"})", "\"treeTag\" holds a NUL character"},
@@ -132,6 +133,39 @@ TEST(BundleFileTest, APipeInPlaceOfTheFileBlocksNothing)
     const auto failure = diagnosis::ReadBundleFile({"b", dir.Path("b")}, bundle, warnings);
     ASSERT_TRUE(failure.has_value());
     EXPECT_EQ(failure->code, diagnosis::FailureCode::NO_BUNDLE_JSON);
+}
+
+TEST(BundleFileTest, AMomentInSecondsIsWrittenAsANumber)
+{
+    Bundle bundle;
+    bundle.now = "-5";
+    EXPECT_THAT(diagnosis::BundleText(bundle), HasSubstr("\"now\": -5,"));
+    bundle.now = "99999999999999999999";
+    EXPECT_THAT(diagnosis::BundleText(bundle), HasSubstr("\"now\": \"99999999999999999999\""));
+    bundle.now = "";
+    EXPECT_THAT(diagnosis::BundleText(bundle), HasSubstr("\"now\": \"\""));
+    std::vector<Warning> warnings;
+    Bundle read;
+    EXPECT_FALSE(ReadBundleText("b.json", R"({"detectScene": 1, "treeTag": "T", "now": ""})", read, warnings).has_value());
+}
+
+TEST(BundleFileTest, WhatIsNoObjectIsRefused)
+{
+    Bundle bundle;
+    std::vector<Warning> warnings;
+    EXPECT_EQ(ReadBundleText("b.json", "[]", bundle, warnings)->message, "b.json: must hold an object, not a list");
+}
+
+TEST(BundleFileTest, ALargeFileIsNotRead)
+{
+    const TempDir dir;
+    dir.Write("b/bundle.json", std::string((16U << 20U) + 1, ' '));
+    Bundle bundle;
+    std::vector<Warning> warnings;
+    const auto failure = diagnosis::ReadBundleFile({"b", dir.Path("b")}, bundle, warnings);
+    ASSERT_TRUE(failure.has_value());
+    EXPECT_EQ(failure->message, "b/bundle.json: larger than 16 MiB");
+    EXPECT_EQ(failure->status, diagnosis::ExitStatus::INTERNAL);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "arborist/frame/settings.h"
+#include "diagnosis/cases/case_time.h"
 #include "tests/support/case_name.h"
 #include "tests/support/temp_dir.h"
 
@@ -202,6 +203,44 @@ INSTANTIATE_TEST_SUITE_P(Table, BadCaseFile, testing::Values(
         "t:1:69: a value must be a text, a number or null"},
     BadCase{"AnswerIsText", "{\"scene\": 1, \"answers\": {\"r\": \"yes\"}, " EXPECTS "}",
         "t:1:31: an answer must be true or false, not a text"},
+    BadCase{"DataAsFile", "{\"scene\": 1, \"files\": {\"programdata/x\": \"\"}, " EXPECTS "}",
+        "t:1:41: \"programdata/x\" is no path of a file on the device"},
+    BadCase{"CopyAsFile", "{\"scene\": 1, \"files\": {\"databases\": \"\"}, " EXPECTS "}",
+        "t:1:37: \"databases\" is no path of a file on the device"},
+    BadCase{"RootAsFile", "{\"scene\": 1, \"files\": {\"/\": \"\"}, " EXPECTS "}",
+        "t:1:29: \"/\" is no path of a file on the device"},
+    BadCase{"FileWithNul", "{\"scene\": 1, \"files\": {\"/a\": \"\\u0000\"}, " EXPECTS "}",
+        "t:1:30: \"files./a\" holds a NUL character"},
+    BadCase{"TagIsNumber", "{\"scene\": 1, \"tag\": 5, " EXPECTS "}", "t:1:21: \"tag\" must be a text, not a number"},
+    BadCase{"EventIsText", "{\"scene\": 1, \"events\": [\"7\"], " EXPECTS "}", "t:1:25: event: must be an object, not a text"},
+    BadCase{"CountIsText", "{\"scene\": 1, \"events\": [{\"time\": \"-1d\", \"event\": 1, \"count\": \"2\"}], " EXPECTS "}",
+        "t:1:62: \"count\" must be a whole number from 1"},
+    BadCase{"RepairIsTrue", "{\"scene\": 1, \"now\": 5, \"repairs\": {\"R\": true}, " EXPECTS "}",
+        "t:1:41: a repair must have a local time \"YYYY-MM-DD HH:MM:SS\" that exists, seconds since the epoch, or a "
+        "distance like \"-3d\""},
+    BadCase{"DistanceWithoutSign", "{\"scene\": 1, \"now\": 5, \"repairs\": {\"R\": \"33d\"}, " EXPECTS "}",
+        "t:1:41: a repair must have a local time \"YYYY-MM-DD HH:MM:SS\" that exists, seconds since the epoch, or a "
+        "distance like \"-3d\""},
+    BadCase{"DatabaseIsText", "{\"scene\": 1, \"databases\": {\"/d\": \"t\"}, " EXPECTS "}",
+        "t:1:34: a database must be an object of tables, not a text"},
+    BadCase{"DatabaseOutside", "{\"scene\": 1, \"databases\": {\"../d\": {}}, " EXPECTS "}",
+        "t:1:36: \"../d\" is no path of a file on the device"},
+    BadCase{"TableIsList", "{\"scene\": 1, \"databases\": {\"/d\": {\"t\": []}}, " EXPECTS "}",
+        "t:1:40: a table must be an object with \"columns\" and \"rows\", not a list"},
+    BadCase{"ColumnIsNumber", "{\"scene\": 1, \"databases\": {\"/d\": {\"t\": {\"columns\": [\"a\", 5]}}}, " EXPECTS "}",
+        "t:1:58: \"databases.t.columns\" must be a text, not a number"},
+    BadCase{"RowIsNumber", "{\"scene\": 1, \"databases\": {\"/d\": {\"t\": {\"columns\": [\"a\"], \"rows\": [1]}}}, " EXPECTS "}",
+        "t:1:68: a row of \"t\" must be a list of 1 values, one for each column"},
+    BadCase{"CausesWithoutAnyOrder", R"({"scene": 1, "expect": {"causes": {"T": {}}}})",
+        "t:1:41: \"expect.causes.T.anyOrder\" is missing"},
+    BadCase{"CauseIsNumber", R"({"scene": 1, "expect": {"causes": {"T": ["A", 5]}}})",
+        "t:1:47: \"expect.causes\" must be a text, not a number"},
+    BadCase{"VerdictIsNumber", R"({"scene": 1, "expect": {"verdicts": {"T": 5}, "log": ["x"]}})",
+        "t:1:43: \"expect.verdicts\" must be a text, not a number"},
+    BadCase{"CountOfChecksIsText", R"({"scene": 1, "expect": {"checks": {"T": {"open": "2"}}}})",
+        "t:1:50: a number of checks must be a whole number from 0"},
+    BadCase{"CasesAreText", "{\"scene\": 1, \"cases\": \"a\"}", "t:1:23: \"cases\" must be a list of at least one case"},
+    BadCase{"CaseIsText", "{\"scene\": 1, \"cases\": [\"a\"]}", "t:1:24: a case must be an object, not a text"},
     BadCase{"NoCases", "{\"scene\": 1, \"cases\": []}", "t:1:23: \"cases\" must be a list of at least one case"},
     BadCase{"CaseWithoutName", "{\"scene\": 1, \"cases\": [{" EXPECTS "}]}", "t:1:24: \"name\" is missing"},
     BadCase{"NameTwice", "{\"scene\": 1, \"cases\": [{\"name\": \"a\", " EXPECTS "},\n {\"name\": \"a\", " EXPECTS "}]}",
@@ -257,6 +296,21 @@ TEST(CaseFileTest, AFileThatIsNoneIsAFailure)
     EXPECT_THAT(Messages(ReadCaseFile("none.test.json")), ElementsAre("none.test.json: no such file"));
     dir.MakeDir("folder.test.json");
     EXPECT_THAT(Messages(ReadCaseFile("folder.test.json")), ElementsAre("folder.test.json: no such file"));
+}
+
+TEST(CaseFileTest, ALargeFileIsNotRead)
+{
+    const TempDir dir;
+    dir.Write("a.test.json", std::string((16U << 20U) + 1, ' '));
+    EXPECT_THAT(Messages(ReadCaseFile("a.test.json")), ElementsAre("a.test.json: larger than 16 MiB"));
+}
+
+TEST(CaseFileTest, TextsThatAreNoDistancesAreMoments)
+{
+    for (const char* text : {"-", "-d", "-1x", "-1.5d", "-99999999999999999999d", "-9999999999d"}) {
+        EXPECT_EQ(diagnosis::cases::ParseDistance(text), std::nullopt) << text;
+    }
+    EXPECT_EQ(diagnosis::cases::ParseDistance("+2h"), 7200);
 }
 
 } // namespace

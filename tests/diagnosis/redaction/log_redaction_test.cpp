@@ -153,4 +153,48 @@ TEST_F(LogRedactionTest, TablesOfTheDerivedDatabaseAreKeptInMindInLowerCase)
     EXPECT_THAT(mReport.leftOut, ElementsAre("the derived database of an earlier run"));
 }
 
+TEST_F(LogRedactionTest, ColumnsKeepTheirAffinity)
+{
+    for (const auto& [type, affinity] : {std::pair("VARCHAR(9)", "TEXT"), std::pair("CLOB", "TEXT"), std::pair("Blob", "BLOB"),
+             std::pair("FLOAT", "REAL"), std::pair("double", "REAL"), std::pair("REAL", "REAL"), std::pair("date", "NUMERIC"),
+             std::pair("BIGINT", "INTEGER")}) {
+        EventLogBuilder().Schema(std::string("CREATE TABLE event_info (_ID TEXT PRIMARY KEY, event_id INTEGER, extra TEXT, version_id ")
+            + type + "); CREATE TABLE event_info_flow (_ID INTEGER, event_pid INTEGER, occurrence_time INTEGER, PRIMARY KEY (_ID, event_pid));"
+            "CREATE TABLE event_version (_ID INTEGER PRIMARY KEY, VERSION_NAME TEXT);").WriteTo(mDir.Path("log.db"));
+        ASSERT_EQ(Redact(), "");
+        EXPECT_THAT(DatabaseRows("new.db", "SELECT type, pk FROM pragma_table_info('event_info') WHERE name IN ('_ID', 'version_id')"),
+            ElementsAre("TEXT|0", affinity + std::string("|0")));
+        EXPECT_THAT(DatabaseRows("new.db", "SELECT type, pk FROM pragma_table_info('event_info_flow')"),
+            ElementsAre("INTEGER|0", "INTEGER|0", "INTEGER|0"));
+    }
+}
+
+TEST_F(LogRedactionTest, AMemberThatIsListedTwiceIsToldOnce)
+{
+    mRedaction.log.push_back({{{8, 8}}, {{"user", "USER"}}});
+    EventLogBuilder().Row({1, 8, "", Extra("Ann")}).WriteTo(mDir.Path("log.db"));
+    ASSERT_EQ(Redact(), "");
+    EXPECT_EQ(mReport.members.size(), 1U);
+    EXPECT_EQ(mReport.members[0].where.rows, 1U);
+}
+
+TEST_F(LogRedactionTest, WhatIsNoDatabaseIsAFailure)
+{
+    mDir.Write("log.db", "no database at all, though long enough to have had a header of one hundred bytes in it, or more");
+    EXPECT_EQ(Redact(), "bad_log: log.db: can't be redacted: file is not a database");
+    mDir.MakeDir("folder");
+    RedactionReport report;
+    EXPECT_EQ(diagnosis::RedactLog("folder", "new.db", mRedaction, report)->message, "folder: is a folder");
+}
+
+TEST_F(LogRedactionTest, ADerivedDatabaseThatIsNoneHasNoTables)
+{
+    mDir.MakeDir("folder");
+    diagnosis::LeaveDerivedDatabaseOut("folder", mReport);
+    mDir.Write("text.db", "no database at all, though long enough to have had a header of one hundred bytes in it, or more");
+    diagnosis::LeaveDerivedDatabaseOut("text.db", mReport);
+    EXPECT_THAT(mReport.derivedTables, IsEmpty());
+    EXPECT_EQ(mReport.leftOut.size(), 2U);
+}
+
 } // namespace

@@ -19,6 +19,7 @@ TEST(MarkupTest, WhatXmlHasNoPlaceForIsShownAsBytes)
 {
     EXPECT_EQ(Markup(std::string("a\0b\xFF\n", 5)), "a\\x00b\\xFF\\x0A");
     EXPECT_EQ(Markup("\xEF\xBF\xBF"), "\xEF\xBF\xBD");
+    EXPECT_EQ(Markup("\xEF\xBF\xBE"), "\xEF\xBF\xBD");
     EXPECT_EQ(Markup("\xC3\xA4"), "\xC3\xA4");
 }
 
