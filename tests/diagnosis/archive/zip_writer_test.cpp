@@ -48,7 +48,8 @@ TEST(ZipWriterTest, AnArchiveThatCannotBeMadeIsTold)
     dir.Write("f/a", "content");
     const auto failure = diagnosis::PackZip("f", "none/z.zip", "z.zip");
     ASSERT_TRUE(failure.has_value());
-    EXPECT_EQ(failure->code + " " + failure->message, "not_packed z.zip: can't be written");
+    EXPECT_EQ(failure->code, diagnosis::FailureCode::NOT_PACKED);
+    EXPECT_EQ(failure->message, "z.zip: can't be written");
 }
 
 } // namespace
