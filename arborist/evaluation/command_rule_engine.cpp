@@ -50,6 +50,11 @@ CommandRuleEngine::CommandRuleEngine(std::shared_ptr<CommonPart> commonPart, std
 
 CommandRuleEngine::~CommandRuleEngine() = default;
 
+void CommandRuleEngine::EndDetection()
+{
+    mDbHelper->Close();
+}
+
 bool CommandRuleEngine::IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId)
 {
     const auto commandRule = std::dynamic_pointer_cast<CommandRule>(rule);

@@ -31,6 +31,9 @@ public:
     /// thresholds. Until the first call, the one of the constructor. Not null.
     void SetPrepared(std::shared_ptr<CommonPart> prepared) { mPrepared = std::move(prepared); }
 
+    /// Call behind the last rule of a detection: the next one may copy the database anew that is still open.
+    void EndDetection();
+
 private:
     friend struct CommandRuleEnginePeer; // tests reach the steps through it
 

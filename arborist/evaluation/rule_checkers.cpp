@@ -40,6 +40,13 @@ void RuleCheckers::StartDetection()
     }
 }
 
+void RuleCheckers::EndDetection()
+{
+    if (mCommandRuleEngine != nullptr) {
+        mCommandRuleEngine->EndDetection();
+    }
+}
+
 std::shared_ptr<RuleChecker> RuleCheckers::Get(const Rule* rule, const std::shared_ptr<CommonPart>& commonPart)
 {
     switch (FamilyOf(rule)) {

@@ -30,6 +30,8 @@ public:
 
     /// Call before the rules of a detection are run.
     void StartDetection();
+    /// Call when all rules of a detection have run: closes the database that a command rule asked last.
+    void EndDetection();
     /// The checker of the rule's family; null, with a warning in the log, if there is none. The checker of command
     /// rules keeps the `commonPart` of the call that creates it.
     std::shared_ptr<RuleChecker> Get(const Rule* rule, const std::shared_ptr<CommonPart>& commonPart);

@@ -33,6 +33,9 @@ public:
     /// Runs the rules of one tree. Its events stay in the store until the next tree starts. A null tree is ignored.
     void StartRunRules(const std::shared_ptr<FaultTree>& faultTree);
 
+    /// Closes the database that a rule asked last. Call it when the last tree has run, however the detection ends.
+    void EndDetection() { mDecider.GetRules().GetCheckers().EndDetection(); }
+
     void FetchEvent(const std::shared_ptr<Event>& event);
     /// Copies of the store's list and map; kept for the tests, which look at the events of a run by them.
     RuleEngineHelper::EventList GetAllEventList() const;

@@ -49,6 +49,18 @@ private:
     StopScope mScope;
 };
 
+// At its end, which an exception may bring, the rules of a detection let go of their databases.
+class RunOfRules {
+public:
+    explicit RunOfRules(RuleEngine& rules) : mRules(rules) {}
+    ~RunOfRules() { mRules.EndDetection(); }
+    RunOfRules(const RunOfRules&) = delete;
+    RunOfRules& operator=(const RunOfRules&) = delete;
+
+private:
+    RuleEngine& mRules;
+};
+
 // Makes the verdict UNDECIDED. The reason STOPPED is always in it, even if all rules ran and only the root causes are
 // missing.
 void MarkStopped(Evidence::TreeVerdict& verdict, const FaultTree& tree)
@@ -155,6 +167,7 @@ std::vector<std::shared_ptr<FaultTreeResult>> Arborist::Detect()
         return {};
     }
     log.Output(FT::LEVEL_DEBUG, "FUNc:%s: StartDetection Parse finished", FUNCTION);
+    const RunOfRules run(*mRuleEngine);
     PrepareRules();
     const auto faultTrees = mFaultTreeParser->GetFaultTrees();
     if (faultTrees.empty()) {

@@ -31,6 +31,8 @@ public:
 
     /// The connection of the last Make, changed file or not; before the first Make, a new one for no file.
     Connection& Get() { return mConnection != nullptr ? *mConnection : Make(""); }
+    /// Destroys the connection.
+    void Close() { mConnection.reset(); }
     /// The path of the last Make.
     const std::string& GetPath() const { return mPath; }
 

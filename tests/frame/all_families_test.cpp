@@ -5,6 +5,10 @@
 #include <gmock/gmock.h>
 
 #include "arborist/frame/arborist.h"
+#include "arborist/frame/log.h"
+#include "tests/support/event_log_builder.h"
+#include "tests/support/xml_builder.h"
+#include "tests/support/zip_file.h"
 
 namespace {
 
@@ -32,6 +36,20 @@ TEST_F(AllFamilies, SecondDetectionBuildsEverythingAnewAndAgrees)
     Arborist arborist(mInfo);
     RootCauses(arborist);
     EXPECT_THAT(RootCauses(arborist), ElementsAre("alarm", "derived", "external", "node", "code"));
+}
+
+// Windows replaces no file that is open, not even by the process that has it open.
+TEST_F(AllFamilies, DatabaseThatARuleAskedLastIsCopiedAnewForTheNextDetection)
+{
+    mDir.Write("FaultTrees.xml", TreeXml("All").Tree("T", Or({Basic("derived"), Basic("external")})).Text());
+    Arborist arborist(mInfo);
+    Arborist other(mInfo);
+    EXPECT_THAT(RootCauses(arborist), ElementsAre("derived", "external"));
+    EventLogBuilder::Run(mDir.Path("battery.db"), "update charge set level = 50");
+    WriteZip(mDir.Path("device/data/battery.zip"), {{"battery.db", mDir.Read("battery.db")}});
+    EXPECT_THAT(RootCauses(other), ElementsAre("derived"));
+    EXPECT_THAT(RootCauses(arborist), ElementsAre("derived"));
+    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), testing::IsEmpty());
 }
 
 TEST_F(AllFamilies, InputsStayByteForByteAsTheyWere)

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <functional>
 #include <set>
+#include <stdexcept>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -24,6 +25,7 @@
 
 namespace {
 
+using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace fs = std::filesystem;
@@ -92,6 +94,40 @@ TEST_F(ProcessManners, DetectionLeavesNoFileOpen)
     const auto before = count();
     Detect();
     EXPECT_EQ(count(), before);
+}
+
+// The databases that the process has open, apart from the event log and the repairs, which engines keep open.
+std::set<std::string> OpenDatabases()
+{
+    std::set<std::string> names;
+    for (const auto& file : fs::directory_iterator("/proc/self/fd")) {
+        std::error_code ignored;
+        const fs::path path = fs::read_symlink(file, ignored);
+        if (path.extension() == ".db" && path.filename() != "log.db" && path.filename() != "repair_record.db") {
+            names.insert(path.filename());
+        }
+    }
+    return names;
+}
+
+TEST_F(ProcessManners, DatabasesThatRulesAskedAreClosedWhenTheDetectionEnds)
+{
+    Arborist engine(mInfo);
+    engine.StartDetection();
+    EXPECT_THAT(OpenDatabases(), IsEmpty());
+}
+
+TEST_F(ProcessManners, DatabasesThatRulesAskedAreClosedWhenTheHostThrows)
+{
+    std::set<std::string> inside;
+    mInfo->mCodeRuleRunner = std::make_shared<CallingRunner>([&inside] {
+        inside = OpenDatabases();
+        throw std::runtime_error("host");
+    });
+    Arborist engine(mInfo);
+    EXPECT_THROW(engine.StartDetection(), std::runtime_error);
+    EXPECT_THAT(inside, ElementsAre("battery.db"));
+    EXPECT_THAT(OpenDatabases(), IsEmpty());
 }
 
 // Runs `action` with both standard streams in a file and returns what it printed.

@@ -46,6 +46,15 @@ TEST_F(KeptConnectionTest, IsLetGoBeforeTheNextIsMade)
     EXPECT_EQ(Connection::open, 1);
 }
 
+TEST_F(KeptConnectionTest, IsGoneOnceItIsClosed)
+{
+    mKept.Make(mPath);
+    mKept.Close();
+    EXPECT_EQ(Connection::open, 0);
+    EXPECT_EQ(mKept.Find(mPath), nullptr);
+    mKept.Close();
+}
+
 TEST_F(KeptConnectionTest, IsMadeForNoFileWhenThereWasNone)
 {
     mKept.Get();
