@@ -10,6 +10,15 @@ bool isCounting = false;
 std::ptrdiff_t live = 0;
 std::ptrdiff_t peak = 0;
 
+std::ptrdiff_t SizeOf(void* block)
+{
+#ifdef _WIN32
+    return static_cast<std::ptrdiff_t>(_msize(block));
+#else
+    return static_cast<std::ptrdiff_t>(malloc_usable_size(block));
+#endif
+}
+
 } // namespace
 
 void* operator new(std::size_t size)
@@ -19,7 +28,7 @@ void* operator new(std::size_t size)
         throw std::bad_alloc();
     }
     if (isCounting) {
-        live += static_cast<std::ptrdiff_t>(malloc_usable_size(block));
+        live += SizeOf(block);
         peak = live > peak ? live : peak;
     }
     return block;
@@ -28,7 +37,7 @@ void* operator new(std::size_t size)
 void operator delete(void* block) noexcept
 {
     if (isCounting && block != nullptr) {
-        live -= static_cast<std::ptrdiff_t>(malloc_usable_size(block));
+        live -= SizeOf(block);
     }
     std::free(block);
 }

@@ -2,6 +2,7 @@
 // stacks.
 
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
@@ -56,6 +57,9 @@ public:
         }
         if (mIsStuck || mNumbers.empty()) {
             return "";
+        }
+        if (std::isnan(mNumbers.back())) {
+            return std::signbit(mNumbers.back()) ? "-nan" : "nan"; // which the C library of Windows writes without its sign
         }
         char text[400];
         std::snprintf(text, sizeof(text), "%f", mNumbers.back());
