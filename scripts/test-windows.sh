@@ -32,15 +32,22 @@ export WINEPREFIX WINEDEBUG=-all TZ="CET-1CEST,M3.5.0,M10.5.0/3"
 wine=$(command -v wine64 || echo /usr/lib/wine/wine64)
 
 left_out=$(sed -n 's/^\([^# ][^ ]*\).*/\1/p' tests/windows_left_out.txt | paste -sd:)
-failed=()
-for program in build/windows/tests/*/*_tests.exe; do
-    name=$(basename "$program" .exe)
+export wine left_out
+"$wine" wineboot --init >build/windows/wine.log 2>&1 # before two programs try at once
+
+run_program() { # PROGRAM
+    local name log summary status=0
+    name=$(basename "$1" .exe)
     log=build/windows/$name.log
-    echo "== $name"
-    "$wine" "$program" --gtest_filter="-$left_out" --gtest_brief=1 >"$log" 2>&1 || failed+=("$name")
-    grep -E '^\[ +(PASSED|FAILED|SKIPPED) +\]|tests? ran' "$log" | tr -d '\r' || tail -n 3 "$log"
-done
-if [ ${#failed[@]} -ne 0 ]; then
-    echo "failed: ${failed[*]}; see build/windows/*.log" >&2
+    "$wine" "$1" --gtest_filter="-$left_out" --gtest_brief=1 >"$log" 2>&1 || status=1
+    summary=$(grep -E '^\[ +(PASSED|FAILED|SKIPPED) +\]|tests? ran' "$log") || summary=$(tail -n 3 "$log")
+    printf '== %s\n%s\n' "$name" "${summary//$'\r'/}" # in one piece: another program may print beside it
+    return $status
+}
+export -f run_program
+# shellcheck disable=SC2016
+if ! printf '%s\n' build/windows/tests/*/*_tests.exe |
+    xargs -P "${JOBS:-$(nproc)}" -I '{}' bash -c 'run_program "$1"' run '{}'; then
+    echo "failed; see build/windows/*.log" >&2
     exit 1
 fi
