@@ -30,12 +30,16 @@ protected:
         Rules(AlarmRuleXml("r", {AlarmIdXml("7", "7", {TimeXml("duration", "1", "2")})}));
     }
 
+    static Xml TableXml(const std::string& first = "7", const std::string& last = "7")
+    {
+        return Xml("thresholdsOrLumbraData").Attr("name", "TABLE_A").Child(Xml("retrieveLumbraData")
+            .Child(Xml("alarmId").Attr("Eventid_Min", first).Attr("Eventid_Max", last)
+                .Child(ParamsXml({ParamXml("1", "a", "int")}))));
+    }
+
     void Rules(const Xml& rule)
     {
-        const Xml table = Xml("thresholdsOrLumbraData").Attr("name", "TABLE_A").Child(Xml("retrieveLumbraData")
-            .Child(Xml("alarmId").Attr("Eventid_Min", "7").Attr("Eventid_Max", "7")
-                .Child(ParamsXml({ParamXml("1", "a", "int")}))));
-        mDir.Write("rules/FaultTreeRules.xml", RuleXml("Tag").CommonPart({table}).EventRule("E", {Single("r")})
+        mDir.Write("rules/FaultTreeRules.xml", RuleXml("Tag").CommonPart({TableXml()}).EventRule("E", {Single("r")})
             .Repair("E", {{"R", ""}}).Rule(rule).Text());
     }
 
@@ -88,6 +92,7 @@ protected:
     TempDir mDir;
     SettingsGuard mSettings;
     LogCapture mLog;
+    std::int64_t mUntil = 30 * DAY;
     SweepPlan mPlan;
     std::vector<std::string> mAnswers;
     std::vector<std::string> mDecided;
@@ -128,7 +133,7 @@ TEST_F(LogSweepTest, ARowThatNoRuleCanSeeIsAskedForWhileItsWindowHasIt)
         Log({{time, 7, "", ""}});
         EventLogBuilder::Run(
             mDir.Path("data/Comms/Lumbra/workDir/0/log.db"), "update event_info set version_id = 77");
-        EXPECT_TRUE(Sweep({DAY, 30 * DAY}));
+        EXPECT_TRUE(Sweep({DAY, mUntil}));
         EXPECT_THAT(Unswept(), IsEmpty());
         return mPlan.moments;
     };
@@ -136,6 +141,24 @@ TEST_F(LogSweepTest, ARowThatNoRuleCanSeeIsAskedForWhileItsWindowHasIt)
     EXPECT_EQ(momentsWithRowAt(40 * DAY), 0U);
     EXPECT_EQ(momentsWithRowAt(10 * DAY - (std::int64_t{1} << 32)), 0U);
     EXPECT_EQ(momentsWithRowAt(10 * DAY + (std::int64_t{1} << 32)), 0U);
+    mUntil = 30 * DAY + (std::int64_t{1} << 32);
+    EXPECT_EQ(momentsWithRowAt(10 * DAY + (std::int64_t{1} << 32)), 0U) << "rows that count have times of 32 bits";
+    EXPECT_EQ(momentsWithRowAt(10 * DAY), 2U);
+}
+
+TEST_F(LogSweepTest, ARuleOnADamagedLogIsNotSwept)
+{
+    std::vector<LoggedRow> rows;
+    for (int row = 0; row < 3000; ++row) {
+        rows.push_back({10 * DAY + row, row % 10, "", std::string(60, ' ')});
+    }
+    Log(rows);
+    const std::string log = "data/Comms/Lumbra/workDir/0/log.db";
+    std::string file = mDir.Read(log);
+    file.replace(file.size() / 2, 4096, 4096, '\xFF');
+    mDir.Write(log, file);
+    ASSERT_TRUE(Sweep({DAY, 30 * DAY}));
+    EXPECT_THAT(Unswept(), ElementsAre("E r log_damaged"));
 }
 
 TEST_F(LogSweepTest, ARepairEndsAFault)
@@ -204,6 +227,33 @@ TEST_F(LogSweepTest, DerivedTablesThatChangeTooOftenAreNotSwept)
     EXPECT_THAT(Unswept(), IsEmpty());
 }
 
+TEST_F(LogSweepTest, OfRulesThatShareAnEventOnlyThoseOnTablesAreLeftOut)
+{
+    mDir.Write("rules/FaultTreeRules.xml", RuleXml("Tag").CommonPart({TableXml()}).EventRule("E", {Single("r"), Single("a")})
+        .Rule(TableRule()).Rule(AlarmRuleXml("a", {AlarmIdXml("8", "8", {TimeXml("duration", "1", "1")})})).Text());
+    Log({{10 * DAY, 7, "", ""}, {20 * DAY, 8, "", ""}});
+    SweepRequest request{DAY, 60 * DAY};
+    request.mostTableMoments = 0;
+    ASSERT_TRUE(Sweep(request));
+    EXPECT_THAT(Unswept(), ElementsAre("E r too_many_moments"));
+    EXPECT_EQ(mPlan.moments, 2U) << "where the alarm begins and ends";
+}
+
+TEST_F(LogSweepTest, StatementsWithoutATableOfEventsAreAskedOnce)
+{
+    const Xml fixed = TableXml("0", "0").Attr("type", "lumbraPlusData");
+    const std::vector<std::vector<Xml>> commonParts{{}, {Xml("defDBTable").Attr("name", "x")}, {fixed}, {TableXml("0", "0")}};
+    for (const std::vector<Xml>& commonPart : commonParts) {
+        mAnswers.clear();
+        mDir.Write("rules/FaultTreeRules.xml",
+            RuleXml("Tag").CommonPart(commonPart).EventRule("E", {Single("r")}).Rule(TableRule()).Text());
+        Log({{10 * DAY, 7, "", ""}});
+        ASSERT_TRUE(Sweep({DAY, 60 * DAY}));
+        EXPECT_EQ(mAnswers.size(), 1U);
+        EXPECT_EQ(mPlan.moments, 0U);
+    }
+}
+
 TEST_F(LogSweepTest, RulesThatTheCallerNamesAreToldAsNotSwept)
 {
     Rules(TableRule());
@@ -220,6 +270,32 @@ TEST_F(LogSweepTest, EventsWithTimesThatAreNoWholeSecondsAreNotSwept)
         "update event_info_flow set occurrence_time = occurrence_time + 0.5 where _ID = 2");
     ASSERT_TRUE(Sweep({DAY, 30 * DAY}));
     EXPECT_THAT(Unswept(), ElementsAre("E r odd_times"));
+}
+
+TEST_F(LogSweepTest, WithoutTreesNothingIsSwept)
+{
+    mDir.Write("rules/FaultTrees.xml", TreeXml("Tag").Version("1").Text());
+    EXPECT_FALSE(Sweep({DAY, 30 * DAY}));
+    EXPECT_THAT(mAnswers, IsEmpty());
+}
+
+TEST_F(LogSweepTest, AnObserverNeedsToHearNothing)
+{
+    Log({{10 * DAY, 7, "", ""}});
+    auto info = std::make_shared<DetectInfo>();
+    info->mDetectScene = 1;
+    info->mTreeTag = "Tag";
+    info->mRuleFileDir = mDir.Path("rules");
+    SweepObserver deaf;
+    EXPECT_TRUE(LogSweep(info).Run({DAY, 30 * DAY}, deaf));
+}
+
+TEST(SweepPlanTest, RulesAreInTheOrderOfEventsAndNames)
+{
+    using Unswept = SweepPlan::Unswept;
+    EXPECT_LT((Unswept{"A", "z", ""}), (Unswept{"B", "a", ""}));
+    EXPECT_LT((Unswept{"A", "a", "z"}), (Unswept{"A", "b", "a"}));
+    EXPECT_FALSE((Unswept{"A", "a", "x"}) < (Unswept{"A", "a", "y"}));
 }
 
 TEST_F(LogSweepTest, WithoutARuleFileNothingIsSwept)

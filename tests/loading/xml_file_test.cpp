@@ -106,6 +106,14 @@ TEST_F(XmlFileTest, BrokenMarkupIsLeftToTheReader)
     }
 }
 
+TEST_F(XmlFileTest, QuotesOutsideOfTagsAndTagsWithoutAnEndHaveNoAttributes)
+{
+    for (const std::string& xml : {"\"" + LONG_TEXT, "!" + LONG_TEXT, "<a b=\"c\" " + LONG_TEXT, "<a b='c'" + LONG_TEXT}) {
+        EXPECT_EQ(LineOfTooManyAttributes(xml), 0);
+    }
+    EXPECT_NE(LineOfTooManyAttributes("\"" + LONG_TEXT + "<a" + Attributes(XmlFile::MOST_ATTRIBUTES + 1)), 0);
+}
+
 TEST_F(XmlFileTest, WhatIsNoPlainFileIsUnreadable)
 {
     ASSERT_EQ(mkfifo("pipe", 0600), 0);
