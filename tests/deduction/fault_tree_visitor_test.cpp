@@ -65,6 +65,9 @@ TEST_F(FaultTreeVisitorTest, CausesBeyondTheLimitAreLeftOutAndTold)
     EXPECT_THAT(observer.Lines("trouble"), ElementsAre("trouble causes Tree: 3"));
     mLog.Clear();
     mVisitor.SetObserver(nullptr);
+    deduce();
+    EXPECT_THAT(NodeIds(), ElementsAre("A", "B")) << "without an observer, too";
+    mLog.Clear();
     for (const char* none : {"3", "0", "-1", "x", ""}) {
         settings.Set(Settings::CAUSE_LIMIT, none);
         deduce();

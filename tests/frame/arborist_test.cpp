@@ -125,6 +125,22 @@ TEST_F(ArboristTest, CommandRulesKeepTheSharedDataOfTheirFirstDetection)
     EXPECT_TRUE(Arborist(mInfo).StartDetection()[0]->mIsFault); // without a number, zero copies are enough
 }
 
+TEST_F(ArboristTest, EmptySharedDataLeavesThatOfTheDetectionBefore)
+{
+    WriteTrees(TreeXml(TAG).Tree("T", Or({Basic("A")})));
+    const auto write = [this](const std::vector<Xml>& sharedData) {
+        WriteRules(RuleXml(TAG).CommonPart(sharedData).EventRule("A", {Single("c")}).Rule(CommandRuleXml("c")
+            .Child(Xml("referenceDefDB").TextChild("defDBName", "d"))
+            .Child(Xml("AnalysisMethod").Attr("type", "SQL").Child(Xml("SQL_Condition")))));
+    };
+    write({Xml("defDBTable").Attr("name", "d")});
+    Arborist arborist(mInfo);
+    EXPECT_TRUE(arborist.StartDetection()[0]->mIsFault);
+    write({});
+    EXPECT_TRUE(arborist.StartDetection()[0]->mIsFault);
+    EXPECT_FALSE(Arborist(mInfo).StartDetection()[0]->mIsFault);
+}
+
 TEST_F(ArboristTest, WithoutDetectInfoEveryCallAnswersEmptyWithItsMessage)
 {
     Arborist arborist(nullptr);

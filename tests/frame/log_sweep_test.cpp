@@ -229,7 +229,9 @@ TEST_F(LogSweepTest, DerivedTablesThatChangeTooOftenAreNotSwept)
 
 TEST_F(LogSweepTest, OfRulesThatShareAnEventOnlyThoseOnTablesAreLeftOut)
 {
-    mDir.Write("rules/FaultTreeRules.xml", RuleXml("Tag").CommonPart({TableXml()}).EventRule("E", {Single("r"), Single("a")})
+    mDir.Write("rules/FaultTreeRules.xml", RuleXml("Tag").CommonPart({TableXml(), Xml("defDBTable").Attr("name", "x")})
+        .EventRule("E", {Single("r"), Single("a"), Single("d")})
+        .Rule(CommandRuleXml("d").Child(Xml("referenceDefDB").TextChild("defDBName", "x")))
         .Rule(TableRule()).Rule(AlarmRuleXml("a", {AlarmIdXml("8", "8", {TimeXml("duration", "1", "1")})})).Text());
     Log({{10 * DAY, 7, "", ""}, {20 * DAY, 8, "", ""}});
     SweepRequest request{DAY, 60 * DAY};
