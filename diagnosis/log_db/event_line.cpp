@@ -37,7 +37,7 @@ bool ReadVersion(const Json::Value& value, std::optional<std::string>& version, 
     return problem.empty();
 }
 
-bool ReadExtra(const std::string& line, const Json::Value& value, std::optional<std::string>& extra,
+bool ReadExtra(std::string_view line, const Json::Value& value, std::optional<std::string>& extra,
     std::string& problem)
 {
     if (value.isObject()) {
@@ -54,7 +54,7 @@ bool ReadExtra(const std::string& line, const Json::Value& value, std::optional<
     return problem.empty();
 }
 
-bool ReadMember(const std::string& line, const std::string& key, const Json::Value& value, LoggedEvent& event,
+bool ReadMember(std::string_view line, const std::string& key, const Json::Value& value, LoggedEvent& event,
     std::string& problem)
 {
     if (key == "time") {
@@ -80,7 +80,7 @@ bool ReadMember(const std::string& line, const std::string& key, const Json::Val
 
 } // namespace
 
-std::optional<LoggedEvent> ReadEvent(const std::string& text, const Json::Value& object, std::string& problem)
+std::optional<LoggedEvent> ReadEvent(std::string_view text, const Json::Value& object, std::string& problem)
 {
     if (!object.isObject()) {
         problem = std::string("must be an object, not ") + JsonKind(object);
@@ -101,7 +101,7 @@ std::optional<LoggedEvent> ReadEvent(const std::string& text, const Json::Value&
     return event;
 }
 
-std::optional<LoggedEvent> ParseEventLine(const std::string& line, std::string& problem)
+std::optional<LoggedEvent> ParseEventLine(std::string_view line, std::string& problem)
 {
     const auto value = ParseJson(line, problem);
     return value ? ReadEvent(line, *value, problem) : std::nullopt;

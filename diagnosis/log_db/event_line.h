@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include <json/value.h>
 
@@ -22,10 +23,10 @@ struct LoggedEvent {
 /// Reads {"time": ..., "event": ..., "version": ..., "extra": ...}: "time" is local time "YYYY-MM-DD HH:MM:SS" or
 /// seconds, "extra" an object, which is kept as it is written, or any text. "version" and "extra" may be missing
 /// (empty) or null. On failure returns nothing and sets `problem`.
-std::optional<LoggedEvent> ParseEventLine(const std::string& line, std::string& problem);
+std::optional<LoggedEvent> ParseEventLine(std::string_view line, std::string& problem);
 
 /// The same for an object that was parsed from `text`.
-std::optional<LoggedEvent> ReadEvent(const std::string& text, const Json::Value& object, std::string& problem);
+std::optional<LoggedEvent> ReadEvent(std::string_view text, const Json::Value& object, std::string& problem);
 
 } // namespace diagnosis
 

@@ -101,7 +101,7 @@ std::optional<Failure> EventLogWriter::Open(const std::string& path)
     if (const auto companion = CompanionOf(path)) {
         return Fail("is in use: there is " + *companion);
     }
-    if (const auto problem = mFile.Make(path)) {
+    if (const auto problem = mFile.MakeWithFolders(path)) {
         return Fail(*problem);
     }
     // Nobody sees the file before it is complete, so it needs no journal.

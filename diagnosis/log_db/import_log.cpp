@@ -1,7 +1,5 @@
 #include "diagnosis/log_db/import_log.h"
 
-#include <filesystem>
-
 #include "diagnosis/scratch/new_file.h"
 #include "diagnosis/text/input_lines.h"
 
@@ -16,9 +14,10 @@ std::vector<Failure> ImportLines(InputLines& lines, const std::string& name, Eve
     std::vector<Failure> failures;
     while (lines.Next()) {
         std::string problem;
-        const auto event = ParseEventLine(lines.Line(), problem);
+        const auto event = lines.LineProblem() == nullptr ? ParseEventLine(lines.Line(), problem) : std::nullopt;
         if (!event) {
-            failures.push_back({FailureCode::BAD_LINE, lines.Place() + ": " + problem});
+            failures.push_back(
+                {FailureCode::BAD_LINE, lines.Place() + ": " + (lines.LineProblem() == nullptr ? problem : lines.LineProblem())});
             if (failures.size() == MOST_FAILURES) {
                 failures.push_back({FailureCode::BAD_LINE, name + ": given up after " + std::to_string(MOST_FAILURES)
                     + " lines that can't be used"});
@@ -30,8 +29,8 @@ std::vector<Failure> ImportLines(InputLines& lines, const std::string& name, Eve
             }
         }
     }
-    if (lines.HasFailed()) {
-        failures.push_back({FailureCode::NO_EVENTS, name + ": can't be read"});
+    if (!lines.Problem().empty()) {
+        failures.push_back({FailureCode::NO_EVENTS, lines.Problem()});
     }
     return failures;
 }
@@ -41,15 +40,12 @@ std::vector<Failure> ImportLines(InputLines& lines, const std::string& name, Eve
 std::vector<Failure> ImportEventLog(const std::string& file, const std::string& target)
 {
     InputLines lines(file);
-    if (lines.HasFailed()) {
-        return {{FailureCode::NO_EVENTS, file + ": can't be read"}};
+    if (!lines.Problem().empty()) {
+        return {{FailureCode::NO_EVENTS, lines.Problem()}};
     }
     if (file != "-" && IsOneFile(file, target)) {
         return {{FailureCode::LOG_NOT_WRITTEN, target + ": is the file that is read"}};
     }
-    // No check here: if the folder can't be created, writing the file fails and reports it.
-    std::error_code error;
-    std::filesystem::create_directories(std::filesystem::path(target).parent_path(), error);
     EventLogWriter writer;
     if (const auto failure = writer.Open(target)) {
         return {*failure};

@@ -157,10 +157,8 @@ std::optional<Failure> SliceEventLog(const std::string& source, const std::strin
     if (const auto companion = CompanionOf(target)) {
         return Failure{FailureCode::LOG_NOT_WRITTEN, target + ": is in use: there is " + *companion};
     }
-    // No check here: if the folder can't be created, writing the file fails and reports it.
-    std::filesystem::create_directories(std::filesystem::path(target).parent_path(), error);
     NewFile file;
-    if (const auto problem = file.Make(target)) {
+    if (const auto problem = file.MakeWithFolders(target)) {
         return Failure{FailureCode::LOG_NOT_WRITTEN, target + ": " + *problem};
     }
     if (auto failure = CopyInto(source, file.TemporaryPath())) {

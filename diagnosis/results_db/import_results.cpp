@@ -16,6 +16,11 @@ namespace {
 
 constexpr std::size_t MOST_FAILURES = 20;
 
+Failure NotWritten(const std::string& message)
+{
+    return {FailureCode::RESULTS_NOT_WRITTEN, message};
+}
+
 /// The database in which an import works: an existing one, or a new file that is put in its place at the end.
 class Target {
 public:
@@ -41,7 +46,7 @@ public:
         if (mIsNew) {
             mDatabase.Close();
             if (const auto problem = mFile.PutInPlace()) {
-                return Failure{FailureCode::RESULTS_NOT_WRITTEN, mPath + ": " + *problem};
+                return NotWritten(mPath + ": " + *problem);
             }
         }
         return std::nullopt;
@@ -52,11 +57,8 @@ public:
 private:
     std::optional<Failure> MakeFile()
     {
-        // No check here: if the folder can't be created, making the file fails and reports it.
-        std::error_code error;
-        std::filesystem::create_directories(std::filesystem::path(mPath).parent_path(), error);
-        if (const auto problem = mFile.Make(mPath)) {
-            return Failure{FailureCode::RESULTS_NOT_WRITTEN, mPath + ": " + *problem};
+        if (const auto problem = mFile.MakeWithFolders(mPath)) {
+            return NotWritten(mPath + ": " + *problem);
         }
         // Nobody sees the file before it is complete, so it needs no journal.
         const bool isOpen = mDatabase.Open(mFile.TemporaryPath(), Connection::Mode::CREATE)
@@ -69,6 +71,7 @@ private:
         if (!mDatabase.Open(mPath, Connection::Mode::CREATE)) {
             return DatabaseFailure(mPath, mDatabase);
         }
+        mDatabase.LimitToFile();
         return CheckSchema(mDatabase, mPath);
     }
 
@@ -91,7 +94,7 @@ public:
     {
         for (const std::string& file : files) {
             if (file != "-" && IsOneFile(file, path)) {
-                return Failure{FailureCode::RESULTS_NOT_WRITTEN, path + ": is a file that is read"};
+                return Failure{FailureCode::RESULTS_NOT_WRITTEN, path + ": is a file that is read", ExitStatus::WRONG_USE};
             }
         }
         mPath = path;
@@ -106,6 +109,9 @@ public:
             if (auto failure = ReadFile(file)) {
                 return failure;
             }
+        }
+        if (!mWriter->Finish()) {
+            return NotWritten(mPath + ": " + mWriter->Error());
         }
         mWriter.reset();
         return mReport.failures.empty() || mOptions.skipsBadLines ? mTarget.Commit() : std::nullopt;
@@ -126,8 +132,9 @@ private:
     {
         InputLines lines(file);
         while (!IsGivenUp() && lines.Next()) {
+            mTarget.Database().AllowBytes(lines.Line().size());
             std::string problem;
-            auto line = mReader.Read(lines.Line(), problem);
+            auto line = ReadLine(lines, problem);
             if (line && mOptions.redact) {
                 mOptions.redact(*line);
             }
@@ -137,7 +144,16 @@ private:
                 return failure;
             }
         }
-        return lines.HasFailed() ? std::optional(Failure{FailureCode::NO_RESULTS, file + ": can't be read"}) : std::nullopt;
+        return lines.Problem().empty() ? std::nullopt : std::optional(Failure{FailureCode::NO_RESULTS, lines.Problem()});
+    }
+
+    std::optional<ResultLine> ReadLine(const InputLines& lines, std::string& problem)
+    {
+        if (lines.LineProblem() != nullptr) {
+            problem = lines.LineProblem();
+            return std::nullopt;
+        }
+        return mReader.Read(lines.Line(), problem);
     }
 
     // More bad lines than these are not looked for, unless they are skipped.
@@ -169,7 +185,7 @@ private:
             ++mReport.counts.there;
             break;
         case Added::FAILED:
-            return Failure{FailureCode::RESULTS_NOT_WRITTEN, mPath + ": " + mWriter->Error()};
+            return NotWritten(mPath + ": " + mWriter->Error());
         }
         return std::nullopt;
     }

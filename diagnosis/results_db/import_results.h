@@ -24,7 +24,7 @@ struct ImportOptions {
 
 struct ImportCounts {
     std::int64_t added = 0;
-    /// Lines that took the place of that of a bundle that had failed.
+    /// Lines that took the place of that of a bundle that had failed, also of one that this import added.
     std::int64_t replaced = 0;
     /// Lines that were there already, or of a failure where there is a result.
     std::int64_t there = 0;

@@ -10,6 +10,29 @@ namespace diagnosis {
 
 namespace fs = std::filesystem;
 
+NewFolders::~NewFolders()
+{
+    for (; !mMade.empty(); mMade.pop_back()) {
+        std::error_code error;
+        fs::remove(mMade.back(), error);
+    }
+}
+
+void NewFolders::Make(const fs::path& folder)
+{
+    std::error_code error;
+    std::vector<fs::path> missing;
+    for (fs::path above = fs::absolute(folder, error); !above.empty() && !fs::exists(above, error);
+         above = above.parent_path()) {
+        missing.push_back(above);
+    }
+    for (; !missing.empty(); missing.pop_back()) {
+        if (fs::create_directory(missing.back(), error)) {
+            mMade.push_back(missing.back());
+        }
+    }
+}
+
 std::optional<std::string> NewFile::Make(const std::string& path)
 {
     std::error_code error;
@@ -28,11 +51,19 @@ std::optional<std::string> NewFile::Make(const std::string& path)
     return std::nullopt;
 }
 
+std::optional<std::string> NewFile::MakeWithFolders(const std::string& path)
+{
+    // No check here: if a folder can't be created, making the file fails and reports it.
+    mFoldersAbove.Make(fs::path(path).parent_path());
+    return Make(path);
+}
+
 std::optional<std::string> NewFile::PutInPlace()
 {
     if (std::rename(TemporaryPath().c_str(), mPath.c_str()) != 0) {
         return std::string("can't be put in place: ") + std::strerror(errno);
     }
+    mFoldersAbove.Keep();
     return std::nullopt;
 }
 

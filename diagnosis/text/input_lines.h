@@ -3,8 +3,10 @@
 
 #include <cstddef>
 #include <fstream>
-#include <istream>
 #include <string>
+#include <string_view>
+
+#include "diagnosis/text/bounded_lines.h"
 
 namespace diagnosis {
 
@@ -16,20 +18,20 @@ public:
 
     /// Moves to the next line. False at the end, and where the file can't be read.
     bool Next();
-    /// The line without its line end, valid until Next.
-    const std::string& Line() const { return mLine; }
+    /// The line without its line feed, valid until Next.
+    std::string_view Line() const { return mLines.Line(); }
+    /// Why the line can't be used, which is empty then: it is longer than LONGEST_LINE. Null for all others.
+    const char* LineProblem() const { return mLines.IsTooLong() ? LINE_TOO_LONG : nullptr; }
     /// "FILE:12", the place of the line.
-    std::string Place() const { return mPath + ":" + std::to_string(mNumber); }
-    /// True if the file could not be opened, or not be read to its end.
-    bool HasFailed() const;
+    std::string Place() const { return mPath + ":" + std::to_string(mLines.Number()); }
+    /// "FILE: can't be read: REASON" if the file could not be opened, or not be read to its end; otherwise empty.
+    const std::string& Problem() const { return mProblem; }
 
 private:
     std::string mPath;
     std::ifstream mFile;
-    std::istream* mLines;
-    std::string mLine;
-    std::size_t mNumber = 0;
-    bool mIsOpen = true;
+    BoundedLines mLines;
+    std::string mProblem;
 };
 
 } // namespace diagnosis

@@ -47,4 +47,30 @@ TEST(NewFile, ReplacesPlainFilesOnly)
     EXPECT_EQ(dir.Read("file"), "new");
 }
 
+TEST(NewFile, FoldersAboveGoAgainUnlessTheFileIsPutInPlace)
+{
+    const TempDir dir;
+    dir.MakeDir("there");
+    {
+        diagnosis::NewFile file;
+        ASSERT_EQ(file.MakeWithFolders("there/new/newer/file"), std::nullopt);
+        ASSERT_TRUE(dir.Has("there/new/newer"));
+    }
+    EXPECT_TRUE(fs::is_empty("there"));
+    {
+        diagnosis::NewFile file;
+        ASSERT_EQ(file.MakeWithFolders("there/new/newer/file"), std::nullopt);
+        dir.Write("there/new/other", "somebody else's");
+    }
+    EXPECT_TRUE(dir.Has("there/new/other"));
+    EXPECT_FALSE(dir.Has("there/new/newer"));
+    {
+        diagnosis::NewFile file;
+        ASSERT_EQ(file.MakeWithFolders("there/new/newer/file"), std::nullopt);
+        dir.Write(fs::relative(file.TemporaryPath()).string(), "text");
+        ASSERT_EQ(file.PutInPlace(), std::nullopt);
+    }
+    EXPECT_EQ(dir.Read("there/new/newer/file"), "text");
+}
+
 } // namespace

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include "diagnosis/text/bounded_lines.h"
 #include "tests/tools/batch/batch_fixture.h"
 #include "tests/tools/json_schema.h"
 
@@ -132,6 +133,15 @@ TEST_F(BatchResumeTest, BlankLinesAndAByteOrderMarkArePassedOver)
     EXPECT_THAT(result.out, StartsWith(KeptLine("b0") + KeptLine("b1")));
     mDir.Write("earlier", "\xEF\xBB\xBF\n" + KeptLine("b1") + "\n{}\n");
     EXPECT_THAT(Run({"--resume", "earlier"}).err, StartsWith("arborist: earlier:4: "));
+}
+
+TEST_F(BatchResumeTest, ALineWithoutAnEndIsRefused)
+{
+    List(2);
+    mDir.Write("earlier", KeptLine("b0") + std::string(diagnosis::LONGEST_LINE + 1, ' ') + "\n" + KeptLine("b1"));
+    const auto result = Run({"--resume", "earlier"});
+    EXPECT_EQ(result.err, "arborist: earlier:2: the line is longer than 64 MiB\n");
+    EXPECT_EQ(result.status, 2);
 }
 
 TEST_F(BatchResumeTest, APipeOfEarlierLinesIsRefused)

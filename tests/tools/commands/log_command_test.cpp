@@ -171,7 +171,8 @@ TEST_F(LogCommandTest, ATargetThatCannotBeWrittenIsTold)
     EXPECT_EQ(RunArborist({"log", "import", "events.jsonl", "--to", "./events.jsonl"}).err,
         "arborist: ./events.jsonl: is the file that is read\n");
     EXPECT_EQ(mDir.Read("events.jsonl"), LINES);
-    EXPECT_EQ(RunArborist({"log", "import", "no.jsonl", "--to", "log.db"}).err, "arborist: no.jsonl: can't be read\n");
+    EXPECT_EQ(RunArborist({"log", "import", "no.jsonl", "--to", "log.db"}).err,
+        "arborist: no.jsonl: can't be read: No such file or directory\n");
     EXPECT_EQ(RunArborist({"log", "import", "folder", "--to", "log.db"}).status, 4);
     EXPECT_EQ(RunArborist({"log", "import", "events.jsonl"}).status, 2);
     EXPECT_FALSE(mDir.Has("log.db"));

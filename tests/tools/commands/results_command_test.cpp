@@ -145,7 +145,7 @@ TEST_F(ResultsCommandTest, DifferencesAreOneObjectOfJson)
     const auto failed = RunArborist({"results", "diff", "--json", "none.jsonl", examples + "after.jsonl"});
     EXPECT_THAT(Violations(schema, ParsedJson(failed.out)), IsEmpty());
     EXPECT_EQ(ParsedJson(failed.out)["error"]["code"], "no_results");
-    EXPECT_EQ(failed.err, "arborist: none.jsonl: can't be read\n");
+    EXPECT_EQ(failed.err, "arborist: none.jsonl: can't be read: No such file or directory\n");
     EXPECT_EQ(failed.status, 4);
 }
 

@@ -66,12 +66,12 @@ TEST(ClosedStreams, AReaderWhoLeavesEndsTheCommandInSilence)
 TEST(ClosedStreams, WhatCannotBeReadIsNotTakenForEmpty)
 {
     const TempDir dir;
-    for (const char* input : {"<&-", "< ."}) {
+    for (const auto& [input, reason] : {std::pair("<&-", "Bad file descriptor"), std::pair("< .", "Is a directory")}) {
         const auto list = RunInShell(std::string("detect --batch - ") + input);
         EXPECT_EQ(list.err, "arborist: standard input can't be read\n");
         EXPECT_EQ(list.status, 2);
         const auto events = RunInShell(std::string("log import - --to log.db ") + input);
-        EXPECT_EQ(events.err, "arborist: -: can't be read\n");
+        EXPECT_EQ(events.err, std::string("arborist: -: can't be read: ") + reason + "\n");
         EXPECT_EQ(events.status, 4);
     }
     EXPECT_FALSE(dir.Has("log.db"));

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "diagnosis/results_db/result_line.h"
+#include "diagnosis/text/bounded_lines.h"
 
 namespace diagnosis::command {
 
@@ -92,28 +93,24 @@ std::optional<std::string> EarlierLines::Read(const std::string& path, const std
         return path + ": can't be read: " + std::strerror(errno);
     }
     OpenBundles open(bundles);
-    std::streamoff start = 0;
-    std::size_t number = 1;
-    for (std::string line; std::getline(mFile, line) && !mFile.eof(); ++number) { // at its end a line was torn
-        const std::size_t mark = number == 1 ? MarkLength(line) : 0;
-        line.erase(0, mark);
-        start += static_cast<std::streamoff>(mark);
-        if (IsBlank(line)) {
-            start += static_cast<std::streamoff>(line.size()) + 1;
+    BoundedLines lines(mFile);
+    while (lines.Next() && lines.HasEnd()) { // a last line without end was torn
+        const std::size_t mark = lines.Number() == 1 ? MarkLength(lines.Line()) : 0;
+        const std::string_view line = lines.Line().substr(mark);
+        if (IsBlank(line) && !lines.IsTooLong()) {
             continue;
         }
-        std::string problem;
-        const auto result = results_db::ReadResultLine(line, false, problem);
+        std::string problem = lines.IsTooLong() ? LINE_TOO_LONG : "";
+        const auto result = lines.IsTooLong() ? std::nullopt : results_db::ReadResultLine(line, false, problem);
         if (!result) {
-            return path + ":" + std::to_string(number) + ": " + problem;
+            return path + ":" + std::to_string(lines.Number()) + ": " + problem;
         }
         const auto bundle = result->error.retry ? std::nullopt : open.Take(result->bundle);
         if (bundle) {
-            mLines[*bundle] = {start, line.size(), command::AnswerOf(*result)};
+            mLines[*bundle] = {lines.Start() + mark, line.size(), command::AnswerOf(*result)};
         }
-        start += static_cast<std::streamoff>(line.size()) + 1;
     }
-    return mFile.bad() ? std::optional(path + ": can't be read to its end") : std::nullopt;
+    return mFile.bad() ? std::optional(path + ": can't be read to its end: " + std::strerror(errno)) : std::nullopt;
 }
 
 bool EarlierLines::AnswerOf(std::size_t bundle, std::optional<BundleAnswer>& answer)
@@ -126,7 +123,7 @@ bool EarlierLines::AnswerOf(std::size_t bundle, std::optional<BundleAnswer>& ans
     answer = entry->second.answer;
     answer->line.resize(entry->second.length);
     mFile.clear();
-    mFile.seekg(entry->second.start);
+    mFile.seekg(static_cast<std::streamoff>(entry->second.start));
     return static_cast<bool>(mFile.read(answer->line.data(), static_cast<std::streamsize>(answer->line.size())));
 }
 

@@ -22,7 +22,7 @@ class EarlierLines {
 public:
     /// Reads the file; one that doesn't exist has no lines. Returns the reason, with the number of the line, if it
     /// can't be read, is no plain file, as only there lines can be read again, or has a line that is no result of a
-    /// detection.
+    /// detection, as one longer than LONGEST_LINE is none.
     std::optional<std::string> Read(const std::string& path, const std::vector<std::string>& bundles);
 
     /// Numbers of bundles that have a line.
@@ -34,7 +34,7 @@ public:
 
 private:
     struct Line {
-        std::streamoff start = 0;
+        std::uint64_t start = 0;
         std::size_t length = 0;
         BundleAnswer answer;
     };
