@@ -25,11 +25,11 @@ ResultWriter::ResultWriter(Connection& database, bool withEvidence)
       mDefinitions(database, mRunner),
       mAddBundle(database.Prepare("INSERT OR IGNORE INTO bundle VALUES (?, ?, ?, ?, ?, ?, ?)")),
       mAddFailure(database.Prepare("INSERT INTO failure VALUES (?, ?, ?, ?)")),
-      mAddTree(database.Prepare("INSERT OR IGNORE INTO tree VALUES (?, ?, ?)")),
-      mAddCause(database.Prepare("INSERT OR IGNORE INTO root_cause VALUES (?, ?)")),
-      mAddCheck(database.Prepare("INSERT OR IGNORE INTO open_check VALUES (?, ?)")),
-      mAddWarning(database.Prepare("INSERT OR IGNORE INTO warning VALUES (?, ?)")),
       mAddRepaired(database.Prepare("INSERT INTO repaired VALUES (?, ?, ?, ?)")),
+      mTrees(database, mRunner, "tree", 3),
+      mCauses(database, mRunner, "root_cause", 2),
+      mOpenChecks(database, mRunner, "open_check", 2),
+      mWarnings(database, mRunner, "warning", 2),
       mFindUndated(database.Prepare("SELECT 1 FROM bundle WHERE name = ? AND ok = 1 AND run = ? AND now IS NULL")),
       mFindInRun(database.Prepare("SELECT 1 FROM bundle WHERE name = ? AND ok = 1 AND run = ?")),
       mFindInAnyRun(database.Prepare("SELECT 1 FROM bundle WHERE name = ? AND ok = 1")),
@@ -50,7 +50,8 @@ void ResultWriter::Load(Connection& database)
 {
     Questions questions(database);
     questions.Ask("SELECT max(id) FROM bundle", [this](const Statement& last) { mLastBundle = last.Integer(0); });
-    questions.Ask("SELECT name, iif(rule_set = '', 0, run), bundle.id FROM failure JOIN bundle"
+    // A cross join keeps the order: failures are few, bundles may be many.
+    questions.Ask("SELECT name, iif(rule_set = '', 0, run), bundle.id FROM failure CROSS JOIN bundle"
         " ON bundle.id = failure.bundle JOIN run ON run.id = bundle.run",
         [this](const Statement& failed) { mFailed[{failed.Text(0), failed.Integer(1)}] = failed.Integer(2); });
     mRunner.Note(questions.Problem());
@@ -61,6 +62,14 @@ Added ResultWriter::Add(const ResultLine& line)
     const std::int64_t run = mDefinitions.Run(line.engine, line.ruleSet);
     const Added added = line.ok ? AddDiagnosed(line, run) : AddFailed(line, run);
     return Error().empty() ? added : Added::FAILED;
+}
+
+bool ResultWriter::Finish()
+{
+    for (NumberRows* const rows : {&mTrees, &mCauses, &mOpenChecks, &mWarnings}) {
+        rows->Flush();
+    }
+    return Error().empty();
 }
 
 Added ResultWriter::AddDiagnosed(const ResultLine& line, std::int64_t run)
@@ -126,6 +135,8 @@ bool ResultWriter::RemoveFailed(Failed::iterator place)
     if (place == mFailed.end()) {
         return false;
     }
+    // Of all rows that are written late, a bundle that failed has these.
+    mWarnings.Flush();
     for (auto& statement : mRemove) {
         mRunner.Run(statement, place->second);
     }
@@ -145,7 +156,7 @@ std::int64_t ResultWriter::AddBundle(const ResultLine& line, std::int64_t run)
 void ResultWriter::AddWarnings(std::int64_t bundle, const ResultLine& line)
 {
     for (const auto& warning : line.warnings) {
-        mRunner.Run(mAddWarning, bundle, mWarningRows.Find(warning, [&] { return mDefinitions.Warning(*warning); }));
+        mWarnings.Add({bundle, mWarningRows.Find(warning, [&] { return mDefinitions.Warning(*warning); })});
     }
 }
 
@@ -153,12 +164,12 @@ void ResultWriter::AddTrees(std::int64_t bundle, const ResultLine& line)
 {
     for (const auto& tree : line.trees) {
         const TreeRows& rows = RowsOf(tree);
-        mRunner.Run(mAddTree, bundle, rows.treeDef, rows.outcome);
+        mTrees.Add({bundle, rows.treeDef, rows.outcome});
         for (const std::int64_t cause : rows.causes) {
-            mRunner.Run(mAddCause, bundle, cause);
+            mCauses.Add({bundle, cause});
         }
         for (const std::int64_t check : rows.open) {
-            mRunner.Run(mAddCheck, bundle, check);
+            mOpenChecks.Add({bundle, check});
         }
     }
 }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "diagnosis/results_db/definition_tables.h"
+#include "diagnosis/results_db/number_rows.h"
 #include "diagnosis/results_db/result_line.h"
 #include "diagnosis/results_db/statement_runner.h"
 
@@ -62,6 +63,8 @@ public:
     ResultWriter(Connection& database, bool withEvidence);
 
     Added Add(const ResultLine& line);
+    /// Writes what is not written yet; call it at the end. False on a failure, as one of an earlier line may be noted late.
+    bool Finish();
     /// SQLite's reason of the first failure; empty if there was none.
     const std::string& Error() const { return mRunner.Error(); }
 
@@ -94,11 +97,11 @@ private:
     DefinitionTables mDefinitions;
     std::optional<Statement> mAddBundle;
     std::optional<Statement> mAddFailure;
-    std::optional<Statement> mAddTree;
-    std::optional<Statement> mAddCause;
-    std::optional<Statement> mAddCheck;
-    std::optional<Statement> mAddWarning;
     std::optional<Statement> mAddRepaired;
+    NumberRows mTrees;
+    NumberRows mCauses;
+    NumberRows mOpenChecks;
+    NumberRows mWarnings;
     std::optional<Statement> mAddEvidence;
     std::optional<Statement> mFindUndated;
     std::optional<Statement> mFindInRun;

@@ -1,6 +1,7 @@
 #ifndef ARBORIST_DIAGNOSIS_RESULTS_DB_STATEMENT_RUNNER_H
 #define ARBORIST_DIAGNOSIS_RESULTS_DB_STATEMENT_RUNNER_H
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -26,20 +27,24 @@ public:
     template <typename... Values>
     bool HasRow(std::optional<Statement>& statement, const Values&... values)
     {
-        if (!statement) {
-            mError = mError.empty() ? "lacks a table or a column of results" : mError;
-        }
-        if (!mError.empty()) {
+        if (!CanRun(statement)) {
             return false;
         }
         int parameter = 0;
         (Bind(*statement, ++parameter, values), ...);
-        const bool hasRow = statement->Step();
-        if (mDatabase.HasError()) {
-            mError = mDatabase.GetError();
+        return Step(*statement);
+    }
+
+    /// Runs the statement with `count` numbers as its parameters.
+    void RunWith(std::optional<Statement>& statement, const std::int64_t* numbers, std::size_t count)
+    {
+        if (!CanRun(statement)) {
+            return;
         }
-        statement->Reset();
-        return hasRow;
+        for (std::size_t place = 0; place < count; ++place) {
+            statement->Bind(static_cast<int>(place) + 1, numbers[place]);
+        }
+        Step(*statement);
     }
 
     /// Runs a statement that may leave its row out; true if it changed one.
@@ -57,6 +62,24 @@ public:
     const std::string& Error() const { return mError; }
 
 private:
+    bool CanRun(const std::optional<Statement>& statement)
+    {
+        if (!statement && mError.empty()) {
+            mError = "lacks a table or a column of results";
+        }
+        return mError.empty();
+    }
+
+    // True if there is a row. Whether the statement failed is told by its reset.
+    bool Step(Statement& statement)
+    {
+        const bool hasRow = statement.Step();
+        if (!statement.Reset()) {
+            mError = mDatabase.GetError();
+        }
+        return hasRow;
+    }
+
     template <typename Value>
     static void Bind(Statement& statement, int parameter, const Value& value)
     {

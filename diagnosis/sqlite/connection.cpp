@@ -12,6 +12,15 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// Steps of SQLite's virtual machine: reading, joining and sorting a row of thirty bytes takes about a hundred.
+constexpr std::int64_t WORK_OF_A_BYTE = 200;
+constexpr std::uint64_t MOST_BYTES = std::uint64_t{1} << 50;
+
+std::int64_t WorkOf(std::uint64_t bytes)
+{
+    return WORK_OF_A_BYTE * static_cast<std::int64_t>(std::min(MOST_BYTES, bytes));
+}
+
 // The reason not to open a file: with a pipe SQLite would wait for its other end.
 std::string ReasonAgainst(const std::string& path)
 {
@@ -65,9 +74,9 @@ bool Statement::Step()
     return sqlite3_step(mStatement.get()) == SQLITE_ROW;
 }
 
-void Statement::Reset()
+bool Statement::Reset()
 {
-    sqlite3_reset(mStatement.get());
+    return sqlite3_reset(mStatement.get()) == SQLITE_OK;
 }
 
 bool Statement::IsReadOnly() const
@@ -162,18 +171,22 @@ std::optional<Statement> Connection::Prepare(const std::string& sql)
 
 void Connection::LimitToFile()
 {
-    // Steps of SQLite's virtual machine: reading, joining and sorting a row of thirty bytes takes about a hundred.
     static constexpr std::int64_t LEAST_WORK = 100'000'000;
-    static constexpr std::int64_t WORK_OF_A_BYTE = 200;
-    static constexpr std::int64_t MOST_BYTES = std::int64_t{1} << 50;
     static constexpr int STEPS_AT_A_TIME = 1'000'000;
     static constexpr std::uint64_t LEAST_LENGTH = 1'000'000;
-    const auto bytes = std::min<std::int64_t>(MOST_BYTES, static_cast<std::int64_t>(mFileBytes));
-    mWorkLeft = std::make_unique<std::int64_t>(LEAST_WORK + WORK_OF_A_BYTE * bytes);
+    mWorkLeft = std::make_unique<std::int64_t>(LEAST_WORK + WorkOf(mFileBytes));
     const auto isOver = [](void* left) { return (*static_cast<std::int64_t*>(left) -= STEPS_AT_A_TIME) < 0 ? 1 : 0; };
     sqlite3_progress_handler(mDatabase.get(), STEPS_AT_A_TIME, isOver, mWorkLeft.get());
     const auto length = std::min<std::uint64_t>(std::max(LEAST_LENGTH, mFileBytes), std::numeric_limits<int>::max());
     sqlite3_limit(mDatabase.get(), SQLITE_LIMIT_LENGTH, static_cast<int>(length));
+}
+
+void Connection::AllowBytes(std::uint64_t bytes)
+{
+    if (mWorkLeft != nullptr) {
+        *mWorkLeft = std::min(WorkOf(MOST_BYTES), *mWorkLeft + WorkOf(bytes));
+        sqlite3_limit(mDatabase.get(), SQLITE_LIMIT_LENGTH, std::numeric_limits<int>::max());
+    }
 }
 
 bool Connection::IsInterrupted() const

@@ -22,8 +22,8 @@ public:
     void BindColumn(int parameter, const Statement& row, int column);
     /// Runs to the next row. False at the end or on an error; see Connection::GetError.
     bool Step();
-    /// Prepares the statement to run again.
-    void Reset();
+    /// Prepares the statement to run again. False if it had failed; see Connection::GetError.
+    bool Reset();
 
     /// Whether running it changes no database.
     bool IsReadOnly() const;
@@ -67,6 +67,9 @@ public:
     /// it builds texts longer than the file: a view in a foreign file could run for ever. Call it on an open
     /// connection.
     void LimitToFile();
+    /// Allows a limited connection the work for so many bytes more, and texts of any length: call it before these bytes
+    /// are added to the file.
+    void AllowBytes(std::uint64_t bytes);
 
     bool HasError() const;
     bool IsInterrupted() const;
