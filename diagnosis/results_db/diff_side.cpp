@@ -102,9 +102,9 @@ void DiffCatalogue::BeginLaterSide()
 
 DiffSide::DiffSide(Questions& questions, DiffCatalogue& catalogue)
     : mQuestions(questions),
-      // A line without moment, and one that failed, come last; equal lines in an order that doesn't depend on the import.
-      mBundles(questions.Prepare("SELECT name, bundle.id, ok, ifnull(datetime(now, 'unixepoch'), ''), microseconds / 1e6"
-          " FROM bundle JOIN run ON run.id = run ORDER BY name, now DESC, ok DESC, engine DESC, rule_set")),
+      // A line without moment, and one that failed, come last.
+      mBundles(questions.Prepare("SELECT name, id, ok, ifnull(datetime(now, 'unixepoch'), ''), microseconds / 1e6"
+          " FROM bundle ORDER BY name, now DESC, ok DESC")),
       mFindTrees(questions.Prepare("SELECT tree_def, outcome_def FROM tree WHERE bundle = ?")),
       mFindCauses(questions.Prepare("SELECT cause_def FROM root_cause WHERE bundle = ?")),
       mFindChecks(questions.Prepare("SELECT check_def FROM open_check WHERE bundle = ?"))

@@ -93,7 +93,7 @@ public:
     /// Moves to the next bundle. False at the end.
     bool Next();
     const std::string& Bundle() const { return mBundle; }
-    /// Its lines, the latest moment first.
+    /// Its lines, the latest moment first; of one moment those that were diagnosed, of whatever runs, come first.
     const std::vector<Line>& Lines() const { return mLines; }
     DiffLine Read(const Line& line);
 

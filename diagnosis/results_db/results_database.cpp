@@ -1,10 +1,13 @@
 #include "diagnosis/results_db/results_database.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <string_view>
 
 #include "diagnosis/results_db/schema.h"
+#include "diagnosis/sqlite/questions.h"
 
 namespace diagnosis::results_db {
 
@@ -14,6 +17,61 @@ std::optional<std::int64_t> Number(Connection& database, const std::string& sql)
 {
     auto statement = database.Prepare(sql);
     return statement && statement->Step() ? std::optional(statement->Integer(0)) : std::nullopt;
+}
+
+// The statement of each table, view, index and trigger, by "table NAME"; an index that SQLite makes itself has none.
+using Schema = std::map<std::string, std::string>;
+
+Schema ReadSchema(Questions& questions)
+{
+    Schema schema;
+    questions.Ask("SELECT type || ' ' || name, ifnull(sql, '') FROM sqlite_master",
+        [&schema](const Statement& row) { schema[row.Text(0)] = row.Text(1); });
+    return schema;
+}
+
+// What CreateSchema makes, with the table of evidence or without it.
+Schema ExpectedSchema(bool withEvidence)
+{
+    static constexpr char IN_MEMORY[] = "";
+    Connection database;
+    Questions questions(database);
+    const bool isMade = database.Open(IN_MEMORY, Connection::Mode::CREATE) && database.Execute(SCHEMA)
+        && (!withEvidence || database.Execute(EVIDENCE_SCHEMA));
+    return isMade ? ReadSchema(questions) : Schema();
+}
+
+// Whether a statement makes a table, a view or an index that our statements neither ask nor run: an index of columns alone,
+// without a condition and without an expression, whose functions would run with each row.
+bool IsHarmless(std::string_view sql)
+{
+    const bool isIndex = sql.starts_with("CREATE INDEX ") && std::count(sql.begin(), sql.end(), '(') == 1
+        && sql.find(')') == sql.size() - 1;
+    return isIndex || sql.starts_with("CREATE TABLE ") || sql.starts_with("CREATE VIEW ");
+}
+
+// What the schema has or lacks that it must not; empty if nothing.
+std::string ProblemOf(const Schema& schema)
+{
+    const Schema expected = ExpectedSchema(schema.contains("table evidence"));
+    if (expected.empty()) {
+        return "can't be compared with the tables of results: out of memory";
+    }
+    for (const auto& [what, sql] : expected) {
+        const auto found = schema.find(what);
+        if (found == schema.end()) {
+            return "lacks the " + what;
+        }
+        if (found->second != sql) {
+            return "has another " + what + " than a results database";
+        }
+    }
+    for (const auto& [what, sql] : schema) {
+        if (!expected.contains(what) && !sql.empty() && !IsHarmless(sql)) {
+            return "has the " + what + ", which an import would run";
+        }
+    }
+    return "";
 }
 
 } // namespace
@@ -44,7 +102,10 @@ std::optional<Failure> CheckSchema(Connection& database, const std::string& path
         return Failure{FailureCode::BAD_RESULTS, path + ": is a results database of version " + std::to_string(*version)
             + ", and this command reads version " + std::to_string(SCHEMA_VERSION) + ": import the lines again"};
     }
-    return std::nullopt;
+    Questions questions(database);
+    const Schema schema = ReadSchema(questions);
+    const std::string problem = questions.Problem().empty() ? ProblemOf(schema) : questions.Problem();
+    return problem.empty() ? std::nullopt : std::optional(Failure{FailureCode::BAD_RESULTS, path + ": " + problem});
 }
 
 std::optional<Failure> OpenResults(const std::string& path, Connection& database)
@@ -56,6 +117,7 @@ std::optional<Failure> OpenResults(const std::string& path, Connection& database
     if (!database.Open(path, Connection::Mode::READ_ONLY)) {
         return DatabaseFailure(path, database);
     }
+    database.LimitToFile();
     return CheckSchema(database, path);
 }
 

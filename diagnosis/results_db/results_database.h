@@ -12,10 +12,13 @@ namespace diagnosis::results_db {
 /// Gives an empty database the schema of results.
 std::optional<Failure> CreateSchema(Connection& database, const std::string& path);
 
-/// The failure `bad_results` if an open database is none of results, or of another version.
+/// The failure `bad_results` if an open database is none of results, of another version, or doesn't have the tables and
+/// views of its version as CreateSchema made them: a view in their place could run for ever. Tables, views and indexes
+/// of columns that somebody added beside them are left alone; triggers and other indexes would run with an import.
 std::optional<Failure> CheckSchema(Connection& database, const std::string& path);
 
-/// Opens a results database to ask it: it must exist, have the schema of this version, and is not changed.
+/// Opens a results database to ask it: it must exist, have the schema of this version, and is not changed. Statements are
+/// limited by the size of the file.
 std::optional<Failure> OpenResults(const std::string& path, Connection& database);
 
 /// The failure `bad_results` for what the connection reports last.

@@ -66,6 +66,20 @@ std::pair<const Line*, const Line*> ChooseLines(const std::vector<Line>& before,
     return {&before.front(), &after.front()};
 }
 
+// Whether another result of the same moment could count as well: one of another rule set or engine.
+bool IsOneOfSeveral(const std::vector<Line>& lines, const Line& line)
+{
+    const auto next = lines.begin() + (&line - lines.data()) + 1;
+    return next != lines.end() && next->ok && next->now == line.now;
+}
+
+Failure MixedRuns(const ResultsSide& side, const std::string& bundle, const Line& line)
+{
+    return {FailureCode::MIXED_RULES, side.path + ": has several results of the bundle \"" + bundle + "\" "
+        + (line.now.empty() ? "without a moment" : "as of " + line.now)
+        + ", of different rule sets or engines, and none of them is the latest: compare results of one rule set and one engine"};
+}
+
 /// Walks through both sides and fills a ResultsDiff.
 class Comparison {
 public:
@@ -74,12 +88,12 @@ public:
     {
     }
 
-    void Run()
+    std::optional<Failure> Run()
     {
         mTallies.resize(mCatalogue.CauseCount());
         bool hasBefore = mBefore.Next();
         bool hasAfter = mAfter.Next();
-        while (hasBefore || hasAfter) {
+        while ((hasBefore || hasAfter) && !mFailure) {
             const bool isBefore = hasBefore && (!hasAfter || mBefore.Bundle() <= mAfter.Bundle());
             const bool isAfter = hasAfter && (!hasBefore || mAfter.Bundle() <= mBefore.Bundle());
             if (isBefore && isAfter) {
@@ -91,6 +105,7 @@ public:
             hasAfter = isAfter ? mAfter.Next() : hasAfter;
         }
         Finish();
+        return mFailure;
     }
 
 private:
@@ -120,6 +135,11 @@ private:
                                    : NotComparable::FAILED_BOTH)
                 .Add(mBefore.Bundle());
             return;
+        }
+        if (IsOneOfSeveral(mBefore.Lines(), *before)) {
+            mFailure = MixedRuns(mDiff.before, mBefore.Bundle(), *before);
+        } else if (IsOneOfSeveral(mAfter.Lines(), *after)) {
+            mFailure = MixedRuns(mDiff.after, mAfter.Bundle(), *after);
         }
         ++mDiff.compared;
         mDiff.otherMoment += before->now == after->now ? 0 : 1;
@@ -249,6 +269,7 @@ private:
     DiffSide mBefore;
     DiffSide mAfter;
     ResultsDiff& mDiff;
+    std::optional<Failure> mFailure;
     std::vector<CauseTally> mTallies;
     std::map<std::tuple<std::string, TreeVerdict, TreeVerdict>, Occurrences> mVerdicts;
     std::map<Number, Occurrences> mNewlyOpen;
@@ -371,11 +392,15 @@ std::optional<Failure> CompareDatabases(Connection& before, Connection& after, R
 {
     Questions ofBefore(before);
     Questions ofAfter(after);
-    Comparison(ofBefore, ofAfter, diff).Run();
+    const auto mixed = Comparison(ofBefore, ofAfter, diff).Run();
     Describe(ofBefore, diff.before);
     Describe(ofAfter, diff.after);
-    const auto failure = FailureOf(ofBefore, diff.before);
-    return failure ? failure : FailureOf(ofAfter, diff.after);
+    for (const auto& failure : {FailureOf(ofBefore, diff.before), FailureOf(ofAfter, diff.after)}) {
+        if (failure) {
+            return failure;
+        }
+    }
+    return mixed;
 }
 
 std::optional<Failure> CompareResults(const std::string& before, const std::string& after, ResultsDiff& diff)

@@ -120,8 +120,9 @@ struct ResultsDiff {
 };
 
 /// Compares two results, each a results database or a file of result lines ("-" for standard input). Bundles are those of
-/// one name; where a side has several lines of it, those of the latest moment that both have count, or else the latest.
-/// Returns the failure, if any.
+/// one name; where a side has several lines of it, those of the latest moment that both have count, or else the latest, and
+/// of one moment one that was diagnosed. Returns the failure, if any: `mixed_rules` where several results of that moment,
+/// of different rule sets or engines, could count.
 std::optional<Failure> CompareResults(const std::string& before, const std::string& after, ResultsDiff& diff);
 
 /// The same for two open results databases. Sets all but the paths of the sides, which a failure names.

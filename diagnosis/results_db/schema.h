@@ -24,8 +24,8 @@ inline constexpr std::int64_t SCHEMA_VERSION = 1;
 /// | outcome_def | what a tree can come to | verdict, complete, and the checks counted |
 /// | tree | a tree of a bundle | refers to its tree_def and outcome_def |
 /// | cause_def | a root cause: tree, event, texts and cut set, each different one once | cut_set: the sorted paths of the members, joined by " & " |
-/// | cut_set_member | a member of the cut set of a cause_def | path: ids from the top event, joined by "/" |
-/// | repair | a repair that a cause_def suggests | in the order of the rule set |
+/// | cut_set_member | a member of the cut set of a cause_def | path: ids from the top event, joined by "/"; place: 0, 1, ... in the order of the line |
+/// | repair | a repair that a cause_def suggests | place: 0, 1, ... in the order of the rule set |
 /// | repaired | a repair that a bundle has on record | date: as bundle.now, NULL where it is no moment; place: 0, 1, ... in the order of the line |
 /// | root_cause | a root cause that a bundle has | in no order: the line has that of the deduction |
 /// | check_def | an open check: tree, event, rule, check, reason, detail | |
@@ -42,7 +42,7 @@ extern const char* const SCHEMA;
 ///
 /// | Table | One row for | Columns worth a word |
 /// |---|---|---|
-/// | evidence | an event of a bundle whose rules were asked | evidence: its object in the line's explanation, as JSON text |
+/// | evidence | an event of a bundle whose rules were asked | evidence: its object in the line's explanation, as JSON text; place: 0, 1, ... in the order of the line |
 extern const char* const EVIDENCE_SCHEMA;
 
 } // namespace diagnosis::results_db

@@ -15,7 +15,6 @@ std::optional<Failure> ReadFleet(const std::string& path, std::int64_t withinDay
     if (const auto failure = results_db::OpenResults(path, database)) {
         return failure;
     }
-    database.LimitToFile();
     // One transaction, so that all figures are of one state of the file.
     if (!database.Execute("BEGIN")) {
         return results_db::DatabaseFailure(path, database);

@@ -1,9 +1,12 @@
 #include "diagnosis/results_db/import_results.h"
 
+#include <filesystem>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "diagnosis/sqlite/connection.h"
+#include "diagnosis/text/bounded_lines.h"
 #include "tests/diagnosis/results_db/damaged_table.h"
 #include "tests/diagnosis/results_db/result_lines.h"
 #include "tests/support/database_rows.h"
@@ -249,8 +252,8 @@ TEST_F(ImportResultsTest, SeveralFilesAreOneTransaction)
     mDir.Write("one.jsonl", LineOf("b1").NoFault("T").Text());
     mDir.Write("two.jsonl", LineOf("b2").NoFault("T").Text());
     EXPECT_EQ(Text(ImportResults({"one.jsonl", "two.jsonl"}, "folder/r.db", {})), "new 2, replaced 0, there 0, skipped 0");
-    EXPECT_EQ(Text(ImportResults({"one.jsonl", "none.jsonl"}, "r.db", {})), "no_results: none.jsonl: can't be read");
-    EXPECT_EQ(Text(ImportResults({"."}, "r.db", {})), "no_results: .: can't be read");
+    EXPECT_EQ(Text(ImportResults({"one.jsonl", "none.jsonl"}, "r.db", {})), "no_results: none.jsonl: can't be read: No such file or directory");
+    EXPECT_EQ(Text(ImportResults({"."}, "r.db", {})), "no_results: .: can't be read: is a folder");
     EXPECT_FALSE(mDir.Has("r.db"));
 }
 
@@ -278,22 +281,92 @@ TEST_F(ImportResultsTest, AnAlteredDatabaseIsAFailure)
     Connection database;
     ASSERT_TRUE(database.Open("r.db", Connection::Mode::CREATE));
     ASSERT_TRUE(database.Execute("DROP TABLE tree"));
-    EXPECT_THAT(Text(Import({LineOf("b2").NoFault("T")})), HasSubstr("results_not_written: r.db: lacks a table"));
+    EXPECT_EQ(Text(Import({LineOf("b2").NoFault("T")})), "bad_results: r.db: lacks the table tree");
 }
 
+TEST_F(ImportResultsTest, WhatCannotBeWrittenIsToldWithItsReason)
+{
+    const auto failureAt = [this](const std::string& target) {
+        mDir.Write("lines.jsonl", LineOf("b").NoFault("T").Text());
+        return ImportResults({"lines.jsonl"}, target, {}).failures.at(0);
+    };
+    mDir.Write("file", "");
+    EXPECT_EQ(failureAt("file/r.db").message, "file/r.db: can't be written: Not a directory");
+    EXPECT_EQ(failureAt("file/r.db").status, diagnosis::ExitStatus::INTERNAL);
+    EXPECT_EQ(failureAt("lines.jsonl").status, diagnosis::ExitStatus::WRONG_USE);
+    Import({LineOf("b1").NoFault("T")});
+    Connection database;
+    ASSERT_TRUE(database.Open("r.db", Connection::Mode::CREATE));
+    ASSERT_TRUE(database.Execute("CREATE TABLE bystander(id); BEGIN IMMEDIATE"));
+    EXPECT_EQ(failureAt("r.db").message, "r.db: database is locked");
+}
+
+// A line of several bundles' rows, so that some of them are written late.
+TEST_F(ImportResultsTest, AFailureOfTheLastRowsIsOneOfTheImport)
+{
+    Import({LineOf("b1").Fault("T", {"A"})});
+    FillTables("r.db");
+    DamageLastRows("r.db", "root_cause");
+    const std::string before = mDir.Read("r.db");
+    EXPECT_EQ(Text(Import({LineOf("b2").Fault("T", {"A"})})), "results_not_written: r.db: database disk image is malformed");
+    EXPECT_EQ(mDir.Read("r.db"), before);
+}
+
+TEST_F(ImportResultsTest, ARefusedImportLeavesNoFolders)
+{
+    mDir.MakeDir("there");
+    mDir.Write("lines.jsonl", "nonsense\n");
+    EXPECT_FALSE(ImportResults({"lines.jsonl"}, "there/new/newer/r.db", {}).isImported);
+    EXPECT_TRUE(std::filesystem::is_empty("there"));
+    EXPECT_TRUE(mDir.Has("there"));
+}
+
+// What is read of such tables is all that a line is compared with: rows that were not read would be there twice.
 TEST_F(ImportResultsTest, NothingIsAddedToADatabaseWithADamagedPage)
 {
-    for (const std::string table : {"run", "failure", "tree_def", "outcome_def", "check_def", "warning_def", "cause_def",
-             "cut_set_member", "repair"}) {
-        mDir.Write("lines.jsonl", LineOf("b").Fault("T", {"A"}).RuleSet("sha256:bb").Text());
-        const std::string path = table + ".db";
-        ASSERT_TRUE(ImportResults({"lines.jsonl"}, path, {}).isImported);
-        DamageTable(path, table);
-        const std::string before = mDir.Read(path);
-        mDir.Write("lines.jsonl", LineOf("c").NoFault("T").RuleSet(table == "run" ? "sha256:cc" : "sha256:bb").Text());
-        EXPECT_THAT(Text(ImportResults({"lines.jsonl"}, path, {})), HasSubstr(path + ": database disk image is malformed"));
-        EXPECT_EQ(mDir.Read(path), before);
+    const std::vector<LineOf> known = {LineOf("b").Fault("T", {"A"}).Open("T", "B").Warning("w", "text")};
+    for (const std::string table : {"run", "bundle", "failure", "tree_def", "outcome_def", "check_def", "warning_def",
+             "cause_def", "cut_set_member", "repair"}) {
+        std::filesystem::remove("r.db");
+        ASSERT_TRUE(Import(known).isImported);
+        FillTables("r.db");
+        DamageLastRows("r.db", table);
+        const std::string before = mDir.Read("r.db");
+        const std::string code = table == "run" ? "bad_results" : "results_not_written";
+        // It has nothing that the tables of definitions don't have in their first rows.
+        EXPECT_EQ(Text(Import({LineOf("c").Fault("T", {"A"}).Open("T", "B").Warning("w", "text")})),
+            code + ": r.db: database disk image is malformed") << table;
+        EXPECT_EQ(mDir.Read("r.db"), before);
     }
+}
+
+// SQLite itself writes nothing more after a damaged page, but goes on after a statement that was interrupted.
+TEST_F(ImportResultsTest, NothingIsAddedToADatabaseWhoseTablesHaveNoEnd)
+{
+    for (const std::string table : {"run", "failure", "cut_set_member"}) {
+        std::filesystem::remove("r.db");
+        Import({LineOf("b").Fault("T", {"A"})});
+        MakeEndless("r.db", table);
+        EXPECT_EQ(Text(Import({LineOf("c").NoFault("T")})), (table == "run" ? "bad_results" : "results_not_written")
+            + std::string(": r.db: takes more work than a database of its size can need"));
+    }
+}
+
+TEST_F(ImportResultsTest, ALineMayBeLongerThanTheDatabase)
+{
+    Import({LineOf("b").NoFault("T")});
+    const LineOf large = LineOf("c").Warning("w", std::string(2'000'000, 'x')).NoFault("T");
+    EXPECT_EQ(Text(Import({large})), "new 1, replaced 0, there 0, skipped 0");
+}
+
+TEST_F(ImportResultsTest, ALineWithoutAnEndIsRefusedByItsNumber)
+{
+    const std::string good = LineOf("b").NoFault("T").Text();
+    const std::string text = good + std::string(diagnosis::LONGEST_LINE + 1, ' ') + "\n";
+    EXPECT_EQ(Text(ImportText(text + good)), "bad_line: lines.jsonl:2: the line is longer than 64 MiB");
+    ImportOptions options;
+    options.skipsBadLines = true;
+    EXPECT_EQ(Text(ImportText(text + LineOf("c").NoFault("T").Text(), options)), "new 2, replaced 0, there 0, skipped 1");
 }
 
 TEST_F(ImportResultsTest, ForeignTextIsText)

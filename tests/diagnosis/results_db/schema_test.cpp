@@ -20,7 +20,7 @@ protected:
         Connection database;
         ASSERT_TRUE(database.Open("r.db", Connection::Mode::CREATE));
         ASSERT_FALSE(CreateSchema(database, "r.db"));
-        ASSERT_TRUE(database.Execute(sql)) << database.GetError();
+        ASSERT_TRUE(database.Execute(diagnosis::results_db::EVIDENCE_SCHEMA + sql)) << database.GetError();
     }
 
     std::string MessageOf(const std::string& path)
@@ -35,7 +35,7 @@ protected:
 
 TEST_F(SchemaTest, ViewsCanBeAskedOfAnEmptyDatabase)
 {
-    Make(diagnosis::results_db::EVIDENCE_SCHEMA);
+    Make("");
     Connection database;
     ASSERT_FALSE(OpenResults("r.db", database));
     for (const std::string view : {"bundles", "trees", "root_causes", "open_checks", "warnings", "repairs", "top_causes",
@@ -65,5 +65,53 @@ TEST_F(SchemaTest, AnotherVersionIsRefusedWithBothNumbers)
     EXPECT_EQ(MessageOf("r.db"), "bad_results: r.db: is a results database of version 7, and this command reads version 1: "
                                  "import the lines again");
 }
+
+TEST_F(SchemaTest, StatementsOnAnOpenDatabaseAreLimitedByItsSize)
+{
+    Make("");
+    Connection database;
+    ASSERT_FALSE(OpenResults("r.db", database));
+    auto endless = database.Prepare("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT max(i) FROM n");
+    ASSERT_TRUE(endless);
+    EXPECT_FALSE(endless->Step());
+    EXPECT_TRUE(database.IsInterrupted());
+}
+
+struct AlteredCase {
+    const char* name;
+    const char* sql;
+    const char* message;
+};
+void PrintTo(const AlteredCase& altered, std::ostream* out) { *out << altered.name; }
+class AlteredSchemaTest : public SchemaTest, public testing::WithParamInterface<AlteredCase> {};
+
+TEST_P(AlteredSchemaTest, IsToldByWhatMayRun)
+{
+    Make(GetParam().sql);
+    EXPECT_EQ(MessageOf("r.db"), GetParam().message);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, AlteredSchemaTest, testing::Values(
+    AlteredCase{"TableMissing", "DROP TABLE evidence; DROP TABLE repaired", "bad_results: r.db: lacks the table repaired"},
+    AlteredCase{"ViewMissing", "DROP VIEW trees", "bad_results: r.db: lacks the view trees"},
+    AlteredCase{"IndexMissing", "DROP INDEX bundle_name", "bad_results: r.db: lacks the index bundle_name"},
+    AlteredCase{"ViewInPlaceOfATable", "DROP TABLE run; CREATE VIEW run AS SELECT 1 AS id, '' AS engine, '' AS rule_set",
+        "bad_results: r.db: lacks the index sqlite_autoindex_run_1"},
+    AlteredCase{"ColumnMore", "ALTER TABLE tree ADD COLUMN more", "bad_results: r.db: has another table tree than a results database"},
+    AlteredCase{"OtherEvidence", "DROP TABLE evidence; CREATE TABLE evidence(bundle)",
+        "bad_results: r.db: lacks the index sqlite_autoindex_evidence_1"},
+    AlteredCase{"NoEvidence", "DROP TABLE evidence", "none"},
+    AlteredCase{"Trigger", "CREATE TRIGGER t AFTER INSERT ON tree BEGIN DELETE FROM run; END",
+        "bad_results: r.db: has the trigger t, which an import would run"},
+    AlteredCase{"IndexOfAnExpression", "CREATE INDEX i ON tree(abs(bundle))",
+        "bad_results: r.db: has the index i, which an import would run"},
+    AlteredCase{"IndexWithACondition", "CREATE INDEX i ON tree(bundle) WHERE abs(bundle) > 0",
+        "bad_results: r.db: has the index i, which an import would run"},
+    AlteredCase{"UniqueIndex", "CREATE UNIQUE INDEX i ON tree(outcome_def)",
+        "bad_results: r.db: has the index i, which an import would run"},
+    AlteredCase{"IndexOfColumns", "CREATE INDEX i ON root_cause(cause_def, bundle)", "none"},
+    AlteredCase{"OwnViewAndTable", "CREATE VIEW mine AS SELECT 1; CREATE TABLE notes(id, text UNIQUE)", "none"},
+    AlteredCase{"Statistics", "ANALYZE", "none"}),
+    [](const auto& row) { return std::string(row.param.name); });
 
 } // namespace

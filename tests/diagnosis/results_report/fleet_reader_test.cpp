@@ -372,7 +372,7 @@ TEST(FleetReaderTest, ADatabaseThatLacksATableIsToldAsSuch)
     Fleet fleet;
     const auto failure = ReadFleet(database.Path(), 30, fleet);
     ASSERT_TRUE(failure);
-    EXPECT_THAT(failure->message, testing::EndsWith("results.db: no such table: repaired"));
+    EXPECT_THAT(failure->message, testing::EndsWith("results.db: lacks the table repaired"));
 }
 
 TEST(FleetReaderTest, ARootCauseWithoutItsDefinitionIsPassedOver)
