@@ -5,11 +5,6 @@ namespace diagnosis::lint {
 
 namespace {
 
-bool IsSafelyMended(const Finding& finding)
-{
-    return !finding.edits.empty() && finding.edits.front().isSafe;
-}
-
 void AppendFinding(const Finding& finding, JsonWriter& json)
 {
     json.BeginObject();
@@ -24,7 +19,7 @@ void AppendFinding(const Finding& finding, JsonWriter& json)
         json.Text("help", finding.help);
     }
     json.Text("atRunTime", finding.check->atRunTime);
-    json.Text("fix", finding.edits.empty() ? "none" : IsSafelyMended(finding) ? "safe" : "unsafe");
+    json.Text("fix", finding.edits.empty() ? "none" : finding.edits.front().isSafe ? "safe" : "unsafe");
     json.Text("fingerprint", finding.fingerprint);
     json.EndObject();
 }
