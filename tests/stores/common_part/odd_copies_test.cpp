@@ -1,6 +1,7 @@
 // Searches and archives that leave something out.
 #include "arborist/stores/common_part/external_databases.h"
 
+#include <algorithm>
 #include <filesystem>
 
 #include <gmock/gmock.h>
