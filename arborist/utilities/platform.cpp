@@ -4,9 +4,9 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <utility>
-#include <vector>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -81,16 +81,17 @@ bool CopyToEnd(int from, int to)
             return false;
         }
     }
-    std::vector<char> block(128 * 1024);
+    constexpr std::size_t BLOCK = 128 * 1024;
+    const auto block = std::make_unique_for_overwrite<char[]>(BLOCK);
     for (;;) {
-        const ssize_t got = read(from, block.data(), block.size());
+        const ssize_t got = read(from, block.get(), BLOCK);
         if (got < 0 && errno == EINTR) {
             continue;
         }
         if (got <= 0) {
             return got == 0;
         }
-        if (StopPoint::IsDue() || !WriteAll(to, block.data(), static_cast<std::size_t>(got))) {
+        if (StopPoint::IsDue() || !WriteAll(to, block.get(), static_cast<std::size_t>(got))) {
             return false;
         }
     }
