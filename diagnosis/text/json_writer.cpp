@@ -40,10 +40,23 @@ void AppendCharacter(std::string& line, std::string_view character)
     line += character;
 }
 
+// A character of ASCII that stands for itself, as nearly all do.
+bool IsPlain(char character)
+{
+    return character >= 0x20 && character < 0x7F && character != '"' && character != '\\';
+}
+
 void AppendQuoted(std::string& line, std::string_view text)
 {
     line += '"';
-    while (!text.empty()) {
+    for (;;) {
+        const auto plain = static_cast<std::size_t>(
+            std::find_if_not(text.begin(), text.end(), IsPlain) - text.begin());
+        line += text.substr(0, plain);
+        text.remove_prefix(plain);
+        if (text.empty()) {
+            break;
+        }
         const std::size_t length = Utf8Length(text);
         if (length == 0) {
             line += "\xEF\xBF\xBD";
