@@ -66,10 +66,14 @@ std::vector<std::string> TagsToCheck(const RuleSetFiles& files, const LintOption
 
 void DropSuppressed(const RuleSetFiles& files, const LintOptions& options, Report& report)
 {
+    const Check* const unused = FindCheck("A001");
+    const bool isUnusedWanted = unused != nullptr && IsWanted(*unused, options);
+    if (report.Findings().empty() && !isUnusedWanted) {
+        return;
+    }
     Suppressions suppressions(files);
     std::erase_if(report.Findings(), [&](const Reported& reported) { return suppressions.Covers(reported); });
-    const Check* const unused = FindCheck("A001");
-    if (unused == nullptr || !IsWanted(*unused, options)) {
+    if (!isUnusedWanted) {
         return;
     }
     report.Begin(*unused);

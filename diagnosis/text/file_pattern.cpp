@@ -6,8 +6,7 @@ namespace diagnosis {
 
 bool IsFilePattern(const std::string& pattern)
 {
-    static constexpr std::size_t LONGEST = 4096;
-    if (pattern.size() > LONGEST) {
+    if (pattern.size() > LONGEST_FILE_PATTERN) {
         return false;
     }
     try {

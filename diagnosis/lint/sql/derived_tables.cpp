@@ -82,6 +82,7 @@ bool DerivedTables::Make(const std::string& name, const ThresholdBean& bean)
         return false;
     }
     mMade.insert(name);
+    mCreated.insert(&bean);
     return true;
 }
 

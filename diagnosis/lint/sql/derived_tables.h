@@ -28,7 +28,10 @@ public:
     /// created, or if there are more than a query can join. Valid until the next call.
     Connection* For(std::span<const SqlToken> tokens);
 
-    /// SQLite's message if the table of an entry can't be created; otherwise empty.
+    /// The entries whose tables were created.
+    const std::set<const rule_source::ThresholdBean*>& Created() const { return mCreated; }
+
+    /// SQLite's message if the table of an entry can't be created; otherwise empty. Tries it on a database of its own.
     static std::string ErrorOf(const rule_source::ThresholdBean& bean);
 
 private:
@@ -39,7 +42,9 @@ private:
     /// By name in lower case. Of several with one name the last, as building it drops the table of the others.
     std::unordered_map<std::string, const rule_source::ThresholdBean*> mBeans;
     std::unique_ptr<Connection> mDatabase;
+    /// The tables of `mDatabase`.
     std::set<std::string> mMade;
+    std::set<const rule_source::ThresholdBean*> mCreated;
 };
 
 } // namespace diagnosis::lint

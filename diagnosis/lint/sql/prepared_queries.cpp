@@ -95,8 +95,15 @@ const std::vector<PreparedQuery>& PreparedQueries::All()
                 mQueries.push_back(Prepare(rule, tables));
             }
         }
+        mCreated = tables.Created();
     }
     return mQueries;
+}
+
+std::string PreparedQueries::ErrorOfTable(const rule_source::ThresholdBean& bean)
+{
+    All(); // which creates the tables of most entries
+    return mCreated.count(&bean) != 0 ? "" : DerivedTables::ErrorOf(bean);
 }
 
 } // namespace diagnosis::lint

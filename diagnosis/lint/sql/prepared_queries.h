@@ -1,6 +1,7 @@
 #ifndef ARBORIST_DIAGNOSIS_LINT_SQL_PREPARED_QUERIES_H
 #define ARBORIST_DIAGNOSIS_LINT_SQL_PREPARED_QUERIES_H
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -34,10 +35,15 @@ public:
 
     const std::vector<PreparedQuery>& All();
 
+    /// SQLite's message if the derived table of an entry can't be created; otherwise empty.
+    std::string ErrorOfTable(const rule_source::ThresholdBean& bean);
+
 private:
     const rule_source::RuleSet& mRules;
     bool mIsDone = false;
     std::vector<PreparedQuery> mQueries;
+    /// The entries whose tables were created for queries.
+    std::set<const rule_source::ThresholdBean*> mCreated;
 };
 
 } // namespace diagnosis::lint

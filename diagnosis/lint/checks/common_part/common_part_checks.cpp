@@ -6,6 +6,7 @@
 #include "diagnosis/lint/base/subject.h"
 #include "diagnosis/lint/checks/checks.h"
 #include "diagnosis/lint/sql/derived_tables.h"
+#include "diagnosis/lint/sql/prepared_queries.h"
 
 namespace diagnosis::lint {
 
@@ -80,7 +81,7 @@ void CheckColumns(const Subject& subject, Report& report)
         if (bean.dataItems.empty()) {
             continue;
         }
-        const std::string error = DerivedTables::ErrorOf(bean);
+        const std::string error = subject.queries.ErrorOfTable(bean);
         if (!error.empty()) {
             report.Add(bean.element, "the table of the common part " + Quoted(bean.name) + " can't be made: " + error,
                 {.attribute = bean.element.Find("name"),

@@ -122,12 +122,18 @@ std::string FolderLeftOut(const TableBean& bean, const std::string& pattern)
 void CheckPattern(const TableBean& bean, Report& report)
 {
     const std::string pattern = LowerName(bean.dbName);
-    if (!IsFilePattern(pattern)) {
-        return; // another check reports it
+    if (pattern.size() > LONGEST_FILE_PATTERN) {
+        return;
     }
-    if (!MayMatchAPath(pattern)) {
+    const bool mayMatch = MayMatchAPath(pattern);
+    const std::string folder = mayMatch ? FolderLeftOut(bean, pattern) : "";
+    // Last, as compiling a pattern takes longer than the rest. Another check reports what is no pattern.
+    if ((mayMatch && folder.empty()) || !IsFilePattern(pattern)) {
+        return;
+    }
+    if (!mayMatch) {
         AddAboutPattern(bean, "does not cover the folders of a path", "let it begin with .*/", report);
-    } else if (const std::string folder = FolderLeftOut(bean, pattern); !folder.empty()) {
+    } else {
         AddAboutPattern(bean, "matches no path below " + Quoted(folder) + ", which is searched", "let it begin with .*/",
             report);
     }
