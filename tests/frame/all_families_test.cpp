@@ -38,7 +38,7 @@ TEST_F(AllFamilies, SecondDetectionBuildsEverythingAnewAndAgrees)
     EXPECT_THAT(RootCauses(arborist), ElementsAre("alarm", "derived", "external", "node", "code"));
 }
 
-// Windows replaces no file that is open, not even by the process that has it open.
+// Windows removes no file that is open, not even for the process that has it open: making room for the new copy failed there.
 TEST_F(AllFamilies, DatabaseThatARuleAskedLastIsCopiedAnewForTheNextDetection)
 {
     mDir.Write("FaultTrees.xml", TreeXml("All").Tree("T", Or({Basic("derived"), Basic("external")})).Text());

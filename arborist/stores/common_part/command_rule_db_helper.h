@@ -42,8 +42,7 @@ public:
         const std::shared_ptr<Param>& first, const std::shared_ptr<Param>& second,
         Evidence::Statement* record = nullptr);
 
-    /// Closes the database, which otherwise stays open until another one is opened: Windows lets nobody replace or remove
-    /// a file that is open.
+    /// Closes the database, which otherwise stays open until another one is opened: Windows removes no file that is open.
     void Close() { mConnection.Close(); }
 
     /// True if the database refused the last statement, at once or on the way.
