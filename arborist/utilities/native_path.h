@@ -7,10 +7,8 @@
 /// The text of a path as the standard library takes it: UTF-8 on Windows, where the library would read the letters of
 /// the C locale; elsewhere the bytes as they are. Paths that the library returns are UTF-8 on Windows anyway.
 #ifdef _WIN32
-inline std::filesystem::path NativePath(const std::string& text)
-{
-    return std::u8string(text.begin(), text.end());
-}
+/// What is no UTF-8 becomes the replacement character, where the standard library would throw.
+std::filesystem::path NativePath(const std::string& text);
 #else
 inline const std::string& NativePath(const std::string& text)
 {

@@ -13,6 +13,7 @@
 #include <windows.h>
 
 #include "arborist/frame/stopping.h"
+#include "arborist/utilities/native_path.h"
 #include "arborist/utilities/posix_zone.h"
 
 namespace {
@@ -118,6 +119,11 @@ bool IsSelfOrParent(const wchar_t* name)
 
 } // namespace
 
+std::filesystem::path NativePath(const std::string& text)
+{
+    return Wide(text);
+}
+
 void Platform::NameThread(const std::string& name)
 {
     // The compiler's libraries don't have it, and Windows has it since version 10.
@@ -140,6 +146,10 @@ double Platform::StrToDouble(const char* text, char** end)
 
 bool Platform::LocalTime(std::int64_t seconds, std::tm& local)
 {
+    constexpr std::int64_t FAR_AWAY = 1'000'000'000'000; // 30,000 years, of which the calendar has a third
+    if (seconds < -FAR_AWAY || seconds > FAR_AWAY) {
+        return false;
+    }
     const std::optional<PosixZone> zone = ZoneOfEnvironment();
     return Calendar::FieldsOf(seconds + (zone ? zone->OffsetAt(seconds) : OffsetOfSystem(seconds)), local);
 }

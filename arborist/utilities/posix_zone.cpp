@@ -38,7 +38,9 @@ int DaysToMonth(std::int64_t year, int month)
 
 std::int64_t YearOf(std::int64_t day)
 {
-    std::int64_t year = 1970 + FloorOf(day, 366); // at most the year, and a few years less in a thousand
+    constexpr std::int64_t CYCLE_YEARS = 400; // after which the calendar begins anew
+    constexpr std::int64_t CYCLE_DAYS = 146097;
+    std::int64_t year = 1970 + FloorOf(day * CYCLE_YEARS, CYCLE_DAYS); // off by one at most
     while (DaysToYear(year + 1) <= day) {
         ++year;
     }

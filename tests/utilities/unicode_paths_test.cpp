@@ -55,6 +55,16 @@ TEST_F(UnicodePathsTest, FilesAreFoundReadAndWritten)
     EXPECT_EQ(mDir.Read(FILE_NAME), "42+1");
 }
 
+TEST_F(UnicodePathsTest, TextThatIsNoUtf8NamesNoFile)
+{
+    const std::string path = std::string(FOLDER) + "/\xff\xe6.txt";
+    EXPECT_FALSE(FileUtil::FileExists(path));
+    EXPECT_FALSE(FileUtil::IsDirectory(path));
+    EXPECT_EQ(FileUtil::GetFileSize(path), 0U);
+    std::string text;
+    EXPECT_FALSE(FileUtil::LoadStringFromFile(path, text));
+}
+
 TEST_F(UnicodePathsTest, FilesAreListedCopiedAndRemoved)
 {
     std::vector<std::string> files;
