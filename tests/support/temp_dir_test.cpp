@@ -13,7 +13,7 @@ TEST(TempDirTest, IsTheCurrentDirectoryAndGoesWithAllThatIsInIt)
     {
         const TempDir dir;
         path = dir.Path();
-        EXPECT_EQ(std::filesystem::current_path().string(), path);
+        EXPECT_EQ(std::filesystem::current_path().generic_string(), path);
         dir.Write("a/b/file", "content");
         EXPECT_EQ(dir.Read("a/b/file"), "content");
         EXPECT_TRUE(dir.Has("a/b"));
