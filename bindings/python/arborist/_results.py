@@ -96,8 +96,9 @@ class Detection:
     """The answer of one detection: a tree for each of the rule set, in file order.
 
     Answers can be compared if `engine`, the version, and `rule_set`, a digest of the rule files, are the same. `device` is
-    a keyed hash of the device's id, or empty; `now` the moment of the detection; `seconds` how long it took, which is the
-    one thing that differs between detections of the same.
+    a keyed hash of the device's id, or empty; `now` the moment of the detection; `repaired` the repairs that the bundle has
+    on record at that moment, in the order in which they were first written; `seconds` how long it took, which is the one
+    thing that differs between detections of the same.
     """
 
     bundle: str
@@ -107,6 +108,7 @@ class Detection:
     engine: str
     rule_set: str
     now: str
+    repaired: tuple[RepairRecord, ...]
     seconds: float = field(compare=False)
     json: str = field(repr=False, compare=False)
 
@@ -227,6 +229,7 @@ def detection_of(text: str, warnings: str) -> Detection:
         engine=answer["engine"],
         rule_set=answer["ruleSet"],
         now=answer["now"],
+        repaired=tuple(RepairRecord(entry["id"], entry["date"]) for entry in answer["repaired"]),
         seconds=answer["seconds"],
         json=text,
     )

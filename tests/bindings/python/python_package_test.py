@@ -160,6 +160,15 @@ class PackageTest(UnchangedInputs):
         self.assertEqual([record.id for record in arborist.repairs("mended")],
                          ["REPAIR_KEYBOARD", "REPAIR_FAN", "REPAIR_FON"])
 
+    def test_a_detection_has_the_repairs_on_record(self):
+        shutil.copytree("laptop", "repaired")
+        arborist.record_repair("repaired", "REPAIR_FAN", now="2024-05-19 08:00:00")
+        detection = arborist.detect("repaired", now="2024-05-20 12:00:00")
+        self.assertEqual(detection.repaired[-1], arborist.RepairRecord("REPAIR_FAN", "2024-05-19 08:00:00"))
+        self.assertEqual([{"id": record.id, "date": record.date} for record in detection.repaired],
+                         json.loads(detection.json)["repaired"])
+        self.assertEqual(detection.repaired, tuple(arborist.repairs("repaired")))
+
     def test_the_host_answers_code_rules(self):
         questions = []
 
