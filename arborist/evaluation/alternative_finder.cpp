@@ -57,7 +57,7 @@ AlternativeFinder::AlternativeFinder(const OrRuleList& rules) : mRules(rules)
     }
 }
 
-std::shared_ptr<OrRuleSingle> AlternativeFinder::Find(const std::string& name) const
+std::shared_ptr<OrRuleSingle> AlternativeFinder::Find(const std::string& name)
 {
     return mRules.size() <= SHORT_LIST ? FindByWalk(name) : FindByIndex(name);
 }
@@ -82,7 +82,7 @@ std::shared_ptr<OrRuleSingle> AlternativeFinder::FindByWalk(const std::string& n
     return nullptr;
 }
 
-std::shared_ptr<OrRuleSingle> AlternativeFinder::FindByIndex(const std::string& name) const
+std::shared_ptr<OrRuleSingle> AlternativeFinder::FindByIndex(const std::string& name)
 {
     const auto single = mFirstSingle.find(name);
     const std::size_t end = single != mFirstSingle.end() ? single->second : mRules.size();
@@ -116,7 +116,7 @@ std::vector<const AlternativeFinder::Places*> AlternativeFinder::ListingsOf(cons
 }
 
 // The position of the first alternative that lists all parts of the name; their number if there is none.
-std::size_t AlternativeFinder::FirstListing(const std::string& name) const
+std::size_t AlternativeFinder::FirstListing(const std::string& name)
 {
     const std::vector<std::string> parts = PartsOf(name);
     std::string set;

@@ -53,7 +53,7 @@ bool EventDecider::DecideEvent(
 bool EventDecider::AskRulesOfEvent(const std::string& eventId, EventRule& eventRule,
     const std::vector<std::string>& names, EventCheck* eventCheck, Evidence::Event* record)
 {
-    const AlternativeFinder finder(eventRule.GetRuleList());
+    AlternativeFinder finder(eventRule.GetRuleList());
     for (std::size_t number = 0; number < names.size(); ++number) {
         const std::string& name = names[number];
         Evidence::Alternative* const alternative = record == nullptr ? nullptr : &record->alternatives.emplace_back();
@@ -68,7 +68,7 @@ bool EventDecider::AskRulesOfEvent(const std::string& eventId, EventRule& eventR
 }
 
 EventDecider::Entry EventDecider::DoSingleRuleCheck(const std::string& name, const std::string& eventId,
-    const AlternativeFinder& finder, Evidence::Alternative* alternative)
+    AlternativeFinder& finder, Evidence::Alternative* alternative)
 {
     const bool result = mRules.Fires(name, eventId, alternative);
     // An alternative with an empty name has no entry for its result. Its rule is run nevertheless.

@@ -38,7 +38,7 @@ private:
     bool AskRulesOfEvent(const std::string& eventId, EventRule& eventRule, const std::vector<std::string>& names,
         EventCheck* eventCheck, Evidence::Event* record);
     // Both return the entry to which the result was written; null for nowhere.
-    Entry DoSingleRuleCheck(const std::string& name, const std::string& eventId, const AlternativeFinder& finder,
+    Entry DoSingleRuleCheck(const std::string& name, const std::string& eventId, AlternativeFinder& finder,
         Evidence::Alternative* alternative);
     Entry DoMultiRulesCheck(const std::string& names, const std::string& eventId, const Entry& entry,
         Evidence::Alternative* alternative);

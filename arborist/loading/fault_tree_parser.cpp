@@ -137,7 +137,7 @@ void FaultTreeParser::ForgetDocument()
     mXmlHelper->Forget();
 }
 
-void FaultTreeParser::BuildIndexes() const
+void FaultTreeParser::BuildIndexes()
 {
     const std::string any = "any"; // each look-up builds its index, whatever it finds
     GetNamedRules();
@@ -243,7 +243,7 @@ void FaultTreeParser::StartRuleParse()
     mCodeRuleNames = parser.TakeCodeRuleNames();
 }
 
-const FaultTreeParser::RuleList& FaultTreeParser::GetNamedRules() const
+const FaultTreeParser::RuleList& FaultTreeParser::GetNamedRules()
 {
     if (!mNamedRules) {
         mNamedRules = FindNamedRules(*this);
@@ -265,7 +265,7 @@ const std::shared_ptr<EventRule>& FaultTreeParser::GetEventRuleByEventId(const s
     return entry == mEventRuleMap.end() ? NONE : entry->second;
 }
 
-std::string FaultTreeParser::GetCodeRuleNameById(const std::string& detectCode) const
+std::string FaultTreeParser::GetCodeRuleNameById(const std::string& detectCode)
 {
     if (!mCodeRuleByDetectCode) {
         mCodeRuleByDetectCode = IndexCodeRules();
@@ -288,12 +288,12 @@ FaultTreeParser::CodeRuleIndex FaultTreeParser::IndexCodeRules() const
     return index;
 }
 
-const std::vector<std::string>& FaultTreeParser::GetFaultDescListById(const std::string& eventId) const
+const std::vector<std::string>& FaultTreeParser::GetFaultDescListById(const std::string& eventId)
 {
     return GetListById(mFaultDescList, mFaultDescById, eventId);
 }
 
-const std::vector<std::string>& FaultTreeParser::GetSuggestionListById(const std::string& eventId) const
+const std::vector<std::string>& FaultTreeParser::GetSuggestionListById(const std::string& eventId)
 {
     return GetListById(mSuggestionList, mSuggestionById, eventId);
 }
@@ -306,7 +306,7 @@ const std::vector<std::string>& FaultTreeParser::GetListById(
     return item == nullptr ? NONE : item->GetResolutionSuggestions();
 }
 
-const FaultTreeParser::RepairInfoList& FaultTreeParser::GetRepairInfoById(const std::string& eventId) const
+const FaultTreeParser::RepairInfoList& FaultTreeParser::GetRepairInfoById(const std::string& eventId)
 {
     static const RepairInfoList NONE;
     const FaultItem* item = FindItem(mRepairList, mRepairById, eventId);
@@ -329,7 +329,7 @@ const FaultItem* FaultTreeParser::FindItem(
     return entry == index->end() ? nullptr : entry->second;
 }
 
-std::vector<std::string> FaultTreeParser::GetRepairListById(const std::string& eventId) const
+std::vector<std::string> FaultTreeParser::GetRepairListById(const std::string& eventId)
 {
     std::vector<std::string> repairs;
     for (const auto& repair : GetRepairInfoById(eventId)) {

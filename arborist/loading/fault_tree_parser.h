@@ -53,7 +53,7 @@ public:
     void ForgetDocument();
     /// Builds the indexes of all look-ups now. Until the next StartParse look-ups then write nothing, and any number of
     /// threads may look up at a time.
-    void BuildIndexes() const;
+    void BuildIndexes();
     /// True once a StartParse has found a rule file, even a malformed one; false as long as the file was missing each
     /// time.
     bool IsParseDone() const { return mIsParseDone; }
@@ -70,8 +70,8 @@ public:
     /// Version of the tree file; "-1" if the file names none, empty before the first file was read.
     std::string GetTreeFileVersion() const { return mTreeFileVersion; }
     const RuleMap& GetRuleMap() const { return mRuleMap; }
-    /// The rules that a detection may ask: see FindNamedRules.
-    const RuleList& GetNamedRules() const;
+    /// The rules that a detection may ask: see FindNamedRules. Finds them at the first call after a parse.
+    const RuleList& GetNamedRules();
     /// All code rules in file order, including those that a later rule of the same name replaced in the rule map.
     const CodeRuleList& GetCodeRuleList() const { return mCodeRuleList; }
     const EventRuleMap& GetEventRuleMap() const { return mEventRuleMap; }
@@ -85,14 +85,16 @@ public:
     const std::shared_ptr<Rule>& GetRuleByRuleName(const std::string& ruleName) const;
     /// Null if the event rules have no entry for this event. Kept for the tests; the driver walks GetEventRuleMap.
     const std::shared_ptr<EventRule>& GetEventRuleByEventId(const std::string& eventId) const;
+    // The look-ups below index their list at the first call after a parse: a detection without a fault needs none.
+
     /// Name of the first code rule with this detect code that is still in the rule map; empty if there is none.
-    std::string GetCodeRuleNameById(const std::string& detectCode) const;
+    std::string GetCodeRuleNameById(const std::string& detectCode);
     /// The ids in the last item of this event id; empty if there is no item, and for the empty id.
-    const std::vector<std::string>& GetFaultDescListById(const std::string& eventId) const;
-    const std::vector<std::string>& GetSuggestionListById(const std::string& eventId) const;
-    const RepairInfoList& GetRepairInfoById(const std::string& eventId) const;
+    const std::vector<std::string>& GetFaultDescListById(const std::string& eventId);
+    const std::vector<std::string>& GetSuggestionListById(const std::string& eventId);
+    const RepairInfoList& GetRepairInfoById(const std::string& eventId);
     /// One text for each repair of the event: its id, followed by "_" and the operation if it has one.
-    std::vector<std::string> GetRepairListById(const std::string& eventId) const;
+    std::vector<std::string> GetRepairListById(const std::string& eventId);
 
 private:
     class InnerXmlHelper;
@@ -140,11 +142,11 @@ private:
     Evidence::RuleSetFile mRuleFileReport{
         Evidence::RuleSetFileType::RULES, Evidence::RuleSetFileState::MISSING, {}, {}, 0, 0};
     // Built by the first look-up after a parse: a detection without alarm rules and without a fault needs none of them.
-    mutable std::optional<RuleList> mNamedRules;
-    mutable std::optional<CodeRuleIndex> mCodeRuleByDetectCode;
-    mutable std::optional<FaultItemIndex> mFaultDescById;
-    mutable std::optional<FaultItemIndex> mSuggestionById;
-    mutable std::optional<FaultItemIndex> mRepairById;
+    std::optional<RuleList> mNamedRules;
+    std::optional<CodeRuleIndex> mCodeRuleByDetectCode;
+    std::optional<FaultItemIndex> mFaultDescById;
+    std::optional<FaultItemIndex> mSuggestionById;
+    std::optional<FaultItemIndex> mRepairById;
 };
 
 #endif

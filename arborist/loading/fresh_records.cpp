@@ -134,7 +134,7 @@ void Refresh(const CommonPart::CombineCommonPart& part)
 
 } // namespace
 
-void MakeRecordsFresh(const FaultTreeParser& parser)
+void MakeRecordsFresh(FaultTreeParser& parser)
 {
     for (const auto& tree : parser.GetFaultTrees()) {
         ForEachEvent(*tree, [&](Event& event) {

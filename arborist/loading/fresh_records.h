@@ -7,6 +7,6 @@ class FaultTreeParser;
 /// the files had just been read. Looks at what a detection may come to, the trees, the entries of their events, the rules
 /// that these name, and the common part, whatever else the rule set has. Writes to no field that has its value, as processes
 /// may share their memory.
-void MakeRecordsFresh(const FaultTreeParser& parser);
+void MakeRecordsFresh(FaultTreeParser& parser);
 
 #endif

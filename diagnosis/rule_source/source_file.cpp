@@ -35,6 +35,10 @@ std::string ReasonOf(const tinyxml2::XMLDocument& document)
 SourceFile::SourceFile(Content content)
     : mContent(std::move(content)), mDocument(std::make_unique<tinyxml2::XMLDocument>())
 {
+    const std::string& text = mContent.text;
+    for (std::size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n', end + 1)) {
+        mLineStarts.push_back(end + 1);
+    }
 }
 
 SourceFile::~SourceFile() = default;
@@ -92,12 +96,6 @@ Element SourceFile::Root() const
 
 std::size_t SourceFile::LineStart(int number) const
 {
-    if (mLineStarts.empty()) {
-        mLineStarts.push_back(0);
-        for (std::size_t end = mContent.text.find('\n'); end != std::string::npos; end = mContent.text.find('\n', end + 1)) {
-            mLineStarts.push_back(end + 1);
-        }
-    }
     const auto index = static_cast<std::size_t>(number) - 1;
     return number < 1 || index >= mLineStarts.size() ? mContent.text.size() : mLineStarts[index];
 }

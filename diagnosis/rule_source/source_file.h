@@ -75,8 +75,8 @@ private:
     Content mContent;
     int mProblemLine = 0;
     std::unique_ptr<tinyxml2::XMLDocument> mDocument;
-    /// The offsets of all lines; built at the first request.
-    mutable std::vector<std::size_t> mLineStarts;
+    /// The offsets of all lines.
+    std::vector<std::size_t> mLineStarts = {0};
 };
 
 } // namespace diagnosis::rule_source

@@ -125,7 +125,7 @@ TEST_P(RuleSetsExample, IsRead)
     if (root == "FaultTrees") {
         EXPECT_THAT(Load(xml, "<Root/>").GetFaultTrees(), SizeIs(1));
     } else if (root == "FaultTreeRules") {
-        const FaultTreeParser& parser = Load(NO_TREES, xml);
+        FaultTreeParser& parser = Load(NO_TREES, xml);
         EXPECT_TRUE(parser.GetEventRuleByEventId("WORN") != nullptr || !parser.GetFaultDescListById("WORN").empty());
     } else if (root == "Intermediate-Event") {
         const std::string tree = "<Tree id=\"\" version=\"\" type=\"\">" + xml + "</Tree>";

@@ -62,7 +62,7 @@ TEST(AlternativeFinderTest, AgreesWithAPlainWalkOverListsOfAnyLength)
         for (auto count = random() % 40; count > 0; --count) {
             rules.push_back(RandomAlternative(random));
         }
-        const AlternativeFinder finder(rules);
+        AlternativeFinder finder(rules);
         for (int asked = 0; asked < 10; ++asked) {
             const std::string name = RandomName(random) + "," + RandomName(random);
             ASSERT_EQ(finder.Find(name), Walk(name, rules)) << name << " of " << rules.size();
@@ -90,7 +90,7 @@ TEST(AlternativeFinderTest, EveryPartCountsAmongManyAlternatives)
     OrRuleList rules(20, Alternative("multipleRule", "", {"a", "b", "b"}));
     rules.push_back(Alternative("multipleRule", "", {"c", "b", "a"}));
     rules.push_back(Alternative("singleRule", "a,c", {}));
-    const AlternativeFinder finder(rules);
+    AlternativeFinder finder(rules);
     EXPECT_EQ(finder.Find("a,a,c,c,b"), rules[20]);
     EXPECT_EQ(finder.Find("a,c"), rules[20]);
     EXPECT_EQ(finder.Find("b,a,b"), rules[0]);
@@ -109,7 +109,7 @@ TEST(AlternativeFinderTest, NamesThatNobodyListsTogetherAreSoughtOnce)
             rules.push_back(Alternative("multipleRule", "a,b", {listed}));
         }
     }
-    const AlternativeFinder finder(rules);
+    AlternativeFinder finder(rules);
     for (std::size_t look = 0; look < rules.size(); ++look) {
         ASSERT_EQ(finder.Find(look % 2 == 0 ? "a,b" : "b,a,b"), nullptr);
     }

@@ -48,7 +48,7 @@ std::string FullTrees()
 class BadRuleSetTest : public testing::Test {
 protected:
     // Parses anew with these files; the loader stays until the next call.
-    const FaultTreeParser& Parse(const std::string& trees, const std::string& rules)
+    FaultTreeParser& Parse(const std::string& trees, const std::string& rules)
     {
         // Writes new files, as some file systems wait for the disk when a file is truncated and rewritten.
         std::filesystem::remove(mDir.Path("FaultTrees.xml"));
@@ -201,7 +201,7 @@ TEST_F(BadRuleSetTest, DeeperNestingIsRefusedWithItsLine)
 TEST_F(BadRuleSetTest, OddIdsGoThroughEveryTable)
 {
     for (const std::string id : {"a/b", "a & b", "<>\"'", "\xC3\xA9\xE2\x82\xAC", "%s%n", "T/G & T/H"}) {
-        const auto& parser = Parse(TreeXml("jank").Tree(id, Or({Basic(id)})).Text(), RuleXml("jank")
+        auto& parser = Parse(TreeXml("jank").Tree(id, Or({Basic(id)})).Text(), RuleXml("jank")
             .EventRule(id, {Single(id)}).Rule(CodeRuleXml(id, id)).FaultDescription(id, {id}).Solution(id, {id})
             .Repair(id, {{id, ""}}).Text());
         ASSERT_EQ(parser.GetFaultTrees().size(), 1U);

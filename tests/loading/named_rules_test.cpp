@@ -34,7 +34,7 @@ protected:
         return rules;
     }
 
-    static std::vector<std::string> NamesIn(const FaultTreeParser& parser)
+    static std::vector<std::string> NamesIn(FaultTreeParser& parser)
     {
         std::vector<std::string> names;
         for (const auto& rule : parser.GetNamedRules()) {

@@ -157,7 +157,7 @@ CommandRuleDbHelper::ParamList CommandRuleDbHelper::RunSql(const std::string& sq
         result = isNormalization ? UpdateParamListOfNormalization(params, *row, first, second, record)
                                  : UpdateParamList(params, *row, record);
     }
-    mLimits.LowerAfter(sql, database.GetHandle());
+    mLimits.LowerAfter(sql, *database.GetHandle().budget);
     // Close after a failure, so that opening a file that can't be read logs its line again for the next statement.
     if (!table.IsOk() || !IsPlainSelect(sql)) {
         database.Close();

@@ -305,7 +305,7 @@ bool CreateTable(const std::string& dbPath, const std::string& sql, TextLimits& 
     FT::sql::SqlOperator connection(database.GetHandle());
     for (const std::string& statement : statements) {
         if (!connection.ExecuteNoCallback(statement)) {
-            limits.LowerAfter(sql, database.GetHandle());
+            limits.LowerAfter(sql, *database.GetHandle().budget);
             FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: execute sql fail.", NAME);
             return false;
         }

@@ -150,7 +150,7 @@ bool QueryDataSet(const FT::sql::SqlDatabase& database, const std::string& sql, 
         }
         const std::string_view extra = cursor.GetText(EXTRA_COLUMN);
         bytes += extra.size();
-        if (!database.GetHandle().AllowsBytes(bytes)) {
+        if (!database.GetHandle().budget->AllowsBytes(bytes)) {
             error = "query aborted"; // computed columns may be far larger than the file
             continue;
         }

@@ -6,9 +6,9 @@ const FT::sql::SqlLimits& TextLimits::Of(const std::string& text) const
     return lowered == mLowered.end() ? mUsual : lowered->second;
 }
 
-void TextLimits::LowerAfter(const std::string& text, const FT::sql::Sqlite3Db& database)
+void TextLimits::LowerAfter(const std::string& text, const FT::sql::SqlBudget& budget)
 {
-    if (database.HasTakenAllSteps()) {
+    if (budget.HasTakenAllSteps()) {
         mLowered.try_emplace(text, mUsual).first->second.steps /= 2;
     }
 }

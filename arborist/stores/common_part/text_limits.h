@@ -4,7 +4,7 @@
 #include <string>
 #include <unordered_map>
 
-#include "arborist/stores/sql/sql_database.h"
+#include "arborist/stores/sql/sql_budget.h"
 
 /// The limits of the SQL texts of a rule set, each by itself: a text that never ends takes nothing from any other, and
 /// costs no more on a thousand files than on two.
@@ -14,8 +14,9 @@ public:
 
     /// Valid until the next LowerAfter.
     const FT::sql::SqlLimits& Of(const std::string& text) const;
-    /// Halves the steps of this text if it was interrupted on `database`, where it was the last, for taking too many.
-    void LowerAfter(const std::string& text, const FT::sql::Sqlite3Db& database);
+    /// Halves the steps of this text if it was interrupted for taking too many; `budget` is that of the connection, on
+    /// which it was the last.
+    void LowerAfter(const std::string& text, const FT::sql::SqlBudget& budget);
 
 private:
     FT::sql::SqlLimits mUsual;

@@ -14,13 +14,13 @@ constexpr std::size_t DAY_LENGTH = 10;
 } // namespace
 
 EventRows::EventRows(
-    std::int32_t eventId, std::shared_ptr<const Visit> visit, Known known, std::size_t found, std::size_t count)
+    std::int32_t eventId, std::shared_ptr<Visit> visit, Known known, std::size_t found, std::size_t count)
     : mEventId(eventId), mFound(found), mCount(count), mVisit(std::move(visit)), mKnown(std::move(known))
 {
 }
 
 EventRows::EventRows(
-    std::int32_t eventId, std::shared_ptr<const Visit> visit, EventList events, std::size_t found)
+    std::int32_t eventId, std::shared_ptr<Visit> visit, EventList events, std::size_t found)
     : mEventId(eventId), mFound(found), mCount(events.size()), mVisit(std::move(visit)), mEvents(std::move(events))
 {
 }

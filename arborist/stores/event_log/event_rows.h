@@ -26,7 +26,7 @@ public:
     struct Visit {
         Questions questions;
         std::shared_ptr<const EventLogSnapshot> snapshot{};
-        mutable LocalDays days{};
+        LocalDays days{};
     };
 
     /// Rows of the visit's snapshot.
@@ -78,10 +78,10 @@ public:
     };
 
     /// `found` is the number of rows since the start, of any version; `count` of those that count.
-    EventRows(std::int32_t eventId, std::shared_ptr<const Visit> visit, Known known, std::size_t found,
+    EventRows(std::int32_t eventId, std::shared_ptr<Visit> visit, Known known, std::size_t found,
         std::size_t count);
     /// For rows that the id's own query has read with their texts.
-    EventRows(std::int32_t eventId, std::shared_ptr<const Visit> visit, EventList events, std::size_t found);
+    EventRows(std::int32_t eventId, std::shared_ptr<Visit> visit, EventList events, std::size_t found);
 
     std::int32_t GetEventId() const { return mEventId; }
     /// Number of rows since the start, of any version; at least one.
@@ -141,7 +141,7 @@ private:
     std::int32_t mEventId;
     std::size_t mFound;
     std::size_t mCount;
-    std::shared_ptr<const Visit> mVisit;
+    std::shared_ptr<Visit> mVisit;
     std::optional<Known> mKnown; // not set if the rows were read with their texts
     EventList mEvents;
 };

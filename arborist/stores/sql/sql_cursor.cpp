@@ -15,7 +15,7 @@ SqlCursor::SqlCursor(const Sqlite3Db& database, const std::string& sql) : mDb(da
         return;
     }
     StopPoint::Pass();
-    mDb.StartText();
+    mDb.budget->StartText();
     if (sqlite3_prepare_v2(mDb.connection, sql.c_str(), static_cast<int>(sql.size()) + 1, &mStatement, nullptr) !=
         SQLITE_OK) {
         Fail();
@@ -54,7 +54,7 @@ void SqlCursor::Restart()
     if (IsReady()) {
         mError.clear();
     }
-    mDb.StartText();
+    mDb.budget->StartText();
 }
 
 void SqlCursor::Restart(std::int64_t parameter)

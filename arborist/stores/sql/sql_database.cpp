@@ -2,11 +2,9 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <filesystem>
 #include <iterator>
 #include <mutex>
 #include <string_view>
-#include <system_error>
 
 #include <sqlite3.h>
 
@@ -68,37 +66,6 @@ void Configure()
     sqlite3_initialize();
 }
 
-constexpr char WAITING_CHANGES[] = "-wal";
-
-// Size of the database file, or of the file whose name adds `suffix`; 0 if it doesn't exist.
-std::uint64_t SizeOf(sqlite3* connection, const char* suffix)
-{
-    const char* const path = sqlite3_db_filename(connection, "main");
-    const std::string name = std::string(path == nullptr ? "" : path) + suffix;
-    std::error_code error;
-    // SQLite's text is UTF-8, and said to be: on Windows other texts have the letters of the C locale.
-    const auto size = std::filesystem::file_size(std::u8string(name.begin(), name.end()), error);
-    return error ? 0 : size;
-}
-
-// A row takes dozens of bytes in the file. Joining it and comparing it with some hundred ids takes fewer steps than
-// this allows for that many bytes.
-SqlLimits LimitsForReading(sqlite3* connection)
-{
-    constexpr std::uint64_t LEAST_STEPS = 20'000'000;
-    constexpr std::uint64_t STEPS_FOR_A_BYTE = 128;
-    constexpr std::uint64_t LEAST_BYTES = 64 * 1024 * 1024;
-    constexpr std::uint64_t BYTES_FOR_A_BYTE = 4;
-    constexpr std::uint64_t MOST_BELIEVED = 1ULL << 36; // a file with holes may claim any size
-    const std::uint64_t size = SizeOf(connection, "") + SizeOf(connection, WAITING_CHANGES);
-    const std::uint64_t believed = std::min(size, MOST_BELIEVED);
-    SqlLimits limits;
-    limits.steps = LEAST_STEPS + STEPS_FOR_A_BYTE * believed;
-    limits.rows = SIZE_MAX;
-    limits.bytes = LEAST_BYTES + BYTES_FOR_A_BYTE * believed;
-    return limits;
-}
-
 constexpr int STEPS_AT_ONCE = 1000;
 
 // Counts steps instead of time, so that a statement is interrupted at the same place on a busy machine.
@@ -107,39 +74,10 @@ int TakeSteps(void* context)
     if (StopPoint::IsDue()) {
         return 1; // whoever runs the statement passes a stop point after it
     }
-    const auto& database = *static_cast<const Sqlite3Db*>(context);
-    database.stepsLeft -= std::min<std::uint64_t>(database.stepsLeft, STEPS_AT_ONCE);
-    if (database.stepsLeft != 0) {
-        return 0;
-    }
-    const std::uint64_t taken = database.limits->steps;
-    if (database.RaiseLimits()) {
-        database.stepsLeft = database.limits->steps - taken;
-        return 0;
-    }
-    if (database.areLimitsOfFile) {
-        database.areLimitsOfFile = false;
-        database.limits->steps = 0; // later statements get none either: they would read the same tables
-    }
-    return 1;
+    return static_cast<SqlBudget*>(context)->TakeSteps(STEPS_AT_ONCE) ? 0 : 1;
 }
 
 } // namespace
-
-bool Sqlite3Db::RaiseLimits() const
-{
-    if (!areLimitsOfFile) {
-        return false;
-    }
-    const SqlLimits before = *limits;
-    limits = LimitsForReading(connection);
-    return limits->steps > before.steps;
-}
-
-bool Sqlite3Db::AllowsBytes(std::uint64_t bytes) const
-{
-    return !limits.has_value() || bytes <= limits->bytes || (RaiseLimits() && bytes <= limits->bytes);
-}
 
 SqlDatabase::SqlDatabase() : handle(std::make_unique<Sqlite3Db>()) {}
 
@@ -188,24 +126,28 @@ void SqlDatabase::Restrict(SqlAccess access, const SqlLimits& limits)
     const bool isReadOnly = access == SqlAccess::READ_ONLY;
     sqlite3* const connection = handle->connection;
     sqlite3_set_authorizer(connection, isReadOnly ? AllowReading : AllowOwnFile, &runsOwnStatement);
-    handle->areLimitsOfFile = isReadOnly;
-    handle->limits = isReadOnly ? LimitsForReading(connection) : limits;
-    mostTemporaryBytes = handle->limits->temporaryBytes;
-    sqlite3_progress_handler(connection, STEPS_AT_ONCE, TakeSteps, handle.get());
+    SqlBudget& budget = *handle->budget;
+    if (isReadOnly) {
+        budget.LimitByFile(connection);
+    } else {
+        budget.SetLimits(limits);
+    }
+    mostTemporaryBytes = budget.GetLimits()->temporaryBytes;
+    sqlite3_progress_handler(connection, STEPS_AT_ONCE, TakeSteps, &budget);
     sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, LONGEST_TEXT);
     // Forbids everything that could leave a file which SQLite itself can't read any more.
     sqlite3_db_config(connection, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     // By default the last connection that closes a database moves the waiting changes into it, which would write to the
     // file.
-    if (isReadOnly && SizeOf(connection, WAITING_CHANGES) > 0) {
+    if (isReadOnly && SizeOfWaitingChanges(connection) > 0) {
         sqlite3_db_config(connection, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     }
 }
 
 void SqlDatabase::Limit(const SqlLimits& limits)
 {
-    if (handle->limits.has_value() && !handle->areLimitsOfFile) {
-        handle->limits = limits;
+    if (handle->budget->GetLimits().has_value() && !handle->budget->IsLimitedByFile()) {
+        handle->budget->SetLimits(limits);
         mostTemporaryBytes = limits.temporaryBytes;
     }
 }
@@ -243,8 +185,7 @@ void SqlDatabase::Close()
     sqlite3_close(handle->connection);
     handle->connection = nullptr;
     temporaryFiles.reset();
-    handle->limits.reset();
-    handle->areLimitsOfFile = false;
+    handle->budget->RemoveLimits();
     errorMessage.clear();
     resultCode = CLOSED;
 }

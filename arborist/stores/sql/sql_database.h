@@ -1,49 +1,25 @@
 #ifndef ARBORIST_STORES_SQL_SQL_DATABASE_H
 #define ARBORIST_STORES_SQL_SQL_DATABASE_H
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
+
+#include "arborist/stores/sql/sql_budget.h"
 
 struct sqlite3;
 
 namespace FT::sql {
 
-struct Sqlite3Db;
 class TemporaryFiles;
-
-/// Limits beyond which statements are interrupted.
-struct SqlLimits {
-    /// Steps of SQLite's virtual machine for one SQL text: about half a minute.
-    std::uint64_t steps = 5'000'000'000;
-    /// Limits on the rows that a SqlOperator keeps, and on the bytes of all their texts.
-    std::size_t rows = 100'000;
-    std::uint64_t bytes = 256 * 1024 * 1024;
-    /// Limit on the files in which SQLite sorts and joins what doesn't fit into memory, together.
-    std::uint64_t temporaryBytes = 1024 * 1024 * 1024;
-};
 
 /// A connection; null while closed.
 struct Sqlite3Db {
     sqlite3* connection = nullptr;
-    mutable std::optional<SqlLimits> limits;
-    /// True if the limits are derived from the size of the file.
-    mutable bool areLimitsOfFile = false;
-    /// Steps that the running SQL text may still take.
-    mutable std::uint64_t stepsLeft = 0;
     /// The path with which it was opened.
     std::string path = {};
-
-    /// Call before each SQL text is run.
-    void StartText() const { stepsLeft = limits.has_value() ? limits->steps : 0; }
-    /// True if the last SQL text was interrupted for taking too many steps.
-    bool HasTakenAllSteps() const { return limits.has_value() && stepsLeft == 0; }
-    /// Call when an SQL text has reached its limits. True if the limits are higher now because the file has grown.
-    bool RaiseLimits() const;
-    /// True if the rows of one SQL text may take this many bytes.
-    bool AllowsBytes(std::uint64_t bytes) const;
+    /// Of the statements on it, which use it up.
+    std::unique_ptr<SqlBudget> budget = std::make_unique<SqlBudget>();
 };
 
 /// What statements on a connection may do.

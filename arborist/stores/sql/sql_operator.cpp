@@ -61,7 +61,7 @@ bool SqlOperator::Run(const std::string& sql, RowCallback callback)
     }
     StopPoint::Pass();
     char* errorText = nullptr;
-    db.StartText();
+    db.budget->StartText();
     resultCode = sqlite3_exec(db.connection, sql.c_str(), callback, callback == nullptr ? nullptr : this, &errorText);
     const std::unique_ptr<char, void (*)(void*)> owned(errorText, sqlite3_free);
     if (IsOk()) {
@@ -101,13 +101,13 @@ int SqlOperator::LoadRecord(void* context, int columnCount, char** columnTexts, 
 
 bool SqlOperator::IsFull(int columnCount, char** columnTexts)
 {
-    if (!db.limits.has_value()) {
+    if (!db.budget->GetLimits().has_value()) {
         return false;
     }
     for (int column = 0; column < columnCount; ++column) {
         keptBytes += columnTexts[column] == nullptr ? 0 : std::strlen(columnTexts[column]);
     }
-    return records.size() >= db.limits->rows || !db.AllowsBytes(keptBytes);
+    return records.size() >= db.budget->GetLimits()->rows || !db.budget->AllowsBytes(keptBytes);
 }
 
 void SqlOperator::KeepRow(int columnCount, char** columnTexts)

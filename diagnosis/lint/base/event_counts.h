@@ -10,17 +10,22 @@ namespace diagnosis::lint {
 /// The number of rows of each event in an event log.
 class EventCounts {
 public:
-    void Add(std::int64_t event, std::uint64_t rows)
+    /// The rows of each event that has any.
+    using RowsByEvent = std::map<std::int64_t, std::uint64_t>;
+
+    explicit EventCounts(const RowsByEvent& rows = {})
     {
-        mRows[event] += rows;
-        mSums.clear();
+        for (const auto& [event, number] : rows) {
+            mSums.emplace_hint(mSums.end(), event, mAll);
+            mAll = {mAll.events + 1, mAll.rows + number};
+        }
     }
 
     /// Whether some event from `first` to `last`, both included, has a row.
     bool HasAny(std::int64_t first, std::int64_t last) const
     {
-        const auto found = mRows.lower_bound(first);
-        return found != mRows.end() && found->first <= last;
+        const auto found = mSums.lower_bound(first);
+        return found != mSums.end() && found->first <= last;
     }
 
     /// How many events from `first` to `last`, both included, have rows, and how many rows.
@@ -36,30 +41,19 @@ public:
     }
 
     /// The number of rows of all events.
-    std::uint64_t Rows() const { return Before(std::numeric_limits<std::int64_t>::max()).rows; }
+    std::uint64_t Rows() const { return mAll.rows; }
 
 private:
-    /// Of the events below `event`. Sums up at the first call after Add, as rules may ask for the same ones again.
+    /// Of the events below `event`.
     Held Before(std::int64_t event) const
     {
-        if (mSums.size() != mRows.size()) {
-            mSums.clear();
-            Held sum;
-            for (const auto& [id, rows] : mRows) {
-                mSums.emplace_hint(mSums.end(), id, sum);
-                sum = {sum.events + 1, sum.rows + rows};
-            }
-            mAll = sum;
-        }
         const auto next = mSums.lower_bound(event);
         return next == mSums.end() ? mAll : next->second;
     }
 
-    /// Events that have rows.
-    std::map<std::int64_t, std::uint64_t> mRows;
-    /// For each event, the sums of the events below it.
-    mutable std::map<std::int64_t, Held> mSums;
-    mutable Held mAll;
+    /// For each event that has rows, the sums of the events below it: rules may ask for the same events many times.
+    std::map<std::int64_t, Held> mSums;
+    Held mAll;
 };
 
 } // namespace diagnosis::lint

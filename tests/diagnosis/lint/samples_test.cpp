@@ -45,11 +45,9 @@ std::set<std::string> FoundIn(const LintSample& sample, const std::string& which
     if (std::filesystem::exists(sample.folder + "/device.json")) {
         options.devices = *diagnosis::lint::ReadDeviceProfiles(sample.folder + "/device.json", problem);
     }
-    diagnosis::lint::EventCounts counts;
-    for (const auto& [id, rows] : ReadCounts(sample)) {
-        counts.Add(id, rows);
-        options.counts = &counts;
-    }
+    const auto rows = ReadCounts(sample);
+    const diagnosis::lint::EventCounts counts(rows);
+    options.counts = rows.empty() ? nullptr : &counts;
     if (std::filesystem::exists(sample.folder + "/device")) {
         options.deviceRoot = sample.folder + "/device";
     }

@@ -9,7 +9,7 @@ namespace {
 
 class EngineText {
 public:
-    std::string Of(const FaultTreeParser& parser)
+    std::string Of(FaultTreeParser& parser)
     {
         for (const auto& tree : parser.GetFaultTrees()) {
             mText << "tree " << tree->GetId() << "\n";
@@ -155,7 +155,7 @@ private:
     }
 
     // The list has no accessor of its own: what each event's look-up gives.
-    void AddRepairs(const FaultTreeParser& parser)
+    void AddRepairs(FaultTreeParser& parser)
     {
         for (const auto& [id, rule] : parser.GetEventRuleMap()) {
             for (const auto& repair : parser.GetRepairInfoById(id)) {

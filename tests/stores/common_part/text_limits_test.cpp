@@ -4,20 +4,20 @@
 
 namespace {
 
-FT::sql::Sqlite3Db DatabaseWith(std::uint64_t stepsLeft)
+FT::sql::SqlBudget BudgetWith(std::uint64_t stepsLeft)
 {
-    FT::sql::Sqlite3Db database;
-    database.limits.emplace();
-    database.stepsLeft = stepsLeft;
-    return database;
+    FT::sql::SqlBudget budget;
+    budget.SetLimits({.steps = stepsLeft});
+    budget.StartText();
+    return budget;
 }
 
 TEST(TextLimitsTest, ATextThatTookAllItsStepsHasHalfOfThemNextTimeAndTheOthersHaveTheirOwn)
 {
     TextLimits limits({.steps = 100});
-    limits.LowerAfter("endless", DatabaseWith(0));
+    limits.LowerAfter("endless", BudgetWith(0));
     EXPECT_EQ(limits.Of("endless").steps, 50U);
-    limits.LowerAfter("endless", DatabaseWith(0));
+    limits.LowerAfter("endless", BudgetWith(0));
     EXPECT_EQ(limits.Of("endless").steps, 25U);
     EXPECT_EQ(limits.Of("other").steps, 100U);
 }
@@ -25,8 +25,8 @@ TEST(TextLimitsTest, ATextThatTookAllItsStepsHasHalfOfThemNextTimeAndTheOthersHa
 TEST(TextLimitsTest, ATextThatFailedOtherwiseLosesNothing)
 {
     TextLimits limits({.steps = 100});
-    limits.LowerAfter("wrong", DatabaseWith(1));
-    limits.LowerAfter("wrong", FT::sql::Sqlite3Db()); // without limits
+    limits.LowerAfter("wrong", BudgetWith(1));
+    limits.LowerAfter("wrong", FT::sql::SqlBudget()); // without limits
     EXPECT_EQ(limits.Of("wrong").steps, 100U);
 }
 

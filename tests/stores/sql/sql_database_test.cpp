@@ -74,14 +74,14 @@ TEST_F(SqlDatabaseTest, FileThatGrowsMayTellMore)
     EventLogBuilder::Run(path, "create table t (a)");
     ASSERT_TRUE(mDatabase.Open(path));
     mDatabase.Restrict(SqlAccess::READ_ONLY);
-    const Sqlite3Db& handle = mDatabase.GetHandle();
-    const std::uint64_t bytes = handle.limits->bytes;
-    EXPECT_TRUE(handle.AllowsBytes(bytes));
-    EXPECT_FALSE(handle.AllowsBytes(bytes + 1));
+    FT::sql::SqlBudget& budget = *mDatabase.GetHandle().budget;
+    const std::uint64_t bytes = budget.GetLimits()->bytes;
+    EXPECT_TRUE(budget.AllowsBytes(bytes));
+    EXPECT_FALSE(budget.AllowsBytes(bytes + 1));
     EventLogBuilder::Run(path, "insert into t values (zeroblob(100000))");
-    EXPECT_TRUE(handle.AllowsBytes(bytes + 1));
+    EXPECT_TRUE(budget.AllowsBytes(bytes + 1));
     EventLogBuilder::Run(path, "insert into t values (zeroblob(100000))");
-    EXPECT_FALSE(handle.AllowsBytes(10 * bytes));
+    EXPECT_FALSE(budget.AllowsBytes(10 * bytes));
 }
 
 TEST_F(SqlDatabaseTest, FileThatIsNoDatabaseOpensWithTwoComplaints)

@@ -25,9 +25,11 @@ Problem ReadCounts(const std::string& log, lint::EventCounts& counts)
     if (const auto failure = InspectEventLog(log, inspection)) {
         return WrongUse(failure->code, failure->message);
     }
+    lint::EventCounts::RowsByEvent rows;
     for (const LoggedId& event : inspection.ids) {
-        counts.Add(event.id, event.rows);
+        rows[event.id] += event.rows;
     }
+    counts = lint::EventCounts(rows);
     return std::nullopt;
 }
 
