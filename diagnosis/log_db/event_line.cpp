@@ -103,7 +103,7 @@ std::optional<LoggedEvent> ReadEvent(std::string_view text, const Json::Value& o
 
 std::optional<LoggedEvent> ParseEventLine(std::string_view line, std::string& problem)
 {
-    const auto value = ParseJson(line, problem);
+    const auto value = ParseEngineJson(line, problem);
     return value ? ReadEvent(line, *value, problem) : std::nullopt;
 }
 

@@ -68,7 +68,7 @@ std::string ExtraValue(const Statement& row)
     const std::string text = row.Text(3);
     std::string problem;
     const bool isOneObject = !text.empty() && text.front() == '{' && text.back() == '}'
-        && text.find_first_of("\n\r") == std::string::npos && ParseJson(text, problem).has_value();
+        && text.find_first_of("\n\r") == std::string::npos && ParseEngineJson(text, problem).has_value();
     return isOneObject ? text : Quoted(text);
 }
 

@@ -94,7 +94,7 @@ RedactedExtra RedactExtra(
         return redacted;
     }
     std::string problem;
-    const auto json = ParseJson(extra, problem);
+    const auto json = ParseEngineJson(extra, problem);
     if (!json || !json->isObject()) {
         // No JSON either, so that tests fail as before.
         redacted.text = "redacted " + HashedValue(key, extra);

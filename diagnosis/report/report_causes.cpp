@@ -40,7 +40,7 @@ std::string Ids(const std::vector<std::string>& ids)
 std::optional<Json::Value> ObjectIn(const std::string& text)
 {
     std::string problem;
-    auto value = ParseJson(text, problem);
+    auto value = ParseEngineJson(text, problem);
     return value && value->isObject() ? value : std::nullopt;
 }
 

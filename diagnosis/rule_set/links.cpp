@@ -40,7 +40,7 @@ Link ToRule(const Rule& rule, const char* relation)
 std::optional<std::string> RepairNamedBy(rule_source::Element userDefined)
 {
     std::string problem;
-    const auto json = userDefined.HasText() ? ParseJson(std::string(userDefined.Text()), problem) : std::nullopt;
+    const auto json = userDefined.HasText() ? ParseEngineJson(std::string(userDefined.Text()), problem) : std::nullopt;
     const bool isNamed = json && json->isObject() && (*json)["Repairid"].isString();
     return isNamed ? std::optional((*json)["Repairid"].asString()) : std::nullopt;
 }

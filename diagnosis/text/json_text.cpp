@@ -1,9 +1,13 @@
 #include "diagnosis/text/json_text.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cstdint>
 #include <memory>
 
 #include <json/reader.h>
+
+#include "diagnosis/text/printable.h"
 
 namespace diagnosis {
 
@@ -109,11 +113,17 @@ std::string TooDeep(std::string_view text)
     return FaultAt(text, at, std::to_string(DEEPEST) + " brackets are open: nested too deep");
 }
 
-/// Finds what the reader accepts although it is no JSON: some comments, numbers like 01, control characters, and anything
-/// behind a NUL. Expects a text that the reader has accepted, so that all strings and brackets are closed.
+bool IsSurrogate(std::uint32_t unit)
+{
+    return unit >= 0xD800 && unit < 0xE000;
+}
+
+/// Finds what the reader accepts although it is no JSON: some comments, numbers like 01, control characters, anything
+/// behind a NUL, and, unless strings may be of any bytes, what is no character. Expects a text that the reader has
+/// accepted, so that all strings and brackets are closed.
 class Leniencies {
 public:
-    explicit Leniencies(std::string_view text) : mText(text) {}
+    Leniencies(std::string_view text, bool takesAnyBytes) : mText(text), mTakesAnyBytes(takesAnyBytes) {}
 
     /// Position and reason of the first; empty if there is none.
     std::string First()
@@ -121,8 +131,8 @@ public:
         static constexpr std::string_view NUMBER = "+-.0123456789eE";
         for (; mAt < mText.size(); ++mAt) {
             if (mText[mAt] == '"') {
-                if (!SkipText()) {
-                    return Fault("a control character stands in a text");
+                if (const char* const reason = SkipText()) {
+                    return Fault(reason);
                 }
             } else if (mText[mAt] == '/') {
                 return Fault("a comment is no JSON");
@@ -141,27 +151,53 @@ public:
     }
 
 private:
-    // Skips a string up to its closing quote; false at a control character.
-    bool SkipText()
+    // Skips a string up to its closing quote. Returns null, or what is wrong with the character at which it stops.
+    const char* SkipText()
     {
-        for (++mAt; mAt < mText.size() && mText[mAt] != '"'; ++mAt) {
-            if (static_cast<unsigned char>(mText[mAt]) < 0x20) {
-                return false;
+        std::size_t length = 0;
+        for (++mAt; mAt < mText.size() && mText[mAt] != '"'; mAt += length) {
+            const auto byte = static_cast<unsigned char>(mText[mAt]);
+            if (byte < 0x20) {
+                return "a control character stands in a text";
             }
-            mAt += mText[mAt] == '\\' ? 1 : 0;
+            length = byte == '\\' ? EscapeLength() : byte < 0x80 || mTakesAnyBytes ? 1 : Utf8Length(mText.substr(mAt));
+            if (length == 0) {
+                return byte == '\\' ? "a surrogate lacks its other half" : "a byte that is no UTF-8 stands in a text";
+            }
         }
-        return true;
+        return nullptr;
+    }
+
+    // Of the escape, or the pair of surrogates, at this place; 0 for half a pair.
+    std::size_t EscapeLength() const
+    {
+        const std::uint32_t unit = EscapedUnit(mAt);
+        if (!IsSurrogate(unit) || mTakesAnyBytes) {
+            return 2; // the digits behind a "\u" are plain characters
+        }
+        const std::uint32_t next = EscapedUnit(mAt + 6);
+        return unit < 0xDC00 && IsSurrogate(next) && next >= 0xDC00 ? 12 : 0;
+    }
+
+    // The number in the escape "\uNNNN" that begins here; 0 for another character.
+    std::uint32_t EscapedUnit(std::size_t at) const
+    {
+        std::uint32_t unit = 0;
+        if (mText.substr(std::min(at, mText.size()), 2) == "\\u") {
+            const std::string_view digits = mText.substr(at + 2, 4);
+            std::from_chars(digits.data(), digits.data() + digits.size(), unit, 16);
+        }
+        return unit;
     }
 
     std::string Fault(const std::string& reason) const { return FaultAt(mText, mAt, reason); }
 
     std::string_view mText;
+    bool mTakesAnyBytes;
     std::size_t mAt = 0;
 };
 
-} // namespace
-
-std::optional<Json::Value> ParseJson(std::string_view text, std::string& problem)
+std::optional<Json::Value> Parse(std::string_view text, bool takesAnyBytes, std::string& problem)
 {
     // One reader for each thread: creating one takes longer than parsing a short text.
     thread_local const std::unique_ptr<Json::CharReader> reader = StrictReader();
@@ -169,7 +205,7 @@ std::optional<Json::Value> ParseJson(std::string_view text, std::string& problem
     Json::String errors;
     try {
         if (reader->parse(text.data(), text.data() + text.size(), &value, &errors)) {
-            problem = Leniencies(text).First();
+            problem = Leniencies(text, takesAnyBytes).First();
             return problem.empty() ? std::optional(value) : std::nullopt;
         }
     } catch (const Json::Exception&) {
@@ -178,6 +214,18 @@ std::optional<Json::Value> ParseJson(std::string_view text, std::string& problem
     }
     problem = FirstError(errors);
     return std::nullopt;
+}
+
+} // namespace
+
+std::optional<Json::Value> ParseJson(std::string_view text, std::string& problem)
+{
+    return Parse(text, false, problem);
+}
+
+std::optional<Json::Value> ParseEngineJson(std::string_view text, std::string& problem)
+{
+    return Parse(text, true, problem);
 }
 
 const char* JsonKind(const Json::Value& value)

@@ -9,10 +9,14 @@
 
 namespace diagnosis {
 
-/// Parses one JSON object or array strictly: no comments, no repeated keys, no invalid numbers or strings, nothing
-/// after it; a byte order mark may precede it. On failure returns nothing and sets `problem` to position and reason on
-/// one line ("line 3, column 5: Missing ',' or '}' in object declaration").
+/// Parses one JSON object or array strictly: no comments, no repeated keys, no invalid numbers or strings, no bytes that
+/// are no UTF-8, no surrogate without its other half, nothing after it; a byte order mark may precede it. On failure
+/// returns nothing and sets `problem` to position and reason on one line ("line 3, column 5: Missing ',' or '}' in object
+/// declaration"). Columns count bytes.
 std::optional<Json::Value> ParseJson(std::string_view text, std::string& problem);
+
+/// The same for texts of rule sets and event logs, in whose strings the engine takes any bytes and any escapes.
+std::optional<Json::Value> ParseEngineJson(std::string_view text, std::string& problem);
 
 /// The type of a JSON value for messages: "a text", "a number", "an object" ...
 const char* JsonKind(const Json::Value& value);

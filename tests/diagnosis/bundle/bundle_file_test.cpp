@@ -115,6 +115,19 @@ TEST(BundleFileTest, ACommentBeforeAKeyIsBadJsonAndHasItsPlace)
     EXPECT_EQ(failure->message, "b.json: line 2, column 3: a comment is no JSON");
 }
 
+TEST(BundleFileTest, ATextThatIsNoUtf8IsBadJsonAndHasItsPlace)
+{
+    for (const char* const name : {"\xE9", "\\uDC00"}) {
+        Bundle bundle;
+        std::vector<Warning> warnings;
+        const auto failure = ReadBundleText(
+            "b.json", "{\"detectScene\": 1,\n\"treeTag\": \"" + std::string(name) + "\"}", bundle, warnings);
+        ASSERT_TRUE(failure.has_value()) << name;
+        EXPECT_EQ(failure->code, diagnosis::FailureCode::BAD_JSON);
+        EXPECT_EQ(failure->message.rfind("b.json: line 2, column 13: ", 0), 0U) << failure->message;
+    }
+}
+
 TEST(BundleFileTest, JsonNestedTooDeepIsBadJson)
 {
     Bundle bundle;

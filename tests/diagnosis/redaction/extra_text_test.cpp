@@ -90,7 +90,7 @@ TEST_P(ExtraThatIsNoObject, IsReplacedAsAWholeByWhatIsNoJsonEither)
     EXPECT_TRUE(redacted.isWhole);
     EXPECT_EQ(redacted.text, "redacted " + Hash(GetParam().extra));
     std::string problem;
-    EXPECT_FALSE(diagnosis::ParseJson(redacted.text, problem).has_value());
+    EXPECT_FALSE(diagnosis::ParseEngineJson(redacted.text, problem).has_value());
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, ExtraThatIsNoObject, testing::Values(
@@ -159,12 +159,12 @@ TEST(ExtraTextTest, RandomTextsKeepNoListedValueAndAllOthers)
         const auto redacted = Redact(extra);
         const std::string where = "seed " + std::to_string(random.GetSeed()) + ": " + extra;
         std::string problem;
-        const auto before = diagnosis::ParseJson(extra, problem);
+        const auto before = diagnosis::ParseEngineJson(extra, problem);
         const bool isObject = before && before->isObject();
         EXPECT_EQ(redacted.isWhole, !isObject && !extra.empty()) << where;
         if (isObject) {
             ++objects;
-            const auto after = diagnosis::ParseJson(redacted.text, problem);
+            const auto after = diagnosis::ParseEngineJson(redacted.text, problem);
             ASSERT_TRUE(after.has_value()) << where << problem;
             EXPECT_EQ(Difference(*before, *after), "") << where;
         }

@@ -50,7 +50,14 @@ INSTANTIATE_TEST_SUITE_P(Table, LooseJson, testing::Values(
     LooseCase{"PlusInFront", "[+1]", "line 1, column 2: \"+1\" is not a number"},
     LooseCase{"NoDigits", "[-]", "line 1, column 2: \"-\" is not a number"},
     LooseCase{"NoDigitsBehindThePoint", "[1.]", "line 1, column 2: \"1.\" is not a number"},
-    LooseCase{"LineEndInAText", "[\"a\nb\"]", "line 1, column 4: a control character stands in a text"}),
+    LooseCase{"LineEndInAText", "[\"a\nb\"]", "line 1, column 4: a control character stands in a text"},
+    LooseCase{"ByteThatIsNoUtf8", "{\"a\":\n \"b\xE9\"}", "line 2, column 4: a byte that is no UTF-8 stands in a text"},
+    LooseCase{"CharacterThatIsCutOff", "{\"\xE2\x82\": 1}", "line 1, column 3: a byte that is no UTF-8 stands in a text"},
+    LooseCase{"SurrogateInUtf8", "[\"\xED\xA0\x80\"]", "line 1, column 3: a byte that is no UTF-8 stands in a text"},
+    LooseCase{"LowSurrogateAlone", "[\n\"a\\uDC00\"]", "line 2, column 3: a surrogate lacks its other half"},
+    LooseCase{"HighSurrogateAlone", "[\"\\ud83d\\u0041\"]", "line 1, column 3: a surrogate lacks its other half"},
+    LooseCase{"SurrogatesInTheWrongOrder", "[\"\\uDE00\\uD83D\\uDE00\"]",
+        "line 1, column 3: a surrogate lacks its other half"}),
     CaseName());
 
 TEST(JsonTextTest, WhatFollowsANulIsRefused)
@@ -72,6 +79,23 @@ TEST(JsonTextTest, BracketsNestTooDeepFromThePlaceThatIsTold)
     EXPECT_TRUE(diagnosis::ParseJson(nested(999, "1"), problem).has_value()) << problem;
     EXPECT_FALSE(diagnosis::ParseJson(nested(1000, "1"), problem).has_value());
     EXPECT_EQ(problem, "line 2, column 999: 1000 brackets are open: nested too deep");
+}
+
+TEST(JsonTextTest, CharactersBeyondAsciiAreTakenEscapedOrNot)
+{
+    std::string problem;
+    const auto value = diagnosis::ParseJson("[\"\\u00e9\\uD83D\\uDE00\\\\uDC00\", \"\xC3\xA9\xF0\x9F\x98\x80\"]", problem);
+    ASSERT_TRUE(value.has_value()) << problem;
+    EXPECT_EQ((*value)[0].asString(), "\xC3\xA9\xF0\x9F\x98\x80\\uDC00");
+    EXPECT_EQ((*value)[1].asString(), "\xC3\xA9\xF0\x9F\x98\x80");
+}
+
+TEST(JsonTextTest, TextsOfTheEngineMayHaveAnyBytes)
+{
+    std::string problem;
+    EXPECT_TRUE(diagnosis::ParseEngineJson("{\"a\": \"\xE9\", \"b\": \"\\uDC00\"}", problem).has_value()) << problem;
+    EXPECT_FALSE(diagnosis::ParseEngineJson("{\"a\": 01}", problem).has_value());
+    EXPECT_EQ(problem, "line 1, column 7: \"01\" is not a number");
 }
 
 TEST(JsonTextTest, WhatOnlyLooksLooseIsTaken)

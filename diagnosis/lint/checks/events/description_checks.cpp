@@ -137,7 +137,7 @@ constexpr std::string_view OPERATION = "operation";
 std::string TroubleOf(const std::string& extra)
 {
     std::string problem;
-    const auto json = ParseJson(extra, problem);
+    const auto json = ParseEngineJson(extra, problem);
     if (!json) {
         return "";
     }

@@ -127,7 +127,7 @@ void CheckDetectModes(const Subject& subject, Report& report)
 std::string TroubleOf(const std::string& text)
 {
     std::string problem;
-    const auto json = ParseJson(text, problem);
+    const auto json = ParseEngineJson(text, problem);
     if (!json) {
         return "is no JSON: " + problem;
     }
