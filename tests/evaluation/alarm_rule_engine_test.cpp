@@ -1,20 +1,11 @@
 #include "arborist/evaluation/alarm_rule_engine.h"
 
-#include <algorithm>
-
 #include <gmock/gmock.h>
 
-#include "arborist/evaluation/rule_helper.h"
-#include "arborist/frame/detect_info.h"
 #include "arborist/frame/log.h"
-#include "arborist/frame/settings.h"
-#include "tests/evaluation/alarm_rules.h"
+#include "tests/evaluation/alarm_rule_fixture.h"
 #include "tests/support/case_name.h"
-#include "tests/support/event_log_builder.h"
-#include "tests/support/log_capture.h"
 #include "tests/support/evidence_lines.h"
-#include "tests/support/settings_guard.h"
-#include "tests/support/temp_dir.h"
 
 namespace {
 
@@ -25,51 +16,7 @@ using testing::IsEmpty;
 using testing::SizeIs;
 using Evidence::Reason;
 
-constexpr std::int64_t DAY = 86400;
-constexpr std::int64_t NOW = 1700000000; // 14 November 2023, 23:13:20 in the zone of the tests
-constexpr std::int32_t DMD = 920000001;
-
-class AlarmRuleEngineTest : public testing::Test {
-protected:
-    AlarmRuleEngineTest()
-    {
-        mSettings.Set(Settings::PROGRAM_DATA_DIR, mDir.Path("data"));
-        mSettings.Set(Settings::CURRENT_TIME, std::to_string(NOW));
-        mSettings.Set(Settings::VERSION_NAME, "1");
-    }
-
-    void Log(const std::vector<LoggedRow>& rows) const
-    {
-        EventLogBuilder().Rows(rows).WriteTo(mDir.Path("data/Comms/Lumbra/workDir/0/log.db"));
-    }
-
-    // Rows of one id, a day apart, the newest an hour old.
-    static std::vector<LoggedRow> Days(std::size_t count, std::int64_t event, const std::string& extra = "")
-    {
-        std::vector<LoggedRow> rows;
-        for (std::size_t row = 0; row < count; ++row) {
-            rows.push_back({NOW - 3600 - static_cast<std::int64_t>(row) * DAY, event, "1", extra});
-        }
-        return rows;
-    }
-
-    bool Fires(const std::shared_ptr<Rule>& rule)
-    {
-        const auto helper = std::make_shared<RuleHelper>(std::make_shared<DetectInfo>(), nullptr);
-        AlarmRuleEngine engine(helper);
-        engine.SetRecord(&mRecord);
-        const bool fires = engine.IsFaultHappened(rule, "event");
-        mReason = engine.GetReason();
-        return fires;
-    }
-    bool Fires(const Ids& item) { return Fires(RuleOf({item})); }
-
-    TempDir mDir;
-    SettingsGuard mSettings;
-    LogCapture mLog;
-    Evidence::Rule mRecord;
-    Reason mReason = Reason::NONE;
-};
+using AlarmRuleEngineTest = AlarmRuleFixture;
 
 TEST_F(AlarmRuleEngineTest, OtherRulesAreFalseInSilence)
 {
@@ -103,7 +50,7 @@ TEST_F(AlarmRuleEngineTest, IdsAreNotAddedUp)
 
 struct RangeCase { const char* name; const char* first; const char* last; bool expected; };
 void PrintTo(const RangeCase& range, std::ostream* out) { *out << range.name; }
-class AlarmRange : public AlarmRuleEngineTest, public testing::WithParamInterface<RangeCase> {};
+class AlarmRange : public AlarmRuleFixture, public testing::WithParamInterface<RangeCase> {};
 
 TEST_P(AlarmRange, HoldsTheIdsFromFirstToLast)
 {
@@ -266,111 +213,6 @@ TEST_F(AlarmRuleEngineTest, RowsOfOtherVersionsCountOnlyWithoutUpdate)
     }
 }
 
-TEST_F(AlarmRuleEngineTest, SingleTestCountsTheRowsThatPass)
-{
-    Log({{NOW, 7, "1", "{\"a\":5}"}, {NOW, 7, "1", "{\"a\":\"6\"}"}, {NOW, 7, "1", "{\"a\":4}"},
-        {NOW - DAY, 7, "1", "{\"a\":7}"}, {NOW, 7, "1", "{\"b\":7}"}, {NOW, 7, "1", ""}, {NOW, 7, "1", "[5]"}});
-    const auto item = [] { return Ids("7", "7").WithParam("p", "a", "int").Single("p", "ge", "5"); };
-    EXPECT_TRUE(Fires(item().Duration(2, 3)));
-    EXPECT_FALSE(Fires(item().Duration(2, 4)));
-    EXPECT_TRUE(Fires(item().Latest(2, 3)));
-    EXPECT_TRUE(Fires(item().DailyPeak(2, 2)));
-    EXPECT_FALSE(Fires(item().DailyPeak(2, 3)));
-    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), IsEmpty());
-}
-
-TEST_F(AlarmRuleEngineTest, BrokenJsonIsLoggedForEachRowAndTest)
-{
-    Log({{NOW, 7, "1", "{\"a\":"}, {NOW, 7, "1", "{\"a\":5}"}, {NOW, 7, "1", "x"}});
-    EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").Single("p", "ge", "5").Duration(2, 3).Latest(2, 3)));
-    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), SizeIs(4));
-    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR),
-        Each(HasSubstr("AlarmRuleEngine::IsErrorForEventWithParam: parse eventParamJson err. ")));
-}
-
-TEST_F(AlarmRuleEngineTest, ParamThatIsNotThereMatchesNoRow)
-{
-    Log(Days(3, 7, "{\"a\":5,\"\":5}"));
-    EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").Single("q", "ge", "5").Duration(30, 1)));
-    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR), IsEmpty());
-}
-
-TEST_F(AlarmRuleEngineTest, TestsWithoutConditionsOrParamsAreFalse)
-{
-    Log(Days(3, 7, "{\"a\":5}"));
-    EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").Duration(30, 1)));
-    EXPECT_FALSE(Fires(Ids("7", "7").Single("p", "eq", "5").Duration(30, 1)));
-    EXPECT_THAT(mLog.Lines(), IsEmpty());
-}
-
-TEST_F(AlarmRuleEngineTest, ConditionsAreAlternatives)
-{
-    Log(Days(1, 7, "{\"a\":5}"));
-    EXPECT_TRUE(Fires(Ids("7", "7").WithParam("p", "a", "int").Single("p", "eq", "4").Single("p", "eq", "5")
-        .Duration(30, 1)));
-}
-
-TEST_F(AlarmRuleEngineTest, UnknownConditionIsLoggedAndPassedOver)
-{
-    Log(Days(1, 7, "{\"a\":5}"));
-    auto odd = std::make_shared<OrLogic>();
-    odd->SetType("odd_logic");
-    EXPECT_TRUE(Fires(Ids("7", "7").WithParam("p", "a", "int").Condition(odd).Single("p", "eq", "5").Duration(30, 1)));
-    EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR),
-        ElementsAre("FUNc:AlarmRuleEngine::IsWithParamTestChecked: Undefined Logic type"));
-}
-
-TEST_F(AlarmRuleEngineTest, UnderDurationOneRowPassesAllTests)
-{
-    Log({{NOW, 7, "1", "{\"a\":1,\"b\":1}"}, {NOW, 7, "1", "{\"a\":1}"}, {NOW, 7, "1", "{\"b\":1}"}});
-    const auto item = [] {
-        return Ids("7", "7").WithParam("p", "a", "int").WithParam("q", "b", "int")
-            .Multiple({{"p", "eq", "1"}, {"q", "eq", "1"}});
-    };
-    EXPECT_TRUE(Fires(item().Duration(1, 1)));
-    EXPECT_FALSE(Fires(item().Duration(1, 2)));
-    EXPECT_TRUE(Fires(item().Latest(1, 2)));
-    EXPECT_TRUE(Fires(item().DailyPeak(1, 2))) << "each test counts for itself, over the period";
-    EXPECT_FALSE(Fires(item().Latest(1, 3)));
-}
-
-TEST_F(AlarmRuleEngineTest, UnderDailyPeakSeparateTestsCountOverTheWholePeriod)
-{
-    Log(Days(3, 7, "{\"a\":1}"));
-    const auto item = [] { return Ids("7", "7").WithParam("p", "a", "int"); };
-    EXPECT_TRUE(Fires(item().Multiple({{"p", "eq", "1"}}).DailyPeak(30, 3)));
-    EXPECT_FALSE(Fires(item().Single("p", "eq", "1").DailyPeak(30, 2))) << "a single test counts day by day";
-}
-
-TEST_F(AlarmRuleEngineTest, OfSeparateTestsTheLastIdDecides)
-{
-    Log({{NOW, 7, "1", "{\"a\":1}"}, {NOW, 8, "1", "{\"a\":2}"}});
-    const auto item = [](const char* last) {
-        return Ids("7", last).WithParam("p", "a", "int").Multiple({{"p", "eq", "1"}}).Latest(1, 1);
-    };
-    EXPECT_TRUE(Fires(item("7")));
-    EXPECT_FALSE(Fires(item("8")));
-    EXPECT_FALSE(Fires(item("9"))) << "an id without rows";
-}
-
-TEST_F(AlarmRuleEngineTest, MultipleTestsWithoutItemsHoldUnlessUnderDuration)
-{
-    Log({});
-    EXPECT_TRUE(Fires(Ids("7", "7").WithParam("p", "a", "int").Multiple({}).Latest(1, 1)));
-    EXPECT_TRUE(Fires(Ids("7", "7").WithParam("p", "a", "int").Multiple({}).DailyPeak(1, 1)));
-    EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").Multiple({}).Duration(1, 1)));
-    Log(Days(1, 7, "{\"a\":5}"));
-    EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").Multiple({}).Duration(1, 1))) << "whatever rows there are";
-}
-
-TEST_F(AlarmRuleEngineTest, NullItemsOfAConditionAreLeftOut)
-{
-    Log(Days(1, 7, "{\"a\":5}"));
-    const Ids ids = Ids("7", "7").WithParam("p", "a", "int").Multiple({{"p", "eq", "5"}}).Duration(30, 1);
-    ids.Item()->conditionList[0]->SetLogicItemList({nullptr, ids.Item()->conditionList[0]->GetLogicItemList()[0]});
-    EXPECT_TRUE(Fires(ids));
-}
-
 TEST_F(AlarmRuleEngineTest, WritesTheKindOfWindowAndTheResultsIntoTheRule)
 {
     Log(Days(1, 7, "{\"a\":5}"));
@@ -460,24 +302,6 @@ TEST_F(AlarmRuleEngineTest, WhetherRowsOrWeightsWereCountedAndOfOneDayIsNoted)
         "reached 1 rows by " + dmd, "reached 1 rows by last id " + dmd, "reached 0 by 0"));
 }
 
-TEST_F(AlarmRuleEngineTest, EachTestIsNotedAgainstTheRowsThatPassedThoseBefore)
-{
-    Log({{NOW, 7, "1", "{\"a\":5,\"b\":\"x\"}"}, {NOW, 7, "1", "{\"a\":9,\"b\":\"y\"}"}, {NOW, 7, "1", "{\"a\":1}"}});
-    EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").WithParam("q", "b", "string")
-        .Multiple({{"p", "ge", "5"}, {"q", "eq", "x"}}).Duration(1, 2)));
-    EXPECT_THAT(EvidenceLines(mRecord, "test"), ElementsAre(
-        "test a int ge '5' passed 2 of 3", "test b string eq 'x' passed 1 of 2"));
-}
-
-TEST_F(AlarmRuleEngineTest, SeparateTestsAreNotedEachAgainstAllRows)
-{
-    Log({{NOW, 7, "1", "{\"a\":5}"}, {NOW, 7, "1", "{\"a\":9}"}});
-    EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").Multiple({{"p", "eq", "5"}, {"p", "eq", "8"}})
-        .Latest(1, 1)));
-    EXPECT_THAT(EvidenceLines(mRecord, "test"), ElementsAre(
-        "test a int eq '5' passed 1 of 2 last id 1", "test a int eq '8' passed 0 of 2 last id 0"));
-}
-
 TEST_F(AlarmRuleEngineTest, WhatAsksForNoIdIsNotForeseen)
 {
     Log(Days(2, 7));
@@ -501,16 +325,6 @@ TEST_F(AlarmRuleEngineTest, ANumberOfAWindowThatIsNoneIsNoted)
         EXPECT_TRUE(Fires(item));
         EXPECT_THAT(mRecord.notes, ElementsAre(Reason::BAD_NUMBER));
     }
-}
-
-TEST_F(AlarmRuleEngineTest, ConditionThatIsNullIsOfNoKnownType)
-{
-    Log(Days(2, 7, R"({"a":5})"));
-    EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").Condition(nullptr).Latest(7, 2)));
-    EXPECT_EQ(mReason, Reason::UNKNOWN_CONDITION);
-    EXPECT_FALSE(Fires(Ids("7", "7").WithParam("p", "a", "int").Single("p", "eq", "4").Condition(nullptr).Latest(7, 2)));
-    EXPECT_EQ(mReason, Reason::WINDOW_SHORT) << "a condition of a known type was counted before";
-    EXPECT_TRUE(Fires(Ids("7", "7").WithParam("p", "a", "int").Condition(nullptr).Single("p", "eq", "5").Latest(7, 2)));
 }
 
 TEST_F(AlarmRuleEngineTest, ARowWhoseTimeIsBeyondTheCalendarCountsForNoDay)

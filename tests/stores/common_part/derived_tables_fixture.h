@@ -10,6 +10,7 @@
 
 #include "arborist/frame/settings.h"
 #include "arborist/stores/common_part/common_part_db_helper.h"
+#include "tests/stores/common_part/helper_line.h"
 #include "tests/support/common_part_builder.h"
 #include "tests/support/database_rows.h"
 #include "tests/support/event_log_builder.h"
@@ -18,12 +19,6 @@
 #include "tests/support/temp_dir.h"
 
 inline constexpr std::int64_t NOW = 1700000000;
-
-/// A log line of the helper.
-inline std::string Line(const std::string& text)
-{
-    return "FUNc:CommonPartDbHelper::" + text;
-}
 
 /// Builds derived tables from an event log of its own.
 class DerivedTablesTest : public testing::Test {

@@ -1,14 +1,12 @@
 #include <filesystem>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <json/value.h>
 #include <tinyxml2.h>
 
 #include "tests/support/case_name.h"
 #include "tests/support/event_log_builder.h"
-#include "tests/support/temp_dir.h"
-#include "tests/tools/command_bundle.h"
+#include "tests/tools/commands/lint_fixture.h"
 #include "tests/tools/json_schema.h"
 
 namespace {
@@ -22,43 +20,7 @@ using testing::StartsWith;
 
 namespace fs = std::filesystem;
 
-constexpr char SAMPLES[] = ARBORIST_SOURCE_DIR "/tests/diagnosis/lint/samples/";
-
-// Line 12 of the rule file names no scene.
-std::string RuleFile(const std::string& attributes = "", const std::string& before = "")
-{
-    return "<FaultTreeRules>\n"
-           "  <EventRules>\n    <Laptop>\n"
-           "      <Event><ID>E</ID><or type=\"singleRule\"><Rule><Rule-name>r</Rule-name></Rule></or></Event>\n"
-           "    </Laptop>\n  </EventRules>\n"
-           "  <EventFaultDescriptions><Laptop><Event><ID>E</ID><FaultDescriptions><description id=\"D\"/>"
-           "</FaultDescriptions></Event></Laptop></EventFaultDescriptions>\n"
-           "  <RuleList>\n    <Laptop>\n      <rule>\n" + before +
-           "\n        <codeRule name=\"r\"" + attributes + "><detectInfo id=\"C\"/></codeRule>\n"
-           "      </rule>\n    </Laptop>\n  </RuleList>\n</FaultTreeRules>\n";
-}
-
-class LintCommand : public testing::Test {
-protected:
-    // A rule set in "rules" whose only finding is A401 in line 12.
-    void SetUp() override
-    {
-        fs::create_directory("rules");
-        fs::copy_file(std::string(SAMPLES) + "plain/FaultTrees.xml", "rules/FaultTrees.xml");
-        Write(RuleFile());
-    }
-
-    void Write(const std::string& ruleFile) { mDir.Write("rules/FaultTreeRules.xml", ruleFile); }
-    void Mend() { Write(RuleFile(" detectScene=\"1\"")); }
-
-    ProcessResult Lint(std::vector<std::string> options, const ProcessSetup& setup = {})
-    {
-        options.insert(options.begin(), "lint");
-        return RunArborist(options, setup);
-    }
-
-    TempDir mDir;
-};
+using LintCommand = LintFixture;
 
 TEST_F(LintCommand, ShowsPlaceLineHelpAndWhatHappensAtRunTime)
 {
@@ -360,8 +322,6 @@ TEST_F(LintCommand, ShowsNoControlCharactersOfAFile)
     EXPECT_THAT(Lint({"rules"}).out, AllOf(HasSubstr("\\x1B[31m"), Not(HasSubstr("\x1b"))));
 }
 
-// ---- Data of a device. ----
-
 TEST_F(LintCommand, LooksForTheEventsOfRulesInALog)
 {
     EventLogBuilder().Row({1700000000, 1001, "", ""}).WriteTo(mDir.Path("log.db"));
@@ -399,161 +359,6 @@ TEST_F(LintCommand, LooksForNodeFilesBelowTheRootOfADevice)
     EXPECT_THAT(Lint({"rules", "--only", "A714", "--device-root", "device", "--format", "short"}).out,
         AllOf(HasSubstr("warning: the device has no file \"/sys/capactiy\", which the rule \"n\" reads [A714]\n"),
             Not(HasSubstr("capacity\""))));
-}
-
-// ---- Fixes. ----
-
-TEST_F(LintCommand, ShowsAndMakesFixes)
-{
-    Write(RuleFile(" detectScene=\"1\" colour=\"red\""));
-    const std::string before = mDir.Read("rules/FaultTreeRules.xml");
-    const auto diff = Lint({"rules", "--diff"});
-    EXPECT_THAT(diff.out, StartsWith("--- rules/FaultTreeRules.xml\n+++ rules/FaultTreeRules.xml\n@@ -9,7 +9,7 @@\n"));
-    EXPECT_THAT(diff.out, HasSubstr("\n-        <codeRule name=\"r\" detectScene=\"1\" colour=\"red\"><detectInfo id=\"C\"/>"
-                                    "</codeRule>\n+        <codeRule name=\"r\" detectScene=\"1\"><detectInfo"));
-    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), before);
-    mDir.Write("lint.diff", diff.out);
-    EXPECT_EQ(Lint({"rules", "--fix"}).out, "no findings, 1 fixed\n");
-    const std::string after = mDir.Read("rules/FaultTreeRules.xml");
-    EXPECT_THAT(after, Not(HasSubstr("colour")));
-    EXPECT_EQ(RunProcess({"patch", "-R", "-p0", "-i", "lint.diff"}).status, 0);
-    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), before);
-}
-
-TEST_F(LintCommand, MakesUnsafeFixesWhenAskedTo)
-{
-    std::string rules = RuleFile(" detectScene=\"1\"");
-    rules.replace(rules.find("<Rule-name>r"), 12, "<Rule-name>r\n");
-    Write(rules);
-    EXPECT_EQ(Lint({"rules", "--fix"}).status, 1);
-    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), rules);
-    EXPECT_EQ(Lint({"rules", "--fix", "--unsafe-fixes"}).out, "no findings, 1 fixed\n");
-    EXPECT_THAT(mDir.Read("rules/FaultTreeRules.xml"), HasSubstr("<Rule-name>r</Rule-name>"));
-}
-
-TEST_F(LintCommand, PutsTheNearKeyInEveryPlaceOfAnUnknownNameOfAFormula)
-{
-    const auto node = [](const std::string& formula) {
-        return RuleFile(" detectScene=\"1\"", "<nodeRule name=\"n\" detectScene=\"1\"><nodeInfo param=\"full\" path=\"f\"/>"
-            "<params><param id=\"1\" key=\"full\" type=\"int\"/><param id=\"2\" key=\"sum\" type=\"double\"/></params>"
-            "<logicExpression type=\"double\" ret=\"sum\" express=\"" + formula + "\"/></nodeRule>");
-    };
-    Write(node("(fulll + 2 ) * fulll"));
-    EXPECT_EQ(Lint({"rules", "--fix", "--unsafe-fixes", "--only", "A704"}).out, "no findings, 1 fixed\n");
-    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), node("(full + 2 ) * full"));
-}
-
-TEST_F(LintCommand, RenamesAnAttributeUnlessTheElementHasTheOther)
-{
-    const std::vector<std::string> fix = {"rules", "--fix", "--unsafe-fixes", "--only", "A104"};
-    Write(RuleFile(" detectscene=\"1\""));
-    EXPECT_EQ(Lint(fix).out, "no findings, 1 fixed\n");
-    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), RuleFile(" detectScene=\"1\""));
-    Write(RuleFile(" detectScene=\"1\" detectscene=\"2\""));
-    EXPECT_THAT(Lint(fix).out, HasSubstr("did you mean \"detectScene\"?"));
-    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), RuleFile(" detectScene=\"1\" detectscene=\"2\""));
-}
-
-TEST_F(LintCommand, RenamesAnElementWithItsEndTagAndLeavesEqualWordsInItAlone)
-{
-    const auto rules = [](const std::string& word) {
-        return "<R>\n<" + word + "><!-- </" + word + "> --><Laptop>\n<rule/>\n</Laptop></" + word + ">\n<EventRules><Laptop/>"
-            "</EventRules></R>";
-    };
-    Write(rules("Rulelist"));
-    EXPECT_EQ(Lint({"rules", "--fix", "--unsafe-fixes", "--only", "A102"}).out, "no findings, 1 fixed\n");
-    std::string mended = rules("RuleList");
-    mended.replace(mended.find("<!-- </RuleList"), 15, "<!-- </Rulelist");
-    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), mended);
-}
-
-TEST_F(LintCommand, RenamesTheEntryThatWasMeantForAnEventWithoutOne)
-{
-    std::string rules = RuleFile(" detectScene=\"1\"");
-    Write(rules);
-    const std::string trees = mDir.Read("rules/FaultTrees.xml");
-    rules.replace(rules.find("<ID>E"), 5, "<ID>EE");
-    Write(rules);
-    EXPECT_THAT(Lint({"rules", "--only", "A301"}).out, HasSubstr("help: did you mean \"EE\"?"));
-    EXPECT_EQ(Lint({"rules", "--fix", "--unsafe-fixes"}).out, "no findings, 1 fixed\n");
-    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), RuleFile(" detectScene=\"1\""));
-    EXPECT_EQ(mDir.Read("rules/FaultTrees.xml"), trees);
-}
-
-TEST_F(LintCommand, LeavesOutTheSemicolonAtTheEndOfAQueryAlone)
-{
-    const auto query = [](const std::string& sql) {
-        return RuleFile(" detectScene=\"1\"", "<commandRule name=\"c\" detectScene=\"1\"><referenceCommonPart>"
-            "<commonPartName>t</commonPartName></referenceCommonPart><AnalysisMethod type=\"SQL\"><SQL_Condition><SQLItem>"
-            "<sql>" + sql + "</sql></SQLItem></SQL_Condition></AnalysisMethod></commandRule>");
-    };
-    const std::vector<std::string> fix = {"rules", "--fix", "--unsafe-fixes", "--only", "A603"};
-    Write(query("select 1 where 2 &lt; 3 ; ;\n"));
-    EXPECT_EQ(Lint(fix).out, "no findings, 1 fixed\n");
-    EXPECT_THAT(mDir.Read("rules/FaultTreeRules.xml"), HasSubstr("<sql>select 1 where 2 &lt; 3 </sql>"));
-    Write(query("select 1; select 2"));
-    EXPECT_EQ(Lint(fix).status, 1);
-    EXPECT_THAT(mDir.Read("rules/FaultTreeRules.xml"), HasSubstr("<sql>select 1; select 2</sql>"));
-}
-
-TEST_F(LintCommand, RefusesFixesWithWhichTheTestsOfTheRuleSetAnswerOtherwise)
-{
-    std::string rules = RuleFile(" detectScene=\"1\"");
-    rules.replace(rules.find("<Rule-name>r"), 12, "<Rule-name>r\n");
-    Write(rules);
-    mDir.Write("rules/quiet.test.json", R"({"scene": 1, "answers": {"r": true}, "expect": {"causes": {"T": []}}})");
-    ASSERT_EQ(RunArborist({"test", "rules"}).status, 0);
-    const auto refused = Lint({"rules", "--fix", "--unsafe-fixes"});
-    EXPECT_THAT(refused.err, StartsWith("arborist: rules: not mended: a test would answer otherwise: "));
-    EXPECT_THAT(refused.err, HasSubstr("quiet.test.json: quiet\n"));
-    EXPECT_EQ(refused.status, 1);
-    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), rules);
-    EXPECT_EQ(Lint({"rules", "--diff", "--unsafe-fixes"}).out, "");
-    mDir.Write("rules/quiet.test.json", R"({"scene": 2, "answers": {"r": true}, "expect": {"causes": {"T": []}}})");
-    EXPECT_EQ(Lint({"rules", "--fix", "--unsafe-fixes"}).out, "no findings, 1 fixed\n");
-    EXPECT_NE(mDir.Read("rules/FaultTreeRules.xml"), rules);
-}
-
-TEST_F(LintCommand, RefusesFixesWithWhichTestsInAnotherFolderAnswerOtherwise)
-{
-    std::string rules = RuleFile(" detectScene=\"1\"");
-    rules.replace(rules.find("<Rule-name>r"), 12, "<Rule-name>r\n");
-    Write(rules);
-    const std::string quiet = R"("scene": 1, "answers": {"r": true}, "expect": {"causes": {"T": []}}})";
-    fs::create_directory("project");
-    fs::rename("rules", "project/rules");
-    mDir.Write("tests/quiet.test.json", R"({"rules": "../project/rules", )" + quiet);
-    const std::vector<std::string> fix = {"project/rules", "--fix", "--unsafe-fixes", "--tests", "tests"};
-    EXPECT_THAT(Lint(fix).err, HasSubstr("tests/quiet.test.json: quiet\n"));
-    mDir.Write("config/lint.json", R"({"tests": ["../tests"]})");
-    EXPECT_THAT(
-        Lint({"project/rules", "--fix", "--unsafe-fixes", "--config", "config/lint.json"}).err, HasSubstr("quiet\n"));
-    EXPECT_EQ(mDir.Read("project/rules/FaultTreeRules.xml"), rules);
-    // A case of another rule set says nothing about this one.
-    fs::copy("project/rules", "others");
-    mDir.Write("tests/quiet.test.json", R"({"rules": "../others", )" + quiet);
-    EXPECT_EQ(Lint(fix).out, "no findings, 1 fixed\n");
-}
-
-TEST_F(LintCommand, FindsTheTestsBesideARuleSet)
-{
-    std::string rules = RuleFile(" detectScene=\"1\"");
-    rules.replace(rules.find("<Rule-name>r"), 12, "<Rule-name>r\n");
-    Write(rules);
-    const std::string quiet = R"("scene": 1, "answers": {"r": true}, "expect": {"causes": {"T": []}}})";
-    mDir.Write("tests/deep/quiet.test.json", R"({"rules": "../../rules", )" + quiet);
-    const std::vector<std::string> fix = {"rules", "--fix", "--unsafe-fixes"};
-    EXPECT_THAT(Lint(fix).err, HasSubstr("tests/deep/quiet.test.json: quiet\n"));
-    EXPECT_EQ(mDir.Read("rules/FaultTreeRules.xml"), rules);
-    fs::copy("rules", "others");
-    mDir.Write("tests/deep/quiet.test.json", R"({"rules": "../../others", )" + quiet);
-    EXPECT_EQ(Lint(fix).out, "no findings, 1 fixed\n");
-}
-
-TEST_F(LintCommand, DoesNotMendWhatIsOnStandardInput)
-{
-    EXPECT_EQ(Lint({"-", "--fix"}).status, 2);
-    EXPECT_EQ(Lint({"rules", "--fix", "--diff"}).status, 2);
 }
 
 } // namespace
