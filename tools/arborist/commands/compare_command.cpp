@@ -15,7 +15,7 @@
 #include "tools/arborist/batch/batch.h"
 #include "tools/arborist/batch/bundle_list.h"
 #include "tools/arborist/commands/commands.h"
-#include "tools/arborist/commands/detect_batch.h"
+#include "tools/arborist/commands/each_bundle.h"
 #include "tools/arborist/commands/rules_making.h"
 #include "tools/arborist/commands/seconds.h"
 #include "tools/arborist/commands/shared_options.h"

@@ -12,6 +12,7 @@
 #include "diagnosis/scratch/new_file.h"
 #include "tools/arborist/batch/bundle_list.h"
 #include "tools/arborist/batch/earlier_lines.h"
+#include "tools/arborist/commands/each_bundle.h"
 #include "tools/arborist/commands/seconds.h"
 #include "tools/arborist/terminal/output.h"
 
@@ -179,15 +180,6 @@ ExitStatus StatusOf(const DetectionReport& report, const DetectOptions& options)
 {
     const ExitStatus status = StatusOf(report, options.run);
     return options.failsOnFault && report.IsFault() ? MoreSerious(status, ExitStatus::FAULT_FOUND) : status;
-}
-
-std::vector<BundlePath> BundlePaths(const std::vector<std::string>& given)
-{
-    std::vector<BundlePath> bundles;
-    for (const std::string& bundle : given) {
-        bundles.push_back(MakeBundlePath(bundle));
-    }
-    return bundles;
 }
 
 ExitStatus DetectBatch(DetectOptions& options)

@@ -33,9 +33,6 @@ struct DetectOptions {
 /// The exit status for a report with all that makes detect fail.
 ExitStatus StatusOf(const DetectionReport& report, const DetectOptions& options);
 
-/// The bundles of a command line or list.
-std::vector<BundlePath> BundlePaths(const std::vector<std::string>& given);
-
 /// --batch and the options that need it.
 void AddBatchOptions(Command detect, DetectOptions& options);
 

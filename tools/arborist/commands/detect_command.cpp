@@ -1,14 +1,10 @@
-#include <iostream>
 #include <memory>
-#include <optional>
 
-#include "diagnosis/bundle/bundle_overlay.h"
-#include "diagnosis/process/interruption.h"
 #include "diagnosis/results/detection_json.h"
-#include "diagnosis/scratch/scratch.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/detect_batch.h"
 #include "tools/arborist/commands/device_names.h"
+#include "tools/arborist/commands/each_bundle.h"
 #include "tools/arborist/commands/shared_options.h"
 #include "tools/arborist/render/detection_text.h"
 #include "tools/arborist/render/explanation_text.h"
@@ -39,28 +35,15 @@ ExitStatus Detect(DetectOptions options)
     }
     options.run.detection = MakeDetectionOptions(options.run);
     options.run.detection.isForLine = options.asJson || !options.list.empty();
-    if (!options.list.empty() || options.bundles.size() > 1) {
-        options.run.detection.ruleSets = std::make_shared<RuleSetMemory>();
-    }
     if (!options.list.empty()) {
+        options.run.detection.ruleSets = std::make_shared<RuleSetMemory>();
         return DetectBatch(options);
     }
-    const std::vector<BundlePath> bundles = BundlePaths(options.bundles);
-    options.run.detection.stopsOnSignal = true;
-    std::optional<ReusedScratch> reused;
-    if (bundles.size() > 1) {
-        reused.emplace(FoldersOfOverlay());
-    }
-    ExitStatus status = ExitStatus::SUCCESS;
-    for (const BundlePath& bundle : bundles) {
-        if (WasStoppedBySignal()) {
-            break;
-        }
-        const DetectionReport report = RunDetection(bundle, options.run.detection);
+    return RunEach(options.bundles, options.run.detection, [&](const BundlePath& bundle, const DetectionOptions& detection) {
+        const DetectionReport report = RunDetection(bundle, detection);
         Print(report, options);
-        status = MoreSerious(status, StatusOf(report, options));
-    }
-    return status;
+        return StatusOf(report, options);
+    });
 }
 
 } // namespace

@@ -1,13 +1,10 @@
 #include <memory>
-#include <optional>
 
 #include "diagnosis/analysis/explanation_view.h"
-#include "diagnosis/bundle/bundle_overlay.h"
-#include "diagnosis/process/interruption.h"
 #include "diagnosis/results/explained_report.h"
 #include "diagnosis/results/explanation_json.h"
-#include "diagnosis/scratch/scratch.h"
 #include "tools/arborist/commands/commands.h"
+#include "tools/arborist/commands/each_bundle.h"
 #include "tools/arborist/commands/shared_options.h"
 #include "tools/arborist/render/explanation_text.h"
 #include "tools/arborist/terminal/colour.h"
@@ -29,32 +26,17 @@ ExitStatus Explain(const ExplainOptions& options)
     if (!IsLogOpen(options.run.log)) {
         return ExitStatus::WRONG_USE;
     }
-    DetectionOptions detection = MakeDetectionOptions(options.run);
-    detection.ruleSets = options.bundles.size() > 1 ? std::make_shared<RuleSetMemory>() : nullptr;
-    detection.stopsOnSignal = true;
-    std::vector<BundlePath> bundles;
-    for (const std::string& bundle : options.bundles) {
-        bundles.push_back(MakeBundlePath(bundle));
-    }
-    std::optional<ReusedScratch> reused;
-    if (bundles.size() > 1) {
-        reused.emplace(FoldersOfOverlay());
-    }
-    ExitStatus status = ExitStatus::SUCCESS;
-    for (const BundlePath& bundle : bundles) {
-        if (WasStoppedBySignal()) {
-            break;
-        }
-        const DetectionReport report = RunExplanation(bundle, detection, options.view);
-        if (options.asJson) {
-            PrintResult(ExplanationJson(report, options.view) + "\n");
-        } else {
-            PrintProblems(report.bundle, report.warnings, report.failure);
-            PrintResult(ExplanationText(report, options.view, AreResultsColoured()));
-        }
-        status = MoreSerious(status, StatusOf(report, options.run));
-    }
-    return status;
+    return RunEach(options.bundles, MakeDetectionOptions(options.run),
+        [&](const BundlePath& bundle, const DetectionOptions& detection) {
+            const DetectionReport report = RunExplanation(bundle, detection, options.view);
+            if (options.asJson) {
+                PrintResult(ExplanationJson(report, options.view) + "\n");
+            } else {
+                PrintProblems(report.bundle, report.warnings, report.failure);
+                PrintResult(ExplanationText(report, options.view, AreResultsColoured()));
+            }
+            return StatusOf(report, options.run);
+        });
 }
 
 void AddViewOptions(Command explain, ExplanationView& view)
