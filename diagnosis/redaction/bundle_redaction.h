@@ -14,8 +14,8 @@ void RedactBundle(const Redaction& redaction, Bundle& bundle, RedactionReport& r
 
 /// True if a pattern of the redaction matches the whole path of a node file, as the rule set names it.
 bool IsRedactedNode(const Redaction& redaction, const std::string& path);
-/// The text in place of a node file's: the hash of it without the line ends at its end, and a line end. An empty one stays, so
-/// does one of line ends only.
+/// Replaces the text of a node file by the hash of it, without the line ends at its end, and a line end. A text that is
+/// empty or has only line ends stays.
 std::string RedactedNodeText(const Redaction& redaction, const std::string& text);
 
 } // namespace diagnosis

@@ -14,8 +14,8 @@ struct RedactedExtra {
     std::string text;
     /// The members that were replaced, by their names in lower case.
     std::set<std::string> members;
-    /// True if the text is no JSON object, or none that is read in one way only, and was replaced as a whole: nobody can tell
-    /// what is in it.
+    /// True if the whole text was replaced, because it is no JSON object or one that readers may understand in several
+    /// ways.
     bool isWhole = false;
     /// True if a replaced value had a quote: a derived table leaves out the row, or runs what is behind the quote as SQL.
     bool hadQuote = false;

@@ -6,14 +6,14 @@
 
 namespace diagnosis {
 
-/// The fewest bytes of a key: a shorter one could be found by trying all.
+/// The least number of bytes of a key: shorter ones can be found by trying all.
 inline constexpr std::size_t SHORTEST_KEY = 16;
 
-/// The key that a file holds: all of its bytes, a line end included. On failure returns nothing and sets `problem` to the
-/// path and the reason on one line.
+/// Reads a key: all bytes of the file, a line end included. On failure returns nothing and sets `problem` to the path and the
+/// reason on one line.
 std::optional<std::string> ReadHashKey(const std::string& path, std::string& problem);
 
-/// The keyed hash that stands for a value. The empty value, which tells nothing, stays empty.
+/// The keyed hash in place of a value. The empty value stays empty, as it gives nothing away.
 std::string HashedValue(const std::string& key, const std::string& value);
 
 /// How results name the device that a bundle is of.

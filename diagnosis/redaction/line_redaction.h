@@ -15,7 +15,7 @@ namespace diagnosis {
 
 /// Replaces the listed parts of result lines by keyed hashes, one line after the other.
 ///
-/// What is left comes from the rule set, or is a verdict, a count or a time.
+/// Everything else in a line comes from the rule set, or is a verdict, a count or a time.
 class LineRedaction {
 public:
     /// The redaction must outlive it.
@@ -38,7 +38,7 @@ private:
     const Redaction& mRedaction;
     /// The listed parts.
     std::map<std::string, std::uint64_t> mCounts;
-    /// What was redacted before, with what it was: lines of a fleet share most of it.
+    /// Objects that were redacted before, by the original: lines of a fleet share most of them.
     Known<results_db::ResultWarning> mWarnings;
     Known<results_db::ResultTree> mTrees;
 };

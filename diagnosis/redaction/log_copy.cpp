@@ -14,7 +14,7 @@ struct LogTable {
     std::vector<std::string> columns;
 };
 
-// All that readers of a log ask for.
+// The columns that readers of a log use.
 const std::vector<LogTable>& LogTables()
 {
     static const std::vector<LogTable> TABLES = {{"event_info", {"_ID", "event_id", "extra", "version_id"}},

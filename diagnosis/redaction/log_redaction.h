@@ -15,7 +15,8 @@ namespace diagnosis {
 std::optional<Failure> RedactLog(const std::string& source, const std::string& target, const Redaction& redaction,
     RedactionReport& report);
 
-/// Notes that the derived database at `path` is left out, with its tables: they hold members of the event log.
+/// Notes in the report that the derived database at `path` is left out, and which tables it has. They are made of the
+/// event log's members.
 void LeaveDerivedDatabaseOut(const std::string& path, RedactionReport& report);
 
 } // namespace diagnosis

@@ -41,7 +41,7 @@ struct RedactionReport {
     RedactedRows wholeTexts;
     /// True if a replaced value of the log had a quote, behind which a derived table may run SQL.
     bool hadQuote = false;
-    /// What the redacted bundle doesn't have, since it may hold what was replaced.
+    /// Left out of the redacted bundle, because it may contain values that were replaced.
     std::vector<std::string> leftOut;
     /// True if the bundle has an event log, of which derived tables are built.
     bool hasLog = false;

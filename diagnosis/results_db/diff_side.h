@@ -35,7 +35,7 @@ public:
         std::string reason;
         Number treeNumber = 0;
         Number eventNumber = 0;
-        /// Its event has the separator of paths in its id, so that no path tells whether it is part of it.
+        /// True if the event's id has the separator of paths, so that paths don't show whether they pass it.
         bool mayBeAnywhere = false;
     };
 
@@ -43,7 +43,7 @@ public:
     /// The cut set is sorted, and has each path once. Id and name of the last call count; of one side, the smallest.
     Number AddCause(const std::string& tree, std::vector<std::string> cutSet, const std::string& id, const std::string& name);
     Number AddCheck(const Check& check);
-    /// Ids and names from now on are those of the later side.
+    /// Call before the later side is read: its ids and names replace those of the earlier one.
     void BeginLaterSide();
 
     const std::string& TreeOf(Number tree) const { return mTreeIds[Place(tree)]; }
@@ -63,7 +63,7 @@ private:
     std::vector<std::string> mTreeIds;
     std::vector<Cause> mCauses;
     std::vector<Check> mChecks;
-    /// How many sides have named a cause: by its place.
+    /// By the place of a cause: how many sides have named it.
     std::vector<int> mNamedBy;
     int mSide = 1;
 };
@@ -78,7 +78,7 @@ struct DiffLine {
 /// Reads one side of a comparison, bundle by bundle in the order of their names.
 class DiffSide {
 public:
-    /// A line of the bundle at hand.
+    /// A line of the current bundle.
     struct Line {
         std::int64_t id = 0;
         bool ok = false;

@@ -16,7 +16,7 @@
 
 namespace diagnosis::results_db {
 
-/// The longest wall time that a line may tell.
+/// The longest wall time that a line may have, in seconds.
 inline constexpr double MOST_SECONDS = 1e9;
 
 /// Takes members of one JSON object and notes the first that is missing or of another type.

@@ -28,7 +28,7 @@ struct LinePieces {
 };
 
 /// Cuts a line into pieces. If frame and pieces are JSON, so is the line, and says what they say. False if it can't be
-/// cut, which tells nothing about the line.
+/// cut; it may be sound all the same.
 bool CutLine(std::string_view line, LinePieces& pieces);
 
 /// Records of pieces that were read before, by their text; forgets all of them when their texts take too much memory.

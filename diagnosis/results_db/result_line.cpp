@@ -75,7 +75,7 @@ ResultTree ReadTree(Members object)
     return tree;
 }
 
-// The evidence of the explanation, each with its text as it stands in the line.
+// The evidence of the explanation, each as its bytes in the line.
 std::vector<ResultEvidence> ReadEvidence(std::string_view text, Members line)
 {
     std::vector<ResultEvidence> all;
@@ -170,7 +170,7 @@ std::optional<ResultLine> ReadResultLine(std::string_view text, bool withEvidenc
 
 std::optional<ResultLine> ResultLineReader::Read(std::string_view text, std::string& problem)
 {
-    // Evidence is taken from the line as it stands, so that line can't be cut.
+    // Evidence is kept as its bytes in the line, so a line with evidence can't be cut.
     if (!mWithEvidence && CutLine(text, mPieces)) {
         if (auto line = ReadPieces()) {
             return line;

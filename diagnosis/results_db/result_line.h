@@ -81,7 +81,7 @@ struct ResultTree {
 struct ResultEvidence {
     std::string treeId;
     std::string event;
-    /// The object as it stands in the line.
+    /// The object, byte by byte as in the line.
     std::string json;
 };
 
@@ -100,7 +100,7 @@ struct ResultRepaired {
     std::string date;
 };
 
-/// A line of "arborist detect --json". Warnings and trees that read alike in several lines may be one object.
+/// A line of "arborist detect --json". Lines with equal warnings or trees may share them.
 struct ResultLine {
     std::string bundle;
     bool ok = false;
@@ -123,8 +123,8 @@ struct ResultLine {
 /// `problem` to the reason.
 std::optional<ResultLine> ReadResultLine(std::string_view text, bool withEvidence, std::string& problem);
 
-/// Reads many lines, with the answers of ReadResultLine. The lines of a fleet repeat each other's trees and warnings, so
-/// that one which reads as before is not read again.
+/// Reads many lines, with the answers of ReadResultLine. The lines of a fleet repeat each other's trees and warnings:
+/// equal texts are parsed once.
 class ResultLineReader {
 public:
     explicit ResultLineReader(bool withEvidence) : mWithEvidence(withEvidence) {}

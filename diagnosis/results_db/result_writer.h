@@ -27,7 +27,7 @@ enum class Added {
     FAILED, ///< see ResultWriter::Error
 };
 
-/// What records amount to in a database, as long as they are shared.
+/// The rows of records that lines share, for as long as the records live.
 template <typename Record, typename Rows>
 class RowsOfRecords {
 public:
@@ -39,7 +39,7 @@ public:
             mRows.clear();
         }
         auto& [owner, rows] = mRows[record.get()];
-        // The address may be that of an earlier record, which is no more.
+        // A new record may have the address of one that was freed.
         if (owner.lock() != record) {
             rows = make();
             owner = record;
@@ -56,8 +56,8 @@ private:
 /// Adds lines to a results database; the caller has begun a transaction.
 ///
 /// Lines of one engine and one rule set are a run. A bundle that was diagnosed has one line for each run and `now`: a
-/// further one adds nothing. A bundle that failed has one line until it is diagnosed in the same run, or at all if the
-/// rule set of the failed line is not known: then that line goes; a later failure takes the place of an earlier one.
+/// second one adds nothing. A bundle that failed has one line, which a later failure replaces. A diagnosis in the same
+/// run removes it; so does a diagnosis in any run if the rule set of the failed line is unknown.
 class ResultWriter {
 public:
     ResultWriter(Connection& database, bool withEvidence);
@@ -69,7 +69,7 @@ public:
     const std::string& Error() const { return mRunner.Error(); }
 
 private:
-    /// The rows that a tree of a line amounts to.
+    /// The rows of a tree of a line.
     struct TreeRows {
         std::int64_t treeDef = 0;
         std::int64_t outcome = 0;

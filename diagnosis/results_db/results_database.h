@@ -12,16 +12,16 @@ namespace diagnosis::results_db {
 /// Gives an empty database the schema of results.
 std::optional<Failure> CreateSchema(Connection& database, const std::string& path);
 
-/// The failure `bad_results` if an open database is none of results, of another version, or doesn't have the tables and
-/// views of its version as CreateSchema made them: a view in their place could run for ever. Tables, views and indexes
+/// The failure `bad_results` if an open database is no results database, has the schema of another version, or lacks the
+/// tables and views of its version as CreateSchema makes them: a view in their place could run for ever. Tables, views and indexes
 /// of columns that somebody added beside them are left alone; triggers and other indexes would run with an import.
 std::optional<Failure> CheckSchema(Connection& database, const std::string& path);
 
-/// Opens a results database to ask it: it must exist, have the schema of this version, and is not changed. Statements are
-/// limited by the size of the file.
+/// Opens an existing results database for reading. It must have the schema of this version. Statements are limited by the
+/// size of the file.
 std::optional<Failure> OpenResults(const std::string& path, Connection& database);
 
-/// The failure `bad_results` for what the connection reports last.
+/// The failure `bad_results` with the last error of the connection.
 Failure DatabaseFailure(const std::string& path, const Connection& database);
 
 /// True if a regular file starts as every SQLite database does. Reads nothing of a pipe.

@@ -241,7 +241,7 @@ private:
         Sort();
     }
 
-    // A definition that no bundle refers to, and one of lines that don't count, have nothing to tell.
+    // Leave out definitions that no bundle refers to, or only lines that don't count.
     void AddCause(const DiffCatalogue::Cause& cause, const CauseTally& tally)
     {
         if (tally.added.count + tally.gone.count + tally.unchanged.count + tally.notComparable.count > 0) {

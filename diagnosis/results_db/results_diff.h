@@ -13,13 +13,13 @@
 
 namespace diagnosis::results_db {
 
-/// What a tree came to in a bundle: its verdict, or that the line has no such tree.
+/// The verdict of a tree in a bundle, or that the line has no such tree.
 enum class TreeVerdict { FAULT, UNDECIDED, NO_FAULT, NOT_APPLICABLE, ABSENT };
 inline constexpr std::size_t TREE_VERDICTS = 5;
 /// "fault", "undecided", "no_fault", "not_applicable", "absent".
 const char* VerdictWord(TreeVerdict verdict);
 
-/// Why results of both sides can't be compared. Nothing of these counts as new or gone.
+/// Why a bundle, tree or root cause can't be compared. It counts neither as new nor as gone.
 enum class NotComparable {
     MISSING_BEFORE, ///< the bundle has no line
     MISSING_AFTER,
@@ -75,7 +75,7 @@ struct CauseChange {
     Occurrences notComparable;
 };
 
-/// Bundles whose tree came to something else.
+/// Bundles whose tree has one verdict before and another after.
 struct VerdictChange {
     std::string tree;
     TreeVerdict before = TreeVerdict::ABSENT;
@@ -83,7 +83,7 @@ struct VerdictChange {
     Occurrences bundles;
 };
 
-/// Bundles in which a check is open after that was not open before.
+/// Bundles in which a check is open on the later side alone.
 struct NewlyOpen {
     std::string tree;
     std::string event;
@@ -99,7 +99,7 @@ struct ResultsDiff {
     /// Bundles that were diagnosed on both sides, and those of them whose moments differ.
     std::int64_t compared = 0;
     std::int64_t otherMoment = 0;
-    /// How many trees of these bundles came to the one before and to the other after.
+    /// How many trees of these bundles have the one verdict before and the other after.
     std::array<std::array<std::int64_t, TREE_VERDICTS>, TREE_VERDICTS> matrix = {};
     /// All but trees that are undecided on a side, by tree and verdicts.
     std::vector<VerdictChange> verdicts;
@@ -113,7 +113,7 @@ struct ResultsDiff {
     /// How many root causes of a bundle are new, and how many are gone.
     std::int64_t Added() const;
     std::int64_t Gone() const;
-    /// How many trees of a bundle came to something else.
+    /// How many trees of a bundle have another verdict.
     std::int64_t ChangedVerdicts() const;
     /// True if anything is new, gone or changed, or can't be compared for a reason that one side alone has.
     bool HasDifference() const;

@@ -55,7 +55,7 @@ public:
         return mError.empty() && mDatabase.Changes() > 0;
     }
 
-    /// Keeps a reason of the caller, who failed at a statement of its own; empty for none.
+    /// Keeps `problem` as the reason of a failure, unless it is empty or there was one before.
     void Note(const std::string& problem) { mError = mError.empty() ? problem : mError; }
 
     /// The reason of the first failure; empty if there was none.

@@ -11,7 +11,7 @@ namespace diagnosis {
 /// The number of the week of a moment in seconds since 1970 of the local time. The week 0 begins on Monday, 5 January 1970.
 std::int64_t WeekOf(std::int64_t moment);
 
-/// The weeks of a trend: where its first one is, and what is told of it.
+/// The weeks of a trend, and the number of the first.
 struct TrendWeeks {
     std::int64_t first = 0;
     FleetTrend& trend;

@@ -13,13 +13,13 @@
 
 namespace diagnosis {
 
-/// Numbers of the causes of a database, from 0 on: definitions of one tree and event have one. Twenty bytes for each
-/// definition.
+/// Numbers the causes of a database from 0 on; definitions with the same tree and event have the same number. Needs twenty
+/// bytes for each definition.
 class CauseNumbers {
 public:
     explicit CauseNumbers(Questions& questions);
 
-    /// Nothing for a definition that the database doesn't have.
+    /// Nullopt for a definition that the database doesn't have.
     std::optional<std::size_t> Of(std::int64_t definition) const;
     /// How many there are.
     std::size_t Count() const { return mDefinitions.size(); }

@@ -23,7 +23,7 @@ struct BundleStates {
     std::uint64_t undecided = 0;
     std::uint64_t noFault = 0;
     std::uint64_t notApplicable = 0;
-    /// Without trees, as they could not be diagnosed.
+    /// Could not be diagnosed, and have no trees.
     std::uint64_t failed = 0;
 
     std::uint64_t All() const { return fault + undecided + noFault + notApplicable + failed; }
@@ -52,7 +52,7 @@ struct CommonCause {
 
 /// The commonest causes, the first first, and how often two are in one bundle.
 struct CommonCauses {
-    /// Of how many different ones.
+    /// Number of different causes, listed or not.
     std::uint64_t different = 0;
     std::vector<CommonCause> causes;
     /// For the first MOST_TOGETHER causes a row with a count for each of them; that of the cause itself on the diagonal.
@@ -77,7 +77,7 @@ struct OpenBySource {
     std::string detail;
     std::uint64_t checks = 0;
     std::uint64_t bundles = 0;
-    /// Undecided trees of bundles that it keeps open, perhaps besides others.
+    /// Undecided trees with a check that lacks it, alone or among others.
     std::uint64_t undecidedTrees = 0;
 };
 
@@ -109,8 +109,8 @@ struct SlowBundle {
 
 struct RunTimes {
     std::uint64_t bundles = 0;
+    /// All together, the median and the 95th percentile, in microseconds.
     std::int64_t sum = 0;
-    /// Half of all bundles, and 95 of 100, took at most so long; all in microseconds.
     std::int64_t median = 0;
     std::int64_t most95 = 0;
     std::vector<SlowBundle> slowest;
@@ -123,12 +123,12 @@ struct FleetWeek {
     /// "YYYY-MM-DD".
     std::string monday;
     BundleStates bundles;
-    /// In how many of them each of the first MOST_LINES common causes was found.
+    /// For each of the first MOST_LINES common causes, the number of these bundles that have it.
     std::vector<std::uint64_t> causes;
 };
 
 struct FleetTrend {
-    /// One after the other, also those without bundles: at most MOST, those that have the most bundles.
+    /// Consecutive, including weeks without bundles. At most MOST: the stretch with the most bundles.
     std::vector<FleetWeek> weeks;
     std::uint64_t before = 0;
     std::uint64_t after = 0;
@@ -145,9 +145,9 @@ struct RepairFigures {
     std::uint64_t bundlesWithoutDevice = 0;
     /// The repairs on record on the most devices first.
     std::vector<RepairEffect> effects;
-    /// How many more repairs some cause names and some device has on record.
+    /// Number of further repairs that a cause names and a device has on record.
     std::uint64_t leftOut = 0;
-    /// How many repairs are on record that no root cause of these results names.
+    /// Number of repairs on record that no root cause of these results names.
     std::uint64_t withoutCause = 0;
 
     static constexpr std::size_t MOST = 40;

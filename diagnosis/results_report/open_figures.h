@@ -6,9 +6,9 @@
 
 namespace diagnosis {
 
-/// Fills in the open checks by reason and by what they lack. As for "explain --next", all checks of a tree that lack the
-/// event log, or tables that are derived from it, lack the same where the log is missing. Memory grows with the number of
-/// different open checks, by some forty bytes each.
+/// Fills in the open checks by reason and by what they lack. Where the event log is missing, all checks of a tree that need
+/// it or a table derived from it lack the same thing, as for "explain --next". Needs some forty bytes for each different
+/// open check.
 void ReadOpenFigures(Questions& questions, OpenChecks& open);
 
 } // namespace diagnosis

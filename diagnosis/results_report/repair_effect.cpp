@@ -114,7 +114,7 @@ void RepairEffects::CloseBefore(Course& course, std::int64_t moment) const
     }
 }
 
-// An answer replaces what came of earlier times without one.
+// An answer replaces the outcomes of earlier attempts that had none.
 void RepairEffects::Close(Course& course)
 {
     if (!course.since) {

@@ -11,8 +11,7 @@
 
 namespace diagnosis {
 
-/// A repair and the root causes that name it: those that it is meant to mend. Together they count as one fault, that of
-/// the repair.
+/// A repair and the root causes that name it. Together these causes are one fault, that of the repair.
 struct RepairAim {
     std::string id;
     /// Numbers of causes, in any order, without repetition.
@@ -52,8 +51,8 @@ struct RepairEffect {
     std::string id;
     /// With the repair on record.
     FollowedDevices repaired;
-    /// The others with the repair on record: the last bundle before it that tells says that the fault is not there, or
-    /// there is none; no bundle followed in time; or open checks left all of those without an answer.
+    /// The others with the repair on record: the last answer before it was no fault, or there was none; or no bundle
+    /// followed in time; or open checks left the bundles that followed without an answer.
     std::uint64_t faultNotSeenBefore = 0;
     std::uint64_t notSeenAfter = 0;
     std::uint64_t notToldAfter = 0;
@@ -69,18 +68,21 @@ struct RepairEffect {
 /// Follows devices through their bundles, one device after the other and each in order of time; keeps the numbers and what
 /// belongs to the device at hand.
 ///
-/// A device counts once for a repair. With the repair on record: from the first of its repairs that can be followed, if
-/// the last bundle before it that tells had the fault; repairs with no answer between them count as one, at the last
-/// moment. Without it: from the first bundle with the fault that can be followed. It is followed if a later bundle says,
-/// up to `within` seconds after, that the fault is there or that it is not: none of its causes is found, and no tree of
-/// theirs has an open check that could add one. A bundle of the repair's own second counts as before.
+/// A bundle answers "fault" if one of the causes is found, and "no fault" if none is and no tree of theirs has an open
+/// check that could add one; other bundles have no answer. A device can be followed from a moment if a bundle answers up
+/// to `within` seconds after it.
+///
+/// A device counts once for a repair. With the repair on record it counts from the first of its repairs before which the
+/// last answer was "fault" and from which it can be followed; repairs with no answer between them are one, at the moment
+/// of the last. Without the repair it counts from the first "fault" from which it can be followed. A bundle of the same
+/// second as a repair is before it.
 class RepairEffects {
 public:
     RepairEffects(std::vector<RepairAim> aims, std::int64_t within);
 
     /// Begins a device with all its repairs, in any order. Ends the device before.
     void BeginDevice(std::vector<RepairDone> repairs);
-    /// The next bundle of the device, of a moment that is not before the one of the last.
+    /// The next bundle of the device, in ascending order of time.
     void Add(const DeviceVisit& visit);
     /// Ends the last device. One for each aim, in their order.
     const std::vector<RepairEffect>& Finish();
@@ -89,7 +91,7 @@ private:
     enum class Answer { UNTOLD, THERE, GONE };
     enum class Outcome { NONE, FAULT_NOT_SEEN_BEFORE, NOT_SEEN_AFTER, NOT_TOLD_AFTER, AGAIN, GONE };
 
-    /// The device at hand and one repair.
+    /// The current device and one repair.
     struct Course {
         bool isRepaired = false;
         /// The last answer so far.
@@ -98,7 +100,7 @@ private:
         std::optional<std::int64_t> since;
         /// What the bundles since then say.
         Outcome seen = Outcome::NOT_SEEN_AFTER;
-        /// Of the first time that it was to be followed, or of the one that could be.
+        /// The outcome of the first attempt to follow the device, or of the one that succeeded.
         Outcome outcome = Outcome::NONE;
 
         bool IsDone() const { return outcome == Outcome::AGAIN || outcome == Outcome::GONE; }
@@ -120,7 +122,7 @@ private:
     /// For each cause the aims that have it.
     std::unordered_map<std::int64_t, std::vector<std::size_t>> mAimsOf;
     std::vector<RepairEffect> mEffects;
-    /// Of the device at hand, in order of time, and how many are behind.
+    /// The repairs of the current device in order of time, and how many of them have passed.
     std::vector<RepairDone> mRepairs;
     std::size_t mBehind = 0;
     /// By index of the aim.

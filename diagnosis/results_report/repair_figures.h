@@ -9,8 +9,8 @@
 
 namespace diagnosis {
 
-/// Fills in what repairs came to, for devices followed for `withinDays` days. Reads bundles device by device in order of
-/// time; keeps what belongs to one device.
+/// Fills in the effect of repairs on devices that are followed for `withinDays` days. Reads bundles device by device in
+/// order of time, and keeps those of one device in memory.
 void ReadRepairFigures(
     Questions& questions, const CauseNumbers& numbers, std::int64_t withinDays, RepairFigures& figures);
 

@@ -97,7 +97,7 @@ private:
             }
         }
         item.facts.push_back(OrderFact("order of trees", std::move(trees), mRules.treeTag));
-        // The host asks for codes: the first rule with the code answers, even one that another rule replaced.
+        // Hosts look up codes: the first rule with the code answers, even if another rule has replaced it.
         std::vector<std::string> codes;
         for (const rule_source::CodeRule& rule : mRules.rules.codeRules) {
             if (rule.isKept) {

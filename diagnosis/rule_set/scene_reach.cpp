@@ -130,7 +130,7 @@ const std::vector<std::size_t>& SceneReach::MissingChildren(std::size_t event)
     if (isNew) {
         mRules.trees.ForEachChild(event, [&](std::size_t child) {
             const bool isMissing = mCutSets.Number(child) == 0 ? !mCanBeTrue[child] : !mHasCutSet[child];
-            // One more than are told, as one may be that through which a walk comes.
+            // One more than is listed, as one may be the child from which the walk came.
             if (isMissing && missing.size() <= MOST_OBSTACLES) {
                 missing.push_back(child);
             }

@@ -43,7 +43,7 @@ private:
 /// the next one: where a disk is busy, removing a folder waits for it. One at a time.
 class ReusedScratch {
 public:
-    /// `folders` are paths below the scratch folder, each behind the one that it lies in.
+    /// `folders` are paths below the scratch folder; a folder follows the one that contains it.
     explicit ReusedScratch(std::vector<std::string> folders);
     /// Removes the folder that is kept.
     ~ReusedScratch();

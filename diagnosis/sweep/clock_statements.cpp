@@ -19,7 +19,7 @@ constexpr const char* CLOCK_WORDS[] = {"current_time", "current_date", "current_
     "changes", "total_changes", "last_insert_rowid"};
 constexpr const char* DATE_FUNCTIONS[] = {
     "date", "time", "datetime", "julianday", "unixepoch", "strftime", "timediff"};
-// Words after which a name is an operand, and no new name of what stands before.
+// Words after which a name is an operand, and no alias of what is before it.
 constexpr const char* BEFORE_OPERANDS[] = {"select", "distinct", "all", "where", "and", "or", "not", "by", "on", "having",
     "between", "when", "then", "else", "case", "in", "like", "is", "limit", "offset", "glob", "exists", "using"};
 
@@ -30,7 +30,7 @@ bool IsOneOf(const SqlToken& token, const Words& words)
         std::begin(words), std::end(words), [&](const char* word) { return lint::IsKeyword(token, word); });
 }
 
-// The name that a piece stands for, in lower case and without quotes; empty for a sign.
+// The name in a piece, in lower case and without quotes; empty for a sign.
 std::string NameOf(const SqlToken& token)
 {
     if (token.kind == SqlToken::Kind::SIGN) {
@@ -57,7 +57,7 @@ bool IsOfClock(const Tokens& tokens, std::size_t place)
     });
 }
 
-// Whether the piece is the name that a statement gives to what stands before it, rather than an operand.
+// True if the piece is an alias that a statement gives to what is before it, and no operand.
 bool IsNewName(const Tokens& tokens, std::size_t place)
 {
     if (place == 0) {
@@ -82,7 +82,7 @@ const char* ClockUseOf(std::string_view sql, bool readsFixedTable)
         }
         const bool isTime = NameOf(tokens[place]) == "occurrence_time";
         namesTime = namesTime || isTime;
-        // With "with", a list of names may stand before what they name.
+        // After "with", a list of names may precede what they name.
         hasNewTime = hasNewTime || (isTime && (IsNewName(tokens, place) || lint::IsKeyword(tokens.front(), "with")));
         const bool isCount = place >= 2 && lint::IsSign(tokens[place - 1], '(') && lint::IsKeyword(tokens[place - 2], "count");
         hasStar = hasStar || (lint::IsSign(tokens[place], '*') && !isCount);

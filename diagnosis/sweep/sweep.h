@@ -41,7 +41,7 @@ struct SweepReport {
     std::vector<Warning> warnings;
     std::int64_t from = 0;
     std::int64_t until = 0;
-    /// The bundle's time zone, in which the renderings tell times; empty for that of this machine.
+    /// The bundle's time zone, in which times are shown; empty for that of this machine.
     std::string tz;
     std::vector<SweptTree> trees;
     std::vector<SweptRule> rules;

@@ -40,7 +40,7 @@ enum class SweptSource {
 /// "log", "tables", "captured".
 const char* SweptSourceText(SweptSource source);
 
-/// A rule as one event asks it: true while it fires, not judged while it is not asked or has no data.
+/// A rule of one event: true while it fires, not judged while it is not asked or has no data.
 struct SweptRule {
     std::string eventId;
     std::string name;
@@ -48,7 +48,7 @@ struct SweptRule {
     Timeline timeline;
 };
 
-/// Turns what a sweep tells into timelines.
+/// Makes timelines of the calls of a sweep.
 class SweepRecorder : public SweepObserver {
 public:
     void OnRuleSetRead(Evidence::RuleSet ruleSet) override { mRuleSet = std::move(ruleSet); }

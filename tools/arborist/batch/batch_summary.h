@@ -19,7 +19,7 @@ inline constexpr std::array<Evidence::TreeVerdict::Word, 4> VERDICTS = {Evidence
 /// Numbers of trees by VERDICTS.
 using VerdictCounts = std::array<std::uint32_t, VERDICTS.size()>;
 
-/// What a batch came to.
+/// The results of a batch in numbers.
 struct BatchSummary {
     std::size_t listed = 0;
     /// Bundles that were run to their end, their lines printed or not, and those that an earlier run had.

@@ -13,11 +13,11 @@
 
 namespace diagnosis::command {
 
-/// The lines of an earlier run that hold for the bundles of a list, so that these need not be run again.
+/// The lines of an earlier run that are still valid for the bundles of a list, so that these need not be run again.
 ///
-/// A line holds for the first bundle of the list that has its name and no line yet. Lines whose error is worth a retry,
-/// those of bundles that are not in the list, and a last line without its end, which the earlier run could not finish,
-/// hold for none. The lines stay in their file; an answer is read when it is taken.
+/// A line is taken for the first bundle of the list that has its name and no line yet. Lines are left out if their error is
+/// worth a retry or their bundle is not in the list, and a last line without its end, which the earlier run could not
+/// finish. The lines stay in their file; an answer is read when it is taken.
 class EarlierLines {
 public:
     /// Reads the file; one that doesn't exist has no lines. Returns the reason, with the number of the line, if it

@@ -87,7 +87,7 @@ void AddColourEverywhere(Command app)
     }
 }
 
-// Of a help that goes into a pipe or a file.
+// The width of help that is printed to a pipe or a file.
 constexpr std::size_t WIDTH_WITHOUT_TERMINAL = 80;
 
 /// Wraps the lines of a help at the width of the terminal.

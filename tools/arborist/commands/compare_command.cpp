@@ -83,7 +83,7 @@ private:
 
 BundleAnswer AnswerOf(const DetectionReport& before, const DetectionReport& after)
 {
-    // Bundles that can't be compared are told by the comparison.
+    // The comparison reports bundles that can't be compared.
     const auto outcome = after.IsFault() ? BundleOutcome::FAULT
         : after.IsUndecided() ? BundleOutcome::UNDECIDED : BundleOutcome::NO_FAULT;
     const ExitStatus status = after.failure ? after.failure->status : ExitStatus::SUCCESS;

@@ -56,7 +56,7 @@ std::optional<std::string> ReadEarlierLines(const DetectOptions& options, Earlie
     return earlier.Read(options.earlier, options.bundles);
 }
 
-// The path by which files that are not there yet are told apart, too.
+// A path that is equal for the same file, also for one that doesn't exist yet.
 std::filesystem::path PlaceOf(const std::string& path)
 {
     std::error_code error;
@@ -66,7 +66,7 @@ std::filesystem::path PlaceOf(const std::string& path)
 }
 
 // Returns the reason if an output would replace an input or another output. Only FILE of --resume may be the output: it
-// has been read by then, and all its lines that hold are in the output.
+// has been read by then, and all its lines that are still valid are in the output.
 std::optional<std::string> FileUsedTwice(const DetectOptions& options)
 {
     struct Use {
@@ -163,7 +163,7 @@ ExitStatus RunBatchIntoFile(const std::vector<BundlePath>& bundles, BatchWork wo
     const ExitStatus status = RunBatch(bundles, work, options.batch, &summary);
     file.close();
     if (file && !summary.isComplete) {
-        return status; // RunBatch or its work told why
+        return status; // RunBatch or its work has printed why
     }
     const auto problem = file ? output.PutInPlace() : "could not be written";
     if (problem) {

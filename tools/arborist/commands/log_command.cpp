@@ -26,7 +26,7 @@ struct LogFileOptions {
 
 using DayEnd = std::optional<std::int64_t> (*)(const std::string& day);
 
-// The moment of an option, where a date stands for its first or last second. Nothing for the empty text; false after a
+// The moment of an option, where a date means its first or last second. Nothing for the empty text; false after a
 // message for a moment that doesn't exist in the time zone.
 bool ReadMoment(const std::string& text, DayEnd ofDay, std::optional<std::int64_t>& moment)
 {
