@@ -7,7 +7,8 @@
 
 namespace diagnosis {
 
-/// The SHA-256 of a text as 64 hexadecimal digits in lower case.
+/// The SHA-256 of a text as 64 hexadecimal digits in lower case. Kept for the tests, which compare it with published
+/// digests.
 std::string Sha256Hex(std::string_view text);
 
 /// The SHA-256 of several texts, each behind its length in eight bytes, lowest byte first: moving bytes from one text to

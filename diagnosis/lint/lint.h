@@ -37,7 +37,7 @@ struct LintReport {
     bool isReadable = true;
 };
 
-/// Checks the rule set of a folder.
+/// Checks the rule set of a folder. Kept for the tests; the command reads the files itself and calls LintFiles.
 LintReport LintFolder(const std::string& folder, const LintOptions& options);
 
 /// Checks one rule set under its tag; the tags of the options don't count.

@@ -26,7 +26,7 @@ public:
     AlarmRuleDbHelper& operator=(const AlarmRuleDbHelper&) = delete;
 
     /// The events of `eventId` since `startTime`; with `fromUpdate` only those of the current version and those without
-    /// a version. Queries the log at each call.
+    /// a version. Queries the log at each call. Kept for the tests; rules visit whole queries.
     EventList GetEventList(std::int32_t eventId, std::int64_t startTime, bool fromUpdate);
 
     /// Calls the visitor with the result of GetEventList for each id of the query, in ascending order, and logs the
