@@ -139,12 +139,12 @@ void FaultTreeParser::ForgetDocument()
 
 void FaultTreeParser::BuildIndexes()
 {
-    const std::string any = "any"; // each look-up builds its index, whatever it finds
+    const std::string someId = "0"; // each look-up builds its index, whatever it finds
     GetNamedRules();
-    GetCodeRuleNameById(any);
-    GetFaultDescListById(any);
-    GetSuggestionListById(any);
-    GetRepairInfoById(any);
+    GetCodeRuleNameById(someId);
+    GetFaultDescListById(someId);
+    GetSuggestionListById(someId);
+    GetRepairInfoById(someId);
 }
 
 void FaultTreeParser::ParseTreeXml()
