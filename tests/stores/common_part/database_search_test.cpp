@@ -282,7 +282,7 @@ void ListPlainly(const std::filesystem::path& directory, std::vector<std::string
         if (entry.is_directory()) {
             ListPlainly(entry.path(), files);
         } else if (entry.path().extension() == ".db") {
-            files.push_back(entry.path().string());
+            files.push_back(entry.path().generic_string());
         }
     }
 }
