@@ -1,6 +1,10 @@
 #include "diagnosis/results_db/result_writer.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
+#include <string_view>
 
 #include "diagnosis/results_db/local_moment.h"
 #include "diagnosis/results_db/schema.h"
@@ -10,6 +14,8 @@ namespace diagnosis::results_db {
 
 namespace {
 
+using Trees = std::vector<std::shared_ptr<const ResultTree>>;
+
 // The tables with rows of a bundle, evidence apart.
 constexpr const char* TABLES_OF_BUNDLES[] = {"failure", "tree", "root_cause", "open_check", "warning", "repaired"};
 
@@ -17,6 +23,22 @@ constexpr const char* TABLES_OF_BUNDLES[] = {"failure", "tree", "root_cause", "o
 constexpr std::int64_t NO_RULE_SET = 0;
 // No number of a row.
 constexpr std::int64_t NONE = 0;
+
+std::size_t Seriousness(const std::string& verdict)
+{
+    constexpr std::array<std::string_view, 3> WORDS = {"fault", "undecided", "no_fault"};
+    return static_cast<std::size_t>(std::find(WORDS.begin(), WORDS.end(), verdict) - WORDS.begin());
+}
+
+// A rule set may have several trees of one id and version, which are one row of a bundle: that of the most serious verdict,
+// since the first one stays.
+Trees MostSeriousFirst(Trees trees)
+{
+    std::stable_sort(trees.begin(), trees.end(), [](const auto& one, const auto& other) {
+        return Seriousness(one->verdict) < Seriousness(other->verdict);
+    });
+    return trees;
+}
 
 } // namespace
 
@@ -162,7 +184,7 @@ void ResultWriter::AddWarnings(std::int64_t bundle, const ResultLine& line)
 
 void ResultWriter::AddTrees(std::int64_t bundle, const ResultLine& line)
 {
-    for (const auto& tree : line.trees) {
+    for (const auto& tree : MostSeriousFirst(line.trees)) {
         const TreeRows& rows = RowsOf(tree);
         mTrees.Add({bundle, rows.treeDef, rows.outcome});
         for (const std::int64_t cause : rows.causes) {

@@ -385,6 +385,15 @@ TEST_F(ImportResultsTest, WhatALineSaysTwiceCountsOnce)
         ElementsAre("1|1|1"));
 }
 
+TEST_F(ImportResultsTest, OfTreesWithOneIdTheMostSeriousVerdictCounts)
+{
+    Import({LineOf("a").NoFault("T").Fault("T", {"A"}), LineOf("b").Fault("T", {"B"}).Undecided("T", "D"),
+        LineOf("c").NoFault("T").Undecided("T", "D")});
+    EXPECT_THAT(Rows("SELECT bundle, verdict, is_fault FROM trees ORDER BY bundle"),
+        ElementsAre("a|fault|1", "b|fault|1", "c|undecided|0"));
+    EXPECT_THAT(Rows("SELECT bundle, event FROM open_checks ORDER BY bundle"), ElementsAre("b|D", "c|D"));
+}
+
 TEST_F(ImportResultsTest, RepairsOnRecordHaveTheirDate)
 {
     Import({LineOf("b").NoFault("T").Repaired("FAN", "2024-05-01 08:00:00").Repaired("FAN", "soon"),
