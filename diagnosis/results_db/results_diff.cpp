@@ -385,7 +385,7 @@ bool ResultsDiff::HasDifference() const
         const bool isOfBoth = what == NotComparable::FAILED_BOTH || what == NotComparable::UNDECIDED_BOTH;
         isOneSided = isOneSided || (!isOfBoth && notComparable[reason].count > 0);
     }
-    return isOneSided || Added() > 0 || Gone() > 0 || ChangedVerdicts() > 0;
+    return isOneSided || Added() > 0 || Gone() > 0 || ChangedVerdicts() > 0 || !newlyOpen.empty();
 }
 
 std::optional<Failure> CompareDatabases(Connection& before, Connection& after, ResultsDiff& diff)

@@ -115,7 +115,7 @@ struct ResultsDiff {
     std::int64_t Gone() const;
     /// How many trees of a bundle have another verdict.
     std::int64_t ChangedVerdicts() const;
-    /// True if anything is new, gone or changed, or can't be compared for a reason that one side alone has.
+    /// True if anything is new, gone, changed or newly open, or can't be compared for a reason that one side alone has.
     bool HasDifference() const;
 };
 

@@ -199,6 +199,13 @@ TEST_F(ResultsDiffTest, NewlyOpenChecksAreTold)
     EXPECT_EQ(open.tree + " " + open.event + " " + open.rule + " " + open.reason + Bundles("in", open.bundles), "U D rule_D no_nodes in 1: b");
 }
 
+TEST_F(ResultsDiffTest, ANewlyOpenCheckIsADifferenceOfATreeThatStaysAFault)
+{
+    const ResultsDiff diff = Compare({LineOf("b").Fault("T", {"A"})}, {LineOf("b").Fault("T", {"A"}).Open("T", "D", "no_ids")});
+    EXPECT_EQ(diff.Added() + diff.Gone() + diff.ChangedVerdicts(), 0);
+    EXPECT_TRUE(diff.HasDifference());
+}
+
 TEST_F(ResultsDiffTest, SidesAreDescribed)
 {
     const ResultsDiff diff = Compare({LineOf("b").NoFault("T").Seconds("1"), LineOf("c").NoFault("T").Now("2024-05-22 00:00:00").Seconds("2")},
