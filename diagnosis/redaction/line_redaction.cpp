@@ -1,6 +1,8 @@
 #include "diagnosis/redaction/line_redaction.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <filesystem>
 
 #include "diagnosis/redaction/hash_key.h"
 
@@ -14,6 +16,19 @@ using results_db::ResultWarning;
 
 // So many records are kept; foreign lines may have any number of different ones.
 constexpr std::size_t MOST_KNOWN = 4096;
+
+// How messages quote a bundle: by its path, or by the last part of that.
+std::string QuotedName(const std::string& bundle)
+{
+    const std::filesystem::path path = std::filesystem::path(bundle + "/.").lexically_normal().parent_path().filename();
+    return path.empty() ? bundle : path.string();
+}
+
+std::uint64_t CountDetails(const ResultTree& tree)
+{
+    const auto hasDetail = [](const ResultOpenCheck& open) { return !open.detail.empty(); };
+    return static_cast<std::uint64_t>(std::count_if(tree.open.begin(), tree.open.end(), hasDetail));
+}
 
 } // namespace
 
@@ -34,18 +49,53 @@ void LineRedaction::Replace(const char* part, std::string& value)
 
 void LineRedaction::Redact(results_db::ResultLine& line)
 {
+    if (Has("bundle")) {
+        RedactQuotes(line);
+    }
     Replace("bundle", line.bundle);
     Replace("device", line.device);
     Replace("error", line.error.message);
-    for (auto& warning : line.warnings) {
-        warning = Has("warnings") ? Redacted(warning) : warning;
+    if (Has("warnings")) {
+        for (auto& warning : line.warnings) {
+            warning = Redacted(warning);
+        }
+        mCounts["warnings"] += line.warnings.size();
     }
-    for (auto& tree : line.trees) {
-        tree = Has("details") ? Redacted(tree) : tree;
+    if (Has("details")) {
+        for (auto& tree : line.trees) {
+            tree = Redacted(tree);
+            mCounts["details"] += CountDetails(*tree);
+        }
     }
     if (Has("explanation")) {
         mCounts["explanation"] += line.evidence.size();
         line.evidence.clear();
+    }
+}
+
+// Only what would otherwise stay: a part that is listed is replaced once.
+void LineRedaction::RedactQuotes(results_db::ResultLine& line)
+{
+    const std::string name = QuotedName(line.bundle);
+    const auto quotes = [&name](const std::string& text) { return !name.empty() && text.find(name) != std::string::npos; };
+    if (!Has("error") && quotes(line.error.message)) {
+        Replace("bundle", line.error.message);
+    }
+    for (auto& warning : line.warnings) {
+        if (!Has("warnings") && (quotes(warning->message) || quotes(warning->file))) {
+            warning = Redacted(warning);
+            ++mCounts["bundle"];
+        }
+    }
+    for (auto& tree : line.trees) {
+        const auto quotesIt = [&quotes](const ResultOpenCheck& open) { return quotes(open.detail); };
+        if (!Has("details") && std::any_of(tree->open.begin(), tree->open.end(), quotesIt)) {
+            tree = Redacted(tree);
+            mCounts["bundle"] += CountDetails(*tree);
+        }
+    }
+    if (!Has("explanation")) {
+        mCounts["bundle"] += std::erase_if(line.evidence, [&quotes](const auto& evidence) { return quotes(evidence.json); });
     }
 }
 
@@ -62,7 +112,6 @@ std::shared_ptr<const ResultWarning> LineRedaction::Redacted(const std::shared_p
         source = warning;
         redacted = std::move(copy);
     }
-    ++mCounts["warnings"];
     return redacted;
 }
 
@@ -79,9 +128,6 @@ std::shared_ptr<const ResultTree> LineRedaction::Redacted(const std::shared_ptr<
         }
         source = tree;
         redacted = std::move(copy);
-    }
-    for (const ResultOpenCheck& open : redacted->open) {
-        mCounts["details"] += open.detail.empty() ? 0U : 1U;
     }
     return redacted;
 }

@@ -15,7 +15,9 @@ namespace diagnosis {
 
 /// Replaces the listed parts of result lines by keyed hashes, one line after the other.
 ///
-/// Everything else in a line comes from the rule set, or is a verdict, a count or a time.
+/// Everything else in a line comes from the rule set, or is a verdict, a count or a time. Where the bundle's name is listed,
+/// each text that quotes its last part is replaced, too, as if the text's own part was listed, and evidence that quotes it
+/// is left out.
 class LineRedaction {
 public:
     /// The redaction must outlive it.
@@ -31,6 +33,7 @@ private:
     using Known = std::unordered_map<const Record*, std::pair<std::shared_ptr<const Record>, std::shared_ptr<const Record>>>;
 
     bool Has(const char* part) const { return mCounts.count(part) != 0; }
+    void RedactQuotes(results_db::ResultLine& line);
     void Replace(const char* part, std::string& value);
     std::shared_ptr<const results_db::ResultWarning> Redacted(const std::shared_ptr<const results_db::ResultWarning>& warning);
     std::shared_ptr<const results_db::ResultTree> Redacted(const std::shared_ptr<const results_db::ResultTree>& tree);

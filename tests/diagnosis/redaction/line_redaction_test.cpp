@@ -81,6 +81,28 @@ TEST(LineRedactionTest, WhatIsNotListedStays)
     EXPECT_THAT(lines.GetCounts(), ElementsAre(Pair("device", 1)));
 }
 
+TEST(LineRedactionTest, WhereTheBundleIsListedNothingElseQuotesItsName)
+{
+    const Redaction redaction = Of({"bundle"});
+    LineRedaction lines(redaction);
+    ResultLine line = Line();
+    line.bundle = "devices/ann/";
+    line.trees.push_back(std::make_shared<diagnosis::results_db::ResultTree>());
+    diagnosis::results_db::ResultTree quoting;
+    quoting.open = {{"E", "r", "no_data", "no_log", "below /tmp/ann", false}};
+    line.trees.push_back(std::make_shared<diagnosis::results_db::ResultTree>(quoting));
+    line.evidence = {{"T", "E", "{}"}, {"T", "F", "{\"file\": \"devices/ann/node\"}"}};
+    lines.Redact(line);
+    EXPECT_EQ(line.bundle, Hash("devices/ann/"));
+    EXPECT_EQ(line.error.message, Hash("devices/ann: is damaged"));
+    EXPECT_EQ(line.warnings.at(0)->message, Hash("/home/ann: can't be read"));
+    EXPECT_EQ(line.trees.at(0)->open.at(0).detail, "of Ann");
+    EXPECT_EQ(line.trees.at(2)->open.at(0).detail, Hash("below /tmp/ann"));
+    ASSERT_EQ(line.evidence.size(), 1U);
+    EXPECT_EQ(line.evidence[0].event, "E");
+    EXPECT_THAT(lines.GetCounts(), ElementsAre(Pair("bundle", 5)));
+}
+
 // Lines share records, of which one may be gone before another takes its place in memory.
 TEST(LineRedactionTest, ManyDifferentRecordsAreNotMixedUp)
 {
