@@ -122,9 +122,9 @@ TEST_F(CompareCommandTest, ACorpusOfWhichNothingCanBeDiagnosedIsAFailure)
 TEST_F(CompareCommandTest, ABundleThatIsListedTwiceIsRunOnce)
 {
     EXPECT_THAT(Compare().err, Not(HasSubstr("repeats")));
-    mDir.Write("list", "hot\ncold\nhot\n");
+    mDir.Write("list", "hot\ncold\nhot\n./hot\ncold/\n" + fs::absolute("cold").string() + "\n");
     const auto result = Compare();
-    EXPECT_THAT(result.err, HasSubstr("arborist: the list repeats bundles: of 3 entries, 2 are run\n"));
+    EXPECT_THAT(result.err, HasSubstr("arborist: the list repeats bundles: of 6 entries, 2 are run\n"));
     EXPECT_THAT(result.err, HasSubstr("arborist: 2 bundles in "));
     EXPECT_THAT(result.out, HasSubstr("before: old: 2 bundles\n"));
 }

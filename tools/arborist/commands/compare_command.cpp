@@ -1,7 +1,9 @@
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string_view>
+#include <system_error>
 #include <thread>
 #include <unordered_set>
 
@@ -143,12 +145,18 @@ bool IsToFail(const CompareOptions& options, const ResultsDiff& diff)
         || (options.failOn == "any" && diff.HasDifference());
 }
 
-// Results know bundles by their names, so that a second run of one would say nothing more.
+std::string PlaceOf(const std::string& name)
+{
+    std::error_code error;
+    return (std::filesystem::absolute(name, error) / ".").lexically_normal().string();
+}
+
+// A second run of a bundle would say nothing more, whether by its name or by another path to it.
 void DropRepeats(std::vector<std::string>& names)
 {
     std::unordered_set<std::string> known;
     const std::size_t listed = names.size();
-    std::erase_if(names, [&known](const std::string& name) { return !known.insert(name).second; });
+    std::erase_if(names, [&known](const std::string& name) { return !known.insert(PlaceOf(name)).second; });
     if (names.size() < listed) {
         PrintError("the list repeats bundles: of " + std::to_string(listed) + " entries, " + std::to_string(names.size())
             + " are run");
