@@ -32,7 +32,7 @@ FewestChecks AllOf(const FewestChecks& one, const FewestChecks& other)
 // A rule that was not reached, as its group had ended, must come out true, too.
 FewestChecks OfRule(const Evidence::Rule& rule)
 {
-    if (Evidence::IsOpen(rule.check) || rule.reason == Reason::GROUP_ENDED) {
+    if (IsUnanswered(rule)) {
         return {1, 1};
     }
     return rule.verdict == Evidence::Verdict::FIRED ? YES : NO;
@@ -53,6 +53,11 @@ FewestChecks OfRules(const Evidence::Event& event)
 
 } // namespace
 
+bool IsUnanswered(const Evidence::Rule& rule)
+{
+    return Evidence::IsOpen(rule.check) || rule.reason == Reason::GROUP_ENDED;
+}
+
 CheckFold::CheckFold(const RecordedTree& tree)
     : mTree(tree), mCause(tree.events.size(), NO), mStatus(tree.events.size(), NO), mHasCutSets(tree.events.size(), true)
 {
@@ -65,8 +70,7 @@ bool CheckFold::IsLeaf(std::size_t place) const
     return At(place).IsLeaf() || (At(place).gate == Evidence::GateType::NONE && Evidence::IsOpen(At(place).check));
 }
 
-// The check of an event itself.
-FewestChecks CheckFold::OwnOf(std::size_t place) const
+FewestChecks CheckFold::OfCheck(std::size_t place) const
 {
     const RecordedEvent& event = At(place);
     if (!mAnswers.empty() && mAnswers[place] != NOT_YET) {
@@ -114,7 +118,7 @@ void CheckFold::Finish(const Gate& gate)
 {
     const FewestChecks cause = gate.hasCutSets ? gate.cause : NO;
     mHasCutSets[gate.place] = gate.hasCutSets;
-    mStatus[gate.place] = gate.isObservable ? OwnOf(gate.place) : gate.status;
+    mStatus[gate.place] = gate.isObservable ? OfCheck(gate.place) : gate.status;
     mCause[gate.place] = gate.isObservable ? AllOf(mStatus[gate.place], cause) : cause;
 }
 
@@ -209,7 +213,7 @@ std::size_t CheckFold::Next() const
         };
         const std::vector<Part> parts = PartsOf(part);
         // An event with rules of its own needs both these and its gate: whichever is ruled out with fewer checks.
-        const FewestChecks own = isObservable ? OwnOf(part.place) : YES;
+        const FewestChecks own = isObservable ? OfCheck(part.place) : YES;
         const bool isOwnNext = isObservable
             && (part.question == Question::STATUS || own.toRuleOut <= GateOf(part.place).cause.toRuleOut);
         const auto best = std::min_element(parts.begin(), parts.end(), isBetter);

@@ -25,6 +25,9 @@ struct FewestChecks {
     bool operator==(const FewestChecks&) const = default;
 };
 
+/// Whether the answer of a rule is not known: its check is open, or its group had ended before it.
+bool IsUnanswered(const Evidence::Rule& rule);
+
 /// Counts for each event of a tree how few open checks would make it a fault, and how few would rule it out.
 ///
 /// A fault is a cut set whose members, and all events above them, are in error. An OR gate is proven by one event below it
@@ -43,6 +46,12 @@ public:
     FewestChecks OfStatus() const { return mStatus.empty() ? FewestChecks{} : mStatus[0]; }
     /// What is open of the tree: whether there is a root cause, or else whether its top event is in error.
     FewestChecks OfTree() const { return OfCause().IsOpen() ? OfCause() : OfStatus(); }
+
+    /// Whether there is a root cause, or the top event is not in error, whatever the open checks come out as. False if the top
+    /// event is in error and no cut set can explain it.
+    bool IsDecided() const { return OfCause().toProve == 0 || OfStatus().toRuleOut == 0; }
+    /// How few answers settle the check of this event itself, as its rules have it: without its gate.
+    FewestChecks OfCheck(std::size_t place) const;
 
     /// The event whose open check to close next: it is among the fewest that prove what is open of the tree, and among the
     /// fewest that rule it out. NONE if nothing is open.
@@ -83,10 +92,9 @@ private:
     }
     bool IsOr(std::size_t place) const { return At(place).gate == Evidence::GateType::OR; }
     bool IsLeaf(std::size_t place) const;
-    FewestChecks OwnOf(std::size_t place) const;
     Gate EmptyGate(std::size_t place) const;
     void Add(std::size_t child, Gate& gate) const;
-    void FinishLeaf(std::size_t leaf) { mCause[leaf] = mStatus[leaf] = OwnOf(leaf); }
+    void FinishLeaf(std::size_t leaf) { mCause[leaf] = mStatus[leaf] = OfCheck(leaf); }
     void Finish(const Gate& gate);
     std::vector<std::size_t> ChildrenBackwards(std::size_t place) const;
     Gate GateOf(std::size_t place) const;

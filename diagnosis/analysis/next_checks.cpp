@@ -7,6 +7,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "diagnosis/analysis/shared_rules.h"
 #include "diagnosis/bundle/bundle_overlay.h"
 
 namespace diagnosis {
@@ -41,7 +42,7 @@ bool IsShared(const OpenCheck& open)
     return open.check == Evidence::Check::DATA_MISSING;
 }
 
-// Whether an open check counts at several places, or rests on what another one rests on, too.
+// Whether an open check counts at several places, or lacks what another one lacks, too.
 bool HasRepeatedChecks(const TreeReport& report)
 {
     std::unordered_set<std::string_view> ids;
@@ -57,16 +58,70 @@ bool HasRepeatedChecks(const TreeReport& report)
     });
 }
 
-// Takes the check for answered in the way that leaves the tree open. False if both ways decide it.
-bool LeaveOpen(const RecordedTree& tree, std::size_t event, CheckFold& fold)
+// Whether a group ended at an open rule: those behind it count as open, but may have their answers.
+bool HasUnreachedRules(const RecordedTree& tree)
+{
+    const auto ended = [](const Evidence::Alternative& alternative) {
+        const auto& rules = alternative.rules;
+        return !rules.empty() && rules.back().reason == Reason::GROUP_ENDED
+            && std::any_of(rules.begin(), rules.end(), [](const Evidence::Rule& rule) { return Evidence::IsOpen(rule.check); });
+    };
+    return std::any_of(tree.evidence.begin(), tree.evidence.end(), [ended](const Evidence::Event& event) {
+        const auto& alternatives = event.alternatives;
+        return Evidence::IsOpen(event.check) && std::any_of(alternatives.begin(), alternatives.end(), ended);
+    });
+}
+
+// Takes the check, and those that the same answer closes, for answered in the way that leaves the tree open. False if both
+// ways decide it.
+bool LeaveOpen(const std::vector<std::string_view>& events, CheckFold& fold)
 {
     for (const bool isPresent : {false, true}) {
-        fold.Answer(tree.events[event].id, isPresent);
+        if (events.size() == 1) {
+            fold.Answer(events.front(), isPresent); // which needs no pass over the tree
+        } else {
+            fold.AnswerAll(events, isPresent);
+        }
         if (fold.OfTree().IsOpen()) {
             return true;
         }
     }
     return false;
+}
+
+// Whether an event has no gate that could be read: no answer rules a fault out before the rule set is mended.
+bool LacksGate(const TreeReport& report)
+{
+    const auto& open = report.verdict.open;
+    return std::any_of(open.begin(), open.end(), [](const OpenCheck& check) { return check.reason == Reason::NO_GATE; });
+}
+
+// No fault needs a check that was decided, even if no answer could make the top event true.
+bool LacksAnyAnswer(const TreeReport& report, const CheckFold& fold)
+{
+    return fold.OfStatus().toRuleOut == 0 && report.verdict.checks.Of(Evidence::Check::DECIDED) == 0 && !LacksGate(report);
+}
+
+// The check that needs the fewest answers. An event with several rules may need more than one.
+void FindFirstAnswer(const RecordedTree& tree, const CheckFold& fold, std::size_t most, NextChecks& next)
+{
+    next.aim = NextChecks::Aim::FIRST_ANSWER;
+    next.fewest = {FewestChecks::NEVER, FewestChecks::NEVER};
+    std::size_t best = CheckFold::NONE;
+    for (std::size_t place = 0; place < tree.events.size(); ++place) {
+        if (!Evidence::IsOpen(tree.events[place].check)) {
+            continue;
+        }
+        const FewestChecks check = fold.OfCheck(place);
+        const std::uint32_t answers = std::min(check.toProve, check.toRuleOut);
+        if (answers < next.fewest.toRuleOut) {
+            next.fewest.toRuleOut = answers;
+            best = place;
+        }
+    }
+    if (best != CheckFold::NONE && most > 0) {
+        next.checks.push_back({best, next.fewest});
+    }
 }
 
 /// The events of one tree whose open checks rest on a source.
@@ -84,13 +139,16 @@ std::map<SourceKey, EventsOfSource> SourcesOf(const TreeReport& report)
     return sources;
 }
 
-// One fold for each answer.
-bool IsDecidedBy(const TreeReport& report, const EventsOfSource& events)
+// One fold for each answer. As some check is answered then, a tree that lacked any answer is decided, too.
+bool IsDecidedBy(const TreeReport& report, const EventsOfSource& events, Reason missing)
 {
+    if (missing != Reason::NO_GATE && LacksGate(report)) {
+        return false;
+    }
     CheckFold fold(report.tree);
     for (const bool isPresent : {false, true}) {
         fold.AnswerAll(events, isPresent);
-        if (fold.OfTree().IsOpen()) {
+        if (!fold.IsDecided()) {
             return false;
         }
     }
@@ -157,14 +215,19 @@ const OpenCheck* OpenCheckOf(const TreeReport& report, const std::string& eventI
 NextChecks FindNextChecks(const TreeReport& report, std::size_t most)
 {
     CheckFold fold(report.tree);
+    const SharedRules shared(report.tree);
     NextChecks next;
+    next.isAtMost = HasUnreachedRules(report.tree) || shared.HasAny() || HasRepeatedChecks(report);
+    if (LacksAnyAnswer(report, fold)) {
+        FindFirstAnswer(report.tree, fold, most, next);
+        return next;
+    }
     next.fewest = fold.OfTree();
-    next.isAboutCause = fold.OfCause().IsOpen();
-    next.isAtMost = HasRepeatedChecks(report);
+    next.aim = fold.OfCause().IsOpen() ? NextChecks::Aim::CAUSE : NextChecks::Aim::TOP_EVENT;
     while (next.checks.size() < most && fold.OfTree().IsOpen()) {
         const std::size_t event = fold.Next();
         next.checks.push_back({event, fold.OfTree()});
-        if (!LeaveOpen(report.tree, event, fold)) {
+        if (!LeaveOpen(shared.AnsweredWith(event), fold)) {
             break;
         }
     }
@@ -183,7 +246,7 @@ MissingSources FindMissingSources(const TreeReports& reports)
         const auto ofTree = SourcesOf(*report);
         for (MissingSource& source : found.sources) {
             const auto events = ofTree.find({source.reason, source.detail});
-            source.decides += events != ofTree.end() && IsDecidedBy(*report, events->second) ? 1U : 0U;
+            source.decides += events != ofTree.end() && IsDecidedBy(*report, events->second, source.reason) ? 1U : 0U;
         }
     }
     std::erase_if(found.sources, [](const MissingSource& source) { return source.decides == 0; });

@@ -22,16 +22,28 @@ struct NextCheck {
 /// What to close of the open checks of a tree, and in which order. Nothing is known of how likely an answer is: the order is
 /// that of the fewest checks.
 struct NextChecks {
+    /// What the answers have to settle.
+    enum class Aim : unsigned char {
+        /// Whether there is a root cause.
+        CAUSE,
+        /// Whether the top event is in error: no answer gives a root cause any more.
+        TOP_EVENT,
+        /// No answer makes the top event true, but nothing was decided yet. The first check that gets an answer, true or
+        /// false, decides that there is no fault; `toRuleOut` is how few answers a check needs for that.
+        FIRST_ANSWER,
+    };
+
     FewestChecks fewest;
-    /// False if no answer gives a root cause any more: what is open is whether the top event is in error.
-    bool isAboutCause = true;
-    /// True if the numbers are bounds: an open check counts at several places, or several rest on one source.
+    Aim aim = Aim::CAUSE;
+    /// True if the numbers are bounds: an open check counts at several places, several rest on one source or one rule, or a
+    /// group of rules ended at an open one, so that those behind it were not asked.
     bool isAtMost = false;
     /// Each as it comes next if those before leave the tree open: if either answer does so, they are taken as false.
     std::vector<NextCheck> checks;
 };
 
-/// The first `most` checks to close. Empty for a tree in which nothing is open.
+/// The first `most` checks to close. Empty for a tree in which nothing is open, and for one whose top event is true without
+/// a cut set that could explain it, which stays undecided.
 NextChecks FindNextChecks(const TreeReport& report, std::size_t most);
 
 /// The open check of an event as the verdict has it; null if it has none.

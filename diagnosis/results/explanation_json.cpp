@@ -231,7 +231,7 @@ private:
         const NextChecks next = FindNextChecks(mReport, mView.next);
         mJson.BeginObject();
         WriteFewest(mJson, next.fewest);
-        mJson.Bool("aboutCause", next.isAboutCause).Bool("atMost", next.isAtMost);
+        mJson.Bool("aboutCause", next.aim == NextChecks::Aim::CAUSE).Bool("atMost", next.isAtMost);
         mJson.Key("checks").BeginArray();
         for (const NextCheck& check : next.checks) {
             WriteNextCheck(check);

@@ -1,5 +1,8 @@
 #include "diagnosis/analysis/next_checks.h"
 
+#include <algorithm>
+#include <map>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -42,6 +45,36 @@ TreeReport Undecided(const ToldEvent& top)
         report.verdict.open.push_back({event.id, "", event.check, reason, detail, false});
     }
     return report;
+}
+
+// The same where the named leaves are decided by one open rule each.
+TreeReport WithRules(TreeReport report, const std::map<std::string, std::string>& ruleOfEvent)
+{
+    for (auto& event : report.tree.events) {
+        const auto found = ruleOfEvent.find(event.id);
+        if (found == ruleOfEvent.end()) {
+            continue;
+        }
+        event.evidence = report.tree.evidence.size();
+        Evidence::Event& evidence = report.tree.evidence.emplace_back();
+        evidence.check = event.check;
+        Evidence::Rule& rule = evidence.alternatives.emplace_back().rules.emplace_back();
+        rule.name = found->second;
+        rule.check = event.check;
+    }
+    return report;
+}
+
+// Takes the open check of an event for one that is not for this device, or was decided false.
+void Close(const std::string& id, Check check, TreeReport& report)
+{
+    for (auto& event : report.tree.events) {
+        if (event.id == id) {
+            event.check = check;
+            report.verdict.checks.Add(check);
+        }
+    }
+    std::erase_if(report.verdict.open, [&id](const Evidence::OpenCheck& open) { return open.eventId == id; });
 }
 
 ToldEvent Leaf(const std::string& id) { return Event(id, false); }
@@ -95,8 +128,71 @@ TEST(NextChecksTest, AreBoundsWhereAnIdOrASourceIsRepeated)
 TEST(NextChecksTest, AreAboutTheTopEventWhereNoRootCauseIsPossible)
 {
     const NextChecks next = FindNextChecks(Undecided(AllOf({Leaf("A"), GateEvent("G", false, {})})), 1);
-    EXPECT_FALSE(next.isAboutCause);
+    EXPECT_EQ(next.aim, NextChecks::Aim::TOP_EVENT);
     EXPECT_EQ(next.checks.size(), 1U);
+}
+
+TEST(NextChecksTest, AreBoundsWhereARuleDecidesSeveralEvents)
+{
+    const TreeReport report = Undecided(AllOf({Leaf("A"), Leaf("B"), Leaf("C")}));
+    EXPECT_FALSE(FindNextChecks(WithRules(report, {{"A", "r"}, {"B", "s"}, {"C", "t"}}), 1).isAtMost);
+    EXPECT_TRUE(FindNextChecks(WithRules(report, {{"A", "r"}, {"B", "s"}, {"C", "r"}}), 1).isAtMost);
+}
+
+TEST(NextChecksTest, AreBoundsWhereAGroupEndedAtAnOpenRule)
+{
+    TreeReport report = WithRules(Undecided(AllOf({Leaf("A"), Leaf("B")})), {{"A", "r"}});
+    auto& rules = report.tree.evidence[0].alternatives[0].rules;
+    rules.emplace_back().reason = Reason::GROUP_ENDED;
+    EXPECT_TRUE(FindNextChecks(report, 1).isAtMost);
+    rules[0].check = Check::DECIDED;
+    EXPECT_FALSE(FindNextChecks(report, 1).isAtMost);
+}
+
+TEST(NextChecksTest, DoNotNameARuleAgainThatOneOfThemAnswers)
+{
+    const TreeReport report = Undecided(AllOf({Leaf("A"), Leaf("B"), Leaf("C")}));
+    EXPECT_THAT(IdsOf(WithRules(report, {{"A", "r"}, {"B", "r"}, {"C", "t"}}), 9), ElementsAre("A", "C"));
+    EXPECT_THAT(IdsOf(WithRules(report, {{"A", "r"}, {"B", "r"}, {"C", "r"}}), 9), ElementsAre("A"));
+}
+
+TEST(NextChecksTest, NameAnyOpenCheckWhereNothingWasDecided)
+{
+    TreeReport report = Undecided(AllOf({Leaf("A"), Leaf("B"), Leaf("C")}));
+    Close("A", Check::NOT_APPLICABLE, report);
+    const NextChecks next = FindNextChecks(report, 9);
+    EXPECT_EQ(next.aim, NextChecks::Aim::FIRST_ANSWER);
+    EXPECT_EQ(next.fewest, (diagnosis::FewestChecks{diagnosis::FewestChecks::NEVER, 1}));
+    EXPECT_THAT(IdsOf(report, 9), ElementsAre("B"));
+    EXPECT_THAT(IdsOf(report, 0), IsEmpty());
+}
+
+TEST(NextChecksTest, NameTheCheckThatNeedsTheFewestAnswersWhereNothingWasDecided)
+{
+    TreeReport report = WithRules(Undecided(AllOf({Leaf("A"), Leaf("B"), Leaf("C")})), {{"B", "r"}});
+    auto& rules = report.tree.evidence[0].alternatives[0].rules;
+    rules.push_back(rules[0]); // B needs both
+    rules.push_back(rules[0]);
+    report.tree.evidence[0].alternatives.push_back(report.tree.evidence[0].alternatives[0]);
+    Close("A", Check::NOT_APPLICABLE, report);
+    EXPECT_THAT(IdsOf(report, 9), ElementsAre("C"));
+    Close("C", Check::NOT_SELECTED, report);
+    EXPECT_THAT(IdsOf(report, 9), ElementsAre("B"));
+    EXPECT_EQ(FindNextChecks(report, 9).fewest.toRuleOut, 2U);
+}
+
+TEST(NextChecksTest, AreNoneWhereNoAnswerDecides)
+{
+    TreeReport nothingOpen = Undecided(AllOf({Leaf("A"), Leaf("B")}));
+    Close("A", Check::NOT_APPLICABLE, nothingOpen);
+    Close("B", Check::NOT_SELECTED, nothingOpen);
+    EXPECT_EQ(FindNextChecks(nothingOpen, 9).fewest.toRuleOut, diagnosis::FewestChecks::NEVER);
+    EXPECT_THAT(IdsOf(nothingOpen, 9), IsEmpty());
+
+    TreeReport withoutGate = Undecided(AllOf({Leaf("A"), Leaf("B")}));
+    Close("A", Check::NOT_APPLICABLE, withoutGate);
+    withoutGate.verdict.open[0].reason = Reason::NO_GATE;
+    EXPECT_THAT(IdsOf(withoutGate, 9), IsEmpty());
 }
 
 TEST(MissingSourcesTest, AreThoseThatDecideTreesMostTreesFirst)
@@ -110,6 +206,31 @@ TEST(MissingSourcesTest, CountTablesToTheLogFromWhichTheyAreDerived)
 {
     EXPECT_THAT(Sources({Undecided(AnyOf({Leaf("A:log"), Leaf("B:table")}))}), ElementsAre("log_unavailable : 1 of 1, 2"));
     EXPECT_THAT(Sources({Undecided(AnyOf({Leaf("A:x"), Leaf("B:table")}))}), IsEmpty());
+}
+
+TEST(MissingSourcesTest, DecideATreeInWhichNothingWasDecided)
+{
+    TreeReport report = Undecided(AllOf({Leaf("A:x"), Leaf("B:y")}));
+    Close("B", Check::NOT_APPLICABLE, report);
+    EXPECT_THAT(Sources({report}), ElementsAre("node_unreadable x: 1 of 1, 1"));
+}
+
+TEST(MissingSourcesTest, DecideNoTreeWhoseTopEventIsTrueWithoutACause)
+{
+    TreeReport report = Undecided(AnyOf({GateEvent("G", false, {}), AllOf({Leaf("A:x"), Leaf("B")})}));
+    Close("B", Check::DECIDED, report);
+    EXPECT_THAT(IdsOf(report, 9), IsEmpty());
+    EXPECT_THAT(Sources({report}), IsEmpty());
+}
+
+TEST(MissingSourcesTest, DecideNoTreeThatLacksAGate)
+{
+    TreeReport report = Undecided(AnyOf({Leaf("A:x"), Leaf("B")}));
+    EXPECT_THAT(Sources({report}), IsEmpty());
+    Close("B", Check::DECIDED, report);
+    EXPECT_THAT(Sources({report}), ElementsAre("node_unreadable x: 1 of 1, 1"));
+    report.verdict.open.push_back({"G", "", Check::RULE_UNUSABLE, Reason::NO_GATE, "", false});
+    EXPECT_THAT(Sources({report}), IsEmpty());
 }
 
 TEST(MissingSourcesTest, LookAtUndecidedTreesAlone)

@@ -130,11 +130,23 @@ TEST_F(ExplainCommandTest, TellsTheNextChecksOfAnUndecidedTree)
     EXPECT_THAT(Explained({"--next", "3"}), EndsWith(
         "  Fewest checks, not likeliest cause: 1 check can prove a fault, at most 2 rule it out\n"
         "    next: X, because a rule is missing\n"
-        "    then: C, rule no, because the node file no is missing\n"
-        "    then: D, rule no, because the node file no is missing\n"
+        "    then: C, rule no, because the node file no is missing\n" // which answers D, too
         "  1 tree: 1 undecided\n"));
     EXPECT_THAT(Explained({"--next", "1"}), Not(HasSubstr("then: ")));
     EXPECT_THAT(Explained(), Not(HasSubstr("Fewest checks")));
+}
+
+TEST_F(ExplainCommandTest, TellsACheckToCloseWhereNothingWasDecided)
+{
+    WriteTree(And({Basic("C"), Basic("E", {"", "", "", "2"})}));
+    fs::remove("b/no");
+    EXPECT_THAT(Explained({"--next", "2"}), AllOf(StartsWith("b\n  the node file no would decide 1 of 1 undecided tree (1 check)\n"),
+        EndsWith("  Fewest checks, not likeliest cause: no check can prove a fault, but nothing was decided yet: 1 check is enough for "
+                 "no fault\n"
+                 "    next: C, rule no, because the node file no is missing\n"
+                 "  1 tree: 1 undecided\n")));
+    EXPECT_THAT(Explained({"--next", "2", "--json"}),
+        HasSubstr(R"("next": {"toProve": null, "toRuleOut": 1, "aboutCause": false, "atMost": false, "checks": [{"event": "C", )"));
 }
 
 TEST_F(ExplainCommandTest, TellsWhatMissingThingWouldDecideFirst)

@@ -80,6 +80,16 @@ TEST(ExplainPageTest, ItsNextChecksAreWhatTheCommandPrints)
     }
 }
 
+TEST(ExplainPageTest, ItsCheckWhereNothingWasDecidedIsWhatTheCommandPrints)
+{
+    const TempDir dir;
+    WriteHotBundle(dir, "b");
+    std::filesystem::remove("b/temperature");
+    dir.Write("b/rules/FaultTrees.xml", TreeXml("Tag").Tree("T", And({Basic("HOT"), Basic("HOST", {"", "", "", "2"})})).Text());
+    EXPECT_THAT(RunArborist({"explain", "--brief", "--next", "2", "b"}).out,
+        testing::HasSubstr("\n" + BlockOf(PageOfDocs("explain.md"), "text next", 2)));
+}
+
 TEST(RuleSetsPageTest, ItsFirstRuleSetIsExplainedAsThePageSays)
 {
     const TempDir dir;

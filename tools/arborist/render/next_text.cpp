@@ -22,7 +22,11 @@ std::string CountedChecks(std::uint32_t number, bool isAtMost)
 // "1 check can prove a fault, 4 rule it out".
 std::string FewestText(const FewestChecks& fewest, const NextChecks& next)
 {
-    if (!next.isAboutCause) {
+    if (next.aim == NextChecks::Aim::FIRST_ANSWER) {
+        return "no check can prove a fault, but nothing was decided yet: " + CountedChecks(fewest.toRuleOut, next.isAtMost)
+            + (fewest.toRuleOut == 1 ? " is" : " are") + " enough for no fault";
+    }
+    if (next.aim == NextChecks::Aim::TOP_EVENT) {
         return "no check can prove a fault; " + CountedChecks(fewest.toRuleOut, next.isAtMost)
             + (fewest.toRuleOut == 1 ? " rules" : " rule") + " out that the top event is in error";
     }
