@@ -25,28 +25,45 @@ SweptState StateOf(Word word)
     return SweptState::NOT_JUDGED;
 }
 
-bool HasOpen(Reason reason)
+// A window that an item doesn't have is no reason where the item has another.
+bool IsOnlyAbsent(const Evidence::Alarm& alarm, const Evidence::Window& absent)
 {
-    return Evidence::IsOpen(Evidence::CheckOf(reason));
+    return std::none_of(alarm.windows.begin(), alarm.windows.end(), [&absent](const Evidence::Window& window) {
+        return window.item == absent.item && window.reason != Reason::WINDOW_ABSENT;
+    });
 }
 
-// Why a rule has no answer: the first reason that leaves its check open.
-Reason OpenReasonOf(const Evidence::Rule& rule)
+// All that a rule's check rests on, what decided first.
+std::vector<Reason> ReasonsOf(const Evidence::Rule& rule)
 {
-    std::vector<Reason> reasons{rule.reason};
-    if (const auto* const alarm = std::get_if<Evidence::Alarm>(&rule.part)) {
+    std::vector<Reason> reasons;
+    const auto* const alarm = std::get_if<Evidence::Alarm>(&rule.part);
+    if (alarm != nullptr && !alarm->windows.empty()) { // the rule's own reason is that of one of its windows
         for (const Evidence::Window& window : alarm->windows) {
-            reasons.push_back(window.reason);
+            if (window.reason != Reason::WINDOW_ABSENT || IsOnlyAbsent(*alarm, window)) {
+                reasons.push_back(window.reason);
+            }
             reasons.insert(reasons.end(), window.notes.begin(), window.notes.end());
         }
-    } else if (const auto* const command = std::get_if<Evidence::Command>(&rule.part)) {
+    } else {
+        reasons.push_back(rule.reason);
+    }
+    if (const auto* const command = std::get_if<Evidence::Command>(&rule.part)) {
         for (const Evidence::Statement& statement : command->statements) {
             reasons.push_back(statement.reason);
         }
     }
     reasons.insert(reasons.end(), rule.notes.begin(), rule.notes.end());
-    const auto open = std::find_if(reasons.begin(), reasons.end(), HasOpen);
-    return open == reasons.end() ? rule.reason : *open;
+    return reasons;
+}
+
+// Why a rule has no answer, in the word of its explanation: the first reason with the check of the whole rule.
+Reason OpenReasonOf(const Evidence::Rule& rule)
+{
+    const std::vector<Reason> reasons = ReasonsOf(rule);
+    const auto first = std::find_if(
+        reasons.begin(), reasons.end(), [&rule](Reason reason) { return Evidence::CheckOf(reason) == rule.check; });
+    return first == reasons.end() ? rule.reason : *first;
 }
 
 SweptSource SourceOf(const Evidence::Rule& rule)

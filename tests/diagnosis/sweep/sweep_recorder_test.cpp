@@ -94,6 +94,31 @@ TEST(SweepRecorderTest, ARuleIsTrueFalseOrNotJudgedWithTheReason)
         SweptInterval{10, 19, FALSE, ""}, SweptInterval{20, 29, TRUE, ""}, SweptInterval{30, 40, NOT_JUDGED, "group_ended"}));
 }
 
+TEST(SweepRecorderTest, TheWordOfARuleIsThatOfItsExplanation)
+{
+    using Evidence::Check;
+    using Evidence::Reason;
+    const auto wordOf = [](Check check, const std::vector<std::pair<std::size_t, Reason>>& windows, Reason note) {
+        Evidence::Rule rule = Rule("r", Evidence::Verdict::NOT_FIRED, check);
+        rule.reason = windows.back().second;
+        for (const auto& [item, reason] : windows) {
+            Evidence::Window& window = std::get<Evidence::Alarm>(rule.part).windows.emplace_back();
+            window.item = item;
+            window.reason = reason;
+        }
+        rule.Note(note);
+        SweepRecorder recorder;
+        recorder.OnEventDecided(0, Asked({rule}));
+        recorder.Close(9);
+        return recorder.TakeRules()[0].timeline.GetIntervals()[0].word;
+    };
+    const auto absent = Reason::WINDOW_ABSENT;
+    const auto met = Reason::WINDOW_SHORT;
+    EXPECT_EQ(wordOf(Check::DATA_MISSING, {{0, absent}, {0, met}}, Reason::LOG_DAMAGED), "log_damaged");
+    EXPECT_EQ(wordOf(Check::RULE_UNUSABLE, {{0, absent}, {0, met}}, Reason::BAD_NUMBER), "bad_number");
+    EXPECT_EQ(wordOf(Check::RULE_UNUSABLE, {{0, absent}, {1, met}}, Reason::LOG_DAMAGED), "window_absent");
+}
+
 TEST(SweepRecorderTest, ARuleThatIsNotSweptTakesThoseBehindItInItsGroupAndItsTreesAlong)
 {
     SweepRecorder recorder;
