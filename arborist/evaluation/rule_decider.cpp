@@ -61,6 +61,12 @@ RuleDecider::RuleDecider(
 bool RuleDecider::Fires(
     const std::string& ruleName, const std::string& eventId, Evidence::Alternative* alternative)
 {
+    if (const RuleAnswer* const known = mFindKnown ? mFindKnown(ruleName) : nullptr) {
+        if (alternative != nullptr) {
+            alternative->rules.push_back(known->record);
+        }
+        return known->fires;
+    }
     const std::shared_ptr<Rule> rule = mRuleSet->GetRuleByRuleName(ruleName);
     if (alternative == nullptr) {
         return AskIfSupported(rule, eventId, nullptr);

@@ -1,8 +1,10 @@
 #ifndef ARBORIST_EVALUATION_RULE_DECIDER_H
 #define ARBORIST_EVALUATION_RULE_DECIDER_H
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "arborist/evaluation/rule_checkers.h"
 #include "arborist/frame/detection_observer.h"
@@ -13,6 +15,12 @@ class FaultTreeParser;
 class Rule;
 class RuleHelper;
 
+/// What a rule has answered.
+struct RuleAnswer {
+    bool fires = false;
+    Evidence::Rule record;
+};
+
 /// Decides one rule of the rule set for one event: applies the filters, then asks the checker of the rule's family.
 /// Writes what happens into a record of the rule.
 ///
@@ -22,6 +30,9 @@ public:
     /// Both arguments must not be null when a rule is decided.
     RuleDecider(
         std::shared_ptr<FaultTreeParser> ruleSet, std::shared_ptr<RuleHelper> ruleHelper, RuleCheckers checkers);
+
+    /// Gives the answer of a rule that need not be asked; null to ask it. It is copied at once.
+    using KnownAnswer = std::function<const RuleAnswer*(const std::string& ruleName)>;
 
     /// True if the rule of this name fires; false for a rule that isn't there or isn't for this device. Appends its
     /// record to `alternative`, which is null without an observer.
@@ -35,6 +46,8 @@ public:
     /// The observer hears of trouble; null for none. A rule may call the host, which may set it anew. Not owned.
     void SetObserver(DetectionObserver* observer) { mObserver = observer; }
     DetectionObserver* GetObserver() const { return mObserver; }
+    /// Sets where answers come from that are known; empty, the default, for nowhere.
+    void SetKnownAnswers(KnownAnswer find) { mFindKnown = std::move(find); }
 
 private:
     bool AskIfSupported(const std::shared_ptr<Rule>& rule, const std::string& eventId, Evidence::Rule* record);
@@ -47,6 +60,7 @@ private:
     RuleCheckers mCheckers;
     std::shared_ptr<CommonPart> mCommonPart;
     DetectionObserver* mObserver = nullptr;
+    KnownAnswer mFindKnown;
 };
 
 #endif

@@ -47,7 +47,7 @@ std::map<std::string, std::string> RulesOfTheClock(const Bundle& bundle)
     return found;
 }
 
-std::string Sentence(const SweepPlan::Unswept& rule, std::size_t tableMoments)
+std::string Sentence(const SweepPlan::Unswept& rule)
 {
     const std::string subject = "the rule \"" + rule.ruleName + "\" of \"" + rule.eventId + "\" is not swept: ";
     if (rule.reason == "log_damaged") {
@@ -57,8 +57,8 @@ std::string Sentence(const SweepPlan::Unswept& rule, std::size_t tableMoments)
         return subject + "its events have times that are no whole seconds";
     }
     if (rule.reason == "too_many_moments") {
-        return subject + "the derived tables change at " + std::to_string(tableMoments)
-            + " moments; --table-moments allows more";
+        return subject + "its derived tables change at " + std::to_string(rule.moments)
+            + (rule.moments == 1 ? " moment" : " moments") + "; --table-moments allows more";
     }
     if (rule.reason == "reads_clock") {
         return subject + "its statement reads the clock";
@@ -84,6 +84,8 @@ public:
         }
         SweepRequest request{mReport.from, mReport.until, mOptions.mostTableMoments};
         request.unsweptRules = RulesOfTheClock(mSession.GetBundle());
+        request.tree = mOptions.tree;
+        request.rule = mOptions.rule;
         try {
             LogSweep(mInfo).Run(request, mRecorder);
             mReport.failure = RuleSetFailure(mRecorder.GetRuleSet(), mSession.GetBundle());
@@ -126,8 +128,10 @@ private:
         mReport.rules = mRecorder.TakeRules();
         mReport.density = DensityOfLog(mLog, mReport.from, mReport.until, DENSITY_PARTS);
         for (const SweepPlan::Unswept& rule : mReport.plan.unswept) {
-            mReport.warnings.push_back({WarningCode::NOT_SWEPT,
-                {.message = Sentence(rule, mReport.plan.tableMoments), .rule = rule.ruleName, .event = rule.eventId}});
+            if (rule.reason != "not_asked_for") {
+                mReport.warnings.push_back({WarningCode::NOT_SWEPT,
+                    {.message = Sentence(rule), .rule = rule.ruleName, .event = rule.eventId}});
+            }
         }
         if (mAnswers != nullptr) {
             const auto& warnings = mAnswers->GetWarnings();

@@ -30,9 +30,10 @@ protected:
         Rules(AlarmRuleXml("r", {AlarmIdXml("7", "7", {TimeXml("duration", "1", "2")})}));
     }
 
-    static Xml TableXml(const std::string& first = "7", const std::string& last = "7")
+    static Xml TableXml(
+        const std::string& first = "7", const std::string& last = "7", const std::string& name = "TABLE_A")
     {
-        return Xml("thresholdsOrLumbraData").Attr("name", "TABLE_A").Child(Xml("retrieveLumbraData")
+        return Xml("thresholdsOrLumbraData").Attr("name", name).Child(Xml("retrieveLumbraData")
             .Child(Xml("alarmId").Attr("Eventid_Min", first).Attr("Eventid_Max", last)
                 .Child(ParamsXml({ParamXml("1", "a", "int")}))));
     }
@@ -43,13 +44,13 @@ protected:
             .Repair("E", {{"R", ""}}).Rule(rule).Text());
     }
 
-    static Xml TableRule()
+    static Xml TableRule(const std::string& name = "r", const std::string& table = "TABLE_A")
     {
         const Xml condition = ConditionXml({SingleLogicXml(
             Xml("ge").Attr("type", "static").TextChild("id", "n").TextChild("value", "1"))});
-        return CommandRuleXml("r").Child(Xml("referenceCommonPart").TextChild("commonPartName", "TABLE_A"))
+        return CommandRuleXml(name).Child(Xml("referenceCommonPart").TextChild("commonPartName", table))
             .Child(Xml("queryReturnParam").Child(ParamsXml({ParamXml("n", "n", "int")})))
-            .Child(AnalysisMethodXml("", {Xml("sql").Text("select count(*) as n from TABLE_A"),
+            .Child(AnalysisMethodXml("", {Xml("sql").Text("select count(*) as n from " + table),
                 TimeXml("duration", "2", "0"), condition}));
     }
 
@@ -220,7 +221,8 @@ TEST_F(LogSweepTest, DerivedTablesThatChangeTooOftenAreNotSwept)
     ASSERT_TRUE(Sweep(request));
     EXPECT_THAT(Unswept(), ElementsAre("E r too_many_moments"));
     EXPECT_THAT(mPlan.unsweptTrees, ElementsAre(0U));
-    EXPECT_EQ(mPlan.tableMoments, 3U);
+    EXPECT_EQ(mPlan.unswept[0].moments, 3U);
+    EXPECT_EQ(mPlan.tableMoments, 0U);
     EXPECT_EQ(mAnswers.size(), 1U);
     request.mostTableMoments = 3;
     ASSERT_TRUE(Sweep(request));
@@ -239,6 +241,107 @@ TEST_F(LogSweepTest, OfRulesThatShareAnEventOnlyThoseOnTablesAreLeftOut)
     ASSERT_TRUE(Sweep(request));
     EXPECT_THAT(Unswept(), ElementsAre("E r too_many_moments"));
     EXPECT_EQ(mPlan.moments, 2U) << "where the alarm begins and ends";
+    Log({{10 * DAY, 7, "", ""}, {10 * DAY, 8, "", ""}});
+    ASSERT_TRUE(Sweep(request));
+    EXPECT_EQ(mPlan.moments, 2U) << "also where the table changes";
+}
+
+// Two trees: "T" asks an alarm rule and one on TABLE_A, "U" one on TABLE_B, which changes much more often.
+class LogSweepTablesTest : public LogSweepTest {
+protected:
+    LogSweepTablesTest()
+    {
+        mDir.Write("rules/FaultTrees.xml",
+            TreeXml("Tag").Version("1").Tree("U", Or({Basic("F")})).Tree("T", Or({Basic("E")})).Text());
+        Entry({Single("a"), Single("r")});
+        Log({{10 * DAY, 7, "", ""}, {20 * DAY, 9, "", ""}, {12 * DAY, 8, "", ""}, {12 * DAY + 5, 8, "", ""},
+            {12 * DAY + 9, 8, "", ""}});
+    }
+
+    void Entry(const std::vector<Xml>& alternatives)
+    {
+        mDir.Write("rules/FaultTreeRules.xml", RuleXml("Tag")
+            .CommonPart({TableXml(), TableXml("8", "8", "TABLE_B")}).EventRule("E", alternatives)
+            .EventRule("F", {Single("b")}).Rule(TableRule()).Rule(TableRule("b", "TABLE_B"))
+            .Rule(AlarmRuleXml("a", {AlarmIdXml("9", "9", {TimeXml("duration", "1", "1")})})).Text());
+    }
+
+    void OnEventDecided(std::int64_t moment, const Evidence::Event& event) override
+    {
+        LogSweepTest::OnEventDecided(moment, event);
+        for (const Evidence::Alternative& alternative : event.alternatives) {
+            for (const Evidence::Rule& rule : alternative.rules) {
+                if (const auto* const command = std::get_if<Evidence::Command>(&rule.part)) {
+                    for (const Evidence::Statement& statement : command->statements) {
+                        mStatements[event.id].insert(statement.sql);
+                    }
+                }
+            }
+        }
+    }
+
+    std::vector<std::string> Asked() const
+    {
+        std::vector<std::string> asked;
+        for (const SweepPlan::Asked& unit : mPlan.asked) {
+            asked.push_back(unit.eventId + " " + std::to_string(unit.times));
+        }
+        return asked;
+    }
+
+    std::map<std::string, std::set<std::string>> mStatements;
+};
+
+TEST_F(LogSweepTablesTest, RulesAreAskedOnlyWhereTheirOwnTablesChange)
+{
+    ASSERT_TRUE(Sweep({DAY, 60 * DAY}));
+    EXPECT_THAT(Asked(), testing::UnorderedElementsAre("E 4", "F 10"));
+    EXPECT_EQ(mPlan.tableMoments, 11U) << "the tables share a moment";
+    EXPECT_EQ(mPlan.moments, 13U);
+    EXPECT_EQ(mStatements["E"].size(), 4U) << "each moment has its own limit of time";
+    EXPECT_EQ(mStatements["F"].size(), 10U);
+}
+
+TEST_F(LogSweepTablesTest, ARuleBehindOneOfItsGroupKeepsItsAnswerUntilItIsReached)
+{
+    Entry({Multiple({"a", "r"})});
+    Log({{20 * DAY, 9, "", ""}, {19 * DAY, 7, "", ""}});
+    ASSERT_TRUE(Sweep({DAY, 60 * DAY}));
+    EXPECT_THAT(mDecided, testing::Contains(std::to_string(20 * DAY) + " E fired"));
+    EXPECT_THAT(mDecided, testing::Contains(std::to_string(21 * DAY) + " E"));
+}
+
+TEST_F(LogSweepTablesTest, OneTableThatChangesTooOftenLeavesTheOthersSwept)
+{
+    SweepRequest request{DAY, 60 * DAY};
+    request.mostTableMoments = 3;
+    ASSERT_TRUE(Sweep(request));
+    EXPECT_THAT(Unswept(), ElementsAre("F b too_many_moments"));
+    EXPECT_THAT(mPlan.unsweptTrees, ElementsAre(0U));
+    EXPECT_EQ(mPlan.tableMoments, 3U);
+    EXPECT_EQ(mPlan.unswept[0].moments, 9U);
+    EXPECT_THAT(Asked(), ElementsAre("E 4"));
+    request.mostTableMoments = 10;
+    ASSERT_TRUE(Sweep(request));
+    EXPECT_THAT(Unswept(), ElementsAre("F b too_many_moments")) << "the least moments come first";
+    request.mostTableMoments = 11;
+    ASSERT_TRUE(Sweep(request));
+    EXPECT_THAT(Unswept(), IsEmpty());
+}
+
+TEST_F(LogSweepTablesTest, TablesAreBuiltOnlyForTheTreeOrTheRuleThatIsAskedFor)
+{
+    SweepRequest request{DAY, 60 * DAY};
+    request.mostTableMoments = 9;
+    request.tree = "U";
+    ASSERT_TRUE(Sweep(request));
+    EXPECT_THAT(Unswept(), ElementsAre("E r not_asked_for"));
+    EXPECT_THAT(Asked(), ElementsAre("F 10"));
+    request.tree.clear();
+    request.rule = "r";
+    ASSERT_TRUE(Sweep(request));
+    EXPECT_THAT(Unswept(), ElementsAre("F b not_asked_for"));
+    EXPECT_THAT(Asked(), ElementsAre("E 4"));
 }
 
 TEST_F(LogSweepTest, StatementsWithoutATableOfEventsAreAskedOnce)

@@ -42,6 +42,18 @@ std::vector<std::string> RuleNamesOf(const EventRule& entry)
     return names;
 }
 
+// Adds moments to those for which tables are built, unless they become more than `most`.
+bool AddIfFew(const Moments& moments, std::size_t most, std::set<std::int64_t>& built)
+{
+    const auto added = static_cast<std::size_t>(
+        std::count_if(moments.begin(), moments.end(), [&built](std::int64_t moment) { return built.count(moment) == 0; }));
+    if (built.size() + added > most) {
+        return false;
+    }
+    built.insert(moments.begin(), moments.end());
+    return true;
+}
+
 } // namespace
 
 /// Passes on the first of the events that are decided for a unit.
@@ -127,7 +139,7 @@ void RuleSweep::FetchTree(const std::shared_ptr<FaultTree>& tree)
         }
         const auto [unit, isNew] = mUnitOf.emplace(event->GetId(), mUnits.size());
         if (isNew) {
-            mUnits.push_back({event->GetId(), entry->second, {}, {}, {}, false});
+            mUnits.push_back({event->GetId(), entry->second, {}});
         }
         mUnits[unit->second].places.push_back({mTrees.size(), swept.events.size() - 1});
     }
@@ -151,9 +163,8 @@ void RuleSweep::FindMoments(Unit& unit, SweepPlan& plan)
             FindMomentsOfRule(unit, name, plan);
         }
     }
-    SortOnce(unit.tableMoments);
-    unit.moments.insert(unit.moments.end(), unit.tableMoments.begin(), unit.tableMoments.end());
     SortOnce(unit.moments);
+    SortOnce(unit.tableMoments);
 }
 
 void RuleSweep::FindMomentsOfRule(Unit& unit, const std::string& ruleName, SweepPlan& plan)
@@ -172,44 +183,57 @@ void RuleSweep::FindMomentsOfRule(Unit& unit, const std::string& ruleName, Sweep
         const auto& sqlItem = command->analysisMethod.sqlItem;
         mTableMoments->Add(*command,
             mRuleHelper->GetFloors(sqlItem.time.period, sqlItem.BeginFlag, unit.eventId), unit.tableMoments);
-        unit.readsTables = unit.readsTables || (command->referenceDefDb == nullptr && mCommonPart != nullptr);
+        if (command->referenceDefDb == nullptr && mCommonPart != nullptr) {
+            unit.tableRules.insert(ruleName);
+        }
     }
     if (problem != nullptr) {
         plan.unswept.push_back({unit.eventId, ruleName, problem});
     }
 }
 
-// Leaves rules on derived tables out if the tables would have to be built too often.
+// Derived tables are built for the events whose tables change least often, as long as their moments are few enough.
 void RuleSweep::LimitTables(SweepPlan& plan)
 {
-    std::set<std::int64_t> all;
-    for (const Unit& unit : mUnits) {
-        if (unit.readsTables) {
-            all.insert(unit.moments.begin(), unit.moments.end());
-        }
-    }
-    plan.tableMoments = all.size();
-    const bool isTooMany = all.size() > mRequest.mostTableMoments;
+    std::vector<Unit*> units;
     for (Unit& unit : mUnits) {
-        if (!unit.readsTables) {
-            continue;
-        }
-        if (!isTooMany) {
-            plan.asked.push_back({unit.eventId, unit.moments.size() + 1});
-            continue;
-        }
-        unit.readsTables = false;
-        Moments rest;
-        std::set_difference(unit.moments.begin(), unit.moments.end(), unit.tableMoments.begin(),
-            unit.tableMoments.end(), std::back_inserter(rest));
-        unit.moments = std::move(rest);
-        for (const std::string& name : RuleNamesOf(*unit.entry)) {
-            const auto command = std::dynamic_pointer_cast<CommandRule>(mRuleSet->GetRuleByRuleName(name));
-            if (command != nullptr && command->referenceDefDb == nullptr) {
-                plan.unswept.push_back({unit.eventId, name, "too_many_moments"});
-            }
+        if (unit.HasTables()) {
+            units.push_back(&unit);
         }
     }
+    std::stable_sort(units.begin(), units.end(),
+        [](const Unit* one, const Unit* other) { return one->tableMoments.size() < other->tableMoments.size(); });
+    std::set<std::int64_t> built;
+    for (Unit* const unit : units) {
+        const bool isAskedFor = IsAskedFor(*unit);
+        if (isAskedFor && AddIfFew(unit->tableMoments, mRequest.mostTableMoments, built)) {
+            continue;
+        }
+        unit->isLeftOut = true;
+        for (const std::string& name : unit->tableRules) {
+            plan.unswept.push_back({unit->eventId, name, isAskedFor ? "too_many_moments" : "not_asked_for",
+                unit->tableMoments.size()});
+        }
+        unit->tableMoments.clear();
+    }
+    plan.tableMoments = built.size();
+    for (const Unit& unit : mUnits) {
+        if (unit.HasTables()) {
+            plan.asked.push_back({unit.eventId, unit.tableMoments.size() + 1});
+        }
+    }
+}
+
+bool RuleSweep::IsAskedFor(const Unit& unit) const
+{
+    if (mRequest.tree.empty() && mRequest.rule.empty()) {
+        return true;
+    }
+    const bool hasTree = std::any_of(unit.places.begin(), unit.places.end(),
+        [this](const Place& place) { return mTrees[place.tree].tree->GetId() == mRequest.tree; });
+    const std::vector<std::string> names = RuleNamesOf(*unit.entry);
+    return (hasTree && !mRequest.tree.empty())
+        || (!mRequest.rule.empty() && std::find(names.begin(), names.end(), mRequest.rule) != names.end());
 }
 
 void RuleSweep::NoteUnsweptTrees(SweepPlan& plan) const
@@ -226,14 +250,31 @@ void RuleSweep::NoteUnsweptTrees(SweepPlan& plan) const
 void RuleSweep::MakeTurns()
 {
     for (std::uint32_t unit = 0; unit < mUnits.size(); ++unit) {
-        mTurns.push_back({mRange.first, unit});
-        for (const std::int64_t moment : mUnits[unit].moments) {
-            mTurns.push_back({moment, unit});
-        }
+        MakeTurnsOf(unit);
         mUnits[unit].moments = Moments();
         mUnits[unit].tableMoments = Moments();
     }
     std::sort(mTurns.begin(), mTurns.end());
+    if (std::any_of(mUnits.begin(), mUnits.end(), [](const Unit& unit) { return !unit.tableRules.empty(); })) {
+        mDecider.GetRules().SetKnownAnswers(
+            [this](const std::string& ruleName) { return mKept.Find(*mRuleHelper->GetCurrentEvent(), ruleName); });
+    }
+}
+
+// A rule that is left out is asked once, so that its event has a record of it.
+void RuleSweep::MakeTurnsOf(std::uint32_t number)
+{
+    const Unit& unit = mUnits[number];
+    mTurns.push_back({mRange.first, number, !unit.tableRules.empty()});
+    const Moments& tables = unit.tableMoments;
+    for (const std::int64_t moment : tables) {
+        mTurns.push_back({moment, number, true});
+    }
+    for (const std::int64_t moment : unit.moments) {
+        if (!std::binary_search(tables.begin(), tables.end(), moment)) {
+            mTurns.push_back({moment, number, false});
+        }
+    }
 }
 
 void RuleSweep::Run(const std::function<void(std::int64_t moment)>& judge,
@@ -248,10 +289,13 @@ void RuleSweep::Run(const std::function<void(std::int64_t moment)>& judge,
         const auto end = std::find_if(turn, mTurns.end(), [moment](const Turn& other) { return other.moment != moment; });
         mMoment.Set(moment);
         mListener->moment = moment;
-        if (std::any_of(turn, end, [this](const Turn& at) { return mUnits[at.unit].readsTables; })) {
+        if (std::any_of(turn, end, [this](const Turn& at) { return at.asksTables && mUnits[at.unit].HasTables(); })) {
             BuildTables();
         }
         for (; turn != end; ++turn) {
+            if (turn->asksTables) {
+                AskTables(mUnits[turn->unit]);
+            }
             Decide(mUnits[turn->unit]);
         }
         judge(moment);
@@ -262,6 +306,17 @@ void RuleSweep::BuildTables()
 {
     if (mCommonPart != nullptr && !mCommonPart->GetCombineCommon()->GetThresholdLumbraList().empty()) {
         CommonPartDbHelper::GetInstance().IsSuccessCreateJankDb(DevicePaths::EventLog(), mCommonPart, true);
+    }
+}
+
+void RuleSweep::AskTables(const Unit& unit)
+{
+    for (const Place& place : unit.places) {
+        const auto& event = mTrees[place.tree].events[place.event].event;
+        if (event->GetDetectMode() != EventDecider::DETECT_INTERACTION_RULE) {
+            mRuleHelper->SetCurrentEvent(event);
+            mKept.Ask(mDecider.GetRules(), *event, unit.tableRules);
+        }
     }
 }
 

@@ -7,11 +7,13 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "arborist/evaluation/event_decider.h"
 #include "arborist/evaluation/rule_engine_helper.h"
+#include "arborist/evaluation/sweep/kept_answers.h"
 #include "arborist/evaluation/sweep/moment_in_force.h"
 #include "arborist/evaluation/sweep/moment_range.h"
 #include "arborist/frame/sweep_observer.h"
@@ -72,16 +74,24 @@ private:
         std::string eventId;
         std::shared_ptr<EventRule> entry;
         std::vector<Place> places;
-        Moments moments;
-        /// The part of `moments` at which derived tables change.
-        Moments tableMoments;
-        bool readsTables = false;
+        /// Where its other rules may answer differently.
+        Moments moments = {};
+        /// Where its derived tables change.
+        Moments tableMoments = {};
+        /// The names of its rules on derived tables. They are asked where the tables change, and keep their answers between.
+        std::set<std::string> tableRules = {};
+        /// Whether the tables are not built for it.
+        bool isLeftOut = false;
+
+        bool HasTables() const { return !tableRules.empty() && !isLeftOut; }
     };
 
     /// One unit at one moment.
     struct Turn {
         std::int64_t moment;
         std::uint32_t unit;
+        /// Whether its rules on derived tables are asked, too.
+        bool asksTables;
 
         auto operator<=>(const Turn&) const = default;
     };
@@ -91,9 +101,12 @@ private:
     void FindMoments(Unit& unit, SweepPlan& plan);
     void FindMomentsOfRule(Unit& unit, const std::string& ruleName, SweepPlan& plan);
     void LimitTables(SweepPlan& plan);
+    bool IsAskedFor(const Unit& unit) const;
     void NoteUnsweptTrees(SweepPlan& plan) const;
     void MakeTurns();
+    void MakeTurnsOf(std::uint32_t number);
     void BuildTables();
+    void AskTables(const Unit& unit);
     void Decide(Unit& unit);
 
     std::shared_ptr<DetectInfo> mDetectInfo;
@@ -107,6 +120,7 @@ private:
     EventDecider mDecider;
     std::shared_ptr<CommonPart> mCommonPart;
     std::unique_ptr<TableMoments> mTableMoments;
+    KeptAnswers mKept;
     std::vector<Tree> mTrees;
     std::vector<Unit> mUnits;
     std::map<std::string, std::size_t> mUnitOf; // by event id

@@ -164,7 +164,7 @@ TEST_F(SweepCommandTest, DerivedTablesAreBuiltForALimitedNumberOfMoments)
     EXPECT_THAT(Sweep({"--table-moments", "2"}).out,
         AllOf(HasSubstr("2024-05-20 13:00:00"), HasSubstr("rules of DROPS on derived tables asked 3 times")));
     EXPECT_THAT(Sweep({"--table-moments", "1"}).err,
-        HasSubstr("is not swept: the derived tables change at 2 moments; --table-moments allows more"));
+        HasSubstr("is not swept: its derived tables change at 2 moments; --table-moments allows more"));
 }
 
 TEST_F(SweepCommandTest, ABundleThatCantBeSweptSaysWhy)
