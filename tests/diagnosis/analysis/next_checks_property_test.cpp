@@ -31,13 +31,13 @@ using Answers = std::map<std::string, bool>;
 /// host, or have a rule that is not for the device, or one that has an answer from the start.
 class RandomBundle {
 public:
-    explicit RandomBundle(RandomCases& random) : mRandom(random), mCanBeKnown(random.OnceIn(2))
+    explicit RandomBundle(RandomCases& random)
+        : mRandom(random), mCanBeKnown(random.OnceIn(2)), mMayShare(random.OnceIn(2))
     {
-        for (std::size_t count = 2 + mRandom.Below(3); count > 0; --count) {
+        for (std::size_t count = (mMayShare ? 1 : 2) + mRandom.Below(3); count > 0; --count) {
             mRules.push_back("r" + std::to_string(count));
         }
         mUnused = mRules;
-        mMayShare = mRandom.OnceIn(2);
         mDir.Write("b/rules/FaultTrees.xml", TreeXml("Tag").Tree("T", Gate(2)).Text());
         mRuleFile.Rule(CodeRuleXml("other", "COther", "other").Attr("production", "OTHER"));
         for (const std::string& rule : {std::string("yes"), std::string("no")}) {
@@ -69,7 +69,7 @@ public:
 private:
     std::string Rule()
     {
-        if (mRandom.OnceIn(4)) {
+        if (mRandom.OnceIn(6)) {
             return "other";
         }
         if (mCanBeKnown && mRandom.OnceIn(3)) {
@@ -91,7 +91,7 @@ private:
         std::vector<Xml> alternatives;
         for (std::size_t count = mRandom.OnceIn(4) ? 2 : 1; count > 0; --count) {
             const std::string first = Rule();
-            alternatives.push_back(mRandom.OnceIn(4) ? Multiple({first, Rule()}) : Single(first));
+            alternatives.push_back(mRandom.OnceIn(6) ? Multiple({first, Rule()}) : Single(first));
         }
         mRuleFile.EventRule(id, alternatives);
     }
@@ -114,7 +114,7 @@ private:
 
     RandomCases& mRandom;
     bool mCanBeKnown;
-    bool mMayShare = false;
+    bool mMayShare;
     std::size_t mIds = 0;
     std::vector<std::string> mRules;
     std::vector<std::string> mUnused;
