@@ -1,8 +1,6 @@
 #include "arborist/frame/arborist.h"
 
 #include <algorithm>
-#include <chrono>
-#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -10,10 +8,9 @@
 #include "arborist/deduction/judge_tree.h"
 #include "arborist/evaluation/rule_engine.h"
 #include "arborist/evaluation/rule_helper.h"
-#include "arborist/frame/fault_tree_prop_global.h"
 #include "arborist/frame/loaded_rule_set.h"
 #include "arborist/frame/log.h"
-#include "arborist/frame/settings.h"
+#include "arborist/frame/stoppable_detection.h"
 #include "arborist/frame/stopping.h"
 #include "arborist/loading/fault_tree_parser.h"
 #include "arborist/loading/rule_set_record.h"
@@ -21,33 +18,9 @@
 #include "arborist/model/event.h"
 #include "arborist/model/fault_tree.h"
 #include "arborist/utilities/file_util.h"
-#include "arborist/utilities/string_util.h"
 #include "arborist/utilities/zip_util.h"
 
 namespace {
-
-std::optional<std::chrono::duration<double>> TimeLimit()
-{
-    const std::string text = FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(Settings::TIME_LIMIT, "");
-    const double seconds = StringUtil::DoubleOf(text).value_or(-1);
-    return seconds >= 0 ? std::optional(std::chrono::duration<double>(seconds)) : std::nullopt;
-}
-
-// While it exists, a detection runs on this thread and can be stopped.
-class StoppableDetection {
-public:
-    explicit StoppableDetection(StopRequest& request) : mRequest(request), mScope(&request)
-    {
-        request.Start(TimeLimit());
-    }
-    ~StoppableDetection() { mRequest.End(); }
-    StoppableDetection(const StoppableDetection&) = delete;
-    StoppableDetection& operator=(const StoppableDetection&) = delete;
-
-private:
-    StopRequest& mRequest;
-    StopScope mScope;
-};
 
 // At its end, which an exception may bring, the rules of a detection let go of their databases.
 class RunOfRules {

@@ -1,6 +1,7 @@
 #include "arborist/frame/log_sweep.h"
 
 #include <map>
+#include <optional>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -9,6 +10,8 @@
 #include "arborist/deduction/judge_tree.h"
 #include "arborist/deduction/root_cause_search.h"
 #include "arborist/evaluation/sweep/rule_sweep.h"
+#include "arborist/frame/stoppable_detection.h"
+#include "arborist/frame/stopping.h"
 #include "arborist/loading/fault_tree_parser.h"
 #include "arborist/loading/rule_set_record.h"
 #include "arborist/model/event.h"
@@ -69,9 +72,19 @@ void Judge(RuleSweep::Tree& swept, std::size_t number, std::int64_t moment, Swee
     swept.isChanged = false;
 }
 
+void JudgeChanged(RuleSweep& sweep, std::int64_t moment, SweepObserver& observer)
+{
+    for (std::size_t number = 0; number < sweep.GetTrees().size(); ++number) {
+        if (sweep.GetTrees()[number].isChanged) {
+            Judge(sweep.GetTrees()[number], number, moment, observer);
+        }
+    }
+}
+
 } // namespace
 
-LogSweep::LogSweep(const std::shared_ptr<DetectInfo>& detectInfo) : mDetectInfo(std::make_shared<DetectInfo>(*detectInfo))
+LogSweep::LogSweep(const std::shared_ptr<DetectInfo>& detectInfo)
+    : mDetectInfo(std::make_shared<DetectInfo>(*detectInfo)), mStop(std::make_unique<StopRequest>())
 {
     if (mDetectInfo->mCodeRuleRunner != nullptr) {
         mDetectInfo->mCodeRuleRunner = std::make_shared<AnswersOnce>(mDetectInfo->mCodeRuleRunner);
@@ -80,24 +93,28 @@ LogSweep::LogSweep(const std::shared_ptr<DetectInfo>& detectInfo) : mDetectInfo(
 
 LogSweep::~LogSweep() = default;
 
+void LogSweep::RequestStop() noexcept
+{
+    mStop->Request();
+}
+
 bool LogSweep::Run(const SweepRequest& request, SweepObserver& observer)
 {
+    const StoppableDetection stoppable(*mStop);
     const auto ruleSet = std::make_shared<FaultTreeParser>(mDetectInfo);
     ruleSet->StartParse();
     observer.OnRuleSetRead(RuleSetRecordOf(*ruleSet));
     if (!ruleSet->IsParseDone() || ruleSet->GetFaultTrees().empty()) {
         return false;
     }
-    RuleSweep sweep(mDetectInfo, ruleSet, request);
-    observer.OnPlan(sweep.Plan());
-    sweep.Run(
-        [&](std::int64_t moment) {
-            for (std::size_t number = 0; number < sweep.GetTrees().size(); ++number) {
-                if (sweep.GetTrees()[number].isChanged) {
-                    Judge(sweep.GetTrees()[number], number, moment, observer);
-                }
-            }
-        },
-        [&](std::int64_t moment, const Evidence::Event& event) { observer.OnEventDecided(moment, event); });
+    std::optional<RuleSweep> sweep;
+    try {
+        sweep.emplace(mDetectInfo, ruleSet, request);
+        observer.OnPlan(sweep->Plan());
+        sweep->Run([&](std::int64_t moment) { JudgeChanged(*sweep, moment, observer); },
+            [&](std::int64_t moment, const Evidence::Event& event) { observer.OnEventDecided(moment, event); });
+    } catch (const DetectionStopped&) {
+        observer.OnStopped(sweep ? sweep->GetMoment() : request.from);
+    }
     return true;
 }

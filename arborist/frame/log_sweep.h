@@ -7,6 +7,8 @@
 #include "arborist/frame/detect_info.h"
 #include "arborist/frame/sweep_observer.h"
 
+class StopRequest;
+
 /// Finds what detections would find as of every moment of a time, from one reading of rule set and event log: the
 /// answer of a detection with Settings::AS_OF and Settings::CURRENT_TIME set to that moment.
 ///
@@ -28,8 +30,14 @@ public:
     /// a detection.
     bool Run(const SweepRequest& request, SweepObserver& observer);
 
+    /// Stops the running sweep early, as Arborist::RequestStop stops a detection, and as Settings::TIME_LIMIT does: the
+    /// observer is told at which moment, and the answers before it hold. Does nothing without a running sweep. Any thread
+    /// and any signal handler may call it.
+    void RequestStop() noexcept;
+
 private:
     std::shared_ptr<DetectInfo> mDetectInfo;
+    std::unique_ptr<StopRequest> mStop;
 };
 
 #endif

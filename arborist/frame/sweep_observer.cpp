@@ -12,3 +12,5 @@ void SweepObserver::OnEventDecided(std::int64_t, const Evidence::Event&) {}
 
 void SweepObserver::OnTreeJudged(
     std::int64_t, std::size_t, const Evidence::TreeResult&, const std::vector<Evidence::RootCause>&) {}
+
+void SweepObserver::OnStopped(std::int64_t) {}

@@ -80,6 +80,8 @@ public:
     /// detection, from 0. `result` is what a detection as of this moment finds, without TreeVerdict::open.
     virtual void OnTreeJudged(std::int64_t moment, std::size_t tree, const Evidence::TreeResult& result,
         const std::vector<Evidence::RootCause>& rootCauses);
+    /// Called last if the sweep was stopped: answers of this moment may be missing, those of the seconds before it hold.
+    virtual void OnStopped(std::int64_t moment);
 };
 
 #endif

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "arborist/frame/arborist.h"
+#include "arborist/frame/log_sweep.h"
 #include "diagnosis/process/signals.h"
 #include "diagnosis/process/tree_removal.h"
 
@@ -30,9 +31,10 @@ std::optional<SignalActions> listening;
 // Of slots and detections.
 int listeners = 0;
 
-/// The detection that the next SIGINT stops.
-std::atomic<Arborist*> stoppable = nullptr;
-static_assert(std::atomic<Arborist*>::is_always_lock_free);
+/// The detection or the sweep that the next SIGINT stops, and the function that asks it to.
+std::atomic<void*> stoppable = nullptr;
+static_assert(std::atomic<void*>::is_always_lock_free);
+void (*volatile requestStop)(void* target) = nullptr;
 volatile std::sig_atomic_t hasStopped = 0;
 
 constexpr int HANDLER_FLAGS = static_cast<int>(SA_RESETHAND | SA_NODEFER);
@@ -49,8 +51,8 @@ void CleanUp(bool groups)
 // Stops the detection, if there is one to stop, and listens to the signal again.
 bool StopDetection(void (*handler)(int))
 {
-    Arborist* const engine = stoppable.exchange(nullptr);
-    if (engine == nullptr) {
+    void* const target = stoppable.exchange(nullptr);
+    if (target == nullptr) {
         return false;
     }
     struct sigaction action = {};
@@ -58,7 +60,7 @@ bool StopDetection(void (*handler)(int))
     action.sa_flags = HANDLER_FLAGS;
     sigaction(SIGINT, &action, nullptr);
     hasStopped = 1;
-    engine->RequestStop();
+    requestStop(target);
     return true;
 }
 
@@ -139,10 +141,21 @@ void Interruption::Forget()
 }
 
 StoppedBySignal::StoppedBySignal(Arborist& engine)
+    : StoppedBySignal(&engine, [](void* target) { static_cast<Arborist*>(target)->RequestStop(); })
+{
+}
+
+StoppedBySignal::StoppedBySignal(LogSweep& sweep)
+    : StoppedBySignal(&sweep, [](void* target) { static_cast<LogSweep*>(target)->RequestStop(); })
+{
+}
+
+StoppedBySignal::StoppedBySignal(void* target, void (*stop)(void* target))
 {
     const SignalsHeldBack heldBack;
     AddListener();
-    stoppable = &engine;
+    requestStop = stop;
+    stoppable = target;
 }
 
 StoppedBySignal::~StoppedBySignal()

@@ -6,6 +6,7 @@
 #include <sys/types.h>
 
 class Arborist;
+class LogSweep;
 
 namespace diagnosis {
 
@@ -28,16 +29,20 @@ private:
     int mSlot = -1;
 };
 
-/// As long as it exists, the first SIGINT does not end the process: it kills the programs that a detection runs and asks
-/// the detection to stop, so that its results so far can be shown. A second one ends the process as without this object.
+/// As long as it exists, the first SIGINT does not end the process: it kills the programs that a detection or a sweep runs
+/// and asks it to stop, so that its results so far can be shown. A second one ends the process as without this object.
 /// One at a time; the signal is left alone if it was ignored or had another handler.
 class StoppedBySignal {
 public:
-    /// `engine` must outlive the object.
+    /// `engine` or `sweep` must outlive the object.
     explicit StoppedBySignal(Arborist& engine);
+    explicit StoppedBySignal(LogSweep& sweep);
     ~StoppedBySignal();
     StoppedBySignal(const StoppedBySignal&) = delete;
     StoppedBySignal& operator=(const StoppedBySignal&) = delete;
+
+private:
+    StoppedBySignal(void* target, void (*stop)(void* target));
 };
 
 /// True if a SIGINT has stopped a detection of this process.

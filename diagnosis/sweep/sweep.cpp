@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 
 #include "arborist/frame/log_sweep.h"
 #include "diagnosis/bundle/bundle_overlay.h"
@@ -10,6 +11,7 @@
 #include "diagnosis/detection/detection.h"
 #include "diagnosis/lint/sql/derived_tables.h"
 #include "diagnosis/log_db/log_density.h"
+#include "diagnosis/process/interruption.h"
 #include "diagnosis/rule_source/rule_set.h"
 #include "diagnosis/sweep/clock_statements.h"
 #include "diagnosis/text/near_match.h"
@@ -87,10 +89,18 @@ public:
         request.tree = mOptions.tree;
         request.rule = mOptions.rule;
         try {
-            LogSweep(mInfo).Run(request, mRecorder);
+            LogSweep sweep(mInfo);
+            std::optional<StoppedBySignal> stoppable;
+            if (mOptions.stopsOnSignal) {
+                stoppable.emplace(sweep);
+            }
+            sweep.Run(request, mRecorder);
             mReport.failure = RuleSetFailure(mRecorder.GetRuleSet(), mSession.GetBundle());
         } catch (...) {
             mReport.failure = FailureInFlight(mRecorder.GetRuleSet());
+        }
+        if (!mReport.failure) {
+            EndWhereStopped();
         }
         if (!mReport.failure) {
             TakeAnswers();
@@ -98,6 +108,22 @@ public:
     }
 
 private:
+    void EndWhereStopped()
+    {
+        const auto stopped = mRecorder.GetStopped();
+        if (!stopped) {
+            return;
+        }
+        if (*stopped <= mReport.from) {
+            mReport.failure =
+                Failure{FailureCode::TIMEOUT, mReport.bundle + ": the sweep was stopped before it had its first answer"};
+            return;
+        }
+        mReport.warnings.push_back({WarningCode::STOPPED, "the sweep was stopped: it ends before " + MomentText(*stopped)
+            + " instead of at " + MomentText(mReport.until)});
+        mReport.until = *stopped - 1;
+    }
+
     std::optional<Failure> SetRange()
     {
         const LoggedSpan span = SpanOfLog(mLog);

@@ -27,6 +27,8 @@ struct SweepOptions {
     std::string rule;
     /// See SweepRequest.
     std::size_t mostTableMoments = 1000;
+    /// Takes a SIGINT as the end of the sweep; see StoppedBySignal.
+    bool stopsOnSignal = false;
 };
 
 /// The numbers of rows in the log in parts of equal length of a sweep's time.

@@ -189,6 +189,7 @@ void SweepRecorder::Close(std::int64_t until)
         for (SweptCause& cause : tree.causes) {
             cause.timeline.Close(until);
         }
+        std::erase_if(tree.causes, [](const SweptCause& cause) { return !cause.timeline.GetFirst(); });
     }
     for (SweptRule& rule : mRules) {
         rule.timeline.Close(until);

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -57,8 +58,13 @@ public:
     void OnTreeJudged(std::int64_t moment, std::size_t tree, const Evidence::TreeResult& result,
         const std::vector<Evidence::RootCause>& rootCauses) override;
 
-    /// Ends all timelines.
+    void OnStopped(std::int64_t moment) override { mStopped = moment; }
+
+    /// Ends all timelines. A root cause that was found later only is left out.
     void Close(std::int64_t until);
+
+    /// The moment at which the sweep was stopped, whose answers are not complete; nothing if it came to its end.
+    std::optional<std::int64_t> GetStopped() const { return mStopped; }
 
     const Evidence::RuleSet& GetRuleSet() const { return mRuleSet; }
     const SweepPlan& GetPlan() const { return mPlan; }
@@ -89,6 +95,7 @@ private:
 
     Evidence::RuleSet mRuleSet;
     SweepPlan mPlan;
+    std::optional<std::int64_t> mStopped;
     std::map<std::pair<std::string, std::string>, std::string> mUnswept; // reasons by event and rule
     std::vector<SweptTree> mTrees;
     std::vector<SweptRule> mRules;

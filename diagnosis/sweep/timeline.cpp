@@ -30,6 +30,9 @@ void Timeline::Set(std::int64_t from, SweptState state, const std::string& word)
 
 void Timeline::Close(std::int64_t until)
 {
+    while (!mIntervals.empty() && mIntervals.back().from > until) {
+        mIntervals.pop_back();
+    }
     for (std::size_t place = 0; place < mIntervals.size(); ++place) {
         mIntervals[place].until = place + 1 < mIntervals.size() ? mIntervals[place + 1].from - 1 : until;
     }

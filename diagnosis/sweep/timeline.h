@@ -32,7 +32,7 @@ public:
     /// From this moment on the answer is this one. The moments ascend; a second answer for one moment replaces the
     /// first.
     void Set(std::int64_t from, SweptState state, const std::string& word = {});
-    /// Ends the last interval. Call it once.
+    /// Ends the last interval, and leaves out what would begin later. Call it once.
     void Close(std::int64_t until);
 
     /// Neighbours differ. Their ends are known once the timeline is closed.

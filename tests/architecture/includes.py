@@ -82,7 +82,8 @@ STOREYS = [
         ["utilities"],
         ["the ground"],
     ], {
-        **files_in("the facade", "arborist frame/arborist frame/loaded_rule_set frame/log_sweep frame/repair"),
+        **files_in("the facade", "arborist frame/arborist frame/loaded_rule_set frame/log_sweep frame/repair"
+                                " frame/stoppable_detection"),
         **files_in("the records", "frame/check frame/comparable frame/detect_info frame/fault_tree_result"
                                   " frame/detection_observer frame/evidence frame/evidence_alarm frame/evidence_code"
                                   " frame/evidence_command frame/evidence_node frame/evidence_rule_set"

@@ -1,5 +1,8 @@
 #include "arborist/frame/log_sweep.h"
 
+#include <cstddef>
+#include <optional>
+
 #include <gmock/gmock.h>
 
 #include "arborist/frame/fault_tree_prop_global.h"
@@ -14,6 +17,7 @@
 namespace {
 
 using testing::ElementsAre;
+using testing::ElementsAreArray;
 using testing::IsEmpty;
 
 constexpr std::int64_t DAY = 86400;
@@ -66,7 +70,9 @@ protected:
         info->mDetectScene = 1;
         info->mTreeTag = "Tag";
         info->mRuleFileDir = mDir.Path("rules");
-        return LogSweep(info).Run(request, *this);
+        LogSweep sweep(info);
+        mSweep = &sweep;
+        return sweep.Run(request, *this);
     }
 
     void OnPlan(SweepPlan plan) override { mPlan = std::move(plan); }
@@ -79,7 +85,11 @@ protected:
     {
         mAnswers.push_back(std::to_string(moment) + " " + Evidence::TreeVerdictText(result.verdict.word)
             + (causes.empty() ? "" : " " + causes.front().id));
+        if (mAnswers.size() == mStopsAfter) {
+            mSweep->RequestStop();
+        }
     }
+    void OnStopped(std::int64_t moment) override { mStopped = moment; }
 
     std::vector<std::string> Unswept() const
     {
@@ -97,6 +107,10 @@ protected:
     SweepPlan mPlan;
     std::vector<std::string> mAnswers;
     std::vector<std::string> mDecided;
+    LogSweep* mSweep = nullptr;
+    // The number of answers after which it requests a stop; 0 for never.
+    std::size_t mStopsAfter = 0;
+    std::optional<std::int64_t> mStopped;
 };
 
 TEST_F(LogSweepTest, TreeIsAFaultFromTheRowThatReachesTheThresholdUntilTheFirstLeaves)
@@ -107,6 +121,31 @@ TEST_F(LogSweepTest, TreeIsAFaultFromTheRowThatReachesTheThresholdUntilTheFirstL
         std::to_string(11 * DAY + 1) + " no_fault"));
     EXPECT_EQ(mPlan.moments, 2U);
     EXPECT_EQ(mPlan.tableMoments, 0U);
+}
+
+TEST_F(LogSweepTest, AStoppedSweepTellsTheMomentBeforeWhichItsAnswersHold)
+{
+    Log({{10 * DAY, 7, "", ""}, {10 * DAY + 5, 7, "", ""}});
+    const std::vector<std::int64_t> moments = {DAY, 10 * DAY + 5, 11 * DAY + 1};
+    ASSERT_TRUE(Sweep({DAY, 30 * DAY}));
+    EXPECT_EQ(mStopped, std::nullopt);
+    const std::vector<std::string> whole = mAnswers;
+    ASSERT_EQ(whole.size(), moments.size());
+    for (mStopsAfter = 1; mStopsAfter < moments.size(); ++mStopsAfter) {
+        mAnswers.clear();
+        ASSERT_TRUE(Sweep({DAY, 30 * DAY}));
+        EXPECT_EQ(mStopped, moments[mStopsAfter]);
+        EXPECT_THAT(mAnswers, ElementsAreArray(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(mStopsAfter)));
+    }
+}
+
+TEST_F(LogSweepTest, ATimeLimitThatIsOverAtOnceStopsASweepAtItsFirstMoment)
+{
+    Log({{10 * DAY, 7, "", ""}});
+    mSettings.Set(Settings::TIME_LIMIT, "0.000001");
+    ASSERT_TRUE(Sweep({DAY, 30 * DAY}));
+    EXPECT_EQ(mStopped, DAY);
+    EXPECT_THAT(mAnswers, IsEmpty());
 }
 
 TEST_F(LogSweepTest, ARowCountsStillInTheSecondInWhichItsWindowBegins)

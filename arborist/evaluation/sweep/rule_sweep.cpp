@@ -11,6 +11,7 @@
 #include "arborist/evaluation/sweep/alarm_moments.h"
 #include "arborist/evaluation/sweep/table_moments.h"
 #include "arborist/frame/detect_info.h"
+#include "arborist/frame/stopping.h"
 #include "arborist/loading/fault_tree_parser.h"
 #include "arborist/model/common_part.h"
 #include "arborist/model/event.h"
@@ -148,6 +149,7 @@ void RuleSweep::FetchTree(const std::shared_ptr<FaultTree>& tree)
 
 void RuleSweep::FindMoments(Unit& unit, SweepPlan& plan)
 {
+    StopPoint::Pass();
     if (unit.entry == nullptr) {
         return;
     }
@@ -288,6 +290,8 @@ void RuleSweep::Run(const std::function<void(std::int64_t moment)>& judge,
         const std::int64_t moment = turn->moment;
         const auto end = std::find_if(turn, mTurns.end(), [moment](const Turn& other) { return other.moment != moment; });
         mMoment.Set(moment);
+        mAt = moment;
+        StopPoint::Pass();
         mListener->moment = moment;
         if (std::any_of(turn, end, [this](const Turn& at) { return at.asksTables && mUnits[at.unit].HasTables(); })) {
             BuildTables();

@@ -60,6 +60,8 @@ public:
         const std::function<void(std::int64_t moment, const Evidence::Event& event)>& tell);
 
     std::vector<Tree>& GetTrees() { return mTrees; }
+    /// The moment at which it is; the first one before Run.
+    std::int64_t GetMoment() const { return mAt; }
 
 private:
     class Listener;
@@ -112,6 +114,7 @@ private:
     std::shared_ptr<DetectInfo> mDetectInfo;
     std::shared_ptr<FaultTreeParser> mRuleSet;
     SweepRequest mRequest;
+    std::int64_t mAt = mRequest.from;
     MomentRange mRange;
     MomentInForce mMoment;
     std::shared_ptr<RuleHelper> mRuleHelper;

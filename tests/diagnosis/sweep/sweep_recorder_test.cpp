@@ -142,5 +142,21 @@ TEST(SweepRecorderTest, ARuleThatIsNotSweptTakesThoseBehindItInItsGroupAndItsTre
     EXPECT_TRUE(trees[1].causes.empty());
 }
 
+TEST(SweepRecorderTest, OfAStoppedSweepTheAnswersBeforeItsMomentAreKept)
+{
+    SweepRecorder recorder;
+    EXPECT_EQ(recorder.GetStopped(), std::nullopt);
+    recorder.OnTreeJudged(0, 0, Result(TreeVerdict::Word::FAULT), Causes({"A"}));
+    recorder.OnTreeJudged(10, 0, Result(TreeVerdict::Word::FAULT), Causes({"B"}));
+    recorder.OnStopped(10);
+    ASSERT_EQ(recorder.GetStopped(), 10);
+    recorder.Close(9);
+    const std::vector<SweptTree> trees = recorder.TakeTrees();
+    EXPECT_THAT(trees[0].timeline.GetIntervals(), ElementsAre(SweptInterval{0, 9, TRUE, "fault"}));
+    ASSERT_EQ(trees[0].causes.size(), 1U);
+    EXPECT_EQ(trees[0].causes[0].id, "A");
+    EXPECT_THAT(trees[0].causes[0].timeline.GetIntervals(), ElementsAre(SweptInterval{0, 9, TRUE, ""}));
+}
+
 } // namespace
 } // namespace diagnosis

@@ -31,6 +31,19 @@ TEST(TimelineTest, TheLastAnswerForAMomentCounts)
     EXPECT_THAT(timeline.GetIntervals(), ElementsAre(SweptInterval{10, 30, FALSE, ""}));
 }
 
+TEST(TimelineTest, WhatBeginsBehindTheEndIsLeftOut)
+{
+    Timeline timeline;
+    timeline.Set(10, FALSE);
+    timeline.Set(20, TRUE);
+    timeline.Close(19);
+    EXPECT_THAT(timeline.GetIntervals(), ElementsAre(SweptInterval{10, 19, FALSE, ""}));
+    Timeline late;
+    late.Set(20, TRUE);
+    late.Close(19);
+    EXPECT_TRUE(late.GetIntervals().empty());
+}
+
 TEST(TimelineTest, SumsAreOfOneState)
 {
     Timeline timeline;

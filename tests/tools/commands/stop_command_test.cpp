@@ -89,6 +89,32 @@ TEST_F(StopCommandTest, InterruptShowsWhatWasDecidedAndEndsByTheSignal)
     }
 }
 
+TEST_F(StopCommandTest, ASweepEndsWhereItIsStopped)
+{
+    const auto late = Run({"sweep", "--time-limit", NO_TIME, "b"});
+    EXPECT_EQ(late.err, "arborist: b: the sweep was stopped before it had its first answer [timeout]\n");
+    EXPECT_EQ(late.status, 5);
+    EXPECT_EQ(Run({"sweep", "--time-limit", "3600", "b"}).out, Run({"sweep", "b"}).out);
+    WriteCodeBundle(mDir, "c", {"first"});
+    Script("kill -INT $PPID; sleep 600");
+    const auto interrupted = Run({"sweep", "--code-timeout", "600", "--code-runner", "./runner", "c"});
+    EXPECT_EQ(interrupted.status, 128 + SIGINT);
+    EXPECT_THAT(interrupted.err, HasSubstr("c: the sweep was stopped before it had its first answer"));
+    EXPECT_TRUE(fs::is_empty(mDir.Path("tmp")));
+}
+
+TEST_F(StopCommandTest, AComparisonEndsAtTheFirstInterrupt)
+{
+    WriteCodeBundle(mDir, "c", {"first"});
+    mDir.Write("list", "c\nb\n");
+    Script("kill -INT $(ps -o ppid= -p $PPID); sleep 600");
+    const auto result = Run({"compare", "--rules", "c/rules", "--rules", "c/rules", "--batch", "list", "--jobs", "1",
+        "--code-timeout", "600", "--code-runner", "./runner"});
+    EXPECT_EQ(result.status, 128 + SIGINT);
+    EXPECT_EQ(result.out, "");
+    EXPECT_TRUE(fs::is_empty(mDir.Path("tmp")));
+}
+
 TEST_F(StopCommandTest, ASecondInterruptEndsAtOnce)
 {
     WriteCodeBundle(mDir, "c", {"first"});

@@ -5,6 +5,7 @@
 #include "diagnosis/sweep/sweep.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/commands/drawing_options.h"
+#include "tools/arborist/commands/seconds.h"
 #include "tools/arborist/commands/shared_options.h"
 #include "tools/arborist/render/sweep_text.h"
 #include "tools/arborist/terminal/output.h"
@@ -41,6 +42,7 @@ ExitStatus SweepBundle(SweepCommandOptions options)
         return ExitStatus::WRONG_USE;
     }
     options.sweep.codeRunner = MakeCodeRunner(options.codeRunner);
+    options.sweep.stopsOnSignal = true;
     const BundlePath target = MakeBundlePath(options.picture);
     const SweepReport report = RunSweep(MakeBundlePath(options.bundle), options.sweep);
     if (options.asJson) {
@@ -79,6 +81,8 @@ void AddSweepCommand(Command app, ExitStatus& status)
     AddRules(sweep, wanted.overrides);
     AddTimeZone(sweep, wanted.overrides.tz);
     AddCodeRunnerOptions(sweep, options->codeRunner);
+    AddSeconds(sweep, "--time-limit", wanted.overrides.timeLimit, 0, "Seconds after which the sweep stops: it ends before the "
+        "moment at which it is; 0 for no limit");
     AddLogOptions(sweep, options->log);
     sweep.Footer("Node files, answers to code rules, external databases, the version and the dates of repairs have no\n"
                   "history: they are taken as captured.\n"
