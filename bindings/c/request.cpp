@@ -11,7 +11,8 @@ namespace diagnosis::bindings {
 Request::Request(std::string_view text)
 {
     std::string problem;
-    const auto value = ParseJson(text, problem);
+    // Names of files are any bytes.
+    const auto value = ParseEngineJson(text, problem);
     if (!value || !value->isObject()) {
         Fail(value ? std::string("is ") + JsonKind(*value) + ", not an object" : problem);
         mObject = Json::objectValue;

@@ -15,7 +15,8 @@ namespace diagnosis {
 /// declaration"). Columns count bytes.
 std::optional<Json::Value> ParseJson(std::string_view text, std::string& problem);
 
-/// The same for texts of rule sets and event logs, in whose strings the engine takes any bytes and any escapes.
+/// The same for texts whose strings may have any bytes and any escapes: those of rule sets and event logs, as the engine
+/// takes them, and requests of hosts, which name files.
 std::optional<Json::Value> ParseEngineJson(std::string_view text, std::string& problem);
 
 /// The type of a JSON value for messages: "a text", "a number", "an object" ...
