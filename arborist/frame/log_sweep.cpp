@@ -109,7 +109,8 @@ bool LogSweep::Run(const SweepRequest& request, SweepObserver& observer)
     }
     std::optional<RuleSweep> sweep;
     try {
-        sweep.emplace(mDetectInfo, ruleSet, request);
+        sweep.emplace(mDetectInfo, ruleSet, request,
+            [&observer](Evidence::Trouble trouble) { observer.OnTrouble(std::move(trouble)); });
         observer.OnPlan(sweep->Plan());
         sweep->Run([&](std::int64_t moment) { JudgeChanged(*sweep, moment, observer); },
             [&](std::int64_t moment, const Evidence::Event& event) { observer.OnEventDecided(moment, event); });

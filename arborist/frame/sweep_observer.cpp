@@ -6,6 +6,7 @@ SweepObserver::~SweepObserver() = default;
 // NOLINTBEGIN(performance-unnecessary-value-param)
 void SweepObserver::OnRuleSetRead(Evidence::RuleSet) {}
 void SweepObserver::OnPlan(SweepPlan) {}
+void SweepObserver::OnTrouble(Evidence::Trouble) {}
 // NOLINTEND(performance-unnecessary-value-param)
 
 void SweepObserver::OnEventDecided(std::int64_t, const Evidence::Event&) {}

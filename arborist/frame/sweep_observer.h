@@ -9,6 +9,7 @@
 
 #include "arborist/arborist_export.h"
 #include "arborist/frame/evidence.h"
+#include "arborist/frame/trouble.h"
 
 /// The moments of a sweep, and its limits.
 struct SweepRequest {
@@ -80,6 +81,8 @@ public:
     /// detection, from 0. `result` is what a detection as of this moment finds, without TreeVerdict::open.
     virtual void OnTreeJudged(std::int64_t moment, std::size_t tree, const Evidence::TreeResult& result,
         const std::vector<Evidence::RootCause>& rootCauses);
+    /// Called for a problem that belongs to no record of a rule, each time that it is met.
+    virtual void OnTrouble(Evidence::Trouble trouble);
     /// Called last if the sweep was stopped: answers of this moment may be missing, those of the seconds before it hold.
     virtual void OnStopped(std::int64_t moment);
 };

@@ -204,12 +204,13 @@ void DetectionWarnings::LookBefore(const BundleSession& session)
     mHadLog = Exists(session.ProgramDataPath(EVENT_LOG));
 }
 
-void DetectionWarnings::LookAfter(const BundleSession& session)
+void DetectionWarnings::LookAfter(
+    const BundleSession& session, std::int64_t now, std::optional<std::int64_t> asOf)
 {
     TellStop();
     // Looking at a log takes as long as reading it, for which a stopped detection has no time left.
     if (mStoppedTrees == 0 && (mWantsLog || !mEventTables.empty())) {
-        TellEventLog(session);
+        TellEventLog(session, now, asOf);
     }
     TellNodes();
     TellAttributes(session);
@@ -237,7 +238,8 @@ void DetectionWarnings::TellNodes()
     }
 }
 
-void DetectionWarnings::TellEventLog(const BundleSession& session)
+void DetectionWarnings::TellEventLog(
+    const BundleSession& session, std::int64_t now, std::optional<std::int64_t> asOf)
 {
     if (!mHadLog) {
         mList.Add(WarningCode::EVENT_LOG_MISSING, "there is no event log: rules and tables that ask for events find none");
@@ -245,7 +247,7 @@ void DetectionWarnings::TellEventLog(const BundleSession& session)
     }
     const std::string version = Setting(session.GetBundle(), Settings::VERSION_NAME);
     const EventLogLook look = LookAtEventLog(
-        session.ProgramDataPath(EVENT_LOG), {session.Now(), session.AsOf(), mHasBadExtra, version});
+        session.ProgramDataPath(EVENT_LOG), {now, asOf, mHasBadExtra, version});
     const std::string& trouble = look.problem.empty() ? mEventLogTrouble : look.problem;
     if (!trouble.empty()) {
         mList.Add(WarningCode::EVENT_LOG_UNREADABLE, "the event log can't be read to its end: " + trouble);

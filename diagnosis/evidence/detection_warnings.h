@@ -2,6 +2,8 @@
 #define ARBORIST_DIAGNOSIS_EVIDENCE_DETECTION_WARNINGS_H
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -24,7 +26,9 @@ public:
     /// Call it before the detection, which may create an empty log if there was none.
     void LookBefore(const BundleSession& session);
     /// Call it after the detection: compares what the rules read with the bundle.
-    void LookAfter(const BundleSession& session);
+    void LookAfter(const BundleSession& session) { LookAfter(session, session.Now(), session.AsOf()); }
+    /// The same for the last of several detections: as of this moment, and without rows after `asOf`.
+    void LookAfter(const BundleSession& session, std::int64_t now, std::optional<std::int64_t> asOf);
 
     const WarningList& List() const { return mList; }
 
@@ -33,7 +37,7 @@ private:
     void OnStatement(const Evidence::Statement& statement, const std::string& ruleName);
     void TellStop();
     void TellNodes();
-    void TellEventLog(const BundleSession& session);
+    void TellEventLog(const BundleSession& session, std::int64_t now, std::optional<std::int64_t> asOf);
     void TellAttributes(const BundleSession& session);
 
     WarningList mList;

@@ -33,9 +33,19 @@ void WarningList::AddNumbers(const WarningList& others)
 
 std::vector<Warning> WarningList::Told() const
 {
+    return ToldWith(true);
+}
+
+std::vector<Warning> WarningList::ToldOnce() const
+{
+    return ToldWith(false);
+}
+
+std::vector<Warning> WarningList::ToldWith(bool hasTimes) const
+{
     std::vector<Warning> warnings;
     for (const Entry& entry : mEntries) {
-        const std::string times = entry.count > 1 ? " (" + std::to_string(entry.count) + " times)" : "";
+        const std::string times = hasTimes && entry.count > 1 ? " (" + std::to_string(entry.count) + " times)" : "";
         warnings.push_back(entry.warning);
         warnings.back().message += times;
     }

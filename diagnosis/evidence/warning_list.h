@@ -49,6 +49,8 @@ public:
 
     /// The warnings, with " (3 times)" behind repeated ones, and one line for each code with more than the limit.
     std::vector<Warning> Told() const;
+    /// The same without the numbers of times.
+    std::vector<Warning> ToldOnce() const;
 
 private:
     struct Entry {
@@ -57,6 +59,7 @@ private:
     };
 
     void Add(const Warning& warning, std::size_t count);
+    std::vector<Warning> ToldWith(bool hasTimes) const;
     /// Adds the numbers of those that the other list left out.
     void AddNumbers(const WarningList& others);
 

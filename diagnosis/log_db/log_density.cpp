@@ -13,7 +13,7 @@ constexpr char TIMES[] = "SELECT occurrence_time FROM event_info_flow "
 
 } // namespace
 
-LoggedSpan SpanOfLog(const std::string& path)
+LoggedSpan SpanOfLog(const std::string& path, std::string& problem)
 {
     LoggedSpan span;
     Connection database;
@@ -22,6 +22,7 @@ LoggedSpan SpanOfLog(const std::string& path)
         span.first = rows->Integer(0);
         span.last = rows->Integer(1);
     }
+    problem = database.HasError() ? database.GetError() : "";
     return span;
 }
 

@@ -11,8 +11,8 @@
 namespace diagnosis {
 
 /// The times of the first and the last row of the log at `path`, among the times that alarm rules count: whole seconds of
-/// 32 bits. Nothing in it if the log can't be read or has no such row.
-LoggedSpan SpanOfLog(const std::string& path);
+/// 32 bits. Nothing in it if the log has no such row, or can't be read: then `problem` says why.
+LoggedSpan SpanOfLog(const std::string& path, std::string& problem);
 
 /// The numbers of rows in `parts` parts, of equal length but for rounding, of the time from `from` to `until`, both
 /// included. All 0 if the log can't be read.

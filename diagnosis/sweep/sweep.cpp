@@ -1,6 +1,7 @@
 #include "diagnosis/sweep/sweep.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <memory>
 #include <optional>
 
@@ -9,6 +10,7 @@
 #include "diagnosis/bundle/moment.h"
 #include "diagnosis/bundle/rule_paths.h"
 #include "diagnosis/detection/detection.h"
+#include "diagnosis/evidence/warning_list.h"
 #include "diagnosis/lint/sql/derived_tables.h"
 #include "diagnosis/log_db/log_density.h"
 #include "diagnosis/process/interruption.h"
@@ -88,6 +90,7 @@ public:
         request.unsweptRules = RulesOfTheClock(mSession.GetBundle());
         request.tree = mOptions.tree;
         request.rule = mOptions.rule;
+        mRecorder.GetWarnings().LookBefore(mSession);
         try {
             LogSweep sweep(mInfo);
             std::optional<StoppedBySignal> stoppable;
@@ -126,7 +129,10 @@ private:
 
     std::optional<Failure> SetRange()
     {
-        const LoggedSpan span = SpanOfLog(mLog);
+        const LoggedSpan span = SpanOfLog(mLog, mLogProblem);
+        if (!std::filesystem::exists(mLog)) { // the sweep may create an empty one
+            mLogProblem.clear();
+        }
         const std::int64_t now = mSession.Now();
         const auto read = [](const std::string& text, auto ofDay) { return IsDay(text) ? ofDay(text) : ParseMoment(text); };
         const auto from = mOptions.from.empty() ? span.first.value_or(now) : read(mOptions.from, FirstSecondOf);
@@ -153,17 +159,41 @@ private:
         mReport.trees = mRecorder.TakeTrees();
         mReport.rules = mRecorder.TakeRules();
         mReport.density = DensityOfLog(mLog, mReport.from, mReport.until, DENSITY_PARTS);
+        TakeWarnings();
+        Select();
+    }
+
+    // Those of a detection, of which each is told once, and what the sweep itself lacks.
+    void TakeWarnings()
+    {
+        WarningList all;
+        all.Add(mReport.warnings);
+        mRecorder.GetWarnings().LookAfter(mSession, mReport.until, mReport.until);
+        all.Add(mRecorder.GetWarnings().List());
+        if (mAnswers != nullptr) {
+            all.Add(mAnswers->GetWarnings());
+        }
+        AddRuleSetWarnings(mSession.GetBundle(), mReport.failure, all);
+        mReport.warnings = all.ToldOnce();
+        if (!mLogProblem.empty() && (mOptions.from.empty() || mOptions.until.empty())) {
+            mReport.warnings.push_back({WarningCode::EVENT_LOG_UNREADABLE,
+                "the first and the last row of the event log can't be told, only --from and --until: " + mLogProblem});
+        }
+        for (Warning& warning : mReport.warnings) {
+            warning.message = mSession.Shown(warning.message);
+            warning.file = mSession.Shown(warning.file);
+        }
+        AddUnswept();
+    }
+
+    void AddUnswept()
+    {
         for (const SweepPlan::Unswept& rule : mReport.plan.unswept) {
             if (rule.reason != "not_asked_for") {
                 mReport.warnings.push_back({WarningCode::NOT_SWEPT,
                     {.message = Sentence(rule), .rule = rule.ruleName, .event = rule.eventId}});
             }
         }
-        if (mAnswers != nullptr) {
-            const auto& warnings = mAnswers->GetWarnings();
-            mReport.warnings.insert(mReport.warnings.end(), warnings.begin(), warnings.end());
-        }
-        Select();
     }
 
     // Leaves what --tree and --rule name.
@@ -199,6 +229,7 @@ private:
     const SweepOptions& mOptions;
     SweepReport& mReport;
     std::string mLog;
+    std::string mLogProblem;
     std::shared_ptr<DetectInfo> mInfo;
     std::shared_ptr<CodeAnswers> mAnswers;
     SweepRecorder mRecorder;

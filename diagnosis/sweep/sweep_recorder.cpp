@@ -98,6 +98,12 @@ SweptState SweepRecorder::Possible::StateOf(const CutSet& cutSet) const
     return areTruncated || causes.count(cutSet) != 0 ? SweptState::NOT_JUDGED : SweptState::FALSE;
 }
 
+void SweepRecorder::OnRuleSetRead(Evidence::RuleSet ruleSet)
+{
+    mWarnings.OnRuleSet(ruleSet);
+    mRuleSet = std::move(ruleSet);
+}
+
 void SweepRecorder::OnPlan(SweepPlan plan)
 {
     mPlan = std::move(plan);
@@ -108,6 +114,7 @@ void SweepRecorder::OnPlan(SweepPlan plan)
 
 void SweepRecorder::OnEventDecided(std::int64_t moment, const Evidence::Event& event)
 {
+    mWarnings.OnEvent(event);
     for (const Evidence::Alternative& alternative : event.alternatives) {
         std::string unswept; // also for the rules of a group that are asked behind such a rule
         for (const Evidence::Rule& rule : alternative.rules) {
@@ -143,6 +150,7 @@ void SweepRecorder::TakeRule(
 void SweepRecorder::OnTreeJudged(std::int64_t moment, std::size_t tree, const Evidence::TreeResult& result,
     const std::vector<Evidence::RootCause>& rootCauses)
 {
+    mWarnings.OnTreeFinished(result);
     while (mTrees.size() <= tree) {
         mTrees.emplace_back();
         mMemories.emplace_back();

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "arborist/frame/sweep_observer.h"
+#include "diagnosis/evidence/detection_warnings.h"
 #include "diagnosis/sweep/timeline.h"
 
 namespace diagnosis {
@@ -52,7 +53,8 @@ struct SweptRule {
 /// Makes timelines of the calls of a sweep.
 class SweepRecorder : public SweepObserver {
 public:
-    void OnRuleSetRead(Evidence::RuleSet ruleSet) override { mRuleSet = std::move(ruleSet); }
+    void OnRuleSetRead(Evidence::RuleSet ruleSet) override;
+    void OnTrouble(Evidence::Trouble trouble) override { mWarnings.OnTrouble(trouble); }
     void OnPlan(SweepPlan plan) override;
     void OnEventDecided(std::int64_t moment, const Evidence::Event& event) override;
     void OnTreeJudged(std::int64_t moment, std::size_t tree, const Evidence::TreeResult& result,
@@ -67,6 +69,8 @@ public:
     std::optional<std::int64_t> GetStopped() const { return mStopped; }
 
     const Evidence::RuleSet& GetRuleSet() const { return mRuleSet; }
+    /// The problems that make the answers less reliable, of all moments together.
+    DetectionWarnings& GetWarnings() { return mWarnings; }
     const SweepPlan& GetPlan() const { return mPlan; }
     std::vector<SweptTree> TakeTrees() { return std::move(mTrees); }
     std::vector<SweptRule> TakeRules() { return std::move(mRules); }
@@ -94,6 +98,7 @@ private:
     void TakeCauses(std::int64_t moment, std::size_t tree, const std::vector<Evidence::RootCause>& rootCauses);
 
     Evidence::RuleSet mRuleSet;
+    DetectionWarnings mWarnings;
     SweepPlan mPlan;
     std::optional<std::int64_t> mStopped;
     std::map<std::pair<std::string, std::string>, std::string> mUnswept; // reasons by event and rule

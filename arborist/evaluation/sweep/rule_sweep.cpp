@@ -60,6 +60,9 @@ bool AddIfFew(const Moments& moments, std::size_t most, std::set<std::int64_t>& 
 /// Passes on the first of the events that are decided for a unit.
 class RuleSweep::Listener : public DetectionObserver {
 public:
+    explicit Listener(std::function<void(Evidence::Trouble trouble)> take) : tellTrouble(std::move(take)) {}
+
+    void OnTrouble(Evidence::Trouble trouble) override { tellTrouble(std::move(trouble)); }
     void OnEventDecided(Evidence::Event event) override
     {
         if (isFirst && tell) {
@@ -68,16 +71,18 @@ public:
         isFirst = false;
     }
 
+    std::function<void(Evidence::Trouble trouble)> tellTrouble;
     std::function<void(std::int64_t moment, const Evidence::Event& event)> tell;
     std::int64_t moment = 0;
     bool isFirst = true;
 };
 
 RuleSweep::RuleSweep(
-    std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<FaultTreeParser> ruleSet, SweepRequest request)
+    std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<FaultTreeParser> ruleSet, SweepRequest request,
+    std::function<void(Evidence::Trouble trouble)> tellTrouble)
     : mDetectInfo(std::move(detectInfo)), mRuleSet(std::move(ruleSet)), mRequest(std::move(request)),
       mRange{mRequest.from, mRequest.until}, mRuleHelper(std::make_shared<RuleHelper>(mDetectInfo, mRuleSet)),
-      mEvents(std::make_shared<RuleEngineHelper>()), mListener(std::make_unique<Listener>()),
+      mEvents(std::make_shared<RuleEngineHelper>()), mListener(std::make_unique<Listener>(std::move(tellTrouble))),
       mDecider(RuleDecider(mRuleSet, mRuleHelper, RuleCheckers(mRuleHelper, mEvents, mRuleSet, mDetectInfo)))
 {
     mDecider.GetRules().SetObserver(mListener.get());

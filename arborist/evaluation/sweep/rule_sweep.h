@@ -47,8 +47,9 @@ public:
         bool isChanged = true;
     };
 
-    /// The rule set must have been read. Keeps the arguments.
-    RuleSweep(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<FaultTreeParser> ruleSet, SweepRequest request);
+    /// The rule set must have been read. Keeps the arguments. `tellTrouble` gets what belongs to no record of a rule.
+    RuleSweep(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<FaultTreeParser> ruleSet, SweepRequest request,
+        std::function<void(Evidence::Trouble trouble)> tellTrouble);
     ~RuleSweep();
 
     /// Prepares the shared data of the rules and finds the moments. Throws std::regex_error like a detection.

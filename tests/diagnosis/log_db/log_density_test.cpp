@@ -25,7 +25,9 @@ TEST(LogDensityTest, TheSpanLeavesOutTimesThatNoRuleCounts)
     const TempDir dir;
     EventLogBuilder().Rows({{-5, 1, "", ""}, {20, 1, "", ""}, {10, 1, "", ""}, {1716206400000, 1, "", ""}})
         .WriteTo(dir.Path("log.db"));
-    const LoggedSpan span = SpanOfLog(dir.Path("log.db"));
+    std::string problem = "before";
+    const LoggedSpan span = SpanOfLog(dir.Path("log.db"), problem);
+    EXPECT_EQ(problem, "");
     EXPECT_EQ(span.first, 10);
     EXPECT_EQ(span.last, 20);
 }
@@ -34,7 +36,9 @@ TEST(LogDensityTest, ALogThatCantBeReadHasNoRows)
 {
     const TempDir dir;
     EXPECT_THAT(DensityOfLog(dir.Path("none.db"), 0, 9, 1), ElementsAre(0));
-    EXPECT_FALSE(SpanOfLog(dir.Path("none.db")).first);
+    std::string problem;
+    EXPECT_FALSE(SpanOfLog(dir.Path("none.db"), problem).first);
+    EXPECT_NE(problem, "");
 }
 
 } // namespace

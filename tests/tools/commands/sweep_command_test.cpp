@@ -167,6 +167,27 @@ TEST_F(SweepCommandTest, DerivedTablesAreBuiltForALimitedNumberOfMoments)
         HasSubstr("is not swept: its derived tables change at 2 moments; --table-moments allows more"));
 }
 
+TEST_F(SweepCommandTest, WarnsAsADetectionDoesEachOnce)
+{
+    WriteCodeBundle(mDir, "c", {"a"});
+    const auto result = RunArborist({"sweep", "c", "--strict"});
+    EXPECT_THAT(result.err, HasSubstr("has no recorded answer, and no --code-runner was given"));
+    EXPECT_THAT(result.err, Not(HasSubstr("times)")));
+    EXPECT_EQ(result.status, 4);
+    WriteDropsBundle(mDir, "b");
+    EXPECT_THAT(Sweep().err, AllOf(HasSubstr("there is no event log"), Not(HasSubstr("can't be told"))));
+}
+
+TEST_F(SweepCommandTest, ALogWhoseEndsCantBeReadIsWarnedOf)
+{
+    WriteDropsBundle(mDir, "b");
+    mDir.Write(std::string("b") + LOG_OF_BUNDLE, std::string(8192, 'x'));
+    const std::string words = "the first and the last row of the event log can't be told";
+    EXPECT_THAT(Sweep().err, HasSubstr(words));
+    EXPECT_THAT(Sweep({"--from", "2024-05-01", "--until", "2024-05-02"}).err,
+        AllOf(Not(HasSubstr(words)), HasSubstr("the event log can't be read to its end")));
+}
+
 TEST_F(SweepCommandTest, ABundleThatCantBeSweptSaysWhy)
 {
     const auto result = RunArborist({"sweep", "nowhere"});

@@ -1,5 +1,8 @@
 #include <memory>
 #include <optional>
+#include <set>
+#include <string>
+#include <utility>
 
 #include "diagnosis/report/report_page.h"
 #include "tools/arborist/commands/commands.h"
@@ -13,6 +16,18 @@ namespace {
 struct ReportOptions : DrawingOptions {
     bool withSweep = false;
 };
+
+// Those of the detection are told already.
+void LeaveOwnWarnings(const DetectionReport& report, SweepReport& sweep)
+{
+    std::set<std::pair<WarningCode, std::string>> told;
+    for (const Warning& warning : report.warnings) {
+        told.emplace(warning.code, warning.message.substr(0, warning.message.rfind(" (")));
+        told.emplace(warning.code, warning.message);
+    }
+    std::erase_if(sweep.warnings,
+        [&told](const Warning& warning) { return told.count({warning.code, warning.message}) != 0; });
+}
 
 ExitStatus Report(ReportOptions options)
 {
@@ -32,6 +47,7 @@ ExitStatus Report(ReportOptions options)
         asked.until = asked.overrides.asOf;
         asked.codeRunner = MakeCodeRunner(options.run.codeRunner);
         sweep = RunSweep(path, asked);
+        LeaveOwnWarnings(report, *sweep);
         PrintProblems(path.given, sweep->warnings, sweep->failure);
     }
     const ExitStatus written = WriteTextFile(target, ReportPage(report, sweep ? &*sweep : nullptr));
