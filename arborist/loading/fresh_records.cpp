@@ -134,6 +134,11 @@ void Refresh(const CommonPart::CombineCommonPart& part)
 
 } // namespace
 
+void MakeRuleFresh(Rule& rule)
+{
+    Refresh(rule);
+}
+
 void MakeRecordsFresh(FaultTreeParser& parser)
 {
     for (const auto& tree : parser.GetFaultTrees()) {

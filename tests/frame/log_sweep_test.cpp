@@ -251,6 +251,22 @@ TEST_F(LogSweepTest, StatementsOnDerivedTablesExcludeTheirLimit)
     EXPECT_EQ(mPlan.asked[0].times, 4U);
 }
 
+// The value of two rows is empty, which leaves a normalised parameter the value that it had.
+TEST_F(LogSweepTest, ARuleFindsNoValueOfAnEarlierMoment)
+{
+    const Xml condition = ConditionXml({SingleLogicXml(Xml("ge").Attr("type", "static").TextChild("id", "n").TextChild("value", "1"))});
+    const Xml scaled = Xml("normalization").Child(
+        Xml("timeParam").Child(Xml("defineTimeProp").Attr("id", "t")).Child(Xml("defineTimeProp").Attr("id", "n")));
+    Rules(CommandRuleXml("r").Child(Xml("referenceCommonPart").TextChild("commonPartName", "TABLE_A"))
+        .Child(Xml("queryReturnParam").Child(ParamsXml({ParamXml("n", "n", "int"), ParamXml("t", "t", "long")})))
+        .Child(AnalysisMethodXml("normalization", {Xml("sql").Text("select 0, case when count(*) = 1 then 1 else '' end, 0, "
+            "max(occurrence_time) from TABLE_A"), TimeXml("duration", "2", "0"), scaled, condition})));
+    Log({{10 * DAY, 7, "", ""}, {11 * DAY, 7, "", ""}});
+    ASSERT_TRUE(Sweep({DAY, 60 * DAY}));
+    EXPECT_THAT(mAnswers, ElementsAre(std::to_string(DAY) + " undecided", std::to_string(10 * DAY) + " fault E",
+        std::to_string(11 * DAY) + " undecided", std::to_string(12 * DAY) + " fault E", std::to_string(13 * DAY) + " undecided"));
+}
+
 TEST_F(LogSweepTest, DerivedTablesThatChangeTooOftenAreNotSwept)
 {
     Rules(TableRule());

@@ -13,6 +13,7 @@
 #include "arborist/frame/detect_info.h"
 #include "arborist/frame/stopping.h"
 #include "arborist/loading/fault_tree_parser.h"
+#include "arborist/loading/fresh_records.h"
 #include "arborist/model/common_part.h"
 #include "arborist/model/event.h"
 #include "arborist/model/fault_tree.h"
@@ -301,6 +302,7 @@ void RuleSweep::Run(const std::function<void(std::int64_t moment)>& judge,
         if (std::any_of(turn, end, [this](const Turn& at) { return at.asksTables && mUnits[at.unit].HasTables(); })) {
             BuildTables();
         }
+        std::for_each(turn, end, [this](const Turn& at) { MakeRulesFresh(at); });
         for (; turn != end; ++turn) {
             if (turn->asksTables) {
                 AskTables(mUnits[turn->unit]);
@@ -315,6 +317,18 @@ void RuleSweep::BuildTables()
 {
     if (mCommonPart != nullptr && !mCommonPart->GetCombineCommon()->GetThresholdLumbraList().empty()) {
         CommonPartDbHelper::GetInstance().IsSuccessCreateJankDb(DevicePaths::EventLog(), mCommonPart, true);
+    }
+}
+
+// A statement may leave a parameter the value that it has; that of a detection has none yet.
+void RuleSweep::MakeRulesFresh(const Turn& turn)
+{
+    if (turn.asksTables) {
+        for (const std::string& name : mUnits[turn.unit].tableRules) {
+            if (const auto& rule = mRuleSet->GetRuleByRuleName(name)) {
+                MakeRuleFresh(*rule);
+            }
+        }
     }
 }
 

@@ -109,6 +109,7 @@ private:
     void MakeTurns();
     void MakeTurnsOf(std::uint32_t number);
     void BuildTables();
+    void MakeRulesFresh(const Turn& turn);
     void AskTables(const Unit& unit);
     void Decide(Unit& unit);
 
