@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <memory>
+#include <string_view>
 #include <optional>
 
 #include "arborist/frame/log_sweep.h"
@@ -33,6 +34,23 @@ bool NamesFixedTable(const rule_source::CommonPart& common, const std::string& s
     });
 }
 
+bool ReadsClock(std::string_view sql)
+{
+    const char* const use = ClockUseOf(sql, false);
+    return use != nullptr && std::string_view(use) == "reads_clock";
+}
+
+// External databases have no history, whatever the names of their columns, but a statement on them may read the clock; so
+// may one that makes a table in their copies.
+const char* ClockUseOfReference(const rule_source::CommandRule& rule, const rule_source::CommonPart& common)
+{
+    const rule_source::TableBean* const table = common.FindTable(rule.defDbName);
+    const bool readsClock = ReadsClock(rule.sql)
+        || (table != nullptr && std::any_of(table->createTables.begin(), table->createTables.end(),
+            [](const rule_source::CreateTable& made) { return ReadsClock(made.sql); }));
+    return readsClock ? "reads_clock" : nullptr;
+}
+
 // The rules whose statements may change without the log, with the reason of each.
 std::map<std::string, std::string> RulesOfTheClock(const Bundle& bundle)
 {
@@ -42,8 +60,8 @@ std::map<std::string, std::string> RulesOfTheClock(const Bundle& bundle)
     const rule_source::RuleSet rules(files, bundle.treeTag);
     for (const rule_source::CommandRule& rule : rules.rules.commandRules) {
         const std::string sql(rule.sql);
-        const char* const reason =
-            rule.referenceDefDb ? nullptr : ClockUseOf(sql, NamesFixedTable(rules.commonPart, sql));
+        const char* const reason = rule.referenceDefDb ? ClockUseOfReference(rule, rules.commonPart)
+                                                       : ClockUseOf(sql, NamesFixedTable(rules.commonPart, sql));
         if (reason != nullptr && !rule.isReplaced) {
             found.emplace(rule.name, reason);
         }

@@ -157,6 +157,27 @@ TEST_F(SweepCommandTest, AStatementThatReadsTheClockIsNamedAndNotJudged)
     EXPECT_EQ(Sweep().status, 0);
 }
 
+TEST_F(SweepCommandTest, AStatementOnExternalDatabasesThatReadsTheClockIsNamed)
+{
+    WriteDrops();
+    const auto errorsOf = [this](const std::string& statement, const std::string& made) {
+        WriteDropsTableRules(mDir, "b", statement);
+        std::string rules = mDir.Read("b/rules/FaultTreeRules.xml");
+        rules.insert(rules.find("<queryReturnParam>"), "<referenceDefDB type=\"singleDB\"><defDBName>x</defDBName></referenceDefDB>");
+        rules.insert(rules.find("<thresholdsOrLumbraData"), "<defDBTable name=\"x\"><createTables><createNewTable "
+            "tableName=\"made\"><sql>" + made + "</sql></createNewTable></createTables></defDBTable>");
+        mDir.Write("b/rules/FaultTreeRules.xml", rules);
+        return Sweep().err;
+    };
+    const std::string words = "is not swept: its statement reads the clock";
+    const std::string plain = "select count(*) as n from made";
+    EXPECT_THAT(errorsOf(plain, "create table made(n)"), Not(HasSubstr("is not swept")));
+    EXPECT_THAT(errorsOf("select strftime('%s', 'now') as n", "create table made(n)"), HasSubstr(words));
+    EXPECT_THAT(errorsOf(plain, "create table made as select random() as n"), HasSubstr(words));
+    EXPECT_THAT(errorsOf("select n as occurrence_time from (select a * 2 occurrence_time from made)", "create table made(n)"),
+        Not(HasSubstr("is not swept")));
+}
+
 TEST_F(SweepCommandTest, DerivedTablesAreBuiltForALimitedNumberOfMoments)
 {
     WriteDrops();
