@@ -41,7 +41,8 @@ Row RowOf(const std::string& name, const Timeline& timeline)
 {
     const auto first = timeline.GetFirst();
     const std::size_t times = timeline.GetTimes();
-    return {name, first ? MomentText(*first) : "never", LengthText(timeline.GetSeconds()),
+    const bool isEverFalse = timeline.GetSeconds(SweptState::FALSE) > 0;
+    return {name, first ? MomentText(*first) : isEverFalse ? "never" : "-", LengthText(timeline.GetSeconds()),
         times == 0 ? "-" : std::to_string(times),
         LengthText(timeline.GetSeconds(SweptState::NOT_JUDGED)) + LastReason(timeline)};
 }
