@@ -2,11 +2,35 @@
 import contextlib
 import json
 import re
+import shutil
 import sqlite3
 import subprocess
 import zipfile
+from pathlib import Path
 
 EVENT_LOG = "programdata/Comms/Lumbra/workDir/0/log.db"
+
+
+ROOT = Path(__file__).resolve().parents[2]
+# At least so many cases have the rule sets of the examples.
+EXAMPLES = {"laptop": 40, "host": 15, "start": 3}
+
+
+def write_examples(arborist, folder, zone):
+    """Yields each example that has cases with the bundles of them, all of its rule set."""
+    laptop, host, start = (folder / name for name in EXAMPLES)
+    subprocess.run([ROOT / "examples/laptop/prepare.sh", arborist, laptop], check=True, capture_output=True)
+    shutil.copytree(ROOT / "examples/linux-host", host)
+    shutil.copytree(ROOT / "diagnosis/rule_set/start", start)
+    description = json.loads((host / "bundle.json").read_text())
+    (host / "bundle.json").write_text(json.dumps({**description, "now": "2024-05-20 12:00:00", "tz": zone}))
+    for example in (laptop, host, start):
+        cases = CaseBundles(arborist, example, zone)
+        made = folder / f"{example.name}-cases"
+        bundles = [bundle for path in sorted((example / "rules").glob("*.test.json")) for bundle in cases.write(path, made)]
+        if len(bundles) < EXAMPLES[example.name]:
+            raise ValueError(f"{example.name} has {len(bundles)} cases")
+        yield example, [example, *bundles]
 
 
 class CaseBundles:

@@ -6,7 +6,6 @@ usage: one_rule_set_test.py ARBORIST
 Takes the examples, the cases of their rule sets, and as many random bundles as the environment's ARBORIST_CASES says, from the
 seed ARBORIST_SEED.
 """
-import json
 import os
 import re
 import shutil
@@ -17,10 +16,9 @@ import unittest
 from pathlib import Path
 
 import random_bundles
-from case_bundles import CaseBundles
+from case_bundles import write_examples
 from plain_reading_test import folder_of_memory
 
-ROOT = Path(__file__).resolve().parents[2]
 CASES = int(os.environ.get("ARBORIST_CASES", "120"))
 SEED = int(os.environ.get("ARBORIST_SEED", "1"))
 OF_ONE_RULE_SET = 6  # random bundles
@@ -64,19 +62,8 @@ class OneRuleSetTest(unittest.TestCase):
         self.compare(bundles)
 
     def test_of_the_examples_and_their_cases(self):
-        laptop = self.folder / "laptop"
-        subprocess.run([ROOT / "examples/laptop/prepare.sh", ARBORIST, laptop], check=True, capture_output=True)
-        host, start = self.folder / "host", self.folder / "start"
-        shutil.copytree(ROOT / "examples/linux-host", host)
-        shutil.copytree(ROOT / "diagnosis/rule_set/start", start)
-        description = json.loads((host / "bundle.json").read_text())
-        (host / "bundle.json").write_text(json.dumps({**description, "now": "2024-05-20 12:00:00", "tz": ZONE}))
-        for example, most in ((laptop, 40), (host, 15), (start, 3)):
-            cases = CaseBundles(ARBORIST, example, ZONE)
-            folder = self.folder / f"{example.name}-cases"
-            bundles = [bundle for path in sorted((example / "rules").glob("*.test.json")) for bundle in cases.write(path, folder)]
-            self.assertGreaterEqual(len(bundles), most)
-            self.compare_both_ways([example, *bundles, example], example / "rules")
+        for example, bundles in write_examples(ARBORIST, self.folder, ZONE):
+            self.compare_both_ways([*bundles, example], example / "rules")
         self.assertGreater(self.faults, 40)
 
     def test_of_random_bundles(self):

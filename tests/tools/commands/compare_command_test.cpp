@@ -129,6 +129,15 @@ TEST_F(CompareCommandTest, ABundleThatIsListedTwiceIsRunOnce)
     EXPECT_THAT(result.out, HasSubstr("before: old: 2 bundles\n"));
 }
 
+TEST_F(CompareCommandTest, WithoutATemporaryFolderNothingIsRun)
+{
+    const auto result = RunArborist({"compare", "--rules", "old", "--rules", "new", "--batch", "list", "--json"},
+        {.environment = {{"TMPDIR", "/nowhere"}}});
+    EXPECT_EQ(result.status, 5);
+    EXPECT_THAT(result.out, HasSubstr("\"no_scratch\""));
+    EXPECT_THAT(result.err, HasSubstr("/nowhere"));
+}
+
 TEST_F(CompareCommandTest, RuleSetsAreGivenTwice)
 {
     const std::string words = "--rules must be given twice: the rule set before and the one after";

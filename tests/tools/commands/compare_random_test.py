@@ -2,7 +2,7 @@
 
 usage: compare_random_test.py ARBORIST
 
-Makes as many bundles as the environment's ARBORIST_CASES says, from the seed ARBORIST_SEED.
+Takes the examples and the cases of their rule sets, and makes as many bundles as the environment's ARBORIST_CASES says, from the seed ARBORIST_SEED.
 """
 import json
 import os
@@ -16,10 +16,12 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "reliability"))
 import random_bundles  # noqa: E402
+from case_bundles import write_examples  # noqa: E402
 
 CASES = int(os.environ.get("ARBORIST_CASES", "60"))
 SEED = int(os.environ.get("ARBORIST_SEED", "1"))
 OF_ONE_SIDE = ("path", "seconds")
+ZONE = "CET-1CEST,M3.5.0,M10.5.0/3"
 
 
 def run(*arguments):
@@ -60,16 +62,24 @@ class CompareRandomTest(unittest.TestCase):
                 del found[side][key]
         return found
 
-    def test_equal_rule_sets_have_no_difference_in_any_order(self):
-        copy = self.folder / "copy"
-        shutil.copytree(self.rules[0], copy)
+    def assert_equal_in_any_order(self, rules, names):
+        copy = self.folder / "copies" / rules.parent.name
+        shutil.copytree(rules, copy)
         orders = []
         for jobs in (1, 3):
-            self.random.shuffle(self.names)
-            status, found = self.compared(self.rules[0], copy, self.names, "--fail-on", "any", "--jobs", jobs)
+            self.random.shuffle(names)
+            status, found = self.compared(rules, copy, names, "--fail-on", "any", "--jobs", jobs)
             self.assertEqual((status, found["equal"], found["newlyOpen"]), (0, True, []))
+            self.assertEqual(found["before"]["bundles"], len(names))
             orders.append(self.without_times(found))
         self.assertEqual(orders[0], orders[1])
+
+    def test_equal_rule_sets_have_no_difference_in_any_order(self):
+        self.assert_equal_in_any_order(self.rules[0], self.names)
+
+    def test_nor_have_they_over_the_examples(self):
+        for example, bundles in write_examples(ARBORIST, self.folder, ZONE):
+            self.assert_equal_in_any_order(example / "rules", bundles)
 
     def test_it_finds_what_two_batches_differ_in(self):
         differences = 0
@@ -86,5 +96,5 @@ class CompareRandomTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    ARBORIST = sys.argv.pop(1)
+    ARBORIST = str(Path(sys.argv.pop(1)).resolve())
     sys.exit(unittest.main())
