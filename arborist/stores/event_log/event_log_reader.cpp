@@ -33,6 +33,8 @@ constexpr char JOIN_VERSION[] = " left join event_version on event_info.version_
 constexpr std::int64_t SHORTEST_ROW = 16;
 // Limit on the guess, as a file with holes may claim any size.
 constexpr std::int64_t MOST_GUESSED_ROWS = 1 << 24;
+// How many reads more than rows fit into the file may go into finding the readable rows of a damaged table.
+constexpr std::int64_t SPARE_READS = 1 << 16;
 
 // The whole number that `sql` returns; 0 if it returns none.
 std::int64_t NumberOf(const Sqlite3Db& database, const std::string& sql)
@@ -176,28 +178,34 @@ bool ReadIds(const Sqlite3Db& database, const std::string& from, SnapshotBuilder
 }
 
 // Reads the id of each row that a search for its row number finds, as the query for an id does in the end, whatever leads
-// it there. Behind an unreadable page only trying tells where the readable rows go on. False if that takes too long.
+// it there. Behind an unreadable page only trying tells where the readable rows go on. False if that takes too long: where
+// pages are out of order, each try may read the same rows again.
 bool ReadIdsByRowNumber(const Sqlite3Db& database, SnapshotBuilder& builder)
 {
     const std::string flow = "select rowid from event_info_flow order by rowid";
     const std::int64_t first = std::min<std::int64_t>(NumberOf(database, flow + " limit 1"), 1);
     const std::int64_t lastOfFlow = NumberOf(database, flow + " desc limit 1");
+    const std::int64_t fitting = RowsThatFit(database);
     // No query finds a row without a flow.
-    const std::int64_t last = lastOfFlow == 0 ? RowsThatFit(database) : lastOfFlow;
+    const std::int64_t last = lastOfFlow == 0 ? fitting : lastOfFlow;
     SqlCursor rows(database, "select event_id, rowid from event_info not indexed where rowid >= ?1 order by rowid");
     std::int64_t next = std::numeric_limits<std::int64_t>::min();
-    for (std::int64_t tries = 0; rows.IsReady() && tries < MOST_GUESSED_ROWS; ++tries) {
-        rows.Restart(next);
-        while (rows.Step()) {
+    for (std::int64_t readsLeft = fitting + SPARE_READS; rows.IsReady();) {
+        const std::int64_t start = next;
+        rows.Restart(start);
+        while (readsLeft-- > 0 && rows.Step()) {
             if (const auto id = EventIdOf(rows)) {
                 builder.LeaveToQuery(*id);
             }
             next = rows.GetInteger(1);
         }
+        if (readsLeft < 0) {
+            return false;
+        }
         if (rows.IsOk() || next >= last) {
             return true;
         }
-        next = std::max(next + 1, first);
+        next = std::max({start + 1, next + 1, first});
     }
     return false;
 }

@@ -1,11 +1,18 @@
 #include "arborist/stores/event_log/event_log_reader.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <string>
+
 #include <gmock/gmock.h>
 
+#include "arborist/stores/sql/sql_cursor.h"
 #include "arborist/stores/sql/sql_operator.h"
 #include "tests/stores/event_log/log_reading.h"
 
 namespace {
+
+using FT::sql::SqlCursor;
 
 class EventLogReaderTest : public LogReadingTest {
 protected:
@@ -226,6 +233,79 @@ TEST_F(EventLogReaderTest, OtherPlansTakeAFileThatIsSound)
     EXPECT_TRUE(broken->GetOrigin().isEachIdAsked);
     EXPECT_THAT(broken->GetIds(), testing::ElementsAre(7, 8, 9));
     EXPECT_EQ(broken->GetRowCount(), 0U);
+}
+
+// Rows 1 to 300, whose event ids are their numbers, found by an index; some twenty rows are on each page, and one page
+// names all others.
+class DamagedTreeTest : public EventLogReaderTest {
+protected:
+    static constexpr std::size_t PAGE = 4096;
+    // Where the page that names the others has the places of its cells, two bytes for each. A cell begins with the
+    // number of its page.
+    static constexpr std::size_t PLACES = 12;
+
+    DamagedTreeTest()
+    {
+        EventLogBuilder builder;
+        for (int row = 1; row <= 300; ++row) {
+            builder.Row({row, row, "", std::string(200, 'x')});
+        }
+        builder.Sql("create index i on event_info(event_id)").WriteTo(mPath);
+    }
+
+    std::size_t PlaceOfTree(const std::string& name = "event_info")
+    {
+        mDatabase.Open(mPath);
+        SqlCursor root(mDatabase.GetHandle(), "select rootpage from sqlite_master where name = '" + name + "'");
+        return root.Step() ? (static_cast<std::size_t>(root.GetInteger(0)) - 1) * PAGE : 0;
+    }
+
+    static std::size_t NumberAt(const std::string& file, std::size_t place)
+    {
+        return static_cast<unsigned char>(file[place]) * std::size_t{256} + static_cast<unsigned char>(file[place + 1]);
+    }
+
+    void DamagePage(std::size_t number)
+    {
+        const std::size_t tree = PlaceOfTree();
+        const std::string file = mDir.Read("log.db");
+        const std::size_t cell = tree + NumberAt(file, tree + PLACES + 2 * number);
+        Damage((NumberAt(file, cell + 2) - 1) * PAGE, PAGE);
+    }
+
+    void SwapPages(std::size_t number)
+    {
+        const std::size_t first = PlaceOfTree() + PLACES + 2 * number;
+        std::string file = mDir.Read("log.db");
+        std::swap_ranges(file.begin() + static_cast<std::ptrdiff_t>(first),
+            file.begin() + static_cast<std::ptrdiff_t>(first + 2), file.begin() + static_cast<std::ptrdiff_t>(first + 2));
+        mDir.Write("log.db", file);
+    }
+};
+
+TEST_F(DamagedTreeTest, RowsBehindAnUnreadablePageAreFoundThoughPagesBeforeItAreOutOfOrder)
+{
+    SwapPages(1);
+    DamagePage(3);
+    Damage(PlaceOfTree("i"), PAGE);
+    const auto snapshot = ReadAgain();
+    EXPECT_TRUE(snapshot->GetOrigin().isEachIdAsked);
+    EXPECT_TRUE(snapshot->GetOrigin().areAllIdsKnown);
+    EXPECT_THAT(snapshot->GetIds(), testing::Contains(300));
+}
+
+TEST_F(DamagedTreeTest, SearchForRowsBehindAnUnreadablePageEndsWhereTheirNumbersAreFarAway)
+{
+    // The damaged page has both the last of the low numbers and the first of the high ones.
+    for (const std::string table : {"event_info", "event_info_flow"}) {
+        EventLogBuilder::Run(mPath, "update " + table + " set _ID = _ID + 4611686018427387904 where _ID > 70");
+    }
+    EventLogBuilder::Run(mPath, "vacuum");
+    DamagePage(3);
+    Damage(PlaceOfTree("i"), PAGE);
+    const auto snapshot = ReadAgain();
+    EXPECT_TRUE(snapshot->GetOrigin().isEachIdAsked);
+    EXPECT_FALSE(snapshot->GetOrigin().areAllIdsKnown);
 }
 
 } // namespace
