@@ -20,7 +20,8 @@ constexpr std::size_t LABEL_WIDTH = 34; // in characters
 constexpr int MARGIN = 8;
 constexpr int LABELS = 260;
 constexpr int CHART = 760;
-constexpr int RIGHT = 60;
+constexpr int RIGHT = 200; // for what a row rests on
+constexpr int GROUNDS = MARGIN + LABELS + CHART + 14;
 constexpr int WIDTH = MARGIN + LABELS + CHART + RIGHT;
 constexpr int DENSITY = 44;
 constexpr int AXIS = 26;
@@ -50,27 +51,39 @@ class TimelinePicture {
 public:
     explicit TimelinePicture(const SweepReport& report) : mReport(report)
     {
-        for (const SweptTree& tree : report.trees) {
-            mRows.push_back({tree.id, &tree.timeline, true});
+        const std::vector<std::string> names = NamesOf(report.trees);
+        for (std::size_t place = 0; place < names.size(); ++place) {
+            const SweptTree& tree = report.trees[place];
+            mRows.push_back({names[place], &tree.timeline, &tree.grounds, true});
             for (const SweptCause& cause : tree.causes) {
-                mRows.push_back({cause.id, &cause.timeline, false});
+                mRows.push_back({cause.id, &cause.timeline, &cause.grounds, false});
             }
         }
         mLeftOut = mRows.size() > MOST_ROWS ? mRows.size() - MOST_ROWS : 0;
         mRows.resize(mRows.size() - mLeftOut);
+        Grounds all;
+        for (const Row& row : mRows) {
+            all.Add(*row.grounds);
+        }
+        if (mLeftOut != 0) {
+            mBelow.push_back(std::to_string(mLeftOut) + " more rows are left out");
+        }
+        for (const std::string& line : LegendOf(all)) {
+            mBelow.push_back(line);
+        }
     }
 
     std::string Text(const std::string& attributes, const std::string& style) const
     {
-        const int height = TOP + static_cast<int>(mRows.size() + (mLeftOut == 0 ? 0 : 1)) * ROW + 2 * MARGIN;
-        std::string text =
-            SvgStart("timeline", Description(), WIDTH, height, attributes) + style + Density() + Axis(height);
+        const int endOfRows = TopOf(mRows.size());
+        std::string text = SvgStart("timeline", Description(), WIDTH, TopOf(mRows.size() + mBelow.size()) + 2 * MARGIN,
+            attributes) + style + Density() + Axis(endOfRows + MARGIN);
+        text += mRows.empty() ? "" : Words("rests on", GROUNDS, MARGIN + DENSITY, "tick");
         for (std::size_t row = 0; row < mRows.size(); ++row) {
-            text += RowText(mRows[row], TOP + static_cast<int>(row) * ROW);
+            text += RowText(mRows[row], TopOf(row)) + Words(mRows[row].grounds->Text(), GROUNDS, TopOf(row), "tick");
         }
-        if (mLeftOut != 0) {
-            text += Label(std::to_string(mLeftOut) + " more rows are left out",
-                TOP + static_cast<int>(mRows.size()) * ROW, "tick");
+        for (std::size_t line = 0; line < mBelow.size(); ++line) {
+            text += Words(mBelow[line], MARGIN, TopOf(mRows.size() + line) + MARGIN, "tick");
         }
         return text + "</svg>\n";
     }
@@ -79,8 +92,11 @@ private:
     struct Row {
         std::string name;
         const Timeline* timeline;
+        const Grounds* grounds;
         bool isTree;
     };
+
+    static int TopOf(std::size_t row) { return TOP + static_cast<int>(row) * ROW; }
 
     double Place(std::int64_t moment) const
     {
@@ -94,11 +110,16 @@ private:
             + std::to_string(mReport.trees.size()) + " trees and their root causes.";
     }
 
+    static std::string Words(const std::string& words, int left, int top, const std::string& style)
+    {
+        return "<text class=\"" + style + "\" x=\"" + Number(left) + "\" y=\"" + Number(top + ROW - 7) + "\">"
+            + Markup(words) + "</text>\n";
+    }
+
     static std::string Label(const std::string& words, int top, const std::string& style)
     {
         const auto lines = Wrapped(words, LABEL_WIDTH, 1);
-        return "<text class=\"" + style + "\" x=\"" + Number(MARGIN) + "\" y=\"" + Number(top + ROW - 7) + "\">"
-            + Markup(lines.empty() ? "" : lines.front()) + "</text>\n";
+        return Words(lines.empty() ? "" : lines.front(), MARGIN, top, style);
     }
 
     std::string Density() const
@@ -120,14 +141,14 @@ private:
         return text;
     }
 
-    std::string Axis(int height) const
+    std::string Axis(int end) const
     {
         std::string text;
         for (int tick = 0; tick < TICKS; ++tick) {
             const std::int64_t moment = mReport.from + (mReport.until - mReport.from) / (TICKS - 1) * tick;
             const double x = Place(moment);
-            text += SvgLine("axis", x, MARGIN + DENSITY, x, height - MARGIN)
-                + "<text class=\"tick\" text-anchor=\"middle\" x=\"" + SvgTenths(x) + "\" y=\""
+            text += SvgLine("axis", x, MARGIN + DENSITY, x, end)
+                + "<text class=\"tick\" text-anchor=\"" + (tick == TICKS - 1 ? "end" : "middle") + "\" x=\"" + SvgTenths(x) + "\" y=\""
                 + Number(MARGIN + DENSITY + 15) + "\">" + MomentText(moment).substr(0, 16) + "</text>\n";
         }
         return text;
@@ -161,6 +182,7 @@ private:
     const SweepReport& mReport;
     std::vector<Row> mRows;
     std::size_t mLeftOut = 0;
+    std::vector<std::string> mBelow;
 };
 
 } // namespace

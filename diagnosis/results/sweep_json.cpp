@@ -1,5 +1,9 @@
 #include "diagnosis/results/sweep_json.h"
 
+#include <algorithm>
+#include <string>
+#include <vector>
+
 #include "diagnosis/bundle/moment.h"
 #include "diagnosis/process/process_state.h"
 #include "diagnosis/results/detection_json.h"
@@ -13,7 +17,9 @@ using Print = std::function<void(const std::string& line)>;
 /// What an interval belongs to.
 struct Subject {
     const char* what;
+    Grounds grounds;
     std::string tree = {};
+    std::size_t treeNumber = 0;
     std::string cause = {};
     std::vector<std::string> cutSet = {};
     std::string event = {};
@@ -26,13 +32,24 @@ void WriteMoment(JsonWriter& json, const std::string& key, std::int64_t moment)
     json.Number(key, moment).Text(key + "Local", FormatMoment(moment).value_or(""));
 }
 
+// "repair date" as the other words of the lines.
+std::vector<std::string> KeysOf(const Grounds& grounds)
+{
+    std::vector<std::string> words = grounds.Words();
+    for (std::string& word : words) {
+        std::replace(word.begin(), word.end(), ' ', '_');
+    }
+    return words;
+}
+
 void PrintIntervals(const Subject& subject, const Timeline& timeline, const Print& print)
 {
     for (const SweptInterval& interval : timeline.GetIntervals()) {
         JsonWriter json;
         json.BeginObject().Text("kind", "interval").Text("of", subject.what).Text("tree", subject.tree);
         json.Text("cause", subject.cause).Key("cutSet").Texts(subject.cutSet).Text("event", subject.event);
-        json.Text("rule", subject.rule).Text("source", subject.source);
+        json.Text("rule", subject.rule).Text("source", subject.source).Count("treeNumber", subject.treeNumber);
+        json.Key("restsOn").Texts(KeysOf(subject.grounds));
         WriteMoment(json, "from", interval.from);
         WriteMoment(json, "until", interval.until);
         json.Text("state", SweptStateText(interval.state)).Text("word", interval.word);
@@ -67,14 +84,15 @@ void SweepJson(const SweepReport& report, const Print& print)
     const TimeZoneGuard zone(report.tz);
     print(HeadLine(report));
     for (const SweptTree& tree : report.trees) {
-        PrintIntervals({"tree", tree.id}, tree.timeline, print);
+        PrintIntervals({"tree", tree.grounds, tree.id, tree.number}, tree.timeline, print);
         for (const SweptCause& cause : tree.causes) {
-            PrintIntervals({"cause", tree.id, cause.id, cause.cutSet}, cause.timeline, print);
+            PrintIntervals(
+                {"cause", cause.grounds, tree.id, tree.number, cause.id, cause.cutSet}, cause.timeline, print);
         }
     }
     for (const SweptRule& rule : report.rules) {
-        PrintIntervals(
-            {"rule", "", "", {}, rule.eventId, rule.name, SweptSourceText(rule.source)}, rule.timeline, print);
+        PrintIntervals({.what = "rule", .grounds = rule.GetGrounds(), .event = rule.eventId, .rule = rule.name,
+            .source = SweptSourceText(rule.source)}, rule.timeline, print);
     }
 }
 

@@ -3,20 +3,17 @@
 #include <algorithm>
 #include <filesystem>
 #include <memory>
-#include <string_view>
 #include <optional>
+#include <utility>
 
 #include "arborist/frame/log_sweep.h"
 #include "diagnosis/bundle/bundle_overlay.h"
 #include "diagnosis/bundle/moment.h"
-#include "diagnosis/bundle/rule_paths.h"
 #include "diagnosis/detection/detection.h"
 #include "diagnosis/evidence/warning_list.h"
-#include "diagnosis/lint/sql/derived_tables.h"
 #include "diagnosis/log_db/log_density.h"
 #include "diagnosis/process/interruption.h"
-#include "diagnosis/rule_source/rule_set.h"
-#include "diagnosis/sweep/clock_statements.h"
+#include "diagnosis/sweep/rule_texts.h"
 #include "diagnosis/text/near_match.h"
 
 namespace diagnosis {
@@ -24,50 +21,6 @@ namespace diagnosis {
 namespace {
 
 constexpr std::size_t DENSITY_PARTS = 240;
-constexpr char FIXED_TABLE[] = "lumbraPlusData";
-
-bool NamesFixedTable(const rule_source::CommonPart& common, const std::string& sql)
-{
-    const std::string lower = lint::LowerName(sql);
-    return std::any_of(common.beans.begin(), common.beans.end(), [&lower](const rule_source::ThresholdBean& bean) {
-        return bean.type == FIXED_TABLE && lower.find(lint::LowerName(bean.name)) != std::string::npos;
-    });
-}
-
-bool ReadsClock(std::string_view sql)
-{
-    const char* const use = ClockUseOf(sql, false);
-    return use != nullptr && std::string_view(use) == "reads_clock";
-}
-
-// External databases have no history, whatever the names of their columns, but a statement on them may read the clock; so
-// may one that makes a table in their copies.
-const char* ClockUseOfReference(const rule_source::CommandRule& rule, const rule_source::CommonPart& common)
-{
-    const rule_source::TableBean* const table = common.FindTable(rule.defDbName);
-    const bool readsClock = ReadsClock(rule.sql)
-        || (table != nullptr && std::any_of(table->createTables.begin(), table->createTables.end(),
-            [](const rule_source::CreateTable& made) { return ReadsClock(made.sql); }));
-    return readsClock ? "reads_clock" : nullptr;
-}
-
-// The rules whose statements may change without the log, with the reason of each.
-std::map<std::string, std::string> RulesOfTheClock(const Bundle& bundle)
-{
-    std::map<std::string, std::string> found;
-    const rule_source::RuleSetFiles files =
-        rule_source::ReadRuleSetFiles(rule_source::RuleSetPaths{TreeFilePath(bundle), RuleFilePath(bundle)});
-    const rule_source::RuleSet rules(files, bundle.treeTag);
-    for (const rule_source::CommandRule& rule : rules.rules.commandRules) {
-        const std::string sql(rule.sql);
-        const char* const reason = rule.referenceDefDb ? ClockUseOfReference(rule, rules.commonPart)
-                                                       : ClockUseOf(sql, NamesFixedTable(rules.commonPart, sql));
-        if (reason != nullptr && !rule.isReplaced) {
-            found.emplace(rule.name, reason);
-        }
-    }
-    return found;
-}
 
 std::string Sentence(const SweepPlan::Unswept& rule)
 {
@@ -105,7 +58,8 @@ public:
             return;
         }
         SweepRequest request{mReport.from, mReport.until, mOptions.mostTableMoments};
-        request.unsweptRules = RulesOfTheClock(mSession.GetBundle());
+        RuleTexts texts = ReadRuleTexts(mSession.GetBundle());
+        request.unsweptRules = std::move(texts.rulesOfTheClock);
         request.tree = mOptions.tree;
         request.rule = mOptions.rule;
         mRecorder.GetWarnings().LookBefore(mSession);
@@ -124,7 +78,7 @@ public:
             EndWhereStopped();
         }
         if (!mReport.failure) {
-            TakeAnswers();
+            TakeAnswers(texts.eventsOfTrees);
         }
     }
 
@@ -170,9 +124,10 @@ private:
         return std::nullopt;
     }
 
-    void TakeAnswers()
+    void TakeAnswers(const std::vector<std::set<std::string>>& eventsOfTrees)
     {
         mRecorder.Close(mReport.until);
+        mRecorder.TellGrounds(eventsOfTrees);
         mReport.plan = mRecorder.GetPlan();
         mReport.trees = mRecorder.TakeTrees();
         mReport.rules = mRecorder.TakeRules();

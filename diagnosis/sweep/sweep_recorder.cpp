@@ -78,19 +78,39 @@ SweptSource SourceOf(const Evidence::Rule& rule)
     return rule.GetFamily() == Evidence::Family::ALARM ? SweptSource::LOG : SweptSource::CAPTURED;
 }
 
+bool BeginsAtRepair(const std::optional<Evidence::Start>& start)
+{
+    return start && start->floor == Evidence::Floor::REPAIR;
+}
+
+// True if the rule looked at no time before a repair.
+bool IsFloored(const Evidence::Rule& rule)
+{
+    if (const auto* const alarm = std::get_if<Evidence::Alarm>(&rule.part)) {
+        return std::any_of(alarm->windows.begin(), alarm->windows.end(),
+            [](const Evidence::Window& window) { return BeginsAtRepair(window.start); });
+    }
+    const auto* const command = std::get_if<Evidence::Command>(&rule.part);
+    return command != nullptr && BeginsAtRepair(command->start);
+}
+
 } // namespace
 
-const char* SweptSourceText(SweptSource source)
+std::vector<std::string> NamesOf(const std::vector<SweptTree>& trees)
 {
-    switch (source) {
-    case SweptSource::LOG:
-        return "log";
-    case SweptSource::TABLES:
-        return "tables";
-    case SweptSource::CAPTURED:
-        break;
+    std::map<std::string, std::size_t> all;
+    for (const SweptTree& tree : trees) {
+        ++all[tree.id];
     }
-    return "captured";
+    std::map<std::string, std::size_t> named;
+    std::vector<std::string> names;
+    for (const SweptTree& tree : trees) {
+        const std::size_t place = ++named[tree.id];
+        const std::size_t count = all[tree.id];
+        names.push_back(
+            count == 1 ? tree.id : tree.id + " (" + std::to_string(place) + " of " + std::to_string(count) + ")");
+    }
+    return names;
 }
 
 SweptState SweepRecorder::Possible::StateOf(const CutSet& cutSet) const
@@ -130,12 +150,13 @@ void SweepRecorder::TakeRule(
 {
     const auto [known, isNew] = mRuleOf.emplace(std::pair(eventId, rule.name), mRules.size());
     if (isNew) {
-        mRules.push_back({eventId, rule.name, SourceOf(rule), {}});
+        mRules.push_back({eventId, rule.name, SourceOf(rule), false, {}});
     }
     SweptRule& swept = mRules[known->second];
     if (rule.verdict != Evidence::Verdict::SKIPPED) {
         swept.source = SourceOf(rule);
     }
+    swept.isFloored |= IsFloored(rule);
     if (!unswept.empty()) {
         swept.timeline.Set(moment, SweptState::NOT_JUDGED, unswept);
     } else if (rule.verdict == Evidence::Verdict::FIRED) {
@@ -157,6 +178,7 @@ void SweepRecorder::OnTreeJudged(std::int64_t moment, std::size_t tree, const Ev
     }
     SweptTree& swept = mTrees[tree];
     swept.id = result.id;
+    swept.number = tree + 1;
     if (std::binary_search(mPlan.unsweptTrees.begin(), mPlan.unsweptTrees.end(), tree)) {
         swept.timeline.Set(moment, SweptState::NOT_JUDGED, NOT_SWEPT);
         return;
@@ -181,7 +203,7 @@ void SweepRecorder::TakeCauses(
     for (const Evidence::RootCause& found : rootCauses) {
         const auto [known, isNew] = memory.causes.emplace(found.cutSet, swept.causes.size());
         if (isNew) {
-            SweptCause& cause = swept.causes.emplace_back(SweptCause{found.id, found.cutSet, {}});
+            SweptCause& cause = swept.causes.emplace_back(SweptCause{found.id, found.cutSet, {}, found.wayUp});
             for (const Possible& before : memory.possible) {
                 cause.timeline.Set(before.moment, before.StateOf(cause.cutSet));
             }
@@ -201,6 +223,27 @@ void SweepRecorder::Close(std::int64_t until)
     }
     for (SweptRule& rule : mRules) {
         rule.timeline.Close(until);
+    }
+}
+
+void SweepRecorder::TellGrounds(const std::vector<std::set<std::string>>& eventsOfTrees)
+{
+    std::map<std::string, Grounds> ofEvents;
+    for (const SweptRule& rule : mRules) {
+        ofEvents[rule.eventId].Add(rule.GetGrounds());
+    }
+    const auto addAll = [&ofEvents](const auto& events, Grounds& grounds) {
+        for (const std::string& id : events) {
+            if (const auto found = ofEvents.find(id); found != ofEvents.end()) {
+                grounds.Add(found->second);
+            }
+        }
+    };
+    for (std::size_t place = 0; place < mTrees.size() && place < eventsOfTrees.size(); ++place) {
+        addAll(eventsOfTrees[place], mTrees[place].grounds);
+        for (SweptCause& cause : mTrees[place].causes) {
+            addAll(cause.wayUp, cause.grounds);
+        }
     }
 }
 

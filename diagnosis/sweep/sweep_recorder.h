@@ -12,6 +12,7 @@
 
 #include "arborist/frame/sweep_observer.h"
 #include "diagnosis/evidence/detection_warnings.h"
+#include "diagnosis/sweep/grounds.h"
 #include "diagnosis/sweep/timeline.h"
 
 namespace diagnosis {
@@ -22,32 +23,37 @@ struct SweptCause {
     /// The path of each member.
     std::vector<std::string> cutSet;
     Timeline timeline;
+    /// Ids of the members and of all events above them.
+    std::vector<std::string> wayUp = {};
+    /// What the rules of these events rest on.
+    Grounds grounds = {};
 };
 
 /// A tree: true while it is a fault, false while it is none or doesn't apply, not judged while it is undecided.
 struct SweptTree {
     std::string id;
+    /// From 1 in the order of the results of a detection: a rule set may have several trees of one id.
+    std::size_t number = 0;
     Timeline timeline;
     /// Each that is ever found, in the order in which they are first found.
     std::vector<SweptCause> causes;
+    /// What the rules of its events rest on.
+    Grounds grounds = {};
 };
 
-/// Where the history of a rule comes from.
-enum class SweptSource {
-    LOG, ///< the event log
-    TABLES, ///< derived tables, built for each of its moments
-    CAPTURED, ///< data without a history: one answer for all moments
-};
-
-/// "log", "tables", "captured".
-const char* SweptSourceText(SweptSource source);
+/// The ids of trees, each of several with one id with which it is: "T (1 of 2)".
+std::vector<std::string> NamesOf(const std::vector<SweptTree>& trees);
 
 /// A rule of one event: true while it fires, not judged while it is not asked or has no data.
 struct SweptRule {
     std::string eventId;
     std::string name;
     SweptSource source = SweptSource::LOG;
+    /// True if the time that it looks at begins at a repair at some moment.
+    bool isFloored = false;
     Timeline timeline;
+
+    Grounds GetGrounds() const { return {source, isFloored}; }
 };
 
 /// Makes timelines of the calls of a sweep.
@@ -64,6 +70,8 @@ public:
 
     /// Ends all timelines. A root cause that was found later only is left out.
     void Close(std::int64_t until);
+    /// Tells what trees and root causes rest on, from the ids of the events of each tree. Call it after Close.
+    void TellGrounds(const std::vector<std::set<std::string>>& eventsOfTrees);
 
     /// The moment at which the sweep was stopped, whose answers are not complete; nothing if it came to its end.
     std::optional<std::int64_t> GetStopped() const { return mStopped; }

@@ -78,6 +78,24 @@ TEST(SvgTimelineTest, RowsBeyondTheLimitAreCounted)
     EXPECT_EQ(Count(svg, "class=\"heading\""), 100U);
 }
 
+TEST(SvgTimelineTest, EachRowSaysWhatItRestsOnWithALegendBelow)
+{
+    SweepReport report = SampleReport();
+    EXPECT_THAT(SvgTimeline(report), Not(HasSubstr("captured")));
+    report.trees.front().grounds = {SweptSource::CAPTURED, false};
+    report.trees.front().causes.front().grounds = {SweptSource::LOG, true};
+    const std::string svg = SvgTimeline(report);
+    EXPECT_THAT(svg, AllOf(HasSubstr(">rests on</text>"), HasSubstr(">captured</text>"), HasSubstr(">log, repair date</text>")));
+    EXPECT_THAT(svg, AllOf(HasSubstr(">captured: data without a history"), HasSubstr(">repair date: nothing before")));
+}
+
+TEST(SvgTimelineTest, TreesOfOneIdHaveNamesOfTheirOwn)
+{
+    SweepReport report = SampleReport();
+    report.trees.push_back(report.trees.front());
+    EXPECT_THAT(SvgTimeline(report), AllOf(HasSubstr(">T&lt;1&gt; (1 of 2)</text>"), HasSubstr(">T&lt;1&gt; (2 of 2)</text>")));
+}
+
 TEST(SvgTimelineTest, ASweepOfOneSecondAndWithoutRowsIsDrawn)
 {
     SweepReport report = SampleReport();

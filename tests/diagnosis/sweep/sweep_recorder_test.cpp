@@ -94,6 +94,73 @@ TEST(SweepRecorderTest, ARuleIsTrueFalseOrNotJudgedWithTheReason)
         SweptInterval{10, 19, FALSE, ""}, SweptInterval{20, 29, TRUE, ""}, SweptInterval{30, 40, NOT_JUDGED, "group_ended"}));
 }
 
+Evidence::Start StartAt(Evidence::Floor floor)
+{
+    Evidence::Start start;
+    start.floor = floor;
+    return start;
+}
+
+TEST(SweepRecorderTest, ARuleWhoseWindowBeganAtARepairRestsOnItsDateFromThenOn)
+{
+    Evidence::Rule alarm = Rule("r", Evidence::Verdict::NOT_FIRED);
+    auto& windows = std::get<Evidence::Alarm>(alarm.part).windows;
+    windows.resize(2);
+    SweepRecorder recorder;
+    for (const auto floor : {Evidence::Floor::PERIOD, Evidence::Floor::REPAIR, Evidence::Floor::RESET}) {
+        windows[1].start = StartAt(floor);
+        recorder.OnEventDecided(static_cast<std::int64_t>(floor), Asked({alarm}));
+    }
+    Evidence::Rule command = Rule("c", Evidence::Verdict::NOT_FIRED);
+    command.SetFamily(Evidence::Family::COMMAND);
+    std::get<Evidence::Command>(command.part).start = StartAt(Evidence::Floor::REPAIR);
+    Evidence::Rule updated = Rule("u", Evidence::Verdict::NOT_FIRED);
+    std::get<Evidence::Alarm>(updated.part).windows.emplace_back().start = StartAt(Evidence::Floor::UPDATE);
+    recorder.OnEventDecided(10, Asked({command, updated}));
+    std::vector<std::string> texts;
+    for (const SweptRule& rule : recorder.TakeRules()) {
+        texts.push_back(rule.GetGrounds().Text());
+    }
+    EXPECT_THAT(texts, ElementsAre("log, repair date", "tables, repair date", "log"));
+}
+
+TEST(SweepRecorderTest, TreesAndCausesRestOnWhatTheRulesOfTheirEventsDo)
+{
+    const auto decide = [](SweepRecorder& recorder, const std::string& id, Evidence::Family family) {
+        Evidence::Rule rule = Rule("r", Evidence::Verdict::FIRED);
+        rule.SetFamily(family);
+        Evidence::Event event = Asked({rule});
+        event.id = id;
+        recorder.OnEventDecided(0, event);
+    };
+    SweepRecorder recorder;
+    decide(recorder, "A", Evidence::Family::ALARM);
+    decide(recorder, "G", Evidence::Family::NODE);
+    decide(recorder, "B", Evidence::Family::COMMAND);
+    recorder.OnTreeJudged(0, 0, Result(TreeVerdict::Word::FAULT), {{"A", {"T/G/A"}, {"A", "G", "T"}}, {"X", {"T/X"}, {"X", "T"}}});
+    recorder.OnTreeJudged(0, 1, Result(TreeVerdict::Word::NO_FAULT), {});
+    recorder.Close(9);
+    recorder.TellGrounds({{"T", "G", "A", "B"}, {"T", "B"}});
+    const std::vector<SweptTree> trees = recorder.TakeTrees();
+    EXPECT_EQ(trees[0].grounds.Text(), "log, tables, captured");
+    EXPECT_EQ(trees[0].causes[0].grounds.Text(), "log, captured");
+    EXPECT_EQ(trees[0].causes[1].grounds.Text(), "-");
+    EXPECT_EQ(trees[1].grounds.Text(), "tables");
+}
+
+TEST(SweepRecorderTest, TreesOfOneIdAreToldApart)
+{
+    SweepRecorder recorder;
+    recorder.OnTreeJudged(0, 0, Result(TreeVerdict::Word::NO_FAULT), {});
+    Evidence::TreeResult other = Result(TreeVerdict::Word::NO_FAULT);
+    other.id = "U";
+    recorder.OnTreeJudged(0, 1, other, {});
+    recorder.OnTreeJudged(0, 2, Result(TreeVerdict::Word::FAULT), {});
+    const std::vector<SweptTree> trees = recorder.TakeTrees();
+    EXPECT_EQ(trees[2].number, 3U);
+    EXPECT_THAT(NamesOf(trees), ElementsAre("T (1 of 2)", "U", "T (2 of 2)"));
+}
+
 TEST(SweepRecorderTest, TheWordOfARuleIsThatOfItsExplanation)
 {
     using Evidence::Check;

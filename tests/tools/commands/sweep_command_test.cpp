@@ -100,11 +100,11 @@ TEST_F(SweepCommandTest, TellsWhenEachTreeAndRuleWasFirstTrueForHowLongAndHowOft
     const auto result = Sweep({"--until", "2024-06-01"});
     EXPECT_EQ(result.out,
         "b: as of every second from 2024-05-20 11:00:00 to 2024-06-01 23:59:59; 2 moments at which an answer may change\n"
-        "                  first true           how long     how often  not judged\n"
-        "tree T            2024-05-20 13:00:00  6d 22:00:01  1          -\n"
-        "  cause DROPS     2024-05-20 13:00:00  6d 22:00:01  1          -\n"
+        "                  first true           how long     how often  not judged  rests on\n"
+        "tree T            2024-05-20 13:00:00  6d 22:00:01  1          -           log\n"
+        "  cause DROPS     2024-05-20 13:00:00  6d 22:00:01  1          -           log\n"
         "rules\n"
-        "  drops of DROPS  2024-05-20 13:00:00  6d 22:00:01  1          -\n");
+        "  drops of DROPS  2024-05-20 13:00:00  6d 22:00:01  1          -           log\n");
     EXPECT_THAT(result.err, IsEmpty());
     EXPECT_EQ(result.status, 0);
 }
@@ -126,6 +126,53 @@ TEST_F(SweepCommandTest, OneTreeOrOneRuleIsToldAlone)
     EXPECT_EQ(unknown.status, 2);
     EXPECT_THAT(unknown.err, HasSubstr("has no tree \"TT\""));
     EXPECT_THAT(Sweep({"--rule", "drop"}).err, HasSubstr("no event asks a rule \"drop\"; did you mean \"drops\"?"));
+}
+
+TEST_F(SweepCommandTest, WhatRestsOnTheDateOfARepairIsMarkedInTableAndLines)
+{
+    WriteDrops();
+    RunArborist({"repair", "record", "b", "R", "--now", std::to_string(NOW + 1800)});
+    const auto result = Sweep({"--until", "2024-06-01"});
+    EXPECT_THAT(result.out, AllOf(HasSubstr("tree T            never       -         -          -           log, repair date\n"),
+        HasSubstr("  drops of DROPS  never       -         -          -           log, repair date\n"),
+        HasSubstr("\nrepair date: nothing before a repair counts;")));
+    const auto lines = Lines(Sweep({"--json"}).out);
+    for (std::size_t line = 1; line < lines.size(); ++line) {
+        EXPECT_EQ(lines[line]["restsOn"][0], "log");
+        EXPECT_EQ(lines[line]["restsOn"][1], "repair_date");
+    }
+    // Neither a repair after the last moment nor one from before each window moves a start.
+    EXPECT_THAT(Sweep({"--until", std::to_string(NOW)}).out, Not(HasSubstr("repair date")));
+    EXPECT_THAT(Sweep({"--from", "2024-06-01", "--until", "2024-06-02"}).out, Not(HasSubstr("repair date")));
+}
+
+TEST_F(SweepCommandTest, WhatHasNoHistoryIsMarkedInTableAndLines)
+{
+    WriteHotBundle(mDir, "b");
+    const auto result = Sweep({"--from", "2024-06-01", "--until", "2024-06-02"});
+    EXPECT_THAT(result.out, AllOf(HasSubstr("tree T "), HasSubstr("  cause HOT "), HasSubstr("  -           captured\n"),
+        HasSubstr("\ncaptured: data without a history, taken for all moments as they were captured\n")));
+    for (const Json::Value& line : Lines(Sweep({"--json"}).out)) {
+        EXPECT_EQ(line["kind"] == "sweep" || line["restsOn"][0] == "captured", true);
+    }
+}
+
+TEST_F(SweepCommandTest, TreesOfOneIdAreToldApart)
+{
+    WriteDrops();
+    std::string trees = mDir.Read("b/rules/FaultTrees.xml");
+    const auto start = trees.find("<Fault-Tree ");
+    const std::string tree = trees.substr(start, trees.find("</Fault-Tree>") + 13 - start);
+    mDir.Write("b/rules/FaultTrees.xml", trees.insert(start, tree));
+    EXPECT_THAT(Sweep().out, AllOf(HasSubstr("tree T (1 of 2) "), HasSubstr("tree T (2 of 2) ")));
+    std::set<std::pair<std::string, int>> numbers;
+    for (const Json::Value& line : Lines(Sweep({"--json", "--tree", "T"}).out)) {
+        if (line["kind"] == "interval") {
+            numbers.emplace(line["of"].asString(), line["treeNumber"].asInt());
+        }
+    }
+    EXPECT_THAT(numbers, ElementsAre(std::pair("cause", 1), std::pair("cause", 2), std::pair("tree", 1), std::pair("tree", 2)));
+    EXPECT_EQ(Lines(Sweep({"--json", "--rule", "drops"}).out)[1]["treeNumber"], 0);
 }
 
 TEST_F(SweepCommandTest, AnEndBeforeTheBeginningIsWrongUse)

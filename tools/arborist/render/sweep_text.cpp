@@ -14,7 +14,7 @@ namespace diagnosis::command {
 namespace {
 
 constexpr std::uint64_t DAY = 86400;
-constexpr std::size_t COLUMNS = 5;
+constexpr std::size_t COLUMNS = 6;
 
 using Row = std::array<std::string, COLUMNS>;
 
@@ -37,20 +37,14 @@ std::string LastReason(const Timeline& timeline)
     return last == intervals.rend() || last->word.empty() ? "" : " (" + Printable(last->word) + ")";
 }
 
-Row RowOf(const std::string& name, const Timeline& timeline)
+Row RowOf(const std::string& name, const Timeline& timeline, const Grounds& grounds)
 {
     const auto first = timeline.GetFirst();
     const std::size_t times = timeline.GetTimes();
     const bool isEverFalse = timeline.GetSeconds(SweptState::FALSE) > 0;
     return {name, first ? MomentText(*first) : isEverFalse ? "never" : "-", LengthText(timeline.GetSeconds()),
         times == 0 ? "-" : std::to_string(times),
-        LengthText(timeline.GetSeconds(SweptState::NOT_JUDGED)) + LastReason(timeline)};
-}
-
-std::string NameOf(const SweptRule& rule)
-{
-    const std::string name = "  " + Printable(rule.name) + " of " + Printable(rule.eventId);
-    return rule.source == SweptSource::CAPTURED ? name + ", as captured" : name;
+        LengthText(timeline.GetSeconds(SweptState::NOT_JUDGED)) + LastReason(timeline), grounds.Text()};
 }
 
 std::string Table(const std::vector<Row>& rows)
@@ -72,6 +66,30 @@ std::string Table(const std::vector<Row>& rows)
     return text;
 }
 
+// Adds to `all` what the rows rest on.
+std::vector<Row> RowsOf(const SweepReport& report, Grounds& all)
+{
+    std::vector<Row> rows{{"", "first true", "how long", "how often", "not judged", "rests on"}};
+    const std::vector<std::string> names = NamesOf(report.trees);
+    for (std::size_t place = 0; place < names.size(); ++place) {
+        const SweptTree& tree = report.trees[place];
+        all.Add(tree.grounds);
+        rows.push_back(RowOf("tree " + Printable(names[place]), tree.timeline, tree.grounds));
+        for (const SweptCause& cause : tree.causes) {
+            rows.push_back(RowOf("  cause " + Printable(cause.id), cause.timeline, cause.grounds));
+        }
+    }
+    if (!report.rules.empty()) {
+        rows.push_back({"rules"});
+    }
+    for (const SweptRule& rule : report.rules) {
+        all.Add(rule.GetGrounds());
+        rows.push_back(RowOf(
+            "  " + Printable(rule.name) + " of " + Printable(rule.eventId), rule.timeline, rule.GetGrounds()));
+    }
+    return rows;
+}
+
 } // namespace
 
 std::string SweepText(const SweepReport& report)
@@ -81,25 +99,17 @@ std::string SweepText(const SweepReport& report)
         return head + "NOT SWEPT\n";
     }
     const TimeZoneGuard zone(report.tz);
-    std::vector<Row> rows{{"", "first true", "how long", "how often", "not judged"}};
-    for (const SweptTree& tree : report.trees) {
-        rows.push_back(RowOf("tree " + Printable(tree.id), tree.timeline));
-        for (const SweptCause& cause : tree.causes) {
-            rows.push_back(RowOf("  cause " + Printable(cause.id), cause.timeline));
-        }
-    }
-    if (!report.rules.empty()) {
-        rows.push_back({"rules"});
-    }
-    for (const SweptRule& rule : report.rules) {
-        rows.push_back(RowOf(NameOf(rule), rule.timeline));
-    }
+    Grounds all;
+    const std::vector<Row> rows = RowsOf(report, all);
     std::string text = head + "as of every second from " + MomentText(report.from) + " to " + MomentText(report.until)
         + "; " + std::to_string(report.plan.moments) + (report.plan.moments == 1 ? " moment" : " moments")
         + " at which an answer may change\n" + Table(rows);
     for (const SweepPlan::Asked& asked : report.plan.asked) {
         text += "rules of " + Printable(asked.eventId) + " on derived tables asked "
             + std::to_string(asked.times) + (asked.times == 1 ? " time\n" : " times\n");
+    }
+    for (const std::string& line : LegendOf(all)) {
+        text += line + "\n";
     }
     return text;
 }
