@@ -35,9 +35,11 @@ std::size_t CountErrors(const Event& event)
 
 std::size_t CountMembers(const FaultTree& tree)
 {
+    RootCauseSearch search(tree);
+    const std::size_t causes = search.Find().size();
     std::size_t members = 0;
-    for (const auto& found : RootCauseSearch::Find(tree, true)) {
-        members += found.cutSet.size();
+    for (std::size_t cause = 0; cause < causes; ++cause) {
+        members += search.CutSetOf(cause).size();
     }
     return members;
 }

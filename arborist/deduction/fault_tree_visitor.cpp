@@ -1,6 +1,7 @@
 #include "arborist/deduction/fault_tree_visitor.h"
 
 #include <cstddef>
+#include <cstdio>
 #include <utility>
 
 #include "arborist/deduction/root_cause.h"
@@ -85,6 +86,7 @@ void FaultTreeVisitor::DeduceRootCause(
     }
     FoldStatuses(tree, checks);
     AnalyzeRootCause();
+    ListNodes();
 }
 
 void FaultTreeVisitor::FoldStatuses(
@@ -110,35 +112,41 @@ void FaultTreeVisitor::FoldStatuses(
 
 void FaultTreeVisitor::AnalyzeRootCause()
 {
+    RootCauseSearch search(*mFaultTree);
     const std::size_t most = RootCauseSearch::LimitOfSettings();
-    std::vector<RootCauseSearch::Found> found = RootCauseSearch::Find(*mFaultTree, GetObserver() != nullptr, most,
-        [this, most](const std::string& number) { TellLimit(number, most); });
-    mRootCauseList.reserve(found.size());
-    for (const RootCauseSearch::Found& each : found) {
-        mRootCauseList.push_back(each.rootCause);
+    const double count = search.CountAll();
+    if (count > static_cast<double>(most)) {
+        TellLimit(count, most);
     }
+    mRootCauseList = search.Find(most);
     mIsFault = !mRootCauseList.empty();
     FT::Log::GetInstance().Output(FT::LEVEL_INFO, "FUNc:%s: status= %d ", "FaultTreeVisitor::AnalyzeRootCause",
                                   static_cast<int>(mIsFault));
     FT::Log::GetInstance().Output(FT::LEVEL_INFO, "FUNc:%s: mRootCauseList size= %ld",
                                   "FaultTreeVisitor::AnalyzeRootCause", static_cast<long>(mRootCauseList.size()));
+    if (GetObserver() != nullptr) {
+        for (std::size_t cause = 0; cause < mRootCauseList.size(); ++cause) {
+            GetObserver()->OnRootCause(search.RecordOf(cause));
+        }
+    }
+}
+
+void FaultTreeVisitor::ListNodes()
+{
     mRootCauseNodeList.reserve(mRootCauseList.size());
     for (const auto& rootCause : mRootCauseList) {
         const Event& leaf = *rootCause->GetLeaf().front();
         mRootCauseNodeList.push_back(
             std::make_shared<FaultTreeNode>(FaultTreeNode{leaf.GetId(), leaf.GetName(), leaf.GetUserDefined()}));
     }
-    if (GetObserver() != nullptr) {
-        for (RootCauseSearch::Found& each : found) {
-            GetObserver()->OnRootCause(each.TakeRecord());
-        }
-    }
 }
 
-void FaultTreeVisitor::TellLimit(const std::string& number, std::size_t most) const
+void FaultTreeVisitor::TellLimit(double count, std::size_t most) const
 {
+    char number[32];
+    std::snprintf(number, sizeof(number), "%.15g", count);
     FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: the tree %s has %s root causes, only the first %zu are told.",
-        "FaultTreeVisitor::AnalyzeRootCause", mFaultTree->GetId().c_str(), number.c_str(), most);
+        "FaultTreeVisitor::AnalyzeRootCause", mFaultTree->GetId().c_str(), number, most);
     if (GetObserver() != nullptr) {
         Evidence::Trouble trouble;
         trouble.kind = Evidence::Trouble::Kind::CAUSES_LEFT_OUT;

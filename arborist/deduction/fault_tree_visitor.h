@@ -47,7 +47,9 @@ public:
 
 private:
     void AnalyzeRootCause();
-    void TellLimit(const std::string& number, std::size_t most) const;
+    // Once the search is over, whose memory the nodes can take.
+    void ListNodes();
+    void TellLimit(double count, std::size_t most) const;
     // Each use of the observer goes through this call, of which the bench of the observer makes one that returns null.
     DetectionObserver* GetObserver() const { return mObserver; }
 

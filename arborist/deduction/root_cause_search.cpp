@@ -1,8 +1,5 @@
 #include "arborist/deduction/root_cause_search.h"
 
-#include <algorithm>
-#include <cstddef>
-#include <cstdio>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -10,7 +7,6 @@
 #include "arborist/deduction/error_walk.h"
 #include "arborist/deduction/path_walk.h"
 #include "arborist/deduction/root_cause.h"
-#include "arborist/deduction/surviving_tree.h"
 #include "arborist/frame/fault_tree_prop_global.h"
 #include "arborist/frame/settings.h"
 #include "arborist/frame/stopping.h"
@@ -22,128 +18,6 @@
 namespace {
 
 using Index = SurvivingTree::Index;
-
-// The number of combinations of a branch; inexact above 2^53.
-double CountBelow(const SurvivingTree& tree, Index branch)
-{
-    const SurvivingTree::Branch& head = tree.GetBranch(branch);
-    if (head.kind == SurvivingTree::BranchKind::LEAF) {
-        return 1;
-    }
-    const bool isSum = head.kind == SurvivingTree::BranchKind::OR;
-    double count = isSum ? 0 : 1;
-    for (Index below = head.first; below != SurvivingTree::NONE; below = tree.GetBranch(below).next) {
-        count = isSum ? count + CountBelow(tree, below) : count * CountBelow(tree, below);
-    }
-    return count;
-}
-
-// The first `most` combinations of a surviving tree, in the order of expansion. A combination is a leaf or joins two others, so that
-// combinations share their common parts.
-class Combinations {
-public:
-    Combinations(const SurvivingTree& tree, std::size_t most) : mTree(tree), mMost(most)
-    {
-        Append(tree.GetTop(), mAll);
-    }
-
-    std::size_t Count() const { return mAll.size(); }
-
-    /// The places of all members of one combination, in order.
-    void ListMembers(std::size_t combination, std::vector<Index>& members)
-    {
-        members.clear();
-        mToVisit.assign(1, mAll[combination]);
-        while (!mToVisit.empty()) {
-            const Combination next = mToVisit.back();
-            mToVisit.pop_back();
-            if (IsJoin(next)) {
-                mToVisit.push_back(mJoins[next / 2].second);
-                mToVisit.push_back(mJoins[next / 2].first);
-                continue;
-            }
-            const SurvivingTree::Branch& leaf = mTree.GetBranch(static_cast<Index>(next / 2));
-            for (Index member = 0; member < leaf.memberCount; ++member) {
-                members.push_back(mTree.GetMember(std::size_t{leaf.first} + member));
-            }
-        }
-    }
-
-private:
-    // A leaf is encoded as twice the index of its branch, a join as twice its index plus one.
-    using Combination = std::size_t;
-
-    static bool IsJoin(Combination combination) { return combination % 2 != 0; }
-
-    Combination Join(Combination first, Combination second)
-    {
-        constexpr std::size_t JOINS_BETWEEN_STOPS = 4096;
-        if (mJoins.size() % JOINS_BETWEEN_STOPS == 0) {
-            StopPoint::Pass();
-        }
-        mJoins.emplace_back(first, second);
-        return (mJoins.size() - 1) * 2 + 1;
-    }
-
-    // Stops where `result` has the most: what follows comes behind it in each product, too.
-    void Append(Index branch, std::vector<Combination>& result)
-    {
-        const SurvivingTree::Branch& head = mTree.GetBranch(branch);
-        if (head.kind == SurvivingTree::BranchKind::LEAF) {
-            result.push_back(std::size_t{branch} * 2);
-        } else if (head.kind == SurvivingTree::BranchKind::OR) {
-            for (Index below = head.first; below != SurvivingTree::NONE && result.size() < mMost;
-                 below = mTree.GetBranch(below).next) {
-                Append(below, result);
-            }
-        } else {
-            AppendProduct(head.first, result);
-        }
-    }
-
-    void AppendProduct(Index first, std::vector<Combination>& result)
-    {
-        std::vector<Combination> product;
-        std::vector<Combination> factor;
-        Append(first, product);
-        for (Index below = mTree.GetBranch(first).next; below != SurvivingTree::NONE;
-             below = mTree.GetBranch(below).next) {
-            factor.clear();
-            Append(below, factor);
-            product = Multiply(std::move(product), factor);
-        }
-        const auto room = static_cast<std::ptrdiff_t>(std::min(product.size(), mMost - result.size()));
-        result.insert(result.end(), product.begin(), product.begin() + room);
-    }
-
-    // Joins every combination of `left` with every one of `right`; `left` is the outer loop.
-    std::vector<Combination> Multiply(std::vector<Combination> left, const std::vector<Combination>& right)
-    {
-        if (right.size() == 1) {
-            for (auto& combination : left) {
-                combination = Join(combination, right.front());
-            }
-            return left;
-        }
-        std::vector<Combination> product;
-        product.reserve(left.size() > mMost / right.size() ? mMost : left.size() * right.size());
-        for (const Combination first : left) {
-            for (const Combination second : right) {
-                if (product.size() == mMost) {
-                    return product;
-                }
-                product.push_back(Join(first, second));
-            }
-        }
-        return product;
-    }
-
-    const SurvivingTree& mTree;
-    std::size_t mMost;
-    std::vector<std::pair<Combination, Combination>> mJoins;
-    std::vector<Combination> mAll;
-    std::vector<Combination> mToVisit;
-};
 
 // Collects the members of a cut set and all events above them, but of several events with the same id only the first.
 class WaysUp {
@@ -215,31 +89,16 @@ private:
 SurvivingTree CutDown(const std::shared_ptr<Event>& top)
 {
     SurvivingTree tree;
+    // The top event is above every member and part of every path: it must be in error, and "&" in its id would split
+    // every path so that no member is found.
+    if (top == nullptr || !IsError(top->GetResult()) || top->GetId().find('&') != std::string::npos) {
+        return tree;
+    }
     if (!ErrorWalk::Walk(top, tree)) {
         tree = SurvivingTree();
         PathWalk::Walk(top, tree);
     }
     return tree;
-}
-
-std::vector<RootCauseSearch::Found> Collect(const SurvivingTree& tree, bool withCutSets, std::size_t most)
-{
-    std::vector<RootCauseSearch::Found> found;
-    Combinations combinations(tree, most);
-    WaysUp waysUp(tree);
-    std::vector<Index> members;
-    found.reserve(combinations.Count());
-    for (std::size_t combination = 0; combination < combinations.Count(); ++combination) {
-        StopPoint::Pass();
-        combinations.ListMembers(combination, members);
-        CutSet& cutSet = found.emplace_back(RootCauseSearch::Found{waysUp.Collect(members)}).cutSet;
-        if (withCutSets) {
-            for (const Index member : members) {
-                cutSet.push_back(tree.GetPath(member));
-            }
-        }
-    }
-    return found;
 }
 
 } // namespace
@@ -251,29 +110,33 @@ std::size_t RootCauseSearch::LimitOfSettings()
     return limit > 0 ? static_cast<std::size_t>(limit) : NO_LIMIT;
 }
 
-Evidence::RootCause RootCauseSearch::Found::TakeRecord()
+RootCauseSearch::RootCauseSearch(const FaultTree& tree)
+    : mTop(tree.GetIntermediateEvent()), mSurvivors(CutDown(mTop)), mCombinations(mSurvivors)
 {
-    return {rootCause->GetLeaf().front()->GetId(), std::move(cutSet), rootCause->GetPaths()};
 }
 
-std::vector<RootCauseSearch::Found> RootCauseSearch::Find(const FaultTree& tree, bool withCutSets, std::size_t most,
-    const std::function<void(const std::string& number)>& tellNumber)
+const std::vector<std::shared_ptr<RootCause>>& RootCauseSearch::Find(std::size_t most)
 {
-    const std::shared_ptr<Event> top = tree.GetIntermediateEvent();
-    // The top event is above every member and part of every path: it must be in error, and "&" in its id would split
-    // every path so that no member is found.
-    if (top == nullptr || !IsError(top->GetResult()) || top->GetId().find('&') != std::string::npos) {
-        return {};
+    mCombinations.Make(most);
+    WaysUp waysUp(mSurvivors);
+    mFound.reserve(mCombinations.Count());
+    for (std::size_t combination = 0; combination < mCombinations.Count(); ++combination) {
+        StopPoint::Pass();
+        mFound.push_back(waysUp.Collect(mCombinations.ListMembers(combination)));
     }
-    const SurvivingTree survivors = CutDown(top);
-    if (survivors.GetTop() == SurvivingTree::NONE) {
-        return {};
+    return mFound;
+}
+
+CutSet RootCauseSearch::CutSetOf(std::size_t cause)
+{
+    CutSet cutSet;
+    for (const Index member : mCombinations.ListMembers(cause)) {
+        cutSet.push_back(mSurvivors.GetPath(member));
     }
-    const double number = CountBelow(survivors, survivors.GetTop());
-    if (tellNumber && number > static_cast<double>(most)) {
-        char text[32];
-        std::snprintf(text, sizeof(text), "%.15g", number);
-        tellNumber(text);
-    }
-    return Collect(survivors, withCutSets, most);
+    return cutSet;
+}
+
+Evidence::RootCause RootCauseSearch::RecordOf(std::size_t cause)
+{
+    return {mFound[cause]->GetLeaf().front()->GetId(), CutSetOf(cause), mFound[cause]->GetPaths()};
 }

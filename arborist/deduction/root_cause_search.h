@@ -3,14 +3,15 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
-#include <string>
 #include <vector>
 
+#include "arborist/deduction/combinations.h"
 #include "arborist/deduction/cut_set.h"
+#include "arborist/deduction/surviving_tree.h"
 #include "arborist/frame/evidence_tree.h"
 
+class Event;
 class FaultTree;
 class RootCause;
 
@@ -18,27 +19,35 @@ class RootCause;
 /// MinimalCutsetParser, with the same events and in the same order.
 ///
 /// A single member that doesn't qualify drops its cut set, so the search never combines such members: time and memory
-/// are proportional to the size of the tree plus that of the result, not to that of the expansion.
+/// are proportional to the size of the tree plus that of the result, not to that of the expansion. Refers to the tree,
+/// which must not change.
 class RootCauseSearch {
 public:
     static constexpr std::size_t NO_LIMIT = SIZE_MAX;
 
-    struct Found {
-        std::shared_ptr<RootCause> rootCause;
-        /// Empty unless cut sets were requested.
-        CutSet cutSet = {};
-
-        /// What an observer is told of it. Takes the cut set.
-        Evidence::RootCause TakeRecord();
-    };
-
     /// What Settings::CAUSE_LIMIT says; NO_LIMIT where it is no number above 0.
     static std::size_t LimitOfSettings();
 
-    /// Finds the first `most` of them. Their number is worked out before the first is built: if it is above `most`,
-    /// `tellNumber`, which may be null, receives it, with 15 digits.
-    static std::vector<Found> Find(const FaultTree& tree, bool withCutSets = false, std::size_t most = NO_LIMIT,
-        const std::function<void(const std::string& number)>& tellNumber = nullptr);
+    explicit RootCauseSearch(const FaultTree& tree);
+    RootCauseSearch(const RootCauseSearch&) = delete;
+    RootCauseSearch& operator=(const RootCauseSearch&) = delete;
+
+    /// The number of all root causes, of which none is built for it; inexact above 2^53.
+    double CountAll() const { return mCombinations.CountAll(); }
+
+    /// Finds the first `most` of them. To be called once.
+    const std::vector<std::shared_ptr<RootCause>>& Find(std::size_t most = NO_LIMIT);
+    /// The cut set of a root cause, by its place among those that were found.
+    CutSet CutSetOf(std::size_t cause);
+    /// What an observer is told of a root cause, by its place among those that were found.
+    Evidence::RootCause RecordOf(std::size_t cause);
+
+private:
+    // The survivors refer to this very pointer.
+    const std::shared_ptr<Event> mTop;
+    const SurvivingTree mSurvivors;
+    Combinations mCombinations;
+    std::vector<std::shared_ptr<RootCause>> mFound;
 };
 
 #endif

@@ -63,9 +63,11 @@ void Judge(RuleSweep::Tree& swept, std::size_t number, std::int64_t moment, Swee
         checks.push_back(place.check);
     }
     tree.Check();
+    RootCauseSearch search(tree);
+    const std::size_t count = search.Find(RootCauseSearch::LimitOfSettings()).size();
     std::vector<Evidence::RootCause> causes;
-    for (auto& found : RootCauseSearch::Find(tree, true, RootCauseSearch::LimitOfSettings())) {
-        causes.push_back(found.TakeRecord());
+    for (std::size_t cause = 0; cause < count; ++cause) {
+        causes.push_back(search.RecordOf(cause));
     }
     const bool isFault = !causes.empty();
     observer.OnTreeJudged(moment, number, {tree.GetId(), isFault, JudgeTree(tree, isFault, checks)}, causes);

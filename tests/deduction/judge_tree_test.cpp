@@ -30,7 +30,7 @@ TreeVerdict Judge(std::shared_ptr<IntermediateEvent> top, const std::vector<Chec
     const auto tree = TreeOf(std::move(top));
     LogCapture log; // keeps the lines of the fold off the output
     tree->Check();
-    return JudgeTree(*tree, !RootCauseSearch::Find(*tree).empty(), checks);
+    return JudgeTree(*tree, !RootCauseSearch(*tree).Find().empty(), checks);
 }
 
 std::string TextOf(const TreeVerdict& verdict)

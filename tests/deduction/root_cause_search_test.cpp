@@ -22,36 +22,32 @@ using testing::SizeIs;
 
 constexpr auto TRUE = EventStatus::TRUE;
 
-using Found = std::vector<RootCauseSearch::Found>;
-
-Found Search(const std::shared_ptr<FaultTree>& tree)
+std::vector<std::string> CutSetsOf(const FaultTree& tree, std::size_t most = RootCauseSearch::NO_LIMIT)
 {
-    LogCapture log; // keeps the lines of the fold off the output
-    tree->Check();
-    return RootCauseSearch::Find(*tree, true);
-}
-
-std::vector<std::string> CutSetsOf(const Found& found)
-{
+    RootCauseSearch search(tree);
+    const std::size_t causes = search.Find(most).size();
     MinimalCutSet cutSets;
-    for (const RootCauseSearch::Found& each : found) {
-        cutSets.push_back(each.cutSet);
+    for (std::size_t cause = 0; cause < causes; ++cause) {
+        cutSets.push_back(search.CutSetOf(cause));
     }
     return TextOf(cutSets);
 }
 
-std::vector<std::string> WaysUpOf(const Found& found)
+std::shared_ptr<FaultTree> Folded(std::shared_ptr<FaultTree> tree)
 {
-    std::vector<std::shared_ptr<RootCause>> rootCauses;
-    for (const RootCauseSearch::Found& each : found) {
-        rootCauses.push_back(each.rootCause);
-    }
-    return TextOf(rootCauses);
+    const LogCapture log; // keeps the lines of the fold off the output
+    tree->Check();
+    return tree;
 }
 
-std::vector<std::string> CutSetsFound(std::shared_ptr<Gate> gate)
+std::vector<std::string> WaysUpFound(const std::shared_ptr<FaultTree>& tree)
 {
-    return CutSetsOf(Search(TreeOf(Observable("T", TRUE, std::move(gate)))));
+    return TextOf(RootCauseSearch(*Folded(tree)).Find());
+}
+
+std::vector<std::string> CutSetsFound(const std::shared_ptr<FaultTree>& tree)
+{
+    return CutSetsOf(*Folded(tree));
 }
 
 struct SearchCase {
@@ -64,7 +60,7 @@ class CutSetsThatQualify : public testing::TestWithParam<SearchCase> {};
 
 TEST_P(CutSetsThatQualify, AreFoundInOrder)
 {
-    EXPECT_THAT(CutSetsFound(GetParam().gate), ElementsAreArray(GetParam().cutSets));
+    EXPECT_THAT(CutSetsFound(TreeOf(Observable("T", TRUE, GetParam().gate))), ElementsAreArray(GetParam().cutSets));
 }
 
 // Ids of healthy leaves have small letters.
@@ -98,28 +94,28 @@ INSTANTIATE_TEST_SUITE_P(Table, CutSetsThatQualify, testing::Values(
 
 TEST(RootCauseSearchTest, ATopEventWithAnAmpersandIsNeverFound)
 {
-    EXPECT_THAT(Search(TreeOf(Inner("T&U", Or({Leaf("A", TRUE)})))), IsEmpty());
+    EXPECT_THAT(WaysUpFound(TreeOf(Inner("T&U", Or({Leaf("A", TRUE)})))), IsEmpty());
 }
 
 TEST(RootCauseSearchTest, ATopEventWithASlashIsFound)
 {
-    EXPECT_THAT(WaysUpOf(Search(TreeOf(Inner("T/U", Or({Leaf("A", TRUE)}))))), ElementsAre("A < T/U"));
+    EXPECT_THAT(WaysUpFound(TreeOf(Inner("T/U", Or({Leaf("A", TRUE)})))), ElementsAre("A < T/U"));
 }
 
-TEST(RootCauseSearchTest, CutSetsAreListedOnRequestOnly)
+TEST(RootCauseSearchTest, TheRecordOfACauseHasItsLeafItsCutSetAndItsWayUp)
 {
-    const auto tree = TreeOf(Inner("T", Or({Leaf("A", TRUE)})));
-    tree->Check();
-    const Found found = RootCauseSearch::Find(*tree);
-    ASSERT_THAT(found, SizeIs(1));
-    EXPECT_THAT(found[0].cutSet, IsEmpty());
+    const auto tree = Folded(TreeOf(
+        Observable("T", TRUE, And({Inner("G", Or({Leaf("A"), Leaf("B", TRUE)})), Leaf("C", TRUE)}))));
+    RootCauseSearch search(*tree);
+    ASSERT_THAT(search.Find(), SizeIs(1));
+    EXPECT_EQ(search.RecordOf(0), (Evidence::RootCause{"B", {"T/G/B", "T/C"}, {"B", "G", "T", "C"}}));
 }
 
 TEST(RootCauseSearchTest, AnEventInTwoPlacesHasTwoWaysUp)
 {
     const auto leaf = Leaf("A", TRUE);
     const auto tree = TreeOf(Inner("T", Or({Inner("G", Or({leaf})), Inner("H", Or({leaf}))})));
-    EXPECT_THAT(WaysUpOf(Search(tree)), ElementsAre("A < G < T", "A < H < T"));
+    EXPECT_THAT(WaysUpFound(tree), ElementsAre("A < G < T", "A < H < T"));
 }
 
 TEST(RootCauseSearchTest, MoreIdsThanAFewAreToldApart)
@@ -128,10 +124,10 @@ TEST(RootCauseSearchTest, MoreIdsThanAFewAreToldApart)
     for (int leaf = 0; leaf < 1000; ++leaf) {
         leaves.push_back(Leaf("E" + std::to_string(leaf), leaf % 2 == 0 ? TRUE : EventStatus::FALSE));
     }
-    EXPECT_THAT(Search(TreeOf(Inner("T", Or(leaves)))), SizeIs(500));
+    EXPECT_THAT(WaysUpFound(TreeOf(Inner("T", Or(leaves)))), SizeIs(500));
     // A healthy leaf of the same id before the others takes over the path of E998.
     leaves.insert(leaves.begin(), Leaf("E998"));
-    EXPECT_THAT(Search(TreeOf(Inner("T", Or(leaves)))), SizeIs(499));
+    EXPECT_THAT(WaysUpFound(TreeOf(Inner("T", Or(leaves)))), SizeIs(499));
 }
 
 // An AND over `branches` ORs of `width` leaves each; `isTrue` says which leaves of a branch are in error.
@@ -149,7 +145,7 @@ std::shared_ptr<FaultTree> ProductTree(int branches, int width, IsTrue isTrue)
     return TreeOf(Observable("T", TRUE, And(inner)));
 }
 
-TEST(RootCauseSearchTest, ALimitFindsTheFirstOnesAndTellsTheNumberOfAll)
+TEST(RootCauseSearchTest, ALimitFindsTheFirstOnesAndAllAreCounted)
 {
     const auto leaves = [](const std::string& ids) {
         EventList events;
@@ -162,38 +158,35 @@ TEST(RootCauseSearchTest, ALimitFindsTheFirstOnesAndTellsTheNumberOfAll)
         Inner("P", And({Inner("G", leaves("ABC")), Inner("H", And({Inner("I", leaves("DE")), Leaf("F", TRUE)})),
             Inner("J", leaves("GHI"))})),
         Leaf("Y", TRUE)})));
-    const auto all = CutSetsOf(Search(tree));
+    const auto all = CutSetsFound(tree);
     ASSERT_THAT(all, SizeIs(20));
+    EXPECT_EQ(RootCauseSearch(*tree).CountAll(), 20);
     for (std::size_t most = 1; most <= 21; ++most) {
-        std::vector<std::string> told;
-        const auto found = RootCauseSearch::Find(*tree, true, most, [&](const std::string& number) { told.push_back(number); });
-        const std::size_t expected = std::min<std::size_t>(most, 20);
-        EXPECT_THAT(CutSetsOf(found), ElementsAreArray(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(expected)));
-        EXPECT_EQ(told, most < 20 ? std::vector<std::string>{"20"} : std::vector<std::string>{});
+        const auto expected = static_cast<std::ptrdiff_t>(std::min<std::size_t>(most, 20));
+        EXPECT_THAT(CutSetsOf(*tree, most), ElementsAreArray(all.begin(), all.begin() + expected));
     }
 }
 
 TEST(RootCauseSearchTest, ALimitHoldsForMoreThanAnyMemoryTakes)
 {
-    const auto tree = ProductTree(10, 1000, [](int, int) { return true; });
-    const LogCapture log; // keeps the lines of the fold off the output
-    tree->Check();
-    std::string told;
-    const auto found = RootCauseSearch::Find(*tree, true, 1500, [&](const std::string& number) { told = number; });
-    ASSERT_THAT(found, SizeIs(1500));
-    EXPECT_EQ(found[1499].cutSet[8], "T/G8/E1");
-    EXPECT_EQ(found[1499].cutSet[9], "T/G9/E499");
-    EXPECT_EQ(told, "1e+30");
+    const auto tree = Folded(ProductTree(10, 1000, [](int, int) { return true; }));
+    RootCauseSearch search(*tree);
+    EXPECT_DOUBLE_EQ(search.CountAll(), 1e30);
+    ASSERT_THAT(search.Find(1500), SizeIs(1500));
+    const CutSet last = search.CutSetOf(1499);
+    EXPECT_EQ(last[8], "T/G8/E1");
+    EXPECT_EQ(last[9], "T/G9/E499");
 }
 
 TEST(RootCauseSearchTest, AnExpansionOfTenToTheHundredIsNotExpanded)
 {
     const auto one = ProductTree(100, 10, [](int, int leaf) { return leaf == 3; });
-    EXPECT_THAT(Search(one), SizeIs(1));
+    EXPECT_THAT(WaysUpFound(one), SizeIs(1));
     const auto none = ProductTree(100, 10, [](int branch, int) { return branch != 50; });
-    EXPECT_THAT(Search(none), IsEmpty());
+    EXPECT_THAT(WaysUpFound(none), IsEmpty());
+    EXPECT_EQ(RootCauseSearch(*none).CountAll(), 0);
     const auto some = ProductTree(100, 10, [](int branch, int leaf) { return leaf == 0 || (branch < 2 && leaf == 9); });
-    EXPECT_THAT(Search(some), SizeIs(4));
+    EXPECT_THAT(WaysUpFound(some), SizeIs(4));
 }
 
 TEST(RootCauseSearchTest, OddIdsDoNotExpandEither)
@@ -201,10 +194,10 @@ TEST(RootCauseSearchTest, OddIdsDoNotExpandEither)
     const auto tree = ProductTree(100, 10, [](int, int leaf) { return leaf == 3; });
     const auto& gate = tree->GetIntermediateEvent()->GetGate();
     gate->AddEvent(Inner("G&", Or({Leaf("A", TRUE)})));
-    EXPECT_THAT(Search(tree), IsEmpty());
+    EXPECT_THAT(WaysUpFound(tree), IsEmpty());
     gate->AddEvent(Inner("empty", nullptr));
     gate->AddEvent(Leaf("G0/E3"));
-    EXPECT_THAT(CutSetsOf(Search(tree)), ElementsAre("T/G0/E3"));
+    EXPECT_THAT(CutSetsFound(tree), ElementsAre("T/G0/E3"));
 }
 
 std::shared_ptr<FaultTree> DeepTree(int levels, const std::string& leafId)
@@ -222,10 +215,11 @@ TEST(RootCauseSearchTest, ThousandsOfLevelsAreWalked)
     for (const char* leafId : {"A", "A/B"}) {
         const auto tree = DeepTree(3000, leafId);
         tree->Check();
-        const auto found = RootCauseSearch::Find(*tree);
+        RootCauseSearch search(*tree);
+        const auto& found = search.Find();
         ASSERT_THAT(found, SizeIs(1));
-        EXPECT_THAT(found[0].rootCause->GetPaths(), SizeIs(3002));
-        EXPECT_THAT(found[0].rootCause->GetPaths().front(), Eq(leafId));
+        EXPECT_THAT(found[0]->GetPaths(), SizeIs(3002));
+        EXPECT_THAT(found[0]->GetPaths().front(), Eq(leafId));
     }
 }
 
@@ -241,13 +235,13 @@ TEST(RootCauseSearchTest, EndsWithTheDetectionOnItsWay)
     StopRequest request;
     const StopScope scope(&request);
     request.Start(std::nullopt);
-    EXPECT_THAT(RootCauseSearch::Find(*tree), SizeIs(10'000));
+    EXPECT_THAT(RootCauseSearch(*tree).Find(), SizeIs(10'000));
     const std::uint64_t questions = request.GetQuestions();
     EXPECT_EQ(questions, 3 + 10'000U);
     for (const std::uint64_t question : {std::uint64_t{2}, questions}) {
         request.Start(std::nullopt);
         request.StopAtQuestion(question);
-        EXPECT_THROW(RootCauseSearch::Find(*tree), DetectionStopped);
+        EXPECT_THROW(RootCauseSearch(*tree).Find(), DetectionStopped);
     }
 }
 
