@@ -33,9 +33,8 @@ constexpr std::size_t WORDS_WIDTH = 54;
 std::string Text(const std::string& style, const std::string& anchor, double x, double y, const std::string& words,
     std::size_t width = WORDS_WIDTH)
 {
-    const auto lines = Wrapped(words, width, 1);
-    return lines.empty() ? "" : "<text class=\"" + style + "\"" + (anchor.empty() ? "" : " text-anchor=\"" + anchor + "\"")
-            + " x=\"" + SvgTenths(x) + "\" y=\"" + SvgTenths(y) + "\">" + Markup(lines.front()) + "</text>\n";
+    return words.empty() ? "" : "<text class=\"" + style + "\"" + (anchor.empty() ? "" : " text-anchor=\"" + anchor + "\"")
+            + " x=\"" + SvgTenths(x) + "\" y=\"" + SvgTenths(y) + "\">" + Markup(Shortened(words, width)) + "</text>\n";
 }
 
 std::string Label(const std::string& words, double top)
@@ -182,10 +181,10 @@ std::string IntervalText(const ChartInterval& interval, double top)
 {
     const double middle = top + ROW / 2;
     const auto place = [](double share) { return LEFT + share * CHART; };
-    return Label(interval.label, top) + SvgLine(interval.style, place(interval.low), middle, place(interval.high), middle)
+    const std::string shape = SvgLine(interval.style, place(interval.low), middle, place(interval.high), middle)
         + "<circle class=\"" + interval.style + "\" cx=\"" + SvgTenths(place(interval.share)) + "\" cy=\""
-        + SvgTenths(middle) + "\" r=\"4.5\">" + SvgTitle(interval.label + ": " + interval.words) + "</circle>\n"
-        + Text("tick", "", RIGHT + MARGIN, top + BASE_LINE, interval.words);
+        + SvgTenths(middle) + "\" r=\"4.5\">" + SvgTitle(interval.label + ": " + interval.words) + "</circle>\n";
+    return Label(interval.label, top) + (interval.isKnown ? shape : "") + Text("tick", "", RIGHT + MARGIN, top + BASE_LINE, interval.words);
 }
 
 } // namespace

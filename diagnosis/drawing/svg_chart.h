@@ -80,6 +80,8 @@ struct ChartInterval {
     double high = 1;
     /// Stands behind the chart.
     std::string words;
+    /// False if there is no share: only label and words are drawn.
+    bool isKnown = true;
 };
 
 /// Intervals below each other, from 0 to 100 percent.

@@ -118,8 +118,7 @@ private:
 
     static std::string Label(const std::string& words, int top, const std::string& style)
     {
-        const auto lines = Wrapped(words, LABEL_WIDTH, 1);
-        return Words(lines.empty() ? "" : lines.front(), MARGIN, top, style);
+        return Words(Shortened(words, LABEL_WIDTH), MARGIN, top, style);
     }
 
     std::string Density() const

@@ -1,6 +1,7 @@
 #ifndef ARBORIST_DIAGNOSIS_RESULTS_REPORT_FIGURE_TABLE_H
 #define ARBORIST_DIAGNOSIS_RESULTS_REPORT_FIGURE_TABLE_H
 
+#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <string>
@@ -13,27 +14,36 @@ namespace diagnosis {
 inline constexpr char FIGURE_STYLE[] = R"(
 .figures { border-collapse: collapse; font-size: .93rem; margin: .5rem 0; }
 .figures th, .figures td { border: 1px solid var(--rule); padding: .15rem .6rem; text-align: left; vertical-align: top; }
-.figures th { color: var(--quiet); font-weight: 600; }
-.figures .number { text-align: right; white-space: nowrap; }
+.figures th { color: var(--quiet); font-weight: 600; overflow-wrap: normal; }
+.figures td { overflow-wrap: normal; }
+.figures td.long { overflow-wrap: anywhere; min-width: 14rem; }
+.figures .number, .figures .moment { white-space: nowrap; }
+.figures .number { text-align: right; }
 .key { display: inline-block; width: .8rem; height: .8rem; margin: 0 .3rem 0 .8rem; border-radius: 2px; }
 .key.fault { background: var(--fault); } .key.undecided { background: var(--unknown); }
 .key.sound { background: var(--sound); } .key.none { background: var(--rule); } .key.plain { background: var(--link); }
 )";
 
-/// One cell. Texts are escaped.
+/// One cell. Texts are escaped; only long ones may be broken in the middle of a word.
 struct FigureCell {
-    FigureCell(const std::string& text) : markup(Html("td", text)) {}
+    FigureCell(const std::string& text) : FigureCell(text, "") {}
     FigureCell(const char* text) : FigureCell(std::string(text)) {}
     FigureCell(std::uint64_t number) : markup(Html("td", std::to_string(number), "number")) {}
 
     /// A number with its unit, or an id.
     static FigureCell Number(const std::string& text) { return FigureCell(text, "number"); }
+    static FigureCell Moment(const std::string& text) { return FigureCell(text, "moment"); }
     static FigureCell Id(const std::string& text) { return FigureCell(text, "id"); }
 
     std::string markup;
 
 private:
-    FigureCell(const std::string& text, const std::string& style) : markup(Html("td", text, style)) {}
+    static constexpr std::size_t LONG = 40;
+
+    FigureCell(const std::string& text, const std::string& style)
+        : markup(Html("td", text, text.size() <= LONG ? style : style.empty() ? "long" : style + " long"))
+    {
+    }
 };
 
 /// An HTML table, row by row.

@@ -74,7 +74,8 @@ std::string RunsSection(const Fleet& fleet)
 {
     FigureTable table({"Engine", "Rule set", "Bundles"});
     for (const FleetRun& run : fleet.runs) {
-        table.Row({run.engine, FigureCell::Id(run.ruleSet), run.bundles});
+        const FigureCell ruleSet = run.ruleSet.empty() ? FigureCell("not known") : FigureCell::Id(run.ruleSet);
+        table.Row({run.engine, ruleSet, run.bundles});
     }
     std::string text = fleet.runs.size() < 2 ? ""
         : Paragraph("These results are of several engines or rule sets. A bundle that several of them diagnosed counts once "
@@ -217,7 +218,7 @@ std::string TimeSection(const RunTimes& times)
 {
     FigureTable table({"Slowest bundles", "As of", "Run time"});
     for (const SlowBundle& bundle : times.slowest) {
-        table.Row({bundle.bundle, bundle.moment, FigureCell::Number(Seconds(bundle.microseconds))});
+        table.Row({bundle.bundle, FigureCell::Moment(bundle.moment), FigureCell::Number(Seconds(bundle.microseconds))});
     }
     return Section("times", "Run times", "<dl class=\"facts\">\n" + Fact("All bundles", Seconds(times.sum))
         + Fact("Half took at most", Seconds(times.median)) + Fact("95 of 100 took at most", Seconds(times.most95))

@@ -45,7 +45,7 @@ ChartInterval DrawnInterval(const std::string& label, const std::string& style, 
     const ShareInterval interval = WilsonInterval(devices.again, devices.All());
     const std::string words = std::to_string(devices.again) + " of " + Plural(devices.All(), "device", "devices");
     return {label, style, interval.share, interval.low, interval.high,
-        devices.All() == 0 ? "no device was followed" : words + ", " + IntervalText(devices)};
+        devices.All() == 0 ? "no device was followed" : words + ", " + IntervalText(devices), devices.All() != 0};
 }
 
 std::string Picture(const RepairFigures& repairs)

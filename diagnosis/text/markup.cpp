@@ -92,4 +92,18 @@ std::vector<std::string> Wrapped(std::string_view text, std::size_t width, std::
     return lines;
 }
 
+std::string Shortened(std::string_view text, std::size_t width)
+{
+    std::string printable = Printable(text);
+    const std::vector<std::string_view> characters = Characters(printable);
+    if (characters.size() <= width) {
+        return printable;
+    }
+    std::string line;
+    for (std::size_t i = 0; i + 1 < width; ++i) {
+        line += characters[i];
+    }
+    return line + ELLIPSIS;
+}
+
 } // namespace diagnosis

@@ -16,6 +16,9 @@ std::string Markup(std::string_view text);
 /// `mostLines` ends in an ellipsis. The empty text has no lines.
 std::vector<std::string> Wrapped(std::string_view text, std::size_t width, std::size_t mostLines);
 
+/// The printable text in one line of at most `width` characters, the last of which is an ellipsis if more would follow.
+std::string Shortened(std::string_view text, std::size_t width);
+
 } // namespace diagnosis
 
 #endif

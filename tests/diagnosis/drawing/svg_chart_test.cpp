@@ -90,6 +90,20 @@ TEST(SvgChartTest, AnIntervalReachesFromItsLowToItsHighShare)
     EXPECT_TRUE(IsWellFormed(svg)) << svg;
 }
 
+TEST(SvgChartTest, AShareThatIsNotKnownIsNotDrawn)
+{
+    ChartInterval interval{"without", "plain", 0, 0, 1, "no device was followed"};
+    interval.isKnown = false;
+    EXPECT_THAT(SvgIntervals("Shares", {interval}),
+        AllOf(HasSubstr(">without</text>"), HasSubstr(">no device was followed</text>"), Not(HasSubstr("\"plain\""))));
+}
+
+TEST(SvgChartTest, ALabelThatIsTooLongKeepsAllThatHasRoom)
+{
+    EXPECT_THAT(SvgBars("", {{"A_TREE_WITH_NAME: AN_EVENT_WITH_ANOTHER", {{"fault", "", 1}}, "1"}}),
+        HasSubstr(">A_TREE_WITH_NAME: AN_EVENT_WITH_A\u2026</text>"));
+}
+
 TEST(SvgChartTest, NothingIsDrawnOfNothing)
 {
     EXPECT_TRUE(IsWellFormed(SvgBars("", {})));

@@ -40,7 +40,7 @@ TEST(FleetPageTest, ShowsAllPartsWithTheirFigures)
     EXPECT_THAT(page, HasSubstr("<td>the node file node/temperature</td><td class=\"number\">1</td>"));
     EXPECT_THAT(page, HasSubstr("<td class=\"id\">timeout</td><td class=\"number\">1</td><td class=\"number\">16.7 %</td>"
         "<td>yes</td><td>why</td>"));
-    EXPECT_THAT(page, HasSubstr("<tr><td>a1</td><td>2024-05-01 12:00:00</td><td class=\"number\">1.234 s</td></tr>"));
+    EXPECT_THAT(page, HasSubstr("<tr><td>a1</td><td class=\"moment\">2024-05-01 12:00:00</td><td class=\"number\">1.234 s</td></tr>"));
     EXPECT_THAT(page, HasSubstr("<title>2024-04-29: fault 2</title>"));
     EXPECT_THAT(page, HasSubstr("1 bundle has no moment."));
 }

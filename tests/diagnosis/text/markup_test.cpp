@@ -6,6 +6,7 @@
 namespace {
 
 using diagnosis::Markup;
+using diagnosis::Shortened;
 using diagnosis::Wrapped;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -37,6 +38,13 @@ TEST(WrappedTest, LongWordsAreCutBetweenCharacters)
 TEST(WrappedTest, WhatDoesNotFitEndsInAnEllipsis)
 {
     EXPECT_THAT(Wrapped("a b c d", 1, 2), ElementsAre("a", "b\xE2\x80\xA6"));
+}
+
+TEST(ShortenedTest, WhatDoesNotFitIsCutBetweenCharactersForAnEllipsis)
+{
+    EXPECT_EQ(Shortened("T: \xC3\xA4\xC3\xA4", 5), "T: \xC3\xA4\xC3\xA4");
+    EXPECT_EQ(Shortened("T: \xC3\xA4\xC3\xA4\xC3\xA4", 5), "T: \xC3\xA4\xE2\x80\xA6");
+    EXPECT_EQ(Shortened("", 5), "");
 }
 
 TEST(WrappedTest, NothingHasNoLines)

@@ -1,33 +1,17 @@
 #!/usr/bin/env python3
-"""Opens a report in a real browser: the root causes are in its document, and its picture is not blank.
+"""Opens a report in a real browser: the root causes are in its document, its picture is not blank, and in both schemes of
+colours and at the width of a desk and of a phone nothing sticks out, is too faint to be read or leads nowhere.
 
 usage: report_browser_test.py ARBORIST SOURCE_DIR. Exit status 77 without Chromium, which skips the test.
 """
 import pathlib
-import shutil
 import struct
 import subprocess
 import sys
 import tempfile
 import zlib
 
-CHROMIUM_OPTIONS = [
-    "--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
-    "--disable-background-networking", "--disable-component-update", "--disable-sync"]
-
-
-def chromium(folder, page, *options):
-    """What the browser prints for the page, with a new profile."""
-    with tempfile.TemporaryDirectory(dir=folder) as profile:
-        command = ["chromium", *CHROMIUM_OPTIONS, f"--user-data-dir={profile}", *options, page.as_uri()]
-        return subprocess.run(command, check=True, capture_output=True, timeout=240).stdout
-
-
-def text_on_paper(folder, page):
-    """The text of the page as it is printed."""
-    pdf = folder / "report.pdf"
-    chromium(folder, page, f"--print-to-pdf={pdf}")
-    return subprocess.run(["pdftotext", pdf, "-"], check=True, capture_output=True, text=True).stdout
+import browser
 
 
 def colours_of(png):
@@ -77,7 +61,7 @@ def unfiltered(kind, line, above, size):
 
 def main():
     arborist, source = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
-    if shutil.which("chromium") is None:
+    if not browser.is_there():
         print("skipped: there is no chromium")
         return 77
     with tempfile.TemporaryDirectory() as name:
@@ -87,14 +71,18 @@ def main():
         page = folder / "report.html"
         subprocess.run([arborist, "report", folder / "laptop", "--code-runner", example / "code-runner.sh",
                         "--log-level", "none", "-o", page], check=True)
-        dom = chromium(folder, page, "--dump-dom").decode("utf-8")
+        dom = browser.run(folder, page, "--dump-dom").stdout.decode("utf-8")
         for cause in ["BATTERY_WORN", "CHARGE_LOST", "FLASH_LIFE_USED", "MODULE_B1_BAD", "PANEL_WORN_OUT"]:
             assert f'<h4 class="id">{cause}</h4>' in dom, f"no card of {cause}"
         assert dom.count("<svg") == 6, "not every tree is drawn"
+        with_sweep = folder / "swept.html"
+        subprocess.run([arborist, "report", folder / "laptop", "--sweep", "--log-level", "none", "-o", with_sweep], check=True,
+                       capture_output=True)
+        browser.assert_readable(folder, with_sweep)
         picture = folder / "report.png"
-        chromium(folder, page, f"--screenshot={picture}", "--window-size=800,600")
+        browser.run(folder, page, f"--screenshot={picture}", "--window-size=800,600")
         assert colours_of(picture.read_bytes()) > 10, "the picture is blank"
-        printed = text_on_paper(folder, page)
+        printed = browser.printed(folder, page)
         # The list of the tree without a fault, the last one, is folded on the screen.
         assert "RECEIVE_ERRORS" in printed.split("All events of the tree")[-1], "a folded list is not printed"
     print("the report shows its root causes")
