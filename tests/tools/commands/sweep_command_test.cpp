@@ -175,6 +175,17 @@ TEST_F(SweepCommandTest, TreesOfOneIdAreToldApart)
     EXPECT_EQ(Lines(Sweep({"--json", "--rule", "drops"}).out)[1]["treeNumber"], 0);
 }
 
+TEST_F(SweepCommandTest, TheMachineAtHandIsSweptOnRequest)
+{
+    WriteHotBundle(mDir, "b");
+    std::string rules = mDir.Read("b/rules/FaultTreeRules.xml");
+    mDir.Write("machine", "80\n");
+    rules.replace(rules.find("\"temperature\""), 13, "\"" + mDir.Path("machine") + "\"");
+    mDir.Write("b/rules/FaultTreeRules.xml", rules);
+    EXPECT_THAT(Sweep().out, Not(HasSubstr("cause HOT")));
+    EXPECT_THAT(Sweep({"--live"}).out, HasSubstr("cause HOT"));
+}
+
 TEST_F(SweepCommandTest, AnEndBeforeTheBeginningIsWrongUse)
 {
     WriteDrops();

@@ -79,13 +79,15 @@ void AddSweepCommand(Command app, ExitStatus& status)
         .ShowDefault();
     sweep.AddFlag("--strict", options->isStrict, "Exit with 4 on a warning");
     AddRules(sweep, wanted.overrides);
+    AddLive(sweep, wanted.overrides);
     AddTimeZone(sweep, wanted.overrides.tz);
     AddCodeRunnerOptions(sweep, options->codeRunner);
     AddSeconds(sweep, "--time-limit", wanted.overrides.timeLimit, 0, "Seconds after which the sweep stops: it ends before the "
         "moment at which it is; 0 for no limit");
     AddLogOptions(sweep, options->log);
-    sweep.Footer("Node files, answers to code rules, external databases, the version and the dates of repairs have no\n"
-                  "history: they are taken as captured.\n"
+    sweep.Footer("Node files, answers to code rules, external databases, the version and the\n"
+                  "dates of repairs have no history: they are taken as captured. Each moment is\n"
+                  "\"now\" in its turn: --until stands for the --now and --as-of of other commands.\n"
                   "Examples:\n  arborist sweep examples/laptop\n"
                   "  arborist sweep --json --from 2024-05-01 --tree AUDIO examples/laptop > intervals.jsonl");
     sweep.OnCall([options, &status] { status = SweepBundle(*options); });
