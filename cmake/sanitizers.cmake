@@ -9,7 +9,8 @@ if(ARBORIST_COVERAGE)
         message(FATAL_ERROR "ARBORIST_COVERAGE needs clang++")
     endif()
     # Relocated counters can lie in the profile's file itself: a process that is killed or ends by _exit has counted, too.
-    target_compile_options(arborist_sanitizers INTERFACE -fprofile-instr-generate -fcoverage-mapping
+    # Processes share them, so that each is counted atomically: the least difference passes for a condition that was false.
+    target_compile_options(arborist_sanitizers INTERFACE -fprofile-instr-generate -fcoverage-mapping -fprofile-update=atomic
         "SHELL:-mllvm -runtime-counter-relocation")
     target_link_options(arborist_sanitizers INTERFACE -fprofile-instr-generate)
 endif()

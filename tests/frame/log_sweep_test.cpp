@@ -399,6 +399,16 @@ TEST_F(LogSweepTablesTest, TablesAreBuiltOnlyForTheTreeOrTheRuleThatIsAskedFor)
     EXPECT_THAT(Asked(), ElementsAre("E 4"));
 }
 
+TEST_F(LogSweepTablesTest, ATreeWithoutAnIdIsNotTheOneThatIsAskedForWhereOnlyARuleIs)
+{
+    mDir.Write("rules/FaultTrees.xml",
+        TreeXml("Tag").Version("1").Tree("", Or({Basic("F")})).Tree("T", Or({Basic("E")})).Text());
+    SweepRequest request{DAY, 60 * DAY};
+    request.rule = "r";
+    ASSERT_TRUE(Sweep(request));
+    EXPECT_THAT(Unswept(), ElementsAre("F b not_asked_for"));
+}
+
 TEST_F(LogSweepTest, StatementsWithoutATableOfEventsAreAskedOnce)
 {
     const Xml fixed = TableXml("0", "0").Attr("type", "lumbraPlusData");
@@ -448,6 +458,8 @@ TEST_F(LogSweepTest, AnObserverNeedsToHearNothing)
     info->mRuleFileDir = mDir.Path("rules");
     SweepObserver deaf;
     EXPECT_TRUE(LogSweep(info).Run({DAY, 30 * DAY}, deaf));
+    mSettings.Set(Settings::TIME_LIMIT, "0.000001");
+    EXPECT_TRUE(LogSweep(info).Run({DAY, 30 * DAY}, deaf)) << "stopped";
 }
 
 TEST(SweepPlanTest, RulesAreInTheOrderOfEventsAndNames)

@@ -81,9 +81,12 @@ TEST_F(FailingUtilityCall, CopyFailsWhereTheFileCannotBeClosedOrGetNoPermissions
 TEST_F(FailingUtilityCall, CopyOfAFolderFailsWhereItsEntriesCannotBeRead)
 {
     mDir.Write("a/b/c", "text");
-    const Failure failure(Call::NEXT_ENTRY, EIO, 4); // the first three read ".", ".." and "b"
-    EXPECT_FALSE(FileUtil::CopyFileToFolder("a", "d", fs::copy_options::recursive));
-    EXPECT_EQ(Log(), "FUNc:FileUtil::CopyFileToFolder: Failed to copy file a to directory d.");
+    for (int call = 1; call <= 8; ++call) { // of ".", "..", one entry and the end of each of the two folders
+        const Failure failure(Call::NEXT_ENTRY, EIO, call);
+        const std::string target = "d" + std::to_string(call);
+        EXPECT_FALSE(FileUtil::CopyFileToFolder("a", target, fs::copy_options::recursive)) << call;
+        EXPECT_EQ(Log(), "FUNc:FileUtil::CopyFileToFolder: Failed to copy file a to directory " + target + ".");
+    }
 }
 
 TEST_F(FailingUtilityCall, FileThatCannotBeReadToItsEndIsNotTakenForAShorterOne)
