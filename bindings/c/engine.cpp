@@ -1,10 +1,9 @@
 #include "bindings/c/engine.h"
 
-#include <atomic>
 #include <cstring>
 #include <mutex>
-#include <thread>
 #include <type_traits>
+#include <utility>
 
 #include "bindings/c/answer.h"
 #include "diagnosis/process/library_log.h"
@@ -14,8 +13,19 @@ namespace diagnosis::bindings {
 namespace {
 
 std::mutex oneCall;
-/// The thread of the call that runs.
-std::atomic<std::thread::id> caller;
+/// Whether this thread is in a callback: that of the call, or one that the library has started and waits for.
+thread_local bool isInCallback = false;
+
+class InCallback {
+public:
+    InCallback() : mBefore(std::exchange(isInCallback, true)) {}
+    ~InCallback() { isInCallback = mBefore; }
+    InCallback(const InCallback&) = delete;
+    InCallback& operator=(const InCallback&) = delete;
+
+private:
+    bool mBefore;
+};
 
 // A line is "[[LEVEL] ]:", the message and a line end.
 std::string MessageOf(const std::string& line)
@@ -28,41 +38,45 @@ std::string MessageOf(const std::string& line)
     return message;
 }
 
-/// Hands lines to the function of the engine whose call runs. Between calls the library logs nothing.
+/// Hands lines to the function that the engine has when its call begins. Between calls the library logs nothing.
 class HostSink : public LogSink {
 public:
-    explicit HostSink(const arborist_engine& engine) : mEngine(engine) {}
+    explicit HostSink(const arborist_engine& engine) : mLog(engine.log), mLeast(engine.least), mUser(engine.logUser) {}
 
     bool IsWanted(unsigned int level) const override
     {
-        return mEngine.log != nullptr && static_cast<int>(level) >= static_cast<int>(mEngine.least);
+        return mLog != nullptr && static_cast<int>(level) >= static_cast<int>(mLeast);
     }
 
     void OnLine(unsigned int level, const std::string& line) override
     {
         const std::string message = MessageOf(line);
-        mEngine.log(mEngine.logUser, static_cast<arborist_log_level>(level), message.c_str(), message.size());
+        const InCallback inCallback;
+        mLog(mUser, static_cast<arborist_log_level>(level), message.c_str(), message.size());
     }
 
 private:
-    const arborist_engine& mEngine;
+    arborist_log_function mLog;
+    arborist_log_level mLeast;
+    void* mUser;
 };
+
+std::optional<bool> AnswerOf(arborist_code_answer answer)
+{
+    // A host in C may return any number; one beyond the enumeration is no value of it in C++.
+    std::underlying_type_t<arborist_code_answer> number = ARBORIST_NO_ANSWER;
+    std::memcpy(&number, &answer, sizeof(number));
+    const bool isAnswer = number == ARBORIST_PRESENT || number == ARBORIST_NOT_PRESENT;
+    return isAnswer ? std::optional(number == ARBORIST_PRESENT) : std::nullopt;
+}
 
 } // namespace
 
 Turn::Turn(const arborist_engine& engine)
 {
-    if (caller.load() != std::this_thread::get_id()) {
+    if (!isInCallback) {
         mLock = std::unique_lock(oneCall);
         SendLibraryLogTo(std::make_unique<HostSink>(engine));
-        caller = std::this_thread::get_id();
-    }
-}
-
-Turn::~Turn()
-{
-    if (IsTaken()) {
-        caller = std::thread::id();
     }
 }
 
@@ -72,13 +86,9 @@ DetectionOptions OptionsOf(arborist_engine& engine)
     options.ruleSets = engine.ruleSets;
     options.stop = &engine.stop;
     if (engine.codeRule != nullptr) {
-        options.codeRunner.ask = [&engine](const std::string& question) -> std::optional<bool> {
-            const auto answer = engine.codeRule(engine.codeRuleUser, question.c_str(), question.size());
-            // A host in C may return any number; one beyond the enumeration is no value of it in C++.
-            std::underlying_type_t<arborist_code_answer> number = ARBORIST_NO_ANSWER;
-            std::memcpy(&number, &answer, sizeof(number));
-            const bool isAnswer = number == ARBORIST_PRESENT || number == ARBORIST_NOT_PRESENT;
-            return isAnswer ? std::optional(number == ARBORIST_PRESENT) : std::nullopt;
+        options.codeRunner.ask = [ask = engine.codeRule, user = engine.codeRuleUser](const std::string& question) {
+            const InCallback inCallback;
+            return AnswerOf(ask(user, question.c_str(), question.size()));
         };
     }
     return options;

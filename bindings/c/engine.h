@@ -24,9 +24,8 @@ namespace diagnosis::bindings {
 /// The turn of one call: waits for the one that runs, then sends the library's log to `engine` until its end.
 class Turn {
 public:
-    /// Takes no turn if this thread has one already: the call comes out of a callback.
+    /// Takes no turn on a thread that is in a callback: the turn would wait for the call that waits for the callback.
     explicit Turn(const arborist_engine& engine);
-    ~Turn();
     Turn(const Turn&) = delete;
     Turn& operator=(const Turn&) = delete;
 
@@ -36,7 +35,7 @@ private:
     std::unique_lock<std::mutex> mLock;
 };
 
-/// The options of a detection that an engine decides.
+/// The options of a detection that an engine decides, as it is set now: what the host sets later reaches the next one.
 DetectionOptions OptionsOf(arborist_engine& engine);
 
 } // namespace diagnosis::bindings

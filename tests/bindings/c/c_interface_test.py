@@ -176,7 +176,7 @@ class CInterfaceTest(UnchangedInputs):
         self.assertEqual([line for line in silent.stderr.decode().splitlines() if line.startswith("log ")], [])
 
     def test_contract_of_handles_and_threads(self):
-        result = subprocess.run([C_CONTRACT, self.code_bundle()], capture_output=True, check=False)
+        result = subprocess.run([C_CONTRACT, self.code_bundle(), "laptop"], capture_output=True, check=False)
         self.assertEqual((result.returncode, result.stderr.decode()), (0, ""))
 
     def test_memory_stays_flat(self):

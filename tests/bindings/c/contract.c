@@ -1,6 +1,6 @@
 /* What the header promises apart from answers: versions, nulls, turns of threads, calls out of callbacks.
  *
- *     c_contract BUNDLE     a bundle with one code rule that has no recorded answer */
+ *     c_contract BUNDLE TWO     bundles with one and with two code rules that have no recorded answer */
 #include <pthread.h>
 #include <stdatomic.h>
 #include <stdio.h>
@@ -77,6 +77,75 @@ static void a_call_out_of_a_callback_is_refused(void)
     arborist_result_free(result);
 }
 
+static int refused = 0;
+static int messages = 0;
+
+static void call_out_of_log(void* user, arborist_log_level level, const char* message, size_t length)
+{
+    arborist_error* error = NULL;
+    (void)level;
+    (void)message;
+    (void)length;
+    CHECK(arborist_detect(user, request, strlen(request), NULL, &error) == ARBORIST_WRONG_USE);
+    refused += strcmp(arborist_error_code(error), "busy") == 0;
+    ++messages;
+    arborist_error_free(error);
+}
+
+/* Some messages come on a thread that reads the rule set, and for which the call waits. */
+static void a_call_out_of_the_log_is_refused_on_whatever_thread(void)
+{
+    arborist_engine* engine = NULL;
+    CHECK(arborist_engine_new(&engine, NULL) == ARBORIST_OK);
+    arborist_engine_on_log(engine, ARBORIST_LOG_TRACE, call_out_of_log, engine);
+    CHECK(arborist_detect(engine, request, strlen(request), NULL, NULL) == ARBORIST_OK);
+    CHECK(messages > 3 && refused == messages);
+    arborist_engine_on_log(engine, ARBORIST_LOG_TRACE, NULL, NULL);
+    CHECK(arborist_detect(engine, request, strlen(request), NULL, NULL) == ARBORIST_OK);
+    arborist_engine_free(engine);
+}
+
+struct leaver {
+    arborist_engine* engine;
+    int messages;
+    int questions;
+};
+
+static void leave_log(void* user, arborist_log_level level, const char* message, size_t length)
+{
+    struct leaver* leaver = user;
+    (void)level;
+    (void)message;
+    (void)length;
+    ++leaver->messages;
+    arborist_engine_on_log(leaver->engine, ARBORIST_LOG_TRACE, NULL, NULL);
+}
+
+static arborist_code_answer leave_code_rules(void* user, const char* question, size_t length)
+{
+    struct leaver* leaver = user;
+    (void)question;
+    (void)length;
+    ++leaver->questions;
+    arborist_engine_on_code_rule(leaver->engine, NULL, NULL);
+    return ARBORIST_NOT_PRESENT;
+}
+
+static void callbacks_that_leave_stay_until_the_call_ends(const char* with_two)
+{
+    struct leaver leaver = {NULL, 0, 0};
+    int before = 0;
+    CHECK(arborist_engine_new(&leaver.engine, NULL) == ARBORIST_OK);
+    arborist_engine_on_log(leaver.engine, ARBORIST_LOG_TRACE, leave_log, &leaver);
+    arborist_engine_on_code_rule(leaver.engine, leave_code_rules, &leaver);
+    CHECK(arborist_detect(leaver.engine, with_two, strlen(with_two), NULL, NULL) == ARBORIST_OK);
+    CHECK(leaver.messages > 3 && leaver.questions == 2);
+    before = leaver.messages;
+    CHECK(arborist_detect(leaver.engine, with_two, strlen(with_two), NULL, NULL) == ARBORIST_OK);
+    CHECK(leaver.messages == before && leaver.questions == 2);
+    arborist_engine_free(leaver.engine);
+}
+
 static atomic_int running = 0;
 static atomic_int most = 0;
 
@@ -144,13 +213,17 @@ static void a_stop_at_any_moment_does_no_harm(void)
 
 int main(int argc, char** argv)
 {
-    if (argc != 2) {
+    char with_two[4096];
+    if (argc != 3) {
         return 100;
     }
+    snprintf(with_two, sizeof with_two, "{\"bundle\": \"%s\"}", argv[2]);
     snprintf(request, sizeof request, "{\"bundle\": \"%s\"}", argv[1]);
     versions_are_those_of_the_header();
     nulls_are_no_handles_and_are_freed();
     a_call_out_of_a_callback_is_refused();
+    a_call_out_of_the_log_is_refused_on_whatever_thread();
+    callbacks_that_leave_stay_until_the_call_ends(with_two);
     calls_of_threads_take_turns();
     a_stop_at_any_moment_does_no_harm();
     return failures == 0 ? 0 : 1;

@@ -13,9 +13,9 @@
  *
  * Threads. While a call runs, the working directory, the time zone and the handlers of the signals that end a process
  * are those of the diagnosis, for the whole process; the end of the call restores them. Therefore one call runs at a
- * time: a call from another thread, of this engine or another, waits for it. A call out of a callback gives the error
- * "busy" at once. Handles may be used by any thread, each by one at a time; arborist_engine_stop alone may be called at
- * any moment.
+ * time: a call from another thread, of this engine or another, waits for it. A call out of a callback, on whatever
+ * thread that runs, gives the error "busy" at once. Handles may be used by any thread, each by one at a time;
+ * arborist_engine_stop alone may be called at any moment.
  *
  * No C++ exception leaves a call, and no call ends the process. */
 
@@ -78,7 +78,8 @@ typedef enum arborist_log_level {
 typedef void (*arborist_log_function)(void* user, arborist_log_level level, const char* message, size_t length);
 
 /** From the next call on, messages of `least` and above go to `function`; NULL for none, as in a new engine. `user` is
- * handed through and must be valid as long as calls are made. Not while a call of this engine runs. */
+ * handed through and must be valid as long as calls are made. While a call of this engine runs, only in a callback: the
+ * call goes on as it began. */
 ARBORIST_C_API void arborist_engine_on_log(
     arborist_engine* engine, arborist_log_level least, arborist_log_function function, void* user);
 
@@ -95,7 +96,7 @@ typedef enum arborist_code_answer {
 typedef arborist_code_answer (*arborist_code_rule_function)(void* user, const char* question, size_t length);
 
 /** From the next call on, code rules without a recorded answer are decided by `function`; NULL for nobody. `user` and
- * the moment as above. */
+ * the moment as for the log. */
 ARBORIST_C_API void arborist_engine_on_code_rule(
     arborist_engine* engine, arborist_code_rule_function function, void* user);
 
