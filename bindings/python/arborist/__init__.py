@@ -7,7 +7,7 @@
 One call runs at a time in a process: while it runs, the working directory and the time zone are those of the bundle. A
 call from another thread waits, without holding Python's lock. docs/python.md describes everything."""
 
-from arborist._calls import CodeRunner, Stop, detect, explain, query, record_repair, repairs, rule_set
+from arborist._calls import detect, explain, query, record_repair, repairs, rule_set
 from arborist._errors import ArboristError, InputError, InternalError, RuleSetError, WrongUseError
 from arborist._native import lib as _lib
 from arborist._results import (
@@ -25,6 +25,7 @@ from arborist._results import (
     Tree,
     Warning,
 )
+from arborist._running import CodeRunner, Stop
 from arborist._text import text_of as _text_of
 
 __version__: str = _text_of(_lib.arborist_library_version())

@@ -4,67 +4,18 @@ from __future__ import annotations
 
 import json
 import os
-from threading import Lock
-from typing import Any, Callable, Optional, Union
+from typing import Any, Union
 
 from arborist import _results
 from arborist._errors import BY_STATUS, ArboristError
 from arborist._log import LogQueue
 from arborist._native import ffi, lib
-from arborist._results import CodeQuestion, Detection, Explanation, Query, RepairRecord, RuleSet
+from arborist._results import Detection, Explanation, Query, RepairRecord, RuleSet
+from arborist._running import Answers, CodeRunner, Stop, run, turn
 from arborist._text import sized_text, text_of
 
 Path = Union[str, "os.PathLike[str]"]
 Moment = Union[str, int]
-
-#: Decides a code rule: True for present, False for not present, None for no answer.
-CodeRunner = Callable[[CodeQuestion], Optional[bool]]
-
-
-class Stop:
-    """Ends detections early, from any thread: hand it to one call at a time, and call `stop` while that runs. The
-    detection still returns; what was not decided is open with the reason "stopped". Without a running detection
-    it does nothing."""
-
-    def __init__(self) -> None:
-        self._lock = Lock()
-        self._engine: Any = None
-
-    def stop(self) -> None:
-        with self._lock:
-            if self._engine is not None:
-                lib.arborist_engine_stop(self._engine)
-
-    def _reach(self, engine: Any) -> None:
-        with self._lock:
-            self._engine = engine
-
-
-class _Asked:
-    """What the code rules of one call need: the host's function, and the exception that ended it."""
-
-    def __init__(self, engine: Any, runner: CodeRunner) -> None:
-        self.engine = engine
-        self.runner = runner
-        self.exception: BaseException | None = None
-
-
-def _answer_code_rule(user: Any, question: Any, length: int) -> int:
-    asked: _Asked = ffi.from_handle(user)
-    if asked.exception is not None:
-        return int(lib.ARBORIST_NO_ANSWER)
-    try:
-        answer = asked.runner(_results.question_of(text_of(question, length)))
-    except BaseException as exception:  # it goes on when the call has ended
-        asked.exception = exception
-        lib.arborist_engine_stop(asked.engine)
-        return int(lib.ARBORIST_NO_ANSWER)
-    if answer is None:
-        return int(lib.ARBORIST_NO_ANSWER)
-    return int(lib.ARBORIST_PRESENT if answer else lib.ARBORIST_NOT_PRESENT)
-
-
-ffi.def_extern("python_code_rule", error=lib.ARBORIST_NO_ANSWER)(_answer_code_rule)
 
 
 def _new_engine() -> Any:
@@ -94,27 +45,34 @@ def _call(
     function: Any, keys: dict[str, Any], code_runner: CodeRunner | None = None, stop: Stop | None = None
 ) -> tuple[str, str]:
     """The JSON of the answer and of its warnings. The engine's log and an exception of the runner come first."""
+    with turn():
+        return _call_in_turn(function, keys, code_runner, stop)
+
+
+def _call_in_turn(
+    function: Any, keys: dict[str, Any], code_runner: CodeRunner | None, stop: Stop | None
+) -> tuple[str, str]:
     engine = _new_engine()
     queue = LogQueue(engine)
-    asked = None
+    answers = Answers(engine, code_runner)
+    handle = ffi.new_handle(answers)
     if code_runner is not None:
-        asked = _Asked(engine, code_runner)
-        handle = ffi.new_handle(asked)
         lib.arborist_engine_on_code_rule(engine, lib.python_code_rule, handle)
     request = _request_of(keys)
     result, error = ffi.new("arborist_result**"), ffi.new("arborist_error**")
     if stop is not None:
         stop._reach(engine)
     try:
-        status = function(engine, request, len(request), result, error)
+        # The thread of the call keeps what the call uses, the handle and the queue, too.
+        run(lambda: (function(engine, request, len(request), result, error), handle, queue), answers)
     finally:
         if stop is not None:
             stop._reach(None)
     answer = ffi.gc(result[0], lib.arborist_result_free)
-    failure = _error_of(error[0]) if status != lib.ARBORIST_OK else None
+    failure = _error_of(error[0]) if error[0] != ffi.NULL else None
     queue.empty()
-    if asked is not None and asked.exception is not None:
-        raise asked.exception
+    if answers.exception is not None:
+        raise answers.exception
     if failure is not None:
         raise failure
     return sized_text(lib.arborist_result_json, answer), sized_text(lib.arborist_result_warnings, answer)

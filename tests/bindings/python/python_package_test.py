@@ -15,7 +15,9 @@ import sys
 import tempfile
 import threading
 import unittest
+from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
+from unittest import mock
 
 import arborist
 from arborist import _log
@@ -192,6 +194,46 @@ class PackageTest(UnchangedInputs):
         with self.assertRaisesRegex(LookupError, "no hands free"):
             arborist.detect("laptop", code_runner=fail)
         self.assertEqual(len(asked), 1)
+
+    def test_a_runner_that_returns_no_answer_is_a_wrong_runner(self):
+        class Undecided:
+            def __bool__(self):
+                raise ValueError("no truth")
+
+        for answer, kind in [("no", "str"), (1, "int"), (Undecided(), "Undecided")]:
+            with self.assertRaisesRegex(TypeError, f"the code runner returned {kind}, not True, False or None"):
+                arborist.detect("laptop", code_runner=lambda _, answer=answer: answer)
+
+    def test_a_signal_ends_a_detection_that_runs(self):
+        shutil.copytree(ROOT / "tests/bindings/python/endless_rules", "endless/rules")
+        Path("endless/bundle.json").write_text('{"detectScene": 1, "treeTag": "Tag"}')
+        for number, exception in [("SIGINT", "KeyboardInterrupt"), ("SIGUSR1", "LookupError")]:
+            host = subprocess.run([sys.executable, "-B", Path(__file__).parent / "interrupted_host.py", "endless", number],
+                                  capture_output=True, check=False, text=True, timeout=120)
+            self.assertEqual((host.stdout, host.stderr), (f"{exception} ['asked']\n", ""))
+
+    def test_the_runner_is_called_on_the_thread_of_the_call(self):
+        for call in (lambda work: work(), self.in_thread):
+            threads = []
+
+            def answer(_, threads=threads):
+                threads.append(threading.current_thread())
+                return True
+
+            def detect(answer=answer, threads=threads):
+                self.assertTrue(arborist.detect("laptop", code_runner=answer).is_fault)
+                self.assertEqual(threads, [threading.current_thread()] * 2)
+
+            call(detect)
+
+    def test_a_call_is_made_where_no_thread_can_be_started(self):
+        with mock.patch.object(threading.Thread, "start", side_effect=RuntimeError("can't start new thread")):
+            detection = arborist.detect("laptop", code_runner=lambda _: True)
+        self.assertTrue(detection.tree("LAPTOP_INPUT").is_fault)
+
+    def in_thread(self, work):
+        with ThreadPoolExecutor(1) as pool:
+            pool.submit(work).result(60)
 
     def test_a_call_out_of_the_runner_is_busy(self):
         codes = []
