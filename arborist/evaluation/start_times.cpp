@@ -168,7 +168,7 @@ std::int64_t StartTimes::GetRepairTimeFromDb(const std::string& repairId, std::s
     if (mRepairDates->HasFailed() || (time == 0 && !date.empty())) {
         unreadable = repairId;
     }
-    if (time > TimeUtil::GetLastMoment()) {
+    if (!date.empty() && time > TimeUtil::GetLastMoment()) {
         // The store keeps the latest date alone: when the repair was carried out before is not known any more.
         TroubleWatch::Tell(
             Evidence::Trouble::Kind::REPAIR_HISTORY_LOST, date, {repairId, DevicePaths::RepairDatabase()});

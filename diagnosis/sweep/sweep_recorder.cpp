@@ -78,9 +78,10 @@ SweptSource SourceOf(const Evidence::Rule& rule)
     return rule.GetFamily() == Evidence::Family::ALARM ? SweptSource::LOG : SweptSource::CAPTURED;
 }
 
+// In the first days of 1970 a period begins before 0, which stands for no repair.
 bool BeginsAtRepair(const std::optional<Evidence::Start>& start)
 {
-    return start && start->floor == Evidence::Floor::REPAIR;
+    return start && start->floor == Evidence::Floor::REPAIR && start->repair.seconds != 0;
 }
 
 // True if the rule looked at no time before a repair.

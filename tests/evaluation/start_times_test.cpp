@@ -157,6 +157,10 @@ TEST_F(StartTimesTest, TroubleWithRepairsNamesTheirDatabase)
     Start(7, "4", "E");
     EXPECT_THAT(places, ElementsAre("R1 " + path));
     places.clear();
+    mSettings.Set(Settings::AS_OF, "-5"); // even before 1970 a repair without a date wasn't recorded later
+    Start(7, "4", "E");
+    EXPECT_THAT(places, ElementsAre("R1 " + path));
+    places.clear();
     mSettings.Set(Settings::AS_OF, "");
     EventLogBuilder::Run(path, "alter table repair_data rename column repair_date to other");
     Start(7, "4", "E");

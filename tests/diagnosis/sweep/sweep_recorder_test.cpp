@@ -94,10 +94,11 @@ TEST(SweepRecorderTest, ARuleIsTrueFalseOrNotJudgedWithTheReason)
         SweptInterval{10, 19, FALSE, ""}, SweptInterval{20, 29, TRUE, ""}, SweptInterval{30, 40, NOT_JUDGED, "group_ended"}));
 }
 
-Evidence::Start StartAt(Evidence::Floor floor)
+Evidence::Start StartAt(Evidence::Floor floor, std::int64_t repair = 5)
 {
     Evidence::Start start;
     start.floor = floor;
+    start.repair.seconds = repair;
     return start;
 }
 
@@ -116,12 +117,14 @@ TEST(SweepRecorderTest, ARuleWhoseWindowBeganAtARepairRestsOnItsDateFromThenOn)
     std::get<Evidence::Command>(command.part).start = StartAt(Evidence::Floor::REPAIR);
     Evidence::Rule updated = Rule("u", Evidence::Verdict::NOT_FIRED);
     std::get<Evidence::Alarm>(updated.part).windows.emplace_back().start = StartAt(Evidence::Floor::UPDATE);
-    recorder.OnEventDecided(10, Asked({command, updated}));
+    Evidence::Rule early = Rule("e", Evidence::Verdict::NOT_FIRED);
+    std::get<Evidence::Alarm>(early.part).windows.emplace_back().start = StartAt(Evidence::Floor::REPAIR, 0);
+    recorder.OnEventDecided(10, Asked({command, updated, early}));
     std::vector<std::string> texts;
     for (const SweptRule& rule : recorder.TakeRules()) {
         texts.push_back(rule.GetGrounds().Text());
     }
-    EXPECT_THAT(texts, ElementsAre("log, repair date", "tables, repair date", "log"));
+    EXPECT_THAT(texts, ElementsAre("log, repair date", "tables, repair date", "log", "log"));
 }
 
 TEST(SweepRecorderTest, TreesAndCausesRestOnWhatTheRulesOfTheirEventsDo)

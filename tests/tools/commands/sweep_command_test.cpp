@@ -128,6 +128,15 @@ TEST_F(SweepCommandTest, OneTreeOrOneRuleIsToldAlone)
     EXPECT_THAT(Sweep({"--rule", "drop"}).err, HasSubstr("no event asks a rule \"drop\"; did you mean \"drops\"?"));
 }
 
+TEST_F(SweepCommandTest, ColumnsAreAsWideAsTheirCharacters)
+{
+    WriteDrops();
+    std::string trees = mDir.Read("b/rules/FaultTrees.xml");
+    trees.replace(trees.find("\"T\""), 3, "\"\u00C4\u00D6\u00DC\"");
+    mDir.Write("b/rules/FaultTrees.xml", trees);
+    EXPECT_THAT(Sweep().out, HasSubstr("\ntree \u00C4\u00D6\u00DC          2024"));
+}
+
 TEST_F(SweepCommandTest, WhatRestsOnTheDateOfARepairIsMarkedInTableAndLines)
 {
     WriteDrops();
@@ -141,6 +150,7 @@ TEST_F(SweepCommandTest, WhatRestsOnTheDateOfARepairIsMarkedInTableAndLines)
         EXPECT_EQ(lines[line]["restsOn"][0], "log");
         EXPECT_EQ(lines[line]["restsOn"][1], "repair_date");
     }
+    EXPECT_THAT(Sweep({"--from", "-5", "--until", "5"}).out, Not(HasSubstr("repair date")));
     // Neither a repair after the last moment nor one from before each window moves a start.
     EXPECT_THAT(Sweep({"--until", std::to_string(NOW)}).out, Not(HasSubstr("repair date")));
     EXPECT_THAT(Sweep({"--from", "2024-06-01", "--until", "2024-06-02"}).out, Not(HasSubstr("repair date")));

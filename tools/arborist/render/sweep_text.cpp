@@ -47,19 +47,26 @@ Row RowOf(const std::string& name, const Timeline& timeline, const Grounds& grou
         LengthText(timeline.GetSeconds(SweptState::NOT_JUDGED)) + LastReason(timeline), grounds.Text()};
 }
 
+// In characters of UTF-8, of which a cell has no invalid ones.
+std::size_t WidthOf(const std::string& cell)
+{
+    return static_cast<std::size_t>(
+        std::count_if(cell.begin(), cell.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
+}
+
 std::string Table(const std::vector<Row>& rows)
 {
     std::array<std::size_t, COLUMNS> widths{};
     for (const Row& row : rows) {
         for (std::size_t column = 0; column < COLUMNS; ++column) {
-            widths[column] = std::max(widths[column], row[column].size());
+            widths[column] = std::max(widths[column], WidthOf(row[column]));
         }
     }
     std::string text;
     for (const Row& row : rows) {
         std::string line = row[0];
         for (std::size_t column = 1; column < COLUMNS; ++column) {
-            line += std::string(widths[column - 1] - row[column - 1].size() + 2, ' ') + row[column];
+            line += std::string(widths[column - 1] - WidthOf(row[column - 1]) + 2, ' ') + row[column];
         }
         text += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
     }
