@@ -127,6 +127,8 @@ TEST_F(CompareCommandTest, ABundleThatIsListedTwiceIsRunOnce)
     EXPECT_THAT(result.err, HasSubstr("arborist: the list repeats bundles: of 6 entries, 2 are run\n"));
     EXPECT_THAT(result.err, HasSubstr("arborist: 2 bundles in "));
     EXPECT_THAT(result.out, HasSubstr("before: old: 2 bundles\n"));
+    mDir.Write("list", "hot\nhot\n");
+    EXPECT_THAT(Compare().err, HasSubstr("of 2 entries, 1 is run\n"));
 }
 
 TEST_F(CompareCommandTest, WithoutATemporaryFolderNothingIsRun)

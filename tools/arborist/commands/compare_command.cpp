@@ -159,7 +159,7 @@ void DropRepeats(std::vector<std::string>& names)
     std::erase_if(names, [&known](const std::string& name) { return !known.insert(PlaceOf(name)).second; });
     if (names.size() < listed) {
         PrintError("the list repeats bundles: of " + std::to_string(listed) + " entries, " + std::to_string(names.size())
-            + " are run");
+            + (names.size() == 1 ? " is run" : " are run"));
     }
 }
 
@@ -239,7 +239,7 @@ void AddCompareCommand(Command app, ExitStatus& status)
     auto options = std::make_shared<CompareOptions>();
     Command compare = app.AddCommand("compare", "Run two rule sets over the same bundles, and tell where their results differ");
     compare.Add("--rules", options->rules, "Folder of a rule set; twice: the one before and the one after")
-        .Takes("DIR").Required();
+        .Takes("DIR").Required().NotEmpty();
     compare.Add("--prefix", options->prefix, "The rule files are named with this and \"_\" in front, as \"ruleFilePrefix\" of the "
         "bundles says").Takes("PREFIX");
     AddListOptions(compare, *options);

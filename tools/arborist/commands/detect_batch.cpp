@@ -238,11 +238,13 @@ void AddBatchOptions(Command detect, DetectOptions& options)
     detect.Add("--output,-o", options.output, "Write the lines of a batch into this file, which appears when "
         "all are in it")
         .Takes("FILE")
+        .NotEmpty()
         .Needs(batch);
     detect.AddFlag("--ordered", options.batch.isOrdered, "Lines of a batch in the order of the list").Needs(batch);
     detect.Add("--resume", options.earlier, "Pass over the bundles that have a line in this file, of an earlier run, and "
         "print these lines anew; lines with an error that is worth a retry don't count")
         .Takes("FILE")
+        .NotEmpty()
         .Needs(batch);
     detect.Add("--retries", options.batch.retries, "How often to run a bundle of a batch again whose error is worth a "
         "retry; 0 unless given")
@@ -251,6 +253,7 @@ void AddBatchOptions(Command detect, DetectOptions& options)
         .Needs(batch);
     detect.Add("--summary", options.summary, "Write what a batch came to into this file, as one JSON object")
         .Takes("FILE")
+        .NotEmpty()
         .Needs(batch);
     detect.AddFlag("--exit-zero-on-bundle-errors", options.batch.forgivesBundles, "Bundles of a batch that can't be "
         "diagnosed don't change the exit status: it speaks of the batch")

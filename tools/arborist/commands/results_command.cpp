@@ -81,10 +81,13 @@ void AddImportCommand(Command results, ExitStatus& status)
 {
     auto options = std::make_shared<ResultsImportOptions>();
     Command import = results.AddCommand("import", "Put lines of \"detect --json\" into a database that SQL can ask");
-    import.Add("FILE", options->files, "JSON Lines of detect --json or --batch; - for standard input").Required();
+    import.Add("FILE", options->files, "JSON Lines of detect --json or --batch; - for standard input")
+        .Required()
+        .NotEmpty();
     import.Add("--to", options->target, "The results database, made with its folders if it is not there")
         .Takes("R.DB")
-        .Required();
+        .Required()
+        .NotEmpty();
     import.AddFlag("--evidence", options->import.withEvidence, "Also keep the evidence of lines made with --explain");
     import.AddFlag("--mixed-rules", options->import.acceptsMixedRules, "Accept lines of several rule sets");
     import.AddFlag("--skip-bad-lines", options->import.skipsBadLines, "Pass over lines that can't be used");
@@ -127,8 +130,9 @@ void AddDiffCommand(Command results, ExitStatus& status)
     auto options = std::make_shared<ResultsDiffOptions>();
     Command diff = results.AddCommand("diff", "Tell where two results of the same bundles differ");
     diff.Add("OLD", options->before, "The results before: JSON Lines, or a results database; - for standard input")
-        .Required();
-    diff.Add("NEW", options->after, "The results after").Required();
+        .Required()
+        .NotEmpty();
+    diff.Add("NEW", options->after, "The results after").Required().NotEmpty();
     diff.AddFlag("--exit-code", options->exitsByDifference, "Exit with 1 if they differ");
     diff.AddFlag("--json", options->asJson, "One JSON object");
     diff.Footer("Results that failed, are undecided or are missing on a side are not comparable: neither new nor gone.\n"

@@ -47,7 +47,7 @@ void AddResultsReportCommand(Command results, ExitStatus& status)
 {
     auto options = std::make_shared<ResultsReportOptions>();
     Command report = results.AddCommand("report", "Write one HTML page about all results of a database");
-    report.Add("R.DB", options->database, "Results database that 'arborist results import' made").Required();
+    report.Add("R.DB", options->database, "Results database that 'arborist results import' made").Required().NotEmpty();
     report.Add("--html", options->page, "File to write the page to").Takes("FILE").NotEmpty();
     report.AddFlag("--json", options->asJson, "Print the figures as one JSON object");
     report.Add("--within", options->withinDays, "Follow devices for so many days after a repair")

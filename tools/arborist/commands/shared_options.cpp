@@ -43,7 +43,8 @@ void AddRules(Command app, BundleOverrides& overrides)
         overrides.rules = MakeRulesPath(folder);
     };
     app.Add("--rules", takeOver, "Folder of a rule set to use instead of the bundle's")
-        .Takes("DIR");
+        .Takes("DIR")
+        .NotEmpty();
 }
 
 void AddMomentOption(Command app, const std::string& name, std::string& moment, const std::string& description)
@@ -70,7 +71,8 @@ void AddLogOptions(Command app, LogOptions& options)
         .Takes("LEVEL")
         .OneOf({"trace", "debug", "info", "warn", "error", "fatal", "none"});
     app.Add("--log-file", options.file, "Whole library log into this file, instead of standard error")
-        .Takes("FILE");
+        .Takes("FILE")
+        .NotEmpty();
 }
 
 void AddCodeRunnerOptions(Command app, CodeRunnerOptions& options)

@@ -60,6 +60,7 @@ ExitStatus SweepBundle(SweepCommandOptions options)
 
 void AddSweepCommand(Command app, ExitStatus& status)
 {
+    static constexpr std::size_t MOST_TABLE_MOMENTS = 10'000'000;
     auto options = std::make_shared<SweepCommandOptions>();
     SweepOptions& wanted = options->sweep;
     Command sweep = app.AddCommand("sweep", "Tell what detections find as of every moment of a bundle's event log");
@@ -76,7 +77,8 @@ void AddSweepCommand(Command app, ExitStatus& status)
     sweep.Add("--table-moments", wanted.mostTableMoments, "Build derived tables for at most so many moments; rules on "
         "tables that change more often are not swept")
         .Takes("N")
-        .ShowDefault();
+        .ShowDefault()
+        .Within(std::size_t{0}, MOST_TABLE_MOMENTS);
     sweep.AddFlag("--strict", options->isStrict, "Exit with 4 on a warning");
     AddRules(sweep, wanted.overrides);
     AddLive(sweep, wanted.overrides);
