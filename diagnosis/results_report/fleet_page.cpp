@@ -1,6 +1,9 @@
 #include "diagnosis/results_report/fleet_page.h"
 
 #include <algorithm>
+#include <set>
+#include <string>
+#include <vector>
 
 #include "diagnosis/drawing/event_label.h"
 #include "diagnosis/drawing/svg_chart.h"
@@ -58,8 +61,12 @@ std::string CauseName(const CommonCause& cause)
 std::string Headline(const Fleet& fleet)
 {
     const std::string bundles = Plural(fleet.bundles.All(), "bundle", "bundles");
-    std::string text = fleet.bundles.fault == 0 ? "No fault found in " + bundles
-                                                : "Faults in " + std::to_string(fleet.bundles.fault) + " of " + bundles;
+    if (Diagnosed(fleet.bundles) == 0) {
+        return fleet.bundles.All() == 0 ? "No results" : "None of " + bundles + " diagnosed";
+    }
+    std::string text = fleet.bundles.fault == 0
+        ? "No fault found in " + Plural(Diagnosed(fleet.bundles), "bundle", "bundles")
+        : "Faults in " + std::to_string(fleet.bundles.fault) + " of " + bundles;
     text += fleet.bundles.undecided == 0 ? "" : ", " + std::to_string(fleet.bundles.undecided) + " undecided";
     return text + (fleet.bundles.failed == 0 ? "" : ", " + std::to_string(fleet.bundles.failed) + " not diagnosed");
 }
@@ -70,6 +77,18 @@ std::string Facts(const Fleet& fleet)
         + Fact("Until", fleet.until) + Fact("Devices", std::to_string(fleet.repairs.devices)) + "</dl>\n";
 }
 
+// Bundles that failed before their rule set was read are of no other rule set for that.
+bool AreOfSeveral(const std::vector<FleetRun>& runs)
+{
+    std::set<std::string> engines;
+    std::size_t known = 0;
+    for (const FleetRun& run : runs) {
+        engines.insert(run.engine);
+        known += run.ruleSet.empty() ? 0 : 1;
+    }
+    return engines.size() > 1 || known > 1;
+}
+
 std::string RunsSection(const Fleet& fleet)
 {
     FigureTable table({"Engine", "Rule set", "Bundles"});
@@ -77,7 +96,7 @@ std::string RunsSection(const Fleet& fleet)
         const FigureCell ruleSet = run.ruleSet.empty() ? FigureCell("not known") : FigureCell::Id(run.ruleSet);
         table.Row({run.engine, ruleSet, run.bundles});
     }
-    std::string text = fleet.runs.size() < 2 ? ""
+    std::string text = !AreOfSeveral(fleet.runs) ? ""
         : Paragraph("These results are of several engines or rule sets. A bundle that several of them diagnosed counts once "
                     "for each.");
     text += fleet.runsLeftOut == 0 ? "" : Paragraph("And " + std::to_string(fleet.runsLeftOut) + " more.");
@@ -263,7 +282,8 @@ std::string TrendSection(const Fleet& fleet)
     const std::string pictures = columns.empty() ? ""
         : Html("p", "Bundles by the week of their moment, named by its Monday.", "legend") + VERDICT_KEY
             + Picture("Picture of bundles by week", SvgColumns("Bundles by week and verdict.", columns)) + CauseLines(fleet);
-    return Section("trend", "Trend by week", pictures + OutsideOfTrend(fleet.trend));
+    const std::string text = pictures + OutsideOfTrend(fleet.trend);
+    return Section("trend", "Trend by week", text.empty() ? Paragraph("There is no bundle.") : text);
 }
 
 } // namespace

@@ -65,6 +65,30 @@ TEST(FleetPageTest, SaysWhyThereAreNoRepairs)
         HasSubstr("1 repair is on record that no root cause of these results names.")));
 }
 
+TEST(FleetPageTest, TheHeadlineClaimsNoMoreThanWasDiagnosed)
+{
+    FleetDatabase failed;
+    failed.Bundle("a", "").Failed("no_bundle");
+    failed.Bundle("b", "").Failed("timeout");
+    EXPECT_THAT(FleetPage(failed.Read()), HasSubstr("<h1>None of 2 bundles diagnosed</h1>"));
+    FleetDatabase partly;
+    partly.Bundle("a", "2024-05-01 12:00:00").Tree("T", "no_fault");
+    partly.Bundle("b", "").Failed("timeout");
+    EXPECT_THAT(FleetPage(partly.Read()), HasSubstr("<h1>No fault found in 1 bundle, 1 not diagnosed</h1>"));
+}
+
+TEST(FleetPageTest, ABundleThatFailedBeforeItsRulesWereReadIsOfNoOtherRuleSet)
+{
+    const auto page = [](const std::string& ruleSet) {
+        FleetDatabase database;
+        database.Bundle("a", "2024-05-01 12:00:00").Tree("T", "no_fault");
+        database.Bundle("b", "", "", 1, ruleSet).Failed("no_bundle");
+        return FleetPage(database.Read());
+    };
+    EXPECT_THAT(page(""), AllOf(HasSubstr("<td>not known</td>"), Not(HasSubstr("of several engines or rule sets"))));
+    EXPECT_THAT(page("sha256:2"), HasSubstr("of several engines or rule sets"));
+}
+
 TEST(FleetPageTest, TextsOfDevicesFormNoMarkup)
 {
     const std::string hostile = "<script>alert(1)</script>\"'&\x1b[31m";
@@ -96,7 +120,7 @@ TEST(FleetPageTest, LoadsAndRunsNothing)
 TEST(FleetPageTest, AnEmptyFleetHasAPage)
 {
     const std::string page = FleetPage({});
-    EXPECT_THAT(page, AllOf(HasSubstr("<h1>No fault found in 0 bundles</h1>"), HasSubstr("No bundle has a root cause."),
+    EXPECT_THAT(page, AllOf(HasSubstr("<h1>No results</h1>"), HasSubstr("No bundle has a root cause."),
         HasSubstr("No check is open."), testing::EndsWith("</html>\n")));
 }
 
