@@ -46,6 +46,33 @@ TEST_F(ResultsCommandTest, ImportsWhatDetectPrints)
     EXPECT_EQ(Import({"lines.jsonl"}).err, "arborist: r.db: 0 added, 2 there already\n");
 }
 
+TEST_F(ResultsCommandTest, TellsWhatItImportedAsJson)
+{
+    WriteHotBundle(mDir, "hot");
+    mDir.Write("first.jsonl", DetectedLine("hot") + DetectedLine("later"));
+    WriteHotBundle(mDir, "later");
+    mDir.Write("lines.jsonl", DetectedLine("hot") + DetectedLine("later") + "{}\n" + DetectedLine("cold"));
+    mDir.Write("redaction.json", R"({"key": "sixteen bytes or more", "results": ["device"]})");
+    Import({"first.jsonl"});
+    const auto result = Import({"--json", "--skip-bad-lines", "--redact", "redaction.json", "lines.jsonl"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, R"({"schema": "arborist.results.import.1", "database": "r.db", "imported": true, "added": 1, )"
+        R"("replaced": 1, "there": 1, "skipped": 1, "redacted": [{"part": "device", "values": 0}], )"
+        R"("errors": [{"code": "bad_line", "message": "lines.jsonl:3: schema is missing"}]})" "\n");
+    EXPECT_EQ(result.err, "arborist: lines.jsonl:3: schema is missing\n");
+    const Json::Value schema = ParsedJson(PageOfDocs("results-import.schema.json"));
+    EXPECT_THAT(Violations(schema, ParsedJson(result.out)), IsEmpty());
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"lines.jsonl"}, {"--redact", "nowhere", "lines.jsonl"}}) {
+        auto failing = words;
+        failing.insert(failing.begin(), "--json");
+        const Json::Value failed = ParsedJson(Import(failing).out);
+        EXPECT_THAT(Violations(schema, failed), IsEmpty());
+        EXPECT_EQ(failed["imported"], false);
+        EXPECT_EQ(failed["added"], 0);
+        EXPECT_EQ(failed["errors"].size(), 1U);
+    }
+}
+
 TEST_F(ResultsCommandTest, ImportsFromStandardInput)
 {
     WriteHotBundle(mDir, "hot");

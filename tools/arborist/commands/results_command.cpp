@@ -1,7 +1,10 @@
+#include <cstdint>
+#include <map>
 #include <memory>
 
 #include "diagnosis/redaction/line_redaction.h"
 #include "diagnosis/results/results_diff_json.h"
+#include "diagnosis/results/results_import_json.h"
 #include "diagnosis/results_db/import_results.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/render/results_diff_text.h"
@@ -18,6 +21,7 @@ struct ResultsImportOptions {
     /// The redaction file; empty for none.
     std::string redaction;
     results_db::ImportOptions import;
+    bool asJson = false;
 };
 
 // "1,000 added, 2 replaced, 3 there already, 1 skipped"
@@ -32,29 +36,32 @@ std::string Summary(const results_db::ImportCounts& counts)
     return text;
 }
 
-ExitStatus Import(const ResultsImportOptions& options)
+using RedactedParts = std::map<std::string, std::uint64_t>;
+
+// What was replaced, a line for each part: "replaced: details, 12 values".
+void PrintReplaced(const RedactedParts& parts)
 {
-    const results_db::ImportReport report = ImportResults(options.files, options.target, options.import);
+    for (const auto& [part, count] : parts) {
+        const std::string many = count == 1 ? "" : "s";
+        PrintError(part == "explanation" ? "left out: the evidence of " + std::to_string(count) + " event" + many
+                                         : "replaced: " + part + ", " + std::to_string(count) + " value" + many);
+    }
+}
+
+ExitStatus Tell(const ResultsImportOptions& options, const results_db::ImportReport& report, const RedactedParts& redacted = {})
+{
     ExitStatus status = ExitStatus::SUCCESS;
     for (const Failure& failure : report.failures) {
         PrintError(failure.message);
         status = MoreSerious(status, failure.status);
     }
-    if (!report.isImported) {
-        return status;
+    if (options.asJson) {
+        PrintResult(ResultsImportJson(options.target, report, redacted) + "\n");
+    } else if (report.isImported) {
+        PrintError(options.target + ": " + Summary(report.counts));
+        PrintReplaced(redacted);
     }
-    PrintError(options.target + ": " + Summary(report.counts));
-    return ExitStatus::SUCCESS;
-}
-
-// What was replaced, a line for each part: "replaced: details, 12 values".
-void PrintReplaced(const LineRedaction& lines)
-{
-    for (const auto& [part, count] : lines.GetCounts()) {
-        const std::string many = count == 1 ? "" : "s";
-        PrintError(part == "explanation" ? "left out: the evidence of " + std::to_string(count) + " event" + many
-                                         : "replaced: " + part + ", " + std::to_string(count) + " value" + many);
-    }
+    return report.isImported ? ExitStatus::SUCCESS : status;
 }
 
 ExitStatus ImportRedacted(ResultsImportOptions options)
@@ -65,16 +72,20 @@ ExitStatus ImportRedacted(ResultsImportOptions options)
         failure = Failure{FailureCode::BAD_REDACTION, options.redaction + ": lists nothing under \"results\""};
     }
     if (failure) {
-        PrintError(failure->message);
-        return ExitStatus::WRONG_USE;
+        results_db::ImportReport report;
+        report.failures = {*failure};
+        return Tell(options, report);
     }
     LineRedaction lines(redaction);
     options.import.redact = [&lines](results_db::ResultLine& line) { lines.Redact(line); };
-    const ExitStatus status = Import(options);
-    if (status == ExitStatus::SUCCESS) {
-        PrintReplaced(lines);
-    }
-    return status;
+    const results_db::ImportReport report = ImportResults(options.files, options.target, options.import);
+    return Tell(options, report, report.isImported ? lines.GetCounts() : RedactedParts());
+}
+
+ExitStatus Import(const ResultsImportOptions& options)
+{
+    return options.redaction.empty() ? Tell(options, ImportResults(options.files, options.target, options.import))
+                                     : ImportRedacted(options);
 }
 
 void AddImportCommand(Command results, ExitStatus& status)
@@ -95,9 +106,8 @@ void AddImportCommand(Command results, ExitStatus& status)
                   "Example:\n  arborist results import results.jsonl --to results.db");
     import.Add("--redact", options->redaction, "Replace the parts of lines that this JSON file lists under \"results\" by keyed "
         "hashes, and tell how many were").Takes("FILE").NotEmpty();
-    import.OnCall([options, &status] {
-        status = options->redaction.empty() ? Import(*options) : ImportRedacted(*options);
-    });
+    import.AddFlag("--json", options->asJson, "What was imported as one JSON object");
+    import.OnCall([options, &status] { status = Import(*options); });
 }
 
 struct ResultsDiffOptions {
