@@ -69,7 +69,7 @@ std::string DeleteOutside(const LogSlice& slice, std::optional<std::int64_t> lat
     }
     // A foreign log can have any time, so that the subtraction could overflow.
     const std::int64_t reach = slice.lastDays.value_or(0) * SECONDS_OF_A_DAY;
-    if (slice.lastDays && latest && *latest >= std::numeric_limits<std::int64_t>::min() + reach) {
+    if (latest && *latest >= std::numeric_limits<std::int64_t>::min() + reach) {
         add(TimeIs("<", *latest - reach));
     }
     if (!sql.empty()) {
@@ -109,7 +109,11 @@ std::optional<Failure> Cut(const std::string& source, const std::string& file, c
         return Failure{FailureCode::BAD_LOG, source + ": " + database.GetError()};
     }
     database.LimitToFile();
-    const std::string cut = DeleteOutside(slice, LatestTime(database, slice.asOf));
+    const auto latest = slice.lastDays ? LatestTime(database, slice.asOf) : std::nullopt;
+    if (database.HasError()) { // without a latest time the last days would be all
+        return Failure{FailureCode::BAD_LOG, source + ": " + database.GetError()};
+    }
+    const std::string cut = DeleteOutside(slice, latest);
     if (!database.Execute("PRAGMA journal_mode = OFF") || !database.Execute(cut)) {
         return Failure{FailureCode::BAD_LOG, source + ": " + database.GetError()};
     }

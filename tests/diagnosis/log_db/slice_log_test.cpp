@@ -2,11 +2,14 @@
 
 #include <cstdint>
 
+#include <filesystem>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "tests/support/database_rows.h"
 #include "tests/support/event_log_builder.h"
+#include "tests/support/full_disk.h"
 #include "tests/support/temp_dir.h"
 
 namespace {
@@ -70,13 +73,27 @@ TEST_F(SliceLogTest, RefusesWhatItCannotReadOrReplace)
     EXPECT_EQ(Slice({}), "new.db: is in use: there is new.db-journal");
 }
 
+TEST_F(SliceLogTest, ASliceThatDoesNotFitOnTheDiskIsToldAndNotThere)
+{
+    EventLogBuilder().Rows(std::vector<LoggedRow>(300, {90000, 7, "4.1", std::string(200, 'x')})).Row({1, 7, "", ""})
+        .WriteTo(mDir.Path("log.db"));
+    const auto size = std::filesystem::file_size("log.db");
+    for (std::uintmax_t bytes = 0; bytes < size; bytes += 4096) {
+        const FullDisk disk(bytes);
+        EXPECT_NE(Slice(LastDays(1)).find("log.db: "), std::string::npos) << bytes;
+        EXPECT_FALSE(mDir.Has("new.db"));
+    }
+}
+
 TEST_F(SliceLogTest, ALogWithoutTablesIsToldWhenItIsCut)
 {
     EventLogBuilder::Run(mDir.Path("log.db"), "CREATE TABLE a (b)");
     diagnosis::LogSlice later;
     later.from = 5;
-    EXPECT_EQ(Slice(later), "log.db: no such table: event_info_flow");
-    EXPECT_FALSE(mDir.Has("new.db"));
+    for (const auto& slice : {later, LastDays(1)}) {
+        EXPECT_EQ(Slice(slice), "log.db: no such table: event_info_flow");
+        EXPECT_FALSE(mDir.Has("new.db"));
+    }
 }
 
 } // namespace
