@@ -68,25 +68,40 @@ public:
         return std::move(mFound);
     }
 
+    /// Why folders are not captured whole, behind their paths.
+    const std::vector<std::string>& LeftOut() const { return mLeftOut; }
+
 private:
     void Walk(const fs::path& folder, const std::string& name, int depth)
     {
+        if (depth > MOST_FOLDERS) {
+            mLeftOut.push_back(folder.string() + ": lies too deep, and what it holds is left out");
+            return;
+        }
         std::error_code error;
-        for (fs::directory_iterator entry(folder, fs::directory_options::skip_permission_denied, error);
+        for (fs::directory_iterator entry(folder, error);
              !error && entry != fs::directory_iterator() && mFound.size() <= mMost; entry.increment(error)) {
-            std::error_code ignored;
-            const bool isLink = entry->is_symlink(ignored);
-            const fs::path source = isLink ? fs::path(Target(entry->path(), mRoot)) : entry->path();
-            const bool isFolder = fs::is_directory(source, ignored);
-            const bool isLeftOut = isFolder && ((isLink && LeadsUp(source.string(), folder)) || IsOneOf(mOwn, source));
-            if (isLeftOut || (!isFolder && !fs::is_regular_file(source, ignored))) {
-                continue;
-            }
-            const std::string below = name + "/" + entry->path().filename().string();
-            mFound.push_back({source, below, isFolder});
-            if (isFolder && depth < MOST_FOLDERS) {
-                Walk(source, below, depth + 1);
-            }
+            Look(*entry, folder, name, depth);
+        }
+        if (error) {
+            mLeftOut.push_back(folder.string() + ": can't be read to its end, and the rest is left out");
+        }
+    }
+
+    void Look(const fs::directory_entry& entry, const fs::path& folder, const std::string& name, int depth)
+    {
+        std::error_code ignored;
+        const bool isLink = entry.is_symlink(ignored);
+        const fs::path source = isLink ? fs::path(Target(entry.path(), mRoot)) : entry.path();
+        const bool isFolder = fs::is_directory(source, ignored);
+        const bool isLeftOut = isFolder && ((isLink && LeadsUp(source.string(), folder)) || IsOneOf(mOwn, source));
+        if (isLeftOut || (!isFolder && !fs::is_regular_file(source, ignored))) {
+            return;
+        }
+        const std::string below = name + "/" + entry.path().filename().string();
+        mFound.push_back({source, below, isFolder});
+        if (isFolder) {
+            Walk(source, below, depth + 1);
         }
     }
 
@@ -94,6 +109,7 @@ private:
     const std::string& mRoot;
     std::uint64_t mMost;
     std::vector<Found> mFound;
+    std::vector<std::string> mLeftOut;
 };
 
 } // namespace
@@ -124,7 +140,11 @@ std::optional<Failure> CapturedFiles::AddFolder(
         return AddFile(source, name);
     }
     fs::create_directories(Path(name), error);
-    const std::vector<Found> all = FolderWalk(mOwn, root, mLimits.entries).List(fs::canonical(source, error), name);
+    FolderWalk walk(mOwn, root, mLimits.entries);
+    const std::vector<Found> all = walk.List(fs::canonical(source, error), name);
+    for (const std::string& folder : walk.LeftOut()) {
+        mWarnings.push_back({WarningCode::NOT_CAPTURED, folder});
+    }
     for (const Found& found : all) {
         if (found.isFolder) {
             fs::create_directories(Path(found.name), error);

@@ -27,7 +27,8 @@ public:
     /// The same for a node file, whose length may not be known beforehand. Truncates a file as soon as it is longer
     /// than the library accepts.
     std::optional<Failure> AddNodeFile(const std::string& source, const std::string& name);
-    /// Copies a folder with its content, or a plain file. Resolves links in it as if `root`, the real path of a folder
+    /// Copies a folder with its content, or a plain file. Warns of folders in it that can't be read or lie more than 60
+    /// folders deep, whose content is missing. Resolves links in it as if `root`, the real path of a folder
     /// above it, were the root directory; an empty `root` means this machine.
     std::optional<Failure> AddFolder(const std::string& source, const std::string& name, const std::string& root = "");
     /// Adds a file to the limits that was written to Path(name) in another way.

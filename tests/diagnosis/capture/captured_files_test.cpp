@@ -45,4 +45,68 @@ TEST(CapturedFilesTest, LinksInAFolderAreFollowedWithinTheRoot)
     EXPECT_EQ(dir.Read("live/data/outside.db"), "of this machine");
 }
 
+TEST(CapturedFilesTest, WhatIsNotThereIsNotCapturedAndIsNoTrouble)
+{
+    const TempDir dir;
+    diagnosis::CapturedFiles files(dir.MakeDir("target"), {});
+    EXPECT_FALSE(files.AddFile("none", "a").has_value());
+    EXPECT_FALSE(files.AddNodeFile("none", "b").has_value());
+    EXPECT_FALSE(files.AddFolder("none", "c").has_value());
+    EXPECT_EQ(files.Files(), 0U);
+    EXPECT_TRUE(files.GetWarnings().empty());
+    EXPECT_TRUE(fs::is_empty("target"));
+}
+
+TEST(CapturedFilesTest, APlainFileInThePlaceOfAFolderIsCaptured)
+{
+    const TempDir dir;
+    dir.Write("source", "x");
+    diagnosis::CapturedFiles files(dir.MakeDir("target"), {});
+    EXPECT_FALSE(files.AddFolder("source", "s").has_value());
+    EXPECT_EQ(dir.Read("target/s"), "x");
+}
+
+TEST(CapturedFilesTest, MoreFilesOrBytesThanACaptureMayHaveAreRefused)
+{
+    const TempDir dir;
+    dir.Write("folder/file", "123456");
+    diagnosis::CapturedFiles one(dir.MakeDir("one"), {.entries = 1});
+    EXPECT_FALSE(one.AddFile("folder/file", "a").has_value());
+    EXPECT_EQ(one.AddFile("folder/file", "b")->message, "more than 1 files or 4294967296 bytes to capture");
+    for (const bool isFolder : {false, true}) {
+        diagnosis::CapturedFiles five(dir.MakeDir(isFolder ? "all" : "file"), {.bytes = 5});
+        const auto failure = isFolder ? five.AddFolder("folder", "f") : five.AddFile("folder/file", "f");
+        ASSERT_TRUE(failure.has_value());
+        EXPECT_EQ(failure->code, diagnosis::FailureCode::TOO_LARGE);
+    }
+    diagnosis::CapturedFiles six(dir.MakeDir("six"), {.bytes = 6});
+    EXPECT_FALSE(six.AddFolder("folder", "f").has_value());
+}
+
+TEST(CapturedFilesTest, ANodeFileIsCutWhereNoLibraryReadsIt)
+{
+    const TempDir dir;
+    dir.Write("node", "");
+    fs::resize_file("node", 40U << 20U);
+    diagnosis::CapturedFiles files(dir.MakeDir("target"), {});
+    EXPECT_FALSE(files.AddNodeFile("node", "n").has_value());
+    EXPECT_EQ(fs::file_size("target/n"), (32U << 20U) + 1);
+}
+
+TEST(CapturedFilesTest, WhatLiesTooDeepIsLeftOutWithAWarning)
+{
+    const TempDir dir;
+    std::string folder = "source";
+    for (int depth = 1; depth <= 61; ++depth) {
+        folder += "/f";
+        dir.Write(folder + "/file", "x");
+    }
+    diagnosis::CapturedFiles files(dir.MakeDir("target"), {});
+    EXPECT_FALSE(files.AddFolder("source", "s").has_value());
+    EXPECT_EQ(files.Files(), 60U);
+    ASSERT_EQ(files.GetWarnings().size(), 1U);
+    EXPECT_EQ(files.GetWarnings()[0].message,
+        fs::canonical(folder).string() + ": lies too deep, and what it holds is left out");
+}
+
 } // namespace
