@@ -62,9 +62,9 @@ Problem WriteRepairs(const std::vector<RepairRecord>& repairs, const std::string
         return NotWritten(path, database.GetError());
     }
     auto insert = database.Prepare("INSERT INTO repair_data (repair_id, repair_date) VALUES (?1, ?2)");
-    for (const RepairRecord& repair : repairs) {
-        insert->Bind(1, repair.id);
-        insert->Bind(2, repair.date);
+    for (auto repair = repairs.begin(); repair != repairs.end() && !database.HasError(); ++repair) {
+        insert->Bind(1, repair->id);
+        insert->Bind(2, repair->date);
         insert->Step();
         insert->Reset();
     }

@@ -147,6 +147,9 @@ std::optional<Failure> EventLogWriter::Add(const LoggedEvent& event)
     mInfo->Bind(2, event.event);
     event.extra ? mInfo->Bind(3, *event.extra) : mInfo->BindNull(3);
     const auto version = event.version ? VersionId(*event.version) : std::nullopt;
+    if (event.version && !version) {
+        return Fail(mDatabase.GetError());
+    }
     version ? mInfo->Bind(4, *version) : mInfo->BindNull(4);
     mFlow->Bind(1, mRows);
     mFlow->Bind(2, event.time);

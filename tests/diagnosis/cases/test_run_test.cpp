@@ -1,11 +1,14 @@
 #include "diagnosis/cases/test_run.h"
 
+#include <cstdlib>
 #include <filesystem>
+#include <set>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "diagnosis/cases/difference_text.h"
+#include "tests/support/full_disk.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 
@@ -150,6 +153,29 @@ TEST_F(TestRunTest, ACaseThatCantBeRunSaysWhy)
         ElementsAre(HasSubstr("no tree under the tag \"Tags\"; did you mean \"Tag\"?")));
     EXPECT_THAT(DifferencesOf(R"("databases": {"/d/x.db": {"t": {"columns": ["a", "a"], "rows": []}}}, )" + SOUND),
         ElementsAre("rules/a.test.json:1: the database \"/d/x.db\" can't be made: duplicate column name: a"));
+}
+
+TEST_F(TestRunTest, ACaseThatDoesNotFitOnTheDiskSaysSoAndLeavesNothing)
+{
+    setenv("TMPDIR", mDir.MakeDir("tmp").c_str(), 1);
+    for (const auto& [members, problem] : {std::pair<std::string, std::string>(R"("events": [{"time": "-1d", "event": 1}])", "/log.db: "),
+             {R"("events": [])", "/empty.db: "}, {R"("events": null, "repairs": {"R": "-1d"})", "/repair_record.db: "},
+             {R"("events": null, "files": {"/sys/temp": ")" + std::string(9000, ' ') + "\"}", "/temp: can't be written"},
+             {R"("events": null, "databases": {"/d/x.db": {"t": {"columns": ["a"], "rows": [["x"]]}}})",
+                 "the database \"/d/x.db\" can't be made: "}}) {
+        Write("a.test.json", "\"cases\": [{\"name\": \"a\", " + members + ", " + SOUND + "}]");
+        std::set<std::string> failures;
+        for (rlim_t bytes = 0; bytes < 36864; bytes += 1024) {
+            const FullDisk disk(bytes);
+            const TestRun run = RunTests({"rules"}, {});
+            ASSERT_THAT(run.cases, SizeIs(1));
+            failures.insert(run.cases[0].failure ? run.cases[0].failure->message : "");
+            EXPECT_TRUE(std::filesystem::is_empty("tmp"));
+        }
+        EXPECT_THAT(failures, testing::Contains(HasSubstr(problem)));
+        EXPECT_THAT(failures, testing::Contains("")) << problem;
+    }
+    unsetenv("TMPDIR");
 }
 
 TEST_F(TestRunTest, StatusesFollowTheTableOfTheCommand)
