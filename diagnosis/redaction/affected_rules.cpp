@@ -36,11 +36,11 @@ std::string Lower(std::string_view text)
     return LowerLetters(std::string(text));
 }
 
-// The names and keywords of a text: what letters, digits, "_" and bytes above ASCII make.
+// The names and keywords of a text in lower case: what letters, digits, "_" and bytes above ASCII make.
 std::set<std::string> WordsOf(const std::string& text)
 {
     const auto isPart = [](char byte) {
-        return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') || byte == '_'
+        return (byte >= 'a' && byte <= 'z') || (byte >= '0' && byte <= '9') || byte == '_'
             || static_cast<unsigned char>(byte) >= 0x80;
     };
     std::set<std::string> words;

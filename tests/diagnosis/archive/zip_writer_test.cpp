@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include "diagnosis/archive/zip_reader.h"
+#include "tests/support/full_disk.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/zip_file.h"
 
@@ -30,6 +31,30 @@ TEST(ZipWriterTest, WritingAndReadingGiveTheSameFilesAndTheSameBytes)
     EXPECT_EQ(dir.Read("in/out/a"), std::string(200000, 'y'));
     EXPECT_TRUE(fs::is_directory("in/out/empty"));
     EXPECT_THAT(ReadZip("z.zip"), testing::SizeIs(5));
+}
+
+// Wherever the disk ends: in the head of an entry, in its content, in a folder or in the list of all.
+TEST(ZipWriterTest, AnArchiveThatDoesNotFitOnTheDiskIsTold)
+{
+    const TempDir dir;
+    std::string noise;
+    for (std::uint32_t number = 1; noise.size() < 150000; number = number * 1664525 + 1013904223) {
+        noise += static_cast<char>(number >> 24);
+    }
+    dir.Write("f/noise", noise);
+    for (int file = 0; file < 30; ++file) {
+        dir.Write("f/" + std::to_string(file) + std::string(200, 'x') + "/" + std::string(200, 'y'), "content");
+    }
+    ASSERT_FALSE(diagnosis::PackZip("f", "z.zip", "z.zip").has_value());
+    const rlim_t size = fs::file_size("z.zip");
+    for (rlim_t bytes = 0; bytes < size; bytes += 1511) {
+        const FullDisk disk(bytes);
+        const auto failure = diagnosis::PackZip("f", "z.zip", "z.zip");
+        ASSERT_TRUE(failure.has_value()) << bytes;
+        EXPECT_EQ(failure->message, "z.zip: can't be written");
+    }
+    const FullDisk disk(size);
+    EXPECT_FALSE(diagnosis::PackZip("f", "z.zip", "z.zip").has_value());
 }
 
 TEST(ZipWriterTest, LinksAndPipesAreLeftOut)

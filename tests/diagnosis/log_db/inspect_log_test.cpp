@@ -63,6 +63,32 @@ TEST_F(InspectLogTest, TextsInTheColumnsOfNumbersAreUnseen)
     EXPECT_THAT(Unseen(), ElementsAre("event_no_number 1: 1", "time_no_number 1: 2"));
 }
 
+TEST_F(InspectLogTest, ATextAmongTheMomentsThatNameAnEventIsUnseen)
+{
+    Write("INSERT INTO event_info_flow VALUES (9, 1, 'soon')");
+    EXPECT_THAT(Unseen(), ElementsAre("time_no_number 1: 1"));
+}
+
+TEST_F(InspectLogTest, AnEventWithoutAMomentLeavesTheSpanOfItsId)
+{
+    Write("UPDATE event_info SET event_id = 1001; DELETE FROM event_info_flow WHERE _ID = 2");
+    diagnosis::LogInspection inspection;
+    ASSERT_FALSE(diagnosis::InspectEventLog("log.db", inspection).has_value());
+    ASSERT_EQ(inspection.ids.size(), 1U);
+    EXPECT_EQ(inspection.ids[0].rows, 2U);
+    EXPECT_EQ(inspection.ids[0].span.first, 1714550400);
+}
+
+TEST_F(InspectLogTest, AnExtraThatIsNestedTooDeepIsUnseenByTests)
+{
+    std::string deep;
+    for (int level = 0; level < 2000; ++level) {
+        deep += "{\"a\":";
+    }
+    Write("UPDATE event_info SET extra = '" + deep + "1" + std::string(2000, '}') + "' WHERE _ID = 1");
+    EXPECT_THAT(Unseen(), ElementsAre("extra_no_object 1: 1"));
+}
+
 TEST_F(InspectLogTest, AnExtraThatIsNoObjectIsUnseenByTests)
 {
     Write("UPDATE event_info SET extra = CASE _ID WHEN 1 THEN '[1]' ELSE '{' END");

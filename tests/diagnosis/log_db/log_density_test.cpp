@@ -32,6 +32,15 @@ TEST(LogDensityTest, TheSpanLeavesOutTimesThatNoRuleCounts)
     EXPECT_EQ(span.last, 20);
 }
 
+TEST(LogDensityTest, ALogWithoutTimesHasNoSpan)
+{
+    const TempDir dir;
+    EventLogBuilder().Row({-5, 1, "", ""}).WriteTo(dir.Path("log.db"));
+    std::string problem = "before";
+    EXPECT_FALSE(SpanOfLog(dir.Path("log.db"), problem).first);
+    EXPECT_EQ(problem, "");
+}
+
 TEST(LogDensityTest, ALogThatCantBeReadHasNoRows)
 {
     const TempDir dir;

@@ -103,6 +103,47 @@ TEST(LineRedactionTest, WhereTheBundleIsListedNothingElseQuotesItsName)
     EXPECT_THAT(lines.GetCounts(), ElementsAre(Pair("bundle", 5)));
 }
 
+TEST(LineRedactionTest, ARecordThatLinesShareStaysShared)
+{
+    const Redaction redaction = Of({"details", "warnings"});
+    LineRedaction lines(redaction);
+    ResultLine one = Line();
+    ResultLine other = one;
+    lines.Redact(one);
+    lines.Redact(other);
+    EXPECT_EQ(one.warnings.at(0), other.warnings.at(0));
+    EXPECT_EQ(one.trees.at(0), other.trees.at(0));
+    EXPECT_EQ(other.trees.at(0)->open.at(0).detail, Hash("of Ann"));
+    EXPECT_THAT(lines.GetCounts(), ElementsAre(Pair("details", 2), Pair("warnings", 2)));
+}
+
+TEST(LineRedactionTest, OnlyWhatQuotesTheBundleIsReplacedWithIt)
+{
+    const Redaction redaction = Of({"bundle"});
+    LineRedaction lines(redaction);
+    ResultLine line = Line();
+    line.error.message = "is damaged";
+    auto quoting = *line.warnings.at(0);
+    quoting.message = "can't be read";
+    auto other = quoting;
+    other.file = "rules.xml";
+    line.warnings = {std::make_shared<diagnosis::results_db::ResultWarning>(quoting),
+        std::make_shared<diagnosis::results_db::ResultWarning>(other)};
+    lines.Redact(line);
+    EXPECT_EQ(line.error.message, "is damaged");
+    EXPECT_EQ(line.warnings.at(0)->file, Hash("/home/ann/rules.xml"));
+    EXPECT_EQ(line.warnings.at(1)->file, "rules.xml");
+    ResultLine root = Line();
+    root.bundle = "/";
+    lines.Redact(root);
+    EXPECT_EQ(root.bundle, Hash("/"));
+    EXPECT_EQ(root.error.message, Hash("devices/ann: is damaged")) << "it has the name of this bundle in it";
+    ResultLine nameless = Line();
+    nameless.bundle = "";
+    lines.Redact(nameless);
+    EXPECT_EQ(nameless.error.message, "devices/ann: is damaged");
+}
+
 // Lines share records, of which one may be gone before another takes its place in memory.
 TEST(LineRedactionTest, ManyDifferentRecordsAreNotMixedUp)
 {

@@ -8,6 +8,7 @@
 #include "diagnosis/digest/digest.h"
 #include "tests/support/database_rows.h"
 #include "tests/support/event_log_builder.h"
+#include "tests/support/full_disk.h"
 #include "tests/support/temp_dir.h"
 
 namespace {
@@ -143,6 +144,19 @@ TEST_F(LogRedactionTest, ALogThatCannotBeReadToItsEndIsRefused)
     EventLogBuilder::Run("log.db", "DROP TABLE event_info; CREATE VIEW event_info AS WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL "
         "SELECT i + 1 FROM n) SELECT i AS _ID, 7 AS event_id, hex(zeroblob(100000)) AS extra, 1 AS version_id FROM n");
     EXPECT_THAT(Redact(), HasSubstr("bad_log: log.db: can't be redacted: has more text than its file can hold"));
+    EventLogBuilder::Run("log.db", "DROP VIEW event_info; CREATE VIEW event_info AS SELECT * FROM nowhere");
+    EXPECT_THAT(Redact(), HasSubstr("bad_log: log.db: can't be redacted: no such table: main.nowhere"));
+}
+
+TEST_F(LogRedactionTest, ALogThatDoesNotFitOnTheDiskIsRefused)
+{
+    EventLogBuilder().Rows(std::vector<LoggedRow>(300, {1, 7, "4.1", Extra(std::string(200, 'x'))})).WriteTo(mDir.Path("log.db"));
+    ASSERT_EQ(Redact(), "");
+    const auto size = std::filesystem::file_size("new.db");
+    for (std::uintmax_t bytes = 0; bytes < size; bytes += 4096) {
+        const FullDisk disk(bytes);
+        EXPECT_THAT(Redact(), HasSubstr("bad_log: log.db: can't be redacted: ")) << bytes;
+    }
 }
 
 TEST_F(LogRedactionTest, TablesOfTheDerivedDatabaseAreKeptInMindInLowerCase)

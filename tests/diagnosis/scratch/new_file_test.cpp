@@ -47,6 +47,20 @@ TEST(NewFile, ReplacesPlainFilesOnly)
     EXPECT_EQ(dir.Read("file"), "new");
 }
 
+TEST(NewFile, IsGoneWhereAFolderHasTakenItsPlace)
+{
+    const TempDir dir;
+    {
+        diagnosis::NewFile file;
+        ASSERT_EQ(file.Make("file"), std::nullopt);
+        dir.Write(fs::path(file.TemporaryPath()).lexically_normal().string(), "new");
+        dir.MakeDir("file");
+        EXPECT_EQ(file.PutInPlace(), "can't be put in place: Is a directory");
+    }
+    EXPECT_TRUE(fs::is_empty("file"));
+    EXPECT_EQ(std::distance(fs::directory_iterator("."), fs::directory_iterator()), 1);
+}
+
 TEST(NewFile, FoldersAboveGoAgainUnlessTheFileIsPutInPlace)
 {
     const TempDir dir;

@@ -120,6 +120,47 @@ TEST_F(ReusedScratchTest, SecondFolderAtOneTimeIsAnother)
     EXPECT_EQ(Listed(mDir.Path()), ""); // nothing outlives it
 }
 
+TEST_F(ReusedScratchTest, FolderThatIsMadeStaysTheSame)
+{
+    const diagnosis::ReusedScratch reused({});
+    diagnosis::Scratch scratch;
+    ASSERT_FALSE(scratch.MakeOrReuse().has_value());
+    const std::string path = scratch.Path();
+    EXPECT_FALSE(scratch.MakeOrReuse().has_value());
+    EXPECT_FALSE(scratch.Make().has_value());
+    EXPECT_EQ(scratch.Path(), path);
+}
+
+TEST_F(ReusedScratchTest, FolderThatOutlivesTheReuseIsRemoved)
+{
+    {
+        diagnosis::Scratch scratch;
+        const diagnosis::ReusedScratch reused({});
+        ASSERT_FALSE(scratch.MakeOrReuse().has_value());
+    }
+    EXPECT_EQ(Listed(mDir.Path()), "");
+}
+
+TEST_F(ReusedScratchTest, FolderIsMadeInTmpWhereTheEnvironmentNamesNone)
+{
+    setenv("TMPDIR", "", 1);
+    diagnosis::Scratch scratch;
+    EXPECT_FALSE(scratch.Make().has_value());
+    EXPECT_EQ(scratch.Path().rfind(fs::canonical("/tmp").string() + "/arborist-", 0), 0U);
+}
+
+TEST_F(ReusedScratchTest, FolderThatCannotBeMadeIsTold)
+{
+    for (const auto& [folder, shown] : {std::pair("/proc", "/proc"), std::pair("/no/folder", "TMPDIR")}) {
+        setenv("TMPDIR", folder, 1);
+        const auto failure = diagnosis::Scratch().Make();
+        ASSERT_TRUE(failure.has_value());
+        EXPECT_EQ(failure->code, diagnosis::FailureCode::NO_SCRATCH);
+        EXPECT_EQ(failure->message, "no folder for temporary files can be made in " + std::string(shown)
+            + ": No such file or directory");
+    }
+}
+
 TEST_F(ReusedScratchTest, OtherScratchFoldersAreRemovedAsEver)
 {
     const diagnosis::ReusedScratch reused({});

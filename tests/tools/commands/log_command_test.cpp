@@ -120,10 +120,12 @@ TEST_P(BadEventLine, IsNamedAndNothingIsWritten)
     EXPECT_THAT(FilesBesideTheLog(), ElementsAre("events.jsonl", "log.db"));
 }
 
+const std::string TOO_LONG((std::size_t{64} << 20U) + 1, ' ');
 constexpr char TIME_PROBLEM[] =
     "\"time\" must be a local time \"YYYY-MM-DD HH:MM:SS\" that exists, or seconds since the epoch";
 
 INSTANTIATE_TEST_SUITE_P(Table, BadEventLine, testing::Values(
+    BadLineCase{"TooLong", TOO_LONG.c_str(), "the line is longer than 64 MiB"},
     BadLineCase{"NoJson", "event 7", "line 1, column 1: Syntax error: value, object or array expected."},
     BadLineCase{"NoObject", "[7]", "must be an object, not a list"},
     BadLineCase{"NoTime", R"({"event": 7})", "\"time\" is missing"},
@@ -238,9 +240,12 @@ TEST_F(LogCommandTest, RowsOfStrangersAreShownAsTheyAre)
     diagnosis::Connection database;
     ASSERT_TRUE(database.Open("log.db", diagnosis::Connection::Mode::CREATE));
     ASSERT_TRUE(database.Execute("delete from event_info; delete from event_info_flow;"
-                                 "insert into event_info values (9, 'text', '{\"a\":1}\n', 77)"));
+                                 "insert into event_info values (9, 'text', '{\"a\":1}\n', 77), (10, 7, '{\"a\":\n1}', 77),"
+                                 " (11, 7, '{a}', 77); insert into event_info_flow values (10, 10, 9223372036854775807)"));
     EXPECT_EQ(RunArborist({"log", "show", "log.db"}).out,
-        R"({"time": null, "event": "text", "version": null, "extra": "{\"a\":1}\n"})" "\n");
+        R"({"time": null, "event": "text", "version": null, "extra": "{\"a\":1}\n"})" "\n"
+        R"({"time": 9223372036854775807, "event": 7, "version": null, "extra": "{\"a\":\n1}"})" "\n"
+        R"({"time": null, "event": 7, "version": null, "extra": "{a}"})" "\n");
 }
 
 } // namespace
