@@ -33,30 +33,29 @@ constexpr std::array<bool, 256> TAG_MARKS = [] {
     return marks;
 }();
 
+std::size_t FindTagMark(std::string_view xml, std::size_t at)
+{
+    while (at < xml.size() && !TAG_MARKS[static_cast<unsigned char>(xml[at])]) {
+        ++at;
+    }
+    return at < xml.size() ? at : std::string_view::npos;
+}
+
 // The position after the tag that `at` is within; npos if the tag doesn't end. Counts quoted texts, as each attribute has
 // one, and stops at the end of the first one beyond the limit.
 std::size_t SkipTag(std::string_view xml, std::size_t at, std::size_t& attributes)
 {
-    const char* const end = xml.data() + xml.size();
-    for (const char* place = xml.data() + at;; ++place) {
-        while (place != end && !TAG_MARKS[static_cast<unsigned char>(*place)]) {
-            ++place;
+    while ((at = FindTagMark(xml, at)) != std::string_view::npos) {
+        if (xml[at] == '>') {
+            return at + 1;
         }
-        if (place == end) {
-            return std::string_view::npos;
+        at = xml.find(xml[at], at + 1);
+        if (at == std::string_view::npos || ++attributes > MOST_ATTRIBUTES) {
+            return at;
         }
-        if (*place == '>') {
-            return static_cast<std::size_t>(place - xml.data()) + 1;
-        }
-        const char* const value = place + 1;
-        place = static_cast<const char*>(std::memchr(value, *place, static_cast<std::size_t>(end - value)));
-        if (place == nullptr) {
-            return std::string_view::npos;
-        }
-        if (++attributes > MOST_ATTRIBUTES) {
-            return static_cast<std::size_t>(place - xml.data());
-        }
+        ++at;
     }
+    return at;
 }
 
 std::size_t SkipPast(std::string_view xml, std::string_view end, std::size_t at)
@@ -98,6 +97,52 @@ private:
     char mLetter;
     std::size_t mPlace;
 };
+
+// Whether the quote at `at` may begin the value of an attribute.
+bool IsAfterEqualsSign(std::string_view xml, std::size_t at)
+{
+    const std::size_t before = at == 0 ? std::string_view::npos : xml.find_last_not_of(" \t\n\v\f\r", at - 1);
+    return before != std::string_view::npos && xml[before] == '=';
+}
+
+// The half of too many attributes, and the fewest characters that they take: a name, "=" and two quotes each.
+constexpr std::size_t HALF_OF_THEM = MOST_ATTRIBUTES / 2;
+constexpr std::size_t STEP = HALF_OF_THEM * 4;
+
+// True if more than half of too many attributes are at `at`, as there would be within a tag.
+bool HasHalfOfThem(std::string_view xml, std::size_t at)
+{
+    for (std::size_t attributes = 0; attributes <= HALF_OF_THEM; ++attributes) {
+        at = FindTagMark(xml, at);
+        if (at == std::string_view::npos || xml[at] == '>' || !IsAfterEqualsSign(xml, at)) {
+            return false;
+        }
+        at = xml.find(xml[at], at + 1);
+        if (at == std::string_view::npos) {
+            return false;
+        }
+        ++at;
+    }
+    return true;
+}
+
+// False if no element can have too many attributes. Looks at one place in each step only: such an element is longer than
+// two steps, so that at one of these places half of its attributes lie ahead. What a place is in isn't known, so the next
+// quote of either kind is tried both as the begin and as the end of a value.
+bool MayHaveTooMany(std::string_view xml)
+{
+    for (const char quote : {'"', '\''}) {
+        NextOf quotes(xml, quote);
+        std::size_t tried = std::string_view::npos;
+        for (std::size_t at = 0, next = quotes.From(0); next != std::string_view::npos; next = quotes.From(at += STEP)) {
+            if (next != tried && (HasHalfOfThem(xml, next) || HasHalfOfThem(xml, next + 1))) {
+                return true;
+            }
+            tried = next;
+        }
+    }
+    return false;
+}
 
 // Goes through a text from one mark to the next: to quotes, which attributes have, and to the "!" or "?" of markup that
 // may hold quotes which are none. Most tags have no attributes, so that all between two marks is passed over by a search.
@@ -208,7 +253,8 @@ int LineOfTooManyAttributes(std::string_view xml)
 {
     // The attributes of shorter texts can't take long, however they are distributed.
     constexpr std::size_t SHORT_TEXT = 16 * 1024;
-    const std::size_t place = xml.size() <= SHORT_TEXT ? std::string_view::npos : XmlFile::AttributeCount(xml).FindTooMany();
+    const std::size_t place = xml.size() <= SHORT_TEXT || !XmlFile::MayHaveTooMany(xml)
+        ? std::string_view::npos : XmlFile::AttributeCount(xml).FindTooMany();
     return place == std::string_view::npos
         ? 0 : 1 + static_cast<int>(std::count(xml.begin(), xml.begin() + static_cast<std::ptrdiff_t>(place), '\n'));
 }

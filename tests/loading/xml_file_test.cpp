@@ -98,6 +98,40 @@ TEST_F(XmlFileTest, AttributesCountWhateverSignsStandAround)
     }
 }
 
+std::string Repeated(const std::string& text, std::size_t times)
+{
+    std::string repeated;
+    for (std::size_t time = 0; time < times; ++time) {
+        repeated += text;
+    }
+    return repeated;
+}
+
+// Not every place of a text is looked at: wherever such an element begins, and however its characters are distributed, one
+// of these places is in it.
+TEST_F(XmlFileTest, TooManyAttributesAreFoundWhereverTheyBegin)
+{
+    const std::string start = "<a>" + LONG_TEXT;
+    const std::string others = Repeated("<c d='' e=\"\"/>", 100);
+    const auto many = [](const std::string& attribute) { return Repeated(attribute, XmlFile::MOST_ATTRIBUTES); };
+    const std::string longValue(3000, '\'');
+    const std::string tooMany[] = {many("a=''") + "a=''", many("a=\"\"") + "a='\"'", many("a='\"'") + "a\t= ''",
+        many("a=''") + "a=\"" + longValue + '"', "a=\"" + longValue + '"' + many("a=\"'\"")};
+    for (std::size_t blanks = 0; blanks < 1100; ++blanks) {
+        const std::string before = start + std::string(blanks, ' ') + others + "<b ";
+        for (const std::string& attributes : tooMany) {
+            EXPECT_EQ(LineOfTooManyAttributes(before + attributes + "/>" + others), 1) << blanks << attributes;
+        }
+        EXPECT_EQ(LineOfTooManyAttributes(before + many("a=''") + "/>" + others), 0) << blanks;
+    }
+}
+
+TEST_F(XmlFileTest, QuotesWithoutAnEqualsSignAreLeftToTheReader)
+{
+    const std::string quotes = Repeated(" 'c'", 2 * XmlFile::MOST_ATTRIBUTES);
+    EXPECT_EQ(LineOfTooManyAttributes("<a>" + LONG_TEXT + "<b" + quotes + "/></a>"), 0);
+}
+
 TEST_F(XmlFileTest, BrokenMarkupIsLeftToTheReader)
 {
     for (const std::string xml : {"<", "<!", "<!-", "<!--", "<![CDATA[", "<?", "<a b=\"", "<a", "<!>", "<!-x>", "<>"}) {
