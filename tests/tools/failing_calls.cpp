@@ -1,10 +1,13 @@
-// Preloaded by tests: calls of the system fail. FAILING_CALL names one, "fork 2" the second of each process, and
-// FAILING_READ the end of the path of files that can be opened and not read.
+// Preloaded by tests: calls of the system fail. FAILING_CALL names one, "fork 2" the second of each process (and of those
+// that made it), FAILING_READ the end of the path of files that can be opened and not read, and FAILING_FOLDER that of
+// folders that can't be opened.
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <string_view>
 
+#include <dirent.h>
 #include <dlfcn.h>
 #include <sched.h>
 #include <stdio.h>
@@ -34,16 +37,16 @@ bool IsToFail(const char* name, int error)
     return true;
 }
 
-bool IsUnreadable(int file)
+// True if the path of an open file ends as the environment says.
+bool EndsAs(const char* variable, int file)
 {
-    const char* const end = std::getenv("FAILING_READ");
+    const char* const end = std::getenv(variable);
     if (end == nullptr) {
         return false;
     }
     char path[4096];
     const ssize_t length = readlink(("/proc/self/fd/" + std::to_string(file)).c_str(), path, sizeof path);
-    const auto ends = static_cast<ssize_t>(std::strlen(end));
-    return length >= ends && std::memcmp(path + (length - ends), end, std::strlen(end)) == 0;
+    return length > 0 && std::string_view(path, static_cast<std::size_t>(length)).ends_with(end);
 }
 
 } // namespace
@@ -74,6 +77,21 @@ extern "C" int sched_getaffinity(pid_t process, std::size_t size, cpu_set_t* pro
         ? -1 : Next<decltype(sched_getaffinity)>("sched_getaffinity")(process, size, processors);
 }
 
+extern "C" char* mkdtemp(char* path)
+{
+    return IsToFail("mkdtemp", ENOSPC) ? nullptr : Next<decltype(mkdtemp)>("mkdtemp")(path);
+}
+
+// As the standard library opens folders.
+extern "C" DIR* fdopendir(int folder)
+{
+    if (EndsAs("FAILING_FOLDER", folder)) {
+        errno = EACCES;
+        return nullptr;
+    }
+    return Next<decltype(fdopendir)>("fdopendir")(folder);
+}
+
 // Memory that processes share.
 extern "C" void* mmap(void* address, std::size_t length, int protection, int flags, int file, off_t offset) noexcept
 {
@@ -84,7 +102,7 @@ extern "C" void* mmap(void* address, std::size_t length, int protection, int fla
 
 extern "C" ssize_t read(int file, void* buffer, std::size_t length)
 {
-    if (IsUnreadable(file)) {
+    if (EndsAs("FAILING_READ", file)) {
         errno = EIO;
         return -1;
     }

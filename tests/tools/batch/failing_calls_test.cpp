@@ -40,6 +40,27 @@ TEST_F(FailingCallsTest, WhereOtherWorkersRunTheBundleIsTriedAgain)
     EXPECT_EQ(result.status, 0);
 }
 
+// The first folder is that of the batch.
+TEST_F(FailingCallsTest, ABundleForWhichAWorkerHasNoFolderIsTriedAgainIfAskedFor)
+{
+    const auto names = WriteBundles(2);
+    const auto once = Run("mkdtemp 2", {"detect", "--batch", "-", "--jobs", "1"}, Joined(names));
+    EXPECT_THAT(Outcomes(once.out), ElementsAre("b0: no_scratch", "b1"));
+    EXPECT_EQ(once.status, 5);
+    const auto again = Run("mkdtemp 2", {"detect", "--batch", "-", "--jobs", "1", "--retries", "1"}, Joined(names));
+    EXPECT_THAT(Outcomes(again.out), UnorderedElementsAre("b0", "b1"));
+    EXPECT_EQ(again.status, 0);
+}
+
+TEST_F(FailingCallsTest, ABatchWithoutAFolderIsNotStarted)
+{
+    WriteBundles(1);
+    const auto result = Run("mkdtemp 1", {"detect", "--batch", "-"}, "b0\n");
+    EXPECT_THAT(result.err, HasSubstr(": No space left on device\n"));
+    EXPECT_THAT(result.out, IsEmpty());
+    EXPECT_EQ(result.status, 5);
+}
+
 TEST_F(FailingCallsTest, WorkersRunWhereProcessorsAreNotKnown)
 {
     const auto names = WriteBundles(2);

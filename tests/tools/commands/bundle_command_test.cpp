@@ -359,6 +359,45 @@ TEST_F(BundleCommandTest, WhatCannotBePackedLeavesNothing)
     EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 2);
 }
 
+TEST_F(BundleCommandTest, WhatIsNoBundleIsNotPacked)
+{
+    mDir.Write("b/bundle.json", "{");
+    for (const char* target : {"packed", "packed.zip"}) {
+        const auto result = Pack({"b", "-o", target});
+        EXPECT_THAT(result.err, EndsWith("[bad_json]\n"));
+        EXPECT_EQ(result.status, 4);
+        EXPECT_FALSE(mDir.Has(target));
+    }
+}
+
+TEST_F(BundleCommandTest, ASearchedFolderIsCapturedWhereverTheRulesNameIt)
+{
+    PrepareLaptop("b");
+    fs::copy("b/device/data", "b/data", fs::copy_options::recursive);
+    const auto rules = mDir.Read("b/rules/FaultTreeRules.xml");
+    const std::string before = "\"/data/panel\"";
+    const auto search = [&](const std::string& folder, const std::vector<std::string>& arguments) {
+        auto changed = rules;
+        mDir.Write("b/rules/FaultTreeRules.xml", changed.replace(changed.find(before), before.size(), "\"" + folder + "\""));
+        return Pack(arguments);
+    };
+    EXPECT_EQ(search("data/panel", {"b", "-o", "relative"}).status, 0);
+    EXPECT_TRUE(mDir.Has("relative/data/panel/panel_a.db"));
+    const std::string machine = mDir.Path("b/device/data/panel");
+    EXPECT_EQ(search(machine, {"b", "--live", "-o", "live"}).status, 0);
+    EXPECT_TRUE(mDir.Has("live/device" + machine + "/panel_a.db"));
+    EXPECT_THAT(search("../outside", {"b", "-o", "outside"}).err,
+        HasSubstr("warning: ../outside: leads out of the bundle, and is left out"));
+}
+
+TEST_F(BundleCommandTest, WithoutWindowsTheLogIsWhole)
+{
+    WriteHotBundle(mDir, "b");
+    EventLogBuilder().Row({NOW - 1000 * DAY, 7, "", ""}).WriteTo(mDir.Path("b") + LOG_OF_BUNDLE);
+    EXPECT_EQ(Pack({"b", "--window", "-o", "packed"}).status, 0);
+    EXPECT_THAT(RunArborist({"log", "show", mDir.Path("packed") + LOG_OF_BUNDLE}).out, HasSubstr("\"event\": 7"));
+}
+
 TEST_F(BundleCommandTest, InfoTellsWhatIsInABundle)
 {
     WriteHotBundle(mDir, "b", BundleJson(R"(, "now": 5, "tz": "UTC", "device": {"Product": "P1"})"));

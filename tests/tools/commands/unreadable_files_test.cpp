@@ -89,6 +89,41 @@ TEST_F(UnreadableFile, OfANodeIsLeftOutOfACaptureWithAWarning)
     EXPECT_FALSE(mDir.Has("packed/temperature"));
 }
 
+TEST_F(UnreadableFile, OfACaptureThatBecomesAZipIsNotPacked)
+{
+    const auto result = Run({"bundle", "pack", "b", "-o", "packed.zip"}, "bundle/temperature");
+    EXPECT_EQ(result.err, "arborist: b: packed.zip: can't be written [not_packed]\n");
+    EXPECT_EQ(result.status, 4);
+    EXPECT_FALSE(mDir.Has("packed.zip"));
+}
+
+TEST_F(UnreadableFile, OfANodeIsNoTroubleOfARedaction)
+{
+    mDir.Write("redaction.json", R"({"key": "0123456789abcdef", "nodes": ["temperature"], "log": [{"members": ["A"]}]})");
+    const auto result = Run({"bundle", "pack", "b", "-o", "packed", "--redact", "redaction.json"}, "b/temperature");
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, AllOf(HasSubstr("not there  node file: temperature\n"), HasSubstr("not there  event log\n")));
+}
+
+TEST_F(UnreadableFile, OfACaptureThatIsRedactedIsNotPacked)
+{
+    mDir.Write("redaction.json", R"({"key": "0123456789abcdef", "nodes": ["temperature"]})");
+    const auto result = Run({"bundle", "pack", "b", "-o", "packed", "--redact", "redaction.json"}, "bundle/temperature");
+    EXPECT_EQ(result.err, "arborist: b: temperature: can't be redacted [not_packed]\n");
+    EXPECT_EQ(result.status, 4);
+    EXPECT_FALSE(mDir.Has("packed"));
+}
+
+TEST_F(UnreadableFile, FoldersThatCannotBeReadAreLeftOutOfACaptureWithAWarning)
+{
+    PrepareLaptop("laptop");
+    const auto result = RunArborist({"bundle", "pack", "laptop", "-o", "packed"}, {.environment = {{"LD_PRELOAD", FAILING_CALLS},
+        {"FAILING_FOLDER", "/data/panel"}, {"ASAN_OPTIONS", "verify_asan_link_order=0"}}});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.err, HasSubstr("/device/data/panel: can't be read to its end, and the rest is left out\n"));
+    EXPECT_FALSE(mDir.Has("packed/device/data/panel/panel_a.db"));
+}
+
 TEST_F(UnreadableFile, OfANodeIsAnOpenCheck)
 {
     const auto result = Run({"detect", "b"}, "b/temperature");
