@@ -3,15 +3,14 @@
 #include "diagnosis/lint/lint.h"
 #include "tests/support/temp_dir.h"
 
-std::vector<std::string> FindingsInRules(const std::string& rules, const std::set<std::string>& checks,
+std::vector<std::string> FindingsInSections(const std::string& sections, const std::set<std::string>& checks,
     const std::vector<diagnosis::lint::DeviceProfile>& devices)
 {
     const TempDir dir;
     dir.Write("FaultTrees.xml",
         "<F version=\"1\"><Laptop><T id=\"T\" version=\"1\" type=\"t\"><Intermediate-Event><ID>T</ID><Or-Gate>"
         "<Basic-Event><ID>E</ID></Basic-Event></Or-Gate></Intermediate-Event></T></Laptop></F>");
-    dir.Write("FaultTreeRules.xml",
-        "<R><RuleList><Laptop><rule>" + rules + "</rule></Laptop></RuleList></R>");
+    dir.Write("FaultTreeRules.xml", "<R>" + sections + "</R>");
     diagnosis::lint::LintOptions options;
     options.only = checks;
     options.devices = devices;
@@ -20,6 +19,12 @@ std::vector<std::string> FindingsInRules(const std::string& rules, const std::se
         found.push_back(std::string(finding.check->id) + ": " + finding.message);
     }
     return found;
+}
+
+std::vector<std::string> FindingsInRules(const std::string& rules, const std::set<std::string>& checks,
+    const std::vector<diagnosis::lint::DeviceProfile>& devices)
+{
+    return FindingsInSections("<RuleList><Laptop><rule>" + rules + "</rule></Laptop></RuleList>", checks, devices);
 }
 
 std::vector<std::string> FindingsInItem(const std::string& alarmId, const std::set<std::string>& checks)
