@@ -1,11 +1,15 @@
 #include "diagnosis/results_db/import_results.h"
 
 #include <filesystem>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <set>
+#include <string>
 
 #include "diagnosis/results_db/result_writer.h"
 #include "diagnosis/results_db/results_database.h"
+#include "diagnosis/scratch/folder_lock.h"
 #include "diagnosis/scratch/new_file.h"
 #include "diagnosis/sqlite/questions.h"
 #include "diagnosis/text/input_lines.h"
@@ -21,21 +25,33 @@ Failure NotWritten(const std::string& message)
     return {FailureCode::RESULTS_NOT_WRITTEN, message};
 }
 
-/// The database in which an import works: an existing one, or a new file that is put in its place at the end.
+bool IsMissing(const std::string& path)
+{
+    std::error_code error;
+    return !std::filesystem::exists(path, error) || std::filesystem::file_size(path, error) == 0;
+}
+
+/// The database in which an import works: an existing one, or a new file that is put in its place at the end. Imports that
+/// make one take turns, so that the second adds to the file of the first.
 class Target {
 public:
+    explicit Target(const std::function<bool(int tries)>& tryAgain) : mTryAgain(tryAgain) {}
+
     std::optional<Failure> Open(const std::string& path)
     {
         mPath = path;
-        std::error_code error;
-        mIsNew = !std::filesystem::exists(path, error) || std::filesystem::file_size(path, error) == 0;
+        mIsNew = IsMissing(path);
         if (const auto failure = mIsNew ? MakeFile() : OpenFile()) {
             return failure;
         }
         if (!mDatabase.Execute("BEGIN IMMEDIATE")) {
             return DatabaseFailure(mPath, mDatabase);
         }
-        return mIsNew ? CreateSchema(mDatabase, mPath) : std::nullopt;
+        if (mIsNew) {
+            return CreateSchema(mDatabase, mPath);
+        }
+        mDatabase.LimitToFile(); // it may have grown while others had it locked
+        return std::nullopt;
     }
 
     std::optional<Failure> Commit()
@@ -45,7 +61,7 @@ public:
         }
         if (mIsNew) {
             mDatabase.Close();
-            if (const auto problem = mFile.PutInPlace()) {
+            if (const auto problem = mReplacesEmptyFile ? mFile->PutInPlace() : mFile->PutInFreePlace()) {
                 return NotWritten(mPath + ": " + *problem);
             }
         }
@@ -57,11 +73,23 @@ public:
 private:
     std::optional<Failure> MakeFile()
     {
-        if (const auto problem = mFile.MakeWithFolders(mPath)) {
+        mFile.emplace();
+        if (const auto problem = mFile->MakeWithFolders(mPath)) {
             return NotWritten(mPath + ": " + *problem);
         }
+        const std::filesystem::path folder = std::filesystem::path(mPath).parent_path();
+        if (!mTurn.Take(folder.empty() ? "." : folder.string(), mTryAgain)) {
+            return NotWritten(mPath + ": another program makes a database in this folder");
+        }
+        if (!IsMissing(mPath)) {
+            mIsNew = false;
+            mFile.reset();
+            return OpenFile();
+        }
+        std::error_code error;
+        mReplacesEmptyFile = std::filesystem::exists(mPath, error);
         // Nobody sees the file before it is complete, so it needs no journal.
-        const bool isOpen = mDatabase.Open(mFile.TemporaryPath(), Connection::Mode::CREATE)
+        const bool isOpen = mDatabase.Open(mFile->TemporaryPath(), Connection::Mode::CREATE)
             && mDatabase.Execute("PRAGMA journal_mode = OFF");
         return isOpen ? std::nullopt : std::optional(DatabaseFailure(mPath, mDatabase));
     }
@@ -71,14 +99,18 @@ private:
         if (!mDatabase.Open(mPath, Connection::Mode::CREATE)) {
             return DatabaseFailure(mPath, mDatabase);
         }
+        mDatabase.WhileLocked(mTryAgain);
         mDatabase.LimitToFile();
         return CheckSchema(mDatabase, mPath);
     }
 
+    const std::function<bool(int tries)>& mTryAgain;
     std::string mPath;
     bool mIsNew = false;
+    bool mReplacesEmptyFile = false;
+    FolderLock mTurn;
     // In this order, so that the connection is closed before its file is removed.
-    NewFile mFile;
+    std::optional<NewFile> mFile;
     Connection mDatabase;
 };
 
@@ -86,7 +118,7 @@ private:
 class Import {
 public:
     Import(const ImportOptions& options, ImportReport& report)
-        : mOptions(options), mReport(report), mReader(options.withEvidence)
+        : mOptions(options), mReport(report), mReader(options.withEvidence), mTarget(options.tryAgain)
     {
     }
 

@@ -1,10 +1,12 @@
 #include "diagnosis/results_db/results_database.h"
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <string_view>
+#include <thread>
 
 #include "diagnosis/results_db/schema.h"
 #include "diagnosis/sqlite/questions.h"
@@ -76,6 +78,14 @@ std::string ProblemOf(const Schema& schema)
 
 } // namespace
 
+bool WaitForOthers(int tries)
+{
+    static constexpr std::chrono::milliseconds PAUSE(20);
+    static constexpr int MOST_TRIES = 60'000 / 20;
+    std::this_thread::sleep_for(PAUSE);
+    return tries < MOST_TRIES;
+}
+
 Failure DatabaseFailure(const std::string& path, const Connection& database)
 {
     return {FailureCode::BAD_RESULTS, path + ": " + database.GetError()};
@@ -117,6 +127,7 @@ std::optional<Failure> OpenResults(const std::string& path, Connection& database
     if (!database.Open(path, Connection::Mode::READ_ONLY)) {
         return DatabaseFailure(path, database);
     }
+    database.WhileLocked(WaitForOthers);
     database.LimitToFile();
     return CheckSchema(database, path);
 }

@@ -12,6 +12,9 @@ namespace diagnosis::results_db {
 /// Gives an empty database the schema of results.
 std::optional<Failure> CreateSchema(Connection& database, const std::string& path);
 
+/// What to ask while another process has a results database locked: waits a moment, and says no after a minute.
+bool WaitForOthers(int tries);
+
 /// The failure `bad_results` if an open database is no results database, has the schema of another version, or lacks the
 /// tables and views of its version as CreateSchema makes them: a view in their place could run for ever. Tables, views and indexes
 /// of columns that somebody added beside them are left alone; triggers and other indexes would run with an import.

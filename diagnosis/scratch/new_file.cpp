@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include <unistd.h>
+
 namespace diagnosis {
 
 namespace fs = std::filesystem;
@@ -65,6 +67,17 @@ std::optional<std::string> NewFile::PutInPlace()
     }
     mFoldersAbove.Keep();
     return std::nullopt;
+}
+
+std::optional<std::string> NewFile::PutInFreePlace()
+{
+    if (link(TemporaryPath().c_str(), mPath.c_str()) == 0) {
+        mFoldersAbove.Keep();
+        return std::nullopt;
+    }
+    // A file system without such links: a file that appears in this very moment is replaced.
+    std::error_code error;
+    return errno == EEXIST || fs::exists(mPath, error) ? "was made by another program meanwhile" : PutInPlace();
 }
 
 std::optional<std::string> WriteNewFile(const std::string& path, const std::string& text)

@@ -40,6 +40,8 @@ public:
     std::string TemporaryPath() const { return mFolder.Path("new"); }
     /// Moves the file to its target, replacing an existing file. Returns the reason if it can't.
     std::optional<std::string> PutInPlace();
+    /// The same without replacing a file that another process has put there meanwhile.
+    std::optional<std::string> PutInFreePlace();
 
 private:
     std::string mPath;

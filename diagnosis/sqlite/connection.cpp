@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <limits>
+#include <utility>
 
 #include <sqlite3.h>
 
@@ -140,12 +141,18 @@ bool Connection::Open(const std::string& path, Mode mode)
     if (!mRefusal.empty()) {
         return false;
     }
-    mFileBytes = SizeOf(path) + SizeOf(path + "-wal");
     sqlite3* database = nullptr;
     const int flags = mode == Mode::READ_ONLY ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
     const int result = sqlite3_open_v2(path.c_str(), &database, flags, nullptr);
     mDatabase.reset(database);
     return result == SQLITE_OK;
+}
+
+void Connection::WhileLocked(std::function<bool(int tries)> tryAgain)
+{
+    const auto ask = [](void* asked, int tries) { return (*static_cast<std::function<bool(int)>*>(asked))(tries) ? 1 : 0; };
+    mTryAgain = std::make_unique<std::function<bool(int tries)>>(std::move(tryAgain));
+    sqlite3_busy_handler(mDatabase.get(), *mTryAgain ? +ask : nullptr, mTryAgain.get());
 }
 
 bool Connection::Execute(const std::string& sql)
@@ -174,7 +181,15 @@ void Connection::LimitToFile()
     static constexpr std::int64_t LEAST_WORK = 100'000'000;
     static constexpr int STEPS_AT_A_TIME = 1'000'000;
     static constexpr std::uint64_t LEAST_LENGTH = 1'000'000;
-    mWorkLeft = std::make_unique<std::int64_t>(LEAST_WORK + WorkOf(mFileBytes));
+    const char* const name = sqlite3_db_filename(mDatabase.get(), "main");
+    const std::string path = name == nullptr ? "" : name;
+    const std::uint64_t bytesBefore = std::exchange(mFileBytes, SizeOf(path) + SizeOf(path + "-wal"));
+    if (mWorkLeft == nullptr) {
+        mWorkLeft = std::make_unique<std::int64_t>(LEAST_WORK + WorkOf(mFileBytes));
+    } else {
+        const std::int64_t grown = std::max<std::int64_t>(0, WorkOf(mFileBytes) - WorkOf(bytesBefore));
+        *mWorkLeft = std::min(WorkOf(MOST_BYTES), *mWorkLeft + grown);
+    }
     const auto isOver = [](void* left) { return (*static_cast<std::int64_t*>(left) -= STEPS_AT_A_TIME) < 0 ? 1 : 0; };
     sqlite3_progress_handler(mDatabase.get(), STEPS_AT_A_TIME, isOver, mWorkLeft.get());
     const auto length = std::min<std::uint64_t>(std::max(LEAST_LENGTH, mFileBytes), std::numeric_limits<int>::max());

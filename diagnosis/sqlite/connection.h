@@ -2,6 +2,7 @@
 #define ARBORIST_DIAGNOSIS_SQLITE_CONNECTION_H
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -56,6 +57,9 @@ public:
 
     /// Opens a database. False on failure; see GetError. Refuses an existing path that is no plain file.
     bool Open(const std::string& path, Mode mode);
+    /// From now on, while another connection has the database locked, a statement asks `tryAgain` with the number of tries so
+    /// far, and fails if that says no. Call it on an open connection. Without it a statement fails at once.
+    void WhileLocked(std::function<bool(int tries)> tryAgain);
     /// Runs statements that have neither parameters nor results.
     bool Execute(const std::string& sql);
     /// How many rows the last statement that changes rows has changed.
@@ -65,7 +69,7 @@ public:
 
     /// From now on a statement is interrupted if it takes more steps than reading a file of this size can, and fails if
     /// it builds texts longer than the file: a view in a foreign file could run for ever. Call it on an open
-    /// connection.
+    /// connection, and again if others may have made the file larger.
     void LimitToFile();
     /// Allows a limited connection the work for so many bytes more, and texts of any length: call it before these bytes
     /// are added to the file.
@@ -80,8 +84,9 @@ private:
     struct Closer {
         void operator()(sqlite3* database) const;
     };
-    // Used by a handler of the connection, which is closed first.
+    // Used by handlers of the connection, which is closed first.
     std::unique_ptr<std::int64_t> mWorkLeft;
+    std::unique_ptr<std::function<bool(int tries)>> mTryAgain;
     std::unique_ptr<sqlite3, Closer> mDatabase;
     std::uint64_t mFileBytes = 0;
     /// The reason why the file was not passed to SQLite; otherwise empty.

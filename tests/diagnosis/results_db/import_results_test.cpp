@@ -1,10 +1,12 @@
 #include "diagnosis/results_db/import_results.h"
 
 #include <filesystem>
+#include <memory>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "diagnosis/scratch/folder_lock.h"
 #include "diagnosis/sqlite/connection.h"
 #include "diagnosis/text/bounded_lines.h"
 #include "tests/diagnosis/results_db/damaged_table.h"
@@ -299,6 +301,53 @@ TEST_F(ImportResultsTest, WhatCannotBeWrittenIsToldWithItsReason)
     ASSERT_TRUE(database.Open("r.db", Connection::Mode::CREATE));
     ASSERT_TRUE(database.Execute("CREATE TABLE bystander(id); BEGIN IMMEDIATE"));
     EXPECT_EQ(failureAt("r.db").message, "r.db: database is locked");
+}
+
+TEST_F(ImportResultsTest, AnImportWaitsForTheOneThatHasTheDatabaseLocked)
+{
+    Import({LineOf("b1").NoFault("T")});
+    Connection database;
+    ASSERT_TRUE(database.Open("r.db", Connection::Mode::CREATE));
+    ASSERT_TRUE(database.Execute("BEGIN IMMEDIATE"));
+    mDir.Write("lines.jsonl", LineOf("b2").NoFault("T").Text());
+    ImportOptions options;
+    options.tryAgain = [&database](int tries) { return tries < 9 && (tries == 0 || database.Execute("COMMIT")); };
+    EXPECT_EQ(ImportResults({"lines.jsonl"}, "r.db", options).counts.added, 1);
+}
+
+TEST_F(ImportResultsTest, ImportsThatMakeADatabaseTakeTurns)
+{
+    mDir.Write("lines.jsonl", LineOf("b1").NoFault("T").Text());
+    mDir.Write("others.jsonl", LineOf("b2").NoFault("T").Text());
+    ImportReport refused;
+    ImportOptions options;
+    options.redact = [&refused](diagnosis::results_db::ResultLine&) { refused = ImportResults({"others.jsonl"}, "r.db", {}); };
+    EXPECT_TRUE(ImportResults({"lines.jsonl"}, "r.db", options).isImported);
+    ASSERT_EQ(refused.failures.size(), 1U);
+    EXPECT_EQ(refused.failures[0].message, "r.db: another program makes a database in this folder");
+    // The second finds the file of the first when its turn has come.
+    std::filesystem::rename("r.db", "first.db");
+    auto turn = std::make_unique<diagnosis::FolderLock>();
+    ASSERT_TRUE(turn->Take(".", nullptr));
+    options = {};
+    options.tryAgain = [&turn](int) {
+        std::filesystem::rename("first.db", "r.db");
+        turn.reset();
+        return true;
+    };
+    EXPECT_EQ(ImportResults({"others.jsonl"}, "r.db", options).counts.added, 1);
+    EXPECT_THAT(DatabaseRows("r.db", "SELECT name FROM bundle"), ElementsAre("b1", "b2"));
+}
+
+TEST_F(ImportResultsTest, AFileThatAppearsDuringTheImportIsNotReplaced)
+{
+    mDir.Write("lines.jsonl", LineOf("b1").NoFault("T").Text());
+    ImportOptions options;
+    options.redact = [this](diagnosis::results_db::ResultLine&) { mDir.Write("r.db", "of another"); };
+    const auto report = ImportResults({"lines.jsonl"}, "r.db", options);
+    EXPECT_FALSE(report.isImported);
+    EXPECT_EQ(report.failures.at(0).message, "r.db: was made by another program meanwhile");
+    EXPECT_EQ(mDir.Read("r.db"), "of another");
 }
 
 // A line of several bundles' rows, so that some of them are written late.

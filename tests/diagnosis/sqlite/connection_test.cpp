@@ -71,6 +71,30 @@ TEST_F(ConnectionTest, AnEndlessStatementIsInterruptedOnceItIsLimited)
     EXPECT_EQ(mConnection.GetError(), "takes more work than a database of its size can need");
 }
 
+TEST_F(ConnectionTest, AFileThatHasGrownSinceAllowsItsTexts)
+{
+    mConnection.LimitToFile();
+    Connection other;
+    ASSERT_TRUE(other.Open("a.db", Connection::Mode::CREATE) && other.Execute("create table long as select zeroblob(1100000)"));
+    const char* const sql = "select length(zeroblob(1000001))";
+    EXPECT_FALSE(mConnection.Prepare(sql)->Step());
+    mConnection.LimitToFile();
+    EXPECT_TRUE(mConnection.Prepare(sql)->Step());
+}
+
+TEST_F(ConnectionTest, AStatementWaitsForALockAsLongAsItIsTold)
+{
+    Connection other;
+    ASSERT_TRUE(other.Open("a.db", Connection::Mode::CREATE) && other.Execute("begin immediate"));
+    const auto isWritten = [this] { return mConnection.Execute("insert into t values (3, 4)"); };
+    EXPECT_FALSE(isWritten());
+    mConnection.WhileLocked([](int tries) { return tries < 2; });
+    EXPECT_FALSE(isWritten());
+    EXPECT_EQ(mConnection.GetError(), "database is locked");
+    mConnection.WhileLocked([&other](int) { return other.Execute("commit"); });
+    EXPECT_TRUE(isWritten());
+}
+
 TEST_F(ConnectionTest, ATextThatIsLongerThanTheFileFailsOnceItIsLimited)
 {
     const char* const sql = "select length(zeroblob(1000001))";

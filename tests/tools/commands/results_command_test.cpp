@@ -73,6 +73,21 @@ TEST_F(ResultsCommandTest, TellsWhatItImportedAsJson)
     }
 }
 
+TEST_F(ResultsCommandTest, ImportsAtTheSameTimeLoseNothing)
+{
+    WriteHotBundle(mDir, "hot");
+    const std::string line = DetectedLine("hot");
+    std::string script;
+    for (char shard = 'a'; shard <= 'h'; ++shard) {
+        std::string renamed = line;
+        renamed.insert(renamed.find("hot"), 1, shard);
+        mDir.Write(std::string(1, shard), renamed);
+        script += std::string("'" ARBORIST_COMMAND "' results import ") + shard + " --to r.db & ";
+    }
+    EXPECT_THAT(RunScript(script + "wait").err, Not(HasSubstr("locked")));
+    EXPECT_THAT(DatabaseRows("r.db", "SELECT count(*) FROM bundle"), ElementsAre("8"));
+}
+
 TEST_F(ResultsCommandTest, ImportsFromStandardInput)
 {
     WriteHotBundle(mDir, "hot");

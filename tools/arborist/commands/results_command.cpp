@@ -6,6 +6,7 @@
 #include "diagnosis/results/results_diff_json.h"
 #include "diagnosis/results/results_import_json.h"
 #include "diagnosis/results_db/import_results.h"
+#include "diagnosis/results_db/results_database.h"
 #include "tools/arborist/commands/commands.h"
 #include "tools/arborist/render/results_diff_text.h"
 #include "tools/arborist/terminal/colour.h"
@@ -107,6 +108,7 @@ void AddImportCommand(Command results, ExitStatus& status)
     import.Add("--redact", options->redaction, "Replace the parts of lines that this JSON file lists under \"results\" by keyed "
         "hashes, and tell how many were").Takes("FILE").NotEmpty();
     import.AddFlag("--json", options->asJson, "What was imported as one JSON object");
+    options->import.tryAgain = results_db::WaitForOthers;
     import.OnCall([options, &status] { status = Import(*options); });
 }
 
