@@ -19,45 +19,49 @@ class StopRequest;
 
 /// Diagnoses one device: runs every fault tree of a rule set and returns the root causes of each.
 ///
-/// A call that fails logs a line and returns an empty answer; no call throws on purpose. Call from one thread at a
-/// time, except for RequestStop; each call blocks until it is done.
+/// A call that fails logs a line and returns an empty answer. Only the exceptions that StartDetection names leave a call.
+/// Call from one thread at a time, except for RequestStop; each call blocks until it is done.
 class ARBORIST_EXPORT Arborist {
 public:
     /// Shares ownership of the input and never writes to it. With null every call returns an empty answer. Reads no
     /// rule file yet.
     explicit Arborist(std::shared_ptr<DetectInfo> detectInfo);
-    /// Starts from a rule set that was read before, wherever the other calls say that they read it; the three fields of
-    /// the input that name a rule set are not used. Shares ownership of the set. With null reads by itself, as above.
+    /// Uses a rule set that was read before: where the calls below say that they read the rule set, they take this one.
+    /// The three fields of the input that name a rule set are not used. Shares ownership of the set. With null the engine
+    /// reads the rule set itself, as above.
     Arborist(std::shared_ptr<DetectInfo> detectInfo, std::shared_ptr<LoadedRuleSet> ruleSet);
     ~Arborist();
     Arborist(const Arborist&) = delete;
     Arborist& operator=(const Arborist&) = delete;
 
-    /// Reads the rule set anew and runs every tree of the tag. One result for each tree, in file order, fault or not;
-    /// they outlive this object and later calls. Empty if the rule file is missing or there is no tree; a warning says
-    /// which. If an earlier call has read a rule set and a file is missing or malformed now, that earlier content stays
-    /// in use, with the events that fired then still true.
+    /// Reads the rule set anew, runs every tree of the tag and returns one result for each tree, in file order, fault or
+    /// not. The results outlive this object and later calls. The list is empty if the rule file is missing or there is no
+    /// tree; a warning says which. If an earlier call has read a rule set and a file is missing or malformed now, the
+    /// content that was read earlier stays in use, and the events that fired then are still true.
     ///
-    /// With a loaded rule set reads no file: each call starts from what the set held when it was read, and logs the lines
-    /// that were logged then. Empty, with a warning, if another detection is using the set.
+    /// With a loaded rule set the call reads no file: it starts from what the set held when it was read, and logs the
+    /// lines that were logged then. The list is empty, with a warning, if another detection is using the set.
+    ///
+    /// Throws std::regex_error for a `dbName` of the rule set that is no regular expression, std::bad_alloc if memory runs
+    /// out, and what the host's own runner, observer or logger throws. The engine can be used again afterwards.
     std::vector<std::shared_ptr<FaultTreeResult>> StartDetection();
 
-    /// Asks the running detection to end early: at the next rule, SQLite step, file or archive entry. Every tree has its
-    /// result all the same; those that were not decided by then are marked FaultTreeResult::mIsStopped, and their
-    /// verdict is UNDECIDED with the reason STOPPED. The rule set is read to its end first. The engine can be used
+    /// Asks the running detection to end early: at the next rule, SQLite step, file or archive entry. Every tree still has
+    /// its result; trees that were not decided by then are marked FaultTreeResult::mIsStopped, and their verdict is
+    /// UNDECIDED with the reason STOPPED. A rule set that is being read is read to its end first. The engine can be used
     /// again at once, and no store is left half written.
     ///
     /// Any thread and any signal handler may call it. Without a running detection it does nothing: a detection that
     /// starts later is not stopped.
     void RequestStop() noexcept;
 
-    /// True if the code rule of a detect code would run on this device and scene. The first code rule of the file whose
-    /// code contains the text `codeRuleId` decides. Reads the rule set if that has not happened yet.
+    /// Returns true if the code rule of a detect code would run on this device and scene. The first code rule of the file
+    /// whose code contains the text `codeRuleId` decides. Reads the rule set if no call has read it yet.
     bool IsRunRule(const std::string& codeRuleId);
 
-    /// The first fault description, suggestion or repair id of the event that uses the code rule of this detect code;
-    /// empty when there is none. Reads the rule set if that has not happened yet. Before the first detection the events
-    /// of all trees are searched, after it those of the last tree.
+    /// Returns the first fault description, suggestion or repair id of the event that uses the code rule of this detect
+    /// code; empty if there is none. Reads the rule set if no call has read it yet. Searches the events of all trees
+    /// before the first detection, and only those of the last tree after it.
     ///@{
     std::string GetCodeRuleFaultDescId(const std::string& detectCode);
     std::string GetCodeRuleSuggestionId(const std::string& detectCode);
@@ -76,6 +80,8 @@ private:
     struct RepairQuery;
     class Turn;
 
+    // The rule archive: only InitFaultTree unpacks it, and nothing in the library calls InitFaultTree. A detection reads
+    // unpacked files.
     static constexpr char FAULT_TREE_NAME[] = "FaultTree.zip";
     static constexpr char TEMP_NAME[] = "temp_";
     static constexpr char SEPARATOR[] = "/";
@@ -103,7 +109,7 @@ private:
     std::shared_ptr<FaultTreeVisitor> mFaultTreeVisitor;
     std::unique_ptr<StopRequest> mStop;
     std::shared_ptr<DetectInfo> mDetectInfo;
-    // Directory into which the rule archive is unpacked.
+    // Directory into which InitFaultTree unpacks the rule archive; empty until then.
     std::string mUnzipDir;
     std::shared_ptr<DetectionObserver> mObserver;
 };

@@ -12,8 +12,8 @@ namespace Evidence {
 
 /// How reliable the answer of a rule, or the status of an event, is.
 ///
-/// In ascending order of precedence: the check of a whole is the greatest of its parts. The open checks come last:
-/// their answer is not known, whatever the status is.
+/// The values ascend in precedence: the check of a whole is the greatest of the checks of its parts. The open checks come
+/// last: an open check has no known answer, whatever the status of its event is.
 enum class Check : unsigned char {
     /// There is nothing to check: the event follows its gate.
     NONE,
@@ -24,7 +24,7 @@ enum class Check : unsigned char {
     NOT_SELECTED,
     /// Decided on existing data, or answered by the host.
     DECIDED,
-    /// Open: it has no rules, or nothing can check it.
+    /// Open: the event has no rules, or nothing can check it.
     NOT_CHECKED,
     /// Open: the data is missing, unreadable or incomplete. Its text is "no_data".
     DATA_MISSING,
@@ -36,11 +36,11 @@ enum class Check : unsigned char {
 /// for NONE.
 ARBORIST_EXPORT const char* CheckText(Check check);
 
-/// The check that follows from a reason alone. NONE for Reason::NONE and for a rule that was not run because its group
-/// had ended.
+/// The check that follows from a reason alone: NONE for Reason::NONE, and for Reason::GROUP_ENDED, which a rule has if it
+/// was not run.
 ARBORIST_EXPORT Check CheckOf(Reason reason);
 
-/// True if the answer is unknown: with complete data and a usable rule it could be different.
+/// True if the answer is unknown: with complete data and a usable rule the answer could be different.
 constexpr bool IsOpen(Check check)
 {
     return check >= Check::NOT_CHECKED;

@@ -14,8 +14,8 @@ class ARBORIST_EXPORT CodeRuleRunner {
 public:
     virtual ~CodeRuleRunner() = default;
 
-    /// Carries out the test and returns true if the fault is present. Called during a detection, on its thread.
-    /// The ids are those of the first event that uses the rule; `userDefinedInfo` is the rule's own text, unchanged.
+    /// Carries out the test, on the detection's thread, and returns true if the fault is present. The ids are those of the
+    /// first event that uses the rule; `userDefinedInfo` is the rule's own text. An exception leaves StartDetection.
     virtual bool RunCodeRule(std::vector<std::string> faultDescriptionIds, std::vector<std::string> suggestionIds,
         std::vector<std::string> repairIds, const std::string& userDefinedInfo) = 0;
 
@@ -25,15 +25,15 @@ public:
         NOBODY_THERE, ///< no test is available: treated like a host without a runner
         BROKEN_OFF, ///< a test was tried and gave no answer
     };
-    /// Says whether the last return value of RunCodeRule is a real answer; ANSWERED by default. The return value
-    /// decides the rule in any case; unless ANSWERED, the check is open (Evidence::IsOpen).
+    /// Says whether the last return value of RunCodeRule is a real answer; ANSWERED by default. The return value decides
+    /// the rule in any case, but with another outcome than ANSWERED the check of the rule is open (Evidence::IsOpen).
     virtual Outcome GetOutcome() const { return Outcome::ANSWERED; }
 };
 
 /// Attributes of the device. All are texts; an empty text means that the attribute is not known.
 class DeviceDetails {
 public:
-    /// A device of which no attribute is known.
+    /// A device whose attributes are all unknown.
     DeviceDetails() = default;
     /// A device with these attributes.
     DeviceDetails(std::string deviceType, std::string product, std::string platform, std::string cpuName,
@@ -86,11 +86,11 @@ struct DetectInfo {
     std::string mRuleFileDir;
     /// For the host's own use; the library never reads it.
     std::string mReservedText;
-    /// Directory of the recovery logs.
+    /// Directory of the recovery logs. No detection reads it today.
     std::string mLogLocation;
-    /// The device for which rules are filtered and thresholds are chosen. May be null: no attribute is known then.
+    /// The device for which rules are filtered and thresholds are chosen. Null fails each filter that needs an attribute.
     std::shared_ptr<DeviceDetails> mDeviceDetails;
-    /// May be null: code rules then answer false.
+    /// Carries out the code rules. May be null: code rules then answer false, and their checks are open.
     std::shared_ptr<CodeRuleRunner> mCodeRuleRunner;
     /// If not empty, both XML files are looked up under this prefix, "_" and their name.
     std::string mRuleFilePrefix;

@@ -19,16 +19,16 @@
 #include "arborist/frame/evidence_values.h"
 #include "arborist/frame/evidence_words.h"
 
-/// The evidence of a detection, as records that own their texts and outlive the engine: an event's evidence has its
-/// alternatives, these have their rules, and a rule has the part of its family.
+/// The evidence of a detection, as records that own their texts and outlive the engine: an Event has alternatives, an
+/// Alternative has rules, and a Rule has the part of its family.
 ///
-/// The engine fills a record while it decides, and passes it to the DetectionObserver once it is complete. Without an
-/// observer it creates no record.
+/// The engine fills a record while it decides, and passes the record to the DetectionObserver once it is complete. Without
+/// an observer the engine creates no record.
 namespace Evidence {
 
-/// The filter that rejected a rule: Rule::reason says which.
+/// The filter that rejected a rule; Rule::reason says which filter it was.
 struct Filter {
-    /// The value of the device that was looked for; empty if it is not known.
+    /// The value that the filter looks for, the device's or the scene; empty if the value of the device is not known.
     std::string deviceValue;
     /// What the rule accepts or, for a black list, refuses.
     std::string ruleText;
@@ -44,15 +44,15 @@ struct Rule {
     Verdict verdict = Verdict::SKIPPED;
     /// The reason for the verdict. Each window and statement has a reason of its own.
     Reason reason = Reason::NONE;
-    /// What else went wrong on the way, each once: a node file that is missing although the condition was met.
+    /// What else went wrong, each reason once: a node file that is missing although the condition was met, for instance.
     std::vector<Reason> notes;
-    /// What the answer rests on: the worst of reason, notes, windows and statements.
+    /// How reliable the answer is: the worst check of reason, notes, windows and statements.
     Check check = Check::NONE;
-    /// The file and the message of the first problem with the event log while the rule ran; empty without one.
+    /// The file and the message of the first problem with the event log while the rule ran; empty if there was no problem.
     std::string logProblem;
-    /// Set if a filter rejected it.
+    /// Set if a filter rejected the rule.
     std::optional<Filter> filter;
-    /// The unknown name in the rule (NO_COMMON_PART, NO_SUCH_DATABASE); the method that is none (NOT_SQL).
+    /// The name in the rule that is not known (NO_COMMON_PART, NO_SUCH_DATABASE), or the unknown method (NOT_SQL).
     std::optional<std::string> badName;
     /// The part of its family, in the order of `Family`; empty for a rule that was skipped.
     std::variant<std::monostate, Alarm, Command, Node, Code> part;
@@ -62,7 +62,7 @@ struct Rule {
     /// Sets `part` to an empty part of this family.
     ARBORIST_EXPORT void SetFamily(Family family);
 
-    /// Adds to `notes` what they don't have yet.
+    /// Adds a note to `notes` unless it is there already.
     void Note(Reason note)
     {
         if (std::find(notes.begin(), notes.end(), note) == notes.end()) {
@@ -77,7 +77,7 @@ struct Rule {
 struct Alternative {
     /// True for the rules of a "multipleRule".
     bool inGroup = false;
-    /// In the order of running. Rules of a group that were not reached follow, with the reason GROUP_ENDED.
+    /// The rules in the order of running. Rules of a group that were not reached come last, with the reason GROUP_ENDED.
     std::vector<Rule> rules;
 
     ARBORIST_COMPARABLE(Alternative)
@@ -91,11 +91,11 @@ struct Event {
     std::string name;
     /// True if its rules made it true.
     bool fired = false;
-    /// NONE if the reasons are those of its rules.
+    /// Why no rule was run; NONE if rules were run: these have reasons of their own.
     Reason reason = Reason::NONE;
-    /// In the order of running.
+    /// The alternatives in the order of running.
     std::vector<Alternative> alternatives;
-    /// What the answer rests on.
+    /// How reliable the answer is.
     Check check = Check::NONE;
 
     ARBORIST_COMPARABLE(Event)

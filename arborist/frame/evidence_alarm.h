@@ -13,8 +13,8 @@
 
 namespace Evidence {
 
-/// One test of an alarm item's parameters. If a row must pass several, each is applied to the rows that passed those
-/// before it.
+/// One test of an alarm item's parameters. If a row must pass several tests, each test is applied to the rows that passed
+/// the tests before it.
 struct Test {
     /// The member of "extra" that is tested.
     std::string key;
@@ -24,9 +24,9 @@ struct Test {
     std::string logic;
     /// The value of the rule.
     std::string value;
-    /// The number of rows that the test was put to.
+    /// The number of rows that were tested.
     std::uint64_t rowsTested = 0;
-    /// The number of these that passed.
+    /// The number of tested rows that passed.
     std::uint64_t rowsPassed = 0;
     /// The part of rowsPassed that belongs to the last id of the range. Set only if that id alone decides.
     std::optional<std::uint64_t> rowsPassedByLastId = std::nullopt;
@@ -36,11 +36,11 @@ struct Test {
 
 /// The counts of a window of an alarm rule.
 struct WindowCount {
-    /// Rows of the range since the start. Counting ends with the id that reached the threshold.
+    /// The number of rows of the range since the start. Counting ends with the id that reached the threshold.
     std::uint64_t rowsFound = 0;
-    /// Of these, rows of another version, which don't count.
+    /// The number of these rows that belong to another version and don't count.
     std::uint64_t rowsOfOtherVersion = 0;
-    /// Rows that failed a test. Of several conditions, the smallest number.
+    /// The number of rows that failed a test. If the item has several conditions, the smallest of their numbers.
     std::uint64_t rowsFailedTest = 0;
     /// The largest count, weight or daily peak of an id; 0 without rows. See lastIdDecides.
     std::int64_t reached = 0;
@@ -51,32 +51,32 @@ struct WindowCount {
     /// True for a condition with several tests in a "daily_peak" or "latest" window: only the last id of the range
     /// decides. `reached` is then the smallest number of its rows that pass one of the tests; 0 without rows.
     bool lastIdDecides = false;
-    /// Rows of the whole range, of any version, that lie in the period but before the start, which a reset, an update
-    /// or a repair moved. Not set if the period determined the start, or if the log is damaged.
+    /// The number of rows of the whole range, of any version, that lie in the period but before the start, because a reset,
+    /// an update or a repair moved the start. Not set if the period determined the start, or if the log is damaged.
     std::optional<std::uint64_t> rowsBeforeStart = std::nullopt;
-    /// Whole days from the first row of the log to now if the log begins after the window does. Nothing if it begins
-    /// before, and for a damaged log, which can't tell.
+    /// The whole days from the first row of the log to now. Set only if the log begins after the window does and is not
+    /// damaged.
     std::optional<std::int64_t> coveredDays = std::nullopt;
 
     ARBORIST_COMPARABLE(WindowCount)
 };
 
-/// One time window of one item of an alarm rule. An item whose id range is empty has no window: `kind` is empty then,
-/// and the reason NO_IDS.
+/// One time window of one item of an alarm rule. An item whose id range is empty has no window: its record has an empty
+/// `kind` and the reason NO_IDS.
 struct Window {
     /// Position of the item in its rule, from 0.
     std::size_t item = 0;
     /// The first event id of the range.
     std::int64_t firstId = 0;
-    /// The last event id of the range, which belongs to it.
+    /// The last event id of the range, itself included.
     std::int64_t lastId = 0;
     /// "duration", "daily_peak", "latest" or empty.
     std::string kind;
     /// The length of the window in days.
     std::int32_t periodDays = 0;
-    /// What one id must reach.
+    /// The number that one id must reach.
     std::int64_t threshold = 0;
-    /// Not set if the window was not counted.
+    /// The moment from which rows count. Not set if the window was not counted.
     std::optional<Start> start;
     /// True if only rows of the current version count.
     bool versionFilter = false;
@@ -86,13 +86,13 @@ struct Window {
     bool hit = false;
     /// Why the window ended as it did.
     Reason reason = Reason::NONE;
-    /// Why the count may be another one: NEGATIVE_WEIGHT, ROWS_UNSEEN, ROWS_AFTER_NOW, VERSION_UNKNOWN,
+    /// Why the count may be wrong: NEGATIVE_WEIGHT, ROWS_UNSEEN, ROWS_AFTER_NOW, VERSION_UNKNOWN or
     /// REPAIR_UNREADABLE.
     std::vector<Reason> notes;
     /// The tests of its rows, in the order of the rule.
     std::vector<Test> tests;
 
-    /// How much the best id lacked of the threshold; 0 for a hit and for a window that was not counted.
+    /// How much the best id was short of the threshold; 0 for a hit and for a window that was not counted.
     std::int64_t Missing() const { return hit || !start || count.reached >= threshold ? 0 : threshold - count.reached; }
 
     ARBORIST_COMPARABLE(Window)
@@ -100,7 +100,7 @@ struct Window {
 
 /// The part of an alarm rule: its windows.
 struct Alarm {
-    /// In the order of counting, up to the first one that reached its threshold.
+    /// The windows in the order of counting, up to the first that reached its threshold.
     std::vector<Window> windows;
 
     ARBORIST_COMPARABLE(Alarm)

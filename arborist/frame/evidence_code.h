@@ -9,19 +9,19 @@
 
 namespace Evidence {
 
-/// The arguments of the host's runner for a code rule, and its answer; no answer without a runner.
+/// The arguments that a code rule passes to the host's runner, and the runner's answer.
 struct Code {
-    /// The code that the host is to run.
+    /// The detection code of the rule.
     std::string detectCode;
-    /// The ids of fault descriptions that are handed over.
+    /// The ids of fault descriptions that the runner receives.
     std::vector<std::string> faultDescriptionIds;
-    /// The ids of suggestions that are handed over.
+    /// The ids of suggestions that the runner receives.
     std::vector<std::string> suggestionIds;
-    /// The ids of repairs that are handed over.
+    /// The ids of repairs that the runner receives.
     std::vector<std::string> repairIds;
-    /// The text that the rule set gives the host along.
+    /// The rule's own text for the runner.
     std::string userDefinedInfo;
-    /// True if the host found the fault.
+    /// True if the host found the fault. Not set without a runner.
     std::optional<bool> answer;
 
     ARBORIST_COMPARABLE(Code)

@@ -29,15 +29,15 @@ struct Column {
     ARBORIST_COMPARABLE(Column)
 };
 
-/// The time between two columns of a command rule's row, by which its values are scaled to 30 days.
+/// The time between two columns of a command rule's row. The values of the row are scaled from this time to 30 days.
 struct Interval {
-    /// Empty if the rule doesn't name two columns.
+    /// The column with the start; empty if the rule doesn't name two columns.
     std::string startKey;
-    /// The column with the end; empty as above.
+    /// The column with the end; empty if the rule doesn't name two columns.
     std::string endKey;
-    /// Seconds since the epoch; 0 for a missing column.
+    /// The start in seconds since the epoch; 0 for a missing column.
     std::int64_t start = 0;
-    /// The end, as above.
+    /// The end in seconds since the epoch; 0 for a missing column.
     std::int64_t end = 0;
     /// The whole days between them.
     std::uint64_t days = 0;
@@ -55,7 +55,7 @@ struct Statement {
     std::string sql;
     /// True if the database could be opened.
     bool opened = false;
-    /// Number of rows; for a statement that failed, those before the failure.
+    /// The number of rows; if the statement failed, of the rows before the failure.
     std::uint64_t rows = 0;
     /// The database's message for a statement that failed; empty otherwise.
     std::string error;
@@ -63,7 +63,7 @@ struct Statement {
     std::optional<Interval> interval;
     /// The columns that the conditions name.
     std::vector<Column> columns;
-    /// In the order in which they were made.
+    /// The comparisons in the order in which they were made.
     std::vector<Comparison> comparisons;
     /// The result of the conditions on this database. With several databases each statement has a reason of its own.
     Reason reason = Reason::NONE;
@@ -73,9 +73,9 @@ struct Statement {
 
 /// Why there is no copy of the databases of one kind.
 struct MissingCopies {
-    /// What stood in the way.
+    /// The cause.
     NoCopy cause = NoCopy::NONE;
-    /// The folder that was searched, as the rule set names it; with FOLDER_MISSING all that it names.
+    /// The folder that was searched, as the rule set names it; with FOLDER_MISSING all folders that the rule set names.
     std::vector<std::string> folders;
     /// The regular expression for the paths of the files.
     std::string pattern;
@@ -89,11 +89,11 @@ struct Hits {
     std::string name;
     /// The number of copies that were queried.
     std::size_t databases = 0;
-    /// The number of these whose row met the condition.
+    /// The number of copies whose row met the condition.
     std::int64_t hits = 0;
-    /// The number of hits at which the rule fires; with 0 or less it needs none.
+    /// The number of hits at which the rule fires; with 0 or less the rule needs no hit.
     std::int64_t needed = 0;
-    /// Set if no database was copied: why not.
+    /// Why no database was copied; not set if one was copied.
     std::optional<MissingCopies> missingCopies = std::nullopt;
 
     /// How many hits are missing; 0 if there are enough.
@@ -104,11 +104,11 @@ struct Hits {
 
 /// The part of a command rule: its statements.
 struct Command {
-    /// Not set for a rule on copied databases, which are queried without a time limit.
+    /// The moment from which the rule looks at the log. Not set for a rule on copied databases, which has no time limit.
     std::optional<Start> start;
-    /// One for each database, in the order of running.
+    /// One statement for each database, in the order of running.
     std::vector<Statement> statements;
-    /// For a rule on copied databases.
+    /// Set for a rule on copied databases.
     std::optional<Hits> hits;
 
     ARBORIST_COMPARABLE(Command)

@@ -16,9 +16,9 @@ struct NodeFile {
     std::string param;
     /// The path that the rule names.
     std::string path;
-    /// False if it is missing, unreadable or too large.
+    /// False if the file is missing, unreadable or too large.
     bool readable = false;
-    /// Its content.
+    /// The content of the file.
     std::string value;
 
     ARBORIST_COMPARABLE(NodeFile)
@@ -44,7 +44,7 @@ struct Node {
     std::vector<NodeFile> files;
     /// Set if a formula was calculated.
     std::optional<Formula> formula;
-    /// In the order in which they were made.
+    /// The comparisons in the order in which they were made.
     std::vector<Comparison> comparisons;
 
     ARBORIST_COMPARABLE(Node)

@@ -12,17 +12,17 @@ namespace Evidence {
 
 /// One of the two XML files of a rule set, after the attempt to read it.
 struct RuleSetFile {
-    /// Which file it is.
+    /// Which of the two files it is.
     RuleSetFileType type = RuleSetFileType::TREES;
     /// The result of reading it.
     RuleSetFileState state = RuleSetFileState::MISSING;
-    /// Where it was looked for.
+    /// The path at which the library looked for the file.
     std::string path;
     /// The XML reader's message for a malformed file; empty otherwise.
     std::string message;
     /// Line of the first error in a malformed file, from 1; 0 if not known.
     int line = 0;
-    /// Trees of the tag (TREES), rules of the tag (RULES).
+    /// The number of trees of the tag (TREES), or of rules of the tag (RULES).
     std::size_t count = 0;
 
     ARBORIST_COMPARABLE(RuleSetFile)
@@ -30,9 +30,9 @@ struct RuleSetFile {
 
 /// External databases that a rule set names ("defDBTable").
 struct ExternalDatabase {
-    /// The name by which rules refer to them.
+    /// The name by which rules refer to the databases.
     std::string name;
-    /// The regular expression for their paths. An invalid one ends the detection with a std::regex_error.
+    /// The regular expression for the paths of the databases. If it is invalid, std::regex_error ends the detection.
     std::string pattern;
 
     ARBORIST_COMPARABLE(ExternalDatabase)
@@ -40,7 +40,7 @@ struct ExternalDatabase {
 
 /// A rule set after the attempt to load it.
 struct RuleSet {
-    /// The tree file, then the rule file; without files that were not looked for.
+    /// The tree file, then the rule file. A file that the library didn't look for is left out.
     std::vector<RuleSetFile> files;
     /// The external databases that its rules refer to.
     std::vector<ExternalDatabase> databases;

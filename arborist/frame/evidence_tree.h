@@ -12,7 +12,7 @@
 
 namespace Evidence {
 
-/// A tree whose rules run next.
+/// The tree whose rules run next.
 struct TreeHead {
     /// The id of the tree.
     std::string id;
@@ -30,26 +30,26 @@ struct FoldedEvent {
     std::size_t depth = 0;
     /// The kind of the event.
     EventType type = EventType::BASIC;
-    /// The gate below it; NONE for a leaf.
+    /// The gate below the event; NONE for a leaf.
     GateType gate = GateType::NONE;
     /// The id of the event.
     std::string id;
     /// The name of the event.
     std::string name;
-    /// The text that the tree file gives the host along.
+    /// The text that the tree file holds for the host.
     std::string userDefined;
     /// The status after the fold.
     EventState status = EventState::UNKNOWN;
-    /// True for an intermediate event with rules of its own, which doesn't follow its gate.
+    /// True for an intermediate event with rules of its own; such an event doesn't follow its gate.
     bool observable = false;
-    /// NONE for an intermediate event without rules of its own.
+    /// How reliable the status is; NONE for an intermediate event without rules of its own.
     Check check = Check::NONE;
 
-    /// Whether it counts as true although its check is open.
+    /// Returns true if the event counts as true although its check is open.
     bool RestsOnDefault() const { return IsInError() && IsOpen(check); }
-    /// Whether no gate belongs below it.
+    /// Returns true if no gate belongs below the event.
     bool IsLeaf() const { return type != EventType::INTERMEDIATE; }
-    /// Whether it counts as true.
+    /// Returns true if the event counts as true.
     bool IsInError() const { return Evidence::IsInError(status); }
 
     ARBORIST_COMPARABLE(FoldedEvent)
@@ -71,9 +71,9 @@ struct RootCause {
 struct TreeResult {
     /// The id of the tree.
     std::string id;
-    /// True if it has a root cause.
+    /// True if the tree has a root cause.
     bool isFault = false;
-    /// The verdict, and what it rests on.
+    /// The verdict, and how reliable it is.
     TreeVerdict verdict;
 
     ARBORIST_COMPARABLE(TreeResult)

@@ -9,20 +9,20 @@
 
 namespace Evidence {
 
-/// Seconds since the epoch with their local time, in the zone that was in force. The text is empty for 0, which means
-/// none, and outside the years 0 to 9999.
+/// A moment with its local time, in the zone that was in force when the record was made. A default-constructed Moment
+/// stands for no moment.
 struct Moment {
-    /// Seconds since the epoch; 0 for none.
+    /// Seconds since the epoch; 0 stands for no moment.
     std::int64_t seconds = 0;
-    /// The same as "%Y-%m-%d %H:%M:%S" in local time.
+    /// The local time as "%Y-%m-%d %H:%M:%S"; empty for no moment, and outside of the years 0 to 9999.
     std::string local;
 
     ARBORIST_COMPARABLE(Moment)
 };
 
-/// The start time of a rule, and which of four moments, the latest, determined it.
+/// The moment from which a rule looks at the log: the latest of four moments.
 struct Start {
-    /// The latest of the four moments.
+    /// The latest of the four moments below.
     Moment start;
     /// The start of the period, counted back from now.
     Moment period;
@@ -32,16 +32,16 @@ struct Start {
     Moment update;
     /// The last repair of the event; 0 for none.
     Moment repair;
-    /// Which moment it is.
+    /// Which of the four moments is the latest.
     Floor floor = Floor::PERIOD;
     /// The length of the period in days.
     std::int32_t periodDays = 0;
-    /// "BeginFlag" of the rule: which moments count beside the period.
+    /// "BeginFlag" of the rule, which says which moments count beside the period.
     std::string beginFlag;
     /// The repair with the latest date; empty if there is none.
     std::string repairId;
-    /// A repair whose date could not be read, or why the event's own repair id could not: the start may be too early.
-    /// Empty if all could be read.
+    /// A repair whose date could not be read, or the reason why the event's own repair id could not be read: the start may
+    /// be too early. Empty if everything could be read.
     std::string unreadableRepair;
 
     ARBORIST_COMPARABLE(Start)
@@ -61,7 +61,7 @@ struct Comparison {
     std::string observed;
     /// The value of the rule set.
     std::string configured;
-    /// "static", "dynamic", "systemParam", or empty if the rule's own text is the only source.
+    /// The source of `configured`: "static", "dynamic", "systemParam", or empty if only the rule's own text can be it.
     std::string source;
     /// Name of the threshold or system parameter in the common part; empty for a "static" value.
     std::string sourceId;

@@ -3,8 +3,8 @@
 
 #include "arborist/arborist_export.h"
 
-/// The words of which evidence is made, with the text of each as explanations print it. No enumerator is a word that
-/// the headers of an operating system define as a macro.
+/// The words of evidence, with their texts as explanations print them. No enumerator is a word that the headers of an
+/// operating system define as a macro.
 namespace Evidence {
 
 /// The family of a rule, which is also the kind of its checker.
@@ -27,8 +27,8 @@ enum class Reason {
     FILTERED_PLATFORM, ///< the platform is not among the rule's
     FILTERED_DEVICE_TYPE, ///< the device type is not among the rule's
     NO_CHECKER, ///< no checker for this class of rule
-    NO_GATE, ///< an intermediate event has no gate that could be read: what should lie below is not known
-    STOPPED, ///< the detection was stopped before it was asked
+    NO_GATE, ///< an intermediate event has no gate that could be read: the events that should lie below are not known
+    STOPPED, ///< the detection was stopped before the rule was asked
     GROUP_ENDED, ///< an earlier rule of the same "multipleRule" was false
     // Alarm rules.
     NO_ITEMS, ///< the rule has no "alarmId"
@@ -49,9 +49,9 @@ enum class Reason {
     NOT_SQL, ///< the analysis method is not "SQL"
     NO_SUCH_DATABASE, ///< the referenced "defDBTable" doesn't exist
     DATABASE_UNAVAILABLE, ///< a database can't be opened or copied, or there is none
-    TABLE_INCOMPLETE, ///< a table was not built, or not from a whole log, or a row of it lacks a value
+    TABLE_INCOMPLETE, ///< a table was not built, or was built from a log that is not whole, or one of its rows lacks a value
     STATEMENT_FAILED, ///< the database refused the statement, or broke it off
-    ROW_COUNT, ///< the statement gave another number of rows than one
+    ROW_COUNT, ///< the statement gave no row, or more than one
     NO_INTERVAL, ///< values can't be scaled: the two time columns are missing or give no interval
     NO_THRESHOLD, ///< the value to compare with is empty, in the rule or in the common part
     HITS_SHORT, ///< too few of the referenced databases hit
@@ -79,10 +79,10 @@ enum class Reason {
 /// The last reason.
 constexpr Reason LAST_REASON = Reason::VERSION_UNKNOWN;
 
-/// What set the moment from which a rule looks at the log.
+/// What determined the moment from which a rule looks at the log.
 enum class Floor { PERIOD, RESET, UPDATE, REPAIR };
 
-/// What is known of an event. PRESENT means that the fault is there.
+/// The status of an event. PRESENT means that the fault is there.
 enum class EventState {
     PRESENT,
     ABSENT,
@@ -134,7 +134,7 @@ ARBORIST_EXPORT const char* TypeText(EventType type);
 /// "or", "and"; empty for NONE.
 ARBORIST_EXPORT const char* GateText(GateType gate);
 
-/// Whether a status counts as a present fault.
+/// Returns true if a status counts as a present fault.
 constexpr bool IsInError(EventState state)
 {
     return state == EventState::PRESENT || state == EventState::INTERMEDIATE_PRESENT;

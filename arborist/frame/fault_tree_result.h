@@ -9,7 +9,7 @@
 
 /// Identity of a root cause: copies of the texts of its event.
 struct FaultTreeNode {
-    /// Id of the event, unique in its tree.
+    /// Id of the event. One id may stand at several places of a tree.
     std::string mId;
     /// Name of the event, for people.
     std::string mName;
@@ -26,8 +26,8 @@ struct ARBORIST_EXPORT FaultTreeResult {
         /// A JSON object from repair id to a text that is JSON itself; empty if the rule set gives none.
         std::string mExtra;
 
-        /// Returns the operation word of this repair from `mExtra`; empty if there is none, and also if `mExtra`
-        /// contains the plain word "operation". Logs an error for a text that is no JSON.
+        /// Returns the operation word of this repair from `mExtra`; empty if `mExtra` has none, and also if the plain
+        /// word "operation" occurs anywhere in `mExtra`. Logs an error if `mExtra` is no JSON.
         std::string GetOperation() const;
     };
 
@@ -53,12 +53,12 @@ struct ARBORIST_EXPORT FaultTreeResult {
     std::string mVersion;
     /// Id of the tree.
     std::string mTreeId;
-    /// True when at least one root cause was found.
+    /// True if at least one root cause was found. False proves nothing if data was missing: see Evidence::TreeVerdict.
     bool mIsFault = false;
-    /// True when the detection was stopped before this tree was decided: there are no root causes, and `mIsFault` has
+    /// True if the detection was stopped before this tree was decided: there are no root causes, and `mIsFault` has
     /// no meaning.
     bool mIsStopped = false;
-    /// In order of deduction. A cause may occur more than once: once for each cut set that explains the fault.
+    /// The root causes, in order of deduction. A cause occurs once for each cut set that explains the fault.
     std::vector<std::shared_ptr<RootCauseResult>> mRootCauseResults;
 };
 

@@ -30,14 +30,18 @@ enum LogLevel : int {
     LEVEL_FATAL = 5,
 };
 
-/// Receives log lines. A host derives from it and passes an object to Log::SetUserLogger.
+/// Receives log lines. A host derives from this class and passes an object to Log::SetUserLogger.
 class ARBORIST_EXPORT ILogger {
 public:
     virtual ~ILogger() = default;
 
-    /// Receives one message: a LogLevel, a printf format without line end and its arguments. `args` can be read once;
-    /// use va_copy to read it again. Called on the thread that logs: the host's own, or one of the loader's while the
-    /// host's waits.
+    /// Receives one message: a LogLevel, a printf format without line end, and its arguments. `args` can be read once;
+    /// use va_copy to read it again.
+    ///
+    /// Called on the thread that logs: the thread that called the library, or a thread of the loader for which the calling
+    /// thread waits. If several threads call the library at once, several calls of Print may run at once.
+    ///
+    /// Should not throw: an exception ends the call of the library that logs, and leaves it.
     virtual void Print(unsigned int level, const std::string& format, va_list args) = 0;
 };
 
@@ -49,7 +53,8 @@ public:
 
 /// The channel for all messages of the library; one for the process.
 ///
-/// Not thread-safe: set the logger before the first detection.
+/// Any number of threads may call Output at once. SetUserLogger is not thread-safe: call it while no other thread uses the
+/// library.
 class ARBORIST_EXPORT Log {
 public:
     Log(const Log&) = delete;
@@ -59,10 +64,11 @@ public:
     static Log& GetInstance();
 
     /// Passes a message to the current logger. `level` is a LogLevel; `format` and arguments are as for printf. Every
-    /// format of the library begins with "FUNc:%s: " and its first argument is the function's qualified name.
+    /// format of the library begins with "FUNc:%s: ", and its first argument is the function's qualified name. What the
+    /// logger throws leaves the call.
     void Output(int level, const char* format, ...) ARBORIST_PRINTF_LIKE(3, 4);
 
-    /// Replaces the current logger, which is destroyed. For null returns false and changes nothing.
+    /// Destroys the current logger and uses this one from now on. For null returns false and changes nothing.
     bool SetUserLogger(std::unique_ptr<ILogger> logger);
 
 private:

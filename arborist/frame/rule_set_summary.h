@@ -18,7 +18,7 @@ struct RuleSetSummary {
         int line = 0;     ///< from 1
     };
 
-    /// False for a file that is missing or no well-formed XML; it then adds nothing.
+    /// False for a file that is missing or no well-formed XML; such a file adds no names.
     ///@{
     bool isTreeFileRead = false;
     bool isRuleFileRead = false;
@@ -36,24 +36,24 @@ struct RuleSetSummary {
     ///@}
     /// Detection codes of the code rules, in file order.
     std::vector<std::string> detectCodes;
-    /// The longest look-back of all rules and derived tables, in days; 0 if there is none, nothing if one is unlimited.
+    /// The longest look-back of all rules and derived tables, in days; 0 if none looks back, not set if one has no limit.
     std::optional<std::int64_t> longestWindow = 0;
-    /// The ids under which recorded repairs count for events, sorted; with "_" and the operation if there is one.
+    /// The ids under which recorded repairs count for events, sorted; with "_" and the operation if the repair has one.
     std::vector<std::string> repairIds;
 };
 
-/// Paths of the two files of a rule set in `folder`; `prefix`, unless empty, and "_" precede their names.
+/// The paths of the two files of a rule set in `folder`. Unless `prefix` is empty, it and "_" precede their names.
 ARBORIST_EXPORT std::string TreeFilePath(const std::string& folder, const std::string& prefix);
 ARBORIST_EXPORT std::string RuleFilePath(const std::string& folder, const std::string& prefix);
 
-/// The path at which a detection reads `path` of a rule file, on a device whose root directory is `root`
-/// (Settings::DEVICE_ROOT_DIR). Neither ".." nor a symbolic link leads out of that root, or for a relative path out of
-/// the working directory. With an empty `root`, for this machine, returns `path` itself; empty for links in a circle.
+/// The path at which a detection reads `path` of a rule file; `root` is the root directory of the device, as in
+/// Settings::DEVICE_ROOT_DIR, or empty for this machine: then `path` itself. Neither ".." nor a symbolic link leads out of
+/// `root`, or out of the working directory if `path` is relative. Empty for links in a circle.
 ARBORIST_EXPORT std::string PathOnDevice(const std::string& root, const std::string& path);
 
-/// The line, from 1, of an element with more than 256 attributes; 0 if there is none, or if the text has at most 16 KiB. A
-/// file with such an element isn't read: the XML library compares each attribute with all before it, so that the time
-/// would grow with the square of their number.
+/// The line, from 1, of the first element with more than 256 attributes; 0 if there is none, or if the text has at most
+/// 16 KiB. The library doesn't read a file with such an element: the XML reader compares each attribute with all before
+/// it, so that the time would grow with the square of their number.
 ARBORIST_EXPORT int LineOfTooManyAttributes(std::string_view xml);
 
 /// Reads both files of a rule set. Throws nothing, and logs only a repair whose operation can't be read.

@@ -17,13 +17,13 @@ struct OpenCheck {
     std::string eventId;
     /// The first rule of the event with this check; empty if the check comes from no rule.
     std::string ruleName;
-    /// The value of the check: mostly an open one; see TreeVerdict::open.
+    /// The value of the check. It is an open one, except in the case that TreeVerdict::open describes.
     Check check = Check::NONE;
     /// Why there is no reliable answer.
     Reason reason = Reason::NONE;
     /// What the reason is about: a file, a name, a database's message. May be empty.
     std::string detail;
-    /// True if the event is TRUE although its check is open.
+    /// True if the event is TRUE although its check is open: another answer could take the event, and with it a fault, away.
     bool restsOnDefault = false;
 
     ARBORIST_COMPARABLE(OpenCheck)
@@ -31,9 +31,9 @@ struct OpenCheck {
 
 /// The result of a detection for one tree, and how reliable it is.
 ///
-/// `isFault` says whether a root cause was found; if none was found, that is no proof as long as checks are open. The
-/// verdict is exact over all answers of the open checks, taken as independent of each other. If two of them depend on
-/// one missing source, some combinations may be impossible: the verdict then errs towards UNDECIDED.
+/// FaultTreeResult::mIsFault is no proof while checks are open. The verdict considers every combination of their answers,
+/// but an event that is TRUE stays TRUE (OpenCheck::restsOnDefault). Where two open checks depend on one missing source some
+/// combinations can't occur: the verdict may then be UNDECIDED although no possible answer changes it.
 struct TreeVerdict {
     /// The verdict itself.
     enum class Word : unsigned char {
@@ -59,9 +59,9 @@ struct TreeVerdict {
 
     /// The verdict.
     Word word = Word::UNDECIDED;
-    /// True if no answer of an open check could change the verdict or add a root cause.
+    /// False if answers to open checks could add a root cause or end UNDECIDED; events that are TRUE stay TRUE, as above.
     bool isComplete = true;
-    /// The top event is true and no cut set explains it.
+    /// True if the top event is TRUE and no cut set explains it.
     bool isTrueWithoutCause = false;
     /// The number of checks of the tree, by their value.
     CheckCounts checks;
@@ -69,8 +69,8 @@ struct TreeVerdict {
     std::vector<PossibleCause> possibleCauses;
     /// True if there are more than `possibleCauses` has.
     bool arePossibleCausesTruncated = false;
-    /// One for each open check, in pre-order. Where nothing was decided and nothing is open: what was not selected, or
-    /// the top event of a tree without checks.
+    /// One entry for each open check, in pre-order. If no check was decided and none is open, the entries are the checks
+    /// that were not selected, or the top event of a tree without checks.
     std::vector<OpenCheck> open;
 
     ARBORIST_COMPARABLE(TreeVerdict)

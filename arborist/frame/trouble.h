@@ -5,14 +5,14 @@
 
 namespace Evidence {
 
-/// A problem that makes a result less reliable and belongs to no record of a rule. Most of them have a line in the log,
-/// too; this is for programs.
+/// A problem that makes a result less reliable and belongs to no record of a rule, told to programs. Most problems have a
+/// line in the log, too.
 struct Trouble {
     /// What went wrong.
     enum class Kind {
         STATEMENT_FAILED, ///< a database statement failed; for command rules see Statement::error instead
         EVENT_LOG_UNREADABLE, ///< a statement on the event log failed, or broke off on its way
-        REPAIRS_UNREADABLE, ///< the same on the database of repair dates
+        REPAIRS_UNREADABLE, ///< a statement on the database of repair dates failed, or broke off on its way
         BAD_EXTRA, ///< the "extra" of a logged event is no JSON object, or its member `subject` can't be used as a value
         NO_COPY_FOLDER, ///< the databases `subject` were found, and no setting says where to copy them
         NOT_COPIED, ///< the database or archive `subject` matches a pattern of the rule set and can't be copied or unpacked
@@ -31,13 +31,13 @@ struct Trouble {
     ///@}
     /// The object of the problem, if the kind has one.
     std::string subject;
-    /// The file of the problem: the database, or the rule file for an entry of it, then with the line of its element,
-    /// from 1. Otherwise the line is 0.
+    /// The file of the problem: a database, or the rule file together with the line of the entry's element, from 1. Without
+    /// such an element the line is 0.
     ///@{
     std::string file;
     int line = 0;
     ///@}
-    /// The message of the database or the reader.
+    /// The message of the database or of the reader; for CAUSES_LEFT_OUT the number of root causes.
     std::string words;
 };
 
