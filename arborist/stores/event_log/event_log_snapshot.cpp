@@ -125,47 +125,42 @@ EventLogSnapshot::RowRange EventLogSnapshot::RangeSince(
     return {static_cast<std::uint32_t>(found - begin), static_cast<std::uint32_t>(behind - begin), true};
 }
 
-std::size_t EventLogSnapshot::Count(const RowRange& range, const Filter& filter) const
+// Calls `visit` with the condition that tells which rows of `range` pass: what all of them meet is not tested for each.
+// The conditions have no branches, so that compilers can vectorise loops over rows.
+template <typename Visit>
+auto EventLogSnapshot::WithCondition(const RowRange& range, const Filter& filter, Visit visit) const
 {
-    if (range.isSince && !filter.version) {
-        return range.end - range.begin;
+    const auto isOfVersion = [versions = mColumns.versions.data(), version = filter.version.value_or(UNNAMED_VERSION)](
+                                 std::uint32_t row) {
+        return (versions[row] == UNNAMED_VERSION) | (versions[row] == version);
+    };
+    if (!range.isSince) {
+        return visit([&, isOfAnyVersion = !filter.version](std::uint32_t row) {
+            const std::int64_t time = mColumns.times[row];
+            return ((isOfAnyVersion | isOfVersion(row)) & (time >= filter.start) & (time <= filter.last)) != 0;
+        });
     }
-    std::uint32_t count = 0;
-    if (range.isSince) {
-        const std::uint16_t* const versions = mColumns.versions.data();
-        const std::uint16_t version = *filter.version;
-        for (std::uint32_t row = range.begin; row < range.end; ++row) {
-            count += static_cast<std::uint32_t>((versions[row] == UNNAMED_VERSION) | (versions[row] == version));
-        }
-        return count;
-    }
-    for (std::uint32_t row = range.begin; row < range.end; ++row) {
-        count += static_cast<std::uint32_t>(Passes(row, range, filter));
-    }
-    return count;
+    return filter.version ? visit(isOfVersion) : visit([](std::uint32_t) { return true; });
 }
 
-template <typename Condition>
-void EventLogSnapshot::CountDaysIf(const RowRange& range, LocalDays& localDays, DayCounts& days, Condition passes) const
+std::size_t EventLogSnapshot::Count(const RowRange& range, const Filter& filter) const
 {
-    for (std::uint32_t row = range.begin; row < range.end; ++row) {
-        days[static_cast<std::size_t>(localDays.DayOfMonth(mColumns.times[row]))] +=
-            static_cast<std::int32_t>(passes(row));
-    }
+    return WithCondition(range, filter, [range](auto passes) {
+        std::uint32_t count = 0;
+        for (std::uint32_t row = range.begin; row < range.end; ++row) {
+            count += static_cast<std::uint32_t>(passes(row));
+        }
+        return count;
+    });
 }
 
 void EventLogSnapshot::CountDays(const RowRange& range, const Filter& filter, LocalDays& localDays, DayCounts& days) const
 {
-    if (!range.isSince) {
-        CountDaysIf(range, localDays, days, [&](std::uint32_t row) { return Passes(row, range, filter); });
-    } else if (filter.version) {
-        CountDaysIf(range, localDays, days,
-            [versions = mColumns.versions.data(), version = *filter.version](std::uint32_t row) {
-                return (versions[row] == UNNAMED_VERSION) | (versions[row] == version);
-            });
-    } else {
-        CountDaysIf(range, localDays, days, [](std::uint32_t) { return true; });
-    }
+    WithCondition(range, filter, [range, &localDays, &days, times = mColumns.times.data()](auto passes) {
+        for (std::uint32_t row = range.begin; row < range.end; ++row) {
+            days[static_cast<std::size_t>(localDays.DayOfMonth(times[row]))] += static_cast<std::int32_t>(passes(row));
+        }
+    });
 }
 
 bool EventLogSnapshot::HasUnseen(
@@ -206,14 +201,17 @@ void EventLogSnapshot::CountDaysAfter(
 RowBits EventLogSnapshot::Select(const RowRange& range, const Filter& filter) const
 {
     RowBits rows(range.begin, range.end);
-    for (std::uint32_t row = range.begin; row < range.end;) {
-        const std::uint32_t number = row / RowBits::WORD_BITS;
-        RowBits::Word word = 0;
-        for (; row < range.end && row / RowBits::WORD_BITS == number; ++row) {
-            word |= static_cast<RowBits::Word>(Passes(row, range, filter)) << row % RowBits::WORD_BITS;
+    WithCondition(range, filter, [range, &rows](auto passes) {
+        for (std::uint32_t row = range.begin; row < range.end;) {
+            const std::uint32_t number = row / RowBits::WORD_BITS;
+            const std::uint32_t end = row + std::min(range.end - row, RowBits::WORD_BITS - row % RowBits::WORD_BITS);
+            RowBits::Word word = 0;
+            for (; row < end; ++row) {
+                word |= static_cast<RowBits::Word>(passes(row)) << row % RowBits::WORD_BITS;
+            }
+            rows.SetWord(number, word);
         }
-        rows.SetWord(number, word);
-    }
+    });
     return rows;
 }
 
@@ -225,9 +223,11 @@ void EventLogSnapshot::AppendTimes(
         return;
     }
     times.reserve(times.size() + (range.end - range.begin));
-    for (std::uint32_t row = range.begin; row < range.end; ++row) {
-        if (Passes(row, range, filter)) {
-            times.push_back(mColumns.times[row]);
+    WithCondition(range, filter, [this, range, &times](auto passes) {
+        for (std::uint32_t row = range.begin; row < range.end; ++row) {
+            if (passes(row)) {
+                times.push_back(mColumns.times[row]);
+            }
         }
-    }
+    });
 }

@@ -140,17 +140,8 @@ private:
     std::vector<std::uint32_t> SortIds(std::vector<bool> needsQuery);
     void GroupRows(const std::vector<std::uint32_t>& entryOfRow);
     void LookAtOrder();
-    template <typename Condition>
-    void CountDaysIf(const RowRange& range, LocalDays& localDays, DayCounts& days, Condition passes) const;
-    // Without branches, so that compilers can vectorise loops over rows.
-    bool Passes(std::uint32_t row, const RowRange& range, const Filter& filter) const
-    {
-        const std::uint16_t version = mColumns.versions[row];
-        const int isOfVersion = int{!filter.version.has_value()} | int{version == UNNAMED_VERSION} |
-            int{version == filter.version.value_or(UNNAMED_VERSION)};
-        const std::int64_t time = mColumns.times[row];
-        return (isOfVersion & (int{range.isSince} | (int{time >= filter.start} & int{time <= filter.last}))) != 0;
-    }
+    template <typename Visit>
+    auto WithCondition(const RowRange& range, const Filter& filter, Visit visit) const;
 
     Origin mOrigin;
     // The columns of the entries.
