@@ -79,7 +79,7 @@ private:
         }
         const std::filesystem::path folder = std::filesystem::path(mPath).parent_path();
         if (!mTurn.Take(folder.empty() ? "." : folder.string(), mTryAgain)) {
-            return NotWritten(mPath + ": another program makes a database in this folder");
+            return NotWritten(mPath + ": another program is making a database in this folder");
         }
         if (!IsMissing(mPath)) {
             mIsNew = false;

@@ -118,7 +118,8 @@ std::optional<Failure> CheckSchema(Connection& database, const std::string& path
     return problem.empty() ? std::nullopt : std::optional(Failure{FailureCode::BAD_RESULTS, path + ": " + problem});
 }
 
-std::optional<Failure> OpenResults(const std::string& path, Connection& database)
+std::optional<Failure> OpenResults(
+    const std::string& path, Connection& database, const std::function<bool(int tries)>& tryAgain)
 {
     std::error_code error;
     if (!std::filesystem::exists(path, error)) {
@@ -127,7 +128,7 @@ std::optional<Failure> OpenResults(const std::string& path, Connection& database
     if (!database.Open(path, Connection::Mode::READ_ONLY)) {
         return DatabaseFailure(path, database);
     }
-    database.WhileLocked(WaitForOthers);
+    database.WhileLocked(tryAgain);
     database.LimitToFile();
     return CheckSchema(database, path);
 }

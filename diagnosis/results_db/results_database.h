@@ -1,6 +1,7 @@
 #ifndef ARBORIST_DIAGNOSIS_RESULTS_DB_RESULTS_DATABASE_H
 #define ARBORIST_DIAGNOSIS_RESULTS_DB_RESULTS_DATABASE_H
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -21,8 +22,9 @@ bool WaitForOthers(int tries);
 std::optional<Failure> CheckSchema(Connection& database, const std::string& path);
 
 /// Opens an existing results database for reading. It must have the schema of this version. Statements are limited by the
-/// size of the file.
-std::optional<Failure> OpenResults(const std::string& path, Connection& database);
+/// size of the file. Asks `tryAgain` while another process has it locked.
+std::optional<Failure> OpenResults(
+    const std::string& path, Connection& database, const std::function<bool(int tries)>& tryAgain = WaitForOthers);
 
 /// The failure `bad_results` with the last error of the connection.
 Failure DatabaseFailure(const std::string& path, const Connection& database);

@@ -278,6 +278,8 @@ private:
 /// A results database, or one that is made of lines.
 class OpenedResults {
 public:
+    explicit OpenedResults(const std::function<bool(int tries)>& tryAgain) : mTryAgain(tryAgain) {}
+
     std::optional<Failure> Open(const std::string& path)
     {
         if (IsDatabaseFile(path)) {
@@ -301,9 +303,11 @@ private:
         if (auto failure = mDatabase.Open(path, FailureCode::BAD_RESULTS)) {
             return failure;
         }
+        mDatabase.Get().WhileLocked(mTryAgain);
         return CheckSchema(mDatabase.Get(), name);
     }
 
+    const std::function<bool(int tries)>& mTryAgain;
     // In this order, so that the connection is closed before its file is removed.
     Scratch mScratch;
     ReadOnlyDatabase mDatabase;
@@ -403,12 +407,13 @@ std::optional<Failure> CompareDatabases(Connection& before, Connection& after, R
     return mixed;
 }
 
-std::optional<Failure> CompareResults(const std::string& before, const std::string& after, ResultsDiff& diff)
+std::optional<Failure> CompareResults(const std::string& before, const std::string& after, ResultsDiff& diff,
+    const std::function<bool(int tries)>& tryAgain)
 {
     diff.before.path = before;
     diff.after.path = after;
-    OpenedResults one;
-    OpenedResults other;
+    OpenedResults one(tryAgain);
+    OpenedResults other(tryAgain);
     for (auto failure : {one.Open(before), other.Open(after)}) {
         if (failure) {
             return failure;

@@ -3,12 +3,14 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "diagnosis/problem.h"
+#include "diagnosis/results_db/results_database.h"
 #include "diagnosis/sqlite/connection.h"
 
 namespace diagnosis::results_db {
@@ -122,8 +124,9 @@ struct ResultsDiff {
 /// Compares two results, each a results database or a file of result lines ("-" for standard input). Bundles are those of
 /// one name; where a side has several lines of it, those of the latest moment that both have count, or else the latest, and
 /// of one moment one that was diagnosed. Returns the failure, if any: `mixed_rules` where several results of that moment,
-/// of different rule sets or engines, could count.
-std::optional<Failure> CompareResults(const std::string& before, const std::string& after, ResultsDiff& diff);
+/// of different rule sets or engines, could count. Asks `tryAgain` while another process has a database locked.
+std::optional<Failure> CompareResults(const std::string& before, const std::string& after, ResultsDiff& diff,
+    const std::function<bool(int tries)>& tryAgain = WaitForOthers);
 
 /// The same for two open results databases. Sets all but the paths of the sides, which a failure names.
 std::optional<Failure> CompareDatabases(Connection& before, Connection& after, ResultsDiff& diff);

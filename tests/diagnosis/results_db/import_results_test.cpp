@@ -324,7 +324,7 @@ TEST_F(ImportResultsTest, ImportsThatMakeADatabaseTakeTurns)
     options.redact = [&refused](diagnosis::results_db::ResultLine&) { refused = ImportResults({"others.jsonl"}, "r.db", {}); };
     EXPECT_TRUE(ImportResults({"lines.jsonl"}, "r.db", options).isImported);
     ASSERT_EQ(refused.failures.size(), 1U);
-    EXPECT_EQ(refused.failures[0].message, "r.db: another program makes a database in this folder");
+    EXPECT_EQ(refused.failures[0].message, "r.db: another program is making a database in this folder");
     // The second finds the file of the first when its turn has come.
     std::filesystem::rename("r.db", "first.db");
     auto turn = std::make_unique<diagnosis::FolderLock>();

@@ -109,6 +109,17 @@ protected:
     TempDir mDir;
 };
 
+TEST_F(ResultsDiffTest, ADatabaseThatAnImportHasLockedIsWaitedFor)
+{
+    mDir.Write("lines.jsonl", TextOf({LineOf("b").NoFault("T")}));
+    ASSERT_TRUE(diagnosis::results_db::ImportResults({"lines.jsonl"}, "r.db", {}).isImported);
+    diagnosis::Connection importing;
+    ASSERT_TRUE(importing.Open("r.db", diagnosis::Connection::Mode::CREATE) && importing.Execute("BEGIN EXCLUSIVE"));
+    ResultsDiff diff;
+    EXPECT_TRUE(CompareResults("r.db", "lines.jsonl", diff, [](int) { return false; }));
+    EXPECT_FALSE(CompareResults("r.db", "lines.jsonl", diff, [&importing](int) { return importing.Execute("COMMIT"); }));
+}
+
 TEST_F(ResultsDiffTest, EqualResultsHaveNoDifference)
 {
     const Lines lines = {LineOf("b").Fault("T", {"A"}).Undecided("U", "D"), LineOf("c").Failed("timeout", true)};

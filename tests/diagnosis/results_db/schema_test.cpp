@@ -33,6 +33,16 @@ protected:
     TempDir mDir;
 };
 
+TEST_F(SchemaTest, ADatabaseThatAnImportHasLockedIsWaitedFor)
+{
+    Make("");
+    Connection importing;
+    ASSERT_TRUE(importing.Open("r.db", Connection::Mode::CREATE) && importing.Execute("BEGIN EXCLUSIVE"));
+    Connection reading;
+    EXPECT_EQ(OpenResults("r.db", reading, [](int) { return false; })->message, "r.db: database is locked");
+    EXPECT_FALSE(OpenResults("r.db", reading, [&importing](int) { return importing.Execute("COMMIT"); }));
+}
+
 TEST_F(SchemaTest, ViewsCanBeAskedOfAnEmptyDatabase)
 {
     Make("");
