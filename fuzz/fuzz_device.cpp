@@ -1,5 +1,6 @@
 #include "fuzz/fuzz_device.h"
 
+#include <algorithm>
 #include <iterator>
 #include <utility>
 #include <vector>
@@ -222,8 +223,12 @@ void FuzzDevice::Detect() const
     const auto observer = std::make_shared<Verdicts>();
     observed.SetObserver(observer);
     const auto results = observed.StartDetection();
-    Require(Answers(plain) == Answers(results));
     Require(observer->verdicts.size() == results.size());
+    // Where a damaged page says that something lies behind its end, SQLite reads what the memory there held: of such a file
+    // two detections may say different things, but no verdict may be complete then.
+    const bool areComplete = std::all_of(observer->verdicts.begin(), observer->verdicts.end(),
+        [](const Evidence::TreeResult& tree) { return tree.verdict.isComplete; });
+    Require(Answers(plain) == Answers(results) || !areComplete);
     for (std::size_t tree = 0; tree < results.size(); ++tree) {
         const auto& verdict = observer->verdicts[tree].verdict;
         Require(results[tree]->mIsFault == (verdict.word == Evidence::TreeVerdict::Word::FAULT));
