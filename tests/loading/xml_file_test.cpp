@@ -29,6 +29,9 @@ std::string Attributes(std::size_t count, char quote = '"')
     return text;
 }
 
+// Looks as if it had too many attributes, so that the text is gone through, and has none.
+const std::string COMMENT = "<!--" + Attributes(300) + "-->";
+
 class XmlFileTest : public testing::Test {
 protected:
     XmlFile::Outcome Load(const std::string& xml) { return XmlFile::Load(mDocument, mDir.Write("a.xml", xml)); }
@@ -135,8 +138,10 @@ TEST_F(XmlFileTest, QuotesWithoutAnEqualsSignAreLeftToTheReader)
 TEST_F(XmlFileTest, BrokenMarkupIsLeftToTheReader)
 {
     for (const std::string xml : {"<", "<!", "<!-", "<!--", "<![CDATA[", "<?", "<a b=\"", "<a", "<!>", "<!-x>", "<>"}) {
-        EXPECT_NE(Load("<r>" + LONG_TEXT + xml).error, tinyxml2::XML_SUCCESS) << xml;
-        EXPECT_THAT(mLog.Lines(), IsEmpty()) << xml;
+        for (const std::string& before : {LONG_TEXT, LONG_TEXT + COMMENT}) {
+            EXPECT_NE(Load("<r>" + before + xml).error, tinyxml2::XML_SUCCESS) << xml;
+            EXPECT_THAT(mLog.Lines(), IsEmpty()) << xml;
+        }
     }
 }
 
@@ -144,7 +149,9 @@ TEST_F(XmlFileTest, QuotesOutsideOfTagsAndTagsWithoutAnEndHaveNoAttributes)
 {
     for (const std::string& xml : {"\"" + LONG_TEXT, "!" + LONG_TEXT, "<a b=\"c\" " + LONG_TEXT, "<a b='c'" + LONG_TEXT}) {
         EXPECT_EQ(LineOfTooManyAttributes(xml), 0);
+        EXPECT_EQ(LineOfTooManyAttributes(COMMENT + xml), 0);
     }
+    EXPECT_EQ(LineOfTooManyAttributes("!" + COMMENT + LONG_TEXT), 0);
     EXPECT_NE(LineOfTooManyAttributes("\"" + LONG_TEXT + "<a" + Attributes(XmlFile::MOST_ATTRIBUTES + 1)), 0);
 }
 
