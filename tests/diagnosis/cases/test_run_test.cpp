@@ -155,6 +155,15 @@ TEST_F(TestRunTest, ACaseThatCantBeRunSaysWhy)
         ElementsAre("rules/a.test.json:1: the database \"/d/x.db\" can't be made: duplicate column name: a"));
 }
 
+TEST_F(TestRunTest, CodeRulesThatShareATextShareItsAnswer)
+{
+    mDir.Write("rules/FaultTreeRules.xml", RuleXml("Tag").EventRule("PIXELS", {Single("pixels"), Single("dots")})
+        .Rule(CodeRuleXml("pixels", "P", "{\"test\": 1}")).Rule(CodeRuleXml("dots", "P", "{\"test\": 1}")).Text());
+    EXPECT_THAT(DifferencesOf(R"("answers": {"dots": false}, )" + SOUND), ElementsAre(""));
+    EXPECT_THAT(DifferencesOf(R"("answers": {"dots": true}, )" + SOUND),
+        ElementsAre("rules/a.test.json:1: \"answers\" has two answers for one text: \"{\"test\": 1}\""));
+}
+
 TEST_F(TestRunTest, ACaseThatDoesNotFitOnTheDiskSaysSoAndLeavesNothing)
 {
     setenv("TMPDIR", mDir.MakeDir("tmp").c_str(), 1);
