@@ -67,10 +67,15 @@ Answer AnswerOf(Call call, arborist_engine* engine, const char* text, std::size_
     if (engine == nullptr || (text == nullptr && length > 0)) {
         return Refused(FailureCode::BAD_REQUEST, "no engine or no request");
     }
-    const Turn turn(*engine);
-    if (!turn.IsTaken()) {
+    if (diagnosis::bindings::IsInCallback()) {
         return Refused(FailureCode::BUSY, "the call comes out of a callback of a call that runs");
     }
+    const diagnosis::StopSwitch::Call stoppable(&engine->stop);
+    const Turn turn(engine->stop);
+    if (!turn.IsTaken()) {
+        return Refused(FailureCode::TIMEOUT, "the call was stopped before its turn");
+    }
+    diagnosis::bindings::SendLogTo(*engine);
     Request request(std::string_view(text == nullptr ? "" : text, length));
     return call(*engine, request);
 }
@@ -147,7 +152,7 @@ void arborist_engine_on_code_rule(arborist_engine* engine, arborist_code_rule_fu
 
 void arborist_engine_stop(arborist_engine* engine)
 {
-    engine->stop.Stop();
+    diagnosis::bindings::StopCall(*engine);
 }
 
 arborist_status arborist_detect(

@@ -20,11 +20,18 @@ struct Run {
     DetectionOptions options;
 };
 
+BundleOverrides OverridesOf(const arborist_engine& engine, Request& request)
+{
+    BundleOverrides overrides = request.Overrides();
+    overrides.rules = request.Rules();
+    overrides.isToEnd = [&engine] { return engine.stop.IsAsked(); };
+    return overrides;
+}
+
 Run RunOf(arborist_engine& engine, Request& request)
 {
     Run run{request.NeededBundle(), OptionsOf(engine)};
-    run.options.overrides = request.Overrides();
-    run.options.overrides.rules = request.Rules();
+    run.options.overrides = OverridesOf(engine, request);
     run.options.overrides.timeLimit = request.TimeLimit();
     return run;
 }
@@ -80,12 +87,11 @@ Answer Explain(arborist_engine& engine, Request& request)
     return {report.failure, ExplanationJson(report, view) + "\n", report.warnings};
 }
 
-Answer Query(arborist_engine&, Request& request)
+Answer Query(arborist_engine& engine, Request& request)
 {
     const BundlePath bundle = request.NeededBundle();
     const std::string code = request.Needed("code");
-    BundleOverrides overrides = request.Overrides();
-    overrides.rules = request.Rules();
+    const BundleOverrides overrides = OverridesOf(engine, request);
     if (const auto failure = request.End()) {
         return Refused(*failure);
     }
@@ -93,20 +99,20 @@ Answer Query(arborist_engine&, Request& request)
     return {report.failure, QueryJson(report) + "\n", report.warnings};
 }
 
-Answer RepairRecord(arborist_engine&, Request& request)
+Answer RepairRecord(arborist_engine& engine, Request& request)
 {
     const BundlePath bundle = request.NeededBundle();
     const std::string id = request.Needed("id");
-    BundleOverrides overrides = request.Overrides();
-    overrides.rules = request.Rules();
+    const BundleOverrides overrides = OverridesOf(engine, request);
     const auto failure = request.End();
     return failure ? Refused(*failure) : AnswerOf(RecordRepair(bundle, id, overrides));
 }
 
-Answer RepairList(arborist_engine&, Request& request)
+Answer RepairList(arborist_engine& engine, Request& request)
 {
     const BundlePath bundle = request.NeededBundle();
     BundleOverrides overrides;
+    overrides.isToEnd = [&engine] { return engine.stop.IsAsked(); };
     overrides.isLive = request.Flag("live");
     const auto failure = request.End();
     return failure ? Refused(*failure) : AnswerOf(ListRepairs(bundle, overrides));

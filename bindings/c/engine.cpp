@@ -1,7 +1,7 @@
 #include "bindings/c/engine.h"
 
+#include <atomic>
 #include <cstring>
-#include <mutex>
 #include <type_traits>
 #include <utility>
 
@@ -12,8 +12,17 @@ namespace diagnosis::bindings {
 
 namespace {
 
-std::mutex oneCall;
-/// Whether this thread is in a callback: that of the call, or one that the library has started and waits for.
+std::atomic<bool> isCallRunning = false;
+/// Counts what those who wait for their turn may wait for: ends of calls, and stops.
+std::atomic<int> events = 0;
+
+void TellWaiting()
+{
+    ++events;
+    events.notify_all();
+}
+
+/// True on the thread of the call, or on one that the library has started and waits for, while it is in a callback.
 thread_local bool isInCallback = false;
 
 class InCallback {
@@ -72,12 +81,40 @@ std::optional<bool> AnswerOf(arborist_code_answer answer)
 
 } // namespace
 
-Turn::Turn(const arborist_engine& engine)
+bool IsInCallback()
 {
-    if (!isInCallback) {
-        mLock = std::unique_lock(oneCall);
-        SendLibraryLogTo(std::make_unique<HostSink>(engine));
+    return isInCallback;
+}
+
+Turn::Turn(const StopSwitch& stop)
+{
+    for (;;) {
+        const int seen = events; // first: what comes after it ends the wait
+        mIsTaken = !isCallRunning.exchange(true);
+        if (mIsTaken || stop.IsAsked()) {
+            return;
+        }
+        events.wait(seen);
     }
+}
+
+Turn::~Turn()
+{
+    if (mIsTaken) {
+        isCallRunning = false;
+        TellWaiting();
+    }
+}
+
+void StopCall(arborist_engine& engine)
+{
+    engine.stop.Stop();
+    TellWaiting();
+}
+
+void SendLogTo(const arborist_engine& engine)
+{
+    SendLibraryLogTo(std::make_unique<HostSink>(engine));
 }
 
 DetectionOptions OptionsOf(arborist_engine& engine)

@@ -2,7 +2,6 @@
 #define ARBORIST_BINDINGS_C_ENGINE_H
 
 #include <memory>
-#include <mutex>
 
 #include "arborist/arborist_c.h"
 #include "diagnosis/detection/detection.h"
@@ -21,19 +20,29 @@ struct arborist_engine {
 
 namespace diagnosis::bindings {
 
-/// The turn of one call: waits for the one that runs, then sends the library's log to `engine` until its end.
+/// Whether this thread is in a callback: a call would wait for the one that waits for the callback.
+bool IsInCallback();
+
+/// The turn of one call, for which it waits until the one that runs has ended.
 class Turn {
 public:
-    /// Takes no turn on a thread that is in a callback: the turn would wait for the call that waits for the callback.
-    explicit Turn(const arborist_engine& engine);
+    /// Takes no turn if `stop` is asked before.
+    explicit Turn(const diagnosis::StopSwitch& stop);
+    ~Turn();
     Turn(const Turn&) = delete;
     Turn& operator=(const Turn&) = delete;
 
-    bool IsTaken() const { return mLock.owns_lock(); }
+    bool IsTaken() const { return mIsTaken; }
 
 private:
-    std::unique_lock<std::mutex> mLock;
+    bool mIsTaken = false;
 };
+
+/// Stops the call of the engine that runs or waits for its turn.
+void StopCall(arborist_engine& engine);
+
+/// Sends the library's log to the function that the engine has now, until the next call.
+void SendLogTo(const arborist_engine& engine);
 
 /// The options of a detection that an engine decides, as it is set now: what the host sets later reaches the next one.
 DetectionOptions OptionsOf(arborist_engine& engine);

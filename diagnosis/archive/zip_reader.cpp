@@ -241,6 +241,9 @@ private:
             if (length <= 0) {
                 return length == 0 ? std::nullopt : std::optional(Bad("\"" + name + "\" is damaged"));
             }
+            if (mLimits.isToEnd && mLimits.isToEnd()) {
+                return Failure{FailureCode::TIMEOUT, mShown + ": stopped before it was unpacked"};
+            }
             left -= static_cast<std::uint64_t>(length);
             mBytes += static_cast<std::uint64_t>(length);
             mChecksum = crc32(mChecksum, reinterpret_cast<const Bytef*>(mBuffer.data()), static_cast<uInt>(length));

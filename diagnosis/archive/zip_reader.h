@@ -2,6 +2,7 @@
 #define ARBORIST_DIAGNOSIS_ARCHIVE_ZIP_READER_H
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,6 +16,8 @@ struct ZipLimits {
     std::uint64_t entries = 65536;
     /// Unpacked size of all entries together.
     std::uint64_t bytes = std::uint64_t{4} << 30U;
+    /// Asked again and again; when it says so, the unpacking ends with the failure TIMEOUT. May be empty.
+    std::function<bool()> isToEnd = {};
 };
 
 /// True if the file at `path` begins like an archive.

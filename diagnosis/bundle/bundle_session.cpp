@@ -62,18 +62,20 @@ std::optional<Failure> BundleSession::Enter(const BundlePath& path, const Bundle
     if (!mIsZip) {
         return EnterFolder(path, overrides, use);
     }
-    if (auto failure = Unpack(path)) {
+    if (auto failure = Unpack(path, overrides)) {
         return failure;
     }
     return EnterFolder({path.given, mFolder}, overrides, use);
 }
 
-std::optional<Failure> BundleSession::Unpack(const BundlePath& path)
+std::optional<Failure> BundleSession::Unpack(const BundlePath& path, const BundleOverrides& overrides)
 {
     const fs::path unpacked = mScratch.Path("bundle");
     std::error_code error;
     fs::create_directory(unpacked, error);
-    if (auto failure = UnpackZip(path.absolute, path.given, unpacked.string(), mWarnings)) {
+    ZipLimits limits;
+    limits.isToEnd = overrides.isToEnd;
+    if (auto failure = UnpackZip(path.absolute, path.given, unpacked.string(), mWarnings, limits)) {
         return failure;
     }
     const auto folders = FoldersWithBundleFile(unpacked);

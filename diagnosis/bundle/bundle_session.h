@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <ctime>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -35,6 +36,8 @@ struct BundleOverrides {
     bool isLive = false;
     /// Seconds that a detection may take; 0 for no limit.
     double timeLimit = 0;
+    /// Asked while a zip is unpacked: see ZipLimits. May be empty.
+    std::function<bool()> isToEnd = {};
 };
 
 /// The purpose of entering a bundle. RUN doesn't change it: the library writes into a scratch folder. RECORD writes
@@ -83,7 +86,7 @@ public:
     std::string OwnDataPath(const std::string& file) const;
 
 private:
-    std::optional<Failure> Unpack(const BundlePath& path);
+    std::optional<Failure> Unpack(const BundlePath& path, const BundleOverrides& overrides);
     std::optional<Failure> EnterFolder(const BundlePath& path, const BundleOverrides& overrides, BundleUse use);
     std::optional<Failure> CheckBounds(const BundlePath& path, const BundleOverrides& overrides);
     void SetZone(const std::string& zone);

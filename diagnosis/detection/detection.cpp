@@ -6,6 +6,7 @@
 #include <new>
 #include <regex>
 #include <set>
+#include <utility>
 
 #include "arborist/frame/arborist.h"
 #include "diagnosis/bundle/moment.h"
@@ -113,12 +114,32 @@ void AddMistakes(const RuleSetWarnings& found, const Bundle& bundle, WarningList
     found.AddEmptyAttributes(bundle.device, warnings);
 }
 
+/// Stops a detection that was to end before it began: the engine knows only what comes later.
+class StoppableRecorder : public DetectionRecorder {
+public:
+    StoppableRecorder(Detail detail, bool keepsCutSets, StopSwitch* stop)
+        : DetectionRecorder(detail, keepsCutSets), mStop(stop)
+    {
+    }
+
+    void OnRuleSetRead(Evidence::RuleSet ruleSet) override
+    {
+        DetectionRecorder::OnRuleSetRead(std::move(ruleSet));
+        if (mStop != nullptr) {
+            mStop->AskAgain();
+        }
+    }
+
+private:
+    StopSwitch* mStop;
+};
+
 /// One detection with its observers.
 class Detection {
 public:
     Detection(const BundleSession& session, const DetectionOptions& options)
         : mSession(session), mOptions(options), mInfo(session.MakeDetectInfo()),
-          mRecorder(std::make_shared<DetectionRecorder>(DetailOf(options), options.isForLine)),
+          mRecorder(std::make_shared<StoppableRecorder>(DetailOf(options), options.isForLine, options.stop)),
           mAnswers(AnswerCodeRules(session.GetBundle(), options.codeRunner, *mInfo)),
           mHeld(options.ruleSets == nullptr ? nullptr : options.ruleSets->FindHeld(
               mInfo->mRuleFileDir, mInfo->mRuleFilePrefix, mInfo->mTreeTag)),
@@ -337,6 +358,7 @@ std::optional<Failure> FailureInFlight(const Evidence::RuleSet& ruleSet)
 DetectionReport RunDetection(const BundlePath& bundle, const DetectionOptions& options)
 {
     const Stopwatch watch;
+    const StopSwitch::Call call(options.stop);
     DetectionReport report = EmptyReport(bundle, options);
     try {
         BundleSession session;

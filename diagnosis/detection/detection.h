@@ -33,7 +33,7 @@ struct DetectionOptions {
     /// A SIGINT stops the detection instead of ending the process; see StoppedBySignal.
     bool stopsOnSignal = false;
     DeviceNames deviceNames;
-    /// Lets another thread stop the detection; may be null. It must outlive the detection.
+    /// Lets another thread stop the detection, or what comes before it; may be null. It must outlive the detection.
     StopSwitch* stop = nullptr;
 };
 

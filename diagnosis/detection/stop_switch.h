@@ -10,8 +10,25 @@ namespace diagnosis {
 /// Lets any thread stop the detection that runs at the time, which keeps its results so far; see Arborist::RequestStop.
 class StopSwitch {
 public:
-    /// Without a running detection it does nothing: one that starts later is not stopped. Not for signal handlers.
+    /// Without a call that runs it does nothing: one that starts later is not stopped. Not for signal handlers.
     void Stop();
+    /// Whether the call that runs is to end.
+    bool IsAsked() const;
+    /// Asks the engine again, which forgets what it was asked before its detection began.
+    void AskAgain();
+
+    /// As long as it exists, a call runs, also on its way to the detection: it remembers a Stop. May hold others.
+    class Call {
+    public:
+        /// A null switch remembers nothing.
+        explicit Call(StopSwitch* target);
+        ~Call();
+        Call(const Call&) = delete;
+        Call& operator=(const Call&) = delete;
+
+    private:
+        StopSwitch* mSwitch;
+    };
 
     /// As long as it exists, Stop reaches `engine`. A null switch reaches nothing. One at a time for each switch.
     class Running {
@@ -28,7 +45,9 @@ public:
 private:
     void Reach(Arborist* engine);
 
-    std::mutex mLock;
+    mutable std::mutex mLock;
+    int mCalls = 0;
+    bool mIsAsked = false;
     Arborist* mEngine = nullptr;
 };
 

@@ -22,8 +22,8 @@ _NUMBERS = {None: _NO_ANSWER, True: int(lib.ARBORIST_PRESENT), False: int(lib.AR
 
 class Stop:
     """Ends detections early, from any thread: hand it to one call at a time, and call `stop` while that runs. The
-    detection still returns; what was not decided is open with the reason "stopped". Without a running detection
-    it does nothing."""
+    detection still returns; what was not decided is open with the reason "stopped". A call that still waits for its turn
+    or unpacks a zip raises InternalError ("timeout"). Without a call it does nothing."""
 
     def __init__(self) -> None:
         self._lock = Lock()

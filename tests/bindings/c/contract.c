@@ -187,6 +187,51 @@ static void calls_of_threads_take_turns(void)
     CHECK(most == 1);
 }
 
+static atomic_int has_waited = 0;
+
+static void* wait_for_the_turn(void* engine)
+{
+    arborist_error* error = NULL;
+    CHECK(arborist_detect(engine, request, strlen(request), NULL, &error) == ARBORIST_INTERNAL);
+    CHECK(error != NULL && strcmp(arborist_error_code(error), "timeout") == 0);
+    arborist_error_free(error);
+    has_waited = 1;
+    return NULL;
+}
+
+/* The call that waits can't have its turn before this callback returns. */
+static arborist_code_answer stop_the_call_that_waits(void* user, const char* question, size_t length)
+{
+    pthread_t thread;
+    (void)question;
+    (void)length;
+    has_waited = 0;
+    CHECK(pthread_create(&thread, NULL, wait_for_the_turn, user) == 0);
+    while (!has_waited) {
+        arborist_engine_stop(user);
+    }
+    pthread_join(thread, NULL);
+    return ARBORIST_PRESENT;
+}
+
+static void a_stop_ends_a_call_that_waits_for_its_turn(void)
+{
+    arborist_engine* engine = NULL;
+    arborist_engine* waiting = NULL;
+    arborist_result* result = NULL;
+    CHECK(arborist_engine_new(&engine, NULL) == ARBORIST_OK);
+    CHECK(arborist_engine_new(&waiting, NULL) == ARBORIST_OK);
+    arborist_engine_on_code_rule(engine, stop_the_call_that_waits, waiting);
+    CHECK(arborist_detect(engine, request, strlen(request), &result, NULL) == ARBORIST_OK);
+    CHECK(strcmp(arborist_result_warnings(result, NULL), "[]") == 0);
+    arborist_result_free(result);
+    CHECK(arborist_detect(waiting, request, strlen(request), &result, NULL) == ARBORIST_OK);
+    CHECK(strstr(arborist_result_warnings(result, NULL), "stopped") == NULL);
+    arborist_result_free(result);
+    arborist_engine_free(engine);
+    arborist_engine_free(waiting);
+}
+
 static atomic_int done = 0;
 
 static void* stop_all_the_time(void* engine)
@@ -225,6 +270,7 @@ int main(int argc, char** argv)
     a_call_out_of_the_log_is_refused_on_whatever_thread();
     callbacks_that_leave_stay_until_the_call_ends(with_two);
     calls_of_threads_take_turns();
+    a_stop_ends_a_call_that_waits_for_its_turn();
     a_stop_at_any_moment_does_no_harm();
     return failures == 0 ? 0 : 1;
 }

@@ -15,6 +15,7 @@ import sys
 import tempfile
 import threading
 import unittest
+import zipfile
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 from unittest import mock
@@ -260,6 +261,24 @@ class PackageTest(UnchangedInputs):
         self.assertIn("stopped", [warning.code for warning in detection.warnings])
         self.assertTrue(detection.tree("LAPTOP_POWER").is_fault)
         self.assertIn("stopped", {check.reason for check in detection.tree("LAPTOP_RADIO").open})
+
+    def test_a_stop_ends_the_unpacking_of_a_zip(self):
+        with zipfile.ZipFile("large.zip", "w", zipfile.ZIP_DEFLATED) as archive:
+            archive.writestr("bundle.json", '{"detectScene": 1, "treeTag": "Tag"}')
+            archive.writestr("zeros", bytes(100 * 1024 * 1024))
+        stop, is_over = arborist.Stop(), threading.Event()
+
+        def stop_all_the_time():
+            while not is_over.is_set():
+                stop.stop()
+
+        with ThreadPoolExecutor(1) as pool:
+            pool.submit(stop_all_the_time)
+            try:
+                with self.assertRaisesRegex(arborist.InternalError, "^timeout: large.zip: stopped before it was unpacked$"):
+                    arborist.detect("large.zip", stop=stop)
+            finally:
+                is_over.set()
 
     def test_the_log_comes_when_the_call_has_ended(self):
         with Records() as log:

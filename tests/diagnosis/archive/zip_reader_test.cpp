@@ -53,6 +53,20 @@ std::string Zip64Field(const std::vector<std::uint64_t>& lengths)
     return field;
 }
 
+TEST_F(ZipReaderTest, EndsWhenItIsToEnd)
+{
+    WriteZip(mDir.Path("z.zip"), {{"name", "content"}});
+    diagnosis::ZipLimits limits;
+    limits.isToEnd = [] { return false; };
+    EXPECT_FALSE(Unpack(limits));
+    fs::remove(mDir.Path("in/out/name"));
+    limits.isToEnd = [] { return true; };
+    const auto failure = Unpack(limits);
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->code, diagnosis::FailureCode::TIMEOUT);
+    EXPECT_EQ(failure->message, "z.zip: stopped before it was unpacked");
+}
+
 // An archive of one entry of "content", packed by the method as `content`, whose lengths are in `extra` alone.
 void WriteZip64(const std::string& path, std::uint64_t method, const std::string& content, const std::string& extra)
 {

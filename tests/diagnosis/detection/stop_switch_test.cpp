@@ -56,6 +56,29 @@ TEST_F(StopSwitchTest, ReachesNoDetectionThatStartsLater)
     stop.Stop(); // nothing runs any more
 }
 
+TEST_F(StopSwitchTest, IsRememberedByACallOnItsWayToTheDetection)
+{
+    StopSwitch stop;
+    int asked = 0;
+    DetectionOptions options;
+    options.stop = &stop;
+    options.codeRunner.ask = [&asked](const std::string&) {
+        ++asked;
+        return std::optional(false);
+    };
+    {
+        const StopSwitch::Call call(&stop);
+        stop.Stop();
+        EXPECT_TRUE(stop.IsAsked());
+        const DetectionReport report = RunDetection({"b", mDir.Path("b")}, options);
+        EXPECT_FALSE(report.failure);
+        EXPECT_TRUE(report.IsUndecided());
+    }
+    EXPECT_EQ(asked, 0);
+    EXPECT_FALSE(stop.IsAsked());
+    EXPECT_FALSE(RunDetection({"b", mDir.Path("b")}, options).IsUndecided()) << "that was another call";
+}
+
 // The code of the failure that an exception becomes.
 template <typename Exception>
 std::string CodeOf(const Exception& exception)

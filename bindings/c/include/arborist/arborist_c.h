@@ -100,9 +100,11 @@ typedef arborist_code_answer (*arborist_code_rule_function)(void* user, const ch
 ARBORIST_C_API void arborist_engine_on_code_rule(
     arborist_engine* engine, arborist_code_rule_function function, void* user);
 
-/** Asks the running detection of this engine to end early; it still gives a result, in which what was not decided is
- * open with the reason "stopped". Any thread, also in a callback, but no signal handler. Without a running detection it
- * does nothing: a detection that starts later is not stopped. */
+/** Asks the call of this engine that runs to end early. A detection still gives a result, in which what was not decided
+ * is open with the reason "stopped", also if it is asked before the detection itself has begun. Only a call that still
+ * waits for its turn or unpacks a zip has nothing to tell, and gives the error "timeout"; what is no detection is then
+ * done to its end. Any thread, also in a callback, but no signal handler. Without a call of this engine it does nothing: a
+ * call that starts later is not stopped. */
 ARBORIST_C_API void arborist_engine_stop(arborist_engine* engine);
 
 /** @name Calls
