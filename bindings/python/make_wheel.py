@@ -2,8 +2,9 @@
 """Makes a wheel of the built package: make_wheel.py PACKAGE_FOLDER VERSION TARGET_FOLDER
 
 The module holds arborist itself. What it is linked with apart from the C and C++ libraries comes along beside it, under
-names of its own, so that it neither uses nor disturbs what other modules of the process have loaded. Needs patchelf. The
-same files give the same bytes."""
+names of its own, so that it neither uses nor disturbs what other modules of the process have loaded. The licences of all
+that is in it come along, too. Needs patchelf and a Debian system, which knows the licence of each library. The same files
+give the same bytes."""
 import base64
 import csv
 import hashlib
@@ -21,6 +22,9 @@ from pathlib import Path
 # What every system has that can run the module at all.
 OF_THE_SYSTEM = re.compile(r"(linux-vdso|ld-linux[^.]*|libc|libm|libdl|libpthread|librt|libstdc\+\+|libgcc_s)\.so")
 NEEDS = "cffi>=1.15"
+LICENSE = Path(__file__).resolve().parents[2] / "LICENSE"
+# Debian's packages of what the module itself holds.
+IN_THE_MODULE = ("libsodium-dev", "robin-map-dev")
 
 
 def run(*command):
@@ -41,10 +45,21 @@ def own_name(name):
     return "libarborist-" + name.removeprefix("lib")
 
 
+def package_of(library):
+    """Debian's package of a library's file, whose folder may be noted with or without "/usr"."""
+    file = Path(library).resolve()
+    found = run("dpkg", "-S", f"*/{file.parent.name}/{file.name}")
+    return found.split(":", 1)[0]
+
+
+def notice_of(package):
+    return Path("/usr/share/doc", package, "copyright").read_bytes()
+
+
 def bring_along(module):
-    """Copies the module's libraries beside it and lets module and copies find each other alone."""
+    """Copies the module's libraries beside it and lets module and copies find each other alone. Gives their packages."""
     places = places_of(module)
-    waiting, done = [module], set()
+    waiting, done, packages = [module], set(), set()
     while waiting:
         file = waiting.pop()
         for name in needed_by(file):
@@ -52,20 +67,29 @@ def bring_along(module):
             run("patchelf", "--replace-needed", name, copy.name, str(file))
             if name not in done:
                 done.add(name)
+                packages.add(package_of(places[name]))
                 shutil.copyfile(places[name], copy)
                 copy.chmod(0o755)
                 run("patchelf", "--set-soname", copy.name, str(copy))
                 waiting.append(copy)
         run("patchelf", "--set-rpath", "$ORIGIN", str(file))
+    return packages
 
 
-def metadata(version, tag):
+def licences_of(packages):
+    notices = {f"{package}.copyright": notice_of(package) for package in sorted({*packages, *IN_THE_MODULE})}
+    return {"LICENSE": LICENSE.read_bytes(), **notices}
+
+
+def metadata(version, tag, licences):
     info = f"arborist-{version}.dist-info"
     about = (f"Metadata-Version: 2.1\nName: arborist\nVersion: {version}\n"
              "Summary: Fault tree diagnosis for consumer devices\nAuthor: The arborist authors\nLicense: Apache-2.0\n"
-             f"Requires-Python: >=3.9\nRequires-Dist: {NEEDS}\n")
+             + "".join(f"License-File: {name}\n" for name in licences)
+             + f"Requires-Python: >=3.9\nRequires-Dist: {NEEDS}\n")
     wheel = f"Wheel-Version: 1.0\nGenerator: make_wheel\nRoot-Is-Purelib: false\nTag: {tag}\n"
-    return {f"{info}/METADATA": about.encode(), f"{info}/WHEEL": wheel.encode()}, f"{info}/RECORD"
+    texts = {f"{info}/licenses/{name}": text for name, text in licences.items()}
+    return {f"{info}/METADATA": about.encode(), f"{info}/WHEEL": wheel.encode(), **texts}, f"{info}/RECORD"
 
 
 def with_record(files, record):
@@ -94,9 +118,9 @@ def main(package, version, target):
         shutil.copytree(package, folder, ignore=shutil.ignore_patterns("__pycache__"))
         module = folder / "_native.abi3.so"
         run("strip", "--strip-unneeded", str(module))
-        bring_along(module)
+        licences = licences_of(bring_along(module))
         files = {f"arborist/{path.name}": path.read_bytes() for path in sorted(folder.iterdir())}
-    about, record = metadata(version, tag)
+    about, record = metadata(version, tag, licences)
     os.makedirs(target, exist_ok=True)
     wheel = Path(target) / f"arborist-{version}-{tag}.whl"
     write(wheel, with_record({**files, **about}, record))

@@ -3,12 +3,14 @@
 usage: wheel_test.py COMMAND PACKAGE_FOLDER VERSION
 """
 import os
+import re
 import shutil
 import subprocess
 import sys
 import sysconfig
 import tempfile
 import unittest
+import zipfile
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[3]
@@ -34,6 +36,18 @@ class WheelTest(unittest.TestCase):
     def test_the_same_package_gives_the_same_bytes(self):
         one, other = make_wheel(self.folder / "one"), make_wheel(self.folder / "other")
         self.assertEqual(one.read_bytes(), other.read_bytes())
+
+    def test_the_licences_of_all_that_is_in_it_are_in_it(self):
+        with zipfile.ZipFile(make_wheel(self.folder)) as wheel:
+            info = f"arborist-{VERSION}.dist-info"
+            texts = {Path(name).name: wheel.read(name).decode() for name in wheel.namelist() if f"{info}/licenses/" in name}
+            told = re.findall(r"^License-File: (.*)$", wheel.read(f"{info}/METADATA").decode(), re.MULTILINE)
+            libraries = [name for name in wheel.namelist() if "/libarborist-" in name]
+        self.assertEqual(sorted(told), sorted(texts))
+        self.assertEqual(texts["LICENSE"], (ROOT / "LICENSE").read_text())
+        self.assertIn("ISC", texts["libsodium-dev.copyright"])
+        self.assertIn("MIT", texts["robin-map-dev.copyright"])
+        self.assertEqual(len(texts), 3 + len(libraries))
 
     def test_it_runs_in_a_clean_environment(self):
         wheel = make_wheel(self.folder)
