@@ -32,8 +32,8 @@ inline constexpr char AS_OF[] = "AsOf";
 /// disk, and a crash of the machine may leave broken databases. Repairs are still written safely.
 inline constexpr char TEMPORARY_STORES[] = "TemporaryStores";
 
-/// When set to a number: the seconds, with a fraction if need be, that a detection may take. It then ends as after
-/// Arborist::RequestStop.
+/// When set to a number above 0: the seconds, with a fraction if need be, that a detection may take. It then ends as after
+/// Arborist::RequestStop. 0, a negative number and a text that begins with no number are no limit.
 inline constexpr char TIME_LIMIT[] = "TimeLimit";
 
 /// If set to a number above 0, a detection searches for at most so many root causes of each tree, and reports the first

@@ -13,8 +13,8 @@ namespace {
 std::optional<std::chrono::duration<double>> TimeLimit()
 {
     const std::string text = FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(Settings::TIME_LIMIT, "");
-    const double seconds = StringUtil::DoubleOf(text).value_or(-1);
-    return seconds >= 0 ? std::optional(std::chrono::duration<double>(seconds)) : std::nullopt;
+    const double seconds = StringUtil::DoubleOf(text).value_or(0);
+    return seconds > 0 ? std::optional(std::chrono::duration<double>(seconds)) : std::nullopt;
 }
 
 } // namespace
