@@ -14,13 +14,15 @@ void SignalActions::Handle(int signal, SignalHandler handler, int flags)
     struct sigaction action = {};
     action.sa_handler = handler;
     action.sa_flags = flags;
-    sigaction(signal, &action, &mBefore.emplace_back(signal, action).second);
+    sigaction(signal, &action, &mReplaced.emplace_back(Replaced{signal, handler, action}).before);
 }
 
 SignalActions::~SignalActions()
 {
-    for (auto entry = mBefore.rbegin(); entry != mBefore.rend(); ++entry) {
-        sigaction(entry->first, &entry->second, nullptr);
+    for (auto entry = mReplaced.rbegin(); entry != mReplaced.rend(); ++entry) {
+        if (CurrentHandler(entry->signal) == entry->handler) {
+            sigaction(entry->signal, &entry->before, nullptr);
+        }
     }
 }
 

@@ -2,7 +2,6 @@
 #define ARBORIST_DIAGNOSIS_PROCESS_SIGNALS_H
 
 #include <initializer_list>
-#include <utility>
 #include <vector>
 
 #include <csignal>
@@ -17,7 +16,8 @@ using SignalHandler = void (*)(int);
 /// How a signal is handled now.
 SignalHandler CurrentHandler(int signal);
 
-/// Replaces handlers of signals as long as it exists and restores the old ones at the end.
+/// Replaces handlers of signals as long as it exists and restores the old ones at the end, where they are still its own: a
+/// host may have set others meanwhile.
 class SignalActions {
 public:
     SignalActions() = default;
@@ -29,7 +29,12 @@ public:
     void Handle(int signal, SignalHandler handler, int flags = 0);
 
 private:
-    std::vector<std::pair<int, struct sigaction>> mBefore;
+    struct Replaced {
+        int signal;
+        SignalHandler handler;
+        struct sigaction before;
+    };
+    std::vector<Replaced> mReplaced;
 };
 
 /// Blocks signals as long as it exists; pending ones are delivered when it ends.

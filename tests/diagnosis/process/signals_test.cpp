@@ -28,6 +28,19 @@ TEST(SignalActionsTest, HandleUntilTheEndAndGiveBackTheOldHandlers)
     EXPECT_EQ(CurrentHandler(SIGUSR1), SIG_IGN);
 }
 
+TEST(SignalActionsTest, LeaveAHandlerThatTheHostHasSetMeanwhile)
+{
+    SignalActions before;
+    before.Handle(SIGUSR1, SIG_IGN);
+    {
+        SignalActions actions;
+        actions.Handle(SIGUSR1, SIG_DFL);
+        std::signal(SIGUSR1, Catch);
+    }
+    EXPECT_EQ(CurrentHandler(SIGUSR1), &Catch);
+    std::signal(SIGUSR1, SIG_IGN);
+}
+
 TEST(SignalsHeldBackTest, ComeInAtTheEnd)
 {
     SignalActions actions;
