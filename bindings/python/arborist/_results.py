@@ -256,7 +256,9 @@ def query_of(text: str, warnings: str) -> Query:
 
 def records_of(text: str, warnings: str) -> list[RepairRecord]:
     told = warnings_of(warnings)
-    return [RepairRecord(entry["id"], entry["date"], told) for entry in map(json.loads, text.splitlines())]
+    # Each line has its end, and an id may hold what else ends a line in Python.
+    lines = text.split("\n")[:-1]
+    return [RepairRecord(entry["id"], entry["date"], told) for entry in map(json.loads, lines)]
 
 
 def rule_set_of(text: str) -> RuleSet:

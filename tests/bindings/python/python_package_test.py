@@ -163,6 +163,13 @@ class PackageTest(UnchangedInputs):
         self.assertEqual([record.id for record in arborist.repairs("mended")],
                          ["REPAIR_KEYBOARD", "REPAIR_FAN", "REPAIR_FON"])
 
+    def test_a_repair_may_have_what_ends_a_line_in_its_id(self):
+        shutil.copytree("laptop", "odd")
+        known = len(arborist.repairs("odd"))
+        odd = ["A\u2028B", "A\u2029B", "A\x85B", "A\x1cB", "A\x0bB", "A\x0cB"]
+        self.assertEqual([arborist.record_repair("odd", repair).id for repair in odd], odd)
+        self.assertEqual([record.id for record in arborist.repairs("odd")][known:], odd)
+
     def test_a_detection_has_the_repairs_on_record(self):
         shutil.copytree("laptop", "repaired")
         arborist.record_repair("repaired", "REPAIR_FAN", now="2024-05-19 08:00:00")
