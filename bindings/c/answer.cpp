@@ -24,4 +24,15 @@ std::string ValidUtf8(const std::string& text)
     return valid;
 }
 
+std::string OneLine(const std::string& text)
+{
+    static constexpr std::size_t MOST = 1000;
+    static constexpr std::size_t REST = 200;
+    if (text.size() <= MOST) {
+        return Printable(text);
+    }
+    // The reason often stands behind a name. A character that the cut divides is shown by its bytes.
+    return Printable(text.substr(0, MOST - REST)) + "..." + Printable(text.substr(text.size() - REST));
+}
+
 } // namespace diagnosis::bindings

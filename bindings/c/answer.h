@@ -23,6 +23,9 @@ std::string WarningsJson(const std::vector<Warning>& warnings);
 /// `text` with every byte that is no UTF-8 replaced by U+FFFD.
 std::string ValidUtf8(const std::string& text);
 
+/// `text` on one line for people: as Printable has it, and cut where it is very long. It may quote names from outside.
+std::string OneLine(const std::string& text);
+
 } // namespace diagnosis::bindings
 
 /// The handles of the interface.

@@ -38,7 +38,7 @@ arborist_status Store(Answer answer, arborist_result** result, arborist_error** 
     }
     const arborist_status status = StatusOf(*answer.failure);
     if (error != nullptr) {
-        answer.failure->message = diagnosis::bindings::ValidUtf8(answer.failure->message);
+        answer.failure->message = diagnosis::bindings::OneLine(answer.failure->message);
         *error = new arborist_error{std::move(*answer.failure), std::move(answer.output)};
     }
     return status;

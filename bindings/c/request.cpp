@@ -11,8 +11,9 @@ namespace diagnosis::bindings {
 Request::Request(std::string_view text)
 {
     std::string problem;
-    // Names of files are any bytes.
-    const auto value = ParseEngineJson(text, problem);
+    // A request is flat, and the threads of a host may have small stacks.
+    static constexpr unsigned DEEPEST = 17;
+    const auto value = ParseFlatJson(text, DEEPEST, problem);
     if (!value || !value->isObject()) {
         Fail(value ? std::string("is ") + JsonKind(*value) + ", not an object" : problem);
         mObject = Json::objectValue;

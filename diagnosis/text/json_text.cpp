@@ -15,11 +15,11 @@ namespace {
 
 constexpr unsigned DEEPEST = 1000;
 
-std::unique_ptr<Json::CharReader> StrictReader()
+std::unique_ptr<Json::CharReader> StrictReader(unsigned deepest = DEEPEST)
 {
     Json::CharReaderBuilder builder;
     Json::CharReaderBuilder::strictMode(&builder.settings_);
-    builder.settings_["stackLimit"] = DEEPEST;
+    builder.settings_["stackLimit"] = deepest;
     return std::unique_ptr<Json::CharReader>(builder.newCharReader());
 }
 
@@ -92,7 +92,7 @@ std::string FaultAt(std::string_view text, std::size_t at, const std::string& re
 }
 
 // The first bracket in which the reader takes no value. It has accepted the text up to there.
-std::string TooDeep(std::string_view text)
+std::string TooDeep(std::string_view text, unsigned deepest)
 {
     unsigned depth = 0;
     bool isInText = false;
@@ -103,14 +103,14 @@ std::string TooDeep(std::string_view text)
         } else if (isInText) {
             at += text[at] == '\\' ? 1 : 0;
         } else if (text[at] == '[' || text[at] == '{') {
-            if (++depth == DEEPEST) {
+            if (++depth == deepest) {
                 break;
             }
         } else if (text[at] == ']' || text[at] == '}') {
             --depth;
         }
     }
-    return FaultAt(text, at, std::to_string(DEEPEST) + " brackets are open: nested too deep");
+    return FaultAt(text, at, std::to_string(deepest) + " brackets are open: nested too deep");
 }
 
 bool IsSurrogate(std::uint32_t unit)
@@ -197,23 +197,29 @@ private:
     std::size_t mAt = 0;
 };
 
-std::optional<Json::Value> Parse(std::string_view text, bool takesAnyBytes, std::string& problem)
+std::optional<Json::Value> ParseWith(Json::CharReader& reader, std::string_view text, bool takesAnyBytes,
+    unsigned deepest, std::string& problem)
 {
-    // One reader for each thread: creating one takes longer than parsing a short text.
-    thread_local const std::unique_ptr<Json::CharReader> reader = StrictReader();
     Json::Value value;
     Json::String errors;
     try {
-        if (reader->parse(text.data(), text.data() + text.size(), &value, &errors)) {
+        if (reader.parse(text.data(), text.data() + text.size(), &value, &errors)) {
             problem = Leniencies(text, takesAnyBytes).First();
             return problem.empty() ? std::optional(value) : std::nullopt;
         }
     } catch (const Json::Exception&) {
-        problem = TooDeep(text);
+        problem = TooDeep(text, deepest);
         return std::nullopt;
     }
     problem = FirstError(errors);
     return std::nullopt;
+}
+
+std::optional<Json::Value> Parse(std::string_view text, bool takesAnyBytes, std::string& problem)
+{
+    // One reader for each thread: creating one takes longer than parsing a short text.
+    thread_local const std::unique_ptr<Json::CharReader> reader = StrictReader();
+    return ParseWith(*reader, text, takesAnyBytes, DEEPEST, problem);
 }
 
 } // namespace
@@ -226,6 +232,11 @@ std::optional<Json::Value> ParseJson(std::string_view text, std::string& problem
 std::optional<Json::Value> ParseEngineJson(std::string_view text, std::string& problem)
 {
     return Parse(text, true, problem);
+}
+
+std::optional<Json::Value> ParseFlatJson(std::string_view text, unsigned deepest, std::string& problem)
+{
+    return ParseWith(*StrictReader(deepest), text, true, deepest, problem);
 }
 
 const char* JsonKind(const Json::Value& value)

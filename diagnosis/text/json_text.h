@@ -16,8 +16,12 @@ namespace diagnosis {
 std::optional<Json::Value> ParseJson(std::string_view text, std::string& problem);
 
 /// The same for texts whose strings may have any bytes and any escapes: those of rule sets and event logs, as the engine
-/// takes them, and requests of hosts, which name files.
+/// takes them.
 std::optional<Json::Value> ParseEngineJson(std::string_view text, std::string& problem);
+
+/// The same for texts with fewer levels of nesting than `deepest`, like requests of hosts, whose names of files are any
+/// bytes too. Reading a level takes some 600 bytes of stack.
+std::optional<Json::Value> ParseFlatJson(std::string_view text, unsigned deepest, std::string& problem);
 
 /// The type of a JSON value for messages: "a text", "a number", "an object" ...
 const char* JsonKind(const Json::Value& value);

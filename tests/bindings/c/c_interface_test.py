@@ -122,6 +122,7 @@ class CInterfaceTest(UnchangedInputs):
         for operation, request, reason in [
                 ("detect", "", "line 1, column 1"), ("detect", "[]", "is a list, not an object"),
                 ("detect", "{", "line 1"), ("detect", "{} x", "line 1"), ("detect", "[" * 5000, "nested too deep"),
+                ("detect", "[" * 18, "17 brackets are open: nested too deep"),
                 ("detect", {}, '"bundle" is missing or empty'), ("detect", {"bundle": ""}, '"bundle" is missing or empty'),
                 ("detect", {"bundle": 5}, '"bundle" is a number, not a text'),
                 ("detect", {"bundle": "laptop\0x"}, '"bundle" has a NUL character'),
@@ -142,6 +143,13 @@ class CInterfaceTest(UnchangedInputs):
                 self.assertEqual((answer.returncode, answer.stdout), (2, b""))
                 self.assertTrue(error_of(answer).startswith("error bad_request: the request: "), error_of(answer))
                 self.assertIn(reason, error_of(answer))
+
+    def test_a_message_is_one_line_of_a_bounded_length(self):
+        answer = call("detect", {"bundle": "a\nb\x1b[31m"})
+        self.assertIn("error no_bundle: a\\x0Ab\\x1B[31m: no such folder", error_of(answer))
+        message = error_of(call("detect", {"bundle": "x" * 50000}))
+        self.assertRegex(message, "^error no_bundle: x{500}.*[.][.][.]x.*: no such folder")
+        self.assertLess(len(message), 4096)
 
     def test_the_host_answers_code_rules(self):
         settled = self.code_bundle()

@@ -15,7 +15,7 @@
  * are those of the diagnosis, for the whole process; the end of the call restores them. Therefore one call runs at a
  * time: a call from another thread, of this engine or another, waits for it. A call out of a callback, on whatever
  * thread that runs, gives the error "busy" at once. Handles may be used by any thread, each by one at a time;
- * arborist_engine_stop alone may be called at any moment.
+ * arborist_engine_stop alone may be called at any moment. A thread that makes calls needs a stack of 1 MiB.
  *
  * No C++ exception leaves a call, and no call ends the process. */
 
@@ -143,7 +143,7 @@ ARBORIST_C_API void arborist_result_free(arborist_result* result);
 ARBORIST_C_API arborist_status arborist_error_status(const arborist_error* error);
 /** One of the error codes of docs/command.md, or "bad_request" or "busy". */
 ARBORIST_C_API const char* arborist_error_code(const arborist_error* error);
-/** One line for people, UTF-8. */
+/** One line for people, UTF-8, of some 4,000 bytes at most. Control characters are shown as "\xNN". */
 ARBORIST_C_API const char* arborist_error_message(const arborist_error* error);
 /** What the command prints on standard output for this failure, as above: empty if it prints nothing. */
 ARBORIST_C_API const char* arborist_error_json(const arborist_error* error, size_t* length);
