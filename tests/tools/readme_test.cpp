@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -103,12 +104,24 @@ TEST(ReadmeTest, ItsBundleIsOne)
     EXPECT_EQ(result.status, 0);
 }
 
-TEST(MinimalHostTest, TellsTheRootCausesOfAnExample)
+TEST(MinimalHostTest, TellsAFaultWithItsCauseAndNoFaultOnlyWhereDataShowsIt)
+{
+    const TempDir dir;
+    WriteHotBundle(dir, "b");
+    const auto outputInBundle = [] { return RunProcess({MINIMAL_HOST, "rules", "Tag"}, {"", {}, "b"}).out; };
+    EXPECT_EQ(outputInBundle(), "T: fault\n  HOT, described by D1\n");
+    dir.Write("b/temperature", "20\n");
+    EXPECT_EQ(outputInBundle(), "T: no_fault\n");
+    std::filesystem::remove("b/temperature");
+    EXPECT_EQ(outputInBundle(), "T: undecided\n");
+}
+
+TEST(MinimalHostTest, CallsAnExampleWithoutItsDataUndecided)
 {
     const TempDir dir;
     ASSERT_EQ(RunProcess({"cp", "-r", SOURCE + "examples/laptop/rules", "rules"}).status, 0);
     const auto result = RunProcess({MINIMAL_HOST, "rules", "Laptop"});
-    EXPECT_THAT(result.out, HasSubstr("LAPTOP_RADIO: no fault\n"));
+    EXPECT_THAT(result.out, HasSubstr("LAPTOP_POWER: undecided\n"));
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(RunProcess({MINIMAL_HOST}).status, 2);
 }
