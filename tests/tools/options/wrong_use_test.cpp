@@ -55,7 +55,13 @@ INSTANTIATE_TEST_SUITE_P(Table, WrongUse, testing::Values(
         "--table-moments: Value -1 not in range 0 to 10000000"},
     WrongUseCase{"NoTarget", {"bundle", "pack", "b", "-o", ""}, "--output: must not be empty"},
     WrongUseCase{"BadNow", {"detect", "b", "--now", "noon"},
-        "--now: is neither \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: noon"},
+        "--now: is neither a local time \"YYYY-MM-DD HH:MM:SS\" that exists nor seconds since the epoch: noon"},
+    WrongUseCase{"NoSuchDay", {"detect", "b", "--as-of", "2024-02-30 00:00:00"},
+        "--as-of: is neither a local time \"YYYY-MM-DD HH:MM:SS\" that exists nor seconds since the epoch: "
+        "2024-02-30 00:00:00"},
+    WrongUseCase{"NoSuchDayOfALog", {"log", "inspect", "b", "--as-of", "2024-02-30"},
+        "--as-of: is neither a day \"YYYY-MM-DD\" or local time \"YYYY-MM-DD HH:MM:SS\" that exists nor seconds since the "
+        "epoch: 2024-02-30"},
     WrongUseCase{"BadZone", {"detect", "b", "--tz", "Mars"}, "--tz: names no time zone that this machine knows: Mars"},
     WrongUseCase{"BadLogLevel", {"detect", "b", "--log-level", "loud"},
         "--log-level: loud not in {trace,debug,info,warn,error,fatal,none}"}),

@@ -24,8 +24,9 @@ namespace {
 constexpr char DESCRIPTION[] = "Diagnoses a device with fault trees.";
 constexpr char EXAMPLES[] =
     "Examples:\n"
-    "  arborist detect examples/laptop\n"
-    "  arborist explain examples/laptop\n"
+    "  arborist rules new heat\n"
+    "  arborist detect heat\n"
+    "  arborist explain heat\n"
     "  arborist help bundle pack";
 
 std::string Footer()

@@ -8,6 +8,16 @@
 
 namespace diagnosis::command {
 
+namespace {
+
+std::string MomentProblem(const std::string& text)
+{
+    return IsMomentText(text)
+        ? "" : "is neither a local time \"YYYY-MM-DD HH:MM:SS\" that exists nor seconds since the epoch: " + text;
+}
+
+} // namespace
+
 void AddOverrides(Command app, BundleOverrides& overrides)
 {
     AddMoments(app, overrides);
@@ -19,15 +29,11 @@ void AddMoments(Command app, BundleOverrides& overrides)
     app.Add("--now", overrides.now, "Diagnose as of this moment, \"YYYY-MM-DD HH:MM:SS\" local time or seconds "
         "since the epoch, instead of \"now\" of the bundle")
         .Takes("TIME")
-        .Check([](const std::string& text) {
-            return IsMomentText(text) ? "" : "is neither \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: " + text;
-        });
+        .Check(MomentProblem);
     app.Add("--as-of", overrides.asOf, "Diagnose as it was at this moment: later events and repairs don't count, and it "
         "is taken for now")
         .Takes("TIME")
-        .Check([](const std::string& text) {
-            return IsMomentText(text) ? "" : "is neither \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: " + text;
-        });
+        .Check(MomentProblem);
     AddTimeZone(app, overrides.tz);
 }
 
@@ -51,7 +57,8 @@ void AddMomentOption(Command app, const std::string& name, std::string& moment, 
 {
     app.Add(name, moment, description).Takes("TIME").Check([](const std::string& text) {
         return IsMomentText(text) || IsDay(text)
-            ? "" : "is neither \"YYYY-MM-DD\", \"YYYY-MM-DD HH:MM:SS\" nor seconds since the epoch: " + text;
+            ? "" : "is neither a day \"YYYY-MM-DD\" or local time \"YYYY-MM-DD HH:MM:SS\" that exists nor seconds since "
+                   "the epoch: " + text;
     });
 }
 
