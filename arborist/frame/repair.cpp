@@ -5,7 +5,9 @@
 
 void UpdateRepairDb(const std::string& repairId)
 {
-    // A host may call this from within a detection: what is recorded is recorded, even if that detection is to end.
-    const StopScope unstoppable(nullptr);
+    // A host may call this from within a detection: what is recorded is recorded, even if that detection is to end or
+    // has waited for locks long enough. A request that nobody makes waits for its own.
+    StopRequest neverRequested;
+    const StopScope unstoppable(&neverRequested);
     RepairDbUtil().SaveRepairDataToDb(repairId);
 }

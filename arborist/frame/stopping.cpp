@@ -20,6 +20,7 @@ void StopRequest::Start(std::optional<std::chrono::duration<double>> limit)
     mQuestions = 0;
     mIsDue = false;
     mHasStopped = false;
+    mLockWaits = LockWaits();
     mState.store(State::RUNNING);
 }
 
@@ -52,6 +53,11 @@ void StopRequest::Stop()
     throw DetectionStopped();
 }
 
+bool StopRequest::WaitForLock(const std::string& file, int attempt)
+{
+    return !mHasStopped && !IsDue() && mLockWaits.Sleep(file, attempt);
+}
+
 StopScope::StopScope(StopRequest* request) : mOuter(std::exchange(innermost, request)) {}
 
 StopScope::~StopScope()
@@ -74,4 +80,9 @@ bool StopPoint::HasStopped()
 bool StopPoint::IsDue()
 {
     return innermost != nullptr && innermost->IsDue();
+}
+
+bool StopPoint::WaitForLock(const std::string& file, int attempt)
+{
+    return innermost != nullptr && innermost->WaitForLock(file, attempt);
 }

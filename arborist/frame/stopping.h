@@ -5,6 +5,9 @@
 #include <chrono>
 #include <cstdint>
 #include <optional>
+#include <string>
+
+#include "arborist/frame/lock_waits.h"
 
 /// Thrown once when a detection ends early. Arborist::StartDetection and the driver catch it; it never leaves the
 /// library.
@@ -30,6 +33,8 @@ public:
     /// Marks the detection as stopped and throws: from now on it is not due again, so that cleaning up isn't stopped.
     [[noreturn]] void Stop();
     bool HasStopped() const { return mHasStopped; }
+    /// See LockWaits::Sleep. False also if the detection must end or has stopped.
+    bool WaitForLock(const std::string& file, int attempt);
 
     /// For tests: makes the next detections stop at their `question`th stop point, counted from 1; 0 for none.
     void StopAtQuestion(std::uint64_t question) { mStopAt = question; }
@@ -46,10 +51,11 @@ private:
     std::uint64_t mStopAt = 0;
     bool mIsDue = false;
     bool mHasStopped = false;
+    LockWaits mLockWaits;
 };
 
-/// While it exists, the stop points of this thread check this request; with null they never stop. Of nested scopes only
-/// the innermost counts: a host may call the library from within a detection.
+/// While it exists, the stop points of this thread check this request, and its statements wait for locks as it allows; with
+/// null they never stop and never wait. Of nested scopes only the innermost counts: a host may call the library from within a detection.
 class StopScope {
 public:
     explicit StopScope(StopRequest* request);
@@ -70,6 +76,9 @@ void Pass();
 bool IsDue();
 /// True if the detection on this thread has stopped: what is left of it is only concluded.
 bool HasStopped();
+/// Waits a moment for a file that others have locked; false if the detection on this thread waits no longer. Without a
+/// detection nobody waits. `attempt` counts the calls for one lock, from 0.
+bool WaitForLock(const std::string& file, int attempt);
 
 } // namespace StopPoint
 

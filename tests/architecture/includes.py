@@ -89,8 +89,8 @@ STOREYS = [
                                   " frame/evidence_command frame/evidence_node frame/evidence_rule_set"
                                   " frame/evidence_tree frame/evidence_values frame/evidence_words"
                                   " frame/rule_set_summary frame/sweep_observer frame/tree_verdict"),
-        **files_in("the ground", "arborist_export arborist_version frame/log frame/log_recording frame/settings"
-                                 " frame/fault_tree_prop_global"
+        **files_in("the ground", "arborist_export arborist_version frame/lock_waits frame/log frame/log_recording"
+                                 " frame/settings frame/fault_tree_prop_global"
                                  " frame/stopping frame/thread_value frame/trouble frame/trouble_watch"),
     }),
 ]

@@ -12,6 +12,7 @@
 #include "arborist/frame/repair.h"
 #include "arborist/frame/settings.h"
 #include "tests/support/code_runner_stub.h"
+#include "tests/support/database_rows.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/settings_guard.h"
 #include "tests/support/temp_dir.h"
@@ -89,6 +90,7 @@ protected:
             .EventRule(tag + "-code", {Single("code")})
             .EventRule(tag + "-calm", {Single("calm")})
             .FaultDescription(tag + "-code", {"described"})
+            .Repair(tag + "-alarm", {{"never", ""}}) // so that detections read the records
             .Text());
     }
 
@@ -140,6 +142,12 @@ protected:
         return answers;
     }
 
+    // The answer of a query of the repair records.
+    std::vector<std::string> Repairs(const std::string& sql) const
+    {
+        return DatabaseRows(mDir.Path("data/Comms/Lumbra/zxdetectrepair/databases/repair_record.db"), sql);
+    }
+
     TempDir mDir;
     SettingsGuard mSettings;
     std::shared_ptr<std::atomic<int>> mLines = std::make_shared<std::atomic<int>>(0);
@@ -160,7 +168,7 @@ TEST_F(TwoEngines, OfTwoThreadsAnswerAsEachAlone)
     std::thread second([&] { two = Run("two"); });
     std::thread repairs([&] {
         for (int round = 0; round < ROUNDS; ++round) {
-            UpdateRepairDb("R"); // which no rule asks for
+            UpdateRepairDb("R" + std::to_string(round)); // which no rule asks for
         }
     });
     first.join();
@@ -169,6 +177,33 @@ TEST_F(TwoEngines, OfTwoThreadsAnswerAsEachAlone)
     EXPECT_EQ(one, oneAlone);
     EXPECT_EQ(two, twoAlone);
     EXPECT_GE(*mLines, 2 * linesAlone); // recording repairs logs lines of its own
+    EXPECT_THAT(Repairs("select repair_id from repair_data"), testing::ElementsAre("R0", "R1", "R2", "R3", "R4"));
+}
+
+TEST_F(TwoEngines, ARecordIsNotLostBesideOtherRecordersAndADetection)
+{
+    constexpr int RECORDERS = 3;
+    constexpr int RECORDS = 40;
+    WriteRules("one");
+    const Causes alone = Run("one");
+    std::atomic<int> recording = RECORDERS;
+    std::vector<std::thread> recorders;
+    for (int recorder = 0; recorder < RECORDERS; ++recorder) {
+        recorders.emplace_back([&recording, recorder] {
+            for (int record = 0; record < RECORDS; ++record) {
+                UpdateRepairDb(std::to_string(recorder) + "-" + std::to_string(record));
+            }
+            --recording;
+        });
+    }
+    do {
+        EXPECT_EQ(Run("one"), alone);
+    } while (recording > 0);
+    for (std::thread& recorder : recorders) {
+        recorder.join();
+    }
+    EXPECT_THAT(Repairs("select count(*), count(distinct repair_id) from repair_data"),
+        testing::ElementsAre(std::to_string(RECORDERS * RECORDS) + "|" + std::to_string(RECORDERS * RECORDS)));
 }
 
 TEST_F(TwoEngines, OfTwoThreadsTakeTurnsWithOneLoadedRuleSet)

@@ -11,6 +11,7 @@
 #include "tests/support/case_name.h"
 #include "tests/support/database_rows.h"
 #include "tests/support/event_log_builder.h"
+#include "tests/support/longest_lock_wait.h"
 
 // Waiting for the disk would take most of the time, and is of no interest here.
 extern "C" int fsync(int) { return 0; }
@@ -56,6 +57,7 @@ protected:
         EXPECT_EQ(mDir.Read(EVENT_LOG), mEventLog);
     }
 
+    const LongestLockWait mWait{2};
     FailingVfs mVfs;
     const std::string mEventLog = mDir.Read(EVENT_LOG);
 };
@@ -138,5 +140,49 @@ INSTANTIATE_TEST_SUITE_P(Table, FailingSqliteCall, testing::Values(
     CallCase{"BusyLock", Call::LOCK, SQLITE_BUSY, Failing::ONE},
     CallCase{"EveryLockIsBusy", Call::LOCK, SQLITE_BUSY, Failing::ALL_FROM_IT_ON},
     CallCase{"RemovedJournal", Call::REMOVE, SQLITE_IOERR_DELETE, Failing::ONE}), CaseName());
+
+class BriefSqliteLock : public ObservedDetection {
+protected:
+    // Calls `check` after `work` has met a lock of others at its first, second, ... call for one, each released at once.
+    template <typename Work, typename Check>
+    void MeetLocks(Work work, Check check)
+    {
+        work();
+        FailingVfs::Watch(Call::LOCK, SQLITE_BUSY);
+        CallCounter::Start(0);
+        work();
+        const std::uint64_t calls = CallCounter::Stop();
+        EXPECT_GT(calls, 0U);
+        for (const std::uint64_t number : CallCounter::Sample(calls, 40)) {
+            SCOPED_TRACE("call " + std::to_string(number) + " of " + std::to_string(calls));
+            CallCounter::Start(number, Failing::ONE);
+            work();
+            CallCounter::Stop();
+            check();
+        }
+    }
+
+    FailingVfs mVfs;
+};
+
+TEST_F(BriefSqliteLock, DoesNotChangeADetection)
+{
+    Answer answer;
+    MeetLocks([&] { answer = DetectAnew(); },
+        [&] {
+            EXPECT_EQ(answer.causes, CAUSES);
+            EXPECT_FALSE(answer.isDoubted);
+        });
+}
+
+TEST_F(BriefSqliteLock, DoesNotLoseARecord)
+{
+    int records = 0;
+    MeetLocks([&] { UpdateRepairDb("R" + std::to_string(++records)); },
+        [&] {
+            EXPECT_THAT(DatabaseRows(mDir.Path(REPAIRS), "select count(*) from repair_data"),
+                ElementsAre(std::to_string(records)));
+        });
+}
 
 } // namespace

@@ -38,8 +38,13 @@ int AllowOwnFile(void* runsOwnStatement, int action, const char* name, const cha
         "data_store_directory", "hard_heap_limit", "soft_heap_limit", "temp_store_directory"};
     // This would have SQLite sort in memory, without a limit.
     static constexpr std::string_view PLACE_OF_SORTS[] = {"temp_store"};
+    // This would replace WaitForLock, which has an end.
+    static constexpr std::string_view WAIT_FOR_LOCKS[] = {"busy_timeout"};
     const bool isOtherFile = action == SQLITE_ATTACH && (name == nullptr || *name != '\0');
     const bool isSetting = action == SQLITE_PRAGMA && value != nullptr;
+    if (isSetting && IsOneOf(WAIT_FOR_LOCKS, name)) {
+        return SQLITE_IGNORE;
+    }
     const bool isForbidden = IsOneOf(PROCESS_WIDE, name) ||
         (IsOneOf(PLACE_OF_SORTS, name) && !*static_cast<const bool*>(runsOwnStatement));
     return isOtherFile || (isSetting && isForbidden) ? SQLITE_DENY : SQLITE_OK;
@@ -77,6 +82,12 @@ int TakeSteps(void* context)
     return static_cast<SqlBudget*>(context)->TakeSteps(STEPS_AT_ONCE) ? 0 : 1;
 }
 
+// Called by SQLite when another connection has locked the file: 1 to try again, 0 to fail with "database is locked".
+int WaitForLock(void* handle, int attempt)
+{
+    return StopPoint::WaitForLock(static_cast<const Sqlite3Db*>(handle)->path, attempt) ? 1 : 0;
+}
+
 } // namespace
 
 SqlDatabase::SqlDatabase() : handle(std::make_unique<Sqlite3Db>()) {}
@@ -105,13 +116,19 @@ bool SqlDatabase::Open(const std::string& path)
             errorMessage.c_str());
         return false;
     }
-    int result = sqlite3_exec(handle->connection, "PRAGMA cache_size=10;", nullptr, nullptr, nullptr);
-    if (result != SQLITE_OK) {
+    sqlite3_busy_handler(handle->connection, WaitForLock, handle.get());
+    const auto resultOf = [this](const char* sql) {
+        const int result = sqlite3_exec(handle->connection, sql, nullptr, nullptr, nullptr);
+        if (result != SQLITE_OK) {
+            StopPoint::Pass(); // the failure may be the stop's, and then belongs into no log
+        }
+        return result;
+    };
+    if (const int result = resultOf("PRAGMA cache_size=10;"); result != SQLITE_OK) {
         Log::GetInstance().Output(
             LEVEL_ERROR, "FUNc:%s: Failed(%d) to set cache size by %s", NAME, result, path.c_str());
     }
-    result = sqlite3_exec(handle->connection, "PRAGMA synchronous=1;", nullptr, nullptr, nullptr);
-    if (result != SQLITE_OK) {
+    if (const int result = resultOf("PRAGMA synchronous=1;"); result != SQLITE_OK) {
         Log::GetInstance().Output(
             LEVEL_ERROR, "FUNc:%s: Failed(%d) to set synchronous by %s", NAME, result, path.c_str());
     }

@@ -25,8 +25,8 @@ struct Sqlite3Db {
 /// What statements on a connection may do.
 enum class SqlAccess {
     /// Everything that affects neither another file nor the whole process: ATTACH, VACUUM INTO and setting SQLite's
-    /// memory limits, its directories or the place of temporary files fail with "not authorized". Only schema statements
-    /// can change the schema, and there is always a journal. A statement that exceeds SqlLimits fails with
+    /// memory limits, its directories or the place of temporary files fail with "not authorized"; setting its busy timeout
+    /// has no effect. Only schema statements can change the schema, and there is always a journal. A statement that exceeds SqlLimits fails with
     /// "interrupted", "query aborted" or "database or disk is full".
     OWN_FILE,
     /// Only select, transactions, and queries of the state of the file (data_version, integrity_check, page_count,
@@ -50,7 +50,8 @@ public:
     SqlDatabase& operator=(const SqlDatabase&) = delete;
 
     /// Closes the open database, then opens the file; SQLite creates a missing one. On failure returns false and logs a
-    /// line at INFO. A file that is no database opens without failure; its first statement fails.
+    /// line at INFO. A file that is no database opens without failure; its first statement fails. Within a detection
+    /// statements wait for locks of other connections as LockWaits says; elsewhere they fail at once.
     bool Open(const std::string& path);
     void Close();
     bool IsOpen() const { return resultCode == 0; }

@@ -11,6 +11,7 @@
 #include "tests/support/database_rows.h"
 #include "tests/support/event_log_builder.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/longest_lock_wait.h"
 #include "tests/support/settings_guard.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/time_zone.h"
@@ -256,8 +257,9 @@ TEST_F(RepairDbUtilTest, TableThatNeverEndsIsGivenUp)
     EXPECT_THAT(mLog.Lines().back(), HasSubstr("cannot modify repair_data because it is a view"));
 }
 
-TEST_F(RepairDbUtilTest, LockOfAnotherProcessLeavesTheRecords)
+TEST_F(RepairDbUtilTest, LockOfAnotherProcessThatStaysLeavesTheRecords)
 {
+    const LongestLockWait brief(5);
     SetNow(1700000000);
     UpdateRepairDb("R");
     FT::sql::SqlDatabase other;
