@@ -1,5 +1,8 @@
 #include "diagnosis/bundle/repair_records.h"
 
+#include <atomic>
+#include <thread>
+
 #include <gtest/gtest.h>
 
 #include "diagnosis/process/process_state.h"
@@ -33,6 +36,26 @@ TEST(RepairRecordsTest, OfMoreThanALineTakesTheFirstAreRead)
     ASSERT_EQ(records.size(), 10'000U);
     EXPECT_EQ(records.front().id, "R1");
     EXPECT_EQ(records.back().id, "R10000");
+}
+
+TEST(RepairRecordsTest, AreReadWhileOthersWriteThem)
+{
+    const TempDir dir;
+    Connection writer;
+    ASSERT_TRUE(writer.Open("r.db", Connection::Mode::CREATE));
+    ASSERT_TRUE(writer.Execute("CREATE TABLE repair_data(_id, repair_id, repair_date); BEGIN EXCLUSIVE"));
+    std::atomic<bool> isRead = false;
+    std::thread other([&] {
+        std::vector<RepairRecord> records;
+        EXPECT_FALSE(ReadRepairRecords("r.db", records));
+        isRead = true;
+    });
+    do { // the file is unlocked for moments only
+        EXPECT_TRUE(writer.Execute("COMMIT"));
+        while (!writer.Execute("BEGIN EXCLUSIVE")) {
+        }
+    } while (!isRead);
+    other.join();
 }
 
 TEST(RepairRecordsTest, RecordsWithLongTextsAreLeftOut)
