@@ -12,11 +12,10 @@
 #include <type_traits>
 #include <vector>
 
-#include <fcntl.h>
 #include <minizip/unzip.h>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <zlib.h>
+
+#include "diagnosis/archive/entry_file.h"
 
 namespace diagnosis {
 
@@ -33,23 +32,6 @@ struct ArchiveCloser {
     void operator()(void* archive) const { unzClose(archive); }
 };
 
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor) : mDescriptor(descriptor) {}
-    ~Descriptor()
-    {
-        if (mDescriptor >= 0) {
-            close(mDescriptor);
-        }
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int Get() const { return mDescriptor; }
-
-private:
-    int mDescriptor;
-};
-
 // Checks both separators, as archives of other systems use the other one.
 bool IsSafeName(const std::string& name)
 {
@@ -64,7 +46,7 @@ bool IsSafeName(const std::string& name)
         }
         start = end + 1;
     }
-    return true;
+    return IsNameOfSystem(name);
 }
 
 // Reads like fread, but returns zeros behind the end of the file: the archive library takes a length in the zip64 field
@@ -75,6 +57,15 @@ uLong ReadAhead(void*, void* stream, void* buffer, uLong wanted)
     const bool isAtEnd = std::feof(static_cast<std::FILE*>(stream)) != 0;
     std::fill(static_cast<char*>(buffer) + got, static_cast<char*>(buffer) + wanted, '\0');
     return isAtEnd ? wanted : static_cast<uLong>(got);
+}
+
+// By the mode that archivers of Unix note.
+bool IsLink(const unz_file_info64& info)
+{
+    constexpr unsigned MODE_SHIFT = 16;
+    constexpr unsigned KIND = 0170000;
+    constexpr unsigned LINK = 0120000;
+    return (info.external_fa >> MODE_SHIFT & KIND) == LINK;
 }
 
 std::uint64_t NumberAt(const std::string& bytes, std::size_t at, std::size_t length)
@@ -100,20 +91,6 @@ std::vector<std::uint64_t> LengthsInField(const std::string& extra)
         at = end;
     }
     return lengths;
-}
-
-bool WriteAll(int file, const char* bytes, std::size_t length)
-{
-    while (length > 0) {
-        const ssize_t written = write(file, bytes, length);
-        if (written < 0 && errno != EINTR) {
-            return false;
-        }
-        const auto done = static_cast<std::size_t>(written > 0 ? written : 0);
-        bytes += done;
-        length -= done;
-    }
-    return true;
 }
 
 class Unpacking {
@@ -165,12 +142,11 @@ private:
         }
         std::string name(std::min<std::size_t>(info.size_filename, LONGEST_NAME), '\0');
         const int read = unzGetCurrentFileInfo64(
-            mArchive.get(), nullptr, name.data(), name.size(), nullptr, 0, nullptr, 0);
+            mArchive.get(), nullptr, name.data(), static_cast<uLong>(name.size()), nullptr, 0, nullptr, 0);
         if (read != UNZ_OK || info.size_filename > LONGEST_NAME || !IsSafeName(name)) {
             return Bad("the name of an entry can't be used: \"" + name + "\"");
         }
-        constexpr unsigned MODE_SHIFT = 16;
-        if (S_ISLNK(info.external_fa >> MODE_SHIFT)) {
+        if (IsLink(info)) {
             mWarnings.emplace_back(WarningCode::ZIP_LINK, mShown + ": the symbolic link \"" + name + "\" is not made");
             return std::nullopt;
         }
@@ -194,15 +170,15 @@ private:
         const fs::path path = fs::path(mTarget) / name;
         std::error_code error;
         fs::create_directories(path.parent_path(), error);
-        const Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-        if (file.Get() < 0) {
+        EntryFile file(path);
+        if (!file.IsOpen()) {
             return Bad("\"" + name + "\" can't be made: " + std::strerror(errno));
         }
         if (unzOpenCurrentFile(mArchive.get()) != UNZ_OK) {
             return Bad("\"" + name + "\" is damaged or encrypted");
         }
         const auto length = StoredLength(info);
-        auto failure = length ? CopyOut(name, file.Get(), *length) : Bad("\"" + name + "\" is damaged");
+        auto failure = length ? CopyOut(name, file, *length) : Bad("\"" + name + "\" is damaged");
         // Closing compares the checksum only where the library knows that all was read.
         const bool isWhole = unzCloseCurrentFile(mArchive.get()) == UNZ_OK && mChecksum == info.crc;
         return !failure && !isWhole ? Bad("\"" + name + "\" is damaged") : failure;
@@ -232,7 +208,7 @@ private:
     }
 
     // Counts the bytes that are really unpacked: the lengths that an archive declares need not be true.
-    std::optional<Failure> CopyOut(const std::string& name, int file, std::uint64_t left)
+    std::optional<Failure> CopyOut(const std::string& name, EntryFile& file, std::uint64_t left)
     {
         mChecksum = 0;
         for (;;) {
@@ -250,7 +226,7 @@ private:
             if (mBytes > mLimits.bytes) {
                 return TooLarge("more than " + std::to_string(mLimits.bytes) + " bytes when unpacked");
             }
-            if (!WriteAll(file, mBuffer.data(), static_cast<std::size_t>(length))) {
+            if (!file.Write(mBuffer.data(), static_cast<std::size_t>(length))) {
                 return Failure{FailureCode::NO_SCRATCH,
                     mShown + ": \"" + name + "\" can't be unpacked: " + std::strerror(errno)};
             }

@@ -7,13 +7,13 @@ namespace diagnosis {
 BundlePath MakeBundlePath(const std::string& given)
 {
     std::error_code error;
-    return {given, std::filesystem::absolute(given, error).string()};
+    return {given, std::filesystem::absolute(given, error).generic_string()};
 }
 
 std::string MakeRulesPath(const std::string& given)
 {
     std::error_code error;
-    return std::filesystem::absolute(given, error).lexically_normal().string();
+    return std::filesystem::absolute(given, error).lexically_normal().generic_string();
 }
 
 std::vector<std::pair<const char*, std::string>> DeviceAttributes(const DeviceDetails& device)

@@ -52,7 +52,7 @@ bool IsBelow(const std::string& folder, const std::string& real)
 
 bool IsInside(const std::string& folder, const fs::path& path)
 {
-    return IsBelow(folder, Destination(path).string());
+    return IsBelow(folder, Destination(path).generic_string());
 }
 
 } // namespace
@@ -67,7 +67,7 @@ std::optional<std::string> PlaceOutside(const std::string& folder, const Bundle&
     }
     for (const char* database : {EVENT_LOG, DERIVED_DATABASE, REPAIR_RECORDS}) {
         const std::string name = data + "/" + database;
-        const std::string real = Destination(fs::path(folder) / name).string();
+        const std::string real = Destination(fs::path(folder) / name).generic_string();
         if (!IsBelow(folder, real)) {
             return name;
         }

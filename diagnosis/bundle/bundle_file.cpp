@@ -308,7 +308,7 @@ std::optional<Failure> ReadBundleFile(const BundlePath& path, Bundle& bundle, st
         return Failure{FailureCode::NO_BUNDLE, path.given + reason};
     }
     const fs::path file = folder / "bundle.json";
-    const std::string name = (fs::path(path.given) / "bundle.json").string();
+    const std::string name = (fs::path(path.given) / "bundle.json").generic_string();
     // Ask first: reading a pipe or device of that name would block.
     if (!fs::is_regular_file(file, error)) {
         return Failure{FailureCode::NO_BUNDLE_JSON, name + ": no such file; a bundle is a folder or a zip with a bundle.json"};
@@ -316,7 +316,7 @@ std::optional<Failure> ReadBundleFile(const BundlePath& path, Bundle& bundle, st
     if (fs::file_size(file, error) > LARGEST_FILE) {
         return Failure{FailureCode::TOO_LARGE, name + ": larger than 16 MiB"};
     }
-    const auto text = FileText(file.string());
+    const auto text = FileText(file.generic_string());
     return text ? ReadBundleText(name, *text, bundle, warnings)
                 : Failure{FailureCode::NO_BUNDLE_JSON, name + ": can't be read"};
 }

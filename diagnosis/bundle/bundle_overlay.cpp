@@ -19,8 +19,12 @@ std::optional<Failure> Link(const fs::path& source, const fs::path& target)
 {
     std::error_code error;
     fs::create_directories(target.parent_path(), error);
-    fs::create_symlink(source, target, error);
-    return error ? std::optional(Failure{FailureCode::NO_SCRATCH, target.string() + ": " + error.message()})
+    if constexpr (MAKES_LINKS) {
+        fs::create_symlink(source, target, error);
+    } else {
+        fs::create_directory(target, error); // a folder instead of a database is another one as well
+    }
+    return error ? std::optional(Failure{FailureCode::NO_SCRATCH, target.generic_string() + ": " + error.message()})
                  : std::nullopt;
 }
 
@@ -32,7 +36,7 @@ std::optional<Failure> Copy(const fs::path& source, const fs::path& target)
         return std::nullopt;
     }
     // If the source is a folder instead of a database, links it.
-    return fs::is_regular_file(source, error) ? CopyDatabase(source.string(), target.string()) : Link(source, target);
+    return fs::is_regular_file(source, error) ? CopyDatabase(source.generic_string(), target.generic_string()) : Link(source, target);
 }
 
 // The library never writes into the log. Links the folder two levels above it, which has nothing else, instead of the
@@ -42,7 +46,7 @@ std::optional<Failure> LayEventLog(const fs::path& data, const fs::path& overlay
     const fs::path log = data / EVENT_LOG;
     std::error_code error;
     // Without an event log its folder is made all the same, as on a device that has not logged anything yet.
-    if (!fs::exists(log, error) || IsTouchedByReading(log.string())) {
+    if (!MAKES_LINKS || !fs::exists(log, error) || IsTouchedByReading(log.generic_string())) {
         return Copy(log, overlay / EVENT_LOG);
     }
     fs::remove_all(overlay / EVENT_LOG_FOLDER, error); // what a bundle without a log left in a scratch folder
@@ -66,7 +70,7 @@ std::vector<std::string> FoldersOfOverlay()
     std::vector<std::string> folders = {COPIES};
     for (const char* file : {REPAIR_RECORDS, EVENT_LOG}) {
         for (fs::path folder = fs::path(file).parent_path(); !folder.empty(); folder = folder.parent_path()) {
-            folders.push_back(folder.string());
+            folders.push_back(folder.generic_string());
         }
     }
     return folders;
@@ -91,8 +95,8 @@ std::optional<Failure> LayOverlay(const std::string& folder, Scratch& scratch,
         names.Add(copies, databases);
         databases = copies;
     }
-    names.Add(overlay.string(), root);
-    data = overlay.string();
+    names.Add(overlay.generic_string(), root);
+    data = overlay.generic_string();
     return std::nullopt;
 }
 

@@ -12,8 +12,14 @@
 
 namespace diagnosis {
 
-/// The root of the fixed paths if the setting is empty: the data of this machine.
+/// The root of the fixed paths if the setting is empty, the data of this machine, and whether an overlay can link to files.
+#ifdef _WIN32
+inline constexpr char MACHINE_DATA[] = "C:/ProgramData";
+inline constexpr bool MAKES_LINKS = false; // the compiler's standard library can't
+#else
 inline constexpr char MACHINE_DATA[] = "/var/lib/arborist";
+inline constexpr bool MAKES_LINKS = true;
+#endif
 
 /// The fixed paths below that root, in addition to REPAIR_RECORDS.
 inline constexpr char EVENT_LOG[] = "Comms/Lumbra/workDir/0/log.db";
@@ -27,7 +33,7 @@ std::vector<std::string> FoldersOfOverlay();
 /// library's own databases, and the folder of the copies. Points `settings` there and adds the paths of the bundle to
 /// `names`.
 ///
-/// The event log is a link if reading it changes no file, otherwise a copy; the library's databases are copies.
+/// The event log is a link if links can be made and reading it changes no file, otherwise a copy; the library's databases are copies.
 /// Relative settings are relative to `folder`, the bundle's.
 std::optional<Failure> LayOverlay(const std::string& folder, Scratch& scratch,
     std::map<std::string, std::string>& settings, PathNames& names);

@@ -21,15 +21,15 @@ std::vector<std::string> FoldersWithBundleFile(const fs::path& unpacked)
 {
     std::error_code error;
     if (fs::exists(unpacked / "bundle.json", error)) {
-        return {unpacked.string()};
+        return {unpacked.generic_string()};
     }
     std::vector<std::string> folders;
     for (const fs::directory_entry& entry : fs::directory_iterator(unpacked, error)) {
         if (fs::exists(entry.path() / "bundle.json", error)) {
-            folders.push_back(entry.path().string());
+            folders.push_back(entry.path().generic_string());
         }
     }
-    return folders.empty() ? std::vector{unpacked.string()} : folders;
+    return folders.empty() ? std::vector{unpacked.generic_string()} : folders;
 }
 
 std::string DataPath(const std::string& folder, const std::map<std::string, std::string>& settings,
@@ -37,7 +37,7 @@ std::string DataPath(const std::string& folder, const std::map<std::string, std:
 {
     const auto root = settings.find(Settings::PROGRAM_DATA_DIR);
     const bool isSet = root != settings.end() && !root->second.empty();
-    return (fs::path(folder) / (isSet ? root->second : MACHINE_DATA) / file).string();
+    return (fs::path(folder) / (isSet ? root->second : MACHINE_DATA) / file).generic_string();
 }
 
 } // namespace
@@ -75,7 +75,7 @@ std::optional<Failure> BundleSession::Unpack(const BundlePath& path, const Bundl
     fs::create_directory(unpacked, error);
     ZipLimits limits;
     limits.isToEnd = overrides.isToEnd;
-    if (auto failure = UnpackZip(path.absolute, path.given, unpacked.string(), mWarnings, limits)) {
+    if (auto failure = UnpackZip(path.absolute, path.given, unpacked.generic_string(), mWarnings, limits)) {
         return failure;
     }
     const auto folders = FoldersWithBundleFile(unpacked);
@@ -85,7 +85,7 @@ std::optional<Failure> BundleSession::Unpack(const BundlePath& path, const Bundl
     }
     mFolder = folders.front();
     mNames.Add(mFolder, path.given);
-    mNames.Add(unpacked.string(), path.given);
+    mNames.Add(unpacked.generic_string(), path.given);
     return std::nullopt;
 }
 
@@ -113,7 +113,7 @@ std::optional<Failure> BundleSession::EnterFolder(const BundlePath& path, const 
         return failure;
     }
     std::error_code error;
-    mFolder = fs::canonical(path.absolute, error).string();
+    mFolder = fs::canonical(path.absolute, error).generic_string();
     if (overrides.isLive) {
         mBundle.settings[Settings::PROGRAM_DATA_DIR] = "";
         mBundle.settings[Settings::DEVICE_ROOT_DIR] = "";

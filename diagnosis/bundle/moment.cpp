@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
-#include <cstdlib>
 #include <ctime>
-#include <filesystem>
-#include <fstream>
 #include <string_view>
 #include <utility>
+#include <vector>
+
+#include "diagnosis/process/local_time.h"
 
 namespace diagnosis {
 
@@ -104,23 +104,6 @@ bool IsZoneRule(const std::string& zone)
     return zone.size() < 128 && ZoneRuleReader(zone).IsRule();
 }
 
-bool IsZoneFile(const std::string& zone)
-{
-    static const std::string legal = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_+-/";
-    if (zone.empty() || zone[0] == '/' || zone.find_first_not_of(legal) != std::string::npos) {
-        return false;
-    }
-    const char* folder = std::getenv("TZDIR");
-    const auto path = std::filesystem::path(folder == nullptr ? "/usr/share/zoneinfo" : folder) / zone;
-    std::error_code ignored;
-    if (!std::filesystem::is_regular_file(path, ignored)) {
-        return false;
-    }
-    char magic[4] = {};
-    std::ifstream(path, std::ios::binary).read(magic, sizeof magic);
-    return std::string(magic, sizeof magic) == "TZif";
-}
-
 std::optional<std::int64_t> ParseSeconds(const std::string& text)
 {
     std::int64_t seconds = 0;
@@ -166,23 +149,16 @@ std::optional<std::tm> ParseDate(const std::string& text)
     date.tm_hour = NumberAt(text, 11, 2);
     date.tm_min = NumberAt(text, 14, 2);
     date.tm_sec = NumberAt(text, 17, 2);
-    date.tm_isdst = -1;
     return IsInCalendar(date) ? std::optional(date) : std::nullopt;
 }
 
-long OffsetAt(std::time_t seconds)
-{
-    std::tm date = {};
-    return localtime_r(&seconds, &date) == nullptr ? 0 : date.tm_gmtoff;
-}
-
-// The first and the last moment at which clocks show `text`: two where they are turned back. Which of the two mktime
-// finds depends on what it was asked before.
+// The first and the last moment at which clocks show `text`: two where they are turned back. Which of the two the
+// system finds may depend on what it was asked before.
 std::optional<std::pair<std::int64_t, std::int64_t>> MomentsOf(const std::string& text)
 {
     constexpr std::int64_t A_DAY = 86400;
-    auto date = ParseDate(text);
-    const std::int64_t found = date ? std::mktime(&*date) : 0;
+    const auto date = ParseDate(text);
+    const std::int64_t found = date ? MomentOf(*date) : 0;
     // A time in an hour that the clocks skip is formatted as another one.
     if (!date || FormatMoment(found) != text) {
         return std::nullopt;
@@ -204,7 +180,7 @@ std::string MinuteText(const std::string& day, int minute, const char* seconds)
 
 bool IsTimeZone(const std::string& zone)
 {
-    return zone == "UTC" || zone == "GMT" || IsZoneFile(zone) || IsZoneRule(zone);
+    return zone == "UTC" || zone == "GMT" || HasZone(zone) || (IsZoneRule(zone) && FollowsRule(zone));
 }
 
 bool IsMomentText(const std::string& text)
@@ -214,25 +190,9 @@ bool IsMomentText(const std::string& text)
 
 std::string ZoneOfThisMachine()
 {
-    constexpr char LOCAL[] = "/etc/localtime";
-    if (const char* zone = std::getenv("TZ")) {
-        const std::string name = *zone == ':' ? zone + 1 : zone;
-        return IsTimeZone(name) ? name : "UTC0";
-    }
-    std::error_code error;
-    const std::string path = std::filesystem::canonical(LOCAL, error).string();
-    constexpr std::string_view FOLDER = "/zoneinfo/";
-    const auto folder = path.find(FOLDER);
-    if (folder != std::string::npos && IsTimeZone(path.substr(folder + FOLDER.size()))) {
-        return path.substr(folder + FOLDER.size());
-    }
-    // If it is a copy instead of a link, its last line has the rule.
-    std::ifstream file(LOCAL, std::ios::binary);
-    std::string rule;
-    for (std::string line; std::getline(file, line);) {
-        rule = line;
-    }
-    return IsTimeZone(rule) ? rule : "UTC0";
+    const std::vector<std::string> zones = ZonesInForce();
+    const auto found = std::find_if(zones.begin(), zones.end(), IsTimeZone);
+    return found == zones.end() ? "UTC0" : *found;
 }
 
 std::optional<std::int64_t> ParseMoment(const std::string& text)
@@ -271,14 +231,13 @@ std::optional<std::int64_t> LastSecondOf(const std::string& day)
 
 std::optional<std::string> FormatMoment(std::int64_t seconds)
 {
-    const std::time_t time = seconds;
-    std::tm date = {};
-    if (localtime_r(&time, &date) == nullptr || date.tm_year < -1900 || date.tm_year > 9999 - 1900) {
+    const auto date = LocalTime(seconds);
+    if (!date || date->tm_year < -1900 || date->tm_year > 9999 - 1900) {
         return std::nullopt;
     }
     char text[64];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", date.tm_year + 1900, date.tm_mon + 1,
-        date.tm_mday, date.tm_hour, date.tm_min, date.tm_sec);
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", date->tm_year + 1900, date->tm_mon + 1,
+        date->tm_mday, date->tm_hour, date->tm_min, date->tm_sec);
     return text;
 }
 

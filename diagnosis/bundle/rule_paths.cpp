@@ -21,18 +21,18 @@ RuleSetSummary SummariseRuleSet(const Bundle& bundle)
 
 std::optional<std::string> Inside(const std::string& path)
 {
-    std::string normal = std::filesystem::path(path).lexically_normal().string();
+    std::string normal = std::filesystem::path(path).lexically_normal().generic_string();
     while (normal.size() > 1 && normal.back() == '/') {
         normal.pop_back();
     }
-    const bool isOutside = normal.empty() || normal.front() == '/' || normal == ".." || normal.rfind("../", 0) == 0;
+    const bool isOutside = normal.empty() || std::filesystem::path(normal).has_root_path() || normal == ".." || normal.rfind("../", 0) == 0;
     return isOutside ? std::nullopt : std::optional(normal);
 }
 
 std::string NameOnDevice(const std::string& root, const std::string& path)
 {
     const bool isAbsolute = !path.empty() && path.front() == '/';
-    return isAbsolute ? root + std::filesystem::path(path).lexically_normal().string() : path;
+    return isAbsolute ? root + std::filesystem::path(path).lexically_normal().generic_string() : path;
 }
 
 } // namespace diagnosis

@@ -40,7 +40,7 @@ class Capture {
 public:
     Capture(const BundleSession& session, const CaptureOptions& options, const std::string& folder)
         : mSession(session), mOptions(options), mOwn(session.GetBundle()),
-          mAside(fs::path(folder).parent_path().string()), mFiles(folder, ZipLimits{}, {mAside, session.ScratchPath()}),
+          mAside(fs::path(folder).parent_path().generic_string()), mFiles(folder, ZipLimits{}, {mAside, session.ScratchPath()}),
           mRedaction(options.redaction.get(), mFiles)
     {
     }
@@ -118,7 +118,7 @@ private:
         settings[Settings::DEVICE_ROOT_DIR] = InsideOr(root, "device");
     }
 
-    std::string InBundle(const std::string& path) const { return (fs::path(mSession.GetFolder()) / path).string(); }
+    std::string InBundle(const std::string& path) const { return (fs::path(mSession.GetFolder()) / path).generic_string(); }
 
     // SourceOf is where the device has a rule's path; RootOf is the folder that its links must not leave, empty for
     // this machine.
@@ -130,7 +130,7 @@ private:
     {
         const std::string& root = OwnSetting(Settings::DEVICE_ROOT_DIR);
         std::error_code error;
-        return root.empty() ? "" : fs::canonical(InBundle(path.front() == '/' ? root : ""), error).string();
+        return root.empty() ? "" : fs::canonical(InBundle(path.front() == '/' ? root : ""), error).generic_string();
     }
 
     Problem AddRules()
@@ -209,7 +209,7 @@ private:
         if (!mRedaction.TouchesLog()) {
             return AddPlainLog(source, target);
         }
-        const std::string plain = (fs::path(mAside) / "plain_log.db").string();
+        const std::string plain = (fs::path(mAside) / "plain_log.db").generic_string();
         auto failure = AddPlainLog(source, plain);
         failure = failure ? failure : mRedaction.WriteLog(plain, target);
         if (failure && failure->message.rfind(plain, 0) == 0) {
@@ -283,7 +283,7 @@ Target MakeTarget(const std::string& given)
     std::error_code error;
     fs::path place = fs::absolute(given, error).lexically_normal();
     place = place.has_filename() ? place : place.parent_path(); // "folder/"
-    return {given, place.string(), strcasecmp(place.extension().c_str(), ".zip") == 0};
+    return {given, place.generic_string(), strcasecmp(place.extension().string().c_str(), ".zip") == 0};
 }
 
 Failure NotPacked(const Target& target, const std::string& reason)
@@ -322,7 +322,7 @@ Problem MakeStage(Scratch& scratch, const BundlePath& bundle, const Target& targ
         return NotPacked(target, "exists already");
     }
     // Beside the target, so that it can be moved there in one step.
-    const auto reason = scratch.MakeIn(fs::path(target.place).parent_path().string());
+    const auto reason = scratch.MakeIn(fs::path(target.place).parent_path().generic_string());
     return reason ? std::optional(NotPacked(target, "can't be written: " + *reason)) : std::nullopt;
 }
 

@@ -25,7 +25,7 @@ constexpr int MOST_FOLDERS = 60;
 bool LeadsUp(const std::string& real, const fs::path& below)
 {
     std::error_code error;
-    const std::string here = fs::canonical(below, error).string() + "/";
+    const std::string here = fs::canonical(below, error).generic_string() + "/";
     return here.compare(0, real.size() + 1, real + "/") == 0;
 }
 
@@ -33,9 +33,9 @@ bool LeadsUp(const std::string& real, const fs::path& below)
 std::string Target(const fs::path& link, const std::string& root)
 {
     std::error_code error;
-    const std::string inRoot = root.empty() ? link.string()
-                                            : PathOnDevice(root, "/" + link.lexically_relative(root).string());
-    return fs::canonical(inRoot, error).string();
+    const std::string inRoot = root.empty() ? link.generic_string()
+                                            : PathOnDevice(root, "/" + link.lexically_relative(root).generic_string());
+    return fs::canonical(inRoot, error).generic_string();
 }
 
 bool IsOneOf(const std::vector<std::string>& folders, const fs::path& folder)
@@ -75,7 +75,7 @@ private:
     void Walk(const fs::path& folder, const std::string& name, int depth)
     {
         if (depth > MOST_FOLDERS) {
-            mLeftOut.push_back(folder.string() + ": lies too deep, and what it holds is left out");
+            mLeftOut.push_back(folder.generic_string() + ": lies too deep, and what it holds is left out");
             return;
         }
         std::error_code error;
@@ -84,7 +84,7 @@ private:
             Look(*entry, folder, name, depth);
         }
         if (error) {
-            mLeftOut.push_back(folder.string() + ": can't be read to its end, and the rest is left out");
+            mLeftOut.push_back(folder.generic_string() + ": can't be read to its end, and the rest is left out");
         }
     }
 
@@ -94,11 +94,11 @@ private:
         const bool isLink = entry.is_symlink(ignored);
         const fs::path source = isLink ? fs::path(Target(entry.path(), mRoot)) : entry.path();
         const bool isFolder = fs::is_directory(source, ignored);
-        const bool isLeftOut = isFolder && ((isLink && LeadsUp(source.string(), folder)) || IsOneOf(mOwn, source));
+        const bool isLeftOut = isFolder && ((isLink && LeadsUp(source.generic_string(), folder)) || IsOneOf(mOwn, source));
         if (isLeftOut || (!isFolder && !fs::is_regular_file(source, ignored))) {
             return;
         }
-        const std::string below = name + "/" + entry.path().filename().string();
+        const std::string below = name + "/" + entry.path().filename().generic_string();
         mFound.push_back({source, below, isFolder});
         if (isFolder) {
             Walk(source, below, depth + 1);
@@ -119,7 +119,7 @@ std::string CapturedFiles::Path(const std::string& name) const
     const fs::path path = (fs::path(mFolder) / name).lexically_normal();
     std::error_code ignored;
     fs::create_directories(path.parent_path(), ignored);
-    return path.string();
+    return path.generic_string();
 }
 
 std::optional<Failure> CapturedFiles::AddFile(const std::string& source, const std::string& name)
@@ -148,7 +148,7 @@ std::optional<Failure> CapturedFiles::AddFolder(
     for (const Found& found : all) {
         if (found.isFolder) {
             fs::create_directories(Path(found.name), error);
-        } else if (auto failure = Take(found.source.string(), found.name, std::numeric_limits<std::uint64_t>::max())) {
+        } else if (auto failure = Take(found.source.generic_string(), found.name, std::numeric_limits<std::uint64_t>::max())) {
             return failure;
         }
     }

@@ -71,7 +71,7 @@ Problem WriteDatabase(const std::string& file, const CaseDatabase& given, const 
     std::error_code error;
     fs::create_directories(path.parent_path(), error);
     Connection database;
-    bool isWritten = database.Open(path.string(), Connection::Mode::CREATE)
+    bool isWritten = database.Open(path.generic_string(), Connection::Mode::CREATE)
         && database.Execute("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; BEGIN");
     for (const CaseTable& table : given.tables) {
         isWritten = isWritten && AddTable(database, table);
@@ -118,7 +118,7 @@ Problem WriteDatabases(
         if (!archive.empty()) {
             std::error_code error;
             fs::create_directories((fs::path(folder) / archive).parent_path(), error);
-            auto failure = PackZip(work, (fs::path(folder) / archive).string(), archive);
+            auto failure = PackZip(work, (fs::path(folder) / archive).generic_string(), archive);
             RemoveTree(work.c_str());
             if (failure) {
                 return failure;

@@ -39,7 +39,7 @@ std::size_t SharedMembers(const Json::Value& object)
 
 std::string NameOfFile(const std::string& path)
 {
-    const std::string name = fs::path(path).filename().string();
+    const std::string name = fs::path(path).filename().generic_string();
     return name.ends_with(CASE_FILE_END) ? name.substr(0, name.size() - std::string_view(CASE_FILE_END).size()) : name;
 }
 

@@ -56,7 +56,7 @@ private:
         mReader.Text("rules", folder);
         std::error_code error;
         const fs::path own = fs::absolute(mCase.file, error).parent_path();
-        mCase.bundle.ruleFileDir = (own / folder / ".").lexically_normal().parent_path().string();
+        mCase.bundle.ruleFileDir = (own / folder / ".").lexically_normal().parent_path().generic_string();
         mReader.Text("prefix", mCase.bundle.ruleFilePrefix);
         mReader.Text("tag", mCase.bundle.treeTag);
     }

@@ -31,7 +31,7 @@ Problem WriteFile(const fs::path& path, const std::string& content)
     fs::create_directories(path.parent_path(), error);
     std::ofstream file(path, std::ios::binary);
     file << content;
-    return file.flush() ? std::nullopt : NotWritten(path.string(), "can't be written");
+    return file.flush() ? std::nullopt : NotWritten(path.generic_string(), "can't be written");
 }
 
 Problem WriteLog(const std::vector<LoggedEvent>& events, const std::string& path)

@@ -155,13 +155,13 @@ Problem RecordedDatabases::AddFolder(const std::string& folder, const std::strin
         std::error_code ignored;
         const bool isLink = entry->is_symlink(ignored) && !root.empty();
         const std::string target =
-            isLink ? PathOnDevice(root, "/" + path.lexically_relative(root).string()) : path.string();
+            isLink ? PathOnDevice(root, "/" + path.lexically_relative(root).generic_string()) : path.generic_string();
         if (fs::is_regular_file(target, ignored)) {
-            files[path.lexically_relative(real).string()] = target;
+            files[path.lexically_relative(real).generic_string()] = target;
         }
     }
     for (const auto& [file, target] : files) {
-        if (auto failure = AddFile(target, (fs::path(name) / file).string())) {
+        if (auto failure = AddFile(target, (fs::path(name) / file).generic_string())) {
             return failure;
         }
     }
@@ -173,7 +173,7 @@ Problem RecordedDatabases::AddFile(const std::string& file, const std::string& n
     if (IsZip(file)) {
         return AddArchive(file, name);
     }
-    return mNames.count(fs::path(name).filename().string()) != 0 ? AddDatabase(file, name) : std::nullopt;
+    return mNames.count(fs::path(name).filename().generic_string()) != 0 ? AddDatabase(file, name) : std::nullopt;
 }
 
 Problem RecordedDatabases::AddArchive(const std::string& file, const std::string& name)

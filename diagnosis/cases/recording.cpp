@@ -50,7 +50,7 @@ bool IsPlainText(std::string_view text)
 std::string NameOf(const std::string& bundle)
 {
     const fs::path path = (fs::path(bundle) / ".").lexically_normal().parent_path();
-    return path.filename().empty() ? bundle : path.filename().string();
+    return path.filename().empty() ? bundle : path.filename().generic_string();
 }
 
 // Calls `visit` for each rule that a detection ran.
@@ -122,14 +122,14 @@ private:
         return setting == mBundle.settings.end() ? "" : setting->second;
     }
 
-    std::string InBundle(const std::string& path) const { return (fs::path(mSession.GetFolder()) / path).string(); }
+    std::string InBundle(const std::string& path) const { return (fs::path(mSession.GetFolder()) / path).generic_string(); }
 
     void AddRuleSet()
     {
         std::error_code error;
         const fs::path folder = fs::absolute(mOptions.target, error).parent_path();
         const fs::path rules = fs::path(InBundle(mBundle.ruleFileDir)).lexically_normal();
-        mText.AddText("rules", rules.lexically_proximate(fs::weakly_canonical(folder, error)).string());
+        mText.AddText("rules", rules.lexically_proximate(fs::weakly_canonical(folder, error)).generic_string());
         if (!mBundle.ruleFilePrefix.empty()) {
             mText.AddText("prefix", mBundle.ruleFilePrefix);
         }
@@ -217,7 +217,7 @@ private:
             const auto* const command = std::get_if<Evidence::Command>(&rule.part);
             if (command != nullptr && command->hits) {
                 for (const Evidence::Statement& statement : command->statements) {
-                    names.insert(fs::path(statement.database).filename().string());
+                    names.insert(fs::path(statement.database).filename().generic_string());
                 }
             }
         });
@@ -228,7 +228,7 @@ private:
                 break; // no rule asked: what lies there may be anything
             }
             std::error_code error;
-            const std::string bounds = fs::canonical(InBundle(folder.starts_with('/') ? root : ""), error).string();
+            const std::string bounds = fs::canonical(InBundle(folder.starts_with('/') ? root : ""), error).generic_string();
             const std::string source = InBundle(PathOnDevice(root, folder));
             if (auto failure = databases.AddFolder(source, folder, root.empty() ? "" : bounds)) {
                 return failure;
@@ -322,7 +322,7 @@ Recording RecordCase(const BundlePath& bundle, const RecordOptions& options)
     RecordOptions own = options;
     own.target = options.target.empty() ? std::string("recorded") + CASE_FILE_END : options.target;
     std::error_code error;
-    own.target = fs::absolute(own.target, error).string();
+    own.target = fs::absolute(own.target, error).generic_string();
     if (!recording.failure) {
         BundleSession session;
         recording.failure = session.Enter(bundle, options.overrides);

@@ -9,7 +9,7 @@ namespace diagnosis::cases {
 std::string RuleSets::ShownFolder(const std::string& folder)
 {
     std::error_code error;
-    const std::string near = std::filesystem::proximate(folder, error).string();
+    const std::string near = std::filesystem::proximate(folder, error).generic_string();
     return near.empty() || near == "." || near.rfind("..", 0) == 0 ? folder : near;
 }
 

@@ -20,8 +20,8 @@ std::vector<std::string> CaseFilesBelow(const std::string& folder)
     const auto options = fs::directory_options::skip_permission_denied;
     for (fs::recursive_directory_iterator entry(folder, options, error), end; !error && entry != end;
          entry.increment(error)) {
-        if (entry->path().string().ends_with(CASE_FILE_END) && entry->is_regular_file(error)) {
-            files.push_back(entry->path().string());
+        if (entry->path().generic_string().ends_with(CASE_FILE_END) && entry->is_regular_file(error)) {
+            files.push_back(entry->path().generic_string());
         }
     }
     std::sort(files.begin(), files.end());
@@ -43,7 +43,7 @@ std::vector<fs::directory_entry> EntriesOf(const fs::path& folder, std::size_t m
 
 bool IsHidden(const fs::path& path)
 {
-    return path.filename().string().starts_with('.');
+    return path.filename().generic_string().starts_with('.');
 }
 
 /// Runs the cases of one path after the other.
@@ -80,7 +80,7 @@ private:
     void RunFile(const std::string& path)
     {
         std::error_code error;
-        if (!mSeen.insert(fs::weakly_canonical(path, error).string()).second) {
+        if (!mSeen.insert(fs::weakly_canonical(path, error).generic_string()).second) {
             return;
         }
         const CaseFile file = ReadCaseFile(path);
@@ -158,7 +158,7 @@ NearbyCases FindCasesNear(const std::string& folder, std::size_t most)
     std::error_code error;
     NearbyCases near;
     const fs::path start = fs::canonical(folder, error).parent_path();
-    near.folder = start.string();
+    near.folder = start.generic_string();
     std::deque<fs::path> open(error ? 0 : 1, start);
     for (std::size_t left = most; near.isComplete && !open.empty(); open.pop_front()) {
         const auto entries = EntriesOf(open.front(), left + 1);
@@ -167,8 +167,8 @@ NearbyCases FindCasesNear(const std::string& folder, std::size_t most)
         for (const fs::directory_entry& entry : entries) {
             if (entry.is_directory(error) && !entry.is_symlink(error) && !IsHidden(entry.path())) {
                 open.push_back(entry.path());
-            } else if (entry.path().string().ends_with(CASE_FILE_END) && entry.is_regular_file(error)) {
-                near.files.push_back(entry.path().string());
+            } else if (entry.path().generic_string().ends_with(CASE_FILE_END) && entry.is_regular_file(error)) {
+                near.files.push_back(entry.path().generic_string());
             }
         }
     }
@@ -182,7 +182,7 @@ std::optional<std::string> FirstOtherAnswer(
     options.onlyRules = folder;
     const TestRun before = RunTests(paths, options);
     std::error_code error;
-    options.rules = fs::absolute(changed, error).lexically_normal().string();
+    options.rules = fs::absolute(changed, error).lexically_normal().generic_string();
     const TestRun after = RunTests(paths, options);
     for (std::size_t i = 0; i < std::min(before.cases.size(), after.cases.size()); ++i) {
         if (!IsSameEnd(before.cases[i], after.cases[i])) {

@@ -20,6 +20,7 @@
 #endif
 
 #include "diagnosis/process/interruption.h"
+#include "diagnosis/process/process_group.h"
 #include "diagnosis/process/signals.h"
 
 namespace diagnosis {
@@ -162,7 +163,7 @@ ProgramOutcome WaitFor(pid_t child, const ChildSignal& signal, std::chrono::mill
     int status = 0;
     while (waitpid(child, &status, WNOHANG) == 0) {
         if (Clock::now() >= end) {
-            kill(-child, SIGKILL);
+            KillGroup(child);
             waitpid(child, &status, 0);
             return Trouble("ran longer than " + InSeconds(timeout) + " and was killed");
         }
@@ -200,11 +201,11 @@ std::string FindProgram(const std::string& name)
         for (std::string folder; std::getline(folders, folder, ':');) {
             const fs::path candidate = fs::absolute(fs::path(folder.empty() ? "." : folder) / name, error);
             if (access(candidate.c_str(), X_OK) == 0 && fs::is_regular_file(candidate, error)) {
-                return candidate.string();
+                return candidate.generic_string();
             }
         }
     }
-    return fs::absolute(name, error).string();
+    return fs::absolute(name, error).generic_string();
 }
 
 std::optional<std::string> ProgramProblem(const std::string& path)

@@ -188,7 +188,7 @@ void DetectionWarnings::OnRule(const Evidence::Rule& rule)
 
 void DetectionWarnings::OnStatement(const Evidence::Statement& statement, const std::string& ruleName)
 {
-    const std::string database = fs::path(statement.database).filename().string();
+    const std::string database = fs::path(statement.database).filename().generic_string();
     if (!statement.opened) {
         mList.Add(WarningCode::DATABASE_UNAVAILABLE,
             (database.empty() ? "the derived database" : "the database " + Quoted(database)) + " can't be opened");

@@ -23,7 +23,7 @@ std::vector<std::string> PrefixesIn(const std::string& folder)
     std::vector<std::string> prefixes;
     std::error_code error;
     for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-        const std::string name = entry->path().filename().string();
+        const std::string name = entry->path().filename().generic_string();
         if (name == TREE_FILE) {
             prefixes.emplace_back();
         } else if (name.ends_with("_" + std::string(TREE_FILE))) {

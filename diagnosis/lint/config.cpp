@@ -96,10 +96,10 @@ std::optional<Config> ReadConfig(const std::string& path, std::string& problem)
         return std::nullopt;
     }
     const std::filesystem::path folder = std::filesystem::path(path).parent_path();
-    config.baseline = config.baseline.empty() ? "" : (folder / config.baseline).string();
+    config.baseline = config.baseline.empty() ? "" : (folder / config.baseline).generic_string();
     for (auto* files : {&config.devices, &config.tests}) {
         for (std::string& file : *files) {
-            file = (folder / file).string();
+            file = (folder / file).generic_string();
         }
     }
     return config;

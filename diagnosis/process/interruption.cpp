@@ -10,6 +10,7 @@
 
 #include "arborist/frame/arborist.h"
 #include "arborist/frame/log_sweep.h"
+#include "diagnosis/process/process_group.h"
 #include "diagnosis/process/signals.h"
 #include "diagnosis/process/tree_removal.h"
 
@@ -37,13 +38,11 @@ static_assert(std::atomic<void*>::is_always_lock_free);
 void (*volatile requestStop)(void* target) = nullptr;
 volatile std::sig_atomic_t hasStopped = 0;
 
-constexpr int HANDLER_FLAGS = static_cast<int>(SA_RESETHAND | SA_NODEFER);
-
 void CleanUp(bool groups)
 {
     for (const Slot& slot : slots) {
         if (slot.owner == getpid() && (slot.group != 0) == groups) {
-            groups ? static_cast<void>(kill(-slot.group, SIGKILL)) : RemoveTree(slot.folder);
+            groups ? KillGroup(slot.group) : RemoveTree(slot.folder);
         }
     }
 }
@@ -55,10 +54,7 @@ bool StopDetection(void (*handler)(int))
     if (target == nullptr) {
         return false;
     }
-    struct sigaction action = {};
-    action.sa_handler = handler;
-    action.sa_flags = HANDLER_FLAGS;
-    sigaction(SIGINT, &action, nullptr);
+    HandleOnce(SIGINT, handler);
     hasStopped = 1;
     requestStop(target);
     return true;
@@ -80,7 +76,7 @@ void ListenToSignals()
     listening.emplace();
     for (const int number : ENDING_SIGNALS) {
         if (CurrentHandler(number) == SIG_DFL) {
-            listening->Handle(number, TidyUpAndEnd, HANDLER_FLAGS);
+            listening->HandleOnce(number, TidyUpAndEnd);
         }
     }
 }

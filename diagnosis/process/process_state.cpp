@@ -1,26 +1,16 @@
 #include "diagnosis/process/process_state.h"
 
 #include <cstdlib>
-#include <ctime>
 #include <filesystem>
 
 #include "arborist/frame/settings.h"
+#include "diagnosis/process/environment.h"
 
 namespace diagnosis {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-void SetZone(const std::optional<std::string>& zone)
-{
-    if (zone) {
-        setenv("TZ", zone->c_str(), 1);
-    } else {
-        unsetenv("TZ");
-    }
-    tzset();
-}
 
 void EmptySettings()
 {
@@ -37,21 +27,21 @@ TimeZoneGuard::TimeZoneGuard(const std::string& zone) : mIsChanged(!zone.empty()
         if (const char* before = std::getenv("TZ")) {
             mBefore = before;
         }
-        SetZone(zone);
+        SetZoneVariable(zone);
     }
 }
 
 TimeZoneGuard::~TimeZoneGuard()
 {
     if (mIsChanged) {
-        SetZone(mBefore);
+        mBefore ? SetZoneVariable(*mBefore) : RemoveZoneVariable();
     }
 }
 
 std::error_code WorkingDirectory::Enter(const std::string& folder)
 {
     std::error_code error;
-    const std::string before = fs::current_path(error).string();
+    const std::string before = fs::current_path(error).generic_string();
     fs::current_path(folder, error);
     if (!error) {
         mBefore = before;
@@ -82,7 +72,7 @@ SettingsInForce::~SettingsInForce()
 
 void KeepTemporaryFilesIn(const std::string& folder)
 {
-    setenv("TMPDIR", folder.c_str(), 1);
+    SetVariable("TMPDIR", folder);
 }
 
 } // namespace diagnosis

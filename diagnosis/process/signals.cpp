@@ -2,18 +2,42 @@
 
 namespace diagnosis {
 
+namespace {
+
+constexpr int ONCE = static_cast<int>(SA_RESETHAND | SA_NODEFER);
+
+SignalAction ActionOf(SignalHandler handler, int flags)
+{
+    SignalAction action = {};
+    action.sa_handler = handler;
+    action.sa_flags = flags;
+    return action;
+}
+
+} // namespace
+
 SignalHandler CurrentHandler(int signal)
 {
-    struct sigaction action = {};
+    SignalAction action = {};
     sigaction(signal, nullptr, &action);
     return action.sa_handler;
 }
 
-void SignalActions::Handle(int signal, SignalHandler handler, int flags)
+void HandleOnce(int signal, SignalHandler handler)
 {
-    struct sigaction action = {};
-    action.sa_handler = handler;
-    action.sa_flags = flags;
+    const SignalAction action = ActionOf(handler, ONCE);
+    sigaction(signal, &action, nullptr);
+}
+
+void SignalActions::Handle(int signal, SignalHandler handler)
+{
+    const SignalAction action = ActionOf(handler, 0);
+    sigaction(signal, &action, &mReplaced.emplace_back(Replaced{signal, handler, action}).before);
+}
+
+void SignalActions::HandleOnce(int signal, SignalHandler handler)
+{
+    const SignalAction action = ActionOf(handler, ONCE);
     sigaction(signal, &action, &mReplaced.emplace_back(Replaced{signal, handler, action}).before);
 }
 

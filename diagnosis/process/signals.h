@@ -8,13 +8,31 @@
 
 namespace diagnosis {
 
+using SignalHandler = void (*)(int);
+
+#ifdef _WIN32
+/// Ctrl-C, the end of the program by `raise`, and Ctrl-Break. Each is handled once, in a thread of the system's own, and
+/// none can be blocked.
+inline constexpr std::initializer_list<int> ENDING_SIGNALS = {SIGINT, SIGTERM, SIGBREAK};
+inline constexpr std::initializer_list<int> SIGNALS_FROM_OUTSIDE = ENDING_SIGNALS;
+inline constexpr int CLOSED_PIPE = -1; // writing fails, and that is all
+using SignalAction = SignalHandler;
+using SignalMask = int;
+#else
 /// The signals by which a user, a system shutdown or a closed output pipe end a process.
 inline constexpr std::initializer_list<int> ENDING_SIGNALS = {SIGHUP, SIGINT, SIGPIPE, SIGTERM};
-
-using SignalHandler = void (*)(int);
+/// Those of them that the process doesn't raise itself, and the other one.
+inline constexpr std::initializer_list<int> SIGNALS_FROM_OUTSIDE = {SIGHUP, SIGINT, SIGTERM};
+inline constexpr int CLOSED_PIPE = SIGPIPE;
+using SignalAction = struct sigaction;
+using SignalMask = sigset_t;
+#endif
 
 /// How a signal is handled now.
 SignalHandler CurrentHandler(int signal);
+
+/// Lets `handler` take the next signal of this kind and no further one. May be called in a signal handler.
+void HandleOnce(int signal, SignalHandler handler);
 
 /// Replaces handlers of signals as long as it exists and restores the old ones at the end, where they are still its own: a
 /// host may have set others meanwhile.
@@ -25,14 +43,15 @@ public:
     SignalActions(const SignalActions&) = delete;
     SignalActions& operator=(const SignalActions&) = delete;
 
-    /// `flags` are those of sigaction.
-    void Handle(int signal, SignalHandler handler, int flags = 0);
+    void Handle(int signal, SignalHandler handler);
+    /// The same for one signal of this kind, after which the default is restored.
+    void HandleOnce(int signal, SignalHandler handler);
 
 private:
     struct Replaced {
         int signal;
         SignalHandler handler;
-        struct sigaction before;
+        SignalAction before;
     };
     std::vector<Replaced> mReplaced;
 };
@@ -48,10 +67,10 @@ public:
     /// Restores the previous signal mask early, for a forked process. May be called in a signal handler.
     void LetIn() const;
     /// The signal mask that was in force before.
-    const sigset_t& MaskBefore() const { return mMaskBefore; }
+    const SignalMask& MaskBefore() const { return mMaskBefore; }
 
 private:
-    sigset_t mMaskBefore = {};
+    SignalMask mMaskBefore = {};
 };
 
 } // namespace diagnosis

@@ -21,7 +21,7 @@ constexpr std::size_t MOST_KNOWN = 4096;
 std::string QuotedName(const std::string& bundle)
 {
     const std::filesystem::path path = std::filesystem::path(bundle + "/.").lexically_normal().parent_path().filename();
-    return path.empty() ? bundle : path.string();
+    return path.empty() ? bundle : path.generic_string();
 }
 
 std::uint64_t CountDetails(const ResultTree& tree)

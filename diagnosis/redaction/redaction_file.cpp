@@ -100,7 +100,7 @@ private:
     void ReadKeyFile(const std::string& name)
     {
         std::string problem;
-        const std::string path = (std::filesystem::path(mPath).parent_path() / name).string();
+        const std::string path = (std::filesystem::path(mPath).parent_path() / name).generic_string();
         if (const auto key = ReadHashKey(path, problem)) {
             mRedaction.key = *key;
         } else {

@@ -125,7 +125,7 @@ void AppendStatement(
         : !statement.error.empty()                   ? "failed: " + Cut(statement.error, LONGEST_SQL)
                                                  : Number(statement.rows, "row", "rows");
     if (!statement.sql.empty()) {
-        const std::string file = fs::path(statement.database).filename().string();
+        const std::string file = fs::path(statement.database).filename().generic_string();
         lines.push_back((file.empty() ? "derived database" : Printable(file)) + ": " + outcome + InParentheses(reason));
         lines.push_back("  " + SqlText(statement.sql));
     }

@@ -44,7 +44,7 @@ std::optional<Failure> Write(const std::string& folder, const StartFile& file)
     fs::create_directories(path.parent_path(), error);
     std::ofstream stream(path, std::ios::binary);
     stream << file.content;
-    return stream.flush() ? std::nullopt : std::optional(NotWritten(path.string(), "can't be written"));
+    return stream.flush() ? std::nullopt : std::optional(NotWritten(path.generic_string(), "can't be written"));
 }
 
 std::optional<Failure> WriteLog(const std::string& folder)

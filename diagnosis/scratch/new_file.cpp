@@ -1,8 +1,5 @@
 #include "diagnosis/scratch/new_file.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 
@@ -46,7 +43,7 @@ std::optional<std::string> NewFile::Make(const std::string& path)
         return "is no plain file";
     }
     const fs::path folder = fs::path(path).parent_path();
-    if (const auto reason = mFolder.MakeIn(folder.empty() ? "." : folder.string())) {
+    if (const auto reason = mFolder.MakeIn(folder.empty() ? "." : folder.generic_string())) {
         return "can't be written: " + *reason;
     }
     mPath = path;
@@ -62,8 +59,10 @@ std::optional<std::string> NewFile::MakeWithFolders(const std::string& path)
 
 std::optional<std::string> NewFile::PutInPlace()
 {
-    if (std::rename(TemporaryPath().c_str(), mPath.c_str()) != 0) {
-        return std::string("can't be put in place: ") + std::strerror(errno);
+    std::error_code error;
+    fs::rename(TemporaryPath(), mPath, error);
+    if (error) {
+        return "can't be put in place: " + error.message();
     }
     mFoldersAbove.Keep();
     return std::nullopt;

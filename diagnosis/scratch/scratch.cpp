@@ -1,18 +1,16 @@
 #include "diagnosis/scratch/scratch.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
+#include <cctype>
 #include <filesystem>
 #include <random>
+#include <string_view>
 #include <utility>
 
-#include <unistd.h>
-
+#include "diagnosis/process/environment.h"
 #include "diagnosis/process/signals.h"
 #include "diagnosis/process/tree_removal.h"
+#include "diagnosis/scratch/private_folder.h"
 
 namespace diagnosis {
 
@@ -22,10 +20,9 @@ namespace {
 
 std::string TemporaryRoot()
 {
-    const char* given = std::getenv("TMPDIR");
     std::error_code error;
-    const fs::path root = fs::canonical(given == nullptr || *given == '\0' ? "/tmp" : given, error);
-    return error ? "" : root.string();
+    const fs::path root = fs::canonical(TemporaryFolder(), error);
+    return error ? "" : root.generic_string();
 }
 
 ReusedScratch* reused = nullptr;
@@ -35,7 +32,7 @@ std::string NewName(const std::string& path)
 {
     static constexpr char DIGITS[] = "0123456789abcdef";
     std::random_device random;
-    std::string name = fs::path(path).parent_path().string() + "/arborist-";
+    std::string name = fs::path(path).parent_path().generic_string() + "/arborist-";
     for (int digits = 0; digits < 12; ++digits) {
         name += DIGITS[random() % 16];
     }
@@ -48,7 +45,7 @@ bool RemoveAllBut(const std::vector<std::string>& kept, const std::string& root,
     std::error_code error;
     std::vector<std::string> names;
     for (fs::directory_iterator entry(root + "/" + folder, error), end; !error && entry != end; entry.increment(error)) {
-        names.push_back(folder + (folder.empty() ? "" : "/") + entry->path().filename().string());
+        names.push_back(folder + (folder.empty() ? "" : "/") + entry->path().filename().generic_string());
     }
     bool isEmptied = !error;
     for (const std::string& name : names) {
@@ -67,7 +64,9 @@ bool RemoveAllBut(const std::vector<std::string>& kept, const std::string& root,
 
 bool HoldsZip(const std::string& name)
 {
-    return strcasestr(name.c_str(), "zip") != nullptr;
+    constexpr std::string_view ZIP = "zip";
+    const auto isSame = [](unsigned char letter, char lower) { return std::tolower(letter) == lower; };
+    return std::search(name.begin(), name.end(), ZIP.begin(), ZIP.end(), isSame) != name.end();
 }
 
 } // namespace
@@ -86,10 +85,10 @@ std::optional<Failure> Scratch::Make()
 std::optional<std::string> Scratch::MakeIn(const std::string& folder)
 {
     for (;;) {
-        std::string path = folder + "/arborist-XXXXXX";
+        std::string path;
         const SignalsHeldBack heldBack;
-        if (folder.empty() || mkdtemp(path.data()) == nullptr) {
-            return std::strerror(folder.empty() ? ENOENT : errno);
+        if (const std::error_code error = MakePrivateFolder(folder, path)) {
+            return error.message();
         }
         // The library treats every file as an archive whose path contains these letters anywhere.
         if (!HoldsZip(path.substr(folder.size()))) {
@@ -97,7 +96,7 @@ std::optional<std::string> Scratch::MakeIn(const std::string& folder)
             mPath = path;
             return std::nullopt;
         }
-        rmdir(path.c_str());
+        RemoveTree(path.c_str());
     }
 }
 
@@ -114,14 +113,15 @@ bool Scratch::TakeKept()
 {
     const SignalsHeldBack heldBack;
     const std::string path = NewName(reused->mKept);
-    const bool isTaken = std::rename(reused->mKept.c_str(), path.c_str()) == 0;
-    if (isTaken) {
+    std::error_code error;
+    fs::rename(reused->mKept, path, error);
+    if (!error) {
         mInterruption.Remove(path);
         mPath = path;
         reused->mInterruption.Forget();
         reused->mKept.clear();
     }
-    return isTaken;
+    return !error;
 }
 
 Scratch::~Scratch()

@@ -17,7 +17,7 @@ std::string RealPath(const std::string& path)
 {
     std::error_code error;
     const fs::path real = fs::canonical(path, error);
-    return error ? path : real.string();
+    return error ? path : real.generic_string();
 }
 
 bool IsInWalMode(const std::string& path)

@@ -11,12 +11,10 @@
 #include <new>
 #include <optional>
 #include <sstream>
+#include <thread>
 #include <unordered_map>
 
-#include <poll.h>
-#include <sys/mman.h>
-#include <unistd.h>
-
+#include "diagnosis/process/shared_memory.h"
 #include "diagnosis/process/signals.h"
 #include "diagnosis/scratch/scratch.h"
 #include "tools/arborist/batch/processors.h"
@@ -49,7 +47,7 @@ public:
     const SignalsHeldBack& HeldBack() const { return mHeldBack; }
 
 private:
-    SignalsHeldBack mHeldBack{{SIGHUP, SIGINT, SIGTERM}};
+    SignalsHeldBack mHeldBack{SIGNALS_FROM_OUTSIDE};
     SignalActions mActions;
 };
 
@@ -58,13 +56,9 @@ class ProgramGroups {
 public:
     explicit ProgramGroups(std::size_t count) : mSize(count * sizeof(std::atomic<pid_t>))
     {
-        void* memory = mmap(nullptr, mSize, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-        if (memory == MAP_FAILED) {
-            throw std::bad_alloc();
-        }
-        mGroups = new (memory) std::atomic<pid_t>[count]();
+        mGroups = new (TakeSharedMemory(mSize)) std::atomic<pid_t>[count]();
     }
-    ~ProgramGroups() { munmap(mGroups, mSize); }
+    ~ProgramGroups() { GiveSharedMemoryBack(mGroups, mSize); }
     ProgramGroups(const ProgramGroups&) = delete;
     ProgramGroups& operator=(const ProgramGroups&) = delete;
 
@@ -251,10 +245,8 @@ private:
 
     void Wait()
     {
-        std::vector<pollfd> sockets;
         auto end = std::min(Clock::now() + std::chrono::hours(1), mProgress.DueAgain());
         for (const auto& worker : mWorkers) {
-            sockets.push_back({IsBusy(worker) ? worker->GetSocket() : -1, POLLIN, 0});
             end = IsBusy(worker) ? std::min(end, worker->GetDeadline()) : end;
         }
         // Where nobody is busy, a worker could not be started: the next bundle's turn has come.
@@ -262,13 +254,9 @@ private:
             || (HasMoreToKeep() && !std::all_of(mWorkers.begin(), mWorkers.end(), IsBusy));
         end = goesOn ? Clock::now() : end;
         const auto left = std::max(Clock::duration::zero(), end - Clock::now());
-        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
-        timespec time = {};
-        time.tv_sec = seconds.count();
-        time.tv_nsec = std::chrono::duration_cast<std::chrono::nanoseconds>(left - seconds).count();
-        const int ready = ppoll(sockets.data(), sockets.size(), &time, &mSetup.signals.MaskBefore());
+        const std::vector<bool> answers = WaitForAnswers(mWorkers, left, mSetup.signals);
         for (std::size_t i = 0; i < mWorkers.size(); ++i) {
-            if (ready > 0 && sockets[i].revents != 0) {
+            if (answers[i]) {
                 Receive(*mWorkers[i]);
             } else if (IsBusy(mWorkers[i]) && Clock::now() >= mWorkers[i]->GetDeadline()) {
                 mWorkers[i]->End();
@@ -342,7 +330,7 @@ private:
     void Conclude()
     {
         const std::sig_atomic_t signal = caughtSignal;
-        if (mCanPrint && signal != SIGPIPE) {
+        if (mCanPrint && signal != CLOSED_PIPE) {
             mProgress.Finish([this] { PrintKept(); });
             caughtSignal = signal;
         }
@@ -369,7 +357,7 @@ private:
     WorkerSetup mSetup;
     std::vector<bool> mIsKept;
     ProgramGroups mGroups;
-    std::vector<std::unique_ptr<Worker>> mWorkers;
+    Workers mWorkers;
     Progress mProgress;
     Clock::time_point mStart = Clock::now();
     std::size_t mNext = 0;
@@ -389,6 +377,22 @@ private:
 BundleOutcome OutcomeOf(const VerdictCounts& verdicts)
 {
     return verdicts[0] > 0 ? BundleOutcome::FAULT : verdicts[1] > 0 ? BundleOutcome::UNDECIDED : BundleOutcome::NO_FAULT;
+}
+
+std::size_t DefaultJobs()
+{
+    return HAS_WORKER_PROCESSES ? std::max(1U, std::thread::hardware_concurrency()) : 1;
+}
+
+std::optional<std::string> BatchProblem(const BatchOptions& options)
+{
+    if (!HAS_WORKER_PROCESSES && options.jobs > 1) {
+        return "--jobs: must be 1 on Windows, where the bundles of a batch run one after the other";
+    }
+    if (!HAS_WORKER_PROCESSES && options.timeout.count() > 0) {
+        return "--timeout: must be 0 on Windows, where no bundle can be given up; --time-limit ends a detection";
+    }
+    return std::nullopt;
 }
 
 ExitStatus RunBatch(const std::vector<BundlePath>& bundles, const BatchWork& work, const BatchOptions& options,

@@ -49,6 +49,16 @@ struct BatchWork {
     std::function<bool(const std::string& line)> print;
 };
 
+/// On Windows no process is forked: bundles run one after the other, in this process, which can't give one up.
+#ifdef _WIN32
+inline constexpr bool HAS_WORKER_PROCESSES = false;
+#else
+inline constexpr bool HAS_WORKER_PROCESSES = true;
+#endif
+/// The seconds for a bundle, and the number of worker processes, unless others are given.
+inline constexpr double DEFAULT_TIMEOUT = HAS_WORKER_PROCESSES ? 300 : 0;
+std::size_t DefaultJobs();
+
 struct BatchOptions {
     /// Worker processes, at least one.
     std::size_t jobs = 1;
@@ -61,6 +71,9 @@ struct BatchOptions {
     /// Bundles that could not be diagnosed, or not with all that was asked for, don't count for the status.
     bool forgivesBundles = false;
 };
+
+/// Why no batch can be run so: options that need worker processes where there are none.
+std::optional<std::string> BatchProblem(const BatchOptions& options);
 
 /// Runs all bundles in worker processes and prints exactly one line for each: a worker that crashes or exceeds the time
 /// limit costs only its own bundle and is replaced. Shows its Progress on standard error. Returns the most serious

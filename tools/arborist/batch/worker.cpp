@@ -9,6 +9,7 @@
 #include <filesystem>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -18,27 +19,17 @@
 
 #include "diagnosis/bundle/bundle_overlay.h"
 #include "diagnosis/detection/code_program.h"
+#include "diagnosis/process/process_group.h"
 #include "diagnosis/process/process_state.h"
 #include "diagnosis/scratch/scratch.h"
 #include "tools/arborist/batch/processors.h"
+#include "tools/arborist/batch/worker_answer.h"
 
 namespace diagnosis::command {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-/// Precedes each answer on the socket.
-struct AnswerHead {
-    std::int32_t status;
-    std::uint32_t outcome;
-    std::uint32_t isWorthARetry;
-    VerdictCounts verdicts;
-    std::uint32_t codeLength;
-    std::uint32_t lineLength;
-
-    std::size_t Length() const { return std::size_t{codeLength} + lineLength; }
-};
 
 bool ReadAll(int socket, void* target, std::size_t size)
 {
@@ -64,14 +55,6 @@ bool WriteAll(int socket, const std::string& bytes)
         written += static_cast<std::size_t>(std::max<ssize_t>(length, 0));
     }
     return true;
-}
-
-std::string Packed(const BundleAnswer& answer)
-{
-    const AnswerHead head{static_cast<std::int32_t>(answer.status), static_cast<std::uint32_t>(answer.outcome),
-        answer.isWorthARetry ? 1U : 0U, answer.verdicts, static_cast<std::uint32_t>(answer.code.size()),
-        static_cast<std::uint32_t>(answer.line.size())};
-    return std::string(reinterpret_cast<const char*>(&head), sizeof head) + answer.code + answer.line;
 }
 
 // Gives the forked process its own group, signals and temporary folder, and detaches it from the standard input and
@@ -157,7 +140,7 @@ void Worker::Serve(int socket, const std::vector<int>& others) const
     const ReusedScratch reused(FoldersOfOverlay()); // the batch removes it with the worker's folder
     std::uint32_t bundle = 0;
     while (ReadAll(socket, &bundle, sizeof bundle)) {
-        if (!WriteAll(socket, Packed(mSetup.work.run(mSetup.bundles[bundle])))) {
+        if (!WriteAll(socket, PackedAnswer(mSetup.work.run(mSetup.bundles[bundle])))) {
             break;
         }
     }
@@ -185,21 +168,12 @@ Worker::State Worker::Receive()
         return mState = State::DEAD;
     }
     mReceived.append(piece, static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
-    AnswerHead head;
-    if (mReceived.size() >= sizeof head) {
-        std::memcpy(&head, mReceived.data(), sizeof head);
-        mState = mReceived.size() >= sizeof head + head.Length() ? State::ANSWERED : mState;
-    }
-    return mState;
+    return mState = IsWholeAnswer(mReceived) ? State::ANSWERED : mState;
 }
 
 BundleAnswer Worker::TakeAnswer()
 {
-    AnswerHead head;
-    std::memcpy(&head, mReceived.data(), sizeof head);
-    BundleAnswer answer{static_cast<ExitStatus>(head.status), mReceived.substr(sizeof head + head.codeLength),
-        static_cast<BundleOutcome>(head.outcome), mReceived.substr(sizeof head, head.codeLength),
-        head.isWorthARetry != 0, head.verdicts};
+    BundleAnswer answer = UnpackedAnswer(mReceived);
     mReceived.clear();
     mState = State::IDLE;
     return answer;
@@ -219,7 +193,7 @@ std::string Worker::End()
     while (waitpid(mProcess, &status, 0) < 0 && errno == EINTR) {
     }
     if (const pid_t group = mProgramGroup.exchange(0); group > 0) {
-        kill(-group, SIGKILL);
+        KillGroup(group);
     }
     close(mSocket);
     std::error_code ignored;
@@ -228,6 +202,24 @@ std::string Worker::End()
     mSocket = -1;
     mState = State::DEAD;
     return isOwnEnd ? EndOf(status) : "";
+}
+
+std::vector<bool> WaitForAnswers(const Workers& workers, Worker::Clock::duration time, const SignalsHeldBack& signals)
+{
+    std::vector<pollfd> sockets;
+    for (const auto& worker : workers) {
+        sockets.push_back({worker->GetState() == Worker::State::BUSY ? worker->GetSocket() : -1, POLLIN, 0});
+    }
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
+    timespec left = {};
+    left.tv_sec = seconds.count();
+    left.tv_nsec = std::chrono::duration_cast<std::chrono::nanoseconds>(time - seconds).count();
+    const int ready = ppoll(sockets.data(), sockets.size(), &left, &signals.MaskBefore());
+    std::vector<bool> answers;
+    for (const pollfd& socket : sockets) {
+        answers.push_back(ready > 0 && socket.revents != 0);
+    }
+    return answers;
 }
 
 } // namespace diagnosis::command

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -31,7 +32,8 @@ struct WorkerPlace {
     std::optional<int> processor;
 };
 
-/// The batch's side of one worker process, which receives one bundle after the other over a socket.
+/// The batch's side of one worker process, which receives one bundle after the other over a socket. On Windows it is no
+/// process: Send runs the bundle.
 class Worker {
 public:
     using Clock = std::chrono::steady_clock;
@@ -76,6 +78,12 @@ private:
     Clock::time_point mDeadline;
     std::string mReceived;
 };
+
+using Workers = std::vector<std::unique_ptr<Worker>>;
+
+/// Waits until a busy worker has sent something, for `time` at most, and lets in the signals that are held back. Tells of
+/// each worker whether it has; Worker::Receive takes it.
+std::vector<bool> WaitForAnswers(const Workers& workers, Worker::Clock::duration time, const SignalsHeldBack& signals);
 
 } // namespace diagnosis::command
 

@@ -14,6 +14,7 @@
 #include "tools/arborist/commands/shared_options.h"
 #include "tools/arborist/commands/versions.h"
 #include "tools/arborist/manual/exit_statuses.h"
+#include "tools/arborist/terminal/console.h"
 #include "tools/arborist/terminal/output.h"
 #include "tools/arborist/terminal/width.h"
 

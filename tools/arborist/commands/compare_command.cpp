@@ -4,7 +4,6 @@
 #include <memory>
 #include <string_view>
 #include <system_error>
-#include <thread>
 #include <unordered_set>
 
 #include "diagnosis/detection/detection.h"
@@ -42,7 +41,7 @@ struct CompareOptions {
     /// "new", "gone" or "any"; empty for never.
     std::string failOn;
     bool asJson = false;
-    double timeout = 300;
+    double timeout = DEFAULT_TIMEOUT;
     BatchOptions batch;
     DetectionOptions detection;
     CodeRunnerOptions codeRunner;
@@ -122,7 +121,6 @@ ExitStatus Run(CompareOptions& options, const std::vector<std::string>& names, L
     }
     options.detection.isForLine = true;
     options.detection.codeRunner = MakeCodeRunner(options.codeRunner);
-    options.batch.timeout = Milliseconds(options.timeout);
     BatchSummary summary;
     const ExitStatus status = RunBatch(BundlePaths(names), MakeWork(options, rules, lines), options.batch, &summary);
     isRun = summary.isComplete;
@@ -148,7 +146,7 @@ bool IsToFail(const CompareOptions& options, const ResultsDiff& diff)
 std::string PlaceOf(const std::string& name)
 {
     std::error_code error;
-    return (std::filesystem::absolute(name, error) / ".").lexically_normal().string();
+    return (std::filesystem::absolute(name, error) / ".").lexically_normal().generic_string();
 }
 
 // A second run of a bundle would say nothing more, whether by its name or by another path to it.
@@ -223,7 +221,7 @@ ExitStatus Compare(CompareOptions& options)
 void AddListOptions(Command compare, CompareOptions& options)
 {
     static constexpr std::size_t MOST_JOBS = 1024;
-    options.batch.jobs = std::max(1U, std::thread::hardware_concurrency());
+    options.batch.jobs = DefaultJobs();
     compare.Add("--batch", options.list, "Bundles to run both rule sets over, one a line; - for standard input")
         .Takes("LIST").Required().NotEmpty();
     compare.AddFlag("-0,--null", options.isListNulEnded, "The list's entries end in NUL characters, as of find -print0");
@@ -256,6 +254,10 @@ void AddCompareCommand(Command app, ExitStatus& status)
     compare.OnCall([options, &status] {
         if (options->rules.size() != 2) {
             FailUse("--rules must be given twice: the rule set before and the one after");
+        }
+        options->batch.timeout = Milliseconds(options->timeout);
+        if (const auto problem = BatchProblem(options->batch)) {
+            FailUse(*problem);
         }
         status = Compare(*options);
     });

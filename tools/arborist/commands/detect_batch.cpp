@@ -5,7 +5,6 @@
 #include <fstream>
 #include <iostream>
 #include <optional>
-#include <thread>
 #include <utility>
 
 #include "diagnosis/results/detection_json.h"
@@ -195,6 +194,9 @@ ExitStatus DetectBatch(DetectOptions& options)
     }
     options.bundles = TakeShard(options.bundles, ParseShard(options.shard).value_or(Shard{}));
     options.batch.timeout = Milliseconds(options.timeout);
+    if (const auto problem = BatchProblem(options.batch)) {
+        return WrongUse(*problem);
+    }
     options.run.detection.ruleSets->KeepLoaded();
     if (!options.run.detection.overrides.rules.empty()) {
         // A rule set from the command line is read here, and those of foreign bundles in the workers, which may crash.
@@ -216,7 +218,7 @@ void AddBatchOptions(Command detect, DetectOptions& options)
 {
     static constexpr std::size_t MOST_JOBS = 1024;
     static constexpr std::size_t MOST_RETRIES = 100;
-    options.batch.jobs = std::max(1U, std::thread::hardware_concurrency());
+    options.batch.jobs = DefaultJobs();
     const Option batch = detect.Add("--batch", options.list, "Diagnose the bundles of this list, one a line; - "
         "for standard input. Prints one JSON object a line for each, whatever happens to it")
         .Takes("LIST")

@@ -25,7 +25,7 @@ struct DetectOptions {
     /// The file for the summary of a batch; empty for none.
     std::string summary;
     BatchOptions batch;
-    double timeout = 300;
+    double timeout = DEFAULT_TIMEOUT;
     bool asJson = false;
     bool failsOnFault = false;
 };

@@ -25,7 +25,7 @@ bool WritePages(const CommandReference& command, const std::filesystem::path& fo
     file << ManPage(command);
     file.close();
     if (!file) {
-        PrintError((folder / ManPageName(command)).string() + ": can't be written");
+        PrintError((folder / ManPageName(command)).generic_string() + ": can't be written");
         return false;
     }
     for (const CommandReference& below : command.commands) {

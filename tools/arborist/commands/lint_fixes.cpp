@@ -17,7 +17,7 @@ namespace {
 
 bool IsOfRuleSet(const fs::path& file)
 {
-    const std::string name = file.filename().string();
+    const std::string name = file.filename().generic_string();
     for (const std::string end : {"FaultTrees.xml", "FaultTreeRules.xml"}) {
         if (name.size() >= end.size() && name.compare(name.size() - end.size(), end.size(), end) == 0) {
             return true;
@@ -32,11 +32,11 @@ bool CopyFixed(const std::string& folder, const std::vector<lint::FileFix>& fixe
     std::error_code error;
     for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
         if (IsOfRuleSet(entry->path())) {
-            fs::copy_file(entry->path(), copy.Path(entry->path().filename().string()), error);
+            fs::copy_file(entry->path(), copy.Path(entry->path().filename().generic_string()), error);
         }
     }
     for (const lint::FileFix& fix : fixes) {
-        const std::string path = copy.Path(fs::path(fix.path).filename().string());
+        const std::string path = copy.Path(fs::path(fix.path).filename().generic_string());
         fs::remove(path, error); // a copy of a file that may not be written may not be written either
         std::ofstream file(path, std::ios::binary);
         file << fix.after;
@@ -74,7 +74,7 @@ TestedFixes TestFixes(std::vector<lint::FileFix> fixes, const std::vector<std::s
 {
     std::map<std::string, std::vector<lint::FileFix>> byFolder;
     for (lint::FileFix& fix : fixes) {
-        const std::string folder = fs::path(fix.path).parent_path().string();
+        const std::string folder = fs::path(fix.path).parent_path().generic_string();
         byFolder[folder.empty() ? "." : folder].push_back(std::move(fix));
     }
     TestedFixes tested;

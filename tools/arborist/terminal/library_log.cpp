@@ -8,10 +8,10 @@
 #include <memory>
 #include <new>
 
-#include <sys/mman.h>
-
 #include "arborist/frame/log.h"
 #include "diagnosis/process/library_log.h"
+#include "diagnosis/process/shared_memory.h"
+#include "tools/arborist/terminal/console.h"
 
 namespace diagnosis::command {
 
@@ -30,12 +30,6 @@ using File = std::unique_ptr<std::FILE, FileCloser>;
 std::string fileName;
 std::atomic<int>* failure = nullptr;
 static_assert(std::atomic<int>::is_always_lock_free);
-
-std::atomic<int>* SharedNumber()
-{
-    void* memory = mmap(nullptr, sizeof(std::atomic<int>), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    return memory == MAP_FAILED ? throw std::bad_alloc() : new (memory) std::atomic<int>(0);
-}
 
 /// Writes lines from a level on to standard error, and all lines to a file if there is one.
 class ScreenAndFile : public LogSink {
@@ -87,14 +81,12 @@ std::optional<std::string> OpenLibraryLog(const LogOptions& options)
 {
     File file;
     if (!options.file.empty()) {
-        file.reset(std::fopen(options.file.c_str(), "we"));
+        file.reset(OpenLineByLine(options.file));
         if (file == nullptr) {
             return options.file + ": can't be written: " + std::strerror(errno);
         }
-        // Line buffered, so that a crash loses nothing and several processes can share the file.
-        std::setvbuf(file.get(), nullptr, _IOLBF, BUFSIZ);
         fileName = options.file;
-        failure = SharedNumber();
+        failure = new (TakeSharedMemory(sizeof(std::atomic<int>))) std::atomic<int>(0);
     }
     const int level = LogLevelOf(options.level.empty() ? "none" : options.level).value_or(FT::LEVEL_ERROR);
     SendLibraryLogTo(std::make_unique<ScreenAndFile>(level, std::move(file)));

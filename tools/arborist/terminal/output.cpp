@@ -2,9 +2,6 @@
 
 #include <iostream>
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include "diagnosis/text/printable.h"
 #include "tools/arborist/terminal/colour.h"
 #include "tools/arborist/terminal/library_log.h"
@@ -26,17 +23,6 @@ void PrintMessage(const std::string& line)
 }
 
 } // namespace
-
-void KeepStandardStreams()
-{
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (fcntl(stream, F_GETFD) < 0) {
-            // Opening takes the lowest free number, which is this one. The mode is the opposite one, so that using the
-            // stream fails.
-            [[maybe_unused]] const int opened = open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
-        }
-    }
-}
 
 void PrintResult(const std::string& text)
 {

@@ -10,10 +10,6 @@
 
 namespace diagnosis::command {
 
-/// Occupies the numbers of closed standard streams, so that no other file gets one and receives their output. Reading
-/// and writing these streams still fail.
-void KeepStandardStreams();
-
 /// Prints a result to standard output, where nothing else goes. Flushes, so that readers can follow a long run.
 void PrintResult(const std::string& text);
 

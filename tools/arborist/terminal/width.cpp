@@ -1,9 +1,7 @@
 #include "tools/arborist/terminal/width.h"
 
+#include <optional>
 #include <sstream>
-
-#include <sys/ioctl.h>
-#include <unistd.h>
 
 namespace diagnosis::command {
 
@@ -37,15 +35,6 @@ void AppendWrapped(std::string& text, std::string line, std::size_t width)
 }
 
 } // namespace
-
-std::optional<std::size_t> TerminalWidth()
-{
-    winsize size = {};
-    if (isatty(STDOUT_FILENO) != 1 || ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) {
-        return std::nullopt;
-    }
-    return size.ws_col;
-}
 
 std::string WrapHelp(const std::string& help, std::size_t width)
 {

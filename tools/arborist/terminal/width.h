@@ -2,13 +2,9 @@
 #define ARBORIST_TOOLS_TERMINAL_WIDTH_H
 
 #include <cstddef>
-#include <optional>
 #include <string>
 
 namespace diagnosis::command {
-
-/// Columns of the terminal on standard output; nothing if it is none.
-std::optional<std::size_t> TerminalWidth();
 
 /// Breaks lines of a help text that are longer than `width` columns between words. Continuation lines are indented to
 /// the description, which begins behind the first gap of two blanks, as in "  --json    One JSON object". Lines of
