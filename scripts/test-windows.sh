@@ -1,16 +1,16 @@
 #!/usr/bin/env bash
-# Cross-builds the engine for 64-bit Windows and runs its tests under Wine. What can't run there is listed, with the reason,
+# Cross-builds engine, command and C interface for 64-bit Windows and runs their tests under Wine. What can't run there is listed, with the reason,
 # in tests/windows_left_out.txt. Installs what is missing. "test-windows.sh build" runs no tests, and
-# "test-windows.sh engine" builds none: only the library.
+# "test-windows.sh command" builds none.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 part=${1:-all}
 case $part in
 all | build) targets=() ;;
-engine) targets=(--target arborist) ;;
+command) targets=(--target arborist_tool arborist_c) ;;
 *)
-    echo "usage: scripts/test-windows.sh [engine|build]" >&2
+    echo "usage: scripts/test-windows.sh [command|build]" >&2
     exit 2
     ;;
 esac

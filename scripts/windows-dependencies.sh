@@ -13,7 +13,7 @@ folder=$checkout/build/windows-dependencies
 root=$folder/root
 jobs=${JOBS:-$(nproc)}
 toolchain=$checkout/cmake/windows.cmake
-packages=(zlib minizip sqlite3 tinyxml2 libjsoncpp googletest)
+packages=(zlib minizip sqlite3 tinyxml2 libjsoncpp libsodium googletest)
 
 # The sources of the same repositories that the machine takes Debian's packages from, the main one first: mirrors of the
 # security updates lack the older sources.
@@ -51,16 +51,15 @@ with_cmake() { # PACKAGE OPTION...
 }
 
 archive() { # LIBRARY SOURCE-FOLDER FLAGS FILE...
-    local library=$1 sources=$2 flags=$3 objects=() file
+    local library=$1 sources=$2 flags=$3 objects=$folder/build/$1
     shift 3
-    mkdir -p "$folder/build/$library"
-    for file in "$@"; do
-        # shellcheck disable=SC2086
-        x86_64-w64-mingw32-gcc-posix -O2 $flags -I"$root/include" -c "$sources/$file.c" \
-            -o "$folder/build/$library/$file.o"
-        objects+=("$folder/build/$library/$file.o")
-    done
-    x86_64-w64-mingw32-ar rcs "$root/lib/lib$library.a" "${objects[@]}"
+    mkdir -p "$objects"
+    # shellcheck disable=SC2016
+    printf '%s\n' "$@" | xargs -P "$jobs" -I '{}' bash -c 'object=$4/${3//\//_}.o
+        exec x86_64-w64-mingw32-gcc-posix -O2 $1 -c "$2/$3.c" -o "$object"' \
+        compile "$flags -I$root/include" "$sources" '{}' "$objects"
+    rm -f "$root/lib/lib$library.a"
+    x86_64-w64-mingw32-ar rcs "$root/lib/lib$library.a" "$objects"/*.o
 }
 
 build_zlib() {
@@ -95,6 +94,24 @@ build_sqlite3() {
     cp "$folder/build/sqlite3/sqlite3.h" "$root/include/"
 }
 
+# Without the build files that Debian's source lacks; what is written for certain processors is left out.
+build_sodium() {
+    local sources files
+    sources=$(source_of libsodium)src/libsodium
+    cp -r "$sources"/include/{sodium.h,sodium} "$root/include/"
+    cp "$(source_of libsodium)builds/msvc/version.h" "$root/include/sodium/"
+    mapfile -t files < <(cd "$sources" && find . -name '*.c' -printf '%P\n' | sed 's/\.c$//' | sort)
+    archive sodium "$sources" "-DCONFIGURED=1 -DSODIUM_STATIC -I$root/include/sodium" "${files[@]}"
+    cat >"$root/lib/pkgconfig/libsodium.pc" <<END
+prefix=$root
+Name: libsodium
+Description: Digests
+Version: 1.0.18
+Libs: -L\${prefix}/lib -lsodium
+Cflags: -I\${prefix}/include -DSODIUM_STATIC
+END
+}
+
 # Headers alone, which are the same for every system.
 copy_headers() {
     mkdir -p "$root/share/cmake"
@@ -110,6 +127,7 @@ if [ ! -e "$folder/done" ]; then
     build_zlib
     build_minizip
     build_sqlite3
+    build_sodium
     with_cmake tinyxml2 -DBUILD_TESTING=OFF
     with_cmake libjsoncpp -DJSONCPP_WITH_TESTS=OFF -DJSONCPP_WITH_POST_BUILD_UNITTEST=OFF -DBUILD_STATIC_LIBS=ON \
         -DBUILD_OBJECT_LIBS=OFF

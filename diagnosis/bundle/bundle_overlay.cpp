@@ -36,7 +36,8 @@ std::optional<Failure> Copy(const fs::path& source, const fs::path& target)
         return std::nullopt;
     }
     // If the source is a folder instead of a database, links it.
-    return fs::is_regular_file(source, error) ? CopyDatabase(source.generic_string(), target.generic_string()) : Link(source, target);
+    return fs::is_regular_file(source, error) ? CopyDatabase(source.generic_string(), target.generic_string())
+                                              : Link(source, target);
 }
 
 // The library never writes into the log. Links the folder two levels above it, which has nothing else, instead of the

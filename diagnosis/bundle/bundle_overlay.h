@@ -33,7 +33,8 @@ std::vector<std::string> FoldersOfOverlay();
 /// library's own databases, and the folder of the copies. Points `settings` there and adds the paths of the bundle to
 /// `names`.
 ///
-/// The event log is a link if links can be made and reading it changes no file, otherwise a copy; the library's databases are copies.
+/// The event log is a link if links can be made and reading it changes no file, otherwise a copy; the library's databases
+/// are copies.
 /// Relative settings are relative to `folder`, the bundle's.
 std::optional<Failure> LayOverlay(const std::string& folder, Scratch& scratch,
     std::map<std::string, std::string>& settings, PathNames& names);

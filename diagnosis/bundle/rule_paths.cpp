@@ -25,7 +25,8 @@ std::optional<std::string> Inside(const std::string& path)
     while (normal.size() > 1 && normal.back() == '/') {
         normal.pop_back();
     }
-    const bool isOutside = normal.empty() || std::filesystem::path(normal).has_root_path() || normal == ".." || normal.rfind("../", 0) == 0;
+    const bool isOutside = normal.empty() || std::filesystem::path(normal).has_root_path() || normal == ".."
+        || normal.rfind("../", 0) == 0;
     return isOutside ? std::nullopt : std::optional(normal);
 }
 

@@ -105,6 +105,11 @@ class CheckTest(unittest.TestCase):
             self.assert_passes((path, "arborist/frame/log.h"))
             self.assert_faults((path, "arborist/model/gate.h"))
 
+    def test_a_source_for_one_system_sees_what_the_engine_knows_of_it(self):
+        self.assert_passes(("diagnosis/process/local_time_windows.cpp", "arborist/utilities/platform.h"))
+        self.assert_faults(("diagnosis/process/local_time_windows.cpp", "arborist/utilities/zip_util.h"),
+                           ("diagnosis/process/local_time.cpp", "arborist/utilities/platform.h"))
+
     def test_foreign_headers_stay_behind_their_doors(self):
         self.assert_passes(("arborist/loading/tree_parser.cpp", "tinyxml2.h"),
                            ("diagnosis/sqlite/connection.cpp", "sqlite3.h"),

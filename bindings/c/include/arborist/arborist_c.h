@@ -27,7 +27,9 @@ extern "C" {
 #endif
 
 /** Marks what the library exports. */
-#if defined(__GNUC__)
+#if defined(_WIN32) && defined(ARBORIST_C_EXPORTS)
+#define ARBORIST_C_API __declspec(dllexport)
+#elif defined(__GNUC__)
 #define ARBORIST_C_API __attribute__((visibility("default")))
 #else
 #define ARBORIST_C_API
