@@ -3,8 +3,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include <unistd.h>
-
 namespace diagnosis {
 
 namespace fs = std::filesystem;
@@ -70,13 +68,15 @@ std::optional<std::string> NewFile::PutInPlace()
 
 std::optional<std::string> NewFile::PutInFreePlace()
 {
-    if (link(TemporaryPath().c_str(), mPath.c_str()) == 0) {
+    std::error_code error;
+    fs::create_hard_link(TemporaryPath(), mPath, error);
+    if (!error) {
         mFoldersAbove.Keep();
         return std::nullopt;
     }
     // A file system without such links: a file that appears in this very moment is replaced.
-    std::error_code error;
-    return errno == EEXIST || fs::exists(mPath, error) ? "was made by another program meanwhile" : PutInPlace();
+    std::error_code ignored;
+    return error == std::errc::file_exists || fs::exists(mPath, ignored) ? "was made by another program meanwhile" : PutInPlace();
 }
 
 std::optional<std::string> WriteNewFile(const std::string& path, const std::string& text)
