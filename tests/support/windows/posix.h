@@ -42,6 +42,14 @@ inline struct tm* localtime_r(const std::time_t* seconds, struct tm* local)
     return localtime_s(local, seconds) == 0 ? local : nullptr;
 }
 
+// The kind of file that archivers of Unix note for a link.
+constexpr unsigned int S_IFLNK = 0120000;
+
+inline int mkdir(const char* path, unsigned int)
+{
+    return _mkdir(path);
+}
+
 inline int mkfifo(const char*, unsigned int)
 {
     return -1;
