@@ -22,13 +22,15 @@ void SignalActions::Handle(int signal, SignalHandler handler)
 
 void SignalActions::HandleOnce(int signal, SignalHandler handler)
 {
-    mBefore.emplace_back(signal, std::signal(signal, handler));
+    mReplaced.push_back({signal, handler, std::signal(signal, handler)});
 }
 
 SignalActions::~SignalActions()
 {
-    for (auto entry = mBefore.rbegin(); entry != mBefore.rend(); ++entry) {
-        std::signal(entry->first, entry->second);
+    for (auto entry = mReplaced.rbegin(); entry != mReplaced.rend(); ++entry) {
+        if (CurrentHandler(entry->signal) == entry->handler) {
+            std::signal(entry->signal, entry->before);
+        }
     }
 }
 

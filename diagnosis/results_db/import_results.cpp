@@ -78,7 +78,7 @@ private:
             return NotWritten(mPath + ": " + *problem);
         }
         const std::filesystem::path folder = std::filesystem::path(mPath).parent_path();
-        if (!mTurn.Take(folder.empty() ? "." : folder.string(), mTryAgain)) {
+        if (!mTurn.Take(folder.empty() ? "." : folder.generic_string(), mTryAgain)) {
             return NotWritten(mPath + ": another program is making a database in this folder");
         }
         if (!IsMissing(mPath)) {
