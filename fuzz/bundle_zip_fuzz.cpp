@@ -9,7 +9,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr diagnosis::ZipLimits LIMITS{100, 100'000};
+constexpr std::uint64_t MOST_ENTRIES = 100;
+constexpr std::uint64_t MOST_BYTES = 100'000;
 
 bool IsWithinLimits(const std::string& folder)
 {
@@ -20,7 +21,7 @@ bool IsWithinLimits(const std::string& folder)
         }
         bytes += entry.is_regular_file() ? entry.file_size() : 0;
     }
-    return bytes <= LIMITS.bytes;
+    return bytes <= MOST_BYTES;
 }
 
 } // namespace
@@ -32,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string target = dir.Path("above/target");
     fs::create_directories(target);
     std::vector<diagnosis::Warning> warnings;
-    diagnosis::UnpackZip(archive, "bundle.zip", target, warnings, LIMITS);
+    diagnosis::UnpackZip(archive, "bundle.zip", target, warnings, {MOST_ENTRIES, MOST_BYTES});
     const bool isWithinLimits = IsWithinLimits(target);
     fs::remove_all(target);
     if (!isWithinLimits || !fs::is_empty(dir.Path("above"))) {
