@@ -49,9 +49,10 @@ TEST_F(ResultsCommandTest, ImportsWhatDetectPrints)
 TEST_F(ResultsCommandTest, TellsWhatItImportedAsJson)
 {
     WriteHotBundle(mDir, "hot");
-    mDir.Write("first.jsonl", DetectedLine("hot") + DetectedLine("later"));
+    const std::string hot = DetectedLine("hot"); // detected again it would be of another moment
+    mDir.Write("first.jsonl", hot + DetectedLine("later"));
     WriteHotBundle(mDir, "later");
-    mDir.Write("lines.jsonl", DetectedLine("hot") + DetectedLine("later") + "{}\n" + DetectedLine("cold"));
+    mDir.Write("lines.jsonl", hot + DetectedLine("later") + "{}\n" + DetectedLine("cold"));
     mDir.Write("redaction.json", R"({"key": "sixteen bytes or more", "results": ["device"]})");
     Import({"first.jsonl"});
     const auto result = Import({"--json", "--skip-bad-lines", "--redact", "redaction.json", "lines.jsonl"});
