@@ -137,10 +137,15 @@ std::string EndRecord(const std::string& path)
     return end.substr(begin, END_RECORD_LENGTH);
 }
 
-bool TellsOfNothing(const std::string& endRecord)
+// Whether an archive of `size` bytes is its end record, which tells of no entries, and the comment behind it.
+bool IsWithoutEntries(std::string_view endRecord, std::uint64_t size)
 {
     constexpr std::size_t SIGNATURE_LENGTH = 4;
-    return endRecord.find_first_not_of('\0', SIGNATURE_LENGTH) == std::string::npos;
+    constexpr std::size_t COMMENT_LENGTH_AT = 20;
+    const auto low = static_cast<unsigned char>(endRecord[COMMENT_LENGTH_AT]);
+    const auto high = static_cast<unsigned char>(endRecord[COMMENT_LENGTH_AT + 1]);
+    return endRecord.substr(0, COMMENT_LENGTH_AT).find_first_not_of('\0', SIGNATURE_LENGTH) == std::string_view::npos &&
+        size == END_RECORD_LENGTH + low + 256U * high;
 }
 
 bool HasParentElement(std::string_view path)
@@ -327,8 +332,8 @@ bool ZipUtil::UnZipFile(const std::string& archive, const std::string& target)
     if (endRecord.empty()) {
         return false;
     }
-    // An archive without entries consists of its end record only; the archive library doesn't open it.
-    if (TellsOfNothing(endRecord) && FileUtil::GetFileSize(archive) == END_RECORD_LENGTH) {
+    // The archive library doesn't open an archive without entries.
+    if (IsWithoutEntries(endRecord, FileUtil::GetFileSize(archive))) {
         return true;
     }
     const Archive opened(archive);

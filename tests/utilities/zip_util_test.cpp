@@ -73,6 +73,15 @@ TEST_F(ZipUtilTest, EmptyArchiveIsTrueAndExtractsNothing)
     EXPECT_TRUE(fs::is_empty("above/target"));
 }
 
+TEST_F(ZipUtilTest, EmptyArchiveMayHaveAComment)
+{
+    const std::string endRecord = std::string("PK\5\6", 4) + std::string(16, '\0');
+    EXPECT_TRUE(UnZipBytes(endRecord + std::string("\5\0", 2) + "words"));
+    EXPECT_FALSE(UnZipBytes(endRecord + std::string("\5\0", 2) + "word"));
+    EXPECT_TRUE(UnZipBytes(endRecord + std::string("\0\1", 2) + std::string(256, 'w')));
+    EXPECT_TRUE(fs::is_empty("above/target"));
+}
+
 TEST_F(ZipUtilTest, EndRecordThatTellsOfEntriesIsNoEmptyArchive)
 {
     std::string endRecord = std::string("PK\5\6", 4) + std::string(18, '\0');
