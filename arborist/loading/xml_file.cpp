@@ -230,7 +230,8 @@ Outcome Load(tinyxml2::XMLDocument& document, const std::string& path)
     const bool isFile = std::filesystem::is_regular_file(NativePath(path), noStatus);
     const std::unique_ptr<std::FILE, FileCloser> file(isFile ? Platform::OpenForReading(path) : nullptr);
     if (file == nullptr) {
-        return {tinyxml2::XML_ERROR_FILE_READ_ERROR, isFile ? "can't be opened" : "not a file", 0};
+        return isFile ? Outcome{tinyxml2::XML_ERROR_FILE_NOT_FOUND, "can't be opened", 0}
+                      : Outcome{tinyxml2::XML_ERROR_FILE_READ_ERROR, "not a file", 0};
     }
     const std::optional<Text> text = ReadAll(file.get());
     if (!text) {

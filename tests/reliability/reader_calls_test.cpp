@@ -68,6 +68,16 @@ TEST_F(FailingUtilityCall, ArchiveThatCannotBeWrittenIsNotReported)
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
+TEST_F(FailingUtilityCall, RuleSetThatCannotBeOpenedIsNotFoundForTheXmlReader)
+{
+    mDir.Write("a.xml", "<a/>");
+    tinyxml2::XMLDocument document;
+    const Failure failure(Call::OPEN, EACCES);
+    const XmlFile::Outcome outcome = XmlFile::Load(document, "a.xml");
+    EXPECT_EQ(outcome.error, tinyxml2::XML_ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(outcome.message, "can't be opened");
+}
+
 TEST_F(FailingUtilityCall, RuleSetThatCannotBeReadIsNotTakenForAShorterOne)
 {
     mDir.Write("a.xml", "<a/>");
