@@ -246,7 +246,7 @@ void FaultTreeParser::StartRuleParse()
 const FaultTreeParser::RuleList& FaultTreeParser::GetNamedRules()
 {
     if (!mNamedRules) {
-        mNamedRules = FindNamedRules(*this);
+        mNamedRules = FindNamedRules(mFaultTrees, mEventRuleMap, mRuleMap);
     }
     return *mNamedRules;
 }
