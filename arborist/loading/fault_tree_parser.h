@@ -83,7 +83,7 @@ public:
 
     /// Null if no rule has this name.
     const std::shared_ptr<Rule>& GetRuleByRuleName(const std::string& ruleName) const;
-    /// Null if the event rules have no entry for this event. Kept for the tests; the driver walks GetEventRuleMap.
+    /// Null if the event rules have no entry for this event.
     const std::shared_ptr<EventRule>& GetEventRuleByEventId(const std::string& eventId) const;
     // The look-ups below index their list at the first call after a parse: a detection without a fault needs none.
 

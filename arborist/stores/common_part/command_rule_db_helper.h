@@ -30,8 +30,9 @@ public:
     /// line, if it can't be opened.
     bool IsOpenDbSuccess(const std::string& path);
 
-    /// Runs `sql` and writes the values of its single row into `params`, assigning columns to keys in order. Returns an
-    /// empty list and writes nothing if the statement fails or has another number of rows.
+    /// Runs `sql` and writes the values of its single row into `params`, assigning columns to keys in order. A statement
+    /// that fails behind its only row counts as one with this row. Returns an empty list and writes nothing if there is no
+    /// row, or more than one.
     ///
     /// Without normalisation returns copies of the parameters with their values. With it returns the parameters
     /// themselves, without texts, and with numbers scaled to 30 days from the days between the columns of `first` and

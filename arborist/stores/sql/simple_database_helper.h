@@ -10,7 +10,8 @@ namespace FT::sql {
 
 /// Operations on tables that the stores share. Stateless: create one where it is needed.
 ///
-/// The stores call CreateTable, AddRecord, UpdateRecord and GetRecordCountByFullSql; the rest is kept for the tests.
+/// The stores call CreateTable, AddRecord, UpdateRecord, GetRecordCountByFullSql and GetFieldValueByIndex; the rest is kept
+/// for the tests.
 class SimpleDatabaseHelper {
 public:
     bool CreateTable(SqlTable& table) const;
