@@ -56,6 +56,11 @@ ARBORIST_EXPORT std::string PathOnDevice(const std::string& root, const std::str
 /// it, so that the time would grow with the square of their number.
 ARBORIST_EXPORT int LineOfTooManyAttributes(std::string_view xml);
 
+/// Whether a detection takes `pattern` as the pattern of the paths of an external database (`dbName`): a regular expression
+/// in the grammar of ECMAScript with at most 4096 characters, whose automaton has at most some 1000 states; "{n}" makes
+/// n times the states of what it repeats. A detection ends with std::regex_error at a pattern that it doesn't take.
+ARBORIST_EXPORT bool IsFileNamePattern(const std::string& pattern);
+
 /// Reads both files of a rule set. Throws nothing, and logs only a repair whose operation can't be read.
 ARBORIST_EXPORT RuleSetSummary SummariseRuleSet(
     const std::string& folder, const std::string& prefix, const std::string& treeTag);

@@ -6,11 +6,11 @@
 #include <limits>
 
 #include "arborist/frame/arborist.h"
+#include "arborist/frame/rule_set_summary.h"
 #include "diagnosis/bundle/bundle_overlay.h"
 #include "diagnosis/bundle/repair_records.h"
 #include "diagnosis/bundle/rule_paths.h"
 #include "diagnosis/detection/detection.h"
-#include "diagnosis/text/file_pattern.h"
 
 namespace diagnosis {
 
@@ -23,7 +23,7 @@ using State = BundleFinding::State;
 bool HasBadPattern(const Evidence::RuleSet& ruleSet)
 {
     return std::any_of(ruleSet.databases.begin(), ruleSet.databases.end(),
-        [](const Evidence::ExternalDatabase& database) { return !IsFilePattern(database.pattern); });
+        [](const Evidence::ExternalDatabase& database) { return !IsFileNamePattern(database.pattern); });
 }
 
 // Loads the rule set without running any rule. What a detection would make of the pattern of a file name that is none

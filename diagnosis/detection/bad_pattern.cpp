@@ -1,6 +1,6 @@
 #include "diagnosis/detection/bad_pattern.h"
 
-#include "diagnosis/text/file_pattern.h"
+#include "arborist/frame/rule_set_summary.h"
 
 namespace diagnosis {
 
@@ -22,7 +22,7 @@ std::string BadPatternMessage(const Evidence::RuleSet& ruleSet, const std::strin
 {
     std::string bad;
     for (const Evidence::ExternalDatabase& known : ruleSet.databases) {
-        if (!IsFilePattern(known.pattern)) {
+        if (!IsFileNamePattern(known.pattern)) {
             bad += (bad.empty() ? "\"" : ", \"") + known.pattern + "\" of the defDBTable \"" + known.name + "\"";
         }
     }

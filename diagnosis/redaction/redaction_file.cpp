@@ -6,11 +6,11 @@
 
 #include <json/value.h>
 
+#include "arborist/frame/rule_set_summary.h"
 #include "arborist/frame/settings.h"
 #include "diagnosis/bundle/bundle.h"
 #include "diagnosis/log_db/slice_log.h"
 #include "diagnosis/redaction/hash_key.h"
-#include "diagnosis/text/file_pattern.h"
 #include "diagnosis/text/file_text.h"
 #include "diagnosis/text/json_text.h"
 #include "diagnosis/text/near_match.h"
@@ -110,7 +110,7 @@ private:
 
     void AddNodes(const std::string& pattern)
     {
-        if (!IsFilePattern(pattern)) {
+        if (!IsFileNamePattern(pattern)) {
             Wrong("\"nodes\" has a pattern that is no regular expression: " + pattern);
             return;
         }

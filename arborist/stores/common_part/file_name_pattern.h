@@ -7,7 +7,8 @@
 /// An ECMAScript regular expression from a rule set, matched against paths and file names.
 ///
 /// Compiled when the first name is matched. Matching throws std::regex_error if the pattern is invalid, has more than
-/// 4096 characters, or takes too many steps for a name, as back references can.
+/// 4096 characters or may have more than 1000 states, or takes too many steps or too much stack for a name, as back
+/// references can.
 class FileNamePattern {
 public:
     explicit FileNamePattern(std::string pattern);

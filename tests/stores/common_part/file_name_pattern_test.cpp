@@ -1,9 +1,14 @@
 #include "arborist/stores/common_part/file_name_pattern.h"
 
+#include <functional>
 #include <regex>
+#include <string>
+
+#include <pthread.h>
 
 #include <gtest/gtest.h>
 
+#include "arborist/frame/rule_set_summary.h"
 #include "tests/support/case_name.h"
 
 namespace {
@@ -45,10 +50,75 @@ TEST(FileNamePatternTest, PatternThatIsNoneRaisesTheLibrarysErrorAtTheFirstName)
 
 TEST(FileNamePatternTest, PatternBeyondMeasureRaisesTheSameError)
 {
-    EXPECT_THROW(Matches(std::string(4097, 'a'), "a"), std::regex_error);
-    EXPECT_FALSE(Matches(std::string(4096, 'a'), "a"));
-    EXPECT_FALSE(Matches(std::string(2048, '(') + std::string(2048, ')'), "a"));
+    const std::string longClass = "[" + std::string(4094, 'a') + "]";
+    EXPECT_FALSE(Matches(longClass, "b"));
+    EXPECT_THROW(Matches(longClass + "a", "b"), std::regex_error);
+    EXPECT_FALSE(Matches(std::string(1000, 'a'), "b"));
+    EXPECT_THROW(Matches(std::string(1001, 'a'), "b"), std::regex_error);
 }
+
+TEST(FileNamePatternTest, IsOneOfTheLibraryIfItCompiles)
+{
+    EXPECT_TRUE(IsFileNamePattern(".*/usage\\.db"));
+    EXPECT_TRUE(IsFileNamePattern("(.)\\1"));
+    EXPECT_FALSE(IsFileNamePattern("*.db"));
+    EXPECT_FALSE(IsFileNamePattern("(usage"));
+    EXPECT_TRUE(IsFileNamePattern(std::string(1000, 'a')));
+    EXPECT_FALSE(IsFileNamePattern(std::string(1001, 'a')));
+    EXPECT_FALSE(IsFileNamePattern(std::string(4097, '[')));
+}
+
+// A thread with the smallest stack that a detection may have.
+class SmallStack {
+public:
+    static void Run(std::function<void()> work)
+    {
+        pthread_attr_t attributes;
+        pthread_attr_init(&attributes);
+        pthread_attr_setstacksize(&attributes, 1024 * 1024);
+        pthread_t thread;
+        ASSERT_EQ(pthread_create(&thread, &attributes, Call, &work), 0);
+        pthread_join(thread, nullptr);
+        pthread_attr_destroy(&attributes);
+    }
+
+private:
+    static void* Call(void* work)
+    {
+        (*static_cast<std::function<void()>*>(work))();
+        return nullptr;
+    }
+};
+
+std::string Times(int count, const std::string& text)
+{
+    std::string all;
+    for (int number = 0; number < count; ++number) {
+        all += text;
+    }
+    return all;
+}
+
+class FileNamePatternOnASmallStack : public testing::TestWithParam<std::string> {};
+
+TEST_P(FileNamePatternOnASmallStack, DoesNotOverflowIt)
+{
+    SmallStack::Run([] {
+        for (const std::size_t length : {1U, 20U, 2000U, 4095U}) {
+            try {
+                Matches(GetParam(), std::string(length, 'a'));
+            } catch (const std::regex_error&) {
+                continue; // refused, in time
+            }
+        }
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, FileNamePatternOnASmallStack, testing::Values(
+    ".*(){16000}", "(a{0}){16000}", "(?:|a){16000}", "(){4000}", Times(2000, "(") + Times(2000, ")"),
+    Times(333, "(") + Times(333, ")"), "(){300}", "(?:|a){150}.*", Times(190, "(") + "a" + Times(190, ")*"), ".{0,300}",
+    "(.)\\1*", Times(100, "(") + "." + Times(100, ")") + "*\\1", Times(5, "(") + "." + Times(5, ")") + "*\\1",
+    "(.)\\1" + Times(150, "(") + "a" + Times(150, ")*"), Times(240, "(?=") + Times(240, ")") + "(.)\\1*"));
 
 TEST(FileNamePatternTest, LongNamesAndRepeatsOfRepeatsComeToAnEnd)
 {

@@ -1,11 +1,11 @@
 #include <algorithm>
 
+#include "arborist/frame/rule_set_summary.h"
 #include "diagnosis/lint/base/report.h"
 #include "diagnosis/lint/base/subject.h"
 #include "diagnosis/lint/checks/checks.h"
 #include "diagnosis/lint/sql/derived_tables.h"
 #include "diagnosis/lint/sql/sql_outline.h"
-#include "diagnosis/text/file_pattern.h"
 #include "diagnosis/text/pattern_start.h"
 
 namespace diagnosis::lint {
@@ -17,6 +17,8 @@ using rule_source::DbPath;
 using rule_source::TableBean;
 
 constexpr auto NOWHERE = std::string_view::npos;
+// The library takes no longer one.
+constexpr std::size_t LONGEST_PATTERN = 4096;
 
 const std::vector<TableBean>& Beans(const Subject& subject)
 {
@@ -122,13 +124,13 @@ std::string FolderLeftOut(const TableBean& bean, const std::string& pattern)
 void CheckPattern(const TableBean& bean, Report& report)
 {
     const std::string pattern = LowerName(bean.dbName);
-    if (pattern.size() > LONGEST_FILE_PATTERN) {
+    if (pattern.size() > LONGEST_PATTERN) {
         return;
     }
     const bool mayMatch = MayMatchAPath(pattern);
     const std::string folder = mayMatch ? FolderLeftOut(bean, pattern) : "";
     // Last, as compiling a pattern takes longer than the rest. Another check reports what is no pattern.
-    if ((mayMatch && folder.empty()) || !IsFilePattern(pattern)) {
+    if ((mayMatch && folder.empty()) || !IsFileNamePattern(pattern)) {
         return;
     }
     if (!mayMatch) {
@@ -154,7 +156,7 @@ void CheckCover(const Subject& subject, Report& report)
 void CheckGrammar(const Subject& subject, Report& report)
 {
     for (const TableBean& bean : Beans(subject)) {
-        if (!bean.dbName.empty() && !IsFilePattern(LowerName(bean.dbName))) {
+        if (!bean.dbName.empty() && !IsFileNamePattern(LowerName(bean.dbName))) {
             AddAboutPattern(bean, "is no regular expression", "put a backslash before a sign that means itself",
                 report);
         }
@@ -279,7 +281,8 @@ constexpr Check CHECKS[] = {
         "the pattern may be right.",
         "the pattern must match the whole path, and no file is found", CheckCover},
     {"A817", Severity::ERROR, CheckClass::STATIC, "pattern that is no regular expression",
-        "A \"dbName\" that is no regular expression in the grammar of ECMAScript, or longer than 4096 characters.",
+        "A \"dbName\" that is no regular expression in the grammar of ECMAScript, or larger than the library takes: 4096 "
+        "characters and some 1000 states.",
         "the detection ends with an exception", CheckGrammar},
     {"A818", Severity::ERROR, CheckClass::STATIC, "pattern that changes in lower case",
         "A \"dbName\" with \\D, \\S, \\W, \\B or the class [:upper:].",
