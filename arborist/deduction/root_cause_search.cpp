@@ -12,7 +12,6 @@
 #include "arborist/frame/stopping.h"
 #include "arborist/model/event.h"
 #include "arborist/model/fault_tree.h"
-#include "arborist/utilities/string_util.h"
 #include "arborist/utilities/text_hash.h"
 
 namespace {
@@ -105,8 +104,7 @@ SurvivingTree CutDown(const std::shared_ptr<Event>& top)
 
 std::size_t RootCauseSearch::LimitOfSettings()
 {
-    const std::string text = FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(Settings::CAUSE_LIMIT, "");
-    const std::int32_t limit = StringUtil::Int32Of(text).value_or(0);
+    const std::int64_t limit = FaultTreePropGlobal::GetInstance().GetNumber(Settings::CAUSE_LIMIT).value_or(0);
     return limit > 0 ? static_cast<std::size_t>(limit) : NO_LIMIT;
 }
 

@@ -1,5 +1,8 @@
 #include "arborist/frame/fault_tree_prop_global.h"
 
+#include <charconv>
+#include <system_error>
+
 #include "arborist/frame/settings.h"
 
 FaultTreePropGlobal& FaultTreePropGlobal::GetInstance()
@@ -12,6 +15,18 @@ std::string FaultTreePropGlobal::GetFaultTreeProperty(std::string_view key, std:
 {
     const auto property = mProperties.find(key);
     return property == mProperties.end() ? std::string(defaultValue) : property->second;
+}
+
+std::optional<std::int64_t> FaultTreePropGlobal::GetNumber(std::string_view key) const
+{
+    const auto property = mProperties.find(key);
+    if (property == mProperties.end()) {
+        return std::nullopt;
+    }
+    std::int64_t number = 0;
+    const char* const end = property->second.data() + property->second.size();
+    const auto [stop, error] = std::from_chars(property->second.data(), end, number);
+    return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
 }
 
 bool FaultTreePropGlobal::SetFaultTreeProperty(const std::string& key, const std::string& value, bool overwrite)

@@ -10,7 +10,7 @@ namespace Settings {
 
 /// Directory that receives the copies of external databases.
 inline constexpr char APP_DATABASE_DIR[] = "AppDatabaseDir";
-/// Directory of the application's files. No detection reads it today.
+/// Directory of the application's files. A detection only logs it.
 inline constexpr char APP_FILE_DIR[] = "AppFileDir";
 /// Software version of the monitored device: some checks count only logged events of this version.
 inline constexpr char VERSION_NAME[] = "VersionName";

@@ -1,7 +1,6 @@
 #include "arborist/utilities/time_util.h"
 
 #include <algorithm>
-#include <charconv>
 #include <chrono>
 #include <ctime>
 #include <iomanip>
@@ -18,19 +17,6 @@
 namespace {
 
 constexpr std::size_t TIMESTAMP_DIGITS = 14;
-
-// The moment in a setting, if any.
-std::optional<std::int64_t> SetTime(const char* setting)
-{
-    const std::string text = FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(setting, "");
-    std::int64_t seconds = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, seconds);
-    if (text.empty() || error != std::errc() || stop != end) {
-        return std::nullopt;
-    }
-    return seconds;
-}
 
 std::chrono::system_clock::duration SinceEpoch()
 {
@@ -51,7 +37,7 @@ std::uint64_t TimeUtil::GenerateTimestamp()
 
 std::int64_t TimeUtil::GetTimeOfDay()
 {
-    if (const std::optional<std::int64_t> fixed = SetTime(Settings::CURRENT_TIME)) {
+    if (const std::optional<std::int64_t> fixed = FaultTreePropGlobal::GetInstance().GetNumber(Settings::CURRENT_TIME)) {
         return *fixed;
     }
     return std::chrono::duration_cast<std::chrono::seconds>(SinceEpoch()).count();
@@ -59,7 +45,7 @@ std::int64_t TimeUtil::GetTimeOfDay()
 
 std::int64_t TimeUtil::GetLastMoment()
 {
-    return SetTime(Settings::AS_OF).value_or(std::numeric_limits<std::int64_t>::max());
+    return FaultTreePropGlobal::GetInstance().GetNumber(Settings::AS_OF).value_or(std::numeric_limits<std::int64_t>::max());
 }
 
 std::int32_t TimeUtil::GetMillSecOfSec()

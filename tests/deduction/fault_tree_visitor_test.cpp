@@ -68,7 +68,7 @@ TEST_F(FaultTreeVisitorTest, CausesBeyondTheLimitAreLeftOutAndTold)
     deduce();
     EXPECT_THAT(NodeIds(), ElementsAre("A", "B")) << "without an observer, too";
     mLog.Clear();
-    for (const char* none : {"3", "0", "-1", "x", ""}) {
+    for (const char* none : {"3", "0", "-1", "x", "", "2x", "2147483648", "4294967297", "18446744073709551617"}) {
         settings.Set(Settings::CAUSE_LIMIT, none);
         deduce();
         EXPECT_THAT(NodeIds(), ElementsAre("A", "B", "C")) << none;
