@@ -17,7 +17,6 @@ class RuleChecker;
 /// weighs. They refer to the checker, which notes what a row can't answer.
 class AlarmQuestions {
 public:
-
     explicit AlarmQuestions(const RuleChecker& checker) : mChecker(checker) {}
 
     /// The tests of all conditions of an item.

@@ -61,6 +61,7 @@ public:
 class SuggestionParser final : public DescriptionParser {
 public:
     explicit SuggestionParser(std::string treeTag);
+    /// GetItemList, as rule code names it; kept for the tests.
     const FaultItemList& GetSuggestionList() const { return GetItemList(); }
 };
 

@@ -69,6 +69,7 @@ public:
     const FaultTreeList& GetFaultTrees() const { return mFaultTrees; }
     /// Version of the tree file; "-1" if the file names none, empty before the first file was read.
     std::string GetTreeFileVersion() const { return mTreeFileVersion; }
+    /// By name. Kept for the tests.
     const RuleMap& GetRuleMap() const { return mRuleMap; }
     /// The rules that a detection may ask: see FindNamedRules. Finds them at the first call after a parse.
     const RuleList& GetNamedRules();
