@@ -216,6 +216,11 @@ const char* arborist_error_code(const arborist_error* error)
     return diagnosis::CodeWord(error->failure.code);
 }
 
+int arborist_error_retry(const arborist_error* error)
+{
+    return diagnosis::IsWorthARetry(error->failure.code) ? 1 : 0;
+}
+
 const char* arborist_error_message(const arborist_error* error)
 {
     return error->failure.message.c_str();

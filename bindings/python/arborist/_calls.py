@@ -3,18 +3,20 @@
 from __future__ import annotations
 
 import json
+import math
+import operator
 import os
 from typing import Any, Union
 
 from arborist import _results
-from arborist._errors import BY_STATUS, ArboristError
+from arborist._errors import BY_STATUS, ArboristError, WrongUseError
 from arborist._log import LogQueue
 from arborist._native import ffi, lib
 from arborist._results import Detection, Explanation, Query, RepairRecord, RuleSet
 from arborist._running import Answers, CodeRunner, Stop, run, turn
 from arborist._text import sized_text, text_of
 
-Path = Union[str, "os.PathLike[str]"]
+Path = Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]"]
 Moment = Union[str, int]
 
 
@@ -32,6 +34,7 @@ def _error_of(handle: Any) -> ArboristError:
         text_of(lib.arborist_error_code(error)),
         text_of(lib.arborist_error_message(error)),
         sized_text(lib.arborist_error_json, error),
+        bool(lib.arborist_error_retry(error)),
     )
 
 
@@ -79,7 +82,29 @@ def _call_in_turn(
 
 
 def _path(path: Path | None) -> str | None:
-    return None if path is None else os.fspath(path)
+    return None if path is None else os.fsdecode(path)
+
+
+def _moment(name: str, moment: Moment | None) -> Moment | None:
+    if moment is None or isinstance(moment, str):
+        return moment
+    try:
+        if not isinstance(moment, bool):
+            return operator.index(moment)
+    except TypeError:
+        pass  # told below, in words of this argument
+    raise TypeError(f'{name} must be a text "YYYY-MM-DD HH:MM:SS" or whole seconds since the epoch, not {type(moment).__name__}')
+
+
+def _seconds(limit: float | None) -> float | None:
+    """JSON has neither NaN nor infinity."""
+    if limit is not None and not math.isfinite(limit):
+        raise WrongUseError("bad_request", '"time_limit" is no number of seconds from 0 to 86400')
+    return limit
+
+
+def _moments(now: Moment | None, as_of: Moment | None) -> dict[str, Any]:
+    return {"now": _moment("now", now), "asOf": _moment("as_of", as_of)}
 
 
 def detect(
@@ -97,8 +122,8 @@ def detect(
 ) -> Detection:
     """Diagnoses a bundle, a folder or a zip. `now` and `as_of` are "YYYY-MM-DD HH:MM:SS" or seconds since the epoch;
     `tree` adds the events of each tree to the JSON. An exception of `code_runner` stops the detection and is raised."""
-    keys: dict[str, Any] = {"bundle": _path(bundle), "now": now, "asOf": as_of, "tz": tz, "rules": _path(rules)}
-    keys.update({"live": live, "timeLimit": time_limit, "tree": tree})
+    keys: dict[str, Any] = {"bundle": _path(bundle), **_moments(now, as_of), "tz": tz, "rules": _path(rules)}
+    keys.update({"live": live, "timeLimit": _seconds(time_limit), "tree": tree})
     return _results.detection_of(*_call(lib.arborist_detect, keys, code_runner, stop))
 
 
@@ -124,7 +149,7 @@ def explain(
     """Diagnoses a bundle and tells why: every rule with all that it looked at."""
     keys: dict[str, Any] = {"bundle": _path(bundle), "event": event, "rule": rule, "cause": cause}
     keys.update({"nearMisses": near_misses, "limit": limit, "minimal": minimal, "brief": brief})
-    keys.update({"now": now, "asOf": as_of, "tz": tz, "rules": _path(rules), "live": live, "timeLimit": time_limit})
+    keys.update({**_moments(now, as_of), "tz": tz, "rules": _path(rules), "live": live, "timeLimit": _seconds(time_limit)})
     return _results.explanation_of(*_call(lib.arborist_explain, keys, code_runner, stop))
 
 
@@ -139,7 +164,7 @@ def query(
     live: bool = False,
 ) -> Query:
     """What the rule set says about a detection code, without a detection."""
-    keys = {"bundle": _path(bundle), "code": code, "now": now, "asOf": as_of, "tz": tz, "rules": _path(rules), "live": live}
+    keys = {"bundle": _path(bundle), "code": code, **_moments(now, as_of), "tz": tz, "rules": _path(rules), "live": live}
     return _results.query_of(*_call(lib.arborist_query, keys))
 
 
@@ -148,12 +173,13 @@ def record_repair(
     repair: str,
     *,
     now: Moment | None = None,
+    as_of: Moment | None = None,
     tz: str | None = None,
     rules: Path | None = None,
     live: bool = False,
 ) -> RepairRecord:
-    """Records in the bundle, a folder, that a repair was carried out now."""
-    keys = {"bundle": _path(bundle), "id": repair, "now": now, "tz": tz, "rules": _path(rules), "live": live}
+    """Records in the bundle, a folder, that a repair was carried out at the moment `as_of`, or else `now`."""
+    keys = {"bundle": _path(bundle), "id": repair, **_moments(now, as_of), "tz": tz, "rules": _path(rules), "live": live}
     return _results.records_of(*_call(lib.arborist_repair_record, keys))[0]
 
 

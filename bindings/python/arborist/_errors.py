@@ -5,19 +5,21 @@ from __future__ import annotations
 
 class ArboristError(Exception):
     """A call that failed. `code` is one of the error codes of the command, or "bad_request" or "busy"; `json` what the
-    command prints for the failure, empty if it prints nothing."""
+    command prints for the failure, empty if it prints nothing; `retry` whether the reason lies in the machine and may be
+    gone at another try."""
 
-    def __init__(self, code: str, message: str, json: str = "") -> None:
+    def __init__(self, code: str, message: str, json: str = "", retry: bool = False) -> None:
         super().__init__(message)
         self.code = code
         self.message = message
         self.json = json
+        self.retry = retry
 
     def __str__(self) -> str:
         return f"{self.code}: {self.message}"
 
-    def __reduce__(self) -> tuple[type[ArboristError], tuple[str, str, str]]:
-        return type(self), (self.code, self.message, self.json)
+    def __reduce__(self) -> tuple[type[ArboristError], tuple[str, str, str, bool]]:
+        return type(self), (self.code, self.message, self.json, self.retry)
 
 
 class WrongUseError(ArboristError):

@@ -127,10 +127,11 @@ class Detection:
 
 @dataclass(frozen=True)
 class Explanation:
-    """A detection with its evidence: `results` is the list that docs/explain.md describes."""
+    """A detection with its evidence: `results` is the list that docs/explain.md describes. `json` has all of it, too, and
+    stands for it in the hash."""
 
     bundle: str
-    results: list[dict[str, Any]] = field(repr=False)
+    results: list[dict[str, Any]] = field(repr=False, hash=False)
     warnings: tuple[Warning, ...]
     json: str = field(repr=False)
 
@@ -160,10 +161,11 @@ class RepairRecord:
 
 @dataclass(frozen=True)
 class RuleSet:
-    """What a rule set has: `tags` is the list that docs/rules.schema.json describes."""
+    """What a rule set has: `tags` is the list that docs/rules.schema.json describes. `json` has all of it, too, and stands
+    for it in the hash."""
 
     rules: str
-    tags: list[dict[str, Any]] = field(repr=False)
+    tags: list[dict[str, Any]] = field(repr=False, hash=False)
     json: str = field(repr=False)
 
 

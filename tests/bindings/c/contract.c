@@ -35,7 +35,7 @@ static void nulls_are_no_handles_and_are_freed(void)
     arborist_error_free(NULL);
     CHECK(arborist_detect(NULL, "{}", 2, &result, &error) == ARBORIST_WRONG_USE);
     CHECK(result == NULL && error != NULL && strcmp(arborist_error_code(error), "bad_request") == 0);
-    CHECK(arborist_error_status(error) == ARBORIST_WRONG_USE);
+    CHECK(arborist_error_status(error) == ARBORIST_WRONG_USE && arborist_error_retry(error) == 0);
     arborist_error_free(error);
     arborist_engine* engine = NULL;
     CHECK(arborist_engine_new(&engine, &error) == ARBORIST_OK && error == NULL);
@@ -193,7 +193,7 @@ static void* wait_for_the_turn(void* engine)
 {
     arborist_error* error = NULL;
     CHECK(arborist_detect(engine, request, strlen(request), NULL, &error) == ARBORIST_INTERNAL);
-    CHECK(error != NULL && strcmp(arborist_error_code(error), "timeout") == 0);
+    CHECK(error != NULL && strcmp(arborist_error_code(error), "timeout") == 0 && arborist_error_retry(error) == 1);
     arborist_error_free(error);
     has_waited = 1;
     return NULL;

@@ -3,6 +3,7 @@
 usage: python_package_test.py COMMAND     with the built package in PYTHONPATH
 """
 import dataclasses
+import datetime
 import gc
 import json
 import logging
@@ -144,24 +145,58 @@ class PackageTest(UnchangedInputs):
             self.assertTrue(str(raised.exception).startswith(code + ": "))
             copy = pickle.loads(pickle.dumps(raised.exception))
             self.assertEqual((copy.code, copy.message, copy.json), (code, raised.exception.message, raised.exception.json))
+            self.assertFalse(raised.exception.retry)
         with self.assertRaises(arborist.InputError) as raised:
             arborist.query("nowhere", "X")
         self.assertEqual(raised.exception.json, command("query", "--json", "nowhere", "X"))
         self.assertRaises(TypeError, arborist.detect, 5)
 
+    def test_a_failure_tells_whether_another_try_may_help(self):
+        with mock.patch.dict(os.environ, {"TMPDIR": "/nowhere"}), self.assertRaises(arborist.InternalError) as raised:
+            arborist.detect("laptop")
+        self.assertEqual(raised.exception.code, "no_scratch")
+        self.assertIs(raised.exception.retry, True)
+        self.assertIs(json.loads(raised.exception.json)["error"]["retry"], True)
+        self.assertIs(pickle.loads(pickle.dumps(raised.exception)).retry, True)
+
+    def test_answers_can_be_members_of_sets(self):
+        answers = [(arborist.detect, "laptop"), (arborist.explain, "laptop"), (arborist.rule_set, "laptop/rules")]
+        self.assertEqual(len({call(argument) for call, argument in answers * 2}), len(answers))
+
+    def test_a_moment_is_a_text_or_whole_seconds(self):
+        class Whole:
+            def __index__(self):
+                return 1716200000
+
+        self.assertEqual(arborist.detect("laptop", now=Whole()), arborist.detect("laptop", now=1716200000))
+        for moment in (1716200000.5, float("nan"), b"2024-05-20 12:00:00", True, datetime.date(2024, 5, 20)):
+            for name in ("now", "as_of"):
+                with self.assertRaises(TypeError) as raised:
+                    arborist.detect("laptop", **{name: moment})
+                self.assertEqual(str(raised.exception), f'{name} must be a text "YYYY-MM-DD HH:MM:SS" or whole seconds'
+                                 f" since the epoch, not {type(moment).__name__}")
+
+    def test_a_time_limit_is_a_number_of_seconds(self):
+        for limit in (-1, float("nan"), float("inf")):
+            with self.assertRaisesRegex(arborist.WrongUseError, "is no number of seconds from 0 to 86400$"):
+                arborist.detect("laptop", time_limit=limit)
+
     def test_a_path_that_is_no_utf_8_is_found(self):
         name = os.fsdecode(b"lap\xfftop")
         shutil.copytree("laptop", name)
         self.assertTrue(arborist.detect(name).is_fault)
+        self.assertTrue(arborist.detect(os.fsencode(name)).is_fault)
 
     def test_repairs_are_recorded_and_listed(self):
         shutil.copytree("laptop", "mended")
         record = arborist.record_repair("mended", "REPAIR_FAN", now="2024-05-19 08:00:00")
         self.assertEqual((record.id, record.date, record.warnings), ("REPAIR_FAN", "2024-05-19 08:00:00", ()))
+        earlier = arborist.record_repair("mended", "REPAIR_LID", now="2024-05-19 08:00:00", as_of="2024-05-18 08:00:00")
+        self.assertEqual(earlier.date, "2024-05-18 08:00:00")
         unknown = arborist.record_repair("mended", "REPAIR_FON")
         self.assertEqual([warning.code for warning in unknown.warnings], ["unknown_repair"])
         self.assertEqual([record.id for record in arborist.repairs("mended")],
-                         ["REPAIR_KEYBOARD", "REPAIR_FAN", "REPAIR_FON"])
+                         ["REPAIR_KEYBOARD", "REPAIR_FAN", "REPAIR_LID", "REPAIR_FON"])
 
     def test_a_repair_may_have_what_ends_a_line_in_its_id(self):
         shutil.copytree("laptop", "odd")

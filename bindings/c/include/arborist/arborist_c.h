@@ -145,6 +145,8 @@ ARBORIST_C_API void arborist_result_free(arborist_result* result);
 ARBORIST_C_API arborist_status arborist_error_status(const arborist_error* error);
 /** One of the error codes of docs/command.md, or "bad_request" or "busy". */
 ARBORIST_C_API const char* arborist_error_code(const arborist_error* error);
+/** 1 if the reason lies in the machine and may be gone at another try, as `error.retry` of the command's JSON; otherwise 0. */
+ARBORIST_C_API int arborist_error_retry(const arborist_error* error);
 /** One line for people, UTF-8, of some 4,000 bytes at most. Control characters are shown as "\xNN". */
 ARBORIST_C_API const char* arborist_error_message(const arborist_error* error);
 /** What the command prints on standard output for this failure, as above: empty if it prints nothing. */
