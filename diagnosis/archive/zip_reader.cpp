@@ -95,8 +95,10 @@ std::vector<std::uint64_t> LengthsInField(const std::string& extra)
 
 class Unpacking {
 public:
-    Unpacking(std::string shown, std::string target, std::vector<Warning>& warnings, const ZipLimits& limits)
-        : mShown(std::move(shown)), mTarget(std::move(target)), mWarnings(warnings), mLimits(limits)
+    Unpacking(std::string shown, std::string target, std::vector<Warning>& warnings, const ZipLimits& limits,
+        const std::function<bool()>& isToEnd)
+        : mShown(std::move(shown)), mTarget(std::move(target)), mWarnings(warnings), mLimits(limits),
+          mIsToEnd(isToEnd)
     {
     }
 
@@ -217,7 +219,7 @@ private:
             if (length <= 0) {
                 return length == 0 ? std::nullopt : std::optional(Bad("\"" + name + "\" is damaged"));
             }
-            if (mLimits.isToEnd && mLimits.isToEnd()) {
+            if (mIsToEnd && mIsToEnd()) {
                 return Failure{FailureCode::TIMEOUT, mShown + ": stopped before it was unpacked"};
             }
             left -= static_cast<std::uint64_t>(length);
@@ -237,6 +239,7 @@ private:
     std::string mTarget;
     std::vector<Warning>& mWarnings;
     ZipLimits mLimits;
+    const std::function<bool()>& mIsToEnd;
     std::unique_ptr<std::remove_pointer_t<unzFile>, ArchiveCloser> mArchive;
     std::uint64_t mSize = 0;
     std::uint64_t mBytes = 0;
@@ -261,9 +264,9 @@ bool IsZip(const std::string& path)
 }
 
 std::optional<Failure> UnpackZip(const std::string& path, const std::string& shown, const std::string& target,
-    std::vector<Warning>& warnings, const ZipLimits& limits)
+    std::vector<Warning>& warnings, const ZipLimits& limits, const std::function<bool()>& isToEnd)
 {
-    return std::make_unique<Unpacking>(shown, target, warnings, limits)->Run(path);
+    return std::make_unique<Unpacking>(shown, target, warnings, limits, isToEnd)->Run(path);
 }
 
 } // namespace diagnosis

@@ -16,8 +16,6 @@ struct ZipLimits {
     std::uint64_t entries = 65536;
     /// Unpacked size of all entries together.
     std::uint64_t bytes = std::uint64_t{4} << 30U;
-    /// Asked again and again; when it says so, the unpacking ends with the failure TIMEOUT. May be empty.
-    std::function<bool()> isToEnd = {};
 };
 
 /// True if the file at `path` begins like an archive.
@@ -27,9 +25,10 @@ bool IsZip(const std::string& path);
 /// the failure, if any; files unpacked before it stay.
 ///
 /// Refuses names that lead out of the target, repeated names, damaged or encrypted entries, folders more than 64 deep,
-/// and archives over the limits. Skips symbolic links with a warning for each.
+/// and archives over the limits. Skips symbolic links with a warning for each. Asks `isToEnd` again and again, unless it is
+/// null; when it says so, the unpacking ends with the failure TIMEOUT.
 std::optional<Failure> UnpackZip(const std::string& path, const std::string& shown, const std::string& target,
-    std::vector<Warning>& warnings, const ZipLimits& limits = {});
+    std::vector<Warning>& warnings, const ZipLimits& limits = {}, const std::function<bool()>& isToEnd = nullptr);
 
 } // namespace diagnosis
 

@@ -73,9 +73,8 @@ std::optional<Failure> BundleSession::Unpack(const BundlePath& path, const Bundl
     const fs::path unpacked = mScratch.Path("bundle");
     std::error_code error;
     fs::create_directory(unpacked, error);
-    ZipLimits limits;
-    limits.isToEnd = overrides.isToEnd;
-    if (auto failure = UnpackZip(path.absolute, path.given, unpacked.generic_string(), mWarnings, limits)) {
+    if (auto failure =
+            UnpackZip(path.absolute, path.given, unpacked.generic_string(), mWarnings, {}, overrides.isToEnd)) {
         return failure;
     }
     const auto folders = FoldersWithBundleFile(unpacked);
@@ -124,7 +123,8 @@ std::optional<Failure> BundleSession::EnterFolder(const BundlePath& path, const 
     mSettings = mBundle.settings;
     if (use == BundleUse::RUN) {
         if (auto failure = LayOverlay(mFolder, mScratch, mSettings, mNames)) {
-            return Failure{failure->code, mNames.Shown(failure->message), failure->status};
+            failure->message = mNames.Shown(failure->message);
+            return failure;
         }
     }
     if (const std::error_code reason = mDirectory.Enter(path.absolute)) {
@@ -172,7 +172,10 @@ std::optional<Failure> BundleSession::TakeRules(const std::string& folder)
     mBundle.ruleFileDir = folder;
     const auto root = mBundle.settings.find(Settings::PROGRAM_DATA_DIR);
     auto failure = LayDatabasesAnew(mFolder, mScratch, root == mBundle.settings.end() ? "" : root->second);
-    return failure ? Failure{failure->code, mNames.Shown(failure->message), failure->status} : failure;
+    if (failure) {
+        failure->message = mNames.Shown(failure->message);
+    }
+    return failure;
 }
 
 void BundleSession::HoldMoment()

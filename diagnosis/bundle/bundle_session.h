@@ -36,7 +36,7 @@ struct BundleOverrides {
     bool isLive = false;
     /// Seconds that a detection may take; 0 for no limit.
     double timeLimit = 0;
-    /// Asked while a zip is unpacked: see ZipLimits. May be empty.
+    /// Asked while a zip is unpacked: see UnpackZip. May be null.
     std::function<bool()> isToEnd = {};
 };
 

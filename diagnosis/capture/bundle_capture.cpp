@@ -341,7 +341,10 @@ Problem CaptureInto(const std::string& folder, const BundlePath& bundle, const C
     for (Warning& warning : report.warnings) {
         warning.message = session.Shown(warning.message);
     }
-    return failure ? std::optional(Failure{failure->code, session.Shown(failure->message), failure->status}) : failure;
+    if (failure) {
+        failure->message = session.Shown(failure->message);
+    }
+    return failure;
 }
 
 } // namespace

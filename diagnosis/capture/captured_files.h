@@ -18,7 +18,7 @@ class CapturedFiles {
 public:
     /// Copies nothing from the folders `own`, which belong to the run and may be inside a captured folder.
     CapturedFiles(std::string folder, ZipLimits limits, std::vector<std::string> own = {})
-        : mFolder(std::move(folder)), mLimits(std::move(limits)), mOwn(std::move(own))
+        : mFolder(std::move(folder)), mLimits(limits), mOwn(std::move(own))
     {
     }
 

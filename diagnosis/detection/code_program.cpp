@@ -22,6 +22,7 @@
 #include "diagnosis/process/interruption.h"
 #include "diagnosis/process/process_group.h"
 #include "diagnosis/process/signals.h"
+#include "diagnosis/text/in_seconds.h"
 
 namespace diagnosis {
 
@@ -148,13 +149,6 @@ ProgramOutcome OutcomeOf(int status)
     outcome.kind = ProgramOutcome::Kind::EXITED;
     outcome.exitStatus = WEXITSTATUS(status);
     return outcome;
-}
-
-std::string InSeconds(std::chrono::milliseconds timeout)
-{
-    std::ostringstream text;
-    text << static_cast<double>(timeout.count()) / 1000 << " s";
-    return text.str();
 }
 
 ProgramOutcome WaitFor(pid_t child, const ChildSignal& signal, std::chrono::milliseconds timeout)

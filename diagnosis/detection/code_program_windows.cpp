@@ -11,6 +11,7 @@
 
 #include "diagnosis/process/child_windows.h"
 #include "diagnosis/process/interruption.h"
+#include "diagnosis/text/in_seconds.h"
 
 namespace diagnosis {
 
@@ -30,13 +31,6 @@ ProgramOutcome Trouble(const std::string& trouble)
 ProgramOutcome CannotBeStarted(DWORD error)
 {
     return Trouble("can't be started: " + std::system_category().message(static_cast<int>(error)));
-}
-
-std::string InSeconds(std::chrono::milliseconds timeout)
-{
-    std::ostringstream text;
-    text << static_cast<double>(timeout.count()) / 1000 << " s";
-    return text.str();
 }
 
 bool IsFile(const fs::path& path)

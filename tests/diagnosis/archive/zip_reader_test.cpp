@@ -24,10 +24,11 @@ namespace fs = std::filesystem;
 
 class ZipReaderTest : public testing::Test {
 protected:
-    std::optional<diagnosis::Failure> Unpack(const diagnosis::ZipLimits& limits = {})
+    std::optional<diagnosis::Failure> Unpack(
+        const diagnosis::ZipLimits& limits = {}, const std::function<bool()>& isToEnd = nullptr)
     {
         mDir.MakeDir("in/out");
-        return diagnosis::UnpackZip("z.zip", "z.zip", mDir.Path("in/out"), mWarnings, limits);
+        return diagnosis::UnpackZip("z.zip", "z.zip", mDir.Path("in/out"), mWarnings, limits, isToEnd);
     }
 
     TempDir mDir;
@@ -56,12 +57,9 @@ std::string Zip64Field(const std::vector<std::uint64_t>& lengths)
 TEST_F(ZipReaderTest, EndsWhenItIsToEnd)
 {
     WriteZip(mDir.Path("z.zip"), {{"name", "content"}});
-    diagnosis::ZipLimits limits;
-    limits.isToEnd = [] { return false; };
-    EXPECT_FALSE(Unpack(limits));
+    EXPECT_FALSE(Unpack({}, [] { return false; }));
     fs::remove(mDir.Path("in/out/name"));
-    limits.isToEnd = [] { return true; };
-    const auto failure = Unpack(limits);
+    const auto failure = Unpack({}, [] { return true; });
     ASSERT_TRUE(failure);
     EXPECT_EQ(failure->code, diagnosis::FailureCode::TIMEOUT);
     EXPECT_EQ(failure->message, "z.zip: stopped before it was unpacked");

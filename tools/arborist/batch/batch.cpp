@@ -10,13 +10,13 @@
 #include <memory>
 #include <new>
 #include <optional>
-#include <sstream>
 #include <thread>
 #include <unordered_map>
 
 #include "diagnosis/process/shared_memory.h"
 #include "diagnosis/process/signals.h"
 #include "diagnosis/scratch/scratch.h"
+#include "diagnosis/text/in_seconds.h"
 #include "tools/arborist/batch/processors.h"
 #include "tools/arborist/batch/progress.h"
 #include "tools/arborist/batch/worker.h"
@@ -83,13 +83,6 @@ std::vector<std::optional<int>> ProcessorsOf(std::size_t workers)
         processors[i] = allowed[i % allowed.size()];
     }
     return processors;
-}
-
-std::string InSeconds(std::chrono::milliseconds time)
-{
-    std::ostringstream text;
-    text << static_cast<double>(time.count()) / 1000 << " s";
-    return text.str();
 }
 
 class Batch {
