@@ -53,19 +53,34 @@ std::map<std::string, std::string> RulesOfTheClock(const rule_source::RuleSet& r
     return found;
 }
 
-std::vector<std::set<std::string>> EventsOfTrees(const rule_source::Trees& trees)
+void AddTrees(const rule_source::Trees& trees, RuleTexts& texts)
 {
-    std::vector<std::set<std::string>> events;
     for (const rule_source::Tree& tree : trees.trees) {
         if (!tree.isKept) {
             continue;
         }
-        std::set<std::string>& ids = events.emplace_back();
+        texts.trees.emplace_back(tree.id);
+        std::set<std::string>& ids = texts.eventsOfTrees.emplace_back();
         for (std::size_t event = tree.begin; event < tree.end; ++event) {
             ids.emplace(trees.events[event].id);
         }
     }
-    return events;
+}
+
+std::vector<std::string> RulesOfEvents(const rule_source::Trees& trees)
+{
+    std::set<std::string_view> names;
+    for (const rule_source::TreeEvent& event : trees.events) {
+        if (event.binding == nullptr) {
+            continue;
+        }
+        for (const rule_source::BindingAlternative& alternative : event.binding->alternatives) {
+            for (const rule_source::RuleName& rule : alternative.names) {
+                names.insert(rule.name);
+            }
+        }
+    }
+    return {names.begin(), names.end()};
 }
 
 } // namespace
@@ -75,7 +90,12 @@ RuleTexts ReadRuleTexts(const Bundle& bundle)
     const rule_source::RuleSetFiles files =
         rule_source::ReadRuleSetFiles(rule_source::RuleSetPaths{TreeFilePath(bundle), RuleFilePath(bundle)});
     const rule_source::RuleSet rules(files, bundle.treeTag);
-    return {RulesOfTheClock(rules), EventsOfTrees(rules.trees)};
+    RuleTexts texts;
+    texts.rulesOfTheClock = RulesOfTheClock(rules);
+    AddTrees(rules.trees, texts);
+    texts.rules = RulesOfEvents(rules.trees);
+    texts.areRead = rules.hasTrees && rules.hasRules;
+    return texts;
 }
 
 } // namespace diagnosis

@@ -16,6 +16,12 @@ struct RuleTexts {
     std::map<std::string, std::string> rulesOfTheClock;
     /// The ids of the events of each tree, in the order of the results of a detection.
     std::vector<std::set<std::string>> eventsOfTrees;
+    /// The ids of the trees, in the same order.
+    std::vector<std::string> trees;
+    /// The rules that events of the trees name; a sweep need not ask them all.
+    std::vector<std::string> rules;
+    /// False if a file can't be read.
+    bool areRead = false;
 };
 
 /// Reads the rule set of a bundle that is entered. A file that can't be read has nothing.

@@ -53,12 +53,15 @@ public:
 
     void Run()
     {
-        mReport.failure = SetRange();
+        RuleTexts texts = ReadRuleTexts(mSession.GetBundle());
+        mReport.failure = texts.areRead ? UnknownName(texts.trees, texts.rules) : std::nullopt;
+        if (!mReport.failure) {
+            mReport.failure = SetRange();
+        }
         if (mReport.failure) {
             return;
         }
         SweepRequest request{mReport.from, mReport.until, mOptions.mostTableMoments};
-        RuleTexts texts = ReadRuleTexts(mSession.GetBundle());
         request.unsweptRules = std::move(texts.rulesOfTheClock);
         request.tree = mOptions.tree;
         request.rule = mOptions.rule;
@@ -169,6 +172,23 @@ private:
         }
     }
 
+    // The failure if --tree or --rule names none of these.
+    std::optional<Failure> UnknownName(const std::vector<std::string>& trees, const std::vector<std::string>& rules) const
+    {
+        const auto isKnown = [](const std::string& name, const std::vector<std::string>& names) {
+            return name.empty() || std::count(names.begin(), names.end(), name) != 0;
+        };
+        if (!isKnown(mOptions.tree, trees)) {
+            return Failure{FailureCode::NO_SUCH_TREE, mReport.bundle + ": has no tree \"" + mOptions.tree + "\""
+                + DidYouMean(mOptions.tree, trees)};
+        }
+        if (!isKnown(mOptions.rule, rules)) {
+            return Failure{FailureCode::NO_SUCH_RULE, mReport.bundle + ": no event asks a rule \"" + mOptions.rule + "\""
+                + DidYouMean(mOptions.rule, rules)};
+        }
+        return std::nullopt;
+    }
+
     // Leaves what --tree and --rule name.
     void Select()
     {
@@ -180,16 +200,7 @@ private:
         for (const SweptRule& rule : mReport.rules) {
             rules.push_back(rule.name);
         }
-        const auto isKnown = [](const std::string& name, const std::vector<std::string>& names) {
-            return name.empty() || std::count(names.begin(), names.end(), name) != 0;
-        };
-        if (!isKnown(mOptions.tree, trees)) {
-            mReport.failure = Failure{FailureCode::NO_SUCH_TREE, mReport.bundle + ": has no tree \"" + mOptions.tree + "\""
-                + DidYouMean(mOptions.tree, trees)};
-        } else if (!isKnown(mOptions.rule, rules)) {
-            mReport.failure = Failure{FailureCode::NO_SUCH_RULE, mReport.bundle + ": no event asks a rule \"" + mOptions.rule
-                + "\"" + DidYouMean(mOptions.rule, rules)};
-        }
+        mReport.failure = UnknownName(trees, rules);
         std::erase_if(mReport.trees, [this](const SweptTree& tree) {
             return !mOptions.tree.empty() ? tree.id != mOptions.tree : !mOptions.rule.empty();
         });

@@ -128,6 +128,13 @@ TEST_F(SweepCommandTest, OneTreeOrOneRuleIsToldAlone)
     EXPECT_THAT(Sweep({"--rule", "drop"}).err, HasSubstr("no event asks a rule \"drop\"; did you mean \"drops\"?"));
 }
 
+TEST_F(SweepCommandTest, ATreeOrRuleThatIsNotThereIsRefusedBeforeTheSweep)
+{
+    WriteDrops();
+    EXPECT_EQ(Sweep({"--tree", "TT", "--log-level", "debug"}).err, "arborist: b: has no tree \"TT\" [no_such_tree]\n");
+    EXPECT_EQ(Sweep({"--rule", "ddd", "--log-level", "debug"}).err, "arborist: b: no event asks a rule \"ddd\" [no_such_rule]\n");
+}
+
 TEST_F(SweepCommandTest, ColumnsAreAsWideAsTheirCharacters)
 {
     WriteDrops();
