@@ -1,27 +1,13 @@
 #include "diagnosis/bundle/repair_records.h"
 
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <iterator>
-#include <thread>
 
 #include "diagnosis/bundle/moment.h"
 #include "diagnosis/sqlite/connection.h"
 
 namespace diagnosis {
-
-namespace {
-
-// Others lock the records for single changes: some five seconds are enough for any number of them.
-bool WaitForLock(int tries)
-{
-    constexpr int MOST_TRIES = 500;
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    return tries < MOST_TRIES;
-}
-
-} // namespace
 
 std::optional<Failure> ReadRepairRecords(
     const std::string& path, std::vector<RepairRecord>& records, const RepairLimits& limits)
@@ -35,7 +21,6 @@ std::optional<Failure> ReadRepairRecords(
         return Failure{FailureCode::BAD_REPAIR_RECORDS, path + ": " + database.GetError()};
     }
     database.LimitToFile();
-    database.WhileLocked(WaitForLock);
     auto rows = database.Prepare("SELECT repair_id, repair_date FROM repair_data ORDER BY _id LIMIT ?");
     if (!rows) {
         return Failure{FailureCode::BAD_REPAIR_RECORDS, path + ": " + database.GetError()};

@@ -119,18 +119,18 @@ std::optional<Failure> CheckSchema(Connection& database, const std::string& path
 }
 
 std::optional<Failure> OpenResults(
-    const std::string& path, Connection& database, const std::function<bool(int tries)>& tryAgain)
+    const std::string& path, ReadOnlyDatabase& database, const std::function<bool(int tries)>& tryAgain)
 {
     std::error_code error;
     if (!std::filesystem::exists(path, error)) {
         return Failure{FailureCode::BAD_RESULTS, path + ": no such file"};
     }
-    if (!database.Open(path, Connection::Mode::READ_ONLY)) {
-        return DatabaseFailure(path, database);
+    if (auto failure = database.Open(path, FailureCode::BAD_RESULTS)) {
+        return failure;
     }
-    database.WhileLocked(tryAgain);
-    database.LimitToFile();
-    return CheckSchema(database, path);
+    database.Get().WhileLocked(tryAgain);
+    return database.Get().Execute("BEGIN") ? CheckSchema(database.Get(), path)
+                                           : std::optional(DatabaseFailure(path, database.Get()));
 }
 
 bool IsDatabaseFile(const std::string& path)

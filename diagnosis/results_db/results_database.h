@@ -6,7 +6,7 @@
 #include <string>
 
 #include "diagnosis/problem.h"
-#include "diagnosis/sqlite/connection.h"
+#include "diagnosis/sqlite/database_files.h"
 
 namespace diagnosis::results_db {
 
@@ -21,10 +21,11 @@ bool WaitForOthers(int tries);
 /// of columns that somebody added beside them are left alone; triggers and other indexes would run with an import.
 std::optional<Failure> CheckSchema(Connection& database, const std::string& path);
 
-/// Opens an existing results database for reading. It must have the schema of this version. Statements are limited by the
-/// size of the file. Asks `tryAgain` while another process has it locked.
+/// Opens an existing results database for reading, as it is at this moment: nobody changes it while it is open. It must have
+/// the schema of this version. Statements are limited by the size of the file. Asks `tryAgain` while another process has it
+/// locked.
 std::optional<Failure> OpenResults(
-    const std::string& path, Connection& database, const std::function<bool(int tries)>& tryAgain = WaitForOthers);
+    const std::string& path, ReadOnlyDatabase& database, const std::function<bool(int tries)>& tryAgain = WaitForOthers);
 
 /// The failure `bad_results` with the last error of the connection.
 Failure DatabaseFailure(const std::string& path, const Connection& database);

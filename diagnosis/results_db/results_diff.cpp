@@ -283,7 +283,7 @@ public:
     std::optional<Failure> Open(const std::string& path)
     {
         if (IsDatabaseFile(path)) {
-            return OpenDatabase(path, path);
+            return OpenResults(path, mDatabase, mTryAgain);
         }
         if (auto failure = mScratch.Make()) {
             return failure;
@@ -292,21 +292,12 @@ public:
         options.acceptsMixedRules = true;
         const std::string database = mScratch.Path("results.db");
         const ImportReport report = ImportResults({path}, database, options);
-        return report.isImported ? OpenDatabase(database, path) : std::optional(report.failures.front());
+        return report.isImported ? OpenResults(database, mDatabase, mTryAgain) : std::optional(report.failures.front());
     }
 
     Connection& Get() { return mDatabase.Get(); }
 
 private:
-    std::optional<Failure> OpenDatabase(const std::string& path, const std::string& name)
-    {
-        if (auto failure = mDatabase.Open(path, FailureCode::BAD_RESULTS)) {
-            return failure;
-        }
-        mDatabase.Get().WhileLocked(mTryAgain);
-        return CheckSchema(mDatabase.Get(), name);
-    }
-
     const std::function<bool(int tries)>& mTryAgain;
     // In this order, so that the connection is closed before its file is removed.
     Scratch mScratch;

@@ -11,15 +11,11 @@ namespace diagnosis {
 
 std::optional<Failure> ReadFleet(const std::string& path, std::int64_t withinDays, Fleet& fleet)
 {
-    Connection database;
+    ReadOnlyDatabase database;
     if (const auto failure = results_db::OpenResults(path, database)) {
         return failure;
     }
-    // One transaction, so that all figures are of one state of the file.
-    if (!database.Execute("BEGIN")) {
-        return results_db::DatabaseFailure(path, database);
-    }
-    Questions questions(database);
+    Questions questions(database.Get());
     const TrendWeeks weeks = ReadBundleFigures(questions, fleet);
     const CauseNumbers causes(questions);
     ReadCauseFigures(questions, causes, weeks, fleet.causes);

@@ -1,8 +1,10 @@
 #include "diagnosis/sqlite/connection.h"
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <limits>
+#include <thread>
 #include <utility>
 
 #include <sqlite3.h>
@@ -130,6 +132,14 @@ std::string Statement::Text(int column) const
     return text == nullptr ? std::string() : std::string(reinterpret_cast<const char*>(text), length);
 }
 
+bool WaitForLock(int tries)
+{
+    static constexpr std::chrono::milliseconds PAUSE(10);
+    static constexpr int MOST_TRIES = 5'000 / 10;
+    std::this_thread::sleep_for(PAUSE);
+    return tries < MOST_TRIES;
+}
+
 void Connection::Closer::operator()(sqlite3* database) const
 {
     sqlite3_close_v2(database);
@@ -145,6 +155,9 @@ bool Connection::Open(const std::string& path, Mode mode)
     const int flags = mode == Mode::READ_ONLY ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
     const int result = sqlite3_open_v2(path.c_str(), &database, flags, nullptr);
     mDatabase.reset(database);
+    if (result == SQLITE_OK) {
+        WhileLocked(WaitForLock);
+    }
     return result == SQLITE_OK;
 }
 
@@ -207,6 +220,16 @@ void Connection::AllowBytes(std::uint64_t bytes)
 bool Connection::IsInterrupted() const
 {
     return sqlite3_errcode(mDatabase.get()) == SQLITE_INTERRUPT;
+}
+
+bool Connection::IsLocked() const
+{
+    return sqlite3_errcode(mDatabase.get()) == SQLITE_BUSY;
+}
+
+bool Connection::NeedsRollback() const
+{
+    return sqlite3_extended_errcode(mDatabase.get()) == SQLITE_READONLY_ROLLBACK;
 }
 
 bool Connection::HasError() const

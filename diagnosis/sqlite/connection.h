@@ -49,16 +49,19 @@ private:
     std::unique_ptr<sqlite3_stmt, Finalizer> mStatement;
 };
 
+/// Waits a moment for a lock of another program, who has it for a single change as a rule. False after some five seconds.
+bool WaitForLock(int tries);
+
 /// A connection to one database file through SQLite's own interface, for files that only share their tables with the
 /// library. Not thread-safe.
 class Connection {
 public:
     enum class Mode { READ_ONLY, CREATE };
 
-    /// Opens a database. False on failure; see GetError. Refuses an existing path that is no plain file.
+    /// Opens a database. False on failure; see GetError. Refuses an existing path that is no plain file. Statements wait for locks as WaitForLock does.
     bool Open(const std::string& path, Mode mode);
     /// From now on, while another connection has the database locked, a statement asks `tryAgain` with the number of tries so
-    /// far, and fails if that says no. Call it on an open connection. Without it a statement fails at once.
+    /// far, and fails if that says no; null doesn't wait. Call it on an open connection.
     void WhileLocked(std::function<bool(int tries)> tryAgain);
     /// Runs statements that have neither parameters nor results.
     bool Execute(const std::string& sql);
@@ -77,6 +80,10 @@ public:
 
     bool HasError() const;
     bool IsInterrupted() const;
+    /// Whether the last statement failed as another connection has the database locked.
+    bool IsLocked() const;
+    /// Whether it failed as a program has ended within a change, which SQLite would undo in the file to read it.
+    bool NeedsRollback() const;
     std::string GetError() const;
     bool Close();
 

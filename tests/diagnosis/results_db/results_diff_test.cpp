@@ -1,11 +1,14 @@
 #include "diagnosis/results_db/results_diff.h"
 
 #include <algorithm>
+#include <fstream>
 #include <random>
 #include <sstream>
+#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "diagnosis/results_db/import_results.h"
 #include "tests/diagnosis/results_db/damaged_table.h"
@@ -114,10 +117,30 @@ TEST_F(ResultsDiffTest, ADatabaseThatAnImportHasLockedIsWaitedFor)
     mDir.Write("lines.jsonl", TextOf({LineOf("b").NoFault("T")}));
     ASSERT_TRUE(diagnosis::results_db::ImportResults({"lines.jsonl"}, "r.db", {}).isImported);
     diagnosis::Connection importing;
-    ASSERT_TRUE(importing.Open("r.db", diagnosis::Connection::Mode::CREATE) && importing.Execute("BEGIN EXCLUSIVE"));
+    ASSERT_TRUE(importing.Open("r.db", diagnosis::Connection::Mode::CREATE) && importing.Execute("BEGIN EXCLUSIVE; UPDATE bundle SET ok = ok"));
+    ASSERT_TRUE(mDir.Has("r.db-journal"));
     ResultsDiff diff;
     EXPECT_TRUE(CompareResults("r.db", "lines.jsonl", diff, [](int) { return false; }));
     EXPECT_FALSE(CompareResults("r.db", "lines.jsonl", diff, [&importing](int) { return importing.Execute("COMMIT"); }));
+}
+
+TEST_F(ResultsDiffTest, ADatabaseIsNotChangedWhileItIsCompared)
+{
+    mDir.Write("lines.jsonl", TextOf({LineOf("b").NoFault("T")}));
+    ASSERT_TRUE(diagnosis::results_db::ImportResults({"lines.jsonl"}, "r.db", {}).isImported);
+    ASSERT_EQ(mkfifo("pipe", 0600), 0);
+    std::thread other([this] {
+        std::ofstream pipe("pipe"); // opens when it is read, behind the database
+        diagnosis::Connection importing;
+        EXPECT_TRUE(importing.Open("r.db", diagnosis::Connection::Mode::CREATE));
+        importing.WhileLocked(nullptr);
+        EXPECT_FALSE(importing.Execute("DELETE FROM bundle"));
+        pipe << mDir.Read("lines.jsonl");
+    });
+    ResultsDiff diff;
+    EXPECT_FALSE(CompareResults("r.db", "pipe", diff));
+    EXPECT_EQ(diff.compared, 1);
+    other.join();
 }
 
 TEST_F(ResultsDiffTest, EqualResultsHaveNoDifference)

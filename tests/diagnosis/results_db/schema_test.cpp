@@ -1,5 +1,7 @@
 #include "diagnosis/results_db/schema.h"
 
+#include <filesystem>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -9,6 +11,7 @@
 namespace {
 
 using diagnosis::Connection;
+using diagnosis::ReadOnlyDatabase;
 using diagnosis::results_db::CreateSchema;
 using diagnosis::results_db::OpenResults;
 
@@ -25,7 +28,7 @@ protected:
 
     std::string MessageOf(const std::string& path)
     {
-        Connection database;
+        ReadOnlyDatabase database;
         const auto failure = OpenResults(path, database);
         return failure ? CodeWord(failure->code) + (": " + failure->message) : "none";
     }
@@ -38,20 +41,32 @@ TEST_F(SchemaTest, ADatabaseThatAnImportHasLockedIsWaitedFor)
     Make("");
     Connection importing;
     ASSERT_TRUE(importing.Open("r.db", Connection::Mode::CREATE) && importing.Execute("BEGIN EXCLUSIVE"));
-    Connection reading;
+    ReadOnlyDatabase reading;
     EXPECT_EQ(OpenResults("r.db", reading, [](int) { return false; })->message, "r.db: database is locked");
     EXPECT_FALSE(OpenResults("r.db", reading, [&importing](int) { return importing.Execute("COMMIT"); }));
+}
+
+TEST_F(SchemaTest, ADatabaseWhoseLastImportHasNotEndedIsReadWithoutIt)
+{
+    Make("");
+    Connection importing;
+    ASSERT_TRUE(importing.Open("r.db", Connection::Mode::CREATE) && importing.Execute("PRAGMA synchronous = OFF; BEGIN; DROP VIEW trees"));
+    for (const char* part : {"", "-journal"}) {
+        std::filesystem::copy_file(std::string("r.db") + part, std::string("dead.db") + part);
+    }
+    EXPECT_EQ(MessageOf("dead.db"), "none");
+    EXPECT_TRUE(mDir.Has("dead.db-journal")) << "it is left to the next import";
 }
 
 TEST_F(SchemaTest, ViewsCanBeAskedOfAnEmptyDatabase)
 {
     Make("");
-    Connection database;
+    ReadOnlyDatabase database;
     ASSERT_FALSE(OpenResults("r.db", database));
     for (const std::string view : {"bundles", "trees", "root_causes", "open_checks", "warnings", "repairs", "top_causes",
              "undecided_by_reason", "failed_by_code", "evidence"}) {
-        auto statement = database.Prepare("SELECT * FROM " + view);
-        ASSERT_TRUE(statement) << view << ": " << database.GetError();
+        auto statement = database.Get().Prepare("SELECT * FROM " + view);
+        ASSERT_TRUE(statement) << view << ": " << database.Get().GetError();
         EXPECT_FALSE(statement->Step());
     }
 }
@@ -79,12 +94,12 @@ TEST_F(SchemaTest, AnotherVersionIsRefusedWithBothNumbers)
 TEST_F(SchemaTest, StatementsOnAnOpenDatabaseAreLimitedByItsSize)
 {
     Make("");
-    Connection database;
+    ReadOnlyDatabase database;
     ASSERT_FALSE(OpenResults("r.db", database));
-    auto endless = database.Prepare("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT max(i) FROM n");
+    auto endless = database.Get().Prepare("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT max(i) FROM n");
     ASSERT_TRUE(endless);
     EXPECT_FALSE(endless->Step());
-    EXPECT_TRUE(database.IsInterrupted());
+    EXPECT_TRUE(database.Get().IsInterrupted());
 }
 
 struct AlteredCase {

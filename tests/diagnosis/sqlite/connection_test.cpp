@@ -87,7 +87,9 @@ TEST_F(ConnectionTest, AStatementWaitsForALockAsLongAsItIsTold)
     Connection other;
     ASSERT_TRUE(other.Open("a.db", Connection::Mode::CREATE) && other.Execute("begin immediate"));
     const auto isWritten = [this] { return mConnection.Execute("insert into t values (3, 4)"); };
+    mConnection.WhileLocked(nullptr);
     EXPECT_FALSE(isWritten());
+    EXPECT_TRUE(mConnection.IsLocked());
     mConnection.WhileLocked([](int tries) { return tries < 2; });
     EXPECT_FALSE(isWritten());
     EXPECT_EQ(mConnection.GetError(), "database is locked");

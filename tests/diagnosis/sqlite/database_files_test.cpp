@@ -1,7 +1,9 @@
 #include "diagnosis/sqlite/database_files.h"
 
 #include <algorithm>
+#include <atomic>
 #include <filesystem>
+#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,6 +15,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using diagnosis::Connection;
 using diagnosis::CopyDatabase;
 using diagnosis::IsTouchedByReading;
 using diagnosis::ReadOnlyDatabase;
@@ -34,18 +37,50 @@ protected:
         return names;
     }
 
+    // Adds the row 2 in a transaction that is open.
+    static Connection WriterOf(const std::string& path, const std::string& begin)
+    {
+        Connection writer;
+        EXPECT_TRUE(writer.Open(path, Connection::Mode::CREATE) && writer.Execute(begin + "; insert into t values (2)"));
+        return writer;
+    }
+
+    // Makes "dead.db", a database whose last program has ended within a change that is in the file in part.
+    static void LeaveAChangeUnfinished()
+    {
+        Connection writer;
+        ASSERT_TRUE(writer.Open("a.db", Connection::Mode::CREATE)
+            && writer.Execute("pragma synchronous = off; pragma cache_size = 1; begin; update t set a = 2;"
+                              "insert into t select zeroblob(5000) from pragma_function_list limit 100"));
+        for (const char* part : {"", "-journal"}) {
+            fs::copy_file(std::string("a.db") + part, std::string("dead.db") + part);
+        }
+        ASSERT_GT(fs::file_size("dead.db"), 100'000U);
+    }
+
     TempDir mDir;
 };
 
-TEST_F(DatabaseFilesTest, OnlyADatabaseWithAWalOrAJournalIsTouchedByReading)
+TEST_F(DatabaseFilesTest, OnlyADatabaseWithAnUnfinishedChangeOrAWalIsTouchedByReading)
 {
     EXPECT_FALSE(IsTouchedByReading("a.db"));
     EXPECT_FALSE(IsTouchedByReading("none.db"));
     EXPECT_FALSE(IsTouchedByReading("."));
-    mDir.Write("a.db-journal", "");
-    EXPECT_TRUE(IsTouchedByReading("a.db"));
-    fs::create_symlink("a.db", "link.db");
+    LeaveAChangeUnfinished();
+    EXPECT_TRUE(IsTouchedByReading("dead.db"));
+    fs::create_symlink("dead.db", "link.db");
     EXPECT_TRUE(IsTouchedByReading("link.db"));
+}
+
+TEST_F(DatabaseFilesTest, ADatabaseThatIsBeingChangedIsNotTouchedByReading)
+{
+    mDir.Write("a.db-journal", "");
+    EXPECT_FALSE(IsTouchedByReading("a.db"));
+    for (const char* begin : {"begin immediate", "begin exclusive"}) {
+        Connection writer = WriterOf("a.db", begin);
+        ASSERT_TRUE(mDir.Has("a.db-journal"));
+        EXPECT_FALSE(IsTouchedByReading("a.db"));
+    }
 }
 
 TEST_F(DatabaseFilesTest, ADatabaseInWalModeIsTouchedAlsoWithoutAWalBesideIt)
@@ -61,6 +96,35 @@ TEST_F(DatabaseFilesTest, ACopyHasTheRowsThatWaitInTheWal)
     fs::create_symlink("a.db", "link.db");
     EXPECT_FALSE(CopyDatabase("link.db", "copy.db"));
     EXPECT_THAT(DatabaseRows("copy.db", "select a from t"), ElementsAre("1", "2"));
+}
+
+TEST_F(DatabaseFilesTest, ACopyHasAnUnfinishedChangeUndone)
+{
+    LeaveAChangeUnfinished();
+    EXPECT_FALSE(CopyDatabase("dead.db", "copy.db"));
+    EventLogBuilder::Run("copy.db", "insert into t values (3)");
+    EXPECT_THAT(DatabaseRows("copy.db", "select a from t"), ElementsAre("1", "3"));
+    EXPECT_TRUE(IsTouchedByReading("dead.db"));
+}
+
+TEST_F(DatabaseFilesTest, ACopyIsMadeBetweenTheChangesOfOthers)
+{
+    Connection writer = WriterOf("a.db", "begin exclusive");
+    const auto failure = CopyDatabase("a.db", "copy.db", [](int) { return false; });
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->code, diagnosis::FailureCode::NOT_COPIED);
+    EXPECT_EQ(failure->message, "a.db: can't be copied: database is locked");
+    EXPECT_FALSE(CopyDatabase("a.db", "copy.db", [&writer](int) { return writer.Execute("commit"); }));
+    EXPECT_THAT(DatabaseRows("copy.db", "select a from t"), ElementsAre("1", "2"));
+}
+
+TEST_F(DatabaseFilesTest, ACopyHasNothingOfAChangeThatIsNotInTheFileYet)
+{
+    Connection writer = WriterOf("a.db", "begin immediate");
+    ASSERT_TRUE(mDir.Has("a.db-journal"));
+    EXPECT_FALSE(CopyDatabase("a.db", "copy.db", nullptr));
+    EXPECT_FALSE(mDir.Has("copy.db-journal"));
+    EXPECT_THAT(DatabaseRows("copy.db", "select a from t"), ElementsAre("1"));
 }
 
 TEST_F(DatabaseFilesTest, ACopyReplacesAFileWithItsJournals)
@@ -104,6 +168,25 @@ TEST_F(DatabaseFilesTest, ReadingLeavesTheFolderAsItIs)
     }
     EXPECT_EQ(Files(), files);
     EXPECT_EQ(mDir.Read("a.db-wal"), wal);
+}
+
+TEST_F(DatabaseFilesTest, ReadingWaitsForTheChangesOfOthers)
+{
+    Connection writer;
+    ASSERT_TRUE(writer.Open("a.db", Connection::Mode::CREATE) && writer.Execute("begin exclusive"));
+    std::atomic<bool> isRead = false;
+    std::thread other([&isRead] {
+        ReadOnlyDatabase database;
+        EXPECT_FALSE(database.Open("a.db", diagnosis::FailureCode::BAD_LOG));
+        EXPECT_TRUE(database.Get().Execute("select count(*) from t")) << database.Get().GetError();
+        isRead = true;
+    });
+    do { // the file is unlocked for moments only
+        EXPECT_TRUE(writer.Execute("commit"));
+        while (!writer.Execute("begin exclusive")) {
+        }
+    } while (!isRead);
+    other.join();
 }
 
 TEST_F(DatabaseFilesTest, ADatabaseThatCannotBeOpenedIsAFailureOfTheCallersCode)
