@@ -86,38 +86,44 @@ std::string DeleteOutside(const LogSlice& slice, std::optional<std::int64_t> lat
     return sql.empty() ? sql : sql + DELETE_MOMENTS_WITHOUT_EVENT + ";VACUUM;";
 }
 
-std::optional<Failure> CopyInto(const std::string& source, const std::string& target)
+struct Paths {
+    const std::string& source;
+    const std::string& target;
+};
+
+// What can't be written is the target's; whatever else fails lies in the log that is read, or copied from it.
+Failure FailureOf(const Connection& database, const Paths& paths)
 {
-    ReadOnlyDatabase file;
-    if (auto failure = file.Open(source, FailureCode::BAD_LOG)) {
-        return failure;
-    }
-    // Copies a consistent state even while a service writes.
-    auto copy = file.Get().Prepare("VACUUM INTO ?1");
-    if (copy) {
-        copy->Bind(1, target);
-        copy->Step();
-    }
-    return copy && !file.Get().HasError() ? std::nullopt
-                                          : std::optional(Failure{FailureCode::BAD_LOG, source + ": " + file.Get().GetError()});
+    return database.CannotWrite() ? Failure{FailureCode::LOG_NOT_WRITTEN, paths.target + ": " + database.GetError()}
+                                  : Failure{FailureCode::BAD_LOG, paths.source + ": " + database.GetError()};
 }
 
-std::optional<Failure> Cut(const std::string& source, const std::string& file, const LogSlice& slice)
+std::optional<Failure> CopyInto(const std::string& temporary, const Paths& paths)
+{
+    ReadOnlyDatabase file;
+    if (auto failure = file.Open(paths.source, FailureCode::BAD_LOG)) {
+        return failure;
+    }
+    return file.Get().WriteCopy(temporary) ? std::nullopt : std::optional(FailureOf(file.Get(), paths));
+}
+
+std::optional<Failure> Cut(const std::string& file, const Paths& paths, const LogSlice& slice)
 {
     Connection database;
     if (!database.Open(file, Connection::Mode::CREATE)) {
-        return Failure{FailureCode::BAD_LOG, source + ": " + database.GetError()};
+        return FailureOf(database, paths);
     }
     database.LimitToFile();
     const auto latest = slice.lastDays ? LatestTime(database, slice.asOf) : std::nullopt;
     if (database.HasError()) { // without a latest time the last days would be all
-        return Failure{FailureCode::BAD_LOG, source + ": " + database.GetError()};
+        return FailureOf(database, paths);
     }
     const std::string cut = DeleteOutside(slice, latest);
     if (!database.Execute("PRAGMA journal_mode = OFF") || !database.Execute(cut)) {
-        return Failure{FailureCode::BAD_LOG, source + ": " + database.GetError()};
+        return FailureOf(database, paths);
     }
-    return database.Close() ? std::nullopt : std::optional(Failure{FailureCode::LOG_NOT_WRITTEN, file + ": can't be closed"});
+    return database.Close() ? std::nullopt
+                            : std::optional(Failure{FailureCode::LOG_NOT_WRITTEN, paths.target + ": can't be closed"});
 }
 
 } // namespace
@@ -165,10 +171,11 @@ std::optional<Failure> SliceEventLog(const std::string& source, const std::strin
     if (const auto problem = file.MakeWithFolders(target)) {
         return Failure{FailureCode::LOG_NOT_WRITTEN, target + ": " + *problem};
     }
-    if (auto failure = CopyInto(source, file.TemporaryPath())) {
+    const Paths paths{source, target};
+    if (auto failure = CopyInto(file.TemporaryPath(), paths)) {
         return failure;
     }
-    if (auto failure = Cut(source, file.TemporaryPath(), slice)) {
+    if (auto failure = Cut(file.TemporaryPath(), paths, slice)) {
         return failure;
     }
     const auto problem = file.PutInPlace();

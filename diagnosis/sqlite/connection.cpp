@@ -173,6 +173,16 @@ bool Connection::Execute(const std::string& sql)
     return sqlite3_exec(mDatabase.get(), sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
+bool Connection::WriteCopy(const std::string& path)
+{
+    auto copy = Prepare("VACUUM INTO ?1");
+    if (copy) {
+        copy->Bind(1, path);
+        copy->Step();
+    }
+    return copy && !HasError();
+}
+
 std::int64_t Connection::Changes() const
 {
     return sqlite3_changes(mDatabase.get());
@@ -230,6 +240,13 @@ bool Connection::IsLocked() const
 bool Connection::NeedsRollback() const
 {
     return sqlite3_extended_errcode(mDatabase.get()) == SQLITE_READONLY_ROLLBACK;
+}
+
+bool Connection::CannotWrite() const
+{
+    const int code = sqlite3_extended_errcode(mDatabase.get());
+    const bool isOfReading = code == SQLITE_IOERR_READ || code == SQLITE_IOERR_SHORT_READ;
+    return code == SQLITE_FULL || ((code & 0xFF) == SQLITE_IOERR && !isOfReading);
 }
 
 bool Connection::HasError() const

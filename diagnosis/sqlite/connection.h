@@ -65,6 +65,8 @@ public:
     void WhileLocked(std::function<bool(int tries)> tryAgain);
     /// Runs statements that have neither parameters nor results.
     bool Execute(const std::string& sql);
+    /// Writes the database, as it is at one moment even while others write, to a new file.
+    bool WriteCopy(const std::string& path);
     /// How many rows the last statement that changes rows has changed.
     std::int64_t Changes() const;
     /// Nothing on failure; see GetError.
@@ -84,6 +86,8 @@ public:
     bool IsLocked() const;
     /// Whether it failed as a program has ended within a change, which SQLite would undo in the file to read it.
     bool NeedsRollback() const;
+    /// Whether it failed as a file can't be written, as on a full disk.
+    bool CannotWrite() const;
     std::string GetError() const;
     bool Close();
 
