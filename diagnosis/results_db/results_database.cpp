@@ -35,10 +35,9 @@ Schema ReadSchema(Questions& questions)
 // What CreateSchema makes, with the table of evidence or without it.
 Schema ExpectedSchema(bool withEvidence)
 {
-    static constexpr char IN_MEMORY[] = "";
     Connection database;
     Questions questions(database);
-    const bool isMade = database.Open(IN_MEMORY, Connection::Mode::CREATE) && database.Execute(SCHEMA)
+    const bool isMade = database.OpenInMemory() && database.Execute(SCHEMA)
         && (!withEvidence || database.Execute(EVIDENCE_SCHEMA));
     return isMade ? ReadSchema(questions) : Schema();
 }

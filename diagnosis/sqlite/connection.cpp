@@ -29,8 +29,15 @@ std::string ReasonAgainst(const std::string& path)
 {
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
-    return fs::is_directory(status) ? "is a folder"
+    return path.empty() ? "has no name"
+        : fs::is_directory(status) ? "is a folder"
         : fs::exists(status) && !fs::is_regular_file(status) ? "is no plain file" : "";
+}
+
+// SQLite takes some names for no file, or for the address of one.
+std::string FileName(const std::string& path)
+{
+    return path.starts_with(':') || path.starts_with("file:") ? "./" + path : path;
 }
 
 std::uint64_t SizeOf(const std::string& path)
@@ -153,11 +160,19 @@ bool Connection::Open(const std::string& path, Mode mode)
     }
     sqlite3* database = nullptr;
     const int flags = mode == Mode::READ_ONLY ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
-    const int result = sqlite3_open_v2(path.c_str(), &database, flags, nullptr);
+    const int result = sqlite3_open_v2(FileName(path).c_str(), &database, flags, nullptr);
     mDatabase.reset(database);
     if (result == SQLITE_OK) {
         WhileLocked(WaitForLock);
     }
+    return result == SQLITE_OK;
+}
+
+bool Connection::OpenInMemory()
+{
+    sqlite3* database = nullptr;
+    const int result = sqlite3_open(":memory:", &database);
+    mDatabase.reset(database);
     return result == SQLITE_OK;
 }
 
@@ -177,7 +192,7 @@ bool Connection::WriteCopy(const std::string& path)
 {
     auto copy = Prepare("VACUUM INTO ?1");
     if (copy) {
-        copy->Bind(1, path);
+        copy->Bind(1, FileName(path));
         copy->Step();
     }
     return copy && !HasError();

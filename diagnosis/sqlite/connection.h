@@ -58,8 +58,11 @@ class Connection {
 public:
     enum class Mode { READ_ONLY, CREATE };
 
-    /// Opens a database. False on failure; see GetError. Refuses an existing path that is no plain file. Statements wait for locks as WaitForLock does.
+    /// Opens a database file, whatever its name: ":memory:" and "file:a" are files as well. False on failure; see GetError.
+    /// Refuses an existing path that is no plain file. Statements wait for locks as WaitForLock does.
     bool Open(const std::string& path, Mode mode);
+    /// Makes an empty database that is in no file.
+    bool OpenInMemory();
     /// From now on, while another connection has the database locked, a statement asks `tryAgain` with the number of tries so
     /// far, and fails if that says no; null doesn't wait. Call it on an open connection.
     void WhileLocked(std::function<bool(int tries)> tryAgain);

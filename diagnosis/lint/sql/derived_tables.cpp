@@ -13,7 +13,7 @@ using rule_source::ThresholdBean;
 std::unique_ptr<Connection> OpenInMemory()
 {
     auto database = std::make_unique<Connection>();
-    if (!database->Open(":memory:", Connection::Mode::CREATE)) {
+    if (!database->OpenInMemory()) {
         return nullptr;
     }
     database->LimitToFile();

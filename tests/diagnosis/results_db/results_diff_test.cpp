@@ -143,6 +143,18 @@ TEST_F(ResultsDiffTest, ADatabaseIsNotChangedWhileItIsCompared)
     other.join();
 }
 
+TEST_F(ResultsDiffTest, ADatabaseMayHaveAnyName)
+{
+    mDir.Write("lines.jsonl", TextOf({LineOf("b").NoFault("T")}));
+    for (const char* name : {":memory:", "file:r.db?mode=ro"}) {
+        ASSERT_TRUE(diagnosis::results_db::ImportResults({"lines.jsonl"}, name, {}).isImported) << name;
+        EXPECT_EQ(diagnosis::results_db::ImportResults({"lines.jsonl"}, name, {}).counts.there, 1) << name;
+        ResultsDiff diff;
+        EXPECT_FALSE(CompareResults(name, "lines.jsonl", diff)) << name;
+        EXPECT_EQ(diff.compared, 1) << name;
+    }
+}
+
 TEST_F(ResultsDiffTest, EqualResultsHaveNoDifference)
 {
     const Lines lines = {LineOf("b").Fault("T", {"A"}).Undecided("U", "D"), LineOf("c").Failed("timeout", true)};

@@ -116,9 +116,30 @@ TEST_F(ConnectionTest, AReadingConnectionCreatesNoFileAndChangesNone)
     EXPECT_EQ(reading.GetError(), "attempt to write a readonly database");
 }
 
+TEST_F(ConnectionTest, EveryNameIsThatOfAFile)
+{
+    for (const char* name : {":memory:", "file:b.db?mode=memory"}) {
+        Connection other;
+        EXPECT_FALSE(other.Open(name, Connection::Mode::READ_ONLY));
+        EXPECT_TRUE(other.Open(name, Connection::Mode::CREATE) && other.Execute("create table u (a)"));
+        EXPECT_TRUE(mDir.Has(name));
+    }
+    EXPECT_TRUE(mConnection.WriteCopy("file:c.db"));
+    EXPECT_TRUE(mDir.Has("file:c.db"));
+}
+
+TEST_F(ConnectionTest, ADatabaseInMemoryIsNoFile)
+{
+    Connection other;
+    EXPECT_TRUE(other.OpenInMemory() && other.Execute("create table u (a)"));
+    EXPECT_FALSE(mDir.Has(":memory:"));
+}
+
 TEST_F(ConnectionTest, WhatIsNoPlainFileIsRefused)
 {
     Connection other;
+    EXPECT_FALSE(other.Open("", Connection::Mode::CREATE));
+    EXPECT_EQ(other.GetError(), "has no name");
     EXPECT_FALSE(other.Open(".", Connection::Mode::READ_ONLY));
     EXPECT_EQ(other.GetError(), "is a folder");
     EXPECT_FALSE(other.Open("/dev/null", Connection::Mode::READ_ONLY));
