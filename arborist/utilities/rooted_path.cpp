@@ -1,5 +1,6 @@
 #include "arborist/utilities/rooted_path.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <deque>
 #include <filesystem>
@@ -48,7 +49,20 @@ std::string Joined(const std::string& root, const std::vector<std::string>& elem
     return path;
 }
 
-#if defined(__linux__)
+#if defined(_WIN32)
+
+// With "/" alone and without a drive, which a captured device doesn't have: "C:\data" is "/data". Nothing for another
+// colon, behind which the system would see a drive or a stream.
+std::optional<std::string> WithoutDrive(std::string path)
+{
+    std::replace(path.begin(), path.end(), '\\', '/');
+    if (path.size() > 1 && path[1] == ':') {
+        path.replace(0, path.size() > 2 && path[2] == '/' ? 3 : 2, "/");
+    }
+    return path.find(':') == std::string::npos ? std::optional(std::move(path)) : std::nullopt;
+}
+
+#elif defined(__linux__)
 
 class Descriptor {
 public:
@@ -166,7 +180,9 @@ std::optional<std::string> FindByKernel(const std::string& root, const std::stri
     return opened;
 }
 
-#else
+#endif
+
+#if !defined(__linux__)
 
 std::string ResolveByKernel(const std::string&, const std::string&)
 {
@@ -179,6 +195,16 @@ std::optional<std::string> FindByKernel(const std::string&, const std::string&, 
 }
 
 #endif
+
+std::string BelowRootOrHere(const std::string& root, const std::string& path)
+{
+    if (path.front() == '/') {
+        return RootedPath::Resolve(root, path);
+    }
+    static constexpr std::string_view HERE = "./";
+    const std::string resolved = RootedPath::Resolve(".", path);
+    return resolved.size() > HERE.size() ? resolved.substr(HERE.size()) : resolved;
+}
 
 } // namespace
 
@@ -228,12 +254,12 @@ std::string RootedPath::OnDevice(const std::string& root, const std::string& pat
     if (root.empty() || path.empty()) {
         return path;
     }
-    if (path.front() == '/') {
-        return Resolve(root, path);
-    }
-    static constexpr std::string_view HERE = "./";
-    const std::string resolved = Resolve(".", path);
-    return resolved.size() > HERE.size() ? resolved.substr(HERE.size()) : resolved;
+#if defined(_WIN32)
+    const std::optional<std::string> plain = WithoutDrive(path);
+    return plain ? BelowRootOrHere(root, *plain) : "";
+#else
+    return BelowRootOrHere(root, path);
+#endif
 }
 
 RootedPath::Target::Target(const std::string& root, const std::string& path)

@@ -21,7 +21,8 @@ std::string ResolveStepByStep(const std::string& root, const std::string& path);
 
 /// The path on this machine of `path`, which a rule file names, for a device whose root directory is `root`: an
 /// absolute path is resolved below `root`, a relative one below the working directory, which it doesn't leave. With an
-/// empty `root`, for this machine, returns `path` itself.
+/// empty `root`, for this machine, returns `path` itself. On Windows a drive is left out, and a path with another colon
+/// gives the empty text: neither leads out.
 std::string OnDevice(const std::string& root, const std::string& path);
 
 /// What OnDevice resolves, found once and kept open: where the kernel resolves paths, opening Path can't lead out of
