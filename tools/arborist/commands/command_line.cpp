@@ -193,6 +193,7 @@ ExitStatus RunCommandLine(int argc, const char* const* argv)
     KeepStandardStreams();
     try {
         CLI::App app(DESCRIPTION, "arborist");
+        app.allow_windows_style_options(false); // there, "/x" is a path, too
         app.formatter(std::make_shared<TerminalFormatter>());
         app.set_version_flag("-V,--version", "arborist " ARBORIST_VERSION,
             "Show the version; with --json behind it, those of the libraries, too");
