@@ -68,7 +68,7 @@ void TidyUpAndEnd(int number)
     }
     CleanUp(false);
     // The handler is reset and the signal not blocked, so the process ends here.
-    raise(number);
+    EndBySignal(number);
 }
 
 void ListenToSignals()
@@ -169,7 +169,7 @@ bool WasStoppedBySignal()
 void EndIfStoppedBySignal()
 {
     if (WasStoppedBySignal()) {
-        raise(SIGINT);
+        EndBySignal(SIGINT);
     }
 }
 

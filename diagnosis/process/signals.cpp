@@ -29,6 +29,11 @@ void HandleOnce(int signal, SignalHandler handler)
     sigaction(signal, &action, nullptr);
 }
 
+void EndBySignal(int signal)
+{
+    raise(signal);
+}
+
 void SignalActions::Handle(int signal, SignalHandler handler)
 {
     const SignalAction action = ActionOf(handler, 0);

@@ -34,6 +34,10 @@ SignalHandler CurrentHandler(int signal);
 /// Lets `handler` take the next signal of this kind and no further one. May be called in a signal handler.
 void HandleOnce(int signal, SignalHandler handler);
 
+/// Ends the process as the signal does where nothing handles it, so that the caller's shell sees it. May be called in a
+/// signal handler.
+void EndBySignal(int signal);
+
 /// Replaces handlers of signals as long as it exists and restores the old ones at the end, where they are still its own: a
 /// host may have set others meanwhile.
 class SignalActions {

@@ -1,5 +1,7 @@
 #include "diagnosis/process/signals.h"
 
+#include <windows.h>
+
 namespace diagnosis {
 
 SignalHandler CurrentHandler(int signal)
@@ -13,6 +15,12 @@ SignalHandler CurrentHandler(int signal)
 void HandleOnce(int signal, SignalHandler handler)
 {
     std::signal(signal, handler);
+}
+
+// As the system's own handler of Ctrl-C does; `raise` ends with 3, which is an exit status of the command.
+void EndBySignal(int)
+{
+    TerminateProcess(GetCurrentProcess(), STATUS_CONTROL_C_EXIT);
 }
 
 void SignalActions::Handle(int signal, SignalHandler handler)

@@ -408,7 +408,7 @@ ExitStatus RunBatch(const std::vector<BundlePath>& bundles, const BatchWork& wor
         }
     }
     if (caughtSignal != 0) {
-        raise(caughtSignal); // ends by the signal, after cleaning up
+        EndBySignal(caughtSignal); // ends by the signal, after cleaning up
     }
     return status;
 }
