@@ -38,6 +38,7 @@ bool HasWal(const std::string& path)
 std::optional<Failure> CopyOne(const std::string& source, const std::string& target)
 {
     std::error_code error;
+    fs::remove(target, error); // on Windows, the compiler's library copies no file over another one
     fs::copy_file(source, target, fs::copy_options::overwrite_existing, error);
     if (!error) {
         fs::permissions(target, fs::perms::owner_read | fs::perms::owner_write, fs::perm_options::add, error);
