@@ -62,8 +62,10 @@ bool StopDetection(void (*handler)(int))
 
 void TidyUpAndEnd(int number)
 {
-    CleanUp(true); // programs first, as they may write into a folder
-    if (number == SIGINT && StopDetection(TidyUpAndEnd)) {
+    // First: on Windows the detection goes on meanwhile, and the end of a program must not pass for its answer.
+    const bool isStopped = number == SIGINT && StopDetection(TidyUpAndEnd);
+    CleanUp(true); // programs before folders, as they may write into one
+    if (isStopped) {
         return;
     }
     CleanUp(false);

@@ -8,7 +8,7 @@ void KillGroup(pid_t group)
 {
     const HANDLE process = OpenProcess(PROCESS_TERMINATE, FALSE, static_cast<DWORD>(group));
     if (process != nullptr) {
-        TerminateProcess(process, 1);
+        TerminateProcess(process, STATUS_CONTROL_C_EXIT); // no answer to a code rule, unlike 1
         CloseHandle(process);
     }
 }
