@@ -1,6 +1,9 @@
 #ifndef ARBORIST_TESTS_SUPPORT_PROCESS_H
 #define ARBORIST_TESTS_SUPPORT_PROCESS_H
 
+#ifdef _WIN32
+#include <functional>
+#endif
 #include <map>
 #include <string>
 #include <vector>
@@ -27,5 +30,11 @@ ProcessResult RunProcess(const std::vector<std::string>& command, const ProcessS
 
 /// The same with standard output on a terminal of its own. Line ends are as the program wrote them.
 ProcessResult RunOnTerminal(const std::vector<std::string>& command, const ProcessSetup& setup = {});
+
+#ifdef _WIN32
+/// The same on a console of its own, and `meanwhile` with the number of the process.
+ProcessResult RunOnConsole(const std::vector<std::string>& command, const std::function<void(unsigned long)>& meanwhile,
+    const ProcessSetup& setup = {});
+#endif
 
 #endif

@@ -99,9 +99,8 @@ private:
     HANDLE mHandle = INVALID_HANDLE_VALUE;
 };
 
-} // namespace
-
-ProcessResult RunProcess(const std::vector<std::string>& command, const ProcessSetup& setup)
+ProcessResult Run(const std::vector<std::string>& command, const ProcessSetup& setup, DWORD flags,
+    const std::function<void(unsigned long)>& meanwhile)
 {
     const StreamFile in(setup.input);
     const StreamFile out("");
@@ -116,16 +115,30 @@ ProcessResult RunProcess(const std::vector<std::string>& command, const ProcessS
     PROCESS_INFORMATION process{};
     std::wstring line = CommandLine(command);
     const std::wstring directory = Wide(setup.directory);
-    if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+    if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, flags, nullptr,
             directory.empty() ? nullptr : directory.c_str(), &startup, &process) == 0) {
         throw std::runtime_error("can't run " + command[0]);
     }
+    meanwhile(process.dwProcessId);
     WaitForSingleObject(process.hProcess, INFINITE);
     DWORD status = 0;
     GetExitCodeProcess(process.hProcess, &status);
     CloseHandle(process.hThread);
     CloseHandle(process.hProcess);
     return {static_cast<int>(status), out.Content(), err.Content()};
+}
+
+} // namespace
+
+ProcessResult RunProcess(const std::vector<std::string>& command, const ProcessSetup& setup)
+{
+    return Run(command, setup, 0, [](unsigned long) {});
+}
+
+ProcessResult RunOnConsole(const std::vector<std::string>& command, const std::function<void(unsigned long)>& meanwhile,
+    const ProcessSetup& setup)
+{
+    return Run(command, setup, CREATE_NO_WINDOW, meanwhile);
 }
 
 ProcessResult RunOnTerminal(const std::vector<std::string>&, const ProcessSetup&)

@@ -130,12 +130,31 @@ void WriteDropsTableRules(const TempDir& dir, const std::string& name, const std
         RuleXml("Tag").CommonPart({events}).EventRule("DROPS", {Single("r")}).Rule(rule).Text());
 }
 
+#ifdef _WIN32
+// Windows runs no scripts: a copy of what scripts/test-windows.sh has made, and a program that answers as the script does.
+void PrepareLaptop(const std::string& name)
+{
+    std::filesystem::create_directories(name);
+    std::filesystem::copy(PREPARED_LAPTOP, name, std::filesystem::copy_options::recursive);
+}
+
+std::string LaptopCodeRunner()
+{
+    return LAPTOP_CODE_RUNNER;
+}
+#else
 void PrepareLaptop(const std::string& name)
 {
     const auto script = std::string(ARBORIST_SOURCE_DIR) + "/examples/laptop/prepare.sh";
     const auto prepared = RunProcess({script, ARBORIST_COMMAND, name});
     EXPECT_EQ(prepared.status, 0) << prepared.err;
 }
+
+std::string LaptopCodeRunner()
+{
+    return std::string(ARBORIST_SOURCE_DIR) + "/examples/laptop/code-runner.sh";
+}
+#endif
 
 std::map<std::string, std::string> StateOf(const std::string& folder)
 {

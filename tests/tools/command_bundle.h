@@ -49,6 +49,9 @@ inline constexpr char LOG_OF_BUNDLE[] = "/programdata/Comms/Lumbra/workDir/0/log
 /// Prepares a runnable copy of the laptop example, which has rules of all families and external databases, in `name`.
 void PrepareLaptop(const std::string& name);
 
+/// The program that answers the code rules of the laptop example.
+std::string LaptopCodeRunner();
+
 /// Every path below `folder` with its kind, time of change and content.
 std::map<std::string, std::string> StateOf(const std::string& folder);
 

@@ -82,7 +82,7 @@ InputGuard::State InputGuard::Read() const
     State state;
     std::error_code error;
     std::vector<std::string> folders;
-    if (const std::string here = fs::current_path(error).string(); IsFolderOfATest(here)) {
+    if (const std::string here = fs::current_path(error).generic_string(); IsFolderOfATest(here)) {
         folders.push_back(here);
     }
     const std::string examples = std::string(ARBORIST_SOURCE_DIR) + "/examples/";
@@ -95,7 +95,7 @@ InputGuard::State InputGuard::Read() const
             if (!entry->is_symlink(ignored) && entry->is_regular_file(ignored)) {
                 std::ifstream file(entry->path(), std::ios::binary);
                 const std::string content{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-                state[entry->path().string()] = {content.size(), std::hash<std::string>()(content)};
+                state[entry->path().generic_string()] = {content.size(), std::hash<std::string>()(content)};
             }
         }
     }
@@ -118,7 +118,7 @@ bool InputGuard::MayBeWritten(const std::string& path) const
         return true;
     }
     return std::any_of(mWritten.begin(), mWritten.end(), [&path](const std::string& written) {
-        const std::string plain = fs::path("/" + written).lexically_normal().string();
+        const std::string plain = fs::path("/" + written).lexically_normal().generic_string();
         return plain != "/" && (EndsIn(path, plain) || path.find(plain + "/") != std::string::npos);
     });
 }

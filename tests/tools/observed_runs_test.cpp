@@ -72,8 +72,7 @@ void ExpectSameRuns(const std::string& path)
 TEST(ObservedRunsTest, TheLaptopIsDiagnosedTheSame)
 {
     const TempDir dir;
-    const std::string examples = std::string(ARBORIST_SOURCE_DIR) + "/examples/";
-    ASSERT_EQ(RunProcess({examples + "laptop/prepare.sh", ARBORIST_COMMAND, "laptop"}).status, 0);
+    PrepareLaptop("laptop");
     ExpectSameRuns(dir.Path("laptop"));
 }
 

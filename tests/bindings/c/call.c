@@ -10,6 +10,11 @@
 #include <stdlib.h>
 #include <string.h>
 
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#endif
+
 #include <arborist/arborist_c.h>
 
 typedef arborist_status (*call_function)(
@@ -110,6 +115,9 @@ int main(int argc, char** argv)
     struct host host = {NULL, -1, 0};
     long times = 1;
     char mark[] = "log ";
+#ifdef _WIN32
+    _setmode(_fileno(stdout), _O_BINARY); /* answers as they are, without carriage returns */
+#endif
     if (argc < 3 || find_operation(argv[1]) == NULL || arborist_engine_new(&host.engine, NULL) != ARBORIST_OK) {
         return 100;
     }

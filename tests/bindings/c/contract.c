@@ -2,6 +2,7 @@
  *
  *     c_contract BUNDLE TWO     bundles with one and with two code rules that have no recorded answer */
 #include <pthread.h>
+#include <sched.h>
 #include <stdatomic.h>
 #include <stdio.h>
 #include <string.h>
@@ -238,6 +239,7 @@ static void* stop_all_the_time(void* engine)
 {
     while (!done) {
         arborist_engine_stop(engine);
+        sched_yield(); /* a lock goes to whoever is quick */
     }
     return NULL;
 }

@@ -106,7 +106,7 @@ TEST(CapturedFilesTest, WhatLiesTooDeepIsLeftOutWithAWarning)
     EXPECT_EQ(files.Files(), 60U);
     ASSERT_EQ(files.GetWarnings().size(), 1U);
     EXPECT_EQ(files.GetWarnings()[0].message,
-        fs::canonical(folder).string() + ": lies too deep, and what it holds is left out");
+        fs::canonical(folder).generic_string() + ": lies too deep, and what it holds is left out");
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "diagnosis/cases/case_file.h"
 
+#include <filesystem>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -27,6 +29,12 @@ std::vector<std::string> Messages(const CaseFile& file)
         messages.push_back(failure.message);
     }
     return messages;
+}
+
+// On Windows, with the drive.
+std::string FromTheRoot(const std::string& path)
+{
+    return std::filesystem::absolute(path).generic_string();
 }
 
 // The one case of a text.
@@ -60,7 +68,7 @@ TEST(CaseFileTest, EveryKeyOfACaseIsRead)
             "log": ["l"], "noLog": ["m"]}})");
     EXPECT_EQ(one.file + " " + one.name + " " + std::to_string(one.line), "/rules/t.test.json n 1");
     EXPECT_FALSE(one.isReviewed);
-    EXPECT_EQ(one.bundle.ruleFileDir, "/r");
+    EXPECT_EQ(one.bundle.ruleFileDir, FromTheRoot("/r"));
     EXPECT_EQ(one.bundle.ruleFilePrefix + one.bundle.treeTag + one.bundle.tz + one.bundle.now,
         "pTUTC2024-05-20 12:00:00");
     EXPECT_EQ(one.bundle.detectScene, 3);
@@ -91,7 +99,7 @@ TEST(CaseFileTest, ASmallCaseNeedsLittleAndIsAQuietDeviceInUtc)
     const TestCase one = Read(R"({"scene": 1, "expect": {"causes": {"T": []}}})");
     EXPECT_EQ(one.name, "t");
     EXPECT_TRUE(one.isReviewed);
-    EXPECT_EQ(one.bundle.ruleFileDir, "/rules");
+    EXPECT_EQ(one.bundle.ruleFileDir, FromTheRoot("/rules"));
     EXPECT_EQ(one.bundle.treeTag + one.bundle.tz + one.bundle.now, "UTC2024-01-01 12:00:00");
     ASSERT_TRUE(one.events.has_value());
     EXPECT_THAT(*one.events, IsEmpty());

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <filesystem>
 #include <set>
 
 #include <gmock/gmock.h>
@@ -70,7 +71,7 @@ TEST(LintFixes, PutTheNearNameInThePlaceOfAnUnknownOne)
     std::set<std::string> mended;
     for (const LintSample& sample : AllLintSamples()) {
         if (!IsFoundAfterFixes(sample)) {
-            mended.insert(sample.folder.substr(sample.folder.rfind('/') + 1));
+            mended.insert(std::filesystem::path(sample.folder).filename().string());
         }
     }
     EXPECT_THAT(mended, testing::IsSupersetOf({"A102-tag-in-lower-case", "A104-attribute-misspelt",

@@ -1,13 +1,13 @@
 #include "diagnosis/process/process_state.h"
 
 #include <cstdlib>
-#include <ctime>
 #include <filesystem>
 
 #include <gtest/gtest.h>
 
 #include "arborist/frame/fault_tree_prop_global.h"
 #include "arborist/frame/settings.h"
+#include "diagnosis/process/local_time.h"
 #include "tests/support/temp_dir.h"
 
 namespace {
@@ -18,8 +18,7 @@ using diagnosis::WorkingDirectory;
 
 int HourAtTheEpoch()
 {
-    const std::time_t epoch = 0;
-    return std::localtime(&epoch)->tm_hour;
+    return diagnosis::LocalTime(0)->tm_hour;
 }
 
 std::string Setting(const char* key)
@@ -53,7 +52,7 @@ TEST(WorkingDirectoryTest, IsGivenBackAlsoWhenItCouldNotBeEntered)
         EXPECT_EQ(missing.Enter("none"), std::errc::no_such_file_or_directory);
         EXPECT_EQ(std::filesystem::current_path().filename(), "inner");
     }
-    EXPECT_EQ(std::filesystem::current_path().string(), dir.Path());
+    EXPECT_EQ(std::filesystem::current_path().generic_string(), dir.Path());
 }
 
 TEST(SettingsInForceTest, EachSetReplacesAllAndNoneIsLeftAtTheEnd)

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "diagnosis/report/html.h"
+#include "tests/support/pattern.h"
 
 namespace {
 
@@ -107,7 +108,7 @@ TEST(ReportPageTest, IsMadeForPaperPhonesAndDarkScreens)
     EXPECT_THAT(style("(max-width: 40rem)"), HasSubstr(".card dl { grid-template-columns: 1fr;"));
     EXPECT_THAT(page, HasSubstr("<meta name=\"viewport\""));
     // Where the top event is drawn, which the picture shows first.
-    EXPECT_THAT(page, testing::ContainsRegex("<span class=\"start\" style=\"top: [0-9]+px\"></span>\n<svg"));
+    EXPECT_THAT(page, ContainsPattern("<span class=\"start\" style=\"top: [0-9]+px\"></span>\n<svg"));
 }
 
 TEST(ReportPageTest, LoadsAndRunsNothing)

@@ -39,6 +39,13 @@ inline std::vector<std::string> Outcomes(const std::string& out)
     return outcomes;
 }
 
+/// As many worker processes as a test wants; Windows has none.
+#ifdef _WIN32
+inline constexpr char SOME_JOBS[] = "1";
+#else
+inline constexpr char SOME_JOBS[] = "2";
+#endif
+
 /// Bundles in the current directory, and their list as the command reads it.
 class BatchTest : public testing::Test {
 protected:

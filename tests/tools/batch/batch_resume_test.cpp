@@ -22,7 +22,7 @@ class BatchResumeTest : public BatchTest {
 protected:
     ProcessResult Run(std::vector<std::string> more, const std::string& list = "list")
     {
-        more.insert(more.begin(), {"detect", "--batch", list, "--jobs", "2", "--now", "2024-05-20 12:00:00"});
+        more.insert(more.begin(), {"detect", "--batch", list, "--jobs", SOME_JOBS, "--now", "2024-05-20 12:00:00"});
         return RunArborist(more);
     }
 
@@ -213,7 +213,7 @@ TEST_F(BatchResumeTest, ARunThatIsKilledAgainAndAgainHasEachBundleOnceAtTheEnd)
     std::vector<std::string> before;
     for (int status = -1; status != 0; ++killed) {
         mDir.Write("earlier", Joined(before));
-        const auto result = RunProcess({ARBORIST_COMMAND, "detect", "--batch", "list", "--jobs", "2", "--resume", "earlier",
+        const auto result = RunProcess({ARBORIST_COMMAND, "detect", "--batch", "list", "--jobs", SOME_JOBS, "--resume", "earlier",
             "--code-runner", killer});
         auto lines = Lines(result.out);
         if (!result.out.empty() && result.out.back() != '\n') {

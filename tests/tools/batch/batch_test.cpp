@@ -2,11 +2,7 @@
 #include <filesystem>
 #include <map>
 
-#include <climits>
 #include <csignal>
-
-#include <sys/inotify.h>
-#include <unistd.h>
 
 #include <gmock/gmock.h>
 
@@ -56,7 +52,7 @@ TEST_F(BatchTest, AThousandBundlesWithTenBrokenOnesGiveAThousandLines)
     }
     const auto broken = BreakTen(mDir, names);
     mDir.Write("list", Joined(names));
-    const auto result = RunArborist({"detect", "--batch", "list", "--jobs", "2", "--log-level", "none", "--code-runner",
+    const auto result = RunArborist({"detect", "--batch", "list", "--jobs", SOME_JOBS, "--log-level", "none", "--code-runner",
         Script("kill -KILL $PPID")});
     auto expected = names;
     for (const auto& [number, code] : broken) {
@@ -75,48 +71,6 @@ TEST_F(BatchTest, ALineIsTheSameAsThatOfASingleDetection)
     const std::string now = "2024-05-20 12:00:00";
     EXPECT_EQ(WithoutSeconds(RunArborist({"detect", "--batch", "-", "--tree", "--now", now}, {.input = "b\n"}).out),
         WithoutSeconds(RunArborist({"detect", "--json", "--tree", "--now", now, "b"}).out));
-}
-
-/// Notices whether a file is opened while it lives.
-class OpenWatch {
-public:
-    explicit OpenWatch(const std::string& path) : mQueue(inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
-    {
-        EXPECT_NE(inotify_add_watch(mQueue, path.c_str(), IN_OPEN), -1);
-    }
-    ~OpenWatch() { close(mQueue); }
-    OpenWatch(const OpenWatch&) = delete;
-    OpenWatch& operator=(const OpenWatch&) = delete;
-
-    bool WasOpened() const
-    {
-        alignas(inotify_event) char event[sizeof(inotify_event) + NAME_MAX + 1];
-        return read(mQueue, event, sizeof event) > 0;
-    }
-
-private:
-    int mQueue;
-};
-
-// No bundle names the second rule set of the folder, so that no worker reads it. The runs have no guard of their inputs,
-// which would open it.
-TEST_F(BatchTest, TheRuleSetsOfTheOptionAreCheckedBeforeTheWorkersAre)
-{
-    WriteHotBundle(mDir, "b");
-    fs::rename("b/rules", "rules");
-    for (const char* file : {"FaultTrees.xml", "FaultTreeRules.xml"}) {
-        mDir.Write(std::string("rules/P_") + file, mDir.Read(std::string("rules/") + file));
-    }
-    const OpenWatch watch("rules/P_FaultTrees.xml");
-    const std::vector<std::string> options{"--rules", "rules", "--now", "2024-05-20 12:00:00"};
-    const auto run = [&](std::vector<std::string> arguments) {
-        arguments.insert(arguments.end(), options.begin(), options.end());
-        return WithoutSeconds(RunProcess(arguments, {.input = "b\n"}).out);
-    };
-    const std::string alone = run({ARBORIST_COMMAND, "detect", "--json", "b"});
-    EXPECT_FALSE(watch.WasOpened());
-    EXPECT_EQ(run({ARBORIST_COMMAND, "detect", "--batch", "-"}), alone);
-    EXPECT_TRUE(watch.WasOpened());
 }
 
 TEST_F(BatchTest, BundlesWithOneRuleSetAnswerAsByThemselves)
@@ -144,7 +98,7 @@ TEST_F(BatchTest, OrderedKeepsTheOrderOfTheList)
 {
     auto names = WriteBundles(60);
     std::reverse(names.begin(), names.end());
-    const auto result = RunArborist({"detect", "--batch", "-", "--jobs", "3", "--ordered"}, {.input = Joined(names)});
+    const auto result = RunArborist({"detect", "--batch", "-", "--jobs", SOME_JOBS, "--ordered"}, {.input = Joined(names)});
     auto expected = names;
     for (std::string& name : expected) {
         name += name == "b19" || name == "b39" || name == "b59" ? ": bad_json" : "";

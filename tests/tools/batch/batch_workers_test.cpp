@@ -1,9 +1,12 @@
 #include <chrono>
+#include <climits>
 #include <filesystem>
 #include <set>
 
 #include <csignal>
 #include <sched.h>
+#include <sys/inotify.h>
+#include <unistd.h>
 
 #include <gmock/gmock.h>
 
@@ -20,6 +23,48 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
+
+/// Notices whether a file is opened while it lives.
+class OpenWatch {
+public:
+    explicit OpenWatch(const std::string& path) : mQueue(inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
+    {
+        EXPECT_NE(inotify_add_watch(mQueue, path.c_str(), IN_OPEN), -1);
+    }
+    ~OpenWatch() { close(mQueue); }
+    OpenWatch(const OpenWatch&) = delete;
+    OpenWatch& operator=(const OpenWatch&) = delete;
+
+    bool WasOpened() const
+    {
+        alignas(inotify_event) char event[sizeof(inotify_event) + NAME_MAX + 1];
+        return read(mQueue, event, sizeof event) > 0;
+    }
+
+private:
+    int mQueue;
+};
+
+// No bundle names the second rule set of the folder, so that no worker reads it. The runs have no guard of their inputs,
+// which would open it.
+TEST_F(BatchTest, TheRuleSetsOfTheOptionAreCheckedBeforeTheWorkersAre)
+{
+    WriteHotBundle(mDir, "b");
+    std::filesystem::rename("b/rules", "rules");
+    for (const char* file : {"FaultTrees.xml", "FaultTreeRules.xml"}) {
+        mDir.Write(std::string("rules/P_") + file, mDir.Read(std::string("rules/") + file));
+    }
+    const OpenWatch watch("rules/P_FaultTrees.xml");
+    const std::vector<std::string> options{"--rules", "rules", "--now", "2024-05-20 12:00:00"};
+    const auto run = [&](std::vector<std::string> arguments) {
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        return WithoutSeconds(RunProcess(arguments, {.input = "b\n"}).out);
+    };
+    const std::string alone = run({ARBORIST_COMMAND, "detect", "--json", "b"});
+    EXPECT_FALSE(watch.WasOpened());
+    EXPECT_EQ(run({ARBORIST_COMMAND, "detect", "--batch", "-"}), alone);
+    EXPECT_TRUE(watch.WasOpened());
+}
 
 TEST_F(BatchTest, AWorkerThatCrashesCostsItsBundleOnly)
 {

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 
 #include "tests/support/event_log_builder.h"
+#include "tests/support/pattern.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
@@ -24,7 +25,7 @@ namespace fs = std::filesystem;
 constexpr std::int64_t NOW = 1716206400;
 constexpr std::int64_t DAY = 86400;
 
-const std::string CODE_RUNNER = std::string(ARBORIST_SOURCE_DIR) + "/examples/laptop/code-runner.sh";
+const std::string CODE_RUNNER = LaptopCodeRunner();
 
 class BundleCommandTest : public testing::Test {
 protected:
@@ -272,7 +273,7 @@ TEST_F(BundleCommandTest, TheMomentAndTheZoneOfThePackingAreRecorded)
     const auto packed = RunArborist({"bundle", "pack", "b", "-o", "p"}, {.environment = {{"TZ", "Europe/Berlin"}}});
     EXPECT_EQ(packed.status, 0);
     EXPECT_THAT(mDir.Read("p/bundle.json"), HasSubstr("\"tz\": \"Europe/Berlin\""));
-    EXPECT_THAT(mDir.Read("p/bundle.json"), testing::ContainsRegex("\"now\": (\"20|[0-9]{10})"));
+    EXPECT_THAT(mDir.Read("p/bundle.json"), ContainsPattern("\"now\": (\"20|[0-9]{10})"));
     Pack({"b", "-o", "q", "--now", "2024-05-01 10:00:00", "--tz", "UTC"});
     EXPECT_THAT(mDir.Read("q/bundle.json"), HasSubstr("\"now\": \"2024-05-01 10:00:00\""));
     EXPECT_THAT(mDir.Read("q/bundle.json"), HasSubstr("\"tz\": \"UTC\""));

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "diagnosis/exit_status.h"
+#include "tests/support/pattern.h"
 #include "tests/support/temp_dir.h"
 #include "tests/tools/command_bundle.h"
 
@@ -49,7 +50,7 @@ TEST(CommandLineTest, VersionIsAResult)
 {
     for (const char* option : {"--version", "-V"}) {
         const auto result = RunArborist({option});
-        EXPECT_THAT(result.out, testing::MatchesRegex("arborist [0-9]+\\.[0-9]+\\.[0-9]+\n")) << option;
+        EXPECT_THAT(result.out, MatchesPattern("arborist [0-9]+\\.[0-9]+\\.[0-9]+\n")) << option;
         EXPECT_EQ(result.status, 0) << option;
     }
 }

@@ -10,6 +10,7 @@
 #include "tests/support/xml_builder.h"
 #include "arborist/arborist_version.h"
 #include "diagnosis/digest/digest.h"
+#include "tests/support/pattern.h"
 #include "tests/tools/command_bundle.h"
 #include "tests/tools/json_schema.h"
 
@@ -325,7 +326,7 @@ TEST_F(DetectCommandTest, AbsoluteNodePathsLieBelowTheDeviceRootOfTheirOwnBundle
     mDir.Write("captured/root" + path, "90");
     mDir.Write("temperature", "20");
     EXPECT_THAT(RunArborist({"detect", "captured", "live", "captured"}).out,
-        testing::MatchesRegex("captured\n.*FAULT(.|\n)*live\n.*no fault, UNDECIDED(.|\n)*captured\n.*FAULT(.|\n)*"));
+        MatchesPattern("captured\n.*FAULT(.|\n)*live\n.*no fault, UNDECIDED(.|\n)*captured\n.*FAULT(.|\n)*"));
 }
 
 TEST_F(DetectCommandTest, StandardOutputHasResultsOnlyWhateverTheLogLevel)

@@ -53,7 +53,7 @@ protected:
 TEST_F(RecordCase, OfTheLaptopAnswersLikeTheLaptop)
 {
     PrepareLaptop("laptop");
-    ExpectReplay("laptop", {"--code-runner", EXAMPLES + "laptop/code-runner.sh"});
+    ExpectReplay("laptop", {"--code-runner", LaptopCodeRunner()});
     EXPECT_EQ(mCase["expect"]["causes"]["LAPTOP_MEMORY"].size(), 4U);
     EXPECT_EQ(mCase["answers"]["pixel_test"], true);
     EXPECT_EQ(mCase["databases"]["/data/panel/panel_b.zip/panel_b.db"]["zones"]["rows"][1][1].asDouble(), 5.5);
@@ -133,7 +133,7 @@ TEST_F(RecordCase, HasTheRepairsThatTheRulesKnowUpToItsMoment)
 
 TEST_F(RecordCase, OfTheOtherExampleIsADeviceWithoutFiles)
 {
-    ASSERT_EQ(RunProcess({"cp", "-r", EXAMPLES + "linux-host", "host"}).status, 0);
+    fs::copy(EXAMPLES + "linux-host", "host", fs::copy_options::recursive);
     ExpectReplay("host");
     EXPECT_TRUE(mCase["events"].isNull());
     EXPECT_EQ(mCase["expect"]["verdicts"]["LINUX_MEMORY"], "undecided");
@@ -141,7 +141,7 @@ TEST_F(RecordCase, OfTheOtherExampleIsADeviceWithoutFiles)
 
 TEST_F(RecordCase, OfThisMachineIsPossible)
 {
-    ASSERT_EQ(RunProcess({"cp", "-r", EXAMPLES + "linux-host", "host"}).status, 0);
+    fs::copy(EXAMPLES + "linux-host", "host", fs::copy_options::recursive);
     const auto result = RunArborist({"test", "--record", "host", "--live"});
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_FALSE(ParsedJson(result.out)["files"]["/proc/loadavg"].isNull());

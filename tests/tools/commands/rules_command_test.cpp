@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/pattern.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/xml_builder.h"
 #include "tests/tools/command_bundle.h"
@@ -49,7 +50,7 @@ TEST_F(RulesCommand, ListsWithThePlaceOfEachItem)
     const auto result = Rules({"list", "a"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "");
-    EXPECT_THAT(result.out, testing::MatchesRegex("Tag\n"
+    EXPECT_THAT(result.out, MatchesPattern("Tag\n"
         "  trees: 1\n    T \\(2 events\\)  FaultTrees.xml:[0-9]+\n"
         "  events: 2\n    T \\(intermediate\\)  FaultTrees.xml:[0-9]+\n"
         "    E \\(basic\\) <- r  FaultTrees.xml:[0-9]+\n"
@@ -88,7 +89,7 @@ TEST_F(RulesCommand, TellsWhatADeviceCanReport)
     mDir.Write("device.json", R"([{"Product": "P", "scenes": [2]}, {"scenes": [1]}])");
     const auto result = Rules({"reach", "a", "--device", "device.json"});
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.out, testing::MatchesRegex(
+    EXPECT_THAT(result.out, MatchesPattern(
         "product P, platform any, device type any, scenes 2\n  T: 0 of 1 root cause\n    cannot  E  FaultTrees.xml:[0-9]+\n"
         "      rule r: detectScene \"1\" does not contain \"2\"  FaultTreeRules.xml:[0-9]+\n"
         "product any, platform any, device type any, scenes 1\n  T: 1 of 1 root cause\n"

@@ -130,7 +130,7 @@ TEST(ReportAndExplanationTest, SayTheSameOfARun)
 {
     const TempDir dir;
     PrepareLaptop("laptop");
-    const std::string runner = std::string(ARBORIST_SOURCE_DIR) + "/examples/laptop/code-runner.sh";
+    const std::string runner = LaptopCodeRunner();
     const std::string page = RunArborist({"report", "laptop", "--code-runner", runner}).out;
     std::istringstream explained(RunArborist({"explain", "laptop", "--code-runner", runner}).out);
     const std::regex cause("^        rule ([^:]*): (.*)$");

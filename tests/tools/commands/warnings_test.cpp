@@ -2,13 +2,13 @@
 
 #include <gmock/gmock.h>
 
+#include "tests/support/pattern.h"
 #include "tests/tools/commands/warnings_fixture.h"
 
 namespace {
 
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::MatchesRegex;
 using testing::Not;
 using testing::StartsWith;
 
@@ -188,7 +188,7 @@ TEST_F(WarningsTest, AMistakeInTheRuleSetIsToldWithItsPlaceWhereverResultsAre)
         "\"file\": \"rules/FaultTreeRules.xml\", \"line\": 3}";
     mDir.Write("list", "b\nb\nb\n");
     const std::string lines = RunArborist({"detect", "--batch", "list", "--jobs", "1"}).out;
-    EXPECT_THAT(lines, MatchesRegex("([^\n]*no_such_rule[^\n]*\n){3}"));
+    EXPECT_THAT(lines, MatchesPattern("([^\n]*no_such_rule[^\n]*\n){3}"));
     EXPECT_THAT(lines, HasSubstr(json));
     EXPECT_THAT(RunArborist({"explain", "--json", "b"}).out, HasSubstr(json));
     EXPECT_THAT(RunArborist({"report", "b"}).out, HasSubstr("<li>rules/FaultTreeRules.xml:3: the event &quot;E&quot; asks "

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/pattern.h"
 #include "tests/support/temp_dir.h"
 #include "tests/tools/all_commands.h"
 #include "tests/tools/command_bundle.h"
@@ -17,7 +18,6 @@ namespace {
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Lt;
-using testing::MatchesRegex;
 
 using Words = std::vector<std::string>;
 
@@ -213,7 +213,7 @@ TEST(ManualTest, TheVersionsOfTheLibrariesAreOneJsonObject)
     const auto versions = RunArborist({"--version", "--json"}).out;
     EXPECT_EQ(RunArborist({"--json", "--version"}).out, versions);
     EXPECT_THAT(versions,
-        MatchesRegex("\\{\"schema\": \"arborist.version.1\", \"arborist\": \"[0-9.]+\", \"libraries\": \\{\"sqlite\": "
+        MatchesPattern("\\{\"schema\": \"arborist.version.1\", \"arborist\": \"[0-9.]+\", \"libraries\": \\{\"sqlite\": "
                      "\"[0-9.]+\", \"sqliteLinked\": \"[0-9.]+\", \"tinyxml2\": \"[0-9.]+\", \"jsoncpp\": \"[0-9.]+\", "
                      "\"zlib\": \"[0-9.]+\", \"minizip\": \"[0-9.]+\", \"libsodium\": \"[0-9.]+\"\\}\\}\n"));
 }

@@ -46,8 +46,8 @@ TEST(ExplainPageTest, ItsExampleIsWhatTheCommandPrints)
 {
     const TempDir dir;
     PrepareLaptop("laptop");
-    const std::string runner = std::string(ARBORIST_SOURCE_DIR) + "/examples/laptop/code-runner.sh";
-    const auto result = RunArborist({"explain", "--near-misses", "1", "--minimal", "laptop", "--code-runner", runner});
+    const auto result = RunArborist(
+        {"explain", "--near-misses", "1", "--minimal", "laptop", "--code-runner", LaptopCodeRunner()});
     const std::string block = BlockOf(PageOfDocs("explain.md"), "text");
     const std::string gap = "  ...\n";
     const auto middle = block.find(gap);
