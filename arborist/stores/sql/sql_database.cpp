@@ -61,13 +61,15 @@ int AllowReading(void*, int action, const char* name, const char* value, const c
     return reads || asks ? SQLITE_OK : SQLITE_DENY;
 }
 
-// Has an effect only before SQLite's first use in the process; later SQLite refuses the call, which does no harm.
+// Has an effect only before SQLite's first use in the process; later SQLite refuses the calls, which does no harm.
 // Before its first use SQLite doesn't guard these settings, so that only one thread at a time may run this.
 void Configure()
 {
     static std::mutex mutex;
     const std::lock_guard<std::mutex> lock(mutex);
     sqlite3_config(SQLITE_CONFIG_SMALL_MALLOC, 1);
+    // Each page when it is needed: by default a connection begins with 20, which is nearly the whole heap limit.
+    sqlite3_config(SQLITE_CONFIG_PAGECACHE, nullptr, 0, 0);
     sqlite3_initialize();
 }
 

@@ -1,6 +1,7 @@
 #include "arborist/stores/sql/sql_database.h"
 
 #include <gmock/gmock.h>
+#include <sqlite3.h>
 
 #include "arborist/frame/log.h"
 #include "arborist/stores/sql/sql_operator.h"
@@ -55,6 +56,16 @@ TEST_F(SqlDatabaseTest, TemporaryTablesMoveIntoMemoryOnlyWhereThereAreNone)
     EXPECT_FALSE(mDatabase.KeepTemporaryTablesInMemory()) << "a transaction uses one";
     ASSERT_TRUE(statement.ExecuteNoCallback("commit"));
     EXPECT_TRUE(mDatabase.KeepTemporaryTablesInMemory());
+}
+
+TEST_F(SqlDatabaseTest, TakesPagesAsItNeedsThem)
+{
+    ASSERT_EQ(sqlite3_shutdown(), SQLITE_OK); // so that the next database is the first of the process
+    const auto before = sqlite3_memory_used();
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    ASSERT_TRUE(SqlOperator(mDatabase.GetHandle()).ExecuteNoCallback("create table t (a)"));
+    const auto taken = sqlite3_memory_used() - before;
+    EXPECT_LT(taken, 80 * 1024) << "20 pages alone take more";
 }
 
 TEST_F(SqlDatabaseTest, LimitsOfAFileAreNotReplaced)
