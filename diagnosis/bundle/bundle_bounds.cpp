@@ -31,9 +31,12 @@ fs::path LinkIn(const fs::path& path)
 // looked at can't be opened either, and stays as it is.
 fs::path Destination(const fs::path& path)
 {
+    std::error_code error;
+    if (fs::path real = fs::canonical(path, error); !error) {
+        return real;
+    }
     fs::path destination = path;
     for (int links = 0; links < MOST_LINKS; ++links) {
-        std::error_code error;
         const fs::path real = fs::weakly_canonical(destination, error);
         const fs::path link = error ? fs::path() : LinkIn(real);
         if (link.empty()) {

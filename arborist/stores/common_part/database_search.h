@@ -33,6 +33,9 @@ public:
     /// Returns canonical paths in the spelling of the file system. Empty if `directory` is no directory.
     std::vector<std::string> Find(const std::string& directory, bool recursive);
 
+    /// The pattern in lower case, compiled unless there was nothing to match it with.
+    FileNamePattern& GetPattern() { return mPattern; }
+
     /// True if a repetition was left out.
     bool IsCutShort() const { return mIsCutShort; }
     /// True if the target of a link was left out because of MOST_LINKS.

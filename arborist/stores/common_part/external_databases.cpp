@@ -100,13 +100,9 @@ struct Found {
     bool isWhole = true;
 };
 
-Found GetFileList(const std::string& directory, const std::string& pattern, std::size_t mostEntries)
+Found GetFileList(DatabaseSearch& search, const std::string& directory, std::size_t mostEntries)
 {
     static constexpr char NAME[] = "CommonPartDbHelper::GetFileList";
-    if (directory.empty() || pattern.empty()) {
-        return {};
-    }
-    DatabaseSearch search(pattern, mostEntries);
     PathList files = search.Find(directory, true);
     if (search.IsCutShort()) {
         FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: files are listed %zu times, repetitions end here.",
@@ -172,7 +168,11 @@ void TellNotCopied(const std::string& source, bool& areAllCopied)
 
 Copies CopyDbFile(const std::string& path, const std::string& dbName, std::size_t mostEntries)
 {
-    const Found found = GetFileList(path, dbName, mostEntries);
+    if (path.empty() || dbName.empty()) {
+        return {{}, Evidence::NoCopy::NO_MATCH, true};
+    }
+    DatabaseSearch search(dbName, mostEntries);
+    const Found found = GetFileList(search, path, mostEntries);
     const PathList& candidates = found.files;
     if (candidates.empty()) {
         return {{}, found.missing, found.isWhole};
@@ -193,7 +193,9 @@ Copies CopyDbFile(const std::string& path, const std::string& dbName, std::size_
     }
     PathList copies;
     bool areAllCopied = true;
-    FileNamePattern pattern(dbName);
+    // Names within archives keep their case, but the pattern is mostly that of the search and compiled already.
+    FileNamePattern withCase(dbName);
+    FileNamePattern& pattern = LowerCase(dbName) == dbName ? search.GetPattern() : withCase;
     std::map<std::string, std::string> sourceByTarget; // the source of the last copy to each target
     for (const std::string& candidate : candidates) {
         StopPoint::Pass();
