@@ -16,12 +16,19 @@ struct Level {
     std::size_t length; // of the path of the folder
 };
 
+// True if a folder that gave this error has no entries for us.
+bool PassesForEmpty(int error)
+{
+    return error == EACCES || error == ENOENT || error == ENOTDIR;
+}
+
 } // namespace
 
-void DirectoryWalk::Run(const std::string& path, const Visit& visit)
+bool DirectoryWalk::Run(const std::string& path, const Visit& visit)
 {
     std::vector<Level> levels;
     Platform::Folder top(path);
+    bool isWhole = top.IsOpen() || PassesForEmpty(errno);
     if (top.IsOpen()) {
         levels.push_back({std::move(top), path.size()});
     }
@@ -29,6 +36,7 @@ void DirectoryWalk::Run(const std::string& path, const Visit& visit)
     while (!levels.empty()) {
         Platform::Folder& folder = levels.back().folder;
         if (!folder.Next()) {
+            isWhole = isWhole && (errno == 0 || PassesForEmpty(errno));
             levels.pop_back();
             continue;
         }
@@ -36,7 +44,7 @@ void DirectoryWalk::Run(const std::string& path, const Visit& visit)
         entry.resize(levels.back().length);
         entry.append(entry.back() == '/' ? "" : "/").append(folder.Name());
         if (!visit(entry)) {
-            return;
+            return isWhole;
         }
         if (!folder.IsFolder()) {
             continue;
@@ -44,8 +52,9 @@ void DirectoryWalk::Run(const std::string& path, const Visit& visit)
         Platform::Folder below = folder.OpenEntry();
         if (below.IsOpen()) {
             levels.push_back({std::move(below), entry.size()});
-        } else if (errno != EACCES) {
-            return;
+        } else {
+            isWhole = isWhole && PassesForEmpty(errno);
         }
     }
+    return isWhole;
 }

@@ -10,9 +10,10 @@ namespace DirectoryWalk {
 using Visit = std::function<bool(const std::string& entry)>;
 
 /// Visits everything below `path`, each folder before what is in it, in the order of the system; follows no links. Folders
-/// that may not be read pass for empty ones; any other error of the file system ends the walk in silence, as does a
-/// `path` that is no folder. Passes a stop point at each entry.
-void Run(const std::string& path, const Visit& visit);
+/// that may not be read or are gone pass for empty ones, as does a `path` that is no folder. False if another error kept
+/// entries of a folder out; the walk then goes on with the others. Keeps a descriptor open for each level of folders, so
+/// that a chain of more folders than the process may open files is such an error. Passes a stop point at each entry.
+bool Run(const std::string& path, const Visit& visit);
 
 } // namespace DirectoryWalk
 

@@ -258,9 +258,9 @@ bool FileUtil::CopyContentToFolder(const std::string& content, const std::string
     return false;
 }
 
-void FileUtil::GetDirFiles(const std::string& path, std::vector<std::string>& files)
+bool FileUtil::GetDirFiles(const std::string& path, std::vector<std::string>& files)
 {
-    DirectoryWalk::Run(path, [&files](const std::string& entry) {
+    return DirectoryWalk::Run(path, [&files](const std::string& entry) {
         files.push_back(entry);
         FormatPath2UnixStyle(files.back());
         return true;

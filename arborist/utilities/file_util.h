@@ -54,8 +54,8 @@ bool CopyFileToFolder(
 bool CopyContentToFolder(const std::string& content, const std::string& source, const std::string& target);
 /// Appends the paths of all files and directories below `path`, recursively, with "/" in place of every "\". Lists
 /// links to directories but doesn't enter them; skips unreadable directories. Appends nothing if `path` is no
-/// directory.
-void GetDirFiles(const std::string& path, std::vector<std::string>& files);
+/// directory. False if an error kept entries out; see DirectoryWalk::Run.
+bool GetDirFiles(const std::string& path, std::vector<std::string>& files);
 
 /// Removes all write permission if `mode` has no write bit (octal 222), otherwise gives it to the owner. No other bit
 /// has an effect. False for a missing path and for a mode above octal 7777. Logs failures.

@@ -240,6 +240,7 @@ Platform::Folder Platform::Folder::OpenEntry() const
 bool Platform::Folder::Next()
 {
     do {
+        errno = 0; // readdir leaves it alone at the end
         mListing->entry = readdir(mListing->stream);
     } while (mListing->entry != nullptr && (std::strcmp(Name(), ".") == 0 || std::strcmp(Name(), "..") == 0));
     return mListing->entry != nullptr;

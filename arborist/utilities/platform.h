@@ -53,7 +53,8 @@ public:
     bool IsOpen() const { return mListing != nullptr; }
     /// Opens the current entry, which must be a folder.
     Folder OpenEntry() const;
-    /// Moves to the next entry other than "." and "..". False at the end and on an error.
+    /// Moves to the next entry other than "." and "..". False at the end, with errno 0, and on an error, with its
+    /// number.
     bool Next();
     /// The name of the current entry, until the next call.
     const char* Name() const;

@@ -238,6 +238,7 @@ bool Platform::Folder::Next()
     Listing& listing = *mListing;
     do {
         if (!std::exchange(listing.isFirst, false) && FindNextFileW(listing.handle, &listing.entry) == 0) {
+            errno = GetLastError() == ERROR_NO_MORE_FILES ? 0 : EIO;
             return false;
         }
     } while (IsSelfOrParent(listing.entry.cFileName));

@@ -1,15 +1,13 @@
-// What reads, writes, copies and lists files, over calls of the file system that fail.
+// What reads, writes and copies files, over calls of the file system that fail.
 #include <cerrno>
 #include <cstdint>
 #include <filesystem>
-#include <new>
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 
 #include "arborist/frame/stopping.h"
-#include "arborist/utilities/directory_walk.h"
 #include "arborist/utilities/file_util.h"
 #include "tests/reliability/failing_utility_call.h"
 #include "tests/reliability/observed_detection.h"
@@ -21,24 +19,11 @@ namespace {
 using CallCounter::Failing;
 using FailingFiles::Call;
 using FailingFiles::Failure;
-using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::SizeIs;
-using testing::UnorderedElementsAre;
 
 constexpr auto OVER_OTHERS = fs::copy_options::overwrite_existing;
 // The system doesn't copy its bytes by itself, and it lies in another file system.
 constexpr char FILE_OF_THE_KERNEL[] = "/proc/version";
-
-std::vector<std::string> Walk(const std::string& folder)
-{
-    std::vector<std::string> entries;
-    DirectoryWalk::Run(folder, [&entries](const std::string& entry) {
-        entries.push_back(entry);
-        return true;
-    });
-    return entries;
-}
 
 TEST_F(FailingUtilityCall, LeavesACopyWholeOrSaysThatThereIsNone)
 {
@@ -224,44 +209,6 @@ TEST_F(FailingUtilityCall, TextThatCannotBeWrittenIsNotTakenForSaved)
         EXPECT_FALSE(FileUtil::SaveStringToFile("a", "new", false));
     }
     EXPECT_EQ(mDir.Read("a"), "old");
-}
-
-TEST_F(FailingUtilityCall, WalkFindsFoldersThatTheListDoesNotTell)
-{
-    mDir.Write("d/1/2/a", "");
-    mDir.Write("d/b", "");
-    fs::create_directory_symlink("1", "d/link");
-    const FailingFiles::HiddenTypes hidden;
-    EXPECT_THAT(Walk("d"), UnorderedElementsAre("d/1", "d/1/2", "d/1/2/a", "d/b", "d/link"));
-    const Failure failure(Call::STATUS, EACCES, 1, Failing::ALL_FROM_IT_ON);
-    EXPECT_THAT(Walk("d"), UnorderedElementsAre("d/1", "d/b", "d/link"));
-}
-
-TEST_F(FailingUtilityCall, WalkPassesAFolderThatItMayNotOpenAndEndsWhereNothingCanBeOpened)
-{
-    mDir.Write("d/1/a", "");
-    {
-        const Failure failure(Call::OPEN, EACCES, 2); // the first opens "d"
-        EXPECT_THAT(Walk("d"), ElementsAre("d/1"));
-    }
-    mDir.Write("d/2/a", "");
-    {
-        const Failure failure(Call::OPEN, EACCES, 2);
-        EXPECT_THAT(Walk("d"), SizeIs(3));
-    }
-    const Failure failure(Call::OPEN, EMFILE, 2);
-    EXPECT_THAT(Walk("d"), SizeIs(1));
-}
-
-TEST_F(FailingUtilityCall, FolderForWhoseListThereIsNoMemoryEndsTheWalkAndIsClosed)
-{
-    mDir.Write("d/1/a", "");
-    const std::size_t files = OpenFiles();
-    {
-        const Failure failure(Call::LIST, ENOMEM);
-        EXPECT_THROW(Walk("d"), std::bad_alloc);
-    }
-    EXPECT_EQ(OpenFiles(), files);
 }
 
 } // namespace

@@ -77,6 +77,7 @@ public:
     bool hasSeenFiles = false;
     bool hasLeftOutLinks = false;
     bool hasLeftOutEntries = false;
+    bool hasLeftOutFolders = false;
 
 private:
     static constexpr std::size_t NONE = SIZE_MAX;
@@ -102,7 +103,7 @@ private:
         const RootedPath::Target opened = DevicePaths::FindReal(directory, mRootOfDevice);
         std::vector<Entry> entries;
         std::vector<std::pair<std::size_t, std::string>> open; // directories with their paths
-        DirectoryWalk::Run(opened.Path(), [&](std::string path) {
+        const bool isWhole = DirectoryWalk::Run(opened.Path(), [&](std::string path) {
             if (mEntriesLeft == 0) {
                 hasLeftOutEntries = true;
                 return false;
@@ -119,6 +120,7 @@ private:
             }
             return true;
         });
+        hasLeftOutFolders = hasLeftOutFolders || !isWhole;
         for (const auto& [entry, path] : open) {
             entries[entry].end = entries.size();
         }
@@ -331,6 +333,7 @@ std::vector<std::string> DatabaseSearch::Find(const std::string& directory, bool
     tree.Read(realPath);
     mHasSeenFiles = tree.hasSeenFiles;
     mHasLeftOutEntries = tree.hasLeftOutEntries;
+    mHasLeftOutFolders = tree.hasLeftOutFolders;
     if (tree.walks.empty()) {
         return {};
     }

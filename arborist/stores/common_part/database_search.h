@@ -42,6 +42,8 @@ public:
     bool HasLeftOutLinks() const { return mHasLeftOutLinks; }
     /// True if entries were left out because of `mostEntries`.
     bool HasLeftOutEntries() const { return mHasLeftOutEntries; }
+    /// True if entries were left out because of a directory that can't be read, except one that may not be read.
+    bool HasLeftOutFolders() const { return mHasLeftOutFolders; }
     /// True if there was a file, whether it matched or not.
     bool HasSeenFiles() const { return mHasSeenFiles; }
 
@@ -51,6 +53,7 @@ private:
     bool mIsCutShort = false;
     bool mHasLeftOutLinks = false;
     bool mHasLeftOutEntries = false;
+    bool mHasLeftOutFolders = false;
     bool mHasSeenFiles = false;
 };
 

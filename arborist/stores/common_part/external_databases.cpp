@@ -117,10 +117,14 @@ Found GetFileList(DatabaseSearch& search, const std::string& directory, std::siz
         FT::Log::GetInstance().Output(FT::LEVEL_WARN,
             "FUNc:%s: more than %zu files and directories, the others are not searched.", NAME, mostEntries);
     }
+    if (search.HasLeftOutFolders()) {
+        FT::Log::GetInstance().Output(
+            FT::LEVEL_WARN, "FUNc:%s: directories can't be read, what is in them is not searched.", NAME);
+    }
     const Evidence::NoCopy missing = !files.empty() ? Evidence::NoCopy::NONE
         : search.HasSeenFiles() ? Evidence::NoCopy::NO_MATCH : Evidence::NoCopy::FOLDER_EMPTY;
     return {std::move(files), missing,
-        !search.IsCutShort() && !search.HasLeftOutLinks() && !search.HasLeftOutEntries()};
+        !search.IsCutShort() && !search.HasLeftOutLinks() && !search.HasLeftOutEntries() && !search.HasLeftOutFolders()};
 }
 
 // Reads the file at `opened`, another path of `source`.
@@ -257,9 +261,8 @@ PathList UnZipFile(
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: unZip file fail.", NAME);
         return {};
     }
-    isUnpacked = true;
     PathList unpacked;
-    FileUtil::GetDirFiles(workDirectory.GetPath(), unpacked);
+    isUnpacked = FileUtil::GetDirFiles(workDirectory.GetPath(), unpacked);
     for (const std::string& file : unpacked) {
         RemoveLeftovers(TargetOf(file, directory));
     }
