@@ -216,7 +216,7 @@ SnapshotBuilder ReadIdsAlone(const Sqlite3Db& database, Origin& origin)
     SnapshotBuilder builder(origin.lastMoment);
     origin.isEachIdAsked = true;
     origin.areAllIdsKnown = ReadIdsByRowNumber(database, builder) || ReadIds(database, "event_info", builder);
-    SqlCursor indexes(database, "select replace(name, '\"', '\"\"') from sqlite_master"
+    SqlCursor indexes(database, "select printf('%w', name) from sqlite_master"
         " where type = 'index' and tbl_name = 'event_info' collate nocase");
     while (indexes.Step()) {
         const std::string from = "event_info indexed by \"" + std::string(indexes.GetText(0)) + "\" order by event_id";

@@ -20,8 +20,11 @@ namespace {
 
 constexpr std::int32_t CLOSED = 1;
 constexpr sqlite3_int64 SOFT_HEAP_LIMIT = 102400;
-// Applies to restricted connections: a few bytes of a file can ask for a text of a gigabyte.
-constexpr int LONGEST_TEXT = 64 * 1024 * 1024;
+// Both apply to restricted connections: a few bytes of a file can ask for a text of a gigabyte, and while a function works
+// on one, nothing interrupts it. `like` and `glob` compare the pattern at each byte of the text; this one has room for a
+// file name between wildcards.
+constexpr int LONGEST_TEXT = 16 * 1024 * 1024;
+constexpr int LONGEST_PATTERN = 300;
 
 template <std::size_t COUNT>
 bool IsOneOf(const std::string_view (&names)[COUNT], const char* name)
@@ -59,6 +62,23 @@ int AllowReading(void*, int action, const char* name, const char* value, const c
     const bool reads = action == SQLITE_SELECT || action == SQLITE_READ || action == SQLITE_FUNCTION ||
         action == SQLITE_RECURSIVE || action == SQLITE_TRANSACTION;
     return reads || asks ? SQLITE_OK : SQLITE_DENY;
+}
+
+void Refuse(sqlite3_context* context, int, sqlite3_value**)
+{
+    sqlite3_result_error_code(context, SQLITE_AUTH);
+}
+
+// Their time grows with the product of the lengths of two texts. A view or a computed column of a foreign file could hold a
+// thread for hours by one call, which nothing interrupts. An authorizer isn't asked about computed columns.
+void RefuseSlowFunctions(sqlite3* connection)
+{
+    static constexpr const char* NAMES[] = {
+        "glob", "instr", "json_patch", "jsonb_patch", "like", "ltrim", "replace", "rtrim", "trim", "unhex"};
+    for (const char* const name : NAMES) {
+        sqlite3_create_function(
+            connection, name, -1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, Refuse, nullptr, nullptr);
+    }
 }
 
 // Has an effect only before SQLite's first use in the process; later SQLite refuses the calls, which does no harm.
@@ -148,12 +168,14 @@ void SqlDatabase::Restrict(SqlAccess access, const SqlLimits& limits)
     SqlBudget& budget = *handle->budget;
     if (isReadOnly) {
         budget.LimitByFile(connection);
+        RefuseSlowFunctions(connection);
     } else {
         budget.SetLimits(limits);
     }
     mostTemporaryBytes = budget.GetLimits()->temporaryBytes;
     sqlite3_progress_handler(connection, STEPS_AT_ONCE, TakeSteps, &budget);
     sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, LONGEST_TEXT);
+    sqlite3_limit(connection, SQLITE_LIMIT_LIKE_PATTERN_LENGTH, LONGEST_PATTERN);
     // Forbids everything that could leave a file which SQLite itself can't read any more.
     sqlite3_db_config(connection, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     // By default the last connection that closes a database moves the waiting changes into it, which would write to the

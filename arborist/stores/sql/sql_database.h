@@ -33,7 +33,8 @@ enum class SqlAccess {
     /// page_size). The file stays unchanged byte for byte, even if changes by others wait in its write-ahead log. The
     /// limits are derived from the size of the file and exceed what a select over all of it needs, so that only views
     /// or virtual tables in place of tables can reach them. After one SQL text has exceeded them, later ones are allowed
-    /// next to no steps.
+    /// next to no steps. Views and computed columns that call glob, instr, json_patch, like, replace, unhex or a trim fail
+    /// with "authorization denied".
     READ_ONLY,
 };
 

@@ -276,10 +276,10 @@ TEST_F(EventSelectionTest, ComputedTextsFarBeyondTheFileAreGivenUp)
 {
     EventLogBuilder().Row({NOW, 1, "", ""}).Sql(
         "drop table event_info; create table event_info(_ID integer primary key, event_id integer, extra text as "
-        "(hex(zeroblob(10000000))), version_id integer); with recursive n(i) as (select 1 union all select i + 1 from "
+        "(hex(zeroblob(8000000))), version_id integer); with recursive n(i) as (select 1 union all select i + 1 from "
         "n where i < 9) insert into event_info select i, 1, 1 from n; insert into event_info_flow select _ID, _ID, " +
         std::to_string(NOW) + " from event_info where _ID > 1").WriteTo(mPath);
-    EXPECT_EQ(Select(Ids({1}), mPath).size(), 3U);
+    EXPECT_EQ(Select(Ids({1}), mPath).size(), 4U);
     EXPECT_THAT(mLog.Lines(FT::LEVEL_ERROR).front(),
         "FUNc:FT::sql::SqlOperator::Execute: Execute sql failed: query aborted");
 }

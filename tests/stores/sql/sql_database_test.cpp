@@ -300,8 +300,57 @@ TEST_F(SqlDatabaseTest, ForeignTextWithTooLongTextsIsBrokenOff)
         EXPECT_FALSE(statement.Execute("values ('abc'), ('de'), ('f')"));
         EXPECT_EQ(statement.GetCount(), 2U);
     }
-    EXPECT_FALSE(statement.Execute("select hex(zeroblob(50000000))"));
+    EXPECT_TRUE(statement.ExecuteNoCallback("select length(hex(zeroblob(8388607)))"));
+    EXPECT_FALSE(statement.Execute("select hex(zeroblob(8388609))"));
     EXPECT_EQ(mLog.Lines().back(), "FUNc:FT::sql::SqlOperator::Execute: Execute sql failed: string or blob too big");
+}
+
+TEST_F(SqlDatabaseTest, ForeignTextThatComparesLongPatternsIsBrokenOff)
+{
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    mDatabase.Restrict(SqlAccess::OWN_FILE);
+    SqlOperator statement(mDatabase.GetHandle());
+    const auto select = [&statement](const std::string& word, int length) {
+        return statement.ExecuteNoCallback("select 'a' " + word + " printf('%." + std::to_string(length) + "c', '*')");
+    };
+    EXPECT_TRUE(select("like", 300));
+    EXPECT_TRUE(select("glob", 300));
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+    EXPECT_FALSE(select("like", 301));
+    EXPECT_FALSE(select("glob", 301));
+    EXPECT_THAT(mLog.Lines(), testing::Each(testing::HasSubstr("failed: LIKE or GLOB pattern too complex")));
+}
+
+// Each of them would run for hours on the longest texts, within one step of SQLite.
+TEST_F(SqlDatabaseTest, ForeignFileCannotCallFunctionsThatNothingInterrupts)
+{
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    SqlOperator statement(mDatabase.GetHandle());
+    const std::vector<std::string> calls = {"instr(a, 'b')", "replace(a, 'b', 'c')", "trim(a, 'b')", "ltrim(a, 'b')",
+        "rtrim(a, 'b')", "a like 'b'", "a like 'b' escape 'c'", "a glob 'b'", "json_patch(a, '{}')"};
+    ASSERT_TRUE(statement.ExecuteNoCallback("create table t(a); insert into t values ('{}')"));
+    std::vector<std::string> names;
+    for (const std::string& call : calls) {
+        const std::string number = std::to_string(names.size() / 2);
+        ASSERT_TRUE(statement.ExecuteNoCallback("create view v" + number + " as select " + call + " from t; create table c" +
+            number + "(a, b as (" + call + ")); insert into c" + number + " values ('{}')")) << call;
+        names.insert(names.end(), {"v" + number, "c" + number});
+    }
+    ASSERT_TRUE(statement.ExecuteNoCallback("create view other as select upper(a), hex(a), substr(a, 1) from t"));
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    mDatabase.Restrict(SqlAccess::OWN_FILE);
+    for (const std::string& name : names) {
+        EXPECT_TRUE(statement.ExecuteNoCallback("select * from " + name)) << name;
+    }
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    mDatabase.Restrict(SqlAccess::READ_ONLY);
+    EXPECT_TRUE(statement.ExecuteNoCallback("select * from other; select a from c0; select * from t"));
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+    for (const std::string& name : names) {
+        EXPECT_FALSE(statement.ExecuteNoCallback("select * from " + name)) << name;
+    }
+    EXPECT_THAT(mLog.Lines(), testing::AllOf(
+        testing::SizeIs(names.size()), testing::Each(testing::HasSubstr("failed: authorization denied"))));
 }
 
 constexpr char NEVER_ENDING[] = "with recursive n(i) as (select 1 union all select i + 1 from n) select max(i) from n";
