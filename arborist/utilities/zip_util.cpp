@@ -28,6 +28,7 @@ constexpr std::uint64_t FOUR_GIB = 1ULL << 32;
 // Limit on what the members of an archive unpack to: a few bytes can stand for a thousand times as many. Databases pack to
 // a tenth or so.
 constexpr std::uint64_t LEAST_UNPACKED = 256ULL << 20;
+constexpr std::uint64_t WORK_OF_AN_ENTRY = 16 * 1024;
 constexpr std::uint64_t UNPACKED_FOR_A_BYTE = 100;
 constexpr std::size_t END_RECORD_LENGTH = 22;
 constexpr std::size_t MAX_COMMENT_LENGTH = 0xFFFF; // of the comment behind the end record
@@ -248,6 +249,7 @@ struct Room {
     // The archive's bytes. Entries that share bytes exceed it and fail: a small archive could have any number of them.
     std::uint64_t packed;
     std::uint64_t unpacked;
+    std::uint64_t work = 0; // see ZipUtil::UnZipFile
 };
 
 bool ExtractEntry(unzFile archive, const std::string& target, Room& room)
@@ -258,6 +260,7 @@ bool ExtractEntry(unzFile archive, const std::string& target, Room& room)
     }
     room.packed -= entry->packedLength;
     room.unpacked -= entry->length;
+    room.work += entry->length + WORK_OF_AN_ENTRY;
     if (LeadsOut(target, entry->name)) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: entry %s leads out of the target.",
             "ZipUtil::UnZipFile", entry->name.c_str());
@@ -271,6 +274,16 @@ bool ExtractEntry(unzFile archive, const std::string& target, Room& room)
         return true;
     }
     return entry->length < FOUR_GIB && ExtractFile(archive, *entry, target);
+}
+
+bool ExtractAll(unzFile archive, std::uint64_t entries, const std::string& target, Room& room)
+{
+    for (std::uint64_t entry = 0; entry < entries; ++entry) {
+        if ((entry != 0 && unzGoToNextFile(archive) != UNZ_OK) || !ExtractEntry(archive, target, room)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 bool StartsWith(const std::string& text, std::string_view start)
@@ -321,7 +334,7 @@ void CopyInto(zipFile archive, std::FILE* file)
 
 } // namespace
 
-bool ZipUtil::UnZipFile(const std::string& archive, const std::string& target)
+bool ZipUtil::UnZipFile(const std::string& archive, const std::string& target, std::uint64_t* work)
 {
     // Ask first: opening a pipe would wait for its writer.
     if (!FileUtil::IsPlainFile(archive)) {
@@ -346,15 +359,11 @@ bool ZipUtil::UnZipFile(const std::string& archive, const std::string& target)
     }
     const std::uint64_t size = FileUtil::GetFileSize(archive);
     Room room{size, LEAST_UNPACKED + UNPACKED_FOR_A_BYTE * size};
-    for (std::uint64_t entry = 0; entry < content.number_entry; ++entry) {
-        if (entry != 0 && unzGoToNextFile(opened.Get()) != UNZ_OK) {
-            return false;
-        }
-        if (!ExtractEntry(opened.Get(), target, room)) {
-            return false;
-        }
+    const bool isWhole = ExtractAll(opened.Get(), content.number_entry, target, room);
+    if (work != nullptr) {
+        *work += room.work;
     }
-    return true;
+    return isWhole;
 }
 
 ZipUtil::Handle ZipUtil::CreateZipFile(const std::string& path)

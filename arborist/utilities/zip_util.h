@@ -1,6 +1,7 @@
 #ifndef ARBORIST_UTILITIES_ZIP_UTIL_H
 #define ARBORIST_UTILITIES_ZIP_UTIL_H
 
+#include <cstdint>
 #include <cstdio>
 #include <functional>
 #include <string>
@@ -25,8 +26,9 @@ using FileOpener = std::function<std::FILE*(const std::string& source)>;
 /// says; if that length is 4 GiB or more; if its name has more than 127 characters; and, with a line at LEVEL_ERROR, if
 /// its name leads out of the target. A backslash in a name separates folders on Windows; elsewhere the entry fails. An
 /// entry that fails leaves an existing file in place. False also for a file that is no archive or is truncated; true
-/// for an archive without entries.
-bool UnZipFile(const std::string& archive, const std::string& target);
+/// for an archive without entries. Adds to `work`, if it is not null, the bytes of each entry that it began to unpack, and
+/// 16,384 for the entry itself.
+bool UnZipFile(const std::string& archive, const std::string& target, std::uint64_t* work = nullptr);
 
 /// Creates an archive at `path`, replacing an existing file. The caller ends it with CloseZipFile.
 Handle CreateZipFile(const std::string& path);

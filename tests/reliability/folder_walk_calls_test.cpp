@@ -203,10 +203,12 @@ TEST_F(FailingSearchCall, TellsThatItCannotOpenTheFolderOfTheSearch)
 TEST_F(FailingSearchCall, ArchiveWhoseFilesCannotBeListedIsNotUnpackedWhole)
 {
     WriteZip(mDir.Path("a.zip"), {{"a.db", "1"}});
-    bool isWhole = true;
+    ExternalDatabases::Unpacking unpacking;
+    unpacking.isWhole = true;
     const Failure failure(Call::NEXT_ENTRY, EIO, 1, Failing::ALL_FROM_IT_ON);
-    EXPECT_THAT(ExternalDatabases::UnZipFile(mDir.Path("a.zip"), mDir.Path("copies"), &isWhole), IsEmpty());
-    EXPECT_FALSE(isWhole);
+    EXPECT_THAT(ExternalDatabases::UnZipFile(mDir.Path("a.zip"), mDir.Path("copies"), &unpacking), IsEmpty());
+    EXPECT_FALSE(unpacking.isWhole);
+    EXPECT_FALSE(unpacking.isRepeatable);
 }
 
 } // namespace

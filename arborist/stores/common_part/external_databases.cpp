@@ -1,5 +1,7 @@
 #include "arborist/stores/common_part/external_databases.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <exception>
 #include <filesystem>
 #include <map>
@@ -53,13 +55,16 @@ bool IsZip(const std::string& realPath, const std::string& rootOfDevice)
 }
 
 // Removes the journals that an interrupted run left beside the previous copy: SQLite would apply them to the new one.
-void RemoveLeftovers(const std::string& target)
+// False, with a line, if one can't be removed.
+bool RemoveLeftovers(const std::string& target)
 {
+    bool areRemoved = true;
     for (const char* const suffix : {"-journal", "-wal", "-shm"}) {
         if (FileUtil::FileExists(target + suffix)) {
-            FileUtil::RemoveFile(target + suffix);
+            areRemoved = FileUtil::RemoveFile(target + suffix) && areRemoved;
         }
     }
+    return areRemoved;
 }
 
 bool HoldsTwoDots(const std::string& path)
@@ -162,6 +167,63 @@ bool CopyFile(const std::string& source, const std::string& opened, const std::s
     return FileUtil::FileExists(target);
 }
 
+// Decides which archives that a search lists again are unpacked again: none that was unpacked last and logged nothing, as
+// its files still stand, and the others while there is room for it.
+class RepeatedArchives {
+public:
+    explicit RepeatedArchives(std::uint64_t mostUnpackedAgain) : mWorkLeft(mostUnpackedAgain) {}
+
+    bool Stands(const std::string& archive) const { return mStanding != nullptr && *mStanding == archive; }
+    // Something is written that may replace files of an archive.
+    void Forget() { mStanding = nullptr; }
+
+    // Always true for an archive that is listed for the first time.
+    bool MayBeListed(const std::string& archive, std::size_t listed)
+    {
+        std::string& seen = mSeen[archive];
+        mIsFirst = seen.empty();
+        seen = archive;
+        const bool mayBeListed = mIsFirst ||
+            (listed < DatabaseSearch::MOST_LISTINGS_IN_ALL && (Stands(archive) || mWorkLeft != 0));
+        mIsCutShort = mIsCutShort || !mayBeListed;
+        return mayBeListed;
+    }
+
+    // Its files are copies from `first` up to `last`. `archive` has to live as long as this object.
+    void Unpacked(const std::string& archive, const std::string& opened, const Unpacking& unpacking, std::size_t first,
+        std::size_t last)
+    {
+        if (mIsFirst) {
+            mWorkLeft += UNPACKED_AGAIN_FOR_A_BYTE * FileUtil::GetFileSize(opened);
+        } else {
+            mWorkLeft -= std::min(mWorkLeft, unpacking.work + WORK_OF_AN_ARCHIVE);
+        }
+        mStanding = unpacking.isRepeatable ? &archive : nullptr;
+        mFirst = first;
+        mLast = last;
+    }
+
+    void ListAgain(PathList& copies) const
+    {
+        for (std::size_t copy = mFirst; copy < mLast; ++copy) {
+            copies.push_back(copies[copy]);
+        }
+    }
+
+    bool IsCutShort() const { return mIsCutShort; }
+
+private:
+    static constexpr std::uint64_t WORK_OF_AN_ARCHIVE = 64 * 1024;
+
+    std::uint64_t mWorkLeft;
+    std::map<std::string, std::string> mSeen; // by itself
+    const std::string* mStanding = nullptr; // the archive that was unpacked last, or null
+    bool mIsFirst = false;
+    std::size_t mFirst = 0;
+    std::size_t mLast = 0;
+    bool mIsCutShort = false;
+};
+
 void TellNotCopied(const std::string& source, bool& areAllCopied)
 {
     areAllCopied = false;
@@ -170,7 +232,8 @@ void TellNotCopied(const std::string& source, bool& areAllCopied)
 
 } // namespace
 
-Copies CopyDbFile(const std::string& path, const std::string& dbName, std::size_t mostEntries)
+Copies CopyDbFile(const std::string& path, const std::string& dbName, std::size_t mostEntries,
+    std::uint64_t mostUnpackedAgain)
 {
     if (path.empty() || dbName.empty()) {
         return {{}, Evidence::NoCopy::NO_MATCH, true};
@@ -201,6 +264,7 @@ Copies CopyDbFile(const std::string& path, const std::string& dbName, std::size_
     FileNamePattern withCase(dbName);
     FileNamePattern& pattern = LowerCase(dbName) == dbName ? search.GetPattern() : withCase;
     std::map<std::string, std::string> sourceByTarget; // the source of the last copy to each target
+    RepeatedArchives archives(mostUnpackedAgain);
     for (const std::string& candidate : candidates) {
         StopPoint::Pass();
         // Opened once: its folders may be replaced by links until its turn comes.
@@ -210,20 +274,33 @@ Copies CopyDbFile(const std::string& path, const std::string& dbName, std::size_
             continue;
         }
         if (IsZip(candidate, rootOfDevice)) {
+            const bool stands = archives.Stands(candidate);
+            if (!archives.MayBeListed(candidate, copies.size())) {
+                continue;
+            }
+            if (stands) {
+                archives.ListAgain(copies);
+                continue;
+            }
             sourceByTarget.clear();
-            bool isUnpacked = true;
-            for (const std::string& file : UnZipFile(candidate, directory, &isUnpacked, opened.Path())) {
+            Unpacking unpacking;
+            const std::size_t first = copies.size();
+            for (const std::string& file : UnZipFile(candidate, directory, &unpacking, opened.Path())) {
                 if (!file.empty() && pattern.Matches(FileUtil::ExtractFileName(file))) {
                     copies.push_back(file);
                 }
             }
-            if (!isUnpacked) {
+            archives.Unpacked(candidate, opened.Path(), unpacking, first, copies.size());
+            if (!unpacking.isWhole) {
                 TellNotCopied(candidate, areAllCopied);
             }
             continue;
         }
         // A repeated file counts as one more copy, but the same bytes need not be written again.
         std::string& standing = sourceByTarget[TargetOf(candidate, directory)];
+        if (standing != candidate) {
+            archives.Forget();
+        }
         if (standing == candidate || CopyFile(candidate, opened.Path(), directory)) {
             standing = candidate;
             copies.push_back(TargetOf(StringUtil::TrimSP(candidate), directory));
@@ -232,17 +309,21 @@ Copies CopyDbFile(const std::string& path, const std::string& dbName, std::size_
             TellNotCopied(candidate, areAllCopied);
         }
     }
+    if (archives.IsCutShort()) {
+        FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: files are listed %zu times, repetitions end here.",
+            "CommonPartDbHelper::CopyDbFile", copies.size());
+    }
     using Evidence::NoCopy;
     const NoCopy missing = !copies.empty() ? NoCopy::NONE : areAllCopied ? NoCopy::NOT_IN_ARCHIVE : NoCopy::NOT_COPIED;
-    return {copies, missing, found.isWhole && areAllCopied};
+    return {copies, missing, found.isWhole && areAllCopied && !archives.IsCutShort()};
 }
 
 PathList UnZipFile(
-    const std::string& zipPath, const std::string& directory, bool* isWhole, const std::string& opened)
+    const std::string& zipPath, const std::string& directory, Unpacking* unpacking, const std::string& opened)
 {
-    bool ignored = false;
-    bool& isUnpacked = isWhole == nullptr ? ignored : *isWhole;
-    isUnpacked = false;
+    Unpacking ignored;
+    Unpacking& outcome = unpacking == nullptr ? ignored : *unpacking;
+    outcome = {};
     static constexpr char NAME[] = "CommonPartDbHelper::UnZipFile";
     if (zipPath.empty() || directory.empty()) {
         return {};
@@ -255,21 +336,24 @@ PathList UnZipFile(
         return {};
     }
     FileUtil::ForceCreateDirectory(directory);
+    // A member may replace an archive that is in the directory itself, and what an earlier run left is there only once.
+    bool isRepeatable = !IsInDirectory(zipPath, directory) && !FileUtil::FileExists(directory + "/temp");
     // Always the same directory: files that an earlier run left in it are copied, too.
     const WorkDirectory workDirectory(directory + "/temp");
-    if (!ZipUtil::UnZipFile(opened.empty() ? zipPath : opened, workDirectory.GetPath() + "/")) {
+    if (!ZipUtil::UnZipFile(opened.empty() ? zipPath : opened, workDirectory.GetPath() + "/", &outcome.work)) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: unZip file fail.", NAME);
         return {};
     }
     PathList unpacked;
-    isUnpacked = FileUtil::GetDirFiles(workDirectory.GetPath(), unpacked);
+    outcome.isWhole = FileUtil::GetDirFiles(workDirectory.GetPath(), unpacked);
     for (const std::string& file : unpacked) {
-        RemoveLeftovers(TargetOf(file, directory));
+        isRepeatable = RemoveLeftovers(TargetOf(file, directory)) && isRepeatable;
     }
     for (std::string& file : unpacked) {
         StopPoint::Pass();
         if (!CopyFile(file, file, directory)) {
-            isUnpacked = isUnpacked && FileUtil::IsDirectory(file); // folders are not copied
+            isRepeatable = false;
+            outcome.isWhole = outcome.isWhole && FileUtil::IsDirectory(file); // folders are not copied
             FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: Copy file fail.", NAME);
         }
         // Listed even if the copy failed: an older copy may exist there.
@@ -277,7 +361,9 @@ PathList UnZipFile(
     }
     if (!FileUtil::ForceRemoveDirectory(workDirectory.GetPath(), true)) {
         FT::Log::GetInstance().Output(FT::LEVEL_ERROR, "FUNc:%s: remove folder fail.", NAME);
+        isRepeatable = false;
     }
+    outcome.isRepeatable = isRepeatable && outcome.isWhole;
     return unpacked;
 }
 

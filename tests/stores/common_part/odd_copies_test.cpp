@@ -73,9 +73,9 @@ TEST_F(OddCopies, EachFileOfAnArchiveThatFindsAFolderInItsPlaceIsLogged)
     mDir.MakeDir("copies/x.db/taken");
     mDir.MakeDir("copies/y.db/taken");
     WriteZip(mDir.Path("a.zip"), {{"x.db", "1"}, {"y.db", "2"}});
-    bool isWhole = true;
-    EXPECT_THAT(ExternalDatabases::UnZipFile(mDir.Path("a.zip"), mDir.Path("copies"), &isWhole), SizeIs(2));
-    EXPECT_FALSE(isWhole);
+    ExternalDatabases::Unpacking unpacking;
+    EXPECT_THAT(ExternalDatabases::UnZipFile(mDir.Path("a.zip"), mDir.Path("copies"), &unpacking), SizeIs(2));
+    EXPECT_FALSE(unpacking.isWhole);
     const auto lines = mLog.Lines();
     EXPECT_EQ(std::count(lines.begin(), lines.end(), "FUNc:CommonPartDbHelper::UnZipFile: Copy file fail."), 2);
 }
