@@ -216,7 +216,7 @@ private:
     static constexpr std::uint64_t WORK_OF_AN_ARCHIVE = 64 * 1024;
 
     std::uint64_t mWorkLeft;
-    std::map<std::string, std::string> mSeen; // by itself
+    std::map<std::string, std::string> mSeen; // as a set; a map of texts is compiled for this file anyway
     const std::string* mStanding = nullptr; // the archive that was unpacked last, or null
     bool mIsFirst = false;
     std::size_t mFirst = 0;
@@ -224,11 +224,101 @@ private:
     bool mIsCutShort = false;
 };
 
-void TellNotCopied(const std::string& source, bool& areAllCopied)
-{
-    areAllCopied = false;
-    TroubleWatch::Tell(Evidence::Trouble::Kind::NOT_COPIED, "the file can't be copied or unpacked", {source, source});
-}
+// Copies what a search has found into the directory of copies, one after the other.
+class Copying {
+public:
+    Copying(DatabaseSearch& search, const std::string& dbName, std::string directory, std::uint64_t mostUnpackedAgain)
+        : mDirectory(std::move(directory)), mRootOfDevice(DevicePaths::RealRootOfDevice()), mWithCase(dbName),
+          mPattern(LowerCase(dbName) == dbName ? search.GetPattern() : mWithCase), mArchives(mostUnpackedAgain)
+    {
+    }
+
+    // Called before the first copy, as files with these names may be among the copies.
+    void RemoveLeftoversOf(const PathList& candidates) const
+    {
+        for (const std::string& candidate : candidates) {
+            if (!IsZip(candidate, mRootOfDevice) && !IsInDirectory(candidate, mDirectory)) {
+                RemoveLeftovers(TargetOf(candidate, mDirectory));
+            }
+        }
+    }
+
+    // `candidate` has to live as long as this object.
+    void Take(const std::string& candidate)
+    {
+        // Opened once: its folders may be replaced by links until its turn comes.
+        const RootedPath::Target opened = DevicePaths::FindReal(candidate, mRootOfDevice);
+        if (!FileUtil::FileExists(opened.Path())) {
+            TellNotCopied(candidate);
+        } else if (!IsZip(candidate, mRootOfDevice)) {
+            TakeFile(candidate, opened.Path());
+        } else if (const bool stands = mArchives.Stands(candidate); mArchives.MayBeListed(candidate, mCopies.size())) {
+            stands ? mArchives.ListAgain(mCopies) : Unpack(candidate, opened.Path());
+        }
+    }
+
+    Copies End(bool isSearchWhole)
+    {
+        using Evidence::NoCopy;
+        if (mArchives.IsCutShort()) {
+            FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: files are listed %zu times, repetitions end here.",
+                "CommonPartDbHelper::CopyDbFile", mCopies.size());
+        }
+        const NoCopy missing = !mCopies.empty() ? NoCopy::NONE
+            : mAreAllCopied                     ? NoCopy::NOT_IN_ARCHIVE
+                                                : NoCopy::NOT_COPIED;
+        return {std::move(mCopies), missing, isSearchWhole && mAreAllCopied && !mArchives.IsCutShort()};
+    }
+
+private:
+    void Unpack(const std::string& archive, const std::string& opened)
+    {
+        mSourceByTarget.clear();
+        Unpacking unpacking;
+        const std::size_t first = mCopies.size();
+        for (const std::string& file : UnZipFile(archive, mDirectory, &unpacking, opened)) {
+            if (!file.empty() && mPattern.Matches(FileUtil::ExtractFileName(file))) {
+                mCopies.push_back(file);
+            }
+        }
+        mArchives.Unpacked(archive, opened, unpacking, first, mCopies.size());
+        if (!unpacking.isWhole) {
+            TellNotCopied(archive);
+        }
+    }
+
+    // A repeated file counts as one more copy, but the same bytes need not be written again.
+    void TakeFile(const std::string& file, const std::string& opened)
+    {
+        std::string& standing = mSourceByTarget[TargetOf(file, mDirectory)];
+        if (standing != file) {
+            mArchives.Forget();
+        }
+        if (standing == file || CopyFile(file, opened, mDirectory)) {
+            standing = file;
+            mCopies.push_back(TargetOf(StringUtil::TrimSP(file), mDirectory));
+        } else {
+            standing.clear();
+            TellNotCopied(file);
+        }
+    }
+
+    void TellNotCopied(const std::string& source)
+    {
+        mAreAllCopied = false;
+        TroubleWatch::Tell(Evidence::Trouble::Kind::NOT_COPIED, "the file can't be copied or unpacked", {source, source});
+    }
+
+    std::string mDirectory;
+    std::string mRootOfDevice;
+    // Names within archives keep their case, but the pattern is mostly that of the search and compiled already.
+    FileNamePattern mWithCase;
+    FileNamePattern& mPattern;
+    std::map<std::string, std::string> mSourceByTarget; // the source of the last copy to each target
+    RepeatedArchives mArchives;
+    PathList mCopies;
+    bool mAreAllCopied = true;
+};
 
 } // namespace
 
@@ -240,82 +330,22 @@ Copies CopyDbFile(const std::string& path, const std::string& dbName, std::size_
     }
     DatabaseSearch search(dbName, mostEntries);
     const Found found = GetFileList(search, path, mostEntries);
-    const PathList& candidates = found.files;
-    if (candidates.empty()) {
+    if (found.files.empty()) {
         return {{}, found.missing, found.isWhole};
     }
-    const std::string directory = FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(Settings::APP_DATABASE_DIR,
-        "");
+    std::string directory = FaultTreePropGlobal::GetInstance().GetFaultTreeProperty(Settings::APP_DATABASE_DIR, "");
     if (directory.empty()) {
         FT::Log::GetInstance().Output(
             FT::LEVEL_ERROR, "FUNc:%s: database dir is empty.", "CommonPartDbHelper::CopyDbFile");
         return {{}, Evidence::NoCopy::SETTING_EMPTY};
     }
-    const std::string rootOfDevice = DevicePaths::RealRootOfDevice();
-    // Before the first copy, as files with these names may be among the copies.
-    for (const std::string& candidate : candidates) {
-        if (!IsZip(candidate, rootOfDevice) && !IsInDirectory(candidate, directory)) {
-            RemoveLeftovers(TargetOf(candidate, directory));
-        }
-    }
-    PathList copies;
-    bool areAllCopied = true;
-    // Names within archives keep their case, but the pattern is mostly that of the search and compiled already.
-    FileNamePattern withCase(dbName);
-    FileNamePattern& pattern = LowerCase(dbName) == dbName ? search.GetPattern() : withCase;
-    std::map<std::string, std::string> sourceByTarget; // the source of the last copy to each target
-    RepeatedArchives archives(mostUnpackedAgain);
-    for (const std::string& candidate : candidates) {
+    Copying copying(search, dbName, std::move(directory), mostUnpackedAgain);
+    copying.RemoveLeftoversOf(found.files);
+    for (const std::string& candidate : found.files) {
         StopPoint::Pass();
-        // Opened once: its folders may be replaced by links until its turn comes.
-        const RootedPath::Target opened = DevicePaths::FindReal(candidate, rootOfDevice);
-        if (!FileUtil::FileExists(opened.Path())) {
-            TellNotCopied(candidate, areAllCopied);
-            continue;
-        }
-        if (IsZip(candidate, rootOfDevice)) {
-            const bool stands = archives.Stands(candidate);
-            if (!archives.MayBeListed(candidate, copies.size())) {
-                continue;
-            }
-            if (stands) {
-                archives.ListAgain(copies);
-                continue;
-            }
-            sourceByTarget.clear();
-            Unpacking unpacking;
-            const std::size_t first = copies.size();
-            for (const std::string& file : UnZipFile(candidate, directory, &unpacking, opened.Path())) {
-                if (!file.empty() && pattern.Matches(FileUtil::ExtractFileName(file))) {
-                    copies.push_back(file);
-                }
-            }
-            archives.Unpacked(candidate, opened.Path(), unpacking, first, copies.size());
-            if (!unpacking.isWhole) {
-                TellNotCopied(candidate, areAllCopied);
-            }
-            continue;
-        }
-        // A repeated file counts as one more copy, but the same bytes need not be written again.
-        std::string& standing = sourceByTarget[TargetOf(candidate, directory)];
-        if (standing != candidate) {
-            archives.Forget();
-        }
-        if (standing == candidate || CopyFile(candidate, opened.Path(), directory)) {
-            standing = candidate;
-            copies.push_back(TargetOf(StringUtil::TrimSP(candidate), directory));
-        } else {
-            standing.clear();
-            TellNotCopied(candidate, areAllCopied);
-        }
+        copying.Take(candidate);
     }
-    if (archives.IsCutShort()) {
-        FT::Log::GetInstance().Output(FT::LEVEL_WARN, "FUNc:%s: files are listed %zu times, repetitions end here.",
-            "CommonPartDbHelper::CopyDbFile", copies.size());
-    }
-    using Evidence::NoCopy;
-    const NoCopy missing = !copies.empty() ? NoCopy::NONE : areAllCopied ? NoCopy::NOT_IN_ARCHIVE : NoCopy::NOT_COPIED;
-    return {copies, missing, found.isWhole && areAllCopied && !archives.IsCutShort()};
+    return copying.End(found.isWhole);
 }
 
 PathList UnZipFile(

@@ -29,8 +29,8 @@ struct Copies {
 /// Searches `path` for files whose path matches the regular expression `dbName`, copies or unpacks them into the
 /// directory Settings::APP_DATABASE_DIR and returns the copies; a file that the search repeats is listed again, and
 /// written again if its copy doesn't stand any more. A failure logs a line and doesn't end the call. Archives are unpacked
-/// again up to `mostUnpackedAgain`, and listed again up to DatabaseSearch::MOST_LISTINGS_IN_ALL files. Throws std::regex_error for a pattern that is no regular expression.
-/// Searches `mostEntries` files and directories, and no others.
+/// again up to `mostUnpackedAgain`, and listed again up to DatabaseSearch::MOST_LISTINGS_IN_ALL files. Searches
+/// `mostEntries` files and directories, and no others. Throws std::regex_error for a pattern that is no regular expression.
 Copies CopyDbFile(const std::string& path, const std::string& dbName,
     std::size_t mostEntries = DatabaseSearch::MOST_ENTRIES, std::uint64_t mostUnpackedAgain = MOST_UNPACKED_AGAIN);
 
