@@ -134,8 +134,9 @@ void WriteDropsTableRules(const TempDir& dir, const std::string& name, const std
 // Windows runs no scripts: a copy of what scripts/test-windows.sh has made, and a program that answers as the script does.
 void PrepareLaptop(const std::string& name)
 {
-    std::filesystem::create_directories(name);
-    std::filesystem::copy(PREPARED_LAPTOP, name, std::filesystem::copy_options::recursive);
+    const std::filesystem::path target = std::filesystem::absolute(name);
+    std::filesystem::create_directories(target.parent_path()); // a folder that is there takes no copy of another one
+    std::filesystem::copy(PREPARED_LAPTOP, target, std::filesystem::copy_options::recursive);
 }
 
 std::string LaptopCodeRunner()
