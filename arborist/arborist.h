@@ -1,7 +1,8 @@
 #ifndef ARBORIST_ARBORIST_H
 #define ARBORIST_ARBORIST_H
 
-/// The one header that a host includes: the facade, what goes in, what comes out, what a rule set names, the log and the settings.
+/// The one header that a host includes: the facade, what goes in, what comes out, what a rule set names, the log and
+/// the settings.
 
 #include "arborist/arborist_version.h"
 #include "arborist/frame/arborist.h"

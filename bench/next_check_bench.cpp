@@ -1,5 +1,5 @@
-// The next check of a tree of 10^6 events, nearly all of whose checks are open: both numbers of every event and the way down,
-// and what an answer costs. The baseline is the goal in milliseconds.
+// The next check of a tree of 10^6 events, nearly all of whose checks are open: both numbers of every event and the way
+// down, and what an answer costs. The baseline is the goal in milliseconds.
 
 #include <cstddef>
 #include <string>

@@ -47,7 +47,7 @@ public:
 
 private:
     void AnalyzeRootCause();
-    // Once the search is over, whose memory the nodes can take.
+    // Call it after the search has been destroyed: the nodes reuse its memory.
     void ListNodes();
     void TellLimit(double count, std::size_t most) const;
     // Each use of the observer goes through this call, of which the bench of the observer makes one that returns null.

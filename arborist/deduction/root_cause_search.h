@@ -39,7 +39,7 @@ public:
     const std::vector<std::shared_ptr<RootCause>>& Find(std::size_t most = NO_LIMIT);
     /// The cut set of a root cause, by its place among those that were found.
     CutSet CutSetOf(std::size_t cause);
-    /// What an observer is told of a root cause, by its place among those that were found.
+    /// The record of a root cause for an observer, by its place among those that were found.
     Evidence::RootCause RecordOf(std::size_t cause);
 
 private:

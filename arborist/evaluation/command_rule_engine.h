@@ -27,8 +27,8 @@ public:
     ~CommandRuleEngine() override;
 
     bool IsFaultHappened(const std::shared_ptr<Rule>& rule, const std::string& eventId) override;
-    /// The common part of the running detection: it tells which tables and copies are whole, whichever gives the
-    /// thresholds. Until the first call, the one of the constructor. Not null.
+    /// The common part of the running detection. Its flags say which tables and copies are whole; thresholds may come from
+    /// another one. Until the first call, the one of the constructor. Not null.
     void SetPrepared(std::shared_ptr<CommonPart> prepared) { mPrepared = std::move(prepared); }
 
     /// Call behind the last rule of a detection: the next one may copy the database anew that is still open.

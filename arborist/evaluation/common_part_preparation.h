@@ -12,8 +12,9 @@ class DeviceDetails;
 /// loaded common part, by the device's attributes, builds the derived tables, then copies the external databases and
 /// creates their tables. Skips either of the two if the common part has no entry for it.
 ///
-/// `ruleFile` is the path of the rule file. `device` and `observer` may be null. A failure leaves a table missing or empty, which the rules handle. Throws
-/// std::regex_error if the pattern of an external database is no regular expression.
+/// `ruleFile` is the path of the rule file. `device` and `observer` may be null. A failure leaves a table missing or
+/// empty, which the rules handle. Throws std::regex_error if the pattern of an external database is no regular
+/// expression.
 void PrepareCommonPart(const std::shared_ptr<CommonPart>& part, const std::string& ruleFile,
     const DeviceDetails* device, DetectionObserver* observer);
 

@@ -30,7 +30,7 @@ private:
 
     Clock::time_point mStart = Clock::now();
     Clock::duration mWaited{};
-    /// Of mWaited, what the current lock took.
+    /// The part of mWaited that was spent on the current lock.
     Clock::duration mWaitedNow{};
     /// Hashes of the names of the last files that stayed locked: a handler of SQLite must not allocate.
     std::array<std::size_t, FILES_GIVEN_UP> mGivenUp{};

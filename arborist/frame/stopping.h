@@ -55,7 +55,8 @@ private:
 };
 
 /// While it exists, the stop points of this thread check this request, and its statements wait for locks as it allows; with
-/// null they never stop and never wait. Of nested scopes only the innermost counts: a host may call the library from within a detection.
+/// null they never stop and never wait. Of nested scopes only the innermost counts: a host may call the library from
+/// within a detection.
 class StopScope {
 public:
     explicit StopScope(StopRequest* request);

@@ -81,8 +81,8 @@ public:
     /// Called for each event that was decided again; if several events have one id, only for the first of them. The record
     /// of a rule on derived tables is from the moment at which the rule was asked last.
     virtual void OnEventDecided(std::int64_t moment, const Evidence::Event& event);
-    /// Called for each tree in which the answer of an event has changed. `tree` is its number in the results of a detection,
-    /// from 0. `result` is what a detection as of this moment finds, without TreeVerdict::open.
+    /// Called for each tree in which the answer of an event has changed. `tree` is its number in the results of a
+    /// detection, from 0. `result` is what a detection as of this moment finds, without TreeVerdict::open.
     virtual void OnTreeJudged(std::int64_t moment, std::size_t tree, const Evidence::TreeResult& result,
         const std::vector<Evidence::RootCause>& rootCauses);
     /// Called for a problem that belongs to no record of a rule, each time that the sweep meets the problem.

@@ -23,7 +23,8 @@ struct OpenCheck {
     Reason reason = Reason::NONE;
     /// What the reason is about: a file, a name, a database's message. May be empty.
     std::string detail;
-    /// True if the event is TRUE although its check is open: another answer could take the event, and with it a fault, away.
+    /// True if the event is TRUE although its check is open: another answer could take the event, and with it a fault,
+    /// away.
     bool restsOnDefault = false;
 
     ARBORIST_COMPARABLE(OpenCheck)
@@ -32,8 +33,8 @@ struct OpenCheck {
 /// The result of a detection for one tree, and how reliable it is.
 ///
 /// FaultTreeResult::mIsFault is no proof while checks are open. The verdict considers every combination of their answers,
-/// but an event that is TRUE stays TRUE (OpenCheck::restsOnDefault). Where two open checks depend on one missing source some
-/// combinations can't occur: the verdict may then be UNDECIDED although no possible answer changes it.
+/// but an event that is TRUE stays TRUE (OpenCheck::restsOnDefault). Where two open checks depend on one missing source
+/// some combinations can't occur: the verdict may then be UNDECIDED although no possible answer changes it.
 struct TreeVerdict {
     /// The verdict itself.
     enum class Word : unsigned char {

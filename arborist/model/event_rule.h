@@ -22,8 +22,8 @@ using OrRuleList = std::vector<std::shared_ptr<OrRuleSingle>>;
 
 /// The name of an alternative: that of its rule for a "singleRule", otherwise the listed names joined by commas.
 std::string NameOf(const OrRuleSingle& alternative);
-/// The names of the rules that an alternative of this name asks: the parts between the commas, but for empty ones; without a
-/// comma the name itself, also if it is empty.
+/// The names of the rules that an alternative of this name asks: the parts between the commas, but for empty ones;
+/// without a comma the name itself, also if it is empty.
 std::vector<std::string> RuleNamesIn(const std::string& alternativeName);
 
 /// The rules that decide one event.

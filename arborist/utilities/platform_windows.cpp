@@ -68,8 +68,8 @@ DWORD CALLBACK WhileCopying(LARGE_INTEGER, LARGE_INTEGER, LARGE_INTEGER, LARGE_I
     return StopPoint::IsDue() ? PROGRESS_CANCEL : PROGRESS_CONTINUE;
 }
 
-// The C library reads TZ too, but takes every summer for that of one country. Nothing for a zone that is not written out:
-// the time is then that of the system.
+// The C library reads TZ too, but applies one country's daylight saving rule to every zone. Nothing for a zone that is not
+// written out: the time is then that of the system.
 std::optional<PosixZone> ZoneOfEnvironment()
 {
     const char* const text = std::getenv("TZ");

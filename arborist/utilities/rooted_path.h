@@ -34,7 +34,7 @@ public:
     Target(const Target&) = delete;
     Target& operator=(const Target&) = delete;
 
-    /// Opens what was found, during the life of this object; empty if nothing was.
+    /// A path that opens the target as long as this object exists; empty if nothing was found.
     const std::string& Path() const { return mPath; }
 
 private:

@@ -23,7 +23,7 @@ namespace diagnosis::bindings {
 /// Whether this thread is in a callback: a call would wait for the one that waits for the callback.
 bool IsInCallback();
 
-/// The turn of one call, for which it waits until the one that runs has ended.
+/// Lets one call run at a time: the constructor waits until the running call has ended.
 class Turn {
 public:
     /// Takes no turn if `stop` is asked before.

@@ -47,8 +47,8 @@ public:
     /// What is open of the tree: whether there is a root cause, or else whether its top event is in error.
     FewestChecks OfTree() const { return OfCause().IsOpen() ? OfCause() : OfStatus(); }
 
-    /// Whether there is a root cause, or the top event is not in error, whatever the open checks come out as. False if the top
-    /// event is in error and no cut set can explain it.
+    /// Whether there is a root cause, or the top event is not in error, whatever the open checks come out as. False if
+    /// the top event is in error and no cut set can explain it.
     bool IsDecided() const { return OfCause().toProve == 0 || OfStatus().toRuleOut == 0; }
     /// How few answers settle the check of this event itself, as its rules have it: without its gate.
     FewestChecks OfCheck(std::size_t place) const;

@@ -19,8 +19,8 @@ struct NextCheck {
     FewestChecks before;
 };
 
-/// What to close of the open checks of a tree, and in which order. Nothing is known of how likely an answer is: the order is
-/// that of the fewest checks.
+/// What to close of the open checks of a tree, and in which order. Nothing is known of how likely an answer is: the
+/// order is that of the fewest checks.
 struct NextChecks {
     /// What the answers have to settle.
     enum class Aim : unsigned char {

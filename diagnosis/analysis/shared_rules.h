@@ -19,8 +19,8 @@ public:
     /// the same text.
     bool HasAny() const { return mHasAny; }
 
-    /// The ids of the events that the answer to this one answers, beginning with its own. The others are those that rest, as
-    /// it does, on nothing but one rule, the same for all.
+    /// The ids of the events that the answer to this one answers, beginning with its own. The others are those that
+    /// rest, as it does, on nothing but one rule, the same for all.
     std::vector<std::string_view> AnsweredWith(std::size_t event) const;
 
 private:

@@ -31,8 +31,8 @@ struct Bundle {
     std::string ruleFilePrefix;
     std::string logLocation;
     std::string reservedText;
-    /// Tells one device from all others, as a serial number does; empty where it is not known. Shown as DeviceNames says, and
-    /// nowhere else.
+    /// Tells one device from all others, as a serial number does; empty where it is not known. Shown as DeviceNames
+    /// says, and nowhere else.
     std::string deviceId;
     DeviceDetails device;
     /// Values by the names of Settings. By default both roots are folders inside the bundle, which carries its own

@@ -56,8 +56,8 @@ public:
     std::optional<Failure> Enter(const BundlePath& path, const BundleOverrides& overrides,
         BundleUse use = BundleUse::RUN);
 
-    /// For another detection of the same bundle: takes the rules of `folder`, an absolute path, in place of those so far, and
-    /// puts the library's own databases back to what the bundle has. The bundle must be entered to RUN.
+    /// For another detection of the same bundle: takes the rules of `folder`, an absolute path, in place of those so
+    /// far, and puts the library's own databases back to what the bundle has. The bundle must be entered to RUN.
     std::optional<Failure> TakeRules(const std::string& folder);
     /// Makes the moment of entering the current time of all detections, if the bundle has none of its own.
     void HoldMoment();

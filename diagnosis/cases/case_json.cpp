@@ -12,7 +12,7 @@ namespace {
 
 constexpr char EVENTS[] = "events";
 
-// The expectations belong to one case each.
+// Keys that each case has for itself: no default may set them.
 bool IsForOneCase(const std::string& key)
 {
     return key == "cases" || key == "name" || key == "expect";
@@ -79,7 +79,7 @@ void CaseObject::Bool(const char* key, bool& target)
 
 void CaseObject::Missing(const char* key)
 {
-    // A key that lacks is probably misspelt, which is reported on its own.
+    // A missing key is probably misspelt, which is reported on its own.
     mProblems.Add(mObject, "\"" + mPrefix + key + "\" is missing");
 }
 

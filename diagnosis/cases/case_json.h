@@ -74,7 +74,7 @@ public:
     void Texts(const char* key, std::vector<std::string>& target);
     void Bool(const char* key, bool& target);
 
-    /// Reports a member that lacks, at the object.
+    /// Reports a missing member, at the object.
     void Missing(const char* key);
     /// Reports a value of a wrong type.
     void Wrong(const std::string& key, const Json::Value& value, const char* wanted);

@@ -44,7 +44,8 @@ struct TestRun {
 TestRun RunTests(const std::vector<std::string>& paths, const TestOptions& options);
 
 /// The case files that are probably about the rule set in a folder: those anywhere below the folder that contains it, where
-/// projects keep their tests, near ones first. Looks into no hidden folder, follows no link, and looks at no more than `most` files and folders.
+/// projects keep their tests, near ones first. Looks into no hidden folder, follows no link, and looks at no more than
+/// `most` files and folders.
 struct NearbyCases {
     std::vector<std::string> files;
     /// The folder that was searched.

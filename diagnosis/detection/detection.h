@@ -49,8 +49,8 @@ struct DetectionReport {
     /// As requested: whether the report shows the trees, and the explanation.
     bool withTrees = false;
     bool withExplanation = false;
-    /// The bundle that was diagnosed, without the id of its device, and the time of the diagnosis as local time. Set once the
-    /// bundle is entered.
+    /// The bundle that was diagnosed, without the id of its device, and the time of the diagnosis as local time. Set
+    /// once the bundle is entered.
     Bundle subject;
     std::string moment;
     /// RuleSetReading::GetDigest, if requested.
@@ -69,8 +69,9 @@ struct DetectionReport {
 /// Runs one detection for a bundle. Every failure, including an exception, is in the report.
 DetectionReport RunDetection(const BundlePath& bundle, const DetectionOptions& options);
 
-/// Runs one detection with each of these rule sets, absolute paths of folders, in turn: the bundle is entered once, with one
-/// moment for all, and each detection starts from the bundle's own databases. A report for each, as RunDetection makes it, with the seconds of its own detection.
+/// Runs one detection with each of these rule sets, absolute paths of folders, in turn: the bundle is entered once,
+/// with one moment for all, and each detection starts from the bundle's own databases. A report for each, as
+/// RunDetection makes it, with the seconds of its own detection.
 std::vector<DetectionReport> RunDetections(
     const BundlePath& bundle, const DetectionOptions& options, const std::vector<std::string>& rules);
 

@@ -17,7 +17,7 @@ public:
     /// Asks the engine again, which forgets what it was asked before its detection began.
     void AskAgain();
 
-    /// As long as it exists, a call runs, also on its way to the detection: it remembers a Stop. May hold others.
+    /// Marks a running call, also on its way to the detection: a Stop during its life is kept. Calls may nest.
     class Call {
     public:
         /// A null switch remembers nothing.

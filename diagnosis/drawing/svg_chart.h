@@ -7,8 +7,8 @@
 
 namespace diagnosis {
 
-/// The rules of charts, in addition to those of the report's style sheet, whose colours they use. The styles of parts, lines
-/// and intervals are "fault", "undecided", "sound", "plain" and "none"; lines have "line1" to "line6", too.
+/// The rules of charts, in addition to those of the report's style sheet, whose colours they use. The styles of parts,
+/// lines and intervals are "fault", "undecided", "sound", "plain" and "none"; lines have "line1" to "line6", too.
 inline constexpr char CHART_STYLE[] = R"(
 .chart .tick { fill: var(--quiet); font-size: 11px; }
 .chart .axis { stroke: var(--rule); stroke-width: 1; }
@@ -39,7 +39,7 @@ struct ChartPart {
 struct ChartBar {
     std::string label;
     std::vector<ChartPart> parts;
-    /// Stands behind a bar; columns don't show it.
+    /// Printed behind a bar; columns don't show it.
     std::string words;
 };
 

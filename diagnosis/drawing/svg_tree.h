@@ -15,7 +15,7 @@ struct SvgPicture {
 
 /// The tree as an SVG element for an HTML page with the report's style sheet, the top event on the left. Gates and
 /// leaves have the usual fault tree symbols: a D for AND, a shield for OR, a circle for a basic event, a diamond for an
-/// undeveloped one. No picture of a tree that is too large for a picture.
+/// undeveloped one. Empty for a tree that is too large for a picture.
 SvgPicture SvgTree(const DrawnTree& tree);
 
 } // namespace diagnosis

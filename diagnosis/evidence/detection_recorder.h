@@ -41,7 +41,7 @@ public:
 
     /// The rule set after the last attempt to read it.
     const Evidence::RuleSet& GetRuleSet() const { return mRuleSet; }
-    /// The trees of the detection, as yet without results. Leaves none.
+    /// Moves out the trees of the detection, which have no results yet.
     TreeReports TakeTrees() { return std::move(mTrees); }
     /// The problems that make the result less reliable.
     DetectionWarnings& GetWarnings() { return mWarnings; }

@@ -29,9 +29,9 @@ struct LogSlice {
 /// Parses "931001001,932000000-932999999".
 std::optional<std::vector<std::pair<std::int64_t, std::int64_t>>> ParseIdRanges(const std::string& text);
 
-/// Copies a part of the log `source` to `target`, replacing an existing log and creating missing folders. Keeps keys, versions, indexes and foreign
-/// tables, so that rows are found as before. Keeps an event if one of its times is in the slice, and every time that is
-/// no number.
+/// Copies a part of the log `source` to `target`, replacing an existing log and creating missing folders. Keeps keys,
+/// versions, indexes and foreign tables, so that rows are found as before. Keeps an event if one of its times is in the
+/// slice, and every time that is no number.
 std::optional<Failure> SliceEventLog(const std::string& source, const std::string& target, const LogSlice& slice);
 
 } // namespace diagnosis

@@ -40,9 +40,9 @@ public:
     /// `program` is a path, or empty for the first word of `command`, which is looked up. Messages go to the standard
     /// error of this process. Returns the error of the system, 0 if there is none.
     DWORD Start(const std::string& program, const std::string& command, HANDLE input, HANDLE output);
-    /// False if the program runs longer.
+    /// Waits for the end of the program; false if it is still running at the limit.
     bool Wait(std::optional<std::chrono::milliseconds> limit) const;
-    /// Of a program that has ended.
+    /// The program must have ended.
     DWORD ExitStatus() const;
     DWORD Number() const { return mProcess.dwProcessId; }
 

@@ -29,7 +29,7 @@ struct Slot {
 };
 Slot slots[SLOTS];
 std::optional<SignalActions> listening;
-// Of slots and detections.
+// Number of slots in use and of detections that listen.
 int listeners = 0;
 
 /// The detection or the sweep that the next SIGINT stops, and the function that asks it to.

@@ -8,8 +8,8 @@
 
 namespace diagnosis {
 
-/// The rules of a rule set that read what a redaction replaced, in the order of the rule file, with what they read. All others
-/// answer as before. May list a rule that reads none of it, as SQL is only searched for the names.
+/// The rules of a rule set that read what a redaction replaced, in the order of the rule file, with what they read. All
+/// others answer as before. May list a rule that reads none of it, as SQL is only searched for the names.
 std::vector<AffectedRule> AffectedRules(const rule_source::RuleSet& rules, const RedactionReport& report);
 
 } // namespace diagnosis

@@ -9,8 +9,8 @@ namespace diagnosis {
 /// The least number of bytes of a key: shorter ones can be found by trying all.
 inline constexpr std::size_t SHORTEST_KEY = 16;
 
-/// Reads a key: all bytes of the file, a line end included. On failure returns nothing and sets `problem` to the path and the
-/// reason on one line.
+/// Reads a key: all bytes of the file, a line end included. On failure returns nothing and sets `problem` to the path
+/// and the reason on one line.
 std::optional<std::string> ReadHashKey(const std::string& path, std::string& problem);
 
 /// The keyed hash in place of a value. The empty value stays empty, as it gives nothing away.

@@ -73,7 +73,7 @@ void LineRedaction::Redact(results_db::ResultLine& line)
     }
 }
 
-// Only what would otherwise stay: a part that is listed is replaced once.
+// Passes over the parts that are replaced as a whole.
 void LineRedaction::RedactQuotes(results_db::ResultLine& line)
 {
     const std::string name = QuotedName(line.bundle);

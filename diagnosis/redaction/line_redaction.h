@@ -15,9 +15,9 @@ namespace diagnosis {
 
 /// Replaces the listed parts of result lines by keyed hashes, one line after the other.
 ///
-/// Everything else in a line comes from the rule set, or is a verdict, a count or a time. Where the bundle's name is listed,
-/// each text that quotes its last part is replaced, too, as if the text's own part was listed, and evidence that quotes it
-/// is left out.
+/// Everything else in a line comes from the rule set, or is a verdict, a count or a time. Where the bundle's name is
+/// listed, each text that quotes its last part is replaced, too, as if the text's own part was listed, and evidence
+/// that quotes it is left out.
 class LineRedaction {
 public:
     /// The redaction must outlive it.

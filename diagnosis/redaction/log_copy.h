@@ -24,9 +24,9 @@ struct LoggedExtra {
 /// The text in place of the "extra" of a row; nothing if the value stays as it is.
 using NewExtra = std::function<std::optional<std::string>(const LoggedExtra& row)>;
 
-/// Writes a new event log that has nothing of the old file but the columns that readers of a log know, of its three tables, row
-/// by row in their types: no other table, no trigger and no free page, in which old values could remain. Indexes on these
-/// columns are made anew, as the order of rows depends on them.
+/// Writes a new event log that has nothing of the old file but the columns that readers of a log know, of its three
+/// tables, row by row in their types: no other table, no trigger and no free page, in which old values could remain.
+/// Indexes on these columns are made anew, as the order of rows depends on them.
 class LogCopy {
 public:
     /// Copies the log at `source` to `target`, which must not exist.

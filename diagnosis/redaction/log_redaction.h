@@ -10,8 +10,8 @@
 
 namespace diagnosis {
 
-/// Writes the event log at `source` anew to `target`, which must not exist, with the listed members of "extra" replaced; see
-/// LogCopy and RedactExtra. A log that can't be read to its end is not redacted.
+/// Writes the event log at `source` anew to `target`, which must not exist, with the listed members of "extra"
+/// replaced; see LogCopy and RedactExtra. A log that can't be read to its end is not redacted.
 std::optional<Failure> RedactLog(const std::string& source, const std::string& target, const Redaction& redaction,
     RedactionReport& report);
 

@@ -46,8 +46,8 @@ std::vector<std::string> RedactableKeys();
 /// The parts of a result line that can be replaced.
 inline constexpr const char* REDACTABLE_RESULTS[] = {"bundle", "device", "details", "warnings", "error", "explanation"};
 
-/// Reads a redaction file strictly: an unknown key is an error, since a misspelt one would leave its value as it is. A "keyFile"
-/// is relative to the folder of the file. The message of a failure lists all that is wrong.
+/// Reads a redaction file strictly: an unknown key is an error, since a misspelt one would leave its value as it is. A
+/// "keyFile" is relative to the folder of the file. The message of a failure lists all that is wrong.
 std::optional<Failure> ReadRedactionFile(const std::string& path, Redaction& redaction);
 
 /// The text in lower case, ASCII letters only, as SQLite compares names.

@@ -14,7 +14,7 @@ namespace diagnosis {
 /// and what "results diff" give.
 std::string CompareJson(const rule_set::ReadRuleSet& before, const rule_set::ReadRuleSet& after,
     const std::vector<rule_set::Change>& changes, const results_db::ResultsDiff& diff);
-/// Why there is no comparison, an object of the same schema.
+/// An object of the same schema that says why there is no comparison.
 std::string CompareFailureJson(const Failure& failure);
 
 } // namespace diagnosis

@@ -20,8 +20,8 @@ struct ImportOptions {
     bool skipsBadLines = false;
     /// Changes each line before it is added, so that the database doesn't have what must not be in it; may be null.
     std::function<void(ResultLine& line)> redact = nullptr;
-    /// Asked while another process has the database locked, or makes it, with the number of tries so far: true to try again.
-    /// See WaitForOthers. Without it the import fails then.
+    /// Asked while another process has the database locked, or makes it, with the number of tries so far: true to try
+    /// again. See WaitForOthers. Without it the import fails then.
     std::function<bool(int tries)> tryAgain = nullptr;
 };
 

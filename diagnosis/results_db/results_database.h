@@ -17,13 +17,14 @@ std::optional<Failure> CreateSchema(Connection& database, const std::string& pat
 bool WaitForOthers(int tries);
 
 /// The failure `bad_results` if an open database is no results database, has the schema of another version, or lacks the
-/// tables and views of its version as CreateSchema makes them: a view in their place could run for ever. Tables, views and indexes
-/// of columns that somebody added beside them are left alone; triggers and other indexes would run with an import.
+/// tables and views of its version as CreateSchema makes them: a view in their place could run for ever. Tables, views
+/// and indexes of columns that somebody added beside them are left alone; triggers and other indexes would run with an
+/// import.
 std::optional<Failure> CheckSchema(Connection& database, const std::string& path);
 
-/// Opens an existing results database for reading, as it is at this moment: nobody changes it while it is open. It must have
-/// the schema of this version. Statements are limited by the size of the file. Asks `tryAgain` while another process has it
-/// locked.
+/// Opens an existing results database for reading, as it is at this moment: nobody changes it while it is open. It must
+/// have the schema of this version. Statements are limited by the size of the file. Asks `tryAgain` while another
+/// process has it locked.
 std::optional<Failure> OpenResults(
     const std::string& path, ReadOnlyDatabase& database, const std::function<bool(int tries)>& tryAgain = WaitForOthers);
 

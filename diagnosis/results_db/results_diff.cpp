@@ -311,7 +311,7 @@ std::vector<std::string> Texts(Questions& questions, const std::string& sql)
     return texts;
 }
 
-// What is read of a damaged database would be differences that there are not.
+// Rows that a damaged database lacks would be reported as differences.
 std::optional<Failure> FailureOf(const Questions& questions, const ResultsSide& side)
 {
     return questions.Problem().empty() ? std::nullopt

@@ -32,8 +32,8 @@ private:
     std::vector<std::int64_t> mDefinitions;
 };
 
-/// Fills in the commonest causes, what occurs together, and the causes of the trend. A cause counts once for a bundle. Reads
-/// the root causes twice; memory grows with the number of different causes.
+/// Fills in the commonest causes, what occurs together, and the causes of the trend. A cause counts once for a bundle.
+/// Reads the root causes twice; memory grows with the number of different causes.
 void ReadCauseFigures(Questions& questions, const CauseNumbers& numbers, const TrendWeeks& weeks, CommonCauses& causes);
 
 } // namespace diagnosis

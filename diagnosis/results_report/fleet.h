@@ -70,7 +70,7 @@ struct OpenByReason {
     std::uint64_t bundles = 0;
 };
 
-/// Open checks that lack the same.
+/// Open checks with the same missing source.
 struct OpenBySource {
     /// NONE for a word that this version doesn't know.
     Evidence::Reason reason = Evidence::Reason::NONE;

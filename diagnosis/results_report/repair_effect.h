@@ -16,7 +16,7 @@ struct RepairAim {
     std::string id;
     /// Numbers of causes, in any order, without repetition.
     std::vector<std::int64_t> causes;
-    /// Numbers of their trees, likewise.
+    /// Numbers of their trees, in any order, without repetition.
     std::vector<std::int64_t> trees;
 };
 
@@ -84,7 +84,7 @@ public:
     void BeginDevice(std::vector<RepairDone> repairs);
     /// The next bundle of the device, in ascending order of time.
     void Add(const DeviceVisit& visit);
-    /// Ends the last device. One for each aim, in their order.
+    /// Ends the last device. Returns one effect for each aim, in the order of the aims.
     const std::vector<RepairEffect>& Finish();
 
 private:

@@ -31,7 +31,8 @@ class LinkIndex {
 public:
     explicit LinkIndex(const rule_source::RuleSet& rules);
 
-    /// The trees that an event is in, the rules that decide it, the repairs after which its rows count, and what describes it.
+    /// The trees that an event is in, the rules that decide it, the repairs after which its rows count, and what
+    /// describes it.
     std::vector<Link> OfEvent(std::string_view id) const;
     /// The events that a rule decides and the shared data that it uses.
     std::vector<Link> OfRule(const rule_source::Rule& rule) const;
@@ -42,8 +43,8 @@ public:
     /// The rules that use shared data or a database.
     std::vector<Link> OfSharedData(std::string_view name) const;
     std::vector<Link> OfDatabase(std::string_view name) const;
-    /// The events that list a repair, those whose user-defined text names it, and the rules of both. Their counts start anew
-    /// with it.
+    /// The events that list a repair, those whose user-defined text names it, and the rules of both. Their counts start
+    /// anew with it.
     std::vector<Link> OfRepair(std::string_view id) const;
     /// The ids of all repairs that an event lists or names.
     std::set<std::string> RepairIds() const;

@@ -19,7 +19,7 @@ public:
     /// True if a leaf can be the first event of a cut set that explains a fault. All indices are into Trees::events.
     bool MayBeReported(std::size_t leaf) const { return mMayBeReported[leaf]; }
     /// The events whose rules are in the way of a leaf that can't be reported: itself, one above it, or those that an
-    /// AND gate above it needs. Not all of them: those nearest to the leaf.
+    /// AND gate above it needs. Only those that are nearest to the leaf.
     std::vector<std::size_t> BlockersOf(std::size_t leaf);
 
 private:
@@ -39,7 +39,7 @@ private:
     /// ... and whether one of its combinations can be true with all events above its members, up to the event itself.
     std::vector<bool> mHasCutSet;
     std::vector<bool> mMayBeReported;
-    /// Found when asked for, as many leaves may have the same events in the way.
+    /// Keep what was found, since many leaves may have the same events in the way.
     std::unordered_map<std::size_t, std::vector<std::size_t>> mMissingChildren;
     std::unordered_map<std::size_t, std::vector<std::size_t>> mBlockersBelow;
 };

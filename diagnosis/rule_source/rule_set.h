@@ -45,7 +45,8 @@ RuleSetContents ReadRuleSetContents(const RuleSetPaths& paths);
 /// Whether both files could be read, XML or not.
 bool AreRead(const RuleSetContents& contents);
 /// The digest of both texts, in hexadecimal digits, which is that of other texts if a byte is another one or in the other
-/// file. A file that can't be read is like an empty one. Nothing but the bytes counts: neither paths nor whether they are XML.
+/// file. A file that can't be read is like an empty one. Nothing but the bytes counts: neither paths nor whether they
+/// are XML.
 std::string DigestOfTexts(const RuleSetContents& contents);
 
 /// Parses both files at the same time.

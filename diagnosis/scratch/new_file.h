@@ -14,7 +14,7 @@ namespace diagnosis {
 class NewFolders {
 public:
     NewFolders() = default;
-    /// Leaves a folder that something else was put into.
+    /// Removes the folders, but not one that is no longer empty.
     ~NewFolders();
     NewFolders(const NewFolders&) = delete;
     NewFolders& operator=(const NewFolders&) = delete;

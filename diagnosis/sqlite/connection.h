@@ -63,8 +63,8 @@ public:
     bool Open(const std::string& path, Mode mode);
     /// Makes an empty database that is in no file.
     bool OpenInMemory();
-    /// From now on, while another connection has the database locked, a statement asks `tryAgain` with the number of tries so
-    /// far, and fails if that says no; null doesn't wait. Call it on an open connection.
+    /// From now on, while another connection has the database locked, a statement asks `tryAgain` with the number of
+    /// tries so far, and fails if that says no; null doesn't wait. Call it on an open connection.
     void WhileLocked(std::function<bool(int tries)> tryAgain);
     /// Runs statements that have neither parameters nor results.
     bool Execute(const std::string& sql);

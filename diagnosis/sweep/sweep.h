@@ -39,7 +39,7 @@ struct SweepReport {
     std::string bundle;
     /// Set if the bundle could not be swept; there is nothing else then.
     std::optional<Failure> failure;
-    /// What makes the answers less than they look.
+    /// The problems that make the answers less reliable.
     std::vector<Warning> warnings;
     std::int64_t from = 0;
     std::int64_t until = 0;

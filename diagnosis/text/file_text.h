@@ -19,9 +19,8 @@ inline constexpr std::size_t NO_LIMIT = std::numeric_limits<std::size_t>::max() 
 /// bytes than `most`, no more than some bytes beyond these.
 std::optional<std::string> FileText(const std::string& path, std::size_t most = NO_LIMIT);
 
-/// The object or array of a JSON file, which is read strictly. With more bytes than `most`, which MOST_WRITTEN_BYTES is for,
-/// that is a failure. On failure returns nothing and sets `problem` to the path
-/// and the reason on one line.
+/// The object or array of a JSON file, which is read strictly. With more bytes than `most`, which MOST_WRITTEN_BYTES is
+/// for, that is a failure. On failure returns nothing and sets `problem` to the path and the reason on one line.
 std::optional<Json::Value> ReadJsonFile(const std::string& path, std::string& problem, std::size_t most = NO_LIMIT);
 
 } // namespace diagnosis

@@ -15,7 +15,7 @@ using Characters = std::bitset<std::numeric_limits<unsigned char>::max() + 1>;
 
 constexpr std::size_t NONE = std::numeric_limits<std::size_t>::max();
 
-/// A state of the automaton that a pattern stands for: it goes on with one of some characters, or without any.
+/// A state of the automaton of a pattern, with a transition on a set of characters and up to two without a character.
 struct State {
     Characters characters;
     std::size_t next = NONE;

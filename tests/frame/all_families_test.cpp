@@ -38,7 +38,8 @@ TEST_F(AllFamilies, SecondDetectionBuildsEverythingAnewAndAgrees)
     EXPECT_THAT(RootCauses(arborist), ElementsAre("alarm", "derived", "external", "node", "code"));
 }
 
-// Windows removes no file that is open, not even for the process that has it open: making room for the new copy failed there.
+// Windows removes no file that is open, not even for the process that has it open: making room for the new copy failed
+// there.
 TEST_F(AllFamilies, DatabaseThatARuleAskedLastIsCopiedAnewForTheNextDetection)
 {
     mDir.Write("FaultTrees.xml", TreeXml("All").Tree("T", Or({Basic("derived"), Basic("external")})).Text());

@@ -7,8 +7,8 @@
 /// Seconds since the epoch, in any order; the same may be listed twice.
 using Moments = std::vector<std::int64_t>;
 
-/// The moments of a sweep, both ends inclusive. What holds at the first one is asked in any case: changes are looked for
-/// after it.
+/// The moments of a sweep, both ends inclusive. All rules are asked at the first one, and then at those moments at which an
+/// answer may change.
 struct MomentRange {
     std::int64_t first = 0;
     std::int64_t last = 0;

@@ -81,7 +81,8 @@ private:
         Moments moments = {};
         /// Where its derived tables change.
         Moments tableMoments = {};
-        /// The names of its rules on derived tables. They are asked where the tables change, and keep their answers between.
+        /// The names of its rules on derived tables. They are asked where the tables change, and keep their answers
+        /// between.
         std::set<std::string> tableRules = {};
         /// Whether the tables are not built for it.
         bool isLeftOut = false;

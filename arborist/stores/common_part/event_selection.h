@@ -24,7 +24,8 @@ namespace EventSelection {
 /// unchanged.
 ///
 /// Sets `isWhole`, if it is not null, to whether the log was read to its end, every `extra` in it could be read, and it
-/// has a time for every event with these ids; the selection can't see an event without one. That costs another statement, which logs nothing.
+/// has a time for every event with these ids; the selection can't see an event without one. That costs another
+/// statement, which logs nothing.
 void GetLumbraDataByFilter(const EventIdList& ids, const std::string& eventDbPath, std::vector<Json::Value>& rows,
                            bool* isWhole = nullptr);
 

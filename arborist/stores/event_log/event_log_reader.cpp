@@ -178,7 +178,7 @@ bool ReadIds(const Sqlite3Db& database, const std::string& from, SnapshotBuilder
 }
 
 // Reads the id of each row that a search for its row number finds, as the query for an id does in the end, whatever leads
-// it there. Behind an unreadable page only trying tells where the readable rows go on. False if that takes too long: where
+// it there. Behind an unreadable page it tries row numbers until a row can be read. False if that takes too long: where
 // pages are out of order, each try may read the same rows again.
 bool ReadIdsByRowNumber(const Sqlite3Db& database, SnapshotBuilder& builder)
 {

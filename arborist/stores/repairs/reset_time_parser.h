@@ -10,8 +10,8 @@
 /// Reads from the logs of the recovery system when the device was last reset and last updated: events logged before
 /// that don't describe the device as it is now.
 ///
-/// An unreadable log, or one of more than 32 MiB, leaves the times unchanged and is no error. Times are seconds since the epoch, 0 until one is
-/// found. Not thread-safe.
+/// An unreadable log, or one of more than 32 MiB, leaves the times unchanged and is no error. Times are seconds since
+/// the epoch, 0 until one is found. Not thread-safe.
 ///
 /// No log reaches its readers by itself (see ParseLogService): they are kept for devices that have such logs, and only
 /// their tests call them.

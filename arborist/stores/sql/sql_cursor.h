@@ -41,8 +41,9 @@ public:
     /// Releases the read lock.
     void Reset();
 
-    /// The columns of the current row, from 0. GetText throws std::bad_alloc if SQLite has no memory for the text. Texts are valid until the next call on the cursor; a text ends at its
-    /// first zero byte, as in the rows of SqlOperator.
+    /// The columns of the current row, from 0. GetText throws std::bad_alloc if SQLite has no memory for the text.
+    /// Texts are valid until the next call on the cursor; a text ends at its first zero byte, as in the rows of
+    /// SqlOperator.
     ColumnType GetType(int column) const;
     std::int64_t GetInteger(int column) const;
     double GetReal(int column) const;

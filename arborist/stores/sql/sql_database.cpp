@@ -20,8 +20,8 @@ namespace {
 
 constexpr std::int32_t CLOSED = 1;
 constexpr sqlite3_int64 SOFT_HEAP_LIMIT = 102400;
-// Both apply to restricted connections: a few bytes of a file can ask for a text of a gigabyte, and while a function works
-// on one, nothing interrupts it. `like` and `glob` compare the pattern at each byte of the text; this one has room for a
+// Both apply to restricted connections: a few bytes of a file can ask for a text of a gigabyte, and nothing interrupts a
+// function that works on one. `like` and `glob` compare the pattern at each byte of the text; this length has room for a
 // file name between wildcards.
 constexpr int LONGEST_TEXT = 16 * 1024 * 1024;
 constexpr int LONGEST_PATTERN = 300;

@@ -26,8 +26,8 @@ struct Sqlite3Db {
 enum class SqlAccess {
     /// Everything that affects neither another file nor the whole process: ATTACH, VACUUM INTO and setting SQLite's
     /// memory limits, its directories or the place of temporary files fail with "not authorized"; setting its busy timeout
-    /// has no effect. Only schema statements can change the schema, and there is always a journal. A statement that exceeds SqlLimits fails with
-    /// "interrupted", "query aborted" or "database or disk is full".
+    /// has no effect. Only schema statements can change the schema, and there is always a journal. A statement that
+    /// exceeds SqlLimits fails with "interrupted", "query aborted" or "database or disk is full".
     OWN_FILE,
     /// Only select, transactions, and queries of the state of the file (data_version, integrity_check, page_count,
     /// page_size). The file stays unchanged byte for byte, even if changes by others wait in its write-ahead log. The

@@ -62,7 +62,7 @@ private:
         });
     }
 
-    // What is left leads into a circle: follow it until a gate comes again.
+    // Every gate that is left leads into a circle: follows references until a gate comes again.
     Failure CircleFailure() const
     {
         std::size_t gate = 0;

@@ -27,8 +27,8 @@ using Word = Evidence::TreeVerdict::Word;
 
 using Answers = std::map<std::string, bool>;
 
-/// A bundle with a random tree, whose open checks are code rules that may decide several events. Some events are left to the
-/// host, or have a rule that is not for the device, or one that has an answer from the start.
+/// A bundle with a random tree, whose open checks are code rules that may decide several events. Some events are left
+/// to the host, or have a rule that is not for the device, or one that has an answer from the start.
 class RandomBundle {
 public:
     explicit RandomBundle(RandomCases& random)

@@ -21,8 +21,8 @@ using Evidence::Reason;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// An undecided tree in which each leaf has an open check, for the reason and detail behind a colon of its id: "A:log" lacks the
-// event log, "A:table" a table derived from it, "A:x" the node file x, "A" a rule.
+// An undecided tree in which each leaf has an open check, for the reason and detail behind a colon of its id: "A:log"
+// lacks the event log, "A:table" a table derived from it, "A:x" the node file x, "A" a rule.
 TreeReport Undecided(const ToldEvent& top)
 {
     TreeReport report;

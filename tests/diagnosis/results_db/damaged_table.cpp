@@ -8,8 +8,8 @@
 
 namespace {
 
-/// A row as it lies in a page: its number, which a table without row ids doesn't have, and the kinds of its columns, in front
-/// of which their number stands: 0 is NULL, 8 the number 0, 13 the empty text.
+/// A row as it lies in a page: its number, which a table without row ids doesn't have, and the kinds of its columns, in
+/// front of which their number stands: 0 is NULL, 8 the number 0, 13 the empty text.
 struct RowForm {
     std::string rowId;
     std::string row;

@@ -66,7 +66,7 @@ struct BatchOptions {
     bool isOrdered = false;
     /// Time limit for each bundle; zero for none.
     std::chrono::milliseconds timeout = {};
-    /// How often a bundle whose error is worth it is run again.
+    /// How often a bundle is run again whose error is worth another try.
     std::size_t retries = 0;
     /// Bundles that could not be diagnosed, or not with all that was asked for, don't count for the status.
     bool forgivesBundles = false;
@@ -79,8 +79,8 @@ std::optional<std::string> BatchProblem(const BatchOptions& options);
 /// limit costs only its own bundle and is replaced. Shows its Progress on standard error. Returns the most serious
 /// status, and fills in the summary if there is one.
 ///
-/// Answers of an earlier run come first, so that a run that is killed has them all; with an order, in theirs. Bundles that
-/// are run again are so at the end, when the machine may have what it lacked.
+/// Answers of an earlier run come first, so that a run that is killed has them all; with an order, in theirs. Bundles are
+/// run again at the end, when the machine may have what it lacked.
 ///
 /// Call it before the process has a second thread, as the workers are forked. On SIGHUP, SIGINT, SIGPIPE (the reader of
 /// the results has left) and SIGTERM it ends the workers, removes their temporary files and then ends the process by

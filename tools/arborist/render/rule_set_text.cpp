@@ -47,7 +47,7 @@ std::string LinkedNames(const Entry& entry)
     return names.empty() ? "" : (entry.kind == ItemKind::RULE ? " -> " : " <- ") + names;
 }
 
-// Texts for people need none for ids of descriptions: "described by" says it.
+// Empty for ids of descriptions: the words "described by" already say what they are.
 std::string KindText(ItemKind kind)
 {
     const bool isDescription = kind == ItemKind::FAULT_DESCRIPTIONS || kind == ItemKind::SOLUTIONS

@@ -21,7 +21,7 @@ std::string ShareText(const Share& share)
     return std::to_string(share.covered) + " of " + std::to_string(share.total);
 }
 
-// Rounded down, so that only all is 100.
+// Rounded down: 100% means all.
 std::string PercentText(const Share& share)
 {
     return std::to_string(share.total == 0 ? 100 : share.covered * 100 / share.total) + "%";

@@ -54,7 +54,7 @@ std::string WhyDropped(Element alternative)
     return alternative.Has("type") ? "has the unknown type " + Quoted(type) : "has no type";
 }
 
-// A type that is right has no near one.
+// A known type like the one that is misspelt; empty for one that is right.
 std::string NearType(Element alternative, NearNames& types)
 {
     const std::string_view type = alternative.Value("type");
