@@ -30,12 +30,14 @@ bool LockWaits::Sleep(const std::string& file, int attempt) noexcept
     const Clock::time_point start = Clock::now();
     const Clock::duration worked = start - mStart - mWaited;
     const std::size_t name = std::hash<std::string>()(file);
-    if (std::find(mGivenUp.begin(), mGivenUp.end(), name) != mGivenUp.end() ||
-        mWaited >= LONGEST_WAITS * longest + worked) {
+    if (std::find(mGivenUp.begin(), mGivenUp.end(), name) != mGivenUp.end()) {
         return false;
     }
-    if (mWaitedNow >= longest) {
+    if (mWaitedNow >= longest) { // first: on a busy machine one sleep may take as long as all waits may
         mGivenUp[mCountGivenUp++ % mGivenUp.size()] = name;
+        return false;
+    }
+    if (mWaited >= LONGEST_WAITS * longest + worked) {
         return false;
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(std::min(attempt + 1, LONGEST_SLEEP)));
