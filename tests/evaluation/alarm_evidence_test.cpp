@@ -242,6 +242,10 @@ TEST_F(AlarmEvidence, RowsWithoutPartnersAreToldWhereMoreRowsWouldCount)
         .Sql("delete from event_info_flow where _ID = 2").WriteTo(mDir.Path(LOG));
     EXPECT_THAT(WindowOf(Ids("920000001", "920000001").Latest(7, 1), true).notes,
         ElementsAre(Evidence::Reason::ROWS_UNSEEN)) << "it may weigh less than nothing";
+    EventLogBuilder().Rows({{NOW, 929999999, "1", R"({"COUNT":1})"}, {NOW, 930000000, "1", ""}, {NOW, 930000000, "1", ""},
+        {NOW, 929999999, "1", ""}}).Sql("delete from event_info_flow where _ID = 4").WriteTo(mDir.Path(LOG));
+    EXPECT_THAT(WindowOf(Ids("929999999", "930000000").Latest(7, 2), true).notes, testing::IsEmpty())
+        << "rows of the other id are enough, whatever it weighs";
 }
 
 TEST_F(AlarmEvidence, RowsThatAnUnknownVersionRejectsAreToldWhereMoreRowsWouldCount)

@@ -146,7 +146,9 @@ TEST(RuleCheckTest, TheDetailOfARepairThatCanNotBeReadIsTheRepair)
     Evidence::Rule alarm;
     Evidence::Window window = WindowOf(0, Reason::WINDOW_REACHED, {Reason::REPAIR_UNREADABLE});
     window.start.emplace().unreadableRepair = "it's";
-    alarm.part = Evidence::Alarm{{WindowOf(0, Reason::WINDOW_SHORT), window}};
+    Evidence::Window readable = WindowOf(0, Reason::WINDOW_SHORT);
+    readable.start.emplace();
+    alarm.part = Evidence::Alarm{{readable, window}};
     alarm.verdict = Verdict::FIRED;
     alarm.check = CheckOfRule(alarm);
     EXPECT_EQ(DetailOfCheck(alarm), "it's");

@@ -63,6 +63,14 @@ TEST_F(XmlFileTest, EachElementMayHaveAsManyAsTheLimit)
         "an element has more than 256 attributes");
 }
 
+TEST_F(XmlFileTest, AttributesOfATextOf16KiBAreNotCounted)
+{
+    const std::string xml = "<a" + Attributes(XmlFile::MOST_ATTRIBUTES + 1);
+    const std::string longest = xml + std::string(16 * 1024 - xml.size() - 2, ' ') + "/>";
+    EXPECT_EQ(LineOfTooManyAttributes(longest), 0);
+    EXPECT_EQ(LineOfTooManyAttributes(longest + "\n"), 1);
+}
+
 struct HidingCase {
     const char* name;
     std::string begin;
