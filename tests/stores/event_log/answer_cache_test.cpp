@@ -98,4 +98,15 @@ TEST_F(AnswerCacheTest, LogThatHasChangedHasNoFurtherAnswers)
     EXPECT_EQ(Answer(asked, 1, 100), 0);
 }
 
+TEST_F(AnswerCacheTest, RowsBeforeThoseThatAreKnownArePreparedToo)
+{
+    Ask(8, 8, 0);
+    mCache.ReadForeseen();
+    const auto asked = Ask(7, 8, 51);
+    mCache.Prepare(asked);
+    EventLogBuilder::Run(mPath, "update event_info set extra = ''");
+    EXPECT_EQ(Answer(asked, 0, 60), 60);
+    EXPECT_EQ(Answer(asked, 1, 100), 1000);
+}
+
 } // namespace

@@ -81,6 +81,16 @@ TEST_F(EventLogReaderTest, RowsWithoutPartnersAreInvisible)
         "9: 30");
 }
 
+TEST_F(EventLogReaderTest, RowWithoutAVersionIsUnseenAtItsOwnTime)
+{
+    const auto snapshot = Read(EventLogBuilder().Rows({{10, 7, "", ""}, {20, 8, "", ""}})
+        .Sql("update event_info set version_id = null where _ID = 1"));
+    EXPECT_EQ(RowsOf(*snapshot), "8: 20");
+    EXPECT_THAT(snapshot->ListUnseen(7, 7), testing::ElementsAre(10));
+    EXPECT_TRUE(snapshot->HasUnseen(7, 7, 10));
+    EXPECT_FALSE(snapshot->HasUnseen(7, 7, 11));
+}
+
 TEST_F(EventLogReaderTest, NullsAndIdsOfMoreThan32BitsMatchNoQuery)
 {
     EXPECT_EQ(RowsOf(EventLogBuilder()

@@ -1,8 +1,10 @@
 #include "arborist/stores/event_log/event_log_search.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include <gmock/gmock.h>
+#include <sqlite3.h>
 
 #include "arborist/frame/settings.h"
 #include "arborist/frame/trouble_watch.h"
@@ -172,6 +174,33 @@ TEST_F(EventLogSearchTest, FirstTimeAfterTheLastMomentIsNone)
     settings.Set(Settings::AS_OF, "0");
     EXPECT_EQ(mSearch.GetFirstTime(), std::nullopt);
     EXPECT_EQ(Visit({1, 10, 0, false}), "");
+}
+
+TEST_F(EventLogSearchTest, FirstTimeMayBeTheLastMomentItself)
+{
+    Open(ManyRows(100));
+    Visit({1, 10, 0, false});
+    const SettingsGuard settings;
+    settings.Set(Settings::AS_OF, "1");
+    EXPECT_EQ(mSearch.GetFirstTime(), 1);
+}
+
+// Else the time would grow with the product of their number and the size of the log.
+TEST_F(EventLogSearchTest, IdsThatNeedTheirOwnQueriesShareOneScanOfTheEvents)
+{
+    Open(ManyRows(100).Sql("update event_info_flow set occurrence_time = 7.5"));
+    const std::string each = AskEach(1, 10);
+    int scans = 0;
+    const auto count = [](unsigned int, void* counter, void*, void* sql) {
+        constexpr std::string_view SCAN = "select event_id, _ID from event_info not indexed";
+        *static_cast<int*>(counter) += static_cast<const char*>(sql) == SCAN ? 1 : 0;
+        return 0;
+    };
+    sqlite3* const connection = mDatabase.GetHandle().connection;
+    sqlite3_trace_v2(connection, SQLITE_TRACE_STMT, count, &scans);
+    EXPECT_EQ(Visit({1, 10, 0, false}), each);
+    sqlite3_trace_v2(connection, 0, nullptr, nullptr);
+    EXPECT_EQ(scans, 1);
 }
 
 TEST_F(EventLogSearchTest, BreakInTheEventsIsToldForEachIdAndLeavesTheRowsBefore)

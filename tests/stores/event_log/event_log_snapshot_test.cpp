@@ -150,6 +150,21 @@ TEST(EventLogSnapshotTest, RangesOfKnownLengthAreThoseSinceTheStart)
     EXPECT_FALSE(EventLogSnapshot::RangeOf(snapshot.GetEntry(1), 1).isSince);
 }
 
+TEST(EventLogSnapshotTest, RowsOfTheSameSecondAreInOrder)
+{
+    const EventLogSnapshot snapshot = Snapshot({{7, 10}, {7, 10}, {7, 20}});
+    EXPECT_TRUE(snapshot.GetEntry(0).isAscending);
+    EXPECT_EQ(snapshot.RangeSince(snapshot.GetEntry(0), 11).begin, 2U);
+}
+
+TEST(EventLogSnapshotTest, ARangeOfRowsInOrderHasOnlyRowsOfItsTime)
+{
+    const EventLogSnapshot snapshot = Snapshot({{7, 10}, {7, 20}, {8, 30}, {8, 10}});
+    EXPECT_TRUE(snapshot.RangeSince(snapshot.GetEntry(0), 15).isSince);
+    EXPECT_TRUE(snapshot.RangeSince(snapshot.GetEntry(0), 10, 15).isSince);
+    EXPECT_FALSE(snapshot.RangeSince(snapshot.GetEntry(1), 15).isSince);
+}
+
 TEST(EventLogSnapshotTest, VersionsAreFoundByTheirNames)
 {
     const EventLogSnapshot snapshot = Snapshot({});

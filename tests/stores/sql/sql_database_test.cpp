@@ -305,6 +305,15 @@ TEST_F(SqlDatabaseTest, ForeignTextWithTooLongTextsIsBrokenOff)
     EXPECT_EQ(mLog.Lines().back(), "FUNc:FT::sql::SqlOperator::Execute: Execute sql failed: string or blob too big");
 }
 
+TEST_F(SqlDatabaseTest, ForeignTextMakesTextsOf16MebibytesAndNotOfAByteMore)
+{
+    ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
+    mDatabase.Restrict(SqlAccess::OWN_FILE);
+    SqlOperator statement(mDatabase.GetHandle());
+    EXPECT_TRUE(statement.ExecuteNoCallback("select length(zeroblob(16777216))"));
+    EXPECT_FALSE(statement.ExecuteNoCallback("select length(zeroblob(16777217))"));
+}
+
 TEST_F(SqlDatabaseTest, ForeignTextThatComparesLongPatternsIsBrokenOff)
 {
     ASSERT_TRUE(mDatabase.Open(mDir.Path("a.db")));
