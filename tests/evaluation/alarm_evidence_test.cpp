@@ -270,7 +270,7 @@ TEST_F(AlarmEvidence, WeightsWithoutAReadableRepairAreToldAlsoWhereTheyAreShort)
 {
     using Evidence::Reason;
     Log({{NOW - 2, 920000001, "1", R"({"COUNT":5})"}, {NOW - 1, 920000001, "1", R"({"COUNT":10})"},
-        {NOW, 7, "1", ""}});
+        {NOW, 7, "1", ""}, {NOW, 929999999, "1", R"({"COUNT":1})"}, {NOW, 930000000, "1", ""}, {NOW, 930000000, "1", ""}});
     Repair();
     EventLogBuilder::Run(mDir.Path("data/Comms/Lumbra/zxdetectrepair/databases/repair_record.db"),
         "update repair_data set repair_date = null");
@@ -281,6 +281,8 @@ TEST_F(AlarmEvidence, WeightsWithoutAReadableRepairAreToldAlsoWhereTheyAreShort)
     EXPECT_THAT(notes("920000001", 15, true), ElementsAre(Reason::REPAIR_UNREADABLE));
     EXPECT_THAT(notes("7", 2, false), testing::IsEmpty()) << "fewer rows are short, too";
     EXPECT_THAT(notes("7", 1, true), ElementsAre(Reason::REPAIR_UNREADABLE));
+    EXPECT_THAT(WindowOf(Ids("929999999", "930000000").Latest(7, 3), false).notes, ElementsAre(Reason::REPAIR_UNREADABLE))
+        << "the weight of the other id, however many rows this one has";
 }
 
 TEST_F(AlarmEvidence, NegativeWeightIsToldAlsoWhereTheSumIsShort)
