@@ -35,6 +35,7 @@ fuzz_one() {
     case $name in
         bundle_zip) seeds=fuzz/seeds/zip ;;
         lint | rule_set) seeds=fuzz/seeds/rule_file ;;
+        redacted_extra) seeds=fuzz/seeds/extra ;;
     esac
     mkdir -p "build/fuzz/corpus/$name"
     local status=0 TIMEFORMAT='%U %S'
